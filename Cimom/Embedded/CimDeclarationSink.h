@@ -1,0 +1,48 @@
+// Where a MOF reader puts what it read: the object manager's side of loading.
+#ifndef QORQL_EMBEDDED_CIMDECLARATIONSINK_H
+#define QORQL_EMBEDDED_CIMDECLARATIONSINK_H
+
+#include "Cimom/Embedded/CimDeclarations.h"
+#include "cimom/IQoriClass.h"
+#include "cimom/IQoriInstanceName.h"
+#include "cimom/IQoriObject.h"
+#include "cmpbase.h"
+
+// One loader at a time. Between begin() and commit() everything declared is
+// visible to this interface alone; rollback() forgets it. Refusals THROW
+// QoriBaseException (type "CIM_Repository") whose message names the class,
+// property or path at fault; the loader adds file and line.
+class CimDeclarationSink {
+ public:
+  virtual ~CimDeclarationSink() = default;
+
+  virtual void begin() = 0;
+  virtual void commit() = 0;
+  virtual void rollback() noexcept = 0;
+
+  // Idempotent.
+  virtual void createNamespace(const QORString& nameSpace) = 0;
+  virtual void declareQualifier(const QORString& nameSpace, const CimQualifierDeclaration& declaration) = 0;
+  // Refused: a class that exists with another declaration, a missing superclass,
+  // a property declared twice or redeclared with another type, a reference
+  // outside an association. An equal declaration again is accepted.
+  virtual void declareClass(const QORString& nameSpace, const CimClassDeclaration& declaration) = 0;
+  // Refused: an unknown or abstract class, an unknown property, a property
+  // given twice, a value of another type, a key without value, a path that exists.
+  virtual QORSmrPtr<IQoriInstanceName> createInstance(const QORString& nameSpace,
+                                                      const CimInstanceDeclaration& declaration) = 0;
+  // An object that is not stored (an embedded instance or an indication); needs no keys.
+  virtual QORSmrPtr<IQoriObject> makeObject(const QORString& nameSpace, const CimInstanceDeclaration& declaration) = 0;
+
+  // Null when the class does not exist.
+  virtual QORSmrPtr<IQoriClass> findClass(const QORString& nameSpace, const QORString& className) const = 0;
+  // The property's declaration, inherited ones included, with qualifiers in
+  // force; false when the class or the property does not exist.
+  virtual bool describeProperty(const QORString& nameSpace, const QORString& className, const QORString& propertyName,
+                                CimPropertyDeclaration& out) const = 0;
+  // The qualifier's declaration; false when there is none.
+  virtual bool describeQualifier(const QORString& nameSpace, const QORString& name,
+                                 CimQualifierDeclaration& out) const = 0;
+};
+
+#endif

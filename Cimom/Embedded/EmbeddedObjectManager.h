@@ -1,0 +1,85 @@
+// The in-process object manager: class repository, instance store, providers
+// and configuration behind the services that the engine calls.
+#ifndef QORQL_EMBEDDED_EMBEDDEDOBJECTMANAGER_H
+#define QORQL_EMBEDDED_EMBEDDEDOBJECTMANAGER_H
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Cimom/Embedded/CimDeclarationSink.h"
+#include "Cimom/Embedded/InstanceProvider.h"
+#include "cimom/IQoriObject.h"
+#include "cimom/IQoriRepository.h"
+#include "cmpbase.h"
+
+// A process has one current object manager, which serves CIMApi,
+// QoriProviderPluginManager, ZEMOConfigManager and QORLog. All operations may
+// be called from any thread; queries that run meanwhile see the state before or
+// after a change, never a part of it.
+class EmbeddedObjectManager {
+ public:
+  // What has been asked of the object manager since the last reset.
+  struct Statistics {
+    QORuint64 enumerateCalls = 0;
+    QORuint64 associatorCalls = 0;
+    QORuint64 getInstanceCalls = 0;
+    QORuint64 instancesReturned = 0;
+  };
+  // Receives each log line that passes the level.
+  using LogSink = std::function<void(const QORString& who, const QORString& message, QORuint32 severity)>;
+
+  static const char* const kDefaultNamespace;  // "root/cimv2"
+
+  EmbeddedObjectManager();
+  EmbeddedObjectManager(const EmbeddedObjectManager&) = delete;
+  EmbeddedObjectManager& operator=(const EmbeddedObjectManager&) = delete;
+  // A current object manager withdraws itself.
+  ~EmbeddedObjectManager();
+
+  // Makes this the process's object manager (the last caller wins).
+  void makeCurrent();
+  // BORROWS: the current one, or null.
+  static EmbeddedObjectManager* current() noexcept;
+
+  // OWNS stays here: for loaders of declarations and instances.
+  CimDeclarationSink& sink();
+  QORSmrPtr<IQoriRepository> repository() const;
+  std::vector<QORString> namespaces() const;
+  // Class names of a namespace in declaration order; empty when it does not exist.
+  std::vector<QORString> classNames(const QORString& nameSpace) const;
+  // False when there is none.
+  bool describeClass(const QORString& nameSpace, const QORString& className, CimClassDeclaration& out) const;
+  bool isAssociation(const QORString& nameSpace, const QORString& className) const;
+  // All properties of a class, inherited first, in the order in which instances show them.
+  std::vector<CimPropertyDeclaration> allProperties(const QORString& nameSpace, const QORString& className) const;
+
+  // The class must be declared in the namespace. Live instances come after stored ones.
+  void registerProvider(const QORString& nameSpace, std::shared_ptr<InstanceProvider> provider);
+
+  // Changes to stored instances. THROW as CimDeclarationSink::createInstance.
+  QORSmrPtr<IQoriInstanceName> createInstance(const QORString& nameSpace, const CimInstanceDeclaration& declaration);
+  // Sets the given properties of an existing instance; keys cannot change.
+  void modifyInstance(const QORSmrPtr<IQoriInstanceName>& name, const std::vector<CimInstanceProperty>& properties);
+  // Returns whether it existed.
+  bool deleteInstance(const QORSmrPtr<IQoriInstanceName>& name);
+
+  // Configuration. An INI file; THROWS QoriBaseException (type "CIM_Configuration") naming file and line.
+  void loadConfiguration(const std::string& path);
+  void setConfiguration(const QORString& section, const QORString& key, const QORString& value);
+
+  void setLogSink(LogSink sink, QORuint32 maximumSeverity);
+
+  Statistics statistics() const;
+  void resetStatistics();
+
+  struct State;
+  // For the services of this library.
+  const std::shared_ptr<State>& state() const noexcept { return _state; }
+
+ private:
+  std::shared_ptr<State> _state;
+};
+
+#endif

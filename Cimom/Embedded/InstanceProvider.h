@@ -1,0 +1,43 @@
+// What a provider of live instances implements.
+#ifndef QORQL_EMBEDDED_INSTANCEPROVIDER_H
+#define QORQL_EMBEDDED_INSTANCEPROVIDER_H
+
+#include <functional>
+#include <vector>
+
+#include "cimom/IQoriValue.h"
+#include "cimom/QoriTransactionInfo.h"
+#include "cmpbase.h"
+
+// One instance as a provider fills it: values by the positions of the class's
+// properties that the request names.
+class InstanceProvider {
+ public:
+  // The properties that a request needs: their names in the class's spelling,
+  // keys always included. A provider may compute these alone.
+  struct Request {
+    QORString nameSpace;
+    QORString className;
+    std::vector<QORString> propertyNames;
+    QORSmrPtr<QoriTransactionInfo> transaction;  // null: no query behind the call
+    // Whether the property is asked for (ignoring case).
+    bool needs(const char* propertyName) const;
+  };
+  // Takes one instance: a value for each of Request::propertyNames, in that
+  // order; a null pointer for a value that cannot be had.
+  using Emit = std::function<void(std::vector<QORSmrPtr<IQoriValue>>&& values)>;
+
+  virtual ~InstanceProvider() = default;
+
+  // The class served. Its declaration must be in the repository when the
+  // provider is registered.
+  virtual QORString getClassName() const = 0;
+
+  // Emits every instance that exists now. An instance that cannot be read is
+  // left out, a property that cannot be read is null; neither fails the call.
+  // A source that cannot be read at all THROWS CQoriProviderException. May be
+  // called from several threads at once.
+  virtual void enumerate(const Request& request, const Emit& emit) = 0;
+};
+
+#endif

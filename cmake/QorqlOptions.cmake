@@ -1,0 +1,16 @@
+# Warnings, sanitizers and coverage, the same for every target of our own.
+function(qorql_target_options target)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion)
+  if(QORQL_WARNINGS_AS_ERRORS)
+    target_compile_options(${target} PRIVATE -Werror)
+  endif()
+  if(QORQL_SANITIZE)
+    target_compile_options(${target} PRIVATE -fsanitize=${QORQL_SANITIZE} -fno-omit-frame-pointer
+                                             -fno-sanitize-recover=all)
+    target_link_options(${target} PRIVATE -fsanitize=${QORQL_SANITIZE})
+  endif()
+  if(QORQL_COVERAGE)
+    target_compile_options(${target} PRIVATE --coverage)
+    target_link_options(${target} PRIVATE --coverage)
+  endif()
+endfunction()

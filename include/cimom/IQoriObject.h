@@ -1,0 +1,59 @@
+// An instance as the engine sees it: class, name and properties.
+#ifndef QORQL_CIMOM_IQORIOBJECT_H
+#define QORQL_CIMOM_IQORIOBJECT_H
+
+#include "cimom/IQoriInstanceName.h"
+#include "cimom/IQoriProperty.h"
+#include "cimom/IQoriValue.h"
+#include "cimom/QoriScalar.h"
+#include "cmpbase.h"
+
+// The property positions that many objects share. Two objects with the same
+// layout address have the same property names and types at the same positions.
+// Immutable; lives at least as long as any object that returns it.
+class IQoriLayout {
+ public:
+  virtual ~IQoriLayout() = default;
+  virtual QORuint32 getPropertyCount() const noexcept = 0;
+  // Position of the property, ignoring case; -1 when there is none.
+  virtual QORsint32 getPosition(const QORString& name) const noexcept = 0;
+  // REQUIRE position < getPropertyCount().
+  virtual const QORString& getName(QORuint32 position) const noexcept = 0;
+  virtual const QORSmrPtr<IQoriType>& getType(QORuint32 position) const noexcept = 0;
+};
+
+// Once an object has been handed out it does not change; threads may share it.
+class IQoriObject {
+ public:
+  virtual ~IQoriObject() = default;
+
+  virtual const QORString& getClassName() const noexcept = 0;
+  // The object path; null when the object has none (an embedded instance without keys may).
+  virtual QORSmrPtr<IQoriInstanceName> getInstanceName() const = 0;
+  // Namespace the instance came from; empty when it has none.
+  virtual QORString getNameSpace() const = 0;
+
+  virtual QORuint32 getPropertyCount() const noexcept = 0;
+  // In the object's order. REQUIRES position < getPropertyCount().
+  virtual QORSmrPtr<IQoriProperty> getPropertyAt(QORuint32 position) const = 0;
+  // Ignoring case; null when the object has no such property. The flag includes
+  // properties of superclasses; the engine always passes true.
+  virtual QORSmrPtr<IQoriProperty> getProperty(const QORString& name, bool includeInherited) const = 0;
+
+  // The layout, when property positions may be bound once for many objects; an
+  // object that cannot promise this returns null and is read by name. With a
+  // layout, the two operations below do not throw (but for std::bad_alloc).
+  virtual const IQoriLayout* getLayout() const noexcept { return nullptr; }
+  // The property's value as a borrowed view, valid while the object lives; kind
+  // Null for a property without value. REQUIRES a layout and a position in it.
+  virtual QoriScalar getScalarAt(QORuint32 /*position*/) const noexcept { return {}; }
+  // The property's value, null when it has none. REQUIRES as above.
+  virtual QORSmrPtr<IQoriValue> getValueAt(QORuint32 /*position*/) const { return {}; }
+
+  // The namespace the instance came from; empty for a null object.
+  static QORString getLocalNameSpace(const QORSmrPtr<IQoriObject>& object) {
+    return object.IsNull() ? QORString::emptyString() : object->getNameSpace();
+  }
+};
+
+#endif

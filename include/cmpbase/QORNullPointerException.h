@@ -1,0 +1,17 @@
+// The error of using a counted pointer that holds nothing.
+#ifndef QORQL_CMPBASE_QORNULLPOINTEREXCEPTION_H
+#define QORQL_CMPBASE_QORNULLPOINTEREXCEPTION_H
+
+#include "cmpbase/QoriBaseException.h"
+
+// Type "NullPointer", who "QORSmrPtr", where the operation ("operator->()"),
+// message "Null pointer in " followed by the operation, code 0.
+class QORNullPointerException : public QoriBaseException {
+ public:
+  explicit QORNullPointerException(const QORString& operation);
+  QORNullPointerException(const QORNullPointerException&) = default;
+  QORNullPointerException& operator=(const QORNullPointerException&) = default;
+  ~QORNullPointerException() override;
+};
+
+#endif

@@ -1,0 +1,192 @@
+// The counted shared pointer that holds every shared object of the engine.
+#ifndef QORQL_CMPBASE_QORSMRPTR_H
+#define QORQL_CMPBASE_QORSMRPTR_H
+
+#include <cstddef>
+#include <new>
+#include <type_traits>
+#include <utility>
+
+#include "cmpbase/QORAtomicInt.h"
+
+// Where misuse of a counted pointer is reported; supplied by the foundation library.
+class QORSmrPtrImpl {
+ public:
+  // THROWS QoriBaseException with the given text as message.
+  [[noreturn]] static void raise(const char* text);
+  // THROWS QORNullPointerException naming the operation.
+  [[noreturn]] static void raiseNullPointer(const char* operation);
+};
+
+// Shares an object of type T, deleted when the last holder lets go. A pointer
+// always has a control block, also when it holds nothing: all null pointers of
+// a type share one static block, which is not counted. Converting from a
+// pointer to a derived class makes a new block that shares the object's count.
+// Two pointers made separately from one raw pointer do not know of each other.
+// Copies may be made and dropped on several threads; one pointer object is not
+// synchronised.
+template <class T>
+class QORSmrPtr : public QORSmrPtrImpl {
+ public:
+  QORSmrPtr() noexcept : _pointee(&_nullPointee) {}
+  QORSmrPtr(std::nullptr_t) noexcept : _pointee(&_nullPointee) {}
+  // OWNS `pointer` from now on (null allowed), also when allocating the block fails.
+  QORSmrPtr(T* pointer) : _pointee(newPointee(pointer)) {}
+  QORSmrPtr(const QORSmrPtr& other) noexcept : _pointee(other._pointee) { AddRef(); }
+  QORSmrPtr(QORSmrPtr&& other) noexcept : _pointee(std::exchange(other._pointee, &_nullPointee)) {}
+
+  template <class D>
+  requires(std::is_convertible_v<D*, T*> && !std::is_same_v<D, T>) QORSmrPtr(const QORSmrPtr<D>& other)
+      : _pointee(sharePointee(static_cast<T*>(other.Get()), other)) {}
+
+  ~QORSmrPtr() { _Release(); }
+
+  QORSmrPtr& operator=(const QORSmrPtr& other) noexcept {
+    if (_pointee != other._pointee) {
+      other.AddRef();
+      SmartPointerPointee* const old = std::exchange(_pointee, other._pointee);
+      releasePointee(old);
+    }
+    return *this;
+  }
+  QORSmrPtr& operator=(QORSmrPtr&& other) noexcept {
+    std::swap(_pointee, other._pointee);
+    return *this;
+  }
+  // Takes the object into a new, independent block, even when it is already held.
+  QORSmrPtr& operator=(T* pointer) {
+    Set(pointer);
+    return *this;
+  }
+
+  void Init(T* pointer) { Set(pointer); }
+  void Set(T* pointer) {
+    SmartPointerPointee* const fresh = newPointee(pointer);
+    releasePointee(std::exchange(_pointee, fresh));
+  }
+  // BORROWS: the object, or null; valid while a holder lives.
+  T* Get() const noexcept { return _pointee->_pointer; }
+  bool IsNull() const noexcept { return _pointee->_pointer == nullptr; }
+  void AddRef() const noexcept {
+    if (_pointee != &_nullPointee) _pointee->_referenceCount.atomicInc();
+  }
+  // Lets go; the pointer holds nothing afterwards.
+  void Release() noexcept { releasePointee(std::exchange(_pointee, &_nullPointee)); }
+  // True when this pointer is the object's only holder.
+  bool IsUnique() const noexcept {
+    return _pointee != &_nullPointee && _pointee->_referenceCount.getValue() == 1 &&
+           _pointee->_sharedReferenceCount->getValue() == 1;
+  }
+
+  T& operator*() const {
+    if (IsNull()) raiseNullPointer("operator*()");
+    return *Get();
+  }
+  T* operator->() const {
+    if (IsNull()) raiseNullPointer("operator->()");
+    return Get();
+  }
+  operator void*() const noexcept { return rawPointer(); }
+
+  // Same object; two null pointers are equal.
+  friend int operator==(const QORSmrPtr& a, const QORSmrPtr& b) noexcept { return a.Get() == b.Get(); }
+
+  // The objects' own order. THROWS QORNullPointerException when either is null.
+  friend bool operator<(const QORSmrPtr& a, const QORSmrPtr& b) {
+    if (a.IsNull() || b.IsNull()) raiseNullPointer("operator<()");
+    return a.Get() != b.Get() && *a.Get() < *b.Get();
+  }
+  friend bool operator>(const QORSmrPtr& a, const QORSmrPtr& b) {
+    if (a.IsNull() || b.IsNull()) raiseNullPointer("operator>()");
+    return a.Get() != b.Get() && *a.Get() > *b.Get();
+  }
+  friend bool operator>=(const QORSmrPtr& a, const QORSmrPtr& b) { return !(a < b); }
+  friend bool operator<=(const QORSmrPtr& a, const QORSmrPtr& b) { return !(a > b); }
+
+  // The object as a D that shares the count, or a null pointer when it is none.
+  template <class D>
+  QORSmrPtr<D> DynamicCast() const {
+    D* const cast = dynamic_cast<D*>(Get());
+    return cast == nullptr ? QORSmrPtr<D>() : QORSmrPtr<D>(*this, cast);
+  }
+  template <class D>
+  QORSmrPtr<D> StaticCast() const {
+    D* const cast = static_cast<D*>(Get());
+    return cast == nullptr ? QORSmrPtr<D>() : QORSmrPtr<D>(*this, cast);
+  }
+
+ private:
+  template <class>
+  friend class QORSmrPtr;
+
+  struct SmartPointerPointee {
+    constexpr SmartPointerPointee() noexcept = default;
+    SmartPointerPointee(T* pointer, QORAtomicInt* shared) noexcept
+        : _referenceCount(1), _sharedReferenceCount(shared), _pointer(pointer) {}
+    QORAtomicInt _referenceCount;
+    QORAtomicInt* _sharedReferenceCount = nullptr;
+    T* _pointer = nullptr;
+  };
+
+  // An object's first block and its shared count, in one allocation that lives
+  // until the shared count is zero: a converted pointer may outlive the block.
+  struct FirstPointee {
+    explicit FirstPointee(T* pointer) noexcept : _shared(1), _block(pointer, &_shared) {}
+    QORAtomicInt _shared;
+    SmartPointerPointee _block;
+  };
+  static_assert(std::is_trivially_destructible_v<FirstPointee>);
+
+  // A conversion that keeps the object's count: `object` is other's object seen as a T.
+  template <class S>
+  QORSmrPtr(const QORSmrPtr<S>& other, T* object) : _pointee(sharePointee(object, other)) {}
+
+  static SmartPointerPointee* newPointee(T* pointer) {
+    if (pointer == nullptr) return &_nullPointee;
+    try {
+      return &(new FirstPointee(pointer))->_block;
+    } catch (...) {
+      delete pointer;
+      throw;
+    }
+  }
+  template <class S>
+  static SmartPointerPointee* sharePointee(T* object, const QORSmrPtr<S>& other) {
+    if (object == nullptr) return &_nullPointee;
+    QORAtomicInt* const shared = other._pointee->_sharedReferenceCount;
+    SmartPointerPointee* const block = new SmartPointerPointee(object, shared);
+    shared->atomicInc();
+    return block;
+  }
+  static void releasePointee(SmartPointerPointee* block) noexcept {
+    if (block != &_nullPointee && block->_referenceCount.atomicDec() == 0) destroyPointee(block);
+  }
+  static void destroyPointee(SmartPointerPointee* block) noexcept {
+    QORAtomicInt* const shared = block->_sharedReferenceCount;
+    T* const object = block->_pointer;
+    // The shared count opens the first block's allocation.
+    const bool isFirst =
+        static_cast<void*>(block) == static_cast<void*>(&reinterpret_cast<FirstPointee*>(shared)->_block);
+    if (!isFirst) delete block;
+    if (shared->atomicDec() == 0) {
+      ::operator delete(static_cast<void*>(shared));
+      deleteObject(object);
+    }
+  }
+  static void deleteObject(T* object) noexcept {
+    try {
+      delete object;
+    } catch (...) {
+      // A destructor that throws must not take the process down with it.
+      return;
+    }
+  }
+  void* rawPointer() const noexcept { return const_cast<void*>(static_cast<const volatile void*>(Get())); }
+  void _Release() noexcept { releasePointee(std::exchange(_pointee, nullptr)); }
+
+  inline static constinit SmartPointerPointee _nullPointee{};
+
+  SmartPointerPointee* _pointee;
+};
+
+#endif
