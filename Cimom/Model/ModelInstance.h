@@ -1,0 +1,94 @@
+// A stored instance: the class's shared shape and one compact block of values.
+#ifndef QORQL_MODEL_MODELINSTANCE_H
+#define QORQL_MODEL_MODELINSTANCE_H
+
+#include <atomic>
+#include <cstddef>
+#include <vector>
+
+#include "Cimom/Model/ModelLayout.h"
+#include "cimom/IQoriObject.h"
+#include "cmpbase.h"
+
+// What the instances of one class in one namespace have in common.
+struct ModelShape {
+  QORString nameSpace;
+  QORString className;
+  QORSmrPtr<ModelLayout> layout;        // REQUIRES non-null
+  std::vector<QORuint32> keyPositions;  // positions of the key properties, in any order
+};
+
+// One value in place: numbers and booleans in the scalar itself, texts in a
+// string beside it, anything else as a held value.
+class ModelSlot {
+ public:
+  ModelSlot() noexcept {}
+  ModelSlot(const ModelSlot&) = delete;
+  ModelSlot& operator=(const ModelSlot&) = delete;
+  ~ModelSlot();
+
+  // Takes the value, converted to the type. A null value leaves the slot empty.
+  // REQUIRES an empty slot. THROWS QoriBaseException (type "CIM_Value") when the
+  // value cannot be of that type.
+  void set(const QORSmrPtr<IQoriValue>& value, const QORSmrPtr<IQoriType>& type);
+  // BORROWS: valid while the slot lives.
+  const QoriScalar& scalar() const noexcept { return _scalar; }
+  // The value as an object; null when the slot is empty. A new object for scalars.
+  QORSmrPtr<IQoriValue> value(const QORSmrPtr<IQoriType>& type) const;
+
+ private:
+  QoriScalar _scalar;
+  union {
+    QORString _text;               // of kinds Text and DateTime
+    QORSmrPtr<IQoriValue> _value;  // of kind Complex
+  };
+};
+
+// Immutable once made; threads may share one. Object and values are one
+// allocation, so it is made by create() alone.
+class ModelInstance final : public IQoriObject {
+ public:
+  // A value for each position of the layout (missing ones and null pointers:
+  // NULL), converted to the declared type. `name` overrides the name that the
+  // shape's keys give. THROWS QoriBaseException (type "CIM_Value") naming the
+  // property when a value cannot be of its type.
+  static QORSmrPtr<IQoriObject> create(const QORSmrPtr<ModelShape>& shape,
+                                       const std::vector<QORSmrPtr<IQoriValue>>& values,
+                                       const QORSmrPtr<IQoriInstanceName>& name = {});
+  ModelInstance(const ModelInstance&) = delete;
+  ModelInstance& operator=(const ModelInstance&) = delete;
+  ~ModelInstance() override;
+
+  const ModelShape& shape() const noexcept { return *_shape.Get(); }
+
+  const QORString& getClassName() const noexcept override { return shape().className; }
+  // Made at the first call, then shared. Null when the shape has no keys or a key has no value.
+  QORSmrPtr<IQoriInstanceName> getInstanceName() const override;
+  QORString getNameSpace() const override { return shape().nameSpace; }
+  QORuint32 getPropertyCount() const noexcept override { return _count; }
+  QORSmrPtr<IQoriProperty> getPropertyAt(QORuint32 position) const override;
+  QORSmrPtr<IQoriProperty> getProperty(const QORString& name, bool includeInherited) const override;
+  const IQoriLayout* getLayout() const noexcept override { return shape().layout.Get(); }
+  QoriScalar getScalarAt(QORuint32 position) const noexcept override { return slots()[position].scalar(); }
+  QORSmrPtr<IQoriValue> getValueAt(QORuint32 position) const override;
+
+  // BORROWS: the values by position, valid while the instance lives.
+  const ModelSlot* slots() const noexcept { return reinterpret_cast<const ModelSlot*>(this + 1); }
+
+  static void operator delete(void* memory) noexcept { ::operator delete(memory); }
+
+ private:
+  ModelInstance(const QORSmrPtr<ModelShape>& shape, const QORSmrPtr<IQoriInstanceName>& name) noexcept;
+  static void* operator new(std::size_t size, QORuint32 slotCount);
+  static void operator delete(void* memory, QORuint32) noexcept { ::operator delete(memory); }
+
+  void fill(const std::vector<QORSmrPtr<IQoriValue>>& values);
+  QORSmrPtr<IQoriInstanceName> makeName() const;
+
+  QORSmrPtr<ModelShape> _shape;
+  QORuint32 _count = 0;  // slots that live behind this object
+  // OWNS: the name once it is known; a holder of a null name when there is none.
+  mutable std::atomic<QORSmrPtr<IQoriInstanceName>*> _name{nullptr};
+};
+
+#endif

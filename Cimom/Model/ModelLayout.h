@@ -1,0 +1,54 @@
+// The layout that the instances of one class share: property names, types and positions.
+#ifndef QORQL_MODEL_MODELLAYOUT_H
+#define QORQL_MODEL_MODELLAYOUT_H
+
+#include <mutex>
+#include <vector>
+
+#include "cimom/IQoriObject.h"
+#include "cmpbase.h"
+
+class ModelRestriction;
+
+// Immutable but for its cache of restrictions, which is synchronised: threads
+// may share one. Held by QORSmrPtr; every object that returns it holds it.
+// Names are found by a hash over the folded case, in constant time.
+class ModelLayout final : public IQoriLayout {
+ public:
+  struct Column {
+    QORString name;
+    QORSmrPtr<IQoriType> type;  // REQUIRES non-null
+  };
+
+  // In the objects' order. Of columns whose names differ in case alone the first counts.
+  explicit ModelLayout(const std::vector<Column>& columns);
+  ModelLayout(const ModelLayout&) = delete;
+  ModelLayout& operator=(const ModelLayout&) = delete;
+  ~ModelLayout() override;
+
+  QORuint32 getPropertyCount() const noexcept override { return static_cast<QORuint32>(_columns.size()); }
+  QORsint32 getPosition(const QORString& name) const noexcept override;
+  const QORString& getName(QORuint32 position) const noexcept override { return _columns[position].name; }
+  const QORSmrPtr<IQoriType>& getType(QORuint32 position) const noexcept override { return _columns[position].type; }
+
+  // The restriction of this layout to the listed names (case, duplicates and
+  // unknown names ignored). The same kept positions give the same object as
+  // long as the layout keeps it, so that objects restricted alike share one
+  // layout. Costs one look-up per name.
+  QORSmrPtr<ModelRestriction> restrictTo(const QORValSlist<QORString>& names) const;
+
+  // Never used twice in a process: a layout that takes a dead one's address can be told from it.
+  QORuint64 serial() const noexcept { return _serial; }
+
+ private:
+  std::size_t firstSlot(const QORString& name) const noexcept;
+  std::vector<QORuint32> keptPositions(const QORValSlist<QORString>& names) const;
+
+  std::vector<Column> _columns;
+  std::vector<QORsint32> _positions;  // open addressing, power of two; -1 marks a free slot
+  const QORuint64 _serial;
+  mutable std::mutex _mutex;                                       // guards what follows
+  mutable std::vector<QORSmrPtr<ModelRestriction>> _restrictions;  // the most recent ones
+};
+
+#endif
