@@ -1,0 +1,72 @@
+"""Proves that check_includes.py finds each kind of wrong include and lets the right ones pass."""
+import os
+import sys
+import tempfile
+import unittest
+
+import check_includes
+
+RIGHT = {
+    "include/cmpbase.h": '#include <cstddef>\n#include "cmpbase/QORTypes.h"\n',
+    "include/cmpbase/QORTypes.h": "#include <cstdint>\n",
+    "Cimom/QORQL/QORQL_A.h": '#include "cmpbase.h"\n#include <FlexLexer.h>\n',
+    "Cimom/QORQL/QORQL_A.cpp": '#include "Cimom/QORQL/QORQL_A.h"\n',
+    "Cimom/Model/M.h": '#include "cmpbase.h"\n',
+    "Cimom/Embedded/CimDeclarations.h": '#include "Cimom/Model/M.h"\n',
+    "Cimom/Embedded/Store.h": '#include "Cimom/Embedded/CimDeclarations.h"\n#include <ini.h>\n',
+    "Cimom/Mof/Reader.cpp": '#include "Cimom/Embedded/CimDeclarations.h"\n',
+    "Cimom/Providers/P.cpp": '#include "Cimom/Embedded/Store.h"\n#include <unistd.h>\n',
+    "tools/qorql/main.cpp": '#include "Cimom/QORQL/QORQL_A.h"\n',
+    "tests/unit/Mof/T.cpp": '#include <gtest/gtest.h>\n#include "Cimom/Embedded/Store.h"\n',
+}
+
+# A file that breaks a rule, its text, and what the message must say.
+WRONG = [
+    ("include/cimom/X.h", '#include "Cimom/Model/M.h"\n', "include/cimom/X.h:1: Cimom/Model/M.h may not"),
+    ("include/cimom/X.h", "#include <unistd.h>\n", "<unistd.h> is not the standard library's"),
+    ("Cimom/QORQL/Q.cpp", '\n#include "Cimom/Model/M.h"\n', "Cimom/QORQL/Q.cpp:2: Cimom/Model/M.h may not"),
+    ("Cimom/QORQL/Q.cpp", '#include "Cimom/Embedded/Store.h"\n', "the engine knows an object manager by its interface"),
+    ("Cimom/QORQL/Q.cpp", '#include "../Model/M.h"\n', "Cimom/Model/M.h may not"),
+    ("Cimom/Foundation/F.cpp", '#include "Cimom/Model/M.h"\n', "Include only Cimom/Foundation/ and include/"),
+    ("Cimom/Model/N.cpp", '#include "Cimom/Embedded/Store.h"\n', "Cimom/Embedded/Store.h may not"),
+    ("Cimom/Embedded/E.cpp", '#include "Cimom/QORQL/QORQL_A.h"\n', "Cimom/QORQL/QORQL_A.h may not"),
+    ("Cimom/Mof/R.cpp", '#include "Cimom/Embedded/Store.h"\n', "Cimom/Embedded/Store.h may not"),
+    ("Cimom/Providers/Q.cpp", '#include "Cimom/Model/M.h"\n', "Cimom/Model/M.h may not"),
+    ("tools/qorql/t.cpp", '#include "tests/unit/Mof/T.cpp"\n', "tests/unit/Mof/T.cpp may not"),
+    ("bench/b.cpp", '#include "tools/qorql/main.cpp"\n', "tools/qorql/main.cpp may not"),
+    ("Cimom/Model/N.cpp", '#include "nowhere.h"\n', '"nowhere.h" is not in the tree'),
+    ("elsewhere/x.cpp", "#include <vector>\n", "this folder has no include rule"),
+]
+
+
+class CheckIncludes(unittest.TestCase):
+    def run_on(self, extra):
+        with tempfile.TemporaryDirectory() as root:
+            for path, text in {**RIGHT, **extra}.items():
+                os.makedirs(os.path.dirname(os.path.join(root, path)), exist_ok=True)
+                with open(os.path.join(root, path), "w", encoding="utf-8") as out:
+                    out.write(text)
+            return check_includes.check(root)
+
+    def test_a_right_tree_passes(self):
+        self.assertEqual(self.run_on({}), [])
+
+    def test_each_wrong_include_is_found_alone(self):
+        for path, text, message in WRONG:
+            with self.subTest(path=path, text=text):
+                found = self.run_on({path: text})
+                self.assertEqual(len(found), 1, found)
+                self.assertIn(message, found[0])
+
+    def test_headers_in_a_ring_are_found(self):
+        ring = {
+            "include/cimom/A.h": '#include "cimom/B.h"\n',
+            "include/cimom/B.h": '#include "cimom/A.h"\n',
+        }
+        found = self.run_on(ring)
+        self.assertEqual(len(found), 1, found)
+        self.assertIn("include/cimom/A.h -> include/cimom/B.h -> include/cimom/A.h", found[0])
+
+
+if __name__ == "__main__":
+    sys.exit(unittest.main())
