@@ -1,0 +1,41 @@
+// Sums and differences.
+#ifndef QORQL_ARITHMETIC_H
+#define QORQL_ARITHMETIC_H
+
+#include "Cimom/QORQL/QORQL_ClassInfo.h"
+#include "Cimom/QORQL/QORQL_Evaluatable.h"
+#include "Cimom/QORQL/QORQL_Operator.h"
+
+class QORQL_Term;
+class QORQL_Lexer;
+
+// Term [ ( PLUS | MINUS ) Arithmetic ], grouped to the right.
+class QORQL_Arithmetic : public QORQL_Evaluatable {
+ public:
+  QORQL_Arithmetic(const QORSmrPtr<QORQL_Evaluatable>& term, const QORSmrPtr<QORQL_Evaluatable>& arithmetic,
+                   QORQL_Operator op);
+  ~QORQL_Arithmetic() override;
+
+  static QORSmrPtr<QORQL_Evaluatable> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
+                                            QORQL_ProjectionMap& projMap, const QORString& queryString,
+                                            const QORString& queryLanguage);
+
+  const QORSmrPtr<QORQL_Evaluatable>& getTerm() const noexcept { return _term; }
+  const QORSmrPtr<QORQL_Evaluatable>& getArithmetic() const noexcept { return _arithmetic; }
+  QORQL_Operator getOperator() const noexcept { return _operator; }
+  // BORROWS: the left operand as a QORQL_Term; null when it is none.
+  QORQL_Term* getTermCasted() const noexcept;
+
+  QORSmrPtr<IQoriValue> evaluate(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataRow>& row) override;
+  using QORQL_Evaluatable::evaluate;
+  void accept(QORSmrPtr<QORQL_ExpressionVisitor>& visitor) override;
+
+  QORSmrPtr<QORQL_Evaluatable>& chainLink() noexcept { return _arithmetic; }
+
+ private:
+  QORSmrPtr<QORQL_Evaluatable> _term;
+  QORSmrPtr<QORQL_Evaluatable> _arithmetic;
+  QORQL_Operator _operator;
+};
+
+#endif

@@ -1,0 +1,44 @@
+// An association condition: joins source instances to those that an
+// association class ties to them.
+#ifndef QORQL_ASSOCIATION_H
+#define QORQL_ASSOCIATION_H
+
+#include "Cimom/QORQL/QORQL_ClassInfo.h"
+#include "Cimom/QORQL/QORQL_Evaluatable.h"
+#include "Cimom/QORQL/QORQL_JoinType.h"
+
+class QORQL_Lexer;
+
+// `Assoc = Source AND Assoc = Destination`; `*=` in the first comparison for a left outer join.
+class QORQL_Association : public QORQL_Evaluatable {
+ public:
+  QORQL_Association(const QORString& source, const QORString& destination, const QORString& associationName,
+                    QORQL_JoinType joinType, const QORString& queryString, const QORString& queryLanguage);
+  ~QORQL_Association() override;
+
+  // Parses an expression factor; when it is an association comparison, the whole
+  // association; otherwise the factor is returned as it is.
+  static QORSmrPtr<QORQL_Evaluatable> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
+                                            QORQL_ProjectionMap& projMap, const QORString& queryString,
+                                            const QORString& queryLanguage);
+
+  // Names as written: FROM names (class or alias), and the association class or an alias of it.
+  const QORString& getSource() const noexcept { return _assocSource; }
+  const QORString& getDestination() const noexcept { return _assocDestination; }
+  const QORString& getAssociationName() const noexcept { return _associationName; }
+  QORQL_JoinType getJoinType() const noexcept { return _joinType; }
+
+  void evaluate(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, const QORString& nameSpace) override;
+  using QORQL_Evaluatable::evaluate;
+  void accept(QORSmrPtr<QORQL_ExpressionVisitor>& visitor) override;
+
+ private:
+  QORString _assocSource;
+  QORString _assocDestination;
+  QORString _associationName;
+  QORQL_JoinType _joinType;
+  QORString _queryString;
+  QORString _queryLanguage;
+};
+
+#endif

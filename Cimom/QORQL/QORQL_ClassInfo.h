@@ -1,0 +1,40 @@
+// What a query needs of one class: which properties to ask for.
+#ifndef QORQL_CLASSINFO_H
+#define QORQL_CLASSINFO_H
+
+#include "cmpbase.h"
+
+class QORQL_ClassInfo {
+ public:
+  using PropertyList = QORSmrPtr<QORValSlist<QORString>>;
+
+  // A null list is replaced by a new empty one.
+  QORQL_ClassInfo(QORString className, PropertyList properties, QORboolean allProperties);
+
+  // Appends, without a check for duplicates.
+  void addProperty(QORString property);
+  // Appends unless the name is listed already, ignoring case.
+  void addPropertyOnce(const QORString& property);
+  // Shared: callers see and change the same list. Never null.
+  PropertyList getPropertyList() const { return _properties; }
+  QORboolean needAllProperties() const noexcept { return _allProperties; }
+  void setNeedAllProperties(QORboolean allProperties) noexcept { _allProperties = allProperties; }
+  QORString getClassName() const { return _className; }
+
+  // Whether the instances must come with every property although the projection
+  // keeps some only: an association class that is a column itself.
+  QORboolean fetchAllProperties() const noexcept { return _fetchAll; }
+  void setFetchAllProperties(QORboolean fetchAll) noexcept { _fetchAll = fetchAll; }
+
+ private:
+  QORString _className;
+  PropertyList _properties;
+  QORboolean _allProperties;
+  QORboolean _fetchAll = false;
+};
+
+// The classes that a statement needs, by name: filled while it is parsed.
+using QORQL_ClassInfoMap = QORValMap<QORString, QORSmrPtr<QORQL_ClassInfo>>;
+using QORQL_ProjectionMap = QORSmrPtr<QORQL_ClassInfoMap>;
+
+#endif

@@ -1,0 +1,68 @@
+// The comparison of two arithmetic expressions.
+#ifndef QORQL_COMPARISON_H
+#define QORQL_COMPARISON_H
+
+#include "Cimom/QORQL/QORQL_ClassInfo.h"
+#include "Cimom/QORQL/QORQL_Evaluatable.h"
+#include "Cimom/QORQL/QORQL_JoinType.h"
+#include "Cimom/QORQL/QORQL_Operator.h"
+
+class QORQL_Arithmetic;
+class QORQL_Lexer;
+
+// [ ANY | EVERY ] Arithmetic [ CompOp [ ANY | EVERY ] Arithmetic | IS [ NOT ] NULL ].
+class QORQL_Comparison : public QORQL_Evaluatable {
+ public:
+  // The side on which ANY or EVERY was written.
+  enum QORQL_ARRAY_COMP {
+    ArrayCompNone = 0,
+    ArrayCompAnyLeft = 1,
+    ArrayCompAnyRight = 2,
+    ArrayCompEveryLeft = 3,
+    ArrayCompEveryRight = 4
+  };
+
+  QORQL_Comparison(const QORSmrPtr<QORQL_Evaluatable>& arithmetic1, const QORSmrPtr<QORQL_Evaluatable>& arithmetic2,
+                   QORQL_Operator op);
+  ~QORQL_Comparison() override;
+
+  static QORSmrPtr<QORQL_Evaluatable> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
+                                            QORQL_ProjectionMap& projMap, const QORString& queryString,
+                                            const QORString& queryLanguage);
+
+  const QORSmrPtr<QORQL_Evaluatable>& getLHSArithmeticExpression() const noexcept { return _arithmetic1; }
+  // Null when there is no right operand.
+  const QORSmrPtr<QORQL_Evaluatable>& getRHSArithmeticExpression() const noexcept { return _arithmetic2; }
+  QORQL_Operator getOperator() const noexcept { return _operator; }
+  QORQL_JoinType getJoinType() const noexcept;
+  bool isArrayComp() const noexcept { return eArrayComp != ArrayCompNone; }
+  QORQL_ARRAY_COMP getArrayComp() const noexcept { return eArrayComp; }
+  void setArrayComp(QORQL_ARRAY_COMP arrayComp) noexcept { eArrayComp = arrayComp; }
+  // See QORQL_ExpressionFactor.
+  bool isComparisonAnAssociation(QORQL_JoinType& joinType, QORString& leftName, QORString& rightName) const;
+
+  QORSmrPtr<IQoriValue> evaluate(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataRow>& row) override;
+  using QORQL_Evaluatable::evaluate;
+  // With the namespace of the query, which ISA needs; empty: that of the object on the left.
+  QORSmrPtr<IQoriValue> evaluate(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataRow>& row,
+                                 const QORString& nameSpace);
+  void accept(QORSmrPtr<QORQL_ExpressionVisitor>& visitor) override;
+
+  // The checks of array references, made while parsing. THROW QORQL_Exception.
+  static void validateAnyArray(QORQL_Arithmetic* other);
+  static void validateScalarArray(QORQL_Arithmetic* left, QORQL_Arithmetic* right);
+
+ private:
+  QORSmrPtr<IQoriValue> _evaluateRelation(const QORSmrPtr<IQoriValue>& left, const QORSmrPtr<IQoriValue>& right) const;
+  QORSmrPtr<IQoriValue> _evaluateLike(const QORSmrPtr<IQoriValue>& left, const QORSmrPtr<IQoriValue>& right) const;
+  QORSmrPtr<IQoriValue> _evaluateIsa(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataRow>& row,
+                                     const QORSmrPtr<IQoriValue>& left, const QORSmrPtr<IQoriValue>& right,
+                                     const QORString& nameSpace) const;
+
+  QORSmrPtr<QORQL_Evaluatable> _arithmetic1;
+  QORSmrPtr<QORQL_Evaluatable> _arithmetic2;
+  QORQL_Operator _operator;
+  QORQL_ARRAY_COMP eArrayComp = ArrayCompNone;
+};
+
+#endif

@@ -1,0 +1,29 @@
+// The error of executing a query, and of the expression checks made while parsing.
+#ifndef QORQL_EXCEPTION_H
+#define QORQL_EXCEPTION_H
+
+#include "cmpbase.h"
+
+// Type "CQL_Runtime", who "CQL".
+class QORQL_Exception : public QoriBaseException {
+ public:
+  enum QORQL_ExceptionCode {
+    QORQL_INVALID_COLUMN_NAME = 0,
+    QORQL_ROW_COLUMN_ENTRIES_MISMATCH = 1,
+    QORQL_INCORRECT_SELECT_STATEMENT = 2,
+    QORQL_INTERNAL_ERROR = 3,
+    QORQL_UNDEFINED_SYMBOL = 4,
+    QORQL_UNIDENTIFIED_IDENTIFIER = 5,
+    QORQL_INVALID_DATA_TYPE = 6
+  };
+
+  QORQL_Exception(QORQL_ExceptionCode code, const QORString& message);
+  QORQL_Exception(const QORQL_Exception&) = default;
+  QORQL_Exception& operator=(const QORQL_Exception&) = default;
+  ~QORQL_Exception() override;
+
+  // The CIM status that the object manager reports: 1, 4 or 16.
+  QORuint32 getCIMErrorCode() const;
+};
+
+#endif

@@ -1,0 +1,38 @@
+// The OR level of a condition.
+#ifndef QORQL_EXPRESSION_H
+#define QORQL_EXPRESSION_H
+
+#include "Cimom/QORQL/QORQL_ClassInfo.h"
+#include "Cimom/QORQL/QORQL_Evaluatable.h"
+#include "Cimom/QORQL/QORQL_Operator.h"
+
+class QORQL_Lexer;
+
+// ExpressionTerm [ OR Expression ].
+class QORQL_Expression : public QORQL_Evaluatable {
+ public:
+  QORQL_Expression(const QORSmrPtr<QORQL_Evaluatable>& expressionTerm, const QORSmrPtr<QORQL_Evaluatable>& expression,
+                   QORQL_Operator op);
+  ~QORQL_Expression() override;
+
+  static QORSmrPtr<QORQL_Evaluatable> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
+                                            QORQL_ProjectionMap& projMap, const QORString& queryString,
+                                            const QORString& queryLanguage);
+
+  const QORSmrPtr<QORQL_Evaluatable>& getExpressionTerm() const noexcept { return _expressionTerm; }
+  const QORSmrPtr<QORQL_Evaluatable>& getExpression() const noexcept { return _expression; }
+  QORQL_Operator getOperator() const noexcept { return _operator; }
+
+  QORSmrPtr<IQoriValue> evaluate(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataRow>& row) override;
+  void evaluate(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, const QORString& nameSpace) override;
+  void accept(QORSmrPtr<QORQL_ExpressionVisitor>& visitor) override;
+
+  QORSmrPtr<QORQL_Evaluatable>& chainLink() noexcept { return _expression; }
+
+ private:
+  QORSmrPtr<QORQL_Evaluatable> _expressionTerm;
+  QORSmrPtr<QORQL_Evaluatable> _expression;
+  QORQL_Operator _operator;
+};
+
+#endif

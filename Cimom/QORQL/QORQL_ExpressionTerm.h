@@ -1,0 +1,38 @@
+// The AND level of a condition.
+#ifndef QORQL_EXPRESSIONTERM_H
+#define QORQL_EXPRESSIONTERM_H
+
+#include "Cimom/QORQL/QORQL_ClassInfo.h"
+#include "Cimom/QORQL/QORQL_Evaluatable.h"
+#include "Cimom/QORQL/QORQL_Operator.h"
+
+class QORQL_Lexer;
+
+// (Association | ExpressionFactor) [ AND ExpressionTerm ].
+class QORQL_ExpressionTerm : public QORQL_Evaluatable {
+ public:
+  QORQL_ExpressionTerm(const QORSmrPtr<QORQL_Evaluatable>& expressionFactor,
+                       const QORSmrPtr<QORQL_Evaluatable>& expressionTerm, QORQL_Operator op);
+  ~QORQL_ExpressionTerm() override;
+
+  static QORSmrPtr<QORQL_Evaluatable> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
+                                            QORQL_ProjectionMap& projMap, const QORString& queryString,
+                                            const QORString& queryLanguage);
+
+  const QORSmrPtr<QORQL_Evaluatable>& getExpressionFactor() const noexcept { return _expressionFactor; }
+  const QORSmrPtr<QORQL_Evaluatable>& getExpressionTerm() const noexcept { return _expressionTerm; }
+  QORQL_Operator getOperator() const noexcept { return _operator; }
+
+  QORSmrPtr<IQoriValue> evaluate(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataRow>& row) override;
+  void evaluate(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, const QORString& nameSpace) override;
+  void accept(QORSmrPtr<QORQL_ExpressionVisitor>& visitor) override;
+
+  QORSmrPtr<QORQL_Evaluatable>& chainLink() noexcept { return _expressionTerm; }
+
+ private:
+  QORSmrPtr<QORQL_Evaluatable> _expressionFactor;
+  QORSmrPtr<QORQL_Evaluatable> _expressionTerm;
+  QORQL_Operator _operator;
+};
+
+#endif

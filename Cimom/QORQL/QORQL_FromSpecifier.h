@@ -1,0 +1,33 @@
+// One class of a FROM clause, with its alias.
+#ifndef QORQL_FROMSPECIFIER_H
+#define QORQL_FROMSPECIFIER_H
+
+#include "Cimom/QORQL/QORQL_Executable.h"
+
+class QORQL_Lexer;
+
+class QORQL_FromSpecifier : public QORQL_Executable {
+ public:
+  QORQL_FromSpecifier(const QORString& tableName, const QORSmrPtr<QORQL_Executable>& subQuery, const QORString& alias);
+  ~QORQL_FromSpecifier() override;
+
+  static QORSmrPtr<QORQL_FromSpecifier> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer, bool isSelectAll);
+
+  // Upper case.
+  const QORString& getTableName() const noexcept { return _tableName; }
+  // Upper case; empty when none.
+  const QORString& getAlias() const noexcept { return _alias; }
+  // Always null: nested queries are refused by the parser.
+  const QORSmrPtr<QORQL_Executable>& getSubQuery() const noexcept { return _subQuery; }
+
+  // The path of a nested query. THROWS QORQL_Exception (QORQL_UNDEFINED_SYMBOL) for an unknown name.
+  void execute(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, std::ostream* out,
+               const QORString& nameSpace) override;
+
+ private:
+  QORString _tableName;
+  QORSmrPtr<QORQL_Executable> _subQuery;
+  QORString _alias;
+};
+
+#endif

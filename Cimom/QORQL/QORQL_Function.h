@@ -1,0 +1,41 @@
+// A function call.
+#ifndef QORQL_FUNCTION_H
+#define QORQL_FUNCTION_H
+
+#include "Cimom/QORQL/QORQL_ClassInfo.h"
+#include "Cimom/QORQL/QORQL_Evaluatable.h"
+#include "Cimom/QORQL/QORQL_FunctionID.h"
+
+class QORQL_Lexer;
+
+// OBJECTPATH and INSTANCEOF are computed per row; aggregates by the select list.
+class QORQL_Function : public QORQL_Evaluatable {
+ public:
+  using ParameterList = QORSmrPtr<QORValSlist<QORSmrPtr<QORQL_Evaluatable>>>;
+
+  QORQL_Function(const ParameterList& parameters, QORQL_FunctionID functionID);
+  ~QORQL_Function() override;
+
+  // Entered on the function's name.
+  static QORSmrPtr<QORQL_Evaluatable> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
+                                            QORQL_ProjectionMap& projMap, const QORString& queryString,
+                                            const QORString& queryLanguage);
+
+  QORQL_FunctionID getFunctionID() const noexcept { return _fid; }
+  const ParameterList& getParameters() const noexcept { return _parameters; }
+
+  QORSmrPtr<IQoriValue> evaluate(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataRow>& row) override;
+  using QORQL_Evaluatable::evaluate;
+  void accept(QORSmrPtr<QORQL_ExpressionVisitor>& visitor) override;
+
+ private:
+  // The one class that the argument names; a null pointer when it names none or several.
+  QORSmrPtr<QORString> _argumentClass() const;
+  QORSmrPtr<IQoriValue> _evaluateObjectPath(QORSmrPtr<QORQL_DataRow>& row) const;
+  QORSmrPtr<IQoriValue> _evaluateInstanceOf(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataRow>& row) const;
+
+  ParameterList _parameters;
+  QORQL_FunctionID _fid;
+};
+
+#endif

@@ -1,0 +1,12 @@
+// How a comparison joins the classes of its two sides.
+#ifndef QORQL_JOINTYPE_H
+#define QORQL_JOINTYPE_H
+
+enum QORQL_JoinType {
+  QORQL_JOIN_TYPE_INNER = 0,
+  QORQL_JOIN_TYPE_LEFT_OUTER = 1,
+  QORQL_JOIN_TYPE_RIGHT_OUTER = 2,
+  QORQL_JOIN_TYPE_FULL_OUTER = 3
+};
+
+#endif

@@ -1,0 +1,23 @@
+// The error of a query text, found while parsing or resolving names.
+#ifndef QORQL_PARSEEXCEPTION_H
+#define QORQL_PARSEEXCEPTION_H
+
+#include "cmpbase.h"
+
+// Type "parse", who "CQL". Line 0 marks a fault found after the text was read.
+class QORQL_ParseException : public QoriBaseException {
+ public:
+  QORQL_ParseException(QORuint32 code, const QORString& message, QORuint32 lineNr);
+  QORQL_ParseException(const QORQL_ParseException&) = default;
+  QORQL_ParseException& operator=(const QORQL_ParseException&) = default;
+  ~QORQL_ParseException() override;
+
+  QORuint32 getLineNr() const noexcept { return _lineNr; }
+  // The CIM status that the object manager reports: 1 or 16.
+  QORuint32 getCIMErrorCode() const;
+
+ private:
+  QORuint32 _lineNr;
+};
+
+#endif

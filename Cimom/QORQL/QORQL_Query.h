@@ -1,0 +1,99 @@
+// A statement: parsed from text, resolved against the class repository, executed.
+#ifndef QORQL_QUERY_H
+#define QORQL_QUERY_H
+
+#include <set>
+
+#include "Cimom/QORQL/QORQL_ClassInfo.h"
+#include "Cimom/QORQL/QORQL_Evaluatable.h"
+#include "Cimom/QORQL/QORQL_Executable.h"
+#include "Cimom/QORQL/QORQL_FormatClause.h"
+#include "cmpbase.h"
+
+class QORQL_Arithmetic;
+class QORQL_Association;
+class QORQL_Comparison;
+class QORQL_Expression;
+class QORQL_ExpressionFactor;
+class QORQL_ExpressionTerm;
+class QORQL_Factor;
+class QORQL_Function;
+class QORQL_Lexer;
+class QORQL_OrderByClause;
+class QORQL_SelectList;
+class QORQL_SymbolTable;
+class QORQL_Term;
+class QORQL_WhereClause;
+
+// Immutable after parse, but for aggregate results that an execution leaves in
+// the select list: executions of one query object follow one another.
+class QORQL_Query : public QORQL_Executable {
+ public:
+  QORQL_Query(const QORSmrPtr<QORQL_Executable>& select, const QORSmrPtr<QORQL_Executable>& from,
+              const QORSmrPtr<QORQL_Executable>& where, const QORSmrPtr<QORQL_FormatClause>& format,
+              QORboolean isNestedQuery, const QORSmrPtr<QORQL_Executable>& orderBy, const QORString& queryString,
+              const QORString& queryLanguage);
+  ~QORQL_Query() override;
+
+  // Parses and resolves one statement. Fills `symbolTable`, which execute needs
+  // again. THROWS QORQL_ParseException (with the line of the fault, 0 when it is
+  // found after the text was read) and QORQL_Exception.
+  static QORSmrPtr<QORQL_Executable> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer, QORboolean isNestedQuery,
+                                           const QORString& queryString, const QORString& queryLanguage,
+                                           const QORString& nameSpace);
+
+  const QORSmrPtr<QORQL_Executable>& getSelectList() const noexcept { return _selectList; }
+  const QORSmrPtr<QORQL_Executable>& getFromClause() const noexcept { return _fromClause; }
+  // Null when the statement has none.
+  const QORSmrPtr<QORQL_Executable>& getWhereClause() const noexcept { return _whereClause; }
+  const QORSmrPtr<QORQL_FormatClause>& getFormatClause() const noexcept { return _formatClause; }
+  const QORSmrPtr<QORQL_Executable>& getOrderByClause() const noexcept { return _orderbyClause; }
+  const QORString& getQueryString() const noexcept { return _queryString; }
+  const QORString& getQueryLanguage() const noexcept { return _queryLanguage; }
+
+  // Runs FROM, WHERE, ORDER BY and the select list on `table`, which is replaced
+  // by the result. With a stream, writes the result as an XML table.
+  void execute(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, std::ostream* out,
+               const QORString& nameSpace) override;
+
+ private:
+  friend class QORQL_AssociationPlan;
+
+  struct UpdateContext {
+    const QORString& nameSpace;
+    const std::set<QORString>& classes;
+    const std::set<QORString>& aliases;
+    QORQL_SymbolTable& symbolTable;
+    QORSmrPtr<QORQL_SelectList> selectList;  // where sort keys look for column aliases; null elsewhere
+  };
+
+  static void _getClassesAndAliases(QORQL_SymbolTable& symbolTable, std::set<QORString>& classes,
+                                    std::set<QORString>& aliases);
+  static void _findSelectClasses(QORQL_SelectList& selectList, QORQL_ProjectionMap& projectionMap,
+                                 UpdateContext& context);
+  static void _verifySymbolsAndUpdateSymbolTable(QORQL_SymbolTable& symbolTable, QORQL_ProjectionMap& projectionMap);
+  static void _findWhereClasses(QORQL_WhereClause& whereClause, UpdateContext& context);
+  static void _findOrderByClasses(QORQL_OrderByClause& orderByClause, UpdateContext& context);
+  static QORString _findClass(const QORString& propertyName, UpdateContext& context);
+  static void _updateExpression(QORQL_Factor& factor, UpdateContext& context);
+  static void _updateExpression(const QORQL_Term& term, UpdateContext& context);
+  static void _updateExpression(const QORQL_Arithmetic& arithmetic, UpdateContext& context);
+  static void _updateExpression(const QORQL_Comparison& comparison, UpdateContext& context);
+  static void _updateExpression(const QORQL_ExpressionFactor& factor, UpdateContext& context);
+  static void _updateExpression(const QORQL_Association& association, UpdateContext& context);
+  static void _updateExpression(const QORQL_ExpressionTerm& term, UpdateContext& context);
+  static void _updateExpression(const QORQL_Expression& expression, UpdateContext& context);
+  static void _updateExpression(const QORQL_Function& function, UpdateContext& context);
+
+  QORSmrPtr<QORQL_Executable> _selectList;
+  QORSmrPtr<QORQL_Executable> _fromClause;
+  QORSmrPtr<QORQL_Executable> _whereClause;
+  QORSmrPtr<QORQL_FormatClause> _formatClause;
+  QORboolean _isNestedQuery;
+  QORSmrPtr<QORQL_Executable> _orderbyClause;
+  QORString _queryString;
+  QORString _queryLanguage;
+  bool _whereHasAssociation = false;  // then WHERE runs although every cell is pre-filtered
+};
+
+#endif

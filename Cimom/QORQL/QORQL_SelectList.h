@@ -1,0 +1,83 @@
+// The select list: parsed between SELECT and FROM, executed as the projection.
+#ifndef QORQL_SELECTLIST_H
+#define QORQL_SELECTLIST_H
+
+#include "Cimom/QORQL/QORQL_ClassInfo.h"
+#include "Cimom/QORQL/QORQL_Executable.h"
+#include "Cimom/QORQL/QORQL_SelectedEntry.h"
+
+class QORQL_DataRow;
+class QORQL_Lexer;
+class QORQL_TableHeader;
+class IQoriObject;
+
+enum QORQL_SelectListAggregate { SEL_UNKNOWN = 0, SEL_AGGREGATE = 1, SEL_NONAGGREGATE = 2 };
+
+class QORQL_SelectList : public QORQL_Executable {
+ public:
+  using EntryList = QORSmrPtr<QORValSlist<QORSmrPtr<QORQL_SelectedEntry>>>;
+
+  struct Function {
+    QORString className;
+    QORString propertyName;
+    QORString alias;
+    QORString id;
+    QORuint32 functionID = QORQL_FUNCTIONID_UNKNOWN;
+    QORSmrPtr<IQoriValue> value;
+    bool isTypeSet = false;
+  };
+  struct FunctionResult {
+    QORString id;
+    QORSmrPtr<IQoriValue> result;
+  };
+  struct FunctionResults {
+    bool hasFunctions = false;
+    bool hasAggregateFunctions = false;
+    bool hasOnlyAggregateFunctions = true;
+    QORValSlist<FunctionResult> results;  // in entry order
+  };
+
+  // The class of the pseudo-object that holds function results, and its column's name.
+  static const QORString _FUNCTIONS_VALUES_CLASS;
+
+  QORQL_SelectList(const EntryList& entries, const QORboolean& areAllEntriesAggregates, const QORboolean& isFirstUsed,
+                   const QORuint32& entryCount, bool isSelectAll, const QORString& queryString,
+                   const QORString& queryLanguage);
+  ~QORQL_SelectList() override;
+
+  // Entered on SELECT; leaves the first token after the last entry current.
+  static QORSmrPtr<QORQL_Executable> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
+                                           QORQL_ProjectionMap& classInfos, const QORString& queryString,
+                                           const QORString& queryLanguage);
+  // Folds one entry into the list's aggregate state. THROWS QORQL_ParseException code 15, line 0.
+  static void _checkForAggregateMismatch(QORboolean isAggregate, QORQL_SelectListAggregate& state);
+
+  QORboolean AreAllEntriesAggregates() const noexcept { return _areAllEntriesAggregates; }
+  EntryList getSelectedEntries() const { return _selectedEntries; }
+  // Of the last entry alone.
+  bool isSelectAll() const noexcept { return _isSelectAll; }
+  QORboolean isFirstUsed() const noexcept { return _isFirstUsed; }
+  // The n of FIRST n.
+  QORuint32 getFirstCount() const noexcept { return _entries; }
+  // The name of an entry's column: the alias, else class "." property.
+  static QORString _getCellName(const QORQL_SelectedEntry& entry);
+
+  // The sort key, whose classes and properties the silent run keeps; null when there is none.
+  void setOrderByKey(const QORSmrPtr<QORQL_Evaluatable>& key) { _orderByKey = key; }
+  const QORSmrPtr<QORQL_Evaluatable>& getOrderByKey() const noexcept { return _orderByKey; }
+
+  void execute(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, std::ostream* out,
+               const QORString& nameSpace) override;
+
+ private:
+  EntryList _selectedEntries;
+  QORboolean _areAllEntriesAggregates;
+  QORboolean _isFirstUsed;
+  QORuint32 _entries;
+  bool _isSelectAll;
+  QORString _queryString;
+  QORString _queryLanguage;
+  QORSmrPtr<QORQL_Evaluatable> _orderByKey;
+};
+
+#endif

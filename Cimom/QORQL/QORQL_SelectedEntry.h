@@ -1,0 +1,69 @@
+// One entry of a select list: `*`, a property reference or a computed column.
+#ifndef QORQL_SELECTEDENTRY_H
+#define QORQL_SELECTEDENTRY_H
+
+#include "Cimom/QORQL/QORQL_ClassInfo.h"
+#include "Cimom/QORQL/QORQL_Evaluatable.h"
+#include "Cimom/QORQL/QORQL_FunctionID.h"
+
+class QORQL_Lexer;
+
+class QORQL_SelectedEntry {
+ public:
+  using ClassNameList = QORSmrPtr<QORValSlist<QORSmrPtr<QORString>>>;
+
+  QORQL_SelectedEntry(const QORString& className, const QORString& propertyName, const QORString& alias,
+                      const QORSmrPtr<QORQL_Evaluatable>& expression, const ClassNameList& classNameList,
+                      QORboolean selectAll, QORboolean isEntryAggregate, QORuint32 functionID);
+  QORQL_SelectedEntry(const QORQL_SelectedEntry&) = delete;
+  QORQL_SelectedEntry& operator=(const QORQL_SelectedEntry&) = delete;
+  virtual ~QORQL_SelectedEntry();
+
+  static QORSmrPtr<QORQL_SelectedEntry> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
+                                              QORQL_ProjectionMap& classInfos, const QORString& queryString,
+                                              const QORString& queryLanguage);
+
+  const QORString& getClassName() const noexcept { return _className; }
+  const QORString& getPropertyName() const noexcept { return _propertyName; }
+  // Upper case; empty when none.
+  const QORString& getAlias() const noexcept { return _alias; }
+  // Null for `*`.
+  const QORSmrPtr<QORQL_Evaluatable>& getExpression() const noexcept { return _expression; }
+  // The factors' own class-name strings; null for `*`.
+  const ClassNameList& getClassNameList() const noexcept { return _classNameList; }
+  QORboolean isSelectAll() const noexcept { return _selectAll; }
+  QORboolean isEntryAggregate() const noexcept { return _isEntryAggregate; }
+  QORuint32 GetFunctionID() const noexcept { return _functionID; }
+  // The folded result of the last execution; null before, and for a null result.
+  void SetAggregateValue(const QORSmrPtr<IQoriValue>& value) { _aggregateValue = value; }
+  const QORSmrPtr<IQoriValue>& GetAggregateValue() const noexcept { return _aggregateValue; }
+  // A reference with a class, written or resolved.
+  QORboolean isProperty() const noexcept { return !_className.isEmpty(); }
+  // A property reference with nothing around it: read straight from the row's object.
+  bool isPlainProperty() const noexcept { return _isPlainProperty; }
+  // Written C.*.
+  bool isClassAll() const noexcept;
+
+  // For name resolution only.
+  void setClassName(const QORString& className) { _className = className; }
+  void setPropertyName(const QORString& propertyName) { _propertyName = propertyName; }
+
+  // The entry's value on a row. A function entry reads the row's VALUES object
+  // where the row's table has one; a plain property reads the row's property;
+  // everything else evaluates its expression.
+  QORSmrPtr<IQoriValue> evaluate(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataRow>& row) const;
+
+ private:
+  QORString _className;
+  QORString _propertyName;
+  QORString _alias;
+  QORSmrPtr<QORQL_Evaluatable> _expression;
+  ClassNameList _classNameList;
+  QORboolean _selectAll;
+  QORboolean _isEntryAggregate;
+  QORSmrPtr<IQoriValue> _aggregateValue;
+  QORuint32 _functionID;
+  bool _isPlainProperty;  // decided by the constructor from the expression's shape
+};
+
+#endif

@@ -1,0 +1,47 @@
+// The names that a statement knows: the classes and aliases of its FROM clause.
+#ifndef QORQL_SYMBOLTABLE_H
+#define QORQL_SYMBOLTABLE_H
+
+#include "Cimom/QORQL/QORQL_Symbol.h"
+#include "cmpbase.h"
+
+// Compares names exactly; FROM enters them in upper case. Filled by the parser,
+// then handed to execution. Belongs to one thread at a time.
+class QORQL_SymbolTable {
+ public:
+  using SymbolMap = QORValMap<QORString, QORSmrPtr<QORQL_Symbol>>;
+
+  // BORROWS the enclosing statement's table (null at the outermost level), which must outlive this one.
+  explicit QORQL_SymbolTable(QORQL_SymbolTable* parent);
+
+  // Replaces an entry of the same name.
+  void insert(const QORString& name, QORSmrPtr<QORQL_Symbol> symbol);
+  // The symbol here or in an enclosing table; null when unknown.
+  QORSmrPtr<QORQL_Symbol> lookup(const QORString& name) const;
+  // The flag is passed on to enclosing tables and has no other effect.
+  QORSmrPtr<QORQL_Symbol> deepLookup(const QORString& name, QORboolean flag) const;
+  // lookup() of the name in upper case.
+  QORSmrPtr<QORQL_Symbol> lookupIgnoringCase(const QORString& name) const;
+  // The class that a FROM name in any case stands for; the name itself when unknown.
+  QORString classNameOf(const QORString& name) const;
+
+  void setParent(QORQL_SymbolTable* parent) noexcept { _parentSymbolTable = parent; }
+  QORQL_SymbolTable* getParent() const noexcept { return _parentSymbolTable; }
+  void resetParent() noexcept { _parentSymbolTable = nullptr; }
+  // Sets the parent of the outermost table of this chain.
+  void setRootParent(QORQL_SymbolTable* parent);
+  // True when the argument is this table or encloses it.
+  QORboolean isParent(const QORQL_SymbolTable* table) const noexcept;
+
+  SymbolMap& getSymbolHashMap() noexcept { return _hashDict; }
+  const SymbolMap& getSymbolHashMap() const noexcept { return _hashDict; }
+  void setSymbolTableUpdatedFlag(QORboolean updated) noexcept { _symbolsUpdated = updated; }
+  QORboolean isSymbolTableUpdated() const noexcept { return _symbolsUpdated; }
+
+ private:
+  QORQL_SymbolTable* _parentSymbolTable;
+  SymbolMap _hashDict;
+  QORboolean _symbolsUpdated = false;
+};
+
+#endif

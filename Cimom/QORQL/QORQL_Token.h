@@ -1,0 +1,87 @@
+// One token of a query text.
+#ifndef QORQL_TOKEN_H
+#define QORQL_TOKEN_H
+
+#include "cmpbase.h"
+
+// Values 1 to 127 outside the enumeration are single characters of no grammar rule.
+enum QORQL_TokenType {
+  TokenEOF = 0,
+  TokenINVALID = 256,
+  TokenSELECT = 257,
+  TokenFROM = 258,
+  TokenWHERE = 259,
+  TokenASTERISK = 260,
+  TokenEQUALS = 261,
+  TokenNOTEQUALS = 262,
+  TokenLESS = 263,
+  TokenLESSEQUAL = 264,
+  TokenGREATER = 265,
+  TokenGREATEREQUAL = 266,
+  TokenTILDA = 267,
+  TokenPLUS = 268,
+  TokenMINUS = 269,
+  TokenDIV = 270,
+  TokenAND = 271,
+  TokenOR = 272,
+  TokenNOT = 273,
+  TokenCOMMA = 274,
+  TokenOPENPAREN = 275,
+  TokenCLOSEPAREN = 276,
+  TokenID = 277,
+  TokenSTRINGLITERAL = 278,
+  TokenDECIMALLITERAL = 279,
+  TokenREALLITERAL = 280,
+  TokenBOOLEANLITERAL = 281,
+  TokenLOCAL = 282,
+  TokenGLOBAL = 283,
+  TokenFORMAT = 284,
+  TokenAS = 285,
+  TokenXML = 286,
+  TokenHTML = 287,
+  TokenCSV = 288,
+  TokenQUERYFUNCTION = 289,
+  TokenDOT = 290,
+  TokenLIKE = 291,
+  TokenLEFTJOIN = 292,
+  TokenRIGHTJOIN = 293,
+  TokenFULLOUTERJOIN = 294,
+  TokenIS = 295,
+  TokenNULL = 296,
+  TokenISA = 297,
+  TokenSCOPE = 298,
+  TokenOPENSQUAREBRACK = 299,
+  TokenCLOSESQUAREBRACK = 300,
+  TokenANY = 301,
+  TokenEVERY = 302,
+  TokenIN = 303,
+  TokenSATISFIES = 304,
+  TokenFIRST = 305,
+  TokenASC = 306,
+  TokenDESC = 307,
+  TokenBY = 308,
+  TokenORDER = 309,
+  TokenDISTINCT = 310,
+  TokenCLASSQUALIFIER = 311,
+  TokenPROPERTYQUALIFIER = 312
+};
+
+class QORQL_Token {
+ public:
+  // Empty text, TokenINVALID.
+  QORQL_Token() noexcept = default;
+  QORQL_Token(const QORString& value, QORQL_TokenType type) : _tokenValue(value), _tokenType(type) {}
+
+  const QORString& getValue() const noexcept { return _tokenValue; }
+  QORQL_TokenType getType() const noexcept { return _tokenType; }
+
+  friend bool operator==(const QORQL_Token& a, const QORQL_Token& b) noexcept {
+    return a._tokenType == b._tokenType && a._tokenValue == b._tokenValue;
+  }
+
+ private:
+  QORString _tokenValue = QORString::emptyString();
+  QORQL_TokenType _tokenType = TokenINVALID;
+};
+
+#endif

@@ -1,0 +1,30 @@
+// The WHERE clause: filters and joins the table.
+#ifndef QORQL_WHERECLAUSE_H
+#define QORQL_WHERECLAUSE_H
+
+#include "Cimom/QORQL/QORQL_ClassInfo.h"
+#include "Cimom/QORQL/QORQL_Evaluatable.h"
+#include "Cimom/QORQL/QORQL_Executable.h"
+
+class QORQL_Lexer;
+
+class QORQL_WhereClause : public QORQL_Executable {
+ public:
+  explicit QORQL_WhereClause(const QORSmrPtr<QORQL_Evaluatable>& expression);
+  ~QORQL_WhereClause() override;
+
+  // Entered on WHERE.
+  static QORSmrPtr<QORQL_Executable> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
+                                           QORQL_ProjectionMap& projMap, const QORString& queryString,
+                                           const QORString& queryLanguage);
+
+  const QORSmrPtr<QORQL_Evaluatable>& getExpression() const noexcept { return _expression; }
+
+  void execute(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, std::ostream* out,
+               const QORString& nameSpace) override;
+
+ private:
+  QORSmrPtr<QORQL_Evaluatable> _expression;
+};
+
+#endif
