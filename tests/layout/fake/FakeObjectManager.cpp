@@ -1,0 +1,119 @@
+// The fake object manager's classes, instances and record.
+#include "tests/layout/fake/FakeObjectManager.h"
+
+#include "cimom/CQoriBaseObject.h"
+#include "cimom/CQoriProperty.h"
+#include "cimom/CQoriType.h"
+#include "cimom/CQoriValue.h"
+
+namespace {
+
+const char* const kNameSpace = "root/fake";
+
+QORString folded(const std::string& name) { return QORString::toUpperCase(QORString(name.c_str())); }
+
+class FakeQualifier : public IQoriQualifier {
+ public:
+  explicit FakeQualifier(const std::string& name) : _name(name.c_str()) {}
+  const QORString& getName() const noexcept override { return _name; }
+  const QORSmrPtr<IQoriValue>& getValue() const noexcept override { return _value; }
+
+ private:
+  QORString _name;
+  QORSmrPtr<IQoriValue> _value;
+};
+
+template <class List>
+auto findIgnoringCase(const List& list, const QORString& name) noexcept -> decltype(&list.front()) {
+  for (const auto& entry : list) {
+    if (entry.getName().isEqualCaseInsensitive(name)) return &entry;
+  }
+  return nullptr;
+}
+
+class FakeRepositoryClass : public IQoriClass {
+ public:
+  explicit FakeRepositoryClass(const FakeClass& declaration) : _name(declaration.name.c_str()) {
+    for (const std::string& name : declaration.properties) {
+      _properties.emplace_back(QORString(name.c_str()), CQoriType::string, QORSmrPtr<IQoriValue>());
+    }
+    for (const std::string& name : declaration.qualifiers) _qualifiers.emplace_back(name);
+  }
+  const QORString& getClassName() const noexcept override { return _name; }
+  const QORString& getSuperClassName() const noexcept override { return QORString::emptyString(); }
+  const IQoriQualifier* getQualifier(const QORString& name, bool) const noexcept override {
+    return findIgnoringCase(_qualifiers, name);
+  }
+  const IQoriProperty* getProperty(const QORString& name, bool) const noexcept override {
+    return findIgnoringCase(_properties, name);
+  }
+
+ private:
+  QORString _name;
+  std::vector<CQoriProperty> _properties;
+  std::vector<FakeQualifier> _qualifiers;
+};
+
+QORSmrPtr<IQoriValue> makeValue(const std::string& text) {
+  const QORString value(text.c_str());
+  if (text.empty()) return {};
+  if (value.isNumeric()) return new CQoriValue(static_cast<unsigned long long>(value.atoui64()), CQoriType::uint64);
+  return new CQoriValue(value);
+}
+
+}  // namespace
+
+FakeObjectManager& FakeObjectManager::instance() {
+  static FakeObjectManager only;
+  return only;
+}
+
+void FakeObjectManager::reset() { *this = FakeObjectManager(); }
+
+void FakeObjectManager::addClass(const FakeClass& declaration) {
+  _classes[folded(declaration.name).c_str()] = declaration;
+}
+
+void FakeObjectManager::addInstance(const std::string& className,
+                                    const std::vector<std::pair<std::string, std::string>>& properties) {
+  const QORSmrPtr<CQoriBaseObject::PropertyList> list(new CQoriBaseObject::PropertyList);
+  for (const auto& [name, text] : properties) {
+    list->append(QORSmrPtr<IQoriProperty>(new CQoriProperty(QORString(name.c_str()), makeValue(text), true)));
+  }
+  _instances.push_back(
+      new CQoriBaseObject(kNameSpace, QORString(className.c_str()), QORString(properties.front().first.c_str()), list));
+}
+
+void FakeObjectManager::addAssociate(const std::string& sourcePath, const std::string& associatePath) {
+  _associates.emplace_back(sourcePath, associatePath);
+}
+
+QORSmrPtr<IQoriClass> FakeObjectManager::findClass(const std::string& name) const {
+  const auto found = _classes.find(folded(name).c_str());
+  if (found == _classes.end()) return {};
+  return new FakeRepositoryClass(found->second);
+}
+
+FakeObjectManager::Instances FakeObjectManager::instancesOf(const std::string& className) const {
+  if (findClass(className).IsNull()) return {};
+  const Instances list(new QORValSlist<QORSmrPtr<IQoriObject>>);
+  for (const QORSmrPtr<IQoriObject>& object : _instances) {
+    if (object->getClassName().isEqualCaseInsensitive(QORString(className.c_str()))) list->append(object);
+  }
+  return list;
+}
+
+FakeObjectManager::Instances FakeObjectManager::associatesOf(const std::string& sourcePath) const {
+  const Instances list(new QORValSlist<QORSmrPtr<IQoriObject>>);
+  for (const auto& [source, associate] : _associates) {
+    if (source == sourcePath) list->append(findInstance(associate));
+  }
+  return list;
+}
+
+QORSmrPtr<IQoriObject> FakeObjectManager::findInstance(const std::string& path) const {
+  for (const QORSmrPtr<IQoriObject>& object : _instances) {
+    if (object->getInstanceName()->toString() == path.c_str()) return object;
+  }
+  return {};
+}
