@@ -2,11 +2,11 @@
 #ifndef QORQL_MODEL_MODELINSTANCE_H
 #define QORQL_MODEL_MODELINSTANCE_H
 
-#include <atomic>
 #include <cstddef>
 #include <vector>
 
 #include "Cimom/Model/ModelLayout.h"
+#include "Cimom/Model/ModelNameCache.h"
 #include "cimom/IQoriObject.h"
 #include "cmpbase.h"
 
@@ -78,17 +78,17 @@ class ModelInstance final : public IQoriObject {
   static void operator delete(void* memory) noexcept { ::operator delete(memory); }
 
  private:
-  ModelInstance(const QORSmrPtr<ModelShape>& shape, const QORSmrPtr<IQoriInstanceName>& name) noexcept;
+  explicit ModelInstance(const QORSmrPtr<ModelShape>& shape) noexcept;
   static void* operator new(std::size_t size, QORuint32 slotCount);
   static void operator delete(void* memory, QORuint32) noexcept { ::operator delete(memory); }
 
+  ModelSlot* mutableSlots() noexcept { return reinterpret_cast<ModelSlot*>(this + 1); }
   void fill(const std::vector<QORSmrPtr<IQoriValue>>& values);
   QORSmrPtr<IQoriInstanceName> makeName() const;
 
   QORSmrPtr<ModelShape> _shape;
-  QORuint32 _count = 0;  // slots that live behind this object
-  // OWNS: the name once it is known; a holder of a null name when there is none.
-  mutable std::atomic<QORSmrPtr<IQoriInstanceName>*> _name{nullptr};
+  ModelNameCache _name;
+  QORuint32 _count;  // slots that live behind this object
 };
 
 #endif

@@ -21,7 +21,7 @@ class ModelLayout final : public IQoriLayout {
   };
 
   // In the objects' order. Of columns whose names differ in case alone the first counts.
-  explicit ModelLayout(const std::vector<Column>& columns);
+  explicit ModelLayout(const std::vector<Column>& columns) : ModelLayout(columns, nullptr) {}
   ModelLayout(const ModelLayout&) = delete;
   ModelLayout& operator=(const ModelLayout&) = delete;
   ~ModelLayout() override;
@@ -41,12 +41,20 @@ class ModelLayout final : public IQoriLayout {
   QORuint64 serial() const noexcept { return _serial; }
 
  private:
-  std::size_t firstSlot(const QORString& name) const noexcept;
+  friend class ModelRestriction;
+
+  ModelLayout(const std::vector<Column>& columns, const ModelRestriction* origin);
+
+  // The restriction that this layout belongs to; null for a layout of its own.
+  const ModelRestriction* origin() const noexcept { return _origin; }
+  // The slot that holds the name's position, or the free one where it would go.
+  std::size_t findSlot(const QORString& name) const noexcept;
   std::vector<QORuint32> keptPositions(const QORValSlist<QORString>& names) const;
 
   std::vector<Column> _columns;
   std::vector<QORsint32> _positions;  // open addressing, power of two; -1 marks a free slot
   const QORuint64 _serial;
+  const ModelRestriction* const _origin;
   mutable std::mutex _mutex;                                       // guards what follows
   mutable std::vector<QORSmrPtr<ModelRestriction>> _restrictions;  // the most recent ones
 };

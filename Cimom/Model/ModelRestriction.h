@@ -30,10 +30,13 @@ class ModelRestriction {
   const ModelLayout& layout() const noexcept { return _layout; }
   // Source position of each property of the copy.
   const std::vector<QORuint32>& positions() const noexcept { return _kept; }
+  // The same, through all restrictions that the source layout itself came from.
+  const std::vector<QORuint32>& rootPositions() const noexcept { return _rootKept.empty() ? _kept : _rootKept; }
 
  private:
   const std::vector<QORuint32> _kept;
   const ModelLayout _layout;
+  std::vector<QORuint32> _rootKept;  // empty when the source layout is no derived one
 };
 
 #endif

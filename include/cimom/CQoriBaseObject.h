@@ -5,17 +5,26 @@
 #include "cimom/IQoriObject.h"
 #include "cmpbase.h"
 
-class CQoriBaseObject : public IQoriObject {
+class ModelRestriction;
+class ModelSlot;
+
+class CQoriBaseObject final : public IQoriObject {
  public:
   using PropertyList = QORValSlist<QORSmrPtr<IQoriProperty>>;
 
   // A copy of `object` reduced to the listed properties (case and duplicates
   // ignored, names that it lacks left out), in the source's order. Class name,
-  // instance name and namespace stay. Shares the source's values. REQUIRES a
-  // non-null object; a null list keeps nothing.
+  // instance name and namespace stay. Shares the source's values. Copies made
+  // on one thread with the same names from objects of one layout share a layout
+  // and cost one look at the names each. REQUIRES a non-null object; a null list
+  // keeps nothing; the flag has no effect.
   CQoriBaseObject(const QORSmrPtr<IQoriObject>& object, const QORSmrPtr<QORValSlist<QORString>>& names, bool flag);
+  // The same by a restriction worked out before. REQUIRES that it was made from
+  // the object's layout.
+  CQoriBaseObject(const QORSmrPtr<IQoriObject>& object, const QORSmrPtr<ModelRestriction>& restriction);
   // An object of its own: namespace, class name, name of its key property, and
-  // its properties in order. A null list stands for none.
+  // its properties in order. A null list stands for none. It has no layout, and
+  // no instance name when the key is absent or has no value.
   CQoriBaseObject(const QORString& nameSpace, const QORString& className, const QORString& keyName,
                   const QORSmrPtr<PropertyList>& properties);
   CQoriBaseObject(const CQoriBaseObject&) = delete;
@@ -33,8 +42,17 @@ class CQoriBaseObject : public IQoriObject {
   QORSmrPtr<IQoriValue> getValueAt(QORuint32 position) const override;
 
  private:
-  struct State;
-  State* _state;  // OWNS
+  // The properties of an object without a layout, and the names of one without a source.
+  struct Own;
+
+  void shareSource(const QORSmrPtr<IQoriObject>& object);
+  void copyProperties(const IQoriObject& object, const QORSmrPtr<QORValSlist<QORString>>& names);
+
+  QORSmrPtr<IQoriObject> _source;            // whose values are shared; null for an object of its own
+  QORSmrPtr<ModelRestriction> _restriction;  // null without a layout
+  const QORuint32* _positions = nullptr;     // the source's position of each property
+  const ModelSlot* _slots = nullptr;         // the source's values, when it stores them in place
+  Own* _own = nullptr;                       // OWNS; null with a restriction
 };
 
 #endif

@@ -6,11 +6,37 @@
 #include "cmpbase.h"
 
 // One shared singleton per scalar type, and one per array of it.
-class CQoriType : public IQoriType {
+class CQoriType final : public IQoriType {
  public:
-  CQoriType(const QORString& name, bool isArray) : _name(name), _isArray(isArray) {}
+  // The types by number, in the order of the singletons below.
+  enum class Code : QORuint8 {
+    Sint8,
+    Uint8,
+    Sint16,
+    Uint16,
+    Sint32,
+    Uint32,
+    Sint64,
+    Uint64,
+    Real32,
+    Real64,
+    Boolean,
+    String,
+    DateTime,
+    Char16,
+    Reference,
+    Object,
+    Unknown
+  };
+
+  CQoriType(const QORString& name, bool isArray);
+  ~CQoriType() override;
   const QORString& getName() const noexcept override { return _name; }
   bool isArray() const noexcept override { return _isArray; }
+  Code code() const noexcept { return _code; }
+
+  // The code of any type, by its name ignoring case; an array's is its element's.
+  static Code codeOf(const IQoriType& type) noexcept;
 
   static const QORSmrPtr<IQoriType> sint8;
   static const QORSmrPtr<IQoriType> uint8;
@@ -37,6 +63,7 @@ class CQoriType : public IQoriType {
  private:
   QORString _name;
   bool _isArray;
+  Code _code;
 };
 
 #endif

@@ -131,9 +131,9 @@ class QORSmrPtr : public QORSmrPtrImpl {
   // An object's first block and its shared count, in one allocation that lives
   // until the shared count is zero: a converted pointer may outlive the block.
   struct FirstPointee {
-    explicit FirstPointee(T* pointer) noexcept : _shared(1), _block(pointer, &_shared) {}
-    QORAtomicInt _shared;
+    explicit FirstPointee(T* pointer) noexcept : _block(pointer, &_shared), _shared(1) {}
     SmartPointerPointee _block;
+    QORAtomicInt _shared;
   };
   static_assert(std::is_trivially_destructible_v<FirstPointee>);
 
@@ -164,12 +164,11 @@ class QORSmrPtr : public QORSmrPtrImpl {
   static void destroyPointee(SmartPointerPointee* block) noexcept {
     QORAtomicInt* const shared = block->_sharedReferenceCount;
     T* const object = block->_pointer;
-    // The shared count opens the first block's allocation.
-    const bool isFirst =
-        static_cast<void*>(block) == static_cast<void*>(&reinterpret_cast<FirstPointee*>(shared)->_block);
-    if (!isFirst) delete block;
+    // The first block opens the allocation that the shared count closes.
+    void* const first = reinterpret_cast<char*>(shared) - offsetof(FirstPointee, _shared);
+    if (static_cast<void*>(block) != first) delete block;
     if (shared->atomicDec() == 0) {
-      ::operator delete(static_cast<void*>(shared));
+      ::operator delete(first);
       deleteObject(object);
     }
   }

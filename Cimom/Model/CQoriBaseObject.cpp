@@ -1,0 +1,188 @@
+// Restricted copies and objects of their own.
+//
+// A restricted copy of an object with a layout holds the object and a shared
+// restriction; a copy of a copy holds the first object itself, with the
+// positions of both steps in one. An object without a layout, and one that is
+// made from a property list, holds its properties.
+#include "cimom/CQoriBaseObject.h"
+
+#include <array>
+#include <typeinfo>
+#include <vector>
+
+#include "Cimom/Model/ModelInstance.h"
+#include "Cimom/Model/ModelNameCache.h"
+#include "Cimom/Model/ModelRestriction.h"
+#include "cimom/CQoriInstanceName.h"
+#include "cimom/CQoriProperty.h"
+
+namespace {
+
+using Names = QORSmrPtr<QORValSlist<QORString>>;
+
+// A thread's last restrictions, so that restricting many objects alike costs
+// one comparison of the names each: string copies share their buffer, and equal
+// buffers are equal texts. Holds derived layouts, never objects.
+class RestrictionMemo {
+ public:
+  const QORSmrPtr<ModelRestriction>& find(const ModelLayout& layout, const QORValSlist<QORString>& names) {
+    Entry& entry = _entries[(layout.serial() ^ reinterpret_cast<std::size_t>(&names) / 64) % _entries.size()];
+    if (entry.serial != layout.serial() || !(entry.names == names)) {
+      entry.restriction = layout.restrictTo(names);
+      entry.names = names;
+      entry.serial = layout.serial();
+    }
+    return entry.restriction;
+  }
+
+ private:
+  struct Entry {
+    QORuint64 serial = 0;
+    QORValSlist<QORString> names;
+    QORSmrPtr<ModelRestriction> restriction;
+  };
+  std::array<Entry, 8> _entries;
+};
+
+QORSmrPtr<ModelRestriction> restrictionOf(const ModelLayout& layout, const Names& names) {
+  thread_local RestrictionMemo memo;
+  static const QORValSlist<QORString> none;
+  return memo.find(layout, names.IsNull() ? none : *names);
+}
+
+bool isListed(const QORValSlist<QORString>& names, const QORString& name) {
+  QORValSlistIterator<QORString> it(names);
+  while (++it) {
+    if (it.key().isEqualCaseInsensitive(name)) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+struct CQoriBaseObject::Own {
+  std::vector<QORSmrPtr<IQoriProperty>> properties;
+  QORString nameSpace;
+  QORString className;
+  QORString keyName;
+  ModelNameCache name;
+
+  QORSmrPtr<IQoriInstanceName> makeName() const;
+  // Null when there is none.
+  const QORSmrPtr<IQoriProperty>* find(const QORString& propertyName) const noexcept;
+};
+
+CQoriBaseObject::CQoriBaseObject(const QORSmrPtr<IQoriObject>& object, const Names& names, bool /*flag*/)
+    : _source(object) {
+  const IQoriLayout* const layout = object->getLayout();
+  if (layout != nullptr && typeid(*layout) == typeid(ModelLayout)) {
+    _restriction = restrictionOf(static_cast<const ModelLayout&>(*layout), names);
+    shareSource(object);
+  } else {
+    copyProperties(*object, names);
+  }
+}
+
+CQoriBaseObject::CQoriBaseObject(const QORSmrPtr<IQoriObject>& object, const QORSmrPtr<ModelRestriction>& restriction)
+    : _source(object), _restriction(restriction) {
+  shareSource(object);
+}
+
+CQoriBaseObject::CQoriBaseObject(const QORString& nameSpace, const QORString& className, const QORString& keyName,
+                                 const QORSmrPtr<PropertyList>& properties)
+    : _own(new Own{{}, nameSpace, className, keyName, {}}) {
+  if (properties.IsNull()) return;
+  std::unique_ptr<Own> guard(_own);
+  _own->properties.reserve(properties->entries());
+  QORValSlistIterator<QORSmrPtr<IQoriProperty>> it(*properties);
+  while (++it) {
+    if (!it.key().IsNull()) _own->properties.push_back(it.key());
+  }
+  guard.release();
+}
+
+CQoriBaseObject::~CQoriBaseObject() { delete _own; }
+
+void CQoriBaseObject::shareSource(const QORSmrPtr<IQoriObject>& object) {
+  const IQoriObject& source = *object;
+  _positions = _restriction->positions().data();
+  if (typeid(source) == typeid(CQoriBaseObject)) {
+    const CQoriBaseObject& copy = static_cast<const CQoriBaseObject&>(source);
+    // The steps compose when the first copy reads its source by all steps before it.
+    if (copy._positions == copy._restriction->rootPositions().data()) {
+      _source = copy._source;
+      _slots = copy._slots;
+      _positions = _restriction->rootPositions().data();
+    }
+  } else if (typeid(source) == typeid(ModelInstance)) {
+    _slots = static_cast<const ModelInstance&>(source).slots();
+  }
+}
+
+void CQoriBaseObject::copyProperties(const IQoriObject& object, const Names& names) {
+  std::unique_ptr<Own> own = std::make_unique<Own>();
+  for (QORuint32 i = 0; !names.IsNull() && i < object.getPropertyCount(); ++i) {
+    QORSmrPtr<IQoriProperty> property = object.getPropertyAt(i);
+    if (isListed(*names, property->getName())) own->properties.push_back(std::move(property));
+  }
+  _own = own.release();
+}
+
+const QORString& CQoriBaseObject::getClassName() const noexcept {
+  return _source.IsNull() ? _own->className : _source->getClassName();
+}
+
+QORSmrPtr<IQoriInstanceName> CQoriBaseObject::getInstanceName() const {
+  if (!_source.IsNull()) return _source->getInstanceName();
+  return _own->name.get([this] { return _own->makeName(); });
+}
+
+QORString CQoriBaseObject::getNameSpace() const { return _source.IsNull() ? _own->nameSpace : _source->getNameSpace(); }
+
+QORuint32 CQoriBaseObject::getPropertyCount() const noexcept {
+  return _own != nullptr ? static_cast<QORuint32>(_own->properties.size()) : _restriction->layout().getPropertyCount();
+}
+
+QORSmrPtr<IQoriProperty> CQoriBaseObject::getPropertyAt(QORuint32 position) const {
+  return _own != nullptr ? _own->properties[position] : _source->getPropertyAt(_positions[position]);
+}
+
+QORSmrPtr<IQoriProperty> CQoriBaseObject::getProperty(const QORString& name, bool /*includeInherited*/) const {
+  if (_own != nullptr) {
+    const QORSmrPtr<IQoriProperty>* const found = _own->find(name);
+    return found == nullptr ? QORSmrPtr<IQoriProperty>() : *found;
+  }
+  const QORsint32 position = _restriction->layout().getPosition(name);
+  return position < 0 ? QORSmrPtr<IQoriProperty>() : getPropertyAt(static_cast<QORuint32>(position));
+}
+
+const IQoriLayout* CQoriBaseObject::getLayout() const noexcept {
+  return _own != nullptr ? nullptr : &_restriction->layout();
+}
+
+QoriScalar CQoriBaseObject::getScalarAt(QORuint32 position) const noexcept {
+  if (_slots != nullptr) return _slots[_positions[position]].scalar();
+  if (_own == nullptr) return _source->getScalarAt(_positions[position]);
+  const QORSmrPtr<IQoriValue>& value = _own->properties[position]->getValue();
+  return value.IsNull() ? QoriScalar() : value->scalar();
+}
+
+QORSmrPtr<IQoriValue> CQoriBaseObject::getValueAt(QORuint32 position) const {
+  return _own != nullptr ? _own->properties[position]->getValue() : _source->getValueAt(_positions[position]);
+}
+
+const QORSmrPtr<IQoriProperty>* CQoriBaseObject::Own::find(const QORString& propertyName) const noexcept {
+  for (const QORSmrPtr<IQoriProperty>& property : properties) {
+    if (property->getName().isEqualCaseInsensitive(propertyName)) return &property;
+  }
+  return nullptr;
+}
+
+QORSmrPtr<IQoriInstanceName> CQoriBaseObject::Own::makeName() const {
+  const QORSmrPtr<IQoriProperty>* const key = find(keyName);
+  if (key == nullptr || (*key)->getValue().IsNull()) return {};
+  const QORSmrPtr<IQoriInstanceName::KeyList> keys(new IQoriInstanceName::KeyList);
+  keys->append(*key);
+  const QORSmrPtr<IQoriNameSpacePath> path(new CQoriNameSpacePath(QORString::emptyString(), nameSpace));
+  return {new CQoriInstanceName(className, keys, path)};
+}

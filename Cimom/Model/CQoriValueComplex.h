@@ -1,0 +1,16 @@
+// The parts of a value that is no scalar.
+#ifndef QORQL_MODEL_CQORIVALUECOMPLEX_H
+#define QORQL_MODEL_CQORIVALUECOMPLEX_H
+
+#include "cimom/CQoriValue.h"
+#include "cimom/IQoriInstanceName.h"
+#include "cimom/IQoriObject.h"
+
+// One of the three is set, by the value's type.
+struct CQoriValue::Complex {
+  QORSmrPtr<List> elements;
+  QORSmrPtr<IQoriInstanceName> reference;
+  QORSmrPtr<IQoriObject> object;
+};
+
+#endif

@@ -1,0 +1,30 @@
+// The errors that values raise.
+#ifndef QORQL_MODEL_MODELERROR_H
+#define QORQL_MODEL_MODELERROR_H
+
+#include "cimom/IQoriType.h"
+#include "cmpbase.h"
+
+namespace model {
+
+// THROWS QoriBaseException: type "CIM_Value", who "CQoriValue", where the operation, code 0.
+[[noreturn]] void raiseValueError(const char* operation, const QORString& message);
+
+// The type as messages show it: its name, with "[]" behind it for an array.
+QORString typeText(const IQoriType& type);
+
+// Keeps what nests in values from exhausting the stack: one lives in each
+// activation that may recurse. THROWS as raiseValueError past the limit.
+class NestingGuard {
+ public:
+  static constexpr int kMaximumNesting = 64;
+
+  explicit NestingGuard(const char* operation);
+  NestingGuard(const NestingGuard&) = delete;
+  NestingGuard& operator=(const NestingGuard&) = delete;
+  ~NestingGuard();
+};
+
+}  // namespace model
+
+#endif

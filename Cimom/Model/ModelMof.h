@@ -1,0 +1,17 @@
+// Objects as MOF instance text.
+#ifndef QORQL_MODEL_MODELMOF_H
+#define QORQL_MODEL_MODELMOF_H
+
+#include "cimom/IQoriObject.h"
+#include "cmpbase.h"
+
+namespace model {
+
+// The object on one line: `instance of C { a = 1; b = "t"; c = NULL; };`.
+// Embedded objects are quoted MOF texts of their own. THROWS QoriBaseException
+// (type "CIM_Value") when they nest deeper than a text can hold.
+QORString mofText(const IQoriObject& object);
+
+}  // namespace model
+
+#endif
