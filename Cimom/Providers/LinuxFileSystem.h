@@ -1,0 +1,20 @@
+// The mounted file systems of this machine: class Linux_FileSystem.
+#ifndef QORQL_PROVIDERS_LINUXFILESYSTEM_H
+#define QORQL_PROVIDERS_LINUXFILESYSTEM_H
+
+#include "Cimom/Embedded/InstanceProvider.h"
+
+// One instance per mount point, in the order of mounting; of several mounts on
+// one point the last, which is the one that can be seen. Sizes are asked for
+// only when the request names one, since a lost network server can make that
+// wait. Stateless; several threads may enumerate at once.
+class LinuxFileSystem : public InstanceProvider {
+ public:
+  static const char* const kClassName;
+
+  QORString getClassName() const override { return kClassName; }
+  // THROWS CQoriProviderException when the table of mounts cannot be read.
+  void enumerate(const Request& request, const Emit& emit) override;
+};
+
+#endif

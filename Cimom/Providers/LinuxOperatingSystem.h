@@ -1,0 +1,19 @@
+// The running operating system: class Linux_OperatingSystem.
+#ifndef QORQL_PROVIDERS_LINUXOPERATINGSYSTEM_H
+#define QORQL_PROVIDERS_LINUXOPERATINGSYSTEM_H
+
+#include "Cimom/Embedded/InstanceProvider.h"
+
+// Always one instance. Stateless; several threads may enumerate at once.
+class LinuxOperatingSystem : public InstanceProvider {
+ public:
+  static const char* const kClassName;
+
+  QORString getClassName() const override { return kClassName; }
+  void enumerate(const Request& request, const Emit& emit) override;
+
+  // The distribution's name, the key of the instance.
+  static QORString name();
+};
+
+#endif

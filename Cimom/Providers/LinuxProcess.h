@@ -1,0 +1,19 @@
+// The live processes of this machine: class Linux_Process.
+#ifndef QORQL_PROVIDERS_LINUXPROCESS_H
+#define QORQL_PROVIDERS_LINUXPROCESS_H
+
+#include "Cimom/Embedded/InstanceProvider.h"
+
+// One instance per process, in ascending order of the kernel's process table.
+// Stateless; several threads may enumerate at once. Reads from the kernel only
+// what the request names.
+class LinuxProcess : public InstanceProvider {
+ public:
+  static const char* const kClassName;
+
+  QORString getClassName() const override { return kClassName; }
+  // THROWS CQoriProviderException when there is no process table to read.
+  void enumerate(const Request& request, const Emit& emit) override;
+};
+
+#endif

@@ -1,0 +1,47 @@
+// How a live provider ties the properties of a class to the operations that read them.
+#ifndef QORQL_PROVIDERS_LINUXPROPERTY_H
+#define QORQL_PROVIDERS_LINUXPROPERTY_H
+
+#include <span>
+#include <utility>
+#include <vector>
+
+#include "Cimom/Embedded/InstanceProvider.h"
+#include "Cimom/Providers/LinuxValues.h"
+
+// One property of a class: `Source` is one instance that is being read.
+template <class Source>
+struct LinuxProperty {
+  const char* name;
+  LinuxValue (*read)(Source& source);
+};
+
+// The properties of a request, bound once: null where the class declares a
+// property that the provider does not know. Entries point into `table`.
+template <class Property>
+std::vector<const Property*> bindProperties(const InstanceProvider::Request& request, std::span<const Property> table) {
+  std::vector<const Property*> bound;
+  bound.reserve(request.propertyNames.size());
+  for (const QORString& name : request.propertyNames) {
+    const Property* found = nullptr;
+    for (const Property& property : table) {
+      if (QORString::equalIgnoringCase(name.view(), property.name)) found = &property;
+    }
+    bound.push_back(found);
+  }
+  return bound;
+}
+
+// Reads the bound properties of one instance and hands them over.
+template <class Source>
+void emitInstance(Source& source, const std::vector<const LinuxProperty<Source>*>& properties,
+                  const InstanceProvider::Emit& emit) {
+  std::vector<LinuxValue> values;
+  values.reserve(properties.size());
+  for (const LinuxProperty<Source>* property : properties) {
+    values.push_back(property == nullptr ? LinuxValue() : property->read(source));
+  }
+  emit(std::move(values));
+}
+
+#endif

@@ -1,0 +1,26 @@
+// Registration of the Linux providers and of the schema they need.
+#include "Cimom/Providers/LinuxProviders.h"
+
+#include "Cimom/Providers/LinuxFileSystem.h"
+#include "Cimom/Providers/LinuxOperatingSystem.h"
+#include "Cimom/Providers/LinuxProcess.h"
+
+void registerLinuxProviders(EmbeddedObjectManager& manager, const QORString& nameSpace) {
+  const std::shared_ptr<InstanceProvider> providers[] = {
+      std::make_shared<LinuxProcess>(), std::make_shared<LinuxFileSystem>(), std::make_shared<LinuxOperatingSystem>()};
+  for (const std::shared_ptr<InstanceProvider>& provider : providers) {
+    const bool isDeclared = !manager.sink().findClass(nameSpace, provider->getClassName()).IsNull();
+    if (isDeclared) manager.registerProvider(nameSpace, provider);
+  }
+}
+
+void LinuxSchemaSink::declareQualifier(const QORString& nameSpace, const CimQualifierDeclaration& declaration) {
+  CimQualifierDeclaration existing;
+  if (!_target.describeQualifier(nameSpace, declaration.name, existing)) {
+    _target.declareQualifier(nameSpace, declaration);
+  }
+}
+
+void LinuxSchemaSink::declareClass(const QORString& nameSpace, const CimClassDeclaration& declaration) {
+  if (_target.findClass(nameSpace, declaration.name).IsNull()) _target.declareClass(nameSpace, declaration);
+}

@@ -1,0 +1,43 @@
+// The values that the live providers hand out, and the facts of the system that several of them need.
+#ifndef QORQL_PROVIDERS_LINUXVALUES_H
+#define QORQL_PROVIDERS_LINUXVALUES_H
+
+#include <string>
+#include <string_view>
+
+#include "cimom/IQoriValue.h"
+#include "cmpbase.h"
+
+using LinuxValue = QORSmrPtr<IQoriValue>;
+
+// The class name that instances give for the machine they run on.
+inline constexpr const char* kLinuxComputerSystem = "Linux_ComputerSystem";
+
+// Stateless; any thread may call.
+LinuxValue booleanValue(bool value);
+LinuxValue uint16Value(QORuint16 value);
+LinuxValue sint16Value(QORsint16 value);
+LinuxValue uint32Value(QORuint32 value);
+LinuxValue sint32Value(QORsint32 value);
+LinuxValue uint64Value(QORuint64 value);
+LinuxValue real64Value(double value);
+LinuxValue textValue(std::string_view text);
+// A null pointer for a null or empty text.
+LinuxValue textOrNull(const char* text);
+// A point in time as a datetime in the local time zone; microseconds may be
+// below zero or above a second. A null pointer when the calendar cannot hold it.
+LinuxValue dateTimeValue(QORsint64 secondsSinceEpoch, QORsint64 microseconds);
+
+// The node's name in the network.
+std::string hostName();
+// The content of a small file such as those of /proc; empty when it cannot be read, errno then tells why.
+std::string readSmallFile(const std::string& path);
+// When the kernel was started, in microseconds since the epoch. Fixed at the
+// first call, so that times counted from it are equal each time they are asked
+// for; 0 when the kernel does not tell.
+QORsint64 bootTimeMicroseconds();
+
+// A line of the providers' log: what could not be read, and why (an errno).
+void logUnreadable(const std::string& what, int error);
+
+#endif
