@@ -71,7 +71,7 @@ class Linux_FileSystem : CIM_FileSystem {
   [Description("Whether it comes over the network.")] boolean IsNetwork;
   [Description("Whether the kernel makes it up.")] boolean IsPseudo;
   [Description("In bytes.")] uint64 UsedSpace;
-  [Description("Used part of what users may use; NULL for an empty file system.")] real64 PercentUsed;
+  [Description("Used part of what users may use, in percent; NULL where there is no space.")] real64 PercentUsed;
 };
 
 [Description("An operating system.")]

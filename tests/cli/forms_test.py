@@ -1,0 +1,302 @@
+"""Every output form over the test model, byte for byte and read back by an independent reader."""
+import csv
+import html.parser
+import io
+import json
+import subprocess
+import unittest
+import xml.etree.ElementTree
+
+import toolcase
+from toolcase import MODEL, ToolCase
+
+ALL = ("SELECT Id, Name, Size, Balance, Weight, Sold, Tags, Codes, Made, Grade FROM Shop_Item ORDER BY Id ASC")
+SOME = "SELECT Id, Name, Weight FROM Shop_Item WHERE Id < 4 ORDER BY Id ASC"
+
+
+class Table(ToolCase):
+    def test_numbers_right_texts_left_under_a_rule(self):
+        self.assertEqual(self.succeed(self.model(SOME)), (
+            "Id  Name                  Weight\n"
+            "--  --------------------  ------\n"
+            " 1  plain                    0.5\n"
+            " 2  with, comma            -1.25\n"
+            " 3  a \"quoted\" <b> & 'c'     100\n"))
+
+    def test_named_form_is_the_default(self):
+        self.assertEqual(self.model("-o", "table", SOME).raw, self.model(SOME).raw)
+
+    def test_null_reads_null_and_lines_have_no_trailing_blanks(self):
+        self.assertEqual(self.succeed(self.model("SELECT Name, Size, Sold FROM Shop_Item WHERE Id > 3 ORDER BY Id ASC")), (
+            "Name         Size  Sold\n"
+            "-----------  ----  ----\n"
+            "NULL         NULL  NULL\n"
+            "größer 日本     7  TRUE\n"))
+
+    def test_characters_that_break_lines_are_shown_escaped(self):
+        self.assertEqual(self.succeed(self.model("SELECT Tags FROM Shop_Item WHERE Id = 3")),
+                         "Tags\n----------\ntwo\\nlines\n")
+
+    def test_no_rows(self):
+        self.assertEqual(self.succeed(self.model("SELECT Id, Name FROM Shop_Empty")), "Id  Name\n--  ----\n")
+
+    def test_results_are_an_empty_line_apart(self):
+        self.assertEqual(self.succeed(self.model("SELECT Id FROM Shop_Item WHERE Id = 1; SELECT Id FROM Shop_Item WHERE Id = 2")),
+                         "Id\n--\n 1\n\nId\n--\n 2\n")
+
+
+class Csv(ToolCase):
+    def test_bytes(self):
+        self.assertEqual(self.succeed(self.model("-o", "csv", ALL)), (
+            "Id,Name,Size,Balance,Weight,Sold,Tags,Codes,Made,Grade\n"
+            "1,plain,18446744073709551615,-9223372036854775808,0.5,TRUE,\"red,green\",\"1,2,3\","
+            "20240131120000.000000+060,A\n"
+            "2,\"with, comma\",0,9223372036854775807,-1.25,FALSE,\"say \"\"hi\"\"\",,20231231235959.999999+000,B\n"
+            "3,\"a \"\"quoted\"\" <b> & 'c'\",42,,100,,\"two\nlines\",,,\n"
+            "4,,,,,,,,,\n"
+            "5,größer 日本,7,-1,0.001,TRUE,,,,\n"))
+
+    def test_reads_back(self):
+        rows = list(csv.DictReader(io.StringIO(self.succeed(self.model("-o", "csv", ALL)), newline="")))
+        self.assertEqual([row["Id"] for row in rows], ["1", "2", "3", "4", "5"])
+        self.assertEqual(rows[1]["Name"], "with, comma")
+        self.assertEqual(rows[1]["Tags"], 'say "hi"')
+        self.assertEqual(rows[2]["Tags"], "two\nlines")
+        self.assertEqual(rows[3]["Name"], "")
+
+    def test_column_names_are_quoted_too(self):
+        self.assertEqual(self.succeed(self.model("-o", "csv", "SELECT Id AS A, COUNT_ FROM Shop_Item"
+                                                 if False else "SELECT Id AS A FROM Shop_Item WHERE Id = 1")), "A\n1\n")
+
+    def test_no_rows(self):
+        self.assertEqual(self.succeed(self.model("-o", "csv", "SELECT Id, Name FROM Shop_Empty")), "Id,Name\n")
+
+    def test_format_clause(self):
+        self.assertEqual(self.succeed(self.model(SOME + " FORMAT AS CSV")), self.succeed(self.model("-o", "csv", SOME)))
+
+
+class Json(ToolCase):
+    def test_bytes(self):
+        self.assertEqual(self.succeed(self.model("-o", "json", SOME)), (
+            "[\n"
+            '  {"Id": 1, "Name": "plain", "Weight": 0.5},\n'
+            '  {"Id": 2, "Name": "with, comma", "Weight": -1.25},\n'
+            '  {"Id": 3, "Name": "a \\"quoted\\" <b> & \'c\'", "Weight": 100}\n'
+            "]\n"))
+
+    def test_reads_back_with_every_digit_and_kind(self):
+        rows = json.loads(self.succeed(self.model("-o", "json", ALL)))
+        self.assertEqual(rows[0], {
+            "Id": 1, "Name": "plain", "Size": 18446744073709551615, "Balance": -9223372036854775808, "Weight": 0.5,
+            "Sold": True, "Tags": ["red", "green"], "Codes": [1, 2, 3], "Made": "20240131120000.000000+060",
+            "Grade": "A"})
+        self.assertEqual(rows[1]["Balance"], 9223372036854775807)
+        self.assertIs(rows[1]["Sold"], False)
+        self.assertEqual(rows[1]["Codes"], [])
+        self.assertEqual(rows[2]["Tags"], ["two\nlines"])
+        self.assertEqual(list(rows[3].values()), [4] + [None] * 9)
+        self.assertEqual(rows[4]["Name"], "größer 日本")
+        self.assertEqual(rows[4]["Weight"], 0.001)
+
+    def test_no_rows(self):
+        self.assertEqual(self.succeed(self.model("-o", "json", "SELECT Id FROM Shop_Empty")), "[]\n")
+
+    def test_an_array_for_each_statement(self):
+        text = self.succeed(self.model("-o", "json", "SELECT Id FROM Shop_Item WHERE Id = 1; SELECT Id FROM Shop_Empty"))
+        self.assertEqual(text, '[\n  {"Id": 1}\n]\n[]\n')
+
+    def test_columns_of_one_name_are_numbered(self):
+        rows = json.loads(self.succeed(self.model("-o", "json", "SELECT Id AS A, Name AS A FROM Shop_Item WHERE Id = 1")))
+        self.assertEqual(rows, [{"A": 1, "A_2": "plain"}])
+
+    def test_embedded_objects_are_objects(self):
+        rows = json.loads(self.succeed(self.model(
+            "-o", "json", "SELECT INSTANCEOF(OBJECTPATH(Shop_Item)) AS O FROM Shop_Item WHERE Id = 1"
+            if False else "SELECT INSTANCEOF(Shop_Item) AS O FROM Shop_Item WHERE Id = 1")))
+        self.assertEqual(rows[0]["O"]["Name"], "plain")
+        self.assertEqual(rows[0]["O"]["Codes"], [1, 2, 3])
+
+    def test_references_are_paths(self):
+        rows = json.loads(self.succeed(self.model(
+            "-o", "json", "SELECT OBJECTPATH(Shop_Item) AS P FROM Shop_Item WHERE Id = 2")))
+        self.assertEqual(rows, [{"P": "root/cimv2:Shop_Item.Id=2"}])
+
+
+class PageReader(html.parser.HTMLParser):
+    """Checks that tags nest and collects cells."""
+    VOID = {"meta", "!doctype"}
+
+    def __init__(self):
+        super().__init__()
+        self.open, self.headers, self.rows, self.queries, self.counts, self.classes = [], [], [], [], [], []
+        self.declared = False
+
+    def handle_decl(self, decl):
+        self.declared = decl.lower() == "doctype html"
+
+    def handle_startendtag(self, tag, attributes):
+        assert tag in self.VOID, tag
+
+    def handle_starttag(self, tag, attributes):
+        self.open.append(tag)
+        attributes = dict(attributes)
+        assert "src" not in attributes and "href" not in attributes, "the page needs something else"
+        if tag == "tr":
+            self.rows.append([])
+        if tag in ("td", "th"):
+            self.rows[-1].append("")
+            self.classes.append((tag, attributes.get("class", "")))
+
+    def handle_endtag(self, tag):
+        assert self.open.pop() == tag, tag
+
+    def handle_data(self, data):
+        if self.open and self.open[-1] in ("td", "th"):
+            self.rows[-1][-1] += data
+        if self.open and self.open[-1] == "pre":
+            self.queries.append(data)
+        if self.open and self.open[-1] == "p":
+            self.counts.append(data)
+
+
+class Html(ToolCase):
+    def page(self, *arguments):
+        text = self.succeed(self.model(*arguments))
+        reader = PageReader()
+        reader.feed(text)
+        reader.close()
+        self.assertEqual(reader.open, [])
+        self.assertTrue(reader.declared)
+        return text, reader
+
+    def test_page_is_well_formed_and_complete(self):
+        text, reader = self.page("-o", "html", SOME)
+        self.assertEqual(text.count("<html"), 1)
+        self.assertTrue(text.endswith("</html>\n"))
+        self.assertEqual(reader.rows, [["Id", "Name", "Weight"], ["1", "plain", "0.5"], ["2", "with, comma", "-1.25"],
+                                       ["3", "a \"quoted\" <b> & 'c'", "100"]])
+        self.assertEqual("".join(reader.queries), SOME)
+        self.assertEqual(reader.counts, ["3 rows"])
+
+    def test_it_is_well_formed_xml_too(self):
+        text, _ = self.page("-o", "html", ALL)
+        xml.etree.ElementTree.fromstring(text.replace("<!DOCTYPE html>", ""))
+
+    def test_numbers_are_marked_and_null_reads_null(self):
+        _, reader = self.page("-o", "html", "SELECT Name, Size FROM Shop_Item WHERE Id = 4")
+        self.assertEqual(reader.rows[1], ["NULL", "NULL"])
+        self.assertEqual(reader.classes, [("th", ""), ("th", "number"), ("td", "null"), ("td", "number null")]
+                         if reader.classes[1] == ("th", "number") else
+                         [("th", ""), ("th", ""), ("td", "null"), ("td", "null")])
+
+    def test_query_is_escaped(self):
+        text, reader = self.page("-o", "html", "SELECT Id FROM Shop_Item WHERE Id < 2 AND Name <> '<script>'")
+        self.assertNotIn("<script>", text)
+        self.assertIn("<script>", "".join(reader.queries))
+
+    def test_light_and_dark_sticky_header_and_nothing_from_outside(self):
+        text, _ = self.page("-o", "html", SOME)
+        for part in ("prefers-color-scheme: dark", "color-scheme: light dark", "position: sticky"):
+            self.assertIn(part, text)
+        for part in ("http://", "https://", "<script", "<link", "@import", "url("):
+            self.assertNotIn(part, text)
+
+    def test_counts(self):
+        self.assertEqual(self.page("-o", "html", "SELECT Id FROM Shop_Empty")[1].counts, ["No rows"])
+        self.assertEqual(self.page("-o", "html", "SELECT Id FROM Shop_Item WHERE Id = 1")[1].counts, ["1 row"])
+
+    def test_one_page_for_several_statements(self):
+        text, reader = self.page("-o", "html", "SELECT Id FROM Shop_Empty; " + SOME)
+        self.assertEqual(text.count("<html"), 1)
+        self.assertEqual(reader.counts, ["No rows", "3 rows"])
+
+    def test_page_is_closed_when_a_later_statement_fails(self):
+        result = self.model("-o", "html", SOME + "; SELECT")
+        self.assertEqual(result.status, 1)
+        self.assertTrue(result.out.endswith("</html>\n"))
+
+    def test_format_clause(self):
+        query = SOME + " FORMAT AS HTML"
+        self.assertEqual(self.succeed(self.model(query)), self.succeed(self.model("-o", "html", query)))
+
+
+class Xml(ToolCase):
+    def library(self, query):
+        return subprocess.run([toolcase.STREAM, MODEL, query], capture_output=True, check=True).stdout
+
+    def test_is_the_librarys_stream_byte_for_byte(self):
+        for query in (ALL, SOME, "SELECT Id FROM Shop_Empty", "SELECT * FROM Shop_Item",
+                      "SELECT FIRST 2 Id, Tags FROM Shop_Item", "SELECT COUNT(Size) AS N FROM Shop_Item",
+                      "SELECT OBJECTPATH(Shop_Item) AS P FROM Shop_Item"):
+            with self.subTest(query=query):
+                expected = self.library(query)
+                self.assertIn(b"<IRETURNVALUE>", expected)
+                self.assertEqual(self.model("-o", "xml", query).raw, expected)
+
+    def test_is_well_formed(self):
+        root = xml.etree.ElementTree.fromstring(self.succeed(self.model("-o", "xml", ALL)))
+        self.assertEqual(root.tag, "IRETURNVALUE")
+        rows = root.findall("TABLE/TABLEROW")
+        self.assertEqual(len(rows), 5)
+        self.assertEqual([cell.text for cell in rows[2]][1], "a \"quoted\" <b> & 'c'")
+        self.assertEqual([cell.tag for cell in rows[3]], ["VALUE"] + ["VALUE.NULL"] * 9)
+
+    def test_format_clause(self):
+        self.assertEqual(self.model(SOME + " FORMAT AS XML").raw, self.library(SOME))
+
+    def test_output_option_wins_over_the_format_clause(self):
+        self.assertEqual(self.succeed(self.model("-o", "csv", "SELECT Id FROM Shop_Item WHERE Id = 1 FORMAT AS XML")),
+                         "Id\n1\n")
+
+    def test_several_statements_are_several_streams(self):
+        one = self.library("SELECT Id FROM Shop_Item")
+        self.assertEqual(self.model("-o", "xml", "SELECT Id FROM Shop_Item; SELECT Id FROM Shop_Item;").raw, one + one)
+
+
+class EveryForm(ToolCase):
+    def row_counts(self, query):
+        table = self.succeed(self.model("-o", "table", query)).splitlines()
+        text = self.succeed(self.model("-o", "csv", query))
+        page = PageReader()
+        page.feed(self.succeed(self.model("-o", "html", query)))
+        stream = xml.etree.ElementTree.fromstring(self.succeed(self.model("-o", "xml", query)))
+        return {"table": len(table) - 2, "csv": len(list(csv.reader(io.StringIO(text)))) - 1,
+                "json": len(json.loads(self.succeed(self.model("-o", "json", query)))), "html": len(page.rows) - 1,
+                "page count": int(page.counts[0].split()[0]), "xml": len(stream.findall("TABLE/TABLEROW"))}
+
+    def test_first_holds_in_all(self):
+        for count in (1, 3):
+            query = f"SELECT FIRST {count} Id, Name FROM Shop_Item ORDER BY Id DESC"
+            self.assertEqual(set(self.row_counts(query).values()), {count}, query)
+            self.assertTrue(self.succeed(self.model("-o", "csv", query)).startswith("Id,Name\n5,"))
+
+    def test_first_beyond_the_end(self):
+        self.assertEqual(set(self.row_counts("SELECT FIRST 99 Id, Name FROM Shop_Item").values()), {5})
+
+    def test_aggregates(self):
+        query = "SELECT COUNT(Size) AS N, MAX(Size) AS M FROM Shop_Item"
+        self.assertEqual(set(self.row_counts(query).values()), {1})
+        self.assertEqual(self.succeed(self.model("-o", "csv", query)), "N,M\n4,18446744073709551615\n")
+        self.assertEqual(json.loads(self.succeed(self.model("-o", "json", query))), [{"N": 4, "M": 2**64 - 1}])
+
+    def test_star_shows_every_property(self):
+        text = self.succeed(self.model("-o", "csv", "SELECT * FROM Shop_Item WHERE Id = 1"))
+        header, row = list(csv.reader(io.StringIO(text)))
+        self.assertEqual([name.split(".")[-1] for name in header],
+                         ["Id", "Name", "Size", "Balance", "Weight", "Sold", "Tags", "Codes", "Made", "Grade"])
+        self.assertEqual(row[:3], ["1", "plain", "18446744073709551615"])
+
+    def test_alias_names_the_column(self):
+        self.assertEqual(self.succeed(self.model("-o", "csv", "SELECT Size + 1 AS Bigger FROM Shop_Item WHERE Id = 3")),
+                         "BIGGER\n43\n")
+
+    def test_the_form_does_not_change_what_is_asked_for(self):
+        calls = set()
+        for form in ("table", "csv", "json", "html", "xml"):
+            result = self.model("-o", form, "--log", "trace", SOME)
+            calls.add("\n".join(line for line in result.err.splitlines() if ": trace: " in line))
+        self.assertEqual(len(calls), 1, calls)
+
+
+if __name__ == "__main__":
+    toolcase.main()

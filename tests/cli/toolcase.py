@@ -1,0 +1,69 @@
+"""What the tests of the tool share: running it, and the model that they query."""
+import os
+import subprocess
+import sys
+import tempfile
+import unittest
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+MODEL = os.path.join(HERE, "model.mof")
+TOOL = None
+STREAM = None  # prints the library's own stream: STREAM MOF QUERY
+
+
+class Result:
+    def __init__(self, done):
+        self.status = done.returncode
+        self.raw = done.stdout
+        self.out = done.stdout.decode("utf-8", "surrogateescape")
+        self.err = done.stderr.decode("utf-8", "surrogateescape")
+
+
+class ToolCase(unittest.TestCase):
+    maxDiff = None
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory(prefix="qorql-cli-")
+        self.addCleanup(folder.cleanup)
+        self.folder = folder.name
+
+    def write(self, name, content):
+        path = os.path.join(self.folder, name)
+        os.makedirs(os.path.dirname(path), exist_ok=True)
+        with open(path, "wb") as file:
+            file.write(content if isinstance(content, bytes) else content.encode("utf-8"))
+        return path
+
+    def run_tool(self, *arguments, stdin=b"", env=None):
+        text = stdin if isinstance(stdin, bytes) else stdin.encode("utf-8")
+        return Result(subprocess.run([TOOL, *arguments], input=text, capture_output=True, timeout=120, env=env,
+                                     check=False))
+
+    def model(self, *arguments, stdin=b""):
+        """Runs over the test model alone."""
+        return self.run_tool("--no-live", "-m", MODEL, *arguments, stdin=stdin)
+
+    def succeed(self, result):
+        self.assertEqual((result.status, result.err), (0, ""))
+        return result.out
+
+    def refused(self, result, status, message):
+        """Ends with the status and exactly this message; nothing but that on standard error."""
+        self.assertEqual(result.err, message + "\n")
+        self.assertEqual(result.status, status)
+
+    def wrong_usage(self, result, *parts):
+        self.assertEqual(result.status, 2, result.err)
+        self.assertEqual(result.out, "")
+        lines = result.err.splitlines()
+        self.assertTrue(lines[0].startswith("qorql: "), result.err)
+        self.assertEqual(lines[-1], "Try qorql --help.")
+        for part in parts:
+            self.assertIn(part, result.err)
+
+
+def main():
+    global TOOL, STREAM
+    TOOL = os.path.abspath(sys.argv[1])
+    STREAM = os.path.abspath(sys.argv[2])
+    unittest.main(module="__main__", argv=[sys.argv[0], *sys.argv[3:]])

@@ -1,0 +1,187 @@
+"""Every option: a good use, a missing argument, a surplus one; unknown options; help and version."""
+import re
+import unittest
+
+import toolcase
+from toolcase import MODEL, ToolCase
+
+QUERY = "SELECT Id FROM Shop_Item WHERE Id < 3 ORDER BY Id ASC"
+CSV = "Id\n1\n2\n"
+
+
+class Help(ToolCase):
+    def test_help_lists_every_option_on_standard_output(self):
+        text = self.succeed(self.run_tool("--help"))
+        for option in ("--mof", "--namespace", "--output", "--file", "--no-live", "--stats", "--config", "--set",
+                       "--quiet", "--log", "--version", "--help", "QUERY"):
+            self.assertIn(option, text)
+        self.assertIn("Exit status: 0 done;", text)
+
+    def test_short_help(self):
+        self.assertEqual(self.succeed(self.run_tool("-h")), self.succeed(self.run_tool("--help")))
+
+    def test_version(self):
+        self.assertRegex(self.succeed(self.run_tool("--version")), r"\Aqorql \d+\.\d+\.\d+\n\Z")
+
+    def test_help_takes_no_argument(self):
+        self.wrong_usage(self.run_tool("--help=yes"))
+
+    def test_help_fits_a_terminal(self):
+        for line in self.succeed(self.run_tool("--help")).splitlines():
+            self.assertLessEqual(len(line), 110, line)
+
+
+class GoodUse(ToolCase):
+    def test_named_command(self):
+        self.assertEqual(self.succeed(self.run_tool("query", "--no-live", "-m", MODEL, "-o", "csv", QUERY)), CSV)
+
+    def test_long_and_short_names(self):
+        short = self.model("-n", "root/cimv2", "-o", "csv", QUERY)
+        long = self.run_tool("--no-live", "--mof", MODEL, "--namespace", "root/cimv2", "--output", "csv", QUERY)
+        self.assertEqual(self.succeed(short), CSV)
+        self.assertEqual(self.succeed(long), CSV)
+
+    def test_options_after_the_query(self):
+        self.assertEqual(self.succeed(self.run_tool(QUERY, "-o", "csv", "--no-live", "-m", MODEL)), CSV)
+
+    def test_mof_is_repeatable_and_leaves_the_query_alone(self):
+        more = self.write("more.mof", "class Shop_More { [Key] uint32 Id; };\ninstance of Shop_More { Id = 9; };\n")
+        result = self.run_tool("--no-live", "-m", MODEL, "-m", more, "-o", "csv", "SELECT Id FROM Shop_More")
+        self.assertEqual(self.succeed(result), "Id\n9\n")
+
+    def test_mof_folder(self):
+        self.write("mof/b.mof", "instance of T { K = 2; };\n")
+        self.write("mof/a.mof", "Qualifier Key : boolean = false, Scope(property, reference), "
+                                "Flavor(DisableOverride, ToSubclass);\nclass T { [Key] uint8 K; };\n")
+        self.write("mof/ignored.txt", "no MOF at all")
+        result = self.run_tool("--no-live", "-m", self.folder + "/mof", "-o", "csv", "SELECT K FROM T")
+        self.assertEqual(self.succeed(result), "K\n2\n")
+
+    def test_namespace_holds_what_mof_declares(self):
+        result = self.run_tool("--no-live", "-m", MODEL, "-n", "root/other", "-o", "csv",
+                               "SELECT OBJECTPATH(Shop_Item) AS P FROM Shop_Item WHERE Id = 4")
+        self.assertEqual(self.succeed(result), "P\nroot/other:Shop_Item.Id=4\n")
+
+    def test_file(self):
+        path = self.write("q.qql", QUERY + ";\n")
+        self.assertEqual(self.succeed(self.model("-o", "csv", "-f", path)), CSV)
+        self.assertEqual(self.succeed(self.model("-o", "csv", "--file", path)), CSV)
+
+    def test_configuration_file_and_setting(self):
+        path = self.write("c.ini", "[ZEMO]\nDisablePreFilter = true\n")
+        self.assertEqual(self.succeed(self.model("-o", "csv", "--config", path, QUERY)), CSV)
+        self.assertEqual(self.succeed(self.model("-o", "csv", "--set", "ZEMO.DisablePreFilter=true", QUERY)), CSV)
+        self.assertEqual(self.succeed(self.model("-o", "csv", "--set", "A.B=", "--set", "A.C=x=y", QUERY)), CSV)
+
+    def test_quiet(self):
+        self.assertEqual(self.succeed(self.model("-o", "csv", "--quiet", QUERY)), CSV)
+
+    def test_log_trace_shows_the_client_calls(self):
+        result = self.model("-o", "csv", "--log", "trace", QUERY)
+        self.assertEqual((result.status, result.out), (0, CSV))
+        self.assertRegex(result.err, r"(?m)^qorql: trace: CQL: .*Shop_Item")
+        for line in result.err.splitlines():
+            self.assertRegex(line, r"^qorql: (fatal|error|warning|info|trace): ")
+
+    def test_log_levels(self):
+        for level in ("fatal", "error", "warning"):
+            self.assertEqual(self.succeed(self.model("-o", "csv", "--log", level, QUERY)), CSV)
+
+    def test_stats(self):
+        result = self.model("-o", "csv", "--stats", QUERY)
+        self.assertEqual((result.status, result.out), (0, CSV))
+        numbers = re.fullmatch(r"qorql: stats: rows=2 instances=(\d+) enumerateInstances=1 associators=0 "
+                               r"getInstance=0 parse=\d+\.\d{3}ms execute=\d+\.\d{3}ms output=\d+\.\d{3}ms\n", result.err)
+        self.assertIsNotNone(numbers, result.err)
+        self.assertEqual(numbers.group(1), "5")
+
+    def test_stats_for_each_statement(self):
+        result = self.model("-o", "csv", "--stats", "SELECT Id FROM Shop_Item; SELECT Id FROM Shop_Empty")
+        self.assertEqual(re.findall(r"rows=(\d+) instances=(\d+) enumerateInstances=(\d+)", result.err),
+                         [("5", "5", "1"), ("0", "0", "1")])
+
+    def test_stats_in_xml(self):
+        result = self.model("-o", "xml", "--stats", QUERY)
+        self.assertIn("rows=2 ", result.err)
+
+
+class WrongUse(ToolCase):
+    def test_unknown_options(self):
+        self.wrong_usage(self.run_tool("--frobnicate"), "--frobnicate")
+        self.wrong_usage(self.run_tool("-Z"), "-Z")
+        self.wrong_usage(self.run_tool(QUERY, "--outputs", "csv"), "--outputs")
+
+    def test_missing_arguments(self):
+        for option in ("-m", "--mof", "-n", "--namespace", "-o", "--output", "-f", "--file", "--config", "--set",
+                       "--log"):
+            with self.subTest(option=option):
+                self.wrong_usage(self.run_tool(option), option.lstrip("-")[:1])
+
+    def test_flags_take_no_argument(self):
+        for option in ("--stats=5", "--quiet=maybe", "--version=1"):
+            with self.subTest(option=option):
+                self.wrong_usage(self.run_tool(option, QUERY))
+
+    def test_surplus_query(self):
+        self.wrong_usage(self.model(QUERY, "SELECT Id FROM Shop_Empty"), "SELECT Id FROM Shop_Empty")
+
+    def test_options_that_may_stand_once(self):
+        path = self.write("q.qql", QUERY)
+        for option, value in (("-n", "a"), ("-o", "csv"), ("-f", path), ("--config", path), ("--log", "info")):
+            with self.subTest(option=option):
+                self.wrong_usage(self.run_tool(option, value, option, value))
+
+    def test_query_and_file(self):
+        path = self.write("q.qql", QUERY)
+        self.wrong_usage(self.model("-f", path, QUERY), "QUERY", "--file")
+
+    def test_missing_file(self):
+        self.wrong_usage(self.model("-f", self.folder + "/none.qql"), "none.qql")
+
+    def test_unknown_form(self):
+        self.wrong_usage(self.model("-o", "yaml", QUERY), "'yaml' is none of csv, html, json, table, xml")
+
+    def test_form_is_case_sensitive_and_not_empty(self):
+        self.wrong_usage(self.model("-o", "CSV", QUERY), "'CSV' is none of")
+        self.wrong_usage(self.model("-o", "", QUERY))
+
+    def test_unknown_log_level(self):
+        self.wrong_usage(self.model("--log", "loud", QUERY), "'loud' is none of error, fatal, info, trace, warning")
+
+    def test_settings_without_form(self):
+        for setting in ("", "ZEMO", "ZEMO.Key", "ZEMO=1", ".Key=1", "ZEMO.=1", "a=b.c"):
+            with self.subTest(setting=setting):
+                self.wrong_usage(self.model("--set", setting, QUERY))
+
+    def test_nothing_is_printed_before_wrong_usage_is_found(self):
+        self.wrong_usage(self.model(QUERY, "--frobnicate"))
+
+
+class PlatformFailure(ToolCase):
+    def failed(self, result, *parts):
+        self.assertEqual((result.status, result.out), (3, ""), result.err)
+        self.assertTrue(result.err.startswith("qorql: error: "), result.err)
+        for part in parts:
+            self.assertIn(part, result.err)
+
+    def test_missing_mof_file(self):
+        self.failed(self.run_tool("-m", self.folder + "/none.mof", QUERY), "none.mof")
+
+    def test_wrong_mof_with_file_and_line(self):
+        path = self.write("bad.mof", "class A {\n  uint32 X\n};\n")
+        self.failed(self.run_tool("-m", path, QUERY), "bad.mof", "3")
+
+    def test_wrong_mof_among_good_ones(self):
+        path = self.write("bad.mof", "instance of Nowhere { };\n")
+        self.failed(self.run_tool("-m", MODEL, "-m", path, QUERY), "bad.mof", "Nowhere")
+
+    def test_missing_configuration(self):
+        self.failed(self.model("--config", self.folder + "/none.ini", QUERY), "none.ini")
+
+    def test_wrong_configuration_with_line(self):
+        path = self.write("bad.ini", "[ZEMO]\nthis is no setting\n")
+        self.failed(self.model("--config", path, QUERY), "bad.ini", "2")
+
+
+if __name__ == "__main__":
+    toolcase.main()

@@ -1,0 +1,77 @@
+// Values of the live providers: points in time in every zone and at every edge.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <limits>
+
+#include "Cimom/Providers/LinuxValues.h"
+#include "ProviderFixture.h"
+
+namespace {
+
+class DateTimeValue : public testing::Test {
+ protected:
+  void useZone(const char* zone) {
+    setenv("TZ", zone, 1);
+    tzset();
+  }
+  void SetUp() override {
+    const char* const zone = getenv("TZ");
+    _hadZone = zone != nullptr;
+    if (_hadZone) _zone = zone;
+  }
+  void TearDown() override {
+    if (_hadZone) {
+      setenv("TZ", _zone.c_str(), 1);
+    } else {
+      unsetenv("TZ");
+    }
+    tzset();
+  }
+
+ private:
+  bool _hadZone = false;
+  std::string _zone;
+};
+
+TEST_F(DateTimeValue, HasTheFormOfCim) {
+  useZone("UTC0");
+  EXPECT_EQ(textOf(dateTimeValue(0, 0)), "19700101000000.000000+000");
+  EXPECT_EQ(textOf(dateTimeValue(1700000000, 123456)), "20231114221320.123456+000");
+  EXPECT_EQ(typeOf(dateTimeValue(0, 0)), "datetime");
+}
+
+TEST_F(DateTimeValue, CarriesMicrosecondsBothWays) {
+  useZone("UTC0");
+  EXPECT_EQ(textOf(dateTimeValue(0, 2500000)), "19700101000002.500000+000");
+  EXPECT_EQ(textOf(dateTimeValue(10, -1)), "19700101000009.999999+000");
+  EXPECT_EQ(textOf(dateTimeValue(10, -1000000)), "19700101000009.000000+000");
+}
+
+TEST_F(DateTimeValue, CountsTheZoneInMinutesEastOfGreenwich) {
+  useZone("XXX-5:30");
+  EXPECT_EQ(textOf(dateTimeValue(0, 0)), "19700101053000.000000+330");
+  useZone("YYY8");
+  EXPECT_EQ(textOf(dateTimeValue(0, 0)), "19691231160000.000000-480");
+}
+
+TEST_F(DateTimeValue, IsNullOutsideTheCalendar) {
+  EXPECT_EQ(textOf(dateTimeValue(std::numeric_limits<QORsint64>::max() / 2, 0)), "(null)");
+  EXPECT_EQ(textOf(dateTimeValue(300000000000, 0)), "(null)");
+}
+
+TEST(LinuxValues, TextIsNullWhenThereIsNone) {
+  EXPECT_EQ(textOf(textOrNull(nullptr)), "(null)");
+  EXPECT_EQ(textOf(textOrNull("")), "(null)");
+  EXPECT_EQ(textOf(textOrNull("x")), "x");
+  EXPECT_EQ(textOf(textValue("")), "");
+}
+
+TEST(LinuxValues, ReadsSmallFilesAndTellsWhyNot) {
+  EXPECT_EQ(readSmallFile("/proc/self/comm").substr(0, 5), "unit_");
+  EXPECT_EQ(errno, 0);
+  EXPECT_EQ(readSmallFile("/nonexistent/file"), "");
+  EXPECT_EQ(errno, ENOENT);
+}
+
+}  // namespace

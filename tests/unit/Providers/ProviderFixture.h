@@ -1,0 +1,43 @@
+// Runs a provider the way the object manager does and keeps what it emits.
+#ifndef QORQL_TESTS_PROVIDERFIXTURE_H
+#define QORQL_TESTS_PROVIDERFIXTURE_H
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "Cimom/Embedded/InstanceProvider.h"
+
+using ProvidedRow = std::vector<QORSmrPtr<IQoriValue>>;
+
+// The rows of a request for the named properties.
+inline std::vector<ProvidedRow> enumerateRows(InstanceProvider& provider, const std::vector<std::string>& properties) {
+  InstanceProvider::Request request;
+  request.nameSpace = "root/cimv2";
+  request.className = provider.getClassName();
+  for (const std::string& property : properties) request.propertyNames.push_back(QORString(property));
+  std::vector<ProvidedRow> rows;
+  provider.enumerate(request, [&](ProvidedRow&& row) { rows.push_back(std::move(row)); });
+  return rows;
+}
+
+// The text of a value; "(null)" for none.
+inline std::string textOf(const QORSmrPtr<IQoriValue>& value) {
+  return value.IsNull() ? "(null)" : std::string(value->toString().view());
+}
+
+inline std::string typeOf(const QORSmrPtr<IQoriValue>& value) {
+  return value.IsNull() ? "(null)" : std::string(value->getType()->getName().view());
+}
+
+// The row whose first value has the given text; an empty row when there is none.
+inline ProvidedRow findRow(const std::vector<ProvidedRow>& rows, const std::string& key) {
+  for (const ProvidedRow& row : rows) {
+    if (textOf(row.at(0)) == key) return row;
+  }
+  return {};
+}
+
+#endif

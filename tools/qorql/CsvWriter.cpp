@@ -1,0 +1,37 @@
+// Results as comma-separated values.
+#include "CsvWriter.h"
+
+#include <ostream>
+
+void CsvWriter::appendField(std::string_view text) {
+  if (text.find_first_of(",\"\r\n") == std::string_view::npos) {
+    _line += text;
+    return;
+  }
+  _line += '"';
+  for (const char byte : text) {
+    if (byte == '"') _line += '"';
+    _line += byte;
+  }
+  _line += '"';
+}
+
+void CsvWriter::begin(const ResultHeading& heading) {
+  _line = _isFirst ? "" : "\n";
+  _isFirst = false;
+  for (std::size_t i = 0; i < heading.columns.size(); ++i) {
+    if (i != 0) _line += ',';
+    appendField(heading.columns[i].name);
+  }
+  _out << _line << '\n';
+}
+
+void CsvWriter::writeRow(ResultRow row) {
+  _line.clear();
+  for (std::size_t i = 0; i < row.size(); ++i) {
+    if (i != 0) _line += ',';
+    if (!row[i].IsNull()) appendField(row[i]->toString().view());
+  }
+  _line += '\n';
+  _out << _line;
+}

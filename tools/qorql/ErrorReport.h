@@ -1,0 +1,16 @@
+// Errors as a person reads them on standard error.
+#ifndef QORQL_TOOL_ERRORREPORT_H
+#define QORQL_TOOL_ERRORREPORT_H
+
+#include "Statements.h"
+
+// Both report the exception that is being handled and return the exit status;
+// call them inside a catch clause.
+
+// `qorql: error: <message> (line N, CIM status S)`; the line counts in the
+// whole text that the statement is part of.
+int reportFailure(const Statement& statement) noexcept;
+// `qorql: error: <message>`: of MOF, configuration or the live classes.
+int reportStartFailure() noexcept;
+
+#endif

@@ -1,0 +1,12 @@
+// How the program ends.
+#ifndef QORQL_TOOL_EXITSTATUS_H
+#define QORQL_TOOL_EXITSTATUS_H
+
+enum ExitStatus {
+  kExitDone = 0,
+  kExitRefused = 1,  // a statement is refused or fails
+  kExitUsage = 2,    // the command line is wrong
+  kExitPlatform = 3  // MOF, configuration or a provider fails
+};
+
+#endif

@@ -1,0 +1,26 @@
+// Results as one HTML page that needs nothing else.
+#ifndef QORQL_TOOL_HTMLWRITER_H
+#define QORQL_TOOL_HTMLWRITER_H
+
+#include <string_view>
+
+#include "ResultWriter.h"
+
+// One page for all results of a run, a section with its query, row count and
+// table for each. Light or dark as the reader's system is.
+class HtmlWriter : public ResultWriter {
+ public:
+  using ResultWriter::ResultWriter;
+  void begin(const ResultHeading& heading) override;
+  void writeRow(ResultRow row) override;
+  void end() override;
+  // Closes the page, if one was begun.
+  void finish() override;
+
+ private:
+  std::vector<ResultColumn> _columns;
+  std::string _line;
+  bool _hasPage = false;
+};
+
+#endif

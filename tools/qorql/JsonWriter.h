@@ -1,0 +1,24 @@
+// Results as JSON.
+#ifndef QORQL_TOOL_JSONWRITER_H
+#define QORQL_TOOL_JSONWRITER_H
+
+#include "ResultWriter.h"
+
+// An array of objects for each result, one object to a line. Numbers are
+// numbers with all their digits, NULL is null, arrays are arrays, booleans are
+// true and false, embedded objects are objects; everything else is its text.
+// Of columns with one name the second is called name_2, and so on.
+class JsonWriter : public ResultWriter {
+ public:
+  using ResultWriter::ResultWriter;
+  void begin(const ResultHeading& heading) override;
+  void writeRow(ResultRow row) override;
+  void end() override;
+
+ private:
+  std::vector<std::string> _keys;  // quoted, with the colon
+  std::string _line;
+  bool _isFirstRow = true;
+};
+
+#endif

@@ -1,0 +1,42 @@
+// Runs one statement after the other and prints each result in the form asked for.
+#ifndef QORQL_TOOL_QUERYRUNNER_H
+#define QORQL_TOOL_QUERYRUNNER_H
+
+#include <iosfwd>
+#include <memory>
+
+#include "QueryOptions.h"
+#include "ResultWriter.h"
+#include "Session.h"
+#include "Statements.h"
+
+// BORROWS everything it is made from.
+class QueryRunner {
+ public:
+  QueryRunner(const QueryOptions& options, Session& session, std::ostream& out)
+      : _options(options), _session(session), _out(out) {}
+
+  // THROWS what the engine and the providers throw.
+  void run(const Statement& statement);
+  // After the last statement: completes the output.
+  void finish();
+
+ private:
+  struct Execution;
+
+  void parse(Execution& execution);
+  void execute(Execution& execution);
+  void print(Execution& execution);
+  void printStatistics(const Execution& execution);
+  OutputForm formOf(const Execution& execution) const;
+  // The writer of a form; a writer of another form is finished first.
+  ResultWriter& writerOf(OutputForm form);
+
+  const QueryOptions& _options;
+  Session& _session;
+  std::ostream& _out;
+  std::unique_ptr<ResultWriter> _writer;
+  OutputForm _writerForm = OutputForm::Table;
+};
+
+#endif
