@@ -60,7 +60,8 @@ class QORValSlist {
   void prepend(const T& value) { linkBefore(_head, new Item(value)); }
   // `index` equal to entries() appends. THROWS QORBoundsException past that.
   void insertAt(QORuint32 index, const T& value) {
-    linkBefore(index == _entries ? nullptr : _advanceTo(index), new Item(value));
+    Item* const place = index == _entries ? nullptr : _advanceTo(index);
+    linkBefore(place, new Item(value));
   }
   // Inserts before the first value that must follow it in the list's order; appends when unsorted.
   void addSorted(const T& value) {
