@@ -1,0 +1,75 @@
+"""Proves that the documentation's checks find what they look for."""
+import os
+import sys
+import tempfile
+import types
+import unittest
+
+import check_rules
+import markdown
+import run_examples
+
+DOCUMENT = "**[A-1]** One rule.\n\n| **[A-2]** | another, see [A-1] |\n"
+
+
+class CheckRules(unittest.TestCase):
+    def run_on(self, files):
+        with tempfile.TemporaryDirectory() as root:
+            for path, text in files.items():
+                os.makedirs(os.path.dirname(os.path.join(root, path)), exist_ok=True)
+                with open(os.path.join(root, path), "w", encoding="utf-8") as out:
+                    out.write(text)
+            return list(check_rules.check(root))
+
+    def test_cited_rules_pass(self):
+        files = {"docs/language.md": DOCUMENT, "tests/queries/a.qtest": "rule: A-1\n", "tests/u/b.cpp": "  // rule: A-2\n"}
+        self.assertEqual(self.run_on(files), [])
+
+    def test_a_rule_without_test_is_found(self):
+        found = self.run_on({"docs/language.md": DOCUMENT, "tests/queries/a.qtest": "rule: A-1\n"})
+        self.assertEqual(len(found), 1)
+        self.assertIn("docs/language.md:3: no test names A-2", found[0])
+
+    def test_an_unknown_citation_is_found(self):
+        found = self.run_on({"docs/language.md": DOCUMENT, "tests/queries/a.qtest": "rule: A-1, A-2, A-3\n"})
+        self.assertEqual(found, ["tests/queries/a.qtest:1: A-3 is no rule of docs/language.md"])
+
+    def test_an_unknown_mention_and_a_double_definition_are_found(self):
+        text = DOCUMENT + "**[A-1]** again, see [B-1]\n"
+        found = self.run_on({"docs/language.md": text, "tests/queries/a.qtest": "rule: A-1, A-2\n"})
+        self.assertEqual(len(found), 2)
+        self.assertIn("A-1 is defined twice", found[0])
+        self.assertIn("B-1 is not defined", found[1])
+
+
+def ran(status, out, err):
+    return types.SimpleNamespace(returncode=status, stdout=out, stderr=err)
+
+
+class RunExamples(unittest.TestCase):
+    def block(self, kind, text):
+        return markdown.Block(1, kind, [], text)
+
+    def test_only_the_exact_result_passes(self):
+        query, answer = self.block("query", "SELECT 1\n"), self.block("result", "a\n1\n")
+        self.assertIsNone(run_examples.compare(query, answer, ran(0, b"a\n1\n", b"")))
+        self.assertIn("expected", run_examples.compare(query, answer, ran(0, b"a\n2\n", b"")))
+        self.assertIn("exit status 1", run_examples.compare(query, answer, ran(1, b"a\n1\n", b"no")))
+
+    def test_an_error_needs_its_status_and_its_text(self):
+        query, answer = self.block("query", "SELECT\n"), self.block("error", "no such\n")
+        self.assertIsNone(run_examples.compare(query, answer, ran(1, b"", b"qorql: no such thing\n")))
+        self.assertIn("expected", run_examples.compare(query, answer, ran(0, b"", b"no such\n")))
+        self.assertIn("expected", run_examples.compare(query, answer, ran(1, b"", b"other\n")))
+
+    def test_a_query_without_result_is_refused(self):
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder, "a.md")
+            with open(path, "w", encoding="utf-8") as out:
+                out.write("```query\nSELECT\n```\n```query\nSELECT\n```\n")
+            with self.assertRaises(ValueError):
+                list(run_examples.pairs(path))
+
+
+if __name__ == "__main__":
+    sys.exit(unittest.main())
