@@ -5,8 +5,10 @@ import tempfile
 import types
 import unittest
 
+import check_guide
 import check_rules
 import markdown
+import run_commands
 import run_examples
 
 DOCUMENT = "**[A-1]** One rule.\n\n| **[A-2]** | another, see [A-1] |\n"
@@ -69,6 +71,31 @@ class RunExamples(unittest.TestCase):
                 out.write("```query\nSELECT\n```\n```query\nSELECT\n```\n")
             with self.assertRaises(ValueError):
                 list(run_examples.pairs(path))
+
+    def test_only_commands_of_shell_blocks_are_taken(self):
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder, "a.md")
+            with open(path, "w", encoding="utf-8") as out:
+                out.write("./qorql no\n```sh\n./qorql 'a'\nls\n```\n```text\n./qorql no\n```\n")
+            self.assertEqual(list(run_commands.commands(path)), [(3, "./qorql 'a'")])
+
+
+class CheckGuide(unittest.TestCase):
+    def check(self, text):
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder, "guide.md")
+            with open(path, "w", encoding="utf-8") as out:
+                out.write(text)
+            return list(check_guide.check(path, "int a;\nint b;\n", "done\n"))
+
+    def test_the_programs_own_code_and_output_pass(self):
+        self.assertEqual(self.check("```cpp\nint b;\n```\n```output\ndone\n```\n"), [])
+
+    def test_other_code_and_other_output_are_found(self):
+        found = self.check("```cpp\nint c;\n```\n```output\nfailed\n```\n")
+        self.assertEqual(len(found), 2)
+        self.assertIn("guide.md:1: this code does not stand in the program", found[0])
+        self.assertIn("guide.md:4: the program prints:\ndone", found[1])
 
 
 if __name__ == "__main__":
