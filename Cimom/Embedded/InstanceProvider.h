@@ -5,11 +5,12 @@
 #include <functional>
 #include <vector>
 
+#include "cimom/IQoriInstanceName.h"
 #include "cimom/IQoriValue.h"
 #include "cimom/QoriTransactionInfo.h"
 #include "cmpbase.h"
 
-// One instance as a provider fills it: values by the positions of the class's
+// Answers for the instances of one class: values by the positions of the
 // properties that the request names.
 class InstanceProvider {
  public:
@@ -20,6 +21,7 @@ class InstanceProvider {
     QORString className;
     std::vector<QORString> propertyNames;
     QORSmrPtr<QoriTransactionInfo> transaction;  // null: no query behind the call
+    QORSmrPtr<IQoriInstanceName> only;           // not null: this instance alone is wanted; others may come too
     // Whether the property is asked for (ignoring case).
     bool needs(const char* propertyName) const;
   };

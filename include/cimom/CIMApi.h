@@ -33,7 +33,8 @@ class CIMApi {
                                const QORSmrPtr<QoriTransactionInfo>& transaction);
   // The instances that an association of the given class (an empty name: any)
   // ties to the source, restricted to the result class (empty: any). Null for
-  // an unknown class or namespace, or a null source.
+  // an unknown class or namespace, or a null source. All calls on one client
+  // object see the live instances as its first call found them.
   Instances associators(const QORString& nameSpace, const QORSmrPtr<IQoriInstanceName>& source,
                         const QORString& associationClass, const QORString& resultClass,
                         const PropertyNames& properties, int timeout, const QORString& role,
@@ -42,6 +43,10 @@ class CIMApi {
   QORSmrPtr<IQoriObject> getInstance(const QORString& nameSpace, const QORSmrPtr<IQoriInstanceName>& name,
                                      const PropertyNames& properties, int timeout, const char* user,
                                      const char* password, const char* host);
+
+ private:
+  struct Live;
+  Live* _live = nullptr;  // OWNS: the live instances that associators has read
 };
 
 #endif

@@ -1,0 +1,148 @@
+// First, under one lock, the stored associations that the index gives for the
+// source and the stored objects at their ends; then, without the lock, what
+// providers serve: live associations, and live objects at the ends of either.
+#include "Cimom/Embedded/AssociationWalk.h"
+
+namespace embedded {
+
+namespace {
+
+bool isAnyOr(const QORString& wanted, const QORString& name) noexcept {
+  return wanted.isEmpty() || wanted.isEqualCaseInsensitive(name);
+}
+
+QORSmrPtr<IQoriInstanceName> referenceAt(const IQoriObject& object, QORuint32 position) {
+  const QORSmrPtr<IQoriValue> value = object.getValueAt(position);
+  return value.IsNull() ? QORSmrPtr<IQoriInstanceName>() : value->getReference();
+}
+
+}  // namespace
+
+CIMApi::Instances AssociationWalk::run() {
+  {
+    const std::shared_lock<std::shared_mutex> lock(_store.mutex());
+    if (!resolveClasses()) return {};
+    walkStored();
+    resolveStored();
+  }
+  walkLive();
+  if (_resolved < _ends.size()) {
+    const std::shared_lock<std::shared_mutex> lock(_store.mutex());
+    resolveStored();
+  }
+  return collect();
+}
+
+bool AssociationWalk::resolveClass(const QORString& name, const ClassEntry*& entry) const {
+  if (name.isEmpty()) return true;
+  entry = ObjectStore::findClass(*_space, name, View::Committed);
+  return entry != nullptr;
+}
+
+bool AssociationWalk::resolveClasses() {
+  _space = _store.findNameSpace(_request.nameSpace, View::Committed);
+  if (_space == nullptr) return false;
+  if (!resolveClass(_request.associationClass, _associationEntry)) return false;
+  if (!resolveClass(_request.resultClass, _resultEntry)) return false;
+  for (const LiveSource& source : _space->sources) {
+    const bool isWanted = _associationEntry == nullptr || source.entry->isA(*_associationEntry);
+    if (isWanted && source.entry->model->isAssociation()) _liveAssociations.push_back(source);
+  }
+  return true;
+}
+
+void AssociationWalk::walkStored() {
+  _sourcePath = _request.source->toString();
+  if (_space->instances.find(_sourcePath.view()) == nullptr) {
+    const QORSmrPtr<IQoriInstanceName> canonical =
+        _store.canonicalName(_space->name, *_request.source, View::Committed);
+    if (!canonical.IsNull()) _sourcePath = canonical->toString();
+  }
+  const Extent* const associations = _space->instances.referringTo(_sourcePath.view());
+  if (associations == nullptr) return;
+  associations->forEach([this](const StoredInstance& association) {
+    if (association.isPending) return;
+    if (_associationEntry != nullptr && !association.entry->isA(*_associationEntry)) return;
+    meetEnds(*association.entry->model, *association.object);
+  });
+}
+
+void AssociationWalk::walkLive() {
+  for (const LiveSource& source : _liveAssociations) {
+    const auto* const associations = _live.referringTo(_store, source, _sourcePath.view());
+    if (associations == nullptr) continue;
+    for (const QORSmrPtr<IQoriObject>& association : *associations) meetEnds(*source.entry->model, *association);
+  }
+}
+
+void AssociationWalk::meetEnds(const CQoriClass& association, const IQoriObject& object) {
+  for (const QORuint32 position : association.referencePositions()) {
+    if (!isAnyOr(_request.role, association.shape()->layout->getName(position))) continue;
+    const QORSmrPtr<IQoriInstanceName> name = referenceAt(object, position);
+    if (!name.IsNull() && name->toString() == _sourcePath) meetOtherEnds(association, object, position);
+  }
+}
+
+void AssociationWalk::meetOtherEnds(const CQoriClass& association, const IQoriObject& object,
+                                    QORuint32 sourcePosition) {
+  for (const QORuint32 position : association.referencePositions()) {
+    if (position == sourcePosition) continue;
+    if (!isAnyOr(_request.resultRole, association.shape()->layout->getName(position))) continue;
+    const QORSmrPtr<IQoriInstanceName> name = referenceAt(object, position);
+    if (name.IsNull()) continue;
+    const QORString path = name->toString();
+    if (_met.emplace(path.view()).second) _ends.push_back({name, path, nullptr, {}});
+  }
+}
+
+void AssociationWalk::resolveStored() {
+  for (; _resolved < _ends.size(); ++_resolved) {
+    End& end = _ends[_resolved];
+    const NameSpace* const space =
+        _store.findNameSpace(end.name->getNameSpacePath()->getNameSpace(), View::Committed);
+    if (space == nullptr) continue;
+    const StoredInstance* const stored = space->instances.find(end.path.view());
+    if (stored == nullptr || stored->isPending) continue;
+    end.entry = stored->entry;
+    end.object = stored->object;
+  }
+}
+
+bool AssociationWalk::isResult(const ClassEntry& entry) const {
+  for (const ClassEntry* at = &entry; at != nullptr; at = at->superClass) {
+    if (_resultEntry == nullptr || at->name().isEqualCaseInsensitive(_resultEntry->name())) return true;
+  }
+  return false;
+}
+
+QORSmrPtr<IQoriObject> AssociationWalk::findLive(const End& end) {
+  LiveSource source;
+  {
+    const std::shared_lock<std::shared_mutex> lock(_store.mutex());
+    const NameSpace* const space =
+        _store.findNameSpace(end.name->getNameSpacePath()->getNameSpace(), View::Committed);
+    if (space == nullptr) return {};
+    const ClassEntry* const entry = ObjectStore::findClass(*space, end.name->getClassName(), View::Committed);
+    for (const LiveSource& candidate : space->sources) {
+      if (candidate.entry == entry) source = candidate;
+    }
+  }
+  if (source.provider == nullptr || !isResult(*source.entry)) return {};
+  const QORSmrPtr<IQoriObject> object = _live.find(_store, source, _request.names, end.path.view());
+  return object.IsNull() ? object : _restrictor.apply(*source.entry->model, object);
+}
+
+CIMApi::Instances AssociationWalk::collect() {
+  const CIMApi::Instances found(new QORValSlist<QORSmrPtr<IQoriObject>>);
+  for (const End& end : _ends) {
+    if (end.object.IsNull()) {
+      const QORSmrPtr<IQoriObject> live = findLive(end);
+      if (!live.IsNull()) found->append(live);
+    } else if (isResult(*end.entry)) {
+      found->append(_restrictor.apply(*end.entry->model, end.object));
+    }
+  }
+  return found;
+}
+
+}  // namespace embedded

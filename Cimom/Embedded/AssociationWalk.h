@@ -1,0 +1,73 @@
+// From an instance, through associations, to the instances at their other ends.
+#ifndef QORQL_EMBEDDED_ASSOCIATIONWALK_H
+#define QORQL_EMBEDDED_ASSOCIATIONWALK_H
+
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+#include "Cimom/Embedded/LiveSnapshot.h"
+#include "Cimom/Embedded/ObjectStore.h"
+#include "Cimom/Embedded/Restrictor.h"
+#include "cimom/CIMApi.h"
+
+namespace embedded {
+
+// What to walk; empty names stand for any.
+struct AssociationRequest {
+  QORString nameSpace;
+  QORSmrPtr<IQoriInstanceName> source;
+  QORString associationClass;
+  QORString resultClass;
+  CIMApi::PropertyNames names;  // null: all properties
+  QORString role;               // the reference property that holds the source
+  QORString resultRole;         // the reference property that holds the result
+};
+
+// One walk; its cost follows the number of associations of the source, not the
+// number of instances. The stored part is one consistent state.
+class AssociationWalk {
+ public:
+  AssociationWalk(const ObjectStore& store, LiveSnapshot& live, const AssociationRequest& request)
+      : _store(store), _live(live), _request(request), _restrictor(request.names) {}
+
+  // Null for an unknown namespace or class. THROWS CQoriProviderException.
+  CIMApi::Instances run();
+
+ private:
+  // An end that has been met, in order; its object is known when it is stored.
+  struct End {
+    QORSmrPtr<IQoriInstanceName> name;
+    QORString path;
+    const ClassEntry* entry = nullptr;  // BORROWS; null: not stored
+    QORSmrPtr<IQoriObject> object;
+  };
+
+  bool resolveClasses();
+  bool resolveClass(const QORString& name, const ClassEntry*& entry) const;
+  void walkStored();
+  void walkLive();
+  void meetEnds(const CQoriClass& association, const IQoriObject& object);
+  void meetOtherEnds(const CQoriClass& association, const IQoriObject& object, QORuint32 sourcePosition);
+  bool isResult(const ClassEntry& entry) const;
+  void resolveStored();
+  CIMApi::Instances collect();
+  QORSmrPtr<IQoriObject> findLive(const End& end);
+
+  const ObjectStore& _store;
+  LiveSnapshot& _live;
+  const AssociationRequest& _request;
+  Restrictor _restrictor;
+  const NameSpace* _space = nullptr;               // BORROWS
+  const ClassEntry* _associationEntry = nullptr;   // BORROWS; null: any
+  const ClassEntry* _resultEntry = nullptr;        // BORROWS; null: any
+  QORString _sourcePath;
+  std::vector<LiveSource> _liveAssociations;
+  std::vector<End> _ends;
+  std::size_t _resolved = 0;  // ends before this one have been looked up in the store
+  std::unordered_set<std::string> _met;
+};
+
+}  // namespace embedded
+
+#endif

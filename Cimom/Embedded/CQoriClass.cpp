@@ -1,0 +1,172 @@
+// Working out a class: properties keep the positions that the superclass gave
+// them, so that one position serves a class and all its subclasses' own fields
+// follow; a declaration of the same name replaces the inherited one in place.
+#include "Cimom/Embedded/CQoriClass.h"
+
+#include <algorithm>
+
+#include "Cimom/Embedded/DeclarationHelpers.h"
+#include "Cimom/Embedded/NameMap.h"
+#include "Cimom/Embedded/RepositoryError.h"
+#include "cimom/CQoriType.h"
+
+using embedded::CimStatus;
+using embedded::refuse;
+
+namespace {
+
+// Qualifiers of the metamodel whose inheritance does not depend on how (or
+// whether) a schema declares them.
+bool isAlwaysInherited(const QORString& name) noexcept {
+  const auto is = [&name](const char* other) { return QORString::equalIgnoringCase(name.view(), other); };
+  return is("Key") || is("Association") || is("Indication");
+}
+
+bool isNeverInherited(const QORString& name) noexcept {
+  const auto is = [&name](const char* other) { return QORString::equalIgnoringCase(name.view(), other); };
+  return is("Abstract") || is("Override");
+}
+
+bool reachesSubclasses(const CimQualifier& qualifier) noexcept {
+  return !isNeverInherited(qualifier.name) && (qualifier.toSubclass || isAlwaysInherited(qualifier.name));
+}
+
+// Adds those that reach subclasses and are not declared anew.
+void inheritQualifiers(std::vector<CimQualifier>& own, const std::vector<CimQualifier>& inherited) {
+  const std::size_t ownCount = own.size();
+  for (const CimQualifier& qualifier : inherited) {
+    const bool isDeclaredAnew = std::any_of(own.begin(), own.begin() + static_cast<std::ptrdiff_t>(ownCount),
+                                            [&](const CimQualifier& mine) {
+                                              return mine.name.isEqualCaseInsensitive(qualifier.name);
+                                            });
+    if (reachesSubclasses(qualifier) && !isDeclaredAnew) own.push_back(qualifier);
+  }
+}
+
+void dropRestricted(std::vector<CimQualifier>& qualifiers) {
+  std::erase_if(qualifiers, [](const CimQualifier& qualifier) { return !reachesSubclasses(qualifier); });
+}
+
+bool isReference(const CimPropertyDeclaration& property) noexcept {
+  return property.type->getName() == CQoriType::reference->getName();
+}
+
+}  // namespace
+
+CQoriClass::CQoriClass(const QORString& nameSpace, const CimClassDeclaration& declaration, const CQoriClass* superClass)
+    : _declaration(declaration), _qualifiersInForce(declaration.qualifiers) {
+  if (superClass != nullptr) inheritFrom(*superClass);
+  addQualifiers();
+  addOwnProperties();
+  finish(nameSpace);
+}
+
+CQoriClass::~CQoriClass() = default;
+
+void CQoriClass::inheritFrom(const CQoriClass& superClass) {
+  if (superClass._depth + 1 > kMaximumDepth) {
+    refuse(CimStatus::InvalidSuperclass, {"class ", getClassName().view(), ": inheritance is nested too deeply"});
+  }
+  _depth = superClass._depth + 1;
+  _declaration.superClass = superClass.getClassName();
+  _properties = superClass._properties;
+  for (CimPropertyDeclaration& property : _properties) dropRestricted(property.qualifiers);
+  inheritQualifiers(_qualifiersInForce, superClass._qualifiersInForce);
+}
+
+void CQoriClass::addQualifiers() {
+  for (const CimQualifier& qualifier : _qualifiersInForce) _qualifiers.emplace_back(qualifier);
+  _isAssociation = embedded::hasFlag(_qualifiersInForce, "Association");
+  _isAbstract = embedded::hasFlag(_declaration.qualifiers, "Abstract");
+}
+
+void CQoriClass::checkProperty(const CimPropertyDeclaration& declared) const {
+  const std::string_view className = getClassName().view();
+  const std::string_view name = declared.name.view();
+  if (declared.name.isEmpty()) refuse(CimStatus::InvalidParameter, {"class ", className, ": a property has no name"});
+  if (declared.type.IsNull()) {
+    refuse(CimStatus::TypeMismatch, {"class ", className, ": property ", name, " has no type"});
+  }
+  if (isReference(declared) && !_isAssociation) {
+    refuse(CimStatus::InvalidParameter, {"class ", className, ": reference ", name, " outside an association"});
+  }
+  if (declared.defaultValue.IsNull()) return;
+  const IQoriType& given = *declared.defaultValue->getType();
+  if (!embedded::sameType(given, *embedded::typeInInstances(declared))) {
+    refuse(CimStatus::TypeMismatch, {"class ", className, ": property ", name, " is ",
+                                     embedded::typeText(*declared.type).view(), ", its default value is ",
+                                     embedded::typeText(given).view()});
+  }
+}
+
+void CQoriClass::addOwnProperties() {
+  embedded::NameMap<std::size_t> positions;
+  for (const CimPropertyDeclaration& property : _properties) {
+    positions.emplace(property.name.view(), positions.size());
+  }
+  _isOwn.assign(_properties.size(), false);
+  for (const CimPropertyDeclaration& declared : _declaration.properties) {
+    checkProperty(declared);
+    const auto [found, isNew] = positions.emplace(declared.name.view(), _properties.size());
+    if (isNew) {
+      _properties.push_back(declared);
+      _isOwn.push_back(true);
+      continue;
+    }
+    if (_isOwn[found->second]) {
+      refuse(CimStatus::AlreadyExists,
+             {"class ", getClassName().view(), ": property ", declared.name.view(), " is declared twice"});
+    }
+    overrideProperty(_properties[found->second], declared);
+    _isOwn[found->second] = true;
+  }
+}
+
+void CQoriClass::overrideProperty(CimPropertyDeclaration& inherited, const CimPropertyDeclaration& declared) const {
+  if (!embedded::sameType(*inherited.type, *declared.type)) {
+    refuse(CimStatus::TypeMismatch,
+           {"class ", getClassName().view(), ": property ", declared.name.view(), " is redeclared as ",
+            embedded::typeText(*declared.type).view(), ", it is inherited as ",
+            embedded::typeText(*inherited.type).view()});
+  }
+  CimPropertyDeclaration effective = declared;
+  if (effective.defaultValue.IsNull()) effective.defaultValue = inherited.defaultValue;
+  inheritQualifiers(effective.qualifiers, inherited.qualifiers);
+  inherited = std::move(effective);
+}
+
+void CQoriClass::finish(const QORString& nameSpace) {
+  std::vector<ModelLayout::Column> columns;
+  columns.reserve(_properties.size());
+  std::vector<QORuint32> keyPositions;
+  for (const CimPropertyDeclaration& property : _properties) {
+    const QORuint32 position = static_cast<QORuint32>(columns.size());
+    const QORSmrPtr<IQoriType> type = embedded::typeInInstances(property);
+    columns.push_back({property.name, type});
+    _propertyViews.emplace_back(property.name, type, property.defaultValue);
+    if (property.hasFlag("Key")) keyPositions.push_back(position);
+    if (isReference(property) && !property.type->isArray()) _referencePositions.push_back(position);
+  }
+  const QORSmrPtr<ModelLayout> layout(new ModelLayout(columns));
+  _shape = QORSmrPtr<ModelShape>(new ModelShape{nameSpace, _declaration.name, layout, std::move(keyPositions)});
+}
+
+bool CQoriClass::isKey(QORuint32 position) const noexcept {
+  const std::vector<QORuint32>& keys = keyPositions();
+  return std::find(keys.begin(), keys.end(), position) != keys.end();
+}
+
+const IQoriQualifier* CQoriClass::getQualifier(const QORString& name, bool includeInherited) const noexcept {
+  const std::size_t count = includeInherited ? _qualifiers.size() : _declaration.qualifiers.size();
+  for (std::size_t i = 0; i < count; ++i) {
+    if (_qualifiers[i].getName().isEqualCaseInsensitive(name)) return &_qualifiers[i];
+  }
+  return nullptr;
+}
+
+const IQoriProperty* CQoriClass::getProperty(const QORString& name, bool includeInherited) const noexcept {
+  const QORsint32 found = position(name);
+  if (found < 0) return nullptr;
+  const std::size_t at = static_cast<std::size_t>(found);
+  return includeInherited || _isOwn[at] ? &_propertyViews[at] : nullptr;
+}

@@ -1,0 +1,31 @@
+// Questions about declarations that the class repository asks in several places.
+#ifndef QORQL_EMBEDDED_DECLARATIONHELPERS_H
+#define QORQL_EMBEDDED_DECLARATIONHELPERS_H
+
+#include <string_view>
+#include <vector>
+
+#include "Cimom/Embedded/CimDeclarations.h"
+
+namespace embedded {
+
+// BORROWS: the qualifier, ignoring case; null when absent.
+const CimQualifier* findQualifier(const std::vector<CimQualifier>& qualifiers, std::string_view name) noexcept;
+// A boolean qualifier that is present and not FALSE.
+bool hasFlag(const std::vector<CimQualifier>& qualifiers, std::string_view name) noexcept;
+
+// Whether two declarations say the same: names ignore case, everything else counts.
+bool sameDeclaration(const CimClassDeclaration& a, const CimClassDeclaration& b);
+bool sameDeclaration(const CimQualifierDeclaration& a, const CimQualifierDeclaration& b);
+
+bool sameType(const IQoriType& a, const IQoriType& b) noexcept;
+// For messages: "uint32", "string[]".
+QORString typeText(const IQoriType& type);
+
+// The type that instances show: "object" for a string that is declared to hold
+// an embedded object, otherwise the declared one.
+QORSmrPtr<IQoriType> typeInInstances(const CimPropertyDeclaration& property);
+
+}  // namespace embedded
+
+#endif

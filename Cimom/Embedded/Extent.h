@@ -1,0 +1,58 @@
+// The stored instances of a class, or those that refer to an instance, in the
+// order in which they were created.
+#ifndef QORQL_EMBEDDED_EXTENT_H
+#define QORQL_EMBEDDED_EXTENT_H
+
+#include <algorithm>
+#include <cstddef>
+#include <vector>
+
+#include "cimom/IQoriObject.h"
+#include "cmpbase.h"
+
+namespace embedded {
+
+struct ClassEntry;
+
+// One stored instance. A change replaces the object; its place in the order stays.
+struct StoredInstance {
+  QORSmrPtr<IQoriObject> object;
+  ClassEntry* entry = nullptr;  // BORROWS
+  QORString path;
+  QORuint64 sequence = 0;
+  bool isPending = false;  // created by a load that has not been committed
+};
+
+// Sorted by sequence. Appending is O(1), removing O(log n) and, over many
+// removals, O(1) moved elements each: a removed instance leaves a gap until
+// half of the slots are gaps. Not synchronised.
+class Extent {
+ public:
+  // Does nothing when the instance is there already.
+  void insert(StoredInstance& instance);
+  // Does nothing when it is not there.
+  void remove(const StoredInstance& instance) noexcept;
+  std::size_t size() const noexcept { return _size; }
+
+  template <class Visit>
+  void forEach(Visit&& visit) const {
+    for (const Slot& slot : _slots) {
+      if (slot.instance != nullptr) visit(*slot.instance);
+    }
+  }
+
+ private:
+  struct Slot {
+    QORuint64 sequence;
+    StoredInstance* instance;  // BORROWS; null marks a gap
+  };
+  std::vector<Slot>::iterator lowerBound(QORuint64 sequence) noexcept;
+  void closeGaps() noexcept;
+
+  std::vector<Slot> _slots;
+  std::size_t _size = 0;
+};
+
+}  // namespace embedded
+
+#endif

@@ -1,0 +1,64 @@
+// The stored instances of one namespace, by path, by class and by what they refer to.
+#ifndef QORQL_EMBEDDED_INSTANCETABLE_H
+#define QORQL_EMBEDDED_INSTANCETABLE_H
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "Cimom/Embedded/CQoriClass.h"
+#include "Cimom/Embedded/Extent.h"
+
+namespace embedded {
+
+// A declared class and the instances of it and its subclasses.
+struct ClassEntry {
+  QORSmrPtr<IQoriClass> handle;  // what the repository hands out; the same object as `model`
+  const CQoriClass* model = nullptr;
+  ClassEntry* superClass = nullptr;  // BORROWS
+  Extent extent;                     // subclass instances included
+  QORuint64 version = 0;             // changes with what queries see of the extent
+  bool isPending = false;            // declared by a load that has not been committed
+
+  const QORString& name() const noexcept { return model->getClassName(); }
+  // Whether this is the other class or a subclass of it.
+  bool isA(const ClassEntry& other) const noexcept;
+};
+
+// Lets maps with text keys be asked with a view.
+struct PathHash {
+  using is_transparent = void;
+  std::size_t operator()(std::string_view path) const noexcept { return std::hash<std::string_view>()(path); }
+};
+
+// Not synchronised; the object store's lock guards it.
+class InstanceTable {
+ public:
+  // BORROWS: null when there is none of that canonical path.
+  StoredInstance* find(std::string_view path) const noexcept;
+  // REQUIRES a path that find() does not know. Leaves everything as it was when it throws.
+  StoredInstance& insert(ClassEntry& entry, const QORSmrPtr<IQoriObject>& object, const QORString& path,
+                         QORuint64 sequence, bool isPending);
+  // Puts another object of the same class and path in the place of the old one.
+  void replace(StoredInstance& instance, const QORSmrPtr<IQoriObject>& object);
+  void remove(StoredInstance& instance) noexcept;
+  // Makes a pending instance visible to queries.
+  static void publish(StoredInstance& instance) noexcept;
+  // BORROWS: the associations that refer to the path; null when there are none.
+  const Extent* referringTo(std::string_view path) const noexcept;
+
+ private:
+  void addReferences(StoredInstance& instance);
+  void removeReferences(const StoredInstance& instance) noexcept;
+  static void touch(ClassEntry* entry) noexcept;
+
+  // Keys are views of the instances' own path texts.
+  std::unordered_map<std::string_view, std::unique_ptr<StoredInstance>> _byPath;
+  std::unordered_map<std::string, Extent, PathHash, std::equal_to<>> _referring;
+};
+
+}  // namespace embedded
+
+#endif

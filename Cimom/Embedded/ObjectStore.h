@@ -1,0 +1,107 @@
+// Namespaces with their classes, qualifiers, instances and live sources, and
+// the lock that lets queries run while they change.
+#ifndef QORQL_EMBEDDED_OBJECTSTORE_H
+#define QORQL_EMBEDDED_OBJECTSTORE_H
+
+#include <memory>
+#include <shared_mutex>
+#include <utility>
+#include <vector>
+
+#include "Cimom/Embedded/CimDeclarations.h"
+#include "Cimom/Embedded/InstanceProvider.h"
+#include "Cimom/Embedded/InstanceTable.h"
+#include "Cimom/Embedded/NameMap.h"
+
+namespace embedded {
+
+// Who looks: queries see what has been committed, a loader its own pending work too.
+enum class View { Committed, Loader };
+
+// A provider and the class that it serves.
+struct LiveSource {
+  const ClassEntry* entry = nullptr;  // BORROWS
+  std::shared_ptr<InstanceProvider> provider;
+};
+
+struct NameSpace {
+  QORString name;
+  NameMap<CimQualifierDeclaration> qualifiers;
+  std::vector<std::unique_ptr<ClassEntry>> classes;  // in declaration order
+  NameMap<ClassEntry*> classIndex;
+  InstanceTable instances;
+  std::vector<LiveSource> sources;  // in registration order
+  bool isPending = false;           // created by a load that has not been committed
+};
+
+// Committed namespaces and classes are never removed, so that what is borrowed
+// of them stays valid while the store lives; instances are borrowed under the
+// lock only. Operations REQUIRE the lock: shared for look-ups, exclusive for
+// changes. Refusals THROW QoriBaseException (type "CIM_Repository").
+class ObjectStore {
+ public:
+  std::shared_mutex& mutex() const noexcept { return _mutex; }
+
+  // BORROW: null when there is none.
+  NameSpace* findNameSpace(const QORString& name, View view) const noexcept;
+  ClassEntry* findClass(const QORString& nameSpace, const QORString& className, View view) const noexcept;
+  static ClassEntry* findClass(const NameSpace& space, const QORString& className, View view) noexcept;
+  StoredInstance* findInstance(const QORString& nameSpace, const IQoriInstanceName& name, View view) const;
+  const std::vector<std::unique_ptr<NameSpace>>& nameSpaces() const noexcept { return _nameSpaces; }
+
+  // The name in the repository's spelling of namespace, class and keys, with
+  // the given namespace when it has none. Null when it names no class or not
+  // exactly the class's keys.
+  QORSmrPtr<IQoriInstanceName> canonicalName(const QORString& nameSpace, const IQoriInstanceName& name,
+                                             View view) const;
+  // A reference value whose name is canonical, as far as its class is known.
+  QORSmrPtr<IQoriValue> canonicalReference(const QORString& nameSpace, const QORSmrPtr<IQoriValue>& value,
+                                           View view) const;
+
+  void createNameSpace(const QORString& name, View view);
+  void declareQualifier(const QORString& nameSpace, const CimQualifierDeclaration& declaration, View view);
+  void declareClass(const QORString& nameSpace, const CimClassDeclaration& declaration, View view);
+  // REQUIRES a provider of the class.
+  void addSource(const QORString& nameSpace, const QORString& className, std::shared_ptr<InstanceProvider> provider);
+  StoredInstance& createInstance(const QORString& nameSpace, const CimInstanceDeclaration& declaration, View view);
+  QORSmrPtr<IQoriObject> makeObject(const QORString& nameSpace, const CimInstanceDeclaration& declaration,
+                                    View view) const;
+  void modifyInstance(const IQoriInstanceName& name, const std::vector<CimInstanceProperty>& properties);
+  bool deleteInstance(const IQoriInstanceName& name);
+
+  // What a loader changes in between is pending until commit.
+  void begin();
+  void commit();
+  void rollback() noexcept;
+
+ private:
+  // What a load has done so far, in order.
+  struct Pending {
+    std::vector<NameSpace*> nameSpaces;
+    std::vector<std::pair<NameSpace*, std::string>> qualifiers;
+    std::vector<std::pair<NameSpace*, ClassEntry*>> classes;
+    std::vector<std::pair<NameSpace*, StoredInstance*>> instances;
+  };
+
+  NameSpace& requireNameSpace(const QORString& name, View view) const;
+  ClassEntry& requireConcreteClass(const NameSpace& space, const QORString& className, View view) const;
+  QORSmrPtr<IQoriInstanceName> canonicalName(const QORString& nameSpace, const IQoriInstanceName& name, View view,
+                                             int depth) const;
+  QORSmrPtr<IQoriValue> canonicalReference(const QORString& nameSpace, const QORSmrPtr<IQoriValue>& value, View view,
+                                           int depth) const;
+  std::vector<QORSmrPtr<IQoriValue>> valuesFor(const NameSpace& space, const ClassEntry& entry,
+                                               const CimInstanceDeclaration& declaration, View view) const;
+  void setValues(const NameSpace& space, const CQoriClass& model, const std::vector<CimInstanceProperty>& properties,
+                 std::vector<QORSmrPtr<IQoriValue>>& values, View view) const;
+  bool becomesPending(View view) const noexcept { return view == View::Loader && _pending != nullptr; }
+
+  mutable std::shared_mutex _mutex;
+  std::vector<std::unique_ptr<NameSpace>> _nameSpaces;  // in creation order
+  NameMap<NameSpace*> _nameSpaceIndex;
+  QORuint64 _nextSequence = 1;
+  std::unique_ptr<Pending> _pending;  // null: no load is open
+};
+
+}  // namespace embedded
+
+#endif

@@ -1,0 +1,191 @@
+// Declarations and changes of instances, with what they are refused for.
+#include "Cimom/Embedded/DeclarationHelpers.h"
+#include "Cimom/Embedded/ObjectStore.h"
+#include "Cimom/Embedded/RepositoryError.h"
+
+namespace embedded {
+
+void ObjectStore::createNameSpace(const QORString& name, View view) {
+  if (name.isEmpty()) refuse(CimStatus::InvalidNamespace, {"a namespace needs a name"});
+  if (findNameSpace(name, view) != nullptr) return;
+  if (_nameSpaceIndex.contains(name.view())) {
+    refuse(CimStatus::AlreadyExists, {"namespace ", name.view(), " is being created by a load"});
+  }
+  auto space = std::make_unique<NameSpace>();
+  space->name = name;
+  space->isPending = becomesPending(view);
+  _nameSpaces.push_back(std::move(space));
+  NameSpace* const added = _nameSpaces.back().get();
+  if (added->isPending) _pending->nameSpaces.push_back(added);
+  _nameSpaceIndex.emplace(name.view(), added);
+}
+
+void ObjectStore::declareQualifier(const QORString& nameSpace, const CimQualifierDeclaration& declaration,
+                                   View view) {
+  NameSpace& space = requireNameSpace(nameSpace, view);
+  const auto found = space.qualifiers.find(declaration.name.view());
+  if (found != space.qualifiers.end()) {
+    if (sameDeclaration(found->second, declaration)) return;
+    refuse(CimStatus::AlreadyExists,
+           {"qualifier ", found->second.name.view(), " is declared already, with another declaration"});
+  }
+  if (becomesPending(view)) _pending->qualifiers.emplace_back(&space, declaration.name.view());
+  space.qualifiers.emplace(declaration.name.view(), declaration);
+}
+
+void ObjectStore::declareClass(const QORString& nameSpace, const CimClassDeclaration& declaration, View view) {
+  NameSpace& space = requireNameSpace(nameSpace, view);
+  if (declaration.name.isEmpty()) refuse(CimStatus::InvalidParameter, {"a class needs a name"});
+  const auto found = space.classIndex.find(declaration.name.view());
+  if (found != space.classIndex.end()) {
+    if (sameDeclaration(found->second->model->declaration(), declaration)) return;
+    refuse(CimStatus::AlreadyExists,
+           {"class ", found->second->name().view(), " is declared already, with another declaration"});
+  }
+  ClassEntry* const superClass =
+      declaration.superClass.isEmpty() ? nullptr : findClass(space, declaration.superClass, view);
+  if (superClass == nullptr && !declaration.superClass.isEmpty()) {
+    refuse(CimStatus::InvalidSuperclass, {"class ", declaration.name.view(), ": superclass ",
+                                          declaration.superClass.view(), " is not declared"});
+  }
+  const QORSmrPtr<IQoriClass> handle(
+      new CQoriClass(space.name, declaration, superClass == nullptr ? nullptr : superClass->model));
+  auto entry = std::make_unique<ClassEntry>();
+  entry->handle = handle;
+  entry->model = static_cast<const CQoriClass*>(handle.Get());
+  entry->superClass = superClass;
+  entry->isPending = becomesPending(view);
+  space.classes.push_back(std::move(entry));
+  ClassEntry* const added = space.classes.back().get();
+  if (added->isPending) _pending->classes.emplace_back(&space, added);
+  space.classIndex.emplace(declaration.name.view(), added);
+}
+
+void ObjectStore::addSource(const QORString& nameSpace, const QORString& className,
+                            std::shared_ptr<InstanceProvider> provider) {
+  NameSpace& space = requireNameSpace(nameSpace, View::Committed);
+  const ClassEntry* const entry = findClass(space, className, View::Committed);
+  if (entry == nullptr) {
+    refuse(CimStatus::InvalidClass, {"provider for ", className.view(), ": the class is not declared"});
+  }
+  for (const LiveSource& source : space.sources) {
+    if (source.entry != entry) continue;
+    refuse(CimStatus::AlreadyExists, {"class ", entry->name().view(), " has a provider already"});
+  }
+  space.sources.push_back({entry, std::move(provider)});
+}
+
+ClassEntry& ObjectStore::requireConcreteClass(const NameSpace& space, const QORString& className, View view) const {
+  ClassEntry* const entry = findClass(space, className, view);
+  if (entry == nullptr) {
+    refuse(CimStatus::InvalidClass, {"instance of ", className.view(), ": the class is not declared"});
+  }
+  if (entry->model->isAbstract()) {
+    refuse(CimStatus::InvalidClass, {"instance of ", entry->name().view(), ": the class is abstract"});
+  }
+  return *entry;
+}
+
+void ObjectStore::setValues(const NameSpace& space, const CQoriClass& model,
+                            const std::vector<CimInstanceProperty>& properties,
+                            std::vector<QORSmrPtr<IQoriValue>>& values, View view) const {
+  std::vector<bool> isGiven(values.size(), false);
+  for (const CimInstanceProperty& property : properties) {
+    const QORsint32 found = model.position(property.name);
+    if (found < 0) {
+      refuse(CimStatus::NoSuchProperty, {"instance of ", model.getClassName().view(), ": the class has no property ",
+                                         property.name.view()});
+    }
+    const QORuint32 position = static_cast<QORuint32>(found);
+    if (isGiven[position]) {
+      refuse(CimStatus::InvalidParameter,
+             {"instance of ", model.getClassName().view(), ": property ", property.name.view(), " is given twice"});
+    }
+    isGiven[position] = true;
+    if (!property.value.IsNull() && !sameType(*property.value->getType(), *model.type(position))) {
+      refuse(CimStatus::TypeMismatch, {"instance of ", model.getClassName().view(), ": property ",
+                                       property.name.view(), " is ", typeText(*model.type(position)).view(),
+                                       ", the given value is ", typeText(*property.value->getType()).view()});
+    }
+    values[position] = canonicalReference(space.name, property.value, view);
+  }
+}
+
+std::vector<QORSmrPtr<IQoriValue>> ObjectStore::valuesFor(const NameSpace& space, const ClassEntry& entry,
+                                                          const CimInstanceDeclaration& declaration,
+                                                          View view) const {
+  std::vector<QORSmrPtr<IQoriValue>> values;
+  values.reserve(entry.model->properties().size());
+  for (const CimPropertyDeclaration& property : entry.model->properties()) values.push_back(property.defaultValue);
+  setValues(space, *entry.model, declaration.properties, values, view);
+  return values;
+}
+
+StoredInstance& ObjectStore::createInstance(const QORString& nameSpace, const CimInstanceDeclaration& declaration,
+                                            View view) {
+  NameSpace& space = requireNameSpace(nameSpace, view);
+  ClassEntry& entry = requireConcreteClass(space, declaration.className, view);
+  const CQoriClass& model = *entry.model;
+  const std::vector<QORSmrPtr<IQoriValue>> values = valuesFor(space, entry, declaration, view);
+  if (model.keyPositions().empty()) {
+    refuse(CimStatus::InvalidClass, {"instance of ", entry.name().view(),
+                                     ": the class has no key property, so its instances have no path"});
+  }
+  for (const QORuint32 position : model.keyPositions()) {
+    if (!values[position].IsNull()) continue;
+    refuse(CimStatus::InvalidParameter, {"instance of ", entry.name().view(), ": key ",
+                                         model.shape()->layout->getName(position).view(), " has no value"});
+  }
+  const QORSmrPtr<IQoriObject> object = ModelInstance::create(model.shape(), values);
+  const QORString path = object->getInstanceName()->toString();
+  if (space.instances.find(path.view()) != nullptr) {
+    refuse(CimStatus::AlreadyExists, {"instance ", path.view(), " exists already"});
+  }
+  const bool isPending = becomesPending(view);
+  if (!isPending) return space.instances.insert(entry, object, path, _nextSequence++, false);
+  _pending->instances.emplace_back(&space, nullptr);
+  try {
+    StoredInstance& instance = space.instances.insert(entry, object, path, _nextSequence++, true);
+    _pending->instances.back().second = &instance;
+    return instance;
+  } catch (...) {
+    _pending->instances.pop_back();
+    throw;
+  }
+}
+
+QORSmrPtr<IQoriObject> ObjectStore::makeObject(const QORString& nameSpace, const CimInstanceDeclaration& declaration,
+                                               View view) const {
+  const NameSpace& space = requireNameSpace(nameSpace, view);
+  const ClassEntry& entry = requireConcreteClass(space, declaration.className, view);
+  return ModelInstance::create(entry.model->shape(), valuesFor(space, entry, declaration, view));
+}
+
+void ObjectStore::modifyInstance(const IQoriInstanceName& name, const std::vector<CimInstanceProperty>& properties) {
+  const QORString& nameSpace = name.getNameSpacePath()->getNameSpace();
+  NameSpace& space = requireNameSpace(nameSpace, View::Committed);
+  StoredInstance* const instance = findInstance(nameSpace, name, View::Committed);
+  if (instance == nullptr) refuse(CimStatus::NotFound, {"instance ", name.toString().view(), " does not exist"});
+  const CQoriClass& model = *instance->entry->model;
+  std::vector<QORSmrPtr<IQoriValue>> values;
+  const QORuint32 count = instance->object->getPropertyCount();
+  values.reserve(count);
+  for (QORuint32 i = 0; i < count; ++i) values.push_back(instance->object->getValueAt(i));
+  setValues(space, model, properties, values, View::Committed);
+  const QORSmrPtr<IQoriObject> changed = ModelInstance::create(model.shape(), values);
+  const QORSmrPtr<IQoriInstanceName> changedName = changed->getInstanceName();
+  if (changedName.IsNull() || !(changedName->toString() == instance->path)) {
+    refuse(CimStatus::InvalidParameter, {"instance ", instance->path.view(), ": keys cannot change"});
+  }
+  space.instances.replace(*instance, changed);
+}
+
+bool ObjectStore::deleteInstance(const IQoriInstanceName& name) {
+  const QORString& nameSpace = name.getNameSpacePath()->getNameSpace();
+  StoredInstance* const instance = findInstance(nameSpace, name, View::Committed);
+  if (instance == nullptr) return false;
+  findNameSpace(nameSpace, View::Committed)->instances.remove(*instance);
+  return true;
+}
+
+}  // namespace embedded

@@ -1,0 +1,37 @@
+// Restrictions per class, and the texts that identify property lists.
+#include "Cimom/Embedded/Restrictor.h"
+
+#include "Cimom/Embedded/NameMap.h"
+
+namespace embedded {
+
+std::string propertyNamesKey(const CIMApi::PropertyNames& names) {
+  if (names.IsNull()) return "*";
+  std::string key;
+  QORValSlistIterator<QORString> each(*names);
+  while (++each) {
+    const std::string_view name = each.key().view();
+    key.append(std::to_string(name.size())).push_back(':');
+    for (const char c : name) key.push_back(foldCase(c));
+  }
+  return key;
+}
+
+QORSmrPtr<IQoriObject> Restrictor::apply(const CQoriClass& model, const QORSmrPtr<IQoriObject>& object) {
+  if (_names.IsNull()) return object;
+  if (_lastClass != &model) use(model);
+  return _last->IsNull() ? object : ModelRestriction::apply(*_last, object);
+}
+
+void Restrictor::use(const CQoriClass& model) {
+  const auto [found, isNew] = _byClass.try_emplace(&model);
+  if (isNew) {
+    const ModelLayout& layout = *model.shape()->layout;
+    const QORSmrPtr<ModelRestriction> restriction = layout.restrictTo(*_names);
+    if (restriction->positions().size() != layout.getPropertyCount()) found->second = restriction;
+  }
+  _lastClass = &model;
+  _last = &found->second;
+}
+
+}  // namespace embedded
