@@ -98,8 +98,7 @@ void AssociationWalk::meetOtherEnds(const CQoriClass& association, const IQoriOb
 void AssociationWalk::resolveStored() {
   for (; _resolved < _ends.size(); ++_resolved) {
     End& end = _ends[_resolved];
-    const NameSpace* const space =
-        _store.findNameSpace(end.name->getNameSpacePath()->getNameSpace(), View::Committed);
+    const NameSpace* const space = _store.findNameSpace(end.name->getNameSpacePath()->getNameSpace(), View::Committed);
     if (space == nullptr) continue;
     const StoredInstance* const stored = space->instances.find(end.path.view());
     if (stored == nullptr || stored->isPending) continue;
@@ -119,8 +118,7 @@ QORSmrPtr<IQoriObject> AssociationWalk::findLive(const End& end) {
   LiveSource source;
   {
     const std::shared_lock<std::shared_mutex> lock(_store.mutex());
-    const NameSpace* const space =
-        _store.findNameSpace(end.name->getNameSpacePath()->getNameSpace(), View::Committed);
+    const NameSpace* const space = _store.findNameSpace(end.name->getNameSpacePath()->getNameSpace(), View::Committed);
     if (space == nullptr) return {};
     const ClassEntry* const entry = ObjectStore::findClass(*space, end.name->getClassName(), View::Committed);
     for (const LiveSource& candidate : space->sources) {

@@ -58,9 +58,9 @@ class AssociationWalk {
   LiveSnapshot& _live;
   const AssociationRequest& _request;
   Restrictor _restrictor;
-  const NameSpace* _space = nullptr;               // BORROWS
-  const ClassEntry* _associationEntry = nullptr;   // BORROWS; null: any
-  const ClassEntry* _resultEntry = nullptr;        // BORROWS; null: any
+  const NameSpace* _space = nullptr;              // BORROWS
+  const ClassEntry* _associationEntry = nullptr;  // BORROWS; null: any
+  const ClassEntry* _resultEntry = nullptr;       // BORROWS; null: any
   QORString _sourcePath;
   std::vector<LiveSource> _liveAssociations;
   std::vector<End> _ends;

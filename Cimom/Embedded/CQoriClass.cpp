@@ -35,10 +35,9 @@ bool reachesSubclasses(const CimQualifier& qualifier) noexcept {
 void inheritQualifiers(std::vector<CimQualifier>& own, const std::vector<CimQualifier>& inherited) {
   const std::size_t ownCount = own.size();
   for (const CimQualifier& qualifier : inherited) {
-    const bool isDeclaredAnew = std::any_of(own.begin(), own.begin() + static_cast<std::ptrdiff_t>(ownCount),
-                                            [&](const CimQualifier& mine) {
-                                              return mine.name.isEqualCaseInsensitive(qualifier.name);
-                                            });
+    const bool isDeclaredAnew =
+        std::any_of(own.begin(), own.begin() + static_cast<std::ptrdiff_t>(ownCount),
+                    [&](const CimQualifier& mine) { return mine.name.isEqualCaseInsensitive(qualifier.name); });
     if (reachesSubclasses(qualifier) && !isDeclaredAnew) own.push_back(qualifier);
   }
 }
@@ -93,9 +92,9 @@ void CQoriClass::checkProperty(const CimPropertyDeclaration& declared) const {
   if (declared.defaultValue.IsNull()) return;
   const IQoriType& given = *declared.defaultValue->getType();
   if (!embedded::sameType(given, *embedded::typeInInstances(declared))) {
-    refuse(CimStatus::TypeMismatch, {"class ", className, ": property ", name, " is ",
-                                     embedded::typeText(*declared.type).view(), ", its default value is ",
-                                     embedded::typeText(given).view()});
+    refuse(CimStatus::TypeMismatch,
+           {"class ", className, ": property ", name, " is ", embedded::typeText(*declared.type).view(),
+            ", its default value is ", embedded::typeText(given).view()});
   }
 }
 
@@ -124,10 +123,9 @@ void CQoriClass::addOwnProperties() {
 
 void CQoriClass::overrideProperty(CimPropertyDeclaration& inherited, const CimPropertyDeclaration& declared) const {
   if (!embedded::sameType(*inherited.type, *declared.type)) {
-    refuse(CimStatus::TypeMismatch,
-           {"class ", getClassName().view(), ": property ", declared.name.view(), " is redeclared as ",
-            embedded::typeText(*declared.type).view(), ", it is inherited as ",
-            embedded::typeText(*inherited.type).view()});
+    refuse(CimStatus::TypeMismatch, {"class ", getClassName().view(), ": property ", declared.name.view(),
+                                     " is redeclared as ", embedded::typeText(*declared.type).view(),
+                                     ", it is inherited as ", embedded::typeText(*inherited.type).view()});
   }
   CimPropertyDeclaration effective = declared;
   if (effective.defaultValue.IsNull()) effective.defaultValue = inherited.defaultValue;

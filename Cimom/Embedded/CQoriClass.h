@@ -69,8 +69,8 @@ class CQoriClass final : public IQoriClass {
   std::vector<CimQualifier> _qualifiersInForce;  // own ones first
   std::deque<CQoriQualifier> _qualifiers;        // the same, as the interface shows them
   std::vector<CimPropertyDeclaration> _properties;
-  std::vector<bool> _isOwn;                     // by position: declared or overridden here
-  std::deque<CQoriProperty> _propertyViews;     // by position, with the default as value
+  std::vector<bool> _isOwn;                  // by position: declared or overridden here
+  std::deque<CQoriProperty> _propertyViews;  // by position, with the default as value
   std::vector<QORuint32> _referencePositions;
   QORSmrPtr<ModelShape> _shape;
   QORuint32 _depth = 0;

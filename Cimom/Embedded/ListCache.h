@@ -33,8 +33,8 @@ class ListCache {
 
   std::list<Kept>::iterator locate(const ClassEntry& entry, const std::string& names);
 
-  std::mutex _mutex;        // guards what follows
-  std::list<Kept> _kept;    // the last used first
+  std::mutex _mutex;      // guards what follows
+  std::list<Kept> _kept;  // the last used first
   std::size_t _instances = 0;
 };
 

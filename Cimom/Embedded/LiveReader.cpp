@@ -120,10 +120,10 @@ std::vector<QORSmrPtr<IQoriObject>> readLive(const ObjectStore& store, const Liv
                                              const LiveRequest& request) {
   const CQoriClass& model = *source.entry->model;
   Collector collector(store, model, request);
-  callProvider(*source.provider,
-               {model.shape()->nameSpace, model.getClassName(), collector.propertyNames(), request.transaction,
-                request.only},
-               collector);
+  callProvider(
+      *source.provider,
+      {model.shape()->nameSpace, model.getClassName(), collector.propertyNames(), request.transaction, request.only},
+      collector);
   return std::move(collector).takeObjects();
 }
 

@@ -21,8 +21,7 @@ QORString referencedPath(const IQoriObject& object, QORuint32 position) {
 
 }  // namespace
 
-const std::vector<QORSmrPtr<IQoriObject>>* LiveSnapshot::referringTo(const ObjectStore& store,
-                                                                     const LiveSource& source,
+const std::vector<QORSmrPtr<IQoriObject>>* LiveSnapshot::referringTo(const ObjectStore& store, const LiveSource& source,
                                                                      std::string_view path) {
   auto known = _associations.find(source.entry);
   if (known == _associations.end()) {

@@ -23,8 +23,8 @@ class LiveSnapshot {
   const std::vector<QORSmrPtr<IQoriObject>>* referringTo(const ObjectStore& store, const LiveSource& source,
                                                          std::string_view path);
   // The live instance of that canonical path with the named properties; null when there is none.
-  QORSmrPtr<IQoriObject> find(const ObjectStore& store, const LiveSource& source,
-                              const CIMApi::PropertyNames& names, std::string_view path);
+  QORSmrPtr<IQoriObject> find(const ObjectStore& store, const LiveSource& source, const CIMApi::PropertyNames& names,
+                              std::string_view path);
 
  private:
   template <class V>

@@ -52,8 +52,7 @@ ClassEntry* ObjectStore::findClass(const QORString& nameSpace, const QORString& 
   return space == nullptr ? nullptr : findClass(*space, className, view);
 }
 
-StoredInstance* ObjectStore::findInstance(const QORString& nameSpace, const IQoriInstanceName& name,
-                                          View view) const {
+StoredInstance* ObjectStore::findInstance(const QORString& nameSpace, const IQoriInstanceName& name, View view) const {
   const NameSpace* const space = findNameSpace(nameSpace, view);
   if (space == nullptr) return nullptr;
   StoredInstance* found = space->instances.find(name.toString().view());
@@ -95,9 +94,8 @@ QORSmrPtr<IQoriValue> ObjectStore::canonicalReference(const QORString& nameSpace
 
 QORSmrPtr<IQoriValue> ObjectStore::canonicalReference(const QORString& nameSpace, const QORSmrPtr<IQoriValue>& value,
                                                       View view, int depth) const {
-  const QORSmrPtr<IQoriInstanceName> name = value.IsNull() || depth > kMaximumNameDepth
-                                                ? QORSmrPtr<IQoriInstanceName>()
-                                                : value->getReference();
+  const QORSmrPtr<IQoriInstanceName> name =
+      value.IsNull() || depth > kMaximumNameDepth ? QORSmrPtr<IQoriInstanceName>() : value->getReference();
   if (name.IsNull()) return value;
   const QORString& own = name->getNameSpacePath()->getNameSpace();
   const NameSpace* const space = findNameSpace(own.isEmpty() ? nameSpace : own, view);

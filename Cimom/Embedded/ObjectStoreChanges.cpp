@@ -20,8 +20,7 @@ void ObjectStore::createNameSpace(const QORString& name, View view) {
   _nameSpaceIndex.emplace(name.view(), added);
 }
 
-void ObjectStore::declareQualifier(const QORString& nameSpace, const CimQualifierDeclaration& declaration,
-                                   View view) {
+void ObjectStore::declareQualifier(const QORString& nameSpace, const CimQualifierDeclaration& declaration, View view) {
   NameSpace& space = requireNameSpace(nameSpace, view);
   const auto found = space.qualifiers.find(declaration.name.view());
   if (found != space.qualifiers.end()) {
@@ -45,8 +44,8 @@ void ObjectStore::declareClass(const QORString& nameSpace, const CimClassDeclara
   ClassEntry* const superClass =
       declaration.superClass.isEmpty() ? nullptr : findClass(space, declaration.superClass, view);
   if (superClass == nullptr && !declaration.superClass.isEmpty()) {
-    refuse(CimStatus::InvalidSuperclass, {"class ", declaration.name.view(), ": superclass ",
-                                          declaration.superClass.view(), " is not declared"});
+    refuse(CimStatus::InvalidSuperclass,
+           {"class ", declaration.name.view(), ": superclass ", declaration.superClass.view(), " is not declared"});
   }
   const QORSmrPtr<IQoriClass> handle(
       new CQoriClass(space.name, declaration, superClass == nullptr ? nullptr : superClass->model));
@@ -93,8 +92,8 @@ void ObjectStore::setValues(const NameSpace& space, const CQoriClass& model,
   for (const CimInstanceProperty& property : properties) {
     const QORsint32 found = model.position(property.name);
     if (found < 0) {
-      refuse(CimStatus::NoSuchProperty, {"instance of ", model.getClassName().view(), ": the class has no property ",
-                                         property.name.view()});
+      refuse(CimStatus::NoSuchProperty,
+             {"instance of ", model.getClassName().view(), ": the class has no property ", property.name.view()});
     }
     const QORuint32 position = static_cast<QORuint32>(found);
     if (isGiven[position]) {
@@ -103,17 +102,16 @@ void ObjectStore::setValues(const NameSpace& space, const CQoriClass& model,
     }
     isGiven[position] = true;
     if (!property.value.IsNull() && !sameType(*property.value->getType(), *model.type(position))) {
-      refuse(CimStatus::TypeMismatch, {"instance of ", model.getClassName().view(), ": property ",
-                                       property.name.view(), " is ", typeText(*model.type(position)).view(),
-                                       ", the given value is ", typeText(*property.value->getType()).view()});
+      refuse(CimStatus::TypeMismatch, {"instance of ", model.getClassName().view(), ": property ", property.name.view(),
+                                       " is ", typeText(*model.type(position)).view(), ", the given value is ",
+                                       typeText(*property.value->getType()).view()});
     }
     values[position] = canonicalReference(space.name, property.value, view);
   }
 }
 
 std::vector<QORSmrPtr<IQoriValue>> ObjectStore::valuesFor(const NameSpace& space, const ClassEntry& entry,
-                                                          const CimInstanceDeclaration& declaration,
-                                                          View view) const {
+                                                          const CimInstanceDeclaration& declaration, View view) const {
   std::vector<QORSmrPtr<IQoriValue>> values;
   values.reserve(entry.model->properties().size());
   for (const CimPropertyDeclaration& property : entry.model->properties()) values.push_back(property.defaultValue);
@@ -128,8 +126,8 @@ StoredInstance& ObjectStore::createInstance(const QORString& nameSpace, const Ci
   const CQoriClass& model = *entry.model;
   const std::vector<QORSmrPtr<IQoriValue>> values = valuesFor(space, entry, declaration, view);
   if (model.keyPositions().empty()) {
-    refuse(CimStatus::InvalidClass, {"instance of ", entry.name().view(),
-                                     ": the class has no key property, so its instances have no path"});
+    refuse(CimStatus::InvalidClass,
+           {"instance of ", entry.name().view(), ": the class has no key property, so its instances have no path"});
   }
   for (const QORuint32 position : model.keyPositions()) {
     if (!values[position].IsNull()) continue;

@@ -1,0 +1,105 @@
+// Stored instances are read under the shared lock, so that a list is one state;
+// providers are called after it is released.
+#include "Cimom/Embedded/ClientCalls.h"
+
+#include "Cimom/Embedded/Restrictor.h"
+
+namespace embedded {
+
+namespace {
+
+using InstanceList = QORValSlist<QORSmrPtr<IQoriObject>>;
+
+CIMApi::Instances makeList(const ClassEntry& entry, const CIMApi::PropertyNames& names) {
+  const CIMApi::Instances list(new InstanceList);
+  Restrictor restrictor(names);
+  InstanceList& target = *list;
+  entry.extent.forEach([&](const StoredInstance& stored) {
+    if (!stored.isPending) target.append(restrictor.apply(*stored.entry->model, stored.object));
+  });
+  return list;
+}
+
+CIMApi::Instances storedInstances(ListCache& cache, const ClassEntry& entry, const CIMApi::PropertyNames& names) {
+  const std::string key = propertyNamesKey(names);
+  CIMApi::Instances list = cache.find(entry, key, entry.version);
+  if (list.IsNull()) {
+    list = makeList(entry, names);
+    cache.put(entry, key, entry.version, list);
+  }
+  return list;
+}
+
+std::vector<LiveSource> sourcesOf(const NameSpace& space, const ClassEntry& entry) {
+  std::vector<LiveSource> sources;
+  for (const LiveSource& source : space.sources) {
+    if (source.entry->isA(entry)) sources.push_back(source);
+  }
+  return sources;
+}
+
+const LiveSource* sourceFor(const NameSpace& space, const ClassEntry* entry) {
+  for (const LiveSource& source : space.sources) {
+    if (source.entry == entry) return &source;
+  }
+  return nullptr;
+}
+
+QORSmrPtr<IQoriObject> findLive(const ObjectStore& store, const LiveSource& source, const LiveRequest& request) {
+  const QORString path = request.only->toString();
+  for (const QORSmrPtr<IQoriObject>& object : readLive(store, source, request)) {
+    if (object->getInstanceName()->toString() == path)
+      return Restrictor(request.names).apply(*source.entry->model, object);
+  }
+  return {};
+}
+
+}  // namespace
+
+CIMApi::Instances enumerateInstances(const ObjectStore& store, ListCache& cache, const QORString& nameSpace,
+                                     const QORString& className, const LiveRequest& request) {
+  CIMApi::Instances stored;
+  std::vector<LiveSource> sources;
+  {
+    const std::shared_lock<std::shared_mutex> lock(store.mutex());
+    const NameSpace* const space = store.findNameSpace(nameSpace, View::Committed);
+    const ClassEntry* const entry =
+        space == nullptr ? nullptr : ObjectStore::findClass(*space, className, View::Committed);
+    if (entry == nullptr) return {};
+    sources = sourcesOf(*space, *entry);
+    stored = storedInstances(cache, *entry, request.names);
+  }
+  if (sources.empty()) return stored;
+  const CIMApi::Instances all(new InstanceList(*stored));
+  Restrictor restrictor(request.names);
+  for (const LiveSource& source : sources) {
+    for (const QORSmrPtr<IQoriObject>& object : readLive(store, source, request)) {
+      all->append(restrictor.apply(*source.entry->model, object));
+    }
+  }
+  return all;
+}
+
+QORSmrPtr<IQoriObject> getInstance(const ObjectStore& store, const QORString& nameSpace,
+                                   const QORSmrPtr<IQoriInstanceName>& name, const CIMApi::PropertyNames& names) {
+  const QORString& own = name->getNameSpacePath()->getNameSpace();
+  if (!own.isEmpty() && !nameSpace.isEmpty() && !own.isEqualCaseInsensitive(nameSpace)) return {};
+  LiveRequest request{names, {}, {}};
+  LiveSource source;
+  {
+    const std::shared_lock<std::shared_mutex> lock(store.mutex());
+    const QORString& wanted = nameSpace.isEmpty() ? own : nameSpace;
+    const StoredInstance* const stored = store.findInstance(wanted, *name, View::Committed);
+    if (stored != nullptr) return Restrictor(names).apply(*stored->entry->model, stored->object);
+    request.only = store.canonicalName(wanted, *name, View::Committed);
+    if (request.only.IsNull()) return {};
+    const NameSpace& space = *store.findNameSpace(wanted, View::Committed);
+    const LiveSource* const found =
+        sourceFor(space, ObjectStore::findClass(space, name->getClassName(), View::Committed));
+    if (found == nullptr) return {};
+    source = *found;
+  }
+  return findLive(store, source, request);
+}
+
+}  // namespace embedded

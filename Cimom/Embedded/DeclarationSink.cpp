@@ -1,0 +1,84 @@
+// Each operation under the store's lock, with the loader's view.
+#include "Cimom/Embedded/DeclarationSink.h"
+
+#include <mutex>
+
+namespace embedded {
+
+namespace {
+
+using ReadLock = std::shared_lock<std::shared_mutex>;
+using WriteLock = std::unique_lock<std::shared_mutex>;
+
+}  // namespace
+
+void DeclarationSink::begin() {
+  const WriteLock lock(_store->mutex());
+  _store->begin();
+}
+
+void DeclarationSink::commit() {
+  const WriteLock lock(_store->mutex());
+  _store->commit();
+}
+
+void DeclarationSink::rollback() noexcept {
+  const WriteLock lock(_store->mutex());
+  _store->rollback();
+}
+
+void DeclarationSink::createNamespace(const QORString& nameSpace) {
+  const WriteLock lock(_store->mutex());
+  _store->createNameSpace(nameSpace, View::Loader);
+}
+
+void DeclarationSink::declareQualifier(const QORString& nameSpace, const CimQualifierDeclaration& declaration) {
+  const WriteLock lock(_store->mutex());
+  _store->declareQualifier(nameSpace, declaration, View::Loader);
+}
+
+void DeclarationSink::declareClass(const QORString& nameSpace, const CimClassDeclaration& declaration) {
+  const WriteLock lock(_store->mutex());
+  _store->declareClass(nameSpace, declaration, View::Loader);
+}
+
+QORSmrPtr<IQoriInstanceName> DeclarationSink::createInstance(const QORString& nameSpace,
+                                                             const CimInstanceDeclaration& declaration) {
+  const WriteLock lock(_store->mutex());
+  return _store->createInstance(nameSpace, declaration, View::Loader).object->getInstanceName();
+}
+
+QORSmrPtr<IQoriObject> DeclarationSink::makeObject(const QORString& nameSpace,
+                                                   const CimInstanceDeclaration& declaration) {
+  const ReadLock lock(_store->mutex());
+  return _store->makeObject(nameSpace, declaration, View::Loader);
+}
+
+QORSmrPtr<IQoriClass> DeclarationSink::findClass(const QORString& nameSpace, const QORString& className) const {
+  const ReadLock lock(_store->mutex());
+  const ClassEntry* const entry = _store->findClass(nameSpace, className, View::Loader);
+  return entry == nullptr ? QORSmrPtr<IQoriClass>() : entry->handle;
+}
+
+bool DeclarationSink::describeProperty(const QORString& nameSpace, const QORString& className,
+                                       const QORString& propertyName, CimPropertyDeclaration& out) const {
+  const ReadLock lock(_store->mutex());
+  const ClassEntry* const entry = _store->findClass(nameSpace, className, View::Loader);
+  const QORsint32 position = entry == nullptr ? -1 : entry->model->position(propertyName);
+  if (position < 0) return false;
+  out = entry->model->properties()[static_cast<std::size_t>(position)];
+  return true;
+}
+
+bool DeclarationSink::describeQualifier(const QORString& nameSpace, const QORString& name,
+                                        CimQualifierDeclaration& out) const {
+  const ReadLock lock(_store->mutex());
+  const NameSpace* const space = _store->findNameSpace(nameSpace, View::Loader);
+  if (space == nullptr) return false;
+  const auto found = space->qualifiers.find(name.view());
+  if (found == space->qualifiers.end()) return false;
+  out = found->second;
+  return true;
+}
+
+}  // namespace embedded

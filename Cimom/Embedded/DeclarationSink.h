@@ -1,0 +1,39 @@
+// The object store as loaders of declarations see it.
+#ifndef QORQL_EMBEDDED_DECLARATIONSINK_H
+#define QORQL_EMBEDDED_DECLARATIONSINK_H
+
+#include <memory>
+#include <utility>
+
+#include "Cimom/Embedded/CimDeclarationSink.h"
+#include "Cimom/Embedded/ObjectStore.h"
+
+namespace embedded {
+
+// Outside begin() and commit() every operation takes effect at once.
+class DeclarationSink final : public CimDeclarationSink {
+ public:
+  explicit DeclarationSink(std::shared_ptr<ObjectStore> store) : _store(std::move(store)) {}
+
+  void begin() override;
+  void commit() override;
+  void rollback() noexcept override;
+  void createNamespace(const QORString& nameSpace) override;
+  void declareQualifier(const QORString& nameSpace, const CimQualifierDeclaration& declaration) override;
+  void declareClass(const QORString& nameSpace, const CimClassDeclaration& declaration) override;
+  QORSmrPtr<IQoriInstanceName> createInstance(const QORString& nameSpace,
+                                              const CimInstanceDeclaration& declaration) override;
+  QORSmrPtr<IQoriObject> makeObject(const QORString& nameSpace, const CimInstanceDeclaration& declaration) override;
+  QORSmrPtr<IQoriClass> findClass(const QORString& nameSpace, const QORString& className) const override;
+  bool describeProperty(const QORString& nameSpace, const QORString& className, const QORString& propertyName,
+                        CimPropertyDeclaration& out) const override;
+  bool describeQualifier(const QORString& nameSpace, const QORString& name,
+                         CimQualifierDeclaration& out) const override;
+
+ private:
+  std::shared_ptr<ObjectStore> _store;
+};
+
+}  // namespace embedded
+
+#endif

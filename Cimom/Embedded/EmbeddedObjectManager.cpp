@@ -1,0 +1,178 @@
+// The object manager's own interface, and which one is current.
+#include "Cimom/Embedded/EmbeddedObjectManager.h"
+
+#include <mutex>
+#include <utility>
+
+#include "Cimom/Embedded/EmbeddedState.h"
+#include "Cimom/Embedded/RepositoryError.h"
+
+using embedded::CimStatus;
+using embedded::ClassEntry;
+using embedded::NameSpace;
+using embedded::View;
+
+namespace {
+
+using ReadLock = std::shared_lock<std::shared_mutex>;
+using WriteLock = std::unique_lock<std::shared_mutex>;
+
+struct Current {
+  std::mutex mutex;
+  EmbeddedObjectManager* manager = nullptr;  // BORROWS
+  std::shared_ptr<EmbeddedObjectManager::State> state;
+};
+
+// Never destroyed: services may still be asked while the process ends.
+Current& currentManager() {
+  static Current* const current = new Current;
+  return *current;
+}
+
+// Hands out committed classes; keeps the classes, not the object manager, alive.
+class Repository final : public IQoriRepository {
+ public:
+  explicit Repository(std::shared_ptr<embedded::ObjectStore> store) : _store(std::move(store)) {}
+  QORSmrPtr<IQoriClass> getClass(const QORString& nameSpace, const QORString& className) const override {
+    const ReadLock lock(_store->mutex());
+    const ClassEntry* const entry = _store->findClass(nameSpace, className, View::Committed);
+    return entry == nullptr ? QORSmrPtr<IQoriClass>() : entry->handle;
+  }
+
+ private:
+  std::shared_ptr<embedded::ObjectStore> _store;
+};
+
+}  // namespace
+
+const char* const EmbeddedObjectManager::kDefaultNamespace = "root/cimv2";
+
+EmbeddedObjectManager::State::State()
+    : store(std::make_shared<embedded::ObjectStore>()), sink(store), repository(new Repository(store)) {
+  store->createNameSpace(kDefaultNamespace, View::Committed);
+}
+
+EmbeddedObjectManager::EmbeddedObjectManager() : _state(std::make_shared<State>()) {}
+
+EmbeddedObjectManager::~EmbeddedObjectManager() {
+  Current& current = currentManager();
+  const std::lock_guard<std::mutex> lock(current.mutex);
+  if (current.manager != this) return;
+  current.manager = nullptr;
+  current.state.reset();
+}
+
+void EmbeddedObjectManager::makeCurrent() {
+  Current& current = currentManager();
+  std::shared_ptr<State> state = _state;
+  const std::lock_guard<std::mutex> lock(current.mutex);
+  current.manager = this;
+  current.state.swap(state);
+}
+
+EmbeddedObjectManager* EmbeddedObjectManager::current() noexcept {
+  Current& current = currentManager();
+  const std::lock_guard<std::mutex> lock(current.mutex);
+  return current.manager;
+}
+
+std::shared_ptr<EmbeddedObjectManager::State> embedded::currentState() {
+  Current& current = currentManager();
+  const std::lock_guard<std::mutex> lock(current.mutex);
+  return current.state;
+}
+
+CimDeclarationSink& EmbeddedObjectManager::sink() { return _state->sink; }
+
+QORSmrPtr<IQoriRepository> EmbeddedObjectManager::repository() const { return _state->repository; }
+
+std::vector<QORString> EmbeddedObjectManager::namespaces() const {
+  const ReadLock lock(_state->store->mutex());
+  std::vector<QORString> names;
+  for (const auto& space : _state->store->nameSpaces()) {
+    if (!space->isPending) names.push_back(space->name);
+  }
+  return names;
+}
+
+std::vector<QORString> EmbeddedObjectManager::classNames(const QORString& nameSpace) const {
+  const ReadLock lock(_state->store->mutex());
+  std::vector<QORString> names;
+  const NameSpace* const space = _state->store->findNameSpace(nameSpace, View::Committed);
+  if (space == nullptr) return names;
+  for (const auto& entry : space->classes) {
+    if (!entry->isPending) names.push_back(entry->name());
+  }
+  return names;
+}
+
+bool EmbeddedObjectManager::describeClass(const QORString& nameSpace, const QORString& className,
+                                          CimClassDeclaration& out) const {
+  const ReadLock lock(_state->store->mutex());
+  const ClassEntry* const entry = _state->store->findClass(nameSpace, className, View::Committed);
+  if (entry == nullptr) return false;
+  out = entry->model->declaration();
+  return true;
+}
+
+bool EmbeddedObjectManager::isAssociation(const QORString& nameSpace, const QORString& className) const {
+  const ReadLock lock(_state->store->mutex());
+  const ClassEntry* const entry = _state->store->findClass(nameSpace, className, View::Committed);
+  return entry != nullptr && entry->model->isAssociation();
+}
+
+std::vector<CimPropertyDeclaration> EmbeddedObjectManager::allProperties(const QORString& nameSpace,
+                                                                         const QORString& className) const {
+  const ReadLock lock(_state->store->mutex());
+  const ClassEntry* const entry = _state->store->findClass(nameSpace, className, View::Committed);
+  return entry == nullptr ? std::vector<CimPropertyDeclaration>() : entry->model->properties();
+}
+
+void EmbeddedObjectManager::registerProvider(const QORString& nameSpace, std::shared_ptr<InstanceProvider> provider) {
+  if (provider == nullptr) embedded::refuse(CimStatus::InvalidParameter, {"there is no provider to register"});
+  const QORString className = provider->getClassName();
+  const WriteLock lock(_state->store->mutex());
+  _state->store->addSource(nameSpace, className, std::move(provider));
+}
+
+QORSmrPtr<IQoriInstanceName> EmbeddedObjectManager::createInstance(const QORString& nameSpace,
+                                                                   const CimInstanceDeclaration& declaration) {
+  const WriteLock lock(_state->store->mutex());
+  return _state->store->createInstance(nameSpace, declaration, View::Committed).object->getInstanceName();
+}
+
+void EmbeddedObjectManager::modifyInstance(const QORSmrPtr<IQoriInstanceName>& name,
+                                           const std::vector<CimInstanceProperty>& properties) {
+  if (name.IsNull()) embedded::refuse(CimStatus::InvalidParameter, {"there is no instance to modify"});
+  const WriteLock lock(_state->store->mutex());
+  _state->store->modifyInstance(*name, properties);
+}
+
+bool EmbeddedObjectManager::deleteInstance(const QORSmrPtr<IQoriInstanceName>& name) {
+  if (name.IsNull()) return false;
+  const WriteLock lock(_state->store->mutex());
+  return _state->store->deleteInstance(*name);
+}
+
+void EmbeddedObjectManager::loadConfiguration(const std::string& path) { _state->configuration.load(path); }
+
+void EmbeddedObjectManager::setConfiguration(const QORString& section, const QORString& key, const QORString& value) {
+  _state->configuration.set(section, key, value);
+}
+
+void EmbeddedObjectManager::setLogSink(LogSink sink, QORuint32 maximumSeverity) {
+  _state->log.connect(std::move(sink), maximumSeverity);
+}
+
+EmbeddedObjectManager::Statistics EmbeddedObjectManager::statistics() const {
+  const State::Counters& counters = _state->counters;
+  return {counters.enumerateCalls, counters.associatorCalls, counters.getInstanceCalls, counters.instancesReturned};
+}
+
+void EmbeddedObjectManager::resetStatistics() {
+  State::Counters& counters = _state->counters;
+  counters.enumerateCalls = 0;
+  counters.associatorCalls = 0;
+  counters.getInstanceCalls = 0;
+  counters.instancesReturned = 0;
+}

@@ -1,0 +1,41 @@
+// What the services of a process's object manager share.
+#ifndef QORQL_EMBEDDED_EMBEDDEDSTATE_H
+#define QORQL_EMBEDDED_EMBEDDEDSTATE_H
+
+#include <atomic>
+#include <memory>
+
+#include "Cimom/Embedded/Configuration.h"
+#include "Cimom/Embedded/DeclarationSink.h"
+#include "Cimom/Embedded/EmbeddedObjectManager.h"
+#include "Cimom/Embedded/ListCache.h"
+#include "Cimom/Embedded/LogChannel.h"
+#include "Cimom/Embedded/ObjectStore.h"
+
+struct EmbeddedObjectManager::State {
+  struct Counters {
+    std::atomic<QORuint64> enumerateCalls{0};
+    std::atomic<QORuint64> associatorCalls{0};
+    std::atomic<QORuint64> getInstanceCalls{0};
+    std::atomic<QORuint64> instancesReturned{0};
+  };
+
+  State();
+
+  std::shared_ptr<embedded::ObjectStore> store;
+  embedded::DeclarationSink sink;
+  QORSmrPtr<IQoriRepository> repository;
+  embedded::ListCache lists;
+  embedded::Configuration configuration;
+  embedded::LogChannel log;
+  Counters counters;
+};
+
+namespace embedded {
+
+// The current object manager's state, kept alive by the caller's copy; null when there is none.
+std::shared_ptr<EmbeddedObjectManager::State> currentState();
+
+}  // namespace embedded
+
+#endif
