@@ -26,7 +26,7 @@ OPENINGS = {
 # Words, where they are looked for, and why they must not be there. A bracket
 # inside a pattern keeps this file from finding itself.
 WORDS = [
-    (r"\b(TO[D]O|FIX[M]E|XX[X]|HAC[K])\b", "unfinished work does not go in: finish it or leave the remark out"),
+    (r"(//|#|\*).*\b(TO[D]O|FIX[M]E|XX[X]|HAC[K])\b", "unfinished work does not go in: finish it or leave the remark out"),
     (r"\bPart [1-9]\.[0-9]\b", "a reader has no such document: say what the code does and why"),
     (r"\b[Ss]pe[c](ification)?\.md\b|\b[Rr]uling[s]?\.md\b|\bthe [s]pecification\b",
      "a reader has no such document: docs/language.md is the reference"),

@@ -14,6 +14,7 @@ RIGHT = {
     "CMakeLists.txt": "# Builds it.\n",
     "model.mof": "// A model.\n",
     "case.qtest": "# Cases.\n",
+    "zone.cpp": '// A time zone has such a name.\nauto zone = "XX' + 'X-5";\n',
     "full.cpp": "// Just short enough.\n" + "\n" * 499,
 }
 
@@ -22,12 +23,12 @@ WRONG = [
     ("b.h", "#ifndef B_H\n", "b.h:1: a file opens with a comment"),
     ("sub/CMakeLists.txt", "project(x)\n", "sub/CMakeLists.txt:1: a file opens with a comment"),
     ("b.cpp", "// Long.\n" + "\n" * 500, "b.cpp:501: 501 lines hold two ideas"),
-    ("b.cpp", "// B.\n// TO" + "DO later\n", "b.cpp:2: 'TO" + "DO': unfinished work"),
+    ("b.cpp", "// B.\n// TO" + "DO later\n", "b.cpp:2: '// TO" + "DO': unfinished work"),
     ("b.md", "see Part" + " 3.1\n", "b.md:1: 'Part" + " 3.1': a reader has no such document"),
     ("b.py", '"""B."""\nx = "/home' + '/ann/x"\n', "b.py:2: '/home" + "/a': a path of one machine"),
     ("b.cpp", "// B.\nTEST(A, DISABLED" + "_B) {}\n", "a test that does not run"),
     ("b.cpp", "// B.\nEXPECT_TRUE(" + "true);\n", "a test that cannot fail"),
-    ("b", "#!/bin/bash\n# FIX" + "ME\n", "b:2: 'FIX" + "ME'"),
+    ("b", "#!/bin/bash\n# FIX" + "ME\n", "b:2: '# FIX" + "ME'"),
 ]
 
 

@@ -65,6 +65,7 @@ TEST_F(FakeObjectManagerTest, RunsAQueryFromTextToStream) {
   EXPECT_THAT(_manager.encodedTexts, ElementsAre("b", "30", "c", "20"));
 }
 
+// rule: FROM-9
 TEST_F(FakeObjectManagerTest, EnumeratesEachClassOnceWithThePropertiesAndTheQuery) {
   const char* const text = "SELECT d.Name FROM Fake_Disk AS d WHERE d.Size > 15";
   run(text);

@@ -1,0 +1,120 @@
+// What a filter's WHERE means, asked of one instance at a time.
+#include <gtest/gtest.h>
+
+#include "Cimom/Embedded/EmbeddedObjectManager.h"
+#include "Cimom/Mof/MofLoader.h"
+#include "Cimom/QORQL/CQLQueryStatement.h"
+#include "cimom/CIMApi.h"
+
+namespace {
+
+const char* const kNameSpace = "root/cimv2";
+
+const char* const kChanges = R"mof(
+class EX_Change {
+  [Key] uint32 Id;
+  [EmbeddedInstance("EX_Disk")] string SourceInstance;
+  [EmbeddedInstance("EX_Disk")] string PreviousInstance;
+  string AlertingManagedElement;
+  uint16 AlertingElementFormat;
+};
+instance of EX_Change {
+  Id = 1;
+  SourceInstance = "instance of EX_FastDisk { Name = \"d3\"; Errors = 3; };";
+  PreviousInstance = "instance of EX_FastDisk { Name = \"d3\"; Errors = 2; };";
+  AlertingManagedElement = "//host/root/cimv2:EX_FastDisk.Name=\"d3\"";
+  AlertingElementFormat = 2;
+};
+)mof";
+
+class FilterLanguageTest : public ::testing::Test {
+ protected:
+  FilterLanguageTest() {
+    _manager.makeCurrent();
+    MofLoader loader(_manager.sink(), kNameSpace);
+    loader.loadFiles({QORQL_SOURCE_DIR "/examples/language.mof"});
+    loader.loadText(kChanges, "changes");
+  }
+
+  static QORSmrPtr<IQoriObject> object(const char* className, const char* path) {
+    const CIMApi::Instances all =
+        CIMApi().enumerateInstances(kNameSpace, className, nullptr, -1, nullptr, nullptr, "", nullptr);
+    for (QORuint32 i = 0; i < all->entries(); ++i) {
+      if (all->at(i)->getInstanceName()->toString() == path) return all->at(i);
+    }
+    return {};
+  }
+
+  static bool matches(const char* text, const QORSmrPtr<IQoriObject>& instance) {
+    CQLQueryStatement filter("DMTF:CQL", text, kNameSpace, kNameSpace);
+    EXPECT_EQ(filter.validate(), QUERY_VALIDATE_SUCCESS) << text;
+    return filter.isMatch(instance, kNameSpace);
+  }
+
+  bool diskMatches(const char* condition) const {
+    return matches((std::string("SELECT * FROM EX_Disk WHERE ") + condition).c_str(), _disk);
+  }
+  bool changeMatches(const char* condition) const {
+    return matches((std::string("SELECT * FROM EX_Change WHERE ") + condition).c_str(), _change);
+  }
+
+  EmbeddedObjectManager _manager;
+  QORSmrPtr<IQoriObject> _disk;
+  QORSmrPtr<IQoriObject> _change;
+
+  void SetUp() override {
+    _disk = object("EX_Disk", "root/cimv2:EX_FastDisk.Name=\"d3\"");
+    _change = object("EX_Change", "root/cimv2:EX_Change.Id=1");
+    ASSERT_FALSE(_disk.IsNull());
+    ASSERT_FALSE(_change.IsNull());
+  }
+};
+
+// rule: FILT-1
+TEST_F(FilterLanguageTest, AnInstanceOfTheClassOrASubclassMatches) {
+  EXPECT_TRUE(matches("SELECT * FROM EX_Disk", _disk));
+  EXPECT_TRUE(matches("SELECT * FROM EX_FastDisk", _disk));
+  EXPECT_FALSE(matches("SELECT * FROM EX_Host", _disk));
+  EXPECT_TRUE(diskMatches("Size = 1000 AND Errors < 3"));
+  EXPECT_FALSE(diskMatches("Size = 1000 AND Errors < 2"));
+}
+
+// rule: FILT-2
+TEST_F(FilterLanguageTest, OrNotLikeAndIsNullNeverMatch) {
+  EXPECT_FALSE(diskMatches("Size = 1000 OR Size = 1000"));
+  EXPECT_FALSE(diskMatches("NOT Size = 1"));
+  EXPECT_FALSE(diskMatches("Name LIKE 'd3'"));
+  EXPECT_FALSE(diskMatches("Name IS NOT NULL"));
+  EXPECT_FALSE(diskMatches("Name IS NULL"));
+}
+
+// rule: FILT-3
+TEST_F(FilterLanguageTest, WhatCannotBeComputedDoesNotMatch) {
+  EXPECT_FALSE(diskMatches("Size = 'big'"));
+  EXPECT_FALSE(diskMatches("Size / 0 = 1"));
+  EXPECT_FALSE(matches("SELECT * FROM EX_Disk WHERE Errors <> 1", object("EX_Disk", "root/cimv2:EX_Disk.Name=\"d2\"")));
+}
+
+// rule: FILT-4
+TEST_F(FilterLanguageTest, APropertyOfAnEmbeddedObjectIsReached) {
+  EXPECT_TRUE(changeMatches("SourceInstance.EX_Disk::Errors <> PreviousInstance.EX_Disk::Errors"));
+  EXPECT_FALSE(changeMatches("SourceInstance.EX_Disk::Name <> PreviousInstance.EX_Disk::Name"));
+  EXPECT_TRUE(changeMatches("SourceInstance.Errors = 3"));
+  EXPECT_FALSE(changeMatches("SourceInstance.EX_Host::Errors = 3"));
+}
+
+// rule: FILT-5
+TEST_F(FilterLanguageTest, IsaLooksAtTheEmbeddedObjectOrThePath) {
+  EXPECT_TRUE(changeMatches("SourceInstance ISA EX_Disk"));
+  EXPECT_FALSE(changeMatches("SourceInstance ISA EX_Host"));
+  EXPECT_TRUE(changeMatches("AlertingManagedElement ISA EX_Disk"));
+  EXPECT_FALSE(changeMatches("AlertingManagedElement ISA EX_Host"));
+}
+
+// rule: FILT-6
+TEST_F(FilterLanguageTest, AnyKeepsTheWrittenOrder) {
+  EXPECT_TRUE(diskMatches("ANY Ports < 2"));
+  EXPECT_FALSE(diskMatches("ANY Ports > 5"));
+}
+
+}  // namespace
