@@ -33,7 +33,7 @@ install_packages() {
   # shellcheck disable=SC2086
   "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq update >&2 &&
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq install -y --no-install-recommends $missing \
-      </dev/null >&2 || fail "apt-get could not install: $missing"
+      </dev/null >&2 || fail "apt-get could not install these packages: $missing"
 }
 
 # True when nothing that the preset is built from has changed since its stamp.
@@ -58,7 +58,7 @@ build_preset() {
     launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
     export CCACHE_BASEDIR="$root" CCACHE_NOHASHDIR=1
   fi
-  say "building the $preset preset in build/$preset (log in build/$preset.log)"
+  say "building the $preset preset, a few minutes at first (log in build/$preset.log)"
   touch "$folder/.started"
   if ! (cd "$root" && cmake --preset "$preset" "${launcher[@]}" && cmake --build "build/$preset" -j "$(nproc)") \
     >"$log" 2>&1 9>&-; then
