@@ -1,0 +1,166 @@
+"""Errors with line and status, statements in a row, standard input, and a reader that goes away."""
+import os
+import signal
+import subprocess
+import unittest
+
+import toolcase
+from toolcase import MODEL, ToolCase
+
+ONE = "SELECT Id FROM Shop_Item WHERE Id = 1"
+TWO = "SELECT Id FROM Shop_Item WHERE Id = 2"
+
+
+class Errors(ToolCase):
+    def test_syntax_error_with_line_and_status(self):
+        self.refused(self.model("SELECT Id FROM Shop_Item WHERE"), 1,
+                     self.model("SELECT Id FROM Shop_Item WHERE").err.rstrip("\n"))
+        self.assertRegex(self.model("SELECT Id FROM Shop_Item WHERE").err,
+                         r"\Aqorql: error: .+ \(line 1, CIM status 16\)\n\Z")
+
+    def test_missing_select(self):
+        self.refused(self.model("Id FROM Shop_Item"), 1, "qorql: error: 'SELECT' expected (line 1, CIM status 16)")
+
+    def test_blank_query(self):
+        for query in ("", "  ", ";", "\n"):
+            with self.subTest(query=query):
+                result = self.model(query)
+                self.assertEqual((result.status, result.out), (1, ""))
+                self.assertRegex(result.err, r"\Aqorql: error: 'SELECT' expected \(line \d+, CIM status 16\)\n\Z")
+
+    def test_the_line_counts_in_the_whole_text(self):
+        result = self.model("-o", "csv", ONE + ";\n\n" + TWO + ";\n  SELECT Id\nFROM Shop_Item\nWHERE ,\n")
+        self.assertEqual((result.status, result.out), (1, "Id\n1\n\nId\n2\n"))
+        self.assertRegex(result.err, r"\(line 6, CIM status 16\)\n\Z")
+
+    def test_mismatch_found_after_reading_has_no_line(self):
+        self.refused(self.model("SELECT COUNT(Id) AS N, Name FROM Shop_Item"), 1,
+                     "qorql: error: Combining Aggregate and NonAggregate expressions is not allowed. (CIM status 16)")
+
+    def test_runtime_error(self):
+        self.refused(self.model("SELECT MIN(Shop_Item.Name) AS M FROM Shop_Item"), 1,
+                     "qorql: error: Property data type must be numeric for function MIN (CIM status 16)")
+
+    def test_unknown_class(self):
+        result = self.model("SELECT Id FROM Nowhere")
+        self.assertEqual((result.status, result.out), (1, ""))
+        self.assertRegex(result.err, r"\Aqorql: error: .*(?i:nowhere).* \((line \d+, )?CIM status \d+\)\n\Z")
+
+    def test_unknown_property(self):
+        result = self.model("SELECT Colour FROM Shop_Item")
+        self.assertEqual((result.status, result.out), (1, ""))
+        self.assertRegex(result.err, r"\Aqorql: error: .*(?i:colour).* \((line \d+, )?CIM status \d+\)\n\Z")
+
+    def test_division_by_zero(self):
+        result = self.model("SELECT Id FROM Shop_Item WHERE Id / 0 = 1")
+        self.assertEqual(result.status, 1)
+        self.assertRegex(result.err, r"\Aqorql: error: .+ \(CIM status 1\)\n\Z")
+
+    def test_error_is_one_line_whatever_the_query(self):
+        result = self.model("SELECT Id FROM\n'a\x1b[31m'")
+        self.assertEqual(result.status, 1)
+        self.assertEqual(result.err.count("\n"), 1)
+        self.assertNotIn("\x1b", result.err)
+
+    def test_nothing_is_printed_for_a_statement_that_fails(self):
+        for form in ("table", "csv", "json", "html", "xml"):
+            with self.subTest(form=form):
+                result = self.model("-o", form, "SELECT MIN(Shop_Item.Name) AS M FROM Shop_Item")
+                self.assertEqual((result.status, result.out), (1, ""))
+
+    def test_errors_are_shown_although_quiet(self):
+        self.refused(self.model("--quiet", "x"), 1, "qorql: error: 'SELECT' expected (line 1, CIM status 16)")
+
+    def test_very_long_and_very_deep_queries_end_in_order(self):
+        deep = "SELECT Id FROM Shop_Item WHERE " + "(" * 50000 + "Id = 1" + ")" * 50000
+        result = self.model("-f", self.write("deep.qql", deep))
+        self.assertEqual(result.status, 1)
+        self.assertRegex(result.err, r"\Aqorql: error: ")
+        wide = "SELECT Id FROM Shop_Item WHERE Id = 1" + " AND Id = 1" * 20000
+        self.assertEqual(self.succeed(self.model("-o", "csv", "-f", self.write("wide.qql", wide))), "Id\n1\n")
+
+
+class Statements(ToolCase):
+    def test_standard_input(self):
+        self.assertEqual(self.succeed(self.model("-o", "csv", stdin=ONE + ";\n" + TWO + ";\n")), "Id\n1\n\nId\n2\n")
+
+    def test_last_semicolon_may_miss(self):
+        self.assertEqual(self.succeed(self.model("-o", "csv", stdin=ONE + ";\n" + TWO)), "Id\n1\n\nId\n2\n")
+
+    def test_nothing_on_standard_input_is_nothing_to_do(self):
+        self.assertEqual(self.succeed(self.model(stdin="")), "")
+        self.assertEqual(self.succeed(self.model(stdin=" ;\n;; \n")), "")
+
+    def test_semicolon_in_a_literal_does_not_count(self):
+        self.assertEqual(self.succeed(self.model("-o", "csv", "SELECT Id FROM Shop_Item WHERE Name <> 'a;b' AND Id = 1")),
+                         "Id\n1\n")
+
+    def test_quote_without_end_reaches_to_the_end_of_its_line(self):
+        result = self.model("-o", "csv", stdin="SELECT Id FROM Shop_Item WHERE Name = 'a;b\n;" + ONE)
+        self.assertEqual(result.status, 1)
+        self.assertTrue(result.out.startswith("unterminated string in line 1"), result.out)
+
+    def test_statements_stop_at_the_first_error(self):
+        result = self.model("-o", "csv", ONE + "; SELECT; " + TWO)
+        self.assertEqual((result.status, result.out), (1, "Id\n1\n"))
+
+    def test_several_lines(self):
+        self.assertEqual(self.succeed(self.model("-o", "csv", stdin="SELECT Id\n  FROM Shop_Item\n WHERE Id = 2\n")),
+                         "Id\n2\n")
+
+    def test_line_ends_of_other_systems_and_byte_order_mark(self):
+        text = b"\xef\xbb\xbfSELECT Id\r\nFROM Shop_Item\r\nWHERE Id = 2;\r\n"
+        self.assertEqual(self.succeed(self.model("-o", "csv", stdin=text)), "Id\n2\n")
+        self.assertEqual(self.succeed(self.model("-o", "csv", "-f", self.write("q.qql", text))), "Id\n2\n")
+
+    def test_unknown_characters_come_out_before_the_result(self):
+        result = self.model("-o", "csv", "SELECT Id FROM Shop_Item WHERE Id = 1 $")
+        self.assertEqual((result.status, result.out), (0, "$Id\n1\n"))
+
+
+class Output(ToolCase):
+    def many_rows(self):
+        rows = "".join(f'instance of Big {{ K = {i}; T = "{"x" * 60}"; }};\n' for i in range(20000))
+        return self.write("big.mof", "Qualifier Key : boolean = false, Scope(property, reference), "
+                                     "Flavor(DisableOverride, ToSubclass);\n"
+                                     "class Big { [Key] uint32 K; string T; };\n" + rows)
+
+    def test_reader_that_goes_away_ends_the_tool_quietly(self):
+        path = self.many_rows()
+        for form in ("table", "csv", "json", "html", "xml"):
+            with self.subTest(form=form):
+                with subprocess.Popen([toolcase.TOOL, "--no-live", "-m", path, "-o", form, "SELECT K, T FROM Big"],
+                                      stdout=subprocess.PIPE, stderr=subprocess.PIPE) as tool:
+                    self.assertEqual(len(tool.stdout.read(10)), 10)
+                    tool.stdout.close()
+                    self.assertEqual(tool.stderr.read(), b"")
+                    self.assertEqual(tool.wait(timeout=60), 0)
+
+    def test_reader_that_was_never_there(self):
+        for handler in (signal.SIG_DFL, signal.SIG_IGN):
+            reading, writing = os.pipe()
+            os.close(reading)
+            done = subprocess.run([toolcase.TOOL, "--no-live", "-m", MODEL, ONE], stdout=writing,
+                                  stderr=subprocess.PIPE, check=False,
+                                  preexec_fn=lambda handler=handler: signal.signal(signal.SIGPIPE, handler))
+            os.close(writing)
+            self.assertEqual((done.returncode, done.stderr), (0, b""))
+
+    def test_full_device_is_an_error(self):
+        with open("/dev/full", "wb") as full:
+            done = subprocess.run([toolcase.TOOL, "--no-live", "-m", MODEL, ONE], stdout=full, stderr=subprocess.PIPE,
+                                  check=False)
+        self.assertEqual(done.stderr, b"qorql: error: cannot write the result: No space left on device\n")
+        self.assertEqual(done.returncode, 1)
+
+    def test_every_row_of_a_large_result_arrives(self):
+        text = self.succeed(self.run_tool("--no-live", "-m", self.many_rows(), "-o", "csv", "SELECT K FROM Big"))
+        self.assertEqual(text, "K\n" + "".join(f"{i}\n" for i in range(20000)))
+
+    def test_no_progress_line_without_a_terminal(self):
+        result = self.run_tool("--no-live", "-m", self.many_rows(), "-o", "csv", "SELECT K FROM Big ORDER BY T ASC")
+        self.assertEqual((result.status, result.err), (0, ""))
+
+
+if __name__ == "__main__":
+    toolcase.main()

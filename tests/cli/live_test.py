@@ -1,0 +1,116 @@
+"""Queries over the live classes of this machine."""
+import csv
+import io
+import json
+import os
+import subprocess
+import sys
+import unittest
+
+import toolcase
+from toolcase import MODEL, ToolCase
+
+QUALIFIERS = ("Qualifier Key : boolean = false, Scope(property, reference), Flavor(DisableOverride, ToSubclass);\n"
+              "Qualifier Override : string = null, Scope(property, method, reference), "
+              "Flavor(EnableOverride, Restricted);\n")
+
+
+class Live(ToolCase):
+    def rows(self, query, *arguments):
+        return json.loads(self.succeed(self.run_tool("-o", "json", *arguments, query)))
+
+    def test_finds_its_caller(self):
+        rows = self.rows(f"SELECT Handle, Name, ParentProcessID FROM Linux_Process WHERE Handle = '{os.getpid()}'")
+        self.assertEqual(len(rows), 1)
+        self.assertEqual(rows[0]["Handle"], str(os.getpid()))
+        self.assertEqual(rows[0]["ParentProcessID"], os.getppid())
+        with open("/proc/self/comm", encoding="utf-8") as comm:
+            self.assertEqual(rows[0]["Name"], comm.read().rstrip("\n"))
+
+    def test_finds_it_as_an_instance_of_the_base_class(self):
+        rows = self.rows(f"SELECT Handle FROM CIM_Process WHERE Handle = '{os.getpid()}'")
+        self.assertEqual(rows, [{"Handle": str(os.getpid())}])
+
+    def test_finds_arguments_of_a_child(self):
+        with subprocess.Popen([sys.executable, "-c", "input()", "größer, \"quoted\""], stdin=subprocess.PIPE) as child:
+            rows = self.rows(f"SELECT CommandLine, ParentProcessID FROM Linux_Process WHERE ProcessID = {child.pid}")
+            child.communicate(b"\n")
+        self.assertEqual(rows[0]["ParentProcessID"], os.getpid())
+        self.assertTrue(rows[0]["CommandLine"].endswith(" -c input() größer, \"quoted\""), rows)
+
+    def test_order_and_first(self):
+        rows = self.rows("SELECT FIRST 3 Handle, WorkingSetSize FROM Linux_Process ORDER BY WorkingSetSize DESC")
+        sizes = [row["WorkingSetSize"] for row in rows]
+        self.assertEqual(len(sizes), 3)
+        self.assertEqual(sizes, sorted(sizes, reverse=True))
+        self.assertGreater(sizes[0], 0)
+
+    def test_root_file_system(self):
+        rows = self.rows("SELECT Name, FileSystemSize, AvailableSpace, ReadOnly FROM Linux_FileSystem WHERE Name = '/'")
+        state = os.statvfs("/")
+        self.assertEqual(len(rows), 1)
+        self.assertEqual(rows[0]["FileSystemSize"], state.f_blocks * state.f_frsize)
+        self.assertEqual(rows[0]["ReadOnly"], bool(state.f_flag & os.ST_RDONLY))
+
+    def test_operating_system(self):
+        rows = self.rows("SELECT KernelRelease, HostName, LoadAverage, NumberOfProcesses FROM Linux_OperatingSystem")
+        self.assertEqual(len(rows), 1)
+        self.assertEqual(rows[0]["KernelRelease"], os.uname().release)
+        self.assertEqual(rows[0]["HostName"], os.uname().nodename)
+        self.assertEqual(len(rows[0]["LoadAverage"]), 3)
+        self.assertGreater(rows[0]["NumberOfProcesses"], 0)
+
+    def test_every_property_of_every_class(self):
+        for name in ("Linux_Process", "Linux_FileSystem", "Linux_OperatingSystem"):
+            with self.subTest(name=name):
+                text = self.succeed(self.run_tool("-o", "csv", f"SELECT * FROM {name}"))
+                rows = list(csv.reader(io.StringIO(text)))
+                self.assertGreater(len(rows), 1)
+                self.assertEqual({len(row) for row in rows}, {len(rows[0])})
+
+    def test_join_with_stored_instances(self):
+        path = self.write("watch.mof", QUALIFIERS + "class Watch { [Key] string Program; string Why; };\n"
+                                                    f'instance of Watch {{ Program = "{os.getpid()}"; Why = "me"; }};\n')
+        rows = self.rows("SELECT P.Handle, W.Why FROM Watch AS W, Linux_Process AS P WHERE P.Handle = W.Program",
+                         "-m", path)
+        self.assertEqual([list(row.values()) for row in rows], [[str(os.getpid()), "me"]])
+
+    def test_other_namespace(self):
+        rows = self.rows(f"SELECT OBJECTPATH(P) AS O FROM Linux_Process AS P WHERE Handle = '{os.getpid()}'",
+                         "-n", "root/live")
+        self.assertEqual(rows, [{"O": f'root/live:Linux_Process.Handle="{os.getpid()}"'}])
+
+    def test_without_live_classes_there_are_none(self):
+        result = self.run_tool("--no-live", "-m", MODEL, "SELECT Handle FROM Linux_Process")
+        self.assertEqual((result.status, result.out), (1, ""))
+
+    def test_a_fuller_schema_takes_the_place_of_the_short_one(self):
+        path = self.write("cim.mof", QUALIFIERS + (
+            "class CIM_ManagedElement { string Caption; };\n"
+            "class CIM_Process : CIM_ManagedElement {\n"
+            "  [Key] string CSName; [Key] string Handle; string Name; uint64 WorkingSetSize; string Extra;\n};\n"))
+        rows = self.rows(f"SELECT Handle, CSName, WorkingSetSize, Extra FROM Linux_Process "
+                         f"WHERE Handle = '{os.getpid()}'", "-m", path)
+        self.assertEqual(rows[0]["CSName"], os.uname().nodename)
+        self.assertGreater(rows[0]["WorkingSetSize"], 0)
+        self.assertIsNone(rows[0]["Extra"])
+
+    def test_a_schema_that_does_not_fit_goes_first(self):
+        path = self.write("odd.mof", QUALIFIERS + (
+            "class CIM_LogicalElement { [Key] uint32 Name; };\ninstance of CIM_LogicalElement { Name = 5; };\n"))
+        result = self.run_tool("-m", path, "-o", "csv", "SELECT Name FROM CIM_LogicalElement")
+        self.assertEqual((result.status, result.out), (0, "Name\n5\n"))
+        self.assertRegex(result.err, r"\Aqorql: warning: Without live classes, which do not fit the MOF files: .+\n\Z")
+        quiet = self.run_tool("--quiet", "-m", path, "-o", "csv", "SELECT Name FROM CIM_LogicalElement")
+        self.assertEqual((quiet.status, quiet.out, quiet.err), (0, "Name\n5\n", ""))
+
+    def test_only_what_a_query_names_is_read(self):
+        result = self.run_tool("-o", "csv", "--log", "trace", "--stats",
+                               f"SELECT Name FROM Linux_Process WHERE Handle = '{os.getpid()}'")
+        self.assertEqual(result.status, 0)
+        self.assertNotIn("Cannot read", result.err)
+        self.assertIn("enumerateInstances=1 ", result.err)
+
+
+if __name__ == "__main__":
+    toolcase.main()
