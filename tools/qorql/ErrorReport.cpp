@@ -3,6 +3,7 @@
 
 #include <exception>
 #include <iostream>
+#include <sstream>
 #include <string>
 
 #include "Cimom/QORQL/QORQL_Exception.h"
@@ -52,11 +53,16 @@ int reportFailure(const Statement& statement) noexcept {
   return kExitRefused;
 }
 
+// MOF faults come with the source line under each, so their lines stay.
 int reportStartFailure() noexcept {
   try {
     throw;
   } catch (const std::exception& error) {
-    printError(error.what(), "");
+    std::istringstream lines(error.what());
+    std::string line;
+    std::getline(lines, line);
+    printError(line, "");
+    while (std::getline(lines, line)) std::cerr << printableText(line) << '\n';
   }
   return kExitPlatform;
 }

@@ -75,7 +75,8 @@ void Session::addLiveClasses() {
     MofLoader(sink, nameSpace).loadText(linuxSchemaMof(), "live classes");
     registerLinuxProviders(_manager, nameSpace);
   } catch (const QoriBaseException& error) {
+    const std::string_view message = error.getMessage().view();
     _warnings.push_back("Without live classes, which do not fit the MOF files: " +
-                        printableText(error.getMessage().view()));
+                        printableText(message.substr(0, message.find('\n'))));
   }
 }
