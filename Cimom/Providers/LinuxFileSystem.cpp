@@ -146,8 +146,9 @@ std::vector<libmnt_fs*> visibleMounts(libmnt_table* table) {
 void LinuxFileSystem::enumerate(const Request& request, const Emit& emit) {
   const auto properties = bindProperties<LinuxProperty<Mount>>(request, kProperties);
   const Table table = readTable();
+  const QORString wanted = wantedKey(request, "Name");
   for (libmnt_fs* entry : visibleMounts(table.get())) {
     Mount mount{entry};
-    emitInstance(mount, properties, emit);
+    if (wanted.isNull() || wanted == mount.target()) emitInstance(mount, properties, emit);
   }
 }

@@ -211,7 +211,8 @@ Processes openProcesses(const BoundProperties& properties) {
   return Processes(processes);
 }
 
-std::vector<LinuxValue> readProcess(Sample& sample, const BoundProperties& properties, const pids_stack& stack) {
+void emitProcess(Sample& sample, const BoundProperties& properties, const pids_stack& stack,
+                 const InstanceProvider::Emit& emit) {
   std::vector<LinuxValue> values;
   values.reserve(properties.size());
   sample.pid = stack.head[properties.size()].result.s_int;
@@ -220,7 +221,16 @@ std::vector<LinuxValue> readProcess(Sample& sample, const BoundProperties& prope
     sample.item = &stack.head[i];
     values.push_back(properties[i] == nullptr ? LinuxValue() : properties[i]->read(sample));
   }
-  return values;
+  if (!sample.hasEnded) emit(std::move(values));
+}
+
+void emitOne(pids_info* processes, const QORString& handle, const BoundProperties& properties,
+             const InstanceProvider::Emit& emit) {
+  unsigned pid = static_cast<unsigned>(handle.atoi());
+  const pids_fetch* const fetched = procps_pids_select(processes, &pid, 1, PIDS_SELECT_PID);
+  if (fetched == nullptr || fetched->counts->total == 0) return;
+  Sample sample;
+  emitProcess(sample, properties, *fetched->stacks[0], emit);
 }
 
 }  // namespace
@@ -228,9 +238,10 @@ std::vector<LinuxValue> readProcess(Sample& sample, const BoundProperties& prope
 void LinuxProcess::enumerate(const Request& request, const Emit& emit) {
   const BoundProperties properties = bindProperties<ProcessProperty>(request, kProperties);
   const Processes processes = openProcesses(properties);
+  const QORString wanted = wantedKey(request, "Handle");
+  if (!wanted.isNull()) return emitOne(processes.get(), wanted, properties, emit);
   Sample sample;
   while (const pids_stack* stack = procps_pids_get(processes.get(), PIDS_FETCH_TASKS_ONLY)) {
-    std::vector<LinuxValue> values = readProcess(sample, properties, *stack);
-    if (!sample.hasEnded) emit(std::move(values));
+    emitProcess(sample, properties, *stack, emit);
   }
 }

@@ -32,6 +32,9 @@ std::vector<const Property*> bindProperties(const InstanceProvider::Request& req
   return bound;
 }
 
+// The value of a key of the one instance that is wanted; a null string when every instance is.
+QORString wantedKey(const InstanceProvider::Request& request, const char* keyName);
+
 // Reads the bound properties of one instance and hands them over.
 template <class Source>
 void emitInstance(Source& source, const std::vector<const LinuxProperty<Source>*>& properties,

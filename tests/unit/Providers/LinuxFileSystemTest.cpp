@@ -105,6 +105,14 @@ TEST(LinuxFileSystem, GivesAPercentageWhereThereIsSpace) {
   }
 }
 
+TEST(LinuxFileSystem, ReadsOneMountAloneWhenOneIsWanted) {
+  LinuxFileSystem provider;
+  const auto rows = enumerateRows(provider, {"Name"}, nameOf(provider, "Name", "/"));
+  ASSERT_EQ(rows.size(), 1u);
+  EXPECT_EQ(textOf(rows[0][0]), "/");
+  EXPECT_EQ(enumerateRows(provider, {"Name"}, nameOf(provider, "Name", "/no/such/mount")).size(), 0u);
+}
+
 TEST(LinuxFileSystem, GivesNullForAPropertyItDoesNotKnow) {
   const ProvidedRow row = rootRow({"EncryptionMethod", "CreationClassName"});
   EXPECT_EQ(textOf(row[1]), "(null)");

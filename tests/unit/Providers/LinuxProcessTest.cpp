@@ -233,6 +233,23 @@ TEST(LinuxProcess, EmitsEachProcessOnce) {
   EXPECT_EQ(handles.size(), rows.size());
 }
 
+TEST(LinuxProcess, ReadsOneProcessAloneWhenOneIsWanted) {
+  LinuxProcess provider;
+  const std::string self = std::to_string(getpid());
+  const auto rows = enumerateRows(provider, {"Handle", "ThreadCount"}, nameOf(provider, "handle", self));
+  ASSERT_EQ(rows.size(), 1u);
+  EXPECT_EQ(textOf(rows[0][0]), self);
+  EXPECT_EQ(textOf(rows[0][1]), "1");
+}
+
+TEST(LinuxProcess, ReadsNoneWhenTheOneWantedIsNotThere) {
+  LinuxProcess provider;
+  for (const char* handle : {"", "0", "-1", "999999999", "99999999999999", "x"}) {
+    const auto rows = enumerateRows(provider, {"Handle"}, nameOf(provider, "Handle", handle));
+    EXPECT_EQ(rows.size(), 0u) << handle;
+  }
+}
+
 TEST(LinuxProcess, FillsTheKeysOfAFullerSchema) {
   const ProvidedRow row =
       ownRow({"CreationClassName", "CSCreationClassName", "OSCreationClassName", "OSName", "CSName"});

@@ -9,18 +9,33 @@
 #include <vector>
 
 #include "Cimom/Embedded/InstanceProvider.h"
+#include "cimom/CQoriInstanceName.h"
+#include "cimom/CQoriProperty.h"
+#include "cimom/CQoriValue.h"
 
 using ProvidedRow = std::vector<QORSmrPtr<IQoriValue>>;
 
-// The rows of a request for the named properties.
-inline std::vector<ProvidedRow> enumerateRows(InstanceProvider& provider, const std::vector<std::string>& properties) {
+// The rows of a request for the named properties, of one instance alone when `only` is given.
+inline std::vector<ProvidedRow> enumerateRows(InstanceProvider& provider, const std::vector<std::string>& properties,
+                                              const QORSmrPtr<IQoriInstanceName>& only = {}) {
   InstanceProvider::Request request;
   request.nameSpace = "root/cimv2";
   request.className = provider.getClassName();
   for (const std::string& property : properties) request.propertyNames.push_back(QORString(property));
   std::vector<ProvidedRow> rows;
+  request.only = only;
   provider.enumerate(request, [&](ProvidedRow&& row) { rows.push_back(std::move(row)); });
   return rows;
+}
+
+// The name of the instance with that text as its one key.
+inline QORSmrPtr<IQoriInstanceName> nameOf(const InstanceProvider& provider, const char* key, const std::string& text) {
+  using Keys = QORValSlist<QORSmrPtr<IQoriProperty>>;
+  QORSmrPtr<Keys> keys = new Keys();
+  const QORSmrPtr<IQoriValue> value = new CQoriValue(QORString(text));
+  keys->append(QORSmrPtr<IQoriProperty>(new CQoriProperty(key, value, true)));
+  const QORSmrPtr<IQoriNameSpacePath> path = new CQoriNameSpacePath("", "root/cimv2");
+  return new CQoriInstanceName(provider.getClassName(), keys, path);
 }
 
 // The text of a value; "(null)" for none.
