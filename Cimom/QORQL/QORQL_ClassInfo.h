@@ -13,8 +13,10 @@ class QORQL_ClassInfo {
 
   // Appends, without a check for duplicates.
   void addProperty(QORString property);
-  // Appends unless the name is listed already, ignoring case.
+  // Appends unless the name is listed already, ignoring case. Constant time on average.
   void addPropertyOnce(const QORString& property);
+  // Whether the name is listed, ignoring case. Constant time on average.
+  bool listsProperty(const QORString& property);
   // Shared: callers see and change the same list. Never null.
   PropertyList getPropertyList() const { return _properties; }
   QORboolean needAllProperties() const noexcept { return _allProperties; }
@@ -27,14 +29,26 @@ class QORQL_ClassInfo {
   void setFetchAllProperties(QORboolean fetchAll) noexcept { _fetchAll = fetchAll; }
 
  private:
+  void _updateIndex();
+
   QORString _className;
   PropertyList _properties;
   QORboolean _allProperties;
   QORboolean _fetchAll = false;
+  // The folded names of the first _indexed elements of a long list; null for a short one.
+  QORSmrPtr<QORValMap<QORString, bool>> _index;
+  QORuint32 _indexed = 0;
+  QORuint32 _indexBuckets = 0;
 };
 
 // The classes that a statement needs, by name: filled while it is parsed.
 using QORQL_ClassInfoMap = QORValMap<QORString, QORSmrPtr<QORQL_ClassInfo>>;
 using QORQL_ProjectionMap = QORSmrPtr<QORQL_ClassInfoMap>;
+
+// A new, empty map.
+QORQL_ProjectionMap QORQL_newProjectionMap();
+// The record of that name (compared exactly), made when it is absent; a null
+// pointer when there is no map.
+QORSmrPtr<QORQL_ClassInfo> QORQL_recordOf(QORQL_ProjectionMap& map, const QORString& name);
 
 #endif

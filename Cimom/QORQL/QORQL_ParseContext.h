@@ -1,4 +1,4 @@
-// What every parse routine of an expression is given, and the bound of nesting.
+// What bounds and surrounds the parsing of an expression.
 #ifndef QORQL_PARSECONTEXT_H
 #define QORQL_PARSECONTEXT_H
 
@@ -22,6 +22,39 @@ class QORQL_NestingGuard {
 
  private:
   QORQL_Lexer& _lexer;
+};
+
+// Sets the symbol table's updated flag while it lives and restores it, after an
+// exception too. The flag tells factors that they stand in a select list, which
+// refuses array references.
+class QORQL_UpdatedFlagScope {
+ public:
+  QORQL_UpdatedFlagScope(QORQL_SymbolTable& symbolTable, QORboolean updated);
+  QORQL_UpdatedFlagScope(const QORQL_UpdatedFlagScope&) = delete;
+  QORQL_UpdatedFlagScope& operator=(const QORQL_UpdatedFlagScope&) = delete;
+  ~QORQL_UpdatedFlagScope();
+
+ private:
+  QORQL_SymbolTable& _symbolTable;
+  QORboolean _before;
+};
+
+// Surrounds the parsing of a WHERE condition or a sort key: names go into a map
+// of their own, since only the select list's names must be those of FROM; array
+// references are allowed.
+class QORQL_ConditionScope {
+ public:
+  explicit QORQL_ConditionScope(QORQL_SymbolTable& symbolTable);
+
+  QORQL_ProjectionMap& projectionMap() noexcept { return _projectionMap; }
+  // Adds what the condition names of each known class to what the statement
+  // requests of it.
+  void requestProperties();
+
+ private:
+  QORQL_SymbolTable& _symbolTable;
+  QORQL_UpdatedFlagScope _flag;
+  QORQL_ProjectionMap _projectionMap;
 };
 
 #endif

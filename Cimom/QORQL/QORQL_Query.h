@@ -21,6 +21,7 @@ class QORQL_Function;
 class QORQL_Lexer;
 class QORQL_OrderByClause;
 class QORQL_SelectList;
+class QORQL_SelectedEntry;
 class QORQL_SymbolTable;
 class QORQL_Term;
 class QORQL_WhereClause;
@@ -59,14 +60,21 @@ class QORQL_Query : public QORQL_Executable {
  private:
   friend class QORQL_AssociationPlan;
 
+  struct NameCache;
   struct UpdateContext {
     const QORString& nameSpace;
     const std::set<QORString>& classes;
     const std::set<QORString>& aliases;
     QORQL_SymbolTable& symbolTable;
     QORSmrPtr<QORQL_SelectList> selectList;  // where sort keys look for column aliases; null elsewhere
+    NameCache& cache;
+    bool needsWholeObjects = false;  // a whole object that is named is needed with all its properties
   };
 
+  static QORSmrPtr<QORQL_Query> _parseClauses(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
+                                              QORboolean isNestedQuery, QORQL_ProjectionMap& projectionMap,
+                                              const QORString& queryString, const QORString& queryLanguage);
+  void _resolve(QORQL_SymbolTable& symbolTable, QORQL_ProjectionMap& projectionMap, const QORString& nameSpace);
   static void _getClassesAndAliases(QORQL_SymbolTable& symbolTable, std::set<QORString>& classes,
                                     std::set<QORString>& aliases);
   static void _findSelectClasses(QORQL_SelectList& selectList, QORQL_ProjectionMap& projectionMap,
@@ -75,6 +83,14 @@ class QORQL_Query : public QORQL_Executable {
   static void _findWhereClasses(QORQL_WhereClause& whereClause, UpdateContext& context);
   static void _findOrderByClasses(QORQL_OrderByClause& orderByClause, UpdateContext& context);
   static QORString _findClass(const QORString& propertyName, UpdateContext& context);
+  // How many of the FROM classes have the property (no further than two), and the first of them.
+  static QORuint32 _countClasses(const QORString& propertyName, UpdateContext& context, QORString& first);
+  static bool _isFromName(const QORString& name, const UpdateContext& context);
+  static void _bindBareNames(QORQL_ProjectionMap& projectionMap, UpdateContext& context);
+  static void _requestEmbeddedRoots(QORQL_ProjectionMap& projectionMap, UpdateContext& context);
+  static void _resolveEntry(QORQL_SelectedEntry& entry, UpdateContext& context);
+  static bool _resolveToEntryOrObject(QORQL_Factor& factor, UpdateContext& context);
+  static bool _tryFindClass(const QORString& propertyName, UpdateContext& context, QORString& found);
   static void _updateExpression(QORQL_Factor& factor, UpdateContext& context);
   static void _updateExpression(const QORQL_Term& term, UpdateContext& context);
   static void _updateExpression(const QORQL_Arithmetic& arithmetic, UpdateContext& context);

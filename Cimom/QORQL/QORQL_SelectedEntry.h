@@ -40,7 +40,7 @@ class QORQL_SelectedEntry {
   // A reference with a class, written or resolved.
   QORboolean isProperty() const noexcept { return !_className.isEmpty(); }
   // A property reference with nothing around it: read straight from the row's object.
-  bool isPlainProperty() const noexcept { return _isPlainProperty; }
+  bool isPlainProperty() const noexcept { return _isPlainProperty && !_propertyName.isEmpty(); }
   // Written C.*.
   bool isClassAll() const noexcept;
 
@@ -63,7 +63,7 @@ class QORQL_SelectedEntry {
   QORboolean _isEntryAggregate;
   QORSmrPtr<IQoriValue> _aggregateValue;
   QORuint32 _functionID;
-  bool _isPlainProperty;  // decided by the constructor from the expression's shape
+  bool _isPlainProperty;  // by the expression's shape; decided by the constructor
 };
 
 #endif

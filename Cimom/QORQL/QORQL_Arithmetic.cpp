@@ -1,0 +1,40 @@
+// Sums and differences: parsing and walking.
+#include "Cimom/QORQL/QORQL_Arithmetic.h"
+
+#include "Cimom/QORQL/QORQL_Chain.h"
+#include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
+#include "Cimom/QORQL/QORQL_Term.h"
+
+namespace {
+
+QORQL_Operator operatorOf(QORQL_TokenType type) {
+  if (type == TokenPLUS) return QORQL_OperatorPLUS;
+  return type == TokenMINUS ? QORQL_OperatorMINUS : QORQL_OperatorNONE;
+}
+
+}  // namespace
+
+QORQL_Arithmetic::QORQL_Arithmetic(const QORSmrPtr<QORQL_Evaluatable>& term,
+                                   const QORSmrPtr<QORQL_Evaluatable>& arithmetic, QORQL_Operator op)
+    : _term(term), _arithmetic(arithmetic), _operator(op) {}
+
+QORQL_Arithmetic::~QORQL_Arithmetic() { QORQL_releaseChain<QORQL_Arithmetic>(_arithmetic); }
+
+QORSmrPtr<QORQL_Evaluatable> QORQL_Arithmetic::parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
+                                                     QORQL_ProjectionMap& projMap, const QORString& queryString,
+                                                     const QORString& queryLanguage) {
+  return QORQL_parseChain<QORQL_Arithmetic>(
+      lexer, &operatorOf, [&] { return QORQL_Term::parse(symbolTable, lexer, projMap, queryString, queryLanguage); });
+}
+
+QORQL_Term* QORQL_Arithmetic::getTermCasted() const noexcept { return dynamic_cast<QORQL_Term*>(_term.Get()); }
+
+void QORQL_Arithmetic::accept(QORSmrPtr<QORQL_ExpressionVisitor>& visitor) {
+  QORQL_walkChain(
+      *this,
+      [&](QORQL_Arithmetic& node) {
+        if (!node._term.IsNull()) node._term->accept(visitor);
+      },
+      [&](QORSmrPtr<QORQL_Evaluatable>& right) { right->accept(visitor); },
+      [&](QORQL_Arithmetic& node) { visitor->visitArithmetic(node); });
+}

@@ -1,0 +1,57 @@
+// What a query needs of one class, and the map of all its classes.
+//
+// A select list may name thousands of properties of one class. Up to
+// kScannedNames the list is searched as it is; beyond, an index of folded names
+// is kept beside it, which catches up with names that were appended through the
+// shared list and is made anew, four times as wide, when it fills.
+#include "Cimom/QORQL/QORQL_ClassInfo.h"
+
+namespace {
+
+constexpr QORuint32 kScannedNames = 16;
+constexpr QORuint32 kMapBuckets = 150;
+
+}  // namespace
+
+QORQL_ClassInfo::QORQL_ClassInfo(QORString className, PropertyList properties, QORboolean allProperties)
+    : _className(className), _properties(properties), _allProperties(allProperties) {
+  if (_properties.IsNull()) _properties = new QORValSlist<QORString>;
+}
+
+void QORQL_ClassInfo::addProperty(QORString property) { _properties->append(property); }
+
+void QORQL_ClassInfo::addPropertyOnce(const QORString& property) {
+  if (!listsProperty(property)) _properties->append(property);
+}
+
+bool QORQL_ClassInfo::listsProperty(const QORString& property) {
+  if (_properties->entries() > kScannedNames) {
+    _updateIndex();
+    return _index->contains(QORString::toUpperCase(property));
+  }
+  QORValSlistIterator<QORString> names(*_properties);
+  while (++names) {
+    if (names.key().isEqualCaseInsensitive(property)) return true;
+  }
+  return false;
+}
+
+void QORQL_ClassInfo::_updateIndex() {
+  const QORuint32 count = _properties->entries();
+  if (_index.IsNull() || count < _indexed || count > _indexBuckets) {
+    _indexBuckets = count * 4;
+    _index = new QORValMap<QORString, bool>(&hashKeyQORString, _indexBuckets);
+    _indexed = 0;
+  }
+  for (; _indexed < count; ++_indexed) _index->insert(QORString::toUpperCase(_properties->at(_indexed)), true);
+}
+
+QORQL_ProjectionMap QORQL_newProjectionMap() { return new QORQL_ClassInfoMap(&hashKeyQORString, kMapBuckets); }
+
+QORSmrPtr<QORQL_ClassInfo> QORQL_recordOf(QORQL_ProjectionMap& map, const QORString& name) {
+  QORSmrPtr<QORQL_ClassInfo> record;
+  if (map.IsNull() || map->find(name, record)) return record;
+  record = new QORQL_ClassInfo(name, nullptr, false);
+  map->insert(name, record);
+  return record;
+}

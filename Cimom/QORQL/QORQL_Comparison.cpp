@@ -1,0 +1,219 @@
+// The comparison of two arithmetic expressions: parsing, walking, and the
+// recognition of association conditions.
+#include "Cimom/QORQL/QORQL_Comparison.h"
+
+#include "Cimom/QORQL/QORQL_Arithmetic.h"
+#include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
+#include "Cimom/QORQL/QORQL_Factor.h"
+#include "Cimom/QORQL/QORQL_IdentifierFinder.h"
+#include "Cimom/QORQL/QORQL_Lexer.h"
+#include "Cimom/QORQL/QORQL_Messages.h"
+#include "Cimom/QORQL/QORQL_Term.h"
+
+namespace {
+
+using ArrayComp = QORQL_Comparison::QORQL_ARRAY_COMP;
+
+// Takes ANY or EVERY when it is current.
+ArrayComp parseArrayComp(QORQL_Lexer& lexer, ArrayComp any, ArrayComp every) {
+  const QORQL_TokenType type = lexer.getCurrent().getType();
+  if (type != TokenANY && type != TokenEVERY) return QORQL_Comparison::ArrayCompNone;
+  lexer.next(false);
+  return type == TokenANY ? any : every;
+}
+
+// Entered on IS; takes all of it.
+QORQL_Operator parseIs(QORQL_Lexer& lexer) {
+  const bool negated = lexer.next(false).getType() == TokenNOT;
+  if (negated) lexer.next(false);
+  if (lexer.getCurrent().getType() != TokenNULL) QORQL_raise(QORQL_Messages::kIsInvalid);
+  lexer.next(false);
+  return negated ? QORQL_OperatorISNOTNULL : QORQL_OperatorISNULL;
+}
+
+void checkIsa(QORQL_Lexer& lexer) {
+  const QORQL_TokenType type = lexer.lookAhead(1).getType();
+  if (type != TokenID && type != TokenSTRINGLITERAL) QORQL_raise(QORQL_Messages::kIsaInvalid);
+}
+
+QORQL_Operator operatorOf(QORQL_TokenType type) {
+  switch (type) {
+    case TokenEQUALS:
+      return QORQL_OperatorEQUAL;
+    case TokenNOTEQUALS:
+      return QORQL_OperatorNOTEQUAL;
+    case TokenLESS:
+      return QORQL_OperatorLESS;
+    case TokenLESSEQUAL:
+      return QORQL_OperatorLESSEQUAL;
+    case TokenGREATER:
+      return QORQL_OperatorGREATER;
+    case TokenGREATEREQUAL:
+      return QORQL_OperatorGREATEREQUAL;
+    case TokenLIKE:
+      return QORQL_OperatorLIKE;
+    case TokenLEFTJOIN:
+      return QORQL_OperatorLEFTJOIN;
+    case TokenRIGHTJOIN:
+      return QORQL_OperatorRIGHTJOIN;
+    case TokenFULLOUTERJOIN:
+      return QORQL_OperatorFULLOUTERJOIN;
+    case TokenISA:
+      return QORQL_OperatorISA;
+    default:
+      return QORQL_OperatorNONE;
+  }
+}
+
+// Leaves the right operand current, when one follows.
+QORQL_Operator parseOperator(QORQL_Lexer& lexer) {
+  const QORQL_TokenType type = lexer.getCurrent().getType();
+  if (type == TokenIS) return parseIs(lexer);
+  if (type == TokenISA) checkIsa(lexer);
+  const QORQL_Operator op = operatorOf(type);
+  if (op != QORQL_OperatorNONE) lexer.next(false);
+  return op;
+}
+
+bool takesRightOperand(QORQL_Operator op) {
+  return op != QORQL_OperatorNONE && op != QORQL_OperatorISNULL && op != QORQL_OperatorISNOTNULL;
+}
+
+void validateArrays(const QORQL_Comparison& comparison) {
+  QORQL_Arithmetic* const left = dynamic_cast<QORQL_Arithmetic*>(comparison.getLHSArithmeticExpression().Get());
+  QORQL_Arithmetic* const right = dynamic_cast<QORQL_Arithmetic*>(comparison.getRHSArithmeticExpression().Get());
+  switch (comparison.getArrayComp()) {
+    case QORQL_Comparison::ArrayCompAnyLeft:
+    case QORQL_Comparison::ArrayCompEveryLeft:
+      if (right != nullptr) QORQL_Comparison::validateAnyArray(right);
+      break;
+    case QORQL_Comparison::ArrayCompAnyRight:
+    case QORQL_Comparison::ArrayCompEveryRight:
+      if (left != nullptr) QORQL_Comparison::validateAnyArray(left);
+      break;
+    case QORQL_Comparison::ArrayCompNone:
+      if (left != nullptr && right != nullptr) QORQL_Comparison::validateScalarArray(left, right);
+      break;
+  }
+}
+
+// The leading factor of an operand; null when it has none.
+const QORQL_Factor* leadingFactor(const QORQL_Arithmetic* arithmetic) {
+  const QORQL_Term* const term = arithmetic == nullptr ? nullptr : arithmetic->getTermCasted();
+  return term == nullptr ? nullptr : term->getFactorCasted();
+}
+
+bool isCompleteArray(const QORQL_Factor& factor) {
+  return factor.getArrayIndexList() == QORQL_Factor::kWholeArray ||
+         factor.getArrayIndexList() == QORQL_Factor::kEmptyBrackets;
+}
+
+// The factor that an operand consists of, when that is a bare identifier and nothing else.
+const QORQL_Factor* bareIdentifier(const QORSmrPtr<QORQL_Evaluatable>& side) {
+  const QORQL_Arithmetic* const arithmetic = dynamic_cast<const QORQL_Arithmetic*>(side.Get());
+  if (arithmetic == nullptr || arithmetic->getOperator() != QORQL_OperatorNONE) return nullptr;
+  const QORQL_Factor* const factor = leadingFactor(arithmetic);
+  if (factor == nullptr || arithmetic->getTermCasted()->getOperator() != QORQL_OperatorNONE) return nullptr;
+  return factor->isBareIdentifier() ? factor : nullptr;
+}
+
+// The one class that an operand refers to as X.firstref, X.secondref or OBJECTPATH(X); null when it is no such
+// reference.
+QORSmrPtr<QORString> referredClass(const QORSmrPtr<QORQL_Evaluatable>& side) {
+  QORQL_IdentifierFinder* const finder = new QORQL_IdentifierFinder;
+  QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
+  side->accept(visitor);
+  const QORQL_IdentifierFinder::ClassNameList names = finder->getClassNameList();
+  return finder->isClassReference() && names->entries() == 1 ? names->first() : QORSmrPtr<QORString>();
+}
+
+bool canTieAssociation(const QORQL_Comparison& comparison) {
+  switch (comparison.getOperator()) {
+    case QORQL_OperatorEQUAL:
+    case QORQL_OperatorLEFTJOIN:
+    case QORQL_OperatorRIGHTJOIN:
+    case QORQL_OperatorFULLOUTERJOIN:
+      return !comparison.isArrayComp() && !comparison.getLHSArithmeticExpression().IsNull() &&
+             !comparison.getRHSArithmeticExpression().IsNull();
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+QORQL_Comparison::QORQL_Comparison(const QORSmrPtr<QORQL_Evaluatable>& arithmetic1,
+                                   const QORSmrPtr<QORQL_Evaluatable>& arithmetic2, QORQL_Operator op)
+    : _arithmetic1(arithmetic1), _arithmetic2(arithmetic2), _operator(op) {}
+
+QORQL_Comparison::~QORQL_Comparison() = default;
+
+QORSmrPtr<QORQL_Evaluatable> QORQL_Comparison::parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
+                                                     QORQL_ProjectionMap& projMap, const QORString& queryString,
+                                                     const QORString& queryLanguage) {
+  ArrayComp arrayComp = parseArrayComp(lexer, ArrayCompAnyLeft, ArrayCompEveryLeft);
+  const QORSmrPtr<QORQL_Evaluatable> left =
+      QORQL_Arithmetic::parse(symbolTable, lexer, projMap, queryString, queryLanguage);
+  const QORQL_Operator op = parseOperator(lexer);
+  QORSmrPtr<QORQL_Evaluatable> right;
+  if (takesRightOperand(op)) {
+    const ArrayComp rightComp = parseArrayComp(lexer, ArrayCompAnyRight, ArrayCompEveryRight);
+    if (rightComp != ArrayCompNone) {
+      if (arrayComp != ArrayCompNone) QORQL_raise(QORQL_Messages::kAnyEveryTwice);
+      arrayComp = rightComp;
+    }
+    right = QORQL_Arithmetic::parse(symbolTable, lexer, projMap, queryString, queryLanguage);
+  }
+  QORQL_Comparison* const comparison = new QORQL_Comparison(left, right, op);
+  QORSmrPtr<QORQL_Evaluatable> result(comparison);
+  comparison->setArrayComp(arrayComp);
+  validateArrays(*comparison);
+  return result;
+}
+
+void QORQL_Comparison::validateAnyArray(QORQL_Arithmetic* other) {
+  const QORQL_Factor* const factor = leadingFactor(other);
+  if (factor != nullptr && isCompleteArray(*factor)) QORQL_raise(QORQL_Messages::kAnyEveryArrays);
+}
+
+void QORQL_Comparison::validateScalarArray(QORQL_Arithmetic* left, QORQL_Arithmetic* right) {
+  const QORQL_Factor* const leftFactor = leadingFactor(left);
+  const QORQL_Factor* const rightFactor = leadingFactor(right);
+  if (leftFactor == nullptr || rightFactor == nullptr) return;
+  if (isCompleteArray(*leftFactor) != isCompleteArray(*rightFactor)) QORQL_raise(QORQL_Messages::kArrayWithScalar);
+}
+
+QORQL_JoinType QORQL_Comparison::getJoinType() const noexcept {
+  switch (_operator) {
+    case QORQL_OperatorLEFTJOIN:
+      return QORQL_JOIN_TYPE_LEFT_OUTER;
+    case QORQL_OperatorRIGHTJOIN:
+      return QORQL_JOIN_TYPE_RIGHT_OUTER;
+    case QORQL_OperatorFULLOUTERJOIN:
+      return QORQL_JOIN_TYPE_FULL_OUTER;
+    default:
+      return QORQL_JOIN_TYPE_INNER;
+  }
+}
+
+bool QORQL_Comparison::isComparisonAnAssociation(QORQL_JoinType& joinType, QORString& leftName,
+                                                 QORString& rightName) const {
+  if (!canTieAssociation(*this)) return false;
+  const QORQL_Factor* const bareRight = bareIdentifier(_arithmetic2);
+  const bool rightIsFromName = bareRight != nullptr && bareRight->isKnownFromName();
+  const QORQL_Factor* const bareLeft = rightIsFromName ? bareIdentifier(_arithmetic1) : nullptr;
+  const QORSmrPtr<QORString> left = bareLeft != nullptr ? bareLeft->getPropertyName() : referredClass(_arithmetic1);
+  if (left.IsNull()) return false;
+  const QORSmrPtr<QORString> right = rightIsFromName ? bareRight->getPropertyName() : referredClass(_arithmetic2);
+  if (right.IsNull()) return false;
+  joinType = getJoinType();
+  leftName = *left;
+  rightName = *right;
+  return true;
+}
+
+void QORQL_Comparison::accept(QORSmrPtr<QORQL_ExpressionVisitor>& visitor) {
+  if (!_arithmetic1.IsNull()) _arithmetic1->accept(visitor);
+  if (!_arithmetic2.IsNull()) _arithmetic2->accept(visitor);
+  visitor->visitComparison(*this);
+}

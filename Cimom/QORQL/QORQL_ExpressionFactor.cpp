@@ -1,0 +1,34 @@
+// One comparison of a condition, negated or not: parsing and walking.
+#include "Cimom/QORQL/QORQL_ExpressionFactor.h"
+
+#include "Cimom/QORQL/QORQL_Comparison.h"
+#include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
+#include "Cimom/QORQL/QORQL_Lexer.h"
+
+QORQL_ExpressionFactor::QORQL_ExpressionFactor(const QORSmrPtr<QORQL_Evaluatable>& comparison, QORQL_Operator op,
+                                               const QORString& queryString, const QORString& queryLanguage)
+    : _comparison(comparison), _operator(op), _queryString(queryString), _queryLanguage(queryLanguage) {}
+
+QORQL_ExpressionFactor::~QORQL_ExpressionFactor() = default;
+
+QORSmrPtr<QORQL_Evaluatable> QORQL_ExpressionFactor::parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
+                                                           QORQL_ProjectionMap& projMap, const QORString& queryString,
+                                                           const QORString& queryLanguage) {
+  const QORQL_Operator op = lexer.getCurrent().getType() == TokenNOT ? QORQL_OperatorNOT : QORQL_OperatorNONE;
+  if (op == QORQL_OperatorNOT) lexer.next(false);
+  const QORSmrPtr<QORQL_Evaluatable> comparison =
+      QORQL_Comparison::parse(symbolTable, lexer, projMap, queryString, queryLanguage);
+  return new QORQL_ExpressionFactor(comparison, op, queryString, queryLanguage);
+}
+
+bool QORQL_ExpressionFactor::isComparisonAnAssociation(QORQL_JoinType& joinType, QORString& leftName,
+                                                       QORString& rightName) const {
+  const QORQL_Comparison* const comparison = dynamic_cast<const QORQL_Comparison*>(_comparison.Get());
+  return _operator == QORQL_OperatorNONE && comparison != nullptr &&
+         comparison->isComparisonAnAssociation(joinType, leftName, rightName);
+}
+
+void QORQL_ExpressionFactor::accept(QORSmrPtr<QORQL_ExpressionVisitor>& visitor) {
+  if (!_comparison.IsNull()) _comparison->accept(visitor);
+  visitor->visitExpressionFactor(*this);
+}

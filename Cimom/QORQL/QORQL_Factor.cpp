@@ -1,0 +1,173 @@
+// The leaf of an expression: what it is, and the parsing of all its forms but
+// the identifier reference, which QORQL_Reference reads.
+#include "Cimom/QORQL/QORQL_Factor.h"
+
+#include <charconv>
+#include <limits>
+#include <string_view>
+#include <system_error>
+
+#include "Cimom/QORQL/QORQL_Comparison.h"
+#include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
+#include "Cimom/QORQL/QORQL_Function.h"
+#include "Cimom/QORQL/QORQL_Lexer.h"
+#include "Cimom/QORQL/QORQL_Messages.h"
+#include "Cimom/QORQL/QORQL_ParseContext.h"
+#include "Cimom/QORQL/QORQL_Reference.h"
+#include "Cimom/QORQL/QORQL_SelectedEntry.h"
+#include "cimom/CQoriValue.h"
+
+namespace {
+
+using Node = QORSmrPtr<QORQL_Evaluatable>;
+
+Node nested(const Node& node, QORQL_Operator op) {
+  return new QORQL_Factor(node, nullptr, nullptr, nullptr, op, false);
+}
+
+// Typed by its size; a number after a minus sign is typed as signed, though it
+// stays non-negative itself: the negation or subtraction applies the sign.
+IQoriValue* decimalValue(QORuint64 number, bool afterMinus) {
+  constexpr auto fits = [](QORuint64 value, auto limit) { return value <= static_cast<QORuint64>(limit); };
+  if (afterMinus) {
+    // The smallest signed type of a literal is sint32, not sint8, on purpose.
+    if (fits(number, std::numeric_limits<QORsint8>::max())) {
+      return new CQoriValue(static_cast<int>(number), CQoriType::sint32);
+    }
+    if (fits(number, std::numeric_limits<QORsint16>::max())) {
+      return new CQoriValue(static_cast<short>(number), CQoriType::sint16);
+    }
+    if (fits(number, std::numeric_limits<QORsint32>::max())) {
+      return new CQoriValue(static_cast<int>(number), CQoriType::sint32);
+    }
+    return new CQoriValue(static_cast<long long>(number), CQoriType::sint64);
+  }
+  if (fits(number, std::numeric_limits<QORuint8>::max())) {
+    return new CQoriValue(static_cast<unsigned char>(number), CQoriType::uint8);
+  }
+  if (fits(number, std::numeric_limits<QORuint16>::max())) {
+    return new CQoriValue(static_cast<unsigned short>(number), CQoriType::uint16);
+  }
+  if (fits(number, std::numeric_limits<QORuint32>::max())) {
+    return new CQoriValue(static_cast<unsigned int>(number), CQoriType::uint32);
+  }
+  return new CQoriValue(static_cast<unsigned long long>(number), CQoriType::uint64);
+}
+
+// The power of ten of a real literal's first digit that is not zero.
+QORsint64 magnitudeOf(std::string_view text) {
+  const std::size_t exponent = text.find_first_of("eE");
+  const QORsint64 power = exponent == std::string_view::npos ? 0 : QORString(text.substr(exponent + 1)).atoi();
+  return power + static_cast<QORsint64>(text.find('.')) - static_cast<QORsint64>(text.find_first_not_of("0."));
+}
+
+// The longest valid prefix, whatever the process's locale; beyond the range of
+// a double, infinity or zero.
+IQoriValue* realValue(std::string_view text) {
+  double number = 0;
+  const std::from_chars_result result = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (result.ec == std::errc::result_out_of_range) {
+    number = magnitudeOf(text) > 0 ? std::numeric_limits<double>::infinity() : 0.0;
+  }
+  return new CQoriValue(number, CQoriType::real64);
+}
+
+bool isLiteral(QORQL_TokenType type, QORQL_TokenType before) {
+  return before == TokenISA || type == TokenSTRINGLITERAL || type == TokenDECIMALLITERAL ||
+         type == TokenBOOLEANLITERAL || type == TokenREALLITERAL;
+}
+
+// The class name after ISA is text, and so are TRUE and FALSE.
+IQoriValue* literalValue(const QORQL_Token& token, QORQL_TokenType before) {
+  if (before != TokenISA && token.getType() == TokenDECIMALLITERAL) {
+    return decimalValue(token.getValue().atoui64(), before == TokenMINUS);
+  }
+  if (before != TokenISA && token.getType() == TokenREALLITERAL) return realValue(token.getValue().view());
+  return new CQoriValue(token.getValue());
+}
+
+Node parseLiteral(QORQL_Lexer& lexer) {
+  const QORSmrPtr<IQoriValue> literal(literalValue(lexer.getCurrent(), lexer.lookBack().getType()));
+  lexer.next(false);
+  return new QORQL_Factor(nullptr, nullptr, nullptr, literal, QORQL_OperatorNONE, false);
+}
+
+}  // namespace
+
+QORQL_Factor::QORQL_Factor(const QORSmrPtr<QORQL_Evaluatable>& evaluatable, const QORSmrPtr<QORString>& className,
+                           const QORSmrPtr<QORString>& propertyName, const QORSmrPtr<IQoriValue>& literal,
+                           QORQL_Operator op, bool isSelectAll)
+    : _evaluatable(evaluatable),
+      _idClassName(className),
+      _idPropertyName(propertyName),
+      _literal(literal),
+      _operator(op),
+      _isSelectAll(isSelectAll) {}
+
+QORQL_Factor::QORQL_Factor(const QORSmrPtr<QORQL_Evaluatable>& evaluatable, const QORSmrPtr<QORString>& className,
+                           const QORSmrPtr<QORString>& propertyName, const QORSmrPtr<IQoriValue>& literal,
+                           QORQL_Operator op, const QORSmrPtr<QORString>& chain,
+                           const QORSmrPtr<QORString>& propertyScope, QORsint32 arrayIndexList)
+    : _evaluatable(evaluatable),
+      _idClassName(className),
+      _idPropertyName(propertyName),
+      _literal(literal),
+      _operator(op),
+      _chain(chain),
+      _property_scope(propertyScope),
+      _array_index_list(arrayIndexList) {}
+
+QORQL_Factor::~QORQL_Factor() = default;
+
+QORSmrPtr<QORQL_Evaluatable> QORQL_Factor::parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
+                                                 QORQL_ProjectionMap& projMap, const QORString& queryString,
+                                                 const QORString& queryLanguage) {
+  const auto parseParentheses = [&] {
+    const QORQL_NestingGuard guard(lexer);
+    lexer.next(false);
+    const Node comparison = QORQL_Comparison::parse(symbolTable, lexer, projMap, queryString, queryLanguage);
+    if (lexer.getCurrent().getType() != TokenCLOSEPAREN) QORQL_raise(QORQL_Messages::kFactorParenExpected, lexer);
+    lexer.next(false);
+    return comparison;
+  };
+  const QORQL_TokenType type = lexer.getCurrent().getType();
+  if (type == TokenOPENPAREN) return nested(parseParentheses(), QORQL_OperatorNONE);
+  if (isLiteral(type, lexer.lookBack().getType())) return parseLiteral(lexer);
+  if (type == TokenMINUS) {
+    const QORQL_NestingGuard guard(lexer);
+    const bool isParenthesised = lexer.next(false).getType() == TokenOPENPAREN;
+    return nested(isParenthesised ? parseParentheses() : parse(symbolTable, lexer, projMap, queryString, queryLanguage),
+                  QORQL_OperatorMINUS);
+  }
+  if (type != TokenID) QORQL_raiseAtToken(QORQL_Messages::kUnexpectedToken, lexer);
+  if (lexer.lookAhead(1).getType() == TokenOPENPAREN) {
+    return nested(QORQL_Function::parse(symbolTable, lexer, projMap, queryString, queryLanguage), QORQL_OperatorNONE);
+  }
+  return QORQL_parseReference(symbolTable, lexer, projMap);
+}
+
+QORboolean QORQL_Factor::isClassReference() const noexcept {
+  return _evaluatable.IsNull() && !_idClassName.IsNull() && !_idPropertyName.IsNull() &&
+         !_idClassName.Get()->isEmpty() &&
+         (*_idPropertyName.Get() == "firstref" || *_idPropertyName.Get() == "secondref");
+}
+
+QORboolean QORQL_Factor::isPropertyReference() const noexcept {
+  return (!_idPropertyName.IsNull() || _isSelectAll) && !_idClassName.IsNull() && _evaluatable.IsNull() &&
+         _literal.IsNull() && _operator == QORQL_OperatorNONE;
+}
+
+bool QORQL_Factor::isBareIdentifier() const noexcept {
+  return isPropertyReference() && !_idPropertyName.IsNull() && _idClassName.Get()->isEmpty() && _chain.IsNull() &&
+         _property_scope.IsNull() && _array_index_list == kNoArray;
+}
+
+void QORQL_Factor::setSelectedEntry(const QORSmrPtr<QORQL_SelectedEntry>& entry) { _selectedEntry = entry; }
+
+void QORQL_Factor::accept(QORSmrPtr<QORQL_ExpressionVisitor>& visitor) {
+  if (_evaluatable.IsNull()) {
+    visitor->visitFactor(*this);
+  } else {
+    _evaluatable->accept(visitor);
+  }
+}

@@ -1,0 +1,31 @@
+// The FROM clause: parsing.
+#include "Cimom/QORQL/QORQL_FromClause.h"
+
+#include "Cimom/QORQL/QORQL_Lexer.h"
+#include "Cimom/QORQL/QORQL_Messages.h"
+#include "Cimom/QORQL/QORQL_SelectList.h"
+#include "Cimom/QORQL/QORQL_SymbolTable.h"
+
+QORQL_FromClause::QORQL_FromClause(const SpecifierList& fromSpecifierList, bool isSelectAll,
+                                   const QORString& queryString, const QORString& queryLanguage)
+    : _fromSpecifierList(fromSpecifierList),
+      _isSelectAll(isSelectAll),
+      _queryString(queryString),
+      _queryLanguage(queryLanguage) {}
+
+QORQL_FromClause::~QORQL_FromClause() = default;
+
+QORSmrPtr<QORQL_Executable> QORQL_FromClause::parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
+                                                    QORSmrPtr<QORQL_SelectList>& selectList,
+                                                    const QORString& queryString, const QORString& queryLanguage) {
+  if (lexer.getCurrent().getType() != TokenFROM) QORQL_raise(QORQL_Messages::kFromExpected, lexer);
+  const bool isSelectAll = selectList->isSelectAll();
+  const SpecifierList specifiers(new QORValSlist<QORSmrPtr<QORQL_FromSpecifier>>);
+  do {
+    lexer.next(false);
+    specifiers->append(QORQL_FromSpecifier::parse(symbolTable, lexer, isSelectAll));
+  } while (lexer.getCurrent().getType() == TokenCOMMA);
+  if (specifiers->isEmpty()) QORQL_raise(QORQL_Messages::kFromEmpty, lexer);
+  symbolTable.setSymbolTableUpdatedFlag(true);
+  return new QORQL_FromClause(specifiers, isSelectAll, queryString, queryLanguage);
+}

@@ -1,0 +1,48 @@
+// One class of a FROM clause: parsing, and the symbols that it introduces.
+#include "Cimom/QORQL/QORQL_FromSpecifier.h"
+
+#include "Cimom/QORQL/QORQL_Lexer.h"
+#include "Cimom/QORQL/QORQL_Messages.h"
+#include "Cimom/QORQL/QORQL_SymbolTable.h"
+
+namespace {
+
+QORString parseAlias(QORQL_Lexer& lexer) {
+  if (lexer.getCurrent().getType() != TokenAS) return QORString::emptyString();
+  if (lexer.next(false).getType() != TokenID) QORQL_raise(QORQL_Messages::kFromAliasExpected, lexer);
+  const QORString alias = QORString::toUpperCase(lexer.getCurrent().getValue());
+  lexer.next(false);
+  return alias;
+}
+
+// An alias that is the class's own name needs no symbol of its own.
+void enterSymbols(QORQL_SymbolTable& symbolTable, const QORString& className, const QORString& alias,
+                  bool isSelectAll) {
+  QORSmrPtr<QORQL_ClassInfo> classInfo(new QORQL_ClassInfo(className, nullptr, isSelectAll));
+  const QORSmrPtr<QORQL_Symbol> symbol(
+      new QORQL_Symbol(QORQL_SYMBOLTYPE_TABLE_NAME, className, alias, classInfo, nullptr));
+  symbolTable.insert(className, symbol);
+  if (alias.isEmpty() || alias == className) return;
+  symbolTable.insert(
+      alias, new QORQL_DelegatorSymbol(QORQL_SYMBOLTYPE_TABLE_NAME, alias, className, classInfo, symbol, nullptr));
+}
+
+}  // namespace
+
+QORQL_FromSpecifier::QORQL_FromSpecifier(const QORString& tableName, const QORSmrPtr<QORQL_Executable>& subQuery,
+                                         const QORString& alias)
+    : _tableName(tableName), _subQuery(subQuery), _alias(alias) {}
+
+QORQL_FromSpecifier::~QORQL_FromSpecifier() = default;
+
+QORSmrPtr<QORQL_FromSpecifier> QORQL_FromSpecifier::parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
+                                                          bool isSelectAll) {
+  const QORQL_TokenType type = lexer.getCurrent().getType();
+  if (type == TokenOPENPAREN) QORQL_raise(QORQL_Messages::kNestedQuery, lexer);
+  if (type != TokenID) QORQL_raiseAtToken(QORQL_Messages::kClassNameExpected, lexer);
+  const QORString className = QORString::toUpperCase(lexer.getCurrent().getValue());
+  lexer.next(false);
+  const QORString alias = parseAlias(lexer);
+  enterSymbols(symbolTable, className, alias, isSelectAll);
+  return new QORQL_FromSpecifier(className, nullptr, alias);
+}

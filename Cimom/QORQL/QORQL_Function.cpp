@@ -1,0 +1,82 @@
+// A function call: parsing and walking.
+#include "Cimom/QORQL/QORQL_Function.h"
+
+#include "Cimom/QORQL/QORQL_Expression.h"
+#include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
+#include "Cimom/QORQL/QORQL_Factor.h"
+#include "Cimom/QORQL/QORQL_IdentifierFinder.h"
+#include "Cimom/QORQL/QORQL_Lexer.h"
+#include "Cimom/QORQL/QORQL_Messages.h"
+#include "Cimom/QORQL/QORQL_ParseContext.h"
+
+namespace {
+
+using Parameters = QORQL_Function::ParameterList;
+
+// Also tells Class::Property, which names no class alone.
+class ArgumentFinder : public QORQL_IdentifierFinder {
+ public:
+  void visitFactor(const QORQL_Factor& factor) override {
+    QORQL_IdentifierFinder::visitFactor(factor);
+    _isScoped = _isScoped || !factor.getPropertyScope().IsNull();
+  }
+  bool isScoped() const noexcept { return _isScoped; }
+
+ private:
+  bool _isScoped = false;
+};
+
+// A class name reads like a property until here: it becomes the class, and a
+// word that is no property takes the property's place.
+void rewriteObjectPath(const Parameters& parameters, const QORQL_Lexer& lexer) {
+  ArgumentFinder* const finder = new ArgumentFinder;
+  QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
+  parameters->first()->accept(visitor);
+  const QORSmrPtr<QORString> property = finder->getPropertyName();
+  if (property.IsNull()) return;
+  const QORSmrPtr<QORString> className = finder->getClassName();
+  if (className.IsNull() || !className->isEmpty() || finder->isScoped()) {
+    QORQL_raise(QORQL_Messages::kObjectPathArgument, lexer);
+  }
+  *className = QORString::toUpperCase(*property);
+  *property = "NONE";
+}
+
+QORQL_FunctionID checkCall(const QORString& name, const Parameters& parameters, const QORQL_Lexer& lexer) {
+  const QORQL_FunctionID functionID = QORQL_findFunction(name);
+  if (functionID == QORQL_FUNCTIONID_UNKNOWN) QORQL_raise(QORQL_Messages::kFunctionUnknown, lexer);
+  if (parameters->entries() != 1) QORQL_raise(QORQL_Messages::kArgumentCount, lexer, name);
+  if (functionID == QORQL_FUNCTIONID_OBJECTPATH) rewriteObjectPath(parameters, lexer);
+  return functionID;
+}
+
+}  // namespace
+
+QORQL_Function::QORQL_Function(const ParameterList& parameters, QORQL_FunctionID functionID)
+    : _parameters(parameters), _fid(functionID) {}
+
+QORQL_Function::~QORQL_Function() = default;
+
+QORSmrPtr<QORQL_Evaluatable> QORQL_Function::parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
+                                                   QORQL_ProjectionMap& projMap, const QORString& queryString,
+                                                   const QORString& queryLanguage) {
+  const QORQL_NestingGuard guard(lexer);
+  const ParameterList parameters(new QORValSlist<QORSmrPtr<QORQL_Evaluatable>>);
+  const QORString name = lexer.getCurrent().getValue();
+  lexer.next(false);
+  do {
+    lexer.next(false);  // past the opening parenthesis or a comma
+    if (parameters->isEmpty() && lexer.getCurrent().getType() == TokenCLOSEPAREN) break;
+    parameters->append(QORQL_Expression::parse(symbolTable, lexer, projMap, queryString, queryLanguage));
+  } while (lexer.getCurrent().getType() == TokenCOMMA);
+  if (lexer.getCurrent().getType() != TokenCLOSEPAREN) QORQL_raise(QORQL_Messages::kFunctionParenExpected, lexer);
+  const QORQL_FunctionID functionID = checkCall(name, parameters, lexer);
+  lexer.next(false);
+  return new QORQL_Function(parameters, functionID);
+}
+
+void QORQL_Function::accept(QORSmrPtr<QORQL_ExpressionVisitor>& visitor) {
+  QORValSlistIterator<QORSmrPtr<QORQL_Evaluatable>> parameters(*_parameters);
+  while (++parameters) parameters.key()->accept(visitor);
+  visitor->visitFunction(*this);
+}

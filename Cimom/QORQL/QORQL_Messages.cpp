@@ -1,0 +1,35 @@
+// How the errors of parsing and name resolution are thrown.
+#include "Cimom/QORQL/QORQL_Messages.h"
+
+#include "Cimom/QORQL/QORQL_Lexer.h"
+
+namespace {
+
+QORString fill(const char* text, const QORString& argument) {
+  const QORString pattern(text);
+  const std::size_t place = pattern.find("%s");
+  if (place == QORString::npos) return pattern;
+  return pattern.subStr(0, place) + argument + pattern.subStr(place + 2);
+}
+
+}  // namespace
+
+QORString QORQL_printedText(const QORQL_Token& token) {
+  return token.getType() == TokenEOF ? QORString::emptyString() : token.getValue();
+}
+
+void QORQL_raise(const QORQL_ParseMessage& message, const QORQL_Lexer& lexer, const QORString& argument) {
+  throw QORQL_ParseException(message.code, fill(message.text, argument), lexer.getCurrentLineNr());
+}
+
+void QORQL_raiseAtToken(const QORQL_ParseMessage& message, QORQL_Lexer& lexer) {
+  QORQL_raise(message, lexer, QORQL_printedText(lexer.getCurrent()));
+}
+
+void QORQL_raise(const QORQL_ParseMessage& message, const QORString& argument) {
+  throw QORQL_ParseException(message.code, fill(message.text, argument), 0);
+}
+
+void QORQL_raise(const QORQL_CheckMessage& message, const QORString& argument) {
+  throw QORQL_Exception(message.code, fill(message.text, argument));
+}

@@ -1,0 +1,48 @@
+// What bounds and surrounds the parsing of an expression.
+#include "Cimom/QORQL/QORQL_ParseContext.h"
+
+#include "Cimom/QORQL/QORQL_Lexer.h"
+#include "Cimom/QORQL/QORQL_Messages.h"
+#include "Cimom/QORQL/QORQL_SymbolTable.h"
+
+QORQL_NestingGuard::QORQL_NestingGuard(QORQL_Lexer& lexer) : _lexer(lexer) {
+  if (lexer._nesting >= QORQL_kMaximumNesting) QORQL_raise(QORQL_Messages::kNestedTooDeeply, lexer);
+  ++lexer._nesting;
+}
+
+QORQL_NestingGuard::~QORQL_NestingGuard() { --_lexer._nesting; }
+
+QORQL_UpdatedFlagScope::QORQL_UpdatedFlagScope(QORQL_SymbolTable& symbolTable, QORboolean updated)
+    : _symbolTable(symbolTable), _before(symbolTable.isSymbolTableUpdated()) {
+  symbolTable.setSymbolTableUpdatedFlag(updated);
+}
+
+QORQL_UpdatedFlagScope::~QORQL_UpdatedFlagScope() { _symbolTable.setSymbolTableUpdatedFlag(_before); }
+
+QORQL_ConditionScope::QORQL_ConditionScope(QORQL_SymbolTable& symbolTable)
+    : _symbolTable(symbolTable), _flag(symbolTable, false), _projectionMap(QORQL_newProjectionMap()) {}
+
+namespace {
+
+// The ends of an association are no properties to ask for.
+bool isAssociationEnd(const QORString& property) { return property == "firstref" || property == "secondref"; }
+
+void request(QORQL_ClassInfo& known, const QORQL_ClassInfo& named) {
+  QORValSlistIterator<QORString> properties(*named.getPropertyList());
+  while (++properties) {
+    if (!isAssociationEnd(properties.key())) known.addPropertyOnce(properties.key());
+  }
+  if (named.needAllProperties()) known.setNeedAllProperties(true);
+}
+
+}  // namespace
+
+void QORQL_ConditionScope::requestProperties() {
+  QORValMapIterator<QORString, QORSmrPtr<QORQL_ClassInfo>> records(*_projectionMap);
+  while (++records) {
+    const QORSmrPtr<QORQL_Symbol> symbol = _symbolTable.lookupIgnoringCase(records.key());
+    if (symbol.IsNull()) continue;
+    const QORSmrPtr<QORQL_ClassInfo> known = symbol->getClassInfo();
+    if (!known.IsNull()) request(*known, *records.value());
+  }
+}

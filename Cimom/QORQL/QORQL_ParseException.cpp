@@ -1,0 +1,17 @@
+// The error of a query text: its words and its CIM status.
+#include "Cimom/QORQL/QORQL_ParseException.h"
+
+QORQL_ParseException::QORQL_ParseException(QORuint32 code, const QORString& message, QORuint32 lineNr)
+    : QoriBaseException("parse", "CQL", QORString(), message, code), _lineNr(lineNr) {}
+
+QORQL_ParseException::~QORQL_ParseException() = default;
+
+QORuint32 QORQL_ParseException::getCIMErrorCode() const {
+  constexpr QORuint32 kFailed = 1;
+  constexpr QORuint32 kInvalidQuery = 16;
+  constexpr QORuint32 kLastCode = 19;
+  const QORuint32 code = getCode();
+  // 18, a fault of an association's parse, reports a failure although its siblings blame the query.
+  if (code > kLastCode || code == 13 || code == 18) return kFailed;
+  return kInvalidQuery;
+}

@@ -1,0 +1,136 @@
+// The reading of identifier references:
+//
+//   ID [index] { . ID [index] } [ :: ID [index] ]    or    ID . *
+//
+// The first identifier of a dotted reference is its class, the last one its
+// property, the one before "::" its scope. Of a longer chain only the root
+// property, the second identifier, is asked of the class: what lies below comes
+// with the embedded object.
+#include "Cimom/QORQL/QORQL_Reference.h"
+
+#include "Cimom/QORQL/QORQL_Factor.h"
+#include "Cimom/QORQL/QORQL_Lexer.h"
+#include "Cimom/QORQL/QORQL_Messages.h"
+#include "Cimom/QORQL/QORQL_SymbolTable.h"
+
+namespace {
+
+using Text = QORSmrPtr<QORString>;
+
+Text newText(const QORString& text) { return new QORString(text); }
+
+class Reference {
+ public:
+  Reference(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer, QORQL_ProjectionMap& projMap)
+      : _symbolTable(symbolTable),
+        _lexer(lexer),
+        _projMap(projMap),
+        _afterAnyOrEvery(lexer.lookBack().getType() == TokenANY || lexer.lookBack().getType() == TokenEVERY) {}
+
+  QORSmrPtr<QORQL_Evaluatable> parse() {
+    readIdentifier();
+    while (currentType() == TokenDOT) {
+      if (_identifiers == 1 && _index == QORQL_Factor::kNoArray && _lexer.lookAhead(1).getType() == TokenASTERISK) {
+        return parseSelectAll();
+      }
+      if (_lexer.next(false).getType() != TokenID) QORQL_raise(QORQL_Messages::kDotIdentifierExpected, _lexer);
+      readIdentifier();
+    }
+    if (currentType() == TokenSCOPE) {
+      if (_lexer.next(false).getType() != TokenID) QORQL_raise(QORQL_Messages::kScopeIdentifierExpected, _lexer);
+      _isScoped = true;
+      readIdentifier();
+    }
+    return makeFactor();
+  }
+
+ private:
+  QORQL_TokenType currentType() { return _lexer.getCurrent().getType(); }
+
+  // The identifiers move along: first, second, those between, the last but one, the last.
+  void readIdentifier() {
+    if (_identifiers > 0) {
+      if (_identifiers > 1) _chain += ".";
+      _chain += _beforeLast = _last;
+    }
+    _last = _lexer.getCurrent().getValue();
+    ++_identifiers;
+    if (_identifiers == 1) _first = _last;
+    if (_identifiers == 2) _second = _last;
+    _lexer.next(false);
+    if (currentType() == TokenOPENSQUAREBRACK) readIndex();
+  }
+
+  void readIndex() {
+    if (_symbolTable.isSymbolTableUpdated()) QORQL_raise(QORQL_Messages::kSelectArray, _lexer);
+    _index = QORQL_Factor::kEmptyBrackets;
+    if (_lexer.next(false).getType() != TokenCLOSESQUAREBRACK) {
+      if (currentType() == TokenDECIMALLITERAL) {
+        _index = _lexer.getCurrent().getValue().atoi();
+      } else if (currentType() == TokenASTERISK) {
+        _index = QORQL_Factor::kWholeArray;
+      } else {
+        QORQL_raise(QORQL_Messages::kArrayIndexInvalid, _lexer);
+      }
+      if (_lexer.next(false).getType() != TokenCLOSESQUAREBRACK) {
+        QORQL_raise(QORQL_Messages::kSquareBracketExpected, _lexer);
+      }
+    }
+    if (_index >= 0 && _afterAnyOrEvery) QORQL_raise(QORQL_Messages::kAnyEveryOfElement, _lexer);
+    _lexer.next(false);
+  }
+
+  QORSmrPtr<QORQL_Evaluatable> parseSelectAll() {
+    _lexer.next(false);
+    _lexer.next(false);
+    const QORSmrPtr<QORQL_ClassInfo> record = QORQL_recordOf(_projMap, _first);
+    if (!record.IsNull()) record->setNeedAllProperties(true);
+    return new QORQL_Factor(nullptr, newText(_first), newText("*"), nullptr, QORQL_OperatorNONE, true);
+  }
+
+  void request(const QORString& className, const QORString& property) {
+    const QORSmrPtr<QORQL_ClassInfo> record = QORQL_recordOf(_projMap, className);
+    if (!record.IsNull()) record->addPropertyOnce(property);
+  }
+
+  QORSmrPtr<QORQL_Evaluatable> makeFactor() {
+    const bool isDotted = _identifiers > (_isScoped ? 2U : 1U);
+    const QORString className = isDotted ? _first : QORString::emptyString();
+    const bool isSecondTheScope = _isScoped && _identifiers == 3;
+    request(className, isDotted && !isSecondTheScope ? _second : _last);
+    const bool hasChain = _isScoped || _identifiers > 2;
+    QORQL_Factor* const factor =
+        new QORQL_Factor(nullptr, newText(className), newText(_last), nullptr, QORQL_OperatorNONE,
+                         hasChain ? newText(chainText()) : Text(), _isScoped ? newText(_beforeLast) : Text(), _index);
+    QORSmrPtr<QORQL_Evaluatable> result(factor);
+    if (factor->isBareIdentifier()) factor->setKnownFromName(!_symbolTable.lookupIgnoringCase(_last).IsNull());
+    return result;
+  }
+
+  // All identifiers but the property and the scope, joined by dots.
+  QORString chainText() const {
+    if (!_isScoped) return _chain;
+    if (_identifiers == 2) return QORString::emptyString();
+    return _chain.subStr(0, _chain.length() - _beforeLast.length() - 1);
+  }
+
+  QORQL_SymbolTable& _symbolTable;
+  QORQL_Lexer& _lexer;
+  QORQL_ProjectionMap& _projMap;
+  const bool _afterAnyOrEvery;
+  bool _isScoped = false;
+  QORuint32 _identifiers = 0;
+  QORsint32 _index = QORQL_Factor::kNoArray;
+  QORString _first;
+  QORString _second;
+  QORString _beforeLast;
+  QORString _last;
+  QORString _chain;  // all but the last, joined by dots
+};
+
+}  // namespace
+
+QORSmrPtr<QORQL_Evaluatable> QORQL_parseReference(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
+                                                  QORQL_ProjectionMap& projMap) {
+  return Reference(symbolTable, lexer, projMap).parse();
+}
