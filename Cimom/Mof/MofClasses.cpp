@@ -1,0 +1,169 @@
+// A class waits until its superclass is declared; the chain of those that wait
+// is walked with a list, not with recursion.
+#include "Cimom/Mof/MofClasses.h"
+
+#include <utility>
+#include <vector>
+
+#include "cimom/CQoriType.h"
+
+namespace {
+
+std::string textOf(const QORString& text) { return std::string(text.view()); }
+
+const MofType& requireType(const MofName& name) {
+  const MofType* const type = findMofType(name.text);
+  if (type != nullptr && type->kind != MofType::Kind::Reference && type->kind != MofType::Kind::Object) return *type;
+  throw MofFault{name.at, "unknown type \"" + textOf(name.text) + '"'};
+}
+
+}  // namespace
+
+std::string MofClasses::keyOf(const QORString& nameSpace, const QORString& name) {
+  return foldMofName(nameSpace) + ':' + foldMofName(name);
+}
+
+void MofClasses::declareAll() {
+  for (const auto& syntax : _document.classes) {
+    _pending.try_emplace(keyOf(syntax->nameSpace, syntax->name.text), Pending{syntax.get(), State::Waiting});
+  }
+  for (const auto& syntax : _document.classes) {
+    const Pending& first = _pending[keyOf(syntax->nameSpace, syntax->name.text)];
+    // A second declaration must equal the first one: the sink tells.
+    first.syntax == syntax.get() ? declareWithSuperClasses(*syntax) : declare(*syntax);
+  }
+}
+
+void MofClasses::declareWithSuperClasses(const MofClassSyntax& syntax) {
+  std::vector<Pending*> chain;
+  const MofClassSyntax* next = &syntax;
+  for (;;) {
+    const auto found = _pending.find(keyOf(next->nameSpace, next->name.text));
+    Pending& pending = found->second;
+    if (pending.state == State::Done) break;
+    if (pending.state == State::Open) {
+      _report.add(next->name.at, "class " + textOf(next->name.text) + " is its own superclass");
+      _document.refuseClass(next->name.text);
+      break;
+    }
+    pending.state = State::Open;
+    chain.push_back(&pending);
+    if (next->superClass.text.isEmpty()) break;
+    const auto superClass = _pending.find(keyOf(next->nameSpace, next->superClass.text));
+    if (superClass == _pending.end()) break;
+    next = superClass->second.syntax;
+  }
+  for (auto pending = chain.rbegin(); pending != chain.rend(); ++pending) {
+    (*pending)->state = State::Done;
+    declare(*(*pending)->syntax);
+  }
+}
+
+void MofClasses::declare(const MofClassSyntax& syntax) {
+  if (_report.isFull() || _document.refusedClasses.count(foldMofName(syntax.name.text)) != 0) return;
+  CimClassDeclaration declaration;
+  bool isDeclared = hasSuperClass(syntax) && build(syntax, declaration);
+  if (isDeclared) {
+    try {
+      _sink.declareClass(syntax.nameSpace, declaration);
+    } catch (const QoriBaseException& refusal) {
+      isDeclared = false;
+      _report.add(syntax.name.at, refusal.what());
+    }
+  }
+  if (!isDeclared) _document.refuseClass(syntax.name.text);
+}
+
+bool MofClasses::hasSuperClass(const MofClassSyntax& syntax) {
+  const QORString& superClass = syntax.superClass.text;
+  if (superClass.isEmpty() || !_sink.findClass(syntax.nameSpace, superClass).IsNull()) return true;
+  if (!_document.excusesClass(superClass)) {
+    _report.add(syntax.superClass.at, "superclass " + textOf(superClass) + " of class " + textOf(syntax.name.text) +
+                                          " is not declared in namespace " + textOf(syntax.nameSpace));
+  }
+  return false;
+}
+
+bool MofClasses::build(const MofClassSyntax& syntax, CimClassDeclaration& out) {
+  out.name = syntax.name.text;
+  out.superClass = syntax.superClass.text;
+  bool isSound =
+      _qualifiers.resolve(syntax.nameSpace, syntax.qualifiers, MofQualifiers::Element::Class, out.qualifiers);
+  std::unordered_map<std::string, const MofName*> names;
+  const auto isNew = [&](const MofName& name) {
+    if (names.try_emplace(foldMofName(name.text), &name).second) return true;
+    _report.add(name.at, "class " + textOf(out.name) + " declares " + textOf(name.text) + " twice");
+    return false;
+  };
+  out.properties.resize(syntax.properties.size());
+  for (std::size_t i = 0; i < syntax.properties.size(); ++i) {
+    isSound = isNew(syntax.properties[i].name) && isSound;
+    isSound = buildFeature(syntax, syntax.properties[i], false, out.properties[i]) && isSound;
+  }
+  names.clear();
+  out.methods.resize(syntax.methods.size());
+  for (std::size_t i = 0; i < syntax.methods.size(); ++i) {
+    isSound = isNew(syntax.methods[i].name) && isSound;
+    isSound = buildMethod(syntax, syntax.methods[i], out.methods[i]) && isSound;
+  }
+  return isSound;
+}
+
+bool MofClasses::buildMethod(const MofClassSyntax& owner, const MofMethodSyntax& syntax, CimMethodDeclaration& out) {
+  out.name = syntax.name.text;
+  bool isSound =
+      _qualifiers.resolve(owner.nameSpace, syntax.qualifiers, MofQualifiers::Element::Method, out.qualifiers);
+  try {
+    out.returnType = requireType(syntax.type).scalar;
+  } catch (const MofFault& fault) {
+    isSound = false;
+    _report.add(fault);
+  }
+  out.parameters.resize(syntax.parameters.size());
+  for (std::size_t i = 0; i < syntax.parameters.size(); ++i) {
+    isSound = buildFeature(owner, syntax.parameters[i], true, out.parameters[i]) && isSound;
+  }
+  return isSound;
+}
+
+bool MofClasses::buildFeature(const MofClassSyntax& owner, const MofFeatureSyntax& syntax, bool isParameter,
+                              CimPropertyDeclaration& out) {
+  using Element = MofQualifiers::Element;
+  const Element element = isParameter ? (syntax.isReference ? Element::ReferenceParameter : Element::Parameter)
+                                      : (syntax.isReference ? Element::Reference : Element::Property);
+  out.name = syntax.name.text;
+  const bool isSound = _qualifiers.resolve(owner.nameSpace, syntax.qualifiers, element, out.qualifiers);
+  try {
+    if (syntax.isReference && syntax.isArray && !isParameter) {
+      throw MofFault{syntax.name.at, "a reference property cannot be an array"};
+    }
+    setType(syntax, out);
+    setDefault(owner, syntax, out);
+  } catch (const MofFault& fault) {
+    _report.add(fault);
+    return false;
+  }
+  return isSound;
+}
+
+void MofClasses::setType(const MofFeatureSyntax& syntax, CimPropertyDeclaration& out) const {
+  const MofType& type = syntax.isReference ? *findMofType(CQoriType::reference->getName()) : requireType(syntax.type);
+  out.type = syntax.isArray ? type.array : type.scalar;
+  out.arraySize = syntax.arraySize;
+  if (syntax.isReference) out.referenceClass = syntax.type.text;
+}
+
+void MofClasses::setDefault(const MofClassSyntax& owner, const MofFeatureSyntax& syntax, CimPropertyDeclaration& out) {
+  if (!syntax.hasDefault) return;
+  MofPropertyShape shape;
+  shape.type = findMofType(out.type->getName());
+  shape.isArray = syntax.isArray;
+  shape.arraySize = syntax.arraySize;
+  shape.referenceClass = out.referenceClass;
+  const bool isEmbedded = out.findQualifier("EmbeddedInstance") != nullptr || out.hasFlag("EmbeddedObject");
+  if (isEmbedded && syntax.defaultValue.kind != MofValueSyntax::Kind::Null) {
+    throw MofFault{syntax.defaultValue.at,
+                   "the default of a property that holds an embedded instance can only be NULL"};
+  }
+  out.defaultValue = _values.make(syntax.defaultValue, shape, owner.nameSpace, owner.scope, 0);
+}

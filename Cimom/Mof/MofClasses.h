@@ -1,0 +1,50 @@
+// Classes of a document on their way to the repository.
+#ifndef QORQL_MOF_MOFCLASSES_H
+#define QORQL_MOF_MOFCLASSES_H
+
+#include <string>
+#include <unordered_map>
+
+#include "Cimom/Embedded/CimDeclarationSink.h"
+#include "Cimom/Mof/MofQualifiers.h"
+#include "Cimom/Mof/MofReport.h"
+#include "Cimom/Mof/MofSyntax.h"
+#include "Cimom/Mof/MofValues.h"
+
+// Declares the classes in the order of the text, but a superclass before the
+// classes derived from it, wherever it stands. Belongs to one load.
+class MofClasses {
+ public:
+  MofClasses(CimDeclarationSink& sink, MofDocument& document, MofReport& report, MofQualifiers& qualifiers,
+             MofValues& values)
+      : _sink(sink), _document(document), _report(report), _qualifiers(qualifiers), _values(values) {}
+
+  void declareAll();
+
+ private:
+  enum class State { Waiting, Open, Done };
+  struct Pending {
+    const MofClassSyntax* syntax = nullptr;
+    State state = State::Waiting;
+  };
+
+  static std::string keyOf(const QORString& nameSpace, const QORString& name);
+  void declareWithSuperClasses(const MofClassSyntax& syntax);
+  void declare(const MofClassSyntax& syntax);
+  bool hasSuperClass(const MofClassSyntax& syntax);
+  bool build(const MofClassSyntax& syntax, CimClassDeclaration& out);
+  bool buildMethod(const MofClassSyntax& owner, const MofMethodSyntax& syntax, CimMethodDeclaration& out);
+  bool buildFeature(const MofClassSyntax& owner, const MofFeatureSyntax& syntax, bool isParameter,
+                    CimPropertyDeclaration& out);
+  void setType(const MofFeatureSyntax& syntax, CimPropertyDeclaration& out) const;
+  void setDefault(const MofClassSyntax& owner, const MofFeatureSyntax& syntax, CimPropertyDeclaration& out);
+
+  CimDeclarationSink& _sink;
+  MofDocument& _document;
+  MofReport& _report;
+  MofQualifiers& _qualifiers;
+  MofValues& _values;
+  std::unordered_map<std::string, Pending> _pending;  // first declaration of each class, by namespace and name
+};
+
+#endif

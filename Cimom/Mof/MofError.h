@@ -1,0 +1,41 @@
+// What is wrong with MOF text: one diagnostic for each fault, and the
+// exception that carries all of a load.
+#ifndef QORQL_MOF_MOFERROR_H
+#define QORQL_MOF_MOFERROR_H
+
+#include <string>
+#include <vector>
+
+#include "cmpbase.h"
+
+// One fault. Lines and columns count from 1; a column is one character of the
+// UTF-8 text, a tab included.
+struct MofDiagnostic {
+  std::string file;
+  QORuint32 line = 0;  // 0: the fault concerns the file as a whole
+  QORuint32 column = 0;
+  std::string message;
+  std::string sourceLine;  // a long line is cut around the fault, "..." marks the cuts
+  QORuint32 caret = 0;     // characters of sourceLine before the fault
+
+  // "file:line:column: message", the source line and a caret under the fault.
+  std::string toText() const;
+};
+
+// The refusal of a load: nothing of it was stored. Type "MOF", code 4 (CIM
+// status "invalid parameter"); the message is the text of all diagnostics.
+class MofException : public QoriBaseException {
+ public:
+  explicit MofException(std::vector<MofDiagnostic> diagnostics);
+  MofException(const MofException&) = default;
+  MofException& operator=(const MofException&) = default;
+  ~MofException() override;
+
+  // In the order of files and lines; never empty, at most 20.
+  const std::vector<MofDiagnostic>& getDiagnostics() const noexcept { return _diagnostics; }
+
+ private:
+  std::vector<MofDiagnostic> _diagnostics;
+};
+
+#endif

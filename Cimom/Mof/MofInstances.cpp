@@ -1,0 +1,50 @@
+// One instance at a time; a fault in one does not stop the next.
+#include "Cimom/Mof/MofInstances.h"
+
+void MofInstances::defineAliases() {
+  for (const auto& instance : _document.instances) {
+    try {
+      _values.defineAlias(*instance);
+    } catch (const MofFault& fault) {
+      _report.add(fault);
+    }
+  }
+}
+
+void MofInstances::createAll() {
+  for (const auto& instance : _document.instances) {
+    if (_report.isFull()) return;
+    try {
+      create(*instance);
+    } catch (const MofFault& fault) {
+      _report.add(fault);
+    } catch (const QoriBaseException& refusal) {
+      _report.add(instance->className.at, refusal.what());
+    }
+  }
+}
+
+void MofInstances::create(const MofInstanceSyntax& instance) {
+  const MofClassShape& shape = _values.shapeOf(instance);
+  CimInstanceDeclaration declaration;
+  if (!_values.declare(instance, shape, 0, declaration)) return;
+  if (!_values.checkKeys(instance, declaration, shape)) return;
+  _values.resolveAlias(instance, _sink.createInstance(instance.nameSpace, declaration));
+}
+
+std::vector<QORSmrPtr<IQoriObject>> MofInstances::makeObjects() {
+  std::vector<QORSmrPtr<IQoriObject>> objects;
+  objects.reserve(_document.instances.size());
+  for (const auto& instance : _document.instances) {
+    try {
+      CimInstanceDeclaration declaration;
+      if (!_values.declare(*instance, _values.shapeOf(*instance), 0, declaration)) continue;
+      objects.push_back(_sink.makeObject(instance->nameSpace, declaration));
+    } catch (const MofFault& fault) {
+      _report.add(fault);
+    } catch (const QoriBaseException& refusal) {
+      _report.add(instance->className.at, refusal.what());
+    }
+  }
+  return objects;
+}

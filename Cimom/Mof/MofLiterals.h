@@ -1,0 +1,23 @@
+// The values of literals: strings, characters and numbers as they are written.
+#ifndef QORQL_MOF_MOFLITERALS_H
+#define QORQL_MOF_MOFLITERALS_H
+
+#include <string>
+#include <string_view>
+
+#include "Cimom/Mof/MofSyntax.h"
+
+// Appends the text of a string literal, given with its quotes, to `out`.
+// THROWS MofFault at an unknown escape or at bytes that are not UTF-8.
+void appendMofString(std::string_view literal, const MofLocation& at, std::string& out);
+
+// The character of a literal, given with its quotes. THROWS MofFault unless it
+// is one character of the basic multilingual plane.
+char16_t readMofChar(std::string_view literal, const MofLocation& at);
+
+// Reads a decimal, binary (101b), octal (017), hexadecimal (0x1F) or real
+// number with or without sign. THROWS MofFault for anything else and for what
+// does not fit.
+MofValueSyntax readMofNumber(std::string_view literal, const MofLocation& at);
+
+#endif

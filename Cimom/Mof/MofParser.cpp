@@ -1,0 +1,301 @@
+// Tokens, recovery, pragmas, instances and values of MOF.
+#include "Cimom/Mof/MofParser.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "Cimom/Mof/MofLiterals.h"
+
+MofParser::MofParser(const MofSource& source, MofDocument& document, MofReport& report, Context& context)
+    : _source(source), _document(document), _report(report), _context(context), _scanner(source) {
+  // Nothing has been read yet, which is not the end.
+  _token.kind = Kind::Symbol;
+}
+
+void MofParser::readDeclarations() {
+  bool isStarted = false;
+  while (!_report.isFull()) {
+    try {
+      if (!std::exchange(isStarted, true)) advance();
+      if (_token.kind == Kind::End) return;
+      readDeclaration();
+    } catch (const MofFault& fault) {
+      refuseDeclaration(fault);
+      recover();
+    }
+  }
+}
+
+std::unique_ptr<MofInstanceSyntax> MofParser::readEmbeddedInstance(QORuint32 depth) {
+  advance();
+  readQualifiers();
+  if (isWord("class")) throw MofFault{here(), "an embedded class is not supported, only an embedded instance"};
+  expectWord("instance");
+  std::unique_ptr<MofInstanceSyntax> instance = readInstance(depth);
+  takeSymbol(';');
+  if (_token.kind != Kind::End) fail("the end of the embedded instance");
+  return instance;
+}
+
+// --- tokens --------------------------------------------------------------------
+
+void MofParser::advance() {
+  if (isSymbol('{')) ++_braces;
+  if (isSymbol('}')) --_braces;
+  if (isSymbol(';')) _longString.length = 0;
+  _token = _scanner.next();
+  const bool isLong = _token.kind == Kind::String && _token.lineEnd != std::string_view::npos;
+  if (isLong && _longString.length == 0) _longString = _token;
+}
+
+bool MofParser::isWord(const char* word) const noexcept {
+  return _token.kind == Kind::Identifier && isMofWord(textOf(_token), word);
+}
+
+bool MofParser::takeSymbol(char symbol) {
+  if (!isSymbol(symbol)) return false;
+  advance();
+  return true;
+}
+
+bool MofParser::takeWord(const char* word) {
+  if (!isWord(word)) return false;
+  advance();
+  return true;
+}
+
+void MofParser::expectSymbol(char symbol) {
+  if (!takeSymbol(symbol)) fail(std::string("\"") + symbol + '"');
+}
+
+void MofParser::expectWord(const char* word) {
+  if (!takeWord(word)) fail(std::string("\"") + word + '"');
+}
+
+MofName MofParser::expectName(const char* what) {
+  if (_token.kind != Kind::Identifier) fail(what);
+  MofName name{QORString(textOf(_token)), here()};
+  advance();
+  return name;
+}
+
+std::string_view MofParser::textOf(const MofToken& token) const noexcept {
+  return _source.getText().substr(token.offset, token.length);
+}
+
+std::string MofParser::describeToken() const {
+  if (_token.kind == Kind::End) return "the end of the text";
+  constexpr std::size_t kShown = 40;
+  const bool isString = _token.kind == Kind::String;
+  std::string shown(textOf(_token));
+  if (const std::size_t lineEnd = shown.find_first_of("\r\n"); lineEnd != std::string::npos || shown.size() > kShown) {
+    shown.resize(std::min(lineEnd, kShown));
+    // A character that would be cut in the middle is left out.
+    while (!shown.empty() && static_cast<unsigned char>(shown.back()) >= 0x80) shown.pop_back();
+    shown += "...";
+  }
+  return isString ? "the string " + shown : '"' + shown + '"';
+}
+
+void MofParser::fail(const std::string& expected) {
+  throw MofFault{here(), "found " + describeToken() + ", expected " + expected};
+}
+
+// --- recovery ------------------------------------------------------------------
+
+void MofParser::refuseDeclaration(const MofFault& fault) {
+  if (!_className.isEmpty()) _document.refuseClass(_className);
+  if (!_alias.isEmpty()) _document.refuseAlias(_alias);
+  _className = _alias = QORString();
+  if (_longString.length == 0 || fault.at.source != &_source || fault.at.offset <= _longString.offset) {
+    _report.add(fault);
+    return;
+  }
+  _report.add(
+      {&_source, _longString.offset},
+      "unterminated string: it runs on into the next lines, and what follows it does not fit (" + fault.message + ')');
+  _scanner.resumeAt(_longString.lineEnd);
+  _token = MofToken{Kind::Symbol, '\0', _longString.lineEnd, 0, std::string_view::npos};
+}
+
+void MofParser::recover() {
+  if (_pragma != std::string_view::npos) {
+    _scanner.resumeAt(_scanner.lineEndAfter(std::exchange(_pragma, std::string_view::npos)));
+    skipToken();
+  } else {
+    while (_token.kind != Kind::End) {
+      const bool isEnd = isSymbol(';') && _braces <= 0;
+      if (!isEnd && startsLine()) break;
+      skipToken();
+      if (isEnd) break;
+    }
+  }
+  _braces = 0;
+  _longString.length = 0;
+}
+
+void MofParser::skipToken() {
+  for (;;) {
+    try {
+      advance();
+      return;
+    } catch (const MofFault&) {
+      // Part of what is passed over: the fault that is reported came before it.
+      continue;
+    }
+  }
+}
+
+bool MofParser::startsLine() const noexcept {
+  const std::string_view text = _source.getText();
+  if (_token.offset != _source.getStart() && text[_token.offset - 1] != '\n') return false;
+  return _token.kind == Kind::Pragma || isSymbol('[') || isWord("class") || isWord("instance") || isWord("qualifier");
+}
+
+// --- declarations --------------------------------------------------------------
+
+void MofParser::readDeclaration() {
+  _className = _alias = QORString();
+  _longString.length = 0;
+  _braces = 0;
+  if (_token.kind == Kind::Pragma) return readPragma();
+  if (takeWord("qualifier")) return readQualifierDeclaration();
+  std::vector<MofQualifierSyntax> qualifiers = readQualifiers();
+  if (takeWord("class")) return readClass(std::move(qualifiers));
+  if (!takeWord("instance")) fail("a declaration: \"class\", \"instance of\", \"Qualifier\" or \"#pragma\"");
+  std::unique_ptr<MofInstanceSyntax> instance = readInstance(0);
+  expectSymbol(';');
+  _document.instances.push_back(std::move(instance));
+}
+
+void MofParser::readPragma() {
+  _pragma = _token.offset;
+  advance();
+  const MofName name = expectName("the name of a pragma");
+  expectSymbol('(');
+  const MofLocation at = here();
+  if (_token.kind != Kind::String) fail("a string");
+  const std::string argument = readString();
+  if (!isSymbol(')')) fail("\")\"");
+  _pragma = std::string_view::npos;
+  // The include comes first: the next token belongs behind it.
+  if (isMofWord(name.text.view(), "include")) _context.include(argument, at);
+  if (isMofWord(name.text.view(), "namespace")) enterNameSpace(argument, at);
+  advance();
+}
+
+void MofParser::enterNameSpace(const std::string& path, const MofLocation& at) {
+  const QORString nameSpace = localMofNameSpace(path);
+  if (nameSpace.isEmpty()) {
+    _report.add(at, "\"" + path + "\" is no namespace");
+    return;
+  }
+  _document.nameSpaces.push_back(nameSpace);
+  _context.nameSpace = nameSpace;
+}
+
+// --- instances and values ------------------------------------------------------
+
+std::unique_ptr<MofInstanceSyntax> MofParser::readInstance(QORuint32 depth) {
+  if (depth > kMofMaximumNesting) {
+    throw MofFault{here(), "instances nested too deeply: more than " + std::to_string(kMofMaximumNesting) + " levels"};
+  }
+  auto instance = std::make_unique<MofInstanceSyntax>();
+  instance->nameSpace = _context.nameSpace;
+  instance->scope = _context.scope;
+  instance->at = here();
+  expectWord("of");
+  instance->className = expectName("the name of a class");
+  if (takeWord("as")) {
+    if (_token.kind != Kind::Alias) fail("an alias such as $a");
+    instance->alias = {QORString(textOf(_token)), here()};
+    if (depth == 0) _alias = instance->alias.text;
+    advance();
+  }
+  expectSymbol('{');
+  while (!isSymbol('}')) instance->properties.push_back(readInstanceProperty(depth));
+  advance();
+  return instance;
+}
+
+MofPropertySyntax MofParser::readInstanceProperty(QORuint32 depth) {
+  readQualifiers();
+  if (_token.kind != Kind::Identifier) fail("the name of a property or \"}\"");
+  MofPropertySyntax property;
+  property.name = expectName("the name of a property");
+  expectSymbol('=');
+  property.value = readInitializer(depth);
+  expectSymbol(';');
+  return property;
+}
+
+MofValueSyntax MofParser::readInitializer(QORuint32 depth) {
+  return isSymbol('{') ? readArray(depth) : readValue(depth);
+}
+
+MofValueSyntax MofParser::readArray(QORuint32 depth) {
+  MofValueSyntax array;
+  array.kind = MofValueSyntax::Kind::Array;
+  array.at = here();
+  advance();
+  if (takeSymbol('}')) return array;
+  do {
+    array.elements.push_back(readValue(depth));
+  } while (takeSymbol(','));
+  if (!isSymbol('}')) fail("\",\" or \"}\"");
+  advance();
+  return array;
+}
+
+MofValueSyntax MofParser::readValue(QORuint32 depth) {
+  MofValueSyntax value;
+  value.at = here();
+  switch (_token.kind) {
+    case Kind::String:
+      value.kind = MofValueSyntax::Kind::Text;
+      value.text = QORString(std::string_view(readString()));
+      return value;
+    case Kind::Number:
+      value = readMofNumber(textOf(_token), here());
+      break;
+    case Kind::Char:
+      value.kind = MofValueSyntax::Kind::Char16;
+      value.character = readMofChar(textOf(_token), here());
+      break;
+    case Kind::Alias:
+      value.kind = MofValueSyntax::Kind::Alias;
+      value.text = QORString(textOf(_token));
+      break;
+    default:
+      return readWordValue(depth);
+  }
+  advance();
+  return value;
+}
+
+MofValueSyntax MofParser::readWordValue(QORuint32 depth) {
+  MofValueSyntax value;
+  value.at = here();
+  if (takeWord("instance")) {
+    value.kind = MofValueSyntax::Kind::Instance;
+    value.instance = readInstance(depth + 1);
+    return value;
+  }
+  if (isWord("true") || isWord("false")) {
+    value.kind = MofValueSyntax::Kind::Boolean;
+    value.flag = isWord("true");
+  } else if (!isWord("null")) {
+    fail("a value");
+  }
+  advance();
+  return value;
+}
+
+std::string MofParser::readString() {
+  std::string text;
+  while (_token.kind == Kind::String) {
+    appendMofString(textOf(_token), here(), text);
+    advance();
+  }
+  return text;
+}

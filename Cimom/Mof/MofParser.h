@@ -1,0 +1,104 @@
+// The grammar of MOF: from tokens to declarations.
+#ifndef QORQL_MOF_MOFPARSER_H
+#define QORQL_MOF_MOFPARSER_H
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Cimom/Mof/MofReport.h"
+#include "Cimom/Mof/MofScanner.h"
+#include "Cimom/Mof/MofSyntax.h"
+
+// Reads one text into a document. A syntax fault refuses the declaration it is
+// in; reading goes on behind the next `;` that is outside braces, or at the
+// next declaration that starts a line. Recursion follows the nesting of
+// instance values alone, and that is bounded. Belongs to one load; source,
+// document and report outlive it.
+class MofParser {
+ public:
+  // What is the same for a text and the texts it includes: an include reads as
+  // if it stood in the place of its pragma.
+  struct Context {
+    QORString nameSpace;
+    QORuint32 scope = 0;  // of aliases
+    // Reads the file that an include pragma names; faults go to the report.
+    std::function<void(const std::string& path, const MofLocation& at)> include;
+  };
+
+  MofParser(const MofSource& source, MofDocument& document, MofReport& report, Context& context);
+
+  // Reads the whole text; faults go to the report.
+  void readDeclarations();
+  // Reads a text that is one instance, the value of an embedded instance at
+  // nesting level `depth`. THROWS MofFault.
+  std::unique_ptr<MofInstanceSyntax> readEmbeddedInstance(QORuint32 depth);
+
+ private:
+  using Kind = MofToken::Kind;
+
+  // Tokens.
+  void advance();
+  bool isSymbol(char symbol) const noexcept { return _token.kind == Kind::Symbol && _token.symbol == symbol; }
+  bool isWord(const char* word) const noexcept;
+  bool takeSymbol(char symbol);
+  bool takeWord(const char* word);
+  void expectSymbol(char symbol);
+  void expectWord(const char* word);
+  MofName expectName(const char* what);
+  std::string_view textOf(const MofToken& token) const noexcept;
+  MofLocation here() const noexcept { return {&_source, _token.offset}; }
+  // Refuses the current token.
+  [[noreturn]] void fail(const std::string& expected);
+  std::string describeToken() const;
+
+  // Recovery.
+  void refuseDeclaration(const MofFault& fault);
+  void recover();
+  void skipToken();
+  bool startsLine() const noexcept;
+
+  // Declarations.
+  void readDeclaration();
+  void readPragma();
+  void enterNameSpace(const std::string& path, const MofLocation& at);
+  void readQualifierDeclaration();
+  void readClass(std::vector<MofQualifierSyntax> qualifiers);
+  void readFeature(MofClassSyntax& owner);
+  void readMethod(MofMethodSyntax& method);
+  MofFeatureSyntax readParameter();
+  std::vector<MofQualifierSyntax> readQualifiers();
+  MofQualifierSyntax readQualifier();
+  bool readArraySize(QORsint32& size);
+  void readScopes(std::vector<QORString>& scopes);
+  void readFlavors(std::vector<MofFlavor>& flavors);
+  bool takeFlavor(std::vector<MofFlavor>& flavors);
+
+  // Instances and values.
+  std::unique_ptr<MofInstanceSyntax> readInstance(QORuint32 depth);
+  MofPropertySyntax readInstanceProperty(QORuint32 depth);
+  MofValueSyntax readInitializer(QORuint32 depth);
+  MofValueSyntax readArray(QORuint32 depth);
+  MofValueSyntax readValue(QORuint32 depth);
+  MofValueSyntax readWordValue(QORuint32 depth);
+  std::string readString();
+
+  const MofSource& _source;
+  MofDocument& _document;
+  MofReport& _report;
+  Context& _context;
+  MofScanner _scanner;
+  MofToken _token;
+  int _braces = 0;                               // those open in the current declaration
+  std::size_t _pragma = std::string_view::npos;  // where the pragma that is being read starts
+  // A string over several lines in the current statement: after a fault it is
+  // taken for one whose closing quote is missing.
+  MofToken _longString;
+  // The declaration being read, as far as it is known.
+  QORString _className;
+  QORString _alias;
+};
+
+#endif

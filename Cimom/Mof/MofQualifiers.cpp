@@ -1,0 +1,234 @@
+// Meanings are looked up once for each namespace and name.
+#include "Cimom/Mof/MofQualifiers.h"
+
+#include <algorithm>
+#include <iterator>
+#include <unordered_set>
+#include <utility>
+
+namespace {
+
+using Element = MofQualifiers::Element;
+
+struct StandardQualifier {
+  const char* name;
+  const char* type;
+  bool isArray;
+  bool toSubclass;
+  bool overridable;
+  bool translatable;
+};
+
+// Those of the standard whose type or flavors differ from what a value tells;
+// a boolean without further flavors needs no row.
+constexpr StandardQualifier kStandard[] = {
+    {"Abstract", "boolean", false, false, true, false},
+    {"Aggregate", "boolean", false, true, false, false},
+    {"Aggregation", "boolean", false, true, false, false},
+    {"ArrayType", "string", false, true, false, false},
+    {"Association", "boolean", false, true, false, false},
+    {"BitMap", "string", true, true, true, false},
+    {"BitValues", "string", true, true, true, true},
+    {"Composition", "boolean", false, true, false, false},
+    {"Deprecated", "string", true, false, true, false},
+    {"Description", "string", false, true, true, true},
+    {"DisplayName", "string", false, true, true, true},
+    {"EmbeddedInstance", "string", false, true, true, false},
+    {"EmbeddedObject", "boolean", false, true, false, false},
+    {"Exception", "boolean", false, true, false, false},
+    {"Experimental", "boolean", false, false, true, false},
+    {"Indication", "boolean", false, true, false, false},
+    {"Key", "boolean", false, true, false, false},
+    {"MappingStrings", "string", true, true, true, false},
+    {"Max", "uint32", false, true, true, false},
+    {"MaxLen", "uint32", false, true, true, false},
+    {"MaxValue", "sint64", false, true, true, false},
+    {"Min", "uint32", false, true, true, false},
+    {"MinLen", "uint32", false, true, true, false},
+    {"MinValue", "sint64", false, true, true, false},
+    {"ModelCorrespondence", "string", true, true, true, false},
+    {"OctetString", "boolean", false, true, false, false},
+    {"Override", "string", false, false, true, false},
+    {"Propagated", "string", false, true, false, false},
+    {"Required", "boolean", false, true, false, false},
+    {"Terminal", "boolean", false, false, true, false},
+    {"ValueMap", "string", true, true, true, false},
+    {"Values", "string", true, true, true, true},
+    {"Version", "string", false, false, true, true},
+    {"Weak", "boolean", false, true, false, false},
+};
+
+const StandardQualifier* findStandard(const QORString& name) {
+  const auto* const found = std::find_if(std::begin(kStandard), std::end(kStandard), [&name](const auto& standard) {
+    return isMofWord(name.view(), standard.name);
+  });
+  return found == std::end(kStandard) ? nullptr : found;
+}
+
+// The type that a value shows by itself; a qualifier without value is a flag.
+const MofType* typeOfValue(const MofQualifierSyntax& syntax) {
+  using Kind = MofValueSyntax::Kind;
+  if (!syntax.hasValue) return findMofType("boolean");
+  const bool isArray = syntax.value.kind == Kind::Array;
+  const bool isEmpty = isArray && syntax.value.elements.empty();
+  const MofValueSyntax& sample = isArray && !isEmpty ? syntax.value.elements.front() : syntax.value;
+  switch (sample.kind) {
+    case Kind::Boolean:
+      return findMofType("boolean");
+    case Kind::Integer:
+      return findMofType(sample.flag ? "sint64" : "uint64");
+    case Kind::Real:
+      return findMofType("real64");
+    case Kind::Char16:
+      return findMofType("char16");
+    default:
+      return findMofType("string");
+  }
+}
+
+// Scopes that allow a qualifier on an element, ended by null. The three kinds
+// of class count as one: whether a class is an association may come from its
+// superclass.
+struct AllowingScopes {
+  const char* scopes[4];
+  const char* what;
+};
+AllowingScopes scopesFor(Element element) {
+  switch (element) {
+    case Element::Class:
+      return {{"class", "association", "indication", nullptr}, "a class"};
+    case Element::Property:
+      return {{"property", nullptr}, "a property"};
+    case Element::Reference:
+      return {{"reference", "property", nullptr}, "a reference"};
+    case Element::Method:
+      return {{"method", nullptr}, "a method"};
+    case Element::Parameter:
+      return {{"parameter", nullptr}, "a parameter"};
+    default:
+      return {{"parameter", "reference", nullptr}, "a parameter"};
+  }
+}
+
+bool isAllowed(const QORString& scope, const AllowingScopes& allowing) {
+  if (isMofWord(scope.view(), "any")) return true;
+  for (const char* const* allowed = allowing.scopes; *allowed != nullptr; ++allowed) {
+    if (isMofWord(scope.view(), *allowed)) return true;
+  }
+  return false;
+}
+
+template <class Target>
+void applyFlavors(const std::vector<MofFlavor>& flavors, Target& target) {
+  for (const MofFlavor flavor : flavors) {
+    if (flavor == MofFlavor::EnableOverride) target.overridable = true;
+    if (flavor == MofFlavor::DisableOverride) target.overridable = false;
+    if (flavor == MofFlavor::ToSubclass) target.toSubclass = true;
+    if (flavor == MofFlavor::Restricted) target.toSubclass = false;
+    if (flavor == MofFlavor::Translatable) target.translatable = true;
+  }
+}
+
+}  // namespace
+
+void MofQualifiers::declare(const MofQualifierDeclarationSyntax& syntax) {
+  try {
+    const MofType* const type = findMofType(syntax.type.text);
+    if (type == nullptr || type->kind == MofType::Kind::Reference || type->kind == MofType::Kind::Object) {
+      throw MofFault{syntax.type.at, "\"" + std::string(syntax.type.text.view()) + "\" is no type of a qualifier"};
+    }
+    CimQualifierDeclaration declaration;
+    declaration.name = syntax.name.text;
+    declaration.type = syntax.isArray ? type->array : type->scalar;
+    declaration.arraySize = syntax.arraySize;
+    declaration.scopes = syntax.scopes;
+    if (syntax.hasDefault) {
+      declaration.defaultValue = makeMofValue(syntax.defaultValue, *type, syntax.isArray, syntax.arraySize);
+    }
+    applyFlavors(syntax.flavors, declaration);
+    _sink.declareQualifier(syntax.nameSpace, declaration);
+  } catch (const MofFault& fault) {
+    _report.add(fault);
+  } catch (const QoriBaseException& refusal) {
+    _report.add(syntax.name.at, refusal.what());
+  }
+}
+
+const MofQualifiers::Meaning& MofQualifiers::meaningOf(const QORString& nameSpace, const QORString& name) {
+  const auto [entry, isNew] = _meanings.try_emplace(foldMofName(nameSpace) + ':' + foldMofName(name));
+  Meaning& meaning = entry->second;
+  if (!isNew) return meaning;
+  CimQualifierDeclaration declared;
+  if (_sink.describeQualifier(nameSpace, name, declared)) {
+    meaning = {findMofType(declared.type->getName()),
+               declared.type->isArray(),
+               declared.defaultValue,
+               declared.toSubclass,
+               declared.overridable,
+               declared.translatable,
+               declared.scopes};
+  } else if (const StandardQualifier* const standard = findStandard(name); standard != nullptr) {
+    meaning = {findMofType(standard->type), standard->isArray,      {}, standard->toSubclass,
+               standard->overridable,       standard->translatable, {}};
+  }
+  return meaning;
+}
+
+bool MofQualifiers::resolve(const QORString& nameSpace, const std::vector<MofQualifierSyntax>& syntax, Element element,
+                            std::vector<CimQualifier>& out) {
+  bool isSound = true;
+  std::unordered_set<std::string> given;
+  out.reserve(syntax.size());
+  for (const MofQualifierSyntax& written : syntax) {
+    try {
+      if (!given.insert(foldMofName(written.name.text)).second) {
+        throw MofFault{written.name.at, "qualifier " + std::string(written.name.text.view()) + " is given twice"};
+      }
+      const Meaning& meaning = meaningOf(nameSpace, written.name.text);
+      checkScope(meaning, written, element);
+      out.push_back(resolve(meaning, written));
+    } catch (const MofFault& fault) {
+      isSound = false;
+      _report.add(fault);
+    }
+  }
+  return isSound;
+}
+
+CimQualifier MofQualifiers::resolve(const Meaning& meaning, const MofQualifierSyntax& syntax) const {
+  CimQualifier qualifier;
+  qualifier.name = syntax.name.text;
+  qualifier.toSubclass = meaning.toSubclass;
+  qualifier.overridable = meaning.overridable;
+  qualifier.translatable = meaning.translatable;
+  applyFlavors(syntax.flavors, qualifier);
+  const MofType& type = meaning.type != nullptr ? *meaning.type : *typeOfValue(syntax);
+  const bool isFlag = type.kind == MofType::Kind::Boolean;
+  if (syntax.hasValue) {
+    const bool isArray = meaning.type != nullptr ? meaning.isArray : syntax.value.kind == MofValueSyntax::Kind::Array;
+    qualifier.value = makeMofValue(syntax.value, type, isArray, -1);
+    // A flag without value is set, one whose value is NULL is not.
+    if (isFlag && !isArray && qualifier.value.IsNull()) {
+      MofValueSyntax unset;
+      unset.kind = MofValueSyntax::Kind::Boolean;
+      qualifier.value = makeMofScalar(unset, type);
+    }
+  } else if (!isFlag) {
+    qualifier.value = meaning.defaultValue;
+  }
+  return qualifier;
+}
+
+void MofQualifiers::checkScope(const Meaning& meaning, const MofQualifierSyntax& syntax, Element element) {
+  const AllowingScopes allowing = scopesFor(element);
+  const bool isFree =
+      meaning.scopes.empty() || std::any_of(meaning.scopes.begin(), meaning.scopes.end(),
+                                            [&](const auto& scope) { return isAllowed(scope, allowing); });
+  if (isFree) return;
+  std::string declared;
+  for (const QORString& scope : meaning.scopes) {
+    declared += (declared.empty() ? "" : ", ") + std::string(scope.view());
+  }
+  throw MofFault{syntax.name.at, "qualifier " + std::string(syntax.name.text.view()) + " cannot stand on " +
+                                     allowing.what + ": its scope is " + declared};
+}

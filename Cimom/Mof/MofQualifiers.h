@@ -1,0 +1,49 @@
+// What qualifiers mean: their types, values and flavors.
+#ifndef QORQL_MOF_MOFQUALIFIERS_H
+#define QORQL_MOF_MOFQUALIFIERS_H
+
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "Cimom/Embedded/CimDeclarationSink.h"
+#include "Cimom/Mof/MofReport.h"
+#include "Cimom/Mof/MofSyntax.h"
+#include "Cimom/Mof/MofType.h"
+
+// Declares the qualifiers of a document and gives those on classes, properties,
+// methods and parameters their meaning. A qualifier that the namespace does not
+// declare has the standard's type and flavors when it is one of the standard's,
+// otherwise the type of its value. Belongs to one load.
+class MofQualifiers {
+ public:
+  // What a qualifier stands on.
+  enum class Element { Class, Property, Reference, Method, Parameter, ReferenceParameter };
+
+  MofQualifiers(CimDeclarationSink& sink, MofReport& report) : _sink(sink), _report(report) {}
+
+  void declare(const MofQualifierDeclarationSyntax& syntax);
+  // Faults go to the report; the return value tells whether there were none.
+  bool resolve(const QORString& nameSpace, const std::vector<MofQualifierSyntax>& syntax, Element element,
+               std::vector<CimQualifier>& out);
+
+ private:
+  struct Meaning {
+    const MofType* type = nullptr;  // null: that of the value
+    bool isArray = false;
+    QORSmrPtr<IQoriValue> defaultValue;
+    bool toSubclass = true;
+    bool overridable = true;
+    bool translatable = false;
+    std::vector<QORString> scopes;  // empty: it may stand anywhere
+  };
+  const Meaning& meaningOf(const QORString& nameSpace, const QORString& name);
+  CimQualifier resolve(const Meaning& meaning, const MofQualifierSyntax& syntax) const;
+  static void checkScope(const Meaning& meaning, const MofQualifierSyntax& syntax, Element element);
+
+  CimDeclarationSink& _sink;
+  MofReport& _report;
+  std::unordered_map<std::string, Meaning> _meanings;  // by namespace and name, folded
+};
+
+#endif

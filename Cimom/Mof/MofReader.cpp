@@ -1,0 +1,139 @@
+// Files are told apart by their canonical path, so that a loop is found
+// whatever the paths in it look like.
+#include "Cimom/Mof/MofReader.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+#include <utility>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t kMaximumIncludeDepth = 64;
+
+// The fault, or an empty text and the contents.
+std::string readWhole(const std::string& path, std::string& contents) {
+  std::error_code error;
+  if (!fs::exists(path, error)) return "there is no such file";
+  if (fs::is_directory(path, error)) return "it is a folder";
+  std::ifstream in(path, std::ios::binary);
+  if (!in) return "it cannot be opened";
+  contents.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+  return in.bad() ? "it cannot be read" : "";
+}
+
+// What makes a text no MOF at all; empty when nothing does.
+std::string faultOfText(std::string_view text) {
+  const std::string_view mark = text.substr(0, 2);
+  if (mark == "\xFF\xFE" || mark == "\xFE\xFF") return "the text is UTF-16; MOF is read as UTF-8";
+  if (text.find('\0') != std::string_view::npos) return "this is no text: it contains zero bytes";
+  return {};
+}
+
+bool isMofFile(const fs::directory_entry& entry) {
+  std::error_code error;
+  return entry.is_regular_file(error) && isMofWord(entry.path().extension().string(), ".mof");
+}
+
+std::string canonicalPath(const std::string& path) {
+  std::error_code error;
+  const fs::path canonical = fs::weakly_canonical(path, error);
+  return error ? path : canonical.string();
+}
+
+}  // namespace
+
+void MofReader::readPath(const std::string& path) {
+  std::error_code error;
+  fs::is_directory(path, error) ? readFolder(path) : readFile(path);
+}
+
+void MofReader::readFolder(const std::string& path) {
+  std::vector<std::string> files;
+  std::error_code error;
+  for (fs::directory_iterator entry(path, error), end; !error && entry != end; entry.increment(error)) {
+    if (isMofFile(*entry)) files.push_back(entry->path().string());
+  }
+  if (error) return fail(path, nullptr, "the folder cannot be read: " + error.message());
+  if (files.empty()) return fail(path, nullptr, "the folder holds no .mof file");
+  std::sort(files.begin(), files.end());
+  for (const std::string& file : files) readFile(file);
+}
+
+MofParser::Context MofReader::newContext() {
+  MofParser::Context context;
+  context.nameSpace = _nameSpace;
+  context.scope = _scopes++;
+  return context;
+}
+
+void MofReader::readFile(const std::string& path) {
+  MofParser::Context context = newContext();
+  context.include = [this, &context](const std::string& named, const MofLocation& at) {
+    readInclude(named, at, context);
+  };
+  readOnce(path, context, nullptr);
+}
+
+void MofReader::readText(std::string_view text, const std::string& name) {
+  MofParser::Context context = newContext();
+  context.include = [this, &context](const std::string& named, const MofLocation& at) {
+    readInclude(named, at, context);
+  };
+  parse(std::make_unique<MofSource>(name, std::string(text)), context);
+}
+
+void MofReader::readInclude(const std::string& named, const MofLocation& at, MofParser::Context& context) {
+  const fs::path folder = fs::path(at.source->getName()).parent_path();
+  readOnce((folder / named).string(), context, &at);
+}
+
+void MofReader::readOnce(const std::string& path, MofParser::Context& context, const MofLocation* includer) {
+  const std::string canonical = canonicalPath(path);
+  if (std::find(_open.begin(), _open.end(), canonical) != _open.end()) {
+    return fail(path, includer, "include loop: " + describeLoop(canonical));
+  }
+  if (_open.size() >= kMaximumIncludeDepth) {
+    return fail(path, includer,
+                "includes nested too deeply: more than " + std::to_string(kMaximumIncludeDepth) + " files");
+  }
+  const auto [known, isNew] = _scopeOfFile.try_emplace(canonical, context.scope);
+  if (!isNew) {
+    _imports.push_back({context.scope, known->second});
+    return;
+  }
+  std::string contents;
+  if (const std::string fault = readWhole(path, contents); !fault.empty()) {
+    return fail(path, includer, "cannot read " + path + ": " + fault);
+  }
+  _open.push_back(canonical);
+  parse(std::make_unique<MofSource>(path, std::move(contents)), context);
+  _open.pop_back();
+}
+
+void MofReader::parse(std::unique_ptr<MofSource> source, MofParser::Context& context) {
+  _document.sources.push_back(std::move(source));
+  const MofSource& text = *_document.sources.back();
+  if (const std::string fault = faultOfText(text.getText()); !fault.empty()) {
+    _document.isIncomplete = true;
+    _report.addFile(text.getName(), fault);
+    return;
+  }
+  MofParser(text, _document, _report, context).readDeclarations();
+}
+
+void MofReader::fail(const std::string& path, const MofLocation* includer, const std::string& message) {
+  _document.isIncomplete = true;
+  includer != nullptr ? _report.add(*includer, message) : _report.addFile(path, message);
+}
+
+std::string MofReader::describeLoop(const std::string& path) const {
+  std::string chain;
+  for (auto file = std::find(_open.begin(), _open.end(), path); file != _open.end(); ++file) {
+    chain += fs::path(*file).filename().string() + " includes ";
+  }
+  return chain + fs::path(path).filename().string();
+}

@@ -1,0 +1,54 @@
+// Files of MOF with what they include.
+#ifndef QORQL_MOF_MOFREADER_H
+#define QORQL_MOF_MOFREADER_H
+
+#include <functional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "Cimom/Mof/MofParser.h"
+#include "Cimom/Mof/MofReport.h"
+#include "Cimom/Mof/MofSyntax.h"
+
+// Reads files and texts into one document. A file is read once in a load, even
+// when several include it. Each file or text that is read for itself has an
+// alias scope of its own, which its includes share. Belongs to one load.
+class MofReader {
+ public:
+  MofReader(MofDocument& document, MofReport& report, const QORString& nameSpace)
+      : _document(document), _report(report), _nameSpace(nameSpace) {}
+
+  // A file, or every .mof in a folder in the order of their names.
+  void readPath(const std::string& path);
+  void readText(std::string_view text, const std::string& name);
+
+  // Scopes that use the aliases of other ones: a file included a file that was
+  // read before in another scope.
+  struct Import {
+    QORuint32 into;
+    QORuint32 from;
+  };
+  const std::vector<Import>& getImports() const noexcept { return _imports; }
+
+ private:
+  void readFolder(const std::string& path);
+  void readFile(const std::string& path);
+  // `includer` is null for a file that is read for itself.
+  void readOnce(const std::string& path, MofParser::Context& context, const MofLocation* includer);
+  void readInclude(const std::string& named, const MofLocation& at, MofParser::Context& context);
+  void parse(std::unique_ptr<MofSource> source, MofParser::Context& context);
+  MofParser::Context newContext();
+  void fail(const std::string& path, const MofLocation* includer, const std::string& message);
+  std::string describeLoop(const std::string& path) const;
+
+  MofDocument& _document;
+  MofReport& _report;
+  QORString _nameSpace;
+  QORuint32 _scopes = 0;
+  std::unordered_map<std::string, QORuint32> _scopeOfFile;  // by canonical path
+  std::vector<std::string> _open;                           // canonical paths from the outermost file inwards
+  std::vector<Import> _imports;
+};
+
+#endif

@@ -1,0 +1,176 @@
+// References by alias and by path text. Both end in a name with the
+// repository's spelling and typed keys, so that equal paths have equal texts.
+#include <string>
+#include <utility>
+
+#include "Cimom/Mof/MofValues.h"
+#include "cimom/CQoriInstanceName.h"
+#include "cimom/CQoriProperty.h"
+#include "cimom/CQoriValue.h"
+
+namespace {
+
+// A key that is a reference holds a path in quotes, which doubles the
+// backslashes of the paths inside: a chain of a few dozen fills any memory.
+constexpr std::size_t kMaximumPathLength = 65536;
+
+std::string textOf(const QORString& text) { return std::string(text.view()); }
+
+QORSmrPtr<IQoriInstanceName> makeName(const QORString& nameSpace, const QORString& className,
+                                      const QORSmrPtr<IQoriInstanceName::KeyList>& keys, const MofLocation& at) {
+  const QORSmrPtr<IQoriNameSpacePath> path(new CQoriNameSpacePath(QORString::emptyString(), nameSpace));
+  QORSmrPtr<IQoriInstanceName> name(new CQoriInstanceName(className, keys, path));
+  if (name->toString().length() > kMaximumPathLength) {
+    throw MofFault{at, "the instance path is longer than " + std::to_string(kMaximumPathLength) + " bytes"};
+  }
+  return name;
+}
+
+const MofPropertySyntax* findProperty(const std::vector<MofPropertySyntax>& properties, const QORString& name) {
+  for (const MofPropertySyntax& property : properties) {
+    if (property.name.text.isEqualCaseInsensitive(name)) return &property;
+  }
+  return nullptr;
+}
+
+// The type that a key's value shows by itself.
+const MofType& naturalType(const MofValueSyntax& value) {
+  switch (value.kind) {
+    case MofValueSyntax::Kind::Boolean:
+      return *findMofType("boolean");
+    case MofValueSyntax::Kind::Integer:
+      return *findMofType(value.flag ? "sint64" : "uint64");
+    case MofValueSyntax::Kind::Real:
+      return *findMofType("real64");
+    case MofValueSyntax::Kind::Char16:
+      return *findMofType("char16");
+    default:
+      return *findMofType("string");
+  }
+}
+
+}  // namespace
+
+// --- aliases -------------------------------------------------------------------
+
+MofValues::Scope& MofValues::scopeAt(QORuint32 index) {
+  if (index >= _scopes.size()) _scopes.resize(index + 1);
+  return _scopes[index];
+}
+
+void MofValues::importScope(QORuint32 into, QORuint32 from) {
+  if (into != from) scopeAt(into).imports.push_back(from);
+}
+
+void MofValues::defineAlias(const MofInstanceSyntax& instance) {
+  if (instance.alias.text.isEmpty()) return;
+  const auto [alias, isNew] = scopeAt(instance.scope).aliases.try_emplace(foldMofName(instance.alias.text));
+  if (isNew) {
+    alias->second.instance = &instance;
+    return;
+  }
+  const MofName& first = alias->second.instance->alias;
+  const MofDiagnostic earlier = first.at.source->diagnose(first.at.offset, "");
+  throw MofFault{instance.alias.at, "alias " + textOf(instance.alias.text) + " is defined twice, first in " +
+                                        earlier.file + " line " + std::to_string(earlier.line)};
+}
+
+void MofValues::resolveAlias(const MofInstanceSyntax& instance, const QORSmrPtr<IQoriInstanceName>& name) {
+  if (instance.alias.text.isEmpty()) return;
+  Alias* const alias = findAlias(instance.alias.text, instance.scope);
+  if (alias != nullptr && alias->instance == &instance) alias->name = name;
+}
+
+MofValues::Alias* MofValues::findAlias(const QORString& name, QORuint32 scope) {
+  const std::string folded = foldMofName(name);
+  Scope& own = scopeAt(scope);
+  if (const auto found = own.aliases.find(folded); found != own.aliases.end()) return &found->second;
+  for (const QORuint32 import : own.imports) {
+    Scope& lent = _scopes[import];
+    if (const auto found = lent.aliases.find(folded); found != lent.aliases.end()) return &found->second;
+  }
+  return nullptr;
+}
+
+// --- references ----------------------------------------------------------------
+
+IQoriValue::Pointer MofValues::makeReference(const MofValueSyntax& value, const Place& place) {
+  QORSmrPtr<IQoriInstanceName> name;
+  if (value.kind == MofValueSyntax::Kind::Alias) {
+    name = nameOfAlias(value, place);
+  } else if (value.kind == MofValueSyntax::Kind::Text) {
+    name = nameOfPath(value, place);
+  } else {
+    throw MofFault{value.at, std::string("found ") + describeMofValue(value) +
+                                 ", expected a reference: an alias or the text of an instance path"};
+  }
+  requireDerived(name->getNameSpacePath()->getNameSpace(), name->getClassName(), place.property.referenceClass,
+                 value.at);
+  return IQoriValue::Pointer(new CQoriValue(name));
+}
+
+QORSmrPtr<IQoriInstanceName> MofValues::nameOfAlias(const MofValueSyntax& value, const Place& place) {
+  Alias* const alias = findAlias(value.text, place.scope);
+  if (alias == nullptr) {
+    if (_document.excusesAlias(value.text)) throw MofFault{};
+    throw MofFault{value.at, "unknown alias " + textOf(value.text)};
+  }
+  if (!alias->name.IsNull()) return alias->name;
+  if (alias->isOpen) throw MofFault{value.at, "the path of " + textOf(value.text) + " depends on itself"};
+  const MofInstanceSyntax& instance = *alias->instance;
+  alias->isOpen = true;
+  try {
+    const Place inside{place.property, instance.nameSpace, instance.scope, place.depth + 1};
+    alias->name = nameFromKeys(shapeOf(instance), instance.properties, inside, value.at);
+    alias->isOpen = false;
+  } catch (...) {
+    alias->isOpen = false;
+    throw;
+  }
+  return alias->name;
+}
+
+QORSmrPtr<IQoriInstanceName> MofValues::nameOfPath(const MofValueSyntax& value, const Place& place) {
+  const MofObjectPath path = readMofObjectPath(value.text, value.at);
+  const bool isElsewhere = !path.nameSpace.isEmpty() && !path.nameSpace.isEqualCaseInsensitive(place.nameSpace);
+  const QORString& nameSpace = isElsewhere ? path.nameSpace : place.nameSpace;
+  // Another namespace may be served by someone else.
+  if (isElsewhere && _sink.findClass(nameSpace, path.className).IsNull()) return nameAsWritten(path, value.at);
+  const MofClassShape& shape = requireShape(nameSpace, {path.className, value.at});
+  for (const MofPropertySyntax& key : path.keys) {
+    const MofPropertyShape* const property = shape.find(key.name.text);
+    if (property != nullptr && property->isKey) continue;
+    throw MofFault{value.at, "class " + textOf(shape.className) + " has no key " + textOf(key.name.text)};
+  }
+  return nameFromKeys(shape, path.keys, {place.property, nameSpace, place.scope, place.depth + 1}, value.at);
+}
+
+QORSmrPtr<IQoriInstanceName> MofValues::nameAsWritten(const MofObjectPath& path, const MofLocation& at) const {
+  QORSmrPtr<IQoriInstanceName::KeyList> keys(new IQoriInstanceName::KeyList());
+  for (const MofPropertySyntax& key : path.keys) {
+    const IQoriValue::Pointer value = makeMofScalar(key.value, naturalType(key.value));
+    keys->append(QORSmrPtr<IQoriProperty>(new CQoriProperty(key.name.text, value, false)));
+  }
+  return makeName(path.nameSpace, path.className, keys, at);
+}
+
+QORSmrPtr<IQoriInstanceName> MofValues::nameFromKeys(const MofClassShape& shape,
+                                                     const std::vector<MofPropertySyntax>& values, const Place& place,
+                                                     const MofLocation& at) {
+  if (place.depth > kMofMaximumNesting) throw MofFault{at, "references in keys are nested too deeply"};
+  QORSmrPtr<IQoriInstanceName::KeyList> keys(new IQoriInstanceName::KeyList());
+  for (const MofPropertyShape& property : shape.properties) {
+    if (!property.isKey) continue;
+    const MofPropertySyntax* const given = findProperty(values, property.name);
+    const IQoriValue::Pointer value = given == nullptr
+                                          ? property.defaultValue
+                                          : make(given->value, property, place.nameSpace, place.scope, place.depth);
+    if (value.IsNull()) {
+      throw MofFault{at, "the referenced instance of " + textOf(shape.className) + " has no value for its key " +
+                             textOf(property.name)};
+    }
+    keys->append(QORSmrPtr<IQoriProperty>(new CQoriProperty(property.name, value, false)));
+  }
+  if (keys->entries() == 0) throw MofFault{at, "class " + textOf(shape.className) + " has no key"};
+  return makeName(shape.nameSpace, shape.className, keys, at);
+}

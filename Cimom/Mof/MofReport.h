@@ -1,0 +1,34 @@
+// The faults of one load, collected until it ends.
+#ifndef QORQL_MOF_MOFREPORT_H
+#define QORQL_MOF_MOFREPORT_H
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "Cimom/Mof/MofSource.h"
+
+// Belongs to one load. Past the limit further faults are dropped and whoever
+// reads on stops.
+class MofReport {
+ public:
+  static constexpr std::size_t kMaximumFaults = 20;
+
+  void add(const MofLocation& at, const std::string& message);
+  // Nothing for a fault that has been recorded already.
+  void add(const MofFault& fault) {
+    if (fault.at.source != nullptr) add(fault.at, fault.message);
+  }
+  // A fault of a file as a whole.
+  void addFile(const std::string& file, const std::string& message);
+
+  bool isEmpty() const noexcept { return _faults.empty(); }
+  bool isFull() const noexcept { return _faults.size() >= kMaximumFaults; }
+  // THROWS MofException when faults were added; those of a text in the order of its lines.
+  void raise() const;
+
+ private:
+  std::vector<MofDiagnostic> _faults;
+};
+
+#endif

@@ -1,0 +1,50 @@
+// The tokens of MOF text.
+#ifndef QORQL_MOF_MOFSCANNER_H
+#define QORQL_MOF_MOFSCANNER_H
+
+#include <cstddef>
+#include <string_view>
+
+#include "Cimom/Mof/MofSource.h"
+
+struct MofToken {
+  enum class Kind { End, Identifier, Alias, String, Char, Number, Pragma, Symbol };
+
+  Kind kind = Kind::End;
+  char symbol = '\0';  // of a Symbol
+  std::size_t offset = 0;
+  std::size_t length = 0;
+  // Of a string literal that runs over the end of its line: where that line ends.
+  std::size_t lineEnd = std::string_view::npos;
+};
+
+// Goes over a text once, token by token. Comments and white space are passed
+// over; literals are delimited here and read by MofLiterals. Belongs to one
+// parser; the source outlives it.
+class MofScanner {
+ public:
+  explicit MofScanner(const MofSource& source) : _source(source), _offset(source.getStart()) {}
+
+  // THROWS MofFault; the next call goes on behind what was at fault.
+  MofToken next();
+  // Goes on elsewhere in the text.
+  void resumeAt(std::size_t offset) noexcept { _offset = offset; }
+  // Where the line of `offset` ends.
+  std::size_t lineEndAfter(std::size_t offset) const noexcept;
+
+ private:
+  std::string_view text() const noexcept { return _source.getText(); }
+  char at(std::size_t offset) const noexcept { return offset < text().size() ? text()[offset] : '\0'; }
+  void skipBlanks();
+  MofToken quoted(MofToken::Kind kind, char quote);
+  MofToken number();
+  MofToken name(MofToken::Kind kind, std::size_t prefix);
+  MofToken pragma();
+  MofToken made(MofToken::Kind kind, std::size_t length);
+  [[noreturn]] void refuseByte();
+
+  const MofSource& _source;
+  std::size_t _offset;
+};
+
+#endif

@@ -1,0 +1,38 @@
+// Names of MOF declarations and what is known about refused ones.
+#include "Cimom/Mof/MofSyntax.h"
+
+std::string foldMofName(const QORString& name) {
+  std::string folded(name.view());
+  for (char& byte : folded) {
+    if (byte >= 'A' && byte <= 'Z') byte = static_cast<char>(byte - 'A' + 'a');
+  }
+  return folded;
+}
+
+QORString localMofNameSpace(std::string_view path) {
+  constexpr std::size_t kNone = std::string_view::npos;
+  const std::size_t scheme = path.find("://");
+  if (scheme != kNone) path.remove_prefix(scheme + 1);
+  if (path.substr(0, 2) == "//") {
+    const std::size_t host = path.find('/', 2);
+    path.remove_prefix(host == kNone ? path.size() : host);
+  }
+  while (!path.empty() && path.front() == '/') path.remove_prefix(1);
+  while (!path.empty() && path.back() == '/') path.remove_suffix(1);
+  const bool isRefused = path.find_first_of(" \t\r\n\"'\\:.=,;$#(){}[]") != kNone || path.find("//") != kNone;
+  return isRefused ? QORString() : QORString(path);
+}
+
+bool isMofWord(std::string_view text, const char* word) noexcept { return QORString::equalIgnoringCase(text, word); }
+
+void MofDocument::refuseClass(const QORString& name) { refusedClasses.insert(foldMofName(name)); }
+
+void MofDocument::refuseAlias(const QORString& name) { refusedAliases.insert(foldMofName(name)); }
+
+bool MofDocument::excusesClass(const QORString& name) const {
+  return isIncomplete || refusedClasses.count(foldMofName(name)) != 0;
+}
+
+bool MofDocument::excusesAlias(const QORString& name) const {
+  return isIncomplete || refusedAliases.count(foldMofName(name)) != 0;
+}

@@ -1,0 +1,136 @@
+// What MOF text says, before it is given meaning: the declarations as they are
+// written, with their places.
+#ifndef QORQL_MOF_MOFSYNTAX_H
+#define QORQL_MOF_MOFSYNTAX_H
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+#include "Cimom/Mof/MofSource.h"
+#include "cmpbase.h"
+
+// Instance values inside instance values and inside embedded texts, aliases in
+// keys, and references in keys of references may nest this deep.
+inline constexpr QORuint32 kMofMaximumNesting = 32;
+
+struct MofName {
+  QORString text;
+  MofLocation at;
+};
+
+struct MofInstanceSyntax;
+
+struct MofValueSyntax {
+  enum class Kind { Null, Boolean, Integer, Real, Char16, Text, Alias, Array, Instance };
+
+  Kind kind = Kind::Null;
+  bool flag = false;  // Boolean: the value; Integer: negative
+  char16_t character = 0;
+  QORuint64 magnitude = 0;
+  QORreal64 real = 0;
+  QORString text;  // Text: the value; Alias: its name; numbers: as written
+  std::vector<MofValueSyntax> elements;
+  std::unique_ptr<MofInstanceSyntax> instance;
+  MofLocation at;
+};
+
+enum class MofFlavor { EnableOverride, DisableOverride, ToSubclass, Restricted, Translatable };
+
+struct MofQualifierSyntax {
+  MofName name;
+  bool hasValue = false;
+  MofValueSyntax value;
+  std::vector<MofFlavor> flavors;
+};
+
+struct MofQualifierDeclarationSyntax {
+  QORString nameSpace;
+  MofName name;
+  MofName type;
+  bool isArray = false;
+  QORsint32 arraySize = -1;
+  bool hasDefault = false;
+  MofValueSyntax defaultValue;
+  std::vector<QORString> scopes;
+  std::vector<MofFlavor> flavors;
+};
+
+// A property, a reference or a parameter.
+struct MofFeatureSyntax {
+  MofName name;
+  MofName type;  // of a reference: the class
+  bool isReference = false;
+  bool isArray = false;
+  QORsint32 arraySize = -1;
+  bool hasDefault = false;
+  MofValueSyntax defaultValue;
+  std::vector<MofQualifierSyntax> qualifiers;
+};
+
+struct MofMethodSyntax {
+  MofName name;
+  MofName type;
+  std::vector<MofFeatureSyntax> parameters;
+  std::vector<MofQualifierSyntax> qualifiers;
+};
+
+struct MofClassSyntax {
+  QORString nameSpace;
+  QORuint32 scope = 0;  // the alias scope it belongs to
+  MofName name;
+  MofName superClass;  // an empty text at the root
+  std::vector<MofQualifierSyntax> qualifiers;
+  std::vector<MofFeatureSyntax> properties;
+  std::vector<MofMethodSyntax> methods;
+};
+
+struct MofPropertySyntax {
+  MofName name;
+  MofValueSyntax value;
+};
+
+struct MofInstanceSyntax {
+  QORString nameSpace;
+  QORuint32 scope = 0;  // the alias scope it belongs to
+  MofLocation at;
+  MofName className;
+  MofName alias;  // an empty text when it has none
+  std::vector<MofPropertySyntax> properties;
+};
+
+// All that one load declares, in the order of the text. Instances have fixed
+// addresses.
+struct MofDocument {
+  std::vector<std::unique_ptr<MofSource>> sources;
+  std::vector<QORString> nameSpaces;
+  std::vector<MofQualifierDeclarationSyntax> qualifiers;
+  std::vector<std::unique_ptr<MofClassSyntax>> classes;
+  std::vector<std::unique_ptr<MofInstanceSyntax>> instances;
+
+  // Names (folded) whose declaration is refused: what depends on them is passed
+  // over in silence, so that one fault gives one diagnostic.
+  std::unordered_set<std::string> refusedClasses;
+  std::unordered_set<std::string> refusedAliases;
+  // A file is missing: any unknown name may be its.
+  bool isIncomplete = false;
+
+  // Marks the class, and whatever depends on it, as refused.
+  void refuseClass(const QORString& name);
+  void refuseAlias(const QORString& name);
+  // Whether an unknown class or alias is the consequence of an earlier fault.
+  bool excusesClass(const QORString& name) const;
+  bool excusesAlias(const QORString& name) const;
+};
+
+// A name in the form in which names are compared.
+std::string foldMofName(const QORString& name);
+// The namespace in a path such as "root/cimv2", "/root/cimv2" or
+// "//./root/cimv2", whose host is passed over; empty when it is none.
+QORString localMofNameSpace(std::string_view path);
+// Whether a string and a word of the language are equal, ignoring case.
+bool isMofWord(std::string_view text, const char* word) noexcept;
+
+#endif

@@ -1,0 +1,130 @@
+// Declarations of instances, property by property, and embedded objects.
+#include "Cimom/Mof/MofValues.h"
+
+#include <utility>
+
+#include "Cimom/Mof/MofParser.h"
+#include "cimom/CQoriValue.h"
+
+namespace {
+
+std::string textOf(const QORString& text) { return std::string(text.view()); }
+
+}  // namespace
+
+const MofClassShape& MofValues::shapeOf(const MofInstanceSyntax& instance) {
+  return requireShape(instance.nameSpace, instance.className);
+}
+
+const MofClassShape& MofValues::requireShape(const QORString& nameSpace, const MofName& className) {
+  try {
+    const MofClassShape* const shape = _shapes.find(nameSpace, className.text);
+    if (shape != nullptr) return *shape;
+  } catch (const QoriBaseException& refusal) {
+    throw MofFault{className.at, refusal.what()};
+  }
+  if (_document.excusesClass(className.text)) throw MofFault{};
+  throw MofFault{className.at,
+                 "class " + textOf(className.text) + " is not declared in namespace " + textOf(nameSpace)};
+}
+
+void MofValues::requireDerived(const QORString& nameSpace, const QORString& className, const QORString& ancestor,
+                               const MofLocation& at) const {
+  if (_shapes.isA(nameSpace, className, ancestor)) return;
+  throw MofFault{at, "found an instance of " + textOf(className) + ", expected one of " + textOf(ancestor) +
+                         " or of a class derived from it"};
+}
+
+bool MofValues::declare(const MofInstanceSyntax& instance, const MofClassShape& shape, QORuint32 depth,
+                        CimInstanceDeclaration& out) {
+  out.className = shape.className;
+  out.properties.reserve(instance.properties.size());
+  bool isSound = true;
+  std::vector<const MofPropertySyntax*> given(shape.properties.size(), nullptr);
+  for (const MofPropertySyntax& property : instance.properties) {
+    try {
+      const MofPropertyShape& declared = requireProperty(property.name, shape);
+      if (std::exchange(given[declared.position], &property) != nullptr) {
+        throw MofFault{property.name.at, "property " + textOf(declared.name) + " is given twice"};
+      }
+      out.properties.push_back(
+          {declared.name, make(property.value, declared, instance.nameSpace, instance.scope, depth)});
+    } catch (const MofFault& fault) {
+      isSound = false;
+      _report.add(fault);
+    }
+  }
+  return isSound;
+}
+
+const MofPropertyShape& MofValues::requireProperty(const MofName& name, const MofClassShape& shape) {
+  const MofPropertyShape* const property = shape.find(name.text);
+  if (property != nullptr) return *property;
+  const std::string similar = shape.similarName(name.text);
+  throw MofFault{name.at, "class " + textOf(shape.className) + " has no property " + textOf(name.text) +
+                              (similar.empty() ? "" : "; did you mean " + similar + '?')};
+}
+
+bool MofValues::checkKeys(const MofInstanceSyntax& instance, const CimInstanceDeclaration& declaration,
+                          const MofClassShape& shape) {
+  bool isSound = true;
+  for (const MofPropertyShape& property : shape.properties) {
+    if (!property.isKey) continue;
+    bool hasValue = !property.defaultValue.IsNull();
+    for (const CimInstanceProperty& given : declaration.properties) {
+      if (given.name == property.name) hasValue = !given.value.IsNull();
+    }
+    if (hasValue) continue;
+    isSound = false;
+    _report.add(instance.className.at,
+                "the instance of " + textOf(shape.className) + " has no value for its key " + textOf(property.name));
+  }
+  return isSound;
+}
+
+IQoriValue::Pointer MofValues::make(const MofValueSyntax& value, const MofPropertyShape& property,
+                                    const QORString& nameSpace, QORuint32 scope, QORuint32 depth) {
+  const Place place{property, nameSpace, scope, depth};
+  if (!property.isArray) {
+    return value.kind == MofValueSyntax::Kind::Null ? IQoriValue::Pointer() : makeElement(value, place);
+  }
+  return makeMofValue(value, *property.type, true, property.arraySize,
+                      [this, &place](const MofValueSyntax& element) { return makeElement(element, place); });
+}
+
+IQoriValue::Pointer MofValues::makeElement(const MofValueSyntax& value, const Place& place) {
+  using Kind = MofValueSyntax::Kind;
+  const MofType& type = *place.property.type;
+  if (type.kind == MofType::Kind::Reference) return makeReference(value, place);
+  if (type.kind != MofType::Kind::Object) return makeMofScalar(value, type);
+  if (value.kind == Kind::Instance) return makeObject(*value.instance, place);
+  if (value.kind == Kind::Text) return makeObjectFromText(value, place);
+  throw MofFault{value.at, std::string("found ") + describeMofValue(value) +
+                               ", expected an embedded instance: a string or \"instance of\""};
+}
+
+IQoriValue::Pointer MofValues::makeObject(const MofInstanceSyntax& instance, const Place& place) {
+  const MofClassShape& shape = shapeOf(instance);
+  requireDerived(instance.nameSpace, shape.className, place.property.embeddedClass, instance.className.at);
+  CimInstanceDeclaration declaration;
+  if (!declare(instance, shape, place.depth + 1, declaration)) throw MofFault{};
+  try {
+    return IQoriValue::Pointer(new CQoriValue(_sink.makeObject(instance.nameSpace, declaration)));
+  } catch (const QoriBaseException& refusal) {
+    throw MofFault{instance.className.at, refusal.what()};
+  }
+}
+
+IQoriValue::Pointer MofValues::makeObjectFromText(const MofValueSyntax& value, const Place& place) {
+  const MofSource source(textOf(value.text), value.at);
+  try {
+    MofParser::Context context{place.nameSpace, place.scope, {}};
+    MofParser parser(source, _document, _report, context);
+    const std::unique_ptr<MofInstanceSyntax> instance = parser.readEmbeddedInstance(place.depth + 1);
+    return makeObject(*instance, place);
+  } catch (const MofFault& fault) {
+    // Recorded here, while its text lives.
+    _report.add(fault);
+    throw MofFault{};
+  }
+}

@@ -1,0 +1,84 @@
+// The values of instances: references and embedded objects among them.
+#ifndef QORQL_MOF_MOFVALUES_H
+#define QORQL_MOF_MOFVALUES_H
+
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "Cimom/Embedded/CimDeclarationSink.h"
+#include "Cimom/Mof/MofObjectPath.h"
+#include "Cimom/Mof/MofReport.h"
+#include "Cimom/Mof/MofShapes.h"
+#include "Cimom/Mof/MofSyntax.h"
+
+// Makes the sink's declarations of instances from their syntax. An alias may be
+// used before its instance and in a circle; its path comes from the keys alone.
+// Recursion follows nesting and is bounded. Belongs to one load.
+class MofValues {
+ public:
+  MofValues(CimDeclarationSink& sink, MofDocument& document, MofReport& report)
+      : _sink(sink), _document(document), _report(report), _shapes(sink) {}
+
+  // Files that were read before in the same load lend their aliases to the one
+  // that includes them again.
+  void importScope(QORuint32 into, QORuint32 from);
+  // Makes the alias of an instance known. THROWS MofFault when its scope has it already.
+  void defineAlias(const MofInstanceSyntax& instance);
+  // The instance of the alias has been stored under this name.
+  void resolveAlias(const MofInstanceSyntax& instance, const QORSmrPtr<IQoriInstanceName>& name);
+
+  // The class of an instance. THROWS MofFault when it is unknown or can have no instances.
+  const MofClassShape& shapeOf(const MofInstanceSyntax& instance);
+  // False when anything was at fault; all of it goes to the report.
+  bool declare(const MofInstanceSyntax& instance, const MofClassShape& shape, QORuint32 depth,
+               CimInstanceDeclaration& out);
+  // A key without value goes to the report.
+  bool checkKeys(const MofInstanceSyntax& instance, const CimInstanceDeclaration& declaration,
+                 const MofClassShape& shape);
+  // The value of a property; null for NULL. THROWS MofFault.
+  IQoriValue::Pointer make(const MofValueSyntax& value, const MofPropertyShape& property, const QORString& nameSpace,
+                           QORuint32 scope, QORuint32 depth);
+
+ private:
+  struct Alias {
+    const MofInstanceSyntax* instance = nullptr;
+    QORSmrPtr<IQoriInstanceName> name;  // null until it is known
+    bool isOpen = false;                // its keys are being read
+  };
+  struct Scope {
+    std::unordered_map<std::string, Alias> aliases;  // by folded name
+    std::vector<QORuint32> imports;
+  };
+  // What surrounds a value.
+  struct Place {
+    const MofPropertyShape& property;
+    const QORString& nameSpace;
+    QORuint32 scope;
+    QORuint32 depth;
+  };
+
+  IQoriValue::Pointer makeElement(const MofValueSyntax& value, const Place& place);
+  IQoriValue::Pointer makeReference(const MofValueSyntax& value, const Place& place);
+  QORSmrPtr<IQoriInstanceName> nameOfAlias(const MofValueSyntax& value, const Place& place);
+  QORSmrPtr<IQoriInstanceName> nameOfPath(const MofValueSyntax& value, const Place& place);
+  QORSmrPtr<IQoriInstanceName> nameAsWritten(const MofObjectPath& path, const MofLocation& at) const;
+  const MofClassShape& requireShape(const QORString& nameSpace, const MofName& className);
+  void requireDerived(const QORString& nameSpace, const QORString& className, const QORString& ancestor,
+                      const MofLocation& at) const;
+  QORSmrPtr<IQoriInstanceName> nameFromKeys(const MofClassShape& shape, const std::vector<MofPropertySyntax>& values,
+                                            const Place& place, const MofLocation& at);
+  IQoriValue::Pointer makeObject(const MofInstanceSyntax& instance, const Place& place);
+  IQoriValue::Pointer makeObjectFromText(const MofValueSyntax& value, const Place& place);
+  Alias* findAlias(const QORString& name, QORuint32 scope);
+  Scope& scopeAt(QORuint32 index);
+  static const MofPropertyShape& requireProperty(const MofName& name, const MofClassShape& shape);
+
+  CimDeclarationSink& _sink;
+  MofDocument& _document;
+  MofReport& _report;
+  MofShapes _shapes;
+  std::vector<Scope> _scopes;
+};
+
+#endif
