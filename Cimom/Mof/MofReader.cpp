@@ -13,6 +13,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t kMaximumIncludeDepth = 64;
+constexpr std::size_t kMaximumFileSize = 512U << 20U;  // a device has no end of its own
 
 // The fault, or an empty text and the contents.
 std::string readWhole(const std::string& path, std::string& contents) {
@@ -21,7 +22,12 @@ std::string readWhole(const std::string& path, std::string& contents) {
   if (fs::is_directory(path, error)) return "it is a folder";
   std::ifstream in(path, std::ios::binary);
   if (!in) return "it cannot be opened";
-  contents.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+  std::vector<char> chunk(std::size_t{1} << 16U);
+  while (in && contents.size() <= kMaximumFileSize) {
+    in.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
+    contents.append(chunk.data(), static_cast<std::size_t>(in.gcount()));
+  }
+  if (contents.size() > kMaximumFileSize) return "it is larger than 512 MB";
   return in.bad() ? "it cannot be read" : "";
 }
 
