@@ -10,16 +10,20 @@ namespace {
 
 using KeyList = IQoriInstanceName::KeyList;
 
+// Names have a key or two, so an insertion sort does; equal names keep their order.
 QORSmrPtr<KeyList> sortedKeys(const QORSmrPtr<KeyList>& keys) {
   std::vector<QORSmrPtr<IQoriProperty>> sorted;
   if (!keys.IsNull()) {
+    sorted.reserve(keys->entries());
     QORValSlistIterator<QORSmrPtr<IQoriProperty>> it(*keys);
     while (++it) {
-      if (!it.key().IsNull()) sorted.push_back(it.key());
+      if (it.key().IsNull()) continue;
+      const auto place = std::upper_bound(
+          sorted.begin(), sorted.end(), it.key(),
+          [](const auto& key, const auto& other) { return key->getName().compareTo(other->getName(), 0) < 0; });
+      sorted.insert(place, it.key());
     }
   }
-  std::stable_sort(sorted.begin(), sorted.end(),
-                   [](const auto& a, const auto& b) { return a->getName().compareTo(b->getName(), 0) < 0; });
   const QORSmrPtr<KeyList> list(new KeyList);
   for (const QORSmrPtr<IQoriProperty>& key : sorted) list->append(key);
   return list;

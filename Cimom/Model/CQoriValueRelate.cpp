@@ -86,6 +86,7 @@ Order objectOrder(const IQoriObject& a, const IQoriObject& b) {
 
 bool equalArrays(const IQoriValue::List& a, const IQoriValue::List& b) {
   if (a.entries() != b.entries()) return false;
+  const model::NestingGuard guard("relate");
   QORValSlistIterator<QORSmrPtr<IQoriValue>> x(a);
   QORValSlistIterator<QORSmrPtr<IQoriValue>> y(b);
   while (++x && ++y) {

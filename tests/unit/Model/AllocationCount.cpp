@@ -1,0 +1,23 @@
+// Counts the allocations of this test program, by replacing operator new.
+#include "AllocationCount.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+thread_local unsigned long allocations = 0;
+}
+
+unsigned long allocationCount() noexcept { return allocations; }
+
+void* operator new(std::size_t size) {
+  ++allocations;
+  if (void* const memory = std::malloc(size == 0 ? 1 : size)) return memory;
+  throw std::bad_alloc();
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  ++allocations;
+  return std::malloc(size == 0 ? 1 : size);
+}
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }

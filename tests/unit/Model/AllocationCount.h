@@ -1,0 +1,8 @@
+// Counts the allocations of this test program.
+#ifndef QORQL_UNIT_MODEL_ALLOCATIONCOUNT_H
+#define QORQL_UNIT_MODEL_ALLOCATIONCOUNT_H
+
+// Allocations by operator new on this thread since it started.
+unsigned long allocationCount() noexcept;
+
+#endif
