@@ -2,12 +2,15 @@
 #include "Cimom/Providers/LinuxProviders.h"
 
 #include "Cimom/Providers/LinuxFileSystem.h"
+#include "Cimom/Providers/LinuxNetworkPort.h"
 #include "Cimom/Providers/LinuxOperatingSystem.h"
 #include "Cimom/Providers/LinuxProcess.h"
+#include "Cimom/Providers/LinuxProcessor.h"
 
 void registerLinuxProviders(EmbeddedObjectManager& manager, const QORString& nameSpace) {
   const std::shared_ptr<InstanceProvider> providers[] = {
-      std::make_shared<LinuxProcess>(), std::make_shared<LinuxFileSystem>(), std::make_shared<LinuxOperatingSystem>()};
+      std::make_shared<LinuxProcess>(), std::make_shared<LinuxFileSystem>(), std::make_shared<LinuxOperatingSystem>(),
+      std::make_shared<LinuxProcessor>(), std::make_shared<LinuxNetworkPort>()};
   for (const std::shared_ptr<InstanceProvider>& provider : providers) {
     const bool isDeclared = !manager.sink().findClass(nameSpace, provider->getClassName()).IsNull();
     if (isDeclared) manager.registerProvider(nameSpace, provider);

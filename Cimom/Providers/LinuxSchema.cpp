@@ -101,6 +101,45 @@ class Linux_OperatingSystem : CIM_OperatingSystem {
   [Description("Memory that programs could still have, in KiB.")] uint64 AvailableMemory;
   [Description("Processes that want to run, on average over the last 1, 5 and 15 minutes.")] real64 LoadAverage[];
 };
+
+[Abstract, Description("A part of a system that does work, real or not.")]
+class CIM_LogicalDevice : CIM_LogicalElement {
+  [Key, Description("The name that tells it from others of its class.")] string DeviceID;
+};
+
+[Description("A processor.")]
+class CIM_Processor : CIM_LogicalDevice {
+  [Description("In megahertz.")] uint32 CurrentClockSpeed;
+};
+
+[Description("A processor of this machine.")]
+class Linux_Processor : CIM_Processor {
+  [Description("Who made it.")] string Vendor;
+  [Description("Time in programs since the start, in milliseconds.")] uint64 UserModeTime;
+  [Description("Time in the kernel since the start, in milliseconds.")] uint64 KernelModeTime;
+  [Description("Time without work since the start, in milliseconds.")] uint64 IdleTime;
+  [Description("Time without work but for storage since the start, in milliseconds.")] uint64 WaitTime;
+};
+
+[Description("A connection to a network.")]
+class CIM_NetworkPort : CIM_LogicalDevice {
+  [Description("In bits a second; NULL when it is not connected.")] uint64 Speed;
+  [Description("The hardware address.")] string PermanentAddress;
+  [Description("The addresses by which it is reached.")] string NetworkAddresses[];
+  [Description("The greatest packet, in bytes.")] uint64 ActiveMaximumTransmissionUnit;
+};
+
+[Description("A network interface of this machine.")]
+class Linux_NetworkPort : CIM_NetworkPort {
+  [Description("What the kernel says of it: up, down, unknown, ...")] string State;
+  [Description("Whether it is switched on.")] boolean IsUp;
+  [Description("Whether it leads back to this machine.")] boolean IsLoopback;
+  [Description("Bytes received.")] uint64 BytesReceived;
+  [Description("Bytes transmitted.")] uint64 BytesTransmitted;
+  [Description("Packets received.")] uint64 PacketsReceived;
+  [Description("Packets transmitted.")] uint64 PacketsTransmitted;
+  [Description("Errors of either direction.")] uint64 Errors;
+};
 )mof";
 
 const char* linuxSchemaMof() { return kSchema; }

@@ -61,7 +61,8 @@ class Live(ToolCase):
         self.assertGreater(rows[0]["NumberOfProcesses"], 0)
 
     def test_every_property_of_every_class(self):
-        for name in ("Linux_Process", "Linux_FileSystem", "Linux_OperatingSystem"):
+        for name in ("Linux_Process", "Linux_FileSystem", "Linux_OperatingSystem", "Linux_Processor",
+                     "Linux_NetworkPort"):
             with self.subTest(name=name):
                 text = self.succeed(self.run_tool("-o", "csv", f"SELECT * FROM {name}"))
                 rows = list(csv.reader(io.StringIO(text)))

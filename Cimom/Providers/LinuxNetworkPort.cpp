@@ -1,0 +1,144 @@
+// Network interfaces: the kernel's files for each, addresses through getifaddrs.
+#include "Cimom/Providers/LinuxNetworkPort.h"
+
+#include <arpa/inet.h>
+#include <ifaddrs.h>
+#include <net/if.h>
+#include <sys/socket.h>
+
+#include <array>
+#include <cerrno>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "Cimom/Providers/LinuxProperty.h"
+#include "cimom/CQoriProviderException.h"
+#include "cimom/CQoriValue.h"
+
+const char* const LinuxNetworkPort::kClassName = "Linux_NetworkPort";
+
+namespace {
+
+constexpr QORuint32 kCimErrFailed = 1;
+
+struct ReleaseAddresses {
+  void operator()(ifaddrs* addresses) const noexcept { freeifaddrs(addresses); }
+};
+using Addresses = std::unique_ptr<ifaddrs, ReleaseAddresses>;
+
+// The interface that is being read.
+struct Port {
+  std::string name;
+  const ifaddrs* addresses;  // of all interfaces
+  unsigned flags = 0;
+};
+
+// The kernel's file of that name about the interface, without its line end; empty when it has none to give.
+std::string kernelText(const Port& port, const char* file) {
+  std::string text = readSmallFile("/sys/class/net/" + port.name + "/" + file);
+  while (!text.empty() && text.back() == '\n') text.pop_back();
+  return text;
+}
+
+std::optional<QORuint64> kernelNumber(const Port& port, const char* file) {
+  const QORString text(kernelText(port, file));
+  // An interface that is down tells a speed of -1.
+  if (!text.isNumeric() || text[0] == '-') return std::nullopt;
+  return text.atoui64();
+}
+
+LinuxValue counter(const Port& port, const char* file) {
+  const std::optional<QORuint64> number = kernelNumber(port, file);
+  return number ? uint64Value(*number) : LinuxValue();
+}
+
+LinuxValue readName(Port& port) { return textValue(port.name); }
+LinuxValue readHardwareAddress(Port& port) { return textOrNull(kernelText(port, "address").c_str()); }
+LinuxValue readState(Port& port) { return textOrNull(kernelText(port, "operstate").c_str()); }
+LinuxValue readIsUp(Port& port) { return booleanValue((port.flags & IFF_UP) != 0); }
+LinuxValue readIsLoopback(Port& port) { return booleanValue((port.flags & IFF_LOOPBACK) != 0); }
+LinuxValue readMtu(Port& port) { return counter(port, "mtu"); }
+LinuxValue readBytesReceived(Port& port) { return counter(port, "statistics/rx_bytes"); }
+LinuxValue readBytesTransmitted(Port& port) { return counter(port, "statistics/tx_bytes"); }
+LinuxValue readPacketsReceived(Port& port) { return counter(port, "statistics/rx_packets"); }
+LinuxValue readPacketsTransmitted(Port& port) { return counter(port, "statistics/tx_packets"); }
+LinuxValue readErrors(Port& port) {
+  const std::optional<QORuint64> received = kernelNumber(port, "statistics/rx_errors");
+  const std::optional<QORuint64> transmitted = kernelNumber(port, "statistics/tx_errors");
+  return received && transmitted ? uint64Value(*received + *transmitted) : LinuxValue();
+}
+// The kernel counts megabits.
+LinuxValue readSpeed(Port& port) {
+  const std::optional<QORuint64> megabits = kernelNumber(port, "speed");
+  return megabits ? uint64Value(*megabits * 1000000) : LinuxValue();
+}
+
+std::string addressText(const sockaddr* address) {
+  std::array<char, INET6_ADDRSTRLEN> text{};
+  const void* source = nullptr;
+  if (address->sa_family == AF_INET) source = &reinterpret_cast<const sockaddr_in*>(address)->sin_addr;
+  if (address->sa_family == AF_INET6) source = &reinterpret_cast<const sockaddr_in6*>(address)->sin6_addr;
+  if (source == nullptr) return {};
+  return inet_ntop(address->sa_family, source, text.data(), text.size()) == nullptr ? "" : text.data();
+}
+LinuxValue readAddresses(Port& port) {
+  QORSmrPtr<IQoriValue::List> elements = new IQoriValue::List();
+  for (const ifaddrs* entry = port.addresses; entry != nullptr; entry = entry->ifa_next) {
+    if (entry->ifa_addr == nullptr || port.name != entry->ifa_name) continue;
+    const std::string text = addressText(entry->ifa_addr);
+    if (!text.empty()) elements->append(textValue(text));
+  }
+  return new CQoriValue(elements, CQoriType::string);
+}
+
+// The keys that tie an interface to its system in fuller schemas.
+LinuxValue readClassName(Port&) { return textValue(LinuxNetworkPort::kClassName); }
+LinuxValue readSystemClassName(Port&) { return textValue(kLinuxComputerSystem); }
+LinuxValue readSystemName(Port&) { return textValue(hostName()); }
+
+constexpr LinuxProperty<Port> kProperties[] = {
+    {"DeviceID", readName},
+    {"Name", readName},
+    {"Caption", readName},
+    {"ElementName", readName},
+    {"PermanentAddress", readHardwareAddress},
+    {"NetworkAddresses", readAddresses},
+    {"Speed", readSpeed},
+    {"ActiveMaximumTransmissionUnit", readMtu},
+    {"State", readState},
+    {"IsUp", readIsUp},
+    {"IsLoopback", readIsLoopback},
+    {"BytesReceived", readBytesReceived},
+    {"BytesTransmitted", readBytesTransmitted},
+    {"PacketsReceived", readPacketsReceived},
+    {"PacketsTransmitted", readPacketsTransmitted},
+    {"Errors", readErrors},
+    {"CreationClassName", readClassName},
+    {"SystemCreationClassName", readSystemClassName},
+    {"SystemName", readSystemName},
+};
+
+Addresses readAllAddresses() {
+  ifaddrs* addresses = nullptr;
+  if (getifaddrs(&addresses) == 0) return Addresses(addresses);
+  logUnreadable("the network interfaces", errno);
+  throw CQoriProviderException(LinuxNetworkPort::kClassName, "The network interfaces cannot be listed", kCimErrFailed);
+}
+
+}  // namespace
+
+void LinuxNetworkPort::enumerate(const Request& request, const Emit& emit) {
+  const auto properties = bindProperties<LinuxProperty<Port>>(request, kProperties);
+  const QORString wanted = wantedKey(request, "DeviceID");
+  const Addresses addresses = readAllAddresses();
+  std::map<std::string, unsigned> flags;
+  for (const ifaddrs* entry = addresses.get(); entry != nullptr; entry = entry->ifa_next) {
+    flags.emplace(entry->ifa_name, entry->ifa_flags);
+  }
+  for (const auto& [name, portFlags] : flags) {
+    Port port{name, addresses.get(), portFlags};
+    if (wanted.isNull() || wanted == name.c_str()) emitInstance(port, properties, emit);
+  }
+}
