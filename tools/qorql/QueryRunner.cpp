@@ -66,3 +66,50 @@ void QueryRunner::parse(Execution& execution) {
                         .StaticCast<QORQL_Query>();
   execution.parseTime = millisecondsSince(start);
 }
+
+OutputForm QueryRunner::formOf(const Execution& execution) const {
+  if (_options.form) return *_options.form;
+  const QORSmrPtr<QORQL_FormatClause>& clause = execution.query->getFormatClause();
+  if (clause.IsNull()) return OutputForm::Table;
+  switch (clause->getFormatID()) {
+    case XML:
+      return OutputForm::Xml;
+    case HTML:
+      return OutputForm::Html;
+    case CSV:
+      return OutputForm::Csv;
+    case QORIOBJECT:
+      break;
+  }
+  return OutputForm::Table;
+}
+
+void QueryRunner::execute(Execution& execution) {
+  const ProgressLine progress(!_options.isQuiet);
+  const Clock::time_point start = Clock::now();
+  const bool isStreamed = formOf(execution) == OutputForm::Xml;
+  if (isStreamed) finish();
+  execution.query->execute(execution.symbols, execution.table, isStreamed ? &_out : nullptr,
+                           QORString(_options.nameSpace));
+  execution.executeTime = millisecondsSince(start);
+}
+
+ResultWriter& QueryRunner::writerOf(OutputForm form) {
+  if (_writer == nullptr || form != _writerForm) {
+    finish();
+    _writer = makeResultWriter(form, _out);
+    _writerForm = form;
+  }
+  return *_writer;
+}
+
+void QueryRunner::printStatistics(const Execution& execution) {
+  const EmbeddedObjectManager::Statistics statistics = _session.manager().statistics();
+  std::ostringstream line;
+  line << std::fixed << std::setprecision(3) << "qorql: stats: rows=" << execution.rowCount
+       << " instances=" << statistics.instancesReturned << " enumerateInstances=" << statistics.enumerateCalls
+       << " associators=" << statistics.associatorCalls << " getInstance=" << statistics.getInstanceCalls
+       << " parse=" << execution.parseTime << "ms execute=" << execution.executeTime
+       << "ms output=" << execution.printTime << "ms\n";
+  std::cerr << line.str();
+}
