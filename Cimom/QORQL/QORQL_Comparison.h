@@ -52,12 +52,15 @@ class QORQL_Comparison : public QORQL_Evaluatable {
   static void validateAnyArray(QORQL_Arithmetic* other);
   static void validateScalarArray(QORQL_Arithmetic* left, QORQL_Arithmetic* right);
 
+  // The comparison of two values that have been computed. THROWS as evaluate.
+  QoriTruth compareValues(const QORSmrPtr<IQoriValue>& left, const QORSmrPtr<IQoriValue>& right,
+                          const QORString& nameSpace) const;
+
  private:
-  QORSmrPtr<IQoriValue> _evaluateRelation(const QORSmrPtr<IQoriValue>& left, const QORSmrPtr<IQoriValue>& right) const;
-  QORSmrPtr<IQoriValue> _evaluateLike(const QORSmrPtr<IQoriValue>& left, const QORSmrPtr<IQoriValue>& right) const;
-  QORSmrPtr<IQoriValue> _evaluateIsa(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataRow>& row,
-                                     const QORSmrPtr<IQoriValue>& left, const QORSmrPtr<IQoriValue>& right,
-                                     const QORString& nameSpace) const;
+  QoriTruth relateValues(const QORSmrPtr<IQoriValue>& left, const QORSmrPtr<IQoriValue>& right) const;
+  bool likeValues(const QORSmrPtr<IQoriValue>& left, const QORSmrPtr<IQoriValue>& right) const;
+  QoriTruth isaValues(const QORSmrPtr<IQoriValue>& left, const QORSmrPtr<IQoriValue>& right,
+                      const QORString& nameSpace) const;
 
   QORSmrPtr<QORQL_Evaluatable> _arithmetic1;
   QORSmrPtr<QORQL_Evaluatable> _arithmetic2;

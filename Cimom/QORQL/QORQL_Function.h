@@ -23,14 +23,14 @@ class QORQL_Function : public QORQL_Evaluatable {
 
   QORQL_FunctionID getFunctionID() const noexcept { return _fid; }
   const ParameterList& getParameters() const noexcept { return _parameters; }
+  // The one class that the argument names; a null pointer when it names none or several.
+  QORSmrPtr<QORString> argumentClass() const;
 
   QORSmrPtr<IQoriValue> evaluate(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataRow>& row) override;
   using QORQL_Evaluatable::evaluate;
   void accept(QORSmrPtr<QORQL_ExpressionVisitor>& visitor) override;
 
  private:
-  // The one class that the argument names; a null pointer when it names none or several.
-  QORSmrPtr<QORString> _argumentClass() const;
   QORSmrPtr<IQoriValue> _evaluateObjectPath(QORSmrPtr<QORQL_DataRow>& row) const;
   QORSmrPtr<IQoriValue> _evaluateInstanceOf(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataRow>& row) const;
 

@@ -7,7 +7,9 @@
 #include "Cimom/QORQL/QORQL_SelectedEntry.h"
 
 class QORQL_DataRow;
+class QORQL_DataTable;
 class QORQL_Lexer;
+class QORQL_ProjectionPlan;
 class QORQL_TableHeader;
 class IQoriObject;
 
@@ -61,6 +63,8 @@ class QORQL_SelectList : public QORQL_Executable {
   QORuint32 getFirstCount() const noexcept { return _entries; }
   // The name of an entry's column: the alias, else class "." property.
   static QORString _getCellName(const QORQL_SelectedEntry& entry);
+  // The name of a function entry's property in the VALUES object: the alias, else FUNCTION_class_property.
+  static QORString _functionID(const QORQL_SelectedEntry& entry);
 
   // The sort key, whose classes and properties the silent run keeps; null when there is none.
   void setOrderByKey(const QORSmrPtr<QORQL_Evaluatable>& key) { _orderByKey = key; }
@@ -70,6 +74,32 @@ class QORQL_SelectList : public QORQL_Executable {
                const QORString& nameSpace) override;
 
  private:
+  using HeaderList = QORSmrPtr<QORValSlist<QORSmrPtr<QORQL_TableHeader>>>;
+  using RowList = QORSmrPtr<QORValSlist<QORSmrPtr<QORQL_DataRow>>>;
+  using Table = QORSmrPtr<QORQL_DataTable>;
+  using PropertyList = QORSmrPtr<QORValSlist<QORString>>;
+  using PropertyListMap = QORValMap<QORString, PropertyList>;
+
+  void _updateTableIfRequired(QORQL_SymbolTable& symbols, Table& table, const QORString& nameSpace) const;
+  static HeaderList _buildTableHeader(const Table& table, const QORQL_ProjectionPlan& plan);
+  RowList _buildTableRows(Table& table, const Table& resultTable, QORQL_SymbolTable& symbols, const HeaderList& headers,
+                          const QORQL_ProjectionPlan& plan) const;
+  void _buildRows(Table& table, const Table& resultTable, QORQL_SymbolTable& symbols, const HeaderList& headers,
+                  const QORQL_ProjectionPlan& plan, FunctionResults& results, const RowList& rows) const;
+  QORSmrPtr<QORQL_DataRow> _buildRow(QORSmrPtr<QORQL_DataRow>& row, const Table& resultTable, const HeaderList& headers,
+                                     const QORQL_ProjectionPlan& plan, const QORSmrPtr<IQoriObject>& values) const;
+  // Leaves the projection of lazy rows to whoever looks at them. False when
+  // only building the rows is sure to give the same result.
+  static bool _projectLazily(Table& table, const Table& resultTable, const HeaderList& headers,
+                             const QORQL_ProjectionPlan& plan);
+  QORSmrPtr<FunctionResults> _getFunctionResults(QORQL_SymbolTable& symbols, Table& table) const;
+  void _evaluateRowFunctions(QORQL_SymbolTable& symbols, QORSmrPtr<QORQL_DataRow>& row, FunctionResults& results) const;
+  static QORSmrPtr<IQoriValue>& _getFunctionResult(const QORQL_SelectedEntry& entry, FunctionResults& results);
+  static QORSmrPtr<IQoriObject> _functionResultsToObject(const FunctionResults& results);
+  static PropertyList _getPropList(const QORString& className, PropertyListMap& map);
+  static void _addAllProperties(const QORString& className, const QORSmrPtr<IQoriObject>& object, PropertyListMap& map);
+  void _typeCheckAggregateEntries(const Table& table) const;
+
   EntryList _selectedEntries;
   QORboolean _areAllEntriesAggregates;
   QORboolean _isFirstUsed;

@@ -1,0 +1,53 @@
+// The texts of execution errors and log lines, each once.
+#ifndef QORQL_EXECUTIONMESSAGES_H
+#define QORQL_EXECUTIONMESSAGES_H
+
+namespace QORQL_ExecutionMessages {
+
+// Result table.
+inline constexpr char kCellIndexTooGreat[] =
+    "Error occured when adding a cell to a row. The index of column specified was greater than the maximum number of "
+    "columns in the table";
+inline constexpr char kRowInconsistent[] =
+    "Error occured when adding a cell to a row. The row boundary was inconsistent with the table.";
+inline constexpr char kColumnIndexTooGreat[] =
+    "Error occured when adding a column to a row. The header index specified was greater than the boundary limit.";
+inline constexpr char kCellOutsideTable[] =
+    "Error occured when adding a cell to a row. The cell location specified was outside the table boundary.";
+inline constexpr char kColumnIndexFailed[] =
+    "An unknown exception occured when retrieving the column index for class - '";
+inline constexpr char kColumnFailed[] = "An unknown exception occured when retrieving the column for class - '";
+inline constexpr char kPropertyFailed[] = "An unknown exception occured when retrieving the property - '";
+inline constexpr char kPropertyValueFailed[] = "An unknown exception occured when retrieving the property value of - '";
+inline constexpr char kInstanceNameFailed[] = "An unknown exception occured when retrieving instance name for class '";
+
+// Retrieval and associations.
+inline constexpr char kFromSymbolUnknown[] = "Unable to locate the symbol for '";
+inline constexpr char kSubquerySymbolUnknown[] = "unable to locate the symbol for '";
+inline constexpr char kAddingObject[] = "Error occured when adding object to table - ";
+inline constexpr char kTableIsNull[] = "table is null";
+inline constexpr char kObjectIsNull[] = "qoriobject is null";
+
+// Expressions.
+inline constexpr char kNotAComparison[] = "Unable to evaluate the expression - comparison object was NULL";
+inline constexpr char kMinusOnUint64[] = "Can't apply operator MINUS to an uint64 value";
+inline constexpr char kInvalidFactorOperator[] = "Invalid operator in factor";
+inline constexpr char kInvalidFactor[] = "Invalid factor";
+inline constexpr char kInvalidLikeType[] = "Invalid data type specified for LIKE operator";
+inline constexpr char kInvalidFunction[] = "Invalid function specified";
+inline constexpr char kGetInstanceFailed[] = "GetInstance failed while evaluating row for function 'INSTANCEOF'";
+inline constexpr char kFunctionWho[] = "QORQL_Function::evaluate()";
+
+// Sorting, projection and output.
+inline constexpr char kSortFailed[] = "Caught an exception while sorting the data.";
+inline constexpr char kBuildingFailed[] = "Caught an exception occured while building the results table.";
+inline constexpr char kStreamingFailed[] = "Caught an exception occured while streaming the data.";
+inline constexpr char kAggregateNotNumeric[] = "Property data type must be numeric for function ";
+inline constexpr char kAggregateNull[] = "Aggregate functions must contain a valid expression.";
+inline constexpr char kAggregateResultNotNumeric[] =
+    "Aggregate functions must contain an expression that results in a numeric value.";
+inline constexpr char kResultNotFound[] = "Result not found";
+
+}  // namespace QORQL_ExecutionMessages
+
+#endif

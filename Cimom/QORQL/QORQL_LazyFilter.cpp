@@ -1,0 +1,173 @@
+// Conditions on lazy rows. A condition touches the blocks whose columns it
+// reads; the others are left alone, since their rows only repeat its outcome.
+#include "Cimom/QORQL/QORQL_LazyFilter.h"
+
+#include <algorithm>
+#include <memory>
+#include <numeric>
+
+#include "Cimom/QORQL/QORQL_IdentifierFinder.h"
+#include "Cimom/QORQL/QORQL_LazyJoin.h"
+#include "Cimom/QORQL/QORQL_LazyTable.h"
+#include "Cimom/QORQL/QORQL_OuterJoin.h"
+#include "Cimom/QORQL/QORQL_RowTruth.h"
+
+void QORQL_addColumnsRead(const QORSmrPtr<QORQL_Evaluatable>& side, const QORQL_DataTable& table,
+                          std::vector<QORuint32>& columns) {
+  if (side.IsNull()) return;
+  QORQL_IdentifierFinder* const finder = new QORQL_IdentifierFinder();
+  QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
+  side->accept(visitor);
+  QORValSlistIterator<QORSmrPtr<QORString>> names(*finder->getClassNameList());
+  while (++names) {
+    const QORsint32 column = names.key()->isEmpty() ? -1 : table.getColumnIndex(*names.key());
+    if (column >= 0) columns.push_back(static_cast<QORuint32>(column));
+  }
+}
+
+namespace {
+
+using BlockNumbers = std::vector<std::size_t>;
+
+std::vector<QORuint32> columnsRead(const QORQL_DataTable& table, const QORQL_Condition& condition) {
+  std::vector<QORuint32> columns;
+  const QORQL_Comparison& comparison = condition.comparison();
+  QORQL_addColumnsRead(comparison.getLHSArithmeticExpression(), table, columns);
+  QORQL_addColumnsRead(comparison.getRHSArithmeticExpression(), table, columns);
+  if (comparison.getJoinType() != QORQL_JOIN_TYPE_INNER) {
+    if (condition.leftColumn >= 0) columns.push_back(static_cast<QORuint32>(condition.leftColumn));
+    if (condition.rightColumn >= 0) columns.push_back(static_cast<QORuint32>(condition.rightColumn));
+  }
+  return columns;
+}
+
+BlockNumbers touchedBlocks(const QORQL_DataTable& table, const QORQL_LazyRows& rows, const QORQL_Condition& condition) {
+  BlockNumbers numbers;
+  if (QORQL_RowTruth::asksObjectManager(condition)) {
+    numbers.resize(rows.blocks().size());
+    std::iota(numbers.begin(), numbers.end(), std::size_t{0});
+    return numbers;
+  }
+  for (const QORuint32 column : columnsRead(table, condition)) numbers.push_back(rows.blockOf(column));
+  if (numbers.empty()) numbers.push_back(0);  // a condition without any class holds for all rows or for none
+  std::sort(numbers.begin(), numbers.end());
+  numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
+  return numbers;
+}
+
+// A side's record of the row's object, when it has one.
+template <class Record>
+void recordSide(const QORQL_RowView& view, QORsint32 column, Record record) {
+  if (column < 0) return;
+  const QORuint32 place = static_cast<QORuint32>(column);
+  if (view.objects[place] != nullptr) record(QORQL_instanceKey(*view.objects[place]), view.indexes[place]);
+}
+
+// Tests the rows of one block in order and keeps those that hold.
+class BlockFilter {
+ public:
+  BlockFilter(QORQL_LazyRows& rows, const QORQL_Condition& condition, QORQL_RowTruth& truth)
+      : _rows(rows), _condition(condition), _truth(truth), _join(condition.comparison().getJoinType()) {}
+
+  void run(std::size_t blockNumber) {
+    QORQL_RowBlock& block = _rows.blocks()[blockNumber];
+    QORQL_RowView view(_rows);
+    std::vector<QORuint32> kept;
+    QORuint64 keptCount = 0;
+    for (QORuint64 row = 0; row < block.rowCount; ++row) {
+      view.select(block, row);
+      if (!keeps(view)) continue;
+      ++keptCount;
+      for (const QORuint32 column : block.columns) kept.push_back(view.indexes[column]);
+    }
+    if (keptCount == block.rowCount) return;
+    block.isWholeExtent = false;
+    block.tuples = std::move(kept);
+    block.rowCount = keptCount;
+  }
+
+  void addOuterRows() {
+    if (!_join.isOuter()) return;
+    _rows.flatten();
+    _join.forEachLeft([this](QORuint32 index) {
+      QORQL_appendExtendedRow(_rows, static_cast<QORuint32>(_condition.leftColumn), index);
+    });
+    _join.forEachRight([this](QORuint32 index) {
+      QORQL_appendExtendedRow(_rows, static_cast<QORuint32>(_condition.rightColumn), index);
+    });
+  }
+
+ private:
+  bool keeps(const QORQL_RowView& view) {
+    const QoriTruth truth = _truth.test(view);
+    if (_join.isOuter()) {
+      const bool isMatch = truth == QoriTruth::True;
+      recordSide(view, _condition.leftColumn,
+                 [&](const QORString& key, QORuint32 index) { _join.recordLeft(key, index, isMatch); });
+      recordSide(view, _condition.rightColumn,
+                 [&](const QORString& key, QORuint32 index) { _join.recordRight(key, index, isMatch); });
+    }
+    return QORQL_keepsRow(truth, _condition.isNegated, _condition.isArrayNotEqual());
+  }
+
+  QORQL_LazyRows& _rows;
+  const QORQL_Condition& _condition;
+  QORQL_RowTruth& _truth;
+  QORQL_OuterJoin<QORuint32> _join;
+};
+
+// Two blocks, tested pair by pair without making their product.
+QORQL_RowBlock filterProduct(QORQL_LazyRows& rows, const BlockNumbers& numbers, const QORQL_Condition& condition,
+                             QORQL_RowTruth& truth) {
+  const QORQL_RowBlock& outer = rows.blocks()[numbers[0]];
+  const QORQL_RowBlock& inner = rows.blocks()[numbers[1]];
+  QORQL_RowBlock result;
+  result.columns = rows.columnsOf(numbers);
+  QORQL_RowView view(rows);
+  for (QORuint64 i = 0; i < outer.rowCount; ++i) {
+    view.select(outer, i);
+    for (QORuint64 j = 0; j < inner.rowCount; ++j) {
+      view.select(inner, j);
+      if (!QORQL_keepsRow(truth.test(view), condition.isNegated, condition.isArrayNotEqual())) continue;
+      ++result.rowCount;
+      for (const QORuint32 column : result.columns) result.tuples.push_back(view.indexes[column]);
+    }
+  }
+  return result;
+}
+
+// Whether the pairs of two blocks, the first outermost, come in row order.
+bool areInOrder(const QORQL_LazyRows& rows, const BlockNumbers& numbers) {
+  return numbers.size() == 2 && rows.blocks()[numbers[0]].columns.back() < rows.blocks()[numbers[1]].columns.front();
+}
+
+bool tryJoin(const QORQL_DataTable& table, QORQL_LazyRows& rows, const QORQL_Condition& condition,
+             const BlockNumbers& numbers) {
+  try {
+    return QORQL_joinLazily(table, rows, condition, numbers);
+  } catch (const QoriBaseException&) {
+    return false;  // a key cannot be computed: evaluation in row order finds which row raises what
+  }
+}
+
+}  // namespace
+
+void QORQL_filterLazily(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
+                        const QORQL_Condition& condition, const QORString& nameSpace) {
+  // Errors leave the table as it was: the work is done on rows of its own.
+  auto rows = std::make_shared<QORQL_LazyRows>(*table->lazy()->rows());
+  BlockNumbers numbers = touchedBlocks(*table, *rows, condition);
+  if (!tryJoin(*table, *rows, condition, numbers)) {
+    const auto truth = QORQL_RowTruth::make(symbolTable, table, condition, nameSpace);
+    const bool isInner = condition.comparison().getJoinType() == QORQL_JOIN_TYPE_INNER;
+    if (isInner && areInOrder(*rows, numbers)) {
+      rows->replaceBlocks(numbers, filterProduct(*rows, numbers, condition, *truth));
+    } else {
+      if (numbers.size() > 1) rows->multiply(numbers);
+      BlockFilter filter(*rows, condition, *truth);
+      filter.run(numbers.front());
+      filter.addOuterRows();
+    }
+  }
+  table->setLazy(std::make_unique<QORQL_LazyTable>(std::move(rows)));
+}

@@ -1,0 +1,171 @@
+// Lazy rows: products of blocks, kept in the order in which a plain cross
+// product would have made the rows (ascending by the index in the first column,
+// then the second, and so on).
+#include "Cimom/QORQL/QORQL_LazyRows.h"
+
+#include <algorithm>
+#include <numeric>
+#include <utility>
+
+QORQL_Extent::QORQL_Extent(const ObjectList& list) : _list(list) {
+  _objects.reserve(list->entries());
+  QORValSlistIterator<QORSmrPtr<IQoriObject>> iterator(*list);
+  while (++iterator) _objects.push_back(iterator.key().Get());
+}
+
+const QORSmrPtr<IQoriObject>& QORQL_Extent::pointer(QORuint32 index) const {
+  if (_pointers.empty()) {
+    _pointers.reserve(_objects.size());
+    QORValSlistIterator<QORSmrPtr<IQoriObject>> iterator(*_list);
+    while (++iterator) _pointers.push_back(&iterator.key());
+  }
+  return *_pointers[index];
+}
+
+const std::vector<const IQoriLayout*>& QORQL_Extent::layouts() const {
+  if (!_layouts.empty() || _objects.empty()) return _layouts;
+  const IQoriLayout* previous = nullptr;
+  for (const IQoriObject* object : _objects) {
+    const IQoriLayout* const layout = object->getLayout();
+    if (layout == nullptr) {
+      _layouts.assign(1, nullptr);  // one object without layout decides
+      return _layouts;
+    }
+    if (layout == previous) continue;
+    previous = layout;
+    if (std::find(_layouts.begin(), _layouts.end(), layout) == _layouts.end()) _layouts.push_back(layout);
+  }
+  return _layouts;
+}
+
+QORuint64 QORQL_LazyRows::rowCount() const noexcept {
+  if (_blocks.empty()) return 0;
+  QORuint64 count = 1;
+  for (const QORQL_RowBlock& block : _blocks) {
+    if (__builtin_mul_overflow(count, block.rowCount, &count)) return ~QORuint64{0};
+  }
+  return count;
+}
+
+std::size_t QORQL_LazyRows::blockOf(QORuint32 column) const noexcept {
+  std::size_t number = 0;
+  while (number < _blocks.size() &&
+         !std::binary_search(_blocks[number].columns.begin(), _blocks[number].columns.end(), column)) {
+    ++number;
+  }
+  return number;
+}
+
+void QORQL_LazyRows::addExtent(std::shared_ptr<const QORQL_Extent> extent) {
+  const QORuint32 column = static_cast<QORuint32>(_extents.size());
+  const QORuint32 count = static_cast<QORuint32>(extent->objects().size());
+  const bool hadRows = rowCount() != 0;
+  _extents.push_back(std::move(extent));
+  QORQL_RowBlock block;
+  block.columns = {column};
+  if (hadRows && count == 0) {
+    block.tuples = {QORQL_kNoObject};
+    block.rowCount = 1;
+  } else {
+    block.isWholeExtent = true;
+    block.rowCount = count;
+  }
+  if (hadRows || _blocks.empty() || count == 0) {
+    _blocks.push_back(std::move(block));
+    return;
+  }
+  // Earlier columns brought no rows: each object makes a row of its own, with
+  // null cells before it.
+  for (QORQL_RowBlock& earlier : _blocks) {
+    earlier.isWholeExtent = false;
+    earlier.tuples.assign(earlier.columns.size(), QORQL_kNoObject);
+    earlier.rowCount = 1;
+  }
+  _blocks.push_back(std::move(block));
+}
+
+std::vector<QORuint32> QORQL_LazyRows::columnsOf(const std::vector<std::size_t>& blockNumbers) const {
+  std::vector<QORuint32> columns;
+  for (const std::size_t number : blockNumbers) {
+    columns.insert(columns.end(), _blocks[number].columns.begin(), _blocks[number].columns.end());
+  }
+  std::sort(columns.begin(), columns.end());
+  return columns;
+}
+
+void QORQL_LazyRows::sortTuples(QORQL_RowBlock& block) {
+  const std::size_t width = block.columns.size();
+  const QORuint32* const tuples = block.tuples.data();
+  std::vector<QORuint64> order(block.rowCount);
+  std::iota(order.begin(), order.end(), QORuint64{0});
+  const auto comesFirst = [tuples, width](QORuint64 a, QORuint64 b) {
+    const QORuint32* const x = tuples + a * width;
+    const QORuint32* const y = tuples + b * width;
+    return std::lexicographical_compare(x, x + width, y, y + width);
+  };
+  if (std::is_sorted(order.begin(), order.end(), comesFirst)) return;
+  std::sort(order.begin(), order.end(), comesFirst);
+  std::vector<QORuint32> sorted;
+  sorted.reserve(block.tuples.size());
+  for (const QORuint64 row : order) sorted.insert(sorted.end(), tuples + row * width, tuples + (row + 1) * width);
+  block.tuples = std::move(sorted);
+}
+
+namespace {
+
+// The product of two blocks, in ascending order of its tuples.
+QORQL_RowBlock product(const QORQL_RowBlock& a, const QORQL_RowBlock& b) {
+  QORQL_RowBlock result;
+  result.columns = a.columns;
+  result.columns.insert(result.columns.end(), b.columns.begin(), b.columns.end());
+  std::sort(result.columns.begin(), result.columns.end());
+  const auto placeOf = [&result](QORuint32 column) {
+    return static_cast<std::size_t>(std::lower_bound(result.columns.begin(), result.columns.end(), column) -
+                                    result.columns.begin());
+  };
+  const std::size_t width = result.columns.size();
+  result.rowCount = a.rowCount * b.rowCount;
+  result.tuples.resize(result.rowCount * width);
+  QORuint32* tuple = result.tuples.data();
+  for (QORuint64 i = 0; i < a.rowCount; ++i) {
+    for (QORuint64 j = 0; j < b.rowCount; ++j, tuple += width) {
+      for (std::size_t p = 0; p < a.columns.size(); ++p) tuple[placeOf(a.columns[p])] = a.index(i, p);
+      for (std::size_t p = 0; p < b.columns.size(); ++p) tuple[placeOf(b.columns[p])] = b.index(j, p);
+    }
+  }
+  if (a.columns.back() > b.columns.front()) QORQL_LazyRows::sortTuples(result);
+  return result;
+}
+
+}  // namespace
+
+void QORQL_LazyRows::multiply(const std::vector<std::size_t>& blockNumbers) {
+  QORQL_RowBlock joined = _blocks[blockNumbers.front()];
+  for (std::size_t i = 1; i < blockNumbers.size(); ++i) joined = product(joined, _blocks[blockNumbers[i]]);
+  replaceBlocks(blockNumbers, std::move(joined));
+}
+
+void QORQL_LazyRows::replaceBlocks(const std::vector<std::size_t>& blockNumbers, QORQL_RowBlock&& block) {
+  std::vector<QORQL_RowBlock> kept;
+  for (std::size_t number = 0; number < _blocks.size(); ++number) {
+    if (number == blockNumbers.front()) {
+      kept.push_back(std::move(block));
+    } else if (std::find(blockNumbers.begin(), blockNumbers.end(), number) == blockNumbers.end()) {
+      kept.push_back(std::move(_blocks[number]));
+    }
+  }
+  _blocks = std::move(kept);
+}
+
+void QORQL_LazyRows::flatten() {
+  if (_blocks.size() < 2) return;
+  std::vector<std::size_t> all(_blocks.size());
+  std::iota(all.begin(), all.end(), std::size_t{0});
+  if (rowCount() != 0) {
+    multiply(all);
+    return;
+  }
+  QORQL_RowBlock empty;
+  empty.columns = columnsOf(all);
+  replaceBlocks(all, std::move(empty));
+}

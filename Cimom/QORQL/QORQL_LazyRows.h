@@ -1,0 +1,108 @@
+// The rows of a table before anyone looks at them: extents of objects, and
+// blocks of index tuples whose cross product is the row set.
+#ifndef QORQL_LAZYROWS_H
+#define QORQL_LAZYROWS_H
+
+#include <memory>
+#include <vector>
+
+#include "cimom/IQoriObject.h"
+#include "cmpbase.h"
+
+// The objects that one enumeration gave for one column.
+class QORQL_Extent {
+ public:
+  using ObjectList = QORSmrPtr<QORValSlist<QORSmrPtr<IQoriObject>>>;
+
+  explicit QORQL_Extent(const ObjectList& list);
+
+  const std::vector<const IQoriObject*>& objects() const noexcept { return _objects; }
+  // The list's own pointer to an object.
+  const QORSmrPtr<IQoriObject>& pointer(QORuint32 index) const;
+  // The distinct layouts in order of appearance.
+  const std::vector<const IQoriLayout*>& layouts() const;
+  // True when every object has a layout, so that positions may be bound.
+  bool hasLayouts() const { return layouts().empty() ? _objects.empty() : layouts().front() != nullptr; }
+
+ private:
+  ObjectList _list;
+  std::vector<const IQoriObject*> _objects;
+  mutable std::vector<const QORSmrPtr<IQoriObject>*> _pointers;
+  mutable std::vector<const IQoriLayout*> _layouts;
+};
+
+// Index of an absent object.
+inline constexpr QORuint32 QORQL_kNoObject = 0xffffffffU;
+
+// Tuples over some of the columns, in row order. A block over one column
+// without tuples of its own stands for all objects of the extent.
+struct QORQL_RowBlock {
+  std::vector<QORuint32> columns;  // ascending
+  std::vector<QORuint32> tuples;   // rowCount x columns.size(), unless isWholeExtent
+  bool isWholeExtent = false;
+  QORuint64 rowCount = 0;
+
+  QORuint32 index(QORuint64 row, std::size_t place) const noexcept {
+    return isWholeExtent ? static_cast<QORuint32>(row) : tuples[row * columns.size() + place];
+  }
+};
+
+// While there are several blocks, each is in ascending order of its tuples, and
+// the row order is ascending over all columns. A single block may have any order.
+class QORQL_LazyRows {
+ public:
+  // The cross product with a further column. REQUIRES a list without null elements.
+  void addExtent(std::shared_ptr<const QORQL_Extent> extent);
+
+  std::size_t columnCount() const noexcept { return _extents.size(); }
+  QORuint64 rowCount() const noexcept;
+  const QORQL_Extent& extent(std::size_t column) const noexcept { return *_extents[column]; }
+  std::vector<QORQL_RowBlock>& blocks() noexcept { return _blocks; }
+  const std::vector<QORQL_RowBlock>& blocks() const noexcept { return _blocks; }
+  std::size_t blockOf(QORuint32 column) const noexcept;
+
+  const IQoriObject* object(QORuint32 column, QORuint32 index) const noexcept {
+    return index == QORQL_kNoObject ? nullptr : _extents[column]->objects()[index];
+  }
+  QORSmrPtr<IQoriObject> pointer(QORuint32 column, QORuint32 index) const {
+    return index == QORQL_kNoObject ? QORSmrPtr<IQoriObject>() : _extents[column]->pointer(index);
+  }
+
+  // Joins two or more blocks into one that holds their product in row order.
+  void multiply(const std::vector<std::size_t>& blockNumbers);
+  // Replaces two or more blocks by the given one.
+  void replaceBlocks(const std::vector<std::size_t>& blockNumbers, QORQL_RowBlock&& block);
+  // Leaves one block over all columns, in row order.
+  void flatten();
+  // The columns of some blocks, ascending.
+  std::vector<QORuint32> columnsOf(const std::vector<std::size_t>& blockNumbers) const;
+
+  // Puts a block's tuples into ascending order.
+  static void sortTuples(QORQL_RowBlock& block);
+
+ private:
+  std::vector<std::shared_ptr<const QORQL_Extent>> _extents;
+  std::vector<QORQL_RowBlock> _blocks;
+};
+
+// One row of lazy rows: an object for each column that has been selected.
+struct QORQL_RowView {
+  explicit QORQL_RowView(const QORQL_LazyRows& lazyRows)
+      : rows(&lazyRows), indexes(lazyRows.columnCount(), QORQL_kNoObject), objects(lazyRows.columnCount(), nullptr) {}
+
+  void select(QORuint32 column, QORuint32 index) noexcept {
+    indexes[column] = index;
+    objects[column] = rows->object(column, index);
+  }
+  void select(const QORQL_RowBlock& block, QORuint64 row) noexcept {
+    for (std::size_t place = 0; place < block.columns.size(); ++place) {
+      select(block.columns[place], block.index(row, place));
+    }
+  }
+
+  const QORQL_LazyRows* rows;
+  std::vector<QORuint32> indexes;
+  std::vector<const IQoriObject*> objects;
+};
+
+#endif

@@ -1,0 +1,137 @@
+// Sorting. Equal keys come out in reverse order, as the list's merge sort gives
+// them. Lazy rows are sorted as a permutation; numbers and strings through an
+// array of keys, ordered by key and, among equals, by descending position.
+#include <algorithm>
+#include <deque>
+#include <vector>
+
+#include "Cimom/QORQL/QORQL_DataTable.h"
+#include "Cimom/QORQL/QORQL_Exception.h"
+#include "Cimom/QORQL/QORQL_ExecutionMessages.h"
+#include "Cimom/QORQL/QORQL_LazyTable.h"
+#include "Cimom/QORQL/QORQL_OrderByClause.h"
+#include "Cimom/QORQL/QORQL_OrderByHelper.h"
+#include "Cimom/QORQL/QORQL_RowReader.h"
+
+namespace {
+
+using HelperList = QORValSlist<QORQL_OrderByHelper>;
+using Value = QORSmrPtr<IQoriValue>;
+
+HelperList::SortOrder orderOf(bool isAscending) { return isAscending ? HelperList::Ascending : HelperList::Descending; }
+
+void sortRows(QORQL_SymbolTable& symbolTable, QORQL_DataTable& table, QORQL_Evaluatable& key, bool isAscending) {
+  HelperList entries;
+  QORValSlistIterator<QORSmrPtr<QORQL_DataRow>> rows(*table.getRows());
+  while (++rows) entries.append(QORQL_OrderByHelper(key.evaluate(symbolTable, rows.key()), rows.key()));
+  entries.sort(orderOf(isAscending));
+  QORQL_DataTable::RowList sorted(new QORValSlist<QORSmrPtr<QORQL_DataRow>>());
+  QORValSlistIterator<QORQL_OrderByHelper> iterator(entries);
+  while (++iterator) sorted->append(iterator.key().GetRow());
+  table.setRows(sorted);
+}
+
+struct Entry {
+  QoriScalar key;
+  QORuint32 number;
+};
+
+// The keys as views, while they are all numbers (none of them NaN) or all strings.
+class UniformKeys {
+ public:
+  // False when this key does not go with the others.
+  bool add(const QoriScalar& key, const Value& holder, QORuint32 number) {
+    const bool isNumber = key.isNumber() && !(key.kind == QoriScalarKind::Real && key.r != key.r);
+    if (!isNumber && key.kind != QoriScalarKind::Text) return false;
+    if (!_entries.empty() && isNumber != _entries.front().key.isNumber()) return false;
+    _entries.push_back({key, number});
+    if (!holder.IsNull()) _holders.push_back(holder);
+    return true;
+  }
+  std::vector<QORuint32> sorted(bool isAscending) {
+    if (!_entries.empty()) sortEntries(isAscending, _entries.front().key.isNumber());
+    std::vector<QORuint32> numbers;
+    numbers.reserve(_entries.size());
+    for (const Entry& entry : _entries) numbers.push_back(entry.number);
+    return numbers;
+  }
+
+ private:
+  void sortEntries(bool isAscending, bool areNumbers) {
+    if (areNumbers) {
+      sortBy(isAscending, [](const Entry& a, const Entry& b) { return qori::compareNumbers(a.key, b.key); });
+    } else {
+      sortBy(isAscending, [](const Entry& a, const Entry& b) {
+        return std::partial_ordering(a.key.text->view() <=> b.key.text->view());
+      });
+    }
+  }
+  template <class Order>
+  void sortBy(bool isAscending, Order order) {
+    std::sort(_entries.begin(), _entries.end(), [isAscending, order](const Entry& a, const Entry& b) {
+      const std::partial_ordering result = isAscending ? order(a, b) : order(b, a);
+      return result == 0 ? a.number > b.number : result < 0;
+    });
+  }
+
+  std::vector<Entry> _entries;
+  std::deque<Value> _holders;
+};
+
+std::vector<QORuint32> sortedByList(QORQL_RowReader& reader, std::size_t slot, bool isAscending) {
+  HelperList entries;
+  for (QORuint32 row = 0; row < reader.rowCount(); ++row) {
+    reader.select(row);
+    entries.append(QORQL_OrderByHelper(reader.value(slot), row));
+  }
+  entries.sort(orderOf(isAscending));
+  std::vector<QORuint32> numbers;
+  QORValSlistIterator<QORQL_OrderByHelper> iterator(entries);
+  while (++iterator) numbers.push_back(iterator.key().getNumber());
+  return numbers;
+}
+
+std::vector<QORuint32> sortedNumbers(QORQL_RowReader& reader, std::size_t slot, bool isAscending) {
+  UniformKeys keys;
+  for (QORuint32 row = 0; row < reader.rowCount(); ++row) {
+    reader.select(row);
+    Value holder;
+    const QoriScalar key = reader.view(slot, holder);
+    if (!keys.add(key, holder, row)) return sortedByList(reader, slot, isAscending);
+  }
+  return keys.sorted(isAscending);
+}
+
+void sortLazily(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
+                const QORSmrPtr<QORQL_Evaluatable>& key, bool isAscending) {
+  std::vector<QORuint32> numbers;
+  {
+    QORQL_RowReader reader(symbolTable, table);
+    const std::size_t slot = reader.addExpression(key);
+    numbers = sortedNumbers(reader, slot, isAscending);
+  }
+  if (numbers.empty()) return;
+  QORQL_RowBlock& block = table->lazy()->ownRows().blocks().front();
+  std::vector<QORuint32> tuples;
+  tuples.reserve(numbers.size() * block.columns.size());
+  for (const QORuint32 row : numbers) {
+    for (std::size_t place = 0; place < block.columns.size(); ++place) tuples.push_back(block.index(row, place));
+  }
+  block.tuples = std::move(tuples);
+  block.isWholeExtent = false;
+}
+
+}  // namespace
+
+void QORQL_OrderByClause::execute(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
+                                  std::ostream* /*out*/, const QORString& /*nameSpace*/) {
+  try {
+    if (table->lazy() == nullptr) {
+      sortRows(symbolTable, *table, *_expression, _isSortAscending);
+    } else {
+      sortLazily(symbolTable, table, _expression, _isSortAscending);
+    }
+  } catch (...) {
+    throw QORQL_Exception(QORQL_Exception::QORQL_INTERNAL_ERROR, QORQL_ExecutionMessages::kSortFailed);
+  }
+}

@@ -1,0 +1,150 @@
+// Columns are found once; values come from the row reader.
+#include "Cimom/QORQL/QORQL_ResultReader.h"
+
+#include <algorithm>
+#include <set>
+#include <string>
+#include <utility>
+
+#include "Cimom/QORQL/QORQL_SelectList.h"
+#include "Cimom/QORQL/QORQL_SelectedEntry.h"
+
+namespace {
+
+// A name that compares without regard to case.
+std::string folded(const QORString& name) {
+  const QORString upper(QORString::toUpperCase(name));
+  return {upper.data(), upper.length()};
+}
+
+// Property names in order of appearance, each once.
+class NameUnion {
+ public:
+  void add(const IQoriObject& object) {
+    for (QORuint32 i = 0; i < object.getPropertyCount(); ++i) {
+      const QORString name(object.getPropertyAt(i)->getName());
+      if (_seen.insert(folded(name)).second) names.push_back(name);
+    }
+  }
+  std::vector<QORString> names;
+
+ private:
+  std::set<std::string> _seen;
+};
+
+}  // namespace
+
+QORQL_ResultReader::QORQL_ResultReader(const QORQL_Query& query, QORQL_SymbolTable& symbolTable,
+                                       QORSmrPtr<QORQL_DataTable>& table)
+    : _table(table), _reader(symbolTable, table) {
+  const auto& list = dynamic_cast<const QORQL_SelectList&>(*query.getSelectList());
+  _isAggregate = list.AreAllEntriesAggregates();
+  _rowCount = _reader.rowCount();
+  if (list.isFirstUsed()) _rowCount = std::min<QORuint64>(_rowCount, list.getFirstCount());
+  QORValSlistIterator<QORSmrPtr<QORQL_SelectedEntry>> entries(*list.getSelectedEntries());
+  while (++entries) addEntry(entries.key());
+  nameColumns();
+  typeColumns();
+}
+
+void QORQL_ResultReader::addEntry(const QORSmrPtr<QORQL_SelectedEntry>& entry) {
+  if (entry->isSelectAll()) {
+    addAllClasses(entry);
+  } else if (entry->isClassAll()) {
+    addClass(entry, entry->getClassName());
+  } else {
+    Source source;
+    source.entry = entry;
+    if (!_isAggregate) source.slot = _reader.addEntry(entry);
+    _sources.push_back(std::move(source));
+  }
+}
+
+// The projected table's headers stand in the reverse of the order of FROM.
+void QORQL_ResultReader::addAllClasses(const QORSmrPtr<QORQL_SelectedEntry>& entry) {
+  for (QORuint32 column = _table->getColumnCount(); column-- != 0;) {
+    const QORString name(_table->getColumnHeader(column)->getName());
+    if (name == QORQL_SelectList::_FUNCTIONS_VALUES_CLASS) continue;
+    addClass(entry, name);
+  }
+}
+
+void QORQL_ResultReader::addClass(const QORSmrPtr<QORQL_SelectedEntry>& entry, const QORString& className) {
+  NameUnion properties;
+  std::set<const IQoriLayout*> seen;
+  for (QORuint64 row = 0; row < _rowCount; ++row) {
+    _reader.select(row);
+    const IQoriObject* const object = _reader.hasRow() ? _reader.fetchedObject(className) : nullptr;
+    if (object == nullptr) continue;
+    const IQoriLayout* const layout = object->getLayout();
+    if (layout == nullptr || seen.insert(layout).second) properties.add(*_reader.object(className));
+  }
+  for (const QORString& name : properties.names) {
+    Source source;
+    source.entry = entry;
+    source.className = className;
+    source.propertyName = name;
+    _sources.push_back(std::move(source));
+  }
+}
+
+void QORQL_ResultReader::nameColumns() {
+  std::multiset<std::string> shortNames;
+  std::vector<std::pair<QORString, QORString>> candidates;  // short and full name
+  for (const Source& source : _sources) {
+    const QORQL_SelectedEntry& entry = *source.entry;
+    QORString shortName(source.propertyName);
+    QORString fullName(source.className + "." + source.propertyName);
+    if (shortName.isEmpty() && !entry.getAlias().isEmpty()) {
+      shortName = fullName = entry.getAlias();
+    } else if (shortName.isEmpty()) {
+      const bool isObject = entry.getPropertyName().isEmpty();
+      shortName = isObject ? entry.getClassName() : entry.getPropertyName();
+      fullName = isObject ? entry.getClassName() : QORQL_SelectList::_getCellName(entry);
+    }
+    shortNames.insert(folded(shortName));
+    candidates.emplace_back(shortName, fullName);
+  }
+  for (const auto& [shortName, fullName] : candidates) {
+    Column column;
+    column.name = shortNames.count(folded(shortName)) == 1 ? shortName : fullName;
+    _columns.push_back(std::move(column));
+  }
+}
+
+// The first row that has a value tells the type.
+void QORQL_ResultReader::typeColumns() {
+  std::size_t untyped = _columns.size();
+  for (QORuint64 row = 0; row < _rowCount && untyped != 0; ++row) {
+    _reader.select(row);
+    for (std::size_t i = 0; i < _columns.size() && _reader.hasRow(); ++i) {
+      if (!_columns[i].typeName.isEmpty()) continue;
+      const QORSmrPtr<IQoriValue> found(value(i));
+      if (found.IsNull()) continue;
+      _columns[i].typeName = found->getType()->getName();
+      _columns[i].isArray = found->isArray();
+      --untyped;
+    }
+  }
+}
+
+bool QORQL_ResultReader::next() {
+  while (_next < _rowCount) {
+    _reader.select(_next++);
+    if (_reader.hasRow()) return true;
+  }
+  return false;
+}
+
+QORSmrPtr<IQoriValue> QORQL_ResultReader::propertyOf(const Source& source) {
+  const QORSmrPtr<IQoriObject> object(_reader.object(source.className));
+  if (object.IsNull()) return {};
+  const QORSmrPtr<IQoriProperty> property(object->getProperty(source.propertyName, true));
+  return property.IsNull() ? QORSmrPtr<IQoriValue>() : property->getValue();
+}
+
+QORSmrPtr<IQoriValue> QORQL_ResultReader::value(std::size_t index) {
+  const Source& source = _sources[index];
+  if (!source.propertyName.isEmpty()) return propertyOf(source);
+  return _isAggregate ? source.entry->GetAggregateValue() : _reader.value(source.slot);
+}

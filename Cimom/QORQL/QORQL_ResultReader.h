@@ -1,0 +1,64 @@
+// The result of a query as columns and rows of values, for callers that render
+// it themselves.
+#ifndef QORQL_RESULTREADER_H
+#define QORQL_RESULTREADER_H
+
+#include <vector>
+
+#include "Cimom/QORQL/QORQL_DataTable.h"
+#include "Cimom/QORQL/QORQL_Query.h"
+#include "Cimom/QORQL/QORQL_RowReader.h"
+#include "cimom/IQoriValue.h"
+#include "cmpbase.h"
+
+class QORQL_SelectList;
+
+// Reads what a finished execute() left in its table: aggregates, the sort order
+// and FIRST n hold. `*` is expanded into the properties that its objects have,
+// class by class in FROM order, subclasses' further properties behind. BORROWS
+// its arguments; one thread at a time. Rows that do not exist yet are not made.
+class QORQL_ResultReader {
+ public:
+  struct Column {
+    QORString name;      // the alias; else the property where that is unique; else qualifier "." property
+    QORString typeName;  // the CIM type; empty when no row tells it
+    bool isArray = false;
+  };
+
+  QORQL_ResultReader(const QORQL_Query& query, QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table);
+
+  const std::vector<Column>& columns() const noexcept { return _columns; }
+  // Rows to come, FIRST n applied.
+  QORuint64 rowCount() const noexcept { return _rowCount; }
+  // Moves to the first row, then to the next; false past the last.
+  bool next();
+  // The value of a column in the current row; null for NULL. THROWS what
+  // evaluation throws. REQUIRES a current row and index < columns().size().
+  QORSmrPtr<IQoriValue> value(std::size_t index);
+
+ private:
+  // Where a column's values come from.
+  struct Source {
+    QORSmrPtr<QORQL_SelectedEntry> entry;
+    QORString className;     // of a property that `*` or C.* expands to
+    QORString propertyName;  // empty: the entry itself
+    std::size_t slot = 0;
+  };
+
+  void addEntry(const QORSmrPtr<QORQL_SelectedEntry>& entry);
+  void addAllClasses(const QORSmrPtr<QORQL_SelectedEntry>& entry);
+  void addClass(const QORSmrPtr<QORQL_SelectedEntry>& entry, const QORString& className);
+  void nameColumns();
+  void typeColumns();
+  QORSmrPtr<IQoriValue> propertyOf(const Source& source);
+
+  QORSmrPtr<QORQL_DataTable>& _table;
+  QORQL_RowReader _reader;
+  std::vector<Column> _columns;
+  std::vector<Source> _sources;
+  bool _isAggregate = false;
+  QORuint64 _rowCount = 0;
+  QORuint64 _next = 0;
+};
+
+#endif

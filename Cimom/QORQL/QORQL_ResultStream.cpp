@@ -1,0 +1,186 @@
+// The XML table, byte for byte: a row of cell declarations, then the rows.
+#include "Cimom/QORQL/QORQL_ResultStream.h"
+
+#include <ostream>
+
+#include "Cimom/QORQL/QORQL_ExecutionMessages.h"
+#include "Cimom/QORQL/QORQL_Log.h"
+#include "cimom/CIMUtil.h"
+#include "cimom/CQoriValue.h"
+
+namespace {
+
+constexpr char kDefaultColumnDataType[] = "String";
+
+}  // namespace
+
+QORQL_ResultStream::QORQL_ResultStream(const QORQL_SelectList& list, QORQL_SymbolTable& symbols,
+                                       QORSmrPtr<QORQL_DataTable>& table, std::ostream& out)
+    : _list(list), _table(table), _out(out), _reader(symbols, table) {
+  QORValSlistIterator<QORSmrPtr<QORQL_SelectedEntry>> entries(*list.getSelectedEntries());
+  while (++entries) {
+    if (entries.key().IsNull()) continue;
+    Column column;
+    column.entry = entries.key();
+    if (!column.entry->isSelectAll()) column.slot = _reader.addEntry(column.entry);
+    _columns.push_back(column);
+  }
+}
+
+void QORQL_ResultStream::write() {
+  _out << "\n<IRETURNVALUE>\n<TABLE>\n";
+  _streamTableHeader();
+  try {
+    _streamTableRows();
+  } catch (...) {
+    QORQL_logError(QORQL_ExecutionMessages::kStreamingFailed);
+  }
+  _out << "</TABLE>\n</IRETURNVALUE>\n";
+}
+
+void QORQL_ResultStream::_streamTableHeader() {
+  _out << "<TABLEROW.DECLARATION>\n";
+  for (Column& column : _columns) {
+    if (column.entry->isSelectAll()) {
+      QORValSlistIterator<QORSmrPtr<QORQL_TableHeader>> headers(*_table->getColumnHeaderList());
+      while (++headers) _streamTableHeaderHelper(column, headers.key()->getName(), true);
+    } else {
+      column.declaredCells = _streamTableHeaderHelper(column, column.entry->getClassName(), column.entry->isClassAll());
+    }
+  }
+  _out << "</TABLEROW.DECLARATION>\n";
+}
+
+QORuint32 QORQL_ResultStream::_streamComputedHeader(const Column& column) {
+  QORString type(kDefaultColumnDataType);
+  if (_reader.rowCount() != 0) {
+    _reader.select(0);
+    const QORSmrPtr<IQoriValue> value(_reader.hasRow() ? _reader.value(column.slot) : QORSmrPtr<IQoriValue>());
+    if (!value.IsNull()) type = value->getType()->getName();
+  }
+  _streamTableHeaderCell(QORQL_SelectList::_getCellName(*column.entry), type, false);
+  return 1;
+}
+
+// Returns the number of cells declared. A class without any object declares
+// nothing over an empty table, and the default cell where rows exist.
+QORuint32 QORQL_ResultStream::_streamTableHeaderHelper(const Column& column, const QORString& className,
+                                                       bool allProperties) {
+  const QORQL_SelectedEntry& entry = *column.entry;
+  if (!allProperties && !entry.isPlainProperty()) return _streamComputedHeader(column);
+  const QORuint32 before = _cellPosition;
+  const QORSmrPtr<IQoriObject> object(_findNonNullObject(className));
+  if (object.IsNull()) {
+    if (_reader.rowCount() != 0 && !entry.isSelectAll()) {
+      _streamTableHeaderCell(QORQL_SelectList::_getCellName(entry), kDefaultColumnDataType, false);
+    }
+  } else if (allProperties) {
+    for (QORuint32 i = 0; i < object->getPropertyCount(); ++i) {
+      const QORSmrPtr<IQoriProperty> property(object->getPropertyAt(i));
+      _streamProperty(className + "." + property->getName(), *property);
+    }
+  } else {
+    const QORSmrPtr<IQoriProperty> property(object->getProperty(entry.getPropertyName(), true));
+    const QORString name(QORQL_SelectList::_getCellName(entry));
+    if (property.IsNull()) {
+      _streamTableHeaderCell(name, kDefaultColumnDataType, false);
+    } else {
+      _streamProperty(name, *property);
+    }
+  }
+  return _cellPosition - before;
+}
+
+void QORQL_ResultStream::_streamProperty(const QORString& name, const IQoriProperty& property) {
+  const QORSmrPtr<IQoriValue>& value = property.getValue();
+  const QORString type(value.IsNull() ? QORString(kDefaultColumnDataType) : value->getType()->getName());
+  _streamTableHeaderCell(name, type, property.getType()->isArray());
+}
+
+void QORQL_ResultStream::_streamTableHeaderCell(const QORString& name, const QORString& type, bool isArray) {
+  _out << "<TABLECELL.DECLARATION NAME=\"" << name << "\" TYPE=\"" << type << "\" ISARRAY=\"" << (isArray ? '1' : '0')
+       << "\" CELLPOS=\"" << QORString::number(static_cast<QORuint64>(_cellPosition++)) << "\""
+       << "></TABLECELL.DECLARATION>\n";
+}
+
+QORSmrPtr<IQoriObject> QORQL_ResultStream::_findNonNullObject(const QORString& className) {
+  for (QORuint64 row = 0; row < _reader.rowCount(); ++row) {
+    _reader.select(row);
+    if (_reader.hasRow() && _reader.fetchedObject(className) != nullptr) return _reader.object(className);
+  }
+  return {};
+}
+
+// FIRST limits the rows that are written, not the table. An aggregate list
+// writes exactly one row; with a budget of 0, its values outside any row.
+void QORQL_ResultStream::_streamTableRows() {
+  QORuint64 budget = _reader.rowCount();
+  if (_list.isFirstUsed() && _list.getFirstCount() < budget) budget = _list.getFirstCount();
+  if (_list.AreAllEntriesAggregates()) {
+    if (budget != 0) _out << "<TABLEROW>\n";
+    for (const Column& column : _columns) _streamAggregateValue(*column.entry);
+    if (budget != 0) _out << "</TABLEROW>\n";
+    return;
+  }
+  for (QORuint64 row = 0; row < budget; ++row) {
+    _reader.select(row);
+    if (_reader.hasRow()) _streamRow();
+  }
+}
+
+// A bare `*` finds no cell under its empty class name and writes nothing.
+void QORQL_ResultStream::_streamRow() {
+  _out << "<TABLEROW>\n";
+  for (const Column& column : _columns) {
+    if (column.entry->isSelectAll()) continue;
+    if (column.entry->isClassAll()) {
+      _streamClassProperties(column);
+    } else {
+      _streamRowCell(_reader.value(column.slot));
+    }
+  }
+  _out << "</TABLEROW>\n";
+}
+
+void QORQL_ResultStream::_streamClassProperties(const Column& column) {
+  const QORSmrPtr<IQoriObject> object(_reader.object(column.entry->getClassName()));
+  if (object.IsNull()) {
+    for (QORuint32 cell = 0; cell < column.declaredCells; ++cell) _streamRowCell(QORSmrPtr<IQoriValue>());
+    return;
+  }
+  for (QORuint32 i = 0; i < object->getPropertyCount(); ++i) _streamRowCell(object->getPropertyAt(i)->getValue());
+}
+
+void QORQL_ResultStream::_streamRowCell(const QORSmrPtr<IQoriValue>& value) {
+  if (value.IsNull()) {
+    _out << "<VALUE.NULL></VALUE.NULL>\n";
+    return;
+  }
+  const bool isReference = value->getType()->getName() == "reference";
+  if (value->isArray()) {
+    _out << (isReference ? "<VALUE.REFARRAY>\n" : "<VALUE.ARRAY>\n");
+    QORValSlistIterator<QORSmrPtr<IQoriValue>> elements(*value->getArray());
+    while (++elements) {
+      if (elements.key().IsNull()) continue;
+      _out << "<VALUE>" << CIMUtil::xmlEncode(elements.key()->toString()) << "</VALUE>\n";
+    }
+    _out << (isReference ? "</VALUE.REFARRAY>\n" : "</VALUE.ARRAY>\n");
+    return;
+  }
+  if (!isReference) {
+    _out << "<VALUE>" << CIMUtil::xmlEncode(value->toString()) << "</VALUE>\n";
+    return;
+  }
+  _out << "<VALUE.REFERENCE>";
+  const QORSmrPtr<IQoriInstanceName> name(value->getReference());
+  if (name.IsNull()) {
+    _out << value->toString();
+  } else {
+    CIMUtil::StreamInstancePath(_out, *name, _table->GetHostAddress(), _table->GetHostPort(), true, false);
+  }
+  _out << "</VALUE.REFERENCE>\n";
+}
+
+void QORQL_ResultStream::_streamAggregateValue(const QORQL_SelectedEntry& entry) {
+  _streamRowCell(entry.GetAggregateValue());
+}

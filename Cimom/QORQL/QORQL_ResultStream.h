@@ -1,0 +1,48 @@
+// The XML table that a query writes.
+#ifndef QORQL_RESULTSTREAM_H
+#define QORQL_RESULTSTREAM_H
+
+#include <iosfwd>
+
+#include "Cimom/QORQL/QORQL_DataTable.h"
+#include "Cimom/QORQL/QORQL_RowReader.h"
+#include "Cimom/QORQL/QORQL_SelectList.h"
+
+// Writes one projected table. BORROWS its arguments.
+class QORQL_ResultStream {
+ public:
+  QORQL_ResultStream(const QORQL_SelectList& list, QORQL_SymbolTable& symbols, QORSmrPtr<QORQL_DataTable>& table,
+                     std::ostream& out);
+
+  // The whole table. Errors while rows are written are logged and end the rows.
+  void write();
+
+ private:
+  // Where the values of one entry come from.
+  struct Column {
+    QORSmrPtr<QORQL_SelectedEntry> entry;
+    std::size_t slot = 0;
+    QORuint32 declaredCells = 0;
+  };
+
+  void _streamTableHeader();
+  QORuint32 _streamTableHeaderHelper(const Column& column, const QORString& className, bool allProperties);
+  QORuint32 _streamComputedHeader(const Column& column);
+  void _streamTableHeaderCell(const QORString& name, const QORString& type, bool isArray);
+  void _streamProperty(const QORString& name, const IQoriProperty& property);
+  void _streamTableRows();
+  void _streamRow();
+  void _streamClassProperties(const Column& column);
+  void _streamRowCell(const QORSmrPtr<IQoriValue>& value);
+  void _streamAggregateValue(const QORQL_SelectedEntry& entry);
+  QORSmrPtr<IQoriObject> _findNonNullObject(const QORString& className);
+
+  const QORQL_SelectList& _list;
+  QORSmrPtr<QORQL_DataTable>& _table;
+  std::ostream& _out;
+  QORQL_RowReader _reader;
+  std::vector<Column> _columns;
+  QORuint32 _cellPosition = 0;
+};
+
+#endif

@@ -1,0 +1,52 @@
+// Operations on values that evaluation by row and by bound expression share.
+#ifndef QORQL_VALUES_H
+#define QORQL_VALUES_H
+
+#include "Cimom/QORQL/QORQL_Operator.h"
+#include "cimom/CQoriValue.h"
+#include "cimom/IQoriValue.h"
+#include "cmpbase.h"
+
+// `left op right` for PLUS, MINUS, MUL and DIV; null when either is, or when the
+// types do not qualify: two numbers, or for PLUS two strings. Errors of the
+// value library (division by zero) pass through.
+QORSmrPtr<IQoriValue> QORQL_combine(QORQL_Operator op, const QORSmrPtr<IQoriValue>& left,
+                                    const QORSmrPtr<IQoriValue>& right);
+
+// The negation. THROWS QORQL_Exception (QORQL_INVALID_DATA_TYPE) for a uint64.
+QORSmrPtr<IQoriValue> QORQL_negate(const QORSmrPtr<IQoriValue>& value);
+
+// A truth as a value: null for Null, otherwise a new boolean.
+QORSmrPtr<IQoriValue> QORQL_truthValue(QoriTruth truth);
+// A value as a truth: Null for null, otherwise the value as a condition.
+inline QoriTruth QORQL_truthOf(const QORSmrPtr<IQoriValue>& value) {
+  return value.IsNull() ? QoriTruth::Null : qori::truth(value->getBoolean());
+}
+
+// The relation that a comparison or join operator stands for. REQUIRES one of those.
+QoriRelation QORQL_relationOf(QORQL_Operator op) noexcept;
+// EQUAL to GREATEREQUAL and the join operators.
+bool QORQL_isRelational(QORQL_Operator op) noexcept;
+
+// The relation of two views: numbers, strings and booleans without any
+// allocation. Sets `isDecided` false, and returns Null, when the value library must decide.
+inline QoriTruth QORQL_relateViews(const QoriScalar& left, QoriRelation relation, const QoriScalar& right,
+                                   bool& isDecided) noexcept {
+  isDecided = true;
+  if (left.isNumber() && right.isNumber()) {
+    return qori::truth(qori::satisfies(qori::compareNumbers(left, right), relation));
+  }
+  if (left.isNull() || right.isNull()) return QoriTruth::Null;
+  if (left.kind == right.kind) {
+    if (left.kind == QoriScalarKind::Text) {
+      return qori::truth(qori::satisfies(left.text->view() <=> right.text->view(), relation));
+    }
+    if (left.kind == QoriScalarKind::Boolean) {
+      return qori::truth(qori::satisfies(static_cast<int>(left.b) <=> static_cast<int>(right.b), relation));
+    }
+  }
+  isDecided = false;
+  return QoriTruth::Null;
+}
+
+#endif
