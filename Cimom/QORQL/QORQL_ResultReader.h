@@ -8,10 +8,9 @@
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_Query.h"
 #include "Cimom/QORQL/QORQL_RowReader.h"
+#include "Cimom/QORQL/QORQL_SelectedEntry.h"
 #include "cimom/IQoriValue.h"
 #include "cmpbase.h"
-
-class QORQL_SelectList;
 
 // Reads what a finished execute() left in its table: aggregates, the sort order
 // and FIRST n hold. `*` is expanded into the properties that its objects have,

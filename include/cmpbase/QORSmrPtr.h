@@ -173,6 +173,7 @@ class QORSmrPtr : public QORSmrPtrImpl {
     }
   }
   static void deleteObject(T* object) noexcept {
+    static_assert(sizeof(T) != 0, "the last holder of an object needs its complete type");
     try {
       delete object;
     } catch (...) {
