@@ -27,12 +27,32 @@ bool isNumberType(const QORString& typeName) {
   return typeName.beginsWith("uint") || typeName.beginsWith("sint") || typeName.beginsWith("real");
 }
 
+ResultHeading headingOf(const std::string& query, const QORQL_ResultReader& reader) {
+  ResultHeading heading;
+  heading.query = query;
+  heading.rowCount = reader.rowCount();
+  for (const QORQL_ResultReader::Column& column : reader.columns()) {
+    heading.columns.push_back({std::string(column.name.view()), !column.isArray && isNumberType(column.typeName)});
+  }
+  return heading;
+}
+
+// Stops early when the stream takes no more.
+void writeRows(QORQL_ResultReader& reader, ResultWriter& writer, const std::ostream& out) {
+  std::vector<QORSmrPtr<IQoriValue>> row(reader.columns().size());
+  while (out && reader.next()) {
+    for (std::size_t i = 0; i < row.size(); ++i) row[i] = reader.value(i);
+    writer.writeRow(row);
+  }
+}
+
 }  // namespace
 
 // One statement on its way. The engine keeps references to the texts.
 struct QueryRunner::Execution {
-  explicit Execution(const std::string& statement) : text(statement) {}
+  explicit Execution(const std::string& given) : statement(given), text(given) {}
 
+  const std::string& statement;
   const QORString text;
   const QORString language = kQueryLanguage;
   QORQL_SymbolTable symbols{nullptr};
@@ -92,6 +112,26 @@ void QueryRunner::execute(Execution& execution) {
   execution.query->execute(execution.symbols, execution.table, isStreamed ? &_out : nullptr,
                            QORString(_options.nameSpace));
   execution.executeTime = millisecondsSince(start);
+}
+
+void QueryRunner::print(Execution& execution) {
+  const OutputForm form = formOf(execution);
+  if (form == OutputForm::Xml && !_options.hasStatistics) return;
+  const Clock::time_point start = Clock::now();
+  QORQL_ResultReader reader(*execution.query, execution.symbols, execution.table);
+  execution.rowCount = reader.rowCount();
+  if (form != OutputForm::Xml) {
+    ResultWriter& writer = writerOf(form);
+    writer.begin(headingOf(execution.statement, reader));
+    try {
+      writeRows(reader, writer, _out);
+    } catch (...) {
+      writer.end();
+      throw;
+    }
+    writer.end();
+  }
+  execution.printTime = millisecondsSince(start);
 }
 
 ResultWriter& QueryRunner::writerOf(OutputForm form) {
