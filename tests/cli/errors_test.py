@@ -42,7 +42,7 @@ class Errors(ToolCase):
                      "qorql: error: Property data type must be numeric for function MIN (CIM status 16)")
 
     def test_unknown_class(self):
-        result = self.model("SELECT Id FROM Nowhere")
+        result = self.model("SELECT Nowhere.Id FROM Nowhere")
         self.assertEqual((result.status, result.out), (1, ""))
         self.assertRegex(result.err, r"\Aqorql: error: .*(?i:nowhere).* \((line \d+, )?CIM status \d+\)\n\Z")
 

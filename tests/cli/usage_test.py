@@ -79,7 +79,7 @@ class GoodUse(ToolCase):
     def test_log_trace_shows_the_client_calls(self):
         result = self.model("-o", "csv", "--log", "trace", QUERY)
         self.assertEqual((result.status, result.out), (0, CSV))
-        self.assertRegex(result.err, r"(?m)^qorql: trace: CQL: .*Shop_Item")
+        self.assertRegex(result.err, r"(?m)^qorql: trace: CQL: .*SHOP_ITEM")
         for line in result.err.splitlines():
             self.assertRegex(line, r"^qorql: (fatal|error|warning|info|trace): ")
 

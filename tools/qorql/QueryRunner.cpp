@@ -27,6 +27,19 @@ bool isNumberType(const QORString& typeName) {
   return typeName.beginsWith("uint") || typeName.beginsWith("sint") || typeName.beginsWith("real");
 }
 
+// While the text is read: what the scanner passes over comes out at once, in
+// order with what it prints by other ways.
+class UnbufferedOutput {
+ public:
+  explicit UnbufferedOutput(std::ostream& out) : _out(out) { _out << std::unitbuf << std::flush; }
+  UnbufferedOutput(const UnbufferedOutput&) = delete;
+  UnbufferedOutput& operator=(const UnbufferedOutput&) = delete;
+  ~UnbufferedOutput() { _out << std::nounitbuf; }
+
+ private:
+  std::ostream& _out;
+};
+
 ResultHeading headingOf(const std::string& query, const QORQL_ResultReader& reader) {
   ResultHeading heading;
   heading.query = query;
@@ -80,6 +93,7 @@ void QueryRunner::finish() {
 
 void QueryRunner::parse(Execution& execution) {
   const Clock::time_point start = Clock::now();
+  const UnbufferedOutput unbuffered(_out);
   QORQL_Lexer lexer(execution.text, false);
   const QORString nameSpace(_options.nameSpace);
   execution.query = QORQL_Query::parse(execution.symbols, lexer, false, execution.text, execution.language, nameSpace)

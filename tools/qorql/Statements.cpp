@@ -7,18 +7,23 @@ namespace {
 
 constexpr std::string_view kBlanks = " \t\r\n";
 
-// Where the statement that begins at `from` ends: at its semicolon or at the end of the text.
-std::size_t findEnd(std::string_view text, std::size_t from) {
-  std::size_t at = from;
-  while (at < text.size() && text[at] != ';') {
-    if (text[at] == '\'') {
-      const std::size_t close = text.find_first_of("'\n", at + 1);
-      if (close == std::string_view::npos) return std::min(text.find(';', at), text.size());
-      at = close;
+struct Extent {
+  std::size_t end;   // at the semicolon or at the end of the text
+  std::size_t kept;  // blanks before this stay: the line end of a quote without end belongs to it
+};
+
+Extent findExtent(std::string_view text, std::size_t from) {
+  Extent extent{from, from};
+  while (extent.end < text.size() && text[extent.end] != ';') {
+    if (text[extent.end] == '\'') {
+      const std::size_t close = text.find_first_of("'\n", extent.end + 1);
+      if (close == std::string_view::npos) return {std::min(text.find(';', extent.end), text.size()), extent.kept};
+      if (text[close] == '\n') extent.kept = close + 1;
+      extent.end = close;
     }
-    ++at;
+    ++extent.end;
   }
-  return std::min(at, text.size());
+  return extent;
 }
 
 QORuint32 countLines(std::string_view text) {
@@ -32,14 +37,13 @@ std::vector<Statement> splitStatements(std::string_view text) {
   QORuint32 line = 1;
   std::size_t counted = 0;  // up to here lines are counted
   for (std::size_t from = 0; from < text.size();) {
-    const std::size_t end = findEnd(text, from);
-    const std::string_view piece = text.substr(from, end - from);
-    const std::size_t first = piece.find_first_not_of(kBlanks);
-    if (first != std::string_view::npos) {
-      line += countLines(text.substr(counted, from + first - counted));
-      counted = from + first;
-      const std::size_t last = piece.find_last_not_of(kBlanks);
-      statements.push_back({std::string(piece.substr(first, last - first + 1)), line});
+    const auto [end, kept] = findExtent(text, from);
+    const std::size_t first = text.find_first_not_of(kBlanks, from);
+    if (first < end) {
+      line += countLines(text.substr(counted, first - counted));
+      counted = first;
+      const std::size_t last = text.find_last_not_of(kBlanks, end - 1) + 1;
+      statements.push_back({std::string(text.substr(first, std::max(last, kept) - first)), line});
     }
     from = end + 1;
   }

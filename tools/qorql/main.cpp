@@ -1,7 +1,4 @@
 // The qorql program: finds the command that the first argument names; without one it runs a query.
-#include <unistd.h>
-
-#include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -11,6 +8,7 @@
 
 #include "ExitStatus.h"
 #include "QueryCommand.h"
+#include "StandardOutput.h"
 
 namespace {
 
@@ -28,22 +26,19 @@ int runCommand(int argc, const char* const* argv) {
 }
 
 // A reader that has seen enough and closed the pipe is no failure.
-int closeOutput(int status) {
-  errno = 0;
-  std::cout.flush();
-  if (std::fflush(stdout) == 0 && std::cout) return status;
-  const int error = errno;
-  if (error == EPIPE) return status;
-  std::cerr << "qorql: error: cannot write the result: " << std::strerror(error == 0 ? EIO : error) << '\n';
+int closeOutput(StandardOutput& output, int status) {
+  const int error = output.close();
+  if (error == 0 || error == EPIPE) return status;
+  std::cerr << "qorql: error: cannot write the result: " << std::strerror(error) << '\n';
   return kExitRefused;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  // Everything that goes to standard output shares one buffer, so that it stays in order.
-  static std::array<char, 1 << 16> buffer;
-  std::setvbuf(stdout, buffer.data(), _IOFBF, buffer.size());
   std::signal(SIGPIPE, SIG_IGN);
-  return closeOutput(runCommand(argc, argv));
+  // The scanner reports on standard output by both ways; neither may overtake the other.
+  std::setvbuf(stdout, nullptr, _IONBF, 0);
+  StandardOutput output;
+  return closeOutput(output, runCommand(argc, argv));
 }
