@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "Cimom/Model/ModelPath.h"
 #include "cimom/IQoriProperty.h"
 
 namespace {
@@ -29,51 +30,16 @@ QORSmrPtr<KeyList> sortedKeys(const QORSmrPtr<KeyList>& keys) {
   return list;
 }
 
-void appendQuoted(QORString& path, const QORString& text) {
-  path += '"';
-  std::string_view rest = text.view();
-  for (std::size_t special; (special = rest.find_first_of("\"\\")) != std::string_view::npos;) {
-    path.append(rest.substr(0, special));
-    path += '\\';
-    path += rest[special];
-    rest.remove_prefix(special + 1);
-  }
-  path.append(rest);
-  path += '"';
-}
-
-void appendKey(QORString& path, const IQoriProperty& key) {
-  path += key.getName();
-  path += '=';
-  const QORSmrPtr<IQoriValue>& value = key.getValue();
-  if (value.IsNull()) {
-    path += "NULL";
-    return;
-  }
-  const QoriScalar scalar = value->scalar();
-  if (scalar.isNumber() || scalar.kind == QoriScalarKind::Boolean) {
-    path += value->toString();
-  } else {
-    appendQuoted(path, value->toString());
-  }
-}
-
 QORString pathText(const QORString& nameSpace, const QORString& className, const KeyList& keys) {
-  QORString path;
-  path.reserve(nameSpace.length() + className.length() + 64);
-  if (!nameSpace.isEmpty()) {
-    path += nameSpace;
-    path += ':';
-  }
-  path += className;
-  char separator = '.';
+  model::PathText path(nameSpace, className);
   QORValSlistIterator<QORSmrPtr<IQoriProperty>> it(keys);
   while (++it) {
-    path += separator;
-    separator = ',';
-    appendKey(path, *it.key());
+    const IQoriProperty& key = *it.key();
+    const QORSmrPtr<IQoriValue>& value = key.getValue();
+    path.addKey(key.getName(), value.IsNull() ? QoriScalar() : value->scalar(),
+                value.IsNull() ? *key.getType() : *value->getType());
   }
-  return path;
+  return path.text();
 }
 
 QORSmrPtr<IQoriNameSpacePath> pathOrEmpty(const QORSmrPtr<IQoriNameSpacePath>& nameSpacePath) {

@@ -6,68 +6,10 @@
 #include <new>
 
 #include "Cimom/Model/ModelError.h"
-#include "cimom/CQoriInstanceName.h"
+#include "Cimom/Model/ModelInstanceName.h"
 #include "cimom/CQoriProperty.h"
-#include "cimom/CQoriType.h"
-#include "cimom/CQoriValue.h"
 
 static_assert(sizeof(ModelInstance) % alignof(ModelSlot) == 0, "the slots follow the instance");
-
-namespace {
-
-using Kind = QoriScalarKind;
-
-bool isText(Kind kind) noexcept { return kind == Kind::Text || kind == Kind::DateTime; }
-
-bool isOfType(const IQoriValue& value, const QORSmrPtr<IQoriType>& type) noexcept {
-  const IQoriType& own = *value.getType().Get();
-  return &own == type.Get() ||
-         (own.isArray() == type->isArray() && own.getName().isEqualCaseInsensitive(type->getName()));
-}
-
-}  // namespace
-
-void ModelSlot::set(const QORSmrPtr<IQoriValue>& value, const QORSmrPtr<IQoriType>& type) {
-  if (value.IsNull()) return;
-  if (!isOfType(*value, type)) return set(QORSmrPtr<IQoriValue>(new CQoriValue(*value, type)), type);
-  const QoriScalar scalar = value->scalar();
-  if (isText(scalar.kind)) {
-    new (&_text) QORString(*scalar.text);
-    _scalar.text = &_text;
-  } else if (scalar.kind == Kind::Complex) {
-    new (&_value) QORSmrPtr<IQoriValue>(value);
-    _scalar.value = value.Get();
-  } else {
-    _scalar = scalar;
-  }
-  _scalar.kind = scalar.kind;
-}
-
-ModelSlot::~ModelSlot() {
-  if (isText(_scalar.kind)) _text.~QORString();
-  if (_scalar.kind == Kind::Complex) std::destroy_at(&_value);
-}
-
-QORSmrPtr<IQoriValue> ModelSlot::value(const QORSmrPtr<IQoriType>& type) const {
-  switch (_scalar.kind) {
-    case Kind::Null:
-      return {};
-    case Kind::Boolean:
-      return {new CQoriValue(_scalar.b, type)};
-    case Kind::Unsigned:
-      return {new CQoriValue(_scalar.u, type)};
-    case Kind::Signed:
-      return {new CQoriValue(_scalar.s, type)};
-    case Kind::Real:
-      return {new CQoriValue(_scalar.r, type)};
-    case Kind::Char16:
-      return {new CQoriValue(_scalar.c, type)};
-    case Kind::Complex:
-      return _value;
-    default:
-      return {new CQoriValue(_text, type)};
-  }
-}
 
 QORSmrPtr<IQoriObject> ModelInstance::create(const QORSmrPtr<ModelShape>& shape,
                                              const std::vector<QORSmrPtr<IQoriValue>>& values,
@@ -108,13 +50,10 @@ QORSmrPtr<IQoriInstanceName> ModelInstance::getInstanceName() const {
 
 QORSmrPtr<IQoriInstanceName> ModelInstance::makeName() const {
   if (shape().keyPositions.empty()) return {};
-  const QORSmrPtr<IQoriInstanceName::KeyList> keys(new IQoriInstanceName::KeyList);
   for (const QORuint32 position : shape().keyPositions) {
     if (slots()[position].scalar().isNull()) return {};
-    keys->append(getPropertyAt(position));
   }
-  const QORSmrPtr<IQoriNameSpacePath> path(new CQoriNameSpacePath(QORString::emptyString(), shape().nameSpace));
-  return {new CQoriInstanceName(shape().className, keys, path)};
+  return {new ModelInstanceName(_shape, slots())};
 }
 
 QORSmrPtr<IQoriProperty> ModelInstance::getPropertyAt(QORuint32 position) const {

@@ -5,44 +5,11 @@
 #include <cstddef>
 #include <vector>
 
-#include "Cimom/Model/ModelLayout.h"
 #include "Cimom/Model/ModelNameCache.h"
+#include "Cimom/Model/ModelShape.h"
+#include "Cimom/Model/ModelSlot.h"
 #include "cimom/IQoriObject.h"
 #include "cmpbase.h"
-
-// What the instances of one class in one namespace have in common.
-struct ModelShape {
-  QORString nameSpace;
-  QORString className;
-  QORSmrPtr<ModelLayout> layout;        // REQUIRES non-null
-  std::vector<QORuint32> keyPositions;  // positions of the key properties, in any order
-};
-
-// One value in place: numbers and booleans in the scalar itself, texts in a
-// string beside it, anything else as a held value.
-class ModelSlot {
- public:
-  ModelSlot() noexcept {}
-  ModelSlot(const ModelSlot&) = delete;
-  ModelSlot& operator=(const ModelSlot&) = delete;
-  ~ModelSlot();
-
-  // Takes the value, converted to the type. A null value leaves the slot empty.
-  // REQUIRES an empty slot. THROWS QoriBaseException (type "CIM_Value") when the
-  // value cannot be of that type.
-  void set(const QORSmrPtr<IQoriValue>& value, const QORSmrPtr<IQoriType>& type);
-  // BORROWS: valid while the slot lives.
-  const QoriScalar& scalar() const noexcept { return _scalar; }
-  // The value as an object; null when the slot is empty. A new object for scalars.
-  QORSmrPtr<IQoriValue> value(const QORSmrPtr<IQoriType>& type) const;
-
- private:
-  QoriScalar _scalar;
-  union {
-    QORString _text;               // of kinds Text and DateTime
-    QORSmrPtr<IQoriValue> _value;  // of kind Complex
-  };
-};
 
 // Immutable once made; threads may share one. Object and values are one
 // allocation, so it is made by create() alone.

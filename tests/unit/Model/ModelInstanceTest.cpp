@@ -115,6 +115,22 @@ TEST(ModelInstance, NameIsNullWithoutKeysOrKeyValue) {
   EXPECT_TRUE(object("C", {{"p", uint8(1)}}, 0)->getInstanceName().IsNull());
 }
 
+TEST(ModelInstance, NameShowsTheKeysInNameOrder) {
+  const Name inner = name("root/cimv2", "D", {{"K", uint8(1)}});
+  const NamedValues keys = {{"zeta", text("z\"")},  {"Beta", reference(inner)}, {"alpha", boolean(true)},
+                            {"gamma", real32(0.1)}, {"Delta", char16(u'd')},    {"eta", sint32(-1)}};
+  const Name made = object("C", keys, 6)->getInstanceName();
+  EXPECT_EQ(made->toString(),
+            "root/cimv2:C.alpha=TRUE,Beta=\"root/cimv2:D.K=1\",Delta=\"d\",eta=-1,gamma=0.1,zeta=\"z\\\"\"");
+  EXPECT_EQ(made->toString(), name("root/cimv2", "C", keys)->toString());
+  EXPECT_EQ(made->getClassName(), "C");
+  ASSERT_EQ(made->getKeys()->entries(), 6U);
+  EXPECT_EQ(made->getKeys()->at(1)->getName(), "Beta");
+  EXPECT_TRUE(made->getKeys()->at(1)->getValue()->getReference() == inner);
+  EXPECT_EQ(show(made->getKeys()->at(4)->getValue()), "real32:0.1");
+  EXPECT_TRUE(made->getKeys() == made->getKeys());
+}
+
 TEST(ModelInstance, GivenNameWins) {
   const Name given = name("other", "CIM_Disk", {{"Id", uint32(9)}});
   const Object disk = ModelInstance::create(diskShape(), diskValues(), given);
@@ -135,10 +151,16 @@ TEST(ModelInstance, ThreadsSeeOneName) {
     Name seen[4];
     std::vector<std::thread> threads;
     for (Name& slot : seen) {
-      threads.emplace_back([&slot, &disk] { slot = disk->getInstanceName(); });
+      threads.emplace_back([&slot, &disk] {
+        slot = disk->getInstanceName();
+        EXPECT_EQ(slot->getKeys()->entries(), 1U);
+      });
     }
     for (std::thread& thread : threads) thread.join();
-    for (const Name& slot : seen) ASSERT_TRUE(slot == seen[0]);
+    for (const Name& slot : seen) {
+      ASSERT_TRUE(slot == seen[0]);
+      ASSERT_TRUE(slot->getKeys() == seen[0]->getKeys());
+    }
   }
 }
 

@@ -1,0 +1,41 @@
+// One stored value.
+#ifndef QORQL_MODEL_MODELSLOT_H
+#define QORQL_MODEL_MODELSLOT_H
+
+#include "cimom/IQoriType.h"
+#include "cimom/IQoriValue.h"
+#include "cimom/QoriScalar.h"
+#include "cmpbase.h"
+
+// One value in place: numbers and booleans in the scalar itself, texts in a
+// string beside it, anything else as a held value.
+class ModelSlot {
+ public:
+  ModelSlot() noexcept {}
+  ModelSlot(const ModelSlot&) = delete;
+  ModelSlot& operator=(const ModelSlot&) = delete;
+  ~ModelSlot();
+
+  // Takes the value, converted to the type. A null value leaves the slot empty.
+  // REQUIRES an empty slot. THROWS QoriBaseException (type "CIM_Value") when the
+  // value cannot be of that type.
+  void set(const QORSmrPtr<IQoriValue>& value, const QORSmrPtr<IQoriType>& type);
+  // Takes what the other slot holds. REQUIRES an empty slot.
+  void copy(const ModelSlot& other);
+  // BORROWS: valid while the slot lives.
+  const QoriScalar& scalar() const noexcept { return _scalar; }
+  // The value as an object; null when the slot is empty. A new object for scalars.
+  QORSmrPtr<IQoriValue> value(const QORSmrPtr<IQoriType>& type) const;
+
+ private:
+  void holdText(const QORString& text, QoriScalarKind kind);
+  void holdValue(const QORSmrPtr<IQoriValue>& value);
+
+  QoriScalar _scalar;
+  union {
+    QORString _text;               // of kinds Text and DateTime
+    QORSmrPtr<IQoriValue> _value;  // of kind Complex
+  };
+};
+
+#endif
