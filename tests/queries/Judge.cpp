@@ -1,0 +1,87 @@
+// Compares what a statement left with what its case expects, line by line.
+#include "Judge.h"
+
+#include <algorithm>
+#include <sstream>
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+Lines linesOf(const std::string& text) {
+  std::istringstream stream(text);
+  Lines lines;
+  for (std::string line; std::getline(stream, line);) lines.push_back(line);
+  if (!text.empty() && text.back() != '\n') lines.back() += "  (no line feed at the end)";
+  return lines;
+}
+
+// Both sides in full, the lines from the first to the last difference marked.
+std::string difference(const std::string& title, const Lines& expected, const Lines& got) {
+  if (expected == got) return {};
+  std::size_t front = 0;
+  while (front < expected.size() && front < got.size() && expected[front] == got[front]) ++front;
+  std::size_t back = 0;
+  while (back < expected.size() - front && back < got.size() - front &&
+         expected[expected.size() - 1 - back] == got[got.size() - 1 - back]) {
+    ++back;
+  }
+  std::string text = "  " + title + ": - expected, + got\n";
+  for (std::size_t i = 0; i < front; ++i) text += "      " + expected[i] + "\n";
+  for (std::size_t i = front; i < expected.size() - back; ++i) text += "    - " + expected[i] + "\n";
+  for (std::size_t i = front; i < got.size() - back; ++i) text += "    + " + got[i] + "\n";
+  for (std::size_t i = expected.size() - back; i < expected.size(); ++i) text += "      " + expected[i] + "\n";
+  return text;
+}
+
+std::string difference(const std::string& title, const std::string& expected, const std::string& got) {
+  return expected == got ? std::string() : difference(title, linesOf(expected), linesOf(got));
+}
+
+std::string describe(const Failure& failure) {
+  return failure.toText() + (failure.kind == FailureKind::None ? "\n" : "\n" + failure.message + "\n");
+}
+
+// A message that the case leaves open counts as met.
+std::string judgeFailure(const Failure& expected, const Failure& got) {
+  Failure wanted = expected;
+  if (wanted.message.empty() && wanted.kind != FailureKind::None) wanted.message = got.message;
+  return difference("error", describe(wanted), describe(got));
+}
+
+// The tool's line for an expected failure, up to the parts that the case leaves open.
+std::string judgeToolError(const Failure& expected, const std::string& err) {
+  const std::string line = expected.line == 0 ? std::string() : "line " + std::to_string(expected.line) + ", ";
+  const std::string place = " (" + line + "CIM status " +
+                            (expected.kind == FailureKind::Platform ? "1" : std::to_string(expected.status)) + ")\n";
+  if (!expected.message.empty()) return difference("stderr", "qorql: error: " + expected.message + place, err);
+  const bool isError = err.starts_with("qorql: error: ") && err.ends_with(place);
+  return isError ? std::string() : difference("stderr", "qorql: error: (any message)" + place, err);
+}
+
+}  // namespace
+
+std::string judgeLibrary(const Case& one, const Outcome& outcome) {
+  std::string text = judgeFailure(one.failure, outcome.failure);
+  if (one.expected == Case::Expected::Csv) text += difference("rows", one.result, outcome.rows);
+  if (one.expected == Case::Expected::Xml) text += difference("stream", one.result, outcome.stream);
+  if (one.hasCalls) text += difference("calls", one.calls, outcome.calls);
+  return text + difference("log", one.log, outcome.errorLog);
+}
+
+std::string judgeTool(const Case& one, const ToolOutcome& outcome) {
+  const bool isFailure = one.expected == Case::Expected::Failure;
+  std::string text = difference("exit status", isFailure ? "1\n" : "0\n", std::to_string(outcome.status) + "\n");
+  if (isFailure) return text + judgeToolError(one.failure, outcome.err);
+  text += difference("stdout", one.result, outcome.out);
+  const bool isSilent = one.log.empty();
+  return text + (isSilent ? difference("stderr", std::string(), outcome.err) : std::string());
+}
+
+std::string judgeModes(const Outcome& plain, const Outcome& lazy) {
+  return difference("error, plain against lazy", describe(plain.failure), describe(lazy.failure)) +
+         difference("rows, plain against lazy", plain.rows, lazy.rows) +
+         difference("stream, plain against lazy", plain.stream, lazy.stream) +
+         difference("calls, plain against lazy", plain.calls, lazy.calls) +
+         difference("log, plain against lazy", plain.log, lazy.log);
+}

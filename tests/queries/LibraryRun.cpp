@@ -1,0 +1,111 @@
+// Runs statements through the library and records everything that shows.
+#include "LibraryRun.h"
+
+#include <filesystem>
+#include <sstream>
+#include <utility>
+
+#include "Cimom/Mof/MofLoader.h"
+#include "Cimom/QORQL/QORQL_Exception.h"
+#include "Cimom/QORQL/QORQL_Lexer.h"
+#include "Cimom/QORQL/QORQL_ParseException.h"
+#include "Cimom/QORQL/QORQL_Query.h"
+#include "Cimom/QORQL/QORQL_ResultReader.h"
+#include "Cimom/QORQL/QORQL_SymbolTable.h"
+#include "ClientInterposer.h"
+
+namespace {
+
+constexpr char kLanguage[] = "DMTF:CQL";
+
+std::string field(std::string_view text) {
+  if (text.find_first_of(",\"\r\n") == std::string_view::npos) return std::string(text);
+  std::string quoted = "\"";
+  for (const char byte : text) quoted += byte == '"' ? std::string("\"\"") : std::string(1, byte);
+  return quoted + "\"";
+}
+
+std::string readRows(const QORQL_Query& query, QORQL_SymbolTable& symbols, QORSmrPtr<QORQL_DataTable>& table) {
+  QORQL_ResultReader reader(query, symbols, table);
+  std::string text;
+  const std::size_t count = reader.columns().size();
+  for (std::size_t i = 0; i < count; ++i) text += (i == 0 ? "" : ",") + field(reader.columns()[i].name.view());
+  text += "\n";
+  while (reader.next()) {
+    for (std::size_t i = 0; i < count; ++i) {
+      const QORSmrPtr<IQoriValue> value = reader.value(i);
+      text += (i == 0 ? "" : ",") + (value.IsNull() ? std::string() : field(value->toString().view()));
+    }
+    text += "\n";
+  }
+  return text;
+}
+
+// The failure that is being handled.
+Failure currentFailure() {
+  try {
+    throw;
+  } catch (const QORQL_ParseException& error) {
+    return {FailureKind::Parse, static_cast<unsigned>(error.getCode()), error.getLineNr(), error.getCIMErrorCode(),
+            std::string(error.getMessage().view())};
+  } catch (const QORQL_Exception& error) {
+    return {FailureKind::Runtime, static_cast<unsigned>(error.getCode()), 0, error.getCIMErrorCode(),
+            std::string(error.getMessage().view())};
+  } catch (const QoriBaseException& error) {
+    return {FailureKind::Platform, 0, 0, 0, std::string(error.getMessage().view())};
+  }
+}
+
+}  // namespace
+
+std::string findModel(const std::string& name, const std::vector<std::string>& folders) {
+  for (const std::string& folder : folders) {
+    const std::string path = folder + "/" + name;
+    if (std::filesystem::exists(path)) return path;
+  }
+  throw ScriptError("no model '" + name + "'");
+}
+
+LibraryRun::LibraryRun(const Script& script, const std::vector<std::string>& folders) {
+  _manager.makeCurrent();
+  for (const auto& [key, value] : script.settings) _manager.setConfiguration("ZEMO", key.c_str(), value.c_str());
+  MofLoader loader(_manager.sink(), script.nameSpace.c_str());
+  for (const std::string& model : script.models) loader.loadFile(findModel(model, folders));
+  for (const std::string& text : script.mofTexts) loader.loadText(text, "script");
+  _manager.setLogSink(
+      [this](const QORString& who, const QORString& message, QORuint32 severity) {
+        const std::string line = std::string(who.view()) + ": " + std::string(message.view());
+        _log.push_back(std::to_string(severity) + " " + line);
+        if (severity <= QoriTraceLog::kError) _errorLog.push_back(line);
+      },
+      QoriTraceLog::kTrace);
+  ClientInterposer::setRecording(true);
+}
+
+LibraryRun::~LibraryRun() { ClientInterposer::setRecording(false); }
+
+Outcome LibraryRun::run(const Case& one, QORQL_DataTable::ExecutionMode mode, bool isStreamed) {
+  Outcome outcome;
+  std::ostringstream stream;
+  const QORString text(one.query);
+  const QORString language(kLanguage);
+  const QORString nameSpace(one.nameSpace);
+  QORQL_SymbolTable symbols(nullptr);
+  ClientInterposer::takeCalls();
+  try {
+    QORQL_Lexer lexer(text, false);
+    QORSmrPtr<QORQL_Executable> statement = QORQL_Query::parse(symbols, lexer, false, text, language, nameSpace);
+    QORSmrPtr<QORQL_DataTable> table(new QORQL_DataTable());
+    table->setExecutionMode(mode);
+    statement->execute(symbols, table, isStreamed ? &stream : nullptr, nameSpace);
+    outcome.calls = ClientInterposer::takeCalls();
+    outcome.rows = readRows(*statement.DynamicCast<QORQL_Query>(), symbols, table);
+  } catch (const QoriBaseException&) {
+    outcome.failure = currentFailure();
+    if (outcome.calls.empty()) outcome.calls = ClientInterposer::takeCalls();
+  }
+  outcome.stream = stream.str();
+  outcome.log = std::exchange(_log, {});
+  outcome.errorLog = std::exchange(_errorLog, {});
+  return outcome;
+}

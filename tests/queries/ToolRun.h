@@ -1,0 +1,33 @@
+// Runs statements through the command-line program, one process each.
+#ifndef QORQL_TESTS_TOOLRUN_H
+#define QORQL_TESTS_TOOLRUN_H
+
+#include <string>
+#include <vector>
+
+#include "Script.h"
+
+struct ToolOutcome {
+  int status = -1;  // the exit status; -1 when the program ended by a signal
+  std::string out;
+  std::string err;
+};
+
+// Makes a folder for the script's inline MOF, which goes with it.
+class ToolRun {
+ public:
+  ToolRun(const std::string& program, const Script& script, const std::vector<std::string>& folders);
+  ToolRun(const ToolRun&) = delete;
+  ToolRun& operator=(const ToolRun&) = delete;
+  ~ToolRun();
+
+  ToolOutcome run(const Case& one) const;
+
+ private:
+  std::vector<std::string> argumentsOf(const Case& one) const;
+
+  std::string _folder;
+  std::vector<std::string> _arguments;  // program, models, settings
+};
+
+#endif
