@@ -11,6 +11,7 @@
 #include "Cimom/QORQL/QORQL_ParseException.h"
 #include "Cimom/QORQL/QORQL_Query.h"
 #include "Cimom/QORQL/QORQL_ResultReader.h"
+#include "Cimom/QORQL/QORQL_SelectedEntry.h"
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
 #include "ClientInterposer.h"
 
