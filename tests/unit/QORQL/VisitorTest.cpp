@@ -1,0 +1,176 @@
+// Walks over expression trees: their order, and the two finders.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "Cimom/QORQL/QORQL_Arithmetic.h"
+#include "Cimom/QORQL/QORQL_Comparison.h"
+#include "Cimom/QORQL/QORQL_Expression.h"
+#include "Cimom/QORQL/QORQL_ExpressionTerm.h"
+#include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
+#include "Cimom/QORQL/QORQL_Function.h"
+#include "Cimom/QORQL/QORQL_FunctionFinder.h"
+#include "Cimom/QORQL/QORQL_IdentifierFinder.h"
+#include "Cimom/QORQL/QORQL_Term.h"
+#include "ParserSupport.h"
+
+namespace {
+
+using parsertest::Level;
+using parsertest::Node;
+using parsertest::Parsed;
+using parsertest::plain;
+
+// Writes a letter per visited node: O(r), A(nd), F(actor of an expression),
+// C(omparison), S(um), P(roduct), the name of a plain factor, f(unction), a(ssociation).
+class Recorder : public QORQL_ExpressionVisitor {
+ public:
+  void visitExpression(const QORQL_Expression&) override { trace += "O "; }
+  void visitExpressionTerm(const QORQL_ExpressionTerm&) override { trace += "A "; }
+  void visitExpressionFactor(const QORQL_ExpressionFactor&) override { trace += "F "; }
+  void visitComparison(const QORQL_Comparison&) override { trace += "C "; }
+  void visitArithmetic(const QORQL_Arithmetic&) override { trace += "S "; }
+  void visitTerm(const QORQL_Term&) override { trace += "P "; }
+  void visitFactor(const QORQL_Factor& factor) override {
+    trace += (factor.getPropertyName().IsNull() ? "'" : plain(*factor.getPropertyName())) + " ";
+  }
+  void visitAssociation(const QORQL_Association&) override { trace += "a "; }
+  void visitFunction(const QORQL_Function&) override { trace += "f "; }
+  std::string trace;
+};
+
+std::string traceOf(const Node& tree) {
+  Recorder* const recorder = new Recorder;
+  QORSmrPtr<QORQL_ExpressionVisitor> visitor(recorder);
+  tree->accept(visitor);
+  return recorder->trace;
+}
+
+std::string traceOf(const char* text, Level level) { return traceOf(Parsed(text, level).tree); }
+
+TEST(Walk, VisitsChildrenBeforeTheirParent) {
+  EXPECT_EQ(traceOf("x", Level::Expression), "x P S C F A O ");
+  EXPECT_EQ(traceOf("a = b", Level::Comparison), "a P S b P S C ");
+}
+
+TEST(Walk, VisitsAChainFromItsEndBack) {
+  EXPECT_EQ(traceOf("a - b - c", Level::Arithmetic), "a P b P c P S S S ");
+  EXPECT_EQ(traceOf("a * b / c", Level::Arithmetic), "a b c P P P S ");
+  EXPECT_EQ(traceOf("a AND b", Level::Expression), "a P S C F b P S C F A A O ");
+  EXPECT_EQ(traceOf("a OR b", Level::Expression), "a P S C F A b P S C F A O O ");
+}
+
+TEST(Walk, PassesThroughWrappingFactors) {
+  EXPECT_EQ(traceOf("-(a)", Level::Factor), "a P S C ");
+  EXPECT_EQ(traceOf("--5", Level::Factor), "' ");
+  EXPECT_EQ(traceOf("COUNT(x)", Level::Factor), "x P S C F A O f ");
+}
+
+TEST(Walk, DoesNotEnterAnAssociation) {
+  Parsed parsed("A = S AND A = S");
+  parsed.know({"S"});
+  parsed.parse(Level::Expression);
+  EXPECT_EQ(traceOf(parsed.tree), "a A O ");
+}
+
+TEST(Walk, SkipsMissingChildren) {
+  const auto bare = [](QORQL_Evaluatable* node) { return traceOf(Node(node)); };
+  EXPECT_EQ(bare(new QORQL_Expression(nullptr, nullptr, QORQL_OperatorNONE)), "O ");
+  EXPECT_EQ(bare(new QORQL_ExpressionTerm(nullptr, nullptr, QORQL_OperatorNONE)), "A ");
+  EXPECT_EQ(bare(new QORQL_Comparison(nullptr, nullptr, QORQL_OperatorNONE)), "C ");
+  EXPECT_EQ(bare(new QORQL_Arithmetic(nullptr, nullptr, QORQL_OperatorNONE)), "S ");
+  EXPECT_EQ(bare(new QORQL_Term(nullptr, nullptr, QORQL_OperatorNONE)), "P ");
+}
+
+TEST(Walk, EntersARightOperandOfAnotherKind) {
+  const Node factor = Parsed("x", Level::Factor).tree;
+  EXPECT_EQ(traceOf(Node(new QORQL_Arithmetic(factor, factor, QORQL_OperatorPLUS))), "x x S ");
+}
+
+TEST(Walk, TheBaseVisitorDoesNothing) {
+  Parsed parsed("A = S AND A = S AND NOT COUNT(-x) = 1 + 2 * 3 OR y");
+  parsed.know({"S"});
+  parsed.parse(Level::Expression);
+  const std::string before = parsertest::print(parsed.tree);
+  QORSmrPtr<QORQL_ExpressionVisitor> visitor(new QORQL_ExpressionVisitor);
+  parsed.tree->accept(visitor);
+  EXPECT_EQ(parsertest::print(parsed.tree), before);
+}
+
+QORuint32 functionIn(const char* text) {
+  const Parsed parsed(text, Level::Expression);
+  QORQL_FunctionFinder* const finder = new QORQL_FunctionFinder;
+  QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
+  parsed.tree->accept(visitor);
+  return finder->getFunctionID();
+}
+
+TEST(FunctionFinder, FindsTheLastFunctionVisited) {
+  EXPECT_EQ(functionIn("x"), 0U);
+  EXPECT_EQ(functionIn("SUM(x)"), 6U);
+  EXPECT_EQ(functionIn("MAX(MIN(x))"), 3U);
+  EXPECT_EQ(functionIn("MAX(x) + MIN(y)"), 2U);
+}
+
+struct Finding {
+  const char* text;
+  bool isProperty;
+  bool isClass;
+  const char* className;  // null: a null pointer
+  const char* propertyName;
+  const char* list;
+};
+
+class IdentifierFinder : public testing::TestWithParam<Finding> {};
+
+std::string listed(const QORQL_IdentifierFinder& finder) {
+  std::string text;
+  const QORQL_IdentifierFinder::ClassNameList list = finder.getClassNameList();
+  QORValSlistIterator<QORSmrPtr<QORString>> names(*list);
+  while (++names) text += "<" + plain(*names.key()) + ">";
+  return text;
+}
+
+TEST_P(IdentifierFinder, FindsNames) {
+  const Parsed parsed(GetParam().text, Level::Comparison);
+  QORQL_IdentifierFinder* const finder = new QORQL_IdentifierFinder;
+  QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
+  parsed.tree->accept(visitor);
+  EXPECT_EQ(finder->isPropertyReference(), GetParam().isProperty);
+  EXPECT_EQ(finder->isClassReference(), GetParam().isClass);
+  EXPECT_EQ(finder->getClassName().IsNull(), GetParam().className == nullptr);
+  EXPECT_EQ(finder->getPropertyName().IsNull(), GetParam().propertyName == nullptr);
+  if (GetParam().className != nullptr) {
+    EXPECT_EQ(plain(*finder->getClassName()), GetParam().className);
+  }
+  if (GetParam().propertyName != nullptr) {
+    EXPECT_EQ(plain(*finder->getPropertyName()), GetParam().propertyName);
+  }
+  EXPECT_EQ(listed(*finder), GetParam().list);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, IdentifierFinder,
+                         testing::Values(Finding{"x", true, false, "", "x", "<>"},
+                                         Finding{"C.x", true, false, "C", "x", "<C>"},
+                                         Finding{"C.*", true, false, "C", "*", "<C>"},
+                                         Finding{"-C.x", true, false, "C", "x", "<C>"},
+                                         Finding{"C.x IS NULL", true, false, "C", "x", "<C>"},
+                                         Finding{"C.x + D.y", false, false, nullptr, nullptr, "<C><D>"},
+                                         Finding{"C.x = 5", false, false, nullptr, nullptr, "<C>"},
+                                         Finding{"5", false, false, nullptr, nullptr, ""},
+                                         Finding{"A.firstref", true, true, "A", "firstref", "<A>"},
+                                         Finding{"A.firstref = B.secondref", false, false, nullptr, nullptr, "<A><B>"},
+                                         Finding{"OBJECTPATH(x)", true, true, "X", "NONE", "<X>"},
+                                         Finding{"OBJECTPATH(x) + 1", false, false, nullptr, nullptr, "<X>"},
+                                         Finding{"COUNT(C.x)", true, false, "C", "x", "<C>"}));
+
+TEST(IdentifierFinder, SharesTheFactorsOwnStrings) {
+  const Parsed parsed("x + C.y", Level::Expression);
+  QORQL_IdentifierFinder* const finder = new QORQL_IdentifierFinder;
+  QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
+  parsed.tree->accept(visitor);
+  *finder->getClassNameList()->first() = "K";
+  EXPECT_EQ(parsertest::print(parsed.tree), "(K.x + C.y)");
+}
+
+}  // namespace
