@@ -1,7 +1,10 @@
 """Errors with line and status, statements in a row, standard input, and a reader that goes away."""
 import os
+import pty
+import select
 import signal
 import subprocess
+import time
 import unittest
 
 import toolcase
@@ -156,6 +159,33 @@ class Output(ToolCase):
     def test_every_row_of_a_large_result_arrives(self):
         text = self.succeed(self.run_tool("--no-live", "-m", self.many_rows(), "-o", "csv", "SELECT K FROM Big"))
         self.assertEqual(text, "K\n" + "".join(f"{i}\n" for i in range(20000)))
+
+    def on_terminal(self, seconds, *arguments):
+        """What a long query shows on standard error, a terminal, in that time."""
+        ours, theirs = pty.openpty()
+        long_query = "SELECT A.K FROM Big AS A, Pig AS B WHERE A.K + B.K = 0 - 1"
+        path = self.many_rows()
+        more = self.write("more.mof", "class Pig { [Key] uint32 K; };\n" +
+                          "".join(f"instance of Pig {{ K = {i}; }};\n" for i in range(20000)))
+        with subprocess.Popen([toolcase.TOOL, "--no-live", "-m", path, "-m", more, *arguments, long_query],
+                              stdout=subprocess.DEVNULL, stderr=theirs) as tool:
+            shown = b""
+            until = time.monotonic() + seconds
+            while b"s ..." not in shown and time.monotonic() < until and tool.poll() is None:
+                if select.select([ours], [], [], 0.1)[0]:
+                    shown += os.read(ours, 1000)
+            is_running = tool.poll() is None
+            tool.kill()
+        os.close(ours)
+        os.close(theirs)
+        self.assertTrue(is_running, shown)
+        return shown
+
+    def test_progress_line_on_a_terminal(self):
+        self.assertRegex(self.on_terminal(60), rb"\A\rqorql: 1 s \.\.\.\Z")
+
+    def test_no_progress_line_when_quiet(self):
+        self.assertEqual(self.on_terminal(4, "--quiet"), b"")
 
     def test_no_progress_line_without_a_terminal(self):
         result = self.run_tool("--no-live", "-m", self.many_rows(), "-o", "csv", "SELECT K FROM Big ORDER BY T ASC")
