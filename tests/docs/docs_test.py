@@ -6,6 +6,7 @@ import types
 import unittest
 
 import check_guide
+import check_links
 import check_rules
 import markdown
 import run_commands
@@ -78,6 +79,15 @@ class RunExamples(unittest.TestCase):
             with open(path, "w", encoding="utf-8") as out:
                 out.write("./qorql no\n```sh\n./qorql 'a'\nls\n```\n```text\n./qorql no\n```\n")
             self.assertEqual(list(run_commands.commands(path)), [(3, "./qorql 'a'")])
+
+
+class CheckLinks(unittest.TestCase):
+    def test_links_to_missing_files_and_headings_are_found(self):
+        with tempfile.TemporaryDirectory() as root:
+            with open(os.path.join(root, "a.md"), "w", encoding="utf-8") as out:
+                out.write("# One: two\n[x](b.md) [y](a.md#one-two) [z](#three) [u](https://example.org)\n")
+            found = list(check_links.check(root))
+        self.assertEqual(found, ["a.md: the link b.md leads to no file", "a.md: the link #three leads to no heading"])
 
 
 class CheckGuide(unittest.TestCase):
