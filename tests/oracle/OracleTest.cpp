@@ -81,9 +81,9 @@ TEST(Oracle, EveryConditionOfThreeConnectives) {
   const std::vector<Comparison> comparisons = {
       compare(k(kA), Op::Equal, number(1)), compare(k(kA), Op::Less, number(2)), test(k(kA), Op::IsNull),
       compare(v(kA), Op::GreaterEqual, number(1)), compare(number(1), Op::Equal, number(2))};
-  const std::vector<World> worlds = {{{Key(), Key(1), Key(2), Key(1)}, {}, {}}};
+  const World world = {std::vector<Key>{Key(), Key(1), Key(2), Key(1)}, {}, {}};
   for (const Condition& where : conditionsOf(comparisons, 3)) {
-    if (!checkAll({{id(kA)}, {kA}, where, {}, {}}, worlds)) return;
+    if (!checkAll({{id(kA)}, {kA}, where, {}, {}}, {world})) return;
   }
 }
 
