@@ -24,11 +24,13 @@ class CimDeclarationSink {
   virtual void createNamespace(const QORString& nameSpace) = 0;
   virtual void declareQualifier(const QORString& nameSpace, const CimQualifierDeclaration& declaration) = 0;
   // Refused: a class that exists with another declaration, a missing superclass,
-  // a property declared twice or redeclared with another type, a reference
-  // outside an association. An equal declaration again is accepted.
+  // a property declared twice or redeclared with another type, a default of
+  // another type, a reference outside an association, inheritance of more than
+  // 500 levels. An equal declaration again is accepted.
   virtual void declareClass(const QORString& nameSpace, const CimClassDeclaration& declaration) = 0;
   // Refused: an unknown or abstract class, an unknown property, a property
-  // given twice, a value of another type, a key without value, a path that exists.
+  // given twice, a value of another type, a class without keys, a key without
+  // value, a path that exists. References are stored in the repository's spelling.
   virtual QORSmrPtr<IQoriInstanceName> createInstance(const QORString& nameSpace,
                                                       const CimInstanceDeclaration& declaration) = 0;
   // An object that is not stored (an embedded instance or an indication); needs no keys.

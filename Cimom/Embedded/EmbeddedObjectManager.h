@@ -30,7 +30,7 @@ class EmbeddedObjectManager {
   // Receives each log line that passes the level.
   using LogSink = std::function<void(const QORString& who, const QORString& message, QORuint32 severity)>;
 
-  static const char* const kDefaultNamespace;  // "root/cimv2"
+  static const char* const kDefaultNamespace;  // "root/cimv2"; exists from the start
 
   EmbeddedObjectManager();
   EmbeddedObjectManager(const EmbeddedObjectManager&) = delete;
@@ -55,7 +55,9 @@ class EmbeddedObjectManager {
   // All properties of a class, inherited first, in the order in which instances show them.
   std::vector<CimPropertyDeclaration> allProperties(const QORString& nameSpace, const QORString& className) const;
 
-  // The class must be declared in the namespace. Live instances come after stored ones.
+  // The class must be declared in the namespace and have no provider yet, else
+  // THROWS QoriBaseException (type "CIM_Repository"). Live instances come after
+  // stored ones, in the order of registration; one whose path is stored is left out.
   void registerProvider(const QORString& nameSpace, std::shared_ptr<InstanceProvider> provider);
 
   // Changes to stored instances. THROW as CimDeclarationSink::createInstance.

@@ -1,9 +1,30 @@
 // Declarations and changes of instances, with what they are refused for.
+#include <string>
+
 #include "Cimom/Embedded/DeclarationHelpers.h"
 #include "Cimom/Embedded/ObjectStore.h"
 #include "Cimom/Embedded/RepositoryError.h"
 
 namespace embedded {
+
+namespace {
+
+// A path holds the paths of its reference keys, with quotes and backslashes
+// escaped again: what refers to what refers to ... doubles at each step.
+constexpr std::size_t kLongestKeyReference = 16384;
+
+void checkKeyReferences(const CQoriClass& model, const std::vector<QORSmrPtr<IQoriValue>>& values) {
+  for (const QORuint32 position : model.keyPositions()) {
+    const QORSmrPtr<IQoriInstanceName> name =
+        values[position].IsNull() ? QORSmrPtr<IQoriInstanceName>() : values[position]->getReference();
+    if (name.IsNull() || name->toString().length() <= kLongestKeyReference) continue;
+    refuse(CimStatus::InvalidParameter, {"instance of ", model.getClassName().view(), ": the path in key ",
+                                         model.shape()->layout->getName(position).view(), " is longer than ",
+                                         std::to_string(kLongestKeyReference), " bytes"});
+  }
+}
+
+}  // namespace
 
 void ObjectStore::createNameSpace(const QORString& name, View view) {
   if (name.isEmpty()) refuse(CimStatus::InvalidNamespace, {"a namespace needs a name"});
@@ -116,6 +137,7 @@ std::vector<QORSmrPtr<IQoriValue>> ObjectStore::valuesFor(const NameSpace& space
   values.reserve(entry.model->properties().size());
   for (const CimPropertyDeclaration& property : entry.model->properties()) values.push_back(property.defaultValue);
   setValues(space, *entry.model, declaration.properties, values, view);
+  checkKeyReferences(*entry.model, values);
   return values;
 }
 

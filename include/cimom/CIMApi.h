@@ -33,8 +33,9 @@ class CIMApi {
                                const QORSmrPtr<QoriTransactionInfo>& transaction);
   // The instances that an association of the given class (an empty name: any)
   // ties to the source, restricted to the result class (empty: any). Null for
-  // an unknown class or namespace, or a null source. All calls on one client
-  // object see the live instances as its first call found them.
+  // an unknown class or namespace, or a null source. The calls on one client
+  // object see live instances as the first of them found them; the other
+  // operations ask providers anew.
   Instances associators(const QORString& nameSpace, const QORSmrPtr<IQoriInstanceName>& source,
                         const QORString& associationClass, const QORString& resultClass,
                         const PropertyNames& properties, int timeout, const QORString& role,

@@ -211,6 +211,21 @@ TEST_F(InstanceStoreTest, ReferencesAreStoredInTheRepositorysSpelling) {
                    .IsNull());
 }
 
+TEST_F(InstanceStoreTest, ChainsOfKeyReferencesEndBeforeTheirPathsGrowWithoutBound) {
+  declare(classOf("CIM_Link", "", {refer("Next", "CIM_Device")}, {flag("Association")}));
+  Name last = createDisk("end");
+  std::string message;
+  for (int i = 0; i < 40 && message.empty(); ++i) {
+    try {
+      last = create(instanceOf("CIM_Link", {{"Next", reference(last)}}));
+    } catch (const QoriBaseException& error) {
+      message = error.what();
+    }
+  }
+  EXPECT_EQ("instance of CIM_Link: the path in key Next is longer than 16384 bytes", message);
+  EXPECT_GT(enumerate("CIM_Link")->entries(), 5u);
+}
+
 TEST_F(InstanceStoreTest, ReferencesToUnknownClassesKeepTheirSpellingAndGetTheNamespace) {
   const Name made =
       createUses(nameOf("", "X_Unknown", {{"k", text("a")}}), nameOf("root/far", "Y", {{"k", text("b")}}));
