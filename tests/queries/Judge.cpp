@@ -66,14 +66,15 @@ std::string judgeLibrary(const Case& one, const Outcome& outcome) {
   if (one.expected == Case::Expected::Csv) text += difference("rows", one.result, outcome.rows);
   if (one.expected == Case::Expected::Xml) text += difference("stream", one.result, outcome.stream);
   if (one.hasCalls) text += difference("calls", one.calls, outcome.calls);
+  text += difference("echo", one.echo, outcome.echo);
   return text + difference("log", one.log, outcome.errorLog);
 }
 
 std::string judgeTool(const Case& one, const ToolOutcome& outcome) {
   const bool isFailure = one.expected == Case::Expected::Failure;
   std::string text = difference("exit status", isFailure ? "1\n" : "0\n", std::to_string(outcome.status) + "\n");
+  text += difference("stdout", one.echo + one.result, outcome.out);
   if (isFailure) return text + judgeToolError(one.failure, outcome.err);
-  text += difference("stdout", one.result, outcome.out);
   const bool isSilent = one.log.empty();
   return text + (isSilent ? difference("stderr", std::string(), outcome.err) : std::string());
 }
@@ -81,6 +82,7 @@ std::string judgeTool(const Case& one, const ToolOutcome& outcome) {
 std::string judgeModes(const Outcome& plain, const Outcome& lazy) {
   return difference("error, plain against lazy", describe(plain.failure), describe(lazy.failure)) +
          difference("rows, plain against lazy", plain.rows, lazy.rows) +
+         difference("echo, plain against lazy", plain.echo, lazy.echo) +
          difference("stream, plain against lazy", plain.stream, lazy.stream) +
          difference("calls, plain against lazy", plain.calls, lazy.calls) +
          difference("log, plain against lazy", plain.log, lazy.log);

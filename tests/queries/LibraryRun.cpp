@@ -1,7 +1,11 @@
 // Runs statements through the library and records everything that shows.
 #include "LibraryRun.h"
 
+#include <unistd.h>
+
+#include <cstdio>
 #include <filesystem>
+#include <iostream>
 #include <sstream>
 #include <utility>
 
@@ -41,6 +45,54 @@ std::string readRows(const QORQL_Query& query, QORQL_SymbolTable& symbols, QORSm
   }
   return text;
 }
+
+// A stream whose text is kept when it goes, also by an exception.
+class StreamKeeper : public std::ostringstream {
+ public:
+  explicit StreamKeeper(std::string& text) : _text(text) {}
+  StreamKeeper(const StreamKeeper&) = delete;
+  StreamKeeper& operator=(const StreamKeeper&) = delete;
+  ~StreamKeeper() override { _text = str(); }
+
+ private:
+  std::string& _text;
+};
+
+// Standard output goes to a file while this lives.
+class OutputCapture {
+ public:
+  OutputCapture() : _file(std::tmpfile()) {
+    flush();
+    _saved = dup(STDOUT_FILENO);
+    if (_file == nullptr || _saved < 0) throw ScriptError("standard output cannot be captured");
+    dup2(fileno(_file), STDOUT_FILENO);
+  }
+  OutputCapture(const OutputCapture&) = delete;
+  OutputCapture& operator=(const OutputCapture&) = delete;
+  ~OutputCapture() {
+    flush();
+    dup2(_saved, STDOUT_FILENO);
+    close(_saved);
+    std::fclose(_file);
+  }
+
+  std::string take() {
+    flush();
+    std::rewind(_file);
+    std::string text;
+    for (int byte = std::fgetc(_file); byte != EOF; byte = std::fgetc(_file)) text += static_cast<char>(byte);
+    return text;
+  }
+
+ private:
+  static void flush() {
+    std::cout.flush();
+    std::fflush(stdout);
+  }
+
+  std::FILE* _file;
+  int _saved = -1;
+};
 
 // The failure that is being handled.
 Failure currentFailure() {
@@ -87,26 +139,33 @@ LibraryRun::~LibraryRun() { ClientInterposer::setRecording(false); }
 
 Outcome LibraryRun::run(const Case& one, QORQL_DataTable::ExecutionMode mode, bool isStreamed) {
   Outcome outcome;
-  std::ostringstream stream;
+  ClientInterposer::takeCalls();
+  {
+    OutputCapture capture;
+    try {
+      runStatement(one, mode, isStreamed, outcome);
+    } catch (const QoriBaseException&) {
+      outcome.failure = currentFailure();
+      if (outcome.calls.empty()) outcome.calls = ClientInterposer::takeCalls();
+    }
+    outcome.echo = capture.take();
+  }
+  outcome.log = std::exchange(_log, {});
+  outcome.errorLog = std::exchange(_errorLog, {});
+  return outcome;
+}
+
+void LibraryRun::runStatement(const Case& one, QORQL_DataTable::ExecutionMode mode, bool isStreamed, Outcome& outcome) {
   const QORString text(one.query);
   const QORString language(kLanguage);
   const QORString nameSpace(one.nameSpace);
   QORQL_SymbolTable symbols(nullptr);
-  ClientInterposer::takeCalls();
-  try {
-    QORQL_Lexer lexer(text, false);
-    QORSmrPtr<QORQL_Executable> statement = QORQL_Query::parse(symbols, lexer, false, text, language, nameSpace);
-    QORSmrPtr<QORQL_DataTable> table(new QORQL_DataTable());
-    table->setExecutionMode(mode);
-    statement->execute(symbols, table, isStreamed ? &stream : nullptr, nameSpace);
-    outcome.calls = ClientInterposer::takeCalls();
-    outcome.rows = readRows(*statement.DynamicCast<QORQL_Query>(), symbols, table);
-  } catch (const QoriBaseException&) {
-    outcome.failure = currentFailure();
-    if (outcome.calls.empty()) outcome.calls = ClientInterposer::takeCalls();
-  }
-  outcome.stream = stream.str();
-  outcome.log = std::exchange(_log, {});
-  outcome.errorLog = std::exchange(_errorLog, {});
-  return outcome;
+  QORQL_Lexer lexer(text, false);
+  QORSmrPtr<QORQL_Executable> statement = QORQL_Query::parse(symbols, lexer, false, text, language, nameSpace);
+  QORSmrPtr<QORQL_DataTable> table(new QORQL_DataTable());
+  table->setExecutionMode(mode);
+  StreamKeeper stream(outcome.stream);
+  statement->execute(symbols, table, isStreamed ? &stream : nullptr, nameSpace);
+  outcome.calls = ClientInterposer::takeCalls();
+  outcome.rows = readRows(*statement.DynamicCast<QORQL_Query>(), symbols, table);
 }

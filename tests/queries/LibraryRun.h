@@ -14,6 +14,7 @@ struct Outcome {
   Failure failure;
   std::string rows;    // comma-separated, with a line of column names
   std::string stream;  // the XML stream; empty when none was asked for
+  std::string echo;    // what went to standard output
   std::vector<std::string> calls;
   std::vector<std::string> log;       // "severity who: message"
   std::vector<std::string> errorLog;  // "who: message" of severity error
@@ -31,6 +32,8 @@ class LibraryRun {
   Outcome run(const Case& one, QORQL_DataTable::ExecutionMode mode, bool isStreamed);
 
  private:
+  void runStatement(const Case& one, QORQL_DataTable::ExecutionMode mode, bool isStreamed, Outcome& outcome);
+
   EmbeddedObjectManager _manager;
   std::vector<std::string> _log;
   std::vector<std::string> _errorLog;

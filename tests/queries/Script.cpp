@@ -105,8 +105,9 @@ class ScriptReader {
     if (startsWith(_line, "namespace ")) {
       one.nameSpace = argument();
     } else if (_line == "query") {
-      one.query = readText();
-      if (!one.query.empty()) one.query.pop_back();  // the line feed before the next section
+      one.query = readUnendedText();
+    } else if (_line == "echo") {
+      one.echo = readUnendedText();
     } else if (_line == "result csv" || _line == "result xml") {
       one.expected = _line == "result csv" ? Case::Expected::Csv : Case::Expected::Xml;
       one.result = readText();
@@ -135,8 +136,7 @@ class ScriptReader {
       fail("'" + _line + "' is no error");
     }
     one.expected = Case::Expected::Failure;
-    failure.message = readText();
-    if (!failure.message.empty()) failure.message.pop_back();
+    failure.message = readUnendedText();
   }
 
   unsigned number(const std::string& word) const {
@@ -146,7 +146,7 @@ class ScriptReader {
 
   static bool beginsSection(const std::string& line) {
     static const std::set<std::string> kWords = {"query", "result csv", "result xml", "error platform",
-                                                 "log",   "calls",      "end"};
+                                                 "log",   "calls",      "end",        "echo"};
     return kWords.count(line) != 0 || startsWith(line, "error parse ") || startsWith(line, "error runtime ");
   }
 
@@ -161,6 +161,13 @@ class ScriptReader {
       text += _line + "\n";
     }
     fail("'end' is missing");
+  }
+
+  // Without the line feed before the next section.
+  std::string readUnendedText() {
+    std::string text = readText();
+    if (!text.empty()) text.pop_back();
+    return text;
   }
 
   std::vector<std::string> readLines() {

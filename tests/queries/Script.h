@@ -28,6 +28,7 @@ struct Case {
   enum class Expected { Missing, Csv, Xml, Failure } expected = Expected::Missing;
   std::string result;  // of Csv and Xml
   Failure failure;
+  std::string echo;  // what the scanner writes to standard output
   bool hasCalls = false;
   std::vector<std::string> calls;
   std::vector<std::string> log;  // lines of severity error; none when the case names none
@@ -45,6 +46,7 @@ struct Case {
 //   result csv    then the rows        |  result xml  then the stream, byte for byte
 //   error parse CODE line L status S   |  error runtime CODE status S  |  error platform
 //                                      then the message; without one, any message will do
+//   echo          then what the scanner writes to standard output, without the last line feed
 //   log           then the expected error lines of the log, "who: message"
 //   calls         then the expected client calls (see ClientInterposer)
 //   end
