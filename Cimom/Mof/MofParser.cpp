@@ -40,9 +40,15 @@ std::unique_ptr<MofInstanceSyntax> MofParser::readEmbeddedInstance(QORuint32 dep
 // --- tokens --------------------------------------------------------------------
 
 void MofParser::advance() {
+  step();
+  if (_token.kind == Kind::Bad) throw _scanner.faultOf(_token);
+}
+
+void MofParser::step() noexcept {
   if (isSymbol('{')) ++_braces;
   if (isSymbol('}')) --_braces;
   if (isSymbol(';')) _longString.length = 0;
+  _lastEnd = _token.offset + _token.length;
   _token = _scanner.next();
   const bool isLong = _token.kind == Kind::String && _token.lineEnd != std::string_view::npos;
   if (isLong && _longString.length == 0) _longString = _token;
@@ -72,6 +78,11 @@ void MofParser::expectWord(const char* word) {
   if (!takeWord(word)) fail(std::string("\"") + word + '"');
 }
 
+void MofParser::endDeclaration() {
+  if (!isSymbol(';')) fail("\";\"");
+  step();
+}
+
 MofName MofParser::expectName(const char* what) {
   if (_token.kind != Kind::Identifier) fail(what);
   MofName name{QORString(textOf(_token)), here()};
@@ -98,6 +109,7 @@ std::string MofParser::describeToken() const {
 }
 
 void MofParser::fail(const std::string& expected) {
+  if (_token.kind == Kind::Bad) throw _scanner.faultOf(_token);
   throw MofFault{here(), "found " + describeToken() + ", expected " + expected};
 }
 
@@ -115,35 +127,23 @@ void MofParser::refuseDeclaration(const MofFault& fault) {
       {&_source, _longString.offset},
       "unterminated string: it runs on into the next lines, and what follows it does not fit (" + fault.message + ')');
   _scanner.resumeAt(_longString.lineEnd);
-  _token = MofToken{Kind::Symbol, '\0', _longString.lineEnd, 0, std::string_view::npos};
+  _token = MofToken{Kind::Bad, '\0', _longString.lineEnd, 0, std::string_view::npos, nullptr};
 }
 
 void MofParser::recover() {
   if (_pragma != std::string_view::npos) {
     _scanner.resumeAt(_scanner.lineEndAfter(std::exchange(_pragma, std::string_view::npos)));
-    skipToken();
+    step();
   } else {
     while (_token.kind != Kind::End) {
       const bool isEnd = isSymbol(';') && _braces <= 0;
       if (!isEnd && startsLine()) break;
-      skipToken();
+      step();
       if (isEnd) break;
     }
   }
   _braces = 0;
   _longString.length = 0;
-}
-
-void MofParser::skipToken() {
-  for (;;) {
-    try {
-      advance();
-      return;
-    } catch (const MofFault&) {
-      // Part of what is passed over: the fault that is reported came before it.
-      continue;
-    }
-  }
 }
 
 bool MofParser::startsLine() const noexcept {
@@ -164,7 +164,7 @@ void MofParser::readDeclaration() {
   if (takeWord("class")) return readClass(std::move(qualifiers));
   if (!takeWord("instance")) fail("a declaration: \"class\", \"instance of\", \"Qualifier\" or \"#pragma\"");
   std::unique_ptr<MofInstanceSyntax> instance = readInstance(0);
-  expectSymbol(';');
+  endDeclaration();
   _document.instances.push_back(std::move(instance));
 }
 

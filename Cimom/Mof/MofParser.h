@@ -40,6 +40,8 @@ class MofParser {
   using Kind = MofToken::Kind;
 
   // Tokens.
+  void step() noexcept;
+  // To the next token. THROWS MofFault when there is none.
   void advance();
   bool isSymbol(char symbol) const noexcept { return _token.kind == Kind::Symbol && _token.symbol == symbol; }
   bool isWord(const char* word) const noexcept;
@@ -47,9 +49,12 @@ class MofParser {
   bool takeWord(const char* word);
   void expectSymbol(char symbol);
   void expectWord(const char* word);
+  // The `;` of a declaration; what follows it is no concern of the declaration.
+  void endDeclaration();
   MofName expectName(const char* what);
   std::string_view textOf(const MofToken& token) const noexcept;
-  MofLocation here() const noexcept { return {&_source, _token.offset}; }
+  // The current token; at the end of the text the place behind the last one.
+  MofLocation here() const noexcept { return {&_source, _token.kind == Kind::End ? _lastEnd : _token.offset}; }
   // Refuses the current token.
   [[noreturn]] void fail(const std::string& expected);
   std::string describeToken() const;
@@ -57,7 +62,6 @@ class MofParser {
   // Recovery.
   void refuseDeclaration(const MofFault& fault);
   void recover();
-  void skipToken();
   bool startsLine() const noexcept;
 
   // Declarations.
@@ -67,6 +71,7 @@ class MofParser {
   void readQualifierDeclaration();
   void readClass(std::vector<MofQualifierSyntax> qualifiers);
   void readFeature(MofClassSyntax& owner);
+  void readFeatureName(MofFeatureSyntax& feature, const char* what);
   void readMethod(MofMethodSyntax& method);
   MofFeatureSyntax readParameter();
   std::vector<MofQualifierSyntax> readQualifiers();
@@ -91,6 +96,7 @@ class MofParser {
   Context& _context;
   MofScanner _scanner;
   MofToken _token;
+  std::size_t _lastEnd = 0;                      // of the token before
   int _braces = 0;                               // those open in the current declaration
   std::size_t _pragma = std::string_view::npos;  // where the pragma that is being read starts
   // A string over several lines in the current statement: after a fault it is

@@ -46,7 +46,7 @@ void MofParser::readQualifierDeclaration() {
     }
   }
   if (!hasScope) fail("\"Scope\"");
-  expectSymbol(';');
+  endDeclaration();
   _document.qualifiers.push_back(std::move(declaration));
 }
 
@@ -125,7 +125,7 @@ void MofParser::readClass(std::vector<MofQualifierSyntax> qualifiers) {
   expectSymbol('{');
   while (!isSymbol('}')) readFeature(*declared);
   advance();
-  expectSymbol(';');
+  endDeclaration();
   _document.classes.push_back(std::move(declared));
 }
 
@@ -134,8 +134,7 @@ void MofParser::readFeature(MofClassSyntax& owner) {
   feature.qualifiers = readQualifiers();
   if (_token.kind != Kind::Identifier || startsLine()) fail("a property, a method or \"}\"");
   feature.type = expectName("a type");
-  feature.isReference = takeWord("ref");
-  feature.name = expectName("the name of a property or method");
+  readFeatureName(feature, "the name of a property or method");
   if (isSymbol('(') && !feature.isReference) {
     MofMethodSyntax method{std::move(feature.name), std::move(feature.type), {}, std::move(feature.qualifiers)};
     readMethod(method);
@@ -149,6 +148,14 @@ void MofParser::readFeature(MofClassSyntax& owner) {
   }
   expectSymbol(';');
   owner.properties.push_back(std::move(feature));
+}
+
+// "REF" is a name as well: it makes a reference when another name follows.
+void MofParser::readFeatureName(MofFeatureSyntax& feature, const char* what) {
+  const bool isRef = isWord("ref");
+  feature.name = expectName(what);
+  feature.isReference = isRef && _token.kind == Kind::Identifier;
+  if (feature.isReference) feature.name = expectName(what);
 }
 
 void MofParser::readMethod(MofMethodSyntax& method) {
@@ -167,8 +174,7 @@ MofFeatureSyntax MofParser::readParameter() {
   MofFeatureSyntax parameter;
   parameter.qualifiers = readQualifiers();
   parameter.type = expectName("the type of a parameter");
-  parameter.isReference = takeWord("ref");
-  parameter.name = expectName("the name of a parameter");
+  readFeatureName(parameter, "the name of a parameter");
   parameter.isArray = readArraySize(parameter.arraySize);
   return parameter;
 }

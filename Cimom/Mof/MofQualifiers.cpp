@@ -65,14 +65,15 @@ const StandardQualifier* findStandard(const QORString& name) {
   return found == std::end(kStandard) ? nullptr : found;
 }
 
-// The type that a value shows by itself; a qualifier without value is a flag.
+// The type that a value shows by itself; a qualifier without value, or of NULL, is a flag.
 const MofType* typeOfValue(const MofQualifierSyntax& syntax) {
   using Kind = MofValueSyntax::Kind;
   if (!syntax.hasValue) return findMofType("boolean");
   const bool isArray = syntax.value.kind == Kind::Array;
-  const bool isEmpty = isArray && syntax.value.elements.empty();
-  const MofValueSyntax& sample = isArray && !isEmpty ? syntax.value.elements.front() : syntax.value;
+  if (isArray && syntax.value.elements.empty()) return findMofType("string");
+  const MofValueSyntax& sample = isArray ? syntax.value.elements.front() : syntax.value;
   switch (sample.kind) {
+    case Kind::Null:
     case Kind::Boolean:
       return findMofType("boolean");
     case Kind::Integer:

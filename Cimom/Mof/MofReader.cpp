@@ -113,7 +113,7 @@ void MofReader::readOnce(const std::string& path, MofParser::Context& context, c
   }
   std::string contents;
   if (const std::string fault = readWhole(path, contents); !fault.empty()) {
-    return fail(path, includer, "cannot read " + path + ": " + fault);
+    return fail(path, includer, (includer != nullptr ? "cannot read " + path : "cannot be read") + ": " + fault);
   }
   _open.push_back(canonical);
   parse(std::make_unique<MofSource>(path, std::move(contents)), context);

@@ -17,13 +17,9 @@ constexpr std::size_t kMaximumPathLength = 65536;
 std::string textOf(const QORString& text) { return std::string(text.view()); }
 
 QORSmrPtr<IQoriInstanceName> makeName(const QORString& nameSpace, const QORString& className,
-                                      const QORSmrPtr<IQoriInstanceName::KeyList>& keys, const MofLocation& at) {
+                                      const QORSmrPtr<IQoriInstanceName::KeyList>& keys) {
   const QORSmrPtr<IQoriNameSpacePath> path(new CQoriNameSpacePath(QORString::emptyString(), nameSpace));
-  QORSmrPtr<IQoriInstanceName> name(new CQoriInstanceName(className, keys, path));
-  if (name->toString().length() > kMaximumPathLength) {
-    throw MofFault{at, "the instance path is longer than " + std::to_string(kMaximumPathLength) + " bytes"};
-  }
-  return name;
+  return QORSmrPtr<IQoriInstanceName>(new CQoriInstanceName(className, keys, path));
 }
 
 const MofPropertySyntax* findProperty(const std::vector<MofPropertySyntax>& properties, const QORString& name) {
@@ -104,6 +100,9 @@ IQoriValue::Pointer MofValues::makeReference(const MofValueSyntax& value, const 
     throw MofFault{value.at, std::string("found ") + describeMofValue(value) +
                                  ", expected a reference: an alias or the text of an instance path"};
   }
+  if (name->toString().length() > kMaximumPathLength) {
+    throw MofFault{value.at, "the instance path is longer than " + std::to_string(kMaximumPathLength) + " bytes"};
+  }
   requireDerived(name->getNameSpacePath()->getNameSpace(), name->getClassName(), place.property.referenceClass,
                  value.at);
   return IQoriValue::Pointer(new CQoriValue(name));
@@ -135,7 +134,7 @@ QORSmrPtr<IQoriInstanceName> MofValues::nameOfPath(const MofValueSyntax& value, 
   const bool isElsewhere = !path.nameSpace.isEmpty() && !path.nameSpace.isEqualCaseInsensitive(place.nameSpace);
   const QORString& nameSpace = isElsewhere ? path.nameSpace : place.nameSpace;
   // Another namespace may be served by someone else.
-  if (isElsewhere && _sink.findClass(nameSpace, path.className).IsNull()) return nameAsWritten(path, value.at);
+  if (isElsewhere && _sink.findClass(nameSpace, path.className).IsNull()) return nameAsWritten(path);
   const MofClassShape& shape = requireShape(nameSpace, {path.className, value.at});
   for (const MofPropertySyntax& key : path.keys) {
     const MofPropertyShape* const property = shape.find(key.name.text);
@@ -145,13 +144,13 @@ QORSmrPtr<IQoriInstanceName> MofValues::nameOfPath(const MofValueSyntax& value, 
   return nameFromKeys(shape, path.keys, {place.property, nameSpace, place.scope, place.depth + 1}, value.at);
 }
 
-QORSmrPtr<IQoriInstanceName> MofValues::nameAsWritten(const MofObjectPath& path, const MofLocation& at) const {
+QORSmrPtr<IQoriInstanceName> MofValues::nameAsWritten(const MofObjectPath& path) const {
   QORSmrPtr<IQoriInstanceName::KeyList> keys(new IQoriInstanceName::KeyList());
   for (const MofPropertySyntax& key : path.keys) {
     const IQoriValue::Pointer value = makeMofScalar(key.value, naturalType(key.value));
     keys->append(QORSmrPtr<IQoriProperty>(new CQoriProperty(key.name.text, value, false)));
   }
-  return makeName(path.nameSpace, path.className, keys, at);
+  return makeName(path.nameSpace, path.className, keys);
 }
 
 QORSmrPtr<IQoriInstanceName> MofValues::nameFromKeys(const MofClassShape& shape,
@@ -172,5 +171,5 @@ QORSmrPtr<IQoriInstanceName> MofValues::nameFromKeys(const MofClassShape& shape,
     keys->append(QORSmrPtr<IQoriProperty>(new CQoriProperty(property.name, value, false)));
   }
   if (keys->entries() == 0) throw MofFault{at, "class " + textOf(shape.className) + " has no key"};
-  return makeName(shape.nameSpace, shape.className, keys, at);
+  return makeName(shape.nameSpace, shape.className, keys);
 }

@@ -22,8 +22,8 @@ std::size_t MofScanner::lineEndAfter(std::size_t offset) const noexcept {
   return end == std::string_view::npos ? text().size() : end;
 }
 
-MofToken MofScanner::next() {
-  skipBlanks();
+MofToken MofScanner::next() noexcept {
+  if (!skipBlanks()) return bad("unterminated comment: \"*/\" is missing", text().size() - _offset);
   if (_offset >= text().size()) return made(MofToken::Kind::End, 0);
   const char c = at(_offset);
   if (isNameStart(c)) return name(MofToken::Kind::Identifier, 0);
@@ -34,13 +34,26 @@ MofToken MofScanner::next() {
   if (isDigit(c) || isSigned || (c == '.' && isDigit(second))) return number();
   if (c == '$' && isNameStart(second)) return name(MofToken::Kind::Alias, 1);
   if (c == '#') return pragma();
-  if (std::string_view("{}[]();:,=").find(c) == std::string_view::npos) refuseByte();
+  if (std::string_view("{}[]();:,=").find(c) == std::string_view::npos) return bad(nullptr, 1);
   MofToken token = made(MofToken::Kind::Symbol, 1);
   token.symbol = c;
   return token;
 }
 
-void MofScanner::skipBlanks() {
+MofFault MofScanner::faultOf(const MofToken& token) const {
+  const MofLocation where{&_source, token.offset};
+  if (token.fault != nullptr) return {where, token.fault};
+  const char c = at(token.offset);
+  char shown[32];
+  if (c > ' ' && c < 0x7F) {
+    std::snprintf(shown, sizeof shown, "unexpected \"%c\"", c);
+  } else {
+    std::snprintf(shown, sizeof shown, "unexpected byte 0x%02X", static_cast<unsigned>(static_cast<unsigned char>(c)));
+  }
+  return {where, shown};
+}
+
+bool MofScanner::skipBlanks() noexcept {
   while (_offset < text().size()) {
     if (isBlank(at(_offset))) {
       ++_offset;
@@ -48,40 +61,36 @@ void MofScanner::skipBlanks() {
       _offset = lineEndAfter(_offset);
     } else if (at(_offset) == '/' && at(_offset + 1) == '*') {
       const std::size_t end = text().find("*/", _offset + 2);
-      if (end == std::string_view::npos) {
-        const std::size_t start = _offset;
-        _offset = text().size();
-        throw MofFault{{&_source, start}, "unterminated comment: \"*/\" is missing"};
-      }
+      if (end == std::string_view::npos) return false;
       _offset = end + 2;
     } else {
-      return;
+      break;
     }
   }
+  return true;
 }
 
-MofToken MofScanner::quoted(MofToken::Kind kind, char quote) {
-  const std::size_t start = _offset;
-  const std::size_t lineEnd = lineEndAfter(start);
-  const char stops[] = {quote, '\\'};
-  std::size_t offset = start + 1;
-  for (;;) {
-    offset = text().find_first_of(std::string_view(stops, 2), offset);
-    const bool isUnterminated = offset == std::string_view::npos || (kind == MofToken::Kind::Char && offset > lineEnd);
-    if (isUnterminated) {
-      _offset = lineEnd;
-      throw MofFault{{&_source, start},
-                     kind == MofToken::Kind::Char ? "unterminated character literal" : "unterminated string"};
-    }
-    if (text()[offset] == quote) break;
-    offset += 2;
+MofToken MofScanner::quoted(MofToken::Kind kind, char quote) noexcept {
+  const bool isString = kind == MofToken::Kind::String;
+  constexpr std::size_t kNone = std::string_view::npos;
+  std::size_t lineEnd = kNone;
+  std::size_t offset = _offset + 1;
+  for (; offset < text().size() && text()[offset] != quote; ++offset) {
+    const char c = text()[offset];
+    if ((c == '\n' || c == '\r') && lineEnd == kNone) lineEnd = offset;
+    if (lineEnd != kNone && !isString) break;
+    if (c == '\\') ++offset;
   }
-  MofToken token = made(kind, offset + 1 - start);
-  if (lineEnd < offset) token.lineEnd = lineEnd;
+  if (offset >= text().size() || text()[offset] != quote) {
+    const std::size_t end = lineEnd == kNone ? text().size() : lineEnd;
+    return bad(isString ? "unterminated string" : "unterminated character literal", end - _offset);
+  }
+  MofToken token = made(kind, offset + 1 - _offset);
+  token.lineEnd = lineEnd;
   return token;
 }
 
-MofToken MofScanner::number() {
+MofToken MofScanner::number() noexcept {
   std::size_t end = _offset + 1;
   const std::size_t digits = isDigit(at(_offset)) || at(_offset) == '.' ? _offset : _offset + 1;
   const bool isHexadecimal = at(digits) == '0' && (at(digits + 1) == 'x' || at(digits + 1) == 'X');
@@ -93,22 +102,22 @@ MofToken MofScanner::number() {
   return made(MofToken::Kind::Number, end - _offset);
 }
 
-MofToken MofScanner::name(MofToken::Kind kind, std::size_t prefix) {
+MofToken MofScanner::name(MofToken::Kind kind, std::size_t prefix) noexcept {
   std::size_t end = _offset + prefix + 1;
   while (isNamePart(at(end))) ++end;
   return made(kind, end - _offset);
 }
 
-MofToken MofScanner::pragma() {
+MofToken MofScanner::pragma() noexcept {
   std::size_t start = _offset + 1;
   while (at(start) == ' ' || at(start) == '\t') ++start;
   std::size_t end = start;
   while (isNamePart(at(end))) ++end;
-  if (!isMofWord(text().substr(start, end - start), "pragma")) refuseByte();
+  if (!isMofWord(text().substr(start, end - start), "pragma")) return bad(nullptr, 1);
   return made(MofToken::Kind::Pragma, end - _offset);
 }
 
-MofToken MofScanner::made(MofToken::Kind kind, std::size_t length) {
+MofToken MofScanner::made(MofToken::Kind kind, std::size_t length) noexcept {
   MofToken token;
   token.kind = kind;
   token.offset = _offset;
@@ -117,14 +126,8 @@ MofToken MofScanner::made(MofToken::Kind kind, std::size_t length) {
   return token;
 }
 
-void MofScanner::refuseByte() {
-  const std::size_t start = _offset++;
-  const char c = text()[start];
-  char shown[32];
-  if (c > ' ' && c < 0x7F) {
-    std::snprintf(shown, sizeof shown, "unexpected \"%c\"", c);
-  } else {
-    std::snprintf(shown, sizeof shown, "unexpected byte 0x%02X", static_cast<unsigned>(static_cast<unsigned char>(c)));
-  }
-  throw MofFault{{&_source, start}, shown};
+MofToken MofScanner::bad(const char* fault, std::size_t length) noexcept {
+  MofToken token = made(MofToken::Kind::Bad, length);
+  token.fault = fault;
+  return token;
 }

@@ -8,7 +8,7 @@
 #include "Cimom/Mof/MofSource.h"
 
 struct MofToken {
-  enum class Kind { End, Identifier, Alias, String, Char, Number, Pragma, Symbol };
+  enum class Kind { End, Identifier, Alias, String, Char, Number, Pragma, Symbol, Bad };
 
   Kind kind = Kind::End;
   char symbol = '\0';  // of a Symbol
@@ -16,6 +16,7 @@ struct MofToken {
   std::size_t length = 0;
   // Of a string literal that runs over the end of its line: where that line ends.
   std::size_t lineEnd = std::string_view::npos;
+  const char* fault = nullptr;  // of a Bad token; null: the byte belongs to no token
 };
 
 // Goes over a text once, token by token. Comments and white space are passed
@@ -25,8 +26,10 @@ class MofScanner {
  public:
   explicit MofScanner(const MofSource& source) : _source(source), _offset(source.getStart()) {}
 
-  // THROWS MofFault; the next call goes on behind what was at fault.
-  MofToken next();
+  // What is no token comes as Bad; the next call goes on behind it.
+  MofToken next() noexcept;
+  // The fault of a Bad token.
+  MofFault faultOf(const MofToken& token) const;
   // Goes on elsewhere in the text.
   void resumeAt(std::size_t offset) noexcept { _offset = offset; }
   // Where the line of `offset` ends.
@@ -35,13 +38,14 @@ class MofScanner {
  private:
   std::string_view text() const noexcept { return _source.getText(); }
   char at(std::size_t offset) const noexcept { return offset < text().size() ? text()[offset] : '\0'; }
-  void skipBlanks();
-  MofToken quoted(MofToken::Kind kind, char quote);
-  MofToken number();
-  MofToken name(MofToken::Kind kind, std::size_t prefix);
-  MofToken pragma();
-  MofToken made(MofToken::Kind kind, std::size_t length);
-  [[noreturn]] void refuseByte();
+  // False at a comment that does not end.
+  bool skipBlanks() noexcept;
+  MofToken quoted(MofToken::Kind kind, char quote) noexcept;
+  MofToken number() noexcept;
+  MofToken name(MofToken::Kind kind, std::size_t prefix) noexcept;
+  MofToken pragma() noexcept;
+  MofToken made(MofToken::Kind kind, std::size_t length) noexcept;
+  MofToken bad(const char* fault, std::size_t length) noexcept;
 
   const MofSource& _source;
   std::size_t _offset;

@@ -62,7 +62,7 @@ class MofValues {
   IQoriValue::Pointer makeReference(const MofValueSyntax& value, const Place& place);
   QORSmrPtr<IQoriInstanceName> nameOfAlias(const MofValueSyntax& value, const Place& place);
   QORSmrPtr<IQoriInstanceName> nameOfPath(const MofValueSyntax& value, const Place& place);
-  QORSmrPtr<IQoriInstanceName> nameAsWritten(const MofObjectPath& path, const MofLocation& at) const;
+  QORSmrPtr<IQoriInstanceName> nameAsWritten(const MofObjectPath& path) const;
   const MofClassShape& requireShape(const QORString& nameSpace, const MofName& className);
   void requireDerived(const QORString& nameSpace, const QORString& className, const QORString& ancestor,
                       const MofLocation& at) const;

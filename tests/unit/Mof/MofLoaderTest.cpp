@@ -1,16 +1,254 @@
-// Loading as a whole: texts, files, folders, transactions.
-#include <gtest/gtest.h>
+// Loading as a whole: files, folders, includes, namespaces, transactions.
+#include <unistd.h>
 
-#include "Cimom/Embedded/EmbeddedObjectManager.h"
-#include "Cimom/Mof/MofLoader.h"
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
 
-TEST(MofLoader, LoadsAClassAndItsInstance) {
-  EmbeddedObjectManager manager;
-  MofLoader loader(manager.sink());
-  loader.loadText(
-      "class T_Disk { [Key] string Name; uint64 Size = 5; };\n"
-      "instance of T_Disk { Name = \"sda\"; };",
-      "disk.mof");
-  ASSERT_EQ(manager.classNames("root/cimv2").size(), 1U);
-  EXPECT_STREQ(manager.classNames("root/cimv2")[0].c_str(), "T_Disk");
+#include "MofFixture.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using moftest::MofTest;
+using moftest::Object;
+
+class MofLoad : public MofTest {
+ protected:
+  MofLoad() {
+    std::string pattern = (fs::temp_directory_path() / "mofXXXXXX").string();
+    if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
+    _folder = pattern;
+  }
+  ~MofLoad() override { fs::remove_all(_folder); }
+
+  std::string write(const std::string& name, const std::string& text) {
+    const fs::path path = _folder / name;
+    fs::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary) << text;
+    return path.string();
+  }
+  void loadFiles(const std::vector<std::string>& paths) { MofLoader(_manager.sink()).loadFiles(paths); }
+  std::vector<std::string> refusals(const std::vector<std::string>& paths) {
+    try {
+      loadFiles(paths);
+    } catch (const MofException& refusal) {
+      std::vector<std::string> found;
+      for (const MofDiagnostic& fault : refusal.getDiagnostics()) {
+        found.push_back(fs::path(fault.file).lexically_relative(_folder).string() + ':' + place(fault));
+      }
+      return found;
+    }
+    return {};
+  }
+
+  fs::path _folder;
+};
+
+using ::testing::ElementsAre;
+
+TEST_F(MofLoad, ReadsIncludesRelativeToTheirFile) {
+  write("classes/base.mof", "#pragma include (\"../deep/more.mof\")\nclass Base { [Key] string K; };");
+  write("deep/more.mof", "class More : Base { };");
+  const std::string main = write("main.mof",
+                                 "#pragma locale(\"en_US\")\n#pragma include (\"classes/base.mof\")\n"
+                                 "#pragma something (\"else\")\ninstance of More { K = \"a\"; };");
+  loadFiles({main});
+  EXPECT_EQ(instancesOf("Base").size(), 1U);
 }
+
+TEST_F(MofLoad, ReadsAnIncludeInItsPlace) {
+  write("one.mof", "instance of T { K = \"1\"; };");
+  loadFiles({write("main.mof",
+                   "class T { [Key] string K; };\ninstance of T { K = \"0\"; };\n#pragma include (\"one.mof\")\n"
+                   "instance of T { K = \"2\"; };")});
+  const auto instances = instancesOf("T");
+  ASSERT_EQ(instances.size(), 3U);
+  EXPECT_EQ(textOf(instances[1], "K"), "1");
+}
+
+TEST_F(MofLoad, ReadsAFileOnceThatSeveralInclude) {
+  write("base.mof", "class T { [Key] string K; T2 REF R; };\n");
+  write("disk.mof", "class T { [Key] string K; };\ninstance of T as $base { K = \"a\"; };");
+  write("x.mof",
+        "#pragma include (\"disk.mof\")\n[Association] class X { [Key] T REF R; }; instance of X { R = $base; };");
+  write("y.mof",
+        "#pragma include (\"./disk.mof\")\n[Association] class Y { [Key] T REF R; }; instance of Y { R = $base; };");
+  loadFiles({(_folder / "x.mof").string(), (_folder / "y.mof").string()});
+  EXPECT_EQ(instancesOf("T").size(), 1U);
+  EXPECT_EQ(textOf(instancesOf("Y").at(0), "R"), "root/cimv2:T.K=\"a\"");
+}
+
+TEST_F(MofLoad, AliasesBelongToAFileAndItsIncludes) {
+  write("part.mof", "instance of T as $inner { K = \"i\"; };\ninstance of L { R = $outer; };");
+  const std::string a = write("a.mof",
+                              "class T { [Key] string K; };\n[Association] class L { [Key] T REF R; };\n"
+                              "instance of T as $outer { K = \"o\"; };\n#pragma include (\"part.mof\")\n"
+                              "instance of L { R = $inner; };");
+  const std::string b = write("b.mof", "instance of T as $outer { K = \"b\"; };");
+  loadFiles({a, b});
+  EXPECT_EQ(textOf(instancesOf("L").at(0), "R"), "root/cimv2:T.K=\"o\"");
+  const std::string c = write("c.mof", "instance of L { R = $outer; };");
+  EXPECT_THAT(refusals({b, c}), ::testing::Contains("c.mof:1:21: unknown alias $outer"));
+}
+
+TEST_F(MofLoad, LoadsEveryMofOfAFolderInTheOrderOfNames) {
+  write("all/2.mof", "instance of T { K = \"2\"; };");
+  write("all/1.MOF", "instance of T { K = \"1\"; };");
+  write("all/z.mof", "class T { [Key] string K; };");
+  write("all/readme.txt", "not MOF");
+  loadFiles({(_folder / "all").string()});
+  const auto instances = instancesOf("T");
+  ASSERT_EQ(instances.size(), 2U);
+  EXPECT_EQ(textOf(instances[0], "K"), "1");
+}
+
+TEST_F(MofLoad, TellsOfFilesThatCannotBeRead) {
+  const std::string main =
+      write("main.mof", "class A { };\n  #pragma include (\"no.mof\")\nclass B : Unknown { uint9 x; };");
+  const auto found = refusals({main});
+  ASSERT_EQ(found.size(), 1U);
+  EXPECT_EQ(found[0], "main.mof:2:20: cannot read " + (_folder / "no.mof").string() + ": there is no such file");
+  EXPECT_THAT(refusals({(_folder / "gone.mof").string()}),
+              ElementsAre("gone.mof:0:0: cannot be read: there is no such file"));
+  fs::create_directory(_folder / "empty");
+  EXPECT_THAT(refusals({(_folder / "empty").string()}), ElementsAre("empty:0:0: the folder holds no .mof file"));
+  write("sub/x.mof", "#pragma include (\"..\")");
+  EXPECT_THAT(refusals({(_folder / "sub/x.mof").string()}),
+              ElementsAre(::testing::AllOf(::testing::StartsWith("sub/x.mof:1:18: cannot read"),
+                                           ::testing::EndsWith("it is a folder"))));
+}
+
+TEST_F(MofLoad, TellsOfIncludeLoops) {
+  write("a.mof", "#pragma include (\"b.mof\")");
+  write("b.mof", "\n#pragma include (\"./sub/../a.mof\")");
+  fs::create_directory(_folder / "sub");
+  EXPECT_THAT(refusals({(_folder / "a.mof").string()}),
+              ElementsAre("b.mof:2:18: include loop: a.mof includes b.mof includes a.mof"));
+  write("self.mof", "#pragma include (\"self.mof\")");
+  EXPECT_THAT(refusals({(_folder / "self.mof").string()}),
+              ElementsAre("self.mof:1:18: include loop: self.mof includes self.mof"));
+}
+
+TEST_F(MofLoad, BoundsTheDepthOfIncludes) {
+  for (int i = 0; i < 70; ++i) {
+    write(std::to_string(i) + ".mof", "#pragma include (\"" + std::to_string(i + 1) + ".mof\")");
+  }
+  EXPECT_THAT(refusals({(_folder / "0.mof").string()}),
+              ElementsAre("63.mof:1:18: includes nested too deeply: more than 64 files"));
+}
+
+TEST_F(MofLoad, RefusesWhatIsNoUtf8Text) {
+  EXPECT_THAT(refusals({write("wide.mof", std::string("\xFF\xFE"
+                                                      "c\0l\0",
+                                                      6))}),
+              ElementsAre("wide.mof:0:0: the text is UTF-16; MOF is read as UTF-8"));
+  EXPECT_THAT(refusals({write("binary.mof", std::string("\x7F"
+                                                        "ELF\x02\x01\x01\0\0\0",
+                                                        10))}),
+              ElementsAre("binary.mof:0:0: this is no text: it contains zero bytes"));
+}
+
+TEST_F(MofLoad, NamespacePragmasHoldToTheEndOfTheOutermostFile) {
+  write("inner.mof", "#pragma namespace (\"root/inner\")\nclass T { [Key] string K; };\ninstance of T { K = \"i\"; };");
+  const std::string main = write("main.mof",
+                                 "class M { [Key] string K; };\n#pragma include (\"inner.mof\")\n"
+                                 "instance of T { K = \"m\"; };\n#pragma namespace (\"//./root/cimv2\")\n"
+                                 "instance of M { K = \"m\"; };");
+  loadFiles({main, write("next.mof", "instance of M { K = \"n\"; };")});
+  EXPECT_EQ(instancesOf("T", "root/inner").size(), 2U);
+  EXPECT_EQ(pathOf(instancesOf("T", "root/inner").at(0)), "root/inner:T.K=\"i\"");
+  EXPECT_EQ(instancesOf("M").size(), 2U);
+  EXPECT_EQ(refusals({write("bad.mof", "#pragma namespace (\"a b\")")}).at(0), "bad.mof:1:20: \"a b\" is no namespace");
+}
+
+TEST_F(MofLoad, AnotherNamespaceMayBeTheDefault) {
+  MofLoader(_manager.sink(), "root/mine").loadText("class T { [Key] string K; }; instance of T { K = \"a\"; };", "t");
+  EXPECT_EQ(pathOf(instancesOf("T", "root/mine").at(0)), "root/mine:T.K=\"a\"");
+}
+
+TEST_F(MofLoad, ARefusedLoadStoresNothing) {
+  loadFiles({write("first.mof", "class T { [Key] string K; };\ninstance of T { K = \"a\"; };")});
+  const auto found = refusals({write("good.mof",
+                                     "#pragma namespace(\"root/new\")\nclass N { [Key] string K; };\n"
+                                     "#pragma namespace(\"root/cimv2\")\nclass U { [Key] string K; };\n"
+                                     "Qualifier Q : string, Scope(any);\ninstance of T { K = \"b\"; };"),
+                               write("bad.mof", "instance of T { K = \"a\"; };")});
+  EXPECT_THAT(found, ElementsAre("bad.mof:1:13: instance root/cimv2:T.K=\"a\" exists already"));
+  EXPECT_EQ(_manager.classNames("root/cimv2").size(), 1U);
+  EXPECT_TRUE(_manager.classNames("root/new").empty());
+  EXPECT_EQ(instancesOf("T").size(), 1U);
+  CimQualifierDeclaration qualifier;
+  EXPECT_FALSE(_manager.sink().describeQualifier("root/cimv2", "Q", qualifier));
+  EXPECT_NO_THROW(loadFiles({(_folder / "good.mof").string()}));
+  EXPECT_EQ(instancesOf("T").size(), 2U);
+}
+
+TEST_F(MofLoad, FaultsOfSeveralFilesComeFileByFile) {
+  const std::string a = write("a.mof", "class A : None { };\nklass B;\n");
+  const std::string b = write("b.mof", "klass C;\nclass D : None { };\n");
+  EXPECT_THAT(
+      refusals({a, b}),
+      ElementsAre("a.mof:1:11: superclass None of class A is not declared in namespace root/cimv2",
+                  "a.mof:2:1: found \"klass\", expected a declaration: \"class\", \"instance of\", \"Qualifier\" "
+                  "or \"#pragma\"",
+                  "b.mof:1:1: found \"klass\", expected a declaration: \"class\", \"instance of\", \"Qualifier\" "
+                  "or \"#pragma\"",
+                  "b.mof:2:11: superclass None of class D is not declared in namespace root/cimv2"));
+}
+
+TEST_F(MofLoad, LoadsTheStorageExample) {
+  loadFiles({QORQL_SOURCE_DIR "/examples/storage.mof"});
+  EXPECT_EQ(instancesOf("CIM_ManagedElement").size(), 20U);
+  EXPECT_EQ(instancesOf("CIM_StorageVolume").size(), 5U);
+  EXPECT_EQ(instancesOf("CIM_SystemDevice").size(), 8U);
+  const Object drive = instancesOf("CIM_DiskDrive").at(1);
+  EXPECT_EQ(textOf(valueOf(drive, "Health")->getObject(), "MediaErrors"), "17");
+  const auto accesses = instancesOf("CIM_VolumeAccess");
+  ASSERT_EQ(accesses.size(), 4U);
+  EXPECT_EQ(textOf(accesses[3], "Volume"), pathOf(instancesOf("CIM_StorageVolume").at(3)));
+  EXPECT_EQ(textOf(accesses[3], "Host"), textOf(accesses[2], "Host"));
+}
+
+// The classes of the schema, as an independent reading of the same files lists
+// them: class, superclass, is-association, own properties, keys.
+TEST_F(MofLoad, LoadsTheWholeSchema) {
+  const char* const schema = std::getenv("QORQL_CIM_SCHEMA");
+  if (schema == nullptr) GTEST_SKIP() << "QORQL_CIM_SCHEMA does not name the schema's main file";
+  loadFiles({schema});
+  fs::path listing = fs::path(schema).parent_path().parent_path() / "classes-2.49.0.tsv";
+  if (!fs::exists(listing)) GTEST_SKIP() << "no listing of the classes beside the schema";
+  std::ifstream in(listing);
+  std::string line;
+  std::getline(in, line);
+  std::size_t count = 0;
+  while (std::getline(in, line)) {
+    std::vector<std::string> fields;
+    std::istringstream split(line);
+    for (std::string field; std::getline(split, field, '\t');) fields.push_back(field);
+    fields.resize(5);
+    ++count;
+    const QORString name(fields[0].c_str());
+    CimClassDeclaration declared;
+    ASSERT_TRUE(_manager.describeClass("root/cimv2", name, declared)) << line;
+    EXPECT_EQ(std::string(declared.superClass.view()), fields[1]) << line;
+    EXPECT_EQ(_manager.isAssociation("root/cimv2", name), fields[2] == "1") << line;
+    EXPECT_EQ(std::to_string(declared.properties.size()), fields[3]) << line;
+    std::vector<std::string> keys;
+    for (const CimPropertyDeclaration& property : _manager.allProperties("root/cimv2", name)) {
+      if (property.hasFlag("Key")) keys.emplace_back(property.name.view());
+    }
+    std::sort(keys.begin(), keys.end());
+    std::vector<std::string> listed;
+    std::istringstream names(fields[4]);
+    for (std::string key; std::getline(names, key, ',');) listed.push_back(key);
+    std::sort(listed.begin(), listed.end());
+    EXPECT_EQ(keys, listed) << line;
+  }
+  EXPECT_EQ(count, 1631U);
+  EXPECT_EQ(_manager.classNames("root/cimv2").size(), count);
+}
+
+}  // namespace

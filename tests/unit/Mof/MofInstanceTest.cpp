@@ -1,0 +1,240 @@
+// Instances: aliases, references and embedded objects.
+#include "MofFixture.h"
+
+namespace {
+
+using moftest::MofTest;
+using moftest::Object;
+
+constexpr const char* kModel =
+    "class Disk { [Key] string Name; uint64 Size; };\n"
+    "class FastDisk : Disk { uint32 Speed; };\n"
+    "class Slot { [Key] uint16 Number; [Key] boolean Rear; [Key] string Bay; };\n"
+    "[Association] class Holds { [Key] Slot REF Where; [Key] Disk REF What; uint8 Bolts; };\n"
+    "[Association] class Checks { [Key] Holds REF Held; [Key] Disk REF By; };\n"
+    "class Report { [Key] uint8 Id; [EmbeddedInstance(\"Disk\")] string One; [EmbeddedInstance(\"Disk\")] string "
+    "Many[];\n"
+    "  [EmbeddedObject] string Any; };\n"
+    "[Abstract] class Ghost { [Key] string Name; };\n";
+
+class MofInstance : public MofTest {
+ protected:
+  MofInstance() { load(kModel); }
+};
+
+TEST_F(MofInstance, KeepsTheOrderOfTheText) {
+  load(
+      "instance of FastDisk { Name = \"c\"; }; instance of Disk { Name = \"a\"; }; instance of Disk { Name = \"b\"; "
+      "};");
+  const auto disks = instancesOf("Disk");
+  ASSERT_EQ(disks.size(), 3U);
+  EXPECT_EQ(textOf(disks[0], "Name"), "c");
+  EXPECT_EQ(textOf(disks[1], "Name"), "a");
+  EXPECT_EQ(textOf(disks[2], "Name"), "b");
+}
+
+TEST_F(MofInstance, ResolvesAliasesBeforeAndAfterTheirInstances) {
+  load(
+      "instance of Holds { Where = $slot; What = $disk; };\n"
+      "instance of Disk as $disk { Name = \"sda\"; };\n"
+      "instance of Slot as $slot { Bay = \"x\"; number = 0x10; REAR = TRUE; };\n"
+      "instance of Holds { Where = $SLOT; What = $other; };\n"
+      "instance of Disk as $other { Name = \"sdb\"; };");
+  const auto held = instancesOf("Holds");
+  ASSERT_EQ(held.size(), 2U);
+  EXPECT_EQ(textOf(held[0], "Where"), "root/cimv2:Slot.Bay=\"x\",Number=16,Rear=TRUE");
+  EXPECT_EQ(textOf(held[0], "What"), "root/cimv2:Disk.Name=\"sda\"");
+  EXPECT_EQ(textOf(held[1], "Where"), textOf(held[0], "Where"));
+  EXPECT_EQ(textOf(held[0], "Where"), pathOf(instancesOf("Slot").at(0)));
+  EXPECT_EQ(textOf(held[1], "What"), pathOf(instancesOf("Disk").at(1)));
+}
+
+TEST_F(MofInstance, ReferencesInKeysMayGoInACircleOfInstances) {
+  load(
+      "class Node { [Key] string K; };\n"
+      "[Association] class Next { [Key] string K; Node REF A; Next REF B; };\n"
+      "instance of Next as $x { K = \"x\"; B = $y; }; instance of Next as $y { K = \"y\"; B = $x; };");
+  EXPECT_EQ(textOf(instancesOf("Next").at(0), "B"), "root/cimv2:Next.K=\"y\"");
+  EXPECT_EQ(textOf(instancesOf("Next").at(1), "B"), "root/cimv2:Next.K=\"x\"");
+}
+
+TEST_F(MofInstance, CanonicalisesPathTexts) {
+  load(
+      "instance of Disk { Name = \"a\\\"b\\\\c\"; }; instance of Slot { Number = 1; Rear = FALSE; Bay = \"y\"; };\n"
+      "instance of Holds { Where = \"SLOT.rear=false, bay = \\\"y\\\", NUMBER=01\"; \n"
+      "   What = \"//./root/CIMV2:disk.NAME=\\\"a\\\\\\\"b\\\\\\\\c\\\"\"; };\n");
+  const Object held = instancesOf("Holds").at(0);
+  EXPECT_EQ(textOf(held, "Where"), pathOf(instancesOf("Slot").at(0)));
+  EXPECT_EQ(textOf(held, "What"), pathOf(instancesOf("Disk").at(0)));
+}
+
+TEST_F(MofInstance, ReadsPathsWhoseKeysAreReferences) {
+  load(
+      "instance of Disk as $d { Name = \"a\"; }; instance of Slot as $s { Number = 1; Rear = FALSE; Bay = \"y\"; };\n"
+      "instance of Checks { Held = $h; By = $d; };\n"
+      "instance of Holds as $h { Where = $s; What = $d; };\n");
+  const std::string path = textOf(instancesOf("Checks").at(0), "Held");
+  EXPECT_EQ(path, pathOf(instancesOf("Holds").at(0)));
+  std::string literal;
+  for (const char c : path) {
+    if (c == '"' || c == '\\') literal += '\\';
+    literal += c;
+  }
+  load("instance of Disk { Name = \"b\"; }; instance of Checks { By = \"Disk.Name=\\\"b\\\"\"; Held = \"" + literal +
+       "\"; };");
+  EXPECT_EQ(textOf(instancesOf("Checks").at(1), "Held"), path);
+}
+
+TEST_F(MofInstance, APathIntoAnotherNamespaceStays) {
+  load(
+      "instance of Disk as $d { Name = \"a\"; };\n"
+      "[Association] class Far { [Key] Disk REF Here; [Key] Disk REF There; };\n"
+      "instance of Far { Here = $d; There = \"root/far:Disk.Name=\\\"z\\\",Id=5\"; };");
+  EXPECT_EQ(textOf(instancesOf("Far").at(0), "There"), "root/far:Disk.Id=5,Name=\"z\"");
+}
+
+TEST_F(MofInstance, NullReferencesAreNull) {
+  load(
+      "[Association] class Maybe { [Key] string K; Disk REF D; Disk REF E; };\n"
+      "instance of Maybe { K = \"k\"; D = NULL; };");
+  EXPECT_EQ(textOf(instancesOf("Maybe").at(0), "D"), "NULL");
+  EXPECT_EQ(textOf(instancesOf("Maybe").at(0), "E"), "NULL");
+}
+
+TEST_F(MofInstance, ReadsEmbeddedInstancesFromTextAndDirectly) {
+  load(
+      "instance of Report { Id = 1;\n"
+      "  One = \"instance of FastDisk { Name = \\\"a\\\"; Speed = 5; };\";\n"
+      "  Many = {\"instance of Disk { \" \"Name = \\\"b\\\"; }\", instance of Disk { Name = \"c\"; }, NULL};\n"
+      "  Any = instance of Report { Id = 2; One = \"instance of Disk { Size = 7; };\"; }; };");
+  const Object report = instancesOf("Report").at(0);
+  const Object one = valueOf(report, "One")->getObject();
+  EXPECT_STREQ(one->getClassName().c_str(), "FastDisk");
+  EXPECT_EQ(textOf(one, "Speed"), "5");
+  EXPECT_STREQ(valueOf(report, "One")->getType()->getName().c_str(), "object");
+  const auto many = valueOf(report, "Many")->getArray();
+  ASSERT_EQ(many->entries(), 3U);
+  EXPECT_EQ(textOf(many->at(0)->getObject(), "Name"), "b");
+  EXPECT_EQ(textOf(many->at(1)->getObject(), "Name"), "c");
+  EXPECT_TRUE(many->at(2).IsNull());
+  const Object inner = valueOf(valueOf(report, "Any")->getObject(), "One")->getObject();
+  EXPECT_EQ(textOf(inner, "Size"), "7");
+  EXPECT_EQ(instancesOf("Disk").size(), 0U);
+}
+
+TEST_F(MofInstance, FaultsInEmbeddedTextsTellBothPlaces) {
+  EXPECT_EQ(faultOf("instance of Report { Id = 1;\n  One = \"instance of Disk {\\n Nam = \\\"a\\\"; };\"; };"),
+            "2:9: in line 2, column 2 of the embedded text: class Disk has no property Nam; did you mean Name?");
+  EXPECT_EQ(faultOf("instance of Report { Id = 1; One = \"instance of Disk\"; };"),
+            "1:36: in line 1, column 17 of the embedded text: found the end of the text, expected \"{\"");
+  EXPECT_EQ(faultOf("instance of Report { Id = 1; One = \"class X { };\"; };"),
+            "1:36: in line 1, column 1 of the embedded text: an embedded class is not supported, only an embedded "
+            "instance");
+  EXPECT_EQ(faultOf("instance of Report { Id = 1; One = instance of Slot { }; };"),
+            "1:48: found an instance of Slot, expected one of Disk or of a class derived from it");
+  EXPECT_EQ(faultOf("instance of Report { Id = 1; One = 5; };"),
+            "1:36: found an integer, expected an embedded instance: a string or \"instance of\"");
+}
+
+TEST_F(MofInstance, RefusesUnknownNames) {
+  EXPECT_EQ(faultOf("instance of Disc { };"), "1:13: class Disc is not declared in namespace root/cimv2");
+  EXPECT_EQ(faultOf("instance of Disk { Name = \"a\"; Sise = 5; };"),
+            "1:32: class Disk has no property Sise; did you mean Size?");
+  EXPECT_EQ(faultOf("instance of Disk { Name = \"a\"; Colour = 5; };"), "1:32: class Disk has no property Colour");
+  EXPECT_EQ(faultOf("instance of Ghost { Name = \"a\"; };"), "1:13: instance of Ghost: the class is abstract");
+  EXPECT_EQ(faultOf("instance of Checks { Held = $nobody; By = NULL; };"), "1:29: unknown alias $nobody");
+}
+
+TEST_F(MofInstance, RefusesMissingAndDuplicateKeys) {
+  const auto faults = faultsOf("instance of Slot { Number = 1; Rear = NULL; };\n");
+  ASSERT_EQ(faults.size(), 2U);
+  EXPECT_EQ(place(faults[0]), "1:13: the instance of Slot has no value for its key Rear");
+  EXPECT_EQ(place(faults[1]), "1:13: the instance of Slot has no value for its key Bay");
+  EXPECT_EQ(faultOf("instance of Disk { Name = \"a\"; }; instance of Disk { Name = \"a\"; Size = 1; };"),
+            "1:47: instance root/cimv2:Disk.Name=\"a\" exists already");
+  EXPECT_EQ(faultOf("instance of Disk { Name = \"a\"; NAME = \"b\"; };"), "1:32: property Name is given twice");
+  EXPECT_EQ(instancesOf("Disk").size(), 0U);
+}
+
+TEST_F(MofInstance, RefusesAliasesDefinedTwiceOrOnThemselves) {
+  EXPECT_EQ(faultOf("instance of Disk as $a { Name = \"a\"; };\ninstance of Disk as $A { Name = \"b\"; };"),
+            "2:21: alias $A is defined twice, first in test.mof line 1");
+  EXPECT_EQ(faultOf("[Association] class Loop { [Key] Loop REF L; }; instance of Loop as $l { L = $l; };"),
+            "1:78: the path of $l depends on itself");
+}
+
+TEST_F(MofInstance, RefusesReferencesToTheWrongClass) {
+  load("instance of Slot { Number = 1; Rear = FALSE; Bay = \"y\"; };");
+  EXPECT_EQ(faultOf("instance of Disk as $d { Name = \"a\"; };\ninstance of Holds { Where = $d; What = $d; };"),
+            "2:29: found an instance of Disk, expected one of Slot or of a class derived from it");
+  EXPECT_EQ(faultOf("instance of Holds { Where = 5; What = \"FastDisk.Name=\\\"a\\\"\"; };"),
+            "1:29: found an integer, expected a reference: an alias or the text of an instance path");
+}
+
+TEST_F(MofInstance, RefusesMalformedPaths) {
+  const auto fault = [this](const std::string& path) {
+    return faultOf("[Association] class P { [Key] string K; Disk REF D; };\ninstance of P { K = \"k\"; D =\n\"" + path +
+                   "\"; };");
+  };
+  EXPECT_EQ(fault("Disk"),
+            "3:1: malformed instance path \"Disk\": \".\" and the keys are missing behind the class name");
+  EXPECT_EQ(fault("Disk.Name"), "3:1: malformed instance path \"Disk.Name\": \"=\" is missing behind the key Name");
+  EXPECT_EQ(fault("Disk.Name=a"), "3:1: malformed instance path \"Disk.Name=a\": the text \"a\" is not quoted");
+  EXPECT_EQ(fault("Disk.Name=\\\"a"), "3:1: malformed instance path \"Disk.Name=\"a\": a closing quote is missing");
+  EXPECT_EQ(fault(".Name=1"), "3:1: malformed instance path \".Name=1\": a class name is missing");
+  EXPECT_EQ(fault("Disk.Name=-"), "3:1: \"-\" is no number");
+  EXPECT_EQ(fault("Disk.Name=5"), "3:1: found an integer, expected a value of type string");
+  EXPECT_EQ(fault("Disk.Size=5"), "3:1: class Disk has no key Size");
+  EXPECT_EQ(fault("Slot.Number=5"), "3:1: the referenced instance of Slot has no value for its key Rear");
+  EXPECT_EQ(fault("Disc.Name=\\\"a\\\""), "3:1: class Disc is not declared in namespace root/cimv2");
+  EXPECT_EQ(fault("a b:Disk.Name=\\\"a\\\""),
+            "3:1: malformed instance path \"a b:Disk.Name=\"a\"\": its namespace is malformed");
+}
+
+TEST_F(MofInstance, BoundsTheNestingOfInstances) {
+  const auto nested = [](int levels) {
+    std::string text = "instance of Report { Id = 1; }";
+    for (int i = 0; i < levels; ++i) text = "instance of Report { Id = 1; Any = " + text + "; }";
+    return text + ';';
+  };
+  EXPECT_NO_THROW(load(nested(32)));
+  EXPECT_NE(faultOf(nested(33)).find("instances nested too deeply: more than 32 levels"), std::string::npos);
+}
+
+TEST_F(MofInstance, BoundsThePathsOfReferencesInKeys) {
+  std::string text =
+      "[Association] class Chain { [Key] Chain REF Last; [Key] uint8 N; };\n"
+      "instance of Chain as $c0 { Last = \"root/far:Chain.N=1\"; N = 0; };\n";
+  for (int i = 1; i < 60; ++i) {
+    text += "instance of Chain as $c" + std::to_string(i) + " { Last = $c" + std::to_string(i - 1) +
+            "; N = " + std::to_string(i) + "; };\n";
+  }
+  const auto faults = faultsOf(text);
+  ASSERT_FALSE(faults.empty());
+  EXPECT_EQ(faults[0].message, "the instance path is longer than 65536 bytes");
+}
+
+TEST_F(MofInstance, ReadsInstancesWithoutStoringThem) {
+  MofLoader loader(_manager.sink());
+  const auto objects = loader.readInstances(
+      "instance of Disk { Size = 5; };\n"
+      "instance of Holds { What = $d; Bolts = 4; };\n"
+      "instance of FastDisk as $d { Name = \"q\"; };",
+      "events.mof");
+  ASSERT_EQ(objects.size(), 3U);
+  EXPECT_EQ(textOf(objects[0], "Size"), "5");
+  EXPECT_EQ(textOf(objects[1], "What"), "root/cimv2:FastDisk.Name=\"q\"");
+  EXPECT_STREQ(objects[2]->getClassName().c_str(), "FastDisk");
+  EXPECT_EQ(instancesOf("Disk").size(), 0U);
+  try {
+    loader.readInstances("class New { };\nQualifier Q : string, Scope(any);\ninstance of Disc { };", "events.mof");
+    FAIL();
+  } catch (const MofException& refusal) {
+    ASSERT_EQ(refusal.getDiagnostics().size(), 3U);
+    EXPECT_EQ(place(refusal.getDiagnostics()[0]), "1:7: a class cannot be declared here, only instances");
+    EXPECT_EQ(place(refusal.getDiagnostics()[1]), "2:11: a qualifier cannot be declared here, only instances");
+    EXPECT_EQ(place(refusal.getDiagnostics()[2]), "3:13: class Disc is not declared in namespace root/cimv2");
+  }
+}
+
+}  // namespace
