@@ -1,0 +1,115 @@
+// The XML table, byte for byte.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "QueryWorld.h"
+
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr char kModel[] = R"(
+class C { [key] uint32 Id; string Text; uint16 A[]; real64 R; };
+[association] class Link { [key] C REF Ref; uint32 N; };
+class D { [key] uint32 Id; uint32 K; };
+class Z { [key] uint32 Id; };
+instance of C as $c1 { Id = 1; Text = "a<b>&\"'"; A = {1, NULL, 3}; R = 1.5; };
+instance of C { Id = 2; };
+instance of Link { Ref = $c1; };
+instance of D { Id = 5; K = 9; };
+)";
+
+struct ResultStream : testing::Test {
+  QueryWorld world{kModel};
+  std::string stream(const char* query) { return world.run(query).stream; }
+};
+
+TEST_F(ResultStream, wholeTable) {
+  EXPECT_EQ(stream("SELECT C.Id, C.Text AS T FROM C"),
+            "\n<IRETURNVALUE>\n<TABLE>\n<TABLEROW.DECLARATION>\n"
+            "<TABLECELL.DECLARATION NAME=\"C.Id\" TYPE=\"uint32\" ISARRAY=\"0\" CELLPOS=\"0\">"
+            "</TABLECELL.DECLARATION>\n"
+            "<TABLECELL.DECLARATION NAME=\"T\" TYPE=\"string\" ISARRAY=\"0\" CELLPOS=\"1\"></TABLECELL.DECLARATION>\n"
+            "</TABLEROW.DECLARATION>\n"
+            "<TABLEROW>\n<VALUE>1</VALUE>\n<VALUE>a&lt;b&gt;&amp;&quot;&apos;</VALUE>\n</TABLEROW>\n"
+            "<TABLEROW>\n<VALUE>2</VALUE>\n<VALUE.NULL></VALUE.NULL>\n</TABLEROW>\n"
+            "</TABLE>\n</IRETURNVALUE>\n");
+}
+
+TEST_F(ResultStream, arraysSkipNullElements) {
+  EXPECT_THAT(stream("SELECT A FROM C WHERE Id = 1"),
+              HasSubstr("ISARRAY=\"1\" CELLPOS=\"0\"></TABLECELL.DECLARATION>\n</TABLEROW.DECLARATION>\n<TABLEROW>\n"
+                        "<VALUE.ARRAY>\n<VALUE>1</VALUE>\n<VALUE>3</VALUE>\n</VALUE.ARRAY>\n</TABLEROW>\n"));
+}
+
+TEST_F(ResultStream, referencesAreInstancePaths) {
+  const std::string text = stream("SELECT Ref FROM Link");
+  EXPECT_THAT(text, HasSubstr("<VALUE.REFERENCE><INSTANCEPATH>"));
+  EXPECT_THAT(text, HasSubstr("</INSTANCEPATH></VALUE.REFERENCE>\n"));
+  EXPECT_THAT(text, HasSubstr("<KEYBINDING NAME=\"Id\">"));
+}
+
+TEST_F(ResultStream, aPropertyWithoutValueIsDeclaredString) {
+  EXPECT_THAT(stream("SELECT R FROM C WHERE Id = 2"), HasSubstr("NAME=\"C.R\" TYPE=\"String\" ISARRAY=\"0\""));
+}
+
+TEST_F(ResultStream, starDeclaresCellsAndWritesEmptyRows) {
+  const std::string text = stream("SELECT * FROM D");
+  EXPECT_THAT(text, HasSubstr("NAME=\"D.Id\""));
+  EXPECT_THAT(text, HasSubstr("NAME=\"D.K\" TYPE=\"uint32\" ISARRAY=\"0\" CELLPOS=\"1\""));
+  EXPECT_THAT(text, HasSubstr("<TABLEROW>\n</TABLEROW>\n</TABLE>"));
+}
+
+TEST_F(ResultStream, classStarWritesItsProperties) {
+  const std::string text = stream("SELECT D.* FROM D");
+  EXPECT_THAT(text, HasSubstr("NAME=\"D.Id\" TYPE=\"uint32\""));
+  EXPECT_THAT(text, HasSubstr("<TABLEROW>\n<VALUE>5</VALUE>\n<VALUE>9</VALUE>\n</TABLEROW>\n"));
+}
+
+TEST_F(ResultStream, classStarOfAnAbsentObjectWritesANullForEachDeclaredCell) {
+  EXPECT_THAT(stream("SELECT C.Id, D.* FROM C, D WHERE C.Id *= D.K"),
+              HasSubstr("<VALUE.NULL></VALUE.NULL>\n</TABLEROW>\n"));
+}
+
+TEST_F(ResultStream, emptyResultWritesTheDeclarationsAlone) {
+  EXPECT_EQ(stream("SELECT Z.Id, 1 + 1 AS Two FROM Z"),
+            "\n<IRETURNVALUE>\n<TABLE>\n<TABLEROW.DECLARATION>\n"
+            "<TABLECELL.DECLARATION NAME=\"TWO\" TYPE=\"String\" ISARRAY=\"0\" CELLPOS=\"0\"></TABLECELL.DECLARATION>\n"
+            "</TABLEROW.DECLARATION>\n</TABLE>\n</IRETURNVALUE>\n");
+}
+
+TEST_F(ResultStream, aClassWithoutAnyObjectDeclaresTheDefaultCell) {
+  EXPECT_THAT(stream("SELECT C.Id, Z.Id FROM C, Z"),
+              HasSubstr("NAME=\"Z.Id\" TYPE=\"String\" ISARRAY=\"0\" CELLPOS=\"1\""));
+}
+
+TEST_F(ResultStream, firstLimitsTheRows) {
+  const std::string text = stream("SELECT FIRST 1 Id FROM C");
+  EXPECT_THAT(text, HasSubstr("<VALUE>1</VALUE>"));
+  EXPECT_THAT(text, Not(HasSubstr("<VALUE>2</VALUE>")));
+}
+
+TEST_F(ResultStream, aggregatesWriteOneRow) {
+  EXPECT_THAT(stream("SELECT COUNT(C.Text) AS N, MAX(C.Id) AS M FROM C"),
+              HasSubstr("<TABLEROW>\n<VALUE>1</VALUE>\n<VALUE>2</VALUE>\n</TABLEROW>\n</TABLE>"));
+}
+
+TEST_F(ResultStream, aValueThatCannotBeComputedEndsTheRowsAndIsLogged) {
+  const QueryOutcome outcome = world.runIn("SELECT C.Id, 1 / (2 - C.Id) AS Q FROM C", QORQL_DataTable::kExecutionLazy);
+  EXPECT_THAT(outcome.stream, HasSubstr("<TABLEROW>\n<VALUE>1</VALUE>\n<VALUE>1</VALUE>\n</TABLEROW>\n"
+                                        "<TABLEROW>\n<VALUE>2</VALUE>\n</TABLE>\n</IRETURNVALUE>\n"));
+  EXPECT_THAT(outcome.log, testing::Contains("CQL/1: Caught an exception occured while streaming the data."));
+}
+
+TEST_F(ResultStream, theFormatClauseDoesNotChangeTheStream) {
+  EXPECT_EQ(stream("SELECT Id FROM C FORMAT AS CSV"), stream("SELECT Id FROM C"));
+}
+
+TEST_F(ResultStream, aWholeObjectIsDeclaredAndWrittenAsOne) {
+  const std::string text = stream("SELECT D FROM D");
+  EXPECT_THAT(text, HasSubstr("TYPE=\"object\""));
+  EXPECT_THAT(text, HasSubstr("<VALUE>instance of D"));
+}
+
+}  // namespace
