@@ -39,7 +39,8 @@ class QORQL_SelectedEntry {
   const QORSmrPtr<IQoriValue>& GetAggregateValue() const noexcept { return _aggregateValue; }
   // A reference with a class, written or resolved.
   QORboolean isProperty() const noexcept { return !_className.isEmpty(); }
-  // A property reference with nothing around it: read straight from the row's object.
+  // A property reference with nothing around it, read straight from the row's
+  // object. A whole object (class without property) is none.
   bool isPlainProperty() const noexcept { return _isPlainProperty && !_propertyName.isEmpty(); }
   // Written C.*.
   bool isClassAll() const noexcept;

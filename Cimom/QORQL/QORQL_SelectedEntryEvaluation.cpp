@@ -12,6 +12,6 @@ QORSmrPtr<IQoriValue> QORQL_SelectedEntry::evaluate(QORQL_SymbolTable& symbolTab
       return property.IsNull() ? QORSmrPtr<IQoriValue>() : property->getValue();
     }
   }
-  if (_isPlainProperty) return row->getPropertyValueByName(_className, _propertyName);
+  if (isPlainProperty()) return row->getPropertyValueByName(_className, _propertyName);
   return _expression.IsNull() ? QORSmrPtr<IQoriValue>() : _expression->evaluate(symbolTable, row);
 }
