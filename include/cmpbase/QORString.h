@@ -112,7 +112,7 @@ class QORString {
     std::size_t _capacity = 0;
     char _first = '\0';
 
-    char* text() noexcept { return &_first; }
+    char* text() noexcept { return reinterpret_cast<char*>(this) + offsetof(Rep, _first); }
     void addRef() noexcept {
       if (_capacity != 0) _shared.atomicInc();
     }
