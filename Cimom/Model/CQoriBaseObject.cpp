@@ -184,5 +184,5 @@ QORSmrPtr<IQoriInstanceName> CQoriBaseObject::Own::makeName() const {
   const QORSmrPtr<IQoriInstanceName::KeyList> keys(new IQoriInstanceName::KeyList);
   keys->append(*key);
   const QORSmrPtr<IQoriNameSpacePath> path(new CQoriNameSpacePath(QORString::emptyString(), nameSpace));
-  return {new CQoriInstanceName(className, keys, path)};
+  return QORSmrPtr<IQoriInstanceName>::Make<CQoriInstanceName>(className, keys, path);
 }

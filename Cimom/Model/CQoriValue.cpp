@@ -60,7 +60,7 @@ QORSmrPtr<IQoriValue::List> convertElements(const IQoriValue::List& elements, co
   QORValSlistIterator<QORSmrPtr<IQoriValue>> it(elements);
   while (++it) {
     converted->append(it.key().IsNull() ? QORSmrPtr<IQoriValue>()
-                                        : QORSmrPtr<IQoriValue>(new CQoriValue(*it.key(), element)));
+                                        : QORSmrPtr<IQoriValue>::Make<CQoriValue>(*it.key(), element));
   }
   return converted;
 }

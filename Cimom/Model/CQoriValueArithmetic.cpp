@@ -17,9 +17,9 @@ using Kind = QoriScalarKind;
 using Pointer = IQoriValue::Pointer;
 __extension__ using Wide = __int128;
 
-Pointer makeUnsigned(QORuint64 value) { return {new CQoriValue(value, CQoriType::uint64)}; }
-Pointer makeSigned(QORsint64 value) { return {new CQoriValue(value, CQoriType::sint64)}; }
-Pointer makeReal(double value) { return {new CQoriValue(value, CQoriType::real64)}; }
+Pointer makeUnsigned(QORuint64 value) { return QORSmrPtr<IQoriValue>::Make<CQoriValue>(value, CQoriType::uint64); }
+Pointer makeSigned(QORsint64 value) { return QORSmrPtr<IQoriValue>::Make<CQoriValue>(value, CQoriType::sint64); }
+Pointer makeReal(double value) { return QORSmrPtr<IQoriValue>::Make<CQoriValue>(value, CQoriType::real64); }
 
 Wide wide(const QoriScalar& scalar) noexcept {
   return scalar.kind == Kind::Unsigned ? static_cast<Wide>(scalar.u) : static_cast<Wide>(scalar.s);
@@ -85,7 +85,7 @@ constexpr Operation kDivide{"divide", "divide", "by"};
 Pointer CQoriValue::add(const IQoriValue& other) const {
   QoriScalar a = scalar();
   QoriScalar b = other.scalar();
-  if (a.kind == Kind::Text && b.kind == Kind::Text) return {new CQoriValue(*a.text + *b.text)};
+  if (a.kind == Kind::Text && b.kind == Kind::Text) return QORSmrPtr<IQoriValue>::Make<CQoriValue>(*a.text + *b.text);
   if (!checkOperands(kAdd, *this, other, a, b)) return {};
   if (isReal(a, b)) return makeReal(real(a) + real(b));
   return fit(wide(a) + wide(b), prefersUnsigned(*this, a, b, false));
@@ -125,7 +125,7 @@ Pointer CQoriValue::negate() const {
   const auto narrow = [](Wide value, QORsint64 least, const QORSmrPtr<IQoriType>& type) {
     // Only the greatest value can be missed: that of the negated least one.
     return value > -(static_cast<Wide>(least) + 1) ? Pointer()
-                                                   : Pointer(new CQoriValue(static_cast<QORsint64>(value), type));
+                                                   : Pointer::Make<CQoriValue>(static_cast<QORsint64>(value), type);
   };
   switch (CQoriType::codeOf(*_type)) {
     case Code::Sint8:
@@ -137,13 +137,13 @@ Pointer CQoriValue::negate() const {
     case Code::Sint64:
       return narrow(-wide(a), std::numeric_limits<QORsint64>::min(), CQoriType::sint64);
     case Code::Uint8:
-      return {new CQoriValue(-static_cast<QORsint64>(a.u), CQoriType::sint16)};
+      return QORSmrPtr<IQoriValue>::Make<CQoriValue>(-static_cast<QORsint64>(a.u), CQoriType::sint16);
     case Code::Uint16:
-      return {new CQoriValue(-static_cast<QORsint64>(a.u), CQoriType::sint32)};
+      return QORSmrPtr<IQoriValue>::Make<CQoriValue>(-static_cast<QORsint64>(a.u), CQoriType::sint32);
     case Code::Uint32:
-      return {new CQoriValue(-static_cast<QORsint64>(a.u), CQoriType::sint64)};
+      return QORSmrPtr<IQoriValue>::Make<CQoriValue>(-static_cast<QORsint64>(a.u), CQoriType::sint64);
     case Code::Real32:
-      return {new CQoriValue(-a.r, CQoriType::real32)};
+      return QORSmrPtr<IQoriValue>::Make<CQoriValue>(-a.r, CQoriType::real32);
     case Code::Real64:
       return makeReal(-a.r);
     default:

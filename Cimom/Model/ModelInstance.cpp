@@ -14,14 +14,12 @@ static_assert(sizeof(ModelInstance) % alignof(ModelSlot) == 0, "the slots follow
 QORSmrPtr<IQoriObject> ModelInstance::create(const QORSmrPtr<ModelShape>& shape,
                                              const std::vector<QORSmrPtr<IQoriValue>>& values,
                                              const QORSmrPtr<IQoriInstanceName>& name) {
-  std::unique_ptr<ModelInstance> instance(new (shape->layout->getPropertyCount()) ModelInstance(shape));
-  instance->fill(values);
-  if (!name.IsNull()) instance->_name.keep(name);
-  return {instance.release()};
-}
-
-void* ModelInstance::operator new(std::size_t size, QORuint32 slotCount) {
-  return ::operator new(size + slotCount * sizeof(ModelSlot));
+  const std::size_t room = shape->layout->getPropertyCount() * sizeof(ModelSlot);
+  QORSmrPtr<IQoriObject> made = QORSmrPtr<IQoriObject>::MakeWithRoom<ModelInstance>(room, shape);
+  ModelInstance& instance = static_cast<ModelInstance&>(*made);
+  instance.fill(values);
+  if (!name.IsNull()) instance._name.keep(name);
+  return made;
 }
 
 ModelInstance::ModelInstance(const QORSmrPtr<ModelShape>& shape) noexcept
@@ -53,12 +51,13 @@ QORSmrPtr<IQoriInstanceName> ModelInstance::makeName() const {
   for (const QORuint32 position : shape().keyPositions) {
     if (slots()[position].scalar().isNull()) return {};
   }
-  return {new ModelInstanceName(_shape, slots())};
+  return QORSmrPtr<IQoriInstanceName>::Make<ModelInstanceName>(_shape, slots());
 }
 
 QORSmrPtr<IQoriProperty> ModelInstance::getPropertyAt(QORuint32 position) const {
   const ModelLayout& layout = *shape().layout.Get();
-  return {new CQoriProperty(layout.getName(position), layout.getType(position), getValueAt(position))};
+  return QORSmrPtr<IQoriProperty>::Make<CQoriProperty>(layout.getName(position), layout.getType(position),
+                                                       getValueAt(position));
 }
 
 QORSmrPtr<IQoriProperty> ModelInstance::getProperty(const QORString& name, bool /*includeInherited*/) const {

@@ -11,8 +11,8 @@
 #include "cimom/IQoriObject.h"
 #include "cmpbase.h"
 
-// Immutable once made; threads may share one. Object and values are one
-// allocation, so it is made by create() alone.
+// Immutable once made; threads may share one. Pointer block, object and values
+// are one allocation, so it is made by create() alone.
 class ModelInstance final : public IQoriObject {
  public:
   // A value for each position of the layout (missing ones and null pointers:
@@ -42,12 +42,11 @@ class ModelInstance final : public IQoriObject {
   // BORROWS: the values by position, valid while the instance lives.
   const ModelSlot* slots() const noexcept { return reinterpret_cast<const ModelSlot*>(this + 1); }
 
-  static void operator delete(void* memory) noexcept { ::operator delete(memory); }
-
  private:
+  friend class QORSmrPtr<IQoriObject>;
+
+  // REQUIRES room for the slots behind the object.
   explicit ModelInstance(const QORSmrPtr<ModelShape>& shape) noexcept;
-  static void* operator new(std::size_t size, QORuint32 slotCount);
-  static void operator delete(void* memory, QORuint32) noexcept { ::operator delete(memory); }
 
   ModelSlot* mutableSlots() noexcept { return reinterpret_cast<ModelSlot*>(this + 1); }
   void fill(const std::vector<QORSmrPtr<IQoriValue>>& values);

@@ -52,7 +52,7 @@ QORSmrPtr<IQoriInstanceName::KeyList> ModelInstanceName::makeKeys() const {
   for (const QORuint32 position : _shape->keysByName) {
     const QORSmrPtr<IQoriType>& type = _shape->layout->getType(position);
     keys->append(
-        QORSmrPtr<IQoriProperty>(new CQoriProperty(_shape->layout->getName(position), type, value++->value(type))));
+        QORSmrPtr<IQoriProperty>::Make<CQoriProperty>(_shape->layout->getName(position), type, value++->value(type)));
   }
   return keys;
 }

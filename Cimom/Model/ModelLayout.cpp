@@ -95,5 +95,5 @@ ModelRestriction::ModelRestriction(const ModelLayout& source, std::vector<QORuin
 
 QORSmrPtr<IQoriObject> ModelRestriction::apply(const QORSmrPtr<ModelRestriction>& restriction,
                                                const QORSmrPtr<IQoriObject>& object) {
-  return {new CQoriBaseObject(object, restriction)};
+  return QORSmrPtr<IQoriObject>::Make<CQoriBaseObject>(object, restriction);
 }

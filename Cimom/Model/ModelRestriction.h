@@ -12,7 +12,7 @@
 // share one. It does not hold the layout that it was made from.
 //
 //   QORSmrPtr<ModelRestriction> restriction = layout->restrictTo(*names);   // once per class
-//   for (each instance) result->append(restriction->apply(instance));       // two allocations each
+//   for (each instance) result->append(restriction->apply(instance));       // one allocation each
 class ModelRestriction {
  public:
   // `kept`: the source positions that stay, ascending.

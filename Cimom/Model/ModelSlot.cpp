@@ -22,7 +22,7 @@ bool isOfType(const IQoriValue& value, const QORSmrPtr<IQoriType>& type) noexcep
 
 void ModelSlot::set(const QORSmrPtr<IQoriValue>& value, const QORSmrPtr<IQoriType>& type) {
   if (value.IsNull()) return;
-  if (!isOfType(*value, type)) return set(QORSmrPtr<IQoriValue>(new CQoriValue(*value, type)), type);
+  if (!isOfType(*value, type)) return set(QORSmrPtr<IQoriValue>::Make<CQoriValue>(*value, type), type);
   const QoriScalar scalar = value->scalar();
   if (isText(scalar.kind)) {
     holdText(*scalar.text, scalar.kind);
@@ -65,18 +65,18 @@ QORSmrPtr<IQoriValue> ModelSlot::value(const QORSmrPtr<IQoriType>& type) const {
     case Kind::Null:
       return {};
     case Kind::Boolean:
-      return {new CQoriValue(_scalar.b, type)};
+      return QORSmrPtr<IQoriValue>::Make<CQoriValue>(_scalar.b, type);
     case Kind::Unsigned:
-      return {new CQoriValue(_scalar.u, type)};
+      return QORSmrPtr<IQoriValue>::Make<CQoriValue>(_scalar.u, type);
     case Kind::Signed:
-      return {new CQoriValue(_scalar.s, type)};
+      return QORSmrPtr<IQoriValue>::Make<CQoriValue>(_scalar.s, type);
     case Kind::Real:
-      return {new CQoriValue(_scalar.r, type)};
+      return QORSmrPtr<IQoriValue>::Make<CQoriValue>(_scalar.r, type);
     case Kind::Char16:
-      return {new CQoriValue(_scalar.c, type)};
+      return QORSmrPtr<IQoriValue>::Make<CQoriValue>(_scalar.c, type);
     case Kind::Complex:
       return _value;
     default:
-      return {new CQoriValue(_text, type)};
+      return QORSmrPtr<IQoriValue>::Make<CQoriValue>(_text, type);
   }
 }

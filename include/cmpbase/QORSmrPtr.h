@@ -3,6 +3,7 @@
 #define QORQL_CMPBASE_QORSMRPTR_H
 
 #include <cstddef>
+#include <memory>
 #include <new>
 #include <type_traits>
 #include <utility>
@@ -40,6 +41,17 @@ class QORSmrPtr : public QORSmrPtrImpl {
       : _pointee(sharePointee(static_cast<T*>(other.Get()), other)) {}
 
   ~QORSmrPtr() { _Release(); }
+
+  // Holds a new D made from the arguments. Object, count and block are one
+  // allocation, where a pointer made from `new D` takes two. THROWS what D's
+  // constructor throws.
+  template <class D = T, class... Arguments>
+  static QORSmrPtr Make(Arguments&&... arguments) {
+    return MakeWithRoom<D>(0, std::forward<Arguments>(arguments)...);
+  }
+  // The same, with `room` more bytes directly behind the object for its own use.
+  template <class D = T, class... Arguments>
+  static QORSmrPtr MakeWithRoom(std::size_t room, Arguments&&... arguments);
 
   QORSmrPtr& operator=(const QORSmrPtr& other) noexcept {
     if (_pointee != other._pointee) {
@@ -130,10 +142,12 @@ class QORSmrPtr : public QORSmrPtrImpl {
 
   // An object's first block and its shared count, in one allocation that lives
   // until the shared count is zero: a converted pointer may outlive the block.
+  // The object itself may lie behind it.
   struct FirstPointee {
-    explicit FirstPointee(T* pointer) noexcept : _block(pointer, &_shared), _shared(1) {}
+    FirstPointee(T* pointer, bool isInPlace) noexcept : _block(pointer, &_shared), _shared(1), _isInPlace(isInPlace) {}
     SmartPointerPointee _block;
     QORAtomicInt _shared;
+    bool _isInPlace;
   };
   static_assert(std::is_trivially_destructible_v<FirstPointee>);
 
@@ -144,7 +158,7 @@ class QORSmrPtr : public QORSmrPtrImpl {
   static SmartPointerPointee* newPointee(T* pointer) {
     if (pointer == nullptr) return &_nullPointee;
     try {
-      return &(new FirstPointee(pointer))->_block;
+      return &(new FirstPointee(pointer, false))->_block;
     } catch (...) {
       delete pointer;
       throw;
@@ -162,20 +176,25 @@ class QORSmrPtr : public QORSmrPtrImpl {
     if (block != &_nullPointee && block->_referenceCount.atomicDec() == 0) destroyPointee(block);
   }
   static void destroyPointee(SmartPointerPointee* block) noexcept {
+    static_assert(sizeof(T) != 0, "the last holder of an object needs its complete type");
     QORAtomicInt* const shared = block->_sharedReferenceCount;
     T* const object = block->_pointer;
     // The first block opens the allocation that the shared count closes.
     void* const first = reinterpret_cast<char*>(shared) - offsetof(FirstPointee, _shared);
     if (static_cast<void*>(block) != first) delete block;
-    if (shared->atomicDec() == 0) {
+    if (shared->atomicDec() != 0) return;
+    if (static_cast<FirstPointee*>(first)->_isInPlace) {
+      endObject([object] { std::destroy_at(object); });
       ::operator delete(first);
-      deleteObject(object);
+    } else {
+      ::operator delete(first);
+      endObject([object] { delete object; });
     }
   }
-  static void deleteObject(T* object) noexcept {
-    static_assert(sizeof(T) != 0, "the last holder of an object needs its complete type");
+  template <class End>
+  static void endObject(const End& end) noexcept {
     try {
-      delete object;
+      end();
     } catch (...) {
       // A destructor that throws must not take the process down with it.
       return;
@@ -188,5 +207,23 @@ class QORSmrPtr : public QORSmrPtrImpl {
 
   SmartPointerPointee* _pointee;
 };
+
+template <class T>
+template <class D, class... Arguments>
+QORSmrPtr<T> QORSmrPtr<T>::MakeWithRoom(std::size_t room, Arguments&&... arguments) {
+  static_assert(std::is_same_v<D, T> || std::has_virtual_destructor_v<T>, "D could not be destroyed as a T");
+  static_assert(alignof(D) <= alignof(std::max_align_t) && sizeof(FirstPointee) % alignof(std::max_align_t) == 0);
+  char* const memory = static_cast<char*>(::operator new(sizeof(FirstPointee) + sizeof(D) + room));
+  D* object = nullptr;
+  try {
+    object = ::new (static_cast<void*>(memory + sizeof(FirstPointee))) D(std::forward<Arguments>(arguments)...);
+  } catch (...) {
+    ::operator delete(memory);
+    throw;
+  }
+  QORSmrPtr made;
+  made._pointee = &(::new (static_cast<void*>(memory)) FirstPointee(object, true))->_block;
+  return made;
+}
 
 #endif

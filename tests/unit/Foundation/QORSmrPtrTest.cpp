@@ -1,6 +1,7 @@
 // The counted pointer.
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -274,6 +275,66 @@ TEST(QORSmrPtr, DynamicCastSharesTheCountOrGivesNull) {
   EXPECT_EQ(deaths, 1);
 }
 
+TEST(QORSmrPtr, MadeObjectBehavesAsAnyOther) {
+  int deaths = 0;
+  {
+    Pointer made = Pointer::Make(5, &deaths);
+    const Pointer copy(made);
+    EXPECT_EQ(made->value, 5);
+    EXPECT_FALSE(made.IsUnique());
+    made.Release();
+    EXPECT_EQ(deaths, 0);
+    EXPECT_TRUE(copy.IsUnique());
+  }
+  EXPECT_EQ(deaths, 1);
+}
+
+TEST(QORSmrPtr, MadeObjectMayBeOfADerivedClass) {
+  int deaths = 0;
+  Pointer base = Pointer::Make<Derived>(5, &deaths);
+  EXPECT_EQ(base->value, 5);
+  QORSmrPtr<Derived> derived = base.DynamicCast<Derived>();
+  EXPECT_EQ(derived->side, 7);
+  base.Release();
+  EXPECT_EQ(deaths, 0);
+  EXPECT_EQ(derived->value, 5);
+  derived.Release();
+  EXPECT_EQ(deaths, 1);
+}
+
+TEST(QORSmrPtr, ConversionOfAMadeObjectMayOutliveIt) {
+  int deaths = 0;
+  QORSmrPtr<const Base> last;
+  {
+    const QORSmrPtr<Derived> derived = QORSmrPtr<Derived>::Make(5, &deaths);
+    const Pointer base(derived);
+    last = base;
+  }
+  EXPECT_EQ(last->value, 5);
+  last.Release();
+  EXPECT_EQ(deaths, 1);
+}
+
+TEST(QORSmrPtr, RoomBehindAMadeObjectIsItsOwn) {
+  const QORSmrPtr<std::string> text = QORSmrPtr<std::string>::MakeWithRoom(1000, "text");
+  std::memset(static_cast<void*>(text.Get() + 1), 'x', 1000);
+  EXPECT_EQ(*text, "text");
+}
+
+TEST(QORSmrPtr, ConstructorThatThrowsLeavesNothingBehind) {
+  struct Refuses {
+    Refuses() { throw std::runtime_error("no"); }
+  };
+  EXPECT_THROW(QORSmrPtr<Refuses>::Make(), std::runtime_error);
+}
+
+TEST(QORSmrPtr, ThrowingDestructorOfAMadeObjectIsSwallowed) {
+  struct Thrower {
+    ~Thrower() noexcept(false) { throw std::runtime_error("from a destructor"); }
+  };
+  EXPECT_NO_THROW(QORSmrPtr<Thrower>::Make());
+}
+
 TEST(QORSmrPtr, MoveTakesTheHolderAlong) {
   int deaths = 0;
   Pointer a(new Base(1, &deaths));
@@ -345,7 +406,8 @@ TEST(QORSmrPtr, CopiesMayBeMadeAndDroppedOnSeveralThreads) {
     std::atomic<int>& alive;
   };
   for (int round = 0; round < 50; ++round) {
-    std::optional<QORSmrPtr<Counted>> shared(QORSmrPtr<Counted>(new Counted(alive)));
+    std::optional<QORSmrPtr<Counted>> shared(round % 2 == 0 ? QORSmrPtr<Counted>(new Counted(alive))
+                                                            : QORSmrPtr<Counted>::Make(alive));
     std::vector<std::thread> threads;
     for (int t = 0; t < 4; ++t) {
       threads.emplace_back([mine = *shared]() mutable {

@@ -246,6 +246,8 @@ TEST(CQoriValueRelate, AllocationsAreCounted) {
   const unsigned long before = allocationCount();
   const Value value = uint64(1);
   EXPECT_EQ(allocationCount(), before + 2) << "a value and its control block";
+  static_cast<void>(value->add(*value));
+  EXPECT_EQ(allocationCount(), before + 3) << "a result is one";
 }
 
 }  // namespace
