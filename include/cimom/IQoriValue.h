@@ -59,9 +59,9 @@ class IQoriValue {
   // Exact arithmetic, or a null pointer when the result cannot be represented
   // or an operand is an array. A real operand gives real64; + * / of two
   // unsigned give uint64 and otherwise sint64; - gives sint64; a uint64 left
-  // operand with a result that is not negative stays uint64. Two strings add up
-  // to their concatenation. THROW QoriBaseException (type "CIM_Value") on integer
-  // division by zero and on operands that are no numbers.
+  // operand with a result that is not negative stays uint64; a result that fits
+  // only the other 64-bit type takes that. Two strings concatenate. THROW
+  // QoriBaseException (type "CIM_Value") on division by zero and on non-numbers.
   virtual Pointer add(const IQoriValue& other) const = 0;
   virtual Pointer subtract(const IQoriValue& other) const = 0;
   virtual Pointer multiply(const IQoriValue& other) const = 0;
