@@ -12,7 +12,7 @@ namespace {
 
 // A key that is a reference holds a path in quotes, which doubles the
 // backslashes of the paths inside: a chain of a few dozen fills any memory.
-constexpr std::size_t kMaximumPathLength = 65536;
+constexpr std::size_t kMaximumPathLength = 16384;
 
 std::string textOf(const QORString& text) { return std::string(text.view()); }
 
@@ -100,8 +100,9 @@ IQoriValue::Pointer MofValues::makeReference(const MofValueSyntax& value, const 
     throw MofFault{value.at, std::string("found ") + describeMofValue(value) +
                                  ", expected a reference: an alias or the text of an instance path"};
   }
-  if (name->toString().length() > kMaximumPathLength) {
-    throw MofFault{value.at, "the instance path is longer than " + std::to_string(kMaximumPathLength) + " bytes"};
+  if (place.property.isKey && name->toString().length() > kMaximumPathLength) {
+    throw MofFault{value.at, "the path in key " + textOf(place.property.name) + " is longer than " +
+                                 std::to_string(kMaximumPathLength) + " bytes"};
   }
   requireDerived(name->getNameSpacePath()->getNameSpace(), name->getClassName(), place.property.referenceClass,
                  value.at);

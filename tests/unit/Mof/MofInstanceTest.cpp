@@ -211,7 +211,7 @@ TEST_F(MofInstance, BoundsThePathsOfReferencesInKeys) {
   }
   const auto faults = faultsOf(text);
   ASSERT_FALSE(faults.empty());
-  EXPECT_EQ(faults[0].message, "the instance path is longer than 65536 bytes");
+  EXPECT_EQ(faults[0].message, "the path in key Last is longer than 16384 bytes");
 }
 
 TEST_F(MofInstance, ReadsInstancesWithoutStoringThem) {

@@ -1,11 +1,9 @@
 // Loading as a whole: files, folders, includes, namespaces, transactions.
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 #include "MofFixture.h"
 
@@ -210,45 +208,6 @@ TEST_F(MofLoad, LoadsTheStorageExample) {
   ASSERT_EQ(accesses.size(), 4U);
   EXPECT_EQ(textOf(accesses[3], "Volume"), pathOf(instancesOf("CIM_StorageVolume").at(3)));
   EXPECT_EQ(textOf(accesses[3], "Host"), textOf(accesses[2], "Host"));
-}
-
-// The classes of the schema, as an independent reading of the same files lists
-// them: class, superclass, is-association, own properties, keys.
-TEST_F(MofLoad, LoadsTheWholeSchema) {
-  const char* const schema = std::getenv("QORQL_CIM_SCHEMA");
-  if (schema == nullptr) GTEST_SKIP() << "QORQL_CIM_SCHEMA does not name the schema's main file";
-  loadFiles({schema});
-  fs::path listing = fs::path(schema).parent_path().parent_path() / "classes-2.49.0.tsv";
-  if (!fs::exists(listing)) GTEST_SKIP() << "no listing of the classes beside the schema";
-  std::ifstream in(listing);
-  std::string line;
-  std::getline(in, line);
-  std::size_t count = 0;
-  while (std::getline(in, line)) {
-    std::vector<std::string> fields;
-    std::istringstream split(line);
-    for (std::string field; std::getline(split, field, '\t');) fields.push_back(field);
-    fields.resize(5);
-    ++count;
-    const QORString name(fields[0].c_str());
-    CimClassDeclaration declared;
-    ASSERT_TRUE(_manager.describeClass("root/cimv2", name, declared)) << line;
-    EXPECT_EQ(std::string(declared.superClass.view()), fields[1]) << line;
-    EXPECT_EQ(_manager.isAssociation("root/cimv2", name), fields[2] == "1") << line;
-    EXPECT_EQ(std::to_string(declared.properties.size()), fields[3]) << line;
-    std::vector<std::string> keys;
-    for (const CimPropertyDeclaration& property : _manager.allProperties("root/cimv2", name)) {
-      if (property.hasFlag("Key")) keys.emplace_back(property.name.view());
-    }
-    std::sort(keys.begin(), keys.end());
-    std::vector<std::string> listed;
-    std::istringstream names(fields[4]);
-    for (std::string key; std::getline(names, key, ',');) listed.push_back(key);
-    std::sort(listed.begin(), listed.end());
-    EXPECT_EQ(keys, listed) << line;
-  }
-  EXPECT_EQ(count, 1631U);
-  EXPECT_EQ(_manager.classNames("root/cimv2").size(), count);
 }
 
 }  // namespace

@@ -1,0 +1,94 @@
+// The whole public CIM schema, which is no part of this project: the environment
+// variable QORQL_CIM_SCHEMA names its main file. Without it there is no such test.
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <sstream>
+
+#include "MofFixture.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using moftest::MofTest;
+
+// A line of the listing that an independent reading of the same files made:
+// class, superclass, is-association, number of own properties, keys.
+struct Listed {
+  std::string name;
+  std::string superClass;
+  bool isAssociation = false;
+  std::size_t ownProperties = 0;
+  std::vector<std::string> keys;
+};
+
+std::vector<std::string> split(const std::string& text, char separator) {
+  std::vector<std::string> fields;
+  std::istringstream in(text);
+  for (std::string field; std::getline(in, field, separator);) fields.push_back(field);
+  return fields;
+}
+
+std::vector<Listed> readListing(const fs::path& path) {
+  std::vector<Listed> listing;
+  std::ifstream in(path);
+  std::string line;
+  std::getline(in, line);  // the head
+  while (std::getline(in, line)) {
+    std::vector<std::string> fields = split(line, '\t');
+    fields.resize(5);
+    listing.push_back({fields[0], fields[1], fields[2] == "1", std::stoul(fields[3]), split(fields[4], ',')});
+    std::sort(listing.back().keys.begin(), listing.back().keys.end());
+  }
+  return listing;
+}
+
+std::vector<std::string> schemas() {
+  const char* const schema = std::getenv("QORQL_CIM_SCHEMA");
+  if (schema != nullptr) return {schema};
+  std::cout << "The test of the whole schema is left out: QORQL_CIM_SCHEMA does not name the schema's main file.\n";
+  return {};
+}
+
+class MofSchema : public MofTest, public ::testing::WithParamInterface<std::string> {
+ protected:
+  std::vector<std::string> keysOf(const QORString& name) {
+    std::vector<std::string> keys;
+    for (const CimPropertyDeclaration& property : _manager.allProperties("root/cimv2", name)) {
+      if (property.hasFlag("Key")) keys.emplace_back(property.name.view());
+    }
+    std::sort(keys.begin(), keys.end());
+    return keys;
+  }
+};
+
+TEST_P(MofSchema, LoadsWholeAndAgreesWithTheListingBesideIt) {
+  const auto start = std::chrono::steady_clock::now();
+  MofLoader(_manager.sink()).loadFile(GetParam());
+  const auto spent = std::chrono::steady_clock::now() - start;
+  const std::vector<Listed> listing =
+      readListing(fs::path(GetParam()).parent_path().parent_path() / "classes-2.49.0.tsv");
+  EXPECT_EQ(_manager.classNames("root/cimv2").size(), 1631U);
+  EXPECT_EQ(listing.size(), 1631U);
+  for (const Listed& listed : listing) {
+    const QORString name(listed.name.c_str());
+    CimClassDeclaration declared;
+    ASSERT_TRUE(_manager.describeClass("root/cimv2", name, declared)) << listed.name;
+    EXPECT_EQ(std::string(declared.superClass.view()), listed.superClass) << listed.name;
+    EXPECT_EQ(_manager.isAssociation("root/cimv2", name), listed.isAssociation) << listed.name;
+    EXPECT_EQ(declared.properties.size(), listed.ownProperties) << listed.name;
+    EXPECT_EQ(keysOf(name), listed.keys) << listed.name;
+  }
+#ifdef NDEBUG
+  EXPECT_LT(std::chrono::duration_cast<std::chrono::milliseconds>(spent).count(), 3000);
+#else
+  EXPECT_LT(std::chrono::duration_cast<std::chrono::seconds>(spent).count(), 60);
+#endif
+}
+
+INSTANTIATE_TEST_SUITE_P(Given, MofSchema, ::testing::ValuesIn(schemas()));
+
+}  // namespace
