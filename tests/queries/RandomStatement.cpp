@@ -1,0 +1,159 @@
+// Statements by chance: a walk through the grammar that throws dice.
+#include "RandomStatement.h"
+
+#include <array>
+
+struct RandomStatement::Source {
+  const char* className;
+  const char* alias;
+  std::vector<const char*> properties;
+  const char* array;  // null: none
+};
+
+namespace {
+
+template <class Items>
+auto pick(const Items& items, unsigned index) {
+  return items[index];
+}
+
+constexpr std::array<const char*, 10> kComparisons = {
+    " = ", " <> ", " < ", " > ", " <= ", " >= ", " *= ", " =* ", " *=* ", " LIKE "};
+constexpr std::array<const char*, 9> kLiterals = {"0", "1", "3", "200", "2.5", "'d1'", "'north'", "'TRUE'", "''"};
+constexpr std::array<const char*, 5> kAggregates = {"COUNT", "MIN", "MAX", "SUM", "AVG"};
+constexpr std::array<const char*, 4> kArithmetic = {" + ", " - ", " * ", " / "};
+
+}  // namespace
+
+const RandomStatement::Source& RandomStatement::anySource() {
+  return *_from[below(static_cast<unsigned>(_from.size()))];
+}
+
+std::string RandomStatement::property() {
+  const Source& source = anySource();
+  const std::string name = source.properties[below(static_cast<unsigned>(source.properties.size()))];
+  return std::string(source.alias) + "." + name;
+}
+
+std::string RandomStatement::literal() { return pick(kLiterals, below(kLiterals.size())); }
+
+std::string RandomStatement::operand(int depth) {
+  const unsigned kind = below(20);
+  if (kind < 11) return property();
+  if (kind < 14) return literal();
+  if (depth == 0) return property();
+  if (kind < 18) return operand(depth - 1) + pick(kArithmetic, below(kArithmetic.size())) + operand(depth - 1);
+  if (kind == 18) return "-" + property();
+  return "(" + comparison() + ")";
+}
+
+std::string RandomStatement::arrayComparison() {
+  const Source& source = anySource();
+  if (source.array == nullptr) return comparison();
+  const std::string array = std::string(source.alias) + "." + source.array;
+  switch (below(5)) {
+    case 0:
+      return array + "[" + std::to_string(below(3)) + "] = " + literal();
+    case 1:
+      return array + "[] = " + array + "[*]";
+    case 2:
+      return operand(0) + pick(kComparisons, below(6)) + (chance(50) ? "ANY " : "EVERY ") + array;
+    default:
+      return (chance(50) ? "ANY " : "EVERY ") + array + pick(kComparisons, below(6)) + operand(0);
+  }
+}
+
+std::string RandomStatement::comparison() {
+  const unsigned kind = below(24);
+  if (kind < 2) return property() + (chance(50) ? " IS NULL" : " IS NOT NULL");
+  if (kind == 2) return std::string(anySource().alias) + " ISA T_SolidDisk";
+  if (kind == 3) return std::string(anySource().alias) + " IS NULL";
+  if (kind == 4) return property();
+  if (kind == 5) return "OBJECTPATH(" + std::string(anySource().alias) + ") < OBJECTPATH(" + anySource().alias + ")";
+  return operand(1) + pick(kComparisons, below(kComparisons.size())) + operand(1);
+}
+
+std::string RandomStatement::association() {
+  return std::string("T_PoolMember") + (chance(30) ? " *= " : " = ") + anySource().alias +
+         " AND T_PoolMember = " + anySource().alias;
+}
+
+std::string RandomStatement::condition() {
+  std::string text;
+  do {
+    if (!text.empty()) text += chance(80) ? " AND " : " OR ";
+    const unsigned kind = below(10);
+    if (kind == 0) {
+      text += association();
+    } else {
+      text += (chance(10) ? "NOT " : "") + (kind < 3 ? arrayComparison() : comparison());
+    }
+  } while (chance(45));
+  return text;
+}
+
+std::string RandomStatement::entry(unsigned number) {
+  const unsigned kind = below(14);
+  const std::string alias = " AS Col" + std::to_string(number);
+  if (kind == 0) return "*";
+  if (kind == 1) return std::string(anySource().alias) + ".*";
+  if (kind < 4) return operand(2) + alias;
+  if (kind == 4) return comparison() + alias;
+  if (kind == 5) return "OBJECTPATH(" + std::string(anySource().alias) + ")" + alias;
+  if (kind == 6) return "INSTANCEOF(" + std::string(anySource().alias) + ")" + alias;
+  return property();
+}
+
+std::string RandomStatement::aggregate(unsigned number) {
+  const std::string name = pick(kAggregates, below(kAggregates.size()));
+  const std::string argument = chance(10) ? std::string(anySource().alias) : operand(1);
+  return name + "(" + argument + ")" + (chance(20) ? " * 2" : "") + " AS Agg" + std::to_string(number);
+}
+
+std::string RandomStatement::selectList() {
+  const bool isAggregate = chance(12);
+  std::string text = !isAggregate && chance(15) ? "FIRST " + std::to_string(below(4)) + " " : "";
+  unsigned number = 0;
+  do {
+    if (number != 0) text += ", ";
+    text += isAggregate ? aggregate(number) : entry(number);
+    ++number;
+  } while (chance(50));
+  return text;
+}
+
+std::string RandomStatement::fromClause() const {
+  std::string text;
+  for (const Source* source : _from) {
+    text += (text.empty() ? "" : ", ") + std::string(source->className) + " AS " + source->alias;
+  }
+  return text;
+}
+
+std::string RandomStatement::orderClause() {
+  std::string key = chance(70) ? property() : chance(50) ? operand(1) : "Col0";
+  return " ORDER BY " + key + (chance(50) ? " ASC" : " DESC");
+}
+
+std::string RandomStatement::next() {
+  static const std::vector<Source> kSources = {
+      {"T_Disk", "d", {"Name", "Slot", "Size", "Kind", "Vendor", "Spare", "Level"}, nullptr},
+      {"T_Bay", "b", {"No", "Slot", "Room"}, nullptr},
+      {"T_Pool", "p", {"Id", "Quota"}, nullptr},
+      {"T_PoolMember", "m", {"Pool", "Member", "Rank"}, nullptr},
+      {"T_Empty", "e", {"Tag", "Slot"}, nullptr},
+      {"T_Box", "x", {"Name", "Top", "Codes"}, "Codes"},
+      {"T_SolidDisk", "s", {"Name", "Slot", "Wear"}, nullptr}};
+  _from.clear();
+  unsigned chosen = 0;
+  const unsigned count = 1 + below(3);
+  while (_from.size() < count) {
+    const unsigned index = below(static_cast<unsigned>(kSources.size()));
+    if ((chosen & (1U << index)) == 0) _from.push_back(&kSources[index]);
+    chosen |= 1U << index;
+  }
+  std::string text = "SELECT " + selectList() + " FROM " + fromClause();
+  if (chance(85)) text += " WHERE " + condition();
+  if (chance(30)) text += orderClause();
+  return text;
+}
