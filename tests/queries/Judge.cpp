@@ -73,7 +73,9 @@ std::string judgeLibrary(const Case& one, const Outcome& outcome) {
 std::string judgeTool(const Case& one, const ToolOutcome& outcome) {
   const bool isFailure = one.expected == Case::Expected::Failure;
   std::string text = difference("exit status", isFailure ? "1\n" : "0\n", std::to_string(outcome.status) + "\n");
-  text += difference("stdout", one.echo + one.result, outcome.out);
+  // A statement may fail after the stream has begun.
+  const std::string out = isFailure ? outcome.out.substr(0, outcome.out.find("\n<IRETURNVALUE>")) : outcome.out;
+  text += difference("stdout", one.echo + one.result, out);
   if (isFailure) return text + judgeToolError(one.failure, outcome.err);
   const bool isSilent = one.log.empty();
   return text + (isSilent ? difference("stderr", std::string(), outcome.err) : std::string());

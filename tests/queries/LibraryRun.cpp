@@ -167,5 +167,5 @@ void LibraryRun::runStatement(const Case& one, QORQL_DataTable::ExecutionMode mo
   StreamKeeper stream(outcome.stream);
   statement->execute(symbols, table, isStreamed ? &stream : nullptr, nameSpace);
   outcome.calls = ClientInterposer::takeCalls();
-  outcome.rows = readRows(*statement.DynamicCast<QORQL_Query>(), symbols, table);
+  if (!isStreamed) outcome.rows = readRows(*statement.DynamicCast<QORQL_Query>(), symbols, table);
 }

@@ -12,7 +12,7 @@
 // What a statement leaves behind.
 struct Outcome {
   Failure failure;
-  std::string rows;    // comma-separated, with a line of column names
+  std::string rows;    // comma-separated, with a line of column names; empty when streamed
   std::string stream;  // the XML stream; empty when none was asked for
   std::string echo;    // what went to standard output
   std::vector<std::string> calls;

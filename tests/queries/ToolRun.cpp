@@ -49,14 +49,14 @@ ToolRun::ToolRun(const std::string& program, const Script& script, const std::ve
   if (mkdtemp(pattern.data()) == nullptr) throw ScriptError("no folder for temporary files");
   _folder = pattern;
   _arguments = {program, "--no-live"};
+  // A file of pragmas, since -n would move the models with the queries.
+  std::ofstream pragmas(_folder + "/models.mof");
+  pragmas << "#pragma namespace (\"" << script.nameSpace << "\")\n";
   for (const std::string& model : script.models) {
-    _arguments.insert(_arguments.end(), {"-m", findModel(model, folders)});
+    pragmas << "#pragma include (\"" << std::filesystem::absolute(findModel(model, folders)).string() << "\")\n";
   }
-  for (std::size_t i = 0; i < script.mofTexts.size(); ++i) {
-    const std::string path = _folder + "/script" + std::to_string(i) + ".mof";
-    std::ofstream(path) << script.mofTexts[i];
-    _arguments.insert(_arguments.end(), {"-m", path});
-  }
+  for (const std::string& text : script.mofTexts) pragmas << text << "\n";
+  _arguments.insert(_arguments.end(), {"-m", _folder + "/models.mof"});
   for (const auto& [key, value] : script.settings) {
     _arguments.insert(_arguments.end(), {"--set", "ZEMO." + key + "=" + value});
   }

@@ -13,7 +13,7 @@ struct ToolOutcome {
   std::string err;
 };
 
-// Makes a folder for the script's inline MOF, which goes with it.
+// Makes a folder for its files, which goes with it.
 class ToolRun {
  public:
   ToolRun(const std::string& program, const Script& script, const std::vector<std::string>& folders);
