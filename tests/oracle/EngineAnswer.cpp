@@ -9,6 +9,7 @@ namespace {
 
 constexpr char kNameSpace[] = "root/cimv2";
 constexpr char kSortFailed[] = "Caught an exception while sorting the data.";
+constexpr char kTypesDiffer[] = "Cannot compare ";
 
 Answer readRows(const QORQL_Query& query, QORQL_SymbolTable& symbols, QORSmrPtr<QORQL_DataTable>& table) {
   Answer answer;
@@ -40,7 +41,10 @@ Answer EngineStatement::answer(const World& world, QORQL_DataTable::ExecutionMod
     _query->execute(_symbols, table, nullptr, kNameSpace);
   } catch (const QORQL_Exception& error) {
     if (!(error.getMessage() == kSortFailed)) throw;
-    return {true, {}};
+    return {Answer::Failure::Sort, {}};
+  } catch (const QoriBaseException& error) {
+    if (!error.getMessage().beginsWith(kTypesDiffer)) throw;
+    return {Answer::Failure::Type, {}};
   }
   return readRows(*_query, _symbols, table);
 }

@@ -3,6 +3,7 @@
 // the last operand counts; then the rows are sorted, projected and cut off.
 #include "Naive.h"
 
+#include <algorithm>
 #include <deque>
 #include <stdexcept>
 
@@ -47,6 +48,8 @@ Value valueOf(const Operand& operand, const Table& table, const Row& row) {
   }
 }
 
+struct TypeFailure {};
+
 bool isOuter(Comparison::Operator op) {
   using Op = Comparison::Operator;
   return op == Op::LeftJoin || op == Op::RightJoin || op == Op::FullJoin;
@@ -60,8 +63,9 @@ Truth truthOf(const Comparison& comparison, const Table& table, const Row& row) 
   if (comparison.op == Op::IsNotNull) return truth(!left.isNull());
   const Value right = valueOf(comparison.right, table, row);
   if (left.isNull() || right.isNull()) return Truth::Null;
-  const int a = left.number.value();
-  const int b = right.number.value();
+  if (!left.number || !right.number) throw TypeFailure();
+  const int a = *left.number;
+  const int b = *right.number;
   switch (comparison.op) {
     case Op::NotEqual:
       return truth(a != b);
@@ -148,6 +152,25 @@ void filter(const Comparison& comparison, Table& table) {
   table.rows = kept;
 }
 
+void filterChain(const std::vector<Comparison>& chain, Table& table) {
+  for (const Comparison& comparison : chain) filter(comparison, table);
+}
+
+// An operand of OR before the last works on a copy whose columns stand in reverse.
+void filterCopy(const std::vector<Comparison>& chain, const Table& table) {
+  Table copy = table;
+  std::reverse(copy.columns.begin(), copy.columns.end());
+  for (Row& row : copy.rows) std::reverse(row.begin(), row.end());
+  filterChain(chain, copy);
+}
+
+void filter(const Condition& where, Table& table) {
+  if (where.empty()) return;
+  const Table given = table;
+  filterChain(where.back(), table);
+  for (std::size_t i = where.size() - 1; i-- != 0;) filterCopy(where[i], given);
+}
+
 // An empty table takes the objects as rows; a table without rows stays with
 // null cells where the others are empty.
 void multiply(Table& table, int which, const std::deque<Object>& objects) {
@@ -224,13 +247,13 @@ Answer answerNaively(const Statement& statement, const World& world) {
     for (std::size_t i = 0; i < keys.size(); ++i) objects[which].push_back({which, static_cast<int>(i), keys[i]});
     multiply(table, which, objects[which]);
   }
-  if (!statement.where.empty()) {
-    for (const Comparison& comparison : statement.where.back()) filter(comparison, table);
-  }
   try {
+    filter(statement.where, table);
     if (statement.order) order(*statement.order, table);
+  } catch (const TypeFailure&) {
+    return {Answer::Failure::Type, {}};
   } catch (const NullKey&) {
-    return {true, {}};
+    return {Answer::Failure::Sort, {}};
   }
   Answer answer;
   for (const Row& row : table.rows) {

@@ -53,9 +53,11 @@ struct Statement {
   std::string toText() const;
 };
 
-// Rows of values as text, null as "-"; or a failed sort.
+// Rows of values as text, null as "-"; or a failure.
 struct Answer {
-  bool hasSortFailed = false;
+  enum class Failure { None, Sort, Type };
+
+  Failure failure = Failure::None;
   std::vector<std::vector<std::string>> rows;
 
   bool operator==(const Answer&) const = default;

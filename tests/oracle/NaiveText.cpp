@@ -63,7 +63,8 @@ std::string Statement::toText() const {
 }
 
 std::string Answer::toText() const {
-  if (hasSortFailed) return "the sort fails\n";
+  if (failure == Failure::Sort) return "the sort fails\n";
+  if (failure == Failure::Type) return "a text does not compare with a number\n";
   std::string text;
   for (const std::vector<std::string>& row : rows) {
     text += join(row, " ", [](const std::string& value) { return value; }) + "\n";

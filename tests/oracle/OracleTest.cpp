@@ -98,6 +98,19 @@ TEST(Oracle, EveryConditionOfTwoConnectivesOverTwoTables) {
   }
 }
 
+// `A.Id < 1` fails on a row that has an A: conditions before it may keep such
+// rows away, and operands of OR before the last still fail.
+TEST(Oracle, EveryConditionOfTwoConnectivesThatMayFail) {
+  const std::vector<Comparison> comparisons = {
+      compare(k(kA), Op::Equal, k(kB)), compare(k(kB), Op::LeftJoin, number(1)),
+      compare(number(2), Op::FullJoin, k(kA)), test(k(kB), Op::IsNull), compare(id(kA), Op::Less, number(1))};
+  const std::vector<std::vector<Key>> lists = {{}, {Key()}, {Key(1)}, {Key(2), Key(1)}};
+  const std::vector<World> worlds = worldsOfTwo(lists, lists);
+  for (const Condition& where : conditionsOf(comparisons, 2)) {
+    if (!checkAll({{id(kA), id(kB)}, {kA, kB}, where, {}, {}}, worlds)) return;
+  }
+}
+
 TEST(Oracle, EveryJoinOfTwoTables) {
   const std::vector<std::vector<Key>> lists = allKeyLists(kTwoKeys, 3);
   const std::vector<World> worlds = worldsOfTwo(lists, lists);
