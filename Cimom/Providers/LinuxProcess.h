@@ -6,7 +6,9 @@
 
 // One instance per process, in ascending order of the kernel's process table.
 // Stateless; several threads may enumerate at once. Reads from the kernel only
-// what the request names.
+// what the request names. libproc2 keeps some 256 KiB for each thread that has
+// enumerated and never gives them back, also not when the thread ends: a
+// program of many short-lived threads asks from one that lives on.
 class LinuxProcess : public InstanceProvider {
  public:
   static const char* const kClassName;
