@@ -80,7 +80,7 @@ LinuxValue readTimeZone(System&) {
                                               : sint16Value(static_cast<QORsint16>(local.tm_gmtoff / 60));
 }
 
-// The names in /proc that are numbers.
+// The names in /proc that are numbers; none when the kernel's files are not there.
 LinuxValue readProcessCount(System&) {
   const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir("/proc"), closedir);
   if (folder == nullptr) {
@@ -91,7 +91,7 @@ LinuxValue readProcessCount(System&) {
   while (const dirent* entry = readdir(folder.get())) {
     if (entry->d_name[0] >= '1' && entry->d_name[0] <= '9') ++count;
   }
-  return uint32Value(count);
+  return count == 0 ? LinuxValue() : uint32Value(count);
 }
 LinuxValue readProcessorCount(System&) {
   const long count = sysconf(_SC_NPROCESSORS_ONLN);

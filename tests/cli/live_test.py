@@ -15,6 +15,42 @@ QUALIFIERS = ("Qualifier Key : boolean = false, Scope(property, reference), Flav
               "Flavor(EnableOverride, Restricted);\n")
 
 
+# A world of its own in which the kernel's files are not there.
+WITHOUT_PROC = ["unshare", "--map-root-user", "--mount", "sh", "-c", 'mount -t tmpfs none /proc && exec "$@"', "sh"]
+
+
+def can_hide_proc():
+    try:
+        return subprocess.run([*WITHOUT_PROC, "true"], capture_output=True, check=False).returncode == 0
+    except FileNotFoundError:
+        return False
+
+
+@unittest.skipUnless(can_hide_proc(), "this system does not let a test hide /proc")
+class ProviderFailure(ToolCase):
+    def blind(self, *arguments):
+        return toolcase.Result(subprocess.run([*WITHOUT_PROC, toolcase.TOOL, *arguments], capture_output=True,
+                                              timeout=60, check=False))
+
+    def test_ends_with_status_3_and_its_message(self):
+        for query, message in (("SELECT Handle FROM Linux_Process", "The process table cannot be read"),
+                               ("SELECT Name FROM Linux_FileSystem", "The table of mounts cannot be read"),
+                               ("SELECT DeviceID FROM Linux_Processor", "The processors cannot be listed")):
+            with self.subTest(query=query):
+                result = self.blind("-o", "csv", query)
+                self.assertEqual(result.out, "")
+                self.refused(result, 3, f"qorql: error: {message} (CIM status 1)")
+
+    def test_the_log_tells_why(self):
+        result = self.blind("--log", "info", "SELECT Handle FROM Linux_Process")
+        self.assertIn("qorql: info: Providers: Cannot read /proc: No such file or directory\n", result.err)
+
+    def test_a_property_that_cannot_be_read_is_null(self):
+        result = self.blind("-o", "json", "SELECT HostName, NumberOfProcesses, TotalVisibleMemorySize, LoadAverage, "
+                                          "LastBootUpTime FROM Linux_OperatingSystem")
+        self.assertEqual(list(json.loads(self.succeed(result))[0].values()), [os.uname().nodename] + [None] * 4)
+
+
 class Live(ToolCase):
     def rows(self, query, *arguments):
         return json.loads(self.succeed(self.run_tool("-o", "json", *arguments, query)))
