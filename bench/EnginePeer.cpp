@@ -1,0 +1,106 @@
+// The engine: statements parsed beforehand, executed and read to the last cell.
+#include <array>
+#include <utility>
+
+#include "Cimom/QORQL/QORQL_DataTable.h"
+#include "Cimom/QORQL/QORQL_Lexer.h"
+#include "Cimom/QORQL/QORQL_Query.h"
+#include "Cimom/QORQL/QORQL_ResultReader.h"
+#include "Cimom/QORQL/QORQL_SelectList.h"
+#include "Cimom/QORQL/QORQL_SymbolTable.h"
+#include "bench/PairedRounds.h"
+#include "bench/Peer.h"
+#include "bench/World.h"
+#include "bench/XmlTable.h"
+
+namespace bench {
+
+namespace {
+
+// A parsed statement with the texts that it refers to.
+struct Statement {
+  explicit Statement(const std::string& query) : text(query) {
+    QORQL_Lexer lexer(text, false);
+    parsed = QORQL_Query::parse(symbols, lexer, false, text, language, nameSpace).StaticCast<QORQL_Query>();
+  }
+
+  const QORString text;
+  const QORString language = "DMTF:CQL";
+  const QORString nameSpace = kNameSpace;
+  QORQL_SymbolTable symbols{nullptr};
+  QORSmrPtr<QORQL_Query> parsed;
+};
+
+void readCell(const QORSmrPtr<IQoriValue>& value, bool isSortKey, Answer& answer) {
+  if (value.IsNull()) return answer.null();
+  const QoriScalar cell = value->scalar();
+  if (cell.kind == QoriScalarKind::Text) return answer.text(cell.text->view());
+  if (cell.kind == QoriScalarKind::Real) return answer.real(cell.r);
+  answer.number(cell.u);
+  if (isSortKey) answer.sortKey(cell.u);
+}
+
+void readRows(QORQL_ResultReader& reader, int sortColumn, Answer& answer) {
+  const std::size_t columns = reader.columns().size();
+  while (reader.next()) {
+    for (std::size_t i = 0; i < columns; ++i) readCell(reader.value(i), static_cast<int>(i) == sortColumn, answer);
+    answer.endRow();
+  }
+}
+
+class EnginePeer final : public Peer {
+ public:
+  const char* name() const override { return "QORQL"; }
+
+  void attach() override {
+    for (std::unique_ptr<Statement>& statement : _statements) statement.reset();
+  }
+
+  Answer run(const Workload& workload, bool isThorough) override {
+    if (workload.isParse()) return parse(workload);
+    Statement& statement = prepared(workload);
+    if (workload.isXml()) {
+      return answerOfXml(workload, isThorough, [&](std::ostream& out) { execute(statement, &out); });
+    }
+    Answer answer(isThorough);
+    QORSmrPtr<QORQL_DataTable> table = execute(statement, nullptr);
+    QORQL_ResultReader reader(*statement.parsed, statement.symbols, table);
+    readRows(reader, workload.sortColumn, answer);
+    return answer;
+  }
+
+  std::vector<double> takeExecuteSeconds() override { return std::exchange(_executeSeconds, {}); }
+
+ private:
+  static Answer parse(const Workload& workload) {
+    const Statement statement(workload.query);
+    Answer answer;
+    answer.number(
+        dynamic_cast<const QORQL_SelectList&>(*statement.parsed->getSelectList()).getSelectedEntries()->entries());
+    answer.endRow();
+    return answer;
+  }
+
+  Statement& prepared(const Workload& workload) {
+    std::unique_ptr<Statement>& statement = _statements[static_cast<std::size_t>(workload.task)];
+    if (statement == nullptr) statement = std::make_unique<Statement>(workload.query);
+    return *statement;
+  }
+
+  QORSmrPtr<QORQL_DataTable> execute(Statement& statement, std::ostream* out) {
+    const double start = cpuSeconds();
+    QORSmrPtr<QORQL_DataTable> table(new QORQL_DataTable());
+    statement.parsed->execute(statement.symbols, table, out, statement.nameSpace);
+    _executeSeconds.push_back(cpuSeconds() - start);
+    return table;
+  }
+
+  std::array<std::unique_ptr<Statement>, static_cast<std::size_t>(Task::Count)> _statements;
+  std::vector<double> _executeSeconds;
+};
+
+}  // namespace
+
+std::unique_ptr<Peer> makeEnginePeer() { return std::make_unique<EnginePeer>(); }
+
+}  // namespace bench

@@ -1,0 +1,161 @@
+// qorql_bench: Google Benchmark's options and output, or with --table the peers
+// in interleaved rounds as a table of medians and ratios.
+#include <benchmark/benchmark.h>
+
+#include <charconv>
+#include <cstring>
+#include <exception>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <string_view>
+#include <thread>
+
+#include "bench/Peer.h"
+#include "bench/Table.h"
+#include "bench/World.h"
+
+namespace {
+
+constexpr const char* kUsage =
+    "usage: qorql_bench --table [--sizes=1000,100000,1000000] [--only=scan,sort,...] [--rounds=9] [--turn=0.03]\n"
+    "       qorql_bench [Google Benchmark's options]\n";
+
+// Worlds and peers by size, made when a benchmark first needs them.
+class Stage {
+ public:
+  struct Set {
+    std::unique_ptr<bench::World> world;
+    std::vector<std::unique_ptr<bench::Peer>> peers;
+    std::map<bench::Task, std::uint64_t> checked;  // rows of the workloads on which the peers agree
+  };
+
+  Set& enter(std::uint64_t size) {
+    Set& set = _sets[size];
+    const bool isNew = set.world == nullptr;
+    if (isNew) set.world = std::make_unique<bench::World>(size);
+    set.world->makeCurrent();
+    if (isNew) {
+      set.peers = bench::makePeers();
+      for (const auto& peer : set.peers) peer->attach();
+    }
+    return set;
+  }
+
+ private:
+  std::map<std::uint64_t, Set> _sets;
+};
+
+// THROWS std::runtime_error when the peers disagree on the workload.
+void runBenchmark(benchmark::State& state, Stage& stage, bench::PeerIndex peer, const bench::Workload& workload,
+                  std::uint64_t size) {
+  Stage::Set& set = stage.enter(size);
+  if (!set.checked.contains(workload.task)) {
+    set.checked[workload.task] = bench::requireSameAnswers(set.peers, workload).rows();
+  }
+  for (auto _ : state) benchmark::DoNotOptimize(set.peers[peer]->run(workload, false).checksum());
+  state.counters["rows"] = static_cast<double>(set.checked[workload.task]);
+}
+
+void registerBenchmarks(Stage& stage) {
+  const std::vector<std::unique_ptr<bench::Peer>> peers = bench::makePeers();
+  for (const std::uint64_t size : {1000, 100000, 1000000}) {
+    for (const bench::Workload& workload : bench::workloads()) {
+      if (workload.isSmallOnly && size != 1000) continue;
+      for (const bench::PeerIndex peer : {bench::kNative, bench::kSqlite, bench::kEngine}) {
+        if (!peers[peer]->supports(workload)) continue;
+        const std::string name = std::string(workload.id) + "/" + peers[peer]->name() + "/" + std::to_string(size);
+        benchmark::RegisterBenchmark(name.c_str(), [&stage, peer, &workload, size](benchmark::State& state) {
+          runBenchmark(state, stage, peer, workload, size);
+        })->Unit(benchmark::kMicrosecond);
+      }
+    }
+  }
+}
+
+std::vector<std::string_view> splitAtCommas(std::string_view text) {
+  std::vector<std::string_view> parts;
+  for (;;) {
+    const std::size_t comma = text.find(',');
+    parts.push_back(text.substr(0, comma));
+    if (comma == std::string_view::npos) return parts;
+    text.remove_prefix(comma + 1);
+  }
+}
+
+// Reads a number above zero; false when the text is none.
+template <class Number>
+bool readPositive(std::string_view text, Number& out) {
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), out);
+  return error == std::errc() && end == text.data() + text.size() && out > 0;
+}
+
+bool readOnly(std::string_view text, bench::TableOptions& options) {
+  for (const std::string_view id : splitAtCommas(text)) {
+    bool isKnown = false;
+    for (const bench::Workload& workload : bench::workloads()) isKnown = isKnown || id == workload.id;
+    if (!isKnown) return false;
+    options.only.insert(std::string(id));
+  }
+  return true;
+}
+
+bool readSizes(std::string_view text, bench::TableOptions& options) {
+  options.sizes.clear();
+  for (const std::string_view part : splitAtCommas(text)) {
+    if (!readPositive(part, options.sizes.emplace_back())) return false;
+  }
+  return true;
+}
+
+bool readTableOption(std::string_view argument, bench::TableOptions& options) {
+  const std::size_t equals = argument.find('=');
+  if (equals == std::string_view::npos) return false;
+  const std::string_view name = argument.substr(0, equals);
+  const std::string_view value = argument.substr(equals + 1);
+  if (name == "--sizes") return readSizes(value, options);
+  if (name == "--only") return readOnly(value, options);
+  if (name == "--rounds") return readPositive(value, options.rounds);
+  if (name == "--turn") return readPositive(value, options.leastSeconds);
+  return false;
+}
+
+int runTable(int argc, char** argv) {
+  bench::TableOptions options;
+  for (int i = 2; i < argc; ++i) {
+    if (readTableOption(argv[i], options)) continue;
+    std::cerr << "qorql_bench: " << argv[i] << "\n" << kUsage;
+    return 2;
+  }
+  bench::printTables(options, std::cout);
+  return 0;
+}
+
+int runGoogleBenchmark(int argc, char** argv) {
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
+    std::cerr << kUsage;
+    return 2;
+  }
+  Stage stage;
+  registerBenchmarks(stage);
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    // A process that has had a second thread counts references atomically, as a server does.
+    std::thread([] {}).join();
+    const bool isTable = argc > 1 && std::strcmp(argv[1], "--table") == 0;
+    return isTable ? runTable(argc, argv) : runGoogleBenchmark(argc, argv);
+  } catch (const QoriBaseException& error) {
+    std::cerr << "qorql_bench: " << error.getMessage() << "\n";
+  } catch (const std::exception& error) {
+    std::cerr << "qorql_bench: " << error.what() << "\n";
+  }
+  return 1;
+}
