@@ -1,9 +1,11 @@
 // The OR and AND levels: on a row only without operator, on a table as filters.
 #include <vector>
 
+#include "Cimom/QORQL/QORQL_Comparison.h"
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_Expression.h"
 #include "Cimom/QORQL/QORQL_ExpressionTerm.h"
+#include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
 #include "Cimom/QORQL/QORQL_LazyTable.h"
 
 // The base evaluates to nothing.
@@ -38,6 +40,21 @@ QORSmrPtr<QORQL_DataRow> reversedRow(const QORQL_DataRow& row, QORuint32 columnC
   return copy;
 }
 
+// The rows as they are before the last operand changes them.
+Table copyInOrder(const Table& table) {
+  Table copy(new QORQL_DataTable());
+  copy->inherit(*table);
+  QORValSlistIterator<QORSmrPtr<QORQL_TableHeader>> headers(*table->getColumnHeaderList());
+  while (++headers) copy->addColumn(headers.key(), copy->getColumnCount(), false);
+  QORValSlistIterator<QORSmrPtr<QORQL_DataRow>> rows(*table->getRows());
+  while (++rows) {
+    if (rows.key().IsNull()) continue;
+    QORSmrPtr<QORQL_DataRow> row(new QORQL_DataRow(*rows.key()));
+    copy->addRow(row);
+  }
+  return copy;
+}
+
 // What a left operand of OR filters, without any effect on the given table.
 Table copyForDiscard(const Table& table) {
   Table copy(new QORQL_DataTable());
@@ -61,7 +78,28 @@ Table copyLazily(const Table& table) {
   return copy;
 }
 
-Table copyOf(const Table& table) { return table->lazy() == nullptr ? copyForDiscard(table) : copyLazily(table); }
+class OuterJoinFinder : public QORQL_ExpressionVisitor {
+ public:
+  void visitComparison(const QORQL_Comparison& comparison) override {
+    isFound = isFound || comparison.getJoinType() != QORQL_JOIN_TYPE_INNER;
+  }
+  bool isFound = false;
+};
+
+bool hasOuterJoin(QORQL_Evaluatable& operand) {
+  OuterJoinFinder* const finder = new OuterJoinFinder();
+  QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
+  operand.accept(visitor);
+  return finder->isFound;
+}
+
+// An outer join may fall back to the first column, which the reversal decides:
+// then the rows of the copy are made.
+Table copyFor(QORQL_Evaluatable& operand, const Table& table) {
+  if (table->lazy() == nullptr) return copyForDiscard(table);
+  Table copy(copyLazily(table));
+  return hasOuterJoin(operand) ? copyForDiscard(copy) : copy;
+}
 
 }  // namespace
 
@@ -82,10 +120,10 @@ void QORQL_Expression::evaluate(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_
     last->_expressionTerm->evaluate(symbolTable, table, nameSpace);
     return;
   }
-  Table original(copyOf(table));
+  const Table original(table->lazy() == nullptr ? copyInOrder(table) : copyLazily(table));
   last->_expressionTerm->evaluate(symbolTable, table, nameSpace);
   while (!discarded.empty()) {
-    Table copy(discarded.size() == 1 ? original : copyOf(original));
+    Table copy(copyFor(*discarded.back(), original));
     discarded.back()->evaluate(symbolTable, copy, nameSpace);
     discarded.pop_back();
   }
