@@ -1,0 +1,216 @@
+// Whether one instance satisfies a filter: the walk over the parsed WHERE tree.
+// Whatever is missing or wrong on the way makes the instance not match.
+#include "Cimom/QORQL/CQLMatcher.h"
+#include "Cimom/QORQL/CQLQueryStatement.h"
+#include "Cimom/QORQL/CQLQueryValidator.h"
+#include "Cimom/QORQL/QORQL_Arithmetic.h"
+#include "Cimom/QORQL/QORQL_Expression.h"
+#include "Cimom/QORQL/QORQL_ExpressionFactor.h"
+#include "Cimom/QORQL/QORQL_ExpressionTerm.h"
+#include "Cimom/QORQL/QORQL_Factor.h"
+#include "Cimom/QORQL/QORQL_FromClause.h"
+#include "Cimom/QORQL/QORQL_Term.h"
+#include "Cimom/QORQL/QORQL_Values.h"
+#include "Cimom/QORQL/QORQL_WhereClause.h"
+
+namespace {
+
+using Value = QORSmrPtr<IQoriValue>;
+using Node = QORSmrPtr<QORQL_Evaluatable>;
+
+constexpr char kIsMatch[] = "CQLQUERYSTATEMENT::isMatch";
+constexpr char kAlertingElement[] = "AlertingManagedElement";
+constexpr char kAlertingFormat[] = "AlertingElementFormat";
+constexpr QORuint64 kPathFormat = 2;
+
+const Node& operandOf(const QORQL_Arithmetic& node) { return node.getTerm(); }
+const Node& operandOf(const QORQL_Term& node) { return node.getFactor(); }
+const Node& restOf(const QORQL_Arithmetic& node) { return node.getArithmetic(); }
+const Node& restOf(const QORQL_Term& node) { return node.getTerm(); }
+
+// A right-grouped chain: operands from the left, combined from the right.
+template <class Chain, class Evaluate>
+Value evaluateChain(const Node& node, Evaluate evaluate) {
+  std::vector<Value> values;
+  std::vector<QORQL_Operator> operators;
+  for (const auto* link = dynamic_cast<const Chain*>(node.Get()); link != nullptr;) {
+    values.push_back(evaluate(operandOf(*link)));
+    if (link->getOperator() == QORQL_OperatorNONE) break;
+    operators.push_back(link->getOperator());
+    link = dynamic_cast<const Chain*>(restOf(*link).Get());
+  }
+  if (values.size() != operators.size() + 1) return {};
+  Value result(values.back());
+  for (std::size_t i = operators.size(); i-- != 0;) result = QORQL_combine(operators[i], values[i], result);
+  return result;
+}
+
+bool isTrue(const Value& value) { return !value.IsNull() && value->getBoolean(); }
+
+QORQL_Comparison* nestedComparison(const Node& node) { return dynamic_cast<QORQL_Comparison*>(node.Get()); }
+
+// The comparison in the parentheses that an operand consists of; null when there is none.
+const Node* parenthesised(const Node& arithmetic) {
+  const auto* sum = dynamic_cast<const QORQL_Arithmetic*>(arithmetic.Get());
+  if (sum == nullptr || sum->getOperator() != QORQL_OperatorNONE || sum->getTermCasted() == nullptr) return nullptr;
+  const QORQL_Term& term = *sum->getTermCasted();
+  const QORQL_Factor* const factor = term.getOperator() == QORQL_OperatorNONE ? term.getFactorCasted() : nullptr;
+  if (factor == nullptr || factor->getOperator() != QORQL_OperatorNONE) return nullptr;
+  return nestedComparison(factor->getEvaluatable()) == nullptr ? nullptr : &factor->getEvaluatable();
+}
+
+}  // namespace
+
+bool CQLQueryStatement::isMatch(const QORSmrPtr<IQoriObject>& instance, const QORString& nameSpace) const {
+  requireValidated(kIsMatch);
+  if (instance.IsNull()) CQLQueryException::raise(kIsMatch, CQL_QUERY_INVALID_OR_NULL_PARM_ERROR);
+  bool result = false;
+  const CQLQueryExceptionCode code = doMatch(result, instance, nameSpace);
+  if (code != CQL_QUERY_SUCCESS && code != CQL_QUERY_ISMATCH_FAILURE) CQLQueryException::raise(kIsMatch, code);
+  return result;
+}
+
+CQLQueryExceptionCode CQLQueryStatement::doMatch(bool& result, const Instance& instance,
+                                                 const QORString& nameSpace) const {
+  result = false;
+  if (nameSpace.isNull()) return CQL_QUERY_INTERNAL_ERROR;
+  try {
+    if (!nameSpace.isEqualCaseInsensitive(nameSpaceInUse())) return CQL_QUERY_ISMATCH_FAILURE;
+    if (!isMatchFromClause(instance)) return CQL_QUERY_ISMATCH_FAILURE;
+    result = _matcher == nullptr ? isMatchWhereClause(instance) : _matcher->matches(instance);
+    return result ? CQL_QUERY_SUCCESS : CQL_QUERY_ISMATCH_FAILURE;
+  } catch (...) {
+    result = false;
+    return CQL_QUERY_INTERNAL_ERROR;
+  }
+}
+
+bool CQLQueryStatement::isMatchFromClause(const Instance& instance) const {
+  const QORString& className = instance->getClassName();
+  if (className.isEmpty()) return false;
+  QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*fromClause().getFromSpecifierList());
+  while (++specifiers) {
+    if (CQLQueryValidator::isSubClass(nameSpaceInUse(), className, specifiers.key()->getTableName())) return true;
+  }
+  return false;
+}
+
+bool CQLQueryStatement::isMatchWhereClause(const Instance& instance) const {
+  try {
+    const Node none;
+    const QORSmrPtr<QORQL_Executable>& clause = dynamic_cast<const QORQL_Query&>(*_query).getWhereClause();
+    if (clause.IsNull()) return true;
+    const auto* where = dynamic_cast<const QORQL_WhereClause*>(clause.Get());
+    return where != nullptr && isMatchExpression(where->getExpression(), instance);
+  } catch (...) {
+    return false;
+  }
+}
+
+bool CQLQueryStatement::isMatchExpression(const Node& node, const Instance& instance) const {
+  const auto* expression = dynamic_cast<const QORQL_Expression*>(node.Get());
+  return expression != nullptr && expression->getOperator() == QORQL_OperatorNONE &&
+         isMatchExpressionTerm(expression->getExpressionTerm(), instance);
+}
+
+bool CQLQueryStatement::isMatchExpressionTerm(const Node& node, const Instance& instance) const {
+  const auto* term = dynamic_cast<const QORQL_ExpressionTerm*>(node.Get());
+  while (term != nullptr && isMatchExpressionFactor(term->getExpressionFactor(), instance)) {
+    if (term->getOperator() == QORQL_OperatorNONE) return true;
+    if (term->getOperator() != QORQL_OperatorAND) return false;
+    term = dynamic_cast<const QORQL_ExpressionTerm*>(term->getExpressionTerm().Get());
+  }
+  return false;
+}
+
+bool CQLQueryStatement::isMatchExpressionFactor(const Node& node, const Instance& instance) const {
+  const auto* factor = dynamic_cast<const QORQL_ExpressionFactor*>(node.Get());
+  return factor != nullptr && factor->getOperator() == QORQL_OperatorNONE &&
+         isMatchComparison(factor->getComparison(), instance);
+}
+
+bool CQLQueryStatement::isMatchComparison(const Node& node, const Instance& instance) const {
+  try {
+    const auto* comparison = dynamic_cast<const QORQL_Comparison*>(node.Get());
+    if (comparison == nullptr) return false;
+    const QORQL_Operator op = comparison->getOperator();
+    if (op == QORQL_OperatorISA) return matchesIsa(*comparison, instance);
+    if (op == QORQL_OperatorNONE) {
+      const Node* const inner = parenthesised(comparison->getLHSArithmeticExpression());
+      return inner != nullptr && isMatchComparison(*inner, instance);
+    }
+    if (op < QORQL_OperatorEQUAL || op > QORQL_OperatorGREATEREQUAL) return false;
+    const Value lhs(doMatchArithmetic(comparison->getLHSArithmeticExpression(), instance));
+    const Value rhs(doMatchArithmetic(comparison->getRHSArithmeticExpression(), instance));
+    if (lhs.IsNull() || rhs.IsNull()) return false;
+    const bool isEquality = op == QORQL_OperatorEQUAL || op == QORQL_OperatorNOTEQUAL;
+    return isTrue(isEquality ? doComparisonOpEqualsNotEquals(lhs, rhs, op, comparison->getArrayComp())
+                             : doComparisonOpGreaterLess(lhs, rhs, op, comparison->getArrayComp()));
+  } catch (...) {
+    return false;
+  }
+}
+
+Value CQLQueryStatement::doMatchArithmetic(const Node& node, const Instance& instance) const {
+  return evaluateChain<QORQL_Arithmetic>(node, [&](const Node& operand) { return doMatchTerm(operand, instance); });
+}
+
+Value CQLQueryStatement::doMatchTerm(const Node& node, const Instance& instance) const {
+  return evaluateChain<QORQL_Term>(node, [&](const Node& operand) { return doMatchFactor(operand, instance); });
+}
+
+Value CQLQueryStatement::doMatchFactor(const Node& node, const Instance& instance) const {
+  const auto* factor = dynamic_cast<const QORQL_Factor*>(node.Get());
+  if (factor == nullptr) return {};
+  if (factor->getEvaluatable().IsNull()) {
+    if (!factor->getLiteral().IsNull()) return factor->getLiteral();
+    return getPropertyValueFromEmbeddedObject(*instance, *factor);
+  }
+  Value value;
+  if (const QORQL_Comparison* const inner = nestedComparison(factor->getEvaluatable())) {
+    value = inner->getOperator() == QORQL_OperatorNONE
+                ? doMatchArithmetic(inner->getLHSArithmeticExpression(), instance)
+                : Value(new CQoriValue(isMatchComparison(factor->getEvaluatable(), instance), CQoriType::boolean));
+  } else {
+    value = doMatchFactor(factor->getEvaluatable(), instance);
+  }
+  if (factor->getOperator() != QORQL_OperatorMINUS) return value;
+  const bool isUint64 = !value.IsNull() && value->getType()->getName() == "uint64";
+  return isUint64 ? Value() : QORQL_negate(value);
+}
+
+Value CQLQueryStatement::getPropertyValueFromEmbeddedObject(const IQoriObject& instance,
+                                                            const QORQL_Factor& factor) const {
+  const CQLPropertyPath path(*this, factor);
+  return path.value(instance);
+}
+
+bool CQLQueryStatement::matchesAlertingElement(const IQoriObject& instance, const QORString& className) const {
+  const QORSmrPtr<IQoriProperty> format(instance.getProperty(kAlertingFormat, true));
+  const QORSmrPtr<IQoriProperty> element(instance.getProperty(kAlertingElement, true));
+  if (format.IsNull() || element.IsNull() || format->getValue().IsNull() || element->getValue().IsNull()) return false;
+  if (!format->getValue()->scalar().isNumber() || format->getValue()->getUint64() != kPathFormat) return false;
+  const IQoriValue& path = *element->getValue();
+  if (path.isArray() || path.getType()->getName() != "string") return false;
+  const QORString text(path.toString());
+  if (!text.beginsWith("//")) return false;
+  const std::size_t colon = text.find(":");
+  const std::size_t dot = colon == QORString::npos ? QORString::npos : text.find(".", colon + 1);
+  if (dot == QORString::npos) return false;
+  const QORString named(text.subStr(colon + 1, dot - colon - 1));
+  return !named.isEmpty() && CQLQueryValidator::isSubClass(nameSpaceInUse(), named, className);
+}
+
+// The left side contributes the name of its property, the right side a class.
+bool CQLQueryStatement::matchesIsa(const QORQL_Comparison& comparison, const Instance& instance) const {
+  const CQLIsaNames names(comparison);
+  if (!names.areBothGiven) return false;
+  const QORSmrPtr<IQoriProperty> property(instance->getProperty(names.propertyName, true));
+  if (!property.IsNull() && !property->getValue().IsNull() && !property->getValue()->isArray()) {
+    const QORSmrPtr<IQoriObject> object(property->getValue()->getObject());
+    if (!object.IsNull() && !object->getClassName().isEmpty()) {
+      return CQLQueryValidator::isSubClass(nameSpaceInUse(), object->getClassName(), names.className);
+    }
+  }
+  return names.propertyName == kAlertingElement && matchesAlertingElement(*instance, names.className);
+}

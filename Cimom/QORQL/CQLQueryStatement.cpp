@@ -1,0 +1,172 @@
+// Validation of a filter statement, and the classes that it is about.
+#include "Cimom/QORQL/CQLQueryStatement.h"
+
+#include "Cimom/QORQL/CQLMatcher.h"
+#include "Cimom/QORQL/CQLQueryValidator.h"
+#include "Cimom/QORQL/QORQL_FromClause.h"
+#include "Cimom/QORQL/QORQL_Lexer.h"
+#include "Cimom/QORQL/QORQL_Log.h"
+#include "Cimom/QORQL/QORQL_SelectList.h"
+#include "Cimom/QORQL/QORQL_SymbolTable.h"
+#include "cimom/CQoriInstanceName.h"
+
+namespace {
+
+// The component of the log lines: two spellings, for refusals and for exceptions.
+constexpr char kValidateCall[] = "CQLQUERYSTATEMENT::validate()";
+constexpr char kValidate[] = "CQLQUERYSTATEMENT::validate";
+constexpr char kGetClassList[] = "CQLQUERYSTATEMENT::getClassList";
+
+bool isSupported(const QORString& language) {
+  return language.compareTo("CQL", 0) == 0 || language.compareTo("DMTF:CQL", 0) == 0 ||
+         language.compareTo("WQL", 0) == 0;
+}
+
+}  // namespace
+
+CQLQueryStatement::CQLQueryStatement(const QORString& queryLanguage, const QORString& query,
+                                     const QORString& indicationNamespace, const QORString& sourceNamespace)
+    : _queryLang(queryLanguage),
+      _queryString(query),
+      _indicationNamespace(indicationNamespace),
+      _sourceNamespace(sourceNamespace) {}
+
+CQLQueryStatement::~CQLQueryStatement() = default;
+
+void CQLQueryStatement::refuse(const char* who, const QORString& message) {
+  if (_fault.isEmpty()) _fault = message;
+  QORQL_logAs(who, message, QoriTraceLog::kError);
+}
+
+void CQLQueryStatement::parseQuery() {
+  QORQL_SymbolTable symbolTable(nullptr);
+  QORQL_Lexer lexer(_queryString, false);
+  const QORString& none = QORString::emptyString();
+  _query = QORQL_Query::parse(symbolTable, lexer, false, none, none, nameSpaceInUse());
+  queryParsed = true;
+}
+
+void CQLQueryStatement::checkQuery() {
+  if (_query.IsNull()) {
+    queryValidateStatus = QUERY_INVALID_QUERY;
+    refuse(kValidateCall, "Invalid Query");
+  } else if (validateSchema() != CQL_QUERY_SUCCESS) {
+    queryValidateStatus = QUERY_INVALID_QUERY;
+    refuse(kValidateCall, "Invalid Schema");
+  } else {
+    _matcher = std::make_unique<const CQLMatcher>(*this);
+    queryValidateStatus = QUERY_VALIDATE_SUCCESS;
+  }
+}
+
+QUERY_VALIDATE CQLQueryStatement::validate() {
+  if (queryParsed) return queryValidateStatus;
+  if (!isSupported(_queryLang)) {
+    queryValidateStatus = QUERY_UNSUPPORTED_LANGUAGE;
+    refuse(kValidateCall, "Unsupported Query Language");
+    return queryValidateStatus;
+  }
+  QORString message;
+  try {
+    parseQuery();
+    checkQuery();
+    return queryValidateStatus;
+  } catch (const QoriBaseException& error) {
+    message = error.getMessage();
+  } catch (const std::exception& error) {
+    message = error.what();
+  } catch (...) {
+    message = "unknown exception";
+  }
+  queryParsed = true;
+  queryValidateStatus = QUERY_INVALID_QUERY;
+  refuse(kValidate, message);
+  return queryValidateStatus;
+}
+
+void CQLQueryStatement::requireValidated(const char* where) const {
+  constexpr char kMessage[] = "query is not validated ";
+  if (!queryParsed) throw CQLQueryException(where, kMessage, CQL_QUERY_VALIDATE_METHOD_NOT_CALLED);
+  if (queryValidateStatus != QUERY_VALIDATE_SUCCESS) {
+    throw CQLQueryException(where, kMessage, CQL_QUERY_VALIDATE_ERROR);
+  }
+}
+
+const QORQL_SelectList& CQLQueryStatement::selectList() const {
+  return dynamic_cast<const QORQL_SelectList&>(*dynamic_cast<const QORQL_Query&>(*_query).getSelectList());
+}
+
+const QORQL_FromClause& CQLQueryStatement::fromClause() const {
+  return dynamic_cast<const QORQL_FromClause&>(*dynamic_cast<const QORQL_Query&>(*_query).getFromClause());
+}
+
+QORString CQLQueryStatement::fromClassOf(const QORString& name) const {
+  QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*fromClause().getFromSpecifierList());
+  while (++specifiers) {
+    const QORQL_FromSpecifier& specifier = *specifiers.key();
+    if (name.isEmpty()) continue;
+    if (specifier.getTableName().isEqualCaseInsensitive(name) || specifier.getAlias().isEqualCaseInsensitive(name)) {
+      return specifier.getTableName();
+    }
+  }
+  return {};
+}
+
+CQLQueryExceptionCode CQLQueryStatement::buildClassList(ClassList& list) const {
+  try {
+    const QORString& nameSpace = nameSpaceInUse();
+    QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*fromClause().getFromSpecifierList());
+    while (++specifiers) {
+      const QORString& className = specifiers.key()->getTableName();
+      if (className.isEmpty()) continue;
+      if (!CQLQueryValidator::findClass(nameSpace, className)) return CQL_QUERY_VALIDATE_ERROR;
+      const QORSmrPtr<IQoriNameSpacePath> path(new CQoriNameSpacePath(QORString::emptyString(), nameSpace));
+      list->append(new CQoriInstanceName(className, new IQoriInstanceName::KeyList(), path));
+    }
+  } catch (...) {
+    return CQL_QUERY_INTERNAL_ERROR;
+  }
+  return CQL_QUERY_SUCCESS;
+}
+
+// Entries that read a property of a FROM class, and aggregates, must name one
+// that the class has.
+CQLQueryExceptionCode CQLQueryStatement::validateEntry(const QORQL_SelectedEntry& entry, const ClassList& classes) {
+  const bool isChecked = entry.GetFunctionID() == QORQL_FUNCTIONID_UNKNOWN || entry.isEntryAggregate();
+  const QORString& property = entry.getPropertyName();
+  if (entry.isSelectAll() || !isChecked || property.isEmpty() || property == '*') return CQL_QUERY_SUCCESS;
+  const QORString className(fromClassOf(entry.getClassName()));
+  QORValSlistIterator<QORSmrPtr<IQoriInstanceName>> names(*classes);
+  while (++names) {
+    if (names.key()->getClassName().compareTo(className, 0) != 0) continue;
+    if (!CQLQueryValidator::findProperty(nameSpaceInUse(), className, property, true)) {
+      _fault = QORString("'") + property + "' is no property of " + className;
+      return CQL_QUERY_VALIDATE_ERROR;
+    }
+  }
+  return CQL_QUERY_SUCCESS;
+}
+
+CQLQueryExceptionCode CQLQueryStatement::validateSchema() {
+  try {
+    ClassList classes(new QORValSlist<QORSmrPtr<IQoriInstanceName>>());
+    const CQLQueryExceptionCode code = buildClassList(classes);
+    if (code != CQL_QUERY_SUCCESS) return code;
+    QORValSlistIterator<QORSmrPtr<QORQL_SelectedEntry>> entries(*selectList().getSelectedEntries());
+    while (++entries) {
+      const CQLQueryExceptionCode entryCode = validateEntry(*entries.key(), classes);
+      if (entryCode != CQL_QUERY_SUCCESS) return entryCode;
+    }
+    return CQL_QUERY_SUCCESS;
+  } catch (...) {
+    return CQL_QUERY_INTERNAL_ERROR;
+  }
+}
+
+CQLQueryStatement::ClassList CQLQueryStatement::getClassList() const {
+  requireValidated(kGetClassList);
+  ClassList list(new QORValSlist<QORSmrPtr<IQoriInstanceName>>());
+  const CQLQueryExceptionCode code = buildClassList(list);
+  if (code != CQL_QUERY_SUCCESS) CQLQueryException::raise(kGetClassList, code);
+  return list;
+}
