@@ -1,0 +1,373 @@
+// Filter statements: validation, class and property lists, matching one instance.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "Cimom/QORQL/CQLQueryStatement.h"
+#include "QueryWorld.h"
+#include "cimom/CQoriInstanceName.h"
+#include "cimom/CQoriValue.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr char kSchema[] = R"(
+class CIM_ManagedElement { string Caption; };
+class CIM_StorageVolume : CIM_ManagedElement { [key] string Id; uint16 OperationalStatus[]; uint64 Size; };
+class XYZ_Volume : CIM_StorageVolume { string Extra; };
+class CIM_ConcreteJob : CIM_ManagedElement { [key] string Id; uint16 OperationalStatus[]; };
+class CIM_ComputerSystem : CIM_ManagedElement { [key] string Id; uint16 OperationalStatus[]; };
+class CIM_FCPort : CIM_ManagedElement { [key] string Id; };
+[indication] class CIM_Indication { string IndicationIdentifier; };
+[indication] class CIM_InstIndication : CIM_Indication { [EmbeddedObject] string SourceInstance; };
+[indication] class CIM_InstCreation : CIM_InstIndication { };
+[indication] class CIM_InstModification : CIM_InstIndication { [EmbeddedObject] string PreviousInstance; };
+[indication] class CIM_AlertIndication : CIM_Indication {
+  string OwningEntity; string MessageID; string AlertingManagedElement; uint16 AlertingElementFormat;
+  uint8 U8; uint16 U16; uint32 U32; uint64 U64; sint8 S8; sint16 S16; sint32 S32; sint64 S64; real32 R32; real64 R64;
+  boolean B; uint16 A[]; string Absent; datetime When; char16 C;
+};
+)";
+
+constexpr char kNameSpace[] = "root/cimv2";
+
+struct FilterWorld : QueryWorld {
+  FilterWorld() : QueryWorld(kSchema) {}
+
+  QORSmrPtr<IQoriObject> indication(const std::string& mof) {
+    const std::vector<QORSmrPtr<IQoriObject>> read =
+        MofLoader(manager().sink(), kNameSpace).readInstances(mof, "indication");
+    return read.at(0);
+  }
+  QORSmrPtr<IQoriObject> alert(const std::string& properties) {
+    return indication("instance of CIM_AlertIndication { " + properties + " };");
+  }
+  bool matches(const std::string& filter, const QORSmrPtr<IQoriObject>& instance) {
+    CQLQueryStatement statement("DMTF:CQL", QORString(filter.data(), filter.size()), kNameSpace, kNameSpace);
+    EXPECT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS) << filter << ": " << statement.getFault();
+    const bool result = statement.isMatch(instance, kNameSpace);
+    // The walk of the tree judges the prepared conditions.
+    EXPECT_EQ(result, statement.isMatchFromClause(instance) && statement.isMatchWhereClause(instance)) << filter;
+    return result;
+  }
+  bool alertMatches(const std::string& condition, const std::string& properties) {
+    return matches("SELECT * FROM CIM_AlertIndication WHERE " + condition, alert(properties));
+  }
+};
+
+struct Filter : testing::Test {
+  FilterWorld world;
+};
+
+template <class Action>
+std::string queryError(Action action) {
+  try {
+    action();
+  } catch (const CQLQueryException& error) {
+    return QueryWorld::textOf(error.getWhere()) + "|" + QueryWorld::textOf(error.getMessage()) + "|" +
+           std::to_string(error.getCode());
+  }
+  return "";
+}
+
+std::vector<std::string> textsOf(const IQueryStatement::PropertyNames& names) {
+  std::vector<std::string> texts;
+  QORValSlistIterator<QORString> iterator(*names);
+  while (++iterator) texts.push_back(QueryWorld::textOf(iterator.key()));
+  return texts;
+}
+
+QORSmrPtr<IQoriInstanceName> classPath(const char* name) {
+  return QORSmrPtr<IQoriInstanceName>(new CQoriInstanceName(name, nullptr, nullptr));
+}
+
+TEST_F(Filter, languages) {
+  for (const char* language : {"CQL", "DMTF:CQL", "WQL", "dmtf:cql"}) {
+    CQLQueryStatement statement(language, "SELECT * FROM CIM_InstCreation", kNameSpace, "");
+    EXPECT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS) << language;
+    EXPECT_EQ(statement.getQueryLanguage(), language);
+    EXPECT_EQ(statement.getQuery(), "SELECT * FROM CIM_InstCreation");
+  }
+}
+
+TEST_F(Filter, anotherLanguageIsUnsupportedAndStaysUnvalidated) {
+  std::vector<std::string> log;
+  world.manager().setLogSink(
+      [&log](const QORString& who, const QORString& message, QORuint32) {
+        log.push_back(QueryWorld::textOf(who) + ": " + QueryWorld::textOf(message));
+      },
+      QoriTraceLog::kTrace);
+  CQLQueryStatement statement("SQL", "SELECT * FROM CIM_InstCreation", kNameSpace, "");
+  EXPECT_EQ(statement.validate(), QUERY_UNSUPPORTED_LANGUAGE);
+  EXPECT_THAT(log, ElementsAre("CQLQUERYSTATEMENT::validate(): Unsupported Query Language"));
+  EXPECT_EQ(queryError([&] { statement.getClassList(); }), "CQLQUERYSTATEMENT::getClassList|query is not validated |2");
+}
+
+TEST_F(Filter, operationsBeforeValidationNameThemselves) {
+  const CQLQueryStatement statement("CQL", "SELECT * FROM CIM_InstCreation", kNameSpace, "");
+  const QORSmrPtr<IQoriInstanceName> name(classPath("CIM_InstCreation"));
+  EXPECT_EQ(queryError([&] { statement.getClassList(); }), "CQLQUERYSTATEMENT::getClassList|query is not validated |2");
+  EXPECT_EQ(queryError([&] { statement.getPropertyList(name); }),
+            "CQLQUERYSTATEMENT::getPropertyList|query is not validated |2");
+  EXPECT_EQ(queryError([&] { statement.getSelectPropertyList(name); }),
+            "CQLQUERYSTATEMENT::getSelectPropertyList|query is not validated |2");
+  EXPECT_EQ(queryError([&] { statement.getWherePropertyList(name); }),
+            "CQLQUERYSTATEMENT::getWherePropertyList|query is not validated |2");
+  EXPECT_EQ(queryError([&] { statement.isMatch(QORSmrPtr<IQoriObject>(), kNameSpace); }),
+            "CQLQUERYSTATEMENT::isMatch|query is not validated |2");
+}
+
+TEST_F(Filter, aRefusedStatementStaysRefused) {
+  CQLQueryStatement statement("CQL", "SELECT FROM", kNameSpace, "");
+  EXPECT_EQ(statement.validate(), QUERY_INVALID_QUERY);
+  EXPECT_EQ(statement.validate(), QUERY_INVALID_QUERY);
+  EXPECT_EQ(queryError([&] { statement.getClassList(); }), "CQLQUERYSTATEMENT::getClassList|query is not validated |1");
+  EXPECT_EQ(queryError([&] { statement.isMatch(world.alert(""), kNameSpace); }),
+            "CQLQUERYSTATEMENT::isMatch|query is not validated |1");
+}
+
+TEST_F(Filter, anUnknownClassOrPropertyIsRefused) {
+  for (const char* query :
+       {"SELECT * FROM Nope", "SELECT Nope FROM CIM_InstCreation", "SELECT CIM_InstCreation.Nope FROM CIM_InstCreation",
+        "SELECT * FROM CIM_InstCreation WHERE Nope = 1", "SELECT X.Y FROM CIM_InstCreation"}) {
+    CQLQueryStatement statement("CQL", query, kNameSpace, "");
+    EXPECT_EQ(statement.validate(), QUERY_INVALID_QUERY) << query;
+    EXPECT_FALSE(statement.getFault().isEmpty()) << query;
+  }
+}
+
+TEST_F(Filter, theSourceNamespaceIsPreferred) {
+  CQLQueryStatement other("CQL", "SELECT * FROM CIM_InstCreation", kNameSpace, "root/other");
+  EXPECT_EQ(other.validate(), QUERY_INVALID_QUERY);  // the schema is not there
+  CQLQueryStatement own("CQL", "SELECT * FROM CIM_InstCreation", "root/other", kNameSpace);
+  EXPECT_EQ(own.validate(), QUERY_VALIDATE_SUCCESS);
+  const QORSmrPtr<IQoriObject> creation(world.indication("instance of CIM_InstCreation { };"));
+  EXPECT_TRUE(own.isMatch(creation, kNameSpace));
+  EXPECT_TRUE(own.isMatch(creation, "ROOT/cimv2"));
+  EXPECT_FALSE(own.isMatch(creation, "root/other"));
+}
+
+TEST_F(Filter, classListHoldsTheClassesOfFromAsPaths) {
+  CQLQueryStatement statement("CQL", "SELECT * FROM CIM_InstCreation AS i, CIM_AlertIndication", kNameSpace, "");
+  ASSERT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS);
+  const CQLQueryStatement::ClassList list(statement.getClassList());
+  ASSERT_EQ(list->entries(), 2U);
+  EXPECT_EQ(list->at(0)->getClassName(), "CIM_INSTCREATION");
+  EXPECT_EQ(list->at(0)->getNameSpacePath()->getNameSpace(), kNameSpace);
+  EXPECT_EQ(list->at(1)->getClassName(), "CIM_ALERTINDICATION");
+}
+
+TEST_F(Filter, propertyLists) {
+  CQLQueryStatement statement("CQL",
+                              "SELECT MessageID, a.U8 FROM CIM_AlertIndication AS a WHERE OwningEntity = 'x' AND "
+                              "messageid = 'y'",
+                              kNameSpace, "");
+  ASSERT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS);
+  const QORSmrPtr<IQoriInstanceName> name(classPath("cim_alertindication"));
+  EXPECT_THAT(textsOf(statement.getSelectPropertyList(name)), ElementsAre("MessageID", "U8"));
+  EXPECT_THAT(textsOf(statement.getWherePropertyList(name)), ElementsAre("OwningEntity", "messageid"));
+  EXPECT_THAT(textsOf(statement.getPropertyList(name)), ElementsAre("MessageID", "U8", "OwningEntity"));
+  EXPECT_THAT(textsOf(statement.getPropertyList(classPath("CIM_InstCreation"))), IsEmpty());
+  EXPECT_EQ(queryError([&] { statement.getPropertyList(QORSmrPtr<IQoriInstanceName>()); }),
+            "CQLQUERYSTATEMENT::getPropertyList|Invalid or NULL param encountered|3");
+}
+
+TEST_F(Filter, starNeedsEveryPropertyAndAPathItsRoot) {
+  CQLQueryStatement statement(
+      "CQL", "SELECT * FROM CIM_InstModification WHERE SourceInstance.CIM_StorageVolume::Size > 5", kNameSpace, "");
+  ASSERT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS);
+  const QORSmrPtr<IQoriInstanceName> name(classPath("CIM_InstModification"));
+  EXPECT_TRUE(statement.getSelectPropertyList(name).IsNull());
+  EXPECT_TRUE(statement.getPropertyList(name).IsNull());
+  EXPECT_THAT(textsOf(statement.getWherePropertyList(name)), ElementsAre("SourceInstance"));
+}
+
+TEST_F(Filter, aNullInstanceIsRefused) {
+  CQLQueryStatement statement("CQL", "SELECT * FROM CIM_InstCreation", kNameSpace, "");
+  ASSERT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS);
+  EXPECT_EQ(queryError([&] { statement.isMatch(QORSmrPtr<IQoriObject>(), kNameSpace); }),
+            "CQLQUERYSTATEMENT::isMatch|Invalid or NULL param encountered|3");
+  EXPECT_EQ(queryError([&] { statement.isMatch(world.alert(""), QORString()); }),
+            "CQLQUERYSTATEMENT::isMatch|CQL internal error|4");
+}
+
+TEST_F(Filter, withoutWhereTheClassAndItsSubclassesMatch) {
+  const QORSmrPtr<IQoriObject> creation(world.indication("instance of CIM_InstCreation { };"));
+  EXPECT_TRUE(world.matches("SELECT * FROM CIM_InstCreation", creation));
+  EXPECT_TRUE(world.matches("select * from cim_instindication", creation));
+  EXPECT_FALSE(world.matches("SELECT * FROM CIM_InstModification", creation));
+}
+
+constexpr char kVolume[] = "instance of XYZ_Volume { Id = \\\"v\\\"; OperationalStatus = {2, 17}; Size = 10; };";
+constexpr char kChangedVolume[] = "instance of XYZ_Volume { Id = \\\"v\\\"; OperationalStatus = {2, 6}; Size = 10; };";
+
+std::string modification(const std::string& source, const std::string& previous) {
+  return "instance of CIM_InstModification { SourceInstance = \"" + source + "\"; PreviousInstance = \"" + previous +
+         "\"; };";
+}
+
+TEST_F(Filter, publishedStorageFilters) {
+  const QORSmrPtr<IQoriObject> creation(
+      world.indication(std::string("instance of CIM_InstCreation { SourceInstance = \"") + kVolume + "\"; };"));
+  EXPECT_TRUE(world.matches("SELECT * FROM CIM_InstCreation WHERE SourceInstance ISA CIM_StorageVolume", creation));
+  EXPECT_TRUE(world.matches("select * from cim_instcreation where sourceinstance isa cim_storagevolume", creation));
+  EXPECT_TRUE(world.matches("SELECT * FROM CIM_InstCreation WHERE SourceInstance ISA 'CIM_StorageVolume'", creation));
+  EXPECT_FALSE(world.matches("SELECT * FROM CIM_InstCreation WHERE SourceInstance ISA CIM_FCPort", creation));
+
+  const QORSmrPtr<IQoriObject> changed(world.indication(modification(kVolume, kChangedVolume)));
+  const QORSmrPtr<IQoriObject> same(world.indication(modification(kVolume, kVolume)));
+  const std::string operational =
+      "SELECT * FROM CIM_InstModification WHERE SourceInstance ISA CIM_StorageVolume AND "
+      "SourceInstance.CIM_StorageVolume::OperationalStatus <> PreviousInstance.CIM_StorageVolume::OperationalStatus";
+  EXPECT_TRUE(world.matches(operational, changed));
+  EXPECT_FALSE(world.matches(operational, same));
+  const std::string first =
+      "SELECT * FROM CIM_InstModification WHERE SourceInstance ISA CIM_StorageVolume AND "
+      "SourceInstance.OperationalStatus[1] <> PreviousInstance.OperationalStatus[1]";
+  EXPECT_TRUE(world.matches(first, changed));
+  EXPECT_FALSE(world.matches(first, same));
+}
+
+TEST_F(Filter, jobsThatFinished) {
+  const std::string job = "instance of CIM_ConcreteJob { Id = \\\"j\\\"; OperationalStatus = {17, 2}; };";
+  const QORSmrPtr<IQoriObject> done(world.indication(modification(job, job)));
+  EXPECT_TRUE(
+      world.matches("SELECT * FROM CIM_InstModification WHERE SourceInstance ISA CIM_ConcreteJob AND "
+                    "ANY SourceInstance.CIM_ConcreteJob::OperationalStatus[*] = 17 AND "
+                    "ANY SourceInstance.CIM_ConcreteJob::OperationalStatus[*] = 2",
+                    done));
+  EXPECT_FALSE(world.matches(
+      "SELECT * FROM CIM_InstModification WHERE ANY SourceInstance.CIM_ConcreteJob::OperationalStatus[*] = 6", done));
+  EXPECT_FALSE(world.matches(
+      "SELECT * FROM CIM_InstModification WHERE ANY SourceInstance.CIM_FCPort::OperationalStatus[*] = 17", done));
+}
+
+TEST_F(Filter, alerts) {
+  EXPECT_TRUE(world.alertMatches("OwningEntity = 'SNIA' AND MessageID = 'FC1'",
+                                 "OwningEntity = \"SNIA\"; MessageID = \"FC1\";"));
+  EXPECT_FALSE(world.alertMatches("OwningEntity = 'SNIA' AND MessageID = 'FC1'",
+                                  "OwningEntity = \"SNIA\"; MessageID = \"fc1\";"));
+  const std::string element = "AlertingElementFormat = 2; AlertingManagedElement = \"//host/root/ns:CIM_FCPort.Id=1\";";
+  EXPECT_TRUE(world.alertMatches("AlertingManagedElement ISA CIM_FCPort", element));
+  EXPECT_TRUE(world.alertMatches("AlertingManagedElement ISA CIM_ManagedElement", element));
+  EXPECT_FALSE(world.alertMatches("AlertingManagedElement ISA CIM_StorageVolume", element));
+  EXPECT_FALSE(world.alertMatches("AlertingManagedElement ISA CIM_FCPort",
+                                  "AlertingElementFormat = 1; AlertingManagedElement = \"//h/ns:CIM_FCPort.Id=1\";"));
+  EXPECT_FALSE(world.alertMatches("AlertingManagedElement ISA CIM_FCPort",
+                                  "AlertingElementFormat = 2; AlertingManagedElement = \"root/ns:CIM_FCPort.Id=1\";"));
+  EXPECT_FALSE(world.alertMatches("AlertingManagedElement ISA CIM_FCPort",
+                                  "AlertingElementFormat = 2; AlertingManagedElement = \"//h/ns\";"));
+}
+
+TEST_F(Filter, whatNeverMatches) {
+  const std::string values = "U8 = 5; OwningEntity = \"abc\";";
+  EXPECT_FALSE(world.alertMatches("U8 = 5 OR U8 = 5", values));
+  EXPECT_FALSE(world.alertMatches("NOT U8 = 6", values));
+  EXPECT_FALSE(world.alertMatches("OwningEntity LIKE 'abc'", values));
+  EXPECT_FALSE(world.alertMatches("Absent IS NULL", values));
+  EXPECT_FALSE(world.alertMatches("U8 IS NOT NULL", values));
+  EXPECT_FALSE(world.alertMatches("Absent = 'x'", values));
+  EXPECT_FALSE(world.alertMatches("OwningEntity = 5", values));
+  EXPECT_FALSE(world.alertMatches("U8 = 'abc'", values));
+  EXPECT_FALSE(world.alertMatches("B", "B = TRUE;"));
+}
+
+TEST_F(Filter, arithmeticParenthesesAndMinus) {
+  const std::string values = "U8 = 5; S32 = -3; U64 = 7;";
+  EXPECT_TRUE(world.alertMatches("U8 + 2 = 7", values));
+  EXPECT_TRUE(world.alertMatches("(U8 = 5)", values));
+  EXPECT_FALSE(world.alertMatches("(U8 = 6)", values));
+  EXPECT_TRUE(world.alertMatches("-S32 = 3", values));
+  EXPECT_TRUE(world.alertMatches("-(U8) = S32 - 2", values));
+  EXPECT_FALSE(world.alertMatches("-U64 < 0", values));
+  EXPECT_FALSE(world.alertMatches("U8 / 0 = 1", values));
+}
+
+TEST_F(Filter, booleansCompareWithTheirTexts) {
+  EXPECT_TRUE(world.alertMatches("B = TRUE", "B = TRUE;"));
+  EXPECT_TRUE(world.alertMatches("B <> false", "B = TRUE;"));
+  EXPECT_FALSE(world.alertMatches("B = 'other'", "B = TRUE;"));
+}
+
+TEST_F(Filter, anyAndEveryKeepTheWrittenOrder) {
+  EXPECT_TRUE(world.alertMatches("ANY A[*] < 2", "A = {1, 5};"));
+  EXPECT_FALSE(world.alertMatches("ANY A[*] < 1", "A = {1, 5};"));
+  EXPECT_TRUE(world.alertMatches("EVERY A[*] > 0", "A = {1, 5};"));
+  EXPECT_FALSE(world.alertMatches("EVERY A[*] > 1", "A = {1, 5};"));
+  EXPECT_TRUE(world.alertMatches("4 < ANY A[*]", "A = {1, 5};"));
+  EXPECT_FALSE(world.alertMatches("ANY A[*] = 1", "A = {};"));
+  EXPECT_FALSE(world.alertMatches("EVERY A[*] = 1", "A = {};"));
+}
+
+TEST_F(Filter, everyOperatorForEveryPairOfIntegerTypes) {
+  const std::vector<std::string> types = {"U8", "U16", "U32", "U64", "S8", "S16", "S32", "S64", "R32", "R64"};
+  const std::string values =
+      "U8 = 3; U16 = 3; U32 = 3; U64 = 3; S8 = 3; S16 = 3; S32 = 3; S64 = 3; R32 = 3.0; R64 = 3.0;";
+  const QORSmrPtr<IQoriObject> instance(world.alert(values));
+  const auto holds = [&](const std::string& condition) {
+    return world.matches("SELECT * FROM CIM_AlertIndication WHERE " + condition, instance);
+  };
+  for (const std::string& left : types) {
+    for (const std::string& right : types) {
+      EXPECT_TRUE(holds(left + " = " + right)) << left << right;
+      EXPECT_FALSE(holds(left + " <> " + right)) << left << right;
+      EXPECT_FALSE(holds(left + " < " + right)) << left << right;
+      EXPECT_FALSE(holds(left + " > " + right)) << left << right;
+      EXPECT_TRUE(holds(left + " <= " + right)) << left << right;
+      EXPECT_TRUE(holds(left + " >= " + right)) << left << right;
+    }
+    EXPECT_TRUE(holds(left + " < 4")) << left;
+    EXPECT_TRUE(holds(left + " > 2")) << left;
+    EXPECT_TRUE(holds(left + " > -1")) << left;
+  }
+}
+
+TEST_F(Filter, aGreatUint64IsNegativeBesideASignedNumber) {
+  EXPECT_TRUE(world.alertMatches("U64 < S64", "U64 = 18446744073709551615; S64 = 0;"));
+  EXPECT_FALSE(world.alertMatches("U64 < U8", "U64 = 18446744073709551615; U8 = 0;"));
+}
+
+TEST(FilterPrecision, theTableForEveryPair) {
+  const std::vector<std::string> types = {"uint8", "uint16", "uint32", "uint64", "sint8", "sint16", "sint32", "sint64"};
+  // Rows: right type; columns: left type, both in the order above.
+  const int expected[8][8] = {{0, 2, 2, 2, 3, 2, 2, 2}, {1, 0, 2, 2, 4, 4, 2, 5}, {1, 1, 0, 2, 5, 5, 5, 5},
+                              {1, 1, 1, 0, 5, 5, 5, 5}, {3, 4, 5, 5, 0, 2, 2, 2}, {1, 4, 5, 5, 1, 0, 2, 2},
+                              {1, 1, 5, 5, 1, 1, 0, 2}, {1, 1, 1, 5, 1, 1, 1, 0}};
+  for (std::size_t right = 0; right < types.size(); ++right) {
+    for (std::size_t left = 0; left < types.size(); ++left) {
+      EXPECT_EQ(CQLQueryStatement::findPrecisionType(types[left].c_str(), types[right].c_str()), expected[right][left])
+          << types[left] << " against " << types[right];
+    }
+  }
+  for (const char* other : {"real32", "real64", "string", "boolean"}) {
+    EXPECT_THROW(CQLQueryStatement::findPrecisionType(other, "uint8"), int) << other;
+    EXPECT_THROW(CQLQueryStatement::findPrecisionType("uint8", other), int) << other;
+  }
+}
+
+TEST(FilterPrecision, conversionTakesTheOtherType) {
+  const QORSmrPtr<IQoriValue> value(new CQoriValue(200U, CQoriType::uint8));
+  const QORSmrPtr<IQoriValue> converted(CQLQueryStatement::convertToHighPrecision("uint8", "sint64", value));
+  EXPECT_EQ(converted->getType()->getName(), "sint64");
+  EXPECT_EQ(converted->toString(), "200");
+}
+
+TEST_F(Filter, chainsOfManyConditions) {
+  std::string filter = "SELECT * FROM CIM_AlertIndication WHERE U8 = 5";
+  for (int i = 0; i < 20000; ++i) filter += " AND U8 = 5";
+  EXPECT_TRUE(world.matches(filter, world.alert("U8 = 5;")));
+}
+
+TEST_F(Filter, whyItDoesNotMatch) {
+  CQLQueryStatement statement("CQL", "SELECT * FROM CIM_AlertIndication WHERE U8 = 5 AND MessageID = 'x'", kNameSpace,
+                              "");
+  ASSERT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS);
+  std::string why;
+  EXPECT_FALSE(statement.explainMatch(world.alert("U8 = 5; MessageID = \"y\";"), why));
+  EXPECT_EQ(why, "MessageID = 'x' ('y' = 'x')");
+  EXPECT_TRUE(statement.explainMatch(world.alert("U8 = 5; MessageID = \"x\";"), why));
+}
+
+}  // namespace
