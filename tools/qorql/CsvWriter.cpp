@@ -17,7 +17,8 @@ void CsvWriter::appendField(std::string_view text) {
 }
 
 void CsvWriter::begin(const ResultHeading& heading) {
-  _line = _isFirst ? "" : "\n";
+  _line.clear();
+  if (!_isFirst) _line += '\n';
   _isFirst = false;
   for (std::size_t i = 0; i < heading.columns.size(); ++i) {
     if (i != 0) _line += ',';
