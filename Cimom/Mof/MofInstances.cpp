@@ -36,6 +36,7 @@ std::vector<QORSmrPtr<IQoriObject>> MofInstances::makeObjects() {
   std::vector<QORSmrPtr<IQoriObject>> objects;
   objects.reserve(_document.instances.size());
   for (const auto& instance : _document.instances) {
+    if (_report.isFull()) break;
     try {
       CimInstanceDeclaration declaration;
       if (!_values.declare(*instance, _values.shapeOf(*instance), 0, declaration)) continue;

@@ -38,7 +38,7 @@ class MofLoader::Load {
       _report.add(declared.name.at, "a qualifier cannot be declared here, only instances");
     }
     MofInstances instances(_sink, _document, _report, _values);
-    instances.defineAliases();
+    shareAliases(instances);
     std::vector<QORSmrPtr<IQoriObject>> objects = instances.makeObjects();
     _report.raise();
     return objects;
@@ -48,13 +48,17 @@ class MofLoader::Load {
   void declare() {
     _sink.createNamespace(_nameSpace);
     for (const QORString& nameSpace : _document.nameSpaces) _sink.createNamespace(nameSpace);
-    for (const MofReader::Import& import : _reader.getImports()) _values.importScope(import.into, import.from);
     MofQualifiers qualifiers(_sink, _report);
     for (const MofQualifierDeclarationSyntax& declaration : _document.qualifiers) qualifiers.declare(declaration);
     MofInstances instances(_sink, _document, _report, _values);
-    instances.defineAliases();
+    shareAliases(instances);
     MofClasses(_sink, _document, _report, qualifiers, _values).declareAll();
     instances.createAll();
+  }
+
+  void shareAliases(MofInstances& instances) {
+    for (const MofReader::Import& import : _reader.getImports()) _values.importScope(import.into, import.from);
+    instances.defineAliases();
   }
 
   CimDeclarationSink& _sink;

@@ -181,6 +181,7 @@ bool MofQualifiers::resolve(const QORString& nameSpace, const std::vector<MofQua
   std::unordered_set<std::string> given;
   out.reserve(syntax.size());
   for (const MofQualifierSyntax& written : syntax) {
+    if (_report.isFull()) return false;
     try {
       if (!given.insert(foldMofName(written.name.text)).second) {
         throw MofFault{written.name.at, "qualifier " + std::string(written.name.text.view()) + " is given twice"};

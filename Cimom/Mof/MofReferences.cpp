@@ -116,6 +116,7 @@ QORSmrPtr<IQoriInstanceName> MofValues::nameOfAlias(const MofValueSyntax& value,
     throw MofFault{value.at, "unknown alias " + textOf(value.text)};
   }
   if (!alias->name.IsNull()) return alias->name;
+  if (alias->isRefused) throw MofFault{};
   if (alias->isOpen) throw MofFault{value.at, "the path of " + textOf(value.text) + " depends on itself"};
   const MofInstanceSyntax& instance = *alias->instance;
   alias->isOpen = true;
@@ -124,7 +125,7 @@ QORSmrPtr<IQoriInstanceName> MofValues::nameOfAlias(const MofValueSyntax& value,
     alias->name = nameFromKeys(shapeOf(instance), instance.properties, inside, value.at);
     alias->isOpen = false;
   } catch (...) {
-    alias->isOpen = false;
+    alias->isRefused = true;
     throw;
   }
   return alias->name;

@@ -42,6 +42,7 @@ bool MofValues::declare(const MofInstanceSyntax& instance, const MofClassShape& 
   bool isSound = true;
   std::vector<const MofPropertySyntax*> given(shape.properties.size(), nullptr);
   for (const MofPropertySyntax& property : instance.properties) {
+    if (_report.isFull()) return false;
     try {
       const MofPropertyShape& declared = requireProperty(property.name, shape);
       if (std::exchange(given[declared.position], &property) != nullptr) {

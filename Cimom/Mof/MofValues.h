@@ -45,6 +45,7 @@ class MofValues {
     const MofInstanceSyntax* instance = nullptr;
     QORSmrPtr<IQoriInstanceName> name;  // null until it is known
     bool isOpen = false;                // its keys are being read
+    bool isRefused = false;             // its keys are at fault, which has been told
   };
   struct Scope {
     std::unordered_map<std::string, Alias> aliases;  // by folded name

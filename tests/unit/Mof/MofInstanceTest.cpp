@@ -1,5 +1,6 @@
 // Instances: aliases, references and embedded objects.
 #include "MofFixture.h"
+#include "cimom/CQoriValue.h"
 
 namespace {
 
@@ -234,6 +235,38 @@ TEST_F(MofInstance, ReadsInstancesWithoutStoringThem) {
     EXPECT_EQ(place(refusal.getDiagnostics()[0]), "1:7: a class cannot be declared here, only instances");
     EXPECT_EQ(place(refusal.getDiagnostics()[1]), "2:11: a qualifier cannot be declared here, only instances");
     EXPECT_EQ(place(refusal.getDiagnostics()[2]), "3:13: class Disc is not declared in namespace root/cimv2");
+  }
+}
+
+TEST_F(MofInstance, AFaultInAKeyIsToldOnceHoweverOftenItsAliasIsUsed) {
+  std::string text;
+  for (int i = 0; i < 3000; ++i) text += "instance of Holds { Where = $s; What = \"Disk.Name=\\\"d\\\"\"; };\n";
+  text += "instance of Slot as $s { Number = 70000; Rear = TRUE; Bay = \"b\"; };";
+  EXPECT_EQ(place(faultsOf(text).at(0)), "3001:35: 70000 is out of the range of uint16 (0 to 65535)");
+  EXPECT_EQ(faultsOf(text).size(), 1U);
+}
+
+TEST_F(MofInstance, ManyFaultsInOneInstanceAreBounded) {
+  std::string text = "instance of Disk {\n";
+  for (int i = 0; i < 100000; ++i) text += "  Sizes = 5;\n";
+  EXPECT_EQ(faultsOf(text + "};").size(), 20U);
+}
+
+TEST_F(MofInstance, TheTextOfAnObjectReadsBack) {
+  load(
+      "class All { [Key] string S; uint64 U; sint64 I; real64 R; real32 F; boolean B; datetime D; char16 C; string "
+      "L[];\n"
+      "  uint8 N[]; [EmbeddedObject] string E; datetime T; };\n"
+      "instance of All { S = \"q\\\"\\\\\\n\\x20AC;{}\"; U = 18446744073709551615; I = -9223372036854775808; R = "
+      "-1.5e-300;\n"
+      "  F = 0.1; B = FALSE; D = \"20260704123000.123456+120\"; C = '\\''; L = {\"a,b\", NULL, \"\"}; N = {}; \n"
+      "  E = instance of All { S = \"in\"; E = instance of Disk { Name = \"d\"; }; }; };");
+  const Object object = instancesOf("All").at(0);
+  const std::string text = QORSmrPtr<IQoriValue>(new CQoriValue(object))->toString().c_str();
+  const auto again = MofLoader(_manager.sink()).readInstances(text, "again");
+  ASSERT_EQ(again.size(), 1U) << text;
+  for (const char* const name : {"S", "U", "I", "R", "F", "B", "D", "C", "L", "N", "E", "T"}) {
+    EXPECT_EQ(textOf(again[0], name), textOf(object, name)) << name << " in " << text;
   }
 }
 
