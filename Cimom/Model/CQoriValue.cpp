@@ -56,7 +56,7 @@ bool isSameType(const IQoriType& a, const IQoriType& b) noexcept {
 
 // The elements as values of `element`; null elements stay.
 QORSmrPtr<IQoriValue::List> convertElements(const IQoriValue::List& elements, const QORSmrPtr<IQoriType>& element) {
-  const QORSmrPtr<IQoriValue::List> converted(new IQoriValue::List);
+  QORSmrPtr<IQoriValue::List> converted(new IQoriValue::List);
   QORValSlistIterator<QORSmrPtr<IQoriValue>> it(elements);
   while (++it) {
     converted->append(it.key().IsNull() ? QORSmrPtr<IQoriValue>()

@@ -36,6 +36,12 @@ QoriTruth relateElements(const IQoriValue& fixed, QoriRelation relation, const I
   return qori::truth(result);
 }
 
+// The namespace of the object on the left, or of the instance that it names.
+QORString nameSpaceOf(const IQoriValue& value) {
+  const QORSmrPtr<IQoriInstanceName> name(value.getReference());
+  return name.IsNull() ? IQoriObject::getLocalNameSpace(value.getObject()) : name->getNameSpacePath()->getNameSpace();
+}
+
 QORString classNameOf(const IQoriValue& value) {
   const QORSmrPtr<IQoriObject> object(value.getObject());
   if (!object.IsNull()) return object->getClassName();
@@ -66,7 +72,7 @@ QoriTruth QORQL_Comparison::isaValues(const Value& left, const Value& right, con
   if (left.IsNull() || right.IsNull()) return QoriTruth::Null;
   const QORString className(classNameOf(*left));
   if (className.isEmpty()) return QoriTruth::Null;
-  const QORString& where = nameSpace.isEmpty() ? IQoriObject::getLocalNameSpace(left->getObject()) : nameSpace;
+  const QORString where(nameSpace.isEmpty() ? nameSpaceOf(*left) : nameSpace);
   return qori::truth(CQLQueryValidator::isSubClass(where, className, right->toString()));
 }
 

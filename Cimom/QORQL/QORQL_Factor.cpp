@@ -125,7 +125,7 @@ QORSmrPtr<QORQL_Evaluatable> QORQL_Factor::parse(QORQL_SymbolTable& symbolTable,
   const auto parseParentheses = [&] {
     const QORQL_NestingGuard guard(lexer);
     lexer.next(false);
-    const Node comparison = QORQL_Comparison::parse(symbolTable, lexer, projMap, queryString, queryLanguage);
+    Node comparison = QORQL_Comparison::parse(symbolTable, lexer, projMap, queryString, queryLanguage);
     if (lexer.getCurrent().getType() != TokenCLOSEPAREN) QORQL_raise(QORQL_Messages::kFactorParenExpected, lexer);
     lexer.next(false);
     return comparison;

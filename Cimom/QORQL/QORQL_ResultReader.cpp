@@ -136,9 +136,10 @@ bool QORQL_ResultReader::next() {
   return false;
 }
 
+// What `*` and C.* expand to is kept whole: the object need not be restricted to be read.
 QORSmrPtr<IQoriValue> QORQL_ResultReader::propertyOf(const Source& source) {
-  const QORSmrPtr<IQoriObject> object(_reader.object(source.className));
-  if (object.IsNull()) return {};
+  const IQoriObject* const object = _reader.fetchedObject(source.className);
+  if (object == nullptr) return {};
   const QORSmrPtr<IQoriProperty> property(object->getProperty(source.propertyName, true));
   return property.IsNull() ? QORSmrPtr<IQoriValue>() : property->getValue();
 }
