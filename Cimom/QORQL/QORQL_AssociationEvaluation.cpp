@@ -139,14 +139,18 @@ RowList addDestination(QORQL_DataTable& table, Associates& associates, QORuint32
 }
 
 void keepAssociated(const std::vector<Row>& group, const ObjectList& associates, QORuint32 destination, RowList& kept) {
+  std::unordered_map<QORString, std::vector<Row>, KeyHash> rows;
+  for (const Row& row : group) {
+    const Object cell(cellOf(*row, destination));
+    if (!cell.IsNull()) rows[QORQL_instanceKey(*cell)].push_back(row);
+  }
   QORValSlistIterator<Object> iterator(*associates);
-  while (++iterator) {
+  while (++iterator && !rows.empty()) {
     if (iterator.key().IsNull()) continue;
-    const QORString key(QORQL_instanceKey(*iterator.key()));
-    for (const Row& row : group) {
-      const Object cell(cellOf(*row, destination));
-      if (!cell.IsNull() && QORQL_instanceKey(*cell) == key) kept->append(row);
-    }
+    const auto found = rows.find(QORQL_instanceKey(*iterator.key()));
+    if (found == rows.end()) continue;
+    for (const Row& row : found->second) kept->append(row);
+    rows.erase(found);  // an associate that is named twice keeps its rows once
   }
 }
 

@@ -168,7 +168,10 @@ void recordPreFilter(QORSmrPtr<QORQL_DataTable>& table, const ObjectList& object
   }
 }
 
-bool mayBeLazy(QORQL_DataTable& table, const ObjectList& objects) {
+// Columns of lazy rows are told apart by their names, so an alias that two
+// columns share makes real rows.
+bool mayBeLazy(QORQL_DataTable& table, const ObjectList& objects, const QORString& className, const QORString& alias) {
+  if (table.getColumnIndex(className) >= 0 || table.getColumnIndex(alias) >= 0) return false;
   if (table.getExecutionMode() != QORQL_DataTable::kExecutionLazy || table.isProjected()) return false;
   const bool isFresh = table.getColumnCount() == 0 && table.getRowCount() == 0;
   return (isFresh || table.lazy() != nullptr) && !hasNull(objects);
@@ -215,7 +218,7 @@ QORQL_Helper::ObjectList QORQL_Helper::enumerateInstance(const QORString& classN
 void QORQL_Helper::addObjectToTable(QORSmrPtr<QORQL_DataTable>& table, const ObjectList& objects,
                                     const QORString& className, const QORString& alias) {
   requireArguments(table, objects);
-  if (!mayBeLazy(*table, objects)) {
+  if (!mayBeLazy(*table, objects, className, alias)) {
     addRows(table, objects, className, alias, EveryRow());
     return;
   }

@@ -7,7 +7,9 @@
 #include <cmath>
 #include <cstring>
 #include <functional>
+#include <string>
 #include <string_view>
+#include <unordered_set>
 
 #include "Cimom/QORQL/QORQL_OuterJoin.h"
 #include "Cimom/QORQL/QORQL_Values.h"
@@ -179,6 +181,19 @@ void collect(const QORQL_LazyRows& rows, const QORQL_RowBlock& block, const std:
                    [](const Extension& a, const Extension& b) { return a.bucket < b.bucket; });
 }
 
+// Whether no two objects of a block have the same path: the outer join's record
+// is kept by path.
+bool haveOwnPaths(const QORQL_LazyRows& rows, const QORQL_RowBlock& block) {
+  std::unordered_set<std::string> seen;
+  for (QORuint64 row = 0; row < block.rowCount; ++row) {
+    const QORuint32 index = block.index(row, 0);
+    if (index == QORQL_kNoObject) continue;
+    const QORString key(QORQL_instanceKey(*rows.object(block.columns.front(), index)));
+    if (!seen.emplace(key.view()).second) return false;
+  }
+  return true;
+}
+
 // A left object is unmatched when the first row that holds it fails: its row
 // with the first row of the other block. A right one when no row with it holds.
 std::vector<Extension> extensionsOf(const QORQL_LazyRows& rows, const Join& join, QORQL_JoinType joinType) {
@@ -316,6 +331,7 @@ bool QORQL_joinLazily(const QORQL_DataTable& table, QORQL_LazyRows& rows, const 
   const bool isOuterJoin = comparison.getJoinType() != QORQL_JOIN_TYPE_INNER;
   std::vector<Extension> extensions;
   if (isOuterJoin) extensions = extensionsOf(rows, join, comparison.getJoinType());
+  if (!extensions.empty() && (!haveOwnPaths(rows, join.outer) || !haveOwnPaths(rows, join.inner))) return false;
   rows.replaceBlocks(blockNumbers, std::move(joined));
   if (isOuterJoin) rows.flatten();
   for (const Extension& extension : extensions) QORQL_appendExtendedRow(rows, extension.column, extension.index);

@@ -12,6 +12,18 @@ namespace {
 // The property that stands in the argument of OBJECTPATH(X): the object's name, none of its properties.
 constexpr char kNoProperty[] = "NONE";
 
+// The property of the row's object that a reference reads: of a way down through
+// embedded objects (C.a.b, chain "C.a") the first step.
+QORString ownProperty(const QORQL_Factor& factor) {
+  if (factor.getPropertyName().IsNull()) return QORString::emptyString();
+  const QORString chain(factor.getChain().IsNull() ? QORString::emptyString() : *factor.getChain());
+  const std::size_t start = chain.find(".");
+  if (start == QORString::npos) return *factor.getPropertyName();
+  const QORString steps(chain.subStr(start + 1));
+  const std::size_t end = steps.find(".");
+  return end == QORString::npos ? steps : steps.subStr(0, end);
+}
+
 class ReferenceFinder : public QORQL_ExpressionVisitor {
  public:
   struct Reference {
@@ -25,8 +37,7 @@ class ReferenceFinder : public QORQL_ExpressionVisitor {
       return;
     }
     if (factor.getClassName().IsNull() || factor.getClassName()->isEmpty()) return;
-    const bool hasProperty = !factor.getPropertyName().IsNull();
-    const QORString propertyName(hasProperty ? *factor.getPropertyName() : QORString::emptyString());
+    const QORString propertyName(ownProperty(factor));
     references.push_back(
         {*factor.getClassName(), propertyName == "*" ? QORString::emptyString() : propertyName, false});
   }
@@ -52,7 +63,9 @@ QORQL_ProjectionPlan::QORQL_ProjectionPlan(const QORQL_SelectList& list, const Q
       addEntry(*entries.key());
     }
   }
-  if (!table.isProjected()) addExpression(list.getOrderByKey());
+  if (table.isProjected()) return;
+  _isForSort = true;
+  addExpression(list.getOrderByKey());
 }
 
 void QORQL_ProjectionPlan::addColumns(const QORQL_DataTable& table) {
@@ -60,7 +73,7 @@ void QORQL_ProjectionPlan::addColumns(const QORQL_DataTable& table) {
   while (++headers) {
     const QORString name(headers.key()->getName());
     if (name == QORQL_SelectList::_FUNCTIONS_VALUES_CLASS && table.isProjected()) continue;
-    _items.push_back({_symbols.classNameOf(name), name, QORString::emptyString(), false});
+    _items.push_back({_symbols.classNameOf(name), name, QORString::emptyString(), false, _isForSort});
   }
 }
 
@@ -82,7 +95,7 @@ void QORQL_ProjectionPlan::addExpression(const QORSmrPtr<QORQL_Evaluatable>& exp
   for (const ReferenceFinder::Reference& reference : finder->references) {
     if (reference.namesObjectOnly) {
       _items.push_back(
-          {_symbols.classNameOf(reference.className), reference.className, QORString::emptyString(), true});
+          {_symbols.classNameOf(reference.className), reference.className, QORString::emptyString(), true, _isForSort});
     } else {
       add(reference.className, reference.propertyName);
     }
@@ -96,6 +109,6 @@ void QORQL_ProjectionPlan::add(const QORString& className, const QORString& prop
   const QORSmrPtr<QORQL_Symbol> symbol(_symbols.lookupIgnoringCase(className));
   const QORSmrPtr<QORQL_ClassInfo> info(symbol.IsNull() ? QORSmrPtr<QORQL_ClassInfo>() : symbol->getClassInfo());
   const bool needsAll = !info.IsNull() && info->needAllProperties();
-  _items.push_back(
-      {_symbols.classNameOf(className), className, needsAll ? QORString::emptyString() : propertyName, false});
+  _items.push_back({_symbols.classNameOf(className), className, needsAll ? QORString::emptyString() : propertyName,
+                    false, _isForSort});
 }

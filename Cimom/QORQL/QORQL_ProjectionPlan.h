@@ -18,6 +18,7 @@ class QORQL_ProjectionPlan {
     QORString written;       // the class or alias as the entry has it
     QORString propertyName;  // empty: every property, or none when only the object's name is read
     bool namesObjectOnly = false;
+    bool isForSort = false;  // named by the sort key alone: a property that the object lacks fails in the sort
     bool keepsAll() const noexcept { return propertyName.isEmpty() && !namesObjectOnly; }
   };
 
@@ -36,6 +37,7 @@ class QORQL_ProjectionPlan {
   void add(const QORString& className, const QORString& propertyName);
 
   const QORQL_SymbolTable& _symbols;
+  bool _isForSort = false;
   std::vector<Item> _items;
   bool _hasFunctions = false;
 };

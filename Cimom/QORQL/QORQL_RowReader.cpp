@@ -67,6 +67,8 @@ void QORQL_RowReader::select(QORuint64 row) {
   }
 }
 
+bool QORQL_RowReader::isBound(std::size_t slot) const noexcept { return _slots[slot].bound != nullptr; }
+
 bool QORQL_RowReader::hasRow() const noexcept { return _view != nullptr || !_row.IsNull(); }
 
 QORSmrPtr<QORQL_DataRow>& QORQL_RowReader::currentRow() {

@@ -2,6 +2,8 @@
 #ifndef QORQL_SELECTLIST_H
 #define QORQL_SELECTLIST_H
 
+#include <vector>
+
 #include "Cimom/QORQL/QORQL_ClassInfo.h"
 #include "Cimom/QORQL/QORQL_Executable.h"
 #include "Cimom/QORQL/QORQL_SelectedEntry.h"
@@ -93,7 +95,14 @@ class QORQL_SelectList : public QORQL_Executable {
   static bool _projectLazily(Table& table, const Table& resultTable, const HeaderList& headers,
                              const QORQL_ProjectionPlan& plan);
   QORSmrPtr<FunctionResults> _getFunctionResults(QORQL_SymbolTable& symbols, Table& table) const;
-  void _evaluateRowFunctions(QORQL_SymbolTable& symbols, QORSmrPtr<QORQL_DataRow>& row, FunctionResults& results) const;
+  // A call that is computed row by row, and the slot of its entry. BORROWED.
+  struct RowFunction {
+    QORQL_Evaluatable* expression;
+    QORSmrPtr<IQoriValue>* result;
+  };
+  std::vector<RowFunction> _rowFunctions(FunctionResults& results) const;
+  static void _evaluateRowFunctions(QORQL_SymbolTable& symbols, QORSmrPtr<QORQL_DataRow>& row,
+                                    const std::vector<RowFunction>& functions);
   static QORSmrPtr<IQoriValue>& _getFunctionResult(const QORQL_SelectedEntry& entry, FunctionResults& results);
   static QORSmrPtr<IQoriObject> _functionResultsToObject(const FunctionResults& results);
   static PropertyList _getPropList(const QORString& className, PropertyListMap& map);

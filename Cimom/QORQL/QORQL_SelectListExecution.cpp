@@ -111,6 +111,7 @@ bool keepLazily(const QORQL_DataTable& table, const QORQL_ProjectionPlan& plan, 
   kept.resize(lazy.rows()->columnCount());
   for (const QORQL_ProjectionPlan::Item& item : plan.items()) {
     const QORsint32 column = table.getColumnIndex(item.className);
+    if (table.getColumnIndex(item.written) != column) return false;  // the other alias of a class that FROM has twice
     if (column < 0) continue;
     const QORuint32 source = lazy.sourceColumn(table.cellOfColumn(static_cast<QORuint32>(column)));
     const QORQL_Extent& extent = lazy.rows()->extent(source);
@@ -120,7 +121,7 @@ bool keepLazily(const QORQL_DataTable& table, const QORQL_ProjectionPlan& plan, 
       kept[source].all = true;
     } else if (hasProperty(extent, item.propertyName)) {
       kept[source].names->append(item.propertyName);
-    } else {
+    } else if (!item.isForSort) {
       return false;
     }
   }

@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "Cimom/QORQL/QORQL_DataTable.h"
+#include "Cimom/QORQL/QORQL_Exception.h"
 #include "Cimom/QORQL/QORQL_ExecutionMessages.h"
 #include "Cimom/QORQL/QORQL_Log.h"
 #include "Cimom/QORQL/QORQL_ProjectionPlan.h"
@@ -22,6 +23,17 @@ using EntryIterator = QORValSlistIterator<QORSmrPtr<QORQL_SelectedEntry>>;
 
 void addOnce(QORValSlist<QORString>& names, const QORString& name) {
   if (!names.contains(name)) names.append(name);
+}
+
+// What an item names of the row's object. A property that only the sort key
+// names and the object lacks is left for the sort to fail on.
+QORSmrPtr<IQoriProperty> propertyOf(const QORQL_DataRow& row, const QORQL_ProjectionPlan::Item& item) {
+  try {
+    return row.getPropertyByName(item.written, item.propertyName);
+  } catch (const QORQL_Exception&) {
+    if (!item.isForSort) throw;
+    return {};
+  }
 }
 
 }  // namespace
@@ -62,16 +74,25 @@ void QORQL_SelectList::_addAllProperties(const QORString& className, const QORSm
   for (QORuint32 i = 0; i < object->getPropertyCount(); ++i) addOnce(*list, object->getPropertyAt(i)->getName());
 }
 
-// An entry that cannot be computed keeps the value of the row before.
-void QORQL_SelectList::_evaluateRowFunctions(QORQL_SymbolTable& symbols, Row& row, FunctionResults& results) const {
+std::vector<QORQL_SelectList::RowFunction> QORQL_SelectList::_rowFunctions(FunctionResults& results) const {
+  std::vector<RowFunction> functions;
   EntryIterator entries(*_selectedEntries);
   while (++entries) {
     const QORQL_SelectedEntry& entry = *entries.key();
     const bool isRowFunction =
         entry.GetFunctionID() == QORQL_FUNCTIONID_OBJECTPATH || entry.GetFunctionID() == QORQL_FUNCTIONID_INSTANCEOF;
     if (!isRowFunction || entry.getExpression().IsNull()) continue;
+    functions.push_back({entry.getExpression().Get(), &_getFunctionResult(entry, results)});
+  }
+  return functions;
+}
+
+// An entry that cannot be computed keeps the value of the row before.
+void QORQL_SelectList::_evaluateRowFunctions(QORQL_SymbolTable& symbols, Row& row,
+                                             const std::vector<RowFunction>& functions) {
+  for (const RowFunction& function : functions) {
     try {
-      _getFunctionResult(entry, results) = entry.getExpression()->evaluate(symbols, row);
+      *function.result = function.expression->evaluate(symbols, row);
     } catch (...) {
       continue;
     }
@@ -88,7 +109,7 @@ Row QORQL_SelectList::_buildRow(Row& row, const Table& resultTable, const Header
       continue;
     }
     const PropertyList list(_getPropList(item.className, lists));
-    const QORSmrPtr<IQoriProperty> property(row->getPropertyByName(item.written, item.propertyName));
+    const QORSmrPtr<IQoriProperty> property(propertyOf(*row, item));
     if (!property.IsNull()) addOnce(*list, property->getName());
   }
   Row built(new QORQL_DataRow());
@@ -108,6 +129,7 @@ void QORQL_SelectList::_buildRows(Table& table, const Table& resultTable, QORQL_
                                   const HeaderList& headers, const QORQL_ProjectionPlan& plan, FunctionResults& results,
                                   const RowList& rows) const {
   const bool isProjected = table->isProjected();
+  const std::vector<RowFunction> functions(isProjected ? std::vector<RowFunction>() : _rowFunctions(results));
   QORValSlistIterator<Row> iterator(*table->getRows());
   while (++iterator) {
     Row& row = iterator.key();
@@ -116,7 +138,7 @@ void QORQL_SelectList::_buildRows(Table& table, const Table& resultTable, QORQL_
     if (isProjected) {
       values = row->getCell(_FUNCTIONS_VALUES_CLASS);  // computed by the first run
     } else if (results.hasFunctions) {
-      _evaluateRowFunctions(symbols, row, results);
+      _evaluateRowFunctions(symbols, row, functions);
       values = _functionResultsToObject(results);
     }
     rows->append(_buildRow(row, resultTable, headers, plan, values));
