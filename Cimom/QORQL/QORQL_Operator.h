@@ -2,8 +2,9 @@
 #ifndef QORQL_OPERATOR_H
 #define QORQL_OPERATOR_H
 
-// The values are fixed; they do not follow the order of the tokens.
-enum QORQL_Operator {
+// The values are fixed; they do not follow the order of the tokens. The type can
+// hold any int: the fetch of one class also takes a token's number as operator.
+enum QORQL_Operator : int {
   QORQL_OperatorNONE = 0,
   QORQL_OperatorEQUAL = 1,
   QORQL_OperatorNOTEQUAL = 2,
