@@ -2,6 +2,7 @@
 #include "Cimom/QORQL/QORQL_Arithmetic.h"
 
 #include "Cimom/QORQL/QORQL_Chain.h"
+#include "Cimom/QORQL/QORQL_ChainParser.h"
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
 #include "Cimom/QORQL/QORQL_Term.h"
 
@@ -23,8 +24,8 @@ QORQL_Arithmetic::~QORQL_Arithmetic() { QORQL_releaseChain<QORQL_Arithmetic>(_ar
 QORSmrPtr<QORQL_Evaluatable> QORQL_Arithmetic::parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                                      QORQL_ProjectionMap& projMap, const QORString& queryString,
                                                      const QORString& queryLanguage) {
-  return QORQL_parseChain<QORQL_Arithmetic>(
-      lexer, &operatorOf, [&] { return QORQL_Term::parse(symbolTable, lexer, projMap, queryString, queryLanguage); });
+  return QORQL_parseChain<QORQL_Arithmetic>(&QORQL_Term::parse, &operatorOf, symbolTable, lexer, projMap, queryString,
+                                            queryLanguage);
 }
 
 QORQL_Term* QORQL_Arithmetic::getTermCasted() const noexcept { return dynamic_cast<QORQL_Term*>(_term.Get()); }

@@ -21,7 +21,8 @@ namespace {
 
 using Node = QORSmrPtr<QORQL_Evaluatable>;
 
-Node nested(const Node& node, QORQL_Operator op) {
+// Parsing nests, so what is done besides nesting stays out of the frames on the way down.
+[[gnu::noinline]] Node nested(const Node& node, QORQL_Operator op) {
   return new QORQL_Factor(node, nullptr, nullptr, nullptr, op, false);
 }
 
@@ -86,10 +87,30 @@ IQoriValue* literalValue(const QORQL_Token& token, QORQL_TokenType before) {
   return new CQoriValue(token.getValue());
 }
 
-Node parseLiteral(QORQL_Lexer& lexer) {
+[[gnu::noinline]] Node parseLiteral(QORQL_Lexer& lexer) {
   const QORSmrPtr<IQoriValue> literal(literalValue(lexer.getCurrent(), lexer.lookBack().getType()));
   lexer.next(false);
   return new QORQL_Factor(nullptr, nullptr, nullptr, literal, QORQL_OperatorNONE, false);
+}
+
+// Entered on the opening parenthesis.
+Node parseParentheses(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer, QORQL_ProjectionMap& projMap,
+                      const QORString& queryString, const QORString& queryLanguage) {
+  const QORQL_NestingGuard guard(lexer);
+  lexer.next(false);
+  const Node comparison = QORQL_Comparison::parse(symbolTable, lexer, projMap, queryString, queryLanguage);
+  if (lexer.getCurrent().getType() != TokenCLOSEPAREN) QORQL_raise(QORQL_Messages::kFactorParenExpected, lexer);
+  lexer.next(false);
+  return comparison;
+}
+
+// Entered on the minus sign; gives what it negates.
+Node parseNegated(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer, QORQL_ProjectionMap& projMap,
+                  const QORString& queryString, const QORString& queryLanguage) {
+  const QORQL_NestingGuard guard(lexer);
+  const bool isParenthesised = lexer.next(false).getType() == TokenOPENPAREN;
+  return isParenthesised ? parseParentheses(symbolTable, lexer, projMap, queryString, queryLanguage)
+                         : QORQL_Factor::parse(symbolTable, lexer, projMap, queryString, queryLanguage);
 }
 
 }  // namespace
@@ -122,22 +143,13 @@ QORQL_Factor::~QORQL_Factor() = default;
 QORSmrPtr<QORQL_Evaluatable> QORQL_Factor::parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                                  QORQL_ProjectionMap& projMap, const QORString& queryString,
                                                  const QORString& queryLanguage) {
-  const auto parseParentheses = [&] {
-    const QORQL_NestingGuard guard(lexer);
-    lexer.next(false);
-    Node comparison = QORQL_Comparison::parse(symbolTable, lexer, projMap, queryString, queryLanguage);
-    if (lexer.getCurrent().getType() != TokenCLOSEPAREN) QORQL_raise(QORQL_Messages::kFactorParenExpected, lexer);
-    lexer.next(false);
-    return comparison;
-  };
   const QORQL_TokenType type = lexer.getCurrent().getType();
-  if (type == TokenOPENPAREN) return nested(parseParentheses(), QORQL_OperatorNONE);
+  if (type == TokenOPENPAREN) {
+    return nested(parseParentheses(symbolTable, lexer, projMap, queryString, queryLanguage), QORQL_OperatorNONE);
+  }
   if (isLiteral(type, lexer.lookBack().getType())) return parseLiteral(lexer);
   if (type == TokenMINUS) {
-    const QORQL_NestingGuard guard(lexer);
-    const bool isParenthesised = lexer.next(false).getType() == TokenOPENPAREN;
-    return nested(isParenthesised ? parseParentheses() : parse(symbolTable, lexer, projMap, queryString, queryLanguage),
-                  QORQL_OperatorMINUS);
+    return nested(parseNegated(symbolTable, lexer, projMap, queryString, queryLanguage), QORQL_OperatorMINUS);
   }
   if (type != TokenID) QORQL_raiseAtToken(QORQL_Messages::kUnexpectedToken, lexer);
   if (lexer.lookAhead(1).getType() == TokenOPENPAREN) {

@@ -42,12 +42,15 @@ void rewriteObjectPath(const Parameters& parameters, const QORQL_Lexer& lexer) {
   *property = "NONE";
 }
 
-QORQL_FunctionID checkCall(const QORString& name, const Parameters& parameters, const QORQL_Lexer& lexer) {
+// Entered on the closing parenthesis. Parsing nests, so this stays out of the frames on the way down.
+[[gnu::noinline]] QORSmrPtr<QORQL_Evaluatable> finishCall(const QORString& name, const Parameters& parameters,
+                                                          QORQL_Lexer& lexer) {
   const QORQL_FunctionID functionID = QORQL_findFunction(name);
   if (functionID == QORQL_FUNCTIONID_UNKNOWN) QORQL_raise(QORQL_Messages::kFunctionUnknown, lexer);
   if (parameters->entries() != 1) QORQL_raise(QORQL_Messages::kArgumentCount, lexer, name);
   if (functionID == QORQL_FUNCTIONID_OBJECTPATH) rewriteObjectPath(parameters, lexer);
-  return functionID;
+  lexer.next(false);
+  return new QORQL_Function(parameters, functionID);
 }
 
 }  // namespace
@@ -70,9 +73,7 @@ QORSmrPtr<QORQL_Evaluatable> QORQL_Function::parse(QORQL_SymbolTable& symbolTabl
     parameters->append(QORQL_Expression::parse(symbolTable, lexer, projMap, queryString, queryLanguage));
   } while (lexer.getCurrent().getType() == TokenCOMMA);
   if (lexer.getCurrent().getType() != TokenCLOSEPAREN) QORQL_raise(QORQL_Messages::kFunctionParenExpected, lexer);
-  const QORQL_FunctionID functionID = checkCall(name, parameters, lexer);
-  lexer.next(false);
-  return new QORQL_Function(parameters, functionID);
+  return finishCall(name, parameters, lexer);
 }
 
 void QORQL_Function::accept(QORSmrPtr<QORQL_ExpressionVisitor>& visitor) {

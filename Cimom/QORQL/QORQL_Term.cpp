@@ -2,6 +2,7 @@
 #include "Cimom/QORQL/QORQL_Term.h"
 
 #include "Cimom/QORQL/QORQL_Chain.h"
+#include "Cimom/QORQL/QORQL_ChainParser.h"
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
 
@@ -23,8 +24,8 @@ QORQL_Term::~QORQL_Term() { QORQL_releaseChain<QORQL_Term>(_term); }
 QORSmrPtr<QORQL_Evaluatable> QORQL_Term::parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                                QORQL_ProjectionMap& projMap, const QORString& queryString,
                                                const QORString& queryLanguage) {
-  return QORQL_parseChain<QORQL_Term>(
-      lexer, &operatorOf, [&] { return QORQL_Factor::parse(symbolTable, lexer, projMap, queryString, queryLanguage); });
+  return QORQL_parseChain<QORQL_Term>(&QORQL_Factor::parse, &operatorOf, symbolTable, lexer, projMap, queryString,
+                                      queryLanguage);
 }
 
 QORQL_Factor* QORQL_Term::getFactorCasted() const noexcept { return dynamic_cast<QORQL_Factor*>(_factor.Get()); }

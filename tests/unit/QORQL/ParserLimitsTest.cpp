@@ -84,6 +84,7 @@ struct Nest {
   const char* name;
   const char* open;
   const char* close;
+  QORuint32 factorsPerLevel;
 };
 
 std::string nested(const Nest& nest, int levels) {
@@ -95,7 +96,7 @@ class Nesting : public testing::TestWithParam<Nest> {};
 TEST_P(Nesting, IsTakenUpToTheBound) {
   Parsed parsed(nested(GetParam(), kBound).c_str(), Level::Expression);
   EXPECT_EQ(parsed.lexer.getCurrent().getType(), TokenEOF);
-  EXPECT_EQ(factorsIn(parsed.tree), 1U);
+  EXPECT_EQ(factorsIn(parsed.tree), 1U + QORQL_kMaximumNesting * GetParam().factorsPerLevel);
 }
 
 TEST_P(Nesting, IsRefusedBeyondTheBound) {
@@ -109,8 +110,9 @@ TEST_P(Nesting, IsResolvedUpToTheBound) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Kinds, Nesting,
-                         testing::Values(Nest{"Parentheses", "(", ")"}, Nest{"Minus", "-", ""},
-                                         Nest{"Calls", "COUNT(", ")"}),
+                         testing::Values(Nest{"Parentheses", "(", ")", 0}, Nest{"Minus", "-", "", 0},
+                                         Nest{"Calls", "COUNT(", ")", 0},
+                                         Nest{"CallsInChains", "1 OR 1 AND 1 + 1 * COUNT(", ")", 4}),
                          [](const auto& info) { return info.param.name; });
 
 TEST(Nesting, CountsAllKindsTogether) {
