@@ -4,15 +4,39 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <optional>
 
 #include "ErrorReport.h"
 #include "ExitStatus.h"
-#include "QueryOptions.h"
+#include "OptionChecks.h"
+#include "OutputOptions.h"
 #include "QueryRunner.h"
 #include "Session.h"
+#include "SessionOptions.h"
 #include "Statements.h"
 
 namespace {
+
+constexpr const char* kDescription =
+    "Queries CIM instances: the live processes, file systems and operating system of this\n"
+    "machine, and what MOF files declare.";
+
+constexpr const char* kFooter =
+    "Without QUERY and --file, statements are read from standard input, separated by \";\".\n"
+    "\n"
+    "Exit status: 0 done; 1 a statement is refused or fails; 2 wrong usage; 3 MOF,\n"
+    "configuration or provider failure.\n"
+    "\n"
+    "Example:\n"
+    "  qorql \"SELECT FIRST 5 Handle, Name, WorkingSetSize FROM Linux_Process\n"
+    "         ORDER BY WorkingSetSize DESC\"";
+
+struct QueryOptions {
+  SessionOptions session;
+  OutputOptions output;
+  std::optional<std::string> query;  // none: the file, else standard input
+  std::string file;                  // empty: none
+};
 
 std::string readAll(std::istream& in) {
   return normaliseText({std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()});
@@ -31,7 +55,7 @@ std::vector<Statement> readStatements(const QueryOptions& options) {
 }
 
 int runStatements(const QueryOptions& options, Session& session) {
-  QueryRunner runner(options, session, std::cout);
+  QueryRunner runner(options.session, options.output, session, std::cout);
   for (const Statement& statement : readStatements(options)) {
     try {
       runner.run(statement);
@@ -48,10 +72,9 @@ int runStatements(const QueryOptions& options, Session& session) {
   return kExitDone;
 }
 
-int runQuery(int argc, const char* const* argv) {
-  QueryOptions options;
-  if (const std::optional<int> status = readQueryOptions(argc, argv, options)) return *status;
-  Session session(options);
+int runQuery(const QueryOptions& options) {
+  if (options.query && !options.file.empty()) throw CLI::ExcludesError("QUERY", "--file");
+  Session session(options.session);
   try {
     session.open();
   } catch (...) {
@@ -62,10 +85,16 @@ int runQuery(int argc, const char* const* argv) {
 
 }  // namespace
 
-int runQueryCommand(int argc, const char* const* argv) noexcept {
-  try {
-    return runQuery(argc, argv);
-  } catch (...) {
-    return reportStartFailure();
-  }
+CommandAction declareQueryCommand(CLI::App& app) {
+  const auto options = std::make_shared<QueryOptions>();
+  app.description(kDescription);
+  app.footer(kFooter);
+  declareSessionOptions(app, options->session);
+  app.add_option("-f,--file", options->file, "Read statements from a file")->type_name("FILE")->check(check(checkFile));
+  const auto takeQuery = [options](const std::string& query) { options->query = query; };
+  app.add_option_function<std::string>("QUERY", takeQuery, "One statement, or several separated by \";\"")
+      ->type_name(" ");
+  declareOutputOptions(app, options->output);
+  app.set_version_flag("--version", "qorql " QORQL_VERSION, "Print the version and end")->disable_flag_override();
+  return [options] { return runQuery(*options); };
 }

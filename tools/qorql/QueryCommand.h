@@ -2,7 +2,8 @@
 #ifndef QORQL_TOOL_QUERYCOMMAND_H
 #define QORQL_TOOL_QUERYCOMMAND_H
 
-// Returns the exit status; never throws.
-int runQueryCommand(int argc, const char* const* argv) noexcept;
+#include "Command.h"
+
+CommandAction declareQueryCommand(CLI::App& app);
 
 #endif

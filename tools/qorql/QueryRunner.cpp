@@ -83,7 +83,7 @@ void QueryRunner::run(const Statement& statement) {
   parse(execution);
   execute(execution);
   print(execution);
-  if (_options.hasStatistics) printStatistics(execution);
+  if (_output.hasStatistics) printStatistics(execution);
 }
 
 void QueryRunner::finish() {
@@ -102,7 +102,7 @@ void QueryRunner::parse(Execution& execution) {
 }
 
 OutputForm QueryRunner::formOf(const Execution& execution) const {
-  if (_options.form) return *_options.form;
+  if (_output.form) return *_output.form;
   const QORSmrPtr<QORQL_FormatClause>& clause = execution.query->getFormatClause();
   if (clause.IsNull()) return OutputForm::Table;
   switch (clause->getFormatID()) {
@@ -130,7 +130,7 @@ void QueryRunner::execute(Execution& execution) {
 
 void QueryRunner::print(Execution& execution) {
   const OutputForm form = formOf(execution);
-  if (form == OutputForm::Xml && !_options.hasStatistics) return;
+  if (form == OutputForm::Xml && !_output.hasStatistics) return;
   const Clock::time_point start = Clock::now();
   QORQL_ResultReader reader(*execution.query, execution.symbols, execution.table);
   execution.rowCount = reader.rowCount();

@@ -5,16 +5,17 @@
 #include <iosfwd>
 #include <memory>
 
-#include "QueryOptions.h"
+#include "OutputOptions.h"
 #include "ResultWriter.h"
 #include "Session.h"
+#include "SessionOptions.h"
 #include "Statements.h"
 
 // BORROWS everything it is made from.
 class QueryRunner {
  public:
-  QueryRunner(const QueryOptions& options, Session& session, std::ostream& out)
-      : _options(options), _session(session), _out(out) {}
+  QueryRunner(const SessionOptions& options, const OutputOptions& output, Session& session, std::ostream& out)
+      : _options(options), _output(output), _session(session), _out(out) {}
 
   // THROWS what the engine and the providers throw.
   void run(const Statement& statement);
@@ -32,7 +33,8 @@ class QueryRunner {
   // The writer of a form; a writer of another form is finished first.
   ResultWriter& writerOf(OutputForm form);
 
-  const QueryOptions& _options;
+  const SessionOptions& _options;
+  const OutputOptions& _output;
   Session& _session;
   std::ostream& _out;
   std::unique_ptr<ResultWriter> _writer;

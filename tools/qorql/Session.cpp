@@ -19,7 +19,7 @@ const char* severityName(QORuint32 severity) {
 
 }  // namespace
 
-Session::Session(const QueryOptions& options) : _options(options) {
+Session::Session(const SessionOptions& options) : _options(options) {
   _manager.setLogSink([this](const QORString& who, const QORString& message,
                              QORuint32 severity) { takeLogLine(who, message, severity); },
                       options.logSeverity.value_or(QoriTraceLog::kWarning));
@@ -49,7 +49,7 @@ void Session::printWarnings() {
 void Session::open() {
   loadConfiguration();
   loadMof();
-  if (_options.hasLiveClasses) addLiveClasses();
+  if (!_options.hasNoLiveClasses) addLiveClasses();
   printWarnings();
 }
 

@@ -6,12 +6,12 @@
 #include <vector>
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
-#include "QueryOptions.h"
+#include "SessionOptions.h"
 
 // Made once, then opened. BORROWS the options.
 class Session {
  public:
-  explicit Session(const QueryOptions& options);
+  explicit Session(const SessionOptions& options);
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
   ~Session();
@@ -34,7 +34,7 @@ class Session {
   void loadMof();
   void addLiveClasses();
 
-  const QueryOptions& _options;
+  const SessionOptions& _options;
   EmbeddedObjectManager _manager;
   std::vector<std::string> _warnings;
 };

@@ -1,29 +1,15 @@
-// The qorql program: finds the command that the first argument names; without one it runs a query.
+// The qorql program.
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <iostream>
-#include <string_view>
 
+#include "CommandLine.h"
 #include "ExitStatus.h"
-#include "QueryCommand.h"
 #include "StandardOutput.h"
 
 namespace {
-
-struct Command {
-  std::string_view name;
-  int (*run)(int argc, const char* const* argv);
-};
-constexpr Command kCommands[] = {{"query", runQueryCommand}};
-
-int runCommand(int argc, const char* const* argv) {
-  for (const Command& command : kCommands) {
-    if (argc > 1 && command.name == argv[1]) return command.run(argc - 1, argv + 1);
-  }
-  return runQueryCommand(argc, argv);
-}
 
 // A reader that has seen enough and closed the pipe is no failure.
 int closeOutput(StandardOutput& output, int status) {
@@ -40,5 +26,5 @@ int main(int argc, char** argv) {
   // The scanner reports on standard output by both ways; neither may overtake the other.
   std::setvbuf(stdout, nullptr, _IONBF, 0);
   StandardOutput output;
-  return closeOutput(output, runCommand(argc, argv));
+  return closeOutput(output, runCommandLine(argc, argv));
 }

@@ -1,0 +1,38 @@
+// The table of commands.
+#include "Command.h"
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+#include "QueryCommand.h"
+
+namespace {
+
+constexpr Command kCommands[] = {
+    {"query", "Run statements and print their results (what runs when no command is named)", declareQueryCommand},
+};
+
+std::string listOfCommands() {
+  std::string list = "Commands (qorql COMMAND --help tells more):\n";
+  for (const Command& command : allCommands()) {
+    std::string line = "  " + std::string(command.name);
+    line.resize(std::max<std::size_t>(line.size() + 2, 14), ' ');
+    list += line + std::string(command.summary) + '\n';
+  }
+  return list + '\n';
+}
+
+}  // namespace
+
+std::span<const Command> allCommands() { return kCommands; }
+
+DeclaredCommand declareCommand(const Command& command) {
+  const bool isDefault = &command == &allCommands().front();
+  const std::string name = isDefault ? "qorql" : "qorql " + std::string(command.name);
+  DeclaredCommand declared{std::make_unique<CLI::App>("", name), {}};
+  CLI::App& app = *declared.app;
+  declared.action = command.declare(app);
+  app.set_help_flag("-h,--help", "Print this help and end")->disable_flag_override();
+  if (isDefault) app.footer(listOfCommands() + app.get_footer());
+  return declared;
+}

@@ -1,0 +1,32 @@
+// What the commands use to declare their options.
+#ifndef QORQL_TOOL_OPTIONCHECKS_H
+#define QORQL_TOOL_OPTIONCHECKS_H
+
+#include <CLI/CLI.hpp>
+#include <map>
+#include <string>
+
+// A value that is one of the map's keys.
+template <class Value>
+CLI::Validator oneOf(const std::map<std::string, Value>& choices) {
+  std::string names;
+  for (const auto& choice : choices) names += (names.empty() ? "" : ", ") + choice.first;
+  const auto find = [names, &choices](const std::string& given) {
+    return choices.contains(given) ? std::string() : "'" + given + "' is none of " + names;
+  };
+  return CLI::Validator(find, "");
+}
+
+// The operation returns what is wrong with a value; nothing for a good one.
+inline CLI::Validator check(std::string (*operation)(const std::string&)) {
+  return CLI::Validator([operation](const std::string& given) { return operation(given); }, "");
+}
+
+inline std::string checkFile(const std::string& given) { return CLI::ExistingFile(given); }
+
+// A flag that takes no argument.
+inline CLI::Option* declareFlag(CLI::App& app, const char* name, bool& isSet, const char* description) {
+  return app.add_flag(name, isSet, description)->disable_flag_override();
+}
+
+#endif

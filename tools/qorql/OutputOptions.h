@@ -1,0 +1,26 @@
+// What the command line says about the form of results.
+#ifndef QORQL_TOOL_OUTPUTOPTIONS_H
+#define QORQL_TOOL_OUTPUTOPTIONS_H
+
+#include <map>
+#include <optional>
+#include <string>
+
+#include "ResultWriter.h"
+
+namespace CLI {
+class App;
+}
+
+struct OutputOptions {
+  std::optional<OutputForm> form;  // none: the statement's FORMAT clause, else a table
+  bool hasStatistics = false;
+};
+
+// The forms by their names.
+const std::map<std::string, OutputForm>& outputForms();
+
+// BORROWS the options until the command line has been parsed.
+void declareOutputOptions(CLI::App& app, OutputOptions& options);
+
+#endif

@@ -1,0 +1,35 @@
+// What the command line says about the object manager.
+#ifndef QORQL_TOOL_SESSIONOPTIONS_H
+#define QORQL_TOOL_SESSIONOPTIONS_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cmpbase.h"
+
+namespace CLI {
+class App;
+}
+
+struct Setting {
+  std::string section;
+  std::string key;
+  std::string value;
+};
+
+struct SessionOptions {
+  std::vector<std::string> mofPaths;
+  std::string nameSpace;
+  bool hasNoLiveClasses = false;
+  bool isQuiet = false;
+  std::string configuration;  // empty: none
+  std::vector<Setting> settings;
+  std::optional<QORuint32> logSeverity;  // none: what a statement logs is a warning if it succeeds
+};
+
+// The options that every command has which asks the object manager. BORROWS the
+// options until the command line has been parsed.
+void declareSessionOptions(CLI::App& app, SessionOptions& options);
+
+#endif
