@@ -4,6 +4,7 @@
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_Exception.h"
 #include "Cimom/QORQL/QORQL_ExecutionMessages.h"
+#include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
 #include "Cimom/QORQL/QORQL_Function.h"
 #include "Cimom/QORQL/QORQL_RowReader.h"
@@ -101,7 +102,9 @@ Value applyAround(const Fold& fold, const Value& folded, QORQL_SymbolTable& symb
 }
 
 void foldRows(std::vector<Fold>& folds, QORQL_RowReader& reader, QORuint64& counter) {
+  QORQL_StopCheck stopCheck;
   for (QORuint64 row = 0; row < reader.rowCount(); ++row) {
+    stopCheck.count();
     reader.select(row);
     if (!reader.hasRow()) continue;
     for (Fold& fold : folds) {

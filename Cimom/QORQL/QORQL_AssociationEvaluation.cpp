@@ -11,6 +11,7 @@
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_Exception.h"
 #include "Cimom/QORQL/QORQL_ExecutionMessages.h"
+#include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "Cimom/QORQL/QORQL_Helper.h"
 #include "Cimom/QORQL/QORQL_OuterJoin.h"
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
@@ -44,6 +45,7 @@ class Associates {
     if (name.IsNull()) return {};
     const auto found = _cache.find(name->toString());
     if (found != _cache.end()) return found->second;
+    const QORQL_StepScope step(QORQL_ExecutionMonitor::kStepFetch, _resultClass);
     ObjectList list(QORQL_Helper::asssociator(name, _associationClass, _resultClass, _client, _properties, _nameSpace));
     _cache.emplace(name->toString(), list);
     return list;
@@ -89,8 +91,10 @@ std::vector<std::vector<Row>> groupRows(QORQL_DataTable& table, const RowList& r
                                         const std::vector<QORuint32>& left) {
   std::vector<std::vector<Row>> groups;
   std::map<std::vector<const IQoriObject*>, std::size_t> numbers;
+  QORQL_StopCheck stopCheck;
   QORValSlistIterator<Row> iterator(*rows);
   while (++iterator) {
+    stopCheck.count();
     if (iterator.key().IsNull()) continue;
     const auto [place, isNew] =
         numbers.try_emplace(otherCells(*iterator.key(), table.getColumnCount(), left), groups.size());

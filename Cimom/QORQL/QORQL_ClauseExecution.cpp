@@ -2,6 +2,7 @@
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_Exception.h"
 #include "Cimom/QORQL/QORQL_ExecutionMessages.h"
+#include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "Cimom/QORQL/QORQL_FromClause.h"
 #include "Cimom/QORQL/QORQL_Helper.h"
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
@@ -40,5 +41,6 @@ void QORQL_FromSpecifier::execute(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQ
 
 void QORQL_WhereClause::execute(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
                                 std::ostream* /*out*/, const QORString& nameSpace) {
+  const QORQL_StepScope step(QORQL_ExecutionMonitor::kStepCondition, QORString::emptyString());
   _expression->evaluate(symbolTable, table, nameSpace);
 }

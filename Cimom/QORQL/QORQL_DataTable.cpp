@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "Cimom/QORQL/QORQL_ExecutionMessages.h"
+#include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "Cimom/QORQL/QORQL_LazyTable.h"
 #include "Cimom/QORQL/QORQL_Log.h"
 
@@ -157,8 +158,10 @@ void QORQL_DataTable::materialise() {
   rows.flatten();
   QORValSlist<QORSmrPtr<QORQL_DataRow>> made;
   QORQL_RowView view(rows);
+  QORQL_StopCheck stopCheck;
   for (const QORQL_RowBlock& block : rows.blocks()) {
     for (QORuint64 row = 0; row < block.rowCount; ++row) {
+      stopCheck.count();
       view.select(block, row);
       made.append(_lazy->makeRow(view));
       made.last()->setParentTable(this);

@@ -38,6 +38,9 @@ inline constexpr char kInvalidFunction[] = "Invalid function specified";
 inline constexpr char kGetInstanceFailed[] = "GetInstance failed while evaluating row for function 'INSTANCEOF'";
 inline constexpr char kFunctionWho[] = "QORQL_Function::evaluate()";
 
+// A query that its monitor stops.
+inline constexpr char kStopped[] = "The query was stopped.";
+
 // Sorting, projection and output.
 inline constexpr char kSortFailed[] = "Caught an exception while sorting the data.";
 inline constexpr char kBuildingFailed[] = "Caught an exception occured while building the results table.";

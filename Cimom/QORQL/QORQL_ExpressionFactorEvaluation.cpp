@@ -7,6 +7,7 @@
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_Exception.h"
 #include "Cimom/QORQL/QORQL_ExecutionMessages.h"
+#include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "Cimom/QORQL/QORQL_ExpressionFactor.h"
 #include "Cimom/QORQL/QORQL_Helper.h"
 #include "Cimom/QORQL/QORQL_IdentifierFinder.h"
@@ -56,8 +57,10 @@ void filterRows(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& tabl
   QORQL_Comparison& comparison = condition.comparison();
   QORQL_OuterJoin<Object> join(comparison.getJoinType());
   RowList kept(new QORValSlist<QORSmrPtr<QORQL_DataRow>>());
+  QORQL_StopCheck stopCheck;
   QORValSlistIterator<QORSmrPtr<QORQL_DataRow>> rows(*table->getRows());
   while (++rows) {
+    stopCheck.count();
     QORSmrPtr<QORQL_DataRow>& row = rows.key();
     if (row.IsNull()) continue;
     const QoriTruth truth = QORQL_truthOf(comparison.evaluate(symbolTable, row, nameSpace));
@@ -121,9 +124,12 @@ void QORQL_ExpressionFactor::_evaluateHelper(QORQL_SymbolTable& symbolTable, QOR
     condition.leftColumn = table->getColumnIndex(*left->first());
     condition.rightColumn = table->getColumnIndex(*right->first());
   }
+  QORQL_ExecutionMonitor::Method method = QORQL_ExecutionMonitor::kMethodFilter;
   if (table->lazy() == nullptr) {
     filterRows(symbolTable, table, condition, nameSpace);
-    return;
+  } else {
+    method = QORQL_filterLazily(symbolTable, table, condition, nameSpace);
   }
-  QORQL_filterLazily(symbolTable, table, condition, nameSpace);
+  QORQL_ExecutionMonitor* const monitor = QORQL_currentMonitor();
+  if (monitor != nullptr) monitor->conditionApplied(*comparison, method);
 }

@@ -7,6 +7,7 @@
 
 #include "Cimom/QORQL/QORQL_Comparison.h"
 #include "Cimom/QORQL/QORQL_ExecutionMessages.h"
+#include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "Cimom/QORQL/QORQL_LazyTable.h"
 #include "Cimom/QORQL/QORQL_Log.h"
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
@@ -49,6 +50,7 @@ Source describe(const QORQL_Symbol& symbol) {
 
 ObjectList fetch(const Source& source, const QORString& nameSpace, const QORString& queryString,
                  const QORString& queryLanguage) {
+  const QORQL_StepScope step(QORQL_ExecutionMonitor::kStepFetch, source.className);
   ObjectList objects(
       QORQL_Helper::enumerateInstance(source.className, source.properties, nameSpace, queryString, queryLanguage));
   if (objects.IsNull()) {
@@ -124,12 +126,14 @@ void addFirstRows(QORSmrPtr<QORQL_DataTable>& table, const ObjectList& objects, 
 
 void multiplyRows(QORSmrPtr<QORQL_DataTable>& table, const ObjectList& objects, QORuint32 column, const RowTest& test) {
   RowList product(new QORValSlist<QORSmrPtr<QORQL_DataRow>>());
+  QORQL_StopCheck stopCheck;
   QORValSlistIterator<QORSmrPtr<QORQL_DataRow>> rows(*table->getRows());
   while (++rows) {
     QORValSlistIterator<QORSmrPtr<IQoriObject>> iterator(*objects);
     while (++iterator) {
       const QORSmrPtr<IQoriObject>& object = iterator.key();
       if (object.IsNull()) continue;
+      stopCheck.count();
       QORSmrPtr<QORQL_DataRow> row(new QORQL_DataRow(*rows.key()));
       updatePreFilter(table, object);
       row->addCell(column, object);

@@ -6,11 +6,13 @@
 #include <memory>
 #include <numeric>
 
+#include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "Cimom/QORQL/QORQL_IdentifierFinder.h"
 #include "Cimom/QORQL/QORQL_LazyJoin.h"
 #include "Cimom/QORQL/QORQL_LazyTable.h"
 #include "Cimom/QORQL/QORQL_OuterJoin.h"
 #include "Cimom/QORQL/QORQL_RowTruth.h"
+#include "Cimom/QORQL/QORQL_Values.h"
 
 void QORQL_addColumnsRead(const QORSmrPtr<QORQL_Evaluatable>& side, const QORQL_DataTable& table,
                           std::vector<QORuint32>& columns) {
@@ -28,6 +30,7 @@ void QORQL_addColumnsRead(const QORSmrPtr<QORQL_Evaluatable>& side, const QORQL_
 namespace {
 
 using BlockNumbers = std::vector<std::size_t>;
+using Monitor = QORQL_ExecutionMonitor;
 
 std::vector<QORuint32> columnsRead(const QORQL_DataTable& table, const QORQL_Condition& condition) {
   std::vector<QORuint32> columns;
@@ -74,7 +77,9 @@ class BlockFilter {
     QORQL_RowView view(_rows);
     std::vector<QORuint32> kept;
     QORuint64 keptCount = 0;
+    QORQL_StopCheck stopCheck;
     for (QORuint64 row = 0; row < block.rowCount; ++row) {
+      stopCheck.count();
       view.select(block, row);
       if (!keeps(view)) continue;
       ++keptCount;
@@ -124,9 +129,11 @@ QORQL_RowBlock filterProduct(QORQL_LazyRows& rows, const BlockNumbers& numbers, 
   QORQL_RowBlock result;
   result.columns = rows.columnsOf(numbers);
   QORQL_RowView view(rows);
+  QORQL_StopCheck stopCheck;
   for (QORuint64 i = 0; i < outer.rowCount; ++i) {
     view.select(outer, i);
     for (QORuint64 j = 0; j < inner.rowCount; ++j) {
+      stopCheck.count();
       view.select(inner, j);
       if (!QORQL_keepsRow(truth.test(view), condition.isNegated, condition.isArrayNotEqual())) continue;
       ++result.rowCount;
@@ -145,29 +152,45 @@ bool tryJoin(const QORQL_DataTable& table, QORQL_LazyRows& rows, const QORQL_Con
              const BlockNumbers& numbers) {
   try {
     return QORQL_joinLazily(table, rows, condition, numbers);
+  } catch (const QORQL_StoppedException&) {
+    throw;
   } catch (const QoriBaseException&) {
     return false;  // a key cannot be computed: evaluation in row order finds which row raises what
   }
 }
 
+// How a condition that joined by key did it.
+Monitor::Method joinMethod(const QORQL_Condition& condition) {
+  const bool isEqual = QORQL_relationOf(condition.comparison().getOperator()) == QoriRelation::Equal;
+  return isEqual ? Monitor::kMethodHashJoin : Monitor::kMethodKeyJoin;
+}
+
+// Tests the rows one by one; for several blocks those of their product.
+Monitor::Method filterRows(QORQL_LazyRows& rows, const QORQL_Condition& condition, const BlockNumbers& numbers,
+                           QORQL_RowTruth& truth) {
+  const bool isInner = condition.comparison().getJoinType() == QORQL_JOIN_TYPE_INNER;
+  if (isInner && areInOrder(rows, numbers)) {
+    rows.replaceBlocks(numbers, filterProduct(rows, numbers, condition, truth));
+    return Monitor::kMethodFilteredProduct;
+  }
+  if (numbers.size() > 1) rows.multiply(numbers);
+  BlockFilter filter(rows, condition, truth);
+  filter.run(numbers.front());
+  filter.addOuterRows();
+  return numbers.size() > 1 ? Monitor::kMethodFilteredProduct : Monitor::kMethodFilter;
+}
+
 }  // namespace
 
-void QORQL_filterLazily(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
-                        const QORQL_Condition& condition, const QORString& nameSpace) {
+QORQL_ExecutionMonitor::Method QORQL_filterLazily(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
+                                                  const QORQL_Condition& condition, const QORString& nameSpace) {
   // Errors leave the table as it was: the work is done on rows of its own.
   auto rows = std::make_shared<QORQL_LazyRows>(*table->lazy()->rows());
-  BlockNumbers numbers = touchedBlocks(*table, *rows, condition);
-  if (!tryJoin(*table, *rows, condition, numbers)) {
-    const auto truth = QORQL_RowTruth::make(symbolTable, table, condition, nameSpace);
-    const bool isInner = condition.comparison().getJoinType() == QORQL_JOIN_TYPE_INNER;
-    if (isInner && areInOrder(*rows, numbers)) {
-      rows->replaceBlocks(numbers, filterProduct(*rows, numbers, condition, *truth));
-    } else {
-      if (numbers.size() > 1) rows->multiply(numbers);
-      BlockFilter filter(*rows, condition, *truth);
-      filter.run(numbers.front());
-      filter.addOuterRows();
-    }
-  }
+  const BlockNumbers numbers = touchedBlocks(*table, *rows, condition);
+  const bool isJoined = tryJoin(*table, *rows, condition, numbers);
+  const Monitor::Method method =
+      isJoined ? joinMethod(condition)
+               : filterRows(*rows, condition, numbers, *QORQL_RowTruth::make(symbolTable, table, condition, nameSpace));
   table->setLazy(std::make_unique<QORQL_LazyTable>(std::move(rows)));
+  return method;
 }

@@ -7,6 +7,7 @@
 
 #include "Cimom/QORQL/QORQL_Comparison.h"
 #include "Cimom/QORQL/QORQL_DataTable.h"
+#include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "cmpbase.h"
 
 // A condition as the expression factor found it.
@@ -28,9 +29,9 @@ void QORQL_addColumnsRead(const QORSmrPtr<QORQL_Evaluatable>& side, const QORQL_
                           std::vector<QORuint32>& columns);
 
 // Leaves the table's rows exactly as evaluation row by row would, in the same
-// order, with the same errors.
+// order, with the same errors. Returns how it was done.
 // REQUIRES a table with lazy rows, at least one, that is not projected.
-void QORQL_filterLazily(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
-                        const QORQL_Condition& condition, const QORString& nameSpace);
+QORQL_ExecutionMonitor::Method QORQL_filterLazily(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
+                                                  const QORQL_Condition& condition, const QORString& nameSpace);
 
 #endif

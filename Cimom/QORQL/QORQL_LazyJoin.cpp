@@ -11,6 +11,7 @@
 #include <string_view>
 #include <unordered_set>
 
+#include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "Cimom/QORQL/QORQL_OuterJoin.h"
 #include "Cimom/QORQL/QORQL_Values.h"
 #include "cimom/IQoriInstanceName.h"
@@ -88,6 +89,7 @@ class PairCollector {
     fillPlaces(inner, _innerPlaces);
   }
   void add(QORuint64 outerRow, QORuint64 innerRow) {
+    _stopCheck.count();
     const std::size_t start = _result.tuples.size();
     _result.tuples.resize(start + _result.columns.size());
     QORuint32* const tuple = _result.tuples.data() + start;
@@ -113,6 +115,7 @@ class PairCollector {
   QORQL_RowBlock _result;
   std::vector<std::size_t> _outerPlaces;
   std::vector<std::size_t> _innerPlaces;
+  QORQL_StopCheck _stopCheck;
 };
 
 // The two blocks with their keys; `outer` has the first column of the two.
@@ -134,7 +137,9 @@ struct Join {
 QORQL_RowBlock joinByHash(const Join& join) {
   PairCollector pairs(join.outer, join.inner);
   const KeyIndex index(join.innerKeys);
+  QORQL_StopCheck stopCheck;
   for (QORuint64 row = 0; row < join.outer.rowCount; ++row) {
+    stopCheck.count();
     index.forEachEqual(join.outerKeys[row], [&](QORuint32 inner) { pairs.add(row, inner); });
   }
   return pairs.finish();
@@ -142,7 +147,9 @@ QORQL_RowBlock joinByHash(const Join& join) {
 
 QORQL_RowBlock joinByComparing(const Join& join) {
   PairCollector pairs(join.outer, join.inner);
+  QORQL_StopCheck stopCheck;
   for (QORuint64 row = 0; row < join.outer.rowCount; ++row) {
+    stopCheck.count(join.inner.rowCount);
     for (QORuint64 inner = 0; inner < join.inner.rowCount; ++inner) {
       if (join.matches(row, inner)) pairs.add(row, inner);
     }
@@ -254,7 +261,9 @@ bool mayJoin(const QORQL_LazyRows& rows, const QORQL_Condition& condition, std::
 QORQL_JoinKeys::QORQL_JoinKeys(const QORQL_BoundValue& side, const QORQL_LazyRows& rows, const QORQL_RowBlock& block) {
   _keys.reserve(block.rowCount);
   QORQL_RowView view(rows);
+  QORQL_StopCheck stopCheck;
   for (QORuint64 row = 0; row < block.rowCount; ++row) {
+    stopCheck.count();
     view.select(block, row);
     QORSmrPtr<IQoriValue> holder;
     const QoriScalar key = side.view(view, holder);

@@ -7,6 +7,8 @@
 #include <numeric>
 #include <utility>
 
+#include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
+
 QORQL_Extent::QORQL_Extent(const ObjectList& list) : _list(list) {
   _objects.reserve(list->entries());
   QORValSlistIterator<QORSmrPtr<IQoriObject>> iterator(*list);
@@ -127,7 +129,9 @@ QORQL_RowBlock product(const QORQL_RowBlock& a, const QORQL_RowBlock& b) {
   result.rowCount = a.rowCount * b.rowCount;
   result.tuples.resize(result.rowCount * width);
   QORuint32* tuple = result.tuples.data();
+  QORQL_StopCheck stopCheck;
   for (QORuint64 i = 0; i < a.rowCount; ++i) {
+    stopCheck.count(b.rowCount);
     for (QORuint64 j = 0; j < b.rowCount; ++j, tuple += width) {
       for (std::size_t p = 0; p < a.columns.size(); ++p) tuple[placeOf(a.columns[p])] = a.index(i, p);
       for (std::size_t p = 0; p < b.columns.size(); ++p) tuple[placeOf(b.columns[p])] = b.index(j, p);

@@ -8,6 +8,7 @@
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_Exception.h"
 #include "Cimom/QORQL/QORQL_ExecutionMessages.h"
+#include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "Cimom/QORQL/QORQL_LazyTable.h"
 #include "Cimom/QORQL/QORQL_OrderByClause.h"
 #include "Cimom/QORQL/QORQL_OrderByHelper.h"
@@ -22,8 +23,12 @@ HelperList::SortOrder orderOf(bool isAscending) { return isAscending ? HelperLis
 
 void sortRows(QORQL_SymbolTable& symbolTable, QORQL_DataTable& table, QORQL_Evaluatable& key, bool isAscending) {
   HelperList entries;
+  QORQL_StopCheck stopCheck;
   QORValSlistIterator<QORSmrPtr<QORQL_DataRow>> rows(*table.getRows());
-  while (++rows) entries.append(QORQL_OrderByHelper(key.evaluate(symbolTable, rows.key()), rows.key()));
+  while (++rows) {
+    stopCheck.count();
+    entries.append(QORQL_OrderByHelper(key.evaluate(symbolTable, rows.key()), rows.key()));
+  }
   entries.sort(orderOf(isAscending));
   QORQL_DataTable::RowList sorted(new QORValSlist<QORSmrPtr<QORQL_DataRow>>());
   QORValSlistIterator<QORQL_OrderByHelper> iterator(entries);
@@ -80,7 +85,9 @@ class UniformKeys {
 
 std::vector<QORuint32> sortedByList(QORQL_RowReader& reader, std::size_t slot, bool isAscending) {
   HelperList entries;
+  QORQL_StopCheck stopCheck;
   for (QORuint32 row = 0; row < reader.rowCount(); ++row) {
+    stopCheck.count();
     reader.select(row);
     entries.append(QORQL_OrderByHelper(reader.value(slot), row));
   }
@@ -94,7 +101,9 @@ std::vector<QORuint32> sortedByList(QORQL_RowReader& reader, std::size_t slot, b
 std::vector<QORuint32> sortedNumbers(QORQL_RowReader& reader, std::size_t slot, bool isAscending) {
   if (!reader.isBound(slot)) return sortedByList(reader, slot, isAscending);  // reads each key once
   UniformKeys keys;
+  QORQL_StopCheck stopCheck;
   for (QORuint32 row = 0; row < reader.rowCount(); ++row) {
+    stopCheck.count();
     reader.select(row);
     Value holder;
     const QoriScalar key = reader.view(slot, holder);
@@ -126,12 +135,15 @@ void sortLazily(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& tabl
 
 void QORQL_OrderByClause::execute(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
                                   std::ostream* /*out*/, const QORString& /*nameSpace*/) {
+  const QORQL_StepScope step(QORQL_ExecutionMonitor::kStepSort, QORString::emptyString());
   try {
     if (table->lazy() == nullptr) {
       sortRows(symbolTable, *table, *_expression, _isSortAscending);
     } else {
       sortLazily(symbolTable, table, _expression, _isSortAscending);
     }
+  } catch (const QORQL_StoppedException&) {
+    throw;
   } catch (...) {
     throw QORQL_Exception(QORQL_Exception::QORQL_INTERNAL_ERROR, QORQL_ExecutionMessages::kSortFailed);
   }

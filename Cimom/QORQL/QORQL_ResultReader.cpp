@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "Cimom/QORQL/QORQL_SelectList.h"
 #include "Cimom/QORQL/QORQL_SelectedEntry.h"
 
@@ -72,7 +73,9 @@ void QORQL_ResultReader::addAllClasses(const QORSmrPtr<QORQL_SelectedEntry>& ent
 void QORQL_ResultReader::addClass(const QORSmrPtr<QORQL_SelectedEntry>& entry, const QORString& className) {
   NameUnion properties;
   std::set<const IQoriLayout*> seen;
+  QORQL_StopCheck stopCheck;
   for (QORuint64 row = 0; row < _rowCount; ++row) {
+    stopCheck.count();
     _reader.select(row);
     const IQoriObject* const object = _reader.hasRow() ? _reader.fetchedObject(className) : nullptr;
     if (object == nullptr) continue;
@@ -115,7 +118,9 @@ void QORQL_ResultReader::nameColumns() {
 // The first row that has a value tells the type.
 void QORQL_ResultReader::typeColumns() {
   std::size_t untyped = _columns.size();
+  QORQL_StopCheck stopCheck;
   for (QORuint64 row = 0; row < _rowCount && untyped != 0; ++row) {
+    stopCheck.count();
     _reader.select(row);
     for (std::size_t i = 0; i < _columns.size() && _reader.hasRow(); ++i) {
       if (!_columns[i].typeName.isEmpty()) continue;

@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "Cimom/QORQL/QORQL_ExecutionMessages.h"
+#include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "Cimom/QORQL/QORQL_Log.h"
 #include "cimom/CIMUtil.h"
 #include "cimom/CQoriValue.h"
@@ -32,6 +33,8 @@ void QORQL_ResultStream::write() {
   _streamTableHeader();
   try {
     _streamTableRows();
+  } catch (const QORQL_StoppedException&) {
+    throw;
   } catch (...) {
     QORQL_logError(QORQL_ExecutionMessages::kStreamingFailed);
   }
@@ -122,7 +125,9 @@ void QORQL_ResultStream::_streamTableRows() {
     if (budget != 0) _out << "</TABLEROW>\n";
     return;
   }
+  QORQL_StopCheck stopCheck;
   for (QORuint64 row = 0; row < budget; ++row) {
+    stopCheck.count();
     _reader.select(row);
     if (_reader.hasRow()) _streamRow();
   }

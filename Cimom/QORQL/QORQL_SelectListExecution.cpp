@@ -6,6 +6,7 @@
 
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_ExecutionMessages.h"
+#include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "Cimom/QORQL/QORQL_Helper.h"
 #include "Cimom/QORQL/QORQL_LazyTable.h"
 #include "Cimom/QORQL/QORQL_ParseException.h"
@@ -36,6 +37,7 @@ std::vector<QORuint32> reversedPositions(QORuint32 count) {
 
 void QORQL_SelectList::execute(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, std::ostream* out,
                                const QORString& nameSpace) {
+  const QORQL_StepScope step(QORQL_ExecutionMonitor::kStepProject, QORString::emptyString());
   _updateTableIfRequired(symbolTable, table, nameSpace);
   const QORQL_ProjectionPlan plan(*this, symbolTable, *table);
   Table result(new QORQL_DataTable());

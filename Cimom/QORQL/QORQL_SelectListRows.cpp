@@ -5,6 +5,7 @@
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_Exception.h"
 #include "Cimom/QORQL/QORQL_ExecutionMessages.h"
+#include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "Cimom/QORQL/QORQL_Log.h"
 #include "Cimom/QORQL/QORQL_ProjectionPlan.h"
 #include "Cimom/QORQL/QORQL_SelectList.h"
@@ -130,8 +131,10 @@ void QORQL_SelectList::_buildRows(Table& table, const Table& resultTable, QORQL_
                                   const RowList& rows) const {
   const bool isProjected = table->isProjected();
   const std::vector<RowFunction> functions(isProjected ? std::vector<RowFunction>() : _rowFunctions(results));
+  QORQL_StopCheck stopCheck;
   QORValSlistIterator<Row> iterator(*table->getRows());
   while (++iterator) {
+    stopCheck.count();
     Row& row = iterator.key();
     if (row.IsNull()) continue;
     QORSmrPtr<IQoriObject> values;
@@ -160,6 +163,8 @@ QORQL_SelectList::RowList QORQL_SelectList::_buildTableRows(Table& table, const 
     } else {
       _buildRows(table, resultTable, symbols, headers, plan, *results, rows);
     }
+  } catch (const QORQL_StoppedException&) {
+    throw;
   } catch (...) {
     QORQL_logError(Messages::kBuildingFailed);
   }

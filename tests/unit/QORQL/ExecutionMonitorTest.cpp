@@ -1,0 +1,137 @@
+// What a monitor sees of a query, and how it stops one, in both modes.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <string>
+#include <vector>
+
+#include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
+#include "QueryWorld.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+std::string modelText() {
+  std::string text =
+      "class A { [key] uint32 Id; string T; };\n"
+      "class B { [key] uint32 Id; uint32 K; };\n"
+      "[association] class L { [key] A REF Left; [key] B REF Right; };\n";
+  for (int i = 0; i < 110; ++i) {
+    const std::string id = std::to_string(i);
+    text += "instance of A { Id = " + id + "; T = \"t" + id + "\"; };\n";
+    text += "instance of B { Id = " + id + "; K = 7; };\n";
+  }
+  return text + "instance of L { Left = \"A.Id=1\"; Right = \"B.Id=2\"; };\n";
+}
+
+// Notes what it is told; stops when it has been asked often enough.
+class Recorder : public QORQL_ExecutionMonitor {
+ public:
+  explicit Recorder(int limit = INT_MAX) : _limit(limit) {}
+  bool isStopRequested() noexcept override { return ++questions > _limit; }
+  void stepBegins(Step step, const QORString& subject) noexcept override {
+    constexpr const char* kNames[] = {"fetch", "condition", "sort", "project"};
+    steps.push_back(std::string(depth++, ' ') + kNames[step] + (subject.isEmpty() ? "" : " ") +
+                    QueryWorld::textOf(subject));
+  }
+  void stepEnds(Step /*step*/) noexcept override { --depth; }
+  void conditionApplied(const QORQL_Comparison& /*comparison*/, Method method) noexcept override {
+    methods.push_back(method);
+  }
+
+  std::vector<std::string> steps;
+  std::vector<Method> methods;
+  int questions = 0;
+  std::size_t depth = 0;
+
+ private:
+  int _limit;
+};
+
+struct ExecutionMonitor : testing::Test {
+  QueryWorld world{modelText()};
+
+  QueryOutcome run(QORQL_ExecutionMonitor& monitor, const char* query,
+                   QORQL_DataTable::ExecutionMode mode = QORQL_DataTable::kExecutionLazy) {
+    const QORQL_MonitorScope scope(monitor);
+    return world.runIn(query, mode);
+  }
+};
+
+TEST_F(ExecutionMonitor, seesTheStepsInOrder) {
+  Recorder recorder;
+  EXPECT_EQ(run(recorder, "SELECT T FROM A WHERE Id < 5 ORDER BY T ASC").rows.size(), 5U);
+  EXPECT_THAT(recorder.steps, ElementsAre("fetch A", "condition", "project", "sort", "project"));
+  EXPECT_EQ(recorder.depth, 0U);
+}
+
+TEST_F(ExecutionMonitor, seesTheFetchesInsideACondition) {
+  Recorder recorder;
+  run(recorder, "SELECT A.T, B.K FROM A, B, L WHERE L = A AND L = B AND A.Id = 1");
+  EXPECT_THAT(recorder.steps, testing::IsSupersetOf({"fetch A", " fetch B"}));
+}
+
+TEST_F(ExecutionMonitor, seesHowConditionsAreApplied) {
+  const auto methodsOf = [this](const char* query) {
+    Recorder recorder;
+    run(recorder, query);
+    return recorder.methods;
+  };
+  using Monitor = QORQL_ExecutionMonitor;
+  EXPECT_THAT(methodsOf("SELECT T FROM A WHERE Id < 5 AND Id > 2"),
+              ElementsAre(Monitor::kMethodFilter, Monitor::kMethodFilter));
+  EXPECT_THAT(methodsOf("SELECT T FROM A, B WHERE A.Id = B.Id"), ElementsAre(Monitor::kMethodHashJoin));
+  EXPECT_THAT(methodsOf("SELECT T FROM A, B WHERE A.Id < B.Id"), ElementsAre(Monitor::kMethodKeyJoin));
+  EXPECT_THAT(methodsOf("SELECT T FROM A, B WHERE A.Id + B.Id = 4"), ElementsAre(Monitor::kMethodFilteredProduct));
+}
+
+TEST_F(ExecutionMonitor, changesNothingThatAQueryGives) {
+  for (const char* query : {"SELECT * FROM A", "SELECT T, K FROM A, B WHERE A.Id = B.Id ORDER BY T DESC",
+                            "SELECT MAX(Id) AS M FROM A", "SELECT T FROM A WHERE T + 1 = 2"}) {
+    Recorder recorder;
+    EXPECT_EQ(run(recorder, query), world.run(query)) << query;
+  }
+}
+
+// Stops at every question that a query asks, and expects an end in order each time.
+TEST_F(ExecutionMonitor, stopsAQueryWhereverItIs) {
+  for (const auto mode : {QORQL_DataTable::kExecutionLazy, QORQL_DataTable::kExecutionPlain}) {
+    for (const char* query :
+         {"SELECT A.T FROM A, B WHERE A.Id + B.Id = 4 ORDER BY A.T ASC", "SELECT A.Id FROM A, B WHERE A.Id < B.Id",
+          "SELECT A.Id, B.Id FROM A, B", "SELECT SUM(A.Id) AS S FROM A, B", "SELECT A.T FROM A, B WHERE A.Id *= B.Id",
+          "SELECT B.K FROM A, B, L WHERE L = A AND L = B"}) {
+      Recorder whole;
+      const QueryOutcome expected = run(whole, query, mode);
+      ASSERT_EQ(expected.error, "") << query;
+      for (int limit = 0; limit < whole.questions; limit += 1 + whole.questions / 12) {
+        Recorder recorder(limit);
+        const QueryOutcome outcome = run(recorder, query, mode);
+        EXPECT_EQ(outcome.error, "runtime 3: The query was stopped.") << query << " at question " << limit;
+        EXPECT_EQ(recorder.questions, limit + 1) << query;
+        EXPECT_EQ(recorder.depth, 0U) << query;
+      }
+      EXPECT_EQ(world.runIn(query, mode), expected) << query;
+    }
+  }
+}
+
+TEST_F(ExecutionMonitor, logsNothingWhenItStops) {
+  Recorder recorder(4);
+  const QueryOutcome outcome = run(recorder, "SELECT A.Id, B.Id FROM A, B");
+  EXPECT_EQ(outcome.error, "runtime 3: The query was stopped.");
+  for (const std::string& line : outcome.log) EXPECT_THAT(line, testing::Not(testing::HasSubstr("CQL/1"))) << line;
+}
+
+TEST_F(ExecutionMonitor, innerScopesHideOuterOnes) {
+  Recorder outer;
+  const QORQL_MonitorScope scope(outer);
+  Recorder inner;
+  run(inner, "SELECT T FROM A");
+  EXPECT_TRUE(outer.steps.empty());
+  world.runIn("SELECT T FROM A", QORQL_DataTable::kExecutionLazy);
+  EXPECT_FALSE(outer.steps.empty());
+}
+
+}  // namespace
