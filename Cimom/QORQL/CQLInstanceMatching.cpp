@@ -1,6 +1,8 @@
 // Whether one instance satisfies a filter: the walk over the parsed WHERE tree.
 // Whatever is missing or wrong on the way makes the instance not match.
+#include "Cimom/QORQL/CQLIsa.h"
 #include "Cimom/QORQL/CQLMatcher.h"
+#include "Cimom/QORQL/CQLPropertyPath.h"
 #include "Cimom/QORQL/CQLQueryStatement.h"
 #include "Cimom/QORQL/CQLQueryValidator.h"
 #include "Cimom/QORQL/QORQL_Arithmetic.h"
@@ -19,9 +21,6 @@ using Value = QORSmrPtr<IQoriValue>;
 using Node = QORSmrPtr<QORQL_Evaluatable>;
 
 constexpr char kIsMatch[] = "CQLQUERYSTATEMENT::isMatch";
-constexpr char kAlertingElement[] = "AlertingManagedElement";
-constexpr char kAlertingFormat[] = "AlertingElementFormat";
-constexpr QORuint64 kPathFormat = 2;
 
 const Node& operandOf(const QORQL_Arithmetic& node) { return node.getTerm(); }
 const Node& operandOf(const QORQL_Term& node) { return node.getFactor(); }
@@ -45,21 +44,25 @@ Value evaluateChain(const Node& node, Evaluate evaluate) {
   return result;
 }
 
+bool isText(const Value& value) {
+  return !value.IsNull() && !value->isArray() && value->getType()->getName() == "string";
+}
 bool isTrue(const Value& value) { return !value.IsNull() && value->getBoolean(); }
 
 QORQL_Comparison* nestedComparison(const Node& node) { return dynamic_cast<QORQL_Comparison*>(node.Get()); }
 
-// The comparison in the parentheses that an operand consists of; null when there is none.
-const Node* parenthesised(const Node& arithmetic) {
-  const auto* sum = dynamic_cast<const QORQL_Arithmetic*>(arithmetic.Get());
+}  // namespace
+
+const CQLQueryStatement::Node* CQLQueryStatement::parenthesised(const Node& comparison) {
+  const auto* outer = dynamic_cast<const QORQL_Comparison*>(comparison.Get());
+  if (outer == nullptr || outer->getOperator() != QORQL_OperatorNONE) return nullptr;
+  const auto* sum = dynamic_cast<const QORQL_Arithmetic*>(outer->getLHSArithmeticExpression().Get());
   if (sum == nullptr || sum->getOperator() != QORQL_OperatorNONE || sum->getTermCasted() == nullptr) return nullptr;
   const QORQL_Term& term = *sum->getTermCasted();
   const QORQL_Factor* const factor = term.getOperator() == QORQL_OperatorNONE ? term.getFactorCasted() : nullptr;
   if (factor == nullptr || factor->getOperator() != QORQL_OperatorNONE) return nullptr;
   return nestedComparison(factor->getEvaluatable()) == nullptr ? nullptr : &factor->getEvaluatable();
 }
-
-}  // namespace
 
 bool CQLQueryStatement::isMatch(const QORSmrPtr<IQoriObject>& instance, const QORString& nameSpace) const {
   requireValidated(kIsMatch);
@@ -136,7 +139,7 @@ bool CQLQueryStatement::isMatchComparison(const Node& node, const Instance& inst
     const QORQL_Operator op = comparison->getOperator();
     if (op == QORQL_OperatorISA) return matchesIsa(*comparison, instance);
     if (op == QORQL_OperatorNONE) {
-      const Node* const inner = parenthesised(comparison->getLHSArithmeticExpression());
+      const Node* const inner = parenthesised(node);
       return inner != nullptr && isMatchComparison(*inner, instance);
     }
     if (op < QORQL_OperatorEQUAL || op > QORQL_OperatorGREATEREQUAL) return false;
@@ -185,32 +188,16 @@ Value CQLQueryStatement::getPropertyValueFromEmbeddedObject(const IQoriObject& i
   return path.value(instance);
 }
 
-bool CQLQueryStatement::matchesAlertingElement(const IQoriObject& instance, const QORString& className) const {
-  const QORSmrPtr<IQoriProperty> format(instance.getProperty(kAlertingFormat, true));
-  const QORSmrPtr<IQoriProperty> element(instance.getProperty(kAlertingElement, true));
-  if (format.IsNull() || element.IsNull() || format->getValue().IsNull() || element->getValue().IsNull()) return false;
-  if (!format->getValue()->scalar().isNumber() || format->getValue()->getUint64() != kPathFormat) return false;
-  const IQoriValue& path = *element->getValue();
-  if (path.isArray() || path.getType()->getName() != "string") return false;
-  const QORString text(path.toString());
-  if (!text.beginsWith("//")) return false;
-  const std::size_t colon = text.find(":");
-  const std::size_t dot = colon == QORString::npos ? QORString::npos : text.find(".", colon + 1);
-  if (dot == QORString::npos) return false;
-  const QORString named(text.subStr(colon + 1, dot - colon - 1));
-  return !named.isEmpty() && CQLQueryValidator::isSubClass(nameSpaceInUse(), named, className);
-}
-
-// The left side contributes the name of its property, the right side a class.
+// The left side contributes the name of its property, the right side a class;
+// sides that are computed contribute their texts.
 bool CQLQueryStatement::matchesIsa(const QORQL_Comparison& comparison, const Instance& instance) const {
-  const CQLIsaNames names(comparison);
-  if (!names.areBothGiven) return false;
-  const QORSmrPtr<IQoriProperty> property(instance->getProperty(names.propertyName, true));
-  if (!property.IsNull() && !property->getValue().IsNull() && !property->getValue()->isArray()) {
-    const QORSmrPtr<IQoriObject> object(property->getValue()->getObject());
-    if (!object.IsNull() && !object->getClassName().isEmpty()) {
-      return CQLQueryValidator::isSubClass(nameSpaceInUse(), object->getClassName(), names.className);
-    }
+  CQLIsaNames names;
+  if (!CQLIsaNames::read(comparison, names)) {
+    const Value lhs(doMatchArithmetic(comparison.getLHSArithmeticExpression(), instance));
+    const Value rhs(doMatchArithmetic(comparison.getRHSArithmeticExpression(), instance));
+    if (!isText(lhs) || !isText(rhs)) return false;
+    names.propertyName = lhs->toString();
+    names.className = rhs->toString();
   }
-  return names.propertyName == kAlertingElement && matchesAlertingElement(*instance, names.className);
+  return CQLIsa(*this, names).holds(*instance);
 }

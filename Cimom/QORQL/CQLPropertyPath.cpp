@@ -1,5 +1,6 @@
 // Reading a filter's properties off an instance.
-#include "Cimom/QORQL/CQLMatcher.h"
+#include "Cimom/QORQL/CQLPropertyPath.h"
+
 #include "Cimom/QORQL/CQLQueryStatement.h"
 #include "Cimom/QORQL/CQLQueryValidator.h"
 
@@ -20,6 +21,11 @@ CQLPropertyPath::CQLPropertyPath(const CQLQueryStatement& statement, const QORQL
   const QORString chain(textOf(factor.getChain()));
   addSteps(chain.find(".") == QORString::npos ? *factor.getClassName() : chain, statement);
   if (_steps.empty()) _scope = QORString::emptyString();
+  _steps.push_back(std::make_unique<Step>(property));
+}
+
+CQLPropertyPath::CQLPropertyPath(const CQLQueryStatement& statement, const QORString& property)
+    : _statement(statement) {
   _steps.push_back(std::make_unique<Step>(property));
 }
 
@@ -44,6 +50,8 @@ std::string CQLPropertyPath::text() const {
     text += step->name.view();
   }
   if (_index >= 0) text += "[" + std::to_string(_index) + "]";
+  if (_index == QORQL_Factor::kWholeArray) text += "[*]";
+  if (_index == QORQL_Factor::kEmptyBrackets) text += "[]";
   return text;
 }
 
@@ -92,9 +100,10 @@ const IQoriObject* CQLPropertyPath::follow(const IQoriObject& instance, Object& 
   return current;
 }
 
-Value CQLPropertyPath::element(const Value& value) const {
-  if (_index < 0 || value.IsNull()) return value;
-  const QORSmrPtr<IQoriValue::List> elements(value->getArray());
+// By iterator: lists remember the last place that at() found, so threads that
+// share one must not call it.
+Value CQLPropertyPath::elementOf(const IQoriValue& array) const {
+  const QORSmrPtr<IQoriValue::List> elements(array.getArray());
   if (elements.IsNull() || static_cast<QORuint32>(_index) >= elements->entries()) return {};
   QORValSlistIterator<Value> iterator(*elements);
   iterator += static_cast<QORuint32>(_index) + 1;
@@ -105,7 +114,9 @@ Value CQLPropertyPath::value(const IQoriObject& instance) const {
   if (_steps.empty()) return {};
   Object object;
   const IQoriObject* const owner = follow(instance, object);
-  return owner == nullptr ? Value() : element(read(*owner, *_steps.back()));
+  if (owner == nullptr) return {};
+  const Value whole(read(*owner, *_steps.back()));
+  return _index < 0 || whole.IsNull() ? whole : elementOf(*whole);
 }
 
 QoriScalar CQLPropertyPath::view(const IQoriObject& instance, Object& object, Value& holder) const {
@@ -113,10 +124,15 @@ QoriScalar CQLPropertyPath::view(const IQoriObject& instance, Object& object, Va
   const IQoriObject* const owner = follow(instance, object);
   if (owner == nullptr) return {};
   const IQoriLayout* const layout = owner->getLayout();
-  if (layout != nullptr && _index < 0) {
-    const QORsint32 place = placeOf(*_steps.back(), *layout);
-    return place < 0 ? QoriScalar() : owner->getScalarAt(static_cast<QORuint32>(place));
+  if (layout == nullptr) {
+    holder = read(*owner, *_steps.back());
+    if (_index >= 0 && !holder.IsNull()) holder = elementOf(*holder);
+    return holder.IsNull() ? QoriScalar() : holder->scalar();
   }
-  holder = element(read(*owner, *_steps.back()));
+  const QORsint32 place = placeOf(*_steps.back(), *layout);
+  const QoriScalar whole = place < 0 ? QoriScalar() : owner->getScalarAt(static_cast<QORuint32>(place));
+  if (_index < 0) return whole;
+  if (whole.kind != QoriScalarKind::Complex) return {};
+  holder = elementOf(*whole.value);
   return holder.IsNull() ? QoriScalar() : holder->scalar();
 }

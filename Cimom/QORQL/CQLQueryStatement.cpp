@@ -6,6 +6,7 @@
 #include "Cimom/QORQL/QORQL_FromClause.h"
 #include "Cimom/QORQL/QORQL_Lexer.h"
 #include "Cimom/QORQL/QORQL_Log.h"
+#include "Cimom/QORQL/QORQL_Messages.h"
 #include "Cimom/QORQL/QORQL_SelectList.h"
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
 #include "cimom/CQoriInstanceName.h"
@@ -34,7 +35,8 @@ CQLQueryStatement::CQLQueryStatement(const QORString& queryLanguage, const QORSt
 CQLQueryStatement::~CQLQueryStatement() = default;
 
 void CQLQueryStatement::refuse(const char* who, const QORString& message) {
-  if (_fault.isEmpty()) _fault = message;
+  if (_fault.kind == CQLQueryFault::kNone) _fault.kind = CQLQueryFault::kOther;
+  if (_fault.message.isEmpty()) _fault.message = message;
   QORQL_logAs(who, message, QoriTraceLog::kError);
 }
 
@@ -42,8 +44,32 @@ void CQLQueryStatement::parseQuery() {
   QORQL_SymbolTable symbolTable(nullptr);
   QORQL_Lexer lexer(_queryString, false);
   const QORString& none = QORString::emptyString();
-  _query = QORQL_Query::parse(symbolTable, lexer, false, none, none, nameSpaceInUse());
+  try {
+    _query = QORQL_Query::parse(symbolTable, lexer, false, none, none, nameSpaceInUse());
+  } catch (const QORQL_ParseException& error) {
+    const bool isRead = error.getLineNr() == 0;
+    noteParseFault(error, isRead ? CQLQueryFault::kNoOffset : lexer.getCurrent().getOffset());
+    throw;
+  } catch (const QORQL_Exception& error) {
+    noteParseFault(error, lexer.getCurrent().getOffset());
+    throw;
+  }
   queryParsed = true;
+}
+
+// Faults of names are found after the text was read; they name what is wrong.
+void CQLQueryStatement::noteParseFault(const QoriBaseException& error, QORuint32 offset) {
+  const QORString message(error.getMessage());
+  if (QORQL_isMessage(QORQL_Messages::kPropertyUnknown.text, message, _fault.name)) {
+    _fault.kind = CQLQueryFault::kProperty;
+  } else if (QORQL_isMessage(QORQL_Messages::kPropertyAmbiguous.text, message, _fault.name)) {
+    _fault.kind = CQLQueryFault::kAmbiguous;
+  } else if (QORQL_isMessage(QORQL_Messages::kSymbolInvalid.text, message, _fault.name)) {
+    _fault.kind = CQLQueryFault::kQualifier;
+  } else {
+    _fault.kind = CQLQueryFault::kSyntax;
+    _fault.offset = offset;
+  }
 }
 
 void CQLQueryStatement::checkQuery() {
@@ -63,6 +89,8 @@ QUERY_VALIDATE CQLQueryStatement::validate() {
   if (queryParsed) return queryValidateStatus;
   if (!isSupported(_queryLang)) {
     queryValidateStatus = QUERY_UNSUPPORTED_LANGUAGE;
+    _fault.kind = CQLQueryFault::kLanguage;
+    _fault.name = _queryLang;
     refuse(kValidateCall, "Unsupported Query Language");
     return queryValidateStatus;
   }
@@ -140,17 +168,33 @@ CQLQueryExceptionCode CQLQueryStatement::validateEntry(const QORQL_SelectedEntry
   while (++names) {
     if (names.key()->getClassName().compareTo(className, 0) != 0) continue;
     if (!CQLQueryValidator::findProperty(nameSpaceInUse(), className, property, true)) {
-      _fault = QORString("'") + property + "' is no property of " + className;
+      _fault.kind = CQLQueryFault::kProperty;
+      _fault.name = property;
+      _fault.className = className;
+      _fault.message = QORString("'") + property + "' is no property of " + className;
       return CQL_QUERY_VALIDATE_ERROR;
     }
   }
   return CQL_QUERY_SUCCESS;
 }
 
+void CQLQueryStatement::noteUnknownClass() {
+  QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*fromClause().getFromSpecifierList());
+  while (++specifiers) {
+    const QORString& className = specifiers.key()->getTableName();
+    if (className.isEmpty() || CQLQueryValidator::findClass(nameSpaceInUse(), className)) continue;
+    _fault.kind = CQLQueryFault::kClass;
+    _fault.name = className;
+    _fault.message = QORString("'") + className + "' is no class of " + nameSpaceInUse();
+    return;
+  }
+}
+
 CQLQueryExceptionCode CQLQueryStatement::validateSchema() {
   try {
     ClassList classes(new QORValSlist<QORSmrPtr<IQoriInstanceName>>());
     const CQLQueryExceptionCode code = buildClassList(classes);
+    if (code == CQL_QUERY_VALIDATE_ERROR) noteUnknownClass();
     if (code != CQL_QUERY_SUCCESS) return code;
     QORValSlistIterator<QORSmrPtr<QORQL_SelectedEntry>> entries(*selectList().getSelectedEntries());
     while (++entries) {

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "Cimom/QORQL/CQLQueryException.h"
+#include "Cimom/QORQL/CQLQueryFault.h"
 #include "Cimom/QORQL/QORQL_Comparison.h"
 #include "Cimom/QORQL/QORQL_Operator.h"
 #include "Cimom/QORQL/QORQL_Query.h"
@@ -59,11 +60,15 @@ class CQLQueryStatement : public IQueryStatement {
   // allocate nothing: property against literal or property, ISA.
   bool isMatch(const QORSmrPtr<IQoriObject>& instance, const QORString& nameSpace) const override;
 
-  // Why validate() refused: the text that it logged; empty when it did not.
-  const QORString& getFault() const noexcept { return _fault; }
-  // Whether the WHERE clause holds, on the instance alone, and if not the first
-  // condition that failed, as text, with the values that it compared.
-  bool explainMatch(const QORSmrPtr<IQoriObject>& instance, std::string& why) const;
+  // Why validate() refused; of the kind kNone when it did not.
+  const CQLQueryFault& getFault() const noexcept { return _fault; }
+  // Why a valid statement matches no instance at all: OR, NOT and the like never
+  // do. Empty when it may match one. THROWS as isMatch.
+  QORString neverMatchesBecause() const;
+  // isMatch, and if it is false the reason as text: another namespace or class,
+  // or the first condition that failed with the values that it compared. THROWS
+  // as isMatch.
+  bool explainMatch(const QORSmrPtr<IQoriObject>& instance, const QORString& nameSpace, std::string& why) const;
 
   // The steps of matching. Each returns false, or a null value, when anything
   // about the node or the instance is not as it should be.
@@ -96,16 +101,22 @@ class CQLQueryStatement : public IQueryStatement {
   static CQLPrecisionCode findPrecisionType(const QORString& lhsType, const QORString& rhsType);
   static Value convertToHighPrecision(const QORString& fromType, const QORString& toType, const Value& value);
 
+  // The comparison in the parentheses that a comparison consists of; null when there is none.
+  static const Node* parenthesised(const Node& comparison);
+
  private:
   friend class CQLMatcher;
   friend class CQLPropertyPath;
+  friend class CQLIsa;
 
   void requireValidated(const char* where) const;
   const QORString& nameSpaceInUse() const noexcept {
     return _sourceNamespace.isEmpty() ? _indicationNamespace : _sourceNamespace;
   }
   void parseQuery();
+  void noteParseFault(const QoriBaseException& error, QORuint32 offset);
   void checkQuery();
+  // Logs the message, which is also the fault's when nothing better is known.
   void refuse(const char* who, const QORString& message);
   const QORQL_SelectList& selectList() const;
   const QORQL_FromClause& fromClause() const;
@@ -113,6 +124,7 @@ class CQLQueryStatement : public IQueryStatement {
   CQLQueryExceptionCode buildSelectPropertyList(const QORString& className, PropertyNames& list) const;
   CQLQueryExceptionCode buildWherePropertyList(const QORString& className, PropertyNames& list) const;
   CQLQueryExceptionCode validateSchema();
+  void noteUnknownClass();
   CQLQueryExceptionCode validateEntry(const QORQL_SelectedEntry& entry, const ClassList& classes);
   // The class that a FROM name in any case stands for; empty when it is none.
   QORString fromClassOf(const QORString& name) const;
@@ -123,7 +135,6 @@ class CQLQueryStatement : public IQueryStatement {
                     const QORString& property, const std::function<void(const QORString&)>& add) const;
 
   bool matchesIsa(const QORQL_Comparison& comparison, const Instance& instance) const;
-  bool matchesAlertingElement(const IQoriObject& instance, const QORString& className) const;
   // Reads a property through properties that hold embedded objects.
   Value getPropertyValueFromEmbeddedObject(const IQoriObject& instance, const class QORQL_Factor& factor) const;
 
@@ -134,7 +145,7 @@ class CQLQueryStatement : public IQueryStatement {
   QORSmrPtr<QORQL_Executable> _query;
   QUERY_VALIDATE queryValidateStatus = QUERY_INVALID_QUERY;
   bool queryParsed = false;
-  QORString _fault;
+  CQLQueryFault _fault;
   std::unique_ptr<const CQLMatcher> _matcher;  // made by a validation that succeeded
 };
 

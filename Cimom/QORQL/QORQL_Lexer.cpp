@@ -4,9 +4,8 @@
 
 #include <FlexLexer.h>
 
-#include <sstream>
+#include <algorithm>
 #include <string>
-#include <string_view>
 #include <utility>
 
 #include "Cimom/QORQL/QORQL_Messages.h"
@@ -14,9 +13,31 @@
 namespace {
 
 constexpr int kFirstEnumeratedToken = TokenINVALID;
+constexpr std::size_t kQuotes = 2;  // that a string literal's text is without
 
-std::unique_ptr<std::istream> streamOver(const QORString& text) {
+std::unique_ptr<std::istringstream> streamOver(const QORString& text) {
   return std::make_unique<std::istringstream>(std::string(text.view()), std::ios::in);
+}
+
+bool beginsToken(char c) {
+  constexpr std::string_view kSigns = "*=!<>~+-/,()[].:\"#&;{}_";
+  const bool isLetter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+  return isLetter || (c >= '0' && c <= '9') || kSigns.find(c) != std::string_view::npos;
+}
+
+// Where the scanner finds its next token: behind blanks, strings without end
+// and characters that begin none. The scanner itself counts lines only.
+std::size_t startOfToken(std::string_view text, std::size_t from) {
+  while (from < text.size() && !beginsToken(text[from])) {
+    if (text[from] != '\'') {
+      ++from;
+      continue;
+    }
+    const std::size_t end = text.find_first_of("'\n", from + 1);
+    if (end != std::string_view::npos && text[end] == '\'') return from;
+    from = end == std::string_view::npos ? from + 1 : end;
+  }
+  return from;
 }
 
 // Double quotes are removed at either end, of string literals too.
@@ -34,6 +55,7 @@ QORQL_Lexer::QORQL_Lexer(const QORString& queryString, bool)
 QORQL_Lexer::QORQL_Lexer(const QORString& queryString, const QORString& fileName, const QORString& pathName)
     : _buffer(queryString.c_str()),
       _istream(streamOver(queryString)),
+      _text(_istream->view()),
       _flexLexer(std::make_unique<yyFlexLexer>(_istream.get(), nullptr)),
       _fileName(fileName),
       _pathname(pathName) {
@@ -44,13 +66,17 @@ QORQL_Lexer::~QORQL_Lexer() = default;
 
 QORQL_Token QORQL_Lexer::_getNext() {
   const int type = _flexLexer->yylex();
+  const std::size_t start = startOfToken(_text, _scanned);
+  const QORuint32 offset = static_cast<QORuint32>(start);
   if (type < kFirstEnumeratedToken) {
+    _scanned = std::min(start + 1, _text.size());
     const char character = static_cast<char>(type);
-    return QORQL_Token(QORString(&character, 1), static_cast<QORQL_TokenType>(type));
+    return QORQL_Token(QORString(&character, 1), static_cast<QORQL_TokenType>(type), offset);
   }
   // A string literal may hold any byte, so the text is taken by its length.
   const std::string_view matched(_flexLexer->YYText(), static_cast<std::size_t>(_flexLexer->YYLeng()));
-  return QORQL_Token(QORString(withoutQuotes(matched)), static_cast<QORQL_TokenType>(type));
+  _scanned = start + matched.size() + (type == TokenSTRINGLITERAL ? kQuotes : 0);
+  return QORQL_Token(QORString(withoutQuotes(matched)), static_cast<QORQL_TokenType>(type), offset);
 }
 
 QORQL_Token& QORQL_Lexer::_nextRevisitedToken() {

@@ -2,8 +2,9 @@
 #ifndef QORQL_LEXER_H
 #define QORQL_LEXER_H
 
-#include <istream>
 #include <memory>
+#include <sstream>
+#include <string_view>
 
 #include "Cimom/QORQL/QORQL_Token.h"
 #include "cmpbase.h"
@@ -53,7 +54,9 @@ class QORQL_Lexer {
   QORValSlist<QORQL_Token> _nextTokens;
   QORValSlist<QORQL_Token> _revisitTokens;
   int _currentTokenIndex = 0;
-  std::unique_ptr<std::istream> _istream;
+  std::unique_ptr<std::istringstream> _istream;
+  std::string_view _text;    // what the stream holds
+  std::size_t _scanned = 0;  // the end of the token that was scanned last
   std::unique_ptr<FlexLexer> _flexLexer;
   QORString _fileName;
   QORString _pathname;

@@ -1,6 +1,8 @@
 // How the errors of parsing and name resolution are thrown.
 #include "Cimom/QORQL/QORQL_Messages.h"
 
+#include <string_view>
+
 #include "Cimom/QORQL/QORQL_Lexer.h"
 
 namespace {
@@ -16,6 +18,20 @@ QORString fill(const char* text, const QORString& argument) {
 
 QORString QORQL_printedText(const QORQL_Token& token) {
   return token.getType() == TokenEOF ? QORString::emptyString() : token.getValue();
+}
+
+bool QORQL_isMessage(const char* message, const QORString& text, QORString& argument) {
+  const std::string_view pattern(message);
+  const std::size_t place = pattern.find("%s");
+  if (place == std::string_view::npos) return false;
+  const std::string_view before = pattern.substr(0, place);
+  const std::string_view behind = pattern.substr(place + 2);
+  std::string_view rest = text.view();
+  if (rest.size() < before.size() + behind.size() || !rest.starts_with(before) || !rest.ends_with(behind)) return false;
+  rest.remove_prefix(before.size());
+  rest.remove_suffix(behind.size());
+  argument = QORString(rest);
+  return true;
 }
 
 void QORQL_raise(const QORQL_ParseMessage& message, const QORQL_Lexer& lexer, const QORString& argument) {

@@ -113,6 +113,10 @@ inline constexpr QORQL_CheckMessage kWhereCastFailed{
 // The text of a token as messages print it: nothing for the end of the input.
 QORString QORQL_printedText(const QORQL_Token& token);
 
+// Whether a text is the message with something in place of its "%s", which is
+// then the argument.
+bool QORQL_isMessage(const char* message, const QORString& text, QORString& argument);
+
 // Each THROWS the message, with the argument in place of its "%s".
 // At the lexer's line.
 [[noreturn]] void QORQL_raise(const QORQL_ParseMessage& message, const QORQL_Lexer& lexer,

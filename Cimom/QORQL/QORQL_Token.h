@@ -70,11 +70,15 @@ class QORQL_Token {
  public:
   // Empty text, TokenINVALID.
   QORQL_Token() noexcept = default;
-  QORQL_Token(const QORString& value, QORQL_TokenType type) : _tokenValue(value), _tokenType(type) {}
+  QORQL_Token(const QORString& value, QORQL_TokenType type, QORuint32 offset = 0)
+      : _tokenValue(value), _tokenType(type), _offset(offset) {}
 
   const QORString& getValue() const noexcept { return _tokenValue; }
   QORQL_TokenType getType() const noexcept { return _tokenType; }
+  // The byte of the query text at which it begins; for the end of the input, its length.
+  QORuint32 getOffset() const noexcept { return _offset; }
 
+  // Where they stand does not count.
   friend bool operator==(const QORQL_Token& a, const QORQL_Token& b) noexcept {
     return a._tokenType == b._tokenType && a._tokenValue == b._tokenValue;
   }
@@ -82,6 +86,7 @@ class QORQL_Token {
  private:
   QORString _tokenValue = QORString::emptyString();
   QORQL_TokenType _tokenType = TokenINVALID;
+  QORuint32 _offset = 0;
 };
 
 #endif

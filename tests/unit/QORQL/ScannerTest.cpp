@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -231,6 +232,42 @@ TEST(Token, CopiesBothFields) {
   EXPECT_EQ(plain(QORQL_Token(token).getValue()), "x");
   EXPECT_EQ(QORQL_Token(token).getType(), TokenID);
   EXPECT_TRUE(assigned == token);
+}
+
+// Where the token stands: the text there begins as the token does.
+void expectPlaces(const std::string& text) {
+  const QORString query(text.data(), text.size());
+  testing::internal::CaptureStdout();
+  QORQL_Lexer lexer(query, false);
+  for (; lexer.getCurrent().getType() != TokenEOF; lexer.next(false)) {
+    const QORQL_Token& token = lexer.getCurrent();
+    std::string written(token.getValue().view());
+    if (token.getType() == TokenSTRINGLITERAL) written = "'" + written + "'";
+    EXPECT_EQ(text.substr(token.getOffset(), written.size()), written) << text << " at " << token.getOffset();
+  }
+  EXPECT_EQ(lexer.getCurrent().getOffset(), text.size()) << text;
+  std::cout.flush();
+  testing::internal::GetCapturedStdout();
+}
+
+TEST(Scanner, TokensKnowWhereTheyStand) {
+  expectPlaces("SELECT  a.b,\n  'text' FROM C WHERE x<>-1.5e3 AND y!=*=*z");
+  expectPlaces("$ a | b\r\n'left open\nc 'whole' d \x80 e");
+  expectPlaces("a 'open at the end");
+  expectPlaces("'' '' a");
+  expectPlaces("");
+  expectPlaces(std::string("a \0 b '\0' c", 12));
+}
+
+TEST(Scanner, TokensOfRandomTextsKnowWhereTheyStand) {
+  constexpr char kPieces[] = "aZ_09 \n\t'.*=<>!:|$#&;{}~+-/,()[]\x80";
+  std::mt19937 random(7);
+  std::uniform_int_distribution<std::size_t> piece(0, sizeof kPieces - 2);
+  for (int round = 0; round < 2000; ++round) {
+    std::string text;
+    for (int i = 0; i < 30; ++i) text += kPieces[piece(random)];
+    expectPlaces(text);
+  }
 }
 
 }  // namespace

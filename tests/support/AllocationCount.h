@@ -1,6 +1,6 @@
 // Counts the allocations of this test program.
-#ifndef QORQL_UNIT_MODEL_ALLOCATIONCOUNT_H
-#define QORQL_UNIT_MODEL_ALLOCATIONCOUNT_H
+#ifndef QORQL_TESTS_ALLOCATIONCOUNT_H
+#define QORQL_TESTS_ALLOCATIONCOUNT_H
 
 // Allocations by operator new on this thread since it started.
 unsigned long allocationCount() noexcept;

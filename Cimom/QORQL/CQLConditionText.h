@@ -1,0 +1,18 @@
+// A filter's conditions and values as a person reads them.
+#ifndef QORQL_CQLCONDITIONTEXT_H
+#define QORQL_CQLCONDITIONTEXT_H
+
+#include <string>
+
+#include "Cimom/QORQL/QORQL_Comparison.h"
+
+class CQLQueryStatement;
+
+// As it could be written in a filter, FROM names left out.
+std::string CQLTextOfCondition(const CQLQueryStatement& statement, const QORQL_Comparison& comparison);
+// NULL for null; text in single quotes; an array as {1, 2}.
+std::string CQLTextOfValue(const QORSmrPtr<IQoriValue>& value);
+// "=" to ">=", "LIKE", "ISA" and the like.
+const char* CQLTextOfOperator(QORQL_Operator op) noexcept;
+
+#endif

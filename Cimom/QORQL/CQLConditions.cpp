@@ -1,0 +1,248 @@
+// The conditions of a filter: relations of properties and constants, ISA, what
+// never holds, and everything else through the tree.
+#include "Cimom/QORQL/CQLConditions.h"
+
+#include "Cimom/QORQL/CQLConditionText.h"
+#include "Cimom/QORQL/CQLIsa.h"
+#include "Cimom/QORQL/CQLOperand.h"
+#include "Cimom/QORQL/CQLQueryStatement.h"
+#include "Cimom/QORQL/QORQL_ExpressionFactor.h"
+#include "Cimom/QORQL/QORQL_Values.h"
+
+namespace {
+
+using Object = QORSmrPtr<IQoriObject>;
+using Value = QORSmrPtr<IQoriValue>;
+using Node = QORSmrPtr<QORQL_Evaluatable>;
+
+std::string compared(const Value& left, QORQL_Operator op, const Value& right) {
+  return " (" + CQLTextOfValue(left) + " " + CQLTextOfOperator(op) + " " + CQLTextOfValue(right) + ")";
+}
+
+// An unsigned number beside a signed one is taken as a signed one of 64 bits.
+std::partial_ordering compareAsFilter(const QoriScalar& a, const QoriScalar& b) noexcept {
+  const bool areIntegers = a.kind != QoriScalarKind::Real && b.kind != QoriScalarKind::Real;
+  if (areIntegers && a.kind != b.kind) return a.s <=> b.s;
+  return qori::compareNumbers(a, b);
+}
+
+// A boolean, or text that says TRUE or FALSE in any case: 1 or 0; otherwise -1.
+int truthOf(const QoriScalar& view) noexcept {
+  if (view.kind == QoriScalarKind::Boolean) return view.b ? 1 : 0;
+  if (view.kind != QoriScalarKind::Text) return -1;
+  if (QORString::equalIgnoringCase(view.text->view(), "TRUE")) return 1;
+  return QORString::equalIgnoringCase(view.text->view(), "FALSE") ? 0 : -1;
+}
+
+// A comparison of two values in doComparisonOperation's way, on their views.
+class ViewRelation {
+ public:
+  explicit ViewRelation(QORQL_Operator op) : _operator(op), _relation(QORQL_relationOf(op)) {}
+
+  QORQL_Operator getOperator() const noexcept { return _operator; }
+
+  // `valuesOf` gives the two values as a pair, for the kinds that only they can compare.
+  template <class Values>
+  bool holds(const QoriScalar& left, const QoriScalar& right, const Values& valuesOf) const {
+    using Kind = QoriScalarKind;
+    if (left.isNull() || right.isNull()) return false;
+    if (left.isNumber() && right.isNumber()) return qori::satisfies(compareAsFilter(left, right), _relation);
+    if (left.kind == Kind::Text && right.kind == Kind::Text) {
+      return qori::satisfies(left.text->view() <=> right.text->view(), _relation);
+    }
+    if (left.kind == Kind::Boolean || right.kind == Kind::Boolean) {
+      const int leftTruth = truthOf(left);
+      const int rightTruth = truthOf(right);
+      return leftTruth >= 0 && rightTruth >= 0 && qori::satisfies(leftTruth <=> rightTruth, _relation);
+    }
+    if (left.kind != right.kind) return false;
+    try {
+      if (left.kind == Kind::Complex && left.value->isArray()) {
+        return left.value->relate(_relation, *right.value) == QoriTruth::True;
+      }
+      const auto [leftValue, rightValue] = valuesOf();
+      return CQLQueryStatement::doComparisonOperation(leftValue, rightValue, _operator);
+    } catch (...) {
+      return false;
+    }
+  }
+
+ private:
+  QORQL_Operator _operator;
+  QoriRelation _relation;
+};
+
+// Properties and constants compared with each other.
+class Relation : public CQLCondition {
+ public:
+  Relation(const CQLQueryStatement& statement, const QORQL_Comparison& comparison, std::unique_ptr<CQLOperand> left,
+           std::unique_ptr<CQLOperand> right)
+      : _left(std::move(left)),
+        _right(std::move(right)),
+        _relation(comparison.getOperator()),
+        _text(CQLTextOfCondition(statement, comparison)) {}
+
+  bool holds(const Object& instance) const override {
+    Object leftObject;
+    Object rightObject;
+    Value leftHolder;
+    Value rightHolder;
+    const QoriScalar left = _left->view(*instance, leftObject, leftHolder);
+    if (left.isNull()) return false;
+    const QoriScalar right = _right->view(*instance, rightObject, rightHolder);
+    return holdsFor(*instance, left, right);
+  }
+  std::string explain(const Object& instance) const override {
+    return _text + compared(_left->value(*instance), _relation.getOperator(), _right->value(*instance));
+  }
+
+ protected:
+  const ViewRelation& relation() const noexcept { return _relation; }
+  const CQLOperand& left() const noexcept { return *_left; }
+  const CQLOperand& right() const noexcept { return *_right; }
+
+ private:
+  virtual bool holdsFor(const IQoriObject& instance, const QoriScalar& left, const QoriScalar& right) const {
+    return _relation.holds(left, right, [&] { return std::pair(_left->value(instance), _right->value(instance)); });
+  }
+
+  std::unique_ptr<CQLOperand> _left;
+  std::unique_ptr<CQLOperand> _right;
+  ViewRelation _relation;
+  std::string _text;
+};
+
+// The same for ANY and EVERY element of one side, in the written order. No
+// element satisfies neither.
+class ArrayRelation final : public Relation {
+ public:
+  ArrayRelation(const CQLQueryStatement& statement, const QORQL_Comparison& comparison,
+                std::unique_ptr<CQLOperand> left, std::unique_ptr<CQLOperand> right)
+      : Relation(statement, comparison, std::move(left), std::move(right)),
+        _isLeft(comparison.getArrayComp() == QORQL_Comparison::ArrayCompAnyLeft ||
+                comparison.getArrayComp() == QORQL_Comparison::ArrayCompEveryLeft),
+        _isAny(comparison.getArrayComp() == QORQL_Comparison::ArrayCompAnyLeft ||
+               comparison.getArrayComp() == QORQL_Comparison::ArrayCompAnyRight) {}
+
+ private:
+  bool holdsFor(const IQoriObject& instance, const QoriScalar& left, const QoriScalar& right) const override {
+    const QoriScalar& array = _isLeft ? left : right;
+    if (array.kind != QoriScalarKind::Complex || !array.value->isArray()) return false;
+    const QORSmrPtr<IQoriValue::List> elements(array.value->getArray());
+    QORValSlistIterator<Value> element(*elements);
+    while (++element) {
+      if (holdsForElement(instance, left, right, element.key()) == _isAny) return _isAny;
+    }
+    return !_isAny && !elements->isEmpty();
+  }
+
+  bool holdsForElement(const IQoriObject& instance, const QoriScalar& left, const QoriScalar& right,
+                       const Value& element) const {
+    const QoriScalar view = element.IsNull() ? QoriScalar() : element->scalar();
+    if (_isLeft) {
+      return relation().holds(view, right, [&] { return std::pair(element, this->right().value(instance)); });
+    }
+    return relation().holds(left, view, [&] { return std::pair(this->left().value(instance), element); });
+  }
+
+  bool _isLeft;
+  bool _isAny;
+};
+
+class IsaCondition final : public CQLCondition {
+ public:
+  IsaCondition(const CQLQueryStatement& statement, const QORQL_Comparison& comparison, const CQLIsaNames& names)
+      : _isa(statement, names), _text(CQLTextOfCondition(statement, comparison)) {}
+  bool holds(const Object& instance) const override { return _isa.holds(*instance); }
+  std::string explain(const Object& instance) const override {
+    return _text + " (" + _isa.foundText(*instance) + " ISA " + std::string(_isa.className().view()) + ")";
+  }
+
+ private:
+  CQLIsa _isa;
+  std::string _text;
+};
+
+class Never final : public CQLCondition {
+ public:
+  Never(std::string text, std::string reason) : _text(std::move(text)), _reason(std::move(reason)) {}
+  bool holds(const Object& /*instance*/) const override { return false; }
+  std::string explain(const Object& /*instance*/) const override { return _text + " (" + _reason + ")"; }
+  std::string neverBecause() const override { return _reason; }
+
+ private:
+  std::string _text;
+  std::string _reason;
+};
+
+class TreeCondition final : public CQLCondition {
+ public:
+  TreeCondition(const CQLQueryStatement& statement, const Node& comparison)
+      : _statement(statement), _comparison(comparison) {}
+  bool holds(const Object& instance) const override { return _statement.isMatchComparison(_comparison, instance); }
+  std::string explain(const Object& instance) const override {
+    const auto& comparison = dynamic_cast<const QORQL_Comparison&>(*_comparison);
+    const Value left(valueOf(comparison.getLHSArithmeticExpression(), instance));
+    const Value right(valueOf(comparison.getRHSArithmeticExpression(), instance));
+    return CQLTextOfCondition(_statement, comparison) + compared(left, comparison.getOperator(), right);
+  }
+
+ private:
+  Value valueOf(const Node& node, const Object& instance) const {
+    try {
+      return _statement.doMatchArithmetic(node, instance);
+    } catch (...) {
+      return {};
+    }
+  }
+
+  const CQLQueryStatement& _statement;
+  Node _comparison;
+};
+
+std::unique_ptr<CQLCondition> makeRelation(const CQLQueryStatement& statement, const QORQL_Comparison& comparison,
+                                           const Node& node) {
+  std::unique_ptr<CQLOperand> left = CQLOperand::make(statement, comparison.getLHSArithmeticExpression());
+  std::unique_ptr<CQLOperand> right = CQLOperand::make(statement, comparison.getRHSArithmeticExpression());
+  if (left != nullptr && right != nullptr) {
+    if (!comparison.isArrayComp()) {
+      return std::make_unique<Relation>(statement, comparison, std::move(left), std::move(right));
+    }
+    return std::make_unique<ArrayRelation>(statement, comparison, std::move(left), std::move(right));
+  }
+  return std::make_unique<TreeCondition>(statement, node);
+}
+
+std::unique_ptr<CQLCondition> makeComparison(const CQLQueryStatement& statement, const Node& node) {
+  const Node* written = &node;
+  while (const Node* const inner = CQLQueryStatement::parenthesised(*written)) written = inner;
+  const auto& comparison = dynamic_cast<const QORQL_Comparison&>(**written);
+  const QORQL_Operator op = comparison.getOperator();
+  if (op >= QORQL_OperatorEQUAL && op <= QORQL_OperatorGREATEREQUAL) {
+    return makeRelation(statement, comparison, *written);
+  }
+  if (op == QORQL_OperatorISA) {
+    CQLIsaNames names;
+    if (CQLIsaNames::read(comparison, names)) return std::make_unique<IsaCondition>(statement, comparison, names);
+    return std::make_unique<TreeCondition>(statement, *written);
+  }
+  const bool isBare = op == QORQL_OperatorNONE;
+  return CQLMakeNever(CQLTextOfCondition(statement, comparison),
+                      isBare ? std::string("a condition without a comparison never matches")
+                             : std::string("a condition with ") + CQLTextOfOperator(op) + " never matches");
+}
+
+}  // namespace
+
+std::unique_ptr<CQLCondition> CQLMakeCondition(const CQLQueryStatement& statement, const Node& operand) {
+  const auto* factor = dynamic_cast<const QORQL_ExpressionFactor*>(operand.Get());
+  const QORQL_Comparison* const comparison =
+      factor == nullptr ? nullptr : dynamic_cast<const QORQL_Comparison*>(factor->getComparison().Get());
+  if (comparison == nullptr) return CQLMakeNever("An association", "a condition on an association never matches");
+  if (factor->getOperator() == QORQL_OperatorNONE) return makeComparison(statement, factor->getComparison());
+  return CQLMakeNever("NOT " + CQLTextOfCondition(statement, *comparison), "a condition under NOT never matches");
+}
+
+std::unique_ptr<CQLCondition> CQLMakeNever(std::string text, std::string reason) {
+  return std::make_unique<Never>(std::move(text), std::move(reason));
+}

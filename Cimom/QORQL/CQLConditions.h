@@ -1,0 +1,32 @@
+// The conditions of a filter, prepared: paths, constants and class names found
+// once, then applied to any number of instances.
+#ifndef QORQL_CQLCONDITIONS_H
+#define QORQL_CQLCONDITIONS_H
+
+#include <memory>
+#include <string>
+
+#include "Cimom/QORQL/QORQL_Evaluatable.h"
+#include "cimom/IQoriObject.h"
+
+class CQLQueryStatement;
+
+// One condition of a chain of ANDs. Threads may share one.
+class CQLCondition {
+ public:
+  virtual ~CQLCondition() = default;
+  virtual bool holds(const QORSmrPtr<IQoriObject>& instance) const = 0;
+  // The condition and, in parentheses, the values that it compared on the
+  // instance or why it never holds.
+  virtual std::string explain(const QORSmrPtr<IQoriObject>& instance) const = 0;
+  // Why it holds for no instance, whatever that is; empty when it may.
+  virtual std::string neverBecause() const { return {}; }
+};
+
+// The condition of an operand of AND. BORROWS the statement.
+std::unique_ptr<CQLCondition> CQLMakeCondition(const CQLQueryStatement& statement,
+                                               const QORSmrPtr<QORQL_Evaluatable>& operand);
+// One that never holds.
+std::unique_ptr<CQLCondition> CQLMakeNever(std::string text, std::string reason);
+
+#endif

@@ -1,0 +1,64 @@
+// Preparing one side of a filter's comparison.
+#include "Cimom/QORQL/CQLOperand.h"
+
+#include "Cimom/QORQL/CQLQueryStatement.h"
+#include "Cimom/QORQL/QORQL_Arithmetic.h"
+#include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
+#include "Cimom/QORQL/QORQL_Term.h"
+
+namespace {
+
+using Value = QORSmrPtr<IQoriValue>;
+using Node = QORSmrPtr<QORQL_Evaluatable>;
+
+// Literals are constant, and so is a function, which has no value in a filter.
+class PropertyFinder : public QORQL_ExpressionVisitor {
+ public:
+  void visitFactor(const QORQL_Factor& factor) override { found = found || factor.getLiteral().IsNull(); }
+  bool found = false;
+};
+
+bool isConstant(const Node& side) {
+  PropertyFinder* const finder = new PropertyFinder();
+  QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
+  if (!side.IsNull()) side->accept(visitor);
+  return !finder->found;
+}
+
+// Null when it cannot be computed.
+Value constantOf(const CQLQueryStatement& statement, const Node& side) {
+  try {
+    return statement.doMatchArithmetic(side, QORSmrPtr<IQoriObject>());
+  } catch (...) {
+    return {};
+  }
+}
+
+}  // namespace
+
+const QORQL_Factor* CQLLoneFactor(const Node& side) {
+  const QORQL_Evaluatable* node = side.Get();
+  while (const auto* sum = dynamic_cast<const QORQL_Arithmetic*>(node)) {
+    const QORQL_Term* const term = sum->getOperator() == QORQL_OperatorNONE ? sum->getTermCasted() : nullptr;
+    if (term == nullptr || term->getOperator() != QORQL_OperatorNONE) return nullptr;
+    const QORQL_Factor* const factor = term->getFactorCasted();
+    if (factor == nullptr || factor->getOperator() != QORQL_OperatorNONE) return nullptr;
+    if (factor->getEvaluatable().IsNull()) return factor;
+    const auto* inner = dynamic_cast<const QORQL_Comparison*>(factor->getEvaluatable().Get());
+    if (inner == nullptr || inner->getOperator() != QORQL_OperatorNONE) return nullptr;
+    node = inner->getLHSArithmeticExpression().Get();
+  }
+  return nullptr;
+}
+
+std::unique_ptr<CQLOperand> CQLOperand::make(const CQLQueryStatement& statement, const Node& side) {
+  const QORQL_Factor* const factor = CQLLoneFactor(side);
+  if (factor != nullptr && factor->getLiteral().IsNull()) {
+    return std::make_unique<CQLOperand>(std::make_unique<CQLPropertyPath>(statement, *factor));
+  }
+  return isConstant(side) ? std::make_unique<CQLOperand>(constantOf(statement, side)) : nullptr;
+}
+
+CQLOperand::CQLOperand(const Value& constant) : _constant(constant) {
+  if (!_constant.IsNull()) _view = _constant->scalar();
+}

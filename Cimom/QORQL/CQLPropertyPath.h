@@ -1,0 +1,54 @@
+// Where a filter finds a value on an instance.
+#ifndef QORQL_CQLPROPERTYPATH_H
+#define QORQL_CQLPROPERTYPATH_H
+
+#include <atomic>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Cimom/QORQL/QORQL_Factor.h"
+#include "cimom/IQoriObject.h"
+
+class CQLQueryStatement;
+
+// A property of the instance, or one reached through properties that hold
+// embedded objects, and a place in it. Threads may share one. BORROWS the statement.
+class CQLPropertyPath {
+ public:
+  CQLPropertyPath(const CQLQueryStatement& statement, const QORQL_Factor& factor);
+  // A property of the instance itself.
+  CQLPropertyPath(const CQLQueryStatement& statement, const QORString& property);
+
+  // Null when any step is missing, of another class than the scope asks for, or
+  // no object. An index outside the array is missing too.
+  QORSmrPtr<IQoriValue> value(const IQoriObject& instance) const;
+  // A view of the same, valid while the instance, `object` and `holder` live.
+  // Allocates nothing where the objects have layouts.
+  QoriScalar view(const IQoriObject& instance, QORSmrPtr<IQoriObject>& object, QORSmrPtr<IQoriValue>& holder) const;
+  // As a person would write it.
+  std::string text() const;
+
+ private:
+  // One step, with the place where the property was last found: a guess that is
+  // checked by name, so that threads and classes may share it.
+  struct Step {
+    explicit Step(const QORString& property) : name(property) {}
+    QORString name;
+    mutable std::atomic<QORuint32> place{0};
+  };
+
+  void addSteps(const QORString& path, const CQLQueryStatement& statement);
+  QORsint32 placeOf(const Step& step, const IQoriLayout& layout) const;
+  QORSmrPtr<IQoriValue> read(const IQoriObject& object, const Step& step) const;
+  // The object that holds the last property; null when a step is missing.
+  const IQoriObject* follow(const IQoriObject& instance, QORSmrPtr<IQoriObject>& object) const;
+  QORSmrPtr<IQoriValue> elementOf(const IQoriValue& array) const;
+
+  const CQLQueryStatement& _statement;
+  std::vector<std::unique_ptr<Step>> _steps;  // empty: nothing can be read
+  QORString _scope;
+  QORsint32 _index = QORQL_Factor::kNoArray;
+};
+
+#endif
