@@ -25,7 +25,7 @@ void match(const CQLQueryStatement& filter, const QORSmrPtr<IQoriObject>& instan
   const bool holds = filter.isMatchWhereClause(instance);
   fuzzRequire(isMatch == (isOfClass && holds), "the prepared conditions and the walk of the tree agree");
   std::string why;
-  fuzzRequire(filter.explainMatch(instance, why) == isMatch, "the explanation and the answer agree");
+  fuzzRequire(filter.explainMatch(instance, kNameSpace, why) == isMatch, "the explanation and the answer agree");
   fuzzRequire(isMatch || !why.empty(), "a refusal has a reason");
 }
 
@@ -47,7 +47,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const auto [text, mof] = fuzzParts(fuzzText(data, size));
   CQLQueryStatement filter("CQL", QORString(text.data(), text.size()), kNameSpace, "");
   if (filter.validate() != QUERY_VALIDATE_SUCCESS) {
-    fuzzRequire(!filter.getFault().isEmpty(), "a refused filter has a reason");
+    fuzzRequire(!filter.getFault().message.isEmpty(), "a refused filter has a reason");
     return 0;
   }
   listProperties(filter);
