@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "Cimom/Embedded/ClassRules.h"
 #include "Cimom/Embedded/DeclarationHelpers.h"
 #include "Cimom/Embedded/NameMap.h"
 #include "Cimom/Embedded/RepositoryError.h"
@@ -15,22 +16,6 @@ using embedded::refuse;
 
 namespace {
 
-// Qualifiers of the metamodel whose inheritance does not depend on how (or
-// whether) a schema declares them.
-bool isAlwaysInherited(const QORString& name) noexcept {
-  const auto is = [&name](const char* other) { return QORString::equalIgnoringCase(name.view(), other); };
-  return is("Key") || is("Association") || is("Indication");
-}
-
-bool isNeverInherited(const QORString& name) noexcept {
-  const auto is = [&name](const char* other) { return QORString::equalIgnoringCase(name.view(), other); };
-  return is("Abstract") || is("Override");
-}
-
-bool reachesSubclasses(const CimQualifier& qualifier) noexcept {
-  return !isNeverInherited(qualifier.name) && (qualifier.toSubclass || isAlwaysInherited(qualifier.name));
-}
-
 // Adds those that reach subclasses and are not declared anew.
 void inheritQualifiers(std::vector<CimQualifier>& own, const std::vector<CimQualifier>& inherited) {
   const std::size_t ownCount = own.size();
@@ -38,12 +23,19 @@ void inheritQualifiers(std::vector<CimQualifier>& own, const std::vector<CimQual
     const bool isDeclaredAnew =
         std::any_of(own.begin(), own.begin() + static_cast<std::ptrdiff_t>(ownCount),
                     [&](const CimQualifier& mine) { return mine.name.isEqualCaseInsensitive(qualifier.name); });
-    if (reachesSubclasses(qualifier) && !isDeclaredAnew) own.push_back(qualifier);
+    if (embedded::reachesSubclasses(qualifier) && !isDeclaredAnew) own.push_back(qualifier);
   }
 }
 
 void dropRestricted(std::vector<CimQualifier>& qualifiers) {
-  std::erase_if(qualifiers, [](const CimQualifier& qualifier) { return !reachesSubclasses(qualifier); });
+  std::erase_if(qualifiers, [](const CimQualifier& qualifier) { return !embedded::reachesSubclasses(qualifier); });
+}
+
+void overrideProperty(CimPropertyDeclaration& inherited, const CimPropertyDeclaration& declared) {
+  CimPropertyDeclaration effective = declared;
+  if (effective.defaultValue.IsNull()) effective.defaultValue = inherited.defaultValue;
+  inheritQualifiers(effective.qualifiers, inherited.qualifiers);
+  inherited = std::move(effective);
 }
 
 bool isReference(const CimPropertyDeclaration& property) noexcept {
@@ -55,6 +47,7 @@ bool isReference(const CimPropertyDeclaration& property) noexcept {
 CQoriClass::CQoriClass(const QORString& nameSpace, const CimClassDeclaration& declaration, const CQoriClass* superClass)
     : _declaration(declaration), _qualifiersInForce(declaration.qualifiers) {
   if (superClass != nullptr) inheritFrom(*superClass);
+  embedded::ClassRules(_declaration, superClass).check();
   addQualifiers();
   addOwnProperties();
   finish(nameSpace);
@@ -79,25 +72,6 @@ void CQoriClass::addQualifiers() {
   _isAbstract = embedded::hasFlag(_declaration.qualifiers, "Abstract");
 }
 
-void CQoriClass::checkProperty(const CimPropertyDeclaration& declared) const {
-  const std::string_view className = getClassName().view();
-  const std::string_view name = declared.name.view();
-  if (declared.name.isEmpty()) refuse(CimStatus::InvalidParameter, {"class ", className, ": a property has no name"});
-  if (declared.type.IsNull()) {
-    refuse(CimStatus::TypeMismatch, {"class ", className, ": property ", name, " has no type"});
-  }
-  if (isReference(declared) && !_isAssociation) {
-    refuse(CimStatus::InvalidParameter, {"class ", className, ": reference ", name, " outside an association"});
-  }
-  if (declared.defaultValue.IsNull()) return;
-  const IQoriType& given = *declared.defaultValue->getType();
-  if (!embedded::sameType(given, *embedded::typeInInstances(declared))) {
-    refuse(CimStatus::TypeMismatch,
-           {"class ", className, ": property ", name, " is ", embedded::typeText(*declared.type).view(),
-            ", its default value is ", embedded::typeText(given).view()});
-  }
-}
-
 void CQoriClass::addOwnProperties() {
   embedded::NameMap<std::size_t> positions;
   for (const CimPropertyDeclaration& property : _properties) {
@@ -105,32 +79,15 @@ void CQoriClass::addOwnProperties() {
   }
   _isOwn.assign(_properties.size(), false);
   for (const CimPropertyDeclaration& declared : _declaration.properties) {
-    checkProperty(declared);
     const auto [found, isNew] = positions.emplace(declared.name.view(), _properties.size());
     if (isNew) {
       _properties.push_back(declared);
       _isOwn.push_back(true);
       continue;
     }
-    if (_isOwn[found->second]) {
-      refuse(CimStatus::AlreadyExists,
-             {"class ", getClassName().view(), ": property ", declared.name.view(), " is declared twice"});
-    }
     overrideProperty(_properties[found->second], declared);
     _isOwn[found->second] = true;
   }
-}
-
-void CQoriClass::overrideProperty(CimPropertyDeclaration& inherited, const CimPropertyDeclaration& declared) const {
-  if (!embedded::sameType(*inherited.type, *declared.type)) {
-    refuse(CimStatus::TypeMismatch, {"class ", getClassName().view(), ": property ", declared.name.view(),
-                                     " is redeclared as ", embedded::typeText(*declared.type).view(),
-                                     ", it is inherited as ", embedded::typeText(*inherited.type).view()});
-  }
-  CimPropertyDeclaration effective = declared;
-  if (effective.defaultValue.IsNull()) effective.defaultValue = inherited.defaultValue;
-  inheritQualifiers(effective.qualifiers, inherited.qualifiers);
-  inherited = std::move(effective);
 }
 
 void CQoriClass::finish(const QORString& nameSpace) {

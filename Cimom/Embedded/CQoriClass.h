@@ -30,8 +30,9 @@ class CQoriClass final : public IQoriClass {
   // Levels of inheritance that a class may have.
   static constexpr QORuint32 kMaximumDepth = 500;
 
-  // `superClass`: null at the root. THROWS QoriBaseException (type
-  // "CIM_Repository") when the declaration contradicts itself or the superclass.
+  // `superClass`: null at the root. THROWS CimDeclarationRefusal when the
+  // declaration contradicts itself or the superclass, QoriBaseException (type
+  // "CIM_Repository") when inheritance is nested too deeply.
   CQoriClass(const QORString& nameSpace, const CimClassDeclaration& declaration, const CQoriClass* superClass);
   CQoriClass(const CQoriClass&) = delete;
   CQoriClass& operator=(const CQoriClass&) = delete;
@@ -43,6 +44,8 @@ class CQoriClass final : public IQoriClass {
   const IQoriProperty* getProperty(const QORString& name, bool includeInherited) const noexcept override;
 
   const CimClassDeclaration& declaration() const noexcept { return _declaration; }
+  // Own and inherited ones, own ones first.
+  const std::vector<CimQualifier>& qualifiersInForce() const noexcept { return _qualifiersInForce; }
   // By the positions of instances: inherited first, an overriding declaration in
   // the place of the overridden one, each with the qualifiers in force.
   const std::vector<CimPropertyDeclaration>& properties() const noexcept { return _properties; }
@@ -61,8 +64,6 @@ class CQoriClass final : public IQoriClass {
   void inheritFrom(const CQoriClass& superClass);
   void addQualifiers();
   void addOwnProperties();
-  void overrideProperty(CimPropertyDeclaration& inherited, const CimPropertyDeclaration& declared) const;
-  void checkProperty(const CimPropertyDeclaration& declared) const;
   void finish(const QORString& nameSpace);
 
   CimClassDeclaration _declaration;

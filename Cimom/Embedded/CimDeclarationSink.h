@@ -23,10 +23,13 @@ class CimDeclarationSink {
   // Idempotent.
   virtual void createNamespace(const QORString& nameSpace) = 0;
   virtual void declareQualifier(const QORString& nameSpace, const CimQualifierDeclaration& declaration) = 0;
-  // Refused: a class that exists with another declaration, a missing superclass,
-  // a property declared twice or redeclared with another type, a default of
-  // another type, a reference outside an association, inheritance of more than
-  // 500 levels. An equal declaration again is accepted.
+  // Refused: a class that exists with another declaration, a missing or terminal
+  // superclass, inheritance of more than 500 levels; and with a
+  // CimDeclarationRefusal that lists them all: a property declared twice or
+  // redeclared with another type, an override of nothing, a default of another
+  // type, a key that is an array or an embedded object or is added to inherited
+  // keys, a change of a qualifier whose flavor forbids it, a reference outside
+  // an association. An equal declaration again is accepted.
   virtual void declareClass(const QORString& nameSpace, const CimClassDeclaration& declaration) = 0;
   // Refused: an unknown or abstract class, an unknown property, a property
   // given twice, a value of another type, a class without keys, a key without
@@ -35,6 +38,10 @@ class CimDeclarationSink {
                                                       const CimInstanceDeclaration& declaration) = 0;
   // An object that is not stored (an embedded instance or an indication); needs no keys.
   virtual QORSmrPtr<IQoriObject> makeObject(const QORString& nameSpace, const CimInstanceDeclaration& declaration) = 0;
+  // A class as the value of an embedded object: its properties hold their
+  // defaults, it has no path and is not declared. Refused as by declareClass().
+  virtual QORSmrPtr<IQoriObject> makeClassObject(const QORString& nameSpace,
+                                                 const CimClassDeclaration& declaration) = 0;
 
   // Null when the class does not exist.
   virtual QORSmrPtr<IQoriClass> findClass(const QORString& nameSpace, const QORString& className) const = 0;

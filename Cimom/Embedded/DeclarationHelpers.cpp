@@ -16,19 +16,16 @@ bool sameScalar(const QORSmrPtr<IQoriValue>& a, const QORSmrPtr<IQoriValue>& b) 
   return sameType(*a->getType(), *b->getType()) && a->toString() == b->toString();
 }
 
-// Element by element: the joined text of an array does not tell where its elements end.
-bool sameValue(const QORSmrPtr<IQoriValue>& a, const QORSmrPtr<IQoriValue>& b) {
-  if (!sameScalar(a, b)) return false;
-  if (a.IsNull() || !a->isArray()) return true;
-  const QORSmrPtr<IQoriValue::List> left = a->getArray();
-  const QORSmrPtr<IQoriValue::List> right = b->getArray();
-  if (left->entries() != right->entries()) return false;
-  QORValSlistIterator<QORSmrPtr<IQoriValue>> x(*left);
-  QORValSlistIterator<QORSmrPtr<IQoriValue>> y(*right);
-  while (++x && ++y) {
-    if (!sameScalar(x.key(), y.key())) return false;
-  }
-  return true;
+// Qualifiers of the metamodel whose inheritance does not depend on how (or
+// whether) a schema declares them.
+bool isAlwaysInherited(const QORString& name) noexcept {
+  const auto is = [&name](const char* other) { return QORString::equalIgnoringCase(name.view(), other); };
+  return is("Key") || is("Association") || is("Indication");
+}
+
+bool isNeverInherited(const QORString& name) noexcept {
+  const auto is = [&name](const char* other) { return QORString::equalIgnoringCase(name.view(), other); };
+  return is("Abstract") || is("Override");
 }
 
 bool sameTypePointer(const QORSmrPtr<IQoriType>& a, const QORSmrPtr<IQoriType>& b) {
@@ -58,6 +55,25 @@ bool sameMethod(const CimMethodDeclaration& a, const CimMethodDeclaration& b) {
 }
 
 }  // namespace
+
+bool reachesSubclasses(const CimQualifier& qualifier) noexcept {
+  return !isNeverInherited(qualifier.name) && (qualifier.toSubclass || isAlwaysInherited(qualifier.name));
+}
+
+// Element by element: the joined text of an array does not tell where its elements end.
+bool sameValue(const QORSmrPtr<IQoriValue>& a, const QORSmrPtr<IQoriValue>& b) {
+  if (!sameScalar(a, b)) return false;
+  if (a.IsNull() || !a->isArray()) return true;
+  const QORSmrPtr<IQoriValue::List> left = a->getArray();
+  const QORSmrPtr<IQoriValue::List> right = b->getArray();
+  if (left->entries() != right->entries()) return false;
+  QORValSlistIterator<QORSmrPtr<IQoriValue>> x(*left);
+  QORValSlistIterator<QORSmrPtr<IQoriValue>> y(*right);
+  while (++x && ++y) {
+    if (!sameScalar(x.key(), y.key())) return false;
+  }
+  return true;
+}
 
 const CimQualifier* findQualifier(const std::vector<CimQualifier>& qualifiers, std::string_view name) noexcept {
   for (const CimQualifier& qualifier : qualifiers) {

@@ -14,6 +14,13 @@ const CimQualifier* findQualifier(const std::vector<CimQualifier>& qualifiers, s
 // A boolean qualifier that is present and not FALSE.
 bool hasFlag(const std::vector<CimQualifier>& qualifiers, std::string_view name) noexcept;
 
+// Whether a subclass has the qualifier without declaring it. Those of the
+// metamodel do or do not, however (and whether) a schema declares them.
+bool reachesSubclasses(const CimQualifier& qualifier) noexcept;
+
+// Of the same type and content; two null pointers are the same.
+bool sameValue(const QORSmrPtr<IQoriValue>& a, const QORSmrPtr<IQoriValue>& b);
+
 // Whether two declarations say the same: names ignore case, everything else counts.
 bool sameDeclaration(const CimClassDeclaration& a, const CimClassDeclaration& b);
 bool sameDeclaration(const CimQualifierDeclaration& a, const CimQualifierDeclaration& b);

@@ -54,6 +54,12 @@ QORSmrPtr<IQoriObject> DeclarationSink::makeObject(const QORString& nameSpace,
   return _store->makeObject(nameSpace, declaration, View::Loader);
 }
 
+QORSmrPtr<IQoriObject> DeclarationSink::makeClassObject(const QORString& nameSpace,
+                                                        const CimClassDeclaration& declaration) {
+  const ReadLock lock(_store->mutex());
+  return _store->makeClassObject(nameSpace, declaration, View::Loader);
+}
+
 QORSmrPtr<IQoriClass> DeclarationSink::findClass(const QORString& nameSpace, const QORString& className) const {
   const ReadLock lock(_store->mutex());
   const ClassEntry* const entry = _store->findClass(nameSpace, className, View::Loader);

@@ -24,6 +24,7 @@ class DeclarationSink final : public CimDeclarationSink {
   QORSmrPtr<IQoriInstanceName> createInstance(const QORString& nameSpace,
                                               const CimInstanceDeclaration& declaration) override;
   QORSmrPtr<IQoriObject> makeObject(const QORString& nameSpace, const CimInstanceDeclaration& declaration) override;
+  QORSmrPtr<IQoriObject> makeClassObject(const QORString& nameSpace, const CimClassDeclaration& declaration) override;
   QORSmrPtr<IQoriClass> findClass(const QORString& nameSpace, const QORString& className) const override;
   bool describeProperty(const QORString& nameSpace, const QORString& className, const QORString& propertyName,
                         CimPropertyDeclaration& out) const override;

@@ -66,6 +66,8 @@ class ObjectStore {
   StoredInstance& createInstance(const QORString& nameSpace, const CimInstanceDeclaration& declaration, View view);
   QORSmrPtr<IQoriObject> makeObject(const QORString& nameSpace, const CimInstanceDeclaration& declaration,
                                     View view) const;
+  QORSmrPtr<IQoriObject> makeClassObject(const QORString& nameSpace, const CimClassDeclaration& declaration,
+                                         View view) const;
   void modifyInstance(const IQoriInstanceName& name, const std::vector<CimInstanceProperty>& properties);
   bool deleteInstance(const IQoriInstanceName& name);
 
@@ -84,6 +86,7 @@ class ObjectStore {
   };
 
   NameSpace& requireNameSpace(const QORString& name, View view) const;
+  static ClassEntry* requireSuperClass(const NameSpace& space, const CimClassDeclaration& declaration, View view);
   ClassEntry& requireConcreteClass(const NameSpace& space, const QORString& className, View view) const;
   QORSmrPtr<IQoriInstanceName> canonicalName(const QORString& nameSpace, const IQoriInstanceName& name, View view,
                                              int depth) const;

@@ -2,8 +2,10 @@
 #include <string>
 
 #include "Cimom/Embedded/DeclarationHelpers.h"
+#include "Cimom/Embedded/MofText.h"
 #include "Cimom/Embedded/ObjectStore.h"
 #include "Cimom/Embedded/RepositoryError.h"
+#include "Cimom/Model/ModelClassObject.h"
 
 namespace embedded {
 
@@ -53,6 +55,17 @@ void ObjectStore::declareQualifier(const QORString& nameSpace, const CimQualifie
   space.qualifiers.emplace(declaration.name.view(), declaration);
 }
 
+// Null at the root.
+ClassEntry* ObjectStore::requireSuperClass(const NameSpace& space, const CimClassDeclaration& declaration, View view) {
+  if (declaration.superClass.isEmpty()) return nullptr;
+  ClassEntry* const superClass = findClass(space, declaration.superClass, view);
+  if (superClass == nullptr) {
+    refuse(CimStatus::InvalidSuperclass,
+           {"class ", declaration.name.view(), ": superclass ", declaration.superClass.view(), " is not declared"});
+  }
+  return superClass;
+}
+
 void ObjectStore::declareClass(const QORString& nameSpace, const CimClassDeclaration& declaration, View view) {
   NameSpace& space = requireNameSpace(nameSpace, view);
   if (declaration.name.isEmpty()) refuse(CimStatus::InvalidParameter, {"a class needs a name"});
@@ -62,12 +75,7 @@ void ObjectStore::declareClass(const QORString& nameSpace, const CimClassDeclara
     refuse(CimStatus::AlreadyExists,
            {"class ", found->second->name().view(), " is declared already, with another declaration"});
   }
-  ClassEntry* const superClass =
-      declaration.superClass.isEmpty() ? nullptr : findClass(space, declaration.superClass, view);
-  if (superClass == nullptr && !declaration.superClass.isEmpty()) {
-    refuse(CimStatus::InvalidSuperclass,
-           {"class ", declaration.name.view(), ": superclass ", declaration.superClass.view(), " is not declared"});
-  }
+  ClassEntry* const superClass = requireSuperClass(space, declaration, view);
   const QORSmrPtr<IQoriClass> handle(
       new CQoriClass(space.name, declaration, superClass == nullptr ? nullptr : superClass->model));
   auto entry = std::make_unique<ClassEntry>();
@@ -179,6 +187,18 @@ QORSmrPtr<IQoriObject> ObjectStore::makeObject(const QORString& nameSpace, const
   const NameSpace& space = requireNameSpace(nameSpace, view);
   const ClassEntry& entry = requireConcreteClass(space, declaration.className, view);
   return ModelInstance::create(entry.model->shape(), valuesFor(space, entry, declaration, view));
+}
+
+QORSmrPtr<IQoriObject> ObjectStore::makeClassObject(const QORString& nameSpace, const CimClassDeclaration& declaration,
+                                                    View view) const {
+  const NameSpace& space = requireNameSpace(nameSpace, view);
+  if (declaration.name.isEmpty()) refuse(CimStatus::InvalidParameter, {"a class needs a name"});
+  const ClassEntry* const superClass = requireSuperClass(space, declaration, view);
+  const CQoriClass declared(space.name, declaration, superClass == nullptr ? nullptr : superClass->model);
+  std::vector<QORSmrPtr<IQoriValue>> defaults;
+  for (const CimPropertyDeclaration& property : declared.properties()) defaults.push_back(property.defaultValue);
+  const QORString text = classMofText(declared.declaration(), space.qualifiers);
+  return QORSmrPtr<IQoriObject>(new ModelClassObject(ModelInstance::create(declared.shape(), defaults), text));
 }
 
 void ObjectStore::modifyInstance(const IQoriInstanceName& name, const std::vector<CimInstanceProperty>& properties) {

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <string_view>
 
+#include "Cimom/Model/ModelClassObject.h"
 #include "Cimom/Model/ModelError.h"
 #include "Cimom/Model/ModelScalar.h"
 
@@ -126,6 +127,10 @@ void appendArray(QORString& out, const IQoriValue::List& elements, int depth) {
 }
 
 void appendObject(QORString& out, const IQoriObject& object, int depth) {
+  if (const auto* const definition = dynamic_cast<const ModelClassObject*>(&object); definition != nullptr) {
+    out += definition->getMofText();
+    return;
+  }
   if (depth > kMaximumDepth) raiseValueError("toString", "Embedded objects are nested too deeply");
   out += "instance of ";
   out += object.getClassName();
@@ -147,5 +152,7 @@ QORString mofText(const IQoriObject& object) {
   appendObject(text, object, 1);
   return text;
 }
+
+void appendMofValue(QORString& out, const QORSmrPtr<IQoriValue>& value) { appendValue(out, value, 1); }
 
 }  // namespace model

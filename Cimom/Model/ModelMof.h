@@ -7,10 +7,13 @@
 
 namespace model {
 
-// The object on one line: `instance of C { a = 1; b = "t"; c = NULL; };`.
+// The object on one line: `instance of C { a = 1; b = "t"; c = NULL; };`. A
+// class object is `class C { ... };` as it was declared.
 // Embedded objects are quoted MOF texts of their own. THROWS QoriBaseException
 // (type "CIM_Value") when they nest deeper than a text can hold.
 QORString mofText(const IQoriObject& object);
+// A value as an initialiser; NULL for a null pointer. THROWS as above.
+void appendMofValue(QORString& out, const QORSmrPtr<IQoriValue>& value);
 
 }  // namespace model
 

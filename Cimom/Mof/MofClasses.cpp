@@ -2,6 +2,7 @@
 // is walked with a list, not with recursion.
 #include "Cimom/Mof/MofClasses.h"
 
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -31,6 +32,46 @@ void MofClasses::declareAll() {
     const Pending& first = _pending[keyOf(syntax->nameSpace, syntax->name.text)];
     // A second declaration must equal the first one: the sink tells.
     first.syntax == syntax.get() ? declareWithSuperClasses(*syntax) : declare(*syntax);
+  }
+  for (const auto& syntax : _document.classes) checkOverridingReferences(*syntax);
+}
+
+// The class that a reference is narrowed to may come later in the text than
+// the reference.
+void MofClasses::checkOverridingReferences(const MofClassSyntax& syntax) {
+  if (syntax.superClass.text.isEmpty() || _document.excusesClass(syntax.name.text)) return;
+  const MofShapes shapes(_sink);
+  for (const MofFeatureSyntax& feature : syntax.properties) {
+    CimPropertyDeclaration inherited;
+    const bool isInherited = feature.isReference && _sink.describeProperty(syntax.nameSpace, syntax.superClass.text,
+                                                                           feature.name.text, inherited);
+    if (!isInherited || shapes.isA(syntax.nameSpace, feature.type.text, inherited.referenceClass)) continue;
+    _report.add(feature.type.at, "reference " + textOf(feature.name.text) + " is inherited as one to " +
+                                     textOf(inherited.referenceClass) + ", expected that class or one derived from it");
+  }
+}
+
+QORSmrPtr<IQoriObject> MofClasses::makeObject(const MofClassSyntax& syntax) {
+  CimClassDeclaration declaration;
+  if (!hasSuperClass(syntax) || !build(syntax, declaration)) throw MofFault{};
+  try {
+    return _sink.makeClassObject(syntax.nameSpace, declaration);
+  } catch (const CimDeclarationRefusal& refusal) {
+    addFaults(syntax, refusal);
+    throw MofFault{};
+  } catch (const QoriBaseException& refusal) {
+    throw MofFault{syntax.name.at, refusal.what()};
+  }
+}
+
+// Each fault where its feature stands; of several of one name it is the last.
+void MofClasses::addFaults(const MofClassSyntax& syntax, const CimDeclarationRefusal& refusal) {
+  for (const CimDeclarationFault& fault : refusal.getFaults()) {
+    MofLocation at = syntax.name.at;
+    for (const MofFeatureSyntax& feature : syntax.properties) {
+      if (feature.name.text.isEqualCaseInsensitive(fault.feature)) at = feature.name.at;
+    }
+    _report.add(at, std::string(fault.message.view()));
   }
 }
 
@@ -62,16 +103,31 @@ void MofClasses::declareWithSuperClasses(const MofClassSyntax& syntax) {
 void MofClasses::declare(const MofClassSyntax& syntax) {
   if (_report.isFull() || _document.refusedClasses.count(foldMofName(syntax.name.text)) != 0) return;
   CimClassDeclaration declaration;
-  bool isDeclared = hasSuperClass(syntax) && build(syntax, declaration);
-  if (isDeclared) {
-    try {
-      _sink.declareClass(syntax.nameSpace, declaration);
-    } catch (const QoriBaseException& refusal) {
-      isDeclared = false;
-      _report.add(syntax.name.at, refusal.what());
-    }
+  if (!hasSuperClass(syntax)) return _document.refuseClass(syntax.name.text);
+  const bool isSound = build(syntax, declaration);
+  // What is at fault already is left out; the rest may break rules as well.
+  if (!isSound) {
+    std::erase_if(declaration.properties, [](const auto& property) { return property.type.IsNull(); });
+    declaration.methods.clear();
   }
-  if (!isDeclared) _document.refuseClass(syntax.name.text);
+  if (!submit(syntax, declaration, isSound)) _document.refuseClass(syntax.name.text);
+}
+
+// Declares the class or, when it is not sound, has it checked alone.
+bool MofClasses::submit(const MofClassSyntax& syntax, const CimClassDeclaration& declaration, bool isSound) {
+  try {
+    if (isSound) {
+      _sink.declareClass(syntax.nameSpace, declaration);
+    } else {
+      _sink.makeClassObject(syntax.nameSpace, declaration);
+    }
+    return isSound;
+  } catch (const CimDeclarationRefusal& refusal) {
+    addFaults(syntax, refusal);
+  } catch (const QoriBaseException& refusal) {
+    _report.add(syntax.name.at, refusal.what());
+  }
+  return false;
 }
 
 bool MofClasses::hasSuperClass(const MofClassSyntax& syntax) {
@@ -89,21 +145,18 @@ bool MofClasses::build(const MofClassSyntax& syntax, CimClassDeclaration& out) {
   out.superClass = syntax.superClass.text;
   bool isSound =
       _qualifiers.resolve(syntax.nameSpace, syntax.qualifiers, MofQualifiers::Element::Class, out.qualifiers);
-  std::unordered_map<std::string, const MofName*> names;
-  const auto isNew = [&](const MofName& name) {
-    if (names.try_emplace(foldMofName(name.text), &name).second) return true;
-    _report.add(name.at, "class " + textOf(out.name) + " declares " + textOf(name.text) + " twice");
-    return false;
-  };
   out.properties.resize(syntax.properties.size());
   for (std::size_t i = 0; i < syntax.properties.size(); ++i) {
-    isSound = isNew(syntax.properties[i].name) && isSound;
     isSound = buildFeature(syntax, syntax.properties[i], false, out.properties[i]) && isSound;
   }
-  names.clear();
+  std::unordered_set<std::string> names;
   out.methods.resize(syntax.methods.size());
   for (std::size_t i = 0; i < syntax.methods.size(); ++i) {
-    isSound = isNew(syntax.methods[i].name) && isSound;
+    const MofName& name = syntax.methods[i].name;
+    if (!names.insert(foldMofName(name.text)).second) {
+      isSound = false;
+      _report.add(name.at, "class " + textOf(out.name) + " declares method " + textOf(name.text) + " twice");
+    }
     isSound = buildMethod(syntax, syntax.methods[i], out.methods[i]) && isSound;
   }
   return isSound;

@@ -5,6 +5,7 @@
 #include <string>
 #include <unordered_map>
 
+#include "Cimom/Embedded/CimDeclarationRefusal.h"
 #include "Cimom/Embedded/CimDeclarationSink.h"
 #include "Cimom/Mof/MofQualifiers.h"
 #include "Cimom/Mof/MofReport.h"
@@ -20,6 +21,9 @@ class MofClasses {
       : _sink(sink), _document(document), _report(report), _qualifiers(qualifiers), _values(values) {}
 
   void declareAll();
+  // A class that is the value of an embedded object. THROWS MofFault, without a
+  // place when the faults are in the report.
+  QORSmrPtr<IQoriObject> makeObject(const MofClassSyntax& syntax);
 
  private:
   enum class State { Waiting, Open, Done };
@@ -31,7 +35,10 @@ class MofClasses {
   static std::string keyOf(const QORString& nameSpace, const QORString& name);
   void declareWithSuperClasses(const MofClassSyntax& syntax);
   void declare(const MofClassSyntax& syntax);
+  bool submit(const MofClassSyntax& syntax, const CimClassDeclaration& declaration, bool isSound);
   bool hasSuperClass(const MofClassSyntax& syntax);
+  void addFaults(const MofClassSyntax& syntax, const CimDeclarationRefusal& refusal);
+  void checkOverridingReferences(const MofClassSyntax& syntax);
   bool build(const MofClassSyntax& syntax, CimClassDeclaration& out);
   bool buildMethod(const MofClassSyntax& owner, const MofMethodSyntax& syntax, CimMethodDeclaration& out);
   bool buildFeature(const MofClassSyntax& owner, const MofFeatureSyntax& syntax, bool isParameter,

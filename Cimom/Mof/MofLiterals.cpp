@@ -123,6 +123,16 @@ bool isReal(std::string_view digits) {
 
 }  // namespace
 
+bool isUtf8(std::string_view text) noexcept {
+  QORuint32 code = 0;
+  while (!text.empty()) {
+    const std::size_t length = decodeUtf8(text, code);
+    if (length == 0) return false;
+    text.remove_prefix(length);
+  }
+  return true;
+}
+
 void appendMofString(std::string_view literal, const MofLocation& at, std::string& out) {
   const std::string_view body = literal.substr(1, literal.size() - 2);
   std::size_t i = 0;

@@ -7,6 +7,8 @@
 
 #include "Cimom/Mof/MofSyntax.h"
 
+bool isUtf8(std::string_view text) noexcept;
+
 // Appends the text of a string literal, given with its quotes, to `out`.
 // THROWS MofFault at an unknown escape or at bytes that are not UTF-8.
 void appendMofString(std::string_view literal, const MofLocation& at, std::string& out);

@@ -14,7 +14,16 @@
 class MofLoader::Load {
  public:
   Load(CimDeclarationSink& sink, const QORString& nameSpace)
-      : _sink(sink), _nameSpace(nameSpace), _reader(_document, _report, nameSpace), _values(sink, _document, _report) {}
+      : _sink(sink),
+        _nameSpace(nameSpace),
+        _reader(_document, _report, nameSpace),
+        _values(sink, _document, _report),
+        _qualifiers(sink, _report),
+        _classes(sink, _document, _report, _qualifiers, _values) {
+    _values.setClassMaker([this](const MofClassSyntax& definition) { return _classes.makeObject(definition); });
+  }
+  Load(const Load&) = delete;
+  Load& operator=(const Load&) = delete;
 
   MofReader& reader() noexcept { return _reader; }
 
@@ -48,11 +57,10 @@ class MofLoader::Load {
   void declare() {
     _sink.createNamespace(_nameSpace);
     for (const QORString& nameSpace : _document.nameSpaces) _sink.createNamespace(nameSpace);
-    MofQualifiers qualifiers(_sink, _report);
-    for (const MofQualifierDeclarationSyntax& declaration : _document.qualifiers) qualifiers.declare(declaration);
+    for (const MofQualifierDeclarationSyntax& declaration : _document.qualifiers) _qualifiers.declare(declaration);
     MofInstances instances(_sink, _document, _report, _values);
     shareAliases(instances);
-    MofClasses(_sink, _document, _report, qualifiers, _values).declareAll();
+    _classes.declareAll();
     instances.createAll();
   }
 
@@ -67,6 +75,8 @@ class MofLoader::Load {
   MofReport _report;
   MofReader _reader;
   MofValues _values;
+  MofQualifiers _qualifiers;
+  MofClasses _classes;
 };
 
 MofLoader::MofLoader(CimDeclarationSink& sink, QORString nameSpace) : _sink(sink), _nameSpace(std::move(nameSpace)) {}

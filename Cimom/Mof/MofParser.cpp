@@ -26,15 +26,19 @@ void MofParser::readDeclarations() {
   }
 }
 
-std::unique_ptr<MofInstanceSyntax> MofParser::readEmbeddedInstance(QORuint32 depth) {
+MofParser::EmbeddedObject MofParser::readEmbeddedObject(QORuint32 depth) {
   advance();
-  readQualifiers();
-  if (isWord("class")) throw MofFault{here(), "an embedded class is not supported, only an embedded instance"};
-  expectWord("instance");
-  std::unique_ptr<MofInstanceSyntax> instance = readInstance(depth);
+  EmbeddedObject object;
+  std::vector<MofQualifierSyntax> qualifiers = readQualifiers();
+  if (takeWord("class")) {
+    object.definition = readClass(std::move(qualifiers));
+  } else {
+    if (!takeWord("instance")) fail("\"instance\" or \"class\"");
+    object.instance = readInstance(depth);
+  }
   takeSymbol(';');
-  if (_token.kind != Kind::End) fail("the end of the embedded instance");
-  return instance;
+  if (_token.kind != Kind::End) fail("the end of the embedded object");
+  return object;
 }
 
 // --- tokens --------------------------------------------------------------------
@@ -161,7 +165,12 @@ void MofParser::readDeclaration() {
   if (_token.kind == Kind::Pragma) return readPragma();
   if (takeWord("qualifier")) return readQualifierDeclaration();
   std::vector<MofQualifierSyntax> qualifiers = readQualifiers();
-  if (takeWord("class")) return readClass(std::move(qualifiers));
+  if (takeWord("class")) {
+    std::unique_ptr<MofClassSyntax> declared = readClass(std::move(qualifiers));
+    endDeclaration();
+    _document.classes.push_back(std::move(declared));
+    return;
+  }
   if (!takeWord("instance")) fail("a declaration: \"class\", \"instance of\", \"Qualifier\" or \"#pragma\"");
   std::unique_ptr<MofInstanceSyntax> instance = readInstance(0);
   endDeclaration();

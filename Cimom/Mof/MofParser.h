@@ -32,9 +32,14 @@ class MofParser {
 
   // Reads the whole text; faults go to the report.
   void readDeclarations();
-  // Reads a text that is one instance, the value of an embedded instance at
-  // nesting level `depth`. THROWS MofFault.
-  std::unique_ptr<MofInstanceSyntax> readEmbeddedInstance(QORuint32 depth);
+  // What the text of an embedded object is: one of the two.
+  struct EmbeddedObject {
+    std::unique_ptr<MofInstanceSyntax> instance;
+    std::unique_ptr<MofClassSyntax> definition;
+  };
+  // Reads a text that is one instance or class, the value of an embedded object
+  // at nesting level `depth`. THROWS MofFault.
+  EmbeddedObject readEmbeddedObject(QORuint32 depth);
 
  private:
   using Kind = MofToken::Kind;
@@ -69,7 +74,7 @@ class MofParser {
   void readPragma();
   void enterNameSpace(const std::string& path, const MofLocation& at);
   void readQualifierDeclaration();
-  void readClass(std::vector<MofQualifierSyntax> qualifiers);
+  std::unique_ptr<MofClassSyntax> readClass(std::vector<MofQualifierSyntax> qualifiers);
   void readFeature(MofClassSyntax& owner);
   void readFeatureName(MofFeatureSyntax& feature, const char* what);
   void readMethod(MofMethodSyntax& method);

@@ -110,7 +110,7 @@ MofQualifierSyntax MofParser::readQualifier() {
   return qualifier;
 }
 
-void MofParser::readClass(std::vector<MofQualifierSyntax> qualifiers) {
+std::unique_ptr<MofClassSyntax> MofParser::readClass(std::vector<MofQualifierSyntax> qualifiers) {
   auto declared = std::make_unique<MofClassSyntax>();
   declared->nameSpace = _context.nameSpace;
   declared->scope = _context.scope;
@@ -125,8 +125,7 @@ void MofParser::readClass(std::vector<MofQualifierSyntax> qualifiers) {
   expectSymbol('{');
   while (!isSymbol('}')) readFeature(*declared);
   advance();
-  endDeclaration();
-  _document.classes.push_back(std::move(declared));
+  return declared;
 }
 
 void MofParser::readFeature(MofClassSyntax& owner) {

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <string>
 
+#include "Cimom/Mof/MofLiterals.h"
 #include "Cimom/Mof/MofSyntax.h"
 
 namespace {
@@ -105,7 +106,8 @@ MofToken MofScanner::number() noexcept {
 MofToken MofScanner::name(MofToken::Kind kind, std::size_t prefix) noexcept {
   std::size_t end = _offset + prefix + 1;
   while (isNamePart(at(end))) ++end;
-  return made(kind, end - _offset);
+  const std::size_t length = end - _offset;
+  return isUtf8(text().substr(_offset, length)) ? made(kind, length) : bad("the name is not UTF-8", length);
 }
 
 MofToken MofScanner::pragma() noexcept {

@@ -101,7 +101,7 @@ IQoriValue::Pointer MofValues::makeElement(const MofValueSyntax& value, const Pl
   if (value.kind == Kind::Instance) return makeObject(*value.instance, place);
   if (value.kind == Kind::Text) return makeObjectFromText(value, place);
   throw MofFault{value.at, std::string("found ") + describeMofValue(value) +
-                               ", expected an embedded instance: a string or \"instance of\""};
+                               ", expected an embedded object: a string or \"instance of\""};
 }
 
 IQoriValue::Pointer MofValues::makeObject(const MofInstanceSyntax& instance, const Place& place) {
@@ -121,11 +121,20 @@ IQoriValue::Pointer MofValues::makeObjectFromText(const MofValueSyntax& value, c
   try {
     MofParser::Context context{place.nameSpace, place.scope, {}};
     MofParser parser(source, _document, _report, context);
-    const std::unique_ptr<MofInstanceSyntax> instance = parser.readEmbeddedInstance(place.depth + 1);
-    return makeObject(*instance, place);
+    const MofParser::EmbeddedObject object = parser.readEmbeddedObject(place.depth + 1);
+    if (object.definition != nullptr) return makeClassObject(*object.definition, place);
+    return makeObject(*object.instance, place);
   } catch (const MofFault& fault) {
     // Recorded here, while its text lives.
     _report.add(fault);
     throw MofFault{};
   }
+}
+
+IQoriValue::Pointer MofValues::makeClassObject(const MofClassSyntax& definition, const Place& place) const {
+  if (!place.property.embeddedClass.isEmpty()) {
+    throw MofFault{definition.name.at,
+                   "found a class, expected an instance of " + textOf(place.property.embeddedClass)};
+  }
+  return IQoriValue::Pointer(new CQoriValue(_makeClass(definition)));
 }

@@ -2,8 +2,10 @@
 #ifndef QORQL_MOF_MOFVALUES_H
 #define QORQL_MOF_MOFVALUES_H
 
+#include <functional>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "Cimom/Embedded/CimDeclarationSink.h"
@@ -19,6 +21,10 @@ class MofValues {
  public:
   MofValues(CimDeclarationSink& sink, MofDocument& document, MofReport& report)
       : _sink(sink), _document(document), _report(report), _shapes(sink) {}
+
+  // What makes the objects of embedded classes; set before the first value is made.
+  using ClassMaker = std::function<QORSmrPtr<IQoriObject>(const MofClassSyntax&)>;
+  void setClassMaker(ClassMaker maker) { _makeClass = std::move(maker); }
 
   // Files that were read before in the same load lend their aliases to the one
   // that includes them again.
@@ -71,6 +77,7 @@ class MofValues {
                                             const Place& place, const MofLocation& at);
   IQoriValue::Pointer makeObject(const MofInstanceSyntax& instance, const Place& place);
   IQoriValue::Pointer makeObjectFromText(const MofValueSyntax& value, const Place& place);
+  IQoriValue::Pointer makeClassObject(const MofClassSyntax& definition, const Place& place) const;
   Alias* findAlias(const QORString& name, QORuint32 scope);
   Scope& scopeAt(QORuint32 index);
   static const MofPropertyShape& requireProperty(const MofName& name, const MofClassShape& shape);
@@ -80,6 +87,7 @@ class MofValues {
   MofReport& _report;
   MofShapes _shapes;
   std::vector<Scope> _scopes;
+  ClassMaker _makeClass;
 };
 
 #endif

@@ -33,6 +33,9 @@ class LinuxSchemaSink : public CimDeclarationSink {
   QORSmrPtr<IQoriObject> makeObject(const QORString& nameSpace, const CimInstanceDeclaration& declaration) override {
     return _target.makeObject(nameSpace, declaration);
   }
+  QORSmrPtr<IQoriObject> makeClassObject(const QORString& nameSpace, const CimClassDeclaration& declaration) override {
+    return _target.makeClassObject(nameSpace, declaration);
+  }
   QORSmrPtr<IQoriClass> findClass(const QORString& nameSpace, const QORString& className) const override {
     return _target.findClass(nameSpace, className);
   }

@@ -1,4 +1,5 @@
 // Declaring classes: inheritance, overriding, qualifiers and what is refused.
+#include "Cimom/Embedded/CimDeclarationRefusal.h"
 #include "EmbeddedFixture.h"
 #include "cimom/QoriProviderPluginManager.h"
 
@@ -270,6 +271,27 @@ TEST_F(ClassRepositoryTest, InheritanceHasALimitInsteadOfALimitlessCost) {
   }
   EXPECT_EQ("class C501: inheritance is nested too deeply",
             refusedClass(classOf("C501", last.c_str(), {}), kInvalidSuperclass));
+}
+
+TEST_F(ClassRepositoryTest, ARefusalListsEveryFaultWithItsFeature) {
+  CimClassDeclaration declaration =
+      classOf("CIM_Bad", "CIM_Disk", {property("Size", CQoriType::uint8), property("P", {})});
+  CimMethodDeclaration method;
+  method.name = "Start";
+  method.parameters = {property("by", {})};
+  declaration.methods = {method};
+  try {
+    declare(declaration);
+    FAIL() << "not refused";
+  } catch (const CimDeclarationRefusal& refusal) {
+    ASSERT_EQ(4U, refusal.getFaults().size());
+    EXPECT_STREQ("Size", refusal.getFaults()[0].feature.c_str());
+    EXPECT_STREQ(refusal.what(), refusal.getFaults()[0].message.c_str());
+    EXPECT_STREQ("class CIM_Bad: property P has no type", refusal.getFaults()[1].message.c_str());
+    EXPECT_STREQ("class CIM_Bad: method Start has no type", refusal.getFaults()[2].message.c_str());
+    EXPECT_STREQ("class CIM_Bad: parameter by of method Start has no type", refusal.getFaults()[3].message.c_str());
+    EXPECT_EQ(kTypeMismatch, refusal.getFaults()[3].code);
+  }
 }
 
 TEST_F(ClassRepositoryTest, ARefusedClassLeavesNothingBehind) {

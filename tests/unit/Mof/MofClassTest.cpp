@@ -165,16 +165,18 @@ TEST_F(MofClass, OneFaultIsToldOnce) {
 }
 
 TEST_F(MofClass, RefusesWhatContradictsItself) {
-  EXPECT_EQ(faultOf("class T { uint8 A; uint8 a; };"), "1:26: class T declares a twice");
-  EXPECT_EQ(faultOf("class T { uint8 A(); uint8 A(); };"), "1:28: class T declares A twice");
+  EXPECT_EQ(faultOf("class T { uint8 A; uint8 a; };"), "1:26: class T: property a is declared twice");
+  EXPECT_EQ(faultOf("class T { uint8 A(); uint8 A(); };"), "1:28: class T declares method A twice");
   EXPECT_EQ(faultOf("class T { uint9 A; };"), "1:11: unknown type \"uint9\"");
+  EXPECT_EQ(faultOf("class T { uint9 A(); };"), "1:11: unknown type \"uint9\"");
+  EXPECT_EQ(faultOf("class T { uint8 A(uint9 b); };"), "1:19: unknown type \"uint9\"");
   EXPECT_EQ(faultOf("class T { reference A; };"), "1:11: unknown type \"reference\"");
   EXPECT_EQ(faultOf("class T { [Key, key] string A; };"), "1:17: qualifier key is given twice");
   EXPECT_EQ(faultOf("class T { [MaxLen(\"x\")] string A; };"), "1:19: found a string, expected a value of type uint32");
   EXPECT_EQ(faultOf("class T { [Values(\"x\")] uint8 A; };"),
             "1:19: found a string, expected a value of type string[]");
   EXPECT_EQ(faultOf("class T { uint8 A = 256; };"), "1:21: 256 is out of the range of uint8 (0 to 255)");
-  EXPECT_EQ(faultOf("class T { T REF A; };"), "1:7: class T: reference A outside an association");
+  EXPECT_EQ(faultOf("class T { T REF A; };"), "1:17: class T: reference A outside an association");
   EXPECT_EQ(faultOf("[Association] class T { T REF A[]; };"), "1:31: a reference property cannot be an array");
   EXPECT_EQ(faultOf("class T { [EmbeddedObject] string A = \"x\"; };"),
             "1:39: the default of a property that holds an embedded instance can only be NULL");

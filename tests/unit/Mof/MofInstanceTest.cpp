@@ -129,12 +129,11 @@ TEST_F(MofInstance, FaultsInEmbeddedTextsTellBothPlaces) {
   EXPECT_EQ(faultOf("instance of Report { Id = 1; One = \"instance of Disk\"; };"),
             "1:36: in line 1, column 17 of the embedded text: found the end of the text, expected \"{\"");
   EXPECT_EQ(faultOf("instance of Report { Id = 1; One = \"class X { };\"; };"),
-            "1:36: in line 1, column 1 of the embedded text: an embedded class is not supported, only an embedded "
-            "instance");
+            "1:36: in line 1, column 7 of the embedded text: found a class, expected an instance of Disk");
   EXPECT_EQ(faultOf("instance of Report { Id = 1; One = instance of Slot { }; };"),
             "1:48: found an instance of Slot, expected one of Disk or of a class derived from it");
   EXPECT_EQ(faultOf("instance of Report { Id = 1; One = 5; };"),
-            "1:36: found an integer, expected an embedded instance: a string or \"instance of\"");
+            "1:36: found an integer, expected an embedded object: a string or \"instance of\"");
 }
 
 TEST_F(MofInstance, RefusesUnknownNames) {

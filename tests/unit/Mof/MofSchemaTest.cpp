@@ -46,6 +46,20 @@ std::vector<Listed> readListing(const fs::path& path) {
   return listing;
 }
 
+// The names that qualifier declarations have at the start of a line, beside the main file.
+std::vector<std::string> qualifierNames(const fs::path& folder) {
+  std::vector<std::string> names;
+  for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+    if (entry.path().extension() != ".mof") continue;
+    std::ifstream in(entry.path());
+    for (std::string word, line; std::getline(in, line);) {
+      std::istringstream words(line);
+      if (words >> word && word == "Qualifier" && words >> word) names.push_back(word);
+    }
+  }
+  return names;
+}
+
 std::vector<std::string> schemas() {
   const char* const schema = std::getenv("QORQL_CIM_SCHEMA");
   if (schema != nullptr) return {schema};
@@ -73,6 +87,20 @@ TEST_P(MofSchema, LoadsWholeAndAgreesWithTheListingBesideIt) {
       readListing(fs::path(GetParam()).parent_path().parent_path() / "classes-2.49.0.tsv");
   EXPECT_EQ(_manager.classNames("root/cimv2").size(), 1631U);
   EXPECT_EQ(listing.size(), 1631U);
+  EXPECT_EQ(qualifierNames(fs::path(GetParam()).parent_path()).size(), 70U);
+  for (const std::string& name : qualifierNames(fs::path(GetParam()).parent_path())) {
+    CimQualifierDeclaration declared;
+    EXPECT_TRUE(_manager.sink().describeQualifier("root/cimv2", QORString(name), declared)) << name;
+  }
+  EXPECT_EQ(std::count_if(listing.begin(), listing.end(), [](const Listed& listed) { return listed.isAssociation; }),
+            643);
+  EXPECT_EQ(std::count_if(listing.begin(), listing.end(),
+                          [this](const Listed& listed) {
+                            const QORSmrPtr<IQoriClass> found =
+                                _manager.sink().findClass("root/cimv2", listed.name.c_str());
+                            return !found.IsNull() && found->getQualifier("Indication", true) != nullptr;
+                          }),
+            24);
   for (const Listed& listed : listing) {
     const QORString name(listed.name.c_str());
     CimClassDeclaration declared;

@@ -37,6 +37,19 @@ TEST_F(MofSyntax, AcceptsAByteOrderMarkAndNamesBeyondAscii) {
             "1:1:");
 }
 
+TEST_F(MofSyntax, RefusesNamesThatAreNoUtf8AndTakesSuchComments) {
+  EXPECT_EQ(faultOf("class Kl\xE4s { };"), "1:7: the name is not UTF-8");
+  EXPECT_EQ(faultOf("instance of T as $\xC3 { };"), "1:18: the name is not UTF-8");
+  EXPECT_NO_THROW(load("// caf\xE9\nclass Good { };"));
+}
+
+TEST_F(MofSyntax, PassesOverPragmasWithoutMeaningHere) {
+  load(
+      "#pragma locale (\"en_US\")\n#pragma instancelocale(\"de_DE\")\n"
+      "#pragma nonlocal (\"http://host/root/cimv2:C\")\n# pragma Unknown(\"a\" \"b\")\nclass T { };");
+  EXPECT_FALSE(_manager.sink().findClass("root/cimv2", "T").IsNull());
+}
+
 TEST_F(MofSyntax, KeywordsIgnoreCaseAndMayBeNames) {
   load(
       "CLASS T { [KEY] STRING Class; uint8 Instance; uint8 of; boolean as; uint8 Qualifier; uint8 ref; };\n"
