@@ -64,13 +64,33 @@ Object cellOf(const QORQL_DataRow& row, QORuint32 column) {
   return column < row.getCellCount() ? row.getCell(column) : Object();
 }
 
+// Numbers for the instances in cells: two objects of one path are the same
+// instance, whichever call has brought them. 0 stands for no object.
+class InstanceNumbers {
+ public:
+  std::size_t of(const Object& object) {
+    if (object.IsNull()) return 0;
+    const auto [place, isNew] = _byObject.try_emplace(object.Get(), _count + 1);
+    if (!isNew) return place->second;
+    const QORString key(QORQL_instanceKey(*object));
+    if (!key.isEmpty()) place->second = _byPath.try_emplace(key, _count + 1).first->second;
+    _count = std::max(_count, place->second);
+    return place->second;
+  }
+
+ private:
+  std::unordered_map<const IQoriObject*, std::size_t> _byObject;
+  std::unordered_map<QORString, std::size_t, KeyHash> _byPath;
+  std::size_t _count = 0;
+};
+
 // A row's cells but for some columns: rows of one group agree in these.
-std::vector<const IQoriObject*> otherCells(const QORQL_DataRow& row, QORuint32 columnCount,
-                                           const std::vector<QORuint32>& left) {
-  std::vector<const IQoriObject*> cells;
+std::vector<std::size_t> otherCells(const QORQL_DataRow& row, QORuint32 columnCount, const std::vector<QORuint32>& left,
+                                    InstanceNumbers& instances) {
+  std::vector<std::size_t> cells;
   for (QORuint32 column = 0; column < columnCount; ++column) {
     const bool isLeftOut = std::find(left.begin(), left.end(), column) != left.end();
-    cells.push_back(isLeftOut ? nullptr : cellOf(row, column).Get());
+    if (!isLeftOut) cells.push_back(instances.of(cellOf(row, column)));
   }
   return cells;
 }
@@ -90,14 +110,15 @@ Row withNulls(const QORQL_DataRow& row, QORQL_DataTable& table, const std::vecto
 std::vector<std::vector<Row>> groupRows(QORQL_DataTable& table, const RowList& rows,
                                         const std::vector<QORuint32>& left) {
   std::vector<std::vector<Row>> groups;
-  std::map<std::vector<const IQoriObject*>, std::size_t> numbers;
+  std::map<std::vector<std::size_t>, std::size_t> numbers;
+  InstanceNumbers instances;
   QORQL_StopCheck stopCheck;
   QORValSlistIterator<Row> iterator(*rows);
   while (++iterator) {
     stopCheck.count();
     if (iterator.key().IsNull()) continue;
     const auto [place, isNew] =
-        numbers.try_emplace(otherCells(*iterator.key(), table.getColumnCount(), left), groups.size());
+        numbers.try_emplace(otherCells(*iterator.key(), table.getColumnCount(), left, instances), groups.size());
     if (isNew) groups.emplace_back();
     groups[place->second].push_back(iterator.key());
   }

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
+#include "Cimom/QORQL/QORQL_FromClause.h"
 #include "Cimom/QORQL/QORQL_SelectList.h"
 #include "Cimom/QORQL/QORQL_SelectedEntry.h"
 
@@ -37,7 +38,7 @@ class NameUnion {
 
 QORQL_ResultReader::QORQL_ResultReader(const QORQL_Query& query, QORQL_SymbolTable& symbolTable,
                                        QORSmrPtr<QORQL_DataTable>& table)
-    : _table(table), _reader(symbolTable, table) {
+    : _query(query), _table(table), _reader(symbolTable, table) {
   const auto& list = dynamic_cast<const QORQL_SelectList&>(*query.getSelectList());
   _isAggregate = list.AreAllEntriesAggregates();
   _rowCount = _reader.rowCount();
@@ -61,12 +62,15 @@ void QORQL_ResultReader::addEntry(const QORSmrPtr<QORQL_SelectedEntry>& entry) {
   }
 }
 
-// The projected table's headers stand in the reverse of the order of FROM.
+// By FROM, since each run of the select list turns the table's headers round.
 void QORQL_ResultReader::addAllClasses(const QORSmrPtr<QORQL_SelectedEntry>& entry) {
-  for (QORuint32 column = _table->getColumnCount(); column-- != 0;) {
-    const QORString name(_table->getColumnHeader(column)->getName());
-    if (name == QORQL_SelectList::_FUNCTIONS_VALUES_CLASS) continue;
-    addClass(entry, name);
+  const auto& from = dynamic_cast<const QORQL_FromClause&>(*_query.getFromClause());
+  std::set<QORsint32> seen;
+  QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*from.getFromSpecifierList());
+  while (++specifiers) {
+    const QORsint32 column = _table->getColumnIndex(specifiers.key()->getTableName());
+    if (column < 0 || !seen.insert(column).second) continue;
+    addClass(entry, _table->getColumnHeader(static_cast<QORuint32>(column))->getName());
   }
 }
 

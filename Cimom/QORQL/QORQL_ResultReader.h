@@ -51,6 +51,7 @@ class QORQL_ResultReader {
   void typeColumns();
   QORSmrPtr<IQoriValue> propertyOf(const Source& source);
 
+  const QORQL_Query& _query;
   QORSmrPtr<QORQL_DataTable>& _table;
   QORQL_RowReader _reader;
   std::vector<Column> _columns;

@@ -92,8 +92,9 @@ QORQL_SelectedEntry::QORQL_SelectedEntry(const QORString& className, const QORSt
       _selectAll(selectAll),
       _isEntryAggregate(isEntryAggregate),
       _functionID(functionID) {
-  const QORQL_Factor* const factor = loneFactor(expression);
-  _isPlainProperty = functionID == QORQL_FUNCTIONID_UNKNOWN && factor != nullptr && isOwnProperty(*factor);
+  const QORQL_Factor* const factor = functionID == QORQL_FUNCTIONID_UNKNOWN ? loneFactor(expression) : nullptr;
+  _isPlainProperty = factor != nullptr && isOwnProperty(*factor);
+  _isClassAll = factor != nullptr && factor->isSelectAll();
 }
 
 QORQL_SelectedEntry::~QORQL_SelectedEntry() = default;
@@ -110,8 +111,4 @@ QORSmrPtr<QORQL_SelectedEntry> QORQL_SelectedEntry::parse(QORQL_SymbolTable& sym
   const QORuint32 functionID = findFunction(expression);
   return new QORQL_SelectedEntry(names.className, names.propertyName, alias, expression, names.classNameList, false,
                                  QORQL_isAggregate(functionID), functionID);
-}
-
-bool QORQL_SelectedEntry::isClassAll() const noexcept {
-  return _functionID == QORQL_FUNCTIONID_UNKNOWN && isProperty() && _propertyName == '*';
 }

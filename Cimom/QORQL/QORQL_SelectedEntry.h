@@ -42,8 +42,8 @@ class QORQL_SelectedEntry {
   // A property reference with nothing around it, read straight from the row's
   // object. A whole object (class without property) is none.
   bool isPlainProperty() const noexcept { return _isPlainProperty && !_propertyName.isEmpty(); }
-  // Written C.*.
-  bool isClassAll() const noexcept;
+  // Written C.* with nothing around it.
+  bool isClassAll() const noexcept { return _isClassAll; }
 
   // For name resolution only.
   void setClassName(const QORString& className) { _className = className; }
@@ -64,7 +64,9 @@ class QORQL_SelectedEntry {
   QORboolean _isEntryAggregate;
   QORSmrPtr<IQoriValue> _aggregateValue;
   QORuint32 _functionID;
-  bool _isPlainProperty;  // by the expression's shape; decided by the constructor
+  // By the expression's shape; decided by the constructor.
+  bool _isPlainProperty;
+  bool _isClassAll;
 };
 
 #endif
