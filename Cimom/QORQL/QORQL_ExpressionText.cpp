@@ -1,0 +1,189 @@
+// Chains are walked with a loop, so that only nesting recurses: a chain that
+// groups to the right opens a parenthesis before each rest and closes all at its end.
+#include "Cimom/QORQL/QORQL_ExpressionText.h"
+
+#include "Cimom/QORQL/QORQL_Arithmetic.h"
+#include "Cimom/QORQL/QORQL_Association.h"
+#include "Cimom/QORQL/QORQL_Expression.h"
+#include "Cimom/QORQL/QORQL_ExpressionFactor.h"
+#include "Cimom/QORQL/QORQL_ExpressionTerm.h"
+#include "Cimom/QORQL/QORQL_FromClause.h"
+#include "Cimom/QORQL/QORQL_Function.h"
+#include "Cimom/QORQL/QORQL_SelectedEntry.h"
+#include "Cimom/QORQL/QORQL_Term.h"
+#include "cimom/QoriProviderPluginManager.h"
+
+namespace {
+
+// The property that stands in OBJECTPATH(X) for the object itself.
+constexpr char kNoProperty[] = "NONE";
+
+const char* signOf(QORQL_Operator op) {
+  constexpr const char* kSigns[] = {"",     "=",  "<>", "<",   ">",       "<=",          ">=",  "~",
+                                    "+",    "-",  "*",  "/",   "AND",     "OR",          "NOT", "",
+                                    "LIKE", "*=", "=*", "*=*", "IS NULL", "IS NOT NULL", "ISA"};
+  const auto index = static_cast<std::size_t>(op);
+  return index < std::size(kSigns) ? kSigns[index] : "";
+}
+
+const QORQL_Evaluatable* firstOf(const QORQL_Arithmetic& node) { return node.getTerm().Get(); }
+const QORQL_Evaluatable* firstOf(const QORQL_Term& node) { return node.getFactor().Get(); }
+const QORQL_Evaluatable* firstOf(const QORQL_ExpressionTerm& node) { return node.getExpressionFactor().Get(); }
+const QORQL_Evaluatable* firstOf(const QORQL_Expression& node) { return node.getExpressionTerm().Get(); }
+const QORQL_Evaluatable* restOf(const QORQL_Arithmetic& node) { return node.getArithmetic().Get(); }
+const QORQL_Evaluatable* restOf(const QORQL_Term& node) { return node.getTerm().Get(); }
+const QORQL_Evaluatable* restOf(const QORQL_ExpressionTerm& node) { return node.getExpressionTerm().Get(); }
+const QORQL_Evaluatable* restOf(const QORQL_Expression& node) { return node.getExpression().Get(); }
+
+template <class Node>
+const Node* nextOf(const Node& node) {
+  return node.getOperator() == QORQL_OperatorNONE ? nullptr : dynamic_cast<const Node*>(restOf(node));
+}
+
+// Whether grouping to the right matters: an operator that is not associative has a chain behind it.
+template <class Node>
+bool needsGrouping(const Node& first) {
+  for (const Node* node = &first; node != nullptr; node = nextOf(*node)) {
+    const Node* const next = nextOf(*node);
+    const bool isChain = next != nullptr && next->getOperator() != QORQL_OperatorNONE;
+    if (isChain && (node->getOperator() == QORQL_OperatorMINUS || node->getOperator() == QORQL_OperatorDIV))
+      return true;
+  }
+  return false;
+}
+
+template <class Node>
+std::string chainText(const QORQL_ExpressionText& texts, const Node& first) {
+  std::string text;
+  std::size_t open = 0;
+  const bool isGrouped = needsGrouping(first);
+  for (const Node* node = &first; node != nullptr; node = nextOf(*node)) {
+    if (node != &first && isGrouped && node->getOperator() != QORQL_OperatorNONE) {
+      text += '(';
+      ++open;
+    }
+    text += texts.of(firstOf(*node));
+    if (node->getOperator() != QORQL_OperatorNONE) text.append(" ").append(signOf(node->getOperator())).append(" ");
+  }
+  return text.append(open, ')');
+}
+
+std::string folded(const QORString& name) { return std::string(QORString::toUpperCase(name).view()); }
+
+const char* arrayWord(const QORQL_Comparison& comparison, bool isLeft) {
+  switch (comparison.getArrayComp()) {
+    case QORQL_Comparison::ArrayCompAnyLeft:
+      return isLeft ? "ANY " : "";
+    case QORQL_Comparison::ArrayCompEveryLeft:
+      return isLeft ? "EVERY " : "";
+    case QORQL_Comparison::ArrayCompAnyRight:
+      return isLeft ? "" : "ANY ";
+    case QORQL_Comparison::ArrayCompEveryRight:
+      return isLeft ? "" : "EVERY ";
+    case QORQL_Comparison::ArrayCompNone:
+      break;
+  }
+  return "";
+}
+
+std::string literalText(const IQoriValue& literal) {
+  const std::string text(literal.toString().view());
+  return literal.getType()->getName() == "string" ? "'" + text + "'" : text;
+}
+
+std::string associationText(const QORQL_Association& association) {
+  const std::string name(association.getAssociationName().view());
+  const char* const sign = association.getJoinType() == QORQL_JOIN_TYPE_INNER ? " = " : " *= ";
+  return name + sign + std::string(association.getSource().view()) + " AND " + name + " = " +
+         std::string(association.getDestination().view());
+}
+
+}  // namespace
+
+QORQL_ExpressionText::QORQL_ExpressionText(const QORQL_FromClause& from, const QORString& nameSpace) {
+  const QORSmrPtr<IQoriRepository> repository(
+      QoriProviderPluginManager::getQoriProviderPluginManager()->getRepository());
+  QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*from.getFromSpecifierList());
+  while (++specifiers) {
+    const QORString& name = specifiers.key()->getTableName();
+    const QORSmrPtr<IQoriClass> declared(repository.IsNull() ? QORSmrPtr<IQoriClass>()
+                                                             : repository->getClass(nameSpace, name));
+    if (!declared.IsNull()) _spelling[folded(name)] = declared->getClassName().view();
+  }
+  _hasOneClass = from.getFromSpecifierList()->entries() == 1;
+}
+
+std::string QORQL_ExpressionText::nameOf(const QORString& fromName) const {
+  const auto found = _spelling.find(folded(fromName));
+  return found == _spelling.end() ? std::string(fromName.view()) : found->second;
+}
+
+std::string QORQL_ExpressionText::of(const QORQL_Evaluatable* node) const {
+  if (node == nullptr) return {};
+  if (const auto* factor = dynamic_cast<const QORQL_Factor*>(node)) return ofFactor(*factor);
+  if (const auto* term = dynamic_cast<const QORQL_Term*>(node)) return chainText(*this, *term);
+  if (const auto* arithmetic = dynamic_cast<const QORQL_Arithmetic*>(node)) return chainText(*this, *arithmetic);
+  if (const auto* comparison = dynamic_cast<const QORQL_Comparison*>(node)) return ofComparison(*comparison);
+  if (const auto* function = dynamic_cast<const QORQL_Function*>(node)) return ofFunction(*function);
+  if (const auto* factor = dynamic_cast<const QORQL_ExpressionFactor*>(node)) {
+    return (factor->getOperator() == QORQL_OperatorNOT ? "NOT " : "") + of(factor->getComparison().Get());
+  }
+  if (const auto* association = dynamic_cast<const QORQL_Association*>(node)) return associationText(*association);
+  if (const auto* term = dynamic_cast<const QORQL_ExpressionTerm*>(node)) return chainText(*this, *term);
+  if (const auto* expression = dynamic_cast<const QORQL_Expression*>(node)) return chainText(*this, *expression);
+  return {};
+}
+
+std::string QORQL_ExpressionText::ofEntry(const QORQL_SelectedEntry& entry) const {
+  std::string text = entry.isSelectAll() ? "*" : of(entry.getExpression().Get());
+  if (entry.isClassAll()) text = nameOf(entry.getClassName()) + ".*";
+  if (!entry.getAlias().isEmpty()) text += " AS " + std::string(entry.getAlias().view());
+  return text;
+}
+
+std::string QORQL_ExpressionText::ofComparison(const QORQL_Comparison& comparison) const {
+  std::string text = arrayWord(comparison, true) + of(comparison.getLHSArithmeticExpression().Get());
+  const QORQL_Operator op = comparison.getOperator();
+  if (op == QORQL_OperatorNONE) return text;
+  text.append(" ").append(signOf(op));
+  if (comparison.getRHSArithmeticExpression().IsNull()) return text;
+  std::string right = of(comparison.getRHSArithmeticExpression().Get());
+  const bool isClassName = op == QORQL_OperatorISA && right.size() > 1 && right.front() == '\'';
+  if (isClassName) right = right.substr(1, right.size() - 2);
+  return text + " " + arrayWord(comparison, false) + right;
+}
+
+std::string QORQL_ExpressionText::ofFactor(const QORQL_Factor& factor) const {
+  if (!factor.getSelectedEntry().IsNull()) return std::string(factor.getSelectedEntry()->getAlias().view());
+  const QORQL_Evaluatable* const inner = factor.getEvaluatable().Get();
+  if (inner == nullptr) return factor.getLiteral().IsNull() ? ofReference(factor) : literalText(*factor.getLiteral());
+  const bool isComparison = dynamic_cast<const QORQL_Comparison*>(inner) != nullptr;
+  const std::string sign = factor.getOperator() == QORQL_OperatorMINUS ? "-" : "";
+  return isComparison ? sign + "(" + of(inner) + ")" : sign + of(inner);
+}
+
+std::string QORQL_ExpressionText::ofReference(const QORQL_Factor& factor) const {
+  const QORString none;
+  const QORString& className = factor.getClassName().IsNull() ? none : *factor.getClassName();
+  const QORString& property = factor.getPropertyName().IsNull() ? none : *factor.getPropertyName();
+  const QORString& chain = factor.getChain().IsNull() ? none : *factor.getChain();
+  const bool isObject = property.isEmpty() || property == kNoProperty;
+  if (isObject) return nameOf(className);
+  const bool hasPath = !chain.isEmpty() && !chain.isEqualCaseInsensitive(className);
+  std::string text = hasPath ? std::string(chain.view()) : nameOf(className);
+  if (_hasOneClass && !hasPath && !(property == "*")) text.clear();
+  if (!text.empty()) text += '.';
+  if (!factor.getPropertyScope().IsNull()) text.append(factor.getPropertyScope()->view()).append("::");
+  text += property.view();
+  const QORsint32 index = factor.getArrayIndexList();
+  if (index == QORQL_Factor::kWholeArray) return text + "[*]";
+  if (index == QORQL_Factor::kEmptyBrackets) return text + "[]";
+  return index == QORQL_Factor::kNoArray ? text : text + "[" + std::to_string(index) + "]";
+}
+
+std::string QORQL_ExpressionText::ofFunction(const QORQL_Function& function) const {
+  std::string text = std::string(QORQL_functionName(function.getFunctionID())) + "(";
+  QORValSlistIterator<QORSmrPtr<QORQL_Evaluatable>> parameters(*function.getParameters());
+  for (bool isFirst = true; ++parameters; isFirst = false) text += (isFirst ? "" : ", ") + of(parameters.key().Get());
+  return text + ")";
+}

@@ -1,0 +1,188 @@
+// What the explanation says of a query, and that execution does it.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "Cimom/QORQL/QORQL_Explanation.h"
+#include "Cimom/QORQL/QORQL_ExpressionText.h"
+#include "Cimom/QORQL/QORQL_Surprises.h"
+#include "QueryWorld.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr char kModel[] = R"(
+class Host { [key] string Name; uint32 Memory; };
+class Disk { [key] string Name; string Kind; uint64 Size; uint16 Ports[]; string HostName; datetime Made; real64 Load; };
+[association] class On { [key] Host REF Where; [key] Disk REF What; };
+class Spare { [key] uint32 Id; };
+instance of Host { Name = "a"; Memory = 1; };
+instance of Host { Name = "b"; Memory = 2; };
+instance of Disk { Name = "d"; Kind = "k"; Size = 1; HostName = "a"; };
+instance of Spare { Id = 1; };
+)";
+
+std::string textOf(const QORQL_ExplainedStep& step) {
+  using Step = QORQL_ExplainedStep;
+  constexpr const char* kKinds[] = {"fetch", "associate", "", "combine", "sort", "select", "first", "fail"};
+  constexpr const char* kMethods[] = {"filter", "hash", "keys", "product"};
+  std::string text = step.kind == Step::kCondition ? kMethods[step.method] : kKinds[step.kind];
+  if (step.isDiscarded) text += " discarded";
+  if (step.dependsOnValues) text += "?";
+  if (step.kind == Step::kAssociate) text += " " + step.source + " " + step.association;
+  if (step.kind != Step::kFetch && step.kind != Step::kAssociate) return text + " " + step.text;
+  text += " " + step.className + (step.alias.empty() ? "" : " AS " + step.alias) + ":";
+  if (step.hasAllProperties) text += " *";
+  for (const std::string& name : step.properties) text += " " + name;
+  return text;
+}
+
+struct Explanation : testing::Test {
+  QueryWorld world{kModel};
+
+  template <class Use>
+  void parse(const std::string& query, Use use) {
+    const QORString text(query.data(), query.size());
+    const QORString nameSpace("root/cimv2");
+    QORQL_Lexer lexer(text, false);
+    QORQL_SymbolTable symbols(nullptr);
+    const auto parsed =
+        QORQL_Query::parse(symbols, lexer, false, text, "DMTF:CQL", nameSpace).StaticCast<QORQL_Query>();
+    use(*parsed, symbols, nameSpace);
+  }
+  std::vector<std::string> steps(const std::string& query) {
+    std::vector<std::string> texts;
+    parse(query, [&](const QORQL_Query& parsed, const QORQL_SymbolTable& symbols, const QORString& nameSpace) {
+      const QORQL_Explanation explanation(parsed, symbols, nameSpace);
+      for (const auto& step : explanation.steps()) texts.push_back(textOf(step));
+    });
+    return texts;
+  }
+  std::vector<std::string> rules(const std::string& query) {
+    std::vector<std::string> found;
+    parse(query, [&](const QORQL_Query& parsed, const QORQL_SymbolTable&, const QORString& nameSpace) {
+      for (const auto& surprise : QORQL_findSurprises(parsed, nameSpace)) found.emplace_back(surprise.rule);
+    });
+    return found;
+  }
+  std::string surprise(const std::string& query) {
+    std::string text;
+    parse(query, [&](const QORQL_Query& parsed, const QORQL_SymbolTable&, const QORString& nameSpace) {
+      for (const auto& one : QORQL_findSurprises(parsed, nameSpace)) text += one.text;
+    });
+    return text;
+  }
+  // The condition as text.
+  std::string condition(const std::string& text) {
+    const std::vector<std::string> found = steps("SELECT Name FROM Disk WHERE " + text);
+    return found.size() < 3 ? "" : found[1].substr(found[1].find(' ') + 1);
+  }
+};
+
+TEST_F(Explanation, fetchesConditionsSortAndColumns) {
+  EXPECT_THAT(steps("SELECT FIRST 3 Name AS N FROM disk AS d WHERE Size > 5 AND Kind LIKE 'k' ORDER BY Load DESC"),
+              ElementsAre("fetch Disk AS D: Name Size Kind Load", "filter Size > 5", "filter Kind LIKE 'k'",
+                          "sort Load DESC", "select Name AS N", "first 3"));
+}
+
+TEST_F(Explanation, allPropertiesOfAStar) {
+  EXPECT_THAT(steps("SELECT * FROM Host"), ElementsAre("fetch Host: *", "select *"));
+}
+
+TEST_F(Explanation, joinsByKeysOfDeclaredTypes) {
+  const std::string select = "SELECT h.Name, d.Name FROM Host AS h, Disk AS d WHERE ";
+  EXPECT_EQ(steps(select + "h.Name = d.HostName")[2], "hash h.Name = d.HostName");
+  EXPECT_EQ(steps(select + "h.Memory < d.Size")[2], "keys h.Memory < d.Size");
+  EXPECT_EQ(steps(select + "h.Memory + 1 = d.Size")[2], "hash? h.Memory + 1 = d.Size");
+  EXPECT_EQ(steps(select + "h.Name *= d.HostName")[2], "hash h.Name *= d.HostName");
+}
+
+TEST_F(Explanation, testsEveryPairWhereKeysDoNotJoin) {
+  const std::string select = "SELECT h.Name, d.Name FROM Host AS h, Disk AS d WHERE ";
+  EXPECT_EQ(steps(select + "h.Memory + d.Size = 3")[2], "product h.Memory + d.Size = 3");
+  EXPECT_EQ(steps(select + "NOT h.Name = d.HostName")[2], "product NOT h.Name = d.HostName");
+  EXPECT_EQ(steps(select + "h.Name = d.Size")[2], "product? h.Name = d.Size");
+  EXPECT_EQ(steps(select + "h.Memory = ANY d.Ports")[2], "product h.Memory = ANY d.Ports");
+  EXPECT_EQ(steps(select + "h.Name LIKE d.Name")[2], "product h.Name LIKE d.Name");
+  EXPECT_EQ(steps(select + "h.Memory = d.Ports[0]")[2], "product h.Memory = d.Ports[0]");
+}
+
+TEST_F(Explanation, combinesWhatNothingJoins) {
+  EXPECT_THAT(
+      steps("SELECT h.Name, Id FROM Host AS h, Disk AS d, Spare WHERE h.Name = d.HostName"),
+      ElementsAre("fetch Host AS H: Name", "fetch Disk AS D: HostName", "fetch Spare: Id",
+                  "hash h.Name = d.HostName", "combine Spare, Host with Disk", "select h.Name, Spare.Id"));
+}
+
+TEST_F(Explanation, theLastOperandOfOrComesFirst) {
+  EXPECT_THAT(steps("SELECT Name FROM Disk WHERE Size = 1 OR Size = 2 AND Size > 0 OR Size = 3"),
+              ElementsAre("fetch Disk: Name Size", "filter Size = 3", "filter discarded Size = 2",
+                          "filter discarded Size > 0", "filter discarded Size = 1", "select Name"));
+}
+
+TEST_F(Explanation, associationsAskSourceBySource) {
+  EXPECT_THAT(steps("SELECT h.Name, d.Kind FROM Host AS h, Disk AS d WHERE On = h AND On = d AND d.Size > 1"),
+              ElementsAre("fetch Host AS H: Name", "associate Host On Disk AS D: Size Kind", "filter d.Size > 1",
+                          "select h.Name, d.Kind"));
+}
+
+TEST_F(Explanation, saysWhereExecutionFails) {
+  EXPECT_THAT(steps("SELECT Nowhere.Id FROM Nowhere"),
+              ElementsAre("fetch NOWHERE: Id", "fail Enumerateinstance call for 'NOWHERE' returned NULL"));
+  EXPECT_EQ(world.error("SELECT Nowhere.Id FROM Nowhere"),
+            "runtime 3: Enumerateinstance call for 'NOWHERE' returned NULL");
+}
+
+TEST_F(Explanation, textsShowTheGrouping) {
+  EXPECT_EQ(condition("Size - 1 - 2 + 3 = 4"), "Size - (1 - (2 + 3)) = 4");
+  EXPECT_EQ(condition("Size / 2 * 3 = 1"), "Size / (2 * 3) = 1");
+  EXPECT_EQ(condition("Size + 1 + 2 * 3 = 4"), "Size + 1 + 2 * 3 = 4");
+  EXPECT_EQ(condition("(Size - 1) - 2 = 4"), "(Size - 1) - 2 = 4");
+  EXPECT_EQ(condition("-(Size + 1) < -2"), "-(Size + 1) < -2");
+  EXPECT_EQ(condition("NOT ANY Ports[*] <> 3"), "NOT ANY Ports[*] <> 3");
+  EXPECT_EQ(condition("3 >= EVERY Ports"), "3 >= EVERY Ports");
+  EXPECT_EQ(condition("Name IS NOT NULL"), "Name IS NOT NULL");
+  EXPECT_EQ(condition("OBJECTPATH(Disk) ISA Host"), "OBJECTPATH(Disk) ISA Host");
+  EXPECT_EQ(condition("Kind = 'a b' "), "Kind = 'a b'");
+}
+
+TEST_F(Explanation, longChainsAndDeepNestingAreRead) {
+  std::string chain = "Size";
+  for (int i = 0; i < 50000; ++i) chain += " - 1";
+  EXPECT_THAT(condition(chain + " = 1"), testing::EndsWith(")) = 1"));
+  EXPECT_THAT(condition(std::string(900, '(') + "Size" + std::string(900, ')') + " = 1"), testing::StartsWith("((("));
+}
+
+TEST_F(Explanation, surprisesOfTheLanguage) {
+  EXPECT_THAT(rules("SELECT Name FROM Disk WHERE Size = 1 OR Size = 2"), ElementsAre("WHERE-3"));
+  EXPECT_THAT(rules("SELECT Name FROM Disk WHERE Name LIKE 'd%'"), ElementsAre("LIKE-1"));
+  EXPECT_THAT(rules("SELECT Name FROM Disk WHERE ANY Ports < 2"), ElementsAre("ARR-4"));
+  EXPECT_THAT(rules("SELECT Name FROM Disk WHERE ANY Ports <> 2"), ElementsAre("ARR-6"));
+  EXPECT_THAT(rules("SELECT Size - 1 - 2 AS S FROM Disk"), ElementsAre("ARITH-2"));
+  EXPECT_THAT(rules("SELECT Name FROM Disk ORDER BY Size / 2 / 3 ASC"), ElementsAre("ARITH-2"));
+  EXPECT_THAT(rules("SELECT AVG(Size) AS A, SUM(Load) AS S FROM Disk"), ElementsAre("AGG-4"));
+  EXPECT_THAT(rules("SELECT *, Name FROM Disk"), ElementsAre("SEL-6"));
+  EXPECT_THAT(rules("SELECT a.Name FROM Disk AS a, Disk AS b"), ElementsAre("FROM-5"));
+  EXPECT_THAT(rules("SELECT h.Name FROM Disk AS d, Host AS h WHERE d.HostName *= h.Name"), ElementsAre("JOIN-4"));
+  EXPECT_THAT(rules("SELECT h.Name FROM Disk AS d, Host AS h WHERE d.HostName *=* h.Name"), ElementsAre("JOIN-4"));
+}
+
+TEST_F(Explanation, noSurpriseWhereTheLanguageMeansWhatItSays) {
+  for (const char* query :
+       {"SELECT Name FROM Disk WHERE Size = 1 AND Kind = 'a'", "SELECT Name FROM Disk WHERE 2 > ANY Ports",
+        "SELECT Name FROM Disk WHERE ANY Ports = 2", "SELECT Size - 1 AS S, Size - (1 + 2) AS T FROM Disk",
+        "SELECT Size + 1 - 2 AS S FROM Disk", "SELECT AVG(Size) AS A FROM Disk", "SELECT Name, * FROM Disk",
+        "SELECT SUM(Size) AS S, MAX(Size) AS M FROM Disk",
+        "SELECT h.Name FROM Disk AS d, Host AS h WHERE h.Name =* d.HostName"}) {
+    EXPECT_THAT(rules(query), IsEmpty()) << query;
+  }
+}
+
+TEST_F(Explanation, surprisesSayWhatTheStatementMeans) {
+  EXPECT_THAT(surprise("SELECT Name FROM Disk WHERE Size = 1 OR Size = 2 AND Kind = 'a'"),
+              testing::HasSubstr("only \"Size = 2 AND Kind = 'a'\" decides"));
+  EXPECT_THAT(surprise("SELECT Size - 1 - 2 AS S FROM Disk"), testing::HasSubstr("\"Size - (1 - 2)\""));
+}
+
+}  // namespace
