@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "Cimom/Embedded/EmbeddedState.h"
+#include "Cimom/Embedded/MofText.h"
 #include "Cimom/Embedded/RepositoryError.h"
 
 using embedded::CimStatus;
@@ -126,6 +127,29 @@ std::vector<CimPropertyDeclaration> EmbeddedObjectManager::allProperties(const Q
   const ReadLock lock(_state->store->mutex());
   const ClassEntry* const entry = _state->store->findClass(nameSpace, className, View::Committed);
   return entry == nullptr ? std::vector<CimPropertyDeclaration>() : entry->model->properties();
+}
+
+QORString EmbeddedObjectManager::classMof(const QORString& nameSpace, const QORString& className,
+                                          bool isComplete) const {
+  const ReadLock lock(_state->store->mutex());
+  const NameSpace* const space = _state->store->findNameSpace(nameSpace, View::Committed);
+  const ClassEntry* entry =
+      space == nullptr ? nullptr : embedded::ObjectStore::findClass(*space, className, View::Committed);
+  if (entry == nullptr) return {};
+  std::vector<CimClassDeclaration> line;
+  for (; entry != nullptr; entry = isComplete ? entry->superClass : nullptr) {
+    line.insert(line.begin(), entry->model->declaration());
+  }
+  QORString text = isComplete ? embedded::qualifiersMofText(line, space->qualifiers) : QORString::emptyString();
+  for (const CimClassDeclaration& declaration : line) {
+    if (!text.isEmpty()) text += "\n";
+    text += embedded::classMofText(declaration, space->qualifiers);
+  }
+  return text;
+}
+
+QORString EmbeddedObjectManager::instanceMof(const IQoriObject& instance) {
+  return embedded::instanceMofText(instance);
 }
 
 void EmbeddedObjectManager::registerProvider(const QORString& nameSpace, std::shared_ptr<InstanceProvider> provider) {

@@ -55,6 +55,14 @@ class EmbeddedObjectManager {
   // All properties of a class, inherited first, in the order in which instances show them.
   std::vector<CimPropertyDeclaration> allProperties(const QORString& nameSpace, const QORString& className) const;
 
+  // MOF text of a class, which reads back as the same declaration: alone, or
+  // with what it needs in front, the declarations of the qualifiers in it and
+  // its superclasses from the root on. A null string when there is no such class.
+  QORString classMof(const QORString& nameSpace, const QORString& className, bool isComplete) const;
+  // MOF text of an instance, a property a line. THROWS QoriBaseException (type
+  // "CIM_Value") when embedded objects nest deeper than a text can hold.
+  static QORString instanceMof(const IQoriObject& instance);
+
   // The class must be declared in the namespace and have no provider yet, else
   // THROWS QoriBaseException (type "CIM_Repository"). Live instances come after
   // stored ones, in the order of registration; one whose path is stored is left out.

@@ -1,6 +1,7 @@
 // Writes what the MOF reader reads: names as declared, values as literals.
 #include "Cimom/Embedded/MofText.h"
 
+#include <map>
 #include <string>
 
 #include "Cimom/Embedded/RepositoryError.h"
@@ -138,6 +139,30 @@ QORString qualifierMofText(const CimQualifierDeclaration& declaration) {
   text += declaration.toSubclass ? ", ToSubclass" : ", Restricted";
   if (declaration.translatable) text += ", Translatable";
   text += ");\n";
+  return text;
+}
+
+QORString qualifiersMofText(const std::vector<CimClassDeclaration>& classes,
+                            const NameMap<CimQualifierDeclaration>& qualifiers) {
+  NameMap<bool> used;
+  const auto note = [&used](const std::vector<CimQualifier>& given) {
+    for (const CimQualifier& qualifier : given) used.emplace(qualifier.name.view(), true);
+  };
+  for (const CimClassDeclaration& declaration : classes) {
+    note(declaration.qualifiers);
+    for (const CimPropertyDeclaration& property : declaration.properties) note(property.qualifiers);
+    for (const CimMethodDeclaration& method : declaration.methods) {
+      note(method.qualifiers);
+      for (const CimPropertyDeclaration& parameter : method.parameters) note(parameter.qualifiers);
+    }
+  }
+  std::map<std::string, QORString> texts;  // in the order of names
+  for (const auto& [name, isUsed] : used) {
+    const auto declared = qualifiers.find(name);
+    if (declared != qualifiers.end()) texts.emplace(declared->first, qualifierMofText(declared->second));
+  }
+  QORString text;
+  for (const auto& [name, declared] : texts) text += declared;
   return text;
 }
 

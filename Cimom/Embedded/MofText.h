@@ -2,6 +2,8 @@
 #ifndef QORQL_EMBEDDED_MOFTEXT_H
 #define QORQL_EMBEDDED_MOFTEXT_H
 
+#include <vector>
+
 #include "Cimom/Embedded/CimDeclarations.h"
 #include "Cimom/Embedded/NameMap.h"
 #include "cimom/IQoriObject.h"
@@ -13,6 +15,9 @@ namespace embedded {
 
 // `Qualifier Name : type = default, Scope(...), Flavor(...);`
 QORString qualifierMofText(const CimQualifierDeclaration& declaration);
+// The declarations of the qualifiers that the classes use, as far as there are any.
+QORString qualifiersMofText(const std::vector<CimClassDeclaration>& classes,
+                            const NameMap<CimQualifierDeclaration>& qualifiers);
 // The class with its own features. Flavors stand where they differ from those
 // that `qualifiers` (the namespace's declarations) give; a qualifier that is not
 // among them shows the flavors that a reader would not take for granted.

@@ -42,6 +42,11 @@ class ProviderFailure(ToolCase):
                 self.assertEqual(result.out, "")
                 self.refused(result, 3, f"qorql: error: {message} (CIM status 1)")
 
+    def test_also_of_the_command_that_shows_instances(self):
+        result = self.blind("instances", "Linux_Process")
+        self.assertEqual(result.out, "")
+        self.refused(result, 3, "qorql: error: The process table cannot be read (CIM status 1)")
+
     def test_the_log_tells_why(self):
         result = self.blind("--log", "info", "SELECT Handle FROM Linux_Process")
         self.assertIn("qorql: info: Providers: Cannot read /proc: No such file or directory\n", result.err)

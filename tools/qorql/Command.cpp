@@ -4,12 +4,18 @@
 #include <CLI/CLI.hpp>
 #include <string>
 
+#include "ClassCommand.h"
+#include "ClassesCommand.h"
+#include "InstancesCommand.h"
 #include "QueryCommand.h"
 
 namespace {
 
 constexpr Command kCommands[] = {
     {"query", "Run statements and print their results (what runs when no command is named)", declareQueryCommand},
+    {"classes", "List the classes of the namespace", declareClassesCommand},
+    {"class", "Print a class as MOF text", declareClassCommand},
+    {"instances", "Print the instances of a class as MOF text", declareInstancesCommand},
 };
 
 std::string listOfCommands() {

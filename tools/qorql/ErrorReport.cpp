@@ -66,3 +66,8 @@ int reportStartFailure() noexcept {
   }
   return kExitPlatform;
 }
+
+int reportRefusal(const std::string& message) noexcept {
+  printError(message, "");
+  return kExitRefused;
+}

@@ -2,6 +2,8 @@
 #ifndef QORQL_TOOL_ERRORREPORT_H
 #define QORQL_TOOL_ERRORREPORT_H
 
+#include <string>
+
 #include "Statements.h"
 
 // Both report the exception that is being handled and return the exit status;
@@ -12,5 +14,9 @@
 int reportFailure(const Statement& statement) noexcept;
 // `qorql: error: <message>`: of MOF, configuration or the live classes.
 int reportStartFailure() noexcept;
+
+// `qorql: error: <message>`: what is asked for cannot be had. Returns the exit
+// status; there is no exception behind it.
+int reportRefusal(const std::string& message) noexcept;
 
 #endif

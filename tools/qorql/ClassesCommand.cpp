@@ -1,0 +1,94 @@
+// Class names, one a line, in the order of names.
+#include "ClassesCommand.h"
+
+#include <fnmatch.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <iostream>
+
+#include "ErrorReport.h"
+#include "ExitStatus.h"
+#include "OptionChecks.h"
+#include "Session.h"
+#include "SessionOptions.h"
+
+namespace {
+
+constexpr const char* kDescription = "Lists the classes of the namespace, in the order of their names.";
+constexpr const char* kFooter =
+    "PATTERN is a part of the name or, with * ? [ ] in it, the whole name; case does not matter.\n"
+    "Exit status: 0 done; 1 no class matches; 2 wrong usage; 3 MOF or configuration failure.\n"
+    "\n"
+    "Example:\n"
+    "  qorql classes 'Linux_*'";
+
+struct ClassesOptions {
+  SessionOptions session;
+  std::string pattern;
+  bool isLong = false;
+};
+
+std::string wholePattern(const std::string& given) {
+  const bool hasWildcard = given.find_first_of("*?[") != std::string::npos;
+  return hasWildcard ? given : "*" + given + "*";
+}
+
+// What the class is besides a class; empty when it is nothing else.
+std::string kindOf(const IQoriClass& declared) {
+  struct Kind {
+    const char* qualifier;
+    bool isInherited;
+    const char* word;
+  };
+  constexpr Kind kKinds[] = {
+      {"Abstract", false, "abstract"}, {"Association", true, "association"}, {"Indication", true, "indication"}};
+  std::string kinds;
+  for (const Kind& kind : kKinds) {
+    const IQoriQualifier* const qualifier = declared.getQualifier(kind.qualifier, kind.isInherited);
+    const bool isSet = qualifier != nullptr && (qualifier->getValue().IsNull() || qualifier->getValue()->getBoolean());
+    if (isSet) kinds.append(kinds.empty() ? "" : " ").append(kind.word);
+  }
+  return kinds;
+}
+
+void printClass(const EmbeddedObjectManager& manager, const ClassesOptions& options, const QORString& name) {
+  std::cout << name;
+  if (options.isLong) {
+    const QORSmrPtr<IQoriClass> declared = manager.repository()->getClass(options.session.nameSpace.c_str(), name);
+    std::cout << '\t' << declared->getSuperClassName() << '\t' << kindOf(*declared);
+  }
+  std::cout << '\n';
+}
+
+int listClasses(const ClassesOptions& options) {
+  Session session(options.session);
+  try {
+    session.open();
+  } catch (...) {
+    return reportStartFailure();
+  }
+  std::vector<QORString> names = session.manager().classNames(options.session.nameSpace.c_str());
+  const std::string pattern = wholePattern(options.pattern);
+  std::erase_if(
+      names, [&pattern](const QORString& name) { return fnmatch(pattern.c_str(), name.c_str(), FNM_CASEFOLD) != 0; });
+  std::sort(names.begin(), names.end(),
+            [](const QORString& a, const QORString& b) { return a.compareTo(b, false) < 0; });
+  for (const QORString& name : names) printClass(session.manager(), options, name);
+  if (!names.empty()) return kExitDone;
+  const std::string which = options.pattern.empty() ? "" : " matches \"" + options.pattern + '"';
+  return reportRefusal("no class" + which + " in namespace " + options.session.nameSpace);
+}
+
+}  // namespace
+
+CommandAction declareClassesCommand(CLI::App& app) {
+  const auto options = std::make_shared<ClassesOptions>();
+  app.description(kDescription);
+  app.footer(kFooter);
+  declareSessionOptions(app, options->session);
+  declareFlag(app, "-l,--long", options->isLong,
+              "With the superclass and what the class is (abstract, association, indication), separated by tabs");
+  app.add_option("PATTERN", options->pattern, "Which classes (default: all)")->type_name(" ");
+  return [options] { return listClasses(*options); };
+}

@@ -1,0 +1,75 @@
+// Instances, stored and live, as the object manager enumerates them.
+#include "InstancesCommand.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+#include "ErrorReport.h"
+#include "ExitStatus.h"
+#include "Session.h"
+#include "SessionOptions.h"
+#include "Statements.h"
+#include "cimom/CIMApi.h"
+
+namespace {
+
+constexpr const char* kDescription =
+    "Prints the instances of a class and its subclasses as MOF text, which loads again where the\n"
+    "classes are declared.";
+constexpr const char* kFooter =
+    "Exit status: 0 done; 1 there is no such class; 2 wrong usage; 3 MOF, configuration or provider\n"
+    "failure.\n"
+    "\n"
+    "Example:\n"
+    "  qorql instances Linux_OperatingSystem";
+
+struct InstancesOptions {
+  SessionOptions session;
+  std::string className;
+};
+
+void printInstances(const CIMApi::Instances& instances) {
+  QORValSlistIterator<QORSmrPtr<IQoriObject>> each(*instances);
+  bool isFirst = true;
+  while (std::cout && ++each) {
+    if (!isFirst) std::cout << '\n';
+    isFirst = false;
+    std::cout << EmbeddedObjectManager::instanceMof(*each.key());
+  }
+}
+
+int runInstances(const InstancesOptions& options) {
+  Session session(options.session);
+  try {
+    session.open();
+  } catch (...) {
+    return reportStartFailure();
+  }
+  const QORString nameSpace(options.session.nameSpace.c_str());
+  const QORString className(options.className.c_str());
+  if (session.manager().repository()->getClass(nameSpace, className).IsNull()) {
+    return reportRefusal("there is no class " + options.className + " in namespace " + options.session.nameSpace);
+  }
+  try {
+    CIMApi api;
+    printInstances(
+        api.enumerateInstances(nameSpace, className, {}, CIMApi::DefaultTimeout, nullptr, nullptr, nullptr, {}));
+  } catch (...) {
+    session.dropWarnings();
+    std::cout.flush();
+    return reportFailure({});
+  }
+  session.printWarnings();
+  return kExitDone;
+}
+
+}  // namespace
+
+CommandAction declareInstancesCommand(CLI::App& app) {
+  const auto options = std::make_shared<InstancesOptions>();
+  app.description(kDescription);
+  app.footer(kFooter);
+  declareSessionOptions(app, options->session);
+  app.add_option("CLASS", options->className, "The class")->type_name(" ")->required();
+  return [options] { return runInstances(*options); };
+}

@@ -1,0 +1,9 @@
+// `qorql instances CLASS`: prints the instances of a class as MOF text.
+#ifndef QORQL_TOOL_INSTANCESCOMMAND_H
+#define QORQL_TOOL_INSTANCESCOMMAND_H
+
+#include "Command.h"
+
+CommandAction declareInstancesCommand(CLI::App& app);
+
+#endif
