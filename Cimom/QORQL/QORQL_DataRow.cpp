@@ -51,7 +51,14 @@ QORSmrPtr<IQoriObject> QORQL_DataRow::getCell(QORuint32 index) const { return _c
 
 QORSmrPtr<IQoriObject> QORQL_DataRow::getCell(const QORString& className) const {
   if (_parentTable == nullptr || className.isEmpty()) return {};
-  const QORsint32 column = _parentTable->getColumnIndex(className);
+  return cellOfColumn(_parentTable->getObjectColumn(className));
+}
+
+QORSmrPtr<IQoriObject> QORQL_DataRow::getFunctionResults() const {
+  return _parentTable == nullptr ? QORSmrPtr<IQoriObject>() : cellOfColumn(_parentTable->getFunctionColumn());
+}
+
+QORSmrPtr<IQoriObject> QORQL_DataRow::cellOfColumn(QORsint32 column) const {
   if (column < 0) return {};
   const QORuint32 cell = _parentTable->cellOfColumn(static_cast<QORuint32>(column));
   return cell < getCellCount() ? _cells->at(cell) : QORSmrPtr<IQoriObject>();

@@ -30,6 +30,8 @@ class QORQL_DataRow {
   QORSmrPtr<IQoriObject> getCell(QORuint32 index) const;
   // By class name or alias; null without parent, for an empty name, no such column, or no such cell.
   QORSmrPtr<IQoriObject> getCell(const QORString& className) const;
+  // The pseudo-object of function results in a projected row; null when there is none.
+  QORSmrPtr<IQoriObject> getFunctionResults() const;
   QORuint32 getCellCount() const noexcept;
   // BORROWS: valid while the table lives.
   QORQL_DataTable* getParentTable() const noexcept { return _parentTable; }
@@ -57,6 +59,9 @@ class QORQL_DataRow {
   bool findFunctionValue(const QORQL_Evaluatable* function, QORSmrPtr<IQoriValue>& value) const;
 
  private:
+  // Null for a column of -1 and for a cell that the row has not. REQUIRES a parent.
+  QORSmrPtr<IQoriObject> cellOfColumn(QORsint32 column) const;
+
   CellList _cells;
   QORQL_DataTable* _parentTable = nullptr;
   const QORQL_Evaluatable* _function = nullptr;

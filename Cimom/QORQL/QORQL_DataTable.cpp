@@ -100,12 +100,19 @@ QORSmrPtr<QORQL_TableHeader> QORQL_DataTable::getColumnHeaderByName(const QORStr
   return index < 0 ? QORSmrPtr<QORQL_TableHeader>() : _columnHeader->at(static_cast<QORuint32>(index));
 }
 
-QORsint32 QORQL_DataTable::getColumnIndex(const QORString& name) const {
+QORsint32 QORQL_DataTable::findColumn(const QORString& name, QORsint32 leftOut) const {
   QORValSlistIterator<QORSmrPtr<QORQL_TableHeader>> headers(*_columnHeader);
   for (QORsint32 index = 0; ++headers; ++index) {
-    if (!headers.key().IsNull() && headers.key()->isNamed(name)) return index;
+    if (index != leftOut && !headers.key().IsNull() && headers.key()->isNamed(name)) return index;
   }
   return -1;
+}
+
+QORsint32 QORQL_DataTable::getColumnIndex(const QORString& name) const { return findColumn(name, -1); }
+
+QORsint32 QORQL_DataTable::getObjectColumn(const QORString& name) const {
+  const QORsint32 column = findColumn(name, _functionColumn);
+  return column < 0 ? getColumnIndex(name) : column;
 }
 
 QORuint32 QORQL_DataTable::getRowCount() const noexcept {

@@ -83,6 +83,11 @@ class QORQL_DataTable {
   // of each column stands in a row (identity when never set).
   bool isProjected() const noexcept { return _isProjected; }
   void setProjected(std::vector<QORuint32> cellOfColumn);
+  // The column of function results; -1 when there is none. A class or alias of
+  // its name comes before it where objects are looked up by name.
+  void setFunctionColumn(QORsint32 column) noexcept { _functionColumn = column; }
+  QORsint32 getFunctionColumn() const noexcept { return _functionColumn; }
+  QORsint32 getObjectColumn(const QORString& name) const;
   QORuint32 cellOfColumn(QORuint32 column) const noexcept {
     return column < _cellOfColumn.size() ? _cellOfColumn[column] : column;
   }
@@ -98,6 +103,8 @@ class QORQL_DataTable {
 
  private:
   void checkCell(QORuint32 row, QORuint32 column) const;
+  // The first column of that name but for one; -1 when there is none.
+  QORsint32 findColumn(const QORString& name, QORsint32 leftOut) const;
 
   HeaderList _columnHeader;
   RowList _rows;
@@ -108,6 +115,7 @@ class QORQL_DataTable {
   ExecutionMode _executionMode = kExecutionLazy;
   bool _isProjected = false;
   std::vector<QORuint32> _cellOfColumn;
+  QORsint32 _functionColumn = -1;
   std::unique_ptr<QORQL_LazyTable> _lazy;
 };
 

@@ -70,9 +70,9 @@ QORQL_ProjectionPlan::QORQL_ProjectionPlan(const QORQL_SelectList& list, const Q
 
 void QORQL_ProjectionPlan::addColumns(const QORQL_DataTable& table) {
   QORValSlistIterator<QORSmrPtr<QORQL_TableHeader>> headers(*table.getColumnHeaderList());
-  while (++headers) {
+  for (QORsint32 column = 0; ++headers; ++column) {
+    if (column == table.getFunctionColumn()) continue;
     const QORString name(headers.key()->getName());
-    if (name == QORQL_SelectList::_FUNCTIONS_VALUES_CLASS && table.isProjected()) continue;
     _items.push_back({_symbols.classNameOf(name), name, QORString::emptyString(), false, _isForSort});
   }
 }

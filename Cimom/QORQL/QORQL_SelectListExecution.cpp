@@ -45,6 +45,7 @@ void QORQL_SelectList::execute(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_D
   const HeaderList headers(_buildTableHeader(table, plan));
   result->addColumns(headers, false);
   result->setProjected(reversedPositions(headers->entries()));
+  if (plan.hasFunctions()) result->setFunctionColumn(0);  // the last header comes first
   if (!_projectLazily(table, result, headers, plan)) {
     result->addRows(_buildTableRows(table, result, symbolTable, headers, plan));
   }
@@ -80,7 +81,7 @@ QORQL_SelectList::HeaderList QORQL_SelectList::_buildTableHeader(const Table& ta
   HeaderList headers(new QORValSlist<QORSmrPtr<QORQL_TableHeader>>());
   std::vector<QORsint32> seen;
   for (const QORQL_ProjectionPlan::Item& item : plan.items()) {
-    const QORsint32 column = table->getColumnIndex(item.className);
+    const QORsint32 column = table->getObjectColumn(item.className);
     if (column < 0 || std::find(seen.begin(), seen.end(), column) != seen.end()) continue;
     seen.push_back(column);
     headers->append(table->getColumnHeader(static_cast<QORuint32>(column)));

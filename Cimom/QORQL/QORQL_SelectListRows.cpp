@@ -139,7 +139,7 @@ void QORQL_SelectList::_buildRows(Table& table, const Table& resultTable, QORQL_
     if (row.IsNull()) continue;
     QORSmrPtr<IQoriObject> values;
     if (isProjected) {
-      values = row->getCell(_FUNCTIONS_VALUES_CLASS);  // computed by the first run
+      values = row->getFunctionResults();  // computed by the first run
     } else if (results.hasFunctions) {
       _evaluateRowFunctions(symbols, row, functions);
       values = _functionResultsToObject(results);

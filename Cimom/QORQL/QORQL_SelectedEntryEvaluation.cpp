@@ -6,7 +6,7 @@
 QORSmrPtr<IQoriValue> QORQL_SelectedEntry::evaluate(QORQL_SymbolTable& symbolTable,
                                                     QORSmrPtr<QORQL_DataRow>& row) const {
   if (_functionID != QORQL_FUNCTIONID_UNKNOWN) {
-    const QORSmrPtr<IQoriObject> values(row->getCell(QORQL_SelectList::_FUNCTIONS_VALUES_CLASS));
+    const QORSmrPtr<IQoriObject> values(row->getFunctionResults());
     if (!values.IsNull()) {
       const QORSmrPtr<IQoriProperty> property(values->getProperty(QORQL_SelectList::_functionID(*this), true));
       return property.IsNull() ? QORSmrPtr<IQoriValue>() : property->getValue();
