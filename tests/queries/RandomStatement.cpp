@@ -64,12 +64,15 @@ std::string RandomStatement::arrayComparison() {
 }
 
 std::string RandomStatement::comparison() {
-  const unsigned kind = below(24);
+  const unsigned kind = below(28);
   if (kind < 2) return property() + (chance(50) ? " IS NULL" : " IS NOT NULL");
   if (kind == 2) return std::string(anySource().alias) + " ISA T_SolidDisk";
   if (kind == 3) return std::string(anySource().alias) + " IS NULL";
   if (kind == 4) return property();
   if (kind == 5) return "OBJECTPATH(" + std::string(anySource().alias) + ") < OBJECTPATH(" + anySource().alias + ")";
+  if (kind == 6) return "INSTANCEOF(" + std::string(anySource().alias) + ") IS " + (chance(50) ? "NULL" : "NOT NULL");
+  if (kind == 7) return std::string(anySource().alias) + (chance(50) ? " <> " : " < ") + anySource().alias;
+  if (kind == 8) return "OBJECTPATH(" + std::string(anySource().alias) + ") *= " + property();
   return operand(1) + pick(kComparisons, below(kComparisons.size())) + operand(1);
 }
 
@@ -131,7 +134,10 @@ std::string RandomStatement::fromClause() const {
 }
 
 std::string RandomStatement::orderClause() {
-  std::string key = chance(70) ? property() : chance(50) ? operand(1) : "Col0";
+  const std::string alias = anySource().alias;
+  const std::array<std::string, 5> rare = {"Col0", "OBJECTPATH(" + alias + ")", "INSTANCEOF(" + alias + ")", alias,
+                                           "(" + comparison() + ")"};
+  const std::string key = chance(60) ? property() : chance(40) ? operand(1) : rare[below(rare.size())];
   return " ORDER BY " + key + (chance(50) ? " ASC" : " DESC");
 }
 
@@ -143,7 +149,12 @@ std::string RandomStatement::next() {
       {"T_PoolMember", "m", {"Pool", "Member", "Rank"}, nullptr},
       {"T_Empty", "e", {"Tag", "Slot"}, nullptr},
       {"T_Box", "x", {"Name", "Top", "Codes"}, "Codes"},
-      {"T_SolidDisk", "s", {"Name", "Slot", "Wear"}, nullptr}};
+      {"T_SolidDisk", "s", {"Name", "Slot", "Wear"}, nullptr},
+      {"T_Disk", "again", {"Name", "Slot", "Kind"}, nullptr},  // with d, one class twice
+      {"T_Bay", "T_Bay", {"No", "Room"}, nullptr},
+      {"T_Pool", "values", {"Id", "Quota"}, nullptr},  // like the column of function results
+      {"T_Filtered", "f", {"Name", "Size", "Note"}, nullptr},
+      {"T_Open", "d", {"Name", "Size"}, nullptr}};  // with T_Disk, one alias twice
   _from.clear();
   unsigned chosen = 0;
   const unsigned count = 1 + below(3);
