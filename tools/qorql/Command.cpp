@@ -7,7 +7,9 @@
 #include "ClassCommand.h"
 #include "ClassesCommand.h"
 #include "InstancesCommand.h"
+#include "MatchCommand.h"
 #include "QueryCommand.h"
+#include "ValidateCommand.h"
 
 namespace {
 
@@ -16,6 +18,8 @@ constexpr Command kCommands[] = {
     {"classes", "List the classes of the namespace", declareClassesCommand},
     {"class", "Print a class as MOF text", declareClassCommand},
     {"instances", "Print the instances of a class as MOF text", declareInstancesCommand},
+    {"validate", "Tell whether filters of indications are valid and what they need", declareValidateCommand},
+    {"match", "Tell which instances a filter matches", declareMatchCommand},
 };
 
 std::string listOfCommands() {

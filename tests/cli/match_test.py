@@ -1,0 +1,147 @@
+"""qorql match: which instances of MOF files a filter matches."""
+import os
+import unittest
+
+import toolcase
+from toolcase import ToolCase
+
+SCHEMA = os.path.join(toolcase.HERE, "filters.mof")
+ALERTS = """instance of CIM_AlertIndication { OwningEntity = "SNIA"; MessageID = "FC1"; };
+instance of CIM_AlertIndication { OwningEntity = "SNIA"; MessageID = "FC2"; };
+"""
+CREATION = ('instance of CIM_InstCreation { SourceInstance = "instance of XYZ_Volume { Id = \\"v\\"; Size = 10; '
+            'OperationalStatus = {2, 17}; };"; };\n')
+FC1 = "SELECT * FROM CIM_AlertIndication WHERE OwningEntity = 'SNIA' AND MessageID = 'FC1'"
+ALERT_PATH = "root/cimv2:CIM_AlertIndication"
+
+
+class MatchCase(ToolCase):
+    def match(self, *arguments, stdin=b""):
+        return self.run_tool("match", "--no-live", *arguments, stdin=stdin)
+
+    def why(self, condition, mof, source="CIM_InstCreation"):
+        line = self.succeed(self.match("--quiet", "--why", "-m", SCHEMA, f"SELECT * FROM {source} WHERE {condition}",
+                                       stdin=mof))
+        return line.rstrip("\n").split("\t")[1:]
+
+
+class Match(MatchCase):
+    def test_files_in_their_order(self):
+        first = self.write("first.mof", ALERTS)
+        second = self.write("second.mof", CREATION)
+        self.assertEqual(self.succeed(self.match("-m", SCHEMA, FC1, second, first)),
+                         f"root/cimv2:CIM_InstCreation\tno match\n{ALERT_PATH}\tmatch\n{ALERT_PATH}\tno match\n")
+
+    def test_standard_input(self):
+        expected = f"{ALERT_PATH}\tmatch\n{ALERT_PATH}\tno match\n"
+        self.assertEqual(self.succeed(self.match(FC1, stdin=ALERTS)), expected)
+        self.assertEqual(self.succeed(self.match(FC1, "-", stdin=ALERTS)), expected)
+        self.assertEqual(self.succeed(self.match(FC1, stdin=b"")), "")
+
+    def test_an_instance_with_keys_shows_its_path_and_is_not_stored(self):
+        twice = 'instance of XYZ_Volume { Id = "v"; Size = 1; };\n' * 2
+        self.assertEqual(self.succeed(self.match("-m", SCHEMA, "SELECT * FROM XYZ_Element WHERE Id = 'v'", stdin=twice)),
+                         'root/cimv2:XYZ_Volume.Id="v"\tmatch\n' * 2)
+
+    def test_instances_of_the_schema_are_not_decided(self):
+        path = self.write("with.mof", 'class XYZ_One { [Key] string Id; };\ninstance of XYZ_One { Id = "1"; };\n')
+        self.assertEqual(self.succeed(self.match("-m", path, "SELECT * FROM XYZ_One", stdin='instance of XYZ_One { Id = "2"; };')),
+                         'root/cimv2:XYZ_One.Id="2"\tmatch\n')
+
+    def test_another_namespace(self):
+        path = self.write("other.mof", '#pragma namespace("root/other")\nclass XYZ_There { [Key] string Id; };\n')
+        there = '#pragma namespace("root/other")\ninstance of XYZ_There { Id = "1"; };\n'
+        self.assertEqual(self.succeed(self.match("-m", path, "-n", "root/other", "SELECT * FROM XYZ_There", stdin=there)),
+                         'root/other:XYZ_There.Id="1"\tmatch\n')
+        self.assertEqual(self.succeed(self.match("-m", path, "--why", "SELECT * FROM CIM_InstCreation", stdin=there)),
+                         'root/other:XYZ_There.Id="1"\tno match\tits namespace is root/other, the filter\'s root/cimv2\n')
+
+    def test_live_classes_are_known(self):
+        made = 'instance of CIM_InstCreation { SourceInstance = "instance of Linux_Process { Handle = \\"1\\"; };"; };'
+        self.assertEqual(self.succeed(self.run_tool("match", "SELECT * FROM CIM_InstCreation WHERE SourceInstance ISA "
+                                                             "CIM_Process", stdin=made)),
+                         "root/cimv2:CIM_InstCreation\tmatch\n")
+
+
+class Why(MatchCase):
+    def test_the_first_condition_that_failed_and_its_values(self):
+        self.assertEqual(self.succeed(self.match("--why", FC1, stdin=ALERTS)),
+                         f"{ALERT_PATH}\tmatch\n{ALERT_PATH}\tno match\tMessageID = 'FC1' ('FC2' = 'FC1')\n")
+
+    def test_the_class(self):
+        self.assertEqual(self.why("MessageID = 'x'", CREATION, "CIM_AlertIndication"),
+                         ["no match", "its class CIM_InstCreation is not in FROM"])
+
+    def test_embedded_objects(self):
+        self.assertEqual(self.why("SourceInstance ISA CIM_AlertIndication", CREATION),
+                         ["no match", "SourceInstance ISA CIM_AlertIndication (XYZ_Volume ISA CIM_AlertIndication)"])
+        self.assertEqual(self.why("SourceInstance.XYZ_Volume::Size > 3 AND SourceInstance.Size <= 9", CREATION),
+                         ["no match", "SourceInstance.Size <= 9 (10 <= 9)"])
+        self.assertEqual(self.why("SourceInstance.OperationalStatus[1] = 2", CREATION),
+                         ["no match", "SourceInstance.OperationalStatus[1] = 2 (17 = 2)"])
+        self.assertEqual(self.why("SourceInstance.OperationalStatus[2] = 2", CREATION),
+                         ["no match", "SourceInstance.OperationalStatus[2] = 2 (NULL = 2)"])
+        self.assertEqual(self.why("ANY SourceInstance.XYZ_Volume::OperationalStatus[*] = 6", CREATION),
+                         ["no match", "ANY SourceInstance.XYZ_Volume::OperationalStatus[*] = 6 ({2, 17} = 6)"])
+        self.assertEqual(self.why("SourceInstance.Size + 1 = SourceInstance.Size * 2", CREATION),
+                         ["no match", "SourceInstance.Size + 1 = SourceInstance.Size * 2 (11 = 20)"])
+        self.assertEqual(self.why("(SourceInstance.Size = -5)", CREATION),
+                         ["no match", "SourceInstance.Size = -5 (10 = -5)"])
+
+    def test_what_never_matches(self):
+        self.assertEqual(self.why("SourceInstance.Size = 10 AND NOT SourceInstance.Size = 3", CREATION),
+                         ["no match", "NOT SourceInstance.Size = 3 (a condition under NOT never matches)"])
+        self.assertEqual(self.why("SourceInstance.Size = 11 AND NOT SourceInstance.Size = 3", CREATION),
+                         ["no match", "SourceInstance.Size = 11 (10 = 11)"])
+        self.assertEqual(self.why("SourceInstance.Id LIKE 'v'", CREATION),
+                         ["no match", "SourceInstance.Id LIKE 'v' (a condition with LIKE never matches)"])
+
+    def test_a_path_of_an_alert(self):
+        alert = 'instance of CIM_AlertIndication { AlertingElementFormat = 2; AlertingManagedElement = "//h/n:CIM_X.K=1"; };'
+        self.assertEqual(self.succeed(self.match("--why", "SELECT * FROM CIM_AlertIndication WHERE "
+                                                          "AlertingManagedElement ISA CIM_FCPort", stdin=alert)),
+                         f"{ALERT_PATH}\tno match\tAlertingManagedElement ISA CIM_FCPort "
+                         "('//h/n:CIM_X.K=1' ISA CIM_FCPort)\n")
+
+
+class Faults(MatchCase):
+    def test_a_filter_that_is_not_valid(self):
+        self.refused(self.match("SELECT * FROM CIM_AlertIndicaton", stdin=ALERTS), 1,
+                     "qorql: error: the filter is not valid: CIM_AlertIndicaton is no class of root/cimv2: "
+                     "did you mean CIM_AlertIndication? (line 1, column 15)")
+        self.refused(self.match("-q", "SQL", FC1, stdin=ALERTS), 1,
+                     "qorql: error: the filter is not valid: 'SQL' is no language of filters: use DMTF:CQL, CQL or WQL")
+
+    def test_instances_that_are_not_good_decide_nothing(self):
+        good = self.write("good.mof", ALERTS)
+        for mof, says in (("class X { };", "a class cannot be declared here, only instances"),
+                          ("instance of CIM_Nothing { };", "CIM_Nothing"),
+                          ('instance of CIM_AlertIndication { Wheels = 4; };', "Wheels"),
+                          ("instance of", "bad.mof:1:12")):
+            result = self.match(FC1, good, self.write("bad.mof", mof))
+            self.assertEqual((result.status, result.out), (3, ""))
+            self.assertIn(says, result.err)
+        result = self.match(FC1, good, os.path.join(self.folder, "nowhere.mof"))
+        self.assertEqual((result.status, result.out), (3, ""))
+
+    def test_a_warning_for_what_never_matches(self):
+        result = self.match("SELECT * FROM CIM_AlertIndication WHERE NOT MessageID = 'x'", stdin=ALERTS)
+        self.assertEqual((result.status, result.err), (0, "qorql: warning: a condition under NOT never matches\n"))
+        self.assertEqual(result.out, f"{ALERT_PATH}\tno match\n" * 2)
+
+    def test_wrong_usage(self):
+        for arguments, says in (([], "FILTER"), (["-q"], "--language"), (["--why=1", FC1], "--why"),
+                                (["--no-such", FC1], "--no-such"), (["-m"], "--mof")):
+            result = self.run_tool("match", *arguments)
+            self.assertEqual((result.status, result.out), (2, ""), arguments)
+            self.assertEqual(result.err.splitlines()[-1], "Try qorql match --help.")
+            self.assertIn(says, result.err)
+
+    def test_help(self):
+        text = self.succeed(self.run_tool("match", "--help"))
+        for part in ("--why", "FILTER", "FILE", "--language", "Exit status"):
+            self.assertIn(part, text)
+
+
+if __name__ == "__main__":
+    toolcase.main()

@@ -1,0 +1,186 @@
+"""qorql validate: whether filters are valid, why not, and what they need."""
+import os
+import unittest
+
+import toolcase
+from toolcase import ToolCase
+
+SCHEMA = os.path.join(toolcase.HERE, "filters.mof")
+ALERT = "SELECT * FROM CIM_AlertIndication"
+
+
+class ValidateCase(ToolCase):
+    def validate(self, *arguments, stdin=b""):
+        return self.run_tool("validate", "--no-live", *arguments, stdin=stdin)
+
+    def valid(self, text, classes, properties, *arguments):
+        self.assertEqual(self.succeed(self.validate(*arguments, text)), f"valid\t{classes}\t{properties}\n")
+
+    def invalid(self, text, reason, *arguments):
+        result = self.validate(*arguments, text)
+        self.assertEqual((result.status, result.out, result.err), (1, f"invalid\t{reason}\n", ""))
+
+    def warned(self, text, *warnings):
+        result = self.validate(text)
+        self.assertEqual(result.err, "".join(f"qorql: warning: {warning}\n" for warning in warnings))
+        self.assertTrue(result.out.startswith("valid\t"), result.out)
+        quiet = self.validate("--quiet", text)
+        self.assertEqual((quiet.status, quiet.out, quiet.err), (0, result.out, ""))
+
+
+class Valid(ValidateCase):
+    def test_names_classes_and_properties_as_they_are_declared(self):
+        self.valid("select messageid, a.owningentity from cim_alertindication as a where PERCEIVEDSEVERITY > 3",
+                   "CIM_AlertIndication", "MessageID,OwningEntity,PerceivedSeverity")
+
+    def test_star_needs_every_property(self):
+        self.valid(ALERT + " WHERE MessageID = 'x'", "CIM_AlertIndication", "*")
+
+    def test_a_path_needs_the_property_that_holds_the_object(self):
+        self.valid("SELECT IndicationTime FROM CIM_InstCreation WHERE SourceInstance.XYZ_Volume::Size > 3",
+                   "CIM_InstCreation", "IndicationTime,SourceInstance")
+
+    def test_properties_of_several_classes_are_qualified(self):
+        self.valid("SELECT a.MessageID, b.SourceInstance FROM CIM_AlertIndication AS a, CIM_InstCreation AS b",
+                   "CIM_AlertIndication,CIM_InstCreation", "CIM_AlertIndication.MessageID,CIM_InstCreation.SourceInstance")
+
+    def test_the_schema_of_mof_files(self):
+        self.valid("SELECT Rack, Owner FROM XYZ_Alert", "XYZ_Alert", "Rack,Owner", "-m", SCHEMA)
+        self.invalid("SELECT Rack FROM XYZ_Alert", "XYZ_Alert is no class of root/cimv2 (line 1, column 18)")
+
+    def test_languages(self):
+        for language in ("CQL", "DMTF:CQL", "WQL", "wql"):
+            self.valid(ALERT, "CIM_AlertIndication", "*", "-q", language)
+        self.invalid(ALERT, "'SQL' is no language of filters: use DMTF:CQL, CQL or WQL", "--language", "SQL")
+
+    def test_namespaces(self):
+        self.valid(ALERT, "CIM_AlertIndication", "*", "-n", "root/interop")
+
+
+class Invalid(ValidateCase):
+    def test_a_text_without_quotes_is_taken_for_a_property(self):
+        self.invalid(ALERT + " WHERE OwningEntity = BROCADE",
+                     "BROCADE is no property of CIM_AlertIndication: did you mean 'BROCADE'? (line 1, column 56)")
+
+    def test_a_text_in_double_quotes(self):
+        self.invalid(ALERT + ' WHERE OwningEntity = "SNIA"',
+                     "unexpected token '\"' found: did you mean 'SNIA'? (line 1, column 56)")
+
+    def test_a_property_that_is_nearly_right(self):
+        for written, meant in (("OwningEntty", "OwningEntity"), ("owningentities", "OwningEntity"),
+                               ("MesageID", "MessageID"), ("MessageDI", "MessageID")):
+            self.invalid(f"{ALERT} WHERE {written} = 'x'",
+                         f"{written} is no property of CIM_AlertIndication: did you mean {meant}? (line 1, column 41)")
+        self.invalid("SELECT a.EvntID FROM CIM_AlertIndication AS a",
+                     "EvntID is no property of CIM_AlertIndication: did you mean EventID? (line 1, column 10)")
+
+    def test_nothing_is_near(self):
+        self.invalid(ALERT + " WHERE Temperature > 5",
+                     "Temperature is no property of CIM_AlertIndication (line 1, column 41)")
+
+    def test_a_class_that_is_nearly_right_is_the_cause_of_all_else(self):
+        self.invalid("SELECT MessageID FROM CIM_AlertIndicaton WHERE MessageID = 'x'",
+                     "CIM_AlertIndicaton is no class of root/cimv2: did you mean CIM_AlertIndication? (line 1, column 23)")
+
+    def test_a_class_of_another_namespace(self):
+        path = self.write("other.mof", '#pragma namespace("root/other")\nclass XYZ_There { [Key] string Id; };\n')
+        self.invalid("SELECT * FROM XYZ_There",
+                     "XYZ_There is no class of root/cimv2 but one of root/other (line 1, column 15)", "-m", path)
+
+    def test_a_property_of_several_classes(self):
+        self.invalid("SELECT * FROM CIM_AlertIndication AS a, CIM_InstCreation WHERE IndicationTime = 'x'",
+                     "IndicationTime is a property of more than one class: write a.IndicationTime or "
+                     "CIM_InstCreation.IndicationTime (line 1, column 64)")
+
+    def test_a_qualifier(self):
+        self.invalid("SELECT al.EventID FROM CIM_AlertIndication AS alarm",
+                     "al is neither a class of FROM nor a property that holds an object (line 1, column 8)")
+        self.invalid("SELECT alrm.EventID FROM CIM_AlertIndication AS alarm",
+                     "alrm is neither a class of FROM nor a property that holds an object: did you mean alarm? "
+                     "(line 1, column 8)")
+
+    def test_columns_count_characters_and_lines_count_from_one(self):
+        self.invalid(ALERT + "\n WHERE EventID = 'größe' AND\n  EventID ~ 1",
+                     "unexpected token '~' found (line 3, column 11)")
+        self.invalid("SELECT EventID FROM CIM_AlertIndication\n WHERE OwningEntity = 'größe' AND Evnt = 1",
+                     "Evnt is no property of CIM_AlertIndication (line 2, column 35)")
+
+    def test_the_end_of_the_text(self):
+        self.invalid("", "'SELECT' expected (line 1, column 1, at the end)")
+        self.invalid(ALERT + " WHERE", "unexpected token '' found (line 1, column 40, at the end)")
+
+    def test_a_reason_is_one_line(self):
+        self.invalid(ALERT + " WHERE\tEventID = 'a' 'b\tc'", "unexpected token 'b\\tc' found (line 1, column 55)")
+
+
+class Warnings(ValidateCase):
+    def test_what_never_matches(self):
+        self.warned(ALERT + " WHERE EventID = 'a' OR EventID = 'b'", "a filter that uses OR never matches")
+        self.warned(ALERT + " WHERE NOT EventID = 'a'", "a condition under NOT never matches")
+        self.warned(ALERT + " WHERE EventID LIKE 'a'", "a condition with LIKE never matches")
+        self.warned(ALERT + " WHERE EventID IS NULL", "a condition with IS NULL never matches")
+        self.warned(ALERT + " WHERE (EventID IS NOT NULL)", "a condition with IS NOT NULL never matches")
+
+    def test_names_that_validation_does_not_look_at(self):
+        self.warned("SELECT * FROM CIM_InstCreation WHERE SurceInstance.Id = 'x'",
+                    "SurceInstance is neither a class of FROM nor a property of one: it never matches; "
+                    "did you mean SourceInstance? (line 1, column 38)")
+        self.warned("SELECT * FROM CIM_InstCreation AS i WHERE i.Wheels = 'x'",
+                    "Wheels is no property of CIM_InstCreation: it never matches (line 1, column 45)")
+        self.warned("SELECT * FROM CIM_InstCreation WHERE SourceInstance ISA CIM_AlertIndicatoin",
+                    "CIM_AlertIndicatoin is no class of root/cimv2: did you mean CIM_AlertIndication? (line 1, column 57)")
+        self.warned("SELECT * FROM CIM_InstCreation WHERE SourceInstance ISA 'CIM_AlertIndicatoin'",
+                    "CIM_AlertIndicatoin is no class of root/cimv2: did you mean CIM_AlertIndication? (line 1, column 57)")
+
+    def test_characters_that_the_language_does_not_know(self):
+        self.warned(ALERT + " | WHERE EventID = 'a'", "passed over, since the language does not know it: |")
+        self.warned(ALERT + " 'open\n WHERE EventID = 'a'", "passed over: a string that does not end in its line")
+
+
+class Files(ValidateCase):
+    FILTERS = (ALERT + "\r\n\n  SELECT * FROM Nope\n" + ALERT + " WHERE NOT EventID = 'a'\n").encode()
+    LINES = ("valid\tCIM_AlertIndication\t*\ninvalid\tNope is no class of root/cimv2 (line 3, column 17)\n"
+             "valid\tCIM_AlertIndication\t*\n")
+    WARNING = "qorql: warning: line 4: a condition under NOT never matches\n"
+
+    def test_a_line_for_each_filter(self):
+        for option in ("-f", "--file"):
+            result = self.validate(option, self.write("filters.txt", b"\xef\xbb\xbf" + self.FILTERS))
+            self.assertEqual((result.status, result.out, result.err), (1, self.LINES, self.WARNING))
+
+    def test_standard_input(self):
+        result = self.validate(stdin=self.FILTERS)
+        self.assertEqual((result.status, result.out, result.err), (1, self.LINES, self.WARNING))
+
+    def test_all_valid(self):
+        self.assertEqual(self.succeed(self.validate(stdin=ALERT)), "valid\tCIM_AlertIndication\t*\n")
+        self.assertEqual(self.succeed(self.validate(stdin="\n")), "")
+
+
+class Usage(ValidateCase):
+    def wrong(self, *arguments, says):
+        result = self.run_tool("validate", *arguments)
+        self.assertEqual((result.status, result.out), (2, ""))
+        self.assertEqual(result.err.splitlines()[-1], "Try qorql validate --help.")
+        self.assertIn(says, result.err)
+
+    def test_wrong_usage(self):
+        self.wrong("-f", says="--file")
+        self.wrong("-f", "nowhere.txt", says="nowhere.txt")
+        self.wrong("-f", SCHEMA, ALERT, says="--file")
+        self.wrong("-q", says="--language")
+        self.wrong(ALERT, ALERT, says="SELECT")
+        self.wrong("--no-such", says="--no-such")
+
+    def test_a_schema_that_fails(self):
+        result = self.validate("-m", self.write("bad.mof", "class"), ALERT)
+        self.assertEqual((result.status, result.out), (3, ""))
+
+    def test_help(self):
+        text = self.succeed(self.run_tool("validate", "--help"))
+        for part in ("--language", "--file", "--mof", "Exit status"):
+            self.assertIn(part, text)
+
+
+if __name__ == "__main__":
+    toolcase.main()

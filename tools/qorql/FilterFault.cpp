@@ -1,0 +1,146 @@
+// Why a filter is refused, in words.
+#include "FilterFault.h"
+
+#include "Suggestion.h"
+
+namespace {
+
+std::string plain(const QORString& text) { return std::string(text.view()); }
+
+std::string didYouMean(const std::string& name) { return name.empty() ? "" : ": did you mean " + name + "?"; }
+
+bool isRelation(const FilterText& text, std::size_t piece) {
+  for (const char* sign : {"=", "<>", "!=", "<", ">", "<=", ">=", "LIKE"}) {
+    if (text.is(piece, sign)) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+std::string FilterFault::describe(const CQLQueryFault& fault) const {
+  const std::string name = plain(fault.name);
+  if (fault.kind == CQLQueryFault::kLanguage) {
+    return "'" + name + "' is no language of filters: use DMTF:CQL, CQL or WQL";
+  }
+  if (fault.kind == CQLQueryFault::kSyntax) return describeSyntax(fault);
+  // A class that does not exist has no properties either: it is the cause.
+  if (const FilterText::Source* const source = unknownSource()) return describeClass(*source);
+  switch (fault.kind) {
+    case CQLQueryFault::kProperty:
+      return describeProperty(fault);
+    case CQLQueryFault::kAmbiguous:
+      return describeAmbiguous(name);
+    case CQLQueryFault::kQualifier:
+      return describeQualifier(name);
+    default:
+      return plain(fault.message);
+  }
+}
+
+std::string FilterFault::describeSyntax(const CQLQueryFault& fault) const {
+  std::string reason = plain(fault.message);
+  if (fault.offset == CQLQueryFault::kNoOffset) return reason;
+  const std::string_view rest = _text.text().substr(std::min<std::size_t>(fault.offset, _text.text().size()));
+  const std::size_t close = rest.empty() || rest[0] != '"' ? std::string_view::npos : rest.find('"', 1);
+  if (close != std::string_view::npos) reason += didYouMean("'" + std::string(rest.substr(1, close - 1)) + "'");
+  return reason + " (" + _text.place(fault.offset) + (rest.empty() ? ", at the end)" : ")");
+}
+
+const FilterText::Source* FilterFault::unknownSource() const {
+  for (const FilterText::Source& source : _text.sources()) {
+    if (_manager.sink().findClass(_nameSpace, QORString(source.className)).IsNull()) return &source;
+  }
+  return nullptr;
+}
+
+std::string FilterFault::describeClass(const FilterText::Source& source) const {
+  const std::string place = " (" + _text.place(source.offset) + ")";
+  const std::string reason = source.className + " is no class of " + plain(_nameSpace);
+  for (const QORString& other : _manager.namespaces()) {
+    if (!_manager.sink().findClass(other, QORString(source.className)).IsNull()) {
+      return reason + " but one of " + plain(other) + place;
+    }
+  }
+  Suggestion suggestion(source.className);
+  for (const QORString& name : _manager.classNames(_nameSpace)) suggestion.consider(name.view());
+  return reason + didYouMean(suggestion.best()) + place;
+}
+
+std::vector<QORString> FilterFault::classesOf(const CQLQueryFault& fault) const {
+  if (!fault.className.isEmpty()) return {fault.className};
+  std::vector<QORString> classes;
+  for (const FilterText::Source& source : _text.sources()) classes.emplace_back(source.className);
+  return classes;
+}
+
+std::string FilterFault::namesOf(const std::vector<QORString>& classes) const {
+  std::string names;
+  for (const QORString& name : classes) {
+    const QORSmrPtr<IQoriClass> known = _manager.sink().findClass(_nameSpace, name);
+    names += (names.empty() ? "" : " or ") + plain(known.IsNull() ? name : known->getClassName());
+  }
+  return names;
+}
+
+std::string FilterFault::suggestProperty(const std::string& name, const std::vector<QORString>& classes) const {
+  Suggestion suggestion(name);
+  for (const QORString& className : classes) {
+    for (const CimPropertyDeclaration& property : _manager.allProperties(_nameSpace, className)) {
+      suggestion.consider(property.name.view());
+    }
+  }
+  return suggestion.best();
+}
+
+// A name that is compared with another name may be a text without its quotes.
+bool FilterFault::looksLikeText(std::size_t piece) const {
+  if (piece == FilterText::kNowhere || piece < _text.behindFrom()) return false;
+  const auto isName = [this](std::size_t other) {
+    return _text.isWord(other) && !_text.is(other, "TRUE") && !_text.is(other, "FALSE");
+  };
+  const bool isRight = piece >= 2 && isRelation(_text, piece - 1) && (isName(piece - 2) || _text.is(piece - 2, "]"));
+  return isRight || (isRelation(_text, piece + 1) && isName(piece + 2));
+}
+
+std::string FilterFault::describeProperty(const CQLQueryFault& fault) const {
+  const std::size_t piece = _text.findReference(fault.name.view());
+  const std::string name = spelling(piece, plain(fault.name));
+  const std::vector<QORString> classes = classesOf(fault);
+  std::string meant = suggestProperty(name, classes);
+  if (meant.empty() && looksLikeText(piece)) meant = "'" + name + "'";
+  return name + " is no property of " + namesOf(classes) + didYouMean(meant) + placeOf(piece);
+}
+
+std::string FilterFault::describeAmbiguous(const std::string& name) const {
+  const std::size_t piece = _text.findReference(name);
+  std::string choices;
+  for (const FilterText::Source& source : _text.sources()) {
+    for (const CimPropertyDeclaration& property : _manager.allProperties(_nameSpace, QORString(source.className))) {
+      if (!QORString::equalIgnoringCase(property.name.view(), name)) continue;
+      const std::string& qualifier = source.alias.empty() ? source.className : source.alias;
+      choices += (choices.empty() ? "" : " or ") + qualifier + "." + plain(property.name);
+    }
+  }
+  return spelling(piece, name) + " is a property of more than one class: write " + choices + placeOf(piece);
+}
+
+std::string FilterFault::describeQualifier(const std::string& name) const {
+  const std::size_t piece = _text.findWord(name);
+  const std::string written = spelling(piece, name);
+  Suggestion suggestion(written);
+  for (const FilterText::Source& source : _text.sources()) {
+    suggestion.consider(source.className);
+    suggestion.consider(source.alias);
+  }
+  return written + " is neither a class of FROM nor a property that holds an object" + didYouMean(suggestion.best()) +
+         placeOf(piece);
+}
+
+std::string FilterFault::spelling(std::size_t piece, const std::string& name) const {
+  return piece == FilterText::kNowhere ? name : std::string(_text.pieces()[piece].text);
+}
+
+std::string FilterFault::placeOf(std::size_t piece) const {
+  return piece == FilterText::kNowhere ? "" : " (" + _text.place(_text.pieces()[piece].offset) + ")";
+}

@@ -1,0 +1,45 @@
+// Why a filter is refused, in words.
+#ifndef QORQL_TOOL_FILTERFAULT_H
+#define QORQL_TOOL_FILTERFAULT_H
+
+#include <string>
+#include <vector>
+
+#include "Cimom/Embedded/EmbeddedObjectManager.h"
+#include "Cimom/QORQL/CQLQueryFault.h"
+#include "FilterText.h"
+
+// Names what is at fault, what may have been meant and where it stands:
+// "Owner is no property of CIM_AlertIndication: did you mean OwningEntity? (line 1, column 43)".
+// BORROWS all it is given.
+class FilterFault {
+ public:
+  FilterFault(EmbeddedObjectManager& manager, const QORString& nameSpace, const FilterText& text)
+      : _manager(manager), _nameSpace(nameSpace), _text(text) {}
+
+  std::string describe(const CQLQueryFault& fault) const;
+
+ private:
+  std::string describeSyntax(const CQLQueryFault& fault) const;
+  std::string describeClass(const FilterText::Source& source) const;
+  std::string describeProperty(const CQLQueryFault& fault) const;
+  std::string describeAmbiguous(const std::string& name) const;
+  std::string describeQualifier(const std::string& name) const;
+  // The first class of FROM that does not exist; null when all do.
+  const FilterText::Source* unknownSource() const;
+  // The classes that were asked for the property at fault.
+  std::vector<QORString> classesOf(const CQLQueryFault& fault) const;
+  std::string namesOf(const std::vector<QORString>& classes) const;
+  std::string suggestProperty(const std::string& name, const std::vector<QORString>& classes) const;
+  bool looksLikeText(std::size_t piece) const;
+  // The name as the text has it at that piece.
+  std::string spelling(std::size_t piece, const std::string& name) const;
+  // " (line 1, column 2)"; empty when the piece is nowhere.
+  std::string placeOf(std::size_t piece) const;
+
+  EmbeddedObjectManager& _manager;
+  const QORString _nameSpace;
+  const FilterText& _text;
+};
+
+#endif

@@ -1,0 +1,17 @@
+// What the command line says to the commands that take a filter.
+#ifndef QORQL_TOOL_FILTEROPTIONS_H
+#define QORQL_TOOL_FILTEROPTIONS_H
+
+#include <string>
+
+#include "SessionOptions.h"
+
+struct FilterOptions {
+  SessionOptions session;
+  std::string language = "DMTF:CQL";
+};
+
+// BORROWS the options until the command line has been parsed.
+void declareFilterOptions(CLI::App& app, FilterOptions& options);
+
+#endif

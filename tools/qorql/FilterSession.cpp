@@ -1,0 +1,58 @@
+// An object manager that knows indications, and filters checked against it.
+#include "FilterSession.h"
+
+#include <iostream>
+
+#include "Cimom/Mof/MofLoader.h"
+#include "Cimom/Providers/IndicationSchema.h"
+#include "Cimom/Providers/LinuxProviders.h"
+#include "FilterFault.h"
+#include "FilterText.h"
+#include "FilterWarnings.h"
+#include "ScannerOutput.h"
+#include "TableWriter.h"
+
+void FilterSession::open() {
+  _session.open();
+  LinuxSchemaSink sink(manager().sink());
+  try {
+    MofLoader(sink, nameSpace()).loadText(indicationSchemaMof(), "indications");
+  } catch (const QoriBaseException& error) {
+    const std::string_view message = error.getMessage().view();
+    if (_options.session.isQuiet) return;
+    std::cerr << "qorql: warning: Without indications, which do not fit the MOF files: "
+              << printableText(message.substr(0, message.find('\n'))) << '\n';
+  }
+}
+
+CheckedFilter FilterSession::check(const std::string& text, QORuint32 firstLine) {
+  CheckedFilter checked;
+  checked.statement =
+      std::make_unique<CQLQueryStatement>(QORString(_options.language), QORString(text), nameSpace(), nameSpace());
+  {
+    const ScannerOutput scanner;
+    checked.statement->validate();
+    const std::string unknown = scanner.unknownCharacters();
+    if (!unknown.empty()) checked.warnings.push_back("passed over, since the language does not know it: " + unknown);
+    if (scanner.isStringOpen()) {
+      checked.warnings.emplace_back("passed over: a string that does not end in its line");
+    }
+  }
+  _session.dropWarnings();
+  const FilterText filter(text, firstLine);
+  const CQLQueryFault& fault = checked.statement->getFault();
+  if (fault.kind != CQLQueryFault::kNone) {
+    checked.reason = printableText(FilterFault(manager(), nameSpace(), filter).describe(fault));
+  } else {
+    const std::vector<std::string> more = FilterWarnings(manager(), nameSpace(), filter).of(*checked.statement);
+    checked.warnings.insert(checked.warnings.end(), more.begin(), more.end());
+  }
+  return checked;
+}
+
+void FilterSession::printWarnings(const CheckedFilter& filter, const std::string& place) const {
+  if (_options.session.isQuiet) return;
+  for (const std::string& warning : filter.warnings) {
+    std::cerr << "qorql: warning: " << place << printableText(warning) << '\n';
+  }
+}

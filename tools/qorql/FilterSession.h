@@ -1,0 +1,43 @@
+// An object manager that knows indications, and filters checked against it.
+#ifndef QORQL_TOOL_FILTERSESSION_H
+#define QORQL_TOOL_FILTERSESSION_H
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Cimom/QORQL/CQLQueryStatement.h"
+#include "FilterOptions.h"
+#include "Session.h"
+
+// A filter that has been validated.
+struct CheckedFilter {
+  std::unique_ptr<CQLQueryStatement> statement;
+  std::string reason;                 // why it is refused; empty for a valid one
+  std::vector<std::string> warnings;  // of a valid one that is hardly meant so
+};
+
+// Made once, then opened. BORROWS the options.
+class FilterSession {
+ public:
+  explicit FilterSession(const FilterOptions& options) : _options(options), _session(options.session) {}
+
+  // Opens the session and adds the classes of indications that it lacks. THROWS
+  // QoriBaseException as Session::open.
+  void open();
+
+  // Validates a filter; places in the reason count from the given line.
+  CheckedFilter check(const std::string& text, QORuint32 firstLine = 1);
+  // Prints the warnings of a filter on standard error, after what `place` says.
+  void printWarnings(const CheckedFilter& filter, const std::string& place = "") const;
+
+  EmbeddedObjectManager& manager() { return _session.manager(); }
+  Session& session() { return _session; }
+  QORString nameSpace() const { return QORString(_options.session.nameSpace); }
+
+ private:
+  const FilterOptions& _options;
+  Session _session;
+};
+
+#endif

@@ -1,0 +1,34 @@
+// What is suspicious about a valid filter.
+#ifndef QORQL_TOOL_FILTERWARNINGS_H
+#define QORQL_TOOL_FILTERWARNINGS_H
+
+#include <string>
+#include <vector>
+
+#include "Cimom/Embedded/EmbeddedObjectManager.h"
+#include "Cimom/QORQL/CQLQueryStatement.h"
+#include "FilterText.h"
+
+// A filter may be valid and yet never match: names behind a dot and classes
+// behind ISA are not checked by its validation. BORROWS all it is given.
+class FilterWarnings {
+ public:
+  FilterWarnings(EmbeddedObjectManager& manager, const QORString& nameSpace, const FilterText& text)
+      : _manager(manager), _nameSpace(nameSpace), _text(text) {}
+
+  // REQUIRES a validated statement.
+  std::vector<std::string> of(const CQLQueryStatement& statement);
+
+ private:
+  void checkClass(std::size_t piece, std::string_view name);
+  void checkReference(std::size_t piece);
+  bool hasProperty(const std::string& className, std::string_view property) const;
+  void warn(const std::string& warning, std::size_t piece);
+
+  EmbeddedObjectManager& _manager;
+  const QORString _nameSpace;
+  const FilterText& _text;
+  std::vector<std::string> _warnings;
+};
+
+#endif

@@ -1,0 +1,98 @@
+// Asks a filter about the instances of MOF files.
+#include "MatchCommand.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <iterator>
+
+#include "Cimom/Mof/MofLoader.h"
+#include "ErrorReport.h"
+#include "ExitStatus.h"
+#include "FilterSession.h"
+#include "OptionChecks.h"
+#include "TableWriter.h"
+
+namespace {
+
+constexpr const char* kDescription = "Tells which instances, such as indications, a filter matches.";
+
+constexpr const char* kFooter =
+    "FILEs hold instances as MOF text; \"-\", or no FILE at all, is standard input. The schema\n"
+    "comes with --mof. The instances need no keys and are not stored. Prints a line for each:\n"
+    "its path, a tab, and \"match\" or \"no match\".\n"
+    "\n"
+    "Exit status: 0 every instance was decided; 1 the filter is not valid; 2 wrong usage;\n"
+    "3 MOF or configuration failure.\n"
+    "\n"
+    "Example:\n"
+    "  qorql match --why \"SELECT * FROM CIM_AlertIndication WHERE MessageID = 'FC1'\" alerts.mof";
+
+constexpr const char* kStandardInput = "-";
+
+struct MatchOptions {
+  FilterOptions filter;
+  std::string text;
+  std::vector<std::string> files;
+  bool isWhy = false;
+};
+
+using Instances = std::vector<QORSmrPtr<IQoriObject>>;
+
+// The class path of an instance that lacks a key.
+std::string pathOf(const IQoriObject& instance) {
+  const QORSmrPtr<IQoriInstanceName> name(instance.getInstanceName());
+  if (!name.IsNull()) return std::string(name->toString().view());
+  return std::string(instance.getNameSpace().view()) + ":" + std::string(instance.getClassName().view());
+}
+
+Instances readInstances(FilterSession& session, const std::string& file) {
+  MofLoader loader(session.manager().sink(), session.nameSpace());
+  if (file != kStandardInput) return loader.readInstanceFile(file);
+  const std::string text{std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>()};
+  return loader.readInstances(text, "standard input");
+}
+
+void decide(const CQLQueryStatement& filter, const Instances& instances, bool isWhy) {
+  for (const QORSmrPtr<IQoriObject>& instance : instances) {
+    if (!std::cout) return;
+    std::string why;
+    const QORString nameSpace(instance->getNameSpace());
+    const bool isMatch = isWhy ? filter.explainMatch(instance, nameSpace, why) : filter.isMatch(instance, nameSpace);
+    std::cout << printableText(pathOf(*instance)) << (isMatch ? "\tmatch" : "\tno match");
+    if (!why.empty()) std::cout << '\t' << printableText(why);
+    std::cout << '\n';
+  }
+}
+
+int runMatch(const MatchOptions& options) {
+  FilterSession session(options.filter);
+  try {
+    session.open();
+    const CheckedFilter filter = session.check(options.text);
+    if (!filter.reason.empty()) return reportInvalidFilter(filter.reason);
+    session.printWarnings(filter);
+    // All are read before the first is decided: a file with a fault decides nothing.
+    std::vector<Instances> files;
+    for (const std::string& file : options.files) files.push_back(readInstances(session, file));
+    for (const Instances& instances : files) decide(*filter.statement, instances, options.isWhy);
+  } catch (...) {
+    return reportStartFailure();
+  }
+  return kExitDone;
+}
+
+}  // namespace
+
+CommandAction declareMatchCommand(CLI::App& app) {
+  const auto options = std::make_shared<MatchOptions>();
+  app.description(kDescription);
+  app.footer(kFooter);
+  declareFilterOptions(app, options->filter);
+  declareFlag(app, "--why", options->isWhy, "Tell the first condition that failed and the values it compared");
+  app.add_option("FILTER", options->text, "The filter")->type_name(" ")->required();
+  app.add_option("FILE", options->files, "MOF files with instances")->type_name(" ");
+  return [options] {
+    if (options->files.empty()) options->files.emplace_back(kStandardInput);
+    return runMatch(*options);
+  };
+}

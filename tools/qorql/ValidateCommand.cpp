@@ -1,0 +1,143 @@
+// Validates filters and prints a line for each.
+#include "ValidateCommand.h"
+
+#include <CLI/CLI.hpp>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <optional>
+
+#include "ErrorReport.h"
+#include "ExitStatus.h"
+#include "FilterSession.h"
+#include "OptionChecks.h"
+#include "Statements.h"
+#include "cimom/CQoriInstanceName.h"
+
+namespace {
+
+constexpr const char* kDescription =
+    "Tells whether a filter of indications is valid, and which classes and properties it needs.";
+
+constexpr const char* kFooter =
+    "Prints a line for each filter: \"valid\", the classes of FROM and the properties that the\n"
+    "filter uses (* for all of them), or \"invalid\" and the reason; separated by tabs.\n"
+    "Without FILTER and --file, filters are read from standard input, one a line.\n"
+    "\n"
+    "Exit status: 0 every filter is valid; 1 one is not; 2 wrong usage; 3 MOF or\n"
+    "configuration failure.\n"
+    "\n"
+    "Example:\n"
+    "  qorql validate \"SELECT * FROM CIM_AlertIndication WHERE OwningEntity = 'SNIA'\"";
+
+struct ValidateOptions {
+  FilterOptions filter;
+  std::optional<std::string> text;  // none: the file, else standard input
+  std::string file;                 // empty: none
+};
+
+std::string joined(const std::vector<std::string>& names) {
+  std::string text;
+  for (const std::string& name : names) text += (text.empty() ? "" : ",") + name;
+  return text;
+}
+
+class Validation {
+ public:
+  explicit Validation(FilterSession& session) : _session(session) {}
+
+  // Prints one line.
+  void validate(const std::string& text, QORuint32 line, bool isOneOfMany) {
+    const CheckedFilter filter = _session.check(text, line);
+    if (!filter.reason.empty()) {
+      _areAllValid = false;
+      std::cout << "invalid\t" << filter.reason << '\n';
+      return;
+    }
+    std::cout << "valid\t" << needsOf(*filter.statement) << '\n';
+    _session.printWarnings(filter, isOneOfMany ? "line " + std::to_string(line) + ": " : "");
+  }
+  // One filter a line, blank lines left out.
+  void validateLines(std::istream& in) {
+    const std::string text = normaliseText({std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()});
+    std::istringstream lines(text);
+    std::string line;
+    for (QORuint32 number = 1; std::getline(lines, line) && std::cout; ++number) {
+      if (line.find_first_not_of(" \t") != std::string::npos) validate(line, number, true);
+    }
+  }
+  bool areAllValid() const noexcept { return _areAllValid; }
+
+ private:
+  QORString declaredName(const QORString& className) const {
+    const QORSmrPtr<IQoriClass> found = _session.manager().sink().findClass(_session.nameSpace(), className);
+    return found.IsNull() ? className : found->getClassName();
+  }
+  // The names as the class declares them.
+  std::vector<std::string> propertiesOf(const CQLQueryStatement& statement, const QORSmrPtr<IQoriInstanceName>& name,
+                                        const std::string& prefix) const {
+    const IQueryStatement::PropertyNames needed(statement.getPropertyList(name));
+    if (needed.IsNull()) return {prefix + "*"};
+    std::vector<std::string> properties;
+    QORValSlistIterator<QORString> iterator(*needed);
+    while (++iterator) {
+      CimPropertyDeclaration declared;
+      const bool isDeclared = _session.manager().sink().describeProperty(_session.nameSpace(), name->getClassName(),
+                                                                         iterator.key(), declared);
+      properties.push_back(prefix + std::string((isDeclared ? declared.name : iterator.key()).view()));
+    }
+    return properties;
+  }
+  std::string needsOf(const CQLQueryStatement& statement) const {
+    const CQLQueryStatement::ClassList classes(statement.getClassList());
+    std::vector<std::string> names;
+    std::vector<std::string> properties;
+    QORValSlistIterator<QORSmrPtr<IQoriInstanceName>> iterator(*classes);
+    while (++iterator) {
+      names.emplace_back(declaredName(iterator.key()->getClassName()).view());
+      const std::string prefix = classes->entries() > 1 ? names.back() + "." : "";
+      for (std::string& property : propertiesOf(statement, iterator.key(), prefix)) {
+        properties.push_back(std::move(property));
+      }
+    }
+    return joined(names) + '\t' + joined(properties);
+  }
+
+  FilterSession& _session;
+  bool _areAllValid = true;
+};
+
+int runValidate(const ValidateOptions& options) {
+  if (options.text && !options.file.empty()) throw CLI::ExcludesError("FILTER", "--file");
+  FilterSession session(options.filter);
+  try {
+    session.open();
+  } catch (...) {
+    return reportStartFailure();
+  }
+  Validation validation(session);
+  if (options.text) {
+    validation.validate(*options.text, 1, false);
+  } else if (options.file.empty()) {
+    validation.validateLines(std::cin);
+  } else {
+    std::ifstream file(options.file, std::ios::binary);
+    validation.validateLines(file);
+  }
+  return validation.areAllValid() ? kExitDone : kExitRefused;
+}
+
+}  // namespace
+
+CommandAction declareValidateCommand(CLI::App& app) {
+  const auto options = std::make_shared<ValidateOptions>();
+  app.description(kDescription);
+  app.footer(kFooter);
+  declareFilterOptions(app, options->filter);
+  app.add_option("-f,--file", options->file, "Read filters from a file, one a line")
+      ->type_name("FILE")
+      ->check(check(checkFile));
+  const auto takeText = [options](const std::string& text) { options->text = text; };
+  app.add_option_function<std::string>("FILTER", takeText, "One filter")->type_name(" ");
+  return [options] { return runValidate(*options); };
+}
