@@ -53,11 +53,6 @@ int reportFailure(const Statement& statement) noexcept {
   return kExitRefused;
 }
 
-int reportInvalidFilter(const std::string& reason) {
-  printError("the filter is not valid: " + reason, "");
-  return kExitRefused;
-}
-
 // MOF faults come with the source line under each, so their lines stay.
 int reportStartFailure() noexcept {
   try {

@@ -14,8 +14,6 @@
 int reportFailure(const Statement& statement) noexcept;
 // `qorql: error: <message>`: of MOF, configuration or the live classes.
 int reportStartFailure() noexcept;
-// `qorql: error: the filter is not valid: <reason>`.
-int reportInvalidFilter(const std::string& reason);
 
 // `qorql: error: <message>`: what is asked for cannot be had. Returns the exit
 // status; there is no exception behind it.

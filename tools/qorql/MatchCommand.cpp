@@ -69,7 +69,7 @@ int runMatch(const MatchOptions& options) {
   try {
     session.open();
     const CheckedFilter filter = session.check(options.text);
-    if (!filter.reason.empty()) return reportInvalidFilter(filter.reason);
+    if (!filter.reason.empty()) return reportRefusal("the filter is not valid: " + filter.reason);
     session.printWarnings(filter);
     // All are read before the first is decided: a file with a fault decides nothing.
     std::vector<Instances> files;
