@@ -8,6 +8,7 @@
 
 #include <array>
 #include <typeinfo>
+#include <utility>
 #include <vector>
 
 #include "Cimom/Model/ModelInstance.h"
@@ -28,9 +29,9 @@ class RestrictionMemo {
   const QORSmrPtr<ModelRestriction>& find(const ModelLayout& layout, const QORValSlist<QORString>& names) {
     Entry& entry = _entries[(layout.serial() ^ reinterpret_cast<std::size_t>(&names) / 64) % _entries.size()];
     if (entry.serial != layout.serial() || !(entry.names == names)) {
-      entry.restriction = layout.restrictTo(names);
-      entry.names = names;
-      entry.serial = layout.serial();
+      // Made whole first: an entry that is half changed would answer wrongly for good.
+      Entry fresh{layout.serial(), names, layout.restrictTo(names)};
+      entry = std::move(fresh);
     }
     return entry.restriction;
   }

@@ -85,30 +85,40 @@ void CQLQueryStatement::checkQuery() {
   }
 }
 
-QUERY_VALIDATE CQLQueryStatement::validate() {
-  if (queryParsed) return queryValidateStatus;
-  if (!isSupported(_queryLang)) {
-    queryValidateStatus = QUERY_UNSUPPORTED_LANGUAGE;
-    _fault.kind = CQLQueryFault::kLanguage;
-    _fault.name = _queryLang;
-    refuse(kValidateCall, "Unsupported Query Language");
-    return queryValidateStatus;
-  }
-  QORString message;
-  try {
-    parseQuery();
-    checkQuery();
-    return queryValidateStatus;
-  } catch (const QoriBaseException& error) {
-    message = error.getMessage();
-  } catch (const std::exception& error) {
-    message = error.what();
-  } catch (...) {
-    message = "unknown exception";
-  }
+// There may be no memory to say what failed; that it failed is kept.
+void CQLQueryStatement::refuseForCurrentException() noexcept {
   queryParsed = true;
   queryValidateStatus = QUERY_INVALID_QUERY;
-  refuse(kValidate, message);
+  try {
+    try {
+      throw;
+    } catch (const QoriBaseException& error) {
+      refuse(kValidate, error.getMessage());
+    } catch (const std::exception& error) {
+      refuse(kValidate, error.what());
+    } catch (...) {
+      refuse(kValidate, "unknown exception");
+    }
+  } catch (const std::bad_alloc&) {
+    return;
+  }
+}
+
+QUERY_VALIDATE CQLQueryStatement::validate() {
+  if (queryParsed) return queryValidateStatus;
+  try {
+    if (isSupported(_queryLang)) {
+      parseQuery();
+      checkQuery();
+    } else {
+      queryValidateStatus = QUERY_UNSUPPORTED_LANGUAGE;
+      _fault.kind = CQLQueryFault::kLanguage;
+      _fault.name = _queryLang;
+      refuse(kValidateCall, "Unsupported Query Language");
+    }
+  } catch (...) {
+    refuseForCurrentException();
+  }
   return queryValidateStatus;
 }
 

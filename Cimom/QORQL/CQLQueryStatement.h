@@ -118,6 +118,7 @@ class CQLQueryStatement : public IQueryStatement {
   void checkQuery();
   // Logs the message, which is also the fault's when nothing better is known.
   void refuse(const char* who, const QORString& message);
+  void refuseForCurrentException() noexcept;
   const QORQL_SelectList& selectList() const;
   const QORQL_FromClause& fromClause() const;
   CQLQueryExceptionCode buildClassList(ClassList& list) const;

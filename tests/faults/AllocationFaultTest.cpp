@@ -1,0 +1,137 @@
+// Every allocation of a query and of a match fails once, alone or with all after
+// it. What comes out is the result, or an error that says so; nothing leaks, and
+// the next run is as if nothing had been.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <thread>
+
+#include "AllocationFaults.h"
+#include "FaultRun.h"
+
+namespace {
+
+constexpr unsigned long kNever = ~0UL;
+constexpr int kWarmUps = 10;  // until the object manager's caches hold what they will
+
+using Mode = QORQL_DataTable::ExecutionMode;
+
+// A row function that cannot be computed leaves the value of the row before; the column after them is untouched.
+bool differsInRowFunctions(const FaultOutcome& outcome, const FaultOutcome& expected) {
+  const auto last = [](const std::string& row) { return row.substr(row.rfind('|')); };
+  return outcome.error.empty() &&
+         std::equal(outcome.rows.begin(), outcome.rows.end(), expected.rows.begin(), expected.rows.end(),
+                    [&](const std::string& a, const std::string& b) { return last(a) == last(b); });
+}
+
+// Failures that the engine reports by log line and goes on, or by an error of its own.
+bool isStated(const std::string& query, const FaultOutcome& outcome, const FaultOutcome& expected) {
+  if (outcome == expected || outcome.error == "std: std::bad_alloc") return true;
+  if (query.find("OBJECTPATH") != query.npos && differsInRowFunctions(outcome, expected)) return true;
+  if (outcome.error == "runtime 3: Caught an exception while sorting the data.") return true;
+  return outcome.hasLogged("Caught an exception occured while building the results table.") ||
+         outcome.hasLogged("Caught an exception occured while streaming the data.") ||
+         outcome.hasLogged("An unknown exception occured when retrieving") ||
+         outcome.hasLogged("GetInstance failed while evaluating row for function 'INSTANCEOF'");
+}
+
+// Blocks that an action leaves behind each time. A first time may fill a cache of the object manager.
+template <class Action>
+long leakOf(Action action) {
+  const long before = AllocationFaults::live();
+  action();
+  if (AllocationFaults::live() == before) return 0;
+  const long once = AllocationFaults::live();
+  action();
+  return AllocationFaults::live() - once;
+}
+
+// In a thread of its own, so that what the object manager keeps for a thread is gone afterwards.
+template <class Action>
+void inThread(Action action) {
+  std::thread(action).join();
+}
+
+class FailingQuery : public testing::TestWithParam<std::tuple<std::size_t, Mode, bool>> {
+ protected:
+  // Whether an allocation failed.
+  bool failAt(unsigned long k, const FaultOutcome& expected) {
+    const auto [index, mode, isLasting] = GetParam();
+    AllocationFaults::arm(k, isLasting);
+    const FaultOutcome outcome = world.query(kFaultQueries.at(index), mode);
+    AllocationFaults::disarm();
+    const bool hasFailed = AllocationFaults::hasFailed();
+    EXPECT_TRUE(hasFailed ? isStated(kFaultQueries.at(index), outcome, expected) : outcome == expected)
+        << testing::PrintToString(outcome);
+    EXPECT_EQ(world.query(kFaultQueries.at(index), mode), expected) << "the query after the failure";
+    return hasFailed;
+  }
+
+  FaultWorld world;
+};
+
+TEST_P(FailingQuery, AtEveryAllocation) {
+  const auto [index, mode, isLasting] = GetParam();
+  const FaultOutcome expected = world.query(kFaultQueries.at(index), mode);
+  for (int i = 0; i < kWarmUps; ++i) inThread([&] { failAt(kNever, expected); });
+  bool hasFailed = true;
+  for (unsigned long k = 1; hasFailed; ++k) {
+    EXPECT_EQ(leakOf([&] { inThread([&, k] { hasFailed = failAt(k, expected); }); }), 0) << "blocks leak";
+    if (HasFailure()) FAIL() << "allocation " << k << " of " << kFaultQueries.at(index);
+    ASSERT_TRUE(hasFailed || k > 20) << "faults struck";
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, FailingQuery,
+                         testing::Combine(testing::Range<std::size_t>(0, kFaultQueries.size()),
+                                          testing::Values(QORQL_DataTable::kExecutionLazy,
+                                                          QORQL_DataTable::kExecutionPlain),
+                                          testing::Bool()));
+
+// A match says no where it cannot know, validation refuses, lists throw.
+bool isStatedStep(const std::string& step, const std::string& expected) {
+  return step == expected || step == "no match" || step == "validity " + std::to_string(QUERY_INVALID_QUERY) ||
+         step == "std: std::bad_alloc" || step.ends_with("CQL internal error") ||
+         step.ends_with("query is not validated ");
+}
+
+class FailingMatch : public testing::TestWithParam<std::tuple<std::size_t, bool>> {
+ protected:
+  // Whether an allocation failed.
+  bool failAt(unsigned long k, const QORSmrPtr<IQoriObject>& indication, const FaultOutcome& expected) {
+    const auto [index, isLasting] = GetParam();
+    AllocationFaults::arm(k, isLasting);
+    const FaultOutcome outcome = world.match(kFaultFilters.at(index), indication);
+    AllocationFaults::disarm();
+    const bool hasFailed = AllocationFaults::hasFailed();
+    EXPECT_TRUE(hasFailed || outcome == expected) << testing::PrintToString(outcome);
+    EXPECT_NE(outcome.rows.at(0), "std: std::bad_alloc") << "validation never throws";
+    for (std::size_t i = 0; i < outcome.rows.size(); ++i) {
+      EXPECT_TRUE(isStatedStep(outcome.rows[i], expected.rows.size() > i ? expected.rows[i] : ""))
+          << testing::PrintToString(outcome);
+    }
+    EXPECT_EQ(world.match(kFaultFilters.at(index), indication), expected) << "the match after the failure";
+    return hasFailed;
+  }
+  void failAtEach(const QORSmrPtr<IQoriObject>& indication) {
+    const FaultOutcome expected = world.match(kFaultFilters.at(std::get<0>(GetParam())), indication);
+    for (int i = 0; i < kWarmUps; ++i) inThread([&] { failAt(kNever, indication, expected); });
+    bool hasFailed = true;
+    for (unsigned long k = 1; hasFailed; ++k) {
+      EXPECT_EQ(leakOf([&] { inThread([&, k] { hasFailed = failAt(k, indication, expected); }); }), 0) << "blocks leak";
+      if (HasFailure()) FAIL() << "allocation " << k << " of " << kFaultFilters.at(std::get<0>(GetParam()));
+      ASSERT_TRUE(hasFailed || k > 20) << "faults struck";
+    }
+  }
+
+  FaultWorld world;
+};
+
+TEST_P(FailingMatch, AtEveryAllocation) {
+  for (const QORSmrPtr<IQoriObject>& indication : world.indications(kFaultIndications)) failAtEach(indication);
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, FailingMatch,
+                         testing::Combine(testing::Range<std::size_t>(0, kFaultFilters.size()), testing::Bool()));
+
+}  // namespace
