@@ -47,6 +47,7 @@ QORQL_ResultReader::QORQL_ResultReader(const QORQL_Query& query, QORQL_SymbolTab
   while (++entries) addEntry(entries.key());
   nameColumns();
   typeColumns();
+  findOnlyClass();
 }
 
 void QORQL_ResultReader::addEntry(const QORSmrPtr<QORQL_SelectedEntry>& entry) {
@@ -135,6 +136,27 @@ void QORQL_ResultReader::typeColumns() {
       --untyped;
     }
   }
+}
+
+void QORQL_ResultReader::findOnlyClass() {
+  QORsint32 only = -1;
+  for (std::size_t i = 0; i < _sources.size(); ++i) {
+    const Source& source = _sources[i];
+    const bool isExpanded = !source.propertyName.isEmpty();
+    if (!isExpanded && !source.entry->isPlainProperty()) return;
+    const QORString& className = isExpanded ? source.className : source.entry->getClassName();
+    const QORString& property = isExpanded ? source.propertyName : source.entry->getPropertyName();
+    const QORsint32 column = _table->getColumnIndex(className);
+    if (column < 0 || (only >= 0 && column != only)) return;
+    if (!_columns[i].name.isEqualCaseInsensitive(property)) return;
+    only = column;
+  }
+  if (only >= 0) _onlyClass = _table->getColumnHeader(static_cast<QORuint32>(only))->getName();
+}
+
+QORString QORQL_ResultReader::rowClass() {
+  const IQoriObject* const object = _onlyClass.isEmpty() ? nullptr : _reader.fetchedObject(_onlyClass);
+  return object == nullptr ? QORString() : object->getClassName();
 }
 
 bool QORQL_ResultReader::next() {

@@ -34,6 +34,9 @@ class QORQL_ResultReader {
   // The value of a column in the current row; null for NULL. THROWS what
   // evaluation throws. REQUIRES a current row and index < columns().size().
   QORSmrPtr<IQoriValue> value(std::size_t index);
+  // The class of the one object of the current row that all columns are
+  // properties of, by their names; empty when there is no such object.
+  QORString rowClass();
 
  private:
   // Where a column's values come from.
@@ -49,6 +52,7 @@ class QORQL_ResultReader {
   void addClass(const QORSmrPtr<QORQL_SelectedEntry>& entry, const QORString& className);
   void nameColumns();
   void typeColumns();
+  void findOnlyClass();
   QORSmrPtr<IQoriValue> propertyOf(const Source& source);
 
   const QORQL_Query& _query;
@@ -56,6 +60,7 @@ class QORQL_ResultReader {
   QORQL_RowReader _reader;
   std::vector<Column> _columns;
   std::vector<Source> _sources;
+  QORString _onlyClass;  // that all columns are properties of; empty: none
   bool _isAggregate = false;
   QORuint64 _rowCount = 0;
   QORuint64 _next = 0;

@@ -66,7 +66,7 @@ class Errors(ToolCase):
         self.assertNotIn("\x1b", result.err)
 
     def test_nothing_is_printed_for_a_statement_that_fails(self):
-        for form in ("table", "csv", "json", "html", "xml"):
+        for form in ("table", "csv", "json", "jsonl", "html", "xml", "mof"):
             with self.subTest(form=form):
                 result = self.model("-o", form, "SELECT MIN(Shop_Item.Name) AS M FROM Shop_Item")
                 self.assertEqual((result.status, result.out), (1, ""))
@@ -130,7 +130,7 @@ class Output(ToolCase):
 
     def test_reader_that_goes_away_ends_the_tool_quietly(self):
         path = self.many_rows()
-        for form in ("table", "csv", "json", "html", "xml"):
+        for form in ("table", "csv", "json", "jsonl", "html", "xml", "mof"):
             with self.subTest(form=form):
                 with subprocess.Popen([toolcase.TOOL, "--no-live", "-m", path, "-o", form, "SELECT K, T FROM Big"],
                                       stdout=subprocess.PIPE, stderr=subprocess.PIPE) as tool:
@@ -171,7 +171,7 @@ class Output(ToolCase):
                               stdout=subprocess.DEVNULL, stderr=theirs) as tool:
             shown = b""
             until = time.monotonic() + seconds
-            while b"s ..." not in shown and time.monotonic() < until and tool.poll() is None:
+            while b" ..." not in shown and time.monotonic() < until and tool.poll() is None:
                 if select.select([ours], [], [], 0.1)[0]:
                     shown += os.read(ours, 1000)
             is_running = tool.poll() is None
@@ -182,7 +182,7 @@ class Output(ToolCase):
         return shown
 
     def test_progress_line_on_a_terminal(self):
-        self.assertRegex(self.on_terminal(60), rb"\A\rqorql: 1 s \.\.\.\Z")
+        self.assertRegex(self.on_terminal(60), rb"\A\rqorql: 1 s, (fetching BIG|joining and filtering) \.\.\.\x1b\[K\Z")
 
     def test_no_progress_line_when_quiet(self):
         self.assertEqual(self.on_terminal(4, "--quiet"), b"")

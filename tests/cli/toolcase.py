@@ -52,12 +52,12 @@ class ToolCase(unittest.TestCase):
         self.assertEqual(result.err, message + "\n")
         self.assertEqual(result.status, status)
 
-    def wrong_usage(self, result, *parts):
+    def wrong_usage(self, result, *parts, command="qorql"):
         self.assertEqual(result.status, 2, result.err)
         self.assertEqual(result.out, "")
         lines = result.err.splitlines()
         self.assertTrue(lines[0].startswith("qorql: "), result.err)
-        self.assertEqual(lines[-1], "Try qorql --help.")
+        self.assertEqual(lines[-1], f"Try {command} --help.")
         for part in parts:
             self.assertIn(part, result.err)
 

@@ -12,7 +12,7 @@ CSV = "Id\n1\n2\n"
 class Help(ToolCase):
     def test_help_lists_every_option_on_standard_output(self):
         text = self.succeed(self.run_tool("--help"))
-        for option in ("--mof", "--namespace", "--output", "--file", "--no-live", "--stats", "--config", "--set",
+        for option in ("--mof", "--namespace", "--output", "--file", "--no-live", "--stats", "--warnings", "--config", "--set",
                        "--quiet", "--log", "--version", "--help", "QUERY"):
             self.assertIn(option, text)
         self.assertIn("Exit status: 0 done;", text)
@@ -91,7 +91,8 @@ class GoodUse(ToolCase):
         result = self.model("-o", "csv", "--stats", QUERY)
         self.assertEqual((result.status, result.out), (0, CSV))
         numbers = re.fullmatch(r"qorql: stats: rows=2 instances=(\d+) enumerateInstances=1 associators=0 "
-                               r"getInstance=0 parse=\d+\.\d{3}ms execute=\d+\.\d{3}ms output=\d+\.\d{3}ms\n", result.err)
+                               r"getInstance=0 parse=\d+\.\d{3}ms fetch=\d+\.\d{3}ms filter=\d+\.\d{3}ms "
+                               r"sort=\d+\.\d{3}ms project=\d+\.\d{3}ms execute=\d+\.\d{3}ms output=\d+\.\d{3}ms\n", result.err)
         self.assertIsNotNone(numbers, result.err)
         self.assertEqual(numbers.group(1), "5")
 
@@ -118,7 +119,7 @@ class WrongUse(ToolCase):
                 self.wrong_usage(self.run_tool(option), option.lstrip("-")[:1])
 
     def test_flags_take_no_argument(self):
-        for option in ("--stats=5", "--quiet=maybe", "--version=1"):
+        for option in ("--stats=5", "--quiet=maybe", "--warnings=1", "--no-live=1", "--version=1"):
             with self.subTest(option=option):
                 self.wrong_usage(self.run_tool(option, QUERY))
 
@@ -139,7 +140,7 @@ class WrongUse(ToolCase):
         self.wrong_usage(self.model("-f", self.folder + "/none.qql"), "none.qql")
 
     def test_unknown_form(self):
-        self.wrong_usage(self.model("-o", "yaml", QUERY), "'yaml' is none of csv, html, json, table, xml")
+        self.wrong_usage(self.model("-o", "yaml", QUERY), "'yaml' is none of csv, html, json, jsonl, mof, table, xml")
 
     def test_form_is_case_sensitive_and_not_empty(self):
         self.wrong_usage(self.model("-o", "CSV", QUERY), "'CSV' is none of")

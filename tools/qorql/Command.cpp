@@ -6,6 +6,7 @@
 
 #include "ClassCommand.h"
 #include "ClassesCommand.h"
+#include "ExplainCommand.h"
 #include "InstancesCommand.h"
 #include "MatchCommand.h"
 #include "QueryCommand.h"
@@ -20,6 +21,7 @@ constexpr Command kCommands[] = {
     {"instances", "Print the instances of a class as MOF text", declareInstancesCommand},
     {"validate", "Tell whether filters of indications are valid and what they need", declareValidateCommand},
     {"match", "Tell which instances a filter matches", declareMatchCommand},
+    {"explain", "Say what a query will do, without running it", declareExplainCommand},
 };
 
 std::string listOfCommands() {

@@ -27,7 +27,7 @@ void CsvWriter::begin(const ResultHeading& heading) {
   _out << _line << '\n';
 }
 
-void CsvWriter::writeRow(ResultRow row) {
+void CsvWriter::writeRow(const ResultRow& row) {
   _line.clear();
   for (std::size_t i = 0; i < row.size(); ++i) {
     if (i != 0) _line += ',';

@@ -13,7 +13,7 @@ class CsvWriter : public ResultWriter {
  public:
   using ResultWriter::ResultWriter;
   void begin(const ResultHeading& heading) override;
-  void writeRow(ResultRow row) override;
+  void writeRow(const ResultRow& row) override;
   void end() override {}
 
  private:

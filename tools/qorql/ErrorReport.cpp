@@ -8,8 +8,10 @@
 
 #include "Cimom/QORQL/QORQL_Exception.h"
 #include "Cimom/QORQL/QORQL_ParseException.h"
+#include "DisplayText.h"
 #include "ExitStatus.h"
-#include "TableWriter.h"
+#include "QueryText.h"
+#include "Terminal.h"
 #include "cimom/CQoriProviderException.h"
 #include "cmpbase.h"
 
@@ -33,24 +35,40 @@ std::string placeOf(const QORQL_ParseException& error, const Statement& statemen
   return atLine(statement.firstLine - 1 + error.getLineNr(), error.getCIMErrorCode());
 }
 
-}  // namespace
+// The message and status of the error that is being handled.
+struct Report {
+  std::string message;
+  std::string place;
+  int status = kExitRefused;
+};
 
-int reportFailure(const Statement& statement) noexcept {
+Report reportOf(const Statement& statement) {
+  const auto text = [](const QoriBaseException& error) { return std::string(error.getMessage().view()); };
   try {
     throw;
   } catch (const QORQL_ParseException& error) {
-    printError(error.getMessage().view(), placeOf(error, statement));
+    return {text(error), placeOf(error, statement)};
   } catch (const QORQL_Exception& error) {
-    printError(error.getMessage().view(), atStatus(error.getCIMErrorCode()));
+    return {text(error), atStatus(error.getCIMErrorCode())};
   } catch (const CQoriProviderException& error) {
-    printError(error.getMessage().view(), atStatus(error.getCode()));
-    return kExitPlatform;
+    return {text(error), atStatus(error.getCode()), kExitPlatform};
   } catch (const QoriBaseException& error) {
-    printError(error.getMessage().view(), atStatus(kCimErrFailed));
+    return {text(error), atStatus(kCimErrFailed)};
   } catch (const std::exception& error) {
-    printError(error.what(), atStatus(kCimErrFailed));
+    return {error.what(), atStatus(kCimErrFailed)};
   }
-  return kExitRefused;
+}
+
+}  // namespace
+
+int reportFailure(const Statement& statement, std::optional<std::size_t> faultOffset) noexcept {
+  const Report report = reportOf(statement);
+  printError(report.message, report.place);
+  const TerminalShape terminal = standardErrorShape();
+  if (!terminal.isTerminal) return report.status;
+  if (!faultOffset) faultOffset = findQuotedName(statement.text, report.message);
+  if (faultOffset) std::cerr << lineWithCaret(statement.text, *faultOffset, terminal.width);
+  return report.status;
 }
 
 // MOF faults come with the source line under each, so their lines stay.

@@ -2,6 +2,8 @@
 #ifndef QORQL_TOOL_ERRORREPORT_H
 #define QORQL_TOOL_ERRORREPORT_H
 
+#include <cstddef>
+#include <optional>
 #include <string>
 
 #include "Statements.h"
@@ -10,8 +12,9 @@
 // call them inside a catch clause.
 
 // `qorql: error: <message> (line N, CIM status S)`; the line counts in the
-// whole text that the statement is part of.
-int reportFailure(const Statement& statement) noexcept;
+// whole text that the statement is part of. On a terminal the statement's line
+// follows, with a caret under the offset, or else under the name that the message quotes.
+int reportFailure(const Statement& statement, std::optional<std::size_t> faultOffset = std::nullopt) noexcept;
 // `qorql: error: <message>`: of MOF, configuration or the live classes.
 int reportStartFailure() noexcept;
 

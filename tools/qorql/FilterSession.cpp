@@ -6,11 +6,11 @@
 #include "Cimom/Mof/MofLoader.h"
 #include "Cimom/Providers/IndicationSchema.h"
 #include "Cimom/Providers/LinuxProviders.h"
+#include "DisplayText.h"
 #include "FilterFault.h"
 #include "FilterText.h"
 #include "FilterWarnings.h"
 #include "ScannerOutput.h"
-#include "TableWriter.h"
 
 void FilterSession::open() {
   _session.open();

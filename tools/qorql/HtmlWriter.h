@@ -7,12 +7,13 @@
 #include "ResultWriter.h"
 
 // One page for all results of a run, a section with its query, row count and
-// table for each. Light or dark as the reader's system is.
+// table for each. Light or dark as the reader's system is. With scripts, a click
+// on a column's name sorts by it, and a narrow screen shows a card for each row.
 class HtmlWriter : public ResultWriter {
  public:
   using ResultWriter::ResultWriter;
   void begin(const ResultHeading& heading) override;
-  void writeRow(ResultRow row) override;
+  void writeRow(const ResultRow& row) override;
   void end() override;
   // Closes the page, if one was begun.
   void finish() override;

@@ -93,19 +93,21 @@ std::vector<std::string> uniqueKeys(const std::vector<ResultColumn>& columns) {
 void JsonWriter::begin(const ResultHeading& heading) {
   _keys = uniqueKeys(heading.columns);
   _isFirstRow = true;
-  _out << '[';
+  if (_isArray) _out << '[';
 }
 
-void JsonWriter::writeRow(ResultRow row) {
-  _line = _isFirstRow ? "\n  {" : ",\n  {";
+void JsonWriter::writeRow(const ResultRow& row) {
+  _line = !_isArray ? "{" : _isFirstRow ? "\n  {" : ",\n  {";
   _isFirstRow = false;
   for (std::size_t i = 0; i < row.size(); ++i) {
     if (i != 0) _line += ", ";
     _line += _keys[i];
     appendValue(_line, row[i].Get(), 0);
   }
-  _line += '}';
+  _line += _isArray ? "}" : "}\n";
   _out << _line;
 }
 
-void JsonWriter::end() { _out << (_isFirstRow ? "]\n" : "\n]\n"); }
+void JsonWriter::end() {
+  if (_isArray) _out << (_isFirstRow ? "]\n" : "\n]\n");
+}

@@ -4,20 +4,23 @@
 
 #include "ResultWriter.h"
 
-// An array of objects for each result, one object to a line. Numbers are
+// An array of objects for each result, one object to a line; as JSON Lines the
+// objects alone, with nothing around or between results. Numbers are
 // numbers with all their digits, NULL is null, arrays are arrays, booleans are
 // true and false, embedded objects are objects; everything else is its text.
 // Of columns with one name the second is called name_2, and so on.
 class JsonWriter : public ResultWriter {
  public:
-  using ResultWriter::ResultWriter;
+  enum class Style { Array, Lines };
+  JsonWriter(std::ostream& out, Style style) : ResultWriter(out), _isArray(style == Style::Array) {}
   void begin(const ResultHeading& heading) override;
-  void writeRow(ResultRow row) override;
+  void writeRow(const ResultRow& row) override;
   void end() override;
 
  private:
   std::vector<std::string> _keys;  // quoted, with the colon
   std::string _line;
+  bool _isArray;
   bool _isFirstRow = true;
 };
 

@@ -6,11 +6,11 @@
 #include <iterator>
 
 #include "Cimom/Mof/MofLoader.h"
+#include "DisplayText.h"
 #include "ErrorReport.h"
 #include "ExitStatus.h"
 #include "FilterSession.h"
 #include "OptionChecks.h"
-#include "TableWriter.h"
 
 namespace {
 

@@ -4,19 +4,19 @@
 #include "OptionChecks.h"
 
 const std::map<std::string, OutputForm>& outputForms() {
-  static const std::map<std::string, OutputForm> forms = {{"table", OutputForm::Table},
-                                                          {"csv", OutputForm::Csv},
-                                                          {"json", OutputForm::Json},
-                                                          {"html", OutputForm::Html},
-                                                          {"xml", OutputForm::Xml}};
+  static const std::map<std::string, OutputForm> forms = {
+      {"table", OutputForm::Table},     {"csv", OutputForm::Csv},   {"json", OutputForm::Json},
+      {"jsonl", OutputForm::JsonLines}, {"html", OutputForm::Html}, {"xml", OutputForm::Xml},
+      {"mof", OutputForm::Mof}};
   return forms;
 }
 
 void declareOutputOptions(CLI::App& app, OutputOptions& options) {
   const auto takeForm = [&options](const std::string& form) { options.form = outputForms().at(form); };
   app.add_option_function<std::string>("-o,--output", takeForm,
-                                       "table, csv, json, html or xml (default: the FORMAT clause, else table)")
+                                       "table, csv, json, jsonl, html, xml or mof (default: table, or FORMAT AS)")
       ->type_name("FORM")
       ->check(oneOf(outputForms()));
   declareFlag(app, "--stats", options.hasStatistics, "Print counts and times of each statement to standard error");
+  declareFlag(app, "--warnings", options.hasWarnings, "Warn where the language surprises, as on a terminal");
 }

@@ -15,6 +15,7 @@ class App;
 struct OutputOptions {
   std::optional<OutputForm> form;  // none: the statement's FORMAT clause, else a table
   bool hasStatistics = false;
+  bool hasWarnings = false;  // where the language surprises, although standard error is no terminal
 };
 
 // The forms by their names.

@@ -1,13 +1,14 @@
-// A sign of life on the terminal while a statement takes long.
+// A sign of life on the terminal while something takes long.
 #include "ProgressLine.h"
-
-#include <unistd.h>
 
 #include <chrono>
 #include <iostream>
 
-ProgressLine::ProgressLine(bool isWanted) {
-  if (isWanted && isatty(STDERR_FILENO) != 0) _thread = std::thread([this] { countSeconds(); });
+#include "DisplayText.h"
+#include "Terminal.h"
+
+ProgressLine::ProgressLine(bool isWanted, const Activity& activity) : _activity(activity) {
+  if (isWanted && standardErrorShape().isTerminal) _thread = std::thread([this] { countSeconds(); });
 }
 
 ProgressLine::~ProgressLine() {
@@ -24,7 +25,8 @@ void ProgressLine::countSeconds() {
   std::unique_lock lock(_mutex);
   unsigned seconds = 0;
   while (!_changed.wait_for(lock, std::chrono::seconds(1), [this] { return _isOver; })) {
-    std::cerr << "\rqorql: " << ++seconds << " s ..." << std::flush;
+    const std::string line = "qorql: " + std::to_string(++seconds) + " s, " + printableText(_activity.get()) + " ...";
+    std::cerr << '\r' << cutText(line, standardErrorShape().width - 1, "...") << "\033[K" << std::flush;
   }
   if (seconds != 0) std::cerr << "\r\033[K" << std::flush;
 }

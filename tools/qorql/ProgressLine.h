@@ -1,4 +1,4 @@
-// A sign of life on the terminal while a statement takes long.
+// A sign of life on the terminal while something takes long.
 #ifndef QORQL_TOOL_PROGRESSLINE_H
 #define QORQL_TOOL_PROGRESSLINE_H
 
@@ -6,12 +6,14 @@
 #include <mutex>
 #include <thread>
 
+#include "Activity.h"
+
 // While it lives: from the second second on, a line on standard error that
-// counts the seconds; wiped out at the end. Does nothing unless it is wanted
-// and standard error is a terminal.
+// counts the seconds and names the activity; wiped out at the end. Does nothing
+// unless it is wanted and standard error is a terminal. BORROWS the activity.
 class ProgressLine {
  public:
-  explicit ProgressLine(bool isWanted);
+  ProgressLine(bool isWanted, const Activity& activity);
   ProgressLine(const ProgressLine&) = delete;
   ProgressLine& operator=(const ProgressLine&) = delete;
   ~ProgressLine();
@@ -19,6 +21,7 @@ class ProgressLine {
  private:
   void countSeconds();
 
+  const Activity& _activity;
   std::mutex _mutex;
   std::condition_variable _changed;
   bool _isOver = false;

@@ -63,7 +63,7 @@ int runStatements(const QueryOptions& options, Session& session) {
       session.dropWarnings();
       runner.finish();
       std::cout.flush();
-      return reportFailure(statement);
+      return reportFailure(statement, runner.faultOffset());
     }
     session.printWarnings();
     if (!std::cout) break;

@@ -7,15 +7,15 @@
 #include <sstream>
 
 #include "Cimom/QORQL/QORQL_DataTable.h"
-#include "Cimom/QORQL/QORQL_Lexer.h"
-#include "Cimom/QORQL/QORQL_Query.h"
 #include "Cimom/QORQL/QORQL_ResultReader.h"
-#include "Cimom/QORQL/QORQL_SymbolTable.h"
+#include "Interrupt.h"
+#include "ParsedQuery.h"
 #include "ProgressLine.h"
+#include "RunMonitor.h"
+#include "SurpriseReport.h"
+#include "Terminal.h"
 
 namespace {
-
-constexpr const char* kQueryLanguage = "DMTF:CQL";
 
 using Clock = std::chrono::steady_clock;
 
@@ -27,25 +27,13 @@ bool isNumberType(const QORString& typeName) {
   return typeName.beginsWith("uint") || typeName.beginsWith("sint") || typeName.beginsWith("real");
 }
 
-// While the text is read: what the scanner passes over comes out at once, in
-// order with what it prints by other ways.
-class UnbufferedOutput {
- public:
-  explicit UnbufferedOutput(std::ostream& out) : _out(out) { _out << std::unitbuf << std::flush; }
-  UnbufferedOutput(const UnbufferedOutput&) = delete;
-  UnbufferedOutput& operator=(const UnbufferedOutput&) = delete;
-  ~UnbufferedOutput() { _out << std::nounitbuf; }
-
- private:
-  std::ostream& _out;
-};
-
 ResultHeading headingOf(const std::string& query, const QORQL_ResultReader& reader) {
   ResultHeading heading;
   heading.query = query;
   heading.rowCount = reader.rowCount();
   for (const QORQL_ResultReader::Column& column : reader.columns()) {
-    heading.columns.push_back({std::string(column.name.view()), !column.isArray && isNumberType(column.typeName)});
+    heading.columns.push_back({std::string(column.name.view()), !column.isArray && isNumberType(column.typeName),
+                               std::string(column.typeName.view()), column.isArray});
   }
   return heading;
 }
@@ -54,22 +42,22 @@ ResultHeading headingOf(const std::string& query, const QORQL_ResultReader& read
 void writeRows(QORQL_ResultReader& reader, ResultWriter& writer, const std::ostream& out) {
   std::vector<QORSmrPtr<IQoriValue>> row(reader.columns().size());
   while (out && reader.next()) {
+    if (Interrupt::isRequested()) throw Interrupted();
     for (std::size_t i = 0; i < row.size(); ++i) row[i] = reader.value(i);
-    writer.writeRow(row);
+    writer.writeRow(ResultRow(row, reader.rowClass()));
   }
 }
 
 }  // namespace
 
-// One statement on its way. The engine keeps references to the texts.
+// One statement on its way.
 struct QueryRunner::Execution {
-  explicit Execution(const std::string& given) : statement(given), text(given) {}
+  explicit Execution(const std::string& given) : statement(given), parsed(given) {}
 
   const std::string& statement;
-  const QORString text;
-  const QORString language = kQueryLanguage;
-  QORQL_SymbolTable symbols{nullptr};
-  QORSmrPtr<QORQL_Query> query{};
+  ParsedQuery parsed;
+  Activity activity{"running"};
+  RunMonitor monitor{activity};
   QORSmrPtr<QORQL_DataTable> table = new QORQL_DataTable();
   double parseTime = 0;
   double executeTime = 0;
@@ -81,6 +69,8 @@ void QueryRunner::run(const Statement& statement) {
   Execution execution(statement.text);
   _session.manager().resetStatistics();
   parse(execution);
+  warn(execution);
+  const QORQL_MonitorScope scope(execution.monitor);
   execute(execution);
   print(execution);
   if (_output.hasStatistics) printStatistics(execution);
@@ -93,17 +83,25 @@ void QueryRunner::finish() {
 
 void QueryRunner::parse(Execution& execution) {
   const Clock::time_point start = Clock::now();
-  const UnbufferedOutput unbuffered(_out);
-  QORQL_Lexer lexer(execution.text, false);
-  const QORString nameSpace(_options.nameSpace);
-  execution.query = QORQL_Query::parse(execution.symbols, lexer, false, execution.text, execution.language, nameSpace)
-                        .StaticCast<QORQL_Query>();
+  _faultOffset.reset();
+  try {
+    execution.parsed.parse(_options.nameSpace, _out);
+  } catch (...) {
+    _faultOffset = execution.parsed.faultOffset();
+    throw;
+  }
   execution.parseTime = millisecondsSince(start);
+}
+
+// A person at a terminal is warned where the language surprises; a script asks for it.
+void QueryRunner::warn(const Execution& execution) const {
+  if (_options.isQuiet || (!_output.hasWarnings && !standardErrorShape().isTerminal)) return;
+  printSurprises(std::cerr, execution.parsed.query(), _options.nameSpace);
 }
 
 OutputForm QueryRunner::formOf(const Execution& execution) const {
   if (_output.form) return *_output.form;
-  const QORSmrPtr<QORQL_FormatClause>& clause = execution.query->getFormatClause();
+  const QORSmrPtr<QORQL_FormatClause>& clause = execution.parsed.query().getFormatClause();
   if (clause.IsNull()) return OutputForm::Table;
   switch (clause->getFormatID()) {
     case XML:
@@ -119,12 +117,12 @@ OutputForm QueryRunner::formOf(const Execution& execution) const {
 }
 
 void QueryRunner::execute(Execution& execution) {
-  const ProgressLine progress(!_options.isQuiet);
+  const ProgressLine progress(!_options.isQuiet, execution.activity);
   const Clock::time_point start = Clock::now();
   const bool isStreamed = formOf(execution) == OutputForm::Xml;
   if (isStreamed) finish();
-  execution.query->execute(execution.symbols, execution.table, isStreamed ? &_out : nullptr,
-                           QORString(_options.nameSpace));
+  execution.parsed.query().execute(execution.parsed.symbols(), execution.table, isStreamed ? &_out : nullptr,
+                                   QORString(_options.nameSpace));
   execution.executeTime = millisecondsSince(start);
 }
 
@@ -132,7 +130,7 @@ void QueryRunner::print(Execution& execution) {
   const OutputForm form = formOf(execution);
   if (form == OutputForm::Xml && !_output.hasStatistics) return;
   const Clock::time_point start = Clock::now();
-  QORQL_ResultReader reader(*execution.query, execution.symbols, execution.table);
+  QORQL_ResultReader reader(execution.parsed.query(), execution.parsed.symbols(), execution.table);
   execution.rowCount = reader.rowCount();
   if (form != OutputForm::Xml) {
     ResultWriter& writer = writerOf(form);
@@ -158,12 +156,17 @@ ResultWriter& QueryRunner::writerOf(OutputForm form) {
 }
 
 void QueryRunner::printStatistics(const Execution& execution) {
+  using Monitor = QORQL_ExecutionMonitor;
   const EmbeddedObjectManager::Statistics statistics = _session.manager().statistics();
+  const RunMonitor& monitor = execution.monitor;
   std::ostringstream line;
   line << std::fixed << std::setprecision(3) << "qorql: stats: rows=" << execution.rowCount
        << " instances=" << statistics.instancesReturned << " enumerateInstances=" << statistics.enumerateCalls
        << " associators=" << statistics.associatorCalls << " getInstance=" << statistics.getInstanceCalls
-       << " parse=" << execution.parseTime << "ms execute=" << execution.executeTime
+       << " parse=" << execution.parseTime << "ms fetch=" << monitor.milliseconds(Monitor::kStepFetch)
+       << "ms filter=" << monitor.milliseconds(Monitor::kStepCondition)
+       << "ms sort=" << monitor.milliseconds(Monitor::kStepSort)
+       << "ms project=" << monitor.milliseconds(Monitor::kStepProject) << "ms execute=" << execution.executeTime
        << "ms output=" << execution.printTime << "ms\n";
   std::cerr << line.str();
 }

@@ -4,6 +4,7 @@
 
 #include <iosfwd>
 #include <memory>
+#include <optional>
 
 #include "OutputOptions.h"
 #include "ResultWriter.h"
@@ -17,8 +18,11 @@ class QueryRunner {
   QueryRunner(const SessionOptions& options, const OutputOptions& output, Session& session, std::ostream& out)
       : _options(options), _output(output), _session(session), _out(out) {}
 
-  // THROWS what the engine and the providers throw.
+  // THROWS what the engine and the providers throw; Interrupted, or
+  // QORQL_StoppedException, after an Interrupt.
   void run(const Statement& statement);
+  // Where in the text of the last statement parsing failed; empty for other faults.
+  std::optional<std::size_t> faultOffset() const { return _faultOffset; }
   // After the last statement: completes the output.
   void finish();
 
@@ -26,6 +30,7 @@ class QueryRunner {
   struct Execution;
 
   void parse(Execution& execution);
+  void warn(const Execution& execution) const;
   void execute(Execution& execution);
   void print(Execution& execution);
   void printStatistics(const Execution& execution);
@@ -37,6 +42,7 @@ class QueryRunner {
   const OutputOptions& _output;
   Session& _session;
   std::ostream& _out;
+  std::optional<std::size_t> _faultOffset;
   std::unique_ptr<ResultWriter> _writer;
   OutputForm _writerForm = OutputForm::Table;
 };

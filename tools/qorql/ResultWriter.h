@@ -12,11 +12,13 @@
 #include "cimom/IQoriValue.h"
 #include "cmpbase.h"
 
-enum class OutputForm { Table, Csv, Json, Html, Xml };
+enum class OutputForm { Table, Csv, Json, JsonLines, Html, Xml, Mof };
 
 struct ResultColumn {
   std::string name;
   bool isNumber = false;
+  std::string typeName;  // the CIM type; empty when no row tells it
+  bool isArray = false;
 };
 
 // What is known before the first row.
@@ -26,8 +28,20 @@ struct ResultHeading {
   std::size_t rowCount = 0;
 };
 
-// One value for each column; a null pointer for NULL.
-using ResultRow = std::span<const QORSmrPtr<IQoriValue>>;
+// One value for each column; a null pointer for NULL. BORROWS the values.
+class ResultRow {
+ public:
+  ResultRow(std::span<const QORSmrPtr<IQoriValue>> values, const QORString& className)
+      : _values(values), _className(className) {}
+  std::size_t size() const noexcept { return _values.size(); }
+  const QORSmrPtr<IQoriValue>& operator[](std::size_t index) const noexcept { return _values[index]; }
+  // The class of the object whose properties the columns are, by their names; empty when they are not of one object.
+  const QORString& className() const noexcept { return _className; }
+
+ private:
+  std::span<const QORSmrPtr<IQoriValue>> _values;
+  const QORString& _className;
+};
 
 // Prints the results of one run of the program, one after the other: for each
 // result begin, its rows, end; after the last one finish, also when a later
@@ -40,7 +54,7 @@ class ResultWriter {
   virtual ~ResultWriter() = default;
 
   virtual void begin(const ResultHeading& heading) = 0;
-  virtual void writeRow(ResultRow row) = 0;
+  virtual void writeRow(const ResultRow& row) = 0;
   virtual void end() = 0;
   virtual void finish() {}
 

@@ -5,7 +5,8 @@
 
 #include "Cimom/Mof/MofLoader.h"
 #include "Cimom/Providers/LinuxProviders.h"
-#include "TableWriter.h"
+#include "DisplayText.h"
+#include "ProgressLine.h"
 
 namespace {
 
@@ -62,6 +63,8 @@ void Session::loadConfiguration() {
 
 void Session::loadMof() {
   if (_options.mofPaths.empty()) return;
+  const Activity activity("loading MOF");
+  const ProgressLine progress(!_options.isQuiet, activity);
   MofLoader loader(_manager.sink(), QORString(_options.nameSpace));
   loader.loadFiles(_options.mofPaths);
 }

@@ -1,134 +1,125 @@
-// Results as a table for a person's eyes.
+// The columns are as wide as their widest text; where that is wider than the
+// terminal, the widest columns are cut to one width, as great as fits.
 #include "TableWriter.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <ostream>
+
+#include "DisplayText.h"
+
+struct TableWriter::Frame {
+  const char* left;  // before a line's first column; the others stand between and behind
+  const char* between;
+  const char* right;
+  const char* dash;
+  const char* cut;  // behind a text that is cut
+  const char* top[3];
+  const char* middle[3];
+  const char* bottom[3];
+  bool fillsLast;  // blanks behind a text in the last column
+};
 
 namespace {
 
-struct CodeRange {
-  char32_t first;
-  char32_t last;
-};
-// Marks that take no column of their own.
-constexpr CodeRange kZeroWidth[] = {
-    {0x0300, 0x036F}, {0x0483, 0x0489}, {0x0591, 0x05BD}, {0x0610, 0x061A}, {0x064B, 0x065F}, {0x0900, 0x0902},
-    {0x0E34, 0x0E3A}, {0x0E47, 0x0E4E}, {0x1AB0, 0x1AFF}, {0x1DC0, 0x1DFF}, {0x200B, 0x200F}, {0x202A, 0x202E},
-    {0x2060, 0x2064}, {0x20D0, 0x20FF}, {0xFE00, 0xFE0F}, {0xFE20, 0xFE2F}, {0xFEFF, 0xFEFF}, {0xE0100, 0xE01EF}};
-// Signs that take two columns.
-constexpr CodeRange kDoubleWidth[] = {{0x1100, 0x115F},   {0x231A, 0x231B},   {0x2E80, 0x303E},   {0x3041, 0x33FF},
-                                      {0x3400, 0x4DBF},   {0x4E00, 0x9FFF},   {0xA000, 0xA4CF},   {0xA960, 0xA97C},
-                                      {0xAC00, 0xD7A3},   {0xF900, 0xFAFF},   {0xFE30, 0xFE6F},   {0xFF00, 0xFF60},
-                                      {0xFFE0, 0xFFE6},   {0x1F300, 0x1F64F}, {0x1F680, 0x1F6FF}, {0x1F900, 0x1F9FF},
-                                      {0x20000, 0x2FFFD}, {0x30000, 0x3FFFD}};
-
-template <std::size_t N>
-bool isIn(const CodeRange (&ranges)[N], char32_t code) {
-  return std::any_of(ranges, ranges + N, [code](const CodeRange& r) { return r.first <= code && code <= r.last; });
-}
-
-// The character at the front, taken off; a byte that begins none counts as one.
-char32_t takeCharacter(std::string_view& text) {
-  const unsigned char lead = static_cast<unsigned char>(text.front());
-  const std::size_t length = lead < 0xC0 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-  char32_t code = length == 1 ? lead : lead & (0xFFu >> (length + 1));
-  std::size_t taken = 1;
-  while (taken < length && taken < text.size() && (text[taken] & 0xC0) == 0x80) {
-    code = (code << 6) | (static_cast<unsigned char>(text[taken++]) & 0x3F);
-  }
-  text.remove_prefix(taken);
-  return code;
-}
-
-bool isControl(char32_t code) { return code < 0x20 || (code >= 0x7F && code < 0xA0); }
-
-std::string escaped(char32_t code) {
-  if (code == '\n') return "\\n";
-  if (code == '\t') return "\\t";
-  if (code == '\r') return "\\r";
-  std::array<char, 8> text;
-  std::snprintf(text.data(), text.size(), "\\x%02X", static_cast<unsigned>(code));
-  return text.data();
-}
+constexpr std::size_t kNarrowestColumn = 4;
 
 }  // namespace
 
-std::string printableText(std::string_view text) {
-  std::string printable;
-  printable.reserve(text.size());
-  while (!text.empty()) {
-    const std::string_view before = text;
-    const char32_t code = takeCharacter(text);
-    if (isControl(code)) {
-      printable += escaped(code);
-    } else {
-      printable += before.substr(0, before.size() - text.size());
-    }
-  }
-  return printable;
+const TableWriter::Frame& TableWriter::frame() const {
+  static constexpr Frame kPlain{"", "  ", "", "-", "", {}, {"", "  ", ""}, {}, false};
+  static constexpr Frame kBox{
+      "│ ", " │ ", " │", "─", "…", {"┌─", "─┬─", "─┐"}, {"├─", "─┼─", "─┤"}, {"└─", "─┴─", "─┘"}, true};
+  static constexpr Frame kAscii{
+      "| ", " | ", " |", "-", "...", {"+-", "-+-", "-+"}, {"+-", "-+-", "-+"}, {"+-", "-+-", "-+"}, true};
+  if (!_terminal.isTerminal) return kPlain;
+  return _terminal.isUtf8 ? kBox : kAscii;
 }
 
-std::size_t displayWidth(std::string_view text) {
-  std::size_t width = 0;
-  while (!text.empty()) {
-    const char32_t code = takeCharacter(text);
-    if (code < 0x300) {
-      ++width;
-    } else if (!isIn(kZeroWidth, code)) {
-      width += isIn(kDoubleWidth, code) ? 2 : 1;
-    }
-  }
-  return width;
-}
-
-void TableWriter::addCell(std::size_t column, const std::string& text) {
+void TableWriter::addCell(std::size_t column, std::string text) {
   const std::size_t width = displayWidth(text);
   _widths[column] = std::max(_widths[column], width);
-  _cells.push_back({text, width});
+  _cells.push_back({std::move(text), width});
 }
 
 void TableWriter::begin(const ResultHeading& heading) {
+  _terminal = standardOutputShape();
   _columns = heading.columns;
   _widths.assign(_columns.size(), 1);
   _cells.clear();
   for (std::size_t i = 0; i < _columns.size(); ++i) addCell(i, printableText(_columns[i].name));
 }
 
-void TableWriter::writeRow(ResultRow row) {
+void TableWriter::writeRow(const ResultRow& row) {
   for (std::size_t i = 0; i < row.size(); ++i) {
     addCell(i, row[i].IsNull() ? "NULL" : printableText(row[i]->toString().view()));
   }
 }
 
-void TableWriter::printLine(const Cell* cells) {
-  _line.clear();
+// Lowers the greatest width that a column of the kind may have until the excess
+// is gone or all of them are as narrow as they may be.
+void TableWriter::shrinkColumns(bool isNumber, std::size_t& excess) {
+  std::size_t cap = *std::max_element(_widths.begin(), _widths.end());
+  for (; excess != 0 && cap > kNarrowestColumn; --cap) {
+    for (std::size_t i = 0; i < _widths.size() && excess != 0; ++i) {
+      if (_columns[i].isNumber != isNumber || _widths[i] < cap) continue;
+      --_widths[i];
+      --excess;
+    }
+  }
+}
+
+void TableWriter::fitWidths() {
+  if (!_terminal.isTerminal || _widths.empty()) return;
+  std::size_t total = 3 * _widths.size() + 1;
+  for (const std::size_t width : _widths) total += width;
+  std::size_t excess = total - std::min(total, _terminal.width);
+  shrinkColumns(false, excess);
+  shrinkColumns(true, excess);
+}
+
+void TableWriter::printLine(const Cell* cells, const Frame& frame) {
+  _line = frame.left;
   for (std::size_t i = 0; i < _columns.size(); ++i) {
-    const std::size_t fill = _widths[i] - cells[i].width;
-    if (_columns[i].isNumber) _line.append(fill, ' ');
-    _line += cells[i].text;
+    const bool isCut = cells[i].width > _widths[i];
+    const std::string cut = isCut ? cutText(cells[i].text, _widths[i], frame.cut) : std::string();
+    const std::string& text = isCut ? cut : cells[i].text;
+    const std::size_t fill = _widths[i] - (isCut ? displayWidth(cut) : cells[i].width);
     const bool isLast = i + 1 == _columns.size();
-    if (!isLast) _line.append((_columns[i].isNumber ? 0 : fill) + 2, ' ');
+    if (_columns[i].isNumber) _line.append(fill, ' ');
+    _line += text;
+    if (!_columns[i].isNumber && (!isLast || frame.fillsLast)) _line.append(fill, ' ');
+    _line += isLast ? frame.right : frame.between;
   }
   _out << _line << '\n';
 }
 
-void TableWriter::printRule() {
-  _line.clear();
-  for (const std::size_t width : _widths) {
-    if (!_line.empty()) _line += "  ";
-    _line.append(width, '-');
+void TableWriter::printRule(const char* left, const char* cross, const char* right, const Frame& frame) {
+  _line = left;
+  for (std::size_t i = 0; i < _widths.size(); ++i) {
+    if (i != 0) _line += cross;
+    for (std::size_t dash = 0; dash < _widths[i]; ++dash) _line += frame.dash;
   }
-  _out << _line << '\n';
+  _out << _line << right << '\n';
+}
+
+void TableWriter::printRowCount() {
+  const std::size_t count = _columns.empty() ? 0 : _cells.size() / _columns.size() - 1;
+  _out << count << (count == 1 ? " row" : " rows") << '\n';
 }
 
 void TableWriter::end() {
+  const Frame& drawn = frame();
+  const auto rule = [&](const char* const(&signs)[3]) { printRule(signs[0], signs[1], signs[2], drawn); };
+  fitWidths();
   if (!_isFirst) _out << '\n';
   _isFirst = false;
+  const bool hasBox = _terminal.isTerminal && !_columns.empty();
+  if (hasBox) rule(drawn.top);
   for (std::size_t first = 0; first < _cells.size() && _out; first += _columns.size()) {
-    printLine(&_cells[first]);
-    if (first == 0) printRule();
+    printLine(&_cells[first], drawn);
+    if (first == 0) rule(drawn.middle);
   }
+  if (hasBox) rule(drawn.bottom);
+  if (_terminal.isTerminal) printRowCount();
   _cells.clear();
 }

@@ -3,16 +3,21 @@
 #define QORQL_TOOL_TABLEWRITER_H
 
 #include "ResultWriter.h"
+#include "Terminal.h"
 
-// Aligned columns, two blanks apart, under their names and a rule; numbers to
-// the right. NULL reads NULL. Characters that would break a line or speak to
-// the terminal are shown as \n, \t or \x1B. An empty line stands between two
-// results. Keeps the texts of one result until it ends.
+// Aligned columns under their names; numbers to the right. NULL reads NULL.
+// Characters that would break a line or speak to the terminal are shown as \n,
+// \t or \x1B. An empty line stands between two results. Keeps the texts of one
+// result until it ends.
+//
+// On a terminal the table stands in a box, the number of rows under it, and
+// fits the width: the widest columns are cut, numbers last. Anywhere else the
+// columns are two blanks apart under a rule, and nothing is cut.
 class TableWriter : public ResultWriter {
  public:
-  using ResultWriter::ResultWriter;
+  explicit TableWriter(std::ostream& out) : ResultWriter(out) {}
   void begin(const ResultHeading& heading) override;
-  void writeRow(ResultRow row) override;
+  void writeRow(const ResultRow& row) override;
   void end() override;
 
  private:
@@ -20,20 +25,23 @@ class TableWriter : public ResultWriter {
     std::string text;
     std::size_t width;
   };
+  // What the lines are drawn with.
+  struct Frame;
 
-  void addCell(std::size_t column, const std::string& text);
-  void printLine(const Cell* cells);
-  void printRule();
+  void addCell(std::size_t column, std::string text);
+  void fitWidths();
+  void shrinkColumns(bool isNumber, std::size_t& excess);
+  void printLine(const Cell* cells, const Frame& frame);
+  void printRule(const char* left, const char* cross, const char* right, const Frame& frame);
+  void printRowCount();
+  const Frame& frame() const;
 
+  TerminalShape _terminal;
   std::vector<ResultColumn> _columns;
   std::vector<std::size_t> _widths;
   std::vector<Cell> _cells;  // row by row, the names first
   std::string _line;
   bool _isFirst = true;
 };
-
-// What the table shows of a text, and how many columns of a terminal that takes.
-std::string printableText(std::string_view text);
-std::size_t displayWidth(std::string_view text);
 
 #endif

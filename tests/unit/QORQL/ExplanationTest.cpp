@@ -109,10 +109,9 @@ TEST_F(Explanation, testsEveryPairWhereKeysDoNotJoin) {
 }
 
 TEST_F(Explanation, combinesWhatNothingJoins) {
-  EXPECT_THAT(
-      steps("SELECT h.Name, Id FROM Host AS h, Disk AS d, Spare WHERE h.Name = d.HostName"),
-      ElementsAre("fetch Host AS H: Name", "fetch Disk AS D: HostName", "fetch Spare: Id",
-                  "hash h.Name = d.HostName", "combine Spare, Host with Disk", "select h.Name, Spare.Id"));
+  EXPECT_THAT(steps("SELECT h.Name, Id FROM Host AS h, Disk AS d, Spare WHERE h.Name = d.HostName"),
+              ElementsAre("fetch Host AS H: Name", "fetch Disk AS D: HostName", "fetch Spare: Id",
+                          "hash h.Name = d.HostName", "combine Spare, Host with Disk", "select h.Name, Spare.Id"));
 }
 
 TEST_F(Explanation, theLastOperandOfOrComesFirst) {

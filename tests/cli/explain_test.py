@@ -1,0 +1,102 @@
+"""qorql explain, and the warnings where the language surprises."""
+import os
+import pty
+import unittest
+
+import toolcase
+from toolcase import MODEL, ToolCase
+
+OR = "SELECT Id FROM Shop_Item WHERE Id = 1 OR Id = 2"
+OR_WARNING = ('qorql: warning: OR keeps what its last operand keeps: only "Id = 2" decides. '
+              "Run a query for each operand [WHERE-3]\n")
+
+
+class Explain(ToolCase):
+    def explain(self, *arguments):
+        return self.run_tool("explain", "--no-live", "-m", MODEL, *arguments)
+
+    def test_steps_in_the_order_of_execution(self):
+        self.assertEqual(self.succeed(self.explain(
+            "SELECT FIRST 1 i.Name FROM Shop_Item AS i, Shop_Empty AS e WHERE i.Id = e.Id AND Size > 5 "
+            "ORDER BY Size DESC")), (
+                " 1  fetch      Shop_Item AS I: Id, Name, Size\n"
+                " 2  fetch      Shop_Empty AS E: Id\n"
+                " 3  hash join  i.Id = e.Id\n"
+                " 4  filter     Shop_Item.Size > 5\n"
+                " 5  sort       Shop_Item.Size DESC\n"
+                " 6  select     i.Name\n"
+                " 7  first      1 row is shown; everything before is done in full\n"))
+
+    def test_several_statements(self):
+        self.assertEqual(self.succeed(self.explain("SELECT Id FROM Shop_Item; SELECT Name FROM Shop_Item")), (
+            " 1  fetch      Shop_Item: Id\n 2  select     Id\n\n"
+            " 1  fetch      Shop_Item: Name\n 2  select     Name\n"))
+
+    def test_warnings_stand_below(self):
+        text = self.succeed(self.explain(OR))
+        self.assertIn(" 3  filter     Id = 1  (computed, but decides nothing)\n", text)
+        self.assertTrue(text.endswith(OR_WARNING), text)
+
+    def test_nothing_is_asked_of_the_object_manager(self):
+        result = self.explain("--log", "trace", "SELECT Id FROM Shop_Item")
+        self.assertEqual((result.status, result.err), (0, ""))
+
+    def test_live_classes(self):
+        self.assertIn("Linux_Process: Handle", self.succeed(self.run_tool("explain", "SELECT Handle FROM Linux_Process")))
+
+    def test_refused_query(self):
+        self.refused(self.explain("SELECT FROM"), 1, self.model("SELECT FROM").err.rstrip("\n"))
+        self.refused(self.explain(" "), 1, "qorql: error: 'SELECT' expected (line 1, CIM status 16)")
+
+    def test_wrong_usage(self):
+        for arguments in ((), ("SELECT Id FROM Shop_Item", "surplus"), ("--frobnicate", OR), ("-o", "csv", OR),
+                          ("--stats", OR), ("-m",), ("--quiet=1", OR)):
+            with self.subTest(arguments=arguments):
+                self.wrong_usage(self.run_tool("explain", *arguments), command="qorql explain")
+
+    def test_help(self):
+        text = self.succeed(self.run_tool("explain", "--help"))
+        for part in ("Usage: qorql explain [OPTIONS] QUERY", "--mof", "--namespace", "--no-live", "--config", "--help"):
+            self.assertIn(part, text)
+
+    def test_failed_platform(self):
+        result = self.run_tool("explain", "-m", self.folder + "/none.mof", OR)
+        self.assertEqual((result.status, result.out), (3, ""))
+
+
+class Warnings(ToolCase):
+    def test_scripts_are_warned_when_they_ask_for_it(self):
+        plain = self.model("-o", "csv", OR)
+        self.assertEqual((plain.status, plain.err), (0, ""))
+        warned = self.model("-o", "csv", "--warnings", OR)
+        self.assertEqual((warned.status, warned.out, warned.err), (0, plain.out, OR_WARNING))
+
+    def test_quiet_wins(self):
+        self.assertEqual(self.succeed(self.model("-o", "csv", "--warnings", "--quiet", OR)), "Id\n2\n")
+
+    def test_each_surprise_has_its_rule(self):
+        for query, rule in (
+                ("SELECT Id FROM Shop_Item WHERE Name LIKE 'p%'", "LIKE-1"),
+                ("SELECT Id FROM Shop_Item WHERE ANY Codes < 2", "ARR-4"),
+                ("SELECT Id - 1 - 1 AS X FROM Shop_Item", "ARITH-2"),
+                ("SELECT AVG(Id) AS A, SUM(Id) AS S FROM Shop_Item", "AGG-4"),
+                ("SELECT *, Id FROM Shop_Item", "SEL-6"),
+                ("SELECT a.Id FROM Shop_Item AS a, Shop_Item AS b", "FROM-5"),
+                ("SELECT a.Id FROM Shop_Item AS a, Shop_Empty AS b WHERE a.Id *= b.Id", "JOIN-4")):
+            with self.subTest(query=query):
+                lines = self.model("-o", "csv", "--warnings", query).err.splitlines()
+                warnings = [line for line in lines if line.startswith("qorql: warning: ") and line.endswith("]")]
+                self.assertEqual([line.rsplit("[", 1)[1] for line in warnings], [rule + "]"])
+
+    def test_a_person_at_a_terminal_is_warned(self):
+        ours, theirs = pty.openpty()
+        self.addCleanup(os.close, ours)
+        result = toolcase.subprocess.run([toolcase.TOOL, "--no-live", "-m", MODEL, "-o", "csv", OR], stderr=theirs,
+                                         stdout=toolcase.subprocess.PIPE, check=False)
+        os.close(theirs)
+        self.assertEqual((result.returncode, result.stdout), (0, b"Id\n2\n"))
+        self.assertEqual(os.read(ours, 1000).decode().replace("\r\n", "\n"), OR_WARNING)
+
+
+if __name__ == "__main__":
+    toolcase.main()

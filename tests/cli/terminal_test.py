@@ -1,0 +1,133 @@
+"""What a person sees at a terminal: boxes, cut values, carets, progress."""
+import fcntl
+import os
+import pty
+import struct
+import subprocess
+import termios
+import unicodedata
+import unittest
+
+import toolcase
+from toolcase import MODEL, ToolCase
+
+
+def columns_of(line):
+    """How many columns of a terminal a line takes."""
+    wide = sum(1 for c in line if unicodedata.east_asian_width(c) in "WF")
+    return len(line) - sum(1 for c in line if unicodedata.combining(c)) + wide
+
+
+class Terminal(ToolCase):
+    def show(self, *arguments, width=80, env=None, standard_error=True):
+        """Runs over the model at a terminal of that width; gives the status and what it shows."""
+        ours, theirs = pty.openpty()
+        self.addCleanup(os.close, ours)
+        fcntl.ioctl(theirs, termios.TIOCSWINSZ, struct.pack("HHHH", 24, width, 0, 0))
+        environment = {key: value for key, value in os.environ.items() if not key.startswith(("LC_", "LANG", "COLUMNS"))}
+        environment.update(env or {"LANG": "C.UTF-8"})
+        with subprocess.Popen([toolcase.TOOL, "--no-live", "-m", MODEL, *arguments], stdin=subprocess.DEVNULL,
+                              stdout=theirs, stderr=theirs if standard_error else subprocess.PIPE,
+                              env=environment) as tool:
+            os.close(theirs)
+            shown = b""
+            while True:
+                try:
+                    part = os.read(ours, 65536)
+                except OSError:
+                    break
+                if not part:
+                    break
+                shown += part
+            status = tool.wait(timeout=60)
+        return status, shown.decode("utf-8").replace("\r\n", "\n")
+
+    def table(self, *arguments, **options):
+        status, shown = self.show(*arguments, **options)
+        self.assertEqual(status, 0, shown)
+        return shown
+
+    def test_box_and_row_count(self):
+        self.assertEqual(self.table("SELECT Id, Name FROM Shop_Item WHERE Id < 3"), (
+            "┌────┬─────────────┐\n"
+            "│ Id │ Name        │\n"
+            "├────┼─────────────┤\n"
+            "│  1 │ plain       │\n"
+            "│  2 │ with, comma │\n"
+            "└────┴─────────────┘\n"
+            "2 rows\n"))
+
+    def test_wide_characters_are_measured(self):
+        shown = self.table("SELECT Id, Name FROM Shop_Item WHERE Id = 5")
+        self.assertIn("│  5 │ größer 日本 │\n", shown)
+        self.assertEqual(len({columns_of(line) for line in shown.splitlines()[:-1]}), 1, shown)
+        self.assertTrue(shown.endswith("\n1 row\n"))
+
+    def test_ascii_where_the_locale_is_no_utf8(self):
+        for env in ({"LANG": "C"}, {"LC_ALL": "POSIX", "LANG": "de_DE.UTF-8"}, {"LC_CTYPE": "de_DE.ISO-8859-1"}):
+            with self.subTest(env=env):
+                self.assertEqual(self.table("SELECT Id FROM Shop_Item WHERE Id = 1", env=env),
+                                 "+----+\n| Id |\n+----+\n|  1 |\n+----+\n1 row\n")
+
+    def test_fits_the_width_and_cuts_texts_before_numbers(self):
+        for width in (120, 80, 63, 45):
+            with self.subTest(width=width):
+                shown = self.table("SELECT Size, Balance, Name, Made FROM Shop_Item", width=width)
+                for line in shown.splitlines():
+                    self.assertLessEqual(columns_of(line), width, line)
+                if width >= 63:
+                    self.assertIn("18446744073709551615", shown)
+        self.assertIn("…", shown)
+        self.assertIn("a \"q…", self.table("SELECT Size, Balance, Name, Made FROM Shop_Item", width=63))
+
+    def test_cuts_between_wide_characters(self):
+        path = self.write("wide.mof", "class W { [Key] string T; };\ninstance of W { T = \"日本語日本語日本語日本語\"; };\n")
+        shown = self.table("-m", path, "SELECT T FROM W", width=20)
+        self.assertIn("│ 日本語日本語日…  │\n", shown)
+        self.assertEqual({columns_of(line) for line in shown.splitlines()[:-1]}, {20})
+
+    def test_nothing_is_cut_without_a_terminal(self):
+        text = self.succeed(self.model("SELECT Size, Balance, Name, Tags, Made, Grade, Size, Balance, Name FROM Shop_Item"))
+        self.assertNotIn("…", text)
+        self.assertGreater(max(len(line) for line in text.splitlines()), 120)
+
+    def test_other_forms_are_the_same_as_elsewhere(self):
+        for form in ("csv", "json", "jsonl", "html", "mof"):
+            query = "SELECT Id, Name FROM Shop_Item WHERE Id < 3"
+            self.assertEqual(self.table("-o", form, query), self.model("-o", form, query).out)
+
+    def test_control_characters_do_not_reach_the_terminal(self):
+        path = self.write("e.mof", 'class E { [Key] string T; };\ninstance of E { T = "a\\x1B[31mb"; };\n')
+        self.assertIn("│ a\\x1B[31mb │\n", self.table("-m", path, "SELECT T FROM E"))
+
+    def test_error_with_the_line_and_a_caret(self):
+        self.assertEqual(self.show("SELECT Id\nFROM Shop_Item\n  WHERE ,"), (1, (
+            "qorql: error: unexpected token ',' found (line 3, CIM status 16)\n"
+            "    WHERE ,\n"
+            "          ^\n")))
+
+    def test_caret_under_the_token_even_if_it_stands_there_twice(self):
+        self.assertEqual(self.show("SELECT Id, Name Name FROM Shop_Item")[1].splitlines()[1:],
+                         ["  SELECT Id, Name Name FROM Shop_Item", "                  ^"])
+
+    def test_caret_at_the_end_and_under_names(self):
+        self.assertEqual(self.show("SELECT Id FROM Shop_Item WHERE")[1].splitlines()[1:],
+                         ["  SELECT Id FROM Shop_Item WHERE", "                                ^"])
+        self.assertEqual(self.show("SELECT Id, Wheels FROM Shop_Item")[1].splitlines()[1:],
+                         ["  SELECT Id, Wheels FROM Shop_Item", "             ^"])
+
+    def test_caret_behind_wide_characters_and_in_long_lines(self):
+        self.assertEqual(self.show("SELECT Id FROM Shop_Item WHERE Name = '日本' ,")[1].splitlines()[2],
+                         " " * 47 + "^")
+        query = "SELECT Id FROM Shop_Item WHERE " + "Id = 1 AND " * 30 + ", AND " + "Id = 1 AND " * 30
+        line, caret = self.show(query, width=60)[1].splitlines()[1:]
+        self.assertLessEqual(len(line), 60)
+        self.assertEqual(line[caret.index("^")], ",")
+        self.assertTrue(line.startswith("  ...") and line.endswith("..."), line)
+
+    def test_no_caret_for_faults_of_the_data(self):
+        self.assertEqual(self.show("SELECT Id FROM Shop_Item WHERE Id / 0 = 1")[1].count("\n"), 1)
+
+
+if __name__ == "__main__":
+    toolcase.main()

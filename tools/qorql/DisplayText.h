@@ -1,0 +1,18 @@
+// How texts look on a terminal.
+#ifndef QORQL_TOOL_DISPLAYTEXT_H
+#define QORQL_TOOL_DISPLAYTEXT_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+// Characters that would break a line or speak to the terminal as \n, \t or \x1B.
+std::string printableText(std::string_view text);
+// How many columns of a terminal a printable text takes: marks that combine
+// with a letter none, the signs of East Asian scripts and pictures two.
+std::size_t displayWidth(std::string_view text);
+// The text, or as much of its beginning as fits with the mark behind it.
+// REQUIRES a printable text and a width that holds the mark.
+std::string cutText(std::string_view text, std::size_t width, std::string_view mark);
+
+#endif

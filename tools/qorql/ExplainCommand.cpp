@@ -1,0 +1,133 @@
+// What a query will do: each step in the order of execution, then warnings.
+#include "ExplainCommand.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+#include "Cimom/QORQL/QORQL_Explanation.h"
+#include "DisplayText.h"
+#include "ErrorReport.h"
+#include "ExitStatus.h"
+#include "ParsedQuery.h"
+#include "Session.h"
+#include "SessionOptions.h"
+#include "Statements.h"
+#include "SurpriseReport.h"
+
+namespace {
+
+using Step = QORQL_ExplainedStep;
+
+constexpr const char* kDescription =
+    "Explains a query without running it: the classes that it fetches and with which\n"
+    "properties, the order in which conditions apply, how classes are joined, what is\n"
+    "sorted and shown, and where the language surprises.";
+
+constexpr const char* kFooter =
+    "Exit status: 0 done; 1 the query is refused; 2 wrong usage; 3 MOF, configuration or\n"
+    "provider failure.\n"
+    "\n"
+    "Example:\n"
+    "  qorql explain \"SELECT Name FROM Linux_Process WHERE WorkingSetSize > 1000000\"";
+
+struct ExplainOptions {
+  SessionOptions session;
+  std::string query;
+};
+
+std::string labelOf(const Step& step) {
+  constexpr const char* kKinds[] = {"fetch", "associate", "", "combine", "sort", "select", "first", "fail"};
+  constexpr const char* kMethods[] = {"filter", "hash join", "key join", "product"};
+  std::string label = step.kind == Step::kCondition ? kMethods[step.method] : kKinds[step.kind];
+  label.resize(std::max<std::size_t>(label.size() + 2, 11), ' ');
+  return label;
+}
+
+std::string requestText(const Step& step) {
+  std::string text = step.className + (step.alias.empty() ? "" : " AS " + step.alias) + ": ";
+  if (step.hasAllProperties) return text + "all properties";
+  if (step.properties.empty()) return text + "no properties";
+  for (const std::string& name : step.properties) {
+    text += (&name == &step.properties.front() ? "" : ", ") + name;
+  }
+  return text;
+}
+
+std::string conditionNote(const Step& step) {
+  std::string note;
+  if (step.method == QORQL_ExecutionMonitor::kMethodFilteredProduct) note = "every pair of rows is tested";
+  if (step.dependsOnValues)
+    note += note.empty() ? "unless its keys differ in type" : ", unless values allow a join by key";
+  if (step.isDiscarded) note += (note.empty() ? "" : "; ") + std::string("computed, but decides nothing");
+  return note.empty() ? "" : "  (" + note + ")";
+}
+
+std::string textOf(const Step& step) {
+  switch (step.kind) {
+    case Step::kFetch:
+      return requestText(step);
+    case Step::kAssociate:
+      return requestText(step) + "  (one call for each " + step.source + ", through " + step.association + ")";
+    case Step::kCondition:
+      return step.text + conditionNote(step);
+    case Step::kCombine:
+      return "every combination of " + step.text + "  (no condition joins them)";
+    case Step::kFirst:
+      return step.text + (step.text == "1" ? " row is shown" : " rows are shown") +
+             "; everything before is done in full";
+    case Step::kSort:
+    case Step::kSelect:
+    case Step::kFail:
+      break;
+  }
+  return step.text;
+}
+
+int explain(const ExplainOptions& options) {
+  Session session(options.session);
+  try {
+    session.open();
+  } catch (...) {
+    return reportStartFailure();
+  }
+  std::vector<Statement> statements = splitStatements(options.query);
+  if (statements.empty()) statements.push_back({options.query, 1});
+  for (const Statement& statement : statements) {
+    ParsedQuery parsed(statement.text);
+    try {
+      parsed.parse(options.session.nameSpace, std::cout);
+      if (&statement != &statements.front()) std::cout << '\n';
+      printExplanation(std::cout, parsed, options.session.nameSpace);
+    } catch (...) {
+      session.dropWarnings();
+      std::cout.flush();
+      return reportFailure(statement, parsed.faultOffset());
+    }
+  }
+  return kExitDone;
+}
+
+}  // namespace
+
+void printExplanation(std::ostream& out, ParsedQuery& parsed, const std::string& nameSpace) {
+  const QORQL_Explanation explanation(parsed.query(), parsed.symbols(), QORString(nameSpace));
+  int number = 0;
+  for (const Step& step : explanation.steps()) {
+    std::string place = std::to_string(++number);
+    if (place.size() < 2) place.insert(0, 1, ' ');
+    out << place << "  " << labelOf(step) << printableText(textOf(step)) << '\n';
+  }
+  if (explanation.isPreFiltered()) {
+    out << "    note: the provider filters and sorts itself: WHERE without association and ORDER BY are left to it\n";
+  }
+  printSurprises(out, parsed.query(), nameSpace);
+}
+
+CommandAction declareExplainCommand(CLI::App& app) {
+  const auto options = std::make_shared<ExplainOptions>();
+  app.description(kDescription);
+  app.footer(kFooter);
+  declareSessionOptions(app, options->session);
+  app.add_option("QUERY", options->query, "One statement, or several separated by \";\"")->type_name(" ")->required();
+  return [options] { return explain(*options); };
+}

@@ -1,0 +1,17 @@
+// `qorql explain [OPTIONS] QUERY`: what a query will do.
+#ifndef QORQL_TOOL_EXPLAINCOMMAND_H
+#define QORQL_TOOL_EXPLAINCOMMAND_H
+
+#include <iosfwd>
+#include <string>
+
+#include "Command.h"
+
+class ParsedQuery;
+
+CommandAction declareExplainCommand(CLI::App& app);
+
+// The steps of a parsed statement and its surprises, one a line.
+void printExplanation(std::ostream& out, ParsedQuery& parsed, const std::string& nameSpace);
+
+#endif

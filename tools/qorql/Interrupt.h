@@ -1,0 +1,26 @@
+// Ctrl-C while a statement runs in the shell.
+#ifndef QORQL_TOOL_INTERRUPT_H
+#define QORQL_TOOL_INTERRUPT_H
+
+#include <csignal>
+
+// Output was interrupted by Ctrl-C: no fault of the statement.
+struct Interrupted {};
+
+class Interrupt {
+ public:
+  // While it lives, SIGINT is noted and not deadly. The third one that nobody
+  // takes notice of ends the program.
+  Interrupt();
+  Interrupt(const Interrupt&) = delete;
+  Interrupt& operator=(const Interrupt&) = delete;
+  ~Interrupt();
+
+  static bool isRequested() noexcept;
+  static void clear() noexcept;
+
+ private:
+  struct sigaction _before;
+};
+
+#endif

@@ -1,0 +1,41 @@
+// Watches a statement: where it is, how long each step takes, and whether it shall stop.
+#ifndef QORQL_TOOL_RUNMONITOR_H
+#define QORQL_TOOL_RUNMONITOR_H
+
+#include <array>
+#include <chrono>
+#include <vector>
+
+#include "Activity.h"
+#include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
+
+// Time is counted for the innermost step alone: a fetch inside a condition is a
+// fetch. BORROWS the activity.
+class RunMonitor : public QORQL_ExecutionMonitor {
+ public:
+  explicit RunMonitor(Activity& activity) : _activity(activity) {}
+
+  bool isStopRequested() noexcept override;
+  void stepBegins(Step step, const QORString& subject) noexcept override;
+  void stepEnds(Step step) noexcept override;
+
+  double milliseconds(Step step) const noexcept { return _milliseconds[step]; }
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  void countTime() noexcept;
+  void describe() noexcept;
+
+  struct Running {
+    Step step;
+    QORString subject;
+  };
+
+  Activity& _activity;
+  std::vector<Running> _running;
+  std::array<double, 4> _milliseconds{};
+  Clock::time_point _since;
+};
+
+#endif

@@ -1,0 +1,13 @@
+// Warnings where a statement does not mean what someone who knows SQL expects.
+#ifndef QORQL_TOOL_SURPRISEREPORT_H
+#define QORQL_TOOL_SURPRISEREPORT_H
+
+#include <iosfwd>
+#include <string>
+
+class QORQL_Query;
+
+// `qorql: warning: <text> [RULE]`, a line for each.
+void printSurprises(std::ostream& out, const QORQL_Query& query, const std::string& nameSpace);
+
+#endif
