@@ -78,7 +78,7 @@ class Collector {
     if (_model.referencePositions().empty()) return;
     const std::shared_lock<std::shared_mutex> lock(_store.mutex());
     for (const QORuint32 position : _model.referencePositions()) {
-      values[position] = _store.canonicalReference(_model.shape()->nameSpace, values[position], View::Committed);
+      values[position] = _store.providedReference(_model.shape()->nameSpace, values[position]);
     }
   }
 

@@ -109,6 +109,26 @@ QORSmrPtr<IQoriValue> ObjectStore::canonicalReference(const QORString& nameSpace
   return QORSmrPtr<IQoriValue>(new CQoriValue(canonical));
 }
 
+QORSmrPtr<IQoriValue> ObjectStore::providedReference(const QORString& nameSpace,
+                                                     const QORSmrPtr<IQoriValue>& value) const {
+  const QORSmrPtr<IQoriInstanceName> name = value.IsNull() ? QORSmrPtr<IQoriInstanceName>() : value->getReference();
+  if (name.IsNull()) return value;
+  const QORString& own = name->getNameSpacePath()->getNameSpace();
+  const ClassEntry* const entry = findClass(own.isEmpty() ? nameSpace : own, name->getClassName(), View::Committed);
+  if (entry == nullptr || name->getKeys()->entries() <= entry->model->keyPositions().size()) {
+    return canonicalReference(nameSpace, value, View::Committed);
+  }
+  const QORSmrPtr<IQoriInstanceName::KeyList> keys(new IQoriInstanceName::KeyList);
+  QORValSlistIterator<QORSmrPtr<IQoriProperty>> given(*name->getKeys());
+  while (++given) {
+    const QORsint32 position = entry->model->position(given.key()->getName());
+    if (position >= 0 && entry->model->isKey(static_cast<QORuint32>(position))) keys->append(given.key());
+  }
+  const QORSmrPtr<IQoriInstanceName> reduced(
+      new CQoriInstanceName(name->getClassName(), keys, name->getNameSpacePath()));
+  return canonicalReference(nameSpace, QORSmrPtr<IQoriValue>(new CQoriValue(reduced)), View::Committed);
+}
+
 NameSpace& ObjectStore::requireNameSpace(const QORString& name, View view) const {
   NameSpace* const space = findNameSpace(name, view);
   if (space == nullptr) refuse(CimStatus::InvalidNamespace, {"namespace ", name.view(), " does not exist"});

@@ -58,6 +58,10 @@ class ObjectStore {
   QORSmrPtr<IQoriValue> canonicalReference(const QORString& nameSpace, const QORSmrPtr<IQoriValue>& value,
                                            View view) const;
 
+  // The same for what a provider hands out, which may give more keys than the
+  // class in force has: those fall away.
+  QORSmrPtr<IQoriValue> providedReference(const QORString& nameSpace, const QORSmrPtr<IQoriValue>& value) const;
+
   void createNameSpace(const QORString& name, View view);
   void declareQualifier(const QORString& nameSpace, const CimQualifierDeclaration& declaration, View view);
   void declareClass(const QORString& nameSpace, const CimClassDeclaration& declaration, View view);

@@ -152,3 +152,13 @@ void LinuxFileSystem::enumerate(const Request& request, const Emit& emit) {
     if (wanted.isNull() || wanted == mount.target()) emitInstance(mount, properties, emit);
   }
 }
+
+std::vector<LinuxFileSystem::MountPoint> LinuxFileSystem::mountPoints() {
+  std::vector<MountPoint> points;
+  const Table table = readTable();
+  for (libmnt_fs* entry : visibleMounts(table.get())) {
+    const char* const source = mnt_fs_get_source(entry);
+    points.push_back({mnt_fs_get_target(entry), source == nullptr ? "" : source, mnt_fs_get_devno(entry)});
+  }
+  return points;
+}

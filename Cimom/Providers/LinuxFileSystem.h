@@ -2,6 +2,11 @@
 #ifndef QORQL_PROVIDERS_LINUXFILESYSTEM_H
 #define QORQL_PROVIDERS_LINUXFILESYSTEM_H
 
+#include <sys/types.h>
+
+#include <string>
+#include <vector>
+
 #include "Cimom/Embedded/InstanceProvider.h"
 
 // One instance per mount point, in the order of mounting; of several mounts on
@@ -15,6 +20,14 @@ class LinuxFileSystem : public InstanceProvider {
   QORString getClassName() const override { return kClassName; }
   // THROWS CQoriProviderException when the table of mounts cannot be read.
   void enumerate(const Request& request, const Emit& emit) override;
+
+  struct MountPoint {
+    std::string target;
+    std::string source;
+    dev_t device = 0;
+  };
+  // The mount points of the instances, in their order. THROWS as above.
+  static std::vector<MountPoint> mountPoints();
 };
 
 #endif

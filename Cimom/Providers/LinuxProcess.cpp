@@ -34,6 +34,7 @@ struct Sample {
   std::map<unsigned, std::string> userNames{};
   std::string ioCounters{};  // of the process `ioPid`
   int ioPid = 0;
+  std::map<std::string_view, LinuxValue> systemKeys{};  // the same for every process, by what they are
 
   std::string path(const char* file) const { return "/proc/" + std::to_string(pid) + "/" + file; }
 };
@@ -149,12 +150,28 @@ LinuxValue readBytesWritten(Sample& sample) { return readIoCounter(sample, "\nwr
 LinuxValue readHandle(Sample& sample) { return textValue(std::to_string(sample.pid)); }
 LinuxValue readProcessId(Sample& sample) { return uint32Value(static_cast<QORuint32>(sample.pid)); }
 
-// The keys that tie a process to its system in fuller schemas.
-LinuxValue readClassName(Sample&) { return textValue(LinuxProcess::kClassName); }
-LinuxValue readSystemClassName(Sample&) { return textValue(kLinuxComputerSystem); }
-LinuxValue readSystemName(Sample&) { return textValue(hostName()); }
-LinuxValue readOsClassName(Sample&) { return textValue(LinuxOperatingSystem::kClassName); }
-LinuxValue readOsName(Sample&) { return textValue(LinuxOperatingSystem::name().view()); }
+// The keys that tie a process to its system, made once for all processes.
+template <class Make>
+LinuxValue systemKey(Sample& sample, std::string_view name, Make make) {
+  LinuxValue& value = sample.systemKeys[name];
+  if (value.IsNull()) value = make();
+  return value;
+}
+LinuxValue readClassName(Sample& sample) {
+  return systemKey(sample, "class", [] { return textValue(LinuxProcess::kClassName); });
+}
+LinuxValue readSystemClassName(Sample& sample) {
+  return systemKey(sample, "system class", [] { return textValue(kLinuxComputerSystem); });
+}
+LinuxValue readSystemName(Sample& sample) {
+  return systemKey(sample, "system", [] { return textValue(hostName()); });
+}
+LinuxValue readOsClassName(Sample& sample) {
+  return systemKey(sample, "OS class", [] { return textValue(LinuxOperatingSystem::kClassName); });
+}
+LinuxValue readOsName(Sample& sample) {
+  return systemKey(sample, "OS", [] { return textValue(LinuxOperatingSystem::name().view()); });
+}
 
 constexpr ProcessProperty kProperties[] = {
     {"Handle", PIDS_noop, readHandle},
@@ -198,17 +215,21 @@ using Processes = std::unique_ptr<pids_info, ReleaseProcesses>;
   throw CQoriProviderException(LinuxProcess::kClassName, "The process table cannot be read", kCimErrFailed);
 }
 
+Processes openProcesses(std::vector<pids_item> items) {
+  if (access("/proc/self/stat", R_OK) != 0) raiseUnreadable(errno);
+  pids_info* processes = nullptr;
+  const int result = procps_pids_new(&processes, items.data(), static_cast<int>(items.size()));
+  if (result < 0) raiseUnreadable(-result);
+  return Processes(processes);
+}
+
 // The items of the bound properties, then the process id.
 Processes openProcesses(const BoundProperties& properties) {
   std::vector<pids_item> items;
   items.reserve(properties.size() + 1);
   for (const ProcessProperty* property : properties) items.push_back(property == nullptr ? PIDS_noop : property->item);
   items.push_back(PIDS_ID_PID);
-  if (access("/proc/self/stat", R_OK) != 0) raiseUnreadable(errno);
-  pids_info* processes = nullptr;
-  const int result = procps_pids_new(&processes, items.data(), static_cast<int>(items.size()));
-  if (result < 0) raiseUnreadable(-result);
-  return Processes(processes);
+  return openProcesses(std::move(items));
 }
 
 void emitProcess(Sample& sample, const BoundProperties& properties, const pids_stack& stack,
@@ -244,4 +265,13 @@ void LinuxProcess::enumerate(const Request& request, const Emit& emit) {
   while (const pids_stack* stack = procps_pids_get(processes.get(), PIDS_FETCH_TASKS_ONLY)) {
     emitProcess(sample, properties, *stack, emit);
   }
+}
+
+std::vector<LinuxProcess::Owner> LinuxProcess::owners() {
+  const Processes processes = openProcesses(std::vector<pids_item>{PIDS_ID_PID, PIDS_ID_EUID});
+  std::vector<Owner> owners;
+  while (const pids_stack* stack = procps_pids_get(processes.get(), PIDS_FETCH_TASKS_ONLY)) {
+    owners.push_back({stack->head[0].result.s_int, stack->head[1].result.u_int});
+  }
+  return owners;
 }

@@ -2,6 +2,10 @@
 #ifndef QORQL_PROVIDERS_LINUXPROCESS_H
 #define QORQL_PROVIDERS_LINUXPROCESS_H
 
+#include <sys/types.h>
+
+#include <vector>
+
 #include "Cimom/Embedded/InstanceProvider.h"
 
 // One instance per process, in ascending order of the kernel's process table.
@@ -16,6 +20,13 @@ class LinuxProcess : public InstanceProvider {
   QORString getClassName() const override { return kClassName; }
   // THROWS CQoriProviderException when there is no process table to read.
   void enumerate(const Request& request, const Emit& emit) override;
+
+  struct Owner {
+    int process = 0;
+    uid_t user = 0;  // the effective one
+  };
+  // The processes that there are, in the order of the instances. THROWS as above.
+  static std::vector<Owner> owners();
 };
 
 #endif

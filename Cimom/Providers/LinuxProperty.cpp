@@ -1,4 +1,4 @@
-// What a request says about the instance that is wanted.
+// What a request says about the instance that is wanted, and the pairs of associations.
 #include "Cimom/Providers/LinuxProperty.h"
 
 #include "cimom/IQoriInstanceName.h"
@@ -13,4 +13,15 @@ QORString wantedKey(const InstanceProvider::Request& request, const char* keyNam
     if (isNamed && !key.getValue().IsNull()) return key.getValue()->toString();
   }
   return {};
+}
+
+void LinuxPairs::emit(const LinuxValue& first, const LinuxValue& second) const {
+  std::vector<LinuxValue> values;
+  values.reserve(_request.propertyNames.size());
+  for (const QORString& name : _request.propertyNames) {
+    const bool isFirst = QORString::equalIgnoringCase(name.view(), _firstName);
+    const bool isSecond = QORString::equalIgnoringCase(name.view(), _secondName);
+    values.push_back(isFirst ? first : isSecond ? second : LinuxValue());
+  }
+  _emit(std::move(values));
 }

@@ -47,4 +47,21 @@ void emitInstance(Source& source, const std::vector<const LinuxProperty<Source>*
   emit(std::move(values));
 }
 
+// Takes the two ends of an association's instances; the other properties of the
+// class are NULL. Belongs to one enumeration; BORROWS request and emit.
+class LinuxPairs {
+ public:
+  LinuxPairs(const InstanceProvider::Request& request, const InstanceProvider::Emit& emit, const char* firstName,
+             const char* secondName)
+      : _request(request), _emit(emit), _firstName(firstName), _secondName(secondName) {}
+
+  void emit(const LinuxValue& first, const LinuxValue& second) const;
+
+ private:
+  const InstanceProvider::Request& _request;
+  const InstanceProvider::Emit& _emit;
+  const char* _firstName;
+  const char* _secondName;
+};
+
 #endif

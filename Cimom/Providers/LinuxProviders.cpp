@@ -1,16 +1,38 @@
 // Registration of the Linux providers and of the schema they need.
 #include "Cimom/Providers/LinuxProviders.h"
 
+#include "Cimom/Providers/LinuxBlockDevice.h"
 #include "Cimom/Providers/LinuxFileSystem.h"
+#include "Cimom/Providers/LinuxFileSystemDevice.h"
+#include "Cimom/Providers/LinuxGroup.h"
+#include "Cimom/Providers/LinuxGroupMember.h"
+#include "Cimom/Providers/LinuxListeningPort.h"
 #include "Cimom/Providers/LinuxNetworkPort.h"
 #include "Cimom/Providers/LinuxOperatingSystem.h"
 #include "Cimom/Providers/LinuxProcess.h"
+#include "Cimom/Providers/LinuxProcessOwner.h"
+#include "Cimom/Providers/LinuxProcessPort.h"
 #include "Cimom/Providers/LinuxProcessor.h"
+#include "Cimom/Providers/LinuxService.h"
+#include "Cimom/Providers/LinuxServiceProcess.h"
+#include "Cimom/Providers/LinuxUser.h"
 
 void registerLinuxProviders(EmbeddedObjectManager& manager, const QORString& nameSpace) {
-  const std::shared_ptr<InstanceProvider> providers[] = {
-      std::make_shared<LinuxProcess>(), std::make_shared<LinuxFileSystem>(), std::make_shared<LinuxOperatingSystem>(),
-      std::make_shared<LinuxProcessor>(), std::make_shared<LinuxNetworkPort>()};
+  const std::shared_ptr<InstanceProvider> providers[] = {std::make_shared<LinuxProcess>(),
+                                                         std::make_shared<LinuxFileSystem>(),
+                                                         std::make_shared<LinuxOperatingSystem>(),
+                                                         std::make_shared<LinuxProcessor>(),
+                                                         std::make_shared<LinuxNetworkPort>(),
+                                                         std::make_shared<LinuxBlockDevice>(),
+                                                         std::make_shared<LinuxListeningPort>(),
+                                                         std::make_shared<LinuxUser>(),
+                                                         std::make_shared<LinuxGroup>(),
+                                                         std::make_shared<LinuxService>(),
+                                                         std::make_shared<LinuxProcessOwner>(),
+                                                         std::make_shared<LinuxProcessPort>(),
+                                                         std::make_shared<LinuxFileSystemDevice>(),
+                                                         std::make_shared<LinuxGroupMember>(),
+                                                         std::make_shared<LinuxServiceProcess>()};
   for (const std::shared_ptr<InstanceProvider>& provider : providers) {
     const bool isDeclared = !manager.sink().findClass(nameSpace, provider->getClassName()).IsNull();
     if (isDeclared) manager.registerProvider(nameSpace, provider);

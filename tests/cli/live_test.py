@@ -3,6 +3,8 @@ import csv
 import io
 import json
 import os
+import pwd
+import socket
 import subprocess
 import sys
 import unittest
@@ -104,12 +106,30 @@ class Live(ToolCase):
 
     def test_every_property_of_every_class(self):
         for name in ("Linux_Process", "Linux_FileSystem", "Linux_OperatingSystem", "Linux_Processor",
-                     "Linux_NetworkPort"):
+                     "Linux_NetworkPort", "Linux_User", "Linux_Group", "Linux_ProcessOwner", "Linux_GroupMember"):
             with self.subTest(name=name):
                 text = self.succeed(self.run_tool("-o", "csv", f"SELECT * FROM {name}"))
                 rows = list(csv.reader(io.StringIO(text)))
                 self.assertGreater(len(rows), 1)
                 self.assertEqual({len(row) for row in rows}, {len(rows[0])})
+
+    def test_a_process_and_its_port(self):
+        with socket.socket() as waiting:
+            waiting.bind(("127.0.0.1", 0))
+            waiting.listen()
+            port = waiting.getsockname()[1]
+            rows = self.rows("SELECT P.Handle, L.PortNumber FROM Linux_Process AS P, Linux_ListeningPort AS L "
+                             f"WHERE Linux_ProcessPort = P AND Linux_ProcessPort = L AND P.Handle = '{os.getpid()}'")
+            self.assertEqual(rows, [{"Handle": str(os.getpid()), "PortNumber": port}])
+            rows = self.rows("SELECT P.Handle AS H FROM Linux_Process AS P, Linux_ListeningPort AS L "
+                             f"WHERE P.ProcessID = L.ProcessID AND L.PortNumber = {port} AND L.Protocol = 'tcp'")
+            self.assertEqual(rows, [{"H": str(os.getpid())}])
+
+    def test_a_process_and_its_user(self):
+        rows = self.rows("SELECT U.UserNumber, U.HomeFolder FROM Linux_Process AS P, Linux_User AS U "
+                         f"WHERE Linux_ProcessOwner = P AND Linux_ProcessOwner = U AND P.Handle = '{os.getpid()}'")
+        user = pwd.getpwuid(os.geteuid())
+        self.assertEqual(rows, [{"UserNumber": user.pw_uid, "HomeFolder": user.pw_dir}])
 
     def test_join_with_stored_instances(self):
         path = self.write("watch.mof", QUALIFIERS + "class Watch { [Key] string Program; string Why; };\n"
@@ -121,7 +141,8 @@ class Live(ToolCase):
     def test_other_namespace(self):
         rows = self.rows(f"SELECT OBJECTPATH(P) AS O FROM Linux_Process AS P WHERE Handle = '{os.getpid()}'",
                          "-n", "root/live")
-        self.assertEqual(rows, [{"O": f'root/live:Linux_Process.Handle="{os.getpid()}"'}])
+        self.assertIn("root/live:Linux_Process.CreationClassName=", rows[0]["O"])
+        self.assertIn(f',Handle="{os.getpid()}",', rows[0]["O"])
 
     def test_without_live_classes_there_are_none(self):
         result = self.run_tool("--no-live", "-m", MODEL, "SELECT Handle FROM Linux_Process")

@@ -14,8 +14,12 @@ namespace {
 using ::testing::HasSubstr;
 
 constexpr const char* kNamespace = "root/cimv2";
-constexpr const char* kClasses[] = {"Linux_Process", "Linux_FileSystem", "Linux_OperatingSystem", "Linux_Processor",
-                                    "Linux_NetworkPort"};
+// Those of which every machine has instances.
+constexpr const char* kClasses[] = {"Linux_Process",   "Linux_FileSystem",   "Linux_OperatingSystem",
+                                    "Linux_Processor", "Linux_NetworkPort",  "Linux_User",
+                                    "Linux_Group",     "Linux_ProcessOwner", "Linux_GroupMember"};
+constexpr const char* kOtherClasses[] = {"Linux_BlockDevice", "Linux_ListeningPort",    "Linux_Service",
+                                         "Linux_ProcessPort", "Linux_FileSystemDevice", "Linux_ServiceProcess"};
 
 class LinuxProviders : public testing::Test {
  protected:
@@ -52,7 +56,16 @@ class LinuxProviders : public testing::Test {
 TEST_F(LinuxProviders, SchemaIsMofThatLoads) {
   load(linuxSchemaMof());
   for (const char* name : kClasses) EXPECT_FALSE(_manager.sink().findClass(kNamespace, name).IsNull()) << name;
+  for (const char* name : kOtherClasses) EXPECT_FALSE(_manager.sink().findClass(kNamespace, name).IsNull()) << name;
   EXPECT_EQ(_manager.sink().findClass(kNamespace, "Linux_Process")->getSuperClassName(), "CIM_Process");
+}
+
+TEST_F(LinuxProviders, EveryClassOfTheSchemaHasAProvider) {
+  addLiveClasses();
+  for (const char* name : kOtherClasses) EXPECT_FALSE(enumerate(name).IsNull()) << name;
+  std::size_t count = 0;
+  for (const QORString& name : _manager.classNames(kNamespace)) count += name.beginsWith("Linux_") ? 1U : 0U;
+  EXPECT_EQ(count, std::size(kClasses) + std::size(kOtherClasses));
 }
 
 TEST_F(LinuxProviders, EveryClassHasInstancesWithAPath) {
@@ -77,7 +90,7 @@ TEST_F(LinuxProviders, EveryDeclaredPropertyIsKnownToItsProvider) {
       if (std::find(never.begin(), never.end(), property) != never.end()) continue;
       const bool mayBeNull = property == "Speed" || property == "Vendor" || property == "CurrentClockSpeed" ||
                              property == "Caption" || property == "Name" || property == "ElementName" ||
-                             property == "Version";
+                             property == "Version" || property == "FullName";
       bool hasValue = false;
       QORValSlistIterator<QORSmrPtr<IQoriObject>> instance(*instances);
       while (instance()) hasValue |= !instance.key()->getProperty(declared.name, true)->getValue().IsNull();

@@ -1,0 +1,163 @@
+// The kernel's tables of sockets name an inode for each; the open files of a
+// process are links to "socket:[inode]".
+#include "Cimom/Providers/LinuxSockets.h"
+
+#include <arpa/inet.h>
+#include <dirent.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <cstring>
+#include <memory>
+#include <unordered_set>
+
+#include "Cimom/Providers/LinuxValues.h"
+#include "cimom/CQoriProviderException.h"
+
+namespace {
+
+constexpr QORuint32 kCimErrFailed = 1;
+constexpr std::string_view kTcpListen = "0A";
+constexpr std::string_view kUdpUnconnected = "07";
+
+// The words of a line, which blanks separate.
+std::vector<std::string_view> wordsOf(std::string_view line) {
+  std::vector<std::string_view> words;
+  while (!line.empty()) {
+    const std::size_t start = line.find_first_not_of(" \t");
+    if (start == std::string_view::npos) break;
+    const std::size_t end = std::min(line.find_first_of(" \t", start), line.size());
+    words.push_back(line.substr(start, end - start));
+    line.remove_prefix(end);
+  }
+  return words;
+}
+
+template <class Number>
+bool readNumber(std::string_view text, Number& number, int base) {
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, base);
+  return error == std::errc() && end == text.data() + text.size();
+}
+
+// The kernel prints each 4 bytes of an address as one number of its own byte order.
+bool readAddress(std::string_view digits, bool isVersion6, std::string& address) {
+  std::array<QORuint32, 4> words{};
+  const std::size_t count = isVersion6 ? 4 : 1;
+  if (digits.size() != count * 8) return false;
+  for (std::size_t i = 0; i < count; ++i) {
+    if (!readNumber(digits.substr(i * 8, 8), words[i], 16)) return false;
+  }
+  std::array<char, INET6_ADDRSTRLEN> text{};
+  if (inet_ntop(isVersion6 ? AF_INET6 : AF_INET, words.data(), text.data(), text.size()) == nullptr) return false;
+  address = text.data();
+  return true;
+}
+
+bool readEnd(std::string_view text, bool isVersion6, LinuxSocket& socket) {
+  const std::size_t colon = text.find(':');
+  return colon != std::string_view::npos && readAddress(text.substr(0, colon), isVersion6, socket.address) &&
+         readNumber(text.substr(colon + 1), socket.port, 16);
+}
+
+// Columns: number, local end, remote end, state, queues, timer, retransmissions, user, timeout, inode.
+bool readLine(std::string_view line, LinuxSocket& socket) {
+  const std::vector<std::string_view> words = wordsOf(line);
+  if (words.size() < 10) return false;
+  const bool isTcp = std::strcmp(socket.protocol, "tcp") == 0;
+  return words[3] == (isTcp ? kTcpListen : kUdpUnconnected) && readEnd(words[1], socket.isVersion6, socket) &&
+         readNumber(words[7], socket.user, 10) && readNumber(words[9], socket.inode, 10);
+}
+
+struct CloseFolder {
+  void operator()(DIR* folder) const noexcept { closedir(folder); }
+};
+using Folder = std::unique_ptr<DIR, CloseFolder>;
+
+std::vector<int> readProcessIds() {
+  std::vector<int> ids;
+  const Folder proc(opendir("/proc"));
+  while (const dirent* entry = proc == nullptr ? nullptr : readdir(proc.get())) {
+    int id = 0;
+    if (readNumber(std::string_view(entry->d_name), id, 10)) ids.push_back(id);
+  }
+  std::sort(ids.begin(), ids.end());
+  return ids;
+}
+
+// The inode of a link to a socket; 0 for a link to something else.
+QORuint64 socketBehind(const std::string& link) {
+  constexpr std::string_view kSocket = "socket:[";
+  std::array<char, 64> target{};
+  const ssize_t length = readlink(link.c_str(), target.data(), target.size());
+  std::string_view text(target.data(), static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
+  QORuint64 inode = 0;
+  if (text.substr(0, kSocket.size()) != kSocket || text.back() != ']') return 0;
+  text = text.substr(kSocket.size(), text.size() - kSocket.size() - 1);
+  return readNumber(text, inode, 10) ? inode : 0;
+}
+
+}  // namespace
+
+void parseSocketTable(std::string_view table, const char* protocol, bool isVersion6, std::vector<LinuxSocket>& out) {
+  std::unordered_set<std::string> names;
+  for (const LinuxSocket& known : out) names.insert(known.name);
+  while (!table.empty()) {
+    const std::size_t end = std::min(table.find('\n'), table.size());
+    LinuxSocket socket;
+    socket.protocol = protocol;
+    socket.isVersion6 = isVersion6;
+    if (readLine(table.substr(0, end), socket)) {
+      const std::string host = isVersion6 ? '[' + socket.address + ']' : socket.address;
+      socket.name = std::string(protocol) + ':' + host + ':' + std::to_string(socket.port);
+      if (!names.insert(socket.name).second) socket.name += '#' + std::to_string(socket.inode);
+      out.push_back(std::move(socket));
+    }
+    table.remove_prefix(std::min(end + 1, table.size()));
+  }
+}
+
+std::vector<LinuxSocket> readWaitingSockets() {
+  struct Table {
+    const char* path;
+    const char* protocol;
+    bool isVersion6;
+  };
+  constexpr Table kTables[] = {{"/proc/self/net/tcp", "tcp", false},
+                               {"/proc/self/net/tcp6", "tcp", true},
+                               {"/proc/self/net/udp", "udp", false},
+                               {"/proc/self/net/udp6", "udp", true}};
+  std::vector<LinuxSocket> sockets;
+  bool hasTable = false;
+  for (const Table& table : kTables) {
+    const std::string content = readSmallFile(table.path);
+    // A kernel without IPv6 has no such table.
+    if (content.empty() && errno != 0) {
+      if (errno != ENOENT) logUnreadable(table.path, errno);
+      continue;
+    }
+    hasTable = true;
+    parseSocketTable(content, table.protocol, table.isVersion6, sockets);
+  }
+  if (!hasTable) throw CQoriProviderException("Linux sockets", "The tables of sockets cannot be read", kCimErrFailed);
+  return sockets;
+}
+
+std::unordered_map<QORuint64, std::vector<int>> readSocketHolders(const std::vector<LinuxSocket>& sockets) {
+  std::unordered_map<QORuint64, std::vector<int>> holders;
+  for (const LinuxSocket& socket : sockets) holders.try_emplace(socket.inode);
+  for (const int pid : readProcessIds()) {
+    const std::string path = "/proc/" + std::to_string(pid) + "/fd";
+    const Folder files(opendir(path.c_str()));
+    // A process that has ended meanwhile holds nothing.
+    if (files == nullptr && errno != ENOENT && errno != ESRCH) logUnreadable(path, errno);
+    while (const dirent* entry = files == nullptr ? nullptr : readdir(files.get())) {
+      const auto found = holders.find(socketBehind(path + '/' + entry->d_name));
+      const bool isNew = found != holders.end() && (found->second.empty() || found->second.back() != pid);
+      if (isNew && found->first != 0) found->second.push_back(pid);
+    }
+  }
+  return holders;
+}

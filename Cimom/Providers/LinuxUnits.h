@@ -1,0 +1,48 @@
+// The units that systemd manages, asked for over its bus.
+#ifndef QORQL_PROVIDERS_LINUXUNITS_H
+#define QORQL_PROVIDERS_LINUXUNITS_H
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "cmpbase.h"
+
+struct sd_bus;
+
+// One connection; belongs to one thread at a time.
+class LinuxUnits {
+ public:
+  // Hands over a connection to systemd's bus, or null where systemd does not
+  // run. THROWS CQoriProviderException when it runs and cannot be reached.
+  using Connect = std::function<sd_bus*()>;
+  static sd_bus* connectSystem();
+
+  struct Unit {
+    std::string name;  // "ssh.service"
+    std::string description;
+    std::string loadState;    // loaded, masked, error, ...
+    std::string activeState;  // active, inactive, failed, ...
+    std::string subState;     // running, exited, dead, ...
+    std::string path;         // the bus object of it
+  };
+
+  explicit LinuxUnits(const Connect& connect);
+  LinuxUnits(const LinuxUnits&) = delete;
+  LinuxUnits& operator=(const LinuxUnits&) = delete;
+  ~LinuxUnits();
+
+  // The services in the order in which systemd lists them, without those that
+  // are only mentioned by others. Empty where systemd does not run. THROWS
+  // CQoriProviderException when it does not answer.
+  std::vector<Unit> services();
+  // 0 when it has none or does not tell, which the log then shows.
+  QORuint32 mainProcess(const Unit& unit);
+  // "enabled", "disabled", "static", ...; empty when it has none or does not tell.
+  std::string fileState(const Unit& unit);
+
+ private:
+  sd_bus* _bus;  // OWNS; null where systemd does not run
+};
+
+#endif

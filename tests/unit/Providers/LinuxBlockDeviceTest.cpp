@@ -1,0 +1,64 @@
+// Block devices, beside what the kernel's folder of them shows.
+#include <filesystem>
+#include <fstream>
+
+#include "Cimom/Providers/LinuxBlockDevice.h"
+#include "ProviderFixture.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string contentOf(const fs::path& path) {
+  std::ifstream in(path);
+  std::string word;
+  in >> word;
+  return word;
+}
+
+class LinuxBlockDeviceTest : public testing::Test {
+ protected:
+  // Those that the kernel lists and that have a node.
+  static std::vector<fs::path> folders() {
+    std::vector<fs::path> found;
+    std::error_code error;
+    for (const fs::directory_entry& entry : fs::directory_iterator("/sys/class/block", error))
+      found.push_back(entry.path());
+    return found;
+  }
+};
+
+TEST_F(LinuxBlockDeviceTest, ShowsEveryDeviceOfTheKernel) {
+  LinuxBlockDevice provider;
+  const auto rows = enumerateRows(provider, {"Name", "DeviceID", "Size", "DeviceNumber", "ReadOnly", "DeviceType",
+                                             "Disk", "BlockSize", "NumberOfBlocks", "BytesRead"});
+  EXPECT_EQ(rows.size(), folders().size());
+  for (const fs::path& folder : folders()) {
+    const ProvidedRow row = findRow(rows, folder.filename().string());
+    ASSERT_EQ(row.size(), 10U) << folder;
+    EXPECT_EQ(textOf(row[1]).rfind("/dev/", 0), 0U);
+    EXPECT_EQ(textOf(row[2]), std::to_string(std::stoull(contentOf(folder / "size")) * 512));
+    EXPECT_EQ(textOf(row[3]), contentOf(folder / "dev"));
+    EXPECT_EQ(textOf(row[4]), contentOf(folder / "ro") == "1" ? "TRUE" : "FALSE");
+    const bool isPartition = fs::exists(folder / "partition");
+    EXPECT_EQ(textOf(row[5]), isPartition ? "partition" : "disk");
+    EXPECT_EQ(row[6].IsNull(), !isPartition);
+    ASSERT_FALSE(row[7].IsNull());
+    EXPECT_EQ(row[8]->getUint64(), row[2]->getUint64() / row[7]->getUint64());
+    EXPECT_FALSE(row[9].IsNull());
+  }
+}
+
+TEST_F(LinuxBlockDeviceTest, GivesTheOneThatIsWanted) {
+  LinuxBlockDevice provider;
+  for (const ProvidedRow& row : enumerateRows(provider, {"DeviceID", "Name"})) {
+    const auto found = enumerateRows(provider, {"Name"}, nameOf(provider, "DeviceID", textOf(row[0])));
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_EQ(textOf(found[0][0]), textOf(row[1]));
+  }
+  EXPECT_TRUE(enumerateRows(provider, {"Name"}, nameOf(provider, "DeviceID", "/dev/nothing")).empty());
+}
+
+TEST_F(LinuxBlockDeviceTest, ANumberOfNoDeviceHasNoNode) { EXPECT_EQ(LinuxBlockDevice::nodeOf(0), ""); }
+
+}  // namespace

@@ -1,0 +1,153 @@
+// Services, asked of a systemd that this test plays over a socket pair.
+#include <sys/socket.h>
+#include <systemd/sd-bus.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <cstring>
+#include <thread>
+
+#include "Cimom/Providers/LinuxService.h"
+#include "Cimom/Providers/LinuxServiceProcess.h"
+#include "ProviderFixture.h"
+#include "cimom/CQoriProviderException.h"
+
+namespace {
+
+constexpr const char* kManager = "org.freedesktop.systemd1.Manager";
+
+// What the other end of the bus answers.
+enum class Mood { Healthy, RefusesList, RefusesProperties, AnswersNonsense };
+
+int answerList(sd_bus_message* call, Mood mood) {
+  if (mood == Mood::RefusesList) return sd_bus_reply_method_errnof(call, EACCES, "no");
+  if (mood == Mood::AnswersNonsense) return sd_bus_reply_method_return(call, "s", "nonsense");
+  return sd_bus_reply_method_return(
+      call, "a(ssssssouso)", 3,                                                            //
+      "a.service", "The first", "loaded", "active", "running", "", "/unit/a", 0, "", "/",  //
+      "b.service", "The second", "loaded", "inactive", "dead", "", "/unit/b", 0, "", "/",  //
+      "c.service", "c.service", "not-found", "inactive", "dead", "", "/unit/c", 0, "", "/");
+}
+
+int answerProperty(sd_bus_message* call, Mood mood) {
+  const char* interface = nullptr;
+  const char* property = nullptr;
+  if (sd_bus_message_read(call, "ss", &interface, &property) < 0) return -EINVAL;
+  const bool isFirst = std::strcmp(sd_bus_message_get_path(call), "/unit/a") == 0;
+  if (mood == Mood::RefusesProperties && isFirst) return sd_bus_reply_method_errnof(call, EACCES, "no");
+  if (std::strcmp(property, "MainPID") == 0) return sd_bus_reply_method_return(call, "v", "u", isFirst ? 4711U : 0U);
+  return sd_bus_reply_method_return(call, "v", "s", isFirst ? "enabled" : "");
+}
+
+int answer(sd_bus_message* call, void* mood, sd_bus_error*) {
+  const Mood given = *static_cast<const Mood*>(mood);
+  if (sd_bus_message_is_method_call(call, kManager, "ListUnitsByPatterns") > 0) return answerList(call, given);
+  if (sd_bus_message_is_method_call(call, "org.freedesktop.DBus.Properties", "Get") > 0)
+    return answerProperty(call, given);
+  return 0;
+}
+
+// The other end, on a thread of its own for the time of one connection.
+class PlayedSystemd {
+ public:
+  explicit PlayedSystemd(Mood mood) : _mood(mood) {}
+  PlayedSystemd(const PlayedSystemd&) = delete;
+  PlayedSystemd& operator=(const PlayedSystemd&) = delete;
+  ~PlayedSystemd() {
+    for (std::thread& thread : _threads) thread.join();
+  }
+
+  // A connection as the provider makes it.
+  sd_bus* connect() {
+    std::array<int, 2> ends{};
+    EXPECT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()), 0);
+    _threads.emplace_back([this, end = ends[1]] { serve(end); });
+    sd_bus* bus = nullptr;
+    EXPECT_GE(sd_bus_new(&bus), 0);
+    EXPECT_GE(sd_bus_set_fd(bus, ends[0], ends[0]), 0);
+    EXPECT_GE(sd_bus_start(bus), 0);
+    return bus;
+  }
+
+ private:
+  void serve(int end) {
+    sd_bus* bus = nullptr;
+    sd_id128_t id{};
+    id.bytes[0] = 1;
+    EXPECT_GE(sd_bus_new(&bus), 0);
+    EXPECT_GE(sd_bus_set_fd(bus, end, end), 0);
+    EXPECT_GE(sd_bus_set_server(bus, 1, id), 0);
+    EXPECT_GE(sd_bus_add_filter(bus, nullptr, answer, &_mood), 0);
+    EXPECT_GE(sd_bus_start(bus), 0);
+    while (sd_bus_is_open(bus) > 0) {
+      const int done = sd_bus_process(bus, nullptr);
+      if (done < 0) break;
+      if (done == 0 && sd_bus_wait(bus, UINT64_MAX) < 0) break;
+    }
+    sd_bus_close_unref(bus);
+  }
+
+  Mood _mood;
+  std::vector<std::thread> _threads;
+};
+
+std::vector<ProvidedRow> servicesOf(Mood mood, const std::vector<std::string>& properties,
+                                    const QORSmrPtr<IQoriInstanceName>& only = {}) {
+  PlayedSystemd systemd(mood);
+  LinuxService provider([&systemd] { return systemd.connect(); });
+  return enumerateRows(provider, properties, only);
+}
+
+TEST(LinuxService, ShowsWhatSystemdHasLoaded) {
+  const auto rows = servicesOf(Mood::Healthy, {"Name", "Description", "Started", "ActiveState", "SubState", "LoadState",
+                                               "StartMode", "UnitFileState", "MainProcessID"});
+  ASSERT_EQ(rows.size(), 2U) << "what is only mentioned is no service";
+  std::vector<std::string> first;
+  std::vector<std::string> second;
+  for (const auto& value : rows[0]) first.push_back(textOf(value));
+  for (const auto& value : rows[1]) second.push_back(textOf(value));
+  EXPECT_EQ(first, (std::vector<std::string>{"a.service", "The first", "TRUE", "active", "running", "loaded",
+                                             "Automatic", "enabled", "4711"}));
+  EXPECT_EQ(second, (std::vector<std::string>{"b.service", "The second", "FALSE", "inactive", "dead", "loaded",
+                                              "(null)", "(null)", "(null)"}));
+}
+
+TEST(LinuxService, GivesTheOneThatIsWanted) {
+  LinuxService named;
+  const auto rows = servicesOf(Mood::Healthy, {"Name"}, nameOf(named, "Name", "b.service"));
+  ASSERT_EQ(rows.size(), 1U);
+  EXPECT_EQ(textOf(rows[0][0]), "b.service");
+}
+
+TEST(LinuxService, APropertyThatIsRefusedIsNullOfThatServiceAlone) {
+  const auto rows = servicesOf(Mood::RefusesProperties, {"Name", "MainProcessID", "UnitFileState", "ActiveState"});
+  ASSERT_EQ(rows.size(), 2U);
+  EXPECT_TRUE(rows[0][1].IsNull());
+  EXPECT_TRUE(rows[0][2].IsNull());
+  EXPECT_EQ(textOf(rows[0][3]), "active");
+}
+
+TEST(LinuxService, AListThatIsRefusedOrUnreadableIsTheProvidersFailure) {
+  EXPECT_THROW(servicesOf(Mood::RefusesList, {"Name"}), CQoriProviderException);
+  EXPECT_THROW(servicesOf(Mood::AnswersNonsense, {"Name"}), CQoriProviderException);
+}
+
+TEST(LinuxService, ThereAreNoneWhereSystemdDoesNotRun) {
+  LinuxService provider([]() -> sd_bus* { return nullptr; });
+  EXPECT_TRUE(enumerateRows(provider, {"Name", "MainProcessID"}).empty());
+  LinuxServiceProcess processes([]() -> sd_bus* { return nullptr; });
+  EXPECT_TRUE(enumerateRows(processes, {"Service", "Process"}).empty());
+}
+
+TEST(LinuxServiceProcess, TiesAServiceToItsMainProcess) {
+  PlayedSystemd systemd(Mood::Healthy);
+  LinuxServiceProcess provider([&systemd] { return systemd.connect(); });
+  const auto rows = enumerateRows(provider, {"Service", "Process"});
+  ASSERT_EQ(rows.size(), 1U);
+  EXPECT_NE(textOf(rows[0][0]).find("Name=\"a.service\""), std::string::npos);
+  EXPECT_NE(textOf(rows[0][1]).find("Handle=\"4711\""), std::string::npos);
+}
+
+}  // namespace
