@@ -28,9 +28,14 @@ void CQLMatcher::addExpression(const CQLQueryStatement& statement, const QORSmrP
   }
 }
 
+// A condition that an instance's failure leaves undecided does not hold.
 const CQLCondition* CQLMatcher::firstFailure(const QORSmrPtr<IQoriObject>& instance) const {
   for (const std::unique_ptr<CQLCondition>& condition : _conditions) {
-    if (!condition->holds(instance)) return condition.get();
+    try {
+      if (!condition->holds(instance)) return condition.get();
+    } catch (...) {
+      return condition.get();
+    }
   }
   return nullptr;
 }

@@ -103,9 +103,9 @@ void QORQL_ResultReader::nameColumns() {
     const QORQL_SelectedEntry& entry = *source.entry;
     QORString shortName(source.propertyName);
     QORString fullName(source.className + "." + source.propertyName);
-    if (shortName.isEmpty() && !entry.getAlias().isEmpty()) {
+    if (source.className.isEmpty() && !entry.getAlias().isEmpty()) {
       shortName = fullName = entry.getAlias();
-    } else if (shortName.isEmpty()) {
+    } else if (source.className.isEmpty()) {
       const bool isObject = entry.getPropertyName().isEmpty();
       shortName = isObject ? entry.getClassName() : entry.getPropertyName();
       fullName = isObject ? entry.getClassName() : QORQL_SelectList::_getCellName(entry);
@@ -177,6 +177,6 @@ QORSmrPtr<IQoriValue> QORQL_ResultReader::propertyOf(const Source& source) {
 
 QORSmrPtr<IQoriValue> QORQL_ResultReader::value(std::size_t index) {
   const Source& source = _sources[index];
-  if (!source.propertyName.isEmpty()) return propertyOf(source);
+  if (!source.className.isEmpty()) return propertyOf(source);
   return _isAggregate ? source.entry->GetAggregateValue() : _reader.value(source.slot);
 }

@@ -42,8 +42,8 @@ class QORQL_ResultReader {
   // Where a column's values come from.
   struct Source {
     QORSmrPtr<QORQL_SelectedEntry> entry;
-    QORString className;     // of a property that `*` or C.* expands to
-    QORString propertyName;  // empty: the entry itself
+    QORString className;  // of a property that `*` or C.* expands to; empty: the entry itself
+    QORString propertyName;
     std::size_t slot = 0;
   };
 
