@@ -52,13 +52,17 @@ class QORQL_DataTable {
   void setRows(const RowList& rows);
   // Inserts a cell. THROWS as addColumn when row or column lies past the count.
   void addRowCell(QORuint32 row, QORuint32 column, const QORSmrPtr<IQoriObject>& object);
+  // Makes the rows. THROWS QORBoundsException past the end.
   QORSmrPtr<QORQL_DataRow> getRow(QORuint32 index);
+  // Makes the rows. Shared: callers see and change the table's own list.
   RowList getRows();
+  // THROWS QORBoundsException past the end.
   QORSmrPtr<QORQL_TableHeader> getColumnHeader(QORuint32 index) const;
   HeaderList getColumnHeaderList() const { return _columnHeader; }
   // By name or alias, ignoring case; null, or -1, when there is none.
   QORSmrPtr<QORQL_TableHeader> getColumnHeaderByName(const QORString& name) const;
   QORsint32 getColumnIndex(const QORString& name) const;
+  // May be null. THROWS as addRowCell, and QORBoundsException for a cell that the row has not.
   QORSmrPtr<IQoriObject> getCell(QORuint32 row, QORuint32 column);
   // Costs nothing, also while the rows do not exist yet.
   QORuint32 getRowCount() const noexcept;

@@ -53,7 +53,12 @@ class QORQL_Query : public QORQL_Executable {
   const QORString& getQueryLanguage() const noexcept { return _queryLanguage; }
 
   // Runs FROM, WHERE, ORDER BY and the select list on `table`, which is replaced
-  // by the result. With a stream, writes the result as an XML table.
+  // by the result. With a stream (BORROWED, may be null), writes the result as an
+  // XML table. REQUIRES the symbol table that parse filled, and a fresh table.
+  // THROWS QORQL_Exception, QORQL_ParseException (code 15, line 0: an aggregate
+  // that cannot be streamed) and what providers and values throw; the table then
+  // holds what the finished steps left in it. What fails while result rows are
+  // built or written is logged instead, and ends the rows.
   void execute(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, std::ostream* out,
                const QORString& nameSpace) override;
 
