@@ -159,6 +159,15 @@ void EmbeddedObjectManager::registerProvider(const QORString& nameSpace, std::sh
   _state->store->addSource(nameSpace, className, std::move(provider));
 }
 
+std::vector<QORString> EmbeddedObjectManager::liveClassNames(const QORString& nameSpace) const {
+  const ReadLock lock(_state->store->mutex());
+  std::vector<QORString> names;
+  const NameSpace* const space = _state->store->findNameSpace(nameSpace, View::Committed);
+  if (space == nullptr) return names;
+  for (const embedded::LiveSource& source : space->sources) names.push_back(source.entry->name());
+  return names;
+}
+
 QORSmrPtr<IQoriInstanceName> EmbeddedObjectManager::createInstance(const QORString& nameSpace,
                                                                    const CimInstanceDeclaration& declaration) {
   const WriteLock lock(_state->store->mutex());

@@ -67,6 +67,8 @@ class EmbeddedObjectManager {
   // THROWS QoriBaseException (type "CIM_Repository"). Live instances come after
   // stored ones, in the order of registration; one whose path is stored is left out.
   void registerProvider(const QORString& nameSpace, std::shared_ptr<InstanceProvider> provider);
+  // The classes that have one, in the order of registration; empty when the namespace does not exist.
+  std::vector<QORString> liveClassNames(const QORString& nameSpace) const;
 
   // Changes to stored instances. THROW as CimDeclarationSink::createInstance.
   QORSmrPtr<IQoriInstanceName> createInstance(const QORString& nameSpace, const CimInstanceDeclaration& declaration);

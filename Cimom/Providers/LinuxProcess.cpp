@@ -232,6 +232,15 @@ Processes openProcesses(const BoundProperties& properties) {
   return openProcesses(std::move(items));
 }
 
+// An item that several properties need: the library gives its text to the first
+// alone, the others get a text that says so.
+std::size_t placeOfItem(const BoundProperties& properties, std::size_t property) {
+  for (std::size_t i = 0; i < property; ++i) {
+    if (properties[i] != nullptr && properties[i]->item == properties[property]->item) return i;
+  }
+  return property;
+}
+
 void emitProcess(Sample& sample, const BoundProperties& properties, const pids_stack& stack,
                  const InstanceProvider::Emit& emit) {
   std::vector<LinuxValue> values;
@@ -239,8 +248,12 @@ void emitProcess(Sample& sample, const BoundProperties& properties, const pids_s
   sample.pid = stack.head[properties.size()].result.s_int;
   sample.hasEnded = false;
   for (std::size_t i = 0; i < properties.size() && !sample.hasEnded; ++i) {
-    sample.item = &stack.head[i];
-    values.push_back(properties[i] == nullptr ? LinuxValue() : properties[i]->read(sample));
+    if (properties[i] == nullptr) {
+      values.emplace_back();
+      continue;
+    }
+    sample.item = &stack.head[placeOfItem(properties, i)];
+    values.push_back(properties[i]->read(sample));
   }
   if (!sample.hasEnded) emit(std::move(values));
 }

@@ -71,6 +71,12 @@ class Live(ToolCase):
         with open("/proc/self/comm", encoding="utf-8") as comm:
             self.assertEqual(rows[0]["Name"], comm.read().rstrip("\n"))
 
+    def test_its_name_by_every_property_that_shows_it(self):
+        rows = self.rows(f"SELECT Caption, Name, ElementName, State FROM Linux_Process WHERE Handle = '{os.getpid()}'")
+        with open("/proc/self/comm", encoding="utf-8") as comm:
+            name = comm.read().rstrip("\n")
+        self.assertEqual([rows[0]["Caption"], rows[0]["Name"], rows[0]["ElementName"]], [name] * 3)
+
     def test_finds_it_as_an_instance_of_the_base_class(self):
         rows = self.rows(f"SELECT Handle FROM CIM_Process WHERE Handle = '{os.getpid()}'")
         self.assertEqual(rows, [{"Handle": str(os.getpid())}])

@@ -11,6 +11,7 @@
 #include "MatchCommand.h"
 #include "QueryCommand.h"
 #include "ValidateCommand.h"
+#include "WatchCommand.h"
 
 namespace {
 
@@ -21,6 +22,7 @@ constexpr Command kCommands[] = {
     {"instances", "Print the instances of a class as MOF text", declareInstancesCommand},
     {"validate", "Tell whether filters of indications are valid and what they need", declareValidateCommand},
     {"match", "Tell which instances a filter matches", declareMatchCommand},
+    {"watch", "Print the live changes that a filter matches", declareWatchCommand},
     {"explain", "Say what a query will do, without running it", declareExplainCommand},
 };
 

@@ -1,0 +1,182 @@
+"""qorql watch: the live changes that a filter matches."""
+import json
+import os
+import select
+import signal
+import subprocess
+import sys
+import time
+import unittest
+
+import toolcase
+from toolcase import ToolCase
+
+SECONDS = 60  # after which a watch that has not seen what it should is taken for broken
+PROCESSES = "SourceInstance ISA Linux_Process"
+
+
+class Watch:
+    """A running watch; its lines are JSON objects."""
+
+    def __init__(self, filter_text, *arguments):
+        self.process = subprocess.Popen([toolcase.TOOL, "watch", "--interval", "0.1", *arguments, filter_text],
+                                        stdout=subprocess.PIPE, stderr=subprocess.PIPE, bufsize=0)
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        if self.process.poll() is None:
+            self.process.kill()
+        self.process.communicate()
+
+    def next(self):
+        """The next indication; None at the end of the output."""
+        ready, _, _ = select.select([self.process.stdout], [], [], SECONDS)
+        assert ready, "the watch prints nothing"
+        line = self.process.stdout.readline()
+        return json.loads(line) if line else None
+
+    def end(self, number):
+        self.process.send_signal(number)
+        _, errors = self.process.communicate(timeout=SECONDS)
+        return self.process.returncode, errors.decode()
+
+
+def sleeper(seconds=SECONDS):
+    return subprocess.Popen([sys.executable, "-c", f"import time; time.sleep({seconds})"])
+
+
+class Changes(ToolCase):
+    def setUp(self):
+        super().setUp()
+        self.started = []
+        self.addCleanup(self.stop)
+
+    def stop(self):
+        for process in self.started:
+            process.kill()
+            process.wait()
+
+    def start(self):
+        self.started.append(sleeper())
+        return str(self.started[-1].pid)
+
+    def until(self, watch, handles):
+        """Starts processes until the watch has seen one of them: its first look takes a while."""
+        deadline = time.monotonic() + SECONDS
+        while time.monotonic() < deadline:
+            handles.add(self.start())
+            ready, _, _ = select.select([watch.process.stdout], [], [], 0.5)
+            while ready:
+                seen = watch.next()
+                if seen["SourceInstance"]["Handle"] in handles:
+                    return seen
+                ready, _, _ = select.select([watch.process.stdout], [], [], 0)
+        self.fail("the watch sees no process that is started")
+
+    def test_a_process_that_is_started(self):
+        with Watch(f"SELECT * FROM CIM_InstCreation WHERE {PROCESSES}") as watch:
+            seen = self.until(watch, set())
+            source = seen["SourceInstance"]
+            self.assertEqual((seen["class"], source["class"]), ("CIM_InstCreation", "Linux_Process"))
+            self.assertEqual(source["ParentProcessID"], os.getpid())
+            self.assertEqual(seen["SourceInstanceModelPath"],
+                             f"root/cimv2:Linux_Process.Handle=\"{source['Handle']}\"")
+            self.assertEqual(seen["SourceInstanceHost"], os.uname().nodename)
+            self.assertRegex(seen["IndicationTime"], r"^\d{14}\.\d{6}[+-]\d{3}$")
+            self.assertNotIn("PreviousInstance", seen)
+            self.assertEqual(watch.end(signal.SIGINT), (0, ""))
+
+    def test_a_process_that_ends(self):
+        with Watch(f"SELECT SourceInstance FROM CIM_InstIndication WHERE {PROCESSES} AND "
+                   f"SourceInstance.Linux_Process::ParentProcessID = {os.getpid()}") as watch:
+            handles = set()
+            born = self.until(watch, handles)["SourceInstance"]["Handle"]
+            self.stop()
+            while True:
+                seen = watch.next()
+                if seen["class"] == "CIM_InstDeletion" and seen["SourceInstance"]["Handle"] == born:
+                    break
+            self.assertEqual(sorted(seen), ["SourceInstance", "class"])
+            self.assertEqual(watch.end(signal.SIGTERM), (0, ""))
+
+    def test_an_instance_that_changes_is_shown_before_and_after(self):
+        with Watch("SELECT * FROM CIM_InstModification WHERE SourceInstance ISA CIM_OperatingSystem AND "
+                   "SourceInstance.CIM_OperatingSystem::LocalDateTime <> "
+                   "PreviousInstance.CIM_OperatingSystem::LocalDateTime", "--limit", "2") as watch:
+            first, second = watch.next(), watch.next()
+            self.assertIsNone(watch.next())
+            self.assertEqual(watch.process.wait(SECONDS), 0)
+        for seen in (first, second):
+            self.assertEqual(seen["class"], "CIM_InstModification")
+            self.assertLess(seen["PreviousInstance"]["LocalDateTime"], seen["SourceInstance"]["LocalDateTime"])
+        self.assertEqual(first["SourceInstance"], second["PreviousInstance"])
+        self.assertNotEqual(first["IndicationIdentifier"], second["IndicationIdentifier"])
+
+
+class End(ToolCase):
+    def watch(self, *arguments):
+        return self.run_tool("watch", "--interval", "0.05", *arguments)
+
+    def test_after_a_number_of_looks(self):
+        self.assertEqual(self.succeed(self.watch("--count", "2", "SELECT * FROM CIM_InstCreation WHERE SourceInstance "
+                                                                 "ISA CIM_Processor")), "")
+
+    def test_when_the_reader_goes_away(self):
+        with Watch("SELECT * FROM CIM_InstDeletion WHERE SourceInstance ISA Linux_Processor") as watch:
+            watch.process.stdout.close()
+            self.assertEqual(watch.process.wait(SECONDS), 0)
+            self.assertEqual(watch.process.stderr.read(), b"")
+            watch.process.stdout = None
+
+    def test_when_the_reader_goes_away_while_it_prints(self):
+        with Watch("SELECT * FROM CIM_InstModification WHERE SourceInstance ISA Linux_OperatingSystem") as watch:
+            watch.next()
+            watch.process.stdout.close()
+            self.assertEqual(watch.process.wait(SECONDS), 0)
+            self.assertEqual(watch.process.stderr.read(), b"")
+            watch.process.stdout = None
+
+    def test_nothing_to_see(self):
+        for text, warning in (
+                ("SELECT * FROM CIM_AlertIndication",
+                 "the filter asks for no indication of a change: nothing will be printed"),
+                ("SELECT * FROM CIM_InstCreation WHERE SourceInstance ISA CIM_StorageVolume",
+                 "no live class is of the class that the filter asks for: nothing will be printed")):
+            result = self.watch("--count", "1", text)
+            self.assertEqual((result.status, result.out, result.err), (0, "", f"qorql: warning: {warning}\n"))
+            self.assertEqual(self.succeed(self.watch("--quiet", "--count", "1", text)), "")
+
+    def test_a_filter_that_is_not_valid(self):
+        self.refused(self.watch("SELECT * FROM CIM_InstCreations"), 1,
+                     "qorql: error: the filter is not valid: CIM_InstCreations is no class of root/cimv2: "
+                     "did you mean CIM_InstCreation? (line 1, column 15)")
+
+    def test_a_fuller_schema_of_indications(self):
+        path = self.write("own.mof", "class CIM_Indication { }; [Indication] class CIM_InstModification : "
+                                     "CIM_Indication { [EmbeddedObject] string SourceInstance; string Extra; };\n")
+        out = self.succeed(self.watch("-m", path, "--limit", "1", "SELECT * FROM CIM_InstModification WHERE "
+                                                                  "SourceInstance ISA CIM_OperatingSystem"))
+        self.assertEqual(sorted(json.loads(out)), ["SourceInstance", "class"])
+
+    def test_wrong_usage(self):
+        creation = "SELECT * FROM CIM_InstCreation"
+        for arguments, says in (([], "FILTER"), (["--interval"], "--interval"), (["--interval", "0", creation], "range"),
+                                (["--interval", "soon", creation], "--interval"), (["--count"], "--count"),
+                                (["--count", "0", creation], "--count"), (["--count", "-1", creation], "--count"),
+                                (["--limit"], "--limit"), (["--limit", "many", creation], "--limit"),
+                                (["--no-such", creation], "--no-such"), ([creation, creation], "SELECT")):
+            result = self.run_tool("watch", *arguments)
+            self.assertEqual((result.status, result.out), (2, ""), arguments)
+            self.assertEqual(result.err.splitlines()[-1], "Try qorql watch --help.")
+            self.assertIn(says, result.err)
+
+    def test_help(self):
+        text = self.succeed(self.run_tool("watch", "--help"))
+        for part in ("--interval", "--count", "--limit", "FILTER", "Exit status"):
+            self.assertIn(part, text)
+
+
+if __name__ == "__main__":
+    toolcase.main()

@@ -1,0 +1,28 @@
+// Waiting that a signal, or a reader who goes away, ends.
+#ifndef QORQL_TOOL_ENDREQUEST_H
+#define QORQL_TOOL_ENDREQUEST_H
+
+#include <signal.h>
+
+#include <chrono>
+
+// While it lives, SIGINT and SIGTERM do not end the process but the waiting;
+// one that arrives in between ends the next. One at a time, on the main thread.
+class EndRequest {
+ public:
+  EndRequest();
+  EndRequest(const EndRequest&) = delete;
+  EndRequest& operator=(const EndRequest&) = delete;
+  ~EndRequest();
+
+  // Returns whether the end was asked for before the time was over: by a
+  // signal, or by the reader of standard output who has closed the pipe.
+  bool waitFor(std::chrono::nanoseconds duration) const;
+
+ private:
+  sigset_t _maskBefore;
+  struct sigaction _interruptBefore;
+  struct sigaction _terminateBefore;
+};
+
+#endif

@@ -1,0 +1,75 @@
+// The live classes watched for a filter, and the indications of their changes.
+#include "LiveWatch.h"
+
+#include <algorithm>
+
+#include "Cimom/QORQL/CQLQueryValidator.h"
+
+LiveWatch::LiveWatch(EmbeddedObjectManager& manager, const QORString& nameSpace, const CQLQueryStatement& filter,
+                     const FilterText& text)
+    : _nameSpace(nameSpace), _filter(filter), _indications(manager, nameSpace) {
+  const CQLQueryStatement::ClassList classes(filter.getClassList());
+  QORValSlistIterator<QORSmrPtr<IQoriInstanceName>> each(*classes);
+  while (++each) _sources.push_back(each.key()->getClassName());
+  if (!asksForChanges()) return;
+  for (const QORString& className : manager.liveClassNames(nameSpace)) {
+    if (isAllowed(className, text)) _watched.push_back({className, {}});
+  }
+}
+
+// Only AND combines the conditions of a filter that matches at all, so each ISA counts.
+bool LiveWatch::isAllowed(const QORString& className, const FilterText& text) const {
+  for (std::size_t i = text.behindFrom(); i + 2 < text.pieces().size(); ++i) {
+    if (!text.is(i, "SourceInstance") || !text.is(i + 1, "ISA")) continue;
+    std::string_view wanted = text.pieces()[i + 2].text;
+    if (wanted.starts_with('\'') && wanted.size() > 1) wanted = wanted.substr(1, wanted.size() - 2);
+    if (!CQLQueryValidator::isSubClass(_nameSpace, className, QORString(wanted))) return false;
+  }
+  return true;
+}
+
+bool LiveWatch::asksFor(const char* indicationClass) const {
+  return std::any_of(_sources.begin(), _sources.end(), [&](const QORString& source) {
+    return CQLQueryValidator::isSubClass(_nameSpace, indicationClass, source);
+  });
+}
+
+bool LiveWatch::asksForChanges() const {
+  return asksFor(kInstCreation) || asksFor(kInstDeletion) || asksFor(kInstModification);
+}
+
+std::vector<QORString> LiveWatch::classNames() const {
+  std::vector<QORString> names;
+  for (const Watched& watched : _watched) names.push_back(watched.className);
+  return names;
+}
+
+InstanceSnapshot LiveWatch::snapshotOf(const QORString& className) const {
+  CIMApi client;
+  return {className,
+          client.enumerateInstances(_nameSpace, className, {}, CIMApi::DefaultTimeout, nullptr, nullptr, nullptr, {})};
+}
+
+void LiveWatch::start() {
+  for (Watched& watched : _watched) watched.last = snapshotOf(watched.className);
+}
+
+void LiveWatch::look(const Take& take, const Report& report) {
+  for (Watched& watched : _watched) {
+    InstanceSnapshot now;
+    try {
+      now = snapshotOf(watched.className);
+    } catch (const QoriBaseException& failure) {
+      report(watched.className, failure);
+      continue;
+    }
+    for (const InstanceChange& change : changesBetween(watched.last, now)) hand(change, take);
+    watched.last = std::move(now);
+  }
+}
+
+void LiveWatch::hand(const InstanceChange& change, const Take& take) {
+  if (!asksFor(Indications::classOf(change))) return;
+  const QORSmrPtr<IQoriObject> indication(_indications.make(change));
+  if (_filter.isMatch(indication, _nameSpace)) take(*indication);
+}

@@ -1,0 +1,53 @@
+// The live classes watched for a filter, and the indications of their changes.
+#ifndef QORQL_TOOL_LIVEWATCH_H
+#define QORQL_TOOL_LIVEWATCH_H
+
+#include <functional>
+#include <vector>
+
+#include "Cimom/QORQL/CQLQueryStatement.h"
+#include "FilterText.h"
+#include "Indications.h"
+#include "InstanceChanges.h"
+
+// Looks at those live classes whose changes the filter can match: those that
+// each `SourceInstance ISA Class` of it allows. BORROWS the object manager and
+// the statement, which is valid.
+class LiveWatch {
+ public:
+  using Take = std::function<void(const IQoriObject& indication)>;
+  using Report = std::function<void(const QORString& className, const QoriBaseException& failure)>;
+
+  LiveWatch(EmbeddedObjectManager& manager, const QORString& nameSpace, const CQLQueryStatement& filter,
+            const FilterText& text);
+
+  // The classes looked at; empty when no change can match.
+  std::vector<QORString> classNames() const;
+  // Whether the filter asks for an indication that changes make.
+  bool asksForChanges() const;
+
+  // The first look, that the next one is compared with. THROWS what a provider throws.
+  void start();
+  // Looks again and hands over the indications that match, in the order of the
+  // classes. A class whose provider fails is reported and keeps its last look.
+  void look(const Take& take, const Report& report);
+
+ private:
+  struct Watched {
+    QORString className;
+    InstanceSnapshot last;
+  };
+
+  bool isAllowed(const QORString& className, const FilterText& text) const;
+  bool asksFor(const char* indicationClass) const;
+  InstanceSnapshot snapshotOf(const QORString& className) const;
+  void hand(const InstanceChange& change, const Take& take);
+
+  const QORString _nameSpace;
+  const CQLQueryStatement& _filter;
+  std::vector<QORString> _sources;  // the classes of FROM
+  std::vector<Watched> _watched;
+  Indications _indications;
+};
+
+#endif

@@ -1,0 +1,157 @@
+// Looks at the live classes again and again and prints the changes that a filter matches.
+#include "WatchCommand.h"
+
+#include <CLI/CLI.hpp>
+#include <chrono>
+#include <iostream>
+#include <optional>
+
+#include "DisplayText.h"
+#include "EndRequest.h"
+#include "ErrorReport.h"
+#include "ExitStatus.h"
+#include "FilterSession.h"
+#include "JsonValue.h"
+#include "LiveWatch.h"
+
+namespace {
+
+constexpr const char* kDescription =
+    "Watches the live classes of this machine and prints the indications that a filter matches.";
+
+constexpr const char* kFooter =
+    "A new instance makes a CIM_InstCreation, one that is gone a CIM_InstDeletion, and one whose\n"
+    "properties changed a CIM_InstModification; SourceInstance holds the instance and\n"
+    "PreviousInstance what it was before. Each that matches is printed as a JSON object in a line\n"
+    "of its own, with the properties that SELECT names and that have a value. Ends with Ctrl-C,\n"
+    "with SIGTERM, and when the reader of its output goes away.\n"
+    "\n"
+    "Exit status: 0 done; 1 the filter is not valid; 2 wrong usage; 3 MOF, configuration or\n"
+    "provider failure.\n"
+    "\n"
+    "Example:\n"
+    "  qorql watch \"SELECT * FROM CIM_InstCreation WHERE SourceInstance ISA Linux_Process\"";
+
+struct WatchOptions {
+  FilterOptions filter;
+  std::string text;
+  double interval = 1;
+  QORuint64 count = 0;  // 0: without end
+  QORuint64 limit = 0;  // 0: without end
+};
+
+// Prints the properties that the filter selects.
+class IndicationPrinter {
+ public:
+  explicit IndicationPrinter(const CQLQueryStatement& filter) {
+    const CQLQueryStatement::ClassList classes(filter.getClassList());
+    QORValSlistIterator<QORSmrPtr<IQoriInstanceName>> each(*classes);
+    while (++each) {
+      const IQueryStatement::PropertyNames names(filter.getSelectPropertyList(each.key()));
+      if (names.IsNull()) _isAll = true;
+      if (_isAll) return;
+      QORValSlistIterator<QORString> name(*names);
+      while (++name) _names.push_back(name.key());
+    }
+  }
+
+  void print(const IQoriObject& indication) {
+    std::string line = "{\"class\": " + jsonText(indication.getClassName().view());
+    for (QORuint32 i = 0; i < indication.getPropertyCount(); ++i) {
+      const QORSmrPtr<IQoriProperty> property(indication.getPropertyAt(i));
+      if (property->getValue().IsNull() || !isSelected(property->getName())) continue;
+      line += ", " + jsonText(property->getName().view()) + ": ";
+      appendJson(line, property->getValue().Get(), JsonObjects::WithClass);
+    }
+    std::cout << line << "}\n";
+    ++_count;
+  }
+  QORuint64 count() const noexcept { return _count; }
+
+ private:
+  bool isSelected(const QORString& name) const {
+    return _isAll || std::any_of(_names.begin(), _names.end(),
+                                 [&](const QORString& selected) { return selected.isEqualCaseInsensitive(name); });
+  }
+
+  bool _isAll = false;
+  std::vector<QORString> _names;
+  QORuint64 _count = 0;
+};
+
+void warn(const WatchOptions& options, const std::string& warning) {
+  if (!options.filter.session.isQuiet) std::cerr << "qorql: warning: " << printableText(warning) << '\n';
+}
+
+void warnOfSilence(const WatchOptions& options, const LiveWatch& watch) {
+  if (!watch.asksForChanges()) {
+    warn(options, "the filter asks for no indication of a change: nothing will be printed");
+  } else if (watch.classNames().empty()) {
+    warn(options, "no live class is of the class that the filter asks for: nothing will be printed");
+  }
+}
+
+int watchUntilTheEnd(const WatchOptions& options, FilterSession& session, const CQLQueryStatement& filter) {
+  LiveWatch watch(session.manager(), session.nameSpace(), filter, FilterText(options.text));
+  warnOfSilence(options, watch);
+  IndicationPrinter printer(filter);
+  const bool hasLimit = options.limit != 0;
+  const auto take = [&](const IQoriObject& indication) {
+    if (!hasLimit || printer.count() < options.limit) printer.print(indication);
+  };
+  const auto report = [&](const QORString& className, const QoriBaseException& failure) {
+    warn(options, std::string(className.view()) + ": " + std::string(failure.getMessage().view()));
+  };
+  const EndRequest end;
+  const auto interval =
+      std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::duration<double>(options.interval));
+  watch.start();
+  for (QORuint64 looks = 0; options.count == 0 || looks < options.count; ++looks) {
+    if (end.waitFor(interval)) break;
+    watch.look(take, report);
+    session.session().printWarnings();
+    std::cout.flush();
+    if (!std::cout || (hasLimit && printer.count() >= options.limit)) break;
+  }
+  return kExitDone;
+}
+
+int runWatch(const WatchOptions& options) {
+  FilterSession session(options.filter);
+  CheckedFilter filter;
+  try {
+    session.open();
+    filter = session.check(options.text);
+  } catch (...) {
+    return reportStartFailure();
+  }
+  if (!filter.reason.empty()) return reportRefusal("the filter is not valid: " + filter.reason);
+  session.printWarnings(filter);
+  try {
+    return watchUntilTheEnd(options, session, *filter.statement);
+  } catch (...) {
+    session.session().dropWarnings();
+    std::cout.flush();
+    return reportFailure({});
+  }
+}
+
+}  // namespace
+
+CommandAction declareWatchCommand(CLI::App& app) {
+  constexpr double kShortest = 0.01;
+  constexpr double kLongest = 86400;
+  const auto options = std::make_shared<WatchOptions>();
+  app.description(kDescription);
+  app.footer(kFooter);
+  declareFilterOptions(app, options->filter);
+  app.add_option("--interval", options->interval, "Look every so many seconds (default: 1)")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(kShortest, kLongest));
+  app.add_option("--count", options->count, "End after so many looks")->type_name("N")->check(CLI::PositiveNumber);
+  app.add_option("--limit", options->limit, "End after so many indications")
+      ->type_name("N")
+      ->check(CLI::PositiveNumber);
+  app.add_option("FILTER", options->text, "The filter")->type_name(" ")->required();
+  return [options] { return runWatch(*options); };
+}
