@@ -201,6 +201,8 @@ struct Form {
   bool (*expected)(const Type& left, std::size_t i, const Type& right, std::size_t j, const std::string& op);
 };
 
+void PrintTo(const Form& form, std::ostream* out) { *out << form.text; }
+
 template <bool isAny, class Holds>
 bool overElements(const std::vector<const char*>& elements, const Holds& holds) {
   std::size_t count = 0;

@@ -123,7 +123,8 @@ struct FilterReasons : Filter {
                                 kNameSpace, "");
     EXPECT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS) << condition;
     std::string reason = "before";
-    EXPECT_EQ(statement.explainMatch(instance, nameSpace, reason), reason.empty()) << condition;
+    const bool isMatch = statement.explainMatch(instance, nameSpace, reason);
+    EXPECT_EQ(isMatch, reason.empty()) << condition;
     return reason;
   }
 };

@@ -79,6 +79,8 @@ struct FieldFilter {
   std::string other;
 };
 
+void PrintTo(const FieldFilter& field, std::ostream* out) { *out << field.filter; }
+
 const std::string kOk = "OperationalStatus = {2};";
 const std::string kError = "OperationalStatus = {6};";
 
@@ -114,7 +116,7 @@ std::vector<FieldFilter> lifecycleFilters() {
        created("CIM_StorageVolume", "NumberOfBlocks = 1001;"), created("CIM_StorageVolume", "NumberOfBlocks = 1000;")},
       {"SELECT * FROM CIM_InstCreation WHERE SourceInstance ISA CIM_DiskDrive AND "
        "SourceInstance.CIM_DiskDrive::Name = 'Slot 1'",
-       created("CIM_DiskDrive", "Name = \\\"Slot 1\\\";"), created("CIM_DiskDrive", "Name = \\\"slot 1\\\";")},
+       created("CIM_DiskDrive", "Name = \"Slot 1\";"), created("CIM_DiskDrive", "Name = \"slot 1\";")},
   };
 }
 
@@ -236,7 +238,9 @@ TEST_P(FieldFilterTest, matchesWhatItIsForHoweverItsWordsAreWritten) {
   const std::string upper = withWords(field.filter, [](int c) { return std::toupper(c); });
   for (const std::string& filter : {field.filter, lower, upper}) {
     EXPECT_TRUE(world.matches(filter, world.indication(field.matching))) << filter;
-    if (!field.other.empty()) EXPECT_FALSE(world.matches(filter, world.indication(field.other))) << filter;
+    if (!field.other.empty()) {
+      EXPECT_FALSE(world.matches(filter, world.indication(field.other))) << filter;
+    }
     EXPECT_FALSE(world.matches(filter, world.indication("instance of CIM_FCPort { };"))) << filter;
   }
 }
