@@ -87,6 +87,7 @@ void MofLoader::loadFiles(const std::vector<std::string>& paths) {
   Load load(_sink, _nameSpace);
   for (const std::string& path : paths) load.reader().readPath(path);
   load.store();
+  _inputs = load.reader().getInputs();
 }
 
 void MofLoader::loadText(std::string_view text, const std::string& nameForMessages) {

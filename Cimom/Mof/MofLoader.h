@@ -8,6 +8,7 @@
 
 #include "Cimom/Embedded/CimDeclarationSink.h"
 #include "Cimom/Mof/MofError.h"
+#include "Cimom/Mof/MofInput.h"
 #include "cimom/IQoriObject.h"
 #include "cmpbase.h"
 
@@ -37,6 +38,8 @@ class MofLoader {
   void loadFile(const std::string& path);
   // The same for several files and folders, as one transaction. THROWS MofException.
   void loadFiles(const std::vector<std::string>& paths);
+  // What the last loadFile() or loadFiles() read, includes among it.
+  const std::vector<MofInput>& getInputs() const noexcept { return _inputs; }
   // A text; includes in it are relative to the working folder, or to the folder
   // of the name when that is a path. THROWS MofException.
   void loadText(std::string_view text, const std::string& nameForMessages);
@@ -52,6 +55,7 @@ class MofLoader {
 
   CimDeclarationSink& _sink;
   QORString _nameSpace;
+  std::vector<MofInput> _inputs;
 };
 
 #endif

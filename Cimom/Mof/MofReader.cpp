@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <system_error>
 #include <utility>
 
@@ -13,23 +12,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t kMaximumIncludeDepth = 64;
-constexpr std::size_t kMaximumFileSize = 512U << 20U;  // a device has no end of its own
-
-// The fault, or an empty text and the contents.
-std::string readWhole(const std::string& path, std::string& contents) {
-  std::error_code error;
-  if (!fs::exists(path, error)) return "there is no such file";
-  if (fs::is_directory(path, error)) return "it is a folder";
-  std::ifstream in(path, std::ios::binary);
-  if (!in) return "it cannot be opened";
-  std::vector<char> chunk(std::size_t{1} << 16U);
-  while (in && contents.size() <= kMaximumFileSize) {
-    in.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
-    contents.append(chunk.data(), static_cast<std::size_t>(in.gcount()));
-  }
-  if (contents.size() > kMaximumFileSize) return "it is larger than 512 MB";
-  return in.bad() ? "it cannot be read" : "";
-}
 
 // What makes a text no MOF at all; empty when nothing does.
 std::string faultOfText(std::string_view text) {
@@ -37,11 +19,6 @@ std::string faultOfText(std::string_view text) {
   if (mark == "\xFF\xFE" || mark == "\xFE\xFF") return "the text is UTF-16; MOF is read as UTF-8";
   if (text.find('\0') != std::string_view::npos) return "this is no text: it contains zero bytes";
   return {};
-}
-
-bool isMofFile(const fs::directory_entry& entry) {
-  std::error_code error;
-  return entry.is_regular_file(error) && isMofWord(entry.path().extension().string(), ".mof");
 }
 
 std::string canonicalPath(const std::string& path) {
@@ -59,13 +36,8 @@ void MofReader::readPath(const std::string& path) {
 
 void MofReader::readFolder(const std::string& path) {
   std::vector<std::string> files;
-  std::error_code error;
-  for (fs::directory_iterator entry(path, error), end; !error && entry != end; entry.increment(error)) {
-    if (isMofFile(*entry)) files.push_back(entry->path().string());
-  }
-  if (error) return fail(path, nullptr, "the folder cannot be read: " + error.message());
-  if (files.empty()) return fail(path, nullptr, "the folder holds no .mof file");
-  std::sort(files.begin(), files.end());
+  if (const std::string fault = listMofFolder(path, files); !fault.empty()) return fail(path, nullptr, fault);
+  _inputs.push_back(describeMofFolder(path, files));
   for (const std::string& file : files) readFile(file);
 }
 
@@ -112,9 +84,10 @@ void MofReader::readOnce(const std::string& path, MofParser::Context& context, c
     return;
   }
   std::string contents;
-  if (const std::string fault = readWhole(path, contents); !fault.empty()) {
+  if (const std::string fault = readMofFile(path, contents); !fault.empty()) {
     return fail(path, includer, (includer != nullptr ? "cannot read " + path : "cannot be read") + ": " + fault);
   }
+  _inputs.push_back(describeMofFile(path, contents));
   _open.push_back(canonical);
   parse(std::make_unique<MofSource>(path, std::move(contents)), context);
   _open.pop_back();

@@ -7,6 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "Cimom/Mof/MofInput.h"
 #include "Cimom/Mof/MofParser.h"
 #include "Cimom/Mof/MofReport.h"
 #include "Cimom/Mof/MofSyntax.h"
@@ -29,6 +30,8 @@ class MofReader {
     QORuint32 into;
     QORuint32 from;
   };
+  // Files and folders that were read, in the order of reading.
+  const std::vector<MofInput>& getInputs() const noexcept { return _inputs; }
   const std::vector<Import>& getImports() const noexcept { return _imports; }
 
  private:
@@ -49,6 +52,7 @@ class MofReader {
   std::unordered_map<std::string, QORuint32> _scopeOfFile;  // by canonical path
   std::vector<std::string> _open;                           // canonical paths from the outermost file inwards
   std::vector<Import> _imports;
+  std::vector<MofInput> _inputs;
 };
 
 #endif

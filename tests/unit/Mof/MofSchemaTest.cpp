@@ -6,8 +6,10 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <random>
 #include <sstream>
 
+#include "Cimom/Mof/MofCache.h"
 #include "MofFixture.h"
 
 namespace {
@@ -115,6 +117,23 @@ TEST_P(MofSchema, LoadsWholeAndAgreesWithTheListingBesideIt) {
 #else
   EXPECT_LT(std::chrono::duration_cast<std::chrono::seconds>(spent).count(), 60);
 #endif
+}
+
+TEST_P(MofSchema, ReopensFromACacheAndIsTheSame) {
+  const std::string file =
+      (fs::temp_directory_path() / ("qorql-schema-" + std::to_string(std::random_device()()))).string();
+  EmbeddedObjectManager first;
+  EXPECT_FALSE(MofCache(file).loadFiles(first.sink(), "root/cimv2", {GetParam()}).isFromCache);
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_TRUE(MofCache(file).loadFiles(_manager.sink(), "root/cimv2", {GetParam()}).isFromCache);
+  const auto spent = std::chrono::steady_clock::now() - start;
+  const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(spent).count();
+  std::cout << "reopened in " << milliseconds << " ms, " << fs::file_size(file) << " bytes\n";
+  fs::remove(file);
+  for (const QORString& name : first.classNames("root/cimv2")) {
+    EXPECT_EQ(first.classMof("root/cimv2", name, false), _manager.classMof("root/cimv2", name, false)) << name.c_str();
+  }
+  EXPECT_LT(milliseconds, 5000);
 }
 
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(MofSchema);

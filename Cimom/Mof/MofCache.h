@@ -1,0 +1,43 @@
+// MOF that has been loaded before, kept in a file.
+#ifndef QORQL_MOF_MOFCACHE_H
+#define QORQL_MOF_MOFCACHE_H
+
+#include <string>
+#include <vector>
+
+#include "Cimom/Embedded/CimDeclarationSink.h"
+#include "cmpbase.h"
+
+// Loads files and folders as MofLoader does, through a cache file: what the load
+// declares is kept there, and as long as every file that was read (includes
+// among them) and every folder is still the same, the next load takes it from
+// there. A cache that is missing, damaged, of another version, of other paths or
+// older than its sources is passed over and replaced as a whole, so that several
+// processes may share one. The outcome of a load does not depend on it.
+class MofCache {
+ public:
+  struct Outcome {
+    bool isFromCache = false;
+    std::string passedOver;  // why an existing cache was not used; empty: it was, or there was none
+    std::string notWritten;  // why no cache could be written; empty: it was, or need not be
+  };
+
+  // `leastBytes`: loads of less MOF text are not kept.
+  explicit MofCache(std::string file, QORuint64 leastBytes = 0);
+
+  // THROWS MofException as MofLoader::loadFiles(); trouble with the cache is no
+  // failure. REQUIRES a sink whose namespaces are empty or were made by the same steps.
+  Outcome loadFiles(CimDeclarationSink& sink, const QORString& nameSpace, const std::vector<std::string>& paths) const;
+
+  // The file in `folder` for a load of these paths into this namespace.
+  static std::string fileIn(const std::string& folder, const QORString& nameSpace,
+                            const std::vector<std::string>& paths);
+
+ private:
+  bool open(CimDeclarationSink& sink, const std::string& key, Outcome& outcome) const;
+
+  std::string _file;
+  QORuint64 _leastBytes;
+};
+
+#endif

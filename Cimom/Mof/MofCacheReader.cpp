@@ -1,0 +1,239 @@
+// Checked once as a whole, the bytes are read in place. What they say is not
+// trusted any further than a MOF text: the sink checks every declaration.
+#include "Cimom/Mof/MofCacheReader.h"
+
+#include <MofCacheFormat_generated.h>
+
+#include <algorithm>
+#include <bit>
+#include <limits>
+#include <stdexcept>
+#include <unordered_map>
+
+#include "cimom/CQoriInstanceName.h"
+#include "cimom/CQoriProperty.h"
+#include "cimom/CQoriType.h"
+#include "cimom/CQoriValue.h"
+
+namespace {
+
+// Tables within tables; a load nests far less.
+constexpr flatbuffers::uoffset_t kMaximumDepth = 500;
+
+[[noreturn]] void refuse(const char* what) { throw std::runtime_error(what); }
+
+template <class Table>
+using Tables = flatbuffers::Vector<flatbuffers::Offset<Table>>;
+
+// A vector that the format does not require may be absent.
+template <class Table, class Take>
+void each(const Tables<Table>* tables, Take take) {
+  if (tables == nullptr) return;
+  for (const auto* const table : *tables) take(*table);
+}
+
+QORSmrPtr<IQoriType> typeOf(std::uint8_t code, bool isArray) {
+  const QORSmrPtr<IQoriType>* const types[] = {
+      &CQoriType::sint8,    &CQoriType::uint8,  &CQoriType::sint16,    &CQoriType::uint16,
+      &CQoriType::sint32,   &CQoriType::uint32, &CQoriType::sint64,    &CQoriType::uint64,
+      &CQoriType::real32,   &CQoriType::real64, &CQoriType::boolean,   &CQoriType::string,
+      &CQoriType::datetime, &CQoriType::char16, &CQoriType::reference, &CQoriType::object};
+  if (code >= std::size(types)) refuse("an unknown type");
+  return isArray ? CQoriType::arrayOf(*types[code]) : *types[code];
+}
+
+class Reader {
+ public:
+  Reader(const mofcache::Load& load, CimDeclarationSink& sink) : _load(load), _sink(sink) {}
+
+  void declareAll() {
+    for (const auto* const nameSpace : *_load.name_spaces()) _sink.createNamespace(text(nameSpace));
+    each(_load.qualifiers(), [this](const mofcache::QualifierDeclaration& given) {
+      _sink.declareQualifier(text(given.name_space()), declaration(given));
+    });
+    each(_load.classes(), [this](const mofcache::Definition& given) {
+      _sink.declareClass(text(given.name_space()), definition(given));
+    });
+    each(_load.instances(),
+         [this](const mofcache::Instance& given) { _sink.createInstance(text(given.name_space()), instance(given)); });
+  }
+
+ private:
+  // A text that several tables share becomes one string.
+  QORString text(const flatbuffers::String* given) {
+    if (given == nullptr || given->size() == 0) return QORString::emptyString();
+    const auto [known, isNew] = _texts.try_emplace(given);
+    if (isNew) known->second = QORString(std::string_view(given->c_str(), given->size()));
+    return known->second;
+  }
+
+  // --- values
+
+  QORSmrPtr<IQoriValue> value(const mofcache::Value* given) {
+    if (given == nullptr || given->kind() == mofcache::Kind_Null) return {};
+    const QORSmrPtr<IQoriType> type = typeOf(given->type(), false);
+    const QORuint64 bits = given->bits();
+    switch (given->kind()) {
+      case mofcache::Kind_Unsigned:
+        return make(static_cast<unsigned long long>(bits), type);
+      case mofcache::Kind_Signed:
+        return make(static_cast<long long>(bits), type);
+      case mofcache::Kind_Real:
+        return make(std::bit_cast<double>(bits), type);
+      case mofcache::Kind_Boolean:
+        return make(bits != 0, type);
+      case mofcache::Kind_Char16:
+        return make(static_cast<char16_t>(bits & 0xFFFFU), type);
+      case mofcache::Kind_Text:
+        return make(text(given->text()), type);
+      case mofcache::Kind_Array:
+        return array(*given, type);
+      default:
+        return complex(*given);
+    }
+  }
+
+  template <class Content>
+  static QORSmrPtr<IQoriValue> make(const Content& content, const QORSmrPtr<IQoriType>& type) {
+    return QORSmrPtr<IQoriValue>(new CQoriValue(content, type));
+  }
+
+  QORSmrPtr<IQoriValue> array(const mofcache::Value& given, const QORSmrPtr<IQoriType>& type) {
+    const QORSmrPtr<IQoriValue::List> elements(new IQoriValue::List());
+    each(given.elements(), [this, &elements](const mofcache::Value& element) { elements->append(value(&element)); });
+    return make(elements, CQoriType::arrayOf(type));
+  }
+
+  QORSmrPtr<IQoriValue> complex(const mofcache::Value& given) {
+    const bool isReference = given.kind() == mofcache::Kind_Reference && given.name() != nullptr;
+    const bool isInstance = given.kind() == mofcache::Kind_Instance && given.instance() != nullptr;
+    const bool isDefinition = given.kind() == mofcache::Kind_Definition && given.definition() != nullptr;
+    if (isReference) return QORSmrPtr<IQoriValue>(new CQoriValue(name(*given.name())));
+    if (isInstance) {
+      const mofcache::Instance& kept = *given.instance();
+      return QORSmrPtr<IQoriValue>(new CQoriValue(_sink.makeObject(text(kept.name_space()), instance(kept))));
+    }
+    if (!isDefinition) refuse("a value without content");
+    const mofcache::Definition& kept = *given.definition();
+    return QORSmrPtr<IQoriValue>(new CQoriValue(_sink.makeClassObject(text(kept.name_space()), definition(kept))));
+  }
+
+  QORSmrPtr<IQoriInstanceName> name(const mofcache::Name& given) {
+    const QORSmrPtr<IQoriInstanceName::KeyList> keys(new IQoriInstanceName::KeyList());
+    each(given.keys(), [this, &keys](const mofcache::Key& key) {
+      const QORSmrPtr<IQoriValue> content = value(key.value());
+      keys->append(QORSmrPtr<IQoriProperty>(new CQoriProperty(text(key.name()), content, false)));
+    });
+    const QORSmrPtr<IQoriNameSpacePath> path(new CQoriNameSpacePath(text(given.host()), text(given.name_space())));
+    return QORSmrPtr<IQoriInstanceName>(new CQoriInstanceName(text(given.class_name()), keys, path));
+  }
+
+  // --- declarations
+
+  CimInstanceDeclaration instance(const mofcache::Instance& given) {
+    CimInstanceDeclaration out;
+    out.className = text(given.class_name());
+    out.properties.reserve(given.properties()->size());
+    each(given.properties(), [this, &out](const mofcache::Key& property) {
+      out.properties.push_back({text(property.name()), value(property.value())});
+    });
+    return out;
+  }
+
+  template <class Flavored>
+  static void setFlavors(std::uint8_t flavors, Flavored& out) {
+    out.toSubclass = (flavors & 1U) != 0;
+    out.overridable = (flavors & 2U) != 0;
+    out.translatable = (flavors & 4U) != 0;
+  }
+
+  void qualifiers(const Tables<mofcache::Qualifier>* given, std::vector<CimQualifier>& out) {
+    each(given, [this, &out](const mofcache::Qualifier& kept) {
+      CimQualifier qualifier;
+      qualifier.name = text(kept.name());
+      qualifier.value = value(kept.value());
+      setFlavors(kept.flavors(), qualifier);
+      out.push_back(std::move(qualifier));
+    });
+  }
+
+  CimPropertyDeclaration feature(const mofcache::Feature& given) {
+    CimPropertyDeclaration out;
+    out.name = text(given.name());
+    out.type = typeOf(given.type(), given.is_array());
+    out.arraySize = given.array_size();
+    out.referenceClass = text(given.reference_class());
+    out.defaultValue = value(given.default_value());
+    qualifiers(given.qualifiers(), out.qualifiers);
+    return out;
+  }
+
+  CimMethodDeclaration method(const mofcache::Method& given) {
+    CimMethodDeclaration out;
+    out.name = text(given.name());
+    out.returnType = typeOf(given.type(), false);
+    each(given.parameters(), [&](const mofcache::Feature& parameter) { out.parameters.push_back(feature(parameter)); });
+    qualifiers(given.qualifiers(), out.qualifiers);
+    return out;
+  }
+
+  CimClassDeclaration definition(const mofcache::Definition& given) {
+    CimClassDeclaration out;
+    out.name = text(given.name());
+    out.superClass = text(given.super_class());
+    qualifiers(given.qualifiers(), out.qualifiers);
+    each(given.properties(), [&](const mofcache::Feature& property) { out.properties.push_back(feature(property)); });
+    each(given.methods(), [&](const mofcache::Method& operation) { out.methods.push_back(method(operation)); });
+    return out;
+  }
+
+  CimQualifierDeclaration declaration(const mofcache::QualifierDeclaration& given) {
+    CimQualifierDeclaration out;
+    out.name = text(given.name());
+    out.type = typeOf(given.type(), given.is_array());
+    out.arraySize = given.array_size();
+    out.defaultValue = value(given.default_value());
+    for (const auto* const scope : *given.scopes()) out.scopes.push_back(text(scope));
+    setFlavors(given.flavors(), out);
+    return out;
+  }
+
+  const mofcache::Load& _load;
+  CimDeclarationSink& _sink;
+  std::unordered_map<const flatbuffers::String*, QORString> _texts;
+};
+
+}  // namespace
+
+// Every table takes some bytes, so that the number of tables that a sound
+// cache has is bounded by its size; a table that many others share is counted
+// each time, which bounds the work as well.
+MofCacheReader::MofCacheReader(std::string_view bytes) : _bytes(bytes) {
+  const std::size_t tables = std::min<std::size_t>(bytes.size() / 4 + 1, std::numeric_limits<std::int32_t>::max());
+  flatbuffers::Verifier verifier(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size(), kMaximumDepth,
+                                 static_cast<flatbuffers::uoffset_t>(tables));
+  if (!mofcache::VerifyLoadBuffer(verifier)) refuse("its content is damaged");
+}
+
+std::string MofCacheReader::key() const { return mofcache::GetLoad(_bytes.data())->key()->str(); }
+
+QORsint64 MofCacheReader::written() const { return mofcache::GetLoad(_bytes.data())->written(); }
+
+std::vector<MofInput> MofCacheReader::inputs() const {
+  std::vector<MofInput> inputs;
+  each(mofcache::GetLoad(_bytes.data())->inputs(), [&inputs](const mofcache::Input& input) {
+    inputs.push_back({input.path()->str(), input.is_folder(), input.size(), input.modified(), input.hash()});
+  });
+  return inputs;
+}
+
+void MofCacheReader::declare(CimDeclarationSink& sink) const {
+  sink.begin();
+  try {
+    Reader(*mofcache::GetLoad(_bytes.data()), sink).declareAll();
+    sink.commit();
+  } catch (...) {
+    sink.rollback();
+    throw;
+  }
+}

@@ -1,0 +1,99 @@
+// Files and folders of MOF.
+#include "Cimom/Mof/MofInput.h"
+
+#include <xxhash.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+
+#include "Cimom/Mof/MofSyntax.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t kMaximumFileSize = 512U << 20U;  // a device has no end of its own
+// File systems count time in steps; a change within a step is not seen in it.
+constexpr std::chrono::seconds kClockStep(2);
+
+QORsint64 countOf(fs::file_time_type time) { return static_cast<QORsint64>(time.time_since_epoch().count()); }
+
+QORsint64 changeOf(const std::string& path) {
+  std::error_code error;
+  const fs::file_time_type time = fs::last_write_time(path, error);
+  return error ? 0 : countOf(time);
+}
+
+std::string absolute(const std::string& path) {
+  std::error_code error;
+  const fs::path whole = fs::absolute(path, error);
+  return error ? path : whole.lexically_normal().string();
+}
+
+QORuint64 hashOfNames(const std::vector<std::string>& files) {
+  std::string names;
+  for (const std::string& file : files) names += fs::path(file).filename().string() + '\n';
+  return XXH3_64bits(names.data(), names.size());
+}
+
+bool isMofFile(const fs::directory_entry& entry) {
+  std::error_code error;
+  return entry.is_regular_file(error) && isMofWord(entry.path().extension().string(), ".mof");
+}
+
+bool isFolderUnchanged(const MofInput& input) {
+  std::vector<std::string> files;
+  return listMofFolder(input.path, files).empty() && hashOfNames(files) == input.hash;
+}
+
+}  // namespace
+
+MofInput describeMofFile(const std::string& path, std::string_view content) {
+  return {absolute(path), false, content.size(), changeOf(path), XXH3_64bits(content.data(), content.size())};
+}
+
+MofInput describeMofFolder(const std::string& path, const std::vector<std::string>& files) {
+  return {absolute(path), true, files.size(), 0, hashOfNames(files)};
+}
+
+std::string listMofFolder(const std::string& path, std::vector<std::string>& files) {
+  std::error_code error;
+  for (fs::directory_iterator entry(path, error), end; !error && entry != end; entry.increment(error)) {
+    if (isMofFile(*entry)) files.push_back(entry->path().string());
+  }
+  if (error) return "the folder cannot be read: " + error.message();
+  if (files.empty()) return "the folder holds no .mof file";
+  std::sort(files.begin(), files.end());
+  return {};
+}
+
+std::string readMofFile(const std::string& path, std::string& content) {
+  std::error_code error;
+  if (!fs::exists(path, error)) return "there is no such file";
+  if (fs::is_directory(path, error)) return "it is a folder";
+  std::ifstream in(path, std::ios::binary);
+  if (!in) return "it cannot be opened";
+  std::vector<char> chunk(std::size_t{1} << 16U);
+  while (in && content.size() <= kMaximumFileSize) {
+    in.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
+    content.append(chunk.data(), static_cast<std::size_t>(in.gcount()));
+  }
+  if (content.size() > kMaximumFileSize) return "it is larger than 512 MB";
+  return in.bad() ? "it cannot be read" : "";
+}
+
+bool isMofInputUnchanged(const MofInput& input, QORsint64 written) {
+  std::error_code error;
+  if (input.isFolder) return isFolderUnchanged(input);
+  const std::uintmax_t size = fs::file_size(input.path, error);
+  if (error || size != input.size) return false;
+  const QORsint64 step = std::chrono::duration_cast<fs::file_time_type::duration>(kClockStep).count();
+  const QORsint64 change = changeOf(input.path);
+  if (change == input.modified && change < written - step) return true;
+  std::string content;
+  return readMofFile(input.path, content).empty() && XXH3_64bits(content.data(), content.size()) == input.hash;
+}
+
+QORsint64 mofClockNow() { return countOf(fs::file_time_type::clock::now()); }

@@ -1,0 +1,67 @@
+// Keeps what a load declares, so that it can be declared again.
+#ifndef QORQL_MOF_MOFRECORDER_H
+#define QORQL_MOF_MOFRECORDER_H
+
+#include <unordered_map>
+#include <vector>
+
+#include "Cimom/Embedded/CimDeclarationSink.h"
+
+// What a load declared, in its order.
+struct MofRecord {
+  template <class Declaration>
+  struct Entry {
+    QORString nameSpace;
+    Declaration declaration;
+  };
+  // An embedded object as it was declared: one of the two.
+  struct Object {
+    QORSmrPtr<IQoriObject> object;  // keeps its address taken
+    Entry<CimInstanceDeclaration> instance;
+    Entry<CimClassDeclaration> definition;
+    bool isClass = false;
+  };
+
+  std::vector<QORString> nameSpaces;
+  std::vector<Entry<CimQualifierDeclaration>> qualifiers;
+  std::vector<Entry<CimClassDeclaration>> classes;
+  std::vector<Entry<CimInstanceDeclaration>> instances;
+  std::unordered_map<const IQoriObject*, Object> objects;  // the values in those above
+};
+
+// Passes everything on to another sink and keeps a record of what that
+// accepted. BORROWS the sink. One load at a time.
+class MofRecorder final : public CimDeclarationSink {
+ public:
+  explicit MofRecorder(CimDeclarationSink& target) : _target(target) {}
+
+  const MofRecord& record() const noexcept { return _record; }
+
+  void begin() override;
+  void commit() override { _target.commit(); }
+  void rollback() noexcept override;
+  void createNamespace(const QORString& nameSpace) override;
+  void declareQualifier(const QORString& nameSpace, const CimQualifierDeclaration& declaration) override;
+  void declareClass(const QORString& nameSpace, const CimClassDeclaration& declaration) override;
+  QORSmrPtr<IQoriInstanceName> createInstance(const QORString& nameSpace,
+                                              const CimInstanceDeclaration& declaration) override;
+  QORSmrPtr<IQoriObject> makeObject(const QORString& nameSpace, const CimInstanceDeclaration& declaration) override;
+  QORSmrPtr<IQoriObject> makeClassObject(const QORString& nameSpace, const CimClassDeclaration& declaration) override;
+  QORSmrPtr<IQoriClass> findClass(const QORString& nameSpace, const QORString& className) const override {
+    return _target.findClass(nameSpace, className);
+  }
+  bool describeProperty(const QORString& nameSpace, const QORString& className, const QORString& propertyName,
+                        CimPropertyDeclaration& out) const override {
+    return _target.describeProperty(nameSpace, className, propertyName, out);
+  }
+  bool describeQualifier(const QORString& nameSpace, const QORString& name,
+                         CimQualifierDeclaration& out) const override {
+    return _target.describeQualifier(nameSpace, name, out);
+  }
+
+ private:
+  CimDeclarationSink& _target;
+  MofRecord _record;
+};
+
+#endif

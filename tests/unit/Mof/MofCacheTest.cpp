@@ -1,0 +1,271 @@
+// MOF that is taken from a cache: the same outcome, and nothing taken that is not sound and fresh.
+#include <filesystem>
+#include <fstream>
+#include <random>
+
+#include "Cimom/Mof/MofCache.h"
+#include "Cimom/Mof/MofCacheFile.h"
+#include "Cimom/Mof/MofCacheReader.h"
+#include "MofFixture.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kModel =
+    "Qualifier Key : boolean = false, Scope(property, reference), Flavor(DisableOverride, ToSubclass);\n"
+    "Qualifier Note : string = \"n\", Scope(any), Flavor(EnableOverride, Restricted, Translatable);\n"
+    "Qualifier Words : string[3] = {\"a\", \"b\"}, Scope(any);\n"
+    "[Note(\"root\"), Unknown(1.5)] class Root { [Key] string Id; };\n"
+    "[Words{\"x\", NULL}] class Part : Root { uint8 A = 1; sint64 B = -9223372036854775808; real32 C = 1.5; real64 D;\n"
+    "  boolean E = true; datetime F = \"20260101000000.000000+000\"; char16 G = 'x'; uint64 H = 18446744073709551615;\n"
+    "  string I[] = {\"p\", NULL, \"q\"}; uint16 J[4]; [EmbeddedObject] string K; [EmbeddedObject] string L[];\n"
+    "  [Note] uint32 Run([Note(\"by\")] uint8 by, Part REF other, string words[2]); boolean Stop(); };\n"
+    "[Association] class Link { [Key] Root REF From; [Key] Part REF To; };\n"
+    "instance of Part as $a { Id = \"\xC3\xA4\\n\\\"\"; A = 255; C = NULL; I = {}; J = {1, NULL};\n"
+    "  K = \"instance of Part { Id = \\\"in\\\"; K = \\\"instance of Part { D = 2.5; };\\\"; };\";\n"
+    "  L = {\"class New : Root { uint8 X = 3; }\", NULL, \"instance of Root { Id = \\\"r\\\"; }\"}; };\n"
+    "instance of Link { From = $a; To = \"Part.Id=\\\"elsewhere\\\"\"; };\n"
+    "#pragma namespace (\"root/other\")\n"
+    "class Other { [Key] uint8 N = 4; };\ninstance of Other { };\n";
+
+class MofCacheTest : public moftest::MofTest {
+ protected:
+  MofCacheTest() : _folder(fs::temp_directory_path() / ("qorql-cache-" + std::to_string(std::random_device()()))) {
+    fs::create_directories(_folder / "mof");
+    _file = (_folder / "kept.mofcache").string();
+    _model = write("mof/model.mof", kModel);
+    age(_model);
+  }
+  ~MofCacheTest() override { fs::remove_all(_folder); }
+
+  std::string write(const std::string& name, const std::string& text) {
+    const fs::path path = _folder / name;
+    std::ofstream(path, std::ios::binary) << text;
+    return path.string();
+  }
+  // As if written an hour ago: what is new is compared by content.
+  static void age(const std::string& path) {
+    fs::last_write_time(path, fs::file_time_type::clock::now() - std::chrono::hours(1));
+  }
+  std::string contentOf(const std::string& path) const {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+  }
+
+  // A load into a new object manager, which is current afterwards.
+  MofCache::Outcome open(const std::vector<std::string>& paths, const char* nameSpace = "root/cimv2") {
+    _fresh = std::make_unique<EmbeddedObjectManager>();
+    _fresh->makeCurrent();
+    return MofCache(_file).loadFiles(_fresh->sink(), nameSpace, paths);
+  }
+  // All that there is, as text.
+  std::string everything() {
+    std::string text;
+    for (const QORString& space : _fresh->namespaces()) {
+      text += std::string(space.view()) + '\n';
+      for (const QORString& name : _fresh->classNames(space)) {
+        text += _fresh->classMof(space, name, true).view();
+        for (const moftest::Object& object : instancesOf(name.c_str(), space.c_str())) {
+          text += pathOf(object) + '\n' + std::string(EmbeddedObjectManager::instanceMof(*object).view());
+        }
+      }
+    }
+    return text;
+  }
+  std::size_t filesIn(const fs::path& folder) const {
+    return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
+  }
+
+  fs::path _folder;
+  std::string _file;
+  std::string _model;
+  std::unique_ptr<EmbeddedObjectManager> _fresh;
+};
+
+TEST_F(MofCacheTest, ASecondLoadIsTakenFromItAndIsTheSame) {
+  const MofCache::Outcome first = open({_model});
+  EXPECT_FALSE(first.isFromCache);
+  EXPECT_EQ(first.passedOver, "");
+  EXPECT_EQ(first.notWritten, "");
+  const std::string read = everything();
+  const MofCache::Outcome second = open({_model});
+  EXPECT_TRUE(second.isFromCache);
+  EXPECT_EQ(everything(), read);
+  EXPECT_NE(read.find("class New : Root"), std::string::npos);
+  EXPECT_NE(read.find("root/other"), std::string::npos);
+  EXPECT_EQ(filesIn(_folder), 2U) << "a file was left behind";
+}
+
+TEST_F(MofCacheTest, AnEqualLoadAfterItIsAccepted) {
+  open({_model});
+  ASSERT_TRUE(open({_model}).isFromCache);
+  const std::string classes = std::string(kModel).substr(0, std::string(kModel).find("instance of Part as"));
+  EXPECT_NO_THROW(MofLoader(_fresh->sink()).loadText(classes, "again.mof"));
+}
+
+TEST_F(MofCacheTest, AChangedFileMakesItStale) {
+  open({_model});
+  write("mof/model.mof", std::string(kModel) + "class More { };\n");
+  const MofCache::Outcome outcome = open({_model});
+  EXPECT_FALSE(outcome.isFromCache);
+  EXPECT_EQ(outcome.passedOver, _model + " has changed");
+  EXPECT_FALSE(_fresh->sink().findClass("root/other", "More").IsNull());
+  EXPECT_TRUE(open({_model}).isFromCache) << "it was not replaced";
+}
+
+TEST_F(MofCacheTest, AChangeThatKeepsTheSizeIsSeen) {
+  open({_model});
+  std::string changed(kModel);
+  changed.replace(changed.find("uint8 A = 1"), 11, "uint8 A = 2");
+  write("mof/model.mof", changed);
+  EXPECT_FALSE(open({_model}).isFromCache);
+  // Also within one step of the file system's clock: the time alone is not trusted then.
+  changed.replace(changed.find("uint8 A = 2"), 11, "uint8 A = 3");
+  const fs::file_time_type time = fs::last_write_time(_model);
+  write("mof/model.mof", changed);
+  fs::last_write_time(_model, time);
+  EXPECT_FALSE(open({_model}).isFromCache);
+}
+
+TEST_F(MofCacheTest, AFileThatWasOnlyTouchedIsFresh) {
+  open({_model});
+  fs::last_write_time(_model, fs::file_time_type::clock::now() - std::chrono::hours(3));
+  EXPECT_TRUE(open({_model}).isFromCache);
+}
+
+TEST_F(MofCacheTest, AChangedIncludeMakesItStale) {
+  const std::string inner = write("mof/inner.mof", "class Inner { uint8 A; };");
+  const std::string outer = write("outer.mof", "#pragma include (\"mof/inner.mof\")\nclass Outer : Inner { };\n");
+  open({outer});
+  EXPECT_TRUE(open({outer}).isFromCache);
+  write("mof/inner.mof", "class Inner { uint8 B; };");
+  EXPECT_FALSE(open({outer}).isFromCache);
+  fs::remove(inner);
+  EXPECT_THROW(open({outer}), MofException);
+  EXPECT_TRUE(_fresh->classNames("root/cimv2").empty());
+}
+
+TEST_F(MofCacheTest, AFileThatComesOrGoesMakesAFolderStale) {
+  const std::string folder = (_folder / "mof").string();
+  open({folder});
+  EXPECT_TRUE(open({folder}).isFromCache);
+  write("mof/notes.txt", "no MOF");
+  EXPECT_TRUE(open({folder}).isFromCache);
+  const std::string added = write("mof/added.mof", "class Added { };");
+  EXPECT_FALSE(open({folder}).isFromCache);
+  EXPECT_TRUE(open({folder}).isFromCache);
+  fs::remove(added);
+  EXPECT_FALSE(open({folder}).isFromCache);
+  EXPECT_TRUE(_fresh->sink().findClass("root/cimv2", "Added").IsNull());
+}
+
+TEST_F(MofCacheTest, OtherPathsOrAnotherNamespaceAreAnotherLoad) {
+  const std::string more = write("more.mof", "class More { };");
+  open({_model});
+  EXPECT_EQ(open({_model, more}).passedOver, "it was made of other files");
+  EXPECT_EQ(open({_model, more}, "root/elsewhere").passedOver, "it was made of other files");
+  EXPECT_TRUE(open({_model, more}, "root/elsewhere").isFromCache);
+  const auto fileIn = [this](const char* space, const std::vector<std::string>& paths) {
+    return MofCache::fileIn(_folder.string(), space, paths);
+  };
+  EXPECT_NE(fileIn("root/a", {_model}), fileIn("root/b", {_model}));
+  EXPECT_NE(fileIn("root/a", {_model}), fileIn("root/a", {more}));
+  EXPECT_NE(fileIn("root/a", {_model, more}), fileIn("root/a", {more, _model}));
+  EXPECT_EQ(fileIn("root/a", {_model}), fileIn("root/a", {(_folder / "mof/../mof/model.mof").string()}));
+}
+
+TEST_F(MofCacheTest, ATruncatedFileIsReplaced) {
+  open({_model});
+  const std::string whole = contentOf(_file);
+  const std::string read = everything();
+  for (std::size_t length = 0; length < whole.size(); length += length < 40 ? 1 : whole.size() / 20) {
+    write("kept.mofcache", whole.substr(0, length));
+    const MofCache::Outcome outcome = open({_model});
+    EXPECT_FALSE(outcome.isFromCache) << length;
+    EXPECT_NE(outcome.passedOver, "") << length;
+    EXPECT_EQ(everything(), read);
+    EXPECT_TRUE(open({_model}).isFromCache) << length;
+  }
+}
+
+TEST_F(MofCacheTest, AFlippedBitIsNoticed) {
+  open({_model});
+  const std::string whole = contentOf(_file);
+  for (std::size_t i = 0; i < whole.size(); i += i < 40 ? 1 : 37) {
+    std::string flipped = whole;
+    flipped[i] = static_cast<char>(flipped[i] ^ (1 << (i % 8)));
+    write("kept.mofcache", flipped);
+    EXPECT_THROW(readMofCacheFile(_file), std::runtime_error) << i;
+  }
+  write("kept.mofcache", "QORQLMOF\x02" + whole.substr(9));
+  EXPECT_EQ(open({_model}).passedOver, "it is of another version");
+}
+
+// A file with a sound checksum and any content: refused or read, never worse.
+TEST_F(MofCacheTest, DamagedContentIsRefusedOrReadWithoutHarm) {
+  open({_model});
+  const std::string content = readMofCacheFile(_file);
+  std::mt19937 random(4711);
+  std::size_t refused = 0;
+  for (int round = 0; round < 3000; ++round) {
+    std::string damaged = content;
+    for (int i = 0; i < 1 + round % 4; ++i) damaged[random() % damaged.size()] = static_cast<char>(random());
+    if (round % 7 == 0) damaged.resize(random() % damaged.size());
+    EmbeddedObjectManager manager;
+    try {
+      const MofCacheReader reader(damaged);
+      reader.inputs();
+      reader.key();
+      reader.declare(manager.sink());
+    } catch (const std::exception&) {
+      ++refused;
+      EXPECT_TRUE(manager.classNames("root/cimv2").empty());
+    }
+  }
+  EXPECT_GT(refused, 500U);
+}
+
+TEST_F(MofCacheTest, ACacheThatCannotBeWrittenIsNoFailure) {
+  _file = (_folder / "mof/model.mof/inside.mofcache").string();
+  const MofCache::Outcome outcome = open({_model});
+  EXPECT_FALSE(outcome.isFromCache);
+  EXPECT_NE(outcome.notWritten, "");
+  EXPECT_EQ(_fresh->classNames("root/cimv2").size(), 3U);
+}
+
+TEST_F(MofCacheTest, AFileInItsPlaceThatIsNoCacheIsReplaced) {
+  write("kept.mofcache", "my letters");
+  EXPECT_EQ(open({_model}).passedOver, "it is no cache");
+  EXPECT_TRUE(open({_model}).isFromCache);
+}
+
+TEST_F(MofCacheTest, ItsFolderIsMadeAndARefusedLoadIsNotKept) {
+  _file = (_folder / "new/deep/kept.mofcache").string();
+  const std::string bad = write("bad.mof", "class A : B { };");
+  EXPECT_THROW(open({bad}), MofException);
+  EXPECT_FALSE(fs::exists(_file));
+  open({_model});
+  EXPECT_TRUE(fs::exists(_file));
+}
+
+TEST_F(MofCacheTest, ShortTextsAreNotKept) {
+  EmbeddedObjectManager manager;
+  MofCache(_file, 1U << 20U).loadFiles(manager.sink(), "root/cimv2", {_model});
+  EXPECT_FALSE(fs::exists(_file));
+  EXPECT_EQ(manager.classNames("root/cimv2").size(), 3U);
+}
+
+TEST_F(MofCacheTest, WhatContradictsTheRepositoryIsToldByTheText) {
+  open({_model});
+  EmbeddedObjectManager manager;
+  MofLoader(manager.sink()).loadText("class Part { };", "before.mof");
+  try {
+    MofCache(_file).loadFiles(manager.sink(), "root/cimv2", {_model});
+    FAIL() << "not refused";
+  } catch (const MofException& refusal) {
+    EXPECT_NE(std::string(refusal.what()).find("class Part is declared already"), std::string::npos);
+  }
+}
+
+}  // namespace
