@@ -1,4 +1,6 @@
-"""The commands that show the model: classes, class and instances; what they print loads again."""
+"""The commands that show the model: classes, class and instances, whose text loads again; and the cache."""
+import os
+
 import toolcase
 from toolcase import MODEL, ToolCase
 
@@ -146,6 +148,83 @@ class Instances(ToolCase):
             result = self.run_tool(*arguments)
             self.assertEqual((result.status, result.out), (2, ""), arguments)
             self.assertTrue(result.err.endswith("Try qorql instances --help.\n"), result.err)
+
+
+class Cache(ToolCase):
+    ARGUMENTS = ("--no-live", "--log", "info", "-o", "csv", "SELECT Id FROM Shop_Empty")
+    TAKEN = "qorql: info: MOF: MOF comes from the cache\n"
+
+    def load(self, *arguments, env=None):
+        result = self.run_tool(*arguments, *self.ARGUMENTS, env=env)
+        self.assertEqual((result.status, result.out), (0, "Id\n"), result.err)
+        return result.err
+
+    def setUp(self):
+        super().setUp()
+        with open(MODEL, encoding="utf-8") as model:
+            self.mof = self.write("model.mof", model.read())
+        self.file = os.path.join(self.folder, "kept.mofcache")
+
+    def test_a_named_file_is_made_and_taken(self):
+        self.assertEqual(self.load("-m", self.mof, "--cache", self.file), "")
+        self.assertEqual(self.load("-m", self.mof, "--cache", self.file), self.TAKEN)
+        again = self.run_tool("instances", "--no-live", "-m", self.mof, "--cache", self.file, "Shop_Item")
+        plain = self.run_tool("instances", "--no-live", "-m", self.mof, "--no-cache", "Shop_Item")
+        self.assertEqual(self.succeed(again), self.succeed(plain))
+
+    def test_a_changed_source_is_seen(self):
+        self.load("-m", self.mof, "--cache", self.file)
+        with open(self.mof, "a", encoding="utf-8") as model:
+            model.write("\n// more\n")
+        told = f"qorql: info: MOF: The cache is made anew: {self.mof} has changed\n"
+        self.assertEqual(self.load("-m", self.mof, "--cache", self.file), told)
+        self.assertEqual(self.load("-m", self.mof, "--cache", self.file), self.TAKEN)
+
+    def test_a_damaged_cache_is_replaced(self):
+        self.load("-m", self.mof, "--cache", self.file)
+        with open(self.file, "r+b") as cache:
+            cache.seek(100)
+            byte = cache.read(1)
+            cache.seek(100)
+            cache.write(bytes([byte[0] ^ 1]))
+        told = "qorql: info: MOF: The cache is made anew: it is damaged\n"
+        self.assertEqual(self.load("-m", self.mof, "--cache", self.file), told)
+        self.assertEqual(self.load("-m", self.mof, "--cache", self.file), self.TAKEN)
+
+    def test_a_file_that_cannot_be_written_is_a_warning(self):
+        result = self.run_tool("-m", self.mof, "--cache", self.folder, "--no-live", "-o", "csv", "SELECT Id FROM Shop_Empty")
+        self.assertEqual((result.status, result.out), (0, "Id\n"))
+        self.assertRegex(result.err, r"\Aqorql: warning: The cache is not kept: .+\n\Z")
+
+    def test_large_mof_is_kept_by_itself_and_small_is_not(self):
+        folder = os.path.join(self.folder, "xdg")
+        env = {**os.environ, "XDG_CACHE_HOME": folder}
+        self.load("-m", self.mof, env=env)
+        self.assertFalse(os.path.exists(folder))
+        with open(self.mof, "a", encoding="utf-8") as model:
+            model.write("// a line that says nothing but is long enough\n" * 8000)
+        self.assertEqual(self.load("-m", self.mof, "--no-cache", env=env), "")
+        self.assertFalse(os.path.exists(folder))
+        self.assertEqual(self.load("-m", self.mof, env=env), "")
+        self.assertEqual(len(os.listdir(os.path.join(folder, "qorql"))), 1)
+        self.assertEqual(self.load("-m", self.mof, env=env), self.TAKEN)
+        self.assertEqual(self.load("-m", self.mof, "-m", self.mof, env=env), "")
+        self.assertEqual(len(os.listdir(os.path.join(folder, "qorql"))), 2)
+
+    def test_without_a_cache_folder_nothing_is_kept(self):
+        env = {key: value for key, value in os.environ.items() if key not in ("XDG_CACHE_HOME", "HOME")}
+        with open(self.mof, "a", encoding="utf-8") as model:
+            model.write("// a line that says nothing but is long enough\n" * 8000)
+        self.assertEqual(self.load("-m", self.mof, env=env), "")
+        self.assertEqual(self.load("-m", self.mof, env={**env, "XDG_CACHE_HOME": "relative"}), "")
+        self.assertFalse(os.path.exists("relative"))
+
+    def test_wrong_usage(self):
+        self.wrong_usage(self.run_tool("--cache"), "--cache")
+        self.wrong_usage(self.run_tool("--cache", "", "SELECT Id FROM T"), "a name is not empty")
+        self.wrong_usage(self.run_tool("--no-cache=yes"), "no-cache")
+        self.wrong_usage(self.run_tool("--cache", "a", "--cache", "b", "SELECT Id FROM T"), "--cache")
+        self.wrong_usage(self.run_tool("--cache", "a", "--no-cache", "SELECT Id FROM T"), "--no-cache", "--cache")
 
 
 if __name__ == "__main__":

@@ -1,4 +1,5 @@
 """What the tests of the tool share: running it, and the model that they query."""
+import atexit
 import os
 import subprocess
 import sys
@@ -64,6 +65,9 @@ class ToolCase(unittest.TestCase):
 
 def main():
     global TOOL, STREAM
+    cache = tempfile.TemporaryDirectory(prefix="qorql-cli-cache-")
+    atexit.register(cache.cleanup)
+    os.environ["XDG_CACHE_HOME"] = cache.name
     TOOL = os.path.abspath(sys.argv[1])
     STREAM = os.path.abspath(sys.argv[2])
     unittest.main(module="__main__", argv=[sys.argv[0], *sys.argv[3:]])

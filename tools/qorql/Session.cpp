@@ -6,6 +6,7 @@
 #include "Cimom/Mof/MofLoader.h"
 #include "Cimom/Providers/LinuxProviders.h"
 #include "DisplayText.h"
+#include "MofCacheChoice.h"
 #include "ProgressLine.h"
 
 namespace {
@@ -65,8 +66,13 @@ void Session::loadMof() {
   if (_options.mofPaths.empty()) return;
   const Activity activity("loading MOF");
   const ProgressLine progress(!_options.isQuiet, activity);
-  MofLoader loader(_manager.sink(), QORString(_options.nameSpace));
-  loader.loadFiles(_options.mofPaths);
+  const QORString nameSpace(_options.nameSpace);
+  if (const std::optional<MofCache> cache = mofCacheFor(_options); cache.has_value()) {
+    const MofCache::Outcome outcome = cache->loadFiles(_manager.sink(), nameSpace, _options.mofPaths);
+    tellOfCache(outcome, !_options.cacheFile.empty());
+  } else {
+    MofLoader(_manager.sink(), nameSpace).loadFiles(_options.mofPaths);
+  }
 }
 
 // After the MOF files, so that a fuller CIM schema among them takes the place of

@@ -51,6 +51,11 @@ void declareSessionOptions(CLI::App& app, SessionOptions& options) {
   app.add_option("-n,--namespace", options.nameSpace, "Namespace (default: root/cimv2)")
       ->type_name("NAME")
       ->check(check(checkName));
+  auto* const cache = app.add_option("--cache", options.cacheFile, "Keep what the MOF files declare in this file")
+                          ->type_name("FILE")
+                          ->check(check(checkName));
+  declareFlag(app, "--no-cache", options.hasNoCache, "Read the MOF files themselves, and keep nothing")
+      ->excludes(cache);
   declareFlag(app, "--no-live", options.hasNoLiveClasses, "Without the live classes of this machine");
   declareConfiguration(app, options);
   declareFlag(app, "--quiet", options.isQuiet, "No warnings, no progress line");

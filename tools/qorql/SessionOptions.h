@@ -21,6 +21,8 @@ struct Setting {
 struct SessionOptions {
   std::vector<std::string> mofPaths;
   std::string nameSpace;
+  std::string cacheFile;  // empty: one of the user's cache folder, for large MOF
+  bool hasNoCache = false;
   bool hasNoLiveClasses = false;
   bool isQuiet = false;
   std::string configuration;  // empty: none
