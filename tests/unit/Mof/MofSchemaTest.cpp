@@ -136,6 +136,17 @@ TEST_P(MofSchema, ReopensFromACacheAndIsTheSame) {
   EXPECT_LT(milliseconds, 5000);
 }
 
+TEST_P(MofSchema, TheTextOfAClassLoadsAgainByItself) {
+  MofLoader(_manager.sink()).loadFile(GetParam());
+  const std::vector<QORString> names = _manager.classNames("root/cimv2");
+  for (std::size_t i = 0; i < names.size(); i += 25) {
+    const QORString text = _manager.classMof("root/cimv2", names[i], true);
+    EmbeddedObjectManager again;
+    MofLoader(again.sink()).loadText(text.view(), "again.mof");
+    EXPECT_EQ(again.classMof("root/cimv2", names[i], true), text) << names[i].c_str();
+  }
+}
+
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(MofSchema);
 INSTANTIATE_TEST_SUITE_P(Given, MofSchema, ::testing::ValuesIn(schemas()));
 

@@ -1,0 +1,25 @@
+// Fuzz target: the content of a cache of MOF, whatever its bytes are. It is
+// read or refused whole, and what was read has a text that loads.
+#include "Cimom/Embedded/EmbeddedObjectManager.h"
+#include "Cimom/Mof/MofCacheReader.h"
+#include "FuzzInput.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string content = fuzzText(data, size);
+  EmbeddedObjectManager manager;
+  try {
+    const MofCacheReader cache(content);
+    cache.key();
+    cache.inputs();
+    cache.declare(manager.sink());
+    for (const QORString& name : manager.classNames(EmbeddedObjectManager::kDefaultNamespace)) {
+      fuzzRequire(!manager.classMof(EmbeddedObjectManager::kDefaultNamespace, name, true).isEmpty(),
+                  "a class that is listed has a text");
+    }
+  } catch (const std::exception&) {
+    fuzzRequire(manager.namespaces().size() == 1, "a refused cache leaves no namespace");
+    fuzzRequire(manager.classNames(EmbeddedObjectManager::kDefaultNamespace).empty(),
+                "a refused cache leaves no class");
+  }
+  return 0;
+}
