@@ -39,9 +39,7 @@ Value evaluateChain(const Node& node, Evaluate evaluate) {
     link = dynamic_cast<const Chain*>(restOf(*link).Get());
   }
   if (values.size() != operators.size() + 1) return {};
-  Value result(values.back());
-  for (std::size_t i = operators.size(); i-- != 0;) result = QORQL_combine(operators[i], values[i], result);
-  return result;
+  return QORQL_combineChain(operators, values);
 }
 
 bool isText(const Value& value) {

@@ -30,9 +30,7 @@ Value evaluateChain(const Node& first, QORQL_SymbolTable& symbolTable, QORSmrPtr
     if (next == nullptr) values.push_back(restOf(*node)->evaluate(symbolTable, row));
     node = next;
   }
-  Value result(values.back());
-  for (std::size_t i = operators.size(); i-- != 0;) result = QORQL_combine(operators[i], values[i], result);
-  return result;
+  return QORQL_combineChain(operators, values);
 }
 
 }  // namespace

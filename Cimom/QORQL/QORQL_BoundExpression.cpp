@@ -105,9 +105,7 @@ class BoundChain final : public QORQL_BoundValue {
     std::vector<Value> values;
     values.reserve(_operands.size());
     for (const Bound& operand : _operands) values.push_back(operand->value(row));
-    Value result(values.back());
-    for (std::size_t i = values.size() - 1; i-- != 0;) result = QORQL_combine(_operators[i], values[i], result);
-    return result;
+    return QORQL_combineChain(_operators, values);
   }
 
  private:

@@ -1,6 +1,8 @@
 // Arithmetic on values as the language allows it.
 #include "Cimom/QORQL/QORQL_Values.h"
 
+#include <string>
+
 #include "Cimom/QORQL/QORQL_Exception.h"
 #include "Cimom/QORQL/QORQL_ExecutionMessages.h"
 #include "Cimom/QORQL/QORQL_Helper.h"
@@ -10,6 +12,19 @@ namespace {
 bool isString(const IQoriValue& value) { return value.getType()->getName().isEqualCaseInsensitive("string"); }
 bool isNumeric(const IQoriValue& value) {
   return value.scalar().isNumber() || QORQL_Helper::isNumeric(value.getType()->getName());
+}
+
+bool isText(const QORSmrPtr<IQoriValue>& value) {
+  return !value.IsNull() && value->scalar().kind == QoriScalarKind::Text && isString(*value);
+}
+
+// Added pair by pair, a run of texts would be copied once for each of them.
+QORSmrPtr<IQoriValue> joinTexts(const std::vector<QORSmrPtr<IQoriValue>>& values, std::size_t first, std::size_t end,
+                                const QORSmrPtr<IQoriValue>& last) {
+  std::string text;
+  for (std::size_t i = first; i != end; ++i) text += values[i]->scalar().text->view();
+  text += last->scalar().text->view();
+  return QORSmrPtr<IQoriValue>(new CQoriValue(QORString(text.data(), text.size())));
 }
 
 }  // namespace
@@ -31,6 +46,25 @@ QORSmrPtr<IQoriValue> QORQL_combine(QORQL_Operator op, const QORSmrPtr<IQoriValu
     default:
       return {};
   }
+}
+
+QORSmrPtr<IQoriValue> QORQL_combineChain(const std::vector<QORQL_Operator>& operators,
+                                         const std::vector<QORSmrPtr<IQoriValue>>& values) {
+  QORSmrPtr<IQoriValue> result(values.back());
+  for (std::size_t end = values.size() - 1; end != 0;) {
+    std::size_t first = end;
+    if (isText(result)) {
+      while (first != 0 && operators[first - 1] == QORQL_OperatorPLUS && isText(values[first - 1])) --first;
+    }
+    if (end - first > 1) {
+      result = joinTexts(values, first, end, result);
+      end = first;
+    } else {
+      --end;
+      result = QORQL_combine(operators[end], values[end], result);
+    }
+  }
+  return result;
 }
 
 QORSmrPtr<IQoriValue> QORQL_negate(const QORSmrPtr<IQoriValue>& value) {

@@ -2,6 +2,8 @@
 #ifndef QORQL_VALUES_H
 #define QORQL_VALUES_H
 
+#include <vector>
+
 #include "Cimom/QORQL/QORQL_Operator.h"
 #include "cimom/CQoriValue.h"
 #include "cimom/IQoriValue.h"
@@ -12,6 +14,11 @@
 // value library (division by zero) pass through.
 QORSmrPtr<IQoriValue> QORQL_combine(QORQL_Operator op, const QORSmrPtr<IQoriValue>& left,
                                     const QORSmrPtr<IQoriValue>& right);
+
+// The operands of a chain, grouped to the right: v0 op0 (v1 op1 (v2 ...)). REQUIRES
+// an operator behind each value but the last. THROWS as combine; linear in the texts.
+QORSmrPtr<IQoriValue> QORQL_combineChain(const std::vector<QORQL_Operator>& operators,
+                                         const std::vector<QORSmrPtr<IQoriValue>>& values);
 
 // The negation. THROWS QORQL_Exception (QORQL_INVALID_DATA_TYPE) for a uint64.
 QORSmrPtr<IQoriValue> QORQL_negate(const QORSmrPtr<IQoriValue>& value);
