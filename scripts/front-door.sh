@@ -44,7 +44,8 @@ is_fresh() {
   [ -e "$stamp" ] && [ -z "$(cd "$root" && find "$@" -newer "$stamp" -print -quit 2>/dev/null)" ]
 }
 
-# Configures and builds a preset unless nothing changed: build_preset PRESET SOURCE...
+# Configures and builds a preset, or of it what $target names, unless nothing
+# changed: build_preset PRESET SOURCE...
 build_preset() {
   local preset=$1 folder="$root/build/$1" log="$root/build/$1.log" launcher=()
   shift
@@ -60,7 +61,7 @@ build_preset() {
   fi
   say "building the $preset preset, a few minutes at first (log in build/$preset.log)"
   touch "$folder/.started"
-  if ! (cd "$root" && cmake --preset "$preset" "${launcher[@]}" && cmake --build "build/$preset" -j "$(nproc)") \
+  if ! (cd "$root" && cmake --preset "$preset" "${launcher[@]}" && cmake --build "build/$preset" -j "$(nproc)" ${target:+--target "$target"}) \
     >"$log" 2>&1 9>&-; then
     tail -n 40 "$log" >&2
     fail "the $preset build failed, see the lines above and build/$preset.log"

@@ -6,6 +6,18 @@
 #include "Cimom/QORQL/QORQL_ExpressionTerm.h"
 #include "Cimom/QORQL/QORQL_WhereClause.h"
 
+namespace {
+
+std::string explanation(const CQLCondition& failure, const QORSmrPtr<IQoriObject>& instance) {
+  try {
+    return failure.explain(instance);
+  } catch (...) {
+    return "its values cannot be read";
+  }
+}
+
+}  // namespace
+
 CQLMatcher::CQLMatcher(const CQLQueryStatement& statement) {
   const auto& query = dynamic_cast<const QORQL_Query&>(*statement._query);
   if (query.getWhereClause().IsNull()) return;
@@ -64,7 +76,7 @@ bool CQLQueryStatement::explainMatch(const QORSmrPtr<IQoriObject>& instance, con
   } else if (!isMatchFromClause(instance)) {
     why = "its class " + std::string(instance->getClassName().view()) + " is not in FROM";
   } else if (const CQLCondition* const failure = _matcher->firstFailure(instance)) {
-    why = failure->explain(instance);
+    why = explanation(*failure, instance);
   }
   return false;
 }

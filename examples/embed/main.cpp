@@ -2,7 +2,11 @@
 // stream, and asks a filter whether an instance matches. docs/embedding.md goes
 // through it step by step.
 #include <iostream>
+#include <memory>
 #include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "Cimom/Mof/MofLoader.h"
@@ -64,20 +68,34 @@ void runQueryAndReport(const char* text) {
   }
 }
 
-// Asks each item whether it matches the filter.
-void runFilter(const char* text) {
-  CQLQueryStatement filter(kLanguage, text, kNameSpace, kNameSpace);
-  if (filter.validate() != QUERY_VALIDATE_SUCCESS) {
-    std::cout << "not a valid filter\n";
-    return;
+// Subscribers and their filters.
+class Subscriptions {
+ public:
+  void subscribe(const char* subscriber, const char* text) {
+    auto filter = std::make_unique<CQLQueryStatement>(kLanguage, text, kNameSpace, kNameSpace);
+    if (filter->validate() != QUERY_VALIDATE_SUCCESS) {
+      std::cout << subscriber << " is refused: " << filter->getFault().message << '\n';
+    } else {
+      _subscriptions.emplace_back(subscriber, std::move(filter));
+    }
   }
+
+  // Any number of threads may deliver at the same time.
+  void deliver(const QORSmrPtr<IQoriObject>& instance) const {
+    std::cout << instance->getInstanceName()->toString() << '\n';
+    for (const auto& [subscriber, filter] : _subscriptions) {
+      if (filter->isMatch(instance, kNameSpace)) std::cout << "  goes to " << subscriber << '\n';
+    }
+  }
+
+ private:
+  std::vector<std::pair<std::string, std::unique_ptr<const CQLQueryStatement>>> _subscriptions;
+};
+
+void deliverAll(const Subscriptions& subscriptions) {
   const CIMApi::Instances items =
       CIMApi().enumerateInstances(kNameSpace, "Shop_Item", nullptr, -1, nullptr, nullptr, "", nullptr);
-  for (QORuint32 i = 0; i < items->entries(); ++i) {
-    const QORSmrPtr<IQoriObject>& item = items->at(i);
-    std::cout << item->getInstanceName()->toString()
-              << (filter.isMatch(item, kNameSpace) ? " matches\n" : " does not match\n");
-  }
+  for (QORuint32 i = 0; i < items->entries(); ++i) subscriptions.deliver(items->at(i));
 }
 
 }  // namespace
@@ -89,5 +107,9 @@ int main() {
 
   runQueryAndReport("SELECT Name, Price FROM Shop_Item WHERE Stock > 0 ORDER BY Name DESC");
   runQueryAndReport("SELECT Name FROM Shop_Item WHERE Stock >");
-  runFilter("SELECT * FROM Shop_Item WHERE Stock > 0 AND Price < 50");
+  Subscriptions subscriptions;
+  subscriptions.subscribe("the cashier", "SELECT * FROM Shop_Item WHERE Stock > 0 AND Price < 50");
+  subscriptions.subscribe("the buyer", "SELECT * FROM Shop_Item WHERE Stock = 0");
+  subscriptions.subscribe("the thief", "SELECT * FROM Shop_Item WHERE Safe = TRUE");
+  deliverAll(subscriptions);
 }

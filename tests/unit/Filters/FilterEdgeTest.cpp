@@ -133,6 +133,9 @@ TEST_F(FilterEdge, anObjectThatFails) {
     EXPECT_EQ(code, CQL_QUERY_ISMATCH_FAILURE) << condition;
     EXPECT_FALSE(result) << condition;
     EXPECT_FALSE(statement.isMatch(instance, kNameSpace)) << condition;
+    std::string why;
+    EXPECT_FALSE(statement.explainMatch(instance, kNameSpace, why)) << condition;
+    EXPECT_FALSE(why.empty()) << condition;
   }
   EXPECT_FALSE(
       world.matches("SELECT * FROM CIM_AlertIndication WHERE AlertingManagedElement ISA CIM_FCPort", instance));
