@@ -115,26 +115,41 @@ void QORQL_LazyRows::sortTuples(QORQL_RowBlock& block) {
 
 namespace {
 
-// The product of two blocks, in ascending order of its tuples.
+// Where a column of a product comes from.
+struct ProductColumn {
+  bool isFirst;
+  std::size_t place;
+};
+
+std::vector<ProductColumn> productColumns(const QORQL_RowBlock& a, const QORQL_RowBlock& b,
+                                          const std::vector<QORuint32>& columns) {
+  std::vector<ProductColumn> result;
+  for (const QORuint32 column : columns) {
+    const auto inA = std::lower_bound(a.columns.begin(), a.columns.end(), column);
+    const bool isFirst = inA != a.columns.end() && *inA == column;
+    const auto inB = std::lower_bound(b.columns.begin(), b.columns.end(), column);
+    result.push_back({isFirst, static_cast<std::size_t>(isFirst ? inA - a.columns.begin() : inB - b.columns.begin())});
+  }
+  return result;
+}
+
+// The product of two blocks, in ascending order of its tuples. It grows row by
+// row, so that one that is too large to wait for can be stopped.
 QORQL_RowBlock product(const QORQL_RowBlock& a, const QORQL_RowBlock& b) {
   QORQL_RowBlock result;
   result.columns = a.columns;
   result.columns.insert(result.columns.end(), b.columns.begin(), b.columns.end());
   std::sort(result.columns.begin(), result.columns.end());
-  const auto placeOf = [&result](QORuint32 column) {
-    return static_cast<std::size_t>(std::lower_bound(result.columns.begin(), result.columns.end(), column) -
-                                    result.columns.begin());
-  };
-  const std::size_t width = result.columns.size();
+  const std::vector<ProductColumn> sources = productColumns(a, b, result.columns);
   result.rowCount = a.rowCount * b.rowCount;
-  result.tuples.resize(result.rowCount * width);
-  QORuint32* tuple = result.tuples.data();
+  result.tuples.reserve(result.rowCount * sources.size());
   QORQL_StopCheck stopCheck;
   for (QORuint64 i = 0; i < a.rowCount; ++i) {
     stopCheck.count(b.rowCount);
-    for (QORuint64 j = 0; j < b.rowCount; ++j, tuple += width) {
-      for (std::size_t p = 0; p < a.columns.size(); ++p) tuple[placeOf(a.columns[p])] = a.index(i, p);
-      for (std::size_t p = 0; p < b.columns.size(); ++p) tuple[placeOf(b.columns[p])] = b.index(j, p);
+    for (QORuint64 j = 0; j < b.rowCount; ++j) {
+      for (const ProductColumn& source : sources) {
+        result.tuples.push_back(source.isFirst ? a.index(i, source.place) : b.index(j, source.place));
+      }
     }
   }
   if (a.columns.back() > b.columns.front()) QORQL_LazyRows::sortTuples(result);

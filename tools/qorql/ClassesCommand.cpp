@@ -68,12 +68,7 @@ int listClasses(const ClassesOptions& options) {
   } catch (...) {
     return reportStartFailure();
   }
-  std::vector<QORString> names = session.manager().classNames(options.session.nameSpace.c_str());
-  const std::string pattern = wholePattern(options.pattern);
-  std::erase_if(
-      names, [&pattern](const QORString& name) { return fnmatch(pattern.c_str(), name.c_str(), FNM_CASEFOLD) != 0; });
-  std::sort(names.begin(), names.end(),
-            [](const QORString& a, const QORString& b) { return a.compareTo(b, false) < 0; });
+  const std::vector<QORString> names = matchingClasses(session.manager(), options.session.nameSpace, options.pattern);
   for (const QORString& name : names) printClass(session.manager(), options, name);
   if (!names.empty()) return kExitDone;
   const std::string which = options.pattern.empty() ? "" : " matches \"" + options.pattern + '"';
@@ -81,6 +76,17 @@ int listClasses(const ClassesOptions& options) {
 }
 
 }  // namespace
+
+std::vector<QORString> matchingClasses(const EmbeddedObjectManager& manager, const std::string& nameSpace,
+                                       const std::string& pattern) {
+  std::vector<QORString> names = manager.classNames(nameSpace.c_str());
+  const std::string whole = wholePattern(pattern);
+  std::erase_if(names,
+                [&whole](const QORString& name) { return fnmatch(whole.c_str(), name.c_str(), FNM_CASEFOLD) != 0; });
+  std::sort(names.begin(), names.end(),
+            [](const QORString& a, const QORString& b) { return a.compareTo(b, false) < 0; });
+  return names;
+}
 
 CommandAction declareClassesCommand(CLI::App& app) {
   const auto options = std::make_shared<ClassesOptions>();

@@ -2,8 +2,17 @@
 #ifndef QORQL_TOOL_CLASSESCOMMAND_H
 #define QORQL_TOOL_CLASSESCOMMAND_H
 
+#include <string>
+#include <vector>
+
+#include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "Command.h"
 
 CommandAction declareClassesCommand(CLI::App& app);
+
+// The classes of a namespace that match a pattern, in the order of their names:
+// a part of the name or, with * ? [ ] in it, the whole name, ignoring case.
+std::vector<QORString> matchingClasses(const EmbeddedObjectManager& manager, const std::string& nameSpace,
+                                       const std::string& pattern);
 
 #endif

@@ -13,7 +13,10 @@
 #include "QueryRunner.h"
 #include "Session.h"
 #include "SessionOptions.h"
+#include "Shell.h"
 #include "Statements.h"
+#include "Terminal.h"
+#include "Version.h"
 
 namespace {
 
@@ -22,7 +25,8 @@ constexpr const char* kDescription =
     "machine, and what MOF files declare.";
 
 constexpr const char* kFooter =
-    "Without QUERY and --file, statements are read from standard input, separated by \";\".\n"
+    "Without QUERY and --file: at a terminal a shell with editing, history and completion;\n"
+    "else statements are read from standard input, separated by \";\".\n"
     "\n"
     "Exit status: 0 done; 1 a statement is refused or fails; 2 wrong usage; 3 MOF,\n"
     "configuration or provider failure.\n"
@@ -72,7 +76,7 @@ int runStatements(const QueryOptions& options, Session& session) {
   return kExitDone;
 }
 
-int runQuery(const QueryOptions& options) {
+int runQuery(QueryOptions& options) {
   if (options.query && !options.file.empty()) throw CLI::ExcludesError("QUERY", "--file");
   Session session(options.session);
   try {
@@ -80,6 +84,8 @@ int runQuery(const QueryOptions& options) {
   } catch (...) {
     return reportStartFailure();
   }
+  const bool hasStatements = options.query || !options.file.empty();
+  if (!hasStatements && isInteractive()) return Shell(options.session, options.output, session).run();
   return runStatements(options, session);
 }
 
@@ -95,6 +101,7 @@ CommandAction declareQueryCommand(CLI::App& app) {
   app.add_option_function<std::string>("QUERY", takeQuery, "One statement, or several separated by \";\"")
       ->type_name(" ");
   declareOutputOptions(app, options->output);
-  app.set_version_flag("--version", "qorql " QORQL_VERSION, "Print the version and end")->disable_flag_override();
+  app.set_version_flag("--version", std::string("qorql ") + versionText(), "Print the version and end")
+      ->disable_flag_override();
   return [options] { return runQuery(*options); };
 }

@@ -50,6 +50,16 @@ std::vector<Statement> splitStatements(std::string_view text) {
   return statements;
 }
 
+std::size_t endOfStatements(std::string_view text) {
+  std::size_t found = 0;
+  for (std::size_t from = 0; from < text.size();) {
+    const std::size_t end = findExtent(text, from).end;
+    if (end < text.size()) found = end + 1;
+    from = end + 1;
+  }
+  return found;
+}
+
 std::string normaliseText(std::string text) {
   constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
   if (text.starts_with(kByteOrderMark)) text.erase(0, kByteOrderMark.size());

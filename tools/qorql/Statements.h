@@ -2,6 +2,7 @@
 #ifndef QORQL_TOOL_STATEMENTS_H
 #define QORQL_TOOL_STATEMENTS_H
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,6 +18,8 @@ struct Statement {
 // around them removed. A semicolon inside a string literal does not count: a
 // literal begins at a single quote and ends at the next one in the same line.
 std::vector<Statement> splitStatements(std::string_view text);
+// The end of the last statement that a semicolon ends, behind it; 0 when there is none.
+std::size_t endOfStatements(std::string_view text);
 
 // The content of a file or of standard input with CR LF line ends turned into
 // LF and without a byte order mark, which the language does not know.

@@ -1,0 +1,243 @@
+// The dot commands of the shell.
+#include "ShellCommands.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <iostream>
+#include <optional>
+
+#include "Cimom/Mof/MofLoader.h"
+#include "ClassesCommand.h"
+#include "ErrorReport.h"
+#include "ExplainCommand.h"
+#include "ParsedQuery.h"
+#include "ProgressLine.h"
+#include "StatementCompletion.h"
+#include "Suggestion.h"
+
+namespace {
+
+using Argument = const std::string&;
+
+void complain(const std::string& message) { std::cerr << "qorql: error: " << message << '\n'; }
+
+struct ShellCommand {
+  const char* name;
+  const char* argument;  // as the help shows it
+  const char* description;
+  void (*run)(Argument argument, ShellState& state);
+};
+
+void printHelp(Argument argument, ShellState& state);
+
+void listClasses(Argument pattern, ShellState& state) {
+  const std::vector<QORString> names = matchingClasses(state.session.manager(), state.options.nameSpace, pattern);
+  for (const QORString& name : names) std::cout << name << '\n';
+  if (names.empty()) complain("no class matches \"" + pattern + "\" in namespace " + state.options.nameSpace);
+}
+
+void printClass(Argument name, ShellState& state) {
+  const QORString text = state.session.manager().classMof(QORString(state.options.nameSpace), QORString(name), false);
+  if (name.empty()) return complain(".class needs the name of a class");
+  if (text.isNull()) return complain("there is no class " + name + " in namespace " + state.options.nameSpace);
+  std::cout << text;
+}
+
+void loadMof(Argument path, ShellState& state) {
+  if (path.empty()) return complain(".mof needs a file or folder");
+  const Activity activity("loading MOF");
+  const ProgressLine progress(!state.options.isQuiet, activity);
+  MofLoader(state.session.manager().sink(), QORString(state.options.nameSpace)).loadFile(path);
+}
+
+void chooseNamespace(Argument name, ShellState& state) {
+  if (name.empty()) {
+    std::cout << state.options.nameSpace << '\n';
+    return;
+  }
+  for (const QORString& known : state.session.manager().namespaces()) {
+    if (!known.isEqualCaseInsensitive(QORString(name))) continue;
+    state.options.nameSpace = known.view();
+    return;
+  }
+  complain("there is no namespace " + name);
+}
+
+void chooseForm(Argument name, ShellState& state) {
+  const auto& forms = outputForms();
+  if (!name.empty() && forms.contains(name)) {
+    state.output.form = forms.at(name);
+    return;
+  }
+  std::string names;
+  std::string current = "table";
+  for (const auto& [known, form] : forms) {
+    names += (names.empty() ? "" : ", ") + known;
+    if (state.output.form == form) current = known;
+  }
+  if (name.empty()) {
+    std::cout << current << " (of " << names << ")\n";
+  } else {
+    complain("'" + name + "' is none of " + names);
+  }
+}
+
+void explain(Argument query, ShellState& state) {
+  for (const Statement& statement : splitStatements(query.empty() ? " " : query)) {
+    ParsedQuery parsed(statement.text);
+    try {
+      parsed.parse(state.options.nameSpace, std::cout);
+      printExplanation(std::cout, parsed, state.options.nameSpace);
+    } catch (...) {
+      state.session.dropWarnings();
+      std::cout.flush();
+      reportFailure({statement.text, 1}, parsed.faultOffset());
+    }
+  }
+  if (query.empty()) complain(".explain needs a statement");
+}
+
+// Without argument the other way round.
+void toggle(Argument argument, const char* what, bool& isOn) {
+  if (!argument.empty() && argument != "on" && argument != "off") {
+    complain("'" + argument + "' is none of off, on");
+    return;
+  }
+  isOn = argument.empty() ? !isOn : argument == "on";
+  std::cout << what << (isOn ? " on\n" : " off\n");
+}
+
+void toggleStatistics(Argument argument, ShellState& state) {
+  toggle(argument, "statistics", state.output.hasStatistics);
+}
+void toggleTimer(Argument argument, ShellState& state) { toggle(argument, "timer", state.hasTimer); }
+
+void quit(Argument /*argument*/, ShellState& /*state*/) {}
+
+constexpr ShellCommand kCommands[] = {
+    {".help", "", "Show this list", printHelp},
+    {".classes", "[PATTERN]", "List the classes of the namespace", listClasses},
+    {".class", "NAME", "Show a class as MOF text", printClass},
+    {".mof", "PATH", "Load a MOF file, or every .mof file of a folder", loadMof},
+    {".namespace", "[NAME]", "Show or change the namespace", chooseNamespace},
+    {".output", "[FORM]", "Show or change the form of results", chooseForm},
+    {".explain", "QUERY", "Say what a query will do, without running it", explain},
+    {".stats", "[on|off]", "Counts and times after each statement", toggleStatistics},
+    {".timer", "[on|off]", "The time after each statement", toggleTimer},
+    {".quit", "", "Leave; so does Ctrl-D", quit},
+};
+
+void printHelp(Argument /*argument*/, ShellState& /*state*/) {
+  for (const ShellCommand& command : kCommands) {
+    std::string line = std::string(command.name) + " " + command.argument;
+    line.resize(22, ' ');
+    std::cout << line << command.description << '\n';
+  }
+  std::cout << "\nAnything else is a statement, which ends with \";\" and may take several lines.\n"
+               "Tab completes, Ctrl-R searches the history, Ctrl-C stops a statement that runs.\n";
+}
+
+std::string nameOf(std::string_view line) {
+  std::string name(line.substr(0, line.find_first_of(" \t;")));
+  if (!name.empty() && name.front() != '.') name.insert(0, 1, '.');
+  return name == ".exit" ? ".quit" : name;
+}
+
+const ShellCommand* find(const std::string& name) {
+  const auto* const found = std::find_if(std::begin(kCommands), std::end(kCommands),
+                                         [&name](const ShellCommand& command) { return name == command.name; });
+  return found == std::end(kCommands) ? nullptr : found;
+}
+
+std::string argumentOf(const std::string& line) {
+  const std::size_t end = line.find_first_of(" \t");
+  const std::size_t start = end == std::string::npos ? end : line.find_first_not_of(" \t", end);
+  if (start == std::string::npos) return {};
+  std::string argument = line.substr(start);
+  while (!argument.empty() && (argument.back() == ';' || argument.back() == ' ')) argument.pop_back();
+  return argument;
+}
+
+void complainOfUnknown(const std::string& name) {
+  Suggestion suggestion(name);
+  for (const ShellCommand& command : kCommands) suggestion.consider(command.name);
+  const std::string& best = suggestion.best();
+  complain("there is no command " + name + (best.empty() ? "" : ", did you mean " + best + "?") + "; .help lists them");
+}
+
+// Files and folders that a path may go on with.
+std::vector<std::string> pathsFrom(const std::string& typed) {
+  namespace fs = std::filesystem;
+  const std::size_t slash = typed.rfind('/');
+  const std::string folder = slash == std::string::npos ? "" : typed.substr(0, slash + 1);
+  std::vector<std::string> paths;
+  std::error_code error;
+  for (fs::directory_iterator entry(folder.empty() ? "." : folder, error), end; !error && entry != end;
+       entry.increment(error)) {
+    const std::string path = folder + entry->path().filename().string();
+    std::error_code ignored;
+    const bool isFolder = entry->is_directory(ignored);
+    if (!path.starts_with(typed) || (!isFolder && entry->path().extension() != ".mof")) continue;
+    paths.push_back(isFolder ? path + "/" : path);
+  }
+  std::sort(paths.begin(), paths.end());
+  return paths;
+}
+
+std::vector<std::string> argumentsOf(const std::string& name, const ShellState& state) {
+  std::vector<std::string> words;
+  if (name == ".class" || name == ".classes") return classNames(state.session.manager(), state.options.nameSpace);
+  if (name == ".stats" || name == ".timer") return {"off", "on"};
+  if (name == ".output") {
+    for (const auto& form : outputForms()) words.push_back(form.first);
+  }
+  if (name == ".namespace") {
+    for (const QORString& known : state.session.manager().namespaces()) words.emplace_back(known.view());
+  }
+  return words;
+}
+
+}  // namespace
+
+bool isShellCommand(std::string_view line) {
+  if (line.starts_with('.')) return true;
+  if (line.ends_with(';')) line.remove_suffix(1);
+  return line == "help" || line == "quit" || line == "exit";
+}
+
+bool runShellCommand(const std::string& line, ShellState& state) {
+  const std::string name = nameOf(line);
+  if (name == ".quit") return false;
+  const ShellCommand* const command = find(name);
+  if (command == nullptr) {
+    complainOfUnknown(name);
+    return true;
+  }
+  try {
+    command->run(argumentOf(line), state);
+  } catch (...) {
+    reportStartFailure();
+  }
+  return true;
+}
+
+Completions completeShellCommand(std::string_view line, std::size_t cursor, const ShellState& state) {
+  Completions found;
+  const std::string_view typed = line.substr(0, cursor);
+  const std::size_t blank = typed.find_first_of(" \t");
+  if (blank == std::string_view::npos) {
+    std::vector<std::string> names;
+    for (const ShellCommand& command : kCommands) names.emplace_back(command.name);
+    found.words = startingWith(names, typed);
+    return found;
+  }
+  const std::string name = nameOf(line);
+  if (name == ".explain")
+    return completeStatement(line.substr(0, cursor), cursor, state.session.manager(), state.options.nameSpace);
+  found.start = typed.find_first_not_of(" \t", blank);
+  if (found.start == std::string_view::npos) found.start = cursor;
+  const std::string word(typed.substr(found.start));
+  found.words = name == ".mof" ? pathsFrom(word) : startingWith(argumentsOf(name, state), word);
+  return found;
+}

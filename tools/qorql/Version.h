@@ -1,0 +1,8 @@
+// Which qorql this is.
+#ifndef QORQL_TOOL_VERSION_H
+#define QORQL_TOOL_VERSION_H
+
+// The version, with the commit that it was built from where that is known.
+const char* versionText();
+
+#endif
