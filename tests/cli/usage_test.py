@@ -21,7 +21,7 @@ class Help(ToolCase):
         self.assertEqual(self.succeed(self.run_tool("-h")), self.succeed(self.run_tool("--help")))
 
     def test_version(self):
-        self.assertRegex(self.succeed(self.run_tool("--version")), r"\Aqorql \d+\.\d+\.\d+\n\Z")
+        self.assertRegex(self.succeed(self.run_tool("--version")), r"\Aqorql \d+\.\d+\.\d+( \([0-9a-f]{7,40}\+?\))?\n\Z")
 
     def test_help_takes_no_argument(self):
         self.wrong_usage(self.run_tool("--help=yes"))

@@ -9,6 +9,7 @@
 #include "ExplainCommand.h"
 #include "InstancesCommand.h"
 #include "MatchCommand.h"
+#include "PagesCommand.h"
 #include "QueryCommand.h"
 #include "ValidateCommand.h"
 #include "WatchCommand.h"
@@ -24,6 +25,7 @@ constexpr Command kCommands[] = {
     {"match", "Tell which instances a filter matches", declareMatchCommand},
     {"watch", "Print the live changes that a filter matches", declareWatchCommand},
     {"explain", "Say what a query will do, without running it", declareExplainCommand},
+    {"pages", "Print the manual page or the completion for bash", declarePagesCommand},
 };
 
 std::string listOfCommands() {

@@ -65,3 +65,9 @@ void declareSessionOptions(CLI::App& app, SessionOptions& options) {
       ->type_name("LEVEL")
       ->check(oneOf(kLogLevels));
 }
+
+std::vector<std::string> logLevelNames() {
+  std::vector<std::string> names;
+  for (const auto& level : kLogLevels) names.push_back(level.first);
+  return names;
+}

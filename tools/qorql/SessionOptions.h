@@ -34,4 +34,7 @@ struct SessionOptions {
 // options until the command line has been parsed.
 void declareSessionOptions(CLI::App& app, SessionOptions& options);
 
+// The levels of --log.
+std::vector<std::string> logLevelNames();
+
 #endif

@@ -1,0 +1,166 @@
+// The manual page and the completion for bash, made from what the commands
+// declare, as the help is.
+#include "PagesCommand.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+#include "ExitStatus.h"
+#include "OptionChecks.h"
+#include "OutputOptions.h"
+#include "SessionOptions.h"
+#include "Version.h"
+
+namespace {
+
+constexpr const char* kDescription =
+    "Prints the manual page (man) or the completion for bash (bash). Both are installed with\n"
+    "the program; a shell without them reads: source <(qorql pages bash)";
+
+using Options = std::vector<const CLI::Option*>;
+
+// Names as they are typed: -o, --output.
+std::vector<std::string> namesOf(const CLI::Option& option) {
+  std::vector<std::string> names;
+  for (const std::string& name : option.get_snames()) names.push_back("-" + name);
+  for (const std::string& name : option.get_lnames()) names.push_back("--" + name);
+  return names;
+}
+
+bool takesValue(const CLI::Option& option) { return option.get_items_expected_max() != 0; }
+bool isPositional(const CLI::Option& option) { return !option.nonpositional(); }
+
+// --- the manual page ----------------------------------------------------------------
+
+std::string roff(const std::string& text) {
+  std::string result;
+  bool isLineStart = true;
+  for (const char c : text) {
+    if (isLineStart && (c == '.' || c == '\'')) result += "\\&";
+    if (c == '\\') {
+      result += "\\e";
+    } else if (c == '-') {
+      result += "\\-";
+    } else {
+      result += c;
+    }
+    isLineStart = c == '\n';
+  }
+  return result;
+}
+
+std::string synopsis(const CLI::App& app) {
+  std::string text = ".B " + roff(app.get_name()) + "\n[OPTIONS]";
+  for (const CLI::Option* option : app.get_options()) {
+    if (!isPositional(*option)) continue;
+    const std::string name = option->get_name(true);
+    text += option->get_required() ? " " + name : " [" + name + "]";
+  }
+  return text + "\n";
+}
+
+void printOption(const CLI::Option& option) {
+  std::string names;
+  for (const std::string& name : namesOf(option)) names += (names.empty() ? "" : ", ") + ("\\fB" + roff(name) + "\\fR");
+  if (isPositional(option)) names = "\\fI" + option.get_name(true) + "\\fR";
+  if (takesValue(option) && !isPositional(option)) names += " \\fI" + roff(option.get_type_name()) + "\\fR";
+  std::cout << ".TP\n" << names << '\n' << roff(option.get_description()) << '\n';
+}
+
+void printCommand(const Command& command) {
+  const DeclaredCommand declared = declareCommand(command);
+  const CLI::App& app = *declared.app;
+  std::cout << ".SS " << roff(app.get_name()) << '\n' << synopsis(app);
+  std::cout << ".PP\n" << roff(app.get_description()) << '\n';
+  for (const CLI::Option* option : app.get_options()) printOption(*option);
+  std::cout << ".PP\n.nf\n" << roff(app.get_footer()) << "\n.fi\n";
+}
+
+void printManual() {
+  std::cout << ".TH QORQL 1 \"\" \"qorql " << roff(versionText()) << "\" \"User Commands\"\n"
+            << ".SH NAME\nqorql \\- query CIM instances\n.SH SYNOPSIS\n"
+            << synopsis(*declareCommand(allCommands().front()).app) << ".br\n.B qorql\n\\fICOMMAND\\fR [OPTIONS] ...\n"
+            << ".SH COMMANDS\nWithout a command the first one runs.\n";
+  for (const Command& command : allCommands()) printCommand(command);
+}
+
+// --- completion for bash ----------------------------------------------------------------
+
+std::string joined(const std::vector<std::string>& words) {
+  std::string text;
+  for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
+  return text;
+}
+
+// What may stand for an option's value; empty: anything.
+std::string valuesOf(const CLI::Option& option) {
+  const std::string& type = option.get_type_name();
+  std::vector<std::string> words;
+  if (type == "FORM") {
+    for (const auto& form : outputForms()) words.push_back(form.first);
+  }
+  if (type == "LEVEL") words = logLevelNames();
+  return joined(words);
+}
+
+// The case branches of one command: what follows an option, and the options.
+void printBranches(const Command& command) {
+  const DeclaredCommand declared = declareCommand(command);
+  std::vector<std::string> all;
+  std::cout << "    " << command.name << ")\n      case \"$previous\" in\n";
+  for (const CLI::Option* option : declared.app->get_options()) {
+    const std::vector<std::string> names = namesOf(*option);
+    all.insert(all.end(), names.begin(), names.end());
+    if (names.empty() || !takesValue(*option)) continue;
+    std::string pattern = joined(names);
+    std::replace(pattern.begin(), pattern.end(), ' ', '|');
+    const std::string& type = option->get_type_name();
+    const std::string values = valuesOf(*option);
+    std::cout << "        " << pattern << ") ";
+    if (type == "FILE" || type == "PATH") {
+      std::cout << "COMPREPLY=($(compgen -f -- \"$current\")); compopt -o filenames";
+    } else if (!values.empty()) {
+      std::cout << "COMPREPLY=($(compgen -W '" << values << "' -- \"$current\"))";
+    } else {
+      std::cout << "COMPREPLY=()";
+    }
+    std::cout << "; return ;;\n";
+  }
+  std::cout << "      esac\n      words='" << joined(all) << "' ;;\n";
+}
+
+void printCompletion() {
+  std::vector<std::string> names;
+  for (const Command& command : allCommands()) names.emplace_back(command.name);
+  std::cout << "# Completion of qorql for bash, made by: qorql pages bash\n"
+               "_qorql() {\n"
+               "  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]} words=\n"
+               "  local commands='"
+            << joined(names) << "' command=" << names.front()
+            << "\n"
+               "  if [ \"$COMP_CWORD\" -gt 1 ] && [[ \" $commands \" == *\" ${COMP_WORDS[1]} \"* ]]; then\n"
+               "    command=${COMP_WORDS[1]}\n"
+               "  fi\n"
+               "  case \"$command\" in\n";
+  for (const Command& command : allCommands()) printBranches(command);
+  std::cout << "  esac\n"
+               "  [ \"$COMP_CWORD\" -eq 1 ] && words=\"$words $commands\"\n"
+               "  COMPREPLY=($(compgen -W \"$words\" -- \"$current\"))\n"
+               "  [ ${#COMPREPLY[@]} -gt 0 ] || COMPREPLY=($(compgen -f -- \"$current\"))\n"
+               "}\n"
+               "complete -F _qorql qorql\n";
+}
+
+}  // namespace
+
+CommandAction declarePagesCommand(CLI::App& app) {
+  static const std::map<std::string, void (*)()> pages = {{"bash", printCompletion}, {"man", printManual}};
+  const auto which = std::make_shared<std::string>();
+  app.description(kDescription);
+  app.footer("Exit status: 0 done; 2 wrong usage.");
+  app.add_option("PAGE", *which, "man or bash")->type_name(" ")->required()->check(oneOf(pages));
+  return [which] {
+    pages.at (*which)();
+    return kExitDone;
+  };
+}
