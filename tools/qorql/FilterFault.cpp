@@ -56,11 +56,11 @@ const FilterText::Source* FilterFault::unknownSource() const {
 
 std::string FilterFault::describeClass(const FilterText::Source& source) const {
   const std::string place = " (" + _text.place(source.offset) + ")";
-  const std::string reason = source.className + " is no class of " + plain(_nameSpace);
+  std::string reason = source.className + " is no class of " + plain(_nameSpace);
   for (const QORString& other : _manager.namespaces()) {
-    if (!_manager.sink().findClass(other, QORString(source.className)).IsNull()) {
-      return reason + " but one of " + plain(other) + place;
-    }
+    if (_manager.sink().findClass(other, QORString(source.className)).IsNull()) continue;
+    reason.append(" but one of ").append(other.view());
+    return reason + place;
   }
   Suggestion suggestion(source.className);
   for (const QORString& name : _manager.classNames(_nameSpace)) suggestion.consider(name.view());

@@ -59,4 +59,14 @@ TEST_F(FilterAllocation, embeddedObjectsAndTheirClasses) {
   EXPECT_EQ(allocationsOf("SELECT * FROM CIM_InstCreation", changed, false), 0U);
 }
 
+TEST_F(FilterAllocation, matchingAsksForNoInstances) {
+  const QORSmrPtr<IQoriObject> alert(world.alert("U8 = 5;"));
+  world.manager().resetStatistics();
+  EXPECT_TRUE(world.matches("SELECT * FROM CIM_Indication", alert));
+  EXPECT_TRUE(world.matches("SELECT * FROM CIM_AlertIndication WHERE U8 + 0 = 5", alert));
+  EXPECT_FALSE(world.matches("SELECT * FROM CIM_AlertIndication WHERE AlertingManagedElement ISA CIM_FCPort", alert));
+  const EmbeddedObjectManager::Statistics statistics = world.manager().statistics();
+  EXPECT_EQ(statistics.enumerateCalls + statistics.associatorCalls + statistics.getInstanceCalls, 0U);
+}
+
 }  // namespace
