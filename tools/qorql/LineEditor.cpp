@@ -132,7 +132,8 @@ LineEditor::LineEditor(Completer completer) : _terminal(std::make_unique<Termina
   el_set(editor, EL_SIGNAL, 1);
   el_set(editor, EL_GETCFN, &readCharacter);
   el_set(editor, EL_HIST, history, terminal.history);
-  el_set(editor, EL_ADDFN, "qorql-complete", "Complete a word", &Terminal::completeWord);
+  // The wide form keeps these texts; the other one keeps copies that it never frees.
+  el_wset(editor, EL_ADDFN, L"qorql-complete", L"Complete a word", &Terminal::completeWord);
   el_set(editor, EL_BIND, "^I", "qorql-complete", nullptr);
   el_set(editor, EL_BIND, "^R", "em-inc-search-prev", nullptr);
   el_source(editor, nullptr);
