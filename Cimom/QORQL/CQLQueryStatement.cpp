@@ -59,7 +59,7 @@ void CQLQueryStatement::parseQuery() {
 
 // Faults of names are found after the text was read; they name what is wrong.
 void CQLQueryStatement::noteParseFault(const QoriBaseException& error, QORuint32 offset) {
-  const QORString message(error.getMessage());
+  const QORString& message = error.getMessage();
   if (QORQL_isMessage(QORQL_Messages::kPropertyUnknown.text, message, _fault.name)) {
     _fault.kind = CQLQueryFault::kProperty;
   } else if (QORQL_isMessage(QORQL_Messages::kPropertyAmbiguous.text, message, _fault.name)) {
