@@ -31,9 +31,8 @@ struct Statement {
   QORSmrPtr<QORQL_Query> parsed;
 };
 
-void readCell(const QORSmrPtr<IQoriValue>& value, bool isSortKey, Answer& answer) {
-  if (value.IsNull()) return answer.null();
-  const QoriScalar cell = value->scalar();
+void readCell(const QoriScalar& cell, bool isSortKey, Answer& answer) {
+  if (cell.isNull()) return answer.null();
   if (cell.kind == QoriScalarKind::Text) return answer.text(cell.text->view());
   if (cell.kind == QoriScalarKind::Real) return answer.real(cell.r);
   answer.number(cell.u);
@@ -43,7 +42,7 @@ void readCell(const QORSmrPtr<IQoriValue>& value, bool isSortKey, Answer& answer
 void readRows(QORQL_ResultReader& reader, int sortColumn, Answer& answer) {
   const std::size_t columns = reader.columns().size();
   while (reader.next()) {
-    for (std::size_t i = 0; i < columns; ++i) readCell(reader.value(i), static_cast<int>(i) == sortColumn, answer);
+    for (std::size_t i = 0; i < columns; ++i) readCell(reader.view(i), static_cast<int>(i) == sortColumn, answer);
     answer.endRow();
   }
 }

@@ -188,8 +188,4 @@ QORString QORString::number(QORsint64 value) { return formatNumber(value); }
 
 std::ostream& operator<<(std::ostream& out, const QORString& text) { return out << text.view(); }
 
-QORuint32 hashKeyQORString(const QORString& key) noexcept {
-  QORuint32 hash = 2166136261U;
-  for (const char c : key.view()) hash = (hash ^ static_cast<unsigned char>(c)) * 16777619U;
-  return hash;
-}
+QORuint32 hashKeyQORString(const QORString& key) noexcept { return hashKeyBytes(key.view()); }

@@ -2,6 +2,7 @@
 #include "cimom/CIMUtil.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <ostream>
 #include <string_view>
@@ -31,10 +32,16 @@ std::string_view entity(char c) noexcept {
   }
 }
 
-bool isPlainAscii(char c) noexcept {
-  const unsigned char byte = static_cast<unsigned char>(c);
-  return byte < 0x80 && (byte >= 0x20 || c == '\t' || c == '\n' || c == '\r') && entity(c).empty();
-}
+// For each byte, whether it is a character of its own that stays as it is.
+constexpr std::array<bool, 256> kIsPlainAscii = [] {
+  std::array<bool, 256> isPlain{};
+  for (std::size_t byte = 0x20; byte < 0x80; ++byte) isPlain[byte] = true;
+  for (const char c : {'\t', '\n', '\r'}) isPlain[static_cast<unsigned char>(c)] = true;
+  for (const char c : {'&', '<', '>', '"', '\''}) isPlain[static_cast<unsigned char>(c)] = false;
+  return isPlain;
+}();
+
+bool isPlainAscii(char c) noexcept { return kIsPlainAscii[static_cast<unsigned char>(c)]; }
 
 // Length of the UTF-8 sequence that a lead byte opens; 0 for a byte that opens none.
 std::size_t sequenceLength(unsigned char lead) noexcept {
@@ -161,22 +168,23 @@ QORString CIMUtil::CreateCIMErrorMsg(int status, const QORString& message) {
 }
 
 QORString CIMUtil::xmlEncode(const QORString& text) {
-  std::string_view rest = text.view();
-  std::size_t plain = plainLength(rest);
-  if (plain == rest.size()) return text;
-  QORString encoded;
+  if (plainLength(text.view()) == text.length()) return text;
+  std::string encoded;
   encoded.reserve(text.length() + 32);
-  while (!rest.empty()) {
-    encoded.append(rest.substr(0, plain));
-    rest.remove_prefix(plain);
-    if (!rest.empty()) {
-      const std::string_view special = entity(rest.front());
-      encoded.append(special.empty() ? kReplacement : special);
-      rest.remove_prefix(isNonCharacter(rest) ? 3 : 1);
-    }
-    plain = plainLength(rest);
+  appendXmlEncoded(encoded, text.view());
+  return QORString(encoded);
+}
+
+void CIMUtil::appendXmlEncoded(std::string& out, std::string_view text) {
+  for (;;) {
+    const std::size_t plain = plainLength(text);
+    out.append(text.substr(0, plain));
+    text.remove_prefix(plain);
+    if (text.empty()) return;
+    const std::string_view special = entity(text.front());
+    out.append(special.empty() ? kReplacement : special);
+    text.remove_prefix(isNonCharacter(text) ? 3 : 1);
   }
-  return encoded;
 }
 
 void CIMUtil::StreamInstancePath(std::ostream& out, const IQoriInstanceName& name, const QORString& hostAddress,

@@ -27,10 +27,10 @@ using Names = QORSmrPtr<QORValSlist<QORString>>;
 class RestrictionMemo {
  public:
   const QORSmrPtr<ModelRestriction>& find(const ModelLayout& layout, const QORValSlist<QORString>& names) {
-    Entry& entry = _entries[(layout.serial() ^ reinterpret_cast<std::size_t>(&names) / 64) % _entries.size()];
-    if (entry.serial != layout.serial() || !(entry.names == names)) {
+    Entry& entry = _entries[(layout.getSerial() ^ reinterpret_cast<std::size_t>(&names) / 64) % _entries.size()];
+    if (entry.serial != layout.getSerial() || !(entry.names == names)) {
       // Made whole first: an entry that is half changed would answer wrongly for good.
-      Entry fresh{layout.serial(), names, layout.restrictTo(names)};
+      Entry fresh{layout.getSerial(), names, layout.restrictTo(names)};
       entry = std::move(fresh);
     }
     return entry.restriction;
@@ -131,6 +131,10 @@ void CQoriBaseObject::copyProperties(const IQoriObject& object, const Names& nam
 
 const QORString& CQoriBaseObject::getClassName() const noexcept {
   return _source.IsNull() ? _own->className : _source->getClassName();
+}
+
+void CQoriBaseObject::appendPath(std::string& text) const {
+  return _source.IsNull() ? IQoriObject::appendPath(text) : _source->appendPath(text);
 }
 
 QORSmrPtr<IQoriInstanceName> CQoriBaseObject::getInstanceName() const {

@@ -2,6 +2,7 @@
 #include "cimom/CQoriInstanceName.h"
 
 #include <algorithm>
+#include <string>
 #include <vector>
 
 #include "Cimom/Model/ModelPath.h"
@@ -31,7 +32,8 @@ QORSmrPtr<KeyList> sortedKeys(const QORSmrPtr<KeyList>& keys) {
 }
 
 QORString pathText(const QORString& nameSpace, const QORString& className, const KeyList& keys) {
-  model::PathText path(nameSpace, className);
+  std::string text;
+  model::PathText path(text, nameSpace, className);
   QORValSlistIterator<QORSmrPtr<IQoriProperty>> it(keys);
   while (++it) {
     const IQoriProperty& key = *it.key();
@@ -39,7 +41,7 @@ QORString pathText(const QORString& nameSpace, const QORString& className, const
     path.addKey(key.getName(), value.IsNull() ? QoriScalar() : value->scalar(),
                 value.IsNull() ? *key.getType() : *value->getType());
   }
-  return path.text();
+  return QORString(text);
 }
 
 QORSmrPtr<IQoriNameSpacePath> pathOrEmpty(const QORSmrPtr<IQoriNameSpacePath>& nameSpacePath) {

@@ -7,6 +7,7 @@
 
 #include "Cimom/Model/ModelError.h"
 #include "Cimom/Model/ModelInstanceName.h"
+#include "Cimom/Model/ModelPath.h"
 #include "cimom/CQoriProperty.h"
 
 static_assert(sizeof(ModelInstance) % alignof(ModelSlot) == 0, "the slots follow the instance");
@@ -18,7 +19,10 @@ QORSmrPtr<IQoriObject> ModelInstance::create(const QORSmrPtr<ModelShape>& shape,
   QORSmrPtr<IQoriObject> made = QORSmrPtr<IQoriObject>::MakeWithRoom<ModelInstance>(room, shape);
   ModelInstance& instance = static_cast<ModelInstance&>(*made);
   instance.fill(values);
-  if (!name.IsNull()) instance._name.keep(name);
+  if (!name.IsNull()) {
+    instance._name.keep(name);
+    instance._hasGivenName = true;
+  }
   return made;
 }
 
@@ -46,11 +50,24 @@ QORSmrPtr<IQoriInstanceName> ModelInstance::getInstanceName() const {
   return _name.get([this] { return makeName(); });
 }
 
-QORSmrPtr<IQoriInstanceName> ModelInstance::makeName() const {
-  if (shape().keyPositions.empty()) return {};
-  for (const QORuint32 position : shape().keyPositions) {
-    if (slots()[position].scalar().isNull()) return {};
+bool ModelInstance::hasKeys() const noexcept {
+  const std::vector<QORuint32>& keys = shape().keyPositions;
+  return !keys.empty() && std::none_of(keys.begin(), keys.end(),
+                                       [this](QORuint32 position) { return slots()[position].scalar().isNull(); });
+}
+
+void ModelInstance::appendPath(std::string& text) const {
+  if (_hasGivenName) return IQoriObject::appendPath(text);
+  if (!hasKeys()) return;
+  const ModelLayout& layout = *shape().layout.Get();
+  model::PathText path(text, shape().nameSpace, shape().className);
+  for (const QORuint32 position : shape().keysByName) {
+    path.addKey(layout.getName(position), slots()[position].scalar(), *layout.getType(position));
   }
+}
+
+QORSmrPtr<IQoriInstanceName> ModelInstance::makeName() const {
+  if (!hasKeys()) return {};
   return QORSmrPtr<IQoriInstanceName>::Make<ModelInstanceName>(_shape, slots());
 }
 

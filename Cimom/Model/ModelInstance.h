@@ -31,6 +31,7 @@ class ModelInstance final : public IQoriObject {
   const QORString& getClassName() const noexcept override { return shape().className; }
   // Made at the first call, then shared. Null when the shape has no keys or a key has no value.
   QORSmrPtr<IQoriInstanceName> getInstanceName() const override;
+  void appendPath(std::string& text) const override;
   QORString getNameSpace() const override { return shape().nameSpace; }
   QORuint32 getPropertyCount() const noexcept override { return _count; }
   QORSmrPtr<IQoriProperty> getPropertyAt(QORuint32 position) const override;
@@ -50,11 +51,14 @@ class ModelInstance final : public IQoriObject {
 
   ModelSlot* mutableSlots() noexcept { return reinterpret_cast<ModelSlot*>(this + 1); }
   void fill(const std::vector<QORSmrPtr<IQoriValue>>& values);
+  // Whether the shape's keys give a name.
+  bool hasKeys() const noexcept;
   QORSmrPtr<IQoriInstanceName> makeName() const;
 
   QORSmrPtr<ModelShape> _shape;
   ModelNameCache _name;
-  QORuint32 _count;  // slots that live behind this object
+  QORuint32 _count;            // slots that live behind this object
+  bool _hasGivenName = false;  // in place of the one that the keys give
 };
 
 #endif

@@ -2,6 +2,7 @@
 #include "Cimom/Model/ModelInstanceName.h"
 
 #include <algorithm>
+#include <string>
 
 #include "Cimom/Model/ModelPath.h"
 #include "cimom/CQoriInstanceName.h"
@@ -30,13 +31,14 @@ ModelShape::~ModelShape() = default;
 
 ModelInstanceName::ModelInstanceName(const QORSmrPtr<ModelShape>& shape, const ModelSlot* slots)
     : _shape(shape), _values(new ModelSlot[shape->keysByName.size()]) {
-  model::PathText path(shape->nameSpace, shape->className);
+  std::string text;
+  model::PathText path(text, shape->nameSpace, shape->className);
   ModelSlot* value = _values.get();
   for (const QORuint32 position : shape->keysByName) {
     value++->copy(slots[position]);
     path.addKey(shape->layout->getName(position), slots[position].scalar(), *shape->layout->getType(position));
   }
-  _path = path.text();
+  _path = QORString(text);
 }
 
 ModelInstanceName::~ModelInstanceName() = default;

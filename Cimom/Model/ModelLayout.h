@@ -26,6 +26,7 @@ class ModelLayout final : public IQoriLayout {
   ModelLayout& operator=(const ModelLayout&) = delete;
   ~ModelLayout() override;
 
+  QORuint64 getSerial() const noexcept override { return _serial; }
   QORuint32 getPropertyCount() const noexcept override { return static_cast<QORuint32>(_columns.size()); }
   QORsint32 getPosition(const QORString& name) const noexcept override;
   const QORString& getName(QORuint32 position) const noexcept override { return _columns[position].name; }
@@ -36,9 +37,6 @@ class ModelLayout final : public IQoriLayout {
   // long as the layout keeps it, so that objects restricted alike share one
   // layout. Costs one look-up per name.
   QORSmrPtr<ModelRestriction> restrictTo(const QORValSlist<QORString>& names) const;
-
-  // Never used twice in a process: a layout that takes a dead one's address can be told from it.
-  QORuint64 serial() const noexcept { return _serial; }
 
  private:
   friend class ModelRestriction;

@@ -8,35 +8,30 @@
 
 namespace model {
 
-PathText::PathText(const QORString& nameSpace, const QORString& className) {
-  constexpr std::size_t kRoomForKeys = 128;
-  _path.reserve(nameSpace.length() + className.length() + kRoomForKeys);
-  if (!nameSpace.isEmpty()) {
-    _path += nameSpace;
-    _path += ':';
-  }
-  _path += className;
+PathText::PathText(std::string& text, const QORString& nameSpace, const QORString& className) : _path(text) {
+  if (!nameSpace.isEmpty()) _path.append(nameSpace.view()) += ':';
+  _path += className.view();
 }
 
 void PathText::addKey(const QORString& name, const QoriScalar& value, const IQoriType& type) {
   _path += _separator;
   _separator = ',';
-  _path += name;
-  _path += '=';
+  _path.append(name.view()) += '=';
   if (value.isNull()) {
     _path += "NULL";
   } else if (value.kind == QoriScalarKind::Complex) {
-    appendQuoted(value.value->toString());
+    appendQuoted(value.value->toString().view());
   } else if (value.isNumber() || value.kind == QoriScalarKind::Boolean) {
-    _path += scalarText(value, CQoriType::codeOf(type));
+    _path += scalarText(value, CQoriType::codeOf(type)).view();
+  } else if (value.kind == QoriScalarKind::Char16) {
+    appendQuoted(scalarText(value, CQoriType::codeOf(type)).view());
   } else {
-    appendQuoted(scalarText(value, CQoriType::codeOf(type)));
+    appendQuoted(value.text->view());
   }
 }
 
-void PathText::appendQuoted(const QORString& text) {
+void PathText::appendQuoted(std::string_view rest) {
   _path += '"';
-  std::string_view rest = text.view();
   for (std::size_t special; (special = rest.find_first_of("\"\\")) != std::string_view::npos;) {
     _path.append(rest.substr(0, special));
     _path += '\\';

@@ -1,12 +1,16 @@
 // MIN, MAX, COUNT, SUM and AVG over the values of all rows.
 #include "Cimom/QORQL/QORQL_Aggregates.h"
 
+#include <memory>
+#include <vector>
+
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_Exception.h"
 #include "Cimom/QORQL/QORQL_ExecutionMessages.h"
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
 #include "Cimom/QORQL/QORQL_Function.h"
+#include "Cimom/QORQL/QORQL_NumberFold.h"
 #include "Cimom/QORQL/QORQL_RowReader.h"
 #include "cimom/CQoriValue.h"
 
@@ -92,6 +96,7 @@ struct Fold {
   QORQL_Function* call = nullptr;  // null: the entry has several aggregates, its result is null
   Function function;
   std::size_t slot = 0;
+  std::unique_ptr<QORQL_NumberFold> numbers{};  // while the argument is a property and its values are numbers
 };
 
 // What the expression around the aggregate makes of the folded value.
@@ -101,6 +106,29 @@ Value applyAround(const Fold& fold, const Value& folded, QORQL_SymbolTable& symb
   return fold.entry->getExpression()->evaluate(symbols, row);
 }
 
+// The row that is selected stays selected.
+void endNumbers(Fold& fold, QORQL_RowReader& reader, QORuint64 selected) {
+  fold.numbers->handOver(fold.function, [&](QORuint64 row) {
+    reader.select(row);
+    return reader.value(fold.slot);
+  });
+  fold.numbers.reset();
+  if (selected < reader.rowCount()) reader.select(selected);
+}
+
+void foldRow(Fold& fold, QORQL_RowReader& reader, QORuint64 row, QORuint64& counter) {
+  if (fold.numbers != nullptr) {
+    Value none;
+    const QoriScalar value = reader.view(fold.slot, none);
+    if (fold.numbers->add(value, row)) {
+      if (!value.isNull()) ++counter;
+      return;
+    }
+    endNumbers(fold, reader, row);
+  }
+  QORQL_foldAggregate(fold.function, reader.value(fold.slot), counter);
+}
+
 void foldRows(std::vector<Fold>& folds, QORQL_RowReader& reader, QORuint64& counter) {
   QORQL_StopCheck stopCheck;
   for (QORuint64 row = 0; row < reader.rowCount(); ++row) {
@@ -108,8 +136,11 @@ void foldRows(std::vector<Fold>& folds, QORQL_RowReader& reader, QORuint64& coun
     reader.select(row);
     if (!reader.hasRow()) continue;
     for (Fold& fold : folds) {
-      if (fold.call != nullptr) QORQL_foldAggregate(fold.function, reader.value(fold.slot), counter);
+      if (fold.call != nullptr) foldRow(fold, reader, row, counter);
     }
+  }
+  for (Fold& fold : folds) {
+    if (fold.numbers != nullptr) endNumbers(fold, reader, reader.rowCount());
   }
 }
 
@@ -136,7 +167,7 @@ QORSmrPtr<QORQL_SelectList::FunctionResults> QORQL_SelectList::_getFunctionResul
     fold.function.alias = entry->getAlias();
     fold.function.id = _functionID(*entry);
     fold.function.functionID = entry->GetFunctionID();
-    folds.push_back(fold);
+    folds.push_back(std::move(fold));
   }
   if (!results->hasAggregateFunctions) {
     results->hasOnlyAggregateFunctions = false;
@@ -144,7 +175,9 @@ QORSmrPtr<QORQL_SelectList::FunctionResults> QORQL_SelectList::_getFunctionResul
   }
   QORQL_RowReader reader(symbols, table);
   for (Fold& fold : folds) {
-    if (fold.call != nullptr) fold.slot = reader.addExpression(fold.call->getParameters()->first());
+    if (fold.call == nullptr) continue;
+    fold.slot = reader.addExpression(fold.call->getParameters()->first());
+    if (reader.isProperty(fold.slot)) fold.numbers = std::make_unique<QORQL_NumberFold>(fold.function.functionID);
   }
   QORuint64 counter = 0;
   foldRows(folds, reader, counter);

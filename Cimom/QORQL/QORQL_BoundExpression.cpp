@@ -31,44 +31,49 @@ class BoundLiteral final : public QORQL_BoundValue {
   explicit BoundLiteral(const Value& literal) : _literal(literal), _view(literal->scalar()) {}
   Value value(const QORQL_RowView& /*row*/) const override { return _literal; }
   QoriScalar view(const QORQL_RowView& /*row*/, Value& /*holder*/) const override { return _view; }
+  const QoriScalar* constant() const noexcept override { return &_view; }
 
  private:
   Value _literal;
   QoriScalar _view;
 };
 
+// A property that every object of the column has, or that is NULL where an object lacks it.
 class BoundProperty final : public QORQL_BoundValue {
  public:
-  BoundProperty(QORuint32 column, const QORString& className, const QORString& propertyName)
-      : _column(column), _className(className), _propertyName(propertyName) {}
-
-  Value value(const QORQL_RowView& row) const override {
-    const IQoriObject* const object = row.objects[_column];
-    return object == nullptr ? Value() : object->getValueAt(position(*object));
-  }
+  explicit BoundProperty(const QORQL_PropertyColumn& column) : _column(column) {}
+  Value value(const QORQL_RowView& row) const override { return _column.value(row.objects[_column.column()]); }
   QoriScalar view(const QORQL_RowView& row, Value& /*holder*/) const override {
-    const IQoriObject* const object = row.objects[_column];
-    return object == nullptr ? QoriScalar() : object->getScalarAt(position(*object));
+    return _column.view(row.objects[_column.column()]);
+  }
+  const QORQL_PropertyColumn* propertyColumn() const noexcept override { return &_column; }
+
+ private:
+  QORQL_PropertyColumn _column;
+};
+
+// A property that some object lacks: an error on its row.
+class BoundPartialProperty final : public QORQL_BoundValue {
+ public:
+  BoundPartialProperty(const QORQL_PropertyColumn& column, const QORString& className, const QORString& propertyName)
+      : _column(column), _className(className), _propertyName(propertyName) {}
+  Value value(const QORQL_RowView& row) const override { return _column.value(checkedObject(row)); }
+  QoriScalar view(const QORQL_RowView& row, Value& /*holder*/) const override {
+    return _column.view(checkedObject(row));
   }
 
  private:
-  QORuint32 position(const IQoriObject& object) const {
-    const IQoriLayout* const layout = object.getLayout();
-    if (layout != _layout) bindTo(layout);
-    return _position;
-  }
-  void bindTo(const IQoriLayout* layout) const {
-    const QORsint32 position = layout->getPosition(_propertyName);
-    if (position < 0) QORQL_DataRow::raiseNoProperty(_className, _propertyName);
-    _position = static_cast<QORuint32>(position);
-    _layout = layout;
+  const IQoriObject* checkedObject(const QORQL_RowView& row) const {
+    const IQoriObject* const object = row.objects[_column.column()];
+    if (object != nullptr && object->getLayout()->getPosition(_propertyName) < 0) {
+      QORQL_DataRow::raiseNoProperty(_className, _propertyName);
+    }
+    return object;
   }
 
-  QORuint32 _column;
+  QORQL_PropertyColumn _column;
   QORString _className;
   QORString _propertyName;
-  mutable const IQoriLayout* _layout = nullptr;  // of the last object read
-  mutable QORuint32 _position = 0;
 };
 
 class BoundObjectPath final : public QORQL_BoundValue {
@@ -147,8 +152,19 @@ QORsint32 QORQL_Binder::sourceColumn(const QORString& className) const {
 Bound QORQL_Binder::bindProperty(const QORString& className, const QORString& propertyName) const {
   const QORsint32 column = sourceColumn(className);
   if (column < 0) return std::make_unique<BoundNull>();
-  if (!_table.lazy()->rows()->extent(static_cast<QORuint32>(column)).hasLayouts()) return nullptr;
-  return std::make_unique<BoundProperty>(static_cast<QORuint32>(column), className, propertyName);
+  const auto property =
+      QORQL_PropertyColumn::bind(*_table.lazy()->rows(), static_cast<QORuint32>(column), propertyName);
+  if (!property) return nullptr;
+  if (property->isComplete()) return std::make_unique<BoundProperty>(*property);
+  return std::make_unique<BoundPartialProperty>(*property, className, propertyName);
+}
+
+Bound QORQL_Binder::bindFetched(const QORString& className, const QORString& propertyName) const {
+  const QORsint32 column = sourceColumn(className);
+  if (column < 0) return std::make_unique<BoundNull>();
+  const auto property =
+      QORQL_PropertyColumn::bind(*_table.lazy()->rows(), static_cast<QORuint32>(column), propertyName);
+  return property ? std::make_unique<BoundProperty>(*property) : nullptr;
 }
 
 Bound QORQL_Binder::bindFunction(const QORQL_Function& function) const {

@@ -8,6 +8,7 @@
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_Evaluatable.h"
 #include "Cimom/QORQL/QORQL_LazyRows.h"
+#include "Cimom/QORQL/QORQL_PropertyColumn.h"
 
 class QORQL_SelectedEntry;
 
@@ -23,6 +24,10 @@ class QORQL_BoundValue {
     holder = value(row);
     return holder.IsNull() ? QoriScalar() : holder->scalar();
   }
+  // BORROWS: the column when this is a property that is read without error; null otherwise.
+  virtual const QORQL_PropertyColumn* propertyColumn() const noexcept { return nullptr; }
+  // BORROWS: the value when it is the same for all rows; null otherwise.
+  virtual const QoriScalar* constant() const noexcept { return nullptr; }
 };
 
 // Finds the bound form of a node on a lazy table.
@@ -35,6 +40,8 @@ class QORQL_Binder {
   // than OBJECTPATH, array elements, comparisons, objects without layout.
   std::unique_ptr<QORQL_BoundValue> bind(const QORSmrPtr<QORQL_Evaluatable>& node) const;
   std::unique_ptr<QORQL_BoundValue> bindProperty(const QORString& className, const QORString& propertyName) const;
+  // The same of the object as it was fetched; NULL where it lacks the property.
+  std::unique_ptr<QORQL_BoundValue> bindFetched(const QORString& className, const QORString& propertyName) const;
   std::unique_ptr<QORQL_BoundValue> bindEntry(const QORQL_SelectedEntry& entry) const;
 
  private:

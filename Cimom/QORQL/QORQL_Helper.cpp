@@ -66,8 +66,6 @@ void requireArguments(const QORSmrPtr<QORQL_DataTable>& table, const ObjectList&
       QoriTraceLog::kTrace);
 }
 
-bool hasNull(const ObjectList& objects) { return objects->contains(QORSmrPtr<IQoriObject>()); }
-
 // Whether a row that may be added stays: asked with the row complete.
 class RowTest {
  public:
@@ -174,11 +172,11 @@ void recordPreFilter(QORSmrPtr<QORQL_DataTable>& table, const ObjectList& object
 
 // Columns of lazy rows are told apart by their names, so an alias that two
 // columns share makes real rows.
-bool mayBeLazy(QORQL_DataTable& table, const ObjectList& objects, const QORString& className, const QORString& alias) {
+bool mayBeLazy(QORQL_DataTable& table, const QORString& className, const QORString& alias) {
   if (table.getColumnIndex(className) >= 0 || table.getColumnIndex(alias) >= 0) return false;
   if (table.getExecutionMode() != QORQL_DataTable::kExecutionLazy || table.isProjected()) return false;
   const bool isFresh = table.getColumnCount() == 0 && table.getRowCount() == 0;
-  return (isFresh || table.lazy() != nullptr) && !hasNull(objects);
+  return isFresh || table.lazy() != nullptr;
 }
 
 }  // namespace
@@ -222,13 +220,14 @@ QORQL_Helper::ObjectList QORQL_Helper::enumerateInstance(const QORString& classN
 void QORQL_Helper::addObjectToTable(QORSmrPtr<QORQL_DataTable>& table, const ObjectList& objects,
                                     const QORString& className, const QORString& alias) {
   requireArguments(table, objects);
-  if (!mayBeLazy(*table, objects, className, alias)) {
+  std::shared_ptr<const QORQL_Extent> extent;
+  if (mayBeLazy(*table, className, alias)) extent = std::make_shared<const QORQL_Extent>(objects);
+  if (extent == nullptr || extent->hasNull()) {
     addRows(table, objects, className, alias, EveryRow());
     return;
   }
   recordPreFilter(table, objects);
-  table->addExtent(new QORQL_TableHeader(className, alias, QORString::emptyString()),
-                   std::make_shared<const QORQL_Extent>(objects));
+  table->addExtent(new QORQL_TableHeader(className, alias, QORString::emptyString()), std::move(extent));
 }
 
 void QORQL_Helper::addObjectToTable(QORSmrPtr<QORQL_DataTable>& table, const ObjectList& objects,

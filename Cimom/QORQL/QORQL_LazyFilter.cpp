@@ -74,17 +74,14 @@ class BlockFilter {
 
   void run(std::size_t blockNumber) {
     QORQL_RowBlock& block = _rows.blocks()[blockNumber];
+    const std::size_t width = block.columns.size();
     QORQL_RowView view(_rows);
     std::vector<QORuint32> kept;
-    QORuint64 keptCount = 0;
-    QORQL_StopCheck stopCheck;
-    for (QORuint64 row = 0; row < block.rowCount; ++row) {
-      stopCheck.count();
-      view.select(block, row);
-      if (!keeps(view)) continue;
-      ++keptCount;
-      for (const QORuint32 column : block.columns) kept.push_back(view.indexes[column]);
-    }
+    forEachTruth(block, view, [&](QORuint64 row, QoriTruth truth) {
+      if (!QORQL_keepsRow(truth, _condition.isNegated, _condition.isArrayNotEqual())) return;
+      for (std::size_t place = 0; place < width; ++place) kept.push_back(block.index(row, place));
+    });
+    const QORuint64 keptCount = kept.size() / width;
     if (keptCount == block.rowCount) return;
     block.isWholeExtent = false;
     block.tuples = std::move(kept);
@@ -103,7 +100,24 @@ class BlockFilter {
   }
 
  private:
-  bool keeps(const QORQL_RowView& view) {
+  // Calls for each row in order with the comparison's truth on it.
+  template <class Callback>
+  void forEachTruth(const QORQL_RowBlock& block, QORQL_RowView& view, const Callback& callback) {
+    QORQL_RunTruths truths;
+    QORQL_StopCheck stopCheck;
+    for (QORuint64 first = 0; first < block.rowCount; first += truths.size()) {
+      stopCheck.count(truths.size());
+      const std::size_t count = static_cast<std::size_t>(std::min<QORuint64>(truths.size(), block.rowCount - first));
+      const bool hasTruths = !_join.isOuter() && _truth.testRun(block, first, count, truths);
+      for (std::size_t i = 0; i < count; ++i) {
+        const bool isDecided = hasTruths && truths[i] != QORQL_RunTruth::Undecided;
+        if (!isDecided) view.select(block, first + i);
+        callback(first + i, isDecided ? static_cast<QoriTruth>(truths[i]) : testRow(view));
+      }
+    }
+  }
+
+  QoriTruth testRow(const QORQL_RowView& view) {
     const QoriTruth truth = _truth.test(view);
     if (_join.isOuter()) {
       const bool isMatch = truth == QoriTruth::True;
@@ -112,7 +126,7 @@ class BlockFilter {
       recordSide(view, _condition.rightColumn,
                  [&](const QORString& key, QORuint32 index) { _join.recordRight(key, index, isMatch); });
     }
-    return QORQL_keepsRow(truth, _condition.isNegated, _condition.isArrayNotEqual());
+    return truth;
   }
 
   QORQL_LazyRows& _rows;

@@ -4,21 +4,22 @@
 #include "Cimom/QORQL/QORQL_LazyJoin.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 
+#include "Cimom/QORQL/QORQL_ColumnTest.h"
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
-#include "Cimom/QORQL/QORQL_OuterJoin.h"
+#include "Cimom/QORQL/QORQL_NullExtension.h"
+#include "Cimom/QORQL/QORQL_NumberOrder.h"
 #include "Cimom/QORQL/QORQL_Values.h"
 #include "cimom/IQoriInstanceName.h"
 
 namespace {
-
-using Keys = std::vector<QoriScalar>;
 
 constexpr QORuint32 kEnd = 0xffffffffU;
 
@@ -53,27 +54,29 @@ bool isTrue(const QoriScalar& left, QoriRelation relation, const QoriScalar& rig
 // The rows of one block by key, rows of equal hash chained in ascending order.
 class KeyIndex {
  public:
-  explicit KeyIndex(const Keys& keys) : _keys(keys), _next(keys.size(), kEnd) {
+  explicit KeyIndex(const QORQL_JoinKeys& keys) : _keys(keys), _next(keys.keys().size(), kEnd) {
     std::size_t size = 16;
-    while (size < keys.size() * 2) size *= 2;
+    while (size < _next.size() * 2) size *= 2;
     _heads.assign(size, kEnd);
-    for (std::size_t row = keys.size(); row-- != 0;) {
-      if (keys[row].isNull()) continue;
-      QORuint32& head = _heads[hashKey(keys[row]) & (size - 1)];
+    for (std::size_t row = _next.size(); row-- != 0;) {
+      if (keys.keys()[row].isNull()) continue;
+      QORuint32& head = _heads[keys.hashes()[row] & (size - 1)];
       _next[row] = head;
       head = static_cast<QORuint32>(row);
     }
   }
   template <class Callback>
-  void forEachEqual(const QoriScalar& key, Callback callback) const {
+  void forEachEqual(const QoriScalar& key, QORuint32 hash, const Callback& callback) const {
     if (key.isNull()) return;
-    for (QORuint32 row = _heads[hashKey(key) & (_heads.size() - 1)]; row != kEnd; row = _next[row]) {
-      if (isTrue(key, QoriRelation::Equal, _keys[row])) callback(row);
+    const QORuint32* const hashes = _keys.hashes().data();
+    const QoriScalar* const keys = _keys.keys().data();
+    for (QORuint32 row = _heads[hash & (_heads.size() - 1)]; row != kEnd; row = _next[row]) {
+      if (hashes[row] == hash && isTrue(key, QoriRelation::Equal, keys[row])) callback(row);
     }
   }
 
  private:
-  const Keys& _keys;
+  const QORQL_JoinKeys& _keys;
   std::vector<QORuint32> _heads;
   std::vector<QORuint32> _next;
 };
@@ -88,14 +91,19 @@ class PairCollector {
     fillPlaces(outer, _outerPlaces);
     fillPlaces(inner, _innerPlaces);
   }
-  void add(QORuint64 outerRow, QORuint64 innerRow) {
-    _stopCheck.count();
+  void add(QORuint64 outerRow, QORuint32 innerRow) { add(outerRow, &innerRow, 1); }
+  // The outer row with each of some inner rows.
+  void add(QORuint64 outerRow, const QORuint32* innerRows, std::size_t count) {
+    _stopCheck.count(count);
+    const std::size_t width = _result.columns.size();
     const std::size_t start = _result.tuples.size();
-    _result.tuples.resize(start + _result.columns.size());
-    QORuint32* const tuple = _result.tuples.data() + start;
-    for (std::size_t p = 0; p < _outerPlaces.size(); ++p) tuple[_outerPlaces[p]] = _outer.index(outerRow, p);
-    for (std::size_t p = 0; p < _innerPlaces.size(); ++p) tuple[_innerPlaces[p]] = _inner.index(innerRow, p);
-    ++_result.rowCount;
+    _result.tuples.resize(start + width * count);
+    _result.rowCount += count;
+    QORuint32* tuple = _result.tuples.data() + start;
+    for (std::size_t i = 0; i < count; ++i, tuple += width) {
+      for (std::size_t p = 0; p < _outerPlaces.size(); ++p) tuple[_outerPlaces[p]] = _outer.index(outerRow, p);
+      for (std::size_t p = 0; p < _innerPlaces.size(); ++p) tuple[_innerPlaces[p]] = _inner.index(innerRows[i], p);
+    }
   }
   QORQL_RowBlock finish() {
     if (_outer.columns.back() > _inner.columns.front()) QORQL_LazyRows::sortTuples(_result);
@@ -122,89 +130,120 @@ class PairCollector {
 struct Join {
   const QORQL_RowBlock& outer;
   const QORQL_RowBlock& inner;
-  const Keys& outerKeys;
-  const Keys& innerKeys;
+  const QORQL_JoinKeys& outerKeys;
+  const QORQL_JoinKeys& innerKeys;
   bool isLeftOuter;  // the comparison's left side reads the outer block
   QoriRelation relation;
 
   bool matches(QORuint64 outerRow, QORuint64 innerRow) const noexcept {
-    const QoriScalar& a = outerKeys[outerRow];
-    const QoriScalar& b = innerKeys[innerRow];
+    const QoriScalar& a = outerKeys.keys()[outerRow];
+    const QoriScalar& b = innerKeys.keys()[innerRow];
     return isLeftOuter ? isTrue(a, relation, b) : isTrue(b, relation, a);
   }
 };
 
-QORQL_RowBlock joinByHash(const Join& join) {
+// The relation of b to a that a has to b.
+QoriRelation reversed(QoriRelation relation) noexcept {
+  switch (relation) {
+    case QoriRelation::Less:
+      return QoriRelation::Greater;
+    case QoriRelation::Greater:
+      return QoriRelation::Less;
+    case QoriRelation::LessEqual:
+      return QoriRelation::GreaterEqual;
+    case QoriRelation::GreaterEqual:
+      return QoriRelation::LessEqual;
+    default:
+      return relation;
+  }
+}
+
+// False when a key is no number.
+bool noteNumbers(const QORQL_JoinKeys& keys, QORQL_NumberOrder& order) noexcept {
+  if (keys.category() != QORQL_JoinKeys::kNumber) return keys.category() == QORQL_JoinKeys::kNone;
+  for (const QoriScalar& key : keys.keys()) {
+    if (!key.isNull()) order.note(key);
+  }
+  return true;
+}
+
+// Which rows of the two blocks have a partner.
+struct Partners {
+  explicit Partners(const Join& join) : ofOuter(join.outer.rowCount), ofInner(join.inner.rowCount) {}
+  std::vector<bool> ofOuter;
+  std::vector<bool> ofInner;
+};
+
+// `partners` may be null.
+QORQL_RowBlock joinByHash(const Join& join, Partners* partners) {
   PairCollector pairs(join.outer, join.inner);
   const KeyIndex index(join.innerKeys);
   QORQL_StopCheck stopCheck;
+  const QoriScalar* const keys = join.outerKeys.keys().data();
+  const QORuint32* const hashes = join.outerKeys.hashes().data();
   for (QORuint64 row = 0; row < join.outer.rowCount; ++row) {
     stopCheck.count();
-    index.forEachEqual(join.outerKeys[row], [&](QORuint32 inner) { pairs.add(row, inner); });
+    index.forEachEqual(keys[row], hashes[row], [&](QORuint32 inner) {
+      pairs.add(row, inner);
+      if (partners != nullptr) partners->ofOuter[row] = partners->ofInner[inner] = true;
+    });
   }
   return pairs.finish();
 }
 
+// The inner rows' numbers as an array of keys, so that each pair costs one comparison.
+QORQL_RowBlock joinNumbers(const Join& join, const QORQL_NumberOrder& order) {
+  PairCollector pairs(join.outer, join.inner);
+  QORQL_NumberOrder noted;
+  std::vector<QORuint64> innerKeys;
+  std::vector<QORuint32> innerRows;
+  for (QORuint64 row = 0; row < join.inner.rowCount; ++row) {
+    const QoriScalar& key = join.innerKeys.keys()[row];
+    if (key.isNull()) continue;
+    innerKeys.push_back(order.keyOf(noted.note(key)));
+    innerRows.push_back(static_cast<QORuint32>(row));
+  }
+  std::vector<QORuint32> found(innerKeys.size() + 1);
+  const QoriRelation relation = join.isLeftOuter ? join.relation : reversed(join.relation);
+  QORQL_StopCheck stopCheck;
+  QORQL_withComparison(relation, [&](const auto& compare) {
+    for (QORuint64 row = 0; row < join.outer.rowCount; ++row) {
+      stopCheck.count(innerKeys.size());
+      const QoriScalar& key = join.outerKeys.keys()[row];
+      if (key.isNull()) continue;
+      const QORuint64 outerKey = order.keyOf(noted.note(key));
+      std::size_t count = 0;
+      for (std::size_t i = 0; i < innerKeys.size(); ++i) {
+        found[count] = innerRows[i];
+        count += compare(outerKey, innerKeys[i]) ? 1 : 0;
+      }
+      pairs.add(row, found.data(), count);
+    }
+  });
+  return pairs.finish();
+}
+
 QORQL_RowBlock joinByComparing(const Join& join) {
+  QORQL_NumberOrder order;
+  if (noteNumbers(join.outerKeys, order) && noteNumbers(join.innerKeys, order) && order.isUniform()) {
+    return joinNumbers(join, order);
+  }
   PairCollector pairs(join.outer, join.inner);
   QORQL_StopCheck stopCheck;
   for (QORuint64 row = 0; row < join.outer.rowCount; ++row) {
     stopCheck.count(join.inner.rowCount);
-    for (QORuint64 inner = 0; inner < join.inner.rowCount; ++inner) {
+    for (QORuint32 inner = 0; inner < join.inner.rowCount; ++inner) {
       if (join.matches(row, inner)) pairs.add(row, inner);
     }
   }
   return pairs.finish();
 }
 
-// The rows of a block without any partner.
-std::vector<bool> withoutPartner(const Keys& keys, const Keys& partners) {
-  const KeyIndex index(partners);
-  std::vector<bool> result(keys.size(), true);
-  for (std::size_t row = 0; row < keys.size(); ++row) {
-    index.forEachEqual(keys[row], [&](QORuint32 /*partner*/) { result[row] = false; });
-  }
-  return result;
-}
-
-// An object that needs a null-extended row, and the map bucket that orders it.
-struct Extension {
-  QORuint32 bucket;
-  QORuint32 column;
-  QORuint32 index;
-};
-
-void collect(const QORQL_LazyRows& rows, const QORQL_RowBlock& block, const std::vector<bool>& isUnmatched,
-             std::vector<Extension>& extensions) {
-  const std::size_t start = extensions.size();
-  const QORuint32 column = block.columns.front();
-  for (QORuint64 row = 0; row < block.rowCount; ++row) {
-    const QORuint32 index = block.index(row, 0);
-    if (!isUnmatched[row] || index == QORQL_kNoObject) continue;
-    const QORString key(QORQL_instanceKey(*rows.object(column, index)));
-    extensions.push_back({hashKeyQORString(key) % QORQL_kMapBuckets, column, index});
-  }
-  std::stable_sort(extensions.begin() + static_cast<std::ptrdiff_t>(start), extensions.end(),
-                   [](const Extension& a, const Extension& b) { return a.bucket < b.bucket; });
-}
-
-// Whether no two objects of a block have the same path: the outer join's record
-// is kept by path.
-bool haveOwnPaths(const QORQL_LazyRows& rows, const QORQL_RowBlock& block) {
-  std::unordered_set<std::string> seen;
-  for (QORuint64 row = 0; row < block.rowCount; ++row) {
-    const QORuint32 index = block.index(row, 0);
-    if (index == QORQL_kNoObject) continue;
-    const QORString key(QORQL_instanceKey(*rows.object(block.columns.front(), index)));
-    if (!seen.emplace(key.view()).second) return false;
-  }
-  return true;
-}
-
 // A left object is unmatched when the first row that holds it fails: its row
 // with the first row of the other block. A right one when no row with it holds.
-std::vector<Extension> extensionsOf(const QORQL_LazyRows& rows, const Join& join, QORQL_JoinType joinType) {
-  std::vector<Extension> extensions;
+// False when objects that share a path make the record of one depend on the other.
+bool findExtensions(const QORQL_LazyRows& rows, const Join& join, const Partners& partners, QORQL_JoinType joinType,
+                    std::vector<QORQL_NullExtension>& extensions) {
   const QORQL_RowBlock& left = join.isLeftOuter ? join.outer : join.inner;
   const QORQL_RowBlock& right = join.isLeftOuter ? join.inner : join.outer;
   if (joinType != QORQL_JOIN_TYPE_RIGHT_OUTER) {
@@ -212,14 +251,14 @@ std::vector<Extension> extensionsOf(const QORQL_LazyRows& rows, const Join& join
     for (QORuint64 row = 0; row < left.rowCount; ++row) {
       isUnmatched[row] = join.isLeftOuter ? !join.matches(row, 0) : !join.matches(0, row);
     }
-    collect(rows, left, isUnmatched, extensions);
+    if (!QORQL_collectExtensions(rows, left, isUnmatched, extensions)) return false;
   }
   if (joinType != QORQL_JOIN_TYPE_LEFT_OUTER) {
-    const Keys& leftKeys = join.isLeftOuter ? join.outerKeys : join.innerKeys;
-    const Keys& rightKeys = join.isLeftOuter ? join.innerKeys : join.outerKeys;
-    collect(rows, right, withoutPartner(rightKeys, leftKeys), extensions);
+    std::vector<bool> isUnmatched(join.isLeftOuter ? partners.ofInner : partners.ofOuter);
+    isUnmatched.flip();
+    if (!QORQL_collectExtensions(rows, right, isUnmatched, extensions)) return false;
   }
-  return extensions;
+  return true;
 }
 
 // Which of two blocks each side of the comparison reads; false when a side reads
@@ -260,6 +299,11 @@ bool mayJoin(const QORQL_LazyRows& rows, const QORQL_Condition& condition, std::
 
 QORQL_JoinKeys::QORQL_JoinKeys(const QORQL_BoundValue& side, const QORQL_LazyRows& rows, const QORQL_RowBlock& block) {
   _keys.reserve(block.rowCount);
+  _hashes.reserve(block.rowCount);
+  if (side.propertyColumn() != nullptr) {
+    addProperty(*side.propertyColumn(), block);
+    return;
+  }
   QORQL_RowView view(rows);
   QORQL_StopCheck stopCheck;
   for (QORuint64 row = 0; row < block.rowCount; ++row) {
@@ -271,10 +315,23 @@ QORQL_JoinKeys::QORQL_JoinKeys(const QORQL_BoundValue& side, const QORQL_LazyRow
   }
 }
 
+void QORQL_JoinKeys::addProperty(const QORQL_PropertyColumn& column, const QORQL_RowBlock& block) {
+  std::array<QoriScalar, QORQL_PropertyColumn::kBatch> cells;
+  QORSmrPtr<IQoriValue> none;
+  QORQL_StopCheck stopCheck;
+  for (QORuint64 row = 0; row < block.rowCount; row += cells.size()) {
+    stopCheck.count(cells.size());
+    const std::size_t count = static_cast<std::size_t>(std::min<QORuint64>(cells.size(), block.rowCount - row));
+    column.read(block, row, count, cells.data());
+    for (std::size_t i = 0; i < count; ++i) add(cells[i], none);
+  }
+}
+
 void QORQL_JoinKeys::add(QoriScalar key, QORSmrPtr<IQoriValue>& holder) {
   Category category = kMixed;
   if (key.isNull()) {
     _keys.push_back(key);
+    _hashes.push_back(0);
     return;
   }
   if (key.isNumber()) category = kNumber;
@@ -290,6 +347,7 @@ void QORQL_JoinKeys::add(QoriScalar key, QORSmrPtr<IQoriValue>& holder) {
   }
   _category = _category == kNone || _category == category ? category : kMixed;
   _keys.push_back(key);
+  _hashes.push_back(category == kMixed ? 0 : static_cast<QORuint32>(hashKey(key)));
 }
 
 bool QORQL_JoinKeys::areJoinable(const QORQL_JoinKeys& a, const QORQL_JoinKeys& b) noexcept {
@@ -332,17 +390,19 @@ bool QORQL_joinLazily(const QORQL_DataTable& table, QORQL_LazyRows& rows, const 
   const bool isLeftOuter = rows.blocks()[leftBlock].columns.front() < rows.blocks()[rightBlock].columns.front();
   const Join join{rows.blocks()[isLeftOuter ? leftBlock : rightBlock],
                   rows.blocks()[isLeftOuter ? rightBlock : leftBlock],
-                  (isLeftOuter ? leftKeys : rightKeys).keys(),
-                  (isLeftOuter ? rightKeys : leftKeys).keys(),
+                  isLeftOuter ? leftKeys : rightKeys,
+                  isLeftOuter ? rightKeys : leftKeys,
                   isLeftOuter,
                   relation};
-  QORQL_RowBlock joined = relation == QoriRelation::Equal ? joinByHash(join) : joinByComparing(join);
   const bool isOuterJoin = comparison.getJoinType() != QORQL_JOIN_TYPE_INNER;
-  std::vector<Extension> extensions;
-  if (isOuterJoin) extensions = extensionsOf(rows, join, comparison.getJoinType());
-  if (!extensions.empty() && (!haveOwnPaths(rows, join.outer) || !haveOwnPaths(rows, join.inner))) return false;
+  std::unique_ptr<Partners> partners;
+  if (isOuterJoin) partners = std::make_unique<Partners>(join);
+  QORQL_RowBlock joined = relation == QoriRelation::Equal ? joinByHash(join, partners.get()) : joinByComparing(join);
+  std::vector<QORQL_NullExtension> extensions;
+  if (isOuterJoin && !findExtensions(rows, join, *partners, comparison.getJoinType(), extensions)) return false;
   rows.replaceBlocks(blockNumbers, std::move(joined));
   if (isOuterJoin) rows.flatten();
-  for (const Extension& extension : extensions) QORQL_appendExtendedRow(rows, extension.column, extension.index);
+  for (const QORQL_NullExtension& extension : extensions)
+    QORQL_appendExtendedRow(rows, extension.column, extension.index);
   return true;
 }

@@ -20,13 +20,17 @@ class QORQL_JoinKeys {
   QORQL_JoinKeys(const QORQL_BoundValue& side, const QORQL_LazyRows& rows, const QORQL_RowBlock& block);
 
   const std::vector<QoriScalar>& keys() const noexcept { return _keys; }
+  // Of each key that is not null; equal keys have equal hashes.
+  const std::vector<QORuint32>& hashes() const noexcept { return _hashes; }
   Category category() const noexcept { return _category; }
   static bool areJoinable(const QORQL_JoinKeys& a, const QORQL_JoinKeys& b) noexcept;
 
  private:
+  void addProperty(const QORQL_PropertyColumn& column, const QORQL_RowBlock& block);
   void add(QoriScalar key, QORSmrPtr<IQoriValue>& holder);
 
   std::vector<QoriScalar> _keys;
+  std::vector<QORuint32> _hashes;
   std::deque<QORSmrPtr<IQoriValue>> _holders;  // of keys that were computed
   std::deque<QORString> _paths;                // of references
   Category _category = kNone;

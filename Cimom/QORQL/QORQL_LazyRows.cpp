@@ -12,7 +12,10 @@
 QORQL_Extent::QORQL_Extent(const ObjectList& list) : _list(list) {
   _objects.reserve(list->entries());
   QORValSlistIterator<QORSmrPtr<IQoriObject>> iterator(*list);
-  while (++iterator) _objects.push_back(iterator.key().Get());
+  while (++iterator) {
+    _objects.push_back(iterator.key().Get());
+    _hasNull = _hasNull || _objects.back() == nullptr;
+  }
 }
 
 const QORSmrPtr<IQoriObject>& QORQL_Extent::pointer(QORuint32 index) const {

@@ -17,6 +17,8 @@ class QORQL_Extent {
   explicit QORQL_Extent(const ObjectList& list);
 
   const std::vector<const IQoriObject*>& objects() const noexcept { return _objects; }
+  // Whether the list has null elements; such an extent cannot be used further.
+  bool hasNull() const noexcept { return _hasNull; }
   // The list's own pointer to an object.
   const QORSmrPtr<IQoriObject>& pointer(QORuint32 index) const;
   // The distinct layouts in order of appearance.
@@ -27,6 +29,7 @@ class QORQL_Extent {
  private:
   ObjectList _list;
   std::vector<const IQoriObject*> _objects;
+  bool _hasNull = false;
   mutable std::vector<const QORSmrPtr<IQoriObject>*> _pointers;
   mutable std::vector<const IQoriLayout*> _layouts;
 };

@@ -1,8 +1,6 @@
 // Sorting. Equal keys come out in reverse order, as the list's merge sort gives
 // them. Lazy rows are sorted as a permutation; numbers and strings through an
 // array of keys, ordered by key and, among equals, by descending position.
-#include <algorithm>
-#include <deque>
 #include <vector>
 
 #include "Cimom/QORQL/QORQL_DataTable.h"
@@ -13,6 +11,7 @@
 #include "Cimom/QORQL/QORQL_OrderByClause.h"
 #include "Cimom/QORQL/QORQL_OrderByHelper.h"
 #include "Cimom/QORQL/QORQL_RowReader.h"
+#include "Cimom/QORQL/QORQL_SortKeys.h"
 
 namespace {
 
@@ -36,53 +35,6 @@ void sortRows(QORQL_SymbolTable& symbolTable, QORQL_DataTable& table, QORQL_Eval
   table.setRows(sorted);
 }
 
-struct Entry {
-  QoriScalar key;
-  QORuint32 number;
-};
-
-// The keys as views, while they are all numbers (none of them NaN) or all strings.
-class UniformKeys {
- public:
-  // False when this key does not go with the others.
-  bool add(const QoriScalar& key, const Value& holder, QORuint32 number) {
-    const bool isNumber = key.isNumber() && !(key.kind == QoriScalarKind::Real && key.r != key.r);
-    if (!isNumber && key.kind != QoriScalarKind::Text) return false;
-    if (!_entries.empty() && isNumber != _entries.front().key.isNumber()) return false;
-    _entries.push_back({key, number});
-    if (!holder.IsNull()) _holders.push_back(holder);
-    return true;
-  }
-  std::vector<QORuint32> sorted(bool isAscending) {
-    if (!_entries.empty()) sortEntries(isAscending, _entries.front().key.isNumber());
-    std::vector<QORuint32> numbers;
-    numbers.reserve(_entries.size());
-    for (const Entry& entry : _entries) numbers.push_back(entry.number);
-    return numbers;
-  }
-
- private:
-  void sortEntries(bool isAscending, bool areNumbers) {
-    if (areNumbers) {
-      sortBy(isAscending, [](const Entry& a, const Entry& b) { return qori::compareNumbers(a.key, b.key); });
-    } else {
-      sortBy(isAscending, [](const Entry& a, const Entry& b) {
-        return std::partial_ordering(a.key.text->view() <=> b.key.text->view());
-      });
-    }
-  }
-  template <class Order>
-  void sortBy(bool isAscending, Order order) {
-    std::sort(_entries.begin(), _entries.end(), [isAscending, order](const Entry& a, const Entry& b) {
-      const std::partial_ordering result = isAscending ? order(a, b) : order(b, a);
-      return result == 0 ? a.number > b.number : result < 0;
-    });
-  }
-
-  std::vector<Entry> _entries;
-  std::deque<Value> _holders;
-};
-
 std::vector<QORuint32> sortedByList(QORQL_RowReader& reader, std::size_t slot, bool isAscending) {
   HelperList entries;
   QORQL_StopCheck stopCheck;
@@ -100,16 +52,16 @@ std::vector<QORuint32> sortedByList(QORQL_RowReader& reader, std::size_t slot, b
 
 std::vector<QORuint32> sortedNumbers(QORQL_RowReader& reader, std::size_t slot, bool isAscending) {
   if (!reader.isBound(slot)) return sortedByList(reader, slot, isAscending);  // reads each key once
-  UniformKeys keys;
+  QORQL_SortKeys keys;
   QORQL_StopCheck stopCheck;
   for (QORuint32 row = 0; row < reader.rowCount(); ++row) {
     stopCheck.count();
     reader.select(row);
     Value holder;
     const QoriScalar key = reader.view(slot, holder);
-    if (!keys.add(key, holder, row)) return sortedByList(reader, slot, isAscending);
+    if (!keys.add(key, holder)) return sortedByList(reader, slot, isAscending);
   }
-  return keys.sorted(isAscending);
+  return keys.areSortable() ? keys.takeSorted(isAscending) : sortedByList(reader, slot, isAscending);
 }
 
 void sortLazily(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,

@@ -45,6 +45,7 @@ QORQL_ResultReader::QORQL_ResultReader(const QORQL_Query& query, QORQL_SymbolTab
   if (list.isFirstUsed()) _rowCount = std::min<QORuint64>(_rowCount, list.getFirstCount());
   QORValSlistIterator<QORSmrPtr<QORQL_SelectedEntry>> entries(*list.getSelectedEntries());
   while (++entries) addEntry(entries.key());
+  _holders.resize(_sources.size());
   nameColumns();
   typeColumns();
   findOnlyClass();
@@ -92,6 +93,7 @@ void QORQL_ResultReader::addClass(const QORSmrPtr<QORQL_SelectedEntry>& entry, c
     source.entry = entry;
     source.className = className;
     source.propertyName = name;
+    source.slot = _reader.addFetchedProperty(className, name);
     _sources.push_back(std::move(source));
   }
 }
@@ -167,16 +169,11 @@ bool QORQL_ResultReader::next() {
   return false;
 }
 
-// What `*` and C.* expand to is kept whole: the object need not be restricted to be read.
-QORSmrPtr<IQoriValue> QORQL_ResultReader::propertyOf(const Source& source) {
-  const IQoriObject* const object = _reader.fetchedObject(source.className);
-  if (object == nullptr) return {};
-  const QORSmrPtr<IQoriProperty> property(object->getProperty(source.propertyName, true));
-  return property.IsNull() ? QORSmrPtr<IQoriValue>() : property->getValue();
+QORSmrPtr<IQoriValue> QORQL_ResultReader::value(std::size_t index) {
+  return _isAggregate ? _sources[index].entry->GetAggregateValue() : _reader.value(_sources[index].slot);
 }
 
-QORSmrPtr<IQoriValue> QORQL_ResultReader::value(std::size_t index) {
-  const Source& source = _sources[index];
-  if (!source.className.isEmpty()) return propertyOf(source);
-  return _isAggregate ? source.entry->GetAggregateValue() : _reader.value(source.slot);
+QoriScalar QORQL_ResultReader::aggregateView(std::size_t index) const {
+  const QORSmrPtr<IQoriValue>& value = _sources[index].entry->GetAggregateValue();
+  return value.IsNull() ? QoriScalar() : value->scalar();
 }

@@ -37,12 +37,19 @@ class QORQL_ResultReader {
   // The class of the one object of the current row that all columns are
   // properties of, by their names; empty when there is no such object.
   QORString rowClass();
+  // The same as a view, valid until the next call of view() for the column, or
+  // while the table lives where the column is a property; kind Null for NULL.
+  // Numbers, texts and booleans of properties are seen where they lie: nothing
+  // is allocated. THROWS and REQUIRES as above.
+  QoriScalar view(std::size_t index) {
+    return _isAggregate ? aggregateView(index) : _reader.view(_sources[index].slot, _holders[index]);
+  }
 
  private:
   // Where a column's values come from.
   struct Source {
     QORSmrPtr<QORQL_SelectedEntry> entry;
-    QORString className;  // of a property that `*` or C.* expands to; empty: the entry itself
+    QORString className;  // of a property that `*` or C.* expands to, read as it was fetched; empty: the entry itself
     QORString propertyName;
     std::size_t slot = 0;
   };
@@ -53,7 +60,7 @@ class QORQL_ResultReader {
   void nameColumns();
   void typeColumns();
   void findOnlyClass();
-  QORSmrPtr<IQoriValue> propertyOf(const Source& source);
+  QoriScalar aggregateView(std::size_t index) const;
 
   const QORQL_Query& _query;
   QORSmrPtr<QORQL_DataTable>& _table;
@@ -61,6 +68,7 @@ class QORQL_ResultReader {
   std::vector<Column> _columns;
   std::vector<Source> _sources;
   QORString _onlyClass;  // that all columns are properties of; empty: none
+  std::vector<QORSmrPtr<IQoriValue>> _holders;  // of the values that views see
   bool _isAggregate = false;
   QORuint64 _rowCount = 0;
   QORuint64 _next = 0;

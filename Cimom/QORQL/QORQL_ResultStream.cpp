@@ -1,6 +1,7 @@
 // The XML table, byte for byte: a row of cell declarations, then the rows.
 #include "Cimom/QORQL/QORQL_ResultStream.h"
 
+#include <charconv>
 #include <ostream>
 
 #include "Cimom/QORQL/QORQL_ExecutionMessages.h"
@@ -12,6 +13,8 @@
 namespace {
 
 constexpr char kDefaultColumnDataType[] = "String";
+// Text beyond this is handed over after a row.
+constexpr std::size_t kPiece = 32768;
 
 }  // namespace
 
@@ -29,20 +32,28 @@ QORQL_ResultStream::QORQL_ResultStream(const QORQL_SelectList& list, QORQL_Symbo
 }
 
 void QORQL_ResultStream::write() {
-  _out << "\n<IRETURNVALUE>\n<TABLE>\n";
+  _text = "\n<IRETURNVALUE>\n<TABLE>\n";
   _streamTableHeader();
+  _flush();
   try {
     _streamTableRows();
   } catch (const QORQL_StoppedException&) {
+    _flush();
     throw;
   } catch (...) {
     QORQL_logError(QORQL_ExecutionMessages::kStreamingFailed);
   }
-  _out << "</TABLE>\n</IRETURNVALUE>\n";
+  _text += "</TABLE>\n</IRETURNVALUE>\n";
+  _flush();
+}
+
+void QORQL_ResultStream::_flush() {
+  _out.write(_text.data(), static_cast<std::streamsize>(_text.size()));
+  _text.clear();
 }
 
 void QORQL_ResultStream::_streamTableHeader() {
-  _out << "<TABLEROW.DECLARATION>\n";
+  _text += "<TABLEROW.DECLARATION>\n";
   for (Column& column : _columns) {
     if (column.entry->isSelectAll()) {
       QORValSlistIterator<QORSmrPtr<QORQL_TableHeader>> headers(*_table->getColumnHeaderList());
@@ -51,7 +62,7 @@ void QORQL_ResultStream::_streamTableHeader() {
       column.declaredCells = _streamTableHeaderHelper(column, column.entry->getClassName(), column.entry->isClassAll());
     }
   }
-  _out << "</TABLEROW.DECLARATION>\n";
+  _text += "</TABLEROW.DECLARATION>\n";
 }
 
 QORuint32 QORQL_ResultStream::_streamComputedHeader(const Column& column) {
@@ -101,9 +112,10 @@ void QORQL_ResultStream::_streamProperty(const QORString& name, const IQoriPrope
 }
 
 void QORQL_ResultStream::_streamTableHeaderCell(const QORString& name, const QORString& type, bool isArray) {
-  _out << "<TABLECELL.DECLARATION NAME=\"" << name << "\" TYPE=\"" << type << "\" ISARRAY=\"" << (isArray ? '1' : '0')
-       << "\" CELLPOS=\"" << QORString::number(static_cast<QORuint64>(_cellPosition++)) << "\""
-       << "></TABLECELL.DECLARATION>\n";
+  _text.append("<TABLECELL.DECLARATION NAME=\"").append(name.view());
+  _text.append("\" TYPE=\"").append(type.view());
+  _text.append("\" ISARRAY=\"").append(isArray ? "1" : "0");
+  _text.append("\" CELLPOS=\"").append(std::to_string(_cellPosition++)).append("\"></TABLECELL.DECLARATION>\n");
 }
 
 QORSmrPtr<IQoriObject> QORQL_ResultStream::_findNonNullObject(const QORString& className) {
@@ -120,9 +132,9 @@ void QORQL_ResultStream::_streamTableRows() {
   QORuint64 budget = _reader.rowCount();
   if (_list.isFirstUsed() && _list.getFirstCount() < budget) budget = _list.getFirstCount();
   if (_list.AreAllEntriesAggregates()) {
-    if (budget != 0) _out << "<TABLEROW>\n";
+    if (budget != 0) _text += "<TABLEROW>\n";
     for (const Column& column : _columns) _streamAggregateValue(*column.entry);
-    if (budget != 0) _out << "</TABLEROW>\n";
+    if (budget != 0) _text += "</TABLEROW>\n";
     return;
   }
   QORQL_StopCheck stopCheck;
@@ -130,21 +142,24 @@ void QORQL_ResultStream::_streamTableRows() {
     stopCheck.count();
     _reader.select(row);
     if (_reader.hasRow()) _streamRow();
+    if (_text.size() > kPiece) _flush();
   }
 }
 
 // A bare `*` finds no cell under its empty class name and writes nothing.
 void QORQL_ResultStream::_streamRow() {
-  _out << "<TABLEROW>\n";
+  _text += "<TABLEROW>\n";
   for (const Column& column : _columns) {
     if (column.entry->isSelectAll()) continue;
     if (column.entry->isClassAll()) {
       _streamClassProperties(column);
     } else {
-      _streamRowCell(_reader.value(column.slot));
+      QORSmrPtr<IQoriValue> holder;
+      const QoriScalar view = _reader.view(column.slot, holder);
+      _streamCell(view, [&] { return holder.IsNull() ? _reader.value(column.slot) : holder; });
     }
   }
-  _out << "</TABLEROW>\n";
+  _text += "</TABLEROW>\n";
 }
 
 void QORQL_ResultStream::_streamClassProperties(const Column& column) {
@@ -156,34 +171,56 @@ void QORQL_ResultStream::_streamClassProperties(const Column& column) {
   for (QORuint32 i = 0; i < object->getPropertyCount(); ++i) _streamRowCell(object->getPropertyAt(i)->getValue());
 }
 
+void QORQL_ResultStream::_streamText(std::string_view text) {
+  _text += "<VALUE>";
+  CIMUtil::appendXmlEncoded(_text, text);
+  _text += "</VALUE>\n";
+}
+
+template <class ValueOf>
+void QORQL_ResultStream::_streamCell(const QoriScalar& view, const ValueOf& value) {
+  char digits[24];
+  switch (view.kind) {
+    case QoriScalarKind::Null:
+      _text += "<VALUE.NULL></VALUE.NULL>\n";
+      return;
+    case QoriScalarKind::Unsigned:
+      return _streamText({digits, std::to_chars(digits, digits + sizeof digits, view.u).ptr});
+    case QoriScalarKind::Signed:
+      return _streamText({digits, std::to_chars(digits, digits + sizeof digits, view.s).ptr});
+    case QoriScalarKind::Text:
+    case QoriScalarKind::DateTime:
+      return _streamText(view.text->view());
+    default:
+      return _streamRowCell(value());
+  }
+}
+
 void QORQL_ResultStream::_streamRowCell(const QORSmrPtr<IQoriValue>& value) {
   if (value.IsNull()) {
-    _out << "<VALUE.NULL></VALUE.NULL>\n";
+    _text += "<VALUE.NULL></VALUE.NULL>\n";
     return;
   }
   const bool isReference = value->getType()->getName() == "reference";
   if (value->isArray()) {
-    _out << (isReference ? "<VALUE.REFARRAY>\n" : "<VALUE.ARRAY>\n");
+    _text += isReference ? "<VALUE.REFARRAY>\n" : "<VALUE.ARRAY>\n";
     QORValSlistIterator<QORSmrPtr<IQoriValue>> elements(*value->getArray());
     while (++elements) {
-      if (elements.key().IsNull()) continue;
-      _out << "<VALUE>" << CIMUtil::xmlEncode(elements.key()->toString()) << "</VALUE>\n";
+      if (!elements.key().IsNull()) _streamText(elements.key()->toString().view());
     }
-    _out << (isReference ? "</VALUE.REFARRAY>\n" : "</VALUE.ARRAY>\n");
+    _text += isReference ? "</VALUE.REFARRAY>\n" : "</VALUE.ARRAY>\n";
     return;
   }
-  if (!isReference) {
-    _out << "<VALUE>" << CIMUtil::xmlEncode(value->toString()) << "</VALUE>\n";
-    return;
-  }
-  _out << "<VALUE.REFERENCE>";
+  if (!isReference) return _streamText(value->toString().view());
+  _text += "<VALUE.REFERENCE>";
   const QORSmrPtr<IQoriInstanceName> name(value->getReference());
   if (name.IsNull()) {
-    _out << value->toString();
+    _text.append(value->toString().view());
   } else {
+    _flush();
     CIMUtil::StreamInstancePath(_out, *name, _table->GetHostAddress(), _table->GetHostPort(), true, false);
   }
-  _out << "</VALUE.REFERENCE>\n";
+  _text += "</VALUE.REFERENCE>\n";
 }
 
 void QORQL_ResultStream::_streamAggregateValue(const QORQL_SelectedEntry& entry) {

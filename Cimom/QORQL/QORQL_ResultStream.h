@@ -3,6 +3,9 @@
 #define QORQL_RESULTSTREAM_H
 
 #include <iosfwd>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_RowReader.h"
@@ -14,7 +17,8 @@ class QORQL_ResultStream {
   QORQL_ResultStream(const QORQL_SelectList& list, QORQL_SymbolTable& symbols, QORSmrPtr<QORQL_DataTable>& table,
                      std::ostream& out);
 
-  // The whole table. Errors while rows are written are logged and end the rows.
+  // The whole table, handed to the stream in large pieces. Errors while rows are
+  // written are logged and end the rows.
   void write();
 
  private:
@@ -33,13 +37,20 @@ class QORQL_ResultStream {
   void _streamTableRows();
   void _streamRow();
   void _streamClassProperties(const Column& column);
+  // A cell from a view; `value` gives the value itself, for what is neither number nor text.
+  template <class ValueOf>
+  void _streamCell(const QoriScalar& view, const ValueOf& value);
   void _streamRowCell(const QORSmrPtr<IQoriValue>& value);
+  void _streamText(std::string_view text);
+  // Hands what has been written to the stream.
+  void _flush();
   void _streamAggregateValue(const QORQL_SelectedEntry& entry);
   QORSmrPtr<IQoriObject> _findNonNullObject(const QORString& className);
 
   const QORQL_SelectList& _list;
   QORSmrPtr<QORQL_DataTable>& _table;
   std::ostream& _out;
+  std::string _text;  // written, but not handed over yet
   QORQL_RowReader _reader;
   std::vector<Column> _columns;
   QORuint32 _cellPosition = 0;

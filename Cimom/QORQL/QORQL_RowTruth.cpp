@@ -14,10 +14,12 @@ namespace {
 using Bound = std::unique_ptr<QORQL_BoundValue>;
 using Value = QORSmrPtr<IQoriValue>;
 
+QORQL_RunTruth runTruth(bool value) noexcept { return value ? QORQL_RunTruth::True : QORQL_RunTruth::False; }
+
 class RelationTruth final : public QORQL_RowTruth {
  public:
   RelationTruth(Bound left, QoriRelation relation, Bound right)
-      : _left(std::move(left)), _right(std::move(right)), _relation(relation) {}
+      : _left(std::move(left)), _right(std::move(right)), _relation(relation), _leftRun(*_left), _rightRun(*_right) {}
 
   QoriTruth test(const QORQL_RowView& row) override {
     Value rightHolder;
@@ -28,31 +30,52 @@ class RelationTruth final : public QORQL_RowTruth {
     const QoriTruth truth = QORQL_relateViews(left, _relation, right, isDecided);
     return isDecided ? truth : _left->value(row)->relate(_relation, *_right->value(row));
   }
+  bool testRun(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, QORQL_RunTruths& truths) override {
+    if (!_leftRun.isReadable(block) || !_rightRun.isReadable(block)) return false;
+    _leftRun.read(block, first, count);
+    _rightRun.read(block, first, count);
+    QORQL_relateRun(_leftRun, _relation, _rightRun, count, truths);
+    return true;
+  }
 
  private:
   Bound _left;
   Bound _right;
   QoriRelation _relation;
+  QORQL_RunOperand _leftRun;
+  QORQL_RunOperand _rightRun;
 };
 
 class NullTruth final : public QORQL_RowTruth {
  public:
-  NullTruth(Bound operand, bool wantsNull) : _operand(std::move(operand)), _wantsNull(wantsNull) {}
+  NullTruth(Bound operand, bool wantsNull)
+      : _operand(std::move(operand)), _wantsNull(wantsNull), _operandRun(*_operand) {}
   QoriTruth test(const QORQL_RowView& row) override {
     Value holder;
     return qori::truth(_operand->view(row, holder).isNull() == _wantsNull);
+  }
+  bool testRun(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, QORQL_RunTruths& truths) override {
+    if (!_operandRun.isReadable(block)) return false;
+    _operandRun.read(block, first, count);
+    for (std::size_t i = 0; i < count; ++i) truths[i] = runTruth(_operandRun[i].isNull() == _wantsNull);
+    return true;
   }
 
  private:
   Bound _operand;
   bool _wantsNull;
+  QORQL_RunOperand _operandRun;
 };
 
 // The needle is found without making a value of the property.
 class LikeTruth final : public QORQL_RowTruth {
  public:
   LikeTruth(const QORQL_Comparison& comparison, Bound left, Bound right)
-      : _comparison(comparison), _left(std::move(left)), _right(std::move(right)) {}
+      : _comparison(comparison),
+        _left(std::move(left)),
+        _right(std::move(right)),
+        _leftRun(*_left),
+        _rightRun(*_right) {}
   QoriTruth test(const QORQL_RowView& row) override {
     Value rightHolder;
     Value leftHolder;
@@ -63,11 +86,23 @@ class LikeTruth final : public QORQL_RowTruth {
     }
     return _comparison.compareValues(_left->value(row), _right->value(row), QORString::emptyString());
   }
+  bool testRun(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, QORQL_RunTruths& truths) override {
+    if (!_leftRun.isReadable(block) || !_rightRun.isReadable(block)) return false;
+    _leftRun.read(block, first, count);
+    _rightRun.read(block, first, count);
+    for (std::size_t i = 0; i < count; ++i) {
+      const bool areTexts = _leftRun[i].kind == QoriScalarKind::Text && _rightRun[i].kind == QoriScalarKind::Text;
+      truths[i] = areTexts ? runTruth(_leftRun[i].text->contains(*_rightRun[i].text, true)) : QORQL_RunTruth::Undecided;
+    }
+    return true;
+  }
 
  private:
   const QORQL_Comparison& _comparison;
   Bound _left;
   Bound _right;
+  QORQL_RunOperand _leftRun;
+  QORQL_RunOperand _rightRun;
 };
 
 // ANY and EVERY, and a condition that is no comparison.

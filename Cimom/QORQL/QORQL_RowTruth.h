@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "Cimom/QORQL/QORQL_BoundExpression.h"
+#include "Cimom/QORQL/QORQL_ColumnTest.h"
 #include "Cimom/QORQL/QORQL_LazyFilter.h"
 
 class QORQL_RowTruth {
@@ -12,6 +13,13 @@ class QORQL_RowTruth {
   virtual ~QORQL_RowTruth() = default;
   // What the comparison gives on the row. THROWS what it throws there.
   virtual QoriTruth test(const QORQL_RowView& row) = 0;
+  // What it gives on `count` rows of a block from `first` on, as far as
+  // properties and literals tell without error. False when they never do; then
+  // and for undecided rows test() must be asked. REQUIRES count <= QORQL_PropertyColumn::kBatch.
+  virtual bool testRun(const QORQL_RowBlock& /*block*/, QORuint64 /*first*/, std::size_t /*count*/,
+                       QORQL_RunTruths& /*truths*/) {
+    return false;
+  }
 
   // BORROWS its arguments. Bound where the operands allow it, otherwise through
   // a row that is filled for each test.

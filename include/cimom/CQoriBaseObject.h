@@ -33,6 +33,7 @@ class CQoriBaseObject final : public IQoriObject {
 
   const QORString& getClassName() const noexcept override;
   QORSmrPtr<IQoriInstanceName> getInstanceName() const override;
+  void appendPath(std::string& text) const override;
   QORString getNameSpace() const override;
   QORuint32 getPropertyCount() const noexcept override;
   QORSmrPtr<IQoriProperty> getPropertyAt(QORuint32 position) const override;

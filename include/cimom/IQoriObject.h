@@ -2,6 +2,8 @@
 #ifndef QORQL_CIMOM_IQORIOBJECT_H
 #define QORQL_CIMOM_IQORIOBJECT_H
 
+#include <string>
+
 #include "cimom/IQoriInstanceName.h"
 #include "cimom/IQoriProperty.h"
 #include "cimom/IQoriValue.h"
@@ -14,6 +16,9 @@
 class IQoriLayout {
  public:
   virtual ~IQoriLayout() = default;
+  // A number below 2^48 that no other layout of the process has, dead ones
+  // included, so that a position may be remembered for it; 0 for a layout that has none.
+  virtual QORuint64 getSerial() const noexcept { return 0; }
   virtual QORuint32 getPropertyCount() const noexcept = 0;
   // Position of the property, ignoring case; -1 when there is none.
   virtual QORsint32 getPosition(const QORString& name) const noexcept = 0;
@@ -30,6 +35,12 @@ class IQoriObject {
   virtual const QORString& getClassName() const noexcept = 0;
   // The object path; null when the object has none (an embedded instance without keys may).
   virtual QORSmrPtr<IQoriInstanceName> getInstanceName() const = 0;
+  // Appends the path's text, as getInstanceName()->toString() gives it; nothing
+  // for an object without a path. Objects may do it without making the name.
+  virtual void appendPath(std::string& text) const {
+    const QORSmrPtr<IQoriInstanceName> name(getInstanceName());
+    if (!name.IsNull()) text += name->toString().view();
+  }
   // Namespace the instance came from; empty when it has none.
   virtual QORString getNameSpace() const = 0;
 

@@ -136,5 +136,10 @@ class QORString {
 // The hash of every map key in the engine: 32-bit FNV-1a over the bytes. The
 // iteration order of maps, and so the order of added outer-join rows, follows it.
 QORuint32 hashKeyQORString(const QORString& key) noexcept;
+// The same of bytes that follow others, whose hash is given.
+constexpr QORuint32 hashKeyBytes(std::string_view bytes, QORuint32 hash = 2166136261U) noexcept {
+  for (const char byte : bytes) hash = (hash ^ static_cast<unsigned char>(byte)) * 16777619U;
+  return hash;
+}
 
 #endif

@@ -95,11 +95,31 @@ class QueryRun {
     for (const QORQL_ResultReader::Column& column : reader.columns()) outcome.columns.push_back(textOf(column.name));
     while (reader.next()) outcome.rows.push_back(rowText(reader));
   }
+  static bool isSeenBy(const QoriScalar& view, const QORSmrPtr<IQoriValue>& value) {
+    const QoriScalar own = value.IsNull() ? QoriScalar() : value->scalar();
+    if (own.kind != view.kind) return false;
+    switch (own.kind) {
+      case QoriScalarKind::Null:
+        return true;
+      case QoriScalarKind::Boolean:
+        return own.b == view.b;
+      case QoriScalarKind::Char16:
+        return own.c == view.c;
+      case QoriScalarKind::Text:
+      case QoriScalarKind::DateTime:
+        return *own.text == *view.text;
+      case QoriScalarKind::Complex:
+        return value->toString() == view.value->toString();
+      default:
+        return own.u == view.u;  // numbers, bit for bit
+    }
+  }
   static std::string rowText(QORQL_ResultReader& reader) {
     std::string text;
     for (std::size_t i = 0; i < reader.columns().size(); ++i) {
       const QORSmrPtr<IQoriValue> value(reader.value(i));
       text += (i == 0 ? "" : "|") + (value.IsNull() ? std::string("NULL") : textOf(value->toString()));
+      if (!isSeenBy(reader.view(i), value)) text += " (but its view shows something else)";
     }
     return text;
   }

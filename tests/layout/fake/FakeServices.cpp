@@ -112,6 +112,11 @@ QORString CIMUtil::xmlEncode(const QORString& text) {
   return "{" + text + "}";
 }
 
+void CIMUtil::appendXmlEncoded(std::string& out, std::string_view text) {
+  fake().encodedTexts.emplace_back(text);
+  out.append("{").append(text).append("}");
+}
+
 void CIMUtil::StreamInstancePath(std::ostream& out, const IQoriInstanceName& name, const QORString& hostAddress,
                                  const QORString& hostPort, bool withHost, bool localOnly) {
   out << "[" << name.toString() << "|" << hostAddress << "|" << hostPort << "|" << withHost << localOnly << "]";

@@ -64,8 +64,8 @@ TEST(ModelLayout, FindsEveryOneOfManyNames) {
 }
 
 TEST(ModelLayout, SerialsAreNeverUsedTwice) {
-  const QORuint64 first = layoutOf({"a"})->serial();
-  EXPECT_GT(layoutOf({"a"})->serial(), first);
+  const QORuint64 first = layoutOf({"a"})->getSerial();
+  EXPECT_GT(layoutOf({"a"})->getSerial(), first);
 }
 
 TEST(ModelRestriction, KeepsListedPropertiesInTheSourcesOrder) {

@@ -1,0 +1,27 @@
+// Filling the window: one row at first, more while the rows are read in order.
+#include "Cimom/QORQL/QORQL_CellWindow.h"
+
+#include <algorithm>
+
+std::size_t QORQL_CellWindow::add(const QORQL_PropertyColumn& column) {
+  for (std::size_t number = 0; number < _columns.size(); ++number) {
+    if (_columns[number].isSameAs(column)) return number;
+  }
+  _columns.push_back(column);
+  _cells.reset();
+  _count = 0;
+  return _columns.size() - 1;
+}
+
+void QORQL_CellWindow::fill(const QORQL_RowBlock& block, QORuint64 row) {
+  constexpr std::size_t kGrowth = 8;
+  constexpr std::size_t kBatch = QORQL_PropertyColumn::kBatch;
+  if (_cells == nullptr) _cells = std::make_unique<QoriScalar[]>(_columns.size() * kBatch);
+  const bool isNext = row == _first + _count;
+  const std::size_t wanted = isNext ? std::min(kBatch, _count * kGrowth + 1) : 1;
+  _first = row;
+  _count = static_cast<std::size_t>(std::min<QORuint64>(wanted, block.rowCount - row));
+  for (std::size_t number = 0; number < _columns.size(); ++number) {
+    _columns[number].read(block, row, _count, &_cells[number * kBatch]);
+  }
+}

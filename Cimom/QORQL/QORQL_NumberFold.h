@@ -1,0 +1,50 @@
+// MIN, MAX, COUNT, SUM and AVG over views of numbers: what the fold of values
+// gives, without a value for each row.
+#ifndef QORQL_NUMBERFOLD_H
+#define QORQL_NUMBERFOLD_H
+
+#include "Cimom/QORQL/QORQL_Function.h"
+#include "Cimom/QORQL/QORQL_SelectList.h"
+#include "cimom/QoriScalar.h"
+#include "cmpbase.h"
+
+class QORQL_NumberFold {
+ public:
+  explicit QORQL_NumberFold(QORuint32 functionID) noexcept : _functionID(functionID) {}
+
+  // Adds a row's value; false, with nothing changed, when the fold must go on
+  // with values: a value that is no number, for all but COUNT.
+  bool add(const QoriScalar& value, QORuint64 row) noexcept {
+    _hasRows = true;
+    if (value.isNull()) return true;
+    if (_functionID == QORQL_FUNCTIONID_COUNT) {
+      ++_count;
+      return true;
+    }
+    return value.isNumber() && addNumber(value, row);
+  }
+
+  // The state as the fold of values has it. `valueOf(row)` gives the folded
+  // property's value on a row, for an extreme that is a row's own value.
+  template <class ValueOf>
+  void handOver(QORQL_SelectList::Function& function, const ValueOf& valueOf) const {
+    function.isTypeSet = _isStarted || (_functionID == QORQL_FUNCTIONID_COUNT && _hasRows);
+    if (!function.isTypeSet) return;
+    function.value = _isRowsOwn ? valueOf(_row) : madeValue();
+  }
+
+ private:
+  bool addNumber(const QoriScalar& value, QORuint64 row) noexcept;
+  void addToSum(const QoriScalar& value) noexcept;
+  QORSmrPtr<IQoriValue> madeValue() const;
+
+  QORuint32 _functionID;
+  bool _hasRows = false;
+  bool _isStarted = false;  // a first number has set the type
+  bool _isRowsOwn = false;  // the extreme is the value of _row, with that value's type
+  QORuint64 _count = 0;
+  QORuint64 _row = 0;
+  QoriScalar _folded;  // Null: a sum that does not fit
+};
+
+#endif
