@@ -3,33 +3,16 @@
 #include <utility>
 
 #include "Cimom/QORQL/QORQL_DataTable.h"
-#include "Cimom/QORQL/QORQL_Lexer.h"
-#include "Cimom/QORQL/QORQL_Query.h"
 #include "Cimom/QORQL/QORQL_ResultReader.h"
 #include "Cimom/QORQL/QORQL_SelectList.h"
-#include "Cimom/QORQL/QORQL_SymbolTable.h"
 #include "bench/PairedRounds.h"
 #include "bench/Peer.h"
-#include "bench/World.h"
+#include "bench/Statement.h"
 #include "bench/XmlTable.h"
 
 namespace bench {
 
 namespace {
-
-// A parsed statement with the texts that it refers to.
-struct Statement {
-  explicit Statement(const std::string& query) : text(query) {
-    QORQL_Lexer lexer(text, false);
-    parsed = QORQL_Query::parse(symbols, lexer, false, text, language, nameSpace).StaticCast<QORQL_Query>();
-  }
-
-  const QORString text;
-  const QORString language = "DMTF:CQL";
-  const QORString nameSpace = kNameSpace;
-  QORQL_SymbolTable symbols{nullptr};
-  QORSmrPtr<QORQL_Query> parsed;
-};
 
 void readCell(const QoriScalar& cell, bool isSortKey, Answer& answer) {
   if (cell.isNull()) return answer.null();

@@ -42,6 +42,14 @@ std::string numberText(double number) {
   return text.str();
 }
 
+// What became of one workload at one size, in seconds.
+struct Result {
+  const Workload* workload = nullptr;
+  std::uint64_t size = 0;
+  double read = 0;     // the engine, to the last cell
+  double execute = 0;  // the engine, to the finished table; 0 where there is none
+};
+
 // One line of a table: the peers' times on one workload.
 class Line {
  public:
@@ -51,17 +59,22 @@ class Line {
         _hasNative(peers[kNative]->supports(workload)),
         _rounds(candidatesOf(peers, workload), options.rounds, options.leastSeconds) {
     const std::vector<double> execute = peers[kEngine]->takeExecuteSeconds();
-    if (!execute.empty()) _execute = timeText(spreadOf(execute).median);
+    if (!execute.empty()) _execute = spreadOf(execute).median;
   }
 
   void print(std::ostream& out, std::uint64_t size) const {
     const double goal = size <= kSmall ? _workload.smallGoal : _workload.goal;
     const Spread toSqlite = _rounds.ratio(indexOf(kSqlite), indexOf(kEngine));
+    const double sqlite = _rounds.seconds(indexOf(kSqlite)).median;
     out << "| " << _workload.title << " | " << _rows << " | " << timeOf(kNative) << " | " << timeOf(kSqlite) << " | "
-        << timeOf(kEngine) << " | " << _execute << " | " << ratioText(toSqlite) << " | " << numberText(goal)
+        << timeOf(kEngine) << " | " << (_execute == 0 ? "-" : timeText(_execute)) << " | " << ratioText(toSqlite)
+        << " | " << (_execute == 0 ? "-" : numberText(sqlite / _execute)) << " | " << numberText(goal)
         << (toSqlite.median < goal ? ", missed" : ", met") << " | "
         << (_hasNative ? ratioText(_rounds.ratio(indexOf(kEngine), indexOf(kNative))) : "-") << " |\n";
     out.flush();
+  }
+  Result result(std::uint64_t size) const {
+    return {&_workload, size, _rounds.seconds(indexOf(kEngine)).median, _execute};
   }
 
  private:
@@ -83,7 +96,7 @@ class Line {
   const std::uint64_t _rows;
   const bool _hasNative;
   const PairedRounds _rounds;
-  std::string _execute = "-";
+  double _execute = 0;
 };
 
 bool isWanted(const Workload& workload, const TableOptions& options, std::uint64_t size) {
@@ -91,23 +104,55 @@ bool isWanted(const Workload& workload, const TableOptions& options, std::uint64
   return options.only.empty() || options.only.contains(workload.id);
 }
 
-void printTable(const TableOptions& options, std::uint64_t size, std::ostream& out) {
+void printTable(const TableOptions& options, std::uint64_t size, std::vector<Result>& results, std::ostream& out) {
   World world(size);
   world.makeCurrent();
   const Peers peers = makePeers();
   for (const std::unique_ptr<Peer>& peer : peers) peer->attach();
   out << "\n### " << size << " instances\n\n"
-      << "| workload | rows | C++ | SQLite | QORQL | execute alone | SQLite / QORQL | goal | QORQL / C++ |\n"
-      << "|---|--:|--:|--:|--:|--:|--:|--:|--:|\n";
+      << "| workload | rows | C++ | SQLite | QORQL | execute alone | SQLite / QORQL | SQLite / execute | goal | "
+         "QORQL / C++ |\n"
+      << "|---|--:|--:|--:|--:|--:|--:|--:|--:|--:|\n";
   for (const Workload& workload : workloads()) {
-    if (isWanted(workload, options, size)) Line(peers, workload, options).print(out, size);
+    if (!isWanted(workload, options, size)) continue;
+    const Line line(peers, workload, options);
+    line.print(out, size);
+    results.push_back(line.result(size));
+  }
+}
+
+std::string growthText(double before, double after) {
+  if (before == 0 || after == 0) return "-";
+  std::ostringstream text;
+  text << std::fixed << std::setprecision(2) << after / before;
+  return text.str();
+}
+
+// From each size to the next, of the time that a row takes.
+void printGrowth(const std::vector<Result>& results, std::ostream& out) {
+  out << "\n### Growth of the engine's time per row\n\n"
+      << "| workload | from | to | read to the last cell | execute alone |\n|---|--:|--:|--:|--:|\n";
+  for (const Workload& workload : workloads()) {
+    const Result* before = nullptr;
+    for (const Result& result : results) {
+      if (result.workload != &workload) continue;
+      if (before != nullptr) {
+        const double rows = static_cast<double>(result.size) / static_cast<double>(before->size);
+        out << "| " << workload.title << " | " << before->size << " | " << result.size << " | "
+            << growthText(before->read * rows, result.read) << " | "
+            << growthText(before->execute * rows, result.execute) << " |\n";
+      }
+      before = &result;
+    }
   }
 }
 
 }  // namespace
 
 void printTables(const TableOptions& options, std::ostream& out) {
-  for (const std::uint64_t size : options.sizes) printTable(options, size, out);
+  std::vector<Result> results;
+  for (const std::uint64_t size : options.sizes) printTable(options, size, results, out);
+  if (options.sizes.size() > 1) printGrowth(results, out);
 }
 
 }  // namespace bench

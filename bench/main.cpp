@@ -11,6 +11,8 @@
 #include <string_view>
 #include <thread>
 
+#include "bench/MatchTable.h"
+#include "bench/MemoryTable.h"
 #include "bench/Peer.h"
 #include "bench/Table.h"
 #include "bench/World.h"
@@ -20,6 +22,10 @@ namespace {
 constexpr const char* kUsage =
     "usage: qorql_bench --table [--sizes=1000,100000,1000000] [--only=scan,sort,...] [--rounds=9] [--turn=0.03]\n"
     "       qorql_bench [Google Benchmark's options]\n";
+
+// What --only takes besides the ids of the workloads.
+constexpr const char* kMatch = "match";
+constexpr const char* kMemory = "memory";
 
 // Worlds and peers by size, made when a benchmark first needs them.
 class Stage {
@@ -92,7 +98,7 @@ bool readPositive(std::string_view text, Number& out) {
 
 bool readOnly(std::string_view text, bench::TableOptions& options) {
   for (const std::string_view id : splitAtCommas(text)) {
-    bool isKnown = false;
+    bool isKnown = id == kMatch || id == kMemory;
     for (const bench::Workload& workload : bench::workloads()) isKnown = isKnown || id == workload.id;
     if (!isKnown) return false;
     options.only.insert(std::string(id));
@@ -127,7 +133,11 @@ int runTable(int argc, char** argv) {
     std::cerr << "qorql_bench: " << argv[i] << "\n" << kUsage;
     return 2;
   }
-  bench::printTables(options, std::cout);
+  const auto isWanted = [&](const char* id) { return options.only.empty() || options.only.contains(id); };
+  const bool hasWorkloads = options.only.size() != options.only.count(kMatch) + options.only.count(kMemory);
+  if (options.only.empty() || hasWorkloads) bench::printTables(options, std::cout);
+  if (isWanted(kMatch)) bench::printMatchTables(options, std::cout);
+  if (isWanted(kMemory)) bench::printMemoryTable(options.sizes.back(), std::cout);
   return 0;
 }
 

@@ -64,6 +64,7 @@ const QORString& QORString::emptyString() noexcept {
 
 bool QORString::equalIgnoringCase(std::string_view a, std::string_view b) noexcept {
   if (a.size() != b.size()) return false;
+  if (a.data() == b.data()) return true;  // of one buffer
   for (std::size_t i = 0; i < a.size(); ++i) {
     if (a[i] != b[i] && foldCase(a[i]) != foldCase(b[i])) return false;
   }
@@ -94,7 +95,10 @@ bool QORString::contains(const QORString& other, bool caseSensitive) const noexc
 
 std::size_t QORString::find(const QORString& other, std::size_t from) const noexcept {
   if (from > length()) return npos;
-  // memmem's time is linear whatever the texts; a naive search is not.
+  // memmem's time is linear whatever the texts, which a naive search's is not;
+  // but it prepares the search, which takes longer than a short text.
+  constexpr std::size_t kShort = 128;
+  if (length() <= kShort) return view().find(other.view(), from);
   const void* const found = memmem(data() + from, length() - from, other.data(), other.length());
   return found == nullptr ? npos : static_cast<std::size_t>(static_cast<const char*>(found) - data());
 }

@@ -1,6 +1,7 @@
 // The canonical text of instance paths.
 #include "Cimom/Model/ModelPath.h"
 
+#include <algorithm>
 #include <string_view>
 
 #include "Cimom/Model/ModelScalar.h"
@@ -32,7 +33,11 @@ void PathText::addKey(const QORString& name, const QoriScalar& value, const IQor
 
 void PathText::appendQuoted(std::string_view rest) {
   _path += '"';
-  for (std::size_t special; (special = rest.find_first_of("\"\\")) != std::string_view::npos;) {
+  const auto isSpecial = [](char c) { return c == '"' || c == '\\'; };
+  for (;;) {
+    const std::size_t special =
+        static_cast<std::size_t>(std::find_if(rest.begin(), rest.end(), isSpecial) - rest.begin());
+    if (special == rest.size()) break;
     _path.append(rest.substr(0, special));
     _path += '\\';
     _path += rest[special];

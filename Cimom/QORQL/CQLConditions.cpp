@@ -92,6 +92,11 @@ class Relation : public CQLCondition {
     const QoriScalar right = _right->view(*instance, rightObject, rightHolder);
     return holdsFor(*instance, left, right);
   }
+  CQLQuickTest quickTest() const override {
+    const QORString* const property = _left->ownProperty();
+    if (property == nullptr || !_right->holdsConstant() || !CQLQuickTest::canDecide(_right->constant())) return {};
+    return {*property, QORQL_relationOf(_relation.getOperator()), _right->constant()};
+  }
   std::string explain(const Object& instance) const override {
     return _text + compared(_left->value(*instance), _relation.getOperator(), _right->value(*instance));
   }
@@ -123,6 +128,8 @@ class ArrayRelation final : public Relation {
                 comparison.getArrayComp() == QORQL_Comparison::ArrayCompEveryLeft),
         _isAny(comparison.getArrayComp() == QORQL_Comparison::ArrayCompAnyLeft ||
                comparison.getArrayComp() == QORQL_Comparison::ArrayCompAnyRight) {}
+
+  CQLQuickTest quickTest() const override { return {}; }
 
  private:
   bool holdsFor(const IQoriObject& instance, const QoriScalar& left, const QoriScalar& right) const override {

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "Cimom/QORQL/CQLQuickTest.h"
 #include "Cimom/QORQL/QORQL_Evaluatable.h"
 #include "cimom/IQoriObject.h"
 
@@ -16,6 +17,8 @@ class CQLCondition {
  public:
   virtual ~CQLCondition() = default;
   virtual bool holds(const QORSmrPtr<IQoriObject>& instance) const = 0;
+  // A test that gives what holds() gives, or decides nothing; valid while the condition lives.
+  virtual CQLQuickTest quickTest() const { return {}; }
   // The condition and, in parentheses, the values that it compared on the
   // instance or why it never holds.
   virtual std::string explain(const QORSmrPtr<IQoriObject>& instance) const = 0;

@@ -63,7 +63,7 @@ const CQLQueryStatement::Node* CQLQueryStatement::parenthesised(const Node& comp
 }
 
 bool CQLQueryStatement::isMatch(const QORSmrPtr<IQoriObject>& instance, const QORString& nameSpace) const {
-  requireValidated(kIsMatch);
+  if (_matcher == nullptr) requireValidated(kIsMatch);
   if (instance.IsNull()) CQLQueryException::raise(kIsMatch, CQL_QUERY_INVALID_OR_NULL_PARM_ERROR);
   bool result = false;
   const CQLQueryExceptionCode code = doMatch(result, instance, nameSpace);
@@ -76,7 +76,8 @@ CQLQueryExceptionCode CQLQueryStatement::doMatch(bool& result, const Instance& i
   result = false;
   if (nameSpace.isNull()) return CQL_QUERY_INTERNAL_ERROR;
   try {
-    if (!nameSpace.isEqualCaseInsensitive(nameSpaceInUse())) return CQL_QUERY_ISMATCH_FAILURE;
+    const QORString& own = nameSpaceInUse();
+    if (nameSpace.data() != own.data() && !nameSpace.isEqualCaseInsensitive(own)) return CQL_QUERY_ISMATCH_FAILURE;
     if (!isMatchFromClause(instance)) return CQL_QUERY_ISMATCH_FAILURE;
     result = _matcher == nullptr ? isMatchWhereClause(instance) : _matcher->matches(instance);
     return result ? CQL_QUERY_SUCCESS : CQL_QUERY_ISMATCH_FAILURE;
@@ -87,6 +88,7 @@ CQLQueryExceptionCode CQLQueryStatement::doMatch(bool& result, const Instance& i
 }
 
 bool CQLQueryStatement::isMatchFromClause(const Instance& instance) const {
+  if (_matcher != nullptr) return _matcher->isOfFromClass(*instance);
   const QORString& className = instance->getClassName();
   if (className.isEmpty()) return false;
   QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*fromClause().getFromSpecifierList());

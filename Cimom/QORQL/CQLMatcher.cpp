@@ -1,10 +1,15 @@
 // The chain of conditions of a WHERE clause.
 #include "Cimom/QORQL/CQLMatcher.h"
 
+#include <algorithm>
+
 #include "Cimom/QORQL/CQLQueryStatement.h"
+#include "Cimom/QORQL/CQLQueryValidator.h"
 #include "Cimom/QORQL/QORQL_Expression.h"
 #include "Cimom/QORQL/QORQL_ExpressionTerm.h"
+#include "Cimom/QORQL/QORQL_FromClause.h"
 #include "Cimom/QORQL/QORQL_WhereClause.h"
+#include "cimom/QoriProviderPluginManager.h"
 
 namespace {
 
@@ -16,9 +21,21 @@ std::string explanation(const CQLCondition& failure, const QORSmrPtr<IQoriObject
   }
 }
 
+// The class's name as the repository has it: instances share its text, which
+// makes the comparison short.
+QORString declaredName(const QORString& nameSpace, const QORString& className) {
+  const QORSmrPtr<IQoriRepository> repository =
+      QoriProviderPluginManager::getQoriProviderPluginManager()->getRepository();
+  const QORSmrPtr<IQoriClass> found =
+      repository.IsNull() ? QORSmrPtr<IQoriClass>() : repository->getClass(nameSpace, className);
+  return found.IsNull() ? className : found->getClassName();
+}
+
 }  // namespace
 
-CQLMatcher::CQLMatcher(const CQLQueryStatement& statement) {
+CQLMatcher::CQLMatcher(const CQLQueryStatement& statement) : _statement(statement) {
+  QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*statement.fromClause().getFromSpecifierList());
+  while (++specifiers) _classes.push_back(declaredName(statement.nameSpaceInUse(), specifiers.key()->getTableName()));
   const auto& query = dynamic_cast<const QORQL_Query&>(*statement._query);
   if (query.getWhereClause().IsNull()) return;
   const auto* where = dynamic_cast<const QORQL_WhereClause*>(query.getWhereClause().Get());
@@ -27,26 +44,49 @@ CQLMatcher::CQLMatcher(const CQLQueryStatement& statement) {
 
 CQLMatcher::~CQLMatcher() = default;
 
+void CQLMatcher::add(std::unique_ptr<CQLCondition> condition) {
+  _quickTests.push_back(condition->quickTest());
+  _conditions.push_back(std::move(condition));
+}
+
 void CQLMatcher::addExpression(const CQLQueryStatement& statement, const QORSmrPtr<QORQL_Evaluatable>& node) {
   const auto* expression = dynamic_cast<const QORQL_Expression*>(node.Get());
   if (expression == nullptr || expression->getOperator() != QORQL_OperatorNONE) {
-    _conditions.push_back(CQLMakeNever("WHERE", "a filter that uses OR never matches"));
+    add(CQLMakeNever("WHERE", "a filter that uses OR never matches"));
     return;
   }
   const auto* term = dynamic_cast<const QORQL_ExpressionTerm*>(expression->getExpressionTerm().Get());
   while (term != nullptr) {
-    _conditions.push_back(CQLMakeCondition(statement, term->getExpressionFactor()));
+    add(CQLMakeCondition(statement, term->getExpressionFactor()));
     term = dynamic_cast<const QORQL_ExpressionTerm*>(term->getExpressionTerm().Get());
   }
 }
 
+// Most instances are of the very class.
+bool CQLMatcher::isOfFromClass(const IQoriObject& instance) const {
+  const QORString& name = instance.getClassName();
+  if (name.isEmpty()) return false;
+  for (const QORString& wanted : _classes) {
+    if (name.data() == wanted.data() || name.isEqualCaseInsensitive(wanted)) return true;
+  }
+  return std::any_of(_classes.begin(), _classes.end(), [&](const QORString& wanted) {
+    return CQLQueryValidator::isSubClass(_statement.nameSpaceInUse(), name, wanted);
+  });
+}
+
 // A condition that an instance's failure leaves undecided does not hold.
 const CQLCondition* CQLMatcher::firstFailure(const QORSmrPtr<IQoriObject>& instance) const {
-  for (const std::unique_ptr<CQLCondition>& condition : _conditions) {
+  const IQoriObject& object = *instance;
+  const IQoriLayout* const layout = object.getLayout();
+  const QORuint64 serial = layout == nullptr ? 0 : layout->getSerial();
+  for (std::size_t i = 0; i < _conditions.size(); ++i) {
     try {
-      if (!condition->holds(instance)) return condition.get();
+      const CQLQuickTest::Outcome outcome = _quickTests[i].test(object, layout, serial);
+      const bool holds = outcome == CQLQuickTest::Outcome::Undecided ? _conditions[i]->holds(instance)
+                                                                     : outcome == CQLQuickTest::Outcome::Holds;
+      if (!holds) return _conditions[i].get();
     } catch (...) {
-      return condition.get();
+      return _conditions[i].get();
     }
   }
   return nullptr;

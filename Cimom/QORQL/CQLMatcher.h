@@ -14,6 +14,8 @@ class CQLMatcher {
  public:
   explicit CQLMatcher(const CQLQueryStatement& statement);
   ~CQLMatcher();
+  // Whether the instance is of a FROM class or of a subclass of one.
+  bool isOfFromClass(const IQoriObject& instance) const;
   bool matches(const QORSmrPtr<IQoriObject>& instance) const { return firstFailure(instance) == nullptr; }
   // The first condition that does not hold; null when all do.
   const CQLCondition* firstFailure(const QORSmrPtr<IQoriObject>& instance) const;
@@ -23,7 +25,12 @@ class CQLMatcher {
  private:
   void addExpression(const CQLQueryStatement& statement, const QORSmrPtr<QORQL_Evaluatable>& node);
 
+  void add(std::unique_ptr<CQLCondition> condition);
+
+  std::vector<QORString> _classes;  // of FROM
   std::vector<std::unique_ptr<CQLCondition>> _conditions;
+  std::vector<CQLQuickTest> _quickTests;  // of each condition
+  const CQLQueryStatement& _statement;
 };
 
 #endif

@@ -27,6 +27,11 @@ class CQLOperand {
   QORSmrPtr<IQoriValue> value(const IQoriObject& instance) const {
     return _path == nullptr ? _constant : _path->value(instance);
   }
+  // As CQLPropertyPath::ownProperty; null for a constant.
+  const QORString* ownProperty() const noexcept { return _path == nullptr ? nullptr : _path->ownProperty(); }
+  bool holdsConstant() const noexcept { return _path == nullptr; }
+  // REQUIRES holdsConstant().
+  const QoriScalar& constant() const noexcept { return _view; }
 
  private:
   QORSmrPtr<IQoriValue> _constant;

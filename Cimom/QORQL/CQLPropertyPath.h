@@ -26,6 +26,10 @@ class CQLPropertyPath {
   // A view of the same, valid while the instance, `object` and `holder` live.
   // Allocates nothing where the objects have layouts.
   QoriScalar view(const IQoriObject& instance, QORSmrPtr<IQoriObject>& object, QORSmrPtr<IQoriValue>& holder) const;
+  // The name when this is a property of the instance itself, as a whole; null otherwise.
+  const QORString* ownProperty() const noexcept {
+    return _steps.size() == 1 && _index < 0 ? &_steps.front()->name : nullptr;
+  }
   // As a person would write it.
   std::string text() const;
 

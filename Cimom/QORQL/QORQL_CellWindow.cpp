@@ -2,6 +2,7 @@
 #include "Cimom/QORQL/QORQL_CellWindow.h"
 
 #include <algorithm>
+#include <array>
 
 std::size_t QORQL_CellWindow::add(const QORQL_PropertyColumn& column) {
   for (std::size_t number = 0; number < _columns.size(); ++number) {
@@ -21,7 +22,10 @@ void QORQL_CellWindow::fill(const QORQL_RowBlock& block, QORuint64 row) {
   const std::size_t wanted = isNext ? std::min(kBatch, _count * kGrowth + 1) : 1;
   _first = row;
   _count = static_cast<std::size_t>(std::min<QORuint64>(wanted, block.rowCount - row));
+  std::array<const IQoriObject*, kBatch> objects;
   for (std::size_t number = 0; number < _columns.size(); ++number) {
-    _columns[number].read(block, row, _count, &_cells[number * kBatch]);
+    const bool isFetched = number != 0 && _columns[number].column() == _columns[number - 1].column();
+    if (!isFetched) _columns[number].fetch(block, row, _count, objects.data());
+    _columns[number].read(objects.data(), _count, &_cells[number * kBatch]);
   }
 }

@@ -22,9 +22,9 @@ class QORQL_ChainParts {
   // The chain that ends with this operand.
   template <class Node>
   [[gnu::noinline]] QORSmrPtr<QORQL_Evaluatable> build(const QORSmrPtr<QORQL_Evaluatable>& last) {
-    QORSmrPtr<QORQL_Evaluatable> chain(new Node(last, nullptr, QORQL_OperatorNONE));
+    auto chain = QORSmrPtr<QORQL_Evaluatable>::Make<Node>(last, nullptr, QORQL_OperatorNONE);
     for (; !_parts.empty(); _parts.pop_back()) {
-      chain = QORSmrPtr<QORQL_Evaluatable>(new Node(_parts.back().first, chain, _parts.back().second));
+      chain = QORSmrPtr<QORQL_Evaluatable>::Make<Node>(_parts.back().first, chain, _parts.back().second);
     }
     return chain;
   }

@@ -15,7 +15,7 @@ constexpr QORuint32 kMapBuckets = 150;
 
 QORQL_ClassInfo::QORQL_ClassInfo(QORString className, PropertyList properties, QORboolean allProperties)
     : _className(className), _properties(properties), _allProperties(allProperties) {
-  if (_properties.IsNull()) _properties = new QORValSlist<QORString>;
+  if (_properties.IsNull()) _properties = PropertyList::Make();
 }
 
 void QORQL_ClassInfo::addProperty(QORString property) { _properties->append(property); }
@@ -46,12 +46,12 @@ void QORQL_ClassInfo::_updateIndex() {
   for (; _indexed < count; ++_indexed) _index->insert(QORString::toUpperCase(_properties->at(_indexed)), true);
 }
 
-QORQL_ProjectionMap QORQL_newProjectionMap() { return new QORQL_ClassInfoMap(&hashKeyQORString, kMapBuckets); }
+QORQL_ProjectionMap QORQL_newProjectionMap() { return QORQL_ProjectionMap::Make(&hashKeyQORString, kMapBuckets); }
 
 QORSmrPtr<QORQL_ClassInfo> QORQL_recordOf(QORQL_ProjectionMap& map, const QORString& name) {
   QORSmrPtr<QORQL_ClassInfo> record;
   if (map.IsNull() || map->find(name, record)) return record;
-  record = new QORQL_ClassInfo(name, nullptr, false);
+  record = QORSmrPtr<QORQL_ClassInfo>::Make(name, nullptr, false);
   map->insert(name, record);
   return record;
 }

@@ -33,7 +33,7 @@ class QORQL_RunOperand {
   bool isConstant() const noexcept { return _constant != nullptr; }
   const QoriScalar& constant() const noexcept { return *_constant; }
   // Reads the next rows. REQUIRES isReadable(block).
-  void read(const QORQL_RowBlock& block, QORuint64 first, std::size_t count) noexcept {
+  void read(const QORQL_RowBlock& block, QORuint64 first, std::size_t count) {
     if (_constant == nullptr) _column->read(block, first, count, _cells.data());
   }
   const QoriScalar& operator[](std::size_t i) const noexcept { return _constant == nullptr ? _cells[i] : *_constant; }

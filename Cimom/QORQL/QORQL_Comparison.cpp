@@ -120,8 +120,8 @@ const QORQL_Factor* bareIdentifier(const QORSmrPtr<QORQL_Evaluatable>& side) {
 // The one class that an operand refers to as X.firstref, X.secondref or OBJECTPATH(X); null when it is no such
 // reference.
 QORSmrPtr<QORString> referredClass(const QORSmrPtr<QORQL_Evaluatable>& side) {
-  QORQL_IdentifierFinder* const finder = new QORQL_IdentifierFinder;
-  QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
+  auto visitor = QORSmrPtr<QORQL_ExpressionVisitor>::Make<QORQL_IdentifierFinder>();
+  const auto* const finder = static_cast<const QORQL_IdentifierFinder*>(visitor.Get());
   side->accept(visitor);
   const QORQL_IdentifierFinder::ClassNameList names = finder->getClassNameList();
   return finder->isClassReference() && names->entries() == 1 ? names->first() : QORSmrPtr<QORString>();
@@ -164,10 +164,10 @@ QORSmrPtr<QORQL_Evaluatable> QORQL_Comparison::parse(QORQL_SymbolTable& symbolTa
     }
     right = QORQL_Arithmetic::parse(symbolTable, lexer, projMap, queryString, queryLanguage);
   }
-  QORQL_Comparison* const comparison = new QORQL_Comparison(left, right, op);
-  QORSmrPtr<QORQL_Evaluatable> result(comparison);
-  comparison->setArrayComp(arrayComp);
-  validateArrays(*comparison);
+  auto result = QORSmrPtr<QORQL_Evaluatable>::Make<QORQL_Comparison>(left, right, op);
+  QORQL_Comparison& comparison = static_cast<QORQL_Comparison&>(*result);
+  comparison.setArrayComp(arrayComp);
+  validateArrays(comparison);
   return result;
 }
 

@@ -18,7 +18,7 @@ QORSmrPtr<QORQL_Evaluatable> QORQL_ExpressionFactor::parse(QORQL_SymbolTable& sy
   if (op == QORQL_OperatorNOT) lexer.next(false);
   const QORSmrPtr<QORQL_Evaluatable> comparison =
       QORQL_Comparison::parse(symbolTable, lexer, projMap, queryString, queryLanguage);
-  return new QORQL_ExpressionFactor(comparison, op, queryString, queryLanguage);
+  return QORSmrPtr<QORQL_Evaluatable>::Make<QORQL_ExpressionFactor>(comparison, op, queryString, queryLanguage);
 }
 
 bool QORQL_ExpressionFactor::isComparisonAnAssociation(QORQL_JoinType& joinType, QORString& leftName,

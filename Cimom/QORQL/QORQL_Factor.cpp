@@ -20,39 +20,40 @@
 namespace {
 
 using Node = QORSmrPtr<QORQL_Evaluatable>;
+using Value = QORSmrPtr<IQoriValue>;
 
 // Parsing nests, so what is done besides nesting stays out of the frames on the way down.
 [[gnu::noinline]] Node nested(const Node& node, QORQL_Operator op) {
-  return new QORQL_Factor(node, nullptr, nullptr, nullptr, op, false);
+  return Node::Make<QORQL_Factor>(node, nullptr, nullptr, nullptr, op, false);
 }
 
 // Typed by its size; a number after a minus sign is typed as signed, though it
 // stays non-negative itself: the negation or subtraction applies the sign.
-IQoriValue* decimalValue(QORuint64 number, bool afterMinus) {
+Value decimalValue(QORuint64 number, bool afterMinus) {
   constexpr auto fits = [](QORuint64 value, auto limit) { return value <= static_cast<QORuint64>(limit); };
   if (afterMinus) {
     // The smallest signed type of a literal is sint32, not sint8, on purpose.
     if (fits(number, std::numeric_limits<QORsint8>::max())) {
-      return new CQoriValue(static_cast<int>(number), CQoriType::sint32);
+      return Value::Make<CQoriValue>(static_cast<int>(number), CQoriType::sint32);
     }
     if (fits(number, std::numeric_limits<QORsint16>::max())) {
-      return new CQoriValue(static_cast<short>(number), CQoriType::sint16);
+      return Value::Make<CQoriValue>(static_cast<short>(number), CQoriType::sint16);
     }
     if (fits(number, std::numeric_limits<QORsint32>::max())) {
-      return new CQoriValue(static_cast<int>(number), CQoriType::sint32);
+      return Value::Make<CQoriValue>(static_cast<int>(number), CQoriType::sint32);
     }
-    return new CQoriValue(static_cast<long long>(number), CQoriType::sint64);
+    return Value::Make<CQoriValue>(static_cast<long long>(number), CQoriType::sint64);
   }
   if (fits(number, std::numeric_limits<QORuint8>::max())) {
-    return new CQoriValue(static_cast<unsigned char>(number), CQoriType::uint8);
+    return Value::Make<CQoriValue>(static_cast<unsigned char>(number), CQoriType::uint8);
   }
   if (fits(number, std::numeric_limits<QORuint16>::max())) {
-    return new CQoriValue(static_cast<unsigned short>(number), CQoriType::uint16);
+    return Value::Make<CQoriValue>(static_cast<unsigned short>(number), CQoriType::uint16);
   }
   if (fits(number, std::numeric_limits<QORuint32>::max())) {
-    return new CQoriValue(static_cast<unsigned int>(number), CQoriType::uint32);
+    return Value::Make<CQoriValue>(static_cast<unsigned int>(number), CQoriType::uint32);
   }
-  return new CQoriValue(static_cast<unsigned long long>(number), CQoriType::uint64);
+  return Value::Make<CQoriValue>(static_cast<unsigned long long>(number), CQoriType::uint64);
 }
 
 // The power of ten of a real literal's first digit that is not zero.
@@ -64,13 +65,13 @@ QORsint64 magnitudeOf(std::string_view text) {
 
 // The longest valid prefix, whatever the process's locale; beyond the range of
 // a double, infinity or zero.
-IQoriValue* realValue(std::string_view text) {
+Value realValue(std::string_view text) {
   double number = 0;
   const std::from_chars_result result = std::from_chars(text.data(), text.data() + text.size(), number);
   if (result.ec == std::errc::result_out_of_range) {
     number = magnitudeOf(text) > 0 ? std::numeric_limits<double>::infinity() : 0.0;
   }
-  return new CQoriValue(number, CQoriType::real64);
+  return Value::Make<CQoriValue>(number, CQoriType::real64);
 }
 
 bool isLiteral(QORQL_TokenType type, QORQL_TokenType before) {
@@ -79,18 +80,18 @@ bool isLiteral(QORQL_TokenType type, QORQL_TokenType before) {
 }
 
 // The class name after ISA is text, and so are TRUE and FALSE.
-IQoriValue* literalValue(const QORQL_Token& token, QORQL_TokenType before) {
+Value literalValue(const QORQL_Token& token, QORQL_TokenType before) {
   if (before != TokenISA && token.getType() == TokenDECIMALLITERAL) {
     return decimalValue(token.getValue().atoui64(), before == TokenMINUS);
   }
   if (before != TokenISA && token.getType() == TokenREALLITERAL) return realValue(token.getValue().view());
-  return new CQoriValue(token.getValue());
+  return Value::Make<CQoriValue>(token.getValue());
 }
 
 [[gnu::noinline]] Node parseLiteral(QORQL_Lexer& lexer) {
-  const QORSmrPtr<IQoriValue> literal(literalValue(lexer.getCurrent(), lexer.lookBack().getType()));
+  const Value literal(literalValue(lexer.getCurrent(), lexer.lookBack().getType()));
   lexer.next(false);
-  return new QORQL_Factor(nullptr, nullptr, nullptr, literal, QORQL_OperatorNONE, false);
+  return Node::Make<QORQL_Factor>(nullptr, nullptr, nullptr, literal, QORQL_OperatorNONE, false);
 }
 
 // Entered on the opening parenthesis.

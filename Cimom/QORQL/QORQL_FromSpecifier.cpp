@@ -18,13 +18,12 @@ QORString parseAlias(QORQL_Lexer& lexer) {
 // An alias that is the class's own name needs no symbol of its own.
 void enterSymbols(QORQL_SymbolTable& symbolTable, const QORString& className, const QORString& alias,
                   bool isSelectAll) {
-  QORSmrPtr<QORQL_ClassInfo> classInfo(new QORQL_ClassInfo(className, nullptr, isSelectAll));
-  const QORSmrPtr<QORQL_Symbol> symbol(
-      new QORQL_Symbol(QORQL_SYMBOLTYPE_TABLE_NAME, className, alias, classInfo, nullptr));
+  auto classInfo = QORSmrPtr<QORQL_ClassInfo>::Make(className, nullptr, isSelectAll);
+  const auto symbol = QORSmrPtr<QORQL_Symbol>::Make(QORQL_SYMBOLTYPE_TABLE_NAME, className, alias, classInfo, nullptr);
   symbolTable.insert(className, symbol);
   if (alias.isEmpty() || alias == className) return;
-  symbolTable.insert(
-      alias, new QORQL_DelegatorSymbol(QORQL_SYMBOLTYPE_TABLE_NAME, alias, className, classInfo, symbol, nullptr));
+  symbolTable.insert(alias, QORSmrPtr<QORQL_Symbol>::Make<QORQL_DelegatorSymbol>(
+                                QORQL_SYMBOLTYPE_TABLE_NAME, alias, className, classInfo, symbol, nullptr));
 }
 
 }  // namespace
@@ -44,5 +43,5 @@ QORSmrPtr<QORQL_FromSpecifier> QORQL_FromSpecifier::parse(QORQL_SymbolTable& sym
   lexer.next(false);
   const QORString alias = parseAlias(lexer);
   enterSymbols(symbolTable, className, alias, isSelectAll);
-  return new QORQL_FromSpecifier(className, nullptr, alias);
+  return QORSmrPtr<QORQL_FromSpecifier>::Make(className, nullptr, alias);
 }

@@ -4,7 +4,7 @@
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_Function.h"
 
-QORQL_IdentifierFinder::QORQL_IdentifierFinder() : _classNameList(new QORValSlist<QORSmrPtr<QORString>>) {}
+QORQL_IdentifierFinder::QORQL_IdentifierFinder() : _classNameList(ClassNameList::Make()) {}
 
 void QORQL_IdentifierFinder::visitFactor(const QORQL_Factor& factor) {
   ++_countFactors;

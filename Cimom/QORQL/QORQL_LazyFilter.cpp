@@ -3,6 +3,7 @@
 #include "Cimom/QORQL/QORQL_LazyFilter.h"
 
 #include <algorithm>
+#include <array>
 #include <memory>
 #include <numeric>
 
@@ -17,8 +18,8 @@
 void QORQL_addColumnsRead(const QORSmrPtr<QORQL_Evaluatable>& side, const QORQL_DataTable& table,
                           std::vector<QORuint32>& columns) {
   if (side.IsNull()) return;
-  QORQL_IdentifierFinder* const finder = new QORQL_IdentifierFinder();
-  QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
+  auto visitor = QORSmrPtr<QORQL_ExpressionVisitor>::Make<QORQL_IdentifierFinder>();
+  const auto* const finder = static_cast<const QORQL_IdentifierFinder*>(visitor.Get());
   side->accept(visitor);
   QORValSlistIterator<QORSmrPtr<QORString>> names(*finder->getClassNameList());
   while (++names) {
@@ -70,17 +71,30 @@ void recordSide(const QORQL_RowView& view, QORsint32 column, Record record) {
 class BlockFilter {
  public:
   BlockFilter(QORQL_LazyRows& rows, const QORQL_Condition& condition, QORQL_RowTruth& truth)
-      : _rows(rows), _condition(condition), _truth(truth), _join(condition.comparison().getJoinType()) {}
+      : _rows(rows), _condition(condition), _truth(truth) {
+    const QORQL_JoinType joinType = condition.comparison().getJoinType();
+    if (joinType != QORQL_JOIN_TYPE_INNER) _join = std::make_unique<QORQL_OuterJoin<QORuint32>>(joinType);
+    for (const QoriTruth outcome : {QoriTruth::False, QoriTruth::True, QoriTruth::Null}) {
+      _keeps[static_cast<std::size_t>(outcome)] =
+          QORQL_keepsRow(outcome, condition.isNegated, condition.isArrayNotEqual());
+    }
+  }
 
   void run(std::size_t blockNumber) {
     QORQL_RowBlock& block = _rows.blocks()[blockNumber];
     const std::size_t width = block.columns.size();
     QORQL_RowView view(_rows);
     std::vector<QORuint32> kept;
-    forEachTruth(block, view, [&](QORuint64 row, QoriTruth truth) {
-      if (!QORQL_keepsRow(truth, _condition.isNegated, _condition.isArrayNotEqual())) return;
-      for (std::size_t place = 0; place < width; ++place) kept.push_back(block.index(row, place));
-    });
+    std::array<QORuint32, QORQL_PropertyColumn::kBatch> keptOfRun;
+    QORQL_StopCheck stopCheck;
+    for (QORuint64 first = 0; first < block.rowCount; first += keptOfRun.size()) {
+      stopCheck.count(keptOfRun.size());
+      const std::size_t count = static_cast<std::size_t>(std::min<QORuint64>(keptOfRun.size(), block.rowCount - first));
+      const std::size_t keptCount = filterRun(block, first, count, view, keptOfRun);
+      for (std::size_t i = 0; i < keptCount; ++i) {
+        for (std::size_t place = 0; place < width; ++place) kept.push_back(block.index(first + keptOfRun[i], place));
+      }
+    }
     const QORuint64 keptCount = kept.size() / width;
     if (keptCount == block.rowCount) return;
     block.isWholeExtent = false;
@@ -89,42 +103,46 @@ class BlockFilter {
   }
 
   void addOuterRows() {
-    if (!_join.isOuter()) return;
+    if (_join == nullptr) return;
     _rows.flatten();
-    _join.forEachLeft([this](QORuint32 index) {
+    _join->forEachLeft([this](QORuint32 index) {
       QORQL_appendExtendedRow(_rows, static_cast<QORuint32>(_condition.leftColumn), index);
     });
-    _join.forEachRight([this](QORuint32 index) {
+    _join->forEachRight([this](QORuint32 index) {
       QORQL_appendExtendedRow(_rows, static_cast<QORuint32>(_condition.rightColumn), index);
     });
   }
 
  private:
-  // Calls for each row in order with the comparison's truth on it.
-  template <class Callback>
-  void forEachTruth(const QORQL_RowBlock& block, QORQL_RowView& view, const Callback& callback) {
+  // The rows of a run that stay, by their place in it; returns how many.
+  // Nothing branches on the outcome, which nobody could predict.
+  template <class Places>
+  std::size_t filterRun(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, QORQL_RowView& view,
+                        Places& kept) {
     QORQL_RunTruths truths;
-    QORQL_StopCheck stopCheck;
-    for (QORuint64 first = 0; first < block.rowCount; first += truths.size()) {
-      stopCheck.count(truths.size());
-      const std::size_t count = static_cast<std::size_t>(std::min<QORuint64>(truths.size(), block.rowCount - first));
-      const bool hasTruths = !_join.isOuter() && _truth.testRun(block, first, count, truths);
-      for (std::size_t i = 0; i < count; ++i) {
-        const bool isDecided = hasTruths && truths[i] != QORQL_RunTruth::Undecided;
-        if (!isDecided) view.select(block, first + i);
-        callback(first + i, isDecided ? static_cast<QoriTruth>(truths[i]) : testRow(view));
-      }
+    if (_join != nullptr || !_truth.testRun(block, first, count, truths)) {
+      truths.fill(QORQL_RunTruth::Undecided);
     }
+    std::size_t keptCount = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+      if (truths[i] == QORQL_RunTruth::Undecided) {
+        view.select(block, first + i);
+        truths[i] = static_cast<QORQL_RunTruth>(testRow(view));
+      }
+      kept[keptCount] = static_cast<QORuint32>(i);
+      keptCount += _keeps[static_cast<std::size_t>(truths[i])] ? 1 : 0;
+    }
+    return keptCount;
   }
 
   QoriTruth testRow(const QORQL_RowView& view) {
     const QoriTruth truth = _truth.test(view);
-    if (_join.isOuter()) {
+    if (_join != nullptr) {
       const bool isMatch = truth == QoriTruth::True;
       recordSide(view, _condition.leftColumn,
-                 [&](const QORString& key, QORuint32 index) { _join.recordLeft(key, index, isMatch); });
+                 [&](const QORString& key, QORuint32 index) { _join->recordLeft(key, index, isMatch); });
       recordSide(view, _condition.rightColumn,
-                 [&](const QORString& key, QORuint32 index) { _join.recordRight(key, index, isMatch); });
+                 [&](const QORString& key, QORuint32 index) { _join->recordRight(key, index, isMatch); });
     }
     return truth;
   }
@@ -132,7 +150,8 @@ class BlockFilter {
   QORQL_LazyRows& _rows;
   const QORQL_Condition& _condition;
   QORQL_RowTruth& _truth;
-  QORQL_OuterJoin<QORuint32> _join;
+  std::unique_ptr<QORQL_OuterJoin<QORuint32>> _join;  // null: an inner join
+  std::array<bool, 3> _keeps{};                       // whether a row of each truth stays
 };
 
 // Two blocks, tested pair by pair without making their product.

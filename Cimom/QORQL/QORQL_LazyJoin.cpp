@@ -7,7 +7,6 @@
 #include <array>
 #include <cmath>
 #include <cstring>
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -16,6 +15,7 @@
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "Cimom/QORQL/QORQL_NullExtension.h"
 #include "Cimom/QORQL/QORQL_NumberOrder.h"
+#include "Cimom/QORQL/QORQL_TextHash.h"
 #include "Cimom/QORQL/QORQL_Values.h"
 #include "cimom/IQoriInstanceName.h"
 
@@ -23,27 +23,23 @@ namespace {
 
 constexpr QORuint32 kEnd = 0xffffffffU;
 
-QORuint64 mix(QORuint64 bits) noexcept {
-  bits *= 0x9e3779b97f4a7c15ULL;
-  return bits ^ (bits >> 32U);
-}
-
 // Equal numbers hash alike, whatever their types.
 QORuint64 hashNumber(const QoriScalar& key) noexcept {
-  if (key.kind != QoriScalarKind::Real) return mix(key.u);
+  if (key.kind != QoriScalarKind::Real) return QORQL_mixBits(key.u);
   constexpr double kTwoTo63 = 9223372036854775808.0;
   if (std::trunc(key.r) == key.r) {
-    if (key.r >= -kTwoTo63 && key.r < kTwoTo63) return mix(static_cast<QORuint64>(static_cast<QORsint64>(key.r)));
-    if (key.r >= 0 && key.r < 2 * kTwoTo63) return mix(static_cast<QORuint64>(key.r));
+    if (key.r >= -kTwoTo63 && key.r < kTwoTo63)
+      return QORQL_mixBits(static_cast<QORuint64>(static_cast<QORsint64>(key.r)));
+    if (key.r >= 0 && key.r < 2 * kTwoTo63) return QORQL_mixBits(static_cast<QORuint64>(key.r));
   }
   QORuint64 bits = 0;
   std::memcpy(&bits, &key.r, sizeof bits);
-  return mix(bits);
+  return QORQL_mixBits(bits);
 }
 
 QORuint64 hashKey(const QoriScalar& key) noexcept {
-  if (key.kind == QoriScalarKind::Text) return std::hash<std::string_view>{}(key.text->view());
-  return key.kind == QoriScalarKind::Boolean ? mix(key.b ? 1 : 0) : hashNumber(key);
+  if (key.kind == QoriScalarKind::Text) return QORQL_hashText(key.text->view());
+  return key.kind == QoriScalarKind::Boolean ? QORQL_mixBits(key.b ? 1 : 0) : hashNumber(key);
 }
 
 bool isTrue(const QoriScalar& left, QoriRelation relation, const QoriScalar& right) noexcept {
@@ -90,6 +86,7 @@ class PairCollector {
     std::sort(_result.columns.begin(), _result.columns.end());
     fillPlaces(outer, _outerPlaces);
     fillPlaces(inner, _innerPlaces);
+    _result.tuples.reserve(outer.rowCount * _result.columns.size());
   }
   void add(QORuint64 outerRow, QORuint32 innerRow) { add(outerRow, &innerRow, 1); }
   // The outer row with each of some inner rows.

@@ -9,38 +9,64 @@
 
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 
-QORQL_Extent::QORQL_Extent(const ObjectList& list) : _list(list) {
-  _objects.reserve(list->entries());
+namespace {
+
+// Extents of up to this many objects get their array at once; it takes half a MiB.
+constexpr QORuint32 kSmall = 65536;
+
+}  // namespace
+
+QORQL_Extent::QORQL_Extent(const ObjectList& list) : _list(list), _cursor(*list) {
+  const IQoriLayout* previous = nullptr;
   QORValSlistIterator<QORSmrPtr<IQoriObject>> iterator(*list);
-  while (++iterator) {
-    _objects.push_back(iterator.key().Get());
-    _hasNull = _hasNull || _objects.back() == nullptr;
+  const bool isSmall = size() <= kSmall;
+  if (isSmall) _objects.reserve(size());
+  for (bool isFirst = true; ++iterator; isFirst = false) {
+    const IQoriObject* const object = iterator.key().Get();
+    const IQoriLayout* const layout = object == nullptr ? nullptr : object->getLayout();
+    _hasNull = _hasNull || object == nullptr;
+    if (isFirst || layout != previous) noteLayout(layout);
+    previous = layout;
+    if (isSmall) _objects.push_back(object);
   }
+}
+
+// One object without layout decides.
+void QORQL_Extent::noteLayout(const IQoriLayout* layout) {
+  if (layout == nullptr) {
+    _layouts.assign(1, nullptr);
+  } else if (hasLayouts() && std::find(_layouts.begin(), _layouts.end(), layout) == _layouts.end()) {
+    _layouts.push_back(layout);
+  }
+}
+
+void QORQL_Extent::makeObjects() const {
+  _objects.reserve(size());
+  QORValSlistIterator<QORSmrPtr<IQoriObject>> iterator(*_list);
+  while (++iterator) _objects.push_back(iterator.key().Get());
+}
+
+void QORQL_Extent::copyRun(QORuint32 first, std::size_t count, const IQoriObject** out) const {
+  if (_objects.empty() && first == 0) {
+    _cursor.reset();
+    _nextOfCursor = 0;
+  }
+  if (!_objects.empty() || first != _nextOfCursor) {
+    if (_objects.empty()) makeObjects();
+    std::copy_n(_objects.data() + first, count, out);
+    return;
+  }
+  for (std::size_t i = 0; i < count && ++_cursor; ++i) out[i] = _cursor.key().Get();
+  _nextOfCursor += static_cast<QORuint32>(count);
 }
 
 const QORSmrPtr<IQoriObject>& QORQL_Extent::pointer(QORuint32 index) const {
   if (_pointers.empty()) {
-    _pointers.reserve(_objects.size());
+    _pointers.reserve(size());
     QORValSlistIterator<QORSmrPtr<IQoriObject>> iterator(*_list);
     while (++iterator) _pointers.push_back(&iterator.key());
   }
   return *_pointers[index];
-}
-
-const std::vector<const IQoriLayout*>& QORQL_Extent::layouts() const {
-  if (!_layouts.empty() || _objects.empty()) return _layouts;
-  const IQoriLayout* previous = nullptr;
-  for (const IQoriObject* object : _objects) {
-    const IQoriLayout* const layout = object->getLayout();
-    if (layout == nullptr) {
-      _layouts.assign(1, nullptr);  // one object without layout decides
-      return _layouts;
-    }
-    if (layout == previous) continue;
-    previous = layout;
-    if (std::find(_layouts.begin(), _layouts.end(), layout) == _layouts.end()) _layouts.push_back(layout);
-  }
-  return _layouts;
 }
 
 QORuint64 QORQL_LazyRows::rowCount() const noexcept {
@@ -63,7 +89,7 @@ std::size_t QORQL_LazyRows::blockOf(QORuint32 column) const noexcept {
 
 void QORQL_LazyRows::addExtent(std::shared_ptr<const QORQL_Extent> extent) {
   const QORuint32 column = static_cast<QORuint32>(_extents.size());
-  const QORuint32 count = static_cast<QORuint32>(extent->objects().size());
+  const QORuint32 count = static_cast<QORuint32>(extent->size());
   const bool hadRows = rowCount() != 0;
   _extents.push_back(std::move(extent));
   QORQL_RowBlock block;

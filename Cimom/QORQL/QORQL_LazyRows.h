@@ -9,29 +9,41 @@
 #include "cimom/IQoriObject.h"
 #include "cmpbase.h"
 
-// The objects that one enumeration gave for one column.
+// The objects that one enumeration gave for one column. Belongs to one thread.
 class QORQL_Extent {
  public:
   using ObjectList = QORSmrPtr<QORValSlist<QORSmrPtr<IQoriObject>>>;
 
   explicit QORQL_Extent(const ObjectList& list);
 
-  const std::vector<const IQoriObject*>& objects() const noexcept { return _objects; }
+  QORuint32 size() const noexcept { return _list.Get()->entries(); }
   // Whether the list has null elements; such an extent cannot be used further.
   bool hasNull() const noexcept { return _hasNull; }
+  // An object by its place; the first call makes an array of all of them.
+  const IQoriObject* object(QORuint32 index) const {
+    if (_objects.empty()) makeObjects();
+    return _objects[index];
+  }
+  // The objects from `first` on, without the array as long as runs follow one another.
+  void copyRun(QORuint32 first, std::size_t count, const IQoriObject** out) const;
   // The list's own pointer to an object.
   const QORSmrPtr<IQoriObject>& pointer(QORuint32 index) const;
   // The distinct layouts in order of appearance.
-  const std::vector<const IQoriLayout*>& layouts() const;
+  const std::vector<const IQoriLayout*>& layouts() const noexcept { return _layouts; }
   // True when every object has a layout, so that positions may be bound.
-  bool hasLayouts() const { return layouts().empty() ? _objects.empty() : layouts().front() != nullptr; }
+  bool hasLayouts() const noexcept { return _layouts.empty() || _layouts.front() != nullptr; }
 
  private:
+  void noteLayout(const IQoriLayout* layout);
+  void makeObjects() const;
+
   ObjectList _list;
-  std::vector<const IQoriObject*> _objects;
   bool _hasNull = false;
+  std::vector<const IQoriLayout*> _layouts;
+  mutable QORValSlistIterator<QORSmrPtr<IQoriObject>> _cursor;  // behind the last run
+  mutable QORuint32 _nextOfCursor = 0;
+  mutable std::vector<const IQoriObject*> _objects;
   mutable std::vector<const QORSmrPtr<IQoriObject>*> _pointers;
-  mutable std::vector<const IQoriLayout*> _layouts;
 };
 
 // Index of an absent object.
@@ -64,8 +76,8 @@ class QORQL_LazyRows {
   const std::vector<QORQL_RowBlock>& blocks() const noexcept { return _blocks; }
   std::size_t blockOf(QORuint32 column) const noexcept;
 
-  const IQoriObject* object(QORuint32 column, QORuint32 index) const noexcept {
-    return index == QORQL_kNoObject ? nullptr : _extents[column]->objects()[index];
+  const IQoriObject* object(QORuint32 column, QORuint32 index) const {
+    return index == QORQL_kNoObject ? nullptr : _extents[column]->object(index);
   }
   QORSmrPtr<IQoriObject> pointer(QORuint32 column, QORuint32 index) const {
     return index == QORQL_kNoObject ? QORSmrPtr<IQoriObject>() : _extents[column]->pointer(index);
@@ -93,11 +105,11 @@ struct QORQL_RowView {
   explicit QORQL_RowView(const QORQL_LazyRows& lazyRows)
       : rows(&lazyRows), indexes(lazyRows.columnCount(), QORQL_kNoObject), objects(lazyRows.columnCount(), nullptr) {}
 
-  void select(QORuint32 column, QORuint32 index) noexcept {
+  void select(QORuint32 column, QORuint32 index) {
     indexes[column] = index;
     objects[column] = rows->object(column, index);
   }
-  void select(const QORQL_RowBlock& block, QORuint64 row) noexcept {
+  void select(const QORQL_RowBlock& block, QORuint64 row) {
     for (std::size_t place = 0; place < block.columns.size(); ++place) {
       select(block.columns[place], block.index(row, place));
     }

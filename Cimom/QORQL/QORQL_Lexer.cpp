@@ -5,6 +5,7 @@
 #include <FlexLexer.h>
 
 #include <algorithm>
+#include <array>
 #include <string>
 #include <utility>
 
@@ -19,11 +20,19 @@ std::unique_ptr<std::istringstream> streamOver(const QORString& text) {
   return std::make_unique<std::istringstream>(std::string(text.view()), std::ios::in);
 }
 
-bool beginsToken(char c) {
+// For each byte, whether a token begins with it.
+constexpr std::array<bool, 256> kBeginsToken = [] {
   constexpr std::string_view kSigns = "*=!<>~+-/,()[].:\"#&;{}_";
-  const bool isLetter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-  return isLetter || (c >= '0' && c <= '9') || kSigns.find(c) != std::string_view::npos;
-}
+  std::array<bool, 256> begins{};
+  for (std::size_t byte = 0; byte < 128; ++byte) {
+    const char c = static_cast<char>(byte);
+    const bool isLetter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+    begins[byte] = isLetter || (c >= '0' && c <= '9') || kSigns.find(c) != std::string_view::npos;
+  }
+  return begins;
+}();
+
+bool beginsToken(char c) { return kBeginsToken[static_cast<unsigned char>(c)]; }
 
 // Where the scanner finds its next token: behind blanks, strings without end
 // and characters that begin none. The scanner itself counts lines only.

@@ -3,12 +3,12 @@
 #include "Cimom/QORQL/QORQL_NullExtension.h"
 
 #include <algorithm>
-#include <functional>
 #include <string>
 #include <string_view>
 
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "Cimom/QORQL/QORQL_OuterJoin.h"
+#include "Cimom/QORQL/QORQL_TextHash.h"
 
 namespace {
 
@@ -44,7 +44,7 @@ class PathSet {
   }
   // False when the path was there already.
   bool add(std::string_view path) {
-    const std::size_t hash = std::hash<std::string_view>{}(path) | 1U;
+    const QORuint64 hash = QORQL_hashText(path) | 1U;
     std::size_t place = (hash >> 1U) & (_places.size() - 1);
     for (; _places[place] != 0; place = (place + 1) & (_places.size() - 1)) {
       if (_places[place] == hash) return false;
@@ -54,7 +54,7 @@ class PathSet {
   }
 
  private:
-  std::vector<std::size_t> _places;  // open addressing; 0 marks a free place
+  std::vector<QORuint64> _places;  // open addressing; 0 marks a free place
 };
 
 }  // namespace

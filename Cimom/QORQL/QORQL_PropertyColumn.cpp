@@ -2,6 +2,7 @@
 #include "Cimom/QORQL/QORQL_PropertyColumn.h"
 
 #include <algorithm>
+#include <array>
 
 std::optional<QORQL_PropertyColumn> QORQL_PropertyColumn::bind(const QORQL_LazyRows& rows, QORuint32 column,
                                                                const QORString& propertyName) {
@@ -11,7 +12,7 @@ std::optional<QORQL_PropertyColumn> QORQL_PropertyColumn::bind(const QORQL_LazyR
 }
 
 QORQL_PropertyColumn::QORQL_PropertyColumn(const QORQL_Extent& extent, QORuint32 column, const QORString& propertyName)
-    : _objects(&extent.objects()), _column(column) {
+    : _extent(&extent), _column(column) {
   for (const IQoriLayout* const layout : extent.layouts()) {
     _places.push_back({layout, layout->getPosition(propertyName)});
     _isComplete = _isComplete && _places.back().position >= 0;
@@ -20,7 +21,7 @@ QORQL_PropertyColumn::QORQL_PropertyColumn(const QORQL_Extent& extent, QORuint32
 }
 
 bool QORQL_PropertyColumn::isSameAs(const QORQL_PropertyColumn& other) const noexcept {
-  return _objects == other._objects && _column == other._column &&
+  return _extent == other._extent && _column == other._column &&
          std::equal(_places.begin(), _places.end(), other._places.begin(), other._places.end(),
                     [](const Place& a, const Place& b) { return a.layout == b.layout && a.position == b.position; });
 }
@@ -44,35 +45,36 @@ QORSmrPtr<IQoriValue> QORQL_PropertyColumn::value(const IQoriObject* object) con
   return position < 0 ? QORSmrPtr<IQoriValue>() : object->getValueAt(static_cast<QORuint32>(position));
 }
 
-template <class IndexOf>
-void QORQL_PropertyColumn::readRun(std::size_t count, QoriScalar* out, const IndexOf& indexOf) const noexcept {
-  const IQoriObject* const* const objects = _objects->data();
-  if (_onlyPosition < 0) {
-    for (std::size_t i = 0; i < count; ++i) {
-      const QORuint32 index = indexOf(i);
-      out[i] = view(index == QORQL_kNoObject ? nullptr : objects[index]);
-    }
-    return;
-  }
-  const QORuint32 position = static_cast<QORuint32>(_onlyPosition);
+void QORQL_PropertyColumn::fetch(const QORQL_RowBlock& block, QORuint64 first, std::size_t count,
+                                 const IQoriObject** objects) const {
+  if (block.isWholeExtent) return _extent->copyRun(static_cast<QORuint32>(first), count, objects);
+  const std::size_t width = block.columns.size();
+  const auto place = std::lower_bound(block.columns.begin(), block.columns.end(), _column) - block.columns.begin();
+  const QORuint32* const indexes = block.tuples.data() + first * width + static_cast<std::size_t>(place);
   for (std::size_t i = 0; i < count; ++i) {
-    const QORuint32 index = indexOf(i);
-    out[i] = index == QORQL_kNoObject ? QoriScalar() : objects[index]->getScalarAt(position);
+    const QORuint32 index = indexes[i * width];
+    objects[i] = index == QORQL_kNoObject ? nullptr : _extent->object(index);
   }
 }
 
-void QORQL_PropertyColumn::read(const QORQL_RowBlock& block, QORuint64 first, std::size_t count,
-                                QoriScalar* out) const noexcept {
-  if (block.isWholeExtent) {
-    readRun(count, out, [first](std::size_t i) { return static_cast<QORuint32>(first + i); });
+void QORQL_PropertyColumn::read(const IQoriObject* const* objects, std::size_t count, QoriScalar* out) const noexcept {
+  if (_onlyPosition < 0) {
+    for (std::size_t i = 0; i < count; ++i) out[i] = view(objects[i]);
   } else {
-    const std::size_t width = block.columns.size();
-    const auto place = std::lower_bound(block.columns.begin(), block.columns.end(), _column) - block.columns.begin();
-    const QORuint32* const indexes = block.tuples.data() + first * width + static_cast<std::size_t>(place);
-    readRun(count, out, [indexes, width](std::size_t i) { return indexes[i * width]; });
+    const QORuint32 position = static_cast<QORuint32>(_onlyPosition);
+    for (std::size_t i = 0; i < count; ++i) {
+      out[i] = objects[i] == nullptr ? QoriScalar() : objects[i]->getScalarAt(position);
+    }
   }
   // The texts are on their way while the caller is busy with the first of them.
   for (std::size_t i = 0; i < count; ++i) {
     if (out[i].kind == QoriScalarKind::Text) __builtin_prefetch(out[i].text->data());
   }
+}
+
+void QORQL_PropertyColumn::read(const QORQL_RowBlock& block, QORuint64 first, std::size_t count,
+                                QoriScalar* out) const {
+  std::array<const IQoriObject*, kBatch> objects;
+  fetch(block, first, count, objects.data());
+  read(objects.data(), count, out);
 }

@@ -31,8 +31,12 @@ class QORQL_PropertyColumn {
   QoriScalar view(const IQoriObject* object) const noexcept;
   // The value of an object's property; null as above.
   QORSmrPtr<IQoriValue> value(const IQoriObject* object) const;
-  // The views of `count` rows of the block that has the column, from `first` on.
-  void read(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, QoriScalar* out) const noexcept;
+  // The column's objects in `count` rows of the block that has it, from `first` on; null for none.
+  void fetch(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, const IQoriObject** objects) const;
+  // The views of the property of `count` objects.
+  void read(const IQoriObject* const* objects, std::size_t count, QoriScalar* out) const noexcept;
+  // Both. REQUIRES count <= kBatch.
+  void read(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, QoriScalar* out) const;
 
  private:
   struct Place {
@@ -42,10 +46,8 @@ class QORQL_PropertyColumn {
 
   QORQL_PropertyColumn(const QORQL_Extent& extent, QORuint32 column, const QORString& propertyName);
   QORsint32 positionIn(const IQoriObject& object) const noexcept;
-  template <class IndexOf>
-  void readRun(std::size_t count, QoriScalar* out, const IndexOf& indexOf) const noexcept;
 
-  const std::vector<const IQoriObject*>* _objects;
+  const QORQL_Extent* _extent;
   QORuint32 _column;
   bool _isComplete = true;
   QORsint32 _onlyPosition = -1;  // of the one layout of an extent that has one; otherwise -1

@@ -52,7 +52,7 @@ namespace {
 QORSmrPtr<QORQL_ClassInfo> neededOf(const QORSmrPtr<QORQL_Symbol>& symbol) {
   if (symbol.IsNull()) return nullptr;
   if (symbol->getClassInfo().IsNull()) {
-    QORSmrPtr<QORQL_ClassInfo> fresh(new QORQL_ClassInfo(symbol->getClassName(), nullptr, false));
+    auto fresh = QORSmrPtr<QORQL_ClassInfo>::Make(symbol->getClassName(), nullptr, false);
     symbol->setClassInfo(fresh);
   }
   return symbol->getClassInfo();
@@ -280,8 +280,8 @@ void QORQL_Query::_resolveEntry(QORQL_SelectedEntry& entry, UpdateContext& conte
   context.needsWholeObjects = false;
   if (!entry.getClassName().isEmpty() || entry.getPropertyName().isEmpty()) return;
   entry.setClassName(*entry.getClassNameList()->first());
-  QORQL_IdentifierFinder* const finder = new QORQL_IdentifierFinder;
-  QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
+  auto visitor = QORSmrPtr<QORQL_ExpressionVisitor>::Make<QORQL_IdentifierFinder>();
+  const auto* const finder = static_cast<const QORQL_IdentifierFinder*>(visitor.Get());
   expression->accept(visitor);
   if (!finder->isPropertyReference()) entry.setPropertyName(QORString::emptyString());
 }
@@ -308,7 +308,7 @@ void QORQL_Query::_verifySymbolsAndUpdateSymbolTable(QORQL_SymbolTable& symbolTa
     const QORSmrPtr<QORQL_ClassInfo> needed = neededOf(symbol);
     // The merge takes over the flag that comes in; a class that needed all before still does.
     const QORboolean all = needed->needAllProperties() || named->needAllProperties();
-    QORSmrPtr<QORQL_ClassInfo> added(new QORQL_ClassInfo(symbol->getClassName(), nullptr, all));
+    auto added = QORSmrPtr<QORQL_ClassInfo>::Make(symbol->getClassName(), nullptr, all);
     QORValSlistIterator<QORString> properties(*named->getPropertyList());
     while (++properties) {
       if (!needed->listsProperty(properties.key())) added->addProperty(properties.key());

@@ -17,7 +17,7 @@ namespace {
 
 using Text = QORSmrPtr<QORString>;
 
-Text newText(const QORString& text) { return new QORString(text); }
+Text newText(const QORString& text) { return Text::Make(text); }
 
 class Reference {
  public:
@@ -85,7 +85,8 @@ class Reference {
     _lexer.next(false);
     const QORSmrPtr<QORQL_ClassInfo> record = QORQL_recordOf(_projMap, _first);
     if (!record.IsNull()) record->setNeedAllProperties(true);
-    return new QORQL_Factor(nullptr, newText(_first), newText("*"), nullptr, QORQL_OperatorNONE, true);
+    return QORSmrPtr<QORQL_Evaluatable>::Make<QORQL_Factor>(nullptr, newText(_first), newText("*"), nullptr,
+                                                            QORQL_OperatorNONE, true);
   }
 
   void request(const QORString& className, const QORString& property) {
@@ -99,11 +100,11 @@ class Reference {
     const bool isSecondTheScope = _isScoped && _identifiers == 3;
     request(className, isDotted && !isSecondTheScope ? _second : _last);
     const bool hasChain = _isScoped || _identifiers > 2;
-    QORQL_Factor* const factor =
-        new QORQL_Factor(nullptr, newText(className), newText(_last), nullptr, QORQL_OperatorNONE,
-                         hasChain ? newText(chainText()) : Text(), _isScoped ? newText(_beforeLast) : Text(), _index);
-    QORSmrPtr<QORQL_Evaluatable> result(factor);
-    if (factor->isBareIdentifier()) factor->setKnownFromName(!_symbolTable.lookupIgnoringCase(_last).IsNull());
+    auto result = QORSmrPtr<QORQL_Evaluatable>::Make<QORQL_Factor>(
+        nullptr, newText(className), newText(_last), nullptr, QORQL_OperatorNONE,
+        hasChain ? newText(chainText()) : Text(), _isScoped ? newText(_beforeLast) : Text(), _index);
+    QORQL_Factor& factor = static_cast<QORQL_Factor&>(*result);
+    if (factor.isBareIdentifier()) factor.setKnownFromName(!_symbolTable.lookupIgnoringCase(_last).IsNull());
     return result;
   }
 

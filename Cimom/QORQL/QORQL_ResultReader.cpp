@@ -98,26 +98,49 @@ void QORQL_ResultReader::addClass(const QORSmrPtr<QORQL_SelectedEntry>& entry, c
   }
 }
 
-void QORQL_ResultReader::nameColumns() {
-  std::multiset<std::string> shortNames;
-  std::vector<std::pair<QORString, QORString>> candidates;  // short and full name
-  for (const Source& source : _sources) {
-    const QORQL_SelectedEntry& entry = *source.entry;
-    QORString shortName(source.propertyName);
-    QORString fullName(source.className + "." + source.propertyName);
-    if (source.className.isEmpty() && !entry.getAlias().isEmpty()) {
-      shortName = fullName = entry.getAlias();
-    } else if (source.className.isEmpty()) {
-      const bool isObject = entry.getPropertyName().isEmpty();
-      shortName = isObject ? entry.getClassName() : entry.getPropertyName();
-      fullName = isObject ? entry.getClassName() : QORQL_SelectList::_getCellName(entry);
-    }
-    shortNames.insert(folded(shortName));
-    candidates.emplace_back(shortName, fullName);
+namespace {
+
+// Of each name, whether no other equals it.
+std::vector<bool> areUnique(const std::vector<QORString>& names) {
+  constexpr std::size_t kFew = 16;
+  std::vector<bool> unique(names.size(), true);
+  if (names.size() > kFew) {
+    std::multiset<std::string> all;
+    for (const QORString& name : names) all.insert(folded(name));
+    for (std::size_t i = 0; i < names.size(); ++i) unique[i] = all.count(folded(names[i])) == 1;
+    return unique;
   }
-  for (const auto& [shortName, fullName] : candidates) {
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    for (std::size_t j = 0; j < i; ++j) {
+      if (names[i].isEqualCaseInsensitive(names[j])) unique[i] = unique[j] = false;
+    }
+  }
+  return unique;
+}
+
+}  // namespace
+
+QORString QORQL_ResultReader::shortNameOf(const Source& source) {
+  const QORQL_SelectedEntry& entry = *source.entry;
+  if (!source.className.isEmpty()) return source.propertyName;
+  if (!entry.getAlias().isEmpty()) return entry.getAlias();
+  return entry.getPropertyName().isEmpty() ? entry.getClassName() : entry.getPropertyName();
+}
+
+QORString QORQL_ResultReader::fullNameOf(const Source& source) {
+  const QORQL_SelectedEntry& entry = *source.entry;
+  if (!source.className.isEmpty()) return source.className + "." + source.propertyName;
+  if (!entry.getAlias().isEmpty() || !entry.getPropertyName().isEmpty()) return QORQL_SelectList::_getCellName(entry);
+  return entry.getClassName();
+}
+
+void QORQL_ResultReader::nameColumns() {
+  std::vector<QORString> shortNames;
+  for (const Source& source : _sources) shortNames.push_back(shortNameOf(source));
+  const std::vector<bool> unique = areUnique(shortNames);
+  for (std::size_t i = 0; i < _sources.size(); ++i) {
     Column column;
-    column.name = shortNames.count(folded(shortName)) == 1 ? shortName : fullName;
+    column.name = unique[i] ? shortNames[i] : fullNameOf(_sources[i]);
     _columns.push_back(std::move(column));
   }
 }

@@ -58,6 +58,8 @@ class QORQL_ResultReader {
   void addAllClasses(const QORSmrPtr<QORQL_SelectedEntry>& entry);
   void addClass(const QORSmrPtr<QORQL_SelectedEntry>& entry, const QORString& className);
   void nameColumns();
+  static QORString shortNameOf(const Source& source);
+  static QORString fullNameOf(const Source& source);
   void typeColumns();
   void findOnlyClass();
   QoriScalar aggregateView(std::size_t index) const;

@@ -41,8 +41,8 @@ struct Names {
 };
 
 Names findNames(const QORSmrPtr<QORQL_Evaluatable>& expression) {
-  QORQL_IdentifierFinder* const finder = new QORQL_IdentifierFinder;
-  QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
+  auto visitor = QORSmrPtr<QORQL_ExpressionVisitor>::Make<QORQL_IdentifierFinder>();
+  const auto* const finder = static_cast<const QORQL_IdentifierFinder*>(visitor.Get());
   expression->accept(visitor);
   Names names;
   names.classNameList = finder->getClassNameList();
@@ -55,8 +55,8 @@ Names findNames(const QORSmrPtr<QORQL_Evaluatable>& expression) {
 }
 
 QORuint32 findFunction(const QORSmrPtr<QORQL_Evaluatable>& expression) {
-  QORQL_FunctionFinder* const finder = new QORQL_FunctionFinder;
-  QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
+  auto visitor = QORSmrPtr<QORQL_ExpressionVisitor>::Make<QORQL_FunctionFinder>();
+  const auto* const finder = static_cast<const QORQL_FunctionFinder*>(visitor.Get());
   expression->accept(visitor);
   return finder->getFunctionID();
 }
@@ -75,7 +75,8 @@ QORString parseAlias(QORQL_Lexer& lexer, bool isRequired) {
 QORSmrPtr<QORQL_SelectedEntry> parseSelectAll(QORQL_Lexer& lexer) {
   lexer.next(false);
   const QORString& none = QORString::emptyString();
-  return new QORQL_SelectedEntry(none, none, none, nullptr, nullptr, true, false, QORQL_FUNCTIONID_UNKNOWN);
+  return QORSmrPtr<QORQL_SelectedEntry>::Make(none, none, none, nullptr, nullptr, true, false,
+                                              QORQL_FUNCTIONID_UNKNOWN);
 }
 
 }  // namespace
@@ -109,6 +110,6 @@ QORSmrPtr<QORQL_SelectedEntry> QORQL_SelectedEntry::parse(QORQL_SymbolTable& sym
   const Names names = findNames(expression);
   const QORString alias = parseAlias(lexer, !names.isPropertyReference);
   const QORuint32 functionID = findFunction(expression);
-  return new QORQL_SelectedEntry(names.className, names.propertyName, alias, expression, names.classNameList, false,
-                                 QORQL_isAggregate(functionID), functionID);
+  return QORSmrPtr<QORQL_SelectedEntry>::Make(names.className, names.propertyName, alias, expression,
+                                              names.classNameList, false, QORQL_isAggregate(functionID), functionID);
 }

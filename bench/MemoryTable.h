@@ -1,0 +1,17 @@
+// What a query adds to the process's memory.
+#ifndef QORQL_BENCH_MEMORYTABLE_H
+#define QORQL_BENCH_MEMORYTABLE_H
+
+#include <cstdint>
+#include <iosfwd>
+
+namespace bench {
+
+// Runs the engine's queries on a world of that many disks: each twice, since the
+// object manager makes and keeps the list of instances in the first run.
+// Linux only: reads and resets the peak in /proc/self.
+void printMemoryTable(std::uint64_t size, std::ostream& out);
+
+}  // namespace bench
+
+#endif
