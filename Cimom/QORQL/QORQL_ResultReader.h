@@ -69,7 +69,7 @@ class QORQL_ResultReader {
   QORQL_RowReader _reader;
   std::vector<Column> _columns;
   std::vector<Source> _sources;
-  QORString _onlyClass;  // that all columns are properties of; empty: none
+  QORString _onlyClass;                         // that all columns are properties of; empty: none
   std::vector<QORSmrPtr<IQoriValue>> _holders;  // of the values that views see
   bool _isAggregate = false;
   QORuint64 _rowCount = 0;

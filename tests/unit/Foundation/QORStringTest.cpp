@@ -267,6 +267,21 @@ TEST(QORString, HashIsFnv1a) {
   EXPECT_EQ(hashKeyQORString(""), 2166136261U);
   EXPECT_EQ(hashKeyQORString("a"), 0xE40C292CU);
   EXPECT_EQ(hashKeyQORString("foobar"), 0xBF9CF968U);
+  EXPECT_EQ(hashKeyBytes("bar", hashKeyBytes("foo")), 0xBF9CF968U);
+}
+
+TEST(QORString, FindsAlikeInShortAndLongTexts) {
+  for (const std::size_t length : {10U, 127U, 128U, 129U, 1000U}) {
+    std::string text(length, 'a');
+    text.back() = 'b';
+    const QORString whole(text.data(), text.size());
+    EXPECT_EQ(whole.find("ab"), length - 2);
+    EXPECT_EQ(whole.find("b"), length - 1);
+    EXPECT_EQ(whole.find("aa", 3), 3U);
+    EXPECT_EQ(whole.find("", length), length);
+    EXPECT_EQ(whole.find("ba"), QORString::npos);
+    EXPECT_EQ(whole.find("a", length + 1), QORString::npos);
+  }
 }
 
 TEST(QORString, CopiesMayBeMadeAndDroppedOnSeveralThreads) {

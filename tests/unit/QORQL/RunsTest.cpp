@@ -1,0 +1,272 @@
+// Rows that are read in runs, and keys and sums that are kept as bare numbers:
+// what they give is what the plain algorithm gives, beyond one run, at its
+// edges, and where the numbers end.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "Cimom/QORQL/QORQL_NumberOrder.h"
+#include "Cimom/QORQL/QORQL_PropertyColumn.h"
+#include "Cimom/QORQL/QORQL_SortKeys.h"
+#include "QueryWorld.h"
+
+namespace {
+
+using Strings = std::vector<std::string>;
+
+constexpr char kClasses[] = R"(
+class N { [key] uint32 k; uint64 u; sint64 s; real64 r; string t; boolean b; uint16 g; uint16 a[]; };
+class M { [key] uint32 k; sint64 s; real64 r; uint64 u; string t; };
+class Sub : M { uint32 more; };
+class Z { [key] uint32 k; };
+)";
+
+// 150 rows: two whole runs and a part of one.
+std::string model() {
+  std::string mof = kClasses;
+  for (int i = 0; i < 150; ++i) {
+    const std::string k = std::to_string(i);
+    const std::string odd = i % 2 != 0 ? "-" : "";
+    mof += "instance of N { k = " + k + "; u = " + std::to_string(i * 37 % 101) + "; s = " + odd + k + "; r = " + odd +
+           std::to_string(i / 4) + ".25; t = \"text" + std::to_string(i * 7 % 13) +
+           "\"; b = " + (i % 3 == 0 ? "TRUE" : "FALSE") + "; g = " + std::to_string(i % 5) + "; };\n";
+  }
+  mof += "instance of N { k = 150; };\n";
+  for (int i = 0; i < 40; ++i) {
+    const std::string k = std::to_string(i);
+    mof += "instance of " + std::string(i % 3 == 0 ? "Sub" : "M") + " { k = " + k + "; s = " + std::to_string(i - 20) +
+           "; r = " + std::to_string(i - 20) + ".5; u = " + std::to_string(i * 11) + "; t = \"text" +
+           std::to_string(i) + "\"; };\n";
+  }
+  return mof;
+}
+
+struct Runs : testing::Test {
+  QueryWorld world{model()};
+};
+
+TEST_F(Runs, everyRelationOfEveryKindWithALiteral) {
+  for (const char* const relation : {"=", "<>", "<", ">", "<=", ">="}) {
+    for (const char* const side : {"u # 50", "u # 50.5", "s # 0", "s # -20", "s # 99.5", "r # 10.25", "r # 3",
+                                   "t # 'text5'", "50 # u", "b # 'true'", "u # s", "t # t", "k # u", "a # 3"}) {
+      std::string condition = side;
+      condition.replace(condition.find('#'), 1, relation);
+      EXPECT_EQ(world.error("SELECT k FROM N WHERE " + condition), "") << condition;
+      EXPECT_EQ(world.error("SELECT k FROM N WHERE NOT " + condition + " AND g = 3"), "") << condition;
+    }
+  }
+}
+
+TEST_F(Runs, nullTestsAndSearches) {
+  EXPECT_EQ(world.rows("SELECT k FROM N WHERE u IS NULL"), (Strings{"150"}));
+  EXPECT_EQ(world.rows("SELECT k FROM N WHERE t IS NOT NULL").size(), 150U);
+  EXPECT_EQ(world.rows("SELECT k FROM N WHERE k < 150 AND t LIKE 'xt12'").size(), 11U);
+}
+
+TEST_F(Runs, anErrorBehindWholeRunsIsTheErrorOfItsRow) {
+  EXPECT_NE(world.error("SELECT k FROM N WHERE t LIKE 'text'"), "");  // the last row's t is NULL
+  EXPECT_NE(world.error("SELECT k FROM N WHERE k > 70 AND b = 'maybe'"), "");
+  EXPECT_EQ(world.error("SELECT k FROM N WHERE k = 150 AND b = 'maybe'"), "");  // NULL is compared with nothing
+  EXPECT_NE(world.error("SELECT k FROM M WHERE more = 3"), "");
+}
+
+TEST_F(Runs, joinsByEveryRelationAndKind) {
+  for (const char* const relation : {"=", "<>", "<", ">", "<=", ">=", "*=", "=*", "*=*"}) {
+    for (const char* const sides : {"N.u # M.u", "N.s # M.s", "N.u # M.s", "N.s # M.u", "N.r # M.r", "N.s # M.r",
+                                    "N.t # M.t", "M.s # N.s", "M.r # N.u", "N.u # M.t"}) {
+      std::string condition = sides;
+      condition.replace(condition.find('#'), 1, relation);
+      world.run("SELECT N.k, M.k FROM N, M WHERE N.k > 140 AND " + condition);
+      world.run("SELECT N.k, M.k FROM N, M WHERE N.k > 140 AND M.k > 30 AND " + condition);
+    }
+  }
+}
+
+TEST_F(Runs, outerJoinsOfNothing) {
+  for (const char* const condition : {"M.k = 99 AND N.k *= M.k", "M.k = 99 AND N.k =* M.k", "N.k = 999 AND N.k *= M.k",
+                                      "N.k = 999 AND N.k =* M.k", "N.k > 148 AND M.k > 38 AND N.k *=* M.k"}) {
+    world.run(std::string("SELECT N.k, M.k FROM N, M WHERE ") + condition);
+  }
+  world.run("SELECT N.k FROM N, Z WHERE N.k *= Z.k");
+}
+
+TEST_F(Runs, aggregatesOfEveryKind) {
+  for (const char* const property : {"u", "s", "r", "k", "g"}) {
+    const std::string p = property;
+    const std::string query = "SELECT COUNT(" + p + ") AS c, MIN(" + p + ") AS low, MAX(" + p + ") AS high, SUM(" + p +
+                              ") AS total, AVG(" + p + ") AS mean FROM N";
+    EXPECT_EQ(world.error(query), "") << query;
+    EXPECT_EQ(world.error(query + " WHERE u = 999"), "") << query;
+  }
+  EXPECT_EQ(world.rows("SELECT COUNT(t) AS n, COUNT(b) AS m FROM N"), (Strings{"150|150"}));
+  EXPECT_EQ(world.rows("SELECT MAX(k) AS most, MIN(s) AS least, SUM(s) + 1 AS more FROM N"), (Strings{"150|-149|-74"}));
+  for (const char* const wrong : {"t", "b", "a"}) {
+    EXPECT_EQ(world.run(std::string("SELECT SUM(") + wrong + ") AS x, COUNT(k) AS n FROM N").error.empty(),
+              std::string(wrong) == "a")
+        << wrong;  // arrays are NULL in all rows
+  }
+}
+
+TEST(RunSums, whereTheNumbersEnd) {
+  QueryWorld world(R"(
+    class C { [key] uint32 k; uint64 u; sint64 s; real32 r; };
+    instance of C { k = 1; u = 18446744073709551615; s = 9223372036854775807; r = 0.1; };
+    instance of C { k = 2; u = 0; s = 1; r = 0.1; };
+    instance of C { k = 3; u = 1; s = -9223372036854775808; r = -3; };
+  )");
+  EXPECT_EQ(world.rows("SELECT SUM(u) AS a FROM C WHERE k < 3"), (Strings{"18446744073709551615"}));
+  EXPECT_EQ(world.rows("SELECT SUM(u) AS a, COUNT(u) AS n FROM C"), (Strings{"NULL|3"}));
+  EXPECT_EQ(world.rows("SELECT SUM(s) AS a FROM C WHERE k < 3"), (Strings{"9223372036854775808"}));
+  EXPECT_EQ(world.rows("SELECT SUM(s) AS a FROM C WHERE k <> 1"), (Strings{"-9223372036854775807"}));
+  EXPECT_EQ(world.error("SELECT MIN(r) AS a, MAX(r) AS b, SUM(r) AS c FROM C"), "");
+  EXPECT_EQ(world.error("SELECT MAX(u) AS a FROM C"), "");
+}
+
+TEST_F(Runs, sortsOfEveryKindBothWays) {
+  for (const char* const key : {"u", "s", "r", "t", "g", "u - 50", "k * 2", "-s", "b"}) {
+    for (const char* const order : {"ASC", "DESC"}) {
+      world.run("SELECT k FROM N WHERE k < 150 ORDER BY " + std::string(key) + " " + order);
+      world.run("SELECT FIRST 3 k FROM N WHERE k < 150 ORDER BY " + std::string(key) + " " + order);
+    }
+  }
+  world.run("SELECT k FROM N ORDER BY u ASC");  // one key is NULL
+}
+
+TEST_F(Runs, objectsOfSeveralClassesInOneColumn) {
+  EXPECT_EQ(world.rows("SELECT k, t FROM M WHERE s < -10").size(), 10U);
+  EXPECT_EQ(world.rows("SELECT M.* FROM M WHERE k < 2"),
+            (Strings{"0|-20|-20.5|0|text0|NULL", "1|-19|-19.5|11|text1|NULL"}));
+}
+
+// --- the parts by themselves ------------------------------------------------------
+
+QoriScalar number(QORuint64 value) {
+  QoriScalar scalar;
+  scalar.kind = QoriScalarKind::Unsigned;
+  scalar.u = value;
+  return scalar;
+}
+QoriScalar number(long long value) {
+  QoriScalar scalar;
+  scalar.kind = QoriScalarKind::Signed;
+  scalar.s = value;
+  return scalar;
+}
+QoriScalar number(double value) {
+  QoriScalar scalar;
+  scalar.kind = QoriScalarKind::Real;
+  scalar.r = value;
+  return scalar;
+}
+
+// The keys in ascending order of the numbers; empty when they have none.
+std::vector<QORuint64> keysOf(const std::vector<QoriScalar>& numbers) {
+  QORQL_NumberOrder order;
+  std::vector<QORuint64> keys;
+  for (const QoriScalar& one : numbers) keys.push_back(order.note(one));
+  if (!order.isUniform()) return {};
+  for (QORuint64& key : keys) key = order.keyOf(key);
+  return keys;
+}
+
+TEST(NumberOrder, keysStandAsTheNumbersDo) {
+  const auto ascends = [](const std::vector<QORuint64>& keys) {
+    return !keys.empty() && std::is_sorted(keys.begin(), keys.end()) &&
+           std::adjacent_find(keys.begin(), keys.end()) == keys.end();
+  };
+  EXPECT_TRUE(ascends(keysOf({number(0ULL), number(7ULL), number(~0ULL)})));
+  EXPECT_TRUE(ascends(keysOf({number(-9LL), number(-1LL), number(0ULL), number(1LL), number(2ULL)})));
+  EXPECT_TRUE(ascends(keysOf({number(-1e300), number(-1.5), number(0.0), number(1e-300), number(2.0), number(1e300)})));
+  const std::vector<QORuint64> zeros = keysOf({number(-0.0), number(0.0)});
+  EXPECT_EQ(zeros[0], zeros[1]);
+}
+
+TEST(NumberOrder, mixedNumbersHaveNone) {
+  EXPECT_TRUE(keysOf({number(1ULL), number(1.0)}).empty());
+  EXPECT_TRUE(keysOf({number(-1LL), number(~0ULL)}).empty());
+  EXPECT_TRUE(keysOf({number(1.0), number(0.0 / 0.0 * 0.0)}).empty());
+}
+
+std::vector<QORuint32> sorted(const std::vector<QoriScalar>& keys, bool isAscending) {
+  QORQL_SortKeys sort;
+  for (const QoriScalar& key : keys) EXPECT_TRUE(sort.add(key, {}));
+  EXPECT_TRUE(sort.areSortable());
+  return sort.takeSorted(isAscending);
+}
+
+TEST(SortKeys, equalKeysComeLastRowFirst) {
+  const std::vector<QoriScalar> keys = {number(2ULL), number(1ULL), number(2ULL), number(1ULL)};
+  EXPECT_EQ(sorted(keys, true), (std::vector<QORuint32>{3, 1, 2, 0}));
+  EXPECT_EQ(sorted(keys, false), (std::vector<QORuint32>{2, 0, 3, 1}));
+}
+
+// Few keys are sorted by comparing, many digit by digit.
+TEST(SortKeys, manyKeysAsFewOnes) {
+  for (const std::size_t count : {2U, 100U, 511U, 512U, 5000U}) {
+    std::vector<QoriScalar> keys;
+    for (std::size_t i = 0; i < count; ++i)
+      keys.push_back(number(static_cast<long long>(i * 7919 % 1009) * 70001 - 30000000));
+    std::vector<QORuint32> expected(count);
+    for (std::size_t i = 0; i < count; ++i) expected[i] = static_cast<QORuint32>(count - 1 - i);
+    for (const bool isAscending : {true, false}) {
+      std::vector<QORuint32> wanted = expected;
+      std::stable_sort(wanted.begin(), wanted.end(), [&](QORuint32 a, QORuint32 b) {
+        return isAscending ? keys[a].s < keys[b].s : keys[a].s > keys[b].s;
+      });
+      EXPECT_EQ(sorted(keys, isAscending), wanted) << count;
+    }
+  }
+}
+
+TEST(SortKeys, textsBeyondTheirFirstBytes) {
+  const QORString texts[] = {"abcdefghij", "abcdefgh", QORString("abcdefgh\0", 9), "abcdefghia", "", "b", "\xff"};
+  std::vector<QoriScalar> keys;
+  for (const QORString& text : texts) {
+    QoriScalar key;
+    key.kind = QoriScalarKind::Text;
+    key.text = &text;
+    keys.push_back(key);
+  }
+  EXPECT_EQ(sorted(keys, true), (std::vector<QORuint32>{4, 1, 2, 3, 0, 5, 6}));
+  EXPECT_EQ(sorted(keys, false), (std::vector<QORuint32>{6, 5, 0, 3, 2, 1, 4}));
+}
+
+TEST(SortKeys, refusesWhatDoesNotGoTogether) {
+  QORQL_SortKeys sort;
+  EXPECT_FALSE(sort.add(QoriScalar(), {}));
+  EXPECT_TRUE(sort.add(number(1ULL), {}));
+  const QORString text("x");
+  QoriScalar key;
+  key.kind = QoriScalarKind::Text;
+  key.text = &text;
+  EXPECT_FALSE(sort.add(key, {}));
+}
+
+// An extent without an array of its objects, read in order, from the start
+// again, and out of order.
+TEST(Extent, runsOfALongList) {
+  QueryWorld world(kClasses + std::string("instance of Z { k = 1; }; instance of Z { k = 2; };"));
+  CIMApi client;
+  const CIMApi::Instances two = client.enumerateInstances("root/cimv2", "Z", {}, -1, nullptr, nullptr, nullptr, {});
+  const QORQL_Extent::ObjectList list(new QORValSlist<QORSmrPtr<IQoriObject>>);
+  constexpr QORuint32 kCount = 70000;
+  for (QORuint32 i = 0; i < kCount; ++i) list->append(i % 3 == 0 ? two->first() : two->last());
+  const auto expected = [&](QORuint32 i) { return i % 3 == 0 ? two->first().Get() : two->last().Get(); };
+  const QORQL_Extent extent(list);
+  ASSERT_EQ(extent.size(), kCount);
+  EXPECT_EQ(extent.layouts().size(), 1U);
+  const auto expectRun = [&](QORuint32 first, std::size_t count) {
+    std::vector<const IQoriObject*> run(count);
+    extent.copyRun(first, count, run.data());
+    for (std::size_t i = 0; i < count; ++i) ASSERT_EQ(run[i], expected(first + static_cast<QORuint32>(i))) << first + i;
+  };
+  for (QORuint32 first = 0; first < kCount; first += 50) expectRun(first, 50);
+  expectRun(0, 64);
+  expectRun(64, 64);
+  expectRun(kCount - 10, 10);
+  expectRun(30, 64);
+  expectRun(0, 1);
+  EXPECT_EQ(extent.object(69999), expected(69999));
+}
+
+}  // namespace
