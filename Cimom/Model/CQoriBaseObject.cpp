@@ -6,6 +6,7 @@
 // made from a property list, holds its properties.
 #include "cimom/CQoriBaseObject.h"
 
+#include <algorithm>
 #include <array>
 #include <typeinfo>
 #include <utility>
@@ -67,8 +68,12 @@ struct CQoriBaseObject::Own {
   QORString className;
   QORString keyName;
   ModelNameCache name;
+  // Of many properties: the hash of each name and its place, in this order.
+  std::vector<std::pair<std::size_t, std::size_t>> index;
 
   QORSmrPtr<IQoriInstanceName> makeName() const;
+  // To be called when all properties are there.
+  void makeIndex();
   // Null when there is none.
   const QORSmrPtr<IQoriProperty>* find(const QORString& propertyName) const noexcept;
 };
@@ -91,7 +96,7 @@ CQoriBaseObject::CQoriBaseObject(const QORSmrPtr<IQoriObject>& object, const QOR
 
 CQoriBaseObject::CQoriBaseObject(const QORString& nameSpace, const QORString& className, const QORString& keyName,
                                  const QORSmrPtr<PropertyList>& properties)
-    : _own(new Own{{}, nameSpace, className, keyName, {}}) {
+    : _own(new Own{{}, nameSpace, className, keyName, {}, {}}) {
   if (properties.IsNull()) return;
   std::unique_ptr<Own> guard(_own);
   _own->properties.reserve(properties->entries());
@@ -99,6 +104,7 @@ CQoriBaseObject::CQoriBaseObject(const QORString& nameSpace, const QORString& cl
   while (++it) {
     if (!it.key().IsNull()) _own->properties.push_back(it.key());
   }
+  _own->makeIndex();
   guard.release();
 }
 
@@ -126,6 +132,7 @@ void CQoriBaseObject::copyProperties(const IQoriObject& object, const Names& nam
     QORSmrPtr<IQoriProperty> property = object.getPropertyAt(i);
     if (isListed(*names, property->getName())) own->properties.push_back(std::move(property));
   }
+  own->makeIndex();
   _own = own.release();
 }
 
@@ -176,7 +183,26 @@ QORSmrPtr<IQoriValue> CQoriBaseObject::getValueAt(QORuint32 position) const {
   return _own != nullptr ? _own->properties[position]->getValue() : _source->getValueAt(_positions[position]);
 }
 
+void CQoriBaseObject::Own::makeIndex() {
+  constexpr std::size_t kFew = 16;
+  if (properties.size() <= kFew) return;
+  index.reserve(properties.size());
+  for (std::size_t place = 0; place < properties.size(); ++place) {
+    index.emplace_back(model::foldedHash(properties[place]->getName()), place);
+  }
+  std::sort(index.begin(), index.end());
+}
+
 const QORSmrPtr<IQoriProperty>* CQoriBaseObject::Own::find(const QORString& propertyName) const noexcept {
+  if (!index.empty()) {
+    const std::size_t hash = model::foldedHash(propertyName);
+    auto entry = std::lower_bound(index.begin(), index.end(), std::pair(hash, std::size_t{0}));
+    for (; entry != index.end() && entry->first == hash; ++entry) {
+      const QORSmrPtr<IQoriProperty>& property = properties[entry->second];
+      if (property->getName().isEqualCaseInsensitive(propertyName)) return &property;
+    }
+    return nullptr;
+  }
   for (const QORSmrPtr<IQoriProperty>& property : properties) {
     if (property->getName().isEqualCaseInsensitive(propertyName)) return &property;
   }

@@ -19,14 +19,6 @@ QORuint64 nextSerial() noexcept {
   return last.fetch_add(1, std::memory_order_relaxed) + 1;
 }
 
-// FNV-1a over the name with ASCII letters folded. The bit that tells the cases
-// apart is dropped from every byte: cheaper, and equal names still hash alike.
-std::size_t foldedHash(const QORString& name) noexcept {
-  QORuint32 hash = 2166136261U;
-  for (const char c : name.view()) hash = (hash ^ (static_cast<unsigned char>(c) & 0xDFU)) * 16777619U;
-  return hash;
-}
-
 std::vector<ModelLayout::Column> keptColumns(const ModelLayout& source, const std::vector<QORuint32>& kept) {
   std::vector<ModelLayout::Column> columns;
   columns.reserve(kept.size());
@@ -35,6 +27,14 @@ std::vector<ModelLayout::Column> keptColumns(const ModelLayout& source, const st
 }
 
 }  // namespace
+
+// The bit that tells the cases apart is dropped from every byte: cheaper than
+// folding, and equal names still hash alike.
+std::size_t model::foldedHash(const QORString& name) noexcept {
+  QORuint32 hash = 2166136261U;
+  for (const char c : name.view()) hash = (hash ^ (static_cast<unsigned char>(c) & 0xDFU)) * 16777619U;
+  return hash;
+}
 
 ModelLayout::ModelLayout(const std::vector<Column>& columns, const ModelRestriction* origin)
     : _positions(std::bit_ceil(2 * columns.size() + 1), -1), _serial(nextSerial()), _origin(origin) {
@@ -51,7 +51,7 @@ ModelLayout::~ModelLayout() = default;
 
 std::size_t ModelLayout::findSlot(const QORString& name) const noexcept {
   const std::size_t mask = _positions.size() - 1;
-  std::size_t slot = foldedHash(name) & mask;
+  std::size_t slot = model::foldedHash(name) & mask;
   while (_positions[slot] >= 0 &&
          !_columns[static_cast<std::size_t>(_positions[slot])].name.isEqualCaseInsensitive(name)) {
     slot = (slot + 1) & mask;

@@ -10,6 +10,13 @@
 
 class ModelRestriction;
 
+namespace model {
+
+// FNV-1a over the name without regard to the case of ASCII letters.
+std::size_t foldedHash(const QORString& name) noexcept;
+
+}  // namespace model
+
 // Immutable but for its cache of restrictions, which is synchronised: threads
 // may share one. Held by QORSmrPtr; every object that returns it holds it.
 // Names are found by a hash over the folded case, in constant time.

@@ -5,7 +5,8 @@
 #include <array>
 
 std::size_t QORQL_CellWindow::add(const QORQL_PropertyColumn& column) {
-  for (std::size_t number = 0; number < _columns.size(); ++number) {
+  constexpr std::size_t kFew = 16;
+  for (std::size_t number = 0; number < std::min(_columns.size(), kFew); ++number) {
     if (_columns[number].isSameAs(column)) return number;
   }
   _columns.push_back(column);

@@ -12,7 +12,7 @@
 // calls nobody and cannot fail.
 class QORQL_CellWindow {
  public:
-  // Returns the column's number; the same property has one number.
+  // Returns the column's number. A property that is one of the first few columns has the number of that one.
   std::size_t add(const QORQL_PropertyColumn& column);
 
   // The cell of a row, valid while the row's object lives. REQUIRES row < block.rowCount.

@@ -206,4 +206,20 @@ TEST(CQoriBaseObject, ObjectWithoutLayoutIsRestrictedByName) {
   EXPECT_EQ(restricted(copy, {})->getPropertyCount(), 0U);
 }
 
+// Beyond some number properties are found through an index; of equal names the first counts.
+TEST(CQoriBaseObject, FindsEachOfManyOwnProperties) {
+  const QORSmrPtr<CQoriBaseObject::PropertyList> properties(new CQoriBaseObject::PropertyList);
+  for (int i = 0; i < 100; ++i) {
+    const std::string property = "Prop" + std::to_string(i % 90);
+    properties->append(QORSmrPtr<IQoriProperty>(new CQoriProperty(property.c_str(), sint32(i), false)));
+  }
+  const CQoriBaseObject object("ns", "C", "Prop0", properties);
+  for (int i = 0; i < 90; ++i) {
+    const std::string wanted = "PROP" + std::to_string(i);
+    ASSERT_FALSE(object.getProperty(wanted.c_str(), true).IsNull()) << i;
+    EXPECT_EQ(object.getProperty(wanted.c_str(), true)->getValue()->getSint32(), i);
+  }
+  EXPECT_TRUE(object.getProperty("Prop90", true).IsNull());
+}
+
 }  // namespace
