@@ -57,6 +57,22 @@ class PathSet {
   std::vector<QORuint64> _places;  // open addressing; 0 marks a free place
 };
 
+// Looks at the rows' objects in one short loop, so that the processor waits for
+// many of them at once: a path's row is too long for it to look ahead. The first
+// properties often are those that make the path.
+void lookAhead(const QORQL_LazyRows& rows, const QORQL_RowBlock& block, QORuint64 first, QORuint64 end) {
+  constexpr QORuint32 kFirstProperties = 2;
+  for (QORuint64 row = first; row < end; ++row) {
+    const IQoriObject* const object = rows.object(block.columns.front(), block.index(row, 0));
+    if (object == nullptr || object->getLayout() == nullptr) continue;
+    const QORuint32 count = std::min(kFirstProperties, object->getLayout()->getPropertyCount());
+    for (QORuint32 position = 0; position < count; ++position) {
+      const QoriScalar value = object->getScalarAt(position);
+      if (value.kind == QoriScalarKind::Text) __builtin_prefetch(value.text->data());
+    }
+  }
+}
+
 }  // namespace
 
 bool QORQL_collectExtensions(const QORQL_LazyRows& rows, const QORQL_RowBlock& block,
@@ -67,9 +83,11 @@ bool QORQL_collectExtensions(const QORQL_LazyRows& rows, const QORQL_RowBlock& b
   PathSet seen(block.rowCount);
   MapHash hash;
   std::string path;
+  constexpr QORuint64 kLookAhead = 32;
   QORQL_StopCheck stopCheck;
   for (QORuint64 row = 0; row < block.rowCount; ++row) {
     stopCheck.count();
+    if (row % kLookAhead == 0) lookAhead(rows, block, row, std::min(row + kLookAhead, block.rowCount));
     const QORuint32 index = block.index(row, 0);
     if (index == QORQL_kNoObject) continue;
     path.clear();
