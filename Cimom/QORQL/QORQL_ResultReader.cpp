@@ -2,6 +2,7 @@
 #include "Cimom/QORQL/QORQL_ResultReader.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
 #include <string>
 #include <utility>
@@ -105,9 +106,9 @@ std::vector<bool> areUnique(const std::vector<QORString>& names) {
   constexpr std::size_t kFew = 16;
   std::vector<bool> unique(names.size(), true);
   if (names.size() > kFew) {
-    std::multiset<std::string> all;
-    for (const QORString& name : names) all.insert(folded(name));
-    for (std::size_t i = 0; i < names.size(); ++i) unique[i] = all.count(folded(names[i])) == 1;
+    std::map<std::string, std::size_t> counts;
+    for (const QORString& name : names) ++counts[folded(name)];
+    for (std::size_t i = 0; i < names.size(); ++i) unique[i] = counts[folded(names[i])] == 1;
     return unique;
   }
   for (std::size_t i = 0; i < names.size(); ++i) {
