@@ -131,7 +131,7 @@ QORSmrPtr<IQoriObject> AssociationWalk::findLive(const End& end) {
 }
 
 CIMApi::Instances AssociationWalk::collect() {
-  const CIMApi::Instances found(new QORValSlist<QORSmrPtr<IQoriObject>>);
+  CIMApi::Instances found(new QORValSlist<QORSmrPtr<IQoriObject>>);
   for (const End& end : _ends) {
     if (end.object.IsNull()) {
       const QORSmrPtr<IQoriObject> live = findLive(end);

@@ -103,7 +103,7 @@ void CQoriClass::finish(const QORString& nameSpace) {
     if (isReference(property) && !property.type->isArray()) _referencePositions.push_back(position);
   }
   const QORSmrPtr<ModelLayout> layout(new ModelLayout(columns));
-  _shape = QORSmrPtr<ModelShape>(new ModelShape{nameSpace, _declaration.name, layout, std::move(keyPositions)});
+  _shape = QORSmrPtr<ModelShape>(new ModelShape{nameSpace, _declaration.name, layout, keyPositions});
 }
 
 bool CQoriClass::isKey(QORuint32 position) const noexcept {

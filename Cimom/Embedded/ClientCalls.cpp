@@ -11,7 +11,7 @@ namespace {
 using InstanceList = QORValSlist<QORSmrPtr<IQoriObject>>;
 
 CIMApi::Instances makeList(const ClassEntry& entry, const CIMApi::PropertyNames& names) {
-  const CIMApi::Instances list(new InstanceList);
+  CIMApi::Instances list(new InstanceList);
   Restrictor restrictor(names);
   InstanceList& target = *list;
   entry.extent.forEach([&](const StoredInstance& stored) {
@@ -70,7 +70,7 @@ CIMApi::Instances enumerateInstances(const ObjectStore& store, ListCache& cache,
     stored = storedInstances(cache, *entry, request.names);
   }
   if (sources.empty()) return stored;
-  const CIMApi::Instances all(new InstanceList(*stored));
+  CIMApi::Instances all(new InstanceList(*stored));
   Restrictor restrictor(request.names);
   for (const LiveSource& source : sources) {
     for (const QORSmrPtr<IQoriObject>& object : readLive(store, source, request)) {

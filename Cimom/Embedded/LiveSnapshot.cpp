@@ -8,7 +8,7 @@ namespace embedded {
 namespace {
 
 CIMApi::PropertyNames referenceNames(const CQoriClass& model) {
-  const CIMApi::PropertyNames names(new QORValSlist<QORString>);
+  CIMApi::PropertyNames names(new QORValSlist<QORString>);
   for (const QORuint32 position : model.referencePositions()) names->append(model.shape()->layout->getName(position));
   return names;
 }

@@ -26,7 +26,7 @@ CIMApi::Instances CIMApi::enumerateInstances(const QORString& nameSpace, const Q
   const std::shared_ptr<State> state = embedded::currentState();
   if (state == nullptr) return {};
   ++state->counters.enumerateCalls;
-  const Instances found =
+  Instances found =
       embedded::enumerateInstances(*state->store, state->lists, nameSpace, className, {properties, transaction, {}});
   if (!found.IsNull()) state->counters.instancesReturned += found->entries();
   return found;
@@ -44,7 +44,7 @@ CIMApi::Instances CIMApi::associators(const QORString& nameSpace, const QORSmrPt
   if (_live->state != state) *_live = {state, {}};
   const embedded::AssociationRequest request{nameSpace,  source, associationClass, resultClass,
                                              properties, role,   resultRole};
-  const Instances found = embedded::AssociationWalk(*state->store, _live->snapshot, request).run();
+  Instances found = embedded::AssociationWalk(*state->store, _live->snapshot, request).run();
   if (!found.IsNull()) state->counters.instancesReturned += found->entries();
   return found;
 }
@@ -56,7 +56,7 @@ QORSmrPtr<IQoriObject> CIMApi::getInstance(const QORString& nameSpace, const QOR
   if (state == nullptr) return {};
   ++state->counters.getInstanceCalls;
   if (name.IsNull()) return {};
-  const QORSmrPtr<IQoriObject> found = embedded::getInstance(*state->store, nameSpace, name, properties);
+  QORSmrPtr<IQoriObject> found = embedded::getInstance(*state->store, nameSpace, name, properties);
   if (!found.IsNull()) ++state->counters.instancesReturned;
   return found;
 }
@@ -72,7 +72,7 @@ QORSmrPtr<IQoriRepository> QoriProviderPluginManager::getRepository() const {
 }
 
 QORSmrPtr<QORValSlist<QORString>> QoriProviderPluginManager::getNamespaceList() const {
-  const QORSmrPtr<QORValSlist<QORString>> names(new QORValSlist<QORString>);
+  QORSmrPtr<QORValSlist<QORString>> names(new QORValSlist<QORString>);
   const std::shared_ptr<State> state = embedded::currentState();
   if (state == nullptr) return names;
   const std::shared_lock<std::shared_mutex> lock(state->store->mutex());

@@ -95,17 +95,17 @@ CQoriBaseObject::CQoriBaseObject(const QORSmrPtr<IQoriObject>& object, const QOR
 }
 
 CQoriBaseObject::CQoriBaseObject(const QORString& nameSpace, const QORString& className, const QORString& keyName,
-                                 const QORSmrPtr<PropertyList>& properties)
-    : _own(new Own{{}, nameSpace, className, keyName, {}, {}}) {
-  if (properties.IsNull()) return;
-  std::unique_ptr<Own> guard(_own);
-  _own->properties.reserve(properties->entries());
-  QORValSlistIterator<QORSmrPtr<IQoriProperty>> it(*properties);
-  while (++it) {
-    if (!it.key().IsNull()) _own->properties.push_back(it.key());
+                                 const QORSmrPtr<PropertyList>& properties) {
+  std::unique_ptr<Own> own(new Own{{}, nameSpace, className, keyName, {}, {}});
+  if (!properties.IsNull()) {
+    own->properties.reserve(properties->entries());
+    QORValSlistIterator<QORSmrPtr<IQoriProperty>> it(*properties);
+    while (++it) {
+      if (!it.key().IsNull()) own->properties.push_back(it.key());
+    }
+    own->makeIndex();
   }
-  _own->makeIndex();
-  guard.release();
+  _own = own.release();
 }
 
 CQoriBaseObject::~CQoriBaseObject() { delete _own; }

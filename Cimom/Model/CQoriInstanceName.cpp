@@ -26,7 +26,7 @@ QORSmrPtr<KeyList> sortedKeys(const QORSmrPtr<KeyList>& keys) {
       sorted.insert(place, it.key());
     }
   }
-  const QORSmrPtr<KeyList> list(new KeyList);
+  QORSmrPtr<KeyList> list(new KeyList);
   for (const QORSmrPtr<IQoriProperty>& key : sorted) list->append(key);
   return list;
 }

@@ -49,7 +49,7 @@ const QORSmrPtr<IQoriInstanceName::KeyList>& ModelInstanceName::getKeys() const 
 }
 
 QORSmrPtr<IQoriInstanceName::KeyList> ModelInstanceName::makeKeys() const {
-  const QORSmrPtr<KeyList> keys(new KeyList);
+  QORSmrPtr<KeyList> keys(new KeyList);
   const ModelSlot* value = _values.get();
   for (const QORuint32 position : _shape->keysByName) {
     const QORSmrPtr<IQoriType>& type = _shape->layout->getType(position);

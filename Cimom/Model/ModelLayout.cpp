@@ -80,7 +80,7 @@ QORSmrPtr<ModelRestriction> ModelLayout::restrictTo(const QORValSlist<QORString>
   for (const QORSmrPtr<ModelRestriction>& known : _restrictions) {
     if (known->positions() == kept) return known;
   }
-  const QORSmrPtr<ModelRestriction> restriction(new ModelRestriction(*this, std::move(kept)));
+  QORSmrPtr<ModelRestriction> restriction(new ModelRestriction(*this, std::move(kept)));
   if (_restrictions.size() == kRestrictionsKept) _restrictions.erase(_restrictions.begin());
   _restrictions.push_back(restriction);
   return restriction;

@@ -56,7 +56,7 @@ class PathReader {
     skipBlanks();
     const std::size_t end = std::min(_rest.find_first_of(" \t\r\n.=,\"'"), _rest.size());
     if (end == 0) fail(std::string(what) + " is missing");
-    const QORString name(_rest.substr(0, end));
+    QORString name(_rest.substr(0, end));
     _rest.remove_prefix(end);
     return name;
   }

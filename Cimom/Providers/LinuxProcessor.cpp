@@ -42,7 +42,7 @@ std::string describe(const Processor& processor, std::string_view name) {
     const std::size_t colon = line.find(": ");
     const std::string_view entry = std::string_view(line).substr(0, line.find_first_of("\t:"));
     if (colon == std::string::npos) continue;
-    const std::string text = line.substr(colon + 2);
+    std::string text = line.substr(colon + 2);
     if (entry == "processor") isOwn = text == processor.number;
     if (isOwn && entry == name) return text;
   }

@@ -42,7 +42,7 @@ QORQL_Association::~QORQL_Association() = default;
 QORSmrPtr<QORQL_Evaluatable> QORQL_Association::parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                                       QORQL_ProjectionMap& projMap, const QORString& queryString,
                                                       const QORString& queryLanguage) {
-  const QORSmrPtr<QORQL_Evaluatable> first =
+  QORSmrPtr<QORQL_Evaluatable> first =
       QORQL_ExpressionFactor::parse(symbolTable, lexer, projMap, queryString, queryLanguage);
   Tie source;
   if (!readTie(first, lexer, source)) return first;

@@ -12,7 +12,7 @@ class QORQL_ClassInfo {
   QORQL_ClassInfo(QORString className, PropertyList properties, QORboolean allProperties);
 
   // Appends, without a check for duplicates.
-  void addProperty(QORString property);
+  void addProperty(const QORString& property);
   // Appends unless the name is listed already, ignoring case. Constant time on average.
   void addPropertyOnce(const QORString& property);
   // Whether the name is listed, ignoring case. Constant time on average.

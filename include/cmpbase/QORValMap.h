@@ -3,6 +3,7 @@
 #define QORQL_CMPBASE_QORVALMAP_H
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "cmpbase/QORTypes.h"
@@ -55,7 +56,7 @@ class QORValMap {
   // A missing key is inserted with a default value.
   V& operator[](const K& key) {
     Item* item = _find(key);
-    if (item == nullptr) item = appendItem(key, V());
+    if (item == nullptr) item = appendItem(std::make_unique<Item>(key, V()));
     return item->_data;
   }
   bool contains(const K& key) const { return _find(key) != nullptr; }
@@ -63,10 +64,10 @@ class QORValMap {
   bool isEmpty() const noexcept { return _entries == 0; }
   // Replaces an existing key: its item leaves and the new one goes to the tail of the bucket.
   bool insert(const K& key, const V& value) {
-    const K keyCopy(key);  // both may live in the item that is about to go
-    const V valueCopy(value);
-    remove(keyCopy);
-    appendItem(keyCopy, valueCopy);
+    // Made first: key and value may live in the item that is about to go.
+    std::unique_ptr<Item> item = std::make_unique<Item>(key, value);
+    remove(item->_key);
+    appendItem(std::move(item));
     return true;
   }
   // Returns whether the key was present.
@@ -121,10 +122,9 @@ class QORValMap {
     }
     return nullptr;
   }
-  Item* appendItem(const K& key, const V& value) {
-    std::unique_ptr<Bucket>& bucket = _hashBuckets[_hashFunc(key) % _hashSize];
+  Item* appendItem(std::unique_ptr<Item> item) {
+    std::unique_ptr<Bucket>& bucket = _hashBuckets[_hashFunc(item->_key) % _hashSize];
     if (bucket == nullptr) bucket = std::make_unique<Bucket>();
-    std::unique_ptr<Item> item = std::make_unique<Item>(key, value);
     bucket->append(item.get());
     ++_entries;
     return item.release();
@@ -134,7 +134,7 @@ class QORValMap {
       for (const std::unique_ptr<Bucket>& bucket : other._hashBuckets) {
         if (bucket == nullptr) continue;
         QORValSlistIterator<Item*> items(*bucket);
-        while (++items) appendItem(items.key()->_key, items.key()->_data);
+        while (++items) appendItem(std::make_unique<Item>(*items.key()));
       }
     } catch (...) {
       _destroy();
