@@ -7,23 +7,26 @@ fail() {
   exit 1
 }
 
-# Packages of packages.txt that are not installed, one a line.
+# Packages of packages.txt that are not installed, one a line. The tool needs those
+# above the heading of the tests.
 missing_packages() {
-  local wanted
-  wanted=$(sed -e 's/#.*//' -e 's/[[:space:]]//g' -e '/^$/d' "$root/packages.txt")
+  local wanted last='$'
+  [ "$1" != release ] || last='/^# Tests/'
+  wanted=$(sed -n "1,${last}p" "$root/packages.txt" | sed -e 's/#.*//' -e 's/[[:space:]]//g' -e '/^$/d')
   # dpkg-query reports unknown packages as an error and the known ones all the same.
   # shellcheck disable=SC2086
   dpkg-query -W -f='${db:Status-Status} ${Package}\n' $wanted 2>/dev/null |
     sed -n 's/^installed //p' | sort -u | comm -13 - <(sort -u <<<"$wanted")
 }
 
+# Installs what a preset lacks: install_packages PRESET
 install_packages() {
   command -v dpkg-query >/dev/null || {
     say "this is no Debian system, so packages.txt is taken as installed"
     return
   }
   local missing as_root=()
-  missing=$(missing_packages | tr '\n' ' ')
+  missing=$(missing_packages "$1" | tr '\n' ' ')
   [ -n "${missing// /}" ] || return 0
   if [ "$(id -u)" != 0 ]; then
     command -v sudo >/dev/null || fail "these packages are missing, run as root: apt-get install $missing"
@@ -54,7 +57,7 @@ build_preset() {
   exec 9>"$folder/.lock"
   flock 9 || fail "the folder $folder cannot be locked"
   is_fresh "$folder/.built" "$@" && return 0
-  install_packages
+  install_packages "$preset"
   if command -v ccache >/dev/null; then
     launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
     export CCACHE_BASEDIR="$root" CCACHE_NOHASHDIR=1

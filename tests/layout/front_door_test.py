@@ -113,6 +113,11 @@ class FrontDoor(unittest.TestCase):
         self.assertEqual(calls[-2:] if calls[0].startswith("cmake") else calls[:2],
                          ["apt-get -qq update", "apt-get -qq install -y --no-install-recommends missing"])
 
+    def test_the_tool_installs_nothing_of_the_tests(self):
+        self.write("packages.txt", "there # always\n\n# Tests, checks and benchmarks.\nmissing # not yet\n")
+        _, calls = self.run_it()
+        self.assertEqual([call for call in calls if call.startswith("apt-get")], [])
+
     def test_packages_that_cannot_be_installed_are_named(self):
         self.write("packages.txt", "missing # not yet\n")
         self.write("../no-network", "")
