@@ -1,6 +1,7 @@
 """qorql explain, and the warnings where the language surprises."""
 import os
 import pty
+import tempfile
 import unittest
 
 import toolcase
@@ -37,6 +38,22 @@ class Explain(ToolCase):
         self.assertIn(" 3  filter     Id = 1  (computed, but decides nothing)\n", text)
         self.assertTrue(text.endswith(OR_WARNING), text)
 
+    def test_properties_that_no_class_has(self):
+        text = self.succeed(self.explain("SELECT i.Nam, i.Id FROM Shop_Item AS i WHERE i.Zzz = 1"))
+        self.assertTrue(text.endswith(
+            "qorql: warning: Shop_Item has no property Zzz\n"
+            "qorql: warning: Shop_Item has no property Nam: did you mean Name?\n"), text)
+
+    def test_a_property_of_a_subclass_is_none_of_them(self):
+        model = ("class Sub_Base { [Key] uint32 Id; }; class Sub_Middle : Sub_Base { };"
+                 "class Sub_Leaf : Sub_Middle { string Extra; };")
+        with tempfile.NamedTemporaryFile("w", suffix=".mof") as file:
+            file.write(model)
+            file.flush()
+            text = self.succeed(self.run_tool("explain", "--no-live", "-m", file.name,
+                                              "SELECT b.Extra FROM Sub_Base AS b"))
+        self.assertNotIn("warning", text)
+
     def test_nothing_is_asked_of_the_object_manager(self):
         result = self.explain("--log", "trace", "SELECT Id FROM Shop_Item")
         self.assertEqual((result.status, result.err), (0, ""))
@@ -70,6 +87,11 @@ class Warnings(ToolCase):
         self.assertEqual((plain.status, plain.err), (0, ""))
         warned = self.model("-o", "csv", "--warnings", OR)
         self.assertEqual((warned.status, warned.out, warned.err), (0, plain.out, OR_WARNING))
+
+    def test_scripts_learn_of_unknown_properties_too(self):
+        ran = self.run_tool("--no-live", "-m", MODEL, "--warnings", "-o", "csv",
+                            "SELECT i.Id FROM Shop_Item AS i WHERE i.Siz IS NULL")
+        self.assertIn("qorql: warning: Shop_Item has no property Siz: did you mean Size?\n", ran.err)
 
     def test_quiet_wins(self):
         self.assertEqual(self.succeed(self.model("-o", "csv", "--warnings", "--quiet", OR)), "Id\n2\n")

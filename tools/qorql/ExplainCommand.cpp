@@ -13,6 +13,7 @@
 #include "SessionOptions.h"
 #include "Statements.h"
 #include "SurpriseReport.h"
+#include "UnknownProperties.h"
 
 namespace {
 
@@ -97,7 +98,7 @@ int explain(const ExplainOptions& options) {
     try {
       parsed.parse(options.session.nameSpace, std::cout);
       if (&statement != &statements.front()) std::cout << '\n';
-      printExplanation(std::cout, parsed, options.session.nameSpace);
+      printExplanation(std::cout, session.manager(), parsed, options.session.nameSpace);
     } catch (...) {
       session.dropWarnings();
       std::cout.flush();
@@ -109,7 +110,8 @@ int explain(const ExplainOptions& options) {
 
 }  // namespace
 
-void printExplanation(std::ostream& out, ParsedQuery& parsed, const std::string& nameSpace) {
+void printExplanation(std::ostream& out, EmbeddedObjectManager& manager, ParsedQuery& parsed,
+                      const std::string& nameSpace) {
   const QORQL_Explanation explanation(parsed.query(), parsed.symbols(), QORString(nameSpace));
   int number = 0;
   for (const Step& step : explanation.steps()) {
@@ -121,6 +123,7 @@ void printExplanation(std::ostream& out, ParsedQuery& parsed, const std::string&
     out << "    note: the provider filters and sorts itself: WHERE without association and ORDER BY are left to it\n";
   }
   printSurprises(out, parsed.query(), nameSpace);
+  printUnknownProperties(out, manager, QORString(nameSpace), parsed);
 }
 
 CommandAction declareExplainCommand(CLI::App& app) {

@@ -7,11 +7,13 @@
 
 #include "Command.h"
 
+class EmbeddedObjectManager;
 class ParsedQuery;
 
 CommandAction declareExplainCommand(CLI::App& app);
 
-// The steps of a parsed statement and its surprises, one a line.
-void printExplanation(std::ostream& out, ParsedQuery& parsed, const std::string& nameSpace);
+// The steps of a parsed statement, its surprises and the properties it names in vain, one a line.
+void printExplanation(std::ostream& out, EmbeddedObjectManager& manager, ParsedQuery& parsed,
+                      const std::string& nameSpace);
 
 #endif

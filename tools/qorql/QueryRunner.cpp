@@ -14,6 +14,7 @@
 #include "RunMonitor.h"
 #include "SurpriseReport.h"
 #include "Terminal.h"
+#include "UnknownProperties.h"
 
 namespace {
 
@@ -94,9 +95,10 @@ void QueryRunner::parse(Execution& execution) {
 }
 
 // A person at a terminal is warned where the language surprises; a script asks for it.
-void QueryRunner::warn(const Execution& execution) const {
+void QueryRunner::warn(Execution& execution) const {
   if (_options.isQuiet || (!_output.hasWarnings && !standardErrorShape().isTerminal)) return;
   printSurprises(std::cerr, execution.parsed.query(), _options.nameSpace);
+  printUnknownProperties(std::cerr, _session.manager(), QORString(_options.nameSpace), execution.parsed);
 }
 
 OutputForm QueryRunner::formOf(const Execution& execution) const {

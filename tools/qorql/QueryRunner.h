@@ -30,7 +30,7 @@ class QueryRunner {
   struct Execution;
 
   void parse(Execution& execution);
-  void warn(const Execution& execution) const;
+  void warn(Execution& execution) const;
   void execute(Execution& execution);
   void print(Execution& execution);
   void printStatistics(const Execution& execution);

@@ -88,7 +88,7 @@ void explain(Argument query, ShellState& state) {
     ParsedQuery parsed(statement.text);
     try {
       parsed.parse(state.options.nameSpace, std::cout);
-      printExplanation(std::cout, parsed, state.options.nameSpace);
+      printExplanation(std::cout, state.session.manager(), parsed, state.options.nameSpace);
     } catch (...) {
       state.session.dropWarnings();
       std::cout.flush();
