@@ -16,13 +16,8 @@ constexpr QORuint32 kMapBuckets = 150;
 }  // namespace
 
 QORQL_ClassInfo::QORQL_ClassInfo(QORString className, PropertyList properties, QORboolean allProperties)
-<<<<<<< HEAD
-    : _className(className), _properties(properties), _allProperties(allProperties) {
-  if (_properties.IsNull()) _properties = PropertyList::Make();
-=======
     : _className(std::move(className)), _properties(std::move(properties)), _allProperties(allProperties) {
-  if (_properties.IsNull()) _properties = new QORValSlist<QORString>;
->>>>>>> e976ad2 (Copies and moves as clang-tidy likes them; an item of a map is made before the old one goes)
+  if (_properties.IsNull()) _properties = PropertyList::Make();
 }
 
 void QORQL_ClassInfo::addProperty(const QORString& property) { _properties->append(property); }
