@@ -67,11 +67,15 @@ TEST_P(PlatformFaults, AtEveryCallOfAQuery) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Each, PlatformFaults,
+// The plain algorithm does not use layouts.
+INSTANTIATE_TEST_SUITE_P(Lazy, PlatformFaults,
                          testing::Combine(testing::Range<std::size_t>(0, kFaultQueries.size()),
-                                          testing::Values(QORQL_DataTable::kExecutionLazy,
-                                                          QORQL_DataTable::kExecutionPlain),
+                                          testing::Values(QORQL_DataTable::kExecutionLazy),
                                           testing::Values(Objects::kWithLayout, Objects::kWithoutLayout)));
+INSTANTIATE_TEST_SUITE_P(Plain, PlatformFaults,
+                         testing::Combine(testing::Range<std::size_t>(0, kFaultQueries.size()),
+                                          testing::Values(QORQL_DataTable::kExecutionPlain),
+                                          testing::Values(Objects::kWithoutLayout)));
 
 class MatchFaults : public testing::TestWithParam<std::tuple<std::size_t, Objects>> {
  protected:
