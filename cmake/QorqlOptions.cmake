@@ -19,7 +19,7 @@ function(qorql_target_options target)
   endif()
   # Of the engine alone: the rest is built as the test preset builds it, and comes out of the compiler's cache.
   if(QORQL_COVERAGE AND target STREQUAL "qorql")
-    target_compile_options(${target} PRIVATE --coverage -O0)
+    target_compile_options(${target} PRIVATE --coverage -fprofile-update=atomic -O0)
     target_link_options(${target} PRIVATE --coverage)
   endif()
 endfunction()
