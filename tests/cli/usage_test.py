@@ -126,6 +126,10 @@ class WrongUse(ToolCase):
     def test_surplus_query(self):
         self.wrong_usage(self.model(QUERY, "SELECT Id FROM Shop_Empty"), "SELECT Id FROM Shop_Empty")
 
+    def test_a_command_behind_options(self):
+        self.wrong_usage(self.run_tool("--no-live", "class", "Shop_Item"),
+                         "A command stands before its options: qorql class ...")
+
     def test_options_that_may_stand_once(self):
         path = self.write("q.qql", QUERY)
         for option, value in (("-n", "a"), ("-o", "csv"), ("-f", path), ("--config", path), ("--log", "info")):

@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iostream>
+#include <string>
 #include <string_view>
 
 #include "Command.h"
@@ -19,6 +20,17 @@ const Command& findCommand(int argc, const char* const* argv) {
   return found != commands.end() ? *found : commands.front();
 }
 
+// Who names a command behind options has it taken for a query.
+std::string hintOf(int argc, const char* const* argv) {
+  for (int i = 2; i < argc; ++i) {
+    for (const Command& command : allCommands()) {
+      if (command.name != argv[i]) continue;
+      return "A command stands before its options: qorql " + std::string(argv[i]) + " ...\n";
+    }
+  }
+  return {};
+}
+
 int runCommand(int argc, const char* const* argv) {
   const Command& command = findCommand(argc, argv);
   const DeclaredCommand declared = declareCommand(command);
@@ -29,7 +41,9 @@ int runCommand(int argc, const char* const* argv) {
   } catch (const CLI::Success& success) {
     return declared.app->exit(success, std::cout, std::cerr);
   } catch (const CLI::ParseError& error) {
-    std::cerr << "qorql: " << error.what() << "\nTry " << declared.app->get_name() << " --help.\n";
+    std::cerr << "qorql: " << error.what() << '\n';
+    if (named == 0) std::cerr << hintOf(argc, argv);
+    std::cerr << "Try " << declared.app->get_name() << " --help.\n";
     return kExitUsage;
   }
 }
