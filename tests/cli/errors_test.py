@@ -171,7 +171,7 @@ class Output(ToolCase):
                               stdout=subprocess.DEVNULL, stderr=theirs) as tool:
             shown = b""
             until = time.monotonic() + seconds
-            while b"joining and filtering ..." not in shown and time.monotonic() < until and tool.poll() is None:
+            while b"joining and filtering ...\x1b[K" not in shown and time.monotonic() < until and tool.poll() is None:
                 if select.select([ours], [], [], 0.1)[0]:
                     shown += os.read(ours, 1000)
             is_running = tool.poll() is None

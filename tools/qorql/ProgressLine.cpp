@@ -26,7 +26,8 @@ void ProgressLine::countSeconds() {
   unsigned seconds = 0;
   while (!_changed.wait_for(lock, std::chrono::seconds(1), [this] { return _isOver; })) {
     const std::string line = "qorql: " + std::to_string(++seconds) + " s, " + printableText(_activity.get()) + " ...";
-    std::cerr << '\r' << cutText(line, standardErrorShape().width - 1, "...") << "\033[K" << std::flush;
+    const std::string shown = '\r' + cutText(line, standardErrorShape().width - 1, "...") + "\033[K";
+    std::cerr << shown << std::flush;
   }
   if (seconds != 0) std::cerr << "\r\033[K" << std::flush;
 }
