@@ -202,6 +202,14 @@ class Interrupting(Shell):
         person.until("^C\n" + PROMPT)
         self.assertEqual(person.ask("SELECT Id FROM Shop_Item WHERE Id = 1;"), "Id\n1\n")
 
+    def test_ctrl_c_is_never_lost_behind_a_character(self):
+        person = self.person("-o", "csv")
+        for _ in range(300):
+            person.type("|")
+            person.until_shown("|")
+            person.type("\x03")
+            person.until("^C\n" + PROMPT)
+
     def test_ctrl_c_stops_a_statement_and_keeps_the_shell(self):
         person = self.person("-o", "csv", "-m", self.slow_model())
         person.type("SELECT A.K FROM Big AS A, Pig AS B WHERE A.K + B.K = 0 - 1;\n")

@@ -3,11 +3,13 @@
 #include "LineEditor.h"
 
 #include <histedit.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <clocale>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cwchar>
@@ -26,15 +28,46 @@ struct FileCloser {
   void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
+// While it lives, SIGINT comes only where the editor waits for a character: one
+// that came between its look at the request and its wait would be forgotten.
+class HeldInterrupt {
+ public:
+  HeldInterrupt() : _before{} {
+    sigset_t held;
+    sigemptyset(&held);
+    sigaddset(&held, SIGINT);
+    pthread_sigmask(SIG_BLOCK, &held, &_before);
+  }
+  HeldInterrupt(const HeldInterrupt&) = delete;
+  HeldInterrupt& operator=(const HeldInterrupt&) = delete;
+  ~HeldInterrupt() { pthread_sigmask(SIG_SETMASK, &_before, nullptr); }
+
+ private:
+  sigset_t _before;
+};
+
+// False when Ctrl-C came.
+bool waitForByte() {
+  sigset_t open;
+  pthread_sigmask(SIG_SETMASK, nullptr, &open);
+  sigdelset(&open, SIGINT);
+  pollfd input{STDIN_FILENO, POLLIN, 0};
+  while (!Interrupt::isRequested()) {
+    if (ppoll(&input, 1, nullptr, &open) >= 0 || errno != EINTR) return true;
+  }
+  return false;
+}
+
 // A character of the terminal's character set; -1 when Ctrl-C came instead.
 int readCharacter(EditLine* /*editor*/, wchar_t* character) {
   std::mbstate_t state{};
   for (;;) {
+    if (!waitForByte()) return -1;
     char byte = 0;
     const ssize_t count = read(STDIN_FILENO, &byte, 1);
     if (count == 0) return 0;
     if (count < 0) {
-      if (errno == EINTR && !Interrupt::isRequested()) continue;
+      if (errno == EINTR || errno == EAGAIN) continue;
       return -1;
     }
     const std::size_t length = std::mbrtowc(character, &byte, 1, &state);
@@ -147,6 +180,7 @@ LineEditor::~LineEditor() {
 LineEditor::Outcome LineEditor::read(const char* prompt, std::string& line) {
   _terminal->prompt = prompt;
   Interrupt::clear();
+  const HeldInterrupt held;
   int length = 0;
   const char* const text = el_gets(_terminal->editor, &length);
   if (Interrupt::isRequested()) {
