@@ -100,3 +100,7 @@ MODELS = {
     "mof aliases": lambda n: "class P { [Key] uint32 Id; };" + "".join(
         f"instance of P as $a{i} {{ Id = {i}; }};\n" for i in range(n)),
 }
+
+# Those where each n is a few bytes of one token, literal or comment.
+BY_BYTES = {"blanks", "unknown bytes", "literal", "digits", "property name", "class name", "alias", "mof comment",
+            "mof strings"}
