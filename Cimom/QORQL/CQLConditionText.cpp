@@ -2,6 +2,7 @@
 #include "Cimom/QORQL/CQLConditionText.h"
 
 #include "Cimom/QORQL/CQLPropertyPath.h"
+#include "Cimom/QORQL/CQLQueryStatement.h"
 #include "Cimom/QORQL/QORQL_Arithmetic.h"
 #include "Cimom/QORQL/QORQL_Function.h"
 #include "Cimom/QORQL/QORQL_Term.h"
@@ -9,6 +10,30 @@
 namespace {
 
 using Node = QORSmrPtr<QORQL_Evaluatable>;
+
+// Behind a minus a literal may have wrapped; it was written without a sign.
+std::string textOfLiteral(const QORSmrPtr<IQoriValue>& literal) {
+  const QoriScalar view = literal->scalar();
+  return view.kind == QoriScalarKind::Signed ? std::to_string(static_cast<QORuint64>(view.s)) : CQLTextOfValue(literal);
+}
+
+bool saysTruth(const QORSmrPtr<IQoriValue>& value) {
+  const QORString text(value->toString());
+  return text.isEqualCaseInsensitive("TRUE") || text.isEqualCaseInsensitive("FALSE");
+}
+
+// As CQLTextOfMismatch, for values or arrays by the type of their elements.
+std::string mismatchOfTypes(const QORSmrPtr<IQoriValue>& left, const QORSmrPtr<IQoriValue>& right) {
+  const QORString& leftType = left->getType()->getName();
+  const QORString& rightType = right->getType()->getName();
+  if (leftType == rightType || CQLQueryStatement::isNumericalData(leftType, rightType)) return "";
+  const bool isTruthOnLeft = leftType == "boolean" && rightType == "string";
+  if (isTruthOnLeft || (leftType == "string" && rightType == "boolean")) {
+    const QORSmrPtr<IQoriValue>& text = isTruthOnLeft ? right : left;
+    return text->isArray() || saysTruth(text) ? "" : ": a boolean compares with TRUE and FALSE only";
+  }
+  return ": " + std::string(leftType.view()) + " and " + std::string(rightType.view()) + " do not compare";
+}
 
 class ConditionText {
  public:
@@ -59,7 +84,7 @@ class ConditionText {
     } else if (factor->getLiteral().IsNull()) {
       text += CQLPropertyPath(_statement, *factor).text();
     } else {
-      text += isClassName ? std::string(factor->getLiteral()->toString().view()) : CQLTextOfValue(factor->getLiteral());
+      text += isClassName ? std::string(factor->getLiteral()->toString().view()) : textOfLiteral(factor->getLiteral());
     }
   }
 
@@ -99,6 +124,22 @@ std::string CQLTextOfValue(const QORSmrPtr<IQoriValue>& value) {
   const bool isText =
       kind == QoriScalarKind::Text || kind == QoriScalarKind::DateTime || kind == QoriScalarKind::Char16;
   return isText ? "'" + text + "'" : text;
+}
+
+std::string CQLTextOfMismatch(const QORSmrPtr<IQoriValue>& left, const QORQL_Comparison& comparison,
+                              const QORSmrPtr<IQoriValue>& right) {
+  if (left.IsNull() || right.IsNull()) return "";
+  const QORQL_Comparison::QORQL_ARRAY_COMP arrays = comparison.getArrayComp();
+  const bool isLeft = arrays == QORQL_Comparison::ArrayCompAnyLeft || arrays == QORQL_Comparison::ArrayCompEveryLeft;
+  if (comparison.isArrayComp()) {
+    if (!(isLeft ? left : right)->isArray()) return ": ANY and EVERY ask an array";
+    if ((isLeft ? right : left)->isArray()) return ": an element does not compare with an array";
+  } else if (left->isArray() && right->isArray()) {
+    return comparison.getOperator() > QORQL_OperatorNOTEQUAL ? ": arrays have no order" : "";
+  } else if (left->isArray() || right->isArray()) {
+    return ": an array compares with a value under ANY or EVERY only";
+  }
+  return mismatchOfTypes(left, right);
 }
 
 const char* CQLTextOfOperator(QORQL_Operator op) noexcept {

@@ -12,6 +12,10 @@ class CQLQueryStatement;
 std::string CQLTextOfCondition(const CQLQueryStatement& statement, const QORQL_Comparison& comparison);
 // NULL for null; text in single quotes; an array as {1, 2}.
 std::string CQLTextOfValue(const QORSmrPtr<IQoriValue>& value);
+// Why two values of a comparison are not compared at all, behind a colon; empty
+// when they are, and when one is null.
+std::string CQLTextOfMismatch(const QORSmrPtr<IQoriValue>& left, const QORQL_Comparison& comparison,
+                              const QORSmrPtr<IQoriValue>& right);
 // "=" to ">=", "LIKE", "ISA" and the like.
 const char* CQLTextOfOperator(QORQL_Operator op) noexcept;
 

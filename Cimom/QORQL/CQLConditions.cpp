@@ -15,8 +15,9 @@ using Object = QORSmrPtr<IQoriObject>;
 using Value = QORSmrPtr<IQoriValue>;
 using Node = QORSmrPtr<QORQL_Evaluatable>;
 
-std::string compared(const Value& left, QORQL_Operator op, const Value& right) {
-  return " (" + CQLTextOfValue(left) + " " + CQLTextOfOperator(op) + " " + CQLTextOfValue(right) + ")";
+std::string compared(const Value& left, const QORQL_Comparison& comparison, const Value& right) {
+  return " (" + CQLTextOfValue(left) + " " + CQLTextOfOperator(comparison.getOperator()) + " " + CQLTextOfValue(right) +
+         ")" + CQLTextOfMismatch(left, comparison, right);
 }
 
 // An unsigned number beside a signed one is taken as a signed one of 64 bits.
@@ -72,12 +73,14 @@ class ViewRelation {
   QoriRelation _relation;
 };
 
-// Properties and constants compared with each other.
+// Properties and constants compared with each other. A constant without a value
+// cannot be computed, such as 5 / 0.
 class Relation : public CQLCondition {
  public:
   Relation(const CQLQueryStatement& statement, const QORQL_Comparison& comparison, std::unique_ptr<CQLOperand> left,
            std::unique_ptr<CQLOperand> right)
-      : _left(std::move(left)),
+      : _comparison(comparison),
+        _left(std::move(left)),
         _right(std::move(right)),
         _relation(comparison.getOperator()),
         _text(CQLTextOfCondition(statement, comparison)) {}
@@ -97,8 +100,11 @@ class Relation : public CQLCondition {
     if (property == nullptr || !_right->holdsConstant() || !CQLQuickTest::canDecide(_right->constant())) return {};
     return {*property, QORQL_relationOf(_relation.getOperator()), _right->constant()};
   }
+  std::string neverBecause() const override {
+    return isNever(*_left) || isNever(*_right) ? "a condition on a value that cannot be computed never matches" : "";
+  }
   std::string explain(const Object& instance) const override {
-    return _text + compared(_left->value(*instance), _relation.getOperator(), _right->value(*instance));
+    return _text + compared(_left->value(*instance), _comparison, _right->value(*instance));
   }
 
  protected:
@@ -107,10 +113,13 @@ class Relation : public CQLCondition {
   const CQLOperand& right() const noexcept { return *_right; }
 
  private:
+  static bool isNever(const CQLOperand& side) { return side.holdsConstant() && side.constant().isNull(); }
+
   virtual bool holdsFor(const IQoriObject& instance, const QoriScalar& left, const QoriScalar& right) const {
     return _relation.holds(left, right, [&] { return std::pair(_left->value(instance), _right->value(instance)); });
   }
 
+  const QORQL_Comparison& _comparison;  // the statement's
   std::unique_ptr<CQLOperand> _left;
   std::unique_ptr<CQLOperand> _right;
   ViewRelation _relation;
@@ -191,7 +200,7 @@ class TreeCondition final : public CQLCondition {
     const auto& comparison = dynamic_cast<const QORQL_Comparison&>(*_comparison);
     const Value left(valueOf(comparison.getLHSArithmeticExpression(), instance));
     const Value right(valueOf(comparison.getRHSArithmeticExpression(), instance));
-    return CQLTextOfCondition(_statement, comparison) + compared(left, comparison.getOperator(), right);
+    return CQLTextOfCondition(_statement, comparison) + compared(left, comparison, right);
   }
 
  private:

@@ -2,45 +2,16 @@
 #include <functional>
 #include <set>
 #include <string>
-#include <vector>
 
 #include "Cimom/QORQL/CQLQueryStatement.h"
 #include "Cimom/QORQL/CQLQueryValidator.h"
-#include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
-#include "Cimom/QORQL/QORQL_Factor.h"
+#include "Cimom/QORQL/CQLReferences.h"
 #include "Cimom/QORQL/QORQL_SelectList.h"
 #include "Cimom/QORQL/QORQL_WhereClause.h"
 
 namespace {
 
 using Names = QORSmrPtr<QORValSlist<QORString>>;
-
-// One reference to a property: the first steps of its path as written.
-struct Reference {
-  QORString className;
-  QORString propertyName;
-  QORString chain;
-};
-
-class ReferenceCollector : public QORQL_ExpressionVisitor {
- public:
-  void visitFactor(const QORQL_Factor& factor) override {
-    if (factor.getClassName().IsNull()) return;
-    Reference reference;
-    reference.className = *factor.getClassName();
-    if (!factor.getPropertyName().IsNull()) reference.propertyName = *factor.getPropertyName();
-    if (!factor.getChain().IsNull()) reference.chain = *factor.getChain();
-    references.push_back(reference);
-  }
-  std::vector<Reference> references;
-};
-
-std::vector<Reference> referencesOf(const QORSmrPtr<QORQL_Evaluatable>& node) {
-  ReferenceCollector* const collector = new ReferenceCollector();
-  QORSmrPtr<QORQL_ExpressionVisitor> visitor(collector);
-  if (!node.IsNull()) node->accept(visitor);
-  return collector->references;
-}
 
 // A list without duplicates, ignoring case; null once every property is needed.
 class NameList {
@@ -58,13 +29,8 @@ class NameList {
   std::set<std::string> _seen;
 };
 
-// The first step of a path: "i.SourceInstance" gives i.
-QORString firstStep(const QORString& path) { return path.subStr(0, path.find(".")); }
-
-QORString behindFirstStep(const QORString& path) {
-  const std::size_t dot = path.find(".");
-  return dot == QORString::npos ? QORString() : path.subStr(dot + 1);
-}
+// The words that stand for an association's ends; a class may have properties of these names.
+bool isAssociationEnd(const QORString& property) { return property == "firstref" || property == "secondref"; }
 
 void addProperty(const QORString& property, NameList& names) {
   if (property.isEmpty() || property == '*') {
@@ -78,22 +44,23 @@ void addProperty(const QORString& property, NameList& names) {
 
 // What a reference asks of a class: its property, or for a path through an
 // embedded object the property that holds that object.
-void CQLQueryStatement::addReference(const QORString& className, const QORString& qualifier, const QORString& chain,
-                                     const QORString& property,
+void CQLQueryStatement::addReference(const QORString& className, const CQLReference& reference,
                                      const std::function<void(const QORString&)>& add) const {
-  const QORString owner(fromClassOf(firstStep(qualifier)));
-  const bool isPath = owner.isEmpty() || chain.find(".") != QORString::npos;
-  if (!isPath) {
-    if (owner.isEqualCaseInsensitive(className)) add(property);
+  const QORString owner(fromClassOf(CQLFirstStep(reference.className)));
+  if (!owner.isEmpty() && !reference.isPath()) {
+    const QORString& property = reference.propertyName;
+    const bool isEnd =
+        isAssociationEnd(property) && !CQLQueryValidator::findProperty(nameSpaceInUse(), className, property, true);
+    if (owner.isEqualCaseInsensitive(className) && !isEnd) add(property);
     return;
   }
-  QORString path(chain.isEmpty() ? qualifier : chain);
-  const QORString head(fromClassOf(firstStep(path)));
+  QORString path(reference.chain.isEmpty() ? reference.className : reference.chain);
+  const QORString head(fromClassOf(CQLFirstStep(path)));
   if (!head.isEmpty()) {
     if (!head.isEqualCaseInsensitive(className)) return;
-    path = behindFirstStep(path);
+    path = CQLBehindFirstStep(path);
   }
-  const QORString root(firstStep(path));
+  const QORString root(CQLFirstStep(path));
   if (CQLQueryValidator::findProperty(nameSpaceInUse(), className, root, true)) add(root);
 }
 
@@ -105,8 +72,8 @@ CQLQueryExceptionCode CQLQueryStatement::buildSelectPropertyList(const QORString
     QORValSlistIterator<QORSmrPtr<QORQL_SelectedEntry>> entries(*selectList().getSelectedEntries());
     while (++entries) {
       if (entries.key()->isSelectAll()) names.addAll();
-      for (const Reference& reference : referencesOf(entries.key()->getExpression())) {
-        addReference(className, reference.className, reference.chain, reference.propertyName, add);
+      for (const CQLReference& reference : CQLReferencesOf(entries.key()->getExpression())) {
+        addReference(className, reference, add);
       }
     }
     list = names.names();
@@ -123,8 +90,8 @@ CQLQueryExceptionCode CQLQueryStatement::buildWherePropertyList(const QORString&
     const auto* where =
         dynamic_cast<const QORQL_WhereClause*>(dynamic_cast<const QORQL_Query&>(*_query).getWhereClause().Get());
     if (where != nullptr) {
-      for (const Reference& reference : referencesOf(where->getExpression())) {
-        addReference(className, reference.className, reference.chain, reference.propertyName, add);
+      for (const CQLReference& reference : CQLReferencesOf(where->getExpression())) {
+        addReference(className, reference, add);
       }
     }
     list = names.names();

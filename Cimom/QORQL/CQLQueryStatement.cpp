@@ -3,6 +3,7 @@
 
 #include "Cimom/QORQL/CQLMatcher.h"
 #include "Cimom/QORQL/CQLQueryValidator.h"
+#include "Cimom/QORQL/CQLReferences.h"
 #include "Cimom/QORQL/QORQL_FromClause.h"
 #include "Cimom/QORQL/QORQL_Lexer.h"
 #include "Cimom/QORQL/QORQL_Log.h"
@@ -23,6 +24,14 @@ bool isSupported(const QORString& language) {
          language.compareTo("WQL", 0) == 0;
 }
 
+// Of a path through an embedded object (`i.SourceInstance.Size`) the class has
+// the first step; what the object has is not known.
+QORString propertyOfClass(const QORQL_SelectedEntry& entry) {
+  const std::vector<CQLReference> references = CQLReferencesOf(entry.getExpression());
+  const bool isPath = references.size() == 1 && references.front().isPath();
+  return isPath ? CQLFirstStep(CQLBehindFirstStep(references.front().chain)) : entry.getPropertyName();
+}
+
 }  // namespace
 
 CQLQueryStatement::CQLQueryStatement(const QORString& queryLanguage, const QORString& query,
@@ -40,9 +49,7 @@ void CQLQueryStatement::refuse(const char* who, const QORString& message) {
   QORQL_logAs(who, message, QoriTraceLog::kError);
 }
 
-void CQLQueryStatement::parseQuery() {
-  QORQL_SymbolTable symbolTable(nullptr);
-  QORQL_Lexer lexer(_queryString, false);
+void CQLQueryStatement::parseQuery(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer) {
   const QORString& none = QORString::emptyString();
   try {
     _query = QORQL_Query::parse(symbolTable, lexer, false, none, none, nameSpaceInUse());
@@ -107,8 +114,10 @@ void CQLQueryStatement::refuseForCurrentException() noexcept {
 QUERY_VALIDATE CQLQueryStatement::validate() {
   if (queryParsed) return queryValidateStatus;
   try {
+    QORQL_SymbolTable symbolTable(nullptr);
+    QORQL_Lexer lexer(_queryString, false);
     if (isSupported(_queryLang)) {
-      parseQuery();
+      parseQuery(symbolTable, lexer);
       checkQuery();
     } else {
       queryValidateStatus = QUERY_UNSUPPORTED_LANGUAGE;
@@ -171,7 +180,7 @@ CQLQueryExceptionCode CQLQueryStatement::buildClassList(ClassList& list) const {
 // that the class has.
 CQLQueryExceptionCode CQLQueryStatement::validateEntry(const QORQL_SelectedEntry& entry, const ClassList& classes) {
   const bool isChecked = entry.GetFunctionID() == QORQL_FUNCTIONID_UNKNOWN || entry.isEntryAggregate();
-  const QORString& property = entry.getPropertyName();
+  const QORString property(propertyOfClass(entry));
   if (entry.isSelectAll() || !isChecked || property.isEmpty() || property == '*') return CQL_QUERY_SUCCESS;
   const QORString className(fromClassOf(entry.getClassName()));
   QORValSlistIterator<QORSmrPtr<IQoriInstanceName>> names(*classes);

@@ -17,8 +17,11 @@
 
 class CQLMatcher;
 class QORQL_FromClause;
+class QORQL_Lexer;
 class QORQL_SelectList;
 class QORQL_SelectedEntry;
+class QORQL_SymbolTable;
+struct CQLReference;
 
 // How two numeric types are brought together for a comparison.
 enum CQLPrecisionCode {
@@ -113,7 +116,7 @@ class CQLQueryStatement : public IQueryStatement {
   const QORString& nameSpaceInUse() const noexcept {
     return _sourceNamespace.isEmpty() ? _indicationNamespace : _sourceNamespace;
   }
-  void parseQuery();
+  void parseQuery(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer);
   void noteParseFault(const QoriBaseException& error, QORuint32 offset);
   void checkQuery();
   // Logs the message, which is also the fault's when nothing better is known.
@@ -132,8 +135,8 @@ class CQLQueryStatement : public IQueryStatement {
 
   // The FROM class that a list operation asks for; empty when it is none. THROWS as those.
   QORString requestedClass(const char* where, const QORSmrPtr<IQoriInstanceName>& className) const;
-  void addReference(const QORString& className, const QORString& qualifier, const QORString& chain,
-                    const QORString& property, const std::function<void(const QORString&)>& add) const;
+  void addReference(const QORString& className, const CQLReference& reference,
+                    const std::function<void(const QORString&)>& add) const;
 
   bool matchesIsa(const QORQL_Comparison& comparison, const Instance& instance) const;
   // Reads a property through properties that hold embedded objects.

@@ -22,7 +22,7 @@ class MatchCase(ToolCase):
     def why(self, condition, mof, source="CIM_InstCreation"):
         line = self.succeed(self.match("--quiet", "--why", "-m", SCHEMA, f"SELECT * FROM {source} WHERE {condition}",
                                        stdin=mof))
-        return line.rstrip("\n").split("\t")[1:]
+        return line.split("\n")[0].split("\t")[1:]
 
 
 class Match(MatchCase):
@@ -95,6 +95,20 @@ class Why(MatchCase):
                          ["no match", "SourceInstance.Size = 11 (10 = 11)"])
         self.assertEqual(self.why("SourceInstance.Id LIKE 'v'", CREATION),
                          ["no match", "SourceInstance.Id LIKE 'v' (a condition with LIKE never matches)"])
+
+    def test_bytes_that_are_no_text(self):
+        condition = b"SELECT * FROM CIM_AlertIndication WHERE MessageID = 'a\xe9b\xff\x80\xe2\x82d\xc3\xa9\x1b'"
+        mof = 'instance of CIM_AlertIndication { MessageID = "\xe9"; };'
+        self.assertEqual(self.succeed(self.match("--why", condition, stdin=mof.encode())),
+                         f"{ALERT_PATH}\tno match\tMessageID = 'a\\xE9b\\xFF\\x80\\xE2\\x82d\xe9\\x1B' "
+                         "('\xe9' = 'a\\xE9b\\xFF\\x80\\xE2\\x82d\xe9\\x1B')\n")
+
+    def test_values_that_do_not_compare(self):
+        self.assertEqual(self.why("MessageID = 5", ALERTS, "CIM_AlertIndication")[1],
+                         "MessageID = 5 ('FC1' = 5): string and uint8 do not compare")
+        self.assertEqual(self.why("SourceInstance.OperationalStatus = 2", CREATION)[1],
+                         "SourceInstance.OperationalStatus = 2 ({2, 17} = 2): "
+                         "an array compares with a value under ANY or EVERY only")
 
     def test_a_path_of_an_alert(self):
         alert = 'instance of CIM_AlertIndication { AlertingElementFormat = 2; AlertingManagedElement = "//h/n:CIM_X.K=1"; };'

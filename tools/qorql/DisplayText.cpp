@@ -28,27 +28,39 @@ bool isIn(const CodeRange (&ranges)[N], char32_t code) {
   return std::any_of(ranges, ranges + N, [code](const CodeRange& r) { return r.first <= code && code <= r.last; });
 }
 
+// Stands for a byte that begins no character, added to it.
+constexpr char32_t kStrayByte = 0xDC00;
+
 // The character at the front, taken off; a byte that begins none counts as one.
 char32_t takeCharacter(std::string_view& text) {
   const unsigned char lead = static_cast<unsigned char>(text.front());
-  const std::size_t length = lead < 0xC0 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-  char32_t code = length == 1 ? lead : lead & (0xFFu >> (length + 1));
+  const std::size_t length = lead < 0x80   ? 1
+                             : lead < 0xC0 ? 0
+                             : lead < 0xE0 ? 2
+                             : lead < 0xF0 ? 3
+                             : lead < 0xF8 ? 4
+                                           : 0;
+  char32_t code = length == 1 ? lead : lead & (0x7Fu >> length);
   std::size_t taken = 1;
   while (taken < length && taken < text.size() && (text[taken] & 0xC0) == 0x80) {
     code = (code << 6) | (static_cast<unsigned char>(text[taken++]) & 0x3F);
   }
-  text.remove_prefix(taken);
-  return code;
+  const bool isSurrogate = code >= 0xD800 && code <= 0xDFFF;
+  const bool isWhole = taken == length && !isSurrogate && code <= 0x10FFFF;
+  text.remove_prefix(isWhole ? taken : 1);
+  return isWhole ? code : kStrayByte + lead;
 }
 
-bool isControl(char32_t code) { return code < 0x20 || (code >= 0x7F && code < 0xA0); }
+bool isStray(char32_t code) { return code > kStrayByte && code <= kStrayByte + 0xFF; }
+
+bool isControl(char32_t code) { return code < 0x20 || (code >= 0x7F && code < 0xA0) || isStray(code); }
 
 std::string escaped(char32_t code) {
   if (code == '\n') return "\\n";
   if (code == '\t') return "\\t";
   if (code == '\r') return "\\r";
   std::array<char, 8> text;
-  std::snprintf(text.data(), text.size(), "\\x%02X", static_cast<unsigned>(code));
+  std::snprintf(text.data(), text.size(), "\\x%02X", static_cast<unsigned>(code & 0xFF));
   return text.data();
 }
 

@@ -138,6 +138,8 @@ TEST_F(FilterReasons, whyAFilterNeverMatches) {
   EXPECT_EQ(neverBecause("MessageID IS NOT NULL"), "a condition with IS NOT NULL never matches");
   EXPECT_EQ(neverBecause("U8 *= U16"), "a condition with *= never matches");
   EXPECT_EQ(neverBecause("B"), "a condition without a comparison never matches");
+  EXPECT_EQ(neverBecause("U8 = 5 / 0"), "a condition on a value that cannot be computed never matches");
+  EXPECT_EQ(neverBecause("S64 = -9223372036854775808"), "a condition on a value that cannot be computed never matches");
 }
 
 TEST_F(FilterReasons, whyAnInstanceDoesNotMatch) {
@@ -157,6 +159,36 @@ TEST_F(FilterReasons, whyAnInstanceDoesNotMatch) {
   EXPECT_EQ(why("U8 = 5 OR U8 = 6", alert), "WHERE (a filter that uses OR never matches)");
   EXPECT_EQ(why("NOT U8 = 6", alert), "NOT U8 = 6 (a condition under NOT never matches)");
   EXPECT_EQ(why("U8 = 5 AND Absent IS NULL", alert), "Absent IS NULL (a condition with IS NULL never matches)");
+}
+
+TEST_F(FilterReasons, whyTwoValuesAreNotCompared) {
+  const QORSmrPtr<IQoriObject> alert(
+      world.alert("U8 = 5; MessageID = \"5\"; A = {1, 2}; B = TRUE; C = 'x'; When = \"20240101120000.000000+000\";"));
+  EXPECT_EQ(why("MessageID = 5", alert), "MessageID = 5 ('5' = 5): string and uint8 do not compare");
+  EXPECT_EQ(why("C = 'x'", alert), "C = 'x' ('x' = 'x'): char16 and string do not compare");
+  EXPECT_EQ(why("When = '20240101120000.000000+000'", alert),
+            "When = '20240101120000.000000+000' ('20240101120000.000000+000' = '20240101120000.000000+000'): "
+            "datetime and string do not compare");
+  EXPECT_EQ(why("B = 'yes'", alert), "B = 'yes' (TRUE = 'yes'): a boolean compares with TRUE and FALSE only");
+  EXPECT_EQ(why("'no' <> B", alert), "'no' <> B ('no' <> TRUE): a boolean compares with TRUE and FALSE only");
+  EXPECT_EQ(why("B = 'false'", alert), "B = 'false' (TRUE = 'false')");
+  EXPECT_EQ(why("A = 1", alert), "A = 1 ({1, 2} = 1): an array compares with a value under ANY or EVERY only");
+  EXPECT_EQ(why("1 + 1 <> A", alert),
+            "1 + 1 <> A (2 <> {1, 2}): an array compares with a value under ANY or EVERY only");
+  EXPECT_EQ(why("A > A", alert), "A > A ({1, 2} > {1, 2}): arrays have no order");
+  EXPECT_EQ(why("A <> A", alert), "A <> A ({1, 2} <> {1, 2})");
+  EXPECT_EQ(why("ANY U8 = 5", alert), "ANY U8 = 5 (5 = 5): ANY and EVERY ask an array");
+  EXPECT_EQ(why("ANY A[*] = A", alert), "ANY A[*] = A ({1, 2} = {1, 2}): an element does not compare with an array");
+  EXPECT_EQ(why("'1' = EVERY A[*]", alert), "'1' = EVERY A[*] ('1' = {1, 2}): string and uint16 do not compare");
+  EXPECT_EQ(why("MessageID + 'x' = U8 + 0", alert),
+            "MessageID + 'x' = U8 + 0 ('5x' = 5): string and uint64 do not compare");
+}
+
+TEST_F(FilterReasons, aLiteralBehindAMinusIsShownAsWritten) {
+  const QORSmrPtr<IQoriObject> alert(world.alert("S64 = 0;"));
+  EXPECT_EQ(why("S64 < -5000000000", alert), "S64 < -5000000000 (0 < -5000000000)");
+  EXPECT_EQ(why("S64 = -9223372036854775808", alert), "S64 = -9223372036854775808 (0 = NULL)");
+  EXPECT_EQ(why("S64 = -9223372036854775809", alert), "S64 = -9223372036854775809 (0 = 9223372036854775807)");
 }
 
 TEST_F(FilterReasons, whyAnInstanceIsNotAskedAbout) {

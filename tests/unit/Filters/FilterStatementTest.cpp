@@ -113,6 +113,43 @@ TEST_F(Filter, starNeedsEveryPropertyAndAPathItsRoot) {
   EXPECT_THAT(textsOf(statement.getWherePropertyList(name)), ElementsAre("SourceInstance"));
 }
 
+TEST_F(Filter, aPathBehindAnAliasIsOfTheObjectThatItsRootHolds) {
+  const std::string from = " FROM CIM_InstModification AS i";
+  for (const char* path : {"i.SourceInstance.CIM_StorageVolume::Size", "i.SourceInstance.Size",
+                           "CIM_InstModification.SourceInstance.Size", "i.SourceInstance.Inner.CIM_StorageVolume::Id",
+                           "SourceInstance.Inner.Size", "sourceinstance.cim_storagevolume::size"}) {
+    CQLQueryStatement statement("CQL", QORString(std::string("SELECT ") + path + from), kNameSpace, "");
+    EXPECT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS) << path << ": " << statement.getFault().message;
+    const std::vector<std::string> names = textsOf(statement.getPropertyList(classPath("CIM_InstModification")));
+    ASSERT_EQ(names.size(), 1U) << path;
+    EXPECT_TRUE(QORString("SourceInstance").isEqualCaseInsensitive(names[0].c_str())) << path;
+  }
+  for (const char* path : {"i.Wheels.Size", "i.Wheels.CIM_StorageVolume::Size", "i.Wheels", "Wheels.Size"}) {
+    CQLQueryStatement statement("CQL", QORString(std::string("SELECT ") + path + from), kNameSpace, "");
+    EXPECT_EQ(statement.validate(), QUERY_INVALID_QUERY) << path;
+    EXPECT_TRUE(statement.getFault().name.isEqualCaseInsensitive("Wheels")) << path;
+  }
+}
+
+TEST_F(Filter, whatNamesAnObjectNeedsNoneOfItsProperties) {
+  CQLQueryStatement statement("CQL",
+                              "SELECT OBJECTPATH(a) AS p, U8 FROM CIM_AlertIndication AS a WHERE OBJECTPATH(a) = "
+                              "MessageID AND a.firstref <> MessageID",
+                              kNameSpace, "");
+  ASSERT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS) << statement.getFault().message;
+  const QORSmrPtr<IQoriInstanceName> name(classPath("CIM_AlertIndication"));
+  EXPECT_THAT(textsOf(statement.getSelectPropertyList(name)), ElementsAre("U8"));
+  EXPECT_THAT(textsOf(statement.getWherePropertyList(name)), ElementsAre("MessageID"));
+  EXPECT_THAT(textsOf(statement.getPropertyList(name)), ElementsAre("U8", "MessageID"));
+}
+
+TEST_F(Filter, aPropertyNamedLikeAnEndOfAnAssociationIsOne) {
+  FilterWorld own("class T_Ends { [Key] string firstref; string other; };");
+  CQLQueryStatement statement("CQL", "SELECT e.firstref FROM T_Ends AS e WHERE e.secondref = 'x'", kNameSpace, "");
+  ASSERT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS) << statement.getFault().message;
+  EXPECT_THAT(textsOf(statement.getPropertyList(classPath("T_Ends"))), ElementsAre("firstref"));
+}
+
 TEST_F(Filter, aNullInstanceIsRefused) {
   CQLQueryStatement statement("CQL", "SELECT * FROM CIM_InstCreation", kNameSpace, "");
   ASSERT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS);
