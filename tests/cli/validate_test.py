@@ -48,6 +48,26 @@ class Valid(ValidateCase):
         self.valid("SELECT Rack, Owner FROM XYZ_Alert", "XYZ_Alert", "Rack,Owner", "-m", SCHEMA)
         self.invalid("SELECT Rack FROM XYZ_Alert", "XYZ_Alert is no class of root/cimv2 (line 1, column 18)")
 
+    def test_a_schema_that_builds_on_the_common_indications(self):
+        path = self.write("vendor.mof", '[Indication] class XYZ_Rack : XYZ_Base { string Rack; };\n'
+                                        "[Indication] class XYZ_Base : CIM_AlertIndication { string Row; };\n")
+        self.valid("SELECT Rack, Row, MessageID FROM XYZ_Rack WHERE EventID = 'x'", "XYZ_Rack",
+                   "Rack,Row,MessageID,EventID", "-m", path)
+        self.valid("SELECT * FROM CIM_InstCreation", "CIM_InstCreation", "*", "-m", path)
+
+    def test_faults_of_a_schema_that_builds_on_the_common_indications(self):
+        path = self.write("vendor.mof", "[Indication] class XYZ_Rack : CIM_AlertIndication { string Rack; };\n"
+                                        "[Indication] class XYZ_Other : XYZ_Missing { };\n")
+        result = self.validate("-m", path, ALERT)
+        self.assertEqual((result.status, result.out), (3, ""))
+        self.assertIn("vendor.mof:2:", result.err)
+        self.assertNotIn("vendor.mof:1:", result.err)
+        path = self.write("own.mof", "class CIM_Indication { [Key] string Own; };\n"
+                                     "class XYZ_Rack : CIM_AlertIndication { string Rack; };\n")
+        result = self.validate("-m", path, ALERT)
+        self.assertEqual((result.status, result.out), (3, ""))
+        self.assertIn("superclass CIM_AlertIndication of class XYZ_Rack is not declared", result.err)
+
     def test_languages(self):
         for language in ("CQL", "DMTF:CQL", "WQL", "wql"):
             self.valid(ALERT, "CIM_AlertIndication", "*", "-q", language)
@@ -131,6 +151,71 @@ class Warnings(ValidateCase):
                     "CIM_AlertIndicatoin is no class of root/cimv2: did you mean CIM_AlertIndication? (line 1, column 57)")
         self.warned("SELECT * FROM CIM_InstCreation WHERE SourceInstance ISA 'CIM_AlertIndicatoin'",
                     "CIM_AlertIndicatoin is no class of root/cimv2: did you mean CIM_AlertIndication? (line 1, column 57)")
+
+    def test_values_that_do_not_compare(self):
+        for condition, warning in (
+                ("EventID = 5", "EventID is a string and does not compare with a number"),
+                ("-5.5 <> EventID", "EventID is a string and does not compare with a number"),
+                ("PerceivedSeverity = '5'", "PerceivedSeverity is a uint16 and does not compare with a text"),
+                ("IndicationTime > '20240101000000.000000+000'",
+                 "IndicationTime is a datetime and does not compare with a text"),
+                ("PerceivedSeverity = EventID",
+                 "PerceivedSeverity is a uint16 and does not compare with EventID, a string"),
+                ("ANY MessageArguments[*] = 5",
+                 "MessageArguments is an array of string and does not compare with a number"),
+                ("MessageArguments[1] = 5", "MessageArguments is a string and does not compare with a number"),
+                ("(EventID = 5)", "EventID is a string and does not compare with a number"),
+                ("5 = 'x'", "a number does not compare with a text")):
+            result = self.validate(ALERT + " WHERE " + condition)
+            self.assertIn(f": warning: {warning}: it never matches (line 1, column ", result.err, condition)
+        self.warned(ALERT + " AS a WHERE EventID = '' AND a.EventID = 5",
+                    "EventID is a string and does not compare with a number: it never matches (line 1, column 63)")
+
+    def test_booleans_and_objects_of_a_named_class(self):
+        path = self.write("flag.mof", "class XYZ_Flag { [Key] uint8 Id; boolean On; string Say; "
+                                      "[EmbeddedObject] string Held; };\n")
+        for condition, warning in (
+                ("On = 1", "On is a boolean and does not compare with a number"),
+                ("On = 'yes'", "On is a boolean and does not compare with a text but TRUE and FALSE"),
+                ("Held = 'x'", "Held is an object and does not compare with a text"),
+                ("Held.XYZ_Flag::On > 3", "On is a boolean and does not compare with a number")):
+            result = self.validate("-m", path, "SELECT * FROM XYZ_Flag WHERE " + condition)
+            self.assertIn(f": warning: {warning}: it never matches", result.err, condition)
+        for condition in ("On = TRUE", "'false' = On", "On = Say", "Held = Held", "Held.XYZ_Flag::On = TRUE", "Held.On = 3"):
+            self.assertEqual(self.validate("-m", path, "SELECT * FROM XYZ_Flag WHERE " + condition).err, "", condition)
+
+    def test_arrays_and_single_values(self):
+        self.warned(ALERT + " WHERE MessageArguments = 'x'",
+                    "MessageArguments is an array: it never matches; to ask its elements write ANY MessageArguments[*] "
+                    "(line 1, column 41)")
+        self.warned(ALERT + " AS a WHERE PerceivedSeverity = 3 AND 'x' = a.MessageArguments",
+                    "MessageArguments is an array: it never matches; to ask its elements write ANY a.MessageArguments[*] "
+                    "(line 1, column 78)")
+        self.warned(ALERT + " WHERE ANY EventID = 'x'",
+                    "EventID is no array, which ANY and EVERY ask: it never matches (line 1, column 45)")
+        self.warned(ALERT + " WHERE ANY MessageArguments[*] = MessageArguments",
+                    "MessageArguments is an array, and an element does not compare with one: it never matches "
+                    "(line 1, column 67)")
+        self.warned(ALERT + " WHERE MessageArguments > MessageArguments",
+                    "arrays have no order: it never matches (line 1, column 41)")
+
+    def test_what_compares_gives_no_warning(self):
+        for condition in ("EventID = 'x'", "EventID = TRUE", "PerceivedSeverity = -3", "PerceivedSeverity > 3.5",
+                          "5 = PerceivedSeverity", "MessageArguments[0] = 'x'", "ANY MessageArguments[*] = 'x'",
+                          "'x' = EVERY MessageArguments", "MessageArguments <> RecommendedActions",
+                          "EventTime > IndicationTime", "EventID = MessageID AND (EventID <> '5')",
+                          "PerceivedSeverity + 1 = EventID", "AlertingManagedElement ISA CIM_FCPort"):
+            self.assertEqual(self.validate(ALERT + " WHERE " + condition).err, "", condition)
+
+    def test_isa_behind_a_path(self):
+        self.warned("SELECT * FROM CIM_InstCreation WHERE SourceInstance.Inner ISA CIM_AlertIndication",
+                    "ISA asks a property of the indication itself, and Inner is none: it never matches "
+                    "(line 1, column 53)")
+        self.warned("SELECT * FROM CIM_InstCreation WHERE 'Source' ISA CIM_AlertIndication",
+                    "ISA asks a property of the indication itself, and Source is none: it never matches "
+                    "(line 1, column 38)")
+        self.warned("SELECT * FROM CIM_InstCreation AS i WHERE i.SourceInstance ISA CIM_AlertIndication AND "
+                    "'sourceinstance' ISA CIM_AlertIndication")
 
     def test_characters_that_the_language_does_not_know(self):
         self.warned(ALERT + " | WHERE EventID = 'a'", "passed over, since the language does not know it: |")

@@ -13,7 +13,7 @@
 #include "ScannerOutput.h"
 
 void FilterSession::open() {
-  _session.open();
+  _session.open(indicationSchemaMof());
   LinuxSchemaSink sink(manager().sink());
   try {
     MofLoader(sink, nameSpace()).loadText(indicationSchemaMof(), "indications");

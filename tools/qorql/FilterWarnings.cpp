@@ -1,8 +1,47 @@
 // What is suspicious about a valid filter.
 #include "FilterWarnings.h"
 
+#include <algorithm>
+
 #include "Cimom/QORQL/CQLQueryValidator.h"
 #include "Suggestion.h"
+
+namespace {
+
+using Kind = FilterOperand::Kind;
+
+std::string_view unquoted(const FilterText::Piece& piece) {
+  const bool isQuoted = piece.kind == FilterText::Kind::Literal && piece.text.size() > 2;
+  return isQuoted ? piece.text.substr(1, piece.text.size() - 2) : piece.text;
+}
+
+bool isRelation(const FilterText& text, std::size_t piece) {
+  for (const char* sign : {"=", "<>", "!=", "<", ">", "<=", ">="}) {
+    if (text.is(piece, sign)) return true;
+  }
+  return false;
+}
+
+// A text that a boolean property is compared with may say TRUE or FALSE.
+bool mayCompare(const FilterOperand& left, const FilterOperand& right) {
+  if (left.kind == Kind::Unknown || right.kind == Kind::Unknown) return true;
+  if (left.kind != Kind::Other && left.kind == right.kind) return true;
+  if (left.kind == Kind::Other || right.kind == Kind::Other) return left.type == right.type;
+  const auto saysOrHoldsTruth = [](const FilterOperand& operand) {
+    return operand.kind == Kind::Boolean || operand.saysTruth ||
+           (operand.kind == Kind::Text && !operand.property.empty());
+  };
+  return saysOrHoldsTruth(left) && saysOrHoldsTruth(right);
+}
+
+bool isWholeArray(const FilterOperand& operand) { return operand.isArray && !operand.isAsked; }
+
+std::string typeOf(const FilterOperand& operand) {
+  if (operand.isArray) return "an array of " + operand.type;
+  return (operand.type == "object" ? "an " : "a ") + operand.type;
+}
+
+}  // namespace
 
 std::vector<std::string> FilterWarnings::of(const CQLQueryStatement& statement) {
   _warnings.clear();
@@ -10,11 +49,11 @@ std::vector<std::string> FilterWarnings::of(const CQLQueryStatement& statement) 
   if (!never.empty()) _warnings.push_back(never);
   for (std::size_t i = _text.behindFrom(); i < _text.pieces().size(); ++i) {
     const FilterText::Piece& piece = _text.pieces()[i];
-    std::string_view name = piece.text;
-    if (piece.kind == FilterText::Kind::Literal && name.size() > 2) name = name.substr(1, name.size() - 2);
-    if (i > 0 && _text.is(i - 1, "ISA")) checkClass(i, name);
-    if (_text.isWord(i) && _text.is(i + 1, "::")) checkClass(i, name);
+    if (i > 0 && _text.is(i - 1, "ISA")) checkClass(i, unquoted(piece));
+    if (_text.isWord(i) && _text.is(i + 1, "::")) checkClass(i, piece.text);
     if (_text.beginsReference(i) && _text.is(i + 1, ".")) checkReference(i);
+    if (_text.is(i + 1, "ISA")) checkIsa(i);
+    if (isRelation(_text, i)) checkComparison(i);
   }
   return _warnings;
 }
@@ -60,4 +99,65 @@ void FilterWarnings::checkReference(std::size_t piece) {
   }
   const std::string meant = suggestion.best().empty() ? "" : "; did you mean " + suggestion.best() + "?";
   warn(name + " is neither a class of FROM nor a property of one: it never matches" + meant, piece);
+}
+
+bool FilterWarnings::isPropertyOfFrom(std::string_view property) const {
+  return std::any_of(_text.sources().begin(), _text.sources().end(),
+                     [&](const FilterText::Source& source) { return hasProperty(source.className, property); });
+}
+
+// ISA looks for the property in the instance itself, whatever stands before its name.
+void FilterWarnings::checkIsa(std::size_t piece) {
+  const FilterText::Piece& name = _text.pieces()[piece];
+  if (name.kind != FilterText::Kind::Word && name.kind != FilterText::Kind::Literal) return;
+  if (isPropertyOfFrom(unquoted(name))) return;
+  warn(
+      "ISA asks a property of the indication itself, and " + std::string(unquoted(name)) + " is none: it never matches",
+      piece);
+}
+
+void FilterWarnings::checkComparison(std::size_t sign) {
+  FilterOperand left;
+  FilterOperand right;
+  if (!FilterOperandReader(_manager, _nameSpace, _text).read(sign, left, right)) return;
+  if (left.kind == Kind::Unknown || right.kind == Kind::Unknown) {
+    warnOfAsking(left);
+    warnOfAsking(right);
+    return;
+  }
+  if (warnOfAsking(left) || warnOfAsking(right) || warnOfArray(left, right) || warnOfArray(right, left)) return;
+  const bool isEquality = _text.is(sign, "=") || _text.is(sign, "<>") || _text.is(sign, "!=");
+  if (isWholeArray(left) && isWholeArray(right) && !isEquality) {
+    warn("arrays have no order: it never matches", left.piece);
+  } else if (!mayCompare(left, right)) {
+    warnOfTypes(left, right);
+  }
+}
+
+bool FilterWarnings::warnOfAsking(const FilterOperand& side) {
+  if (!side.isAsked || side.isArray || side.kind == Kind::Unknown) return false;
+  const std::string name = side.property.empty() ? "a " + side.type : side.property;
+  warn(name + " is no array, which ANY and EVERY ask: it never matches", side.piece);
+  return true;
+}
+
+bool FilterWarnings::warnOfArray(const FilterOperand& side, const FilterOperand& other) {
+  if (!isWholeArray(side) || isWholeArray(other)) return false;
+  const std::string whole = side.written.ends_with(']') ? side.written : side.written + "[*]";
+  warn(side.property + " is an array" +
+           (other.isAsked ? ", and an element does not compare with one: it never matches"
+                          : ": it never matches; to ask its elements write ANY " + whole),
+       side.piece);
+  return true;
+}
+
+void FilterWarnings::warnOfTypes(const FilterOperand& left, const FilterOperand& right) {
+  const FilterOperand& first = left.property.empty() && !right.property.empty() ? right : left;
+  const FilterOperand& second = &first == &left ? right : left;
+  const bool isText = second.property.empty() && second.kind == Kind::Text;
+  const std::string exception = first.kind == Kind::Boolean && isText ? " but TRUE and FALSE" : "";
+  const std::string subject =
+      first.property.empty() ? typeOf(first) + " does" : first.property + " is " + typeOf(first) + " and does";
+  const std::string object = second.property.empty() ? typeOf(second) : second.property + ", " + typeOf(second);
+  warn(subject + " not compare with " + object + exception + ": it never matches", first.piece);
 }

@@ -7,10 +7,12 @@
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "Cimom/QORQL/CQLQueryStatement.h"
+#include "FilterOperand.h"
 #include "FilterText.h"
 
-// A filter may be valid and yet never match: names behind a dot and classes
-// behind ISA are not checked by its validation. BORROWS all it is given.
+// A filter may be valid and yet never match: names behind a dot, classes behind
+// ISA and the types of what it compares are not checked by its validation.
+// BORROWS all it is given.
 class FilterWarnings {
  public:
   FilterWarnings(EmbeddedObjectManager& manager, const QORString& nameSpace, const FilterText& text)
@@ -22,6 +24,13 @@ class FilterWarnings {
  private:
   void checkClass(std::size_t piece, std::string_view name);
   void checkReference(std::size_t piece);
+  void checkIsa(std::size_t piece);
+  void checkComparison(std::size_t sign);
+  // Whether there was something to warn of.
+  bool warnOfAsking(const FilterOperand& side);
+  bool warnOfArray(const FilterOperand& side, const FilterOperand& other);
+  void warnOfTypes(const FilterOperand& left, const FilterOperand& right);
+  bool isPropertyOfFrom(std::string_view property) const;
   bool hasProperty(const std::string& className, std::string_view property) const;
   void warn(const std::string& warning, std::size_t piece);
 

@@ -48,9 +48,14 @@ void Session::printWarnings() {
   if (shown < warnings.size()) std::cerr << "qorql: warning: " << warnings.size() - shown << " more warnings\n";
 }
 
-void Session::open() {
+void Session::open(const char* commonMof) {
   loadConfiguration();
-  loadMof();
+  try {
+    loadMof();
+  } catch (const MofException& alone) {
+    if (commonMof == nullptr) throw;
+    loadMofOver(commonMof, alone);
+  }
   if (!_options.hasNoLiveClasses) addLiveClasses();
   printWarnings();
 }
@@ -72,6 +77,19 @@ void Session::loadMof() {
     tellOfCache(outcome, !_options.cacheFile.empty());
   } else {
     MofLoader(_manager.sink(), nameSpace).loadFiles(_options.mofPaths);
+  }
+}
+
+// A failed load has stored nothing, so the files can be read again. Of two
+// refusals the shorter one tells what is wrong.
+void Session::loadMofOver(const char* commonMof, const MofException& alone) {
+  const QORString nameSpace(_options.nameSpace);
+  try {
+    MofLoader(_manager.sink(), nameSpace).loadText(commonMof, "common classes");
+    MofLoader(_manager.sink(), nameSpace).loadFiles(_options.mofPaths);
+  } catch (const MofException& together) {
+    if (together.getDiagnostics().size() < alone.getDiagnostics().size()) throw;
+    throw MofException(alone);
   }
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
+#include "Cimom/Mof/MofError.h"
 #include "SessionOptions.h"
 
 // Made once, then opened. BORROWS the options.
@@ -16,9 +17,10 @@ class Session {
   Session& operator=(const Session&) = delete;
   ~Session();
 
-  // Reads configuration and MOF and adds the live classes. THROWS
+  // Reads configuration and MOF and adds the live classes. MOF files may build on
+  // the classes of `commonMof`, which are there before them when they do. THROWS
   // QoriBaseException when one of them fails.
-  void open();
+  void open(const char* commonMof = nullptr);
 
   EmbeddedObjectManager& manager() { return _manager; }
 
@@ -32,6 +34,7 @@ class Session {
   void takeLogLine(const QORString& who, const QORString& message, QORuint32 severity);
   void loadConfiguration();
   void loadMof();
+  void loadMofOver(const char* commonMof, const MofException& alone);
   void addLiveClasses();
 
   const SessionOptions& _options;

@@ -17,6 +17,10 @@ class EX_Change {
   [EmbeddedInstance("EX_Disk")] string PreviousInstance;
   string AlertingManagedElement;
   uint16 AlertingElementFormat;
+  datetime Seen;
+  char16 Grade;
+  uint64 Bytes;
+  sint64 Balance;
 };
 instance of EX_Change {
   Id = 1;
@@ -24,6 +28,10 @@ instance of EX_Change {
   PreviousInstance = "instance of EX_FastDisk { Name = \"d3\"; Errors = 2; };";
   AlertingManagedElement = "//host/root/cimv2:EX_FastDisk.Name=\"d3\"";
   AlertingElementFormat = 2;
+  Seen = "20240101120000.000000+000";
+  Grade = 'a';
+  Bytes = 18446744073709551615;
+  Balance = 0;
 };
 )mof";
 
@@ -109,12 +117,45 @@ TEST_F(FilterLanguageTest, IsaLooksAtTheEmbeddedObjectOrThePath) {
   EXPECT_FALSE(changeMatches("SourceInstance ISA EX_Host"));
   EXPECT_TRUE(changeMatches("AlertingManagedElement ISA EX_Disk"));
   EXPECT_FALSE(changeMatches("AlertingManagedElement ISA EX_Host"));
+  EXPECT_TRUE(changeMatches("SourceInstance.PreviousInstance ISA EX_Disk"));
+  EXPECT_FALSE(changeMatches("SourceInstance.Inner ISA EX_Disk"));
 }
 
 // rule: FILT-6
 TEST_F(FilterLanguageTest, AnyKeepsTheWrittenOrder) {
   EXPECT_TRUE(diskMatches("ANY Ports < 2"));
   EXPECT_FALSE(diskMatches("ANY Ports > 5"));
+  EXPECT_FALSE(diskMatches("Ports = 1"));
+  EXPECT_TRUE(diskMatches("Ports[0] = 1"));
+  EXPECT_FALSE(diskMatches("Ports[3] <> 1"));
+  const QORSmrPtr<IQoriObject> empty = object("EX_Disk", "root/cimv2:EX_Disk.Name=\"d4\"");
+  EXPECT_FALSE(matches("SELECT * FROM EX_Disk WHERE ANY Ports = 1", empty));
+  EXPECT_FALSE(matches("SELECT * FROM EX_Disk WHERE EVERY Ports = 1", empty));
+}
+
+// rule: FILT-7
+TEST_F(FilterLanguageTest, OtherTypesThanNumbersCompareWithTheirOwn) {
+  EXPECT_TRUE(diskMatches("Size > 999.5 AND Spare = false AND Spare <> 'True'"));
+  EXPECT_FALSE(diskMatches("Name = 3"));
+  EXPECT_FALSE(changeMatches("Seen = '20240101120000.000000+000'"));
+  EXPECT_FALSE(changeMatches("Seen <> '20240101120000.000000+000'"));
+  EXPECT_TRUE(changeMatches("Seen = Seen"));
+  EXPECT_FALSE(changeMatches("Grade = 'a'"));
+}
+
+// rule: FILT-8
+TEST_F(FilterLanguageTest, AGreatUnsignedNumberIsNegativeBesideASignedOne) {
+  EXPECT_TRUE(changeMatches("Bytes = 18446744073709551615 AND Bytes > 0"));
+  EXPECT_TRUE(changeMatches("Bytes = -1"));
+  EXPECT_TRUE(changeMatches("Bytes < Balance"));
+}
+
+// rule: FILT-9
+TEST_F(FilterLanguageTest, AFunctionHasNoValue) {
+  EXPECT_FALSE(diskMatches("MAX(Size) = 1000"));
+  EXPECT_FALSE(diskMatches("MAX(Size) <> 1000"));
+  EXPECT_FALSE(diskMatches("OBJECTPATH(EX_Disk) <> 'x'"));
+  EXPECT_FALSE(diskMatches("Size <> 1 / 0"));
 }
 
 }  // namespace
