@@ -35,16 +35,22 @@ int truthOf(const QoriScalar& view) noexcept {
   return QORString::equalIgnoringCase(view.text->view(), "FALSE") ? 0 : -1;
 }
 
+// Values that are no scalars: arrays as wholes, others of one type.
+bool holdsForValues(const IQoriValue& left, QoriRelation relation, const IQoriValue& right) {
+  const bool areArrays = left.isArray() && right.isArray();
+  const bool areOfOneType =
+      !left.isArray() && !right.isArray() && left.getType()->getName() == right.getType()->getName();
+  return (areArrays || areOfOneType) && left.relate(relation, right) == QoriTruth::True;
+}
+
 // A comparison of two values in doComparisonOperation's way, on their views.
 class ViewRelation {
  public:
-  explicit ViewRelation(QORQL_Operator op) : _operator(op), _relation(QORQL_relationOf(op)) {}
+  explicit ViewRelation(QORQL_Operator op) : _relation(QORQL_relationOf(op)) {}
 
-  QORQL_Operator getOperator() const noexcept { return _operator; }
+  QoriRelation getRelation() const noexcept { return _relation; }
 
-  // `valuesOf` gives the two values as a pair, for the kinds that only they can compare.
-  template <class Values>
-  bool holds(const QoriScalar& left, const QoriScalar& right, const Values& valuesOf) const {
+  bool holds(const QoriScalar& left, const QoriScalar& right) const {
     using Kind = QoriScalarKind;
     if (left.isNull() || right.isNull()) return false;
     if (left.isNumber() && right.isNumber()) return qori::satisfies(compareAsFilter(left, right), _relation);
@@ -56,20 +62,24 @@ class ViewRelation {
       const int rightTruth = truthOf(right);
       return leftTruth >= 0 && rightTruth >= 0 && qori::satisfies(leftTruth <=> rightTruth, _relation);
     }
-    if (left.kind != right.kind) return false;
+    return left.kind == right.kind && holdsForOneKind(left, right);
+  }
+
+ private:
+  // Neither numbers nor texts nor booleans.
+  bool holdsForOneKind(const QoriScalar& left, const QoriScalar& right) const {
+    using Kind = QoriScalarKind;
+    if (left.kind == Kind::Char16) return qori::satisfies(left.c <=> right.c, _relation);
     try {
-      if (left.kind == Kind::Complex && left.value->isArray()) {
-        return left.value->relate(_relation, *right.value) == QoriTruth::True;
-      }
-      const auto [leftValue, rightValue] = valuesOf();
-      return CQLQueryStatement::doComparisonOperation(leftValue, rightValue, _operator);
+      if (left.kind == Kind::Complex) return holdsForValues(*left.value, _relation, *right.value);
+      // Only values know the order of datetimes; these share the texts.
+      const CQoriValue first(*left.text, CQoriType::datetime);
+      return first.relate(_relation, CQoriValue(*right.text, CQoriType::datetime)) == QoriTruth::True;
     } catch (...) {
       return false;
     }
   }
 
- private:
-  QORQL_Operator _operator;
   QoriRelation _relation;
 };
 
@@ -93,12 +103,12 @@ class Relation : public CQLCondition {
     const QoriScalar left = _left->view(*instance, leftObject, leftHolder);
     if (left.isNull()) return false;
     const QoriScalar right = _right->view(*instance, rightObject, rightHolder);
-    return holdsFor(*instance, left, right);
+    return holdsFor(left, right);
   }
   CQLQuickTest quickTest() const override {
     const QORString* const property = _left->ownProperty();
     if (property == nullptr || !_right->holdsConstant() || !CQLQuickTest::canDecide(_right->constant())) return {};
-    return {*property, QORQL_relationOf(_relation.getOperator()), _right->constant()};
+    return {*property, _relation.getRelation(), _right->constant()};
   }
   std::string neverBecause() const override {
     return isNever(*_left) || isNever(*_right) ? "a condition on a value that cannot be computed never matches" : "";
@@ -109,15 +119,11 @@ class Relation : public CQLCondition {
 
  protected:
   const ViewRelation& relation() const noexcept { return _relation; }
-  const CQLOperand& left() const noexcept { return *_left; }
-  const CQLOperand& right() const noexcept { return *_right; }
 
  private:
   static bool isNever(const CQLOperand& side) { return side.holdsConstant() && side.constant().isNull(); }
 
-  virtual bool holdsFor(const IQoriObject& instance, const QoriScalar& left, const QoriScalar& right) const {
-    return _relation.holds(left, right, [&] { return std::pair(_left->value(instance), _right->value(instance)); });
-  }
+  virtual bool holdsFor(const QoriScalar& left, const QoriScalar& right) const { return _relation.holds(left, right); }
 
   const QORQL_Comparison& _comparison;  // the statement's
   std::unique_ptr<CQLOperand> _left;
@@ -141,24 +147,17 @@ class ArrayRelation final : public Relation {
   CQLQuickTest quickTest() const override { return {}; }
 
  private:
-  bool holdsFor(const IQoriObject& instance, const QoriScalar& left, const QoriScalar& right) const override {
+  bool holdsFor(const QoriScalar& left, const QoriScalar& right) const override {
     const QoriScalar& array = _isLeft ? left : right;
     if (array.kind != QoriScalarKind::Complex || !array.value->isArray()) return false;
     const QORSmrPtr<IQoriValue::List> elements(array.value->getArray());
     QORValSlistIterator<Value> element(*elements);
     while (++element) {
-      if (holdsForElement(instance, left, right, element.key()) == _isAny) return _isAny;
+      const QoriScalar view = element.key().IsNull() ? QoriScalar() : element.key()->scalar();
+      const bool holds = _isLeft ? relation().holds(view, right) : relation().holds(left, view);
+      if (holds == _isAny) return _isAny;
     }
     return !_isAny && !elements->isEmpty();
-  }
-
-  bool holdsForElement(const IQoriObject& instance, const QoriScalar& left, const QoriScalar& right,
-                       const Value& element) const {
-    const QoriScalar view = element.IsNull() ? QoriScalar() : element->scalar();
-    if (_isLeft) {
-      return relation().holds(view, right, [&] { return std::pair(element, this->right().value(instance)); });
-    }
-    return relation().holds(left, view, [&] { return std::pair(this->left().value(instance), element); });
   }
 
   bool _isLeft;

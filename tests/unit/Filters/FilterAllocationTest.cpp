@@ -59,6 +59,19 @@ TEST_F(FilterAllocation, embeddedObjectsAndTheirClasses) {
   EXPECT_EQ(allocationsOf("SELECT * FROM CIM_InstCreation", changed, false), 0U);
 }
 
+TEST_F(FilterAllocation, datetimesCharactersAndReferences) {
+  FilterWorld own(R"(class T_End { [Key] string Id; };
+    [association] class T_Link { [Key] T_End REF One; [Key] T_End REF Other; datetime Begun; datetime Ended; char16 Mark;
+    datetime Seen[]; };)");
+  const QORSmrPtr<IQoriObject> link(own.indication(R"(instance of T_Link {
+    One = "T_End.Id=\"a\""; Other = "T_End.Id=\"b\""; Begun = "20240101120000.000000+000";
+    Ended = "20240101130000.000000+060"; Mark = 'c'; Seen = {"20230101120000.000000+000"}; };)"));
+  for (const char* condition : {"Begun = Ended", "Begun >= Ended", "Begun <> Seen[0]", "ANY Seen[*] < Begun",
+                                "Begun > EVERY Seen[*]", "Mark = Mark", "One <> Other", "One < Other"}) {
+    EXPECT_EQ(allocationsOf(std::string("SELECT * FROM T_Link WHERE ") + condition, link, true), 0U) << condition;
+  }
+}
+
 TEST_F(FilterAllocation, matchingAsksForNoInstances) {
   const QORSmrPtr<IQoriObject> alert(world.alert("U8 = 5;"));
   world.manager().resetStatistics();
