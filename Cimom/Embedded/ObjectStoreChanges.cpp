@@ -15,6 +15,10 @@ namespace {
 // escaped again: what refers to what refers to ... doubles at each step.
 constexpr std::size_t kLongestKeyReference = 16384;
 
+// An instance's place in the order of creation, which is that of every list, as
+// the number that its objects have; 0 would tell nothing.
+constexpr QORuint64 identityOf(QORuint64 sequence) noexcept { return sequence + 1; }
+
 void checkKeyReferences(const CQoriClass& model, const std::vector<QORSmrPtr<IQoriValue>>& values) {
   for (const QORuint32 position : model.keyPositions()) {
     const QORSmrPtr<IQoriInstanceName> name =
@@ -164,7 +168,7 @@ StoredInstance& ObjectStore::createInstance(const QORString& nameSpace, const Ci
     refuse(CimStatus::InvalidParameter, {"instance of ", entry.name().view(), ": key ",
                                          model.shape()->layout->getName(position).view(), " has no value"});
   }
-  const QORSmrPtr<IQoriObject> object = ModelInstance::create(model.shape(), values);
+  const QORSmrPtr<IQoriObject> object = ModelInstance::create(model.shape(), values, {}, identityOf(_nextSequence));
   const QORString path = object->getInstanceName()->toString();
   if (space.instances.find(path.view()) != nullptr) {
     refuse(CimStatus::AlreadyExists, {"instance ", path.view(), " exists already"});
@@ -212,7 +216,8 @@ void ObjectStore::modifyInstance(const IQoriInstanceName& name, const std::vecto
   values.reserve(count);
   for (QORuint32 i = 0; i < count; ++i) values.push_back(instance->object->getValueAt(i));
   setValues(space, model, properties, values, View::Committed);
-  const QORSmrPtr<IQoriObject> changed = ModelInstance::create(model.shape(), values);
+  const QORSmrPtr<IQoriObject> changed =
+      ModelInstance::create(model.shape(), values, {}, identityOf(instance->sequence));
   const QORSmrPtr<IQoriInstanceName> changedName = changed->getInstanceName();
   if (changedName.IsNull() || !(changedName->toString() == instance->path)) {
     refuse(CimStatus::InvalidParameter, {"instance ", instance->path.view(), ": keys cannot change"});

@@ -112,6 +112,7 @@ CQoriBaseObject::~CQoriBaseObject() { delete _own; }
 
 void CQoriBaseObject::shareSource(const QORSmrPtr<IQoriObject>& object) {
   const IQoriObject& source = *object;
+  _identity = source.getIdentity();
   _positions = _restriction->positions().data();
   if (typeid(source) == typeid(CQoriBaseObject)) {
     const CQoriBaseObject& copy = static_cast<const CQoriBaseObject&>(source);

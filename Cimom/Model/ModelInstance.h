@@ -17,11 +17,11 @@ class ModelInstance final : public IQoriObject {
  public:
   // A value for each position of the layout (missing ones and null pointers:
   // NULL), converted to the declared type. `name` overrides the name that the
-  // shape's keys give. THROWS QoriBaseException (type "CIM_Value") naming the
+  // shape's keys give; `identity` is what getIdentity() gives. THROWS QoriBaseException (type "CIM_Value") naming the
   // property when a value cannot be of its type.
   static QORSmrPtr<IQoriObject> create(const QORSmrPtr<ModelShape>& shape,
                                        const std::vector<QORSmrPtr<IQoriValue>>& values,
-                                       const QORSmrPtr<IQoriInstanceName>& name = {});
+                                       const QORSmrPtr<IQoriInstanceName>& name = {}, QORuint64 identity = 0);
   ModelInstance(const ModelInstance&) = delete;
   ModelInstance& operator=(const ModelInstance&) = delete;
   ~ModelInstance() override;
@@ -32,6 +32,7 @@ class ModelInstance final : public IQoriObject {
   // Made at the first call, then shared. Null when the shape has no keys or a key has no value.
   QORSmrPtr<IQoriInstanceName> getInstanceName() const override;
   void appendPath(std::string& text) const override;
+  QORuint64 getIdentity() const noexcept override { return _identity; }
   QORString getNameSpace() const override { return shape().nameSpace; }
   QORuint32 getPropertyCount() const noexcept override { return _count; }
   QORSmrPtr<IQoriProperty> getPropertyAt(QORuint32 position) const override;
@@ -56,6 +57,7 @@ class ModelInstance final : public IQoriObject {
   QORSmrPtr<IQoriInstanceName> makeName() const;
 
   QORSmrPtr<ModelShape> _shape;
+  QORuint64 _identity = 0;
   ModelNameCache _name;
   QORuint32 _count;            // slots that live behind this object
   bool _hasGivenName = false;  // in place of the one that the keys give

@@ -91,8 +91,11 @@ class BlockFilter {
       stopCheck.count(keptOfRun.size());
       const std::size_t count = static_cast<std::size_t>(std::min<QORuint64>(keptOfRun.size(), block.rowCount - first));
       const std::size_t keptCount = filterRun(block, first, count, view, keptOfRun);
+      const std::size_t start = kept.size();
+      kept.resize(start + keptCount * width);
+      QORuint32* tuple = kept.data() + start;
       for (std::size_t i = 0; i < keptCount; ++i) {
-        for (std::size_t place = 0; place < width; ++place) kept.push_back(block.index(first + keptOfRun[i], place));
+        for (std::size_t place = 0; place < width; ++place) *tuple++ = block.index(first + keptOfRun[i], place);
       }
     }
     const QORuint64 keptCount = kept.size() / width;

@@ -57,20 +57,17 @@ class PathSet {
   std::vector<QORuint64> _places;  // open addressing; 0 marks a free place
 };
 
-// Looks at the rows' objects in one short loop, so that the processor waits for
-// many of them at once: a path's row is too long for it to look ahead. The first
-// properties often are those that make the path.
-void lookAhead(const QORQL_LazyRows& rows, const QORQL_RowBlock& block, QORuint64 first, QORuint64 end) {
-  constexpr QORuint32 kFirstProperties = 2;
-  for (QORuint64 row = first; row < end; ++row) {
+// Whether the objects' numbers tell that no two of them share a path.
+bool haveDistinctNumbers(const QORQL_LazyRows& rows, const QORQL_RowBlock& block) {
+  QORuint64 last = 0;
+  for (QORuint64 row = 0; row < block.rowCount; ++row) {
     const IQoriObject* const object = rows.object(block.columns.front(), block.index(row, 0));
-    if (object == nullptr || object->getLayout() == nullptr) continue;
-    const QORuint32 count = std::min(kFirstProperties, object->getLayout()->getPropertyCount());
-    for (QORuint32 position = 0; position < count; ++position) {
-      const QoriScalar value = object->getScalarAt(position);
-      if (value.kind == QoriScalarKind::Text) __builtin_prefetch(value.text->data());
-    }
+    if (object == nullptr) continue;
+    const QORuint64 identity = object->getIdentity();
+    if (identity <= last) return false;
+    last = identity;
   }
+  return true;
 }
 
 }  // namespace
@@ -80,19 +77,18 @@ bool QORQL_collectExtensions(const QORQL_LazyRows& rows, const QORQL_RowBlock& b
   if (std::find(isUnmatched.begin(), isUnmatched.end(), true) == isUnmatched.end()) return true;
   const std::size_t start = extensions.size();
   const QORuint32 column = block.columns.front();
-  PathSet seen(block.rowCount);
+  const bool areDistinct = haveDistinctNumbers(rows, block);
+  PathSet seen(areDistinct ? 0 : block.rowCount);
   MapHash hash;
   std::string path;
-  constexpr QORuint64 kLookAhead = 32;
   QORQL_StopCheck stopCheck;
   for (QORuint64 row = 0; row < block.rowCount; ++row) {
     stopCheck.count();
-    if (row % kLookAhead == 0) lookAhead(rows, block, row, std::min(row + kLookAhead, block.rowCount));
     const QORuint32 index = block.index(row, 0);
-    if (index == QORQL_kNoObject) continue;
+    if (index == QORQL_kNoObject || (areDistinct && !isUnmatched[row])) continue;
     path.clear();
     rows.object(column, index)->appendPath(path);
-    if (!seen.add(path)) return false;
+    if (!areDistinct && !seen.add(path)) return false;
     if (isUnmatched[row]) extensions.push_back({hash.of(path) % QORQL_kMapBuckets, column, index});
   }
   std::stable_sort(extensions.begin() + static_cast<std::ptrdiff_t>(start), extensions.end(),

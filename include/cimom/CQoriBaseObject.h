@@ -34,6 +34,7 @@ class CQoriBaseObject final : public IQoriObject {
   const QORString& getClassName() const noexcept override;
   QORSmrPtr<IQoriInstanceName> getInstanceName() const override;
   void appendPath(std::string& text) const override;
+  QORuint64 getIdentity() const noexcept override { return _identity; }
   QORString getNameSpace() const override;
   QORuint32 getPropertyCount() const noexcept override;
   QORSmrPtr<IQoriProperty> getPropertyAt(QORuint32 position) const override;
@@ -53,6 +54,7 @@ class CQoriBaseObject final : public IQoriObject {
   QORSmrPtr<ModelRestriction> _restriction;  // null without a layout
   const QORuint32* _positions = nullptr;     // the source's position of each property
   const ModelSlot* _slots = nullptr;         // the source's values, when it stores them in place
+  QORuint64 _identity = 0;                   // the source's
   Own* _own = nullptr;                       // OWNS; null with a restriction
 };
 

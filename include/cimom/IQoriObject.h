@@ -41,6 +41,10 @@ class IQoriObject {
     const QORSmrPtr<IQoriInstanceName> name(getInstanceName());
     if (!name.IsNull()) text += name->toString().view();
   }
+  // Of objects that one call of the object manager returned, those with different
+  // numbers have different paths; 0 tells nothing. An object manager that numbers
+  // its instances in the order in which it returns them spares callers their paths.
+  virtual QORuint64 getIdentity() const noexcept { return 0; }
   // Namespace the instance came from; empty when it has none.
   virtual QORString getNameSpace() const = 0;
 

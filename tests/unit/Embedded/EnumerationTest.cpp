@@ -18,6 +18,23 @@ TEST_F(EnumerationTest, InstancesComeInCreationOrderAcrossSubclasses) {
   EXPECT_THAT(values(enumerate("CIM_FastDisk"), "DeviceID"), ElementsAre("a"));
 }
 
+TEST_F(EnumerationTest, NumbersAscendAndStayWithAnInstanceThatChanges) {
+  createDisk("c");
+  createDisk("a", 1, "CIM_FastDisk");
+  createDisk("b");
+  manager.modifyInstance(*enumerate("CIM_Disk")->first()->getInstanceName(), {{"Caption", text("changed")}});
+  for (const QORSmrPtr<QORValSlist<QORString>>& names : {QORSmrPtr<QORValSlist<QORString>>(), nameList({"Size"})}) {
+    QORuint64 last = 0;
+    const CIMApi::Instances disks = enumerate("CIM_Disk", names);
+    QORValSlistIterator<Object> each(*disks);
+    while (++each) {
+      EXPECT_GT(each.key()->getIdentity(), last);
+      last = each.key()->getIdentity();
+    }
+    EXPECT_EQ(3u, disks->entries());
+  }
+}
+
 TEST_F(EnumerationTest, NamesOfClassAndNamespaceIgnoreCase) {
   createDisk("a");
   EXPECT_EQ(1u, enumerate("cim_DISK", {}, "ROOT/cimV2")->entries());

@@ -46,6 +46,16 @@ TEST(AppendPath, ofAGivenNameIsThatOne) {
   EXPECT_EQ(appended(given), "before elsewhere:C.Id=\"given\"");
 }
 
+TEST(Identity, isKeptByRestrictedCopies) {
+  const QORSmrPtr<ModelLayout> layout(new ModelLayout({{"Id", CQoriType::string}}));
+  const QORSmrPtr<ModelShape> shape(new ModelShape{"root/cimv2", "C", layout, {0}});
+  const Object numbered = ModelInstance::create(shape, {text("a")}, {}, 42);
+  const Object restricted(new CQoriBaseObject(numbered, names({}), true));
+  EXPECT_EQ(numbered->getIdentity(), 42U);
+  EXPECT_EQ(restricted->getIdentity(), 42U);
+  EXPECT_EQ(ModelInstance::create(shape, {text("a")})->getIdentity(), 0U);
+}
+
 TEST(AppendPath, ofAnObjectWithoutNameIsEmpty) {
   EXPECT_EQ(appended(object("C", {{"Id", Value()}})), "before ");
   EXPECT_EQ(appended(object("C", {{"Id", text("a")}}, 0)), "before ");

@@ -4,12 +4,17 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <memory>
 
+#include "Cimom/QORQL/QORQL_NullExtension.h"
 #include "Cimom/QORQL/QORQL_NumberOrder.h"
 #include "Cimom/QORQL/QORQL_PropertyColumn.h"
 #include "Cimom/QORQL/QORQL_SortKeys.h"
 #include "QueryWorld.h"
 #include "cimom/CIMApi.h"
+#include "cimom/CQoriBaseObject.h"
+#include "cimom/CQoriProperty.h"
+#include "cimom/CQoriValue.h"
 
 namespace {
 
@@ -270,6 +275,55 @@ TEST(Extent, runsOfALongList) {
   expectRun(30, 64);
   expectRun(0, 1);
   EXPECT_EQ(extent.object(69999), expected(69999));
+}
+
+// --- rows for objects without a partner ---------------------------------------------
+
+QORSmrPtr<IQoriObject> objectOfItsOwn(const std::string& key) {
+  const QORSmrPtr<CQoriBaseObject::PropertyList> properties(new CQoriBaseObject::PropertyList);
+  const QORSmrPtr<IQoriValue> value(new CQoriValue(QORString(key.data(), key.size())));
+  properties->append(QORSmrPtr<IQoriProperty>(new CQoriProperty("k", value, true)));
+  return QORSmrPtr<IQoriObject>(new CQoriBaseObject("root", "Z", "k", properties));
+}
+
+struct NullExtension : testing::Test {
+  void add(const std::string& key) { list->append(objectOfItsOwn(key)); }
+  bool collect(const std::vector<bool>& isUnmatched) {
+    rows.addExtent(std::make_shared<QORQL_Extent>(list));
+    return QORQL_collectExtensions(rows, rows.blocks().front(), isUnmatched, extensions);
+  }
+  const QORQL_Extent::ObjectList list{new QORValSlist<QORSmrPtr<IQoriObject>>};
+  QORQL_LazyRows rows;
+  std::vector<QORQL_NullExtension> extensions;
+};
+
+// Objects without numbers are told apart by their paths.
+TEST_F(NullExtension, comesInTheOrderOfTheMapByPath) {
+  std::vector<bool> isUnmatched;
+  for (int i = 0; i < 400; ++i) {
+    add(i % 7 == 0 ? "other" + std::to_string(i)
+                   : std::string(static_cast<std::size_t>(i % 5), 'x') + std::to_string(i));
+    isUnmatched.push_back(i % 3 != 0);
+  }
+  std::vector<std::pair<QORuint32, QORuint32>> expected;
+  for (QORuint32 i = 0; i < 400; ++i) {
+    if (i % 3 != 0) expected.emplace_back(hashKeyQORString(list->at(i)->getInstanceName()->toString()) % 150, i);
+  }
+  std::stable_sort(expected.begin(), expected.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+  ASSERT_TRUE(collect(isUnmatched));
+  ASSERT_EQ(extensions.size(), expected.size());
+  for (std::size_t i = 0; i < expected.size(); ++i) EXPECT_EQ(extensions[i].index, expected[i].second);
+}
+
+TEST_F(NullExtension, isRefusedWhenTwoObjectsShareAPath) {
+  for (const char* const key : {"a", "b", "a"}) add(key);
+  EXPECT_FALSE(collect({false, true, false}));
+}
+
+TEST_F(NullExtension, ofNoObjectNeedsNoPaths) {
+  for (const char* const key : {"a", "a"}) add(key);
+  EXPECT_TRUE(collect({false, false}));
+  EXPECT_TRUE(extensions.empty());
 }
 
 }  // namespace
