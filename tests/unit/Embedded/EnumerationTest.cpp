@@ -22,10 +22,10 @@ TEST_F(EnumerationTest, NumbersAscendAndStayWithAnInstanceThatChanges) {
   createDisk("c");
   createDisk("a", 1, "CIM_FastDisk");
   createDisk("b");
-  manager.modifyInstance(*enumerate("CIM_Disk")->first()->getInstanceName(), {{"Caption", text("changed")}});
-  for (const QORSmrPtr<QORValSlist<QORString>>& names : {QORSmrPtr<QORValSlist<QORString>>(), nameList({"Size"})}) {
+  manager.modifyInstance(enumerate("CIM_Disk")->first()->getInstanceName(), {{"Caption", text("changed")}});
+  for (const CIMApi::PropertyNames& wanted : {CIMApi::PropertyNames(), names({"Size"})}) {
     QORuint64 last = 0;
-    const CIMApi::Instances disks = enumerate("CIM_Disk", names);
+    const CIMApi::Instances disks = enumerate("CIM_Disk", wanted);
     QORValSlistIterator<Object> each(*disks);
     while (++each) {
       EXPECT_GT(each.key()->getIdentity(), last);
