@@ -145,6 +145,10 @@ void CQoriBaseObject::appendPath(std::string& text) const {
   return _source.IsNull() ? IQoriObject::appendPath(text) : _source->appendPath(text);
 }
 
+QORuint32 CQoriBaseObject::getPathHash() const {
+  return _source.IsNull() ? IQoriObject::getPathHash() : _source->getPathHash();
+}
+
 QORSmrPtr<IQoriInstanceName> CQoriBaseObject::getInstanceName() const {
   if (!_source.IsNull()) return _source->getInstanceName();
   return _own->name.get([this] { return _own->makeName(); });

@@ -22,20 +22,20 @@ QORSmrPtr<IQoriObject> ModelInstance::create(const QORSmrPtr<ModelShape>& shape,
   instance._identity = identity;
   if (!name.IsNull()) {
     instance._name.keep(name);
-    instance._hasGivenName = true;
+    instance._hasGivenName = 1;
   }
   return made;
 }
 
 ModelInstance::ModelInstance(const QORSmrPtr<ModelShape>& shape) noexcept
-    : _shape(shape), _count(shape->layout->getPropertyCount()) {
+    : _shape(shape), _count(shape->layout->getPropertyCount() & 0x7fffffffU), _hasGivenName(0) {
   std::uninitialized_default_construct_n(mutableSlots(), _count);
 }
 
 ModelInstance::~ModelInstance() { std::destroy_n(mutableSlots(), _count); }
 
 void ModelInstance::fill(const std::vector<QORSmrPtr<IQoriValue>>& values) {
-  const QORuint32 given = std::min(_count, static_cast<QORuint32>(values.size()));
+  const QORuint32 given = std::min<QORuint32>(_count, static_cast<QORuint32>(values.size()));
   const ModelLayout& layout = *shape().layout.Get();
   for (QORuint32 i = 0; i < given; ++i) {
     try {
@@ -58,13 +58,23 @@ bool ModelInstance::hasKeys() const noexcept {
 }
 
 void ModelInstance::appendPath(std::string& text) const {
-  if (_hasGivenName) return IQoriObject::appendPath(text);
+  if (_hasGivenName != 0) return IQoriObject::appendPath(text);
   if (!hasKeys()) return;
   const ModelLayout& layout = *shape().layout.Get();
   model::PathText path(text, shape().nameSpace, shape().className);
   for (const QORuint32 position : shape().keysByName) {
     path.addKey(layout.getName(position), slots()[position].scalar(), *layout.getType(position));
   }
+}
+
+// Threads that meet at the first request work out the same number.
+QORuint32 ModelInstance::getPathHash() const {
+  QORuint32 hash = _pathHash.load(std::memory_order_relaxed);
+  if (hash == 0) {
+    hash = IQoriObject::getPathHash();
+    _pathHash.store(hash, std::memory_order_relaxed);
+  }
+  return hash;
 }
 
 QORSmrPtr<IQoriInstanceName> ModelInstance::makeName() const {

@@ -2,6 +2,7 @@
 #ifndef QORQL_MODEL_MODELINSTANCE_H
 #define QORQL_MODEL_MODELINSTANCE_H
 
+#include <atomic>
 #include <cstddef>
 #include <vector>
 
@@ -17,8 +18,9 @@ class ModelInstance final : public IQoriObject {
  public:
   // A value for each position of the layout (missing ones and null pointers:
   // NULL), converted to the declared type. `name` overrides the name that the
-  // shape's keys give; `identity` is what getIdentity() gives. THROWS QoriBaseException (type "CIM_Value") naming the
-  // property when a value cannot be of its type.
+  // shape's keys give; `identity` is what getIdentity() gives. THROWS
+  // QoriBaseException (type "CIM_Value") naming the property when a value cannot
+  // be of its type.
   static QORSmrPtr<IQoriObject> create(const QORSmrPtr<ModelShape>& shape,
                                        const std::vector<QORSmrPtr<IQoriValue>>& values,
                                        const QORSmrPtr<IQoriInstanceName>& name = {}, QORuint64 identity = 0);
@@ -32,6 +34,7 @@ class ModelInstance final : public IQoriObject {
   // Made at the first call, then shared. Null when the shape has no keys or a key has no value.
   QORSmrPtr<IQoriInstanceName> getInstanceName() const override;
   void appendPath(std::string& text) const override;
+  QORuint32 getPathHash() const override;
   QORuint64 getIdentity() const noexcept override { return _identity; }
   QORString getNameSpace() const override { return shape().nameSpace; }
   QORuint32 getPropertyCount() const noexcept override { return _count; }
@@ -59,8 +62,9 @@ class ModelInstance final : public IQoriObject {
   QORSmrPtr<ModelShape> _shape;
   QORuint64 _identity = 0;
   ModelNameCache _name;
-  QORuint32 _count;            // slots that live behind this object
-  bool _hasGivenName = false;  // in place of the one that the keys give
+  mutable std::atomic<QORuint32> _pathHash{0};  // 0: not worked out yet
+  QORuint32 _count : 31;                        // slots that live behind this object
+  QORuint32 _hasGivenName : 1;                  // in place of the name that the keys give
 };
 
 #endif

@@ -10,6 +10,7 @@
 #include "Cimom/QORQL/QORQL_ExpressionTerm.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_Function.h"
+#include "Cimom/QORQL/QORQL_IdentifierFinder.h"
 #include "Cimom/QORQL/QORQL_LazyTable.h"
 #include "Cimom/QORQL/QORQL_SelectedEntry.h"
 #include "Cimom/QORQL/QORQL_Term.h"
@@ -41,7 +42,7 @@ class BoundLiteral final : public QORQL_BoundValue {
 // A property that every object of the column has, or that is NULL where an object lacks it.
 class BoundProperty final : public QORQL_BoundValue {
  public:
-  explicit BoundProperty(const QORQL_PropertyColumn& column) : _column(column) {}
+  explicit BoundProperty(QORQL_PropertyColumn column) : _column(std::move(column)) {}
   Value value(const QORQL_RowView& row) const override { return _column.value(row.objects[_column.column()]); }
   QoriScalar view(const QORQL_RowView& row, Value& /*holder*/) const override {
     return _column.view(row.objects[_column.column()]);
@@ -152,19 +153,17 @@ QORsint32 QORQL_Binder::sourceColumn(const QORString& className) const {
 Bound QORQL_Binder::bindProperty(const QORString& className, const QORString& propertyName) const {
   const QORsint32 column = sourceColumn(className);
   if (column < 0) return std::make_unique<BoundNull>();
-  const auto property =
-      QORQL_PropertyColumn::bind(*_table.lazy()->rows(), static_cast<QORuint32>(column), propertyName);
+  auto property = QORQL_PropertyColumn::bind(*_table.lazy()->rows(), static_cast<QORuint32>(column), propertyName);
   if (!property) return nullptr;
-  if (property->isComplete()) return std::make_unique<BoundProperty>(*property);
+  if (property->isComplete()) return std::make_unique<BoundProperty>(std::move(*property));
   return std::make_unique<BoundPartialProperty>(*property, className, propertyName);
 }
 
 Bound QORQL_Binder::bindFetched(const QORString& className, const QORString& propertyName) const {
   const QORsint32 column = sourceColumn(className);
   if (column < 0) return std::make_unique<BoundNull>();
-  const auto property =
-      QORQL_PropertyColumn::bind(*_table.lazy()->rows(), static_cast<QORuint32>(column), propertyName);
-  return property ? std::make_unique<BoundProperty>(*property) : nullptr;
+  auto property = QORQL_PropertyColumn::bind(*_table.lazy()->rows(), static_cast<QORuint32>(column), propertyName);
+  return property ? std::make_unique<BoundProperty>(std::move(*property)) : nullptr;
 }
 
 Bound QORQL_Binder::bindFunction(const QORQL_Function& function) const {
@@ -209,6 +208,7 @@ Bound QORQL_Binder::bindChain(const Node& first) const {
 }
 
 Bound QORQL_Binder::bind(const QORSmrPtr<QORQL_Evaluatable>& node) const {
+  if (const QORQL_Factor* const sole = QORQL_soleFactorOf(node.Get())) return bindFactor(*sole);
   const QORQL_Evaluatable* current = node.Get();
   while (current != nullptr) {
     if (const auto* factor = dynamic_cast<const QORQL_Factor*>(current)) return bindFactor(*factor);

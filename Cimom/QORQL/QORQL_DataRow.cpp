@@ -16,13 +16,13 @@ QORString quoted(const char* prefix, const QORString& property, const QORString&
 
 }  // namespace
 
-QORQL_DataRow::QORQL_DataRow() : _cells(new QORValSlist<QORSmrPtr<IQoriObject>>()) {}
+QORQL_DataRow::QORQL_DataRow() : _cells(QORSmrPtr<QORValSlist<QORSmrPtr<IQoriObject>>>::Make()) {}
 
 QORQL_DataRow::QORQL_DataRow(const CellList& cells, QORQL_DataTable* parentTable)
     : _cells(cells), _parentTable(parentTable) {}
 
 QORQL_DataRow::QORQL_DataRow(const QORQL_DataRow& other)
-    : _cells(new QORValSlist<QORSmrPtr<IQoriObject>>()), _parentTable(other._parentTable) {
+    : _cells(QORSmrPtr<QORValSlist<QORSmrPtr<IQoriObject>>>::Make()), _parentTable(other._parentTable) {
   addCells(other._cells);
 }
 

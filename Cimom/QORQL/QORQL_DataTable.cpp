@@ -11,9 +11,7 @@
 
 namespace Messages = QORQL_ExecutionMessages;
 
-QORQL_DataTable::QORQL_DataTable()
-    : _columnHeader(new QORValSlist<QORSmrPtr<QORQL_TableHeader>>()),
-      _rows(new QORValSlist<QORSmrPtr<QORQL_DataRow>>()) {}
+QORQL_DataTable::QORQL_DataTable() : _columnHeader(HeaderList::Make()), _rows(RowList::Make()) {}
 
 // Adds the table's own, empty list to itself: callers rely on adding columns themselves.
 QORQL_DataTable::QORQL_DataTable(const HeaderList& /*headers*/) : QORQL_DataTable() {

@@ -35,8 +35,9 @@ class QORQL_ExpressionFactor : public QORQL_Evaluatable {
 
  private:
   void _evaluateHelper(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, const QORString& nameSpace);
-  void _fetchClasses(const QORSmrPtr<QORValSlist<QORSmrPtr<QORString>>>& names, QORQL_SymbolTable& symbolTable,
-                     QORSmrPtr<QORQL_DataTable>& table, const QORString& nameSpace);
+  // An empty name stands for no class.
+  void _fetchClass(const QORString& name, QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
+                   const QORString& nameSpace);
 
   QORSmrPtr<QORQL_Evaluatable> _comparison;
   QORQL_Operator _operator;

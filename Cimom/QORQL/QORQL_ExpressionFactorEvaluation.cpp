@@ -9,6 +9,7 @@
 #include "Cimom/QORQL/QORQL_ExecutionMessages.h"
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "Cimom/QORQL/QORQL_ExpressionFactor.h"
+#include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_Helper.h"
 #include "Cimom/QORQL/QORQL_IdentifierFinder.h"
 #include "Cimom/QORQL/QORQL_LazyFilter.h"
@@ -19,14 +20,36 @@ namespace {
 
 using Object = QORSmrPtr<IQoriObject>;
 using RowList = QORQL_DataTable::RowList;
-using ClassNames = QORQL_IdentifierFinder::ClassNameList;
+using ClassName = QORSmrPtr<QORString>;
 
-ClassNames classNamesOf(const QORSmrPtr<QORQL_Evaluatable>& side) {
-  QORQL_IdentifierFinder* const finder = new QORQL_IdentifierFinder();
-  QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
-  if (dynamic_cast<QORQL_Arithmetic*>(side.Get()) != nullptr) side->accept(visitor);
-  return finder->getClassNameList();
-}
+// The class names that a side of a comparison has, in order, empty ones too.
+class SideNames {
+ public:
+  explicit SideNames(const QORSmrPtr<QORQL_Evaluatable>& side) {
+    if (const QORQL_Factor* const sole = QORQL_soleFactorOf(side.Get())) {
+      _only = sole->getClassName();
+    } else if (dynamic_cast<QORQL_Arithmetic*>(side.Get()) != nullptr) {
+      QORQL_IdentifierFinder* const finder = new QORQL_IdentifierFinder();
+      QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
+      side->accept(visitor);
+      _several = finder->getClassNameList();
+      if (_several->entries() == 1) _only = _several->first();
+    }
+  }
+  // The one class name; null when there is none or several.
+  const ClassName& only() const noexcept { return _only; }
+  template <class Use>
+  void forEach(const Use& use) const {
+    if (!_only.IsNull()) return use(*_only);
+    if (_several.IsNull()) return;
+    QORValSlistIterator<ClassName> names(*_several);
+    while (++names) use(*names.key());
+  }
+
+ private:
+  ClassName _only;
+  QORQL_IdentifierFinder::ClassNameList _several;
+};
 
 // The cell of one side; null when the side has no column or the row no such cell.
 Object sideCell(const QORQL_DataRow& row, QORsint32 column) {
@@ -90,15 +113,10 @@ void QORQL_ExpressionFactor::evaluateOR(QORQL_SymbolTable& symbolTable, QORSmrPt
   evaluate(symbolTable, other, nameSpace);
 }
 
-void QORQL_ExpressionFactor::_fetchClasses(const QORSmrPtr<QORValSlist<QORSmrPtr<QORString>>>& names,
-                                           QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
-                                           const QORString& nameSpace) {
-  QORValSlistIterator<QORSmrPtr<QORString>> iterator(*names);
-  while (++iterator) {
-    if (iterator.key()->isEmpty()) continue;
-    QORQL_Helper::updateTable(*iterator.key(), symbolTable, table, nameSpace, _comparison, _operator, _queryString,
-                              _queryLanguage);
-  }
+void QORQL_ExpressionFactor::_fetchClass(const QORString& name, QORQL_SymbolTable& symbolTable,
+                                         QORSmrPtr<QORQL_DataTable>& table, const QORString& nameSpace) {
+  if (name.isEmpty()) return;
+  QORQL_Helper::updateTable(name, symbolTable, table, nameSpace, _comparison, _operator, _queryString, _queryLanguage);
 }
 
 void QORQL_ExpressionFactor::_evaluateHelper(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
@@ -107,22 +125,21 @@ void QORQL_ExpressionFactor::_evaluateHelper(QORQL_SymbolTable& symbolTable, QOR
   if (comparison == nullptr) {
     throw QORQL_Exception(QORQL_Exception::QORQL_INTERNAL_ERROR, QORQL_ExecutionMessages::kNotAComparison);
   }
-  const ClassNames left(classNamesOf(comparison->getLHSArithmeticExpression()));
-  _fetchClasses(left, symbolTable, table, nameSpace);
-  ClassNames right(new QORValSlist<QORSmrPtr<QORString>>());
-  if (comparison->getOperator() != QORQL_OperatorISA) {
-    right = classNamesOf(comparison->getRHSArithmeticExpression());
-    _fetchClasses(right, symbolTable, table, nameSpace);
-  }
+  const auto fetch = [&](const QORString& name) { _fetchClass(name, symbolTable, table, nameSpace); };
+  const SideNames left(comparison->getLHSArithmeticExpression());
+  left.forEach(fetch);
+  const bool isIsa = comparison->getOperator() == QORQL_OperatorISA;
+  const SideNames right(isIsa ? QORSmrPtr<QORQL_Evaluatable>() : comparison->getRHSArithmeticExpression());
+  right.forEach(fetch);
   if (table->getRowCount() == 0) return;
 
   QORQL_Condition condition;
   condition.node = _comparison;
   condition.isNegated = _operator == QORQL_OperatorNOT;
   const bool isOuter = comparison->getJoinType() != QORQL_JOIN_TYPE_INNER;
-  if (isOuter && left->entries() == 1 && right->entries() == 1) {
-    condition.leftColumn = table->getColumnIndex(*left->first());
-    condition.rightColumn = table->getColumnIndex(*right->first());
+  if (isOuter && !left.only().IsNull() && !right.only().IsNull()) {
+    condition.leftColumn = table->getColumnIndex(*left.only());
+    condition.rightColumn = table->getColumnIndex(*right.only());
   }
   QORQL_ExecutionMonitor::Method method = QORQL_ExecutionMonitor::kMethodFilter;
   if (table->lazy() == nullptr) {

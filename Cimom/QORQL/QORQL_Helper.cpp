@@ -115,7 +115,7 @@ void addFirstRows(QORSmrPtr<QORQL_DataTable>& table, const ObjectList& objects, 
   while (++iterator) {
     const QORSmrPtr<IQoriObject>& object = iterator.key();
     if (object.IsNull()) continue;
-    QORSmrPtr<QORQL_DataRow> row(new QORQL_DataRow());
+    auto row = QORSmrPtr<QORQL_DataRow>::Make();
     updatePreFilter(table, object);
     row->addCell(column, object);
     if (test.keeps(row, object)) table->addRow(row);
@@ -123,7 +123,7 @@ void addFirstRows(QORSmrPtr<QORQL_DataTable>& table, const ObjectList& objects, 
 }
 
 void multiplyRows(QORSmrPtr<QORQL_DataTable>& table, const ObjectList& objects, QORuint32 column, const RowTest& test) {
-  RowList product(new QORValSlist<QORSmrPtr<QORQL_DataRow>>());
+  const RowList product(RowList::Make());
   QORQL_StopCheck stopCheck;
   QORValSlistIterator<QORSmrPtr<QORQL_DataRow>> rows(*table->getRows());
   while (++rows) {
@@ -132,7 +132,7 @@ void multiplyRows(QORSmrPtr<QORQL_DataTable>& table, const ObjectList& objects, 
       const QORSmrPtr<IQoriObject>& object = iterator.key();
       if (object.IsNull()) continue;
       stopCheck.count();
-      QORSmrPtr<QORQL_DataRow> row(new QORQL_DataRow(*rows.key()));
+      auto row = QORSmrPtr<QORQL_DataRow>::Make(*rows.key());
       updatePreFilter(table, object);
       row->addCell(column, object);
       if (test.keeps(row, object)) product->append(row);
@@ -147,7 +147,8 @@ void addRows(QORSmrPtr<QORQL_DataTable>& table, const ObjectList& objects, const
   const QORuint32 column = table->getColumnCount();
   const bool hadRows = table->getRowCount() != 0;
   const bool hasObjects = !objects->isEmpty();
-  table->addColumn(new QORQL_TableHeader(className, alias, QORString::emptyString()), column, hadRows && !hasObjects);
+  table->addColumn(QORSmrPtr<QORQL_TableHeader>::Make(className, alias, QORString::emptyString()), column,
+                   hadRows && !hasObjects);
   if (!hasObjects) return;
   if (hadRows) {
     multiplyRows(table, objects, column, test);
@@ -227,7 +228,7 @@ void QORQL_Helper::addObjectToTable(QORSmrPtr<QORQL_DataTable>& table, const Obj
     return;
   }
   recordPreFilter(table, objects);
-  table->addExtent(new QORQL_TableHeader(className, alias, QORString::emptyString()), std::move(extent));
+  table->addExtent(QORSmrPtr<QORQL_TableHeader>::Make(className, alias, QORString::emptyString()), std::move(extent));
 }
 
 void QORQL_Helper::addObjectToTable(QORSmrPtr<QORQL_DataTable>& table, const ObjectList& objects,

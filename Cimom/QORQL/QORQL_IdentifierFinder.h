@@ -5,6 +5,9 @@
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
 #include "cmpbase.h"
 
+class QORQL_Evaluatable;
+class QORQL_Factor;
+
 class QORQL_IdentifierFinder : public QORQL_ExpressionVisitor {
  public:
   using ClassNameList = QORSmrPtr<QORValSlist<QORSmrPtr<QORString>>>;
@@ -34,5 +37,10 @@ class QORQL_IdentifierFinder : public QORQL_ExpressionVisitor {
   QORSmrPtr<QORString> _propertyName;
   ClassNameList _classNameList;
 };
+
+// The literal or reference that is all of an arithmetic expression, as it is of
+// most sides of most comparisons; null for anything else. BORROWS. Spares those
+// sides a finder of their own.
+const QORQL_Factor* QORQL_soleFactorOf(const QORQL_Evaluatable* side) noexcept;
 
 #endif

@@ -4,10 +4,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <memory>
 #include <numeric>
 
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
+#include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_IdentifierFinder.h"
 #include "Cimom/QORQL/QORQL_LazyJoin.h"
 #include "Cimom/QORQL/QORQL_LazyTable.h"
@@ -18,14 +20,19 @@
 void QORQL_addColumnsRead(const QORSmrPtr<QORQL_Evaluatable>& side, const QORQL_DataTable& table,
                           std::vector<QORuint32>& columns) {
   if (side.IsNull()) return;
+  const auto add = [&](const QORString& name) {
+    const QORsint32 column = name.isEmpty() ? -1 : table.getColumnIndex(name);
+    if (column >= 0) columns.push_back(static_cast<QORuint32>(column));
+  };
+  if (const QORQL_Factor* const sole = QORQL_soleFactorOf(side.Get())) {
+    if (!sole->getClassName().IsNull()) add(*sole->getClassName());
+    return;
+  }
   auto visitor = QORSmrPtr<QORQL_ExpressionVisitor>::Make<QORQL_IdentifierFinder>();
   const auto* const finder = static_cast<const QORQL_IdentifierFinder*>(visitor.Get());
   side->accept(visitor);
   QORValSlistIterator<QORSmrPtr<QORString>> names(*finder->getClassNameList());
-  while (++names) {
-    const QORsint32 column = names.key()->isEmpty() ? -1 : table.getColumnIndex(*names.key());
-    if (column >= 0) columns.push_back(static_cast<QORuint32>(column));
-  }
+  while (++names) add(*names.key());
 }
 
 namespace {
@@ -67,10 +74,31 @@ void recordSide(const QORQL_RowView& view, QORsint32 column, Record record) {
   if (view.objects[place] != nullptr) record(QORQL_instanceKey(*view.objects[place]), view.indexes[place]);
 }
 
-// Tests the rows of one block in order and keeps those that hold.
+// Leaves those of a block's rows whose tuples are given.
+void keepRows(QORQL_RowBlock& block, std::vector<QORuint32>&& kept) {
+  const QORuint64 keptCount = kept.size() / block.columns.size();
+  if (keptCount == block.rowCount) return;
+  block.isWholeExtent = false;
+  block.tuples = std::move(kept);
+  block.rowCount = keptCount;
+}
+
+// The tuples of some of a run's rows, which are given by their place in it.
+void copyTuples(const QORQL_RowBlock& block, QORuint64 first, const QORuint32* places, std::size_t count,
+                QORuint32* out) {
+  const std::size_t width = block.columns.size();
+  if (block.isWholeExtent) {
+    for (std::size_t i = 0; i < count; ++i) out[i] = static_cast<QORuint32>(first) + places[i];
+    return;
+  }
+  const QORuint32* const tuples = block.tuples.data() + first * width;
+  for (std::size_t i = 0; i < count; ++i) out = std::copy_n(tuples + places[i] * width, width, out);
+}
+
+// Tests the rows of one block in order and finds those that hold.
 class BlockFilter {
  public:
-  BlockFilter(QORQL_LazyRows& rows, const QORQL_Condition& condition, QORQL_RowTruth& truth)
+  BlockFilter(const QORQL_LazyRows& rows, const QORQL_Condition& condition, QORQL_RowTruth& truth)
       : _rows(rows), _condition(condition), _truth(truth) {
     const QORQL_JoinType joinType = condition.comparison().getJoinType();
     if (joinType != QORQL_JOIN_TYPE_INNER) _join = std::make_unique<QORQL_OuterJoin<QORuint32>>(joinType);
@@ -80,8 +108,8 @@ class BlockFilter {
     }
   }
 
-  void run(std::size_t blockNumber) {
-    QORQL_RowBlock& block = _rows.blocks()[blockNumber];
+  // The tuples of the rows that stay.
+  std::vector<QORuint32> run(const QORQL_RowBlock& block) {
     const std::size_t width = block.columns.size();
     QORQL_RowView view(_rows);
     std::vector<QORuint32> kept;
@@ -93,27 +121,19 @@ class BlockFilter {
       const std::size_t keptCount = filterRun(block, first, count, view, keptOfRun);
       const std::size_t start = kept.size();
       kept.resize(start + keptCount * width);
-      QORuint32* tuple = kept.data() + start;
-      for (std::size_t i = 0; i < keptCount; ++i) {
-        for (std::size_t place = 0; place < width; ++place) *tuple++ = block.index(first + keptOfRun[i], place);
-      }
+      copyTuples(block, first, keptOfRun.data(), keptCount, kept.data() + start);
     }
-    const QORuint64 keptCount = kept.size() / width;
-    if (keptCount == block.rowCount) return;
-    block.isWholeExtent = false;
-    block.tuples = std::move(kept);
-    block.rowCount = keptCount;
+    return kept;
   }
 
-  void addOuterRows() {
+  // What an outer join adds to the rows that stay.
+  void addOuterRows(QORQL_LazyRows& rows) const {
     if (_join == nullptr) return;
-    _rows.flatten();
-    _join->forEachLeft([this](QORuint32 index) {
-      QORQL_appendExtendedRow(_rows, static_cast<QORuint32>(_condition.leftColumn), index);
-    });
-    _join->forEachRight([this](QORuint32 index) {
-      QORQL_appendExtendedRow(_rows, static_cast<QORuint32>(_condition.rightColumn), index);
-    });
+    rows.flatten();
+    _join->forEachLeft(
+        [&](QORuint32 index) { QORQL_appendExtendedRow(rows, static_cast<QORuint32>(_condition.leftColumn), index); });
+    _join->forEachRight(
+        [&](QORuint32 index) { QORQL_appendExtendedRow(rows, static_cast<QORuint32>(_condition.rightColumn), index); });
   }
 
  private:
@@ -126,12 +146,15 @@ class BlockFilter {
     if (_join != nullptr || !_truth.testRun(block, first, count, truths)) {
       truths.fill(QORQL_RunTruth::Undecided);
     }
-    std::size_t keptCount = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-      if (truths[i] == QORQL_RunTruth::Undecided) {
+    if (std::memchr(truths.data(), static_cast<int>(QORQL_RunTruth::Undecided), count) != nullptr) {
+      for (std::size_t i = 0; i < count; ++i) {
+        if (truths[i] != QORQL_RunTruth::Undecided) continue;
         view.select(block, first + i);
         truths[i] = static_cast<QORQL_RunTruth>(testRow(view));
       }
+    }
+    std::size_t keptCount = 0;
+    for (std::size_t i = 0; i < count; ++i) {
       kept[keptCount] = static_cast<QORuint32>(i);
       keptCount += _keeps[static_cast<std::size_t>(truths[i])] ? 1 : 0;
     }
@@ -150,7 +173,7 @@ class BlockFilter {
     return truth;
   }
 
-  QORQL_LazyRows& _rows;
+  const QORQL_LazyRows& _rows;
   const QORQL_Condition& _condition;
   QORQL_RowTruth& _truth;
   std::unique_ptr<QORQL_OuterJoin<QORuint32>> _join;  // null: an inner join
@@ -211,8 +234,9 @@ Monitor::Method filterRows(QORQL_LazyRows& rows, const QORQL_Condition& conditio
   }
   if (numbers.size() > 1) rows.multiply(numbers);
   BlockFilter filter(rows, condition, truth);
-  filter.run(numbers.front());
-  filter.addOuterRows();
+  QORQL_RowBlock& block = rows.blocks()[numbers.front()];
+  keepRows(block, filter.run(block));
+  filter.addOuterRows(rows);
   return numbers.size() > 1 ? Monitor::kMethodFilteredProduct : Monitor::kMethodFilter;
 }
 
@@ -220,9 +244,17 @@ Monitor::Method filterRows(QORQL_LazyRows& rows, const QORQL_Condition& conditio
 
 QORQL_ExecutionMonitor::Method QORQL_filterLazily(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
                                                   const QORQL_Condition& condition, const QORString& nameSpace) {
-  // Errors leave the table as it was: the work is done on rows of its own.
+  // Errors leave the table as it was: rows are tested before they are changed,
+  // and what changes more than one block's rows is done on a copy.
+  const BlockNumbers numbers = touchedBlocks(*table, *table->lazy()->rows(), condition);
+  if (numbers.size() == 1 && condition.comparison().getJoinType() == QORQL_JOIN_TYPE_INNER) {
+    const auto truth = QORQL_RowTruth::make(symbolTable, table, condition, nameSpace);
+    const QORQL_LazyRows& tested = *table->lazy()->rows();
+    std::vector<QORuint32> kept = BlockFilter(tested, condition, *truth).run(tested.blocks()[numbers.front()]);
+    keepRows(table->lazy()->ownRows().blocks()[numbers.front()], std::move(kept));
+    return Monitor::kMethodFilter;
+  }
   auto rows = std::make_shared<QORQL_LazyRows>(*table->lazy()->rows());
-  const BlockNumbers numbers = touchedBlocks(*table, *rows, condition);
   const bool isJoined = tryJoin(*table, *rows, condition, numbers);
   const Monitor::Method method =
       isJoined ? joinMethod(condition)

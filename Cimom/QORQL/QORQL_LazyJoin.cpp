@@ -133,6 +133,8 @@ struct Join {
   QoriRelation relation;
 
   bool matches(QORuint64 outerRow, QORuint64 innerRow) const noexcept {
+    // Equal keys have equal hashes.
+    if (relation == QoriRelation::Equal && outerKeys.hashes()[outerRow] != innerKeys.hashes()[innerRow]) return false;
     const QoriScalar& a = outerKeys.keys()[outerRow];
     const QoriScalar& b = innerKeys.keys()[innerRow];
     return isLeftOuter ? isTrue(a, relation, b) : isTrue(b, relation, a);

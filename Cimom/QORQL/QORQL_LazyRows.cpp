@@ -18,17 +18,19 @@ constexpr QORuint32 kSmall = 65536;
 
 QORQL_Extent::QORQL_Extent(const ObjectList& list) : _list(list), _cursor(*list) {
   const IQoriLayout* previous = nullptr;
-  QORValSlistIterator<QORSmrPtr<IQoriObject>> iterator(*list);
+  bool isFirst = true;
   const bool isSmall = size() <= kSmall;
-  if (isSmall) _objects.reserve(size());
-  for (bool isFirst = true; ++iterator; isFirst = false) {
-    const IQoriObject* const object = iterator.key().Get();
+  _objects.resize(isSmall ? size() : 0);
+  const IQoriObject** place = _objects.data();
+  list->forEach([&](const QORSmrPtr<IQoriObject>& pointer) {
+    const IQoriObject* const object = pointer.Get();
+    if (isSmall) *place++ = object;
     const IQoriLayout* const layout = object == nullptr ? nullptr : object->getLayout();
     _hasNull = _hasNull || object == nullptr;
     if (isFirst || layout != previous) noteLayout(layout);
     previous = layout;
-    if (isSmall) _objects.push_back(object);
-  }
+    isFirst = false;
+  });
 }
 
 // One object without layout decides.
@@ -42,8 +44,7 @@ void QORQL_Extent::noteLayout(const IQoriLayout* layout) {
 
 void QORQL_Extent::makeObjects() const {
   _objects.reserve(size());
-  QORValSlistIterator<QORSmrPtr<IQoriObject>> iterator(*_list);
-  while (++iterator) _objects.push_back(iterator.key().Get());
+  _list->forEach([this](const QORSmrPtr<IQoriObject>& pointer) { _objects.push_back(pointer.Get()); });
 }
 
 void QORQL_Extent::copyRun(QORuint32 first, std::size_t count, const IQoriObject** out) const {

@@ -6,7 +6,7 @@
 namespace {
 
 QORSmrPtr<QORValSlist<QORString>> allNames(const IQoriObject& object) {
-  QORSmrPtr<QORValSlist<QORString>> names(new QORValSlist<QORString>());
+  auto names = QORSmrPtr<QORValSlist<QORString>>::Make();
   for (QORuint32 i = 0; i < object.getPropertyCount(); ++i) names->append(object.getPropertyAt(i)->getName());
   return names;
 }
@@ -23,8 +23,8 @@ QORSmrPtr<IQoriObject> QORQL_LazyTable::cellObject(const QORQL_RowView& row, QOR
   QORSmrPtr<IQoriObject> object(row.rows->pointer(column, row.indexes[column]));
   if (_cells.empty() || object.IsNull()) return object;
   const QORQL_LazyCell& kept = _cells[cell];
-  return QORSmrPtr<IQoriObject>(
-      new CQoriBaseObject(object, kept.allProperties ? allNames(*object) : kept.properties, true));
+  return QORSmrPtr<IQoriObject>::Make<CQoriBaseObject>(object, kept.allProperties ? allNames(*object) : kept.properties,
+                                                       true);
 }
 
 void QORQL_LazyTable::fillRow(const QORQL_RowView& view, QORQL_DataRow& row) const {
@@ -37,7 +37,7 @@ void QORQL_LazyTable::fillRow(const QORQL_RowView& view, QORQL_DataRow& row) con
 }
 
 QORSmrPtr<QORQL_DataRow> QORQL_LazyTable::makeRow(const QORQL_RowView& view) const {
-  QORSmrPtr<QORQL_DataRow> row(new QORQL_DataRow());
+  auto row = QORSmrPtr<QORQL_DataRow>::Make();
   QORValSlist<QORSmrPtr<IQoriObject>>& cells = *row->getAllCells();
   for (QORuint32 cell = 0; cell < cellCount(); ++cell) cells.append(cellObject(view, cell));
   return row;

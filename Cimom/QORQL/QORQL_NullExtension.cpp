@@ -3,6 +3,8 @@
 #include "Cimom/QORQL/QORQL_NullExtension.h"
 
 #include <algorithm>
+#include <array>
+#include <numeric>
 #include <string>
 #include <string_view>
 
@@ -70,6 +72,16 @@ bool haveDistinctNumbers(const QORQL_LazyRows& rows, const QORQL_RowBlock& block
   return true;
 }
 
+// Those from `start` on, by bucket; those of one bucket keep their order.
+void sortByBucket(std::vector<QORQL_NullExtension>& extensions, std::size_t start) {
+  std::array<std::size_t, QORQL_kMapBuckets + 1> places{};
+  for (std::size_t i = start; i < extensions.size(); ++i) ++places[extensions[i].bucket + 1];
+  std::partial_sum(places.begin(), places.end(), places.begin());
+  std::vector<QORQL_NullExtension> sorted(extensions.size() - start);
+  for (std::size_t i = start; i < extensions.size(); ++i) sorted[places[extensions[i].bucket]++] = extensions[i];
+  std::copy(sorted.begin(), sorted.end(), extensions.begin() + static_cast<std::ptrdiff_t>(start));
+}
+
 }  // namespace
 
 bool QORQL_collectExtensions(const QORQL_LazyRows& rows, const QORQL_RowBlock& block,
@@ -81,17 +93,22 @@ bool QORQL_collectExtensions(const QORQL_LazyRows& rows, const QORQL_RowBlock& b
   PathSet seen(areDistinct ? 0 : block.rowCount);
   MapHash hash;
   std::string path;
+  const auto bucketOf = [&](const IQoriObject& object) {
+    return (areDistinct ? object.getPathHash() : hash.of(path)) % QORQL_kMapBuckets;
+  };
   QORQL_StopCheck stopCheck;
   for (QORuint64 row = 0; row < block.rowCount; ++row) {
     stopCheck.count();
     const QORuint32 index = block.index(row, 0);
     if (index == QORQL_kNoObject || (areDistinct && !isUnmatched[row])) continue;
-    path.clear();
-    rows.object(column, index)->appendPath(path);
-    if (!areDistinct && !seen.add(path)) return false;
-    if (isUnmatched[row]) extensions.push_back({hash.of(path) % QORQL_kMapBuckets, column, index});
+    const IQoriObject& object = *rows.object(column, index);
+    if (!areDistinct) {
+      path.clear();
+      object.appendPath(path);
+      if (!seen.add(path)) return false;
+    }
+    if (isUnmatched[row]) extensions.push_back({bucketOf(object), column, index});
   }
-  std::stable_sort(extensions.begin() + static_cast<std::ptrdiff_t>(start), extensions.end(),
-                   [](const auto& a, const auto& b) { return a.bucket < b.bucket; });
+  sortByBucket(extensions, start);
   return true;
 }

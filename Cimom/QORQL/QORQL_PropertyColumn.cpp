@@ -58,17 +58,15 @@ void QORQL_PropertyColumn::fetch(const QORQL_RowBlock& block, QORuint64 first, s
 }
 
 void QORQL_PropertyColumn::read(const IQoriObject* const* objects, std::size_t count, QoriScalar* out) const noexcept {
+  // The texts are on their way while the caller is busy with the first of them.
   if (_onlyPosition < 0) {
     for (std::size_t i = 0; i < count; ++i) out[i] = view(objects[i]);
   } else {
     const QORuint32 position = static_cast<QORuint32>(_onlyPosition);
     for (std::size_t i = 0; i < count; ++i) {
       out[i] = objects[i] == nullptr ? QoriScalar() : objects[i]->getScalarAt(position);
+      if (out[i].kind == QoriScalarKind::Text) __builtin_prefetch(out[i].text->data());
     }
-  }
-  // The texts are on their way while the caller is busy with the first of them.
-  for (std::size_t i = 0; i < count; ++i) {
-    if (out[i].kind == QoriScalarKind::Text) __builtin_prefetch(out[i].text->data());
   }
 }
 

@@ -6,6 +6,7 @@
 #include "Cimom/QORQL/QORQL_Comparison.h"
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
 #include "Cimom/QORQL/QORQL_Function.h"
+#include "Cimom/QORQL/QORQL_IdentifierFinder.h"
 #include "Cimom/QORQL/QORQL_LazyTable.h"
 #include "Cimom/QORQL/QORQL_Values.h"
 
@@ -157,6 +158,12 @@ class InstanceOfFinder : public QORQL_ExpressionVisitor {
 }  // namespace
 
 bool QORQL_RowTruth::asksObjectManager(const QORQL_Condition& condition) {
+  const QORQL_Comparison& comparison = condition.comparison();
+  const QORSmrPtr<QORQL_Evaluatable>& right = comparison.getRHSArithmeticExpression();
+  if (QORQL_soleFactorOf(comparison.getLHSArithmeticExpression().Get()) != nullptr &&
+      (right.IsNull() || QORQL_soleFactorOf(right.Get()) != nullptr)) {
+    return false;
+  }
   InstanceOfFinder* const finder = new InstanceOfFinder();
   QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
   condition.node->accept(visitor);

@@ -40,7 +40,7 @@ void QORQL_SelectList::execute(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_D
   const QORQL_StepScope step(QORQL_ExecutionMonitor::kStepProject, QORString::emptyString());
   _updateTableIfRequired(symbolTable, table, nameSpace);
   const QORQL_ProjectionPlan plan(*this, symbolTable, *table);
-  Table result(new QORQL_DataTable());
+  Table result(Table::Make());
   result->inherit(*table);
   const HeaderList headers(_buildTableHeader(table, plan));
   result->addColumns(headers, false);
@@ -78,7 +78,7 @@ void QORQL_SelectList::_updateTableIfRequired(QORQL_SymbolTable& symbols, Table&
 
 // The columns of what is kept, each once, then that of the function results.
 QORQL_SelectList::HeaderList QORQL_SelectList::_buildTableHeader(const Table& table, const QORQL_ProjectionPlan& plan) {
-  HeaderList headers(new QORValSlist<QORSmrPtr<QORQL_TableHeader>>());
+  const HeaderList headers(HeaderList::Make());
   std::vector<QORsint32> seen;
   for (const QORQL_ProjectionPlan::Item& item : plan.items()) {
     const QORsint32 column = table->getObjectColumn(item.className);
@@ -88,7 +88,7 @@ QORQL_SelectList::HeaderList QORQL_SelectList::_buildTableHeader(const Table& ta
   }
   if (plan.hasFunctions()) {
     const QORString& none = QORString::emptyString();
-    headers->append(new QORQL_TableHeader(_FUNCTIONS_VALUES_CLASS, none, none));
+    headers->append(QORSmrPtr<QORQL_TableHeader>::Make(_FUNCTIONS_VALUES_CLASS, none, none));
   }
   return headers;
 }
@@ -98,7 +98,7 @@ namespace {
 // What a lazy projection keeps of one column.
 struct Kept {
   bool all = false;
-  QORSmrPtr<QORValSlist<QORString>> names{new QORValSlist<QORString>()};
+  QORSmrPtr<QORValSlist<QORString>> names = QORSmrPtr<QORValSlist<QORString>>::Make();
 };
 
 // Every object that may be read has the property.

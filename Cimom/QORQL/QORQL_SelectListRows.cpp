@@ -113,7 +113,7 @@ Row QORQL_SelectList::_buildRow(Row& row, const Table& resultTable, const Header
     const QORSmrPtr<IQoriProperty> property(propertyOf(*row, item));
     if (!property.IsNull()) addOnce(*list, property->getName());
   }
-  Row built(new QORQL_DataRow());
+  Row built(Row::Make());
   built->setParentTable(resultTable.Get());
   QORValSlistIterator<QORSmrPtr<QORQL_TableHeader>> iterator(*headers);
   for (QORuint32 cell = 0; ++iterator; ++cell) {
@@ -153,10 +153,10 @@ QORQL_SelectList::RowList QORQL_SelectList::_buildTableRows(Table& table, const 
                                                             QORQL_SymbolTable& symbols, const HeaderList& headers,
                                                             const QORQL_ProjectionPlan& plan) const {
   const QORSmrPtr<FunctionResults> results(_getFunctionResults(symbols, table));
-  RowList rows(new QORValSlist<Row>());
+  RowList rows(RowList::Make());
   try {
     if (results->hasOnlyAggregateFunctions) {
-      Row row(new QORQL_DataRow());
+      Row row(Row::Make());
       row->setParentTable(resultTable.Get());
       row->addCell(0, _functionResultsToObject(*results));
       rows->append(row);

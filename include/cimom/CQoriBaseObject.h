@@ -34,6 +34,7 @@ class CQoriBaseObject final : public IQoriObject {
   const QORString& getClassName() const noexcept override;
   QORSmrPtr<IQoriInstanceName> getInstanceName() const override;
   void appendPath(std::string& text) const override;
+  QORuint32 getPathHash() const override;
   QORuint64 getIdentity() const noexcept override { return _identity; }
   QORString getNameSpace() const override;
   QORuint32 getPropertyCount() const noexcept override;

@@ -45,6 +45,12 @@ class IQoriObject {
   // numbers have different paths; 0 tells nothing. An object manager that numbers
   // its instances in the order in which it returns them spares callers their paths.
   virtual QORuint64 getIdentity() const noexcept { return 0; }
+  // hashKeyBytes of what appendPath appends. Objects may remember it.
+  virtual QORuint32 getPathHash() const {
+    std::string path;
+    appendPath(path);
+    return hashKeyBytes(path);
+  }
   // Namespace the instance came from; empty when it has none.
   virtual QORString getNameSpace() const = 0;
 

@@ -112,6 +112,11 @@ class QORValSlist {
 
   QORuint32 entries() const noexcept { return _entries; }
   bool isEmpty() const noexcept { return _entries == 0; }
+  // Calls use(value) for each value from the head on. REQUIRES that it leaves the list alone.
+  template <class Use>
+  void forEach(const Use& use) const {
+    for (const Item* item = _head; item != nullptr; item = item->_next) use(item->_data);
+  }
   void clear() noexcept {
     while (_head != nullptr) {
       Item* const next = _head->_next;
