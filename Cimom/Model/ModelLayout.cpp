@@ -37,7 +37,7 @@ std::size_t model::foldedHash(const QORString& name) noexcept {
 }
 
 ModelLayout::ModelLayout(const std::vector<Column>& columns, const ModelRestriction* origin)
-    : _positions(std::bit_ceil(2 * columns.size() + 1), -1), _serial(nextSerial()), _origin(origin) {
+    : IQoriLayout(nextSerial()), _positions(std::bit_ceil(2 * columns.size() + 1), -1), _origin(origin) {
   _columns.reserve(columns.size());
   for (const Column& column : columns) {
     const std::size_t slot = findSlot(column.name);

@@ -33,7 +33,6 @@ class ModelLayout final : public IQoriLayout {
   ModelLayout& operator=(const ModelLayout&) = delete;
   ~ModelLayout() override;
 
-  QORuint64 getSerial() const noexcept override { return _serial; }
   QORuint32 getPropertyCount() const noexcept override { return static_cast<QORuint32>(_columns.size()); }
   QORsint32 getPosition(const QORString& name) const noexcept override;
   const QORString& getName(QORuint32 position) const noexcept override { return _columns[position].name; }
@@ -58,7 +57,6 @@ class ModelLayout final : public IQoriLayout {
 
   std::vector<Column> _columns;
   std::vector<QORsint32> _positions;  // open addressing, power of two; -1 marks a free slot
-  const QORuint64 _serial;
   const ModelRestriction* const _origin;
   mutable std::mutex _mutex;                                       // guards what follows
   mutable std::vector<QORSmrPtr<ModelRestriction>> _restrictions;  // the most recent ones

@@ -63,7 +63,12 @@ const CQLQueryStatement::Node* CQLQueryStatement::parenthesised(const Node& comp
 }
 
 bool CQLQueryStatement::isMatch(const QORSmrPtr<IQoriObject>& instance, const QORString& nameSpace) const {
-  if (_matcher == nullptr) requireValidated(kIsMatch);
+  if (_matcher == nullptr) {
+    requireValidated(kIsMatch);
+  } else {
+    const CQLQuickTest::Outcome outcome = _matcher->matchesQuickly(instance.Get(), nameSpace);
+    if (outcome != CQLQuickTest::Outcome::Undecided) return outcome == CQLQuickTest::Outcome::Holds;
+  }
   if (instance.IsNull()) CQLQueryException::raise(kIsMatch, CQL_QUERY_INVALID_OR_NULL_PARM_ERROR);
   bool result = false;
   const CQLQueryExceptionCode code = doMatch(result, instance, nameSpace);

@@ -34,6 +34,8 @@ QORString declaredName(const QORString& nameSpace, const QORString& className) {
 }  // namespace
 
 CQLMatcher::CQLMatcher(const CQLQueryStatement& statement) : _statement(statement) {
+  const QORString& nameSpace = statement.nameSpaceInUse();
+  if (!nameSpace.isNull()) _nameSpaceText = nameSpace.data();
   QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*statement.fromClause().getFromSpecifierList());
   while (++specifiers) _classes.push_back(declaredName(statement.nameSpaceInUse(), specifiers.key()->getTableName()));
   const auto& query = dynamic_cast<const QORQL_Query&>(*statement._query);
@@ -67,7 +69,13 @@ bool CQLMatcher::isOfFromClass(const IQoriObject& instance) const {
   const QORString& name = instance.getClassName();
   if (name.isEmpty()) return false;
   for (const QORString& wanted : _classes) {
-    if (name.data() == wanted.data() || name.isEqualCaseInsensitive(wanted)) return true;
+    if (name.data() != wanted.data() && !name.isEqualCaseInsensitive(wanted)) continue;
+    const IQoriLayout* const layout = instance.getLayout();
+    const QORuint64 serial = layout == nullptr ? 0 : layout->getSerial();
+    if (serial != 0 && _fromSerial.load(std::memory_order_relaxed) != serial) {
+      _fromSerial.store(serial, std::memory_order_relaxed);
+    }
+    return true;
   }
   return std::any_of(_classes.begin(), _classes.end(), [&](const QORString& wanted) {
     return CQLQueryValidator::isSubClass(_statement.nameSpaceInUse(), name, wanted);

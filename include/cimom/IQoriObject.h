@@ -10,21 +10,26 @@
 #include "cimom/QoriScalar.h"
 #include "cmpbase.h"
 
-// The property positions that many objects share. Two objects with the same
-// layout address have the same property names and types at the same positions.
-// Immutable; lives at least as long as any object that returns it.
+// The property positions that objects of one class share. Two objects with the
+// same layout address have the same class name, and the same property names and
+// types at the same positions. Immutable; lives at least as long as any object
+// that returns it.
 class IQoriLayout {
  public:
+  explicit IQoriLayout(QORuint64 serial = 0) noexcept : _serial(serial) {}
   virtual ~IQoriLayout() = default;
   // A number below 2^48 that no other layout of the process has, dead ones
   // included, so that a position may be remembered for it; 0 for a layout that has none.
-  virtual QORuint64 getSerial() const noexcept { return 0; }
+  QORuint64 getSerial() const noexcept { return _serial; }
   virtual QORuint32 getPropertyCount() const noexcept = 0;
   // Position of the property, ignoring case; -1 when there is none.
   virtual QORsint32 getPosition(const QORString& name) const noexcept = 0;
   // REQUIRE position < getPropertyCount().
   virtual const QORString& getName(QORuint32 position) const noexcept = 0;
   virtual const QORSmrPtr<IQoriType>& getType(QORuint32 position) const noexcept = 0;
+
+ private:
+  const QORuint64 _serial;
 };
 
 // Once an object has been handed out it does not change; threads may share it.

@@ -31,6 +31,39 @@ TEST_F(FilterQuick, instancesOfSeveralLayoutsInTurn) {
   }
 }
 
+// A class outside FROM is refused again and again, whatever matched before it.
+TEST_F(FilterQuick, instancesOfOtherClassesInTurn) {
+  CQLQueryStatement filter("DMTF:CQL", "SELECT * FROM CIM_ConcreteJob WHERE Id = 'a'", kNameSpace, kNameSpace);
+  ASSERT_EQ(filter.validate(), QUERY_VALIDATE_SUCCESS);
+  const auto job = world.indication("instance of CIM_ConcreteJob { Id = \"a\"; };");
+  const auto otherJob = world.indication("instance of CIM_ConcreteJob { Id = \"b\"; };");
+  const auto system = world.indication("instance of CIM_ComputerSystem { Id = \"a\"; };");
+  for (int round = 0; round < 3; ++round) {
+    EXPECT_TRUE(filter.isMatch(job, kNameSpace));
+    EXPECT_FALSE(filter.isMatch(system, kNameSpace));
+    EXPECT_FALSE(filter.isMatch(otherJob, kNameSpace));
+  }
+}
+
+// The filter's own namespace text is recognised by its place in memory; others are compared.
+TEST_F(FilterQuick, theNamespaceCountsHoweverItComes) {
+  const QORString own(kNameSpace);
+  CQLQueryStatement filter("DMTF:CQL", "SELECT * FROM CIM_ConcreteJob WHERE Id = 'a'", own, own);
+  ASSERT_EQ(filter.validate(), QUERY_VALIDATE_SUCCESS);
+  const auto job = world.indication("instance of CIM_ConcreteJob { Id = \"a\"; };");
+  const QORString elsewhere("root/elsewhere");
+  const QORString upper(QORString::toUpperCase(own));
+  const QORString same(std::string(own.view()).c_str());
+  for (int round = 0; round < 3; ++round) {
+    EXPECT_TRUE(filter.isMatch(job, own));
+    EXPECT_TRUE(filter.isMatch(job, same));
+    EXPECT_TRUE(filter.isMatch(job, upper));
+    EXPECT_FALSE(filter.isMatch(job, elsewhere));
+    EXPECT_FALSE(filter.isMatch(job, QORString::emptyString()));
+    EXPECT_THROW(filter.isMatch(job, QORString()), CQLQueryException);
+  }
+}
+
 // alertMatches compares with the walk of the tree.
 TEST_F(FilterQuick, everyRelationOfEveryKind) {
   const std::string properties =

@@ -56,6 +56,21 @@ TEST(Identity, isKeptByRestrictedCopies) {
   EXPECT_EQ(ModelInstance::create(shape, {text("a")})->getIdentity(), 0U);
 }
 
+TEST(PathHash, isThatOfThePathHoweverOftenItIsAsked) {
+  const QORSmrPtr<ModelLayout> layout(new ModelLayout({{"Id", CQoriType::string}}));
+  const QORSmrPtr<ModelShape> shape(new ModelShape{"root/cimv2", "C", layout, {0}});
+  const Object stored = ModelInstance::create(shape, {text("a")});
+  const Object restricted(new CQoriBaseObject(stored, names({}), true));
+  const Object own = object("C", {{"Id", text("a")}}, 1);
+  const Object nameless = object("C", {{"Id", Value()}});
+  for (const Object& each : {stored, restricted, own, nameless}) {
+    std::string path;
+    each->appendPath(path);
+    for (int time = 0; time < 2; ++time) EXPECT_EQ(each->getPathHash(), hashKeyBytes(path));
+  }
+  EXPECT_EQ(stored->getPathHash(), hashKeyBytes("root/cimv2:C.Id=\"a\""));
+}
+
 TEST(AppendPath, ofAnObjectWithoutNameIsEmpty) {
   EXPECT_EQ(appended(object("C", {{"Id", Value()}})), "before ");
   EXPECT_EQ(appended(object("C", {{"Id", text("a")}}, 0)), "before ");
