@@ -15,6 +15,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t kMaximumFileSize = 512U << 20U;  // a device has no end of its own
+constexpr const char* kTooLarge = "it is larger than 512 MB";
 // File systems count time in steps; a change within a step is not seen in it.
 constexpr std::chrono::seconds kClockStep(2);
 
@@ -75,13 +76,16 @@ std::string readMofFile(const std::string& path, std::string& content) {
   if (fs::is_directory(path, error)) return "it is a folder";
   std::ifstream in(path, std::ios::binary);
   if (!in) return "it cannot be opened";
+  // The content decides: what is no plain file has no size, and a file may grow.
+  const std::uintmax_t size = fs::file_size(path, error);
+  if (!error && size > kMaximumFileSize) return kTooLarge;
   std::vector<char> chunk(std::size_t{1} << 16U);
   while (in && content.size() <= kMaximumFileSize) {
     in.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
     content.append(chunk.data(), static_cast<std::size_t>(in.gcount()));
   }
-  if (content.size() > kMaximumFileSize) return "it is larger than 512 MB";
-  return in.bad() ? "it cannot be read" : "";
+  if (content.size() > kMaximumFileSize) return kTooLarge;
+  return in.bad() ? "reading it fails" : "";
 }
 
 bool isMofInputUnchanged(const MofInput& input, QORsint64 written) {

@@ -15,6 +15,42 @@ TWO = "SELECT Id FROM Shop_Item WHERE Id = 2"
 
 
 class Errors(ToolCase):
+    def run_on(self, arguments, path):
+        """Status and standard error of the tool with the path opened as standard input."""
+        source = os.open(path, os.O_RDONLY)
+        try:
+            done = subprocess.run([toolcase.TOOL, *arguments], stdin=source, capture_output=True, timeout=60, check=False)
+        finally:
+            os.close(source)
+        return done.returncode, done.stderr.decode()
+
+    def test_input_that_cannot_be_read_to_its_end(self):
+        memory = "/proc/self/mem"  # opens, but nothing is mapped where reading begins
+        schema = self.write("schema.mof", "[Indication] class C { string S; };")
+        commands = {"query": ["--no-live"], "validate": ["validate"],
+                    "match": ["match", "-m", schema, "SELECT * FROM C"]}
+        for name, command in commands.items():
+            with self.subTest(command=name):
+                status, text = self.run_on(command, memory)
+                self.assertEqual((status, text),
+                                 (3, "qorql: error: standard input cannot be read: Input/output error\n"))
+        for name in ("query", "validate"):
+            with self.subTest(command=name, place="file"):
+                self.refused(self.run_tool(*commands[name], "--file", memory), 3,
+                             f"qorql: error: {memory} cannot be read: Input/output error")
+        self.refused(self.run_tool("--no-live", "-m", memory, ONE), 3,
+                     f"qorql: error: {memory}: cannot be read: reading it fails")
+        self.assertEqual(self.run_on(["--no-live"], self.folder),
+                         (3, "qorql: error: standard input cannot be read: Is a directory\n"))
+
+    def test_input_without_an_end(self):
+        self.refused(self.run_tool("--no-live", "--file", "/dev/zero"), 3,
+                     "qorql: error: /dev/zero cannot be read: it is larger than 512 MB")
+        great = self.write("great.mof", "")
+        os.truncate(great, 1 << 40)
+        self.refused(self.run_tool("--no-live", "-m", great, ONE), 3,
+                     f"qorql: error: {great}: cannot be read: it is larger than 512 MB")
+
     def test_syntax_error_with_line_and_status(self):
         self.refused(self.model("SELECT Id FROM Shop_Item WHERE"), 1,
                      self.model("SELECT Id FROM Shop_Item WHERE").err.rstrip("\n"))

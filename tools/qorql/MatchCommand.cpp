@@ -3,7 +3,6 @@
 
 #include <CLI/CLI.hpp>
 #include <iostream>
-#include <iterator>
 
 #include "Cimom/Mof/MofLoader.h"
 #include "DisplayText.h"
@@ -11,6 +10,7 @@
 #include "ExitStatus.h"
 #include "FilterSession.h"
 #include "OptionChecks.h"
+#include "TextInput.h"
 
 namespace {
 
@@ -48,8 +48,7 @@ std::string pathOf(const IQoriObject& instance) {
 Instances readInstances(FilterSession& session, const std::string& file) {
   MofLoader loader(session.manager().sink(), session.nameSpace());
   if (file != kStandardInput) return loader.readInstanceFile(file);
-  const std::string text{std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>()};
-  return loader.readInstances(text, "standard input");
+  return loader.readInstances(readStandardInput(), "standard input");
 }
 
 void decide(const CQLQueryStatement& filter, const Instances& instances, bool isWhy) {

@@ -1,9 +1,7 @@
 // Runs statements and prints their results.
 #include "QueryCommand.h"
 
-#include <fstream>
 #include <iostream>
-#include <iterator>
 #include <optional>
 
 #include "ErrorReport.h"
@@ -16,6 +14,7 @@
 #include "Shell.h"
 #include "Statements.h"
 #include "Terminal.h"
+#include "TextInput.h"
 #include "Version.h"
 
 namespace {
@@ -42,10 +41,6 @@ struct QueryOptions {
   std::string file;                  // empty: none
 };
 
-std::string readAll(std::istream& in) {
-  return normaliseText({std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()});
-}
-
 // A query given on the command line is run even when it is blank: the engine then says what it misses.
 std::vector<Statement> readStatements(const QueryOptions& options) {
   if (options.query) {
@@ -53,9 +48,7 @@ std::vector<Statement> readStatements(const QueryOptions& options) {
     if (statements.empty()) statements.push_back({*options.query, 1});
     return statements;
   }
-  if (options.file.empty()) return splitStatements(readAll(std::cin));
-  std::ifstream file(options.file, std::ios::binary);
-  return splitStatements(readAll(file));
+  return splitStatements(normaliseText(options.file.empty() ? readStandardInput() : readTextFile(options.file)));
 }
 
 int runStatements(const QueryOptions& options, Session& session) {

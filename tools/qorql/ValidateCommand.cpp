@@ -2,16 +2,17 @@
 #include "ValidateCommand.h"
 
 #include <CLI/CLI.hpp>
-#include <fstream>
 #include <iostream>
-#include <iterator>
 #include <optional>
+#include <sstream>
+#include <utility>
 
 #include "ErrorReport.h"
 #include "ExitStatus.h"
 #include "FilterSession.h"
 #include "OptionChecks.h"
 #include "Statements.h"
+#include "TextInput.h"
 #include "cimom/CQoriInstanceName.h"
 
 namespace {
@@ -58,9 +59,8 @@ class Validation {
     _session.printWarnings(filter, isOneOfMany ? "line " + std::to_string(line) + ": " : "");
   }
   // One filter a line, blank lines left out.
-  void validateLines(std::istream& in) {
-    const std::string text = normaliseText({std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()});
-    std::istringstream lines(text);
+  void validateLines(std::string text) {
+    std::istringstream lines(normaliseText(std::move(text)));
     std::string line;
     for (QORuint32 number = 1; std::getline(lines, line) && std::cout; ++number) {
       if (line.find_first_not_of(" \t") != std::string::npos) validate(line, number, true);
@@ -119,10 +119,9 @@ int runValidate(const ValidateOptions& options) {
   if (options.text) {
     validation.validate(*options.text, 1, false);
   } else if (options.file.empty()) {
-    validation.validateLines(std::cin);
+    validation.validateLines(readStandardInput());
   } else {
-    std::ifstream file(options.file, std::ios::binary);
-    validation.validateLines(file);
+    validation.validateLines(readTextFile(options.file));
   }
   return validation.areAllValid() ? kExitDone : kExitRefused;
 }

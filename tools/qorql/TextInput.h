@@ -1,0 +1,12 @@
+// Reads a text from a file or from standard input.
+#ifndef QORQL_TOOL_TEXTINPUT_H
+#define QORQL_TOOL_TEXTINPUT_H
+
+#include <string>
+
+// The whole content. Both throw std::runtime_error, naming the file, for what cannot be read to its end and for more
+// than 512 MB: a device has no end of its own.
+std::string readTextFile(const std::string& path);
+std::string readStandardInput();
+
+#endif
