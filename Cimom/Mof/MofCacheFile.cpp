@@ -33,12 +33,30 @@ std::uint64_t numberAt(std::string_view bytes, std::size_t offset, std::size_t c
   return number;
 }
 
-std::string readWhole(const std::string& path) {
+// A pipe would be waited for, and a device has no end.
+std::ifstream openPlainFile(const std::string& path) {
+  std::error_code error;
+  if (!fs::is_regular_file(path, error)) throw std::runtime_error("it is no plain file");
   std::ifstream in(path, std::ios::binary);
   if (!in) throw std::runtime_error("it cannot be opened");
-  std::string bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-  if (in.bad()) throw std::runtime_error("it cannot be read");
+  return in;
+}
+
+// Fewer bytes than asked for when there are no more.
+std::string readBytes(std::ifstream& in, std::size_t count) {
+  std::string bytes(count, '\0');
+  in.read(bytes.data(), static_cast<std::streamsize>(count));
+  if (in.bad()) throw std::runtime_error("reading it fails");
+  bytes.resize(static_cast<std::size_t>(in.gcount()));
   return bytes;
+}
+
+// Whoever names a wrong file keeps what is in it; what began as a cache is replaced, damaged or not.
+void checkReplaceable(const std::string& path) {
+  std::error_code error;
+  if (!fs::exists(path, error)) return;
+  std::ifstream in = openPlainFile(path);
+  if (!kName.starts_with(readBytes(in, kName.size()))) throw std::runtime_error("the file in its place is no cache");
 }
 
 // A name beside the file that no other writer takes.
@@ -58,14 +76,16 @@ void writeWhole(const fs::path& path, std::string_view head, std::string_view re
 }  // namespace
 
 std::string readMofCacheFile(const std::string& path) {
-  const std::string bytes = readWhole(path);
-  const std::string_view view(bytes);
-  if (view.size() < kHeadSize || view.substr(0, kName.size()) != kName) throw std::runtime_error("it is no cache");
-  if (numberAt(view, 8, 4) != kMofCacheVersion) throw std::runtime_error("it is of another version");
-  const std::uint64_t size = numberAt(view, 12, 8);
-  const std::string_view rest = view.substr(kHeadSize);
-  if (XXH3_64bits(rest.data(), rest.size()) != numberAt(view, 20, 8)) throw std::runtime_error("it is damaged");
-  if (size > kGreatestContent || ZSTD_getFrameContentSize(rest.data(), rest.size()) != size) {
+  std::ifstream in = openPlainFile(path);
+  const std::string head = readBytes(in, kHeadSize);
+  if (head.size() < kHeadSize || !head.starts_with(kName)) throw std::runtime_error("it is no cache");
+  if (numberAt(head, 8, 4) != kMofCacheVersion) throw std::runtime_error("it is of another version");
+  const std::uint64_t size = numberAt(head, 12, 8);
+  const std::uintmax_t left = fs::file_size(path) - kHeadSize;
+  if (size > kGreatestContent || left > ZSTD_compressBound(size)) throw std::runtime_error("it is damaged");
+  const std::string rest = readBytes(in, left);
+  if (XXH3_64bits(rest.data(), rest.size()) != numberAt(head, 20, 8) ||
+      ZSTD_getFrameContentSize(rest.data(), rest.size()) != size) {
     throw std::runtime_error("it is damaged");
   }
   std::string content(static_cast<std::size_t>(size), '\0');
@@ -75,6 +95,7 @@ std::string readMofCacheFile(const std::string& path) {
 }
 
 void writeMofCacheFile(const std::string& path, const std::string& content) {
+  checkReplaceable(path);
   std::string rest(ZSTD_compressBound(content.size()), '\0');
   const std::size_t used = ZSTD_compress(rest.data(), rest.size(), content.data(), content.size(), kCompression);
   if (ZSTD_isError(used) != 0) throw std::runtime_error("it cannot be compressed");

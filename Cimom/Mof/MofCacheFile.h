@@ -13,7 +13,8 @@ std::string readMofCacheFile(const std::string& path);
 
 // Puts a file of that content in the place of what is there, so that readers
 // see the old file or the new one and nothing between. Makes the folder when it
-// is missing. THROWS std::runtime_error with the reason when it cannot.
+// is missing. THROWS std::runtime_error with the reason when it cannot, and when
+// what is there is neither empty nor a cache: that stays as it is.
 void writeMofCacheFile(const std::string& path, const std::string& content);
 
 #endif

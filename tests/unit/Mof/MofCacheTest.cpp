@@ -1,4 +1,6 @@
 // MOF that is taken from a cache: the same outcome, and nothing taken that is not sound and fresh.
+#include <sys/stat.h>
+
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -234,10 +236,40 @@ TEST_F(MofCacheTest, ACacheThatCannotBeWrittenIsNoFailure) {
   EXPECT_EQ(_fresh->classNames("root/cimv2").size(), 3U);
 }
 
-TEST_F(MofCacheTest, AFileInItsPlaceThatIsNoCacheIsReplaced) {
-  write("kept.mofcache", "my letters");
+TEST_F(MofCacheTest, AFileInItsPlaceThatIsNoCacheIsKept) {
+  for (const std::string& letters : {std::string("my letters"), std::string(100, 'x'), std::string("q")}) {
+    write("kept.mofcache", letters);
+    const MofCache::Outcome outcome = open({_model});
+    EXPECT_EQ(outcome.passedOver, "it is no cache");
+    EXPECT_EQ(outcome.notWritten, "the file in its place is no cache");
+    EXPECT_EQ(contentOf(_file), letters);
+  }
+}
+
+TEST_F(MofCacheTest, WhatIsNoPlainFileIsNeitherReadNorReplaced) {
+  const fs::path pipe = _folder / "pipe";  // nobody writes: who opens it waits
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  fs::create_symlink("/dev/zero", _folder / "device");
+  for (const fs::path& place : {pipe, _folder / "device", _folder / "mof"}) {
+    const fs::file_type type = fs::status(place).type();
+    _file = place.string();
+    const MofCache::Outcome outcome = open({_model});
+    EXPECT_EQ(outcome.passedOver, "it is no plain file") << place;
+    EXPECT_EQ(outcome.notWritten, "it is no plain file") << place;
+    EXPECT_EQ(fs::status(place).type(), type) << place;
+    EXPECT_EQ(_fresh->classNames("root/cimv2").size(), 3U);
+  }
+}
+
+// Without reading it: there is more than any cache has.
+TEST_F(MofCacheTest, AFileOfAnySizeIsPassedOver) {
+  open({_model});
+  fs::resize_file(_file, std::uintmax_t{1} << 40U);
+  EXPECT_EQ(open({_model}).passedOver, "it is damaged");
+  EXPECT_TRUE(open({_model}).isFromCache) << "it is made anew";
+  write("kept.mofcache", "");
+  fs::resize_file(_file, std::uintmax_t{1} << 40U);
   EXPECT_EQ(open({_model}).passedOver, "it is no cache");
-  EXPECT_TRUE(open({_model}).isFromCache);
 }
 
 TEST_F(MofCacheTest, ItsFolderIsMadeAndARefusedLoadIsNotKept) {
