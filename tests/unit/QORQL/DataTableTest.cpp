@@ -201,6 +201,18 @@ TEST(DataTable, rowWithMoreCellsThanColumnsIsRefused) {
   EXPECT_EQ(table->getRowCount(), 0U);
 }
 
+TEST(DataTable, aRowMadeOfCellsSharesThem) {
+  const QORSmrPtr<QORQL_DataTable> table(tableOf(2));
+  const QORQL_DataRow::CellList cells(new QORValSlist<Object>());
+  cells->append(makeObject("a"));
+  cells->append(Object());
+  const Row row(new QORQL_DataRow(cells, table.Get()));
+  EXPECT_EQ(row->getCell("C0").Get(), cells->first().Get());
+  EXPECT_TRUE(row->getCell("C1").IsNull());
+  EXPECT_TRUE(row->getPropertyValueByName("C1", "Name").IsNull());
+  EXPECT_EQ(row->getPropertyValueByName("C0", "Name")->toString(), "a");
+}
+
 TEST(DataTable, cellPositionMayEqualTheCountsButNotPassThem) {
   const QORSmrPtr<QORQL_DataTable> table(tableOf(1));
   Row row(new QORQL_DataRow());

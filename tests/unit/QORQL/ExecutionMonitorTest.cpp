@@ -117,6 +117,29 @@ TEST_F(ExecutionMonitor, stopsAQueryWhereverItIs) {
   }
 }
 
+// Asks for the stop once the sort has begun.
+class SortStopper : public QORQL_ExecutionMonitor {
+ public:
+  bool isStopRequested() noexcept override { return _isSorting; }
+  void stepBegins(Step step, const QORString& /*subject*/) noexcept override {
+    _isSorting = _isSorting || step == kStepSort;
+  }
+
+ private:
+  bool _isSorting = false;
+};
+
+TEST_F(ExecutionMonitor, stopsASortOnItsWay) {
+  for (const auto mode : {QORQL_DataTable::kExecutionLazy, QORQL_DataTable::kExecutionPlain}) {
+    for (const char* key : {"A.T", "A.Id", "A.Id + B.Id"}) {
+      SortStopper stopper;
+      const std::string query = std::string("SELECT A.T FROM A, B ORDER BY ") + key + " ASC";
+      const QueryOutcome outcome = run(stopper, query.c_str(), mode);
+      EXPECT_EQ(outcome.error, "runtime 3: The query was stopped.") << query;
+    }
+  }
+}
+
 TEST_F(ExecutionMonitor, logsNothingWhenItStops) {
   Recorder recorder(4);
   const QueryOutcome outcome = run(recorder, "SELECT A.Id, B.Id FROM A, B");

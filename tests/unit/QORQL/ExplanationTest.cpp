@@ -86,6 +86,26 @@ TEST_F(Explanation, fetchesConditionsSortAndColumns) {
                           "sort Load DESC", "select Name AS N", "first 3"));
 }
 
+TEST_F(Explanation, tellsWhetherEveryProviderFiltersItself) {
+  QueryWorld filtering(R"(
+Qualifier YRK_TRBS_ProviderFiltered : boolean = false, Scope(class), Flavor(EnableOverride, ToSubclass);
+[YRK_TRBS_ProviderFiltered] class F { [key] uint32 Id; };
+class G : F { };
+class Open { [key] uint32 Id; };
+)");
+  const auto isPreFiltered = [this](const std::string& query) {
+    bool is = false;
+    parse(query, [&](const QORQL_Query& parsed, const QORQL_SymbolTable& symbols, const QORString& nameSpace) {
+      is = QORQL_Explanation(parsed, symbols, nameSpace).isPreFiltered();
+    });
+    return is;
+  };
+  EXPECT_TRUE(isPreFiltered("SELECT Id FROM F WHERE Id = 1"));
+  EXPECT_TRUE(isPreFiltered("SELECT a.Id FROM F AS a, G AS b"));
+  EXPECT_FALSE(isPreFiltered("SELECT F.Id FROM F, Open"));
+  EXPECT_FALSE(isPreFiltered("SELECT Nowhere.Id FROM Nowhere"));
+}
+
 TEST_F(Explanation, allPropertiesOfAStar) {
   EXPECT_THAT(steps("SELECT * FROM Host"), ElementsAre("fetch Host: *", "select *"));
 }

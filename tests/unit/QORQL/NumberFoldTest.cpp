@@ -1,0 +1,94 @@
+// The fold of an aggregate over views of numbers, of one kind or of several.
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <vector>
+
+#include "Cimom/QORQL/QORQL_NumberFold.h"
+#include "QueryWorld.h"
+#include "cimom/CQoriValue.h"
+
+namespace {
+
+using Value = QORSmrPtr<IQoriValue>;
+
+QoriScalar number(QORuint64 value) {
+  QoriScalar scalar;
+  scalar.kind = QoriScalarKind::Unsigned;
+  scalar.u = value;
+  return scalar;
+}
+
+QoriScalar number(QORsint64 value) {
+  QoriScalar scalar;
+  scalar.kind = QoriScalarKind::Signed;
+  scalar.s = value;
+  return scalar;
+}
+
+QoriScalar number(double value) {
+  QoriScalar scalar;
+  scalar.kind = QoriScalarKind::Real;
+  scalar.r = value;
+  return scalar;
+}
+
+const QoriScalar kText = CQoriValue(QORString("text")).scalar();
+
+// "type value" of the fold, "none" before a first value, "null" for a sum that does not fit.
+std::string folded(QORuint32 functionID, const std::vector<QoriScalar>& values) {
+  QORQL_NumberFold fold(functionID);
+  for (std::size_t row = 0; row < values.size(); ++row) EXPECT_TRUE(fold.add(values[row], row)) << "row " << row;
+  QORQL_SelectList::Function function;
+  fold.handOver(function, [](QORuint64 row) { return Value(new CQoriValue(row, CQoriType::uint8)); });
+  if (!function.isTypeSet) return "none";
+  if (function.value.IsNull()) return "null";
+  return QueryWorld::textOf(function.value->getType()->getName() + " " + function.value->toString());
+}
+
+constexpr QORuint64 kMost = std::numeric_limits<QORuint64>::max();
+constexpr QORsint64 kLeast = std::numeric_limits<QORsint64>::min();
+
+TEST(NumberFold, sumsOfOneKindHaveItsWidestType) {
+  EXPECT_EQ(folded(QORQL_FUNCTIONID_SUM, {number(QORuint64{1}), number(QORuint64{2})}), "uint64 3");
+  EXPECT_EQ(folded(QORQL_FUNCTIONID_SUM, {number(QORsint64{-1}), number(QORsint64{-2})}), "sint64 -3");
+  EXPECT_EQ(folded(QORQL_FUNCTIONID_SUM, {number(0.5), number(1.0)}), "real64 1.5");
+}
+
+TEST(NumberFold, sumsOfSeveralKindsGoWhereTheyFit) {
+  EXPECT_EQ(folded(QORQL_FUNCTIONID_SUM, {number(0.5), number(QORuint64{2})}), "real64 2.5");
+  EXPECT_EQ(folded(QORQL_FUNCTIONID_SUM, {number(QORsint64{-2}), number(0.5)}), "real64 -1.5");
+  EXPECT_EQ(folded(QORQL_FUNCTIONID_SUM, {number(QORuint64{2}), number(0.5)}), "real64 2.5");
+  EXPECT_EQ(folded(QORQL_FUNCTIONID_SUM, {number(QORuint64{1}), number(QORsint64{-3})}), "sint64 -2");
+  EXPECT_EQ(folded(QORQL_FUNCTIONID_SUM, {number(QORsint64{-3}), number(QORuint64{5})}), "sint64 2");
+  EXPECT_EQ(folded(QORQL_FUNCTIONID_SUM, {number(QORsint64{1}), number(kMost - 1)}), "uint64 18446744073709551615");
+}
+
+TEST(NumberFold, aSumThatDoesNotFitIsNullForGood) {
+  EXPECT_EQ(folded(QORQL_FUNCTIONID_SUM, {number(kMost), number(QORuint64{1}), number(QORsint64{-1})}), "null");
+  EXPECT_EQ(folded(QORQL_FUNCTIONID_SUM, {number(kLeast), number(QORsint64{-1}), number(0.5)}), "null");
+}
+
+TEST(NumberFold, extremesAreTheRowsOwnValues) {
+  EXPECT_EQ(folded(QORQL_FUNCTIONID_MIN, {number(QORuint64{2}), number(QORsint64{-1}), number(0.5)}), "uint8 1");
+  EXPECT_EQ(folded(QORQL_FUNCTIONID_MAX, {number(QORuint64{2}), number(QORsint64{-1}), number(2.5)}), "uint8 2");
+  EXPECT_EQ(folded(QORQL_FUNCTIONID_MAX, {number(QORuint64{2}), number(QORuint64{1})}), "uint64 2");
+  EXPECT_EQ(folded(QORQL_FUNCTIONID_MIN, {number(0.5), number(std::numeric_limits<double>::quiet_NaN())}),
+            "real64 0.5");
+}
+
+TEST(NumberFold, countsWhateverIsNotNull) {
+  EXPECT_EQ(folded(QORQL_FUNCTIONID_COUNT, {kText, QoriScalar(), number(0.5)}), "uint64 2");
+  EXPECT_EQ(folded(QORQL_FUNCTIONID_COUNT, {QoriScalar()}), "uint64 0");
+  EXPECT_EQ(folded(QORQL_FUNCTIONID_COUNT, {}), "none");
+  EXPECT_EQ(folded(QORQL_FUNCTIONID_SUM, {QoriScalar()}), "none");
+}
+
+TEST(NumberFold, leavesWhatIsNoNumberToOthers) {
+  QORQL_NumberFold fold(QORQL_FUNCTIONID_SUM);
+  EXPECT_FALSE(fold.add(kText, 0));
+  EXPECT_TRUE(fold.add(number(QORuint64{1}), 1));
+  EXPECT_FALSE(fold.add(kText, 2));
+}
+
+}  // namespace
