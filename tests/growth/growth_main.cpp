@@ -1,6 +1,7 @@
 // Pieces of work, and what each allocated: growth (query MODEL TEXT | filter MODEL INDICATION TEXT | mof TEXT)...;
 // each argument a file. Prints a line for each piece, the number of its allocations and their bytes, without those of
 // loading the model. Under callgrind there is a dump for each piece too, which counts its instructions.
+#include <malloc.h>
 #include <valgrind/callgrind.h>
 
 #include <cstdio>
@@ -26,6 +27,8 @@ std::string contentOf(const char* path) {
 // Does the work and tells what it took; what is done before and after does not count.
 template <class Work>
 void measure(Work work) {
+  // Otherwise a great allocation of this piece would put in order what the pieces before it freed.
+  malloc_trim(0);
   CALLGRIND_ZERO_STATS;
   const unsigned long allocations = AllocationFaults::count();
   const unsigned long bytes = AllocationFaults::bytes();
