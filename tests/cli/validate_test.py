@@ -145,6 +145,9 @@ class Warnings(ValidateCase):
         self.warned("SELECT * FROM CIM_InstCreation WHERE SurceInstance.Id = 'x'",
                     "SurceInstance is neither a class of FROM nor a property of one: it never matches; "
                     "did you mean SourceInstance? (line 1, column 38)")
+        self.warned(ALERT + " WHERE MessageID.Size = 3 AND 5 = SystemName.XYZ_Volume::Size",
+                    "MessageID holds no object: it never matches (line 1, column 41)",
+                    "SystemName holds no object: it never matches (line 1, column 68)")
         self.warned("SELECT * FROM CIM_InstCreation AS i WHERE i.Wheels = 'x'",
                     "Wheels is no property of CIM_InstCreation: it never matches (line 1, column 45)")
         self.warned("SELECT * FROM CIM_InstCreation WHERE SourceInstance ISA CIM_AlertIndicatoin",

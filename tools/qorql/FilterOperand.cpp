@@ -11,10 +11,6 @@ using Kind = FilterOperand::Kind;
 
 constexpr std::size_t kNowhere = FilterText::kNowhere;
 
-bool isEmbedded(const CimPropertyDeclaration& property) {
-  return property.hasFlag("EmbeddedObject") || property.findQualifier("EmbeddedInstance") != nullptr;
-}
-
 Kind kindOf(const QORString& type) {
   if (CQLQueryStatement::isNumericalData(type, type)) return Kind::Number;
   if (type == "string") return Kind::Text;
@@ -26,6 +22,10 @@ bool isTruth(std::string_view word) {
 }
 
 }  // namespace
+
+bool holdsObjects(const CimPropertyDeclaration& property) {
+  return property.hasFlag("EmbeddedObject") || property.findQualifier("EmbeddedInstance") != nullptr;
+}
 
 bool FilterOperandReader::read(std::size_t sign, FilterOperand& left, FilterOperand& right) const {
   return readOperand(startOf(sign), left) == sign && isEnd(readOperand(sign + 1, right));
@@ -130,7 +130,7 @@ void FilterOperandReader::describe(const std::string& qualifier, const std::stri
     if (!_manager.sink().describeProperty(_nameSpace, QORString(className), QORString(operand.property), property)) {
       continue;
     }
-    const QORString type(isEmbedded(property) ? QORString("object") : property.type->getName());
+    const QORString type(holdsObjects(property) ? QORString("object") : property.type->getName());
     operand.kind = kindOf(type);
     operand.type = type.view();
     operand.isArray = property.type->isArray() && !isElement;

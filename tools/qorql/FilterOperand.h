@@ -21,6 +21,9 @@ struct FilterOperand {
   bool saysTruth = false;  // the literal TRUE or FALSE, with or without quotes
 };
 
+// Whether its values are embedded objects.
+bool holdsObjects(const CimPropertyDeclaration& property);
+
 // BORROWS all it is given.
 class FilterOperandReader {
  public:

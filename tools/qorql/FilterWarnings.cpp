@@ -90,7 +90,11 @@ void FilterWarnings::checkReference(std::size_t piece) {
   }
   Suggestion suggestion(name);
   for (const FilterText::Source& source : _text.sources()) {
-    if (hasProperty(source.className, name)) return;
+    CimPropertyDeclaration declared;
+    if (_manager.sink().describeProperty(_nameSpace, QORString(source.className), QORString(name), declared)) {
+      if (!holdsObjects(declared)) warn(name + " holds no object: it never matches", piece);
+      return;
+    }
     suggestion.consider(source.className);
     suggestion.consider(source.alias);
     for (const CimPropertyDeclaration& property : _manager.allProperties(_nameSpace, QORString(source.className))) {

@@ -34,6 +34,29 @@ TEST_F(Filter, anotherLanguageIsUnsupportedAndStaysUnvalidated) {
   EXPECT_EQ(queryError([&] { statement.getClassList(); }), "CQLQUERYSTATEMENT::getClassList|query is not validated |2");
 }
 
+TEST_F(Filter, anUnsupportedLanguageIsToldAtEachValidation) {
+  std::vector<std::string> log;
+  world.manager().setLogSink(
+      [&log](const QORString&, const QORString& message, QORuint32) { log.push_back(QueryWorld::textOf(message)); },
+      QoriTraceLog::kTrace);
+  CQLQueryStatement statement("SQL", "SELECT", kNameSpace, "");
+  EXPECT_EQ(statement.validate(), QUERY_UNSUPPORTED_LANGUAGE);
+  EXPECT_EQ(statement.validate(), QUERY_UNSUPPORTED_LANGUAGE);
+  EXPECT_THAT(log, ElementsAre("Unsupported Query Language", "Unsupported Query Language"));
+  world.manager().setLogSink({}, 0);
+}
+
+TEST_F(Filter, orderFormatAndFirstChangeNoAnswer) {
+  const QORSmrPtr<IQoriObject> alert(world.alert("U8 = 5; MessageID = \"x\";"));
+  for (const char* filter :
+       {"SELECT FIRST 1 MessageID FROM CIM_AlertIndication WHERE U8 = 5",
+        "SELECT MessageID FROM CIM_AlertIndication WHERE U8 = 5 ORDER BY MessageID DESC",
+        "SELECT * FROM CIM_AlertIndication WHERE U8 = 5 FORMAT AS HTML",
+        "SELECT MAX(U8) AS m FROM CIM_AlertIndication WHERE U8 = 5", "SELECT * FROM CIM_FCPort, CIM_AlertIndication"}) {
+    EXPECT_TRUE(world.matches(filter, alert)) << filter;
+  }
+}
+
 TEST_F(Filter, operationsBeforeValidationNameThemselves) {
   const CQLQueryStatement statement("CQL", "SELECT * FROM CIM_InstCreation", kNameSpace, "");
   const QORSmrPtr<IQoriInstanceName> name(classPath("CIM_InstCreation"));
@@ -98,7 +121,13 @@ TEST_F(Filter, propertyLists) {
   EXPECT_THAT(textsOf(statement.getSelectPropertyList(name)), ElementsAre("MessageID", "U8"));
   EXPECT_THAT(textsOf(statement.getWherePropertyList(name)), ElementsAre("OwningEntity", "messageid"));
   EXPECT_THAT(textsOf(statement.getPropertyList(name)), ElementsAre("MessageID", "U8", "OwningEntity"));
+  EXPECT_THAT(textsOf(statement.getPropertyList(classPath("a"))), ElementsAre("MessageID", "U8", "OwningEntity"));
   EXPECT_THAT(textsOf(statement.getPropertyList(classPath("CIM_InstCreation"))), IsEmpty());
+  EXPECT_THAT(textsOf(statement.getPropertyList(classPath("CIM_Indication"))), IsEmpty());
+  EXPECT_EQ(queryError([&] { statement.getSelectPropertyList(QORSmrPtr<IQoriInstanceName>()); }),
+            "CQLQUERYSTATEMENT::getSelectPropertyList|Invalid or NULL param encountered|3");
+  EXPECT_EQ(queryError([&] { statement.getWherePropertyList(QORSmrPtr<IQoriInstanceName>()); }),
+            "CQLQUERYSTATEMENT::getWherePropertyList|Invalid or NULL param encountered|3");
   EXPECT_EQ(queryError([&] { statement.getPropertyList(QORSmrPtr<IQoriInstanceName>()); }),
             "CQLQUERYSTATEMENT::getPropertyList|Invalid or NULL param encountered|3");
 }
