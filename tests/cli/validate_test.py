@@ -119,6 +119,19 @@ class Invalid(ValidateCase):
                      "alrm is neither a class of FROM nor a property that holds an object: did you mean alarm? "
                      "(line 1, column 8)")
 
+        self.invalid("SELECT SourceInstance.Size FROM CIM_InstCreation AS c, CIM_InstModification",
+                     "SourceInstance is a property of more than one class: write c.SourceInstance or "
+                     "CIM_InstModification.SourceInstance (line 1, column 8)")
+
+    def test_what_was_passed_over_may_be_the_cause(self):
+        over = "; passed over, since the language does not know it: "
+        self.invalid(ALERT + " WHERE OwningEntity = \u2018SNIA\u2019",
+                     f"SNIA is no property of CIM_AlertIndication (line 1, column 57){over}\u2018\u2019")
+        self.invalid(ALERT + " WHERE PerceivedSeverity \u2265 4", f"unexpected token '4' found (line 1, column 61){over}\u2265")
+        self.invalid(ALERT + " WHERE " + "\u2265" * 1000 + "4 5", f"unexpected token '5' found (line 1, column 1043){over}"
+                     + "\u2265" * 20 + " ...")
+        self.invalid(ALERT + "\u2019", "'SQL' is no language of filters: use DMTF:CQL, CQL or WQL", "-q", "SQL")
+
     def test_columns_count_characters_and_lines_count_from_one(self):
         self.invalid(ALERT + "\n WHERE EventID = 'größe' AND\n  EventID ~ 1",
                      "unexpected token '~' found (line 3, column 11)")

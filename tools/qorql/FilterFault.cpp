@@ -112,8 +112,8 @@ std::string FilterFault::describeProperty(const CQLQueryFault& fault) const {
   return name + " is no property of " + namesOf(classes) + didYouMean(meant) + placeOf(piece);
 }
 
-std::string FilterFault::describeAmbiguous(const std::string& name) const {
-  const std::size_t piece = _text.findReference(name);
+// The ways to write a property of a FROM class with its qualifier.
+std::string FilterFault::choicesFor(const std::string& name) const {
   std::string choices;
   for (const FilterText::Source& source : _text.sources()) {
     for (const CimPropertyDeclaration& property : _manager.allProperties(_nameSpace, QORString(source.className))) {
@@ -122,10 +122,16 @@ std::string FilterFault::describeAmbiguous(const std::string& name) const {
       choices += (choices.empty() ? "" : " or ") + qualifier + "." + plain(property.name);
     }
   }
-  return spelling(piece, name) + " is a property of more than one class: write " + choices + placeOf(piece);
+  return choices;
+}
+
+std::string FilterFault::describeAmbiguous(const std::string& name) const {
+  const std::size_t piece = _text.findReference(name);
+  return spelling(piece, name) + " is a property of more than one class: write " + choicesFor(name) + placeOf(piece);
 }
 
 std::string FilterFault::describeQualifier(const std::string& name) const {
+  if (!choicesFor(name).empty()) return describeAmbiguous(name);
   const std::size_t piece = _text.findWord(name);
   const std::string written = spelling(piece, name);
   Suggestion suggestion(written);

@@ -12,6 +12,27 @@
 #include "FilterWarnings.h"
 #include "ScannerOutput.h"
 
+namespace {
+
+// As many characters are shown as a person will look at.
+std::string shortened(const std::string& text) {
+  constexpr std::size_t kShown = 60;
+  if (text.size() <= kShown) return text;
+  std::size_t end = kShown;
+  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) --end;
+  return text.substr(0, end) + " ...";
+}
+
+std::vector<std::string> passedOver(const ScannerOutput& scanner) {
+  std::vector<std::string> warnings;
+  const std::string unknown = shortened(scanner.unknownCharacters());
+  if (!unknown.empty()) warnings.push_back("passed over, since the language does not know it: " + unknown);
+  if (scanner.isStringOpen()) warnings.emplace_back("passed over: a string that does not end in its line");
+  return warnings;
+}
+
+}  // namespace
+
 void FilterSession::open() {
   _session.open(indicationSchemaMof());
   LinuxSchemaSink sink(manager().sink());
@@ -32,17 +53,18 @@ CheckedFilter FilterSession::check(const std::string& text, QORuint32 firstLine)
   {
     const ScannerOutput scanner;
     checked.statement->validate();
-    const std::string unknown = scanner.unknownCharacters();
-    if (!unknown.empty()) checked.warnings.push_back("passed over, since the language does not know it: " + unknown);
-    if (scanner.isStringOpen()) {
-      checked.warnings.emplace_back("passed over: a string that does not end in its line");
-    }
+    checked.warnings = passedOver(scanner);
   }
   _session.dropWarnings();
   const FilterText filter(text, firstLine);
   const CQLQueryFault& fault = checked.statement->getFault();
   if (fault.kind != CQLQueryFault::kNone) {
-    checked.reason = printableText(FilterFault(manager(), nameSpace(), filter).describe(fault));
+    checked.reason = FilterFault(manager(), nameSpace(), filter).describe(fault);
+    // What was left out may be the cause, such as quotes of another kind.
+    if (fault.kind != CQLQueryFault::kLanguage) {
+      for (const std::string& warning : checked.warnings) checked.reason += "; " + warning;
+    }
+    checked.reason = printableText(checked.reason);
   } else {
     const std::vector<std::string> more = FilterWarnings(manager(), nameSpace(), filter).of(*checked.statement);
     checked.warnings.insert(checked.warnings.end(), more.begin(), more.end());
