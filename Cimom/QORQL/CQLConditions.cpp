@@ -197,20 +197,12 @@ class TreeCondition final : public CQLCondition {
   bool holds(const Object& instance) const override { return _statement.isMatchComparison(_comparison, instance); }
   std::string explain(const Object& instance) const override {
     const auto& comparison = dynamic_cast<const QORQL_Comparison&>(*_comparison);
-    const Value left(valueOf(comparison.getLHSArithmeticExpression(), instance));
-    const Value right(valueOf(comparison.getRHSArithmeticExpression(), instance));
+    const Value left(_statement.doMatchArithmetic(comparison.getLHSArithmeticExpression(), instance));
+    const Value right(_statement.doMatchArithmetic(comparison.getRHSArithmeticExpression(), instance));
     return CQLTextOfCondition(_statement, comparison) + compared(left, comparison, right);
   }
 
  private:
-  Value valueOf(const Node& node, const Object& instance) const {
-    try {
-      return _statement.doMatchArithmetic(node, instance);
-    } catch (...) {
-      return {};
-    }
-  }
-
   const CQLQueryStatement& _statement;
   Node _comparison;
 };

@@ -1,5 +1,7 @@
 // Whether one instance satisfies a filter: the walk over the parsed WHERE tree.
 // Whatever is missing or wrong on the way makes the instance not match.
+#include <vector>
+
 #include "Cimom/QORQL/CQLIsa.h"
 #include "Cimom/QORQL/CQLMatcher.h"
 #include "Cimom/QORQL/CQLPropertyPath.h"
@@ -40,6 +42,15 @@ Value evaluateChain(const Node& node, Evaluate evaluate) {
   }
   if (values.size() != operators.size() + 1) return {};
   return QORQL_combineChain(operators, values);
+}
+
+template <class Compute>
+Value valueOrNull(const Compute& compute) {
+  try {
+    return compute();
+  } catch (...) {
+    return {};
+  }
 }
 
 bool isText(const Value& value) {
@@ -160,14 +171,22 @@ bool CQLQueryStatement::isMatchComparison(const Node& node, const Instance& inst
 }
 
 Value CQLQueryStatement::doMatchArithmetic(const Node& node, const Instance& instance) const {
-  return evaluateChain<QORQL_Arithmetic>(node, [&](const Node& operand) { return doMatchTerm(operand, instance); });
+  return valueOrNull([&] {
+    return evaluateChain<QORQL_Arithmetic>(node, [&](const Node& operand) { return doMatchTerm(operand, instance); });
+  });
 }
 
 Value CQLQueryStatement::doMatchTerm(const Node& node, const Instance& instance) const {
-  return evaluateChain<QORQL_Term>(node, [&](const Node& operand) { return doMatchFactor(operand, instance); });
+  return valueOrNull([&] {
+    return evaluateChain<QORQL_Term>(node, [&](const Node& operand) { return doMatchFactor(operand, instance); });
+  });
 }
 
 Value CQLQueryStatement::doMatchFactor(const Node& node, const Instance& instance) const {
+  return valueOrNull([&] { return factorValue(node, instance); });
+}
+
+Value CQLQueryStatement::factorValue(const Node& node, const Instance& instance) const {
   const auto* factor = dynamic_cast<const QORQL_Factor*>(node.Get());
   if (factor == nullptr) return {};
   if (factor->getEvaluatable().IsNull()) {

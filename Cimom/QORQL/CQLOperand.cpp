@@ -25,15 +25,6 @@ bool isConstant(const Node& side) {
   return !finder->found;
 }
 
-// Null when it cannot be computed.
-Value constantOf(const CQLQueryStatement& statement, const Node& side) {
-  try {
-    return statement.doMatchArithmetic(side, QORSmrPtr<IQoriObject>());
-  } catch (...) {
-    return {};
-  }
-}
-
 }  // namespace
 
 const QORQL_Factor* CQLLoneFactor(const Node& side) {
@@ -56,7 +47,8 @@ std::unique_ptr<CQLOperand> CQLOperand::make(const CQLQueryStatement& statement,
   if (factor != nullptr && factor->getLiteral().IsNull()) {
     return std::make_unique<CQLOperand>(std::make_unique<CQLPropertyPath>(statement, *factor));
   }
-  return isConstant(side) ? std::make_unique<CQLOperand>(constantOf(statement, side)) : nullptr;
+  return isConstant(side) ? std::make_unique<CQLOperand>(statement.doMatchArithmetic(side, QORSmrPtr<IQoriObject>()))
+                          : nullptr;
 }
 
 CQLOperand::CQLOperand(const Value& constant) : _constant(constant) {

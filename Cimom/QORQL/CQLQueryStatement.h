@@ -138,6 +138,8 @@ class CQLQueryStatement : public IQueryStatement {
   void addReference(const QORString& className, const CQLReference& reference,
                     const std::function<void(const QORString&)>& add) const;
 
+  // As doMatchFactor, but THROWS what the instance and its values throw.
+  Value factorValue(const Node& node, const Instance& instance) const;
   bool matchesIsa(const QORQL_Comparison& comparison, const Instance& instance) const;
   // Reads a property through properties that hold embedded objects.
   Value getPropertyValueFromEmbeddedObject(const IQoriObject& instance, const class QORQL_Factor& factor) const;

@@ -4,6 +4,8 @@
 #include <map>
 
 #include "Cimom/QORQL/CQLQueryValidator.h"
+#include "Cimom/QORQL/QORQL_Lexer.h"
+#include "Cimom/QORQL/QORQL_SymbolTable.h"
 #include "FilterWorld.h"
 #include "cimom/CQoriProperty.h"
 #include "cimom/CQoriValue.h"
@@ -206,6 +208,31 @@ TEST_F(FilterEdge, stepsGivenNoNodeOrAnotherOneAreFalse) {
     EXPECT_TRUE(statement.doMatchArithmetic(node, alert).IsNull());
     EXPECT_TRUE(statement.doMatchTerm(node, alert).IsNull());
     EXPECT_TRUE(statement.doMatchFactor(node, alert).IsNull());
+  }
+}
+
+// The left side of the first condition.
+CQLQueryStatement::Node leftOf(const CQLQueryStatement::Node& comparison) {
+  return dynamic_cast<const QORQL_Comparison&>(*comparison).getLHSArithmeticExpression();
+}
+
+TEST_F(FilterEdge, valuesThatCannotBeComputedAreNull) {
+  const QORSmrPtr<ForeignObject> foreign(new ForeignObject("CIM_AlertIndication"));
+  foreign->properties["U8"] = []() -> Value { throw QoriBaseException("a", "b", "c", "it fails", 1); };
+  const Object failing(foreign);
+  const Object alert(world.alert("U8 = 5; MessageID = \"x\";"));
+  for (const char* left :
+       {"U8", "U8 / 0", "U8 / (U16 - U16)", "1 + U8 * MessageID", "-MessageID", "MAX(U8)", "S8 + 1"}) {
+    QORQL_SymbolTable symbols(nullptr);
+    QORQL_Lexer lexer(QORString(left) + " = 1", false);
+    QORQL_ProjectionMap map(QORQL_newProjectionMap());
+    const CQLQueryStatement::Node node(QORQL_Comparison::parse(symbols, lexer, map, "", ""));
+    CQLQueryStatement statement("CQL", "SELECT * FROM CIM_AlertIndication", kNameSpace, "");
+    ASSERT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS);
+    const CQLQueryStatement::Node sum(leftOf(node));
+    EXPECT_TRUE(statement.doMatchArithmetic(sum, Object()).IsNull()) << left;
+    EXPECT_TRUE(statement.doMatchArithmetic(sum, failing).IsNull()) << left;
+    EXPECT_EQ(statement.doMatchArithmetic(sum, alert).IsNull(), std::string(left) != "U8") << left;
   }
 }
 
