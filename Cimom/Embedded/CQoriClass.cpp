@@ -50,6 +50,7 @@ CQoriClass::CQoriClass(const QORString& nameSpace, const CimClassDeclaration& de
   embedded::ClassRules(_declaration, superClass).check();
   addQualifiers();
   addOwnProperties();
+  addOwnMethods();
   finish(nameSpace);
 }
 
@@ -63,6 +64,7 @@ void CQoriClass::inheritFrom(const CQoriClass& superClass) {
   _declaration.superClass = superClass.getClassName();
   _properties = superClass._properties;
   for (CimPropertyDeclaration& property : _properties) dropRestricted(property.qualifiers);
+  _methods = superClass._methods;
   inheritQualifiers(_qualifiersInForce, superClass._qualifiersInForce);
 }
 
@@ -87,6 +89,22 @@ void CQoriClass::addOwnProperties() {
     }
     overrideProperty(_properties[found->second], declared);
     _isOwn[found->second] = true;
+  }
+}
+
+void CQoriClass::addOwnMethods() {
+  if (_declaration.methods.empty()) return;
+  embedded::NameMap<std::size_t> positions;
+  for (const auto& method : _methods) positions.emplace(method->name.view(), positions.size());
+  for (const CimMethodDeclaration& declared : _declaration.methods) {
+    auto own = std::make_shared<CimMethodDeclaration>(declared);
+    const auto [found, isNew] = positions.emplace(own->name.view(), _methods.size());
+    if (isNew) {
+      _methods.push_back(std::move(own));
+      continue;
+    }
+    inheritQualifiers(own->qualifiers, _methods[found->second]->qualifiers);
+    _methods[found->second] = std::move(own);
   }
 }
 

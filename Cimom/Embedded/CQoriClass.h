@@ -3,6 +3,7 @@
 #define QORQL_EMBEDDED_CQORICLASS_H
 
 #include <deque>
+#include <memory>
 #include <vector>
 
 #include "Cimom/Embedded/CimDeclarations.h"
@@ -49,6 +50,10 @@ class CQoriClass final : public IQoriClass {
   // By the positions of instances: inherited first, an overriding declaration in
   // the place of the overridden one, each with the qualifiers in force.
   const std::vector<CimPropertyDeclaration>& properties() const noexcept { return _properties; }
+  // Own and inherited ones, an overriding declaration in the place of the
+  // overridden one, each with the qualifiers in force; shared with the superclass.
+  using Methods = std::vector<std::shared_ptr<const CimMethodDeclaration>>;
+  const Methods& methods() const noexcept { return _methods; }
   const QORSmrPtr<ModelShape>& shape() const noexcept { return _shape; }
   // -1 when there is no such property.
   QORsint32 position(const QORString& name) const noexcept { return _shape->layout->getPosition(name); }
@@ -64,12 +69,14 @@ class CQoriClass final : public IQoriClass {
   void inheritFrom(const CQoriClass& superClass);
   void addQualifiers();
   void addOwnProperties();
+  void addOwnMethods();
   void finish(const QORString& nameSpace);
 
   CimClassDeclaration _declaration;
   std::vector<CimQualifier> _qualifiersInForce;  // own ones first
   std::deque<CQoriQualifier> _qualifiers;        // the same, as the interface shows them
   std::vector<CimPropertyDeclaration> _properties;
+  Methods _methods;
   std::vector<bool> _isOwn;                  // by position: declared or overridden here
   std::deque<CQoriProperty> _propertyViews;  // by position, with the default as value
   std::vector<QORuint32> _referencePositions;

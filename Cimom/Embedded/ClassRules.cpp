@@ -29,13 +29,19 @@ bool becomesAssociation(const CimClassDeclaration& declaration, const CQoriClass
 }
 
 // The name that an Override qualifier gives, without a class in front of it; empty when it gives none.
-std::string_view overriddenName(const CimPropertyDeclaration& declared) noexcept {
-  const CimQualifier* const qualifier = declared.findQualifier("Override");
+std::string_view overriddenName(const std::vector<CimQualifier>& qualifiers) noexcept {
+  const CimQualifier* const qualifier = findQualifier(qualifiers, "Override");
   if (qualifier == nullptr || qualifier->value.IsNull()) return {};
   const QoriScalar scalar = qualifier->value->scalar();
   if (scalar.kind != QoriScalarKind::Text) return {};
   const std::string_view name = scalar.text->view();
   return name.substr(name.rfind('.') + 1);
+}
+
+// For messages: "uint32", "string[]", "Base ref".
+QORString typeOf(const CimPropertyDeclaration& declared) {
+  const QORString type = typeText(*declared.type);
+  return declared.referenceClass.isEmpty() ? type : joined({declared.referenceClass.view(), " ", type.view()});
 }
 
 }  // namespace
@@ -58,7 +64,7 @@ void ClassRules::check() {
       checkProperty(declared);
     }
   }
-  for (const CimMethodDeclaration& declared : _declaration.methods) checkMethod(declared);
+  checkMethods();
   if (!_faults.empty()) throw CimDeclarationRefusal(std::move(_faults));
 }
 
@@ -86,7 +92,20 @@ void ClassRules::checkProperty(const CimPropertyDeclaration& declared) {
   checkKey(declared, inherited);
 }
 
-void ClassRules::checkMethod(const CimMethodDeclaration& declared) {
+void ClassRules::checkMethods() {
+  if (_declaration.methods.empty()) return;
+  NameMap<const CimMethodDeclaration*> known;
+  if (_superClass != nullptr) {
+    for (const auto& method : _superClass->methods()) known.emplace(method->name.view(), method.get());
+  }
+  for (const CimMethodDeclaration& declared : _declaration.methods) {
+    const auto inherited = known.find(declared.name.view());
+    checkMethod(declared, inherited == known.end() ? nullptr : inherited->second);
+  }
+}
+
+void ClassRules::checkMethod(const CimMethodDeclaration& declared, const CimMethodDeclaration* inherited) {
+  const std::size_t faults = _faults.size();
   if (declared.returnType.IsNull()) {
     addFault(CimStatus::TypeMismatch, declared.name, {"method ", declared.name.view(), " has no type"});
   }
@@ -94,6 +113,36 @@ void ClassRules::checkMethod(const CimMethodDeclaration& declared) {
     if (!parameter.type.IsNull()) continue;
     addFault(CimStatus::TypeMismatch, declared.name,
              {"parameter ", parameter.name.view(), " of method ", declared.name.view(), " has no type"});
+  }
+  if (_faults.size() != faults) return;
+  checkOverriddenName("method", declared.name, declared.qualifiers, inherited != nullptr);
+  if (inherited == nullptr) return;
+  checkSignature(declared, *inherited);
+  checkQualifiers(declared.name, declared.qualifiers, inherited->qualifiers);
+}
+
+// Who calls the method as the superclass has it must be able to call this one.
+void ClassRules::checkSignature(const CimMethodDeclaration& declared, const CimMethodDeclaration& inherited) {
+  const std::string_view name = declared.name.view();
+  if (!sameType(*declared.returnType, *inherited.returnType)) {
+    addFault(CimStatus::TypeMismatch, declared.name,
+             {"method ", name, " is redeclared as ", typeText(*declared.returnType).view(), ", it is inherited as ",
+              typeText(*inherited.returnType).view()});
+  }
+  NameMap<const CimPropertyDeclaration*> parameters;
+  for (const CimPropertyDeclaration& parameter : declared.parameters) {
+    parameters.emplace(parameter.name.view(), &parameter);
+  }
+  for (const CimPropertyDeclaration& known : inherited.parameters) {
+    const auto own = parameters.find(known.name.view());
+    if (own == parameters.end()) {
+      addFault(CimStatus::InvalidParameter, declared.name,
+               {"method ", name, " lacks the inherited parameter ", known.name.view()});
+    } else if (!sameType(*own->second->type, *known.type)) {
+      addFault(CimStatus::TypeMismatch, declared.name,
+               {"parameter ", known.name.view(), " of method ", name, " is redeclared as ", typeOf(*own->second).view(),
+                ", it is inherited as ", typeOf(known).view()});
+    }
   }
 }
 
@@ -125,16 +174,22 @@ void ClassRules::checkKey(const CimPropertyDeclaration& declared, const CimPrope
             " has its keys already (", first.view(), _superClass->keyPositions().size() > 1 ? ", ...)" : ")"});
 }
 
+void ClassRules::checkOverriddenName(std::string_view kind, const QORString& name,
+                                     const std::vector<CimQualifier>& qualifiers, bool isInherited) {
+  const std::string_view overridden = overriddenName(qualifiers);
+  if (overridden.empty()) return;
+  if (!QORString::equalIgnoringCase(overridden, name.view())) {
+    addFault(CimStatus::InvalidParameter, name,
+             {kind, " ", name.view(), " overrides ", overridden, ", which has another name"});
+  } else if (!isInherited) {
+    addFault(CimStatus::InvalidParameter, name,
+             {kind, " ", name.view(), " overrides nothing: no superclass declares it"});
+  }
+}
+
 void ClassRules::checkOverride(const CimPropertyDeclaration& declared, const CimPropertyDeclaration* inherited) {
   const std::string_view name = declared.name.view();
-  const std::string_view overridden = overriddenName(declared);
-  if (!overridden.empty() && !QORString::equalIgnoringCase(overridden, name)) {
-    addFault(CimStatus::InvalidParameter, declared.name,
-             {"property ", name, " overrides ", overridden, ", which has another name"});
-  } else if (!overridden.empty() && inherited == nullptr) {
-    addFault(CimStatus::InvalidParameter, declared.name,
-             {"property ", name, " overrides nothing: no superclass declares it"});
-  }
+  checkOverriddenName("property", declared.name, declared.qualifiers, inherited != nullptr);
   if (inherited == nullptr) return;
   if (!sameType(*inherited->type, *declared.type)) {
     return addFault(CimStatus::TypeMismatch, declared.name,

@@ -29,10 +29,16 @@ class ClassRules {
   void addFault(CimStatus status, const QORString& feature, Parts message);
   void checkClass();
   void checkProperty(const CimPropertyDeclaration& declared);
-  void checkMethod(const CimMethodDeclaration& declared);
+  void checkMethods();
+  // `inherited`: null when there is none.
+  void checkMethod(const CimMethodDeclaration& declared, const CimMethodDeclaration* inherited);
   void checkDefault(const CimPropertyDeclaration& declared);
   void checkKey(const CimPropertyDeclaration& declared, const CimPropertyDeclaration* inherited);
   void checkOverride(const CimPropertyDeclaration& declared, const CimPropertyDeclaration* inherited);
+  // That Override names the element itself, and that there is one to override.
+  void checkOverriddenName(std::string_view kind, const QORString& name, const std::vector<CimQualifier>& qualifiers,
+                           bool isInherited);
+  void checkSignature(const CimMethodDeclaration& declared, const CimMethodDeclaration& inherited);
   void checkQualifiers(const QORString& feature, const std::vector<CimQualifier>& own,
                        const std::vector<CimQualifier>& inherited);
   const CimPropertyDeclaration* inheritedProperty(const QORString& name) const;

@@ -71,6 +71,9 @@ void MofClasses::addFaults(const MofClassSyntax& syntax, const CimDeclarationRef
     for (const MofFeatureSyntax& feature : syntax.properties) {
       if (feature.name.text.isEqualCaseInsensitive(fault.feature)) at = feature.name.at;
     }
+    for (const MofMethodSyntax& method : syntax.methods) {
+      if (method.name.text.isEqualCaseInsensitive(fault.feature)) at = method.name.at;
+    }
     _report.add(at, std::string(fault.message.view()));
   }
 }

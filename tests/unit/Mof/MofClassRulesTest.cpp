@@ -75,6 +75,33 @@ TEST_F(MofClassRules, AQualifierThatDisablesOverridingKeepsItsValue) {
   EXPECT_NO_THROW(load("[Local(\"own\")] class Free : Base { [Note(\"m\"), Local(\"m\")] uint8 Size; };"));
 }
 
+TEST_F(MofClassRules, AnOverridingMethodKeepsWhatItsCallersNeed) {
+  load(
+      "class Tool : Bare { [Kind(\"k\")] uint32 Run([In] string How, [Out] uint8 Results[], Base REF Which); };\n"
+      "class Heir : Tool { };");
+  const std::string head = "class T : Heir {\n  ";
+  EXPECT_EQ(faultOf(head + "[Override(\"Run\")] string Run(string How, uint8 Results[], Base REF Which); };"),
+            "2:28: class T: method Run is redeclared as string, it is inherited as uint32");
+  EXPECT_EQ(faultOf(head + "uint32 Run(string How, uint8 Results, Base REF Which); };"),
+            "2:10: class T: parameter Results of method Run is redeclared as uint8, it is inherited as uint8[]");
+  EXPECT_EQ(faultOf(head + "uint32 Run(string How, uint8 Results[], string Which); };"),
+            "2:10: class T: parameter Which of method Run is redeclared as string, it is inherited as Base reference");
+  EXPECT_EQ(faultOf(head + "uint32 Run(string How, Base REF Which); };"),
+            "2:10: class T: method Run lacks the inherited parameter Results");
+  EXPECT_EQ(faultOf(head + "[Override(\"Walk\")] uint32 Walk(); };"),
+            "2:29: class T: method Walk overrides nothing: no superclass declares it");
+  EXPECT_EQ(faultOf(head + "[Override(\"Run\")] uint32 Walk(); };"),
+            "2:28: class T: method Walk overrides Run, which has another name");
+  EXPECT_EQ(faultOf(head + "[Kind(\"other\")] uint32 Run(string How, uint8 Results[], Base REF Which); };"),
+            "2:26: class T: qualifier Kind of Run cannot be changed: superclass Heir gives it with flavor "
+            "DisableOverride");
+  EXPECT_NO_THROW(
+      load("class Fine : Heir { [Override(\"RUN\")] uint32 run(string how, uint8 Results[], Part REF Which, "
+           "uint8 More); };"));
+  EXPECT_EQ(faultOf("class T : Fine { uint32 Run(string How, uint8 Results[], Base REF Which); };"),
+            "1:25: class T: method Run lacks the inherited parameter More");
+}
+
 TEST_F(MofClassRules, NothingIsDerivedFromATerminalClass) {
   load("[Terminal] class End { };");
   EXPECT_EQ(faultOf("class T : End { };"), "1:7: class T: no class can be derived from End, which is Terminal");
