@@ -5,6 +5,7 @@
 #include <sys/utsname.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -13,6 +14,43 @@
 
 #include "cimom/CQoriValue.h"
 
+namespace {
+
+constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // U+FFFD
+
+bool isAscii(char byte) { return static_cast<unsigned char>(byte) < 0x80; }
+
+// How many bytes the character at the front takes; 0 when it is no UTF-8.
+std::size_t characterLength(std::string_view text) {
+  const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+  const unsigned lead = byteAt(0);
+  if (lead < 0x80) return 1;
+  if (lead < 0xC2 || lead > 0xF4) return 0;
+  const std::size_t length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+  if (text.size() < length) return 0;
+  for (std::size_t i = 1; i < length; ++i) {
+    if ((byteAt(i) & 0xC0U) != 0x80) return 0;
+  }
+  // Longer than need be, a surrogate, or past the last character.
+  const unsigned second = byteAt(1);
+  const bool isOverlong = (lead == 0xE0 && second < 0xA0) || (lead == 0xF0 && second < 0x90);
+  const bool isNone = (lead == 0xED && second > 0x9F) || (lead == 0xF4 && second > 0x8F);
+  return isOverlong || isNone ? 0 : length;
+}
+
+// The kernel's names are bytes, CIM's texts are characters.
+std::string soundText(std::string_view text) {
+  std::string sound;
+  while (!text.empty()) {
+    const std::size_t length = characterLength(text);
+    sound += length == 0 ? kReplacement : text.substr(0, length);
+    text.remove_prefix(std::max<std::size_t>(length, 1));
+  }
+  return sound;
+}
+
+}  // namespace
+
 LinuxValue booleanValue(bool value) { return new CQoriValue(value, CQoriType::boolean); }
 LinuxValue uint16Value(QORuint16 value) { return new CQoriValue(value, CQoriType::uint16); }
 LinuxValue sint16Value(QORsint16 value) { return new CQoriValue(value, CQoriType::sint16); }
@@ -20,7 +58,11 @@ LinuxValue uint32Value(QORuint32 value) { return new CQoriValue(value, CQoriType
 LinuxValue sint32Value(QORsint32 value) { return new CQoriValue(value, CQoriType::sint32); }
 LinuxValue uint64Value(QORuint64 value) { return new CQoriValue(value, CQoriType::uint64); }
 LinuxValue real64Value(double value) { return new CQoriValue(value, CQoriType::real64); }
-LinuxValue textValue(std::string_view text) { return new CQoriValue(QORString(text)); }
+
+LinuxValue textValue(std::string_view text) {
+  if (std::all_of(text.begin(), text.end(), isAscii)) return new CQoriValue(QORString(text));
+  return new CQoriValue(QORString(soundText(text)));
+}
 
 LinuxValue textOrNull(const char* text) { return text == nullptr || *text == '\0' ? LinuxValue() : textValue(text); }
 

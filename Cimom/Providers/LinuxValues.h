@@ -21,6 +21,7 @@ LinuxValue uint32Value(QORuint32 value);
 LinuxValue sint32Value(QORsint32 value);
 LinuxValue uint64Value(QORuint64 value);
 LinuxValue real64Value(double value);
+// Bytes that are no UTF-8 become U+FFFD.
 LinuxValue textValue(std::string_view text);
 // A null pointer for a null or empty text.
 LinuxValue textOrNull(const char* text);

@@ -74,4 +74,26 @@ TEST(LinuxValues, ReadsSmallFilesAndTellsWhyNot) {
   EXPECT_EQ(errno, ENOENT);
 }
 
+TEST(TextValue, KeepsWhatIsUtf8) {
+  for (const char* text : {"", "plain",
+                           "gr\xC3\xB6\xC3\x9F"
+                           "er",
+                           "\xE6\x97\xA5", "\xF0\x9F\x98\x80", "\xF4\x8F\xBF\xBF", "\x1B["}) {
+    EXPECT_EQ(textOf(textValue(text)), text);
+  }
+}
+
+TEST(TextValue, ReplacesBytesThatAreNoUtf8) {
+  EXPECT_EQ(textOf(textValue("a\xFF\xFE"
+                             "b")),
+            "a\xEF\xBF\xBD\xEF\xBF\xBD"
+            "b");
+  EXPECT_EQ(textOf(textValue("\xC3")), "\xEF\xBF\xBD");
+  EXPECT_EQ(textOf(textValue("\xE6\x97z")), "\xEF\xBF\xBD\xEF\xBF\xBDz");
+  const std::string three = "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD";
+  EXPECT_EQ(textOf(textValue("\xE0\x80\x80")), three) << "longer than need be";
+  EXPECT_EQ(textOf(textValue("\xED\xA0\x80")), three) << "a surrogate";
+  EXPECT_EQ(textOf(textValue("\xF4\x90\x80\x80")), three + "\xEF\xBF\xBD") << "past the last character";
+}
+
 }  // namespace
