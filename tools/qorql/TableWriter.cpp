@@ -1,5 +1,6 @@
 // The columns are as wide as their widest text; where that is wider than the
-// terminal, the widest columns are cut to one width, as great as fits.
+// terminal, the widest columns are cut to one width, as great as fits. Columns
+// that are cut to less than a few letters tell nothing: then the rows become cards.
 #include "TableWriter.h"
 
 #include <algorithm>
@@ -22,6 +23,9 @@ struct TableWriter::Frame {
 namespace {
 
 constexpr std::size_t kNarrowestColumn = 4;
+// A table stands where columns of this width fit; rows are cards where they do not.
+constexpr std::size_t kReadableColumn = 6;
+constexpr std::size_t kCardGap = 2;  // between a card's names and their values
 
 }  // namespace
 
@@ -68,10 +72,15 @@ void TableWriter::shrinkColumns(bool isNumber, std::size_t& excess) {
   }
 }
 
+std::size_t TableWriter::boxWidth(std::size_t widest) const {
+  std::size_t total = 3 * _widths.size() + 1;
+  for (const std::size_t width : _widths) total += std::min(width, widest);
+  return total;
+}
+
 void TableWriter::fitWidths() {
   if (!_terminal.isTerminal || _widths.empty()) return;
-  std::size_t total = 3 * _widths.size() + 1;
-  for (const std::size_t width : _widths) total += width;
+  const std::size_t total = boxWidth(std::string::npos);
   std::size_t excess = total - std::min(total, _terminal.width);
   shrinkColumns(false, excess);
   shrinkColumns(true, excess);
@@ -107,12 +116,10 @@ void TableWriter::printRowCount() {
   _out << count << (count == 1 ? " row" : " rows") << '\n';
 }
 
-void TableWriter::end() {
+void TableWriter::printTable() {
   const Frame& drawn = frame();
   const auto rule = [&](const char* const(&signs)[3]) { printRule(signs[0], signs[1], signs[2], drawn); };
   fitWidths();
-  if (!_isFirst) _out << '\n';
-  _isFirst = false;
   const bool hasBox = _terminal.isTerminal && !_columns.empty();
   if (hasBox) rule(drawn.top);
   for (std::size_t first = 0; first < _cells.size() && _out; first += _columns.size()) {
@@ -120,6 +127,36 @@ void TableWriter::end() {
     if (first == 0) rule(drawn.middle);
   }
   if (hasBox) rule(drawn.bottom);
+}
+
+// A rule with the row's number, then the names with the row's values beside them.
+void TableWriter::printCards() {
+  const Frame& drawn = frame();
+  const std::size_t count = _columns.size();
+  std::size_t names = 0;
+  for (std::size_t i = 0; i < count; ++i) names = std::max(names, _cells[i].width);
+  names = std::min(names, _terminal.width / 2);
+  const std::size_t room = _terminal.width - names - kCardGap;
+  const auto fitted = [&](const Cell& cell, std::size_t width) {
+    return cell.width > width ? cutText(cell.text, width, drawn.cut) : cell.text;
+  };
+  for (std::size_t first = count; first < _cells.size() && _out; first += count) {
+    _line = drawn.dash + (" " + std::to_string(first / count)) + ' ';
+    for (std::size_t width = displayWidth(_line); width < _terminal.width; ++width) _line += drawn.dash;
+    _out << _line << '\n';
+    for (std::size_t i = 0; i < count; ++i) {
+      const std::string name = fitted(_cells[i], names);
+      _out << name << std::string(names + kCardGap - displayWidth(name), ' ') << fitted(_cells[first + i], room)
+           << '\n';
+    }
+  }
+}
+
+void TableWriter::end() {
+  if (!_isFirst) _out << '\n';
+  _isFirst = false;
+  const bool fits = !_terminal.isTerminal || boxWidth(kReadableColumn) <= _terminal.width;
+  fits ? printTable() : printCards();
   if (_terminal.isTerminal) printRowCount();
   _cells.clear();
 }

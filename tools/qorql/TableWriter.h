@@ -11,8 +11,9 @@
 // result until it ends.
 //
 // On a terminal the table stands in a box, the number of rows under it, and
-// fits the width: the widest columns are cut, numbers last. Anywhere else the
-// columns are two blanks apart under a rule, and nothing is cut.
+// fits the width: the widest columns are cut, numbers last. Where there are too
+// many columns for that, each row is a card with a line for each column.
+// Anywhere else the columns are two blanks apart under a rule, and nothing is cut.
 class TableWriter : public ResultWriter {
  public:
   explicit TableWriter(std::ostream& out) : ResultWriter(out) {}
@@ -29,7 +30,11 @@ class TableWriter : public ResultWriter {
   struct Frame;
 
   void addCell(std::size_t column, std::string text);
+  // What the lines of a box take that has columns of these widths at most.
+  std::size_t boxWidth(std::size_t widest) const;
   void fitWidths();
+  void printTable();
+  void printCards();
   void shrinkColumns(bool isNumber, std::size_t& excess);
   void printLine(const Cell* cells, const Frame& frame);
   void printRule(const char* left, const char* cross, const char* right, const Frame& frame);
