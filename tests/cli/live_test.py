@@ -165,14 +165,32 @@ class Live(ToolCase):
         self.assertGreater(rows[0]["WorkingSetSize"], 0)
         self.assertIsNone(rows[0]["Extra"])
 
-    def test_a_schema_that_does_not_fit_goes_first(self):
+    def test_live_classes_that_do_not_fit_are_left_out(self):
         path = self.write("odd.mof", QUALIFIERS + (
             "class CIM_LogicalElement { [Key] uint32 Name; };\ninstance of CIM_LogicalElement { Name = 5; };\n"))
         result = self.run_tool("-m", path, "-o", "csv", "SELECT Name FROM CIM_LogicalElement")
         self.assertEqual((result.status, result.out), (0, "Name\n5\n"))
-        self.assertRegex(result.err, r"\Aqorql: warning: Without live classes, which do not fit the MOF files: .+\n\Z")
+        self.assertRegex(result.err, r"\Aqorql: warning: Without CIM_\w+(, \w+)* and \d+ more, which the MOF files leave "
+                                     r"no room for: class CIM_\w+: key .+\n\Z")
         quiet = self.run_tool("--quiet", "-m", path, "-o", "csv", "SELECT Name FROM CIM_LogicalElement")
         self.assertEqual((quiet.status, quiet.out, quiet.err), (0, "Name\n5\n", ""))
+
+    def test_live_classes_beside_those_that_do_not_fit(self):
+        path = self.write("odd.mof", QUALIFIERS + (
+            "class CIM_Process { [Key] string Handle; string Name; };\ninstance of CIM_Process { Handle = \"stored\"; };\n"))
+        warning = ("qorql: warning: Without Linux_ProcessOwner, Linux_ProcessPort, "
+                   "which the MOF files leave no room for: Linux_ProcessOwner refers to Linux_Process, which is not derived "
+                   "from CIM_ManagedElement\n")
+        result = self.run_tool("-m", path, "-o", "csv", f"SELECT Handle FROM CIM_Process WHERE Handle = '{os.getpid()}'")
+        self.assertEqual((result.status, result.out, result.err), (0, f"Handle\n{os.getpid()}\n", warning))
+        names = self.run_tool("classes", "-m", path, "Linux_*").out.split()
+        self.assertIn("Linux_User", names)
+        self.assertIn("Linux_GroupMember", names)
+        self.assertNotIn("Linux_ProcessOwner", names)
+        users = self.run_tool("--quiet", "-m", path, "-o", "csv",
+                              "SELECT G.Name AS G, U.Name AS U FROM Linux_Group AS G, Linux_User AS U "
+                              "WHERE Linux_GroupMember = G AND Linux_GroupMember = U AND U.UserNumber = 0")
+        self.assertIn("root,root\n", users.out)
 
     def test_only_what_a_query_names_is_read(self):
         result = self.run_tool("-o", "csv", "--log", "trace", "--stats",

@@ -1,11 +1,12 @@
 // The object manager that the statements of one run are asked of.
 #include "Session.h"
 
+#include <exception>
 #include <iostream>
 
 #include "Cimom/Mof/MofLoader.h"
-#include "Cimom/Providers/LinuxProviders.h"
 #include "DisplayText.h"
+#include "LiveClasses.h"
 #include "MofCacheChoice.h"
 #include "ProgressLine.h"
 
@@ -21,14 +22,19 @@ const char* severityName(QORuint32 severity) {
 
 }  // namespace
 
-Session::Session(const SessionOptions& options) : _options(options) {
-  _manager.setLogSink([this](const QORString& who, const QORString& message,
-                             QORuint32 severity) { takeLogLine(who, message, severity); },
-                      options.logSeverity.value_or(QoriTraceLog::kWarning));
-  _manager.makeCurrent();
+Session::Session(const SessionOptions& options) : _options(options), _manager(makeManager()) {
+  _manager->makeCurrent();
 }
 
-Session::~Session() { _manager.setLogSink({}, QoriTraceLog::kFatal); }
+Session::~Session() { _manager->setLogSink({}, QoriTraceLog::kFatal); }
+
+std::unique_ptr<EmbeddedObjectManager> Session::makeManager() {
+  auto manager = std::make_unique<EmbeddedObjectManager>();
+  manager->setLogSink([this](const QORString& who, const QORString& message,
+                             QORuint32 severity) { takeLogLine(who, message, severity); },
+                      _options.logSeverity.value_or(QoriTraceLog::kWarning));
+  return manager;
+}
 
 void Session::takeLogLine(const QORString& who, const QORString& message, QORuint32 severity) {
   const std::string text = printableText(message.view());
@@ -49,34 +55,34 @@ void Session::printWarnings() {
 }
 
 void Session::open(const char* commonMof) {
-  loadConfiguration();
+  loadConfiguration(*_manager);
   try {
-    loadMof();
+    loadMof(*_manager);
   } catch (const MofException& alone) {
     if (commonMof == nullptr) throw;
     loadMofOver(commonMof, alone);
   }
-  if (!_options.hasNoLiveClasses) addLiveClasses();
+  if (!_options.hasNoLiveClasses) addLiveClasses(*_manager);
   printWarnings();
 }
 
-void Session::loadConfiguration() {
-  if (!_options.configuration.empty()) _manager.loadConfiguration(_options.configuration);
+void Session::loadConfiguration(EmbeddedObjectManager& manager) const {
+  if (!_options.configuration.empty()) manager.loadConfiguration(_options.configuration);
   for (const Setting& setting : _options.settings) {
-    _manager.setConfiguration(setting.section.c_str(), setting.key.c_str(), setting.value.c_str());
+    manager.setConfiguration(setting.section.c_str(), setting.key.c_str(), setting.value.c_str());
   }
 }
 
-void Session::loadMof() {
+void Session::loadMof(EmbeddedObjectManager& manager) const {
   if (_options.mofPaths.empty()) return;
   const Activity activity("loading MOF");
   const ProgressLine progress(!_options.isQuiet, activity);
   const QORString nameSpace(_options.nameSpace);
   if (const std::optional<MofCache> cache = mofCacheFor(_options); cache.has_value()) {
-    const MofCache::Outcome outcome = cache->loadFiles(_manager.sink(), nameSpace, _options.mofPaths);
+    const MofCache::Outcome outcome = cache->loadFiles(manager.sink(), nameSpace, _options.mofPaths);
     tellOfCache(outcome, !_options.cacheFile.empty());
   } else {
-    MofLoader(_manager.sink(), nameSpace).loadFiles(_options.mofPaths);
+    MofLoader(manager.sink(), nameSpace).loadFiles(_options.mofPaths);
   }
 }
 
@@ -85,8 +91,8 @@ void Session::loadMof() {
 void Session::loadMofOver(const char* commonMof, const MofException& alone) {
   const QORString nameSpace(_options.nameSpace);
   try {
-    MofLoader(_manager.sink(), nameSpace).loadText(commonMof, "common classes");
-    MofLoader(_manager.sink(), nameSpace).loadFiles(_options.mofPaths);
+    MofLoader(_manager->sink(), nameSpace).loadText(commonMof, "common classes");
+    MofLoader(_manager->sink(), nameSpace).loadFiles(_options.mofPaths);
   } catch (const MofException& together) {
     if (together.getDiagnostics().size() < alone.getDiagnostics().size()) throw;
     throw MofException(alone);
@@ -94,16 +100,40 @@ void Session::loadMofOver(const char* commonMof, const MofException& alone) {
 }
 
 // After the MOF files, so that a fuller CIM schema among them takes the place of
-// the short one. A schema that the live classes do not fit into goes before them.
-void Session::addLiveClasses() {
-  const QORString nameSpace(_options.nameSpace);
-  LinuxSchemaSink sink(_manager.sink());
+// the short one.
+void Session::addLiveClasses(EmbeddedObjectManager& manager) {
+  const std::string complaint = ::addLiveClasses(manager, QORString(_options.nameSpace));
+  if (!complaint.empty()) _warnings.push_back(complaint);
+}
+
+void Session::loadMore(const std::string& path, const std::string& nameSpace) {
   try {
-    MofLoader(sink, nameSpace).loadText(linuxSchemaMof(), "live classes");
-    registerLinuxProviders(_manager, nameSpace);
-  } catch (const QoriBaseException& error) {
-    const std::string_view message = error.getMessage().view();
-    _warnings.push_back("Without live classes, which do not fit the MOF files: " +
-                        printableText(message.substr(0, message.find('\n'))));
+    const Activity activity("loading MOF");
+    const ProgressLine progress(!_options.isQuiet, activity);
+    MofLoader(_manager->sink(), QORString(nameSpace)).loadFile(path);
+  } catch (const MofException&) {
+    if (_options.hasNoLiveClasses) throw;
+    const std::exception_ptr refusal = std::current_exception();
+    try {
+      openAnew({path, nameSpace});
+    } catch (const QoriBaseException&) {
+      dropWarnings();
+      std::rethrow_exception(refusal);  // what is wrong is wrong beside the live classes too
+    }
   }
+  _more.push_back({path, nameSpace});
+  printWarnings();
+}
+
+void Session::openAnew(const MorePath& last) {
+  std::unique_ptr<EmbeddedObjectManager> fresh = makeManager();
+  loadConfiguration(*fresh);
+  loadMof(*fresh);
+  const Activity activity("loading MOF");
+  const ProgressLine progress(!_options.isQuiet, activity);
+  for (const MorePath& more : _more) MofLoader(fresh->sink(), QORString(more.nameSpace)).loadFile(more.path);
+  MofLoader(fresh->sink(), QORString(last.nameSpace)).loadFile(last.path);
+  addLiveClasses(*fresh);
+  fresh->makeCurrent();
+  _manager = std::move(fresh);
 }

@@ -2,6 +2,7 @@
 #ifndef QORQL_TOOL_SESSION_H
 #define QORQL_TOOL_SESSION_H
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -9,7 +10,7 @@
 #include "Cimom/Mof/MofError.h"
 #include "SessionOptions.h"
 
-// Made once, then opened. BORROWS the options.
+// Made once, then opened. Keeps the options as they were then.
 class Session {
  public:
   explicit Session(const SessionOptions& options);
@@ -22,7 +23,13 @@ class Session {
   // QoriBaseException when one of them fails.
   void open(const char* commonMof = nullptr);
 
-  EmbeddedObjectManager& manager() { return _manager; }
+  // Until loadMore() is called the next time.
+  EmbeddedObjectManager& manager() { return *_manager; }
+
+  // Loads MOF into an open session. Where it leaves no room for live classes,
+  // as a full CIM schema does, all is loaded anew, the live classes last.
+  // THROWS QoriBaseException; then everything is as it was.
+  void loadMore(const std::string& path, const std::string& nameSpace);
 
   // What was logged while a statement ran, unless the log is printed at once:
   // shown as warnings after a statement that succeeded, forgotten after one
@@ -32,13 +39,21 @@ class Session {
 
  private:
   void takeLogLine(const QORString& who, const QORString& message, QORuint32 severity);
-  void loadConfiguration();
-  void loadMof();
-  void loadMofOver(const char* commonMof, const MofException& alone);
-  void addLiveClasses();
+  struct MorePath {
+    std::string path;
+    std::string nameSpace;
+  };
 
-  const SessionOptions& _options;
-  EmbeddedObjectManager _manager;
+  std::unique_ptr<EmbeddedObjectManager> makeManager();
+  void loadConfiguration(EmbeddedObjectManager& manager) const;
+  void loadMof(EmbeddedObjectManager& manager) const;
+  void loadMofOver(const char* commonMof, const MofException& alone);
+  void addLiveClasses(EmbeddedObjectManager& manager);
+  void openAnew(const MorePath& last);
+
+  const SessionOptions _options;
+  std::unique_ptr<EmbeddedObjectManager> _manager;
+  std::vector<MorePath> _more;
   std::vector<std::string> _warnings;
 };
 

@@ -1,0 +1,15 @@
+// The live classes of this machine, beside what MOF files declare.
+#ifndef QORQL_TOOL_LIVECLASSES_H
+#define QORQL_TOOL_LIVECLASSES_H
+
+#include <string>
+
+#include "Cimom/Embedded/EmbeddedObjectManager.h"
+
+// Declares the live classes and registers their providers. Classes that exist
+// are left as they are, so that a fuller CIM schema takes the place of the short
+// one; live classes that do not fit to those, and what depends on them, are left
+// out. Returns a sentence that says which and why; empty when all are there.
+std::string addLiveClasses(EmbeddedObjectManager& manager, const QORString& nameSpace);
+
+#endif
