@@ -22,6 +22,12 @@ class Pages(ToolCase):
             for option in self.long_options(command):
                 self.assertIn("\\fB" + option + "\\fR", text, command)
 
+    def test_manual_tells_the_options_of_all_commands_once(self):
+        text = self.succeed(self.run_tool("pages", "man")).replace("\\-", "-")
+        for option in ("--mof", "--namespace", "--no-live", "--help"):
+            self.assertEqual(text.count("\\fB" + option + "\\fR"), 1, option)
+        self.assertIn("qorql match\n[OPTIONS] FILTER [FILE...]\n", text)
+
     def test_manual_is_without_faults(self):
         path = self.write("qorql.1", self.succeed(self.run_tool("pages", "man")))
         done = subprocess.run(["groff", "-man", "-Tascii", "-ww", path], capture_output=True, timeout=60, check=False)
@@ -33,7 +39,7 @@ class Pages(ToolCase):
         script = self.write("completion.bash", self.succeed(self.run_tool("pages", "bash")))
         code = ('source "$1"; compopt() { :; }; shift; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _qorql; '
                 'printf "%s\\n" "${COMPREPLY[@]}"')
-        done = subprocess.run(["bash", "-c", code, "bash", script, "qorql", *words], capture_output=True, timeout=60,
+        done = subprocess.run(["bash", "-c", code, "bash", script, toolcase.TOOL, *words], capture_output=True, timeout=60,
                               cwd=self.folder, check=False)
         self.assertEqual((done.returncode, done.stderr), (0, b""))
         return done.stdout.decode().split()
@@ -45,6 +51,16 @@ class Pages(ToolCase):
         self.assertEqual(self.complete("query", "--st"), ["--stats"])
         for command in COMMANDS:
             self.assertEqual(set(self.complete(command, "--")), self.long_options(command), command)
+
+    def test_completes_behind_options(self):
+        self.assertEqual(self.complete("--no-live", "expl"), ["explain"])
+        self.assertEqual(self.complete("--no-live", "classes", "--lo"), ["--log", "--long"])
+        self.assertEqual(self.complete("classes", "expl"), [])
+
+    def test_completes_classes(self):
+        self.assertEqual(self.complete("class", "Linux_Us"), ["Linux_User"])
+        self.assertEqual(self.complete("instances", "CIM_Oper"), ["CIM_OperatingSystem"])
+        self.assertEqual(self.complete("class", "--al"), ["--alone"])
 
     def test_completes_values(self):
         self.assertEqual(self.complete("-o", ""), ["csv", "html", "json", "jsonl", "mof", "table", "xml"])

@@ -53,7 +53,8 @@ std::string synopsis(const CLI::App& app) {
   std::string text = ".B " + roff(app.get_name()) + "\n[OPTIONS]";
   for (const CLI::Option* option : app.get_options()) {
     if (!isPositional(*option)) continue;
-    const std::string name = option->get_name(true);
+    const bool isRepeatable = option->get_expected_max() == CLI::detail::expected_max_vector_size;
+    const std::string name = option->get_name(true) + (isRepeatable ? "..." : "");
     text += option->get_required() ? " " + name : " [" + name + "]";
   }
   return text + "\n";
@@ -67,21 +68,55 @@ void printOption(const CLI::Option& option) {
   std::cout << ".TP\n" << names << '\n' << roff(option.get_description()) << '\n';
 }
 
-void printCommand(const Command& command) {
+// The options that most commands have alike, declared apart from them.
+class SessionPart {
+ public:
+  SessionPart() { declareSessionOptions(_app, _options); }
+  const CLI::App& app() const noexcept { return _app; }
+  bool has(const CLI::Option& option) const {
+    const std::vector<std::string> names = namesOf(option);
+    return !names.empty() && _app.get_option_no_throw(names.back()) != nullptr;
+  }
+
+ private:
+  CLI::App _app;
+  SessionOptions _options;
+};
+
+void printCommand(const Command& command, const SessionPart& session) {
   const DeclaredCommand declared = declareCommand(command);
   const CLI::App& app = *declared.app;
   std::cout << ".SS " << roff(app.get_name()) << '\n' << synopsis(app);
   std::cout << ".PP\n" << roff(app.get_description()) << '\n';
-  for (const CLI::Option* option : app.get_options()) printOption(*option);
+  for (const CLI::Option* option : app.get_options()) {
+    if (option != app.get_help_ptr() && !session.has(*option)) printOption(*option);
+  }
   std::cout << ".PP\n.nf\n" << roff(app.get_footer()) << "\n.fi\n";
 }
 
+constexpr const char* kFiles =
+    ".SH FILES\n"
+    ".TP\n\\fI$XDG_CACHE_HOME/qorql/\\fR, else \\fI~/.cache/qorql/\\fR\n"
+    "What large MOF files declare; may be deleted at any time.\n"
+    ".TP\n\\fI$XDG_STATE_HOME/qorql/history\\fR, else \\fI~/.local/state/qorql/history\\fR\n"
+    "The statements of the shell.\n"
+    ".TP\n\\fI~/.editrc\\fR\n"
+    "The keys of the shell, see\n.BR editrc (5).\n";
+
 void printManual() {
+  const SessionPart session;
+  const DeclaredCommand first = declareCommand(allCommands().front());
   std::cout << ".TH QORQL 1 \"\" \"qorql " << roff(versionText()) << "\" \"User Commands\"\n"
             << ".SH NAME\nqorql \\- query CIM instances\n.SH SYNOPSIS\n"
-            << synopsis(*declareCommand(allCommands().front()).app) << ".br\n.B qorql\n\\fICOMMAND\\fR [OPTIONS] ...\n"
-            << ".SH COMMANDS\nWithout a command the first one runs.\n";
-  for (const Command& command : allCommands()) printCommand(command);
+            << synopsis(*first.app) << ".br\n.B qorql\n\\fICOMMAND\\fR [OPTIONS] ...\n"
+            << ".SH OPTIONS\nEvery command but pages takes these; the others stand with their command.\n";
+  for (const CLI::Option* option : session.app().get_options()) {
+    if (option != session.app().get_help_ptr()) printOption(*option);
+  }
+  printOption(*first.app->get_help_ptr());
+  std::cout << ".SH COMMANDS\nWithout a command the first one runs.\n";
+  for (const Command& command : allCommands()) printCommand(command, session);
+  std::cout << kFiles;
 }
 
 // --- completion for bash ----------------------------------------------------------------
@@ -101,6 +136,13 @@ std::string valuesOf(const CLI::Option& option) {
   }
   if (type == "LEVEL") words = logLevelNames();
   return joined(words);
+}
+
+bool namesClass(const CLI::App& app) {
+  const Options options = app.get_options();
+  return std::any_of(options.begin(), options.end(), [](const CLI::Option* option) {
+    return isPositional(*option) && (option->get_name(true) == "NAME" || option->get_name(true) == "CLASS");
+  });
 }
 
 // The case branches of one command: what follows an option, and the options.
@@ -126,7 +168,9 @@ void printBranches(const Command& command) {
     }
     std::cout << "; return ;;\n";
   }
-  std::cout << "      esac\n      words='" << joined(all) << "' ;;\n";
+  std::cout << "      esac\n      words='" << joined(all) << "'";
+  if (namesClass(*declared.app)) std::cout << "\n      needsClass=1";
+  std::cout << " ;;\n";
 }
 
 void printCompletion() {
@@ -134,17 +178,21 @@ void printCompletion() {
   for (const Command& command : allCommands()) names.emplace_back(command.name);
   std::cout << "# Completion of qorql for bash, made by: qorql pages bash\n"
                "_qorql() {\n"
-               "  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]} words=\n"
+               "  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]}\n"
+               "  local words= word named= needsClass=\n"
                "  local commands='"
             << joined(names) << "' command=" << names.front()
             << "\n"
-               "  if [ \"$COMP_CWORD\" -gt 1 ] && [[ \" $commands \" == *\" ${COMP_WORDS[1]} \"* ]]; then\n"
-               "    command=${COMP_WORDS[1]}\n"
-               "  fi\n"
+               "  for word in \"${COMP_WORDS[@]:1:COMP_CWORD-1}\"; do\n"
+               "    if [[ $word && \" $commands \" == *\" $word \"* ]]; then command=$word named=1; break; fi\n"
+               "  done\n"
                "  case \"$command\" in\n";
   for (const Command& command : allCommands()) printBranches(command);
   std::cout << "  esac\n"
-               "  [ \"$COMP_CWORD\" -eq 1 ] && words=\"$words $commands\"\n"
+               "  [ \"$named\" ] || words=\"$words $commands\"\n"
+               "  if [[ $needsClass && $current != -* ]]; then\n"
+               "    words=\"$words $(\"${COMP_WORDS[0]}\" classes --quiet 2>/dev/null)\"\n"
+               "  fi\n"
                "  COMPREPLY=($(compgen -W \"$words\" -- \"$current\"))\n"
                "  [ ${#COMPREPLY[@]} -gt 0 ] || COMPREPLY=($(compgen -f -- \"$current\"))\n"
                "}\n"
