@@ -3,6 +3,7 @@
 #ifndef QORQL_MOF_MOFERROR_H
 #define QORQL_MOF_MOFERROR_H
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -26,12 +27,15 @@ struct MofDiagnostic {
 // status "invalid parameter"); the message is the text of all diagnostics.
 class MofException : public QoriBaseException {
  public:
+  // A load ends early when it has that many faults.
+  static constexpr std::size_t kMaximumFaults = 20;
+
   explicit MofException(std::vector<MofDiagnostic> diagnostics);
   MofException(const MofException&) = default;
   MofException& operator=(const MofException&) = default;
   ~MofException() override;
 
-  // In the order of files and lines; never empty, at most 20.
+  // In the order of files and lines; never empty, at most kMaximumFaults.
   const std::vector<MofDiagnostic>& getDiagnostics() const noexcept { return _diagnostics; }
 
  private:

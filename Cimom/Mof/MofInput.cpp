@@ -4,6 +4,7 @@
 #include <xxhash.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <system_error>
@@ -72,10 +73,13 @@ std::string listMofFolder(const std::string& path, std::vector<std::string>& fil
 
 std::string readMofFile(const std::string& path, std::string& content) {
   std::error_code error;
-  if (!fs::exists(path, error)) return "there is no such file";
-  if (fs::is_directory(path, error)) return "it is a folder";
+  const fs::file_status status = fs::status(path, error);
+  if (status.type() == fs::file_type::not_found) return "there is no such file";
+  if (status.type() == fs::file_type::none) return error.message();
+  if (status.type() == fs::file_type::directory) return "it is a folder";
+  errno = 0;
   std::ifstream in(path, std::ios::binary);
-  if (!in) return "it cannot be opened";
+  if (!in) return errno == 0 ? "it cannot be opened" : std::generic_category().message(errno);
   // The content decides: what is no plain file has no size, and a file may grow.
   const std::uintmax_t size = fs::file_size(path, error);
   if (!error && size > kMaximumFileSize) return kTooLarge;

@@ -6,14 +6,13 @@
 #include <string>
 #include <vector>
 
+#include "Cimom/Mof/MofError.h"
 #include "Cimom/Mof/MofSource.h"
 
 // Belongs to one load. Past the limit further faults are dropped and whoever
 // reads on stops.
 class MofReport {
  public:
-  static constexpr std::size_t kMaximumFaults = 20;
-
   void add(const MofLocation& at, const std::string& message);
   // Nothing for a fault that has been recorded already.
   void add(const MofFault& fault) {
@@ -23,7 +22,7 @@ class MofReport {
   void addFile(const std::string& file, const std::string& message);
 
   bool isEmpty() const noexcept { return _faults.empty(); }
-  bool isFull() const noexcept { return _faults.size() >= kMaximumFaults; }
+  bool isFull() const noexcept { return _faults.size() >= MofException::kMaximumFaults; }
   // THROWS MofException when faults were added; those of a text in the order of its lines.
   void raise() const;
 

@@ -365,5 +365,20 @@ class EveryForm(ToolCase):
         self.assertEqual(len(calls), 1, calls)
 
 
+class EmptyRows(ToolCase):
+    WARNING = "qorql: warning: In XML the rows of * are empty: name the columns [SEL-5]\n"
+
+    def test_a_bare_star_in_xml_is_warned_of(self):
+        for query in ("SELECT * FROM Shop_Empty", "SELECT FIRST 2 * FROM Shop_Empty", "SELECT Id, * FROM Shop_Empty"):
+            result = self.model("--warnings", "-o", "xml", query)
+            self.assertEqual(result.status, 0)
+            self.assertTrue(result.err.endswith(self.WARNING), result.err)
+            self.assertNotIn(self.WARNING, self.model("-o", "xml", query).err)
+            self.assertNotIn(self.WARNING, self.model("--warnings", "-o", "csv", query).err)
+
+    def test_a_product_is_none(self):
+        self.assertEqual(self.model("--warnings", "-o", "xml", "SELECT Id * 2 AS Twice FROM Shop_Item").err, "")
+
+
 if __name__ == "__main__":
     toolcase.main()

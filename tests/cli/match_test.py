@@ -144,7 +144,7 @@ class Faults(MatchCase):
         self.assertEqual(result.out, f"{ALERT_PATH}\tno match\n" * 2)
 
     def test_wrong_usage(self):
-        for arguments, says in (([], "FILTER"), (["-q"], "--language"), (["--why=1", FC1], "why was given"),
+        for arguments, says in (([], "FILTER"), (["-q"], "--language"), (["--why=1", FC1], "--why takes no value"),
                                 (["--no-such", FC1], "--no-such"), (["-m"], "--mof")):
             result = self.run_tool("match", *arguments)
             self.assertEqual((result.status, result.out), (2, ""), arguments)

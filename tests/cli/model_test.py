@@ -100,6 +100,8 @@ class Class(ToolCase):
             self.assertEqual(self.show("-m", again, name), text)
 
     def test_unknown_class(self):
+        self.refused(self.run_tool("class", "--no-live", "-m", MODEL, "shop_itme"), 1,
+                     "qorql: error: there is no class shop_itme in namespace root/cimv2: did you mean Shop_Item?")
         self.refused(self.run_tool("class", "--no-live", "-m", MODEL, "Shop_None"), 1,
                      "qorql: error: there is no class Shop_None in namespace root/cimv2")
 

@@ -55,7 +55,7 @@ def screen(text):
 class Person:
     """Types into the shell and waits for what it shows."""
 
-    def __init__(self, case, *arguments, home=None, width=100):
+    def __init__(self, case, *arguments, home=None, width=100, live=False):
         self.case = case
         home = home or case.folder
         self.process, self.terminal = pty.fork()
@@ -63,7 +63,8 @@ class Person:
             fcntl.ioctl(0, termios.TIOCSWINSZ, struct.pack("HHHH", 40, width, 0, 0))
             environment = {key: value for key, value in os.environ.items() if not key.startswith(("XDG_", "LC_"))}
             environment.update(HOME=home, LANG="C.UTF-8", TERM="xterm")
-            os.execve(toolcase.TOOL, ["qorql", "--no-live", "-m", MODEL, *arguments], environment)
+            base = [] if live else ["--no-live"]
+            os.execve(toolcase.TOOL, ["qorql", *base, "-m", MODEL, *arguments], environment)
         case.addCleanup(self.close)
         self.raw = b""
         self.base = None
@@ -331,6 +332,27 @@ class Commands(Shell):
         self.assertIn("bad.mof:1:7", person.ask(".mof " + bad))
         self.assertIn("none.mof", person.ask(".mof " + self.folder + "/none.mof"))
         self.assertEqual(person.ask(".mof"), "qorql: error: .mof needs a file or folder\n")
+
+    def test_mof_that_leaves_no_room_for_the_short_schema_of_the_live_classes(self):
+        person = self.person("-o", "csv", live=True)
+        more = self.write("more.mof", "class More { [Key] uint8 K; };\ninstance of More { K = 7; };\n")
+        self.assertEqual(person.ask(".mof " + more), "")
+        full = self.write("full.mof", "class CIM_ManagedElement { string Fuller; };\n")
+        self.assertEqual(person.ask(".mof " + full), "")
+        self.assertIn("string Fuller;", person.ask(".class CIM_ManagedElement"))
+        self.assertEqual(person.ask("SELECT K FROM More;"), "K\n7\n")
+        self.assertEqual(person.ask("SELECT Id FROM Shop_Item WHERE Id = 1;"), "Id\n1\n")
+        self.assertEqual(person.ask(f"SELECT Handle FROM Linux_Process WHERE Handle = '{person.process}';"),
+                         f"Handle\n{person.process}\n")
+
+    def test_mof_at_fault_leaves_everything_as_it_was(self):
+        person = self.person("-o", "csv", live=True)
+        bad = self.write("bad.mof", "class CIM_ManagedElement { string Fuller; };\nclass Mine : Linux_User { uint8 UserNumber; };\n")
+        shown = person.ask(".mof " + bad)
+        self.assertIn("bad.mof:1:7: class CIM_ManagedElement is declared already", shown)
+        self.assertIn("bad.mof:2:33: class Mine: property UserNumber is redeclared", shown)
+        self.assertNotIn("Fuller", person.ask(".class CIM_ManagedElement"))
+        self.assertEqual(person.ask("SELECT Name FROM Linux_User WHERE UserNumber = 0;"), "Name\nroot\n")
 
     def test_namespace(self):
         person = self.person("-o", "csv", "-m", self.write("n.mof", '#pragma namespace ("root/other")\n'

@@ -80,6 +80,31 @@ class Terminal(ToolCase):
         self.assertIn("…", shown)
         self.assertIn("a \"q…", self.table("SELECT Size, Balance, Name, Made FROM Shop_Item", width=63))
 
+    def test_rows_are_cards_where_the_columns_do_not_fit(self):
+        shown = self.table("SELECT Id, Name, Size, Balance FROM Shop_Item WHERE Id = 1", width=30)
+        self.assertEqual(shown, (
+            "─ 1 ──────────────────────────\n"
+            "Id       1\n"
+            "Name     plain\n"
+            "Size     18446744073709551615\n"
+            "Balance  -9223372036854775808\n"
+            "1 row\n"))
+
+    def test_cards_are_cut_to_the_width(self):
+        path = self.write("wide.mof", "class W { [Key] uint8 K; string AVeryLongNameOfAProperty; string B; };\n"
+                                      "instance of W { K = 1; AVeryLongNameOfAProperty = \"日本語日本語日本語\"; };\n")
+        shown = self.table("-m", path, "SELECT * FROM W", width=20)
+        self.assertEqual(shown, ("─ 1 ────────────────\n"
+                                 "K           1\n"
+                                 "AVeryLong…  日本語…\n"
+                                 "B           NULL\n"
+                                 "1 row\n"))
+        shown = self.table("-m", path, "SELECT * FROM W", width=20, env={"LANG": "C"})
+        self.assertEqual(shown.splitlines()[0:2], ["- 1 ----------------", "K           1"])
+
+    def test_cards_of_no_rows(self):
+        self.assertEqual(self.table("SELECT Id, Name, Size, Balance FROM Shop_Item WHERE Id = 77", width=20), "0 rows\n")
+
     def test_cuts_between_wide_characters(self):
         path = self.write("wide.mof", "class W { [Key] string T; };\ninstance of W { T = \"日本語日本語日本語日本語\"; };\n")
         shown = self.table("-m", path, "SELECT T FROM W", width=20)
@@ -124,6 +149,36 @@ class Terminal(ToolCase):
         self.assertLessEqual(len(line), 60)
         self.assertEqual(line[caret.index("^")], ",")
         self.assertTrue(line.startswith("  ...") and line.endswith("..."), line)
+
+    def test_caret_of_mof_behind_tabs_and_wide_characters(self):
+        path = self.write("bad.mof", "\tclass\tT { string 日本 = \"日本\" 5; };\n")
+        self.assertEqual(self.show("-m", path, "SELECT Id FROM Shop_Item"), (3, (
+            f"qorql: error: {path}:1:29: found \"5\", expected \";\"\n"
+            "   class T { string 日本 = \"日本\" 5; };\n"
+            "                                  ^\n")))
+
+    def test_hint_of_the_name_that_was_meant(self):
+        for query, hint in (
+                ("SELECT Nmae FROM Shop_Item", "Nmae is no property of Shop_Item: did you mean Name? (line 1, column 8)"),
+                ("SELECT Id FROM Shop_Itm", "Shop_Itm is no class of root/cimv2: did you mean Shop_Item? (line 1, column 16)"),
+                ("SELECT * FROM Shop_Itm", "Shop_Itm is no class of root/cimv2: did you mean Shop_Item? (line 1, column 15)"),
+                ("SELECT Id FROM Shop_Item WHERE Name = plain",
+                 "plain is no property of Shop_Item: did you mean 'plain'? (line 1, column 39)"),
+                ("SELECT Id FROM Shop_Item WHERE Name = \"plain\"", "texts stand in single quotes: 'plain'"),
+                ("SELECT Shop_Item.Id FROM Shop_Item, Shop_Empty WHERE Name = ''",
+                 "Name is a property of more than one class: write Shop_Item.Name or Shop_Empty.Name (line 1, column 54)"),
+                ("clases", "did you mean the command classes?")):
+            with self.subTest(query=query):
+                status, shown = self.show(query)
+                self.assertEqual(status, 1)
+                self.assertEqual(shown.splitlines()[-1], "qorql: hint: " + hint)
+                self.assertNotIn("hint", self.show("--quiet", query)[1])
+                self.assertNotIn("hint", self.model(query).err)
+                self.assertIn("qorql: hint: " + hint, self.model("--warnings", query).err)
+
+    def test_no_hint_where_nothing_better_is_known(self):
+        for query in ("SELECT", "SELECT Id FROM Shop_Item WHERE ,", "SELECT Id FROM Shop_Item WHERE Id / 0 = 1"):
+            self.assertNotIn("hint", self.show(query)[1])
 
     def test_no_caret_for_faults_of_the_data(self):
         self.assertEqual(self.show("SELECT Id FROM Shop_Item WHERE Id / 0 = 1")[1].count("\n"), 1)

@@ -35,6 +35,21 @@ class GoodUse(ToolCase):
     def test_named_command(self):
         self.assertEqual(self.succeed(self.run_tool("query", "--no-live", "-m", MODEL, "-o", "csv", QUERY)), CSV)
 
+    def test_command_behind_options(self):
+        before = self.succeed(self.run_tool("classes", "--no-live", "-m", MODEL))
+        self.assertEqual(before, "Shop_Empty\nShop_Item\n")
+        for options in (("--no-live", "-m", MODEL), ("-m" + MODEL, "--no-live"), ("--mof=" + MODEL, "--no-live"),
+                        ("--set", "A.class=query", "--no-live", "--mof", MODEL)):
+            with self.subTest(options=options):
+                self.assertEqual(self.succeed(self.run_tool(*options, "classes")), before)
+        self.assertEqual(self.succeed(self.run_tool("--no-live", "-m", MODEL, "-n", "class", "classes", "item")),
+                         "Shop_Item\n")
+        self.assertIn("qorql classes [OPTIONS] [PATTERN]", self.succeed(self.run_tool("--help", "classes")))
+
+    def test_a_name_of_a_command_that_is_no_command(self):
+        self.assertIn("'SELECT' expected", self.run_tool("--no-live", "--", "classes").err)
+        self.assertIn("'SELECT' expected", self.run_tool("query", "--no-live", "classes").err)
+
     def test_long_and_short_names(self):
         short = self.model("-n", "root/cimv2", "-o", "csv", QUERY)
         long = self.run_tool("--no-live", "--mof", MODEL, "--namespace", "root/cimv2", "--output", "csv", QUERY)
@@ -121,14 +136,17 @@ class WrongUse(ToolCase):
     def test_flags_take_no_argument(self):
         for option in ("--stats=5", "--quiet=maybe", "--warnings=1", "--no-live=1", "--version=1"):
             with self.subTest(option=option):
-                self.wrong_usage(self.run_tool(option, QUERY))
+                self.wrong_usage(self.run_tool(option, QUERY), option.split("=")[0] + " takes no value")
 
     def test_surplus_query(self):
         self.wrong_usage(self.model(QUERY, "SELECT Id FROM Shop_Empty"), "SELECT Id FROM Shop_Empty")
 
-    def test_a_command_behind_options(self):
-        self.wrong_usage(self.run_tool("--no-live", "class", "Shop_Item"),
-                         "A command stands before its options: qorql class ...")
+    def test_a_command_behind_options_knows_its_own(self):
+        self.wrong_usage(self.run_tool("--no-live", "classes", "-o", "csv"), "-o", command="qorql classes")
+
+    def test_a_command_is_named_once(self):
+        self.wrong_usage(self.run_tool("classes", "--no-live", "class", "Shop_Item"), "Shop_Item",
+                         command="qorql classes")
 
     def test_options_that_may_stand_once(self):
         path = self.write("q.qql", QUERY)
@@ -171,6 +189,21 @@ class PlatformFailure(ToolCase):
 
     def test_missing_mof_file(self):
         self.failed(self.run_tool("-m", self.folder + "/none.mof", QUERY), "none.mof")
+
+    def test_mof_that_cannot_be_read_says_why(self):
+        self.failed(self.run_tool("-m", "a" * 300, QUERY), "cannot be read: File name too long")
+
+    def test_mof_is_shown_without_harm(self):
+        path = self.write("bad.mof", b'class A { string s = "\xff\xfe"; };\n')
+        self.failed(self.run_tool("-m", path, QUERY), 'class A { string s = "\\xFF\\xFE"; };\n')
+
+    def test_faults_of_mof_are_told_up_to_twenty(self):
+        for count in (19, 20, 25):
+            path = self.write("bad.mof", "".join(f"class C{i} : None{i} {{ }};\n" for i in range(count)))
+            result = self.run_tool("-m", path, QUERY)
+            self.failed(result)
+            self.assertEqual(result.err.count("is not declared"), min(count, 20))
+            self.assertEqual("No more than 20 faults are told at once." in result.err, count >= 20)
 
     def test_wrong_mof_with_file_and_line(self):
         path = self.write("bad.mof", "class A {\n  uint32 X\n};\n")

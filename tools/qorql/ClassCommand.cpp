@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 
+#include "ClassesCommand.h"
 #include "ErrorReport.h"
 #include "ExitStatus.h"
 #include "OptionChecks.h"
@@ -36,7 +37,7 @@ int printClass(const ClassOptions& options) {
   }
   const std::string& nameSpace = options.session.nameSpace;
   const QORString text = session.manager().classMof(nameSpace.c_str(), options.name.c_str(), !options.isAlone);
-  if (text.isNull()) return reportRefusal("there is no class " + options.name + " in namespace " + nameSpace);
+  if (text.isNull()) return reportRefusal(missingClassText(session.manager(), nameSpace, options.name));
   std::cout << text;
   return kExitDone;
 }

@@ -12,6 +12,7 @@
 #include "OptionChecks.h"
 #include "Session.h"
 #include "SessionOptions.h"
+#include "Suggestion.h"
 
 namespace {
 
@@ -86,6 +87,14 @@ std::vector<QORString> matchingClasses(const EmbeddedObjectManager& manager, con
   std::sort(names.begin(), names.end(),
             [](const QORString& a, const QORString& b) { return a.compareTo(b, false) < 0; });
   return names;
+}
+
+std::string missingClassText(const EmbeddedObjectManager& manager, const std::string& nameSpace,
+                             const std::string& name) {
+  Suggestion suggestion(name);
+  for (const QORString& known : manager.classNames(QORString(nameSpace))) suggestion.consider(known.view());
+  const std::string meant = suggestion.best().empty() ? "" : ": did you mean " + suggestion.best() + "?";
+  return "there is no class " + name + " in namespace " + nameSpace + meant;
 }
 
 CommandAction declareClassesCommand(CLI::App& app) {

@@ -15,4 +15,8 @@ CommandAction declareClassesCommand(CLI::App& app);
 std::vector<QORString> matchingClasses(const EmbeddedObjectManager& manager, const std::string& nameSpace,
                                        const std::string& pattern);
 
+// Says that the namespace has no such class, and which may have been meant.
+std::string missingClassText(const EmbeddedObjectManager& manager, const std::string& nameSpace,
+                             const std::string& name);
+
 #endif

@@ -28,6 +28,16 @@ constexpr Command kCommands[] = {
     {"pages", "Print the manual page or the completion for bash", declarePagesCommand},
 };
 
+// Behind an option's name only what stands there, not what is checked of it.
+class HelpFormatter : public CLI::Formatter {
+  std::string make_option_opts(const CLI::Option* option) const override {
+    if (option->get_items_expected_max() == 0) return {};
+    const bool isRepeatable = option->get_expected_max() == CLI::detail::expected_max_vector_size;
+    const std::string type = option->get_type_name() == " " ? "" : ' ' + option->get_type_name();
+    return type + (isRepeatable ? " ..." : "") + (option->get_required() ? " REQUIRED" : "");
+  }
+};
+
 std::string listOfCommands() {
   std::string list = "Commands (qorql COMMAND --help tells more):\n";
   for (const Command& command : allCommands()) {
@@ -48,6 +58,7 @@ DeclaredCommand declareCommand(const Command& command) {
   DeclaredCommand declared{std::make_unique<CLI::App>("", name), {}};
   CLI::App& app = *declared.app;
   declared.action = command.declare(app);
+  app.formatter(std::make_shared<HelpFormatter>());
   app.set_help_flag("-h,--help", "Print this help and end")->disable_flag_override();
   if (isDefault) app.footer(listOfCommands() + app.get_footer());
   return declared;

@@ -6,6 +6,8 @@
 #include <iostream>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "Command.h"
 #include "ErrorReport.h"
@@ -13,37 +15,68 @@
 
 namespace {
 
-const Command& findCommand(int argc, const char* const* argv) {
+using Arguments = std::vector<const char*>;
+
+const Command* findCommand(std::string_view name) {
   const auto commands = allCommands();
-  const std::string_view name = argc > 1 ? argv[1] : "";
   const auto found = std::find_if(commands.begin(), commands.end(), [&](const Command& c) { return c.name == name; });
-  return found != commands.end() ? *found : commands.front();
+  return found != commands.end() ? &*found : nullptr;
 }
 
-// Who names a command behind options has it taken for a query.
-std::string hintOf(int argc, const char* const* argv) {
-  for (int i = 2; i < argc; ++i) {
-    for (const Command& command : allCommands()) {
-      if (command.name != argv[i]) continue;
-      return "A command stands before its options: qorql " + std::string(argv[i]) + " ...\n";
+// Whether an argument is an option of any command whose value is the next argument.
+bool takesNext(std::string_view argument) {
+  for (const Command& command : allCommands()) {
+    const DeclaredCommand declared = declareCommand(command);
+    const CLI::Option* const option = std::as_const(*declared.app).get_option_no_throw(std::string(argument));
+    if (option != nullptr && option->get_items_expected_max() != 0) return true;
+  }
+  return false;
+}
+
+// The first argument that is neither an option nor an option's value; their number when there is none.
+std::size_t firstPositional(const Arguments& arguments) {
+  std::size_t i = 1;
+  while (i < arguments.size()) {
+    const std::string_view argument = arguments[i];
+    if (argument.size() < 2 || argument.front() != '-') break;
+    if (argument == "--") return arguments.size();  // what follows is meant as it is
+    i += takesNext(argument) ? 2 : 1;
+  }
+  return std::min(i, arguments.size());
+}
+
+// The command that is named, and takes its name off the arguments; the default one when none is.
+const Command& takeCommand(Arguments& arguments) {
+  const std::size_t place = firstPositional(arguments);
+  const Command* const named = place < arguments.size() ? findCommand(arguments[place]) : nullptr;
+  if (named == nullptr) return allCommands().front();
+  arguments.erase(arguments.begin() + static_cast<std::ptrdiff_t>(place));
+  return *named;
+}
+
+// The library's words, but for flags that were given a value.
+std::string messageOf(const CLI::App& app, const CLI::ParseError& error) {
+  for (const CLI::Option* option : app.get_options()) {
+    for (const std::string& name : option->get_lnames()) {
+      if (error.what() == std::string_view(CLI::ArgumentMismatch::FlagOverride(name).what())) {
+        return "--" + name + " takes no value";
+      }
     }
   }
-  return {};
+  return error.what();
 }
 
 int runCommand(int argc, const char* const* argv) {
-  const Command& command = findCommand(argc, argv);
-  const DeclaredCommand declared = declareCommand(command);
-  const int named = argc > 1 && command.name == argv[1] ? 1 : 0;
+  Arguments arguments(argv, argv + argc);
+  const DeclaredCommand declared = declareCommand(takeCommand(arguments));
   try {
-    declared.app->parse(argc - named, argv + named);
+    declared.app->parse(static_cast<int>(arguments.size()), arguments.data());
     return declared.action();
   } catch (const CLI::Success& success) {
     return declared.app->exit(success, std::cout, std::cerr);
   } catch (const CLI::ParseError& error) {
-    std::cerr << "qorql: " << error.what() << '\n';
-    if (named == 0) std::cerr << hintOf(argc, argv);
-    std::cerr << "Try " << declared.app->get_name() << " --help.\n";
+    std::cerr << "qorql: " << messageOf(*declared.app, error) << '\n'
+              << "Try " << declared.app->get_name() << " --help.\n";
     return kExitUsage;
   }
 }

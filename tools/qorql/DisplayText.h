@@ -6,7 +6,8 @@
 #include <string>
 #include <string_view>
 
-// Characters that would break a line or speak to the terminal as \n, \t or \x1B.
+// Characters that would break a line or speak to the terminal as \n, \t or
+// \x1B; so bytes that are no UTF-8.
 std::string printableText(std::string_view text);
 // How many columns of a terminal a printable text takes: marks that combine
 // with a letter none, the signs of East Asian scripts and pictures two.

@@ -3,9 +3,10 @@
 
 #include <exception>
 #include <iostream>
-#include <sstream>
 #include <string>
+#include <vector>
 
+#include "Cimom/Mof/MofError.h"
 #include "Cimom/QORQL/QORQL_Exception.h"
 #include "Cimom/QORQL/QORQL_ParseException.h"
 #include "DisplayText.h"
@@ -59,28 +60,57 @@ Report reportOf(const Statement& statement) {
   }
 }
 
+// Byte of a text at which its n-th character begins, counted from 0.
+std::size_t offsetOfCharacter(std::string_view text, std::size_t count) {
+  std::size_t offset = 0;
+  for (; offset < text.size(); ++offset) {
+    const bool begins = (text[offset] & 0xC0) != 0x80;
+    if (begins && count-- == 0) break;
+  }
+  return offset;
+}
+
+// Each fault with its line of the source, the caret under what a terminal shows there.
+void printMofFaults(const std::vector<MofDiagnostic>& faults) {
+  const TerminalShape terminal = standardErrorShape();
+  const std::size_t width = terminal.isTerminal ? terminal.width : std::string::npos;
+  bool isFirst = true;
+  for (const MofDiagnostic& fault : faults) {
+    const std::string place =
+        fault.line == 0 ? "" : ':' + std::to_string(fault.line) + ':' + std::to_string(fault.column);
+    const std::string message = fault.file + place + ": " + fault.message;
+    isFirst ? printError(message, "") : void(std::cerr << printableText(message) << '\n');
+    isFirst = false;
+    if (fault.line == 0) continue;
+    std::cerr << lineWithCaret(fault.sourceLine, offsetOfCharacter(fault.sourceLine, fault.caret), width);
+  }
+  if (faults.size() >= MofException::kMaximumFaults) {
+    std::cerr << "No more than " << MofException::kMaximumFaults << " faults are told at once.\n";
+  }
+}
+
 }  // namespace
 
-int reportFailure(const Statement& statement, std::optional<std::size_t> faultOffset) noexcept {
+int reportFailure(const Statement& statement, std::optional<std::size_t> faultOffset,
+                  const std::string& hint) noexcept {
   const Report report = reportOf(statement);
   printError(report.message, report.place);
   const TerminalShape terminal = standardErrorShape();
-  if (!terminal.isTerminal) return report.status;
-  if (!faultOffset) faultOffset = findQuotedName(statement.text, report.message);
-  if (faultOffset) std::cerr << lineWithCaret(statement.text, *faultOffset, terminal.width);
+  if (terminal.isTerminal) {
+    if (!faultOffset) faultOffset = findQuotedName(statement.text, report.message);
+    if (faultOffset) std::cerr << lineWithCaret(statement.text, *faultOffset, terminal.width);
+  }
+  if (!hint.empty()) std::cerr << "qorql: hint: " << printableText(hint) << '\n';
   return report.status;
 }
 
-// MOF faults come with the source line under each, so their lines stay.
 int reportStartFailure() noexcept {
   try {
     throw;
+  } catch (const MofException& refusal) {
+    printMofFaults(refusal.getDiagnostics());
   } catch (const std::exception& error) {
-    std::istringstream lines(error.what());
-    std::string line;
-    std::getline(lines, line);
-    printError(line, "");
-    while (std::getline(lines, line)) std::cerr << printableText(line) << '\n';
+    printError(error.what(), "");
   }
   return kExitPlatform;
 }

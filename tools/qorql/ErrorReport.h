@@ -14,7 +14,9 @@
 // `qorql: error: <message> (line N, CIM status S)`; the line counts in the
 // whole text that the statement is part of. On a terminal the statement's line
 // follows, with a caret under the offset, or else under the name that the message quotes.
-int reportFailure(const Statement& statement, std::optional<std::size_t> faultOffset = std::nullopt) noexcept;
+// A hint that is not empty stands behind all that.
+int reportFailure(const Statement& statement, std::optional<std::size_t> faultOffset = std::nullopt,
+                  const std::string& hint = {}) noexcept;
 // `qorql: error: <message>`: of MOF, configuration or the live classes.
 int reportStartFailure() noexcept;
 

@@ -9,6 +9,7 @@
 #include "ErrorReport.h"
 #include "ExitStatus.h"
 #include "ParsedQuery.h"
+#include "QueryHint.h"
 #include "Session.h"
 #include "SessionOptions.h"
 #include "Statements.h"
@@ -102,7 +103,10 @@ int explain(const ExplainOptions& options) {
     } catch (...) {
       session.dropWarnings();
       std::cout.flush();
-      return reportFailure(statement, parsed.faultOffset());
+      const std::string hint = options.session.isQuiet ? ""
+                                                       : hintOfFailure(session.manager(), options.session.nameSpace,
+                                                                       statement, parsed.faultOffset());
+      return reportFailure(statement, parsed.faultOffset(), hint);
     }
   }
   return kExitDone;

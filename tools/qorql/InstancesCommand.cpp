@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 
+#include "ClassesCommand.h"
 #include "ErrorReport.h"
 #include "ExitStatus.h"
 #include "Session.h"
@@ -48,7 +49,7 @@ int runInstances(const InstancesOptions& options) {
   const QORString nameSpace(options.session.nameSpace.c_str());
   const QORString className(options.className.c_str());
   if (session.manager().repository()->getClass(nameSpace, className).IsNull()) {
-    return reportRefusal("there is no class " + options.className + " in namespace " + options.session.nameSpace);
+    return reportRefusal(missingClassText(session.manager(), options.session.nameSpace, options.className));
   }
   try {
     CIMApi api;

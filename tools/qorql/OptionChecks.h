@@ -3,8 +3,11 @@
 #define QORQL_TOOL_OPTIONCHECKS_H
 
 #include <CLI/CLI.hpp>
+#include <charconv>
 #include <map>
 #include <string>
+
+#include "cmpbase.h"
 
 // A value that is one of the map's keys.
 template <class Value>
@@ -23,6 +26,14 @@ inline CLI::Validator check(std::string (*operation)(const std::string&)) {
 }
 
 inline std::string checkFile(const std::string& given) { return CLI::ExistingFile(given); }
+
+// A number that counts something; not 0.
+inline std::string checkCount(const std::string& given) {
+  QORuint64 count = 0;
+  const char* const end = given.data() + given.size();
+  const auto [behind, error] = std::from_chars(given.data(), end, count);
+  return error == std::errc() && behind == end && count != 0 ? "" : "'" + given + "' is no whole number from 1 on";
+}
 
 // A flag that takes no argument.
 inline CLI::Option* declareFlag(CLI::App& app, const char* name, bool& isSet, const char* description) {

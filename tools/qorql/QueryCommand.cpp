@@ -60,7 +60,7 @@ int runStatements(const QueryOptions& options, Session& session) {
       session.dropWarnings();
       runner.finish();
       std::cout.flush();
-      return reportFailure(statement, runner.faultOffset());
+      return reportFailure(statement, runner.faultOffset(), runner.hint(statement));
     }
     session.printWarnings();
     if (!std::cout) break;

@@ -11,6 +11,7 @@
 #include "Interrupt.h"
 #include "ParsedQuery.h"
 #include "ProgressLine.h"
+#include "QueryHint.h"
 #include "RunMonitor.h"
 #include "SurpriseReport.h"
 #include "Terminal.h"
@@ -95,10 +96,19 @@ void QueryRunner::parse(Execution& execution) {
 }
 
 // A person at a terminal is warned where the language surprises; a script asks for it.
+bool QueryRunner::isWarning() const {
+  return !_options.isQuiet && (_output.hasWarnings || standardErrorShape().isTerminal);
+}
+
 void QueryRunner::warn(Execution& execution) const {
-  if (_options.isQuiet || (!_output.hasWarnings && !standardErrorShape().isTerminal)) return;
+  if (!isWarning()) return;
   printSurprises(std::cerr, execution.parsed.query(), _options.nameSpace);
+  if (formOf(execution) == OutputForm::Xml) printEmptyRows(std::cerr, execution.statement);
   printUnknownProperties(std::cerr, _session.manager(), QORString(_options.nameSpace), execution.parsed);
+}
+
+std::string QueryRunner::hint(const Statement& statement) const {
+  return isWarning() ? hintOfFailure(_session.manager(), _options.nameSpace, statement, _faultOffset) : std::string();
 }
 
 OutputForm QueryRunner::formOf(const Execution& execution) const {

@@ -23,6 +23,9 @@ class QueryRunner {
   void run(const Statement& statement);
   // Where in the text of the last statement parsing failed; empty for other faults.
   std::optional<std::size_t> faultOffset() const { return _faultOffset; }
+  // What may have been meant by a statement that failed, where warnings are
+  // wanted; empty when nothing is known. REQUIRES to be called inside a catch clause.
+  std::string hint(const Statement& statement) const;
   // After the last statement: completes the output.
   void finish();
 
@@ -30,6 +33,7 @@ class QueryRunner {
   struct Execution;
 
   void parse(Execution& execution);
+  bool isWarning() const;
   void warn(Execution& execution) const;
   void execute(Execution& execution);
   void print(Execution& execution);

@@ -46,7 +46,9 @@ std::string lineWithCaret(std::string_view text, std::size_t offset, std::size_t
   offset = std::min(offset, text.size());
   const std::size_t before = offset == 0 ? std::string_view::npos : text.rfind('\n', offset - 1);
   const std::size_t begin = before == std::string_view::npos ? 0 : before + 1;
-  std::string_view line = text.substr(begin, std::min(text.find('\n', offset), text.size()) - begin);
+  std::string blanked(text.substr(begin, std::min(text.find('\n', offset), text.size()) - begin));
+  std::replace(blanked.begin(), blanked.end(), '\t', ' ');
+  std::string_view line = blanked;
   std::size_t column = offset - begin;
   std::string head;
   std::string tail;

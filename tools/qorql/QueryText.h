@@ -11,8 +11,8 @@
 std::optional<std::size_t> findQuotedName(std::string_view text, std::string_view message);
 
 // The line of the text that holds the offset, and under it a caret at the
-// offset; each indented by two blanks. A line that is longer than `width` is cut
-// around the offset.
+// offset; each indented by two blanks. A tab is shown as a blank. A line that is
+// longer than `width` is cut around the offset.
 std::string lineWithCaret(std::string_view text, std::size_t offset, std::size_t width);
 
 #endif

@@ -7,12 +7,11 @@
 #include <iostream>
 #include <optional>
 
-#include "Cimom/Mof/MofLoader.h"
 #include "ClassesCommand.h"
 #include "ErrorReport.h"
 #include "ExplainCommand.h"
 #include "ParsedQuery.h"
-#include "ProgressLine.h"
+#include "QueryHint.h"
 #include "StatementCompletion.h"
 #include "Suggestion.h"
 
@@ -40,15 +39,13 @@ void listClasses(Argument pattern, ShellState& state) {
 void printClass(Argument name, ShellState& state) {
   const QORString text = state.session.manager().classMof(QORString(state.options.nameSpace), QORString(name), false);
   if (name.empty()) return complain(".class needs the name of a class");
-  if (text.isNull()) return complain("there is no class " + name + " in namespace " + state.options.nameSpace);
+  if (text.isNull()) return complain(missingClassText(state.session.manager(), state.options.nameSpace, name));
   std::cout << text;
 }
 
 void loadMof(Argument path, ShellState& state) {
   if (path.empty()) return complain(".mof needs a file or folder");
-  const Activity activity("loading MOF");
-  const ProgressLine progress(!state.options.isQuiet, activity);
-  MofLoader(state.session.manager().sink(), QORString(state.options.nameSpace)).loadFile(path);
+  state.session.loadMore(path, state.options.nameSpace);
 }
 
 void chooseNamespace(Argument name, ShellState& state) {
@@ -92,7 +89,9 @@ void explain(Argument query, ShellState& state) {
     } catch (...) {
       state.session.dropWarnings();
       std::cout.flush();
-      reportFailure({statement.text, 1}, parsed.faultOffset());
+      const Statement typed{statement.text, 1};
+      reportFailure(typed, parsed.faultOffset(),
+                    hintOfFailure(state.session.manager(), state.options.nameSpace, typed, parsed.faultOffset()));
     }
   }
   if (query.empty()) complain(".explain needs a statement");

@@ -5,10 +5,18 @@
 
 #include "Cimom/QORQL/QORQL_Surprises.h"
 #include "DisplayText.h"
+#include "FilterText.h"
 
 namespace {
 
 constexpr std::size_t kLongest = 400;
+
+// Behind SELECT, FIRST n or a comma; between two operands it multiplies.
+bool isBareStar(const FilterText& text, std::size_t piece) {
+  if (!text.is(piece, "*") || piece == 0) return false;
+  if (text.is(piece - 1, "SELECT") || text.is(piece - 1, ",")) return true;
+  return piece >= 2 && text.pieces()[piece - 1].kind == FilterText::Kind::Number && text.is(piece - 2, "FIRST");
+}
 
 }  // namespace
 
@@ -16,5 +24,14 @@ void printSurprises(std::ostream& out, const QORQL_Query& query, const std::stri
   for (const QORQL_Surprise& surprise : QORQL_findSurprises(query, QORString(nameSpace))) {
     out << "qorql: warning: " << cutText(printableText(surprise.text), kLongest, "...") << " [" << surprise.rule
         << "]\n";
+  }
+}
+
+void printEmptyRows(std::ostream& out, const std::string& statement) {
+  const FilterText text(statement);
+  for (std::size_t i = 0; i < text.fromPiece(); ++i) {
+    if (!isBareStar(text, i)) continue;
+    out << "qorql: warning: In XML the rows of * are empty: name the columns [SEL-5]\n";
+    return;
   }
 }

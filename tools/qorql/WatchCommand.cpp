@@ -13,6 +13,7 @@
 #include "FilterSession.h"
 #include "JsonValue.h"
 #include "LiveWatch.h"
+#include "OptionChecks.h"
 
 namespace {
 
@@ -136,22 +137,25 @@ int runWatch(const WatchOptions& options) {
   }
 }
 
+std::string checkInterval(const std::string& given) {
+  constexpr double kShortest = 0.01;
+  constexpr double kLongest = 86400;
+  const bool isGood = CLI::Range(kShortest, kLongest)(given).empty();
+  return isGood ? "" : "'" + given + "' is no number in the range 0.01 to 86400";
+}
+
 }  // namespace
 
 CommandAction declareWatchCommand(CLI::App& app) {
-  constexpr double kShortest = 0.01;
-  constexpr double kLongest = 86400;
   const auto options = std::make_shared<WatchOptions>();
   app.description(kDescription);
   app.footer(kFooter);
   declareFilterOptions(app, options->filter);
   app.add_option("--interval", options->interval, "Look every so many seconds (default: 1)")
       ->type_name("SECONDS")
-      ->check(CLI::Range(kShortest, kLongest));
-  app.add_option("--count", options->count, "End after so many looks")->type_name("N")->check(CLI::PositiveNumber);
-  app.add_option("--limit", options->limit, "End after so many indications")
-      ->type_name("N")
-      ->check(CLI::PositiveNumber);
+      ->check(check(checkInterval));
+  app.add_option("--count", options->count, "End after so many looks")->type_name("N")->check(check(checkCount));
+  app.add_option("--limit", options->limit, "End after so many indications")->type_name("N")->check(check(checkCount));
   app.add_option("FILTER", options->text, "The filter")->type_name(" ")->required();
   return [options] { return runWatch(*options); };
 }

@@ -1,0 +1,18 @@
+// What may have been meant by a statement that is refused.
+#ifndef QORQL_TOOL_QUERYHINT_H
+#define QORQL_TOOL_QUERYHINT_H
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+#include "Cimom/Embedded/EmbeddedObjectManager.h"
+#include "Statements.h"
+
+// A line for a person about the exception that is being handled: the name that
+// is wrong and the one that may have been meant. Empty when the error says all
+// that is known. REQUIRES to be called inside a catch clause.
+std::string hintOfFailure(EmbeddedObjectManager& manager, const std::string& nameSpace, const Statement& statement,
+                          std::optional<std::size_t> faultOffset);
+
+#endif
