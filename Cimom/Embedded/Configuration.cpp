@@ -7,9 +7,9 @@
 #include <ini.h>
 
 #include <algorithm>
+#include <array>
 #include <fstream>
 #include <new>
-#include <sstream>
 #include <string_view>
 
 #include "Cimom/Embedded/RepositoryError.h"
@@ -17,6 +17,8 @@
 namespace embedded {
 
 namespace {
+
+constexpr std::size_t kGreatestFile = std::size_t{16} << 20U;  // a device has no end of its own
 
 [[noreturn]] void refuseFile(const std::string& path, const QORString& message) {
   throw QoriBaseException("CIM_Configuration", "CIMOM", QORString(std::string_view(path)), message, 1);
@@ -28,14 +30,17 @@ namespace {
 
 std::string readFile(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
-  std::ostringstream text;
-  if (file) text << file.rdbuf();
-  // An empty file sets failbit of the target alone; a directory fails when it is read.
-  const bool isEmpty = file && file.peek() == std::ifstream::traits_type::eof() && text.str().empty();
-  if (!file.is_open() || file.bad() || (!isEmpty && text.fail())) {
-    refuseFile(path, joined({"cannot read configuration file ", path}));
+  std::string text;
+  std::array<char, 4096> chunk{};
+  while (file && text.size() <= kGreatestFile) {
+    file.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
+    text.append(chunk.data(), static_cast<std::size_t>(file.gcount()));
   }
-  return text.str();
+  if (!file.is_open() || file.bad()) refuseFile(path, joined({"cannot read configuration file ", path}));
+  if (text.size() > kGreatestFile) {
+    refuseFile(path, joined({"configuration file ", path, " is larger than 16 MB"}));
+  }
+  return text;
 }
 
 void checkLine(const std::string& path, std::size_t number, std::string_view line) {

@@ -91,6 +91,13 @@ TEST_F(ConfigurationTest, AnEmptyFileSetsNothing) {
   EXPECT_EQ("", get("A", "k"));
 }
 
+TEST_F(ConfigurationTest, AFileWithoutAnEndIsRefused) {
+  EXPECT_EQ("configuration file /dev/zero is larger than 16 MB",
+            refusal([&] { manager.loadConfiguration("/dev/zero"); }, 1, "CIM_Configuration"));
+  EXPECT_EQ("cannot read configuration file /proc/self/mem",
+            refusal([&] { manager.loadConfiguration("/proc/self/mem"); }, 1, "CIM_Configuration"));
+}
+
 TEST_F(ConfigurationTest, AFileThatCannotBeReadIsNamed) {
   EXPECT_EQ("cannot read configuration file /no/such/file.ini",
             refusal([&] { manager.loadConfiguration("/no/such/file.ini"); }, 1, "CIM_Configuration"));
