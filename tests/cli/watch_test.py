@@ -172,6 +172,20 @@ class End(ToolCase):
             self.assertEqual(result.err.splitlines()[-1], "Try qorql watch --help.")
             self.assertIn(says, result.err)
 
+    def test_numbers_that_are_none(self):
+        creation = "SELECT * FROM CIM_InstCreation"
+        for text in ("nan", "inf", "1e400", "0.0099", "86400.5", "1s", " 1", ""):
+            with self.subTest(interval=text):
+                self.refused(self.run_tool("watch", "--count", "1", "--interval", text, creation), 2,
+                             f"qorql: --interval: '{text}' is no number in the range 0.01 to 86400\n"
+                             "Try qorql watch --help.")
+        for option in ("--count", "--limit"):
+            for text in ("18446744073709551616", "99999999999999999999", "1.5", "0x10", "nan", "0"):
+                with self.subTest(option=option, text=text):
+                    self.refused(self.run_tool("watch", option, text, creation), 2,
+                                 f"qorql: {option}: '{text}' is no whole number from 1 on\n"
+                                 "Try qorql watch --help.")
+
     def test_help(self):
         text = self.succeed(self.run_tool("watch", "--help"))
         for part in ("--interval", "--count", "--limit", "FILTER", "Exit status"):

@@ -2,9 +2,12 @@
 #include "WatchCommand.h"
 
 #include <CLI/CLI.hpp>
+#include <charconv>
 #include <chrono>
 #include <iostream>
 #include <optional>
+#include <string>
+#include <system_error>
 
 #include "DisplayText.h"
 #include "EndRequest.h"
@@ -140,8 +143,12 @@ int runWatch(const WatchOptions& options) {
 std::string checkInterval(const std::string& given) {
   constexpr double kShortest = 0.01;
   constexpr double kLongest = 86400;
-  const bool isGood = CLI::Range(kShortest, kLongest)(given).empty();
-  return isGood ? "" : "'" + given + "' is no number in the range 0.01 to 86400";
+  double seconds = 0;
+  const char* const end = given.data() + given.size();
+  const auto [behind, error] = std::from_chars(given.data(), end, seconds);
+  const bool isInRange = seconds >= kShortest && seconds <= kLongest;  // which NaN is not
+  return error == std::errc() && behind == end && isInRange ? ""
+                                                            : "'" + given + "' is no number in the range 0.01 to 86400";
 }
 
 }  // namespace
