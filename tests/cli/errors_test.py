@@ -1,6 +1,7 @@
 """Errors with line and status, statements in a row, standard input, and a reader that goes away."""
 import os
 import pty
+import resource
 import select
 import signal
 import subprocess
@@ -42,6 +43,30 @@ class Errors(ToolCase):
                      f"qorql: error: {memory}: cannot be read: reading it fails")
         self.assertEqual(self.run_on(["--no-live"], self.folder),
                          (3, "qorql: error: standard input cannot be read: Is a directory\n"))
+
+    def limited(self, limit, size, *arguments, output=subprocess.PIPE):
+        """The tool with a limit of the system on what it may use."""
+        return subprocess.run([toolcase.TOOL, "--no-live", *arguments], stdout=output, stderr=subprocess.PIPE,
+                              preexec_fn=lambda: resource.setrlimit(limit, (size, size)), timeout=60, check=False)
+
+    @unittest.skipIf("QORQL_NEEDS_PROC" in os.environ, "sanitizers take more memory than any limit leaves")
+    def test_without_memory(self):
+        text = self.write("great", "")
+        os.truncate(text, 300 << 20)
+        done = self.limited(resource.RLIMIT_AS, 100 << 20, "--file", text)
+        self.assertEqual((done.returncode, done.stderr), (3, b"qorql: error: there is not enough memory\n"))
+        literal = self.write("literal", "SELECT Id FROM Shop_Item WHERE Name = '" + "x" * (40 << 20) + "'")
+        done = self.limited(resource.RLIMIT_AS, 160 << 20, "-m", MODEL, "--file", literal)
+        self.assertEqual((done.returncode, done.stderr), (1, b"qorql: error: there is not enough memory (CIM status 1)\n"))
+
+    def test_files_that_may_not_grow(self):
+        with open(self.write("result", ""), "wb") as result:
+            done = self.limited(resource.RLIMIT_FSIZE, 8, "-m", MODEL, "SELECT * FROM Shop_Item", output=result)
+        self.assertEqual((done.returncode, done.stderr), (1, b"qorql: error: cannot write the result: File too large\n"))
+        cache = os.path.join(self.folder, "cache")
+        done = self.limited(resource.RLIMIT_FSIZE, 64, "-m", MODEL, "--cache", cache, ONE)
+        self.assertEqual((done.returncode, done.stderr), (0, b"qorql: warning: The cache is not kept: it cannot be written\n"))
+        self.assertEqual([name for name in os.listdir(self.folder) if name.startswith("cache")], [])
 
     def test_input_without_an_end(self):
         self.refused(self.run_tool("--no-live", "--file", "/dev/zero"), 3,

@@ -3,6 +3,7 @@
 
 #include <exception>
 #include <iostream>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,7 @@
 namespace {
 
 constexpr QORuint32 kCimErrFailed = 1;
+constexpr const char* kNoMemory = "there is not enough memory";
 
 void printError(std::string_view message, const std::string& place) {
   std::cerr << "qorql: error: " << printableText(message) << place << '\n';
@@ -55,6 +57,8 @@ Report reportOf(const Statement& statement) {
     return {text(error), atStatus(error.getCode()), kExitPlatform};
   } catch (const QoriBaseException& error) {
     return {text(error), atStatus(kCimErrFailed)};
+  } catch (const std::bad_alloc&) {
+    return {kNoMemory, atStatus(kCimErrFailed)};
   } catch (const std::exception& error) {
     return {error.what(), atStatus(kCimErrFailed)};
   }
@@ -109,6 +113,8 @@ int reportStartFailure() noexcept {
     throw;
   } catch (const MofException& refusal) {
     printMofFaults(refusal.getDiagnostics());
+  } catch (const std::bad_alloc&) {
+    printError(kNoMemory, "");
   } catch (const std::exception& error) {
     printError(error.what(), "");
   }

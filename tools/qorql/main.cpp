@@ -22,7 +22,9 @@ int closeOutput(StandardOutput& output, int status) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  // A pipe without a reader and a file that may grow no more are told by the write that fails.
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
   // The scanner reports on standard output by both ways; neither may overtake the other.
   std::setvbuf(stdout, nullptr, _IONBF, 0);
   StandardOutput output;

@@ -1,7 +1,11 @@
 // Length without bound, nesting with one: long chains, deep trees, wide lists.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
 
+#include <functional>
+
+#include "Cimom/QORQL/QORQL_Explanation.h"
 #include "QueryWorld.h"
 
 namespace {
@@ -52,6 +56,58 @@ TEST_F(Bounds, nestingUpToTheBoundWorksAndBeyondItIsAnError) {
             "parse 2 line 1: expression nested too deeply");
   EXPECT_EQ(run(nested("SUM(", ")", kMany)).error, "parse 2 line 1: expression nested too deeply");
   EXPECT_EQ(run(nested("-(", ")", kMany)).error, "parse 2 line 1: expression nested too deeply");
+}
+
+// Unoptimised and sanitized frames are several times as large as those that are shipped.
+#if defined(__OPTIMIZE__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) && !defined(__clang__)
+constexpr std::size_t kMegabyte = std::size_t{1} << 20U;
+#else
+constexpr std::size_t kMegabyte = std::size_t{16} << 20U;
+#endif
+
+void runOnStackOf(std::size_t size, std::function<void()> work) {
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  ASSERT_EQ(pthread_attr_setstacksize(&attributes, size), 0);
+  const auto start = [](void* given) -> void* {
+    (*static_cast<std::function<void()>*>(given))();
+    return nullptr;
+  };
+  pthread_t thread{};
+  ASSERT_EQ(pthread_create(&thread, &attributes, start, &work), 0);
+  pthread_join(thread, nullptr);
+  pthread_attr_destroy(&attributes);
+}
+
+// Object managers give their threads less than a program has.
+TEST_F(Bounds, theDeepestStatementsFitASmallStack) {
+  for (const std::string open : {"(", "-", "(1 + ", "(NOT ", "SUM(", "UPPERCASE(", "-("}) {
+    const std::size_t levels = 1000 / (open == "-(" ? 2 : 1);
+    const std::string close = open == "-" ? "" : repeat(")", "", levels);
+    for (const std::string clause : {"WHERE 1 = ", "WHERE ", "ORDER BY "}) {
+      const bool isSort = clause == "ORDER BY ";
+      const std::string query =
+          "SELECT Id FROM C " + clause + repeat(open, "", levels) + "Id" + close + (isSort ? " ASC" : " = 1");
+      QueryOutcome outcome;
+      runOnStackOf(2 * kMegabyte, [&] { outcome = run(query); });
+      EXPECT_EQ(outcome, run(query)) << open << " in " << clause;
+    }
+  }
+}
+
+TEST_F(Bounds, theDeepestStatementIsExplainedOnASmallStack) {
+  const QORString text(
+      ("SELECT Id FROM C WHERE " + repeat("(1 + ", "", 1000) + "Id" + repeat(")", "", 1000) + " = 1001").c_str());
+  std::size_t steps = 0;
+  runOnStackOf(4 * kMegabyte, [&] {
+    const QORString nameSpace("root/cimv2");
+    QORQL_Lexer lexer(text, false);
+    QORQL_SymbolTable symbols(nullptr);
+    const auto parsed =
+        QORQL_Query::parse(symbols, lexer, false, text, "DMTF:CQL", nameSpace).StaticCast<QORQL_Query>();
+    steps = QORQL_Explanation(*parsed, symbols, nameSpace).steps().size();
+  });
+  EXPECT_EQ(steps, 3U);
 }
 
 TEST_F(Bounds, longLiteralsAndNames) {
