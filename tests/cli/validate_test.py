@@ -223,6 +223,13 @@ class Warnings(ValidateCase):
                           "PerceivedSeverity + 1 = EventID", "AlertingManagedElement ISA CIM_FCPort"):
             self.assertEqual(self.validate(ALERT + " WHERE " + condition).err, "", condition)
 
+    def test_a_filter_with_many_of_them(self):
+        condition = " AND ".join(["EventID = 5"] * 100000)
+        result = self.validate(stdin=ALERT + " WHERE " + condition)
+        lines = result.err.splitlines()
+        self.assertEqual((result.status, len(lines)), (0, 21))
+        self.assertEqual(lines[-1], "qorql: warning: line 1: the rest of the filter is not looked at")
+
     def test_isa_behind_a_path(self):
         self.warned("SELECT * FROM CIM_InstCreation WHERE SourceInstance.Inner ISA CIM_AlertIndication",
                     "ISA asks a property of the indication itself, and Inner is none: it never matches "

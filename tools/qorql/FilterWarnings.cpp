@@ -10,6 +10,9 @@ namespace {
 
 using Kind = FilterOperand::Kind;
 
+// A person reads no more of them, and each costs a look at the schema and at the text before it.
+constexpr std::size_t kMaximumWarnings = 20;
+
 std::string_view unquoted(const FilterText::Piece& piece) {
   const bool isQuoted = piece.kind == FilterText::Kind::Literal && piece.text.size() > 2;
   return isQuoted ? piece.text.substr(1, piece.text.size() - 2) : piece.text;
@@ -48,6 +51,10 @@ std::vector<std::string> FilterWarnings::of(const CQLQueryStatement& statement) 
   const std::string never(statement.neverMatchesBecause().view());
   if (!never.empty()) _warnings.push_back(never);
   for (std::size_t i = _text.behindFrom(); i < _text.pieces().size(); ++i) {
+    if (_warnings.size() >= kMaximumWarnings) {
+      _warnings.emplace_back("the rest of the filter is not looked at");
+      break;
+    }
     const FilterText::Piece& piece = _text.pieces()[i];
     if (i > 0 && _text.is(i - 1, "ISA")) checkClass(i, unquoted(piece));
     if (_text.isWord(i) && _text.is(i + 1, "::")) checkClass(i, piece.text);

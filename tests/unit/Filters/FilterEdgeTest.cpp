@@ -102,6 +102,13 @@ TEST_F(FilterEdge, anObjectNestedInItself) {
       modificationMatches("SourceInstance.PreviousInstance.SourceInstance.IndicationIdentifier = 'me'", instance));
   EXPECT_TRUE(modificationMatches("SourceInstance = PreviousInstance", instance));
   EXPECT_FALSE(modificationMatches("SourceInstance <> PreviousInstance", instance));
+  for (const char* condition : {"SourceInstance = 'x'", "SourceInstance ISA CIM_FCPort", "SourceInstance + 1 = 5"}) {
+    CQLQueryStatement statement("CQL", QORString(std::string(kFrom) + condition), kNameSpace, "");
+    ASSERT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS) << condition;
+    std::string why;
+    EXPECT_FALSE(statement.explainMatch(instance, kNameSpace, why)) << condition;
+    EXPECT_FALSE(why.empty()) << condition;
+  }
   std::string path;
   for (int i = 0; i < 2000; ++i) path += "SourceInstance.";
   EXPECT_TRUE(modificationMatches(path + "IndicationIdentifier = 'me'", instance));
