@@ -61,6 +61,7 @@ void CQLQueryStatement::parseQuery(QORQL_SymbolTable& symbolTable, QORQL_Lexer& 
     noteParseFault(error, lexer.getCurrent().getOffset());
     throw;
   }
+  if (!_query.IsNull()) noteFromNames();
   queryParsed = true;
 }
 
@@ -147,16 +148,21 @@ const QORQL_FromClause& CQLQueryStatement::fromClause() const {
   return dynamic_cast<const QORQL_FromClause&>(*dynamic_cast<const QORQL_Query&>(*_query).getFromClause());
 }
 
-QORString CQLQueryStatement::fromClassOf(const QORString& name) const {
+// Of equal names the first one counts.
+void CQLQueryStatement::noteFromNames() {
   QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*fromClause().getFromSpecifierList());
   while (++specifiers) {
-    const QORQL_FromSpecifier& specifier = *specifiers.key();
-    if (name.isEmpty()) continue;
-    if (specifier.getTableName().isEqualCaseInsensitive(name) || specifier.getAlias().isEqualCaseInsensitive(name)) {
-      return specifier.getTableName();
+    const QORString& className = specifiers.key()->getTableName();
+    for (const QORString& name : {className, specifiers.key()->getAlias()}) {
+      _fromNames.emplace(std::string(QORString::toUpperCase(name).view()), className);
     }
   }
-  return {};
+}
+
+QORString CQLQueryStatement::fromClassOf(const QORString& name) const {
+  if (name.isEmpty()) return {};
+  const auto found = _fromNames.find(std::string(QORString::toUpperCase(name).view()));
+  return found == _fromNames.end() ? QORString() : found->second;
 }
 
 CQLQueryExceptionCode CQLQueryStatement::buildClassList(ClassList& list) const {
@@ -186,13 +192,12 @@ CQLQueryExceptionCode CQLQueryStatement::validateEntry(const QORQL_SelectedEntry
   QORValSlistIterator<QORSmrPtr<IQoriInstanceName>> names(*classes);
   while (++names) {
     if (names.key()->getClassName().compareTo(className, 0) != 0) continue;
-    if (!CQLQueryValidator::findProperty(nameSpaceInUse(), className, property, true)) {
-      _fault.kind = CQLQueryFault::kProperty;
-      _fault.name = property;
-      _fault.className = className;
-      _fault.message = QORString("'") + property + "' is no property of " + className;
-      return CQL_QUERY_VALIDATE_ERROR;
-    }
+    if (CQLQueryValidator::findProperty(nameSpaceInUse(), className, property, true)) return CQL_QUERY_SUCCESS;
+    _fault.kind = CQLQueryFault::kProperty;
+    _fault.name = property;
+    _fault.className = className;
+    _fault.message = QORString("'") + property + "' is no property of " + className;
+    return CQL_QUERY_VALIDATE_ERROR;
   }
   return CQL_QUERY_SUCCESS;
 }

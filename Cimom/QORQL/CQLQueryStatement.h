@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <unordered_map>
 
 #include "Cimom/QORQL/CQLQueryException.h"
 #include "Cimom/QORQL/CQLQueryFault.h"
@@ -130,6 +131,7 @@ class CQLQueryStatement : public IQueryStatement {
   CQLQueryExceptionCode validateSchema();
   void noteUnknownClass();
   CQLQueryExceptionCode validateEntry(const QORQL_SelectedEntry& entry, const ClassList& classes);
+  void noteFromNames();
   // The class that a FROM name in any case stands for; empty when it is none.
   QORString fromClassOf(const QORString& name) const;
 
@@ -152,7 +154,8 @@ class CQLQueryStatement : public IQueryStatement {
   QUERY_VALIDATE queryValidateStatus = QUERY_INVALID_QUERY;
   bool queryParsed = false;
   CQLQueryFault _fault;
-  std::unique_ptr<const CQLMatcher> _matcher;  // made by a validation that succeeded
+  std::unordered_map<std::string, QORString> _fromNames;  // classes by their names and aliases, in upper case
+  std::unique_ptr<const CQLMatcher> _matcher;             // made by a validation that succeeded
 };
 
 #endif

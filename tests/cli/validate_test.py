@@ -44,6 +44,19 @@ class Valid(ValidateCase):
         self.valid("SELECT a.MessageID, b.SourceInstance FROM CIM_AlertIndication AS a, CIM_InstCreation AS b",
                    "CIM_AlertIndication,CIM_InstCreation", "CIM_AlertIndication.MessageID,CIM_InstCreation.SourceInstance")
 
+    def test_a_class_that_stands_twice_needs_its_properties_once(self):
+        self.valid("SELECT a.MessageID, b.EventID FROM CIM_AlertIndication AS a, CIM_AlertIndication AS b",
+                   "CIM_AlertIndication,CIM_AlertIndication",
+                   "CIM_AlertIndication.MessageID,CIM_AlertIndication.EventID")
+
+    def test_many_from_names(self):
+        count = 3000
+        selected = ",".join(f"a{i}.MessageID" for i in range(count))
+        sources = ",".join(f"CIM_AlertIndication AS a{i}" for i in range(count))
+        condition = " AND ".join(f"a{i}.MessageID = 'x'" for i in range(count))
+        out = self.succeed(self.validate(stdin=f"SELECT {selected} FROM {sources} WHERE {condition}"))
+        self.assertTrue(out.endswith("\tCIM_AlertIndication.MessageID\n"))
+
     def test_the_schema_of_mof_files(self):
         self.valid("SELECT Rack, Owner FROM XYZ_Alert", "XYZ_Alert", "Rack,Owner", "-m", SCHEMA)
         self.invalid("SELECT Rack FROM XYZ_Alert", "XYZ_Alert is no class of root/cimv2 (line 1, column 18)")

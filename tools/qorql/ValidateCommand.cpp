@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 #include <optional>
+#include <set>
 #include <sstream>
 #include <utility>
 
@@ -92,9 +93,11 @@ class Validation {
     const CQLQueryStatement::ClassList classes(statement.getClassList());
     std::vector<std::string> names;
     std::vector<std::string> properties;
+    std::set<std::string> seen;  // a class may stand in FROM twice
     QORValSlistIterator<QORSmrPtr<IQoriInstanceName>> iterator(*classes);
     while (++iterator) {
       names.emplace_back(declaredName(iterator.key()->getClassName()).view());
+      if (!seen.insert(names.back()).second) continue;
       const std::string prefix = classes->entries() > 1 ? names.back() + "." : "";
       for (std::string& property : propertiesOf(statement, iterator.key(), prefix)) {
         properties.push_back(std::move(property));
