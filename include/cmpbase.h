@@ -9,6 +9,7 @@
 #include "cmpbase/QORLog.h"
 #include "cmpbase/QORModule.h"
 #include "cmpbase/QORNullPointerException.h"
+#include "cmpbase/QORSlabs.h"
 #include "cmpbase/QORSmrPtr.h"
 #include "cmpbase/QORString.h"
 #include "cmpbase/QORTypes.h"

@@ -20,6 +20,14 @@ class QORAtomicInt {
   QORsint32 getValue() const noexcept { return _value.load(std::memory_order_acquire); }
   QORsint32 atomicInc() noexcept { return _value.fetch_add(1, std::memory_order_relaxed) + 1; }
   QORsint32 atomicDec() noexcept { return _value.fetch_sub(1, std::memory_order_acq_rel) - 1; }
+  // The new value, as a decrement gives it.
+  QORsint32 atomicAdd(QORsint32 change) noexcept {
+    return _value.fetch_add(change, std::memory_order_acq_rel) + change;
+  }
+  // Lets go of one of the holds that the integer counts; true when it was the
+  // last. Nobody else can take or leave a hold when the caller's is the only
+  // one, so that the last one costs no atomic step, and may leave a 1 behind.
+  bool dropHold() noexcept { return getValue() == 1 || atomicDec() == 0; }
 
  private:
   std::atomic<QORsint32> _value{0};

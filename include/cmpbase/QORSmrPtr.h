@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "cmpbase/QORAtomicInt.h"
+#include "cmpbase/QORSlabs.h"
 
 // Where misuse of a counted pointer is reported; supplied by the foundation library.
 class QORSmrPtrImpl {
@@ -49,7 +50,10 @@ class QORSmrPtr : public QORSmrPtrImpl {
   static QORSmrPtr Make(Arguments&&... arguments) {
     return MakeWithRoom<D>(0, std::forward<Arguments>(arguments)...);
   }
-  // The same, with `room` more bytes directly behind the object for its own use.
+  // The same in memory of the slabs, which need not live longer than this call.
+  template <class D = T, class... Arguments>
+  static QORSmrPtr MakeIn(QORSlabs& slabs, Arguments&&... arguments);
+  // As Make, with `room` more bytes directly behind the object for its own use.
   template <class D = T, class... Arguments>
   static QORSmrPtr MakeWithRoom(std::size_t room, Arguments&&... arguments);
 
@@ -142,11 +146,13 @@ class QORSmrPtr : public QORSmrPtrImpl {
 
   // An object's first block and its shared count, in one allocation that lives
   // until the shared count is zero: a converted pointer may outlive the block.
-  // The object itself may lie behind it.
+  // The object itself may lie behind it, and all of it in a slab.
   struct FirstPointee {
-    FirstPointee(T* pointer, bool isInPlace) noexcept : _block(pointer, &_shared), _shared(1), _isInPlace(isInPlace) {}
+    FirstPointee(T* pointer, bool isInPlace, QORSlabs::Place place = QORSlabs::kNowhere) noexcept
+        : _block(pointer, &_shared), _shared(1), _place(place), _isInPlace(isInPlace) {}
     SmartPointerPointee _block;
     QORAtomicInt _shared;
+    QORSlabs::Place _place;
     bool _isInPlace;
   };
   static_assert(std::is_trivially_destructible_v<FirstPointee>);
@@ -173,7 +179,7 @@ class QORSmrPtr : public QORSmrPtrImpl {
     return block;
   }
   static void releasePointee(SmartPointerPointee* block) noexcept {
-    if (block != &_nullPointee && block->_referenceCount.atomicDec() == 0) destroyPointee(block);
+    if (block != &_nullPointee && block->_referenceCount.dropHold()) destroyPointee(block);
   }
   static void destroyPointee(SmartPointerPointee* block) noexcept {
     static_assert(sizeof(T) != 0, "the last holder of an object needs its complete type");
@@ -182,14 +188,38 @@ class QORSmrPtr : public QORSmrPtrImpl {
     // The first block opens the allocation that the shared count closes.
     void* const first = reinterpret_cast<char*>(shared) - offsetof(FirstPointee, _shared);
     if (static_cast<void*>(block) != first) delete block;
-    if (shared->atomicDec() != 0) return;
+    if (!shared->dropHold()) return;
     if (static_cast<FirstPointee*>(first)->_isInPlace) {
+      const QORSlabs::Place place = static_cast<FirstPointee*>(first)->_place;
       endObject([object] { std::destroy_at(object); });
-      ::operator delete(first);
+      freeMemory(first, place);
     } else {
       ::operator delete(first);
       endObject([object] { delete object; });
     }
+  }
+  static void freeMemory(void* memory, QORSlabs::Place place) noexcept {
+    if (place == QORSlabs::kNowhere) {
+      ::operator delete(memory);
+    } else {
+      QORSlabs::giveBack(memory, place);
+    }
+  }
+  // Makes the object behind the room for its block.
+  template <class D, class... Arguments>
+  static QORSmrPtr makeInPlace(char* memory, QORSlabs::Place place, Arguments&&... arguments) {
+    static_assert(std::is_same_v<D, T> || std::has_virtual_destructor_v<T>, "D could not be destroyed as a T");
+    static_assert(alignof(D) <= alignof(std::max_align_t) && sizeof(FirstPointee) % alignof(std::max_align_t) == 0);
+    D* object = nullptr;
+    try {
+      object = ::new (static_cast<void*>(memory + sizeof(FirstPointee))) D(std::forward<Arguments>(arguments)...);
+    } catch (...) {
+      freeMemory(memory, place);
+      throw;
+    }
+    QORSmrPtr made;
+    made._pointee = &(::new (static_cast<void*>(memory)) FirstPointee(object, true, place))->_block;
+    return made;
   }
   template <class End>
   static void endObject(const End& end) noexcept {
@@ -211,19 +241,17 @@ class QORSmrPtr : public QORSmrPtrImpl {
 template <class T>
 template <class D, class... Arguments>
 QORSmrPtr<T> QORSmrPtr<T>::MakeWithRoom(std::size_t room, Arguments&&... arguments) {
-  static_assert(std::is_same_v<D, T> || std::has_virtual_destructor_v<T>, "D could not be destroyed as a T");
-  static_assert(alignof(D) <= alignof(std::max_align_t) && sizeof(FirstPointee) % alignof(std::max_align_t) == 0);
   char* const memory = static_cast<char*>(::operator new(sizeof(FirstPointee) + sizeof(D) + room));
-  D* object = nullptr;
-  try {
-    object = ::new (static_cast<void*>(memory + sizeof(FirstPointee))) D(std::forward<Arguments>(arguments)...);
-  } catch (...) {
-    ::operator delete(memory);
-    throw;
-  }
-  QORSmrPtr made;
-  made._pointee = &(::new (static_cast<void*>(memory)) FirstPointee(object, true))->_block;
-  return made;
+  return makeInPlace<D>(memory, QORSlabs::kNowhere, std::forward<Arguments>(arguments)...);
+}
+
+template <class T>
+template <class D, class... Arguments>
+QORSmrPtr<T> QORSmrPtr<T>::MakeIn(QORSlabs& slabs, Arguments&&... arguments) {
+  static_assert(alignof(D) <= QORSlabs::kAlignment && alignof(FirstPointee) <= QORSlabs::kAlignment);
+  QORSlabs::Place place = QORSlabs::kNowhere;
+  char* const memory = static_cast<char*>(slabs.take(sizeof(FirstPointee) + sizeof(D), place));
+  return makeInPlace<D>(memory, place, std::forward<Arguments>(arguments)...);
 }
 
 #endif

@@ -117,7 +117,7 @@ class QORString {
       if (_capacity != 0) _shared.atomicInc();
     }
     void release() noexcept {
-      if (_capacity != 0 && _shared.atomicDec() == 0) destroy(this);
+      if (_capacity != 0 && _shared.dropHold()) destroy(this);
     }
     static void destroy(Rep* rep) noexcept;
   };

@@ -1,4 +1,7 @@
 // The fixed-size chained hash map of the engine, with its iterator.
+//
+// Most maps hold a handful of items. Up to kUnsplit of them form one chain that
+// runs through all buckets in order; only a fuller map has a chain for each.
 #ifndef QORQL_CMPBASE_QORVALMAP_H
 #define QORQL_CMPBASE_QORVALMAP_H
 
@@ -18,11 +21,14 @@ class QORValMapItem {
   QORValMapItem(const K& key, const V& data) : _key(key), _data(data) {}
   K _key;
   V _data;
+  QORValMapItem* _next = nullptr;  // in its chain
+  QORuint32 _bucket = 0;
 };
 
-// Holds copies of keys and values. The number of buckets is fixed; a bucket is
-// made at its first insertion and keeps insertion order, so that iteration goes
-// by bucket (hash modulo bucket count), then by age. Not synchronised.
+// Holds copies of keys and values. The number of buckets is fixed; a bucket
+// keeps insertion order, so that iteration goes by bucket (hash modulo bucket
+// count), then by age. An item stays where it is until it is removed or
+// replaced. Not synchronised.
 template <class K, class V>
 class QORValMap {
  public:
@@ -40,6 +46,7 @@ class QORValMap {
       std::swap(_hashFunc, copy._hashFunc);
       std::swap(_entries, copy._entries);
       std::swap(_hashSize, copy._hashSize);
+      std::swap(_unsplit, copy._unsplit);
       std::swap(_hashBuckets, copy._hashBuckets);
     }
     return *this;
@@ -48,15 +55,23 @@ class QORValMap {
 
   // Copies the value out and returns true when the key is present.
   bool find(const K& key, V& out) const {
-    const Item* const item = _find(key);
-    if (item == nullptr) return false;
-    out = item->_data;
+    const V* const value = peek(key);
+    if (value == nullptr) return false;
+    out = *value;
     return true;
+  }
+  // BORROWS: the value in the map; null when the key is absent.
+  const V* peek(const K& key) const { return valueOf(_find(key)); }
+  // The same for a key that is not at hand as a K: by its hash, and by a
+  // predicate that tells it from other keys.
+  template <class IsKey>
+  const V* peekHashed(QORuint32 hash, const IsKey& isKey) const {
+    return valueOf(findIn(hash % _hashSize, isKey));
   }
   // A missing key is inserted with a default value.
   V& operator[](const K& key) {
     Item* item = _find(key);
-    if (item == nullptr) item = appendItem(std::make_unique<Item>(key, V()));
+    if (item == nullptr) item = appendItem(std::make_unique<Item>(key, V()), bucketOf(key));
     return item->_data;
   }
   bool contains(const K& key) const { return _find(key) != nullptr; }
@@ -66,40 +81,28 @@ class QORValMap {
   bool insert(const K& key, const V& value) {
     // Made first: key and value may live in the item that is about to go.
     std::unique_ptr<Item> item = std::make_unique<Item>(key, value);
-    remove(item->_key);
-    appendItem(std::move(item));
+    const QORuint32 bucket = bucketOf(item->_key);
+    removeFrom(bucket, item->_key);
+    appendItem(std::move(item), bucket);
     return true;
   }
   // Returns whether the key was present.
-  bool remove(const K& key) {
-    Bucket* const bucket = bucketOf(key);
-    if (bucket == nullptr) return false;
-    QORValSlistIterator<Item*> items(*bucket);
-    while (++items) {
-      if (items.key()->_key == key) {
-        delete items.remove();
-        --_entries;
-        return true;
-      }
-    }
-    return false;
-  }
+  bool remove(const K& key) { return removeFrom(bucketOf(key), key); }
   void clear() noexcept {
-    for (std::unique_ptr<Bucket>& bucket : _hashBuckets) {
-      if (bucket == nullptr) continue;
-      QORValSlistIterator<Item*> items(*bucket);
-      while (++items) delete items.key();
-      bucket.reset();
-    }
+    freeChain(std::exchange(_unsplit, nullptr));
+    for (Item*& chain : _hashBuckets) freeChain(std::exchange(chain, nullptr));
     _entries = 0;
   }
   // Bucket statistics: buckets in use, items in the fullest, empty buckets. Null arguments are skipped.
   void examineHash(int* usedBuckets, int* longestBucket, int* emptyBuckets) const {
     int used = 0;
     int longest = 0;
-    for (const std::unique_ptr<Bucket>& bucket : _hashBuckets) {
-      const int length = bucket == nullptr ? 0 : static_cast<int>(bucket->entries());
-      used += length == 0 ? 0 : 1;
+    int length = 0;
+    const Item* previous = nullptr;
+    for (const Item* item = after(nullptr); item != nullptr; previous = item, item = after(item)) {
+      const bool isFirst = previous == nullptr || previous->_bucket != item->_bucket;
+      used += isFirst ? 1 : 0;
+      length = isFirst ? 1 : length + 1;
       longest = length > longest ? length : longest;
     }
     if (usedBuckets != nullptr) *usedBuckets = used;
@@ -110,41 +113,80 @@ class QORValMap {
  private:
   friend class QORValMapIterator<K, V>;
   using Item = QORValMapItem<K, V>;
-  using Bucket = QORValSlist<Item*>;
 
-  Bucket* bucketOf(const K& key) const { return _hashBuckets[_hashFunc(key) % _hashSize].get(); }
-  Item* _find(const K& key) const {
-    const Bucket* const bucket = bucketOf(key);
-    if (bucket == nullptr) return nullptr;
-    QORValSlistIterator<Item*> items(*bucket);
-    while (++items) {
-      if (items.key()->_key == key) return items.key();
+  static constexpr QORuint32 kUnsplit = 8;
+
+  static const V* valueOf(const Item* item) noexcept { return item == nullptr ? nullptr : &item->_data; }
+  QORuint32 bucketOf(const K& key) const { return _hashFunc(key) % _hashSize; }
+  // Where the chain begins that holds the bucket's items.
+  Item** chainOf(QORuint32 bucket) noexcept { return _hashBuckets.empty() ? &_unsplit : &_hashBuckets[bucket]; }
+  Item* firstIn(QORuint32 bucket) const noexcept { return _hashBuckets.empty() ? _unsplit : _hashBuckets[bucket]; }
+  template <class IsKey>
+  Item* findIn(QORuint32 bucket, const IsKey& isKey) const {
+    for (Item* item = firstIn(bucket); item != nullptr; item = item->_next) {
+      if (item->_bucket == bucket && isKey(item->_key)) return item;
     }
     return nullptr;
   }
-  Item* appendItem(std::unique_ptr<Item> item) {
-    std::unique_ptr<Bucket>& bucket = _hashBuckets[_hashFunc(item->_key) % _hashSize];
-    if (bucket == nullptr) bucket = std::make_unique<Bucket>();
-    bucket->append(item.get());
+  Item* _find(const K& key) const {
+    if (_entries == 0) return nullptr;
+    return findIn(bucketOf(key), [&key](const K& other) { return static_cast<bool>(other == key); });
+  }
+  // The item that follows in the map's order, the first one after null; null behind the last.
+  const Item* after(const Item* item) const noexcept {
+    const Item* const next = item == nullptr ? _unsplit : item->_next;
+    if (next != nullptr || _hashBuckets.empty()) return next;
+    for (QORuint32 bucket = item == nullptr ? 0 : item->_bucket + 1; bucket < _hashSize; ++bucket) {
+      if (_hashBuckets[bucket] != nullptr) return _hashBuckets[bucket];
+    }
+    return nullptr;
+  }
+  bool removeFrom(QORuint32 bucket, const K& key) {
+    for (Item** link = chainOf(bucket); *link != nullptr; link = &(*link)->_next) {
+      if ((*link)->_bucket != bucket || !((*link)->_key == key)) continue;
+      const std::unique_ptr<Item> item(*link);
+      *link = item->_next;
+      --_entries;
+      return true;
+    }
+    return false;
+  }
+  Item* appendItem(std::unique_ptr<Item> item, QORuint32 bucket) {
+    if (_entries == kUnsplit && _hashBuckets.empty()) split();
+    item->_bucket = bucket;
+    linkItem(item.get());
     ++_entries;
     return item.release();
   }
+  void linkItem(Item* item) noexcept {
+    Item** link = chainOf(item->_bucket);
+    while (*link != nullptr && (*link)->_bucket <= item->_bucket) link = &(*link)->_next;
+    item->_next = *link;
+    *link = item;
+  }
+  void split() {
+    _hashBuckets.resize(_hashSize);
+    Item* item = std::exchange(_unsplit, nullptr);
+    while (item != nullptr) {
+      Item* const next = item->_next;
+      linkItem(item);
+      item = next;
+    }
+  }
   void insertAll(const QORValMap& other) {
     try {
-      for (const std::unique_ptr<Bucket>& bucket : other._hashBuckets) {
-        if (bucket == nullptr) continue;
-        QORValSlistIterator<Item*> items(*bucket);
-        while (++items) appendItem(std::make_unique<Item>(*items.key()));
+      for (const Item* item = other.after(nullptr); item != nullptr; item = other.after(item)) {
+        appendItem(std::make_unique<Item>(item->_key, item->_data), item->_bucket);
       }
     } catch (...) {
       _destroy();
       throw;
     }
   }
-  void _create(QORuint32 bucketCount) {
-    _hashSize = bucketCount == 0 ? 1 : bucketCount;
-    _hashBuckets.resize(_hashSize);
+  static void freeChain(Item* item) noexcept {
+    while (item != nullptr) delete std::exchange(item, item->_next);
   }
+  void _create(QORuint32 bucketCount) noexcept { _hashSize = bucketCount == 0 ? 1 : bucketCount; }
   void _destroy() noexcept {
     clear();
     _hashBuckets.clear();
@@ -153,7 +195,8 @@ class QORValMap {
   HashFunction _hashFunc;
   QORuint32 _entries = 0;
   QORuint32 _hashSize = 0;
-  std::vector<std::unique_ptr<Bucket>> _hashBuckets;
+  Item* _unsplit = nullptr;         // the one chain, while there are no others
+  std::vector<Item*> _hashBuckets;  // the chain of each bucket; empty while there is only one
 };
 
 // Walks a map that outlives it and does not change meanwhile.
@@ -163,18 +206,14 @@ class QORValMapIterator {
   explicit QORValMapIterator(const QORValMap<K, V>& map) noexcept : _map(map) {}
 
   // False, for good, when every item has been visited.
-  bool operator++() {
-    while (!_reachedEnd) {
-      if (_currentHashBucketIterator != nullptr && ++*_currentHashBucketIterator) {
-        _current = _currentHashBucketIterator->key();
-        return true;
-      }
-      openNextBucket();
-    }
-    return false;
+  bool operator++() noexcept {
+    if (_reachedEnd) return false;
+    _current = _map.after(_current);
+    _reachedEnd = _current == nullptr;
+    return !_reachedEnd;
   }
-  bool operator()() { return ++*this; }
-  bool operator+=(QORuint32 count) {
+  bool operator()() noexcept { return ++*this; }
+  bool operator+=(QORuint32 count) noexcept {
     bool hasCurrent = _current != nullptr;
     while (count-- != 0) hasCurrent = ++*this;
     return hasCurrent;
@@ -182,11 +221,12 @@ class QORValMapIterator {
   // Copies. THROW QORBoundsException "Out of Bounds" when no item is current.
   K key() const { return checked()->_key; }
   V value() const { return checked()->_data; }
+  // BORROW: the same in the map. THROW as key().
+  const K& peekKey() const { return checked()->_key; }
+  const V& peekValue() const { return checked()->_data; }
   void reset() noexcept {
     _current = nullptr;
     _reachedEnd = false;
-    _currentHashBucket = 0;
-    _currentHashBucketIterator.reset();
   }
 
  private:
@@ -196,24 +236,10 @@ class QORValMapIterator {
     if (_current == nullptr) qorRaiseOutOfBounds();
     return _current;
   }
-  void openNextBucket() {
-    _currentHashBucketIterator.reset();
-    _current = nullptr;
-    while (_currentHashBucket < _map._hashSize) {
-      const auto& bucket = _map._hashBuckets[_currentHashBucket++];
-      if (bucket != nullptr) {
-        _currentHashBucketIterator = std::make_unique<QORValSlistIterator<Item*>>(*bucket);
-        return;
-      }
-    }
-    _reachedEnd = true;
-  }
 
   const QORValMap<K, V>& _map;
   const Item* _current = nullptr;
   bool _reachedEnd = false;
-  QORuint32 _currentHashBucket = 0;
-  std::unique_ptr<QORValSlistIterator<Item*>> _currentHashBucketIterator;
 };
 
 #endif

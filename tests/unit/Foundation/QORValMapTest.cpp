@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cmpbase/QORBoundsException.h"
@@ -161,6 +163,69 @@ TEST(QORValMap, StatisticsCountBuckets) {
   EXPECT_EQ(longest, 3);
   EXPECT_EQ(empty, 8);
   map.examineHash(nullptr, nullptr, nullptr);
+}
+
+// Beside a plain model: a vector of chains.
+TEST(QORValMap, KeepsItsOrderWhileItGrowsAndShrinks) {
+  constexpr int kHashSize = 7;
+  QORValMap<int, int> map(hashNumber, kHashSize);
+  std::vector<std::vector<std::pair<int, int>>> model(kHashSize);
+  const auto drop = [&](int key) {
+    return std::erase_if(model[static_cast<std::size_t>(key % kHashSize)],
+                         [key](const auto& item) { return item.first == key; }) != 0;
+  };
+  std::mt19937 random(7);
+  for (int step = 0; step < 2000; ++step) {
+    const int key = static_cast<int>(random() % 30);
+    const bool grows = step / 100 % 2 == 0;
+    if (random() % 4 == 0 ? grows : !grows) {
+      EXPECT_EQ(map.remove(key), drop(key));
+    } else {
+      map.insert(key, step);
+      drop(key);
+      model[static_cast<std::size_t>(key % kHashSize)].emplace_back(key, step);
+    }
+    std::vector<int> expected;
+    for (const auto& chain : model) {
+      for (const auto& item : chain) expected.push_back(item.second);
+    }
+    ASSERT_EQ(valuesOf(map), expected) << step;
+    ASSERT_EQ(valuesOf(QORValMap<int, int>(map)), expected) << step;
+    ASSERT_EQ(map.entries(), expected.size());
+  }
+}
+
+TEST(QORValMap, AnItemStaysWhereItIsWhenOthersCome) {
+  QORValMap<int, int> map(hashNumber, kBuckets);
+  map.insert(3, 33);
+  const int* const value = map.peek(3);
+  ASSERT_NE(value, nullptr);
+  for (int key = 100; key < 200; ++key) map.insert(key, key);
+  EXPECT_EQ(map.peek(3), value);
+  EXPECT_EQ(*value, 33);
+  EXPECT_EQ(map.peek(4), nullptr);
+}
+
+TEST(QORValMap, FindsAKeyByItsHashAndWhatTellsIt) {
+  for (const int count : {4, 40}) {
+    Map map = makeMap();
+    for (int i = 0; i < count; ++i) map.insert(QORString::number(static_cast<QORuint64>(i)), i);
+    const int* const found = map.peekHashed(hashKeyBytes("3"), [](const QORString& key) { return key == "3"; });
+    ASSERT_NE(found, nullptr);
+    EXPECT_EQ(*found, 3);
+    EXPECT_EQ(map.peekHashed(hashKeyBytes("3"), [](const QORString&) { return false; }), nullptr);
+  }
+}
+
+TEST(QORValMapIterator, ShowsTheMapsOwnItems) {
+  Map map = makeMap();
+  map.insert("a", 1);
+  QORValMapIterator<QORString, int> it(map);
+  EXPECT_THROW(it.peekKey(), QORBoundsException);
+  EXPECT_THROW(it.peekValue(), QORBoundsException);
+  ASSERT_TRUE(++it);
+  EXPECT_EQ(it.peekKey(), "a");
+  EXPECT_EQ(&it.peekValue(), map.peek("a"));
 }
 
 TEST(QORValMapIterator, StaysAtTheEndUntilReset) {

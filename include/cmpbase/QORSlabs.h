@@ -1,0 +1,111 @@
+// Memory for many small objects that come into being together and, as a rule,
+// go together: the nodes of a statement.
+#ifndef QORQL_CMPBASE_QORSLABS_H
+#define QORQL_CMPBASE_QORSLABS_H
+
+#include <cstddef>
+#include <new>
+
+#include "cmpbase/QORAtomicInt.h"
+#include "cmpbase/QORTypes.h"
+
+#if defined(__SANITIZE_ADDRESS__)
+#define QORQL_ADDRESSES_ARE_WATCHED 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define QORQL_ADDRESSES_ARE_WATCHED 1
+#endif
+#endif
+#ifndef QORQL_ADDRESSES_ARE_WATCHED
+#define QORQL_ADDRESSES_ARE_WATCHED 0
+#endif
+
+// Cuts memory for objects off slabs: no search to take it, a count to give it
+// back. A slab is freed with the last of its objects, so that objects may
+// outlive the maker and one another, and may go on other threads; taking memory
+// belongs to one thread.
+//
+// The address sanitizer watches whole allocations, so that in its builds each
+// object is one.
+class QORSlabs {
+ public:
+  QORSlabs() noexcept = default;
+  QORSlabs(const QORSlabs&) = delete;
+  QORSlabs& operator=(const QORSlabs&) = delete;
+  ~QORSlabs() { closeSlab(); }
+
+  // What an object must remember of its memory to give it back.
+  using Place = QORuint16;
+  // No slab's place: memory of another origin.
+  static constexpr Place kNowhere = 0;
+
+  // What the memory is aligned for.
+  static constexpr std::size_t kAlignment = 8;
+  // Memory for an object, and its place. THROWS std::bad_alloc.
+  void* take(std::size_t size, Place& place);
+  // Whichever thread calls, and whether or not the maker still lives.
+  static void giveBack(void* memory, Place place) noexcept {
+    Slab* const slab = reinterpret_cast<Slab*>(static_cast<char*>(memory) - place * kUnit);
+    if (slab->_objects.dropHold()) ::operator delete(static_cast<void*>(slab));
+  }
+
+ private:
+  // Stands before a slab's objects. While the slab is open its count is far too
+  // high, so that the objects taken need no atomic step: closing corrects it.
+  struct Slab {
+    QORAtomicInt _objects{kOpen};
+  };
+
+  static constexpr QORsint32 kOpen = 1 << 30;
+  static constexpr std::size_t kUnit = kAlignment;  // that places are counted in
+  // Allocators keep small blocks at hand, so that a few small slabs are had
+  // sooner than a great one; many objects take greater and greater ones.
+  static constexpr std::size_t kFirstSize = 1024;
+  static constexpr QORuint32 kFirstSlabs = 7;
+  static constexpr std::size_t kGreatestSize = 65536;  // of a slab of several objects
+  static constexpr bool kIsWatched = QORQL_ADDRESSES_ARE_WATCHED == 1;
+  static_assert(sizeof(Slab) <= kUnit && kGreatestSize / kUnit <= 0xFFFF);
+  static_assert(kUnit <= __STDCPP_DEFAULT_NEW_ALIGNMENT__);
+
+  // An object that is greater than slabs are has one of its own.
+  [[gnu::noinline]] void openSlab(std::size_t room) {
+    const std::size_t least = kUnit + room;
+    const std::size_t size = kIsWatched || least > _nextSize ? least : _nextSize;
+    char* const memory = static_cast<char*>(::operator new(size));
+    closeSlab();
+    ::new (static_cast<void*>(memory)) Slab;
+    _slab = memory;
+    _used = kUnit;
+    _size = size;
+    if (++_slabs >= kFirstSlabs && _nextSize < kGreatestSize) _nextSize *= 2;
+  }
+  void closeSlab() noexcept;
+
+  char* _slab = nullptr;
+  std::size_t _used = 0;  // bytes of the slab, its head included
+  std::size_t _size = 0;
+  std::size_t _nextSize = kFirstSize;
+  QORuint32 _slabs = 0;
+  QORsint32 _taken = 0;  // objects of the slab
+};
+
+inline void* QORSlabs::take(std::size_t size, Place& place) {
+  const std::size_t room = (size + kUnit - 1) / kUnit * kUnit;
+  if (room > _size - _used || kIsWatched) openSlab(room);
+  char* const memory = _slab + _used;
+  place = static_cast<Place>(_used / kUnit);
+  _used += room;
+  ++_taken;
+  return memory;
+}
+
+inline void QORSlabs::closeSlab() noexcept {
+  if (_slab == nullptr) return;
+  Slab* const slab = reinterpret_cast<Slab*>(_slab);
+  if (slab->_objects.atomicAdd(_taken - kOpen) == 0) ::operator delete(static_cast<void*>(slab));
+  _slab = nullptr;
+  _used = _size = 0;
+  _taken = 0;
+}
+
+#endif
