@@ -1,6 +1,8 @@
 // Sums and differences: parsing and walking.
 #include "Cimom/QORQL/QORQL_Arithmetic.h"
 
+#include <utility>
+
 #include "Cimom/QORQL/QORQL_Chain.h"
 #include "Cimom/QORQL/QORQL_ChainParser.h"
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
@@ -15,9 +17,9 @@ QORQL_Operator operatorOf(QORQL_TokenType type) {
 
 }  // namespace
 
-QORQL_Arithmetic::QORQL_Arithmetic(const QORSmrPtr<QORQL_Evaluatable>& term,
-                                   const QORSmrPtr<QORQL_Evaluatable>& arithmetic, QORQL_Operator op)
-    : _term(term), _arithmetic(arithmetic), _operator(op) {}
+QORQL_Arithmetic::QORQL_Arithmetic(QORSmrPtr<QORQL_Evaluatable> term, QORSmrPtr<QORQL_Evaluatable> arithmetic,
+                                   QORQL_Operator op)
+    : QORQL_Evaluatable(kKind), _term(std::move(term)), _arithmetic(std::move(arithmetic)), _operator(op) {}
 
 QORQL_Arithmetic::~QORQL_Arithmetic() { QORQL_releaseChain<QORQL_Arithmetic>(_arithmetic); }
 
@@ -28,7 +30,12 @@ QORSmrPtr<QORQL_Evaluatable> QORQL_Arithmetic::parse(QORQL_SymbolTable& symbolTa
                                             queryLanguage);
 }
 
-QORQL_Term* QORQL_Arithmetic::getTermCasted() const noexcept { return dynamic_cast<QORQL_Term*>(_term.Get()); }
+QORQL_Term* QORQL_Arithmetic::getTermCasted() const noexcept { return QORQL_nodeAs<QORQL_Term>(_term); }
+
+const QORQL_Factor* QORQL_Arithmetic::loneFactor() const noexcept {
+  const QORQL_Term* const term = _operator == QORQL_OperatorNONE ? getTermCasted() : nullptr;
+  return term == nullptr || term->getOperator() != QORQL_OperatorNONE ? nullptr : term->getFactorCasted();
+}
 
 void QORQL_Arithmetic::accept(QORSmrPtr<QORQL_ExpressionVisitor>& visitor) {
   QORQL_walkChain(

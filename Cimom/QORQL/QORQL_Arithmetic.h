@@ -6,14 +6,16 @@
 #include "Cimom/QORQL/QORQL_Evaluatable.h"
 #include "Cimom/QORQL/QORQL_Operator.h"
 
-class QORQL_Term;
+class QORQL_Factor;
 class QORQL_Lexer;
+class QORQL_Term;
 
 // Term [ ( PLUS | MINUS ) Arithmetic ], grouped to the right.
 class QORQL_Arithmetic : public QORQL_Evaluatable {
  public:
-  QORQL_Arithmetic(const QORSmrPtr<QORQL_Evaluatable>& term, const QORSmrPtr<QORQL_Evaluatable>& arithmetic,
-                   QORQL_Operator op);
+  static constexpr QORQL_NodeKind kKind = QORQL_NodeKind::Arithmetic;
+
+  QORQL_Arithmetic(QORSmrPtr<QORQL_Evaluatable> term, QORSmrPtr<QORQL_Evaluatable> arithmetic, QORQL_Operator op);
   ~QORQL_Arithmetic() override;
 
   static QORSmrPtr<QORQL_Evaluatable> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
@@ -25,6 +27,8 @@ class QORQL_Arithmetic : public QORQL_Evaluatable {
   QORQL_Operator getOperator() const noexcept { return _operator; }
   // BORROWS: the left operand as a QORQL_Term; null when it is none.
   QORQL_Term* getTermCasted() const noexcept;
+  // BORROWS: the factor that it consists of; null when there is anything around it.
+  const QORQL_Factor* loneFactor() const noexcept;
 
   QORSmrPtr<IQoriValue> evaluate(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataRow>& row) override;
   using QORQL_Evaluatable::evaluate;

@@ -16,7 +16,7 @@ struct Tie {
 };
 
 bool readTie(const QORSmrPtr<QORQL_Evaluatable>& condition, const QORQL_Lexer& lexer, Tie& tie) {
-  const QORQL_ExpressionFactor* const factor = dynamic_cast<const QORQL_ExpressionFactor*>(condition.Get());
+  const QORQL_ExpressionFactor* const factor = QORQL_nodeAs<QORQL_ExpressionFactor>(condition);
   if (factor == nullptr) QORQL_raise(QORQL_Messages::kAssociationNull, lexer);
   return factor->isComparisonAnAssociation(tie.joinType, tie.association, tie.end);
 }
@@ -30,7 +30,8 @@ bool isRightOrFull(QORQL_JoinType joinType) {
 QORQL_Association::QORQL_Association(const QORString& source, const QORString& destination,
                                      const QORString& associationName, QORQL_JoinType joinType,
                                      const QORString& queryString, const QORString& queryLanguage)
-    : _assocSource(source),
+    : QORQL_Evaluatable(kKind),
+      _assocSource(source),
       _assocDestination(destination),
       _associationName(associationName),
       _joinType(joinType),
@@ -55,8 +56,9 @@ QORSmrPtr<QORQL_Evaluatable> QORQL_Association::parse(QORQL_SymbolTable& symbolT
     QORQL_raise(QORQL_Messages::kAssociationInvalid, lexer);
   }
   if (isRightOrFull(source.joinType)) QORQL_raise(QORQL_Messages::kAssociationJoin, lexer);
-  return new QORQL_Association(source.end, destination.end, source.association, source.joinType, queryString,
-                               queryLanguage);
+  lexer.noteAssociation();
+  return QORSmrPtr<QORQL_Evaluatable>::MakeIn<QORQL_Association>(
+      lexer.slabs(), source.end, destination.end, source.association, source.joinType, queryString, queryLanguage);
 }
 
 void QORQL_Association::accept(QORSmrPtr<QORQL_ExpressionVisitor>& visitor) { visitor->visitAssociation(*this); }

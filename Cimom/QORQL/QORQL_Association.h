@@ -12,6 +12,8 @@ class QORQL_Lexer;
 // `Assoc = Source AND Assoc = Destination`; `*=` in the first comparison for a left outer join.
 class QORQL_Association : public QORQL_Evaluatable {
  public:
+  static constexpr QORQL_NodeKind kKind = QORQL_NodeKind::Association;
+
   QORQL_Association(const QORString& source, const QORString& destination, const QORString& associationName,
                     QORQL_JoinType joinType, const QORString& queryString, const QORString& queryLanguage);
   ~QORQL_Association() override;

@@ -42,19 +42,6 @@ class NameCollector : public QORQL_ExpressionVisitor {
   const QORQL_SymbolTable& _symbolTable;
 };
 
-// Tells statements without associations, for which there is nothing to plan, at little cost.
-class AssociationFinder : public QORQL_ExpressionVisitor {
- public:
-  void visitAssociation(const QORQL_Association& /*association*/) override { isFound = true; }
-  bool isFound = false;
-};
-
-bool hasAssociation(const QORSmrPtr<QORQL_Evaluatable>& condition) {
-  auto visitor = QORSmrPtr<QORQL_ExpressionVisitor>::Make<AssociationFinder>();
-  if (!condition.IsNull()) condition->accept(visitor);
-  return static_cast<const AssociationFinder&>(*visitor).isFound;
-}
-
 void walk(const QORSmrPtr<QORQL_Evaluatable>& node, NameCollector*& collector, const QORQL_SymbolTable& symbolTable,
           QORSmrPtr<QORQL_ExpressionVisitor>& visitor) {
   if (visitor.IsNull()) {
@@ -116,11 +103,11 @@ void QORQL_AssociationPlan::apply(QORQL_Query& query, QORQL_SymbolTable& symbolT
   const auto* list = dynamic_cast<const QORQL_SelectList*>(query._selectList.Get());
   auto* from = dynamic_cast<QORQL_FromClause*>(query._fromClause.Get());
   if (where == nullptr || list == nullptr || from == nullptr) return;
-  if (!hasAssociation(where->getExpression())) return;
 
   NameCollector* names = nullptr;
   QORSmrPtr<QORQL_ExpressionVisitor> visitor;
   walk(where->getExpression(), names, symbolTable, visitor);
+  if (names->associations.empty()) return;
   query._whereHasAssociation = true;
   QORValSlistIterator<QORSmrPtr<QORQL_SelectedEntry>> entries(*list->getSelectedEntries());
   while (++entries) {

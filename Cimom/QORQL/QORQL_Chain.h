@@ -13,9 +13,10 @@
 // field through `QORSmrPtr<QORQL_Evaluatable>& chainLink()`.
 template <class Node>
 void QORQL_releaseChain(QORSmrPtr<QORQL_Evaluatable>& right) noexcept {
+  if (right.IsNull()) return;
   QORSmrPtr<QORQL_Evaluatable> next(std::move(right));
   while (next.IsUnique()) {
-    Node* const node = dynamic_cast<Node*>(next.Get());
+    Node* const node = QORQL_nodeAs<Node>(next);
     if (node == nullptr) return;
     QORSmrPtr<QORQL_Evaluatable> rest(std::move(node->chainLink()));
     next = std::move(rest);
@@ -35,7 +36,7 @@ void QORQL_walkChain(Node& head, const VisitLeft& visitLeft, const VisitRight& v
   std::vector<Node*> nodes{&head};
   for (;;) {
     QORSmrPtr<QORQL_Evaluatable>& right = nodes.back()->chainLink();
-    Node* const next = dynamic_cast<Node*>(right.Get());
+    Node* const next = QORQL_nodeAs<Node>(right);
     if (next == nullptr) {
       if (!right.IsNull()) visitRight(right);
       break;

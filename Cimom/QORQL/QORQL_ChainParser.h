@@ -16,15 +16,16 @@
 // and every frame on the way down should be small.
 class QORQL_ChainParts {
  public:
-  [[gnu::noinline]] void append(const QORSmrPtr<QORQL_Evaluatable>& operand, QORQL_Operator op) {
-    _parts.emplace_back(operand, op);
+  [[gnu::noinline]] void append(QORSmrPtr<QORQL_Evaluatable>&& operand, QORQL_Operator op) {
+    _parts.emplace_back(std::move(operand), op);
   }
   // The chain that ends with this operand.
   template <class Node>
-  [[gnu::noinline]] QORSmrPtr<QORQL_Evaluatable> build(const QORSmrPtr<QORQL_Evaluatable>& last) {
-    auto chain = QORSmrPtr<QORQL_Evaluatable>::Make<Node>(last, nullptr, QORQL_OperatorNONE);
+  [[gnu::noinline]] QORSmrPtr<QORQL_Evaluatable> build(QORSmrPtr<QORQL_Evaluatable>&& last, QORSlabs& slabs) {
+    auto chain = QORSmrPtr<QORQL_Evaluatable>::MakeIn<Node>(slabs, std::move(last), nullptr, QORQL_OperatorNONE);
     for (; !_parts.empty(); _parts.pop_back()) {
-      chain = QORSmrPtr<QORQL_Evaluatable>::Make<Node>(_parts.back().first, chain, _parts.back().second);
+      auto& [operand, op] = _parts.back();
+      chain = QORSmrPtr<QORQL_Evaluatable>::MakeIn<Node>(slabs, std::move(operand), std::move(chain), op);
     }
     return chain;
   }
@@ -47,10 +48,10 @@ QORSmrPtr<QORQL_Evaluatable> QORQL_parseChain(QORQL_ParseOperand parseOperand, Q
                                               const QORString& queryLanguage) {
   QORQL_ChainParts parts;
   for (;;) {
-    const QORSmrPtr<QORQL_Evaluatable> operand = parseOperand(symbolTable, lexer, projMap, queryString, queryLanguage);
+    QORSmrPtr<QORQL_Evaluatable> operand = parseOperand(symbolTable, lexer, projMap, queryString, queryLanguage);
     const QORQL_Operator op = operatorOf(lexer.getCurrent().getType());
-    if (op == QORQL_OperatorNONE) return parts.build<Node>(operand);
-    parts.append(operand, op);
+    if (op == QORQL_OperatorNONE) return parts.build<Node>(std::move(operand), lexer.slabs());
+    parts.append(std::move(operand), op);
     lexer.next(false);
   }
 }

@@ -20,8 +20,6 @@ QORQL_ClassInfo::QORQL_ClassInfo(QORString className, PropertyList properties, Q
   if (_properties.IsNull()) _properties = PropertyList::Make();
 }
 
-void QORQL_ClassInfo::addProperty(const QORString& property) { _properties->append(property); }
-
 void QORQL_ClassInfo::addPropertyOnce(const QORString& property) {
   if (!listsProperty(property)) _properties->append(property);
 }
@@ -48,12 +46,19 @@ void QORQL_ClassInfo::_updateIndex() {
   for (; _indexed < count; ++_indexed) _index->insert(QORString::toUpperCase(_properties->at(_indexed)), true);
 }
 
-QORQL_ProjectionMap QORQL_newProjectionMap() { return QORQL_ProjectionMap::Make(&hashKeyQORString, kMapBuckets); }
+QORQL_ProjectionMap QORQL_newProjectionMap(QORSlabs& slabs) {
+  return QORQL_ProjectionMap::MakeIn(slabs, &hashKeyQORString, kMapBuckets);
+}
 
-QORSmrPtr<QORQL_ClassInfo> QORQL_recordOf(QORQL_ProjectionMap& map, const QORString& name) {
-  QORSmrPtr<QORQL_ClassInfo> record;
-  if (map.IsNull() || map->find(name, record)) return record;
-  record = QORSmrPtr<QORQL_ClassInfo>::Make(name, nullptr, false);
+QORSmrPtr<QORQL_ClassInfo> QORQL_newClassInfo(QORSlabs& slabs, const QORString& className, QORboolean allProperties) {
+  return QORSmrPtr<QORQL_ClassInfo>::MakeIn(slabs, className, QORQL_ClassInfo::PropertyList::MakeIn(slabs),
+                                            allProperties);
+}
+
+QORQL_ClassInfo* QORQL_recordOf(QORQL_ProjectionMap& map, const QORString& name, QORSlabs& slabs) {
+  if (map.IsNull()) return nullptr;
+  if (const QORSmrPtr<QORQL_ClassInfo>* const known = map->peek(name)) return known->Get();
+  const QORSmrPtr<QORQL_ClassInfo> record = QORQL_newClassInfo(slabs, name, false);
   map->insert(name, record);
-  return record;
+  return record.Get();
 }

@@ -12,16 +12,16 @@ class QORQL_ClassInfo {
   QORQL_ClassInfo(QORString className, PropertyList properties, QORboolean allProperties);
 
   // Appends, without a check for duplicates.
-  void addProperty(const QORString& property);
+  void addProperty(const QORString& property) { _properties->append(property); }
   // Appends unless the name is listed already, ignoring case. Constant time on average.
   void addPropertyOnce(const QORString& property);
   // Whether the name is listed, ignoring case. Constant time on average.
   bool listsProperty(const QORString& property);
   // Shared: callers see and change the same list. Never null.
-  PropertyList getPropertyList() const { return _properties; }
+  const PropertyList& getPropertyList() const noexcept { return _properties; }
   QORboolean needAllProperties() const noexcept { return _allProperties; }
   void setNeedAllProperties(QORboolean allProperties) noexcept { _allProperties = allProperties; }
-  QORString getClassName() const { return _className; }
+  const QORString& getClassName() const noexcept { return _className; }
 
   // Whether the instances must come with every property although the projection
   // keeps some only: an association class that is a column itself.
@@ -46,9 +46,11 @@ using QORQL_ClassInfoMap = QORValMap<QORString, QORSmrPtr<QORQL_ClassInfo>>;
 using QORQL_ProjectionMap = QORSmrPtr<QORQL_ClassInfoMap>;
 
 // A new, empty map.
-QORQL_ProjectionMap QORQL_newProjectionMap();
-// The record of that name (compared exactly), made when it is absent; a null
-// pointer when there is no map.
-QORSmrPtr<QORQL_ClassInfo> QORQL_recordOf(QORQL_ProjectionMap& map, const QORString& name);
+QORQL_ProjectionMap QORQL_newProjectionMap(QORSlabs& slabs);
+// A new record of a class, without properties yet.
+QORSmrPtr<QORQL_ClassInfo> QORQL_newClassInfo(QORSlabs& slabs, const QORString& className, QORboolean allProperties);
+// BORROWS: the map's record of that name (compared exactly), made in the slabs
+// when it is absent; null when there is no map.
+QORQL_ClassInfo* QORQL_recordOf(QORQL_ProjectionMap& map, const QORString& name, QORSlabs& slabs);
 
 #endif

@@ -2,6 +2,8 @@
 // recognition of association conditions.
 #include "Cimom/QORQL/QORQL_Comparison.h"
 
+#include <utility>
+
 #include "Cimom/QORQL/QORQL_Arithmetic.h"
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
@@ -80,8 +82,8 @@ bool takesRightOperand(QORQL_Operator op) {
 }
 
 void validateArrays(const QORQL_Comparison& comparison) {
-  QORQL_Arithmetic* const left = dynamic_cast<QORQL_Arithmetic*>(comparison.getLHSArithmeticExpression().Get());
-  QORQL_Arithmetic* const right = dynamic_cast<QORQL_Arithmetic*>(comparison.getRHSArithmeticExpression().Get());
+  QORQL_Arithmetic* const left = QORQL_nodeAs<QORQL_Arithmetic>(comparison.getLHSArithmeticExpression());
+  QORQL_Arithmetic* const right = QORQL_nodeAs<QORQL_Arithmetic>(comparison.getRHSArithmeticExpression());
   switch (comparison.getArrayComp()) {
     case QORQL_Comparison::ArrayCompAnyLeft:
     case QORQL_Comparison::ArrayCompEveryLeft:
@@ -108,18 +110,21 @@ bool isCompleteArray(const QORQL_Factor& factor) {
          factor.getArrayIndexList() == QORQL_Factor::kEmptyBrackets;
 }
 
-// The factor that an operand consists of, when that is a bare identifier and nothing else.
-const QORQL_Factor* bareIdentifier(const QORSmrPtr<QORQL_Evaluatable>& side) {
-  const QORQL_Arithmetic* const arithmetic = dynamic_cast<const QORQL_Arithmetic*>(side.Get());
-  if (arithmetic == nullptr || arithmetic->getOperator() != QORQL_OperatorNONE) return nullptr;
-  const QORQL_Factor* const factor = leadingFactor(arithmetic);
-  if (factor == nullptr || arithmetic->getTermCasted()->getOperator() != QORQL_OperatorNONE) return nullptr;
-  return factor->isBareIdentifier() ? factor : nullptr;
+const QORQL_Factor* loneFactorOf(const QORSmrPtr<QORQL_Evaluatable>& side) {
+  const QORQL_Arithmetic* const arithmetic = QORQL_nodeAs<QORQL_Arithmetic>(side);
+  return arithmetic == nullptr ? nullptr : arithmetic->loneFactor();
+}
+
+const QORQL_Factor* bareIdentifier(const QORQL_Factor* lone) {
+  return lone != nullptr && lone->isBareIdentifier() ? lone : nullptr;
 }
 
 // The one class that an operand refers to as X.firstref, X.secondref or OBJECTPATH(X); null when it is no such
 // reference.
-QORSmrPtr<QORString> referredClass(const QORSmrPtr<QORQL_Evaluatable>& side) {
+QORSmrPtr<QORString> referredClass(const QORSmrPtr<QORQL_Evaluatable>& side, const QORQL_Factor* lone) {
+  if (lone != nullptr && lone->getEvaluatable().IsNull()) {
+    return lone->isClassReference() ? lone->getClassName() : QORSmrPtr<QORString>();
+  }
   auto visitor = QORSmrPtr<QORQL_ExpressionVisitor>::Make<QORQL_IdentifierFinder>();
   const auto* const finder = static_cast<const QORQL_IdentifierFinder*>(visitor.Get());
   side->accept(visitor);
@@ -142,9 +147,12 @@ bool canTieAssociation(const QORQL_Comparison& comparison) {
 
 }  // namespace
 
-QORQL_Comparison::QORQL_Comparison(const QORSmrPtr<QORQL_Evaluatable>& arithmetic1,
-                                   const QORSmrPtr<QORQL_Evaluatable>& arithmetic2, QORQL_Operator op)
-    : _arithmetic1(arithmetic1), _arithmetic2(arithmetic2), _operator(op) {}
+QORQL_Comparison::QORQL_Comparison(QORSmrPtr<QORQL_Evaluatable> arithmetic1, QORSmrPtr<QORQL_Evaluatable> arithmetic2,
+                                   QORQL_Operator op)
+    : QORQL_Evaluatable(kKind),
+      _arithmetic1(std::move(arithmetic1)),
+      _arithmetic2(std::move(arithmetic2)),
+      _operator(op) {}
 
 QORQL_Comparison::~QORQL_Comparison() = default;
 
@@ -152,8 +160,7 @@ QORSmrPtr<QORQL_Evaluatable> QORQL_Comparison::parse(QORQL_SymbolTable& symbolTa
                                                      QORQL_ProjectionMap& projMap, const QORString& queryString,
                                                      const QORString& queryLanguage) {
   ArrayComp arrayComp = parseArrayComp(lexer, ArrayCompAnyLeft, ArrayCompEveryLeft);
-  const QORSmrPtr<QORQL_Evaluatable> left =
-      QORQL_Arithmetic::parse(symbolTable, lexer, projMap, queryString, queryLanguage);
+  QORSmrPtr<QORQL_Evaluatable> left = QORQL_Arithmetic::parse(symbolTable, lexer, projMap, queryString, queryLanguage);
   const QORQL_Operator op = parseOperator(lexer);
   QORSmrPtr<QORQL_Evaluatable> right;
   if (takesRightOperand(op)) {
@@ -164,7 +171,8 @@ QORSmrPtr<QORQL_Evaluatable> QORQL_Comparison::parse(QORQL_SymbolTable& symbolTa
     }
     right = QORQL_Arithmetic::parse(symbolTable, lexer, projMap, queryString, queryLanguage);
   }
-  auto result = QORSmrPtr<QORQL_Evaluatable>::Make<QORQL_Comparison>(left, right, op);
+  auto result =
+      QORSmrPtr<QORQL_Evaluatable>::MakeIn<QORQL_Comparison>(lexer.slabs(), std::move(left), std::move(right), op);
   QORQL_Comparison& comparison = static_cast<QORQL_Comparison&>(*result);
   comparison.setArrayComp(arrayComp);
   validateArrays(comparison);
@@ -183,6 +191,10 @@ void QORQL_Comparison::validateScalarArray(QORQL_Arithmetic* left, QORQL_Arithme
   if (isCompleteArray(*leftFactor) != isCompleteArray(*rightFactor)) QORQL_raise(QORQL_Messages::kArrayWithScalar);
 }
 
+const QORQL_Factor* QORQL_Comparison::loneFactor() const noexcept {
+  return _operator != QORQL_OperatorNONE || isArrayComp() ? nullptr : loneFactorOf(_arithmetic1);
+}
+
 QORQL_JoinType QORQL_Comparison::getJoinType() const noexcept {
   switch (_operator) {
     case QORQL_OperatorLEFTJOIN:
@@ -199,12 +211,16 @@ QORQL_JoinType QORQL_Comparison::getJoinType() const noexcept {
 bool QORQL_Comparison::isComparisonAnAssociation(QORQL_JoinType& joinType, QORString& leftName,
                                                  QORString& rightName) const {
   if (!canTieAssociation(*this)) return false;
-  const QORQL_Factor* const bareRight = bareIdentifier(_arithmetic2);
+  const QORQL_Factor* const loneLeft = loneFactorOf(_arithmetic1);
+  const QORQL_Factor* const loneRight = loneFactorOf(_arithmetic2);
+  const QORQL_Factor* const bareRight = bareIdentifier(loneRight);
   const bool rightIsFromName = bareRight != nullptr && bareRight->isKnownFromName();
-  const QORQL_Factor* const bareLeft = rightIsFromName ? bareIdentifier(_arithmetic1) : nullptr;
-  const QORSmrPtr<QORString> left = bareLeft != nullptr ? bareLeft->getPropertyName() : referredClass(_arithmetic1);
+  const QORQL_Factor* const bareLeft = rightIsFromName ? bareIdentifier(loneLeft) : nullptr;
+  const QORSmrPtr<QORString> left =
+      bareLeft != nullptr ? bareLeft->getPropertyName() : referredClass(_arithmetic1, loneLeft);
   if (left.IsNull()) return false;
-  const QORSmrPtr<QORString> right = rightIsFromName ? bareRight->getPropertyName() : referredClass(_arithmetic2);
+  const QORSmrPtr<QORString> right =
+      rightIsFromName ? bareRight->getPropertyName() : referredClass(_arithmetic2, loneRight);
   if (right.IsNull()) return false;
   joinType = getJoinType();
   leftName = *left;

@@ -8,11 +8,14 @@
 #include "Cimom/QORQL/QORQL_Operator.h"
 
 class QORQL_Arithmetic;
+class QORQL_Factor;
 class QORQL_Lexer;
 
 // [ ANY | EVERY ] Arithmetic [ CompOp [ ANY | EVERY ] Arithmetic | IS [ NOT ] NULL ].
 class QORQL_Comparison : public QORQL_Evaluatable {
  public:
+  static constexpr QORQL_NodeKind kKind = QORQL_NodeKind::Comparison;
+
   // The side on which ANY or EVERY was written.
   enum QORQL_ARRAY_COMP {
     ArrayCompNone = 0,
@@ -22,7 +25,7 @@ class QORQL_Comparison : public QORQL_Evaluatable {
     ArrayCompEveryRight = 4
   };
 
-  QORQL_Comparison(const QORSmrPtr<QORQL_Evaluatable>& arithmetic1, const QORSmrPtr<QORQL_Evaluatable>& arithmetic2,
+  QORQL_Comparison(QORSmrPtr<QORQL_Evaluatable> arithmetic1, QORSmrPtr<QORQL_Evaluatable> arithmetic2,
                    QORQL_Operator op);
   ~QORQL_Comparison() override;
 
@@ -34,6 +37,8 @@ class QORQL_Comparison : public QORQL_Evaluatable {
   // Null when there is no right operand.
   const QORSmrPtr<QORQL_Evaluatable>& getRHSArithmeticExpression() const noexcept { return _arithmetic2; }
   QORQL_Operator getOperator() const noexcept { return _operator; }
+  // BORROWS: the factor that it consists of; null when there is anything around it.
+  const QORQL_Factor* loneFactor() const noexcept;
   QORQL_JoinType getJoinType() const noexcept;
   bool isArrayComp() const noexcept { return eArrayComp != ArrayCompNone; }
   QORQL_ARRAY_COMP getArrayComp() const noexcept { return eArrayComp; }

@@ -10,14 +10,30 @@ class QORQL_DataTable;
 class QORQL_ExpressionVisitor;
 class QORQL_SymbolTable;
 
+// What a node is: known without a search of its class's ancestry.
+enum class QORQL_NodeKind : QORuint8 {
+  Other,
+  Expression,
+  ExpressionTerm,
+  ExpressionFactor,
+  Comparison,
+  Arithmetic,
+  Term,
+  Factor,
+  Function,
+  Association
+};
+
 // Built once by the parser, then evaluated any number of times; holds no state
 // of an evaluation. Nodes are shared and belong to one thread at a time while
 // name resolution runs; afterwards they do not change.
 class QORQL_Evaluatable {
  public:
-  QORQL_Evaluatable() = default;
+  explicit QORQL_Evaluatable(QORQL_NodeKind kind = QORQL_NodeKind::Other) noexcept : _kind(kind) {}
   QORQL_Evaluatable(const QORQL_Evaluatable&) = delete;
   QORQL_Evaluatable& operator=(const QORQL_Evaluatable&) = delete;
+
+  QORQL_NodeKind kind() const noexcept { return _kind; }
 
   virtual ~QORQL_Evaluatable();
   // The value on one row; null when it has none.
@@ -29,6 +45,16 @@ class QORQL_Evaluatable {
                           QORSmrPtr<QORQL_DataTable>& other, const QORString& nameSpace);
   // Walks the tree in post-order.
   virtual void accept(QORSmrPtr<QORQL_ExpressionVisitor>& visitor);
+
+ private:
+  QORQL_NodeKind _kind;
 };
+
+// BORROWS: the node as a Node (a class with a kKind of its own), or null when it is none.
+template <class Node>
+Node* QORQL_nodeAs(const QORSmrPtr<QORQL_Evaluatable>& node) noexcept {
+  QORQL_Evaluatable* const evaluatable = node.Get();
+  return evaluatable != nullptr && evaluatable->kind() == Node::kKind ? static_cast<Node*>(evaluatable) : nullptr;
+}
 
 #endif

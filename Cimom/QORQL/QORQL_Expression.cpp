@@ -1,6 +1,8 @@
 // The OR level of a condition: parsing and walking.
 #include "Cimom/QORQL/QORQL_Expression.h"
 
+#include <utility>
+
 #include "Cimom/QORQL/QORQL_Chain.h"
 #include "Cimom/QORQL/QORQL_ChainParser.h"
 #include "Cimom/QORQL/QORQL_ExpressionTerm.h"
@@ -12,9 +14,12 @@ QORQL_Operator operatorOf(QORQL_TokenType type) { return type == TokenOR ? QORQL
 
 }  // namespace
 
-QORQL_Expression::QORQL_Expression(const QORSmrPtr<QORQL_Evaluatable>& expressionTerm,
-                                   const QORSmrPtr<QORQL_Evaluatable>& expression, QORQL_Operator op)
-    : _expressionTerm(expressionTerm), _expression(expression), _operator(op) {}
+QORQL_Expression::QORQL_Expression(QORSmrPtr<QORQL_Evaluatable> expressionTerm, QORSmrPtr<QORQL_Evaluatable> expression,
+                                   QORQL_Operator op)
+    : QORQL_Evaluatable(kKind),
+      _expressionTerm(std::move(expressionTerm)),
+      _expression(std::move(expression)),
+      _operator(op) {}
 
 QORQL_Expression::~QORQL_Expression() { QORQL_releaseChain<QORQL_Expression>(_expression); }
 

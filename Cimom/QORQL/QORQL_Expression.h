@@ -11,7 +11,9 @@ class QORQL_Lexer;
 // ExpressionTerm [ OR Expression ].
 class QORQL_Expression : public QORQL_Evaluatable {
  public:
-  QORQL_Expression(const QORSmrPtr<QORQL_Evaluatable>& expressionTerm, const QORSmrPtr<QORQL_Evaluatable>& expression,
+  static constexpr QORQL_NodeKind kKind = QORQL_NodeKind::Expression;
+
+  QORQL_Expression(QORSmrPtr<QORQL_Evaluatable> expressionTerm, QORSmrPtr<QORQL_Evaluatable> expression,
                    QORQL_Operator op);
   ~QORQL_Expression() override;
 

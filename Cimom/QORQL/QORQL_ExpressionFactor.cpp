@@ -1,13 +1,19 @@
 // One comparison of a condition, negated or not: parsing and walking.
 #include "Cimom/QORQL/QORQL_ExpressionFactor.h"
 
+#include <utility>
+
 #include "Cimom/QORQL/QORQL_Comparison.h"
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
 #include "Cimom/QORQL/QORQL_Lexer.h"
 
-QORQL_ExpressionFactor::QORQL_ExpressionFactor(const QORSmrPtr<QORQL_Evaluatable>& comparison, QORQL_Operator op,
+QORQL_ExpressionFactor::QORQL_ExpressionFactor(QORSmrPtr<QORQL_Evaluatable> comparison, QORQL_Operator op,
                                                const QORString& queryString, const QORString& queryLanguage)
-    : _comparison(comparison), _operator(op), _queryString(queryString), _queryLanguage(queryLanguage) {}
+    : QORQL_Evaluatable(kKind),
+      _comparison(std::move(comparison)),
+      _operator(op),
+      _queryString(queryString),
+      _queryLanguage(queryLanguage) {}
 
 QORQL_ExpressionFactor::~QORQL_ExpressionFactor() = default;
 
@@ -16,14 +22,15 @@ QORSmrPtr<QORQL_Evaluatable> QORQL_ExpressionFactor::parse(QORQL_SymbolTable& sy
                                                            const QORString& queryLanguage) {
   const QORQL_Operator op = lexer.getCurrent().getType() == TokenNOT ? QORQL_OperatorNOT : QORQL_OperatorNONE;
   if (op == QORQL_OperatorNOT) lexer.next(false);
-  const QORSmrPtr<QORQL_Evaluatable> comparison =
+  QORSmrPtr<QORQL_Evaluatable> comparison =
       QORQL_Comparison::parse(symbolTable, lexer, projMap, queryString, queryLanguage);
-  return QORSmrPtr<QORQL_Evaluatable>::Make<QORQL_ExpressionFactor>(comparison, op, queryString, queryLanguage);
+  return QORSmrPtr<QORQL_Evaluatable>::MakeIn<QORQL_ExpressionFactor>(lexer.slabs(), std::move(comparison), op,
+                                                                      queryString, queryLanguage);
 }
 
 bool QORQL_ExpressionFactor::isComparisonAnAssociation(QORQL_JoinType& joinType, QORString& leftName,
                                                        QORString& rightName) const {
-  const QORQL_Comparison* const comparison = dynamic_cast<const QORQL_Comparison*>(_comparison.Get());
+  const QORQL_Comparison* const comparison = QORQL_nodeAs<QORQL_Comparison>(_comparison);
   return _operator == QORQL_OperatorNONE && comparison != nullptr &&
          comparison->isComparisonAnAssociation(joinType, leftName, rightName);
 }

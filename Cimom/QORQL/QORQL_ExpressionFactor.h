@@ -13,8 +13,10 @@ class QORQL_Lexer;
 // [ NOT ] Comparison.
 class QORQL_ExpressionFactor : public QORQL_Evaluatable {
  public:
-  QORQL_ExpressionFactor(const QORSmrPtr<QORQL_Evaluatable>& comparison, QORQL_Operator op,
-                         const QORString& queryString, const QORString& queryLanguage);
+  static constexpr QORQL_NodeKind kKind = QORQL_NodeKind::ExpressionFactor;
+
+  QORQL_ExpressionFactor(QORSmrPtr<QORQL_Evaluatable> comparison, QORQL_Operator op, const QORString& queryString,
+                         const QORString& queryLanguage);
   ~QORQL_ExpressionFactor() override;
 
   static QORSmrPtr<QORQL_Evaluatable> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,

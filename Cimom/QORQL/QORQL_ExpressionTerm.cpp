@@ -1,6 +1,8 @@
 // The AND level of a condition: parsing and walking.
 #include "Cimom/QORQL/QORQL_ExpressionTerm.h"
 
+#include <utility>
+
 #include "Cimom/QORQL/QORQL_Association.h"
 #include "Cimom/QORQL/QORQL_Chain.h"
 #include "Cimom/QORQL/QORQL_ChainParser.h"
@@ -12,9 +14,12 @@ QORQL_Operator operatorOf(QORQL_TokenType type) { return type == TokenAND ? QORQ
 
 }  // namespace
 
-QORQL_ExpressionTerm::QORQL_ExpressionTerm(const QORSmrPtr<QORQL_Evaluatable>& expressionFactor,
-                                           const QORSmrPtr<QORQL_Evaluatable>& expressionTerm, QORQL_Operator op)
-    : _expressionFactor(expressionFactor), _expressionTerm(expressionTerm), _operator(op) {}
+QORQL_ExpressionTerm::QORQL_ExpressionTerm(QORSmrPtr<QORQL_Evaluatable> expressionFactor,
+                                           QORSmrPtr<QORQL_Evaluatable> expressionTerm, QORQL_Operator op)
+    : QORQL_Evaluatable(kKind),
+      _expressionFactor(std::move(expressionFactor)),
+      _expressionTerm(std::move(expressionTerm)),
+      _operator(op) {}
 
 QORQL_ExpressionTerm::~QORQL_ExpressionTerm() { QORQL_releaseChain<QORQL_ExpressionTerm>(_expressionTerm); }
 

@@ -11,8 +11,10 @@ class QORQL_Lexer;
 // (Association | ExpressionFactor) [ AND ExpressionTerm ].
 class QORQL_ExpressionTerm : public QORQL_Evaluatable {
  public:
-  QORQL_ExpressionTerm(const QORSmrPtr<QORQL_Evaluatable>& expressionFactor,
-                       const QORSmrPtr<QORQL_Evaluatable>& expressionTerm, QORQL_Operator op);
+  static constexpr QORQL_NodeKind kKind = QORQL_NodeKind::ExpressionTerm;
+
+  QORQL_ExpressionTerm(QORSmrPtr<QORQL_Evaluatable> expressionFactor, QORSmrPtr<QORQL_Evaluatable> expressionTerm,
+                       QORQL_Operator op);
   ~QORQL_ExpressionTerm() override;
 
   static QORSmrPtr<QORQL_Evaluatable> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,

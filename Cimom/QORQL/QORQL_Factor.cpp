@@ -6,6 +6,7 @@
 #include <limits>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include "Cimom/QORQL/QORQL_Comparison.h"
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
@@ -23,37 +24,37 @@ using Node = QORSmrPtr<QORQL_Evaluatable>;
 using Value = QORSmrPtr<IQoriValue>;
 
 // Parsing nests, so what is done besides nesting stays out of the frames on the way down.
-[[gnu::noinline]] Node nested(const Node& node, QORQL_Operator op) {
-  return Node::Make<QORQL_Factor>(node, nullptr, nullptr, nullptr, op, false);
+[[gnu::noinline]] Node nested(QORSlabs& slabs, Node&& node, QORQL_Operator op) {
+  return Node::MakeIn<QORQL_Factor>(slabs, std::move(node), nullptr, nullptr, nullptr, op, false);
 }
 
 // Typed by its size; a number after a minus sign is typed as signed, though it
 // stays non-negative itself: the negation or subtraction applies the sign.
-Value decimalValue(QORuint64 number, bool afterMinus) {
+Value decimalValue(QORSlabs& slabs, QORuint64 number, bool afterMinus) {
   constexpr auto fits = [](QORuint64 value, auto limit) { return value <= static_cast<QORuint64>(limit); };
   if (afterMinus) {
     // The smallest signed type of a literal is sint32, not sint8, on purpose.
     if (fits(number, std::numeric_limits<QORsint8>::max())) {
-      return Value::Make<CQoriValue>(static_cast<int>(number), CQoriType::sint32);
+      return Value::MakeIn<CQoriValue>(slabs, static_cast<int>(number), CQoriType::sint32);
     }
     if (fits(number, std::numeric_limits<QORsint16>::max())) {
-      return Value::Make<CQoriValue>(static_cast<short>(number), CQoriType::sint16);
+      return Value::MakeIn<CQoriValue>(slabs, static_cast<short>(number), CQoriType::sint16);
     }
     if (fits(number, std::numeric_limits<QORsint32>::max())) {
-      return Value::Make<CQoriValue>(static_cast<int>(number), CQoriType::sint32);
+      return Value::MakeIn<CQoriValue>(slabs, static_cast<int>(number), CQoriType::sint32);
     }
-    return Value::Make<CQoriValue>(static_cast<long long>(number), CQoriType::sint64);
+    return Value::MakeIn<CQoriValue>(slabs, static_cast<long long>(number), CQoriType::sint64);
   }
   if (fits(number, std::numeric_limits<QORuint8>::max())) {
-    return Value::Make<CQoriValue>(static_cast<unsigned char>(number), CQoriType::uint8);
+    return Value::MakeIn<CQoriValue>(slabs, static_cast<unsigned char>(number), CQoriType::uint8);
   }
   if (fits(number, std::numeric_limits<QORuint16>::max())) {
-    return Value::Make<CQoriValue>(static_cast<unsigned short>(number), CQoriType::uint16);
+    return Value::MakeIn<CQoriValue>(slabs, static_cast<unsigned short>(number), CQoriType::uint16);
   }
   if (fits(number, std::numeric_limits<QORuint32>::max())) {
-    return Value::Make<CQoriValue>(static_cast<unsigned int>(number), CQoriType::uint32);
+    return Value::MakeIn<CQoriValue>(slabs, static_cast<unsigned int>(number), CQoriType::uint32);
   }
-  return Value::Make<CQoriValue>(static_cast<unsigned long long>(number), CQoriType::uint64);
+  return Value::MakeIn<CQoriValue>(slabs, static_cast<unsigned long long>(number), CQoriType::uint64);
 }
 
 // The power of ten of a real literal's first digit that is not zero.
@@ -65,13 +66,13 @@ QORsint64 magnitudeOf(std::string_view text) {
 
 // The longest valid prefix, whatever the process's locale; beyond the range of
 // a double, infinity or zero.
-Value realValue(std::string_view text) {
+Value realValue(QORSlabs& slabs, std::string_view text) {
   double number = 0;
   const std::from_chars_result result = std::from_chars(text.data(), text.data() + text.size(), number);
   if (result.ec == std::errc::result_out_of_range) {
     number = magnitudeOf(text) > 0 ? std::numeric_limits<double>::infinity() : 0.0;
   }
-  return Value::Make<CQoriValue>(number, CQoriType::real64);
+  return Value::MakeIn<CQoriValue>(slabs, number, CQoriType::real64);
 }
 
 bool isLiteral(QORQL_TokenType type, QORQL_TokenType before) {
@@ -79,19 +80,27 @@ bool isLiteral(QORQL_TokenType type, QORQL_TokenType before) {
          type == TokenBOOLEANLITERAL || type == TokenREALLITERAL;
 }
 
+// Saturates at the greatest value.
+QORuint64 decimalNumber(std::string_view digits) {
+  QORuint64 number = 0;
+  const std::from_chars_result result = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+  return result.ec == std::errc::result_out_of_range ? std::numeric_limits<QORuint64>::max() : number;
+}
+
 // The class name after ISA is text, and so are TRUE and FALSE.
-Value literalValue(const QORQL_Token& token, QORQL_TokenType before) {
+Value literalValue(QORSlabs& slabs, const QORQL_Token& token, QORQL_TokenType before) {
   if (before != TokenISA && token.getType() == TokenDECIMALLITERAL) {
-    return decimalValue(token.getValue().atoui64(), before == TokenMINUS);
+    return decimalValue(slabs, decimalNumber(token.text()), before == TokenMINUS);
   }
-  if (before != TokenISA && token.getType() == TokenREALLITERAL) return realValue(token.getValue().view());
-  return Value::Make<CQoriValue>(token.getValue());
+  if (before != TokenISA && token.getType() == TokenREALLITERAL) return realValue(slabs, token.text());
+  return Value::MakeIn<CQoriValue>(slabs, token.newText());
 }
 
 [[gnu::noinline]] Node parseLiteral(QORQL_Lexer& lexer) {
-  const Value literal(literalValue(lexer.getCurrent(), lexer.lookBack().getType()));
+  QORSlabs& slabs = lexer.slabs();
+  Value literal = literalValue(slabs, lexer.getCurrent(), lexer.lookBack().getType());
   lexer.next(false);
-  return Node::Make<QORQL_Factor>(nullptr, nullptr, nullptr, literal, QORQL_OperatorNONE, false);
+  return Node::MakeIn<QORQL_Factor>(slabs, nullptr, nullptr, nullptr, std::move(literal), QORQL_OperatorNONE, false);
 }
 
 // Entered on the opening parenthesis.
@@ -99,7 +108,7 @@ Node parseParentheses(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer, QORQL_
                       const QORString& queryString, const QORString& queryLanguage) {
   const QORQL_NestingGuard guard(lexer);
   lexer.next(false);
-  const Node comparison = QORQL_Comparison::parse(symbolTable, lexer, projMap, queryString, queryLanguage);
+  Node comparison = QORQL_Comparison::parse(symbolTable, lexer, projMap, queryString, queryLanguage);
   if (lexer.getCurrent().getType() != TokenCLOSEPAREN) QORQL_raise(QORQL_Messages::kFactorParenExpected, lexer);
   lexer.next(false);
   return comparison;
@@ -116,27 +125,28 @@ Node parseNegated(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer, QORQL_Proj
 
 }  // namespace
 
-QORQL_Factor::QORQL_Factor(const QORSmrPtr<QORQL_Evaluatable>& evaluatable, const QORSmrPtr<QORString>& className,
-                           const QORSmrPtr<QORString>& propertyName, const QORSmrPtr<IQoriValue>& literal,
-                           QORQL_Operator op, bool isSelectAll)
-    : _evaluatable(evaluatable),
-      _idClassName(className),
-      _idPropertyName(propertyName),
-      _literal(literal),
+QORQL_Factor::QORQL_Factor(QORSmrPtr<QORQL_Evaluatable> evaluatable, QORSmrPtr<QORString> className,
+                           QORSmrPtr<QORString> propertyName, QORSmrPtr<IQoriValue> literal, QORQL_Operator op,
+                           bool isSelectAll)
+    : QORQL_Evaluatable(kKind),
+      _evaluatable(std::move(evaluatable)),
+      _idClassName(std::move(className)),
+      _idPropertyName(std::move(propertyName)),
+      _literal(std::move(literal)),
       _operator(op),
       _isSelectAll(isSelectAll) {}
 
-QORQL_Factor::QORQL_Factor(const QORSmrPtr<QORQL_Evaluatable>& evaluatable, const QORSmrPtr<QORString>& className,
-                           const QORSmrPtr<QORString>& propertyName, const QORSmrPtr<IQoriValue>& literal,
-                           QORQL_Operator op, const QORSmrPtr<QORString>& chain,
-                           const QORSmrPtr<QORString>& propertyScope, QORsint32 arrayIndexList)
-    : _evaluatable(evaluatable),
-      _idClassName(className),
-      _idPropertyName(propertyName),
-      _literal(literal),
+QORQL_Factor::QORQL_Factor(QORSmrPtr<QORQL_Evaluatable> evaluatable, QORSmrPtr<QORString> className,
+                           QORSmrPtr<QORString> propertyName, QORSmrPtr<IQoriValue> literal, QORQL_Operator op,
+                           QORSmrPtr<QORString> chain, QORSmrPtr<QORString> propertyScope, QORsint32 arrayIndexList)
+    : QORQL_Evaluatable(kKind),
+      _evaluatable(std::move(evaluatable)),
+      _idClassName(std::move(className)),
+      _idPropertyName(std::move(propertyName)),
+      _literal(std::move(literal)),
       _operator(op),
-      _chain(chain),
-      _property_scope(propertyScope),
+      _chain(std::move(chain)),
+      _property_scope(std::move(propertyScope)),
       _array_index_list(arrayIndexList) {}
 
 QORQL_Factor::~QORQL_Factor() = default;
@@ -146,15 +156,18 @@ QORSmrPtr<QORQL_Evaluatable> QORQL_Factor::parse(QORQL_SymbolTable& symbolTable,
                                                  const QORString& queryLanguage) {
   const QORQL_TokenType type = lexer.getCurrent().getType();
   if (type == TokenOPENPAREN) {
-    return nested(parseParentheses(symbolTable, lexer, projMap, queryString, queryLanguage), QORQL_OperatorNONE);
+    return nested(lexer.slabs(), parseParentheses(symbolTable, lexer, projMap, queryString, queryLanguage),
+                  QORQL_OperatorNONE);
   }
   if (isLiteral(type, lexer.lookBack().getType())) return parseLiteral(lexer);
   if (type == TokenMINUS) {
-    return nested(parseNegated(symbolTable, lexer, projMap, queryString, queryLanguage), QORQL_OperatorMINUS);
+    return nested(lexer.slabs(), parseNegated(symbolTable, lexer, projMap, queryString, queryLanguage),
+                  QORQL_OperatorMINUS);
   }
   if (type != TokenID) QORQL_raiseAtToken(QORQL_Messages::kUnexpectedToken, lexer);
   if (lexer.lookAhead(1).getType() == TokenOPENPAREN) {
-    return nested(QORQL_Function::parse(symbolTable, lexer, projMap, queryString, queryLanguage), QORQL_OperatorNONE);
+    return nested(lexer.slabs(), QORQL_Function::parse(symbolTable, lexer, projMap, queryString, queryLanguage),
+                  QORQL_OperatorNONE);
   }
   return QORQL_parseReference(symbolTable, lexer, projMap);
 }

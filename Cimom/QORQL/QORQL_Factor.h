@@ -17,17 +17,18 @@ class QORQL_SelectedEntry;
 //   literal      class and property absent     nested  class and property absent
 class QORQL_Factor : public QORQL_Evaluatable {
  public:
+  static constexpr QORQL_NodeKind kKind = QORQL_NodeKind::Factor;
+
   // Kinds of array reference besides an element's index.
   static constexpr QORsint32 kNoArray = -1;
   static constexpr QORsint32 kWholeArray = -2;     // x[*]
   static constexpr QORsint32 kEmptyBrackets = -3;  // x[]
 
-  QORQL_Factor(const QORSmrPtr<QORQL_Evaluatable>& evaluatable, const QORSmrPtr<QORString>& className,
-               const QORSmrPtr<QORString>& propertyName, const QORSmrPtr<IQoriValue>& literal, QORQL_Operator op,
-               bool isSelectAll);
-  QORQL_Factor(const QORSmrPtr<QORQL_Evaluatable>& evaluatable, const QORSmrPtr<QORString>& className,
-               const QORSmrPtr<QORString>& propertyName, const QORSmrPtr<IQoriValue>& literal, QORQL_Operator op,
-               const QORSmrPtr<QORString>& chain, const QORSmrPtr<QORString>& propertyScope, QORsint32 arrayIndexList);
+  QORQL_Factor(QORSmrPtr<QORQL_Evaluatable> evaluatable, QORSmrPtr<QORString> className,
+               QORSmrPtr<QORString> propertyName, QORSmrPtr<IQoriValue> literal, QORQL_Operator op, bool isSelectAll);
+  QORQL_Factor(QORSmrPtr<QORQL_Evaluatable> evaluatable, QORSmrPtr<QORString> className,
+               QORSmrPtr<QORString> propertyName, QORSmrPtr<IQoriValue> literal, QORQL_Operator op,
+               QORSmrPtr<QORString> chain, QORSmrPtr<QORString> propertyScope, QORsint32 arrayIndexList);
   ~QORQL_Factor() override;
 
   static QORSmrPtr<QORQL_Evaluatable> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,

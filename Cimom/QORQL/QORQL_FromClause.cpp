@@ -1,14 +1,16 @@
 // The FROM clause: parsing.
 #include "Cimom/QORQL/QORQL_FromClause.h"
 
+#include <utility>
+
 #include "Cimom/QORQL/QORQL_Lexer.h"
 #include "Cimom/QORQL/QORQL_Messages.h"
 #include "Cimom/QORQL/QORQL_SelectList.h"
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
 
-QORQL_FromClause::QORQL_FromClause(const SpecifierList& fromSpecifierList, bool isSelectAll,
-                                   const QORString& queryString, const QORString& queryLanguage)
-    : _fromSpecifierList(fromSpecifierList),
+QORQL_FromClause::QORQL_FromClause(SpecifierList fromSpecifierList, bool isSelectAll, const QORString& queryString,
+                                   const QORString& queryLanguage)
+    : _fromSpecifierList(std::move(fromSpecifierList)),
       _isSelectAll(isSelectAll),
       _queryString(queryString),
       _queryLanguage(queryLanguage) {}
@@ -20,12 +22,13 @@ QORSmrPtr<QORQL_Executable> QORQL_FromClause::parse(QORQL_SymbolTable& symbolTab
                                                     const QORString& queryString, const QORString& queryLanguage) {
   if (lexer.getCurrent().getType() != TokenFROM) QORQL_raise(QORQL_Messages::kFromExpected, lexer);
   const bool isSelectAll = selectList->isSelectAll();
-  const SpecifierList specifiers(new QORValSlist<QORSmrPtr<QORQL_FromSpecifier>>);
+  SpecifierList specifiers = SpecifierList::MakeIn(lexer.slabs());
   do {
     lexer.next(false);
     specifiers->append(QORQL_FromSpecifier::parse(symbolTable, lexer, isSelectAll));
   } while (lexer.getCurrent().getType() == TokenCOMMA);
   if (specifiers->isEmpty()) QORQL_raise(QORQL_Messages::kFromEmpty, lexer);
   symbolTable.setSymbolTableUpdatedFlag(true);
-  return new QORQL_FromClause(specifiers, isSelectAll, queryString, queryLanguage);
+  return QORSmrPtr<QORQL_Executable>::MakeIn<QORQL_FromClause>(lexer.slabs(), std::move(specifiers), isSelectAll,
+                                                               queryString, queryLanguage);
 }

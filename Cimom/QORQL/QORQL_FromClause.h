@@ -12,7 +12,7 @@ class QORQL_FromClause : public QORQL_Executable {
  public:
   using SpecifierList = QORSmrPtr<QORValSlist<QORSmrPtr<QORQL_FromSpecifier>>>;
 
-  QORQL_FromClause(const SpecifierList& fromSpecifierList, bool isSelectAll, const QORString& queryString,
+  QORQL_FromClause(SpecifierList fromSpecifierList, bool isSelectAll, const QORString& queryString,
                    const QORString& queryLanguage);
   ~QORQL_FromClause() override;
 

@@ -10,20 +10,22 @@ namespace {
 QORString parseAlias(QORQL_Lexer& lexer) {
   if (lexer.getCurrent().getType() != TokenAS) return QORString::emptyString();
   if (lexer.next(false).getType() != TokenID) QORQL_raise(QORQL_Messages::kFromAliasExpected, lexer);
-  const QORString alias = QORString::toUpperCase(lexer.getCurrent().getValue());
+  QORString alias = lexer.getCurrent().newText();
+  alias.toUpper();
   lexer.next(false);
   return alias;
 }
 
 // An alias that is the class's own name needs no symbol of its own.
-void enterSymbols(QORQL_SymbolTable& symbolTable, const QORString& className, const QORString& alias,
+void enterSymbols(QORQL_SymbolTable& symbolTable, QORSlabs& slabs, const QORString& className, const QORString& alias,
                   bool isSelectAll) {
-  auto classInfo = QORSmrPtr<QORQL_ClassInfo>::Make(className, nullptr, isSelectAll);
-  const auto symbol = QORSmrPtr<QORQL_Symbol>::Make(QORQL_SYMBOLTYPE_TABLE_NAME, className, alias, classInfo, nullptr);
+  QORSmrPtr<QORQL_ClassInfo> classInfo = QORQL_newClassInfo(slabs, className, isSelectAll);
+  const auto symbol =
+      QORSmrPtr<QORQL_Symbol>::MakeIn(slabs, QORQL_SYMBOLTYPE_TABLE_NAME, className, alias, classInfo, nullptr);
   symbolTable.insert(className, symbol);
   if (alias.isEmpty() || alias == className) return;
-  symbolTable.insert(alias, QORSmrPtr<QORQL_Symbol>::Make<QORQL_DelegatorSymbol>(
-                                QORQL_SYMBOLTYPE_TABLE_NAME, alias, className, classInfo, symbol, nullptr));
+  symbolTable.insert(alias, QORSmrPtr<QORQL_Symbol>::MakeIn<QORQL_DelegatorSymbol>(
+                                slabs, QORQL_SYMBOLTYPE_TABLE_NAME, alias, className, classInfo, symbol, nullptr));
 }
 
 }  // namespace
@@ -39,9 +41,10 @@ QORSmrPtr<QORQL_FromSpecifier> QORQL_FromSpecifier::parse(QORQL_SymbolTable& sym
   const QORQL_TokenType type = lexer.getCurrent().getType();
   if (type == TokenOPENPAREN) QORQL_raise(QORQL_Messages::kNestedQuery, lexer);
   if (type != TokenID) QORQL_raiseAtToken(QORQL_Messages::kClassNameExpected, lexer);
-  const QORString className = QORString::toUpperCase(lexer.getCurrent().getValue());
+  QORString className = lexer.getCurrent().newText();
+  className.toUpper();
   lexer.next(false);
   const QORString alias = parseAlias(lexer);
-  enterSymbols(symbolTable, className, alias, isSelectAll);
-  return QORSmrPtr<QORQL_FromSpecifier>::Make(className, nullptr, alias);
+  enterSymbols(symbolTable, lexer.slabs(), className, alias, isSelectAll);
+  return QORSmrPtr<QORQL_FromSpecifier>::MakeIn(lexer.slabs(), className, nullptr, alias);
 }

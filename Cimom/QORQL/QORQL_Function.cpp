@@ -50,13 +50,13 @@ void rewriteObjectPath(const Parameters& parameters, const QORQL_Lexer& lexer) {
   if (parameters->entries() != 1) QORQL_raise(QORQL_Messages::kArgumentCount, lexer, name);
   if (functionID == QORQL_FUNCTIONID_OBJECTPATH) rewriteObjectPath(parameters, lexer);
   lexer.next(false);
-  return new QORQL_Function(parameters, functionID);
+  return QORSmrPtr<QORQL_Evaluatable>::MakeIn<QORQL_Function>(lexer.slabs(), parameters, functionID);
 }
 
 }  // namespace
 
 QORQL_Function::QORQL_Function(const ParameterList& parameters, QORQL_FunctionID functionID)
-    : _parameters(parameters), _fid(functionID) {}
+    : QORQL_Evaluatable(kKind), _parameters(parameters), _fid(functionID) {}
 
 QORQL_Function::~QORQL_Function() = default;
 
@@ -64,7 +64,7 @@ QORSmrPtr<QORQL_Evaluatable> QORQL_Function::parse(QORQL_SymbolTable& symbolTabl
                                                    QORQL_ProjectionMap& projMap, const QORString& queryString,
                                                    const QORString& queryLanguage) {
   const QORQL_NestingGuard guard(lexer);
-  const ParameterList parameters(new QORValSlist<QORSmrPtr<QORQL_Evaluatable>>);
+  const ParameterList parameters = ParameterList::MakeIn(lexer.slabs());
   const QORString name = lexer.getCurrent().getValue();
   lexer.next(false);
   do {

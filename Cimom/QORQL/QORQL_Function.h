@@ -11,6 +11,8 @@ class QORQL_Lexer;
 // OBJECTPATH and INSTANCEOF are computed per row; aggregates by the select list.
 class QORQL_Function : public QORQL_Evaluatable {
  public:
+  static constexpr QORQL_NodeKind kKind = QORQL_NodeKind::Function;
+
   using ParameterList = QORSmrPtr<QORValSlist<QORSmrPtr<QORQL_Evaluatable>>>;
 
   QORQL_Function(const ParameterList& parameters, QORQL_FunctionID functionID);

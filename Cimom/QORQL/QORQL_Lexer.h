@@ -2,14 +2,9 @@
 #ifndef QORQL_LEXER_H
 #define QORQL_LEXER_H
 
-#include <memory>
-#include <sstream>
-#include <string_view>
-
+#include "Cimom/QORQL/QORQL_Scanner.h"
 #include "Cimom/QORQL/QORQL_Token.h"
 #include "cmpbase.h"
-
-class FlexLexer;
 
 // Made for one query text, read to its end by one parse. Belongs to one thread.
 class QORQL_Lexer {
@@ -36,31 +31,43 @@ class QORQL_Lexer {
   // THROWS QORQL_ParseException code 2 "Unexpected token '<text>' found" on another type; does not advance.
   void matchToken(int type);
 
-  QORuint32 getCurrentLineNr() const;
+  QORuint32 getCurrentLineNr() const noexcept { return _scanner.line(); }
   const QORString& getFileName() const noexcept { return _fileName; }
   const QORString& getPathName() const noexcept { return _pathname; }
   // BORROWS: the caller's characters.
   const char* getBuffer() const noexcept { return _buffer; }
+  // Where the nodes of the statement are made, which may outlive this.
+  QORSlabs& slabs() noexcept { return _slabs; }
+  // Whether names without a class go into the projection map: a condition's are bound later, by the class that has
+  // them.
+  bool recordsBareNames() const noexcept { return _recordsBareNames; }
+  // Whether an association condition has been read: most statements have none, and need no plan for it.
+  void noteAssociation() noexcept { _hasAssociation = true; }
+  bool hasAssociation() const noexcept { return _hasAssociation; }
 
  private:
   friend class QORQL_NestingGuard;
+  friend class QORQL_ConditionScope;
 
   QORQL_Token _getNext();
   QORQL_Token& _nextRevisitedToken();
 
+  QORString _text;  // shared with the caller's, which may change
+  QORQL_Scanner _scanner;
+  QORSlabs _slabs;
   QORQL_Token _currentToken;
   QORQL_Token _previousToken;
   const char* _buffer;
+  // What was read ahead: the first token by itself, since mostly it is the only one, then the others.
+  bool _hasFollowing = false;
+  QORQL_Token _followingToken;
   QORValSlist<QORQL_Token> _nextTokens;
   QORValSlist<QORQL_Token> _revisitTokens;
-  int _currentTokenIndex = 0;
-  std::unique_ptr<std::istringstream> _istream;
-  std::string_view _text;    // what the stream holds
-  std::size_t _scanned = 0;  // the end of the token that was scanned last
-  std::unique_ptr<FlexLexer> _flexLexer;
   QORString _fileName;
   QORString _pathname;
   QORuint32 _nesting = 0;
+  bool _recordsBareNames = true;
+  bool _hasAssociation = false;
 };
 
 #endif

@@ -11,7 +11,7 @@ namespace {
 
 QORSmrPtr<QORQL_Evaluatable> parseKey(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer, const QORString& queryString,
                                       const QORString& queryLanguage) {
-  QORQL_ConditionScope scope(symbolTable);
+  QORQL_ConditionScope scope(symbolTable, lexer);
   const QORSmrPtr<QORQL_Evaluatable> key =
       QORQL_Arithmetic::parse(symbolTable, lexer, scope.projectionMap(), queryString, queryLanguage);
   scope.requestProperties();
@@ -44,5 +44,5 @@ QORSmrPtr<QORQL_Executable> QORQL_OrderByClause::parse(QORQL_SymbolTable& symbol
   const QORSmrPtr<QORQL_Evaluatable> key = parseKey(symbolTable, lexer, queryString, queryLanguage);
   const QORboolean isAscending = parseIsAscending(lexer);
   selectList->setOrderByKey(key);
-  return new QORQL_OrderByClause(key, isAscending);
+  return QORSmrPtr<QORQL_Executable>::MakeIn<QORQL_OrderByClause>(lexer.slabs(), key, isAscending);
 }

@@ -19,8 +19,15 @@ QORQL_UpdatedFlagScope::QORQL_UpdatedFlagScope(QORQL_SymbolTable& symbolTable, Q
 
 QORQL_UpdatedFlagScope::~QORQL_UpdatedFlagScope() { _symbolTable.setSymbolTableUpdatedFlag(_before); }
 
-QORQL_ConditionScope::QORQL_ConditionScope(QORQL_SymbolTable& symbolTable)
-    : _symbolTable(symbolTable), _flag(symbolTable, false), _projectionMap(QORQL_newProjectionMap()) {}
+QORQL_ConditionScope::QORQL_ConditionScope(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer)
+    : _symbolTable(symbolTable),
+      _lexer(lexer),
+      _flag(symbolTable, false),
+      _projectionMap(QORQL_newProjectionMap(lexer.slabs())) {
+  lexer._recordsBareNames = false;
+}
+
+QORQL_ConditionScope::~QORQL_ConditionScope() { _lexer._recordsBareNames = true; }
 
 namespace {
 
@@ -40,9 +47,9 @@ void request(QORQL_ClassInfo& known, const QORQL_ClassInfo& named) {
 void QORQL_ConditionScope::requestProperties() {
   QORValMapIterator<QORString, QORSmrPtr<QORQL_ClassInfo>> records(*_projectionMap);
   while (++records) {
-    const QORSmrPtr<QORQL_Symbol> symbol = _symbolTable.lookupIgnoringCase(records.key());
-    if (symbol.IsNull()) continue;
+    const QORQL_Symbol* const symbol = _symbolTable.findIgnoringCase(records.peekKey());
+    if (symbol == nullptr) continue;
     const QORSmrPtr<QORQL_ClassInfo> known = symbol->getClassInfo();
-    if (!known.IsNull()) request(*known, *records.value());
+    if (!known.IsNull()) request(*known, *records.peekValue());
   }
 }

@@ -44,7 +44,10 @@ class QORQL_UpdatedFlagScope {
 // references are allowed.
 class QORQL_ConditionScope {
  public:
-  explicit QORQL_ConditionScope(QORQL_SymbolTable& symbolTable);
+  QORQL_ConditionScope(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer);
+  QORQL_ConditionScope(const QORQL_ConditionScope&) = delete;
+  QORQL_ConditionScope& operator=(const QORQL_ConditionScope&) = delete;
+  ~QORQL_ConditionScope();
 
   QORQL_ProjectionMap& projectionMap() noexcept { return _projectionMap; }
   // Adds what the condition names of each known class to what the statement
@@ -53,6 +56,7 @@ class QORQL_ConditionScope {
 
  private:
   QORQL_SymbolTable& _symbolTable;
+  QORQL_Lexer& _lexer;
   QORQL_UpdatedFlagScope _flag;
   QORQL_ProjectionMap _projectionMap;
 };

@@ -2,6 +2,8 @@
 // that a fault of the text is reported as such; then the names are resolved.
 #include "Cimom/QORQL/QORQL_Query.h"
 
+#include <utility>
+
 #include "Cimom/QORQL/QORQL_AssociationPlan.h"
 #include "Cimom/QORQL/QORQL_FromClause.h"
 #include "Cimom/QORQL/QORQL_Lexer.h"
@@ -11,16 +13,16 @@
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
 #include "Cimom/QORQL/QORQL_WhereClause.h"
 
-QORQL_Query::QORQL_Query(const QORSmrPtr<QORQL_Executable>& select, const QORSmrPtr<QORQL_Executable>& from,
-                         const QORSmrPtr<QORQL_Executable>& where, const QORSmrPtr<QORQL_FormatClause>& format,
-                         QORboolean isNestedQuery, const QORSmrPtr<QORQL_Executable>& orderBy,
-                         const QORString& queryString, const QORString& queryLanguage)
-    : _selectList(select),
-      _fromClause(from),
-      _whereClause(where),
-      _formatClause(format),
+QORQL_Query::QORQL_Query(QORSmrPtr<QORQL_Executable> select, QORSmrPtr<QORQL_Executable> from,
+                         QORSmrPtr<QORQL_Executable> where, QORSmrPtr<QORQL_FormatClause> format,
+                         QORboolean isNestedQuery, QORSmrPtr<QORQL_Executable> orderBy, const QORString& queryString,
+                         const QORString& queryLanguage)
+    : _selectList(std::move(select)),
+      _fromClause(std::move(from)),
+      _whereClause(std::move(where)),
+      _formatClause(std::move(format)),
       _isNestedQuery(isNestedQuery),
-      _orderbyClause(orderBy),
+      _orderbyClause(std::move(orderBy)),
       _queryString(queryString),
       _queryLanguage(queryLanguage) {}
 
@@ -29,24 +31,25 @@ QORQL_Query::~QORQL_Query() = default;
 QORSmrPtr<QORQL_Executable> QORQL_Query::parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                                QORboolean isNestedQuery, const QORString& queryString,
                                                const QORString& queryLanguage, const QORString& nameSpace) {
-  QORQL_ProjectionMap projectionMap = QORQL_newProjectionMap();
-  const QORSmrPtr<QORQL_Query> query =
+  QORQL_ProjectionMap projectionMap = QORQL_newProjectionMap(lexer.slabs());
+  QORSmrPtr<QORQL_Executable> result =
       _parseClauses(symbolTable, lexer, isNestedQuery, projectionMap, queryString, queryLanguage);
+  QORQL_Query& query = static_cast<QORQL_Query&>(*result);
   if (!isNestedQuery && lexer.getCurrent().getType() != TokenEOF) {
     QORQL_raiseAtToken(QORQL_Messages::kUnexpectedToken, lexer);
   }
-  query->_resolve(symbolTable, projectionMap, nameSpace);
-  QORQL_AssociationPlan::apply(*query, symbolTable);
-  return query;
+  query._resolve(symbolTable, projectionMap, nameSpace, lexer.slabs());
+  if (lexer.hasAssociation()) QORQL_AssociationPlan::apply(query, symbolTable);
+  return result;
 }
 
-QORSmrPtr<QORQL_Query> QORQL_Query::_parseClauses(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
-                                                  QORboolean isNestedQuery, QORQL_ProjectionMap& projectionMap,
-                                                  const QORString& queryString, const QORString& queryLanguage) {
-  const QORSmrPtr<QORQL_Executable> select =
+QORSmrPtr<QORQL_Executable> QORQL_Query::_parseClauses(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
+                                                       QORboolean isNestedQuery, QORQL_ProjectionMap& projectionMap,
+                                                       const QORString& queryString, const QORString& queryLanguage) {
+  QORSmrPtr<QORQL_Executable> select =
       QORQL_SelectList::parse(symbolTable, lexer, projectionMap, queryString, queryLanguage);
   QORSmrPtr<QORQL_SelectList> selectList = select.StaticCast<QORQL_SelectList>();
-  const QORSmrPtr<QORQL_Executable> from =
+  QORSmrPtr<QORQL_Executable> from =
       QORQL_FromClause::parse(symbolTable, lexer, selectList, queryString, queryLanguage);
   QORSmrPtr<QORQL_Executable> where;
   if (lexer.getCurrent().getType() == TokenWHERE) {
@@ -59,5 +62,7 @@ QORSmrPtr<QORQL_Query> QORQL_Query::_parseClauses(QORQL_SymbolTable& symbolTable
   }
   QORSmrPtr<QORQL_FormatClause> format;
   if (lexer.getCurrent().getType() == TokenFORMAT) format = QORQL_FormatClause::parse(symbolTable, lexer);
-  return new QORQL_Query(select, from, where, format, isNestedQuery, orderBy, queryString, queryLanguage);
+  return QORSmrPtr<QORQL_Executable>::MakeIn<QORQL_Query>(lexer.slabs(), std::move(select), std::move(from),
+                                                          std::move(where), std::move(format), isNestedQuery,
+                                                          std::move(orderBy), queryString, queryLanguage);
 }

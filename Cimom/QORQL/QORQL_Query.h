@@ -2,8 +2,6 @@
 #ifndef QORQL_QUERY_H
 #define QORQL_QUERY_H
 
-#include <set>
-
 #include "Cimom/QORQL/QORQL_ClassInfo.h"
 #include "Cimom/QORQL/QORQL_Evaluatable.h"
 #include "Cimom/QORQL/QORQL_Executable.h"
@@ -30,10 +28,9 @@ class QORQL_WhereClause;
 // the select list: executions of one query object follow one another.
 class QORQL_Query : public QORQL_Executable {
  public:
-  QORQL_Query(const QORSmrPtr<QORQL_Executable>& select, const QORSmrPtr<QORQL_Executable>& from,
-              const QORSmrPtr<QORQL_Executable>& where, const QORSmrPtr<QORQL_FormatClause>& format,
-              QORboolean isNestedQuery, const QORSmrPtr<QORQL_Executable>& orderBy, const QORString& queryString,
-              const QORString& queryLanguage);
+  QORQL_Query(QORSmrPtr<QORQL_Executable> select, QORSmrPtr<QORQL_Executable> from, QORSmrPtr<QORQL_Executable> where,
+              QORSmrPtr<QORQL_FormatClause> format, QORboolean isNestedQuery, QORSmrPtr<QORQL_Executable> orderBy,
+              const QORString& queryString, const QORString& queryLanguage);
   ~QORQL_Query() override;
 
   // Parses and resolves one statement. Fills `symbolTable`, which execute needs
@@ -65,37 +62,38 @@ class QORQL_Query : public QORQL_Executable {
  private:
   friend class QORQL_AssociationPlan;
 
+  struct FromClass;
   struct NameCache;
   struct UpdateContext {
     const QORString& nameSpace;
-    const std::set<QORString>& classes;
-    const std::set<QORString>& aliases;
     QORQL_SymbolTable& symbolTable;
-    QORSmrPtr<QORQL_SelectList> selectList;  // where sort keys look for column aliases; null elsewhere
+    const QORQL_SelectList* selectList;  // where sort keys look for column aliases; null elsewhere
     NameCache& cache;
+    QORSlabs& slabs;
     bool needsWholeObjects = false;  // a whole object that is named is needed with all its properties
   };
 
-  static QORSmrPtr<QORQL_Query> _parseClauses(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
-                                              QORboolean isNestedQuery, QORQL_ProjectionMap& projectionMap,
-                                              const QORString& queryString, const QORString& queryLanguage);
-  void _resolve(QORQL_SymbolTable& symbolTable, QORQL_ProjectionMap& projectionMap, const QORString& nameSpace);
-  static void _getClassesAndAliases(QORQL_SymbolTable& symbolTable, std::set<QORString>& classes,
-                                    std::set<QORString>& aliases);
+  static QORSmrPtr<QORQL_Executable> _parseClauses(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
+                                                   QORboolean isNestedQuery, QORQL_ProjectionMap& projectionMap,
+                                                   const QORString& queryString, const QORString& queryLanguage);
+  void _resolve(QORQL_SymbolTable& symbolTable, QORQL_ProjectionMap& projectionMap, const QORString& nameSpace,
+                QORSlabs& slabs);
   static void _findSelectClasses(QORQL_SelectList& selectList, QORQL_ProjectionMap& projectionMap,
                                  UpdateContext& context);
-  static void _verifySymbolsAndUpdateSymbolTable(QORQL_SymbolTable& symbolTable, QORQL_ProjectionMap& projectionMap);
+  static void _verifySymbolsAndUpdateSymbolTable(QORQL_ProjectionMap& projectionMap, UpdateContext& context);
   static void _findWhereClasses(QORQL_WhereClause& whereClause, UpdateContext& context);
   static void _findOrderByClasses(QORQL_OrderByClause& orderByClause, UpdateContext& context);
-  static QORString _findClass(const QORString& propertyName, UpdateContext& context);
+  // The one FROM class that has the property.
+  static FromClass& _findClass(const QORString& propertyName, UpdateContext& context);
   // How many of the FROM classes have the property (no further than two), and the first of them.
-  static QORuint32 _countClasses(const QORString& propertyName, UpdateContext& context, QORString& first);
+  static QORuint32 _countClasses(const QORString& propertyName, UpdateContext& context, FromClass*& first);
   static bool _isFromName(const QORString& name, const UpdateContext& context);
   static void _bindBareNames(QORQL_ProjectionMap& projectionMap, UpdateContext& context);
   static void _requestEmbeddedRoots(QORQL_ProjectionMap& projectionMap, UpdateContext& context);
+  static bool _namesOneProperty(const QORQL_Comparison& expression, const QORSmrPtr<QORQL_Evaluatable>& node);
   static void _resolveEntry(QORQL_SelectedEntry& entry, UpdateContext& context);
   static bool _resolveToEntryOrObject(QORQL_Factor& factor, UpdateContext& context);
-  static bool _tryFindClass(const QORString& propertyName, UpdateContext& context, QORString& found);
+  static FromClass* _tryFindClass(const QORString& propertyName, UpdateContext& context);
   static void _updateExpression(QORQL_Factor& factor, UpdateContext& context);
   static void _updateExpression(const QORQL_Term& term, UpdateContext& context);
   static void _updateExpression(const QORQL_Arithmetic& arithmetic, UpdateContext& context);

@@ -4,6 +4,7 @@
 // A factor's class name is shared with the class-name list of its select entry,
 // so the walk over the factors writes through that string and entry, list and
 // factor agree. Names keep their spelling; classes found are in upper case.
+#include <algorithm>
 #include <map>
 #include <typeinfo>
 #include <utility>
@@ -27,40 +28,76 @@
 #include "Cimom/QORQL/QORQL_WhereClause.h"
 #include "cimom/QoriProviderPluginManager.h"
 
+// A class of FROM that the repository knows.
+struct QORQL_Query::FromClass {
+  QORString name;
+  QORQL_Symbol* symbol;  // BORROWS
+  QORSmrPtr<IQoriClass> description;
+  QORQL_ClassInfo* needed = nullptr;  // BORROWS: the symbol's record, when it has been asked for
+};
+
 // What one resolution has looked up: a condition may use a name many thousand times.
 struct QORQL_Query::NameCache {
   bool hasClasses = false;
-  std::vector<std::pair<QORString, QORSmrPtr<IQoriClass>>> classes;  // of FROM, those that the repository knows
-  std::map<QORString, QORString> classOfProperty;                    // by the property in upper case
+  std::vector<FromClass> classes;  // in ascending order of their names
+  // Statements use few names, which are found sooner one by one; those beyond kFew stand in upper case.
+  static constexpr std::size_t kFew = 16;
+  std::vector<std::pair<QORString, FromClass*>> classOfFew;
+  std::map<QORString, FromClass*> classOfMore;
   std::map<QORString, QORSmrPtr<QORQL_SelectedEntry>> entryOfAlias;
 
-  void loadClasses(const QORString& nameSpace, const std::set<QORString>& names) {
+  void loadClasses(const UpdateContext& context) {
     if (std::exchange(hasClasses, true)) return;
     const QORSmrPtr<IQoriRepository> repository =
         QoriProviderPluginManager::getQoriProviderPluginManager()->getRepository();
     if (repository.IsNull()) return;
-    for (const QORString& name : names) {
-      const QORSmrPtr<IQoriClass> found = repository->getClass(nameSpace, name);
-      if (!found.IsNull()) classes.emplace_back(name, found);
+    listClasses(context.symbolTable);
+    for (FromClass& known : classes) known.description = repository->getClass(context.nameSpace, known.name);
+    std::erase_if(classes, [](const FromClass& known) { return known.description.IsNull(); });
+  }
+
+  FromClass* classOf(const QORString& property) const {
+    for (const auto& [name, known] : classOfFew) {
+      if (name.isEqualCaseInsensitive(property)) return known;
     }
+    if (classOfMore.empty()) return nullptr;
+    const auto found = classOfMore.find(QORString::toUpperCase(property));
+    return found == classOfMore.end() ? nullptr : found->second;
+  }
+
+  void keepClassOf(const QORString& property, FromClass& known) {
+    if (classOfFew.empty()) classOfFew.reserve(kFew);
+    if (classOfFew.size() < kFew) {
+      classOfFew.emplace_back(property, &known);
+    } else {
+      classOfMore.emplace(QORString::toUpperCase(property), &known);
+    }
+  }
+
+ private:
+  void listClasses(const QORQL_SymbolTable& symbolTable) {
+    classes.reserve(symbolTable.getSymbolHashMap().entries());
+    QORValMapIterator<QORString, QORSmrPtr<QORQL_Symbol>> symbols(symbolTable.getSymbolHashMap());
+    while (++symbols) {
+      QORQL_Symbol& symbol = *symbols.peekValue();
+      if (symbol.getType() != QORQL_SYMBOLTYPE_TABLE_NAME || symbol.isAlias()) continue;
+      classes.push_back({symbols.peekKey(), &symbol, nullptr, nullptr});
+    }
+    std::sort(classes.begin(), classes.end(), [](const FromClass& a, const FromClass& b) { return a.name < b.name; });
   }
 };
 
 namespace {
 
-// The record of what is needed of a FROM name's class; null for a name that is unknown.
-QORSmrPtr<QORQL_ClassInfo> neededOf(const QORSmrPtr<QORQL_Symbol>& symbol) {
-  if (symbol.IsNull()) return nullptr;
-  if (symbol->getClassInfo().IsNull()) {
-    auto fresh = QORSmrPtr<QORQL_ClassInfo>::Make(symbol->getClassName(), nullptr, false);
-    symbol->setClassInfo(fresh);
+// BORROWS: the record of what is needed of a FROM name's class.
+QORQL_ClassInfo& neededOf(QORQL_Symbol& symbol, QORSlabs& slabs) {
+  QORSmrPtr<QORQL_ClassInfo> needed = symbol.getClassInfo();
+  if (needed.IsNull()) {
+    needed = QORQL_newClassInfo(slabs, symbol.getClassName(), false);
+    symbol.setClassInfo(needed);
+    needed = symbol.getClassInfo();
   }
-  return symbol->getClassInfo();
-}
-
-void needAll(QORQL_SymbolTable& symbolTable, const QORString& name) {
-  const QORSmrPtr<QORQL_ClassInfo> needed = neededOf(symbolTable.lookupIgnoringCase(name));
-  if (!needed.IsNull()) needed->setNeedAllProperties(true);
+  return *needed;
 }
 
 // Comparing two objects takes all their properties; telling null or a class does not.
@@ -69,123 +106,110 @@ bool comparesValues(QORQL_Operator op) { return op >= QORQL_OperatorEQUAL && op 
 }  // namespace
 
 void QORQL_Query::_resolve(QORQL_SymbolTable& symbolTable, QORQL_ProjectionMap& projectionMap,
-                           const QORString& nameSpace) {
-  std::set<QORString> classes;
-  std::set<QORString> aliases;
-  _getClassesAndAliases(symbolTable, classes, aliases);
+                           const QORString& nameSpace, QORSlabs& slabs) {
   NameCache cache;
-  UpdateContext context{nameSpace, classes, aliases, symbolTable, nullptr, cache};
-  QORQL_SelectList& selectList = dynamic_cast<QORQL_SelectList&>(*_selectList);
+  UpdateContext context{nameSpace, symbolTable, nullptr, cache, slabs};
+  QORQL_SelectList& selectList = static_cast<QORQL_SelectList&>(*_selectList);  // as parse() made it, and what follows
   _findSelectClasses(selectList, projectionMap, context);
-  _verifySymbolsAndUpdateSymbolTable(symbolTable, projectionMap);
-  if (!_whereClause.IsNull()) _findWhereClasses(dynamic_cast<QORQL_WhereClause&>(*_whereClause), context);
+  _verifySymbolsAndUpdateSymbolTable(projectionMap, context);
+  if (!_whereClause.IsNull()) _findWhereClasses(static_cast<QORQL_WhereClause&>(*_whereClause), context);
   if (!_orderbyClause.IsNull()) {
-    context.selectList = _selectList.StaticCast<QORQL_SelectList>();
-    _findOrderByClasses(dynamic_cast<QORQL_OrderByClause&>(*_orderbyClause), context);
-  }
-}
-
-void QORQL_Query::_getClassesAndAliases(QORQL_SymbolTable& symbolTable, std::set<QORString>& classes,
-                                        std::set<QORString>& aliases) {
-  QORValMapIterator<QORString, QORSmrPtr<QORQL_Symbol>> symbols(symbolTable.getSymbolHashMap());
-  while (++symbols) {
-    const QORSmrPtr<QORQL_Symbol> symbol = symbols.value();
-    if (symbol->getType() != QORQL_SYMBOLTYPE_TABLE_NAME) continue;
-    (symbol->isAlias() ? aliases : classes).insert(symbols.key());
+    context.selectList = &selectList;
+    _findOrderByClasses(static_cast<QORQL_OrderByClause&>(*_orderbyClause), context);
   }
 }
 
 bool QORQL_Query::_isFromName(const QORString& name, const UpdateContext& context) {
-  const QORString folded = QORString::toUpperCase(name);
-  return context.classes.count(folded) != 0 || context.aliases.count(folded) != 0;
+  const QORQL_Symbol* const symbol = context.symbolTable.findHere(name);
+  return symbol != nullptr && symbol->getType() == QORQL_SYMBOLTYPE_TABLE_NAME;
 }
 
 // --- which class has a property ------------------------------------------------
 
-QORuint32 QORQL_Query::_countClasses(const QORString& propertyName, UpdateContext& context, QORString& first) {
-  context.cache.loadClasses(context.nameSpace, context.classes);
+QORuint32 QORQL_Query::_countClasses(const QORString& propertyName, UpdateContext& context, FromClass*& first) {
+  context.cache.loadClasses(context);
   QORuint32 count = 0;
-  for (const auto& [name, description] : context.cache.classes) {
-    if (description->getProperty(propertyName, true) == nullptr) continue;
+  for (FromClass& known : context.cache.classes) {
+    if (known.description->getProperty(propertyName, true) == nullptr) continue;
     if (++count == 2) break;
-    first = name;
+    first = &known;
   }
   return count;
 }
 
-QORString QORQL_Query::_findClass(const QORString& propertyName, UpdateContext& context) {
-  const QORString folded = QORString::toUpperCase(propertyName);
-  const auto known = context.cache.classOfProperty.find(folded);
-  if (known != context.cache.classOfProperty.end()) return known->second;
-  QORString found;
+QORQL_Query::FromClass& QORQL_Query::_findClass(const QORString& propertyName, UpdateContext& context) {
+  FromClass* found = context.cache.classOf(propertyName);
+  if (found != nullptr) return *found;
   const QORuint32 count = _countClasses(propertyName, context, found);
   if (count > 1) QORQL_raise(QORQL_Messages::kPropertyAmbiguous, propertyName);
   if (count == 0) QORQL_raise(QORQL_Messages::kPropertyUnknown, propertyName);
-  context.cache.classOfProperty.emplace(folded, found);
-  return found;
+  context.cache.keepClassOf(propertyName, *found);
+  return *found;
 }
 
 // A sort key that cannot be bound is no error here: it fails when the rows are sorted.
-bool QORQL_Query::_tryFindClass(const QORString& propertyName, UpdateContext& context, QORString& found) {
-  if (!context.selectList.IsNull()) return _countClasses(propertyName, context, found) == 1;
-  found = _findClass(propertyName, context);
-  return true;
+QORQL_Query::FromClass* QORQL_Query::_tryFindClass(const QORString& propertyName, UpdateContext& context) {
+  if (context.selectList == nullptr) return &_findClass(propertyName, context);
+  FromClass* found = nullptr;
+  return _countClasses(propertyName, context, found) == 1 ? found : nullptr;
 }
 
 // --- factors --------------------------------------------------------------------
 
 // A bare name may be a select alias (in a sort key) or stand for a whole object.
 bool QORQL_Query::_resolveToEntryOrObject(QORQL_Factor& factor, UpdateContext& context) {
-  const QORString name = *factor.getPropertyName();
-  if (!context.selectList.IsNull() && factor.isBareIdentifier()) {
-    const auto entry = context.cache.entryOfAlias.find(QORString::toUpperCase(name));
+  if (context.selectList != nullptr && factor.isBareIdentifier()) {
+    const auto entry = context.cache.entryOfAlias.find(QORString::toUpperCase(*factor.getPropertyName()));
     if (entry != context.cache.entryOfAlias.end()) {
       factor.setSelectedEntry(entry->second);
       return true;
     }
   }
-  if (!_isFromName(name, context)) return false;
+  if (!_isFromName(*factor.getPropertyName(), context)) return false;
+  const QORString name = *factor.getPropertyName();
   *factor.getClassName() = name;
   factor.setPropertyName(nullptr);
   factor.setKnownFromName(true);
-  if (context.needsWholeObjects) needAll(context.symbolTable, name);
+  if (context.needsWholeObjects) {
+    neededOf(*context.symbolTable.findIgnoringCase(name), context.slabs).setNeedAllProperties(true);
+  }
   return true;
 }
 
 void QORQL_Query::_updateExpression(QORQL_Factor& factor, UpdateContext& context) {
-  QORQL_Evaluatable* const nested = factor.getEvaluatable().Get();
-  if (nested != nullptr) {
-    if (auto* function = dynamic_cast<QORQL_Function*>(nested)) return _updateExpression(*function, context);
-    if (auto* inner = dynamic_cast<QORQL_Factor*>(nested)) return _updateExpression(*inner, context);
-    if (auto* comparison = dynamic_cast<QORQL_Comparison*>(nested)) return _updateExpression(*comparison, context);
+  const QORSmrPtr<QORQL_Evaluatable>& nested = factor.getEvaluatable();
+  if (!nested.IsNull()) {
+    if (auto* function = QORQL_nodeAs<QORQL_Function>(nested)) return _updateExpression(*function, context);
+    if (auto* inner = QORQL_nodeAs<QORQL_Factor>(nested)) return _updateExpression(*inner, context);
+    if (auto* comparison = QORQL_nodeAs<QORQL_Comparison>(nested)) return _updateExpression(*comparison, context);
     return;
   }
   if (factor.getPropertyName().IsNull()) return;
-  const QORString property = *factor.getPropertyName();
   const bool hasEmptyChain = !factor.getChain().IsNull() && factor.getChain()->isEmpty();
   const bool hasEmptyClass = !factor.getClassName().IsNull() && factor.getClassName()->isEmpty();
   if (!hasEmptyChain && !hasEmptyClass) return;
   if (!hasEmptyChain && _resolveToEntryOrObject(factor, context)) return;
-  QORString found;
-  if (!_tryFindClass(property, context, found)) return;
-  if (hasEmptyChain) *factor.getChain() = found;
-  if (hasEmptyClass) *factor.getClassName() = found;
+  const QORString& property = *factor.getPropertyName();
+  FromClass* const found = _tryFindClass(property, context);
+  if (found == nullptr) return;
+  if (hasEmptyChain) *factor.getChain() = found->name;
+  if (hasEmptyClass) *factor.getClassName() = found->name;
   if (!context.symbolTable.isSymbolTableUpdated()) return;
-  const QORSmrPtr<QORQL_ClassInfo> needed = neededOf(context.symbolTable.lookup(found));
-  if (!needed.IsNull()) needed->addPropertyOnce(property);
+  if (found->needed == nullptr) found->needed = &neededOf(*found->symbol, context.slabs);
+  found->needed->addPropertyOnce(property);
 }
 
 // --- the levels above: chains are walked with a loop ------------------------------
 
 void QORQL_Query::_updateExpression(const QORQL_Term& term, UpdateContext& context) {
-  for (const QORQL_Term* node = &term; node != nullptr; node = dynamic_cast<QORQL_Term*>(node->getTerm().Get())) {
+  for (const QORQL_Term* node = &term; node != nullptr; node = QORQL_nodeAs<QORQL_Term>(node->getTerm())) {
     if (QORQL_Factor* const factor = node->getFactorCasted()) _updateExpression(*factor, context);
   }
 }
 
 void QORQL_Query::_updateExpression(const QORQL_Arithmetic& arithmetic, UpdateContext& context) {
   for (const QORQL_Arithmetic* node = &arithmetic; node != nullptr;
-       node = dynamic_cast<QORQL_Arithmetic*>(node->getArithmetic().Get())) {
+       node = QORQL_nodeAs<QORQL_Arithmetic>(node->getArithmetic())) {
     if (const QORQL_Term* const term = node->getTermCasted()) _updateExpression(*term, context);
   }
 }
@@ -193,14 +217,14 @@ void QORQL_Query::_updateExpression(const QORQL_Arithmetic& arithmetic, UpdateCo
 void QORQL_Query::_updateExpression(const QORQL_Comparison& comparison, UpdateContext& context) {
   const bool before = context.needsWholeObjects;
   context.needsWholeObjects = before || comparesValues(comparison.getOperator());
-  for (const auto& side : {comparison.getLHSArithmeticExpression(), comparison.getRHSArithmeticExpression()}) {
-    if (const auto* arithmetic = dynamic_cast<QORQL_Arithmetic*>(side.Get())) _updateExpression(*arithmetic, context);
+  for (const auto* side : {&comparison.getLHSArithmeticExpression(), &comparison.getRHSArithmeticExpression()}) {
+    if (const auto* arithmetic = QORQL_nodeAs<QORQL_Arithmetic>(*side)) _updateExpression(*arithmetic, context);
   }
   context.needsWholeObjects = before;
 }
 
 void QORQL_Query::_updateExpression(const QORQL_ExpressionFactor& factor, UpdateContext& context) {
-  if (const auto* comparison = dynamic_cast<QORQL_Comparison*>(factor.getComparison().Get())) {
+  if (const auto* comparison = QORQL_nodeAs<QORQL_Comparison>(factor.getComparison())) {
     _updateExpression(*comparison, context);
   }
 }
@@ -210,11 +234,11 @@ void QORQL_Query::_updateExpression(const QORQL_Association&, UpdateContext&) {}
 
 void QORQL_Query::_updateExpression(const QORQL_ExpressionTerm& term, UpdateContext& context) {
   for (const QORQL_ExpressionTerm* node = &term; node != nullptr;
-       node = dynamic_cast<QORQL_ExpressionTerm*>(node->getExpressionTerm().Get())) {
-    QORQL_Evaluatable* const left = node->getExpressionFactor().Get();
-    if (const auto* factor = dynamic_cast<QORQL_ExpressionFactor*>(left)) {
+       node = QORQL_nodeAs<QORQL_ExpressionTerm>(node->getExpressionTerm())) {
+    const QORSmrPtr<QORQL_Evaluatable>& left = node->getExpressionFactor();
+    if (const auto* factor = QORQL_nodeAs<QORQL_ExpressionFactor>(left)) {
       _updateExpression(*factor, context);
-    } else if (const auto* association = dynamic_cast<QORQL_Association*>(left)) {
+    } else if (const auto* association = QORQL_nodeAs<QORQL_Association>(left)) {
       _updateExpression(*association, context);
     }
   }
@@ -222,8 +246,8 @@ void QORQL_Query::_updateExpression(const QORQL_ExpressionTerm& term, UpdateCont
 
 void QORQL_Query::_updateExpression(const QORQL_Expression& expression, UpdateContext& context) {
   for (const QORQL_Expression* node = &expression; node != nullptr;
-       node = dynamic_cast<QORQL_Expression*>(node->getExpression().Get())) {
-    if (const auto* term = dynamic_cast<QORQL_ExpressionTerm*>(node->getExpressionTerm().Get())) {
+       node = QORQL_nodeAs<QORQL_Expression>(node->getExpression())) {
+    if (const auto* term = QORQL_nodeAs<QORQL_ExpressionTerm>(node->getExpressionTerm())) {
       _updateExpression(*term, context);
     }
   }
@@ -232,7 +256,7 @@ void QORQL_Query::_updateExpression(const QORQL_Expression& expression, UpdateCo
 void QORQL_Query::_updateExpression(const QORQL_Function& function, UpdateContext& context) {
   QORValSlistIterator<QORSmrPtr<QORQL_Evaluatable>> parameters(*function.getParameters());
   while (++parameters) {
-    if (const auto* expression = dynamic_cast<QORQL_Expression*>(parameters.key().Get())) {
+    if (const auto* expression = QORQL_nodeAs<QORQL_Expression>(parameters.key())) {
       _updateExpression(*expression, context);
     }
   }
@@ -247,7 +271,8 @@ void QORQL_Query::_bindBareNames(QORQL_ProjectionMap& projectionMap, UpdateConte
   QORValSlistIterator<QORString> names(*bare->getPropertyList());
   while (++names) {
     if (_isFromName(names.key(), context)) continue;
-    QORQL_recordOf(projectionMap, _findClass(names.key(), context))->addPropertyOnce(names.key());
+    FromClass& holder = _findClass(names.key(), context);
+    QORQL_recordOf(projectionMap, holder.name, context.slabs)->addPropertyOnce(names.key());
   }
   projectionMap->remove(QORString::emptyString());
 }
@@ -255,35 +280,39 @@ void QORQL_Query::_bindBareNames(QORQL_ProjectionMap& projectionMap, UpdateConte
 // A qualifier that is no FROM name but a property of exactly one FROM class
 // holds an embedded object (`SourceInstance.Cls::x`): it is what to ask for.
 void QORQL_Query::_requestEmbeddedRoots(QORQL_ProjectionMap& projectionMap, UpdateContext& context) {
-  std::vector<std::pair<QORString, QORString>> roots;
+  std::vector<std::pair<QORString, FromClass*>> roots;
   QORValMapIterator<QORString, QORSmrPtr<QORQL_ClassInfo>> records(*projectionMap);
   while (++records) {
-    QORString holder;
-    const QORString qualifier = records.key();
-    if (!context.symbolTable.lookupIgnoringCase(qualifier).IsNull()) continue;
+    FromClass* holder = nullptr;
+    const QORString& qualifier = records.peekKey();
+    if (context.symbolTable.findIgnoringCase(qualifier) != nullptr) continue;
     if (_countClasses(qualifier, context, holder) == 1) roots.emplace_back(qualifier, holder);
   }
   for (const auto& [root, holder] : roots) {
     projectionMap->remove(root);
-    QORQL_recordOf(projectionMap, holder)->addPropertyOnce(root);
+    QORQL_recordOf(projectionMap, holder->name, context.slabs)->addPropertyOnce(root);
   }
 }
 
+// Whether an expression is, but for what surrounds it, one property; an object is none.
+bool QORQL_Query::_namesOneProperty(const QORQL_Comparison& expression, const QORSmrPtr<QORQL_Evaluatable>& node) {
+  const QORQL_Factor* const lone = expression.loneFactor();
+  if (lone != nullptr && lone->getEvaluatable().IsNull()) return lone->isPropertyReference();
+  auto visitor = QORSmrPtr<QORQL_ExpressionVisitor>::Make<QORQL_IdentifierFinder>();
+  const auto* const finder = static_cast<const QORQL_IdentifierFinder*>(visitor.Get());
+  node->accept(visitor);
+  return finder->isPropertyReference();
+}
+
 void QORQL_Query::_resolveEntry(QORQL_SelectedEntry& entry, UpdateContext& context) {
-  const QORSmrPtr<QORQL_Evaluatable> expression = entry.getExpression();
+  const auto* const expression = QORQL_nodeAs<QORQL_Comparison>(entry.getExpression());
+  if (expression == nullptr) QORQL_raise(QORQL_Messages::kSelectCastFailed, std::bad_cast().what());
   context.needsWholeObjects = entry.GetFunctionID() == QORQL_FUNCTIONID_UNKNOWN;
-  try {
-    _updateExpression(dynamic_cast<const QORQL_Comparison&>(*expression), context);
-  } catch (const std::bad_cast& failure) {
-    QORQL_raise(QORQL_Messages::kSelectCastFailed, failure.what());
-  }
+  _updateExpression(*expression, context);
   context.needsWholeObjects = false;
   if (!entry.getClassName().isEmpty() || entry.getPropertyName().isEmpty()) return;
   entry.setClassName(*entry.getClassNameList()->first());
-  auto visitor = QORSmrPtr<QORQL_ExpressionVisitor>::Make<QORQL_IdentifierFinder>();
-  const auto* const finder = static_cast<const QORQL_IdentifierFinder*>(visitor.Get());
-  expression->accept(visitor);
-  if (!finder->isPropertyReference()) entry.setPropertyName(QORString::emptyString());
+  if (!_namesOneProperty(*expression, entry.getExpression())) entry.setPropertyName(QORString::emptyString());
 }
 
 void QORQL_Query::_findSelectClasses(QORQL_SelectList& selectList, QORQL_ProjectionMap& projectionMap,
@@ -297,32 +326,24 @@ void QORQL_Query::_findSelectClasses(QORQL_SelectList& selectList, QORQL_Project
   }
 }
 
-void QORQL_Query::_verifySymbolsAndUpdateSymbolTable(QORQL_SymbolTable& symbolTable,
-                                                     QORQL_ProjectionMap& projectionMap) {
+void QORQL_Query::_verifySymbolsAndUpdateSymbolTable(QORQL_ProjectionMap& projectionMap, UpdateContext& context) {
   if (projectionMap.IsNull()) return;
   QORValMapIterator<QORString, QORSmrPtr<QORQL_ClassInfo>> records(*projectionMap);
   while (++records) {
-    const QORSmrPtr<QORQL_ClassInfo> named = records.value();
-    const QORSmrPtr<QORQL_Symbol> symbol = symbolTable.lookupIgnoringCase(named->getClassName());
-    if (symbol.IsNull()) QORQL_raise(QORQL_Messages::kSymbolInvalid, named->getClassName());
-    const QORSmrPtr<QORQL_ClassInfo> needed = neededOf(symbol);
-    // The merge takes over the flag that comes in; a class that needed all before still does.
-    const QORboolean all = needed->needAllProperties() || named->needAllProperties();
-    auto added = QORSmrPtr<QORQL_ClassInfo>::Make(symbol->getClassName(), nullptr, all);
-    QORValSlistIterator<QORString> properties(*named->getPropertyList());
-    while (++properties) {
-      if (!needed->listsProperty(properties.key())) added->addProperty(properties.key());
-    }
-    symbol->setClassInfo(added);
+    const QORQL_ClassInfo& named = *records.peekValue();
+    QORQL_Symbol* const symbol = context.symbolTable.findIgnoringCase(named.getClassName());
+    if (symbol == nullptr) QORQL_raise(QORQL_Messages::kSymbolInvalid, named.getClassName());
+    QORQL_ClassInfo& needed = neededOf(*symbol, context.slabs);
+    QORValSlistIterator<QORString> properties(*named.getPropertyList());
+    while (++properties) needed.addPropertyOnce(properties.key());
+    if (named.needAllProperties()) needed.setNeedAllProperties(true);
   }
 }
 
 void QORQL_Query::_findWhereClasses(QORQL_WhereClause& whereClause, UpdateContext& context) {
-  try {
-    _updateExpression(dynamic_cast<const QORQL_Expression&>(*whereClause.getExpression()), context);
-  } catch (const std::bad_cast& failure) {
-    QORQL_raise(QORQL_Messages::kWhereCastFailed, failure.what());
-  }
+  const auto* const expression = QORQL_nodeAs<QORQL_Expression>(whereClause.getExpression());
+  if (expression == nullptr) QORQL_raise(QORQL_Messages::kWhereCastFailed, std::bad_cast().what());
+  _updateExpression(*expression, context);
 }
 
 void QORQL_Query::_findOrderByClasses(QORQL_OrderByClause& orderByClause, UpdateContext& context) {
@@ -332,7 +353,7 @@ void QORQL_Query::_findOrderByClasses(QORQL_OrderByClause& orderByClause, Update
     const QORString& alias = entries.key()->getAlias();
     if (!alias.isEmpty()) context.cache.entryOfAlias.emplace(alias, entries.key());
   }
-  if (const auto* key = dynamic_cast<QORQL_Arithmetic*>(orderByClause.getExpression().Get())) {
+  if (const auto* key = QORQL_nodeAs<QORQL_Arithmetic>(orderByClause.getExpression())) {
     _updateExpression(*key, context);
   }
 }

@@ -8,6 +8,8 @@
 // with the embedded object.
 #include "Cimom/QORQL/QORQL_Reference.h"
 
+#include <utility>
+
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_Lexer.h"
 #include "Cimom/QORQL/QORQL_Messages.h"
@@ -16,8 +18,6 @@
 namespace {
 
 using Text = QORSmrPtr<QORString>;
-
-Text newText(const QORString& text) { return Text::Make(text); }
 
 class Reference {
  public:
@@ -49,14 +49,13 @@ class Reference {
 
   // The identifiers move along: first, second, those between, the last but one, the last.
   void readIdentifier() {
-    if (_identifiers > 0) {
-      if (_identifiers > 1) _chain += ".";
-      _chain += _beforeLast = _last;
-    }
-    _last = _lexer.getCurrent().getValue();
-    ++_identifiers;
-    if (_identifiers == 1) _first = _last;
+    if (_identifiers == 1) _first = std::move(_last);
+    if (_identifiers == 2) _path = _first;
     if (_identifiers == 2) _second = _last;
+    if (_identifiers > 2) (_path += ".") += _beforeLast;
+    if (_identifiers > 1) _beforeLast = std::move(_last);
+    _last = _lexer.getCurrent().newText();
+    ++_identifiers;
     _lexer.next(false);
     if (currentType() == TokenOPENSQUAREBRACK) readIndex();
   }
@@ -83,37 +82,43 @@ class Reference {
   QORSmrPtr<QORQL_Evaluatable> parseSelectAll() {
     _lexer.next(false);
     _lexer.next(false);
-    const QORSmrPtr<QORQL_ClassInfo> record = QORQL_recordOf(_projMap, _first);
-    if (!record.IsNull()) record->setNeedAllProperties(true);
-    return QORSmrPtr<QORQL_Evaluatable>::Make<QORQL_Factor>(nullptr, newText(_first), newText("*"), nullptr,
-                                                            QORQL_OperatorNONE, true);
+    if (QORQL_ClassInfo* const record = QORQL_recordOf(_projMap, _last, _lexer.slabs())) {
+      record->setNeedAllProperties(true);
+    }
+    return QORSmrPtr<QORQL_Evaluatable>::MakeIn<QORQL_Factor>(_lexer.slabs(), nullptr, newText(std::move(_last)),
+                                                              newText("*"), nullptr, QORQL_OperatorNONE, true);
   }
 
   void request(const QORString& className, const QORString& property) {
-    const QORSmrPtr<QORQL_ClassInfo> record = QORQL_recordOf(_projMap, className);
-    if (!record.IsNull()) record->addPropertyOnce(property);
+    if (className.isEmpty() && !_lexer.recordsBareNames()) return;
+    QORQL_ClassInfo* const record = QORQL_recordOf(_projMap, className, _lexer.slabs());
+    if (record != nullptr) record->addPropertyOnce(property);
   }
 
   QORSmrPtr<QORQL_Evaluatable> makeFactor() {
     const bool isDotted = _identifiers > (_isScoped ? 2U : 1U);
-    const QORString className = isDotted ? _first : QORString::emptyString();
-    const bool isSecondTheScope = _isScoped && _identifiers == 3;
-    request(className, isDotted && !isSecondTheScope ? _second : _last);
+    const QORString& className = isDotted ? _first : QORString::emptyString();
+    const bool asksSecond = isDotted && _identifiers > 2 && !(_isScoped && _identifiers == 3);
+    request(className, asksSecond ? _second : _last);
+    const bool isBare = _identifiers == 1 && _index == QORQL_Factor::kNoArray;
+    const bool isKnownFromName = isBare && _symbolTable.findIgnoringCase(_last) != nullptr;
     const bool hasChain = _isScoped || _identifiers > 2;
-    auto result = QORSmrPtr<QORQL_Evaluatable>::Make<QORQL_Factor>(
-        nullptr, newText(className), newText(_last), nullptr, QORQL_OperatorNONE,
-        hasChain ? newText(chainText()) : Text(), _isScoped ? newText(_beforeLast) : Text(), _index);
-    QORQL_Factor& factor = static_cast<QORQL_Factor&>(*result);
-    if (factor.isBareIdentifier()) factor.setKnownFromName(!_symbolTable.lookupIgnoringCase(_last).IsNull());
+    auto result = QORSmrPtr<QORQL_Evaluatable>::MakeIn<QORQL_Factor>(
+        _lexer.slabs(), nullptr, newText(className), newText(std::move(_last)), nullptr, QORQL_OperatorNONE,
+        hasChain ? newText(chainText()) : Text(), _isScoped ? newText(beforeLast()) : Text(), _index);
+    static_cast<QORQL_Factor&>(*result).setKnownFromName(isKnownFromName);
     return result;
   }
 
+  const QORString& beforeLast() const noexcept { return _identifiers == 2 ? _first : _beforeLast; }
+
   // All identifiers but the property and the scope, joined by dots.
   QORString chainText() const {
-    if (!_isScoped) return _chain;
-    if (_identifiers == 2) return QORString::emptyString();
-    return _chain.subStr(0, _chain.length() - _beforeLast.length() - 1);
+    if (!_isScoped) return _path + "." + _beforeLast;
+    return _identifiers == 2 ? QORString::emptyString() : _path;
   }
+
+  Text newText(QORString text) { return Text::MakeIn(_lexer.slabs(), std::move(text)); }
 
   QORQL_SymbolTable& _symbolTable;
   QORQL_Lexer& _lexer;
@@ -124,9 +129,9 @@ class Reference {
   QORsint32 _index = QORQL_Factor::kNoArray;
   QORString _first;
   QORString _second;
-  QORString _beforeLast;
+  QORString _path;        // all but the two last of three and more, joined by dots
+  QORString _beforeLast;  // of three and more
   QORString _last;
-  QORString _chain;  // all but the last, joined by dots
 };
 
 }  // namespace

@@ -1,6 +1,8 @@
 // The select list: parsing and the rules on mixing entries.
 #include "Cimom/QORQL/QORQL_SelectList.h"
 
+#include <utility>
+
 #include "Cimom/QORQL/QORQL_Lexer.h"
 #include "Cimom/QORQL/QORQL_Messages.h"
 
@@ -25,10 +27,10 @@ FirstPrefix parseFirst(QORQL_Lexer& lexer) {
 
 }  // namespace
 
-QORQL_SelectList::QORQL_SelectList(const EntryList& entries, const QORboolean& areAllEntriesAggregates,
+QORQL_SelectList::QORQL_SelectList(EntryList entries, const QORboolean& areAllEntriesAggregates,
                                    const QORboolean& isFirstUsed, const QORuint32& entryCount, bool isSelectAll,
                                    const QORString& queryString, const QORString& queryLanguage)
-    : _selectedEntries(entries),
+    : _selectedEntries(std::move(entries)),
       _areAllEntriesAggregates(areAllEntriesAggregates),
       _isFirstUsed(isFirstUsed),
       _entries(entryCount),
@@ -43,22 +45,23 @@ QORSmrPtr<QORQL_Executable> QORQL_SelectList::parse(QORQL_SymbolTable& symbolTab
                                                     const QORString& queryLanguage) {
   if (lexer.getCurrent().getType() != TokenSELECT) QORQL_raise(QORQL_Messages::kSelectExpected, lexer);
   const FirstPrefix first = parseFirst(lexer);
-  const EntryList entries(new QORValSlist<QORSmrPtr<QORQL_SelectedEntry>>);
+  EntryList entries = EntryList::MakeIn(lexer.slabs());
   QORQL_SelectListAggregate state = SEL_UNKNOWN;
   bool isSelectAll = false;
   do {
     lexer.next(false);
-    const QORSmrPtr<QORQL_SelectedEntry> entry =
+    QORSmrPtr<QORQL_SelectedEntry> entry =
         QORQL_SelectedEntry::parse(symbolTable, lexer, classInfos, queryString, queryLanguage);
     _checkForAggregateMismatch(entry->isEntryAggregate(), state);
-    entries->append(entry);
     isSelectAll = entry->isSelectAll();  // of the last entry alone: `*, a` is no select-all list
+    entries->append(std::move(entry));
   } while (lexer.getCurrent().getType() == TokenCOMMA);
   if (entries->isEmpty()) QORQL_raise(QORQL_Messages::kSelectListMissing, lexer);
   const QORboolean areAllAggregates = state == SEL_AGGREGATE;
   if (areAllAggregates && first.isUsed) QORQL_raise(QORQL_Messages::kFirstWithAggregates, lexer);
-  return new QORQL_SelectList(entries, areAllAggregates, first.isUsed, first.count, isSelectAll, queryString,
-                              queryLanguage);
+  return QORSmrPtr<QORQL_Executable>::MakeIn<QORQL_SelectList>(lexer.slabs(), std::move(entries), areAllAggregates,
+                                                               first.isUsed, first.count, isSelectAll, queryString,
+                                                               queryLanguage);
 }
 
 void QORQL_SelectList::_checkForAggregateMismatch(QORboolean isAggregate, QORQL_SelectListAggregate& state) {

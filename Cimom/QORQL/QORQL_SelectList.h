@@ -44,7 +44,7 @@ class QORQL_SelectList : public QORQL_Executable {
   // The class of the pseudo-object that holds function results, and its column's name.
   static const QORString _FUNCTIONS_VALUES_CLASS;
 
-  QORQL_SelectList(const EntryList& entries, const QORboolean& areAllEntriesAggregates, const QORboolean& isFirstUsed,
+  QORQL_SelectList(EntryList entries, const QORboolean& areAllEntriesAggregates, const QORboolean& isFirstUsed,
                    const QORuint32& entryCount, bool isSelectAll, const QORString& queryString,
                    const QORString& queryLanguage);
   ~QORQL_SelectList() override;

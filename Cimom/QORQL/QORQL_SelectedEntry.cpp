@@ -1,7 +1,8 @@
 // One entry of a select list: parsing and classification.
 #include "Cimom/QORQL/QORQL_SelectedEntry.h"
 
-#include "Cimom/QORQL/QORQL_Arithmetic.h"
+#include <utility>
+
 #include "Cimom/QORQL/QORQL_Comparison.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_FunctionFinder.h"
@@ -9,21 +10,12 @@
 #include "Cimom/QORQL/QORQL_Lexer.h"
 #include "Cimom/QORQL/QORQL_Messages.h"
 #include "Cimom/QORQL/QORQL_ParseContext.h"
-#include "Cimom/QORQL/QORQL_Term.h"
 
 namespace {
 
-// The factor that an expression consists of; null when there is anything around it.
 const QORQL_Factor* loneFactor(const QORSmrPtr<QORQL_Evaluatable>& expression) {
-  const QORQL_Comparison* const comparison = dynamic_cast<const QORQL_Comparison*>(expression.Get());
-  if (comparison == nullptr || comparison->getOperator() != QORQL_OperatorNONE || comparison->isArrayComp()) {
-    return nullptr;
-  }
-  const QORQL_Arithmetic* const arithmetic =
-      dynamic_cast<const QORQL_Arithmetic*>(comparison->getLHSArithmeticExpression().Get());
-  if (arithmetic == nullptr || arithmetic->getOperator() != QORQL_OperatorNONE) return nullptr;
-  const QORQL_Term* const term = arithmetic->getTermCasted();
-  return term == nullptr || term->getOperator() != QORQL_OperatorNONE ? nullptr : term->getFactorCasted();
+  const QORQL_Comparison* const comparison = QORQL_nodeAs<QORQL_Comparison>(expression);
+  return comparison == nullptr ? nullptr : comparison->loneFactor();
 }
 
 // A property that a row's object holds itself: no `*`, no literal, nothing
@@ -34,23 +26,25 @@ bool isOwnProperty(const QORQL_Factor& factor) {
 }
 
 struct Names {
-  QORString className = QORString::emptyString();
-  QORString propertyName = QORString::emptyString();
+  QORString className = QORString::emptyString();     // unless the expression is one property reference
+  QORString propertyName = QORString::emptyString();  // the same
   QORQL_SelectedEntry::ClassNameList classNameList;
   bool isPropertyReference = false;
+  QORuint32 functionID = QORQL_FUNCTIONID_UNKNOWN;
 };
 
-Names findNames(const QORSmrPtr<QORQL_Evaluatable>& expression) {
-  auto visitor = QORSmrPtr<QORQL_ExpressionVisitor>::Make<QORQL_IdentifierFinder>();
-  const auto* const finder = static_cast<const QORQL_IdentifierFinder*>(visitor.Get());
-  expression->accept(visitor);
+void setReference(Names& names, const QORSmrPtr<QORString>& className, const QORSmrPtr<QORString>& propertyName) {
+  names.isPropertyReference = true;
+  if (!className.IsNull()) names.className = *className;
+  if (!propertyName.IsNull()) names.propertyName = *propertyName;
+}
+
+// What the visitors below find in a factor that stands alone.
+Names namesOf(const QORQL_Factor& factor, QORSlabs& slabs) {
   Names names;
-  names.classNameList = finder->getClassNameList();
-  names.isPropertyReference = finder->isPropertyReference();
-  if (names.isPropertyReference) {
-    if (!finder->getClassName().IsNull()) names.className = *finder->getClassName();
-    if (!finder->getPropertyName().IsNull()) names.propertyName = *finder->getPropertyName();
-  }
+  names.classNameList = QORQL_SelectedEntry::ClassNameList::MakeIn(slabs);
+  if (!factor.getClassName().IsNull()) names.classNameList->append(factor.getClassName());
+  if (factor.isPropertyReference()) setReference(names, factor.getClassName(), factor.getPropertyName());
   return names;
 }
 
@@ -61,13 +55,27 @@ QORuint32 findFunction(const QORSmrPtr<QORQL_Evaluatable>& expression) {
   return finder->getFunctionID();
 }
 
+Names findNames(const QORSmrPtr<QORQL_Evaluatable>& expression, QORSlabs& slabs) {
+  const QORQL_Factor* const lone = loneFactor(expression);
+  if (lone != nullptr && lone->getEvaluatable().IsNull()) return namesOf(*lone, slabs);
+  auto visitor = QORSmrPtr<QORQL_ExpressionVisitor>::Make<QORQL_IdentifierFinder>();
+  const auto* const finder = static_cast<const QORQL_IdentifierFinder*>(visitor.Get());
+  expression->accept(visitor);
+  Names names;
+  names.classNameList = finder->getClassNameList();
+  if (finder->isPropertyReference()) setReference(names, finder->getClassName(), finder->getPropertyName());
+  names.functionID = findFunction(expression);
+  return names;
+}
+
 QORString parseAlias(QORQL_Lexer& lexer, bool isRequired) {
   if (lexer.getCurrent().getType() != TokenAS) {
     if (isRequired) QORQL_raise(QORQL_Messages::kAliasMissing, lexer);
     return QORString::emptyString();
   }
   if (lexer.next(false).getType() != TokenID) QORQL_raise(QORQL_Messages::kSelectAliasExpected, lexer);
-  const QORString alias = QORString::toUpperCase(lexer.getCurrent().getValue());
+  QORString alias = lexer.getCurrent().newText();
+  alias.toUpper();
   lexer.next(false);
   return alias;
 }
@@ -75,25 +83,24 @@ QORString parseAlias(QORQL_Lexer& lexer, bool isRequired) {
 QORSmrPtr<QORQL_SelectedEntry> parseSelectAll(QORQL_Lexer& lexer) {
   lexer.next(false);
   const QORString& none = QORString::emptyString();
-  return QORSmrPtr<QORQL_SelectedEntry>::Make(none, none, none, nullptr, nullptr, true, false,
-                                              QORQL_FUNCTIONID_UNKNOWN);
+  return QORSmrPtr<QORQL_SelectedEntry>::MakeIn(lexer.slabs(), none, none, none, nullptr, nullptr, true, false,
+                                                QORQL_FUNCTIONID_UNKNOWN);
 }
 
 }  // namespace
 
-QORQL_SelectedEntry::QORQL_SelectedEntry(const QORString& className, const QORString& propertyName,
-                                         const QORString& alias, const QORSmrPtr<QORQL_Evaluatable>& expression,
-                                         const ClassNameList& classNameList, QORboolean selectAll,
-                                         QORboolean isEntryAggregate, QORuint32 functionID)
-    : _className(className),
-      _propertyName(propertyName),
-      _alias(alias),
-      _expression(expression),
-      _classNameList(classNameList),
+QORQL_SelectedEntry::QORQL_SelectedEntry(QORString className, QORString propertyName, QORString alias,
+                                         QORSmrPtr<QORQL_Evaluatable> expression, ClassNameList classNameList,
+                                         QORboolean selectAll, QORboolean isEntryAggregate, QORuint32 functionID)
+    : _className(std::move(className)),
+      _propertyName(std::move(propertyName)),
+      _alias(std::move(alias)),
+      _expression(std::move(expression)),
+      _classNameList(std::move(classNameList)),
       _selectAll(selectAll),
       _isEntryAggregate(isEntryAggregate),
       _functionID(functionID) {
-  const QORQL_Factor* const factor = functionID == QORQL_FUNCTIONID_UNKNOWN ? loneFactor(expression) : nullptr;
+  const QORQL_Factor* const factor = functionID == QORQL_FUNCTIONID_UNKNOWN ? loneFactor(_expression) : nullptr;
   _isPlainProperty = factor != nullptr && isOwnProperty(*factor);
   _isClassAll = factor != nullptr && factor->isSelectAll();
 }
@@ -105,11 +112,11 @@ QORSmrPtr<QORQL_SelectedEntry> QORQL_SelectedEntry::parse(QORQL_SymbolTable& sym
                                                           const QORString& queryLanguage) {
   if (lexer.getCurrent().getType() == TokenASTERISK) return parseSelectAll(lexer);
   const QORQL_UpdatedFlagScope inSelectList(symbolTable, true);
-  const QORSmrPtr<QORQL_Evaluatable> expression =
+  QORSmrPtr<QORQL_Evaluatable> expression =
       QORQL_Comparison::parse(symbolTable, lexer, classInfos, queryString, queryLanguage);
-  const Names names = findNames(expression);
-  const QORString alias = parseAlias(lexer, !names.isPropertyReference);
-  const QORuint32 functionID = findFunction(expression);
-  return QORSmrPtr<QORQL_SelectedEntry>::Make(names.className, names.propertyName, alias, expression,
-                                              names.classNameList, false, QORQL_isAggregate(functionID), functionID);
+  Names names = findNames(expression, lexer.slabs());
+  QORString alias = parseAlias(lexer, !names.isPropertyReference);
+  return QORSmrPtr<QORQL_SelectedEntry>::MakeIn(
+      lexer.slabs(), std::move(names.className), std::move(names.propertyName), std::move(alias), std::move(expression),
+      std::move(names.classNameList), false, QORQL_isAggregate(names.functionID), names.functionID);
 }

@@ -12,9 +12,9 @@ class QORQL_SelectedEntry {
  public:
   using ClassNameList = QORSmrPtr<QORValSlist<QORSmrPtr<QORString>>>;
 
-  QORQL_SelectedEntry(const QORString& className, const QORString& propertyName, const QORString& alias,
-                      const QORSmrPtr<QORQL_Evaluatable>& expression, const ClassNameList& classNameList,
-                      QORboolean selectAll, QORboolean isEntryAggregate, QORuint32 functionID);
+  QORQL_SelectedEntry(QORString className, QORString propertyName, QORString alias,
+                      QORSmrPtr<QORQL_Evaluatable> expression, ClassNameList classNameList, QORboolean selectAll,
+                      QORboolean isEntryAggregate, QORuint32 functionID);
   QORQL_SelectedEntry(const QORQL_SelectedEntry&) = delete;
   QORQL_SelectedEntry& operator=(const QORQL_SelectedEntry&) = delete;
   virtual ~QORQL_SelectedEntry();

@@ -1,9 +1,30 @@
 // The names that a statement knows.
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
 
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
 namespace {
 
 constexpr QORuint32 kBuckets = 150;
+constexpr QORuint32 kFewNames = 8;
+
+char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+
+QORuint32 upperHash(std::string_view name) {
+  QORuint32 hash = hashKeyBytes("");
+  for (const char byte : name) {
+    const char c = upper(byte);
+    hash = hashKeyBytes({&c, 1}, hash);
+  }
+  return hash;
+}
+
+bool isUpperCaseOf(std::string_view key, std::string_view name) {
+  return std::equal(key.begin(), key.end(), name.begin(), name.end(),
+                    [](char inKey, char inName) { return inKey == upper(inName); });
+}
 
 }  // namespace
 
@@ -26,13 +47,45 @@ QORSmrPtr<QORQL_Symbol> QORQL_SymbolTable::lookup(const QORString& name) const {
   return symbol.IsNull() ? deepLookup(name, true) : symbol;
 }
 
+// Names are kept in upper case. A few are compared one by one; among many, the
+// name's hash in upper case finds it.
+const QORSmrPtr<QORQL_Symbol>* QORQL_SymbolTable::_peekHere(const QORString& name) const noexcept {
+  if (_hashDict.entries() > kFewNames) {
+    return _hashDict.peekHashed(upperHash(name.view()),
+                                [&name](const QORString& key) { return isUpperCaseOf(key.view(), name.view()); });
+  }
+  QORValMapIterator<QORString, QORSmrPtr<QORQL_Symbol>> symbols(_hashDict);
+  while (++symbols) {
+    if (isUpperCaseOf(symbols.peekKey().view(), name.view())) return &symbols.peekValue();
+  }
+  return nullptr;
+}
+
+const QORSmrPtr<QORQL_Symbol>* QORQL_SymbolTable::_peek(const QORString& name) const noexcept {
+  for (const QORQL_SymbolTable* table = this; table != nullptr; table = table->_parentSymbolTable) {
+    if (const QORSmrPtr<QORQL_Symbol>* const symbol = table->_peekHere(name)) return symbol;
+  }
+  return nullptr;
+}
+
 QORSmrPtr<QORQL_Symbol> QORQL_SymbolTable::lookupIgnoringCase(const QORString& name) const {
-  return lookup(QORString::toUpperCase(name));
+  const QORSmrPtr<QORQL_Symbol>* const symbol = _peek(name);
+  return symbol == nullptr ? QORSmrPtr<QORQL_Symbol>() : *symbol;
+}
+
+QORQL_Symbol* QORQL_SymbolTable::findIgnoringCase(const QORString& name) const noexcept {
+  const QORSmrPtr<QORQL_Symbol>* const symbol = _peek(name);
+  return symbol == nullptr ? nullptr : symbol->Get();
+}
+
+QORQL_Symbol* QORQL_SymbolTable::findHere(const QORString& name) const noexcept {
+  const QORSmrPtr<QORQL_Symbol>* const symbol = _peekHere(name);
+  return symbol == nullptr ? nullptr : symbol->Get();
 }
 
 QORString QORQL_SymbolTable::classNameOf(const QORString& name) const {
-  const QORSmrPtr<QORQL_Symbol> symbol = lookupIgnoringCase(name);
-  return symbol.IsNull() ? name : symbol->getClassName();
+  const QORQL_Symbol* const symbol = findIgnoringCase(name);
+  return symbol == nullptr ? name : symbol->getClassName();
 }
 
 void QORQL_SymbolTable::setRootParent(QORQL_SymbolTable* parent) {

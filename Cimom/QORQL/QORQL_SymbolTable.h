@@ -22,6 +22,10 @@ class QORQL_SymbolTable {
   QORSmrPtr<QORQL_Symbol> deepLookup(const QORString& name, QORboolean flag) const;
   // lookup() of the name in upper case.
   QORSmrPtr<QORQL_Symbol> lookupIgnoringCase(const QORString& name) const;
+  // BORROWS: the same without a count; null when unknown.
+  QORQL_Symbol* findIgnoringCase(const QORString& name) const noexcept;
+  // The same in this table alone.
+  QORQL_Symbol* findHere(const QORString& name) const noexcept;
   // The class that a FROM name in any case stands for; the name itself when unknown.
   QORString classNameOf(const QORString& name) const;
 
@@ -39,6 +43,9 @@ class QORQL_SymbolTable {
   QORboolean isSymbolTableUpdated() const noexcept { return _symbolsUpdated; }
 
  private:
+  const QORSmrPtr<QORQL_Symbol>* _peekHere(const QORString& name) const noexcept;
+  const QORSmrPtr<QORQL_Symbol>* _peek(const QORString& name) const noexcept;
+
   QORQL_SymbolTable* _parentSymbolTable;
   SymbolMap _hashDict;
   QORboolean _symbolsUpdated = false;

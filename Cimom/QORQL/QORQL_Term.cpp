@@ -1,6 +1,8 @@
 // Products and quotients: parsing and walking.
 #include "Cimom/QORQL/QORQL_Term.h"
 
+#include <utility>
+
 #include "Cimom/QORQL/QORQL_Chain.h"
 #include "Cimom/QORQL/QORQL_ChainParser.h"
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
@@ -15,9 +17,8 @@ QORQL_Operator operatorOf(QORQL_TokenType type) {
 
 }  // namespace
 
-QORQL_Term::QORQL_Term(const QORSmrPtr<QORQL_Evaluatable>& factor, const QORSmrPtr<QORQL_Evaluatable>& term,
-                       QORQL_Operator op)
-    : _factor(factor), _term(term), _operator(op) {}
+QORQL_Term::QORQL_Term(QORSmrPtr<QORQL_Evaluatable> factor, QORSmrPtr<QORQL_Evaluatable> term, QORQL_Operator op)
+    : QORQL_Evaluatable(kKind), _factor(std::move(factor)), _term(std::move(term)), _operator(op) {}
 
 QORQL_Term::~QORQL_Term() { QORQL_releaseChain<QORQL_Term>(_term); }
 
@@ -28,7 +29,7 @@ QORSmrPtr<QORQL_Evaluatable> QORQL_Term::parse(QORQL_SymbolTable& symbolTable, Q
                                       queryLanguage);
 }
 
-QORQL_Factor* QORQL_Term::getFactorCasted() const noexcept { return dynamic_cast<QORQL_Factor*>(_factor.Get()); }
+QORQL_Factor* QORQL_Term::getFactorCasted() const noexcept { return QORQL_nodeAs<QORQL_Factor>(_factor); }
 
 void QORQL_Term::accept(QORSmrPtr<QORQL_ExpressionVisitor>& visitor) {
   QORQL_walkChain(

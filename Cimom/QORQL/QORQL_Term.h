@@ -12,7 +12,9 @@ class QORQL_Lexer;
 // Factor [ ( ASTERISK | DIV ) Term ], grouped to the right.
 class QORQL_Term : public QORQL_Evaluatable {
  public:
-  QORQL_Term(const QORSmrPtr<QORQL_Evaluatable>& factor, const QORSmrPtr<QORQL_Evaluatable>& term, QORQL_Operator op);
+  static constexpr QORQL_NodeKind kKind = QORQL_NodeKind::Term;
+
+  QORQL_Term(QORSmrPtr<QORQL_Evaluatable> factor, QORSmrPtr<QORQL_Evaluatable> term, QORQL_Operator op);
   ~QORQL_Term() override;
 
   static QORSmrPtr<QORQL_Evaluatable> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,

@@ -2,6 +2,8 @@
 #ifndef QORQL_TOKEN_H
 #define QORQL_TOKEN_H
 
+#include <string_view>
+
 #include "cmpbase.h"
 
 // Values 1 to 127 outside the enumeration are single characters of no grammar rule.
@@ -66,25 +68,49 @@ enum QORQL_TokenType {
   TokenPROPERTYQUALIFIER = 312
 };
 
+// Tokens that come from a scanner borrow its text until somebody asks for a
+// string; copies own theirs.
 class QORQL_Token {
  public:
   // Empty text, TokenINVALID.
-  QORQL_Token() noexcept = default;
+  QORQL_Token() noexcept : _tokenValue(QORString::emptyString()) {}
   QORQL_Token(const QORString& value, QORQL_TokenType type, QORuint32 offset = 0)
       : _tokenValue(value), _tokenType(type), _offset(offset) {}
+  // Becomes another token. BORROWS the text, for as long as the token is used and not copied.
+  void borrow(std::string_view text, QORQL_TokenType type, QORuint32 offset) noexcept {
+    _tokenValue = QORString();
+    _borrowed = text;
+    _tokenType = type;
+    _offset = offset;
+  }
+  QORQL_Token(const QORQL_Token& other) : QORQL_Token(other.getValue(), other._tokenType, other._offset) {}
+  QORQL_Token(QORQL_Token&& other) noexcept = default;
+  QORQL_Token& operator=(const QORQL_Token& other) { return *this = QORQL_Token(other); }
+  QORQL_Token& operator=(QORQL_Token&& other) noexcept = default;
+  ~QORQL_Token() = default;
 
-  const QORString& getValue() const noexcept { return _tokenValue; }
+  const QORString& getValue() const {
+    if (_borrowed.data() != nullptr) {
+      _tokenValue = QORString(_borrowed);
+      _borrowed = std::string_view();
+    }
+    return _tokenValue;
+  }
+  // The same as a view, which lives as long as the token, and as a new string.
+  std::string_view text() const noexcept { return _borrowed.data() != nullptr ? _borrowed : _tokenValue.view(); }
+  QORString newText() const { return _borrowed.data() != nullptr ? QORString(_borrowed) : _tokenValue; }
   QORQL_TokenType getType() const noexcept { return _tokenType; }
   // The byte of the query text at which it begins; for the end of the input, its length.
   QORuint32 getOffset() const noexcept { return _offset; }
 
   // Where they stand does not count.
   friend bool operator==(const QORQL_Token& a, const QORQL_Token& b) noexcept {
-    return a._tokenType == b._tokenType && a._tokenValue == b._tokenValue;
+    return a._tokenType == b._tokenType && a.text() == b.text();
   }
 
  private:
-  QORString _tokenValue = QORString::emptyString();
+  mutable QORString _tokenValue;
+  mutable std::string_view _borrowed;  // without data when the string holds the text
   QORQL_TokenType _tokenType = TokenINVALID;
   QORuint32 _offset = 0;
 };

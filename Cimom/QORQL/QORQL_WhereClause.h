@@ -10,7 +10,7 @@ class QORQL_Lexer;
 
 class QORQL_WhereClause : public QORQL_Executable {
  public:
-  explicit QORQL_WhereClause(const QORSmrPtr<QORQL_Evaluatable>& expression);
+  explicit QORQL_WhereClause(QORSmrPtr<QORQL_Evaluatable> expression);
   ~QORQL_WhereClause() override;
 
   // Entered on WHERE.

@@ -120,7 +120,7 @@ class FailingMatch : public testing::TestWithParam<std::tuple<std::size_t, bool>
     for (unsigned long k = 1; hasFailed; ++k) {
       EXPECT_EQ(leakOf([&] { inThread([&, k] { hasFailed = failAt(k, indication, expected); }); }), 0) << "blocks leak";
       if (HasFailure()) FAIL() << "allocation " << k << " of " << kFaultFilters.at(std::get<0>(GetParam()));
-      ASSERT_TRUE(hasFailed || k > 20) << "faults struck";
+      ASSERT_TRUE(hasFailed || k > 10) << "faults struck";
     }
   }
 

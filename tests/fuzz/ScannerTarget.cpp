@@ -1,10 +1,12 @@
 // Fuzz target: the scanner and the token stream. However a text is read, token
-// by token, by looking ahead or by revisiting, the tokens are the same.
+// by token, by looking ahead or by revisiting, the tokens are the same, and
+// those of the lexical rules.
 #include <vector>
 
 #include "Cimom/QORQL/QORQL_Lexer.h"
 #include "Cimom/QORQL/QORQL_ParseException.h"
 #include "FuzzInput.h"
+#include "ScannerJudge.h"
 
 namespace {
 
@@ -29,6 +31,15 @@ Tokens readOneByOne(const QORString& text) {
     if (tokens.back().type == TokenEOF) return tokens;
     lexer.next(false);
     fuzzRequire(seen(lexer.lookBack()) == tokens.back(), "lookBack is not the token before");
+  }
+}
+
+void compareWithRules(const QORString& text, const Tokens& tokens) {
+  const ScannedText expected = scanByRules(text.view());
+  fuzzRequire(tokens.size() == expected.tokens.size(), "the rules give another number of tokens");
+  for (std::size_t i = 0; i < tokens.size(); ++i) {
+    fuzzRequire(tokens[i].type == expected.tokens[i].type && tokens[i].text == expected.tokens[i].text,
+                "the rules give another token");
   }
 }
 
@@ -75,6 +86,7 @@ void skip(const QORString& text, const Tokens& expected) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const QORString text(reinterpret_cast<const char*>(data), size);
   const Tokens tokens = readOneByOne(text);
+  compareWithRules(text, tokens);
   readLookingAhead(text, tokens);
   readTwice(text, tokens);
   skip(text, tokens);

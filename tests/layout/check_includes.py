@@ -36,7 +36,7 @@ RULES = {
 # Folders whose angle-bracket includes are the standard library's, and what else they may name.
 ANGLE_ALLOWED = {
     "include": [],
-    "Cimom/QORQL": ["FlexLexer.h"],
+    "Cimom/QORQL": [],
     "Cimom/Foundation": [],
     "Cimom/Model": [],
     "Cimom/Mof": ["MofCacheFormat_generated.h", "xxhash.h", "zstd.h"],

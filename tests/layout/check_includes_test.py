@@ -9,7 +9,7 @@ import check_includes
 RIGHT = {
     "include/cmpbase.h": '#include <cstddef>\n#include "cmpbase/QORTypes.h"\n',
     "include/cmpbase/QORTypes.h": "#include <cstdint>\n",
-    "Cimom/QORQL/QORQL_A.h": '#include "cmpbase.h"\n#include <FlexLexer.h>\n',
+    "Cimom/QORQL/QORQL_A.h": '#include "cmpbase.h"\n#include <cstddef>\n',
     "Cimom/QORQL/QORQL_A.cpp": '#include "Cimom/QORQL/QORQL_A.h"\n',
     "Cimom/Model/M.h": '#include "cmpbase.h"\n',
     "Cimom/Embedded/CimDeclarations.h": '#include "Cimom/Model/M.h"\n',

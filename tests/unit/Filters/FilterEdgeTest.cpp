@@ -232,7 +232,7 @@ TEST_F(FilterEdge, valuesThatCannotBeComputedAreNull) {
        {"U8", "U8 / 0", "U8 / (U16 - U16)", "1 + U8 * MessageID", "-MessageID", "MAX(U8)", "S8 + 1"}) {
     QORQL_SymbolTable symbols(nullptr);
     QORQL_Lexer lexer(QORString(left) + " = 1", false);
-    QORQL_ProjectionMap map(QORQL_newProjectionMap());
+    QORQL_ProjectionMap map(QORQL_newProjectionMap(lexer.slabs()));
     const CQLQueryStatement::Node node(QORQL_Comparison::parse(symbols, lexer, map, "", ""));
     CQLQueryStatement statement("CQL", "SELECT * FROM CIM_AlertIndication", kNameSpace, "");
     ASSERT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS);

@@ -1,6 +1,9 @@
 // The token stream: advancing, looking ahead and back, skipping and re-visiting.
 #include <gtest/gtest.h>
 
+#include <string>
+
+#include "Cimom/QORQL/QORQL_Messages.h"
 #include "ParserSupport.h"
 
 namespace {
@@ -136,6 +139,55 @@ TEST(Lexer, KeepsTheCallersCharactersAndNames) {
   const QORQL_Lexer named(text, "file", "path");
   EXPECT_EQ(plain(named.getFileName()), "file");
   EXPECT_EQ(plain(named.getPathName()), "path");
+}
+
+TEST(Lexer, CopiesOfTokensOutliveItAndTheText) {
+  QORQL_Token copy;
+  QORQL_Token assigned;
+  {
+    const QORString text(std::string("SELECT LongName 'a literal'").c_str());
+    QORQL_Lexer lexer(text, false);
+    copy = lexer.next(false);
+    const QORQL_Token literal(lexer.next(false));
+    assigned = literal;
+    EXPECT_EQ(literal, lexer.getCurrent());
+  }
+  EXPECT_EQ(plain(copy.getValue()), "LongName");
+  EXPECT_EQ(copy.getType(), TokenID);
+  EXPECT_EQ(copy.getOffset(), 7U);
+  EXPECT_EQ(plain(assigned.newText()), "a literal");
+  EXPECT_EQ(assigned.text(), "a literal");
+  EXPECT_EQ(assigned.getOffset(), 16U);
+}
+
+TEST(Lexer, ReadsTheTextAsItWasWhenTheCallersChanges) {
+  QORString text("SELECT a, b FROM c");
+  QORQL_Lexer lexer(text, false);
+  text = "something else that is longer";
+  for (const char* expected : {"a", ",", "b", "FROM", "c"}) EXPECT_EQ(plain(lexer.next(false).getValue()), expected);
+}
+
+TEST(Lexer, ATokensTextStaysTheSameHoweverItIsAsked) {
+  QORQL_Lexer lexer("name 'second'", false);
+  const QORQL_Token& token = lexer.getCurrent();
+  EXPECT_EQ(token.text(), "name");
+  EXPECT_EQ(plain(token.newText()), "name");
+  EXPECT_EQ(plain(token.getValue()), "name");
+  EXPECT_EQ(token.text(), "name");
+  EXPECT_EQ(plain(token.newText()), "name");
+  EXPECT_EQ(lexer.getCurrent(), QORQL_Token("name", TokenID));
+}
+
+TEST(Lexer, LooksFarAheadAndTakesWhatItSaw) {
+  QORQL_Lexer lexer("a b c d e", false);
+  EXPECT_EQ(plain(lexer.lookAhead(1).getValue()), "b");
+  EXPECT_EQ(plain(lexer.lookAhead(4).getValue()), "e");
+  EXPECT_EQ(plain(lexer.lookAhead(2).getValue()), "c");
+  for (const char* expected : {"b", "c", "d", "e", ""}) {
+    EXPECT_EQ(plain(QORQL_printedText(lexer.next(false))), expected);
+  }
+  EXPECT_EQ(plain(lexer.lookBack().getValue()), "e");
+  EXPECT_EQ(lexer.lookAhead(3).getType(), TokenEOF);
 }
 
 }  // namespace

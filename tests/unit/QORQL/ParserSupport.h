@@ -42,7 +42,8 @@ enum class Level { Expression, Comparison, Arithmetic, Factor };
 
 // One parse of a text: its lexer, symbol table, projection map and tree.
 struct Parsed {
-  explicit Parsed(const QORString& source) : text(source), lexer(text, false), map(QORQL_newProjectionMap()) {}
+  explicit Parsed(const QORString& source)
+      : text(source), lexer(text, false), map(QORQL_newProjectionMap(lexer.slabs())) {}
   Parsed(const QORString& source, Level level) : Parsed(source) { parse(level); }
 
   void parse(Level level);

@@ -179,6 +179,41 @@ TEST(SymbolTable, GivesTheClassOfAName) {
   EXPECT_EQ(plain(table.classNameOf("other")), "other");
 }
 
+// A few names are found in another way than many.
+TEST(SymbolTable, FindsNamesIgnoringCaseAmongFewAndMany) {
+  for (const QORuint64 count : {1, 8, 9, 200}) {
+    QORQL_SymbolTable outer(nullptr);
+    QORQL_SymbolTable inner(&outer);
+    outer.insert("OUTER", symbolOf("OUTER"));
+    for (QORuint64 i = 0; i < count; ++i) {
+      const QORString name = "NAME_" + QORString::number(i);
+      inner.insert(name, symbolOf(name.c_str()));
+    }
+    for (QORuint64 i = 0; i < count; ++i) {
+      const QORString name = "nAmE_" + QORString::number(i);
+      const QORQL_Symbol* const found = inner.findIgnoringCase(name);
+      ASSERT_NE(found, nullptr) << name;
+      EXPECT_EQ(plain(found->getName()), "NAME_" + std::to_string(i));
+      EXPECT_EQ(inner.findHere(name), found);
+      EXPECT_EQ(inner.lookupIgnoringCase(name).Get(), found);
+    }
+    for (const char* unknown : {"", "NAME", "NAME_", "name_200", "NAME`0"}) {
+      EXPECT_EQ(inner.findIgnoringCase(unknown), nullptr) << unknown;
+    }
+    EXPECT_EQ(inner.findHere("outer"), nullptr);
+    ASSERT_NE(inner.findIgnoringCase("outer"), nullptr);
+    EXPECT_EQ(plain(inner.findIgnoringCase("outer")->getName()), "OUTER");
+  }
+}
+
+// Names are looked for in upper case, so that others are never found this way.
+TEST(SymbolTable, ANameThatWasEnteredInLowerCaseIsFoundExactlyOnly) {
+  QORQL_SymbolTable table(nullptr);
+  table.insert("cim_a", symbolOf("cim_a"));
+  EXPECT_EQ(table.findIgnoringCase("cim_a"), nullptr);
+  EXPECT_FALSE(table.lookup("cim_a").IsNull());
+}
+
 TEST(SymbolTable, ReplacesAnEntryOfTheSameName) {
   QORQL_SymbolTable table(nullptr);
   table.insert("A", symbolOf("first"));
