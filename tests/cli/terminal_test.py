@@ -176,6 +176,28 @@ class Terminal(ToolCase):
                 self.assertNotIn("hint", self.model(query).err)
                 self.assertIn("qorql: hint: " + hint, self.model("--warnings", query).err)
 
+    def test_hint_of_what_stands_in_the_place_of_sql(self):
+        for query, hint in (
+                ("SELECT Id FROM Shop_Item LIMIT 3", "the first rows alone are asked for by SELECT FIRST n ..."),
+                ("SELECT DISTINCT Id FROM Shop_Item", "there is no DISTINCT: every row is shown"),
+                ("SELECT Id FROM Shop_Item GROUP BY Id", "there is no GROUP BY: an aggregate is of all rows"),
+                ("SELECT Id FROM Shop_Item JOIN Shop_Empty ON 1 = 1",
+                 "classes stand in FROM with commas between them; WHERE joins them, by values or through an association"),
+                ("SELECT Id FROM Shop_Item LEFT JOIN Shop_Empty", "an outer join is written in WHERE, as A.x *= B.y"),
+                ("SELECT Id FROM Shop_Item WHERE Id IN (1, 2)", "there is no IN: ask for one value after the other with ="),
+                ("SELECT Id FROM Shop_Item WHERE Id BETWEEN 1 AND 2",
+                 "there is no BETWEEN: write x >= least AND x <= greatest"),
+                ("SELECT COUNT(*) FROM Shop_Item", "an aggregate is of a property, as in COUNT(Name)"),
+                ("SELECT Id FROM Shop_Item WHERE Name = 5",
+                 "texts are compared with texts in single quotes, numbers with numbers"),
+                ("SELECT I.Id FROM Shop_Item I", "an alias stands behind AS: Shop_Item AS I"),
+                ("SELECT x.Id FROM Shop_Item",
+                 "x is neither a class of FROM nor a property that holds an object (line 1, column 8)")):
+            with self.subTest(query=query):
+                result = self.model("--warnings", query)
+                self.assertEqual(result.status, 1, result.out)
+                self.assertEqual(result.err.splitlines()[-1], "qorql: hint: " + hint)
+
     def test_no_hint_where_nothing_better_is_known(self):
         for query in ("SELECT", "SELECT Id FROM Shop_Item WHERE ,", "SELECT Id FROM Shop_Item WHERE Id / 0 = 1"):
             self.assertNotIn("hint", self.show(query)[1])

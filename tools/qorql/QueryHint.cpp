@@ -2,6 +2,8 @@
 // may have been meant.
 #include "QueryHint.h"
 
+#include <algorithm>
+
 #include "Cimom/QORQL/QORQL_Messages.h"
 #include "Command.h"
 #include "FilterFault.h"
@@ -11,13 +13,33 @@ namespace {
 
 constexpr const char* kSymbolUnknown = "Unable to locate the symbol for '%s'";
 
+// Words of SQL, and what this language has in their place.
+struct SqlWord {
+  const char* word;
+  const char* hint;
+};
+constexpr SqlWord kSqlWords[] = {
+    {"LIMIT", "the first rows alone are asked for by SELECT FIRST n ..."},
+    {"TOP", "the first rows alone are asked for by SELECT FIRST n ..."},
+    {"DISTINCT", "there is no DISTINCT: every row is shown"},
+    {"GROUP", "there is no GROUP BY: an aggregate is of all rows"},
+    {"HAVING", "there is no HAVING: an aggregate is of all rows"},
+    {"JOIN", "classes stand in FROM with commas between them; WHERE joins them, by values or through an association"},
+    {"INNER", "classes stand in FROM with commas between them; WHERE joins them, by values or through an association"},
+    {"LEFT", "an outer join is written in WHERE, as A.x *= B.y"},
+    {"RIGHT", "an outer join is written in WHERE, as A.x =* B.y"},
+    {"IN", "there is no IN: ask for one value after the other with ="},
+    {"BETWEEN", "there is no BETWEEN: write x >= least AND x <= greatest"},
+};
+
 CQLQueryFault faultOf(const QORString& message) {
   CQLQueryFault fault;
   if (QORQL_isMessage(QORQL_Messages::kPropertyUnknown.text, message, fault.name)) {
     fault.kind = CQLQueryFault::kProperty;
   } else if (QORQL_isMessage(QORQL_Messages::kPropertyAmbiguous.text, message, fault.name)) {
     fault.kind = CQLQueryFault::kAmbiguous;
-  } else if (QORQL_isMessage(kSymbolUnknown, message, fault.name)) {
+  } else if (QORQL_isMessage(kSymbolUnknown, message, fault.name) ||
+             QORQL_isMessage(QORQL_Messages::kSymbolInvalid.text, message, fault.name)) {
     fault.kind = CQLQueryFault::kQualifier;
   } else {
     fault.kind = CQLQueryFault::kOther;
@@ -31,12 +53,36 @@ std::string hintOfName(const std::string& description) {
   return isKnown && description.find("did you mean") == std::string::npos ? std::string() : description;
 }
 
+// A number that is compared with a text, or the other way round.
+std::string hintOfComparison(const QORString& message) {
+  constexpr std::string_view kHead = "Cannot compare ";
+  const std::string_view text = message.view();
+  const bool isMixed = text.starts_with(kHead) && text.find("string") != std::string_view::npos;
+  return isMixed ? "texts are compared with texts in single quotes, numbers with numbers" : "";
+}
+
 // "root" where 'root' is meant.
 std::string hintOfQuote(const FilterText& text, std::size_t offset) {
   const std::string_view rest = text.text().substr(std::min(offset, text.text().size()));
   const std::size_t close = rest.empty() || rest.front() != '"' ? std::string_view::npos : rest.find('"', 1);
   if (close == std::string_view::npos) return {};
   return "texts stand in single quotes: '" + std::string(rest.substr(1, close - 1)) + "'";
+}
+
+// A word or sign of SQL at the place where parsing stopped.
+std::string hintOfSql(const FilterText& text, std::size_t offset) {
+  const auto& pieces = text.pieces();
+  std::size_t at = 0;
+  while (at < pieces.size() && pieces[at].offset < offset) ++at;
+  for (const SqlWord& known : kSqlWords) {
+    if (text.is(at, known.word)) return known.hint;
+  }
+  if (at >= 2 && text.is(at, "*") && text.is(at - 1, "(")) return "an aggregate is of a property, as in COUNT(Name)";
+  const auto isClassBefore = [&](const FilterText::Source& source) {
+    return at > 0 && text.isWord(at) && source.offset == pieces[at - 1].offset;
+  };
+  if (std::none_of(text.sources().begin(), text.sources().end(), isClassBefore)) return {};
+  return "an alias stands behind AS: " + std::string(pieces[at - 1].text) + " AS " + std::string(pieces[at].text);
 }
 
 // Who mistypes a command has it taken for a query.
@@ -57,9 +103,14 @@ std::string hintOfFailure(EmbeddedObjectManager& manager, const std::string& nam
   } catch (const QoriBaseException& error) {
     const CQLQueryFault fault = faultOf(error.getMessage());
     const bool isSyntax = faultOffset.has_value() && fault.kind == CQLQueryFault::kOther;
-    if (!isSyntax) return hintOfName(FilterFault(manager, QORString(nameSpace), text).describe(fault));
-    const std::string quote = hintOfQuote(text, *faultOffset);
-    return quote.empty() ? hintOfCommand(text) : quote;
+    if (!isSyntax) {
+      const std::string hint = hintOfName(FilterFault(manager, QORString(nameSpace), text).describe(fault));
+      return hint.empty() ? hintOfComparison(error.getMessage()) : hint;
+    }
+    for (const std::string& hint : {hintOfQuote(text, *faultOffset), hintOfSql(text, *faultOffset)}) {
+      if (!hint.empty()) return hint;
+    }
+    return hintOfCommand(text);
   } catch (const std::exception&) {
     return {};
   }
