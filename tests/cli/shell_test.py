@@ -387,6 +387,9 @@ class Commands(Shell):
         self.assertEqual(person.ask(".stats off") + person.ask(".timer"), "statistics off\ntimer off\n")
         self.assertEqual(person.ask(".timer maybe"), "qorql: error: 'maybe' is none of off, on\n")
 
+    def test_command_without_its_dot(self):
+        self.assertEqual(self.person().ask("classes;").splitlines()[-1], "qorql: hint: did you mean the command .classes?")
+
     def test_unknown_command(self):
         person = self.person()
         self.assertEqual(person.ask(".outptu"),

@@ -51,6 +51,13 @@ std::vector<Statement> readStatements(const QueryOptions& options) {
   return splitStatements(normaliseText(options.file.empty() ? readStandardInput() : readTextFile(options.file)));
 }
 
+// What a query of one word may have been meant for.
+std::vector<std::string> commandNames() {
+  std::vector<std::string> names;
+  for (const Command& command : allCommands()) names.emplace_back(command.name);
+  return names;
+}
+
 int runStatements(const QueryOptions& options, Session& session) {
   QueryRunner runner(options.session, options.output, session, std::cout);
   for (const Statement& statement : readStatements(options)) {
@@ -60,7 +67,7 @@ int runStatements(const QueryOptions& options, Session& session) {
       session.dropWarnings();
       runner.finish();
       std::cout.flush();
-      return reportFailure(statement, runner.faultOffset(), runner.hint(statement));
+      return reportFailure(statement, runner.faultOffset(), runner.hint(statement, commandNames()));
     }
     session.printWarnings();
     if (!std::cout) break;

@@ -5,7 +5,6 @@
 #include <algorithm>
 
 #include "Cimom/QORQL/QORQL_Messages.h"
-#include "Command.h"
 #include "FilterFault.h"
 #include "Suggestion.h"
 
@@ -85,18 +84,18 @@ std::string hintOfSql(const FilterText& text, std::size_t offset) {
   return "an alias stands behind AS: " + std::string(pieces[at - 1].text) + " AS " + std::string(pieces[at].text);
 }
 
-// Who mistypes a command has it taken for a query.
-std::string hintOfCommand(const FilterText& text) {
+// Who mistypes a command has it taken for a statement.
+std::string hintOfCommand(const FilterText& text, const std::vector<std::string>& commands) {
   if (text.pieces().size() != 1) return {};
   Suggestion suggestion(text.pieces().front().text);
-  for (const Command& command : allCommands()) suggestion.consider(command.name);
+  for (const std::string& command : commands) suggestion.consider(command);
   return suggestion.best().empty() ? "" : "did you mean the command " + suggestion.best() + "?";
 }
 
 }  // namespace
 
 std::string hintOfFailure(EmbeddedObjectManager& manager, const std::string& nameSpace, const Statement& statement,
-                          std::optional<std::size_t> faultOffset) {
+                          std::optional<std::size_t> faultOffset, const std::vector<std::string>& commands) {
   const FilterText text(statement.text, statement.firstLine);
   try {
     throw;
@@ -110,7 +109,7 @@ std::string hintOfFailure(EmbeddedObjectManager& manager, const std::string& nam
     for (const std::string& hint : {hintOfQuote(text, *faultOffset), hintOfSql(text, *faultOffset)}) {
       if (!hint.empty()) return hint;
     }
-    return hintOfCommand(text);
+    return hintOfCommand(text, commands);
   } catch (const std::exception&) {
     return {};
   }

@@ -5,14 +5,16 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "Statements.h"
 
 // A line for a person about the exception that is being handled: the name that
-// is wrong and the one that may have been meant. Empty when the error says all
-// that is known. REQUIRES to be called inside a catch clause.
+// is wrong and the one that may have been meant, one of the commands where the
+// statement is a single word. Empty when the error says all that is known.
+// REQUIRES to be called inside a catch clause.
 std::string hintOfFailure(EmbeddedObjectManager& manager, const std::string& nameSpace, const Statement& statement,
-                          std::optional<std::size_t> faultOffset);
+                          std::optional<std::size_t> faultOffset, const std::vector<std::string>& commands = {});
 
 #endif

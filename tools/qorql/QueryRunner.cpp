@@ -107,8 +107,9 @@ void QueryRunner::warn(Execution& execution) const {
   printUnknownProperties(std::cerr, _session.manager(), QORString(_options.nameSpace), execution.parsed);
 }
 
-std::string QueryRunner::hint(const Statement& statement) const {
-  return isWarning() ? hintOfFailure(_session.manager(), _options.nameSpace, statement, _faultOffset) : std::string();
+std::string QueryRunner::hint(const Statement& statement, const std::vector<std::string>& commands) const {
+  if (!isWarning()) return {};
+  return hintOfFailure(_session.manager(), _options.nameSpace, statement, _faultOffset, commands);
 }
 
 OutputForm QueryRunner::formOf(const Execution& execution) const {

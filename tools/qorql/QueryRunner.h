@@ -5,6 +5,8 @@
 #include <iosfwd>
 #include <memory>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "OutputOptions.h"
 #include "ResultWriter.h"
@@ -24,8 +26,9 @@ class QueryRunner {
   // Where in the text of the last statement parsing failed; empty for other faults.
   std::optional<std::size_t> faultOffset() const { return _faultOffset; }
   // What may have been meant by a statement that failed, where warnings are
-  // wanted; empty when nothing is known. REQUIRES to be called inside a catch clause.
-  std::string hint(const Statement& statement) const;
+  // wanted; empty when nothing is known. A single word may stand for one of the
+  // commands. REQUIRES to be called inside a catch clause.
+  std::string hint(const Statement& statement, const std::vector<std::string>& commands) const;
   // After the last statement: completes the output.
   void finish();
 

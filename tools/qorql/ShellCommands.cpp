@@ -221,14 +221,18 @@ bool runShellCommand(const std::string& line, ShellState& state) {
   return true;
 }
 
+std::vector<std::string> shellCommandNames() {
+  std::vector<std::string> names;
+  for (const ShellCommand& command : kCommands) names.emplace_back(command.name);
+  return names;
+}
+
 Completions completeShellCommand(std::string_view line, std::size_t cursor, const ShellState& state) {
   Completions found;
   const std::string_view typed = line.substr(0, cursor);
   const std::size_t blank = typed.find_first_of(" \t");
   if (blank == std::string_view::npos) {
-    std::vector<std::string> names;
-    for (const ShellCommand& command : kCommands) names.emplace_back(command.name);
-    found.words = startingWith(names, typed);
+    found.words = startingWith(shellCommandNames(), typed);
     return found;
   }
   const std::string name = nameOf(line);

@@ -4,6 +4,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "LineEditor.h"
 #include "OutputOptions.h"
@@ -23,6 +24,8 @@ struct ShellState {
 bool isShellCommand(std::string_view line);
 // Runs it; what is wrong with it is reported. False to quit. REQUIRES isShellCommand.
 bool runShellCommand(const std::string& line, ShellState& state);
+// ".help" and so on.
+std::vector<std::string> shellCommandNames();
 // The names of commands, and what their argument may be.
 Completions completeShellCommand(std::string_view line, std::size_t cursor, const ShellState& state);
 
