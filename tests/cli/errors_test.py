@@ -72,7 +72,7 @@ class Errors(ToolCase):
         self.refused(self.run_tool("--no-live", "--file", "/dev/zero"), 3,
                      "qorql: error: /dev/zero cannot be read: it is larger than 512 MB")
         great = self.write("great.mof", "")
-        os.truncate(great, 1 << 40)
+        os.truncate(great, 1 << 33)
         self.refused(self.run_tool("--no-live", "-m", great, ONE), 3,
                      f"qorql: error: {great}: cannot be read: it is larger than 512 MB")
 

@@ -264,11 +264,11 @@ TEST_F(MofCacheTest, WhatIsNoPlainFileIsNeitherReadNorReplaced) {
 // Without reading it: there is more than any cache has.
 TEST_F(MofCacheTest, AFileOfAnySizeIsPassedOver) {
   open({_model});
-  fs::resize_file(_file, std::uintmax_t{1} << 40U);
+  fs::resize_file(_file, std::uintmax_t{1} << 33U);
   EXPECT_EQ(open({_model}).passedOver, "it is damaged");
   EXPECT_TRUE(open({_model}).isFromCache) << "it is made anew";
   write("kept.mofcache", "");
-  fs::resize_file(_file, std::uintmax_t{1} << 40U);
+  fs::resize_file(_file, std::uintmax_t{1} << 33U);
   EXPECT_EQ(open({_model}).passedOver, "it is no cache");
 }
 

@@ -62,7 +62,7 @@ TEST_F(Bounds, nestingUpToTheBoundWorksAndBeyondItIsAnError) {
 #if defined(__OPTIMIZE__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) && !defined(__clang__)
 constexpr std::size_t kMegabyte = std::size_t{1} << 20U;
 #else
-constexpr std::size_t kMegabyte = std::size_t{16} << 20U;
+constexpr std::size_t kMegabyte = std::size_t{32} << 20U;
 #endif
 
 void runOnStackOf(std::size_t size, std::function<void()> work) {
