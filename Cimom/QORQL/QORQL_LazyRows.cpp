@@ -16,7 +16,7 @@ constexpr QORuint32 kSmall = 65536;
 
 }  // namespace
 
-QORQL_Extent::QORQL_Extent(const ObjectList& list) : _list(list), _cursor(*list) {
+QORQL_Extent::QORQL_Extent(const ObjectList& list) : _list(list), _cursor(std::in_place, *list) {
   const IQoriLayout* previous = nullptr;
   bool isFirst = true;
   const bool isSmall = size() <= kSmall;
@@ -47,18 +47,32 @@ void QORQL_Extent::makeObjects() const {
   _list->forEach([this](const QORSmrPtr<IQoriObject>& pointer) { _objects.push_back(pointer.Get()); });
 }
 
-void QORQL_Extent::copyRun(QORuint32 first, std::size_t count, const IQoriObject** out) const {
-  if (_objects.empty() && first == 0) {
-    _cursor.reset();
-    _nextOfCursor = 0;
+bool QORQL_Extent::moveCursor(QORuint32 first) const {
+  if (first == _nextOfCursor) return true;
+  const std::size_t mark = first / kMarkDistance;
+  if (first != 0 && (mark >= _marks.size() || _moves == kFewMoves)) return false;
+  if (first == 0) {
+    _cursor.emplace(*_list);
+  } else {
+    ++_moves;
+    _cursor.emplace(_marks[mark]);
+    *_cursor += first % kMarkDistance;
   }
-  if (!_objects.empty() || first != _nextOfCursor) {
-    if (_objects.empty()) makeObjects();
+  _nextOfCursor = first;
+  return true;
+}
+
+void QORQL_Extent::copyRun(QORuint32 first, std::size_t count, const IQoriObject** out) const {
+  if (_objects.empty() && !moveCursor(first)) makeObjects();
+  if (!_objects.empty()) {
     std::copy_n(_objects.data() + first, count, out);
     return;
   }
-  for (std::size_t i = 0; i < count && ++_cursor; ++i) out[i] = _cursor.key().Get();
-  _nextOfCursor += static_cast<QORuint32>(count);
+  for (std::size_t i = 0; i < count; ++i, ++_nextOfCursor) {
+    if (_nextOfCursor == _marks.size() * kMarkDistance) _marks.push_back(*_cursor);
+    if (!++*_cursor) return;
+    out[i] = _cursor->key().Get();
+  }
 }
 
 const QORSmrPtr<IQoriObject>& QORQL_Extent::pointer(QORuint32 index) const {

@@ -4,6 +4,7 @@
 #define QORQL_LAZYROWS_H
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "cimom/IQoriObject.h"
@@ -24,7 +25,8 @@ class QORQL_Extent {
     if (_objects.empty()) makeObjects();
     return _objects[index];
   }
-  // The objects from `first` on, without the array as long as runs follow one another.
+  // The objects from `first` on, without the array as long as runs follow one
+  // another but for a few that go back. REQUIRES that there are so many.
   void copyRun(QORuint32 first, std::size_t count, const IQoriObject** out) const;
   // The list's own pointer to an object.
   const QORSmrPtr<IQoriObject>& pointer(QORuint32 index) const;
@@ -36,12 +38,22 @@ class QORQL_Extent {
  private:
   void noteLayout(const IQoriLayout* layout);
   void makeObjects() const;
+  // Puts the cursor before the object at `first`; false when it is better to have the array.
+  bool moveCursor(QORuint32 first) const;
+
+  using Cursor = QORValSlistIterator<QORSmrPtr<IQoriObject>>;
+  // A list has no way to its middle: marks that the cursor has passed are one, as
+  // long as they are rarely needed.
+  static constexpr QORuint32 kMarkDistance = 4096;
+  static constexpr QORuint32 kFewMoves = 64;
 
   ObjectList _list;
   bool _hasNull = false;
   std::vector<const IQoriLayout*> _layouts;
-  mutable QORValSlistIterator<QORSmrPtr<IQoriObject>> _cursor;  // behind the last run
+  mutable std::optional<Cursor> _cursor;  // behind the last run; always there
   mutable QORuint32 _nextOfCursor = 0;
+  mutable std::vector<Cursor> _marks;  // before the first, the 4,096th object, and so on
+  mutable QORuint32 _moves = 0;
   mutable std::vector<const IQoriObject*> _objects;
   mutable std::vector<const QORSmrPtr<IQoriObject>*> _pointers;
 };

@@ -53,6 +53,7 @@ std::vector<QORuint32> sortedByList(QORQL_RowReader& reader, std::size_t slot, b
 std::vector<QORuint32> sortedNumbers(QORQL_RowReader& reader, std::size_t slot, bool isAscending) {
   if (!reader.isBound(slot)) return sortedByList(reader, slot, isAscending);  // reads each key once
   QORQL_SortKeys keys;
+  keys.reserve(reader.rowCount());
   QORQL_StopCheck stopCheck;
   for (QORuint32 row = 0; row < reader.rowCount(); ++row) {
     stopCheck.count();

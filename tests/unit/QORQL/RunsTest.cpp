@@ -274,7 +274,17 @@ TEST(Extent, runsOfALongList) {
   expectRun(kCount - 10, 10);
   expectRun(30, 64);
   expectRun(0, 1);
+  // Round the places that the extent remembers, and more often than it is worth remembering.
+  for (int round = 0; round < 20; ++round) {
+    for (const QORuint32 first : {69999U, 4095U, 4096U, 65536U, 8193U}) expectRun(first, first == 69999 ? 1 : 64);
+  }
+  expectRun(4160, 64);
   EXPECT_EQ(extent.object(69999), expected(69999));
+
+  const QORQL_Extent unread(list);
+  const IQoriObject* ahead = nullptr;
+  unread.copyRun(50001, 1, &ahead);
+  EXPECT_EQ(ahead, expected(50001));
 }
 
 // --- rows for objects without a partner ---------------------------------------------
