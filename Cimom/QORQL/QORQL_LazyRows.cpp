@@ -47,6 +47,18 @@ void QORQL_Extent::makeObjects() const {
   _list->forEach([this](const QORSmrPtr<IQoriObject>& pointer) { _objects.push_back(pointer.Get()); });
 }
 
+const IQoriObject* QORQL_Extent::objectInList(QORuint32 index) const {
+  const std::size_t mark = index / kMarkDistance;
+  if (mark >= _marks.size() || _moves == kFewMoves) {
+    makeObjects();
+    return _objects[index];
+  }
+  ++_moves;
+  Cursor cursor(_marks[mark]);
+  cursor += index % kMarkDistance + 1;
+  return cursor.key().Get();
+}
+
 bool QORQL_Extent::moveCursor(QORuint32 first) const {
   if (first == _nextOfCursor) return true;
   const std::size_t mark = first / kMarkDistance;

@@ -20,11 +20,9 @@ class QORQL_Extent {
   QORuint32 size() const noexcept { return _list.Get()->entries(); }
   // Whether the list has null elements; such an extent cannot be used further.
   bool hasNull() const noexcept { return _hasNull; }
-  // An object by its place; the first call makes an array of all of them.
-  const IQoriObject* object(QORuint32 index) const {
-    if (_objects.empty()) makeObjects();
-    return _objects[index];
-  }
+  // An object by its place; but for a few of those that have been read in runs,
+  // this makes an array of all of them.
+  const IQoriObject* object(QORuint32 index) const { return _objects.empty() ? objectInList(index) : _objects[index]; }
   // The objects from `first` on, without the array as long as runs follow one
   // another but for a few that go back. REQUIRES that there are so many.
   void copyRun(QORuint32 first, std::size_t count, const IQoriObject** out) const;
@@ -38,6 +36,7 @@ class QORQL_Extent {
  private:
   void noteLayout(const IQoriLayout* layout);
   void makeObjects() const;
+  const IQoriObject* objectInList(QORuint32 index) const;
   // Puts the cursor before the object at `first`; false when it is better to have the array.
   bool moveCursor(QORuint32 first) const;
 

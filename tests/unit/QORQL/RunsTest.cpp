@@ -274,6 +274,7 @@ TEST(Extent, runsOfALongList) {
   expectRun(kCount - 10, 10);
   expectRun(30, 64);
   expectRun(0, 1);
+  for (const QORuint32 place : {0U, 4095U, 4096U, 69999U}) EXPECT_EQ(extent.object(place), expected(place));
   // Round the places that the extent remembers, and more often than it is worth remembering.
   for (int round = 0; round < 20; ++round) {
     for (const QORuint32 first : {69999U, 4095U, 4096U, 65536U, 8193U}) expectRun(first, first == 69999 ? 1 : 64);
