@@ -46,7 +46,7 @@ std::vector<LinuxAccount> readAccounts() {
   const Closing closing{endpwent};
   for (;;) {
     errno = 0;
-    const passwd* const entry = getpwent();  // NOLINT(concurrency-mt-unsafe): under the lock
+    const passwd* const entry = getpwent();  // NOLINT(concurrency-mt-unsafe): databaseLock is held
     if (entry == nullptr) break;
     if (!names.insert(textOf(entry->pw_name)).second) continue;
     accounts.push_back({textOf(entry->pw_name), entry->pw_uid, entry->pw_gid, textOf(entry->pw_gecos),
@@ -64,7 +64,7 @@ std::vector<LinuxAccountGroup> readAccountGroups() {
   const Closing closing{endgrent};
   for (;;) {
     errno = 0;
-    const group* const entry = getgrent();  // NOLINT(concurrency-mt-unsafe): under the lock
+    const group* const entry = getgrent();  // NOLINT(concurrency-mt-unsafe): databaseLock is held
     if (entry == nullptr) break;
     if (!names.insert(textOf(entry->gr_name)).second) continue;
     groups.push_back({textOf(entry->gr_name), entry->gr_gid, {}});

@@ -4,7 +4,6 @@
 #include "Cimom/QORQL/CQLQueryStatement.h"
 #include "Cimom/QORQL/QORQL_Arithmetic.h"
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
-#include "Cimom/QORQL/QORQL_Term.h"
 
 namespace {
 
@@ -28,16 +27,14 @@ bool isConstant(const Node& side) {
 }  // namespace
 
 const QORQL_Factor* CQLLoneFactor(const Node& side) {
-  const QORQL_Evaluatable* node = side.Get();
-  while (const auto* sum = dynamic_cast<const QORQL_Arithmetic*>(node)) {
-    const QORQL_Term* const term = sum->getOperator() == QORQL_OperatorNONE ? sum->getTermCasted() : nullptr;
-    if (term == nullptr || term->getOperator() != QORQL_OperatorNONE) return nullptr;
-    const QORQL_Factor* const factor = term->getFactorCasted();
+  const Node* node = &side;
+  while (const auto* sum = QORQL_nodeAs<QORQL_Arithmetic>(*node)) {
+    const QORQL_Factor* const factor = sum->loneFactor();
     if (factor == nullptr || factor->getOperator() != QORQL_OperatorNONE) return nullptr;
     if (factor->getEvaluatable().IsNull()) return factor;
-    const auto* inner = dynamic_cast<const QORQL_Comparison*>(factor->getEvaluatable().Get());
+    const auto* inner = QORQL_nodeAs<QORQL_Comparison>(factor->getEvaluatable());
     if (inner == nullptr || inner->getOperator() != QORQL_OperatorNONE) return nullptr;
-    node = inner->getLHSArithmeticExpression().Get();
+    node = &inner->getLHSArithmeticExpression();
   }
   return nullptr;
 }

@@ -208,7 +208,7 @@ Bound QORQL_Binder::bindChain(const Node& first) const {
 }
 
 Bound QORQL_Binder::bind(const QORSmrPtr<QORQL_Evaluatable>& node) const {
-  if (const QORQL_Factor* const sole = QORQL_soleFactorOf(node.Get())) return bindFactor(*sole);
+  if (const QORQL_Factor* const sole = QORQL_soleFactorOf(node)) return bindFactor(*sole);
   const QORQL_Evaluatable* current = node.Get();
   while (current != nullptr) {
     if (const auto* factor = dynamic_cast<const QORQL_Factor*>(current)) return bindFactor(*factor);

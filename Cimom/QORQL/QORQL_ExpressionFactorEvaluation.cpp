@@ -26,9 +26,9 @@ using ClassName = QORSmrPtr<QORString>;
 class SideNames {
  public:
   explicit SideNames(const QORSmrPtr<QORQL_Evaluatable>& side) {
-    if (const QORQL_Factor* const sole = QORQL_soleFactorOf(side.Get())) {
+    if (const QORQL_Factor* const sole = QORQL_soleFactorOf(side)) {
       _only = sole->getClassName();
-    } else if (dynamic_cast<QORQL_Arithmetic*>(side.Get()) != nullptr) {
+    } else if (QORQL_nodeAs<QORQL_Arithmetic>(side) != nullptr) {
       QORQL_IdentifierFinder* const finder = new QORQL_IdentifierFinder();
       QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
       side->accept(visitor);

@@ -1,12 +1,9 @@
 // The visitor that finds the classes and the property that an expression names.
 #include "Cimom/QORQL/QORQL_IdentifierFinder.h"
 
-#include <typeinfo>
-
 #include "Cimom/QORQL/QORQL_Arithmetic.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_Function.h"
-#include "Cimom/QORQL/QORQL_Term.h"
 
 QORQL_IdentifierFinder::QORQL_IdentifierFinder() : _classNameList(ClassNameList::Make()) {}
 
@@ -42,23 +39,9 @@ QORSmrPtr<QORString> QORQL_IdentifierFinder::getPropertyName() const {
   return _countFactors == 1 ? _propertyName : QORSmrPtr<QORString>();
 }
 
-namespace {
-
-// The node as a Node, null when it is none; quicker than a cast for nodes that
-// classes are not derived from.
-template <class Node>
-const Node* exactly(const QORQL_Evaluatable* node) noexcept {
-  return node != nullptr && typeid(*node) == typeid(Node) ? static_cast<const Node*>(node) : nullptr;
-}
-
-}  // namespace
-
-const QORQL_Factor* QORQL_soleFactorOf(const QORQL_Evaluatable* side) noexcept {
-  const auto* const arithmetic = exactly<QORQL_Arithmetic>(side);
-  if (arithmetic == nullptr || arithmetic->getOperator() != QORQL_OperatorNONE) return nullptr;
-  const auto* const term = exactly<QORQL_Term>(arithmetic->getTerm().Get());
-  if (term == nullptr || term->getOperator() != QORQL_OperatorNONE) return nullptr;
-  const auto* const factor = exactly<QORQL_Factor>(term->getFactor().Get());
+const QORQL_Factor* QORQL_soleFactorOf(const QORSmrPtr<QORQL_Evaluatable>& side) noexcept {
+  const auto* const arithmetic = QORQL_nodeAs<QORQL_Arithmetic>(side);
+  const QORQL_Factor* const factor = arithmetic == nullptr ? nullptr : arithmetic->loneFactor();
   const bool isLeaf = factor != nullptr && factor->getEvaluatable().IsNull() && factor->getSelectedEntry().IsNull();
   return isLeaf ? factor : nullptr;
 }

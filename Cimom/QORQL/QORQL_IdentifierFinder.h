@@ -41,6 +41,6 @@ class QORQL_IdentifierFinder : public QORQL_ExpressionVisitor {
 // The literal or reference that is all of an arithmetic expression, as it is of
 // most sides of most comparisons; null for anything else. BORROWS. Spares those
 // sides a finder of their own.
-const QORQL_Factor* QORQL_soleFactorOf(const QORQL_Evaluatable* side) noexcept;
+const QORQL_Factor* QORQL_soleFactorOf(const QORSmrPtr<QORQL_Evaluatable>& side) noexcept;
 
 #endif

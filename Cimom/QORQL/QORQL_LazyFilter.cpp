@@ -24,7 +24,7 @@ void QORQL_addColumnsRead(const QORSmrPtr<QORQL_Evaluatable>& side, const QORQL_
     const QORsint32 column = name.isEmpty() ? -1 : table.getColumnIndex(name);
     if (column >= 0) columns.push_back(static_cast<QORuint32>(column));
   };
-  if (const QORQL_Factor* const sole = QORQL_soleFactorOf(side.Get())) {
+  if (const QORQL_Factor* const sole = QORQL_soleFactorOf(side)) {
     if (!sole->getClassName().IsNull()) add(*sole->getClassName());
     return;
   }

@@ -160,8 +160,8 @@ class InstanceOfFinder : public QORQL_ExpressionVisitor {
 bool QORQL_RowTruth::asksObjectManager(const QORQL_Condition& condition) {
   const QORQL_Comparison& comparison = condition.comparison();
   const QORSmrPtr<QORQL_Evaluatable>& right = comparison.getRHSArithmeticExpression();
-  if (QORQL_soleFactorOf(comparison.getLHSArithmeticExpression().Get()) != nullptr &&
-      (right.IsNull() || QORQL_soleFactorOf(right.Get()) != nullptr)) {
+  if (QORQL_soleFactorOf(comparison.getLHSArithmeticExpression()) != nullptr &&
+      (right.IsNull() || QORQL_soleFactorOf(right) != nullptr)) {
     return false;
   }
   InstanceOfFinder* const finder = new InstanceOfFinder();

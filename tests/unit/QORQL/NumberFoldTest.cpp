@@ -5,33 +5,13 @@
 #include <vector>
 
 #include "Cimom/QORQL/QORQL_NumberFold.h"
+#include "NumberViews.h"
 #include "QueryWorld.h"
 #include "cimom/CQoriValue.h"
 
 namespace {
 
 using Value = QORSmrPtr<IQoriValue>;
-
-QoriScalar number(QORuint64 value) {
-  QoriScalar scalar;
-  scalar.kind = QoriScalarKind::Unsigned;
-  scalar.u = value;
-  return scalar;
-}
-
-QoriScalar number(QORsint64 value) {
-  QoriScalar scalar;
-  scalar.kind = QoriScalarKind::Signed;
-  scalar.s = value;
-  return scalar;
-}
-
-QoriScalar number(double value) {
-  QoriScalar scalar;
-  scalar.kind = QoriScalarKind::Real;
-  scalar.r = value;
-  return scalar;
-}
 
 const QoriScalar kText = CQoriValue(QORString("text")).scalar();
 

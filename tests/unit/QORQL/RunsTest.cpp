@@ -10,6 +10,7 @@
 #include "Cimom/QORQL/QORQL_NumberOrder.h"
 #include "Cimom/QORQL/QORQL_PropertyColumn.h"
 #include "Cimom/QORQL/QORQL_SortKeys.h"
+#include "NumberViews.h"
 #include "QueryWorld.h"
 #include "cimom/CIMApi.h"
 #include "cimom/CQoriBaseObject.h"
@@ -147,25 +148,6 @@ TEST_F(Runs, objectsOfSeveralClassesInOneColumn) {
 }
 
 // --- the parts by themselves ------------------------------------------------------
-
-QoriScalar number(unsigned long long value) {
-  QoriScalar scalar;
-  scalar.kind = QoriScalarKind::Unsigned;
-  scalar.u = value;
-  return scalar;
-}
-QoriScalar number(long long value) {
-  QoriScalar scalar;
-  scalar.kind = QoriScalarKind::Signed;
-  scalar.s = value;
-  return scalar;
-}
-QoriScalar number(double value) {
-  QoriScalar scalar;
-  scalar.kind = QoriScalarKind::Real;
-  scalar.r = value;
-  return scalar;
-}
 
 // The keys in ascending order of the numbers; empty when they have none.
 std::vector<QORuint64> keysOf(const std::vector<QoriScalar>& numbers) {
