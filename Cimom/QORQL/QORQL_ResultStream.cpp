@@ -31,9 +31,16 @@ QORQL_ResultStream::QORQL_ResultStream(const QORQL_SelectList& list, QORQL_Symbo
   }
 }
 
+// A column that cannot be declared, since it cannot be computed on the first row,
+// fails with what was written until then.
 void QORQL_ResultStream::write() {
   _text = "\n<IRETURNVALUE>\n<TABLE>\n";
-  _streamTableHeader();
+  try {
+    _streamTableHeader();
+  } catch (...) {
+    _flush();
+    throw;
+  }
   _flush();
   try {
     _streamTableRows();

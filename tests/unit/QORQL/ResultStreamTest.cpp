@@ -102,6 +102,21 @@ TEST_F(ResultStream, aValueThatCannotBeComputedEndsTheRowsAndIsLogged) {
   EXPECT_THAT(outcome.log, testing::Contains("CQL/1: Caught an exception occured while streaming the data."));
 }
 
+TEST_F(ResultStream, aColumnThatCannotBeDeclaredFailsBehindTheDeclarationsBeforeIt) {
+  const QueryOutcome outcome = world.run("SELECT C.Id, 1 / (1 - C.Id) AS Q FROM C");
+  EXPECT_THAT(outcome.error, HasSubstr("Division by zero"));
+  EXPECT_EQ(outcome.stream,
+            "\n<IRETURNVALUE>\n<TABLE>\n<TABLEROW.DECLARATION>\n"
+            "<TABLECELL.DECLARATION NAME=\"C.Id\" TYPE=\"uint32\" ISARRAY=\"0\" CELLPOS=\"0\">"
+            "</TABLECELL.DECLARATION>\n");
+}
+
+TEST_F(ResultStream, aNullAggregateFailsBeforeAnythingIsWritten) {
+  const QueryOutcome outcome = world.run("SELECT MAX(Id) AS M FROM Z");
+  EXPECT_EQ(outcome.error, "parse 15 line 0: Aggregate functions must contain a valid expression.");
+  EXPECT_EQ(outcome.stream, "");
+}
+
 TEST_F(ResultStream, theFormatClauseDoesNotChangeTheStream) {
   EXPECT_EQ(stream("SELECT Id FROM C FORMAT AS CSV"), stream("SELECT Id FROM C"));
 }
