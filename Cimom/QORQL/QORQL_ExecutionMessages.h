@@ -14,9 +14,6 @@ inline constexpr char kColumnIndexTooGreat[] =
     "Error occured when adding a column to a row. The header index specified was greater than the boundary limit.";
 inline constexpr char kCellOutsideTable[] =
     "Error occured when adding a cell to a row. The cell location specified was outside the table boundary.";
-inline constexpr char kColumnIndexFailed[] =
-    "An unknown exception occured when retrieving the column index for class - '";
-inline constexpr char kColumnFailed[] = "An unknown exception occured when retrieving the column for class - '";
 inline constexpr char kPropertyFailed[] = "An unknown exception occured when retrieving the property - '";
 inline constexpr char kPropertyValueFailed[] = "An unknown exception occured when retrieving the property value of - '";
 inline constexpr char kInstanceNameFailed[] = "An unknown exception occured when retrieving instance name for class '";

@@ -2,6 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "QueryWorld.h"
 #include "cimom/CQoriBaseObject.h"
@@ -29,6 +31,19 @@ Object makeObject(const char* name) {
   properties->append(new CQoriProperty("Name", new CQoriValue(QORString(name)), true));
   return Object(new CQoriBaseObject("root/cimv2", "CIM_Disk", "Name", properties));
 }
+
+// An object that cannot be read.
+class FailingObject : public IQoriObject {
+ public:
+  const QORString& getClassName() const noexcept override { return QORString::emptyString(); }
+  QORSmrPtr<IQoriInstanceName> getInstanceName() const override { throw std::runtime_error("no name"); }
+  QORString getNameSpace() const override { return {}; }
+  QORuint32 getPropertyCount() const noexcept override { return 0; }
+  QORSmrPtr<IQoriProperty> getPropertyAt(QORuint32) const override { throw std::runtime_error("no property"); }
+  QORSmrPtr<IQoriProperty> getProperty(const QORString&, bool) const override {
+    throw QoriBaseException("Failing", "Object", QORString(), "no property", 7);
+  }
+};
 
 QORSmrPtr<QORQL_TableHeader> header(const char* name, const char* alias = "") {
   return QORSmrPtr<QORQL_TableHeader>(new QORQL_TableHeader(name, alias, ""));
@@ -129,6 +144,27 @@ TEST(DataRow, missingPropertyNamesPropertyAndClass) {
     EXPECT_EQ(error.getMessage(), "A non-existent property - 'Size' was requested from class - 'C0'");
   }
   EXPECT_EQ(row.getPropertyValueByName("C0", "name")->toString(), "a");
+}
+
+TEST(DataRow, anObjectThatCannotBeReadIsLoggedAndGivesNull) {
+  QueryWorld world("");
+  std::vector<std::string> log;
+  world.manager().setLogSink(
+      [&log](const QORString& who, const QORString& message, QORuint32 severity) {
+        log.push_back(QueryWorld::textOf(who) + "/" + std::to_string(severity) + ": " + QueryWorld::textOf(message));
+      },
+      QoriTraceLog::kTrace);
+  const QORSmrPtr<QORQL_DataTable> table(tableOf(1));
+  QORQL_DataRow row;
+  row.setParentTable(table.Get());
+  row.addCell(0, new FailingObject());
+  EXPECT_TRUE(row.getPropertyByName("C0", "Size").IsNull());
+  EXPECT_TRUE(row.getPropertyValueByName("C0", "Size").IsNull());
+  EXPECT_TRUE(row.getFullInstanceName("C0").IsNull());
+  const std::string property =
+      "CQL/1: An unknown exception occured when retrieving the property - 'Size' from class 'C0'";
+  EXPECT_THAT(log, ElementsAre(property, property,
+                               "CQL/1: An unknown exception occured when retrieving instance name for class 'C0'"));
 }
 
 TEST(DataRow, instanceNamesAreEqualReferences) {
