@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -61,13 +62,12 @@ class KeyIndex {
       head = static_cast<QORuint32>(row);
     }
   }
+  // Calls back for each row whose key is not null and has this hash: it may be equal.
   template <class Callback>
-  void forEachEqual(const QoriScalar& key, QORuint32 hash, const Callback& callback) const {
-    if (key.isNull()) return;
+  void forEachLike(QORuint32 hash, const Callback& callback) const {
     const QORuint32* const hashes = _keys.hashes().data();
-    const QoriScalar* const keys = _keys.keys().data();
     for (QORuint32 row = _heads[hash & (_heads.size() - 1)]; row != kEnd; row = _next[row]) {
-      if (hashes[row] == hash && isTrue(key, QoriRelation::Equal, keys[row])) callback(row);
+      if (hashes[row] == hash) callback(row);
     }
   }
 
@@ -173,19 +173,66 @@ struct Partners {
   std::vector<bool> ofInner;
 };
 
-// `partners` may be null.
-QORQL_RowBlock joinByHash(const Join& join, Partners* partners) {
-  PairCollector pairs(join.outer, join.inner);
+// Pairs of rows whose keys have one hash, compared a run at a time, so that the inner keys' texts are not waited for
+// one after the other.
+class LikelyPairs {
+ public:
+  // `partners` may be null.
+  LikelyPairs(const Join& join, Partners* partners)
+      : _outerKeys(join.outerKeys), _innerKeys(join.innerKeys), _partners(partners), _pairs(join.outer, join.inner) {}
+  void add(QORuint64 outerRow, QORuint32 innerRow) {
+    const QoriScalar& key = _innerKeys.keys()[innerRow];
+    if (key.kind == QoriScalarKind::Text) __builtin_prefetch(key.text);
+    _run[_count++] = {outerRow, innerRow};
+    if (_count == _run.size()) compare();
+  }
+  void compare() {
+    const QoriScalar* const outerKeys = _outerKeys.keys().data();
+    const QoriScalar* const innerKeys = _innerKeys.keys().data();
+    for (std::size_t i = 0; i < _count; ++i) {
+      const QoriScalar& key = innerKeys[_run[i].innerRow];
+      if (key.kind == QoriScalarKind::Text) __builtin_prefetch(key.text->data());
+    }
+    for (std::size_t i = 0; i < _count; ++i) {
+      const Pair& pair = _run[i];
+      if (!isTrue(outerKeys[pair.outerRow], QoriRelation::Equal, innerKeys[pair.innerRow])) continue;
+      _pairs.add(pair.outerRow, pair.innerRow);
+      if (_partners != nullptr) _partners->ofOuter[pair.outerRow] = _partners->ofInner[pair.innerRow] = true;
+    }
+    _count = 0;
+  }
+  // REQUIRES that all have been compared.
+  QORQL_RowBlock finish() { return _pairs.finish(); }
+
+ private:
+  struct Pair {
+    QORuint64 outerRow;
+    QORuint32 innerRow;
+  };
+
+  const QORQL_JoinKeys& _outerKeys;
+  const QORQL_JoinKeys& _innerKeys;
+  Partners* const _partners;
+  PairCollector _pairs;
+  std::array<Pair, QORQL_PropertyColumn::kBatch> _run;
+  std::size_t _count = 0;
+};
+
+// Reads the outer keys and finds the partners of each run at once: a text that is compared later has left the cache
+// and is waited for again. `partners` may be null. Nothing when the keys do not go together.
+std::optional<QORQL_RowBlock> joinByHash(const Join& join, QORQL_JoinKeys& outerKeys, Partners* partners) {
+  LikelyPairs pairs(join, partners);
   const KeyIndex index(join.innerKeys);
   QORQL_StopCheck stopCheck;
-  const QoriScalar* const keys = join.outerKeys.keys().data();
-  const QORuint32* const hashes = join.outerKeys.hashes().data();
-  for (QORuint64 row = 0; row < join.outer.rowCount; ++row) {
-    stopCheck.count();
-    index.forEachEqual(keys[row], hashes[row], [&](QORuint32 inner) {
-      pairs.add(row, inner);
-      if (partners != nullptr) partners->ofOuter[row] = partners->ofInner[inner] = true;
-    });
+  QORuint64 row = 0;
+  while (outerKeys.readRun()) {
+    if (!QORQL_JoinKeys::areJoinable(outerKeys, join.innerKeys)) return std::nullopt;
+    for (; row < outerKeys.keys().size(); ++row) {
+      stopCheck.count();
+      if (outerKeys.keys()[row].isNull()) continue;
+      index.forEachLike(outerKeys.hashes()[row], [&](QORuint32 inner) { pairs.add(row, inner); });
+    }
+    pairs.compare();
   }
   return pairs.finish();
 }
@@ -222,7 +269,11 @@ QORQL_RowBlock joinNumbers(const Join& join, const QORQL_NumberOrder& order) {
   return pairs.finish();
 }
 
-QORQL_RowBlock joinByComparing(const Join& join) {
+std::optional<QORQL_RowBlock> joinByComparing(const Join& join, QORQL_JoinKeys& outerKeys) {
+  outerKeys.readAll();
+  const bool isReference =
+      join.innerKeys.category() == QORQL_JoinKeys::kReference || outerKeys.category() == QORQL_JoinKeys::kReference;
+  if (isReference || !QORQL_JoinKeys::areJoinable(outerKeys, join.innerKeys)) return std::nullopt;
   QORQL_NumberOrder order;
   if (noteNumbers(join.outerKeys, order) && noteNumbers(join.innerKeys, order) && order.isUniform()) {
     return joinNumbers(join, order);
@@ -296,34 +347,28 @@ bool mayJoin(const QORQL_LazyRows& rows, const QORQL_Condition& condition, std::
 
 }  // namespace
 
-QORQL_JoinKeys::QORQL_JoinKeys(const QORQL_BoundValue& side, const QORQL_LazyRows& rows, const QORQL_RowBlock& block) {
+QORQL_JoinKeys::QORQL_JoinKeys(const QORQL_BoundValue& side, const QORQL_LazyRows& rows, const QORQL_RowBlock& block)
+    : _side(side), _block(block), _view(rows) {
   _keys.reserve(block.rowCount);
   _hashes.reserve(block.rowCount);
-  if (side.propertyColumn() != nullptr) {
-    addProperty(*side.propertyColumn(), block);
-    return;
-  }
-  QORQL_RowView view(rows);
-  QORQL_StopCheck stopCheck;
-  for (QORuint64 row = 0; row < block.rowCount; ++row) {
-    stopCheck.count();
-    view.select(block, row);
-    QORSmrPtr<IQoriValue> holder;
-    const QoriScalar key = side.view(view, holder);
-    add(key, holder);
-  }
 }
 
-void QORQL_JoinKeys::addProperty(const QORQL_PropertyColumn& column, const QORQL_RowBlock& block) {
+bool QORQL_JoinKeys::readRun() {
   std::array<QoriScalar, QORQL_PropertyColumn::kBatch> cells;
-  QORSmrPtr<IQoriValue> none;
-  QORQL_StopCheck stopCheck;
-  for (QORuint64 row = 0; row < block.rowCount; row += cells.size()) {
-    stopCheck.count(cells.size());
-    const std::size_t count = static_cast<std::size_t>(std::min<QORuint64>(cells.size(), block.rowCount - row));
-    column.read(block, row, count, cells.data());
-    for (std::size_t i = 0; i < count; ++i) add(cells[i], none);
+  const QORuint64 first = _keys.size();
+  const std::size_t count = static_cast<std::size_t>(std::min<QORuint64>(cells.size(), _block.rowCount - first));
+  _stopCheck.count(count);
+  const QORQL_PropertyColumn* const column = _side.propertyColumn();
+  if (column != nullptr) column->read(_block, first, count, cells.data());
+  for (std::size_t i = 0; i < count; ++i) {
+    QORSmrPtr<IQoriValue> holder;
+    if (column == nullptr) {
+      _view.select(_block, first + i);
+      cells[i] = _side.view(_view, holder);
+    }
+    add(cells[i], holder);
   }
+  return count != 0;
 }
 
 void QORQL_JoinKeys::add(QoriScalar key, QORSmrPtr<IQoriValue>& holder) {
@@ -378,28 +423,24 @@ bool QORQL_joinLazily(const QORQL_DataTable& table, QORQL_LazyRows& rows, const 
   const auto left = binder.bind(comparison.getLHSArithmeticExpression());
   const auto right = binder.bind(comparison.getRHSArithmeticExpression());
   if (left == nullptr || right == nullptr) return false;
-  const QORQL_JoinKeys leftKeys(*left, rows, rows.blocks()[leftBlock]);
-  const QORQL_JoinKeys rightKeys(*right, rows, rows.blocks()[rightBlock]);
   const QoriRelation relation = QORQL_relationOf(comparison.getOperator());
-  if (!QORQL_JoinKeys::areJoinable(leftKeys, rightKeys)) return false;
-  const bool isReference =
-      leftKeys.category() == QORQL_JoinKeys::kReference || rightKeys.category() == QORQL_JoinKeys::kReference;
-  if (isReference && relation != QoriRelation::Equal) return false;
-
   const bool isLeftOuter = rows.blocks()[leftBlock].columns.front() < rows.blocks()[rightBlock].columns.front();
-  const Join join{rows.blocks()[isLeftOuter ? leftBlock : rightBlock],
-                  rows.blocks()[isLeftOuter ? rightBlock : leftBlock],
-                  isLeftOuter ? leftKeys : rightKeys,
-                  isLeftOuter ? rightKeys : leftKeys,
-                  isLeftOuter,
-                  relation};
+  const QORQL_RowBlock& outer = rows.blocks()[isLeftOuter ? leftBlock : rightBlock];
+  const QORQL_RowBlock& inner = rows.blocks()[isLeftOuter ? rightBlock : leftBlock];
+  QORQL_JoinKeys outerKeys(isLeftOuter ? *left : *right, rows, outer);
+  QORQL_JoinKeys innerKeys(isLeftOuter ? *right : *left, rows, inner);
+  innerKeys.readAll();
+  if (innerKeys.category() == QORQL_JoinKeys::kMixed) return false;
+  const Join join{outer, inner, outerKeys, innerKeys, isLeftOuter, relation};
   const bool isOuterJoin = comparison.getJoinType() != QORQL_JOIN_TYPE_INNER;
   std::unique_ptr<Partners> partners;
   if (isOuterJoin) partners = std::make_unique<Partners>(join);
-  QORQL_RowBlock joined = relation == QoriRelation::Equal ? joinByHash(join, partners.get()) : joinByComparing(join);
+  std::optional<QORQL_RowBlock> joined =
+      relation == QoriRelation::Equal ? joinByHash(join, outerKeys, partners.get()) : joinByComparing(join, outerKeys);
+  if (!joined.has_value()) return false;
   std::vector<QORQL_NullExtension> extensions;
   if (isOuterJoin && !findExtensions(rows, join, *partners, comparison.getJoinType(), extensions)) return false;
-  rows.replaceBlocks(blockNumbers, std::move(joined));
+  rows.replaceBlocks(blockNumbers, std::move(*joined));
   if (isOuterJoin) rows.flatten();
   for (const QORQL_NullExtension& extension : extensions)
     QORQL_appendExtendedRow(rows, extension.column, extension.index);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Cimom/QORQL/QORQL_BoundExpression.h"
+#include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "Cimom/QORQL/QORQL_LazyFilter.h"
 #include "Cimom/QORQL/QORQL_LazyRows.h"
 
@@ -17,8 +18,17 @@ class QORQL_JoinKeys {
   // without error.
   enum Category { kNone, kNumber, kText, kBoolean, kReference, kMixed };
 
+  // BORROWS its arguments. Keys come with readRun().
   QORQL_JoinKeys(const QORQL_BoundValue& side, const QORQL_LazyRows& rows, const QORQL_RowBlock& block);
 
+  // Adds the keys of the rows that come next, and so few that their texts are still near when it returns; false when
+  // there were none left. THROWS what computing a key throws.
+  bool readRun();
+  void readAll() {
+    while (readRun()) {
+    }
+  }
+  // Of the rows so far.
   const std::vector<QoriScalar>& keys() const noexcept { return _keys; }
   // Of each key that is not null; equal keys have equal hashes.
   const std::vector<QORuint32>& hashes() const noexcept { return _hashes; }
@@ -26,9 +36,12 @@ class QORQL_JoinKeys {
   static bool areJoinable(const QORQL_JoinKeys& a, const QORQL_JoinKeys& b) noexcept;
 
  private:
-  void addProperty(const QORQL_PropertyColumn& column, const QORQL_RowBlock& block);
   void add(QoriScalar key, QORSmrPtr<IQoriValue>& holder);
 
+  const QORQL_BoundValue& _side;
+  const QORQL_RowBlock& _block;
+  QORQL_RowView _view;
+  QORQL_StopCheck _stopCheck;
   std::vector<QoriScalar> _keys;
   std::vector<QORuint32> _hashes;
   std::deque<QORSmrPtr<IQoriValue>> _holders;  // of keys that were computed

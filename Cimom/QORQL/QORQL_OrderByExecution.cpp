@@ -1,6 +1,7 @@
 // Sorting. Equal keys come out in reverse order, as the list's merge sort gives
 // them. Lazy rows are sorted as a permutation; numbers and strings through an
 // array of keys, ordered by key and, among equals, by descending position.
+#include <utility>
 #include <vector>
 
 #include "Cimom/QORQL/QORQL_DataTable.h"
@@ -65,6 +66,21 @@ std::vector<QORuint32> sortedNumbers(QORQL_RowReader& reader, std::size_t slot, 
   return keys.areSortable() ? keys.takeSorted(isAscending) : sortedByList(reader, slot, isAscending);
 }
 
+// The tuples of the given rows of a block.
+std::vector<QORuint32> tuplesOf(const QORQL_RowBlock& block, std::vector<QORuint32> numbers) {
+  const std::size_t width = block.columns.size();
+  if (width == 1) {
+    for (QORuint32& number : numbers) number = block.index(number, 0);
+    return numbers;
+  }
+  std::vector<QORuint32> tuples;
+  tuples.reserve(numbers.size() * width);
+  for (const QORuint32 row : numbers) {
+    for (std::size_t place = 0; place < width; ++place) tuples.push_back(block.index(row, place));
+  }
+  return tuples;
+}
+
 void sortLazily(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
                 const QORSmrPtr<QORQL_Evaluatable>& key, bool isAscending) {
   std::vector<QORuint32> numbers;
@@ -75,12 +91,7 @@ void sortLazily(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& tabl
   }
   if (numbers.empty()) return;
   QORQL_RowBlock& block = table->lazy()->ownRows().blocks().front();
-  std::vector<QORuint32> tuples;
-  tuples.reserve(numbers.size() * block.columns.size());
-  for (const QORuint32 row : numbers) {
-    for (std::size_t place = 0; place < block.columns.size(); ++place) tuples.push_back(block.index(row, place));
-  }
-  block.tuples = std::move(tuples);
+  block.tuples = tuplesOf(block, std::move(numbers));
   block.isWholeExtent = false;
 }
 

@@ -3,8 +3,10 @@
 #define QORQL_SORTKEYS_H
 
 #include <deque>
+#include <string_view>
 #include <vector>
 
+#include "Cimom/QORQL/QORQL_EntrySort.h"
 #include "Cimom/QORQL/QORQL_NumberOrder.h"
 #include "cimom/IQoriValue.h"
 #include "cimom/QoriScalar.h"
@@ -22,17 +24,11 @@ class QORQL_SortKeys {
   std::vector<QORuint32> takeSorted(bool isAscending);
 
  private:
-  struct Entry {
-    QORuint64 key;  // of a text: its first bytes
-    QORuint32 row;
-  };
-
-  void sortTexts(bool isAscending);
   void sortNumbers(bool isAscending);
 
-  std::vector<Entry> _entries;
+  std::vector<QORQL_SortEntry> _entries;
   QORQL_NumberOrder _order;
-  std::vector<const QORString*> _texts;  // by row; empty for numbers
+  std::vector<std::string_view> _texts;  // by row; empty for numbers
   std::deque<QORSmrPtr<IQoriValue>> _holders;
 };
 

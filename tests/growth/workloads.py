@@ -26,6 +26,20 @@ def rows(n, query):
         f'instance of C {{ Id = {i + 10}; K = {i}; Text = "t{i * 7919 % n:06}"; }};\n' for i in range(n)), query
 
 
+def alike_rows(n):
+    """Many texts that differ at their ends alone."""
+    front = "x" * 100
+    return MODEL + "".join(
+        f'instance of C {{ Id = {i + 10}; Text = "{front}{i * 7919 % n:06}"; }};\n' for i in range(n))
+
+
+def long_rows(n):
+    """A few texts that are long and hardly differ."""
+    middle = "x" * n
+    return MODEL + "".join(
+        f'instance of C {{ Id = {i + 10}; Text = "{i % 2}{middle}{i % 7}"; }};\n' for i in range(40))
+
+
 def over_rows(query):
     return lambda n: (MODEL + rows(n, query)[0], query)
 
@@ -75,7 +89,10 @@ QUERIES = {
     "alias": lambda n: (MODEL, f"SELECT {'N' * n}.Id FROM C AS {'N' * n}"),
     "scan": over_rows("SELECT Id, Text FROM C"),
     "filter": over_rows("SELECT Id FROM C WHERE K > 5 AND Text LIKE '1'"),
-    "sort": over_rows("SELECT Id FROM C ORDER BY Text ASC"),
+    "sort": over_rows("SELECT Id FROM C WHERE Id > 2 ORDER BY Text ASC"),
+    "sort with a null": over_rows("SELECT Id FROM C ORDER BY Text ASC"),
+    "sort alike": lambda n: (alike_rows(n), "SELECT Id FROM C WHERE Id > 2 ORDER BY Text DESC"),
+    "sort long": lambda n: (long_rows(n), "SELECT Id FROM C WHERE Id > 2 ORDER BY Text ASC"),
     "count": over_rows("SELECT COUNT(Id) AS N, MAX(Text) AS M FROM C WHERE Id > 0"),
     "equality join": joined("SELECT C.Id, D.Id FROM C, D WHERE C.K = D.K"),
     "outer join": joined("SELECT C.Id, D.Id FROM C, D WHERE C.K *= D.K"),

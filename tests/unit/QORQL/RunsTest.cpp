@@ -9,7 +9,6 @@
 #include "Cimom/QORQL/QORQL_NullExtension.h"
 #include "Cimom/QORQL/QORQL_NumberOrder.h"
 #include "Cimom/QORQL/QORQL_PropertyColumn.h"
-#include "Cimom/QORQL/QORQL_SortKeys.h"
 #include "NumberViews.h"
 #include "QueryWorld.h"
 #include "cimom/CIMApi.h"
@@ -89,6 +88,33 @@ TEST_F(Runs, joinsByEveryRelationAndKind) {
       world.run("SELECT N.k, M.k FROM N, M WHERE N.k > 140 AND M.k > 30 AND " + condition);
     }
   }
+}
+
+// Keys that most rows share, so that a run of rows has more pairs than rows; keys that come late, and wrong ones that
+// do.
+TEST(RunJoins, manyPairsAndKeysBehindWholeRuns) {
+  std::string mof =
+      "class A { [key] uint32 k; uint16 g; string late; string text; uint32 n; uint32 a[]; };\n"
+      "class B { [key] uint32 k; uint16 g; string text; uint32 n; };\n";
+  for (int i = 0; i < 140; ++i) {
+    const std::string k = std::to_string(i);
+    const std::string common = "; g = " + std::to_string(i % 3 == 0 ? 7 : i) + "; text = \"a text of some length " +
+                               std::to_string(i % 5) + "\"; n = " + k + ";";
+    mof += "instance of A { k = " + k + common + (i < 130 ? "" : " late = \"" + std::to_string(i) + "\"; a = {1};") +
+           " };\n";
+    if (i % 2 == 0) mof += "instance of B { k = " + k + common + " };\n";
+  }
+  QueryWorld world(mof);
+  for (const char* const relation : {"=", "*=", "=*", "*=*"}) {
+    for (const char* const sides :
+         {"A.g # B.g", "B.text # A.text", "A.n + 1 # B.n", "A.late # B.n", "B.n # A.late", "A.a # B.n"}) {
+      std::string condition = sides;
+      condition.replace(condition.find('#'), 1, relation);
+      world.run("SELECT A.k, B.k FROM A, B WHERE " + condition);
+      world.run("SELECT A.k, B.k FROM B, A WHERE " + condition);
+    }
+  }
+  EXPECT_EQ(world.rows("SELECT A.k, B.k FROM A, B WHERE A.text = B.text").size(), 140U * 14U);
 }
 
 TEST_F(Runs, outerJoinsOfNothing) {
@@ -175,61 +201,6 @@ TEST(NumberOrder, mixedNumbersHaveNone) {
   EXPECT_TRUE(keysOf({number(1ULL), number(1.0)}).empty());
   EXPECT_TRUE(keysOf({number(-1LL), number(~0ULL)}).empty());
   EXPECT_TRUE(keysOf({number(1.0), number(0.0 / 0.0 * 0.0)}).empty());
-}
-
-std::vector<QORuint32> sorted(const std::vector<QoriScalar>& keys, bool isAscending) {
-  QORQL_SortKeys sort;
-  for (const QoriScalar& key : keys) EXPECT_TRUE(sort.add(key, {}));
-  EXPECT_TRUE(sort.areSortable());
-  return sort.takeSorted(isAscending);
-}
-
-TEST(SortKeys, equalKeysComeLastRowFirst) {
-  const std::vector<QoriScalar> keys = {number(2ULL), number(1ULL), number(2ULL), number(1ULL)};
-  EXPECT_EQ(sorted(keys, true), (std::vector<QORuint32>{3, 1, 2, 0}));
-  EXPECT_EQ(sorted(keys, false), (std::vector<QORuint32>{2, 0, 3, 1}));
-}
-
-// Few keys are sorted by comparing, many digit by digit.
-TEST(SortKeys, manyKeysAsFewOnes) {
-  for (const std::size_t count : {2U, 100U, 511U, 512U, 5000U}) {
-    std::vector<QoriScalar> keys;
-    for (std::size_t i = 0; i < count; ++i)
-      keys.push_back(number(static_cast<long long>(i * 7919 % 1009) * 70001 - 30000000));
-    std::vector<QORuint32> expected(count);
-    for (std::size_t i = 0; i < count; ++i) expected[i] = static_cast<QORuint32>(count - 1 - i);
-    for (const bool isAscending : {true, false}) {
-      std::vector<QORuint32> wanted = expected;
-      std::stable_sort(wanted.begin(), wanted.end(), [&](QORuint32 a, QORuint32 b) {
-        return isAscending ? keys[a].s < keys[b].s : keys[a].s > keys[b].s;
-      });
-      EXPECT_EQ(sorted(keys, isAscending), wanted) << count;
-    }
-  }
-}
-
-TEST(SortKeys, textsBeyondTheirFirstBytes) {
-  const QORString texts[] = {"abcdefghij", "abcdefgh", QORString("abcdefgh\0", 9), "abcdefghia", "", "b", "\xff"};
-  std::vector<QoriScalar> keys;
-  for (const QORString& text : texts) {
-    QoriScalar key;
-    key.kind = QoriScalarKind::Text;
-    key.text = &text;
-    keys.push_back(key);
-  }
-  EXPECT_EQ(sorted(keys, true), (std::vector<QORuint32>{4, 1, 2, 3, 0, 5, 6}));
-  EXPECT_EQ(sorted(keys, false), (std::vector<QORuint32>{6, 5, 0, 3, 2, 1, 4}));
-}
-
-TEST(SortKeys, refusesWhatDoesNotGoTogether) {
-  QORQL_SortKeys sort;
-  EXPECT_FALSE(sort.add(QoriScalar(), {}));
-  EXPECT_TRUE(sort.add(number(1ULL), {}));
-  const QORString text("x");
-  QoriScalar key;
-  key.kind = QoriScalarKind::Text;
-  key.text = &text;
-  EXPECT_FALSE(sort.add(key, {}));
 }
 
 // An extent without an array of its objects, read in order, from the start
