@@ -118,6 +118,23 @@ TEST_F(Where, leftOuterJoinWithAnEmptyClassKeepsEveryLeftObject) {
   EXPECT_THAT(world.rows("SELECT A.Id, E.Id FROM A, E WHERE E.K *= A.K"), IsEmpty());
 }
 
+// Objects of one bucket of the map by path stand in the order of their first rows,
+// though the last rows of some come behind those of others.
+TEST(OuterRows, ofOneBucketStandInTheOrderOfTheirFirstRows) {
+  std::string mof =
+      "class A { [key] uint32 Id; uint32 K; }; class B { [key] uint32 Id; uint32 K; };"
+      "instance of A { Id = 1; K = 1; }; instance of A { Id = 2; K = 1; };";
+  QORValMap<QORString, QORuint32> byPath(hashKeyQORString, 150);
+  for (QORuint32 id = 1; id <= 300; ++id) {
+    mof += "instance of B { Id = " + std::to_string(id) + "; K = 2; };";
+    byPath.insert(QORString("root/cimv2:B.Id=" + std::to_string(id)), id);
+  }
+  std::vector<std::string> expected;
+  QORValMapIterator<QORString, QORuint32> paths(byPath);
+  while (++paths) expected.push_back(std::to_string(paths.value()));
+  EXPECT_EQ(QueryWorld(mof).rows("SELECT B.Id FROM A, B WHERE A.Id * B.Id <= 300 AND A.K =* B.K"), expected);
+}
+
 TEST_F(Where, anEmptyTableGetsNoOuterRows) {
   EXPECT_THAT(world.rows("SELECT A.Id, B.Id FROM A, B WHERE A.Id = 99 AND A.K *= B.K"), IsEmpty());
 }
