@@ -36,18 +36,23 @@ QORString formatNumber(Number value) {
 
 constinit QORString::Rep QORString::_nullRep{};
 constinit QORString::Rep QORString::_emptyRep{};
+constinit QORString::Everlasting QORString::_empty{QORString::_emptyRep};
 
-QORString::Rep* QORString::newRep(std::size_t length, std::size_t capacity) {
-  if (capacity > std::numeric_limits<std::ptrdiff_t>::max() - sizeof(Rep)) throw std::bad_alloc();
-  // sizeof(Rep) covers the terminating zero: _first is one byte of it.
-  Rep* const rep = new (::operator new(sizeof(Rep) + capacity)) Rep;
+QORString::Rep* QORString::makeRep(void* memory, std::size_t length, std::size_t capacity) noexcept {
+  Rep* const rep = ::new (memory) Rep;
   rep->_length = length;
   rep->_capacity = capacity;
   rep->text()[length] = '\0';
   return rep;
 }
 
-void QORString::Rep::destroy(Rep* rep) noexcept { ::operator delete(static_cast<void*>(rep)); }
+QORString::Rep* QORString::newRep(std::size_t length, std::size_t capacity) {
+  if (capacity > std::numeric_limits<std::ptrdiff_t>::max() - sizeof(Rep)) throw std::bad_alloc();
+  // sizeof(Rep) covers the terminating zero: _first is one byte of it.
+  return makeRep(::operator new(sizeof(Rep) + capacity), length, capacity);
+}
+
+void QORString::Rep::destroy(Rep* rep) noexcept { QORSlabs::freeMemory(rep, rep->_place); }
 
 QORString::QORString(const char* text) : QORString(text, text == nullptr ? 0 : std::strlen(text)) {}
 
@@ -57,9 +62,15 @@ QORString::QORString(const char* text, std::size_t length) : _rep(text == nullpt
   std::memcpy(_rep->text(), text, length);
 }
 
-const QORString& QORString::emptyString() noexcept {
-  static const QORString empty("", 0);
-  return empty;
+QORString::QORString(std::string_view text, QORSlabs& slabs) : _rep(&_emptyRep) {
+  if (text.empty()) return;
+  QORSlabs::Place place = QORSlabs::kNowhere;
+  // Slabs round up, so that a Rep fits in with the shortest text.
+  static_assert(sizeof(Rep) - offsetof(Rep, _first) <= QORSlabs::kAlignment);
+  void* const memory = slabs.take(offsetof(Rep, _first) + text.size() + 1, place);
+  _rep = makeRep(memory, text.size(), text.size());
+  _rep->_place = place;
+  std::memcpy(_rep->text(), text.data(), text.size());
 }
 
 bool QORString::equalIgnoringCase(std::string_view a, std::string_view b) noexcept {

@@ -26,8 +26,8 @@ QORQL_Arithmetic::~QORQL_Arithmetic() { QORQL_releaseChain<QORQL_Arithmetic>(_ar
 QORSmrPtr<QORQL_Evaluatable> QORQL_Arithmetic::parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                                      QORQL_ProjectionMap& projMap, const QORString& queryString,
                                                      const QORString& queryLanguage) {
-  return QORQL_parseChain<QORQL_Arithmetic>(&QORQL_Term::parse, &operatorOf, symbolTable, lexer, projMap, queryString,
-                                            queryLanguage);
+  return QORQL_parseChain<QORQL_Arithmetic, &QORQL_Term::parse, &operatorOf>(symbolTable, lexer, projMap, queryString,
+                                                                             queryLanguage);
 }
 
 QORQL_Term* QORQL_Arithmetic::getTermCasted() const noexcept { return QORQL_nodeAs<QORQL_Term>(_term); }

@@ -1,10 +1,9 @@
-// The parsing of chains: operands and operators are collected in a loop, then
-// the right-grouped nodes are built from the last one back.
+// The parsing of chains: operands and operators are read in a loop, and each
+// node becomes the right operand of the one before it.
 #ifndef QORQL_CHAINPARSER_H
 #define QORQL_CHAINPARSER_H
 
 #include <utility>
-#include <vector>
 
 #include "Cimom/QORQL/QORQL_ClassInfo.h"
 #include "Cimom/QORQL/QORQL_Evaluatable.h"
@@ -12,46 +11,36 @@
 #include "Cimom/QORQL/QORQL_Operator.h"
 #include "cmpbase.h"
 
-// What has been read of a chain. Its operations stay out of line: parsing nests,
+// What has been read of a chain. Its operation stays out of line: parsing nests,
 // and every frame on the way down should be small.
+template <class Node>
 class QORQL_ChainParts {
  public:
-  [[gnu::noinline]] void append(QORSmrPtr<QORQL_Evaluatable>&& operand, QORQL_Operator op) {
-    _parts.emplace_back(std::move(operand), op);
+  [[gnu::noinline]] void append(QORSmrPtr<QORQL_Evaluatable>&& operand, QORQL_Operator op, QORSlabs& slabs) {
+    QORSmrPtr<QORQL_Evaluatable>& place = _last == nullptr ? _chain : _last->chainLink();
+    place = QORSmrPtr<QORQL_Evaluatable>::MakeIn<Node>(slabs, std::move(operand), nullptr, op);
+    _last = static_cast<Node*>(place.Get());
   }
-  // The chain that ends with this operand.
-  template <class Node>
-  [[gnu::noinline]] QORSmrPtr<QORQL_Evaluatable> build(QORSmrPtr<QORQL_Evaluatable>&& last, QORSlabs& slabs) {
-    auto chain = QORSmrPtr<QORQL_Evaluatable>::MakeIn<Node>(slabs, std::move(last), nullptr, QORQL_OperatorNONE);
-    for (; !_parts.empty(); _parts.pop_back()) {
-      auto& [operand, op] = _parts.back();
-      chain = QORSmrPtr<QORQL_Evaluatable>::MakeIn<Node>(slabs, std::move(operand), std::move(chain), op);
-    }
-    return chain;
-  }
+  QORSmrPtr<QORQL_Evaluatable> take() noexcept { return std::move(_chain); }
 
  private:
-  std::vector<std::pair<QORSmrPtr<QORQL_Evaluatable>, QORQL_Operator>> _parts;
+  QORSmrPtr<QORQL_Evaluatable> _chain;
+  Node* _last = nullptr;  // BORROWS: the node that still waits for its right operand
 };
 
-// The parse routine of the level below.
-using QORQL_ParseOperand = QORSmrPtr<QORQL_Evaluatable> (*)(QORQL_SymbolTable&, QORQL_Lexer&, QORQL_ProjectionMap&,
-                                                            const QORString&, const QORString&);
-// The operators of a level, by token; QORQL_OperatorNONE ends the chain.
-using QORQL_OperatorOfToken = QORQL_Operator (*)(QORQL_TokenType);
-
-// Operand { operator Operand }. Always makes a node.
-template <class Node>
-QORSmrPtr<QORQL_Evaluatable> QORQL_parseChain(QORQL_ParseOperand parseOperand, QORQL_OperatorOfToken operatorOf,
-                                              QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
+// Operand { operator Operand }. Always makes a node. The operand is read by the
+// parse routine of the level below; an operator's token is told by operatorOf,
+// whose QORQL_OperatorNONE ends the chain.
+template <class Node, auto parseOperand, auto operatorOf>
+QORSmrPtr<QORQL_Evaluatable> QORQL_parseChain(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                               QORQL_ProjectionMap& projMap, const QORString& queryString,
                                               const QORString& queryLanguage) {
-  QORQL_ChainParts parts;
+  QORQL_ChainParts<Node> parts;
   for (;;) {
     QORSmrPtr<QORQL_Evaluatable> operand = parseOperand(symbolTable, lexer, projMap, queryString, queryLanguage);
     const QORQL_Operator op = operatorOf(lexer.getCurrent().getType());
-    if (op == QORQL_OperatorNONE) return parts.build<Node>(std::move(operand), lexer.slabs());
-    parts.append(std::move(operand), op);
+    parts.append(std::move(operand), op, lexer.slabs());
+    if (op == QORQL_OperatorNONE) return parts.take();
     lexer.next(false);
   }
 }

@@ -20,8 +20,8 @@ QORQL_ClassInfo::QORQL_ClassInfo(QORString className, PropertyList properties, Q
   if (_properties.IsNull()) _properties = PropertyList::Make();
 }
 
-void QORQL_ClassInfo::addPropertyOnce(const QORString& property) {
-  if (!listsProperty(property)) _properties->append(property);
+void QORQL_ClassInfo::addPropertyOnce(const QORString& property, QORSlabs& slabs) {
+  if (!listsProperty(property)) _properties->append(property, slabs);
 }
 
 bool QORQL_ClassInfo::listsProperty(const QORString& property) {
@@ -59,6 +59,6 @@ QORQL_ClassInfo* QORQL_recordOf(QORQL_ProjectionMap& map, const QORString& name,
   if (map.IsNull()) return nullptr;
   if (const QORSmrPtr<QORQL_ClassInfo>* const known = map->peek(name)) return known->Get();
   const QORSmrPtr<QORQL_ClassInfo> record = QORQL_newClassInfo(slabs, name, false);
-  map->insert(name, record);
+  map->insert(name, record, slabs);
   return record.Get();
 }

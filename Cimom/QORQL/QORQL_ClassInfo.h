@@ -13,8 +13,9 @@ class QORQL_ClassInfo {
 
   // Appends, without a check for duplicates.
   void addProperty(const QORString& property) { _properties->append(property); }
-  // Appends unless the name is listed already, ignoring case. Constant time on average.
-  void addPropertyOnce(const QORString& property);
+  // Appends unless the name is listed already, ignoring case; the list's memory is that of the slabs when it was
+  // empty. Constant time on average.
+  void addPropertyOnce(const QORString& property, QORSlabs& slabs);
   // Whether the name is listed, ignoring case. Constant time on average.
   bool listsProperty(const QORString& property);
   // Shared: callers see and change the same list. Never null.

@@ -26,8 +26,8 @@ QORQL_Expression::~QORQL_Expression() { QORQL_releaseChain<QORQL_Expression>(_ex
 QORSmrPtr<QORQL_Evaluatable> QORQL_Expression::parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                                      QORQL_ProjectionMap& projMap, const QORString& queryString,
                                                      const QORString& queryLanguage) {
-  return QORQL_parseChain<QORQL_Expression>(&QORQL_ExpressionTerm::parse, &operatorOf, symbolTable, lexer, projMap,
-                                            queryString, queryLanguage);
+  return QORQL_parseChain<QORQL_Expression, &QORQL_ExpressionTerm::parse, &operatorOf>(symbolTable, lexer, projMap,
+                                                                                       queryString, queryLanguage);
 }
 
 void QORQL_Expression::accept(QORSmrPtr<QORQL_ExpressionVisitor>& visitor) {

@@ -26,8 +26,8 @@ QORQL_ExpressionTerm::~QORQL_ExpressionTerm() { QORQL_releaseChain<QORQL_Express
 QORSmrPtr<QORQL_Evaluatable> QORQL_ExpressionTerm::parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                                          QORQL_ProjectionMap& projMap, const QORString& queryString,
                                                          const QORString& queryLanguage) {
-  return QORQL_parseChain<QORQL_ExpressionTerm>(&QORQL_Association::parse, &operatorOf, symbolTable, lexer, projMap,
-                                                queryString, queryLanguage);
+  return QORQL_parseChain<QORQL_ExpressionTerm, &QORQL_Association::parse, &operatorOf>(symbolTable, lexer, projMap,
+                                                                                        queryString, queryLanguage);
 }
 
 void QORQL_ExpressionTerm::accept(QORSmrPtr<QORQL_ExpressionVisitor>& visitor) {

@@ -93,7 +93,7 @@ Value literalValue(QORSlabs& slabs, const QORQL_Token& token, QORQL_TokenType be
     return decimalValue(slabs, decimalNumber(token.text()), before == TokenMINUS);
   }
   if (before != TokenISA && token.getType() == TokenREALLITERAL) return realValue(slabs, token.text());
-  return Value::MakeIn<CQoriValue>(slabs, token.newText());
+  return Value::MakeIn<CQoriValue>(slabs, token.newText(slabs));
 }
 
 [[gnu::noinline]] Node parseLiteral(QORQL_Lexer& lexer) {

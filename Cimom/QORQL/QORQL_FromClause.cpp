@@ -25,7 +25,7 @@ QORSmrPtr<QORQL_Executable> QORQL_FromClause::parse(QORQL_SymbolTable& symbolTab
   SpecifierList specifiers = SpecifierList::MakeIn(lexer.slabs());
   do {
     lexer.next(false);
-    specifiers->append(QORQL_FromSpecifier::parse(symbolTable, lexer, isSelectAll));
+    specifiers->append(QORQL_FromSpecifier::parse(symbolTable, lexer, isSelectAll), lexer.slabs());
   } while (lexer.getCurrent().getType() == TokenCOMMA);
   if (specifiers->isEmpty()) QORQL_raise(QORQL_Messages::kFromEmpty, lexer);
   symbolTable.setSymbolTableUpdatedFlag(true);

@@ -10,7 +10,7 @@ namespace {
 QORString parseAlias(QORQL_Lexer& lexer) {
   if (lexer.getCurrent().getType() != TokenAS) return QORString::emptyString();
   if (lexer.next(false).getType() != TokenID) QORQL_raise(QORQL_Messages::kFromAliasExpected, lexer);
-  QORString alias = lexer.getCurrent().newText();
+  QORString alias = lexer.getCurrent().newText(lexer.slabs());
   alias.toUpper();
   lexer.next(false);
   return alias;
@@ -22,10 +22,12 @@ void enterSymbols(QORQL_SymbolTable& symbolTable, QORSlabs& slabs, const QORStri
   QORSmrPtr<QORQL_ClassInfo> classInfo = QORQL_newClassInfo(slabs, className, isSelectAll);
   const auto symbol =
       QORSmrPtr<QORQL_Symbol>::MakeIn(slabs, QORQL_SYMBOLTYPE_TABLE_NAME, className, alias, classInfo, nullptr);
-  symbolTable.insert(className, symbol);
+  symbolTable.insert(className, symbol, slabs);
   if (alias.isEmpty() || alias == className) return;
-  symbolTable.insert(alias, QORSmrPtr<QORQL_Symbol>::MakeIn<QORQL_DelegatorSymbol>(
-                                slabs, QORQL_SYMBOLTYPE_TABLE_NAME, alias, className, classInfo, symbol, nullptr));
+  symbolTable.insert(alias,
+                     QORSmrPtr<QORQL_Symbol>::MakeIn<QORQL_DelegatorSymbol>(slabs, QORQL_SYMBOLTYPE_TABLE_NAME, alias,
+                                                                            className, classInfo, symbol, nullptr),
+                     slabs);
 }
 
 }  // namespace
@@ -41,7 +43,7 @@ QORSmrPtr<QORQL_FromSpecifier> QORQL_FromSpecifier::parse(QORQL_SymbolTable& sym
   const QORQL_TokenType type = lexer.getCurrent().getType();
   if (type == TokenOPENPAREN) QORQL_raise(QORQL_Messages::kNestedQuery, lexer);
   if (type != TokenID) QORQL_raiseAtToken(QORQL_Messages::kClassNameExpected, lexer);
-  QORString className = lexer.getCurrent().newText();
+  QORString className = lexer.getCurrent().newText(lexer.slabs());
   className.toUpper();
   lexer.next(false);
   const QORString alias = parseAlias(lexer);

@@ -34,10 +34,10 @@ namespace {
 // The ends of an association are no properties to ask for.
 bool isAssociationEnd(const QORString& property) { return property == "firstref" || property == "secondref"; }
 
-void request(QORQL_ClassInfo& known, const QORQL_ClassInfo& named) {
+void request(QORQL_ClassInfo& known, const QORQL_ClassInfo& named, QORSlabs& slabs) {
   QORValSlistIterator<QORString> properties(*named.getPropertyList());
   while (++properties) {
-    if (!isAssociationEnd(properties.key())) known.addPropertyOnce(properties.key());
+    if (!isAssociationEnd(properties.key())) known.addPropertyOnce(properties.key(), slabs);
   }
   if (named.needAllProperties()) known.setNeedAllProperties(true);
 }
@@ -50,6 +50,6 @@ void QORQL_ConditionScope::requestProperties() {
     const QORQL_Symbol* const symbol = _symbolTable.findIgnoringCase(records.peekKey());
     if (symbol == nullptr) continue;
     const QORSmrPtr<QORQL_ClassInfo> known = symbol->getClassInfo();
-    if (!known.IsNull()) request(*known, *records.peekValue());
+    if (!known.IsNull()) request(*known, *records.peekValue(), _lexer.slabs());
   }
 }

@@ -26,11 +26,20 @@ QORQL_Query::QORQL_Query(QORSmrPtr<QORQL_Executable> select, QORSmrPtr<QORQL_Exe
       _queryString(queryString),
       _queryLanguage(queryLanguage) {}
 
-QORQL_Query::~QORQL_Query() = default;
+// A statement's nodes lie side by side, and go together.
+QORQL_Query::~QORQL_Query() {
+  const QORSlabs::Returning together;
+  _orderbyClause.Release();
+  _formatClause.Release();
+  _whereClause.Release();
+  _fromClause.Release();
+  _selectList.Release();
+}
 
 QORSmrPtr<QORQL_Executable> QORQL_Query::parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                                QORboolean isNestedQuery, const QORString& queryString,
                                                const QORString& queryLanguage, const QORString& nameSpace) {
+  const QORSlabs::Returning together;  // what only the parser needs
   QORQL_ProjectionMap projectionMap = QORQL_newProjectionMap(lexer.slabs());
   QORSmrPtr<QORQL_Executable> result =
       _parseClauses(symbolTable, lexer, isNestedQuery, projectionMap, queryString, queryLanguage);
@@ -48,7 +57,7 @@ QORSmrPtr<QORQL_Executable> QORQL_Query::_parseClauses(QORQL_SymbolTable& symbol
                                                        const QORString& queryString, const QORString& queryLanguage) {
   QORSmrPtr<QORQL_Executable> select =
       QORQL_SelectList::parse(symbolTable, lexer, projectionMap, queryString, queryLanguage);
-  QORSmrPtr<QORQL_SelectList> selectList = select.StaticCast<QORQL_SelectList>();
+  QORSmrPtr<QORQL_SelectList> selectList = select.StaticCastIn<QORQL_SelectList>(lexer.slabs());
   QORSmrPtr<QORQL_Executable> from =
       QORQL_FromClause::parse(symbolTable, lexer, selectList, queryString, queryLanguage);
   QORSmrPtr<QORQL_Executable> where;

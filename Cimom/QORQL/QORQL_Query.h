@@ -78,6 +78,7 @@ class QORQL_Query : public QORQL_Executable {
                                                    const QORString& queryString, const QORString& queryLanguage);
   void _resolve(QORQL_SymbolTable& symbolTable, QORQL_ProjectionMap& projectionMap, const QORString& nameSpace,
                 QORSlabs& slabs);
+  static QORQL_ClassInfo& _neededOf(FromClass& known, const UpdateContext& context);
   static void _findSelectClasses(QORQL_SelectList& selectList, QORQL_ProjectionMap& projectionMap,
                                  UpdateContext& context);
   static void _verifySymbolsAndUpdateSymbolTable(QORQL_ProjectionMap& projectionMap, UpdateContext& context);

@@ -5,7 +5,11 @@
 // so the walk over the factors writes through that string and entry, list and
 // factor agree. Names keep their spelling; classes found are in upper case.
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <map>
+#include <memory_resource>
+#include <string_view>
 #include <typeinfo>
 #include <utility>
 #include <vector>
@@ -38,11 +42,15 @@ struct QORQL_Query::FromClass {
 
 // What one resolution has looked up: a condition may use a name many thousand times.
 struct QORQL_Query::NameCache {
+  // What most statements need lies here.
+  std::array<std::byte, 512> room;
+  std::pmr::monotonic_buffer_resource memory{room.data(), room.size()};
   bool hasClasses = false;
-  std::vector<FromClass> classes;  // in ascending order of their names
-  // Statements use few names, which are found sooner one by one; those beyond kFew stand in upper case.
+  std::pmr::vector<FromClass> classes{&memory};  // in ascending order of their names
+  // Statements use few names, which are found sooner one by one; those beyond kFew stand in upper case. The few are
+  // the factors' own texts.
   static constexpr std::size_t kFew = 16;
-  std::vector<std::pair<QORString, FromClass*>> classOfFew;
+  std::pmr::vector<std::pair<std::string_view, FromClass*>> classOfFew{&memory};
   std::map<QORString, FromClass*> classOfMore;
   std::map<QORString, QORSmrPtr<QORQL_SelectedEntry>> entryOfAlias;
 
@@ -58,7 +66,7 @@ struct QORQL_Query::NameCache {
 
   FromClass* classOf(const QORString& property) const {
     for (const auto& [name, known] : classOfFew) {
-      if (name.isEqualCaseInsensitive(property)) return known;
+      if (QORString::equalIgnoringCase(name, property.view())) return known;
     }
     if (classOfMore.empty()) return nullptr;
     const auto found = classOfMore.find(QORString::toUpperCase(property));
@@ -68,7 +76,7 @@ struct QORQL_Query::NameCache {
   void keepClassOf(const QORString& property, FromClass& known) {
     if (classOfFew.empty()) classOfFew.reserve(kFew);
     if (classOfFew.size() < kFew) {
-      classOfFew.emplace_back(property, &known);
+      classOfFew.emplace_back(property.view(), &known);
     } else {
       classOfMore.emplace(QORString::toUpperCase(property), &known);
     }
@@ -154,6 +162,11 @@ QORQL_Query::FromClass* QORQL_Query::_tryFindClass(const QORString& propertyName
   return _countClasses(propertyName, context, found) == 1 ? found : nullptr;
 }
 
+QORQL_ClassInfo& QORQL_Query::_neededOf(FromClass& known, const UpdateContext& context) {
+  if (known.needed == nullptr) known.needed = &neededOf(*known.symbol, context.slabs);
+  return *known.needed;
+}
+
 // --- factors --------------------------------------------------------------------
 
 // A bare name may be a select alias (in a sort key) or stand for a whole object.
@@ -195,8 +208,7 @@ void QORQL_Query::_updateExpression(QORQL_Factor& factor, UpdateContext& context
   if (hasEmptyChain) *factor.getChain() = found->name;
   if (hasEmptyClass) *factor.getClassName() = found->name;
   if (!context.symbolTable.isSymbolTableUpdated()) return;
-  if (found->needed == nullptr) found->needed = &neededOf(*found->symbol, context.slabs);
-  found->needed->addPropertyOnce(property);
+  _neededOf(*found, context).addPropertyOnce(property, context.slabs);
 }
 
 // --- the levels above: chains are walked with a loop ------------------------------
@@ -264,15 +276,20 @@ void QORQL_Query::_updateExpression(const QORQL_Function& function, UpdateContex
 
 // --- clauses ----------------------------------------------------------------------
 
-// The record "" holds the names that the select list wrote without a class.
+// The record "" holds the names that the select list wrote without a class. They
+// follow those that it wrote with one; when there are none, they need no record
+// on the way to what is needed of their classes.
 void QORQL_Query::_bindBareNames(QORQL_ProjectionMap& projectionMap, UpdateContext& context) {
-  QORSmrPtr<QORQL_ClassInfo> bare;
-  if (!projectionMap->find(QORString::emptyString(), bare)) return;
-  QORValSlistIterator<QORString> names(*bare->getPropertyList());
+  const QORSmrPtr<QORQL_ClassInfo>* const bare = projectionMap->peek(QORString::emptyString());
+  if (bare == nullptr) return;
+  const bool isAlone = projectionMap->entries() == 1;
+  QORValSlistIterator<QORString> names(*(*bare)->getPropertyList());
   while (++names) {
     if (_isFromName(names.key(), context)) continue;
     FromClass& holder = _findClass(names.key(), context);
-    QORQL_recordOf(projectionMap, holder.name, context.slabs)->addPropertyOnce(names.key());
+    QORQL_ClassInfo& record =
+        isAlone ? _neededOf(holder, context) : *QORQL_recordOf(projectionMap, holder.name, context.slabs);
+    record.addPropertyOnce(names.key(), context.slabs);
   }
   projectionMap->remove(QORString::emptyString());
 }
@@ -290,7 +307,7 @@ void QORQL_Query::_requestEmbeddedRoots(QORQL_ProjectionMap& projectionMap, Upda
   }
   for (const auto& [root, holder] : roots) {
     projectionMap->remove(root);
-    QORQL_recordOf(projectionMap, holder->name, context.slabs)->addPropertyOnce(root);
+    QORQL_recordOf(projectionMap, holder->name, context.slabs)->addPropertyOnce(root, context.slabs);
   }
 }
 
@@ -335,7 +352,7 @@ void QORQL_Query::_verifySymbolsAndUpdateSymbolTable(QORQL_ProjectionMap& projec
     if (symbol == nullptr) QORQL_raise(QORQL_Messages::kSymbolInvalid, named.getClassName());
     QORQL_ClassInfo& needed = neededOf(*symbol, context.slabs);
     QORValSlistIterator<QORString> properties(*named.getPropertyList());
-    while (++properties) needed.addPropertyOnce(properties.key());
+    while (++properties) needed.addPropertyOnce(properties.key(), context.slabs);
     if (named.needAllProperties()) needed.setNeedAllProperties(true);
   }
 }

@@ -54,7 +54,7 @@ class Reference {
     if (_identifiers == 2) _second = _last;
     if (_identifiers > 2) (_path += ".") += _beforeLast;
     if (_identifiers > 1) _beforeLast = std::move(_last);
-    _last = _lexer.getCurrent().newText();
+    _last = _lexer.getCurrent().newText(_lexer.slabs());
     ++_identifiers;
     _lexer.next(false);
     if (currentType() == TokenOPENSQUAREBRACK) readIndex();
@@ -92,7 +92,7 @@ class Reference {
   void request(const QORString& className, const QORString& property) {
     if (className.isEmpty() && !_lexer.recordsBareNames()) return;
     QORQL_ClassInfo* const record = QORQL_recordOf(_projMap, className, _lexer.slabs());
-    if (record != nullptr) record->addPropertyOnce(property);
+    if (record != nullptr) record->addPropertyOnce(property, _lexer.slabs());
   }
 
   QORSmrPtr<QORQL_Evaluatable> makeFactor() {
@@ -134,9 +134,33 @@ class Reference {
   QORString _last;
 };
 
+// An identifier by itself, as most are.
+QORSmrPtr<QORQL_Evaluatable> parseBareName(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
+                                           QORQL_ProjectionMap& projMap) {
+  QORSlabs& slabs = lexer.slabs();
+  QORString name = lexer.getCurrent().newText(slabs);
+  lexer.next(false);
+  if (lexer.recordsBareNames()) {
+    QORQL_ClassInfo* const record = QORQL_recordOf(projMap, QORString::emptyString(), slabs);
+    if (record != nullptr) record->addPropertyOnce(name, slabs);
+  }
+  const bool isKnownFromName = symbolTable.findIgnoringCase(name) != nullptr;
+  auto result = QORSmrPtr<QORQL_Evaluatable>::MakeIn<QORQL_Factor>(
+      slabs, nullptr, Text::MakeIn(slabs, QORString::emptyString()), Text::MakeIn(slabs, std::move(name)), nullptr,
+      QORQL_OperatorNONE, false);
+  static_cast<QORQL_Factor&>(*result).setKnownFromName(isKnownFromName);
+  return result;
+}
+
+// Whether a token that follows an identifier goes on with the reference.
+bool continuesReference(QORQL_TokenType type) {
+  return type == TokenDOT || type == TokenSCOPE || type == TokenOPENSQUAREBRACK;
+}
+
 }  // namespace
 
 QORSmrPtr<QORQL_Evaluatable> QORQL_parseReference(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                                   QORQL_ProjectionMap& projMap) {
+  if (!continuesReference(lexer.lookAhead(1).getType())) return parseBareName(symbolTable, lexer, projMap);
   return Reference(symbolTable, lexer, projMap).parse();
 }

@@ -43,7 +43,15 @@ constexpr std::array<Kind, 256> kKinds = [] {
 }();
 
 Kind kind(char c) { return kKinds[static_cast<unsigned char>(c)]; }
-bool isWordByte(char c) { return kind(c) == Kind::Letter || kind(c) == Kind::Digit; }
+
+constexpr std::array<bool, 256> kWordBytes = [] {
+  std::array<bool, 256> bytes{};
+  for (std::size_t byte = 0; byte < 256; ++byte)
+    bytes[byte] = kKinds[byte] == Kind::Letter || kKinds[byte] == Kind::Digit;
+  return bytes;
+}();
+
+bool isWordByte(char c) { return kWordBytes[static_cast<unsigned char>(c)]; }
 
 struct Keyword {
   std::string_view word;  // in lower case
@@ -153,11 +161,6 @@ void report(const char* message) {
 
 }  // namespace
 
-void QORQL_Scanner::put(QORQL_Token& token, QORQL_TokenType type, std::size_t length) noexcept {
-  token.borrow({_text.data() + _place, length}, type, static_cast<QORuint32>(_place));
-  _place += length;
-}
-
 void QORQL_Scanner::echo(char c) {
   if (!_echo) _echo.emplace(std::cout.rdbuf());
   _echo->put(c);
@@ -178,31 +181,12 @@ bool QORQL_Scanner::skipOpenString() {
   return true;
 }
 
-void QORQL_Scanner::skipToToken() {
-  for (; _place < _text.size(); ++_place) {
-    switch (kind(_text[_place])) {
-      case Kind::Newline:
-        ++_line;
-        break;
-      case Kind::Blank:
-        break;
-      case Kind::None:
-        echo(_text[_place]);
-        break;
-      case Kind::Quote:
-        if (!skipOpenString()) return;
-        --_place;
-        break;
-      default:
-        return;
-    }
-  }
-}
-
 void QORQL_Scanner::readWord(QORQL_Token& token) noexcept {
-  std::size_t end = _place + 1;
-  while (end < _text.size() && isWordByte(_text[end])) ++end;
-  const std::string_view word(_text.data() + _place, end - _place);
+  const char* const start = _text.data() + _place;
+  const char* const limit = _text.data() + _text.size();
+  const char* end = start + 1;
+  while (end != limit && isWordByte(*end)) ++end;
+  const std::string_view word(start, static_cast<std::size_t>(end - start));
   put(token, typeOfWord(word), word.size());
 }
 
@@ -269,16 +253,27 @@ void QORQL_Scanner::readSign(QORQL_Token& token) noexcept {
 }
 
 void QORQL_Scanner::read(QORQL_Token& token) {
-  skipToToken();
-  if (_place >= _text.size()) return token.borrow({&kEnd, 1}, TokenEOF, static_cast<QORuint32>(_text.size()));
-  switch (kind(_text[_place])) {
-    case Kind::Letter:
-      return readWord(token);
-    case Kind::Digit:
-      return readNumber(token);
-    case Kind::Quote:
-      return readString(token);
-    default:
-      return readSign(token);
+  for (; _place < _text.size(); ++_place) {
+    switch (kind(_text[_place])) {
+      case Kind::Letter:
+        return readWord(token);
+      case Kind::Digit:
+        return readNumber(token);
+      case Kind::Sign:
+        return readSign(token);
+      case Kind::Quote:
+        if (!skipOpenString()) return readString(token);
+        --_place;
+        break;
+      case Kind::Newline:
+        ++_line;
+        break;
+      case Kind::Blank:
+        break;
+      case Kind::None:
+        echo(_text[_place]);
+        break;
+    }
   }
+  token.borrow({&kEnd, 1}, TokenEOF, static_cast<QORuint32>(_text.size()));
 }

@@ -25,10 +25,12 @@ class QORQL_Scanner {
   QORuint32 line() const noexcept { return _line; }
 
  private:
-  void skipToToken();
   bool skipOpenString();
   void echo(char c);
-  void put(QORQL_Token& token, QORQL_TokenType type, std::size_t length) noexcept;
+  void put(QORQL_Token& token, QORQL_TokenType type, std::size_t length) noexcept {
+    token.borrow({_text.data() + _place, length}, type, static_cast<QORuint32>(_place));
+    _place += length;
+  }
   void readWord(QORQL_Token& token) noexcept;
   void readNumber(QORQL_Token& token) noexcept;
   void readString(QORQL_Token& token) noexcept;

@@ -54,7 +54,7 @@ QORSmrPtr<QORQL_Executable> QORQL_SelectList::parse(QORQL_SymbolTable& symbolTab
         QORQL_SelectedEntry::parse(symbolTable, lexer, classInfos, queryString, queryLanguage);
     _checkForAggregateMismatch(entry->isEntryAggregate(), state);
     isSelectAll = entry->isSelectAll();  // of the last entry alone: `*, a` is no select-all list
-    entries->append(std::move(entry));
+    entries->append(std::move(entry), lexer.slabs());
   } while (lexer.getCurrent().getType() == TokenCOMMA);
   if (entries->isEmpty()) QORQL_raise(QORQL_Messages::kSelectListMissing, lexer);
   const QORboolean areAllAggregates = state == SEL_AGGREGATE;

@@ -43,7 +43,7 @@ void setReference(Names& names, const QORSmrPtr<QORString>& className, const QOR
 Names namesOf(const QORQL_Factor& factor, QORSlabs& slabs) {
   Names names;
   names.classNameList = QORQL_SelectedEntry::ClassNameList::MakeIn(slabs);
-  if (!factor.getClassName().IsNull()) names.classNameList->append(factor.getClassName());
+  if (!factor.getClassName().IsNull()) names.classNameList->append(factor.getClassName(), slabs);
   if (factor.isPropertyReference()) setReference(names, factor.getClassName(), factor.getPropertyName());
   return names;
 }
@@ -74,7 +74,7 @@ QORString parseAlias(QORQL_Lexer& lexer, bool isRequired) {
     return QORString::emptyString();
   }
   if (lexer.next(false).getType() != TokenID) QORQL_raise(QORQL_Messages::kSelectAliasExpected, lexer);
-  QORString alias = lexer.getCurrent().newText();
+  QORString alias = lexer.getCurrent().newText(lexer.slabs());
   alias.toUpper();
   lexer.next(false);
   return alias;

@@ -31,6 +31,11 @@ bool isUpperCaseOf(std::string_view key, std::string_view name) {
 QORQL_SymbolTable::QORQL_SymbolTable(QORQL_SymbolTable* parent)
     : _parentSymbolTable(parent), _hashDict(&hashKeyQORString, kBuckets) {}
 
+QORQL_SymbolTable::~QORQL_SymbolTable() {
+  const QORSlabs::Returning together;
+  _hashDict.clear();
+}
+
 void QORQL_SymbolTable::insert(const QORString& name, QORSmrPtr<QORQL_Symbol> symbol) {
   _hashDict.insert(name, symbol);
 }

@@ -14,8 +14,16 @@ class QORQL_SymbolTable {
   // BORROWS the enclosing statement's table (null at the outermost level), which must outlive this one.
   explicit QORQL_SymbolTable(QORQL_SymbolTable* parent);
 
+  QORQL_SymbolTable(const QORQL_SymbolTable&) = delete;
+  QORQL_SymbolTable& operator=(const QORQL_SymbolTable&) = delete;
+  ~QORQL_SymbolTable();
+
   // Replaces an entry of the same name.
   void insert(const QORString& name, QORSmrPtr<QORQL_Symbol> symbol);
+  // The same with memory of the slabs, which need not live longer than this call.
+  void insert(const QORString& name, const QORSmrPtr<QORQL_Symbol>& symbol, QORSlabs& slabs) {
+    _hashDict.insert(name, symbol, slabs);
+  }
   // The symbol here or in an enclosing table; null when unknown.
   QORSmrPtr<QORQL_Symbol> lookup(const QORString& name) const;
   // The flag is passed on to enclosing tables and has no other effect.

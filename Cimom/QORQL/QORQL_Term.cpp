@@ -25,8 +25,8 @@ QORQL_Term::~QORQL_Term() { QORQL_releaseChain<QORQL_Term>(_term); }
 QORSmrPtr<QORQL_Evaluatable> QORQL_Term::parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                                QORQL_ProjectionMap& projMap, const QORString& queryString,
                                                const QORString& queryLanguage) {
-  return QORQL_parseChain<QORQL_Term>(&QORQL_Factor::parse, &operatorOf, symbolTable, lexer, projMap, queryString,
-                                      queryLanguage);
+  return QORQL_parseChain<QORQL_Term, &QORQL_Factor::parse, &operatorOf>(symbolTable, lexer, projMap, queryString,
+                                                                         queryLanguage);
 }
 
 QORQL_Factor* QORQL_Term::getFactorCasted() const noexcept { return QORQL_nodeAs<QORQL_Factor>(_factor); }

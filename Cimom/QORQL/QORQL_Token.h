@@ -78,7 +78,7 @@ class QORQL_Token {
       : _tokenValue(value), _tokenType(type), _offset(offset) {}
   // Becomes another token. BORROWS the text, for as long as the token is used and not copied.
   void borrow(std::string_view text, QORQL_TokenType type, QORuint32 offset) noexcept {
-    _tokenValue = QORString();
+    if (!_tokenValue.isNull()) _tokenValue = QORString();
     _borrowed = text;
     _tokenType = type;
     _offset = offset;
@@ -96,9 +96,9 @@ class QORQL_Token {
     }
     return _tokenValue;
   }
-  // The same as a view, which lives as long as the token, and as a new string.
+  // The same as a view, which lives as long as the token, and as a string of its own in the slabs.
   std::string_view text() const noexcept { return _borrowed.data() != nullptr ? _borrowed : _tokenValue.view(); }
-  QORString newText() const { return _borrowed.data() != nullptr ? QORString(_borrowed) : _tokenValue; }
+  QORString newText(QORSlabs& slabs) const { return {text(), slabs}; }
   QORQL_TokenType getType() const noexcept { return _tokenType; }
   // The byte of the query text at which it begins; for the end of the input, its length.
   QORuint32 getOffset() const noexcept { return _offset; }

@@ -30,6 +30,10 @@
 class QORSlabs {
  public:
   QORSlabs() noexcept = default;
+  // Expects about so many bytes of objects, which the first slab then holds; a guess does.
+  explicit QORSlabs(std::size_t expected) noexcept {
+    if (expected > kFirstSize) _nextSize = expected < kGreatestSize ? expected : kGreatestSize;
+  }
   QORSlabs(const QORSlabs&) = delete;
   QORSlabs& operator=(const QORSlabs&) = delete;
   ~QORSlabs() { closeSlab(); }
@@ -46,13 +50,63 @@ class QORSlabs {
   // Whichever thread calls, and whether or not the maker still lives.
   static void giveBack(void* memory, Place place) noexcept {
     Slab* const slab = reinterpret_cast<Slab*>(static_cast<char*>(memory) - place * kUnit);
-    if (slab->_objects.dropHold()) ::operator delete(static_cast<void*>(slab));
+    if (_returning == nullptr) {
+      slab->drop(1);
+    } else {
+      _returning->add(slab);
+    }
   }
+  // The same of memory that operator new gave when the place says so.
+  static void freeMemory(void* memory, Place place) noexcept {
+    if (place == kNowhere) {
+      ::operator delete(memory);
+    } else {
+      giveBack(memory, place);
+    }
+  }
+
+ private:
+  struct Slab;
+
+ public:
+  // While one lives, its thread's returns are added up, slab by slab, so that
+  // many objects that go together cost one atomic step for each slab instead of
+  // one for each object. They may nest. Belongs to the thread that made it.
+  class Returning {
+   public:
+    Returning() noexcept : _before(_returning) { _returning = this; }
+    Returning(const Returning&) = delete;
+    Returning& operator=(const Returning&) = delete;
+    ~Returning() {
+      _returning = _before;
+      if (_slab != nullptr) _slab->drop(_objects);
+    }
+
+   private:
+    friend class QORSlabs;
+    void add(Slab* slab) noexcept {
+      if (slab != _slab) {
+        if (_slab != nullptr) _slab->drop(_objects);
+        _slab = slab;
+        _objects = 0;
+      }
+      ++_objects;
+    }
+    Returning* const _before;
+    Slab* _slab = nullptr;
+    QORsint32 _objects = 0;  // of the slab that went last
+  };
 
  private:
   // Stands before a slab's objects. While the slab is open its count is far too
   // high, so that the objects taken need no atomic step: closing corrects it.
   struct Slab {
+    // Lets go of so many objects; nobody else has one when these are all.
+    void drop(QORsint32 objects) noexcept {
+      if (_objects.getValue() == objects || _objects.atomicAdd(-objects) == 0) {
+        ::operator delete(static_cast<void*>(this));
+      }
+    }
     QORAtomicInt _objects{kOpen};
   };
 
@@ -77,9 +131,17 @@ class QORSlabs {
     _slab = memory;
     _used = kUnit;
     _size = size;
-    if (++_slabs >= kFirstSlabs && _nextSize < kGreatestSize) _nextSize *= 2;
+    ++_slabs;
+    if (_slabs < kFirstSlabs) {
+      _nextSize = kFirstSize;
+    } else if (_nextSize < kGreatestSize) {
+      _nextSize *= 2;
+    }
   }
   void closeSlab() noexcept;
+
+  // The innermost of the thread. Its place is fixed when the library is loaded, so that a look costs a single step.
+  [[gnu::tls_model("initial-exec")]] static constinit thread_local Returning* _returning;
 
   char* _slab = nullptr;
   std::size_t _used = 0;  // bytes of the slab, its head included

@@ -130,6 +130,12 @@ class QORSmrPtr : public QORSmrPtrImpl {
     D* const cast = static_cast<D*>(Get());
     return cast == nullptr ? QORSmrPtr<D>() : QORSmrPtr<D>(*this, cast);
   }
+  // The same with memory of the slabs, which need not live longer than this call.
+  template <class D>
+  QORSmrPtr<D> StaticCastIn(QORSlabs& slabs) const {
+    D* const cast = static_cast<D*>(Get());
+    return cast == nullptr ? QORSmrPtr<D>() : QORSmrPtr<D>(*this, cast, &slabs);
+  }
 
  private:
   template <class>
@@ -140,6 +146,7 @@ class QORSmrPtr : public QORSmrPtrImpl {
     SmartPointerPointee(T* pointer, QORAtomicInt* shared) noexcept
         : _referenceCount(1), _sharedReferenceCount(shared), _pointer(pointer) {}
     QORAtomicInt _referenceCount;
+    QORSlabs::Place _place = QORSlabs::kNowhere;  // where its memory comes from, or that of the first block's object
     QORAtomicInt* _sharedReferenceCount = nullptr;
     T* _pointer = nullptr;
   };
@@ -149,17 +156,19 @@ class QORSmrPtr : public QORSmrPtrImpl {
   // The object itself may lie behind it, and all of it in a slab.
   struct FirstPointee {
     FirstPointee(T* pointer, bool isInPlace, QORSlabs::Place place = QORSlabs::kNowhere) noexcept
-        : _block(pointer, &_shared), _shared(1), _place(place), _isInPlace(isInPlace) {}
+        : _block(pointer, &_shared), _shared(1), _isInPlace(isInPlace) {
+      _block._place = place;
+    }
     SmartPointerPointee _block;
     QORAtomicInt _shared;
-    QORSlabs::Place _place;
     bool _isInPlace;
   };
   static_assert(std::is_trivially_destructible_v<FirstPointee>);
 
   // A conversion that keeps the object's count: `object` is other's object seen as a T.
   template <class S>
-  QORSmrPtr(const QORSmrPtr<S>& other, T* object) : _pointee(sharePointee(object, other)) {}
+  QORSmrPtr(const QORSmrPtr<S>& other, T* object, QORSlabs* slabs = nullptr)
+      : _pointee(sharePointee(object, other, slabs)) {}
 
   static SmartPointerPointee* newPointee(T* pointer) {
     if (pointer == nullptr) return &_nullPointee;
@@ -171,10 +180,14 @@ class QORSmrPtr : public QORSmrPtrImpl {
     }
   }
   template <class S>
-  static SmartPointerPointee* sharePointee(T* object, const QORSmrPtr<S>& other) {
+  static SmartPointerPointee* sharePointee(T* object, const QORSmrPtr<S>& other, QORSlabs* slabs = nullptr) {
     if (object == nullptr) return &_nullPointee;
     QORAtomicInt* const shared = other._pointee->_sharedReferenceCount;
-    SmartPointerPointee* const block = new SmartPointerPointee(object, shared);
+    constexpr std::size_t size = sizeof(SmartPointerPointee);
+    QORSlabs::Place place = QORSlabs::kNowhere;
+    void* const memory = slabs == nullptr ? ::operator new(size) : slabs->take(size, place);
+    SmartPointerPointee* const block = ::new (memory) SmartPointerPointee(object, shared);
+    block->_place = place;
     shared->atomicInc();
     return block;
   }
@@ -187,23 +200,20 @@ class QORSmrPtr : public QORSmrPtrImpl {
     T* const object = block->_pointer;
     // The first block opens the allocation that the shared count closes.
     void* const first = reinterpret_cast<char*>(shared) - offsetof(FirstPointee, _shared);
-    if (static_cast<void*>(block) != first) delete block;
+    if (static_cast<void*>(block) != first) freeOtherBlock(block);
     if (!shared->dropHold()) return;
     if (static_cast<FirstPointee*>(first)->_isInPlace) {
-      const QORSlabs::Place place = static_cast<FirstPointee*>(first)->_place;
+      const QORSlabs::Place place = static_cast<FirstPointee*>(first)->_block._place;
       endObject([object] { std::destroy_at(object); });
-      freeMemory(first, place);
+      QORSlabs::freeMemory(first, place);
     } else {
       ::operator delete(first);
       endObject([object] { delete object; });
     }
   }
-  static void freeMemory(void* memory, QORSlabs::Place place) noexcept {
-    if (place == QORSlabs::kNowhere) {
-      ::operator delete(memory);
-    } else {
-      QORSlabs::giveBack(memory, place);
-    }
+  // Of a converted pointer.
+  [[gnu::noinline]] static void freeOtherBlock(SmartPointerPointee* block) noexcept {
+    QORSlabs::freeMemory(block, block->_place);
   }
   // Makes the object behind the room for its block.
   template <class D, class... Arguments>
@@ -214,7 +224,7 @@ class QORSmrPtr : public QORSmrPtrImpl {
     try {
       object = ::new (static_cast<void*>(memory + sizeof(FirstPointee))) D(std::forward<Arguments>(arguments)...);
     } catch (...) {
-      freeMemory(memory, place);
+      QORSlabs::freeMemory(memory, place);
       throw;
     }
     QORSmrPtr made;

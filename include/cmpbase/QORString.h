@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "cmpbase/QORAtomicInt.h"
+#include "cmpbase/QORSlabs.h"
 #include "cmpbase/QORTypes.h"
 
 // A run of bytes (UTF-8 by convention; case folding is ASCII only) that may
@@ -25,6 +26,8 @@ class QORString {
   QORString(const char* text);  // null gives a null string
   QORString(const char* text, std::size_t length);
   explicit QORString(std::string_view text) : QORString(text.data(), text.size()) {}
+  // A text without data is empty here, not null. Takes memory of the slabs, which need not live longer than this call.
+  QORString(std::string_view text, QORSlabs& slabs);
   QORString(const QORString& other) noexcept : _rep(other._rep) { _rep->addRef(); }
   QORString(QORString&& other) noexcept : _rep(std::exchange(other._rep, &nullRep())) {}
   ~QORString() { _rep->release(); }
@@ -48,7 +51,7 @@ class QORString {
   std::string_view view() const noexcept { return {data(), length()}; }
   char operator[](std::size_t index) const noexcept { return data()[index]; }
 
-  // The shared empty string (not null).
+  // The shared empty string (not null), which is there as long as the process.
   static const QORString& emptyString() noexcept;
 
   // Zero when equal, below zero when this text comes first byte by byte. With
@@ -108,6 +111,7 @@ class QORString {
   // ones, which are never counted nor freed.
   struct Rep {
     QORAtomicInt _shared{1};
+    QORSlabs::Place _place = QORSlabs::kNowhere;  // where its memory comes from
     std::size_t _length = 0;
     std::size_t _capacity = 0;
     char _first = '\0';
@@ -122,16 +126,32 @@ class QORString {
     static void destroy(Rep* rep) noexcept;
   };
 
+  struct Everlasting;
+
+  explicit constexpr QORString(Rep& rep) noexcept : _rep(&rep) {}
   static Rep& nullRep() noexcept { return _nullRep; }
   static Rep* newRep(std::size_t length, std::size_t capacity);
+  static Rep* makeRep(void* memory, std::size_t length, std::size_t capacity) noexcept;
   // Makes this object the only holder of a buffer of at least `capacity` bytes.
   void makeUnique(std::size_t capacity);
 
   static Rep _nullRep;
   static Rep _emptyRep;
+  static constinit Everlasting _empty;
 
   Rep* _rep;
 };
+
+// Objects that go while the process ends may still use the text.
+struct QORString::Everlasting {
+  constexpr explicit Everlasting(Rep& rep) noexcept : _text(rep) {}
+  ~Everlasting() {}
+  union {
+    QORString _text;
+  };
+};
+
+inline const QORString& QORString::emptyString() noexcept { return _empty._text; }
 
 // The hash of every map key in the engine: 32-bit FNV-1a over the bytes. The
 // iteration order of maps, and so the order of added outer-join rows, follows it.

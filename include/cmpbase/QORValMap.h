@@ -6,9 +6,11 @@
 #define QORQL_CMPBASE_QORVALMAP_H
 
 #include <memory>
+#include <new>
 #include <utility>
 #include <vector>
 
+#include "cmpbase/QORSlabs.h"
 #include "cmpbase/QORTypes.h"
 #include "cmpbase/QORValSlist.h"
 
@@ -23,6 +25,7 @@ class QORValMapItem {
   V _data;
   QORValMapItem* _next = nullptr;  // in its chain
   QORuint32 _bucket = 0;
+  QORSlabs::Place _place = QORSlabs::kNowhere;  // where its memory comes from
 };
 
 // Holds copies of keys and values. The number of buckets is fixed; a bucket
@@ -71,21 +74,16 @@ class QORValMap {
   // A missing key is inserted with a default value.
   V& operator[](const K& key) {
     Item* item = _find(key);
-    if (item == nullptr) item = appendItem(std::make_unique<Item>(key, V()), bucketOf(key));
+    if (item == nullptr) item = appendItem(newItem(nullptr, key, V()), bucketOf(key));
     return item->_data;
   }
   bool contains(const K& key) const { return _find(key) != nullptr; }
   QORuint32 entries() const noexcept { return _entries; }
   bool isEmpty() const noexcept { return _entries == 0; }
   // Replaces an existing key: its item leaves and the new one goes to the tail of the bucket.
-  bool insert(const K& key, const V& value) {
-    // Made first: key and value may live in the item that is about to go.
-    std::unique_ptr<Item> item = std::make_unique<Item>(key, value);
-    const QORuint32 bucket = bucketOf(item->_key);
-    removeFrom(bucket, item->_key);
-    appendItem(std::move(item), bucket);
-    return true;
-  }
+  bool insert(const K& key, const V& value) { return insertItem(newItem(nullptr, key, value)); }
+  // The same with memory of the slabs, which need not live longer than this call.
+  bool insert(const K& key, const V& value, QORSlabs& slabs) { return insertItem(newItem(&slabs, key, value)); }
   // Returns whether the key was present.
   bool remove(const K& key) { return removeFrom(bucketOf(key), key); }
   void clear() noexcept {
@@ -114,7 +112,37 @@ class QORValMap {
   friend class QORValMapIterator<K, V>;
   using Item = QORValMapItem<K, V>;
 
+  struct FreeItem {
+    void operator()(Item* item) const noexcept {
+      const QORSlabs::Place place = item->_place;
+      std::destroy_at(item);
+      QORSlabs::freeMemory(item, place);
+    }
+  };
+  using ItemHolder = std::unique_ptr<Item, FreeItem>;
+
   static constexpr QORuint32 kUnsplit = 8;
+
+  static ItemHolder newItem(QORSlabs* slabs, const K& key, const V& value) {
+    static_assert(alignof(Item) <= QORSlabs::kAlignment);
+    QORSlabs::Place place = QORSlabs::kNowhere;
+    void* const memory = slabs == nullptr ? ::operator new(sizeof(Item)) : slabs->take(sizeof(Item), place);
+    try {
+      ItemHolder item(::new (memory) Item(key, value));
+      item->_place = place;
+      return item;
+    } catch (...) {
+      QORSlabs::freeMemory(memory, place);
+      throw;
+    }
+  }
+  // Key and value may live in the item that goes: the new one has been made before.
+  bool insertItem(ItemHolder item) {
+    const QORuint32 bucket = bucketOf(item->_key);
+    removeFrom(bucket, item->_key);
+    appendItem(std::move(item), bucket);
+    return true;
+  }
 
   static const V* valueOf(const Item* item) noexcept { return item == nullptr ? nullptr : &item->_data; }
   QORuint32 bucketOf(const K& key) const { return _hashFunc(key) % _hashSize; }
@@ -144,14 +172,14 @@ class QORValMap {
   bool removeFrom(QORuint32 bucket, const K& key) {
     for (Item** link = chainOf(bucket); *link != nullptr; link = &(*link)->_next) {
       if ((*link)->_bucket != bucket || !((*link)->_key == key)) continue;
-      const std::unique_ptr<Item> item(*link);
+      const ItemHolder item(*link);
       *link = item->_next;
       --_entries;
       return true;
     }
     return false;
   }
-  Item* appendItem(std::unique_ptr<Item> item, QORuint32 bucket) {
+  Item* appendItem(ItemHolder item, QORuint32 bucket) {
     if (_entries == kUnsplit && _hashBuckets.empty()) split();
     item->_bucket = bucket;
     linkItem(item.get());
@@ -176,7 +204,7 @@ class QORValMap {
   void insertAll(const QORValMap& other) {
     try {
       for (const Item* item = other.after(nullptr); item != nullptr; item = other.after(item)) {
-        appendItem(std::make_unique<Item>(item->_key, item->_data), item->_bucket);
+        appendItem(newItem(nullptr, item->_key, item->_data), item->_bucket);
       }
     } catch (...) {
       _destroy();
@@ -184,7 +212,7 @@ class QORValMap {
     }
   }
   static void freeChain(Item* item) noexcept {
-    while (item != nullptr) delete std::exchange(item, item->_next);
+    while (item != nullptr) FreeItem()(std::exchange(item, item->_next));
   }
   void _create(QORuint32 bucketCount) noexcept { _hashSize = bucketCount == 0 ? 1 : bucketCount; }
   void _destroy() noexcept {

@@ -2,8 +2,11 @@
 #ifndef QORQL_CMPBASE_QORVALSLIST_H
 #define QORQL_CMPBASE_QORVALSLIST_H
 
+#include <memory>
+#include <new>
 #include <utility>
 
+#include "cmpbase/QORSlabs.h"
 #include "cmpbase/QORTypes.h"
 
 template <class T>
@@ -16,8 +19,8 @@ class QORValSlistIterator;
 template <class T>
 class QORValSlistItem {
  public:
-  explicit QORValSlistItem(const T& data) : _data(data) {}
-  explicit QORValSlistItem(T&& data) : _data(std::move(data)) {}
+  template <class Data>
+  explicit QORValSlistItem(Data&& data) : _data(std::forward<Data>(data)) {}
   QORValSlistItem* _previous = nullptr;
   QORValSlistItem* _next = nullptr;
   T _data;
@@ -50,25 +53,29 @@ class QORValSlist {
   }
 
   // Appending to a non-empty list makes it NotSorted.
-  void append(const T& value) { linkBefore(nullptr, new Item(value)); }
-  void append(T&& value) { linkBefore(nullptr, new Item(std::move(value))); }
+  void append(const T& value) { linkBefore(nullptr, newItem(value)); }
+  void append(T&& value) { linkBefore(nullptr, newItem(std::move(value))); }
+  // The same with memory of the slabs, which need not live longer than this
+  // call; a list that has begun without slabs goes on without them.
+  void append(const T& value, QORSlabs& slabs) { linkBefore(nullptr, newItemIn(slabs, value)); }
+  void append(T&& value, QORSlabs& slabs) { linkBefore(nullptr, newItemIn(slabs, std::move(value))); }
   void append(const QORValSlist& other) {
     const QORuint32 count = other._entries;  // the list may be appended to itself
     Item* item = other._head;
     for (QORuint32 i = 0; i < count; ++i, item = item->_next) append(item->_data);
   }
-  void prepend(const T& value) { linkBefore(_head, new Item(value)); }
+  void prepend(const T& value) { linkBefore(_head, newItem(value)); }
   // `index` equal to entries() appends. THROWS QORBoundsException past that.
   void insertAt(QORuint32 index, const T& value) {
     Item* const place = index == _entries ? nullptr : _advanceTo(index);
-    linkBefore(place, new Item(value));
+    linkBefore(place, newItem(value));
   }
   // Inserts before the first value that must follow it in the list's order; appends when unsorted.
   void addSorted(const T& value) {
     const SortOrder order = _sortOrder;
     Item* item = order == NotSorted ? nullptr : _head;
     while (item != nullptr && !precedes(value, item->_data, order)) item = item->_next;
-    linkBefore(item, new Item(value));
+    linkBefore(item, newItem(value));
     _sortOrder = order;
   }
 
@@ -120,7 +127,7 @@ class QORValSlist {
   void clear() noexcept {
     while (_head != nullptr) {
       Item* const next = _head->_next;
-      delete _head;
+      freeItem(_head);
       _head = next;
     }
     _last = nullptr;
@@ -152,6 +159,48 @@ class QORValSlist {
   friend class QORValSlistIterator<T>;
   using Item = QORValSlistItem<T>;
 
+  // Before each item of a list that has taken memory from slabs: where the item's comes from.
+  struct Head {
+    QORSlabs::Place _place = QORSlabs::kNowhere;
+  };
+  static constexpr std::size_t kHeadSize = QORSlabs::kAlignment;
+  static_assert(sizeof(Head) <= kHeadSize);
+
+  template <class Data>
+  Item* newItem(Data&& data) {
+    if (!_hasPlaces) return new Item(std::forward<Data>(data));
+    return makeItem(::operator new(kHeadSize + sizeof(Item)), QORSlabs::kNowhere, std::forward<Data>(data));
+  }
+  template <class Data>
+  Item* newItemIn(QORSlabs& slabs, Data&& data) {
+    static_assert(alignof(Item) <= QORSlabs::kAlignment);
+    if (_head == nullptr) _hasPlaces = true;
+    if (!_hasPlaces) return newItem(std::forward<Data>(data));
+    QORSlabs::Place place = QORSlabs::kNowhere;
+    void* const memory = slabs.take(kHeadSize + sizeof(Item), place);
+    return makeItem(memory, place, std::forward<Data>(data));
+  }
+  template <class Data>
+  static Item* makeItem(void* memory, QORSlabs::Place place, Data&& data) {
+    ::new (memory) Head{place};
+    try {
+      return ::new (static_cast<void*>(static_cast<char*>(memory) + kHeadSize)) Item(std::forward<Data>(data));
+    } catch (...) {
+      QORSlabs::freeMemory(memory, place);
+      throw;
+    }
+  }
+  void freeItem(Item* item) noexcept {
+    if (!_hasPlaces) {
+      delete item;
+      return;
+    }
+    void* const memory = reinterpret_cast<char*>(item) - kHeadSize;
+    const QORSlabs::Place place = static_cast<const Head*>(memory)->_place;
+    std::destroy_at(item);
+    QORSlabs::freeMemory(memory, place);
+  }
+
   static Item* checked(Item* item) {
     if (item == nullptr) qorRaiseOutOfBounds();
     return item;
@@ -166,6 +215,7 @@ class QORValSlist {
     std::swap(_sortOrder, other._sortOrder);
     std::swap(_remembered, other._remembered);
     std::swap(_rememberedIndex, other._rememberedIndex);
+    std::swap(_hasPlaces, other._hasPlaces);
   }
   void appendCopies(const QORValSlist& other) {
     try {
@@ -190,7 +240,7 @@ class QORValSlist {
     T data(std::move(item->_data));
     (item->_previous == nullptr ? _head : item->_previous->_next) = item->_next;
     (item->_next == nullptr ? _last : item->_next->_previous) = item->_previous;
-    delete item;
+    freeItem(item);
     --_entries;
     _remembered = nullptr;
     return data;
@@ -219,6 +269,7 @@ class QORValSlist {
   SortOrder _sortOrder = NotSorted;
   mutable Item* _remembered = nullptr;
   mutable QORuint32 _rememberedIndex = 0;
+  bool _hasPlaces = false;  // whether its items have heads
 };
 
 template <class T>

@@ -155,7 +155,8 @@ TEST(Lexer, CopiesOfTokensOutliveItAndTheText) {
   EXPECT_EQ(plain(copy.getValue()), "LongName");
   EXPECT_EQ(copy.getType(), TokenID);
   EXPECT_EQ(copy.getOffset(), 7U);
-  EXPECT_EQ(plain(assigned.newText()), "a literal");
+  QORSlabs slabs;
+  EXPECT_EQ(plain(assigned.newText(slabs)), "a literal");
   EXPECT_EQ(assigned.text(), "a literal");
   EXPECT_EQ(assigned.getOffset(), 16U);
 }
@@ -169,12 +170,13 @@ TEST(Lexer, ReadsTheTextAsItWasWhenTheCallersChanges) {
 
 TEST(Lexer, ATokensTextStaysTheSameHoweverItIsAsked) {
   QORQL_Lexer lexer("name 'second'", false);
+  QORSlabs& slabs = lexer.slabs();
   const QORQL_Token& token = lexer.getCurrent();
   EXPECT_EQ(token.text(), "name");
-  EXPECT_EQ(plain(token.newText()), "name");
+  EXPECT_EQ(plain(token.newText(slabs)), "name");
   EXPECT_EQ(plain(token.getValue()), "name");
   EXPECT_EQ(token.text(), "name");
-  EXPECT_EQ(plain(token.newText()), "name");
+  EXPECT_EQ(plain(token.newText(slabs)), "name");
   EXPECT_EQ(lexer.getCurrent(), QORQL_Token("name", TokenID));
 }
 
