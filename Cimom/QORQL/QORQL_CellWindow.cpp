@@ -3,15 +3,15 @@
 
 #include <algorithm>
 #include <array>
+#include <cassert>
 
 std::size_t QORQL_CellWindow::add(const QORQL_PropertyColumn& column) {
   constexpr std::size_t kFew = 16;
   for (std::size_t number = 0; number < std::min(_columns.size(), kFew); ++number) {
     if (_columns[number].isSameAs(column)) return number;
   }
+  assert(_cells == nullptr);
   _columns.push_back(column);
-  _cells.reset();
-  _count = 0;
   return _columns.size() - 1;
 }
 

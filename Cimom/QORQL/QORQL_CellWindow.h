@@ -13,6 +13,7 @@
 class QORQL_CellWindow {
  public:
   // Returns the column's number. A property that is one of the first few columns has the number of that one.
+  // REQUIRES that no cell has been read.
   std::size_t add(const QORQL_PropertyColumn& column);
 
   // The cell of a row, valid while the row's object lives. REQUIRES row < block.rowCount.

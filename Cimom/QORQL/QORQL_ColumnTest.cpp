@@ -12,20 +12,16 @@ QORQL_RunTruth runTruth(const QoriScalar& left, QoriRelation relation, const Qor
   return isDecided ? static_cast<QORQL_RunTruth>(truth) : QORQL_RunTruth::Undecided;
 }
 
-bool isUnsigned(const QoriScalar& number) noexcept {
-  return number.kind == QoriScalarKind::Unsigned || (number.kind == QoriScalarKind::Signed && number.s >= 0);
-}
-
 }  // namespace
 
 void QORQL_relateRun(const QORQL_RunOperand& left, QoriRelation relation, const QORQL_RunOperand& right,
                      std::size_t count, QORQL_RunTruths& truths) noexcept {
-  if (left.isConstant() || !right.isConstant() || !isUnsigned(right.constant())) {
+  if (left.isConstant() || !right.isConstant() || right.constant().kind != QoriScalarKind::Unsigned) {
     for (std::size_t i = 0; i < count; ++i) truths[i] = runTruth(left[i], relation, right[i]);
     return;
   }
   const QoriScalar& literal = right.constant();
-  const QORuint64 number = literal.kind == QoriScalarKind::Unsigned ? literal.u : static_cast<QORuint64>(literal.s);
+  const QORuint64 number = literal.u;
   const QoriScalar* const cells = left.cells();
   QORQL_withComparison(relation, [&](const auto& compare) {
     for (std::size_t i = 0; i < count; ++i) {

@@ -3,7 +3,6 @@
 #ifndef QORQL_COLUMNTEST_H
 #define QORQL_COLUMNTEST_H
 
-#include <algorithm>
 #include <array>
 
 #include "Cimom/QORQL/QORQL_BoundExpression.h"
@@ -25,14 +24,11 @@ class QORQL_RunOperand {
   explicit QORQL_RunOperand(const QORQL_BoundValue& side) noexcept
       : _column(side.propertyColumn()), _constant(side.constant()) {}
 
-  // Whether the side's cells are found by column in the block.
-  bool isReadable(const QORQL_RowBlock& block) const noexcept {
-    return _constant != nullptr ||
-           (_column != nullptr && std::binary_search(block.columns.begin(), block.columns.end(), _column->column()));
-  }
+  // Whether the side has a cell for each row without being computed.
+  bool isReadable() const noexcept { return _constant != nullptr || _column != nullptr; }
   bool isConstant() const noexcept { return _constant != nullptr; }
   const QoriScalar& constant() const noexcept { return *_constant; }
-  // Reads the next rows. REQUIRES isReadable(block).
+  // Reads the next rows. REQUIRES isReadable(), and a block that has the column.
   void read(const QORQL_RowBlock& block, QORuint64 first, std::size_t count) {
     if (_constant == nullptr) _column->read(block, first, count, _cells.data());
   }

@@ -32,7 +32,7 @@ class RelationTruth final : public QORQL_RowTruth {
     return isDecided ? truth : _left->value(row)->relate(_relation, *_right->value(row));
   }
   bool testRun(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, QORQL_RunTruths& truths) override {
-    if (!_leftRun.isReadable(block) || !_rightRun.isReadable(block)) return false;
+    if (!_leftRun.isReadable() || !_rightRun.isReadable()) return false;
     _leftRun.read(block, first, count);
     _rightRun.read(block, first, count);
     QORQL_relateRun(_leftRun, _relation, _rightRun, count, truths);
@@ -56,7 +56,7 @@ class NullTruth final : public QORQL_RowTruth {
     return qori::truth(_operand->view(row, holder).isNull() == _wantsNull);
   }
   bool testRun(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, QORQL_RunTruths& truths) override {
-    if (!_operandRun.isReadable(block)) return false;
+    if (!_operandRun.isReadable()) return false;
     _operandRun.read(block, first, count);
     for (std::size_t i = 0; i < count; ++i) truths[i] = runTruth(_operandRun[i].isNull() == _wantsNull);
     return true;
@@ -88,7 +88,7 @@ class LikeTruth final : public QORQL_RowTruth {
     return _comparison.compareValues(_left->value(row), _right->value(row), QORString::emptyString());
   }
   bool testRun(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, QORQL_RunTruths& truths) override {
-    if (!_leftRun.isReadable(block) || !_rightRun.isReadable(block)) return false;
+    if (!_leftRun.isReadable() || !_rightRun.isReadable()) return false;
     _leftRun.read(block, first, count);
     _rightRun.read(block, first, count);
     for (std::size_t i = 0; i < count; ++i) {
