@@ -52,7 +52,8 @@ class AggregateFinder : public QORQL_ExpressionVisitor {
  public:
   void visitFunction(const QORQL_Function& function) override {
     if (!QORQL_isAggregate(function.getFunctionID())) return;
-    found = count++ == 0 ? const_cast<QORQL_Function*>(&function) : nullptr;
+    found = const_cast<QORQL_Function*>(&function);
+    ++count;
   }
   QORuint32 count = 0;
   QORQL_Function* found = nullptr;

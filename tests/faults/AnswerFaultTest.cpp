@@ -125,6 +125,17 @@ TEST_F(Answers, instancesOfGarbageGiveAResultOrAnError) {
             "runtime 0: A non-existent property - 'Slot' was requested from class - 'T_DISK'");
 }
 
+TEST_F(Answers, instancesThatAreReadByNameAloneMayComeBehindOthers) {
+  FaultyPlatform::setEnumerations([](const CIMApi::Instances& found) {
+    const CIMApi::Instances list(new QORValSlist<QORSmrPtr<IQoriObject>>);
+    list->append(*found);
+    list->append(strange());
+    return list;
+  });
+  for (const std::string& query : kFaultQueries) run(query.c_str());
+  EXPECT_EQ(run("SELECT Name, Size FROM T_Disk").rows.back(), "7|large");
+}
+
 // Answers with values that its class does not declare.
 class GarbageProvider : public InstanceProvider {
  public:

@@ -191,6 +191,15 @@ TEST(Retrieval, filteredFetchKeepsRowsThatCannotBeCompared) {
   EXPECT_EQ(world.table->getRowCount(), 2U);
 }
 
+TEST(Retrieval, filteredFetchKeepsRowsWhoseComparisonIsNull) {
+  HelperWorld world;
+  const QORSmrPtr<QORQL_Evaluatable> condition(world.conditionOf("SELECT A.Id FROM A, B WHERE A.Size = B.Size"));
+  world.fetchFiltered("A", condition, QORQL_OperatorNONE);  // there is no B yet
+  EXPECT_EQ(world.table->getRowCount(), 2U);
+  world.fetchFiltered("B", condition, QORQL_OperatorNONE);
+  EXPECT_EQ(world.table->getRowCount(), 2U);
+}
+
 TEST(Retrieval, filteredFetchOfAnOuterJoinKeepsEveryCombination) {
   HelperWorld world;
   const QORSmrPtr<QORQL_Evaluatable> condition(world.conditionOf("SELECT A.Id FROM A, B WHERE A.Size *= B.Size"));
@@ -249,6 +258,15 @@ TEST(PreFilter, whereAndOrderByAreSkippedWhenEveryProviderFiltered) {
   QueryWorld world(kPreFiltered);
   EXPECT_THAT(world.rows("SELECT Id FROM F WHERE Id = 7 ORDER BY Id ASC"), ElementsAre("3", "1"));
   EXPECT_THAT(world.rows("SELECT Id FROM N WHERE Id = 3 ORDER BY Id ASC"), ElementsAre("3"));
+}
+
+// A subclass whose provider filters does not speak for its superclass.
+TEST(PreFilter, oneUnfilteredInstanceIsEnoughToFilter) {
+  QueryWorld world(std::string(kPreFiltered) +
+                   "class M { [key] uint32 Id; }; [YRK_TRBS_ProviderFiltered] class MF : M { };"
+                   "instance of MF { Id = 1; }; instance of MF { Id = 2; }; instance of M { Id = 3; };");
+  EXPECT_THAT(world.rows("SELECT Id FROM M WHERE Id > 1 ORDER BY Id DESC"), ElementsAre("3", "2"));
+  EXPECT_THAT(world.rows("SELECT Id FROM MF WHERE Id > 1 ORDER BY Id DESC"), ElementsAre("1", "2"));
 }
 
 TEST(PreFilter, oneUnfilteredClassIsEnoughToFilter) {

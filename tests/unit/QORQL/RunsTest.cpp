@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <memory>
 
+#include "Cimom/QORQL/QORQL_LazyRows.h"
 #include "Cimom/QORQL/QORQL_NullExtension.h"
 #include "Cimom/QORQL/QORQL_NumberOrder.h"
 #include "Cimom/QORQL/QORQL_PropertyColumn.h"
@@ -235,10 +237,40 @@ TEST(Extent, runsOfALongList) {
   expectRun(4160, 64);
   EXPECT_EQ(extent.object(69999), expected(69999));
 
+  // Back to a remembered place, and from there on to where the reading would have been without that.
+  const QORQL_Extent again(list);
+  const auto expectRunAgain = [&](QORuint32 first) {
+    std::array<const IQoriObject*, 64> run{};
+    again.copyRun(first, run.size(), run.data());
+    for (QORuint32 i = 0; i < run.size(); ++i) ASSERT_EQ(run[i], expected(first + i)) << first + i;
+  };
+  for (QORuint32 first = 0; first < 9024; first += 64) expectRunAgain(first);
+  expectRunAgain(4096);
+  expectRunAgain(9088);
+  for (QORuint32 first = 9152; first < 20000; first += 64) expectRunAgain(first);
+  expectRunAgain(12289);
+
   const QORQL_Extent unread(list);
   const IQoriObject* ahead = nullptr;
   unread.copyRun(50001, 1, &ahead);
   EXPECT_EQ(ahead, expected(50001));
+}
+
+// More rows than can be counted are as many as can be counted, not as many as remain.
+TEST(LazyRows, aProductBeyondAllNumbersHasRows) {
+  QueryWorld world(kClasses + std::string("instance of Z { k = 1; };"));
+  CIMApi client;
+  const CIMApi::Instances one = client.enumerateInstances("root/cimv2", "Z", {}, -1, nullptr, nullptr, nullptr, {});
+  const QORQL_Extent::ObjectList list(new QORValSlist<QORSmrPtr<IQoriObject>>);
+  for (QORuint32 i = 0; i < 65536; ++i) list->append(one->first());
+  const auto extent = std::make_shared<const QORQL_Extent>(list);
+  QORQL_LazyRows rows;
+  for (int column = 0; column < 3; ++column) rows.addExtent(extent);
+  EXPECT_EQ(rows.rowCount(), QORuint64{1} << 48U);
+  rows.addExtent(extent);
+  EXPECT_EQ(rows.rowCount(), ~QORuint64{0});
+  rows.addExtent(extent);
+  EXPECT_EQ(rows.rowCount(), ~QORuint64{0});
 }
 
 // --- rows for objects without a partner ---------------------------------------------
