@@ -28,7 +28,6 @@ class NameCollector : public QORQL_ExpressionVisitor {
   explicit NameCollector(const QORQL_SymbolTable& symbolTable) : _symbolTable(symbolTable) {}
   void visitFactor(const QORQL_Factor& factor) override {
     if (!factor.getClassName().IsNull()) add(*factor.getClassName());
-    if (factor.isKnownFromName() && !factor.getPropertyName().IsNull()) add(*factor.getPropertyName());
   }
   void visitAssociation(const QORQL_Association& association) override { associations.push_back(&association); }
   void add(const QORString& name) {
@@ -81,7 +80,7 @@ Roles rolesOf(const Associations& associations, const QORQL_SymbolTable& symbolT
   for (const QORQL_Association* association : associations) {
     const QORString source(symbolTable.classNameOf(association->getSource()));
     const QORString destination(symbolTable.classNameOf(association->getDestination()));
-    if (!roles.destinations.contains(source)) roles.sources.insert(source);
+    roles.sources.insert(source);
     if (!roles.sources.contains(destination)) roles.destinations.insert(destination);
     roles.associations.insert(symbolTable.classNameOf(association->getAssociationName()));
   }

@@ -101,9 +101,7 @@ void QORQL_ProjectionPlan::addExpression(const QORSmrPtr<QORQL_Evaluatable>& exp
       add(reference.className, reference.propertyName);
     }
   }
-  for (const QORQL_SelectedEntry* entry : finder->entries) {
-    if (entry->GetFunctionID() == QORQL_FUNCTIONID_UNKNOWN) addEntry(*entry);
-  }
+  for (const QORQL_SelectedEntry* entry : finder->entries) addEntry(*entry);
 }
 
 void QORQL_ProjectionPlan::add(const QORString& className, const QORString& propertyName) {

@@ -128,9 +128,9 @@ FaultWorld::FaultWorld() {
   _manager.makeCurrent();
   MofLoader(_manager.sink(), kNameSpace).loadText(kModel, "model");
   _manager.setLogSink(
-      [this](const QORString&, const QORString& message, QORuint32) {
+      [this](const QORString& who, const QORString& message, QORuint32) {
         const AllocationFaults::Pause pause;
-        if (_log != nullptr) _log->emplace_back(message.view());
+        if (_log != nullptr) _log->push_back(std::string(who.view()) + ": " + std::string(message.view()));
       },
       QoriTraceLog::kError);
 }

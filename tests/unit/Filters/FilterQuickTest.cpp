@@ -1,8 +1,13 @@
 // Conditions that are decided by a property's place in the instance's layout:
 // the same answers for instances of several layouts in turn, and for every kind
 // of property and constant.
+#include <cmath>
+#include <memory>
+
+#include "Cimom/Embedded/InstanceProvider.h"
 #include "Cimom/QORQL/CQLQuickTest.h"
 #include "FilterWorld.h"
+#include "cimom/CIMApi.h"
 #include "cimom/CQoriBaseObject.h"
 #include "cimom/CQoriProperty.h"
 #include "cimom/CQoriValue.h"
@@ -74,6 +79,82 @@ TEST_F(FilterQuick, everyRelationOfEveryKind) {
         world.alertMatches(std::string(left) + " " + relation + " " + right, properties);
       }
     }
+  }
+}
+
+// The same property stands at another place in each class.
+TEST_F(FilterQuick, instancesOfTwoFromClassesInTurn) {
+  FilterWorld two(
+      "class CIM_Fan { [key] string Id; uint32 Speed; }; class CIM_Pump { uint32 Size; uint32 Speed; [key] string Id; "
+      "};");
+  CQLQueryStatement filter("DMTF:CQL", "SELECT * FROM CIM_Fan AS f, CIM_Pump AS p WHERE f.Speed = 7", kNameSpace,
+                           kNameSpace);
+  ASSERT_EQ(filter.validate(), QUERY_VALIDATE_SUCCESS);
+  const auto fan = two.indication("instance of CIM_Fan { Id = \"a\"; Speed = 7; };");
+  const auto slowFan = two.indication("instance of CIM_Fan { Id = \"a\"; Speed = 6; };");
+  const auto pump = two.indication("instance of CIM_Pump { Size = 6; Speed = 7; Id = \"a\"; };");
+  const auto slowPump = two.indication("instance of CIM_Pump { Size = 7; Speed = 6; Id = \"a\"; };");
+  for (int round = 0; round < 3; ++round) {
+    EXPECT_TRUE(filter.isMatch(fan, kNameSpace));
+    EXPECT_TRUE(filter.isMatch(pump, kNameSpace));
+    EXPECT_FALSE(filter.isMatch(slowPump, kNameSpace));
+    EXPECT_FALSE(filter.isMatch(slowFan, kNameSpace));
+  }
+}
+
+// Infinity less infinity is no number: nothing is less, equal or greater.
+TEST_F(FilterQuick, aConstantThatIsNoNumberDiffersFromAll) {
+  const std::string none = "1.0e308 * 10.0 - 1.0e308 * 10.0";
+  for (const char* const relation : {"=", "<", ">", "<=", ">="}) {
+    EXPECT_FALSE(world.alertMatches(std::string("R64 ") + relation + " " + none, "R64 = 0.5;")) << relation;
+  }
+  EXPECT_TRUE(world.alertMatches("R64 <> " + none, "R64 = 0.5;"));
+}
+
+// Instances with a measure that is no number.
+class Gauges : public InstanceProvider {
+ public:
+  QORString getClassName() const override { return "CIM_Gauge"; }
+  void enumerate(const Request& request, const Emit& emit) override {
+    std::vector<QORSmrPtr<IQoriValue>> values;
+    for (const QORString& name : request.propertyNames) {
+      values.push_back(name == "Level" ? QORSmrPtr<IQoriValue>(new CQoriValue(std::nan(""), CQoriType::real64))
+                                       : QORSmrPtr<IQoriValue>(new CQoriValue(QORString("g"))));
+    }
+    emit(std::move(values));
+  }
+};
+
+TEST_F(FilterQuick, aPropertyThatIsNoNumberDiffersFromAll) {
+  FilterWorld gauges("class CIM_Gauge { [key] string Id; real64 Level; };");
+  gauges.manager().registerProvider(kNameSpace, std::make_shared<Gauges>());
+  CIMApi client;
+  const CIMApi::Instances found =
+      client.enumerateInstances(kNameSpace, "CIM_Gauge", {}, -1, nullptr, nullptr, nullptr, {});
+  ASSERT_EQ(found->entries(), 1U);
+  ASSERT_NE(found->first()->getLayout(), nullptr);
+  for (const char* const relation : {"=", "<", ">", "<=", ">="}) {
+    const std::string filter = std::string("SELECT * FROM CIM_Gauge WHERE Level ") + relation + " 0.5";
+    for (int round = 0; round < 2; ++round) EXPECT_FALSE(gauges.matches(filter, found->first())) << filter;
+  }
+  EXPECT_TRUE(gauges.matches("SELECT * FROM CIM_Gauge WHERE Level <> 0.5", found->first()));
+}
+
+// Only the first step of a way is a FROM name.
+TEST_F(FilterQuick, aPropertyNamedLikeItsAlias) {
+  const auto change = world.indication(
+      "instance of CIM_InstModification { SourceInstance = instance of CIM_StorageVolume { Id = \"a\"; Size = 5; }; "
+      "};");
+  const std::string filter = "SELECT * FROM CIM_InstModification AS SourceInstance WHERE SourceInstance.";
+  EXPECT_TRUE(world.matches(filter + "SourceInstance.Size = 5", change));
+  EXPECT_FALSE(world.matches(filter + "SourceInstance.Size = 6", change));
+}
+
+TEST_F(FilterQuick, elementsUpToTheLast) {
+  for (int index = 0; index < 4; ++index) {
+    const std::string element = "A[" + std::to_string(index) + "]";
+    EXPECT_EQ(world.alertMatches(element + " = " + std::to_string(index + 5), "A = {5, 6};"), index < 2) << element;
+    EXPECT_EQ(world.alertMatches(element + " <> 99", "A = {5, 6};"), index < 2) << element;
   }
 }
 

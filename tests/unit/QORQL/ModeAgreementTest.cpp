@@ -61,6 +61,7 @@ TEST(ModeAgreement, WhatTheCellsKeep) {
   expectCells("SELECT A.s, B.* FROM A, B WHERE A.k *= B.k", {"A(s)|B(k,y,x)", "A(s)|-"});
   expectCells("SELECT * FROM B WHERE k = 1", {"B(k,y,x)"});
   expectCells("SELECT A.k, OBJECTPATH(A) AS p FROM A WHERE k = 1", {"A(k)|VALUES(P)"});
+  expectCells("SELECT OBJECTPATH(A) AS p, * FROM A WHERE k = 1 ORDER BY k ASC", {"A(k,x,s)|VALUES(P)"});
   expectCells("SELECT COUNT(k) AS n FROM A", {"VALUES(N)"});
   // What names no class keeps no cell, and what another alias of a repeated class names keeps no property.
   expectCells("SELECT 1 AS n FROM A", {"", ""});
