@@ -47,7 +47,7 @@ is_fresh() {
   [ -e "$stamp" ] && [ -z "$(cd "$root" && find "$@" -newer "$stamp" -print -quit 2>/dev/null)" ]
 }
 
-# Configures and builds a preset, or of it what $target names, unless nothing
+# Configures and builds a preset, or of it what $build_target names, unless nothing
 # changed: build_preset PRESET SOURCE...
 build_preset() {
   local preset=$1 folder="$root/build/$1" log="$root/build/$1.log" launcher=()
@@ -64,7 +64,7 @@ build_preset() {
   fi
   say "building the $preset preset, a few minutes at first (log in build/$preset.log)"
   touch "$folder/.started"
-  if ! (cd "$root" && cmake --preset "$preset" "${launcher[@]}" && cmake --build "build/$preset" -j "$(nproc)" ${target:+--target "$target"}) \
+  if ! (cd "$root" && cmake --preset "$preset" "${launcher[@]}" && cmake --build "build/$preset" -j "$(nproc)" ${build_target:+--target "$build_target"}) \
     >"$log" 2>&1 9>&-; then
     tail -n 40 "$log" >&2
     fail "the $preset build failed, see the lines above and build/$preset.log"
