@@ -85,15 +85,16 @@ TEST_F(FilterQuick, everyRelationOfEveryKind) {
 // The same property stands at another place in each class.
 TEST_F(FilterQuick, instancesOfTwoFromClassesInTurn) {
   FilterWorld two(
-      "class CIM_Fan { [key] string Id; uint32 Speed; }; class CIM_Pump { uint32 Size; uint32 Speed; [key] string Id; "
+      "class CIM_Fan { [key] string Id; uint32 Speed; }; class CIM_Pump { uint32 Size; uint32 Load; uint32 Speed; "
+      "[key] string Id; "
       "};");
   CQLQueryStatement filter("DMTF:CQL", "SELECT * FROM CIM_Fan AS f, CIM_Pump AS p WHERE f.Speed = 7", kNameSpace,
                            kNameSpace);
   ASSERT_EQ(filter.validate(), QUERY_VALIDATE_SUCCESS);
   const auto fan = two.indication("instance of CIM_Fan { Id = \"a\"; Speed = 7; };");
   const auto slowFan = two.indication("instance of CIM_Fan { Id = \"a\"; Speed = 6; };");
-  const auto pump = two.indication("instance of CIM_Pump { Size = 6; Speed = 7; Id = \"a\"; };");
-  const auto slowPump = two.indication("instance of CIM_Pump { Size = 7; Speed = 6; Id = \"a\"; };");
+  const auto pump = two.indication("instance of CIM_Pump { Size = 6; Load = 6; Speed = 7; Id = \"a\"; };");
+  const auto slowPump = two.indication("instance of CIM_Pump { Size = 7; Load = 7; Speed = 6; Id = \"a\"; };");
   for (int round = 0; round < 3; ++round) {
     EXPECT_TRUE(filter.isMatch(fan, kNameSpace));
     EXPECT_TRUE(filter.isMatch(pump, kNameSpace));

@@ -4,9 +4,14 @@
 #include <gtest/gtest.h>
 
 #include "Cimom/QORQL/QORQL_Comparison.h"
+#include "Cimom/QORQL/QORQL_Expression.h"
+#include "Cimom/QORQL/QORQL_ExpressionFactor.h"
+#include "Cimom/QORQL/QORQL_ExpressionTerm.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_Function.h"
+#include "Cimom/QORQL/QORQL_WhereClause.h"
 #include "QueryWorld.h"
+#include "cimom/CQoriBaseObject.h"
 #include "cimom/CQoriValue.h"
 
 namespace {
@@ -113,6 +118,28 @@ TEST_F(Evaluation, likeIsAPlainSubstring) {
   EXPECT_EQ(error("5 LIKE '5'"), "runtime 6: Invalid data type specified for LIKE operator");
   EXPECT_EQ(error("S LIKE 5"), "runtime 6: Invalid data type specified for LIKE operator");
   EXPECT_EQ(error("S LIKE Flag + Absent"), "runtime 6: Invalid data type specified for LIKE operator");
+}
+
+// The superclass is looked for in the namespace of the query; without one, in that of the object.
+TEST_F(Evaluation, isaAsksTheNamespaceOfTheQueryFirst) {
+  const QORString text("SELECT Id FROM V WHERE V ISA Base");
+  QORQL_Lexer lexer(text, false);
+  QORQL_SymbolTable symbols(nullptr);
+  const auto parsed = QORQL_Query::parse(symbols, lexer, false, text, "", "root/cimv2");
+  const auto& where = dynamic_cast<const QORQL_WhereClause&>(*dynamic_cast<QORQL_Query&>(*parsed).getWhereClause());
+  const auto& expression = dynamic_cast<const QORQL_Expression&>(*where.getExpression());
+  const auto& term = dynamic_cast<const QORQL_ExpressionTerm&>(*expression.getExpressionTerm());
+  const auto& factor = dynamic_cast<const QORQL_ExpressionFactor&>(*term.getExpressionFactor());
+  const auto& comparison = dynamic_cast<const QORQL_Comparison&>(*factor.getComparison());
+  const auto truthOf = [&](const char* objects, const char* queries) {
+    const QORSmrPtr<IQoriObject> object(new CQoriBaseObject(objects, "V", "Id", nullptr));
+    const QORSmrPtr<IQoriValue> left(new CQoriValue(object));
+    return comparison.compareValues(left, QORSmrPtr<IQoriValue>(new CQoriValue(QORString("Base"))), queries);
+  };
+  EXPECT_EQ(truthOf("root/nowhere", "root/cimv2"), QoriTruth::True);
+  EXPECT_EQ(truthOf("root/cimv2", "root/nowhere"), QoriTruth::False);
+  EXPECT_EQ(truthOf("root/cimv2", ""), QoriTruth::True);
+  EXPECT_EQ(truthOf("root/nowhere", ""), QoriTruth::False);
 }
 
 TEST_F(Evaluation, isaAsksTheClassOfTheObject) {

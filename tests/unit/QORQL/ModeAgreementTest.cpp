@@ -66,6 +66,7 @@ TEST(ModeAgreement, WhatTheCellsKeep) {
   // What names no class keeps no cell, and what another alias of a repeated class names keeps no property.
   expectCells("SELECT 1 AS n FROM A", {"", ""});
   expectCells("SELECT p.x, q.y FROM B AS p, B AS q", {"B(y)", "B(y)"});
+  expectCells("SELECT p.y, q.x FROM B AS p, B AS q WHERE q.y = 10", {"B(x)"});
 }
 
 TEST(ModeAgreement, TwoColumnsThatShareAnAlias) {

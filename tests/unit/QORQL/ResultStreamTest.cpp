@@ -2,7 +2,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "QueryWorld.h"
+#include "cimom/CQoriBaseObject.h"
+#include "cimom/CQoriProperty.h"
+#include "cimom/CQoriValue.h"
 
 namespace {
 
@@ -48,6 +53,35 @@ TEST_F(ResultStream, referencesAreInstancePaths) {
   EXPECT_THAT(text, HasSubstr("<VALUE.REFERENCE><INSTANCEPATH>"));
   EXPECT_THAT(text, HasSubstr("</INSTANCEPATH></VALUE.REFERENCE>\n"));
   EXPECT_THAT(text, HasSubstr("<KEYBINDING NAME=\"Id\">"));
+}
+
+// No MOF declares arrays of references; other object managers may have them.
+TEST_F(ResultStream, arraysOfReferencesAreEscapedPaths) {
+  const QORString text("SELECT Refs FROM D");
+  const QORSmrPtr<IQoriValue::List> elements(new IQoriValue::List());
+  const QORSmrPtr<CQoriBaseObject::PropertyList> keys(new CQoriBaseObject::PropertyList());
+  keys->append(new CQoriProperty("Id", new CQoriValue(QORString("a")), true));
+  const QORSmrPtr<IQoriObject> target(new CQoriBaseObject("root/cimv2", "C", "Id", keys));
+  elements->append(QORSmrPtr<IQoriValue>(new CQoriValue(target->getInstanceName())));
+  elements->append(QORSmrPtr<IQoriValue>());
+  const QORSmrPtr<CQoriBaseObject::PropertyList> properties(new CQoriBaseObject::PropertyList());
+  properties->append(
+      new CQoriProperty("Refs", new CQoriValue(elements, CQoriType::arrayOf(CQoriType::reference)), true));
+  QORSmrPtr<QORQL_DataTable> table(new QORQL_DataTable());
+  table->addColumn(new QORQL_TableHeader("D", "D", ""), 0, false);
+  const QORSmrPtr<QORQL_DataRow> row(new QORQL_DataRow());
+  row->addCell(0, new CQoriBaseObject("root/cimv2", "D", "Refs", properties));
+  table->addRow(row);
+
+  QueryWorld other("class D { [key] uint32 Id; uint32 Refs; };");
+  QORQL_Lexer lexer(text, false);
+  QORQL_SymbolTable symbols(nullptr);
+  const auto parsed = QORQL_Query::parse(symbols, lexer, false, text, "", "root/cimv2");
+  std::ostringstream stream;
+  dynamic_cast<QORQL_Query&>(*parsed).getSelectList()->execute(symbols, table, &stream, "root/cimv2");
+  EXPECT_THAT(stream.str(), HasSubstr("NAME=\"D.Refs\" TYPE=\"reference\" ISARRAY=\"1\" CELLPOS=\"0\""));
+  EXPECT_THAT(stream.str(), HasSubstr("<TABLEROW>\n<VALUE.REFARRAY>\n<VALUE>root/cimv2:C.Id=&quot;a&quot;</VALUE>\n"
+                                      "</VALUE.REFARRAY>\n</TABLEROW>\n"));
 }
 
 TEST_F(ResultStream, aPropertyWithoutValueIsDeclaredString) {
