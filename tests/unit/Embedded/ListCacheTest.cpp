@@ -60,6 +60,22 @@ TEST(ListCacheTest, PuttingAgainReplaces) {
   const CIMApi::Instances fresh = listOf(2);
   cache.put(entry, "a", 2, fresh);
   EXPECT_TRUE(cache.find(entry, "a", 2) == fresh);
+  EXPECT_TRUE(cache.find(entry, "a", 1).IsNull());
+  EXPECT_TRUE(cache.find(entry, "a", 1).IsNull()) << "the list that was replaced is gone";
+}
+
+TEST(ListCacheTest, AListThatLeavesMakesRoom) {
+  ListCache cache;
+  ClassEntry entry;
+  const CIMApi::Instances most = listOf(ListCache::kMaximumInstances - 2);
+  cache.put(entry, "stale", 1, most);
+  EXPECT_TRUE(cache.find(entry, "stale", 2).IsNull());
+  cache.put(entry, "a", 1, listOf(2));
+  cache.put(entry, "b", 1, most);
+  EXPECT_FALSE(cache.find(entry, "a", 1).IsNull());
+  cache.put(entry, "b", 2, most);
+  EXPECT_FALSE(cache.find(entry, "a", 1).IsNull());
+  EXPECT_FALSE(cache.find(entry, "b", 2).IsNull());
 }
 
 }  // namespace

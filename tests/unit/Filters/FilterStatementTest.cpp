@@ -142,6 +142,20 @@ TEST_F(Filter, starNeedsEveryPropertyAndAPathItsRoot) {
   EXPECT_THAT(textsOf(statement.getWherePropertyList(name)), ElementsAre("SourceInstance"));
 }
 
+// Both classes have the property at the root of the path.
+TEST_F(Filter, aPathBehindAnAliasIsOfThatClassAlone) {
+  CQLQueryStatement statement("CQL",
+                              "SELECT c.IndicationIdentifier FROM CIM_InstCreation AS c, CIM_InstModification AS m "
+                              "WHERE m.SourceInstance.Size > 5",
+                              kNameSpace, "");
+  ASSERT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS);
+  EXPECT_THAT(textsOf(statement.getWherePropertyList(classPath("CIM_InstModification"))),
+              ElementsAre("SourceInstance"));
+  EXPECT_THAT(textsOf(statement.getWherePropertyList(classPath("CIM_InstCreation"))), IsEmpty());
+  EXPECT_THAT(textsOf(statement.getPropertyList(classPath("CIM_InstCreation"))), ElementsAre("IndicationIdentifier"));
+  EXPECT_THAT(textsOf(statement.getPropertyList(classPath("m"))), ElementsAre("SourceInstance"));
+}
+
 TEST_F(Filter, aPathBehindAnAliasIsOfTheObjectThatItsRootHolds) {
   const std::string from = " FROM CIM_InstModification AS i";
   for (const char* path : {"i.SourceInstance.CIM_StorageVolume::Size", "i.SourceInstance.Size",
