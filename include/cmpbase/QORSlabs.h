@@ -30,7 +30,8 @@
 class QORSlabs {
  public:
   QORSlabs() noexcept = default;
-  // Expects about so many bytes of objects, which the first slab then holds; a guess does.
+  // Expects about so many bytes of objects, which the first slab then holds, or slabs of the greatest size do; a guess
+  // is good enough.
   explicit QORSlabs(std::size_t expected) noexcept {
     if (expected > kFirstSize) _nextSize = expected < kGreatestSize ? expected : kGreatestSize;
   }
@@ -132,11 +133,7 @@ class QORSlabs {
     _used = kUnit;
     _size = size;
     ++_slabs;
-    if (_slabs < kFirstSlabs) {
-      _nextSize = kFirstSize;
-    } else if (_nextSize < kGreatestSize) {
-      _nextSize *= 2;
-    }
+    if (_nextSize < kGreatestSize) _nextSize = _slabs < kFirstSlabs ? kFirstSize : 2 * _nextSize;
   }
   void closeSlab() noexcept;
 
