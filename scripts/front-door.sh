@@ -51,12 +51,13 @@ is_fresh() {
 # changed: build_preset PRESET SOURCE...
 build_preset() {
   local preset=$1 folder="$root/build/$1" log="$root/build/$1.log" launcher=()
+  local built="$folder/.built${build_target:+.$build_target}"
   shift
-  is_fresh "$folder/.built" "$@" && return 0
+  is_fresh "$built" "$@" && return 0
   mkdir -p "$folder" || fail "the folder $folder cannot be made"
   exec 9>"$folder/.lock"
   flock 9 || fail "the folder $folder cannot be locked"
-  is_fresh "$folder/.built" "$@" && return 0
+  is_fresh "$built" "$@" && return 0
   install_packages "$preset"
   if command -v ccache >/dev/null; then
     launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
@@ -69,11 +70,20 @@ build_preset() {
     tail -n 40 "$log" >&2
     fail "the $preset build failed, see the lines above and build/$preset.log"
   fi
-  mv "$folder/.started" "$folder/.built"
+  mv "$folder/.started" "$built"
   exec 9>&-
 }
 
 # What the tool and its libraries are built from.
 tool_sources=(CMakeLists.txt CMakePresets.json cmake include Cimom tools packages.txt)
 
-build_tool() { build_preset release "${tool_sources[@]}"; }
+# Builds the tool, and sets `tool` to its path. The tests build it too, compiled alike: theirs will do.
+build_tool() {
+  local preset=release
+  if ! is_fresh "$root/build/release/.built" "${tool_sources[@]}" && is_fresh "$root/build/test/.built" "${tool_sources[@]}"; then
+    preset=test
+  else
+    build_preset release "${tool_sources[@]}"
+  fi
+  tool=$root/build/$preset/tools/qorql/qorql
+}

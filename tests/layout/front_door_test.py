@@ -84,6 +84,17 @@ class FrontDoor(unittest.TestCase):
         self.assertLess(time.monotonic() - start, 1.0)
         self.assertEqual((ran.stdout, ran.stderr, calls), ("tool:x\n", "", []))
 
+    def test_the_tool_that_the_tests_built_will_do(self):
+        self.write("build/test/tools/qorql/qorql", '#!/bin/bash\necho "theirs:$*"\n')
+        os.chmod(os.path.join(self.tree, "build/test/tools/qorql/qorql"), 0o755)
+        time.sleep(0.02)
+        self.write("build/test/.built", "")
+        ran, calls = self.run_it("x")
+        self.assertEqual((ran.stdout, ran.stderr, calls), ("theirs:x\n", "", []))
+        time.sleep(0.02)
+        self.write("Cimom/a.cpp", "changed")
+        self.assertEqual((self.run_it("x")[0].stdout, self.run_it("x")[0].stdout), ("tool:x\n", "tool:x\n"))
+
     def test_a_changed_new_or_removed_source_builds_again(self):
         self.run_it()
         for change in ("changed", "new", "removed"):

@@ -1,13 +1,12 @@
 // One class, with what it needs to load again.
 #include "ClassCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "ClassesCommand.h"
 #include "ErrorReport.h"
 #include "ExitStatus.h"
-#include "OptionChecks.h"
+#include "OptionDeclarations.h"
 #include "Session.h"
 #include "SessionOptions.h"
 
@@ -46,10 +45,9 @@ int printClass(const ClassOptions& options) {
 
 CommandAction declareClassCommand(CLI::App& app) {
   const auto options = std::make_shared<ClassOptions>();
-  app.description(kDescription);
-  app.footer(kFooter);
+  describeCommand(app, kDescription, kFooter);
   declareSessionOptions(app, options->session);
   declareFlag(app, "--alone", options->isAlone, "The class alone, without superclasses and qualifiers");
-  app.add_option("NAME", options->name, "The class")->type_name(" ")->required();
+  declareValue(app, {.names = "NAME", .description = "The class", .take = keepIn(options->name), .isRequired = true});
   return [options] { return printClass(*options); };
 }

@@ -3,13 +3,12 @@
 
 #include <fnmatch.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iostream>
 
 #include "ErrorReport.h"
 #include "ExitStatus.h"
-#include "OptionChecks.h"
+#include "OptionDeclarations.h"
 #include "Session.h"
 #include "SessionOptions.h"
 #include "Suggestion.h"
@@ -99,11 +98,11 @@ std::string missingClassText(const EmbeddedObjectManager& manager, const std::st
 
 CommandAction declareClassesCommand(CLI::App& app) {
   const auto options = std::make_shared<ClassesOptions>();
-  app.description(kDescription);
-  app.footer(kFooter);
+  describeCommand(app, kDescription, kFooter);
   declareSessionOptions(app, options->session);
   declareFlag(app, "-l,--long", options->isLong,
               "With the superclass and what the class is (abstract, association, indication), separated by tabs");
-  app.add_option("PATTERN", options->pattern, "Which classes (default: all)")->type_name(" ");
+  declareValue(app,
+               {.names = "PATTERN", .description = "Which classes (default: all)", .take = keepIn(options->pattern)});
   return [options] { return listClasses(*options); };
 }

@@ -1,13 +1,13 @@
 // What a query will do: each step in the order of execution, then warnings.
 #include "ExplainCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "Cimom/QORQL/QORQL_Explanation.h"
 #include "DisplayText.h"
 #include "ErrorReport.h"
 #include "ExitStatus.h"
+#include "OptionDeclarations.h"
 #include "ParsedQuery.h"
 #include "QueryHint.h"
 #include "Session.h"
@@ -132,9 +132,11 @@ void printExplanation(std::ostream& out, EmbeddedObjectManager& manager, ParsedQ
 
 CommandAction declareExplainCommand(CLI::App& app) {
   const auto options = std::make_shared<ExplainOptions>();
-  app.description(kDescription);
-  app.footer(kFooter);
+  describeCommand(app, kDescription, kFooter);
   declareSessionOptions(app, options->session);
-  app.add_option("QUERY", options->query, "One statement, or several separated by \";\"")->type_name(" ")->required();
+  declareValue(app, {.names = "QUERY",
+                     .description = "One statement, or several separated by \";\"",
+                     .take = keepIn(options->query),
+                     .isRequired = true});
   return [options] { return explain(*options); };
 }

@@ -1,10 +1,12 @@
 // What the command line says to the commands that take a filter.
 #include "FilterOptions.h"
 
-#include <CLI/CLI.hpp>
+#include "OptionDeclarations.h"
 
 void declareFilterOptions(CLI::App& app, FilterOptions& options) {
   declareSessionOptions(app, options.session);
-  app.add_option("-q,--language", options.language, "Language of the filter (default: DMTF:CQL; also CQL and WQL)")
-      ->type_name("LANGUAGE");
+  declareValue(app, {.names = "-q,--language",
+                     .type = "LANGUAGE",
+                     .description = "Language of the filter (default: DMTF:CQL; also CQL and WQL)",
+                     .take = keepIn(options.language)});
 }

@@ -1,12 +1,12 @@
 // Instances, stored and live, as the object manager enumerates them.
 #include "InstancesCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "ClassesCommand.h"
 #include "ErrorReport.h"
 #include "ExitStatus.h"
+#include "OptionDeclarations.h"
 #include "Session.h"
 #include "SessionOptions.h"
 #include "Statements.h"
@@ -68,9 +68,9 @@ int runInstances(const InstancesOptions& options) {
 
 CommandAction declareInstancesCommand(CLI::App& app) {
   const auto options = std::make_shared<InstancesOptions>();
-  app.description(kDescription);
-  app.footer(kFooter);
+  describeCommand(app, kDescription, kFooter);
   declareSessionOptions(app, options->session);
-  app.add_option("CLASS", options->className, "The class")->type_name(" ")->required();
+  declareValue(app,
+               {.names = "CLASS", .description = "The class", .take = keepIn(options->className), .isRequired = true});
   return [options] { return runInstances(*options); };
 }

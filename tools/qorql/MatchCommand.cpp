@@ -1,7 +1,6 @@
 // Asks a filter about the instances of MOF files.
 #include "MatchCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "Cimom/Mof/MofLoader.h"
@@ -9,7 +8,7 @@
 #include "ErrorReport.h"
 #include "ExitStatus.h"
 #include "FilterSession.h"
-#include "OptionChecks.h"
+#include "OptionDeclarations.h"
 #include "TextInput.h"
 
 namespace {
@@ -84,12 +83,15 @@ int runMatch(const MatchOptions& options) {
 
 CommandAction declareMatchCommand(CLI::App& app) {
   const auto options = std::make_shared<MatchOptions>();
-  app.description(kDescription);
-  app.footer(kFooter);
+  describeCommand(app, kDescription, kFooter);
   declareFilterOptions(app, options->filter);
   declareFlag(app, "--why", options->isWhy, "Tell the first condition that failed and the values it compared");
-  app.add_option("FILTER", options->text, "The filter")->type_name(" ")->required();
-  app.add_option("FILE", options->files, "MOF files with instances")->type_name(" ");
+  declareValue(app,
+               {.names = "FILTER", .description = "The filter", .take = keepIn(options->text), .isRequired = true});
+  declareValue(app, {.names = "FILE",
+                     .description = "MOF files with instances",
+                     .take = keepIn(options->files),
+                     .isRepeatable = true});
   return [options] {
     if (options->files.empty()) options->files.emplace_back(kStandardInput);
     return runMatch(*options);

@@ -1,7 +1,7 @@
 // What the command line says about the form of results.
 #include "OutputOptions.h"
 
-#include "OptionChecks.h"
+#include "OptionDeclarations.h"
 
 const std::map<std::string, OutputForm>& outputForms() {
   static const std::map<std::string, OutputForm> forms = {
@@ -13,10 +13,11 @@ const std::map<std::string, OutputForm>& outputForms() {
 
 void declareOutputOptions(CLI::App& app, OutputOptions& options) {
   const auto takeForm = [&options](const std::string& form) { options.form = outputForms().at(form); };
-  app.add_option_function<std::string>("-o,--output", takeForm,
-                                       "table, csv, json, jsonl, html, xml or mof (default: table, or FORMAT AS)")
-      ->type_name("FORM")
-      ->check(oneOf(outputForms()));
+  declareValue(app, {.names = "-o,--output",
+                     .type = "FORM",
+                     .description = "table, csv, json, jsonl, html, xml or mof (default: table, or FORMAT AS)",
+                     .take = takeForm,
+                     .check = oneOf(outputForms())});
   declareFlag(app, "--stats", options.hasStatistics, "Print counts and times of each statement to standard error");
   declareFlag(app, "--warnings", options.hasWarnings, "Warn where the language surprises, as on a terminal");
 }

@@ -6,7 +6,7 @@
 #include <iostream>
 
 #include "ExitStatus.h"
-#include "OptionChecks.h"
+#include "OptionDeclarations.h"
 #include "OutputOptions.h"
 #include "SessionOptions.h"
 #include "Version.h"
@@ -204,9 +204,12 @@ void printCompletion() {
 CommandAction declarePagesCommand(CLI::App& app) {
   static const std::map<std::string, void (*)()> pages = {{"bash", printCompletion}, {"man", printManual}};
   const auto which = std::make_shared<std::string>();
-  app.description(kDescription);
-  app.footer("Exit status: 0 done; 2 wrong usage.");
-  app.add_option("PAGE", *which, "man or bash")->type_name(" ")->required()->check(oneOf(pages));
+  describeCommand(app, kDescription, "Exit status: 0 done; 2 wrong usage.");
+  declareValue(app, {.names = "PAGE",
+                     .description = "man or bash",
+                     .take = keepIn(*which),
+                     .check = oneOf(pages),
+                     .isRequired = true});
   return [which] {
     pages.at (*which)();
     return kExitDone;

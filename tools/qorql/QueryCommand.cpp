@@ -6,7 +6,7 @@
 
 #include "ErrorReport.h"
 #include "ExitStatus.h"
-#include "OptionChecks.h"
+#include "OptionDeclarations.h"
 #include "OutputOptions.h"
 #include "QueryRunner.h"
 #include "Session.h"
@@ -77,7 +77,7 @@ int runStatements(const QueryOptions& options, Session& session) {
 }
 
 int runQuery(QueryOptions& options) {
-  if (options.query && !options.file.empty()) throw CLI::ExcludesError("QUERY", "--file");
+  if (options.query && !options.file.empty()) refuseBoth("QUERY", "--file");
   Session session(options.session);
   try {
     session.open();
@@ -93,15 +93,17 @@ int runQuery(QueryOptions& options) {
 
 CommandAction declareQueryCommand(CLI::App& app) {
   const auto options = std::make_shared<QueryOptions>();
-  app.description(kDescription);
-  app.footer(kFooter);
+  describeCommand(app, kDescription, kFooter);
   declareSessionOptions(app, options->session);
-  app.add_option("-f,--file", options->file, "Read statements from a file")->type_name("FILE")->check(check(checkFile));
+  declareValue(app, {.names = "-f,--file",
+                     .type = "FILE",
+                     .description = "Read statements from a file",
+                     .take = keepIn(options->file),
+                     .check = checkFile});
   const auto takeQuery = [options](const std::string& query) { options->query = query; };
-  app.add_option_function<std::string>("QUERY", takeQuery, "One statement, or several separated by \";\"")
-      ->type_name(" ");
+  declareValue(app,
+               {.names = "QUERY", .description = "One statement, or several separated by \";\"", .take = takeQuery});
   declareOutputOptions(app, options->output);
-  app.set_version_flag("--version", std::string("qorql ") + versionText(), "Print the version and end")
-      ->disable_flag_override();
+  declareVersionFlag(app, "--version", std::string("qorql ") + versionText(), "Print the version and end");
   return [options] { return runQuery(*options); };
 }

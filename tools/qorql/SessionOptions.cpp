@@ -4,7 +4,7 @@
 #include <map>
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
-#include "OptionChecks.h"
+#include "OptionDeclarations.h"
 
 namespace {
 
@@ -30,40 +30,49 @@ Setting parseSetting(const std::string& given) {
 std::string checkName(const std::string& given) { return given.empty() ? "a name is not empty" : ""; }
 
 void declareConfiguration(CLI::App& app, SessionOptions& options) {
-  app.add_option("--config", options.configuration, "Read the configuration from an INI file")->type_name("FILE");
-  const auto takeSettings = [&options](const std::vector<std::string>& settings) {
-    for (const std::string& setting : settings) options.settings.push_back(parseSetting(setting));
-  };
-  app.add_option_function<std::vector<std::string>>("--set", takeSettings,
-                                                    "Set a key of the configuration (repeatable)")
-      ->type_name("SECTION.KEY=VALUE")
-      ->allow_extra_args(false)
-      ->check(check(checkSetting));
+  declareValue(app, {.names = "--config",
+                     .type = "FILE",
+                     .description = "Read the configuration from an INI file",
+                     .take = keepIn(options.configuration)});
+  const auto takeSetting = [&options](const std::string& given) { options.settings.push_back(parseSetting(given)); };
+  declareValue(app, {.names = "--set",
+                     .type = "SECTION.KEY=VALUE",
+                     .description = "Set a key of the configuration (repeatable)",
+                     .take = takeSetting,
+                     .check = checkSetting,
+                     .isRepeatable = true});
 }
 
 }  // namespace
 
 void declareSessionOptions(CLI::App& app, SessionOptions& options) {
   options.nameSpace = EmbeddedObjectManager::kDefaultNamespace;
-  app.add_option("-m,--mof", options.mofPaths, "Load a MOF file, or every .mof file of a folder (repeatable)")
-      ->type_name("PATH")
-      ->allow_extra_args(false);
-  app.add_option("-n,--namespace", options.nameSpace, "Namespace (default: root/cimv2)")
-      ->type_name("NAME")
-      ->check(check(checkName));
-  auto* const cache = app.add_option("--cache", options.cacheFile, "Keep what the MOF files declare in this file")
-                          ->type_name("FILE")
-                          ->check(check(checkName));
-  declareFlag(app, "--no-cache", options.hasNoCache, "Read the MOF files themselves, and keep nothing")
-      ->excludes(cache);
+  declareValue(app, {.names = "-m,--mof",
+                     .type = "PATH",
+                     .description = "Load a MOF file, or every .mof file of a folder (repeatable)",
+                     .take = keepIn(options.mofPaths),
+                     .isRepeatable = true});
+  declareValue(app, {.names = "-n,--namespace",
+                     .type = "NAME",
+                     .description = "Namespace (default: root/cimv2)",
+                     .take = keepIn(options.nameSpace),
+                     .check = checkName});
+  declareValue(app, {.names = "--cache",
+                     .type = "FILE",
+                     .description = "Keep what the MOF files declare in this file",
+                     .take = keepIn(options.cacheFile),
+                     .check = checkName});
+  declareFlag(app, "--no-cache", options.hasNoCache, "Read the MOF files themselves, and keep nothing");
+  declareExclusion(app, "--no-cache", "--cache");
   declareFlag(app, "--no-live", options.hasNoLiveClasses, "Without the live classes of this machine");
   declareConfiguration(app, options);
   declareFlag(app, "--quiet", options.isQuiet, "No warnings, no progress line");
   const auto takeLevel = [&options](const std::string& level) { options.logSeverity = kLogLevels.at(level); };
-  app.add_option_function<std::string>("--log", takeLevel,
-                                       "Log to standard error: fatal, error, warning, info or trace")
-      ->type_name("LEVEL")
-      ->check(oneOf(kLogLevels));
+  declareValue(app, {.names = "--log",
+                     .type = "LEVEL",
+                     .description = "Log to standard error: fatal, error, warning, info or trace",
+                     .take = takeLevel,
+                     .check = oneOf(kLogLevels)});
 }
 
 std::vector<std::string> logLevelNames() {

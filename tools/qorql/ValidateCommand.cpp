@@ -1,7 +1,6 @@
 // Validates filters and prints a line for each.
 #include "ValidateCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 #include <optional>
 #include <set>
@@ -11,7 +10,7 @@
 #include "ErrorReport.h"
 #include "ExitStatus.h"
 #include "FilterSession.h"
-#include "OptionChecks.h"
+#include "OptionDeclarations.h"
 #include "Statements.h"
 #include "TextInput.h"
 #include "cimom/CQoriInstanceName.h"
@@ -111,7 +110,7 @@ class Validation {
 };
 
 int runValidate(const ValidateOptions& options) {
-  if (options.text && !options.file.empty()) throw CLI::ExcludesError("FILTER", "--file");
+  if (options.text && !options.file.empty()) refuseBoth("FILTER", "--file");
   FilterSession session(options.filter);
   try {
     session.open();
@@ -133,13 +132,14 @@ int runValidate(const ValidateOptions& options) {
 
 CommandAction declareValidateCommand(CLI::App& app) {
   const auto options = std::make_shared<ValidateOptions>();
-  app.description(kDescription);
-  app.footer(kFooter);
+  describeCommand(app, kDescription, kFooter);
   declareFilterOptions(app, options->filter);
-  app.add_option("-f,--file", options->file, "Read filters from a file, one a line")
-      ->type_name("FILE")
-      ->check(check(checkFile));
+  declareValue(app, {.names = "-f,--file",
+                     .type = "FILE",
+                     .description = "Read filters from a file, one a line",
+                     .take = keepIn(options->file),
+                     .check = checkFile});
   const auto takeText = [options](const std::string& text) { options->text = text; };
-  app.add_option_function<std::string>("FILTER", takeText, "One filter")->type_name(" ");
+  declareValue(app, {.names = "FILTER", .description = "One filter", .take = takeText});
   return [options] { return runValidate(*options); };
 }

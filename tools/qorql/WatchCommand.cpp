@@ -1,7 +1,6 @@
 // Looks at the live classes again and again and prints the changes that a filter matches.
 #include "WatchCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <charconv>
 #include <chrono>
 #include <iostream>
@@ -16,7 +15,7 @@
 #include "FilterSession.h"
 #include "JsonValue.h"
 #include "LiveWatch.h"
-#include "OptionChecks.h"
+#include "OptionDeclarations.h"
 
 namespace {
 
@@ -140,29 +139,44 @@ int runWatch(const WatchOptions& options) {
   }
 }
 
-std::string checkInterval(const std::string& given) {
-  constexpr double kShortest = 0.01;
-  constexpr double kLongest = 86400;
+// 0 where the text is no number.
+double parseSeconds(const std::string& given) noexcept {
   double seconds = 0;
   const char* const end = given.data() + given.size();
   const auto [behind, error] = std::from_chars(given.data(), end, seconds);
+  return error == std::errc() && behind == end ? seconds : 0;
+}
+
+std::string checkInterval(const std::string& given) {
+  constexpr double kShortest = 0.01;
+  constexpr double kLongest = 86400;
+  const double seconds = parseSeconds(given);
   const bool isInRange = seconds >= kShortest && seconds <= kLongest;  // which NaN is not
-  return error == std::errc() && behind == end && isInRange ? ""
-                                                            : "'" + given + "' is no number in the range 0.01 to 86400";
+  return isInRange ? "" : "'" + given + "' is no number in the range 0.01 to 86400";
 }
 
 }  // namespace
 
 CommandAction declareWatchCommand(CLI::App& app) {
   const auto options = std::make_shared<WatchOptions>();
-  app.description(kDescription);
-  app.footer(kFooter);
+  describeCommand(app, kDescription, kFooter);
   declareFilterOptions(app, options->filter);
-  app.add_option("--interval", options->interval, "Look every so many seconds (default: 1)")
-      ->type_name("SECONDS")
-      ->check(check(checkInterval));
-  app.add_option("--count", options->count, "End after so many looks")->type_name("N")->check(check(checkCount));
-  app.add_option("--limit", options->limit, "End after so many indications")->type_name("N")->check(check(checkCount));
-  app.add_option("FILTER", options->text, "The filter")->type_name(" ")->required();
+  declareValue(app, {.names = "--interval",
+                     .type = "SECONDS",
+                     .description = "Look every so many seconds (default: 1)",
+                     .take = [options](const std::string& given) { options->interval = parseSeconds(given); },
+                     .check = checkInterval});
+  declareValue(app, {.names = "--count",
+                     .type = "N",
+                     .description = "End after so many looks",
+                     .take = [options](const std::string& given) { options->count = parseCount(given); },
+                     .check = checkCount});
+  declareValue(app, {.names = "--limit",
+                     .type = "N",
+                     .description = "End after so many indications",
+                     .take = [options](const std::string& given) { options->limit = parseCount(given); },
+                     .check = checkCount});
+  declareValue(app,
+               {.names = "FILTER", .description = "The filter", .take = keepIn(options->text), .isRequired = true});
   return [options] { return runWatch(*options); };
 }
