@@ -11,7 +11,7 @@ namespace {
 std::string freeName(const std::string& name, const std::set<std::string>& given, std::set<std::string>& used) {
   if (used.insert(name).second) return name;
   for (int number = 2;; ++number) {
-    const std::string numbered = name + "_" + std::to_string(number);
+    std::string numbered = name + "_" + std::to_string(number);
     if (!given.contains(numbered) && used.insert(numbered).second) return numbered;
   }
 }
@@ -22,6 +22,7 @@ std::vector<std::string> uniqueKeys(const std::vector<ResultColumn>& columns) {
   for (const ResultColumn& column : columns) given.insert(column.name);
   std::set<std::string> used;
   std::vector<std::string> keys;
+  keys.reserve(columns.size());
   for (const ResultColumn& column : columns) keys.push_back(jsonText(freeName(column.name, given, used)) + ": ");
   return keys;
 }

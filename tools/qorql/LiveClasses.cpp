@@ -65,6 +65,10 @@ class FittingClasses {
     _leftOut.emplace_back(declaration.name.view());
   }
 
+  static std::string badReference(const std::string& name, const std::string& target, const std::string& fault) {
+    return name + " refers to " + target + ", which is " + fault;
+  }
+
   // What the repository does not look at: the classes to which references lead.
   std::string clashOf(const CimClassDeclaration& declaration) const {
     const std::string name(declaration.name.view());
@@ -72,13 +76,12 @@ class FittingClasses {
     for (const CimPropertyDeclaration& property : declaration.properties) {
       if (property.referenceClass.isEmpty()) continue;
       const std::string target(property.referenceClass.view());
-      if (!exists(property.referenceClass)) return name + " refers to " + target + ", which is left out";
+      if (!exists(property.referenceClass)) return badReference(name, target, "left out");
       CimPropertyDeclaration inherited;
       const bool isInherited = !declaration.superClass.isEmpty() &&
                                _sink.describeProperty(_nameSpace, declaration.superClass, property.name, inherited);
       if (isInherited && !isA(property.referenceClass, inherited.referenceClass)) {
-        return name + " refers to " + target + ", which is not derived from " +
-               std::string(inherited.referenceClass.view());
+        return badReference(name, target, "not derived from " + std::string(inherited.referenceClass.view()));
       }
     }
     return {};
