@@ -17,7 +17,7 @@ Run runIn(QueryRun& world, const std::string& query, QORQL_DataTable::ExecutionM
   ClientInterposer::takeCalls();
   Run run{world.runIn(query, mode, isStreamed), {}};
   run.calls = ClientInterposer::takeCalls();
-  requireStatedError(run.outcome);
+  requireStatedError(run.outcome, query);
   return run;
 }
 

@@ -83,7 +83,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (!isSmallQuery(query)) return 0;
   texts.store(content);
   const QueryOutcome outcome = texts.world().runIn(query, QORQL_DataTable::kExecutionLazy);
-  requireStatedError(outcome);
+  requireStatedError(outcome, query);
   // A failure amid the rows is told by the log and ends the stream where it stands.
   const bool isSuccess = outcome.error.empty() && !hasLoggedErrors(outcome);
   fuzzRequire(!isSuccess || isWellFormed(outcome.stream), "well-formed XML, but it is\n" + outcome.stream);
