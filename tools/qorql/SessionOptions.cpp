@@ -77,6 +77,7 @@ void declareSessionOptions(CLI::App& app, SessionOptions& options) {
 
 std::vector<std::string> logLevelNames() {
   std::vector<std::string> names;
+  names.reserve(kLogLevels.size());
   for (const auto& level : kLogLevels) names.push_back(level.first);
   return names;
 }
