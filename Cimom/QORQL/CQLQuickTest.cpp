@@ -2,6 +2,7 @@
 #include "Cimom/QORQL/CQLQuickTest.h"
 
 #include <compare>
+#include <utility>
 
 CQLQuickTest::CQLQuickTest(const QORString& property, QoriRelation relation, const QoriScalar& constant) noexcept
     : _property(property), _constant(constant) {
@@ -11,7 +12,7 @@ CQLQuickTest::CQLQuickTest(const QORString& property, QoriRelation relation, con
 }
 
 CQLQuickTest::CQLQuickTest(CQLQuickTest&& other) noexcept
-    : _property(other._property),
+    : _property(std::move(other._property)),
       _constant(other._constant),
       _orders(other._orders),
       _place(other._place.load(std::memory_order_relaxed)) {}

@@ -224,7 +224,7 @@ void QORQL_LazyRows::replaceBlocks(const std::vector<std::size_t>& blockNumbers,
   std::vector<QORQL_RowBlock> kept;
   for (std::size_t number = 0; number < _blocks.size(); ++number) {
     if (number == blockNumbers.front()) {
-      kept.push_back(std::move(block));
+      kept.push_back(std::move(block));  // NOLINT(bugprone-use-after-move): only one number is the front one
     } else if (std::find(blockNumbers.begin(), blockNumbers.end(), number) == blockNumbers.end()) {
       kept.push_back(std::move(_blocks[number]));
     }

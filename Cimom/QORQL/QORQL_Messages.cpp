@@ -8,7 +8,7 @@
 namespace {
 
 QORString fill(const char* text, const QORString& argument) {
-  const QORString pattern(text);
+  QORString pattern(text);
   const std::size_t place = pattern.find("%s");
   if (place == QORString::npos) return pattern;
   return pattern.subStr(0, place) + argument + pattern.subStr(place + 2);

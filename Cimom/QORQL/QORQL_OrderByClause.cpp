@@ -12,7 +12,7 @@ namespace {
 QORSmrPtr<QORQL_Evaluatable> parseKey(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer, const QORString& queryString,
                                       const QORString& queryLanguage) {
   QORQL_ConditionScope scope(symbolTable, lexer);
-  const QORSmrPtr<QORQL_Evaluatable> key =
+  QORSmrPtr<QORQL_Evaluatable> key =
       QORQL_Arithmetic::parse(symbolTable, lexer, scope.projectionMap(), queryString, queryLanguage);
   scope.requestProperties();
   return key;

@@ -78,7 +78,7 @@ void QORQL_SelectList::_updateTableIfRequired(QORQL_SymbolTable& symbols, Table&
 
 // The columns of what is kept, each once, then that of the function results.
 QORQL_SelectList::HeaderList QORQL_SelectList::_buildTableHeader(const Table& table, const QORQL_ProjectionPlan& plan) {
-  const HeaderList headers(HeaderList::Make());
+  HeaderList headers(HeaderList::Make());
   std::vector<QORsint32> seen;
   for (const QORQL_ProjectionPlan::Item& item : plan.items()) {
     const QORsint32 column = table->getObjectColumn(item.className);

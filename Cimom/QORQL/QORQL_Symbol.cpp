@@ -1,6 +1,8 @@
 // The names of a FROM clause.
 #include "Cimom/QORQL/QORQL_Symbol.h"
 
+#include <utility>
+
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
 
 QORQL_Symbol::QORQL_Symbol(QORQL_SYMBOLTYPE type, const QORString& name, QORboolean isNestedQuery,
@@ -9,7 +11,7 @@ QORQL_Symbol::QORQL_Symbol(QORQL_SYMBOLTYPE type, const QORString& name, QORbool
       _name(name),
       _alias(QORString::emptyString()),
       _isNestedQuery(isNestedQuery),
-      _symbolTable(symbolTable) {}
+      _symbolTable(std::move(symbolTable)) {}
 
 QORQL_Symbol::QORQL_Symbol(QORQL_SYMBOLTYPE type, const QORString& name, const QORString& alias,
                            QORSmrPtr<QORQL_ClassInfo>& classInfo, QORSmrPtr<QORQL_SymbolTable> symbolTable)
@@ -18,7 +20,7 @@ QORQL_Symbol::QORQL_Symbol(QORQL_SYMBOLTYPE type, const QORString& name, const Q
       _alias(alias),
       _isNestedQuery(false),
       _classInfo(classInfo),
-      _symbolTable(symbolTable) {}
+      _symbolTable(std::move(symbolTable)) {}
 
 QORQL_Symbol::~QORQL_Symbol() = default;
 
@@ -41,7 +43,7 @@ QORString QORQL_Symbol::getClassName() const { return _name; }
 QORQL_DelegatorSymbol::QORQL_DelegatorSymbol(QORQL_SYMBOLTYPE type, const QORString& name, const QORString& alias,
                                              QORSmrPtr<QORQL_ClassInfo>& classInfo, QORSmrPtr<QORQL_Symbol> delegatee,
                                              QORSmrPtr<QORQL_SymbolTable> symbolTable)
-    : QORQL_Symbol(type, name, alias, classInfo, symbolTable), _delegatee(delegatee) {}
+    : QORQL_Symbol(type, name, alias, classInfo, std::move(symbolTable)), _delegatee(std::move(delegatee)) {}
 
 QORQL_DelegatorSymbol::~QORQL_DelegatorSymbol() = default;
 
