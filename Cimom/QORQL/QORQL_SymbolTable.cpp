@@ -37,7 +37,7 @@ QORQL_SymbolTable::~QORQL_SymbolTable() {
 }
 
 void QORQL_SymbolTable::insert(const QORString& name, QORSmrPtr<QORQL_Symbol> symbol) {
-  _hashDict.insert(name, symbol);
+  _hashDict.insert(name, std::move(symbol));
 }
 
 QORSmrPtr<QORQL_Symbol> QORQL_SymbolTable::deepLookup(const QORString& name, QORboolean flag) const {

@@ -21,6 +21,7 @@ template <class K, class V>
 class QORValMapItem {
  public:
   QORValMapItem(const K& key, const V& data) : _key(key), _data(data) {}
+  QORValMapItem(const K& key, V&& data) : _key(key), _data(std::move(data)) {}
   K _key;
   V _data;
   QORValMapItem* _next = nullptr;  // in its chain
@@ -82,6 +83,7 @@ class QORValMap {
   bool isEmpty() const noexcept { return _entries == 0; }
   // Replaces an existing key: its item leaves and the new one goes to the tail of the bucket.
   bool insert(const K& key, const V& value) { return insertItem(newItem(nullptr, key, value)); }
+  bool insert(const K& key, V&& value) { return insertItem(newItem(nullptr, key, std::move(value))); }
   // The same with memory of the slabs, which need not live longer than this call.
   bool insert(const K& key, const V& value, QORSlabs& slabs) { return insertItem(newItem(&slabs, key, value)); }
   // Returns whether the key was present.
@@ -123,12 +125,13 @@ class QORValMap {
 
   static constexpr QORuint32 kUnsplit = 8;
 
-  static ItemHolder newItem(QORSlabs* slabs, const K& key, const V& value) {
+  template <class Value>
+  static ItemHolder newItem(QORSlabs* slabs, const K& key, Value&& value) {
     static_assert(alignof(Item) <= QORSlabs::kAlignment);
     QORSlabs::Place place = QORSlabs::kNowhere;
     void* const memory = slabs == nullptr ? ::operator new(sizeof(Item)) : slabs->take(sizeof(Item), place);
     try {
-      ItemHolder item(::new (memory) Item(key, value));
+      ItemHolder item(::new (memory) Item(key, std::forward<Value>(value)));
       item->_place = place;
       return item;
     } catch (...) {

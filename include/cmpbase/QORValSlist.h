@@ -19,8 +19,8 @@ class QORValSlistIterator;
 template <class T>
 class QORValSlistItem {
  public:
-  template <class Data>
-  explicit QORValSlistItem(Data&& data) : _data(std::forward<Data>(data)) {}
+  explicit QORValSlistItem(const T& data) : _data(data) {}
+  explicit QORValSlistItem(T&& data) : _data(std::move(data)) {}
   QORValSlistItem* _previous = nullptr;
   QORValSlistItem* _next = nullptr;
   T _data;
