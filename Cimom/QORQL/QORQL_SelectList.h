@@ -2,6 +2,8 @@
 #ifndef QORQL_SELECTLIST_H
 #define QORQL_SELECTLIST_H
 
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "Cimom/QORQL/QORQL_ClassInfo.h"
@@ -103,7 +105,9 @@ class QORQL_SelectList : public QORQL_Executable {
   std::vector<RowFunction> _rowFunctions(FunctionResults& results) const;
   static void _evaluateRowFunctions(QORQL_SymbolTable& symbols, QORSmrPtr<QORQL_DataRow>& row,
                                     const std::vector<RowFunction>& functions);
-  static QORSmrPtr<IQoriValue>& _getFunctionResult(const QORQL_SelectedEntry& entry, FunctionResults& results);
+  // The results by their ids, of equal ones the first.
+  using ResultSlots = std::unordered_map<std::string_view, QORSmrPtr<IQoriValue>*>;
+  static QORSmrPtr<IQoriValue>& _getFunctionResult(const QORQL_SelectedEntry& entry, const ResultSlots& slots);
   static QORSmrPtr<IQoriObject> _functionResultsToObject(const FunctionResults& results);
   static PropertyList _getPropList(const QORString& className, PropertyListMap& map);
   static void _addAllProperties(const QORString& className, const QORSmrPtr<IQoriObject>& object, PropertyListMap& map);

@@ -46,13 +46,10 @@ QORString QORQL_SelectList::_functionID(const QORQL_SelectedEntry& entry) {
 }
 
 QORSmrPtr<IQoriValue>& QORQL_SelectList::_getFunctionResult(const QORQL_SelectedEntry& entry,
-                                                            FunctionResults& results) {
-  const QORString id(_functionID(entry));
-  QORValSlistIterator<FunctionResult> iterator(results.results);
-  while (++iterator) {
-    if (iterator.key().id == id) return iterator.key().result;
-  }
-  throw std::runtime_error(Messages::kResultNotFound);
+                                                            const ResultSlots& slots) {
+  const auto slot = slots.find(_functionID(entry).view());
+  if (slot == slots.end()) throw std::runtime_error(Messages::kResultNotFound);
+  return *slot->second;
 }
 
 QORSmrPtr<IQoriObject> QORQL_SelectList::_functionResultsToObject(const FunctionResults& results) {
@@ -76,6 +73,9 @@ void QORQL_SelectList::_addAllProperties(const QORString& className, const QORSm
 }
 
 std::vector<QORQL_SelectList::RowFunction> QORQL_SelectList::_rowFunctions(FunctionResults& results) const {
+  ResultSlots slots;
+  QORValSlistIterator<FunctionResult> iterator(results.results);
+  while (++iterator) slots.emplace(iterator.key().id.view(), &iterator.key().result);
   std::vector<RowFunction> functions;
   EntryIterator entries(*_selectedEntries);
   while (++entries) {
@@ -83,7 +83,7 @@ std::vector<QORQL_SelectList::RowFunction> QORQL_SelectList::_rowFunctions(Funct
     const bool isRowFunction =
         entry.GetFunctionID() == QORQL_FUNCTIONID_OBJECTPATH || entry.GetFunctionID() == QORQL_FUNCTIONID_INSTANCEOF;
     if (!isRowFunction || entry.getExpression().IsNull()) continue;
-    functions.push_back({entry.getExpression().Get(), &_getFunctionResult(entry, results)});
+    functions.push_back({entry.getExpression().Get(), &_getFunctionResult(entry, slots)});
   }
   return functions;
 }

@@ -59,7 +59,8 @@ TEST_F(Bounds, nestingUpToTheBoundWorksAndBeyondItIsAnError) {
 }
 
 // Unoptimised and sanitized frames are several times as large as those that are shipped.
-#if defined(__OPTIMIZE__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) && !defined(__clang__)
+#if defined(__OPTIMIZE__) && !defined(QORQL_ENGINE_IS_UNOPTIMISED) && !defined(__SANITIZE_ADDRESS__) && \
+    !defined(__SANITIZE_THREAD__) && !defined(__clang__)
 constexpr std::size_t kMegabyte = std::size_t{1} << 20U;
 #else
 constexpr std::size_t kMegabyte = std::size_t{32} << 20U;
