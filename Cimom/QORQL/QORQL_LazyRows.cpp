@@ -222,12 +222,12 @@ void QORQL_LazyRows::multiply(const std::vector<std::size_t>& blockNumbers) {
 
 void QORQL_LazyRows::replaceBlocks(const std::vector<std::size_t>& blockNumbers, QORQL_RowBlock&& block) {
   std::vector<QORQL_RowBlock> kept;
+  kept.reserve(_blocks.size());
+  _blocks[blockNumbers.front()] = std::move(block);
   for (std::size_t number = 0; number < _blocks.size(); ++number) {
-    if (number == blockNumbers.front()) {
-      kept.push_back(std::move(block));  // NOLINT(bugprone-use-after-move): only one number is the front one
-    } else if (std::find(blockNumbers.begin(), blockNumbers.end(), number) == blockNumbers.end()) {
-      kept.push_back(std::move(_blocks[number]));
-    }
+    const bool stays = number == blockNumbers.front() ||
+                       std::find(blockNumbers.begin(), blockNumbers.end(), number) == blockNumbers.end();
+    if (stays) kept.push_back(std::move(_blocks[number]));
   }
   _blocks = std::move(kept);
 }
