@@ -40,14 +40,11 @@ const Node* nextOf(const Node& node) {
   return node.getOperator() == QORQL_OperatorNONE ? nullptr : dynamic_cast<const Node*>(restOf(node));
 }
 
-// Whether grouping to the right matters: an operator that is not associative has a chain behind it.
+// A chain of one kind of + or *, AND or OR reads the same however it is grouped.
 template <class Node>
 bool needsGrouping(const Node& first) {
   for (const Node* node = &first; node != nullptr; node = nextOf(*node)) {
-    const Node* const next = nextOf(*node);
-    const bool isChain = next != nullptr && next->getOperator() != QORQL_OperatorNONE;
-    if (isChain && (node->getOperator() == QORQL_OperatorMINUS || node->getOperator() == QORQL_OperatorDIV))
-      return true;
+    if (node->getOperator() == QORQL_OperatorMINUS || node->getOperator() == QORQL_OperatorDIV) return true;
   }
   return false;
 }
@@ -86,7 +83,10 @@ const char* arrayWord(const QORQL_Comparison& comparison, bool isLeft) {
   return "";
 }
 
+// A literal is not negative; one that a signed type cannot hold has turned so.
 std::string literalText(const IQoriValue& literal) {
+  const QoriScalar scalar = literal.scalar();
+  if (scalar.kind == QoriScalarKind::Signed && scalar.s < 0) return std::to_string(static_cast<QORuint64>(scalar.s));
   const std::string text(literal.toString().view());
   return literal.getType()->getName() == "string" ? "'" + text + "'" : text;
 }

@@ -14,7 +14,7 @@ class QORQL_FromClause;
 class QORQL_Function;
 class QORQL_SelectedEntry;
 
-// Parentheses show how a chain with `-` or `/` is grouped. Aliases stay as
+// Parentheses show how a chain with `-` or `/` in it is grouped. Aliases stay as
 // written, class names are as the class repository has them; both are left out
 // where FROM has one class only. Reads the tree and changes nothing.
 class QORQL_ExpressionText {

@@ -1,60 +1,19 @@
-// One look at the parsed tree for each kind of surprise.
+// Each clause is looked at by itself; conditions and arithmetic by a visitor.
 #include "Cimom/QORQL/QORQL_Surprises.h"
 
+#include <map>
 #include <set>
 
-#include "Cimom/QORQL/QORQL_Arithmetic.h"
 #include "Cimom/QORQL/QORQL_Expression.h"
 #include "Cimom/QORQL/QORQL_ExpressionText.h"
-#include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
 #include "Cimom/QORQL/QORQL_FromClause.h"
+#include "Cimom/QORQL/QORQL_NodeSurprises.h"
 #include "Cimom/QORQL/QORQL_OrderByClause.h"
 #include "Cimom/QORQL/QORQL_Query.h"
 #include "Cimom/QORQL/QORQL_SelectList.h"
-#include "Cimom/QORQL/QORQL_Term.h"
-#include "Cimom/QORQL/QORQL_Values.h"
 #include "Cimom/QORQL/QORQL_WhereClause.h"
 
 namespace {
-
-bool isOrder(QORQL_Operator op) { return op >= QORQL_OperatorLESS && op <= QORQL_OperatorGREATEREQUAL; }
-
-// The first of each kind of node that surprises.
-class SurpriseFinder : public QORQL_ExpressionVisitor {
- public:
-  void visitComparison(const QORQL_Comparison& node) override {
-    const bool isLeft = node.getArrayComp() == QORQL_Comparison::ArrayCompAnyLeft ||
-                        node.getArrayComp() == QORQL_Comparison::ArrayCompEveryLeft;
-    if (node.getOperator() == QORQL_OperatorLIKE) note(like, node);
-    if (isLeft && isOrder(node.getOperator())) note(turned, node);
-    if (node.isArrayComp() && node.getOperator() == QORQL_OperatorNOTEQUAL) note(unequal, node);
-    const bool keepsLeft =
-        node.getJoinType() == QORQL_JOIN_TYPE_LEFT_OUTER || node.getJoinType() == QORQL_JOIN_TYPE_FULL_OUTER;
-    if (keepsLeft) note(leftJoin, node);
-  }
-  void visitArithmetic(const QORQL_Arithmetic& node) override {
-    const auto* const rest = dynamic_cast<const QORQL_Arithmetic*>(node.getArithmetic().Get());
-    const bool isChain = rest != nullptr && rest->getOperator() != QORQL_OperatorNONE;
-    if (isChain && node.getOperator() == QORQL_OperatorMINUS) note(grouped, node);
-  }
-  void visitTerm(const QORQL_Term& node) override {
-    const auto* const rest = dynamic_cast<const QORQL_Term*>(node.getTerm().Get());
-    const bool isChain = rest != nullptr && rest->getOperator() != QORQL_OperatorNONE;
-    if (isChain && node.getOperator() == QORQL_OperatorDIV) note(grouped, node);
-  }
-
-  const QORQL_Comparison* like = nullptr;
-  const QORQL_Comparison* turned = nullptr;
-  const QORQL_Comparison* unequal = nullptr;
-  const QORQL_Comparison* leftJoin = nullptr;
-  const QORQL_Evaluatable* grouped = nullptr;
-
- private:
-  template <class Kept, class Node>
-  static void note(const Kept*& first, const Node& node) {
-    if (first == nullptr) first = &node;
-  }
-};
 
 class Surprises {
  public:
@@ -63,14 +22,25 @@ class Surprises {
         _from(dynamic_cast<const QORQL_FromClause&>(*query.getFromClause())),
         _where(dynamic_cast<const QORQL_WhereClause*>(query.getWhereClause().Get())),
         _orderBy(dynamic_cast<const QORQL_OrderByClause*>(query.getOrderByClause().Get())),
+        _types(_from, nameSpace),
         _texts(_from, nameSpace) {}
 
-  std::vector<QORQL_Surprise> find() {
+  std::vector<QORQL_Surprise> ofQuery() {
     addOr();
-    addNodes();
+    visitNodes();
+    _nodes->addConditions(_found);
+    _nodes->addArithmetic(_found);
+    _nodes->addReferences(_found);
     addEntries();
     addDoubleClass();
-    addLeftJoin();
+    addAliases();
+    addJoins();
+    return std::move(_found);
+  }
+
+  std::vector<QORQL_Surprise> ofFilter() {
+    visitNodes();
+    _nodes->addArithmetic(_found);
     return std::move(_found);
   }
 
@@ -89,27 +59,13 @@ class Surprises {
                        "\" decides. Run a query for each operand");
   }
 
-  void addNodes() {
+  void visitNodes() {
     if (_where != nullptr) _where->getExpression()->accept(_visitor);
     QORValSlistIterator<QORSmrPtr<QORQL_SelectedEntry>> entries(*_list.getSelectedEntries());
     while (++entries) {
       if (!entries.key()->getExpression().IsNull()) entries.key()->getExpression()->accept(_visitor);
     }
     if (_orderBy != nullptr) _orderBy->getExpression()->accept(_visitor);
-    if (_finder->like != nullptr) {
-      add("LIKE-1", "LIKE searches for a plain text anywhere, with regard to case, and knows no wildcards: \"" +
-                        _texts.of(_finder->like) + "\"");
-    }
-    if (_finder->turned != nullptr) {
-      add("ARR-4", "ANY and EVERY on the left turn a comparison around: \"" + _texts.of(_finder->turned) +
-                       "\" compares the right side with each element. Write the array on the right");
-    }
-    if (_finder->unequal != nullptr) {
-      add("ARR-6", "\"" + _texts.of(_finder->unequal) + "\" also keeps the rows for which it is false");
-    }
-    if (_finder->grouped != nullptr) {
-      add("ARITH-2", "Operators of one level group to the right: this is \"" + _texts.of(_finder->grouped) + "\"");
-    }
   }
 
   void addEntries() {
@@ -132,37 +88,85 @@ class Surprises {
   }
 
   void addDoubleClass() {
-    std::set<QORString> seen;
+    bool isTold = false;
     QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*_from.getFromSpecifierList());
     while (++specifiers) {
       const QORString& name = specifiers.key()->getTableName();
-      if (seen.insert(name).second) continue;
+      if (_classes.insert(name).second || isTold) continue;
       add("FROM-5",
           "A class twice in FROM is one column: every alias of " + _texts.nameOf(name) + " but the last reads null");
-      return;
+      isTold = true;
     }
   }
 
-  void addLeftJoin() {
-    if (_finder->leftJoin == nullptr) return;
-    add("JOIN-4",
-        "\"" + _texts.of(_finder->leftJoin) +
-            "\" gives rows too many: a left object that meets another before its partner gets one with nulls. "
-            "Write a right join (=*)");
+  void addAliases() {
+    bool hasClash = false;
+    bool hasProperty = false;
+    std::map<QORString, QORString> classOf;  // by name, in upper case as FROM has them all
+    QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*_from.getFromSpecifierList());
+    while (++specifiers) {
+      const QORString& className = specifiers.key()->getTableName();
+      const QORString& alias = specifiers.key()->getAlias();
+      for (const QORString& name : {className, alias}) {
+        if (name.isEmpty()) continue;
+        const auto [known, isNew] = classOf.try_emplace(name, className);
+        if (isNew || known->second == className || hasClash) continue;
+        hasClash = true;
+        add("FROM-10", "In FROM " + _texts.nameOf(name) + " names both " + _texts.nameOf(known->second) + " and " +
+                           _texts.nameOf(className) + ": only one of them can be asked. Give each a name of its own");
+      }
+      if (alias.isEmpty() || hasProperty) continue;
+      hasProperty = addPropertyAlias(alias);
+    }
+  }
+
+  // Whether a class of FROM has a property of that name.
+  bool addPropertyAlias(const QORString& alias) {
+    for (const QORString& className : _classes) {
+      const QORSmrPtr<IQoriClass> model(_types.classOf(className));
+      const IQoriProperty* const property = model.IsNull() ? nullptr : model->getProperty(alias, true);
+      if (property == nullptr) continue;
+      const std::string name(property->getName().view());
+      const std::string owner = _texts.nameOf(className);
+      add("NAME-7", "The alias " + name + " is also a property of " + owner +
+                        ": alone it stands for the whole object. " + "Write " + owner + "." + name +
+                        ", or take another alias");
+      return true;
+    }
+    return false;
+  }
+
+  void addJoins() {
+    if (const QORQL_Comparison* const join = _nodes->leftJoin()) {
+      add("JOIN-4",
+          "\"" + _texts.of(join) +
+              "\" gives rows too many: a left object that meets another before its partner gets one with nulls. "
+              "Write a right join (=*)");
+    }
+    const QORQL_Comparison* const outer = _nodes->outerJoin();
+    if (outer == nullptr || _classes.size() < 3) return;
+    add("JOIN-2", "The rows that \"" + _texts.of(outer) +
+                      "\" adds hold one object: every other column is null, those of third classes too");
   }
 
   const QORQL_SelectList& _list;
   const QORQL_FromClause& _from;
   const QORQL_WhereClause* _where;
   const QORQL_OrderByClause* _orderBy;
-  QORQL_ExpressionText _texts;
-  SurpriseFinder* const _finder = new SurpriseFinder();
-  QORSmrPtr<QORQL_ExpressionVisitor> _visitor{_finder};  // OWNS it
+  const QORQL_DeclaredTypes _types;
+  const QORQL_ExpressionText _texts;
+  QORQL_NodeSurprises* const _nodes = new QORQL_NodeSurprises(_types, _texts);
+  QORSmrPtr<QORQL_ExpressionVisitor> _visitor{_nodes};  // OWNS it
+  std::set<QORString> _classes;                         // of FROM
   std::vector<QORQL_Surprise> _found;
 };
 
 }  // namespace
 
 std::vector<QORQL_Surprise> QORQL_findSurprises(const QORQL_Query& query, const QORString& nameSpace) {
-  return Surprises(query, nameSpace).find();
+  return Surprises(query, nameSpace).ofQuery();
+}
+
+std::vector<QORQL_Surprise> QORQL_findFilterSurprises(const QORQL_Query& query, const QORString& nameSpace) {
+  return Surprises(query, nameSpace).ofFilter();
 }

@@ -10,13 +10,15 @@
 class QORQL_Query;
 
 struct QORQL_Surprise {
-  const char* rule;  // of the language reference, such as "WHERE-3"
-  std::string text;  // what the statement means, and what to write instead
+  const char* rule;            // of the language reference, such as "WHERE-3"
+  std::string text;            // what the statement means, and what to write instead
+  std::string unknownClass{};  // the name at fault, where it is one of no class
 };
 
-// Each kind once, in the order of the rules below: OR, LIKE, ANY and EVERY on
-// the left, `a - b - c`, AVG beside other aggregates, `SELECT *, x`, a class
-// twice in FROM, the extra rows of left joins. REQUIRES a parsed query.
+// Each kind once: OR, then conditions, arithmetic, names and associations, the
+// select list, FROM, and joins. Asks the class repository. REQUIRES a parsed query.
 std::vector<QORQL_Surprise> QORQL_findSurprises(const QORQL_Query& query, const QORString& nameSpace);
+// What is computed otherwise than expected in a filter as in a query.
+std::vector<QORQL_Surprise> QORQL_findFilterSurprises(const QORQL_Query& query, const QORString& nameSpace);
 
 #endif

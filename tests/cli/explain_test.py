@@ -103,12 +103,36 @@ class Warnings(ToolCase):
                 ("SELECT Id - 1 - 1 AS X FROM Shop_Item", "ARITH-2"),
                 ("SELECT AVG(Id) AS A, SUM(Id) AS S FROM Shop_Item", "AGG-4"),
                 ("SELECT *, Id FROM Shop_Item", "SEL-6"),
+                ("SELECT Id * 100 / Size AS P FROM Shop_Item", "ARITH-2"),
+                ("SELECT Id FROM Shop_Item WHERE Codes = 1", "ARR-7"),
+                ("SELECT Id FROM Shop_Item WHERE ANY Id = 1", "ARR-5"),
+                ("SELECT -(Id + 1) AS X FROM Shop_Item WHERE Id < 0", "ARITH-6"),
+                ("SELECT Id FROM Shop_Item WHERE Balance < -9223372036854775808", "LEX-6"),
+                ("SELECT COUNT(Id > 1) AS X FROM Shop_Item", "AGG-2"),
+                ("SELECT Id FROM Shop_Item WHERE Nowhere::Id = 1", "NAME-6"),
+                ("SELECT Name.Id FROM Shop_Item AS Name", "NAME-7"),
+                ("SELECT a.Name FROM Shop_Empty AS a, Shop_Item AS a", "FROM-10"),
+                ("SELECT a.Id FROM Shop_Item AS a, Shop_Empty AS b WHERE OBJECTPATH(a) = OBJECTPATH(b) AND "
+                 "OBJECTPATH(a) = OBJECTPATH(b)", "ASSOC-6"),
                 ("SELECT a.Id FROM Shop_Item AS a, Shop_Item AS b", "FROM-5"),
                 ("SELECT a.Id FROM Shop_Item AS a, Shop_Empty AS b WHERE a.Id *= b.Id", "JOIN-4")):
             with self.subTest(query=query):
                 lines = self.model("-o", "csv", "--warnings", query).err.splitlines()
                 warnings = [line for line in lines if line.startswith("qorql: warning: ") and line.endswith("]")]
                 self.assertEqual([line.rsplit("[", 1)[1] for line in warnings], [rule + "]"])
+
+    def test_a_join_class_that_does_not_exist_is_told_with_the_nearest(self):
+        result = self.model("-o", "csv", "--warnings", "SELECT i.Id FROM Shop_Item AS i, Shop_Empty AS e "
+                            "WHERE Shop_Itm = i AND Shop_Itm = e")
+        self.assertEqual((result.status, result.out), (0, "Id\n"))
+        self.assertEqual(result.err, 'qorql: warning: "Shop_Itm = i AND Shop_Itm = e" ties nothing: there is no class '
+                                     "Shop_Itm; did you mean Shop_Item? [ASSOC-6]\n")
+
+    def test_explain_shows_that_a_product_divides_first(self):
+        text = self.succeed(self.run_tool("explain", "--no-live", "-m", MODEL, "SELECT Id * 100 / Size AS P FROM Shop_Item"))
+        self.assertEqual(text, " 1  fetch      Shop_Item: Id, Size\n 2  select     Id * (100 / Size) AS P\n"
+                               'qorql: warning: Operators of one level group to the right: this is "Id * (100 / Size)" '
+                               "[ARITH-2]\n")
 
     def test_a_person_at_a_terminal_is_warned(self):
         ours, theirs = pty.openpty()

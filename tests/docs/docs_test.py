@@ -8,6 +8,7 @@ import unittest
 import check_guide
 import check_links
 import check_rules
+import check_warnings
 import markdown
 import run_commands
 import run_examples
@@ -79,6 +80,28 @@ class RunExamples(unittest.TestCase):
             with open(path, "w", encoding="utf-8") as out:
                 out.write("./qorql no\n```sh\n./qorql 'a'\nls\n```\n```text\n./qorql no\n```\n")
             self.assertEqual(list(run_commands.commands(path)), [(3, "./qorql 'a'")])
+
+
+class CheckWarnings(unittest.TestCase):
+    def test_only_warnings_of_the_rule_that_is_shown_pass(self):
+        about = ["one thing [A-1]"]
+        self.assertEqual(check_warnings.unexpected(about, ["A-1", "A-2"]), [])
+        self.assertEqual(check_warnings.unexpected(about, ["A-2"]), about)
+        self.assertEqual(check_warnings.unexpected(["no tag"], ["A-2"]), ["no tag"])
+
+    def test_an_example_stands_under_the_last_rule_before_it(self):
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder, "a.md")
+            with open(path, "w", encoding="utf-8") as out:
+                out.write("**[A-1]** x\ny\n**[A-2]** z\n\n")
+            self.assertEqual(check_warnings.rules_by_line(path)[1:], [[], ["A-1"], ["A-1"], ["A-2"]])
+
+    def test_queries_of_commands_are_found(self):
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder, "a.md")
+            with open(path, "w", encoding="utf-8") as out:
+                out.write("```sh\n./qorql -m a.mof 'SELECT x FROM y'\n./qorql match 'SELECT z FROM y'\n./qorql -V\n```\n")
+            self.assertEqual(list(check_warnings.queries_of_commands(path)), [(2, ["-m", "a.mof"], "SELECT x FROM y")])
 
 
 class CheckLinks(unittest.TestCase):

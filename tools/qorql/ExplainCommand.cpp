@@ -126,7 +126,7 @@ void printExplanation(std::ostream& out, EmbeddedObjectManager& manager, ParsedQ
   if (explanation.isPreFiltered()) {
     out << "    note: the provider filters and sorts itself: WHERE without association and ORDER BY are left to it\n";
   }
-  printSurprises(out, parsed.query(), nameSpace);
+  printSurprises(out, manager, parsed.query(), nameSpace);
   printUnknownProperties(out, manager, QORString(nameSpace), parsed);
 }
 

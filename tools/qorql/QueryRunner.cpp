@@ -102,7 +102,7 @@ bool QueryRunner::isWarning() const {
 
 void QueryRunner::warn(Execution& execution) const {
   if (!isWarning()) return;
-  printSurprises(std::cerr, execution.parsed.query(), _options.nameSpace);
+  printSurprises(std::cerr, _session.manager(), execution.parsed.query(), _options.nameSpace);
   if (formOf(execution) == OutputForm::Xml) printEmptyRows(std::cerr, execution.statement);
   printUnknownProperties(std::cerr, _session.manager(), QORString(_options.nameSpace), execution.parsed);
 }

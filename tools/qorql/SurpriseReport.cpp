@@ -3,9 +3,11 @@
 
 #include <ostream>
 
+#include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "Cimom/QORQL/QORQL_Surprises.h"
 #include "DisplayText.h"
 #include "FilterText.h"
+#include "Suggestion.h"
 
 namespace {
 
@@ -18,12 +20,20 @@ bool isBareStar(const FilterText& text, std::size_t piece) {
   return piece >= 2 && text.pieces()[piece - 1].kind == FilterText::Kind::Number && text.is(piece - 2, "FIRST");
 }
 
+std::string meantClass(EmbeddedObjectManager& manager, const std::string& nameSpace, const std::string& name) {
+  if (name.empty()) return {};
+  Suggestion suggestion(name);
+  for (const QORString& known : manager.classNames(QORString(nameSpace))) suggestion.consider(known.view());
+  return suggestion.best().empty() ? "" : "; did you mean " + suggestion.best() + "?";
+}
+
 }  // namespace
 
-void printSurprises(std::ostream& out, const QORQL_Query& query, const std::string& nameSpace) {
+void printSurprises(std::ostream& out, EmbeddedObjectManager& manager, const QORQL_Query& query,
+                    const std::string& nameSpace) {
   for (const QORQL_Surprise& surprise : QORQL_findSurprises(query, QORString(nameSpace))) {
-    out << "qorql: warning: " << cutText(printableText(surprise.text), kLongest, "...") << " [" << surprise.rule
-        << "]\n";
+    out << "qorql: warning: " << cutText(printableText(surprise.text), kLongest, "...")
+        << meantClass(manager, nameSpace, surprise.unknownClass) << " [" << surprise.rule << "]\n";
   }
 }
 

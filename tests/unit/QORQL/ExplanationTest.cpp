@@ -13,7 +13,8 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr char kModel[] = R"(
-class Host { [key] string Name; uint32 Memory; };
+class Host { [key] string Name; uint32 Memory; real32 Heat; };
+class FastHost : Host { };
 class Disk { [key] string Name; string Kind; uint64 Size; uint16 Ports[]; string HostName; datetime Made; real64 Load; };
 [association] class On { [key] Host REF Where; [key] Disk REF What; };
 class Spare { [key] uint32 Id; };
@@ -156,6 +157,10 @@ TEST_F(Explanation, saysWhereExecutionFails) {
 TEST_F(Explanation, textsShowTheGrouping) {
   EXPECT_EQ(condition("Size - 1 - 2 + 3 = 4"), "Size - (1 - (2 + 3)) = 4");
   EXPECT_EQ(condition("Size / 2 * 3 = 1"), "Size / (2 * 3) = 1");
+  EXPECT_EQ(condition("Size * 100 / 3 = 1"), "Size * (100 / 3) = 1");
+  EXPECT_EQ(condition("Size + 1 - 2 = 4"), "Size + (1 - 2) = 4");
+  EXPECT_EQ(condition("Size * 2 * 3 = 4"), "Size * 2 * 3 = 4");
+  EXPECT_EQ(condition("Size > -9223372036854775808"), "Size > -9223372036854775808");
   EXPECT_EQ(condition("Size + 1 + 2 * 3 = 4"), "Size + 1 + 2 * 3 = 4");
   EXPECT_EQ(condition("(Size - 1) - 2 = 4"), "(Size - 1) - 2 = 4");
   EXPECT_EQ(condition("-(Size + 1) < -2"), "-(Size + 1) < -2");
@@ -185,6 +190,108 @@ TEST_F(Explanation, surprisesOfTheLanguage) {
   EXPECT_THAT(rules("SELECT a.Name FROM Disk AS a, Disk AS b"), ElementsAre("FROM-5"));
   EXPECT_THAT(rules("SELECT h.Name FROM Disk AS d, Host AS h WHERE d.HostName *= h.Name"), ElementsAre("JOIN-4"));
   EXPECT_THAT(rules("SELECT h.Name FROM Disk AS d, Host AS h WHERE d.HostName *=* h.Name"), ElementsAre("JOIN-4"));
+}
+
+TEST_F(Explanation, multiplicationBeforeADivision) {
+  EXPECT_THAT(rules("SELECT Size * 100 / Load AS P, Name FROM Disk"), IsEmpty());  // a real is not cut off
+  EXPECT_THAT(rules("SELECT Size * 100 / 3 AS P FROM Disk"), ElementsAre("ARITH-2"));
+  EXPECT_THAT(surprise("SELECT Size * 2 * 100 / 3 AS P FROM Disk"), testing::HasSubstr("\"Size * (2 * (100 / 3))\""));
+  EXPECT_THAT(surprise("SELECT Size - 1 - 2 - 3 AS P FROM Disk"), testing::HasSubstr("\"Size - (1 - (2 - 3))\""));
+}
+
+TEST_F(Explanation, likeSurprisesByWildcardsAlone) {
+  const std::string select = "SELECT Name FROM Disk WHERE Name LIKE ";
+  for (const char* text : {"'d%'", "'d_'", "'*d'", "('%')"}) EXPECT_THAT(rules(select + text), ElementsAre("LIKE-1"));
+  for (const char* text : {"'d'", "'a?.b'", "Kind"}) EXPECT_THAT(rules(select + text), IsEmpty()) << text;
+}
+
+TEST_F(Explanation, arraysAgainstSingleValues) {
+  const std::string select = "SELECT Name FROM Disk WHERE ";
+  EXPECT_THAT(surprise(select + "Ports = 3"), testing::HasSubstr("write 3 = ANY Ports"));
+  EXPECT_THAT(surprise(select + "Ports < Size"), testing::HasSubstr("write Size > ANY Ports"));
+  EXPECT_THAT(surprise(select + "3 <= Ports"), testing::HasSubstr("write 3 <= ANY Ports"));
+  EXPECT_THAT(surprise(select + "Ports <> 3"), testing::HasSubstr("write NOT EVERY Ports = 3"));
+  EXPECT_THAT(surprise(select + "Ports < Ports"), testing::HasSubstr("arrays have no order"));
+  EXPECT_THAT(rules("SELECT h.Name FROM Host AS h, Disk AS d WHERE h.Memory =* d.Ports"), ElementsAre("ARR-7"));
+  EXPECT_THAT(rules(select + "ANY Size = 3"), ElementsAre("ARR-5"));
+  for (const char* condition :
+       {"Ports = Ports", "Ports[0] = 3", "3 = ANY Ports", "Ports IS NULL", "Unknown::Name = 'a'"}) {
+    EXPECT_THAT(rules(select + condition), testing::Not(testing::Contains(testing::StartsWith("ARR")))) << condition;
+  }
+}
+
+TEST_F(Explanation, real32BesideALiteralThatItCannotHold) {
+  const std::string select = "SELECT Name FROM Host WHERE ";
+  for (const char* condition : {"Heat = 0.1", "-0.1 < Heat", "Heat <> 16777217", "Heat < 1.0e300"}) {
+    EXPECT_THAT(rules(select + condition), ElementsAre("CMP-2")) << condition;
+  }
+  EXPECT_THAT(surprise(select + "Heat = 0.1"), testing::HasSubstr("the nearest is 0.10000000149011612"));
+  for (const char* condition : {"Heat = 0.5", "Heat > 16777216", "Memory = 0.1", "0.1 = 0.1", "Heat = Memory"}) {
+    EXPECT_THAT(rules(select + condition), IsEmpty()) << condition;
+  }
+}
+
+// rule: ASSOC-6
+TEST_F(Explanation, joinClassesThatTieNothing) {
+  const std::string select = "SELECT h.Name, d.Name FROM Host AS h, Disk AS d, On AS o WHERE ";
+  EXPECT_THAT(rules(select + "On = h AND On = d"), IsEmpty());
+  EXPECT_THAT(rules(select + "o = h AND o = d"), IsEmpty());
+  EXPECT_THAT(surprise(select + "Onn = h AND Onn = d"), testing::HasSubstr("there is no class Onn"));
+  EXPECT_THAT(surprise(select + "Spare = h AND Spare = d"), testing::HasSubstr("Spare is no association"));
+  EXPECT_THAT(rules(select + "OBJECTPATH(h) = OBJECTPATH(d) AND OBJECTPATH(h) = OBJECTPATH(d)"),
+              ElementsAre("ASSOC-6"));
+}
+
+// rule: FROM-10, NAME-7
+TEST_F(Explanation, aliasesThatNameSomethingElseToo) {
+  EXPECT_THAT(surprise("SELECT a.Name FROM Host AS a, Disk AS a"), testing::HasSubstr("names both Host and Disk"));
+  EXPECT_THAT(surprise("SELECT Disk.Name FROM Host AS Disk, Disk"), testing::HasSubstr("names both Host and Disk"));
+  EXPECT_THAT(surprise("SELECT Disk.Name FROM Disk, Host AS Disk"), testing::HasSubstr("names both Disk and Host"));
+  EXPECT_THAT(rules("SELECT Kind.Size FROM Disk AS kind"), ElementsAre("NAME-7"));
+  EXPECT_THAT(rules("SELECT Memory.Name FROM Disk AS Memory, Host AS h"), ElementsAre("NAME-7"));
+  EXPECT_THAT(rules("SELECT Disk.Name FROM Disk AS disk, Host AS h"), IsEmpty());
+}
+
+TEST_F(Explanation, scopesOfAnotherClass) {
+  EXPECT_THAT(surprise("SELECT Name FROM Disk WHERE Host::Kind = 'a'"), testing::HasSubstr("reads Kind of Disk"));
+  EXPECT_THAT(rules("SELECT FastHost::Memory FROM Host"), ElementsAre("NAME-6"));
+  EXPECT_THAT(rules("SELECT Host::Memory FROM FastHost WHERE fasthost::Memory = 1"), IsEmpty());
+}
+
+TEST_F(Explanation, countOfACondition) {
+  for (const char* argument : {"Size > 1", "(Size > 1)", "Kind IS NULL", "Size OR Load", "NOT Size"}) {
+    EXPECT_THAT(rules("SELECT COUNT(" + std::string(argument) + ") AS C FROM Disk"), ElementsAre("AGG-2")) << argument;
+  }
+  EXPECT_THAT(rules("SELECT COUNT(Size * 2) AS C, COUNT(d) AS D FROM Disk AS d"), IsEmpty());
+}
+
+TEST_F(Explanation, negationOfUnsigned) {
+  for (const char* value : {"-(Memory + 1)", "-(2 * 3)", "-SUM(Memory)", "-COUNT(Name)", "-(-(Memory + 1))"}) {
+    EXPECT_THAT(rules("SELECT " + std::string(value) + " AS X FROM Host"), ElementsAre("ARITH-6")) << value;
+  }
+  EXPECT_THAT(rules("SELECT -MAX(Memory) AS X FROM Host"), IsEmpty());
+  EXPECT_THAT(surprise("SELECT -(Memory + 1) AS X FROM Host"), testing::HasSubstr("Write 0 - (Memory + 1)"));
+  EXPECT_THAT(rules("SELECT -Size AS X FROM Disk"), ElementsAre("ARITH-6"));
+  EXPECT_THAT(rules("SELECT -Memory AS X, -(Memory - 1) AS Y, -5 AS Z FROM Host"), IsEmpty());
+}
+
+TEST_F(Explanation, literalsBelowTheLeast) {
+  EXPECT_THAT(rules("SELECT Name FROM Disk WHERE Size > -9223372036854775808"), ElementsAre("LEX-6"));
+  EXPECT_THAT(rules("SELECT Name FROM Disk WHERE Size > -9223372036854775807"), IsEmpty());
+}
+
+TEST_F(Explanation, outerJoinsBesideThirdClasses) {
+  EXPECT_THAT(rules("SELECT h.Name FROM Disk AS d, Host AS h, Spare WHERE h.Name =* d.HostName"),
+              ElementsAre("JOIN-2"));
+}
+
+TEST_F(Explanation, filtersAreToldOfArithmetic) {
+  std::vector<std::string> found;
+  parse("SELECT * FROM Disk WHERE Size * 100 / 3 > 5 AND -Size < 3 AND Ports = 3 AND Size > -9223372036854775808",
+        [&](const QORQL_Query& parsed, const QORQL_SymbolTable&, const QORString& nameSpace) {
+          for (const auto& surprise : QORQL_findFilterSurprises(parsed, nameSpace)) found.emplace_back(surprise.rule);
+        });
+  EXPECT_THAT(found, ElementsAre("ARITH-2", "ARITH-6", "LEX-6"));
 }
 
 TEST_F(Explanation, noSurpriseWhereTheLanguageMeansWhatItSays) {
