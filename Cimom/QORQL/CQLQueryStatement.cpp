@@ -140,6 +140,11 @@ void CQLQueryStatement::requireValidated(const char* where) const {
   }
 }
 
+const QORQL_Query& CQLQueryStatement::getParsedQuery() const {
+  requireValidated("CQLQUERYSTATEMENT::isMatch");
+  return dynamic_cast<const QORQL_Query&>(*_query);
+}
+
 const QORQL_SelectList& CQLQueryStatement::selectList() const {
   return dynamic_cast<const QORQL_SelectList&>(*dynamic_cast<const QORQL_Query&>(*_query).getSelectList());
 }

@@ -69,6 +69,8 @@ class CQLQueryStatement : public IQueryStatement {
   // Why a valid statement matches no instance at all: OR, NOT and the like never
   // do. Empty when it may match one. THROWS as isMatch.
   QORString neverMatchesBecause() const;
+  // The statement's clauses; BORROWS. THROWS as isMatch.
+  const QORQL_Query& getParsedQuery() const;
   // isMatch, and if it is false the reason as text: another namespace or class,
   // or the first condition that failed with the values that it compared. THROWS
   // as isMatch.

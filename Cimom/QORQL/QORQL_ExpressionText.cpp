@@ -106,6 +106,8 @@ QORQL_ExpressionText::QORQL_ExpressionText(const QORQL_FromClause& from, const Q
   QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*from.getFromSpecifierList());
   while (++specifiers) {
     const QORString& name = specifiers.key()->getTableName();
+    _fromNames.insert(folded(name));
+    _fromNames.insert(folded(specifiers.key()->getAlias()));
     const QORSmrPtr<IQoriClass> declared(repository.IsNull() ? QORSmrPtr<IQoriClass>()
                                                              : repository->getClass(nameSpace, name));
     if (!declared.IsNull()) _spelling[folded(name)] = declared->getClassName().view();
@@ -171,7 +173,8 @@ std::string QORQL_ExpressionText::ofReference(const QORQL_Factor& factor) const 
   if (isObject) return nameOf(className);
   const bool hasPath = !chain.isEmpty() && !chain.isEqualCaseInsensitive(className);
   std::string text = hasPath ? std::string(chain.view()) : nameOf(className);
-  if (_hasOneClass && !hasPath && !(property == "*")) text.clear();
+  const bool isOfTheOne = _hasOneClass && !hasPath && _fromNames.count(folded(className)) != 0;
+  if (isOfTheOne && !(property == "*")) text.clear();
   if (!text.empty()) text += '.';
   if (!factor.getPropertyScope().IsNull()) text.append(factor.getPropertyScope()->view()).append("::");
   text += property.view();

@@ -3,6 +3,7 @@
 #define QORQL_EXPRESSIONTEXT_H
 
 #include <map>
+#include <set>
 #include <string>
 
 #include "Cimom/QORQL/QORQL_Comparison.h"
@@ -35,6 +36,7 @@ class QORQL_ExpressionText {
   std::string ofFunction(const QORQL_Function& function) const;
 
   std::map<std::string, std::string> _spelling;  // by the name in upper case
+  std::set<std::string> _fromNames;              // classes and aliases in upper case, and the empty name
   bool _hasOneClass = false;
 };
 

@@ -20,6 +20,11 @@ class ValidateCase(ToolCase):
         result = self.validate(*arguments, text)
         self.assertEqual((result.status, result.out, result.err), (1, f"invalid\t{reason}\n", ""))
 
+    def schema_warnings(self, text):
+        result = self.validate("--no-live", "-m", SCHEMA, text)
+        self.assertEqual(result.status, 0, result.err)
+        return [line.removeprefix("qorql: warning: ") for line in result.err.splitlines()]
+
     def warned(self, text, *warnings):
         result = self.validate(text)
         self.assertEqual(result.err, "".join(f"qorql: warning: {warning}\n" for warning in warnings))
@@ -180,6 +185,67 @@ class Warnings(ValidateCase):
                     "CIM_AlertIndicatoin is no class of root/cimv2: did you mean CIM_AlertIndication? (line 1, column 57)")
         self.warned("SELECT * FROM CIM_InstCreation WHERE SourceInstance ISA 'CIM_AlertIndicatoin'",
                     "CIM_AlertIndicatoin is no class of root/cimv2: did you mean CIM_AlertIndication? (line 1, column 57)")
+
+    def test_names_behind_an_embedded_path(self):
+        creation = "SELECT * FROM CIM_InstCreation WHERE "
+        for condition, warning in (
+                ("SourceInstance.XYZ_Volume::Sise > 3",
+                 "Sise is no property of XYZ_Volume: it never matches; did you mean Size? (line 1, column 65)"),
+                ("SourceInstance.XYZ_Volum::Size > 3",
+                 "XYZ_Volum is no class of root/cimv2: did you mean XYZ_Volume? (line 1, column 53)"),
+                ("ANY SourceInstance.XYZ_Volume::OperatinalStatus[*] = 2",
+                 "OperatinalStatus is no property of XYZ_Volume: it never matches; did you mean OperationalStatus? "
+                 "(line 1, column 69)"),
+                ("SourceInstance ISA XYZ_Volume AND SourceInstance.Wheels > 3",
+                 "Wheels is no property of XYZ_Volume: it never matches (line 1, column 87)"),
+                ("Nowhere::IndicationTime = IndicationTime",
+                 "Nowhere is no class of root/cimv2: a scope is not looked at here (line 1, column 38)"),
+                ("XYZ_Volume::IndicationTime = IndicationTime",
+                 "XYZ_Volume is no class of FROM: a scope is not looked at here (line 1, column 38)")):
+            self.assertEqual(self.schema_warnings(creation + condition), [warning], condition)
+        path = self.write("held.mof", 'class XYZ_Inner { [Key] uint8 Id; }; class XYZ_Outer { [Key] uint8 Id; '
+                                      '[EmbeddedInstance("XYZ_Inner")] string Held; };\n')
+        result = self.validate("-m", path, "SELECT * FROM XYZ_Outer AS o WHERE o.Held.Idd = 3")
+        self.assertIn("warning: Idd is no property of XYZ_Inner: it never matches; did you mean Id? (line 1, column 43)\n",
+                      result.err)
+
+    def test_names_that_an_embedded_object_may_have(self):
+        for condition in ("SourceInstance.XYZ_Volume::Size > 3", "SourceInstance.XYZ_Element::Size > 3",
+                          "SourceInstance ISA XYZ_Element AND SourceInstance.Size > 3", "SourceInstance.Anything > 3",
+                          "SourceInstance.Far_Away::Thing > 3", "CIM_Indication::IndicationTime = IndicationTime",
+                          "SourceInstance ISA Far_Away AND SourceInstance.Thing = 'x'"):
+            self.assertEqual(self.schema_warnings("SELECT * FROM CIM_InstCreation WHERE " + condition), [], condition)
+
+    def test_the_class_behind_isa_tells_of_types(self):
+        self.assertEqual(self.schema_warnings("SELECT * FROM CIM_InstCreation WHERE SourceInstance ISA XYZ_Volume AND "
+                                              "SourceInstance.OperationalStatus = 2"),
+                         ["OperationalStatus is an array: it never matches; to ask its elements write "
+                          "ANY SourceInstance.OperationalStatus[*] (line 1, column 72)"])
+
+    def test_numbers_that_are_taken_for_others(self):
+        path = self.write("numbers.mof", "class XYZ_N { [Key] uint64 Big; sint64 Small; real32 Rough; real64 Fine; "
+                                         "uint32 Plain; };\n")
+        signs = (" is a uint64 and compares with a signed number as a sint64: from 9223372036854775808 on it is negative"
+                 " (line 1, column {})")
+        rough = "Rough is a real32, which is never exactly that number (the nearest is {}): ask for a range (line 1, column {})"
+        for condition, warning in (
+                ("Big > -1", "Big" + signs.format(27)), ("Small < Big", "Big" + signs.format(35)),
+                ("Small < 9223372036854775808", "9223372036854775808" + signs.format(35)),
+                ("Rough = 0.1", rough.format("0.10000000149011612", 27)),
+                ("-1.0e-3 < Rough", rough.format("-0.0010000000474974513", 37)),
+                ("Rough <> 16777217", rough.format("16777216", 27)),
+                ("Big * 100 / 7 = 2",
+                 'Operators of one level group to the right: this is "Big * (100 / 7)"'),
+                ("-(Plain + 1) < 2", '"-(Plain + 1)" cannot be computed: a uint64 is not negated. Write 0 - (Plain + 1)')):
+            result = self.validate("--no-live", "-m", path, "SELECT * FROM XYZ_N WHERE " + condition)
+            self.assertEqual(result.err, f"qorql: warning: {warning}\n", condition)
+        result = self.validate("--no-live", "-m", path, "SELECT * FROM XYZ_N WHERE Small > -9223372036854775808")
+        self.assertIn("warning: Behind a minus 9223372036854775808 fits no type: it stands for another number or null\n",
+                      result.err)
+        for condition in ("Big > 1", "Big = Plain", "Small > -1", "Small < 9223372036854775807", "Rough > 0.5", "Big > -1.5",
+                          "Fine = 0.1", "Fine = 1.0e-3", "Rough = Fine"):
+            result = self.validate("--no-live", "-m", path, "SELECT * FROM XYZ_N WHERE " + condition)
+            self.assertEqual(result.err, "", condition)
 
     def test_values_that_do_not_compare(self):
         for condition, warning in (

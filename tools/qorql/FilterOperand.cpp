@@ -2,6 +2,7 @@
 #include "FilterOperand.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "Cimom/QORQL/CQLQueryStatement.h"
 
@@ -15,6 +16,25 @@ Kind kindOf(const QORString& type) {
   if (CQLQueryStatement::isNumericalData(type, type)) return Kind::Number;
   if (type == "string") return Kind::Text;
   return type == "boolean" ? Kind::Boolean : Kind::Other;
+}
+
+bool isExponent(std::string_view word) {
+  return (word.front() == 'e' || word.front() == 'E') &&
+         word.substr(1).find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+// As the scanner types it: a whole number behind a minus is signed.
+QoriScalar numberOf(const std::string& digits, bool isNegative) {
+  QoriScalar number;
+  if (digits.find('.') != std::string::npos) {
+    number.kind = QoriScalarKind::Real;
+    number.r = (isNegative ? -1 : 1) * std::strtod(digits.c_str(), nullptr);
+    return number;
+  }
+  number.kind = isNegative ? QoriScalarKind::Signed : QoriScalarKind::Unsigned;
+  number.u = std::strtoull(digits.c_str(), nullptr, 10);
+  if (isNegative) number.s = static_cast<QORsint64>(0 - number.u);
+  return number;
 }
 
 bool isTruth(std::string_view word) {
@@ -70,9 +90,12 @@ std::size_t FilterOperandReader::readLiteral(std::size_t piece, FilterOperand& o
   if (literal.kind == FilterText::Kind::Number) {
     operand.kind = Kind::Number;
     operand.type = "number";
-    const bool hasFraction = _text.is(piece + 1, ".") && piece + 2 < _text.pieces().size() &&
-                             _text.pieces()[piece + 2].kind == FilterText::Kind::Number;
-    return piece + (hasFraction ? 3 : 1);
+    const std::size_t end = behindNumber(piece);
+    const FilterText::Piece& last = _text.pieces()[end - 1];
+    const std::string digits(_text.text().substr(literal.offset, last.offset + last.text.size() - literal.offset));
+    operand.number = numberOf(digits, isNegative);
+    operand.isSigned = operand.number.kind == QoriScalarKind::Signed;
+    return end;
   }
   if (isNegative || literal.kind == FilterText::Kind::Sign) return kNowhere;
   std::string_view text = literal.text;
@@ -81,6 +104,18 @@ std::size_t FilterOperandReader::readLiteral(std::size_t piece, FilterOperand& o
   operand.type = "text";
   operand.saysTruth = isTruth(text);
   return piece + 1;
+}
+
+// digits [ . digits [ e [-] digits ] ]
+std::size_t FilterOperandReader::behindNumber(std::size_t piece) const noexcept {
+  const auto isNumber = [this](std::size_t i) {
+    return i < _text.pieces().size() && _text.pieces()[i].kind == FilterText::Kind::Number;
+  };
+  if (!_text.is(piece + 1, ".") || !isNumber(piece + 2)) return piece + 1;
+  const std::size_t exponent = piece + 3;
+  if (!_text.isWord(exponent) || !isExponent(_text.pieces()[exponent].text)) return exponent;
+  const bool isNegative = _text.is(exponent, "E") && _text.is(exponent + 1, "-") && isNumber(exponent + 2);
+  return exponent + (isNegative ? 3 : 1);
 }
 
 // [2], [*] or []
@@ -121,7 +156,8 @@ void FilterOperandReader::describe(const std::string& qualifier, const std::stri
                                    FilterOperand& operand) const {
   std::vector<std::string> classes;
   if (!qualifier.empty()) {
-    classes.push_back(scope.empty() ? _text.classOf(qualifier) : scope);
+    const std::string fromClass = scope.empty() ? _text.classOf(qualifier) : scope;
+    classes.push_back(fromClass.empty() ? _text.isaClassOf(qualifier) : fromClass);
   } else {
     for (const FilterText::Source& source : _text.sources()) classes.push_back(source.className);
   }
@@ -134,6 +170,7 @@ void FilterOperandReader::describe(const std::string& qualifier, const std::stri
     operand.kind = kindOf(type);
     operand.type = type.view();
     operand.isArray = property.type->isArray() && !isElement;
+    operand.isSigned = type.beginsWith("sint");
     return;
   }
 }

@@ -7,6 +7,7 @@
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "FilterText.h"
+#include "cimom/QoriScalar.h"
 
 struct FilterOperand {
   enum class Kind { Unknown, Number, Text, Boolean, Other };
@@ -18,6 +19,8 @@ struct FilterOperand {
   std::size_t piece = 0;   // where it begins
   bool isArray = false;    // and not one element of it
   bool isAsked = false;    // behind ANY or EVERY
+  bool isSigned = false;   // of a signed whole type, or a whole literal behind a minus
+  QoriScalar number{};     // a literal number; of kind Null for anything else
   bool saysTruth = false;  // the literal TRUE or FALSE, with or without quotes
 };
 
@@ -39,6 +42,7 @@ class FilterOperandReader {
   bool isEnd(std::size_t piece) const noexcept;
   std::size_t readOperand(std::size_t piece, FilterOperand& operand) const;
   std::size_t readLiteral(std::size_t piece, FilterOperand& operand) const;
+  std::size_t behindNumber(std::size_t piece) const noexcept;
   std::size_t readReference(std::size_t piece, FilterOperand& operand) const;
   std::size_t behindIndex(std::size_t piece, bool& isElement) const noexcept;
   void describe(const std::string& qualifier, const std::string& scope, bool isElement, FilterOperand& operand) const;

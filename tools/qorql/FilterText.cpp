@@ -7,6 +7,7 @@ namespace {
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
+std::string folded(std::string_view name) { return std::string(QORString::toUpperCase(QORString(name)).view()); }
 bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
 }  // namespace
@@ -14,6 +15,7 @@ bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 FilterText::FilterText(std::string_view text, QORuint32 firstLine) : _text(text), _firstLine(firstLine) {
   readPieces();
   readSources();
+  readIsaClasses();
 }
 
 std::size_t FilterText::endOfPiece(std::size_t start, Kind& kind) const {
@@ -68,6 +70,24 @@ void FilterText::readSources() {
     _sources.push_back(std::move(source));
   } while (is(piece, ","));
   _behindFrom = std::min(piece, _pieces.size());
+}
+
+// [FROM name .] property ISA Class
+void FilterText::readIsaClasses() {
+  for (std::size_t i = _behindFrom + 1; i + 1 < _pieces.size(); ++i) {
+    if (!is(i, "ISA") || !isWord(i - 1)) continue;
+    const bool hasPath = i >= 2 && (is(i - 2, ".") || is(i - 2, "::"));
+    if (hasPath && (i < 3 || classOf(_pieces[i - 3].text).empty())) continue;
+    std::string_view className = _pieces[i + 1].text;
+    if (_pieces[i + 1].kind == Kind::Literal && className.size() > 2)
+      className = className.substr(1, className.size() - 2);
+    _isaClasses.try_emplace(folded(_pieces[i - 1].text), className);
+  }
+}
+
+std::string FilterText::isaClassOf(std::string_view property) const {
+  const auto found = _isaClasses.find(folded(property));
+  return found == _isaClasses.end() ? "" : found->second;
 }
 
 std::string FilterText::classOf(std::string_view name) const {

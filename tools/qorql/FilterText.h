@@ -3,6 +3,7 @@
 #define QORQL_TOOL_FILTERTEXT_H
 
 #include <cstddef>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,6 +35,8 @@ class FilterText {
   const std::vector<Source>& sources() const noexcept { return _sources; }
   // The class of a FROM name in any case; empty when it is none.
   std::string classOf(std::string_view name) const;
+  // The class of which WHERE says, with ISA, that the property's object is one; empty when it says nothing.
+  std::string isaClassOf(std::string_view property) const;
 
   // Whether a piece is this word or sign, ignoring case. False outside the pieces.
   bool is(std::size_t piece, std::string_view word) const noexcept;
@@ -56,11 +59,13 @@ class FilterText {
   std::size_t endOfPiece(std::size_t start, Kind& kind) const;
   void readPieces();
   void readSources();
+  void readIsaClasses();
 
   std::string_view _text;
   QORuint32 _firstLine;
   std::vector<Piece> _pieces;
   std::vector<Source> _sources;
+  std::map<std::string, std::string> _isaClasses;  // by property, in upper case
   std::size_t _from = 0;
   std::size_t _behindFrom = 0;
 };

@@ -4,6 +4,10 @@
 #include <algorithm>
 
 #include "Cimom/QORQL/CQLQueryValidator.h"
+#include "Cimom/QORQL/QORQL_NodeSurprises.h"
+#include "Cimom/QORQL/QORQL_Surprises.h"
+#include "DisplayText.h"
+#include "FilterPathCheck.h"
 #include "Suggestion.h"
 
 namespace {
@@ -12,6 +16,7 @@ using Kind = FilterOperand::Kind;
 
 // A person reads no more of them, and each costs a look at the schema and at the text before it.
 constexpr std::size_t kMaximumWarnings = 20;
+constexpr std::size_t kLongest = 400;
 
 std::string_view unquoted(const FilterText::Piece& piece) {
   const bool isQuoted = piece.kind == FilterText::Kind::Literal && piece.text.size() > 2;
@@ -50,6 +55,9 @@ std::vector<std::string> FilterWarnings::of(const CQLQueryStatement& statement) 
   _warnings.clear();
   const std::string never(statement.neverMatchesBecause().view());
   if (!never.empty()) _warnings.push_back(never);
+  for (const QORQL_Surprise& surprise : QORQL_findFilterSurprises(statement.getParsedQuery(), _nameSpace)) {
+    _warnings.push_back(cutText(surprise.text, kLongest, "..."));
+  }
   for (std::size_t i = _text.behindFrom(); i < _text.pieces().size(); ++i) {
     if (_warnings.size() >= kMaximumWarnings) {
       _warnings.emplace_back("the rest of the filter is not looked at");
@@ -57,8 +65,7 @@ std::vector<std::string> FilterWarnings::of(const CQLQueryStatement& statement) 
     }
     const FilterText::Piece& piece = _text.pieces()[i];
     if (i > 0 && _text.is(i - 1, "ISA")) checkClass(i, unquoted(piece));
-    if (_text.isWord(i) && _text.is(i + 1, "::")) checkClass(i, piece.text);
-    if (_text.beginsReference(i) && _text.is(i + 1, ".")) checkReference(i);
+    if (_text.beginsReference(i)) checkNames(i);
     if (_text.is(i + 1, "ISA")) checkIsa(i);
     if (isRelation(_text, i)) checkComparison(i);
   }
@@ -84,32 +91,10 @@ bool FilterWarnings::hasProperty(const std::string& className, std::string_view 
   return CQLQueryValidator::findProperty(_nameSpace, QORString(className), QORString(property), true);
 }
 
-// The first name before a dot is a FROM name, or a property that holds an object.
-void FilterWarnings::checkReference(std::size_t piece) {
-  const std::string name(_text.pieces()[piece].text);
-  const std::string className = _text.classOf(name);
-  if (!className.empty()) {
-    const bool isProperty = _text.isWord(piece + 2) && !_text.is(piece + 3, "::");
-    if (!isProperty || hasProperty(className, _text.pieces()[piece + 2].text)) return;
-    warn(std::string(_text.pieces()[piece + 2].text) + " is no property of " + className + ": it never matches",
-         piece + 2);
-    return;
+void FilterWarnings::checkNames(std::size_t piece) {
+  for (const FilterPathCheck::Finding& finding : FilterPathCheck(_manager, _nameSpace, _text).check(piece)) {
+    warn(finding.text, finding.piece);
   }
-  Suggestion suggestion(name);
-  for (const FilterText::Source& source : _text.sources()) {
-    CimPropertyDeclaration declared;
-    if (_manager.sink().describeProperty(_nameSpace, QORString(source.className), QORString(name), declared)) {
-      if (!holdsObjects(declared)) warn(name + " holds no object: it never matches", piece);
-      return;
-    }
-    suggestion.consider(source.className);
-    suggestion.consider(source.alias);
-    for (const CimPropertyDeclaration& property : _manager.allProperties(_nameSpace, QORString(source.className))) {
-      suggestion.consider(property.name.view());
-    }
-  }
-  const std::string meant = suggestion.best().empty() ? "" : "; did you mean " + suggestion.best() + "?";
-  warn(name + " is neither a class of FROM nor a property of one: it never matches" + meant, piece);
 }
 
 bool FilterWarnings::isPropertyOfFrom(std::string_view property) const {
@@ -142,7 +127,30 @@ void FilterWarnings::checkComparison(std::size_t sign) {
     warn("arrays have no order: it never matches", left.piece);
   } else if (!mayCompare(left, right)) {
     warnOfTypes(left, right);
+  } else if (!warnOfSigns(left, right) && !warnOfSigns(right, left) && !warnOfReal32(left, right)) {
+    warnOfReal32(right, left);
   }
+}
+
+// A uint64 beside a signed number is taken as one.
+bool FilterWarnings::warnOfSigns(const FilterOperand& side, const FilterOperand& other) {
+  const QoriScalar number = side.number;
+  const bool isHuge = number.kind == QoriScalarKind::Unsigned && number.u > static_cast<QORuint64>(INT64_MAX);
+  if ((side.type != "uint64" && !isHuge) || !other.isSigned) return false;
+  const std::string name = side.property.empty() ? std::to_string(number.u) : side.property;
+  warn(name + " is a uint64 and compares with a signed number as a sint64: from 9223372036854775808 on it is negative",
+       side.piece);
+  return true;
+}
+
+bool FilterWarnings::warnOfReal32(const FilterOperand& side, const FilterOperand& other) {
+  if (side.type != "real32" || !other.number.isNumber()) return false;
+  const std::string nearest = QORQL_nearestReal32(other.number);
+  if (nearest.empty()) return false;
+  warn(side.property + " is a real32, which is never exactly that number (the nearest is " + nearest +
+           "): ask for a range",
+       side.piece);
+  return true;
 }
 
 bool FilterWarnings::warnOfAsking(const FilterOperand& side) {

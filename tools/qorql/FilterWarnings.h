@@ -23,13 +23,15 @@ class FilterWarnings {
 
  private:
   void checkClass(std::size_t piece, std::string_view name);
-  void checkReference(std::size_t piece);
+  void checkNames(std::size_t piece);
   void checkIsa(std::size_t piece);
   void checkComparison(std::size_t sign);
   // Whether there was something to warn of.
   bool warnOfAsking(const FilterOperand& side);
   bool warnOfArray(const FilterOperand& side, const FilterOperand& other);
   void warnOfTypes(const FilterOperand& left, const FilterOperand& right);
+  bool warnOfSigns(const FilterOperand& side, const FilterOperand& other);
+  bool warnOfReal32(const FilterOperand& side, const FilterOperand& other);
   bool isPropertyOfFrom(std::string_view property) const;
   bool hasProperty(const std::string& className, std::string_view property) const;
   void warn(const std::string& warning, std::size_t piece);

@@ -3,11 +3,10 @@
 
 #include <ostream>
 
-#include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "Cimom/QORQL/QORQL_Surprises.h"
+#include "ClassFamily.h"
 #include "DisplayText.h"
 #include "FilterText.h"
-#include "Suggestion.h"
 
 namespace {
 
@@ -22,9 +21,8 @@ bool isBareStar(const FilterText& text, std::size_t piece) {
 
 std::string meantClass(EmbeddedObjectManager& manager, const std::string& nameSpace, const std::string& name) {
   if (name.empty()) return {};
-  Suggestion suggestion(name);
-  for (const QORString& known : manager.classNames(QORString(nameSpace))) suggestion.consider(known.view());
-  return suggestion.best().empty() ? "" : "; did you mean " + suggestion.best() + "?";
+  const std::string nearest = ClassFamily(manager, QORString(nameSpace)).nearestClass(name);
+  return nearest.empty() ? "" : "; did you mean " + nearest + "?";
 }
 
 }  // namespace

@@ -1,0 +1,42 @@
+// A class of the schema together with the classes below it.
+#include "ClassFamily.h"
+
+#include "Suggestion.h"
+
+QORSmrPtr<IQoriClass> ClassFamily::find(const QORString& className) const {
+  return _manager.sink().findClass(_nameSpace, className);
+}
+
+bool ClassFamily::isA(const QORString& className, const QORString& ancestor) const {
+  QORString name = className;
+  while (!name.isEmpty() && !name.isEqualCaseInsensitive(ancestor)) {
+    const QORSmrPtr<IQoriClass> model(find(name));
+    name = model.IsNull() ? QORString() : model->getSuperClassName();
+  }
+  return !name.isEmpty();
+}
+
+bool ClassFamily::has(const QORString& className, const QORString& property) const {
+  const QORSmrPtr<IQoriClass> model(find(className));
+  if (!model.IsNull() && model->getProperty(property, true) != nullptr) return true;
+  for (const QORString& name : _manager.classNames(_nameSpace)) {
+    const QORSmrPtr<IQoriClass> candidate(find(name));
+    if (candidate.IsNull() || candidate->getProperty(property, true) == nullptr) continue;
+    if (isA(name, className)) return true;
+  }
+  return false;
+}
+
+std::string ClassFamily::nearestProperty(const QORString& className, std::string_view property) const {
+  Suggestion suggestion(property);
+  for (const CimPropertyDeclaration& known : _manager.allProperties(_nameSpace, className)) {
+    suggestion.consider(known.name.view());
+  }
+  return suggestion.best();
+}
+
+std::string ClassFamily::nearestClass(std::string_view name) const {
+  Suggestion suggestion(name);
+  for (const QORString& known : _manager.classNames(_nameSpace)) suggestion.consider(known.view());
+  return suggestion.best();
+}

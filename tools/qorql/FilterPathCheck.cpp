@@ -1,0 +1,163 @@
+// A reference is walked name by name; the class that holds the next one may be unknown on the way.
+#include "FilterPathCheck.h"
+
+#include "FilterOperand.h"
+#include "Suggestion.h"
+
+namespace {
+
+constexpr const char* kNever = ": it never matches";
+
+}  // namespace
+
+// One reference on its way.
+class FilterPathCheck::Walk {
+ public:
+  Walk(const FilterPathCheck& check, const Path& path) : _check(check), _path(path), _text(check._text) {}
+
+  std::vector<Finding> findings() {
+    const std::string fromClass = _path.names.size() > 1 ? _text.classOf(nameAt(0)) : "";
+    _holder = fromClass;
+    std::size_t next = fromClass.empty() ? 0 : 1;
+    if (next + 1 == _path.names.size()) {
+      if (hasScope()) checkUnusedScope();
+      if (!fromClass.empty()) checkProperty();
+      return std::move(_findings);
+    }
+    const std::size_t root = next;
+    for (; next + 1 < _path.names.size(); ++next) {
+      if (!enter(next, next == root)) return std::move(_findings);
+    }
+    if (hasScope() && !enterScope()) return std::move(_findings);
+    checkProperty();
+    return std::move(_findings);
+  }
+
+ private:
+  std::string nameAt(std::size_t index) const { return std::string(_text.pieces()[_path.names[index]].text); }
+  bool hasScope() const { return _path.scope != FilterText::kNowhere; }
+  std::string scope() const { return std::string(_text.pieces()[_path.scope].text); }
+  void add(const std::string& text, std::size_t piece) { _findings.push_back({text, piece}); }
+
+  // In a condition on the indication itself.
+  void checkUnusedScope() {
+    const QORString asked(scope());
+    if (_check._family.find(asked).IsNull()) return addUnknownScope("a scope is not looked at here");
+    for (const FilterText::Source& source : _text.sources()) {
+      if (_check._family.isA(QORString(source.className), asked)) return;
+    }
+    add(scope() + " is no class of FROM: a scope is not looked at here", _path.scope);
+  }
+
+  // A schema need not be complete; but a name that is nearly a class is hardly meant.
+  bool enterScope() {
+    _holder = scope();
+    if (!_check._family.find(QORString(_holder)).IsNull()) return true;
+    const std::string meant = _check._family.nearestClass(_holder);
+    if (!meant.empty()) addUnknownScope("did you mean " + meant + "?");
+    return false;
+  }
+
+  void addUnknownScope(const std::string& consequence) {
+    add(scope() + " is no class of " + std::string(_check._nameSpace.view()) + ": " + consequence, _path.scope);
+  }
+
+  // The class of the objects that a property holds becomes the next holder. False: nothing more can be said.
+  bool enter(std::size_t index, bool isRoot) {
+    const std::string name = nameAt(index);
+    CimPropertyDeclaration declared;
+    const bool isDeclared = _holder.empty() && isRoot ? findInFrom(name, declared) : find(_holder, name, declared);
+    if (!isDeclared && isRoot && _holder.empty()) {
+      add(name + " is neither a class of FROM nor a property of one: it never matches" + meantRoot(name),
+          _path.names[index]);
+      return false;
+    }
+    if (!isDeclared && !_holder.empty() && !isKnownTo(name)) {
+      addUnknownProperty(index);
+      return false;
+    }
+    if (isDeclared && !holdsObjects(declared)) {
+      add(name + " holds no object: it never matches", _path.names[index]);
+      return false;
+    }
+    _holder = isRoot ? _text.isaClassOf(name) : "";
+    if (_holder.empty() && isDeclared) _holder = embeddedClassOf(declared);
+    return true;
+  }
+
+  void checkProperty() {
+    const std::size_t last = _path.names.size() - 1;
+    if (!_holder.empty() && !isKnownTo(nameAt(last))) addUnknownProperty(last);
+  }
+
+  void addUnknownProperty(std::size_t index) {
+    const std::string meant = _check._family.nearestProperty(QORString(_holder), nameAt(index));
+    add(nameAt(index) + " is no property of " + _holder + kNever +
+            (meant.empty() ? "" : "; did you mean " + meant + "?"),
+        _path.names[index]);
+  }
+
+  // A class that the schema lacks may have anything.
+  bool isKnownTo(const std::string& property) const {
+    const QORString holder(_holder);
+    return _check._family.find(holder).IsNull() || _check._family.has(holder, QORString(property));
+  }
+
+  bool find(const std::string& className, const std::string& property, CimPropertyDeclaration& declared) const {
+    return !className.empty() && _check._manager.sink().describeProperty(_check._nameSpace, QORString(className),
+                                                                         QORString(property), declared);
+  }
+
+  bool findInFrom(const std::string& property, CimPropertyDeclaration& declared) const {
+    for (const FilterText::Source& source : _text.sources()) {
+      if (find(source.className, property, declared)) return true;
+    }
+    return false;
+  }
+
+  std::string meantRoot(const std::string& name) const {
+    Suggestion suggestion(name);
+    for (const FilterText::Source& source : _text.sources()) {
+      suggestion.consider(source.className);
+      suggestion.consider(source.alias);
+      const auto properties = _check._manager.allProperties(_check._nameSpace, QORString(source.className));
+      for (const CimPropertyDeclaration& property : properties) suggestion.consider(property.name.view());
+    }
+    return suggestion.best().empty() ? "" : "; did you mean " + suggestion.best() + "?";
+  }
+
+  static std::string embeddedClassOf(const CimPropertyDeclaration& property) {
+    const CimQualifier* const qualifier = property.findQualifier("EmbeddedInstance");
+    if (qualifier == nullptr || qualifier->value.IsNull()) return {};
+    return std::string(qualifier->value->toString().view());
+  }
+
+  const FilterPathCheck& _check;
+  const Path& _path;
+  const FilterText& _text;
+  std::string _holder;  // the class of the object that is asked for the next name; empty: unknown
+  std::vector<Finding> _findings;
+};
+
+std::vector<FilterPathCheck::Finding> FilterPathCheck::check(std::size_t piece) const {
+  const Path path = read(piece);
+  if (path.names.size() < 2 && path.scope == FilterText::kNowhere) return {};
+  return Walk(*this, path).findings();
+}
+
+// Name [index] { . Name [index] } [ :: Name [index] ]
+FilterPathCheck::Path FilterPathCheck::read(std::size_t piece) const {
+  Path path;
+  for (;;) {
+    path.names.push_back(piece);
+    ++piece;
+    if (_text.is(piece, "[")) piece += _text.is(piece + 1, "]") ? 2 : 3;
+    const bool isScope = _text.is(piece, "::");
+    if ((!isScope && !_text.is(piece, ".")) || !_text.isWord(piece + 1)) return path;
+    if (isScope) {
+      path.scope = path.names.back();
+      path.names.pop_back();
+    }
+    ++piece;
+  }
+}
