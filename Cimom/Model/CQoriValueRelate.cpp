@@ -98,10 +98,17 @@ bool equalArrays(const IQoriValue::List& a, const IQoriValue::List& b) {
   return true;
 }
 
+// Of one type, or both numbers.
+bool haveComparableElements(const IQoriValue& a, const IQoriValue& b) noexcept {
+  const CQoriType::Code left = CQoriType::codeOf(*a.getType());
+  const CQoriType::Code right = CQoriType::codeOf(*b.getType());
+  return left == right || (left <= CQoriType::Code::Real64 && right <= CQoriType::Code::Real64);
+}
+
 // Where an array takes part: equality of two arrays is known, everything else is not.
 QoriTruth relateArrays(QoriRelation relation, const IQoriValue& a, const IQoriValue& b) {
   const bool isEquality = relation == QoriRelation::Equal || relation == QoriRelation::NotEqual;
-  if (!isEquality || !a.isArray() || !b.isArray()) return QoriTruth::Null;
+  if (!isEquality || !a.isArray() || !b.isArray() || !haveComparableElements(a, b)) return QoriTruth::Null;
   return qori::truth(equalArrays(*a.getArray(), *b.getArray()) == (relation == QoriRelation::Equal));
 }
 

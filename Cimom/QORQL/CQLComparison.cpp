@@ -38,6 +38,10 @@ int indexOf(const QORString& type) noexcept {
 
 bool isReal(const QORString& type) noexcept { return type == "real32" || type == "real64"; }
 bool isBooleanAndText(const QORString& a, const QORString& b) noexcept { return a == "boolean" && b == "string"; }
+bool saysTruth(const Value& text) {
+  const QORString words(text->toString());
+  return words.isEqualCaseInsensitive("TRUE") || words.isEqualCaseInsensitive("FALSE");
+}
 
 Value converted(const Value& value, const QORSmrPtr<IQoriType>& type) { return Value(new CQoriValue(*value, type)); }
 
@@ -60,7 +64,23 @@ bool compareIntegers(const Value& lhs, const Value& rhs, QORQL_Operator op) {
   }
 }
 
-Value booleanValue(bool value) { return Value(new CQoriValue(value, CQoriType::boolean)); }
+// Neither both numbers nor arrays: of one type, or a boolean and a text that says one.
+bool compareOthers(const Value& lhs, const Value& rhs, QORQL_Operator op) {
+  const QORString& left = lhs->getType()->getName();
+  const QORString& right = rhs->getType()->getName();
+  if (isBooleanAndText(left, right) && !saysTruth(rhs)) return false;
+  if (isBooleanAndText(right, left) && !saysTruth(lhs)) return false;
+  const bool areComparable = left == right || isBooleanAndText(left, right) || isBooleanAndText(right, left);
+  return areComparable && CQLQueryStatement::compare(lhs, rhs, op);
+}
+
+bool satisfies(const Value& lhs, const Value& rhs, QORQL_Operator op) {
+  try {
+    return CQLQueryStatement::doComparisonOperation(lhs, rhs, op);
+  } catch (...) {
+    return false;
+  }
+}
 
 }  // namespace
 
@@ -89,30 +109,39 @@ bool CQLQueryStatement::compareRealValues(const Value& lhs, const Value& rhs, QO
   return compare(lhs, rhs, op);
 }
 
-// Arrays without ANY and EVERY are equal or not as wholes; everything else is
-// compared when both are numbers, of one type, or boolean and text.
-bool CQLQueryStatement::doComparisonOperation(const Value& lhs, const Value& rhs, QORQL_Operator op) {
-  if (lhs.IsNull() || rhs.IsNull()) return false;
-  if (lhs->isArray() || rhs->isArray()) return compare(lhs, rhs, op);
+bool CQLQueryStatement::areComparableArrays(const IQoriValue& lhs, const IQoriValue& rhs) noexcept {
+  if (!lhs.isArray() || !rhs.isArray()) return false;
+  const QORString& left = lhs.getType()->getName();
+  const QORString& right = rhs.getType()->getName();
+  return left == right || isNumericalData(left, right);
+}
+
+// Arrays without ANY and EVERY are equal or not as wholes.
+QoriTruth CQLQueryStatement::decideComparison(const Value& lhs, const Value& rhs, QORQL_Operator op) {
+  if (lhs.IsNull() || rhs.IsNull()) return QoriTruth::Null;
+  if (lhs->isArray() || rhs->isArray()) {
+    return areComparableArrays(*lhs, *rhs) ? lhs->relate(QORQL_relationOf(op), *rhs) : QoriTruth::Null;
+  }
   const QORString& left = lhs->getType()->getName();
   const QORString& right = rhs->getType()->getName();
-  if (isNumericalData(left, right)) {
-    return isReal(left) || isReal(right) ? compareRealValues(lhs, rhs, op) : compareIntegers(lhs, rhs, op);
-  }
-  const bool areComparable = left == right || isBooleanAndText(left, right) || isBooleanAndText(right, left);
-  return areComparable && compare(lhs, rhs, op);
+  if (!isNumericalData(left, right)) return qori::truth(compareOthers(lhs, rhs, op));
+  return qori::truth(isReal(left) || isReal(right) ? compareRealValues(lhs, rhs, op) : compareIntegers(lhs, rhs, op));
+}
+
+bool CQLQueryStatement::doComparisonOperation(const Value& lhs, const Value& rhs, QORQL_Operator op) {
+  return decideComparison(lhs, rhs, op) == QoriTruth::True;
 }
 
 Value CQLQueryStatement::doComparisonOpEqualsNotEquals(const Value& lhs, const Value& rhs, QORQL_Operator op,
                                                        QORQL_Comparison::QORQL_ARRAY_COMP arrayComp) {
   if (arrayComp != QORQL_Comparison::ArrayCompNone) return doArrayComparisonOperations(lhs, rhs, op, arrayComp);
-  return booleanValue(doComparisonOperation(lhs, rhs, op));
+  return QORQL_truthValue(decideComparison(lhs, rhs, op));
 }
 
 Value CQLQueryStatement::doComparisonOpGreaterLess(const Value& lhs, const Value& rhs, QORQL_Operator op,
                                                    QORQL_Comparison::QORQL_ARRAY_COMP arrayComp) {
   if (arrayComp != QORQL_Comparison::ArrayCompNone) return doArrayComparisonOperations(lhs, rhs, op, arrayComp);
-  return booleanValue(doComparisonOperation(lhs, rhs, op));
+  return QORQL_truthValue(decideComparison(lhs, rhs, op));
 }
 
 Value CQLQueryStatement::doArrayComparisonOperations(const Value& lhs, const Value& rhs, QORQL_Operator op,
@@ -120,21 +149,22 @@ Value CQLQueryStatement::doArrayComparisonOperations(const Value& lhs, const Val
   return doAnyEveryArrayComparisonOps(lhs, rhs, op, arrayComp);
 }
 
-// In the written order; an empty array satisfies neither ANY nor EVERY, and
-// what is no array has no elements.
+// In the written order. An element that does not compare does not satisfy, and
+// the next one is asked; an empty array satisfies neither ANY nor EVERY.
 Value CQLQueryStatement::doAnyEveryArrayComparisonOps(const Value& lhs, const Value& rhs, QORQL_Operator op,
                                                       QORQL_Comparison::QORQL_ARRAY_COMP arrayComp) {
+  if (lhs.IsNull() || rhs.IsNull()) return {};
   const bool isLeft =
       arrayComp == QORQL_Comparison::ArrayCompAnyLeft || arrayComp == QORQL_Comparison::ArrayCompEveryLeft;
   const bool isAny =
       arrayComp == QORQL_Comparison::ArrayCompAnyLeft || arrayComp == QORQL_Comparison::ArrayCompAnyRight;
   const QORSmrPtr<IQoriValue::List> elements((isLeft ? lhs : rhs)->getArray());
-  if (elements.IsNull() || elements->isEmpty()) return booleanValue(false);
+  if (elements.IsNull()) return {};
+  if (elements->isEmpty()) return QORQL_truthValue(QoriTruth::False);
   QORValSlistIterator<Value> iterator(*elements);
   while (++iterator) {
-    const bool holds =
-        isLeft ? doComparisonOperation(iterator.key(), rhs, op) : doComparisonOperation(lhs, iterator.key(), op);
-    if (holds == isAny) return booleanValue(isAny);
+    const bool holds = isLeft ? satisfies(iterator.key(), rhs, op) : satisfies(lhs, iterator.key(), op);
+    if (holds == isAny) return QORQL_truthValue(qori::truth(isAny));
   }
-  return booleanValue(!isAny);
+  return QORQL_truthValue(qori::truth(!isAny));
 }

@@ -7,6 +7,7 @@
 #include "Cimom/QORQL/CQLOperand.h"
 #include "Cimom/QORQL/CQLQueryStatement.h"
 #include "Cimom/QORQL/QORQL_ExpressionFactor.h"
+#include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
 #include "Cimom/QORQL/QORQL_Values.h"
 
 namespace {
@@ -14,6 +15,14 @@ namespace {
 using Object = QORSmrPtr<IQoriObject>;
 using Value = QORSmrPtr<IQoriValue>;
 using Node = QORSmrPtr<QORQL_Evaluatable>;
+
+// Why a condition never holds.
+std::string reasonOfOperator(QORQL_Operator op) {
+  return std::string("a condition with ") + CQLTextOfOperator(op) + " never matches";
+}
+constexpr char kIsaOfNoProperty[] =
+    "ISA asks a property of the instance itself, without path, scope and index: any other never matches";
+constexpr char kNotComputed[] = "a condition on a value that cannot be computed never matches";
 
 std::string compared(const Value& left, const QORQL_Comparison& comparison, const Value& right) {
   return " (" + CQLTextOfValue(left) + " " + CQLTextOfOperator(comparison.getOperator()) + " " + CQLTextOfValue(right) +
@@ -37,10 +46,10 @@ int truthOf(const QoriScalar& view) noexcept {
 
 // Values that are no scalars: arrays as wholes, others of one type.
 bool holdsForValues(const IQoriValue& left, QoriRelation relation, const IQoriValue& right) {
-  const bool areArrays = left.isArray() && right.isArray();
   const bool areOfOneType =
       !left.isArray() && !right.isArray() && left.getType()->getName() == right.getType()->getName();
-  return (areArrays || areOfOneType) && left.relate(relation, right) == QoriTruth::True;
+  const bool areComparable = areOfOneType || CQLQueryStatement::areComparableArrays(left, right);
+  return areComparable && left.relate(relation, right) == QoriTruth::True;
 }
 
 // A comparison of two values in doComparisonOperation's way, on their views.
@@ -110,9 +119,7 @@ class Relation : public CQLCondition {
     if (property == nullptr || !_right->holdsConstant() || !CQLQuickTest::canDecide(_right->constant())) return {};
     return {*property, _relation.getRelation(), _right->constant()};
   }
-  std::string neverBecause() const override {
-    return isNever(*_left) || isNever(*_right) ? "a condition on a value that cannot be computed never matches" : "";
-  }
+  std::string neverBecause() const override { return isNever(*_left) || isNever(*_right) ? kNotComputed : ""; }
   std::string explain(const Object& instance) const override {
     return _text + compared(_left->value(*instance), _comparison, _right->value(*instance));
   }
@@ -166,9 +173,10 @@ class ArrayRelation final : public Relation {
 
 class IsaCondition final : public CQLCondition {
  public:
-  IsaCondition(const CQLQueryStatement& statement, const QORQL_Comparison& comparison, const CQLIsaNames& names)
-      : _isa(statement, names), _text(CQLTextOfCondition(statement, comparison)) {}
-  bool holds(const Object& instance) const override { return _isa.holds(*instance); }
+  IsaCondition(const CQLQueryStatement& statement, const QORQL_Comparison& comparison, const QORString& property,
+               const QORString& className)
+      : _isa(statement, property, className), _text(CQLTextOfCondition(statement, comparison)) {}
+  bool holds(const Object& instance) const override { return _isa.test(*instance) == QoriTruth::True; }
   std::string explain(const Object& instance) const override {
     return _text + " (" + _isa.foundText(*instance) + " ISA " + std::string(_isa.className().view()) + ")";
   }
@@ -190,6 +198,23 @@ class Never final : public CQLCondition {
   std::string _reason;
 };
 
+// What an expression contains that has no value for any instance.
+class ValuelessFinder : public QORQL_ExpressionVisitor {
+ public:
+  explicit ValuelessFinder(const CQLQueryStatement& statement) : _statement(statement) {}
+  void visitComparison(const QORQL_Comparison& comparison) override {
+    const QORQL_Operator op = comparison.getOperator();
+    if (op > QORQL_OperatorGREATEREQUAL && op != QORQL_OperatorISA) reason = reasonOfOperator(op);
+    if (op == QORQL_OperatorISA && CQLIsa::propertyOf(_statement, comparison).isEmpty()) reason = kIsaOfNoProperty;
+  }
+  void visitFunction(const QORQL_Function& /*function*/) override { reason = kNotComputed; }
+
+  std::string reason;
+
+ private:
+  const CQLQueryStatement& _statement;
+};
+
 class TreeCondition final : public CQLCondition {
  public:
   TreeCondition(const CQLQueryStatement& statement, const Node& comparison)
@@ -200,6 +225,12 @@ class TreeCondition final : public CQLCondition {
     const Value left(_statement.doMatchArithmetic(comparison.getLHSArithmeticExpression(), instance));
     const Value right(_statement.doMatchArithmetic(comparison.getRHSArithmeticExpression(), instance));
     return CQLTextOfCondition(_statement, comparison) + compared(left, comparison, right);
+  }
+  std::string neverBecause() const override {
+    ValuelessFinder* const finder = new ValuelessFinder(_statement);
+    QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
+    _comparison->accept(visitor);
+    return finder->reason;
   }
 
  private:
@@ -220,6 +251,19 @@ std::unique_ptr<CQLCondition> makeRelation(const CQLQueryStatement& statement, c
   return std::make_unique<TreeCondition>(statement, node);
 }
 
+std::unique_ptr<CQLCondition> makeIsa(const CQLQueryStatement& statement, const QORQL_Comparison& comparison,
+                                      const Node& node) {
+  const QORString property(CQLIsa::propertyOf(statement, comparison));
+  if (property.isEmpty()) return CQLMakeNever(CQLTextOfCondition(statement, comparison), kIsaOfNoProperty);
+  const Node& right = comparison.getRHSArithmeticExpression();
+  if (!CQLIsConstant(right)) return std::make_unique<TreeCondition>(statement, node);
+  const Value className(statement.doMatchArithmetic(right, Object()));
+  if (!className.IsNull() && className->scalar().kind == QoriScalarKind::Text) {
+    return std::make_unique<IsaCondition>(statement, comparison, property, className->toString());
+  }
+  return CQLMakeNever(CQLTextOfCondition(statement, comparison), kNotComputed);
+}
+
 std::unique_ptr<CQLCondition> makeComparison(const CQLQueryStatement& statement, const Node& node) {
   const Node* written = &node;
   while (const Node* const inner = CQLQueryStatement::parenthesised(*written)) written = inner;
@@ -228,15 +272,10 @@ std::unique_ptr<CQLCondition> makeComparison(const CQLQueryStatement& statement,
   if (op >= QORQL_OperatorEQUAL && op <= QORQL_OperatorGREATEREQUAL) {
     return makeRelation(statement, comparison, *written);
   }
-  if (op == QORQL_OperatorISA) {
-    CQLIsaNames names;
-    if (CQLIsaNames::read(comparison, names)) return std::make_unique<IsaCondition>(statement, comparison, names);
-    return std::make_unique<TreeCondition>(statement, *written);
-  }
+  if (op == QORQL_OperatorISA) return makeIsa(statement, comparison, *written);
   const bool isBare = op == QORQL_OperatorNONE;
   return CQLMakeNever(CQLTextOfCondition(statement, comparison),
-                      isBare ? std::string("a condition without a comparison never matches")
-                             : std::string("a condition with ") + CQLTextOfOperator(op) + " never matches");
+                      isBare ? "a condition without a comparison never matches" : reasonOfOperator(op));
 }
 
 }  // namespace

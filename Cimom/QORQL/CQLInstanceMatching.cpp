@@ -56,7 +56,6 @@ Value valueOrNull(const Compute& compute) {
 bool isText(const Value& value) {
   return !value.IsNull() && !value->isArray() && value->getType()->getName() == "string";
 }
-bool isTrue(const Value& value) { return !value.IsNull() && value->getBoolean(); }
 
 QORQL_Comparison* nestedComparison(const Node& node) { return dynamic_cast<QORQL_Comparison*>(node.Get()); }
 
@@ -104,12 +103,13 @@ CQLQueryExceptionCode CQLQueryStatement::doMatch(bool& result, const Instance& i
 }
 
 bool CQLQueryStatement::isMatchFromClause(const Instance& instance) const {
+  if (instance.IsNull()) return false;
   if (_matcher != nullptr) return _matcher->isOfFromClass(*instance);
   const QORString& className = instance->getClassName();
   if (className.isEmpty()) return false;
-  QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*fromClause().getFromSpecifierList());
-  while (++specifiers) {
-    if (CQLQueryValidator::isSubClass(nameSpaceInUse(), className, specifiers.key()->getTableName())) return true;
+  QORValSlistIterator<QORSmrPtr<IQoriInstanceName>> classes(*getClassList());
+  while (++classes) {
+    if (CQLQueryValidator::isSubClass(nameSpaceInUse(), className, classes.key()->getClassName())) return true;
   }
   return false;
 }
@@ -149,25 +149,31 @@ bool CQLQueryStatement::isMatchExpressionFactor(const Node& node, const Instance
 }
 
 bool CQLQueryStatement::isMatchComparison(const Node& node, const Instance& instance) const {
+  return decide(node, instance) == QoriTruth::True;
+}
+
+QoriTruth CQLQueryStatement::decide(const Node& comparison, const Instance& instance) const {
   try {
-    const auto* comparison = dynamic_cast<const QORQL_Comparison*>(node.Get());
-    if (comparison == nullptr) return false;
-    const QORQL_Operator op = comparison->getOperator();
-    if (op == QORQL_OperatorISA) return matchesIsa(*comparison, instance);
-    if (op == QORQL_OperatorNONE) {
-      const Node* const inner = parenthesised(node);
-      return inner != nullptr && isMatchComparison(*inner, instance);
-    }
-    if (op < QORQL_OperatorEQUAL || op > QORQL_OperatorGREATEREQUAL) return false;
-    const Value lhs(doMatchArithmetic(comparison->getLHSArithmeticExpression(), instance));
-    const Value rhs(doMatchArithmetic(comparison->getRHSArithmeticExpression(), instance));
-    if (lhs.IsNull() || rhs.IsNull()) return false;
-    const bool isEquality = op == QORQL_OperatorEQUAL || op == QORQL_OperatorNOTEQUAL;
-    return isTrue(isEquality ? doComparisonOpEqualsNotEquals(lhs, rhs, op, comparison->getArrayComp())
-                             : doComparisonOpGreaterLess(lhs, rhs, op, comparison->getArrayComp()));
+    const auto* node = dynamic_cast<const QORQL_Comparison*>(comparison.Get());
+    if (node == nullptr) return QoriTruth::Null;
+    if (node->getOperator() != QORQL_OperatorNONE) return decideOperator(*node, instance);
+    const Node* const inner = parenthesised(comparison);
+    return inner == nullptr ? QoriTruth::Null : decide(*inner, instance);
   } catch (...) {
-    return false;
+    return QoriTruth::Null;
   }
+}
+
+QoriTruth CQLQueryStatement::decideOperator(const QORQL_Comparison& comparison, const Instance& instance) const {
+  const QORQL_Operator op = comparison.getOperator();
+  if (op == QORQL_OperatorISA) return decideIsa(comparison, instance);
+  if (op < QORQL_OperatorEQUAL || op > QORQL_OperatorGREATEREQUAL) return QoriTruth::Null;
+  const Value lhs(doMatchArithmetic(comparison.getLHSArithmeticExpression(), instance));
+  const Value rhs(doMatchArithmetic(comparison.getRHSArithmeticExpression(), instance));
+  if (lhs.IsNull() || rhs.IsNull()) return QoriTruth::Null;
+  const bool isEquality = op == QORQL_OperatorEQUAL || op == QORQL_OperatorNOTEQUAL;
+  return QORQL_truthOf(isEquality ? doComparisonOpEqualsNotEquals(lhs, rhs, op, comparison.getArrayComp())
+                                  : doComparisonOpGreaterLess(lhs, rhs, op, comparison.getArrayComp()));
 }
 
 Value CQLQueryStatement::doMatchArithmetic(const Node& node, const Instance& instance) const {
@@ -197,7 +203,7 @@ Value CQLQueryStatement::factorValue(const Node& node, const Instance& instance)
   if (const QORQL_Comparison* const inner = nestedComparison(factor->getEvaluatable())) {
     value = inner->getOperator() == QORQL_OperatorNONE
                 ? doMatchArithmetic(inner->getLHSArithmeticExpression(), instance)
-                : Value(new CQoriValue(isMatchComparison(factor->getEvaluatable(), instance), CQoriType::boolean));
+                : QORQL_truthValue(decide(factor->getEvaluatable(), instance));
   } else {
     value = doMatchFactor(factor->getEvaluatable(), instance);
   }
@@ -212,16 +218,10 @@ Value CQLQueryStatement::getPropertyValueFromEmbeddedObject(const IQoriObject& i
   return path.value(instance);
 }
 
-// The left side contributes the name of its property, the right side a class;
-// sides that are computed contribute their texts.
-bool CQLQueryStatement::matchesIsa(const QORQL_Comparison& comparison, const Instance& instance) const {
-  CQLIsaNames names;
-  if (!CQLIsaNames::read(comparison, names)) {
-    const Value lhs(doMatchArithmetic(comparison.getLHSArithmeticExpression(), instance));
-    const Value rhs(doMatchArithmetic(comparison.getRHSArithmeticExpression(), instance));
-    if (!isText(lhs) || !isText(rhs)) return false;
-    names.propertyName = lhs->toString();
-    names.className = rhs->toString();
-  }
-  return CQLIsa(*this, names).holds(*instance);
+// The left side contributes the name of its property, or its text; the right side a class.
+QoriTruth CQLQueryStatement::decideIsa(const QORQL_Comparison& comparison, const Instance& instance) const {
+  const QORString property(CQLIsa::propertyOf(*this, comparison));
+  const Value className(doMatchArithmetic(comparison.getRHSArithmeticExpression(), instance));
+  if (property.isEmpty() || !isText(className)) return QoriTruth::Null;
+  return CQLIsa(*this, property, className->toString()).test(*instance);
 }

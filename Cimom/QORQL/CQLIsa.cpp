@@ -8,9 +8,6 @@
 
 namespace {
 
-constexpr char kAlertingElement[] = "AlertingManagedElement";
-constexpr char kAlertingFormat[] = "AlertingElementFormat";
-
 // The value of AlertingElementFormat that announces a path.
 bool announcesPath(const QoriScalar& format) {
   QoriScalar path;
@@ -19,41 +16,49 @@ bool announcesPath(const QoriScalar& format) {
   return format.isNumber() && qori::compareNumbers(format, path) == 0;
 }
 
-}  // namespace
-
-bool CQLIsaNames::read(const QORQL_Comparison& comparison, CQLIsaNames& names) {
-  const QORQL_Factor* const left = CQLLoneFactor(comparison.getLHSArithmeticExpression());
-  const QORQL_Factor* const right = CQLLoneFactor(comparison.getRHSArithmeticExpression());
-  if (left == nullptr || right == nullptr || right->getLiteral().IsNull()) return false;
-  const QORSmrPtr<IQoriValue>& text = left->getLiteral();
-  if (text.IsNull()) {
-    if (left->getPropertyName().IsNull()) return false;
-    names.propertyName = *left->getPropertyName();
-  } else {
-    if (text->getType()->getName() != "string") return false;
-    names.propertyName = text->toString();
-  }
-  names.className = right->getLiteral()->toString();
-  return !names.propertyName.isEmpty();
+bool isText(const QORSmrPtr<IQoriValue>& value) {
+  return !value.IsNull() && !value->isArray() && value->getType()->getName() == "string";
 }
 
-CQLIsa::CQLIsa(const CQLQueryStatement& statement, const CQLIsaNames& names)
+// A reference without path, scope and index.
+bool isPlain(const QORQL_Factor& factor) {
+  return !factor.getPropertyName().IsNull() && factor.getChain().IsNull() && factor.getPropertyScope().IsNull() &&
+         factor.getArrayIndexList() == QORQL_Factor::kNoArray;
+}
+
+}  // namespace
+
+QORString CQLIsa::propertyOf(const CQLQueryStatement& statement, const QORQL_Comparison& comparison) {
+  const QORSmrPtr<QORQL_Evaluatable>& left = comparison.getLHSArithmeticExpression();
+  const QORQL_Factor* const factor = CQLLoneFactor(left);
+  if (factor != nullptr && factor->getLiteral().IsNull()) {
+    const bool isOwn = isPlain(*factor) &&
+                       (factor->getClassName()->isEmpty() || !statement.fromClassOf(*factor->getClassName()).isEmpty());
+    return isOwn ? *factor->getPropertyName() : QORString();
+  }
+  if (!CQLIsConstant(left)) return {};
+  const QORSmrPtr<IQoriValue> text(statement.doMatchArithmetic(left, QORSmrPtr<IQoriObject>()));
+  return isText(text) ? text->toString() : QORString();
+}
+
+CQLIsa::CQLIsa(const CQLQueryStatement& statement, const QORString& propertyName, const QORString& className)
     : _statement(statement),
-      _className(names.className),
-      _isAlertingElement(names.propertyName.isEqualCaseInsensitive(kAlertingElement)),
-      _property(statement, names.propertyName),
+      _className(className),
+      _isAlertingElement(propertyName.isEqualCaseInsensitive(kAlertingElement)),
+      _property(statement, propertyName),
       _format(statement, QORString(kAlertingFormat)) {}
 
-bool CQLIsa::holds(const IQoriObject& instance) const {
+QoriTruth CQLIsa::test(const IQoriObject& instance) const {
   QORSmrPtr<IQoriObject> owner;
   QORSmrPtr<IQoriValue> holder;
   const QoriScalar found = _property.view(instance, owner, holder);
+  if (found.isNull()) return QoriTruth::Null;
   if (found.kind == QoriScalarKind::Complex && !found.value->isArray()) {
     const QORSmrPtr<IQoriObject> object(found.value->getObject());
-    return !object.IsNull() && !object->getClassName().isEmpty() &&
-           CQLQueryValidator::isSubClass(_statement.nameSpaceInUse(), object->getClassName(), _className);
+    return qori::truth(!object.IsNull() && !object->getClassName().isEmpty() &&
+                       CQLQueryValidator::isSubClass(_statement.nameSpaceInUse(), object->getClassName(), _className));
   }
-  return found.kind == QoriScalarKind::Text && _isAlertingElement && namesClass(*found.text, instance);
+  return qori::truth(found.kind == QoriScalarKind::Text && _isAlertingElement && namesClass(*found.text, instance));
 }
 
 // The class stands between the first colon and the next dot: //host/namespace:Class.Key="..."

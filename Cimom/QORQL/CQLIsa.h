@@ -8,23 +8,24 @@
 
 class CQLQueryStatement;
 
-// What stands on both sides: a property, or text in its place, and a class.
-struct CQLIsaNames {
-  // False when a side is computed, or is none of those.
-  static bool read(const QORQL_Comparison& comparison, CQLIsaNames& names);
-  QORString propertyName;
-  QORString className;
-};
-
 // Threads may share one. BORROWS the statement.
 class CQLIsa {
  public:
-  CQLIsa(const CQLQueryStatement& statement, const CQLIsaNames& names);
+  // The property whose text may be a path, and the one that says whether it is.
+  static constexpr char kAlertingElement[] = "AlertingManagedElement";
+  static constexpr char kAlertingFormat[] = "AlertingElementFormat";
+
+  // The property that the left side names: it is a property of the instance
+  // itself, or a text without any property in it. Empty for everything else, of
+  // which a property behind a path or a scope, or with an index.
+  static QORString propertyOf(const CQLQueryStatement& statement, const QORQL_Comparison& comparison);
+
+  CQLIsa(const CQLQueryStatement& statement, const QORString& propertyName, const QORString& className);
 
   // Whether the property holds an embedded object of the class or a subclass, or
-  // the path text of an alert's managing element names such a class. Allocates
-  // nothing for an embedded object.
-  bool holds(const IQoriObject& instance) const;
+  // the path text of an alert's managing element names such a class; Null when
+  // it has no value. Allocates nothing for an embedded object.
+  QoriTruth test(const IQoriObject& instance) const;
   // The class of the embedded object, or the value.
   std::string foundText(const IQoriObject& instance) const;
   const QORString& className() const noexcept { return _className; }

@@ -11,20 +11,24 @@ using Value = QORSmrPtr<IQoriValue>;
 using Node = QORSmrPtr<QORQL_Evaluatable>;
 
 // Literals are constant, and so is a function, which has no value in a filter.
+// ISA reads a property even where texts alone stand beside it.
 class PropertyFinder : public QORQL_ExpressionVisitor {
  public:
   void visitFactor(const QORQL_Factor& factor) override { found = found || factor.getLiteral().IsNull(); }
+  void visitComparison(const QORQL_Comparison& comparison) override {
+    found = found || comparison.getOperator() == QORQL_OperatorISA;
+  }
   bool found = false;
 };
 
-bool isConstant(const Node& side) {
+}  // namespace
+
+bool CQLIsConstant(const Node& side) {
   PropertyFinder* const finder = new PropertyFinder();
   QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
   if (!side.IsNull()) side->accept(visitor);
   return !finder->found;
 }
-
-}  // namespace
 
 const QORQL_Factor* CQLLoneFactor(const Node& side) {
   const Node* node = &side;
@@ -44,8 +48,8 @@ std::unique_ptr<CQLOperand> CQLOperand::make(const CQLQueryStatement& statement,
   if (factor != nullptr && factor->getLiteral().IsNull()) {
     return std::make_unique<CQLOperand>(std::make_unique<CQLPropertyPath>(statement, *factor));
   }
-  return isConstant(side) ? std::make_unique<CQLOperand>(statement.doMatchArithmetic(side, QORSmrPtr<IQoriObject>()))
-                          : nullptr;
+  return CQLIsConstant(side) ? std::make_unique<CQLOperand>(statement.doMatchArithmetic(side, QORSmrPtr<IQoriObject>()))
+                             : nullptr;
 }
 
 CQLOperand::CQLOperand(const Value& constant) : _constant(constant) {

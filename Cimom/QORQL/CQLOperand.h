@@ -11,6 +11,9 @@ class CQLQueryStatement;
 // The factor that a side consists of, parentheses taken off; null when there is more to it.
 const QORQL_Factor* CQLLoneFactor(const QORSmrPtr<QORQL_Evaluatable>& side);
 
+// Whether a side has the same value, which may be none, for every instance.
+bool CQLIsConstant(const QORSmrPtr<QORQL_Evaluatable>& side);
+
 // Threads may share one.
 class CQLOperand {
  public:

@@ -1,8 +1,9 @@
 // Which properties of a class a filter's select list and WHERE clause use.
-#include <functional>
+#include <algorithm>
 #include <set>
 #include <string>
 
+#include "Cimom/QORQL/CQLIsa.h"
 #include "Cimom/QORQL/CQLQueryStatement.h"
 #include "Cimom/QORQL/CQLQueryValidator.h"
 #include "Cimom/QORQL/CQLReferences.h"
@@ -42,26 +43,60 @@ void addProperty(const QORString& property, NameList& names) {
 
 }  // namespace
 
+bool CQLQueryStatement::hasProperty(const QORString& className, const QORString& property) const {
+  return CQLQueryValidator::findProperty(nameSpaceInUse(), className, property, true);
+}
+
+bool CQLQueryStatement::isPropertyOfFrom(const QORString& property) const {
+  return std::any_of(_fromNames.begin(), _fromNames.end(),
+                     [&](const auto& name) { return hasProperty(name.second, property); });
+}
+
 // What a reference asks of a class: its property, or for a path through an
 // embedded object the property that holds that object.
-void CQLQueryStatement::addReference(const QORString& className, const CQLReference& reference,
-                                     const std::function<void(const QORString&)>& add) const {
+void CQLQueryStatement::addReference(const QORString& className, const CQLReference& reference, Clause clause,
+                                     const AddName& add) const {
+  const auto isOf = [&](const QORString& owner) {
+    return CQLQueryValidator::isSubClass(nameSpaceInUse(), className, owner);
+  };
   const QORString owner(fromClassOf(CQLFirstStep(reference.className)));
   if (!owner.isEmpty() && !reference.isPath()) {
     const QORString& property = reference.propertyName;
-    const bool isEnd =
-        isAssociationEnd(property) && !CQLQueryValidator::findProperty(nameSpaceInUse(), className, property, true);
-    if (owner.isEqualCaseInsensitive(className) && !isEnd) add(property);
+    const bool isKnown = hasProperty(className, property);
+    const bool isAsked = isOf(owner) ? isKnown || !isAssociationEnd(property) : isKnown && clause == Clause::Where;
+    if (isAsked) add(property);
     return;
   }
   QORString path(reference.chain.isEmpty() ? reference.className : reference.chain);
   const QORString head(fromClassOf(CQLFirstStep(path)));
   if (!head.isEmpty()) {
-    if (!head.isEqualCaseInsensitive(className)) return;
+    if (clause == Clause::Select && !isOf(head)) return;
     path = CQLBehindFirstStep(path);
   }
-  const QORString root(CQLFirstStep(path));
-  if (CQLQueryValidator::findProperty(nameSpaceInUse(), className, root, true)) add(root);
+  addRoot(className, CQLFirstStep(path), clause, add);
+}
+
+// What no FROM class has may be a property of a subclass, whose instances are
+// matched too, but asked for by the FROM class's list.
+void CQLQueryStatement::addRoot(const QORString& className, const QORString& root, Clause clause,
+                                const AddName& add) const {
+  if (hasProperty(className, root) || (clause == Clause::Where && !isPropertyOfFrom(root))) add(root);
+}
+
+// What tests of a class read: a property that a text may name, and for the path
+// of an alert the format that announces it.
+void CQLQueryStatement::addIsaNames(const QORString& className, const AddName& add) const {
+  const auto* where =
+      dynamic_cast<const QORQL_WhereClause*>(dynamic_cast<const QORQL_Query&>(*_query).getWhereClause().Get());
+  if (where == nullptr) return;
+  for (const QORQL_Comparison* test : CQLIsaTestsOf(where->getExpression())) {
+    const QORString property(CQLIsa::propertyOf(*this, *test));
+    if (property.isEmpty()) continue;
+    addRoot(className, property, Clause::Where, add);
+    if (property.isEqualCaseInsensitive(CQLIsa::kAlertingElement)) {
+      addRoot(className, CQLIsa::kAlertingFormat, Clause::Where, add);
+    }
+  }
 }
 
 CQLQueryExceptionCode CQLQueryStatement::buildSelectPropertyList(const QORString& className,
@@ -73,7 +108,7 @@ CQLQueryExceptionCode CQLQueryStatement::buildSelectPropertyList(const QORString
     while (++entries) {
       if (entries.key()->isSelectAll()) names.addAll();
       for (const CQLReference& reference : CQLReferencesOf(entries.key()->getExpression())) {
-        addReference(className, reference, add);
+        addReference(className, reference, Clause::Select, add);
       }
     }
     list = names.names();
@@ -91,9 +126,10 @@ CQLQueryExceptionCode CQLQueryStatement::buildWherePropertyList(const QORString&
         dynamic_cast<const QORQL_WhereClause*>(dynamic_cast<const QORQL_Query&>(*_query).getWhereClause().Get());
     if (where != nullptr) {
       for (const CQLReference& reference : CQLReferencesOf(where->getExpression())) {
-        addReference(className, reference, add);
+        addReference(className, reference, Clause::Where, add);
       }
     }
+    addIsaNames(className, add);
     list = names.names();
     return CQL_QUERY_SUCCESS;
   } catch (...) {
@@ -104,7 +140,13 @@ CQLQueryExceptionCode CQLQueryStatement::buildWherePropertyList(const QORString&
 QORString CQLQueryStatement::requestedClass(const char* where, const QORSmrPtr<IQoriInstanceName>& className) const {
   requireValidated(where);
   if (className.IsNull()) CQLQueryException::raise(where, CQL_QUERY_INVALID_OR_NULL_PARM_ERROR);
-  return fromClassOf(className->getClassName());
+  const QORString& name = className->getClassName();
+  const QORString fromClass(fromClassOf(name));
+  if (!fromClass.isEmpty() || name.isEmpty()) return fromClass;
+  const bool isSubClass = std::any_of(_fromNames.begin(), _fromNames.end(), [&](const auto& from) {
+    return CQLQueryValidator::isSubClass(nameSpaceInUse(), name, from.second);
+  });
+  return isSubClass ? name : QORString();
 }
 
 IQueryStatement::PropertyNames CQLQueryStatement::getSelectPropertyList(

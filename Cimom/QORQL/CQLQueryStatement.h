@@ -88,9 +88,15 @@ class CQLQueryStatement : public IQueryStatement {
   Value doMatchArithmetic(const Node& node, const Instance& instance) const;
   Value doMatchTerm(const Node& node, const Instance& instance) const;
   Value doMatchFactor(const Node& node, const Instance& instance) const;
+  // What isMatchComparison says, or Null where it could not be decided: by LIKE,
+  // IS NULL or a join operator, or without one of the values.
+  QoriTruth decide(const Node& comparison, const Instance& instance) const;
 
-  // Comparisons of two values. THROW a bare int 0, and what the values throw,
-  // where no comparison is possible; the matcher takes that as no match.
+  // Comparisons of two values, null where a value is missing, where an array is
+  // asked without ANY and EVERY (but for the equality of two) or with them where
+  // there is none. For other values that do not compare nothing holds. THROW what the values throw; the matcher takes
+  // that as no match.
+  static QoriTruth decideComparison(const Value& lhs, const Value& rhs, QORQL_Operator op);
   static bool doComparisonOperation(const Value& lhs, const Value& rhs, QORQL_Operator op);
   static Value doComparisonOpEqualsNotEquals(const Value& lhs, const Value& rhs, QORQL_Operator op,
                                              QORQL_Comparison::QORQL_ARRAY_COMP arrayComp);
@@ -101,6 +107,8 @@ class CQLQueryStatement : public IQueryStatement {
   static Value doAnyEveryArrayComparisonOps(const Value& lhs, const Value& rhs, QORQL_Operator op,
                                             QORQL_Comparison::QORQL_ARRAY_COMP arrayComp);
   static bool compare(const Value& lhs, const Value& rhs, QORQL_Operator op);
+  // Of one element type, or both of numbers.
+  static bool areComparableArrays(const IQoriValue& lhs, const IQoriValue& rhs) noexcept;
   static bool compareRealValues(const Value& lhs, const Value& rhs, QORQL_Operator op);
   static bool isNumericalData(const QORString& lhsType, const QORString& rhsType) noexcept;
   // THROWS a bare int 0 for a pair that the table does not hold.
@@ -137,14 +145,23 @@ class CQLQueryStatement : public IQueryStatement {
   // The class that a FROM name in any case stands for; empty when it is none.
   QORString fromClassOf(const QORString& name) const;
 
-  // The FROM class that a list operation asks for; empty when it is none. THROWS as those.
+  // The FROM class, or subclass of one, that a list operation asks for; empty when it is none. THROWS as those.
   QORString requestedClass(const char* where, const QORSmrPtr<IQoriInstanceName>& className) const;
-  void addReference(const QORString& className, const CQLReference& reference,
-                    const std::function<void(const QORString&)>& add) const;
+  // What a class needs for a reference. Matching reads a property off the instance
+  // whichever FROM name stands before it.
+  enum class Clause { Select, Where };
+  using AddName = std::function<void(const QORString&)>;
+  void addReference(const QORString& className, const CQLReference& reference, Clause clause, const AddName& add) const;
+  void addRoot(const QORString& className, const QORString& root, Clause clause, const AddName& add) const;
+  void addIsaNames(const QORString& className, const AddName& add) const;
+  bool hasProperty(const QORString& className, const QORString& property) const;
+  bool isPropertyOfFrom(const QORString& property) const;
 
   // As doMatchFactor, but THROWS what the instance and its values throw.
   Value factorValue(const Node& node, const Instance& instance) const;
-  bool matchesIsa(const QORQL_Comparison& comparison, const Instance& instance) const;
+  // As decide, but THROW what the instance and its values throw.
+  QoriTruth decideOperator(const QORQL_Comparison& comparison, const Instance& instance) const;
+  QoriTruth decideIsa(const QORQL_Comparison& comparison, const Instance& instance) const;
   // Reads a property through properties that hold embedded objects.
   Value getPropertyValueFromEmbeddedObject(const IQoriObject& instance, const class QORQL_Factor& factor) const;
 

@@ -1,6 +1,7 @@
 // Collecting the references of an expression.
 #include "Cimom/QORQL/CQLReferences.h"
 
+#include "Cimom/QORQL/QORQL_Comparison.h"
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_Function.h"
@@ -26,6 +27,15 @@ class ReferenceCollector : public QORQL_ExpressionVisitor {
   std::vector<CQLReference> references;
 };
 
+class IsaCollector : public QORQL_ExpressionVisitor {
+ public:
+  void visitComparison(const QORQL_Comparison& comparison) override {
+    if (comparison.getOperator() == QORQL_OperatorISA) tests.push_back(&comparison);
+  }
+
+  std::vector<const QORQL_Comparison*> tests;
+};
+
 }  // namespace
 
 std::vector<CQLReference> CQLReferencesOf(const QORSmrPtr<QORQL_Evaluatable>& expression) {
@@ -33,6 +43,13 @@ std::vector<CQLReference> CQLReferencesOf(const QORSmrPtr<QORQL_Evaluatable>& ex
   QORSmrPtr<QORQL_ExpressionVisitor> visitor(collector);
   if (!expression.IsNull()) expression->accept(visitor);
   return collector->references;
+}
+
+std::vector<const QORQL_Comparison*> CQLIsaTestsOf(const QORSmrPtr<QORQL_Evaluatable>& expression) {
+  IsaCollector* const collector = new IsaCollector();
+  QORSmrPtr<QORQL_ExpressionVisitor> visitor(collector);
+  if (!expression.IsNull()) expression->accept(visitor);
+  return collector->tests;
 }
 
 QORString CQLFirstStep(const QORString& path) { return path.subStr(0, path.find(".")); }

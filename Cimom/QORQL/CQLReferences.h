@@ -6,6 +6,8 @@
 
 #include "Cimom/QORQL/QORQL_Evaluatable.h"
 
+class QORQL_Comparison;
+
 // One reference, its names as written or resolved.
 struct CQLReference {
   QORString className;     // the first name, or the class that the property is of
@@ -19,6 +21,9 @@ struct CQLReference {
 // argument of OBJECTPATH, refers to none of its properties and is left out. A
 // null expression has none.
 std::vector<CQLReference> CQLReferencesOf(const QORSmrPtr<QORQL_Evaluatable>& expression);
+
+// The tests of a class in an expression, those in parentheses among them. BORROWS from it.
+std::vector<const QORQL_Comparison*> CQLIsaTestsOf(const QORSmrPtr<QORQL_Evaluatable>& expression);
 
 // The first step of a path: "i.SourceInstance" gives i.
 QORString CQLFirstStep(const QORString& path);

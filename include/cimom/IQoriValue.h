@@ -75,7 +75,7 @@ class IQoriValue {
   // texts TRUE and FALSE; datetimes with datetimes and datetime text; references
   // by path, also with path text; embedded objects by class and properties;
   // char16 with char16 and with text of one character. Arrays are equal when
-  // length and elements are; other relations on arrays, and array against
+  // length and elements are; other relations on arrays, arrays of other types (but for numbers), and array against
   // scalar, are Null. THROWS QoriBaseException (type "CIM_Value") naming both
   // types for any other pair. Allocates nothing for numbers, booleans and strings.
   virtual QoriTruth relate(QoriRelation relation, const IQoriValue& other) const = 0;

@@ -310,9 +310,15 @@ class Warnings(ValidateCase):
         self.assertEqual(lines[-1], "qorql: warning: line 1: the rest of the filter is not looked at")
 
     def test_isa_behind_a_path(self):
-        self.warned("SELECT * FROM CIM_InstCreation WHERE SourceInstance.Inner ISA CIM_AlertIndication",
+        for path in ("SourceInstance.Inner", "SourceInstance.SourceInstance", "CIM_InstCreation::SourceInstance",
+                     "CIM_InstCreation.SourceInstance.SourceInstance", "SourceInstance[0]"):
+            self.warned(f"SELECT * FROM CIM_InstCreation WHERE {path} ISA CIM_AlertIndication",
+                        "ISA asks a property of the instance itself, without path, scope and index: any other never "
+                        "matches")
+        self.warned("SELECT * FROM CIM_InstCreation AS i WHERE i.Inner ISA CIM_AlertIndication",
+                    "Inner is no property of CIM_InstCreation: it never matches (line 1, column 45)",
                     "ISA asks a property of the indication itself, and Inner is none: it never matches "
-                    "(line 1, column 53)")
+                    "(line 1, column 45)")
         self.warned("SELECT * FROM CIM_InstCreation WHERE 'Source' ISA CIM_AlertIndication",
                     "ISA asks a property of the indication itself, and Source is none: it never matches "
                     "(line 1, column 38)")

@@ -102,10 +102,14 @@ bool FilterWarnings::isPropertyOfFrom(std::string_view property) const {
                      [&](const FilterText::Source& source) { return hasProperty(source.className, property); });
 }
 
-// ISA looks for the property in the instance itself, whatever stands before its name.
+// ISA looks for the property in the instance itself. Of one behind a path or a
+// scope the statement has told already that it never matches.
 void FilterWarnings::checkIsa(std::size_t piece) {
   const FilterText::Piece& name = _text.pieces()[piece];
   if (name.kind != FilterText::Kind::Word && name.kind != FilterText::Kind::Literal) return;
+  const bool isBehindDot = piece > 1 && _text.is(piece - 1, ".");
+  const bool isBehindFrom = isBehindDot && !_text.classOf(std::string(_text.pieces()[piece - 2].text)).empty();
+  if ((isBehindDot && !isBehindFrom) || (piece > 0 && _text.is(piece - 1, "::"))) return;
   if (isPropertyOfFrom(unquoted(name))) return;
   warn(
       "ISA asks a property of the indication itself, and " + std::string(unquoted(name)) + " is none: it never matches",

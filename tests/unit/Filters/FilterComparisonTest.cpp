@@ -151,18 +151,10 @@ std::optional<int> scalarOrder(const Type& left, const char* a, const Type& righ
   return plainText(a).compare(plainText(b));
 }
 
-// Whether two elements of arrays that are compared as wholes are equal: numbers
-// by their value, a character also with a text of one; none: an error.
-std::optional<bool> areEqualElements(const Type& left, const char* a, const Type& right, const char* b) {
+// Whether two elements of arrays that are compared as wholes are equal: numbers by their value.
+bool areEqualElements(const Type& left, const char* a, const Type& right, const char* b) {
   if (isNumber(left) && isNumber(right)) return number(a) == number(b);
-  const bool isCharAndText =
-      (left.kind == Kind::Char && right.kind == Kind::Text) || (left.kind == Kind::Text && right.kind == Kind::Char);
-  if (isCharAndText) {
-    const std::string& text = plainText(left.kind == Kind::Text ? a : b);
-    return text.size() == 1 ? std::optional<bool>(plainText(a) == plainText(b)) : std::nullopt;
-  }
-  const std::optional<int> order = scalarOrder(left, a, right, b);
-  return order ? std::optional<bool>(*order == 0) : std::nullopt;
+  return scalarOrder(left, a, right, b) == 0;
 }
 
 bool satisfies(std::optional<int> order, const std::string& op) {
@@ -184,14 +176,13 @@ std::vector<const char*> elementsOf(const Type& type, std::size_t sample) {
 }
 
 bool wholeArraysHold(const Type& left, std::size_t i, const Type& right, std::size_t j, const std::string& op) {
-  if (op != "=" && op != "<>") return false;
+  const bool areComparable = left.kind == right.kind || (isNumber(left) && isNumber(right));
+  if ((op != "=" && op != "<>") || !areComparable) return false;
   const std::vector<const char*> a = elementsOf(left, i);
   const std::vector<const char*> b = elementsOf(right, j);
   bool areEqual = a.size() == b.size();
   for (std::size_t k = 0; areEqual && k < a.size(); ++k) {
-    const std::optional<bool> isEqual = areEqualElements(left, a[k], right, b[k]);
-    if (!isEqual) return false;
-    areEqual = *isEqual;
+    areEqual = areEqualElements(left, a[k], right, b[k]);
   }
   return areEqual == (op == "=");
 }

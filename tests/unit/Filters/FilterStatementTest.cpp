@@ -124,6 +124,8 @@ TEST_F(Filter, propertyLists) {
   EXPECT_THAT(textsOf(statement.getPropertyList(classPath("a"))), ElementsAre("MessageID", "U8", "OwningEntity"));
   EXPECT_THAT(textsOf(statement.getPropertyList(classPath("CIM_InstCreation"))), IsEmpty());
   EXPECT_THAT(textsOf(statement.getPropertyList(classPath("CIM_Indication"))), IsEmpty());
+  EXPECT_THAT(textsOf(statement.getPropertyList(classPath("XYZ_Unheard"))), IsEmpty());
+  EXPECT_THAT(textsOf(statement.getPropertyList(classPath(""))), IsEmpty());
   EXPECT_EQ(queryError([&] { statement.getSelectPropertyList(QORSmrPtr<IQoriInstanceName>()); }),
             "CQLQUERYSTATEMENT::getSelectPropertyList|Invalid or NULL param encountered|3");
   EXPECT_EQ(queryError([&] { statement.getWherePropertyList(QORSmrPtr<IQoriInstanceName>()); }),
@@ -140,20 +142,6 @@ TEST_F(Filter, starNeedsEveryPropertyAndAPathItsRoot) {
   EXPECT_TRUE(statement.getSelectPropertyList(name).IsNull());
   EXPECT_TRUE(statement.getPropertyList(name).IsNull());
   EXPECT_THAT(textsOf(statement.getWherePropertyList(name)), ElementsAre("SourceInstance"));
-}
-
-// Both classes have the property at the root of the path.
-TEST_F(Filter, aPathBehindAnAliasIsOfThatClassAlone) {
-  CQLQueryStatement statement("CQL",
-                              "SELECT c.IndicationIdentifier FROM CIM_InstCreation AS c, CIM_InstModification AS m "
-                              "WHERE m.SourceInstance.Size > 5",
-                              kNameSpace, "");
-  ASSERT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS);
-  EXPECT_THAT(textsOf(statement.getWherePropertyList(classPath("CIM_InstModification"))),
-              ElementsAre("SourceInstance"));
-  EXPECT_THAT(textsOf(statement.getWherePropertyList(classPath("CIM_InstCreation"))), IsEmpty());
-  EXPECT_THAT(textsOf(statement.getPropertyList(classPath("CIM_InstCreation"))), ElementsAre("IndicationIdentifier"));
-  EXPECT_THAT(textsOf(statement.getPropertyList(classPath("m"))), ElementsAre("SourceInstance"));
 }
 
 TEST_F(Filter, aPathBehindAnAliasIsOfTheObjectThatItsRootHolds) {
@@ -281,6 +269,27 @@ TEST_F(Filter, whatNeverMatches) {
   EXPECT_FALSE(world.alertMatches("OwningEntity = 5", values));
   EXPECT_FALSE(world.alertMatches("U8 = 'abc'", values));
   EXPECT_FALSE(world.alertMatches("B", "B = TRUE;"));
+}
+
+TEST_F(Filter, noInstanceIsOfAFromClass) {
+  CQLQueryStatement statement("CQL", "SELECT * FROM CIM_InstCreation", kNameSpace, "");
+  ASSERT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS);
+  EXPECT_FALSE(statement.isMatchFromClause(QORSmrPtr<IQoriObject>()));
+  bool result = true;
+  EXPECT_EQ(statement.doMatch(result, QORSmrPtr<IQoriObject>(), kNameSpace), CQL_QUERY_ISMATCH_FAILURE);
+  EXPECT_FALSE(result);
+}
+
+TEST_F(Filter, theFromClauseOfAStatementThatIsNotValidated) {
+  const CQLQueryStatement fresh("CQL", "SELECT * FROM CIM_InstCreation", kNameSpace, "");
+  const QORSmrPtr<IQoriObject> creation(world.indication("instance of CIM_InstCreation { };"));
+  EXPECT_EQ(queryError([&] { fresh.isMatchFromClause(creation); }),
+            "CQLQUERYSTATEMENT::getClassList|query is not validated |2");
+  EXPECT_FALSE(fresh.isMatchFromClause(QORSmrPtr<IQoriObject>()));
+  CQLQueryStatement refused("CQL", "SELECT Nope FROM CIM_InstCreation", kNameSpace, "");
+  ASSERT_EQ(refused.validate(), QUERY_INVALID_QUERY);
+  EXPECT_EQ(queryError([&] { refused.isMatchFromClause(creation); }),
+            "CQLQUERYSTATEMENT::getClassList|query is not validated |1");
 }
 
 TEST_F(Filter, arithmeticParenthesesAndMinus) {

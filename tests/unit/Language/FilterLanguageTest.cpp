@@ -100,7 +100,11 @@ TEST_F(FilterLanguageTest, OrNotLikeAndIsNullNeverMatch) {
 TEST_F(FilterLanguageTest, WhatCannotBeComputedDoesNotMatch) {
   EXPECT_FALSE(diskMatches("Size = 'big'"));
   EXPECT_FALSE(diskMatches("Size / 0 = 1"));
-  EXPECT_FALSE(matches("SELECT * FROM EX_Disk WHERE Errors <> 1", object("EX_Disk", "root/cimv2:EX_Disk.Name=\"d2\"")));
+  const QORSmrPtr<IQoriObject> unset = object("EX_Disk", "root/cimv2:EX_Disk.Name=\"d2\"");
+  EXPECT_FALSE(matches("SELECT * FROM EX_Disk WHERE Errors <> 1", unset));
+  EXPECT_FALSE(matches("SELECT * FROM EX_Disk WHERE (Errors = 5) = FALSE", unset));
+  EXPECT_TRUE(diskMatches("(Errors = 5) = FALSE"));
+  EXPECT_FALSE(diskMatches("(Errors IS NULL) = FALSE"));
 }
 
 // rule: FILT-4
@@ -117,14 +121,18 @@ TEST_F(FilterLanguageTest, IsaLooksAtTheEmbeddedObjectOrThePath) {
   EXPECT_FALSE(changeMatches("SourceInstance ISA EX_Host"));
   EXPECT_TRUE(changeMatches("AlertingManagedElement ISA EX_Disk"));
   EXPECT_FALSE(changeMatches("AlertingManagedElement ISA EX_Host"));
-  EXPECT_TRUE(changeMatches("SourceInstance.PreviousInstance ISA EX_Disk"));
+  EXPECT_TRUE(changeMatches("'SourceInstance' ISA EX_Disk"));
+  EXPECT_FALSE(changeMatches("SourceInstance.PreviousInstance ISA EX_Disk"));
   EXPECT_FALSE(changeMatches("SourceInstance.Inner ISA EX_Disk"));
+  EXPECT_FALSE(changeMatches("EX_Change::SourceInstance ISA EX_Disk"));
+  EXPECT_FALSE(changeMatches("SourceInstance[0] ISA EX_Disk"));
 }
 
 // rule: FILT-6
 TEST_F(FilterLanguageTest, AnyKeepsTheWrittenOrder) {
   EXPECT_TRUE(diskMatches("ANY Ports < 2"));
   EXPECT_FALSE(diskMatches("ANY Ports > 5"));
+  EXPECT_FALSE(diskMatches("ANY Ports = 'x'"));
   EXPECT_FALSE(diskMatches("Ports = 1"));
   EXPECT_TRUE(diskMatches("Ports[0] = 1"));
   EXPECT_FALSE(diskMatches("Ports[3] <> 1"));

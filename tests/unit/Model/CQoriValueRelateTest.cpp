@@ -197,11 +197,15 @@ TEST(CQoriValueRelate, ArraysAreEqualByLengthAndElements) {
   EXPECT_EQ(relations(a, array(CQoriType::uint32, {uint32(1), uint32(3)})), "FTNNNN");
   EXPECT_EQ(relations(a, array(CQoriType::uint32, {uint32(1), Value()})), "FTNNNN");
   EXPECT_EQ(relations(array(CQoriType::uint32, {Value()}), array(CQoriType::uint32, {Value()})), "TFNNNN");
-  EXPECT_EQ(relations(array(CQoriType::uint32, {}), array(CQoriType::string, {})), "TFNNNN");
-  EXPECT_EQ(valueError([&] {
-              a->relate(QoriRelation::Equal, *array(CQoriType::string, {text("1"), text("2")}));
-            }),
-            "Cannot compare uint32 with string");
+}
+
+TEST(CQoriValueRelate, ArraysOfDifferentElementTypesAreNullUnlessBothAreNumbers) {
+  const Value numbers = array(CQoriType::uint32, {uint32(1), uint32(2)});
+  EXPECT_EQ(relations(numbers, array(CQoriType::real64, {real64(1.0), real64(2.0)})), "TFNNNN");
+  EXPECT_EQ(relations(numbers, array(CQoriType::string, {text("1"), text("2")})), kNoOrder);
+  EXPECT_EQ(relations(array(CQoriType::uint32, {}), array(CQoriType::string, {})), kNoOrder);
+  EXPECT_EQ(relations(array(CQoriType::boolean, {}), array(CQoriType::string, {text("TRUE")})), kNoOrder);
+  EXPECT_EQ(relations(array(CQoriType::real64, {}), array(CQoriType::boolean, {})), kNoOrder);
 }
 
 TEST(CQoriValueRelate, ArrayAgainstScalarIsNull) {
