@@ -38,6 +38,18 @@ class Explain(ToolCase):
         self.assertIn(" 3  filter     Id = 1  (computed, but decides nothing)\n", text)
         self.assertTrue(text.endswith(OR_WARNING), text)
 
+    def test_an_association_that_decides_nothing(self):
+        model = ("class T_A { [Key] uint32 Id; }; class T_B { [Key] uint32 Id; };"
+                 "[Association] class T_L { [Key] T_A REF Lft; [Key] T_B REF Rgt; };")
+        with tempfile.NamedTemporaryFile("w", suffix=".mof") as file:
+            file.write(model)
+            file.flush()
+            lines = self.succeed(self.run_tool(
+                "explain", "--no-live", "-m", file.name,
+                "SELECT a.Id, b.Id FROM T_A AS a, T_B AS b WHERE T_L = a AND T_L = b OR a.Id = 1")).splitlines()
+        self.assertEqual(lines[3], " 4  associate  T_B AS B: Id  "
+                                   "(one call for each T_A, through T_L; made, but decides nothing)")
+
     def test_properties_that_no_class_has(self):
         text = self.succeed(self.explain("SELECT i.Nam, i.Id FROM Shop_Item AS i WHERE i.Zzz = 1"))
         self.assertTrue(text.endswith(

@@ -69,7 +69,8 @@ std::string textOf(const Step& step) {
     case Step::kFetch:
       return requestText(step);
     case Step::kAssociate:
-      return requestText(step) + "  (one call for each " + step.source + ", through " + step.association + ")";
+      return requestText(step) + "  (one call for each " + step.source + ", through " + step.association +
+             (step.isDiscarded ? "; made, but decides nothing)" : ")");
     case Step::kCondition:
       return step.text + conditionNote(step);
     case Step::kCombine:

@@ -243,6 +243,21 @@ TEST_F(LiveAssociationTest, StoredAssociationsLeadToLiveObjectsAndFromThem) {
   EXPECT_THAT(values(associators(live), "DeviceID"), ElementsAre("a"));
 }
 
+// A provider may name a disk by the keys of a fuller schema.
+TEST_F(LiveAssociationTest, KeysThatTheClassLacksFallAwayWithAndWithoutANamespace) {
+  const auto fuller = [](const char* nameSpace, const char* id) {
+    return reference(nameOf(nameSpace, "CIM_Disk", {{"SystemName", text("host")}, {"DeviceID", text(id)}}));
+  };
+  serve("CIM_Uses", {{{"User", diskNamed("s")}, {"Used", fuller("", "a")}},
+                     {{"User", diskNamed("s")}, {"Used", fuller(kSpace, "b")}}});
+  const Name source = createDisk("s");
+  createDisk("a");
+  createDisk("b");
+  EXPECT_THAT(values(associators(source), "DeviceID"), ElementsAre("a", "b"));
+  EXPECT_THAT(values(enumerate("CIM_Uses"), "Used"),
+              ElementsAre("root/cimv2:CIM_Disk.DeviceID=\"a\"", "root/cimv2:CIM_Disk.DeviceID=\"b\""));
+}
+
 TEST_F(LiveAssociationTest, OneClientReadsEachProviderOnce) {
   const auto associations = serve("CIM_Uses", {{{"User", diskNamed("s")}, {"Used", diskNamed("live")}},
                                                {{"User", diskNamed("live")}, {"Used", diskNamed("s")}}});

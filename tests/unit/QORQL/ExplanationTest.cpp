@@ -117,6 +117,7 @@ TEST_F(Explanation, joinsByKeysOfDeclaredTypes) {
   EXPECT_EQ(steps(select + "h.Memory < d.Size")[2], "keys h.Memory < d.Size");
   EXPECT_EQ(steps(select + "h.Memory + 1 = d.Size")[2], "hash? h.Memory + 1 = d.Size");
   EXPECT_EQ(steps(select + "h.Name *= d.HostName")[2], "hash h.Name *= d.HostName");
+  EXPECT_EQ(steps(select + "(h.Name) = (d.HostName)")[2], "hash (h.Name) = (d.HostName)");
 }
 
 TEST_F(Explanation, testsEveryPairWhereKeysDoNotJoin) {
@@ -127,6 +128,7 @@ TEST_F(Explanation, testsEveryPairWhereKeysDoNotJoin) {
   EXPECT_EQ(steps(select + "h.Memory = ANY d.Ports")[2], "product h.Memory = ANY d.Ports");
   EXPECT_EQ(steps(select + "h.Name LIKE d.Name")[2], "product h.Name LIKE d.Name");
   EXPECT_EQ(steps(select + "h.Memory = d.Ports[0]")[2], "product h.Memory = d.Ports[0]");
+  EXPECT_EQ(steps(select + "h <> d")[2], "product h <> d") << "whole objects are no keys";
 }
 
 TEST_F(Explanation, combinesWhatNothingJoins) {
@@ -144,6 +146,13 @@ TEST_F(Explanation, theLastOperandOfOrComesFirst) {
 TEST_F(Explanation, associationsAskSourceBySource) {
   EXPECT_THAT(steps("SELECT h.Name, d.Kind FROM Host AS h, Disk AS d WHERE On = h AND On = d AND d.Size > 1"),
               ElementsAre("fetch Host AS H: Name", "associate Host On Disk AS D: Size Kind", "filter d.Size > 1",
+                          "select h.Name, d.Kind"));
+}
+
+TEST_F(Explanation, anAssociationLeftOfOrDecidesNothing) {
+  EXPECT_THAT(steps("SELECT h.Name, d.Kind FROM Host AS h, Disk AS d WHERE On = h AND On = d OR h.Memory = 1"),
+              ElementsAre("fetch Host AS H: Memory Name", "fetch Disk AS D: Kind", "filter h.Memory = 1",
+                          "associate discarded Host On Disk AS D: Kind", "combine Host, Disk",
                           "select h.Name, d.Kind"));
 }
 
