@@ -150,10 +150,10 @@ TEST_F(Explanation, associationsAskSourceBySource) {
 }
 
 TEST_F(Explanation, anAssociationLeftOfOrDecidesNothing) {
-  EXPECT_THAT(steps("SELECT h.Name, d.Kind FROM Host AS h, Disk AS d WHERE On = h AND On = d OR h.Memory = 1"),
-              ElementsAre("fetch Host AS H: Memory Name", "fetch Disk AS D: Kind", "filter h.Memory = 1",
-                          "associate discarded Host On Disk AS D: Kind", "combine Host, Disk",
-                          "select h.Name, d.Kind"));
+  EXPECT_THAT(
+      steps("SELECT h.Name, d.Kind FROM Host AS h, Disk AS d WHERE On = h AND On = d OR h.Memory = 1"),
+      ElementsAre("fetch Host AS H: Memory Name", "fetch Disk AS D: Kind", "filter h.Memory = 1",
+                  "associate discarded Host On Disk AS D: Kind", "combine Host, Disk", "select h.Name, d.Kind"));
 }
 
 TEST_F(Explanation, saysWhereExecutionFails) {
