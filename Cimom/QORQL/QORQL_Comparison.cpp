@@ -16,10 +16,12 @@ namespace {
 
 using ArrayComp = QORQL_Comparison::QORQL_ARRAY_COMP;
 
+bool isAnyOrEvery(QORQL_TokenType type) { return type == TokenANY || type == TokenEVERY; }
+
 // Takes ANY or EVERY when it is current.
 ArrayComp parseArrayComp(QORQL_Lexer& lexer, ArrayComp any, ArrayComp every) {
   const QORQL_TokenType type = lexer.getCurrent().getType();
-  if (type != TokenANY && type != TokenEVERY) return QORQL_Comparison::ArrayCompNone;
+  if (!isAnyOrEvery(type)) return QORQL_Comparison::ArrayCompNone;
   lexer.next(false);
   return type == TokenANY ? any : every;
 }
@@ -164,10 +166,10 @@ QORSmrPtr<QORQL_Evaluatable> QORQL_Comparison::parse(QORQL_SymbolTable& symbolTa
   const QORQL_Operator op = parseOperator(lexer);
   QORSmrPtr<QORQL_Evaluatable> right;
   if (takesRightOperand(op)) {
-    const ArrayComp rightComp = parseArrayComp(lexer, ArrayCompAnyRight, ArrayCompEveryRight);
-    if (rightComp != ArrayCompNone) {
-      if (arrayComp != ArrayCompNone) QORQL_raise(QORQL_Messages::kAnyEveryTwice);
-      arrayComp = rightComp;
+    if (arrayComp == ArrayCompNone) {
+      arrayComp = parseArrayComp(lexer, ArrayCompAnyRight, ArrayCompEveryRight);
+    } else if (isAnyOrEvery(lexer.getCurrent().getType())) {
+      QORQL_raise(QORQL_Messages::kAnyEveryTwice);
     }
     right = QORQL_Arithmetic::parse(symbolTable, lexer, projMap, queryString, queryLanguage);
   }

@@ -31,14 +31,9 @@ QORQL_ConditionScope::~QORQL_ConditionScope() { _lexer._recordsBareNames = true;
 
 namespace {
 
-// The ends of an association are no properties to ask for.
-bool isAssociationEnd(const QORString& property) { return property == "firstref" || property == "secondref"; }
-
 void request(QORQL_ClassInfo& known, const QORQL_ClassInfo& named, QORSlabs& slabs) {
   QORValSlistIterator<QORString> properties(*named.getPropertyList());
-  while (++properties) {
-    if (!isAssociationEnd(properties.key())) known.addPropertyOnce(properties.key(), slabs);
-  }
+  while (++properties) known.addPropertyOnce(properties.key(), slabs);
   if (named.needAllProperties()) known.setNeedAllProperties(true);
 }
 

@@ -109,7 +109,10 @@ QORQL_ClassInfo& neededOf(QORQL_Symbol& symbol, QORSlabs& slabs) {
 }
 
 // Comparing two objects takes all their properties; telling null or a class does not.
-bool comparesValues(QORQL_Operator op) { return op >= QORQL_OperatorEQUAL && op <= QORQL_OperatorGREATEREQUAL; }
+bool comparesValues(QORQL_Operator op) {
+  return (op >= QORQL_OperatorEQUAL && op <= QORQL_OperatorGREATEREQUAL) ||
+         (op >= QORQL_OperatorLEFTJOIN && op <= QORQL_OperatorFULLOUTERJOIN);
+}
 
 }  // namespace
 

@@ -19,6 +19,10 @@ namespace {
 
 using Text = QORSmrPtr<QORString>;
 
+// In a condition the ends of an association are no properties to ask for. Only in this spelling: another one is a
+// property's.
+bool isAssociationEnd(const QORString& property) { return property == "firstref" || property == "secondref"; }
+
 class Reference {
  public:
   Reference(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer, QORQL_ProjectionMap& projMap)
@@ -90,7 +94,7 @@ class Reference {
   }
 
   void request(const QORString& className, const QORString& property) {
-    if (className.isEmpty() && !_lexer.recordsBareNames()) return;
+    if (!_lexer.recordsBareNames() && (className.isEmpty() || isAssociationEnd(property))) return;
     QORQL_ClassInfo* const record = QORQL_recordOf(_projMap, className, _lexer.slabs());
     if (record != nullptr) record->addPropertyOnce(property, _lexer.slabs());
   }

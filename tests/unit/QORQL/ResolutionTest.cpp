@@ -177,6 +177,12 @@ TEST_F(Resolution, LooksInTheGivenNamespace) {
   EXPECT_EQ(statementError("SELECT Place FROM CIM_Other"), "parse 12@0: property 'Place' not found in any class");
 }
 
+TEST_F(Resolution, AnAssociationEndDoesNotHideAPropertyOfItsNameInAnotherCase) {
+  const Statement statement(
+      "SELECT d.Name FROM CIM_Disk AS d WHERE d.firstref IS NULL AND d.FirstRef = 1 ORDER BY d.secondref ASC");
+  EXPECT_EQ(statement.requested("CIM_DISK"), "FirstRef,Name");
+}
+
 // --- faults ------------------------------------------------------------------------------
 
 TEST_F(Resolution, ReportsANameThatSeveralClassesHave) {
