@@ -1,5 +1,6 @@
-# What the commands at the front door share: packages, and building a preset once.
-# Sourced by qorql, test and .ci/run, with `root` and `me` (the name in messages) set.
+# What the commands at the front door share: no failure is silent, packages, and building a preset once.
+# Sourced by every script of the tree, with `root` and `me` (the name in messages) set.
+set -E
 
 say() { printf '%s: %s\n' "$me" "$*" >&2; }
 fail() {
@@ -7,16 +8,25 @@ fail() {
   exit 1
 }
 
-# Packages of packages.txt that are not installed, one a line. The tool needs those
-# above the heading of the tests.
-missing_packages() {
-  local wanted last='$'
+# A command that fails where nobody expects it ends the script, often without a word of its own.
+trap 'say "${BASH_SOURCE[0]##"$root"/} line $LINENO: status $? of: $BASH_COMMAND"' ERR
+
+# The packages that a preset wants, one a line: the tool needs those above the heading of the tests.
+wanted_packages() {
+  local last='$'
   [ "$1" != release ] || last='/^# Tests/'
-  wanted=$(sed -n "1,${last}p" "$root/packages.txt" | sed -e 's/#.*//' -e 's/[[:space:]]//g' -e '/^$/d')
-  # dpkg-query reports unknown packages as an error and the known ones all the same.
+  sed -n "1,${last}p" "$root/packages.txt" | sed -e 's/#.*//' -e 's/[[:space:]]//g' -e '/^$/d' | sort -u
+}
+
+# Those of them that are not installed. dpkg-query prints the packages that it knows, and its status is 1
+# when there are others.
+missing_packages() {
+  local wanted known
+  wanted=$(wanted_packages "$1")
   # shellcheck disable=SC2086
-  dpkg-query -W -f='${db:Status-Status} ${Package}\n' $wanted 2>/dev/null |
-    sed -n 's/^installed //p' | sort -u | comm -13 - <(sort -u <<<"$wanted")
+  known=$(dpkg-query -W -f='${db:Status-Status} ${Package}\n' $wanted 2>/dev/null) || [ $? = 1 ] ||
+    fail "dpkg-query cannot tell what is installed: run it to see why"
+  sed -n 's/^installed //p' <<<"$known" | sort -u | comm -13 - <(printf '%s\n' "$wanted")
 }
 
 # Installs what a preset lacks: install_packages PRESET
@@ -25,18 +35,20 @@ install_packages() {
     say "this is no Debian system, so packages.txt is taken as installed"
     return
   }
-  local missing as_root=()
-  missing=$(missing_packages "$1" | tr '\n' ' ')
-  [ -n "${missing// /}" ] || return 0
+  local missing apt=(env DEBIAN_FRONTEND=noninteractive apt-get -qq -o DPkg::Lock::Timeout=600)
+  missing=$(missing_packages "$1") || exit 1
+  missing=${missing//$'\n'/ }
+  [ -n "$missing" ] || return 0
+  command -v apt-get >/dev/null || fail "these packages are missing, and so is apt-get to install them: $missing"
   if [ "$(id -u)" != 0 ]; then
     command -v sudo >/dev/null || fail "these packages are missing, run as root: apt-get install $missing"
-    as_root=(sudo)
+    apt=(sudo "${apt[@]}")
   fi
   say "installing packages: $missing"
+  "${apt[@]}" update >&2 || say "apt-get could not renew its lists of packages, those that are there must do"
   # shellcheck disable=SC2086
-  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq update >&2 &&
-    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq install -y --no-install-recommends $missing \
-      </dev/null >&2 || fail "apt-get could not install these packages: $missing"
+  "${apt[@]}" install -y --no-install-recommends $missing </dev/null >&2 ||
+    fail "apt-get could not install these packages: $missing"
 }
 
 # True when nothing that the preset is built from has changed since its stamp.
@@ -47,16 +59,28 @@ is_fresh() {
   [ -e "$stamp" ] && [ -z "$(cd "$root" && find "$@" -newer "$stamp" -print -quit 2>/dev/null)" ]
 }
 
-# Configures and builds a preset, or of it what $build_target names, unless nothing
+# Lets one build at a time into a folder: lock_folder FOLDER
+lock_folder() {
+  mkdir -p "$1" 2>/dev/null && [ -w "$1" ] && : 2>/dev/null >>"$1/.lock" ||
+    fail "the folder $1 cannot be written: take a copy of the tree that is yours"
+  exec 9>>"$1/.lock"
+  command -v flock >/dev/null || {
+    say "there is no flock, so nothing keeps a second build out of $1"
+    return
+  }
+  flock 9 || fail "the folder $1 cannot be locked"
+}
+
+# Configures and builds a preset, or of it the targets in $build_targets, unless nothing
 # changed: build_preset PRESET SOURCE...
 build_preset() {
-  local preset=$1 folder="$root/build/$1" log="$root/build/$1.log" launcher=()
-  local built="$folder/.built${build_target:+.$build_target}"
+  local preset=$1 folder="$root/build/$1" log="$root/build/$1.log" launcher=() targets=()
+  # shellcheck disable=SC2206
+  [ -z "${build_targets:-}" ] || targets=(--target $build_targets)
+  local built="$folder/.built${build_targets:+.${build_targets// /.}}"
   shift
   is_fresh "$built" "$@" && return 0
-  mkdir -p "$folder" || fail "the folder $folder cannot be made"
-  exec 9>"$folder/.lock"
-  flock 9 || fail "the folder $folder cannot be locked"
+  lock_folder "$folder"
   is_fresh "$built" "$@" && return 0
   install_packages "$preset"
   if command -v ccache >/dev/null; then
@@ -65,7 +89,7 @@ build_preset() {
   fi
   say "building the $preset preset, a few minutes at first (log in build/$preset.log)"
   touch "$folder/.started"
-  if ! (cd "$root" && cmake --preset "$preset" "${launcher[@]}" && cmake --build "build/$preset" -j "$(nproc)" ${build_target:+--target "$build_target"}) \
+  if ! (cd "$root" && cmake --preset "$preset" "${launcher[@]}" && cmake --build "build/$preset" -j "$(nproc)" "${targets[@]}") \
     >"$log" 2>&1 9>&-; then
     tail -n 40 "$log" >&2
     fail "the $preset build failed, see the lines above and build/$preset.log"

@@ -242,9 +242,11 @@ class Output(ToolCase):
         self.assertTrue(is_running, shown)
         return shown
 
+    @toolcase.at_terminal
     def test_progress_line_on_a_terminal(self):
         self.assertRegex(self.on_terminal(60), rb"\rqorql: \d+ s, joining and filtering \.\.\.\x1b\[K\Z")
 
+    @toolcase.at_terminal
     def test_no_progress_line_when_quiet(self):
         self.assertEqual(self.on_terminal(4, "--quiet"), b"")
 

@@ -146,6 +146,7 @@ class Warnings(ToolCase):
                                'qorql: warning: Operators of one level group to the right: this is "Id * (100 / Size)" '
                                "[ARITH-2]\n")
 
+    @toolcase.at_terminal
     def test_a_person_at_a_terminal_is_warned(self):
         ours, theirs = pty.openpty()
         self.addCleanup(os.close, ours)

@@ -12,7 +12,7 @@ import time
 import unittest
 
 import toolcase
-from toolcase import MODEL, ToolCase
+from toolcase import MODEL, ToolCase, at_terminal
 
 PROMPT = "qorql> "
 MORE = "  ...> "
@@ -131,6 +131,7 @@ class Person:
         return self.status
 
 
+@at_terminal
 class Shell(ToolCase):
     def person(self, *arguments, **options):
         one = Person(self, *arguments, **options)

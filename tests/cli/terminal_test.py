@@ -9,7 +9,7 @@ import unicodedata
 import unittest
 
 import toolcase
-from toolcase import MODEL, ToolCase
+from toolcase import MODEL, ToolCase, at_terminal
 
 
 def columns_of(line):
@@ -18,6 +18,7 @@ def columns_of(line):
     return len(line) - sum(1 for c in line if unicodedata.combining(c)) + wide
 
 
+@at_terminal
 class Terminal(ToolCase):
     def show(self, *arguments, width=80, env=None, standard_error=True):
         """Runs over the model at a terminal of that width; gives the status and what it shows."""

@@ -1,4 +1,5 @@
-"""The ./qorql command in a small tree of its own, with stand-ins for cmake and the package tools.
+"""The ./qorql command in a small tree of its own, with stand-ins for cmake and the package tools; and that no
+script of the tree fails without a word.
 
 Run as front_door_test.py ROOT.
 """
@@ -10,6 +11,8 @@ import tempfile
 import time
 import unittest
 
+import tree
+
 ROOT = sys.argv.pop()
 
 # Notes its call; configuring or building leaves a tool that prints its arguments.
@@ -20,16 +23,36 @@ mkdir -p build/release/tools/qorql
 printf '#!/bin/bash\\necho "tool:$*"; exit 3\\n' >build/release/tools/qorql/qorql
 chmod +x build/release/tools/qorql/qorql
 """
-# Knows one package as installed.
-DPKG_QUERY = "#!/bin/bash\necho 'installed there'\n"
-APT_GET = '#!/bin/bash\necho "apt-get $*" >>calls\n[ ! -e no-network ]\n'
-SUDO = '#!/bin/bash\nexec "$@"\n'
+# As the real one: one package is installed, one was; of others it says that it does not know them, and its
+# status is then 1. A broken database is status 2.
+DPKG_QUERY = """#!/bin/bash
+shift 2
+[ ! -e broken-dpkg ] || { echo "dpkg-query: error: the database is broken" >&2; exit 2; }
+status=0
+for package; do
+  case $package in
+    there) echo "installed there" ;;
+    removed) echo "config-files removed" ;;
+    *) echo "dpkg-query: no packages found matching $package" >&2; status=1 ;;
+  esac
+done
+exit $status
+"""
+APT_GET = """#!/bin/bash
+echo "apt-get $*" >>calls
+case "$*" in *" update") [ ! -e no-lists ] ;; *) [ ! -e no-network ] ;; esac
+"""
+SUDO = '#!/bin/bash\necho sudo >>calls\nexec "$@"\n'
+# What a script may count on: the essential packages of Debian.
+ESSENTIAL = ("bash cat chmod comm dirname env find flock id mkdir mv nproc printf readlink rm sed sort tail timeout touch "
+             "tr").split()
+APT = "apt-get -qq -o DPkg::Lock::Timeout=600 "
 
 
 class FrontDoor(unittest.TestCase):
     def setUp(self):
         self.folder = tempfile.TemporaryDirectory()
-        self.tree = os.path.join(self.folder.name, "tree")
+        self.tree = os.path.join(self.folder.name, "a tree")
         os.makedirs(os.path.join(self.tree, "scripts"))
         shutil.copy(os.path.join(ROOT, "qorql"), self.tree)
         shutil.copy(os.path.join(ROOT, "scripts", "front-door.sh"), os.path.join(self.tree, "scripts"))
@@ -49,13 +72,24 @@ class FrontDoor(unittest.TestCase):
             out.write(text)
         return full
 
-    def run_it(self, *arguments):
+    def without(self, *commands):
+        """The path to search on a system that lacks these commands."""
+        folder = os.path.join(self.folder.name, "essential")
+        os.makedirs(folder)
+        for name in ESSENTIAL:
+            if name not in commands:
+                os.symlink(shutil.which(name), os.path.join(folder, name))
+        for name in commands:
+            if name not in ESSENTIAL:
+                os.remove(os.path.join(self.folder.name, "bin", name))
+        return folder
+
+    def run_it(self, *arguments, path=os.environ["PATH"]):
         """Runs ./qorql from elsewhere, with the stand-ins; returns the result and the calls since the last run."""
-        path = os.path.join(self.folder.name, "bin") + ":" + os.environ["PATH"]
         ran = subprocess.run(
             [os.path.join(self.tree, "qorql"), *arguments],
             cwd=self.folder.name,
-            env={**os.environ, "PATH": path},
+            env={**os.environ, "PATH": os.path.join(self.folder.name, "bin") + ":" + path},
             capture_output=True,
             text=True,
             timeout=60,
@@ -116,13 +150,17 @@ class FrontDoor(unittest.TestCase):
         os.remove(os.path.join(self.tree, "broken"))
         self.assertEqual(self.run_it()[0].returncode, 3)
 
+    def refused(self, ran, message):
+        self.assertEqual((ran.stdout, ran.returncode), ("", 1))
+        self.assertEqual(ran.stderr.splitlines()[-1], "qorql: " + message)
+
     def test_only_missing_packages_are_installed(self):
-        self.write("packages.txt", "there # always\nmissing # not yet\n")
+        self.write("packages.txt", "there # always\nremoved # once\nmissing # not yet\n")
         ran, calls = self.run_it()
-        self.assertEqual(ran.returncode, 3)
-        self.assertIn("qorql: installing packages: missing", ran.stderr)
-        self.assertEqual(calls[-2:] if calls[0].startswith("cmake") else calls[:2],
-                         ["apt-get -qq update", "apt-get -qq install -y --no-install-recommends missing"])
+        self.assertEqual(ran.returncode, 3, ran.stderr)
+        self.assertIn("qorql: installing packages: missing removed\n", ran.stderr)
+        self.assertEqual([call for call in calls if call.startswith("apt-get")],
+                         [APT + "update", APT + "install -y --no-install-recommends missing removed"])
 
     def test_the_tool_installs_nothing_of_the_tests(self):
         self.write("packages.txt", "there # always\n\n# Tests, checks and benchmarks.\nmissing # not yet\n")
@@ -132,9 +170,88 @@ class FrontDoor(unittest.TestCase):
     def test_packages_that_cannot_be_installed_are_named(self):
         self.write("packages.txt", "missing # not yet\n")
         self.write("../no-network", "")
+        self.refused(self.run_it()[0], "apt-get could not install these packages: missing")
+
+    def test_lists_that_cannot_be_renewed_are_no_reason_to_give_up(self):
+        self.write("packages.txt", "missing # not yet\n")
+        self.write("../no-lists", "")
         ran, _ = self.run_it()
-        self.assertEqual((ran.stdout, ran.returncode), ("", 1))
-        self.assertEqual(ran.stderr.splitlines()[-1], "qorql: apt-get could not install these packages: missing ")
+        self.assertEqual(ran.returncode, 3)
+        self.assertIn("qorql: apt-get could not renew its lists", ran.stderr)
+
+    def test_an_unreadable_database_of_packages_is_told(self):
+        self.write("packages.txt", "missing # not yet\n")
+        self.write("../broken-dpkg", "")
+        self.refused(self.run_it()[0], "dpkg-query cannot tell what is installed: run it to see why")
+
+    def test_an_ordinary_user_installs_with_sudo(self):
+        self.write("packages.txt", "missing # not yet\n")
+        os.chmod(self.write("../bin/id", "#!/bin/bash\necho 1000\n"), 0o755)
+        ran, calls = self.run_it()
+        self.assertEqual(ran.returncode, 3)
+        self.assertEqual(calls.count("sudo"), 2)
+
+    def test_without_sudo_it_says_what_root_is_to_do(self):
+        self.write("packages.txt", "missing # not yet\n")
+        os.chmod(self.write("../bin/id", "#!/bin/bash\necho 1000\n"), 0o755)
+        self.refused(self.run_it(path=self.without("sudo"))[0],
+                     "these packages are missing, run as root: apt-get install missing")
+
+    def test_without_apt_it_names_what_is_missing(self):
+        self.write("packages.txt", "missing # not yet\n")
+        self.refused(self.run_it(path=self.without("apt-get"))[0],
+                     "these packages are missing, and so is apt-get to install them: missing")
+
+    def test_another_system_than_debian_builds_with_what_it_has(self):
+        self.write("packages.txt", "missing # not yet\n")
+        ran, calls = self.run_it(path=self.without("dpkg-query", "apt-get"))
+        self.assertEqual((ran.returncode, len(calls)), (3, 2))
+        self.assertIn("qorql: this is no Debian system", ran.stderr)
+
+    def test_without_flock_it_builds_all_the_same_and_says_so(self):
+        ran, _ = self.run_it(path=self.without("flock"))
+        self.assertEqual(ran.returncode, 3)
+        self.assertIn("qorql: there is no flock", ran.stderr)
+
+    def test_a_folder_that_cannot_be_written_is_told(self):
+        self.write("build", "a file is in its place")
+        self.refused(self.run_it()[0],
+                     f"the folder {self.tree}/build/release cannot be written: take a copy of the tree that is yours")
+
+    def test_what_fails_unexpectedly_is_named_with_its_line(self):
+        os.chmod(self.write("../bin/touch", "#!/bin/bash\nexit 7\n"), 0o755)
+        ran, _ = self.run_it()
+        self.assertEqual(ran.returncode, 7)
+        self.assertRegex(ran.stderr, r'\nqorql: scripts/front-door\.sh line \d+: status 7 of: touch "\$folder/\.started"\n')
+
+
+class EveryScript(unittest.TestCase):
+    """Each bash script of the tree with a failing command put in after its opening."""
+
+    def scripts(self):
+        for path in tree.files(ROOT):
+            with open(os.path.join(ROOT, path), encoding="utf-8", errors="replace") as source:
+                if source.readline().rstrip() in ("#!/bin/bash", "#!/bin/sh", "#!/usr/bin/env bash"):
+                    yield path, "#!/bin/bash\n" + source.read()
+
+    def test_names_the_line_and_the_command_that_fails(self):
+        found = list(self.scripts())
+        self.assertGreaterEqual({path for path, _ in found},
+                                {"qorql", "test", ".ci/run", "bench/run", "scripts/bare", "scripts/coverage", "scripts/fuzz"})
+        for path, text in found:
+            with self.subTest(path=path), tempfile.TemporaryDirectory() as folder:
+                opening, sourced, rest = text.partition('/scripts/front-door.sh"\n')
+                self.assertTrue(sourced, "it does not source scripts/front-door.sh")
+                os.makedirs(os.path.join(folder, "scripts"))
+                shutil.copy(os.path.join(ROOT, "scripts", "front-door.sh"), os.path.join(folder, "scripts"))
+                script = os.path.join(folder, path)
+                os.makedirs(os.path.dirname(script), exist_ok=True)
+                with open(script, "w", encoding="utf-8") as out:
+                    out.write(opening + sourced + "bash -c 'exit 9'\n" + rest)
+                ran = subprocess.run(["bash", script], capture_output=True, text=True, timeout=60)
+                line = opening.count("\n") + 2
+                self.assertEqual(ran.returncode, 9)
+                self.assertIn(f"{path} line {line}: status 9 of: bash -c 'exit 9'\n", ran.stderr)
 
 
 if __name__ == "__main__":

@@ -196,8 +196,8 @@ TEST(LinuxProcess, GivesNullWherePermissionLacks) {
   if (child == 0) {
     if (setgid(65534) != 0 || setuid(65534) != 0) _exit(10);
     LinuxProcess provider;
-    const ProvidedRow row =
-        findRow(enumerateRows(provider, {"Handle", "Executable", "BytesRead", "ThreadCount"}), std::to_string(parent));
+    const ProvidedRow row = findRowIfAny(enumerateRows(provider, {"Handle", "Executable", "BytesRead", "ThreadCount"}),
+                                         std::to_string(parent));
     if (row.size() != 4) _exit(11);
     if (!row[1].IsNull() || !row[2].IsNull()) _exit(12);
     _exit(row[3].IsNull() ? 13 : 0);
@@ -272,7 +272,7 @@ TEST(LinuxProcess, SurvivesProcessesThatEndMeanwhileAndSeveralThreads) {
     while (!isOver) {
       const auto rows =
           enumerateRows(provider, {"Handle", "Name", "CommandLine", "Executable", "BytesRead", "OwnerUser"});
-      if (findRow(rows, self).size() != 6) ++missing;
+      if (findRowIfAny(rows, self).size() != 6) ++missing;
     }
   };
   std::thread first(look);

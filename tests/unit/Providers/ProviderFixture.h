@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -48,11 +49,18 @@ inline std::string typeOf(const QORSmrPtr<IQoriValue>& value) {
 }
 
 // The row whose first value has the given text; an empty row when there is none.
-inline ProvidedRow findRow(const std::vector<ProvidedRow>& rows, const std::string& key) {
+inline ProvidedRow findRowIfAny(const std::vector<ProvidedRow>& rows, const std::string& key) {
   for (const ProvidedRow& row : rows) {
     if (textOf(row.at(0)) == key) return row;
   }
   return {};
+}
+
+// The same where there must be one. THROWS std::runtime_error, a failed test, when there is none.
+inline ProvidedRow findRow(const std::vector<ProvidedRow>& rows, const std::string& key) {
+  ProvidedRow row = findRowIfAny(rows, key);
+  if (row.empty()) throw std::runtime_error("there is no row " + key);
+  return row;
 }
 
 #endif
