@@ -7,7 +7,9 @@ struct RandomStatement::Source {
   const char* className;
   const char* alias;
   std::vector<const char*> properties;
-  const char* array;  // null: none
+  const char* array;   // null: none
+  const char* number;  // a property to join by, and one that is a text; null: none
+  const char* text;
 };
 
 namespace {
@@ -76,6 +78,16 @@ std::string RandomStatement::comparison() {
   return operand(1) + pick(kComparisons, below(kComparisons.size())) + operand(1);
 }
 
+// Two classes by properties of one type; over one class it is a comparison like any other.
+std::string RandomStatement::join() {
+  const Source& left = *_from.front();
+  const Source& right = *_from.back();
+  const bool isText = chance(50) && left.text != nullptr && right.text != nullptr;
+  const std::string operation = pick(kComparisons, chance(60) ? 0 : below(kComparisons.size() - 1));
+  return std::string(left.alias) + "." + (isText ? left.text : left.number) + operation + right.alias + "." +
+         (isText ? right.text : right.number);
+}
+
 std::string RandomStatement::association() {
   return std::string("T_PoolMember") + (chance(30) ? " *= " : " = ") + anySource().alias +
          " AND T_PoolMember = " + anySource().alias;
@@ -85,9 +97,11 @@ std::string RandomStatement::condition() {
   std::string text;
   do {
     if (!text.empty()) text += chance(80) ? " AND " : " OR ";
-    const unsigned kind = below(10);
+    const unsigned kind = below(12);
     if (kind == 0) {
       text += association();
+    } else if (kind > 9) {
+      text += join();
     } else {
       text += (chance(10) ? "NOT " : "") + (kind < 3 ? arrayComparison() : comparison());
     }
@@ -143,18 +157,18 @@ std::string RandomStatement::orderClause() {
 
 std::string RandomStatement::next() {
   static const std::vector<Source> kSources = {
-      {"T_Disk", "d", {"Name", "Slot", "Size", "Kind", "Vendor", "Spare", "Level"}, nullptr},
-      {"T_Bay", "b", {"No", "Slot", "Room"}, nullptr},
-      {"T_Pool", "p", {"Id", "Quota"}, nullptr},
-      {"T_PoolMember", "m", {"Pool", "Member", "Rank"}, nullptr},
-      {"T_Empty", "e", {"Tag", "Slot"}, nullptr},
-      {"T_Box", "x", {"Name", "Top", "Codes"}, "Codes"},
-      {"T_SolidDisk", "s", {"Name", "Slot", "Wear"}, nullptr},
-      {"T_Disk", "again", {"Name", "Slot", "Kind"}, nullptr},  // with d, one class twice
-      {"T_Bay", "T_Bay", {"No", "Room"}, nullptr},
-      {"T_Pool", "values", {"Id", "Quota"}, nullptr},  // like the column of function results
-      {"T_Filtered", "f", {"Name", "Size", "Note"}, nullptr},
-      {"T_Open", "d", {"Name", "Size"}, nullptr}};  // with T_Disk, one alias twice
+      {"T_Disk", "d", {"Name", "Slot", "Size", "Kind", "Vendor", "Spare", "Level"}, nullptr, "Slot", "Name"},
+      {"T_Bay", "b", {"No", "Slot", "Room"}, nullptr, "Slot", "Room"},
+      {"T_Pool", "p", {"Id", "Quota"}, nullptr, "Quota", "Id"},
+      {"T_PoolMember", "m", {"Pool", "Member", "Rank"}, nullptr, "Rank", nullptr},
+      {"T_Empty", "e", {"Tag", "Slot"}, nullptr, "Slot", "Tag"},
+      {"T_Box", "x", {"Name", "Top", "Codes"}, "Codes", "Top", "Name"},
+      {"T_SolidDisk", "s", {"Name", "Slot", "Wear"}, nullptr, "Slot", "Name"},
+      {"T_Disk", "again", {"Name", "Slot", "Kind"}, nullptr, "Slot", "Name"},  // with d, one class twice
+      {"T_Bay", "T_Bay", {"No", "Room"}, nullptr, "No", "Room"},
+      {"T_Pool", "values", {"Id", "Quota"}, nullptr, "Quota", "Id"},  // like the column of function results
+      {"T_Filtered", "f", {"Name", "Size", "Note"}, nullptr, "Size", "Name"},
+      {"T_Open", "d", {"Name", "Size"}, nullptr, "Size", "Name"}};  // with T_Disk, one alias twice
   _from.clear();
   unsigned chosen = 0;
   const unsigned count = 1 + below(3);

@@ -27,6 +27,7 @@ class RandomStatement {
   std::string operand(int depth);
   std::string comparison();
   std::string arrayComparison();
+  std::string join();
   std::string association();
   std::string condition();
   std::string entry(unsigned number);
