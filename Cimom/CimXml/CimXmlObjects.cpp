@@ -1,0 +1,142 @@
+// A layout is found by comparing what came with what came before: of one class
+// that is nearly always the same.
+#include "Cimom/CimXml/CimXmlObjects.h"
+
+#include <string_view>
+#include <unordered_set>
+
+#include "Cimom/CimXml/CimXmlValues.h"
+#include "Cimom/Model/ModelInstance.h"
+#include "cimom/CQoriValue.h"
+
+namespace {
+
+using Code = CQoriType::Code;
+
+QORSmrPtr<IQoriType> columnType(const CimXmlProperty& property) {
+  const QORSmrPtr<IQoriType>& scalar =
+      property.type == Code::Unknown ? CQoriType::string : cimxml::scalarType(property.type);
+  return property.isArray ? CQoriType::arrayOf(scalar) : scalar;
+}
+
+std::string fold(const QORString& name) { return std::string(QORString::toUpperCase(name).view()); }
+
+// The positions of an instance's keys: its properties that the path names.
+std::vector<QORuint32> keyPositions(const CimXmlInstance& instance, const ModelLayout& layout) {
+  std::vector<QORuint32> positions;
+  if (instance.name.IsNull()) return positions;
+  QORValSlistIterator<QORSmrPtr<IQoriProperty>> it(*instance.name->getKeys());
+  while (++it) {
+    const QORsint32 position = layout.getPosition(it.key()->getName());
+    if (position >= 0) positions.push_back(static_cast<QORuint32>(position));
+  }
+  return positions;
+}
+
+[[noreturn]] void raiseWrongValue(const CimXmlInstance& instance, const CimXmlProperty& property,
+                                  const IQoriType& type) {
+  throw QoriBaseException("CIM_Value", "CimXml", "CimXmlObjects::make",
+                          "found \"" + property.value->toString() + "\" for property " + property.name + " of class " +
+                              instance.className + ", expected a " + type.getName(),
+                          0);
+}
+
+// An element of a text of unknown type, read as the declared type.
+IQoriValue::Pointer typed(const CimXmlInstance& instance, const CimXmlProperty& property,
+                          const IQoriValue::Pointer& text, const IQoriType& type) {
+  IQoriValue::Pointer value;
+  const Code code = CQoriType::codeOf(type);
+  if (text.IsNull()) return value;
+  if (code >= Code::Reference || !cimxml::readValue(text->toString().view(), code, value)) {
+    raiseWrongValue(instance, property, type);
+  }
+  return value;
+}
+
+IQoriValue::Pointer typedValue(const CimXmlInstance& instance, const CimXmlProperty& property,
+                               const QORSmrPtr<IQoriType>& type) {
+  if (property.type != Code::Unknown || property.value.IsNull()) return property.value;
+  if (!property.isArray) return typed(instance, property, property.value, *type);
+  QORSmrPtr<IQoriValue::List> elements(new IQoriValue::List);
+  QORValSlistIterator<IQoriValue::Pointer> it(*property.value->getArray());
+  while (++it) elements->append(typed(instance, property, it.key(), *type));
+  return IQoriValue::Pointer(new CQoriValue(elements, type));
+}
+
+}  // namespace
+
+CimXmlObjects::CimXmlObjects(const QORString& nameSpace) : _nameSpace(nameSpace) {}
+
+bool CimXmlObjects::fits(const Known& known, const CimXmlInstance& instance) noexcept {
+  const std::span<const CimXmlProperty> properties = instance.properties();
+  if (known.count != properties.size()) return false;
+  const ModelLayout& layout = *known.shape->layout;
+  const std::size_t columns = layout.getPropertyCount();
+  for (std::size_t i = 0; i < columns; ++i) {
+    const CimXmlProperty& property = properties[known.kept.empty() ? i : known.kept[i]];
+    const QORuint32 position = static_cast<QORuint32>(i);
+    const IQoriType& type = *layout.getType(position);
+    const Code code = property.type == Code::Unknown ? Code::String : property.type;
+    if (!(layout.getName(position) == property.name) || CQoriType::codeOf(type) != code ||
+        type.isArray() != property.isArray) {
+      return false;
+    }
+  }
+  return true;
+}
+
+CimXmlObjects::Known CimXmlObjects::makeShape(const CimXmlInstance& instance) const {
+  const std::span<const CimXmlProperty> properties = instance.properties();
+  Known known;
+  known.count = properties.size();
+  std::vector<ModelLayout::Column> columns;
+  std::unordered_set<std::string> names;
+  for (std::size_t i = 0; i < properties.size(); ++i) {
+    if (!names.insert(fold(properties[i].name)).second) continue;
+    columns.push_back({properties[i].name, columnType(properties[i])});
+    known.kept.push_back(i);
+  }
+  if (known.kept.size() == properties.size()) known.kept.clear();
+  const QORSmrPtr<ModelLayout> layout(new ModelLayout(columns));
+  const QORString nameSpace = instance.name.IsNull() ? _nameSpace : instance.name->getNameSpacePath()->getNameSpace();
+  known.shape =
+      QORSmrPtr<ModelShape>(new ModelShape(nameSpace, instance.className, layout, keyPositions(instance, *layout)));
+  return known;
+}
+
+const CimXmlObjects::Known& CimXmlObjects::shapeOf(const CimXmlInstance& instance) {
+  std::vector<Known>& known = _known[std::string(instance.className.view())];
+  for (const Known& candidate : known) {
+    if (fits(candidate, instance)) return candidate;
+  }
+  if (known.size() == kLayouts) known.erase(known.begin());
+  return known.emplace_back(makeShape(instance));
+}
+
+QORSmrPtr<IQoriObject> CimXmlObjects::make(const CimXmlInstance& instance) {
+  const Known& known = shapeOf(instance);
+  const std::span<const CimXmlProperty> properties = instance.properties();
+  std::vector<IQoriValue::Pointer> values;
+  const std::size_t columns = known.shape->layout->getPropertyCount();
+  values.reserve(columns);
+  for (std::size_t i = 0; i < columns; ++i) {
+    values.push_back(properties[known.kept.empty() ? i : known.kept[i]].value);
+  }
+  return ModelInstance::create(known.shape, values, instance.name);
+}
+
+QORSmrPtr<IQoriObject> CimXmlObjects::make(const CimXmlInstance& instance, const QORSmrPtr<ModelShape>& shape,
+                                           QORuint64 identity) {
+  const ModelLayout& layout = *shape->layout;
+  std::vector<IQoriValue::Pointer> values(layout.getPropertyCount());
+  std::vector<bool> given(values.size(), false);
+  for (const CimXmlProperty& property : instance.properties()) {
+    const QORsint32 position = layout.getPosition(property.name);
+    if (position < 0) continue;
+    const std::size_t at = static_cast<std::size_t>(position);
+    if (given[at]) continue;
+    given[at] = true;
+    values[at] = typedValue(instance, property, layout.getType(static_cast<QORuint32>(position)));
+  }
+  return ModelInstance::create(shape, values, instance.name, identity);
+}

@@ -1,0 +1,51 @@
+// Namespaces, class names and instance paths of a CIM-XML document.
+#ifndef QORQL_CIMXML_CIMXMLPATHREADER_H
+#define QORQL_CIMXML_CIMXMLPATHREADER_H
+
+#include <string>
+#include <string_view>
+
+#include "Cimom/CimXml/XmlPull.h"
+#include "cimom/IQoriInstanceName.h"
+#include "cimom/IQoriValue.h"
+#include "cmpbase.h"
+
+// Each operation reads the element that lies ahead and closes it; another one
+// than it can read is a fault. THROWS CimXmlException. One thread at a time.
+class CimXmlPathReader {
+ public:
+  // BORROWS the document. `nameSpace`: of names that have none of their own.
+  CimXmlPathReader(cimxml::XmlPull& xml, const QORString& nameSpace);
+
+  // Whether it is an element that readPath() reads.
+  static bool isPath(cimxml::Element element) noexcept;
+
+  // INSTANCEPATH, LOCALINSTANCEPATH, INSTANCENAME, CLASSPATH, LOCALCLASSPATH,
+  // CLASSNAME, or OBJECTPATH around one of them. A class's path has no keys.
+  QORSmrPtr<IQoriInstanceName> readPath();
+  // VALUE.REFERENCE. In keys references nest to a bound, because the text of a path
+  // doubles with each level.
+  QORSmrPtr<IQoriInstanceName> readReference();
+  // LOCALNAMESPACEPATH: "root/cimv2".
+  QORString readLocalNameSpace();
+  // CLASSNAME.
+  QORString readClassName();
+
+ private:
+  QORSmrPtr<IQoriNameSpacePath> readNameSpacePath();
+  QORSmrPtr<IQoriInstanceName> readInstanceName(const QORSmrPtr<IQoriNameSpacePath>& path);
+  QORSmrPtr<IQoriInstanceName> readClassPath(const QORSmrPtr<IQoriNameSpacePath>& path);
+  QORSmrPtr<IQoriProperty> readKey(const QORString& name);
+  IQoriValue::Pointer readKeyValue();
+  // Shared with the path before, as long as nothing changes.
+  QORSmrPtr<IQoriNameSpacePath> pathOf(const QORString& host, const QORString& nameSpace);
+  void expect(cimxml::Element element);
+
+  cimxml::XmlPull& _xml;
+  const QORSmrPtr<IQoriNameSpacePath> _ownPath;
+  QORSmrPtr<IQoriNameSpacePath> _lastPath;
+  std::string _joined;  // of the namespace that is being read
+  int _nesting = 0;     // of references in keys
+};
+
+#endif

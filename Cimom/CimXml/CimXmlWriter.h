@@ -1,0 +1,75 @@
+// The object model as elements of CIM-XML.
+#ifndef QORQL_CIMXML_CIMXMLWRITER_H
+#define QORQL_CIMXML_CIMXMLWRITER_H
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Cimom/Embedded/CimDeclarations.h"
+#include "cimom/IQoriInstanceName.h"
+#include "cimom/IQoriObject.h"
+#include "cmpbase.h"
+
+// Appends elements to a text, without blanks between them. What it writes is
+// valid against the document type definition of CIM-XML 2.4. Characters that
+// XML forbids are replaced. Objects that nest too deeply THROW QoriBaseException
+// (type "CIM_Value"). One thread at a time.
+class CimXmlWriter {
+ public:
+  // BORROWS the text.
+  explicit CimXmlWriter(std::string& out) : _out(out) {}
+
+  // LOCALNAMESPACEPATH of "root/cimv2".
+  void writeLocalNameSpace(const QORString& nameSpace);
+  // CLASSNAME.
+  void writeClassName(const QORString& className);
+  // INSTANCENAME.
+  void writeInstanceName(const IQoriInstanceName& name);
+  // INSTANCEPATH. A name that has no host of its own takes the given one.
+  void writeInstancePath(const IQoriInstanceName& name, const QORString& host);
+  // VALUE.REFERENCE, with as much of the path as the name has: host and
+  // namespace, namespace, or neither; a name without keys is a class's.
+  void writeReference(const IQoriInstanceName& name);
+
+  // VALUE of a text.
+  void writeText(std::string_view text);
+  // VALUE and VALUE.ARRAY; nothing for a null value.
+  void writeValue(const IQoriValue::Pointer& value);
+
+  // INSTANCE, with all properties in the object's order.
+  void writeInstance(const IQoriObject& object);
+  // VALUE.NAMEDINSTANCE, VALUE.INSTANCEWITHPATH, VALUE.OBJECTWITHPATH. REQUIRE an object with a name.
+  void writeNamedInstance(const IQoriObject& object);
+  void writeInstanceWithPath(const IQoriObject& object, const QORString& host);
+  void writeObjectWithPath(const IQoriObject& object, const QORString& host);
+  // VALUE.OBJECT.
+  void writeObject(const IQoriObject& object);
+
+  // CLASS, with or without its qualifiers.
+  void writeClass(const CimClassDeclaration& declaration, bool withQualifiers = true);
+  void writeQualifierDeclaration(const CimQualifierDeclaration& declaration);
+
+  // ` NAME="value"`, escaped.
+  void writeAttribute(const char* name, std::string_view value);
+
+ private:
+  void writeNameSpacePath(const QORString& host, const QORString& nameSpace);
+  void writeKey(const IQoriProperty& key);
+  void writeScalar(const IQoriValue& value);
+  void writeElements(const IQoriValue& array);
+  void writeProperty(const IQoriProperty& property);
+  void writeEmbedded(const IQoriObject& object);
+  void writeClassObject(const IQoriObject& object);
+  void writeObjectElement(const IQoriObject& object);
+  void writeQualifiers(const std::vector<CimQualifier>& qualifiers, bool withQualifiers);
+  void writeFlavors(bool overridable, bool toSubclass, bool translatable);
+  void writePropertyDeclaration(const CimPropertyDeclaration& property, bool withQualifiers);
+  void writeMethod(const CimMethodDeclaration& method, bool withQualifiers);
+  void writeParameter(const CimPropertyDeclaration& parameter, bool withQualifiers);
+  void writeFeatureAttributes(const CimPropertyDeclaration& feature);
+
+  std::string& _out;
+};
+
+#endif
