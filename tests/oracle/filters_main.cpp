@@ -1,0 +1,290 @@
+// Asks the engine and the model of matching about filters by chance:
+// random_filters COUNT SEED. The prepared form, the walk of the tree and the
+// model must agree for each instance, whole and cut down to the listed properties.
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+
+#include "Cimom/Embedded/EmbeddedObjectManager.h"
+#include "Cimom/QORQL/CQLQueryStatement.h"
+#include "RandomFilter.h"
+#include "cimom/CQoriBaseObject.h"
+#include "cimom/CQoriInstanceName.h"
+#include "cimom/CQoriProperty.h"
+#include "cimom/CQoriValue.h"
+
+using namespace filter_model;
+
+namespace {
+
+using Object = QORSmrPtr<IQoriObject>;
+
+constexpr char kNameSpace[] = "root/a";
+constexpr char kOther[] = "root/b";
+constexpr unsigned long kFiltersOfOneSchema = 100;
+constexpr unsigned kInstances = 24;
+constexpr unsigned kAsked = 6;
+constexpr int kDepth = 2;
+
+// Counts what was asked, so that one sees what the filters reach.
+struct Tally {
+  unsigned long filters = 0;
+  unsigned long asked = 0;
+  unsigned long ofFrom = 0;
+  unsigned long matches = 0;
+  unsigned long never = 0;
+  unsigned long failed = 0;
+};
+
+QORSmrPtr<IQoriValue> makeValue(const Value& value);
+
+CimInstanceDeclaration declarationOf(const Thing& thing) {
+  CimInstanceDeclaration declaration;
+  declaration.className = QORString(thing.className);
+  for (const auto& [name, value] : thing.properties)
+    declaration.properties.push_back({QORString(name), makeValue(value)});
+  return declaration;
+}
+
+Object laidOutObject(const Thing& thing) {
+  return EmbeddedObjectManager::current()->sink().makeObject(kNameSpace, declarationOf(thing));
+}
+
+// Read by name, since it has no layout.
+Object loneObject(const Thing& thing) {
+  const QORSmrPtr<CQoriBaseObject::PropertyList> properties(new CQoriBaseObject::PropertyList());
+  for (const CimInstanceProperty& property : declarationOf(thing).properties) {
+    const QORSmrPtr<IQoriType> type(property.value.IsNull() ? CQoriType::string : property.value->getType());
+    properties->append(new CQoriProperty(property.name, type, property.value));
+  }
+  return new CQoriBaseObject(kNameSpace, QORString(thing.className), "", properties);
+}
+
+// To the instance that the path names by its key Id.
+QORSmrPtr<IQoriValue> makeReference(const Value& value) {
+  const std::size_t colon = value.text.find(':');
+  const std::size_t dot = value.text.find('.');
+  const std::size_t quote = value.text.find('"');
+  const QORSmrPtr<IQoriInstanceName::KeyList> keys(new IQoriInstanceName::KeyList());
+  const QORString key(value.text.substr(quote + 1, value.text.size() - quote - 2));
+  keys->append(new CQoriProperty("Id", QORSmrPtr<IQoriValue>(new CQoriValue(key)), false));
+  const QORSmrPtr<IQoriNameSpacePath> path(new CQoriNameSpacePath("", QORString(value.text.substr(0, colon))));
+  const QORString className(value.text.substr(colon + 1, dot - colon - 1));
+  return new CQoriValue(QORSmrPtr<IQoriInstanceName>(new CQoriInstanceName(className, keys, path)));
+}
+
+QORSmrPtr<IQoriValue> makeArray(const Value& value) {
+  const QORSmrPtr<IQoriValue::List> elements(new IQoriValue::List());
+  for (const Value& element : value.elements) elements->append(makeValue(element));
+  return new CQoriValue(elements, CQoriType::find(QORString(value.type), false));
+}
+
+QORSmrPtr<IQoriValue> makeInteger(const Value& value) {
+  const QORSmrPtr<IQoriType> type(CQoriType::find(QORString(value.type), false));
+  if (value.isUnsigned()) return new CQoriValue(static_cast<unsigned long long>(value.integer), type);
+  return new CQoriValue(static_cast<long long>(value.integer), type);
+}
+
+QORSmrPtr<IQoriValue> makeValue(const Value& value) {
+  switch (value.kind) {
+    case Kind::None:
+      return {};
+    case Kind::Integer:
+      return makeInteger(value);
+    case Kind::Real:
+      return new CQoriValue(value.real, CQoriType::find(QORString(value.type), false));
+    case Kind::Boolean:
+      return new CQoriValue(value.truth, CQoriType::boolean);
+    case Kind::Char:
+      return new CQoriValue(static_cast<char16_t>(value.text[0]), CQoriType::char16);
+    case Kind::Object:
+      return new CQoriValue(value.object->properties.size() % 2 == 0 ? laidOutObject(*value.object)
+                                                                     : loneObject(*value.object));
+    case Kind::Reference:
+      return makeReference(value);
+    case Kind::Array:
+      return makeArray(value);
+    default:
+      return new CQoriValue(QORString(value.text), CQoriType::find(QORString(value.type), false));
+  }
+}
+
+CimPropertyDeclaration declarationOf(const PropertyType& property) {
+  CimPropertyDeclaration declaration;
+  declaration.name = QORString(property.name);
+  declaration.type = CQoriType::find(QORString(property.type), property.isArray);
+  if (property.type == "reference") declaration.referenceClass = "D_Lone";
+  return declaration;
+}
+
+void declare(const Schema& schema) {
+  CimDeclarationSink& sink = EmbeddedObjectManager::current()->sink();
+  sink.begin();
+  sink.createNamespace(kNameSpace);
+  sink.createNamespace(kOther);
+  for (const ClassType& type : schema.classes) {
+    CimClassDeclaration declaration;
+    declaration.name = QORString(type.name);
+    declaration.superClass = QORString(type.superName);
+    if (type.name == "D_Tie") {
+      declaration.qualifiers.push_back({"Association", new CQoriValue(true, CQoriType::boolean)});
+    }
+    const ClassType* const parent = schema.find(type.superName);
+    for (const PropertyType& property : type.properties) {
+      if (parent == nullptr || !parent->has(property.name)) declaration.properties.push_back(declarationOf(property));
+    }
+    sink.declareClass(kNameSpace, declaration);
+  }
+  sink.commit();
+}
+
+struct Instance {
+  std::shared_ptr<Thing> thing;
+  std::vector<Object> objects;  // one thing, with a layout and without
+};
+
+// One filter, asked of instances.
+class Trial {
+ public:
+  Trial(const Schema& schema, const Filter& filter, bool isOwnNameSpace, Tally& tally)
+      : _schema(schema),
+        _filter(filter),
+        _statement("DMTF:CQL", QORString(filter.toText()), isOwnNameSpace ? kNameSpace : kOther,
+                   isOwnNameSpace ? "" : kNameSpace),
+        _tally(tally) {}
+
+  bool isValid() {
+    ++_tally.filters;
+    if (_statement.validate() == QUERY_VALIDATE_SUCCESS) return true;
+    return fail(std::string("is refused: ") + std::string(_statement.getFault().message.view()));
+  }
+
+  bool ask(const Instance& instance) {
+    const Matching model(_schema, _filter, *instance.thing);
+    const bool expected = model.holds();
+    ++_tally.asked;
+    _tally.ofFrom += model.isOfFrom() ? 1 : 0;
+    _tally.matches += expected ? 1 : 0;
+    for (const Object& object : instance.objects) {
+      if (!isAsExpected(object, expected, "") || !isAsExpectedByList(object, expected)) return false;
+    }
+    return isToldRight(instance.objects[0], expected) && isOfItsNameSpaceAlone(instance.objects[0]);
+  }
+
+ private:
+  bool fail(const std::string& what) {
+    std::cout << _filter.toText() << "\n  " << what << "\n";
+    ++_tally.failed;
+    return false;
+  }
+
+  bool isAsExpected(const Object& object, bool expected, const std::string& kind) {
+    const bool prepared = _statement.isMatch(object, kNameSpace);
+    const bool walked = _statement.isMatchFromClause(object) && _statement.isMatchWhereClause(object);
+    if (prepared == expected && walked == expected) return true;
+    std::string text = "prepared " + std::to_string(prepared) + ", walked " + std::to_string(walked) + ", expected " +
+                       std::to_string(expected) + kind + ": " + std::string(object->getClassName().view());
+    for (QORuint32 i = 0; i < object->getPropertyCount(); ++i) {
+      const QORSmrPtr<IQoriProperty> property(object->getPropertyAt(i));
+      const QORSmrPtr<IQoriValue> value(property->getValue());
+      const std::string shown(value.IsNull() ? "NULL" : std::string(value->toString().view()));
+      text += "\n    " + std::string(property->getName().view()) + " = " + shown;
+    }
+    return fail(text);
+  }
+
+  // With the properties that are listed for its class, and with one FROM class for that.
+  bool isAsExpectedByList(const Object& object, bool expected) {
+    std::vector<std::string> asked = {std::string(object->getClassName().view())};
+    if (_filter.from.size() == 1 && _schema.isSubClass(asked[0], _filter.from[0].className)) {
+      asked.push_back(_filter.from[0].className);
+    }
+    for (const std::string& className : asked) {
+      const QORSmrPtr<IQoriInstanceName> path(new CQoriInstanceName(QORString(className), nullptr, nullptr));
+      for (const auto& names : {_statement.getPropertyList(path), _statement.getWherePropertyList(path)}) {
+        if (names.IsNull()) continue;
+        const Object restricted(new CQoriBaseObject(object, names, false));
+        if (!isAsExpected(restricted, expected, " with the list of " + className)) return false;
+      }
+    }
+    return true;
+  }
+
+  // What explains a match and what says that there is none agree with it.
+  bool isToldRight(const Object& object, bool expected) {
+    std::string why;
+    const bool explained = _statement.explainMatch(object, kNameSpace, why);
+    if (explained != expected || why.empty() != expected) return fail("is explained by '" + why + "'");
+    const bool isNever = !_statement.neverMatchesBecause().isEmpty();
+    _tally.never += isNever ? 1 : 0;
+    return !isNever || !expected || fail("is said to match never");
+  }
+
+  bool isOfItsNameSpaceAlone(const Object& object) {
+    return !_statement.isMatch(object, kOther) || fail("matches in another namespace");
+  }
+
+  const Schema& _schema;
+  const Filter& _filter;
+  CQLQueryStatement _statement;
+  Tally& _tally;
+};
+
+// Rather one of a FROM class.
+const Instance& pick(RandomChoice& choice, const Schema& schema, const Filter& filter,
+                     const std::vector<Instance>& instances) {
+  for (unsigned i = 0; i < 4; ++i) {
+    const Instance& instance = choice.of(instances);
+    if (Matching(schema, filter, *instance.thing).isOfFrom()) return instance;
+  }
+  return choice.of(instances);
+}
+
+void tryOneSchema(RandomChoice& choice, unsigned long count, Tally& tally) {
+  EmbeddedObjectManager manager;
+  manager.makeCurrent();
+  RandomSchema schemas(choice);
+  const Schema schema = schemas.make();
+  declare(schema);
+  std::vector<Instance> instances(kInstances);
+  for (Instance& instance : instances) {
+    instance.thing = schemas.makeThing(schema, kDepth);
+    instance.objects = {laidOutObject(*instance.thing), loneObject(*instance.thing)};
+  }
+  RandomFilter filters(choice, schema);
+  for (unsigned long i = 0; i < count && tally.failed < 10; ++i) {
+    const Filter filter = filters.make();
+    Trial trial(schema, filter, choice.chance(50), tally);
+    if (!trial.isValid()) continue;
+    for (unsigned j = 0; j < kAsked && trial.ask(pick(choice, schema, filter, instances)); ++j) continue;
+  }
+}
+
+int run(unsigned long count, std::uint32_t seed) {
+  Tally tally;
+  RandomChoice choice(seed);
+  while (tally.filters < count && tally.failed < 10) {
+    tryOneSchema(choice, std::min(kFiltersOfOneSchema, count - tally.filters), tally);
+  }
+  std::cout << tally.filters << " filters, asked " << tally.asked << " times, " << tally.ofFrom
+            << " of FROM: " << tally.matches << " matches, " << tally.never << " never, " << tally.failed << " wrong\n";
+  return tally.failed == 0 && tally.matches > tally.asked / 8 && tally.never < tally.asked / 2 ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  if (count != 3) {
+    std::cerr << "usage: random_filters COUNT SEED\n";
+    return 2;
+  }
+  try {
+    return run(std::strtoul(arguments[1], nullptr, 10),
+               static_cast<std::uint32_t>(std::strtoul(arguments[2], nullptr, 10)));
+  } catch (const QoriBaseException& error) {
+    std::cerr << error.getMessage() << "\n";
+  } catch (const std::exception& error) {
+    std::cerr << error.what() << "\n";
+  }
+  return 2;
+}
