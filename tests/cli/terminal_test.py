@@ -161,6 +161,8 @@ class Terminal(ToolCase):
     def test_hint_of_the_name_that_was_meant(self):
         for query, hint in (
                 ("SELECT Nmae FROM Shop_Item", "Nmae is no property of Shop_Item: did you mean Name? (line 1, column 8)"),
+                ("SELECT Nmae FROM Shop_Item AS a, shop_item AS b",
+                 "Nmae is no property of Shop_Item: did you mean Name? (line 1, column 8)"),
                 ("SELECT Id FROM Shop_Itm", "Shop_Itm is no class of root/cimv2: did you mean Shop_Item? (line 1, column 16)"),
                 ("SELECT * FROM Shop_Itm", "Shop_Itm is no class of root/cimv2: did you mean Shop_Item? (line 1, column 15)"),
                 ("SELECT Id FROM Shop_Item WHERE Name = plain",

@@ -1,6 +1,8 @@
 // Why a filter is refused, in words.
 #include "FilterFault.h"
 
+#include <algorithm>
+
 #include "Suggestion.h"
 
 namespace {
@@ -70,7 +72,11 @@ std::string FilterFault::describeClass(const FilterText::Source& source) const {
 std::vector<QORString> FilterFault::classesOf(const CQLQueryFault& fault) const {
   if (!fault.className.isEmpty()) return {fault.className};
   std::vector<QORString> classes;
-  for (const FilterText::Source& source : _text.sources()) classes.emplace_back(source.className);
+  for (const FilterText::Source& source : _text.sources()) {
+    const QORString name(source.className);
+    const auto isName = [&name](const QORString& other) { return other.isEqualCaseInsensitive(name); };
+    if (std::none_of(classes.begin(), classes.end(), isName)) classes.push_back(name);
+  }
   return classes;
 }
 
