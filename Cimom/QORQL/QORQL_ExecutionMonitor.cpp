@@ -2,6 +2,7 @@
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 
 #include "Cimom/QORQL/QORQL_ExecutionMessages.h"
+#include "Cimom/QORQL/QORQL_Log.h"
 
 namespace {
 
@@ -14,6 +15,7 @@ bool QORQL_ExecutionMonitor::isStopRequested() noexcept { return false; }
 void QORQL_ExecutionMonitor::stepBegins(Step /*step*/, const QORString& /*subject*/) noexcept {}
 void QORQL_ExecutionMonitor::stepEnds(Step /*step*/) noexcept {}
 void QORQL_ExecutionMonitor::conditionApplied(const QORQL_Comparison& /*comparison*/, Method /*method*/) noexcept {}
+void QORQL_ExecutionMonitor::resultEndsEarly(const std::exception_ptr& /*cause*/) noexcept {}
 
 QORQL_StoppedException::QORQL_StoppedException()
     : QORQL_Exception(QORQL_INTERNAL_ERROR, QORQL_ExecutionMessages::kStopped) {}
@@ -25,6 +27,11 @@ QORQL_MonitorScope::QORQL_MonitorScope(QORQL_ExecutionMonitor& monitor) noexcept
 QORQL_MonitorScope::~QORQL_MonitorScope() { theMonitor = _outer; }
 
 QORQL_ExecutionMonitor* QORQL_currentMonitor() noexcept { return theMonitor; }
+
+void QORQL_reportEarlyEnd(const char* message) {
+  if (theMonitor != nullptr) theMonitor->resultEndsEarly(std::current_exception());
+  QORQL_logError(message);
+}
 
 QORQL_StepScope::QORQL_StepScope(QORQL_ExecutionMonitor::Step step, const QORString& subject)
     : _monitor(theMonitor), _step(step) {

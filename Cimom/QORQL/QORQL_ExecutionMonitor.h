@@ -2,6 +2,8 @@
 #ifndef QORQL_EXECUTIONMONITOR_H
 #define QORQL_EXECUTIONMONITOR_H
 
+#include <exception>
+
 #include "Cimom/QORQL/QORQL_Exception.h"
 #include "cmpbase.h"
 
@@ -38,6 +40,9 @@ class QORQL_ExecutionMonitor {
   virtual void stepEnds(Step step) noexcept;
   // In the order in which conditions are applied; also for operands of OR that decide nothing.
   virtual void conditionApplied(const QORQL_Comparison& comparison, Method method) noexcept;
+  // An error while rows were put together or written: the engine logs that, keeps the rows made so far and goes on as
+  // if they were all. The cause is what was thrown.
+  virtual void resultEndsEarly(const std::exception_ptr& cause) noexcept;
 };
 
 // A query was stopped by a monitor. Code QORQL_INTERNAL_ERROR, "The query was stopped."
@@ -67,6 +72,9 @@ class QORQL_MonitorScope {
 
 // The thread's monitor; null when none is attached.
 QORQL_ExecutionMonitor* QORQL_currentMonitor() noexcept;
+
+// Logs the message and tells the monitor what ended the result. REQUIRES to be called inside a catch clause.
+void QORQL_reportEarlyEnd(const char* message);
 
 // Tells the monitor of a step. THROWS QORQL_StoppedException at its begin.
 class QORQL_StepScope {

@@ -125,12 +125,14 @@ QORString QORQL_ResultReader::shortNameOf(const Source& source) {
   const QORQL_SelectedEntry& entry = *source.entry;
   if (!source.className.isEmpty()) return source.propertyName;
   if (!entry.getAlias().isEmpty()) return entry.getAlias();
+  if (!entry.getWrittenText().isEmpty()) return entry.getWrittenText();
   return entry.getPropertyName().isEmpty() ? entry.getClassName() : entry.getPropertyName();
 }
 
 QORString QORQL_ResultReader::fullNameOf(const Source& source) {
   const QORQL_SelectedEntry& entry = *source.entry;
   if (!source.className.isEmpty()) return source.className + "." + source.propertyName;
+  if (!entry.getWrittenText().isEmpty()) return entry.getWrittenText();
   if (!entry.getAlias().isEmpty() || !entry.getPropertyName().isEmpty()) return QORQL_SelectList::_getCellName(entry);
   return entry.getClassName();
 }

@@ -19,7 +19,9 @@
 class QORQL_ResultReader {
  public:
   struct Column {
-    QORString name;      // the alias; else the property where that is unique; else qualifier "." property
+    // The alias; of what is computed, as it was written; else the property where that is unique; else qualifier "."
+    // property.
+    QORString name;
     QORString typeName;  // the CIM type; empty when no row tells it
     bool isArray = false;
   };

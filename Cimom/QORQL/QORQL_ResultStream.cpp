@@ -48,7 +48,7 @@ void QORQL_ResultStream::write() {
     _flush();
     throw;
   } catch (...) {
-    QORQL_logError(QORQL_ExecutionMessages::kStreamingFailed);
+    QORQL_reportEarlyEnd(QORQL_ExecutionMessages::kStreamingFailed);
   }
   _text += "</TABLE>\n</IRETURNVALUE>\n";
   _flush();

@@ -166,7 +166,7 @@ QORQL_SelectList::RowList QORQL_SelectList::_buildTableRows(Table& table, const 
   } catch (const QORQL_StoppedException&) {
     throw;
   } catch (...) {
-    QORQL_logError(Messages::kBuildingFailed);
+    QORQL_reportEarlyEnd(Messages::kBuildingFailed);
   }
   return rows;
 }

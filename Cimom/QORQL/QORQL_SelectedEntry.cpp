@@ -1,6 +1,8 @@
 // One entry of a select list: parsing and classification.
 #include "Cimom/QORQL/QORQL_SelectedEntry.h"
 
+#include <string>
+#include <string_view>
 #include <utility>
 
 #include "Cimom/QORQL/QORQL_Comparison.h"
@@ -80,6 +82,25 @@ QORString parseAlias(QORQL_Lexer& lexer, bool isRequired) {
   return alias;
 }
 
+bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
+bool isWordByte(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+}
+
+// Blanks stay where they part two words, one for each run of them.
+QORString withoutBlanks(std::string_view text) {
+  std::string kept;
+  bool isBehindBlank = false;
+  for (const char c : text) {
+    if (!isBlank(c)) {
+      if (isBehindBlank && !kept.empty() && isWordByte(kept.back()) && isWordByte(c)) kept += ' ';
+      kept += c;
+    }
+    isBehindBlank = isBlank(c);
+  }
+  return QORString(std::string_view(kept));
+}
+
 QORSmrPtr<QORQL_SelectedEntry> parseSelectAll(QORQL_Lexer& lexer) {
   lexer.next(false);
   const QORString& none = QORString::emptyString();
@@ -112,11 +133,16 @@ QORSmrPtr<QORQL_SelectedEntry> QORQL_SelectedEntry::parse(QORQL_SymbolTable& sym
                                                           const QORString& queryLanguage) {
   if (lexer.getCurrent().getType() == TokenASTERISK) return parseSelectAll(lexer);
   const QORQL_UpdatedFlagScope inSelectList(symbolTable, true);
+  const QORuint32 start = lexer.getCurrent().getOffset();
   QORSmrPtr<QORQL_Evaluatable> expression =
       QORQL_Comparison::parse(symbolTable, lexer, classInfos, queryString, queryLanguage);
+  const std::string_view written(lexer.getBuffer() + start, lexer.getCurrent().getOffset() - start);
   Names names = findNames(expression, lexer.slabs());
+  const bool isChanged = names.functionID != QORQL_FUNCTIONID_UNKNOWN || written.find('-') != std::string_view::npos;
   QORString alias = parseAlias(lexer, !names.isPropertyReference);
-  return QORSmrPtr<QORQL_SelectedEntry>::MakeIn(
+  auto entry = QORSmrPtr<QORQL_SelectedEntry>::MakeIn(
       lexer.slabs(), std::move(names.className), std::move(names.propertyName), std::move(alias), std::move(expression),
       std::move(names.classNameList), false, QORQL_isAggregate(names.functionID), names.functionID);
+  if (isChanged && entry->_alias.isEmpty()) entry->_writtenText = withoutBlanks(written);
+  return entry;
 }

@@ -27,6 +27,9 @@ class QORQL_SelectedEntry {
   const QORString& getPropertyName() const noexcept { return _propertyName; }
   // Upper case; empty when none.
   const QORString& getAlias() const noexcept { return _alias; }
+  // What a reader calls a column without alias that is a function or has a sign, such as COUNT(Name): as it was
+  // written, without the blanks that say nothing. Empty for every other entry.
+  const QORString& getWrittenText() const noexcept { return _writtenText; }
   // Null for `*`.
   const QORSmrPtr<QORQL_Evaluatable>& getExpression() const noexcept { return _expression; }
   // The factors' own class-name strings; null for `*`.
@@ -64,6 +67,7 @@ class QORQL_SelectedEntry {
   QORboolean _isEntryAggregate;
   QORSmrPtr<IQoriValue> _aggregateValue;
   QORuint32 _functionID;
+  QORString _writtenText = QORString::emptyString();
   // By the expression's shape; decided by the constructor.
   bool _isPlainProperty;
   bool _isClassAll;

@@ -147,6 +147,41 @@ TEST_F(ExecutionMonitor, logsNothingWhenItStops) {
   for (const std::string& line : outcome.log) EXPECT_THAT(line, testing::Not(testing::HasSubstr("CQL/1"))) << line;
 }
 
+class EarlyEndRecorder : public QORQL_ExecutionMonitor {
+ public:
+  void resultEndsEarly(const std::exception_ptr& cause) noexcept override { causes.push_back(cause); }
+  std::vector<std::exception_ptr> causes;
+};
+
+std::string messageOf(const std::exception_ptr& cause) {
+  try {
+    std::rethrow_exception(cause);
+  } catch (const QoriBaseException& error) {
+    return QueryWorld::textOf(error.getMessage());
+  }
+}
+
+TEST_F(ExecutionMonitor, isToldWhatEndsAResultEarly) {
+  for (const auto mode : {QORQL_DataTable::kExecutionLazy, QORQL_DataTable::kExecutionPlain}) {
+    EarlyEndRecorder recorder;
+    const QueryOutcome outcome = run(recorder, "SELECT A.T, A.Nope FROM A", mode);
+    EXPECT_EQ(outcome.error, "");
+    EXPECT_THAT(outcome.log, testing::Contains("CQL/1: Caught an exception occured while building the results table."));
+    ASSERT_EQ(recorder.causes.size(), 1U);
+    EXPECT_EQ(messageOf(recorder.causes.front()), "A non-existent property - 'Nope' was requested from class - 'A'");
+  }
+}
+
+TEST_F(ExecutionMonitor, isToldWhatEndsTheStreamEarly) {
+  for (const auto mode : {QORQL_DataTable::kExecutionLazy, QORQL_DataTable::kExecutionPlain}) {
+    EarlyEndRecorder recorder;
+    const QORQL_MonitorScope scope(recorder);
+    world.runIn("SELECT Id, 1 / (Id - 1) AS Q FROM A", mode);
+    ASSERT_EQ(recorder.causes.size(), 1U);
+    EXPECT_EQ(messageOf(recorder.causes.front()), "Division by zero");
+  }
+}
+
 TEST_F(ExecutionMonitor, innerScopesHideOuterOnes) {
   Recorder outer;
   const QORQL_MonitorScope scope(outer);
