@@ -161,8 +161,10 @@ class Statements(ToolCase):
 
     def test_quote_without_end_reaches_to_the_end_of_its_line(self):
         result = self.model("-o", "csv", stdin="SELECT Id FROM Shop_Item WHERE Name = 'a;b\n;" + ONE)
-        self.assertEqual(result.status, 1)
-        self.assertTrue(result.out.startswith("unterminated string in line 1"), result.out)
+        self.assertEqual((result.status, result.out), (1, ""))
+        self.assertEqual(result.err,
+                         "qorql: warning: passed over: a string that does not end in its line (line 1, column 39)\n"
+                         "qorql: error: unexpected token '' found (line 3, CIM status 16)\n")
 
     def test_statements_stop_at_the_first_error(self):
         result = self.model("-o", "csv", ONE + "; SELECT; " + TWO)
@@ -177,9 +179,120 @@ class Statements(ToolCase):
         self.assertEqual(self.succeed(self.model("-o", "csv", stdin=text)), "Id\n2\n")
         self.assertEqual(self.succeed(self.model("-o", "csv", "-f", self.write("q.qql", text))), "Id\n2\n")
 
-    def test_unknown_characters_come_out_before_the_result(self):
-        result = self.model("-o", "csv", "SELECT Id FROM Shop_Item WHERE Id = 1 $")
-        self.assertEqual((result.status, result.out), (0, "$Id\n1\n"))
+
+class PassedOver(ToolCase):
+    """Characters that the language does not know, and strings without end: told, and never among the results."""
+    OVER = "qorql: warning: passed over, since the language does not know it: "
+
+    def test_each_is_named_with_its_place_in_every_form(self):
+        for form in ("table", "csv", "json", "jsonl", "html", "xml", "mof"):
+            with self.subTest(form=form):
+                clean = self.succeed(self.model("-o", form, ONE))
+                result = self.model("-o", form, "SELECT Id \u2019\rFROM Shop_Item\n@ WHERE Id = 1 \u4e2d$")
+                self.assertEqual(result.err, self.OVER + "\u2019 (line 1, column 11), \\r (line 1, column 12), "
+                                 "@ (line 2, column 1), \u4e2d (line 2, column 16), $ (line 2, column 17)\n")
+                if form != "html":  # which shows the statement
+                    self.assertEqual((result.status, result.out), (0, clean))
+                self.assertFalse(result.out.startswith(("@", "\u2019")))
+
+    def test_places_count_in_the_whole_text(self):
+        result = self.model("-o", "csv", stdin=ONE + ";\n  " + TWO + " ; SELECT Id @\nFROM Shop_Item WHERE Id = 1 @")
+        self.assertEqual((result.status, result.out), (0, "Id\n1\n\nId\n2\n\nId\n1\n"))
+        self.assertEqual(result.err, self.OVER + "@ (line 2, column 53), @ (line 3, column 29)\n")
+
+    def test_bytes_that_are_no_characters(self):
+        result = self.model("-o", "csv", stdin=ONE.encode() + b" \0 \x92 \x1b \xc3(")
+        self.assertEqual((result.status, result.out), (1, ""))
+        self.assertEqual(result.err.splitlines()[0], self.OVER + "\\x00 (line 1, column 39), \\x92 (line 1, column 41), "
+                         "\\x1B (line 1, column 43), \\xC3 (line 1, column 45)")
+
+    def test_what_stands_in_a_literal_is_none(self):
+        self.assertEqual(self.succeed(self.model("-o", "csv", "SELECT Id FROM Shop_Item WHERE Name <> '@$\u2019' AND Id = 1")),
+                         "Id\n1\n")
+
+    def test_a_lone_quote_at_the_end(self):
+        result = self.model("-o", "csv", ONE + " '")
+        self.assertEqual((result.status, result.out, result.err), (0, "Id\n1\n", self.OVER + "' (line 1, column 39)\n"))
+
+    def test_a_fault_stops_the_scanner(self):
+        result = self.model("SELECT Id @ FROM , $ $ $")
+        self.assertEqual((result.status, result.out), (1, ""))
+        warning, error = result.err.splitlines()
+        self.assertTrue(warning.startswith(self.OVER + "@ (line 1, column 11)"), warning)
+        self.assertTrue(error.startswith("qorql: error: "), error)
+
+    def test_many_are_counted(self):
+        result = self.model("-o", "csv", ONE + "\u2265" * 1000)
+        self.assertEqual(result.err.count("\u2265"), 20)
+        self.assertTrue(result.err.endswith("(line 1, column 57) and 980 more\n"), result.err)
+
+    def test_quiet_says_nothing(self):
+        result = self.model("--quiet", "-o", "json", ONE + " @")
+        self.assertEqual((result.status, result.out, result.err), (0, '[\n  {"Id": 1}\n]\n', ""))
+
+    def test_explain(self):
+        clean = self.succeed(self.model("explain", ONE))
+        result = self.model("explain", ONE + " @")
+        self.assertEqual((result.status, result.out, result.err), (0, clean, self.OVER + "@ (line 1, column 39)\n"))
+        refused = self.model("explain", "SELECT @")
+        self.assertEqual((refused.status, refused.out), (1, ""))
+        self.assertEqual(refused.err.splitlines()[0], self.OVER + "@ (line 1, column 8)")
+
+
+class EarlyEnd(ToolCase):
+    """An error while rows are put together, which the library logs: the result would lack rows."""
+    ERROR = "qorql: error: A non-existent property - 'Nam' was requested from class - 'i' (CIM status 4)\n"
+    HINT = "qorql: hint: Nam is no property of Shop_Item: did you mean Name? (line {}, column {})\n"
+    MODEL = """class Base { [Key] uint32 K; sint32 N; };
+class Der : Base { string X; };
+instance of Der { K = 1; N = 1; X = "x"; };
+instance of Base { K = 2; N = 0; };
+instance of Der { K = 3; N = 2; X = "y"; };
+"""
+
+    def test_in_every_form(self):
+        for form in ("table", "csv", "json", "jsonl", "html", "mof"):
+            for query in ("SELECT i.Nam FROM Shop_Item AS i", "SELECT i.Nam FROM Shop_Item AS i ORDER BY Id ASC"):
+                with self.subTest(form=form, query=query):
+                    result = self.model("-o", form, query)
+                    self.assertEqual((result.status, result.out), (1, ""))
+                    self.assertEqual(result.err, self.ERROR + self.HINT.format(1, 10))
+
+    def test_the_engines_stream_stays_and_the_status_tells(self):
+        result = self.model("-o", "xml", "SELECT i.Nam FROM Shop_Item AS i")
+        self.assertEqual(result.status, 1)
+        self.assertTrue(result.out.endswith("</TABLE>\n</IRETURNVALUE>\n"), result.out)
+        self.assertEqual(result.err, self.ERROR + self.HINT.format(1, 10))
+
+    def test_rows_that_cannot_be_streamed(self):
+        path = self.write("m.mof", self.MODEL)
+        result = self.run_tool("--no-live", "-m", path, "-o", "xml", "SELECT K, 1 / N AS Q FROM Base")
+        self.assertEqual((result.status, result.out.count("<TABLEROW>")), (1, 2))
+        self.assertEqual(result.err, "qorql: error: Division by zero (CIM status 1)\n")
+
+    def test_rows_before_the_error_are_no_result(self):
+        path = self.write("m.mof", self.MODEL)
+        result = self.run_tool("--no-live", "-m", path, "-o", "csv", "SELECT b.X FROM Base AS b")
+        self.assertEqual((result.status, result.out), (1, ""))
+        self.assertEqual(result.err,
+                         "qorql: error: A non-existent property - 'X' was requested from class - 'b' (CIM status 4)\n"
+                         "qorql: hint: X is a property of Der, which not every Base is: ask for it FROM Der\n")
+
+    def test_several_statements(self):
+        result = self.model("-o", "csv", ONE + ";\n" + ONE + "; SELECT i.Nam FROM Shop_Item AS i; " + TWO)
+        self.assertEqual((result.status, result.out), (1, "Id\n1\n\nId\n1\n"))
+        self.assertEqual(result.err, self.ERROR + self.HINT.format(2, 49))
+
+    def test_quiet_keeps_the_error(self):
+        self.refused(self.model("--quiet", "SELECT i.Nam FROM Shop_Item AS i"), 1, self.ERROR.rstrip("\n"))
+
+    def test_no_row_no_error(self):
+        self.assertEqual(self.succeed(self.model("-o", "csv", "SELECT e.Nam FROM Shop_Empty AS e")), "Nam\n")
+
+    def test_the_log_changes_nothing(self):
+        result = self.model("--log", "error", "SELECT i.Nam FROM Shop_Item AS i")
+        self.assertEqual((result.status, result.out), (1, ""))
+        self.assertTrue(result.err.endswith(self.ERROR + self.HINT.format(1, 10)), result.err)
 
 
 class Output(ToolCase):

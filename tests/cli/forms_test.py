@@ -120,6 +120,34 @@ class Json(ToolCase):
         self.assertEqual(rows, [{"P": "root/cimv2:Shop_Item.Id=2"}])
 
 
+class ColumnNames(ToolCase):
+    """Functions without alias are called as they were written, in every form but the engine's stream."""
+    AGGREGATES = "SELECT COUNT(Id), SUM( Size ), count(i.Name) FROM Shop_Item AS i WHERE Id < 4"
+    PATH = "SELECT OBJECTPATH(i), Id, -Id FROM Shop_Item AS i WHERE Id = 2"
+
+    def test_csv(self):
+        self.assertEqual(self.succeed(self.model("-o", "csv", self.AGGREGATES)).splitlines()[0],
+                         "COUNT(Id),SUM(Size),count(i.Name)")
+        self.assertEqual(self.succeed(self.model("-o", "csv", self.PATH)),
+                         "OBJECTPATH(i),Id,-Id\nroot/cimv2:Shop_Item.Id=2,2,-2\n")
+
+    def test_other_forms(self):
+        for form, quote in (("table", ""), ("json", '"'), ("jsonl", '"'), ("html", "")):
+            with self.subTest(form=form):
+                text = self.succeed(self.model("-o", form, self.AGGREGATES))
+                for name in ("COUNT(Id)", "SUM(Size)", "count(i.Name)"):
+                    self.assertIn(quote + name + quote, text)
+                self.assertIn(quote + "OBJECTPATH(i)" + quote, self.succeed(self.model("-o", form, self.PATH)))
+
+    def test_the_stream_keeps_the_engines_names(self):
+        text = self.succeed(self.model("-o", "xml", "SELECT COUNT(Id) FROM Shop_Item"))
+        self.assertIn('NAME="SHOP_ITEM.Id"', text)
+        self.assertNotIn("COUNT", text)
+
+    def test_an_alias_comes_first(self):
+        self.assertEqual(self.succeed(self.model("-o", "csv", "SELECT COUNT(Id) AS n FROM Shop_Item")), "N\n5\n")
+
+
 class JsonLines(ToolCase):
     def test_bytes(self):
         self.assertEqual(self.succeed(self.model("-o", "jsonl", SOME)), (
@@ -161,6 +189,56 @@ class Mof(ToolCase):
     def test_columns_of_one_object_are_its_instance(self):
         self.assertEqual(self.succeed(self.model("-o", "mof", "SELECT Name, Id FROM Shop_Item WHERE Id = 2")),
                          'instance of Shop_Item {\n    Name = "with, comma";\n    Id = 2;\n};\n')
+
+    def test_rows_without_their_keys_load_again(self):
+        for columns in ("Name", "Name, Size, Sold", "Tags"):
+            with self.subTest(columns=columns):
+                query = f"SELECT {columns} FROM Shop_Item"
+                text = self.succeed(self.model("-o", "mof", query))
+                self.assertTrue(text.startswith("class QueryResult {\n  [Key] uint64 Row;\n"), text)
+                self.assertEqual(self.load(text, f"SELECT {columns} FROM QueryResult"),
+                                 json.loads(self.model("-o", "json", query).out))
+
+    SHOPS = HEAD + """class Part { [Key] string A; [Key] uint32 B; string C; };
+class Bolt : Part { string D; };
+class Mate { [Key] uint32 K; };
+instance of Part { A = "x"; B = 1; C = "c"; };
+instance of Bolt { A = "y"; B = 2; D = "d"; };
+instance of Mate { K = 1; };
+instance of Mate { K = 2; };
+"""
+
+    def shops(self, query):
+        return self.succeed(self.run_tool("--no-live", "-m", self.write("shops.mof", self.SHOPS), "-o", "mof", query))
+
+    def load_shops(self, text):
+        """Loads what was printed beside the classes: fails where that does not load."""
+        schema = self.write("schema.mof", self.SHOPS.split("instance of")[0])
+        path = self.write("out.mof", text)
+        query = "SELECT COUNT(Part) AS N FROM Part"
+        return json.loads(self.succeed(self.run_tool("--no-live", "-m", schema, "-m", path, "-o", "json", query)))[0]["N"]
+
+    def test_one_key_of_two_is_no_instance(self):
+        text = self.shops("SELECT A, C FROM Part")
+        self.assertNotIn("instance of Part", text)
+        self.assertIsNone(self.load_shops(text))
+        self.assertEqual(self.load_shops(self.shops("SELECT C, b, a FROM Part")), 2)
+
+    def test_an_object_that_comes_twice_is_one_instance(self):
+        text = self.shops("SELECT p.* FROM Part AS p, Mate AS m")
+        self.assertEqual([text.count(f"instance of {name} ") for name in ("Part", "Bolt", "QueryResult")], [1, 1, 2])
+        self.assertEqual(self.load_shops(text), 2)
+        self.assertEqual(self.load_shops(self.shops("SELECT * FROM Part; SELECT A, B FROM Part")), 2)
+
+    def test_values_that_differ_in_type(self):
+        query = "SELECT Id, Size - 10 AS D FROM Shop_Item WHERE Id > 1"
+        rows = json.loads(self.succeed(self.model("-o", "json", query)))
+        self.assertEqual([row["D"] for row in rows], [-10, 32, None, -3])
+        text = self.succeed(self.model("-o", "mof", query))
+        self.assertIn("  sint64 D;\n", text)
+        self.assertIn("  uint64 D;\n", text)
+        self.assertEqual(self.load(text, "SELECT Row, D FROM QueryResult"), [{"Row": 1, "D": -10}, {"Row": 3, "D": None}, {"Row": 4, "D": -3}])
+        self.assertEqual(self.load(text, "SELECT Row, D FROM QueryResult_2"), [{"Row": 2, "D": 32}])
 
     def test_null_is_left_out(self):
         self.assertEqual(self.succeed(self.model("-o", "mof", "SELECT Id, Name FROM Shop_Item WHERE Id = 4")),

@@ -48,7 +48,7 @@ class Pages(ToolCase):
         self.assertEqual(self.complete("exp"), ["explain"])
         self.assertEqual(self.complete("--no-l"), ["--no-live"])
         self.assertEqual(self.complete("explain", "--st"), [])
-        self.assertEqual(self.complete("query", "--st"), ["--stats"])
+        self.assertEqual(self.complete("query", "--st"), ["--stats", "--strict"])
         for command in COMMANDS:
             self.assertEqual(set(self.complete(command, "--")), self.long_options(command), command)
 

@@ -165,6 +165,27 @@ class Statements(Shell):
                                     MORE), "Id\n1\nId\n3\n")
         self.assertEqual(person.ask("FROM Shop_Item WHERE Name = 'a;b';"), "Id\n")
 
+    def test_a_result_that_ends_early_is_an_error_and_the_shell_goes_on(self):
+        person = self.person("-o", "csv")
+        lines = person.ask("SELECT i.Id, i.Nam FROM Shop_Item AS i;").splitlines()
+        self.assertIn("qorql: error: A non-existent property - 'Nam' was requested from class - 'i' (CIM status 4)", lines)
+        self.assertEqual(lines[-1], "qorql: hint: Nam is no property of Shop_Item: did you mean Name? (line 1, column 16)")
+        self.assertNotIn("Id,Nam", lines)
+        self.assertEqual(person.ask("SELECT Id FROM Shop_Item WHERE Id = 2;"), "Id\n2\n")
+
+    def test_characters_that_are_passed_over(self):
+        over = "qorql: warning: passed over, since the language does not know it: "
+        person = self.person("-o", "csv")
+        self.assertEqual(person.ask("SELECT Id FROM Shop_Item @ WHERE Id = 2;"), over + "@ (line 1, column 26)\nId\n2\n")
+        self.assertTrue(person.ask(".explain SELECT Id FROM Shop_Item @").startswith(over + "@ (line 1, column 26)\n"))
+
+    def test_strict(self):
+        person = self.person("-o", "csv", "--strict")
+        self.assertEqual(person.ask("SELECT Id FROM Shop_Item WHERE Id = 1 OR Id = 2;"),
+                         "qorql: error: OR keeps what its last operand keeps: only \"Id = 2\" decides. Run a query for each "
+                         "operand [WHERE-3]\n")
+        self.assertEqual(person.ask("SELECT Id FROM Shop_Item WHERE Id = 2;"), "Id\n2\n")
+
     def test_an_error_shows_line_and_caret_and_the_shell_goes_on(self):
         person = self.person("-o", "csv")
         person.ask("SELECT Id", MORE)

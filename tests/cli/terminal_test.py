@@ -179,6 +179,35 @@ class Terminal(ToolCase):
                 self.assertNotIn("hint", self.model(query).err)
                 self.assertIn("qorql: hint: " + hint, self.model("--warnings", query).err)
 
+    def test_hint_of_a_property_that_is_no_class(self):
+        path = self.write("sub.mof", "class Holder { [Key] uint32 K; [EmbeddedObject] string Sub; };\n"
+                                     "class Other { [Key] uint32 K; string Sub; };\n")
+        for query, hint in (
+                ("SELECT Sub.N FROM Holder", "Sub is a property of Holder and no class of FROM: a query does not read what "
+                                             "an object within holds (line 1, column 8)"),
+                ("SELECT h.K FROM Holder AS h WHERE Sub.N = 'x'",
+                 "Sub is a property of h and no class of FROM: a query does not read what an object within holds "
+                 "(line 1, column 35)"),
+                ("SELECT h.K FROM Holder AS h, Other WHERE Sub.N = 'x'",
+                 "Sub is a property of more than one class: write h.Sub or Other.Sub (line 1, column 42)")):
+            with self.subTest(query=query):
+                result = self.run_tool("--no-live", "-m", path, "--warnings", query)
+                self.assertEqual((result.status, result.err.splitlines()[-1]), (1, "qorql: hint: " + hint))
+
+    def test_hints_count_in_the_whole_text(self):
+        result = self.model("--warnings", "SELECT Id FROM Shop_Empty; SELECT Nmae FROM Shop_Item")
+        self.assertEqual(result.err.splitlines()[-1],
+                         "qorql: hint: Nmae is no property of Shop_Item: did you mean Name? (line 1, column 35)")
+
+    def test_a_result_that_ends_early(self):
+        status, shown = self.show("SELECT i.Nam FROM Shop_Item AS i")
+        self.assertEqual(status, 1)
+        self.assertEqual(shown, "qorql: warning: Shop_Item has no property Nam: did you mean Name?\n"
+                                "qorql: error: A non-existent property - 'Nam' was requested from class - 'i' (CIM status 4)\n"
+                                "  SELECT i.Nam FROM Shop_Item AS i\n"
+                                "           ^\n"
+                                "qorql: hint: Nam is no property of Shop_Item: did you mean Name? (line 1, column 10)\n")
+
     def test_hint_of_what_stands_in_the_place_of_sql(self):
         for query, hint in (
                 ("SELECT Id FROM Shop_Item LIMIT 3", "the first rows alone are asked for by SELECT FIRST n ..."),

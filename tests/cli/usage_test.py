@@ -12,7 +12,7 @@ CSV = "Id\n1\n2\n"
 class Help(ToolCase):
     def test_help_lists_every_option_on_standard_output(self):
         text = self.succeed(self.run_tool("--help"))
-        for option in ("--mof", "--namespace", "--output", "--file", "--no-live", "--stats", "--warnings", "--config", "--set",
+        for option in ("--mof", "--namespace", "--output", "--file", "--no-live", "--stats", "--warnings", "--strict", "--config", "--set",
                        "--quiet", "--log", "--version", "--help", "QUERY"):
             self.assertIn(option, text)
         self.assertIn("Exit status: 0 done;", text)

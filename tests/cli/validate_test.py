@@ -144,10 +144,15 @@ class Invalid(ValidateCase):
     def test_what_was_passed_over_may_be_the_cause(self):
         over = "; passed over, since the language does not know it: "
         self.invalid(ALERT + " WHERE OwningEntity = \u2018SNIA\u2019",
-                     f"SNIA is no property of CIM_AlertIndication (line 1, column 57){over}\u2018\u2019")
-        self.invalid(ALERT + " WHERE PerceivedSeverity \u2265 4", f"unexpected token '4' found (line 1, column 61){over}\u2265")
-        self.invalid(ALERT + " WHERE " + "\u2265" * 1000 + "4 5", f"unexpected token '5' found (line 1, column 1043){over}"
-                     + "\u2265" * 20 + " ...")
+                     f"SNIA is no property of CIM_AlertIndication (line 1, column 57){over}\u2018 (line 1, column 56), "
+                     "\u2019 (line 1, column 61)")
+        self.invalid(ALERT + " WHERE PerceivedSeverity \u2265 4", f"unexpected token '4' found (line 1, column 61){over}\u2265 "
+                     "(line 1, column 59)")
+        result = self.validate(ALERT + " WHERE " + "\u2265" * 1000 + "4 5")
+        self.assertEqual(result.status, 1)
+        self.assertTrue(result.out.startswith(f"invalid\tunexpected token '5' found (line 1, column 1043){over}\u2265 (line 1, "
+                                              "column 41), \u2265 (line 1, column 42)"), result.out)
+        self.assertTrue(result.out.endswith("\u2265 (line 1, column 60) and 980 more\n"), result.out)
         self.invalid(ALERT + "\u2019", "'SQL' is no language of filters: use DMTF:CQL, CQL or WQL", "-q", "SQL")
 
     def test_columns_count_characters_and_lines_count_from_one(self):
@@ -326,8 +331,8 @@ class Warnings(ValidateCase):
                     "'sourceinstance' ISA CIM_AlertIndication")
 
     def test_characters_that_the_language_does_not_know(self):
-        self.warned(ALERT + " | WHERE EventID = 'a'", "passed over, since the language does not know it: |")
-        self.warned(ALERT + " 'open\n WHERE EventID = 'a'", "passed over: a string that does not end in its line")
+        self.warned(ALERT + " | WHERE EventID = 'a'", "passed over, since the language does not know it: | (line 1, column 35)")
+        self.warned(ALERT + " 'open\n WHERE EventID = 'a'", "passed over: a string that does not end in its line (line 1, column 35)")
 
 
 class Files(ValidateCase):

@@ -59,6 +59,21 @@ std::string judgeToolError(const Failure& expected, const std::string& err) {
   return isError ? std::string() : difference("stderr", "qorql: error: (any message)" + place, err);
 }
 
+// Whether the library is to leave out rows, which it logs.
+bool endsEarly(const Case& one) {
+  return std::any_of(one.log.begin(), one.log.end(), [](const std::string& line) {
+    return line.find("Caught an exception occured while ") != std::string::npos;
+  });
+}
+
+// Takes the lines at the front that tell what the scanner echoes elsewhere; false when there is none.
+bool takePassedOver(std::string& err) {
+  constexpr std::string_view kPassedOver = "qorql: warning: passed over";
+  bool isFound = false;
+  for (; err.starts_with(kPassedOver); isFound = true) err.erase(0, err.find('\n') + 1);
+  return isFound;
+}
+
 }  // namespace
 
 std::string judgeLibrary(const Case& one, const Outcome& outcome) {
@@ -72,13 +87,20 @@ std::string judgeLibrary(const Case& one, const Outcome& outcome) {
 
 std::string judgeTool(const Case& one, const ToolOutcome& outcome) {
   const bool isFailure = one.expected == Case::Expected::Failure;
-  std::string text = difference("exit status", isFailure ? "1\n" : "0\n", std::to_string(outcome.status) + "\n");
+  const bool isCut = !isFailure && endsEarly(one);
+  std::string text =
+      difference("exit status", isFailure || isCut ? "1\n" : "0\n", std::to_string(outcome.status) + "\n");
   // A statement may fail after the stream has begun.
   const std::string out = isFailure ? outcome.out.substr(0, outcome.out.find("\n<IRETURNVALUE>")) : outcome.out;
-  text += difference("stdout", one.echo + one.result, out);
-  if (isFailure) return text + judgeToolError(one.failure, outcome.err);
+  const bool isShown = !isCut || one.expected == Case::Expected::Xml;
+  text += difference("stdout", isShown ? one.result : std::string(), out);
+  std::string err = outcome.err;
+  if (takePassedOver(err) == one.echo.empty()) text += difference("echo", one.echo, outcome.err);
+  if (isFailure) return text + judgeToolError(one.failure, err);
+  if (isCut)
+    return text + (err.starts_with("qorql: error: ") ? "" : difference("stderr", "qorql: error: (any)\n", err));
   const bool isSilent = one.log.empty();
-  return text + (isSilent ? difference("stderr", std::string(), outcome.err) : std::string());
+  return text + (isSilent ? difference("stderr", std::string(), err) : std::string());
 }
 
 std::string judgeModes(const Outcome& plain, const Outcome& lazy) {

@@ -16,15 +16,15 @@ bool ClassFamily::isA(const QORString& className, const QORString& ancestor) con
   return !name.isEmpty();
 }
 
-bool ClassFamily::has(const QORString& className, const QORString& property) const {
+QORString ClassFamily::holderOf(const QORString& className, const QORString& property) const {
   const QORSmrPtr<IQoriClass> model(find(className));
-  if (!model.IsNull() && model->getProperty(property, true) != nullptr) return true;
+  if (!model.IsNull() && model->getProperty(property, true) != nullptr) return model->getClassName();
   for (const QORString& name : _manager.classNames(_nameSpace)) {
     const QORSmrPtr<IQoriClass> candidate(find(name));
     if (candidate.IsNull() || candidate->getProperty(property, true) == nullptr) continue;
-    if (isA(name, className)) return true;
+    if (isA(name, className)) return name;
   }
-  return false;
+  return {};
 }
 
 std::string ClassFamily::nearestProperty(const QORString& className, std::string_view property) const {

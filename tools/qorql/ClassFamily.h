@@ -17,7 +17,11 @@ class ClassFamily {
   // Whether the first is the second or a class below it.
   bool isA(const QORString& className, const QORString& ancestor) const;
   // Whether the class, what it inherits from or a class below it has the property.
-  bool has(const QORString& className, const QORString& property) const;
+  bool has(const QORString& className, const QORString& property) const {
+    return !holderOf(className, property).isEmpty();
+  }
+  // The first of them that has it, the class itself before those below it; empty when none has.
+  QORString holderOf(const QORString& className, const QORString& property) const;
   // The nearest property of the class; empty when none is near.
   std::string nearestProperty(const QORString& className, std::string_view property) const;
   std::string nearestClass(std::string_view name) const;

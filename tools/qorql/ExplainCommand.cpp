@@ -96,9 +96,9 @@ int explain(const ExplainOptions& options) {
   std::vector<Statement> statements = splitStatements(options.query);
   if (statements.empty()) statements.push_back({options.query, 1});
   for (const Statement& statement : statements) {
-    ParsedQuery parsed(statement.text);
+    ParsedQuery parsed(statement);
     try {
-      parsed.parse(options.session.nameSpace, std::cout);
+      parseWithWarnings(parsed, options.session.nameSpace, options.session.isQuiet);
       if (&statement != &statements.front()) std::cout << '\n';
       printExplanation(std::cout, session.manager(), parsed, options.session.nameSpace);
     } catch (...) {
@@ -127,8 +127,7 @@ void printExplanation(std::ostream& out, EmbeddedObjectManager& manager, ParsedQ
   if (explanation.isPreFiltered()) {
     out << "    note: the provider filters and sorts itself: WHERE without association and ORDER BY are left to it\n";
   }
-  printSurprises(out, manager, parsed.query(), nameSpace);
-  printUnknownProperties(out, manager, QORString(nameSpace), parsed);
+  printWarnings(out, findWarnings(manager, nameSpace, parsed));
 }
 
 CommandAction declareExplainCommand(CLI::App& app) {

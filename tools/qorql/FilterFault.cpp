@@ -118,14 +118,13 @@ std::string FilterFault::describeProperty(const CQLQueryFault& fault) const {
   return name + " is no property of " + namesOf(classes) + didYouMean(meant) + placeOf(piece);
 }
 
-// The ways to write a property of a FROM class with its qualifier.
-std::string FilterFault::choicesFor(const std::string& name) const {
-  std::string choices;
+std::vector<std::string> FilterFault::choicesFor(const std::string& name) const {
+  std::vector<std::string> choices;
   for (const FilterText::Source& source : _text.sources()) {
     for (const CimPropertyDeclaration& property : _manager.allProperties(_nameSpace, QORString(source.className))) {
       if (!QORString::equalIgnoringCase(property.name.view(), name)) continue;
       const std::string& qualifier = source.alias.empty() ? source.className : source.alias;
-      choices += (choices.empty() ? "" : " or ") + qualifier + "." + plain(property.name);
+      choices.push_back(qualifier + "." + plain(property.name));
     }
   }
   return choices;
@@ -133,13 +132,21 @@ std::string FilterFault::choicesFor(const std::string& name) const {
 
 std::string FilterFault::describeAmbiguous(const std::string& name) const {
   const std::size_t piece = _text.findReference(name);
-  return spelling(piece, name) + " is a property of more than one class: write " + choicesFor(name) + placeOf(piece);
+  std::string choices;
+  for (const std::string& choice : choicesFor(name)) choices += (choices.empty() ? "" : " or ") + choice;
+  return spelling(piece, name) + " is a property of more than one class: write " + choices + placeOf(piece);
 }
 
 std::string FilterFault::describeQualifier(const std::string& name) const {
-  if (!choicesFor(name).empty()) return describeAmbiguous(name);
+  const std::vector<std::string> choices = choicesFor(name);
+  if (choices.size() > 1) return describeAmbiguous(name);
   const std::size_t piece = _text.findWord(name);
   const std::string written = spelling(piece, name);
+  if (!choices.empty()) {
+    const std::string& choice = choices.front();
+    return written + " is a property of " + choice.substr(0, choice.rfind('.')) +
+           " and no class of FROM: a query does not read what an object within holds" + placeOf(piece);
+  }
   Suggestion suggestion(written);
   for (const FilterText::Source& source : _text.sources()) {
     suggestion.consider(source.className);

@@ -23,7 +23,8 @@ class FilterFault {
   std::string describeSyntax(const CQLQueryFault& fault) const;
   std::string describeClass(const FilterText::Source& source) const;
   std::string describeProperty(const CQLQueryFault& fault) const;
-  std::string choicesFor(const std::string& name) const;
+  // The ways to write a property of a FROM class with its qualifier.
+  std::vector<std::string> choicesFor(const std::string& name) const;
   std::string describeAmbiguous(const std::string& name) const;
   std::string describeQualifier(const std::string& name) const;
   // The first class of FROM that does not exist; null when all do.

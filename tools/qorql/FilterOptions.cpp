@@ -9,4 +9,5 @@ void declareFilterOptions(CLI::App& app, FilterOptions& options) {
                      .type = "LANGUAGE",
                      .description = "Language of the filter (default: DMTF:CQL; also CQL and WQL)",
                      .take = keepIn(options.language)});
+  declareFlag(app, "--strict", options.isStrict, "Refuse filters that would be warned of");
 }

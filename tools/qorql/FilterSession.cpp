@@ -7,31 +7,11 @@
 #include "Cimom/Providers/IndicationSchema.h"
 #include "Cimom/Providers/LinuxProviders.h"
 #include "DisplayText.h"
+#include "ErrorReport.h"
 #include "FilterFault.h"
 #include "FilterText.h"
 #include "FilterWarnings.h"
 #include "ScannerOutput.h"
-
-namespace {
-
-// As many characters are shown as a person will look at.
-std::string shortened(const std::string& text) {
-  constexpr std::size_t kShown = 60;
-  if (text.size() <= kShown) return text;
-  std::size_t end = kShown;
-  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) --end;
-  return text.substr(0, end) + " ...";
-}
-
-std::vector<std::string> passedOver(const ScannerOutput& scanner) {
-  std::vector<std::string> warnings;
-  const std::string unknown = shortened(scanner.unknownCharacters());
-  if (!unknown.empty()) warnings.push_back("passed over, since the language does not know it: " + unknown);
-  if (scanner.isStringOpen()) warnings.emplace_back("passed over: a string that does not end in its line");
-  return warnings;
-}
-
-}  // namespace
 
 void FilterSession::open() {
   _session.open(indicationSchemaMof());
@@ -53,7 +33,7 @@ CheckedFilter FilterSession::check(const std::string& text, QORuint32 firstLine)
   {
     const ScannerOutput scanner;
     checked.statement->validate();
-    checked.warnings = passedOver(scanner);
+    checked.warnings = scanner.passedOver({text, firstLine});
   }
   _session.dropWarnings();
   const FilterText filter(text, firstLine);
@@ -72,9 +52,15 @@ CheckedFilter FilterSession::check(const std::string& text, QORuint32 firstLine)
   return checked;
 }
 
-void FilterSession::printWarnings(const CheckedFilter& filter, const std::string& place) const {
-  if (_options.session.isQuiet) return;
+bool FilterSession::passes(const CheckedFilter& filter, const std::string& place) const {
+  const bool isRefused = _options.isStrict && !filter.warnings.empty();
   for (const std::string& warning : filter.warnings) {
-    std::cerr << "qorql: warning: " << place << printableText(warning) << '\n';
+    const std::string line = place + printableText(warning);
+    if (isRefused) {
+      reportRefusal(line);
+    } else if (!_options.session.isQuiet) {
+      std::cerr << "qorql: warning: " << line << '\n';
+    }
   }
+  return !isRefused;
 }

@@ -28,9 +28,11 @@ class FilterSession {
 
   // Validates a filter; places in the reason count from the given line.
   CheckedFilter check(const std::string& text, QORuint32 firstLine = 1);
-  // Prints the warnings of a filter on standard error, after what `place` says.
-  void printWarnings(const CheckedFilter& filter, const std::string& place = "") const;
+  // Prints the warnings of a valid filter on standard error, after what `place` says. With --strict they are errors:
+  // false when there is one.
+  bool passes(const CheckedFilter& filter, const std::string& place = "") const;
 
+  bool isStrict() const noexcept { return _options.isStrict; }
   EmbeddedObjectManager& manager() { return _session.manager(); }
   Session& session() { return _session; }
   QORString nameSpace() const { return QORString(_options.session.nameSpace); }

@@ -12,7 +12,8 @@ bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
 }  // namespace
 
-FilterText::FilterText(std::string_view text, QORuint32 firstLine) : _text(text), _firstLine(firstLine) {
+FilterText::FilterText(std::string_view text, QORuint32 firstLine, QORuint32 firstColumn)
+    : _text(text), _firstLine(firstLine), _firstColumn(firstColumn) {
   readPieces();
   readSources();
   readIsaClasses();
@@ -132,7 +133,12 @@ std::string FilterText::place(std::size_t offset) const {
   const std::string_view before = _text.substr(0, std::min(offset, _text.size()));
   const auto lines = static_cast<QORuint32>(std::count(before.begin(), before.end(), '\n'));
   const std::size_t lineStart = before.rfind('\n') == std::string_view::npos ? 0 : before.rfind('\n') + 1;
-  const auto isCharacter = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; };
-  const auto column = std::count_if(before.begin() + static_cast<std::ptrdiff_t>(lineStart), before.end(), isCharacter);
-  return "line " + std::to_string(_firstLine + lines) + ", column " + std::to_string(column + 1);
+  std::size_t column = 0;
+  for (std::size_t i = lineStart; i < before.size(); ++i) {
+    const bool goesOn = (static_cast<unsigned char>(before[i]) & 0xC0U) == 0x80U && i > 0 &&
+                        (static_cast<unsigned char>(before[i - 1]) & 0x80U) != 0;
+    if (!goesOn) ++column;  // so does a byte of another encoding that stands alone
+  }
+  return "line " + std::to_string(_firstLine + lines) + ", column " +
+         std::to_string(column + (lines == 0 ? _firstColumn : 1));
 }

@@ -27,8 +27,8 @@ class FilterText {
   };
   static constexpr std::size_t kNowhere = std::string_view::npos;
 
-  // BORROWS the text. Lines count from `firstLine`.
-  explicit FilterText(std::string_view text, QORuint32 firstLine = 1);
+  // BORROWS the text, which begins at that place of a longer one.
+  explicit FilterText(std::string_view text, QORuint32 firstLine = 1, QORuint32 firstColumn = 1);
 
   std::string_view text() const noexcept { return _text; }
   const std::vector<Piece>& pieces() const noexcept { return _pieces; }
@@ -63,6 +63,7 @@ class FilterText {
 
   std::string_view _text;
   QORuint32 _firstLine;
+  QORuint32 _firstColumn;
   std::vector<Piece> _pieces;
   std::vector<Source> _sources;
   std::map<std::string, std::string> _isaClasses;  // by property, in upper case

@@ -68,7 +68,7 @@ int runMatch(const MatchOptions& options) {
     session.open();
     const CheckedFilter filter = session.check(options.text);
     if (!filter.reason.empty()) return reportRefusal("the filter is not valid: " + filter.reason);
-    session.printWarnings(filter);
+    if (!session.passes(filter)) return kExitRefused;
     // All are read before the first is decided: a file with a fault decides nothing.
     std::vector<Instances> files;
     for (const std::string& file : options.files) files.push_back(readInstances(session, file));

@@ -38,6 +38,21 @@ void nameProperties(std::vector<ResultColumn>& columns) {
   }
 }
 
+void adopt(ResultColumn& column, const IQoriValue& value) {
+  column.typeName = value.getType()->getName().view();
+  column.isArray = value.isArray();
+}
+
+bool takes(const std::vector<ResultColumn>& columns, const ResultRow& row) {
+  for (std::size_t i = 0; i < row.size(); ++i) {
+    if (row[i].IsNull()) continue;
+    ResultColumn own;
+    adopt(own, *row[i]);
+    if (own.typeName != columns[i].typeName || own.isArray != columns[i].isArray) return false;
+  }
+  return true;
+}
+
 QORSmrPtr<IQoriProperty> property(const std::string& name, const QORSmrPtr<IQoriValue>& value) {
   return QORSmrPtr<IQoriProperty>(new CQoriProperty(QORString(name), value, true));
 }
@@ -48,39 +63,89 @@ void MofWriter::begin(const ResultHeading& heading) {
   if (!_isFirst) _out << '\n';
   _isFirst = false;
   _columns = heading.columns;
-  _className.clear();
+  _keyColumns.clear();
+  _resultClasses.clear();
   _rowCount = 0;
 }
 
-void MofWriter::declareResult() {
-  ++_resultCount;
-  _className = _resultCount == 1 ? "QueryResult" : "QueryResult_" + std::to_string(_resultCount);
-  nameProperties(_columns);
-  _out << "class " << _className << " {\n  [Key] uint64 " << kRowKey << ";\n";
-  for (const ResultColumn& column : _columns) {
+std::optional<std::vector<std::size_t>> MofWriter::keyColumnsOf(const QORString& className) const {
+  std::vector<std::size_t> columns;
+  for (const std::string& key : _keysOf(className)) {
+    const auto found = std::find_if(_columns.begin(), _columns.end(), [&](const ResultColumn& column) {
+      return QORString::equalIgnoringCase(column.name, key);
+    });
+    if (found == _columns.end()) return std::nullopt;
+    columns.push_back(static_cast<std::size_t>(found - _columns.begin()));
+  }
+  if (columns.empty()) return std::nullopt;
+  return columns;
+}
+
+// A join brings an object more than once, which does not load.
+bool MofWriter::isNewInstance(const ResultRow& row) {
+  if (row.className().isEmpty()) return false;
+  auto known = _keyColumns.find(row.className());
+  if (known == _keyColumns.end()) {
+    known = _keyColumns.emplace(row.className(), keyColumnsOf(row.className())).first;
+  }
+  if (!known->second) return false;
+  std::string path = folded(std::string(row.className().view()));
+  for (const std::size_t column : *known->second) {
+    if (row[column].IsNull()) return false;
+    const QORString value(row[column]->toString());
+    path.append("\n").append(folded(_columns[column].name)).append("=");
+    path.append(std::to_string(value.length())).append(":").append(value.view());
+  }
+  return _writtenPaths.insert(std::move(path)).second;
+}
+
+const MofWriter::ResultClass& MofWriter::resultClassFor(const ResultRow& row) {
+  for (const ResultClass& known : _resultClasses) {
+    if (takes(known.columns, row)) return known;
+  }
+  ++_resultClassCount;
+  const std::string number = _resultClassCount == 1 ? "" : "_" + std::to_string(_resultClassCount);
+  ResultClass& declared = _resultClasses.emplace_back(ResultClass{"QueryResult" + number, _columns});
+  nameProperties(declared.columns);
+  _out << "class " << declared.name << " {\n  [Key] uint64 " << kRowKey << ";\n";
+  for (std::size_t i = 0; i < row.size(); ++i) {
+    ResultColumn& column = declared.columns[i];
+    if (!row[i].IsNull()) adopt(column, *row[i]);
     _out << "  " << (isText(column) ? "string" : column.typeName) << ' ' << column.name << (column.isArray ? "[]" : "")
          << ";\n";
   }
   _out << "};\n";
+  return declared;
 }
 
 void MofWriter::writeInstance(const ResultRow& row) {
   const QORSmrPtr<CQoriBaseObject::PropertyList> properties(new CQoriBaseObject::PropertyList());
-  const bool isOwn = row.className().isEmpty();
-  if (isOwn) properties->append(property(kRowKey, new CQoriValue(_rowCount, CQoriType::uint64)));
+  for (std::size_t i = 0; i < row.size(); ++i) {
+    if (!row[i].IsNull()) properties->append(property(_columns[i].name, row[i]));
+  }
+  _out << EmbeddedObjectManager::instanceMof(CQoriBaseObject(QORString(), row.className(), QORString(), properties));
+}
+
+void MofWriter::writeResult(const ResultRow& row) {
+  const ResultClass& result = resultClassFor(row);
+  const QORSmrPtr<CQoriBaseObject::PropertyList> properties(new CQoriBaseObject::PropertyList());
+  properties->append(property(kRowKey, new CQoriValue(_rowCount, CQoriType::uint64)));
   for (std::size_t i = 0; i < row.size(); ++i) {
     if (row[i].IsNull()) continue;
-    const bool isTextColumn = isOwn && isText(_columns[i]) && !row[i]->isArray();
-    properties->append(property(_columns[i].name, isTextColumn ? new CQoriValue(row[i]->toString()) : row[i]));
+    const bool isShownAsText = isText(result.columns[i]) && !row[i]->isArray();
+    properties->append(property(result.columns[i].name, isShownAsText ? new CQoriValue(row[i]->toString()) : row[i]));
   }
-  const QORString className = isOwn ? QORString(_className) : row.className();
-  _out << EmbeddedObjectManager::instanceMof(CQoriBaseObject(QORString(), className, QORString(), properties));
+  _out << EmbeddedObjectManager::instanceMof(
+      CQoriBaseObject(QORString(), QORString(result.name), QORString(), properties));
 }
 
 void MofWriter::writeRow(const ResultRow& row) {
   ++_rowCount;
-  if (row.className().isEmpty() && _className.empty()) declareResult();
-  writeInstance(row);
+  if (isNewInstance(row)) {
+    writeInstance(row);
+  } else {
+    writeResult(row);
+  }
 }
 
 void MofWriter::end() {}

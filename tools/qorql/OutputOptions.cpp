@@ -20,4 +20,5 @@ void declareOutputOptions(CLI::App& app, OutputOptions& options) {
                      .check = oneOf(outputForms())});
   declareFlag(app, "--stats", options.hasStatistics, "Print counts and times of each statement to standard error");
   declareFlag(app, "--warnings", options.hasWarnings, "Warn where the language surprises, as on a terminal");
+  declareFlag(app, "--strict", options.isStrict, "Refuse statements that would be warned of; nothing is run then");
 }

@@ -16,6 +16,7 @@ struct OutputOptions {
   std::optional<OutputForm> form;  // none: the statement's FORMAT clause, else a table
   bool hasStatistics = false;
   bool hasWarnings = false;  // where the language surprises, although standard error is no terminal
+  bool isStrict = false;     // a statement that would be warned of is refused
 };
 
 // The forms by their names.

@@ -1,34 +1,16 @@
 // A statement from its text to the tree that the engine runs.
 #include "ParsedQuery.h"
 
-#include <ostream>
-
 #include "Cimom/QORQL/QORQL_Exception.h"
 #include "Cimom/QORQL/QORQL_Lexer.h"
 #include "Cimom/QORQL/QORQL_ParseException.h"
-
-namespace {
-
-class UnbufferedOutput {
- public:
-  explicit UnbufferedOutput(std::ostream& out) : _out(out) { _out << std::unitbuf << std::flush; }
-  UnbufferedOutput(const UnbufferedOutput&) = delete;
-  UnbufferedOutput& operator=(const UnbufferedOutput&) = delete;
-  ~UnbufferedOutput() { _out << std::nounitbuf; }
-
- private:
-  std::ostream& _out;
-};
-
-}  // namespace
+#include "ScannerOutput.h"
 
 // A fault that is found after the text was read has line 0, and no token is at fault.
-void ParsedQuery::parse(const std::string& nameSpace, std::ostream& out) {
-  const UnbufferedOutput unbuffered(out);
+void ParsedQuery::parseText(const QORString& nameSpace) {
   QORQL_Lexer lexer(_text, false);
   try {
-    _query =
-        QORQL_Query::parse(_symbols, lexer, false, _text, _language, QORString(nameSpace)).StaticCast<QORQL_Query>();
+    _query = QORQL_Query::parse(_symbols, lexer, false, _text, _language, nameSpace).StaticCast<QORQL_Query>();
   } catch (const QORQL_ParseException& error) {
     if (error.getLineNr() != 0) _faultOffset = lexer.getCurrent().getOffset();
     throw;
@@ -36,4 +18,15 @@ void ParsedQuery::parse(const std::string& nameSpace, std::ostream& out) {
     if (lexer.getCurrent().getType() != TokenEOF) _faultOffset = lexer.getCurrent().getOffset();
     throw;
   }
+}
+
+void ParsedQuery::parse(const std::string& nameSpace) {
+  const ScannerOutput scanner;
+  try {
+    parseText(QORString(nameSpace));
+  } catch (...) {
+    _passedOver = scanner.passedOver(_statement);
+    throw;
+  }
+  _passedOver = scanner.passedOver(_statement);
 }

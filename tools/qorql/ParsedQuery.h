@@ -3,36 +3,43 @@
 #define QORQL_TOOL_PARSEDQUERY_H
 
 #include <cstddef>
-#include <iosfwd>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "Cimom/QORQL/QORQL_Query.h"
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
+#include "Statements.h"
 
 // Keeps the texts that the tree refers to.
 class ParsedQuery {
  public:
-  explicit ParsedQuery(const std::string& text) : _text(text.data(), text.size()) {}
+  explicit ParsedQuery(const Statement& statement)
+      : _statement(statement), _text(_statement.text.data(), _statement.text.size()) {}
   ParsedQuery(const ParsedQuery&) = delete;
   ParsedQuery& operator=(const ParsedQuery&) = delete;
 
-  // What the scanner passes over comes out on `out` at once, in order with what
-  // it prints by other ways. THROWS what the engine throws.
-  void parse(const std::string& nameSpace, std::ostream& out);
+  // THROWS what the engine throws. What the scanner says goes to no stream.
+  void parse(const std::string& nameSpace);
 
   // REQUIRES that parse has succeeded.
   QORQL_Query& query() const { return *_query; }
   QORQL_SymbolTable& symbols() { return _symbols; }
+  // What the scanner passed over until the end or the fault, a printable sentence each.
+  const std::vector<std::string>& passedOver() const noexcept { return _passedOver; }
   // Where in the text parsing stopped; empty unless it failed at a token.
   std::optional<std::size_t> faultOffset() const { return _faultOffset; }
 
  private:
+  void parseText(const QORString& nameSpace);
+
+  const Statement _statement;
   const QORString _text;
   const QORString _language = "DMTF:CQL";
   QORQL_SymbolTable _symbols{nullptr};
   QORSmrPtr<QORQL_Query> _query;
   std::optional<std::size_t> _faultOffset;
+  std::vector<std::string> _passedOver;
 };
 
 #endif

@@ -58,22 +58,44 @@ std::vector<std::string> commandNames() {
   return names;
 }
 
-int runStatements(const QueryOptions& options, Session& session) {
-  QueryRunner runner(options.session, options.output, session, std::cout);
-  for (const Statement& statement : readStatements(options)) {
+// Both return the exit status.
+int runOne(const Statement& statement, QueryRunner& runner, Session& session) {
+  try {
+    runner.run(statement);
+  } catch (...) {
+    session.dropWarnings();
+    runner.finish();
+    std::cout.flush();
+    return reportFailure(statement, runner.faultOffset(), runner.hint(statement, commandNames()));
+  }
+  session.printWarnings();
+  return kExitDone;
+}
+
+// All statements before the first of them runs: a script is done or left alone.
+int checkStrictly(const std::vector<Statement>& statements, QueryRunner& runner) {
+  int status = kExitDone;
+  for (const Statement& statement : statements) {
+    const std::string place = statements.size() == 1 ? "" : "line " + std::to_string(statement.firstLine) + ": ";
     try {
-      runner.run(statement);
+      if (!runner.isFreeOfWarnings(statement, place)) status = kExitRefused;
     } catch (...) {
-      session.dropWarnings();
-      runner.finish();
-      std::cout.flush();
       return reportFailure(statement, runner.faultOffset(), runner.hint(statement, commandNames()));
     }
-    session.printWarnings();
-    if (!std::cout) break;
   }
-  runner.finish();
-  return kExitDone;
+  return status;
+}
+
+int runStatements(const QueryOptions& options, Session& session) {
+  QueryRunner runner(options.session, options.output, session, std::cout);
+  const std::vector<Statement> statements = readStatements(options);
+  int status = options.output.isStrict ? checkStrictly(statements, runner) : kExitDone;
+  for (auto statement = statements.begin(); status == kExitDone && std::cout && statement != statements.end();
+       ++statement) {
+    status = runOne(*statement, runner, session);
+  }
+  if (status == kExitDone) runner.finish();
+  return status;
 }
 
 int runQuery(QueryOptions& options) {

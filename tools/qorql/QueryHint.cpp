@@ -5,10 +5,15 @@
 #include <algorithm>
 
 #include "Cimom/QORQL/QORQL_Messages.h"
+#include "ClassFamily.h"
 #include "FilterFault.h"
 #include "Suggestion.h"
 
 namespace {
+
+// Of a row's object; what stands for %s goes on with the class.
+constexpr const char* kPropertyMissing = "A non-existent property - '%s'";
+constexpr std::string_view kOfClass = "' was requested from class - '";
 
 constexpr const char* kSymbolUnknown = "Unable to locate the symbol for '%s'";
 
@@ -46,10 +51,38 @@ CQLQueryFault faultOf(const QORString& message) {
   return fault;
 }
 
+// The property that an object lacks, and the class as the statement names it; null for other messages.
+struct MissingProperty {
+  QORString name;
+  QORString qualifier;
+};
+std::optional<MissingProperty> missingPropertyOf(const QORString& message) {
+  QORString rest;
+  if (!QORQL_isMessage(kPropertyMissing, message, rest)) return std::nullopt;
+  const std::size_t place = rest.view().find(kOfClass);
+  if (place == std::string_view::npos) return std::nullopt;
+  return MissingProperty{QORString(rest.view().substr(0, place)),
+                         QORString(rest.view().substr(place + kOfClass.size()))};
+}
+
 // That a class lacks a property is what the error says already.
 std::string hintOfName(const std::string& description) {
   const bool isKnown = description.find(" is no property of ") != std::string::npos;
   return isKnown && description.find("did you mean") == std::string::npos ? std::string() : description;
+}
+
+std::string hintOfMissing(EmbeddedObjectManager& manager, const QORString& nameSpace, const FilterText& text,
+                          const MissingProperty& missing) {
+  CQLQueryFault fault;
+  fault.kind = CQLQueryFault::kProperty;
+  fault.name = missing.name;
+  const std::string className = text.classOf(missing.qualifier.view());
+  fault.className = className.empty() ? missing.qualifier : QORString(className);
+  const QORString holder = ClassFamily(manager, nameSpace).holderOf(fault.className, missing.name);
+  if (holder.isEmpty()) return hintOfName(FilterFault(manager, nameSpace, text).describe(fault));
+  const std::string below(holder.view());
+  return std::string(missing.name.view()) + " is a property of " + below + ", which not every " +
+         std::string(fault.className.view()) + " is: ask for it FROM " + below;
 }
 
 // A number that is compared with a text, or the other way round.
@@ -96,10 +129,13 @@ std::string hintOfCommand(const FilterText& text, const std::vector<std::string>
 
 std::string hintOfFailure(EmbeddedObjectManager& manager, const std::string& nameSpace, const Statement& statement,
                           std::optional<std::size_t> faultOffset, const std::vector<std::string>& commands) {
-  const FilterText text(statement.text, statement.firstLine);
+  const FilterText text(statement.text, statement.firstLine, statement.firstColumn);
   try {
     throw;
   } catch (const QoriBaseException& error) {
+    if (const std::optional<MissingProperty> missing = missingPropertyOf(error.getMessage()); missing.has_value()) {
+      return hintOfMissing(manager, QORString(nameSpace), text, *missing);
+    }
     const CQLQueryFault fault = faultOf(error.getMessage());
     const bool isSyntax = faultOffset.has_value() && fault.kind == CQLQueryFault::kOther;
     if (!isSyntax) {

@@ -5,9 +5,11 @@
 #include <iomanip>
 #include <iostream>
 #include <sstream>
+#include <utility>
 
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_ResultReader.h"
+#include "ErrorReport.h"
 #include "Interrupt.h"
 #include "ParsedQuery.h"
 #include "ProgressLine.h"
@@ -15,7 +17,6 @@
 #include "RunMonitor.h"
 #include "SurpriseReport.h"
 #include "Terminal.h"
-#include "UnknownProperties.h"
 
 namespace {
 
@@ -54,7 +55,7 @@ void writeRows(QORQL_ResultReader& reader, ResultWriter& writer, const std::ostr
 
 // One statement on its way.
 struct QueryRunner::Execution {
-  explicit Execution(const std::string& given) : statement(given), parsed(given) {}
+  explicit Execution(const Statement& given) : statement(given.text), parsed(given) {}
 
   const std::string& statement;
   ParsedQuery parsed;
@@ -68,10 +69,11 @@ struct QueryRunner::Execution {
 };
 
 void QueryRunner::run(const Statement& statement) {
-  Execution execution(statement.text);
+  Execution execution(statement);
   _session.manager().resetStatistics();
   parse(execution);
-  warn(execution);
+  tellOfPassedOver(execution);
+  if (isWarning()) printWarnings(std::cerr, warningsOf(execution));
   const QORQL_MonitorScope scope(execution.monitor);
   execute(execution);
   print(execution);
@@ -86,13 +88,28 @@ void QueryRunner::finish() {
 void QueryRunner::parse(Execution& execution) {
   const Clock::time_point start = Clock::now();
   _faultOffset.reset();
+  _hasEndedEarly = false;
   try {
-    execution.parsed.parse(_options.nameSpace, _out);
+    execution.parsed.parse(_options.nameSpace);
   } catch (...) {
     _faultOffset = execution.parsed.faultOffset();
+    tellOfPassedOver(execution);  // it may be the cause, such as quotes of another kind
     throw;
   }
   execution.parseTime = millisecondsSince(start);
+}
+
+void QueryRunner::tellOfPassedOver(const Execution& execution) const {
+  if (!_options.isQuiet) printWarnings(std::cerr, execution.parsed.passedOver());
+}
+
+bool QueryRunner::isFreeOfWarnings(const Statement& statement, const std::string& place) {
+  Execution execution(statement);
+  parse(execution);
+  std::vector<std::string> warnings = execution.parsed.passedOver();
+  for (std::string& warning : warningsOf(execution)) warnings.push_back(std::move(warning));
+  for (const std::string& warning : warnings) reportRefusal(place + warning);
+  return warnings.empty();
 }
 
 // A person at a terminal is warned where the language surprises; a script asks for it.
@@ -100,15 +117,18 @@ bool QueryRunner::isWarning() const {
   return !_options.isQuiet && (_output.hasWarnings || standardErrorShape().isTerminal);
 }
 
-void QueryRunner::warn(Execution& execution) const {
-  if (!isWarning()) return;
-  printSurprises(std::cerr, _session.manager(), execution.parsed.query(), _options.nameSpace);
-  if (formOf(execution) == OutputForm::Xml) printEmptyRows(std::cerr, execution.statement);
-  printUnknownProperties(std::cerr, _session.manager(), QORString(_options.nameSpace), execution.parsed);
+std::vector<std::string> QueryRunner::warningsOf(Execution& execution) const {
+  std::vector<std::string> warnings = findWarnings(_session.manager(), _options.nameSpace, execution.parsed);
+  if (formOf(execution) != OutputForm::Xml) return warnings;
+  if (std::string warning = emptyRowsWarning(execution.statement); !warning.empty()) {
+    warnings.push_back(std::move(warning));
+  }
+  return warnings;
 }
 
+// A result that ends early says nothing else of what is wrong, so its hint is no matter of --warnings.
 std::string QueryRunner::hint(const Statement& statement, const std::vector<std::string>& commands) const {
-  if (!isWarning()) return {};
+  if (!isWarning() && (_options.isQuiet || !_hasEndedEarly)) return {};
   return hintOfFailure(_session.manager(), _options.nameSpace, statement, _faultOffset, commands);
 }
 
@@ -137,6 +157,8 @@ void QueryRunner::execute(Execution& execution) {
   execution.parsed.query().execute(execution.parsed.symbols(), execution.table, isStreamed ? &_out : nullptr,
                                    QORString(_options.nameSpace));
   execution.executeTime = millisecondsSince(start);
+  _hasEndedEarly = execution.monitor.causeOfEarlyEnd() != nullptr;
+  if (_hasEndedEarly) std::rethrow_exception(execution.monitor.causeOfEarlyEnd());
 }
 
 void QueryRunner::print(Execution& execution) {
@@ -159,10 +181,19 @@ void QueryRunner::print(Execution& execution) {
   execution.printTime = millisecondsSince(start);
 }
 
+std::vector<std::string> QueryRunner::keysOf(const QORString& className) {
+  std::vector<std::string> keys;
+  const QORString nameSpace(_options.nameSpace);
+  for (const CimPropertyDeclaration& property : _session.manager().allProperties(nameSpace, className)) {
+    if (property.hasFlag("Key")) keys.emplace_back(property.name.view());
+  }
+  return keys;
+}
+
 ResultWriter& QueryRunner::writerOf(OutputForm form) {
   if (_writer == nullptr || form != _writerForm) {
     finish();
-    _writer = makeResultWriter(form, _out);
+    _writer = makeResultWriter(form, _out, [this](const QORString& className) { return keysOf(className); });
     _writerForm = form;
   }
   return *_writer;

@@ -23,10 +23,13 @@ class QueryRunner {
   // THROWS what the engine and the providers throw; Interrupted, or
   // QORQL_StoppedException, after an Interrupt.
   void run(const Statement& statement);
+  // For --strict: parses a statement and reports what it would be warned of as errors, behind what `place` says. THROWS
+  // what parsing throws.
+  bool isFreeOfWarnings(const Statement& statement, const std::string& place = "");
   // Where in the text of the last statement parsing failed; empty for other faults.
   std::optional<std::size_t> faultOffset() const { return _faultOffset; }
   // What may have been meant by a statement that failed, where warnings are
-  // wanted; empty when nothing is known. A single word may stand for one of the
+  // wanted or the result ended early; empty when nothing is known. A single word may stand for one of the
   // commands. REQUIRES to be called inside a catch clause.
   std::string hint(const Statement& statement, const std::vector<std::string>& commands) const;
   // After the last statement: completes the output.
@@ -36,12 +39,14 @@ class QueryRunner {
   struct Execution;
 
   void parse(Execution& execution);
+  void tellOfPassedOver(const Execution& execution) const;
   bool isWarning() const;
-  void warn(Execution& execution) const;
+  std::vector<std::string> warningsOf(Execution& execution) const;
   void execute(Execution& execution);
   void print(Execution& execution);
   void printStatistics(const Execution& execution);
   OutputForm formOf(const Execution& execution) const;
+  std::vector<std::string> keysOf(const QORString& className);
   // The writer of a form; a writer of another form is finished first.
   ResultWriter& writerOf(OutputForm form);
 
@@ -50,6 +55,7 @@ class QueryRunner {
   Session& _session;
   std::ostream& _out;
   std::optional<std::size_t> _faultOffset;
+  bool _hasEndedEarly = false;
   std::unique_ptr<ResultWriter> _writer;
   OutputForm _writerForm = OutputForm::Table;
 };

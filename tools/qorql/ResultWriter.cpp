@@ -7,7 +7,7 @@
 #include "MofWriter.h"
 #include "TableWriter.h"
 
-std::unique_ptr<ResultWriter> makeResultWriter(OutputForm form, std::ostream& out) {
+std::unique_ptr<ResultWriter> makeResultWriter(OutputForm form, std::ostream& out, const KeysOfClass& keysOf) {
   switch (form) {
     case OutputForm::Csv:
       return std::make_unique<CsvWriter>(out);
@@ -18,7 +18,7 @@ std::unique_ptr<ResultWriter> makeResultWriter(OutputForm form, std::ostream& ou
     case OutputForm::Html:
       return std::make_unique<HtmlWriter>(out);
     case OutputForm::Mof:
-      return std::make_unique<MofWriter>(out);
+      return std::make_unique<MofWriter>(out, keysOf);
     case OutputForm::Table:
     case OutputForm::Xml:
       break;

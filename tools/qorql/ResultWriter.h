@@ -3,6 +3,7 @@
 #define QORQL_TOOL_RESULTWRITER_H
 
 #include <cstddef>
+#include <functional>
 #include <iosfwd>
 #include <memory>
 #include <span>
@@ -62,7 +63,10 @@ class ResultWriter {
   std::ostream& _out;
 };
 
+// The names of a class's key properties.
+using KeysOfClass = std::function<std::vector<std::string>(const QORString& className)>;
+
 // REQUIRES a form other than Xml, which the engine writes itself.
-std::unique_ptr<ResultWriter> makeResultWriter(OutputForm form, std::ostream& out);
+std::unique_ptr<ResultWriter> makeResultWriter(OutputForm form, std::ostream& out, const KeysOfClass& keysOf);
 
 #endif

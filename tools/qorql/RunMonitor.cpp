@@ -35,3 +35,7 @@ void RunMonitor::stepEnds(Step /*step*/) noexcept {
   _running.pop_back();
   describe();
 }
+
+void RunMonitor::resultEndsEarly(const std::exception_ptr& cause) noexcept {
+  if (_causeOfEarlyEnd == nullptr) _causeOfEarlyEnd = cause;
+}

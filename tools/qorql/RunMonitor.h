@@ -4,6 +4,7 @@
 
 #include <array>
 #include <chrono>
+#include <exception>
 #include <vector>
 
 #include "Activity.h"
@@ -18,7 +19,10 @@ class RunMonitor : public QORQL_ExecutionMonitor {
   bool isStopRequested() noexcept override;
   void stepBegins(Step step, const QORString& subject) noexcept override;
   void stepEnds(Step step) noexcept override;
+  void resultEndsEarly(const std::exception_ptr& cause) noexcept override;
 
+  // What ended the result before its last row; null when nothing did.
+  const std::exception_ptr& causeOfEarlyEnd() const noexcept { return _causeOfEarlyEnd; }
   double milliseconds(Step step) const noexcept { return _milliseconds[step]; }
 
  private:
@@ -36,6 +40,7 @@ class RunMonitor : public QORQL_ExecutionMonitor {
   std::vector<Running> _running;
   std::array<double, 4> _milliseconds{};
   Clock::time_point _since;
+  std::exception_ptr _causeOfEarlyEnd;
 };
 
 #endif

@@ -5,6 +5,9 @@
 #include <cstdio>
 #include <sstream>
 #include <string>
+#include <vector>
+
+#include "Statements.h"
 
 // While it lives, what is written to std::cout and to stdout is collected: the
 // scanner repeats characters that it does not know on the one and complains of
@@ -16,9 +19,9 @@ class ScannerOutput {
   ScannerOutput& operator=(const ScannerOutput&) = delete;
   ~ScannerOutput();
 
-  // The characters that it did not know.
-  std::string unknownCharacters() const { return _stream.str(); }
-  bool isStringOpen() const;
+  // What was passed over of the text that was scanned meanwhile, a printable
+  // sentence each: the unknown characters, with their places, and strings without end.
+  std::vector<std::string> passedOver(const Statement& scanned) const;
 
  private:
   std::ostringstream _stream;

@@ -80,7 +80,7 @@ void Shell::runStatement(const Statement& statement) {
   const Clock::time_point start = Clock::now();
   QueryRunner runner(_state.options, _state.output, _state.session, std::cout);
   try {
-    runner.run(statement);
+    if (!_state.output.isStrict || runner.isFreeOfWarnings(statement)) runner.run(statement);
     runner.finish();
     std::cout.flush();
     _state.session.printWarnings();

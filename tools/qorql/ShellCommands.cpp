@@ -14,6 +14,7 @@
 #include "QueryHint.h"
 #include "StatementCompletion.h"
 #include "Suggestion.h"
+#include "SurpriseReport.h"
 
 namespace {
 
@@ -82,9 +83,9 @@ void chooseForm(Argument name, ShellState& state) {
 
 void explain(Argument query, ShellState& state) {
   for (const Statement& statement : splitStatements(query.empty() ? " " : query)) {
-    ParsedQuery parsed(statement.text);
+    ParsedQuery parsed(statement);
     try {
-      parsed.parse(state.options.nameSpace, std::cout);
+      parseWithWarnings(parsed, state.options.nameSpace, state.options.isQuiet);
       printExplanation(std::cout, state.session.manager(), parsed, state.options.nameSpace);
     } catch (...) {
       state.session.dropWarnings();

@@ -26,24 +26,37 @@ Extent findExtent(std::string_view text, std::size_t from) {
   return extent;
 }
 
-QORuint32 countLines(std::string_view text) {
-  return static_cast<QORuint32>(std::count(text.begin(), text.end(), '\n'));
-}
+// A place that moves on over the text.
+struct Place {
+  QORuint32 line = 1;
+  QORuint32 column = 1;
+
+  void pass(std::string_view text) {
+    line += static_cast<QORuint32>(std::count(text.begin(), text.end(), '\n'));
+    const std::size_t lineEnd = text.rfind('\n');
+    if (lineEnd != std::string_view::npos) {
+      column = 1;
+      text.remove_prefix(lineEnd + 1);
+    }
+    column += static_cast<QORuint32>(std::count_if(text.begin(), text.end(), beginsCharacter));
+  }
+  static bool beginsCharacter(char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }
+};
 
 }  // namespace
 
 std::vector<Statement> splitStatements(std::string_view text) {
   std::vector<Statement> statements;
-  QORuint32 line = 1;
-  std::size_t counted = 0;  // up to here lines are counted
+  Place place;
+  std::size_t counted = 0;  // up to here the place is
   for (std::size_t from = 0; from < text.size();) {
     const auto [end, kept] = findExtent(text, from);
     const std::size_t first = text.find_first_not_of(kBlanks, from);
     if (first < end) {
-      line += countLines(text.substr(counted, first - counted));
+      place.pass(text.substr(counted, first - counted));
       counted = first;
       const std::size_t last = text.find_last_not_of(kBlanks, end - 1) + 1;
-      statements.push_back({std::string(text.substr(first, std::max(last, kept) - first)), line});
+      statements.push_back({std::string(text.substr(first, std::max(last, kept) - first)), place.line, place.column});
     }
     from = end + 1;
   }

@@ -11,7 +11,9 @@
 
 struct Statement {
   std::string text;
-  QORuint32 firstLine = 1;  // where it begins in the whole text
+  // Where it begins in the whole text; columns count characters.
+  QORuint32 firstLine = 1;
+  QORuint32 firstColumn = 1;
 };
 
 // The statements between the semicolons of a text, blank ones left out, blanks

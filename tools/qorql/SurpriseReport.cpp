@@ -1,12 +1,15 @@
 // Warnings where a statement does not mean what someone who knows SQL expects.
 #include "SurpriseReport.h"
 
-#include <ostream>
+#include <iostream>
+#include <utility>
 
 #include "Cimom/QORQL/QORQL_Surprises.h"
 #include "ClassFamily.h"
 #include "DisplayText.h"
 #include "FilterText.h"
+#include "ParsedQuery.h"
+#include "UnknownProperties.h"
 
 namespace {
 
@@ -27,19 +30,40 @@ std::string meantClass(EmbeddedObjectManager& manager, const std::string& nameSp
 
 }  // namespace
 
-void printSurprises(std::ostream& out, EmbeddedObjectManager& manager, const QORQL_Query& query,
-                    const std::string& nameSpace) {
-  for (const QORQL_Surprise& surprise : QORQL_findSurprises(query, QORString(nameSpace))) {
-    out << "qorql: warning: " << cutText(printableText(surprise.text), kLongest, "...")
-        << meantClass(manager, nameSpace, surprise.unknownClass) << " [" << surprise.rule << "]\n";
+std::vector<std::string> findWarnings(EmbeddedObjectManager& manager, const std::string& nameSpace,
+                                      ParsedQuery& parsed) {
+  std::vector<std::string> warnings;
+  for (const QORQL_Surprise& surprise : QORQL_findSurprises(parsed.query(), QORString(nameSpace))) {
+    warnings.push_back(cutText(printableText(surprise.text), kLongest, "...") +
+                       meantClass(manager, nameSpace, surprise.unknownClass) + " [" + surprise.rule + "]");
   }
+  for (std::string& warning : findUnknownProperties(manager, QORString(nameSpace), parsed)) {
+    warnings.push_back(std::move(warning));
+  }
+  return warnings;
 }
 
-void printEmptyRows(std::ostream& out, const std::string& statement) {
+std::string emptyRowsWarning(const std::string& statement) {
   const FilterText text(statement);
   for (std::size_t i = 0; i < text.fromPiece(); ++i) {
-    if (!isBareStar(text, i)) continue;
-    out << "qorql: warning: In XML the rows of * are empty: name the columns [SEL-5]\n";
-    return;
+    if (isBareStar(text, i)) return "In XML the rows of * are empty: name the columns [SEL-5]";
   }
+  return {};
+}
+
+void printWarnings(std::ostream& out, const std::vector<std::string>& warnings) {
+  for (const std::string& warning : warnings) out << "qorql: warning: " << warning << '\n';
+}
+
+void parseWithWarnings(ParsedQuery& parsed, const std::string& nameSpace, bool isQuiet) {
+  const auto tell = [&] {
+    if (!isQuiet) printWarnings(std::cerr, parsed.passedOver());
+  };
+  try {
+    parsed.parse(nameSpace);
+  } catch (...) {
+    tell();
+    throw;
+  }
+  tell();
 }

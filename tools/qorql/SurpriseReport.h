@@ -4,14 +4,23 @@
 
 #include <iosfwd>
 #include <string>
+#include <vector>
 
-class EmbeddedObjectManager;
-class QORQL_Query;
+#include "Cimom/Embedded/EmbeddedObjectManager.h"
 
-// `qorql: warning: <text> [RULE]`, a line for each.
-void printSurprises(std::ostream& out, EmbeddedObjectManager& manager, const QORQL_Query& query,
-                    const std::string& nameSpace);
-// For a statement whose result is the engine's stream: that the rows of a bare * are empty in it.
-void printEmptyRows(std::ostream& out, const std::string& statement);
+class ParsedQuery;
+
+// All that a statement is warned of before it runs, a printable sentence each. REQUIRES a parsed query.
+std::vector<std::string> findWarnings(EmbeddedObjectManager& manager, const std::string& nameSpace,
+                                      ParsedQuery& parsed);
+// For a statement whose result is the engine's stream: that the rows of a bare * are empty in it; else nothing.
+std::string emptyRowsWarning(const std::string& statement);
+
+// Parses and prints on standard error what the scanner passed over, unless quiet: also before a fault that it may be
+// the cause of. THROWS what parsing throws.
+void parseWithWarnings(ParsedQuery& parsed, const std::string& nameSpace, bool isQuiet);
+
+// `qorql: warning: <text>`, a line for each.
+void printWarnings(std::ostream& out, const std::vector<std::string>& warnings);
 
 #endif

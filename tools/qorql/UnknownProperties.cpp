@@ -1,7 +1,6 @@
 // For each class of FROM: what is asked of it, less what its classes declare.
 #include "UnknownProperties.h"
 
-#include <ostream>
 #include <set>
 
 #include "Cimom/QORQL/QORQL_FromClause.h"
@@ -10,32 +9,32 @@
 
 namespace {
 
-void print(std::ostream& out, const ClassFamily& family, const QORString& className,
-           const QORSmrPtr<QORQL_Symbol>& symbol) {
+void find(const ClassFamily& family, const QORString& className, const QORSmrPtr<QORQL_Symbol>& symbol,
+          std::vector<std::string>& sentences) {
   const QORSmrPtr<IQoriClass> model(family.find(className));
   if (model.IsNull() || symbol.IsNull() || symbol->getClassInfo().IsNull()) return;
   const QORSmrPtr<QORValSlist<QORString>> asked = symbol->getClassInfo()->getPropertyList();
   QORValSlistIterator<QORString> names(*asked);
   while (++names) {
     if (family.has(className, names.key())) continue;
-    out << "qorql: warning: " << model->getClassName().view() << " has no property "
-        << printableText(std::string(names.key().view()));
     const std::string meant = family.nearestProperty(className, names.key().view());
-    if (!meant.empty()) out << ": did you mean " << meant << "?";
-    out << '\n';
+    sentences.push_back(std::string(model->getClassName().view()) + " has no property " +
+                        printableText(names.key().view()) + (meant.empty() ? "" : ": did you mean " + meant + "?"));
   }
 }
 
 }  // namespace
 
-void printUnknownProperties(std::ostream& out, EmbeddedObjectManager& manager, const QORString& nameSpace,
-                            ParsedQuery& parsed) {
+std::vector<std::string> findUnknownProperties(EmbeddedObjectManager& manager, const QORString& nameSpace,
+                                               ParsedQuery& parsed) {
+  std::vector<std::string> sentences;
   const ClassFamily family(manager, nameSpace);
   std::set<QORString> seen;
   const auto& from = dynamic_cast<const QORQL_FromClause&>(*parsed.query().getFromClause());
   QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*from.getFromSpecifierList());
   while (++specifiers) {
     const QORString& name = specifiers.key()->getTableName();
-    if (seen.insert(name).second) print(out, family, name, parsed.symbols().lookupIgnoringCase(name));
+    if (seen.insert(name).second) find(family, name, parsed.symbols().lookupIgnoringCase(name), sentences);
   }
+  return sentences;
 }

@@ -25,8 +25,8 @@ constexpr const char* kFooter =
     "filter uses (* for all of them), or \"invalid\" and the reason; separated by tabs.\n"
     "Without FILTER and --file, filters are read from standard input, one a line.\n"
     "\n"
-    "Exit status: 0 every filter is valid; 1 one is not; 2 wrong usage; 3 MOF or\n"
-    "configuration failure.\n"
+    "Exit status: 0 every filter is valid; 1 one is not, or --strict refuses one; 2 wrong usage;\n"
+    "3 MOF or configuration failure.\n"
     "\n"
     "Example:\n"
     "  qorql validate \"SELECT * FROM CIM_AlertIndication WHERE OwningEntity = 'SNIA'\"";
@@ -47,16 +47,17 @@ class Validation {
  public:
   explicit Validation(FilterSession& session) : _session(session) {}
 
-  // Prints one line.
+  // Adds one line.
   void validate(const std::string& text, QORuint32 line, bool isOneOfMany) {
     const CheckedFilter filter = _session.check(text, line);
     if (!filter.reason.empty()) {
       _areAllValid = false;
-      std::cout << "invalid\t" << filter.reason << '\n';
+      print(std::string(kInvalid) + filter.reason);
       return;
     }
-    std::cout << "valid\t" << needsOf(*filter.statement) << '\n';
-    _session.printWarnings(filter, isOneOfMany ? "line " + std::to_string(line) + ": " : "");
+    print("valid\t" + needsOf(*filter.statement));
+    if (!_session.passes(filter, isOneOfMany ? "line " + std::to_string(line) + ": " : ""))
+      _areAllFreeOfWarnings = false;
   }
   // One filter a line, blank lines left out.
   void validateLines(std::string text) {
@@ -66,9 +67,29 @@ class Validation {
       if (line.find_first_not_of(" \t") != std::string::npos) validate(line, number, true);
     }
   }
-  bool areAllValid() const noexcept { return _areAllValid; }
+  // The exit status. With --strict nothing is printed before the last filter has been looked at, and nothing at all
+  // where one would be warned of: what is not valid is an error then like the warnings.
+  int finish() {
+    for (const std::string& line : _held) {
+      if (_areAllFreeOfWarnings) {
+        std::cout << line << '\n';
+      } else if (line.starts_with(kInvalid)) {
+        reportRefusal(line.substr(kInvalid.size()));
+      }
+    }
+    return _areAllValid && _areAllFreeOfWarnings ? kExitDone : kExitRefused;
+  }
 
  private:
+  static constexpr std::string_view kInvalid = "invalid\t";
+
+  void print(const std::string& line) {
+    if (_session.isStrict()) {
+      _held.push_back(line);
+    } else {
+      std::cout << line << '\n';
+    }
+  }
   QORString declaredName(const QORString& className) const {
     const QORSmrPtr<IQoriClass> found = _session.manager().sink().findClass(_session.nameSpace(), className);
     return found.IsNull() ? className : found->getClassName();
@@ -107,6 +128,8 @@ class Validation {
 
   FilterSession& _session;
   bool _areAllValid = true;
+  bool _areAllFreeOfWarnings = true;
+  std::vector<std::string> _held;  // lines of output
 };
 
 int runValidate(const ValidateOptions& options) {
@@ -125,7 +148,7 @@ int runValidate(const ValidateOptions& options) {
   } else {
     validation.validateLines(readTextFile(options.file));
   }
-  return validation.areAllValid() ? kExitDone : kExitRefused;
+  return validation.finish();
 }
 
 }  // namespace

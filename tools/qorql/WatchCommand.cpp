@@ -86,17 +86,19 @@ void warn(const WatchOptions& options, const std::string& warning) {
   if (!options.filter.session.isQuiet) std::cerr << "qorql: warning: " << printableText(warning) << '\n';
 }
 
-void warnOfSilence(const WatchOptions& options, const LiveWatch& watch) {
-  if (!watch.asksForChanges()) {
-    warn(options, "the filter asks for no indication of a change: nothing will be printed");
-  } else if (watch.classNames().empty()) {
-    warn(options, "no live class is of the class that the filter asks for: nothing will be printed");
-  }
+// Why no indication can come; empty when one can.
+std::string reasonOfSilence(const LiveWatch& watch) {
+  if (!watch.asksForChanges()) return "the filter asks for no indication of a change: nothing will be printed";
+  if (!watch.classNames().empty()) return {};
+  return "no live class is of the class that the filter asks for: nothing will be printed";
 }
 
 int watchUntilTheEnd(const WatchOptions& options, FilterSession& session, const CQLQueryStatement& filter) {
   LiveWatch watch(session.manager(), session.nameSpace(), filter, FilterText(options.text));
-  warnOfSilence(options, watch);
+  if (const std::string silence = reasonOfSilence(watch); !silence.empty()) {
+    if (options.filter.isStrict) return reportRefusal(silence);
+    warn(options, silence);
+  }
   IndicationPrinter printer(filter);
   const bool hasLimit = options.limit != 0;
   const auto take = [&](const IQoriObject& indication) {
@@ -129,7 +131,7 @@ int runWatch(const WatchOptions& options) {
     return reportStartFailure();
   }
   if (!filter.reason.empty()) return reportRefusal("the filter is not valid: " + filter.reason);
-  session.printWarnings(filter);
+  if (!session.passes(filter)) return kExitRefused;
   try {
     return watchUntilTheEnd(options, session, *filter.statement);
   } catch (...) {

@@ -1,7 +1,6 @@
 // The qorql program.
 #include <cerrno>
 #include <csignal>
-#include <cstdio>
 #include <cstring>
 #include <iostream>
 
@@ -25,8 +24,6 @@ int main(int argc, char** argv) {
   // A pipe without a reader and a file that may grow no more are told by the write that fails.
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
-  // The scanner reports on standard output by both ways; neither may overtake the other.
-  std::setvbuf(stdout, nullptr, _IONBF, 0);
   StandardOutput output;
   return closeOutput(output, runCommandLine(argc, argv));
 }
