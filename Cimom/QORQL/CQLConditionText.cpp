@@ -27,12 +27,15 @@ std::string mismatchOfTypes(const QORSmrPtr<IQoriValue>& left, const QORSmrPtr<I
   const QORString& leftType = left->getType()->getName();
   const QORString& rightType = right->getType()->getName();
   if (leftType == rightType || CQLQueryStatement::isNumericalData(leftType, rightType)) return "";
+  const std::string mismatch =
+      ": " + std::string(leftType.view()) + " and " + std::string(rightType.view()) + " do not compare";
+  if (left->isArray() && right->isArray()) return mismatch;
   const bool isTruthOnLeft = leftType == "boolean" && rightType == "string";
   if (isTruthOnLeft || (leftType == "string" && rightType == "boolean")) {
     const QORSmrPtr<IQoriValue>& text = isTruthOnLeft ? right : left;
     return text->isArray() || saysTruth(text) ? "" : ": a boolean compares with TRUE and FALSE only";
   }
-  return ": " + std::string(leftType.view()) + " and " + std::string(rightType.view()) + " do not compare";
+  return mismatch;
 }
 
 class ConditionText {
@@ -135,7 +138,7 @@ std::string CQLTextOfMismatch(const QORSmrPtr<IQoriValue>& left, const QORQL_Com
     if (!(isLeft ? left : right)->isArray()) return ": ANY and EVERY ask an array";
     if ((isLeft ? right : left)->isArray()) return ": an element does not compare with an array";
   } else if (left->isArray() && right->isArray()) {
-    return comparison.getOperator() > QORQL_OperatorNOTEQUAL ? ": arrays have no order" : "";
+    if (comparison.getOperator() > QORQL_OperatorNOTEQUAL) return ": arrays have no order";
   } else if (left->isArray() || right->isArray()) {
     return ": an array compares with a value under ANY or EVERY only";
   }

@@ -227,6 +227,20 @@ class Warnings(ValidateCase):
                          ["OperationalStatus is an array: it never matches; to ask its elements write "
                           "ANY SourceInstance.OperationalStatus[*] (line 1, column 72)"])
 
+    def test_arrays_of_other_types(self):
+        path = self.write("arrays.mof", "class XYZ_A { [Key] uint8 Id; boolean Truths[]; string Texts[]; uint8 Few[]; "
+                                        "real64 Fine[]; };\n")
+        for condition, warnings in (
+                ("Truths = Texts", "qorql: warning: Truths is an array of boolean and does not compare with Texts, an "
+                                   "array of string: it never matches (line 1, column 27)\n"),
+                ("Texts <> Few", "qorql: warning: Texts is an array of string and does not compare with Few, an "
+                                 "array of uint8: it never matches (line 1, column 27)\n"),
+                ("Few = Fine", ""), ("ANY Texts = Id", "qorql: warning: Texts is an array of string and does not compare "
+                                                       "with Id, a uint8: it never matches (line 1, column 31)\n"),
+                ("Texts = Texts", "")):
+            result = self.validate("-m", path, "SELECT * FROM XYZ_A WHERE " + condition)
+            self.assertEqual((result.status, result.err), (0, warnings), condition)
+
     def test_numbers_that_are_taken_for_others(self):
         path = self.write("numbers.mof", "class XYZ_N { [Key] uint64 Big; sint64 Small; real32 Rough; real64 Fine; "
                                          "uint32 Plain; };\n")

@@ -145,8 +145,8 @@ Filter RandomFilter::make() {
 void RandomFilter::addSources() {
   for (unsigned i = _choice.chance(75) ? 1 : 2; i > 0; --i) {
     const std::string& name = _choice.of(_schema.classes).name;
-    const bool isThere = !_filter.from.empty() && _filter.from[0].className == name;
-    if (!isThere) _filter.from.push_back({name, _choice.chance(40) ? "f" + std::to_string(i) : ""});
+    const bool isThere = !_filter.from.empty() && areEqualNames(_filter.from[0].className, name);
+    if (!isThere) _filter.from.push_back({spelled(name), _choice.chance(40) ? "f" + std::to_string(i) : ""});
   }
 }
 
@@ -160,9 +160,21 @@ const ClassType& RandomFilter::anySource() { return *_schema.find(_choice.of(_fi
 
 std::string RandomFilter::nameOfSource(const ClassType& source) {
   for (const Source& from : _filter.from) {
-    if (from.className == source.name && !from.alias.empty() && _choice.chance(60)) return from.alias;
+    const bool isOfSource = areEqualNames(from.className, source.name);
+    if (isOfSource && !from.alias.empty() && _choice.chance(60)) return spelled(from.alias);
   }
-  return source.name;
+  return spelled(source.name);
+}
+
+// Names ignore case.
+std::string RandomFilter::spelled(std::string name) {
+  if (_choice.chance(85)) return name;
+  const bool isUpper = _choice.chance(50);
+  for (char& c : name) {
+    if (isUpper && c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+    if (!isUpper && c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return name;
 }
 
 std::string RandomFilter::selectList() {
@@ -226,7 +238,7 @@ RandomFilter::Comparison RandomFilter::alikeComparison() {
 RandomFilter::Factor RandomFilter::plainReference(const PropertyType& property) {
   Factor made;
   made.form = Factor::Form::Reference;
-  made.property = property.name;
+  made.property = spelled(property.name);
   if (!isUnambiguous(property.name)) {
     for (const Source& source : _filter.from) {
       if (_schema.find(source.className)->has(property.name)) made.path = {source.className};
@@ -252,17 +264,17 @@ RandomFilter::Comparison RandomFilter::isaTest() {
   const bool isReference = _choice.chance(60);
   Factor left = isReference ? reference(_choice.chance(70)) : literal();
   if (isReference && _choice.chance(75)) {
-    left.property = _choice.of(kNames);
+    left.property = spelled(_choice.of(kNames));
     if (left.path.empty() && !isUnambiguous(left.property)) left.path = {nameOfSource(anySource())};
   }
-  if (!isReference && _choice.chance(80)) left.word = "'" + _choice.of(kNames) + "'";
+  if (!isReference && _choice.chance(80)) left.word = "'" + spelled(_choice.of(kNames)) + "'";
   made.left.products.push_back({{left}, ""});
   if (_choice.chance(10)) {
     made.left.operators += '+';
     made.left.products.push_back({{_choice.chance(50) ? literal() : reference(true)}, ""});
   }
   Factor right;
-  right.word = _choice.of(_schema.classes).name;
+  right.word = spelled(_choice.of(_schema.classes).name);
   if (_choice.chance(50)) right.word = "'" + right.word + "'";
   made.right = Sum{{{{right}, ""}}, ""};
   if (_choice.chance(10)) {
@@ -321,8 +333,8 @@ RandomFilter::Factor RandomFilter::reference(bool isWhole) {
   Factor made;
   made.form = Factor::Form::Reference;
   const ClassType& source = anySource();
-  made.property = _choice.of(source.properties).name;
-  if (_choice.chance(5)) made.scope = _choice.of(_schema.classes).name;
+  made.property = spelled(_choice.of(source.properties).name);
+  if (_choice.chance(5)) made.scope = spelled(_choice.of(_schema.classes).name);
   if (!isUnambiguous(made.property) || _choice.chance(40)) made.path.push_back(nameOfSource(source));
   if (_choice.chance(30)) goThroughObjects(made);
   if (!isWhole && _choice.chance(10)) made.index = static_cast<int>(_choice.below(5)) - 2;
@@ -334,10 +346,10 @@ void RandomFilter::goThroughObjects(Factor& factor) {
   static const std::vector<std::string> kHolders = {"Objobject", "OneObject", "Objobject", "ListObject", "OneUint8"};
   static const std::vector<PropertyType> kProperties = allProperties();
   do {
-    factor.path.push_back(_choice.of(kHolders));
+    factor.path.push_back(spelled(_choice.of(kHolders)));
   } while (_choice.chance(20));
-  factor.property = _choice.of(kProperties).name;
-  factor.scope = _choice.chance(50) ? _choice.of(_schema.classes).name : "";
+  factor.property = spelled(_choice.of(kProperties).name);
+  factor.scope = _choice.chance(50) ? spelled(_choice.of(_schema.classes).name) : "";
 }
 
 RandomFilter::Factor RandomFilter::literal() {

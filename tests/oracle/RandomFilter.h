@@ -56,6 +56,7 @@ class RandomFilter {
 
   void addSources();
   std::string selectList();
+  std::string spelled(std::string name);
   bool isUnambiguous(const std::string& property) const;
   const filter_model::ClassType& anySource();
   std::string nameOfSource(const filter_model::ClassType& source);

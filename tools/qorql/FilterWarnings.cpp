@@ -44,6 +44,11 @@ bool mayCompare(const FilterOperand& left, const FilterOperand& right) {
 
 bool isWholeArray(const FilterOperand& operand) { return operand.isArray && !operand.isAsked; }
 
+// Arrays compare as wholes where their types do; a boolean is no text there.
+bool areUnlikeArrays(const FilterOperand& left, const FilterOperand& right) {
+  return isWholeArray(left) && isWholeArray(right) && left.kind != right.kind;
+}
+
 std::string typeOf(const FilterOperand& operand) {
   if (operand.isArray) return "an array of " + operand.type;
   return (operand.type == "object" ? "an " : "a ") + operand.type;
@@ -129,7 +134,7 @@ void FilterWarnings::checkComparison(std::size_t sign) {
   const bool isEquality = _text.is(sign, "=") || _text.is(sign, "<>") || _text.is(sign, "!=");
   if (isWholeArray(left) && isWholeArray(right) && !isEquality) {
     warn("arrays have no order: it never matches", left.piece);
-  } else if (!mayCompare(left, right)) {
+  } else if (!mayCompare(left, right) || areUnlikeArrays(left, right)) {
     warnOfTypes(left, right);
   } else if (!warnOfSigns(left, right) && !warnOfSigns(right, left) && !warnOfReal32(left, right)) {
     warnOfReal32(right, left);

@@ -113,6 +113,15 @@ TEST_F(FilterDecision, arraysOfOtherElementTypesDoNotCompare) {
   }
 }
 
+TEST_F(FilterDecision, whyArraysOfOtherElementTypesDoNotCompare) {
+  CQLQueryStatement statement("CQL", "SELECT * FROM T_Event WHERE Truths = Texts", kNameSpace, "");
+  ASSERT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS);
+  std::string why;
+  EXPECT_FALSE(statement.explainMatch(world.indication("instance of T_Event { Truths = {TRUE}; Texts = {\"TRUE\"}; };"),
+                                      kNameSpace, why));
+  EXPECT_EQ(why, "Truths = Texts ({TRUE} = {'TRUE'}): boolean and string do not compare");
+}
+
 TEST_F(FilterDecision, isaBehindAPathAScopeOrWithAnIndexNeverMatches) {
   const std::string values =
       "SourceInstance = instance of XYZ_Part { Id = \"p\"; }; PreviousInstance = instance of T_Event "
