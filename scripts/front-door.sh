@@ -98,6 +98,19 @@ build_preset() {
   exec 9>&-
 }
 
+# Runs a preset's tests, and tells in the end what was skipped and why, which ctest keeps to itself:
+# run_tests PRESET [CTEST OPTION]...
+run_tests() {
+  local folder="$root/build/$1" status=0
+  shift
+  rm -f "$folder/Testing/Temporary/LastTest.log"
+  ctest --test-dir "$folder" --output-on-failure "$@" || status=$?
+  [ ! -e "$folder/Testing/Temporary/LastTest.log" ] ||
+    sed -n -e 's/^[0-9]*\/[0-9]* Test: //;t name' -e '/^skipped: /{G;s/^\(.*\)\n\(.*\)$/'"$me"': \2 \1/p};d;:name;h' \
+      "$folder/Testing/Temporary/LastTest.log" >&2
+  return "$status"
+}
+
 # What the tool and its libraries are built from.
 tool_sources=(CMakeLists.txt CMakePresets.json cmake include Cimom tools packages.txt)
 

@@ -86,6 +86,7 @@ def main():
     TOOL = os.path.abspath(sys.argv[1])
     STREAM = os.path.abspath(sys.argv[2])
     ran = unittest.main(module="__main__", argv=[sys.argv[0], *sys.argv[3:]], exit=False).result
-    for test, reason in ran.skipped:
-        print(f"skipped {test.id()}: {reason}")
+    reasons = [reason for _, reason in ran.skipped]
+    for reason in sorted(set(reasons)):
+        print(f"skipped: {reason} ({reasons.count(reason)} tests)")
     sys.exit(1 if not ran.wasSuccessful() else SKIPPED if ran.skipped else 0)

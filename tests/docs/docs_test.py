@@ -5,6 +5,7 @@ import tempfile
 import types
 import unittest
 
+import check_commands
 import check_guide
 import check_links
 import check_rules
@@ -102,6 +103,48 @@ class CheckWarnings(unittest.TestCase):
             with open(path, "w", encoding="utf-8") as out:
                 out.write("```sh\n./qorql -m a.mof 'SELECT x FROM y'\n./qorql match 'SELECT z FROM y'\n./qorql -V\n```\n")
             self.assertEqual(list(check_warnings.queries_of_commands(path)), [(2, ["-m", "a.mof"], "SELECT x FROM y")])
+
+
+class CheckCommands(unittest.TestCase):
+    def check(self, files):
+        """What is said of the commands in these files, where the tool is a program that likes no option but --help."""
+        with tempfile.TemporaryDirectory() as root:
+            for path, text in files.items():
+                full = os.path.join(root, path)
+                os.makedirs(os.path.dirname(full), exist_ok=True)
+                with open(full, "w", encoding="utf-8") as out:
+                    out.write(text)
+                os.chmod(full, 0o755 if text.startswith("#!") else 0o644)
+            tool = os.path.join(root, "tool")
+            with open(tool, "w", encoding="utf-8") as out:
+                out.write('#!/bin/sh\ncase "$*" in explain\\ SELECT*|*--help) ;; *) exit 2 ;; esac\n')
+            os.chmod(tool, 0o755)
+            return [line.split(": ")[:2] for line in check_commands.check(tool, root)]
+
+    def test_a_command_that_no_check_runs_is_found_wherever_it_stands(self):
+        found = self.check({
+            "docs/a.md": "See `scripts/long -n 5`.\n\n    scripts/long --wide  # all\n\n```sh\ncmake --none\n```\n"
+                         "```\nmake -j\n```\n",
+            "scripts/long": "#!/bin/bash\n# Takes long: scripts/long [-n N]\n#   [--wide]. No more.\nscripts/long --in-code\n",
+            "examples/CMakeLists.txt": "# A project:\n# cmake -S examples\n"})
+        self.assertEqual(sorted(found), [
+            ["docs/a.md:1", "scripts/long -n 5"], ["docs/a.md:3", "scripts/long --wide"], ["docs/a.md:6", "cmake --none"],
+            ["docs/a.md:9", "make -j"], ["examples/CMakeLists.txt:2", "cmake -S examples"],
+            ["scripts/long:1", "scripts/long [-n N] [--wide]"]])
+
+    def test_the_same_program_with_all_its_options_is_a_check(self):
+        files = {"a.md": "`scripts/long -n 5 --wide`, `cmake -S x`\n", "scripts/long": "#!/bin/bash\n",
+                 ".ci/run": "#!/bin/bash\nscripts/long -n 1\nscripts/long --wide || exit 1\ncmake -S x -B y && ls\n"}
+        self.assertEqual(self.check(files), [])
+        files[".ci/run"] = "#!/bin/bash\nscripts/long -n 1\n# scripts/long --wide\ncmake -S y\n"
+        self.assertEqual(self.check(files), [["a.md:1", "scripts/long -n 5 --wide"], ["a.md:1", "cmake -S x"]])
+
+    def test_commands_of_the_tool_are_tried(self):
+        self.assertEqual(self.check({"a.md": "`./qorql explain QUERY`, `qorql match`, `qorql match --none`, `qorql`\n"}),
+                         [["a.md:1", "qorql match --none"]])
+
+    def test_files_and_words_are_no_commands(self):
+        self.assertEqual(self.check({"a.md": "`scripts/part.sh` `test` `sort rows` `build/a.log`\n", "scripts/part.sh": "#\n"}), [])
 
 
 class CheckLinks(unittest.TestCase):

@@ -1,15 +1,47 @@
 """Runs the commands of a document: each ./qorql line of its ```sh blocks must succeed and print something.
 
-Run as run_commands.py TOOL ROOT DOCUMENT. The commands run in ROOT with TOOL in place of ./qorql.
+Run as run_commands.py TOOL ROOT DOCUMENT. The commands run in ROOT with TOOL in place of ./qorql, while processes come
+and go for those that wait for one.
 """
+import contextlib
 import shlex
 import subprocess
 import sys
+import threading
 
 import markdown
 
 TIMEOUT_SECONDS = 60
 COMMAND = "./qorql "
+
+
+@contextlib.contextmanager
+def coming_and_going():
+    """A process every moment, each there long enough to be seen."""
+    over = threading.Event()
+
+    def start_some():
+        running = []
+        while not over.wait(0.3):
+            running.append(subprocess.Popen(["sleep", "3"]))
+            running = [process for process in running if process.poll() is None]
+        for process in running:
+            process.kill()
+            process.wait()
+
+    thread = threading.Thread(target=start_some)
+    thread.start()
+    try:
+        yield
+    finally:
+        over.set()
+        thread.join()
+
+
+def run(command, root):
+    with coming_and_going() if " watch " in command else contextlib.nullcontext():
+        return subprocess.run(command, shell=True, cwd=root, stdin=subprocess.DEVNULL, capture_output=True,
+                              timeout=TIMEOUT_SECONDS)
 
 
 def commands(document):
@@ -25,14 +57,7 @@ def main(tool, root, document):
     count = failures = 0
     for number, command in commands(document):
         count += 1
-        ran = subprocess.run(
-            shlex.quote(tool) + command[len(COMMAND) - 1:],
-            shell=True,
-            cwd=root,
-            stdin=subprocess.DEVNULL,
-            capture_output=True,
-            timeout=TIMEOUT_SECONDS,
-        )
+        ran = run(shlex.quote(tool) + command[len(COMMAND) - 1:], root)
         if ran.returncode != 0 or not ran.stdout.strip() or ran.stderr:
             failures += 1
             print(f"{document}:{number}: {command}\nexit status {ran.returncode}")
