@@ -69,7 +69,8 @@ void AssociationWalk::walkStored() {
 
 void AssociationWalk::walkLive() {
   for (const LiveSource& source : _liveAssociations) {
-    const auto* const associations = _live.referringTo(_store, source, _sourcePath.view());
+    const auto* const associations =
+        _live.referringTo(_store, source, _sourcePath.view(), source.entry != _associationEntry);
     if (associations == nullptr) continue;
     for (const QORSmrPtr<IQoriObject>& association : *associations) meetEnds(*source.entry->model, *association);
   }

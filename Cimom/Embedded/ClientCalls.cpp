@@ -73,7 +73,9 @@ CIMApi::Instances enumerateInstances(const ObjectStore& store, ListCache& cache,
   CIMApi::Instances all(new InstanceList(*stored));
   Restrictor restrictor(request.names);
   for (const LiveSource& source : sources) {
-    for (const QORSmrPtr<IQoriObject>& object : readLive(store, source, request)) {
+    LiveRequest own = request;
+    own.isOneOfMany = !source.entry->model->getClassName().isEqualCaseInsensitive(className);
+    for (const QORSmrPtr<IQoriObject>& object : readLive(store, source, own)) {
       all->append(restrictor.apply(*source.entry->model, object));
     }
   }
@@ -84,7 +86,7 @@ QORSmrPtr<IQoriObject> getInstance(const ObjectStore& store, const QORString& na
                                    const QORSmrPtr<IQoriInstanceName>& name, const CIMApi::PropertyNames& names) {
   const QORString& own = name->getNameSpacePath()->getNameSpace();
   if (!own.isEmpty() && !nameSpace.isEmpty() && !own.isEqualCaseInsensitive(nameSpace)) return {};
-  LiveRequest request{names, {}, {}};
+  LiveRequest request{names, {}, {}, false};
   LiveSource source;
   {
     const std::shared_lock<std::shared_mutex> lock(store.mutex());

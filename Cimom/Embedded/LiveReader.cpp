@@ -2,6 +2,7 @@
 // checked, values are brought to the declared types, and paths stay unique.
 #include "Cimom/Embedded/LiveReader.h"
 
+#include <algorithm>
 #include <new>
 #include <string>
 #include <unordered_set>
@@ -54,15 +55,39 @@ class Collector {
     std::vector<QORSmrPtr<IQoriValue>> values(_model.properties().size());
     for (std::size_t i = 0; i < given.size(); ++i) values[_positions[i]] = declaredValue(_positions[i], given[i]);
     for (const QORuint32 key : _model.keyPositions()) {
-      if (values[key].IsNull()) return;
+      if (values[key].IsNull()) return leaveOut([&] { return faultOfKey(key, given); });
     }
     canonicaliseReferences(values);
     keep(ModelInstance::create(_model.shape(), values));
   }
 
+  // What was left out is no secret: one line for all of it.
+  void report() const {
+    if (_leftOut == 0) return;
+    const std::string count = _leftOut == 1 ? "an instance is left out: "
+                                            : std::to_string(_leftOut) + " instances are left out, the first since ";
+    QORLog::log("Providers", joined({_model.getClassName().view(), ": ", count, _reason}), QoriTraceLog::kWarning,
+                QoriTraceLog::kNormal, 0, QORLog::CIMOMLOG);
+  }
+
   std::vector<QORSmrPtr<IQoriObject>> takeObjects() && { return std::move(_objects); }
 
  private:
+  template <class Reason>
+  void leaveOut(Reason reason) {
+    if (_leftOut++ == 0) _reason = reason();
+  }
+
+  std::string faultOfKey(QORuint32 key, const std::vector<QORSmrPtr<IQoriValue>>& given) const {
+    const std::string name(_model.shape()->layout->getName(key).view());
+    const auto place = std::find(_positions.begin(), _positions.end(), key) - _positions.begin();
+    const QORSmrPtr<IQoriValue>& value = given[static_cast<std::size_t>(place)];
+    if (value.IsNull()) return "its key " + name + " has no value";
+    return "its key " + name + " is a " + std::string(_model.type(key)->getName().view()) +
+           ", and the provider gave a " + std::string(value->getType()->getName().view()) + ", " +
+           std::string(value->toString().view());
+  }
+
   // A value that the declared type cannot hold cannot be had.
   QORSmrPtr<IQoriValue> declaredValue(QORuint32 position, const QORSmrPtr<IQoriValue>& given) const {
     const QORSmrPtr<IQoriType>& type = _model.type(position);
@@ -86,7 +111,9 @@ class Collector {
     const QORSmrPtr<IQoriInstanceName> name = object->getInstanceName();
     if (name.IsNull()) return;
     const QORString path = name->toString();
-    if (!_paths.emplace(path.view()).second) return;
+    if (!_paths.emplace(path.view()).second) {
+      return leaveOut([&] { return "its path occurs twice, " + std::string(path.view()); });
+    }
     const std::shared_lock<std::shared_mutex> lock(_store.mutex());
     const NameSpace* const space = _store.findNameSpace(_model.shape()->nameSpace, View::Committed);
     const StoredInstance* const stored = space->instances.find(path.view());
@@ -98,13 +125,22 @@ class Collector {
   std::vector<QORuint32> _positions;  // of the properties that the provider fills
   std::vector<QORSmrPtr<IQoriObject>> _objects;
   std::unordered_set<std::string> _paths;
+  std::size_t _leftOut = 0;
+  std::string _reason;  // why the first was left out
 };
 
-void callProvider(InstanceProvider& provider, const InstanceProvider::Request& request, Collector& collector) {
+// A machine without the source of one class among several still has the others.
+void tellOfAbsence(const CQoriProviderException& absence) {
+  QORLog::log("Providers", absence.getMessage(), QoriTraceLog::kWarning, QoriTraceLog::kNormal, 0, QORLog::CIMOMLOG);
+}
+
+void callProvider(InstanceProvider& provider, const InstanceProvider::Request& request, Collector& collector,
+                  bool isOneOfMany) {
   try {
     provider.enumerate(request, [&collector](std::vector<QORSmrPtr<IQoriValue>>&& values) { collector.take(values); });
-  } catch (const CQoriProviderException&) {
-    throw;
+  } catch (const CQoriProviderException& failure) {
+    if (!isOneOfMany || failure.getCode() != InstanceProvider::kNoSource) throw;
+    tellOfAbsence(failure);
   } catch (const std::bad_alloc&) {
     throw;
   } catch (const std::exception& error) {
@@ -123,7 +159,8 @@ std::vector<QORSmrPtr<IQoriObject>> readLive(const ObjectStore& store, const Liv
   callProvider(
       *source.provider,
       {model.shape()->nameSpace, model.getClassName(), collector.propertyNames(), request.transaction, request.only},
-      collector);
+      collector, request.isOneOfMany);
+  collector.report();
   return std::move(collector).takeObjects();
 }
 

@@ -14,13 +14,15 @@ struct LiveRequest {
   CIMApi::PropertyNames names;  // null: all properties
   QORSmrPtr<QoriTransactionInfo> transaction;
   QORSmrPtr<IQoriInstanceName> only;  // null: every instance
+  bool isOneOfMany = false;           // other classes are asked as well
 };
 
 // The class's live instances, complete in shape: properties that are neither
 // asked for nor keys are NULL. Instances without a value for each key, and
-// those whose path is stored or came before, are left out. REQUIRES that the
-// caller does not hold the store's lock. THROWS CQoriProviderException, also
-// for whatever else a provider throws but std::bad_alloc.
+// those whose path is stored or came before, are left out; the log tells of
+// them, but for what is stored. REQUIRES that the caller does not hold the store's lock. THROWS CQoriProviderException,
+// also for whatever else a provider throws but std::bad_alloc; of one class among many a source that is not there is a
+// warning in the log instead.
 std::vector<QORSmrPtr<IQoriObject>> readLive(const ObjectStore& store, const LiveSource& source,
                                              const LiveRequest& request);
 

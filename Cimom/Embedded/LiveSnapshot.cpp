@@ -22,12 +22,13 @@ QORString referencedPath(const IQoriObject& object, QORuint32 position) {
 }  // namespace
 
 const std::vector<QORSmrPtr<IQoriObject>>* LiveSnapshot::referringTo(const ObjectStore& store, const LiveSource& source,
-                                                                     std::string_view path) {
+                                                                     std::string_view path, bool isOneOfMany) {
   auto known = _associations.find(source.entry);
   if (known == _associations.end()) {
     const CQoriClass& model = *source.entry->model;
     PathMap<std::vector<QORSmrPtr<IQoriObject>>> index;
-    for (const QORSmrPtr<IQoriObject>& association : readLive(store, source, {referenceNames(model), {}, {}})) {
+    for (const QORSmrPtr<IQoriObject>& association :
+         readLive(store, source, {referenceNames(model), {}, {}, isOneOfMany})) {
       for (const QORuint32 position : model.referencePositions()) {
         const QORString referenced = referencedPath(*association, position);
         if (referenced.isNull()) continue;
@@ -47,7 +48,7 @@ QORSmrPtr<IQoriObject> LiveSnapshot::find(const ObjectStore& store, const LiveSo
   auto known = _instances.find(key);
   if (known == _instances.end()) {
     PathMap<QORSmrPtr<IQoriObject>> index;
-    for (const QORSmrPtr<IQoriObject>& object : readLive(store, source, {names, {}, {}})) {
+    for (const QORSmrPtr<IQoriObject>& object : readLive(store, source, {names, {}, {}, true})) {
       index.emplace(object->getInstanceName()->toString().view(), object);
     }
     known = _instances.emplace(key, std::move(index)).first;

@@ -19,9 +19,10 @@ namespace embedded {
 class LiveSnapshot {
  public:
   // BORROW: valid while the snapshot lives. THROW as readLive().
-  // The live associations of the source that refer to the path; null when there are none.
+  // The live associations of the source that refer to the path; null when there
+  // are none. The flag as in LiveRequest.
   const std::vector<QORSmrPtr<IQoriObject>>* referringTo(const ObjectStore& store, const LiveSource& source,
-                                                         std::string_view path);
+                                                         std::string_view path, bool isOneOfMany);
   // The live instance of that canonical path with the named properties; null when there is none.
   QORSmrPtr<IQoriObject> find(const ObjectStore& store, const LiveSource& source, const CIMApi::PropertyNames& names,
                               std::string_view path);

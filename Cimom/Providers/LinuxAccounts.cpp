@@ -4,6 +4,7 @@
 
 #include <grp.h>
 #include <pwd.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <mutex>
@@ -23,9 +24,12 @@ std::mutex& databaseLock() {
 
 std::string textOf(const char* text) { return text == nullptr ? "" : text; }
 
-// A database that ends without an error; an absent one is an empty one.
-void checkEnd(const char* what, int error) {
-  if (error == 0 || error == ENOENT) return;
+// A database that ends without an error. One of several that are asked may be
+// absent; where none has anything, the file that every system has tells why.
+void checkEnd(const char* what, const char* file, int error, bool isEmpty) {
+  const bool isMissing = isEmpty && access(file, R_OK) != 0;
+  if (isMissing) error = errno;
+  if (!isMissing && (error == 0 || error == ENOENT)) return;
   logUnreadable(what, error);
   throw CQoriProviderException("Linux accounts", QORString(what) + " cannot be read", kCimErrFailed);
 }
@@ -52,7 +56,7 @@ std::vector<LinuxAccount> readAccounts() {
     accounts.push_back({textOf(entry->pw_name), entry->pw_uid, entry->pw_gid, textOf(entry->pw_gecos),
                         textOf(entry->pw_dir), textOf(entry->pw_shell)});
   }
-  checkEnd("The user database", errno);
+  checkEnd("The user database", "/etc/passwd", errno, accounts.empty());
   return accounts;
 }
 
@@ -72,6 +76,6 @@ std::vector<LinuxAccountGroup> readAccountGroups() {
       groups.back().members.emplace_back(*member);
     }
   }
-  checkEnd("The group database", errno);
+  checkEnd("The group database", "/etc/group", errno, groups.empty());
   return groups;
 }

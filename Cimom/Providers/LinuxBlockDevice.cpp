@@ -3,6 +3,7 @@
 #include "Cimom/Providers/LinuxBlockDevice.h"
 
 #include <libudev.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -19,6 +20,7 @@ const char* const LinuxBlockDevice::kClassName = "Linux_BlockDevice";
 namespace {
 
 constexpr QORuint32 kCimErrFailed = 1;
+constexpr const char* kDatabase = "/run/udev/data";
 constexpr QORuint64 kSector = 512;  // the unit of the kernel's counts, whatever the device's blocks
 
 struct ReleaseUdev {
@@ -157,6 +159,14 @@ constexpr LinuxProperty<Device> kProperties[] = {
   throw CQoriProviderException(LinuxBlockDevice::kClassName, "The block devices cannot be listed", kCimErrFailed);
 }
 
+// The library takes absent files for a machine without devices.
+void checkSources(const InstanceProvider::Request& request) {
+  if (access("/sys/class", R_OK) != 0) raiseUnreadable(errno);
+  const bool needsDatabase = request.needs("SerialNumber") || request.needs("FileSystemType") ||
+                             request.needs("FileSystemLabel") || request.needs("FileSystemUUID");
+  if (needsDatabase && access(kDatabase, R_OK) != 0) warnUnreadable(kDatabase, errno);
+}
+
 List listDevices(udev* context) {
   List list(udev_enumerate_new(context));
   if (list == nullptr) raiseUnreadable(ENOMEM);
@@ -171,6 +181,7 @@ List listDevices(udev* context) {
 void LinuxBlockDevice::enumerate(const Request& request, const Emit& emit) {
   const auto properties = bindProperties<LinuxProperty<Device>>(request, kProperties);
   const QORString wanted = wantedKey(request, "DeviceID");
+  checkSources(request);
   const Context context(udev_new());
   if (context == nullptr) raiseUnreadable(ENOMEM);
   const List list = listDevices(context.get());

@@ -22,6 +22,7 @@ constexpr QORuint32 kCimErrFailed = 1;
 struct Mount {
   libmnt_fs* entry;
   struct statvfs sizes {};
+  UnreadableParts& unreadable;
   bool isAsked = false;
   bool hasSizes = false;
 
@@ -35,7 +36,7 @@ bool fetchSizes(Mount& mount) {
   const char* const type = mnt_fs_get_fstype(mount.entry);
   if (type != nullptr && std::string_view(type) == "autofs") return false;
   mount.hasSizes = statvfs(mount.target(), &mount.sizes) == 0;
-  if (!mount.hasSizes) logUnreadable(mount.target(), errno);
+  if (!mount.hasSizes) mount.unreadable.note(mount.target(), errno);
   return mount.hasSizes;
 }
 
@@ -147,8 +148,9 @@ void LinuxFileSystem::enumerate(const Request& request, const Emit& emit) {
   const auto properties = bindProperties<LinuxProperty<Mount>>(request, kProperties);
   const Table table = readTable();
   const QORString wanted = wantedKey(request, "Name");
+  UnreadableParts unreadable;
   for (libmnt_fs* entry : visibleMounts(table.get())) {
-    Mount mount{entry};
+    Mount mount{entry, {}, unreadable};
     if (wanted.isNull() || wanted == mount.target()) emitInstance(mount, properties, emit);
   }
 }

@@ -5,7 +5,9 @@
 #include <ifaddrs.h>
 #include <net/if.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <map>
@@ -120,6 +122,23 @@ constexpr LinuxProperty<Port> kProperties[] = {
     {"SystemName", readSystemName},
 };
 
+// What getifaddrs tells is there without them.
+void checkKernelFiles(const InstanceProvider::Request& request) {
+  constexpr const char* kFolder = "/sys/class/net";
+  constexpr const char* kRead[] = {"PermanentAddress",
+                                   "Speed",
+                                   "ActiveMaximumTransmissionUnit",
+                                   "State",
+                                   "BytesReceived",
+                                   "BytesTransmitted",
+                                   "PacketsReceived",
+                                   "PacketsTransmitted",
+                                   "Errors"};
+  const bool needs =
+      std::any_of(std::begin(kRead), std::end(kRead), [&](const char* name) { return request.needs(name); });
+  if (needs && access(kFolder, R_OK) != 0) warnUnreadable(kFolder, errno);
+}
+
 Addresses readAllAddresses() {
   ifaddrs* addresses = nullptr;
   if (getifaddrs(&addresses) == 0) return Addresses(addresses);
@@ -133,6 +152,7 @@ void LinuxNetworkPort::enumerate(const Request& request, const Emit& emit) {
   const auto properties = bindProperties<LinuxProperty<Port>>(request, kProperties);
   const QORString wanted = wantedKey(request, "DeviceID");
   const Addresses addresses = readAllAddresses();
+  checkKernelFiles(request);
   std::map<std::string, unsigned> flags;
   for (const ifaddrs* entry = addresses.get(); entry != nullptr; entry = entry->ifa_next) {
     flags.emplace(entry->ifa_name, entry->ifa_flags);

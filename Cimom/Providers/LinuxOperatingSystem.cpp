@@ -7,10 +7,12 @@
 #include <sys/utsname.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
 #include <ctime>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "Cimom/Providers/LinuxProperty.h"
 #include "cimom/CQoriValue.h"
@@ -23,10 +25,14 @@ struct ReleaseMemory {
   void operator()(meminfo_info* memory) const noexcept { procps_meminfo_unref(&memory); }
 };
 
+constexpr const char* kReleaseFile = "/etc/os-release";
+
 // What several properties share, fetched by the first that needs it.
 struct System {
   std::string release{};
   bool hasRelease = false;
+  int releaseError = 0;
+  UnreadableParts unreadable{};
   utsname names{};
   bool hasNames = false;
   std::unique_ptr<meminfo_info, ReleaseMemory> memory{};
@@ -36,7 +42,8 @@ struct System {
 std::string releaseEntry(System& system, const std::string& key) {
   if (!system.hasRelease) {
     system.hasRelease = true;
-    system.release = "\n" + readSmallFile("/etc/os-release");
+    system.release = "\n" + readSmallFile(kReleaseFile);
+    system.releaseError = errno;
   }
   const std::string start = "\n" + key + "=";
   const std::size_t found = system.release.find(start);
@@ -45,7 +52,11 @@ std::string releaseEntry(System& system, const std::string& key) {
   QORString value(std::string_view(system.release).substr(from, system.release.find('\n', from) - from));
   return std::string(value.trim("\"'\r").view());
 }
-LinuxValue releaseValue(System& system, const char* key) { return textOrNull(releaseEntry(system, key).c_str()); }
+LinuxValue releaseValue(System& system, const char* key) {
+  const std::string entry = releaseEntry(system, key);
+  if (const int error = std::exchange(system.releaseError, 0); error != 0) system.unreadable.note(kReleaseFile, error);
+  return textOrNull(entry.c_str());
+}
 
 std::string systemName(System& system) {
   const std::string name = releaseEntry(system, "NAME");
@@ -65,8 +76,10 @@ LinuxValue readKernelVersion(System& system) { return textOrNull(names(system).v
 LinuxValue readArchitecture(System& system) { return textOrNull(names(system).machine); }
 LinuxValue readHostName(System& system) { return textOrNull(names(system).nodename); }
 
-LinuxValue readBootTime(System&) {
-  return bootTimeMicroseconds() == 0 ? LinuxValue() : dateTimeValue(0, bootTimeMicroseconds());
+LinuxValue readBootTime(System& system) {
+  if (bootTimeMicroseconds() != 0) return dateTimeValue(0, bootTimeMicroseconds());
+  system.unreadable.note("/proc/stat", ENOENT);
+  return {};
 }
 LinuxValue readLocalTime(System&) {
   timespec now{};
@@ -81,17 +94,19 @@ LinuxValue readTimeZone(System&) {
 }
 
 // The names in /proc that are numbers; none when the kernel's files are not there.
-LinuxValue readProcessCount(System&) {
+LinuxValue readProcessCount(System& system) {
   const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir("/proc"), closedir);
   if (folder == nullptr) {
-    logUnreadable("/proc", errno);
+    system.unreadable.note("/proc", errno);
     return {};
   }
   QORuint32 count = 0;
   while (const dirent* entry = readdir(folder.get())) {
     if (entry->d_name[0] >= '1' && entry->d_name[0] <= '9') ++count;
   }
-  return count == 0 ? LinuxValue() : uint32Value(count);
+  if (count != 0) return uint32Value(count);
+  system.unreadable.note("the processes in /proc", ENOENT);
+  return {};
 }
 LinuxValue readProcessorCount(System&) {
   const long count = sysconf(_SC_NPROCESSORS_ONLN);
@@ -99,9 +114,12 @@ LinuxValue readProcessorCount(System&) {
 }
 
 // The last 1, 5 and 15 minutes.
-LinuxValue readLoadAverage(System&) {
+LinuxValue readLoadAverage(System& system) {
   double minutes[3] = {};
-  if (procps_loadavg(&minutes[0], &minutes[1], &minutes[2]) < 0) return {};
+  if (const int result = procps_loadavg(&minutes[0], &minutes[1], &minutes[2]); result < 0) {
+    system.unreadable.note("/proc/loadavg", -result);
+    return {};
+  }
   QORSmrPtr<IQoriValue::List> elements = new IQoriValue::List();
   for (const double average : minutes) elements->append(real64Value(average));
   return new CQoriValue(elements, CQoriType::real64);
@@ -112,7 +130,7 @@ LinuxValue memoryValue(System& system, meminfo_item item) {
   if (system.memory == nullptr) {
     meminfo_info* memory = nullptr;
     if (const int result = procps_meminfo_new(&memory); result < 0) {
-      logUnreadable("/proc/meminfo", -result);
+      system.unreadable.note("/proc/meminfo", -result);
       return {};
     }
     system.memory.reset(memory);

@@ -34,6 +34,7 @@ struct Sample {
   std::map<unsigned, std::string> userNames{};
   std::string ioCounters{};  // of the process `ioPid`
   int ioPid = 0;
+  UnreadableParts unreadable{};
   std::map<std::string_view, LinuxValue> systemKeys{};  // the same for every process, by what they are
 
   std::string path(const char* file) const { return "/proc/" + std::to_string(pid) + "/" + file; }
@@ -114,7 +115,7 @@ LinuxValue readOwner(Sample& sample) {
 void noteFailure(Sample& sample, const std::string& path, int error) {
   const bool isGone = error == ENOENT || error == ESRCH;
   if (isGone && access(sample.path("").c_str(), F_OK) != 0) sample.hasEnded = true;
-  if (!isGone) logUnreadable(path, error);
+  if (!isGone) sample.unreadable.note(path, error);
 }
 
 // Null for a kernel thread and where the permission lacks.
@@ -274,6 +275,8 @@ void LinuxProcess::enumerate(const Request& request, const Emit& emit) {
   const Processes processes = openProcesses(properties);
   const QORString wanted = wantedKey(request, "Handle");
   if (!wanted.isNull()) return emitOne(processes.get(), wanted, properties, emit);
+  // The first process is always there, unless those of other users are hidden.
+  if (access("/proc/1", F_OK) != 0) warnUnreadable("the processes of other users", errno);
   Sample sample;
   while (const pids_stack* stack = procps_pids_get(processes.get(), PIDS_FETCH_TASKS_ONLY)) {
     emitProcess(sample, properties, *stack, emit);

@@ -91,12 +91,13 @@ void LinuxProcessor::enumerate(const Request& request, const Emit& emit) {
   const QORString wanted = wantedKey(request, "DeviceID");
   const bool isDescribed = request.needs("Name") || request.needs("Caption") || request.needs("ElementName") ||
                            request.needs("Vendor") || request.needs("CurrentClockSpeed");
-  const std::string description = isDescribed ? readSmallFile("/proc/cpuinfo") : std::string();
   std::istringstream lines(readSmallFile("/proc/stat"));
   if (lines.str().empty()) {
     logUnreadable("/proc/stat", errno);
     throw CQoriProviderException(kClassName, "The processors cannot be listed", kCimErrFailed);
   }
+  const std::string description = isDescribed ? readSmallFile("/proc/cpuinfo") : std::string();
+  if (isDescribed && description.empty()) warnUnreadable("/proc/cpuinfo", errno);
   for (std::string line; std::getline(lines, line);) {
     if (!line.starts_with("cpu") || line.starts_with("cpu ")) continue;
     Processor processor{{}, {}, &description};

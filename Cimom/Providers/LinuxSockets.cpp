@@ -135,7 +135,7 @@ std::vector<LinuxSocket> readWaitingSockets() {
     const std::string content = readSmallFile(table.path);
     // A kernel without IPv6 has no such table.
     if (content.empty() && errno != 0) {
-      if (errno != ENOENT) logUnreadable(table.path, errno);
+      if (errno != ENOENT) warnUnreadable(table.path, errno);
       continue;
     }
     hasTable = true;
@@ -148,16 +148,20 @@ std::vector<LinuxSocket> readWaitingSockets() {
 std::unordered_map<QORuint64, std::vector<int>> readSocketHolders(const std::vector<LinuxSocket>& sockets) {
   std::unordered_map<QORuint64, std::vector<int>> holders;
   for (const LinuxSocket& socket : sockets) holders.try_emplace(socket.inode);
+  UnreadableParts unreadable;
   for (const int pid : readProcessIds()) {
     const std::string path = "/proc/" + std::to_string(pid) + "/fd";
     const Folder files(opendir(path.c_str()));
     // A process that has ended meanwhile holds nothing.
-    if (files == nullptr && errno != ENOENT && errno != ESRCH) logUnreadable(path, errno);
+    if (files == nullptr && errno != ENOENT && errno != ESRCH) unreadable.note(path, errno);
     while (const dirent* entry = files == nullptr ? nullptr : readdir(files.get())) {
       const auto found = holders.find(socketBehind(path + '/' + entry->d_name));
       const bool isNew = found != holders.end() && (found->second.empty() || found->second.back() != pid);
       if (isNew && found->first != 0) found->second.push_back(pid);
     }
   }
+  const bool lacksOne = std::any_of(holders.begin(), holders.end(),
+                                    [](const auto& entry) { return entry.first != 0 && entry.second.empty(); });
+  if (!lacksOne) unreadable.forget();
   return holders;
 }

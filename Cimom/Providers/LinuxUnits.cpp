@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <memory>
 
-#include "Cimom/Providers/LinuxValues.h"
+#include "Cimom/Embedded/InstanceProvider.h"
 #include "cimom/CQoriProviderException.h"
 
 namespace {
@@ -19,6 +19,11 @@ constexpr const char* kDestination = "org.freedesktop.systemd1";
 [[noreturn]] void raiseUnreachable(int error) {
   logUnreadable("the services of systemd", error);
   throw CQoriProviderException("Linux services", "The services of systemd cannot be listed", kCimErrFailed);
+}
+
+[[noreturn]] void raiseAbsent() {
+  throw CQoriProviderException("Linux services", "systemd does not run here, which lists the services",
+                               InstanceProvider::kNoSource);
 }
 
 struct ReleaseMessage {
@@ -60,7 +65,7 @@ LinuxUnits::LinuxUnits(const Connect& connect) : _bus(connect()) {
 LinuxUnits::~LinuxUnits() { sd_bus_flush_close_unref(_bus); }
 
 std::vector<LinuxUnits::Unit> LinuxUnits::services() {
-  if (_bus == nullptr) return {};
+  if (_bus == nullptr) raiseAbsent();
   sd_bus_message* reply = nullptr;
   const int result =
       sd_bus_call_method(_bus, kDestination, "/org/freedesktop/systemd1", "org.freedesktop.systemd1.Manager",
@@ -80,7 +85,7 @@ QORuint32 LinuxUnits::mainProcess(const Unit& unit) {
   uint32_t pid = 0;
   const int result = sd_bus_get_property_trivial(_bus, kDestination, unit.path.c_str(),
                                                  "org.freedesktop.systemd1.Service", "MainPID", nullptr, 'u', &pid);
-  if (result < 0) logUnreadable("the main process of " + unit.name, -result);
+  if (result < 0) _unreadable.note("the main process of " + unit.name, -result);
   return result < 0 ? 0 : pid;
 }
 
@@ -89,6 +94,6 @@ std::string LinuxUnits::fileState(const Unit& unit) {
   const int result = sd_bus_get_property_string(_bus, kDestination, unit.path.c_str(), "org.freedesktop.systemd1.Unit",
                                                 "UnitFileState", nullptr, &state);
   const Text text(state);
-  if (result < 0) logUnreadable("the file state of " + unit.name, -result);
+  if (result < 0) _unreadable.note("the file state of " + unit.name, -result);
   return result < 0 || state == nullptr ? "" : state;
 }

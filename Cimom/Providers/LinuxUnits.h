@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "Cimom/Providers/LinuxValues.h"
 #include "cmpbase.h"
 
 struct sd_bus;
@@ -33,8 +34,8 @@ class LinuxUnits {
   ~LinuxUnits();
 
   // The services in the order in which systemd lists them, without those that
-  // are only mentioned by others. Empty where systemd does not run. THROWS
-  // CQoriProviderException when it does not answer.
+  // are only mentioned by others. THROWS CQoriProviderException when it does not
+  // answer, and (kNoSource) where it does not run.
   std::vector<Unit> services();
   // 0 when it has none or does not tell, which the log then shows.
   QORuint32 mainProcess(const Unit& unit);
@@ -43,6 +44,7 @@ class LinuxUnits {
 
  private:
   sd_bus* _bus;  // OWNS; null where systemd does not run
+  UnreadableParts _unreadable;
 };
 
 #endif

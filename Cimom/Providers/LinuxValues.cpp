@@ -114,7 +114,29 @@ QORsint64 bootTimeMicroseconds() {
   return bootTime;
 }
 
-void logUnreadable(const std::string& what, int error) {
-  const std::string line = "Cannot read " + what + ": " + std::generic_category().message(error);
-  QORLog::log("Providers", QORString(line), QoriTraceLog::kInfo, QoriTraceLog::kNormal, 0, QORLog::CIMOMLOG);
+static void logLine(const std::string& line, QoriTraceLog::Severity severity) {
+  QORLog::log("Providers", QORString(line), severity, QoriTraceLog::kNormal, 0, QORLog::CIMOMLOG);
+}
+
+static std::string unreadableText(const std::string& what, int error) {
+  return "Cannot read " + what + ": " + std::generic_category().message(error);
+}
+
+void logUnreadable(const std::string& what, int error) { logLine(unreadableText(what, error), QoriTraceLog::kInfo); }
+
+void warnUnreadable(const std::string& what, int error) {
+  logLine(unreadableText(what, error), QoriTraceLog::kWarning);
+}
+
+UnreadableParts::~UnreadableParts() {
+  if (_count == 0) return;
+  const std::string others = _count == 1 ? "" : ", and " + std::to_string(_count - 1) + " more";
+  logLine(unreadableText(_first, _error) + others, QoriTraceLog::kWarning);
+}
+
+void UnreadableParts::note(const std::string& what, int error) {
+  logUnreadable(what, error);
+  if (_count++ != 0) return;
+  _first = what;
+  _error = error;
 }

@@ -40,5 +40,26 @@ QORsint64 bootTimeMicroseconds();
 
 // A line of the providers' log: what could not be read, and why (an errno).
 void logUnreadable(const std::string& what, int error);
+// A warning in place of that line, for what makes an answer incomplete.
+void warnUnreadable(const std::string& what, int error);
+
+// Parts of one answer that could not be read: a line of the log for each, and
+// one warning for all when the answer ends. Belongs to one thread.
+class UnreadableParts {
+ public:
+  UnreadableParts() = default;
+  UnreadableParts(const UnreadableParts&) = delete;
+  UnreadableParts& operator=(const UnreadableParts&) = delete;
+  ~UnreadableParts();
+
+  void note(const std::string& what, int error);
+  // They made no difference.
+  void forget() noexcept { _count = 0; }
+
+ private:
+  std::string _first;
+  int _error = 0;
+  std::size_t _count = 0;
+};
 
 #endif

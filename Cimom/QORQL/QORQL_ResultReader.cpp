@@ -38,8 +38,8 @@ class NameUnion {
 }  // namespace
 
 QORQL_ResultReader::QORQL_ResultReader(const QORQL_Query& query, QORQL_SymbolTable& symbolTable,
-                                       QORSmrPtr<QORQL_DataTable>& table)
-    : _query(query), _table(table), _reader(symbolTable, table) {
+                                       QORSmrPtr<QORQL_DataTable>& table, const Declared& declared)
+    : _query(query), _declared(declared), _table(table), _reader(symbolTable, table) {
   const auto& list = dynamic_cast<const QORQL_SelectList&>(*query.getSelectList());
   _isAggregate = list.AreAllEntriesAggregates();
   _rowCount = _reader.rowCount();
@@ -89,6 +89,7 @@ void QORQL_ResultReader::addClass(const QORSmrPtr<QORQL_SelectedEntry>& entry, c
     const IQoriLayout* const layout = object->getLayout();
     if (layout == nullptr || seen.insert(layout).second) properties.add(*_reader.object(className));
   }
+  if (properties.names.empty()) properties.names = declaredNames(className);
   for (const QORString& name : properties.names) {
     Source source;
     source.entry = entry;
@@ -97,6 +98,13 @@ void QORQL_ResultReader::addClass(const QORSmrPtr<QORQL_SelectedEntry>& entry, c
     source.slot = _reader.addFetchedProperty(className, name);
     _sources.push_back(std::move(source));
   }
+}
+
+// The name may be an alias, which the table knows.
+std::vector<QORString> QORQL_ResultReader::declaredNames(const QORString& fromName) const {
+  const QORsint32 column = _table->getColumnIndex(fromName);
+  if (!_declared || column < 0) return {};
+  return _declared(_table->getColumnHeader(static_cast<QORuint32>(column))->getName());
 }
 
 namespace {

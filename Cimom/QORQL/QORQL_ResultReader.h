@@ -3,6 +3,7 @@
 #ifndef QORQL_RESULTREADER_H
 #define QORQL_RESULTREADER_H
 
+#include <functional>
 #include <vector>
 
 #include "Cimom/QORQL/QORQL_DataTable.h"
@@ -26,7 +27,11 @@ class QORQL_ResultReader {
     bool isArray = false;
   };
 
-  QORQL_ResultReader(const QORQL_Query& query, QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table);
+  // The properties that a class declares, for `*` over a class of which no row has an object. Empty: no columns then.
+  using Declared = std::function<std::vector<QORString>(const QORString& className)>;
+
+  QORQL_ResultReader(const QORQL_Query& query, QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
+                     const Declared& declared = {});
 
   const std::vector<Column>& columns() const noexcept { return _columns; }
   // Rows to come, FIRST n applied.
@@ -59,6 +64,7 @@ class QORQL_ResultReader {
   void addEntry(const QORSmrPtr<QORQL_SelectedEntry>& entry);
   void addAllClasses(const QORSmrPtr<QORQL_SelectedEntry>& entry);
   void addClass(const QORSmrPtr<QORQL_SelectedEntry>& entry, const QORString& className);
+  std::vector<QORString> declaredNames(const QORString& fromName) const;
   void nameColumns();
   static QORString shortNameOf(const Source& source);
   static QORString fullNameOf(const Source& source);
@@ -67,6 +73,7 @@ class QORQL_ResultReader {
   QoriScalar aggregateView(std::size_t index) const;
 
   const QORQL_Query& _query;
+  const Declared _declared;
   QORSmrPtr<QORQL_DataTable>& _table;
   QORQL_RowReader _reader;
   std::vector<Column> _columns;

@@ -2,6 +2,7 @@
 import atexit
 import os
 import pty
+import re
 import subprocess
 import sys
 import tempfile
@@ -33,6 +34,11 @@ class Result:
         self.raw = done.stdout
         self.out = done.stdout.decode("utf-8", "surrogateescape")
         self.err = done.stderr.decode("utf-8", "surrogateescape")
+
+
+# What the tool says where the caller may not see a part of a live class.
+UNSEEN = re.compile(r"^qorql: warning: Cannot read \S+: (Permission denied|No such file or directory)(, and \d+ more)?\n",
+                    re.MULTILINE)
 
 
 class ToolCase(unittest.TestCase):

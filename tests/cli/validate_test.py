@@ -73,6 +73,21 @@ class Valid(ValidateCase):
                    "Rack,Row,MessageID,EventID", "-m", path)
         self.valid("SELECT * FROM CIM_InstCreation", "CIM_InstCreation", "*", "-m", path)
 
+    STORAGE = os.path.join(toolcase.HERE, "..", "..", "examples", "storage.mof")
+
+    def test_common_indications_beside_a_short_one_of_the_schema(self):
+        self.valid("SELECT PerceivedSeverity, IndicationTime FROM CIM_AlertIndication WHERE SequenceNumber > 3",
+                   "CIM_AlertIndication", "PerceivedSeverity,IndicationTime,SequenceNumber", "-m", self.STORAGE)
+        self.invalid("SELECT PerceivedSeverity FROM CIM_InstCreation",
+                     "PerceivedSeverity is no property of CIM_InstCreation (line 1, column 8)", "-m", self.STORAGE)
+
+    def test_live_classes_without_room_are_told_of_when_they_are_named(self):
+        quiet = self.run_tool("validate", "-m", self.STORAGE, "SELECT * FROM CIM_InstModification WHERE SourceInstance ISA CIM_StorageVolume")
+        self.assertEqual((quiet.status, quiet.err), (0, ""))
+        told = self.run_tool("validate", "-m", self.STORAGE, "SELECT * FROM CIM_InstModification WHERE SourceInstance ISA linux_process")
+        self.assertIn("qorql: warning: Without CIM_Process, Linux_Process,", told.err)
+        self.assertIn("which the MOF files leave no room for: ", told.err)
+
     def test_faults_of_a_schema_that_builds_on_the_common_indications(self):
         path = self.write("vendor.mof", "[Indication] class XYZ_Rack : CIM_AlertIndication { string Rack; };\n"
                                         "[Indication] class XYZ_Other : XYZ_Missing { };\n")

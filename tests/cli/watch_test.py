@@ -40,7 +40,7 @@ class Watch:
     def end(self, number):
         self.process.send_signal(number)
         _, errors = self.process.communicate(timeout=SECONDS)
-        return self.process.returncode, errors.decode()
+        return self.process.returncode, toolcase.UNSEEN.sub("", errors.decode())
 
 
 def sleeper(seconds=SECONDS):

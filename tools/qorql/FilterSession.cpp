@@ -5,17 +5,17 @@
 
 #include "Cimom/Mof/MofLoader.h"
 #include "Cimom/Providers/IndicationSchema.h"
-#include "Cimom/Providers/LinuxProviders.h"
 #include "DisplayText.h"
 #include "ErrorReport.h"
 #include "FilterFault.h"
 #include "FilterText.h"
 #include "FilterWarnings.h"
+#include "IndicationSink.h"
 #include "ScannerOutput.h"
 
-void FilterSession::open() {
-  _session.open(indicationSchemaMof());
-  LinuxSchemaSink sink(manager().sink());
+void FilterSession::open(Session::LeftOut leftOut) {
+  _session.open(indicationSchemaMof(), leftOut);
+  IndicationSink sink(manager().sink());
   try {
     MofLoader(sink, nameSpace()).loadText(indicationSchemaMof(), "indications");
   } catch (const QoriBaseException& error) {
@@ -48,6 +48,9 @@ CheckedFilter FilterSession::check(const std::string& text, QORuint32 firstLine)
   } else {
     const std::vector<std::string> more = FilterWarnings(manager(), nameSpace(), filter).of(*checked.statement);
     checked.warnings.insert(checked.warnings.end(), more.begin(), more.end());
+  }
+  for (const FilterText::Piece& piece : filter.pieces()) {
+    if (piece.kind == FilterText::Kind::Word) _session.tellOfLeftOut(piece.text);
   }
   return checked;
 }

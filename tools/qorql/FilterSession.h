@@ -22,9 +22,10 @@ class FilterSession {
  public:
   explicit FilterSession(const FilterOptions& options) : _options(options), _session(options.session) {}
 
-  // Opens the session and adds the classes of indications that it lacks. THROWS
-  // QoriBaseException as Session::open.
-  void open();
+  // Opens the session and adds the classes of indications that it lacks. Live
+  // classes that find no room are told of as Session::open says. THROWS
+  // QoriBaseException as that.
+  void open(Session::LeftOut leftOut = Session::LeftOut::TellWhenNamed);
 
   // Validates a filter; places in the reason count from the given line.
   CheckedFilter check(const std::string& text, QORuint32 firstLine = 1);

@@ -33,6 +33,9 @@ class FittingClasses {
     sink.commit();
   }
 
+  LeftOutClasses leftOut() const { return {_leftOut, complaint()}; }
+
+ private:
   std::string complaint() const {
     if (_leftOut.empty()) return {};
     std::string text = "Without ";
@@ -41,7 +44,6 @@ class FittingClasses {
     return text + ", which the MOF files leave no room for: " + _reason;
   }
 
- private:
   bool exists(const QORString& name) const { return !_sink.findClass(_nameSpace, name).IsNull(); }
 
   bool isA(const QORString& name, const QORString& ancestor) const {
@@ -93,25 +95,25 @@ class FittingClasses {
   std::string _reason;  // why the first of them is
 };
 
-std::string declareWhatFits(EmbeddedObjectManager& manager, const QORString& nameSpace) {
+LeftOutClasses declareWhatFits(EmbeddedObjectManager& manager, const QORString& nameSpace) {
   EmbeddedObjectManager apart;
   MofRecorder recorder(apart.sink());
   MofLoader(recorder, nameSpace).loadText(linuxSchemaMof(), kSource);
   FittingClasses fitting(manager.sink(), nameSpace);
   fitting.declareAll(recorder.record());
-  return fitting.complaint();
+  return fitting.leftOut();
 }
 
 }  // namespace
 
-std::string addLiveClasses(EmbeddedObjectManager& manager, const QORString& nameSpace) {
-  std::string complaint;
+LeftOutClasses addLiveClasses(EmbeddedObjectManager& manager, const QORString& nameSpace) {
+  LeftOutClasses leftOut;
   try {
     LinuxSchemaSink sink(manager.sink());
     MofLoader(sink, nameSpace).loadText(linuxSchemaMof(), kSource);
   } catch (const QoriBaseException&) {
-    complaint = declareWhatFits(manager, nameSpace);
+    leftOut = declareWhatFits(manager, nameSpace);
   }
   registerLinuxProviders(manager, nameSpace);
-  return complaint;
+  return leftOut;
 }

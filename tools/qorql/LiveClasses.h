@@ -3,13 +3,19 @@
 #define QORQL_TOOL_LIVECLASSES_H
 
 #include <string>
+#include <vector>
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
+
+struct LeftOutClasses {
+  std::vector<std::string> names;
+  std::string complaint;  // a sentence that says which and why; empty when all are there
+};
 
 // Declares the live classes and registers their providers. Classes that exist
 // are left as they are, so that a fuller CIM schema takes the place of the short
 // one; live classes that do not fit to those, and what depends on them, are left
-// out. Returns a sentence that says which and why; empty when all are there.
-std::string addLiveClasses(EmbeddedObjectManager& manager, const QORString& nameSpace);
+// out and returned.
+LeftOutClasses addLiveClasses(EmbeddedObjectManager& manager, const QORString& nameSpace);
 
 #endif

@@ -3,7 +3,9 @@
 
 #include <algorithm>
 
+#include "Cimom/Embedded/InstanceProvider.h"
 #include "Cimom/QORQL/CQLQueryValidator.h"
+#include "cimom/CQoriProviderException.h"
 
 LiveWatch::LiveWatch(EmbeddedObjectManager& manager, const QORString& nameSpace, const CQLQueryStatement& filter,
                      const FilterText& text)
@@ -50,8 +52,18 @@ InstanceSnapshot LiveWatch::snapshotOf(const QORString& className) const {
           client.enumerateInstances(_nameSpace, className, {}, CIMApi::DefaultTimeout, nullptr, nullptr, nullptr, {})};
 }
 
-void LiveWatch::start() {
-  for (Watched& watched : _watched) watched.last = snapshotOf(watched.className);
+void LiveWatch::start(const Report& report) {
+  const bool isAlone = _watched.size() == 1;
+  std::erase_if(_watched, [&](Watched& watched) {
+    try {
+      watched.last = snapshotOf(watched.className);
+    } catch (const CQoriProviderException& failure) {
+      if (isAlone || failure.getCode() != InstanceProvider::kNoSource) throw;
+      report(watched.className, failure);
+      return true;
+    }
+    return false;
+  });
 }
 
 void LiveWatch::look(const Take& take, const Report& report) {

@@ -26,8 +26,10 @@ class LiveWatch {
   // Whether the filter asks for an indication that changes make.
   bool asksForChanges() const;
 
-  // The first look, that the next one is compared with. THROWS what a provider throws.
-  void start();
+  // The first look, that the next one is compared with. A class without its
+  // source on this machine is reported and no more looked at, unless it is the
+  // only one. THROWS what a provider throws.
+  void start(const Report& report);
   // Looks again and hands over the indications that match, in the order of the
   // classes. A class whose provider fails is reported and keeps its last look.
   void look(const Take& take, const Report& report);

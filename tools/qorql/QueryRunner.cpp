@@ -165,7 +165,8 @@ void QueryRunner::print(Execution& execution) {
   const OutputForm form = formOf(execution);
   if (form == OutputForm::Xml && !_output.hasStatistics) return;
   const Clock::time_point start = Clock::now();
-  QORQL_ResultReader reader(execution.parsed.query(), execution.parsed.symbols(), execution.table);
+  const auto declared = [this](const QORString& className) { return declaredProperties(className); };
+  QORQL_ResultReader reader(execution.parsed.query(), execution.parsed.symbols(), execution.table, declared);
   execution.rowCount = reader.rowCount();
   if (form != OutputForm::Xml) {
     ResultWriter& writer = writerOf(form);
@@ -188,6 +189,14 @@ std::vector<std::string> QueryRunner::keysOf(const QORString& className) {
     if (property.hasFlag("Key")) keys.emplace_back(property.name.view());
   }
   return keys;
+}
+
+std::vector<QORString> QueryRunner::declaredProperties(const QORString& className) const {
+  std::vector<QORString> names;
+  for (CimPropertyDeclaration& property : _session.manager().allProperties(QORString(_options.nameSpace), className)) {
+    names.push_back(std::move(property.name));
+  }
+  return names;
 }
 
 ResultWriter& QueryRunner::writerOf(OutputForm form) {

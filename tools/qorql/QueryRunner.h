@@ -48,6 +48,7 @@ class QueryRunner {
   OutputForm formOf(const Execution& execution) const;
   std::vector<std::string> keysOf(const QORString& className);
   // The writer of a form; a writer of another form is finished first.
+  std::vector<QORString> declaredProperties(const QORString& className) const;
   ResultWriter& writerOf(OutputForm form);
 
   const SessionOptions& _options;

@@ -1,6 +1,7 @@
 // The object manager that the statements of one run are asked of.
 #include "Session.h"
 
+#include <algorithm>
 #include <exception>
 #include <iostream>
 
@@ -54,7 +55,13 @@ void Session::printWarnings() {
   if (shown < warnings.size()) std::cerr << "qorql: warning: " << warnings.size() - shown << " more warnings\n";
 }
 
-void Session::open(const char* commonMof) {
+void Session::printNewWarnings() {
+  std::erase_if(_warnings, [this](const std::string& warning) { return !_told.insert(warning).second; });
+  printWarnings();
+}
+
+void Session::open(const char* commonMof, LeftOut leftOut) {
+  _leftOutPolicy = leftOut;
   loadConfiguration(*_manager);
   try {
     loadMof(*_manager);
@@ -62,8 +69,25 @@ void Session::open(const char* commonMof) {
     if (commonMof == nullptr) throw;
     loadMofOver(commonMof, alone);
   }
+  requireNamespace(commonMof != nullptr);
   if (!_options.hasNoLiveClasses) addLiveClasses(*_manager);
   printWarnings();
+}
+
+// A namespace that is asked for by name, and that none of the MOF files speaks of, is misspelt. Without MOF files the
+// live classes or the common ones are declared wherever they are asked for.
+void Session::requireNamespace(bool hasCommonMof) const {
+  const QORString asked(_options.nameSpace);
+  const bool isFree = _options.mofPaths.empty() && (hasCommonMof || !_options.hasNoLiveClasses);
+  if (isFree || asked.isEqualCaseInsensitive(EmbeddedObjectManager::kDefaultNamespace)) return;
+  if (!_manager->classNames(asked).empty()) return;
+  std::string known;
+  for (const QORString& nameSpace : _manager->namespaces()) {
+    if (_manager->classNames(nameSpace).empty()) continue;
+    known += (known.empty() ? "" : ", ") + std::string(nameSpace.view());
+  }
+  const std::string reason = known.empty() ? ": nothing declares a class" : "; classes are declared in " + known;
+  throw QoriBaseException("tool", "qorql", "", QORString("there is no namespace " + _options.nameSpace + reason), 0);
 }
 
 void Session::loadConfiguration(EmbeddedObjectManager& manager) const {
@@ -102,8 +126,20 @@ void Session::loadMofOver(const char* commonMof, const MofException& alone) {
 // After the MOF files, so that a fuller CIM schema among them takes the place of
 // the short one.
 void Session::addLiveClasses(EmbeddedObjectManager& manager) {
-  const std::string complaint = ::addLiveClasses(manager, QORString(_options.nameSpace));
-  if (!complaint.empty()) _warnings.push_back(complaint);
+  _leftOut = ::addLiveClasses(manager, QORString(_options.nameSpace));
+  if (_leftOutPolicy == LeftOut::TellWhenNamed || _leftOut.names.empty()) return;
+  _warnings.push_back(_leftOut.complaint);
+  _leftOut = {};
+}
+
+void Session::tellOfLeftOut(std::string_view className) {
+  const bool isOne = std::any_of(_leftOut.names.begin(), _leftOut.names.end(), [&](const std::string& name) {
+    return QORString::equalIgnoringCase(name, className);
+  });
+  if (!isOne) return;
+  _warnings.push_back(_leftOut.complaint);
+  _leftOut = {};
+  printWarnings();
 }
 
 void Session::loadMore(const std::string& path, const std::string& nameSpace) {

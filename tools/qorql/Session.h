@@ -3,11 +3,14 @@
 #define QORQL_TOOL_SESSION_H
 
 #include <memory>
+#include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "Cimom/Mof/MofError.h"
+#include "LiveClasses.h"
 #include "SessionOptions.h"
 
 // Made once, then opened. Keeps the options as they were then.
@@ -19,9 +22,13 @@ class Session {
   ~Session();
 
   // Reads configuration and MOF and adds the live classes. MOF files may build on
-  // the classes of `commonMof`, which are there before them when they do. THROWS
-  // QoriBaseException when one of them fails.
-  void open(const char* commonMof = nullptr);
+  // the classes of `commonMof`, which are there before them when they do. Live
+  // classes that find no room are told of at once, or when they are named. THROWS
+  // QoriBaseException when one of them fails, or nothing is declared in the namespace.
+  enum class LeftOut { TellAtOnce, TellWhenNamed };
+  void open(const char* commonMof = nullptr, LeftOut leftOut = LeftOut::TellAtOnce);
+  // The warning about live classes that found no room, once, if this is one of them.
+  void tellOfLeftOut(std::string_view className);
 
   // Until loadMore() is called the next time.
   EmbeddedObjectManager& manager() { return *_manager; }
@@ -35,6 +42,8 @@ class Session {
   // shown as warnings after a statement that succeeded, forgotten after one
   // that failed, since the error says the same.
   void printWarnings();
+  // Without those that it has printed before.
+  void printNewWarnings();
   void dropWarnings() { _warnings.clear(); }
 
  private:
@@ -50,11 +59,15 @@ class Session {
   void loadMofOver(const char* commonMof, const MofException& alone);
   void addLiveClasses(EmbeddedObjectManager& manager);
   void openAnew(const MorePath& last);
+  void requireNamespace(bool hasCommonMof) const;
 
   const SessionOptions _options;
   std::unique_ptr<EmbeddedObjectManager> _manager;
   std::vector<MorePath> _more;
+  LeftOut _leftOutPolicy = LeftOut::TellAtOnce;
+  LeftOutClasses _leftOut;  // that are still to be told of
   std::vector<std::string> _warnings;
+  std::set<std::string> _told;  // by printNewWarnings
 };
 
 #endif

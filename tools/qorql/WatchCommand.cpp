@@ -110,11 +110,12 @@ int watchUntilTheEnd(const WatchOptions& options, FilterSession& session, const 
   const EndRequest end;
   const auto interval =
       std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::duration<double>(options.interval));
-  watch.start();
+  watch.start(report);
+  session.session().printNewWarnings();
   for (QORuint64 looks = 0; options.count == 0 || looks < options.count; ++looks) {
     if (end.waitFor(interval)) break;
     watch.look(take, report);
-    session.session().printWarnings();
+    session.session().printNewWarnings();
     std::cout.flush();
     if (!std::cout || (hasLimit && printer.count() >= options.limit)) break;
   }
@@ -125,7 +126,7 @@ int runWatch(const WatchOptions& options) {
   FilterSession session(options.filter);
   CheckedFilter filter;
   try {
-    session.open();
+    session.open(Session::LeftOut::TellAtOnce);
     filter = session.check(options.text);
   } catch (...) {
     return reportStartFailure();

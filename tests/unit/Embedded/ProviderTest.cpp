@@ -115,6 +115,42 @@ TEST_F(ProviderTest, InstancesWithoutAKeyValueAreLeftOut) {
   EXPECT_THAT(ids("CIM_Disk"), ElementsAre("x"));
 }
 
+TEST_F(ProviderTest, WhatIsLeftOutIsTold) {
+  std::vector<std::string> told;
+  manager.setLogSink([&](const QORString&, const QORString& message, QORuint32) { told.emplace_back(message.view()); },
+                     QoriTraceLog::kWarning);
+  const ScriptedProvider::Row x = {{"DeviceID", text("x")}};
+  const auto provider = serve("CIM_Disk", {x, x, x});
+  EXPECT_THAT(ids("CIM_Disk"), ElementsAre("x"));
+  provider->rows = {{{"Size", number(1)}}};
+  enumerate("CIM_Disk");
+  provider->rows = {x};
+  createDisk("x", 9);  // stored instances go before live ones, which is no fault
+  enumerate("CIM_Disk");
+  declare(classOf("CIM_Slot", "", {property("Number", CQoriType::uint8, {flag("Key")})}));
+  serve("CIM_Slot", {{{"Number", text("five")}}, {{"Number", number(6)}}});
+  EXPECT_THAT(values(enumerate("CIM_Slot"), "Number"), ElementsAre("6"));
+  manager.setLogSink({}, QoriTraceLog::kFatal);
+  EXPECT_THAT(told, ElementsAre("CIM_Disk: 2 instances are left out, the first since its path occurs twice, "
+                                "root/cimv2:CIM_Disk.DeviceID=\"x\"",
+                                "CIM_Disk: an instance is left out: its key DeviceID has no value",
+                                "CIM_Slot: an instance is left out: its key Number is a uint8, and the provider gave a "
+                                "string, five"));
+}
+
+TEST_F(ProviderTest, OfAClassAmongManyASourceThatIsNotThereIsAWarning) {
+  std::vector<std::string> told;
+  manager.setLogSink([&](const QORString&, const QORString& message, QORuint32) { told.emplace_back(message.view()); },
+                     QoriTraceLog::kWarning);
+  serve("CIM_Disk", {{{"DeviceID", text("x")}}})->failure = [] {
+    throw CQoriProviderException("disks", "no disks here", InstanceProvider::kNoSource);
+  };
+  EXPECT_THAT(ids("CIM_Device"), ElementsAre("x"));
+  EXPECT_THAT(told, ElementsAre("no disks here"));
+  EXPECT_EQ("no disks here", refusal([&] { enumerate("cim_disk"); }, 7, "provider"));
+  manager.setLogSink({}, QoriTraceLog::kFatal);
+}
+
 TEST_F(ProviderTest, PathsStayUnique) {
   serve("CIM_Disk", {{{"DeviceID", text("a")}, {"Size", number(1)}},
                      {{"DeviceID", text("x")}, {"Size", number(2)}},
@@ -288,6 +324,15 @@ TEST_F(LiveAssociationTest, AFailingAssociationProviderFailsTheCall) {
   serve("CIM_Uses", {})->failure = [] { throw CQoriProviderException("uses", "no associations today", 1); };
   const Name source = createDisk("s");
   EXPECT_EQ("no associations today", refusal([&] { associators(source); }, 1, "provider"));
+}
+
+TEST_F(LiveAssociationTest, AnAssociationThatIsNotThereFailsTheCallThatNamesIt) {
+  serve("CIM_Uses", {})->failure = [] {
+    throw CQoriProviderException("uses", "no associations here", InstanceProvider::kNoSource);
+  };
+  const Name source = createDisk("s");
+  EXPECT_THAT(values(associators(source), "DeviceID"), IsEmpty());
+  EXPECT_EQ("no associations here", refusal([&] { associators(source, "CIM_Uses"); }, 7, "provider"));
 }
 
 }  // namespace

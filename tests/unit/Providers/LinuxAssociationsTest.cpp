@@ -120,6 +120,8 @@ TEST_F(LinuxAssociations, BothEndsAreInstances) {
     return paths;
   };
   for (const Ends& ends : kEnds) {
+    const bool isOfServices = std::string_view(ends.firstClass) == "Linux_Service";
+    if (isOfServices && access("/run/systemd/system", F_OK) != 0) continue;  // no systemd, no services
     const std::vector<std::string> first = pathsOf(ends.firstClass);
     const std::vector<std::string> second = pathsOf(ends.secondClass);
     for (const auto& pair : instancesOf(ends.association)) {

@@ -8,6 +8,7 @@
 #include "Cimom/Providers/LinuxProviders.h"
 #include "ProviderFixture.h"
 #include "cimom/CIMApi.h"
+#include "cimom/CQoriProviderException.h"
 
 namespace {
 
@@ -62,7 +63,13 @@ TEST_F(LinuxProviders, SchemaIsMofThatLoads) {
 
 TEST_F(LinuxProviders, EveryClassOfTheSchemaHasAProvider) {
   addLiveClasses();
-  for (const char* name : kOtherClasses) EXPECT_FALSE(enumerate(name).IsNull()) << name;
+  for (const char* name : kOtherClasses) {
+    try {
+      EXPECT_FALSE(enumerate(name).IsNull()) << name;
+    } catch (const CQoriProviderException& failure) {
+      EXPECT_EQ(failure.getCode(), InstanceProvider::kNoSource) << name << ": " << failure.what();
+    }
+  }
   std::size_t count = 0;
   for (const QORString& name : _manager.classNames(kNamespace)) count += name.beginsWith("Linux_") ? 1U : 0U;
   EXPECT_EQ(count, std::size(kClasses) + std::size(kOtherClasses));

@@ -134,11 +134,18 @@ TEST(LinuxService, AListThatIsRefusedOrUnreadableIsTheProvidersFailure) {
   EXPECT_THROW(servicesOf(Mood::AnswersNonsense, {"Name"}), CQoriProviderException);
 }
 
-TEST(LinuxService, ThereAreNoneWhereSystemdDoesNotRun) {
-  LinuxService provider([]() -> sd_bus* { return nullptr; });
-  EXPECT_TRUE(enumerateRows(provider, {"Name", "MainProcessID"}).empty());
+TEST(LinuxService, SaysSoWhereSystemdDoesNotRun) {
+  LinuxService services([]() -> sd_bus* { return nullptr; });
   LinuxServiceProcess processes([]() -> sd_bus* { return nullptr; });
-  EXPECT_TRUE(enumerateRows(processes, {"Service", "Process"}).empty());
+  for (InstanceProvider* provider : std::initializer_list<InstanceProvider*>{&services, &processes}) {
+    try {
+      enumerateRows(*provider, {});
+      FAIL() << provider->getClassName().view() << " threw nothing";
+    } catch (const CQoriProviderException& failure) {
+      EXPECT_EQ(failure.getCode(), InstanceProvider::kNoSource);
+      EXPECT_STREQ(failure.what(), "systemd does not run here, which lists the services");
+    }
+  }
 }
 
 TEST(LinuxServiceProcess, TiesAServiceToItsMainProcess) {

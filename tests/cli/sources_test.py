@@ -1,0 +1,134 @@
+"""What cannot be seen is told: sources of live classes, namespaces, the columns of an empty result."""
+import os
+import re
+import socket
+import subprocess
+import unittest
+
+import toolcase
+from toolcase import MODEL, ToolCase
+
+NOBODY = 65534
+
+
+def hiding(*folders):
+    """A command that runs another one where these folders are empty."""
+    mounts = " && ".join(f"mount -t tmpfs none {folder}" for folder in folders)
+    return ["unshare", "--map-root-user", "--mount", "sh", "-c", mounts + ' && exec "$@"', "sh"]
+
+
+def can_hide():
+    try:
+        return subprocess.run([*hiding("/run"), "true"], capture_output=True, check=False).returncode == 0
+    except FileNotFoundError:
+        return False
+
+
+def can_be_nobody():
+    return os.geteuid() == 0 and os.access("/proc/1/fd", os.R_OK)
+
+
+@unittest.skipUnless(can_hide(), "this system does not let a test hide folders")
+class MissingSources(ToolCase):
+    def without(self, folder, query):
+        return toolcase.Result(subprocess.run([*hiding(folder), toolcase.TOOL, "-o", "csv", query], capture_output=True,
+                                              timeout=60, check=False))
+
+    def test_services_without_systemd(self):
+        for query in ("SELECT Name FROM Linux_Service", "SELECT Service FROM Linux_ServiceProcess"):
+            result = self.without("/run", query)
+            self.assertEqual(result.out, "")
+            self.refused(result, 3, "qorql: error: systemd does not run here, which lists the services (CIM status 7)")
+
+    def test_a_superclass_goes_without_them_and_says_so(self):
+        result = self.without("/run", "SELECT s.Name FROM CIM_Service AS s")
+        self.assertEqual((result.status, result.out, result.err),
+                         (0, "Name\n", "qorql: warning: systemd does not run here, which lists the services\n"))
+
+    def test_devices_and_counters_without_sysfs(self):
+        result = self.without("/sys", "SELECT DeviceID FROM Linux_BlockDevice")
+        self.assertEqual(result.out, "")
+        self.refused(result, 3, "qorql: error: The block devices cannot be listed (CIM status 1)")
+        result = self.without("/sys", "SELECT DeviceID, BytesReceived FROM Linux_NetworkPort")
+        self.assertEqual((result.status, result.err),
+                         (0, "qorql: warning: Cannot read /sys/class/net: No such file or directory\n"))
+        self.succeed(self.without("/sys", "SELECT DeviceID FROM Linux_NetworkPort"))
+
+    def test_users_and_groups_without_their_files(self):
+        for query, what in (("SELECT Name FROM Linux_User", "user"), ("SELECT Name FROM Linux_Group", "group")):
+            result = self.without("/etc", query)
+            self.assertEqual((result.status, result.out), (3, ""), result.err)
+            self.assertEqual(result.err, f"qorql: error: The {what} database cannot be read (CIM status 1)\n")
+
+    def test_facts_of_the_system_without_their_files(self):
+        result = self.without("/etc", "SELECT Version FROM Linux_OperatingSystem")
+        self.assertEqual((result.status, result.err),
+                         (0, "qorql: warning: Cannot read /etc/os-release: No such file or directory\n"))
+        self.succeed(self.without("/etc", "SELECT KernelName FROM Linux_OperatingSystem"))
+
+
+@unittest.skipUnless(can_be_nobody(), "only the superuser can run the tool as another user")
+class OrdinaryUsers(ToolCase):
+    def as_nobody(self, *arguments):
+        try:
+            done = subprocess.run([toolcase.TOOL, *arguments], capture_output=True, timeout=60, check=False, user=NOBODY,
+                                  group=NOBODY, extra_groups=[], cwd="/")
+        except PermissionError:
+            self.skipTest("the tool lies where another user cannot run it")
+        return toolcase.Result(done)
+
+    def test_ports_of_others_show_without_their_processes(self):
+        with socket.create_server(("127.0.0.1", 0)) as server:
+            port = server.getsockname()[1]
+            query = f"SELECT PortNumber, ProcessID FROM Linux_ListeningPort WHERE PortNumber = {port}"
+            seen = toolcase.Result(subprocess.run([toolcase.TOOL, "-o", "csv", query], capture_output=True, check=False))
+            self.assertIn(f"\n{port},{os.getpid()}\n", seen.out)
+            result = self.as_nobody("-o", "csv", query)
+            self.assertEqual((result.status, result.out), (0, f"PortNumber,ProcessID\n{port},\n"))
+            self.assertRegex(result.err, r"\Aqorql: warning: Cannot read /proc/\d+/fd: Permission denied(, and \d+ more)?\n\Z")
+            self.succeed(self.as_nobody("-o", "csv", f"SELECT PortNumber FROM Linux_ListeningPort WHERE PortNumber = {port}"))
+
+    def test_programs_of_others_are_null(self):
+        result = self.as_nobody("-o", "csv", f"SELECT Handle, Executable FROM Linux_Process WHERE Handle = '{os.getpid()}'")
+        self.assertEqual((result.status, result.out), (0, f"Handle,Executable\n{os.getpid()},\n"))
+        self.assertRegex(result.err, r"\Aqorql: warning: Cannot read /proc/\d+/exe: Permission denied(, and \d+ more)?\n\Z")
+
+
+class Namespaces(ToolCase):
+    def test_a_namespace_that_no_mof_file_speaks_of(self):
+        path = self.write("spaces.mof", '#pragma namespace("root/one")\nclass A { [Key] uint8 K; };\n'
+                                        '#pragma namespace("root/two")\nclass B { [Key] uint8 K; };\n')
+        for command in (["SELECT K FROM A"], ["explain", "SELECT K FROM A"], ["classes"]):
+            words = [*command[:-1], "-m", path, "-n", "root/typo", command[-1]] if command != ["classes"] else [
+                "classes", "-m", path, "-n", "root/typo"]
+            result = self.run_tool(*words)
+            self.assertEqual(result.out, "")
+            self.refused(result, 3, "qorql: error: there is no namespace root/typo; classes are declared in root/one, root/two")
+        self.succeed(self.run_tool("--no-live", "-m", path, "-n", "ROOT/two", "-o", "csv", "SELECT K FROM B"))
+
+    def test_a_namespace_where_nothing_is(self):
+        self.refused(self.run_tool("--no-live", "-n", "root/typo", "SELECT K FROM A"), 3,
+                     "qorql: error: there is no namespace root/typo: nothing declares a class")
+
+
+class EmptyResults(ToolCase):
+    COLUMNS = "Id,Name,Size,Balance,Weight,Sold,Tags,Codes,Made,Grade"
+
+    def test_a_star_has_its_columns(self):
+        self.assertEqual(self.succeed(self.model("-o", "csv", "SELECT * FROM Shop_Empty")), "Id,Name\n")
+        self.assertEqual(self.succeed(self.model("-o", "csv", "SELECT * FROM Shop_Item WHERE Id = 99")), self.COLUMNS + "\n")
+        self.assertEqual(self.succeed(self.model("-o", "csv", "SELECT i.* FROM Shop_Item AS i WHERE Id > 99")),
+                         self.COLUMNS + "\n")
+        self.assertEqual(re.split(r"\s+", self.succeed(self.model("SELECT * FROM Shop_Empty")).splitlines()[0].strip()),
+                         ["Id", "Name"])
+        self.assertEqual(self.succeed(self.model("-o", "json", "SELECT * FROM Shop_Empty")).strip(), "[]")
+
+    def test_names_of_two_classes_stay_apart(self):
+        out = self.succeed(self.run_tool("--no-live", "-m", MODEL, "-o", "csv",
+                                         "SELECT * FROM Shop_Item AS i, Shop_Empty AS e WHERE i.Id = e.Id"))
+        self.assertEqual(len(out.splitlines()), 1)
+        self.assertEqual(len(out.split(",")), 12)
+
+
+if __name__ == "__main__":
+    toolcase.main()

@@ -1,0 +1,34 @@
+// Superclasses are declared before their subclasses, so what one lacks is known when the other comes.
+#include "IndicationSink.h"
+
+namespace {
+
+std::string folded(const QORString& name) { return std::string(QORString::toUpperCase(name).view()); }
+
+}  // namespace
+
+void IndicationSink::declareClass(const QORString& nameSpace, const CimClassDeclaration& declaration) {
+  Properties lacking = lackingFrom(nameSpace, declaration);
+  if (!findClass(nameSpace, declaration.name).IsNull()) {
+    _lacking[folded(declaration.name)] = std::move(lacking);
+    return;
+  }
+  CimClassDeclaration whole = declaration;
+  whole.properties.insert(whole.properties.begin(), lacking.begin(), lacking.end());
+  LinuxSchemaSink::declareClass(nameSpace, whole);
+}
+
+// Of a class that is not there, what it would inherit from a fuller superclass.
+IndicationSink::Properties IndicationSink::lackingFrom(const QORString& nameSpace,
+                                                       const CimClassDeclaration& declaration) const {
+  const auto above = _lacking.find(folded(declaration.superClass));
+  Properties common = above == _lacking.end() ? Properties() : above->second;
+  const bool isThere = !findClass(nameSpace, declaration.name).IsNull();
+  if (isThere) common.insert(common.end(), declaration.properties.begin(), declaration.properties.end());
+  const QORString& looked = isThere ? declaration.name : declaration.superClass;
+  std::erase_if(common, [&](const CimPropertyDeclaration& property) {
+    CimPropertyDeclaration existing;
+    return describeProperty(nameSpace, looked, property.name, existing);
+  });
+  return common;
+}

@@ -1,0 +1,28 @@
+// Declares the common indications beside what MOF files have declared.
+#ifndef QORQL_TOOL_INDICATIONSINK_H
+#define QORQL_TOOL_INDICATIONSINK_H
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "Cimom/Providers/LinuxProviders.h"
+
+// A class that is there already stays as it is. What it lacks of the common
+// one, its common subclasses that are new have themselves: a short CIM_Indication
+// does not take PerceivedSeverity from CIM_AlertIndication. BORROWS the sink.
+class IndicationSink : public LinuxSchemaSink {
+ public:
+  explicit IndicationSink(CimDeclarationSink& target) : LinuxSchemaSink(target) {}
+
+  void declareClass(const QORString& nameSpace, const CimClassDeclaration& declaration) override;
+
+ private:
+  using Properties = std::vector<CimPropertyDeclaration>;
+
+  Properties lackingFrom(const QORString& nameSpace, const CimClassDeclaration& declaration) const;
+
+  std::map<std::string, Properties> _lacking;  // by class, in upper case: common properties that it does not have
+};
+
+#endif
