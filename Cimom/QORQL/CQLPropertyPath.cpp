@@ -100,14 +100,10 @@ const IQoriObject* CQLPropertyPath::follow(const IQoriObject& instance, Object& 
   return current;
 }
 
-// By iterator: lists remember the last place that at() found, so threads that
-// share one must not call it.
 Value CQLPropertyPath::elementOf(const IQoriValue& array) const {
   const QORSmrPtr<IQoriValue::List> elements(array.getArray());
   if (elements.IsNull() || static_cast<QORuint32>(_index) >= elements->entries()) return {};
-  QORValSlistIterator<Value> iterator(*elements);
-  iterator += static_cast<QORuint32>(_index) + 1;
-  return iterator.key();
+  return elements->at(static_cast<QORuint32>(_index));
 }
 
 Value CQLPropertyPath::value(const IQoriObject& instance) const {

@@ -32,7 +32,7 @@ class QORValMapItem {
 // Holds copies of keys and values. The number of buckets is fixed; a bucket
 // keeps insertion order, so that iteration goes by bucket (hash modulo bucket
 // count), then by age. An item stays where it is until it is removed or
-// replaced. Not synchronised.
+// replaced. Threads may read one together; one that changes belongs to one thread.
 template <class K, class V>
 class QORValMap {
  public:

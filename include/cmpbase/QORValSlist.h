@@ -2,6 +2,9 @@
 #ifndef QORQL_CMPBASE_QORVALSLIST_H
 #define QORQL_CMPBASE_QORVALSLIST_H
 
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <new>
 #include <utility>
@@ -26,15 +29,20 @@ class QORValSlistItem {
   T _data;
 };
 
-// Holds copies of its values. Not synchronised: one thread at a time. Access by
-// index walks from the nearest of head, tail and the last position asked for,
-// so that walking by index in either direction costs constant time per step;
-// because of that remembered position even const access must not be shared
-// between threads, except iteration and first/last.
+// Holds copies of its values. Any number of threads may read one list together,
+// by every operation that leaves its items where they are: those that are const,
+// at(), operator[], first() and last() of a list that is not const, copying it,
+// and iterators but for remove(). A list that is changed belongs to one thread.
+//
+// Access by index walks from the nearest of head, tail and the item last walked
+// to, so that one thread's walk by index in either direction costs constant time
+// per step. When long walks have become many, as where several threads walk, the
+// places of all items are noted down, and from then on access by index costs
+// constant time for everybody; the note takes a pointer for each item.
 template <class T>
 class QORValSlist {
  public:
-  enum SortOrder { NotSorted = 0, Ascending = 1, Descending = 2 };
+  enum SortOrder : QORuint8 { NotSorted = 0, Ascending = 1, Descending = 2 };
 
   QORValSlist() noexcept = default;
   QORValSlist(const QORValSlist& other) { appendCopies(other); }
@@ -67,7 +75,7 @@ class QORValSlist {
   void prepend(const T& value) { linkBefore(_head, newItem(value)); }
   // `index` equal to entries() appends. THROWS QORBoundsException past that.
   void insertAt(QORuint32 index, const T& value) {
-    Item* const place = index == _entries ? nullptr : _advanceTo(index);
+    Item* const place = index == _entries ? nullptr : toBeChanged(index);
     linkBefore(place, newItem(value));
   }
   // Inserts before the first value that must follow it in the list's order; appends when unsorted.
@@ -91,7 +99,7 @@ class QORValSlist {
   const T& last() const { return checked(_last)->_data; }
 
   // Remove and return a copy. THROW QORBoundsException "Out of Bounds" when there is no such element.
-  T removeAt(QORuint32 index) { return unlink(_advanceTo(index)); }
+  T removeAt(QORuint32 index) { return unlink(toBeChanged(index)); }
   T removeFirst() { return unlink(checked(_head)); }
   T removeLast() { return unlink(checked(_last)); }
   // Removes the first equal element; false when there is none.
@@ -132,7 +140,7 @@ class QORValSlist {
     }
     _last = nullptr;
     _entries = 0;
-    _remembered = nullptr;
+    dropPlaces();
   }
 
   friend bool operator==(const QORValSlist& a, const QORValSlist& b) {
@@ -159,6 +167,22 @@ class QORValSlist {
   friend class QORValSlistIterator<T>;
   using Item = QORValSlistItem<T>;
 
+  // Where the first `_count` items are. Those that the list gets later stand
+  // behind them; when it is noted down anew, threads may still be reading the
+  // older note, which goes when the list next changes.
+  struct Places {
+    Places* _older;
+    QORuint32 _count;
+    Item** items() noexcept { return reinterpret_cast<Item**>(this + 1); }
+  };
+  static constexpr QORuint32 kNear = 8;         // steps that no note would save
+  static constexpr QORuint64 kWholeList = 256;  // what long walks over as many items as the list has count
+  // A place and an item's address share a word, so that threads always see both of one item.
+  static constexpr unsigned kPlaceBits = 19;
+  static constexpr unsigned kAddressShift = 16;
+  static constexpr QORuint64 kGreatestPlace = (QORuint64{1} << kPlaceBits) - 1;
+  static constexpr std::memory_order kRelaxed = std::memory_order_relaxed;
+
   // Before each item of a list that has taken memory from slabs: where the item's comes from.
   struct Head {
     QORSlabs::Place _place = QORSlabs::kNowhere;
@@ -168,14 +192,14 @@ class QORValSlist {
 
   template <class Data>
   Item* newItem(Data&& data) {
-    if (!_hasPlaces) return new Item(std::forward<Data>(data));
+    if (!_hasHeads) return new Item(std::forward<Data>(data));
     return makeItem(::operator new(kHeadSize + sizeof(Item)), QORSlabs::kNowhere, std::forward<Data>(data));
   }
   template <class Data>
   Item* newItemIn(QORSlabs& slabs, Data&& data) {
     static_assert(alignof(Item) <= QORSlabs::kAlignment);
-    if (_head == nullptr) _hasPlaces = true;
-    if (!_hasPlaces) return newItem(std::forward<Data>(data));
+    if (_head == nullptr) _hasHeads = true;
+    if (!_hasHeads) return newItem(std::forward<Data>(data));
     QORSlabs::Place place = QORSlabs::kNowhere;
     void* const memory = slabs.take(kHeadSize + sizeof(Item), place);
     return makeItem(memory, place, std::forward<Data>(data));
@@ -191,7 +215,7 @@ class QORValSlist {
     }
   }
   void freeItem(Item* item) noexcept {
-    if (!_hasPlaces) {
+    if (!_hasHeads) {
       delete item;
       return;
     }
@@ -213,9 +237,15 @@ class QORValSlist {
     std::swap(_last, other._last);
     std::swap(_entries, other._entries);
     std::swap(_sortOrder, other._sortOrder);
-    std::swap(_remembered, other._remembered);
-    std::swap(_rememberedIndex, other._rememberedIndex);
-    std::swap(_hasPlaces, other._hasPlaces);
+    Places* const places = _places.load(kRelaxed);
+    _places.store(other._places.load(kRelaxed), kRelaxed);
+    other._places.store(places, kRelaxed);
+    const QORuint64 remembered = _remembered.load(kRelaxed);
+    _remembered.store(other._remembered.load(kRelaxed), kRelaxed);
+    other._remembered.store(remembered, kRelaxed);
+    _walked.store(0, kRelaxed);
+    other._walked.store(0, kRelaxed);
+    std::swap(_hasHeads, other._hasHeads);
   }
   void appendCopies(const QORValSlist& other) {
     try {
@@ -234,7 +264,8 @@ class QORValSlist {
     (previous == nullptr ? _head : previous->_next) = item;
     (place == nullptr ? _last : place->_previous) = item;
     if (_entries++ != 0) _sortOrder = NotSorted;
-    if (place != nullptr) _remembered = nullptr;
+    if (place != nullptr) _remembered.store(0, kRelaxed);
+    if (_places.load(kRelaxed) != nullptr) keepPlaces(place == nullptr);
   }
   T unlink(Item* item) {
     T data(std::move(item->_data));
@@ -242,7 +273,7 @@ class QORValSlist {
     (item->_next == nullptr ? _last : item->_next->_previous) = item->_previous;
     freeItem(item);
     --_entries;
-    _remembered = nullptr;
+    dropPlaces();
     return data;
   }
   Item* findNode(const T& value) const {
@@ -250,7 +281,27 @@ class QORValSlist {
     while (item != nullptr && !(item->_data == value)) item = item->_next;
     return item;
   }
-  Item* _advanceTo(QORuint32 index) const;
+  Item* _advanceTo(QORuint32 index) const {
+    if (index >= _entries) qorRaiseOutOfBounds();
+    Places* const places = _places.load(std::memory_order_acquire);
+    if (places != nullptr && index < places->_count) return places->items()[index];
+    return walkTo(index, places, true);
+  }
+  // The same for an item that is about to go or to get another one before it, for which a note would be no use.
+  Item* toBeChanged(QORuint32 index) const {
+    if (index >= _entries) qorRaiseOutOfBounds();
+    return walkTo(index, nullptr, false);
+  }
+  Item* walkTo(QORuint32 index, Places* known, bool isNoted) const noexcept;
+  void remember(Item* item, QORuint32 index) const noexcept;
+  [[gnu::noinline]] void noteWalk(QORuint32 steps, Places* known) const noexcept;
+  void makePlaces(Places* known) const noexcept;
+  // Before items change places. Nobody else reads the list then.
+  void dropPlaces() noexcept {
+    _remembered.store(0, kRelaxed);
+    if (_places.load(kRelaxed) != nullptr) keepPlaces(false);
+  }
+  [[gnu::noinline]] void keepPlaces(bool hasGrown) noexcept;
   const T& extreme(const char* where, SortOrder order) const {
     if (_head == nullptr) qorRaiseEmptyList(where);
     const Item* best = _head;
@@ -266,33 +317,80 @@ class QORValSlist {
   Item* _head = nullptr;
   Item* _last = nullptr;
   QORuint32 _entries = 0;
+  mutable std::atomic<QORuint16> _walked{0};  // long walks by index; counts of several threads may be lost
   SortOrder _sortOrder = NotSorted;
-  mutable Item* _remembered = nullptr;
-  mutable QORuint32 _rememberedIndex = 0;
-  bool _hasPlaces = false;  // whether its items have heads
+  bool _hasHeads = false;                         // whether its items have heads
+  mutable std::atomic<QORuint64> _remembered{0};  // the last item that was walked to and its place; 0 for none
+  mutable std::atomic<Places*> _places{nullptr};  // OWNS; null until long walks have become many
 };
 
 template <class T>
-QORValSlistItem<T>* QORValSlist<T>::_advanceTo(QORuint32 index) const {
-  if (index >= _entries) qorRaiseOutOfBounds();
-  Item* item = _head;
-  QORuint32 position = 0;
-  if (_entries - 1 - index < index) {
-    item = _last;
-    position = _entries - 1;
-  }
-  if (_remembered != nullptr) {
+QORValSlistItem<T>* QORValSlist<T>::walkTo(QORuint32 index, Places* known, bool isNoted) const noexcept {
+  const QORuint64 remembered = _remembered.load(kRelaxed);
+  Item* item = reinterpret_cast<Item*>(static_cast<std::uintptr_t>((remembered & ~kGreatestPlace) >> kAddressShift));
+  QORuint32 position = static_cast<QORuint32>(remembered & kGreatestPlace);
+  if (item != nullptr && position + 1 == index) {
+    item = item->_next;
+  } else {
     const auto distance = [index](QORuint32 from) { return from < index ? index - from : from - index; };
-    if (distance(_rememberedIndex) < distance(position)) {
-      item = _remembered;
-      position = _rememberedIndex;
+    if (item == nullptr || index < distance(position)) {
+      item = _head;
+      position = 0;
     }
+    if (_entries - 1 - index < distance(position)) {
+      item = _last;
+      position = _entries - 1;
+    }
+    if (isNoted && distance(position) > kNear) noteWalk(distance(position), known);
+    for (; position < index; ++position) item = item->_next;
+    for (; position > index; --position) item = item->_previous;
   }
-  for (; position < index; ++position) item = item->_next;
-  for (; position > index; --position) item = item->_previous;
-  _remembered = item;
-  _rememberedIndex = index;
+  remember(item, index);
   return item;
+}
+
+// Only what comes out again as it went in: the address in the upper bits, whose
+// lowest ones alignment makes zero, and the place in those and below them.
+template <class T>
+void QORValSlist<T>::remember(Item* item, QORuint32 index) const noexcept {
+  static_assert(alignof(Item) >= std::size_t{1} << (kPlaceBits - kAddressShift));
+  const QORuint64 address = reinterpret_cast<std::uintptr_t>(item);
+  const QORuint64 word = address << kAddressShift;
+  if (word >> kAddressShift == address && index <= kGreatestPlace) _remembered.store(word | index, kRelaxed);
+}
+
+template <class T>
+void QORValSlist<T>::noteWalk(QORuint32 steps, Places* known) const noexcept {
+  const QORuint64 walked = _walked.load(kRelaxed) + 1 + QORuint64{steps} * kWholeList / _entries;
+  if (walked < kWholeList) {
+    _walked.store(static_cast<QORuint16>(walked), kRelaxed);
+  } else {
+    makePlaces(known);
+  }
+}
+
+// Several threads may come here at once: the first note made stays, and is whole
+// before any other thread finds it. Without memory for it, walks go on.
+template <class T>
+void QORValSlist<T>::makePlaces(Places* known) const noexcept {
+  void* const memory = ::operator new(sizeof(Places) + _entries * sizeof(Item*), std::nothrow);
+  if (memory == nullptr) return;
+  Places* const made = ::new (memory) Places{known, _entries};
+  Item** place = made->items();
+  for (Item* item = _head; item != nullptr; item = item->_next) *place++ = item;
+  if (!_places.compare_exchange_strong(known, made, std::memory_order_acq_rel)) ::operator delete(memory);
+  _walked.store(0, kRelaxed);
+}
+
+template <class T>
+void QORValSlist<T>::keepPlaces(bool hasGrown) noexcept {
+  Places* places = _places.load(kRelaxed);
+  Places* const older = std::exchange(places->_older, nullptr);
+  if (older != nullptr) ::operator delete(static_cast<void*>(older));
+  if (hasGrown) return;
+  ::operator delete(static_cast<void*>(places));
+  _places.store(nullptr, kRelaxed);
+  _walked.store(0, kRelaxed);
 }
 
 template <class T>
@@ -327,7 +425,7 @@ void QORValSlist<T>::sort(SortOrder order) {
     _sortOrder = NotSorted;
     return;
   }
-  _remembered = nullptr;
+  dropPlaces();
   for (QORuint64 width = 1; width < _entries; width *= 2) {
     Item* rest = _head;
     _head = _last = nullptr;
