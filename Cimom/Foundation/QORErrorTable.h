@@ -10,7 +10,6 @@ struct QORErrorTable {
   const QORString outOfBounds{"Out of Bounds"};
   const QORString emptyList{"Empty List"};
   const QORString boundsType{"Bounds"};
-  const QORString pointerType{"Pointer"};
   const QORString pointerWho{"QORSmrPtr"};
   const QORString nullPointerType{"NullPointer"};
   const QORString nullPointerIn{"Null pointer in "};

@@ -30,9 +30,7 @@ QORNullPointerException::QORNullPointerException(const QORString& operation)
 
 QORNullPointerException::~QORNullPointerException() = default;
 
-void QORSmrPtrImpl::raise(const char* text) {
-  throw QoriBaseException(qorErrorTable().pointerType, qorErrorTable().pointerWho, QORString(), text, 0);
-}
+void QORSmrPtrImpl::raise(const char* operation) { throw QORNullPointerException(operation); }
 
 void QORSmrPtrImpl::raiseNullPointer(const char* operation) { throw QORNullPointerException(operation); }
 

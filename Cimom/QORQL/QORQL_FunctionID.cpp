@@ -4,18 +4,18 @@
 namespace {
 
 // By function id.
-constexpr const char* kNames[] = {"UNKNOWN", "OBJECTPATH", "MIN", "MAX", "COUNT", "AVG", "SUM", "INSTANCEOF"};
-constexpr QORuint32 kNameCount = sizeof(kNames) / sizeof(kNames[0]);
+constexpr const char* _functionIDStr[] = {"UNKNOWN", "OBJECTPATH", "MIN", "MAX", "COUNT", "AVG", "SUM", "INSTANCEOF"};
+constexpr QORuint32 kNameCount = sizeof(_functionIDStr) / sizeof(_functionIDStr[0]);
 
 }  // namespace
 
 const char* QORQL_functionName(QORuint32 functionID) noexcept {
-  return kNames[functionID < kNameCount ? functionID : 0];
+  return _functionIDStr[functionID < kNameCount ? functionID : 0];
 }
 
 QORQL_FunctionID QORQL_findFunction(const QORString& name) noexcept {
   for (QORuint32 id = QORQL_FUNCTIONID_UNKNOWN + 1; id < kNameCount; ++id) {
-    if (QORString::equalIgnoringCase(name.view(), kNames[id])) return static_cast<QORQL_FunctionID>(id);
+    if (QORString::equalIgnoringCase(name.view(), _functionIDStr[id])) return static_cast<QORQL_FunctionID>(id);
   }
   return QORQL_FUNCTIONID_UNKNOWN;
 }

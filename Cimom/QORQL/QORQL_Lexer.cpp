@@ -34,35 +34,34 @@ QORQL_Token QORQL_Lexer::_getNext() {
   return token;
 }
 
-// What comes takes the place of the token before the current one; then those two change places.
 QORQL_Token& QORQL_Lexer::_nextRevisitedToken() {
-  *_previousToken =
+  _previousToken = std::move(_currentToken);
+  _currentToken =
       _revisitTokens.isEmpty() ? QORQL_Token(QORString::emptyString(), TokenEOF) : _revisitTokens.removeFirst();
-  std::swap(_previousToken, _currentToken);
-  return *_currentToken;
+  return _currentToken;
 }
 
 QORQL_Token& QORQL_Lexer::next(bool revisit) {
   if (revisit) return _nextRevisitedToken();
+  _previousToken = std::move(_currentToken);
   if (_hasFollowing) {
-    std::swap(_previousToken, _followingToken);
+    _currentToken = std::move(_followingToken);
     _hasFollowing = !_nextTokens.isEmpty();
-    if (_hasFollowing) *_followingToken = _nextTokens.removeFirst();
+    if (_hasFollowing) _followingToken = _nextTokens.removeFirst();
   } else {
-    _scanner.read(*_previousToken);
+    _scanner.read(_currentToken);
   }
-  std::swap(_previousToken, _currentToken);
-  return *_currentToken;
+  return _currentToken;
 }
 
 QORQL_Token& QORQL_Lexer::lookAhead(int n) {
-  if (n <= 0) return *_currentToken;
+  if (n <= 0) return _currentToken;
   if (!_hasFollowing) {
-    _scanner.read(*_followingToken);
+    _scanner.read(_followingToken);
     _hasFollowing = true;
   }
   const QORuint32 others = static_cast<QORuint32>(n) - 1;
-  if (others == 0) return *_followingToken;
+  if (others == 0) return _followingToken;
   while (_nextTokens.entries() < others) _nextTokens.append(_getNext());
   return _nextTokens.at(others - 1);
 }
@@ -70,19 +69,19 @@ QORQL_Token& QORQL_Lexer::lookAhead(int n) {
 QORQL_Token& QORQL_Lexer::skipUntilToken(QORQL_TokenType type) {
   do {
     next(false);
-  } while (_currentToken->getType() != type && _currentToken->getType() != TokenEOF);
-  return *_currentToken;
+  } while (_currentToken.getType() != type && _currentToken.getType() != TokenEOF);
+  return _currentToken;
 }
 
 QORQL_Token& QORQL_Lexer::skipUntilTokenAndRevisit(QORQL_TokenType type) {
-  while (_currentToken->getType() != type) {
-    _revisitTokens.append(*_currentToken);
-    *_previousToken = _getNext();
-    std::swap(_previousToken, _currentToken);
+  while (_currentToken.getType() != type) {
+    _revisitTokens.append(_currentToken);
+    _previousToken = std::move(_currentToken);
+    _currentToken = _getNext();
   }
-  return *_currentToken;
+  return _currentToken;
 }
 
 void QORQL_Lexer::matchToken(int type) {
-  if (_currentToken->getType() != type) QORQL_raiseAtToken(QORQL_Messages::kTokenMismatch, *this);
+  if (_currentToken.getType() != type) QORQL_raiseAtToken(QORQL_Messages::kTokenMismatch, *this);
 }

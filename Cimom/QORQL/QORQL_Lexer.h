@@ -18,13 +18,14 @@ class QORQL_Lexer {
   QORQL_Lexer& operator=(const QORQL_Lexer&) = delete;
   ~QORQL_Lexer();
 
-  // The token of that place, until the next step.
-  QORQL_Token& getCurrent() noexcept { return *_currentToken; }
+  // The current token, whichever it is: the reference stays good, and shows each token that becomes current.
+  QORQL_Token& getCurrent() noexcept { return _currentToken; }
   // Advances; with `revisit` it takes the tokens put aside instead, then end of input.
   QORQL_Token& next(bool revisit);
-  // The token n places after the current one; 0 is the current one.
+  // The token n places after the current one, until the next step; 0 is the current one.
   QORQL_Token& lookAhead(int n);
-  QORQL_Token& lookBack() noexcept { return *_previousToken; }
+  // The token before the current one, as getCurrent() shows that one.
+  QORQL_Token& lookBack() noexcept { return _previousToken; }
   // Advances at least once, until the type or the end of input is current.
   QORQL_Token& skipUntilToken(QORQL_TokenType type);
   // Puts aside every token before the type. REQUIRES that the type follows.
@@ -56,12 +57,10 @@ class QORQL_Lexer {
   QORString _text;  // shared with the caller's, which may change
   QORQL_Scanner _scanner;
   QORSlabs _slabs;
-  // These change their places, so that a step moves no token.
-  QORQL_Token _tokens[3];
-  QORQL_Token* _currentToken = &_tokens[0];
-  QORQL_Token* _previousToken = &_tokens[1];
+  QORQL_Token _currentToken;
+  QORQL_Token _previousToken;
   // What was read ahead: the first token by itself, since mostly it is the only one, then the others.
-  QORQL_Token* _followingToken = &_tokens[2];
+  QORQL_Token _followingToken;
   QORValSlist<QORQL_Token> _nextTokens;
   bool _hasFollowing = false;
   const char* _buffer;

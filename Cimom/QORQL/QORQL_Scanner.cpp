@@ -155,7 +155,7 @@ std::string_view withoutQuotes(std::string_view text) {
   return text;
 }
 
-void report(const char* message) {
+void yyerror(const char* message) {
   std::printf("%s in line %d (%s).\n", message, lineno, yylval == nullptr ? "(null)" : yylval);
 }
 
@@ -176,7 +176,7 @@ bool QORQL_Scanner::skipOpenString() {
   } else {
     _place = end;
     ++_line;
-    report("unterminated string");
+    yyerror("unterminated string");
   }
   return true;
 }

@@ -45,6 +45,14 @@ class QORQL_SelectList : public QORQL_Executable {
 
   // The class of the pseudo-object that holds function results, and its column's name.
   static const QORString _FUNCTIONS_VALUES_CLASS;
+  // The declared type of a column of which none is known.
+  static const QORString DEFAULT_COLUMN_DATA_TYPE;
+  // For callers that render results as XML or HTML: the stream's text is escaped by the object manager.
+  static const QORString XML_LT;
+  static const QORString XML_GT;
+  static const QORString XML_QUOTE;
+  static const QORString HTML_LINE_FEED;
+  static const QORString HTML_SPACE;
 
   QORQL_SelectList(EntryList entries, const QORboolean& areAllEntriesAggregates, const QORboolean& isFirstUsed,
                    const QORuint32& entryCount, bool isSelectAll, const QORString& queryString,

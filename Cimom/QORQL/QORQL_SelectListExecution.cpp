@@ -18,6 +18,12 @@
 namespace Messages = QORQL_ExecutionMessages;
 
 const QORString QORQL_SelectList::_FUNCTIONS_VALUES_CLASS("VALUES");
+const QORString QORQL_SelectList::DEFAULT_COLUMN_DATA_TYPE("String");
+const QORString QORQL_SelectList::XML_LT("&lt;");
+const QORString QORQL_SelectList::XML_GT("&gt;");
+const QORString QORQL_SelectList::XML_QUOTE("&quot;");
+const QORString QORQL_SelectList::HTML_LINE_FEED("&#10;");
+const QORString QORQL_SelectList::HTML_SPACE("&#32;");
 
 namespace {
 

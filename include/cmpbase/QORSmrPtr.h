@@ -14,9 +14,8 @@
 // Where misuse of a counted pointer is reported; supplied by the foundation library.
 class QORSmrPtrImpl {
  public:
-  // THROWS QoriBaseException with the given text as message.
-  [[noreturn]] static void raise(const char* text);
-  // THROWS QORNullPointerException naming the operation.
+  // Both THROW QORNullPointerException naming the operation.
+  [[noreturn]] static void raise(const char* operation);
   [[noreturn]] static void raiseNullPointer(const char* operation);
 };
 

@@ -372,12 +372,14 @@ TEST(QORSmrPtr, ObjectMayDropTheLastPointerToItsOwnHolder) {
   EXPECT_TRUE(first.IsUnique());
 }
 
-TEST(QORSmrPtr, RaiseCarriesTheText) {
+TEST(QORSmrPtr, RaiseIsTheNullPointerErrorToo) {
   try {
-    QORSmrPtrImpl::raise("misuse");
-  } catch (const QoriBaseException& error) {
-    EXPECT_EQ(error.getMessage(), "misuse");
+    QORSmrPtrImpl::raise("misuse()");
+  } catch (const QORNullPointerException& error) {
+    EXPECT_EQ(error.getType(), "NullPointer");
     EXPECT_EQ(error.getWho(), "QORSmrPtr");
+    EXPECT_EQ(error.getWhere(), "misuse()");
+    EXPECT_EQ(error.getMessage(), "Null pointer in misuse()");
     return;
   }
   FAIL() << "nothing was raised";

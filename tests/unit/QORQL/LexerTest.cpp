@@ -28,6 +28,28 @@ TEST(Lexer, AdvancesAndRemembersOneToken) {
   EXPECT_EQ(plain(lexer.lookBack().getValue()), "b");
 }
 
+TEST(Lexer, AReferenceToTheCurrentTokenStaysTheCurrentToken) {
+  QORQL_Lexer lexer("a b c d ; f g", false);
+  QORQL_Token& token = lexer.getCurrent();
+  QORQL_Token& before = lexer.lookBack();
+  lexer.next(false);
+  EXPECT_EQ(plain(token.getValue()), "b");
+  lexer.lookAhead(2);
+  EXPECT_EQ(plain(token.getValue()), "b");
+  EXPECT_EQ(&lexer.next(false), &token);  // out of the queue
+  EXPECT_EQ(plain(token.getValue()), "c");
+  EXPECT_EQ(plain(before.getValue()), "b");
+  lexer.next(false);
+  lexer.skipUntilTokenAndRevisit(static_cast<QORQL_TokenType>(';'));
+  EXPECT_EQ(plain(token.getValue()), ";");
+  EXPECT_EQ(&lexer.lookAhead(0), &token);
+  EXPECT_EQ(&lexer.next(true), &token);
+  EXPECT_EQ(plain(token.getValue()), "d");
+  EXPECT_EQ(&lexer.skipUntilToken(TokenEOF), &token);
+  EXPECT_EQ(token.getType(), TokenEOF);
+  EXPECT_EQ(plain(before.getValue()), "g");
+}
+
 TEST(Lexer, LooksAheadWithoutConsuming) {
   QORQL_Lexer lexer("x = 1 y", false);
   EXPECT_EQ(plain(lexer.lookAhead(2).getValue()), "1");
