@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <ostream>
+#include <string>
 #include <string_view>
 
 #include "Cimom/Model/ModelError.h"
@@ -91,6 +92,18 @@ std::size_t plainLength(std::string_view text) noexcept {
   return i;
 }
 
+void appendEncoded(std::string& out, std::string_view text) {
+  for (;;) {
+    const std::size_t plain = plainLength(text);
+    out.append(text.substr(0, plain));
+    text.remove_prefix(plain);
+    if (text.empty()) return;
+    const std::string_view special = entity(text.front());
+    out.append(special.empty() ? kReplacement : special);
+    text.remove_prefix(isNonCharacter(text) ? 3 : 1);
+  }
+}
+
 void writeAttribute(std::ostream& out, const char* name, const QORString& value) {
   out << ' ' << name << "=\"" << CIMUtil::xmlEncode(value) << '"';
 }
@@ -171,20 +184,8 @@ QORString CIMUtil::xmlEncode(const QORString& text) {
   if (plainLength(text.view()) == text.length()) return text;
   std::string encoded;
   encoded.reserve(text.length() + 32);
-  appendXmlEncoded(encoded, text.view());
+  appendEncoded(encoded, text.view());
   return QORString(encoded);
-}
-
-void CIMUtil::appendXmlEncoded(std::string& out, std::string_view text) {
-  for (;;) {
-    const std::size_t plain = plainLength(text);
-    out.append(text.substr(0, plain));
-    text.remove_prefix(plain);
-    if (text.empty()) return;
-    const std::string_view special = entity(text.front());
-    out.append(special.empty() ? kReplacement : special);
-    text.remove_prefix(isNonCharacter(text) ? 3 : 1);
-  }
 }
 
 void CIMUtil::StreamInstancePath(std::ostream& out, const IQoriInstanceName& name, const QORString& hostAddress,

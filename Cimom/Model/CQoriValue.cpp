@@ -186,8 +186,6 @@ QORSmrPtr<IQoriObject> CQoriValue::getObject() const {
   return _complex == nullptr ? QORSmrPtr<IQoriObject>() : _complex->object;
 }
 
-QoriScalar CQoriValue::scalar() const noexcept { return _scalar; }
-
 namespace {
 
 // The value's scalar as `target`, for the getters.

@@ -98,7 +98,11 @@ CQLPrecisionCode CQLQueryStatement::findPrecisionType(const QORString& lhsType, 
 
 Value CQLQueryStatement::convertToHighPrecision(const QORString& /*fromType*/, const QORString& toType,
                                                 const Value& value) {
-  return converted(value, CQoriType::find(toType, false));
+  static const QORSmrPtr<IQoriType>* const types[] = {&CQoriType::uint8, &CQoriType::uint16, &CQoriType::uint32,
+                                                      &CQoriType::uint64, &CQoriType::sint8, &CQoriType::sint16,
+                                                      &CQoriType::sint32, &CQoriType::sint64};
+  const int index = indexOf(toType);
+  return index == kNoCode ? Value() : converted(value, *types[index]);
 }
 
 bool CQLQueryStatement::compare(const Value& lhs, const Value& rhs, QORQL_Operator op) {

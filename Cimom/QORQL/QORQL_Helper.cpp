@@ -11,6 +11,7 @@
 #include "Cimom/QORQL/QORQL_LazyTable.h"
 #include "Cimom/QORQL/QORQL_Log.h"
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
+#include "Cimom/QORQL/QORQL_Values.h"
 #include "Cimom/QORQL/QORQL_Token.h"
 #include "cimom/QoriProviderPluginManager.h"
 #include "cimom/ZEMOConfigManager.h"
@@ -98,7 +99,7 @@ class ComparisonTest : public RowTest {
     }
     if (result.IsNull()) return true;
     const bool isNegated = static_cast<int>(_operator) == static_cast<int>(TokenNOT);
-    return result->getBoolean() != isNegated;
+    return (QORQL_truthOf(result) == QoriTruth::True) != isNegated;
   }
 
  private:

@@ -1,6 +1,8 @@
 // The XML table, byte for byte: a row of cell declarations, then the rows.
 #include "Cimom/QORQL/QORQL_ResultStream.h"
 
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <ostream>
 
@@ -12,9 +14,24 @@
 
 namespace {
 
-constexpr char kDefaultColumnDataType[] = "String";
 // Text beyond this is handed over after a row.
 constexpr std::size_t kPiece = 32768;
+
+// For each byte, whether it is a character that no encoding changes: a letter, a
+// digit, a blank, or one of those that names and numbers are made of besides.
+constexpr std::array<bool, 256> kMeansItself = [] {
+  std::array<bool, 256> meansItself{};
+  for (char c = '0'; c <= '9'; ++c) meansItself[static_cast<unsigned char>(c)] = true;
+  for (char c = 'A'; c <= 'Z'; ++c) meansItself[static_cast<unsigned char>(c)] = true;
+  for (char c = 'a'; c <= 'z'; ++c) meansItself[static_cast<unsigned char>(c)] = true;
+  for (const char c : {' ', '-', '.', '_'}) meansItself[static_cast<unsigned char>(c)] = true;
+  return meansItself;
+}();
+
+// Such a text needs no encoder, which spares most cells a string of their own.
+bool meansItself(std::string_view text) noexcept {
+  return std::all_of(text.begin(), text.end(), [](char c) { return kMeansItself[static_cast<unsigned char>(c)]; });
+}
 
 }  // namespace
 
@@ -73,7 +90,7 @@ void QORQL_ResultStream::_streamTableHeader() {
 }
 
 QORuint32 QORQL_ResultStream::_streamComputedHeader(const Column& column) {
-  QORString type(kDefaultColumnDataType);
+  QORString type(QORQL_SelectList::DEFAULT_COLUMN_DATA_TYPE);
   if (_reader.rowCount() != 0) {
     _reader.select(0);
     const QORSmrPtr<IQoriValue> value(_reader.hasRow() ? _reader.value(column.slot) : QORSmrPtr<IQoriValue>());
@@ -93,7 +110,7 @@ QORuint32 QORQL_ResultStream::_streamTableHeaderHelper(const Column& column, con
   const QORSmrPtr<IQoriObject> object(_findNonNullObject(className));
   if (object.IsNull()) {
     if (_reader.rowCount() != 0 && !entry.isSelectAll()) {
-      _streamTableHeaderCell(QORQL_SelectList::_getCellName(entry), kDefaultColumnDataType, false);
+      _streamTableHeaderCell(QORQL_SelectList::_getCellName(entry), QORQL_SelectList::DEFAULT_COLUMN_DATA_TYPE, false);
     }
   } else if (allProperties) {
     for (QORuint32 i = 0; i < object->getPropertyCount(); ++i) {
@@ -104,7 +121,7 @@ QORuint32 QORQL_ResultStream::_streamTableHeaderHelper(const Column& column, con
     const QORSmrPtr<IQoriProperty> property(object->getProperty(entry.getPropertyName(), true));
     const QORString name(QORQL_SelectList::_getCellName(entry));
     if (property.IsNull()) {
-      _streamTableHeaderCell(name, kDefaultColumnDataType, false);
+      _streamTableHeaderCell(name, QORQL_SelectList::DEFAULT_COLUMN_DATA_TYPE, false);
     } else {
       _streamProperty(name, *property);
     }
@@ -114,7 +131,7 @@ QORuint32 QORQL_ResultStream::_streamTableHeaderHelper(const Column& column, con
 
 void QORQL_ResultStream::_streamProperty(const QORString& name, const IQoriProperty& property) {
   const QORSmrPtr<IQoriValue>& value = property.getValue();
-  const QORString type(value.IsNull() ? QORString(kDefaultColumnDataType) : value->getType()->getName());
+  const QORString type(value.IsNull() ? QORQL_SelectList::DEFAULT_COLUMN_DATA_TYPE : value->getType()->getName());
   _streamTableHeaderCell(name, type, property.getType()->isArray());
 }
 
@@ -178,10 +195,13 @@ void QORQL_ResultStream::_streamClassProperties(const Column& column) {
   for (QORuint32 i = 0; i < object->getPropertyCount(); ++i) _streamRowCell(object->getPropertyAt(i)->getValue());
 }
 
-void QORQL_ResultStream::_streamText(std::string_view text) {
-  _text += "<VALUE>";
-  CIMUtil::appendXmlEncoded(_text, text);
-  _text += "</VALUE>\n";
+void QORQL_ResultStream::_streamNumber(std::string_view digits) {
+  _text.append("<VALUE>").append(digits).append("</VALUE>\n");
+}
+
+void QORQL_ResultStream::_streamText(const QORString& text) {
+  if (meansItself(text.view())) return _streamNumber(text.view());
+  _text.append("<VALUE>").append(CIMUtil::xmlEncode(text).view()).append("</VALUE>\n");
 }
 
 template <class ValueOf>
@@ -192,12 +212,12 @@ void QORQL_ResultStream::_streamCell(const QoriScalar& view, const ValueOf& valu
       _text += "<VALUE.NULL></VALUE.NULL>\n";
       return;
     case QoriScalarKind::Unsigned:
-      return _streamText({digits, std::to_chars(digits, digits + sizeof digits, view.u).ptr});
+      return _streamNumber({digits, std::to_chars(digits, digits + sizeof digits, view.u).ptr});
     case QoriScalarKind::Signed:
-      return _streamText({digits, std::to_chars(digits, digits + sizeof digits, view.s).ptr});
+      return _streamNumber({digits, std::to_chars(digits, digits + sizeof digits, view.s).ptr});
     case QoriScalarKind::Text:
     case QoriScalarKind::DateTime:
-      return _streamText(view.text->view());
+      return _streamText(*view.text);
     default:
       return _streamRowCell(value());
   }
@@ -213,12 +233,12 @@ void QORQL_ResultStream::_streamRowCell(const QORSmrPtr<IQoriValue>& value) {
     _text += isReference ? "<VALUE.REFARRAY>\n" : "<VALUE.ARRAY>\n";
     QORValSlistIterator<QORSmrPtr<IQoriValue>> elements(*value->getArray());
     while (++elements) {
-      if (!elements.key().IsNull()) _streamText(elements.key()->toString().view());
+      if (!elements.key().IsNull()) _streamText(elements.key()->toString());
     }
     _text += isReference ? "</VALUE.REFARRAY>\n" : "</VALUE.ARRAY>\n";
     return;
   }
-  if (!isReference) return _streamText(value->toString().view());
+  if (!isReference) return _streamText(value->toString());
   _text += "<VALUE.REFERENCE>";
   const QORSmrPtr<IQoriInstanceName> name(value->getReference());
   if (name.IsNull()) {

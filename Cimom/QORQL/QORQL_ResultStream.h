@@ -41,7 +41,9 @@ class QORQL_ResultStream {
   template <class ValueOf>
   void _streamCell(const QoriScalar& view, const ValueOf& value);
   void _streamRowCell(const QORSmrPtr<IQoriValue>& value);
-  void _streamText(std::string_view text);
+  // A VALUE of digits, and one of a text, which the object manager encodes.
+  void _streamNumber(std::string_view digits);
+  void _streamText(const QORString& text);
   // Hands what has been written to the stream.
   void _flush();
   void _streamAggregateValue(const QORQL_SelectedEntry& entry);

@@ -80,6 +80,25 @@ QORSmrPtr<IQoriValue> QORQL_truthValue(QoriTruth truth) {
   return QORSmrPtr<IQoriValue>(new CQoriValue(truth == QoriTruth::True, CQoriType::boolean));
 }
 
+QoriTruth QORQL_truthOf(const QORSmrPtr<IQoriValue>& value) {
+  if (value.IsNull()) return QoriTruth::Null;
+  const QoriScalar view = value->scalar();
+  switch (view.kind) {
+    case QoriScalarKind::Boolean:
+      return qori::truth(view.b);
+    case QoriScalarKind::Unsigned:
+      return qori::truth(view.u != 0);
+    case QoriScalarKind::Signed:
+      return qori::truth(view.s != 0);
+    case QoriScalarKind::Real:
+      return qori::truth(view.r != 0.0);
+    case QoriScalarKind::Text:
+      return qori::truth(QORString::equalIgnoringCase(view.text->view(), "TRUE"));
+    default:
+      return QoriTruth::False;
+  }
+}
+
 bool QORQL_isRelational(QORQL_Operator op) noexcept {
   return (op >= QORQL_OperatorEQUAL && op <= QORQL_OperatorGREATEREQUAL) ||
          (op >= QORQL_OperatorLEFTJOIN && op <= QORQL_OperatorFULLOUTERJOIN);

@@ -26,9 +26,7 @@ QORSmrPtr<IQoriValue> QORQL_negate(const QORSmrPtr<IQoriValue>& value);
 // A truth as a value: null for Null, otherwise a new boolean.
 QORSmrPtr<IQoriValue> QORQL_truthValue(QoriTruth truth);
 // A value as a truth: Null for null, otherwise the value as a condition.
-inline QoriTruth QORQL_truthOf(const QORSmrPtr<IQoriValue>& value) {
-  return value.IsNull() ? QoriTruth::Null : qori::truth(value->getBoolean());
-}
+QoriTruth QORQL_truthOf(const QORSmrPtr<IQoriValue>& value);
 
 // The relation that a comparison or join operator stands for. REQUIRES one of those.
 QoriRelation QORQL_relationOf(QORQL_Operator op) noexcept;

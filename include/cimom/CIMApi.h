@@ -13,7 +13,7 @@
 // exactly those named are present (NULL when unset; case, duplicates and names
 // that the class lacks ignored); the instance name is always complete. A
 // provider's failure is an exception and passes through. The returned list may
-// be shared: do not change it.
+// be shared, by threads too, which may all read it: do not change it.
 class CIMApi {
  public:
   using Instances = QORSmrPtr<QORValSlist<QORSmrPtr<IQoriObject>>>;

@@ -9,9 +9,13 @@
 class IQoriQualifier {
  public:
   virtual ~IQoriQualifier() = default;
-  virtual const QORString& getName() const noexcept = 0;
+  // Empty where nobody tells it: the engine asks whether there is a qualifier and no more.
+  virtual const QORString& getName() const noexcept { return QORString::emptyString(); }
   // Null when the qualifier has no value.
-  virtual const QORSmrPtr<IQoriValue>& getValue() const noexcept = 0;
+  virtual const QORSmrPtr<IQoriValue>& getValue() const noexcept {
+    static const QORSmrPtr<IQoriValue> none;
+    return none;
+  }
 };
 
 // Immutable; threads may share one. Names are found ignoring case; what is

@@ -2,15 +2,15 @@
 #ifndef QORQL_CIMOM_IQORIINSTANCENAME_H
 #define QORQL_CIMOM_IQORIINSTANCENAME_H
 
+#include "cimom/IQoriProperty.h"
 #include "cmpbase.h"
-
-class IQoriProperty;
 
 // Immutable; threads may share one.
 class IQoriNameSpacePath {
  public:
   virtual ~IQoriNameSpacePath() = default;
-  virtual const QORString& getHost() const noexcept = 0;
+  // Empty where nobody tells it.
+  virtual const QORString& getHost() const noexcept { return QORString::emptyString(); }
   virtual const QORString& getNameSpace() const noexcept = 0;
 };
 
@@ -23,8 +23,12 @@ class IQoriInstanceName {
   virtual const QORString& getClassName() const noexcept = 0;
   // Never null.
   virtual const QORSmrPtr<IQoriNameSpacePath>& getNameSpacePath() const noexcept = 0;
-  // The key properties in ascending name order, ignoring case. Never null; do not change the list.
-  virtual const QORSmrPtr<KeyList>& getKeys() const = 0;
+  // The key properties in ascending name order, ignoring case. Never null; do not
+  // change the list. Empty where nobody tells them: the engine goes by toString().
+  virtual const QORSmrPtr<KeyList>& getKeys() const {
+    static const QORSmrPtr<KeyList> none(new KeyList);
+    return none;
+  }
   // The canonical path `namespace:Class.Key1="v",Key2=2`: keys in ascending name
   // order ignoring case, text quoted with `"` and `\` escaped, numbers and
   // booleans bare, no host. Two names are the same instance exactly when these

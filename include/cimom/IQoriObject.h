@@ -56,8 +56,12 @@ class IQoriObject {
     appendPath(path);
     return hashKeyBytes(path);
   }
-  // Namespace the instance came from; empty when it has none.
-  virtual QORString getNameSpace() const = 0;
+  // Namespace the instance came from, which its path tells; empty when it has none.
+  virtual QORString getNameSpace() const {
+    const QORSmrPtr<IQoriInstanceName> name(getInstanceName());
+    if (name.IsNull() || name->getNameSpacePath().IsNull()) return QORString::emptyString();
+    return name->getNameSpacePath()->getNameSpace();
+  }
 
   virtual QORuint32 getPropertyCount() const noexcept = 0;
   // In the object's order. REQUIRES position < getPropertyCount().
@@ -67,14 +71,15 @@ class IQoriObject {
   virtual QORSmrPtr<IQoriProperty> getProperty(const QORString& name, bool includeInherited) const = 0;
 
   // The layout, when property positions may be bound once for many objects; an
-  // object that cannot promise this returns null and is read by name. With a
-  // layout, the two operations below do not throw (but for std::bad_alloc).
+  // object that cannot promise this returns null and is read by name. An object
+  // with a layout overrides the two operations below, which nobody asks without
+  // one, and which do not throw then (but for std::bad_alloc).
   virtual const IQoriLayout* getLayout() const noexcept { return nullptr; }
   // The property's value as a borrowed view, valid while the object lives; kind
   // Null for a property without value. REQUIRES a layout and a position in it.
   virtual QoriScalar getScalarAt(QORuint32 /*position*/) const noexcept { return {}; }
   // The property's value, null when it has none. REQUIRES as above.
-  virtual QORSmrPtr<IQoriValue> getValueAt(QORuint32 /*position*/) const { return {}; }
+  virtual QORSmrPtr<IQoriValue> getValueAt(QORuint32 position) const { return getPropertyAt(position)->getValue(); }
 
   // The namespace the instance came from; empty for a null object.
   static QORString getLocalNameSpace(const QORSmrPtr<IQoriObject>& object) {

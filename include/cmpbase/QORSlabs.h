@@ -138,7 +138,7 @@ class QORSlabs {
   void closeSlab() noexcept;
 
   // The innermost of the thread. Its place is fixed when the library is loaded, so that a look costs a single step.
-  [[gnu::tls_model("initial-exec")]] static constinit thread_local Returning* _returning;
+  [[gnu::tls_model("initial-exec")]] inline static constinit thread_local Returning* _returning = nullptr;
 
   char* _slab = nullptr;
   std::size_t _used = 0;  // bytes of the slab, its head included

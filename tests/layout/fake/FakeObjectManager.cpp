@@ -1,10 +1,8 @@
 // The fake object manager's classes, instances and record.
 #include "tests/layout/fake/FakeObjectManager.h"
 
-#include "cimom/CQoriBaseObject.h"
 #include "cimom/CQoriProperty.h"
 #include "cimom/CQoriType.h"
-#include "cimom/CQoriValue.h"
 
 namespace {
 
@@ -16,11 +14,9 @@ class FakeQualifier : public IQoriQualifier {
  public:
   explicit FakeQualifier(const std::string& name) : _name(name.c_str()) {}
   const QORString& getName() const noexcept override { return _name; }
-  const QORSmrPtr<IQoriValue>& getValue() const noexcept override { return _value; }
 
  private:
   QORString _name;
-  QORSmrPtr<IQoriValue> _value;
 };
 
 template <class List>
@@ -54,13 +50,6 @@ class FakeRepositoryClass : public IQoriClass {
   std::vector<FakeQualifier> _qualifiers;
 };
 
-QORSmrPtr<IQoriValue> makeValue(const std::string& text) {
-  const QORString value(text.c_str());
-  if (text.empty()) return {};
-  if (value.isNumeric()) return new CQoriValue(static_cast<unsigned long long>(value.atoui64()), CQoriType::uint64);
-  return new CQoriValue(value);
-}
-
 }  // namespace
 
 FakeObjectManager& FakeObjectManager::instance() {
@@ -74,14 +63,8 @@ void FakeObjectManager::addClass(const FakeClass& declaration) {
   _classes[folded(declaration.name).c_str()] = declaration;
 }
 
-void FakeObjectManager::addInstance(const std::string& className,
-                                    const std::vector<std::pair<std::string, std::string>>& properties) {
-  const QORSmrPtr<CQoriBaseObject::PropertyList> list(new CQoriBaseObject::PropertyList);
-  for (const auto& [name, text] : properties) {
-    list->append(QORSmrPtr<IQoriProperty>(new CQoriProperty(QORString(name.c_str()), makeValue(text), true)));
-  }
-  _instances.push_back(
-      new CQoriBaseObject(kNameSpace, QORString(className.c_str()), QORString(properties.front().first.c_str()), list));
+void FakeObjectManager::addInstance(const std::string& className, const FakeProperties& properties) {
+  _instances.push_back(makeFakeObject(kNameSpace, className, properties));
 }
 
 void FakeObjectManager::addAssociate(const std::string& sourcePath, const std::string& associatePath) {

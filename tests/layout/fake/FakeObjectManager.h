@@ -1,5 +1,6 @@
 // An object manager made for tests: a few classes and instances in memory, and a
-// record of everything that the engine asked of it.
+// record of everything that the engine asked of it. It supplies what an object
+// manager has to supply, and nothing besides.
 #ifndef QORQL_TESTS_FAKEOBJECTMANAGER_H
 #define QORQL_TESTS_FAKEOBJECTMANAGER_H
 
@@ -11,6 +12,7 @@
 #include "cimom/IQoriObject.h"
 #include "cimom/IQoriRepository.h"
 #include "cmpbase.h"
+#include "tests/layout/fake/FakeObjects.h"
 
 // A class with a key `Name` and further properties; no superclass, no qualifiers
 // but those named.
@@ -53,8 +55,7 @@ class FakeObjectManager {
 
   void reset();
   void addClass(const FakeClass& declaration);
-  // A property is a number when its text is one, else a string; "" is NULL. The first is the key.
-  void addInstance(const std::string& className, const std::vector<std::pair<std::string, std::string>>& properties);
+  void addInstance(const std::string& className, const FakeProperties& properties);
   void addAssociate(const std::string& sourcePath, const std::string& associatePath);
 
   // Null for an unknown class.

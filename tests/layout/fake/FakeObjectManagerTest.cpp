@@ -58,11 +58,21 @@ TEST_F(FakeObjectManagerTest, RunsAQueryFromTextToStream) {
             "<TABLECELL.DECLARATION NAME=\"FAKE_DISK.Size\" TYPE=\"uint64\" ISARRAY=\"0\" CELLPOS=\"1\">"
             "</TABLECELL.DECLARATION>\n"
             "</TABLEROW.DECLARATION>\n"
-            "<TABLEROW>\n<VALUE>{b}</VALUE>\n<VALUE>{30}</VALUE>\n</TABLEROW>\n"
-            "<TABLEROW>\n<VALUE>{c}</VALUE>\n<VALUE>{20}</VALUE>\n</TABLEROW>\n"
+            "<TABLEROW>\n<VALUE>b</VALUE>\n<VALUE>30</VALUE>\n</TABLEROW>\n"
+            "<TABLEROW>\n<VALUE>c</VALUE>\n<VALUE>20</VALUE>\n</TABLEROW>\n"
             "</TABLE>\n</IRETURNVALUE>\n");
   EXPECT_EQ(_table->getRowCount(), 2u);
-  EXPECT_THAT(_manager.encodedTexts, ElementsAre("b", "30", "c", "20"));
+  EXPECT_THAT(_manager.encodedTexts, IsEmpty());
+}
+
+TEST_F(FakeObjectManagerTest, TextIsWrittenAsThePlatformEncodesIt) {
+  _manager.addInstance("Fake_Disk", {{"Name", "<d> & 'e'"}, {"Size", "5"}});
+  _manager.addInstance("Fake_Disk", {{"Name", "f/g"}, {"Size", "6"}});
+  const std::string stream = run("SELECT Name, Name + ';' AS Twice FROM Fake_Disk WHERE Size < 10");
+  EXPECT_THAT(stream,
+              ::testing::HasSubstr("<TABLEROW>\n<VALUE>{<d> & 'e'}</VALUE>\n<VALUE>{<d> & 'e';}</VALUE>\n</TABLEROW>\n"
+                                   "<TABLEROW>\n<VALUE>{f/g}</VALUE>\n<VALUE>{f/g;}</VALUE>\n</TABLEROW>\n"));
+  EXPECT_THAT(_manager.encodedTexts, ElementsAre("<d> & 'e'", "<d> & 'e';", "f/g", "f/g;"));
 }
 
 // rule: FROM-9
@@ -109,7 +119,7 @@ TEST_F(FakeObjectManagerTest, AnAssociationAsksForTheAssociatesOfEachSource) {
   _manager.addAssociate("root/fake:Fake_Disk.Name=\"a\"", "root/fake:Fake_Host.Name=\"h\"");
   const std::string stream =
       run("SELECT d.Name, h.Name FROM Fake_Disk AS d, Fake_Host AS h WHERE Fake_On = d AND Fake_On = h");
-  EXPECT_THAT(stream, ::testing::HasSubstr("<TABLEROW>\n<VALUE>{a}</VALUE>\n<VALUE>{h}</VALUE>\n</TABLEROW>\n"));
+  EXPECT_THAT(stream, ::testing::HasSubstr("<TABLEROW>\n<VALUE>a</VALUE>\n<VALUE>h</VALUE>\n</TABLEROW>\n"));
   EXPECT_EQ(_table->getRowCount(), 1u);
   ASSERT_EQ(_manager.calls.size(), 4u);  // the sources, then one call for each
   EXPECT_EQ(_manager.calls[0].operation, "enumerateInstances");

@@ -107,14 +107,10 @@ void ZEMOConfigManager::getString(const QORString& section, const QORString& key
 
 QORString CIMUtil::CreateCIMErrorMsg(int, const QORString& message) { return message; }
 
+// A foreign look, so that one sees in the stream what went through here.
 QORString CIMUtil::xmlEncode(const QORString& text) {
   fake().encodedTexts.emplace_back(text.c_str());
   return "{" + text + "}";
-}
-
-void CIMUtil::appendXmlEncoded(std::string& out, std::string_view text) {
-  fake().encodedTexts.emplace_back(text);
-  out.append("{").append(text).append("}");
 }
 
 void CIMUtil::StreamInstancePath(std::ostream& out, const IQoriInstanceName& name, const QORString& hostAddress,
