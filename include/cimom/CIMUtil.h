@@ -3,6 +3,8 @@
 #define QORQL_CIMOM_CIMUTIL_H
 
 #include <iosfwd>
+#include <string>
+#include <string_view>
 
 #include "cimom/IQoriInstanceName.h"
 #include "cmpbase.h"
@@ -16,6 +18,8 @@ class CIMUtil {
   // byte that is not UTF-8) replaced by U+FFFD. Returns the argument's own
   // buffer when nothing needs a change.
   static QORString xmlEncode(const QORString& text);
+  // Appends what xmlEncode gives.
+  static void appendXmlEncoded(std::string& out, std::string_view text) { out += xmlEncode(QORString(text)).view(); }
   // Writes the CIM-XML INSTANCEPATH element without line feeds. The host is
   // written when withHost is set, with the port when that is not empty;
   // `localOnly` writes LOCALINSTANCEPATH, without a host.
