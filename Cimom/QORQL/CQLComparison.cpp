@@ -98,8 +98,8 @@ CQLPrecisionCode CQLQueryStatement::findPrecisionType(const QORString& lhsType, 
 
 Value CQLQueryStatement::convertToHighPrecision(const QORString& /*fromType*/, const QORString& toType,
                                                 const Value& value) {
-  static const QORSmrPtr<IQoriType>* const types[] = {&CQoriType::uint8, &CQoriType::uint16, &CQoriType::uint32,
-                                                      &CQoriType::uint64, &CQoriType::sint8, &CQoriType::sint16,
+  static const QORSmrPtr<IQoriType>* const types[] = {&CQoriType::uint8,  &CQoriType::uint16, &CQoriType::uint32,
+                                                      &CQoriType::uint64, &CQoriType::sint8,  &CQoriType::sint16,
                                                       &CQoriType::sint32, &CQoriType::sint64};
   const int index = indexOf(toType);
   return index == kNoCode ? Value() : converted(value, *types[index]);

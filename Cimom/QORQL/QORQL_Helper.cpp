@@ -11,8 +11,8 @@
 #include "Cimom/QORQL/QORQL_LazyTable.h"
 #include "Cimom/QORQL/QORQL_Log.h"
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
-#include "Cimom/QORQL/QORQL_Values.h"
 #include "Cimom/QORQL/QORQL_Token.h"
+#include "Cimom/QORQL/QORQL_Values.h"
 #include "cimom/QoriProviderPluginManager.h"
 #include "cimom/ZEMOConfigManager.h"
 
