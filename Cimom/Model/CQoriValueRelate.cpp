@@ -1,5 +1,7 @@
 // Comparison of values. Every pair is brought to an order (or to none), which
 // the relation is then asked of. Numbers, booleans and texts take no allocation.
+#include <string_view>
+
 #include "Cimom/Model/ModelDateTime.h"
 #include "Cimom/Model/ModelError.h"
 #include "Cimom/Model/ModelScalar.h"
@@ -42,10 +44,18 @@ bool dateTimeOrder(const QORString& a, const QORString& text, Order& order) noex
   return true;
 }
 
-bool referenceOrder(const IQoriValue& a, const QORString& path, Order& order) {
+// A literal has lost the quotes at its end, the closing one of a last text key among them: text that begins a path goes
+// on as if quotes followed. Of all paths at most one is the text and nothing but quotes.
+Order pathOrder(std::string_view path, std::string_view text) noexcept {
+  if (!path.starts_with(text)) return path <=> text;
+  const std::size_t other = path.find_first_not_of('"', text.size());
+  return other == std::string_view::npos ? Order::equivalent : path.substr(other, 1) <=> std::string_view("\"");
+}
+
+bool referenceOrder(const IQoriValue& a, const QORString& text, Order& order) {
   const QORSmrPtr<IQoriInstanceName> name = a.getReference();
   if (name.IsNull()) return false;
-  order = textOrder(name->toString(), path);
+  order = pathOrder(name->toString().view(), text.view());
   return true;
 }
 

@@ -87,6 +87,15 @@ Roles rolesOf(const Associations& associations, const QORQL_SymbolTable& symbolT
   return roles;
 }
 
+// An association class that is a column is judged by its references, which nothing else may name: whichever operand
+// of OR reads it, and whether it is enumerated or an end of another association.
+void fetchWhole(const Associations& associations, const QORQL_SymbolTable& symbolTable) {
+  for (const QORQL_Association* association : associations) {
+    const QORSmrPtr<QORQL_Symbol> symbol(symbolTable.lookupIgnoringCase(association->getAssociationName()));
+    if (!symbol.IsNull() && !symbol->getClassInfo().IsNull()) symbol->getClassInfo()->setFetchAllProperties(true);
+  }
+}
+
 bool selectsStar(const QORQL_SelectList& list) {
   QORValSlistIterator<QORSmrPtr<QORQL_SelectedEntry>> entries(*list.getSelectedEntries());
   while (++entries) {
@@ -116,18 +125,14 @@ void QORQL_AssociationPlan::apply(QORQL_Query& query, QORQL_SymbolTable& symbolT
   const auto* orderBy = dynamic_cast<const QORQL_OrderByClause*>(query._orderbyClause.Get());
   if (orderBy != nullptr) walk(orderBy->getExpression(), names, symbolTable, visitor);
 
+  fetchWhole(names->associations, symbolTable);
   const Roles roles(rolesOf(decidingAssociations(where->getExpression()), symbolTable));
   const bool isStar = selectsStar(*list);
   QORValSlist<QORString> skipped;
   for (const QORString& destination : roles.destinations) skipped.append(destination);
   for (const QORString& association : roles.associations) {
     if (roles.sources.contains(association) || roles.destinations.contains(association)) continue;
-    if (!isStar && !names->classes.contains(association)) {
-      skipped.append(association);
-      continue;
-    }
-    const QORSmrPtr<QORQL_Symbol> symbol(symbolTable.lookupIgnoringCase(association));
-    if (!symbol.IsNull() && !symbol->getClassInfo().IsNull()) symbol->getClassInfo()->setFetchAllProperties(true);
+    if (!isStar && !names->classes.contains(association)) skipped.append(association);
   }
   from->setSkippedClasses(skipped);
 }

@@ -11,8 +11,8 @@ class QORQL_SymbolTable;
 class QORQL_AssociationPlan {
  public:
   // Called once at the end of parsing a statement that has an association: records in the query's FROM clause the
-  // classes to skip, and in the symbol of an association class that is a column
-  // itself that it must come with all its properties.
+  // classes to skip, and in the symbol of each association class that FROM names
+  // that it must come with all its properties.
   static void apply(QORQL_Query& query, QORQL_SymbolTable& symbolTable);
 };
 

@@ -25,7 +25,7 @@ class QORQL_ClassInfo {
   const QORString& getClassName() const noexcept { return _className; }
 
   // Whether the instances must come with every property although the projection
-  // keeps some only: an association class that is a column itself.
+  // keeps some only: an association class that may be a column itself.
   QORboolean fetchAllProperties() const noexcept { return _fetchAll; }
   void setFetchAllProperties(QORboolean fetchAll) noexcept { _fetchAll = fetchAll; }
 

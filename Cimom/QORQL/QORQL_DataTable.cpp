@@ -1,6 +1,7 @@
 // The table: headers and rows with their checks, and the change from lazy to real rows.
 #include "Cimom/QORQL/QORQL_DataTable.h"
 
+#include <algorithm>
 #include <limits>
 #include <utility>
 
@@ -146,6 +147,21 @@ void QORQL_DataTable::inherit(const QORQL_DataTable& other) {
 void QORQL_DataTable::setProjected(std::vector<QORuint32> cellOfColumn) {
   _isProjected = true;
   _cellOfColumn = std::move(cellOfColumn);
+}
+
+bool QORQL_DataTable::hasOpenTie(const QORString& associationClass) const noexcept {
+  return std::any_of(_openTies.begin(), _openTies.end(),
+                     [&](const QORQL_AssociationTie& tie) { return tie.association == associationClass; });
+}
+
+std::vector<QORQL_AssociationTie> QORQL_DataTable::takeOpenTies(const QORString& associationClass) {
+  std::vector<QORQL_AssociationTie> taken;
+  std::vector<QORQL_AssociationTie> left;
+  for (QORQL_AssociationTie& tie : _openTies) {
+    (tie.association == associationClass ? taken : left).push_back(std::move(tie));
+  }
+  _openTies = std::move(left);
+  return taken;
 }
 
 void QORQL_DataTable::setLazy(std::unique_ptr<QORQL_LazyTable> lazy) { _lazy = std::move(lazy); }

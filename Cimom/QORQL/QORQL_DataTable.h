@@ -5,6 +5,7 @@
 #include <memory>
 #include <vector>
 
+#include "Cimom/QORQL/QORQL_AssociationTie.h"
 #include "Cimom/QORQL/QORQL_DataRow.h"
 #include "Cimom/QORQL/QORQL_TableHeader.h"
 #include "cmpbase.h"
@@ -95,6 +96,11 @@ class QORQL_DataTable {
   QORuint32 cellOfColumn(QORuint32 column) const noexcept {
     return column < _cellOfColumn.size() ? _cellOfColumn[column] : column;
   }
+  // Ties whose association class is no column yet, for whoever brings that column.
+  void addOpenTie(const QORQL_AssociationTie& tie) { _openTies.push_back(tie); }
+  bool hasOpenTie(const QORString& associationClass) const noexcept;
+  // The open ties of an association class, in the order in which they came; they are no longer the table's.
+  std::vector<QORQL_AssociationTie> takeOpenTies(const QORString& associationClass);
   // The rows that do not exist yet; null when they do.
   QORQL_LazyTable* lazy() const noexcept { return _lazy.get(); }
   // REQUIRES a table without rows.
@@ -121,6 +127,7 @@ class QORQL_DataTable {
   std::vector<QORuint32> _cellOfColumn;
   QORsint32 _functionColumn = -1;
   std::unique_ptr<QORQL_LazyTable> _lazy;
+  std::vector<QORQL_AssociationTie> _openTies;
 };
 
 #endif

@@ -90,6 +90,12 @@ class InstanceOfFinder : public QORQL_ExpressionVisitor {
   bool isFound = false;
 };
 
+class AssociationFinder : public QORQL_ExpressionVisitor {
+ public:
+  void visitAssociation(const QORQL_Association& /*association*/) override { isFound = true; }
+  bool isFound = false;
+};
+
 class OuterJoinFinder : public QORQL_ExpressionVisitor {
  public:
   void visitComparison(const QORQL_Comparison& comparison) override {
@@ -156,6 +162,7 @@ class QORQL_Explanation::Simulation {
   }
 
   bool isPreFiltered() const {
+    if (_where != nullptr && finds<AssociationFinder>(*_where->getExpression())) return false;
     QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*_from.getFromSpecifierList());
     while (++specifiers) {
       const QORSmrPtr<IQoriClass> declared(classOf(specifiers.key()->getTableName()));
@@ -186,12 +193,12 @@ class QORQL_Explanation::Simulation {
   }
 
   // What is asked of the class, as the declarations spell it.
-  Step requestOf(const QORQL_Symbol& symbol, bool isWhole) const {
+  Step requestOf(const QORQL_Symbol& symbol) const {
     Step step;
     step.className = _texts.nameOf(symbol.getClassName());
     step.alias = symbol.getAlias().view();
     const QORSmrPtr<QORQL_ClassInfo> info(symbol.getClassInfo());
-    step.hasAllProperties = isWhole || info.IsNull() || info->needAllProperties();
+    step.hasAllProperties = info.IsNull() || info->needAllProperties() || info->fetchAllProperties();
     if (step.hasAllProperties) return step;
     const QORSmrPtr<IQoriClass> declared(classOf(symbol.getClassName()));
     std::set<std::string> seen;
@@ -208,8 +215,7 @@ class QORQL_Explanation::Simulation {
     const QORSmrPtr<QORQL_Symbol> symbol(symbolOf(name));
     const QORString className(symbol->getClassName());
     if (table.columnOf(className) >= 0) return;
-    const QORSmrPtr<QORQL_ClassInfo> info(symbol->getClassInfo());
-    _steps.push_back(requestOf(*symbol, !info.IsNull() && info->fetchAllProperties()));
+    _steps.push_back(requestOf(*symbol));
     if (classOf(className).IsNull()) {
       fail("Enumerateinstance call for '" + std::string(className.view()) + "' returned NULL");
     }
@@ -260,7 +266,7 @@ class QORQL_Explanation::Simulation {
   void applyAssociation(const QORQL_Association& association, SimulatedTable& table, bool isDiscarded) {
     fetch(association.getSource(), table, true);
     const QORSmrPtr<QORQL_Symbol> destination(symbolOf(association.getDestination()));
-    Step step = requestOf(*destination, false);
+    Step step = requestOf(*destination);
     step.kind = Step::kAssociate;
     step.text = _texts.of(&association);
     step.association = association.getAssociationName().view();

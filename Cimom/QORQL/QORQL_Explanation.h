@@ -51,8 +51,8 @@ class QORQL_Explanation {
 
   // In the order of execution.
   const std::vector<QORQL_ExplainedStep>& steps() const noexcept { return _steps; }
-  // Every class of FROM says of its provider that it filters at the source: then
-  // WHERE without association and ORDER BY are left to it.
+  // Every class of FROM says of its provider that it filters at the source, and WHERE has no association: then WHERE
+  // and ORDER BY are left to it.
   bool isPreFiltered() const noexcept { return _isPreFiltered; }
 
  private:

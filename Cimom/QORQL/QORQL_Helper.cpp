@@ -11,6 +11,7 @@
 #include "Cimom/QORQL/QORQL_LazyTable.h"
 #include "Cimom/QORQL/QORQL_Log.h"
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
+#include "Cimom/QORQL/QORQL_TieFilter.h"
 #include "Cimom/QORQL/QORQL_Token.h"
 #include "Cimom/QORQL/QORQL_Values.h"
 #include "cimom/QoriProviderPluginManager.h"
@@ -172,6 +173,12 @@ void recordPreFilter(QORSmrPtr<QORQL_DataTable>& table, const ObjectList& object
   }
 }
 
+// What an association condition has said of the class before it was a column holds first.
+void addTiedObjects(QORSmrPtr<QORQL_DataTable>& table, const ObjectList& objects, const Source& source) {
+  QORQL_Helper::addObjectToTable(table, objects, source.className, source.alias);
+  for (const QORQL_AssociationTie& tie : table->takeOpenTies(source.className)) QORQL_applyTie(*table, tie);
+}
+
 // Columns of lazy rows are told apart by their names, so an alias that two
 // columns share makes real rows.
 bool mayBeLazy(QORQL_DataTable& table, const QORString& className, const QORString& alias) {
@@ -188,7 +195,7 @@ void QORQL_Helper::updateTable(const QORString& name, QORQL_SymbolTable& symbolT
                                const QORString& queryLanguage) {
   const Source source(describe(*findSymbol(name, symbolTable)));
   if (table->getColumnIndex(source.className) >= 0) return;
-  addObjectToTable(table, fetch(source, nameSpace, queryString, queryLanguage), source.className, source.alias);
+  addTiedObjects(table, fetch(source, nameSpace, queryString, queryLanguage), source);
 }
 
 void QORQL_Helper::updateTable(const QORString& name, QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
@@ -198,7 +205,9 @@ void QORQL_Helper::updateTable(const QORString& name, QORQL_SymbolTable& symbolT
   if (table->getColumnIndex(source.className) >= 0) return;
   const ObjectList objects(fetch(source, nameSpace, queryString, queryLanguage));
   const QORQL_Comparison* const node = dynamic_cast<const QORQL_Comparison*>(comparison.Get());
-  if (node != nullptr && node->getJoinType() == QORQL_JOIN_TYPE_INNER) {
+  if (table->hasOpenTie(source.className)) {
+    addTiedObjects(table, objects, source);
+  } else if (node != nullptr && node->getJoinType() == QORQL_JOIN_TYPE_INNER) {
     addObjectToTable(table, objects, source.className, source.alias, comparison, op, symbolTable);
   } else {
     addObjectToTable(table, objects, source.className, source.alias);

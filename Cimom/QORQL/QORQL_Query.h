@@ -73,6 +73,8 @@ class QORQL_Query : public QORQL_Executable {
     bool needsWholeObjects = false;  // a whole object that is named is needed with all its properties
   };
 
+  // Whether WHERE and ORDER BY do not run because every provider has filtered already.
+  bool _isLeftToProviders(const QORQL_DataTable& table) const noexcept;
   static QORSmrPtr<QORQL_Executable> _parseClauses(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                                    QORboolean isNestedQuery, QORQL_ProjectionMap& projectionMap,
                                                    const QORString& queryString, const QORString& queryLanguage);
@@ -113,7 +115,7 @@ class QORQL_Query : public QORQL_Executable {
   QORSmrPtr<QORQL_Executable> _orderbyClause;
   QORString _queryString;
   QORString _queryLanguage;
-  bool _whereHasAssociation = false;  // then WHERE runs although every cell is pre-filtered
+  bool _whereHasAssociation = false;  // then WHERE and ORDER BY run although every cell is pre-filtered
 };
 
 #endif

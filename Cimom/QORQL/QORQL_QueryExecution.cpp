@@ -9,18 +9,21 @@ constexpr char kOrderByNameSpace[] = "root/yrk/zemo";
 
 }  // namespace
 
+// Providers that filter at the source know nothing of associations: their ends come from elsewhere.
+bool QORQL_Query::_isLeftToProviders(const QORQL_DataTable& table) const noexcept {
+  return !_whereHasAssociation && table.allCellsPreFiltered();
+}
+
 void QORQL_Query::execute(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, std::ostream* out,
                           const QORString& nameSpace) {
   _fromClause->execute(symbolTable, table, nullptr, nameSpace);
-  if (!_whereClause.IsNull() && (_whereHasAssociation || !table->allCellsPreFiltered())) {
+  if (!_whereClause.IsNull() && !_isLeftToProviders(*table)) {
     _whereClause->execute(symbolTable, table, nullptr, nameSpace);
   }
   if (_isNestedQuery) return;
   if (!_orderbyClause.IsNull()) {
     _selectList->execute(symbolTable, table, nullptr, nameSpace);
-    if (!table->allCellsPreFiltered()) {
-      _orderbyClause->execute(symbolTable, table, nullptr, kOrderByNameSpace);
-    }
+    if (!_isLeftToProviders(*table)) _orderbyClause->execute(symbolTable, table, nullptr, kOrderByNameSpace);
   }
   _selectList->execute(symbolTable, table, out, nameSpace);
 }

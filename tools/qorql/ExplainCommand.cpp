@@ -125,7 +125,7 @@ void printExplanation(std::ostream& out, EmbeddedObjectManager& manager, ParsedQ
     out << place << "  " << labelOf(step) << printableText(textOf(step)) << '\n';
   }
   if (explanation.isPreFiltered()) {
-    out << "    note: the provider filters and sorts itself: WHERE without association and ORDER BY are left to it\n";
+    out << "    note: the provider filters and sorts itself: WHERE and ORDER BY are left to it\n";
   }
   printWarnings(out, findWarnings(manager, nameSpace, parsed));
 }
