@@ -89,16 +89,18 @@ std::string RandomStatement::join() {
 }
 
 std::string RandomStatement::association() {
-  return std::string("T_PoolMember") + (chance(30) ? " *= " : " = ") + anySource().alias +
-         " AND T_PoolMember = " + anySource().alias;
+  // T_Seat ties instances of T_PoolMember; m and t are the aliases of both.
+  constexpr std::array<const char*, 4> kNames = {"T_PoolMember", "m", "T_Seat", "t"};
+  const std::string name = pick(kNames, below(kNames.size()));
+  return name + (chance(30) ? " *= " : " = ") + anySource().alias + " AND " + name + " = " + anySource().alias;
 }
 
 std::string RandomStatement::condition() {
   std::string text;
   do {
     if (!text.empty()) text += chance(80) ? " AND " : " OR ";
-    const unsigned kind = below(12);
-    if (kind == 0) {
+    const unsigned kind = below(13);
+    if (kind == 0 || kind == 12) {
       text += association();
     } else if (kind > 9) {
       text += join();
@@ -161,6 +163,7 @@ std::string RandomStatement::next() {
       {"T_Bay", "b", {"No", "Slot", "Room"}, nullptr, "Slot", "Room"},
       {"T_Pool", "p", {"Id", "Quota"}, nullptr, "Quota", "Id"},
       {"T_PoolMember", "m", {"Pool", "Member", "Rank"}, nullptr, "Rank", nullptr},
+      {"T_Seat", "t", {"Seated", "Place", "Note"}, nullptr, "Note", nullptr},
       {"T_Empty", "e", {"Tag", "Slot"}, nullptr, "Slot", "Tag"},
       {"T_Box", "x", {"Name", "Top", "Codes"}, "Codes", "Top", "Name"},
       {"T_SolidDisk", "s", {"Name", "Slot", "Wear"}, nullptr, "Slot", "Name"},

@@ -190,6 +190,24 @@ TEST(CQoriValueRelate, ReferencesByPathAlsoWithPathText) {
   expectOrder(text("root"), a);
 }
 
+// The quotes at the end of a literal are lost.
+TEST(CQoriValueRelate, PathTextWithoutItsLastQuotes) {
+  const auto path = [](const char* key) { return reference(name("n", "C", {{"a", text(key)}})); };
+  expectEqual(path("x"), text("n:C.a=\"x"));
+  expectEqual(path(""), text("n:C.a=\""));
+  expectEqual(path(""), text("n:C.a="));
+  expectEqual(path("x\""), text("n:C.a=\"x\\"));
+  expectEqual(path("x\""), text("n:C.a=\"x\\\""));
+  expectOrder(text("n:C.a=\"x"), path("xy"));
+  expectOrder(text("n:C.a=\"x"), path("x#"));
+  expectOrder(path("x!"), text("n:C.a=\"x"));
+  expectOrder(path("x y"), text("n:C.a=\"x"));
+  expectOrder(text("n:C.a="), path("x"));
+  expectOrder(path("w"), text("n:C.a=\"x"));
+  expectOrder(path("x"), text("n:C.a=\"x\"\""));
+  expectOrder(text("n:C.b"), reference(name("n", "C", {{"b", uint32(2)}})));
+}
+
 TEST(CQoriValueRelate, ArraysAreEqualByLengthAndElements) {
   const Value a = array(CQoriType::uint32, {uint32(1), uint32(2)});
   EXPECT_EQ(relations(a, array(CQoriType::sint8, {sint8(1), sint8(2)})), "TFNNNN");
