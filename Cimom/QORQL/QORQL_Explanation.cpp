@@ -269,7 +269,7 @@ class QORQL_Explanation::Simulation {
     Step step = requestOf(*destination);
     step.kind = Step::kAssociate;
     step.text = _texts.of(&association);
-    step.association = association.getAssociationName().view();
+    step.association = _texts.nameOf(_symbols.classNameOf(association.getAssociationName()));
     step.source = _texts.nameOf(_symbols.classNameOf(association.getSource()));
     step.isDiscarded = isDiscarded;
     _steps.push_back(step);
