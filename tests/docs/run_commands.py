@@ -4,6 +4,7 @@ Run as run_commands.py TOOL ROOT DOCUMENT. The commands run in ROOT with TOOL in
 and go for those that wait for one.
 """
 import contextlib
+import re
 import shlex
 import subprocess
 import sys
@@ -12,6 +13,9 @@ import threading
 import markdown
 
 TIMEOUT_SECONDS = 60
+# What the tool says where the caller may not see a part of a live class, which depends on the caller.
+UNSEEN = re.compile(rb"^qorql: warning: Cannot read \S+: (Permission denied|No such file or directory)(, and \d+ more)?\n",
+                    re.MULTILINE)
 COMMAND = "./qorql "
 
 
@@ -58,7 +62,7 @@ def main(tool, root, document):
     for number, command in commands(document):
         count += 1
         ran = run(shlex.quote(tool) + command[len(COMMAND) - 1:], root)
-        if ran.returncode != 0 or not ran.stdout.strip() or ran.stderr:
+        if ran.returncode != 0 or not ran.stdout.strip() or UNSEEN.sub(b"", ran.stderr):
             failures += 1
             print(f"{document}:{number}: {command}\nexit status {ran.returncode}")
             print(ran.stdout.decode(errors="replace") + ran.stderr.decode(errors="replace"))
