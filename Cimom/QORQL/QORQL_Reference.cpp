@@ -104,14 +104,10 @@ class Reference {
     const QORString& className = isDotted ? _first : QORString::emptyString();
     const bool asksSecond = isDotted && _identifiers > 2 && !(_isScoped && _identifiers == 3);
     request(className, asksSecond ? _second : _last);
-    const bool isBare = _identifiers == 1 && _index == QORQL_Factor::kNoArray;
-    const bool isKnownFromName = isBare && _symbolTable.findIgnoringCase(_last) != nullptr;
     const bool hasChain = _isScoped || _identifiers > 2;
-    auto result = QORSmrPtr<QORQL_Evaluatable>::MakeIn<QORQL_Factor>(
+    return QORSmrPtr<QORQL_Evaluatable>::MakeIn<QORQL_Factor>(
         _lexer.slabs(), nullptr, newText(className), newText(std::move(_last)), nullptr, QORQL_OperatorNONE,
         hasChain ? newText(chainText()) : Text(), _isScoped ? newText(beforeLast()) : Text(), _index);
-    static_cast<QORQL_Factor&>(*result).setKnownFromName(isKnownFromName);
-    return result;
   }
 
   const QORString& beforeLast() const noexcept { return _identifiers == 2 ? _first : _beforeLast; }

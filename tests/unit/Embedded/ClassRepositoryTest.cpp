@@ -356,4 +356,12 @@ TEST(CimPropertyDeclarationTest, FlagsAreQualifiersThatArePresentAndNotFalse) {
   EXPECT_EQ(nullptr, declaration.findQualifier("absent"));
 }
 
+TEST_F(ClassRepositoryTest, AnUnknownClassOrNamespaceHasNoMof) {
+  EXPECT_NE(manager.classMof(kSpace, "cim_disk", false), "");
+  for (const bool isComplete : {false, true}) {
+    EXPECT_EQ(manager.classMof(kSpace, "CIM_Nowhere", isComplete), "");
+    EXPECT_EQ(manager.classMof("root/nowhere", "CIM_Disk", isComplete), "");
+  }
+}
+
 }  // namespace

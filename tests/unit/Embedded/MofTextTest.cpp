@@ -57,6 +57,15 @@ TEST(MofText, FlavorsStandWhereTheyDifferFromTheDeclaration) {
   EXPECT_STREQ(embedded::classMofText(declaration, declared).c_str(), "[level(3)]\nclass T {\n};\n");
 }
 
+TEST(MofText, TheElementsOfAnArrayStandBehindABlank) {
+  CimClassDeclaration declaration;
+  declaration.name = "T";
+  const QORSmrPtr<IQoriValue::List> elements(new IQoriValue::List);
+  for (const char* element : {"a", "b"}) elements->append(QORSmrPtr<IQoriValue>(new CQoriValue(QORString(element))));
+  declaration.qualifiers = {qualifierOf("Values", QORSmrPtr<IQoriValue>(new CQoriValue(elements, CQoriType::string)))};
+  EXPECT_STREQ(embedded::classMofText(declaration, {}).c_str(), "[Values {\"a\", \"b\"}]\nclass T {\n};\n");
+}
+
 TEST(MofText, ANullOfATypedQualifierIsToldFromAFlag) {
   NameMap<CimQualifierDeclaration> declared;
   declared.emplace("Level", declaredAs("Level", CQoriType::uint8, true, true, false));

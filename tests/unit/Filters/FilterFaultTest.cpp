@@ -137,6 +137,8 @@ TEST_F(FilterReasons, whyAFilterNeverMatches) {
   EXPECT_EQ(neverBecause("(MessageID IS NULL)"), "a condition with IS NULL never matches");
   EXPECT_EQ(neverBecause("MessageID IS NOT NULL"), "a condition with IS NOT NULL never matches");
   EXPECT_EQ(neverBecause("U8 *= U16"), "a condition with *= never matches");
+  EXPECT_EQ(neverBecause("U8 =* U16"), "a condition with =* never matches");
+  EXPECT_EQ(neverBecause("U8 *=* U16"), "a condition with *=* never matches");
   EXPECT_EQ(neverBecause("B"), "a condition without a comparison never matches");
   EXPECT_EQ(neverBecause("U8 = 5 / 0"), "a condition on a value that cannot be computed never matches");
   EXPECT_EQ(neverBecause("S64 = -9223372036854775808"), "a condition on a value that cannot be computed never matches");

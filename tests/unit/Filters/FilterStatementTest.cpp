@@ -13,7 +13,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 
 TEST_F(Filter, languages) {
-  for (const char* language : {"CQL", "DMTF:CQL", "WQL", "dmtf:cql"}) {
+  for (const char* language : {"CQL", "DMTF:CQL", "WQL", "dmtf:cql", "wql"}) {
     CQLQueryStatement statement(language, "SELECT * FROM CIM_InstCreation", kNameSpace, "");
     EXPECT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS) << language;
     EXPECT_EQ(statement.getQueryLanguage(), language);

@@ -238,6 +238,13 @@ TEST(CQoriValue, NullPartsGiveEmptyText) {
   EXPECT_EQ(CQoriValue(Object()).toString(), "");
 }
 
+TEST(CQoriValue, ArraysNestSixtyFourDeep) {
+  Value value = uint8(1);
+  for (int i = 0; i < 64; ++i) value = array(CQoriType::uint8, {value});
+  EXPECT_EQ(value->toString(), "1");
+  EXPECT_EQ(valueError([&] { array(CQoriType::uint8, {value})->toString(); }), "Values are nested too deeply");
+}
+
 TEST(CQoriValue, ArraysNestedTooDeeplyAreRefusedNotFollowed) {
   Value value = uint8(1);
   for (int i = 0; i < 5000; ++i) value = array(CQoriType::uint8, {value});

@@ -130,6 +130,14 @@ TEST_F(MofCacheTest, AChangeThatKeepsTheSizeIsSeen) {
   EXPECT_FALSE(open({_model}).isFromCache);
 }
 
+TEST_F(MofCacheTest, AChangeThatKeepsTheTimeIsSeenByItsSize) {
+  open({_model});
+  const fs::file_time_type time = fs::last_write_time(_model);
+  write("mof/model.mof", std::string(kModel) + "class More { };\n");
+  fs::last_write_time(_model, time);
+  EXPECT_FALSE(open({_model}).isFromCache);
+}
+
 TEST_F(MofCacheTest, AFileThatWasOnlyTouchedIsFresh) {
   open({_model});
   fs::last_write_time(_model, fs::file_time_type::clock::now() - std::chrono::hours(3));

@@ -174,4 +174,8 @@ TEST_F(MofEmbeddedClass, ItsFaultsTellBothPlaces) {
             "1:36: in line 1, column 1 of the embedded text: found \"Disk\", expected \"instance\" or \"class\"");
 }
 
+TEST_F(MofClassRules, AReferenceMayBeNarrowedToAClassThatNobodyDeclares) {
+  EXPECT_NO_THROW(load("[Association] class Keeps : Holds { [Key, Override(\"Owned\")] Later REF Owned; };"));
+}
+
 }  // namespace

@@ -32,6 +32,68 @@ TEST_F(MofClass, DeclaresPropertiesOfEveryType) {
   EXPECT_TRUE(property("T", "A").hasFlag("Key"));
 }
 
+// Without a declaration those of the standard have its types and flavors; others pass to subclasses and may be
+// overridden.
+TEST_F(MofClass, StandardQualifiersNeedNoDeclaration) {
+  struct Row {
+    const char* name;
+    const char* value;
+    const char* type;
+    bool toSubclass;
+    bool overridable;
+    bool translatable;
+  };
+  const std::vector<Row> rows = {{"Abstract", "", "boolean", false, true, false},
+                                 {"Aggregate", "", "boolean", true, false, false},
+                                 {"Aggregation", "", "boolean", true, false, false},
+                                 {"ArrayType", "(\"T\")", "string", true, false, false},
+                                 {"Association", "", "boolean", true, false, false},
+                                 {"BitMap", "{\"T\"}", "string[]", true, true, false},
+                                 {"BitValues", "{\"T\"}", "string[]", true, true, true},
+                                 {"Composition", "", "boolean", true, false, false},
+                                 {"Deprecated", "{\"T\"}", "string[]", false, true, false},
+                                 {"Description", "(\"T\")", "string", true, true, true},
+                                 {"DisplayName", "(\"T\")", "string", true, true, true},
+                                 {"EmbeddedInstance", "(\"T\")", "string", true, true, false},
+                                 {"EmbeddedObject", "", "boolean", true, false, false},
+                                 {"Exception", "", "boolean", true, false, false},
+                                 {"Experimental", "", "boolean", false, true, false},
+                                 {"Indication", "", "boolean", true, false, false},
+                                 {"Key", "", "boolean", true, false, false},
+                                 {"MappingStrings", "{\"T\"}", "string[]", true, true, false},
+                                 {"Max", "(1)", "uint32", true, true, false},
+                                 {"MaxLen", "(1)", "uint32", true, true, false},
+                                 {"MaxValue", "(-1)", "sint64", true, true, false},
+                                 {"Min", "(1)", "uint32", true, true, false},
+                                 {"MinLen", "(1)", "uint32", true, true, false},
+                                 {"MinValue", "(-1)", "sint64", true, true, false},
+                                 {"ModelCorrespondence", "{\"T\"}", "string[]", true, true, false},
+                                 {"OctetString", "", "boolean", true, false, false},
+                                 {"Propagated", "(\"T\")", "string", true, false, false},
+                                 {"Required", "", "boolean", true, false, false},
+                                 {"Terminal", "", "boolean", false, true, false},
+                                 {"ValueMap", "{\"T\"}", "string[]", true, true, false},
+                                 {"Values", "{\"T\"}", "string[]", true, true, true},
+                                 {"Version", "(\"T\")", "string", false, true, true},
+                                 {"Weak", "", "boolean", true, false, false},
+                                 {"OfOnesOwn", "", "boolean", true, true, false},
+                                 {"Several", "{\"T\"}", "string[]", true, true, false}};
+  std::string mof = "class T { [Key] string K;";
+  for (const Row& row : rows) mof += std::string(" [") + row.name + row.value + "] string With" + row.name + ";";
+  load(mof + " };");
+  for (const Row& row : rows) {
+    const CimPropertyDeclaration found = property("T", (std::string("With") + row.name).c_str());
+    ASSERT_EQ(found.qualifiers.size(), 1U) << row.name;
+    const CimQualifier& qualifier = found.qualifiers.front();
+    EXPECT_EQ(qualifier.toSubclass, row.toSubclass) << row.name;
+    EXPECT_EQ(qualifier.overridable, row.overridable) << row.name;
+    EXPECT_EQ(qualifier.translatable, row.translatable) << row.name;
+    if (qualifier.value.IsNull()) continue;
+    const QORString& type = qualifier.value->getType()->getName();
+    EXPECT_EQ(std::string(type.view()) + (qualifier.value->isArray() ? "[]" : ""), row.type) << row.name;
+  }
+}
+
 TEST_F(MofClass, TakesDefaultsInstancesDoNotGive) {
   load(
       "class T { [Key] string K = \"main\"; uint8 N = 7; string S[] = {\"a\", \"b\"}; boolean B = TRUE; uint8 U; };\n"

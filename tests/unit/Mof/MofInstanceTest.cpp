@@ -86,6 +86,17 @@ TEST_F(MofInstance, ReadsPathsWhoseKeysAreReferences) {
   EXPECT_EQ(textOf(instancesOf("Checks").at(1), "Held"), path);
 }
 
+TEST_F(MofInstance, ReadsPathsWithKeysOfEveryKind) {
+  load(
+      "class K { [Key] char16 C; [Key] boolean B; [Key] sint8 N; [Key] string S; };\n"
+      "[Association] class L { [Key] K REF One; [Key] K REF Two; };\n"
+      "instance of K { C = 'x'; B = TRUE; N = -5; S = \"a,b\"; };\n"
+      "instance of L { One = \"K.C='x',B=TRUE,N=-5,S=\\\"a,b\\\"\"; Two = \"K.C='y',B=false,N=5,S=\\\"\\\"\"; };\n");
+  const auto ties = instancesOf("L");
+  EXPECT_EQ(textOf(ties.at(0), "One"), pathOf(instancesOf("K").at(0)));
+  EXPECT_EQ(textOf(ties.at(0), "Two"), "root/cimv2:K.B=FALSE,C=\"y\",N=5,S=\"\"");
+}
+
 TEST_F(MofInstance, APathIntoAnotherNamespaceStays) {
   load(
       "instance of Disk as $d { Name = \"a\"; };\n"

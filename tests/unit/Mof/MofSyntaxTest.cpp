@@ -117,6 +117,17 @@ TEST_F(MofSyntax, TellsOfUnterminatedCommentsAndStrings) {
             "expected \";\")");
 }
 
+TEST_F(MofSyntax, ReadsOnBehindTheLineOfAStringThatRanOn) {
+  const std::vector<MofDiagnostic> faults = faultsOf(
+      "class T { [Key] string A; uint8 B; };\n"
+      "instance of T { A = \"abc; B = 1; };\n"
+      "class U { uint9 x; };\n"
+      "instance of T { A = \"x\"; };\n");
+  ASSERT_EQ(faults.size(), 2U);
+  EXPECT_THAT(place(faults[0]), testing::StartsWith("2:21: unterminated string: it runs on"));
+  EXPECT_THAT(place(faults[1]), testing::StartsWith("3:11: ")) << "a line that the string had swallowed";
+}
+
 TEST_F(MofSyntax, TellsAllIndependentFaultsInTheOrderOfTheLines) {
   EXPECT_THAT(
       placesOf("class A { uint9 x; };\n"
