@@ -17,8 +17,9 @@ QUALIFIERS = ("Qualifier Key : boolean = false, Scope(property, reference), Flav
               "Flavor(EnableOverride, Restricted);\n")
 
 
-# A world of its own in which the kernel's files are not there.
-WITHOUT_PROC = ["unshare", "--map-root-user", "--mount", "sh", "-c", 'mount -t tmpfs none /proc && exec "$@"', "sh"]
+# A world of its own in which the kernel's files are not there; root needs no world of users for it, which a changed root
+# would refuse.
+WITHOUT_PROC = ["unshare", *([] if os.geteuid() == 0 else ["--map-root-user"]), "--mount", "sh", "-c", 'mount -t tmpfs none /proc && exec "$@"', "sh"]
 
 
 def can_hide_proc():

@@ -23,7 +23,8 @@ for entry in /* /.[!.]*; do
   elif [ -d "$entry" ]; then mkdir "$1$entry" && mount --rbind "$entry" "$1$entry"
   fi
 done
-mount -t tmpfs none "$1/dev/pts" && mount --bind /dev/null "$1/dev/ptmx" || exit 99
+mount -t tmpfs none "$1/dev/pts" || exit 99
+[ -L "$1/dev/ptmx" ] || mount --bind /dev/null "$1/dev/ptmx" || exit 99
 root=$1
 shift
 exec chroot "$root" "$@"
@@ -51,10 +52,10 @@ class PoorSurroundings(unittest.TestCase):
 
     def test_the_tool_passes_there_and_says_what_was_left_out(self):
         folder = os.path.join(ROOT, "tests", "cli")
-        for name in sorted(os.listdir(folder)):
+        for name in sorted(name for name in os.listdir(folder) if name.endswith("_test.py")):
             with open(os.path.join(folder, name), encoding="utf-8") as script:
                 text = script.read()
-            if not name.endswith("_test.py") or "pty" not in text.split('"""', 2)[2].split("class ", 1)[0]:
+            if "\nimport pty\n" not in text:
                 continue
             with self.subTest(name=name):
                 ran = self.run_poorly(sys.executable, "-B", os.path.join(folder, name), TOOL, STREAM)
