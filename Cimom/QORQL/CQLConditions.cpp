@@ -36,6 +36,22 @@ std::partial_ordering compareAsFilter(const QoriScalar& a, const QoriScalar& b) 
   return qori::compareNumbers(a, b);
 }
 
+// The relation that holds when the sides change places.
+QoriRelation mirrored(QoriRelation relation) noexcept {
+  switch (relation) {
+    case QoriRelation::Less:
+      return QoriRelation::Greater;
+    case QoriRelation::Greater:
+      return QoriRelation::Less;
+    case QoriRelation::LessEqual:
+      return QoriRelation::GreaterEqual;
+    case QoriRelation::GreaterEqual:
+      return QoriRelation::LessEqual;
+    default:
+      return relation;
+  }
+}
+
 // A boolean, or text that says TRUE or FALSE in any case: 1 or 0; otherwise -1.
 int truthOf(const QoriScalar& view) noexcept {
   if (view.kind == QoriScalarKind::Boolean) return view.b ? 1 : 0;
@@ -119,6 +135,19 @@ class Relation : public CQLCondition {
     if (property == nullptr || !_right->holdsConstant() || !CQLQuickTest::canDecide(_right->constant())) return {};
     return {*property, _relation.getRelation(), _right->constant()};
   }
+  // With the constant on the right, whichever side it is written on.
+  CQLAccess access() const override {
+    const bool isRight = _right->holdsConstant();
+    const CQLOperand& constant = isRight ? *_right : *_left;
+    const CQLPropertyPath* const path = (isRight ? _left : _right)->path();
+    if (path == nullptr || !constant.holdsConstant()) return {};
+    CQLAccess access;
+    access.kind = CQLAccess::Kind::Relation;
+    access.relation = isRight ? _relation.getRelation() : mirrored(_relation.getRelation());
+    access.path = path;
+    access.constant = constant.constant();
+    return access;
+  }
   std::string neverBecause() const override { return isNever(*_left) || isNever(*_right) ? kNotComputed : ""; }
   std::string explain(const Object& instance) const override {
     return _text + compared(_left->value(*instance), _comparison, _right->value(*instance));
@@ -152,6 +181,7 @@ class ArrayRelation final : public Relation {
                comparison.getArrayComp() == QORQL_Comparison::ArrayCompAnyRight) {}
 
   CQLQuickTest quickTest() const override { return {}; }
+  CQLAccess access() const override { return {}; }
 
  private:
   bool holdsFor(const QoriScalar& left, const QoriScalar& right) const override {
@@ -177,6 +207,12 @@ class IsaCondition final : public CQLCondition {
                const QORString& className)
       : _isa(statement, property, className), _text(CQLTextOfCondition(statement, comparison)) {}
   bool holds(const Object& instance) const override { return _isa.test(*instance) == QoriTruth::True; }
+  CQLAccess access() const override {
+    CQLAccess access;
+    access.kind = CQLAccess::Kind::Isa;
+    access.isa = &_isa;
+    return access;
+  }
   std::string explain(const Object& instance) const override {
     return _text + " (" + _isa.foundText(*instance) + " ISA " + std::string(_isa.className().view()) + ")";
   }

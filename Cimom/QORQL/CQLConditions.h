@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "Cimom/QORQL/CQLAccess.h"
 #include "Cimom/QORQL/CQLQuickTest.h"
 #include "Cimom/QORQL/QORQL_Evaluatable.h"
 #include "cimom/IQoriObject.h"
@@ -22,6 +23,8 @@ class CQLCondition {
   // The condition and, in parentheses, the values that it compared on the
   // instance or why it never holds.
   virtual std::string explain(const QORSmrPtr<IQoriObject>& instance) const = 0;
+  // What an index may use of it; valid while the condition lives.
+  virtual CQLAccess access() const { return {}; }
   // Why it holds for no instance, whatever that is; empty when it may.
   virtual std::string neverBecause() const { return {}; }
 };

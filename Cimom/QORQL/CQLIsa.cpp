@@ -53,25 +53,33 @@ QoriTruth CQLIsa::test(const IQoriObject& instance) const {
   QORSmrPtr<IQoriValue> holder;
   const QoriScalar found = _property.view(instance, owner, holder);
   if (found.isNull()) return QoriTruth::Null;
+  const QORString shown(classIn(found, instance));
+  return qori::truth(!shown.isEmpty() && CQLQueryValidator::isSubClass(_statement.nameSpaceInUse(), shown, _className));
+}
+
+QORString CQLIsa::foundClass(const IQoriObject& instance) const {
+  QORSmrPtr<IQoriObject> owner;
+  QORSmrPtr<IQoriValue> holder;
+  return classIn(_property.view(instance, owner, holder), instance);
+}
+
+QORString CQLIsa::classIn(const QoriScalar& found, const IQoriObject& instance) const {
   if (found.kind == QoriScalarKind::Complex && !found.value->isArray()) {
     const QORSmrPtr<IQoriObject> object(found.value->getObject());
-    return qori::truth(!object.IsNull() && !object->getClassName().isEmpty() &&
-                       CQLQueryValidator::isSubClass(_statement.nameSpaceInUse(), object->getClassName(), _className));
+    return object.IsNull() ? QORString() : object->getClassName();
   }
-  return qori::truth(found.kind == QoriScalarKind::Text && _isAlertingElement && namesClass(*found.text, instance));
+  return found.kind == QoriScalarKind::Text && _isAlertingElement ? namedClass(*found.text, instance) : QORString();
 }
 
 // The class stands between the first colon and the next dot: //host/namespace:Class.Key="..."
-bool CQLIsa::namesClass(const QORString& path, const IQoriObject& instance) const {
+QORString CQLIsa::namedClass(const QORString& path, const IQoriObject& instance) const {
   QORSmrPtr<IQoriObject> owner;
   QORSmrPtr<IQoriValue> holder;
-  if (!announcesPath(_format.view(instance, owner, holder)) || !path.beginsWith("//")) return false;
+  if (!announcesPath(_format.view(instance, owner, holder)) || !path.beginsWith("//")) return {};
   const std::string_view text = path.view();
   const std::size_t colon = text.find(':');
   const std::size_t dot = colon == std::string_view::npos ? colon : text.find('.', colon + 1);
-  if (dot == std::string_view::npos || dot == colon + 1) return false;
-  const QORString named(text.substr(colon + 1, dot - colon - 1));
-  return CQLQueryValidator::isSubClass(_statement.nameSpaceInUse(), named, _className);
+  return dot == std::string_view::npos ? QORString() : QORString(text.substr(colon + 1, dot - colon - 1));
 }
 
 std::string CQLIsa::foundText(const IQoriObject& instance) const {

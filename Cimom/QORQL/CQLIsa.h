@@ -28,10 +28,15 @@ class CQLIsa {
   QoriTruth test(const IQoriObject& instance) const;
   // The class of the embedded object, or the value.
   std::string foundText(const IQoriObject& instance) const;
+  // The class that the instance's property shows: of the embedded object, or the one
+  // that the path names. Empty when it shows none.
+  QORString foundClass(const IQoriObject& instance) const;
   const QORString& className() const noexcept { return _className; }
+  const QORString& propertyName() const noexcept { return *_property.ownProperty(); }
 
  private:
-  bool namesClass(const QORString& path, const IQoriObject& instance) const;
+  QORString namedClass(const QORString& path, const IQoriObject& instance) const;
+  QORString classIn(const QoriScalar& found, const IQoriObject& instance) const;
 
   const CQLQueryStatement& _statement;
   const QORString _className;

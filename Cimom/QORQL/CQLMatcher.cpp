@@ -100,6 +100,17 @@ const CQLCondition* CQLMatcher::firstFailure(const QORSmrPtr<IQoriObject>& insta
   return nullptr;
 }
 
+std::vector<CQLAccess> CQLMatcher::accesses() const {
+  if (!neverBecause().empty()) {
+    CQLAccess never;
+    never.kind = CQLAccess::Kind::Never;
+    return {never};
+  }
+  std::vector<CQLAccess> accesses;
+  for (const std::unique_ptr<CQLCondition>& condition : _conditions) accesses.push_back(condition->access());
+  return accesses;
+}
+
 std::string CQLMatcher::neverBecause() const {
   for (const std::unique_ptr<CQLCondition>& condition : _conditions) {
     std::string reason = condition->neverBecause();

@@ -36,6 +36,11 @@ class CQLMatcher {
   bool matches(const QORSmrPtr<IQoriObject>& instance) const { return firstFailure(instance) == nullptr; }
   // The first condition that does not hold; null when all do.
   const CQLCondition* firstFailure(const QORSmrPtr<IQoriObject>& instance) const;
+  // What an index may use: one for each condition; one Never alone when no
+  // instance can match. BORROWS from this object.
+  std::vector<CQLAccess> accesses() const;
+  // The FROM classes.
+  const std::vector<QORString>& classNames() const noexcept { return _classes; }
   // Why no instance can match, whatever it holds; empty when one may.
   std::string neverBecause() const;
 

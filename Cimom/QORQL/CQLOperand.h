@@ -32,6 +32,8 @@ class CQLOperand {
   }
   // As CQLPropertyPath::ownProperty; null for a constant.
   const QORString* ownProperty() const noexcept { return _path == nullptr ? nullptr : _path->ownProperty(); }
+  // BORROWS: null for a constant.
+  const CQLPropertyPath* path() const noexcept { return _path.get(); }
   bool holdsConstant() const noexcept { return _path == nullptr; }
   // REQUIRES holdsConstant().
   const QoriScalar& constant() const noexcept { return _view; }

@@ -145,6 +145,11 @@ const QORQL_Query& CQLQueryStatement::getParsedQuery() const {
   return dynamic_cast<const QORQL_Query&>(*_query);
 }
 
+const CQLMatcher& CQLQueryStatement::getMatcher() const {
+  requireValidated("CQLQUERYSTATEMENT::isMatch");
+  return *_matcher;
+}
+
 const QORQL_SelectList& CQLQueryStatement::selectList() const {
   return dynamic_cast<const QORQL_SelectList&>(*dynamic_cast<const QORQL_Query&>(*_query).getSelectList());
 }

@@ -64,6 +64,12 @@ class CQLQueryStatement : public IQueryStatement {
   // allocate nothing: property against literal or property, ISA.
   bool isMatch(const QORSmrPtr<IQoriObject>& instance, const QORString& nameSpace) const override;
 
+  // The namespace whose instances the filter is about: the source's, or the
+  // indications' when that is empty.
+  const QORString& getNameSpace() const noexcept { return nameSpaceInUse(); }
+  // The prepared conditions, for a set of filters; BORROWS. THROWS as isMatch.
+  const CQLMatcher& getMatcher() const;
+
   // Why validate() refused; of the kind kNone when it did not.
   const CQLQueryFault& getFault() const noexcept { return _fault; }
   // Why a valid statement matches no instance at all: OR, NOT and the like never

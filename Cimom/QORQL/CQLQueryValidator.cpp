@@ -5,9 +5,6 @@
 
 namespace {
 
-// No chain of superclasses is longer, unless it is a circle.
-constexpr QORuint32 kLongestChain = 10000;
-
 QORSmrPtr<IQoriClass> classOf(const QORString& nameSpace, const QORString& className) {
   const QORSmrPtr<IQoriRepository> repository =
       QoriProviderPluginManager::getQoriProviderPluginManager()->getRepository();
@@ -38,14 +35,18 @@ bool CQLQueryValidator::findProperty(const QORString& className, const QORString
   return false;
 }
 
+QORString CQLQueryValidator::superClassOf(const QORString& nameSpace, const QORString& className) {
+  const QORSmrPtr<IQoriClass> found = classOf(nameSpace, className);
+  return found.IsNull() ? QORString::emptyString() : found->getSuperClassName();
+}
+
 bool CQLQueryValidator::isSubClass(const QORString& nameSpace, const QORString& className,
                                    const QORString& superClassName) {
   QORString name = className;
   for (QORuint32 step = 0; step < kLongestChain; ++step) {
     if (name.isEqualCaseInsensitive(superClassName)) return true;
-    const QORSmrPtr<IQoriClass> found = classOf(nameSpace, name);
-    if (found.IsNull() || found->getSuperClassName().isEmpty()) return false;
-    name = found->getSuperClassName();
+    name = superClassOf(nameSpace, name);
+    if (name.isEmpty()) return false;
   }
   return false;
 }

@@ -1,0 +1,55 @@
+// Many filters that are asked about an instance at once.
+#ifndef QORQL_CQLFILTERSET_H
+#define QORQL_CQLFILTERSET_H
+
+#include <memory>
+#include <vector>
+
+#include "Cimom/QORQL/CQLQueryStatement.h"
+#include "cimom/IQoriObject.h"
+#include "cmpbase.h"
+
+// Says which of thousands of filters match an instance, as if each were asked,
+// without asking each: a filter hangs on the value that one of its conditions
+// demands, and only those whose value the instance has are asked.
+//
+// Threads: any number may call match() while others add and remove. A match
+// takes no lock and sees the set as it was at one moment. add() and remove()
+// wait for each other alone. The set is destroyed when nobody uses it.
+class CQLFilterSet {
+ public:
+  // A number by which the caller knows a filter.
+  using Handle = QORuint64;
+  using Statement = QORSmrPtr<CQLQueryStatement>;
+
+  CQLFilterSet();
+  CQLFilterSet(const CQLFilterSet&) = delete;
+  CQLFilterSet& operator=(const CQLFilterSet&) = delete;
+  ~CQLFilterSet();
+
+  // Adds a filter, which the set holds from now on. False, and nothing changes,
+  // when the handle is in use. THROWS CQLQueryException as
+  // CQLQueryStatement::isMatch for a statement that was not validated, or was
+  // refused; code 3 for a null one. Some microseconds, whatever the size of the set.
+  bool add(Handle handle, const Statement& statement);
+  // Takes a filter out; false when there is none. A match that runs meanwhile may
+  // still ask it. Some microseconds.
+  bool remove(Handle handle);
+  // How many filters there are.
+  std::size_t size() const;
+
+  // The handles of all filters that match an instance from the namespace, in the
+  // order in which they were added. `handles` is emptied first. THROWS
+  // CQLQueryException as CQLQueryStatement::isMatch (code 3 for a null instance, 4 for
+  // a null namespace or a repository that fails). Grows with the filters that
+  // match and those that nearly do, hardly with the others.
+  void match(const QORSmrPtr<IQoriObject>& instance, const QORString& nameSpace, std::vector<Handle>& handles) const;
+
+  // What the set is made of; of no use outside.
+  struct State;
+
+ private:
+  std::unique_ptr<State> _state;
+};
+
+#endif
