@@ -7,6 +7,9 @@
 #include <thread>
 
 #include "AllocationFaults.h"
+#include "Cimom/Embedded/EmbeddedObjectManager.h"
+#include "Cimom/Mof/MofLoader.h"
+#include "Cimom/QORQL/CQLFilterSet.h"
 #include "FaultRun.h"
 
 namespace {
@@ -91,6 +94,70 @@ INSTANTIATE_TEST_SUITE_P(Each, FailingQuery,
                                           testing::Values(QORQL_DataTable::kExecutionLazy,
                                                           QORQL_DataTable::kExecutionPlain),
                                           testing::Bool()));
+
+// A change of a set that fails changes nothing, and a later one succeeds.
+class FailingSet : public testing::TestWithParam<bool> {
+ protected:
+  using Statement = CQLFilterSet::Statement;
+
+  Statement statement(std::size_t number) {
+    const std::string condition = number % 3 == 0   ? "U8 = " + std::to_string(number)
+                                  : number % 3 == 1 ? "U8 > " + std::to_string(number)
+                                                    : "ANY Numbers[*] = 3";
+    Statement made(
+        new CQLQueryStatement("CQL", QORString("SELECT * FROM T_Fault WHERE " + condition), "root/cimv2", ""));
+    EXPECT_EQ(made->validate(), QUERY_VALIDATE_SUCCESS);
+    return made;
+  }
+  // Whether an allocation failed during the change.
+  template <class Change>
+  static bool failAt(unsigned long k, bool isLasting, Change change) {
+    AllocationFaults::arm(k, isLasting);
+    try {
+      change();
+    } catch (const std::bad_alloc&) {
+    }
+    AllocationFaults::disarm();
+    return AllocationFaults::hasFailed();
+  }
+  // Tries the change with each allocation failing until it succeeds, and looks at the set after each failure.
+  template <class Change>
+  void insist(const CQLFilterSet& set, const QORSmrPtr<IQoriObject>& instance, Change change) {
+    std::vector<CQLFilterSet::Handle> before;
+    std::vector<CQLFilterSet::Handle> after;
+    set.match(instance, "root/cimv2", before);
+    const std::size_t size = set.size();
+    for (unsigned long k = 1; failAt(k, GetParam(), change) && set.size() == size; ++k) {
+      set.match(instance, "root/cimv2", after);
+      ASSERT_EQ(after, before) << "allocation " << k;
+    }
+  }
+};
+
+TEST_P(FailingSet, AtEveryAllocationOfEachChange) {
+  EmbeddedObjectManager manager;
+  manager.makeCurrent();
+  MofLoader(manager.sink()).loadText("class T_Fault { [key] uint8 U8; uint8 Numbers[]; };", "model");
+  const QORSmrPtr<IQoriObject> instance =
+      MofLoader(manager.sink()).readInstances("instance of T_Fault { U8 = 9; Numbers = {3}; };", "instance").at(0);
+  const long before = AllocationFaults::live();
+  {
+    CQLFilterSet set;
+    std::vector<Statement> statements;
+    for (std::size_t i = 0; i < 60; ++i) statements.push_back(statement(i));
+    for (std::size_t i = 0; i < statements.size(); ++i) {
+      insist(set, instance, [&] { set.add(i, statements[i]); });
+      ASSERT_EQ(set.size(), i + 1);
+    }
+    for (std::size_t i = 0; i < statements.size(); ++i) {
+      insist(set, instance, [&] { set.remove(i); });
+      ASSERT_EQ(set.size(), statements.size() - i - 1);
+    }
+  }
+  EXPECT_LE(AllocationFaults::live(), before + 16) << "blocks leak";
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, FailingSet, testing::Bool());
 
 // A match says no where it cannot know, validation refuses, lists throw.
 bool isStatedStep(const std::string& step, const std::string& expected) {
