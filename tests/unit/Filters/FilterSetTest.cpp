@@ -179,8 +179,7 @@ TEST_F(FilterSet, findsWhatHangsOnNothing) {
   EXPECT_TRUE(finds("ANY A[*] = 17", "A = {1, 17};"));
   EXPECT_TRUE(finds("U8 + 1 = 6", "U8 = 5;"));
   EXPECT_TRUE(finds("U8 = U16", "U8 = 5; U16 = 5;"));
-  EXPECT_TRUE(finds("When < '20270101000000.000000+000'", "When = \"20260101000000.000000+000\";") ||
-              !finds("When < '20270101000000.000000+000'", "When = \"20260101000000.000000+000\";"));
+  EXPECT_FALSE(finds("When < '20270101000000.000000+000'", "When = \"20260101000000.000000+000\";"));
   EXPECT_TRUE(finds("A[1] = 17", "A = {1, 17};"));
   EXPECT_FALSE(finds("A[1] = 17", "A = {17};"));
 }
@@ -265,9 +264,9 @@ TEST_F(FilterSet, aMatchOfAFewAmongManyAllocatesNothing) {
 }
 
 // Run under the thread sanitizer too.
-using FilterThreads = FilterSet;
+using FilterThreadsOfSets = FilterSet;
 
-TEST_F(FilterThreads, aSetAnswersManyThreadsWhileOneAddsAndRemoves) {
+TEST_F(FilterThreadsOfSets, aSetAnswersManyThreadsWhileOneAddsAndRemoves) {
   constexpr Handle kStays = 100000;
   std::vector<Statement> statements;
   for (Handle handle = 0; handle < 100; ++handle) {
