@@ -2,14 +2,13 @@
 // stream, and asks a filter whether an instance matches. docs/embedding.md goes
 // through it step by step.
 #include <iostream>
-#include <memory>
 #include <sstream>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "Cimom/Mof/MofLoader.h"
+#include "Cimom/QORQL/CQLFilterSet.h"
 #include "Cimom/QORQL/CQLQueryStatement.h"
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_Exception.h"
@@ -72,24 +71,26 @@ void runQueryAndReport(const char* text) {
 class Subscriptions {
  public:
   void subscribe(const char* subscriber, const char* text) {
-    auto filter = std::make_unique<CQLQueryStatement>(kLanguage, text, kNameSpace, kNameSpace);
+    const QORSmrPtr<CQLQueryStatement> filter(new CQLQueryStatement(kLanguage, text, kNameSpace, kNameSpace));
     if (filter->validate() != QUERY_VALIDATE_SUCCESS) {
       std::cout << subscriber << " is refused: " << filter->getFault().message << '\n';
     } else {
-      _subscriptions.emplace_back(subscriber, std::move(filter));
+      _filters.add(_subscribers.size(), filter);
+      _subscribers.emplace_back(subscriber);
     }
   }
 
   // Any number of threads may deliver at the same time.
   void deliver(const QORSmrPtr<IQoriObject>& instance) const {
     std::cout << instance->getInstanceName()->toString() << '\n';
-    for (const auto& [subscriber, filter] : _subscriptions) {
-      if (filter->isMatch(instance, kNameSpace)) std::cout << "  goes to " << subscriber << '\n';
-    }
+    std::vector<CQLFilterSet::Handle> handles;
+    _filters.match(instance, kNameSpace, handles);
+    for (const CQLFilterSet::Handle handle : handles) std::cout << "  goes to " << _subscribers[handle] << '\n';
   }
 
  private:
-  std::vector<std::pair<std::string, std::unique_ptr<const CQLQueryStatement>>> _subscriptions;
+  CQLFilterSet _filters;                  // by their numbers among the subscribers
+  std::vector<std::string> _subscribers;  // changed before the first delivery alone
 };
 
 void deliverAll(const Subscriptions& subscriptions) {
