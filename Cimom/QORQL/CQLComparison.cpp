@@ -113,7 +113,7 @@ bool CQLQueryStatement::compareRealValues(const Value& lhs, const Value& rhs, QO
   return compare(lhs, rhs, op);
 }
 
-bool CQLQueryStatement::areComparableArrays(const IQoriValue& lhs, const IQoriValue& rhs) noexcept {
+bool CQLQueryStatement::areComparableArrays(const IQoriValue& lhs, const IQoriValue& rhs) {
   if (!lhs.isArray() || !rhs.isArray()) return false;
   const QORString& left = lhs.getType()->getName();
   const QORString& right = rhs.getType()->getName();

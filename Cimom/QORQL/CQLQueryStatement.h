@@ -114,7 +114,7 @@ class CQLQueryStatement : public IQueryStatement {
                                             QORQL_Comparison::QORQL_ARRAY_COMP arrayComp);
   static bool compare(const Value& lhs, const Value& rhs, QORQL_Operator op);
   // Of one element type, or both of numbers.
-  static bool areComparableArrays(const IQoriValue& lhs, const IQoriValue& rhs) noexcept;
+  static bool areComparableArrays(const IQoriValue& lhs, const IQoriValue& rhs);
   static bool compareRealValues(const Value& lhs, const Value& rhs, QORQL_Operator op);
   static bool isNumericalData(const QORString& lhsType, const QORString& rhsType) noexcept;
   // THROWS a bare int 0 for a pair that the table does not hold.

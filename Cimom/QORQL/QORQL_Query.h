@@ -91,6 +91,7 @@ class QORQL_Query : public QORQL_Executable {
   // How many of the FROM classes have the property (no further than two), and the first of them.
   static QORuint32 _countClasses(const QORString& propertyName, UpdateContext& context, FromClass*& first);
   static bool _isFromName(const QORString& name, const UpdateContext& context);
+  static void _bindBareNames(QORQL_ProjectionMap& projectionMap, UpdateContext& context);
   static void _requestEmbeddedRoots(QORQL_ProjectionMap& projectionMap, UpdateContext& context);
   static bool _namesOneProperty(const QORQL_Comparison& expression, const QORSmrPtr<QORQL_Evaluatable>& node);
   static void _resolveEntry(QORQL_SelectedEntry& entry, UpdateContext& context);

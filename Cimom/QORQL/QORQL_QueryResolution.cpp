@@ -279,6 +279,25 @@ void QORQL_Query::_updateExpression(const QORQL_Function& function, UpdateContex
 
 // --- clauses ----------------------------------------------------------------------
 
+// The record "" holds the names that the select list wrote without a class, of
+// which some stand in no factor (`OBJECTPATH(Q)`). They follow those that it wrote
+// with one; when there are none, they need no record on the way to what is needed
+// of their classes.
+void QORQL_Query::_bindBareNames(QORQL_ProjectionMap& projectionMap, UpdateContext& context) {
+  const QORSmrPtr<QORQL_ClassInfo>* const bare = projectionMap->peek(QORString::emptyString());
+  if (bare == nullptr) return;
+  const bool isAlone = projectionMap->entries() == 1;
+  QORValSlistIterator<QORString> names(*(*bare)->getPropertyList());
+  while (++names) {
+    if (_isFromName(names.key(), context)) continue;
+    FromClass& holder = _findClass(names.key(), context);
+    QORQL_ClassInfo& record =
+        isAlone ? _neededOf(holder, context) : *QORQL_recordOf(projectionMap, holder.name, context.slabs);
+    record.addPropertyOnce(names.key(), context.slabs);
+  }
+  projectionMap->remove(QORString::emptyString());
+}
+
 // A qualifier that is no FROM name but a property of exactly one FROM class
 // holds an embedded object (`SourceInstance.Cls::x`): it is what to ask for.
 void QORQL_Query::_requestEmbeddedRoots(QORQL_ProjectionMap& projectionMap, UpdateContext& context) {
@@ -319,8 +338,7 @@ void QORQL_Query::_resolveEntry(QORQL_SelectedEntry& entry, UpdateContext& conte
 
 void QORQL_Query::_findSelectClasses(QORQL_SelectList& selectList, QORQL_ProjectionMap& projectionMap,
                                      UpdateContext& context) {
-  // The names that the select list wrote without a class: their factors are bound below.
-  projectionMap->remove(QORString::emptyString());
+  _bindBareNames(projectionMap, context);
   _requestEmbeddedRoots(projectionMap, context);
   const QORQL_SelectList::EntryList entryList = selectList.getSelectedEntries();
   QORValSlistIterator<QORSmrPtr<QORQL_SelectedEntry>> entries(*entryList);
