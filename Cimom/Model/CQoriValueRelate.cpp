@@ -109,7 +109,7 @@ bool equalArrays(const IQoriValue::List& a, const IQoriValue::List& b) {
 }
 
 // Of one type, or both numbers.
-bool haveComparableElements(const IQoriValue& a, const IQoriValue& b) noexcept {
+bool haveComparableElements(const IQoriValue& a, const IQoriValue& b) {
   const CQoriType::Code left = CQoriType::codeOf(*a.getType());
   const CQoriType::Code right = CQoriType::codeOf(*b.getType());
   return left == right || (left <= CQoriType::Code::Real64 && right <= CQoriType::Code::Real64);
