@@ -98,16 +98,19 @@ build_preset() {
   exec 9>&-
 }
 
-# Runs a preset's tests, and tells in the end what was skipped and why, which ctest keeps to itself:
-# run_tests PRESET [CTEST OPTION]...
+# Runs a preset's tests, and tells what was skipped and why, which ctest keeps to itself. What ctest says in sum comes
+# behind all that, so that the closing lines tell how the tests went: run_tests PRESET [CTEST OPTION]...
 run_tests() {
-  local folder="$root/build/$1" status=0
+  local folder="$root/build/$1" status=0 sum
+  sum=$folder/sum.txt
   shift
   rm -f "$folder/Testing/Temporary/LastTest.log"
-  ctest --test-dir "$folder" --output-on-failure "$@" || status=$?
+  ctest --test-dir "$folder" --output-on-failure "$@" |
+    sed -u -e '/^[0-9]*% tests passed, /b sum' -e '/^Total Test time/b sum' -e b -e ':sum' -e "w $sum" -e d || status=$?
   [ ! -e "$folder/Testing/Temporary/LastTest.log" ] ||
     sed -n -e 's/^[0-9]*\/[0-9]* Test: //;t name' -e '/^skipped: /{G;s/^\(.*\)\n\(.*\)$/'"$me"': \2 \1/p};d;:name;h' \
       "$folder/Testing/Temporary/LastTest.log" >&2
+  cat "$sum"
   return "$status"
 }
 

@@ -42,6 +42,16 @@ APT_GET = """#!/bin/bash
 echo "apt-get $*" >>calls
 case "$*" in *" update") [ ! -e no-lists ] ;; *) [ ! -e no-network ] ;; esac
 """
+# Two tests, one of which is skipped; a third fails where that is asked for.
+CTEST = """#!/bin/bash
+mkdir -p "$2/Testing/Temporary"
+printf '1/2 Test: one\\nfine\\n2/2 Test: two\\nskipped: it takes root\\n' >"$2/Testing/Temporary/LastTest.log"
+printf '1/2 Test #1: one ... Passed\\n2/2 Test #2: two ...***Skipped\\n\\n'
+[ ! -e failing ] || printf '50%% tests passed, 1 tests failed out of 2\\n\\nTotal Test time (real) = 1.00 sec\\n'
+[ -e failing ] || printf '100%% tests passed, 0 tests failed out of 2\\n\\nTotal Test time (real) = 1.00 sec\\n'
+printf '\\nThe following tests did not run:\\n\\t2 - two (Skipped)\\n'
+[ ! -e failing ] || { echo "Errors while running CTest" >&2; exit 8; }
+"""
 SUDO = '#!/bin/bash\necho sudo >>calls\nexec "$@"\n'
 # What a script may count on: the essential packages of Debian.
 ESSENTIAL = ("bash cat chmod comm dirname env find flock id mkdir mv nproc printf readlink rm sed sort tail timeout touch "
@@ -54,12 +64,14 @@ class FrontDoor(unittest.TestCase):
         self.folder = tempfile.TemporaryDirectory()
         self.tree = os.path.join(self.folder.name, "a tree")
         os.makedirs(os.path.join(self.tree, "scripts"))
-        shutil.copy(os.path.join(ROOT, "qorql"), self.tree)
+        for script in ("qorql", "test"):
+            shutil.copy(os.path.join(ROOT, script), self.tree)
         shutil.copy(os.path.join(ROOT, "scripts", "front-door.sh"), os.path.join(self.tree, "scripts"))
         self.write("packages.txt", "there # always\n")
         self.write("Cimom/a.cpp", "")
         self.write("include/a.h", "")
-        for name, text in [("cmake", CMAKE), ("dpkg-query", DPKG_QUERY), ("apt-get", APT_GET), ("sudo", SUDO)]:
+        for name, text in [("cmake", CMAKE), ("dpkg-query", DPKG_QUERY), ("apt-get", APT_GET), ("sudo", SUDO),
+                           ("ctest", CTEST)]:
             os.chmod(self.write(f"../bin/{name}", text), 0o755)
 
     def tearDown(self):
@@ -83,6 +95,13 @@ class FrontDoor(unittest.TestCase):
             if name not in ESSENTIAL:
                 os.remove(os.path.join(self.folder.name, "bin", name))
         return folder
+
+    def run_tests(self):
+        """Runs ./test with the stand-ins; returns its status, and all that it prints, line by line."""
+        ran = subprocess.run([os.path.join(self.tree, "test")], cwd=self.folder.name, check=False,
+                             env={**os.environ, "PATH": os.path.join(self.folder.name, "bin") + ":" + os.environ["PATH"]},
+                             stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, timeout=60)
+        return ran.returncode, ran.stdout.splitlines()
 
     def run_it(self, *arguments, path=os.environ["PATH"]):
         """Runs ./qorql from elsewhere, with the stand-ins; returns the result and the calls since the last run."""
@@ -223,6 +242,21 @@ class FrontDoor(unittest.TestCase):
         ran, _ = self.run_it()
         self.assertEqual(ran.returncode, 7)
         self.assertRegex(ran.stderr, r'\nqorql: scripts/front-door\.sh line \d+: status 7 of: touch "\$folder/\.started"\n')
+
+    def test_the_tests_close_with_their_sum_behind_what_was_skipped_and_why(self):
+        status, lines = self.run_tests()
+        self.assertEqual(status, 0)
+        self.assertEqual(lines[-3:], ["test: two skipped: it takes root", "100% tests passed, 0 tests failed out of 2",
+                                      "Total Test time (real) = 1.00 sec"])
+        self.assertIn("1/2 Test #1: one ... Passed", lines)
+        self.assertEqual(sum("tests passed" in line for line in lines), 1)
+
+    def test_failing_tests_close_with_their_sum_too(self):
+        self.write("../failing", "")
+        status, lines = self.run_tests()
+        self.assertEqual(status, 8)
+        self.assertEqual(lines[-2:], ["50% tests passed, 1 tests failed out of 2", "Total Test time (real) = 1.00 sec"])
+        self.assertIn("Errors while running CTest", lines)
 
 
 class EveryScript(unittest.TestCase):
