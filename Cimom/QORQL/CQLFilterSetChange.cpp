@@ -34,13 +34,21 @@ std::size_t crowd(const Node* tree, const std::vector<QORuint64>& keys) {
   return count;
 }
 
-// The range that all conditions on one path leave.
+// The range that all conditions on one path leave. A great unsigned number is
+// negative beside a signed bound and itself beside others: it may be within both
+// although it is not within what they share.
 cqlkeys::Range rangeOf(const std::vector<CQLAccess>& accesses, QORuint64 classHash, QORuint64 pathHash) {
+  constexpr double kLeastOfTwoMeanings = 9223372036854775808.0;
+  cqlkeys::Range bySigned;
   cqlkeys::Range range;
   for (const CQLAccess& access : accesses) {
     if (access.kind != Kind::Relation || cqlkeys::pathHash(classHash, access) != pathHash) continue;
-    cqlkeys::narrow(range, access.relation, access.constant);
+    const bool isSigned = access.constant.kind == QoriScalarKind::Signed;
+    cqlkeys::narrow(isSigned ? bySigned : range, access.relation, access.constant);
   }
+  const bool isAmbiguous = range.isNarrowed() && range.greatest >= kLeastOfTwoMeanings;
+  if (!isAmbiguous) range.greatest = std::min(range.greatest, bySigned.greatest);
+  range.least = std::max(range.least, bySigned.least);
   return range;
 }
 
@@ -149,8 +157,10 @@ class Change {
     }
   }
 
-  // All filters but the one.
+  // All filters but the one. There may be a list of some beside those that never
+  // match and hang nowhere.
   void makeList(const Filter& gone) {
+    _next.list.clear();
     for (const auto& [handle, filter] : _state.filters) {
       unhang(*filter);
       if (filter != &gone) _next.list.push_back(filter);

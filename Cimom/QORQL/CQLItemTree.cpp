@@ -125,12 +125,11 @@ void CQLItemTree::destroy(const Node* root) noexcept {
 }
 
 const void* CQLItemTree::find(const Node* root, QORuint64 hash) noexcept {
-  const CQLTreeEntry* const entry = Cursor(root, hash).get();
-  return entry != nullptr && entry->hash == hash ? entry->target : nullptr;
+  const CQLTreeEntry* const entry = Cursor(root, {hash, 0, nullptr}).get();
+  return entry != nullptr && entry->hash == hash && entry->order == 0 ? entry->target : nullptr;
 }
 
-CQLItemTree::Cursor::Cursor(const Node* root, QORuint64 hash) noexcept {
-  const CQLTreeEntry least{hash, 0, nullptr};
+CQLItemTree::Cursor::Cursor(const Node* root, const CQLTreeEntry& least) noexcept {
   for (const Node* node = root; node != nullptr; node = node->child(_steps[_depth - 1].at)) {
     _steps[_depth] = {node, node->isLeaf ? placeFor(*node, least) : childFor(*node, least)};
     ++_depth;

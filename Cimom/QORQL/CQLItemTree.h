@@ -7,7 +7,9 @@
 
 #include "cmpbase.h"
 
-// One place of the tree: the item `target` under a hash; of one hash by order.
+// One place of the tree: the item `target` under a hash; of one hash by order. The
+// order 0 is that of items of another kind, which are found apart: whoever chooses
+// the values of filters can make their hashes meet.
 struct CQLTreeEntry {
   QORuint64 hash;
   QORuint64 order;
@@ -47,22 +49,22 @@ class CQLItemTree {
   // Frees all nodes of a root that nobody reads.
   static void destroy(const Node* root) noexcept;
 
-  // Calls `visit` with the target of each entry of the hash, in order, until it returns false.
+  // Calls `visit` with the target of each entry of the hash but that of order 0, in order, until it returns false.
   template <class Visit>
   static void forEach(const Node* root, QORuint64 hash, Visit visit) {
-    Cursor cursor(root, hash);
+    Cursor cursor(root, {hash, 1, nullptr});
     for (const CQLTreeEntry* entry = cursor.get(); entry != nullptr && entry->hash == hash; entry = cursor.next()) {
       if (!visit(entry->target)) return;
     }
   }
-  // The target of the first entry of the hash; null when there is none.
+  // The target of the hash's entry of order 0; null when there is none.
   static const void* find(const Node* root, QORuint64 hash) noexcept;
 
  private:
-  // A way through the tree, beginning with the first entry that is not below the hash.
+  // A way through the tree, beginning with the first entry that is not below the given one.
   class Cursor {
    public:
-    Cursor(const Node* root, QORuint64 hash) noexcept;
+    Cursor(const Node* root, const CQLTreeEntry& least) noexcept;
     const CQLTreeEntry* get() const noexcept;
     const CQLTreeEntry* next() noexcept;
 

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <atomic>
-#include <memory>
+#include <utility>
 
 namespace {
 
@@ -29,26 +29,31 @@ Mark* takeMark() {
   }
   Mark* const mark = new Mark;
   mark->next = theMarks.load(std::memory_order_relaxed);
-  while (!theMarks.compare_exchange_weak(mark->next, mark, std::memory_order_acq_rel)) {
+  while (!theMarks.compare_exchange_weak(mark->next, mark, std::memory_order_seq_cst)) {
   }
   return mark;
 }
 
+thread_local Mark* theMark = nullptr;
+
+// Gives the thread's mark back at its end. A section that a later destructor of
+// the thread makes takes another one, which stays taken.
 struct Holder {
   Holder() = default;
   Holder(const Holder&) = delete;
   Holder& operator=(const Holder&) = delete;
   ~Holder() {
+    Mark* const mark = std::exchange(theMark, nullptr);
     if (mark != nullptr) mark->isTaken.store(false, std::memory_order_release);
   }
-  Mark* mark = nullptr;
 };
 
-thread_local Holder theHolder;
-
 Mark& ownMark() {
-  if (theHolder.mark == nullptr) theHolder.mark = takeMark();
-  return *theHolder.mark;
+  if (theMark == nullptr) {
+    theMark = takeMark();
+    static thread_local const Holder theHolder;
+  }
+  return *theMark;
 }
 
 // The epoch in which the oldest section began; the current one when there is none.
@@ -62,9 +67,11 @@ QORuint64 oldestReader() noexcept {
 
 }  // namespace
 
-CQLReadSection::CQLReadSection() noexcept {
+// Whoever finds an epoch also finds all that was published before it began: what
+// makes a mark known, and both looks here, are in the one order of all threads.
+CQLReadSection::CQLReadSection() {
   Mark& mark = ownMark();
-  if (mark.nesting++ == 0) mark.epoch.store(theEpoch.load(std::memory_order_relaxed), std::memory_order_seq_cst);
+  if (mark.nesting++ == 0) mark.epoch.store(theEpoch.load(std::memory_order_seq_cst), std::memory_order_seq_cst);
 }
 
 CQLReadSection::~CQLReadSection() {

@@ -12,7 +12,8 @@
 // with a fence; sections may nest. Belongs to the thread that made it.
 class CQLReadSection {
  public:
-  CQLReadSection() noexcept;
+  // THROWS std::bad_alloc, when it is its thread's first.
+  CQLReadSection();
   CQLReadSection(const CQLReadSection&) = delete;
   CQLReadSection& operator=(const CQLReadSection&) = delete;
   ~CQLReadSection();

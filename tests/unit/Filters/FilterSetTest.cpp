@@ -2,7 +2,9 @@
 #include <thread>
 
 #include "AllocationCount.h"
+#include "Cimom/QORQL/CQLFilterKeys.h"
 #include "Cimom/QORQL/CQLFilterSet.h"
+#include "Cimom/QORQL/CQLMatcher.h"
 #include "FilterWorld.h"
 
 namespace {
@@ -136,6 +138,15 @@ TEST_F(FilterSet, findsUnsignedNumbersThatCompareAsSignedOnes) {
   EXPECT_TRUE(finds("S64 > 18446744073709551614", "S64 = -1;"));
 }
 
+// As the signed number it is below the one bound, as itself above the other.
+TEST_F(FilterSet, findsUnsignedNumbersWithinBoundsOfWhichOneIsSigned) {
+  EXPECT_TRUE(finds("U64 < -1 AND U64 > -5.5", "U64 = 18446744073709551606;"));
+  EXPECT_TRUE(finds("U64 > -5.5 AND U64 <= -1", "U64 = 18446744073709551606;"));
+  EXPECT_TRUE(finds("U64 < -1 AND U64 > -5.5", "U64 = 18446744073709551613;"));
+  EXPECT_FALSE(finds("U64 < -1 AND U64 > -5.5", "U64 = 5;"));
+  EXPECT_TRUE(finds("S64 < -1 AND S64 > -5.5", "S64 = -3;"));
+}
+
 TEST_F(FilterSet, findsNumbersInRanges) {
   for (const char* property : {"U16", "S32", "R64"}) {
     const std::string name(property);
@@ -190,6 +201,20 @@ TEST_F(FilterSet, filtersThatNeverMatchAreHeldAndMatchNothing) {
   EXPECT_FALSE(finds("MessageID LIKE 'M'", "MessageID = \"M\";"));
 }
 
+// A set of such filters alone has neither an index nor a list of them.
+TEST_F(FilterSet, aFilterAmongThoseThatNeverMatchIsFoundOnce) {
+  for (Handle handle = 100; handle < 113; ++handle) {
+    EXPECT_TRUE(set.add(handle, alertStatement("U8 = 5 OR U8 = 6")));
+  }
+  EXPECT_TRUE(set.add(1, alertStatement("U8 = 5")));
+  for (Handle handle = 100; handle < 113; ++handle) {
+    EXPECT_EQ(matches(world.alert("U8 = 5;")), Handles{1});
+    EXPECT_TRUE(set.remove(handle));
+  }
+  EXPECT_TRUE(set.remove(1));
+  EXPECT_EQ(matches(world.alert("U8 = 5;")), Handles{});
+}
+
 TEST_F(FilterSet, findsEmbeddedObjectsByClassAndByProperty) {
   addMany();
   const char* const kFrom = "SELECT * FROM CIM_InstModification WHERE ";
@@ -230,6 +255,34 @@ TEST_F(FilterSet, aSetThatShrinksAndGrowsAgainAnswersAlike) {
       EXPECT_EQ(matches(alert), expected);
     }
   }
+}
+
+// The number whose filter stands where the directory of a class does: what mixes
+// the bits of a place can be turned back.
+QORuint64 numberThatMeetsTheDirectory(const Statement& ofTheProperty, const char* className) {
+  const auto unmixed = [](QORuint64 bits) { return (bits ^ bits >> 32) * 0xf1de83e19937733dULL; };
+  const QORuint64 classHash = cqlkeys::classHash(kNameSpace, "CIM_AlertIndication");
+  QoriScalar zero;
+  zero.kind = QoriScalarKind::Unsigned;
+  zero.u = 0;
+  std::vector<QORuint64> keys;
+  cqlkeys::addEqualKeys(cqlkeys::pathHash(classHash, ofTheProperty->getMatcher().accesses().front()), zero, keys);
+  return unmixed(keys.front()) ^ unmixed(cqlkeys::directoryHash(cqlkeys::classHash(kNameSpace, className)));
+}
+
+// A class whose filters have a directory there, and one that has none.
+TEST_F(FilterSet, aFilterMayShareTheHashOfADirectory) {
+  addMany();
+  EXPECT_TRUE(set.add(1, alertStatement("U64 = 1")));
+  for (const char* className : {"CIM_AlertIndication", "CIM_Indication"}) {
+    const std::string has =
+        "U64 = " + std::to_string(numberThatMeetsTheDirectory(alertStatement("U64 = 1"), className));
+    EXPECT_TRUE(set.add(2, alertStatement(has)));
+    EXPECT_EQ(matches(world.alert(has + ";")), Handles{2});
+    EXPECT_TRUE(set.remove(2));
+    EXPECT_EQ(matches(world.alert(has + ";")), Handles{});
+  }
+  EXPECT_EQ(matches(world.alert("U64 = 1;")), Handles{1});
 }
 
 // More paths than a class's filters may hang by: the others are asked one by one.
