@@ -358,6 +358,7 @@ class Warnings(ValidateCase):
                     "(line 1, column 38)")
         self.warned("SELECT * FROM CIM_InstCreation AS i WHERE i.SourceInstance ISA CIM_AlertIndication AND "
                     "'sourceinstance' ISA CIM_AlertIndication")
+        self.warned("SELECT * FROM CIM_InstCreation WHERE 'Source' + 'Instance' ISA CIM_AlertIndication")
 
     def test_characters_that_the_language_does_not_know(self):
         self.warned(ALERT + " | WHERE EventID = 'a'", "passed over, since the language does not know it: | (line 1, column 35)")

@@ -108,13 +108,15 @@ bool FilterWarnings::isPropertyOfFrom(std::string_view property) const {
 }
 
 // ISA looks for the property in the instance itself. Of one behind a path or a
-// scope the statement has told already that it never matches.
+// scope the statement has told already that it never matches; a text that is put
+// together says as a whole which property it names.
 void FilterWarnings::checkIsa(std::size_t piece) {
   const FilterText::Piece& name = _text.pieces()[piece];
   if (name.kind != FilterText::Kind::Word && name.kind != FilterText::Kind::Literal) return;
   const bool isBehindDot = piece > 1 && _text.is(piece - 1, ".");
   const bool isBehindFrom = isBehindDot && !_text.classOf(std::string(_text.pieces()[piece - 2].text)).empty();
-  if ((isBehindDot && !isBehindFrom) || (piece > 0 && _text.is(piece - 1, "::"))) return;
+  if (isBehindDot && !isBehindFrom) return;
+  if (piece > 0 && (_text.is(piece - 1, "::") || _text.is(piece - 1, "+"))) return;
   if (isPropertyOfFrom(unquoted(name))) return;
   warn(
       "ISA asks a property of the indication itself, and " + std::string(unquoted(name)) + " is none: it never matches",
