@@ -12,6 +12,7 @@
 #include <charconv>
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <unordered_set>
 
 #include "Cimom/Providers/LinuxValues.h"
@@ -87,16 +88,34 @@ std::vector<int> readProcessIds() {
   return ids;
 }
 
-// The inode of a link to a socket; 0 for a link to something else.
-QORuint64 socketBehind(const std::string& link) {
+// The inode of a link to a socket; 0 for a link to something else, nothing for one that may not be read.
+std::optional<QORuint64> socketBehind(const std::string& link) {
   constexpr std::string_view kSocket = "socket:[";
   std::array<char, 64> target{};
   const ssize_t length = readlink(link.c_str(), target.data(), target.size());
+  if (length < 0 && errno == EACCES) return std::nullopt;
   std::string_view text(target.data(), static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
   QORuint64 inode = 0;
   if (text.substr(0, kSocket.size()) != kSocket || text.back() != ']') return 0;
   text = text.substr(kSocket.size(), text.size() - kSocket.size() - 1);
   return readNumber(text, inode, 10) ? inode : 0;
+}
+
+// Adds a process to the holders of the sockets that its links lead to. Returns an errno where some of the links are
+// hidden, else 0: a folder may be listed and its links be hidden all the same, from the superuser of a container too.
+int addHolder(int pid, const std::string& path, std::unordered_map<QORuint64, std::vector<int>>& holders) {
+  const Folder files(opendir(path.c_str()));
+  // A process that has ended meanwhile holds nothing.
+  if (files == nullptr) return errno == ENOENT || errno == ESRCH ? 0 : errno;
+  int error = 0;
+  while (const dirent* entry = readdir(files.get())) {
+    const std::optional<QORuint64> inode = socketBehind(path + '/' + entry->d_name);
+    if (!inode.has_value()) error = EACCES;
+    const auto found = holders.find(inode.value_or(0));
+    const bool isNew = found != holders.end() && (found->second.empty() || found->second.back() != pid);
+    if (isNew && found->first != 0) found->second.push_back(pid);
+  }
+  return error;
 }
 
 }  // namespace
@@ -151,14 +170,8 @@ std::unordered_map<QORuint64, std::vector<int>> readSocketHolders(const std::vec
   UnreadableParts unreadable;
   for (const int pid : readProcessIds()) {
     const std::string path = "/proc/" + std::to_string(pid) + "/fd";
-    const Folder files(opendir(path.c_str()));
-    // A process that has ended meanwhile holds nothing.
-    if (files == nullptr && errno != ENOENT && errno != ESRCH) unreadable.note(path, errno);
-    while (const dirent* entry = files == nullptr ? nullptr : readdir(files.get())) {
-      const auto found = holders.find(socketBehind(path + '/' + entry->d_name));
-      const bool isNew = found != holders.end() && (found->second.empty() || found->second.back() != pid);
-      if (isNew && found->first != 0) found->second.push_back(pid);
-    }
+    const int error = addHolder(pid, path, holders);
+    if (error != 0) unreadable.note(path, error);
   }
   const bool lacksOne = std::any_of(holders.begin(), holders.end(),
                                     [](const auto& entry) { return entry.first != 0 && entry.second.empty(); });

@@ -278,6 +278,16 @@ instance of Der { K = 3; N = 2; X = "y"; };
                          "qorql: error: A non-existent property - 'X' was requested from class - 'b' (CIM status 4)\n"
                          "qorql: hint: X is a property of Der, which not every Base is: ask for it FROM Der\n")
 
+    def test_a_name_that_two_classes_go_by(self):
+        path = self.write("m.mof", self.MODEL + "class Other { [Key] uint8 J; };\ninstance of Other { J = 1; };\n")
+        hint = "qorql: hint: in FROM {0} names more than one class: give each a name of its own\n"
+        for query, name in [("SELECT b.K FROM Base AS b, Other AS B", "b"),
+                            ("SELECT Other.K FROM Base AS Other, Other", "Other")]:
+            result = self.run_tool("--no-live", "-m", path, query)
+            self.assertEqual((result.status, result.out), (1, ""))
+            self.assertEqual(result.err, "qorql: error: A non-existent property - 'K' was requested from class - "
+                                         f"'{name}' (CIM status 4)\n" + hint.format(name))
+
     def test_several_statements(self):
         result = self.model("-o", "csv", ONE + ";\n" + ONE + "; SELECT i.Nam FROM Shop_Item AS i; " + TWO)
         self.assertEqual((result.status, result.out), (1, "Id\n1\n\nId\n1\n"))

@@ -72,7 +72,9 @@ def some_mount():
 
 class Live(ToolCase):
     def rows(self, query, *arguments):
-        return json.loads(self.succeed(self.run_tool("-o", "json", *arguments, query)))
+        result = self.run_tool("-o", "json", *arguments, query)
+        self.assertEqual((result.status, toolcase.UNSEEN.sub("", result.err)), (0, ""))
+        return json.loads(result.out)
 
     def test_finds_its_caller(self):
         rows = self.rows(f"SELECT Handle, Name, ParentProcessID FROM Linux_Process WHERE Handle = '{os.getpid()}'")

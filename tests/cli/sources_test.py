@@ -1,6 +1,7 @@
 """What cannot be seen is told: sources of live classes, namespaces, the columns of an empty result."""
 import os
 import re
+import shutil
 import socket
 import subprocess
 import unittest
@@ -87,6 +88,18 @@ class OrdinaryUsers(ToolCase):
             self.assertEqual((result.status, result.out), (0, f"PortNumber,ProcessID\n{port},\n"))
             self.assertRegex(result.err, r"\Aqorql: warning: Cannot read /proc/\d+/fd: Permission denied(, and \d+ more)?\n\Z")
             self.succeed(self.as_nobody("-o", "csv", f"SELECT PortNumber FROM Linux_ListeningPort WHERE PortNumber = {port}"))
+
+    # As in a container: what others have open is listed, and where it leads to is hidden.
+    def test_ports_of_processes_that_hide_what_they_have_open(self):
+        lesser = ["setpriv", "--bounding-set=-sys_ptrace,-chown"]
+        if not shutil.which("setpriv") or subprocess.run([*lesser, "true"], capture_output=True, check=False).returncode != 0:
+            self.skipTest("no program of this system takes rights away")
+        with socket.create_server(("127.0.0.1", 0)) as server:
+            port = server.getsockname()[1]
+            query = f"SELECT PortNumber, ProcessID FROM Linux_ListeningPort WHERE PortNumber = {port}"
+            result = toolcase.Result(subprocess.run([*lesser, toolcase.TOOL, "-o", "csv", query], capture_output=True, check=False))
+            self.assertEqual((result.status, result.out), (0, f"PortNumber,ProcessID\n{port},\n"))
+            self.assertRegex(result.err, r"\Aqorql: warning: Cannot read /proc/\d+/fd: Permission denied(, and \d+ more)?\n\Z")
 
     def test_programs_of_others_are_null(self):
         result = self.as_nobody("-o", "csv", f"SELECT Handle, Executable FROM Linux_Process WHERE Handle = '{os.getpid()}'")

@@ -71,8 +71,23 @@ std::string hintOfName(const std::string& description) {
   return isKnown && description.find("did you mean") == std::string::npos ? std::string() : description;
 }
 
+// Whether a name of FROM stands for more than one class.
+bool isNameOfSeveral(const FilterText& text, std::string_view name) {
+  const std::string first = text.classOf(name);
+  const auto isOther = [&](const FilterText::Source& source) {
+    const bool isNamed =
+        QORString::equalIgnoringCase(source.className, name) || QORString::equalIgnoringCase(source.alias, name);
+    return isNamed && !QORString::equalIgnoringCase(source.className, first);
+  };
+  return std::any_of(text.sources().begin(), text.sources().end(), isOther);
+}
+
 std::string hintOfMissing(EmbeddedObjectManager& manager, const QORString& nameSpace, const FilterText& text,
                           const MissingProperty& missing) {
+  if (isNameOfSeveral(text, missing.qualifier.view())) {
+    return "in FROM " + std::string(missing.qualifier.view()) +
+           " names more than one class: give each a name of its own";
+  }
   CQLQueryFault fault;
   fault.kind = CQLQueryFault::kProperty;
   fault.name = missing.name;
