@@ -33,6 +33,21 @@ std::vector<QORuint32> keyPositions(const CimXmlInstance& instance, const ModelL
   return positions;
 }
 
+// Whether each property that is not kept has the name of a kept one before it.
+bool repeatOthers(std::span<const CimXmlProperty> properties, const std::vector<std::size_t>& kept,
+                  const ModelLayout& layout) noexcept {
+  std::size_t passed = 0;  // kept ones before the property
+  for (std::size_t i = 0; !kept.empty() && i < properties.size(); ++i) {
+    if (passed < kept.size() && kept[passed] == i) {
+      ++passed;
+      continue;
+    }
+    const QORsint32 position = layout.getPosition(properties[i].name);
+    if (position < 0 || static_cast<std::size_t>(position) >= passed) return false;
+  }
+  return true;
+}
+
 [[noreturn]] void raiseWrongValue(const CimXmlInstance& instance, const CimXmlProperty& property,
                                   const IQoriType& type) {
   throw QoriBaseException("CIM_Value", "CimXml", "CimXmlObjects::make",
@@ -67,10 +82,11 @@ IQoriValue::Pointer typedValue(const CimXmlInstance& instance, const CimXmlPrope
 
 CimXmlObjects::CimXmlObjects(const QORString& nameSpace) : _nameSpace(nameSpace) {}
 
-bool CimXmlObjects::fits(const Known& known, const CimXmlInstance& instance) noexcept {
+bool CimXmlObjects::hasColumns(const Known& known, const CimXmlInstance& instance) noexcept {
   const std::span<const CimXmlProperty> properties = instance.properties();
   if (known.count != properties.size()) return false;
   const ModelLayout& layout = *known.shape->layout;
+  if (!repeatOthers(properties, known.kept, layout)) return false;
   const std::size_t columns = layout.getPropertyCount();
   for (std::size_t i = 0; i < columns; ++i) {
     const CimXmlProperty& property = properties[known.kept.empty() ? i : known.kept[i]];
@@ -83,6 +99,18 @@ bool CimXmlObjects::fits(const Known& known, const CimXmlInstance& instance) noe
     }
   }
   return true;
+}
+
+// Instances of one class may come from several namespaces, with and without names.
+bool CimXmlObjects::fits(const Known& known, const CimXmlInstance& instance) const {
+  const ModelShape& shape = *known.shape;
+  if (!hasColumns(known, instance) || !(shape.nameSpace == nameSpaceOf(instance))) return false;
+  if (shape.keyPositions.empty()) return keyPositions(instance, *shape.layout).empty();
+  return !instance.name.IsNull();
+}
+
+QORString CimXmlObjects::nameSpaceOf(const CimXmlInstance& instance) const {
+  return instance.name.IsNull() ? _nameSpace : instance.name->getNameSpacePath()->getNameSpace();
 }
 
 CimXmlObjects::Known CimXmlObjects::makeShape(const CimXmlInstance& instance) const {
@@ -98,9 +126,8 @@ CimXmlObjects::Known CimXmlObjects::makeShape(const CimXmlInstance& instance) co
   }
   if (known.kept.size() == properties.size()) known.kept.clear();
   const QORSmrPtr<ModelLayout> layout(new ModelLayout(columns));
-  const QORString nameSpace = instance.name.IsNull() ? _nameSpace : instance.name->getNameSpacePath()->getNameSpace();
-  known.shape =
-      QORSmrPtr<ModelShape>(new ModelShape(nameSpace, instance.className, layout, keyPositions(instance, *layout)));
+  known.shape = QORSmrPtr<ModelShape>(
+      new ModelShape(nameSpaceOf(instance), instance.className, layout, keyPositions(instance, *layout)));
   return known;
 }
 

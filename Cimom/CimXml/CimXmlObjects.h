@@ -41,7 +41,9 @@ class CimXmlObjects {
     std::size_t count = 0;          // of the properties that came
   };
 
-  static bool fits(const Known& known, const CimXmlInstance& instance) noexcept;
+  static bool hasColumns(const Known& known, const CimXmlInstance& instance) noexcept;
+  bool fits(const Known& known, const CimXmlInstance& instance) const;
+  QORString nameSpaceOf(const CimXmlInstance& instance) const;
   const Known& shapeOf(const CimXmlInstance& instance);
   Known makeShape(const CimXmlInstance& instance) const;
 

@@ -167,6 +167,31 @@ TEST_F(CimXmlReplyTest, TakesTheFirstOfAPropertyThatComesTwice) {
   EXPECT_EQ(object->getPropertyCount(), 2U);
 }
 
+TEST_F(CimXmlReplyTest, TakesEveryPropertyOfAnInstanceAfterOneWithARepetition) {
+  const auto one = [](const std::string& last) {
+    return "<INSTANCE CLASSNAME=\"C\"><PROPERTY NAME=\"P\" TYPE=\"uint8\"/><PROPERTY NAME=\"Q\" TYPE=\"uint8\"/>"
+           "<PROPERTY NAME=\"" +
+           last + "\" TYPE=\"uint8\"><VALUE>2</VALUE></PROPERTY></INSTANCE>";
+  };
+  const std::vector<Object> objects = read(instances(one("p") + one("R") + one("q")));
+  EXPECT_EQ(objects.at(0)->getPropertyCount(), 2U);
+  EXPECT_EQ(textOf(objects.at(1), "R"), "2");
+  EXPECT_EQ(textOf(objects.at(2), "Q"), "NULL");
+}
+
+TEST_F(CimXmlReplyTest, GivesEachInstanceTheNamespaceOfItsName) {
+  const auto one = [](const std::string& nameSpace) {
+    return "<VALUE.OBJECTWITHPATH><INSTANCEPATH><NAMESPACEPATH><HOST>h</HOST><LOCALNAMESPACEPATH><NAMESPACE NAME=\"" +
+           nameSpace +
+           "\"/></LOCALNAMESPACEPATH></NAMESPACEPATH><INSTANCENAME CLASSNAME=\"C\"/></INSTANCEPATH>"
+           "<INSTANCE CLASSNAME=\"C\"/></VALUE.OBJECTWITHPATH>";
+  };
+  const std::vector<Object> objects = read(instances(one("a") + one("b") + "<INSTANCE CLASSNAME=\"C\"/>"));
+  EXPECT_EQ(objects.at(0)->getNameSpace(), "a");
+  EXPECT_EQ(objects.at(1)->getNameSpace(), "b");
+  EXPECT_EQ(objects.at(2)->getNameSpace(), "root/cimv2");
+}
+
 TEST_F(CimXmlReplyTest, TakesAPropertyWithoutTypeAsText) {
   EXPECT_EQ(typeOf(readProperty("<PROPERTY NAME=\"P\"><VALUE>7</VALUE></PROPERTY>"), "P"), "string");
 }
