@@ -68,9 +68,32 @@ IQoriValue::Pointer typed(const CimXmlInstance& instance, const CimXmlProperty& 
   return value;
 }
 
+// A value that came as another type than the declared one. An integer must be
+// the same number then; all other conversions are those that values have.
+void requireSame(const CimXmlInstance& instance, const CimXmlProperty& property, const IQoriValue::Pointer& value,
+                 const QORSmrPtr<IQoriType>& type) {
+  const Code code = CQoriType::codeOf(*type);
+  if (value.IsNull() || code > Code::Uint64) return;
+  const Code given = CQoriType::codeOf(*value->getType());
+  if (given == code || given > Code::Real64) return;
+  const CQoriValue converted(*value, cimxml::scalarType(code));
+  if (converted.relate(QoriRelation::Equal, *value) != QoriTruth::True) raiseWrongValue(instance, property, *type);
+}
+
+void requireSameNumbers(const CimXmlInstance& instance, const CimXmlProperty& property,
+                        const QORSmrPtr<IQoriType>& type) {
+  if (property.value.IsNull() || property.type == CQoriType::codeOf(*type)) return;
+  if (!property.value->isArray()) return requireSame(instance, property, property.value, type);
+  QORValSlistIterator<IQoriValue::Pointer> it(*property.value->getArray());
+  while (++it) requireSame(instance, property, it.key(), type);
+}
+
 IQoriValue::Pointer typedValue(const CimXmlInstance& instance, const CimXmlProperty& property,
                                const QORSmrPtr<IQoriType>& type) {
-  if (property.type != Code::Unknown || property.value.IsNull()) return property.value;
+  if (property.type != Code::Unknown || property.value.IsNull()) {
+    requireSameNumbers(instance, property, type);
+    return property.value;
+  }
   if (!property.isArray) return typed(instance, property, property.value, *type);
   QORSmrPtr<IQoriValue::List> elements(new IQoriValue::List);
   QORValSlistIterator<IQoriValue::Pointer> it(*property.value->getArray());

@@ -451,6 +451,18 @@ TEST_F(CimXmlReplyTest, MakesObjectsOfAKnownClass) {
   } catch (const QoriBaseException& fault) {
     EXPECT_EQ(fault.getMessage(), "found \"much\" for property Size of class t, expected a uint32");
   }
+  // Of another type than the declared one, but a number that it holds; and one that it does not.
+  const auto sizeAs = [&](const std::string& type, const std::string& text) {
+    return make("<PROPERTY NAME=\"Size\" TYPE=\"" + type + "\"><VALUE>" + text + "</VALUE></PROPERTY>");
+  };
+  EXPECT_EQ(textOf(sizeAs("uint64", "12"), "Size"), "12");
+  EXPECT_EQ(textOf(sizeAs("real64", "12.0"), "Size"), "12");
+  EXPECT_THROW(sizeAs("uint64", "4294967301"), QoriBaseException);
+  EXPECT_THROW(sizeAs("sint32", "-1"), QoriBaseException);
+  EXPECT_THROW(sizeAs("real64", "2.5"), QoriBaseException);
+  EXPECT_THROW(make("<PROPERTY.ARRAY NAME=\"Codes\" TYPE=\"uint16\"><VALUE.ARRAY><VALUE>1</VALUE><VALUE>256</VALUE>"
+                    "</VALUE.ARRAY></PROPERTY.ARRAY>"),
+               QoriBaseException);
 }
 
 }  // namespace
