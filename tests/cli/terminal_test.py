@@ -223,6 +223,10 @@ class Terminal(ToolCase):
                 ("SELECT Id FROM Shop_Item WHERE Name = 5",
                  "texts are compared with texts in single quotes, numbers with numbers"),
                 ("SELECT I.Id FROM Shop_Item I", "an alias stands behind AS: Shop_Item AS I"),
+                ("SELECT i.Id FROM Shop_Item AS i, Shop_Empty AS e WHERE OBJECTPATH(i) = OBJECTPATH(e)",
+                 "OBJECTPATH(a) = OBJECTPATH(b) is read as half an association: compare the keys, as in a.Name = b.Name"),
+                ("SELECT i.Id FROM Shop_Item AS i, Shop_Empty AS e WHERE Shop_Link = i AND i.Id = 1",
+                 "an association is written with both its ends side by side: Link = a AND Link = b"),
                 ("SELECT x.Id FROM Shop_Item",
                  "x is neither a class of FROM nor a property that holds an object (line 1, column 8)")):
             with self.subTest(query=query):

@@ -132,6 +132,17 @@ std::string hintOfSql(const FilterText& text, std::size_t offset) {
   return "an alias stands behind AS: " + std::string(pieces[at - 1].text) + " AS " + std::string(pieces[at].text);
 }
 
+// Half an association, where paths are to be compared or the other half is missing.
+std::string hintOfAssociation(const FilterText& text, const QORString& message) {
+  const bool isHalf = message.view() == QORQL_Messages::kAssociationAndExpected.text ||
+                      message.view() == QORQL_Messages::kAssociationInvalid.text;
+  if (!isHalf) return {};
+  const bool comparesPaths = text.findWord("OBJECTPATH") != FilterText::kNowhere;
+  return comparesPaths
+             ? "OBJECTPATH(a) = OBJECTPATH(b) is read as half an association: compare the keys, as in a.Name = b.Name"
+             : "an association is written with both its ends side by side: Link = a AND Link = b";
+}
+
 // Who mistypes a command has it taken for a statement.
 std::string hintOfCommand(const FilterText& text, const std::vector<std::string>& commands) {
   if (text.pieces().size() != 1) return {};
@@ -157,7 +168,8 @@ std::string hintOfFailure(EmbeddedObjectManager& manager, const std::string& nam
       const std::string hint = hintOfName(FilterFault(manager, QORString(nameSpace), text).describe(fault));
       return hint.empty() ? hintOfComparison(error.getMessage()) : hint;
     }
-    for (const std::string& hint : {hintOfQuote(text, *faultOffset), hintOfSql(text, *faultOffset)}) {
+    for (const std::string& hint : {hintOfQuote(text, *faultOffset), hintOfSql(text, *faultOffset),
+                                    hintOfAssociation(text, error.getMessage())}) {
       if (!hint.empty()) return hint;
     }
     return hintOfCommand(text, commands);
