@@ -109,11 +109,11 @@ class IQoriValue {
 
   // Whether `this relation other` holds. Numbers compare by mathematical value
   // across all types; strings byte by byte; booleans with booleans and with the
-  // texts TRUE and FALSE; datetimes with datetimes and datetime text; references
-  // by path, also with path text; embedded objects by class and properties;
-  // char16 with char16 and with text of one character. Arrays are equal when
-  // length and elements are; other relations on arrays, arrays of other types (but for numbers), and array against
-  // scalar, are Null. THROWS QoriBaseException (type "CIM_Value") naming both
+  // texts TRUE and FALSE; datetimes with datetimes and datetime text; references by
+  // path, also with path text, which may lack the quotes at its end; embedded objects
+  // by class and properties; char16 with char16 and with text of one character. Arrays
+  // are equal when length and elements are; other relations on arrays, arrays of
+  // different types other than numbers, and array against scalar, are Null. THROWS QoriBaseException (type "CIM_Value") naming both
   // types for any other pair. Allocates nothing for numbers, booleans and strings.
   virtual QoriTruth relate(QoriRelation relation, const IQoriValue& other) const;
 
