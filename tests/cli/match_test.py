@@ -32,6 +32,37 @@ class Match(MatchCase):
         self.assertEqual(self.succeed(self.match("-m", SCHEMA, FC1, second, first)),
                          f"root/cimv2:CIM_InstCreation\tno match\n{ALERT_PATH}\tmatch\n{ALERT_PATH}\tno match\n")
 
+    def test_many_filters_are_told_by_their_lines(self):
+        filters = self.write("filters.txt", f"{FC1}\n\nSELECT * FROM CIM_AlertIndication\r\n"
+                             "SELECT * FROM CIM_InstCreation\n"
+                             "SELECT * FROM CIM_AlertIndication WHERE MessageID = 'FC2'\n")
+        instances = self.write("instances.mof", ALERTS + CREATION)
+        self.assertEqual(self.succeed(self.match("-m", SCHEMA, "--filters", filters, instances)),
+                         f"{ALERT_PATH}\t1,3\n{ALERT_PATH}\t3,5\nroot/cimv2:CIM_InstCreation\t4\n")
+        self.assertEqual(self.succeed(self.match("-m", SCHEMA, "--filters", filters, stdin=ALERTS)),
+                         f"{ALERT_PATH}\t1,3\n{ALERT_PATH}\t3,5\n")
+        self.write("filters.txt", "SELECT * FROM CIM_AlertIndication WHERE MessageID = 'FC3'\n")
+        self.assertEqual(self.succeed(self.match("--filters", filters, stdin=ALERTS)), f"{ALERT_PATH}\t\n{ALERT_PATH}\t\n")
+
+    def test_many_filters_of_which_some_are_not_valid(self):
+        filters = self.write("filters.txt", f"SELECT\n{FC1}\nSELECT * FROM CIM_Nope\n")
+        result = self.match("--filters", filters, stdin=ALERTS)
+        self.assertEqual((result.status, result.out), (1, ""))
+        self.assertRegex(result.err, "qorql: error: line 1: the filter is not valid: .*\n"
+                         "(.*\n)*qorql: error: line 3: the filter is not valid: .*CIM_Nope")
+
+    def test_many_filters_and_strict(self):
+        filters = self.write("filters.txt", f"{FC1} OR MessageID = 'x'\n")
+        self.assertEqual(self.match("--filters", filters, stdin=ALERTS).status, 0)
+        result = self.match("--strict", "--filters", filters, stdin=ALERTS)
+        self.assertEqual((result.status, result.out), (1, ""))
+
+    def test_filters_and_why_do_not_go_together(self):
+        result = self.match("--why", "--filters", self.write("filters.txt", FC1), stdin=ALERTS)
+        self.assertEqual((result.status, result.out), (2, ""))
+        self.assertIn("--why excludes --filters", result.err)
+        self.assertEqual(self.match(stdin=ALERTS).status, 2)
+
     def test_standard_input(self):
         expected = f"{ALERT_PATH}\tmatch\n{ALERT_PATH}\tno match\n"
         self.assertEqual(self.succeed(self.match(FC1, stdin=ALERTS)), expected)

@@ -26,7 +26,7 @@ class Pages(ToolCase):
         text = self.succeed(self.run_tool("pages", "man")).replace("\\-", "-")
         for option in ("--mof", "--namespace", "--no-live", "--help"):
             self.assertEqual(text.count("\\fB" + option + "\\fR"), 1, option)
-        self.assertIn("qorql match\n[OPTIONS] FILTER [FILE...]\n", text)
+        self.assertIn("qorql match\n[OPTIONS] [FILTER] [FILE...]\n", text)
 
     def test_manual_is_without_faults(self):
         path = self.write("qorql.1", self.succeed(self.run_tool("pages", "man")))

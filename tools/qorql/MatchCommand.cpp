@@ -2,11 +2,13 @@
 #include "MatchCommand.h"
 
 #include <iostream>
+#include <optional>
 
 #include "Cimom/Mof/MofLoader.h"
 #include "DisplayText.h"
 #include "ErrorReport.h"
 #include "ExitStatus.h"
+#include "FilterFile.h"
 #include "FilterSession.h"
 #include "OptionDeclarations.h"
 #include "TextInput.h"
@@ -18,19 +20,22 @@ constexpr const char* kDescription = "Tells which instances, such as indications
 constexpr const char* kFooter =
     "FILEs hold instances as MOF text; \"-\", or no FILE at all, is standard input. The schema\n"
     "comes with --mof. The instances need no keys and are not stored. Prints a line for each:\n"
-    "its path, a tab, and \"match\" or \"no match\".\n"
+    "its path, a tab, and \"match\" or \"no match\". With --filters many filters are asked\n"
+    "together, and the numbers of the lines of those that match, joined by commas, follow the tab.\n"
     "\n"
-    "Exit status: 0 every instance was decided; 1 the filter is not valid; 2 wrong usage;\n"
+    "Exit status: 0 every instance was decided; 1 a filter is not valid; 2 wrong usage;\n"
     "3 MOF or configuration failure.\n"
     "\n"
-    "Example:\n"
+    "Examples:\n"
+    "  qorql match --filters subscriptions.txt alerts.mof\n"
     "  qorql match --why \"SELECT * FROM CIM_AlertIndication WHERE MessageID = 'FC1'\" alerts.mof";
 
 constexpr const char* kStandardInput = "-";
 
 struct MatchOptions {
   FilterOptions filter;
-  std::string text;
+  std::optional<std::string> text;
+  std::string filters;  // a file of them; empty: the one in the text
   std::vector<std::string> files;
   bool isWhy = false;
 };
@@ -62,17 +67,36 @@ void decide(const CQLQueryStatement& filter, const Instances& instances, bool is
   }
 }
 
+// All are read before the first is decided: a file with a fault decides nothing.
+std::vector<Instances> readAll(FilterSession& session, const std::vector<std::string>& paths) {
+  std::vector<Instances> files;
+  for (const std::string& path : paths) files.push_back(readInstances(session, path));
+  return files;
+}
+
+int matchMany(FilterSession& session, const MatchOptions& options) {
+  FilterFile filters(session);
+  if (!filters.read(options.filters)) return kExitRefused;
+  for (const Instances& instances : readAll(session, options.files)) {
+    for (const QORSmrPtr<IQoriObject>& instance : instances) {
+      if (!std::cout) return kExitDone;
+      std::cout << printableText(pathOf(*instance)) << '\t' << filters.linesThatMatch(instance) << '\n';
+    }
+  }
+  return kExitDone;
+}
+
 int runMatch(const MatchOptions& options) {
   FilterSession session(options.filter);
   try {
     session.open();
-    const CheckedFilter filter = session.check(options.text);
+    if (!options.filters.empty()) return matchMany(session, options);
+    const CheckedFilter filter = session.check(*options.text);
     if (!filter.reason.empty()) return reportRefusal("the filter is not valid: " + filter.reason);
     if (!session.passes(filter)) return kExitRefused;
-    // All are read before the first is decided: a file with a fault decides nothing.
-    std::vector<Instances> files;
-    for (const std::string& file : options.files) files.push_back(readInstances(session, file));
-    for (const Instances& instances : files) decide(*filter.statement, instances, options.isWhy);
+    for (const Instances& instances : readAll(session, options.files)) {
+      decide(*filter.statement, instances, options.isWhy);
+    }
   } catch (...) {
     return reportStartFailure();
   }
@@ -86,13 +110,24 @@ CommandAction declareMatchCommand(CLI::App& app) {
   describeCommand(app, kDescription, kFooter);
   declareFilterOptions(app, options->filter);
   declareFlag(app, "--why", options->isWhy, "Tell the first condition that failed and the values it compared");
-  declareValue(app,
-               {.names = "FILTER", .description = "The filter", .take = keepIn(options->text), .isRequired = true});
+  declareValue(app, {.names = "--filters",
+                     .type = "FILE",
+                     .description = "Ask the filters of a file, one a line, in place of FILTER",
+                     .take = keepIn(options->filters),
+                     .check = checkFile});
+  declareValue(app, {.names = "FILTER", .description = "The filter", .take = [options](const std::string& text) {
+                       options->text = text;
+                     }});
   declareValue(app, {.names = "FILE",
                      .description = "MOF files with instances",
                      .take = keepIn(options->files),
                      .isRepeatable = true});
   return [options] {
+    const bool areMany = !options->filters.empty();
+    if (areMany && options->isWhy) refuseBoth("--why", "--filters");
+    if (!areMany && !options->text) refuseWithout("FILTER");
+    // What stands in the filter's place is a file then.
+    if (areMany && options->text) options->files.insert(options->files.begin(), *options->text);
     if (options->files.empty()) options->files.emplace_back(kStandardInput);
     return runMatch(*options);
   };

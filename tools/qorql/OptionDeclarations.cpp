@@ -44,6 +44,8 @@ void declareExclusion(CLI::App& app, const char* name, const char* other) {
 
 void refuseBoth(const char* name, const char* other) { throw CLI::ExcludesError(name, other); }
 
+void refuseWithout(const char* name) { throw CLI::RequiredError(name); }
+
 std::string checkFile(const std::string& given) { return CLI::ExistingFile(given); }
 
 QORuint64 parseCount(const std::string& given) noexcept {

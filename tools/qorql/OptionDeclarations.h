@@ -46,6 +46,8 @@ void declareExclusion(CLI::App& app, const char* name, const char* other);
 
 // For an action that finds both given. THROWS CLI::ParseError.
 [[noreturn]] void refuseBoth(const char* name, const char* other);
+// For an action that finds it missing. THROWS CLI::ParseError.
+[[noreturn]] void refuseWithout(const char* name);
 
 // Keeps the value in a variable, which it BORROWS until the command line has been parsed.
 inline auto keepIn(std::string& variable) {
