@@ -113,8 +113,8 @@ class IQoriValue {
   // path, also with path text, which may lack the quotes at its end; embedded objects
   // by class and properties; char16 with char16 and with text of one character. Arrays
   // are equal when length and elements are; other relations on arrays, arrays of
-  // different types other than numbers, and array against scalar, are Null. THROWS QoriBaseException (type "CIM_Value") naming both
-  // types for any other pair. Allocates nothing for numbers, booleans and strings.
+  // different types other than numbers, and array against scalar, are Null. THROWS QoriBaseException (type "CIM_Value")
+  // naming both types for any other pair. Allocates nothing for numbers, booleans and strings.
   virtual QoriTruth relate(QoriRelation relation, const IQoriValue& other) const;
 
   // The order that sorting uses: relate() with Less or Greater, Null taken as false.
