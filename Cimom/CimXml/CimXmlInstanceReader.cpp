@@ -103,8 +103,10 @@ void CimXmlInstanceReader::readProperty(CimXmlInstance& out) {
   CimXmlProperty& property = out.add(name);
   const std::string_view type = attributes.get("TYPE");
   property.isArray = isArray;
-  property.type = isEmbedded(attributes) ? Code::Object : type.empty() ? Code::Unknown : cimxml::typeOf(type);
-  if (!type.empty() && property.type == Code::Unknown) {
+  const bool holdsObject = isEmbedded(attributes);
+  property.type = holdsObject ? Code::Object : type.empty() ? Code::Unknown : cimxml::typeOf(type);
+  // References and objects have forms of their own.
+  if (!holdsObject && !type.empty() && property.type >= Code::Reference) {
     _xml.raise("property " + std::string(name) + " has the unknown type " + shown(type));
   }
   while (_xml.peek() != Element::None) {

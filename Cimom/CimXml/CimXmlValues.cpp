@@ -90,6 +90,17 @@ bool readReal(std::string_view text, double& out) noexcept {
   return true;
 }
 
+// Takes what a real32 rounds to its greatest number for that; false for a greater one.
+bool toReal32(double& number) noexcept {
+  constexpr double kGreatest = std::numeric_limits<QORreal32>::max();
+  // Half a step of the greatest above it.
+  constexpr double kFirstTooGreat = kGreatest + 0x1p103;
+  if (!std::isfinite(number)) return true;
+  if (std::abs(number) >= kFirstTooGreat) return false;
+  number = std::clamp(number, -kGreatest, kGreatest);
+  return true;
+}
+
 template <class Scalar>
 IQoriValue::Pointer makeValue(Scalar scalar, Code type) {
   return IQoriValue::Pointer(new CQoriValue(scalar, scalarType(type)));
@@ -106,6 +117,7 @@ bool takeInteger(std::string_view text, Code type, IQoriValue::Pointer& out) {
 bool takeReal(std::string_view text, Code type, IQoriValue::Pointer& out) {
   double number = 0;
   if (!readReal(text, number)) return false;
+  if (type == Code::Real32 && !toReal32(number)) return false;
   out = makeValue(number, type);
   return true;
 }

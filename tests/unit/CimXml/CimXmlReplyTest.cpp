@@ -68,6 +68,9 @@ TEST_F(CimXmlReplyTest, ReadsReals) {
   EXPECT_EQ(readAs("real64", "INF"), "inf");
   EXPECT_EQ(readAs("real64", "-INF"), "-inf");
   EXPECT_EQ(readAs("real64", "1e"), "found \"1e\" for P, expected a real64");
+  EXPECT_EQ(readAs("real32", "3.4028235E+38"), "3.4028235e+38");
+  EXPECT_EQ(readAs("real32", "-1E39"), "found \"-1E39\" for P, expected a real32");
+  EXPECT_EQ(readAs("real32", "-INF"), "-inf");
 }
 
 TEST_F(CimXmlReplyTest, ReadsBooleansCharactersAndDatetimes) {
@@ -300,6 +303,12 @@ TEST_F(CimXmlReplyTest, RefusesAReplyToSomethingElse) {
 
 TEST_F(CimXmlReplyTest, TakesTheOperationInAnotherCase) {
   EXPECT_TRUE(read(replyTo("enumerateinstances", "<IRETURNVALUE/>")).empty());
+}
+
+TEST_F(CimXmlReplyTest, RefusesAPropertyOfATypeThatIsNone) {
+  EXPECT_EQ(readAs("uint7", "1"), "property P has the unknown type \"uint7\"");
+  EXPECT_EQ(readAs("reference", "x"), "property P has the unknown type \"reference\"");
+  EXPECT_EQ(readAs("object", "x"), "property P has the unknown type \"object\"");
 }
 
 TEST_F(CimXmlReplyTest, RefusesWhatIsNoXml) {
