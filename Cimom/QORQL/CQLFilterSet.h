@@ -14,8 +14,9 @@
 // demands, and only those whose value the instance has are asked.
 //
 // Threads: any number may call match() while others add and remove. A match
-// takes no lock and sees the set as it was at one moment. add() and remove()
-// wait for each other alone. The set is destroyed when nobody uses it.
+// takes no lock of the set's, and sees the set as it was at one moment; the class
+// repository, which is asked for superclasses, may have locks of its own. add()
+// and remove() wait for each other alone. The set is destroyed when nobody uses it.
 class CQLFilterSet {
  public:
   // A number by which the caller knows a filter.
