@@ -100,10 +100,15 @@ class FailingSet : public testing::TestWithParam<bool> {
  protected:
   using Statement = CQLFilterSet::Statement;
 
-  Statement statement(std::size_t number) {
-    const std::string condition = number % 3 == 0   ? "U8 = " + std::to_string(number)
-                                  : number % 3 == 1 ? "U8 > " + std::to_string(number)
-                                                    : "ANY Numbers[*] = 3";
+  // The properties are many, so that a change is often the first of its property.
+  static constexpr std::size_t kProperties = 30;
+
+  static std::string propertyOf(std::size_t number) { return "P" + std::to_string(number % kProperties); }
+  static std::string conditionOf(std::size_t number) {
+    if (number % 3 == 2) return "ANY Numbers[*] = 3";
+    return propertyOf(number) + (number % 3 == 0 ? " = " : " > ") + std::to_string(number);
+  }
+  Statement statement(const std::string& condition) {
     Statement made(
         new CQLQueryStatement("CQL", QORString("SELECT * FROM T_Fault WHERE " + condition), "root/cimv2", ""));
     EXPECT_EQ(made->validate(), QUERY_VALIDATE_SUCCESS);
@@ -122,7 +127,8 @@ class FailingSet : public testing::TestWithParam<bool> {
   }
   // Tries the change with each allocation failing until it succeeds, and looks at the set after each failure.
   template <class Change>
-  void insist(const CQLFilterSet& set, const QORSmrPtr<IQoriObject>& instance, Change change) {
+  void insist(CQLFilterSet& set, const QORSmrPtr<IQoriObject>& instance, const Statement& later, Change change) {
+    constexpr CQLFilterSet::Handle kLater = 1000;
     std::vector<CQLFilterSet::Handle> before;
     std::vector<CQLFilterSet::Handle> after;
     set.match(instance, "root/cimv2", before);
@@ -130,27 +136,45 @@ class FailingSet : public testing::TestWithParam<bool> {
     for (unsigned long k = 1; failAt(k, GetParam(), change) && set.size() == size; ++k) {
       set.match(instance, "root/cimv2", after);
       ASSERT_EQ(after, before) << "allocation " << k;
+      // A later filter by the same property is found.
+      ASSERT_TRUE(set.add(kLater, later));
+      set.match(instance, "root/cimv2", after);
+      ASSERT_EQ(after.size(), before.size() + 1) << "allocation " << k;
+      ASSERT_EQ(after.back(), kLater);
+      ASSERT_TRUE(set.remove(kLater));
     }
   }
 };
 
 TEST_P(FailingSet, AtEveryAllocationOfEachChange) {
+  std::string declared;
+  std::string given;
+  for (std::size_t i = 0; i < kProperties; ++i) {
+    declared += " uint8 " + propertyOf(i) + ";";
+    given += " " + propertyOf(i) + " = 9;";
+  }
   EmbeddedObjectManager manager;
   manager.makeCurrent();
-  MofLoader(manager.sink()).loadText("class T_Fault { [key] uint8 U8; uint8 Numbers[]; };", "model");
+  MofLoader(manager.sink()).loadText("class T_Fault { [key] uint8 U8; uint8 Numbers[];" + declared + " };", "model");
   const QORSmrPtr<IQoriObject> instance =
-      MofLoader(manager.sink()).readInstances("instance of T_Fault { U8 = 9; Numbers = {3}; };", "instance").at(0);
+      MofLoader(manager.sink())
+          .readInstances("instance of T_Fault { U8 = 1; Numbers = {3};" + given + " };", "instance")
+          .at(0);
   const long before = AllocationFaults::live();
   {
     CQLFilterSet set;
     std::vector<Statement> statements;
-    for (std::size_t i = 0; i < 60; ++i) statements.push_back(statement(i));
+    std::vector<Statement> later;
+    for (std::size_t i = 0; i < 60; ++i) {
+      statements.push_back(statement(conditionOf(i)));
+      later.push_back(statement(propertyOf(i) + " = 9"));
+    }
     for (std::size_t i = 0; i < statements.size(); ++i) {
-      insist(set, instance, [&] { set.add(i, statements[i]); });
+      insist(set, instance, later[i], [&] { set.add(i, statements[i]); });
       ASSERT_EQ(set.size(), i + 1);
     }
     for (std::size_t i = 0; i < statements.size(); ++i) {
-      insist(set, instance, [&] { set.remove(i); });
+      insist(set, instance, later[i], [&] { set.remove(i); });
       ASSERT_EQ(set.size(), statements.size() - i - 1);
     }
   }
