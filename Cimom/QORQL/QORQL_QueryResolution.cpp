@@ -48,7 +48,8 @@ struct QORQL_Query::NameCache {
   bool hasClasses = false;
   std::pmr::vector<FromClass> classes{&memory};  // in ascending order of their names
   // Statements use few names, which are found sooner one by one; those beyond kFew stand in upper case. The few are
-  // the factors' own texts.
+  // the texts of factors, or of the record of bare names, which is held for that.
+  QORSmrPtr<QORQL_ClassInfo> bareNames;
   static constexpr std::size_t kFew = 16;
   std::pmr::vector<std::pair<std::string_view, FromClass*>> classOfFew{&memory};
   std::map<QORString, FromClass*> classOfMore;
@@ -295,6 +296,7 @@ void QORQL_Query::_bindBareNames(QORQL_ProjectionMap& projectionMap, UpdateConte
         isAlone ? _neededOf(holder, context) : *QORQL_recordOf(projectionMap, holder.name, context.slabs);
     record.addPropertyOnce(names.key(), context.slabs);
   }
+  context.cache.bareNames = *bare;
   projectionMap->remove(QORString::emptyString());
 }
 

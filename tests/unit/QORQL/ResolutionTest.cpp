@@ -133,6 +133,12 @@ TEST_F(Resolution, AComparisonOfObjectsNeedsAllTheirProperties) {
   EXPECT_EQ(tested.requested("CIM_FAN"), "");
 }
 
+TEST_F(Resolution, ABareNameInAPathIsBoundBesideOthers) {
+  const Statement statement("SELECT OBJECTPATH(Kind) AS p, Size, Speed FROM CIM_Disk, CIM_Fan");
+  EXPECT_EQ(statement.requested("CIM_FAN"), "Speed");
+  EXPECT_EQ(statement.requested("CIM_DISK"), "Kind,Size");
+}
+
 TEST_F(Resolution, ABareNameInAnAggregateIsBound) {
   const Statement statement("SELECT COUNT(Size) AS n, MAX(Speed * 2) AS m FROM CIM_Disk, CIM_Fan");
   EXPECT_EQ(plain(statement.entry(0).getClassName()), "CIM_DISK");
