@@ -1,31 +1,13 @@
-// The table: headers and rows with their checks, and the change from lazy to real rows.
+// The table: headers, rows and cells with their checks.
 #include "Cimom/QORQL/QORQL_DataTable.h"
 
 #include <algorithm>
-#include <limits>
 #include <utility>
 
 #include "Cimom/QORQL/QORQL_ExecutionMessages.h"
-#include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
-#include "Cimom/QORQL/QORQL_LazyTable.h"
 #include "Cimom/QORQL/QORQL_Log.h"
 
 namespace Messages = QORQL_ExecutionMessages;
-
-QORQL_DataTable::QORQL_DataTable() : _columnHeader(HeaderList::Make()), _rows(RowList::Make()) {}
-
-// Adds the table's own, empty list to itself: callers rely on adding columns themselves.
-QORQL_DataTable::QORQL_DataTable(const HeaderList& /*headers*/) : QORQL_DataTable() {
-  addColumns(_columnHeader, false);
-}
-
-QORQL_DataTable::~QORQL_DataTable() {
-  QORValSlistIterator<QORSmrPtr<QORQL_DataRow>> rows(*_rows);
-  while (++rows) {
-    QORQL_DataRow* const row = rows.key().Get();
-    if (row != nullptr && row->getParentTable() == this) row->setParentTable(nullptr);
-  }
-}
 
 void QORQL_DataTable::addColumn(const QORSmrPtr<QORQL_TableHeader>& header, QORuint32 index, QORboolean addToRows) {
   if (header.IsNull()) return;
@@ -57,12 +39,6 @@ void QORQL_DataTable::addRows(const RowList& rows) {
   if (rows.IsNull()) return;
   QORValSlistIterator<QORSmrPtr<QORQL_DataRow>> iterator(*rows);
   while (++iterator) addRow(iterator.key());
-}
-
-void QORQL_DataTable::setRows(const RowList& rows) {
-  _lazy.reset();
-  _rows->clear();
-  addRows(rows);
 }
 
 void QORQL_DataTable::checkCell(QORuint32 row, QORuint32 column) const {
@@ -114,13 +90,6 @@ QORsint32 QORQL_DataTable::getObjectColumn(const QORString& name) const {
   return column < 0 ? getColumnIndex(name) : column;
 }
 
-QORuint32 QORQL_DataTable::getRowCount() const noexcept {
-  if (_lazy == nullptr) return _rows->entries();
-  constexpr QORuint64 kGreatest = std::numeric_limits<QORuint32>::max();
-  const QORuint64 count = _lazy->rows()->rowCount();
-  return static_cast<QORuint32>(count < kGreatest ? count : kGreatest);
-}
-
 QORuint32 QORQL_DataTable::getColumnCount() const noexcept { return _columnHeader->entries(); }
 
 void QORQL_DataTable::setServerAddressInfo(const QORString& address, const QORString& port) {
@@ -162,32 +131,4 @@ std::vector<QORQL_AssociationTie> QORQL_DataTable::takeOpenTies(const QORString&
   }
   _openTies = std::move(left);
   return taken;
-}
-
-void QORQL_DataTable::setLazy(std::unique_ptr<QORQL_LazyTable> lazy) { _lazy = std::move(lazy); }
-
-void QORQL_DataTable::addExtent(const QORSmrPtr<QORQL_TableHeader>& header,
-                                std::shared_ptr<const QORQL_Extent> extent) {
-  if (_lazy == nullptr) _lazy = std::make_unique<QORQL_LazyTable>(std::make_shared<QORQL_LazyRows>());
-  _columnHeader->append(header);
-  _lazy->ownRows().addExtent(std::move(extent));
-}
-
-void QORQL_DataTable::materialise() {
-  if (_lazy == nullptr) return;
-  QORQL_LazyRows& rows = _lazy->ownRows();
-  rows.flatten();
-  QORValSlist<QORSmrPtr<QORQL_DataRow>> made;
-  QORQL_RowView view(rows);
-  QORQL_StopCheck stopCheck;
-  for (const QORQL_RowBlock& block : rows.blocks()) {
-    for (QORuint64 row = 0; row < block.rowCount; ++row) {
-      stopCheck.count();
-      view.select(block, row);
-      made.append(_lazy->makeRow(view));
-      made.last()->setParentTable(this);
-    }
-  }
-  *_rows = std::move(made);
-  _lazy.reset();
 }
