@@ -2,8 +2,8 @@
 #include <array>
 #include <utility>
 
+#include "Cimom/QORQL/Out/QORQL_ResultReader.h"
 #include "Cimom/QORQL/QORQL_DataTable.h"
-#include "Cimom/QORQL/QORQL_ResultReader.h"
 #include "Cimom/QORQL/QORQL_SelectList.h"
 #include "bench/PairedRounds.h"
 #include "bench/Peer.h"

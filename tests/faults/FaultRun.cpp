@@ -9,11 +9,11 @@
 
 #include "AllocationFaults.h"
 #include "Cimom/Mof/MofLoader.h"
+#include "Cimom/QORQL/Out/QORQL_ResultReader.h"
 #include "Cimom/QORQL/QORQL_Exception.h"
 #include "Cimom/QORQL/QORQL_Lexer.h"
 #include "Cimom/QORQL/QORQL_ParseException.h"
 #include "Cimom/QORQL/QORQL_Query.h"
-#include "Cimom/QORQL/QORQL_ResultReader.h"
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
 
 namespace {

@@ -20,10 +20,10 @@
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "Cimom/Mof/MofLoader.h"
 #include "Cimom/QORQL/CQLQueryStatement.h"
+#include "Cimom/QORQL/Out/QORQL_ResultReader.h"
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_Lexer.h"
 #include "Cimom/QORQL/QORQL_Query.h"
-#include "Cimom/QORQL/QORQL_ResultReader.h"
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
 #include "cimom/CIMApi.h"
 

@@ -8,11 +8,28 @@ import sys
 
 import tree
 
+# The engine's language, which lies beside its rooms.
+LANGUAGE = ["Cimom/QORQL/QORQL_", "Cimom/QORQL/CQL"]
+
 # For each folder: the folders (or files, by prefix) that it may include besides
 # itself, and why nothing else. The longest matching folder counts.
 RULES = {
     "include": ([], "the platform's headers stand on the standard library alone"),
-    "Cimom/QORQL": (["include/"], "the engine knows an object manager by its interface in include/ only"),
+    "Cimom/QORQL": (["include/"], "the engine knows an object manager by its interface in include/ only, its language none of its rooms"),
+    "Cimom/QORQL/Lazy": (["include/"] + LANGUAGE, "lazy rows know the language, and nobody who uses them"),
+    "Cimom/QORQL/Out": (
+        ["include/", "Cimom/QORQL/Lazy/"] + LANGUAGE,
+        "what writes and reads results knows the language and its tables, not how they came about",
+    ),
+    "Cimom/QORQL/Run": (
+        ["include/", "Cimom/QORQL/Lazy/", "Cimom/QORQL/Out/"] + LANGUAGE,
+        "a query runs without knowing who explains it, and apart from filters",
+    ),
+    "Cimom/QORQL/Explain": (
+        ["include/", "Cimom/QORQL/Lazy/"] + LANGUAGE,
+        "what explains a query runs none",
+    ),
+    "Cimom/QORQL/Filter": (["include/"] + LANGUAGE, "filters need no tables, no rows and no query that runs"),
     "Cimom/Foundation": (["include/"], "the foundation is the out-of-line code of include/cmpbase"),
     "Cimom/Model": (["include/"], "the object model stands on the foundation alone"),
     "Cimom/Embedded": (
@@ -41,6 +58,11 @@ RULES = {
 ANGLE_ALLOWED = {
     "include": [],
     "Cimom/QORQL": [],
+    "Cimom/QORQL/Lazy": [],
+    "Cimom/QORQL/Out": [],
+    "Cimom/QORQL/Run": [],
+    "Cimom/QORQL/Explain": [],
+    "Cimom/QORQL/Filter": [],
     "Cimom/Foundation": [],
     "Cimom/Model": [],
     "Cimom/Mof": ["MofCacheFormat_generated.h", "xxhash.h", "zstd.h"],
@@ -93,7 +115,7 @@ def wrong_quoted(root, path, folder, name):
             return None  # found through tests/support or made by the build
         return f'"{name}" is not in the tree: name it from the root or from include/'
     allowed, reason = RULES[folder]
-    if target.startswith(folder + "/") or any(target.startswith(prefix) for prefix in allowed):
+    if folder_of(target) == folder or any(target.startswith(prefix) for prefix in allowed):
         return None
     may = " and ".join([folder + "/"] + allowed)
     return f"{target} may not be included here, because {reason}. Include only {may}, or move the code"

@@ -15,8 +15,9 @@ def read(root, path):
 
 
 def listed(root, folders, ending):
-    return sorted(f"{folder}/{name}" for folder in folders for name in os.listdir(os.path.join(root, folder))
-                  if name.endswith(ending))
+    """The files below the folders, rooms included, that end so."""
+    return sorted(os.path.relpath(os.path.join(place, name), root) for folder in folders
+                  for place, _, names in os.walk(os.path.join(root, folder)) for name in names if name.endswith(ending))
 
 
 def all_folders(root):

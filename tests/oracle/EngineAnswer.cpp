@@ -1,9 +1,9 @@
 // The engine's answers over the worlds of World.h, and their comparison with the naive ones.
 #include "EngineAnswer.h"
 
+#include "Cimom/QORQL/Out/QORQL_ResultReader.h"
 #include "Cimom/QORQL/QORQL_Exception.h"
 #include "Cimom/QORQL/QORQL_Lexer.h"
-#include "Cimom/QORQL/QORQL_ResultReader.h"
 
 namespace {
 

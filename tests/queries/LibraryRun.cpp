@@ -10,11 +10,11 @@
 #include <utility>
 
 #include "Cimom/Mof/MofLoader.h"
+#include "Cimom/QORQL/Out/QORQL_ResultReader.h"
 #include "Cimom/QORQL/QORQL_Exception.h"
 #include "Cimom/QORQL/QORQL_Lexer.h"
 #include "Cimom/QORQL/QORQL_ParseException.h"
 #include "Cimom/QORQL/QORQL_Query.h"
-#include "Cimom/QORQL/QORQL_ResultReader.h"
 #include "Cimom/QORQL/QORQL_SelectedEntry.h"
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
 #include "ClientInterposer.h"

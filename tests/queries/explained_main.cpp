@@ -10,7 +10,7 @@
 #include <set>
 #include <string>
 
-#include "Cimom/QORQL/QORQL_Explanation.h"
+#include "Cimom/QORQL/Explain/QORQL_Explanation.h"
 #include "Cimom/QORQL/QORQL_Lexer.h"
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
 #include "ClientInterposer.h"

@@ -3,7 +3,7 @@
 
 #include <iostream>
 
-#include "Cimom/QORQL/QORQL_Explanation.h"
+#include "Cimom/QORQL/Explain/QORQL_Explanation.h"
 #include "DisplayText.h"
 #include "ErrorReport.h"
 #include "ExitStatus.h"

@@ -4,8 +4,8 @@
 #include <algorithm>
 
 #include "Cimom/QORQL/CQLQueryValidator.h"
-#include "Cimom/QORQL/QORQL_NodeSurprises.h"
-#include "Cimom/QORQL/QORQL_Surprises.h"
+#include "Cimom/QORQL/Explain/QORQL_NodeSurprises.h"
+#include "Cimom/QORQL/Explain/QORQL_Surprises.h"
 #include "DisplayText.h"
 #include "FilterPathCheck.h"
 #include "Suggestion.h"

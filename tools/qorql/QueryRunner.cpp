@@ -7,8 +7,8 @@
 #include <sstream>
 #include <utility>
 
+#include "Cimom/QORQL/Out/QORQL_ResultReader.h"
 #include "Cimom/QORQL/QORQL_DataTable.h"
-#include "Cimom/QORQL/QORQL_ResultReader.h"
 #include "ErrorReport.h"
 #include "Interrupt.h"
 #include "ParsedQuery.h"

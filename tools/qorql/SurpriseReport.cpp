@@ -4,7 +4,7 @@
 #include <iostream>
 #include <utility>
 
-#include "Cimom/QORQL/QORQL_Surprises.h"
+#include "Cimom/QORQL/Explain/QORQL_Surprises.h"
 #include "ClassFamily.h"
 #include "DisplayText.h"
 #include "FilterText.h"

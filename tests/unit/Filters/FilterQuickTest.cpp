@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "Cimom/Embedded/InstanceProvider.h"
-#include "Cimom/QORQL/CQLQuickTest.h"
+#include "Cimom/QORQL/Filter/CQLQuickTest.h"
 #include "FilterWorld.h"
 #include "cimom/CIMApi.h"
 #include "cimom/CQoriBaseObject.h"

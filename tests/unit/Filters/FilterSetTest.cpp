@@ -2,9 +2,9 @@
 #include <thread>
 
 #include "AllocationCount.h"
-#include "Cimom/QORQL/CQLFilterKeys.h"
 #include "Cimom/QORQL/CQLFilterSet.h"
-#include "Cimom/QORQL/CQLMatcher.h"
+#include "Cimom/QORQL/Filter/CQLFilterKeys.h"
+#include "Cimom/QORQL/Filter/CQLMatcher.h"
 #include "FilterWorld.h"
 
 namespace {

@@ -5,7 +5,7 @@
 
 #include <functional>
 
-#include "Cimom/QORQL/QORQL_Explanation.h"
+#include "Cimom/QORQL/Explain/QORQL_Explanation.h"
 #include "QueryWorld.h"
 
 namespace {

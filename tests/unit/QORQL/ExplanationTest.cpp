@@ -2,9 +2,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "Cimom/QORQL/QORQL_Explanation.h"
+#include "Cimom/QORQL/Explain/QORQL_Explanation.h"
+#include "Cimom/QORQL/Explain/QORQL_Surprises.h"
 #include "Cimom/QORQL/QORQL_ExpressionText.h"
-#include "Cimom/QORQL/QORQL_Surprises.h"
 #include "QueryWorld.h"
 
 namespace {

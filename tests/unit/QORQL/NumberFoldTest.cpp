@@ -4,7 +4,7 @@
 #include <limits>
 #include <vector>
 
-#include "Cimom/QORQL/QORQL_NumberFold.h"
+#include "Cimom/QORQL/Lazy/QORQL_NumberFold.h"
 #include "NumberViews.h"
 #include "QueryWorld.h"
 #include "cimom/CQoriValue.h"

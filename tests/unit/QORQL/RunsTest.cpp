@@ -7,10 +7,10 @@
 #include <array>
 #include <memory>
 
-#include "Cimom/QORQL/QORQL_LazyRows.h"
-#include "Cimom/QORQL/QORQL_NullExtension.h"
-#include "Cimom/QORQL/QORQL_NumberOrder.h"
-#include "Cimom/QORQL/QORQL_PropertyColumn.h"
+#include "Cimom/QORQL/Lazy/QORQL_LazyRows.h"
+#include "Cimom/QORQL/Lazy/QORQL_NullExtension.h"
+#include "Cimom/QORQL/Lazy/QORQL_NumberOrder.h"
+#include "Cimom/QORQL/Lazy/QORQL_PropertyColumn.h"
 #include "NumberViews.h"
 #include "QueryWorld.h"
 #include "cimom/CIMApi.h"

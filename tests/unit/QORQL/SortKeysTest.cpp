@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "Cimom/QORQL/QORQL_SortKeys.h"
+#include "Cimom/QORQL/Lazy/QORQL_SortKeys.h"
 #include "NumberViews.h"
 #include "QueryWorld.h"
 #include "cimom/CQoriValue.h"

@@ -1,0 +1,161 @@
+// Types follow the value library: a real makes a real, + * / of two unsigned make
+// a uint64, and a uint64 on the left stays one while the result is not negative.
+#include "Cimom/QORQL/Explain/QORQL_DeclaredTypes.h"
+
+#include <vector>
+
+#include "Cimom/QORQL/QORQL_Arithmetic.h"
+#include "Cimom/QORQL/QORQL_Comparison.h"
+#include "Cimom/QORQL/QORQL_Expression.h"
+#include "Cimom/QORQL/QORQL_ExpressionFactor.h"
+#include "Cimom/QORQL/QORQL_ExpressionTerm.h"
+#include "Cimom/QORQL/QORQL_Factor.h"
+#include "Cimom/QORQL/QORQL_FromClause.h"
+#include "Cimom/QORQL/QORQL_Function.h"
+#include "Cimom/QORQL/QORQL_Term.h"
+#include "cimom/QoriProviderPluginManager.h"
+
+namespace {
+
+using Type = QORQL_DeclaredType;
+
+std::string folded(const QORString& name) { return std::string(QORString::toUpperCase(name).view()); }
+
+const QORQL_Evaluatable* operandOf(const QORQL_Arithmetic& node) { return node.getTerm().Get(); }
+const QORQL_Evaluatable* operandOf(const QORQL_Term& node) { return node.getFactor().Get(); }
+const QORQL_Evaluatable* restOf(const QORQL_Arithmetic& node) { return node.getArithmetic().Get(); }
+const QORQL_Evaluatable* restOf(const QORQL_Term& node) { return node.getTerm().Get(); }
+
+template <class Node>
+const Node* withoutOperator(const QORQL_Evaluatable* node) {
+  const auto* const found = dynamic_cast<const Node*>(node);
+  return found != nullptr && found->getOperator() == QORQL_OperatorNONE ? found : nullptr;
+}
+
+// Null when the node is not left out.
+const QORQL_Evaluatable* innerOf(const QORQL_Evaluatable* node) {
+  if (const auto* factor = withoutOperator<QORQL_Factor>(node)) return factor->getEvaluatable().Get();
+  if (const auto* term = withoutOperator<QORQL_Term>(node)) return operandOf(*term);
+  if (const auto* arithmetic = withoutOperator<QORQL_Arithmetic>(node)) return operandOf(*arithmetic);
+  if (const auto* comparison = withoutOperator<QORQL_Comparison>(node)) {
+    return comparison->getLHSArithmeticExpression().Get();
+  }
+  if (const auto* factor = withoutOperator<QORQL_ExpressionFactor>(node)) return factor->getComparison().Get();
+  if (const auto* term = withoutOperator<QORQL_ExpressionTerm>(node)) return term->getExpressionFactor().Get();
+  if (const auto* expression = withoutOperator<QORQL_Expression>(node)) return expression->getExpressionTerm().Get();
+  return nullptr;
+}
+
+Type typeNamed(const IQoriType& declared) {
+  const std::string_view name = declared.getName().view();
+  const bool isArray = declared.isArray();
+  if (name == "uint64") return {Type::kUint64, isArray};
+  if (name.starts_with("uint")) return {Type::kUnsigned, isArray};
+  if (name.starts_with("sint")) return {Type::kSigned, isArray};
+  if (name.starts_with("real")) return {Type::kReal, isArray, name == "real32"};
+  return {Type::kOther, isArray};
+}
+
+bool isNumber(const Type& type) { return !type.isArray && type.kind > Type::kUnknown && type.kind < Type::kOther; }
+bool isUnsigned(const Type& type) { return type.kind == Type::kUnsigned || type.kind == Type::kUint64; }
+
+Type combined(QORQL_Operator op, const Type& left, const Type& right) {
+  if (left.kind == Type::kUnknown || right.kind == Type::kUnknown) return {};
+  if (!isNumber(left) || !isNumber(right)) return {Type::kOther};
+  if (left.kind == Type::kReal || right.kind == Type::kReal) return {Type::kReal};
+  const bool staysUnsigned = isUnsigned(left) && isUnsigned(right) && op != QORQL_OperatorMINUS;
+  return {staysUnsigned || left.kind == Type::kUint64 ? Type::kUint64 : Type::kSigned};
+}
+
+}  // namespace
+
+const QORQL_Evaluatable* QORQL_soleOperand(const QORQL_Evaluatable* node) {
+  while (const QORQL_Evaluatable* const inner = innerOf(node)) node = inner;
+  return node;
+}
+
+QORQL_DeclaredTypes::QORQL_DeclaredTypes(const QORQL_FromClause& from, const QORString& nameSpace)
+    : _nameSpace(nameSpace) {
+  QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*from.getFromSpecifierList());
+  while (++specifiers) {
+    const QORString& className = specifiers.key()->getTableName();
+    _classNames[folded(className)] = className;
+    if (!specifiers.key()->getAlias().isEmpty()) _classNames[folded(specifiers.key()->getAlias())] = className;
+  }
+}
+
+QORString QORQL_DeclaredTypes::classNameOf(const QORString& fromName) const {
+  const auto found = _classNames.find(folded(fromName));
+  return found == _classNames.end() ? fromName : found->second;
+}
+
+bool QORQL_DeclaredTypes::isFromName(const QORString& name) const { return _classNames.count(folded(name)) != 0; }
+
+QORSmrPtr<IQoriClass> QORQL_DeclaredTypes::classOf(const QORString& fromName) const {
+  return findClass(classNameOf(fromName));
+}
+
+QORSmrPtr<IQoriClass> QORQL_DeclaredTypes::findClass(const QORString& className) const {
+  const QORSmrPtr<IQoriRepository> repository(
+      QoriProviderPluginManager::getQoriProviderPluginManager()->getRepository());
+  return repository.IsNull() ? QORSmrPtr<IQoriClass>() : repository->getClass(_nameSpace, className);
+}
+
+bool QORQL_DeclaredTypes::isA(const QORString& className, const QORString& ancestor) const {
+  QORString name = className;
+  while (!name.isEmpty() && !name.isEqualCaseInsensitive(ancestor)) {
+    const QORSmrPtr<IQoriClass> model(findClass(name));
+    name = model.IsNull() ? QORString() : model->getSuperClassName();
+  }
+  return !name.isEmpty();
+}
+
+QORQL_DeclaredType QORQL_DeclaredTypes::of(const QORQL_Evaluatable* given) const {
+  const QORQL_Evaluatable* const node = QORQL_soleOperand(given);
+  if (const auto* factor = dynamic_cast<const QORQL_Factor*>(node)) {
+    if (factor->getEvaluatable().IsNull()) return ofReference(*factor);
+    const Type negated = of(factor->getEvaluatable().Get());
+    return negated.kind == Type::kUnsigned ? Type{Type::kSigned} : negated;
+  }
+  if (const auto* function = dynamic_cast<const QORQL_Function*>(node)) return ofFunction(*function);
+  if (const auto* arithmetic = dynamic_cast<const QORQL_Arithmetic*>(node)) return ofChain(*arithmetic);
+  if (const auto* term = dynamic_cast<const QORQL_Term*>(node)) return ofChain(*term);
+  return {Type::kOther};
+}
+
+QORQL_DeclaredType QORQL_DeclaredTypes::ofReference(const QORQL_Factor& factor) const {
+  if (!factor.getLiteral().IsNull()) return typeNamed(*factor.getLiteral()->getType());
+  if (factor.getClassName().IsNull() || factor.getPropertyName().IsNull()) return {};
+  const bool hasPath = !factor.getChain().IsNull() && factor.getChain()->find(".") != QORString::npos;
+  const bool isElement = factor.getArrayIndexList() >= 0;
+  if (hasPath || !isFromName(*factor.getClassName())) return {};
+  const QORSmrPtr<IQoriClass> model(classOf(*factor.getClassName()));
+  const IQoriProperty* const property = model.IsNull() ? nullptr : model->getProperty(*factor.getPropertyName(), true);
+  if (property == nullptr) return {};
+  Type type = typeNamed(*property->getType());
+  type.isArray = type.isArray && !isElement;
+  return type;
+}
+
+QORQL_DeclaredType QORQL_DeclaredTypes::ofFunction(const QORQL_Function& function) const {
+  if (function.getFunctionID() == QORQL_FUNCTIONID_COUNT) return {Type::kUint64};
+  if (function.getFunctionID() != QORQL_FUNCTIONID_SUM || function.getParameters()->isEmpty()) return {};
+  const Type summed = of(function.getParameters()->first().Get());
+  return isUnsigned(summed) && !summed.isArray ? Type{Type::kUint64} : Type{};
+}
+
+// Grouped to the right, so combined from the end.
+template <class Node>
+QORQL_DeclaredType QORQL_DeclaredTypes::ofChain(const Node& first) const {
+  std::vector<const Node*> nodes{&first};
+  while (nodes.back()->getOperator() != QORQL_OperatorNONE) {
+    const auto* const next = dynamic_cast<const Node*>(restOf(*nodes.back()));
+    if (next == nullptr) return {};
+    nodes.push_back(next);
+  }
+  Type type = of(operandOf(*nodes.back()));
+  for (nodes.pop_back(); !nodes.empty(); nodes.pop_back()) {
+    type = combined(nodes.back()->getOperator(), of(operandOf(*nodes.back())), type);
+  }
+  return type;
+}

@@ -1,0 +1,38 @@
+// The conditions of a filter, prepared: paths, constants and class names found
+// once, then applied to any number of instances.
+#ifndef QORQL_CQLCONDITIONS_H
+#define QORQL_CQLCONDITIONS_H
+
+#include <memory>
+#include <string>
+
+#include "Cimom/QORQL/Filter/CQLAccess.h"
+#include "Cimom/QORQL/Filter/CQLQuickTest.h"
+#include "Cimom/QORQL/QORQL_Evaluatable.h"
+#include "cimom/IQoriObject.h"
+
+class CQLQueryStatement;
+
+// One condition of a chain of ANDs. Threads may share one.
+class CQLCondition {
+ public:
+  virtual ~CQLCondition() = default;
+  virtual bool holds(const QORSmrPtr<IQoriObject>& instance) const = 0;
+  // A test that gives what holds() gives, or decides nothing; valid while the condition lives.
+  virtual CQLQuickTest quickTest() const { return {}; }
+  // The condition and, in parentheses, the values that it compared on the
+  // instance or why it never holds.
+  virtual std::string explain(const QORSmrPtr<IQoriObject>& instance) const = 0;
+  // What an index may use of it; valid while the condition lives.
+  virtual CQLAccess access() const { return {}; }
+  // Why it holds for no instance, whatever that is; empty when it may.
+  virtual std::string neverBecause() const { return {}; }
+};
+
+// The condition of an operand of AND. BORROWS the statement.
+std::unique_ptr<CQLCondition> CQLMakeCondition(const CQLQueryStatement& statement,
+                                               const QORSmrPtr<QORQL_Evaluatable>& operand);
+// One that never holds.
+std::unique_ptr<CQLCondition> CQLMakeNever(std::string text, std::string reason);
+
+#endif

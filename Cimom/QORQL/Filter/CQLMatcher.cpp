@@ -1,0 +1,141 @@
+// The chain of conditions of a WHERE clause.
+#include "Cimom/QORQL/Filter/CQLMatcher.h"
+
+#include <algorithm>
+
+#include "Cimom/QORQL/CQLQueryStatement.h"
+#include "Cimom/QORQL/CQLQueryValidator.h"
+#include "Cimom/QORQL/QORQL_Expression.h"
+#include "Cimom/QORQL/QORQL_ExpressionTerm.h"
+#include "Cimom/QORQL/QORQL_FromClause.h"
+#include "Cimom/QORQL/QORQL_WhereClause.h"
+#include "cimom/QoriProviderPluginManager.h"
+
+namespace {
+
+std::string explanation(const CQLCondition& failure, const QORSmrPtr<IQoriObject>& instance) {
+  try {
+    return failure.explain(instance);
+  } catch (...) {
+    return "its values cannot be read";
+  }
+}
+
+// The class's name as the repository has it: instances share its text, which
+// makes the comparison short.
+QORString declaredName(const QORString& nameSpace, const QORString& className) {
+  const QORSmrPtr<IQoriRepository> repository =
+      QoriProviderPluginManager::getQoriProviderPluginManager()->getRepository();
+  const QORSmrPtr<IQoriClass> found =
+      repository.IsNull() ? QORSmrPtr<IQoriClass>() : repository->getClass(nameSpace, className);
+  return found.IsNull() ? className : found->getClassName();
+}
+
+}  // namespace
+
+CQLMatcher::CQLMatcher(const CQLQueryStatement& statement) : _statement(statement) {
+  const QORString& nameSpace = statement.nameSpaceInUse();
+  if (!nameSpace.isNull()) _nameSpaceText = nameSpace.data();
+  QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*statement.fromClause().getFromSpecifierList());
+  while (++specifiers) _classes.push_back(declaredName(statement.nameSpaceInUse(), specifiers.key()->getTableName()));
+  const auto& query = dynamic_cast<const QORQL_Query&>(*statement._query);
+  if (query.getWhereClause().IsNull()) return;
+  const auto* where = dynamic_cast<const QORQL_WhereClause*>(query.getWhereClause().Get());
+  addExpression(statement, where == nullptr ? QORSmrPtr<QORQL_Evaluatable>() : where->getExpression());
+}
+
+CQLMatcher::~CQLMatcher() = default;
+
+void CQLMatcher::add(std::unique_ptr<CQLCondition> condition) {
+  _quickTests.push_back(condition->quickTest());
+  _conditions.push_back(std::move(condition));
+}
+
+void CQLMatcher::addExpression(const CQLQueryStatement& statement, const QORSmrPtr<QORQL_Evaluatable>& node) {
+  const auto* expression = dynamic_cast<const QORQL_Expression*>(node.Get());
+  if (expression == nullptr || expression->getOperator() != QORQL_OperatorNONE) {
+    add(CQLMakeNever("WHERE", "a filter that uses OR never matches"));
+    return;
+  }
+  const auto* term = dynamic_cast<const QORQL_ExpressionTerm*>(expression->getExpressionTerm().Get());
+  while (term != nullptr) {
+    add(CQLMakeCondition(statement, term->getExpressionFactor()));
+    term = dynamic_cast<const QORQL_ExpressionTerm*>(term->getExpressionTerm().Get());
+  }
+}
+
+// Most instances are of the very class.
+bool CQLMatcher::isOfFromClass(const IQoriObject& instance) const {
+  const QORString& name = instance.getClassName();
+  if (name.isEmpty()) return false;
+  for (const QORString& wanted : _classes) {
+    if (name.data() != wanted.data() && !name.isEqualCaseInsensitive(wanted)) continue;
+    const IQoriLayout* const layout = instance.getLayout();
+    const QORuint64 serial = layout == nullptr ? 0 : layout->getSerial();
+    if (serial != 0 && _fromSerial.load(std::memory_order_relaxed) != serial) {
+      _fromSerial.store(serial, std::memory_order_relaxed);
+    }
+    return true;
+  }
+  return std::any_of(_classes.begin(), _classes.end(), [&](const QORString& wanted) {
+    return CQLQueryValidator::isSubClass(_statement.nameSpaceInUse(), name, wanted);
+  });
+}
+
+// A condition that an instance's failure leaves undecided does not hold.
+const CQLCondition* CQLMatcher::firstFailure(const QORSmrPtr<IQoriObject>& instance) const {
+  const IQoriObject& object = *instance;
+  const IQoriLayout* const layout = object.getLayout();
+  const QORuint64 serial = layout == nullptr ? 0 : layout->getSerial();
+  for (std::size_t i = 0; i < _conditions.size(); ++i) {
+    try {
+      const CQLQuickTest::Outcome outcome = _quickTests[i].test(object, layout, serial);
+      const bool holds = outcome == CQLQuickTest::Outcome::Undecided ? _conditions[i]->holds(instance)
+                                                                     : outcome == CQLQuickTest::Outcome::Holds;
+      if (!holds) return _conditions[i].get();
+    } catch (...) {
+      return _conditions[i].get();
+    }
+  }
+  return nullptr;
+}
+
+std::vector<CQLAccess> CQLMatcher::accesses() const {
+  if (!neverBecause().empty()) {
+    CQLAccess never;
+    never.kind = CQLAccess::Kind::Never;
+    return {never};
+  }
+  std::vector<CQLAccess> accesses;
+  for (const std::unique_ptr<CQLCondition>& condition : _conditions) accesses.push_back(condition->access());
+  return accesses;
+}
+
+std::string CQLMatcher::neverBecause() const {
+  for (const std::unique_ptr<CQLCondition>& condition : _conditions) {
+    std::string reason = condition->neverBecause();
+    if (!reason.empty()) return reason;
+  }
+  return {};
+}
+
+QORString CQLQueryStatement::neverMatchesBecause() const {
+  requireValidated("CQLQUERYSTATEMENT::isMatch");
+  return QORString(_matcher->neverBecause());
+}
+
+bool CQLQueryStatement::explainMatch(const QORSmrPtr<IQoriObject>& instance, const QORString& nameSpace,
+                                     std::string& why) const {
+  const bool matches = isMatch(instance, nameSpace);
+  why.clear();
+  if (matches) return true;
+  if (!nameSpace.isEqualCaseInsensitive(nameSpaceInUse())) {
+    why =
+        "its namespace is " + std::string(nameSpace.view()) + ", the filter's " + std::string(nameSpaceInUse().view());
+  } else if (!isMatchFromClause(instance)) {
+    why = "its class " + std::string(instance->getClassName().view()) + " is not in FROM";
+  } else if (const CQLCondition* const failure = _matcher->firstFailure(instance)) {
+    why = explanation(*failure, instance);
+  }
+  return false;
+}

@@ -1,0 +1,62 @@
+// A filter's WHERE clause prepared for matching.
+#ifndef QORQL_CQLMATCHER_H
+#define QORQL_CQLMATCHER_H
+
+#include <atomic>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Cimom/QORQL/Filter/CQLConditions.h"
+
+// Conditions that all must hold, asked in their order. Threads may share one.
+// BORROWS the statement.
+class CQLMatcher {
+ public:
+  explicit CQLMatcher(const CQLQueryStatement& statement);
+  ~CQLMatcher();
+  // Whether the instance matches, where few instructions tell: the filter's own
+  // namespace text, an instance of the layout that was last found to be of a FROM
+  // class itself, and conditions with quick tests. Undecided everywhere else.
+  CQLQuickTest::Outcome matchesQuickly(const IQoriObject* instance, const QORString& nameSpace) const noexcept {
+    using Outcome = CQLQuickTest::Outcome;
+    if (instance == nullptr || nameSpace.data() != _nameSpaceText) return Outcome::Undecided;
+    const IQoriLayout* const layout = instance->getLayout();
+    if (layout == nullptr) return Outcome::Undecided;
+    const QORuint64 serial = layout->getSerial();
+    if (serial != _fromSerial.load(std::memory_order_relaxed)) return Outcome::Undecided;
+    for (const CQLQuickTest& test : _quickTests) {
+      const Outcome outcome = test.test(*instance, layout, serial);
+      if (outcome != Outcome::Holds) return outcome;
+    }
+    return Outcome::Holds;
+  }
+  // Whether the instance is of a FROM class or of a subclass of one.
+  bool isOfFromClass(const IQoriObject& instance) const;
+  bool matches(const QORSmrPtr<IQoriObject>& instance) const { return firstFailure(instance) == nullptr; }
+  // The first condition that does not hold; null when all do.
+  const CQLCondition* firstFailure(const QORSmrPtr<IQoriObject>& instance) const;
+  // What an index may use: one for each condition; one Never alone when no
+  // instance can match. BORROWS from this object.
+  std::vector<CQLAccess> accesses() const;
+  // The FROM classes.
+  const std::vector<QORString>& classNames() const noexcept { return _classes; }
+  // Why no instance can match, whatever it holds; empty when one may.
+  std::string neverBecause() const;
+
+ private:
+  static constexpr QORuint64 kNoSerial = ~QORuint64{0};
+
+  void addExpression(const CQLQueryStatement& statement, const QORSmrPtr<QORQL_Evaluatable>& node);
+
+  void add(std::unique_ptr<CQLCondition> condition);
+
+  std::vector<QORString> _classes;  // of FROM
+  std::vector<std::unique_ptr<CQLCondition>> _conditions;
+  std::vector<CQLQuickTest> _quickTests;  // of each condition
+  const CQLQueryStatement& _statement;
+  const char* _nameSpaceText = nullptr;  // of the statement's string; null when that is a null string
+  mutable std::atomic<QORuint64> _fromSerial{kNoSerial};
+};
+
+#endif

@@ -1,0 +1,250 @@
+// Validation of a filter statement, and the classes that it is about.
+#include "Cimom/QORQL/CQLQueryStatement.h"
+
+#include "Cimom/QORQL/CQLQueryValidator.h"
+#include "Cimom/QORQL/Filter/CQLMatcher.h"
+#include "Cimom/QORQL/Filter/CQLReferences.h"
+#include "Cimom/QORQL/QORQL_FromClause.h"
+#include "Cimom/QORQL/QORQL_Lexer.h"
+#include "Cimom/QORQL/QORQL_Log.h"
+#include "Cimom/QORQL/QORQL_Messages.h"
+#include "Cimom/QORQL/QORQL_SelectList.h"
+#include "Cimom/QORQL/QORQL_SymbolTable.h"
+#include "cimom/CQoriInstanceName.h"
+
+namespace {
+
+// The component of the log lines: two spellings, for refusals and for exceptions.
+constexpr char kValidateCall[] = "CQLQUERYSTATEMENT::validate()";
+constexpr char kValidate[] = "CQLQUERYSTATEMENT::validate";
+constexpr char kGetClassList[] = "CQLQUERYSTATEMENT::getClassList";
+
+bool isSupported(const QORString& language) {
+  return language.compareTo("CQL", 0) == 0 || language.compareTo("DMTF:CQL", 0) == 0 ||
+         language.compareTo("WQL", 0) == 0;
+}
+
+// Of a path through an embedded object (`i.SourceInstance.Size`) the class has
+// the first step; what the object has is not known.
+QORString propertyOfClass(const QORQL_SelectedEntry& entry) {
+  const std::vector<CQLReference> references = CQLReferencesOf(entry.getExpression());
+  const bool isPath = references.size() == 1 && references.front().isPath();
+  return isPath ? CQLFirstStep(CQLBehindFirstStep(references.front().chain)) : entry.getPropertyName();
+}
+
+}  // namespace
+
+CQLQueryStatement::CQLQueryStatement(const QORString& queryLanguage, const QORString& query,
+                                     const QORString& indicationNamespace, const QORString& sourceNamespace)
+    : _queryLang(queryLanguage),
+      _queryString(query),
+      _indicationNamespace(indicationNamespace),
+      _sourceNamespace(sourceNamespace) {}
+
+CQLQueryStatement::~CQLQueryStatement() = default;
+
+void CQLQueryStatement::refuse(const char* who, const QORString& message) {
+  if (_fault.kind == CQLQueryFault::kNone) _fault.kind = CQLQueryFault::kOther;
+  if (_fault.message.isEmpty()) _fault.message = message;
+  QORQL_logAs(who, message, QoriTraceLog::kError);
+}
+
+void CQLQueryStatement::parseQuery(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer) {
+  const QORString& none = QORString::emptyString();
+  try {
+    _query = QORQL_Query::parse(symbolTable, lexer, false, none, none, nameSpaceInUse());
+  } catch (const QORQL_ParseException& error) {
+    const bool isRead = error.getLineNr() == 0;
+    noteParseFault(error, isRead ? CQLQueryFault::kNoOffset : lexer.getCurrent().getOffset());
+    throw;
+  } catch (const QORQL_Exception& error) {
+    noteParseFault(error, lexer.getCurrent().getOffset());
+    throw;
+  }
+  if (!_query.IsNull()) noteFromNames();
+  queryParsed = true;
+}
+
+// Faults of names are found after the text was read; they name what is wrong.
+void CQLQueryStatement::noteParseFault(const QoriBaseException& error, QORuint32 offset) {
+  const QORString& message = error.getMessage();
+  if (QORQL_isMessage(QORQL_Messages::kPropertyUnknown.text, message, _fault.name)) {
+    _fault.kind = CQLQueryFault::kProperty;
+  } else if (QORQL_isMessage(QORQL_Messages::kPropertyAmbiguous.text, message, _fault.name)) {
+    _fault.kind = CQLQueryFault::kAmbiguous;
+  } else if (QORQL_isMessage(QORQL_Messages::kSymbolInvalid.text, message, _fault.name)) {
+    _fault.kind = CQLQueryFault::kQualifier;
+  } else {
+    _fault.kind = CQLQueryFault::kSyntax;
+    _fault.offset = offset;
+  }
+}
+
+void CQLQueryStatement::checkQuery() {
+  if (_query.IsNull()) {
+    queryValidateStatus = QUERY_INVALID_QUERY;
+    refuse(kValidateCall, "Invalid Query");
+  } else if (validateSchema() != CQL_QUERY_SUCCESS) {
+    queryValidateStatus = QUERY_INVALID_QUERY;
+    refuse(kValidateCall, "Invalid Schema");
+  } else {
+    _matcher = std::make_unique<const CQLMatcher>(*this);
+    queryValidateStatus = QUERY_VALIDATE_SUCCESS;
+  }
+}
+
+// There may be no memory to say what failed; that it failed is kept.
+void CQLQueryStatement::refuseForCurrentException() noexcept {
+  queryParsed = true;
+  queryValidateStatus = QUERY_INVALID_QUERY;
+  try {
+    try {
+      throw;
+    } catch (const QoriBaseException& error) {
+      refuse(kValidate, error.getMessage());
+    } catch (const std::exception& error) {
+      refuse(kValidate, error.what());
+    } catch (...) {
+      refuse(kValidate, "unknown exception");
+    }
+  } catch (const std::bad_alloc&) {
+    return;
+  }
+}
+
+QUERY_VALIDATE CQLQueryStatement::validate() {
+  if (queryParsed) return queryValidateStatus;
+  try {
+    QORQL_SymbolTable symbolTable(nullptr);
+    QORQL_Lexer lexer(_queryString, false);
+    if (isSupported(_queryLang)) {
+      parseQuery(symbolTable, lexer);
+      checkQuery();
+    } else {
+      queryValidateStatus = QUERY_UNSUPPORTED_LANGUAGE;
+      _fault.kind = CQLQueryFault::kLanguage;
+      _fault.name = _queryLang;
+      refuse(kValidateCall, "Unsupported Query Language");
+    }
+  } catch (...) {
+    refuseForCurrentException();
+  }
+  return queryValidateStatus;
+}
+
+void CQLQueryStatement::requireValidated(const char* where) const {
+  constexpr char kMessage[] = "query is not validated ";
+  if (!queryParsed) throw CQLQueryException(where, kMessage, CQL_QUERY_VALIDATE_METHOD_NOT_CALLED);
+  if (queryValidateStatus != QUERY_VALIDATE_SUCCESS) {
+    throw CQLQueryException(where, kMessage, CQL_QUERY_VALIDATE_ERROR);
+  }
+}
+
+const QORQL_Query& CQLQueryStatement::getParsedQuery() const {
+  requireValidated("CQLQUERYSTATEMENT::isMatch");
+  return dynamic_cast<const QORQL_Query&>(*_query);
+}
+
+const CQLMatcher& CQLQueryStatement::getMatcher() const {
+  requireValidated("CQLQUERYSTATEMENT::isMatch");
+  return *_matcher;
+}
+
+const QORQL_SelectList& CQLQueryStatement::selectList() const {
+  return dynamic_cast<const QORQL_SelectList&>(*dynamic_cast<const QORQL_Query&>(*_query).getSelectList());
+}
+
+const QORQL_FromClause& CQLQueryStatement::fromClause() const {
+  return dynamic_cast<const QORQL_FromClause&>(*dynamic_cast<const QORQL_Query&>(*_query).getFromClause());
+}
+
+// Of equal names the first one counts.
+void CQLQueryStatement::noteFromNames() {
+  QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*fromClause().getFromSpecifierList());
+  while (++specifiers) {
+    const QORString& className = specifiers.key()->getTableName();
+    for (const QORString& name : {className, specifiers.key()->getAlias()}) {
+      _fromNames.emplace(std::string(QORString::toUpperCase(name).view()), className);
+    }
+  }
+}
+
+QORString CQLQueryStatement::fromClassOf(const QORString& name) const {
+  if (name.isEmpty()) return {};
+  const auto found = _fromNames.find(std::string(QORString::toUpperCase(name).view()));
+  return found == _fromNames.end() ? QORString() : found->second;
+}
+
+CQLQueryExceptionCode CQLQueryStatement::buildClassList(ClassList& list) const {
+  try {
+    const QORString& nameSpace = nameSpaceInUse();
+    QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*fromClause().getFromSpecifierList());
+    while (++specifiers) {
+      const QORString& className = specifiers.key()->getTableName();
+      if (className.isEmpty()) continue;
+      if (!CQLQueryValidator::findClass(nameSpace, className)) return CQL_QUERY_VALIDATE_ERROR;
+      const QORSmrPtr<IQoriNameSpacePath> path(new CQoriNameSpacePath(QORString::emptyString(), nameSpace));
+      list->append(new CQoriInstanceName(className, new IQoriInstanceName::KeyList(), path));
+    }
+  } catch (...) {
+    return CQL_QUERY_INTERNAL_ERROR;
+  }
+  return CQL_QUERY_SUCCESS;
+}
+
+// Entries that read a property of a FROM class, and aggregates, must name one
+// that the class has.
+CQLQueryExceptionCode CQLQueryStatement::validateEntry(const QORQL_SelectedEntry& entry, const ClassList& classes) {
+  const bool isChecked = entry.GetFunctionID() == QORQL_FUNCTIONID_UNKNOWN || entry.isEntryAggregate();
+  const QORString property(propertyOfClass(entry));
+  if (entry.isSelectAll() || !isChecked || property.isEmpty() || property == '*') return CQL_QUERY_SUCCESS;
+  const QORString className(fromClassOf(entry.getClassName()));
+  QORValSlistIterator<QORSmrPtr<IQoriInstanceName>> names(*classes);
+  while (++names) {
+    if (names.key()->getClassName().compareTo(className, 0) != 0) continue;
+    if (CQLQueryValidator::findProperty(nameSpaceInUse(), className, property, true)) return CQL_QUERY_SUCCESS;
+    _fault.kind = CQLQueryFault::kProperty;
+    _fault.name = property;
+    _fault.className = className;
+    _fault.message = QORString("'") + property + "' is no property of " + className;
+    return CQL_QUERY_VALIDATE_ERROR;
+  }
+  return CQL_QUERY_SUCCESS;
+}
+
+void CQLQueryStatement::noteUnknownClass() {
+  QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*fromClause().getFromSpecifierList());
+  while (++specifiers) {
+    const QORString& className = specifiers.key()->getTableName();
+    if (className.isEmpty() || CQLQueryValidator::findClass(nameSpaceInUse(), className)) continue;
+    _fault.kind = CQLQueryFault::kClass;
+    _fault.name = className;
+    _fault.message = QORString("'") + className + "' is no class of " + nameSpaceInUse();
+    return;
+  }
+}
+
+CQLQueryExceptionCode CQLQueryStatement::validateSchema() {
+  try {
+    ClassList classes(new QORValSlist<QORSmrPtr<IQoriInstanceName>>());
+    const CQLQueryExceptionCode code = buildClassList(classes);
+    if (code == CQL_QUERY_VALIDATE_ERROR) noteUnknownClass();
+    if (code != CQL_QUERY_SUCCESS) return code;
+    QORValSlistIterator<QORSmrPtr<QORQL_SelectedEntry>> entries(*selectList().getSelectedEntries());
+    while (++entries) {
+      const CQLQueryExceptionCode entryCode = validateEntry(*entries.key(), classes);
+      if (entryCode != CQL_QUERY_SUCCESS) return entryCode;
+    }
+    return CQL_QUERY_SUCCESS;
+  } catch (...) {
+    return CQL_QUERY_INTERNAL_ERROR;
+  }
+}
+
+CQLQueryStatement::ClassList CQLQueryStatement::getClassList() const {
+  requireValidated(kGetClassList);
+  ClassList list(new QORValSlist<QORSmrPtr<IQoriInstanceName>>());
+  const CQLQueryExceptionCode code = buildClassList(list);
+  if (code != CQL_QUERY_SUCCESS) CQLQueryException::raise(kGetClassList, code);
+  return list;
+}

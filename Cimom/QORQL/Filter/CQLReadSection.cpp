@@ -1,0 +1,101 @@
+// Epochs: a number grows with every collection; a reader notes the number that
+// it found when it began. What was replaced in an epoch may go once every reader
+// began in a later one.
+#include "Cimom/QORQL/Filter/CQLReadSection.h"
+
+#include <algorithm>
+#include <atomic>
+#include <utility>
+
+namespace {
+
+constexpr QORuint64 kIdle = ~QORuint64{0};
+
+// A thread's mark; marks are never freed, a thread that ends gives its mark back.
+struct alignas(64) Mark {
+  std::atomic<QORuint64> epoch{kIdle};
+  std::atomic<bool> isTaken{true};
+  Mark* next = nullptr;
+  unsigned nesting = 0;  // of the owning thread's sections
+};
+
+std::atomic<QORuint64> theEpoch{1};
+std::atomic<Mark*> theMarks{nullptr};
+
+Mark* takeMark() {
+  for (Mark* mark = theMarks.load(std::memory_order_acquire); mark != nullptr; mark = mark->next) {
+    bool isTaken = false;
+    if (mark->isTaken.compare_exchange_strong(isTaken, true, std::memory_order_acq_rel)) return mark;
+  }
+  Mark* const mark = new Mark;
+  mark->next = theMarks.load(std::memory_order_relaxed);
+  while (!theMarks.compare_exchange_weak(mark->next, mark, std::memory_order_seq_cst)) {
+  }
+  return mark;
+}
+
+thread_local Mark* theMark = nullptr;
+
+// Gives the thread's mark back at its end. A section that a later destructor of
+// the thread makes takes another one, which stays taken.
+struct Holder {
+  Holder() = default;
+  Holder(const Holder&) = delete;
+  Holder& operator=(const Holder&) = delete;
+  ~Holder() {
+    Mark* const mark = std::exchange(theMark, nullptr);
+    if (mark != nullptr) mark->isTaken.store(false, std::memory_order_release);
+  }
+};
+
+Mark& ownMark() {
+  if (theMark == nullptr) {
+    theMark = takeMark();
+    static thread_local const Holder theHolder;
+  }
+  return *theMark;
+}
+
+// The epoch in which the oldest section began; the current one when there is none.
+QORuint64 oldestReader() noexcept {
+  QORuint64 oldest = theEpoch.load(std::memory_order_seq_cst);
+  for (const Mark* mark = theMarks.load(std::memory_order_seq_cst); mark != nullptr; mark = mark->next) {
+    oldest = std::min(oldest, mark->epoch.load(std::memory_order_seq_cst));
+  }
+  return oldest;
+}
+
+}  // namespace
+
+// Whoever finds an epoch also finds all that was published before it began: what
+// makes a mark known, and both looks here, are in the one order of all threads.
+CQLReadSection::CQLReadSection() {
+  Mark& mark = ownMark();
+  if (mark.nesting++ == 0) mark.epoch.store(theEpoch.load(std::memory_order_seq_cst), std::memory_order_seq_cst);
+}
+
+CQLReadSection::~CQLReadSection() {
+  Mark& mark = ownMark();
+  if (--mark.nesting == 0) mark.epoch.store(kIdle, std::memory_order_release);
+}
+
+CQLRetired::~CQLRetired() {
+  for (const Waiting& waiting : _waiting) waiting.free(waiting.memory);
+}
+
+void CQLRetired::add(const void* memory, Free free) {
+  _waiting.push_back({memory, free, theEpoch.load(std::memory_order_seq_cst)});
+}
+
+void CQLRetired::collect() noexcept {
+  if (_waiting.size() < _collectAt) return;
+  // Sections that begin from here on note a greater number than what waits has.
+  theEpoch.fetch_add(1, std::memory_order_seq_cst);
+  const QORuint64 oldest = oldestReader();
+  std::size_t freed = 0;
+  for (; freed < _waiting.size() && _waiting[freed].epoch < oldest; ++freed)
+    _waiting[freed].free(_waiting[freed].memory);
+  _waiting.erase(_waiting.begin(), _waiting.begin() + static_cast<std::ptrdiff_t>(freed));
+  // What readers hold back is not looked at again for each thing that is added.
+  _collectAt = std::max<std::size_t>(64, _waiting.size() * 2);
+}

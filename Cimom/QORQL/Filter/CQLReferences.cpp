@@ -1,0 +1,60 @@
+// Collecting the references of an expression.
+#include "Cimom/QORQL/Filter/CQLReferences.h"
+
+#include "Cimom/QORQL/QORQL_Comparison.h"
+#include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
+#include "Cimom/QORQL/QORQL_Factor.h"
+#include "Cimom/QORQL/QORQL_Function.h"
+
+namespace {
+
+QORString textOf(const QORSmrPtr<QORString>& text) { return text.IsNull() ? QORString::emptyString() : *text; }
+
+class ReferenceCollector : public QORQL_ExpressionVisitor {
+ public:
+  void visitFactor(const QORQL_Factor& factor) override {
+    if (factor.getClassName().IsNull()) return;
+    references.push_back({*factor.getClassName(), textOf(factor.getPropertyName()), textOf(factor.getChain())});
+  }
+  // A function comes right after its argument; a class in OBJECTPATH has a word
+  // in the property's place.
+  void visitFunction(const QORQL_Function& function) override {
+    const bool isPathOfClass = function.getFunctionID() == QORQL_FUNCTIONID_OBJECTPATH && !references.empty() &&
+                               references.back().propertyName == "NONE";
+    if (isPathOfClass) references.pop_back();
+  }
+
+  std::vector<CQLReference> references;
+};
+
+class IsaCollector : public QORQL_ExpressionVisitor {
+ public:
+  void visitComparison(const QORQL_Comparison& comparison) override {
+    if (comparison.getOperator() == QORQL_OperatorISA) tests.push_back(&comparison);
+  }
+
+  std::vector<const QORQL_Comparison*> tests;
+};
+
+}  // namespace
+
+std::vector<CQLReference> CQLReferencesOf(const QORSmrPtr<QORQL_Evaluatable>& expression) {
+  ReferenceCollector* const collector = new ReferenceCollector();
+  QORSmrPtr<QORQL_ExpressionVisitor> visitor(collector);
+  if (!expression.IsNull()) expression->accept(visitor);
+  return collector->references;
+}
+
+std::vector<const QORQL_Comparison*> CQLIsaTestsOf(const QORSmrPtr<QORQL_Evaluatable>& expression) {
+  IsaCollector* const collector = new IsaCollector();
+  QORSmrPtr<QORQL_ExpressionVisitor> visitor(collector);
+  if (!expression.IsNull()) expression->accept(visitor);
+  return collector->tests;
+}
+
+QORString CQLFirstStep(const QORString& path) { return path.subStr(0, path.find(".")); }
+
+QORString CQLBehindFirstStep(const QORString& path) {
+  const std::size_t dot = path.find(".");
+  return dot == QORString::npos ? QORString::emptyString() : path.subStr(dot + 1);
+}

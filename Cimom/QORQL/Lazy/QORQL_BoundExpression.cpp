@@ -1,0 +1,228 @@
+// Bound forms of literals, properties, object paths, negations and arithmetic chains.
+#include "Cimom/QORQL/Lazy/QORQL_BoundExpression.h"
+
+#include <vector>
+
+#include "Cimom/QORQL/Lazy/QORQL_LazyTable.h"
+#include "Cimom/QORQL/QORQL_Arithmetic.h"
+#include "Cimom/QORQL/QORQL_Comparison.h"
+#include "Cimom/QORQL/QORQL_Expression.h"
+#include "Cimom/QORQL/QORQL_ExpressionFactor.h"
+#include "Cimom/QORQL/QORQL_ExpressionTerm.h"
+#include "Cimom/QORQL/QORQL_Factor.h"
+#include "Cimom/QORQL/QORQL_Function.h"
+#include "Cimom/QORQL/QORQL_IdentifierFinder.h"
+#include "Cimom/QORQL/QORQL_SelectedEntry.h"
+#include "Cimom/QORQL/QORQL_Term.h"
+#include "Cimom/QORQL/QORQL_Values.h"
+
+namespace {
+
+using Bound = std::unique_ptr<QORQL_BoundValue>;
+using Value = QORSmrPtr<IQoriValue>;
+
+class BoundNull final : public QORQL_BoundValue {
+ public:
+  Value value(const QORQL_RowView& /*row*/) const override { return {}; }
+  QoriScalar view(const QORQL_RowView& /*row*/, Value& /*holder*/) const override { return {}; }
+};
+
+class BoundLiteral final : public QORQL_BoundValue {
+ public:
+  explicit BoundLiteral(const Value& literal) : _literal(literal), _view(literal->scalar()) {}
+  Value value(const QORQL_RowView& /*row*/) const override { return _literal; }
+  QoriScalar view(const QORQL_RowView& /*row*/, Value& /*holder*/) const override { return _view; }
+  const QoriScalar* constant() const noexcept override { return &_view; }
+
+ private:
+  Value _literal;
+  QoriScalar _view;
+};
+
+// A property that every object of the column has, or that is NULL where an object lacks it.
+class BoundProperty final : public QORQL_BoundValue {
+ public:
+  explicit BoundProperty(QORQL_PropertyColumn column) : _column(std::move(column)) {}
+  Value value(const QORQL_RowView& row) const override { return _column.value(row.objects[_column.column()]); }
+  QoriScalar view(const QORQL_RowView& row, Value& /*holder*/) const override {
+    return _column.view(row.objects[_column.column()]);
+  }
+  const QORQL_PropertyColumn* propertyColumn() const noexcept override { return &_column; }
+
+ private:
+  QORQL_PropertyColumn _column;
+};
+
+// A property that some object lacks: an error on its row.
+class BoundPartialProperty final : public QORQL_BoundValue {
+ public:
+  BoundPartialProperty(const QORQL_PropertyColumn& column, const QORString& className, const QORString& propertyName)
+      : _column(column), _className(className), _propertyName(propertyName) {}
+  Value value(const QORQL_RowView& row) const override { return _column.value(checkedObject(row)); }
+  QoriScalar view(const QORQL_RowView& row, Value& /*holder*/) const override {
+    return _column.view(checkedObject(row));
+  }
+
+ private:
+  const IQoriObject* checkedObject(const QORQL_RowView& row) const {
+    const IQoriObject* const object = row.objects[_column.column()];
+    if (object != nullptr && object->getLayout()->getPosition(_propertyName) < 0) {
+      QORQL_DataRow::raiseNoProperty(_className, _propertyName);
+    }
+    return object;
+  }
+
+  QORQL_PropertyColumn _column;
+  QORString _className;
+  QORString _propertyName;
+};
+
+class BoundObjectPath final : public QORQL_BoundValue {
+ public:
+  explicit BoundObjectPath(QORuint32 column) : _column(column) {}
+  Value value(const QORQL_RowView& row) const override {
+    const IQoriObject* const object = row.objects[_column];
+    if (object == nullptr) return {};
+    const QORSmrPtr<IQoriInstanceName> name(object->getInstanceName());
+    return name.IsNull() ? Value() : Value(new CQoriValue(name));
+  }
+
+ private:
+  QORuint32 _column;
+};
+
+class BoundNegation final : public QORQL_BoundValue {
+ public:
+  explicit BoundNegation(Bound operand) : _operand(std::move(operand)) {}
+  Value value(const QORQL_RowView& row) const override { return QORQL_negate(_operand->value(row)); }
+
+ private:
+  Bound _operand;
+};
+
+// Operands from the left, combined from the right.
+class BoundChain final : public QORQL_BoundValue {
+ public:
+  void add(Bound operand, QORQL_Operator op) {
+    _operands.push_back(std::move(operand));
+    _operators.push_back(op);
+  }
+  Value value(const QORQL_RowView& row) const override {
+    std::vector<Value> values;
+    values.reserve(_operands.size());
+    for (const Bound& operand : _operands) values.push_back(operand->value(row));
+    return QORQL_combineChain(_operators, values);
+  }
+
+ private:
+  std::vector<Bound> _operands;
+  std::vector<QORQL_Operator> _operators;  // the last one is NONE
+};
+
+const QORSmrPtr<QORQL_Evaluatable>& operandOf(const QORQL_Arithmetic& node) { return node.getTerm(); }
+const QORSmrPtr<QORQL_Evaluatable>& operandOf(const QORQL_Term& node) { return node.getFactor(); }
+const QORSmrPtr<QORQL_Evaluatable>& restOf(const QORQL_Arithmetic& node) { return node.getArithmetic(); }
+const QORSmrPtr<QORQL_Evaluatable>& restOf(const QORQL_Term& node) { return node.getTerm(); }
+
+// The only child of a node that has no operator of its own; null otherwise.
+const QORSmrPtr<QORQL_Evaluatable>* onlyChild(const QORQL_Evaluatable& node) {
+  if (const auto* expression = dynamic_cast<const QORQL_Expression*>(&node)) {
+    return expression->getOperator() == QORQL_OperatorNONE ? &expression->getExpressionTerm() : nullptr;
+  }
+  if (const auto* term = dynamic_cast<const QORQL_ExpressionTerm*>(&node)) {
+    return term->getOperator() == QORQL_OperatorNONE ? &term->getExpressionFactor() : nullptr;
+  }
+  if (const auto* factor = dynamic_cast<const QORQL_ExpressionFactor*>(&node)) {
+    return factor->getOperator() == QORQL_OperatorNONE ? &factor->getComparison() : nullptr;
+  }
+  if (const auto* comparison = dynamic_cast<const QORQL_Comparison*>(&node)) {
+    return comparison->getOperator() == QORQL_OperatorNONE ? &comparison->getLHSArithmeticExpression() : nullptr;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+QORsint32 QORQL_Binder::sourceColumn(const QORString& className) const {
+  const QORsint32 column = className.isEmpty() ? -1 : _table.getColumnIndex(className);
+  if (column < 0) return -1;
+  const QORuint32 cell = _table.cellOfColumn(static_cast<QORuint32>(column));
+  return static_cast<QORsint32>(_table.lazy()->sourceColumn(cell));
+}
+
+Bound QORQL_Binder::bindProperty(const QORString& className, const QORString& propertyName) const {
+  const QORsint32 column = sourceColumn(className);
+  if (column < 0) return std::make_unique<BoundNull>();
+  auto property = QORQL_PropertyColumn::bind(*_table.lazy()->rows(), static_cast<QORuint32>(column), propertyName);
+  if (!property) return nullptr;
+  if (property->isComplete()) return std::make_unique<BoundProperty>(std::move(*property));
+  return std::make_unique<BoundPartialProperty>(*property, className, propertyName);
+}
+
+Bound QORQL_Binder::bindFetched(const QORString& className, const QORString& propertyName) const {
+  const QORsint32 column = sourceColumn(className);
+  if (column < 0) return std::make_unique<BoundNull>();
+  auto property = QORQL_PropertyColumn::bind(*_table.lazy()->rows(), static_cast<QORuint32>(column), propertyName);
+  return property ? std::make_unique<BoundProperty>(std::move(*property)) : nullptr;
+}
+
+Bound QORQL_Binder::bindFunction(const QORQL_Function& function) const {
+  if (function.getFunctionID() != QORQL_FUNCTIONID_OBJECTPATH) return nullptr;
+  const QORSmrPtr<QORString> className(function.argumentClass());
+  if (className.IsNull()) return std::make_unique<BoundNull>();
+  const QORsint32 column = sourceColumn(*className);
+  if (column < 0) return std::make_unique<BoundNull>();
+  return std::make_unique<BoundObjectPath>(static_cast<QORuint32>(column));
+}
+
+Bound QORQL_Binder::bindFactor(const QORQL_Factor& factor) const {
+  if (!factor.getSelectedEntry().IsNull()) return bindEntry(*factor.getSelectedEntry());
+  if (!factor.getEvaluatable().IsNull()) {
+    Bound nested = bind(factor.getEvaluatable());
+    if (nested == nullptr || factor.getOperator() != QORQL_OperatorMINUS) return nested;
+    return std::make_unique<BoundNegation>(std::move(nested));
+  }
+  if (factor.getClassName().IsNull()) {
+    if (factor.getLiteral().IsNull()) return nullptr;
+    return std::make_unique<BoundLiteral>(factor.getLiteral());
+  }
+  const bool hasPath = !factor.getChain().IsNull() && factor.getChain()->find(".") != QORString::npos;
+  const QORsint32 index = factor.getArrayIndexList();
+  const bool isWhole = index == QORQL_Factor::kNoArray || index == QORQL_Factor::kWholeArray;
+  const bool hasProperty = !factor.getPropertyName().IsNull() && !factor.getPropertyName()->isEmpty();
+  if (hasPath || !isWhole || !hasProperty) return nullptr;
+  return bindProperty(*factor.getClassName(), *factor.getPropertyName());
+}
+
+template <class Node>
+Bound QORQL_Binder::bindChain(const Node& first) const {
+  if (first.getOperator() == QORQL_OperatorNONE) return bind(operandOf(first));
+  auto chain = std::make_unique<BoundChain>();
+  for (const Node* node = &first; node != nullptr;
+       node = node->getOperator() == QORQL_OperatorNONE ? nullptr : dynamic_cast<const Node*>(restOf(*node).Get())) {
+    Bound operand = bind(operandOf(*node));
+    if (operand == nullptr) return nullptr;
+    chain->add(std::move(operand), node->getOperator());
+  }
+  return chain;
+}
+
+Bound QORQL_Binder::bind(const QORSmrPtr<QORQL_Evaluatable>& node) const {
+  if (const QORQL_Factor* const sole = QORQL_soleFactorOf(node)) return bindFactor(*sole);
+  const QORQL_Evaluatable* current = node.Get();
+  while (current != nullptr) {
+    if (const auto* factor = dynamic_cast<const QORQL_Factor*>(current)) return bindFactor(*factor);
+    if (const auto* term = dynamic_cast<const QORQL_Term*>(current)) return bindChain(*term);
+    if (const auto* arithmetic = dynamic_cast<const QORQL_Arithmetic*>(current)) return bindChain(*arithmetic);
+    if (const auto* function = dynamic_cast<const QORQL_Function*>(current)) return bindFunction(*function);
+    const QORSmrPtr<QORQL_Evaluatable>* const child = onlyChild(*current);
+    if (child == nullptr) return nullptr;
+    current = child->Get();
+  }
+  return nullptr;
+}
+
+Bound QORQL_Binder::bindEntry(const QORQL_SelectedEntry& entry) const {
+  if (entry.isPlainProperty()) return bindProperty(entry.getClassName(), entry.getPropertyName());
+  return bind(entry.getExpression());
+}

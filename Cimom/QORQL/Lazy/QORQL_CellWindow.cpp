@@ -1,0 +1,32 @@
+// Filling the window: one row at first, more while the rows are read in order.
+#include "Cimom/QORQL/Lazy/QORQL_CellWindow.h"
+
+#include <algorithm>
+#include <array>
+#include <cassert>
+
+std::size_t QORQL_CellWindow::add(const QORQL_PropertyColumn& column) {
+  constexpr std::size_t kFew = 16;
+  for (std::size_t number = 0; number < std::min(_columns.size(), kFew); ++number) {
+    if (_columns[number].isSameAs(column)) return number;
+  }
+  assert(_cells == nullptr);
+  _columns.push_back(column);
+  return _columns.size() - 1;
+}
+
+void QORQL_CellWindow::fill(const QORQL_RowBlock& block, QORuint64 row) {
+  constexpr std::size_t kGrowth = 8;
+  constexpr std::size_t kBatch = QORQL_PropertyColumn::kBatch;
+  if (_cells == nullptr) _cells = std::make_unique<QoriScalar[]>(_columns.size() * kBatch);
+  const bool isNext = row == _first + _count;
+  const std::size_t wanted = isNext ? std::min(kBatch, _count * kGrowth + 1) : 1;
+  _first = row;
+  _count = static_cast<std::size_t>(std::min<QORuint64>(wanted, block.rowCount - row));
+  std::array<const IQoriObject*, kBatch> objects;
+  for (std::size_t number = 0; number < _columns.size(); ++number) {
+    const bool isFetched = number != 0 && _columns[number].column() == _columns[number - 1].column();
+    if (!isFetched) _columns[number].fetch(block, row, _count, objects.data());
+    _columns[number].read(objects.data(), _count, &_cells[number * kBatch]);
+  }
+}

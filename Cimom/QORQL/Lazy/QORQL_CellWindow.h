@@ -1,0 +1,34 @@
+// The cells of the rows that come next, read ahead column by column.
+#ifndef QORQL_CELLWINDOW_H
+#define QORQL_CELLWINDOW_H
+
+#include <memory>
+#include <vector>
+
+#include "Cimom/QORQL/Lazy/QORQL_PropertyColumn.h"
+
+// Whoever reads the rows in order finds most cells here. A row out of order is
+// read alone, so that nothing is read for nobody; only properties are read, which
+// calls nobody and cannot fail.
+class QORQL_CellWindow {
+ public:
+  // Returns the column's number. A property that is one of the first few columns has the number of that one.
+  // REQUIRES that no cell has been read.
+  std::size_t add(const QORQL_PropertyColumn& column);
+
+  // The cell of a row, valid while the row's object lives. REQUIRES row < block.rowCount.
+  QoriScalar cell(const QORQL_RowBlock& block, QORuint64 row, std::size_t column) {
+    if (row - _first >= _count) fill(block, row);
+    return _cells[column * QORQL_PropertyColumn::kBatch + static_cast<std::size_t>(row - _first)];
+  }
+
+ private:
+  void fill(const QORQL_RowBlock& block, QORuint64 row);
+
+  std::vector<QORQL_PropertyColumn> _columns;
+  std::unique_ptr<QoriScalar[]> _cells;  // kBatch for each column
+  QORuint64 _first = 0;
+  std::size_t _count = 0;
+};
+
+#endif

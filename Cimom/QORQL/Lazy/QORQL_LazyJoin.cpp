@@ -1,0 +1,448 @@
+// Joins by key: equality through a hash index over the block whose columns come
+// later, other relations by comparing keys pair by pair. Either way the pairs
+// come out in row order, the earlier block's rows outermost.
+#include "Cimom/QORQL/Lazy/QORQL_LazyJoin.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "Cimom/QORQL/Lazy/QORQL_ColumnTest.h"
+#include "Cimom/QORQL/Lazy/QORQL_NullExtension.h"
+#include "Cimom/QORQL/Lazy/QORQL_NumberOrder.h"
+#include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
+#include "Cimom/QORQL/QORQL_TextHash.h"
+#include "Cimom/QORQL/QORQL_Values.h"
+#include "cimom/IQoriInstanceName.h"
+
+namespace {
+
+constexpr QORuint32 kEnd = 0xffffffffU;
+
+// Equal numbers hash alike, whatever their types.
+QORuint64 hashNumber(const QoriScalar& key) noexcept {
+  if (key.kind != QoriScalarKind::Real) return QORQL_mixBits(key.u);
+  constexpr double kTwoTo63 = 9223372036854775808.0;
+  if (std::trunc(key.r) == key.r) {
+    if (key.r >= -kTwoTo63 && key.r < kTwoTo63)
+      return QORQL_mixBits(static_cast<QORuint64>(static_cast<QORsint64>(key.r)));
+    if (key.r >= 0 && key.r < 2 * kTwoTo63) return QORQL_mixBits(static_cast<QORuint64>(key.r));
+  }
+  QORuint64 bits = 0;
+  std::memcpy(&bits, &key.r, sizeof bits);
+  return QORQL_mixBits(bits);
+}
+
+QORuint64 hashKey(const QoriScalar& key) noexcept {
+  if (key.kind == QoriScalarKind::Text) return QORQL_hashText(key.text->view());
+  return key.kind == QoriScalarKind::Boolean ? QORQL_mixBits(key.b ? 1 : 0) : hashNumber(key);
+}
+
+bool isTrue(const QoriScalar& left, QoriRelation relation, const QoriScalar& right) noexcept {
+  bool isDecided = false;
+  return QORQL_relateViews(left, relation, right, isDecided) == QoriTruth::True;
+}
+
+// The rows of one block by key, rows of equal hash chained in ascending order.
+class KeyIndex {
+ public:
+  explicit KeyIndex(const QORQL_JoinKeys& keys) : _keys(keys), _next(keys.keys().size(), kEnd) {
+    std::size_t size = 16;
+    while (size < _next.size() * 2) size *= 2;
+    _heads.assign(size, kEnd);
+    for (std::size_t row = _next.size(); row-- != 0;) {
+      if (keys.keys()[row].isNull()) continue;
+      QORuint32& head = _heads[keys.hashes()[row] & (size - 1)];
+      _next[row] = head;
+      head = static_cast<QORuint32>(row);
+    }
+  }
+  // Calls back for each row whose key is not null and has this hash: it may be equal.
+  template <class Callback>
+  void forEachLike(QORuint32 hash, const Callback& callback) const {
+    const QORuint32* const hashes = _keys.hashes().data();
+    for (QORuint32 row = _heads[hash & (_heads.size() - 1)]; row != kEnd; row = _next[row]) {
+      if (hashes[row] == hash) callback(row);
+    }
+  }
+
+ private:
+  const QORQL_JoinKeys& _keys;
+  std::vector<QORuint32> _heads;
+  std::vector<QORuint32> _next;
+};
+
+// Collects pairs of rows of two blocks as tuples over the columns of both.
+class PairCollector {
+ public:
+  PairCollector(const QORQL_RowBlock& outer, const QORQL_RowBlock& inner) : _outer(outer), _inner(inner) {
+    _result.columns = outer.columns;
+    _result.columns.insert(_result.columns.end(), inner.columns.begin(), inner.columns.end());
+    std::sort(_result.columns.begin(), _result.columns.end());
+    fillPlaces(outer, _outerPlaces);
+    fillPlaces(inner, _innerPlaces);
+    _result.tuples.reserve(outer.rowCount * _result.columns.size());
+  }
+  void add(QORuint64 outerRow, QORuint32 innerRow) { add(outerRow, &innerRow, 1); }
+  // The outer row with each of some inner rows.
+  void add(QORuint64 outerRow, const QORuint32* innerRows, std::size_t count) {
+    _stopCheck.count(count);
+    const std::size_t width = _result.columns.size();
+    const std::size_t start = _result.tuples.size();
+    _result.tuples.resize(start + width * count);
+    _result.rowCount += count;
+    QORuint32* tuple = _result.tuples.data() + start;
+    for (std::size_t i = 0; i < count; ++i, tuple += width) {
+      for (std::size_t p = 0; p < _outerPlaces.size(); ++p) tuple[_outerPlaces[p]] = _outer.index(outerRow, p);
+      for (std::size_t p = 0; p < _innerPlaces.size(); ++p) tuple[_innerPlaces[p]] = _inner.index(innerRows[i], p);
+    }
+  }
+  QORQL_RowBlock finish() {
+    if (_outer.columns.back() > _inner.columns.front()) QORQL_LazyRows::sortTuples(_result);
+    return std::move(_result);
+  }
+
+ private:
+  void fillPlaces(const QORQL_RowBlock& block, std::vector<std::size_t>& places) const {
+    for (const QORuint32 column : block.columns) {
+      const auto place = std::lower_bound(_result.columns.begin(), _result.columns.end(), column);
+      places.push_back(static_cast<std::size_t>(place - _result.columns.begin()));
+    }
+  }
+
+  const QORQL_RowBlock& _outer;
+  const QORQL_RowBlock& _inner;
+  QORQL_RowBlock _result;
+  std::vector<std::size_t> _outerPlaces;
+  std::vector<std::size_t> _innerPlaces;
+  QORQL_StopCheck _stopCheck;
+};
+
+// The two blocks with their keys; `outer` has the first column of the two.
+struct Join {
+  const QORQL_RowBlock& outer;
+  const QORQL_RowBlock& inner;
+  const QORQL_JoinKeys& outerKeys;
+  const QORQL_JoinKeys& innerKeys;
+  bool isLeftOuter;  // the comparison's left side reads the outer block
+  QoriRelation relation;
+
+  bool matches(QORuint64 outerRow, QORuint64 innerRow) const noexcept {
+    // Equal keys have equal hashes.
+    if (relation == QoriRelation::Equal && outerKeys.hashes()[outerRow] != innerKeys.hashes()[innerRow]) return false;
+    const QoriScalar& a = outerKeys.keys()[outerRow];
+    const QoriScalar& b = innerKeys.keys()[innerRow];
+    return isLeftOuter ? isTrue(a, relation, b) : isTrue(b, relation, a);
+  }
+};
+
+// The relation of b to a that a has to b.
+QoriRelation reversed(QoriRelation relation) noexcept {
+  switch (relation) {
+    case QoriRelation::Less:
+      return QoriRelation::Greater;
+    case QoriRelation::Greater:
+      return QoriRelation::Less;
+    case QoriRelation::LessEqual:
+      return QoriRelation::GreaterEqual;
+    case QoriRelation::GreaterEqual:
+      return QoriRelation::LessEqual;
+    default:
+      return relation;
+  }
+}
+
+// False when a key is no number.
+bool noteNumbers(const QORQL_JoinKeys& keys, QORQL_NumberOrder& order) noexcept {
+  if (keys.category() != QORQL_JoinKeys::kNumber) return keys.category() == QORQL_JoinKeys::kNone;
+  for (const QoriScalar& key : keys.keys()) {
+    if (!key.isNull()) order.note(key);
+  }
+  return true;
+}
+
+// Which rows of the two blocks have a partner.
+struct Partners {
+  explicit Partners(const Join& join) : ofOuter(join.outer.rowCount), ofInner(join.inner.rowCount) {}
+  std::vector<bool> ofOuter;
+  std::vector<bool> ofInner;
+};
+
+// Pairs of rows whose keys have one hash, compared a run at a time, so that the inner keys' texts are not waited for
+// one after the other.
+class LikelyPairs {
+ public:
+  // `partners` may be null.
+  LikelyPairs(const Join& join, Partners* partners)
+      : _outerKeys(join.outerKeys), _innerKeys(join.innerKeys), _partners(partners), _pairs(join.outer, join.inner) {}
+  void add(QORuint64 outerRow, QORuint32 innerRow) {
+    const QoriScalar& key = _innerKeys.keys()[innerRow];
+    if (key.kind == QoriScalarKind::Text) __builtin_prefetch(key.text);
+    _run[_count++] = {outerRow, innerRow};
+    if (_count == _run.size()) compare();
+  }
+  void compare() {
+    const QoriScalar* const outerKeys = _outerKeys.keys().data();
+    const QoriScalar* const innerKeys = _innerKeys.keys().data();
+    for (std::size_t i = 0; i < _count; ++i) {
+      const QoriScalar& key = innerKeys[_run[i].innerRow];
+      if (key.kind == QoriScalarKind::Text) __builtin_prefetch(key.text->data());
+    }
+    for (std::size_t i = 0; i < _count; ++i) {
+      const Pair& pair = _run[i];
+      if (!isTrue(outerKeys[pair.outerRow], QoriRelation::Equal, innerKeys[pair.innerRow])) continue;
+      _pairs.add(pair.outerRow, pair.innerRow);
+      if (_partners != nullptr) _partners->ofOuter[pair.outerRow] = _partners->ofInner[pair.innerRow] = true;
+    }
+    _count = 0;
+  }
+  // REQUIRES that all have been compared.
+  QORQL_RowBlock finish() { return _pairs.finish(); }
+
+ private:
+  struct Pair {
+    QORuint64 outerRow;
+    QORuint32 innerRow;
+  };
+
+  const QORQL_JoinKeys& _outerKeys;
+  const QORQL_JoinKeys& _innerKeys;
+  Partners* const _partners;
+  PairCollector _pairs;
+  std::array<Pair, QORQL_PropertyColumn::kBatch> _run;
+  std::size_t _count = 0;
+};
+
+// Reads the outer keys and finds the partners of each run at once: a text that is compared later has left the cache
+// and is waited for again. `partners` may be null. Nothing when the keys do not go together.
+std::optional<QORQL_RowBlock> joinByHash(const Join& join, QORQL_JoinKeys& outerKeys, Partners* partners) {
+  LikelyPairs pairs(join, partners);
+  const KeyIndex index(join.innerKeys);
+  QORQL_StopCheck stopCheck;
+  QORuint64 row = 0;
+  while (outerKeys.readRun()) {
+    if (!QORQL_JoinKeys::areJoinable(outerKeys, join.innerKeys)) return std::nullopt;
+    for (; row < outerKeys.keys().size(); ++row) {
+      stopCheck.count();
+      if (outerKeys.keys()[row].isNull()) continue;
+      index.forEachLike(outerKeys.hashes()[row], [&](QORuint32 inner) { pairs.add(row, inner); });
+    }
+    pairs.compare();
+  }
+  return pairs.finish();
+}
+
+// The inner rows' numbers as an array of keys, so that each pair costs one comparison.
+QORQL_RowBlock joinNumbers(const Join& join, const QORQL_NumberOrder& order) {
+  PairCollector pairs(join.outer, join.inner);
+  QORQL_NumberOrder noted;
+  std::vector<QORuint64> innerKeys;
+  std::vector<QORuint32> innerRows;
+  for (QORuint64 row = 0; row < join.inner.rowCount; ++row) {
+    const QoriScalar& key = join.innerKeys.keys()[row];
+    if (key.isNull()) continue;
+    innerKeys.push_back(order.keyOf(noted.note(key)));
+    innerRows.push_back(static_cast<QORuint32>(row));
+  }
+  std::vector<QORuint32> found(innerKeys.size() + 1);
+  const QoriRelation relation = join.isLeftOuter ? join.relation : reversed(join.relation);
+  QORQL_StopCheck stopCheck;
+  QORQL_withComparison(relation, [&](const auto& compare) {
+    for (QORuint64 row = 0; row < join.outer.rowCount; ++row) {
+      stopCheck.count(innerKeys.size());
+      const QoriScalar& key = join.outerKeys.keys()[row];
+      if (key.isNull()) continue;
+      const QORuint64 outerKey = order.keyOf(noted.note(key));
+      std::size_t count = 0;
+      for (std::size_t i = 0; i < innerKeys.size(); ++i) {
+        found[count] = innerRows[i];
+        count += compare(outerKey, innerKeys[i]) ? 1 : 0;
+      }
+      pairs.add(row, found.data(), count);
+    }
+  });
+  return pairs.finish();
+}
+
+std::optional<QORQL_RowBlock> joinByComparing(const Join& join, QORQL_JoinKeys& outerKeys) {
+  outerKeys.readAll();
+  const bool isReference =
+      join.innerKeys.category() == QORQL_JoinKeys::kReference || outerKeys.category() == QORQL_JoinKeys::kReference;
+  if (isReference || !QORQL_JoinKeys::areJoinable(outerKeys, join.innerKeys)) return std::nullopt;
+  QORQL_NumberOrder order;
+  if (noteNumbers(join.outerKeys, order) && noteNumbers(join.innerKeys, order) && order.isUniform()) {
+    return joinNumbers(join, order);
+  }
+  PairCollector pairs(join.outer, join.inner);
+  QORQL_StopCheck stopCheck;
+  for (QORuint64 row = 0; row < join.outer.rowCount; ++row) {
+    stopCheck.count(join.inner.rowCount);
+    for (QORuint32 inner = 0; inner < join.inner.rowCount; ++inner) {
+      if (join.matches(row, inner)) pairs.add(row, inner);
+    }
+  }
+  return pairs.finish();
+}
+
+// A left object is unmatched when the first row that holds it fails: its row
+// with the first row of the other block. A right one when no row with it holds.
+// False when objects that share a path make the record of one depend on the other.
+bool findExtensions(const QORQL_LazyRows& rows, const Join& join, const Partners& partners, QORQL_JoinType joinType,
+                    std::vector<QORQL_NullExtension>& extensions) {
+  const QORQL_RowBlock& left = join.isLeftOuter ? join.outer : join.inner;
+  const QORQL_RowBlock& right = join.isLeftOuter ? join.inner : join.outer;
+  if (joinType != QORQL_JOIN_TYPE_RIGHT_OUTER) {
+    std::vector<bool> isUnmatched(left.rowCount);
+    for (QORuint64 row = 0; row < left.rowCount; ++row) {
+      isUnmatched[row] = join.isLeftOuter ? !join.matches(row, 0) : !join.matches(0, row);
+    }
+    if (!QORQL_collectExtensions(rows, left, isUnmatched, extensions)) return false;
+  }
+  if (joinType != QORQL_JOIN_TYPE_LEFT_OUTER) {
+    std::vector<bool> isUnmatched(join.isLeftOuter ? partners.ofInner : partners.ofOuter);
+    isUnmatched.flip();
+    if (!QORQL_collectExtensions(rows, right, isUnmatched, extensions)) return false;
+  }
+  return true;
+}
+
+// Which of two blocks each side of the comparison reads; false when a side reads
+// none or both.
+bool assignSides(const QORQL_DataTable& table, const QORQL_LazyRows& rows, const QORQL_Comparison& comparison,
+                 const std::vector<std::size_t>& blockNumbers, std::size_t& leftBlock, std::size_t& rightBlock) {
+  const auto blockRead = [&](const QORSmrPtr<QORQL_Evaluatable>& side, std::size_t& number) {
+    std::vector<QORuint32> columns;
+    QORQL_addColumnsRead(side, table, columns);
+    number = columns.empty() ? rows.blocks().size() : rows.blockOf(columns.front());
+    return std::find(blockNumbers.begin(), blockNumbers.end(), number) != blockNumbers.end() &&
+           std::all_of(columns.begin(), columns.end(),
+                       [&](QORuint32 column) { return rows.blockOf(column) == number; });
+  };
+  return blockRead(comparison.getLHSArithmeticExpression(), leftBlock) &&
+         blockRead(comparison.getRHSArithmeticExpression(), rightBlock) && leftBlock != rightBlock;
+}
+
+// Outer joins by key: a single column each side, whose objects tell apart.
+bool allowsOuterJoin(const QORQL_LazyRows& rows, const QORQL_Condition& condition, std::size_t leftBlock,
+                     std::size_t rightBlock) {
+  const auto isColumn = [&](std::size_t number, QORsint32 column) {
+    const QORQL_RowBlock& block = rows.blocks()[number];
+    return column >= 0 && block.columns.size() == 1 && block.columns.front() == static_cast<QORuint32>(column);
+  };
+  return !condition.isNegated && isColumn(leftBlock, condition.leftColumn) &&
+         isColumn(rightBlock, condition.rightColumn);
+}
+
+bool mayJoin(const QORQL_LazyRows& rows, const QORQL_Condition& condition, std::size_t leftBlock,
+             std::size_t rightBlock) {
+  const QORQL_Comparison& comparison = condition.comparison();
+  if (!QORQL_isRelational(comparison.getOperator()) || comparison.isArrayComp() || condition.isNegated) return false;
+  return comparison.getJoinType() == QORQL_JOIN_TYPE_INNER || allowsOuterJoin(rows, condition, leftBlock, rightBlock);
+}
+
+}  // namespace
+
+QORQL_JoinKeys::QORQL_JoinKeys(const QORQL_BoundValue& side, const QORQL_LazyRows& rows, const QORQL_RowBlock& block)
+    : _side(side), _block(block), _view(rows) {
+  _keys.reserve(block.rowCount);
+  _hashes.reserve(block.rowCount);
+}
+
+bool QORQL_JoinKeys::readRun() {
+  std::array<QoriScalar, QORQL_PropertyColumn::kBatch> cells;
+  const QORuint64 first = _keys.size();
+  const std::size_t count = static_cast<std::size_t>(std::min<QORuint64>(cells.size(), _block.rowCount - first));
+  _stopCheck.count(count);
+  const QORQL_PropertyColumn* const column = _side.propertyColumn();
+  if (column != nullptr) column->read(_block, first, count, cells.data());
+  for (std::size_t i = 0; i < count; ++i) {
+    QORSmrPtr<IQoriValue> holder;
+    if (column == nullptr) {
+      _view.select(_block, first + i);
+      cells[i] = _side.view(_view, holder);
+    }
+    add(cells[i], holder);
+  }
+  return count != 0;
+}
+
+void QORQL_JoinKeys::add(QoriScalar key, QORSmrPtr<IQoriValue>& holder) {
+  Category category = kMixed;
+  if (key.isNull()) {
+    _keys.push_back(key);
+    _hashes.push_back(0);
+    return;
+  }
+  if (key.isNumber()) category = kNumber;
+  if (key.kind == QoriScalarKind::Text) category = kText;
+  if (key.kind == QoriScalarKind::Boolean) category = kBoolean;
+  if (key.kind == QoriScalarKind::Complex && !key.value->getReference().IsNull()) {
+    category = kReference;
+    _paths.push_back(key.value->getReference()->toString());
+    key.kind = QoriScalarKind::Text;
+    key.text = &_paths.back();
+  } else if (!holder.IsNull()) {
+    _holders.push_back(holder);
+  }
+  _category = _category == kNone || _category == category ? category : kMixed;
+  _keys.push_back(key);
+  _hashes.push_back(category == kMixed ? 0 : static_cast<QORuint32>(hashKey(key)));
+}
+
+bool QORQL_JoinKeys::areJoinable(const QORQL_JoinKeys& a, const QORQL_JoinKeys& b) noexcept {
+  if (a._category == kMixed || b._category == kMixed) return false;
+  return a._category == kNone || b._category == kNone || a._category == b._category;
+}
+
+void QORQL_appendExtendedRow(QORQL_LazyRows& rows, QORuint32 column, QORuint32 index) {
+  QORQL_RowBlock& block = rows.blocks().front();
+  if (block.isWholeExtent) {
+    block.isWholeExtent = false;
+    block.tuples.clear();
+    for (QORuint64 row = 0; row < block.rowCount; ++row) block.tuples.push_back(static_cast<QORuint32>(row));
+  }
+  for (const QORuint32 present : block.columns) block.tuples.push_back(present == column ? index : QORQL_kNoObject);
+  ++block.rowCount;
+}
+
+bool QORQL_joinLazily(const QORQL_DataTable& table, QORQL_LazyRows& rows, const QORQL_Condition& condition,
+                      const std::vector<std::size_t>& blockNumbers) {
+  const QORQL_Comparison& comparison = condition.comparison();
+  std::size_t leftBlock = 0;
+  std::size_t rightBlock = 0;
+  if (blockNumbers.size() != 2 || !assignSides(table, rows, comparison, blockNumbers, leftBlock, rightBlock) ||
+      !mayJoin(rows, condition, leftBlock, rightBlock)) {
+    return false;
+  }
+  const QORQL_Binder binder(table);
+  const auto left = binder.bind(comparison.getLHSArithmeticExpression());
+  const auto right = binder.bind(comparison.getRHSArithmeticExpression());
+  if (left == nullptr || right == nullptr) return false;
+  const QoriRelation relation = QORQL_relationOf(comparison.getOperator());
+  const bool isLeftOuter = rows.blocks()[leftBlock].columns.front() < rows.blocks()[rightBlock].columns.front();
+  const QORQL_RowBlock& outer = rows.blocks()[isLeftOuter ? leftBlock : rightBlock];
+  const QORQL_RowBlock& inner = rows.blocks()[isLeftOuter ? rightBlock : leftBlock];
+  QORQL_JoinKeys outerKeys(isLeftOuter ? *left : *right, rows, outer);
+  QORQL_JoinKeys innerKeys(isLeftOuter ? *right : *left, rows, inner);
+  innerKeys.readAll();
+  if (innerKeys.category() == QORQL_JoinKeys::kMixed) return false;
+  const Join join{outer, inner, outerKeys, innerKeys, isLeftOuter, relation};
+  const bool isOuterJoin = comparison.getJoinType() != QORQL_JOIN_TYPE_INNER;
+  std::unique_ptr<Partners> partners;
+  if (isOuterJoin) partners = std::make_unique<Partners>(join);
+  std::optional<QORQL_RowBlock> joined =
+      relation == QoriRelation::Equal ? joinByHash(join, outerKeys, partners.get()) : joinByComparing(join, outerKeys);
+  if (!joined.has_value()) return false;
+  std::vector<QORQL_NullExtension> extensions;
+  if (isOuterJoin && !findExtensions(rows, join, *partners, comparison.getJoinType(), extensions)) return false;
+  rows.replaceBlocks(blockNumbers, std::move(*joined));
+  if (isOuterJoin) rows.flatten();
+  for (const QORQL_NullExtension& extension : extensions)
+    QORQL_appendExtendedRow(rows, extension.column, extension.index);
+  return true;
+}

@@ -1,0 +1,246 @@
+// Lazy rows: products of blocks, kept in the order in which a plain cross
+// product would have made the rows (ascending by the index in the first column,
+// then the second, and so on).
+#include "Cimom/QORQL/Lazy/QORQL_LazyRows.h"
+
+#include <algorithm>
+#include <numeric>
+#include <utility>
+
+#include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
+
+namespace {
+
+// Extents of up to this many objects get their array at once; it takes half a MiB.
+constexpr QORuint32 kSmall = 65536;
+
+}  // namespace
+
+QORQL_Extent::QORQL_Extent(const ObjectList& list) : _list(list), _cursor(std::in_place, *list) {
+  const IQoriLayout* previous = nullptr;
+  bool isFirst = true;
+  const bool isSmall = size() <= kSmall;
+  _objects.resize(isSmall ? size() : 0);
+  const IQoriObject** place = _objects.data();
+  list->forEach([&](const QORSmrPtr<IQoriObject>& pointer) {
+    const IQoriObject* const object = pointer.Get();
+    if (isSmall) *place++ = object;
+    const IQoriLayout* const layout = object == nullptr ? nullptr : object->getLayout();
+    _hasNull = _hasNull || object == nullptr;
+    if (isFirst || layout != previous) noteLayout(layout);
+    previous = layout;
+    isFirst = false;
+  });
+}
+
+// One object without layout decides.
+void QORQL_Extent::noteLayout(const IQoriLayout* layout) {
+  if (layout == nullptr) {
+    _layouts.assign(1, nullptr);
+  } else if (hasLayouts() && std::find(_layouts.begin(), _layouts.end(), layout) == _layouts.end()) {
+    _layouts.push_back(layout);
+  }
+}
+
+void QORQL_Extent::makeObjects() const {
+  _objects.reserve(size());
+  _list->forEach([this](const QORSmrPtr<IQoriObject>& pointer) { _objects.push_back(pointer.Get()); });
+}
+
+const IQoriObject* QORQL_Extent::objectInList(QORuint32 index) const {
+  const std::size_t mark = index / kMarkDistance;
+  if (mark >= _marks.size() || _moves == kFewMoves) {
+    makeObjects();
+    return _objects[index];
+  }
+  ++_moves;
+  Cursor cursor(_marks[mark]);
+  cursor += index % kMarkDistance + 1;
+  return cursor.key().Get();
+}
+
+bool QORQL_Extent::moveCursor(QORuint32 first) const {
+  if (first == _nextOfCursor) return true;
+  const std::size_t mark = first / kMarkDistance;
+  if (first != 0 && (mark >= _marks.size() || _moves == kFewMoves)) return false;
+  if (first == 0) {
+    _cursor.emplace(*_list);
+  } else {
+    ++_moves;
+    _cursor.emplace(_marks[mark]);
+    *_cursor += first % kMarkDistance;
+  }
+  _nextOfCursor = first;
+  return true;
+}
+
+void QORQL_Extent::copyRun(QORuint32 first, std::size_t count, const IQoriObject** out) const {
+  if (_objects.empty() && !moveCursor(first)) makeObjects();
+  if (!_objects.empty()) {
+    std::copy_n(_objects.data() + first, count, out);
+    return;
+  }
+  for (std::size_t i = 0; i < count; ++i, ++_nextOfCursor) {
+    if (_nextOfCursor == _marks.size() * kMarkDistance) _marks.push_back(*_cursor);
+    if (!++*_cursor) return;
+    out[i] = _cursor->key().Get();
+  }
+}
+
+const QORSmrPtr<IQoriObject>& QORQL_Extent::pointer(QORuint32 index) const {
+  if (_pointers.empty()) {
+    _pointers.reserve(size());
+    QORValSlistIterator<QORSmrPtr<IQoriObject>> iterator(*_list);
+    while (++iterator) _pointers.push_back(&iterator.key());
+  }
+  return *_pointers[index];
+}
+
+QORuint64 QORQL_LazyRows::rowCount() const noexcept {
+  if (_blocks.empty()) return 0;
+  QORuint64 count = 1;
+  for (const QORQL_RowBlock& block : _blocks) {
+    if (__builtin_mul_overflow(count, block.rowCount, &count)) return ~QORuint64{0};
+  }
+  return count;
+}
+
+std::size_t QORQL_LazyRows::blockOf(QORuint32 column) const noexcept {
+  std::size_t number = 0;
+  while (number < _blocks.size() &&
+         !std::binary_search(_blocks[number].columns.begin(), _blocks[number].columns.end(), column)) {
+    ++number;
+  }
+  return number;
+}
+
+void QORQL_LazyRows::addExtent(std::shared_ptr<const QORQL_Extent> extent) {
+  const QORuint32 column = static_cast<QORuint32>(_extents.size());
+  const QORuint32 count = static_cast<QORuint32>(extent->size());
+  const bool hadRows = rowCount() != 0;
+  _extents.push_back(std::move(extent));
+  QORQL_RowBlock block;
+  block.columns = {column};
+  if (hadRows && count == 0) {
+    block.tuples = {QORQL_kNoObject};
+    block.rowCount = 1;
+  } else {
+    block.isWholeExtent = true;
+    block.rowCount = count;
+  }
+  if (hadRows || _blocks.empty() || count == 0) {
+    _blocks.push_back(std::move(block));
+    return;
+  }
+  // Earlier columns brought no rows: each object makes a row of its own, with
+  // null cells before it.
+  for (QORQL_RowBlock& earlier : _blocks) {
+    earlier.isWholeExtent = false;
+    earlier.tuples.assign(earlier.columns.size(), QORQL_kNoObject);
+    earlier.rowCount = 1;
+  }
+  _blocks.push_back(std::move(block));
+}
+
+std::vector<QORuint32> QORQL_LazyRows::columnsOf(const std::vector<std::size_t>& blockNumbers) const {
+  std::vector<QORuint32> columns;
+  for (const std::size_t number : blockNumbers) {
+    columns.insert(columns.end(), _blocks[number].columns.begin(), _blocks[number].columns.end());
+  }
+  std::sort(columns.begin(), columns.end());
+  return columns;
+}
+
+void QORQL_LazyRows::sortTuples(QORQL_RowBlock& block) {
+  const std::size_t width = block.columns.size();
+  const QORuint32* const tuples = block.tuples.data();
+  std::vector<QORuint64> order(block.rowCount);
+  std::iota(order.begin(), order.end(), QORuint64{0});
+  const auto comesFirst = [tuples, width](QORuint64 a, QORuint64 b) {
+    const QORuint32* const x = tuples + a * width;
+    const QORuint32* const y = tuples + b * width;
+    return std::lexicographical_compare(x, x + width, y, y + width);
+  };
+  if (std::is_sorted(order.begin(), order.end(), comesFirst)) return;
+  std::sort(order.begin(), order.end(), comesFirst);
+  std::vector<QORuint32> sorted;
+  sorted.reserve(block.tuples.size());
+  for (const QORuint64 row : order) sorted.insert(sorted.end(), tuples + row * width, tuples + (row + 1) * width);
+  block.tuples = std::move(sorted);
+}
+
+namespace {
+
+// Where a column of a product comes from.
+struct ProductColumn {
+  bool isFirst;
+  std::size_t place;
+};
+
+std::vector<ProductColumn> productColumns(const QORQL_RowBlock& a, const QORQL_RowBlock& b,
+                                          const std::vector<QORuint32>& columns) {
+  std::vector<ProductColumn> result;
+  for (const QORuint32 column : columns) {
+    const auto inA = std::lower_bound(a.columns.begin(), a.columns.end(), column);
+    const bool isFirst = inA != a.columns.end() && *inA == column;
+    const auto inB = std::lower_bound(b.columns.begin(), b.columns.end(), column);
+    result.push_back({isFirst, static_cast<std::size_t>(isFirst ? inA - a.columns.begin() : inB - b.columns.begin())});
+  }
+  return result;
+}
+
+// The product of two blocks, in ascending order of its tuples. It grows row by
+// row, so that one that is too large to wait for can be stopped.
+QORQL_RowBlock product(const QORQL_RowBlock& a, const QORQL_RowBlock& b) {
+  QORQL_RowBlock result;
+  result.columns = a.columns;
+  result.columns.insert(result.columns.end(), b.columns.begin(), b.columns.end());
+  std::sort(result.columns.begin(), result.columns.end());
+  const std::vector<ProductColumn> sources = productColumns(a, b, result.columns);
+  result.rowCount = a.rowCount * b.rowCount;
+  result.tuples.reserve(result.rowCount * sources.size());
+  QORQL_StopCheck stopCheck;
+  for (QORuint64 i = 0; i < a.rowCount; ++i) {
+    stopCheck.count(b.rowCount);
+    for (QORuint64 j = 0; j < b.rowCount; ++j) {
+      for (const ProductColumn& source : sources) {
+        result.tuples.push_back(source.isFirst ? a.index(i, source.place) : b.index(j, source.place));
+      }
+    }
+  }
+  if (a.columns.back() > b.columns.front()) QORQL_LazyRows::sortTuples(result);
+  return result;
+}
+
+}  // namespace
+
+void QORQL_LazyRows::multiply(const std::vector<std::size_t>& blockNumbers) {
+  QORQL_RowBlock joined = _blocks[blockNumbers.front()];
+  for (std::size_t i = 1; i < blockNumbers.size(); ++i) joined = product(joined, _blocks[blockNumbers[i]]);
+  replaceBlocks(blockNumbers, std::move(joined));
+}
+
+void QORQL_LazyRows::replaceBlocks(const std::vector<std::size_t>& blockNumbers, QORQL_RowBlock&& block) {
+  std::vector<QORQL_RowBlock> kept;
+  kept.reserve(_blocks.size());
+  _blocks[blockNumbers.front()] = std::move(block);
+  for (std::size_t number = 0; number < _blocks.size(); ++number) {
+    const bool stays = number == blockNumbers.front() ||
+                       std::find(blockNumbers.begin(), blockNumbers.end(), number) == blockNumbers.end();
+    if (stays) kept.push_back(std::move(_blocks[number]));
+  }
+  _blocks = std::move(kept);
+}
+
+void QORQL_LazyRows::flatten() {
+  if (_blocks.size() < 2) return;
+  std::vector<std::size_t> all(_blocks.size());
+  std::iota(all.begin(), all.end(), std::size_t{0});
+  if (rowCount() != 0) {
+    multiply(all);
+    return;
+  }
+  QORQL_RowBlock empty;
+  empty.columns = columnsOf(all);
+  replaceBlocks(all, std::move(empty));
+}

@@ -1,0 +1,44 @@
+// How a lazy table's rows come into being.
+#include "Cimom/QORQL/Lazy/QORQL_LazyTable.h"
+
+#include "cimom/CQoriBaseObject.h"
+
+namespace {
+
+QORSmrPtr<QORValSlist<QORString>> allNames(const IQoriObject& object) {
+  auto names = QORSmrPtr<QORValSlist<QORString>>::Make();
+  for (QORuint32 i = 0; i < object.getPropertyCount(); ++i) names->append(object.getPropertyAt(i)->getName());
+  return names;
+}
+
+}  // namespace
+
+QORQL_LazyRows& QORQL_LazyTable::ownRows() {
+  if (_rows.use_count() > 1) _rows = std::make_shared<QORQL_LazyRows>(*_rows);
+  return *_rows;
+}
+
+QORSmrPtr<IQoriObject> QORQL_LazyTable::cellObject(const QORQL_RowView& row, QORuint32 cell) const {
+  const QORuint32 column = sourceColumn(cell);
+  QORSmrPtr<IQoriObject> object(row.rows->pointer(column, row.indexes[column]));
+  if (_cells.empty() || object.IsNull()) return object;
+  const QORQL_LazyCell& kept = _cells[cell];
+  return QORSmrPtr<IQoriObject>::Make<CQoriBaseObject>(object, kept.allProperties ? allNames(*object) : kept.properties,
+                                                       true);
+}
+
+void QORQL_LazyTable::fillRow(const QORQL_RowView& view, QORQL_DataRow& row) const {
+  QORValSlist<QORSmrPtr<IQoriObject>>& cells = *row.getAllCells();
+  cells.clear();
+  for (QORuint32 cell = 0; cell < cellCount(); ++cell) {
+    const QORuint32 column = sourceColumn(cell);
+    cells.append(view.rows->pointer(column, view.indexes[column]));
+  }
+}
+
+QORSmrPtr<QORQL_DataRow> QORQL_LazyTable::makeRow(const QORQL_RowView& view) const {
+  auto row = QORSmrPtr<QORQL_DataRow>::Make();
+  QORValSlist<QORSmrPtr<IQoriObject>>& cells = *row->getAllCells();
+  for (QORuint32 cell = 0; cell < cellCount(); ++cell) cells.append(cellObject(view, cell));
+  return row;
+}

@@ -1,0 +1,46 @@
+// What a table holds instead of rows: lazy rows, and for a projected table what
+// the projection keeps of each object.
+#ifndef QORQL_LAZYTABLE_H
+#define QORQL_LAZYTABLE_H
+
+#include <memory>
+#include <vector>
+
+#include "Cimom/QORQL/Lazy/QORQL_LazyRows.h"
+#include "Cimom/QORQL/QORQL_DataRow.h"
+#include "cmpbase.h"
+
+// One cell of a projected row.
+struct QORQL_LazyCell {
+  QORuint32 sourceColumn = 0;
+  bool allProperties = false;
+  QORSmrPtr<QORValSlist<QORString>> properties;  // kept ones, when not all
+};
+
+class QORQL_LazyTable {
+ public:
+  explicit QORQL_LazyTable(std::shared_ptr<QORQL_LazyRows> lazyRows) : _rows(std::move(lazyRows)) {}
+
+  const std::shared_ptr<QORQL_LazyRows>& rows() const noexcept { return _rows; }
+  // Rows of the table that others do not share: changing them shows here alone.
+  QORQL_LazyRows& ownRows();
+
+  // The projection: cells in cell order. Empty: the rows are not projected.
+  void project(std::vector<QORQL_LazyCell> cells) { _cells = std::move(cells); }
+  const std::vector<QORQL_LazyCell>& cells() const noexcept { return _cells; }
+  std::size_t cellCount() const noexcept { return _cells.empty() ? _rows->columnCount() : _cells.size(); }
+  QORuint32 sourceColumn(QORuint32 cell) const noexcept { return _cells.empty() ? cell : _cells[cell].sourceColumn; }
+
+  // The object of one cell as the row would hold it.
+  QORSmrPtr<IQoriObject> cellObject(const QORQL_RowView& row, QORuint32 cell) const;
+  // A row of the view's objects, unrestricted: enough to evaluate on.
+  void fillRow(const QORQL_RowView& view, QORQL_DataRow& row) const;
+  // A row as it comes into being.
+  QORSmrPtr<QORQL_DataRow> makeRow(const QORQL_RowView& view) const;
+
+ private:
+  std::shared_ptr<QORQL_LazyRows> _rows;
+  std::vector<QORQL_LazyCell> _cells;
+};
+
+#endif

@@ -1,0 +1,91 @@
+// Reads columns off a table row by row, whether its rows exist or not.
+#ifndef QORQL_ROWREADER_H
+#define QORQL_ROWREADER_H
+
+#include <memory>
+#include <vector>
+
+#include "Cimom/QORQL/Lazy/QORQL_BoundExpression.h"
+#include "Cimom/QORQL/Lazy/QORQL_CellWindow.h"
+#include "Cimom/QORQL/Lazy/QORQL_LazyRows.h"
+#include "Cimom/QORQL/QORQL_DataTable.h"
+
+class QORQL_SelectedEntry;
+class QORQL_SymbolTable;
+
+// BORROWS its arguments; the table must not change meanwhile. Slots are added
+// first, then rows are selected (in any order; ascending is fastest).
+class QORQL_RowReader {
+ public:
+  QORQL_RowReader(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table);
+  ~QORQL_RowReader();
+
+  // Each returns its slot's number: 0, 1, 2, ... An entry or expression is read
+  // by QORQL_SelectedEntry::evaluate, QORQL_Evaluatable::evaluate.
+  std::size_t addEntry(const QORSmrPtr<QORQL_SelectedEntry>& entry);
+  std::size_t addExpression(const QORSmrPtr<QORQL_Evaluatable>& expression);
+  // A property of the fetched object; NULL where the object has none of that name.
+  std::size_t addFetchedProperty(const QORString& className, const QORString& propertyName);
+
+  QORuint64 rowCount() const noexcept { return _rowCount; }
+  // REQUIRES row < rowCount(). Costs nothing where rows do not exist.
+  void select(QORuint64 row) {
+    _current = row;
+    _isViewSelected = false;
+    _isRowFilled = false;
+    if (_view == nullptr) selectExisting();
+  }
+  // False for a null row of a table whose rows exist: it has no values.
+  bool hasRow() const noexcept;
+
+  // Whether reading the slot is a look at the fetched objects alone. Otherwise it
+  // may ask the object manager, or log, each time.
+  bool isBound(std::size_t slot) const noexcept;
+  // The slot's value on the selected row; null when it has none. THROWS what evaluation throws.
+  QORSmrPtr<IQoriValue> value(std::size_t slot);
+  // A view of it, valid while `holder` and the row live. Makes no value for a
+  // property, and leaves `holder` alone then.
+  QoriScalar view(std::size_t slot, QORSmrPtr<IQoriValue>& holder) {
+    const std::size_t column = _cellColumns[slot];
+    return column == kNoColumn ? viewOfOther(slot, holder) : _window.cell(*_block, _current, column);
+  }
+  // Whether the slot is a property that every row's object has: reading it cannot fail.
+  bool isProperty(std::size_t slot) const noexcept { return _cellColumns[slot] != kNoColumn; }
+  // The selected row's object of a class or alias; null when absent.
+  QORSmrPtr<IQoriObject> object(const QORString& className);
+  // BORROWS: the object as it was fetched, before the projection, where rows do
+  // not exist; cheaper than object(). Null when absent.
+  const IQoriObject* fetchedObject(const QORString& className);
+
+ private:
+  struct Slot;
+  static constexpr std::size_t kNoColumn = ~std::size_t{0};
+
+  std::size_t addSlot(Slot&& slot);
+  void selectExisting();
+  // The row as the bound slots read it.
+  const QORQL_RowView& currentView();
+  QoriScalar viewOfOther(std::size_t slot, QORSmrPtr<IQoriValue>& holder);
+  QORSmrPtr<IQoriValue> evaluate(const Slot& slot);
+  QORSmrPtr<QORQL_DataRow>& currentRow();
+  // The cell of a class in lazy rows; -1 when there is none.
+  QORsint32 lazyCell(const QORString& className) const;
+
+  QORQL_SymbolTable& _symbolTable;
+  QORSmrPtr<QORQL_DataTable>& _table;
+  QORuint64 _rowCount = 0;
+  QORuint64 _current = 0;
+  std::vector<Slot> _slots;
+  std::vector<std::size_t> _cellColumns;  // of each slot, in the window
+  // Rows that exist.
+  QORQL_DataTable::RowList _rows;
+  QORSmrPtr<QORQL_DataRow> _row;
+  // Rows that do not.
+  const QORQL_RowBlock* _block = nullptr;
+  std::unique_ptr<QORQL_RowView> _view;
+  QORQL_CellWindow _window;
+  bool _isViewSelected = false;
+  bool _isRowFilled = false;
+};
+
+#endif

@@ -1,0 +1,192 @@
+// The truth of comparisons: fused forms for relations and null tests on bound
+// operands, the comparison's own rules on bound values, and evaluation on a row
+// for everything else.
+#include "Cimom/QORQL/Lazy/QORQL_RowTruth.h"
+
+#include "Cimom/QORQL/Lazy/QORQL_LazyTable.h"
+#include "Cimom/QORQL/QORQL_Comparison.h"
+#include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
+#include "Cimom/QORQL/QORQL_Function.h"
+#include "Cimom/QORQL/QORQL_IdentifierFinder.h"
+#include "Cimom/QORQL/QORQL_Values.h"
+
+namespace {
+
+using Bound = std::unique_ptr<QORQL_BoundValue>;
+using Value = QORSmrPtr<IQoriValue>;
+
+QORQL_RunTruth runTruth(bool value) noexcept { return value ? QORQL_RunTruth::True : QORQL_RunTruth::False; }
+
+class RelationTruth final : public QORQL_RowTruth {
+ public:
+  RelationTruth(Bound left, QoriRelation relation, Bound right)
+      : _left(std::move(left)), _right(std::move(right)), _relation(relation), _leftRun(*_left), _rightRun(*_right) {}
+
+  QoriTruth test(const QORQL_RowView& row) override {
+    Value rightHolder;
+    Value leftHolder;
+    const QoriScalar right = _right->view(row, rightHolder);
+    const QoriScalar left = _left->view(row, leftHolder);
+    bool isDecided = false;
+    const QoriTruth truth = QORQL_relateViews(left, _relation, right, isDecided);
+    return isDecided ? truth : _left->value(row)->relate(_relation, *_right->value(row));
+  }
+  bool testRun(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, QORQL_RunTruths& truths) override {
+    if (!_leftRun.isReadable() || !_rightRun.isReadable()) return false;
+    _leftRun.read(block, first, count);
+    _rightRun.read(block, first, count);
+    QORQL_relateRun(_leftRun, _relation, _rightRun, count, truths);
+    return true;
+  }
+
+ private:
+  Bound _left;
+  Bound _right;
+  QoriRelation _relation;
+  QORQL_RunOperand _leftRun;
+  QORQL_RunOperand _rightRun;
+};
+
+class NullTruth final : public QORQL_RowTruth {
+ public:
+  NullTruth(Bound operand, bool wantsNull)
+      : _operand(std::move(operand)), _wantsNull(wantsNull), _operandRun(*_operand) {}
+  QoriTruth test(const QORQL_RowView& row) override {
+    Value holder;
+    return qori::truth(_operand->view(row, holder).isNull() == _wantsNull);
+  }
+  bool testRun(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, QORQL_RunTruths& truths) override {
+    if (!_operandRun.isReadable()) return false;
+    _operandRun.read(block, first, count);
+    for (std::size_t i = 0; i < count; ++i) truths[i] = runTruth(_operandRun[i].isNull() == _wantsNull);
+    return true;
+  }
+
+ private:
+  Bound _operand;
+  bool _wantsNull;
+  QORQL_RunOperand _operandRun;
+};
+
+// The needle is found without making a value of the property.
+class LikeTruth final : public QORQL_RowTruth {
+ public:
+  LikeTruth(const QORQL_Comparison& comparison, Bound left, Bound right)
+      : _comparison(comparison),
+        _left(std::move(left)),
+        _right(std::move(right)),
+        _leftRun(*_left),
+        _rightRun(*_right) {}
+  QoriTruth test(const QORQL_RowView& row) override {
+    Value rightHolder;
+    Value leftHolder;
+    const QoriScalar right = _right->view(row, rightHolder);
+    const QoriScalar left = _left->view(row, leftHolder);
+    if (left.kind == QoriScalarKind::Text && right.kind == QoriScalarKind::Text) {
+      return qori::truth(left.text->contains(*right.text, true));
+    }
+    return _comparison.compareValues(_left->value(row), _right->value(row), QORString::emptyString());
+  }
+  bool testRun(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, QORQL_RunTruths& truths) override {
+    if (!_leftRun.isReadable() || !_rightRun.isReadable()) return false;
+    _leftRun.read(block, first, count);
+    _rightRun.read(block, first, count);
+    for (std::size_t i = 0; i < count; ++i) {
+      const bool areTexts = _leftRun[i].kind == QoriScalarKind::Text && _rightRun[i].kind == QoriScalarKind::Text;
+      truths[i] = areTexts ? runTruth(_leftRun[i].text->contains(*_rightRun[i].text, true)) : QORQL_RunTruth::Undecided;
+    }
+    return true;
+  }
+
+ private:
+  const QORQL_Comparison& _comparison;
+  Bound _left;
+  Bound _right;
+  QORQL_RunOperand _leftRun;
+  QORQL_RunOperand _rightRun;
+};
+
+// ANY and EVERY, and a condition that is no comparison.
+class ValueTruth final : public QORQL_RowTruth {
+ public:
+  ValueTruth(const QORQL_Comparison& comparison, Bound left, Bound right, const QORString& nameSpace)
+      : _comparison(comparison), _left(std::move(left)), _right(std::move(right)), _nameSpace(nameSpace) {}
+  QoriTruth test(const QORQL_RowView& row) override {
+    const Value right(_right == nullptr ? Value() : _right->value(row));
+    return _comparison.compareValues(_left->value(row), right, _nameSpace);
+  }
+
+ private:
+  const QORQL_Comparison& _comparison;
+  Bound _left;
+  Bound _right;
+  const QORString& _nameSpace;
+};
+
+class RowEvaluation final : public QORQL_RowTruth {
+ public:
+  RowEvaluation(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, QORQL_Comparison& comparison,
+                const QORString& nameSpace)
+      : _symbolTable(symbolTable),
+        _table(table),
+        _comparison(comparison),
+        _nameSpace(nameSpace),
+        _row(new QORQL_DataRow()) {
+    _row->setParentTable(table.Get());
+  }
+  QoriTruth test(const QORQL_RowView& row) override {
+    _table->lazy()->fillRow(row, *_row);
+    return QORQL_truthOf(_comparison.evaluate(_symbolTable, _row, _nameSpace));
+  }
+
+ private:
+  QORQL_SymbolTable& _symbolTable;
+  QORSmrPtr<QORQL_DataTable>& _table;
+  QORQL_Comparison& _comparison;
+  const QORString& _nameSpace;
+  QORSmrPtr<QORQL_DataRow> _row;
+};
+
+class InstanceOfFinder : public QORQL_ExpressionVisitor {
+ public:
+  void visitFunction(const QORQL_Function& function) override {
+    isFound = isFound || function.getFunctionID() == QORQL_FUNCTIONID_INSTANCEOF;
+  }
+  bool isFound = false;
+};
+
+}  // namespace
+
+bool QORQL_RowTruth::asksObjectManager(const QORQL_Condition& condition) {
+  const QORQL_Comparison& comparison = condition.comparison();
+  const QORSmrPtr<QORQL_Evaluatable>& right = comparison.getRHSArithmeticExpression();
+  if (QORQL_soleFactorOf(comparison.getLHSArithmeticExpression()) != nullptr &&
+      (right.IsNull() || QORQL_soleFactorOf(right) != nullptr)) {
+    return false;
+  }
+  InstanceOfFinder* const finder = new InstanceOfFinder();
+  QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
+  condition.node->accept(visitor);
+  return finder->isFound;
+}
+
+std::unique_ptr<QORQL_RowTruth> QORQL_RowTruth::make(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
+                                                     const QORQL_Condition& condition, const QORString& nameSpace) {
+  QORQL_Comparison& comparison = condition.comparison();
+  const QORQL_Binder binder(*table);
+  const bool hasRight = !comparison.getRHSArithmeticExpression().IsNull();
+  Bound left = binder.bind(comparison.getLHSArithmeticExpression());
+  Bound right = hasRight ? binder.bind(comparison.getRHSArithmeticExpression()) : nullptr;
+  const QORQL_Operator op = comparison.getOperator();
+  if (left == nullptr || (hasRight && right == nullptr) || op == QORQL_OperatorISA) {
+    return std::make_unique<RowEvaluation>(symbolTable, table, comparison, nameSpace);
+  }
+  if (op == QORQL_OperatorISNULL || op == QORQL_OperatorISNOTNULL) {
+    return std::make_unique<NullTruth>(std::move(left), op == QORQL_OperatorISNULL);
+  }
+  if (QORQL_isRelational(op) && !comparison.isArrayComp()) {
+    return std::make_unique<RelationTruth>(std::move(left), QORQL_relationOf(op), std::move(right));
+  }
+  if (op == QORQL_OperatorLIKE) return std::make_unique<LikeTruth>(comparison, std::move(left), std::move(right));
+  return std::make_unique<ValueTruth>(comparison, std::move(left), std::move(right), nameSpace);
+}

@@ -1,0 +1,33 @@
+// The truth of one comparison on lazy rows.
+#ifndef QORQL_ROWTRUTH_H
+#define QORQL_ROWTRUTH_H
+
+#include <memory>
+
+#include "Cimom/QORQL/Lazy/QORQL_BoundExpression.h"
+#include "Cimom/QORQL/Lazy/QORQL_ColumnTest.h"
+#include "Cimom/QORQL/Lazy/QORQL_LazyFilter.h"
+
+class QORQL_RowTruth {
+ public:
+  virtual ~QORQL_RowTruth() = default;
+  // What the comparison gives on the row. THROWS what it throws there.
+  virtual QoriTruth test(const QORQL_RowView& row) = 0;
+  // What it gives on `count` rows of a block from `first` on, as far as
+  // properties and literals tell without error. False when they never do; then
+  // and for undecided rows test() must be asked. REQUIRES count <= QORQL_PropertyColumn::kBatch.
+  virtual bool testRun(const QORQL_RowBlock& /*block*/, QORuint64 /*first*/, std::size_t /*count*/,
+                       QORQL_RunTruths& /*truths*/) {
+    return false;
+  }
+
+  // BORROWS its arguments. Bound where the operands allow it, otherwise through
+  // a row that is filled for each test.
+  static std::unique_ptr<QORQL_RowTruth> make(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
+                                              const QORQL_Condition& condition, const QORString& nameSpace);
+  // Whether the tests ask the object manager, once for each: then every row of
+  // the table must be tested on its own.
+  static bool asksObjectManager(const QORQL_Condition& condition);
+};
+
+#endif

@@ -1,0 +1,213 @@
+// Columns are found once; values come from the row reader.
+#include "Cimom/QORQL/Out/QORQL_ResultReader.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <string>
+#include <utility>
+
+#include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
+#include "Cimom/QORQL/QORQL_FromClause.h"
+#include "Cimom/QORQL/QORQL_SelectList.h"
+#include "Cimom/QORQL/QORQL_SelectedEntry.h"
+
+namespace {
+
+// A name that compares without regard to case.
+std::string folded(const QORString& name) {
+  const QORString upper(QORString::toUpperCase(name));
+  return {upper.data(), upper.length()};
+}
+
+// Property names in order of appearance, each once.
+class NameUnion {
+ public:
+  void add(const IQoriObject& object) {
+    for (QORuint32 i = 0; i < object.getPropertyCount(); ++i) {
+      const QORString name(object.getPropertyAt(i)->getName());
+      if (_seen.insert(folded(name)).second) names.push_back(name);
+    }
+  }
+  std::vector<QORString> names;
+
+ private:
+  std::set<std::string> _seen;
+};
+
+}  // namespace
+
+QORQL_ResultReader::QORQL_ResultReader(const QORQL_Query& query, QORQL_SymbolTable& symbolTable,
+                                       QORSmrPtr<QORQL_DataTable>& table, const Declared& declared)
+    : _query(query), _declared(declared), _table(table), _reader(symbolTable, table) {
+  const auto& list = dynamic_cast<const QORQL_SelectList&>(*query.getSelectList());
+  _isAggregate = list.AreAllEntriesAggregates();
+  _rowCount = _reader.rowCount();
+  if (list.isFirstUsed()) _rowCount = std::min<QORuint64>(_rowCount, list.getFirstCount());
+  QORValSlistIterator<QORSmrPtr<QORQL_SelectedEntry>> entries(*list.getSelectedEntries());
+  while (++entries) addEntry(entries.key());
+  _holders.resize(_sources.size());
+  nameColumns();
+  typeColumns();
+  findOnlyClass();
+}
+
+void QORQL_ResultReader::addEntry(const QORSmrPtr<QORQL_SelectedEntry>& entry) {
+  if (entry->isSelectAll()) {
+    addAllClasses(entry);
+  } else if (entry->isClassAll()) {
+    addClass(entry, entry->getClassName());
+  } else {
+    Source source;
+    source.entry = entry;
+    if (!_isAggregate) source.slot = _reader.addEntry(entry);
+    _sources.push_back(std::move(source));
+  }
+}
+
+// By FROM, since each run of the select list turns the table's headers round.
+void QORQL_ResultReader::addAllClasses(const QORSmrPtr<QORQL_SelectedEntry>& entry) {
+  const auto& from = dynamic_cast<const QORQL_FromClause&>(*_query.getFromClause());
+  std::set<QORsint32> seen;
+  QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*from.getFromSpecifierList());
+  while (++specifiers) {
+    const QORsint32 column = _table->getColumnIndex(specifiers.key()->getTableName());
+    if (column < 0 || !seen.insert(column).second) continue;
+    addClass(entry, _table->getColumnHeader(static_cast<QORuint32>(column))->getName());
+  }
+}
+
+void QORQL_ResultReader::addClass(const QORSmrPtr<QORQL_SelectedEntry>& entry, const QORString& className) {
+  NameUnion properties;
+  std::set<const IQoriLayout*> seen;
+  QORQL_StopCheck stopCheck;
+  for (QORuint64 row = 0; row < _rowCount; ++row) {
+    stopCheck.count();
+    _reader.select(row);
+    const IQoriObject* const object = _reader.hasRow() ? _reader.fetchedObject(className) : nullptr;
+    if (object == nullptr) continue;
+    const IQoriLayout* const layout = object->getLayout();
+    if (layout == nullptr || seen.insert(layout).second) properties.add(*_reader.object(className));
+  }
+  if (properties.names.empty()) properties.names = declaredNames(className);
+  for (const QORString& name : properties.names) {
+    Source source;
+    source.entry = entry;
+    source.className = className;
+    source.propertyName = name;
+    source.slot = _reader.addFetchedProperty(className, name);
+    _sources.push_back(std::move(source));
+  }
+}
+
+// The name may be an alias, which the table knows.
+std::vector<QORString> QORQL_ResultReader::declaredNames(const QORString& fromName) const {
+  const QORsint32 column = _table->getColumnIndex(fromName);
+  if (!_declared || column < 0) return {};
+  return _declared(_table->getColumnHeader(static_cast<QORuint32>(column))->getName());
+}
+
+namespace {
+
+// Of each name, whether no other equals it.
+std::vector<bool> areUnique(const std::vector<QORString>& names) {
+  constexpr std::size_t kFew = 16;
+  std::vector<bool> unique(names.size(), true);
+  if (names.size() > kFew) {
+    std::map<std::string, std::size_t> counts;
+    for (const QORString& name : names) ++counts[folded(name)];
+    for (std::size_t i = 0; i < names.size(); ++i) unique[i] = counts[folded(names[i])] == 1;
+    return unique;
+  }
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    for (std::size_t j = 0; j < i; ++j) {
+      if (names[i].isEqualCaseInsensitive(names[j])) unique[i] = unique[j] = false;
+    }
+  }
+  return unique;
+}
+
+}  // namespace
+
+QORString QORQL_ResultReader::shortNameOf(const Source& source) {
+  const QORQL_SelectedEntry& entry = *source.entry;
+  if (!source.className.isEmpty()) return source.propertyName;
+  if (!entry.getAlias().isEmpty()) return entry.getAlias();
+  if (!entry.getWrittenText().isEmpty()) return entry.getWrittenText();
+  return entry.getPropertyName().isEmpty() ? entry.getClassName() : entry.getPropertyName();
+}
+
+QORString QORQL_ResultReader::fullNameOf(const Source& source) {
+  const QORQL_SelectedEntry& entry = *source.entry;
+  if (!source.className.isEmpty()) return source.className + "." + source.propertyName;
+  if (!entry.getWrittenText().isEmpty()) return entry.getWrittenText();
+  if (!entry.getAlias().isEmpty() || !entry.getPropertyName().isEmpty()) return QORQL_SelectList::_getCellName(entry);
+  return entry.getClassName();
+}
+
+void QORQL_ResultReader::nameColumns() {
+  std::vector<QORString> shortNames;
+  for (const Source& source : _sources) shortNames.push_back(shortNameOf(source));
+  const std::vector<bool> unique = areUnique(shortNames);
+  for (std::size_t i = 0; i < _sources.size(); ++i) {
+    Column column;
+    column.name = unique[i] ? shortNames[i] : fullNameOf(_sources[i]);
+    _columns.push_back(std::move(column));
+  }
+}
+
+// The first row that has a value tells the type.
+void QORQL_ResultReader::typeColumns() {
+  std::size_t untyped = _columns.size();
+  QORQL_StopCheck stopCheck;
+  for (QORuint64 row = 0; row < _rowCount && untyped != 0; ++row) {
+    stopCheck.count();
+    _reader.select(row);
+    for (std::size_t i = 0; i < _columns.size() && _reader.hasRow(); ++i) {
+      if (!_columns[i].typeName.isEmpty()) continue;
+      const QORSmrPtr<IQoriValue> found(value(i));
+      if (found.IsNull()) continue;
+      _columns[i].typeName = found->getType()->getName();
+      _columns[i].isArray = found->isArray();
+      --untyped;
+    }
+  }
+}
+
+void QORQL_ResultReader::findOnlyClass() {
+  QORsint32 only = -1;
+  for (std::size_t i = 0; i < _sources.size(); ++i) {
+    const Source& source = _sources[i];
+    const bool isExpanded = !source.propertyName.isEmpty();
+    if (!isExpanded && !source.entry->isPlainProperty()) return;
+    const QORString& className = isExpanded ? source.className : source.entry->getClassName();
+    const QORString& property = isExpanded ? source.propertyName : source.entry->getPropertyName();
+    const QORsint32 column = _table->getColumnIndex(className);
+    if (column < 0 || (only >= 0 && column != only)) return;
+    if (!_columns[i].name.isEqualCaseInsensitive(property)) return;
+    only = column;
+  }
+  if (only >= 0) _onlyClass = _table->getColumnHeader(static_cast<QORuint32>(only))->getName();
+}
+
+QORString QORQL_ResultReader::rowClass() {
+  const IQoriObject* const object = _onlyClass.isEmpty() ? nullptr : _reader.fetchedObject(_onlyClass);
+  return object == nullptr ? QORString() : object->getClassName();
+}
+
+bool QORQL_ResultReader::next() {
+  while (_next < _rowCount) {
+    _reader.select(_next++);
+    if (_reader.hasRow()) return true;
+  }
+  return false;
+}
+
+QORSmrPtr<IQoriValue> QORQL_ResultReader::value(std::size_t index) {
+  return _isAggregate ? _sources[index].entry->GetAggregateValue() : _reader.value(_sources[index].slot);
+}
+
+QoriScalar QORQL_ResultReader::aggregateView(std::size_t index) const {
+  const QORSmrPtr<IQoriValue>& value = _sources[index].entry->GetAggregateValue();
+  return value.IsNull() ? QoriScalar() : value->scalar();
+}
