@@ -12,9 +12,9 @@
 #include <string>
 #include <string_view>
 
-#include "Cimom/QORQL/Lazy/QORQL_ColumnTest.h"
 #include "Cimom/QORQL/Lazy/QORQL_NullExtension.h"
 #include "Cimom/QORQL/Lazy/QORQL_NumberOrder.h"
+#include "Cimom/QORQL/Lazy/QORQL_RunRelation.h"
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "Cimom/QORQL/QORQL_TextHash.h"
 #include "Cimom/QORQL/QORQL_Values.h"

@@ -5,8 +5,8 @@
 #include <memory>
 
 #include "Cimom/QORQL/Lazy/QORQL_BoundExpression.h"
-#include "Cimom/QORQL/Lazy/QORQL_ColumnTest.h"
 #include "Cimom/QORQL/Lazy/QORQL_LazyFilter.h"
+#include "Cimom/QORQL/Lazy/QORQL_RunRelation.h"
 
 class QORQL_RowTruth {
  public:

@@ -1,6 +1,6 @@
 // Unsigned numbers against an unsigned literal, the common case, take one
 // comparison each; everything else goes by the comparison of views.
-#include "Cimom/QORQL/Lazy/QORQL_ColumnTest.h"
+#include "Cimom/QORQL/Lazy/QORQL_RunRelation.h"
 
 #include "Cimom/QORQL/QORQL_Values.h"
 

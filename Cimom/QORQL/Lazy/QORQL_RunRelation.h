@@ -1,7 +1,7 @@
-// A relation of a property with a literal or with another property, tested on
-// runs of rows.
-#ifndef QORQL_COLUMNTEST_H
-#define QORQL_COLUMNTEST_H
+// A relation of a property with a literal or with another property, decided for
+// a run of rows at a time.
+#ifndef QORQL_RUNRELATION_H
+#define QORQL_RUNRELATION_H
 
 #include <array>
 
