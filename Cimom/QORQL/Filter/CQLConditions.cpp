@@ -130,9 +130,9 @@ class Relation : public CQLCondition {
     const QoriScalar right = _right->view(*instance, rightObject, rightHolder);
     return holdsFor(left, right);
   }
-  CQLQuickTest quickTest() const override {
+  CQLQuickCheck quickCheck() const override {
     const QORString* const property = _left->ownProperty();
-    if (property == nullptr || !_right->holdsConstant() || !CQLQuickTest::canDecide(_right->constant())) return {};
+    if (property == nullptr || !_right->holdsConstant() || !CQLQuickCheck::canDecide(_right->constant())) return {};
     return {*property, _relation.getRelation(), _right->constant()};
   }
   // With the constant on the right, whichever side it is written on.
@@ -180,7 +180,7 @@ class ArrayRelation final : public Relation {
         _isAny(comparison.getArrayComp() == QORQL_Comparison::ArrayCompAnyLeft ||
                comparison.getArrayComp() == QORQL_Comparison::ArrayCompAnyRight) {}
 
-  CQLQuickTest quickTest() const override { return {}; }
+  CQLQuickCheck quickCheck() const override { return {}; }
   CQLAccess access() const override { return {}; }
 
  private:

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "Cimom/QORQL/Filter/CQLAccess.h"
-#include "Cimom/QORQL/Filter/CQLQuickTest.h"
+#include "Cimom/QORQL/Filter/CQLQuickCheck.h"
 #include "Cimom/QORQL/QORQL_Evaluatable.h"
 #include "cimom/IQoriObject.h"
 
@@ -18,8 +18,8 @@ class CQLCondition {
  public:
   virtual ~CQLCondition() = default;
   virtual bool holds(const QORSmrPtr<IQoriObject>& instance) const = 0;
-  // A test that gives what holds() gives, or decides nothing; valid while the condition lives.
-  virtual CQLQuickTest quickTest() const { return {}; }
+  // A check that gives what holds() gives, or decides nothing; valid while the condition lives.
+  virtual CQLQuickCheck quickCheck() const { return {}; }
   // The condition and, in parentheses, the values that it compared on the
   // instance or why it never holds.
   virtual std::string explain(const QORSmrPtr<IQoriObject>& instance) const = 0;

@@ -76,8 +76,8 @@ bool CQLQueryStatement::isMatch(const QORSmrPtr<IQoriObject>& instance, const QO
   if (_matcher == nullptr) {
     requireValidated(kIsMatch);
   } else {
-    const CQLQuickTest::Outcome outcome = _matcher->matchesQuickly(instance.Get(), nameSpace);
-    if (outcome != CQLQuickTest::Outcome::Undecided) return outcome == CQLQuickTest::Outcome::Holds;
+    const CQLQuickCheck::Outcome outcome = _matcher->matchesQuickly(instance.Get(), nameSpace);
+    if (outcome != CQLQuickCheck::Outcome::Undecided) return outcome == CQLQuickCheck::Outcome::Holds;
   }
   if (instance.IsNull()) CQLQueryException::raise(kIsMatch, CQL_QUERY_INVALID_OR_NULL_PARM_ERROR);
   bool result = false;

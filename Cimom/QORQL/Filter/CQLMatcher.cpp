@@ -47,7 +47,7 @@ CQLMatcher::CQLMatcher(const CQLQueryStatement& statement) : _statement(statemen
 CQLMatcher::~CQLMatcher() = default;
 
 void CQLMatcher::add(std::unique_ptr<CQLCondition> condition) {
-  _quickTests.push_back(condition->quickTest());
+  _quickChecks.push_back(condition->quickCheck());
   _conditions.push_back(std::move(condition));
 }
 
@@ -89,9 +89,9 @@ const CQLCondition* CQLMatcher::firstFailure(const QORSmrPtr<IQoriObject>& insta
   const QORuint64 serial = layout == nullptr ? 0 : layout->getSerial();
   for (std::size_t i = 0; i < _conditions.size(); ++i) {
     try {
-      const CQLQuickTest::Outcome outcome = _quickTests[i].test(object, layout, serial);
-      const bool holds = outcome == CQLQuickTest::Outcome::Undecided ? _conditions[i]->holds(instance)
-                                                                     : outcome == CQLQuickTest::Outcome::Holds;
+      const CQLQuickCheck::Outcome outcome = _quickChecks[i].check(object, layout, serial);
+      const bool holds = outcome == CQLQuickCheck::Outcome::Undecided ? _conditions[i]->holds(instance)
+                                                                      : outcome == CQLQuickCheck::Outcome::Holds;
       if (!holds) return _conditions[i].get();
     } catch (...) {
       return _conditions[i].get();

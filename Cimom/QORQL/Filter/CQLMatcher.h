@@ -17,16 +17,16 @@ class CQLMatcher {
   ~CQLMatcher();
   // Whether the instance matches, where few instructions tell: the filter's own
   // namespace text, an instance of the layout that was last found to be of a FROM
-  // class itself, and conditions with quick tests. Undecided everywhere else.
-  CQLQuickTest::Outcome matchesQuickly(const IQoriObject* instance, const QORString& nameSpace) const noexcept {
-    using Outcome = CQLQuickTest::Outcome;
+  // class itself, and conditions with quick checks. Undecided everywhere else.
+  CQLQuickCheck::Outcome matchesQuickly(const IQoriObject* instance, const QORString& nameSpace) const noexcept {
+    using Outcome = CQLQuickCheck::Outcome;
     if (instance == nullptr || nameSpace.data() != _nameSpaceText) return Outcome::Undecided;
     const IQoriLayout* const layout = instance->getLayout();
     if (layout == nullptr) return Outcome::Undecided;
     const QORuint64 serial = layout->getSerial();
     if (serial != _fromSerial.load(std::memory_order_relaxed)) return Outcome::Undecided;
-    for (const CQLQuickTest& test : _quickTests) {
-      const Outcome outcome = test.test(*instance, layout, serial);
+    for (const CQLQuickCheck& check : _quickChecks) {
+      const Outcome outcome = check.check(*instance, layout, serial);
       if (outcome != Outcome::Holds) return outcome;
     }
     return Outcome::Holds;
@@ -53,7 +53,7 @@ class CQLMatcher {
 
   std::vector<QORString> _classes;  // of FROM
   std::vector<std::unique_ptr<CQLCondition>> _conditions;
-  std::vector<CQLQuickTest> _quickTests;  // of each condition
+  std::vector<CQLQuickCheck> _quickChecks;  // of each condition
   const CQLQueryStatement& _statement;
   const char* _nameSpaceText = nullptr;  // of the statement's string; null when that is a null string
   mutable std::atomic<QORuint64> _fromSerial{kNoSerial};

@@ -1,7 +1,7 @@
 // A condition that compares a property of the instance itself with a number or
 // a text, decided in a few instructions where the property is of that kind.
-#ifndef QORQL_CQLQUICKTEST_H
-#define QORQL_CQLQUICKTEST_H
+#ifndef QORQL_CQLQUICKCHECK_H
+#define QORQL_CQLQUICKCHECK_H
 
 #include <atomic>
 
@@ -10,16 +10,16 @@
 #include "cmpbase.h"
 
 // Threads may share one.
-class CQLQuickTest {
+class CQLQuickCheck {
  public:
   enum class Outcome : QORuint8 { Fails, Holds, Undecided };
 
-  // A test that decides nothing.
-  CQLQuickTest() noexcept = default;
+  // A check that decides nothing.
+  CQLQuickCheck() noexcept = default;
   // BORROWS what the constant shows. REQUIRES canDecide(constant).
-  CQLQuickTest(const QORString& property, QoriRelation relation, const QoriScalar& constant) noexcept;
-  CQLQuickTest(CQLQuickTest&& other) noexcept;
-  CQLQuickTest& operator=(CQLQuickTest&&) = delete;
+  CQLQuickCheck(const QORString& property, QoriRelation relation, const QoriScalar& constant) noexcept;
+  CQLQuickCheck(CQLQuickCheck&& other) noexcept;
+  CQLQuickCheck& operator=(CQLQuickCheck&&) = delete;
 
   static bool canDecide(const QoriScalar& constant) noexcept {
     const bool isOrderedReal = constant.kind == QoriScalarKind::Real && constant.r == constant.r;
@@ -27,7 +27,7 @@ class CQLQuickTest {
   }
 
   // `layout` is the instance's own, which may be null, and `serial` its number.
-  Outcome test(const IQoriObject& instance, const IQoriLayout* layout, QORuint64 serial) const noexcept {
+  Outcome check(const IQoriObject& instance, const IQoriLayout* layout, QORuint64 serial) const noexcept {
     QORuint64 place = _place.load(std::memory_order_relaxed);
     if (place >> kPositionBits != serial && !find(layout, serial, place)) return Outcome::Undecided;
     const QoriScalar value = instance.getScalarAt(static_cast<QORuint32>(place & kPositionMask));
@@ -39,7 +39,7 @@ class CQLQuickTest {
         if (value.r != value.r) return Outcome::Undecided;
         return decide(value.r == _constant.r, value.r > _constant.r);
       case QoriScalarKind::Text:
-        return testText(*value.text);
+        return checkText(*value.text);
       default:
         return Outcome::Undecided;
     }
@@ -53,7 +53,7 @@ class CQLQuickTest {
   static constexpr QORuint64 kNowhere = ~QORuint64{0};
 
   bool find(const IQoriLayout* layout, QORuint64 serial, QORuint64& place) const noexcept;
-  Outcome testText(const QORString& text) const noexcept;
+  Outcome checkText(const QORString& text) const noexcept;
   Outcome decide(bool isEqual, bool isGreater) const noexcept {
     const unsigned order = (isEqual ? 1U : 0U) | (isGreater ? 2U : 0U);
     return (_orders >> order & 1U) != 0 ? Outcome::Holds : Outcome::Fails;

@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "Cimom/Embedded/InstanceProvider.h"
-#include "Cimom/QORQL/Filter/CQLQuickTest.h"
+#include "Cimom/QORQL/Filter/CQLQuickCheck.h"
 #include "FilterWorld.h"
 #include "cimom/CIMApi.h"
 #include "cimom/CQoriBaseObject.h"
@@ -14,11 +14,11 @@
 
 namespace {
 
-struct FilterQuick : testing::Test {
+struct FilterQuickCheck : testing::Test {
   FilterWorld world;
 };
 
-TEST_F(FilterQuick, instancesOfSeveralLayoutsInTurn) {
+TEST_F(FilterQuickCheck, instancesOfSeveralLayoutsInTurn) {
   CQLQueryStatement filter("DMTF:CQL", "SELECT * FROM CIM_StorageVolume WHERE Size > 10 AND Id <> 'x'", kNameSpace,
                            kNameSpace);
   ASSERT_EQ(filter.validate(), QUERY_VALIDATE_SUCCESS);
@@ -37,7 +37,7 @@ TEST_F(FilterQuick, instancesOfSeveralLayoutsInTurn) {
 }
 
 // A class outside FROM is refused again and again, whatever matched before it.
-TEST_F(FilterQuick, instancesOfOtherClassesInTurn) {
+TEST_F(FilterQuickCheck, instancesOfOtherClassesInTurn) {
   CQLQueryStatement filter("DMTF:CQL", "SELECT * FROM CIM_ConcreteJob WHERE Id = 'a'", kNameSpace, kNameSpace);
   ASSERT_EQ(filter.validate(), QUERY_VALIDATE_SUCCESS);
   const auto job = world.indication("instance of CIM_ConcreteJob { Id = \"a\"; };");
@@ -51,7 +51,7 @@ TEST_F(FilterQuick, instancesOfOtherClassesInTurn) {
 }
 
 // The filter's own namespace text is recognised by its place in memory; others are compared.
-TEST_F(FilterQuick, theNamespaceCountsHoweverItComes) {
+TEST_F(FilterQuickCheck, theNamespaceCountsHoweverItComes) {
   const QORString own(kNameSpace);
   CQLQueryStatement filter("DMTF:CQL", "SELECT * FROM CIM_ConcreteJob WHERE Id = 'a'", own, own);
   ASSERT_EQ(filter.validate(), QUERY_VALIDATE_SUCCESS);
@@ -70,7 +70,7 @@ TEST_F(FilterQuick, theNamespaceCountsHoweverItComes) {
 }
 
 // alertMatches compares with the walk of the tree.
-TEST_F(FilterQuick, everyRelationOfEveryKind) {
+TEST_F(FilterQuickCheck, everyRelationOfEveryKind) {
   const std::string properties =
       "U8 = 5; U64 = 5; S8 = -5; S64 = 5; R32 = 5.5; R64 = -0.5; B = TRUE; OwningEntity = \"SNIA\"; A = {5}; C = 'x';";
   for (const char* const relation : {"=", "<>", "<", ">", "<=", ">="}) {
@@ -83,7 +83,7 @@ TEST_F(FilterQuick, everyRelationOfEveryKind) {
 }
 
 // The same property stands at another place in each class.
-TEST_F(FilterQuick, instancesOfTwoFromClassesInTurn) {
+TEST_F(FilterQuickCheck, instancesOfTwoFromClassesInTurn) {
   FilterWorld two(
       "class CIM_Fan { [key] string Id; uint32 Speed; }; class CIM_Pump { uint32 Size; uint32 Load; uint32 Speed; "
       "[key] string Id; "
@@ -104,7 +104,7 @@ TEST_F(FilterQuick, instancesOfTwoFromClassesInTurn) {
 }
 
 // Infinity less infinity is no number: nothing is less, equal or greater.
-TEST_F(FilterQuick, aConstantThatIsNoNumberDiffersFromAll) {
+TEST_F(FilterQuickCheck, aConstantThatIsNoNumberDiffersFromAll) {
   const std::string none = "1.0e308 * 10.0 - 1.0e308 * 10.0";
   for (const char* const relation : {"=", "<", ">", "<=", ">="}) {
     EXPECT_FALSE(world.alertMatches(std::string("R64 ") + relation + " " + none, "R64 = 0.5;")) << relation;
@@ -126,7 +126,7 @@ class Gauges : public InstanceProvider {
   }
 };
 
-TEST_F(FilterQuick, aPropertyThatIsNoNumberDiffersFromAll) {
+TEST_F(FilterQuickCheck, aPropertyThatIsNoNumberDiffersFromAll) {
   FilterWorld gauges("class CIM_Gauge { [key] string Id; real64 Level; };");
   gauges.manager().registerProvider(kNameSpace, std::make_shared<Gauges>());
   CIMApi client;
@@ -142,7 +142,7 @@ TEST_F(FilterQuick, aPropertyThatIsNoNumberDiffersFromAll) {
 }
 
 // Only the first step of a way is a FROM name.
-TEST_F(FilterQuick, aPropertyNamedLikeItsAlias) {
+TEST_F(FilterQuickCheck, aPropertyNamedLikeItsAlias) {
   const auto change = world.indication(
       "instance of CIM_InstModification { SourceInstance = instance of CIM_StorageVolume { Id = \"a\"; Size = 5; }; "
       "};");
@@ -151,7 +151,7 @@ TEST_F(FilterQuick, aPropertyNamedLikeItsAlias) {
   EXPECT_FALSE(world.matches(filter + "SourceInstance.Size = 6", change));
 }
 
-TEST_F(FilterQuick, elementsUpToTheLast) {
+TEST_F(FilterQuickCheck, elementsUpToTheLast) {
   for (int index = 0; index < 4; ++index) {
     const std::string element = "A[" + std::to_string(index) + "]";
     EXPECT_EQ(world.alertMatches(element + " = " + std::to_string(index + 5), "A = {5, 6};"), index < 2) << element;
@@ -159,7 +159,7 @@ TEST_F(FilterQuick, elementsUpToTheLast) {
   }
 }
 
-TEST_F(FilterQuick, anInstanceWithoutLayoutIsReadByName) {
+TEST_F(FilterQuickCheck, anInstanceWithoutLayoutIsReadByName) {
   const QORSmrPtr<CQoriBaseObject::PropertyList> properties(new CQoriBaseObject::PropertyList);
   properties->append(new CQoriProperty("Size", QORSmrPtr<IQoriValue>(new CQoriValue(11ULL, CQoriType::uint64)), false));
   const QORSmrPtr<IQoriObject> object(new CQoriBaseObject(kNameSpace, "CIM_StorageVolume", "Id", properties));
@@ -167,19 +167,19 @@ TEST_F(FilterQuick, anInstanceWithoutLayoutIsReadByName) {
   EXPECT_FALSE(world.matches("SELECT * FROM CIM_StorageVolume WHERE Size > 11", object));
 }
 
-TEST(CQLQuickTest, decidesNothingWithoutPropertyOrLayout) {
+TEST(CQLQuickCheck, decidesNothingWithoutPropertyOrLayout) {
   FilterWorld world;
   const auto volume = world.indication("instance of CIM_StorageVolume { Id = \"a\"; Size = 11; };");
   const IQoriLayout* const layout = volume->getLayout();
-  EXPECT_EQ(CQLQuickTest().test(*volume, layout, layout->getSerial()), CQLQuickTest::Outcome::Undecided);
+  EXPECT_EQ(CQLQuickCheck().check(*volume, layout, layout->getSerial()), CQLQuickCheck::Outcome::Undecided);
   QoriScalar ten;
   ten.kind = QoriScalarKind::Unsigned;
   ten.u = 10;
-  const CQLQuickTest unknown("NoSuch", QoriRelation::Greater, ten);
-  EXPECT_EQ(unknown.test(*volume, layout, layout->getSerial()), CQLQuickTest::Outcome::Undecided);
-  const CQLQuickTest size("Size", QoriRelation::Greater, ten);
-  EXPECT_EQ(size.test(*volume, layout, 0), CQLQuickTest::Outcome::Undecided);
-  EXPECT_EQ(size.test(*volume, layout, layout->getSerial()), CQLQuickTest::Outcome::Holds);
+  const CQLQuickCheck unknown("NoSuch", QoriRelation::Greater, ten);
+  EXPECT_EQ(unknown.check(*volume, layout, layout->getSerial()), CQLQuickCheck::Outcome::Undecided);
+  const CQLQuickCheck size("Size", QoriRelation::Greater, ten);
+  EXPECT_EQ(size.check(*volume, layout, 0), CQLQuickCheck::Outcome::Undecided);
+  EXPECT_EQ(size.check(*volume, layout, layout->getSerial()), CQLQuickCheck::Outcome::Holds);
 }
 
 }  // namespace

@@ -1,17 +1,17 @@
-// What the quick test does once for a layout, and the comparison of texts.
-#include "Cimom/QORQL/Filter/CQLQuickTest.h"
+// What the quick check does once for a layout, and the comparison of texts.
+#include "Cimom/QORQL/Filter/CQLQuickCheck.h"
 
 #include <compare>
 #include <utility>
 
-CQLQuickTest::CQLQuickTest(const QORString& property, QoriRelation relation, const QoriScalar& constant) noexcept
+CQLQuickCheck::CQLQuickCheck(const QORString& property, QoriRelation relation, const QoriScalar& constant) noexcept
     : _property(property), _constant(constant) {
   const std::partial_ordering orders[] = {std::partial_ordering::less, std::partial_ordering::equivalent,
                                           std::partial_ordering::greater};
   for (unsigned order = 0; order < 3; ++order) _orders |= qori::satisfies(orders[order], relation) ? 1U << order : 0U;
 }
 
-CQLQuickTest::CQLQuickTest(CQLQuickTest&& other) noexcept
+CQLQuickCheck::CQLQuickCheck(CQLQuickCheck&& other) noexcept
     : _property(std::move(other._property)),
       _constant(other._constant),
       _orders(other._orders),
@@ -19,7 +19,7 @@ CQLQuickTest::CQLQuickTest(CQLQuickTest&& other) noexcept
 
 // Layouts without a number, and positions that the number has no room for, are
 // left to the condition itself.
-bool CQLQuickTest::find(const IQoriLayout* layout, QORuint64 serial, QORuint64& place) const noexcept {
+bool CQLQuickCheck::find(const IQoriLayout* layout, QORuint64 serial, QORuint64& place) const noexcept {
   if (serial == 0 || _property.isEmpty()) return false;
   const QORsint32 position = layout->getPosition(_property);
   if (position < 0 || static_cast<QORuint64>(position) > kPositionMask) return false;
@@ -28,7 +28,7 @@ bool CQLQuickTest::find(const IQoriLayout* layout, QORuint64 serial, QORuint64& 
   return true;
 }
 
-CQLQuickTest::Outcome CQLQuickTest::testText(const QORString& text) const noexcept {
+CQLQuickCheck::Outcome CQLQuickCheck::checkText(const QORString& text) const noexcept {
   const int order = text.view().compare(_constant.text->view());
   return decide(order == 0, order > 0);
 }
