@@ -1,6 +1,7 @@
-"""The engine's outer symbols: what libqorql needs from outside, and the plain names it must export.
+"""The libraries' outer symbols: what the engine and the object model need from outside, the plain names that the engine
+must export, and that no library has what another one has.
 
-Run as check_symbols.py LIBRARY INCLUDE_FOLDER; the exit status is 1 when anything was printed.
+Run as check_symbols.py INCLUDE_FOLDER ENGINE MODEL [OTHER...]; the exit status is 1 when anything was printed.
 """
 import os
 import re
@@ -57,7 +58,7 @@ def symbols(library, kind, demangle):
     return [re.sub(r"^[0-9a-f ]*[A-Za-z] ", "", line) for line in listing.splitlines() if line.strip()]
 
 
-def check(library, include):
+def check_engine(library, include):
     names = platform_names(include)
     for symbol in find_strangers(symbols(library, "--undefined-only", True), names):
         yield f"{library}: needs {symbol}, which no header in include/ declares: the engine may ask the platform only"
@@ -67,8 +68,36 @@ def check(library, include):
             yield f'{library}: does not export {name} under this plain name: give it C linkage and default visibility'
 
 
+def check_model(library):
+    for symbol in symbols(library, "--undefined-only", True):
+        if not is_runtime(symbol):
+            yield f"{library}: needs {symbol}: the object model stands on the C++ library alone"
+
+
+def find_doubles(definitions):
+    """What two libraries define, each symbol with both; inline functions and what else the linker merges apart."""
+    owners = {}
+    for library, defined in definitions.items():
+        for symbol in defined:
+            owner = owners.setdefault(symbol, library)
+            if owner != library:
+                yield f"{library}: has {symbol}, which {owner} has: a program of both would use one of them by chance"
+
+
+def strong_symbols(library):
+    listing = subprocess.run(["nm", "-D", "-C", "--defined-only", library], stdout=subprocess.PIPE, check=True).stdout.decode()
+    return [match.group(1) for match in re.finditer(r"^[0-9a-f]+ [ABDRST] (.*)$", listing, re.MULTILINE)
+            if match.group(1) not in ("_init", "_fini")]
+
+
+def check(include, engine, model, *others):
+    yield from check_engine(engine, include)
+    yield from check_model(model)
+    yield from find_doubles({library: strong_symbols(library) for library in (engine, model, *others)})
+
+
 if __name__ == "__main__":
-    found = list(check(sys.argv[1], sys.argv[2]))
+    found = list(check(*sys.argv[1:]))
     for line in found:
         print(line)
     sys.exit(1 if found else 0)

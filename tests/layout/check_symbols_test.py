@@ -1,5 +1,6 @@
 """Proves that check_symbols.py tells the platform's and the run time's symbols from strangers."""
 import os
+import subprocess
 import sys
 import tempfile
 import unittest
@@ -56,6 +57,46 @@ class CheckSymbols(unittest.TestCase):
 
     def test_every_stranger_is_found(self):
         self.assertEqual(check_symbols.find_strangers(KNOWN + STRANGERS, self.names), STRANGERS)
+
+    def test_what_two_libraries_have_is_found(self):
+        self.assertEqual(list(check_symbols.find_doubles({"one": ["a()", "b()"], "two": ["c()"]})), [])
+        found = list(check_symbols.find_doubles({"one": ["a()", "b()"], "two": ["b()", "c()"], "three": ["c()"]}))
+        self.assertEqual([line.split(",", 1)[0] for line in found], ["two: has b()", "three: has c()"])
+
+
+class Libraries(unittest.TestCase):
+    """Libraries that a compiler makes of a line each."""
+
+    def make(self, name, text):
+        path = os.path.join(self.folder, name)
+        subprocess.run(["g++", "-shared", "-fPIC", "-x", "c++", "-o", path, "-"], input=text.encode(), check=True)
+        return path
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = folder.name
+        os.mkdir(os.path.join(self.folder, "include"))
+        with open(os.path.join(self.folder, "include", "a.h"), "w", encoding="utf-8") as out:
+            out.write(HEADER)
+
+    def check(self, engine, model, other):
+        libraries = [self.make(*pair) for pair in (("e.so", engine), ("m.so", model), ("o.so", other))]
+        found = check_symbols.check(os.path.join(self.folder, "include"), *libraries)
+        return [line.removeprefix(self.folder + "/").split(":", 1)[0] + line[line.index(": "):].split(",", 1)[0] for line in found]
+
+    ENGINE = 'extern "C" { int lineno, yylval, yywrap; } bool qorInitThreading() noexcept; bool asks() { return qorInitThreading(); }'
+    MODEL = "bool qorInitThreading() noexcept { return true; }"
+
+    def test_sound_libraries_pass(self):
+        self.assertEqual(self.check(self.ENGINE, self.MODEL, "inline int f() { return 1; } int g() { return f(); }"), [])
+
+    def test_each_kind_of_fault_is_found(self):
+        found = self.check("void stranger(); void f() { stranger(); }", "void other(); void g() { other(); }", "void g() {}")
+        self.assertEqual(found, ["e.so: needs stranger()", "e.so: does not export lineno under this plain name: give it C linkage and default visibility",
+                                 "e.so: does not export yylval under this plain name: give it C linkage and default visibility",
+                                 "e.so: does not export yywrap under this plain name: give it C linkage and default visibility",
+                                 "m.so: needs other(): the object model stands on the C++ library alone", "o.so: has g()"])
 
 
 if __name__ == "__main__":

@@ -29,7 +29,7 @@ class Build:
         with open(os.path.join(folder, "compile_commands.json"), encoding="utf-8") as file:
             self.commands = {os.path.relpath(entry["file"], root): entry["command"] for entry in json.load(file)}
         self.links = {}
-        for library in ("libqorql.so.0", "libqorqlembedded.so.0"):
+        for library in ("libqorql.so.0", "libqorqlmodel.so.0", "libqorqlembedded.so.0"):
             real = os.path.basename(os.path.realpath(os.path.join(folder, library)))
             commands = subprocess.run(["ninja", "-C", folder, "-t", "commands", real], capture_output=True, text=True,
                                       check=True).stdout
