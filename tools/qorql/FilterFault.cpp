@@ -11,7 +11,7 @@ std::string plain(const QORString& text) { return std::string(text.view()); }
 
 std::string didYouMean(const std::string& name) { return name.empty() ? "" : ": did you mean " + name + "?"; }
 
-bool isRelation(const FilterText& text, std::size_t piece) {
+bool isRelation(const StatementText& text, std::size_t piece) {
   for (const char* sign : {"=", "<>", "!=", "<", ">", "<=", ">=", "LIKE"}) {
     if (text.is(piece, sign)) return true;
   }
@@ -27,7 +27,7 @@ std::string FilterFault::describe(const CQLQueryFault& fault) const {
   }
   if (fault.kind == CQLQueryFault::kSyntax) return describeSyntax(fault);
   // A class that does not exist has no properties either: it is the cause.
-  if (const FilterText::Source* const source = unknownSource()) return describeClass(*source);
+  if (const StatementText::Source* const source = unknownSource()) return describeClass(*source);
   switch (fault.kind) {
     case CQLQueryFault::kProperty:
       return describeProperty(fault);
@@ -49,14 +49,14 @@ std::string FilterFault::describeSyntax(const CQLQueryFault& fault) const {
   return reason + " (" + _text.place(fault.offset) + (rest.empty() ? ", at the end)" : ")");
 }
 
-const FilterText::Source* FilterFault::unknownSource() const {
-  for (const FilterText::Source& source : _text.sources()) {
+const StatementText::Source* FilterFault::unknownSource() const {
+  for (const StatementText::Source& source : _text.sources()) {
     if (_manager.sink().findClass(_nameSpace, QORString(source.className)).IsNull()) return &source;
   }
   return nullptr;
 }
 
-std::string FilterFault::describeClass(const FilterText::Source& source) const {
+std::string FilterFault::describeClass(const StatementText::Source& source) const {
   const std::string place = " (" + _text.place(source.offset) + ")";
   std::string reason = source.className + " is no class of " + plain(_nameSpace);
   for (const QORString& other : _manager.namespaces()) {
@@ -72,7 +72,7 @@ std::string FilterFault::describeClass(const FilterText::Source& source) const {
 std::vector<QORString> FilterFault::classesOf(const CQLQueryFault& fault) const {
   if (!fault.className.isEmpty()) return {fault.className};
   std::vector<QORString> classes;
-  for (const FilterText::Source& source : _text.sources()) {
+  for (const StatementText::Source& source : _text.sources()) {
     const QORString name(source.className);
     const auto isName = [&name](const QORString& other) { return other.isEqualCaseInsensitive(name); };
     if (std::none_of(classes.begin(), classes.end(), isName)) classes.push_back(name);
@@ -101,7 +101,7 @@ std::string FilterFault::suggestProperty(const std::string& name, const std::vec
 
 // A name that is compared with another name may be a text without its quotes.
 bool FilterFault::looksLikeText(std::size_t piece) const {
-  if (piece == FilterText::kNowhere || piece < _text.behindFrom()) return false;
+  if (piece == StatementText::kNowhere || piece < _text.behindFrom()) return false;
   const auto isName = [this](std::size_t other) {
     return _text.isWord(other) && !_text.is(other, "TRUE") && !_text.is(other, "FALSE");
   };
@@ -120,7 +120,7 @@ std::string FilterFault::describeProperty(const CQLQueryFault& fault) const {
 
 std::vector<std::string> FilterFault::choicesFor(const std::string& name) const {
   std::vector<std::string> choices;
-  for (const FilterText::Source& source : _text.sources()) {
+  for (const StatementText::Source& source : _text.sources()) {
     for (const CimPropertyDeclaration& property : _manager.allProperties(_nameSpace, QORString(source.className))) {
       if (!QORString::equalIgnoringCase(property.name.view(), name)) continue;
       const std::string& qualifier = source.alias.empty() ? source.className : source.alias;
@@ -148,7 +148,7 @@ std::string FilterFault::describeQualifier(const std::string& name) const {
            " and no class of FROM: a query does not read what an object within holds" + placeOf(piece);
   }
   Suggestion suggestion(written);
-  for (const FilterText::Source& source : _text.sources()) {
+  for (const StatementText::Source& source : _text.sources()) {
     suggestion.consider(source.className);
     suggestion.consider(source.alias);
   }
@@ -157,9 +157,9 @@ std::string FilterFault::describeQualifier(const std::string& name) const {
 }
 
 std::string FilterFault::spelling(std::size_t piece, const std::string& name) const {
-  return piece == FilterText::kNowhere ? name : std::string(_text.pieces()[piece].text);
+  return piece == StatementText::kNowhere ? name : std::string(_text.pieces()[piece].text);
 }
 
 std::string FilterFault::placeOf(std::size_t piece) const {
-  return piece == FilterText::kNowhere ? "" : " (" + _text.place(_text.pieces()[piece].offset) + ")";
+  return piece == StatementText::kNowhere ? "" : " (" + _text.place(_text.pieces()[piece].offset) + ")";
 }

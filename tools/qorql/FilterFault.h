@@ -7,28 +7,28 @@
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "Cimom/QORQL/CQLQueryFault.h"
-#include "FilterText.h"
+#include "StatementText.h"
 
 // Names what is at fault, what may have been meant and where it stands:
 // "Owner is no property of CIM_AlertIndication: did you mean OwningEntity? (line 1, column 43)".
 // BORROWS all it is given.
 class FilterFault {
  public:
-  FilterFault(EmbeddedObjectManager& manager, const QORString& nameSpace, const FilterText& text)
+  FilterFault(EmbeddedObjectManager& manager, const QORString& nameSpace, const StatementText& text)
       : _manager(manager), _nameSpace(nameSpace), _text(text) {}
 
   std::string describe(const CQLQueryFault& fault) const;
 
  private:
   std::string describeSyntax(const CQLQueryFault& fault) const;
-  std::string describeClass(const FilterText::Source& source) const;
+  std::string describeClass(const StatementText::Source& source) const;
   std::string describeProperty(const CQLQueryFault& fault) const;
   // The ways to write a property of a FROM class with its qualifier.
   std::vector<std::string> choicesFor(const std::string& name) const;
   std::string describeAmbiguous(const std::string& name) const;
   std::string describeQualifier(const std::string& name) const;
   // The first class of FROM that does not exist; null when all do.
-  const FilterText::Source* unknownSource() const;
+  const StatementText::Source* unknownSource() const;
   // The classes that were asked for the property at fault.
   std::vector<QORString> classesOf(const CQLQueryFault& fault) const;
   std::string namesOf(const std::vector<QORString>& classes) const;
@@ -41,7 +41,7 @@ class FilterFault {
 
   EmbeddedObjectManager& _manager;
   const QORString _nameSpace;
-  const FilterText& _text;
+  const StatementText& _text;
 };
 
 #endif

@@ -10,7 +10,7 @@ namespace {
 
 using Kind = FilterOperand::Kind;
 
-constexpr std::size_t kNowhere = FilterText::kNowhere;
+constexpr std::size_t kNowhere = StatementText::kNowhere;
 
 Kind kindOf(const QORString& type) {
   if (CQLQueryStatement::isNumericalData(type, type)) return Kind::Number;
@@ -86,20 +86,20 @@ std::size_t FilterOperandReader::readLiteral(std::size_t piece, FilterOperand& o
   const bool isNegative = _text.is(piece, "-");
   if (isNegative) ++piece;
   if (piece >= _text.pieces().size()) return kNowhere;
-  const FilterText::Piece& literal = _text.pieces()[piece];
-  if (literal.kind == FilterText::Kind::Number) {
+  const StatementText::Piece& literal = _text.pieces()[piece];
+  if (literal.kind == StatementText::Kind::Number) {
     operand.kind = Kind::Number;
     operand.type = "number";
     const std::size_t end = behindNumber(piece);
-    const FilterText::Piece& last = _text.pieces()[end - 1];
+    const StatementText::Piece& last = _text.pieces()[end - 1];
     const std::string digits(_text.text().substr(literal.offset, last.offset + last.text.size() - literal.offset));
     operand.number = numberOf(digits, isNegative);
     operand.isSigned = operand.number.kind == QoriScalarKind::Signed;
     return end;
   }
-  if (isNegative || literal.kind == FilterText::Kind::Sign) return kNowhere;
+  if (isNegative || literal.kind == StatementText::Kind::Sign) return kNowhere;
   std::string_view text = literal.text;
-  if (literal.kind == FilterText::Kind::Literal && text.size() > 2) text = text.substr(1, text.size() - 2);
+  if (literal.kind == StatementText::Kind::Literal && text.size() > 2) text = text.substr(1, text.size() - 2);
   operand.kind = Kind::Text;
   operand.type = "text";
   operand.saysTruth = isTruth(text);
@@ -109,7 +109,7 @@ std::size_t FilterOperandReader::readLiteral(std::size_t piece, FilterOperand& o
 // digits [ . digits [ e [-] digits ] ]
 std::size_t FilterOperandReader::behindNumber(std::size_t piece) const noexcept {
   const auto isNumber = [this](std::size_t i) {
-    return i < _text.pieces().size() && _text.pieces()[i].kind == FilterText::Kind::Number;
+    return i < _text.pieces().size() && _text.pieces()[i].kind == StatementText::Kind::Number;
   };
   if (!_text.is(piece + 1, ".") || !isNumber(piece + 2)) return piece + 1;
   const std::size_t exponent = piece + 3;
@@ -143,7 +143,7 @@ std::size_t FilterOperandReader::readReference(std::size_t piece, FilterOperand&
     }
     ++piece;
   }
-  const FilterText::Piece& first = _text.pieces()[operand.piece];
+  const StatementText::Piece& first = _text.pieces()[operand.piece];
   const std::size_t last = std::min(piece, _text.pieces().size()) - 1;
   const std::size_t end = _text.pieces()[last].offset + _text.pieces()[last].text.size();
   operand.written = _text.text().substr(first.offset, end - first.offset);
@@ -159,7 +159,7 @@ void FilterOperandReader::describe(const std::string& qualifier, const std::stri
     const std::string fromClass = scope.empty() ? _text.classOf(qualifier) : scope;
     classes.push_back(fromClass.empty() ? _text.isaClassOf(qualifier) : fromClass);
   } else {
-    for (const FilterText::Source& source : _text.sources()) classes.push_back(source.className);
+    for (const StatementText::Source& source : _text.sources()) classes.push_back(source.className);
   }
   for (const std::string& className : classes) {
     CimPropertyDeclaration property;

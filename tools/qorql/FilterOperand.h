@@ -6,7 +6,7 @@
 #include <string>
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
-#include "FilterText.h"
+#include "StatementText.h"
 #include "cimom/QoriScalar.h"
 
 struct FilterOperand {
@@ -30,7 +30,7 @@ bool holdsObjects(const CimPropertyDeclaration& property);
 // BORROWS all it is given.
 class FilterOperandReader {
  public:
-  FilterOperandReader(EmbeddedObjectManager& manager, const QORString& nameSpace, const FilterText& text)
+  FilterOperandReader(EmbeddedObjectManager& manager, const QORString& nameSpace, const StatementText& text)
       : _manager(manager), _nameSpace(nameSpace), _text(text) {}
 
   // The operands of the comparison whose sign is that piece. False when one side
@@ -49,7 +49,7 @@ class FilterOperandReader {
 
   EmbeddedObjectManager& _manager;
   const QORString _nameSpace;
-  const FilterText& _text;
+  const StatementText& _text;
 };
 
 #endif

@@ -35,7 +35,7 @@ class FilterPathCheck::Walk {
 
  private:
   std::string nameAt(std::size_t index) const { return std::string(_text.pieces()[_path.names[index]].text); }
-  bool hasScope() const { return _path.scope != FilterText::kNowhere; }
+  bool hasScope() const { return _path.scope != StatementText::kNowhere; }
   std::string scope() const { return std::string(_text.pieces()[_path.scope].text); }
   void add(const std::string& text, std::size_t piece) { _findings.push_back({text, piece}); }
 
@@ -43,7 +43,7 @@ class FilterPathCheck::Walk {
   void checkUnusedScope() {
     const QORString asked(scope());
     if (_check._family.find(asked).IsNull()) return addUnknownScope("a scope is not looked at here");
-    for (const FilterText::Source& source : _text.sources()) {
+    for (const StatementText::Source& source : _text.sources()) {
       if (_check._family.isA(QORString(source.className), asked)) return;
     }
     add(scope() + " is no class of FROM: a scope is not looked at here", _path.scope);
@@ -109,7 +109,7 @@ class FilterPathCheck::Walk {
   }
 
   bool findInFrom(const std::string& property, CimPropertyDeclaration& declared) const {
-    for (const FilterText::Source& source : _text.sources()) {
+    for (const StatementText::Source& source : _text.sources()) {
       if (find(source.className, property, declared)) return true;
     }
     return false;
@@ -117,7 +117,7 @@ class FilterPathCheck::Walk {
 
   std::string meantRoot(const std::string& name) const {
     Suggestion suggestion(name);
-    for (const FilterText::Source& source : _text.sources()) {
+    for (const StatementText::Source& source : _text.sources()) {
       suggestion.consider(source.className);
       suggestion.consider(source.alias);
       const auto properties = _check._manager.allProperties(_check._nameSpace, QORString(source.className));
@@ -134,14 +134,14 @@ class FilterPathCheck::Walk {
 
   const FilterPathCheck& _check;
   const Path& _path;
-  const FilterText& _text;
+  const StatementText& _text;
   std::string _holder;  // the class of the object that is asked for the next name; empty: unknown
   std::vector<Finding> _findings;
 };
 
 std::vector<FilterPathCheck::Finding> FilterPathCheck::check(std::size_t piece) const {
   const Path path = read(piece);
-  if (path.names.size() < 2 && path.scope == FilterText::kNowhere) return {};
+  if (path.names.size() < 2 && path.scope == StatementText::kNowhere) return {};
   return Walk(*this, path).findings();
 }
 

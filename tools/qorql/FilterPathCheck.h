@@ -7,7 +7,7 @@
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "ClassFamily.h"
-#include "FilterText.h"
+#include "StatementText.h"
 
 // Validation looks at no name behind the first one: this does, as far as a class
 // is known by FROM, by a scope, by ISA or by the property's declaration.
@@ -19,7 +19,7 @@ class FilterPathCheck {
     std::size_t piece;  // that it is about
   };
 
-  FilterPathCheck(EmbeddedObjectManager& manager, const QORString& nameSpace, const FilterText& text)
+  FilterPathCheck(EmbeddedObjectManager& manager, const QORString& nameSpace, const StatementText& text)
       : _manager(manager), _nameSpace(nameSpace), _family(manager, nameSpace), _text(text) {}
 
   // REQUIRES a piece that begins a reference.
@@ -28,7 +28,7 @@ class FilterPathCheck {
  private:
   struct Path {
     std::vector<std::size_t> names;  // without the scope; the last one is the property
-    std::size_t scope = FilterText::kNowhere;
+    std::size_t scope = StatementText::kNowhere;
   };
   class Walk;
 
@@ -37,7 +37,7 @@ class FilterPathCheck {
   EmbeddedObjectManager& _manager;
   const QORString _nameSpace;
   const ClassFamily _family;
-  const FilterText& _text;
+  const StatementText& _text;
 };
 
 #endif

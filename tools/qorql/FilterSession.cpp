@@ -8,10 +8,10 @@
 #include "DisplayText.h"
 #include "ErrorReport.h"
 #include "FilterFault.h"
-#include "FilterText.h"
 #include "FilterWarnings.h"
 #include "IndicationSink.h"
 #include "ScannerOutput.h"
+#include "StatementText.h"
 
 void FilterSession::open(Session::LeftOut leftOut) {
   _session.open(indicationSchemaMof(), leftOut);
@@ -36,7 +36,7 @@ CheckedFilter FilterSession::check(const std::string& text, QORuint32 firstLine)
     checked.warnings = scanner.passedOver({text, firstLine});
   }
   _session.dropWarnings();
-  const FilterText filter(text, firstLine);
+  const StatementText filter(text, firstLine);
   const CQLQueryFault& fault = checked.statement->getFault();
   if (fault.kind != CQLQueryFault::kNone) {
     checked.reason = FilterFault(manager(), nameSpace(), filter).describe(fault);
@@ -49,8 +49,8 @@ CheckedFilter FilterSession::check(const std::string& text, QORuint32 firstLine)
     const std::vector<std::string> more = FilterWarnings(manager(), nameSpace(), filter).of(*checked.statement);
     checked.warnings.insert(checked.warnings.end(), more.begin(), more.end());
   }
-  for (const FilterText::Piece& piece : filter.pieces()) {
-    if (piece.kind == FilterText::Kind::Word) _session.tellOfLeftOut(piece.text);
+  for (const StatementText::Piece& piece : filter.pieces()) {
+    if (piece.kind == StatementText::Kind::Word) _session.tellOfLeftOut(piece.text);
   }
   return checked;
 }

@@ -18,12 +18,12 @@ using Kind = FilterOperand::Kind;
 constexpr std::size_t kMaximumWarnings = 20;
 constexpr std::size_t kLongest = 400;
 
-std::string_view unquoted(const FilterText::Piece& piece) {
-  const bool isQuoted = piece.kind == FilterText::Kind::Literal && piece.text.size() > 2;
+std::string_view unquoted(const StatementText::Piece& piece) {
+  const bool isQuoted = piece.kind == StatementText::Kind::Literal && piece.text.size() > 2;
   return isQuoted ? piece.text.substr(1, piece.text.size() - 2) : piece.text;
 }
 
-bool isRelation(const FilterText& text, std::size_t piece) {
+bool isRelation(const StatementText& text, std::size_t piece) {
   for (const char* sign : {"=", "<>", "!=", "<", ">", "<=", ">="}) {
     if (text.is(piece, sign)) return true;
   }
@@ -68,7 +68,7 @@ std::vector<std::string> FilterWarnings::of(const CQLQueryStatement& statement) 
       _warnings.emplace_back("the rest of the filter is not looked at");
       break;
     }
-    const FilterText::Piece& piece = _text.pieces()[i];
+    const StatementText::Piece& piece = _text.pieces()[i];
     if (i > 0 && _text.is(i - 1, "ISA")) checkClass(i, unquoted(piece));
     if (_text.beginsReference(i)) checkNames(i);
     if (_text.is(i + 1, "ISA")) checkIsa(i);
@@ -104,15 +104,15 @@ void FilterWarnings::checkNames(std::size_t piece) {
 
 bool FilterWarnings::isPropertyOfFrom(std::string_view property) const {
   return std::any_of(_text.sources().begin(), _text.sources().end(),
-                     [&](const FilterText::Source& source) { return hasProperty(source.className, property); });
+                     [&](const StatementText::Source& source) { return hasProperty(source.className, property); });
 }
 
 // ISA looks for the property in the instance itself. Of one behind a path or a
 // scope the statement has told already that it never matches; a text that is put
 // together says as a whole which property it names.
 void FilterWarnings::checkIsa(std::size_t piece) {
-  const FilterText::Piece& name = _text.pieces()[piece];
-  if (name.kind != FilterText::Kind::Word && name.kind != FilterText::Kind::Literal) return;
+  const StatementText::Piece& name = _text.pieces()[piece];
+  if (name.kind != StatementText::Kind::Word && name.kind != StatementText::Kind::Literal) return;
   const bool isBehindDot = piece > 1 && _text.is(piece - 1, ".");
   const bool isBehindFrom = isBehindDot && !_text.classOf(std::string(_text.pieces()[piece - 2].text)).empty();
   if (isBehindDot && !isBehindFrom) return;

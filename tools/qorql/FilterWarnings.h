@@ -8,14 +8,14 @@
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "Cimom/QORQL/CQLQueryStatement.h"
 #include "FilterOperand.h"
-#include "FilterText.h"
+#include "StatementText.h"
 
 // A filter may be valid and yet never match: names behind a dot, classes behind
 // ISA and the types of what it compares are not checked by its validation.
 // BORROWS all it is given.
 class FilterWarnings {
  public:
-  FilterWarnings(EmbeddedObjectManager& manager, const QORString& nameSpace, const FilterText& text)
+  FilterWarnings(EmbeddedObjectManager& manager, const QORString& nameSpace, const StatementText& text)
       : _manager(manager), _nameSpace(nameSpace), _text(text) {}
 
   // REQUIRES a validated statement.
@@ -38,7 +38,7 @@ class FilterWarnings {
 
   EmbeddedObjectManager& _manager;
   const QORString _nameSpace;
-  const FilterText& _text;
+  const StatementText& _text;
   std::vector<std::string> _warnings;
 };
 

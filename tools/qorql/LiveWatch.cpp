@@ -8,7 +8,7 @@
 #include "cimom/CQoriProviderException.h"
 
 LiveWatch::LiveWatch(EmbeddedObjectManager& manager, const QORString& nameSpace, const CQLQueryStatement& filter,
-                     const FilterText& text)
+                     const StatementText& text)
     : _nameSpace(nameSpace), _filter(filter), _indications(manager, nameSpace) {
   const CQLQueryStatement::ClassList classes(filter.getClassList());
   QORValSlistIterator<QORSmrPtr<IQoriInstanceName>> each(*classes);
@@ -20,7 +20,7 @@ LiveWatch::LiveWatch(EmbeddedObjectManager& manager, const QORString& nameSpace,
 }
 
 // Only AND combines the conditions of a filter that matches at all, so each ISA counts.
-bool LiveWatch::isAllowed(const QORString& className, const FilterText& text) const {
+bool LiveWatch::isAllowed(const QORString& className, const StatementText& text) const {
   for (std::size_t i = text.behindFrom(); i + 2 < text.pieces().size(); ++i) {
     if (!text.is(i, "SourceInstance") || !text.is(i + 1, "ISA")) continue;
     std::string_view wanted = text.pieces()[i + 2].text;

@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "Cimom/QORQL/CQLQueryStatement.h"
-#include "FilterText.h"
 #include "Indications.h"
 #include "InstanceChanges.h"
+#include "StatementText.h"
 
 // Looks at those live classes whose changes the filter can match: those that
 // each `SourceInstance ISA Class` of it allows. BORROWS the object manager and
@@ -19,7 +19,7 @@ class LiveWatch {
   using Report = std::function<void(const QORString& className, const QoriBaseException& failure)>;
 
   LiveWatch(EmbeddedObjectManager& manager, const QORString& nameSpace, const CQLQueryStatement& filter,
-            const FilterText& text);
+            const StatementText& text);
 
   // The classes looked at; empty when no change can match.
   std::vector<QORString> classNames() const;
@@ -40,7 +40,7 @@ class LiveWatch {
     InstanceSnapshot last;
   };
 
-  bool isAllowed(const QORString& className, const FilterText& text) const;
+  bool isAllowed(const QORString& className, const StatementText& text) const;
   bool asksFor(const char* indicationClass) const;
   InstanceSnapshot snapshotOf(const QORString& className) const;
   void hand(const InstanceChange& change, const Take& take);

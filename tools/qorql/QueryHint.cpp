@@ -72,9 +72,9 @@ std::string hintOfName(const std::string& description) {
 }
 
 // Whether a name of FROM stands for more than one class.
-bool isNameOfSeveral(const FilterText& text, std::string_view name) {
+bool isNameOfSeveral(const StatementText& text, std::string_view name) {
   const std::string first = text.classOf(name);
-  const auto isOther = [&](const FilterText::Source& source) {
+  const auto isOther = [&](const StatementText::Source& source) {
     const bool isNamed =
         QORString::equalIgnoringCase(source.className, name) || QORString::equalIgnoringCase(source.alias, name);
     return isNamed && !QORString::equalIgnoringCase(source.className, first);
@@ -82,7 +82,7 @@ bool isNameOfSeveral(const FilterText& text, std::string_view name) {
   return std::any_of(text.sources().begin(), text.sources().end(), isOther);
 }
 
-std::string hintOfMissing(EmbeddedObjectManager& manager, const QORString& nameSpace, const FilterText& text,
+std::string hintOfMissing(EmbeddedObjectManager& manager, const QORString& nameSpace, const StatementText& text,
                           const MissingProperty& missing) {
   if (isNameOfSeveral(text, missing.qualifier.view())) {
     return "in FROM " + std::string(missing.qualifier.view()) +
@@ -109,7 +109,7 @@ std::string hintOfComparison(const QORString& message) {
 }
 
 // "root" where 'root' is meant.
-std::string hintOfQuote(const FilterText& text, std::size_t offset) {
+std::string hintOfQuote(const StatementText& text, std::size_t offset) {
   const std::string_view rest = text.text().substr(std::min(offset, text.text().size()));
   const std::size_t close = rest.empty() || rest.front() != '"' ? std::string_view::npos : rest.find('"', 1);
   if (close == std::string_view::npos) return {};
@@ -117,7 +117,7 @@ std::string hintOfQuote(const FilterText& text, std::size_t offset) {
 }
 
 // A word or sign of SQL at the place where parsing stopped.
-std::string hintOfSql(const FilterText& text, std::size_t offset) {
+std::string hintOfSql(const StatementText& text, std::size_t offset) {
   const auto& pieces = text.pieces();
   std::size_t at = 0;
   while (at < pieces.size() && pieces[at].offset < offset) ++at;
@@ -125,7 +125,7 @@ std::string hintOfSql(const FilterText& text, std::size_t offset) {
     if (text.is(at, known.word)) return known.hint;
   }
   if (at >= 2 && text.is(at, "*") && text.is(at - 1, "(")) return "an aggregate is of a property, as in COUNT(Name)";
-  const auto isClassBefore = [&](const FilterText::Source& source) {
+  const auto isClassBefore = [&](const StatementText::Source& source) {
     return at > 0 && text.isWord(at) && source.offset == pieces[at - 1].offset;
   };
   if (std::none_of(text.sources().begin(), text.sources().end(), isClassBefore)) return {};
@@ -133,18 +133,18 @@ std::string hintOfSql(const FilterText& text, std::size_t offset) {
 }
 
 // Half an association, where paths are to be compared or the other half is missing.
-std::string hintOfAssociation(const FilterText& text, const QORString& message) {
+std::string hintOfAssociation(const StatementText& text, const QORString& message) {
   const bool isHalf = message.view() == QORQL_Messages::kAssociationAndExpected.text ||
                       message.view() == QORQL_Messages::kAssociationInvalid.text;
   if (!isHalf) return {};
-  const bool comparesPaths = text.findWord("OBJECTPATH") != FilterText::kNowhere;
+  const bool comparesPaths = text.findWord("OBJECTPATH") != StatementText::kNowhere;
   return comparesPaths
              ? "OBJECTPATH(a) = OBJECTPATH(b) is read as half an association: compare the keys, as in a.Name = b.Name"
              : "an association is written with both its ends side by side: Link = a AND Link = b";
 }
 
 // Who mistypes a command has it taken for a statement.
-std::string hintOfCommand(const FilterText& text, const std::vector<std::string>& commands) {
+std::string hintOfCommand(const StatementText& text, const std::vector<std::string>& commands) {
   if (text.pieces().size() != 1) return {};
   Suggestion suggestion(text.pieces().front().text);
   for (const std::string& command : commands) suggestion.consider(command);
@@ -155,7 +155,7 @@ std::string hintOfCommand(const FilterText& text, const std::vector<std::string>
 
 std::string hintOfFailure(EmbeddedObjectManager& manager, const std::string& nameSpace, const Statement& statement,
                           std::optional<std::size_t> faultOffset, const std::vector<std::string>& commands) {
-  const FilterText text(statement.text, statement.firstLine, statement.firstColumn);
+  const StatementText text(statement.text, statement.firstLine, statement.firstColumn);
   try {
     throw;
   } catch (const QoriBaseException& error) {

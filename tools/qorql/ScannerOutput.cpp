@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "DisplayText.h"
-#include "FilterText.h"
+#include "StatementText.h"
 
 namespace {
 
@@ -71,7 +71,7 @@ class PassedOver {
   }
 
   std::string_view _text;
-  FilterText _places;
+  StatementText _places;
   std::string _unknown;
   std::size_t _characterCount = 0;
   std::size_t _unknownBytes = 0;

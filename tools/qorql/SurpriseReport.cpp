@@ -7,8 +7,8 @@
 #include "Cimom/QORQL/Explain/QORQL_Surprises.h"
 #include "ClassFamily.h"
 #include "DisplayText.h"
-#include "FilterText.h"
 #include "ParsedQuery.h"
+#include "StatementText.h"
 #include "UnknownProperties.h"
 
 namespace {
@@ -16,10 +16,10 @@ namespace {
 constexpr std::size_t kLongest = 400;
 
 // Behind SELECT, FIRST n or a comma; between two operands it multiplies.
-bool isBareStar(const FilterText& text, std::size_t piece) {
+bool isBareStar(const StatementText& text, std::size_t piece) {
   if (!text.is(piece, "*") || piece == 0) return false;
   if (text.is(piece - 1, "SELECT") || text.is(piece - 1, ",")) return true;
-  return piece >= 2 && text.pieces()[piece - 1].kind == FilterText::Kind::Number && text.is(piece - 2, "FIRST");
+  return piece >= 2 && text.pieces()[piece - 1].kind == StatementText::Kind::Number && text.is(piece - 2, "FIRST");
 }
 
 std::string meantClass(EmbeddedObjectManager& manager, const std::string& nameSpace, const std::string& name) {
@@ -44,7 +44,7 @@ std::vector<std::string> findWarnings(EmbeddedObjectManager& manager, const std:
 }
 
 std::string emptyRowsWarning(const std::string& statement) {
-  const FilterText text(statement);
+  const StatementText text(statement);
   for (std::size_t i = 0; i < text.fromPiece(); ++i) {
     if (isBareStar(text, i)) return "In XML the rows of * are empty: name the columns [SEL-5]";
   }

@@ -1,6 +1,6 @@
-// The text of a filter cut into words and signs, and places in it.
-#ifndef QORQL_TOOL_FILTERTEXT_H
-#define QORQL_TOOL_FILTERTEXT_H
+// The text of a statement cut into words and signs, and places in it.
+#ifndef QORQL_TOOL_STATEMENTTEXT_H
+#define QORQL_TOOL_STATEMENTTEXT_H
 
 #include <cstddef>
 #include <map>
@@ -11,7 +11,7 @@
 #include "cmpbase.h"
 
 // A coarse view of the text for messages about names: it does not judge it.
-class FilterText {
+class StatementText {
  public:
   enum class Kind { Word, Number, Literal, Sign };
   struct Piece {
@@ -28,7 +28,7 @@ class FilterText {
   static constexpr std::size_t kNowhere = std::string_view::npos;
 
   // BORROWS the text, which begins at that place of a longer one.
-  explicit FilterText(std::string_view text, QORuint32 firstLine = 1, QORuint32 firstColumn = 1);
+  explicit StatementText(std::string_view text, QORuint32 firstLine = 1, QORuint32 firstColumn = 1);
 
   std::string_view text() const noexcept { return _text; }
   const std::vector<Piece>& pieces() const noexcept { return _pieces; }

@@ -1,5 +1,5 @@
-// The text of a filter cut into words and signs, and places in it.
-#include "FilterText.h"
+// The text of a statement cut into words and signs, and places in it.
+#include "StatementText.h"
 
 #include <algorithm>
 
@@ -12,14 +12,14 @@ bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
 }  // namespace
 
-FilterText::FilterText(std::string_view text, QORuint32 firstLine, QORuint32 firstColumn)
+StatementText::StatementText(std::string_view text, QORuint32 firstLine, QORuint32 firstColumn)
     : _text(text), _firstLine(firstLine), _firstColumn(firstColumn) {
   readPieces();
   readSources();
   readIsaClasses();
 }
 
-std::size_t FilterText::endOfPiece(std::size_t start, Kind& kind) const {
+std::size_t StatementText::endOfPiece(std::size_t start, Kind& kind) const {
   const char first = _text[start];
   std::size_t end = start + 1;
   if (isLetter(first)) {
@@ -42,7 +42,7 @@ std::size_t FilterText::endOfPiece(std::size_t start, Kind& kind) const {
   return end;
 }
 
-void FilterText::readPieces() {
+void StatementText::readPieces() {
   for (std::size_t start = 0; start < _text.size();) {
     if (isBlank(_text[start])) {
       ++start;
@@ -56,7 +56,7 @@ void FilterText::readPieces() {
 }
 
 // FROM Class [AS Alias] {, Class [AS Alias]}
-void FilterText::readSources() {
+void StatementText::readSources() {
   while (_from < _pieces.size() && !is(_from, "FROM")) ++_from;
   std::size_t piece = _from;
   do {
@@ -74,7 +74,7 @@ void FilterText::readSources() {
 }
 
 // [FROM name .] property ISA Class
-void FilterText::readIsaClasses() {
+void StatementText::readIsaClasses() {
   for (std::size_t i = _behindFrom + 1; i + 1 < _pieces.size(); ++i) {
     if (!is(i, "ISA") || !isWord(i - 1)) continue;
     const bool hasPath = i >= 2 && (is(i - 2, ".") || is(i - 2, "::"));
@@ -86,12 +86,12 @@ void FilterText::readIsaClasses() {
   }
 }
 
-std::string FilterText::isaClassOf(std::string_view property) const {
+std::string StatementText::isaClassOf(std::string_view property) const {
   const auto found = _isaClasses.find(folded(property));
   return found == _isaClasses.end() ? "" : found->second;
 }
 
-std::string FilterText::classOf(std::string_view name) const {
+std::string StatementText::classOf(std::string_view name) const {
   for (const Source& source : _sources) {
     if (QORString::equalIgnoringCase(source.className, name) || QORString::equalIgnoringCase(source.alias, name)) {
       return source.className;
@@ -100,21 +100,21 @@ std::string FilterText::classOf(std::string_view name) const {
   return "";
 }
 
-bool FilterText::is(std::size_t piece, std::string_view word) const noexcept {
+bool StatementText::is(std::size_t piece, std::string_view word) const noexcept {
   return piece < _pieces.size() && QORString::equalIgnoringCase(_pieces[piece].text, word);
 }
 
-bool FilterText::isWord(std::size_t piece) const noexcept {
+bool StatementText::isWord(std::size_t piece) const noexcept {
   return piece < _pieces.size() && _pieces[piece].kind == Kind::Word;
 }
 
-bool FilterText::beginsReference(std::size_t piece) const noexcept {
+bool StatementText::beginsReference(std::size_t piece) const noexcept {
   if (!isWord(piece) || (piece >= _from && piece < _behindFrom)) return false;
   if (piece == 0) return true;
   return !is(piece - 1, ".") && !is(piece - 1, "::") && !is(piece - 1, "ISA") && !is(piece - 1, "AS");
 }
 
-std::size_t FilterText::findReference(std::string_view name) const noexcept {
+std::size_t StatementText::findReference(std::string_view name) const noexcept {
   for (std::size_t i = 0; i < _pieces.size(); ++i) {
     const bool isAlone = beginsReference(i) && !is(i + 1, ".") && !is(i + 1, "(");
     if (isAlone && is(i, name)) return i;
@@ -122,14 +122,14 @@ std::size_t FilterText::findReference(std::string_view name) const noexcept {
   return findWord(name);
 }
 
-std::size_t FilterText::findWord(std::string_view name) const noexcept {
+std::size_t StatementText::findWord(std::string_view name) const noexcept {
   for (std::size_t i = 0; i < _pieces.size(); ++i) {
     if (isWord(i) && is(i, name)) return i;
   }
   return kNowhere;
 }
 
-std::string FilterText::place(std::size_t offset) const {
+std::string StatementText::place(std::size_t offset) const {
   const std::string_view before = _text.substr(0, std::min(offset, _text.size()));
   const auto lines = static_cast<QORuint32>(std::count(before.begin(), before.end(), '\n'));
   const std::size_t lineStart = before.rfind('\n') == std::string_view::npos ? 0 : before.rfind('\n') + 1;
