@@ -65,6 +65,11 @@ class ToolCase(unittest.TestCase):
         """Runs over the test model alone."""
         return self.run_tool("--no-live", "-m", MODEL, *arguments, stdin=stdin)
 
+    def option_names(self, command):
+        """The options of a command, as its help tells them: -o, --output."""
+        told = self.succeed(self.run_tool(command, "--help")).split("Options:\n")[1].split("\n\n")[0]
+        return [name for names in re.findall(r"(?m)^  (-\S+)", told) for name in names.split(",")]
+
     def succeed(self, result):
         self.assertEqual((result.status, result.err), (0, ""))
         return result.out

@@ -25,7 +25,7 @@ constexpr Command kCommands[] = {
     {"match", "Tell which instances a filter matches", declareMatchCommand},
     {"watch", "Print the live changes that a filter matches", declareWatchCommand},
     {"explain", "Say what a query will do, without running it", declareExplainCommand},
-    {"pages", "Print the manual page or the completion for bash", declarePagesCommand},
+    {"pages", "Print the manual page or the completion for a shell", declarePagesCommand},
 };
 
 // Behind an option's name only what stands there, not what is checked of it.

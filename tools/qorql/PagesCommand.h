@@ -1,9 +1,15 @@
-// `qorql pages man|bash`: the manual page, and completion for bash.
+// `qorql pages PAGE`: the manual page, and the completions for shells.
 #ifndef QORQL_TOOL_PAGESCOMMAND_H
 #define QORQL_TOOL_PAGESCOMMAND_H
+
+#include <string>
+#include <vector>
 
 #include "Command.h"
 
 CommandAction declarePagesCommand(CLI::App& app);
+
+// What can be printed.
+std::vector<std::string> pageNames();
 
 #endif
