@@ -120,3 +120,18 @@ QoriRelation QORQL_relationOf(QORQL_Operator op) noexcept {
       return QoriRelation::Equal;  // EQUAL, and the join operators, which match by equality
   }
 }
+
+QoriRelation QORQL_mirrored(QoriRelation relation) noexcept {
+  switch (relation) {
+    case QoriRelation::Less:
+      return QoriRelation::Greater;
+    case QoriRelation::Greater:
+      return QoriRelation::Less;
+    case QoriRelation::LessEqual:
+      return QoriRelation::GreaterEqual;
+    case QoriRelation::GreaterEqual:
+      return QoriRelation::LessEqual;
+    default:
+      return relation;
+  }
+}

@@ -30,28 +30,39 @@ QoriTruth QORQL_truthOf(const QORSmrPtr<IQoriValue>& value);
 
 // The relation that a comparison or join operator stands for. REQUIRES one of those.
 QoriRelation QORQL_relationOf(QORQL_Operator op) noexcept;
+// The relation that b has to a when a has the given one to b.
+QoriRelation QORQL_mirrored(QoriRelation relation) noexcept;
 // EQUAL to GREATEREQUAL and the join operators.
 bool QORQL_isRelational(QORQL_Operator op) noexcept;
 
-// The relation of two views: numbers, strings and booleans without any
-// allocation. Sets `isDecided` false, and returns Null, when the value library must decide.
-inline QoriTruth QORQL_relateViews(const QoriScalar& left, QoriRelation relation, const QoriScalar& right,
-                                   bool& isDecided) noexcept {
-  isDecided = true;
+// What views tell of a relation; the first three as QoriTruth has them.
+enum class QORQL_ViewTruth : QORuint8 {
+  False = static_cast<QORuint8>(QoriTruth::False),
+  True = static_cast<QORuint8>(QoriTruth::True),
+  Null = static_cast<QORuint8>(QoriTruth::Null),
+  Undecided  // the value library must decide, or fail
+};
+
+inline QORQL_ViewTruth QORQL_viewTruth(bool truth) noexcept {
+  return truth ? QORQL_ViewTruth::True : QORQL_ViewTruth::False;
+}
+
+// The relation of two views: of numbers, strings and booleans, without any allocation.
+inline QORQL_ViewTruth QORQL_relateViews(const QoriScalar& left, QoriRelation relation,
+                                         const QoriScalar& right) noexcept {
   if (left.isNumber() && right.isNumber()) {
-    return qori::truth(qori::satisfies(qori::compareNumbers(left, right), relation));
+    return QORQL_viewTruth(qori::satisfies(qori::compareNumbers(left, right), relation));
   }
-  if (left.isNull() || right.isNull()) return QoriTruth::Null;
+  if (left.isNull() || right.isNull()) return QORQL_ViewTruth::Null;
   if (left.kind == right.kind) {
     if (left.kind == QoriScalarKind::Text) {
-      return qori::truth(qori::satisfies(left.text->view() <=> right.text->view(), relation));
+      return QORQL_viewTruth(qori::satisfies(left.text->view() <=> right.text->view(), relation));
     }
     if (left.kind == QoriScalarKind::Boolean) {
-      return qori::truth(qori::satisfies(static_cast<int>(left.b) <=> static_cast<int>(right.b), relation));
+      return QORQL_viewTruth(qori::satisfies(static_cast<int>(left.b) <=> static_cast<int>(right.b), relation));
     }
   }
-  isDecided = false;
-  return QoriTruth::Null;
+  return QORQL_ViewTruth::Undecided;
 }
 
 #endif

@@ -36,22 +36,6 @@ std::partial_ordering compareAsFilter(const QoriScalar& a, const QoriScalar& b) 
   return qori::compareNumbers(a, b);
 }
 
-// The relation that holds when the sides change places.
-QoriRelation mirrored(QoriRelation relation) noexcept {
-  switch (relation) {
-    case QoriRelation::Less:
-      return QoriRelation::Greater;
-    case QoriRelation::Greater:
-      return QoriRelation::Less;
-    case QoriRelation::LessEqual:
-      return QoriRelation::GreaterEqual;
-    case QoriRelation::GreaterEqual:
-      return QoriRelation::LessEqual;
-    default:
-      return relation;
-  }
-}
-
 // A boolean, or text that says TRUE or FALSE in any case: 1 or 0; otherwise -1.
 int truthOf(const QoriScalar& view) noexcept {
   if (view.kind == QoriScalarKind::Boolean) return view.b ? 1 : 0;
@@ -143,7 +127,7 @@ class Relation : public CQLCondition {
     if (path == nullptr || !constant.holdsConstant()) return {};
     CQLAccess access;
     access.kind = CQLAccess::Kind::Relation;
-    access.relation = isRight ? _relation.getRelation() : mirrored(_relation.getRelation());
+    access.relation = isRight ? _relation.getRelation() : QORQL_mirrored(_relation.getRelation());
     access.path = path;
     access.constant = constant.constant();
     return access;

@@ -10,6 +10,7 @@
 
 #include "Cimom/QORQL/Lazy/QORQL_LazyJoin.h"
 #include "Cimom/QORQL/Lazy/QORQL_LazyTable.h"
+#include "Cimom/QORQL/Lazy/QORQL_NullExtension.h"
 #include "Cimom/QORQL/Lazy/QORQL_RowTruth.h"
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
@@ -144,13 +145,13 @@ class BlockFilter {
                         Places& kept) {
     QORQL_RunTruths truths;
     if (_join != nullptr || !_truth.testRun(block, first, count, truths)) {
-      truths.fill(QORQL_RunTruth::Undecided);
+      truths.fill(QORQL_ViewTruth::Undecided);
     }
-    if (std::memchr(truths.data(), static_cast<int>(QORQL_RunTruth::Undecided), count) != nullptr) {
+    if (std::memchr(truths.data(), static_cast<int>(QORQL_ViewTruth::Undecided), count) != nullptr) {
       for (std::size_t i = 0; i < count; ++i) {
-        if (truths[i] != QORQL_RunTruth::Undecided) continue;
+        if (truths[i] != QORQL_ViewTruth::Undecided) continue;
         view.select(block, first + i);
-        truths[i] = static_cast<QORQL_RunTruth>(testRow(view));
+        truths[i] = static_cast<QORQL_ViewTruth>(testRow(view));
       }
     }
     std::size_t keptCount = 0;

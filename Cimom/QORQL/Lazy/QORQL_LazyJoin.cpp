@@ -5,47 +5,22 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
-#include <cstring>
 #include <memory>
 #include <optional>
-#include <string>
-#include <string_view>
 
+#include "Cimom/QORQL/Lazy/QORQL_JoinKeys.h"
 #include "Cimom/QORQL/Lazy/QORQL_NullExtension.h"
 #include "Cimom/QORQL/Lazy/QORQL_NumberOrder.h"
 #include "Cimom/QORQL/Lazy/QORQL_RunRelation.h"
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
-#include "Cimom/QORQL/QORQL_TextHash.h"
 #include "Cimom/QORQL/QORQL_Values.h"
-#include "cimom/IQoriInstanceName.h"
 
 namespace {
 
 constexpr QORuint32 kEnd = 0xffffffffU;
 
-// Equal numbers hash alike, whatever their types.
-QORuint64 hashNumber(const QoriScalar& key) noexcept {
-  if (key.kind != QoriScalarKind::Real) return QORQL_mixBits(key.u);
-  constexpr double kTwoTo63 = 9223372036854775808.0;
-  if (std::trunc(key.r) == key.r) {
-    if (key.r >= -kTwoTo63 && key.r < kTwoTo63)
-      return QORQL_mixBits(static_cast<QORuint64>(static_cast<QORsint64>(key.r)));
-    if (key.r >= 0 && key.r < 2 * kTwoTo63) return QORQL_mixBits(static_cast<QORuint64>(key.r));
-  }
-  QORuint64 bits = 0;
-  std::memcpy(&bits, &key.r, sizeof bits);
-  return QORQL_mixBits(bits);
-}
-
-QORuint64 hashKey(const QoriScalar& key) noexcept {
-  if (key.kind == QoriScalarKind::Text) return QORQL_hashText(key.text->view());
-  return key.kind == QoriScalarKind::Boolean ? QORQL_mixBits(key.b ? 1 : 0) : hashNumber(key);
-}
-
 bool isTrue(const QoriScalar& left, QoriRelation relation, const QoriScalar& right) noexcept {
-  bool isDecided = false;
-  return QORQL_relateViews(left, relation, right, isDecided) == QoriTruth::True;
+  return QORQL_relateViews(left, relation, right) == QORQL_ViewTruth::True;
 }
 
 // The rows of one block by key, rows of equal hash chained in ascending order.
@@ -141,22 +116,6 @@ struct Join {
   }
 };
 
-// The relation of b to a that a has to b.
-QoriRelation reversed(QoriRelation relation) noexcept {
-  switch (relation) {
-    case QoriRelation::Less:
-      return QoriRelation::Greater;
-    case QoriRelation::Greater:
-      return QoriRelation::Less;
-    case QoriRelation::LessEqual:
-      return QoriRelation::GreaterEqual;
-    case QoriRelation::GreaterEqual:
-      return QoriRelation::LessEqual;
-    default:
-      return relation;
-  }
-}
-
 // False when a key is no number.
 bool noteNumbers(const QORQL_JoinKeys& keys, QORQL_NumberOrder& order) noexcept {
   if (keys.category() != QORQL_JoinKeys::kNumber) return keys.category() == QORQL_JoinKeys::kNone;
@@ -250,7 +209,7 @@ QORQL_RowBlock joinNumbers(const Join& join, const QORQL_NumberOrder& order) {
     innerRows.push_back(static_cast<QORuint32>(row));
   }
   std::vector<QORuint32> found(innerKeys.size() + 1);
-  const QoriRelation relation = join.isLeftOuter ? join.relation : reversed(join.relation);
+  const QoriRelation relation = join.isLeftOuter ? join.relation : QORQL_mirrored(join.relation);
   QORQL_StopCheck stopCheck;
   QORQL_withComparison(relation, [&](const auto& compare) {
     for (QORuint64 row = 0; row < join.outer.rowCount; ++row) {
@@ -346,69 +305,6 @@ bool mayJoin(const QORQL_LazyRows& rows, const QORQL_Condition& condition, std::
 }
 
 }  // namespace
-
-QORQL_JoinKeys::QORQL_JoinKeys(const QORQL_BoundValue& side, const QORQL_LazyRows& rows, const QORQL_RowBlock& block)
-    : _side(side), _block(block), _view(rows) {
-  _keys.reserve(block.rowCount);
-  _hashes.reserve(block.rowCount);
-}
-
-bool QORQL_JoinKeys::readRun() {
-  std::array<QoriScalar, QORQL_PropertyColumn::kBatch> cells;
-  const QORuint64 first = _keys.size();
-  const std::size_t count = static_cast<std::size_t>(std::min<QORuint64>(cells.size(), _block.rowCount - first));
-  _stopCheck.count(count);
-  const QORQL_PropertyColumn* const column = _side.propertyColumn();
-  if (column != nullptr) column->read(_block, first, count, cells.data());
-  for (std::size_t i = 0; i < count; ++i) {
-    QORSmrPtr<IQoriValue> holder;
-    if (column == nullptr) {
-      _view.select(_block, first + i);
-      cells[i] = _side.view(_view, holder);
-    }
-    add(cells[i], holder);
-  }
-  return count != 0;
-}
-
-void QORQL_JoinKeys::add(QoriScalar key, QORSmrPtr<IQoriValue>& holder) {
-  Category category = kMixed;
-  if (key.isNull()) {
-    _keys.push_back(key);
-    _hashes.push_back(0);
-    return;
-  }
-  if (key.isNumber()) category = kNumber;
-  if (key.kind == QoriScalarKind::Text) category = kText;
-  if (key.kind == QoriScalarKind::Boolean) category = kBoolean;
-  if (key.kind == QoriScalarKind::Complex && !key.value->getReference().IsNull()) {
-    category = kReference;
-    _paths.push_back(key.value->getReference()->toString());
-    key.kind = QoriScalarKind::Text;
-    key.text = &_paths.back();
-  } else if (!holder.IsNull()) {
-    _holders.push_back(holder);
-  }
-  _category = _category == kNone || _category == category ? category : kMixed;
-  _keys.push_back(key);
-  _hashes.push_back(category == kMixed ? 0 : static_cast<QORuint32>(hashKey(key)));
-}
-
-bool QORQL_JoinKeys::areJoinable(const QORQL_JoinKeys& a, const QORQL_JoinKeys& b) noexcept {
-  if (a._category == kMixed || b._category == kMixed) return false;
-  return a._category == kNone || b._category == kNone || a._category == b._category;
-}
-
-void QORQL_appendExtendedRow(QORQL_LazyRows& rows, QORuint32 column, QORuint32 index) {
-  QORQL_RowBlock& block = rows.blocks().front();
-  if (block.isWholeExtent) {
-    block.isWholeExtent = false;
-    block.tuples.clear();
-    for (QORuint64 row = 0; row < block.rowCount; ++row) block.tuples.push_back(static_cast<QORuint32>(row));
-  }
-  for (const QORuint32 present : block.columns) block.tuples.push_back(present == column ? index : QORQL_kNoObject);
-  ++block.rowCount;
-}
 
 bool QORQL_joinLazily(const QORQL_DataTable& table, QORQL_LazyRows& rows, const QORQL_Condition& condition,
                       const std::vector<std::size_t>& blockNumbers) {

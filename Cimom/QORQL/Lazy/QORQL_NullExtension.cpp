@@ -112,3 +112,14 @@ bool QORQL_collectExtensions(const QORQL_LazyRows& rows, const QORQL_RowBlock& b
   sortByBucket(extensions, start);
   return true;
 }
+
+void QORQL_appendExtendedRow(QORQL_LazyRows& rows, QORuint32 column, QORuint32 index) {
+  QORQL_RowBlock& block = rows.blocks().front();
+  if (block.isWholeExtent) {
+    block.isWholeExtent = false;
+    block.tuples.clear();
+    for (QORuint64 row = 0; row < block.rowCount; ++row) block.tuples.push_back(static_cast<QORuint32>(row));
+  }
+  for (const QORuint32 present : block.columns) block.tuples.push_back(present == column ? index : QORQL_kNoObject);
+  ++block.rowCount;
+}

@@ -20,4 +20,7 @@ struct QORQL_NullExtension {
 bool QORQL_collectExtensions(const QORQL_LazyRows& rows, const QORQL_RowBlock& block,
                              const std::vector<bool>& isUnmatched, std::vector<QORQL_NullExtension>& extensions);
 
+// Appends a row for an object of one column, null in every other. REQUIRES one block over all columns.
+void QORQL_appendExtendedRow(QORQL_LazyRows& rows, QORuint32 column, QORuint32 index);
+
 #endif

@@ -15,8 +15,6 @@ namespace {
 using Bound = std::unique_ptr<QORQL_BoundValue>;
 using Value = QORSmrPtr<IQoriValue>;
 
-QORQL_RunTruth runTruth(bool value) noexcept { return value ? QORQL_RunTruth::True : QORQL_RunTruth::False; }
-
 class RelationTruth final : public QORQL_RowTruth {
  public:
   RelationTruth(Bound left, QoriRelation relation, Bound right)
@@ -27,9 +25,9 @@ class RelationTruth final : public QORQL_RowTruth {
     Value leftHolder;
     const QoriScalar right = _right->view(row, rightHolder);
     const QoriScalar left = _left->view(row, leftHolder);
-    bool isDecided = false;
-    const QoriTruth truth = QORQL_relateViews(left, _relation, right, isDecided);
-    return isDecided ? truth : _left->value(row)->relate(_relation, *_right->value(row));
+    const QORQL_ViewTruth truth = QORQL_relateViews(left, _relation, right);
+    if (truth != QORQL_ViewTruth::Undecided) return static_cast<QoriTruth>(truth);
+    return _left->value(row)->relate(_relation, *_right->value(row));
   }
   bool testRun(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, QORQL_RunTruths& truths) override {
     if (!_leftRun.isReadable() || !_rightRun.isReadable()) return false;
@@ -58,7 +56,7 @@ class NullTruth final : public QORQL_RowTruth {
   bool testRun(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, QORQL_RunTruths& truths) override {
     if (!_operandRun.isReadable()) return false;
     _operandRun.read(block, first, count);
-    for (std::size_t i = 0; i < count; ++i) truths[i] = runTruth(_operandRun[i].isNull() == _wantsNull);
+    for (std::size_t i = 0; i < count; ++i) truths[i] = QORQL_viewTruth(_operandRun[i].isNull() == _wantsNull);
     return true;
   }
 
@@ -93,7 +91,8 @@ class LikeTruth final : public QORQL_RowTruth {
     _rightRun.read(block, first, count);
     for (std::size_t i = 0; i < count; ++i) {
       const bool areTexts = _leftRun[i].kind == QoriScalarKind::Text && _rightRun[i].kind == QoriScalarKind::Text;
-      truths[i] = areTexts ? runTruth(_leftRun[i].text->contains(*_rightRun[i].text, true)) : QORQL_RunTruth::Undecided;
+      truths[i] =
+          areTexts ? QORQL_viewTruth(_leftRun[i].text->contains(*_rightRun[i].text, true)) : QORQL_ViewTruth::Undecided;
     }
     return true;
   }

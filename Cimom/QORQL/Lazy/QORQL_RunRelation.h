@@ -7,15 +7,8 @@
 
 #include "Cimom/QORQL/Lazy/QORQL_BoundExpression.h"
 #include "Cimom/QORQL/Lazy/QORQL_PropertyColumn.h"
+#include "Cimom/QORQL/QORQL_Values.h"
 #include "cimom/QoriScalar.h"
-
-// The truth of one row of a run; the first three as QoriTruth has them.
-enum class QORQL_RunTruth : QORuint8 {
-  False = static_cast<QORuint8>(QoriTruth::False),
-  True = static_cast<QORuint8>(QoriTruth::True),
-  Null = static_cast<QORuint8>(QoriTruth::Null),
-  Undecided  // the value library must decide, or fail
-};
 
 // One side of a comparison: cells of a column, or the same view for all rows.
 // BORROWS the bound value.
@@ -41,7 +34,8 @@ class QORQL_RunOperand {
   std::array<QoriScalar, QORQL_PropertyColumn::kBatch> _cells;
 };
 
-using QORQL_RunTruths = std::array<QORQL_RunTruth, QORQL_PropertyColumn::kBatch>;
+// Of each row of a run.
+using QORQL_RunTruths = std::array<QORQL_ViewTruth, QORQL_PropertyColumn::kBatch>;
 
 // Fills `truths` with the relation's truth on `count` rows that both sides have read.
 void QORQL_relateRun(const QORQL_RunOperand& left, QoriRelation relation, const QORQL_RunOperand& right,
