@@ -89,6 +89,16 @@ struct Statement {
   QORString nameSpace;
 };
 
+// A select list alone.
+struct Selected : Parsed {
+  explicit Selected(const QORString& source) : Parsed(source) {
+    executable = QORQL_SelectList::parse(symbols, lexer, map, text, "CQL");
+  }
+  const QORQL_SelectList& list() const { return static_cast<const QORQL_SelectList&>(*executable); }
+  const QORQL_SelectedEntry& entry(QORuint32 index) const { return *list().getSelectedEntries()->at(index); }
+  QORSmrPtr<QORQL_Executable> executable;
+};
+
 // What parsing a statement throws; see thrownBy().
 std::string statementError(const QORString& text);
 

@@ -219,21 +219,6 @@ TEST(Scanner, ExportsItsPlainNames) {
   EXPECT_EQ(yylval, nullptr);
 }
 
-TEST(Token, IsInvalidAndEmptyByDefault) {
-  const QORQL_Token token;
-  EXPECT_EQ(token.getType(), 256);
-  EXPECT_TRUE(token.getValue().isEmpty());
-}
-
-TEST(Token, CopiesBothFields) {
-  const QORQL_Token token("x", TokenID);
-  QORQL_Token assigned;
-  assigned = token;
-  EXPECT_EQ(plain(QORQL_Token(token).getValue()), "x");
-  EXPECT_EQ(QORQL_Token(token).getType(), TokenID);
-  EXPECT_TRUE(assigned == token);
-}
-
 // Where the token stands: the text there begins as the token does.
 void expectPlaces(const std::string& text) {
   const QORString query(text.data(), text.size());

@@ -1,17 +1,15 @@
 // Fetching: one enumeration per class with the properties that the query needs,
-// the cross product's order, the filtered fetch and the pre-filter.
+// the cross product's order, and the filtered fetch.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <memory>
 
-#include "Cimom/QORQL/QORQL_Comparison.h"
 #include "Cimom/QORQL/QORQL_Expression.h"
 #include "Cimom/QORQL/QORQL_ExpressionFactor.h"
 #include "Cimom/QORQL/QORQL_ExpressionTerm.h"
 #include "Cimom/QORQL/QORQL_Helper.h"
-#include "Cimom/QORQL/QORQL_Token.h"
 #include "Cimom/QORQL/QORQL_WhereClause.h"
 #include "QueryWorld.h"
 #include "cimom/CQoriValue.h"
@@ -19,7 +17,6 @@
 namespace {
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
 
 constexpr char kModel[] = R"(
@@ -253,25 +250,5 @@ instance of F { Id = 1; };
 instance of N { Id = 3; };
 instance of N { Id = 1; };
 )";
-
-TEST(PreFilter, whereAndOrderByAreSkippedWhenEveryProviderFiltered) {
-  QueryWorld world(kPreFiltered);
-  EXPECT_THAT(world.rows("SELECT Id FROM F WHERE Id = 7 ORDER BY Id ASC"), ElementsAre("3", "1"));
-  EXPECT_THAT(world.rows("SELECT Id FROM N WHERE Id = 3 ORDER BY Id ASC"), ElementsAre("3"));
-}
-
-// A subclass whose provider filters does not speak for its superclass.
-TEST(PreFilter, oneUnfilteredInstanceIsEnoughToFilter) {
-  QueryWorld world(std::string(kPreFiltered) +
-                   "class M { [key] uint32 Id; }; [YRK_TRBS_ProviderFiltered] class MF : M { };"
-                   "instance of MF { Id = 1; }; instance of MF { Id = 2; }; instance of M { Id = 3; };");
-  EXPECT_THAT(world.rows("SELECT Id FROM M WHERE Id > 1 ORDER BY Id DESC"), ElementsAre("3", "2"));
-  EXPECT_THAT(world.rows("SELECT Id FROM MF WHERE Id > 1 ORDER BY Id DESC"), ElementsAre("1", "2"));
-}
-
-TEST(PreFilter, oneUnfilteredClassIsEnoughToFilter) {
-  QueryWorld world(kPreFiltered);
-  EXPECT_THAT(world.rows("SELECT F.Id, N.Id FROM F, N WHERE F.Id = N.Id ORDER BY F.Id ASC"), ElementsAre("1|1", "3|3"));
-}
 
 }  // namespace

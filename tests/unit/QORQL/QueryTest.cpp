@@ -1,12 +1,7 @@
-// Statements: the clauses, their order, and what each of them leaves behind.
+// Statements: the order of their clauses, and what is left of them.
 #include <gtest/gtest.h>
 
-#include <string>
-
-#include "Cimom/QORQL/QORQL_FormatClause.h"
-#include "Cimom/QORQL/QORQL_FromClause.h"
 #include "Cimom/QORQL/QORQL_OrderByClause.h"
-#include "Cimom/QORQL/QORQL_WhereClause.h"
 #include "ParserSupport.h"
 
 namespace {
@@ -16,7 +11,6 @@ using parsertest::plain;
 using parsertest::print;
 using parsertest::Statement;
 using parsertest::statementError;
-using parsertest::thrownBy;
 
 TEST(Statement, HasItsClauses) {
   const Statement statement("SELECT C.x FROM C WHERE C.x = 1 ORDER BY C.x DESC FORMAT AS HTML");
@@ -114,116 +108,6 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(Statement, ReadsAllOfTheTextBeforeItResolvesNames) {
   EXPECT_EQ(statementError("SELECT nowhere FROM a b"), kNoAlias);
   EXPECT_EQ(statementError("SELECT x.y FROM a WHERE z = 1 b"), kNoAlias);
-}
-
-// --- FROM -----------------------------------------------------------------------------
-
-const QORQL_FromClause& fromOf(const Statement& statement) {
-  return static_cast<const QORQL_FromClause&>(*statement.query().getFromClause());
-}
-
-TEST(FromClause, EntersClassesAndAliasesInUpperCase) {
-  const Statement statement("SELECT CIM_B.x FROM cim_A AS p, Cim_b");
-  const QORSmrPtr<QORQL_Symbol> symbol = statement.symbols.lookup("CIM_A");
-  const QORSmrPtr<QORQL_Symbol> alias = statement.symbols.lookup("P");
-  ASSERT_FALSE(symbol.IsNull());
-  ASSERT_FALSE(alias.IsNull());
-  EXPECT_FALSE(symbol->isAlias());
-  EXPECT_EQ(plain(symbol->getAlias()), "P");
-  EXPECT_TRUE(alias->isAlias());
-  EXPECT_EQ(plain(alias->getClassName()), "CIM_A");
-  EXPECT_TRUE(alias->getClassInfo() == symbol->getClassInfo());
-  EXPECT_EQ(plain(statement.symbols.lookup("CIM_B")->getAlias()), "");
-  EXPECT_TRUE(statement.symbols.isSymbolTableUpdated());
-}
-
-TEST(FromClause, KeepsItsSpecifiersInOrder) {
-  const Statement statement("SELECT b.x FROM b, a AS q, b AS r");
-  const QORQL_FromClause::SpecifierList list = fromOf(statement).getFromSpecifierList();
-  ASSERT_EQ(list->entries(), 3U);
-  EXPECT_EQ(plain(list->at(0)->getTableName()), "B");
-  EXPECT_EQ(plain(list->at(0)->getAlias()), "");
-  EXPECT_EQ(plain(list->at(1)->getTableName()), "A");
-  EXPECT_EQ(plain(list->at(1)->getAlias()), "Q");
-  EXPECT_TRUE(list->at(1)->getSubQuery().IsNull());
-  EXPECT_EQ(plain(statement.symbols.lookup("B")->getAlias()), "R");
-}
-
-TEST(FromClause, AnAliasEqualToItsClassIsNoSecondSymbol) {
-  const Statement statement("SELECT a.x FROM a AS A");
-  EXPECT_EQ(statement.symbols.getSymbolHashMap().entries(), 1U);
-  EXPECT_FALSE(statement.symbols.lookup("A")->isAlias());
-  EXPECT_EQ(plain(fromOf(statement).getFromSpecifierList()->first()->getAlias()), "A");
-}
-
-TEST(FromClause, SelectAllNeedsAllProperties) {
-  const Statement all("SELECT * FROM a AS p, b");
-  EXPECT_TRUE(fromOf(all).isSelectAll());
-  EXPECT_EQ(all.requested("A"), "*");
-  EXPECT_EQ(all.requested("P"), "*");
-  EXPECT_EQ(all.requested("B"), "*");
-  const Statement some("SELECT *, a.x FROM a");
-  EXPECT_FALSE(fromOf(some).isSelectAll());
-  EXPECT_EQ(some.requested("A"), "x");
-}
-
-TEST(FromClause, IsEnteredOnItsKeyword) {
-  Parsed parsed("x");
-  QORSmrPtr<QORQL_SelectList> list;
-  EXPECT_EQ(thrownBy([&] { QORQL_FromClause::parse(parsed.symbols, parsed.lexer, list, "", ""); }),
-            "parse 8@1: 'FROM' expected");
-}
-
-// --- WHERE, ORDER BY, FORMAT -------------------------------------------------------------
-
-TEST(WhereClause, TakesArraysAndRestoresTheFlag) {
-  const Statement statement("SELECT C.x FROM C WHERE ANY C.a[] = 1 AND C.b[2] = 1");
-  EXPECT_EQ(print(statement.where()), "(ANY< (C.a = 1) AND (C.b = 1))");
-  EXPECT_TRUE(statement.symbols.isSymbolTableUpdated());
-}
-
-TEST(WhereClause, RestoresTheFlagAfterAFault) {
-  Parsed parsed("SELECT C.x FROM C WHERE C.a[");
-  EXPECT_EQ(thrownBy([&] { QORQL_Query::parse(parsed.symbols, parsed.lexer, false, "", "", "ns"); }),
-            "parse 0@1: Invalid array index list");
-  EXPECT_TRUE(parsed.symbols.isSymbolTableUpdated());
-}
-
-TEST(WhereClause, ItsQualifiersNeedNotBeFromNames) {
-  EXPECT_EQ(statementError("SELECT C.x FROM C WHERE SourceInstance.CIM_X::P <> Other.P"), "nothing");
-}
-
-TEST(OrderByClause, TakesItsDirectionInAnyCaseAndAlsoQuoted) {
-  const auto isAscending = [](const char* direction) {
-    const Statement statement(QORString("SELECT C.x FROM C ORDER BY C.x ") + direction);
-    return static_cast<const QORQL_OrderByClause&>(*statement.query().getOrderByClause()).isSortAscending();
-  };
-  EXPECT_TRUE(isAscending("ASC"));
-  EXPECT_TRUE(isAscending("asc"));
-  EXPECT_TRUE(isAscending("'Asc'"));
-  EXPECT_FALSE(isAscending("DESC"));
-  EXPECT_FALSE(isAscending("Desc"));
-}
-
-TEST(OrderByClause, TakesArrays) { EXPECT_EQ(statementError("SELECT C.x FROM C ORDER BY C.a[0] ASC"), "nothing"); }
-
-TEST(FormatClause, TakesThreeNames) {
-  const auto formatOf = [](const char* text) {
-    Parsed parsed(text);
-    const QORQL_FormatID format = QORQL_FormatClause::parse(parsed.symbols, parsed.lexer)->getFormatID();
-    EXPECT_EQ(parsed.lexer.getCurrent().getType(), TokenEOF);
-    return format;
-  };
-  EXPECT_EQ(formatOf("FORMAT AS XML"), XML);
-  EXPECT_EQ(formatOf("format as html"), HTML);
-  EXPECT_EQ(formatOf("FORMAT AS csv"), CSV);
-  EXPECT_EQ(XML, 0);
-  EXPECT_EQ(QORQL_FormatClause(QORIOBJECT).getFormatID(), 3);
-}
-
-TEST(FormatClause, IsEnteredOnItsKeyword) {
-  Parsed parsed("AS XML");
-  EXPECT_EQ(thrownBy([&] { QORQL_FormatClause::parse(parsed.symbols, parsed.lexer); }), "parse 2@1: 'FORMAT' expected");
 }
 
 }  // namespace

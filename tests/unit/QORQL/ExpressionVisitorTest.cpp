@@ -1,4 +1,4 @@
-// Walks over expression trees: their order, and the two finders.
+// Walks over expression trees: what is visited, and in which order.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -9,8 +9,6 @@
 #include "Cimom/QORQL/QORQL_ExpressionTerm.h"
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
 #include "Cimom/QORQL/QORQL_Function.h"
-#include "Cimom/QORQL/QORQL_FunctionFinder.h"
-#include "Cimom/QORQL/QORQL_IdentifierFinder.h"
 #include "Cimom/QORQL/QORQL_Term.h"
 #include "ParserSupport.h"
 
@@ -95,82 +93,6 @@ TEST(Walk, TheBaseVisitorDoesNothing) {
   QORSmrPtr<QORQL_ExpressionVisitor> visitor(new QORQL_ExpressionVisitor);
   parsed.tree->accept(visitor);
   EXPECT_EQ(parsertest::print(parsed.tree), before);
-}
-
-QORuint32 functionIn(const char* text) {
-  const Parsed parsed(text, Level::Expression);
-  QORQL_FunctionFinder* const finder = new QORQL_FunctionFinder;
-  QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
-  parsed.tree->accept(visitor);
-  return finder->getFunctionID();
-}
-
-TEST(FunctionFinder, FindsTheLastFunctionVisited) {
-  EXPECT_EQ(functionIn("x"), 0U);
-  EXPECT_EQ(functionIn("SUM(x)"), 6U);
-  EXPECT_EQ(functionIn("MAX(MIN(x))"), 3U);
-  EXPECT_EQ(functionIn("MAX(x) + MIN(y)"), 2U);
-}
-
-struct Finding {
-  const char* text;
-  bool isProperty;
-  bool isClass;
-  const char* className;  // null: a null pointer
-  const char* propertyName;
-  const char* list;
-};
-
-class IdentifierFinder : public testing::TestWithParam<Finding> {};
-
-std::string listed(const QORQL_IdentifierFinder& finder) {
-  std::string text;
-  const QORQL_IdentifierFinder::ClassNameList list = finder.getClassNameList();
-  QORValSlistIterator<QORSmrPtr<QORString>> names(*list);
-  while (++names) text += "<" + plain(*names.key()) + ">";
-  return text;
-}
-
-TEST_P(IdentifierFinder, FindsNames) {
-  const Parsed parsed(GetParam().text, Level::Comparison);
-  QORQL_IdentifierFinder* const finder = new QORQL_IdentifierFinder;
-  QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
-  parsed.tree->accept(visitor);
-  EXPECT_EQ(finder->isPropertyReference(), GetParam().isProperty);
-  EXPECT_EQ(finder->isClassReference(), GetParam().isClass);
-  EXPECT_EQ(finder->getClassName().IsNull(), GetParam().className == nullptr);
-  EXPECT_EQ(finder->getPropertyName().IsNull(), GetParam().propertyName == nullptr);
-  if (GetParam().className != nullptr) {
-    EXPECT_EQ(plain(*finder->getClassName()), GetParam().className);
-  }
-  if (GetParam().propertyName != nullptr) {
-    EXPECT_EQ(plain(*finder->getPropertyName()), GetParam().propertyName);
-  }
-  EXPECT_EQ(listed(*finder), GetParam().list);
-}
-
-INSTANTIATE_TEST_SUITE_P(All, IdentifierFinder,
-                         testing::Values(Finding{"x", true, false, "", "x", "<>"},
-                                         Finding{"C.x", true, false, "C", "x", "<C>"},
-                                         Finding{"C.*", true, false, "C", "*", "<C>"},
-                                         Finding{"-C.x", true, false, "C", "x", "<C>"},
-                                         Finding{"C.x IS NULL", true, false, "C", "x", "<C>"},
-                                         Finding{"C.x + D.y", false, false, nullptr, nullptr, "<C><D>"},
-                                         Finding{"C.x = 5", false, false, nullptr, nullptr, "<C>"},
-                                         Finding{"5", false, false, nullptr, nullptr, ""},
-                                         Finding{"A.firstref", true, true, "A", "firstref", "<A>"},
-                                         Finding{"A.firstref = B.secondref", false, false, nullptr, nullptr, "<A><B>"},
-                                         Finding{"OBJECTPATH(x)", true, true, "X", "NONE", "<X>"},
-                                         Finding{"OBJECTPATH(x) + 1", false, false, nullptr, nullptr, "<X>"},
-                                         Finding{"COUNT(C.x)", true, false, "C", "x", "<C>"}));
-
-TEST(IdentifierFinder, SharesTheFactorsOwnStrings) {
-  const Parsed parsed("x + C.y", Level::Expression);
-  QORQL_IdentifierFinder* const finder = new QORQL_IdentifierFinder;
-  QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
-  parsed.tree->accept(visitor);
-  *finder->getClassNameList()->first() = "K";
-  EXPECT_EQ(parsertest::print(parsed.tree), "(K.x + C.y)");
 }
 
 }  // namespace

@@ -1,0 +1,119 @@
+// Association conditions at work: whom they ask, and what they add to the table.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "QueryWorld.h"
+
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::UnorderedElementsAre;
+
+constexpr char kAssociations[] = R"(
+class S { [key] string Name; };
+class D { [key] string Name; uint32 Size; };
+class X { [key] string Name; };
+[association] class Assoc { [key] S REF Ante; [key] D REF Dep; uint32 Weight; };
+[association] class Other { [key] S REF Ante; [key] X REF Dep; };
+instance of S as $s1 { Name = "s1"; };
+instance of S as $s2 { Name = "s2"; };
+instance of S as $s3 { Name = "s3"; };
+instance of D as $d1 { Name = "d1"; Size = 1; };
+instance of D as $d2 { Name = "d2"; Size = 2; };
+instance of D as $d3 { Name = "d3"; Size = 3; };
+instance of X as $x1 { Name = "x1"; };
+instance of Assoc { Ante = $s1; Dep = $d2; Weight = 5; };
+instance of Assoc { Ante = $s1; Dep = $d1; Weight = 6; };
+instance of Assoc { Ante = $s2; Dep = $d3; Weight = 7; };
+instance of Other { Ante = $s2; Dep = $x1; };
+)";
+
+struct Associations : testing::Test {
+  QueryWorld world{kAssociations};
+};
+
+TEST_F(Associations, theSourceIsEnumeratedAndAskedForItsAssociates) {
+  const QueryOutcome outcome = world.run("SELECT S.Name, D.Name FROM S, D WHERE Assoc = S AND Assoc = D");
+  EXPECT_THAT(outcome.rows, ElementsAre("s1|d2", "s1|d1", "s2|d3"));
+  ASSERT_EQ(outcome.log.size(), 4U);
+  EXPECT_EQ(outcome.log[0], "CQL/4: Issued an enumerate instance call for 'S'");
+  EXPECT_THAT(outcome.log[1], HasSubstr("CQL/4: Issued an associator request call 'Assoc' on 'S' with instance name "));
+  EXPECT_THAT(outcome.log[1], HasSubstr(" and result class 'D'"));
+}
+
+TEST_F(Associations, referencesAreWrittenOutToo) {
+  EXPECT_THAT(world.rows("SELECT S.Name, D.Name FROM S, D WHERE Assoc.firstref = OBJECTPATH(S) AND "
+                         "Assoc.secondref = OBJECTPATH(D)"),
+              ElementsAre("s1|d2", "s1|d1", "s2|d3"));
+}
+
+TEST_F(Associations, leftOuterKeepsSourcesWithoutAssociates) {
+  EXPECT_THAT(world.rows("SELECT S.Name, D.Name FROM S, D WHERE Assoc *= S AND Assoc = D"),
+              ElementsAre("s1|d2", "s1|d1", "s2|d3", "s3|NULL"));
+}
+
+TEST_F(Associations, aSourceInSeveralRowsIsAskedOnce) {
+  const QueryOutcome outcome = world.run("SELECT S.Name, X.Name, D.Name FROM X, S, D WHERE Assoc = S AND Assoc = D");
+  EXPECT_THAT(outcome.rows, ElementsAre("s1|x1|d2", "s1|x1|d1", "s2|x1|d3"));
+  EXPECT_EQ(outcome.log.size(), 5U);  // two enumerations, three sources
+}
+
+TEST_F(Associations, twoAssociationsChain) {
+  EXPECT_THAT(world.rows("SELECT S.Name, D.Name, X.Name FROM S, D, X WHERE Assoc = S AND Assoc = D AND Other = S AND "
+                         "Other = X"),
+              ElementsAre("s2|d3|x1"));
+}
+
+TEST_F(Associations, anEnumeratedDestinationIsFiltered) {
+  EXPECT_THAT(world.rows("SELECT S.Name, D.Name FROM S, D WHERE Assoc = D AND Assoc = S AND Assoc = S AND Assoc = D"),
+              UnorderedElementsAre("s1|d2", "s1|d1", "s2|d3"));
+}
+
+TEST_F(Associations, conditionsOnBothSidesGoOn) {
+  EXPECT_THAT(world.rows("SELECT S.Name, D.Name FROM S, D WHERE Assoc = S AND Assoc = D AND D.Size < 3 ORDER BY "
+                         "D.Name ASC"),
+              ElementsAre("s1|d1", "s1|d2"));
+}
+
+TEST_F(Associations, theAssociationClassIsAColumnWhenItIsSelected) {
+  EXPECT_THAT(world.rows("SELECT S.Name, D.Name, a.Weight FROM S, D, Assoc AS a WHERE a = S AND a = D"),
+              UnorderedElementsAre("s1|d2|5", "s1|d1|6", "s2|d3|7"));
+  EXPECT_THAT(world.rows("SELECT S.Name, D.Name, a.Weight FROM S, D, Assoc AS a WHERE a *= S AND a = D"),
+              UnorderedElementsAre("s1|d2|5", "s1|d1|6", "s2|d3|7", "s3|NULL|NULL"));
+}
+
+TEST_F(Associations, anAssociationClassInFromThatNobodyNamesIsNotFetched) {
+  const QueryOutcome outcome = world.run("SELECT S.Name, D.Name FROM S, D, Assoc WHERE Assoc = S AND Assoc = D");
+  EXPECT_THAT(outcome.rows, ElementsAre("s1|d2", "s1|d1", "s2|d3"));
+  EXPECT_THAT(outcome.log, Not(Contains(HasSubstr("enumerate instance call for 'ASSOC'"))));
+}
+
+TEST_F(Associations, underOrTheLastOperandDecides) {
+  EXPECT_THAT(world.rows("SELECT S.Name, D.Name FROM S, D WHERE D.Size = 1 OR Assoc = S AND Assoc = D"),
+              ElementsAre("s1|d2", "s1|d1", "s2|d3"));
+  EXPECT_THAT(world.rows("SELECT S.Name, D.Name FROM S, D WHERE Assoc = S AND Assoc = D OR D.Size = 1"),
+              ElementsAre("s1|d1", "s2|d1", "s3|d1"));
+}
+
+TEST_F(Associations, parseFaults) {
+  EXPECT_EQ(world.error("SELECT S.Name FROM S, D WHERE Assoc = S"),
+            "parse 6 line 1: 'AND' expected for an association");
+  EXPECT_EQ(world.error("SELECT S.Name FROM S, D WHERE Assoc = S AND D.Size = 1"),
+            "parse 14 line 1: Invalid syntax specified for an Association");
+  EXPECT_EQ(world.error("SELECT S.Name FROM S, D WHERE Assoc = S AND Other = D"),
+            "parse 14 line 1: Invalid syntax specified for an Association");
+  for (const char* op : {"=*", "*=*"}) {
+    EXPECT_EQ(world.error(std::string("SELECT S.Name FROM S, D WHERE Assoc ") + op + " S AND Assoc = D"),
+              "parse 14 line 1: Right and Full outer joins are not supported on associations");
+  }
+}
+
+TEST_F(Associations, anUnknownAssociationHasNoAssociates) {
+  EXPECT_THAT(world.rows("SELECT S.Name, D.Name FROM S, D WHERE Nope = S AND Nope = D"), IsEmpty());
+}
+
+}  // namespace

@@ -1,0 +1,88 @@
+// Lists of objects read in runs, and products of more rows than can be counted.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <memory>
+
+#include "Cimom/QORQL/Lazy/QORQL_LazyRows.h"
+#include "QueryWorld.h"
+#include "cimom/CIMApi.h"
+
+namespace {
+
+constexpr char kClasses[] = R"(
+class N { [key] uint32 k; uint64 u; sint64 s; real64 r; string t; boolean b; uint16 g; uint16 a[]; };
+class M { [key] uint32 k; sint64 s; real64 r; uint64 u; string t; };
+class Sub : M { uint32 more; };
+class Z { [key] uint32 k; };
+)";
+
+// An extent without an array of its objects, read in order, from the start
+// again, and out of order.
+TEST(Extent, runsOfALongList) {
+  QueryWorld world(kClasses + std::string("instance of Z { k = 1; }; instance of Z { k = 2; };"));
+  CIMApi client;
+  const CIMApi::Instances two = client.enumerateInstances("root/cimv2", "Z", {}, -1, nullptr, nullptr, nullptr, {});
+  const QORQL_Extent::ObjectList list(new QORValSlist<QORSmrPtr<IQoriObject>>);
+  constexpr QORuint32 kCount = 70000;
+  for (QORuint32 i = 0; i < kCount; ++i) list->append(i % 3 == 0 ? two->first() : two->last());
+  const auto expected = [&](QORuint32 i) { return i % 3 == 0 ? two->first().Get() : two->last().Get(); };
+  const QORQL_Extent extent(list);
+  ASSERT_EQ(extent.size(), kCount);
+  EXPECT_EQ(extent.layouts().size(), 1U);
+  const auto expectRun = [&](QORuint32 first, std::size_t count) {
+    std::vector<const IQoriObject*> run(count);
+    extent.copyRun(first, count, run.data());
+    for (std::size_t i = 0; i < count; ++i) ASSERT_EQ(run[i], expected(first + static_cast<QORuint32>(i))) << first + i;
+  };
+  for (QORuint32 first = 0; first < kCount; first += 50) expectRun(first, 50);
+  expectRun(0, 64);
+  expectRun(64, 64);
+  expectRun(kCount - 10, 10);
+  expectRun(30, 64);
+  expectRun(0, 1);
+  for (const QORuint32 place : {0U, 4095U, 4096U, 69999U}) EXPECT_EQ(extent.object(place), expected(place));
+  // Round the places that the extent remembers, and more often than it is worth remembering.
+  for (int round = 0; round < 20; ++round) {
+    for (const QORuint32 first : {69999U, 4095U, 4096U, 65536U, 8193U}) expectRun(first, first == 69999 ? 1 : 64);
+  }
+  expectRun(4160, 64);
+  EXPECT_EQ(extent.object(69999), expected(69999));
+
+  // Back to a remembered place, and from there on to where the reading would have been without that.
+  const QORQL_Extent again(list);
+  const auto expectRunAgain = [&](QORuint32 first) {
+    std::array<const IQoriObject*, 64> run{};
+    again.copyRun(first, run.size(), run.data());
+    for (QORuint32 i = 0; i < run.size(); ++i) ASSERT_EQ(run[i], expected(first + i)) << first + i;
+  };
+  for (QORuint32 first = 0; first < 9024; first += 64) expectRunAgain(first);
+  expectRunAgain(4096);
+  expectRunAgain(9088);
+  for (QORuint32 first = 9152; first < 20000; first += 64) expectRunAgain(first);
+  expectRunAgain(12289);
+
+  const QORQL_Extent unread(list);
+  const IQoriObject* ahead = nullptr;
+  unread.copyRun(50001, 1, &ahead);
+  EXPECT_EQ(ahead, expected(50001));
+}
+
+// More rows than can be counted are as many as can be counted, not as many as remain.
+TEST(LazyRows, aProductBeyondAllNumbersHasRows) {
+  QueryWorld world(kClasses + std::string("instance of Z { k = 1; };"));
+  CIMApi client;
+  const CIMApi::Instances one = client.enumerateInstances("root/cimv2", "Z", {}, -1, nullptr, nullptr, nullptr, {});
+  const QORQL_Extent::ObjectList list(new QORValSlist<QORSmrPtr<IQoriObject>>);
+  for (QORuint32 i = 0; i < 65536; ++i) list->append(one->first());
+  const auto extent = std::make_shared<const QORQL_Extent>(list);
+  QORQL_LazyRows rows;
+  for (int column = 0; column < 3; ++column) rows.addExtent(extent);
+  EXPECT_EQ(rows.rowCount(), QORuint64{1} << 48U);
+  rows.addExtent(extent);
+  EXPECT_EQ(rows.rowCount(), ~QORuint64{0});
+  rows.addExtent(extent);
+  EXPECT_EQ(rows.rowCount(), ~QORuint64{0});
+}
+
+}  // namespace
