@@ -8,14 +8,10 @@
 #include "Cimom/QORQL/QORQL_Association.h"
 #include "Cimom/QORQL/QORQL_Expression.h"
 #include "Cimom/QORQL/QORQL_ExpressionTerm.h"
+#include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
-#include "Cimom/QORQL/QORQL_FromClause.h"
-#include "Cimom/QORQL/QORQL_IdentifierFinder.h"
-#include "Cimom/QORQL/QORQL_OrderByClause.h"
-#include "Cimom/QORQL/QORQL_Query.h"
 #include "Cimom/QORQL/QORQL_SelectList.h"
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
-#include "Cimom/QORQL/QORQL_WhereClause.h"
 
 namespace {
 
@@ -40,15 +36,6 @@ class NameCollector : public QORQL_ExpressionVisitor {
  private:
   const QORQL_SymbolTable& _symbolTable;
 };
-
-void walk(const QORSmrPtr<QORQL_Evaluatable>& node, NameCollector*& collector, const QORQL_SymbolTable& symbolTable,
-          QORSmrPtr<QORQL_ExpressionVisitor>& visitor) {
-  if (visitor.IsNull()) {
-    collector = new NameCollector(symbolTable);
-    visitor = collector;
-  }
-  if (!node.IsNull()) node->accept(visitor);
-}
 
 // The associations that decide which rows stay: those of the last operand of OR.
 Associations decidingAssociations(const QORSmrPtr<QORQL_Evaluatable>& condition) {
@@ -87,14 +74,28 @@ Roles rolesOf(const Associations& associations, const QORQL_SymbolTable& symbolT
   return roles;
 }
 
-// An association class that is a column is judged by its references, which nothing else may name: whichever operand
-// of OR reads it, and whether it is enumerated or an end of another association.
-void fetchWhole(const Associations& associations, const QORQL_SymbolTable& symbolTable) {
-  for (const QORQL_Association* association : associations) {
-    const QORSmrPtr<QORQL_Symbol> symbol(symbolTable.lookupIgnoringCase(association->getAssociationName()));
-    if (!symbol.IsNull() && !symbol->getClassInfo().IsNull()) symbol->getClassInfo()->setFetchAllProperties(true);
+// The classes that the parts of a statement name outside association conditions, and those conditions.
+class StatementNames {
+ public:
+  explicit StatementNames(const QORQL_SymbolTable& symbolTable)
+      : _names(new NameCollector(symbolTable)), _visitor(_names) {}
+  void walk(const QORSmrPtr<QORQL_Evaluatable>& node) {
+    if (!node.IsNull()) node->accept(_visitor);
   }
-}
+  void walkEntries(const QORQL_SelectList& list) {
+    QORValSlistIterator<QORSmrPtr<QORQL_SelectedEntry>> entries(*list.getSelectedEntries());
+    while (++entries) {
+      _names->add(entries.key()->getClassName());
+      walk(entries.key()->getExpression());
+    }
+  }
+  bool names(const QORString& className) const { return _names->classes.contains(className); }
+  const Associations& associations() const noexcept { return _names->associations; }
+
+ private:
+  NameCollector* const _names;
+  QORSmrPtr<QORQL_ExpressionVisitor> _visitor;
+};
 
 bool selectsStar(const QORQL_SelectList& list) {
   QORValSlistIterator<QORSmrPtr<QORQL_SelectedEntry>> entries(*list.getSelectedEntries());
@@ -106,33 +107,28 @@ bool selectsStar(const QORQL_SelectList& list) {
 
 }  // namespace
 
-void QORQL_AssociationPlan::apply(QORQL_Query& query, QORQL_SymbolTable& symbolTable) {
-  const auto* where = dynamic_cast<const QORQL_WhereClause*>(query._whereClause.Get());
-  const auto* list = dynamic_cast<const QORQL_SelectList*>(query._selectList.Get());
-  auto* from = dynamic_cast<QORQL_FromClause*>(query._fromClause.Get());
-  if (where == nullptr || list == nullptr || from == nullptr) return;
-
-  NameCollector* names = nullptr;
-  QORSmrPtr<QORQL_ExpressionVisitor> visitor;
-  walk(where->getExpression(), names, symbolTable, visitor);
-  if (names->associations.empty()) return;
-  query._whereHasAssociation = true;
-  QORValSlistIterator<QORSmrPtr<QORQL_SelectedEntry>> entries(*list->getSelectedEntries());
-  while (++entries) {
-    names->add(entries.key()->getClassName());
-    walk(entries.key()->getExpression(), names, symbolTable, visitor);
+QORQL_AssociationPlan QORQL_planAssociations(const QORSmrPtr<QORQL_Evaluatable>& condition,
+                                             const QORQL_SelectList& selectList,
+                                             const QORSmrPtr<QORQL_Evaluatable>& sortKey,
+                                             const QORQL_SymbolTable& symbolTable) {
+  QORQL_AssociationPlan plan;
+  StatementNames statement(symbolTable);
+  statement.walk(condition);
+  plan.hasAssociation = !statement.associations().empty();
+  if (!plan.hasAssociation) return plan;
+  statement.walkEntries(selectList);
+  statement.walk(sortKey);
+  // One that is a column is judged by its references, which nothing else may name: whichever operand of OR reads it,
+  // and whether it is enumerated or an end of another association.
+  for (const QORQL_Association* const each : statement.associations()) {
+    plan.wholeClasses.push_back(each->getAssociationName());
   }
-  const auto* orderBy = dynamic_cast<const QORQL_OrderByClause*>(query._orderbyClause.Get());
-  if (orderBy != nullptr) walk(orderBy->getExpression(), names, symbolTable, visitor);
-
-  fetchWhole(names->associations, symbolTable);
-  const Roles roles(rolesOf(decidingAssociations(where->getExpression()), symbolTable));
-  const bool isStar = selectsStar(*list);
-  QORValSlist<QORString> skipped;
-  for (const QORString& destination : roles.destinations) skipped.append(destination);
+  const Roles roles(rolesOf(decidingAssociations(condition), symbolTable));
+  const bool isStar = selectsStar(selectList);
+  for (const QORString& destination : roles.destinations) plan.skippedClasses.append(destination);
   for (const QORString& association : roles.associations) {
     if (roles.sources.contains(association) || roles.destinations.contains(association)) continue;
-    if (!isStar && !names->classes.contains(association)) skipped.append(association);
+    if (!isStar && !statement.names(association)) plan.skippedClasses.append(association);
   }
-  from->setSkippedClasses(skipped);
+  return plan;
 }

@@ -3,17 +3,28 @@
 #ifndef QORQL_ASSOCIATIONPLAN_H
 #define QORQL_ASSOCIATIONPLAN_H
 
+#include <vector>
+
+#include "Cimom/QORQL/QORQL_Evaluatable.h"
 #include "cmpbase.h"
 
-class QORQL_Query;
+class QORQL_SelectList;
 class QORQL_SymbolTable;
 
-class QORQL_AssociationPlan {
- public:
-  // Called once at the end of parsing a statement that has an association: records in the query's FROM clause the
-  // classes to skip, and in the symbol of each association class that FROM names
-  // that it must come with all its properties.
-  static void apply(QORQL_Query& query, QORQL_SymbolTable& symbolTable);
+// What the association conditions of a statement decide before it runs.
+struct QORQL_AssociationPlan {
+  // Whether WHERE has an association; without one the lists are empty.
+  bool hasAssociation = false;
+  // The classes (upper case) that FROM does not enumerate.
+  QORValSlist<QORString> skippedClasses;
+  // The association classes, as written: those that FROM names must come with all their properties.
+  std::vector<QORString> wholeClasses;
 };
+
+// For a statement whose names are resolved; the sort key may be null. Linear in the statement.
+QORQL_AssociationPlan QORQL_planAssociations(const QORSmrPtr<QORQL_Evaluatable>& condition,
+                                             const QORQL_SelectList& selectList,
+                                             const QORSmrPtr<QORQL_Evaluatable>& sortKey,
+                                             const QORQL_SymbolTable& symbolTable);
 
 #endif

@@ -8,10 +8,11 @@
 
 #include <utility>
 
+#include "Cimom/QORQL/QORQL_MapBuckets.h"
+
 namespace {
 
 constexpr QORuint32 kScannedNames = 16;
-constexpr QORuint32 kMapBuckets = 150;
 
 }  // namespace
 
@@ -47,7 +48,7 @@ void QORQL_ClassInfo::_updateIndex() {
 }
 
 QORQL_ProjectionMap QORQL_newProjectionMap(QORSlabs& slabs) {
-  return QORQL_ProjectionMap::MakeIn(slabs, &hashKeyQORString, kMapBuckets);
+  return QORQL_ProjectionMap::MakeIn(slabs, &hashKeyQORString, QORQL_kMapBuckets);
 }
 
 QORSmrPtr<QORQL_ClassInfo> QORQL_newClassInfo(QORSlabs& slabs, const QORString& className, QORboolean allProperties) {

@@ -9,6 +9,9 @@
 class QORQL_DataTable;
 class QORQL_SymbolTable;
 
+// The namespace that ORDER BY and nested queries are given, whatever the caller's.
+inline constexpr char QORQL_kFixedNameSpace[] = "root/yrk/zemo";
+
 class QORQL_Executable {
  public:
   QORQL_Executable() = default;

@@ -85,3 +85,15 @@ QORQL_Token& QORQL_Lexer::skipUntilTokenAndRevisit(QORQL_TokenType type) {
 void QORQL_Lexer::matchToken(int type) {
   if (_currentToken.getType() != type) QORQL_raiseAtToken(QORQL_Messages::kTokenMismatch, *this);
 }
+
+QORString QORQL_printedText(const QORQL_Token& token) {
+  return token.getType() == TokenEOF ? QORString::emptyString() : token.getValue();
+}
+
+void QORQL_raise(const QORQL_ParseMessage& message, const QORQL_Lexer& lexer, const QORString& argument) {
+  QORQL_raise(message, lexer.getCurrentLineNr(), argument);
+}
+
+void QORQL_raiseAtToken(const QORQL_ParseMessage& message, QORQL_Lexer& lexer) {
+  QORQL_raise(message, lexer, QORQL_printedText(lexer.getCurrent()));
+}

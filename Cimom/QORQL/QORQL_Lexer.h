@@ -6,6 +6,8 @@
 #include "Cimom/QORQL/QORQL_Token.h"
 #include "cmpbase.h"
 
+struct QORQL_ParseMessage;
+
 // Made for one query text, read to its end by one parse. Belongs to one thread.
 class QORQL_Lexer {
  public:
@@ -71,5 +73,14 @@ class QORQL_Lexer {
   bool _recordsBareNames = true;
   bool _hasAssociation = false;
 };
+
+// The text of a token as messages print it: nothing for the end of the input.
+QORString QORQL_printedText(const QORQL_Token& token);
+
+// Each THROWS the message as a QORQL_ParseException at the lexer's line, with the argument in place of its "%s".
+[[noreturn]] void QORQL_raise(const QORQL_ParseMessage& message, const QORQL_Lexer& lexer,
+                              const QORString& argument = QORString());
+// The argument is the text of the current token.
+[[noreturn]] void QORQL_raiseAtToken(const QORQL_ParseMessage& message, QORQL_Lexer& lexer);
 
 #endif

@@ -3,8 +3,6 @@
 
 #include <string_view>
 
-#include "Cimom/QORQL/QORQL_Lexer.h"
-
 namespace {
 
 QORString fill(const char* text, const QORString& argument) {
@@ -15,10 +13,6 @@ QORString fill(const char* text, const QORString& argument) {
 }
 
 }  // namespace
-
-QORString QORQL_printedText(const QORQL_Token& token) {
-  return token.getType() == TokenEOF ? QORString::emptyString() : token.getValue();
-}
 
 bool QORQL_isMessage(const char* message, const QORString& text, QORString& argument) {
   const std::string_view pattern(message);
@@ -34,17 +28,11 @@ bool QORQL_isMessage(const char* message, const QORString& text, QORString& argu
   return true;
 }
 
-void QORQL_raise(const QORQL_ParseMessage& message, const QORQL_Lexer& lexer, const QORString& argument) {
-  throw QORQL_ParseException(message.code, fill(message.text, argument), lexer.getCurrentLineNr());
+void QORQL_raise(const QORQL_ParseMessage& message, QORuint32 line, const QORString& argument) {
+  throw QORQL_ParseException(message.code, fill(message.text, argument), line);
 }
 
-void QORQL_raiseAtToken(const QORQL_ParseMessage& message, QORQL_Lexer& lexer) {
-  QORQL_raise(message, lexer, QORQL_printedText(lexer.getCurrent()));
-}
-
-void QORQL_raise(const QORQL_ParseMessage& message, const QORString& argument) {
-  throw QORQL_ParseException(message.code, fill(message.text, argument), 0);
-}
+void QORQL_raise(const QORQL_ParseMessage& message, const QORString& argument) { QORQL_raise(message, 0, argument); }
 
 void QORQL_raise(const QORQL_CheckMessage& message, const QORString& argument) {
   throw QORQL_Exception(message.code, fill(message.text, argument));

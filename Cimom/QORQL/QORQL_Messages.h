@@ -6,9 +6,6 @@
 #include "Cimom/QORQL/QORQL_ParseException.h"
 #include "cmpbase.h"
 
-class QORQL_Lexer;
-class QORQL_Token;
-
 // "%s" stands for the one thing that a message names.
 struct QORQL_ParseMessage {
   QORuint32 code;
@@ -110,20 +107,13 @@ inline constexpr QORQL_CheckMessage kWhereCastFailed{
 
 }  // namespace QORQL_Messages
 
-// The text of a token as messages print it: nothing for the end of the input.
-QORString QORQL_printedText(const QORQL_Token& token);
-
 // Whether a text is the message with something in place of its "%s", which is
 // then the argument.
 bool QORQL_isMessage(const char* message, const QORString& text, QORString& argument);
 
 // Each THROWS the message, with the argument in place of its "%s".
-// At the lexer's line.
-[[noreturn]] void QORQL_raise(const QORQL_ParseMessage& message, const QORQL_Lexer& lexer,
-                              const QORString& argument = QORString());
-// At the lexer's line, naming its current token.
-[[noreturn]] void QORQL_raiseAtToken(const QORQL_ParseMessage& message, QORQL_Lexer& lexer);
-// Found after the text was read: line 0.
+// At a line of the text; what is found after the text was read has line 0.
+[[noreturn]] void QORQL_raise(const QORQL_ParseMessage& message, QORuint32 line, const QORString& argument);
 [[noreturn]] void QORQL_raise(const QORQL_ParseMessage& message, const QORString& argument);
 [[noreturn]] void QORQL_raise(const QORQL_CheckMessage& message, const QORString& argument = QORString());
 

@@ -7,11 +7,10 @@
 #include <vector>
 
 #include "Cimom/QORQL/QORQL_JoinType.h"
+#include "Cimom/QORQL/QORQL_MapBuckets.h"
 #include "Cimom/QORQL/QORQL_Operator.h"
 #include "cimom/IQoriObject.h"
 #include "cmpbase.h"
-
-inline constexpr QORuint32 QORQL_kMapBuckets = 150;
 
 // The text that tells instances apart; empty for an object without a name.
 inline QORString QORQL_instanceKey(const IQoriObject& object) {

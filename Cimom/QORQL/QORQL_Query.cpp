@@ -48,7 +48,7 @@ QORSmrPtr<QORQL_Executable> QORQL_Query::parse(QORQL_SymbolTable& symbolTable, Q
     QORQL_raiseAtToken(QORQL_Messages::kUnexpectedToken, lexer);
   }
   query._resolve(symbolTable, projectionMap, nameSpace, lexer.slabs());
-  if (lexer.hasAssociation()) QORQL_AssociationPlan::apply(query, symbolTable);
+  if (lexer.hasAssociation()) query._takeAssociations(symbolTable);
   return result;
 }
 
@@ -74,4 +74,19 @@ QORSmrPtr<QORQL_Executable> QORQL_Query::_parseClauses(QORQL_SymbolTable& symbol
   return QORSmrPtr<QORQL_Executable>::MakeIn<QORQL_Query>(lexer.slabs(), std::move(select), std::move(from),
                                                           std::move(where), std::move(format), isNestedQuery,
                                                           std::move(orderBy), queryString, queryLanguage);
+}
+
+void QORQL_Query::_takeAssociations(const QORQL_SymbolTable& symbolTable) {
+  if (_whereClause.IsNull()) return;
+  const auto& where = static_cast<const QORQL_WhereClause&>(*_whereClause);
+  const auto* const orderBy = static_cast<const QORQL_OrderByClause*>(_orderbyClause.Get());
+  const QORQL_AssociationPlan plan = QORQL_planAssociations(
+      where.getExpression(), static_cast<const QORQL_SelectList&>(*_selectList),
+      orderBy == nullptr ? QORSmrPtr<QORQL_Evaluatable>() : orderBy->getExpression(), symbolTable);
+  _whereHasAssociation = plan.hasAssociation;
+  static_cast<QORQL_FromClause&>(*_fromClause).setSkippedClasses(plan.skippedClasses);
+  for (const QORString& name : plan.wholeClasses) {
+    const QORSmrPtr<QORQL_Symbol> symbol(symbolTable.lookupIgnoringCase(name));
+    if (!symbol.IsNull() && !symbol->getClassInfo().IsNull()) symbol->getClassInfo()->setFetchAllProperties(true);
+  }
 }

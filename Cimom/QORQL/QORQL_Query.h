@@ -60,8 +60,6 @@ class QORQL_Query : public QORQL_Executable {
                const QORString& nameSpace) override;
 
  private:
-  friend class QORQL_AssociationPlan;
-
   struct FromClass;
   struct NameCache;
   struct UpdateContext {
@@ -80,6 +78,8 @@ class QORQL_Query : public QORQL_Executable {
                                                    const QORString& queryString, const QORString& queryLanguage);
   void _resolve(QORQL_SymbolTable& symbolTable, QORQL_ProjectionMap& projectionMap, const QORString& nameSpace,
                 QORSlabs& slabs);
+  // What the association conditions decide of FROM, WHERE and the classes' properties.
+  void _takeAssociations(const QORQL_SymbolTable& symbolTable);
   static QORQL_ClassInfo& _neededOf(FromClass& known, const UpdateContext& context);
   static void _findSelectClasses(QORQL_SelectList& selectList, QORQL_ProjectionMap& projectionMap,
                                  UpdateContext& context);

@@ -5,9 +5,10 @@
 #include <string_view>
 #include <utility>
 
+#include "Cimom/QORQL/QORQL_MapBuckets.h"
+
 namespace {
 
-constexpr QORuint32 kBuckets = 150;
 constexpr QORuint32 kFewNames = 8;
 
 char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
@@ -29,7 +30,7 @@ bool isUpperCaseOf(std::string_view key, std::string_view name) {
 }  // namespace
 
 QORQL_SymbolTable::QORQL_SymbolTable(QORQL_SymbolTable* parent)
-    : _parentSymbolTable(parent), _hashDict(&hashKeyQORString, kBuckets) {}
+    : _parentSymbolTable(parent), _hashDict(&hashKeyQORString, QORQL_kMapBuckets) {}
 
 QORQL_SymbolTable::~QORQL_SymbolTable() {
   const QORSlabs::Returning together;

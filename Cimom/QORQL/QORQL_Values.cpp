@@ -1,17 +1,18 @@
 // Arithmetic on values as the language allows it.
 #include "Cimom/QORQL/QORQL_Values.h"
 
+#include <algorithm>
+#include <iterator>
 #include <string>
 
 #include "Cimom/QORQL/QORQL_Exception.h"
 #include "Cimom/QORQL/QORQL_ExecutionMessages.h"
-#include "Cimom/QORQL/QORQL_Helper.h"
 
 namespace {
 
 bool isString(const IQoriValue& value) { return value.getType()->getName().isEqualCaseInsensitive("string"); }
 bool isNumeric(const IQoriValue& value) {
-  return value.scalar().isNumber() || QORQL_Helper::isNumeric(value.getType()->getName());
+  return value.scalar().isNumber() || QORQL_isNumericType(value.getType()->getName().view());
 }
 
 bool isText(const QORSmrPtr<IQoriValue>& value) {
@@ -28,6 +29,13 @@ QORSmrPtr<IQoriValue> joinTexts(const std::vector<QORSmrPtr<IQoriValue>>& values
 }
 
 }  // namespace
+
+bool QORQL_isNumericType(std::string_view typeName) noexcept {
+  static constexpr std::string_view kNumeric[] = {"uint8",  "uint16", "uint32", "uint64", "sint8",
+                                                  "sint16", "sint32", "sint64", "real32", "real64"};
+  return std::any_of(std::begin(kNumeric), std::end(kNumeric),
+                     [&](std::string_view name) { return QORString::equalIgnoringCase(typeName, name); });
+}
 
 QORSmrPtr<IQoriValue> QORQL_combine(QORQL_Operator op, const QORSmrPtr<IQoriValue>& left,
                                     const QORSmrPtr<IQoriValue>& right) {

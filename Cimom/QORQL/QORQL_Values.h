@@ -2,12 +2,16 @@
 #ifndef QORQL_VALUES_H
 #define QORQL_VALUES_H
 
+#include <string_view>
 #include <vector>
 
 #include "Cimom/QORQL/QORQL_Operator.h"
 #include "cimom/CQoriValue.h"
 #include "cimom/IQoriValue.h"
 #include "cmpbase.h"
+
+// One of the ten numeric CIM type names, ignoring case.
+bool QORQL_isNumericType(std::string_view typeName) noexcept;
 
 // `left op right` for PLUS, MINUS, MUL and DIV; null when either is, or when the
 // types do not qualify: two numbers, or for PLUS two strings. Errors of the

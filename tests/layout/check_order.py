@@ -14,10 +14,7 @@ ENGINE = "Cimom/QORQL"
 MAP = ENGINE + "/README.md"
 
 # Includes that point down the map and are to be untangled: (file, what it includes). One that is gone must leave the list.
-KNOWN = [
-    ("Cimom/QORQL/QORQL_Messages.cpp", "Cimom/QORQL/QORQL_Lexer.h"),
-    ("Cimom/QORQL/QORQL_Values.cpp", "Cimom/QORQL/QORQL_Helper.h"),
-]
+KNOWN = []
 
 SECTION = re.compile(r"^\*\*(.+?)\.\*\*", re.MULTILINE)
 NAME = re.compile(r"`(\.\.\.)?((?:\w+/)*\w+)(\.cpp|\.h)?`")

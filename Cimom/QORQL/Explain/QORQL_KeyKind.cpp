@@ -5,8 +5,8 @@
 #include "Cimom/QORQL/QORQL_Comparison.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_Function.h"
-#include "Cimom/QORQL/QORQL_Helper.h"
 #include "Cimom/QORQL/QORQL_Term.h"
+#include "Cimom/QORQL/QORQL_Values.h"
 #include "cimom/QoriProviderPluginManager.h"
 
 namespace {
@@ -77,7 +77,7 @@ class KeyReader {
   static QORQL_KeyKind kindOf(const IQoriType& type) {
     const QORString& name = type.getName();
     if (type.isArray()) return QORQL_KeyKind::kOther;
-    if (QORQL_Helper::isNumeric(name)) return QORQL_KeyKind::kNumber;
+    if (QORQL_isNumericType(name.view())) return QORQL_KeyKind::kNumber;
     if (name == "string") return QORQL_KeyKind::kText;
     if (name == "boolean") return QORQL_KeyKind::kBoolean;
     return name == "reference" ? QORQL_KeyKind::kReference : QORQL_KeyKind::kOther;

@@ -3,7 +3,6 @@
 #include <string_view>
 
 #include "Cimom/QORQL/CQLQueryStatement.h"
-#include "Cimom/QORQL/QORQL_Helper.h"
 #include "Cimom/QORQL/QORQL_Values.h"
 #include "cimom/CQoriValue.h"
 
@@ -85,7 +84,7 @@ bool satisfies(const Value& lhs, const Value& rhs, QORQL_Operator op) {
 }  // namespace
 
 bool CQLQueryStatement::isNumericalData(const QORString& lhsType, const QORString& rhsType) noexcept {
-  return QORQL_Helper::isNumeric(lhsType) && QORQL_Helper::isNumeric(rhsType);
+  return QORQL_isNumericType(lhsType.view()) && QORQL_isNumericType(rhsType.view());
 }
 
 CQLPrecisionCode CQLQueryStatement::findPrecisionType(const QORString& lhsType, const QORString& rhsType) {

@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
+#include "Cimom/QORQL/QORQL_MapBuckets.h"
 #include "Cimom/QORQL/QORQL_OuterJoin.h"
 #include "Cimom/QORQL/QORQL_TextHash.h"
 

@@ -8,12 +8,6 @@
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
 #include "Cimom/QORQL/QORQL_WhereClause.h"
 
-namespace {
-
-constexpr char kSubqueryNameSpace[] = "root/yrk/zemo";
-
-}  // namespace
-
 void QORQL_FromClause::execute(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, std::ostream* /*out*/,
                                const QORString& nameSpace) {
   QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*_fromSpecifierList);
@@ -35,7 +29,7 @@ void QORQL_FromSpecifier::execute(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQ
   QORSmrPtr<QORQL_DataTable> nested(new QORQL_DataTable());
   nested->inherit(*table);
   QORQL_SymbolTable* const names = symbol->getSymbolTable();
-  if (!_subQuery.IsNull() && names != nullptr) _subQuery->execute(*names, nested, nullptr, kSubqueryNameSpace);
+  if (!_subQuery.IsNull() && names != nullptr) _subQuery->execute(*names, nested, nullptr, QORQL_kFixedNameSpace);
   table = nested;
 }
 

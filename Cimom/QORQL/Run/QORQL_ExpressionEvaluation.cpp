@@ -8,16 +8,6 @@
 #include "Cimom/QORQL/QORQL_ExpressionTerm.h"
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
 
-// The base evaluates to nothing.
-QORSmrPtr<IQoriValue> QORQL_Evaluatable::evaluate(QORQL_SymbolTable& /*symbolTable*/,
-                                                  QORSmrPtr<QORQL_DataRow>& /*row*/) {
-  return {};
-}
-void QORQL_Evaluatable::evaluate(QORQL_SymbolTable& /*symbolTable*/, QORSmrPtr<QORQL_DataTable>& /*table*/,
-                                 const QORString& /*nameSpace*/) {}
-void QORQL_Evaluatable::evaluateOR(QORQL_SymbolTable& /*symbolTable*/, QORSmrPtr<QORQL_DataTable>& /*table*/,
-                                   QORSmrPtr<QORQL_DataTable>& /*other*/, const QORString& /*nameSpace*/) {}
-
 QORSmrPtr<IQoriValue> QORQL_Expression::evaluate(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataRow>& row) {
   return _operator == QORQL_OperatorNONE ? _expressionTerm->evaluate(symbolTable, row) : QORSmrPtr<IQoriValue>();
 }

@@ -266,11 +266,4 @@ QORQL_Helper::ObjectList QORQL_Helper::asssociator(const QORSmrPtr<IQoriInstance
                              none, none);
 }
 
-bool QORQL_Helper::isNumeric(const QORString& typeName) noexcept {
-  static constexpr const char* kNumeric[] = {"uint8",  "uint16", "uint32", "uint64", "sint8",
-                                             "sint16", "sint32", "sint64", "real32", "real64"};
-  for (const char* const name : kNumeric) {
-    if (QORString::equalIgnoringCase(typeName.view(), name)) return true;
-  }
-  return false;
-}
+bool QORQL_Helper::isNumeric(const QORString& typeName) noexcept { return QORQL_isNumericType(typeName.view()); }

@@ -2,13 +2,6 @@
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_Query.h"
 
-namespace {
-
-// The namespace that ORDER BY is always given, whatever the caller's.
-constexpr char kOrderByNameSpace[] = "root/yrk/zemo";
-
-}  // namespace
-
 // Providers that filter at the source know nothing of associations: their ends come from elsewhere.
 bool QORQL_Query::_isLeftToProviders(const QORQL_DataTable& table) const noexcept {
   return !_whereHasAssociation && table.allCellsPreFiltered();
@@ -23,7 +16,7 @@ void QORQL_Query::execute(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTa
   if (_isNestedQuery) return;
   if (!_orderbyClause.IsNull()) {
     _selectList->execute(symbolTable, table, nullptr, nameSpace);
-    if (!_isLeftToProviders(*table)) _orderbyClause->execute(symbolTable, table, nullptr, kOrderByNameSpace);
+    if (!_isLeftToProviders(*table)) _orderbyClause->execute(symbolTable, table, nullptr, QORQL_kFixedNameSpace);
   }
   _selectList->execute(symbolTable, table, out, nameSpace);
 }

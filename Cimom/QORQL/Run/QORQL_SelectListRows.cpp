@@ -7,6 +7,7 @@
 #include "Cimom/QORQL/QORQL_ExecutionMessages.h"
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "Cimom/QORQL/QORQL_Log.h"
+#include "Cimom/QORQL/QORQL_MapBuckets.h"
 #include "Cimom/QORQL/QORQL_SelectList.h"
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
 #include "Cimom/QORQL/Run/QORQL_ProjectionPlan.h"
@@ -16,8 +17,6 @@
 namespace Messages = QORQL_ExecutionMessages;
 
 namespace {
-
-constexpr QORuint32 kBuckets = 150;
 
 using Row = QORSmrPtr<QORQL_DataRow>;
 using EntryIterator = QORValSlistIterator<QORSmrPtr<QORQL_SelectedEntry>>;
@@ -102,7 +101,7 @@ void QORQL_SelectList::_evaluateRowFunctions(QORQL_SymbolTable& symbols, Row& ro
 
 Row QORQL_SelectList::_buildRow(Row& row, const Table& resultTable, const HeaderList& headers,
                                 const QORQL_ProjectionPlan& plan, const QORSmrPtr<IQoriObject>& values) const {
-  PropertyListMap lists(hashKeyQORString, kBuckets);
+  PropertyListMap lists(hashKeyQORString, QORQL_kMapBuckets);
   for (const QORQL_ProjectionPlan::Item& item : plan.items()) {
     if (item.namesObjectOnly) continue;
     if (item.keepsAll()) {
