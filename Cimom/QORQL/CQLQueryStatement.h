@@ -3,11 +3,10 @@
 #ifndef QORQL_CQLQUERYSTATEMENT_H
 #define QORQL_CQLQUERYSTATEMENT_H
 
-#include <functional>
 #include <memory>
 #include <string>
-#include <unordered_map>
 
+#include "Cimom/QORQL/CQLPrecisionCode.h"
 #include "Cimom/QORQL/CQLQueryException.h"
 #include "Cimom/QORQL/CQLQueryFault.h"
 #include "Cimom/QORQL/QORQL_Comparison.h"
@@ -17,22 +16,13 @@
 #include "cmpbase.h"
 
 class CQLMatcher;
+class CQLScope;
+class QORQL_Factor;
 class QORQL_FromClause;
 class QORQL_Lexer;
 class QORQL_SelectList;
 class QORQL_SelectedEntry;
 class QORQL_SymbolTable;
-struct CQLReference;
-
-// How two numeric types are brought together for a comparison.
-enum CQLPrecisionCode {
-  CQL_LHS_EQUAL_RHS = 0,
-  CQL_LHS_LOWER = 1,
-  CQL_RHS_LOWER = 2,
-  CQL_LHS_AND_RHS_CONVERT_TO_SINT16 = 3,
-  CQL_LHS_AND_RHS_CONVERT_TO_SINT32 = 4,
-  CQL_LHS_AND_RHS_CONVERT_TO_SINT64 = 5
-};
 
 // validate() belongs to one thread; after it the statement does not change, and
 // the other operations may be called from many threads at once.
@@ -51,8 +41,11 @@ class CQLQueryStatement : public IQueryStatement {
   CQLQueryStatement& operator=(const CQLQueryStatement&) = delete;
   ~CQLQueryStatement() override;
 
+  // As they were given.
   QORString getQueryLanguage() const override { return _queryLang; }
   QORString getQuery() const override { return _queryString; }
+  // Parses the text and checks it against the schema, once: a second call returns what
+  // the first one found. Never THROWS; a refusal is logged, and getFault() tells it.
   QUERY_VALIDATE validate() override;
   // THROW CQLQueryException: "query is not validated " before validate() (code
   // 2) or after it failed (code 1); the message of a building step's code.
@@ -66,7 +59,9 @@ class CQLQueryStatement : public IQueryStatement {
 
   // The namespace whose instances the filter is about: the source's, or the
   // indications' when that is empty.
-  const QORString& getNameSpace() const noexcept { return nameSpaceInUse(); }
+  const QORString& getNameSpace() const noexcept {
+    return _sourceNamespace.isEmpty() ? _indicationNamespace : _sourceNamespace;
+  }
   // The prepared conditions, for a set of filters; BORROWS. THROWS as isMatch.
   const CQLMatcher& getMatcher() const;
 
@@ -82,27 +77,35 @@ class CQLQueryStatement : public IQueryStatement {
   // as isMatch.
   bool explainMatch(const QORSmrPtr<IQoriObject>& instance, const QORString& nameSpace, std::string& why) const;
 
-  // The steps of matching. Each returns false, or a null value, when anything
-  // about the node or the instance is not as it should be.
+  // The steps of matching, for callers that ask for one. Each answers false, or a
+  // null value, when anything about the node or the instance is not as it should be;
+  // isMatchFromClause alone THROWS. Before validate() no FROM name is known.
+  // `result` says whether the instance matches; the code tells more: success when it does,
+  // CQL_QUERY_ISMATCH_FAILURE when it does not, CQL_QUERY_INTERNAL_ERROR for a null
+  // namespace and for what failed on the way.
   CQLQueryExceptionCode doMatch(bool& result, const Instance& instance, const QORString& nameSpace) const;
+  // Whether the instance is of a FROM class or of a subclass of one. THROWS as
+  // getClassList, and what the class repository throws.
   bool isMatchFromClause(const Instance& instance) const;
+  // Whether the instance satisfies the WHERE clause, which every one does when there
+  // is none; and the conditions below it: the whole, of ANDs, under NOT, a comparison.
   bool isMatchWhereClause(const Instance& instance) const;
   bool isMatchExpression(const Node& node, const Instance& instance) const;
   bool isMatchExpressionTerm(const Node& node, const Instance& instance) const;
   bool isMatchExpressionFactor(const Node& node, const Instance& instance) const;
   bool isMatchComparison(const Node& node, const Instance& instance) const;
+  // The values of a side of a comparison, of a product in it, and of a factor.
   Value doMatchArithmetic(const Node& node, const Instance& instance) const;
   Value doMatchTerm(const Node& node, const Instance& instance) const;
   Value doMatchFactor(const Node& node, const Instance& instance) const;
-  // What isMatchComparison says, or Null where it could not be decided: by LIKE,
-  // IS NULL or a join operator, or without one of the values.
-  QoriTruth decide(const Node& comparison, const Instance& instance) const;
+  // The property that the factor names, read through properties that hold embedded
+  // objects. THROWS what the instance throws.
+  Value getPropertyValueFromEmbeddedObject(const IQoriObject& instance, const QORQL_Factor& factor) const;
 
   // Comparisons of two values, null where a value is missing, where an array is
   // asked without ANY and EVERY (but for the equality of two) or with them where
-  // there is none. For other values that do not compare nothing holds. THROW what the values throw; the matcher takes
-  // that as no match.
-  static QoriTruth decideComparison(const Value& lhs, const Value& rhs, QORQL_Operator op);
+  // there is none. For other values that do not compare nothing holds. They THROW
+  // what the values throw, which matching takes for no match.
   static bool doComparisonOperation(const Value& lhs, const Value& rhs, QORQL_Operator op);
   static Value doComparisonOpEqualsNotEquals(const Value& lhs, const Value& rhs, QORQL_Operator op,
                                              QORQL_Comparison::QORQL_ARRAY_COMP arrayComp);
@@ -112,33 +115,26 @@ class CQLQueryStatement : public IQueryStatement {
                                            QORQL_Comparison::QORQL_ARRAY_COMP arrayComp);
   static Value doAnyEveryArrayComparisonOps(const Value& lhs, const Value& rhs, QORQL_Operator op,
                                             QORQL_Comparison::QORQL_ARRAY_COMP arrayComp);
+  // Two values of one type, and numbers with a real one among them. REQUIRE that neither is null.
   static bool compare(const Value& lhs, const Value& rhs, QORQL_Operator op);
-  // Of one element type, or both of numbers.
-  static bool areComparableArrays(const IQoriValue& lhs, const IQoriValue& rhs);
   static bool compareRealValues(const Value& lhs, const Value& rhs, QORQL_Operator op);
+  // Whether both name a type of numbers.
   static bool isNumericalData(const QORString& lhsType, const QORString& rhsType) noexcept;
-  // THROWS a bare int 0 for a pair that the table does not hold.
+  // What to convert before numbers of two types are compared. THROWS a bare int 0 for a
+  // pair of types that the table does not hold.
   static CQLPrecisionCode findPrecisionType(const QORString& lhsType, const QORString& rhsType);
+  // The value as one of `toType`, a type of integers; null for any other type.
   static Value convertToHighPrecision(const QORString& fromType, const QORString& toType, const Value& value);
 
-  // The comparison in the parentheses that a comparison consists of; null when there is none.
-  static const Node* parenthesised(const Node& comparison);
-
  private:
-  friend class CQLMatcher;
-  friend class CQLPropertyPath;
-  friend class CQLIsa;
-
   void requireValidated(const char* where) const;
-  const QORString& nameSpaceInUse() const noexcept {
-    return _sourceNamespace.isEmpty() ? _indicationNamespace : _sourceNamespace;
-  }
   void parseQuery(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer);
   void noteParseFault(const QoriBaseException& error, QORuint32 offset);
   void checkQuery();
   // Logs the message, which is also the fault's when nothing better is known.
   void refuse(const char* who, const QORString& message);
   void refuseForCurrentException() noexcept;
+  const QORQL_Query& parsedQuery() const;
   const QORQL_SelectList& selectList() const;
   const QORQL_FromClause& fromClause() const;
   CQLQueryExceptionCode buildClassList(ClassList& list) const;
@@ -148,28 +144,8 @@ class CQLQueryStatement : public IQueryStatement {
   void noteUnknownClass();
   CQLQueryExceptionCode validateEntry(const QORQL_SelectedEntry& entry, const ClassList& classes);
   void noteFromNames();
-  // The class that a FROM name in any case stands for; empty when it is none.
-  QORString fromClassOf(const QORString& name) const;
-
   // The FROM class, or subclass of one, that a list operation asks for; empty when it is none. THROWS as those.
   QORString requestedClass(const char* where, const QORSmrPtr<IQoriInstanceName>& className) const;
-  // What a class needs for a reference. Matching reads a property off the instance
-  // whichever FROM name stands before it.
-  enum class Clause { Select, Where };
-  using AddName = std::function<void(const QORString&)>;
-  void addReference(const QORString& className, const CQLReference& reference, Clause clause, const AddName& add) const;
-  void addRoot(const QORString& className, const QORString& root, Clause clause, const AddName& add) const;
-  void addIsaNames(const QORString& className, const AddName& add) const;
-  bool hasProperty(const QORString& className, const QORString& property) const;
-  bool isPropertyOfFrom(const QORString& property) const;
-
-  // As doMatchFactor, but THROWS what the instance and its values throw.
-  Value factorValue(const Node& node, const Instance& instance) const;
-  // As decide, but THROW what the instance and its values throw.
-  QoriTruth decideOperator(const QORQL_Comparison& comparison, const Instance& instance) const;
-  QoriTruth decideIsa(const QORQL_Comparison& comparison, const Instance& instance) const;
-  // Reads a property through properties that hold embedded objects.
-  Value getPropertyValueFromEmbeddedObject(const IQoriObject& instance, const class QORQL_Factor& factor) const;
 
   const QORString _queryLang;
   const QORString _queryString;
@@ -179,8 +155,8 @@ class CQLQueryStatement : public IQueryStatement {
   QUERY_VALIDATE queryValidateStatus = QUERY_INVALID_QUERY;
   bool queryParsed = false;
   CQLQueryFault _fault;
-  std::unordered_map<std::string, QORString> _fromNames;  // classes by their names and aliases, in upper case
-  std::unique_ptr<const CQLMatcher> _matcher;             // made by a validation that succeeded
+  std::unique_ptr<CQLScope> _scope;            // has the FROM names once the text is parsed
+  std::unique_ptr<const CQLMatcher> _matcher;  // made by a validation that succeeded
 };
 
 #endif

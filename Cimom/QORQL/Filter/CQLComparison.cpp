@@ -1,8 +1,9 @@
 // How a filter compares two values: by the precision of their types.
+#include "Cimom/QORQL/Filter/CQLComparison.h"
+
 #include <array>
 #include <string_view>
 
-#include "Cimom/QORQL/CQLQueryStatement.h"
 #include "Cimom/QORQL/QORQL_Values.h"
 #include "cimom/CQoriValue.h"
 
@@ -42,24 +43,24 @@ bool saysTruth(const Value& text) {
   return words.isEqualCaseInsensitive("TRUE") || words.isEqualCaseInsensitive("FALSE");
 }
 
-Value converted(const Value& value, const QORSmrPtr<IQoriType>& type) { return Value(new CQoriValue(*value, type)); }
+Value as(const QORSmrPtr<IQoriType>& type, const Value& value) { return Value(new CQoriValue(*value, type)); }
 
 bool compareIntegers(const Value& lhs, const Value& rhs, QORQL_Operator op) {
   const QORString& left = lhs->getType()->getName();
   const QORString& right = rhs->getType()->getName();
-  switch (CQLQueryStatement::findPrecisionType(left, right)) {
+  switch (CQLComparison::precisionOf(left, right)) {
     case CQL_LHS_LOWER:
-      return CQLQueryStatement::compare(CQLQueryStatement::convertToHighPrecision(left, right, lhs), rhs, op);
+      return CQLComparison::compare(CQLComparison::converted(right, lhs), rhs, op);
     case CQL_RHS_LOWER:
-      return CQLQueryStatement::compare(lhs, CQLQueryStatement::convertToHighPrecision(right, left, rhs), op);
+      return CQLComparison::compare(lhs, CQLComparison::converted(left, rhs), op);
     case CQL_LHS_AND_RHS_CONVERT_TO_SINT16:
-      return CQLQueryStatement::compare(converted(lhs, CQoriType::sint16), converted(rhs, CQoriType::sint16), op);
+      return CQLComparison::compare(as(CQoriType::sint16, lhs), as(CQoriType::sint16, rhs), op);
     case CQL_LHS_AND_RHS_CONVERT_TO_SINT32:
-      return CQLQueryStatement::compare(converted(lhs, CQoriType::sint32), converted(rhs, CQoriType::sint32), op);
+      return CQLComparison::compare(as(CQoriType::sint32, lhs), as(CQoriType::sint32, rhs), op);
     case CQL_LHS_AND_RHS_CONVERT_TO_SINT64:
-      return CQLQueryStatement::compare(converted(lhs, CQoriType::sint64), converted(rhs, CQoriType::sint64), op);
+      return CQLComparison::compare(as(CQoriType::sint64, lhs), as(CQoriType::sint64, rhs), op);
     default:
-      return CQLQueryStatement::compare(lhs, rhs, op);
+      return CQLComparison::compare(lhs, rhs, op);
   }
 }
 
@@ -70,12 +71,12 @@ bool compareOthers(const Value& lhs, const Value& rhs, QORQL_Operator op) {
   if (isBooleanAndText(left, right) && !saysTruth(rhs)) return false;
   if (isBooleanAndText(right, left) && !saysTruth(lhs)) return false;
   const bool areComparable = left == right || isBooleanAndText(left, right) || isBooleanAndText(right, left);
-  return areComparable && CQLQueryStatement::compare(lhs, rhs, op);
+  return areComparable && CQLComparison::compare(lhs, rhs, op);
 }
 
 bool satisfies(const Value& lhs, const Value& rhs, QORQL_Operator op) {
   try {
-    return CQLQueryStatement::doComparisonOperation(lhs, rhs, op);
+    return CQLComparison::decide(lhs, rhs, op) == QoriTruth::True;
   } catch (...) {
     return false;
   }
@@ -83,11 +84,11 @@ bool satisfies(const Value& lhs, const Value& rhs, QORQL_Operator op) {
 
 }  // namespace
 
-bool CQLQueryStatement::isNumericalData(const QORString& lhsType, const QORString& rhsType) noexcept {
+bool CQLComparison::areNumbers(const QORString& lhsType, const QORString& rhsType) noexcept {
   return QORQL_isNumericType(lhsType.view()) && QORQL_isNumericType(rhsType.view());
 }
 
-CQLPrecisionCode CQLQueryStatement::findPrecisionType(const QORString& lhsType, const QORString& rhsType) {
+CQLPrecisionCode CQLComparison::precisionOf(const QORString& lhsType, const QORString& rhsType) {
   if (lhsType == rhsType) return CQL_LHS_EQUAL_RHS;
   const int left = indexOf(lhsType);
   const int right = indexOf(rhsType);
@@ -95,79 +96,51 @@ CQLPrecisionCode CQLQueryStatement::findPrecisionType(const QORString& lhsType, 
   return static_cast<CQLPrecisionCode>(kPrecision[right][left]);
 }
 
-Value CQLQueryStatement::convertToHighPrecision(const QORString& /*fromType*/, const QORString& toType,
-                                                const Value& value) {
+Value CQLComparison::converted(const QORString& toType, const Value& value) {
   static const QORSmrPtr<IQoriType>* const types[] = {&CQoriType::uint8,  &CQoriType::uint16, &CQoriType::uint32,
                                                       &CQoriType::uint64, &CQoriType::sint8,  &CQoriType::sint16,
                                                       &CQoriType::sint32, &CQoriType::sint64};
   const int index = indexOf(toType);
-  return index == kNoCode ? Value() : converted(value, *types[index]);
+  return index == kNoCode ? Value() : as(*types[index], value);
 }
 
-bool CQLQueryStatement::compare(const Value& lhs, const Value& rhs, QORQL_Operator op) {
+bool CQLComparison::compare(const Value& lhs, const Value& rhs, QORQL_Operator op) {
   return lhs->relate(QORQL_relationOf(op), *rhs) == QoriTruth::True;
 }
 
-bool CQLQueryStatement::compareRealValues(const Value& lhs, const Value& rhs, QORQL_Operator op) {
-  return compare(lhs, rhs, op);
-}
-
-bool CQLQueryStatement::areComparableArrays(const IQoriValue& lhs, const IQoriValue& rhs) {
+bool CQLComparison::areComparableArrays(const IQoriValue& lhs, const IQoriValue& rhs) {
   if (!lhs.isArray() || !rhs.isArray()) return false;
   const QORString& left = lhs.getType()->getName();
   const QORString& right = rhs.getType()->getName();
-  return left == right || isNumericalData(left, right);
+  return left == right || areNumbers(left, right);
 }
 
 // Arrays without ANY and EVERY are equal or not as wholes.
-QoriTruth CQLQueryStatement::decideComparison(const Value& lhs, const Value& rhs, QORQL_Operator op) {
+QoriTruth CQLComparison::decide(const Value& lhs, const Value& rhs, QORQL_Operator op) {
   if (lhs.IsNull() || rhs.IsNull()) return QoriTruth::Null;
   if (lhs->isArray() || rhs->isArray()) {
     return areComparableArrays(*lhs, *rhs) ? lhs->relate(QORQL_relationOf(op), *rhs) : QoriTruth::Null;
   }
   const QORString& left = lhs->getType()->getName();
   const QORString& right = rhs->getType()->getName();
-  if (!isNumericalData(left, right)) return qori::truth(compareOthers(lhs, rhs, op));
-  return qori::truth(isReal(left) || isReal(right) ? compareRealValues(lhs, rhs, op) : compareIntegers(lhs, rhs, op));
+  if (!areNumbers(left, right)) return qori::truth(compareOthers(lhs, rhs, op));
+  return qori::truth(isReal(left) || isReal(right) ? compare(lhs, rhs, op) : compareIntegers(lhs, rhs, op));
 }
 
-bool CQLQueryStatement::doComparisonOperation(const Value& lhs, const Value& rhs, QORQL_Operator op) {
-  return decideComparison(lhs, rhs, op) == QoriTruth::True;
-}
-
-Value CQLQueryStatement::doComparisonOpEqualsNotEquals(const Value& lhs, const Value& rhs, QORQL_Operator op,
-                                                       QORQL_Comparison::QORQL_ARRAY_COMP arrayComp) {
-  if (arrayComp != QORQL_Comparison::ArrayCompNone) return doArrayComparisonOperations(lhs, rhs, op, arrayComp);
-  return QORQL_truthValue(decideComparison(lhs, rhs, op));
-}
-
-Value CQLQueryStatement::doComparisonOpGreaterLess(const Value& lhs, const Value& rhs, QORQL_Operator op,
-                                                   QORQL_Comparison::QORQL_ARRAY_COMP arrayComp) {
-  if (arrayComp != QORQL_Comparison::ArrayCompNone) return doArrayComparisonOperations(lhs, rhs, op, arrayComp);
-  return QORQL_truthValue(decideComparison(lhs, rhs, op));
-}
-
-Value CQLQueryStatement::doArrayComparisonOperations(const Value& lhs, const Value& rhs, QORQL_Operator op,
-                                                     QORQL_Comparison::QORQL_ARRAY_COMP arrayComp) {
-  return doAnyEveryArrayComparisonOps(lhs, rhs, op, arrayComp);
-}
-
-// In the written order. An element that does not compare does not satisfy, and
-// the next one is asked; an empty array satisfies neither ANY nor EVERY.
-Value CQLQueryStatement::doAnyEveryArrayComparisonOps(const Value& lhs, const Value& rhs, QORQL_Operator op,
-                                                      QORQL_Comparison::QORQL_ARRAY_COMP arrayComp) {
-  if (lhs.IsNull() || rhs.IsNull()) return {};
+QoriTruth CQLComparison::decideElements(const Value& lhs, const Value& rhs, QORQL_Operator op,
+                                        QORQL_Comparison::QORQL_ARRAY_COMP arrayComp) {
+  if (lhs.IsNull() || rhs.IsNull()) return QoriTruth::Null;
   const bool isLeft =
       arrayComp == QORQL_Comparison::ArrayCompAnyLeft || arrayComp == QORQL_Comparison::ArrayCompEveryLeft;
   const bool isAny =
       arrayComp == QORQL_Comparison::ArrayCompAnyLeft || arrayComp == QORQL_Comparison::ArrayCompAnyRight;
   const QORSmrPtr<IQoriValue::List> elements((isLeft ? lhs : rhs)->getArray());
-  if (elements.IsNull()) return {};
-  if (elements->isEmpty()) return QORQL_truthValue(QoriTruth::False);
+  if (elements.IsNull()) return QoriTruth::Null;
+  if (elements->isEmpty()) return QoriTruth::False;
   QORValSlistIterator<Value> iterator(*elements);
   while (++iterator) {
     const bool holds = isLeft ? satisfies(iterator.key(), rhs, op) : satisfies(lhs, iterator.key(), op);
-    if (holds == isAny) return QORQL_truthValue(qori::truth(isAny));
+    if (holds == isAny) return qori::truth(isAny);
   }
-  return QORQL_truthValue(qori::truth(!isAny));
+  return qori::truth(!isAny);
 }

@@ -1,7 +1,7 @@
 // The way back from the parsed tree to a text. The depth is the parser's.
 #include "Cimom/QORQL/Filter/CQLConditionText.h"
 
-#include "Cimom/QORQL/CQLQueryStatement.h"
+#include "Cimom/QORQL/Filter/CQLComparison.h"
 #include "Cimom/QORQL/Filter/CQLPropertyPath.h"
 #include "Cimom/QORQL/QORQL_Arithmetic.h"
 #include "Cimom/QORQL/QORQL_Function.h"
@@ -26,7 +26,7 @@ bool saysTruth(const QORSmrPtr<IQoriValue>& value) {
 std::string mismatchOfTypes(const QORSmrPtr<IQoriValue>& left, const QORSmrPtr<IQoriValue>& right) {
   const QORString& leftType = left->getType()->getName();
   const QORString& rightType = right->getType()->getName();
-  if (leftType == rightType || CQLQueryStatement::isNumericalData(leftType, rightType)) return "";
+  if (leftType == rightType || CQLComparison::areNumbers(leftType, rightType)) return "";
   const std::string mismatch =
       ": " + std::string(leftType.view()) + " and " + std::string(rightType.view()) + " do not compare";
   if (left->isArray() && right->isArray()) return mismatch;
@@ -40,7 +40,7 @@ std::string mismatchOfTypes(const QORSmrPtr<IQoriValue>& left, const QORSmrPtr<I
 
 class ConditionText {
  public:
-  explicit ConditionText(const CQLQueryStatement& statement) : _statement(statement) {}
+  explicit ConditionText(const CQLScope& scope) : _scope(scope) {}
 
   void addComparison(const QORQL_Comparison& comparison) {
     const QORQL_Comparison::QORQL_ARRAY_COMP arrays = comparison.getArrayComp();
@@ -85,7 +85,7 @@ class ConditionText {
     if (!factor->getEvaluatable().IsNull()) {
       addNested(factor->getEvaluatable());
     } else if (factor->getLiteral().IsNull()) {
-      text += CQLPropertyPath(_statement, *factor).text();
+      text += CQLPropertyPath(_scope, *factor).text();
     } else {
       text += isClassName ? std::string(factor->getLiteral()->toString().view()) : textOfLiteral(factor->getLiteral());
     }
@@ -103,13 +103,13 @@ class ConditionText {
     }
   }
 
-  const CQLQueryStatement& _statement;
+  const CQLScope& _scope;
 };
 
 }  // namespace
 
-std::string CQLTextOfCondition(const CQLQueryStatement& statement, const QORQL_Comparison& comparison) {
-  ConditionText condition(statement);
+std::string CQLTextOfCondition(const CQLScope& scope, const QORQL_Comparison& comparison) {
+  ConditionText condition(scope);
   condition.addComparison(comparison);
   return condition.text;
 }

@@ -6,10 +6,10 @@
 
 #include "Cimom/QORQL/QORQL_Comparison.h"
 
-class CQLQueryStatement;
+class CQLScope;
 
 // As it could be written in a filter, FROM names left out.
-std::string CQLTextOfCondition(const CQLQueryStatement& statement, const QORQL_Comparison& comparison);
+std::string CQLTextOfCondition(const CQLScope& scope, const QORQL_Comparison& comparison);
 // NULL for null; text in single quotes; an array as {1, 2}.
 std::string CQLTextOfValue(const QORSmrPtr<IQoriValue>& value);
 // Why two values of a comparison are not compared at all, behind a colon; empty

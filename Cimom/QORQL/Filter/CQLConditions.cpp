@@ -2,10 +2,12 @@
 // never holds, and everything else through the tree.
 #include "Cimom/QORQL/Filter/CQLConditions.h"
 
-#include "Cimom/QORQL/CQLQueryStatement.h"
+#include "Cimom/QORQL/Filter/CQLComparison.h"
 #include "Cimom/QORQL/Filter/CQLConditionText.h"
 #include "Cimom/QORQL/Filter/CQLIsa.h"
 #include "Cimom/QORQL/Filter/CQLOperand.h"
+#include "Cimom/QORQL/Filter/CQLReferences.h"
+#include "Cimom/QORQL/Filter/CQLTreeMatch.h"
 #include "Cimom/QORQL/QORQL_ExpressionFactor.h"
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
 #include "Cimom/QORQL/QORQL_Values.h"
@@ -48,11 +50,11 @@ int truthOf(const QoriScalar& view) noexcept {
 bool holdsForValues(const IQoriValue& left, QoriRelation relation, const IQoriValue& right) {
   const bool areOfOneType =
       !left.isArray() && !right.isArray() && left.getType()->getName() == right.getType()->getName();
-  const bool areComparable = areOfOneType || CQLQueryStatement::areComparableArrays(left, right);
+  const bool areComparable = areOfOneType || CQLComparison::areComparableArrays(left, right);
   return areComparable && left.relate(relation, right) == QoriTruth::True;
 }
 
-// A comparison of two values in doComparisonOperation's way, on their views.
+// A comparison of two values in CQLComparison's way, on their views.
 class ViewRelation {
  public:
   explicit ViewRelation(QORQL_Operator op) : _relation(QORQL_relationOf(op)) {}
@@ -96,13 +98,13 @@ class ViewRelation {
 // cannot be computed, such as 5 / 0.
 class Relation : public CQLCondition {
  public:
-  Relation(const CQLQueryStatement& statement, const QORQL_Comparison& comparison, std::unique_ptr<CQLOperand> left,
+  Relation(const CQLScope& scope, const QORQL_Comparison& comparison, std::unique_ptr<CQLOperand> left,
            std::unique_ptr<CQLOperand> right)
       : _comparison(comparison),
         _left(std::move(left)),
         _right(std::move(right)),
         _relation(comparison.getOperator()),
-        _text(CQLTextOfCondition(statement, comparison)) {}
+        _text(CQLTextOfCondition(scope, comparison)) {}
 
   bool holds(const Object& instance) const override {
     Object leftObject;
@@ -156,9 +158,9 @@ class Relation : public CQLCondition {
 // element satisfies neither.
 class ArrayRelation final : public Relation {
  public:
-  ArrayRelation(const CQLQueryStatement& statement, const QORQL_Comparison& comparison,
-                std::unique_ptr<CQLOperand> left, std::unique_ptr<CQLOperand> right)
-      : Relation(statement, comparison, std::move(left), std::move(right)),
+  ArrayRelation(const CQLScope& scope, const QORQL_Comparison& comparison, std::unique_ptr<CQLOperand> left,
+                std::unique_ptr<CQLOperand> right)
+      : Relation(scope, comparison, std::move(left), std::move(right)),
         _isLeft(comparison.getArrayComp() == QORQL_Comparison::ArrayCompAnyLeft ||
                 comparison.getArrayComp() == QORQL_Comparison::ArrayCompEveryLeft),
         _isAny(comparison.getArrayComp() == QORQL_Comparison::ArrayCompAnyLeft ||
@@ -187,9 +189,9 @@ class ArrayRelation final : public Relation {
 
 class IsaCondition final : public CQLCondition {
  public:
-  IsaCondition(const CQLQueryStatement& statement, const QORQL_Comparison& comparison, const QORString& property,
+  IsaCondition(const CQLScope& scope, const QORQL_Comparison& comparison, const QORString& property,
                const QORString& className)
-      : _isa(statement, property, className), _text(CQLTextOfCondition(statement, comparison)) {}
+      : _isa(scope, property, className), _text(CQLTextOfCondition(scope, comparison)) {}
   bool holds(const Object& instance) const override { return _isa.test(*instance) == QoriTruth::True; }
   CQLAccess access() const override {
     CQLAccess access;
@@ -221,92 +223,93 @@ class Never final : public CQLCondition {
 // What an expression contains that has no value for any instance.
 class ValuelessFinder : public QORQL_ExpressionVisitor {
  public:
-  explicit ValuelessFinder(const CQLQueryStatement& statement) : _statement(statement) {}
+  explicit ValuelessFinder(const CQLScope& scope) : _scope(scope) {}
   void visitComparison(const QORQL_Comparison& comparison) override {
     const QORQL_Operator op = comparison.getOperator();
     if (op > QORQL_OperatorGREATEREQUAL && op != QORQL_OperatorISA) reason = reasonOfOperator(op);
-    if (op == QORQL_OperatorISA && CQLIsa::propertyOf(_statement, comparison).isEmpty()) reason = kIsaOfNoProperty;
+    if (op == QORQL_OperatorISA && CQLTreeMatch::isaProperty(_scope, comparison).isEmpty()) reason = kIsaOfNoProperty;
   }
   void visitFunction(const QORQL_Function& /*function*/) override { reason = kNotComputed; }
 
   std::string reason;
 
  private:
-  const CQLQueryStatement& _statement;
+  const CQLScope& _scope;
 };
 
 class TreeCondition final : public CQLCondition {
  public:
-  TreeCondition(const CQLQueryStatement& statement, const Node& comparison)
-      : _statement(statement), _comparison(comparison) {}
-  bool holds(const Object& instance) const override { return _statement.isMatchComparison(_comparison, instance); }
+  TreeCondition(const CQLScope& scope, const Node& comparison) : _scope(scope), _comparison(comparison) {}
+  bool holds(const Object& instance) const override {
+    return CQLTreeMatch(_scope, instance).satisfiesComparison(_comparison);
+  }
   std::string explain(const Object& instance) const override {
     const auto& comparison = dynamic_cast<const QORQL_Comparison&>(*_comparison);
-    const Value left(_statement.doMatchArithmetic(comparison.getLHSArithmeticExpression(), instance));
-    const Value right(_statement.doMatchArithmetic(comparison.getRHSArithmeticExpression(), instance));
-    return CQLTextOfCondition(_statement, comparison) + compared(left, comparison, right);
+    const CQLTreeMatch tree(_scope, instance);
+    const Value left(tree.sum(comparison.getLHSArithmeticExpression()));
+    const Value right(tree.sum(comparison.getRHSArithmeticExpression()));
+    return CQLTextOfCondition(_scope, comparison) + compared(left, comparison, right);
   }
   std::string neverBecause() const override {
-    ValuelessFinder* const finder = new ValuelessFinder(_statement);
+    ValuelessFinder* const finder = new ValuelessFinder(_scope);
     QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
     _comparison->accept(visitor);
     return finder->reason;
   }
 
  private:
-  const CQLQueryStatement& _statement;
+  const CQLScope& _scope;
   Node _comparison;
 };
 
-std::unique_ptr<CQLCondition> makeRelation(const CQLQueryStatement& statement, const QORQL_Comparison& comparison,
+std::unique_ptr<CQLCondition> makeRelation(const CQLScope& scope, const QORQL_Comparison& comparison,
                                            const Node& node) {
-  std::unique_ptr<CQLOperand> left = CQLOperand::make(statement, comparison.getLHSArithmeticExpression());
-  std::unique_ptr<CQLOperand> right = CQLOperand::make(statement, comparison.getRHSArithmeticExpression());
+  std::unique_ptr<CQLOperand> left = CQLOperand::make(scope, comparison.getLHSArithmeticExpression());
+  std::unique_ptr<CQLOperand> right = CQLOperand::make(scope, comparison.getRHSArithmeticExpression());
   if (left != nullptr && right != nullptr) {
     if (!comparison.isArrayComp()) {
-      return std::make_unique<Relation>(statement, comparison, std::move(left), std::move(right));
+      return std::make_unique<Relation>(scope, comparison, std::move(left), std::move(right));
     }
-    return std::make_unique<ArrayRelation>(statement, comparison, std::move(left), std::move(right));
+    return std::make_unique<ArrayRelation>(scope, comparison, std::move(left), std::move(right));
   }
-  return std::make_unique<TreeCondition>(statement, node);
+  return std::make_unique<TreeCondition>(scope, node);
 }
 
-std::unique_ptr<CQLCondition> makeIsa(const CQLQueryStatement& statement, const QORQL_Comparison& comparison,
-                                      const Node& node) {
-  const QORString property(CQLIsa::propertyOf(statement, comparison));
-  if (property.isEmpty()) return CQLMakeNever(CQLTextOfCondition(statement, comparison), kIsaOfNoProperty);
+std::unique_ptr<CQLCondition> makeIsa(const CQLScope& scope, const QORQL_Comparison& comparison, const Node& node) {
+  const QORString property(CQLTreeMatch::isaProperty(scope, comparison));
+  if (property.isEmpty()) return CQLMakeNever(CQLTextOfCondition(scope, comparison), kIsaOfNoProperty);
   const Node& right = comparison.getRHSArithmeticExpression();
-  if (!CQLIsConstant(right)) return std::make_unique<TreeCondition>(statement, node);
-  const Value className(statement.doMatchArithmetic(right, Object()));
+  if (!CQLIsConstant(right)) return std::make_unique<TreeCondition>(scope, node);
+  const Value className(CQLTreeMatch::constant(scope, right));
   if (!className.IsNull() && className->scalar().kind == QoriScalarKind::Text) {
-    return std::make_unique<IsaCondition>(statement, comparison, property, className->toString());
+    return std::make_unique<IsaCondition>(scope, comparison, property, className->toString());
   }
-  return CQLMakeNever(CQLTextOfCondition(statement, comparison), kNotComputed);
+  return CQLMakeNever(CQLTextOfCondition(scope, comparison), kNotComputed);
 }
 
-std::unique_ptr<CQLCondition> makeComparison(const CQLQueryStatement& statement, const Node& node) {
+std::unique_ptr<CQLCondition> makeComparison(const CQLScope& scope, const Node& node) {
   const Node* written = &node;
-  while (const Node* const inner = CQLQueryStatement::parenthesised(*written)) written = inner;
+  while (const Node* const inner = CQLTreeMatch::parenthesised(*written)) written = inner;
   const auto& comparison = dynamic_cast<const QORQL_Comparison&>(**written);
   const QORQL_Operator op = comparison.getOperator();
   if (op >= QORQL_OperatorEQUAL && op <= QORQL_OperatorGREATEREQUAL) {
-    return makeRelation(statement, comparison, *written);
+    return makeRelation(scope, comparison, *written);
   }
-  if (op == QORQL_OperatorISA) return makeIsa(statement, comparison, *written);
+  if (op == QORQL_OperatorISA) return makeIsa(scope, comparison, *written);
   const bool isBare = op == QORQL_OperatorNONE;
-  return CQLMakeNever(CQLTextOfCondition(statement, comparison),
+  return CQLMakeNever(CQLTextOfCondition(scope, comparison),
                       isBare ? "a condition without a comparison never matches" : reasonOfOperator(op));
 }
 
 }  // namespace
 
-std::unique_ptr<CQLCondition> CQLMakeCondition(const CQLQueryStatement& statement, const Node& operand) {
+std::unique_ptr<CQLCondition> CQLMakeCondition(const CQLScope& scope, const Node& operand) {
   const auto* factor = dynamic_cast<const QORQL_ExpressionFactor*>(operand.Get());
   const QORQL_Comparison* const comparison =
       factor == nullptr ? nullptr : dynamic_cast<const QORQL_Comparison*>(factor->getComparison().Get());
   if (comparison == nullptr) return CQLMakeNever("An association", "a condition on an association never matches");
-  if (factor->getOperator() == QORQL_OperatorNONE) return makeComparison(statement, factor->getComparison());
-  return CQLMakeNever("NOT " + CQLTextOfCondition(statement, *comparison), "a condition under NOT never matches");
+  if (factor->getOperator() == QORQL_OperatorNONE) return makeComparison(scope, factor->getComparison());
+  return CQLMakeNever("NOT " + CQLTextOfCondition(scope, *comparison), "a condition under NOT never matches");
 }
 
 std::unique_ptr<CQLCondition> CQLMakeNever(std::string text, std::string reason) {

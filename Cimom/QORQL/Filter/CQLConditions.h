@@ -11,7 +11,7 @@
 #include "Cimom/QORQL/QORQL_Evaluatable.h"
 #include "cimom/IQoriObject.h"
 
-class CQLQueryStatement;
+class CQLScope;
 
 // One condition of a chain of ANDs. Threads may share one.
 class CQLCondition {
@@ -29,9 +29,8 @@ class CQLCondition {
   virtual std::string neverBecause() const { return {}; }
 };
 
-// The condition of an operand of AND. BORROWS the statement.
-std::unique_ptr<CQLCondition> CQLMakeCondition(const CQLQueryStatement& statement,
-                                               const QORSmrPtr<QORQL_Evaluatable>& operand);
+// The condition of an operand of AND. BORROWS both.
+std::unique_ptr<CQLCondition> CQLMakeCondition(const CQLScope& scope, const QORSmrPtr<QORQL_Evaluatable>& operand);
 // One that never holds.
 std::unique_ptr<CQLCondition> CQLMakeNever(std::string text, std::string reason);
 

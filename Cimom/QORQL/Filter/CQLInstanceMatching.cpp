@@ -1,76 +1,21 @@
-// Whether one instance satisfies a filter: the walk over the parsed WHERE tree.
-// Whatever is missing or wrong on the way makes the instance not match.
-#include <vector>
-
+// The statement's answers about an instance: by its prepared conditions, and step
+// by step through the tree for those who ask for a step.
 #include "Cimom/QORQL/CQLQueryStatement.h"
-#include "Cimom/QORQL/CQLQueryValidator.h"
-#include "Cimom/QORQL/Filter/CQLIsa.h"
+#include "Cimom/QORQL/Filter/CQLComparison.h"
 #include "Cimom/QORQL/Filter/CQLMatcher.h"
 #include "Cimom/QORQL/Filter/CQLPropertyPath.h"
-#include "Cimom/QORQL/QORQL_Arithmetic.h"
-#include "Cimom/QORQL/QORQL_Expression.h"
-#include "Cimom/QORQL/QORQL_ExpressionFactor.h"
-#include "Cimom/QORQL/QORQL_ExpressionTerm.h"
-#include "Cimom/QORQL/QORQL_Factor.h"
-#include "Cimom/QORQL/QORQL_FromClause.h"
-#include "Cimom/QORQL/QORQL_Term.h"
+#include "Cimom/QORQL/Filter/CQLScope.h"
+#include "Cimom/QORQL/Filter/CQLTreeMatch.h"
 #include "Cimom/QORQL/QORQL_Values.h"
 #include "Cimom/QORQL/QORQL_WhereClause.h"
 
 namespace {
 
 using Value = QORSmrPtr<IQoriValue>;
-using Node = QORSmrPtr<QORQL_Evaluatable>;
 
 constexpr char kIsMatch[] = "CQLQUERYSTATEMENT::isMatch";
 
-const Node& operandOf(const QORQL_Arithmetic& node) { return node.getTerm(); }
-const Node& operandOf(const QORQL_Term& node) { return node.getFactor(); }
-const Node& restOf(const QORQL_Arithmetic& node) { return node.getArithmetic(); }
-const Node& restOf(const QORQL_Term& node) { return node.getTerm(); }
-
-// A right-grouped chain: operands from the left, combined from the right.
-template <class Chain, class Evaluate>
-Value evaluateChain(const Node& node, Evaluate evaluate) {
-  std::vector<Value> values;
-  std::vector<QORQL_Operator> operators;
-  for (const auto* link = dynamic_cast<const Chain*>(node.Get()); link != nullptr;) {
-    values.push_back(evaluate(operandOf(*link)));
-    if (link->getOperator() == QORQL_OperatorNONE) break;
-    operators.push_back(link->getOperator());
-    link = dynamic_cast<const Chain*>(restOf(*link).Get());
-  }
-  if (values.size() != operators.size() + 1) return {};
-  return QORQL_combineChain(operators, values);
-}
-
-template <class Compute>
-Value valueOrNull(const Compute& compute) {
-  try {
-    return compute();
-  } catch (...) {
-    return {};
-  }
-}
-
-bool isText(const Value& value) {
-  return !value.IsNull() && !value->isArray() && value->getType()->getName() == "string";
-}
-
-QORQL_Comparison* nestedComparison(const Node& node) { return dynamic_cast<QORQL_Comparison*>(node.Get()); }
-
 }  // namespace
-
-const CQLQueryStatement::Node* CQLQueryStatement::parenthesised(const Node& comparison) {
-  const auto* outer = dynamic_cast<const QORQL_Comparison*>(comparison.Get());
-  if (outer == nullptr || outer->getOperator() != QORQL_OperatorNONE) return nullptr;
-  const auto* sum = dynamic_cast<const QORQL_Arithmetic*>(outer->getLHSArithmeticExpression().Get());
-  if (sum == nullptr || sum->getOperator() != QORQL_OperatorNONE || sum->getTermCasted() == nullptr) return nullptr;
-  const QORQL_Term& term = *sum->getTermCasted();
-  const QORQL_Factor* const factor = term.getOperator() == QORQL_OperatorNONE ? term.getFactorCasted() : nullptr;
-  if (factor == nullptr || factor->getOperator() != QORQL_OperatorNONE) return nullptr;
-  return nestedComparison(factor->getEvaluatable()) == nullptr ? nullptr : &factor->getEvaluatable();
-}
 
 bool CQLQueryStatement::isMatch(const QORSmrPtr<IQoriObject>& instance, const QORString& nameSpace) const {
   if (_matcher == nullptr) {
@@ -86,12 +31,33 @@ bool CQLQueryStatement::isMatch(const QORSmrPtr<IQoriObject>& instance, const QO
   return result;
 }
 
+QORString CQLQueryStatement::neverMatchesBecause() const {
+  requireValidated(kIsMatch);
+  return QORString(_matcher->neverBecause());
+}
+
+bool CQLQueryStatement::explainMatch(const QORSmrPtr<IQoriObject>& instance, const QORString& nameSpace,
+                                     std::string& why) const {
+  const bool matches = isMatch(instance, nameSpace);
+  why.clear();
+  if (matches) return true;
+  const QORString& own = getNameSpace();
+  if (!nameSpace.isEqualCaseInsensitive(own)) {
+    why = "its namespace is " + std::string(nameSpace.view()) + ", the filter's " + std::string(own.view());
+  } else if (!isMatchFromClause(instance)) {
+    why = "its class " + std::string(instance->getClassName().view()) + " is not in FROM";
+  } else {
+    why = _matcher->explainFailure(instance);
+  }
+  return false;
+}
+
 CQLQueryExceptionCode CQLQueryStatement::doMatch(bool& result, const Instance& instance,
                                                  const QORString& nameSpace) const {
   result = false;
   if (nameSpace.isNull()) return CQL_QUERY_INTERNAL_ERROR;
   try {
-    const QORString& own = nameSpaceInUse();
+    const QORString& own = getNameSpace();
     if (nameSpace.data() != own.data() && !nameSpace.isEqualCaseInsensitive(own)) return CQL_QUERY_ISMATCH_FAILURE;
     if (!isMatchFromClause(instance)) return CQL_QUERY_ISMATCH_FAILURE;
     result = _matcher == nullptr ? isMatchWhereClause(instance) : _matcher->matches(instance);
@@ -109,15 +75,14 @@ bool CQLQueryStatement::isMatchFromClause(const Instance& instance) const {
   if (className.isEmpty()) return false;
   QORValSlistIterator<QORSmrPtr<IQoriInstanceName>> classes(*getClassList());
   while (++classes) {
-    if (CQLQueryValidator::isSubClass(nameSpaceInUse(), className, classes.key()->getClassName())) return true;
+    if (_scope->isSubClass(className, classes.key()->getClassName())) return true;
   }
   return false;
 }
 
 bool CQLQueryStatement::isMatchWhereClause(const Instance& instance) const {
   try {
-    const Node none;
-    const QORSmrPtr<QORQL_Executable>& clause = dynamic_cast<const QORQL_Query&>(*_query).getWhereClause();
+    const QORSmrPtr<QORQL_Executable>& clause = parsedQuery().getWhereClause();
     if (clause.IsNull()) return true;
     const auto* where = dynamic_cast<const QORQL_WhereClause*>(clause.Get());
     return where != nullptr && isMatchExpression(where->getExpression(), instance);
@@ -127,101 +92,80 @@ bool CQLQueryStatement::isMatchWhereClause(const Instance& instance) const {
 }
 
 bool CQLQueryStatement::isMatchExpression(const Node& node, const Instance& instance) const {
-  const auto* expression = dynamic_cast<const QORQL_Expression*>(node.Get());
-  return expression != nullptr && expression->getOperator() == QORQL_OperatorNONE &&
-         isMatchExpressionTerm(expression->getExpressionTerm(), instance);
+  return CQLTreeMatch(*_scope, instance).satisfiesExpression(node);
 }
 
 bool CQLQueryStatement::isMatchExpressionTerm(const Node& node, const Instance& instance) const {
-  const auto* term = dynamic_cast<const QORQL_ExpressionTerm*>(node.Get());
-  while (term != nullptr && isMatchExpressionFactor(term->getExpressionFactor(), instance)) {
-    if (term->getOperator() == QORQL_OperatorNONE) return true;
-    if (term->getOperator() != QORQL_OperatorAND) return false;
-    term = dynamic_cast<const QORQL_ExpressionTerm*>(term->getExpressionTerm().Get());
-  }
-  return false;
+  return CQLTreeMatch(*_scope, instance).satisfiesTerm(node);
 }
 
 bool CQLQueryStatement::isMatchExpressionFactor(const Node& node, const Instance& instance) const {
-  const auto* factor = dynamic_cast<const QORQL_ExpressionFactor*>(node.Get());
-  return factor != nullptr && factor->getOperator() == QORQL_OperatorNONE &&
-         isMatchComparison(factor->getComparison(), instance);
+  return CQLTreeMatch(*_scope, instance).satisfiesFactor(node);
 }
 
 bool CQLQueryStatement::isMatchComparison(const Node& node, const Instance& instance) const {
-  return decide(node, instance) == QoriTruth::True;
-}
-
-QoriTruth CQLQueryStatement::decide(const Node& comparison, const Instance& instance) const {
-  try {
-    const auto* node = dynamic_cast<const QORQL_Comparison*>(comparison.Get());
-    if (node == nullptr) return QoriTruth::Null;
-    if (node->getOperator() != QORQL_OperatorNONE) return decideOperator(*node, instance);
-    const Node* const inner = parenthesised(comparison);
-    return inner == nullptr ? QoriTruth::Null : decide(*inner, instance);
-  } catch (...) {
-    return QoriTruth::Null;
-  }
-}
-
-QoriTruth CQLQueryStatement::decideOperator(const QORQL_Comparison& comparison, const Instance& instance) const {
-  const QORQL_Operator op = comparison.getOperator();
-  if (op == QORQL_OperatorISA) return decideIsa(comparison, instance);
-  if (op < QORQL_OperatorEQUAL || op > QORQL_OperatorGREATEREQUAL) return QoriTruth::Null;
-  const Value lhs(doMatchArithmetic(comparison.getLHSArithmeticExpression(), instance));
-  const Value rhs(doMatchArithmetic(comparison.getRHSArithmeticExpression(), instance));
-  if (lhs.IsNull() || rhs.IsNull()) return QoriTruth::Null;
-  const bool isEquality = op == QORQL_OperatorEQUAL || op == QORQL_OperatorNOTEQUAL;
-  return QORQL_truthOf(isEquality ? doComparisonOpEqualsNotEquals(lhs, rhs, op, comparison.getArrayComp())
-                                  : doComparisonOpGreaterLess(lhs, rhs, op, comparison.getArrayComp()));
+  return CQLTreeMatch(*_scope, instance).satisfiesComparison(node);
 }
 
 Value CQLQueryStatement::doMatchArithmetic(const Node& node, const Instance& instance) const {
-  return valueOrNull([&] {
-    return evaluateChain<QORQL_Arithmetic>(node, [&](const Node& operand) { return doMatchTerm(operand, instance); });
-  });
+  return CQLTreeMatch(*_scope, instance).sum(node);
 }
 
 Value CQLQueryStatement::doMatchTerm(const Node& node, const Instance& instance) const {
-  return valueOrNull([&] {
-    return evaluateChain<QORQL_Term>(node, [&](const Node& operand) { return doMatchFactor(operand, instance); });
-  });
+  return CQLTreeMatch(*_scope, instance).product(node);
 }
 
 Value CQLQueryStatement::doMatchFactor(const Node& node, const Instance& instance) const {
-  return valueOrNull([&] { return factorValue(node, instance); });
-}
-
-Value CQLQueryStatement::factorValue(const Node& node, const Instance& instance) const {
-  const auto* factor = dynamic_cast<const QORQL_Factor*>(node.Get());
-  if (factor == nullptr) return {};
-  if (factor->getEvaluatable().IsNull()) {
-    if (!factor->getLiteral().IsNull()) return factor->getLiteral();
-    return getPropertyValueFromEmbeddedObject(*instance, *factor);
-  }
-  Value value;
-  if (const QORQL_Comparison* const inner = nestedComparison(factor->getEvaluatable())) {
-    value = inner->getOperator() == QORQL_OperatorNONE
-                ? doMatchArithmetic(inner->getLHSArithmeticExpression(), instance)
-                : QORQL_truthValue(decide(factor->getEvaluatable(), instance));
-  } else {
-    value = doMatchFactor(factor->getEvaluatable(), instance);
-  }
-  if (factor->getOperator() != QORQL_OperatorMINUS) return value;
-  const bool isUint64 = !value.IsNull() && value->getType()->getName() == "uint64";
-  return isUint64 ? Value() : QORQL_negate(value);
+  return CQLTreeMatch(*_scope, instance).factor(node);
 }
 
 Value CQLQueryStatement::getPropertyValueFromEmbeddedObject(const IQoriObject& instance,
                                                             const QORQL_Factor& factor) const {
-  const CQLPropertyPath path(*this, factor);
-  return path.value(instance);
+  return CQLPropertyPath(*_scope, factor).value(instance);
 }
 
-// The left side contributes the name of its property, or its text; the right side a class.
-QoriTruth CQLQueryStatement::decideIsa(const QORQL_Comparison& comparison, const Instance& instance) const {
-  const QORString property(CQLIsa::propertyOf(*this, comparison));
-  const Value className(doMatchArithmetic(comparison.getRHSArithmeticExpression(), instance));
-  if (property.isEmpty() || !isText(className)) return QoriTruth::Null;
-  return CQLIsa(*this, property, className->toString()).test(*instance);
+bool CQLQueryStatement::doComparisonOperation(const Value& lhs, const Value& rhs, QORQL_Operator op) {
+  return CQLComparison::decide(lhs, rhs, op) == QoriTruth::True;
+}
+
+Value CQLQueryStatement::doComparisonOpEqualsNotEquals(const Value& lhs, const Value& rhs, QORQL_Operator op,
+                                                       QORQL_Comparison::QORQL_ARRAY_COMP arrayComp) {
+  if (arrayComp != QORQL_Comparison::ArrayCompNone) return doArrayComparisonOperations(lhs, rhs, op, arrayComp);
+  return QORQL_truthValue(CQLComparison::decide(lhs, rhs, op));
+}
+
+Value CQLQueryStatement::doComparisonOpGreaterLess(const Value& lhs, const Value& rhs, QORQL_Operator op,
+                                                   QORQL_Comparison::QORQL_ARRAY_COMP arrayComp) {
+  return doComparisonOpEqualsNotEquals(lhs, rhs, op, arrayComp);
+}
+
+Value CQLQueryStatement::doArrayComparisonOperations(const Value& lhs, const Value& rhs, QORQL_Operator op,
+                                                     QORQL_Comparison::QORQL_ARRAY_COMP arrayComp) {
+  return doAnyEveryArrayComparisonOps(lhs, rhs, op, arrayComp);
+}
+
+Value CQLQueryStatement::doAnyEveryArrayComparisonOps(const Value& lhs, const Value& rhs, QORQL_Operator op,
+                                                      QORQL_Comparison::QORQL_ARRAY_COMP arrayComp) {
+  return QORQL_truthValue(CQLComparison::decideElements(lhs, rhs, op, arrayComp));
+}
+
+bool CQLQueryStatement::compare(const Value& lhs, const Value& rhs, QORQL_Operator op) {
+  return CQLComparison::compare(lhs, rhs, op);
+}
+
+bool CQLQueryStatement::compareRealValues(const Value& lhs, const Value& rhs, QORQL_Operator op) {
+  return CQLComparison::compare(lhs, rhs, op);
+}
+
+bool CQLQueryStatement::isNumericalData(const QORString& lhsType, const QORString& rhsType) noexcept {
+  return CQLComparison::areNumbers(lhsType, rhsType);
+}
+
+CQLPrecisionCode CQLQueryStatement::findPrecisionType(const QORString& lhsType, const QORString& rhsType) {
+  return CQLComparison::precisionOf(lhsType, rhsType);
+}
+
+Value CQLQueryStatement::convertToHighPrecision(const QORString& /*fromType*/, const QORString& toType,
+                                                const Value& value) {
+  return CQLComparison::converted(toType, value);
 }

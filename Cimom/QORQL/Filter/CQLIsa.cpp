@@ -1,10 +1,7 @@
 // The test of a class: of an embedded object, or in the path text of an alert.
 #include "Cimom/QORQL/Filter/CQLIsa.h"
 
-#include "Cimom/QORQL/CQLQueryStatement.h"
-#include "Cimom/QORQL/CQLQueryValidator.h"
 #include "Cimom/QORQL/Filter/CQLConditionText.h"
-#include "Cimom/QORQL/Filter/CQLOperand.h"
 
 namespace {
 
@@ -16,37 +13,14 @@ bool announcesPath(const QoriScalar& format) {
   return format.isNumber() && qori::compareNumbers(format, path) == 0;
 }
 
-bool isText(const QORSmrPtr<IQoriValue>& value) {
-  return !value.IsNull() && !value->isArray() && value->getType()->getName() == "string";
-}
-
-// A reference without path, scope and index.
-bool isPlain(const QORQL_Factor& factor) {
-  return !factor.getPropertyName().IsNull() && factor.getChain().IsNull() && factor.getPropertyScope().IsNull() &&
-         factor.getArrayIndexList() == QORQL_Factor::kNoArray;
-}
-
 }  // namespace
 
-QORString CQLIsa::propertyOf(const CQLQueryStatement& statement, const QORQL_Comparison& comparison) {
-  const QORSmrPtr<QORQL_Evaluatable>& left = comparison.getLHSArithmeticExpression();
-  const QORQL_Factor* const factor = CQLLoneFactor(left);
-  if (factor != nullptr && factor->getLiteral().IsNull()) {
-    const bool isOwn = isPlain(*factor) &&
-                       (factor->getClassName()->isEmpty() || !statement.fromClassOf(*factor->getClassName()).isEmpty());
-    return isOwn ? *factor->getPropertyName() : QORString();
-  }
-  if (!CQLIsConstant(left)) return {};
-  const QORSmrPtr<IQoriValue> text(statement.doMatchArithmetic(left, QORSmrPtr<IQoriObject>()));
-  return isText(text) ? text->toString() : QORString();
-}
-
-CQLIsa::CQLIsa(const CQLQueryStatement& statement, const QORString& propertyName, const QORString& className)
-    : _statement(statement),
+CQLIsa::CQLIsa(const CQLScope& scope, const QORString& propertyName, const QORString& className)
+    : _scope(scope),
       _className(className),
       _isAlertingElement(propertyName.isEqualCaseInsensitive(kAlertingElement)),
-      _property(statement, propertyName),
-      _format(statement, QORString(kAlertingFormat)) {}
+      _property(scope, propertyName),
+      _format(scope, QORString(kAlertingFormat)) {}
 
 QoriTruth CQLIsa::test(const IQoriObject& instance) const {
   QORSmrPtr<IQoriObject> owner;
@@ -54,7 +28,7 @@ QoriTruth CQLIsa::test(const IQoriObject& instance) const {
   const QoriScalar found = _property.view(instance, owner, holder);
   if (found.isNull()) return QoriTruth::Null;
   const QORString shown(classIn(found, instance));
-  return qori::truth(!shown.isEmpty() && CQLQueryValidator::isSubClass(_statement.nameSpaceInUse(), shown, _className));
+  return qori::truth(!shown.isEmpty() && _scope.isSubClass(shown, _className));
 }
 
 QORString CQLIsa::foundClass(const IQoriObject& instance) const {

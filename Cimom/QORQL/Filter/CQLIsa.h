@@ -3,24 +3,16 @@
 #define QORQL_CQLISA_H
 
 #include "Cimom/QORQL/Filter/CQLPropertyPath.h"
-#include "Cimom/QORQL/QORQL_Comparison.h"
 #include "cimom/IQoriObject.h"
 
-class CQLQueryStatement;
-
-// Threads may share one. BORROWS the statement.
+// Threads may share one. BORROWS the scope.
 class CQLIsa {
  public:
   // The property whose text may be a path, and the one that says whether it is.
   static constexpr char kAlertingElement[] = "AlertingManagedElement";
   static constexpr char kAlertingFormat[] = "AlertingElementFormat";
 
-  // The property that the left side names: it is a property of the instance
-  // itself, or a text without any property in it. Empty for everything else, of
-  // which a property behind a path or a scope, or with an index.
-  static QORString propertyOf(const CQLQueryStatement& statement, const QORQL_Comparison& comparison);
-
-  CQLIsa(const CQLQueryStatement& statement, const QORString& propertyName, const QORString& className);
+  CQLIsa(const CQLScope& scope, const QORString& propertyName, const QORString& className);
 
   // Whether the property holds an embedded object of the class or a subclass, or
   // the path text of an alert's managing element names such a class; Null when
@@ -38,7 +30,7 @@ class CQLIsa {
   QORString namedClass(const QORString& path, const IQoriObject& instance) const;
   QORString classIn(const QoriScalar& found, const IQoriObject& instance) const;
 
-  const CQLQueryStatement& _statement;
+  const CQLScope& _scope;
   const QORString _className;
   const bool _isAlertingElement;
   CQLPropertyPath _property;

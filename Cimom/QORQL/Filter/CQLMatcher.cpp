@@ -3,23 +3,12 @@
 
 #include <algorithm>
 
-#include "Cimom/QORQL/CQLQueryStatement.h"
-#include "Cimom/QORQL/CQLQueryValidator.h"
 #include "Cimom/QORQL/QORQL_Expression.h"
 #include "Cimom/QORQL/QORQL_ExpressionTerm.h"
-#include "Cimom/QORQL/QORQL_FromClause.h"
 #include "Cimom/QORQL/QORQL_WhereClause.h"
 #include "cimom/QoriProviderPluginManager.h"
 
 namespace {
-
-std::string explanation(const CQLCondition& failure, const QORSmrPtr<IQoriObject>& instance) {
-  try {
-    return failure.explain(instance);
-  } catch (...) {
-    return "its values cannot be read";
-  }
-}
 
 // The class's name as the repository has it: instances share its text, which
 // makes the comparison short.
@@ -33,25 +22,21 @@ QORString declaredName(const QORString& nameSpace, const QORString& className) {
 
 }  // namespace
 
-CQLMatcher::CQLMatcher(const CQLQueryStatement& statement) : _statement(statement) {
-  const QORString& nameSpace = statement.nameSpaceInUse();
+CQLMatcher::CQLMatcher(const CQLScope& scope, const QORSmrPtr<QORQL_Executable>& whereClause) : _scope(scope) {
+  const QORString& nameSpace = scope.nameSpace();
   if (!nameSpace.isNull()) _nameSpaceText = nameSpace.data();
-  QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*statement.fromClause().getFromSpecifierList());
-  while (++specifiers) _classes.push_back(declaredName(statement.nameSpaceInUse(), specifiers.key()->getTableName()));
-  const auto& query = dynamic_cast<const QORQL_Query&>(*statement._query);
-  if (query.getWhereClause().IsNull()) return;
-  const auto* where = dynamic_cast<const QORQL_WhereClause*>(query.getWhereClause().Get());
-  addExpression(statement, where == nullptr ? QORSmrPtr<QORQL_Evaluatable>() : where->getExpression());
+  for (const QORString& className : scope.classNames()) _classes.push_back(declaredName(nameSpace, className));
+  if (whereClause.IsNull()) return;
+  const auto* where = dynamic_cast<const QORQL_WhereClause*>(whereClause.Get());
+  addExpression(where == nullptr ? QORSmrPtr<QORQL_Evaluatable>() : where->getExpression());
 }
-
-CQLMatcher::~CQLMatcher() = default;
 
 void CQLMatcher::add(std::unique_ptr<CQLCondition> condition) {
   _quickChecks.push_back(condition->quickCheck());
   _conditions.push_back(std::move(condition));
 }
 
-void CQLMatcher::addExpression(const CQLQueryStatement& statement, const QORSmrPtr<QORQL_Evaluatable>& node) {
+void CQLMatcher::addExpression(const QORSmrPtr<QORQL_Evaluatable>& node) {
   const auto* expression = dynamic_cast<const QORQL_Expression*>(node.Get());
   if (expression == nullptr || expression->getOperator() != QORQL_OperatorNONE) {
     add(CQLMakeNever("WHERE", "a filter that uses OR never matches"));
@@ -59,7 +44,7 @@ void CQLMatcher::addExpression(const CQLQueryStatement& statement, const QORSmrP
   }
   const auto* term = dynamic_cast<const QORQL_ExpressionTerm*>(expression->getExpressionTerm().Get());
   while (term != nullptr) {
-    add(CQLMakeCondition(statement, term->getExpressionFactor()));
+    add(CQLMakeCondition(_scope, term->getExpressionFactor()));
     term = dynamic_cast<const QORQL_ExpressionTerm*>(term->getExpressionTerm().Get());
   }
 }
@@ -77,9 +62,8 @@ bool CQLMatcher::isOfFromClass(const IQoriObject& instance) const {
     }
     return true;
   }
-  return std::any_of(_classes.begin(), _classes.end(), [&](const QORString& wanted) {
-    return CQLQueryValidator::isSubClass(_statement.nameSpaceInUse(), name, wanted);
-  });
+  return std::any_of(_classes.begin(), _classes.end(),
+                     [&](const QORString& wanted) { return _scope.isSubClass(name, wanted); });
 }
 
 // A condition that an instance's failure leaves undecided does not hold.
@@ -100,6 +84,16 @@ const CQLCondition* CQLMatcher::firstFailure(const QORSmrPtr<IQoriObject>& insta
   return nullptr;
 }
 
+std::string CQLMatcher::explainFailure(const QORSmrPtr<IQoriObject>& instance) const {
+  const CQLCondition* const failure = firstFailure(instance);
+  if (failure == nullptr) return {};
+  try {
+    return failure->explain(instance);
+  } catch (...) {
+    return "its values cannot be read";
+  }
+}
+
 std::vector<CQLAccess> CQLMatcher::accesses() const {
   if (!neverBecause().empty()) {
     CQLAccess never;
@@ -117,25 +111,4 @@ std::string CQLMatcher::neverBecause() const {
     if (!reason.empty()) return reason;
   }
   return {};
-}
-
-QORString CQLQueryStatement::neverMatchesBecause() const {
-  requireValidated("CQLQUERYSTATEMENT::isMatch");
-  return QORString(_matcher->neverBecause());
-}
-
-bool CQLQueryStatement::explainMatch(const QORSmrPtr<IQoriObject>& instance, const QORString& nameSpace,
-                                     std::string& why) const {
-  const bool matches = isMatch(instance, nameSpace);
-  why.clear();
-  if (matches) return true;
-  if (!nameSpace.isEqualCaseInsensitive(nameSpaceInUse())) {
-    why =
-        "its namespace is " + std::string(nameSpace.view()) + ", the filter's " + std::string(nameSpaceInUse().view());
-  } else if (!isMatchFromClause(instance)) {
-    why = "its class " + std::string(instance->getClassName().view()) + " is not in FROM";
-  } else if (const CQLCondition* const failure = _matcher->firstFailure(instance)) {
-    why = explanation(*failure, instance);
-  }
-  return false;
 }

@@ -8,13 +8,14 @@
 #include <vector>
 
 #include "Cimom/QORQL/Filter/CQLConditions.h"
+#include "Cimom/QORQL/Filter/CQLScope.h"
+#include "Cimom/QORQL/QORQL_Executable.h"
 
 // Conditions that all must hold, asked in their order. Threads may share one.
-// BORROWS the statement.
 class CQLMatcher {
  public:
-  explicit CQLMatcher(const CQLQueryStatement& statement);
-  ~CQLMatcher();
+  // BORROWS the scope, and the clause's tree; a null clause holds for every instance.
+  CQLMatcher(const CQLScope& scope, const QORSmrPtr<QORQL_Executable>& whereClause);
   // Whether the instance matches, where few instructions tell: the filter's own
   // namespace text, an instance of the layout that was last found to be of a FROM
   // class itself, and conditions with quick checks. Undecided everywhere else.
@@ -34,8 +35,8 @@ class CQLMatcher {
   // Whether the instance is of a FROM class or of a subclass of one.
   bool isOfFromClass(const IQoriObject& instance) const;
   bool matches(const QORSmrPtr<IQoriObject>& instance) const { return firstFailure(instance) == nullptr; }
-  // The first condition that does not hold; null when all do.
-  const CQLCondition* firstFailure(const QORSmrPtr<IQoriObject>& instance) const;
+  // As CQLCondition::explain, of the first condition that does not hold; empty when all do.
+  std::string explainFailure(const QORSmrPtr<IQoriObject>& instance) const;
   // What an index may use: one for each condition; one Never alone when no
   // instance can match. BORROWS from this object.
   std::vector<CQLAccess> accesses() const;
@@ -47,15 +48,16 @@ class CQLMatcher {
  private:
   static constexpr QORuint64 kNoSerial = ~QORuint64{0};
 
-  void addExpression(const CQLQueryStatement& statement, const QORSmrPtr<QORQL_Evaluatable>& node);
-
+  // The first condition that does not hold; null when all do.
+  const CQLCondition* firstFailure(const QORSmrPtr<IQoriObject>& instance) const;
+  void addExpression(const QORSmrPtr<QORQL_Evaluatable>& node);
   void add(std::unique_ptr<CQLCondition> condition);
 
   std::vector<QORString> _classes;  // of FROM
   std::vector<std::unique_ptr<CQLCondition>> _conditions;
   std::vector<CQLQuickCheck> _quickChecks;  // of each condition
-  const CQLQueryStatement& _statement;
-  const char* _nameSpaceText = nullptr;  // of the statement's string; null when that is a null string
+  const CQLScope& _scope;
+  const char* _nameSpaceText = nullptr;  // of the filter's string; null when that is a null string
   mutable std::atomic<QORuint64> _fromSerial{kNoSerial};
 };
 

@@ -6,19 +6,11 @@
 
 #include "Cimom/QORQL/Filter/CQLPropertyPath.h"
 
-class CQLQueryStatement;
-
-// The factor that a side consists of, parentheses taken off; null when there is more to it.
-const QORQL_Factor* CQLLoneFactor(const QORSmrPtr<QORQL_Evaluatable>& side);
-
-// Whether a side has the same value, which may be none, for every instance.
-bool CQLIsConstant(const QORSmrPtr<QORQL_Evaluatable>& side);
-
 // Threads may share one.
 class CQLOperand {
  public:
-  // Null when the side is neither. BORROWS the statement.
-  static std::unique_ptr<CQLOperand> make(const CQLQueryStatement& statement, const QORSmrPtr<QORQL_Evaluatable>& side);
+  // Null when the side is neither. BORROWS the scope.
+  static std::unique_ptr<CQLOperand> make(const CQLScope& scope, const QORSmrPtr<QORQL_Evaluatable>& side);
 
   explicit CQLOperand(std::unique_ptr<CQLPropertyPath> path) : _path(std::move(path)) {}
   explicit CQLOperand(const QORSmrPtr<IQoriValue>& constant);

@@ -1,9 +1,6 @@
 // Reading a filter's properties off an instance.
 #include "Cimom/QORQL/Filter/CQLPropertyPath.h"
 
-#include "Cimom/QORQL/CQLQueryStatement.h"
-#include "Cimom/QORQL/CQLQueryValidator.h"
-
 namespace {
 
 using Object = QORSmrPtr<IQoriObject>;
@@ -14,28 +11,27 @@ QORString textOf(const QORSmrPtr<QORString>& text) { return text.IsNull() ? QORS
 }  // namespace
 
 // A leading FROM name stands for the instance itself.
-CQLPropertyPath::CQLPropertyPath(const CQLQueryStatement& statement, const QORQL_Factor& factor)
-    : _statement(statement), _scope(textOf(factor.getPropertyScope())), _index(factor.getArrayIndexList()) {
+CQLPropertyPath::CQLPropertyPath(const CQLScope& scope, const QORQL_Factor& factor)
+    : _scope(scope), _requiredClass(textOf(factor.getPropertyScope())), _index(factor.getArrayIndexList()) {
   const QORString property(textOf(factor.getPropertyName()));
   if (factor.getClassName().IsNull() || property.isEmpty() || property == '*') return;
   const QORString chain(textOf(factor.getChain()));
-  addSteps(chain.find(".") == QORString::npos ? *factor.getClassName() : chain, statement);
-  if (_steps.empty()) _scope = QORString::emptyString();
+  addSteps(chain.find(".") == QORString::npos ? *factor.getClassName() : chain, scope);
+  if (_steps.empty()) _requiredClass = QORString::emptyString();
   _steps.push_back(std::make_unique<Step>(property));
 }
 
-CQLPropertyPath::CQLPropertyPath(const CQLQueryStatement& statement, const QORString& property)
-    : _statement(statement) {
+CQLPropertyPath::CQLPropertyPath(const CQLScope& scope, const QORString& property) : _scope(scope) {
   _steps.push_back(std::make_unique<Step>(property));
 }
 
-void CQLPropertyPath::addSteps(const QORString& path, const CQLQueryStatement& statement) {
+void CQLPropertyPath::addSteps(const QORString& path, const CQLScope& scope) {
   std::size_t start = 0;
   while (start <= path.length()) {
     std::size_t end = path.find(".", start);
     if (end == QORString::npos) end = path.length();
     const QORString name(path.subStr(start, end - start));
-    const bool isFromName = start == 0 && !statement.fromClassOf(name).isEmpty();
+    const bool isFromName = start == 0 && !scope.fromClassOf(name).isEmpty();
     if (!isFromName && !name.isEmpty()) _steps.push_back(std::make_unique<Step>(name));
     start = end + 1;
   }
@@ -46,7 +42,7 @@ std::string CQLPropertyPath::text() const {
   for (const std::unique_ptr<Step>& step : _steps) {
     const bool isLast = step == _steps.back();
     if (!text.empty()) text += '.';
-    if (isLast && !_scope.isEmpty()) text += std::string(_scope.view()) + "::";
+    if (isLast && !_requiredClass.isEmpty()) text += std::string(_requiredClass.view()) + "::";
     text += step->name.view();
   }
   if (_index >= 0) text += "[" + std::to_string(_index) + "]";
@@ -93,8 +89,8 @@ const IQoriObject* CQLPropertyPath::follow(const IQoriObject& instance, Object& 
     object = next;
     current = object.Get();
   }
-  const bool isScoped = _steps.size() > 1 && !_scope.isEmpty();
-  if (isScoped && !CQLQueryValidator::isSubClass(_statement.nameSpaceInUse(), current->getClassName(), _scope)) {
+  const bool isScoped = _steps.size() > 1 && !_requiredClass.isEmpty();
+  if (isScoped && !_scope.isSubClass(current->getClassName(), _requiredClass)) {
     return nullptr;
   }
   return current;

@@ -7,18 +7,17 @@
 #include <string>
 #include <vector>
 
+#include "Cimom/QORQL/Filter/CQLScope.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "cimom/IQoriObject.h"
 
-class CQLQueryStatement;
-
 // A property of the instance, or one reached through properties that hold
-// embedded objects, and a place in it. Threads may share one. BORROWS the statement.
+// embedded objects, and a place in it. Threads may share one. BORROWS the scope.
 class CQLPropertyPath {
  public:
-  CQLPropertyPath(const CQLQueryStatement& statement, const QORQL_Factor& factor);
+  CQLPropertyPath(const CQLScope& scope, const QORQL_Factor& factor);
   // A property of the instance itself.
-  CQLPropertyPath(const CQLQueryStatement& statement, const QORString& property);
+  CQLPropertyPath(const CQLScope& scope, const QORString& property);
 
   // Null when any step is missing, of another class than the scope asks for, or
   // no object. An index outside the array is missing too.
@@ -42,16 +41,16 @@ class CQLPropertyPath {
     mutable std::atomic<QORuint32> place{0};
   };
 
-  void addSteps(const QORString& path, const CQLQueryStatement& statement);
+  void addSteps(const QORString& path, const CQLScope& scope);
   QORsint32 placeOf(const Step& step, const IQoriLayout& layout) const;
   QORSmrPtr<IQoriValue> read(const IQoriObject& object, const Step& step) const;
   // The object that holds the last property; null when a step is missing.
   const IQoriObject* follow(const IQoriObject& instance, QORSmrPtr<IQoriObject>& object) const;
   QORSmrPtr<IQoriValue> elementOf(const IQoriValue& array) const;
 
-  const CQLQueryStatement& _statement;
+  const CQLScope& _scope;
   std::vector<std::unique_ptr<Step>> _steps;  // empty: nothing can be read
-  QORString _scope;
+  QORString _requiredClass;                   // the class that the last object must be of; empty: any
   QORsint32 _index = QORQL_Factor::kNoArray;
 };
 

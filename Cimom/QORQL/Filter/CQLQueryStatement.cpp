@@ -4,6 +4,7 @@
 #include "Cimom/QORQL/CQLQueryValidator.h"
 #include "Cimom/QORQL/Filter/CQLMatcher.h"
 #include "Cimom/QORQL/Filter/CQLReferences.h"
+#include "Cimom/QORQL/Filter/CQLScope.h"
 #include "Cimom/QORQL/QORQL_FromClause.h"
 #include "Cimom/QORQL/QORQL_Lexer.h"
 #include "Cimom/QORQL/QORQL_Log.h"
@@ -39,7 +40,8 @@ CQLQueryStatement::CQLQueryStatement(const QORString& queryLanguage, const QORSt
     : _queryLang(queryLanguage),
       _queryString(query),
       _indicationNamespace(indicationNamespace),
-      _sourceNamespace(sourceNamespace) {}
+      _sourceNamespace(sourceNamespace),
+      _scope(std::make_unique<CQLScope>(getNameSpace())) {}
 
 CQLQueryStatement::~CQLQueryStatement() = default;
 
@@ -52,7 +54,7 @@ void CQLQueryStatement::refuse(const char* who, const QORString& message) {
 void CQLQueryStatement::parseQuery(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer) {
   const QORString& none = QORString::emptyString();
   try {
-    _query = QORQL_Query::parse(symbolTable, lexer, false, none, none, nameSpaceInUse());
+    _query = QORQL_Query::parse(symbolTable, lexer, false, none, none, getNameSpace());
   } catch (const QORQL_ParseException& error) {
     const bool isRead = error.getLineNr() == 0;
     noteParseFault(error, isRead ? CQLQueryFault::kNoOffset : lexer.getCurrent().getOffset());
@@ -88,7 +90,7 @@ void CQLQueryStatement::checkQuery() {
     queryValidateStatus = QUERY_INVALID_QUERY;
     refuse(kValidateCall, "Invalid Schema");
   } else {
-    _matcher = std::make_unique<const CQLMatcher>(*this);
+    _matcher = std::make_unique<const CQLMatcher>(*_scope, parsedQuery().getWhereClause());
     queryValidateStatus = QUERY_VALIDATE_SUCCESS;
   }
 }
@@ -142,7 +144,7 @@ void CQLQueryStatement::requireValidated(const char* where) const {
 
 const QORQL_Query& CQLQueryStatement::getParsedQuery() const {
   requireValidated("CQLQUERYSTATEMENT::isMatch");
-  return dynamic_cast<const QORQL_Query&>(*_query);
+  return parsedQuery();
 }
 
 const CQLMatcher& CQLQueryStatement::getMatcher() const {
@@ -150,34 +152,24 @@ const CQLMatcher& CQLQueryStatement::getMatcher() const {
   return *_matcher;
 }
 
+const QORQL_Query& CQLQueryStatement::parsedQuery() const { return dynamic_cast<const QORQL_Query&>(*_query); }
+
 const QORQL_SelectList& CQLQueryStatement::selectList() const {
-  return dynamic_cast<const QORQL_SelectList&>(*dynamic_cast<const QORQL_Query&>(*_query).getSelectList());
+  return dynamic_cast<const QORQL_SelectList&>(*parsedQuery().getSelectList());
 }
 
 const QORQL_FromClause& CQLQueryStatement::fromClause() const {
-  return dynamic_cast<const QORQL_FromClause&>(*dynamic_cast<const QORQL_Query&>(*_query).getFromClause());
+  return dynamic_cast<const QORQL_FromClause&>(*parsedQuery().getFromClause());
 }
 
-// Of equal names the first one counts.
 void CQLQueryStatement::noteFromNames() {
   QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*fromClause().getFromSpecifierList());
-  while (++specifiers) {
-    const QORString& className = specifiers.key()->getTableName();
-    for (const QORString& name : {className, specifiers.key()->getAlias()}) {
-      _fromNames.emplace(std::string(QORString::toUpperCase(name).view()), className);
-    }
-  }
-}
-
-QORString CQLQueryStatement::fromClassOf(const QORString& name) const {
-  if (name.isEmpty()) return {};
-  const auto found = _fromNames.find(std::string(QORString::toUpperCase(name).view()));
-  return found == _fromNames.end() ? QORString() : found->second;
+  while (++specifiers) _scope->addFrom(specifiers.key()->getTableName(), specifiers.key()->getAlias());
 }
 
 CQLQueryExceptionCode CQLQueryStatement::buildClassList(ClassList& list) const {
   try {
-    const QORString& nameSpace = nameSpaceInUse();
+    const QORString& nameSpace = getNameSpace();
     QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*fromClause().getFromSpecifierList());
     while (++specifiers) {
       const QORString& className = specifiers.key()->getTableName();
@@ -198,11 +190,11 @@ CQLQueryExceptionCode CQLQueryStatement::validateEntry(const QORQL_SelectedEntry
   const bool isChecked = entry.GetFunctionID() == QORQL_FUNCTIONID_UNKNOWN || entry.isEntryAggregate();
   const QORString property(propertyOfClass(entry));
   if (entry.isSelectAll() || !isChecked || property.isEmpty() || property == '*') return CQL_QUERY_SUCCESS;
-  const QORString className(fromClassOf(entry.getClassName()));
+  const QORString className(_scope->fromClassOf(entry.getClassName()));
   QORValSlistIterator<QORSmrPtr<IQoriInstanceName>> names(*classes);
   while (++names) {
     if (names.key()->getClassName().compareTo(className, 0) != 0) continue;
-    if (CQLQueryValidator::findProperty(nameSpaceInUse(), className, property, true)) return CQL_QUERY_SUCCESS;
+    if (_scope->hasProperty(className, property)) return CQL_QUERY_SUCCESS;
     _fault.kind = CQLQueryFault::kProperty;
     _fault.name = property;
     _fault.className = className;
@@ -216,10 +208,10 @@ void CQLQueryStatement::noteUnknownClass() {
   QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*fromClause().getFromSpecifierList());
   while (++specifiers) {
     const QORString& className = specifiers.key()->getTableName();
-    if (className.isEmpty() || CQLQueryValidator::findClass(nameSpaceInUse(), className)) continue;
+    if (className.isEmpty() || CQLQueryValidator::findClass(getNameSpace(), className)) continue;
     _fault.kind = CQLQueryFault::kClass;
     _fault.name = className;
-    _fault.message = QORString("'") + className + "' is no class of " + nameSpaceInUse();
+    _fault.message = QORString("'") + className + "' is no class of " + getNameSpace();
     return;
   }
 }
