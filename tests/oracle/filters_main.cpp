@@ -1,10 +1,9 @@
 // Asks the engine and the model of matching about filters by chance:
 // random_filters COUNT SEED. The prepared form, the walk of the tree and the
 // model must agree for each instance, whole and cut down to the listed properties.
-#include <cstdlib>
-#include <exception>
 #include <iostream>
 
+#include "ChanceMain.h"
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "Cimom/QORQL/CQLQueryStatement.h"
 #include "EngineThings.h"
@@ -168,18 +167,4 @@ int run(unsigned long count, std::uint32_t seed) {
 
 }  // namespace
 
-int main(int count, char** arguments) {
-  if (count != 3) {
-    std::cerr << "usage: random_filters COUNT SEED\n";
-    return 2;
-  }
-  try {
-    return run(std::strtoul(arguments[1], nullptr, 10),
-               static_cast<std::uint32_t>(std::strtoul(arguments[2], nullptr, 10)));
-  } catch (const QoriBaseException& error) {
-    std::cerr << error.getMessage() << "\n";
-  } catch (const std::exception& error) {
-    std::cerr << error.what() << "\n";
-  }
-  return 2;
-}
+int main(int count, char** arguments) { return mainByChance(count, arguments, "random_filters COUNT SEED", run); }

@@ -1,10 +1,9 @@
 // Asks sets of filters by chance: random_sets COUNT SEED. A set, whose filters come
 // and go, must answer as its filters do when each of them is asked.
-#include <cstdlib>
-#include <exception>
 #include <iostream>
 #include <map>
 
+#include "ChanceMain.h"
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "Cimom/QORQL/CQLFilterSet.h"
 #include "EngineThings.h"
@@ -133,18 +132,4 @@ int run(unsigned long count, std::uint32_t seed) {
 
 }  // namespace
 
-int main(int count, char** arguments) {
-  if (count != 3) {
-    std::cerr << "usage: random_sets COUNT SEED\n";
-    return 2;
-  }
-  try {
-    return run(std::strtoul(arguments[1], nullptr, 10),
-               static_cast<std::uint32_t>(std::strtoul(arguments[2], nullptr, 10)));
-  } catch (const QoriBaseException& error) {
-    std::cerr << error.getMessage() << "\n";
-  } catch (const std::exception& error) {
-    std::cerr << error.what() << "\n";
-  }
-  return 2;
-}
+int main(int count, char** arguments) { return mainByChance(count, arguments, "random_sets COUNT SEED", run); }

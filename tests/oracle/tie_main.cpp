@@ -1,10 +1,9 @@
 // Random statements with associations, the engine in both modes against the
 // simulator: tie_statements WORLDS STATEMENTS SEED. All must be alike.
-#include <cstdlib>
-#include <exception>
 #include <iostream>
 #include <map>
 
+#include "ChanceMain.h"
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "Cimom/Mof/MofLoader.h"
 #include "Cimom/QORQL/Out/QORQL_ResultReader.h"
@@ -101,17 +100,5 @@ int run(unsigned long worlds, unsigned long statements, std::uint32_t seed) {
 }  // namespace
 
 int main(int count, char** arguments) {
-  if (count != 4) {
-    std::cerr << "usage: tie_statements WORLDS STATEMENTS SEED\n";
-    return 2;
-  }
-  try {
-    return run(std::strtoul(arguments[1], nullptr, 10), std::strtoul(arguments[2], nullptr, 10),
-               static_cast<std::uint32_t>(std::strtoul(arguments[3], nullptr, 10)));
-  } catch (const QoriBaseException& error) {
-    std::cerr << error.getMessage() << "\n";
-  } catch (const std::exception& error) {
-    std::cerr << error.what() << "\n";
-  }
-  return 2;
+  return mainByChance(count, arguments, "tie_statements WORLDS STATEMENTS SEED", run);
 }
