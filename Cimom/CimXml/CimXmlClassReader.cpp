@@ -32,7 +32,7 @@ void readFlavors(const XmlAttributes& attributes, Declaration& out) noexcept {
   out.translatable = flavor(attributes, "TRANSLATABLE", false);
 }
 
-// -1 when there is none that can be read.
+// Returns -1 when there is none that can be read.
 QORsint32 arraySize(const XmlAttributes& attributes) noexcept {
   const std::string_view text = attributes.get("ARRAYSIZE");
   QORsint32 size = -1;
@@ -50,7 +50,7 @@ bool isReferenceElement(Element element) noexcept {
          element == Element::ParameterRefArray;
 }
 
-// An attribute of the document in place of the qualifier that says the same.
+// Makes a qualifier of an attribute that says the same.
 void markEmbedded(CimPropertyDeclaration& out) {
   if (out.findQualifier("EmbeddedObject") != nullptr || out.findQualifier("EmbeddedInstance") != nullptr) return;
   CimQualifier qualifier;

@@ -9,8 +9,8 @@
 #include "Cimom/Embedded/CimDeclarations.h"
 #include "cmpbase.h"
 
-// Each operation reads the element that lies ahead and closes it; another one
-// than it can read is a fault. THROWS CimXmlException. One thread at a time.
+// Each operation reads the next element and closes it; an element that it
+// cannot read is a fault. THROWS CimXmlException. One thread at a time.
 class CimXmlClassReader {
  public:
   // BORROWS both.

@@ -49,7 +49,7 @@ void CimXmlWriter::writeQualifiers(const std::vector<CimQualifier>& qualifiers, 
   }
 }
 
-// REFERENCECLASS or, but for references, TYPE is the caller's choice of element.
+// REFERENCECLASS for references, TYPE for all others; the caller has chosen the element.
 void CimXmlWriter::writeFeatureAttributes(const CimPropertyDeclaration& feature) {
   writeAttribute("NAME", feature.name.view());
   if (isReference(feature)) {

@@ -13,13 +13,13 @@
 
 struct CimXmlProperty {
   QORString name;
-  // Unknown when the document does not say: the value is text then.
+  // Unknown when the document does not say it; the value is text then.
   CQoriType::Code type = CQoriType::Code::Unknown;
   bool isArray = false;
   IQoriValue::Pointer value;  // null: NULL
 };
 
-// One is filled again and again while a document is read, so that names which
+// One object is filled again and again while a document is read, so that names that
 // stay the same from instance to instance are made once.
 class CimXmlInstance {
  public:

@@ -14,7 +14,7 @@ using Code = CQoriType::Code;
 
 namespace {
 
-// Both spellings of the attribute are met.
+// Servers use both spellings of the attribute.
 bool isEmbedded(const XmlAttributes& attributes) noexcept {
   return attributes.find("EmbeddedObject") != nullptr || attributes.find("EMBEDDEDOBJECT") != nullptr;
 }
@@ -25,7 +25,7 @@ std::string shown(std::string_view text) {
   return '"' + std::string(text.substr(0, kShown)) + (text.size() > kShown ? "..." : "") + '"';
 }
 
-// Documents nest in texts of documents, each level with a reader of its own.
+// A text in a document may be a document itself; each level has a reader of its own.
 class EmbeddingLevel {
  public:
   explicit EmbeddingLevel(cimxml::XmlPull& xml) {
@@ -178,7 +178,7 @@ IQoriValue::Pointer CimXmlInstanceReader::readArray(Code type, std::string_view 
   return IQoriValue::Pointer(new CQoriValue(elements, CQoriType::arrayOf(element)));
 }
 
-// The text is a document of its own, whose faults are told with the place of the text.
+// The text is a document of its own; its faults are reported at the place of the text.
 IQoriValue::Pointer CimXmlInstanceReader::embeddedObject(std::string_view text, std::string_view what) {
   const EmbeddingLevel level(_xml);
   if (text.find_first_not_of(" \t\r\n") == std::string_view::npos) return {};

@@ -13,11 +13,11 @@
 #include "cimom/IQoriObject.h"
 #include "cmpbase.h"
 
-// Each operation reads the element that lies ahead and closes it; another one
-// than it can read is a fault. THROWS CimXmlException. One thread at a time.
+// Each operation reads the next element and closes it; an element that it
+// cannot read is a fault. THROWS CimXmlException. One thread at a time.
 class CimXmlInstanceReader {
  public:
-  // Makes the object that an embedded class is from the document of its CLASS element.
+  // Makes the object for an embedded class from the document of its CLASS element.
   using EmbeddedClass = std::function<QORSmrPtr<IQoriObject>(cimxml::XmlPull& xml)>;
 
   // BORROWS the document and `objects`, which makes embedded instances. Without

@@ -1,5 +1,5 @@
-// A layout is found by comparing what came with what came before: of one class
-// that is nearly always the same.
+// A layout is found by comparing an instance with earlier ones: within one class
+// they nearly always have the same properties.
 #include "Cimom/CimXml/CimXmlObjects.h"
 
 #include <string_view>
@@ -36,7 +36,7 @@ std::vector<QORuint32> keyPositions(const CimXmlInstance& instance, const ModelL
 // Whether each property that is not kept has the name of a kept one before it.
 bool repeatOthers(std::span<const CimXmlProperty> properties, const std::vector<std::size_t>& kept,
                   const ModelLayout& layout) noexcept {
-  std::size_t passed = 0;  // kept ones before the property
+  std::size_t passed = 0;  // kept properties before this one
   for (std::size_t i = 0; !kept.empty() && i < properties.size(); ++i) {
     if (passed < kept.size() && kept[passed] == i) {
       ++passed;
@@ -68,8 +68,8 @@ IQoriValue::Pointer typed(const CimXmlInstance& instance, const CimXmlProperty& 
   return value;
 }
 
-// A value that came as another type than the declared one. An integer must be
-// the same number then; all other conversions are those that values have.
+// A value that arrived as another type than the declared one. An integer must be
+// the same number then; all other conversions are those of values.
 void requireSame(const CimXmlInstance& instance, const CimXmlProperty& property, const IQoriValue::Pointer& value,
                  const QORSmrPtr<IQoriType>& type) {
   const Code code = CQoriType::codeOf(*type);

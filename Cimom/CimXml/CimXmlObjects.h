@@ -19,12 +19,12 @@ class CimXmlObjects {
   CimXmlObjects(const CimXmlObjects&) = delete;
   CimXmlObjects& operator=(const CimXmlObjects&) = delete;
 
-  // The object with the properties that came, in their order; of a name that
-  // came twice the first counts. Properties of unknown type are text.
+  // The object with the properties of the document, in their order; of a name that
+  // occurs twice the first counts. Properties of unknown type are text.
   QORSmrPtr<IQoriObject> make(const CimXmlInstance& instance);
 
-  // An object of a known class: properties by their names, those that did not
-  // come are NULL, those that the class lacks are left out, and those of unknown
+  // An object of a known class: properties by their names; those that are missing
+  // are NULL, those that the class lacks are left out, and those of unknown
   // type are read as the declared one. THROWS QoriBaseException (type
   // "CIM_Value") naming class and property when a value cannot be of its type.
   // `identity` is what the object's getIdentity() gives.
@@ -32,13 +32,13 @@ class CimXmlObjects {
                                      QORuint64 identity);
 
  private:
-  // The layouts of a class that are kept; a server that sends more has them made anew.
+  // How many layouts of a class are kept; for a server that sends more, some are made again.
   static constexpr std::size_t kLayouts = 16;
 
   struct Known {
     QORSmrPtr<ModelShape> shape;
-    std::vector<std::size_t> kept;  // the properties that are no repetition, when some are
-    std::size_t count = 0;          // of the properties that came
+    std::vector<std::size_t> kept;  // the properties that repeat no other one, when some do
+    std::size_t count = 0;          // of the properties in the document
   };
 
   static bool hasColumns(const Known& known, const CimXmlInstance& instance) noexcept;
@@ -48,7 +48,7 @@ class CimXmlObjects {
   Known makeShape(const CimXmlInstance& instance) const;
 
   const QORString _nameSpace;
-  std::unordered_map<std::string, std::vector<Known>> _known;  // by class name as it came
+  std::unordered_map<std::string, std::vector<Known>> _known;  // by class name as in the document
 };
 
 #endif

@@ -1,4 +1,4 @@
-// Recursion is as deep as references nest in keys.
+// The depth of the recursion is the nesting of references in keys.
 #include "Cimom/CimXml/CimXmlPathReader.h"
 
 #include "Cimom/CimXml/CimXmlValues.h"
@@ -151,7 +151,7 @@ IQoriValue::Pointer CimXmlPathReader::readKeyValue() {
   const XmlAttributes attributes = _xml.open();
   const std::string_view* const typeName = attributes.find("TYPE");
   const CQoriType::Code type = typeName == nullptr ? CQoriType::Code::Unknown : cimxml::typeOf(*typeName);
-  // The text ends the attributes' life.
+  // Reading the text invalidates the attributes.
   const std::string valueType(attributes.get("VALUETYPE"));
   const std::string_view text = _xml.closeText();
   if (text.size() > kMaximumKey) _xml.raise("a key is longer than " + std::to_string(kMaximumKey) + " bytes");

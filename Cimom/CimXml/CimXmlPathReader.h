@@ -10,8 +10,8 @@
 #include "cimom/IQoriValue.h"
 #include "cmpbase.h"
 
-// Each operation reads the element that lies ahead and closes it; another one
-// than it can read is a fault. THROWS CimXmlException. One thread at a time.
+// Each operation reads the next element and closes it; an element that it
+// cannot read is a fault. THROWS CimXmlException. One thread at a time.
 class CimXmlPathReader {
  public:
   // BORROWS the document. `nameSpace`: of names that have none of their own.
@@ -23,7 +23,7 @@ class CimXmlPathReader {
   // INSTANCEPATH, LOCALINSTANCEPATH, INSTANCENAME, CLASSPATH, LOCALCLASSPATH,
   // CLASSNAME, or OBJECTPATH around one of them. A class's path has no keys.
   QORSmrPtr<IQoriInstanceName> readPath();
-  // VALUE.REFERENCE. In keys references nest to a bound, because the text of a path
+  // VALUE.REFERENCE. The nesting of references in keys is bounded, because the text of a path
   // doubles with each level.
   QORSmrPtr<IQoriInstanceName> readReference();
   // LOCALNAMESPACEPATH: "root/cimv2".

@@ -81,7 +81,7 @@ bool CimXmlReply::enterResponse() {
   return true;
 }
 
-// The message is read to its end first, so that a cut reply is told as such.
+// The message is read to its end first, so that a reply that was cut off is reported as that.
 void CimXmlReply::raiseStatus() {
   const XmlAttributes attributes = _xml.open();
   const std::string_view code = attributes.get("CODE");
@@ -124,7 +124,7 @@ CimXmlReply::Item CimXmlReply::readValue() {
   }
 }
 
-// Only texts are of use here; an object as an output is passed over.
+// Only texts are of use here; an output that is an object is skipped.
 CimXmlReply::Item CimXmlReply::readOutput() {
   _outputName = std::string(_xml.open().get("NAME"));
   _outputText.clear();

@@ -12,7 +12,7 @@
 #include "Cimom/CimXml/XmlPull.h"
 #include "cmpbase.h"
 
-// Nothing but the item that was read last is held. What cannot be read THROWS
+// Holds only the item that was read last. What cannot be read THROWS
 // CimXmlException with the place, a status that the server answers
 // CimStatusException; the source's exceptions pass through. One thread at a time.
 class CimXmlReply {

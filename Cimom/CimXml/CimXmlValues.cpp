@@ -1,4 +1,4 @@
-// Reading is forgiving about what means one thing alone; writing follows the standard's forms.
+// Reading accepts other forms where the meaning is clear; writing follows the standard's forms.
 #include "Cimom/CimXml/CimXmlValues.h"
 
 #include <algorithm>
@@ -74,7 +74,7 @@ bool readInteger(std::string_view text, Integer& out) noexcept {
     out = static_cast<Integer>(magnitude);
     return magnitude <= greatest;
   }
-  // The least number's magnitude is one more than the greatest number.
+  // The magnitude of the least number is one more than the greatest number.
   out = static_cast<Integer>(QORuint64{0} - magnitude);
   return magnitude <= (Limits::is_signed ? greatest + 1 : 0);
 }
@@ -90,7 +90,7 @@ bool readReal(std::string_view text, double& out) noexcept {
   return true;
 }
 
-// Takes what a real32 rounds to its greatest number for that; false for a greater one.
+// Accepts what rounds to the greatest real32; false for a greater number.
 bool toReal32(double& number) noexcept {
   constexpr double kGreatest = std::numeric_limits<QORreal32>::max();
   // Half a step of the greatest above it.

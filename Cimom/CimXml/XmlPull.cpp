@@ -50,7 +50,7 @@ struct XmlPull::Event {
   std::size_t partEnd;  // and the one past its last
 };
 
-// The parser and what it has told so far.
+// The parser and its events so far.
 struct XmlPull::Expat {
   // Where an attribute's name and value lie in the buffer.
   struct Part {
@@ -158,11 +158,11 @@ struct XmlPull::Expat {
   std::vector<Event> events;
   std::vector<Part> parts;
   std::string buffer;
-  std::size_t taken = 0;     // events that the caller has had
+  std::size_t taken = 0;     // events that the caller has taken
   std::size_t depth = 0;     // of what the parser has seen
   std::size_t open = 0;      // elements that the caller has open
   std::size_t waiting = 0;   // bytes since the last event
-  Event::Place place{1, 1};  // of what was looked at last
+  Event::Place place{1, 1};  // of what was peeked at last
   std::string piece;         // of the document
   std::exception_ptr failure;
 };
@@ -269,7 +269,7 @@ std::string_view XmlPull::closeText() {
   const Event::Place begin = event->place;
   std::string_view text;
   if (event->kind == Event::Kind::Text) {
-    // A text that ends with its piece may go on in the next one.
+    // A text at the end of a piece may continue in the next one.
     if (_expat->taken + 1 < _expat->events.size()) {
       text = _expat->textOf(*event);
       ++_expat->taken;
@@ -286,7 +286,7 @@ std::string_view XmlPull::closeText() {
   if (ahead().kind != Event::Kind::End) raise(std::string(aheadName()) + " is not allowed within a text");
   ++_expat->taken;
   --_expat->open;
-  // What is wrong with the text is told at its begin.
+  // A fault in the text is reported at its beginning.
   _expat->place = begin;
   return text;
 }

@@ -58,20 +58,20 @@ class XmlPull {
   XmlPull& operator=(const XmlPull&) = delete;
   ~XmlPull();
 
-  // The next child of the element that is open: its start tag lies ahead. None
-  // when the element's end lies ahead, or the document's. Blanks are passed
-  // over; other text is a fault.
+  // Looks at the next child of the open element without opening it. None
+  // when the end of the element, or of the document, comes next. Blanks are
+  // skipped; other text is a fault.
   Element peek();
-  // Opens the child that lies ahead. REQUIRES that peek() gave one. The attributes
+  // Opens the next child. REQUIRES that peek() gave one. The attributes
   // are valid until the next call.
   XmlAttributes open();
-  // Closes the open element, whose end must lie ahead.
+  // Closes the open element, whose end must come next.
   void close();
-  // The text of the open element, which has no children, and closes it.
+  // Returns the text of the open element, which must have no children, and closes it.
   std::string_view closeText();
-  // Passes over the child that lies ahead, with all in it.
+  // Skips the next child with everything in it.
   void skip();
-  // The name of the element that lies ahead, as the document writes it.
+  // The name of the next element, as the document writes it.
   std::string_view aheadName() const noexcept;
   // REQUIRES that all elements are closed: nothing but blanks may follow.
   void finish();

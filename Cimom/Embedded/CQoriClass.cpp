@@ -16,7 +16,7 @@ using embedded::refuse;
 
 namespace {
 
-// Adds those that reach subclasses and are not declared anew.
+// Adds the inherited qualifiers that reach subclasses and are not declared again.
 void inheritQualifiers(std::vector<CimQualifier>& own, const std::vector<CimQualifier>& inherited) {
   const std::size_t ownCount = own.size();
   for (const CimQualifier& qualifier : inherited) {

@@ -8,7 +8,7 @@
 #include "cimom/IQoriObject.h"
 #include "cmpbase.h"
 
-// One loader at a time. Between begin() and commit() everything declared is
+// One loader at a time. Between begin() and commit() everything that is declared is
 // visible to this interface alone; rollback() forgets it. Refusals THROW
 // QoriBaseException (type "CIM_Repository") whose message names the class,
 // property or path at fault; the loader adds file and line.

@@ -1,4 +1,4 @@
-// One pass over the class and its properties; a fault does not stop it, so that
+// One pass over the class and its properties. A fault does not stop it, so that
 // a person sees all of them at once.
 #include "Cimom/Embedded/ClassRules.h"
 
@@ -121,7 +121,7 @@ void ClassRules::checkMethod(const CimMethodDeclaration& declared, const CimMeth
   checkQualifiers(declared.name, declared.qualifiers, inherited->qualifiers);
 }
 
-// Who calls the method as the superclass has it must be able to call this one.
+// A caller of the superclass's method must be able to call this one.
 void ClassRules::checkSignature(const CimMethodDeclaration& declared, const CimMethodDeclaration& inherited) {
   const std::string_view name = declared.name.view();
   if (!sameType(*declared.returnType, *inherited.returnType)) {

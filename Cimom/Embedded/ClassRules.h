@@ -14,7 +14,7 @@ class CQoriClass;
 
 namespace embedded {
 
-// Goes over one declaration and collects all that is wrong with it. BORROWS
+// Checks one declaration and collects all that is wrong with it. BORROWS
 // declaration and superclass (null at the root).
 class ClassRules {
  public:

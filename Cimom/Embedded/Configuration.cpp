@@ -18,7 +18,7 @@ namespace embedded {
 
 namespace {
 
-constexpr std::size_t kGreatestFile = std::size_t{16} << 20U;  // a device has no end of its own
+constexpr std::size_t kGreatestFile = std::size_t{16} << 20U;  // a device such as /dev/zero never ends
 
 [[noreturn]] void refuseFile(const std::string& path, const QORString& message) {
   throw QoriBaseException("CIM_Configuration", "CIMOM", QORString(std::string_view(path)), message, 1);

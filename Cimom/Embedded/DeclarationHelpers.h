@@ -14,8 +14,8 @@ const CimQualifier* findQualifier(const std::vector<CimQualifier>& qualifiers, s
 // A boolean qualifier that is present and not FALSE.
 bool hasFlag(const std::vector<CimQualifier>& qualifiers, std::string_view name) noexcept;
 
-// Whether a subclass has the qualifier without declaring it. Those of the
-// metamodel do or do not, however (and whether) a schema declares them.
+// Whether a subclass has the qualifier without declaring it. For those of the
+// metamodel this does not depend on whether and how a schema declares them.
 bool reachesSubclasses(const CimQualifier& qualifier) noexcept;
 
 // Of the same type and content; two null pointers are the same.

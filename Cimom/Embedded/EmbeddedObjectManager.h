@@ -35,15 +35,15 @@ class EmbeddedObjectManager {
   EmbeddedObjectManager();
   EmbeddedObjectManager(const EmbeddedObjectManager&) = delete;
   EmbeddedObjectManager& operator=(const EmbeddedObjectManager&) = delete;
-  // A current object manager withdraws itself.
+  // If this is the current object manager, there is none afterwards.
   ~EmbeddedObjectManager();
 
-  // Makes this the process's object manager (the last caller wins).
+  // Makes this the process's object manager, in place of any other.
   void makeCurrent();
   // BORROWS: the current one, or null.
   static EmbeddedObjectManager* current() noexcept;
 
-  // OWNS stays here: for loaders of declarations and instances.
+  // For loaders of declarations and instances. The object manager keeps ownership.
   CimDeclarationSink& sink();
   QORSmrPtr<IQoriRepository> repository() const;
   std::vector<QORString> namespaces() const;

@@ -20,13 +20,13 @@ class InstanceProvider {
     QORString nameSpace;
     QORString className;
     std::vector<QORString> propertyNames;
-    QORSmrPtr<QoriTransactionInfo> transaction;  // null: no query behind the call
-    QORSmrPtr<IQoriInstanceName> only;           // not null: this instance alone is wanted; others may come too
+    QORSmrPtr<QoriTransactionInfo> transaction;  // null: the call does not come from a query
+    QORSmrPtr<IQoriInstanceName> only;           // not null: this one is wanted; others may come too
     // Whether the property is asked for (ignoring case).
     bool needs(const char* propertyName) const;
   };
   // Takes one instance: a value for each of Request::propertyNames, in that
-  // order; a null pointer for a value that cannot be had.
+  // order; a null pointer for a value that is not available.
   using Emit = std::function<void(std::vector<QORSmrPtr<IQoriValue>>&& values)>;
 
   static constexpr QORuint32 kNoSource = 7;  // the CIM status "not supported"

@@ -27,7 +27,7 @@ struct ClassEntry {
   bool isA(const ClassEntry& other) const noexcept;
 };
 
-// Lets maps with text keys be asked with a view.
+// Lets maps with text keys be searched by a view.
 struct PathHash {
   using is_transparent = void;
   std::size_t operator()(std::string_view path) const noexcept { return std::hash<std::string_view>()(path); }

@@ -1,4 +1,4 @@
-// Lists of instances that were made for earlier calls and are still right.
+// Lists of instances that were made for earlier calls and are still valid.
 #ifndef QORQL_EMBEDDED_LISTCACHE_H
 #define QORQL_EMBEDDED_LISTCACHE_H
 
@@ -25,7 +25,7 @@ class ListCache {
 
  private:
   struct Kept {
-    const ClassEntry* entry;  // an identity, never followed
+    const ClassEntry* entry;  // compared, never dereferenced
     std::string names;
     QORuint64 version;
     CIMApi::Instances instances;

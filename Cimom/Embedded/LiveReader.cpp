@@ -61,7 +61,7 @@ class Collector {
     keep(ModelInstance::create(_model.shape(), values));
   }
 
-  // What was left out is no secret: one line for all of it.
+  // Logs what was left out, in one line.
   void report() const {
     if (_leftOut == 0) return;
     const std::string count = _leftOut == 1 ? "an instance is left out: "
@@ -88,7 +88,7 @@ class Collector {
            std::string(value->toString().view());
   }
 
-  // A value that the declared type cannot hold cannot be had.
+  // A value that the declared type cannot hold is null.
   QORSmrPtr<IQoriValue> declaredValue(QORuint32 position, const QORSmrPtr<IQoriValue>& given) const {
     const QORSmrPtr<IQoriType>& type = _model.type(position);
     if (given.IsNull() || sameType(*given->getType(), *type)) return given;
@@ -129,7 +129,7 @@ class Collector {
   std::string _reason;  // why the first was left out
 };
 
-// A machine without the source of one class among several still has the others.
+// Where one class of several has no source on this machine, the others are still read.
 void tellOfAbsence(const CQoriProviderException& absence) {
   QORLog::log("Providers", absence.getMessage(), QoriTraceLog::kWarning, QoriTraceLog::kNormal, 0, QORLog::CIMOMLOG);
 }

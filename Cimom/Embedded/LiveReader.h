@@ -19,8 +19,8 @@ struct LiveRequest {
 
 // The class's live instances, complete in shape: properties that are neither
 // asked for nor keys are NULL. Instances without a value for each key, and
-// those whose path is stored or came before, are left out; the log tells of
-// them, but for what is stored. REQUIRES that the caller does not hold the store's lock. THROWS CQoriProviderException,
+// those whose path is stored or came before, are left out and logged,
+// except for stored ones. REQUIRES that the caller does not hold the store's lock. THROWS CQoriProviderException,
 // also for whatever else a provider throws but std::bad_alloc; of one class among many a source that is not there is a
 // warning in the log instead.
 std::vector<QORSmrPtr<IQoriObject>> readLive(const ObjectStore& store, const LiveSource& source,

@@ -23,7 +23,7 @@ void LogChannel::write(const QORString& who, const QORString& message, QORuint32
     }
     if (sink != nullptr) (*sink)(who, message, severity);
   } catch (...) {
-    // A log line is never worth a query.
+    // A log line that fails must not fail the query.
     return;
   }
 }

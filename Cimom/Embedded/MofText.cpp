@@ -102,7 +102,8 @@ class ClassWriter {
     if (!flavors.isEmpty()) _text += " :" + flavors;
   }
 
-  // A flag that is set has no value; a NULL of another type must be told from a missing value.
+  // A flag that is set is written without a value; a NULL of another type is written, so that it differs from a missing
+  // value.
   void appendQualifierValue(const CimQualifier& qualifier, const CimQualifierDeclaration* declared) {
     const bool isFlag = declared == nullptr || declared->type->getName() == CQoriType::boolean->getName();
     if (qualifier.value.IsNull()) {

@@ -1,7 +1,7 @@
 // Look-ups, canonical names and loads as one unit.
 //
-// A load marks what it makes as pending. Queries pass over pending things;
-// commit takes the marks off, rollback removes what carries them, so that both
+// A load marks what it makes as pending. Queries skip pending things;
+// commit removes the marks, rollback removes what is marked, so that both
 // cost what the load itself cost, whatever the store holds already.
 #include "Cimom/Embedded/ObjectStore.h"
 

@@ -15,7 +15,7 @@
 
 namespace embedded {
 
-// Who looks: queries see what has been committed, a loader its own pending work too.
+// Whose view it is: queries see what has been committed, a loader its own pending work too.
 enum class View { Committed, Loader };
 
 // A provider and the class that it serves.
@@ -59,7 +59,7 @@ class ObjectStore {
                                            View view) const;
 
   // The same for what a provider hands out, which may give more keys than the
-  // class in force has: those fall away.
+  // class in force has: the others are dropped.
   QORSmrPtr<IQoriValue> providedReference(const QORString& nameSpace, const QORSmrPtr<IQoriValue>& value) const;
 
   void createNameSpace(const QORString& name, View view);

@@ -1,4 +1,4 @@
-// Declarations and changes of instances, with what they are refused for.
+// Declarations and changes of instances, with the reasons to refuse them.
 #include <string>
 
 #include "Cimom/Embedded/DeclarationHelpers.h"
@@ -12,11 +12,11 @@ namespace embedded {
 namespace {
 
 // A path holds the paths of its reference keys, with quotes and backslashes
-// escaped again: what refers to what refers to ... doubles at each step.
+// escaped again: its length doubles with each reference to a reference.
 constexpr std::size_t kLongestKeyReference = 16384;
 
 // An instance's place in the order of creation, which is that of every list, as
-// the number that its objects have; 0 would tell nothing.
+// the number that its objects have; never 0, which means that there is no number.
 constexpr QORuint64 identityOf(QORuint64 sequence) noexcept { return sequence + 1; }
 
 void checkKeyReferences(const CQoriClass& model, const std::vector<QORSmrPtr<IQoriValue>>& values) {

@@ -9,7 +9,7 @@
 using State = EmbeddedObjectManager::State;
 
 struct CIMApi::Live {
-  std::shared_ptr<State> state;  // whose instances these are
+  std::shared_ptr<State> state;  // the object manager's state that the instances belong to
   embedded::LiveSnapshot snapshot;
 };
 

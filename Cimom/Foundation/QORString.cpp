@@ -106,8 +106,8 @@ bool QORString::contains(const QORString& other, bool caseSensitive) const noexc
 
 std::size_t QORString::find(const QORString& other, std::size_t from) const noexcept {
   if (from > length()) return npos;
-  // memmem's time is linear whatever the texts, which a naive search's is not;
-  // but it prepares the search, which takes longer than a short text.
+  // memmem takes linear time for all texts, which a naive search does not;
+  // but it prepares the search, which takes longer than searching a short text.
   constexpr std::size_t kShort = 128;
   if (length() <= kShort) return view().find(other.view(), from);
   const void* const found = memmem(data() + from, length() - from, other.data(), other.length());

@@ -33,7 +33,7 @@ std::string_view entity(char c) noexcept {
   }
 }
 
-// For each byte, whether it is a character of its own that stays as it is.
+// For each byte, whether it is a whole character that stays as it is.
 constexpr std::array<bool, 256> kIsPlainAscii = [] {
   std::array<bool, 256> isPlain{};
   for (std::size_t byte = 0x20; byte < 0x80; ++byte) isPlain[byte] = true;
@@ -77,7 +77,7 @@ std::size_t multiByteCharacter(std::string_view text) noexcept {
   return isAllowed(code, length) ? length : 0;
 }
 
-// Length of the front part that needs no change.
+// Length of the part at the front that needs no change.
 std::size_t plainLength(std::string_view text) noexcept {
   std::size_t i = 0;
   while (i < text.size()) {
@@ -127,7 +127,7 @@ const char* keyValueType(const QoriScalar& scalar) noexcept {
   return scalar.kind == QoriScalarKind::Boolean ? "boolean" : "string";
 }
 
-// What every path in one element has in common.
+// What all paths in one element have in common.
 struct PathWriter {
   std::ostream& out;
   QORString host;

@@ -30,7 +30,7 @@ class RestrictionMemo {
   const QORSmrPtr<ModelRestriction>& find(const ModelLayout& layout, const QORValSlist<QORString>& names) {
     Entry& entry = _entries[(layout.getSerial() ^ reinterpret_cast<std::size_t>(&names) / 64) % _entries.size()];
     if (entry.serial != layout.getSerial() || !(entry.names == names)) {
-      // Made whole first: an entry that is half changed would answer wrongly for good.
+      // Made complete first: an entry that is half changed would stay wrong.
       Entry fresh{layout.getSerial(), names, layout.restrictTo(names)};
       entry = std::move(fresh);
     }
@@ -116,7 +116,7 @@ void CQoriBaseObject::shareSource(const QORSmrPtr<IQoriObject>& object) {
   _positions = _restriction->positions().data();
   if (typeid(source) == typeid(CQoriBaseObject)) {
     const CQoriBaseObject& copy = static_cast<const CQoriBaseObject&>(source);
-    // The steps compose when the first copy reads its source by all steps before it.
+    // The steps compose when the first copy reads its source through all earlier steps.
     if (copy._positions == copy._restriction->rootPositions().data()) {
       _source = copy._source;
       _slots = copy._slots;

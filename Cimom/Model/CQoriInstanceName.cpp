@@ -12,7 +12,7 @@ namespace {
 
 using KeyList = IQoriInstanceName::KeyList;
 
-// Names have a key or two, so an insertion sort does; equal names keep their order.
+// Names have a key or two, so an insertion sort is enough; equal names keep their order.
 QORSmrPtr<KeyList> sortedKeys(const QORSmrPtr<KeyList>& keys) {
   std::vector<QORSmrPtr<IQoriProperty>> sorted;
   if (!keys.IsNull()) {

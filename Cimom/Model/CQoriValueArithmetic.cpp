@@ -51,7 +51,7 @@ bool prefersUnsigned(const IQoriValue& left, const QoriScalar& a, const QoriScal
 struct Operation {
   const char* name;
   const char* verb;         // "Cannot <verb> A <preposition> B"
-  const char* preposition;  // null: the operands change places around "from"
+  const char* preposition;  // null: "Cannot <verb> B from A"
 };
 
 [[noreturn]] void raiseOperands(const Operation& operation, const IQoriValue& left, const IQoriValue& right) {
@@ -123,7 +123,7 @@ Pointer CQoriValue::negate() const {
   const QoriScalar a = scalar();
   if (holdsArray(a)) return {};
   const auto narrow = [](Wide value, QORsint64 least, const QORSmrPtr<IQoriType>& type) {
-    // Only the greatest value can be missed: that of the negated least one.
+    // Only one result does not fit: the negation of the least number.
     return value > -(static_cast<Wide>(least) + 1) ? Pointer()
                                                    : Pointer::Make<CQoriValue>(static_cast<QORsint64>(value), type);
   };

@@ -44,8 +44,8 @@ bool dateTimeOrder(const QORString& a, const QORString& text, Order& order) noex
   return true;
 }
 
-// A literal has lost the quotes at its end, the closing one of a last text key among them: text that begins a path goes
-// on as if quotes followed. Of all paths at most one is the text and nothing but quotes.
+// A literal has lost the quotes at its end, also the closing quote of a last text key: a text that begins a path is
+// compared as if quotes followed. At most one path consists of the text and such quotes.
 Order pathOrder(std::string_view path, std::string_view text) noexcept {
   if (!path.starts_with(text)) return path <=> text;
   const std::size_t other = path.find_first_not_of('"', text.size());
@@ -82,7 +82,7 @@ Order valueOrder(const QORSmrPtr<IQoriValue>& a, const QORSmrPtr<IQoriValue>& b)
   return *a > *b ? Order::greater : Order::unordered;
 }
 
-// By class, then by the first property (in a's order) that differs; no value comes before any value.
+// By class, then by the first property (in a's order) that differs; a missing value comes before any value.
 Order objectOrder(const IQoriObject& a, const IQoriObject& b) {
   if (&a == &b) return Order::equivalent;
   Order order = a.getClassName().compareTo(b.getClassName(), 0) <=> 0;
@@ -122,7 +122,7 @@ QoriTruth relateArrays(QoriRelation relation, const IQoriValue& a, const IQoriVa
   return qori::truth(equalArrays(*a.getArray(), *b.getArray()) == (relation == QoriRelation::Equal));
 }
 
-// References, embedded objects; nothing else gets here.
+// References and embedded objects; no other type reaches this place.
 Order complexOrder(const IQoriValue& left, const IQoriValue& right) {
   const QORSmrPtr<IQoriInstanceName> a = left.getReference();
   const QORSmrPtr<IQoriInstanceName> b = right.getReference();

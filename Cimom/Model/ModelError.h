@@ -10,10 +10,10 @@ namespace model {
 // THROWS QoriBaseException: type "CIM_Value", who "CQoriValue", where the operation, code 0.
 [[noreturn]] void raiseValueError(const char* operation, const QORString& message);
 
-// The type as messages show it: its name, with "[]" behind it for an array.
+// The type as messages show it: its name, with "[]" after it for an array.
 QORString typeText(const IQoriType& type);
 
-// Keeps what nests in values from exhausting the stack: one lives in each
+// Bounds the recursion over nested values, which could exhaust the stack: one lives in each
 // activation that may recurse. THROWS as raiseValueError past the limit.
 class NestingGuard {
  public:

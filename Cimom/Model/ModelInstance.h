@@ -50,7 +50,7 @@ class ModelInstance final : public IQoriObject {
  private:
   friend class QORSmrPtr<IQoriObject>;
 
-  // REQUIRES room for the slots behind the object.
+  // REQUIRES room for the slots directly after the object.
   explicit ModelInstance(const QORSmrPtr<ModelShape>& shape) noexcept;
 
   ModelSlot* mutableSlots() noexcept { return reinterpret_cast<ModelSlot*>(this + 1); }
@@ -63,8 +63,8 @@ class ModelInstance final : public IQoriObject {
   QORuint64 _identity = 0;
   ModelNameCache _name;
   mutable std::atomic<QORuint32> _pathHash{0};  // 0: not worked out yet
-  QORuint32 _count : 31;                        // slots that live behind this object
-  QORuint32 _hasGivenName : 1;                  // in place of the name that the keys give
+  QORuint32 _count : 31;                        // slots in the memory directly after this object
+  QORuint32 _hasGivenName : 1;                  // which replaces the name that the keys give
 };
 
 #endif

@@ -28,7 +28,7 @@ std::vector<ModelLayout::Column> keptColumns(const ModelLayout& source, const st
 
 }  // namespace
 
-// The bit that tells the cases apart is dropped from every byte: cheaper than
+// The bit that distinguishes the cases is dropped from every byte: cheaper than
 // folding, and equal names still hash alike.
 std::size_t model::foldedHash(const QORString& name) noexcept {
   QORuint32 hash = 2166136261U;

@@ -12,12 +12,12 @@ namespace model {
 
 namespace {
 
-// Each level doubles the backslashes of the one inside.
+// Each level doubles the backslashes of the level inside it.
 constexpr int kMaximumDepth = 12;
 
 void appendObject(QORString& out, const IQoriObject& object, int depth);
 
-// The letter that stands for the byte behind a backslash; 0 when there is none.
+// The letter that stands for the byte in an escape; 0 when there is none.
 char escapeLetter(char c) noexcept {
   switch (c) {
     case '\b':

@@ -1,4 +1,4 @@
-// A load through the cache: take it when it is fresh, otherwise read the text
+// A load through the cache: use the cache when it is fresh, otherwise read the text
 // and record on the way what it declares.
 #include "Cimom/Mof/MofCache.h"
 

@@ -12,7 +12,7 @@
 // declares is kept there, and as long as every file that was read (includes
 // among them) and every folder is still the same, the next load takes it from
 // there. A cache that is missing, damaged, of another version, of other paths or
-// older than its sources is passed over and replaced as a whole, so that several
+// older than its sources is ignored and replaced as a whole, so that several
 // processes may share one. The outcome of a load does not depend on it.
 class MofCache {
  public:

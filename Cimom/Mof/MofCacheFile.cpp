@@ -33,7 +33,7 @@ std::uint64_t numberAt(std::string_view bytes, std::size_t offset, std::size_t c
   return number;
 }
 
-// A pipe would be waited for, and a device has no end.
+// Opening a pipe would block, and a device has no end.
 std::ifstream openPlainFile(const std::string& path) {
   std::error_code error;
   if (!fs::is_regular_file(path, error)) throw std::runtime_error("it is no plain file");
@@ -51,7 +51,7 @@ std::string readBytes(std::ifstream& in, std::size_t count) {
   return bytes;
 }
 
-// Whoever names a wrong file keeps what is in it; what began as a cache is replaced, damaged or not.
+// A file that is no cache is left alone: its name may be a mistake. A cache is replaced, damaged or not.
 void checkReplaceable(const std::string& path) {
   std::error_code error;
   if (!fs::exists(path, error)) return;
@@ -59,7 +59,7 @@ void checkReplaceable(const std::string& path) {
   if (!kName.starts_with(readBytes(in, kName.size()))) throw std::runtime_error("the file in its place is no cache");
 }
 
-// A name beside the file that no other writer takes.
+// A name in the same folder that no other writer uses.
 fs::path temporaryBeside(const fs::path& path) {
   std::random_device random;
   return fs::path(path.string() + '.' + std::to_string(random()) + ".new");

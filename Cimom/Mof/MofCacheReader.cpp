@@ -1,5 +1,5 @@
-// Checked once as a whole, the bytes are read in place. What they say is not
-// trusted any further than a MOF text: the sink checks every declaration.
+// Checked once as a whole, the bytes are read in place. Their content is not
+// trusted more than a MOF text is: the sink checks every declaration.
 #include "Cimom/Mof/MofCacheReader.h"
 
 #include <MofCacheFormat_generated.h>

@@ -30,7 +30,7 @@ void MofClasses::declareAll() {
   }
   for (const auto& syntax : _document.classes) {
     const Pending& first = _pending[keyOf(syntax->nameSpace, syntax->name.text)];
-    // A second declaration must equal the first one: the sink tells.
+    // A second declaration must equal the first one, which the sink checks.
     first.syntax == syntax.get() ? declareWithSuperClasses(*syntax) : declare(*syntax);
   }
   for (const auto& syntax : _document.classes) checkOverridingReferences(*syntax);
@@ -64,7 +64,7 @@ QORSmrPtr<IQoriObject> MofClasses::makeObject(const MofClassSyntax& syntax) {
   }
 }
 
-// Each fault where its feature stands; of several of one name it is the last.
+// Records each fault at the place of its feature; when several features have one name, at the last.
 void MofClasses::addFaults(const MofClassSyntax& syntax, const CimDeclarationRefusal& refusal) {
   for (const CimDeclarationFault& fault : refusal.getFaults()) {
     MofLocation at = syntax.name.at;
@@ -108,7 +108,7 @@ void MofClasses::declare(const MofClassSyntax& syntax) {
   CimClassDeclaration declaration;
   if (!hasSuperClass(syntax)) return _document.refuseClass(syntax.name.text);
   const bool isSound = build(syntax, declaration);
-  // What is at fault already is left out; the rest may break rules as well.
+  // Features with a recorded fault are left out; the others may break rules as well.
   if (!isSound) {
     std::erase_if(declaration.properties, [](const auto& property) { return property.type.IsNull(); });
     declaration.methods.clear();
@@ -116,7 +116,7 @@ void MofClasses::declare(const MofClassSyntax& syntax) {
   if (!submit(syntax, declaration, isSound)) _document.refuseClass(syntax.name.text);
 }
 
-// Declares the class or, when it is not sound, has it checked alone.
+// Declares the class; when it has faults already, only has it checked.
 bool MofClasses::submit(const MofClassSyntax& syntax, const CimClassDeclaration& declaration, bool isSound) {
   try {
     if (isSound) {

@@ -67,7 +67,7 @@ constexpr Field kInterval[] = {{0, 8, 0, 99999999, "its days are not 8 digits"},
                                {10, 2, 0, 59, "its minutes are not 00 to 59"},
                                {12, 2, 0, 59, "its seconds are not 00 to 59"}};
 
-// The first fault of the fields; asterisks must go on to the end once begun.
+// The first fault of the fields; after the first asterisk all digits must be asterisks.
 template <std::size_t N>
 const char* faultOfFields(std::string_view text, const Field (&fields)[N], int (&values)[N]) {
   bool isUnknown = false;

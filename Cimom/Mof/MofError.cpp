@@ -5,7 +5,7 @@
 
 namespace {
 
-// The blanks in front of the caret: tabs stay tabs, so that it stands where the
+// The blanks before the caret: tabs stay tabs, so that it stands where the
 // reader's terminal puts the fault.
 std::string indentation(const std::string& sourceLine, QORuint32 characters) {
   std::string blanks;

@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t kMaximumFileSize = 512U << 20U;  // a device has no end of its own
 constexpr const char* kTooLarge = "it is larger than 512 MB";
-// File systems count time in steps; a change within a step is not seen in it.
+// File systems count time in steps; a second change within one step leaves the time as it is.
 constexpr std::chrono::seconds kClockStep(2);
 
 QORsint64 countOf(fs::file_time_type time) { return static_cast<QORsint64>(time.time_since_epoch().count()); }
@@ -80,7 +80,7 @@ std::string readMofFile(const std::string& path, std::string& content) {
   errno = 0;
   std::ifstream in(path, std::ios::binary);
   if (!in) return errno == 0 ? "it cannot be opened" : std::generic_category().message(errno);
-  // The content decides: what is no plain file has no size, and a file may grow.
+  // The size of the content counts, not that of the file: a pipe has none, and a file may grow.
   const std::uintmax_t size = fs::file_size(path, error);
   if (!error && size > kMaximumFileSize) return kTooLarge;
   std::vector<char> chunk(std::size_t{1} << 16U);

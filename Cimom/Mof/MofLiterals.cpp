@@ -96,7 +96,7 @@ std::size_t readEscape(std::string_view rest, const MofLocation& at, QORuint32& 
   throw MofFault{at, "\"" + shown + "\" " + why};
 }
 
-// Splits off a prefix or suffix and tells the base that it stands for.
+// Splits off a prefix or suffix and returns the base that it stands for.
 int baseOf(std::string_view& digits) {
   if (digits.size() > 2 && digits[0] == '0' && (digits[1] == 'x' || digits[1] == 'X')) {
     digits.remove_prefix(2);

@@ -15,7 +15,7 @@ class PathReader {
 
   MofObjectPath read() {
     MofObjectPath path;
-    // Quotes and "=" start the values, which may hold any sign.
+    // Quotes and "=" begin the values, which may hold any character.
     const std::string_view prefix = _rest.substr(0, _rest.find_first_of("\"="));
     if (const std::size_t colon = prefix.rfind(':'); colon != std::string_view::npos) {
       path.nameSpace = localMofNameSpace(prefix.substr(0, colon));
@@ -76,7 +76,7 @@ class PathReader {
     return key;
   }
 
-  // A backslash stands before a sign that is meant as it is.
+  // A backslash escapes the character after it.
   QORString readQuoted() {
     std::string text;
     for (std::size_t i = 1; i < _rest.size(); ++i) {

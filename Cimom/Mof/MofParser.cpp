@@ -8,7 +8,7 @@
 
 MofParser::MofParser(const MofSource& source, MofDocument& document, MofReport& report, Context& context)
     : _source(source), _document(document), _report(report), _context(context), _scanner(source) {
-  // Nothing has been read yet, which is not the end.
+  // No token has been read yet; this is not the end of the text.
   _token.kind = Kind::Symbol;
 }
 
@@ -187,7 +187,7 @@ void MofParser::readPragma() {
   const std::string argument = readString();
   if (!isSymbol(')')) fail("\")\"");
   _pragma = std::string_view::npos;
-  // The include comes first: the next token belongs behind it.
+  // The included file is read first: the next token comes after its content.
   if (isMofWord(name.text.view(), "include")) _context.include(argument, at);
   if (isMofWord(name.text.view(), "namespace")) enterNameSpace(argument, at);
   advance();

@@ -13,7 +13,7 @@
 #include "Cimom/Mof/MofSyntax.h"
 
 // Reads one text into a document. A syntax fault refuses the declaration it is
-// in; reading goes on behind the next `;` that is outside braces, or at the
+// in; reading continues after the next `;` outside braces, or at the
 // next declaration that starts a line. Recursion follows the nesting of
 // instance values alone, and that is bounded. Belongs to one load; source,
 // document and report outlive it.
@@ -46,7 +46,7 @@ class MofParser {
 
   // Tokens.
   void step() noexcept;
-  // To the next token. THROWS MofFault when there is none.
+  // Moves to the next token. THROWS MofFault when there is none.
   void advance();
   bool isSymbol(char symbol) const noexcept { return _token.kind == Kind::Symbol && _token.symbol == symbol; }
   bool isWord(const char* word) const noexcept;
@@ -54,11 +54,11 @@ class MofParser {
   bool takeWord(const char* word);
   void expectSymbol(char symbol);
   void expectWord(const char* word);
-  // The `;` of a declaration; what follows it is no concern of the declaration.
+  // The `;` of a declaration; what follows it does not belong to the declaration.
   void endDeclaration();
   MofName expectName(const char* what);
   std::string_view textOf(const MofToken& token) const noexcept;
-  // The current token; at the end of the text the place behind the last one.
+  // The current token; at the end of the text, the place after the last one.
   MofLocation here() const noexcept { return {&_source, _token.kind == Kind::End ? _lastEnd : _token.offset}; }
   // Refuses the current token.
   [[noreturn]] void fail(const std::string& expected);
@@ -104,7 +104,7 @@ class MofParser {
   std::size_t _lastEnd = 0;                      // of the token before
   int _braces = 0;                               // those open in the current declaration
   std::size_t _pragma = std::string_view::npos;  // where the pragma that is being read starts
-  // A string over several lines in the current statement: after a fault it is
+  // A string over several lines in the current statement. After a fault it is
   // taken for one whose closing quote is missing.
   MofToken _longString;
   // The declaration being read, as far as it is known.

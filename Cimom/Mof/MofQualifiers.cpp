@@ -19,7 +19,7 @@ struct StandardQualifier {
   bool translatable;
 };
 
-// Those of the standard whose type or flavors differ from what a value tells;
+// Qualifiers of the standard whose type or flavors differ from what a value suggests;
 // a boolean without further flavors needs no row.
 constexpr StandardQualifier kStandard[] = {
     {"Abstract", "boolean", false, false, true, false},
@@ -65,7 +65,7 @@ const StandardQualifier* findStandard(const QORString& name) {
   return found == std::end(kStandard) ? nullptr : found;
 }
 
-// The type that a value shows by itself; a qualifier without value, or of NULL, is a flag.
+// The type that a value has by itself; a qualifier without a value, or with NULL, is a flag.
 const MofType* typeOfValue(const MofQualifierSyntax& syntax) {
   using Kind = MofValueSyntax::Kind;
   if (!syntax.hasValue) return findMofType("boolean");

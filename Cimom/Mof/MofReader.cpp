@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t kMaximumIncludeDepth = 64;
 
-// What makes a text no MOF at all; empty when nothing does.
+// Why a text cannot be MOF at all; empty when it may be.
 std::string faultOfText(std::string_view text) {
   const std::string_view mark = text.substr(0, 2);
   if (mark == "\xFF\xFE" || mark == "\xFE\xFF") return "the text is UTF-16; MOF is read as UTF-8";

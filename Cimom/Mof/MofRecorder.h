@@ -16,7 +16,7 @@ struct MofRecord {
   };
   // An embedded object as it was declared: one of the two.
   struct Object {
-    QORSmrPtr<IQoriObject> object;  // keeps its address taken
+    QORSmrPtr<IQoriObject> object;  // kept, so that no other object gets its address
     Entry<CimInstanceDeclaration> instance;
     Entry<CimClassDeclaration> definition;
     bool isClass = false;

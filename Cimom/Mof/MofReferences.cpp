@@ -11,7 +11,7 @@
 namespace {
 
 // A key that is a reference holds a path in quotes, which doubles the
-// backslashes of the paths inside: a chain of a few dozen fills any memory.
+// backslashes of the paths inside: a chain of a few dozen references would fill any memory.
 constexpr std::size_t kMaximumPathLength = 16384;
 
 std::string textOf(const QORString& text) { return std::string(text.view()); }
@@ -29,7 +29,7 @@ const MofPropertySyntax* findProperty(const std::vector<MofPropertySyntax>& prop
   return nullptr;
 }
 
-// The type that a key's value shows by itself.
+// The type that a key's value has by itself.
 const MofType& naturalType(const MofValueSyntax& value) {
   switch (value.kind) {
     case MofValueSyntax::Kind::Boolean:
@@ -135,7 +135,7 @@ QORSmrPtr<IQoriInstanceName> MofValues::nameOfPath(const MofValueSyntax& value, 
   const MofObjectPath path = readMofObjectPath(value.text, value.at);
   const bool isElsewhere = !path.nameSpace.isEmpty() && !path.nameSpace.isEqualCaseInsensitive(place.nameSpace);
   const QORString& nameSpace = isElsewhere ? path.nameSpace : place.nameSpace;
-  // Another namespace may be served by someone else.
+  // Another namespace may belong to another object manager.
   if (isElsewhere && _sink.findClass(nameSpace, path.className).IsNull()) return nameAsWritten(path);
   const MofClassShape& shape = requireShape(nameSpace, {path.className, value.at});
   for (const MofPropertySyntax& key : path.keys) {

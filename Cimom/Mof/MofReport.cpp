@@ -7,7 +7,7 @@
 void MofReport::add(const MofLocation& at, const std::string& message) {
   if (isFull()) return;
   MofDiagnostic diagnostic = at.source->diagnose(at.offset, message);
-  // The keys of an instance are read for each alias that is used before it.
+  // The keys of an instance are read once for each alias that is used before it, so a fault may be found twice.
   for (const MofDiagnostic& known : _faults) {
     const bool isSamePlace = known.line == diagnostic.line && known.column == diagnostic.column;
     if (isSamePlace && known.file == diagnostic.file && known.message == diagnostic.message) return;

@@ -9,12 +9,12 @@
 #include "Cimom/Mof/MofError.h"
 #include "Cimom/Mof/MofSource.h"
 
-// Belongs to one load. Past the limit further faults are dropped and whoever
-// reads on stops.
+// Belongs to one load. Past the limit further faults are dropped and the
+// load stops reading.
 class MofReport {
  public:
   void add(const MofLocation& at, const std::string& message);
-  // Nothing for a fault that has been recorded already.
+  // Does nothing for a fault that has been recorded already.
   void add(const MofFault& fault) {
     if (fault.at.source != nullptr) add(fault.at, fault.message);
   }

@@ -19,18 +19,18 @@ struct MofToken {
   const char* fault = nullptr;  // of a Bad token; null: the byte belongs to no token
 };
 
-// Goes over a text once, token by token. Comments and white space are passed
-// over; literals are delimited here and read by MofLiterals. Belongs to one
+// Reads a text once, token by token. Comments and white space are
+// skipped; literals are delimited here and read by MofLiterals. Belongs to one
 // parser; the source outlives it.
 class MofScanner {
  public:
   explicit MofScanner(const MofSource& source) : _source(source), _offset(source.getStart()) {}
 
-  // What is no token comes as Bad; the next call goes on behind it.
+  // Bytes that form no token are returned as Bad; the next call continues after them.
   MofToken next() noexcept;
   // The fault of a Bad token.
   MofFault faultOf(const MofToken& token) const;
-  // Goes on elsewhere in the text.
+  // Continues elsewhere in the text.
   void resumeAt(std::size_t offset) noexcept { _offset = offset; }
   // Where the line of `offset` ends.
   std::size_t lineEndAfter(std::size_t offset) const noexcept;
@@ -38,7 +38,7 @@ class MofScanner {
  private:
   std::string_view text() const noexcept { return _source.getText(); }
   char at(std::size_t offset) const noexcept { return offset < text().size() ? text()[offset] : '\0'; }
-  // False at a comment that does not end.
+  // Returns false at a comment that does not end.
   bool skipBlanks() noexcept;
   MofToken quoted(MofToken::Kind kind, char quote) noexcept;
   MofToken number() noexcept;

@@ -10,17 +10,17 @@
 
 class MofSource;
 
-// A place in a text. The text outlives it.
+// A place in a text. REQUIRES that the text outlives it.
 struct MofLocation {
   const MofSource* source = nullptr;
   std::size_t offset = 0;
 };
 
 // A text that is read; immutable. Line and column are counted when they are
-// asked for: only diagnostics want them.
+// asked for: only diagnostics need them.
 class MofSource {
  public:
-  // A file or the caller's text. A UTF-8 byte order mark is passed over.
+  // A file or the caller's text. A UTF-8 byte order mark is skipped.
   MofSource(std::string name, std::string text);
   // The text of an embedded instance: the value of the string at `origin`.
   MofSource(std::string text, MofLocation origin);
@@ -29,7 +29,7 @@ class MofSource {
 
   const std::string& getName() const noexcept { return _name; }
   std::string_view getText() const noexcept { return _text; }
-  // Where scanning starts: behind the byte order mark.
+  // Where scanning starts: after the byte order mark.
   std::size_t getStart() const noexcept { return _start; }
 
   // The fault at `offset` of this text. A fault in an embedded text is shown
@@ -43,8 +43,8 @@ class MofSource {
   MofLocation _origin;
 };
 
-// A fault on its way from where it is found to where it is recorded. Without a
-// source it has been recorded already, or follows from a fault that has.
+// A fault on its way from where it is found to where it is recorded. One without a
+// source has been recorded already, or follows from a fault that has.
 struct MofFault {
   MofLocation at;
   std::string message;

@@ -114,7 +114,7 @@ struct MofDocument {
   // over in silence, so that one fault gives one diagnostic.
   std::unordered_set<std::string> refusedClasses;
   std::unordered_set<std::string> refusedAliases;
-  // A file is missing: any unknown name may be its.
+  // A file is missing: it may declare any unknown name.
   bool isIncomplete = false;
 
   // Marks the class, and whatever depends on it, as refused.
@@ -128,7 +128,7 @@ struct MofDocument {
 // A name in the form in which names are compared.
 std::string foldMofName(const QORString& name);
 // The namespace in a path such as "root/cimv2", "/root/cimv2" or
-// "//./root/cimv2", whose host is passed over; empty when it is none.
+// "//./root/cimv2", whose host is skipped; empty when it is none.
 QORString localMofNameSpace(std::string_view path);
 // Whether a string and a word of the language are equal, ignoring case.
 bool isMofWord(std::string_view text, const char* word) noexcept;

@@ -38,7 +38,7 @@ IQoriValue::Pointer makeMofValue(const MofValueSyntax& value, const MofType& typ
 // The same for types that are neither reference nor object.
 IQoriValue::Pointer makeMofValue(const MofValueSyntax& value, const MofType& type, bool isArray, QORsint32 arraySize);
 
-// What a value is, for messages: "a string", "an array", ...
+// What kind of value it is, for messages: "a string", "an array", ...
 const char* describeMofValue(const MofValueSyntax& value) noexcept;
 [[noreturn]] void refuseMofKind(const MofValueSyntax& value, const QORString& wanted);
 

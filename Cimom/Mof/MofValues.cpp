@@ -125,7 +125,7 @@ IQoriValue::Pointer MofValues::makeObjectFromText(const MofValueSyntax& value, c
     if (object.definition != nullptr) return makeClassObject(*object.definition, place);
     return makeObject(*object.instance, place);
   } catch (const MofFault& fault) {
-    // Recorded here, while its text lives.
+    // Recorded here, while the text of the fault's place lives.
     _report.add(fault);
     throw MofFault{};
   }

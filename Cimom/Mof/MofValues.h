@@ -22,7 +22,7 @@ class MofValues {
   MofValues(CimDeclarationSink& sink, MofDocument& document, MofReport& report)
       : _sink(sink), _document(document), _report(report), _shapes(sink) {}
 
-  // What makes the objects of embedded classes; set before the first value is made.
+  // Makes the objects of embedded classes; set before the first value is made.
   using ClassMaker = std::function<QORSmrPtr<IQoriObject>(const MofClassSyntax&)>;
   void setClassMaker(ClassMaker maker) { _makeClass = std::move(maker); }
 
@@ -31,7 +31,7 @@ class MofValues {
   void importScope(QORuint32 into, QORuint32 from);
   // Makes the alias of an instance known. THROWS MofFault when its scope has it already.
   void defineAlias(const MofInstanceSyntax& instance);
-  // The instance of the alias has been stored under this name.
+  // To be called when the instance of the alias has been stored under this name.
   void resolveAlias(const MofInstanceSyntax& instance, const QORSmrPtr<IQoriInstanceName>& name);
 
   // The class of an instance. THROWS MofFault when it is unknown or can have no instances.
@@ -51,7 +51,7 @@ class MofValues {
     const MofInstanceSyntax* instance = nullptr;
     QORSmrPtr<IQoriInstanceName> name;  // null until it is known
     bool isOpen = false;                // its keys are being read
-    bool isRefused = false;             // its keys are at fault, which has been told
+    bool isRefused = false;             // its keys have faults, which have been reported
   };
   struct Scope {
     std::unordered_map<std::string, Alias> aliases;  // by folded name

@@ -1,4 +1,4 @@
-// The users and groups of the system's databases. The C library goes over them
+// The users and groups of the system's databases. The C library iterates over them
 // with one position for the whole process, hence the lock.
 #include "Cimom/Providers/LinuxAccounts.h"
 
@@ -24,8 +24,8 @@ std::mutex& databaseLock() {
 
 std::string textOf(const char* text) { return text == nullptr ? "" : text; }
 
-// A database that ends without an error. One of several that are asked may be
-// absent; where none has anything, the file that every system has tells why.
+// THROWS unless the databases were read to their end. One of several that are asked may be
+// absent; where none has an entry, the file that every system has gives the reason.
 void checkEnd(const char* what, const char* file, int error, bool isEmpty) {
   const bool isMissing = isEmpty && access(file, R_OK) != 0;
   if (isMissing) error = errno;
@@ -34,7 +34,7 @@ void checkEnd(const char* what, const char* file, int error, bool isEmpty) {
   throw CQoriProviderException("Linux accounts", QORString(what) + " cannot be read", kCimErrFailed);
 }
 
-// Closes a database however reading it ends.
+// Closes a database on every path.
 struct Closing {
   void (*close)();
   ~Closing() { close(); }

@@ -53,7 +53,7 @@ std::optional<QORuint64> numberIn(const char* text) {
   return error == std::errc() ? std::optional<QORuint64>(number) : std::nullopt;
 }
 
-// Hardware fills texts up with blanks.
+// Hardware pads texts with blanks.
 LinuxValue trimmed(const char* text) {
   std::string_view value(text == nullptr ? "" : text);
   value.remove_prefix(std::min(value.find_first_not_of(" \n"), value.size()));
@@ -159,7 +159,7 @@ constexpr LinuxProperty<Device> kProperties[] = {
   throw CQoriProviderException(LinuxBlockDevice::kClassName, "The block devices cannot be listed", kCimErrFailed);
 }
 
-// The library takes absent files for a machine without devices.
+// Where the kernel's files are absent, the library reports no devices instead of an error.
 void checkSources(const InstanceProvider::Request& request) {
   if (access("/sys/class", R_OK) != 0) raiseUnreadable(errno);
   const bool needsDatabase = request.needs("SerialNumber") || request.needs("FileSystemType") ||
@@ -189,7 +189,7 @@ void LinuxBlockDevice::enumerate(const Request& request, const Emit& emit) {
        entry = udev_list_entry_get_next(entry)) {
     const char* const path = udev_list_entry_get_name(entry);
     const Handle handle(udev_device_new_from_syspath(context.get(), path));
-    // Unplugged meanwhile.
+    // The device has been unplugged since it was listed.
     if (handle == nullptr) {
       logUnreadable(path, errno);
       continue;

@@ -29,7 +29,7 @@ struct Mount {
   const char* target() const { return mnt_fs_get_target(entry); }
 };
 
-// Asking about the point of an automatic mount would mount it; that stays undone.
+// Asking for the sizes of an automatic mount would mount it, so they are not asked for.
 bool fetchSizes(Mount& mount) {
   if (mount.isAsked) return mount.hasSizes;
   mount.isAsked = true;
@@ -40,7 +40,7 @@ bool fetchSizes(Mount& mount) {
   return mount.hasSizes;
 }
 
-// A size in blocks as bytes; null when the sizes cannot be had.
+// A size in blocks as bytes; null when the sizes are not available.
 template <class Blocks>
 LinuxValue bytes(Mount& mount, Blocks blocks) {
   return fetchSizes(mount) ? uint64Value(QORuint64{blocks(mount.sizes)} * mount.sizes.f_frsize) : LinuxValue();
@@ -64,7 +64,7 @@ LinuxValue readAvailable(Mount& mount) {
 LinuxValue readUsed(Mount& mount) {
   return bytes(mount, [](const struct statvfs& sizes) { return sizes.f_blocks - sizes.f_bfree; });
 }
-// Of what users may use: blocks reserved for the superuser count neither as used nor as available.
+// Of the space that users may use: blocks reserved for the superuser count neither as used nor as available.
 LinuxValue readPercentUsed(Mount& mount) {
   if (!fetchSizes(mount)) return {};
   const double used = static_cast<double>(mount.sizes.f_blocks - mount.sizes.f_bfree);

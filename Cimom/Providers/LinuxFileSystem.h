@@ -11,8 +11,8 @@
 
 // One instance per mount point, in the order of mounting; of several mounts on
 // one point the last, which is the one that can be seen. Sizes are asked for
-// only when the request names one, since a lost network server can make that
-// wait. Stateless; several threads may enumerate at once.
+// only when the request names one, since asking an unreachable network server can
+// block. Stateless; several threads may enumerate at once.
 class LinuxFileSystem : public InstanceProvider {
  public:
   static const char* const kClassName;

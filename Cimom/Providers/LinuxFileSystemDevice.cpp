@@ -1,5 +1,5 @@
-// File systems and their block devices. The kernel tells the number of the
-// device; a file system over several devices has a number of its own, then the
+// File systems and their block devices. The kernel gives the number of the
+// device; a file system over several devices has a number of its own: then the
 // device that was mounted counts.
 #include "Cimom/Providers/LinuxFileSystemDevice.h"
 

@@ -1,4 +1,4 @@
-// Ports on which programs wait.
+// Ports on which programs listen.
 #include "Cimom/Providers/LinuxListeningPort.h"
 
 #include "Cimom/Providers/LinuxProperty.h"

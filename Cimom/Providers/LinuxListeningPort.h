@@ -1,4 +1,4 @@
-// The ports on which programs wait: class Linux_ListeningPort.
+// The ports on which programs listen: class Linux_ListeningPort.
 #ifndef QORQL_PROVIDERS_LINUXLISTENINGPORT_H
 #define QORQL_PROVIDERS_LINUXLISTENINGPORT_H
 

@@ -37,7 +37,7 @@ struct Port {
   unsigned flags = 0;
 };
 
-// The kernel's file of that name about the interface, without its line end; empty when it has none to give.
+// The content of the kernel's file of that name for the interface, without its line end; empty when there is none.
 std::string kernelText(const Port& port, const char* file) {
   std::string text = readSmallFile("/sys/class/net/" + port.name + "/" + file);
   while (!text.empty() && text.back() == '\n') text.pop_back();
@@ -46,7 +46,7 @@ std::string kernelText(const Port& port, const char* file) {
 
 std::optional<QORuint64> kernelNumber(const Port& port, const char* file) {
   const QORString text(kernelText(port, file));
-  // An interface that is down tells a speed of -1.
+  // An interface that is down reports a speed of -1.
   if (!text.isNumeric() || text[0] == '-') return std::nullopt;
   return text.atoui64();
 }
@@ -122,7 +122,8 @@ constexpr LinuxProperty<Port> kProperties[] = {
     {"SystemName", readSystemName},
 };
 
-// What getifaddrs tells is there without them.
+// Logs where the kernel's files are missing and properties read from them are asked for; the others come from
+// getifaddrs.
 void checkKernelFiles(const InstanceProvider::Request& request) {
   constexpr const char* kFolder = "/sys/class/net";
   constexpr const char* kRead[] = {"PermanentAddress",

@@ -30,7 +30,7 @@ constexpr QORuint32 kCimErrFailed = 1;
 struct Sample {
   const pids_result* item = nullptr;  // the property's own item
   int pid = 0;
-  bool hasEnded = false;  // found out while reading it
+  bool hasEnded = false;  // noticed while reading it
   std::map<unsigned, std::string> userNames{};
   std::string ioCounters{};  // of the process `ioPid`
   int ioPid = 0;
@@ -118,7 +118,7 @@ void noteFailure(Sample& sample, const std::string& path, int error) {
   if (!isGone) sample.unreadable.note(path, error);
 }
 
-// Null for a kernel thread and where the permission lacks.
+// Null for a kernel thread and where the caller lacks the permission.
 LinuxValue readExecutable(Sample& sample) {
   std::array<char, 4096> target;
   const std::string path = sample.path("exe");

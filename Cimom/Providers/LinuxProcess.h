@@ -11,8 +11,8 @@
 // One instance per process, in ascending order of the kernel's process table.
 // Stateless; several threads may enumerate at once. Reads from the kernel only
 // what the request names. libproc2 keeps some 256 KiB for each thread that has
-// enumerated and never gives them back, also not when the thread ends: a
-// program of many short-lived threads asks from one that lives on.
+// enumerated and never frees them, not even when the thread ends: a
+// program with many short-lived threads should enumerate on a thread that stays.
 class LinuxProcess : public InstanceProvider {
  public:
   static const char* const kClassName;

@@ -1,4 +1,4 @@
-// Processes and the ports on which they wait.
+// Processes and the ports on which they listen.
 #include "Cimom/Providers/LinuxProcessPort.h"
 
 #include "Cimom/Providers/LinuxProperty.h"

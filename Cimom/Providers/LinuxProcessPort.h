@@ -1,4 +1,4 @@
-// On which ports a process waits: association Linux_ProcessPort.
+// On which ports a process listens: association Linux_ProcessPort.
 #ifndef QORQL_PROVIDERS_LINUXPROCESSPORT_H
 #define QORQL_PROVIDERS_LINUXPROCESSPORT_H
 

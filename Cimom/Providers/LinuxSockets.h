@@ -1,4 +1,4 @@
-// Sockets that wait for somebody, and the processes that hold them.
+// Sockets that listen, and the processes that hold them.
 #ifndef QORQL_PROVIDERS_LINUXSOCKETS_H
 #define QORQL_PROVIDERS_LINUXSOCKETS_H
 
@@ -12,7 +12,7 @@
 #include "cmpbase.h"
 
 struct LinuxSocket {
-  std::string name;  // "tcp:0.0.0.0:22", "udp:[::]:53"; the second of one address has "#" and its inode behind it
+  std::string name;  // "tcp:0.0.0.0:22", "udp:[::]:53"; a second one of the same address ends with "#" and its inode
   const char* protocol = "";  // "tcp", "udp"
   bool isVersion6 = false;
   std::string address;
@@ -21,15 +21,15 @@ struct LinuxSocket {
   QORuint64 inode = 0;
 };
 
-// A table of the kernel's: adds those of its sockets that wait; lines that are
-// none are passed over.
+// Reads a table of the kernel: adds those of its sockets that listen; lines that are
+// no entries are skipped.
 void parseSocketTable(std::string_view table, const char* protocol, bool isVersion6, std::vector<LinuxSocket>& out);
 // Those of TCP and UDP, in the order of the kernel's tables. THROWS
 // CQoriProviderException when there is no table.
 std::vector<LinuxSocket> readWaitingSockets();
 
 // The processes that hold each of the sockets, in ascending order, by inode.
-// Processes that the caller may not look into are left out, which the log tells.
+// Processes that the caller may not inspect are left out, which is logged.
 std::unordered_map<QORuint64, std::vector<int>> readSocketHolders(const std::vector<LinuxSocket>& sockets);
 
 #endif

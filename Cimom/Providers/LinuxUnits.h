@@ -37,9 +37,9 @@ class LinuxUnits {
   // are only mentioned by others. THROWS CQoriProviderException when it does not
   // answer, and (kNoSource) where it does not run.
   std::vector<Unit> services();
-  // 0 when it has none or does not tell, which the log then shows.
+  // 0 when it has none or when systemd does not tell, which is logged.
   QORuint32 mainProcess(const Unit& unit);
-  // "enabled", "disabled", "static", ...; empty when it has none or does not tell.
+  // "enabled", "disabled", "static", ...; empty when it has none or when systemd does not tell.
   std::string fileState(const Unit& unit);
 
  private:

@@ -31,7 +31,7 @@ LinuxValue dateTimeValue(QORsint64 secondsSinceEpoch, QORsint64 microseconds);
 
 // The node's name in the network.
 std::string hostName();
-// The content of a small file such as those of /proc; empty when it cannot be read, errno then tells why.
+// The content of a small file such as those of /proc; empty when it cannot be read; errno then has the reason.
 std::string readSmallFile(const std::string& path);
 // When the kernel was started, in microseconds since the epoch. Fixed at the
 // first call, so that times counted from it are equal each time they are asked
@@ -53,7 +53,7 @@ class UnreadableParts {
   ~UnreadableParts();
 
   void note(const std::string& what, int error);
-  // They made no difference.
+  // The parts that failed made no difference to the answer.
   void forget() noexcept { _count = 0; }
 
  private:
