@@ -27,7 +27,7 @@ class AllocationFaults {
     Pause& operator=(const Pause&) = delete;
     ~Pause() { exchangeArmed(_wasArmed); }
 
-    // Runs the action as if this pause were not.
+    // Runs the action with the pause suspended.
     template <class Action>
     void interrupt(Action action) {
       struct Again {

@@ -1,5 +1,5 @@
 // The operations of CIMApi as this program has them. The library's own are
-// found behind them by their linker names.
+// found by their linker names.
 #include "ClientInterposer.h"
 
 #include <dlfcn.h>

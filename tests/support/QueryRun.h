@@ -1,5 +1,5 @@
 // A small object manager made from MOF text, and queries run on it in either
-// execution mode with everything that shows on record.
+// execution mode, with everything visible recorded.
 #ifndef QORQL_TESTS_QUERYRUN_H
 #define QORQL_TESTS_QUERYRUN_H
 

@@ -20,9 +20,9 @@ class ClassFamily {
   bool has(const QORString& className, const QORString& property) const {
     return !holderOf(className, property).isEmpty();
   }
-  // The first of them that has it, the class itself before those below it; empty when none has.
+  // The first of these classes that has it, the class itself before those below it; empty when none has.
   QORString holderOf(const QORString& className, const QORString& property) const;
-  // The nearest property of the class; empty when none is near.
+  // The property of the class with the most similar name; empty when none is similar.
   std::string nearestProperty(const QORString& className, std::string_view property) const;
   std::string nearestClass(std::string_view name) const;
 

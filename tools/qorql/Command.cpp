@@ -28,7 +28,7 @@ constexpr Command kCommands[] = {
     {"pages", "Print the manual page or the completion for a shell", declarePagesCommand},
 };
 
-// Behind an option's name only what stands there, not what is checked of it.
+// In the help only the option's name and type, not the range that is checked.
 class HelpFormatter : public CLI::Formatter {
   std::string make_option_opts(const CLI::Option* option) const override {
     if (option->get_items_expected_max() == 0) return {};

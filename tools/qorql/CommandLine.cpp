@@ -39,7 +39,7 @@ std::size_t firstPositional(const Arguments& arguments) {
   while (i < arguments.size()) {
     const std::string_view argument = arguments[i];
     if (argument.size() < 2 || argument.front() != '-') break;
-    if (argument == "--") return arguments.size();  // what follows is meant as it is
+    if (argument == "--") return arguments.size();  // what follows is no option
     i += takesNext(argument) ? 2 : 1;
   }
   return std::min(i, arguments.size());
@@ -54,7 +54,7 @@ const Command& takeCommand(Arguments& arguments) {
   return *named;
 }
 
-// The library's words, but for flags that were given a value.
+// The library's message, except for flags that were given a value.
 std::string messageOf(const CLI::App& app, const CLI::ParseError& error) {
   for (const CLI::Option* option : app.get_options()) {
     for (const std::string& name : option->get_lnames()) {

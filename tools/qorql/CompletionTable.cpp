@@ -18,7 +18,7 @@ std::vector<std::string> formNames() {
   return names;
 }
 
-// What stands for a value in the help tells what the value is.
+// The word for a value in the help tells what the value is.
 Candidates candidatesOf(const std::string& type) {
   if (type == "FORM") return {CandidateKind::Word, type, formNames()};
   if (type == "LEVEL") return {CandidateKind::Word, type, logLevelNames()};

@@ -1,4 +1,4 @@
-// What a shell may offer behind the program's name: commands, options and values. The completions of all shells are
+// What a shell may offer after the program's name: commands, options and values. The completions of all shells are
 // printed from this one table, which is made from what the commands declare.
 #ifndef QORQL_TOOL_COMPLETIONTABLE_H
 #define QORQL_TOOL_COMPLETIONTABLE_H

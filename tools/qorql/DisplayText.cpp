@@ -11,12 +11,12 @@ struct CodeRange {
   char32_t first;
   char32_t last;
 };
-// Marks that take no column of their own.
+// Combining marks, which take no column.
 constexpr CodeRange kZeroWidth[] = {
     {0x0300, 0x036F}, {0x0483, 0x0489}, {0x0591, 0x05BD}, {0x0610, 0x061A}, {0x064B, 0x065F}, {0x0900, 0x0902},
     {0x0E34, 0x0E3A}, {0x0E47, 0x0E4E}, {0x1AB0, 0x1AFF}, {0x1DC0, 0x1DFF}, {0x200B, 0x200F}, {0x202A, 0x202E},
     {0x2060, 0x2064}, {0x20D0, 0x20FF}, {0xFE00, 0xFE0F}, {0xFE20, 0xFE2F}, {0xFEFF, 0xFEFF}, {0xE0100, 0xE01EF}};
-// Signs that take two columns.
+// Characters that take two columns.
 constexpr CodeRange kDoubleWidth[] = {{0x1100, 0x115F},   {0x231A, 0x231B},   {0x2E80, 0x303E},   {0x3041, 0x33FF},
                                       {0x3400, 0x4DBF},   {0x4E00, 0x9FFF},   {0xA000, 0xA4CF},   {0xA960, 0xA97C},
                                       {0xAC00, 0xD7A3},   {0xF900, 0xFAFF},   {0xFE30, 0xFE6F},   {0xFF00, 0xFF60},
@@ -28,10 +28,10 @@ bool isIn(const CodeRange (&ranges)[N], char32_t code) {
   return std::any_of(ranges, ranges + N, [code](const CodeRange& r) { return r.first <= code && code <= r.last; });
 }
 
-// Stands for a byte that begins no character, added to it.
+// Added to a byte that begins no character, to tell it from characters.
 constexpr char32_t kStrayByte = 0xDC00;
 
-// The character at the front, taken off; a byte that begins none counts as one.
+// Takes the character at the front off the text; a byte that begins none counts as one.
 char32_t takeCharacter(std::string_view& text) {
   const unsigned char lead = static_cast<unsigned char>(text.front());
   const std::size_t length = lead < 0x80   ? 1

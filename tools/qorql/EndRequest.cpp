@@ -1,4 +1,4 @@
-// The signals are blocked but while waiting, so that nothing else is interrupted.
+// The signals are blocked except while waiting, so that nothing else is interrupted.
 #include "EndRequest.h"
 
 #include <poll.h>

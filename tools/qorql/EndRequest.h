@@ -1,4 +1,4 @@
-// Waiting that a signal, or a reader who goes away, ends.
+// Waiting that ends early at a signal, or when the reader of the output has gone.
 #ifndef QORQL_TOOL_ENDREQUEST_H
 #define QORQL_TOOL_ENDREQUEST_H
 
@@ -6,7 +6,7 @@
 
 #include <chrono>
 
-// While it lives, SIGINT and SIGTERM do not end the process but the waiting;
+// While it lives, SIGINT and SIGTERM end the waiting instead of the process;
 // one that arrives in between ends the next. One at a time, on the main thread.
 class EndRequest {
  public:

@@ -14,14 +14,14 @@
 // `qorql: error: <message> (line N, CIM status S)`; the line counts in the
 // whole text that the statement is part of. On a terminal the statement's line
 // follows, with a caret under the offset, or else under the name that the message quotes.
-// A hint that is not empty stands behind all that.
+// A hint that is not empty comes last.
 int reportFailure(const Statement& statement, std::optional<std::size_t> faultOffset = std::nullopt,
                   const std::string& hint = {}) noexcept;
 // `qorql: error: <message>`: of MOF, configuration or the live classes.
 int reportStartFailure() noexcept;
 
-// `qorql: error: <message>`: what is asked for cannot be had. Returns the exit
-// status; there is no exception behind it.
+// `qorql: error: <message>`: what is asked for is not available. Returns the exit
+// status. To be called without an exception.
 int reportRefusal(const std::string& message) noexcept;
 
 #endif

@@ -14,7 +14,7 @@ class FilterFile {
   explicit FilterFile(FilterSession& session) : _session(session) {}
 
   // Reads and validates the filters; blank lines are left out. False when one is
-  // not valid, or is refused for its warnings: each has been told on standard
+  // not valid, or is refused for its warnings: each has been reported on standard
   // error with its line. THROWS std::runtime_error for a file that cannot be read.
   bool read(const std::string& path);
   // The numbers of the lines whose filters match, joined by commas.

@@ -23,7 +23,7 @@ bool isExponent(std::string_view word) {
          word.substr(1).find_first_not_of("0123456789") == std::string_view::npos;
 }
 
-// As the scanner types it: a whole number behind a minus is signed.
+// As the scanner types it: a whole number after a minus is signed.
 QoriScalar numberOf(const std::string& digits, bool isNegative) {
   QoriScalar number;
   if (digits.find('.') != std::string::npos) {

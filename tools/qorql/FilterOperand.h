@@ -18,8 +18,8 @@ struct FilterOperand {
   std::string written;     // the reference as a whole
   std::size_t piece = 0;   // where it begins
   bool isArray = false;    // and not one element of it
-  bool isAsked = false;    // behind ANY or EVERY
-  bool isSigned = false;   // of a signed whole type, or a whole literal behind a minus
+  bool isAsked = false;    // after ANY or EVERY
+  bool isSigned = false;   // of a signed whole type, or a whole literal after a minus
   QoriScalar number{};     // a literal number; of kind Null for anything else
   bool saysTruth = false;  // the literal TRUE or FALSE, with or without quotes
 };

@@ -9,7 +9,7 @@
 struct FilterOptions {
   SessionOptions session;
   std::string language = "DMTF:CQL";
-  bool isStrict = false;  // a filter that would be warned of is refused
+  bool isStrict = false;  // a filter with warnings is refused
 };
 
 // BORROWS the options until the command line has been parsed.

@@ -1,4 +1,4 @@
-// A reference is walked name by name; the class that holds the next one may be unknown on the way.
+// A reference is followed name by name; the class that holds the next name may become unknown.
 #include "FilterPathCheck.h"
 
 #include "FilterOperand.h"
@@ -49,7 +49,7 @@ class FilterPathCheck::Walk {
     add(scope() + " is no class of FROM: a scope is not looked at here", _path.scope);
   }
 
-  // A schema need not be complete; but a name that is nearly a class is hardly meant.
+  // A schema need not be complete, but a name that is almost that of a class is probably a mistake.
   bool enterScope() {
     _holder = scope();
     if (!_check._family.find(QORString(_holder)).IsNull()) return true;
@@ -62,7 +62,7 @@ class FilterPathCheck::Walk {
     add(scope() + " is no class of " + std::string(_check._nameSpace.view()) + ": " + consequence, _path.scope);
   }
 
-  // The class of the objects that a property holds becomes the next holder. False: nothing more can be said.
+  // The class of the objects that a property holds becomes the next holder. Returns false when nothing more is known.
   bool enter(std::size_t index, bool isRoot) {
     const std::string name = nameAt(index);
     CimPropertyDeclaration declared;

@@ -9,7 +9,7 @@
 #include "ClassFamily.h"
 #include "StatementText.h"
 
-// Validation looks at no name behind the first one: this does, as far as a class
+// Validation checks no name after the first one; this does, as far as a class
 // is known by FROM, by a scope, by ISA or by the property's declaration.
 // BORROWS manager and text.
 class FilterPathCheck {

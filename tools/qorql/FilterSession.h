@@ -23,7 +23,7 @@ class FilterSession {
   explicit FilterSession(const FilterOptions& options) : _options(options), _session(options.session) {}
 
   // Opens the session and adds the classes of indications that it lacks. Live
-  // classes that find no room are told of as Session::open says. THROWS
+  // classes that do not fit are reported as by Session::open. THROWS
   // QoriBaseException as that.
   void open(Session::LeftOut leftOut = Session::LeftOut::TellWhenNamed);
 

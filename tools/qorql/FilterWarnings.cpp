@@ -14,7 +14,7 @@ namespace {
 
 using Kind = FilterOperand::Kind;
 
-// A person reads no more of them, and each costs a look at the schema and at the text before it.
+// Nobody reads more of them, and each costs a look at the schema and at the text before it.
 constexpr std::size_t kMaximumWarnings = 20;
 constexpr std::size_t kLongest = 400;
 

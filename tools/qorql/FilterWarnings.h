@@ -10,7 +10,7 @@
 #include "FilterOperand.h"
 #include "StatementText.h"
 
-// A filter may be valid and yet never match: names behind a dot, classes behind
+// A filter may be valid and yet never match: names after a dot, classes behind
 // ISA and the types of what it compares are not checked by its validation.
 // BORROWS all it is given.
 class FilterWarnings {

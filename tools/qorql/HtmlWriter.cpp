@@ -85,7 +85,7 @@ tbody tr:hover td { background: var(--hover); }
 )html";
 
 // Sorting by a click (up, down, as it came; nulls last), and on a narrow screen a
-// card for each row. It keeps clear of the signs that XML reserves.
+// card for each row. The script avoids the characters that XML reserves.
 constexpr const char* kPageEnd = R"html(<script>
 document.querySelectorAll("table").forEach(function (table) {
   var heads = Array.from(table.querySelectorAll("th"));

@@ -1,4 +1,4 @@
-// Superclasses are declared before their subclasses, so what one lacks is known when the other comes.
+// Superclasses are declared before their subclasses, so what a superclass lacks is known when its subclasses come.
 #include "IndicationSink.h"
 
 namespace {
@@ -18,7 +18,7 @@ void IndicationSink::declareClass(const QORString& nameSpace, const CimClassDecl
   LinuxSchemaSink::declareClass(nameSpace, whole);
 }
 
-// Of a class that is not there, what it would inherit from a fuller superclass.
+// What a class that is not declared would inherit from a fuller superclass.
 IndicationSink::Properties IndicationSink::lackingFrom(const QORString& nameSpace,
                                                        const CimClassDeclaration& declaration) const {
   const auto above = _lacking.find(folded(declaration.superClass));

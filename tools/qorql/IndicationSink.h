@@ -8,8 +8,8 @@
 
 #include "Cimom/Providers/LinuxProviders.h"
 
-// A class that is there already stays as it is. What it lacks of the common
-// one, its common subclasses that are new have themselves: a short CIM_Indication
+// A class that is declared already stays as it is. Properties of the common class
+// that it lacks are declared by its new common subclasses: a short CIM_Indication
 // does not take PerceivedSeverity from CIM_AlertIndication. BORROWS the sink.
 class IndicationSink : public LinuxSchemaSink {
  public:

@@ -19,7 +19,7 @@ extern "C" void countInterrupt(int /*signal*/) {
 
 }  // namespace
 
-// Calls that wait are not taken up again: the line editor gets back from its wait.
+// Blocking calls are not restarted, so that the line editor returns from its wait.
 Interrupt::Interrupt() : _before{} {
   struct sigaction action {};
   action.sa_handler = countInterrupt;

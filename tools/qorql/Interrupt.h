@@ -9,8 +9,8 @@ struct Interrupted {};
 
 class Interrupt {
  public:
-  // While it lives, SIGINT is noted and not deadly. The third one that nobody
-  // takes notice of ends the program.
+  // While it lives, SIGINT is noted and does not end the program. A third one that
+  // nobody has reacted to ends it.
   Interrupt();
   Interrupt(const Interrupt&) = delete;
   Interrupt& operator=(const Interrupt&) = delete;

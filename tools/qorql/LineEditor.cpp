@@ -28,8 +28,8 @@ struct FileCloser {
   void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-// While it lives, SIGINT comes only where the editor waits for a character: one
-// that came between its look at the request and its wait would be forgotten.
+// While it lives, SIGINT is delivered only while the editor waits for a character: one
+// that came after its look at the request and before its wait would be lost.
 class HeldInterrupt {
  public:
   HeldInterrupt() : _before{} {
@@ -46,7 +46,7 @@ class HeldInterrupt {
   sigset_t _before;
 };
 
-// False when Ctrl-C came.
+// Returns false when Ctrl-C came.
 bool waitForByte() {
   sigset_t open;
   pthread_sigmask(SIG_SETMASK, nullptr, &open);
@@ -126,7 +126,7 @@ struct LineEditor::Terminal {
   unsigned char complete() const;
 };
 
-// One word is written out, of several what they have in common; when that adds
+// A single word is inserted as a whole, of several what they have in common; when that adds
 // nothing they are listed.
 unsigned char LineEditor::Terminal::complete() const {
   const LineInfo* const info = el_line(editor);

@@ -12,7 +12,7 @@
 namespace {
 
 constexpr const char* kSource = "live classes";
-// More names than these are counted.
+// Further names are only counted.
 constexpr std::size_t kMaximumNames = 5;
 
 class FittingClasses {
@@ -92,7 +92,7 @@ class FittingClasses {
   CimDeclarationSink& _sink;
   const QORString& _nameSpace;
   std::vector<std::string> _leftOut;
-  std::string _reason;  // why the first of them is
+  std::string _reason;  // why the first of them is left out
 };
 
 LeftOutClasses declareWhatFits(EmbeddedObjectManager& manager, const QORString& nameSpace) {

@@ -13,8 +13,8 @@ struct LeftOutClasses {
 };
 
 // Declares the live classes and registers their providers. Classes that exist
-// are left as they are, so that a fuller CIM schema takes the place of the short
-// one; live classes that do not fit to those, and what depends on them, are left
+// are left as they are, so that a fuller CIM schema replaces the short
+// one; live classes that do not fit those, and what depends on them, are left
 // out and returned.
 LeftOutClasses addLiveClasses(EmbeddedObjectManager& manager, const QORString& nameSpace);
 

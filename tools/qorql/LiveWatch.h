@@ -10,7 +10,7 @@
 #include "InstanceChanges.h"
 #include "StatementText.h"
 
-// Looks at those live classes whose changes the filter can match: those that
+// Watches the live classes whose changes the filter can match: those that
 // each `SourceInstance ISA Class` of it allows. BORROWS the object manager and
 // the statement, which is valid.
 class LiveWatch {
@@ -26,8 +26,8 @@ class LiveWatch {
   // Whether the filter asks for an indication that changes make.
   bool asksForChanges() const;
 
-  // The first look, that the next one is compared with. A class without its
-  // source on this machine is reported and no more looked at, unless it is the
+  // Reads the instances to which the next look is compared. A class without its
+  // source on this machine is reported and no longer watched, unless it is the
   // only one. THROWS what a provider throws.
   void start(const Report& report);
   // Looks again and hands over the indications that match, in the order of the

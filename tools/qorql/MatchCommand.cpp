@@ -67,7 +67,7 @@ void decide(const CQLQueryStatement& filter, const Instances& instances, bool is
   }
 }
 
-// All are read before the first is decided: a file with a fault decides nothing.
+// All instances are read before the first is matched: with a fault in a file, none is.
 std::vector<Instances> readAll(FilterSession& session, const std::vector<std::string>& paths) {
   std::vector<Instances> files;
   for (const std::string& path : paths) files.push_back(readInstances(session, path));
@@ -126,7 +126,7 @@ CommandAction declareMatchCommand(CLI::App& app) {
     const bool areMany = !options->filters.empty();
     if (areMany && options->isWhy) refuseBoth("--why", "--filters");
     if (!areMany && !options->text) refuseWithout("FILTER");
-    // What stands in the filter's place is a file then.
+    // Then the argument in the filter's place is a file.
     if (areMany && options->text) options->files.insert(options->files.begin(), *options->text);
     if (options->files.empty()) options->files.emplace_back(kStandardInput);
     return runMatch(*options);

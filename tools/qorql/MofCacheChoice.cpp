@@ -8,7 +8,7 @@
 
 namespace {
 
-// Less is read in a few milliseconds.
+// Less MOF than this is read in a few milliseconds.
 constexpr QORuint64 kLeastBytes = 256U << 10U;
 
 // Empty when the environment names none. A path that is not absolute does not count.

@@ -81,7 +81,7 @@ std::optional<std::vector<std::size_t>> MofWriter::keyColumnsOf(const QORString&
   return columns;
 }
 
-// A join brings an object more than once, which does not load.
+// A join may show an object more than once, but a path loads only once.
 bool MofWriter::isNewInstance(const ResultRow& row) {
   if (row.className().isEmpty()) return false;
   auto known = _keyColumns.find(row.className());

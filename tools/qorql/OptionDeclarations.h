@@ -1,5 +1,5 @@
-// What the commands use to declare their options and arguments. The library of the command line stands behind it,
-// in one source: it is all headers, and each source that includes them compiles the whole library.
+// What the commands use to declare their options and arguments. One source implements it with the command-line library:
+// that library is all headers, and each source that includes them compiles the whole of it.
 #ifndef QORQL_TOOL_OPTIONDECLARATIONS_H
 #define QORQL_TOOL_OPTIONDECLARATIONS_H
 

@@ -15,8 +15,8 @@ class App;
 struct OutputOptions {
   std::optional<OutputForm> form;  // none: the statement's FORMAT clause, else a table
   bool hasStatistics = false;
-  bool hasWarnings = false;  // where the language surprises, although standard error is no terminal
-  bool isStrict = false;     // a statement that would be warned of is refused
+  bool hasWarnings = false;  // warnings where the language surprises, also without a terminal
+  bool isStrict = false;     // a statement with warnings is refused
 };
 
 // The forms by their names.

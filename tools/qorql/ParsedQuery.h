@@ -19,13 +19,13 @@ class ParsedQuery {
   ParsedQuery(const ParsedQuery&) = delete;
   ParsedQuery& operator=(const ParsedQuery&) = delete;
 
-  // THROWS what the engine throws. What the scanner says goes to no stream.
+  // THROWS what the engine throws. The messages of the scanner are collected, not printed.
   void parse(const std::string& nameSpace);
 
   // REQUIRES that parse has succeeded.
   QORQL_Query& query() const { return *_query; }
   QORQL_SymbolTable& symbols() { return _symbols; }
-  // What the scanner passed over until the end or the fault, a printable sentence each.
+  // What the scanner skipped until the end or the fault, a printable sentence each.
   const std::vector<std::string>& passedOver() const noexcept { return _passedOver; }
   // Where in the text parsing stopped; empty unless it failed at a token.
   std::optional<std::size_t> faultOffset() const { return _faultOffset; }

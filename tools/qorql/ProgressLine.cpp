@@ -1,4 +1,4 @@
-// A sign of life on the terminal while something takes long.
+// A line on the terminal that shows progress while something takes long.
 #include "ProgressLine.h"
 
 #include <chrono>

@@ -1,4 +1,4 @@
-// A sign of life on the terminal while something takes long.
+// A line on the terminal that shows progress while something takes long.
 #ifndef QORQL_TOOL_PROGRESSLINE_H
 #define QORQL_TOOL_PROGRESSLINE_H
 
@@ -8,8 +8,8 @@
 
 #include "Activity.h"
 
-// While it lives: from the second second on, a line on standard error that
-// counts the seconds and names the activity; wiped out at the end. Does nothing
+// While it lives, and after the first second: a line on standard error that
+// counts the seconds and names the activity; erased at the end. Does nothing
 // unless it is wanted and standard error is a terminal. BORROWS the activity.
 class ProgressLine {
  public:

@@ -41,7 +41,7 @@ struct QueryOptions {
   std::string file;                  // empty: none
 };
 
-// A query given on the command line is run even when it is blank: the engine then says what it misses.
+// A query on the command line is run even when it is blank: the engine then reports what is missing.
 std::vector<Statement> readStatements(const QueryOptions& options) {
   if (options.query) {
     std::vector<Statement> statements = splitStatements(*options.query);
@@ -72,7 +72,7 @@ int runOne(const Statement& statement, QueryRunner& runner, Session& session) {
   return kExitDone;
 }
 
-// All statements before the first of them runs: a script is done or left alone.
+// All statements are checked before the first of them runs, so that a script runs as a whole or not at all.
 int checkStrictly(const std::vector<Statement>& statements, QueryRunner& runner) {
   int status = kExitDone;
   for (const Statement& statement : statements) {

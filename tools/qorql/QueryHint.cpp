@@ -11,7 +11,7 @@
 
 namespace {
 
-// Of a row's object; what stands for %s goes on with the class.
+// About a row's object; the argument in place of %s contains the class as well.
 constexpr const char* kPropertyMissing = "A non-existent property - '%s'";
 constexpr std::string_view kOfClass = "' was requested from class - '";
 
@@ -65,7 +65,7 @@ std::optional<MissingProperty> missingPropertyOf(const QORString& message) {
                          QORString(rest.view().substr(place + kOfClass.size()))};
 }
 
-// That a class lacks a property is what the error says already.
+// The error already says that the class lacks the property.
 std::string hintOfName(const std::string& description) {
   const bool isKnown = description.find(" is no property of ") != std::string::npos;
   return isKnown && description.find("did you mean") == std::string::npos ? std::string() : description;
@@ -132,7 +132,7 @@ std::string hintOfSql(const StatementText& text, std::size_t offset) {
   return "an alias stands behind AS: " + std::string(pieces[at - 1].text) + " AS " + std::string(pieces[at].text);
 }
 
-// Half an association, where paths are to be compared or the other half is missing.
+// One half of an association: either paths should be compared, or the other half is missing.
 std::string hintOfAssociation(const StatementText& text, const QORString& message) {
   const bool isHalf = message.view() == QORQL_Messages::kAssociationAndExpected.text ||
                       message.view() == QORQL_Messages::kAssociationInvalid.text;
@@ -143,7 +143,7 @@ std::string hintOfAssociation(const StatementText& text, const QORString& messag
              : "an association is written with both its ends side by side: Link = a AND Link = b";
 }
 
-// Who mistypes a command has it taken for a statement.
+// A mistyped command is taken for a statement of one word.
 std::string hintOfCommand(const StatementText& text, const std::vector<std::string>& commands) {
   if (text.pieces().size() != 1) return {};
   Suggestion suggestion(text.pieces().front().text);

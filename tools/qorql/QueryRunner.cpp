@@ -53,7 +53,7 @@ void writeRows(QORQL_ResultReader& reader, ResultWriter& writer, const std::ostr
 
 }  // namespace
 
-// One statement on its way.
+// One statement while it is run.
 struct QueryRunner::Execution {
   explicit Execution(const Statement& given) : statement(given.text), parsed(given) {}
 
@@ -126,7 +126,7 @@ std::vector<std::string> QueryRunner::warningsOf(Execution& execution) const {
   return warnings;
 }
 
-// A result that ends early says nothing else of what is wrong, so its hint is no matter of --warnings.
+// A result that ends early shows no other sign of what is wrong, so its hint is printed without --warnings.
 std::string QueryRunner::hint(const Statement& statement, const std::vector<std::string>& commands) const {
   if (!isWarning() && (_options.isQuiet || !_hasEndedEarly)) return {};
   return hintOfFailure(_session.manager(), _options.nameSpace, statement, _faultOffset, commands);

@@ -23,7 +23,7 @@ class QueryRunner {
   // THROWS what the engine and the providers throw; Interrupted, or
   // QORQL_StoppedException, after an Interrupt.
   void run(const Statement& statement);
-  // For --strict: parses a statement and reports what it would be warned of as errors, behind what `place` says. THROWS
+  // For --strict: parses a statement and reports its warnings as errors, after the text `place`. THROWS
   // what parsing throws.
   bool isFreeOfWarnings(const Statement& statement, const std::string& place = "");
   // Where in the text of the last statement parsing failed; empty for other faults.

@@ -1,4 +1,4 @@
-// Watches a statement: where it is, how long each step takes, and whether it shall stop.
+// Watches a statement: where it is, how long each step takes, and whether it should stop.
 #include "RunMonitor.h"
 
 #include <string>

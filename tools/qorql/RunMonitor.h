@@ -1,4 +1,4 @@
-// Watches a statement: where it is, how long each step takes, and whether it shall stop.
+// Watches a statement: where it is, how long each step takes, and whether it should stop.
 #ifndef QORQL_TOOL_RUNMONITOR_H
 #define QORQL_TOOL_RUNMONITOR_H
 

@@ -1,4 +1,4 @@
-// What the scanner says on standard output, kept away from it.
+// What the scanner prints on standard output, collected instead.
 #include "ScannerOutput.h"
 
 #include <algorithm>
@@ -12,7 +12,7 @@
 
 namespace {
 
-// More characters and strings than these are counted, not told.
+// Further characters and strings are counted, not described.
 constexpr std::size_t kMostTold = 20;
 
 bool isKnown(char c) {
@@ -21,13 +21,13 @@ bool isKnown(char c) {
   return isAlphanumeric || kBlanksAndSigns.find(c) != std::string_view::npos;
 }
 
-// Finds in a text what the scanner passes over: it says which bytes, and not where they stand.
+// Finds in a text what the scanner skips: it says which bytes, and not where they stand.
 class PassedOver {
  public:
   explicit PassedOver(const Statement& scanned)
       : _text(scanned.text), _places(scanned.text, scanned.firstLine, scanned.firstColumn) {}
 
-  // As many as the scanner came by before it stopped, which a fault may have made early.
+  // As many as the scanner met before it stopped, perhaps early at a fault.
   std::vector<std::string> sentences(std::size_t unknownBytes, std::size_t openStrings) {
     for (std::size_t at = 0; at < _text.size();) {
       if (_text[at] == '\'' && skipString(at)) continue;
@@ -44,7 +44,8 @@ class PassedOver {
   }
 
  private:
-  // Over a string, or to the end of its line where it has none. False for a quote behind which neither comes.
+  // Skips a string, or the rest of its line when it does not end. Returns false for a quote that is followed by
+  // neither.
   bool skipString(std::size_t& at) {
     const std::size_t end = _text.find_first_of("'\n", at + 1);
     if (end == std::string_view::npos) return false;

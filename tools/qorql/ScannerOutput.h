@@ -1,4 +1,4 @@
-// What the scanner says on standard output, kept away from it.
+// What the scanner prints on standard output, collected instead.
 #ifndef QORQL_TOOL_SCANNEROUTPUT_H
 #define QORQL_TOOL_SCANNEROUTPUT_H
 
@@ -10,8 +10,8 @@
 #include "Statements.h"
 
 // While it lives, what is written to std::cout and to stdout is collected: the
-// scanner repeats characters that it does not know on the one and complains of
-// strings without end on the other. One at a time, on one thread.
+// scanner prints unknown characters to the first and complaints about
+// unterminated strings to the second. One at a time, on one thread.
 class ScannerOutput {
  public:
   ScannerOutput();
@@ -19,8 +19,8 @@ class ScannerOutput {
   ScannerOutput& operator=(const ScannerOutput&) = delete;
   ~ScannerOutput();
 
-  // What was passed over of the text that was scanned meanwhile, a printable
-  // sentence each: the unknown characters, with their places, and strings without end.
+  // What was skipped of the text that was scanned since then, a printable
+  // sentence each: the unknown characters, with their places, and unterminated strings.
   std::vector<std::string> passedOver(const Statement& scanned) const;
 
  private:

@@ -13,7 +13,7 @@
 
 namespace {
 
-// More warnings of one statement than this are counted, not printed.
+// Further warnings of one statement are counted, not printed.
 constexpr std::size_t kMaximumWarnings = 20;
 
 const char* severityName(QORuint32 severity) {
@@ -74,7 +74,7 @@ void Session::open(const char* commonMof, LeftOut leftOut) {
   printWarnings();
 }
 
-// A namespace that is asked for by name, and that none of the MOF files speaks of, is misspelt. Without MOF files the
+// A namespace that is asked for by name, and that none of the MOF files mentions, is misspelt. Without MOF files the
 // live classes or the common ones are declared wherever they are asked for.
 void Session::requireNamespace(bool hasCommonMof) const {
   const QORString asked(_options.nameSpace);
@@ -111,7 +111,7 @@ void Session::loadMof(EmbeddedObjectManager& manager) const {
 }
 
 // A failed load has stored nothing, so the files can be read again. Of two
-// refusals the shorter one tells what is wrong.
+// refusals the shorter one names the cause.
 void Session::loadMofOver(const char* commonMof, const MofException& alone) {
   const QORString nameSpace(_options.nameSpace);
   try {
@@ -123,7 +123,7 @@ void Session::loadMofOver(const char* commonMof, const MofException& alone) {
   }
 }
 
-// After the MOF files, so that a fuller CIM schema among them takes the place of
+// After the MOF files, so that a fuller CIM schema among them replaces
 // the short one.
 void Session::addLiveClasses(EmbeddedObjectManager& manager) {
   _leftOut = ::addLiveClasses(manager, QORString(_options.nameSpace));
@@ -154,7 +154,7 @@ void Session::loadMore(const std::string& path, const std::string& nameSpace) {
       openAnew({path, nameSpace});
     } catch (const QoriBaseException&) {
       dropWarnings();
-      std::rethrow_exception(refusal);  // what is wrong is wrong beside the live classes too
+      std::rethrow_exception(refusal);  // the live classes are not the cause
     }
   }
   _more.push_back({path, nameSpace});

@@ -23,18 +23,18 @@ class Session {
 
   // Reads configuration and MOF and adds the live classes. MOF files may build on
   // the classes of `commonMof`, which are there before them when they do. Live
-  // classes that find no room are told of at once, or when they are named. THROWS
+  // classes that do not fit are reported at once, or when they are named. THROWS
   // QoriBaseException when one of them fails, or nothing is declared in the namespace.
   enum class LeftOut { TellAtOnce, TellWhenNamed };
   void open(const char* commonMof = nullptr, LeftOut leftOut = LeftOut::TellAtOnce);
-  // The warning about live classes that found no room, once, if this is one of them.
+  // The warning about live classes that did not fit, once, if this is one of them.
   void tellOfLeftOut(std::string_view className);
 
   // Until loadMore() is called the next time.
   EmbeddedObjectManager& manager() { return *_manager; }
 
-  // Loads MOF into an open session. Where it leaves no room for live classes,
-  // as a full CIM schema does, all is loaded anew, the live classes last.
+  // Loads MOF into an open session. Where live classes do not fit beside it,
+  // as a full CIM schema does, all is loaded again, the live classes last.
   // THROWS QoriBaseException; then everything is as it was.
   void loadMore(const std::string& path, const std::string& nameSpace);
 
@@ -65,7 +65,7 @@ class Session {
   std::unique_ptr<EmbeddedObjectManager> _manager;
   std::vector<MorePath> _more;
   LeftOut _leftOutPolicy = LeftOut::TellAtOnce;
-  LeftOutClasses _leftOut;  // that are still to be told of
+  LeftOutClasses _leftOut;  // that are still to be reported
   std::vector<std::string> _warnings;
   std::set<std::string> _told;  // by printNewWarnings
 };

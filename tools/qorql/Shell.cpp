@@ -60,7 +60,7 @@ bool Shell::takeLine(const std::string& line) {
   return true;
 }
 
-// Statements that have ended run; what is behind the last of them stays.
+// Runs the statements that have ended; the text after the last of them stays.
 void Shell::runPending() {
   const std::size_t end = endOfStatements(_pending);
   if (end == 0) return;

@@ -15,7 +15,7 @@
 #include "Statements.h"
 
 // Runs statements, each ended by ";", over as many lines as they take, and dot
-// commands, a line each. An error is reported and the shell goes on; Ctrl-C stops
+// commands, a line each. An error is reported and the shell continues; Ctrl-C stops
 // a statement that runs, or drops what was typed. BORROWS everything that it is
 // made from; dot commands change the options.
 class Shell {
@@ -26,7 +26,7 @@ class Shell {
   int run();
 
  private:
-  // False to quit.
+  // Returns false to quit.
   bool takeLine(const std::string& line);
   void runPending();
   void runStatement(const Statement& statement);

@@ -98,7 +98,7 @@ void explain(Argument query, ShellState& state) {
   if (query.empty()) complain(".explain needs a statement");
 }
 
-// Without argument the other way round.
+// Without an argument the setting is toggled.
 void toggle(Argument argument, const char* what, bool& isOn) {
   if (!argument.empty() && argument != "on" && argument != "off") {
     complain("'" + argument + "' is none of off, on");
@@ -166,7 +166,7 @@ void complainOfUnknown(const std::string& name) {
   complain("there is no command " + name + (best.empty() ? "" : ", did you mean " + best + "?") + "; .help lists them");
 }
 
-// Files and folders that a path may go on with.
+// Files and folders with which a path may continue.
 std::vector<std::string> pathsFrom(const std::string& typed) {
   namespace fs = std::filesystem;
   const std::size_t slash = typed.rfind('/');

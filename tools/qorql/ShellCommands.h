@@ -22,7 +22,7 @@ struct ShellState {
 // Whether a line, without blanks around it, is a command: it begins with a dot,
 // or is one of the words help, quit and exit alone.
 bool isShellCommand(std::string_view line);
-// Runs it; what is wrong with it is reported. False to quit. REQUIRES isShellCommand.
+// Runs it and reports what is wrong with it. Returns false to quit. REQUIRES isShellCommand.
 bool runShellCommand(const std::string& line, ShellState& state);
 // ".help" and so on.
 std::vector<std::string> shellCommandNames();

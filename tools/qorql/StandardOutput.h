@@ -5,7 +5,7 @@
 #include <array>
 #include <streambuf>
 
-// The buffer behind std::cout while this object lives. After a write has
+// The buffer of std::cout while this object lives. After a write has
 // failed everything further is dropped.
 class StandardOutput : public std::streambuf {
  public:

@@ -19,7 +19,7 @@ std::string upper(std::string_view text) {
   return result;
 }
 
-// Names as they are, signs one by one, text literals as a quote; keywords are told by their capitals.
+// Names as they are, signs one by one, text literals as a quote, keywords in capitals.
 struct Words {
   std::vector<std::string> words;
   bool isInLiteral = false;  // the text ends inside one
@@ -76,7 +76,7 @@ class Completer {
   Completer(const EmbeddedObjectManager& manager, const std::string& nameSpace, std::vector<FromName> from)
       : _manager(manager), _nameSpace(nameSpace), _from(std::move(from)) {}
 
-  // What may stand behind these words.
+  // What may follow these words.
   std::vector<std::string> next(const std::vector<std::string>& before) const {
     const std::string last = before.empty() ? "" : upper(before.back());
     if (last == "." && before.size() > 1) return propertiesOf(before[before.size() - 2]);
@@ -148,7 +148,7 @@ bool isKeyword(const std::string& word) {
   return std::all_of(word.begin(), word.end(), [](char c) { return (c >= 'A' && c <= 'Z') || c == '('; });
 }
 
-// A keyword that was begun in small letters goes on in them.
+// A keyword that was begun in small letters is completed in them.
 void followCase(std::vector<std::string>& words, std::string_view typed) {
   const bool isSmall = !typed.empty() && std::islower(static_cast<unsigned char>(typed.front())) != 0;
   if (!isSmall) return;

@@ -9,8 +9,8 @@
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "LineEditor.h"
 
-// Completes the word that ends at `cursor`: class names behind FROM and ISA,
-// properties behind a class or alias and a dot, and elsewhere the keywords of
+// Completes the word that ends at `cursor`: class names after FROM and ISA,
+// properties after a class or alias and a dot, and elsewhere the keywords of
 // the clause, the functions, and the properties, classes and aliases of FROM,
 // wherever in the text FROM stands. Nothing inside a text literal. Keywords come
 // in the case that the word was begun in. `start` counts in the text.

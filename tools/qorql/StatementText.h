@@ -35,7 +35,7 @@ class StatementText {
   const std::vector<Source>& sources() const noexcept { return _sources; }
   // The class of a FROM name in any case; empty when it is none.
   std::string classOf(std::string_view name) const;
-  // The class of which WHERE says, with ISA, that the property's object is one; empty when it says nothing.
+  // The class that WHERE requires of the property's object with ISA; empty when it requires none.
   std::string isaClassOf(std::string_view property) const;
 
   // Whether a piece is this word or sign, ignoring case. False outside the pieces.
@@ -48,7 +48,7 @@ class StatementText {
   // first one of that name; kNowhere when there is none.
   std::size_t findReference(std::string_view name) const noexcept;
   std::size_t findWord(std::string_view name) const noexcept;
-  // Where the pieces of the FROM clause begin and where those behind it do.
+  // Where the pieces of the FROM clause begin, and where those after it do.
   std::size_t fromPiece() const noexcept { return _from; }
   std::size_t behindFrom() const noexcept { return _behindFrom; }
 

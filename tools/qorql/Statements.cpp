@@ -26,7 +26,7 @@ Extent findExtent(std::string_view text, std::size_t from) {
   return extent;
 }
 
-// A place that moves on over the text.
+// A place that moves forward through the text.
 struct Place {
   QORuint32 line = 1;
   QORuint32 column = 1;

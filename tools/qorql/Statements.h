@@ -20,7 +20,7 @@ struct Statement {
 // around them removed. A semicolon inside a string literal does not count: a
 // literal begins at a single quote and ends at the next one in the same line.
 std::vector<Statement> splitStatements(std::string_view text);
-// The end of the last statement that a semicolon ends, behind it; 0 when there is none.
+// The place after the last semicolon that ends a statement; 0 when there is none.
 std::size_t endOfStatements(std::string_view text);
 
 // The content of a file or of standard input with CR LF line ends turned into

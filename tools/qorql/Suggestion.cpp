@@ -6,7 +6,7 @@
 
 namespace {
 
-// Names that are longer than any class or property has are not compared.
+// Names longer than those of any class or property are not compared.
 constexpr std::size_t kLongestName = 255;
 
 char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }

@@ -1,4 +1,4 @@
-// What somebody may have meant who wrote a name that does not exist.
+// Which name may have been meant by one that does not exist.
 #ifndef QORQL_TOOL_SUGGESTION_H
 #define QORQL_TOOL_SUGGESTION_H
 

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::size_t kLongest = 400;
 
-// Behind SELECT, FIRST n or a comma; between two operands it multiplies.
+// A star after SELECT, FIRST n or a comma stands for all columns; between two operands it multiplies.
 bool isBareStar(const StatementText& text, std::size_t piece) {
   if (!text.is(piece, "*") || piece == 0) return false;
   if (text.is(piece - 1, "SELECT") || text.is(piece - 1, ",")) return true;

@@ -10,13 +10,13 @@
 
 class ParsedQuery;
 
-// All that a statement is warned of before it runs, a printable sentence each. REQUIRES a parsed query.
+// All warnings about a statement before it runs, a printable sentence each. REQUIRES a parsed query.
 std::vector<std::string> findWarnings(EmbeddedObjectManager& manager, const std::string& nameSpace,
                                       ParsedQuery& parsed);
 // For a statement whose result is the engine's stream: that the rows of a bare * are empty in it; else nothing.
 std::string emptyRowsWarning(const std::string& statement);
 
-// Parses and prints on standard error what the scanner passed over, unless quiet: also before a fault that it may be
+// Parses, and unless quiet prints on standard error what the scanner skipped, also before a fault that this may be
 // the cause of. THROWS what parsing throws.
 void parseWithWarnings(ParsedQuery& parsed, const std::string& nameSpace, bool isQuiet);
 

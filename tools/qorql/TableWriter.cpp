@@ -1,6 +1,6 @@
 // The columns are as wide as their widest text; where that is wider than the
 // terminal, the widest columns are cut to one width, as great as fits. Columns
-// that are cut to less than a few letters tell nothing: then the rows become cards.
+// that are cut to a few letters are useless: then the rows become cards.
 #include "TableWriter.h"
 
 #include <algorithm>
@@ -9,21 +9,21 @@
 #include "DisplayText.h"
 
 struct TableWriter::Frame {
-  const char* left;  // before a line's first column; the others stand between and behind
+  const char* left;  // before a line's first column; the others stand between columns and after the last
   const char* between;
   const char* right;
   const char* dash;
-  const char* cut;  // behind a text that is cut
+  const char* cut;  // after a text that is cut
   const char* top[3];
   const char* middle[3];
   const char* bottom[3];
-  bool fillsLast;  // blanks behind a text in the last column
+  bool fillsLast;  // blanks after a text in the last column
 };
 
 namespace {
 
 constexpr std::size_t kNarrowestColumn = 4;
-// A table stands where columns of this width fit; rows are cards where they do not.
+// Rows are a table where columns of this width fit, and cards where they do not.
 constexpr std::size_t kReadableColumn = 6;
 constexpr std::size_t kCardGap = 2;  // between a card's names and their values
 

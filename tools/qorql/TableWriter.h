@@ -6,7 +6,7 @@
 #include "Terminal.h"
 
 // Aligned columns under their names; numbers to the right. NULL reads NULL.
-// Characters that would break a line or speak to the terminal are shown as \n,
+// Characters that would break a line or control the terminal are shown as \n,
 // \t or \x1B. An empty line stands between two results. Keeps the texts of one
 // result until it ends.
 //

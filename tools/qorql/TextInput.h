@@ -5,7 +5,7 @@
 #include <string>
 
 // The whole content. Both throw std::runtime_error, naming the file, for what cannot be read to its end and for more
-// than 512 MB: a device has no end of its own.
+// than 512 MB, since a device such as /dev/zero never ends.
 std::string readTextFile(const std::string& path);
 std::string readStandardInput();
 

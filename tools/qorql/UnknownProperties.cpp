@@ -1,4 +1,4 @@
-// For each class of FROM: what is asked of it, less what its classes declare.
+// For each class of FROM: the properties that are asked of it, without those that its classes declare.
 #include "UnknownProperties.h"
 
 #include <set>

@@ -142,7 +142,7 @@ int runWatch(const WatchOptions& options) {
   }
 }
 
-// 0 where the text is no number.
+// Returns 0 where the text is no number.
 double parseSeconds(const std::string& given) noexcept {
   double seconds = 0;
   const char* const end = given.data() + given.size();

@@ -10,7 +10,7 @@
 
 namespace {
 
-// A reader that has seen enough and closed the pipe is no failure.
+// When the reader has closed the pipe, that is no failure.
 int closeOutput(StandardOutput& output, int status) {
   const int error = output.close();
   if (error == 0 || error == EPIPE) return status;
@@ -21,7 +21,7 @@ int closeOutput(StandardOutput& output, int status) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  // A pipe without a reader and a file that may grow no more are told by the write that fails.
+  // A pipe without a reader and a file that has reached its greatest size are noticed by the write that fails.
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
   StandardOutput output;
