@@ -1,7 +1,12 @@
-// What the command line says about the form of results.
+// The choice of a form, and of its writer.
 #include "OutputOptions.h"
 
+#include "CsvWriter.h"
+#include "HtmlWriter.h"
+#include "JsonWriter.h"
+#include "MofWriter.h"
 #include "OptionDeclarations.h"
+#include "TableWriter.h"
 
 const std::map<std::string, OutputForm>& outputForms() {
   static const std::map<std::string, OutputForm> forms = {
@@ -21,4 +26,23 @@ void declareOutputOptions(CLI::App& app, OutputOptions& options) {
   declareFlag(app, "--stats", options.hasStatistics, "Print counts and times of each statement to standard error");
   declareFlag(app, "--warnings", options.hasWarnings, "Warn where the language surprises, as on a terminal");
   declareFlag(app, "--strict", options.isStrict, "Refuse statements that would be warned of; nothing is run then");
+}
+
+std::unique_ptr<ResultWriter> makeResultWriter(OutputForm form, std::ostream& out, const KeysOfClass& keysOf) {
+  switch (form) {
+    case OutputForm::Csv:
+      return std::make_unique<CsvWriter>(out);
+    case OutputForm::Json:
+      return std::make_unique<JsonWriter>(out, JsonWriter::Style::Array);
+    case OutputForm::JsonLines:
+      return std::make_unique<JsonWriter>(out, JsonWriter::Style::Lines);
+    case OutputForm::Html:
+      return std::make_unique<HtmlWriter>(out);
+    case OutputForm::Mof:
+      return std::make_unique<MofWriter>(out, keysOf);
+    case OutputForm::Table:
+    case OutputForm::Xml:
+      break;
+  }
+  return std::make_unique<TableWriter>(out);
 }

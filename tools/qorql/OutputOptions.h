@@ -1,8 +1,10 @@
-// What the command line says about the form of results.
+// What the command line says about the form of results, and the writers of these forms.
 #ifndef QORQL_TOOL_OUTPUTOPTIONS_H
 #define QORQL_TOOL_OUTPUTOPTIONS_H
 
+#include <iosfwd>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -24,5 +26,8 @@ const std::map<std::string, OutputForm>& outputForms();
 
 // BORROWS the options until the command line has been parsed.
 void declareOutputOptions(CLI::App& app, OutputOptions& options);
+
+// REQUIRES a form other than Xml, which the engine writes itself. BORROWS the stream.
+std::unique_ptr<ResultWriter> makeResultWriter(OutputForm form, std::ostream& out, const KeysOfClass& keysOf);
 
 #endif

@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <functional>
 #include <iosfwd>
-#include <memory>
 #include <span>
 #include <string>
 #include <vector>
@@ -65,8 +64,5 @@ class ResultWriter {
 
 // The names of a class's key properties.
 using KeysOfClass = std::function<std::vector<std::string>(const QORString& className)>;
-
-// REQUIRES a form other than Xml, which the engine writes itself.
-std::unique_ptr<ResultWriter> makeResultWriter(OutputForm form, std::ostream& out, const KeysOfClass& keysOf);
 
 #endif
