@@ -10,16 +10,16 @@
 #include "cmpbase.h"
 
 // Says which of thousands of filters match an instance, as if each were asked,
-// without asking each: a filter hangs on the value that one of its conditions
-// demands, and only those whose value the instance has are asked.
+// without asking each: a filter is filed under the value that one of its conditions
+// demands, and only the filters whose value the instance has are asked.
 //
 // Threads: any number may call match() while others add and remove. A match
 // takes no lock of the set's, and sees the set as it was at one moment; the class
 // repository, which is asked for superclasses, may have locks of its own. add()
-// and remove() wait for each other alone. The set is destroyed when nobody uses it.
+// and remove() wait for each other only. REQUIRES that nobody uses the set when it is destroyed.
 class CQLFilterSet {
  public:
-  // A number by which the caller knows a filter.
+  // The number by which the caller identifies a filter.
   using Handle = QORuint64;
   using Statement = QORSmrPtr<CQLQueryStatement>;
 
@@ -33,7 +33,7 @@ class CQLFilterSet {
   // CQLQueryStatement::isMatch for a statement that was not validated, or was
   // refused; code 3 for a null one. Some microseconds, whatever the size of the set.
   bool add(Handle handle, const Statement& statement);
-  // Takes a filter out; false when there is none. A match that runs meanwhile may
+  // Removes a filter; false when there is none. A match that runs at the same time may
   // still ask it. Some microseconds.
   bool remove(Handle handle);
   // How many filters there are.
@@ -43,10 +43,10 @@ class CQLFilterSet {
   // order in which they were added. `handles` is emptied first. THROWS
   // CQLQueryException as CQLQueryStatement::isMatch (code 3 for a null instance, 4 for
   // a null namespace or a repository that fails). Grows with the filters that
-  // match and those that nearly do, hardly with the others.
+  // match and those that nearly do, hardly with the number of the others.
   void match(const QORSmrPtr<IQoriObject>& instance, const QORString& nameSpace, std::vector<Handle>& handles) const;
 
-  // What the set is made of; of no use outside.
+  // The implementation.
   struct State;
 
  private:

@@ -27,7 +27,7 @@ class QORQL_Arithmetic : public QORQL_Evaluatable {
   QORQL_Operator getOperator() const noexcept { return _operator; }
   // BORROWS: the left operand as a QORQL_Term; null when it is none.
   QORQL_Term* getTermCasted() const noexcept;
-  // BORROWS: the factor that it consists of; null when there is anything around it.
+  // BORROWS: the only factor of the expression; null when it has operators, too.
   const QORQL_Factor* loneFactor() const noexcept;
 
   QORSmrPtr<IQoriValue> evaluate(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataRow>& row) override;

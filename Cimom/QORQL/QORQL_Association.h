@@ -1,4 +1,4 @@
-// An association condition: joins source instances to those that an
+// An association condition: joins source instances to the destinations that an
 // association class ties to them.
 #ifndef QORQL_ASSOCIATION_H
 #define QORQL_ASSOCIATION_H

@@ -118,8 +118,8 @@ QORQL_AssociationPlan QORQL_planAssociations(const QORSmrPtr<QORQL_Evaluatable>&
   if (!plan.hasAssociation) return plan;
   statement.walkEntries(selectList);
   statement.walk(sortKey);
-  // One that is a column is judged by its references, which nothing else may name: whichever operand of OR reads it,
-  // and whether it is enumerated or an end of another association.
+  // An association class that is a column is evaluated by its references, which need not be named anywhere: it comes
+  // whole whichever operand of OR reads it, and whether it is enumerated or an end of another association.
   for (const QORQL_Association* const each : statement.associations()) {
     plan.wholeClasses.push_back(each->getAssociationName());
   }

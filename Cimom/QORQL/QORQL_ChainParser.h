@@ -1,5 +1,6 @@
 // The parsing of chains: operands and operators are read in a loop, and each
 // node becomes the right operand of the one before it.
+// Tested by tests/unit/QORQL/ParserLimitsTest.cpp.
 #ifndef QORQL_CHAINPARSER_H
 #define QORQL_CHAINPARSER_H
 
@@ -11,7 +12,7 @@
 #include "Cimom/QORQL/QORQL_Operator.h"
 #include "cmpbase.h"
 
-// What has been read of a chain. Its operation stays out of line: parsing nests,
+// The part of a chain that has been read. append() is not inlined: parsing nests,
 // and every frame on the way down should be small.
 template <class Node>
 class QORQL_ChainParts {
@@ -29,7 +30,7 @@ class QORQL_ChainParts {
 };
 
 // Operand { operator Operand }. Always makes a node. The operand is read by the
-// parse routine of the level below; an operator's token is told by operatorOf,
+// parse routine of the level below; operatorOf gives the operator of a token,
 // whose QORQL_OperatorNONE ends the chain.
 template <class Node, auto parseOperand, auto operatorOf>
 QORSmrPtr<QORQL_Evaluatable> QORQL_parseChain(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,

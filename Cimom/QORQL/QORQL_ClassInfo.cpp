@@ -3,7 +3,7 @@
 // A select list may name thousands of properties of one class. Up to
 // kScannedNames the list is searched as it is; beyond, an index of folded names
 // is kept beside it, which catches up with names that were appended through the
-// shared list and is made anew, four times as wide, when it fills.
+// shared list and is rebuilt, four times as wide, when it is full.
 #include "Cimom/QORQL/QORQL_ClassInfo.h"
 
 #include <utility>

@@ -37,7 +37,7 @@ class QORQL_Comparison : public QORQL_Evaluatable {
   // Null when there is no right operand.
   const QORSmrPtr<QORQL_Evaluatable>& getRHSArithmeticExpression() const noexcept { return _arithmetic2; }
   QORQL_Operator getOperator() const noexcept { return _operator; }
-  // BORROWS: the factor that it consists of; null when there is anything around it.
+  // BORROWS: the only factor of the comparison; null when it has operators, too.
   const QORQL_Factor* loneFactor() const noexcept;
   QORQL_JoinType getJoinType() const noexcept;
   bool isArrayComp() const noexcept { return eArrayComp != ArrayCompNone; }
@@ -48,7 +48,7 @@ class QORQL_Comparison : public QORQL_Evaluatable {
 
   QORSmrPtr<IQoriValue> evaluate(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataRow>& row) override;
   using QORQL_Evaluatable::evaluate;
-  // With the namespace of the query, which ISA needs; empty: that of the object on the left.
+  // With the namespace of the query, which ISA needs; when empty, ISA takes that of the object on the left.
   QORSmrPtr<IQoriValue> evaluate(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataRow>& row,
                                  const QORString& nameSpace);
   void accept(QORSmrPtr<QORQL_ExpressionVisitor>& visitor) override;

@@ -15,8 +15,8 @@ class QORQL_LazyTable;
 
 // Columns are added first, then rows. No row has more cells than the table has
 // columns. Rows may not exist yet: the engine keeps a product of extents and
-// makes the rows when someone looks at them (getRow, getRows, and whatever
-// changes rows); none of that shows but in time and memory. Used by one query
+// makes the rows when someone looks at them (getRow, getRows, and every operation that
+// changes rows). This has no visible effect except on time and memory. Used by one query
 // on one thread.
 class QORQL_DataTable {
  public:
@@ -25,8 +25,8 @@ class QORQL_DataTable {
     kCellsPreFiltered_allPreFiltered = 1,
     kCellsPreFiltered_someNotPreFiltered = 2
   };
-  // Plain makes every row at once and runs the algorithms row by row; it is
-  // there to judge the other by.
+  // Plain makes every row at once and runs the algorithms row by row; it exists
+  // so that tests can compare the lazy mode with it.
   enum ExecutionMode { kExecutionLazy = 0, kExecutionPlain = 1 };
 
   using HeaderList = QORSmrPtr<QORValSlist<QORSmrPtr<QORQL_TableHeader>>>;
@@ -37,7 +37,7 @@ class QORQL_DataTable {
   explicit QORQL_DataTable(const HeaderList& headers);
   QORQL_DataTable(const QORQL_DataTable&) = delete;
   QORQL_DataTable& operator=(const QORQL_DataTable&) = delete;
-  // Rows that others still hold forget the table.
+  // Rows that others still hold have no parent table afterwards.
   ~QORQL_DataTable();
 
   // A null header is ignored; otherwise inserted at the index, and with
@@ -65,7 +65,7 @@ class QORQL_DataTable {
   QORsint32 getColumnIndex(const QORString& name) const;
   // May be null. THROWS as addRowCell, and QORBoundsException for a cell that the row has not.
   QORSmrPtr<IQoriObject> getCell(QORuint32 row, QORuint32 column);
-  // Costs nothing, also while the rows do not exist yet.
+  // Constant time, also while the rows do not exist yet.
   QORuint32 getRowCount() const noexcept;
   QORuint32 getColumnCount() const noexcept;
 
@@ -96,7 +96,7 @@ class QORQL_DataTable {
   QORuint32 cellOfColumn(QORuint32 column) const noexcept {
     return column < _cellOfColumn.size() ? _cellOfColumn[column] : column;
   }
-  // Ties whose association class is no column yet, for whoever brings that column.
+  // Ties whose association class is no column yet: they apply as soon as it becomes one.
   void addOpenTie(const QORQL_AssociationTie& tie) { _openTies.push_back(tie); }
   bool hasOpenTie(const QORString& associationClass) const noexcept;
   // The open ties of an association class, in the order in which they came; they are no longer the table's.
@@ -113,7 +113,7 @@ class QORQL_DataTable {
 
  private:
   void checkCell(QORuint32 row, QORuint32 column) const;
-  // The first column of that name but for one; -1 when there is none.
+  // The first column of that name other than `leftOut`; -1 when there is none.
   QORsint32 findColumn(const QORString& name, QORsint32 leftOut) const;
 
   HeaderList _columnHeader;

@@ -10,7 +10,7 @@ class QORQL_DataTable;
 class QORQL_ExpressionVisitor;
 class QORQL_SymbolTable;
 
-// What a node is: known without a search of its class's ancestry.
+// What a node is: spares a dynamic_cast.
 enum class QORQL_NodeKind : QORuint8 {
   Other,
   Expression,

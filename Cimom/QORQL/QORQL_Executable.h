@@ -1,4 +1,5 @@
 // The base of runnable clauses and statements.
+// Tested by tests/unit/QORQL/QueryTest.cpp.
 #ifndef QORQL_EXECUTABLE_H
 #define QORQL_EXECUTABLE_H
 

@@ -1,4 +1,5 @@
 // The texts of execution errors and log lines, each once.
+// Tested by tests/unit/QORQL/HelperTest.cpp, tests/queries/errors.qtest.
 #ifndef QORQL_EXECUTIONMESSAGES_H
 #define QORQL_EXECUTIONMESSAGES_H
 

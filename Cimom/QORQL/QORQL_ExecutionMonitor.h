@@ -1,4 +1,4 @@
-// What a caller may see of the queries that run on its thread, and how it stops them.
+// How a caller watches the queries that run on its thread, and stops them.
 #ifndef QORQL_EXECUTIONMONITOR_H
 #define QORQL_EXECUTIONMONITOR_H
 
@@ -12,7 +12,7 @@ class QORQL_Comparison;
 // A caller derives from this, overrides what it is interested in and attaches
 // it with a QORQL_MonitorScope. All operations are called on the thread that
 // runs the query; none may throw. A monitor never changes what a query gives:
-// it sees it, or ends it.
+// it watches the query, or ends it.
 class QORQL_ExecutionMonitor {
  public:
   // Steps nest: a condition may fetch a class.
@@ -32,15 +32,15 @@ class QORQL_ExecutionMonitor {
 
   virtual ~QORQL_ExecutionMonitor();
 
-  // Asked at the begin of each step and once in some thousand rows. After true
-  // the query ends with a QORQL_StoppedException; its table is as good as lost,
-  // the parsed query and its symbols are not.
+  // Asked at the beginning of each step and once in some thousand rows. After true
+  // the query ends with a QORQL_StoppedException; its table is incomplete,
+  // the parsed query and its symbols can be used again.
   virtual bool isStopRequested() noexcept;
   virtual void stepBegins(Step step, const QORString& subject) noexcept;
   virtual void stepEnds(Step step) noexcept;
   // In the order in which conditions are applied; also for operands of OR that decide nothing.
   virtual void conditionApplied(const QORQL_Comparison& comparison, Method method) noexcept;
-  // An error while rows were put together or written: the engine logs that, keeps the rows made so far and goes on as
+  // An error while rows were built or written: the engine logs it, keeps the rows made so far and continues as
   // if they were all. The cause is what was thrown.
   virtual void resultEndsEarly(const std::exception_ptr& cause) noexcept;
 };
@@ -55,7 +55,7 @@ class QORQL_StoppedException : public QORQL_Exception {
 };
 
 // While it lives, the monitor watches the queries of the thread that made it;
-// an outer scope rests meanwhile. BORROWS the monitor. REQUIRES to be destroyed
+// an outer scope is inactive meanwhile. BORROWS the monitor. REQUIRES to be destroyed
 // on its own thread, inner scopes first.
 class QORQL_MonitorScope {
  public:
@@ -76,7 +76,7 @@ QORQL_ExecutionMonitor* QORQL_currentMonitor() noexcept;
 // Logs the message and tells the monitor what ended the result. REQUIRES to be called inside a catch clause.
 void QORQL_reportEarlyEnd(const char* message);
 
-// Tells the monitor of a step. THROWS QORQL_StoppedException at its begin.
+// Tells the monitor of a step. THROWS QORQL_StoppedException at its beginning.
 class QORQL_StepScope {
  public:
   QORQL_StepScope(QORQL_ExecutionMonitor::Step step, const QORString& subject);

@@ -83,7 +83,7 @@ const char* arrayWord(const QORQL_Comparison& comparison, bool isLeft) {
   return "";
 }
 
-// A literal is not negative; one that a signed type cannot hold has turned so.
+// A literal is never negative; one that its signed type cannot hold has wrapped to a negative number.
 std::string literalText(const IQoriValue& literal) {
   const QoriScalar scalar = literal.scalar();
   if (scalar.kind == QoriScalarKind::Signed && scalar.s < 0) return std::to_string(static_cast<QORuint64>(scalar.s));

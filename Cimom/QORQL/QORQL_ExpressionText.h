@@ -26,7 +26,7 @@ class QORQL_ExpressionText {
   std::string of(const QORQL_Evaluatable* node) const;
   // A column of the select list, with its alias.
   std::string ofEntry(const QORQL_SelectedEntry& entry) const;
-  // A FROM name in any case as it shall be shown.
+  // How a FROM name, given in any case, is shown.
   std::string nameOf(const QORString& fromName) const;
 
  private:

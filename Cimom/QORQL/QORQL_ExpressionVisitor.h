@@ -12,7 +12,7 @@ class QORQL_Factor;
 class QORQL_Function;
 class QORQL_Term;
 
-// Created per walk. Every operation does nothing in the base.
+// Create one for each walk. Every operation does nothing in the base.
 class QORQL_ExpressionVisitor {
  public:
   virtual ~QORQL_ExpressionVisitor();

@@ -23,7 +23,7 @@ namespace {
 using Node = QORSmrPtr<QORQL_Evaluatable>;
 using Value = QORSmrPtr<IQoriValue>;
 
-// Parsing nests, so what is done besides nesting stays out of the frames on the way down.
+// Parsing nests, so what does not nest is not inlined: that keeps the stack frames of the recursion small.
 [[gnu::noinline]] Node nested(QORSlabs& slabs, Node&& node, QORQL_Operator op) {
   return Node::MakeIn<QORQL_Factor>(slabs, std::move(node), nullptr, nullptr, nullptr, op, false);
 }

@@ -66,7 +66,7 @@ class QORQL_Factor : public QORQL_Evaluatable {
   using QORQL_Evaluatable::evaluate;
   void accept(QORSmrPtr<QORQL_ExpressionVisitor>& visitor) override;
 
-  // Step from a fetched property value to what its array reference selects.
+  // The step from a fetched property value to what its array reference selects.
   QORSmrPtr<IQoriValue> selectElements(const QORSmrPtr<IQoriValue>& value) const;
 
  private:

@@ -20,7 +20,7 @@ class QORQL_FromSpecifier : public QORQL_Executable {
   // Always null: nested queries are refused by the parser.
   const QORSmrPtr<QORQL_Executable>& getSubQuery() const noexcept { return _subQuery; }
 
-  // The path of a nested query. THROWS QORQL_Exception (QORQL_UNDEFINED_SYMBOL) for an unknown name.
+  // Runs a nested query, if there is one. THROWS QORQL_Exception (QORQL_UNDEFINED_SYMBOL) for an unknown name.
   void execute(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, std::ostream* out,
                const QORString& nameSpace) override;
 

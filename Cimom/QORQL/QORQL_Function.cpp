@@ -13,7 +13,7 @@ namespace {
 
 using Parameters = QORQL_Function::ParameterList;
 
-// Also tells Class::Property, which names no class alone.
+// Also finds Class::Property, which is more than a class name.
 class ArgumentFinder : public QORQL_IdentifierFinder {
  public:
   void visitFactor(const QORQL_Factor& factor) override {
@@ -26,7 +26,7 @@ class ArgumentFinder : public QORQL_IdentifierFinder {
   bool _isScoped = false;
 };
 
-// A class name reads like a property until here: it becomes the class, and a
+// Until here a class name was parsed as a property: it becomes the class, and a
 // word that is no property takes the property's place.
 void rewriteObjectPath(const Parameters& parameters, const QORQL_Lexer& lexer) {
   ArgumentFinder* const finder = new ArgumentFinder;
@@ -42,7 +42,7 @@ void rewriteObjectPath(const Parameters& parameters, const QORQL_Lexer& lexer) {
   *property = "NONE";
 }
 
-// Entered on the closing parenthesis. Parsing nests, so this stays out of the frames on the way down.
+// Entered on the closing parenthesis. Not inlined: parsing nests, and small stack frames allow deeper nesting.
 [[gnu::noinline]] QORSmrPtr<QORQL_Evaluatable> finishCall(const QORString& name, const Parameters& parameters,
                                                           QORQL_Lexer& lexer) {
   const QORQL_FunctionID functionID = QORQL_findFunction(name);

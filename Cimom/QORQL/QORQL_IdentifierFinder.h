@@ -38,9 +38,9 @@ class QORQL_IdentifierFinder : public QORQL_ExpressionVisitor {
   ClassNameList _classNameList;
 };
 
-// The literal or reference that is all of an arithmetic expression, as it is of
-// most sides of most comparisons; null for anything else. BORROWS. Spares those
-// sides a finder of their own.
+// The literal or reference that is the whole of an arithmetic expression, as it is on
+// most sides of comparisons; null for anything else. BORROWS. Spares those
+// sides a walk by a finder.
 const QORQL_Factor* QORQL_soleFactorOf(const QORSmrPtr<QORQL_Evaluatable>& side) noexcept;
 
 #endif

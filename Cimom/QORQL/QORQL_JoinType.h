@@ -1,4 +1,5 @@
 // How a comparison joins the classes of its two sides.
+// Tested by tests/unit/QORQL/ComparisonTest.cpp.
 #ifndef QORQL_JOINTYPE_H
 #define QORQL_JOINTYPE_H
 

@@ -8,7 +8,7 @@
 
 namespace {
 
-// The nodes of a statement take about so much for each character of its text.
+// About how many bytes the nodes of a statement take for each character of its text.
 constexpr std::size_t kNodeBytes = 80;
 
 }  // namespace

@@ -45,7 +45,7 @@ class QORQL_Lexer {
   // Whether names without a class go into the projection map: a condition's are bound later, by the class that has
   // them.
   bool recordsBareNames() const noexcept { return _recordsBareNames; }
-  // Whether an association condition has been read: most statements have none, and need no plan for it.
+  // Whether an association condition has been read: most statements have none, and then need no plan of associations.
   void noteAssociation() noexcept { _hasAssociation = true; }
   bool hasAssociation() const noexcept { return _hasAssociation; }
 
@@ -61,7 +61,7 @@ class QORQL_Lexer {
   QORSlabs _slabs;
   QORQL_Token _currentToken;
   QORQL_Token _previousToken;
-  // What was read ahead: the first token by itself, since mostly it is the only one, then the others.
+  // What was read ahead: the first token apart, since it is mostly the only one, then the others.
   QORQL_Token _followingToken;
   QORValSlist<QORQL_Token> _nextTokens;
   bool _hasFollowing = false;

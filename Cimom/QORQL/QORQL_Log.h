@@ -1,4 +1,5 @@
 // The engine's way of writing to the object manager's log.
+// Tested by tests/unit/QORQL/DataRowTest.cpp.
 #ifndef QORQL_LOG_H
 #define QORQL_LOG_H
 
@@ -10,7 +11,7 @@
 inline void QORQL_logAs(const QORString& who, const QORString& message, QoriTraceLog::Severity severity) noexcept {
   QORLog::log(who, message, severity, QoriTraceLog::kNormal, 0, QORLog::CIMOMLOG);
 }
-// A line that there is no memory for is lost.
+// A line is lost when there is no memory for it.
 inline void QORQL_logOwn(const QORString& message, QoriTraceLog::Severity severity) noexcept {
   try {
     QORQL_logAs("CQL", message, severity);

@@ -1,4 +1,5 @@
-// How wide the engine makes its maps by text: the order in which they are walked, which results show, follows from it.
+// The number of buckets of the engine's maps by text. Their iteration order, which results show, depends on it.
+// Tested by tests/unit/QORQL/OuterJoinTest.cpp.
 #ifndef QORQL_MAPBUCKETS_H
 #define QORQL_MAPBUCKETS_H
 

@@ -1,4 +1,5 @@
 // The operators of expressions, shared by parser, evaluators, joins and matcher.
+// Tested by tests/unit/QORQL/ComparisonTest.cpp.
 #ifndef QORQL_OPERATOR_H
 #define QORQL_OPERATOR_H
 

@@ -18,7 +18,7 @@ QORSmrPtr<QORQL_Evaluatable> parseKey(QORQL_SymbolTable& symbolTable, QORQL_Lexe
   return key;
 }
 
-// The direction is known by its text, so that a quoted word serves too.
+// The direction is recognised by its text, so that a quoted word is accepted too.
 QORboolean parseIsAscending(QORQL_Lexer& lexer) {
   const QORString& direction = lexer.getCurrent().getValue();
   const bool isDescending = direction.isEqualCaseInsensitive("DESC");

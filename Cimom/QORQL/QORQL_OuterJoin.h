@@ -12,7 +12,7 @@
 #include "cimom/IQoriObject.h"
 #include "cmpbase.h"
 
-// The text that tells instances apart; empty for an object without a name.
+// The text that distinguishes instances; empty for an object without a name.
 inline QORString QORQL_instanceKey(const IQoriObject& object) {
   const QORSmrPtr<IQoriInstanceName> name(object.getInstanceName());
   return name.IsNull() ? QORString::emptyString() : name->toString();
@@ -27,7 +27,7 @@ inline bool QORQL_keepsRow(QoriTruth truth, bool isNegated, bool isArrayNotEqual
 
 // One evaluation's record of which objects of either side were in a row that
 // satisfied the comparison, and which were not. Object is how a side's object
-// is remembered (a pointer to it, or its index).
+// is recorded (a pointer to it, or its index).
 template <class Object>
 class QORQL_OuterJoin {
  public:

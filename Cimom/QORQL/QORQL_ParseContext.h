@@ -39,7 +39,7 @@ class QORQL_UpdatedFlagScope {
   QORboolean _before;
 };
 
-// Surrounds the parsing of a WHERE condition or a sort key: names go into a map
+// Lives while a WHERE condition or a sort key is parsed: its names go into a map
 // of their own, since only the select list's names must be those of FROM; array
 // references are allowed.
 class QORQL_ConditionScope {
@@ -50,8 +50,8 @@ class QORQL_ConditionScope {
   ~QORQL_ConditionScope();
 
   QORQL_ProjectionMap& projectionMap() noexcept { return _projectionMap; }
-  // Adds what the condition names of each known class to what the statement
-  // requests of it.
+  // Adds the properties of each known class that the condition names to those that the statement
+  // requests of the class.
   void requestProperties();
 
  private:

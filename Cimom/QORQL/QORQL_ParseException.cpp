@@ -11,7 +11,7 @@ QORuint32 QORQL_ParseException::getCIMErrorCode() const {
   constexpr QORuint32 kInvalidQuery = 16;
   constexpr QORuint32 kLastCode = 19;
   const QORuint32 code = getCode();
-  // 18, a fault of an association's parse, reports a failure although its siblings blame the query.
+  // Code 18, a fault in an association, means "failed", although the codes around it mean an invalid query.
   if (code > kLastCode || code == 13 || code == 18) return kFailed;
   return kInvalidQuery;
 }

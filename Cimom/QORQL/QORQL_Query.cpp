@@ -26,7 +26,7 @@ QORQL_Query::QORQL_Query(QORSmrPtr<QORQL_Executable> select, QORSmrPtr<QORQL_Exe
       _queryString(queryString),
       _queryLanguage(queryLanguage) {}
 
-// A statement's nodes lie side by side, and go together.
+// The nodes of a statement lie side by side and are freed together.
 QORQL_Query::~QORQL_Query() {
   const QORSlabs::Returning together;
   _orderbyClause.Release();

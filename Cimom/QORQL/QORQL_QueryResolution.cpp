@@ -40,15 +40,15 @@ struct QORQL_Query::FromClass {
   QORQL_ClassInfo* needed = nullptr;  // BORROWS: the symbol's record, when it has been asked for
 };
 
-// What one resolution has looked up: a condition may use a name many thousand times.
+// The look-ups of one resolution, remembered: a condition may use a name many thousand times.
 struct QORQL_Query::NameCache {
-  // What most statements need lies here.
+  // Enough memory for most statements.
   std::array<std::byte, 512> room;
   std::pmr::monotonic_buffer_resource memory{room.data(), room.size()};
   bool hasClasses = false;
   std::pmr::vector<FromClass> classes{&memory};  // in ascending order of their names
-  // Statements use few names, which are found sooner one by one; those beyond kFew stand in upper case. The few are
-  // the texts of factors, or of the record of bare names, which is held for that.
+  // Statements use few names, which a linear search finds sooner; those beyond kFew are kept in upper case. The few are
+  // the texts of factors, or of the record of bare names, which is held to keep them.
   QORSmrPtr<QORQL_ClassInfo> bareNames;
   static constexpr std::size_t kFew = 16;
   std::pmr::vector<std::pair<std::string_view, FromClass*>> classOfFew{&memory};
@@ -109,7 +109,7 @@ QORQL_ClassInfo& neededOf(QORQL_Symbol& symbol, QORSlabs& slabs) {
   return *needed;
 }
 
-// Comparing two objects takes all their properties; telling null or a class does not.
+// Comparing two objects needs all their properties; IS NULL and ISA do not.
 bool comparesValues(QORQL_Operator op) {
   return (op >= QORQL_OperatorEQUAL && op <= QORQL_OperatorGREATEREQUAL) ||
          (op >= QORQL_OperatorLEFTJOIN && op <= QORQL_OperatorFULLOUTERJOIN);
@@ -245,7 +245,7 @@ void QORQL_Query::_updateExpression(const QORQL_ExpressionFactor& factor, Update
   }
 }
 
-// Its names are FROM names and an association class: nothing to bind.
+// Its names are FROM names and an association class: there is nothing to bind.
 void QORQL_Query::_updateExpression(const QORQL_Association&, UpdateContext&) {}
 
 void QORQL_Query::_updateExpression(const QORQL_ExpressionTerm& term, UpdateContext& context) {
@@ -317,7 +317,7 @@ void QORQL_Query::_requestEmbeddedRoots(QORQL_ProjectionMap& projectionMap, Upda
   }
 }
 
-// Whether an expression is, but for what surrounds it, one property; an object is none.
+// Whether an expression consists of one property, perhaps in parentheses or negated, and not of a whole object.
 bool QORQL_Query::_namesOneProperty(const QORQL_Comparison& expression, const QORSmrPtr<QORQL_Evaluatable>& node) {
   const QORQL_Factor* const lone = expression.loneFactor();
   if (lone != nullptr && lone->getEvaluatable().IsNull()) return lone->isPropertyReference();

@@ -19,8 +19,8 @@ namespace {
 
 using Text = QORSmrPtr<QORString>;
 
-// In a condition the ends of an association are no properties to ask for. Only in this spelling: another one is a
-// property's.
+// In a condition the ends of an association are no properties to request, but only in this spelling: any other is a
+// property's name.
 bool isAssociationEnd(const QORString& property) { return property == "firstref" || property == "secondref"; }
 
 class Reference {
@@ -51,7 +51,7 @@ class Reference {
  private:
   QORQL_TokenType currentType() { return _lexer.getCurrent().getType(); }
 
-  // The identifiers move along: first, second, those between, the last but one, the last.
+  // Adds an identifier: the places first, second, between, last but one and last move along.
   void readIdentifier() {
     if (_identifiers == 1) _first = std::move(_last);
     if (_identifiers == 2) _path = _first;
@@ -134,7 +134,7 @@ class Reference {
   QORString _last;
 };
 
-// An identifier by itself, as most are.
+// A reference of one identifier, as most are.
 QORSmrPtr<QORQL_Evaluatable> parseBareName(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                            QORQL_ProjectionMap& projMap) {
   QORSlabs& slabs = lexer.slabs();
@@ -152,7 +152,7 @@ QORSmrPtr<QORQL_Evaluatable> parseBareName(QORQL_SymbolTable& symbolTable, QORQL
   return result;
 }
 
-// Whether a token that follows an identifier goes on with the reference.
+// Whether a token after an identifier continues the reference.
 bool continuesReference(QORQL_TokenType type) {
   return type == TokenDOT || type == TokenSCOPE || type == TokenOPENSQUAREBRACK;
 }

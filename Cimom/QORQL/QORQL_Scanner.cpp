@@ -92,19 +92,19 @@ constexpr Keyword kKeywords[] = {
     {"propertyqualifier", TokenPROPERTYQUALIFIER},
 };
 
-// For letters; other bytes of a word go to bytes that stand in no keyword.
+// Lower case for letters; other bytes of a word become bytes that occur in no keyword.
 constexpr char lower(char c) { return static_cast<char>(c | 0x20); }
 
 constexpr std::size_t kSlots = 128;
 
-// Of the length and the first two letters: words of one letter are no keywords.
+// The slot by length and first two letters: words of one letter are no keywords.
 constexpr std::size_t slotOf(std::string_view word) {
   const std::size_t first = static_cast<unsigned char>(lower(word[0]));
   const std::size_t second = static_cast<unsigned char>(lower(word[1]));
   return (first * 5 + second * 3 + word.size()) % kSlots;
 }
 
-// The keywords by their slots; one that finds its slot taken stands in the next free one.
+// The keywords by their slots; where a slot is taken, in the next free one.
 constexpr std::array<Keyword, kSlots> kKeywordSlots = [] {
   std::array<Keyword, kSlots> slots{};
   for (const Keyword& keyword : kKeywords) {
@@ -131,7 +131,7 @@ QORQL_TokenType typeOfWord(std::string_view word) {
   return TokenID;
 }
 
-// Of signs of one byte. Those of no other type are their own.
+// The types of signs of one byte; a sign without a type of its own has its code as type.
 constexpr std::array<QORQL_TokenType, 128> kTypesOfSigns = [] {
   std::array<QORQL_TokenType, 128> types{};
   for (std::size_t byte = 0; byte < types.size(); ++byte) types[byte] = static_cast<QORQL_TokenType>(byte);
@@ -215,7 +215,7 @@ void QORQL_Scanner::readString(QORQL_Token& token) noexcept {
   _place = end + 1;
 }
 
-// Of the sign at the current place, with the bytes that belong to it.
+// The sign at the current place, with the bytes that belong to it.
 QORQL_TokenType QORQL_Scanner::typeOfSign(std::size_t& length) const noexcept {
   const char c = _text[_place];
   const char following = at(_place + 1);

@@ -18,10 +18,10 @@ class QORQL_Scanner {
   explicit QORQL_Scanner(std::string_view text) noexcept : _text(text) {}
 
   // Puts the next token there; TokenEOF at the end of the text, as often as it
-  // is asked. What is no token is copied to standard output and skipped, and so
+  // is asked. Bytes that are no token are copied to standard output and skipped, and so
   // is the quote of a string that does not end on its line, which is reported there.
   void read(QORQL_Token& token);
-  // From 1. The newline behind a string without end counts twice.
+  // From 1. The newline after an unterminated string counts twice.
   QORuint32 line() const noexcept { return _line; }
 
  private:

@@ -41,7 +41,7 @@ void setReference(Names& names, const QORSmrPtr<QORString>& className, const QOR
   if (!propertyName.IsNull()) names.propertyName = *propertyName;
 }
 
-// What the visitors below find in a factor that stands alone.
+// The names of a factor that stands alone: what the visitors below would find.
 Names namesOf(const QORQL_Factor& factor, QORSlabs& slabs) {
   Names names;
   names.classNameList = QORQL_SelectedEntry::ClassNameList::MakeIn(slabs);
@@ -87,7 +87,7 @@ bool isWordByte(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
 }
 
-// Blanks stay where they part two words, one for each run of them.
+// Keeps one blank for each run of blanks that separates two words.
 QORString withoutBlanks(std::string_view text) {
   std::string kept;
   bool isBehindBlank = false;

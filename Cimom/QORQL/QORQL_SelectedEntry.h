@@ -27,8 +27,8 @@ class QORQL_SelectedEntry {
   const QORString& getPropertyName() const noexcept { return _propertyName; }
   // Upper case; empty when none.
   const QORString& getAlias() const noexcept { return _alias; }
-  // What a reader calls a column without alias that is a function or has a sign, such as COUNT(Name): as it was
-  // written, without the blanks that say nothing. Empty for every other entry.
+  // The name of a column without alias that is a function or has a minus sign, such as COUNT(Name), for readers: as
+  // it was written, without superfluous blanks. Empty for every other entry.
   const QORString& getWrittenText() const noexcept { return _writtenText; }
   // Null for `*`.
   const QORSmrPtr<QORQL_Evaluatable>& getExpression() const noexcept { return _expression; }

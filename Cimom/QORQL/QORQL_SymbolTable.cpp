@@ -49,7 +49,7 @@ QORSmrPtr<QORQL_Symbol> QORQL_SymbolTable::deepLookup(const QORString& name, QOR
 
 QORSmrPtr<QORQL_Symbol> QORQL_SymbolTable::lookup(const QORString& name) const {
   QORSmrPtr<QORQL_Symbol> symbol = deepLookup(name, false);
-  // The second walk finds what the first one found; a flag that means nothing yet is the only difference.
+  // The flag has no effect yet, so both look-ups give the same symbol.
   return symbol.IsNull() ? deepLookup(name, true) : symbol;
 }
 

@@ -30,7 +30,7 @@ class QORQL_SymbolTable {
   QORSmrPtr<QORQL_Symbol> deepLookup(const QORString& name, QORboolean flag) const;
   // lookup() of the name in upper case.
   QORSmrPtr<QORQL_Symbol> lookupIgnoringCase(const QORString& name) const;
-  // BORROWS: the same without a count; null when unknown.
+  // BORROWS: the same symbol, not counted; null when unknown.
   QORQL_Symbol* findIgnoringCase(const QORString& name) const noexcept;
   // The same in this table alone.
   QORQL_Symbol* findHere(const QORString& name) const noexcept;

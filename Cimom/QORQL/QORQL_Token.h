@@ -103,7 +103,7 @@ class QORQL_Token {
   // The byte of the query text at which it begins; for the end of the input, its length.
   QORuint32 getOffset() const noexcept { return _offset; }
 
-  // Where they stand does not count.
+  // Offsets are not compared.
   friend bool operator==(const QORQL_Token& a, const QORQL_Token& b) noexcept {
     return a._tokenType == b._tokenType && a.text() == b.text();
   }

@@ -19,7 +19,7 @@ bool isText(const QORSmrPtr<IQoriValue>& value) {
   return !value.IsNull() && value->scalar().kind == QoriScalarKind::Text && isString(*value);
 }
 
-// Added pair by pair, a run of texts would be copied once for each of them.
+// Texts that follow one another are joined at once: pair by pair, the result would be copied for each of them.
 QORSmrPtr<IQoriValue> joinTexts(const std::vector<QORSmrPtr<IQoriValue>>& values, std::size_t first, std::size_t end,
                                 const QORSmrPtr<IQoriValue>& last) {
   std::string text;

@@ -1,4 +1,4 @@
-// Operations on values that evaluation by row and by bound expression share.
+// Operations on values that evaluation on rows and bound expressions share.
 #ifndef QORQL_VALUES_H
 #define QORQL_VALUES_H
 
@@ -20,7 +20,7 @@ QORSmrPtr<IQoriValue> QORQL_combine(QORQL_Operator op, const QORSmrPtr<IQoriValu
                                     const QORSmrPtr<IQoriValue>& right);
 
 // The operands of a chain, grouped to the right: v0 op0 (v1 op1 (v2 ...)). REQUIRES
-// an operator behind each value but the last. THROWS as combine; linear in the texts.
+// an operator after each value but the last. THROWS as combine; linear in the texts.
 QORSmrPtr<IQoriValue> QORQL_combineChain(const std::vector<QORQL_Operator>& operators,
                                          const std::vector<QORSmrPtr<IQoriValue>>& values);
 

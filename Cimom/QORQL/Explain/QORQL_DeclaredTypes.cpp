@@ -1,4 +1,4 @@
-// Types follow the value library: a real makes a real, + * / of two unsigned make
+// Types follow the value library: one real operand makes the result a real, + * / of two unsigned make
 // a uint64, and a uint64 on the left stays one while the result is not negative.
 #include "Cimom/QORQL/Explain/QORQL_DeclaredTypes.h"
 
@@ -32,7 +32,7 @@ const Node* withoutOperator(const QORQL_Evaluatable* node) {
   return found != nullptr && found->getOperator() == QORQL_OperatorNONE ? found : nullptr;
 }
 
-// Null when the node is not left out.
+// What a node without an operator of its own consists of; null for any other node.
 const QORQL_Evaluatable* innerOf(const QORQL_Evaluatable* node) {
   if (const auto* factor = withoutOperator<QORQL_Factor>(node)) return factor->getEvaluatable().Get();
   if (const auto* term = withoutOperator<QORQL_Term>(node)) return operandOf(*term);

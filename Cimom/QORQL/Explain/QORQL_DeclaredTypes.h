@@ -27,7 +27,7 @@ struct QORQL_DeclaredType {
   bool isReal32 = false;
 };
 
-// Where a node has no operator of its own, what it consists of, down to a leaf, a
+// The node itself or, where it has no operator of its own, what it consists of, down to a leaf, a
 // negation, a function, a chain of operators or a condition. BORROWS; null for null.
 const QORQL_Evaluatable* QORQL_soleOperand(const QORQL_Evaluatable* node);
 

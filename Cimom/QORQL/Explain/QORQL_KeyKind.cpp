@@ -35,7 +35,7 @@ class KeyReader {
   static const QORQL_Evaluatable* restOf(const QORQL_Arithmetic& node) { return node.getArithmetic().Get(); }
   static const QORQL_Evaluatable* restOf(const QORQL_Term& node) { return node.getTerm().Get(); }
 
-  // Computed from numbers a number, from texts a text, from anything else nothing that one can tell.
+  // A value computed from numbers is a number, from texts a text; from anything else its kind is not known.
   template <class Node>
   QORQL_KeyFacts readChain(const Node& first) const {
     QORQL_KeyFacts facts = read(firstOf(first));

@@ -11,13 +11,13 @@ enum class QORQL_KeyKind {
   kBoolean,
   kReference,
   kOther,      // arrays, datetimes, embedded objects: no keys, unless all of them are null
-  kUnbound,    // read row by row: elements of arrays, ways down through embedded objects, whole objects
+  kUnbound,    // read row by row: elements of arrays, paths through embedded objects, whole objects
   kUndeclared  // a property that the class does not declare
 };
 
 struct QORQL_KeyFacts {
   QORQL_KeyKind kind = QORQL_KeyKind::kUnbound;
-  bool isComputed = false;  // by operators: a value that cannot be computed is found only when it is
+  bool isComputed = false;  // by operators: whether a value can be computed shows only when it is
 };
 
 // Of one side of a comparison. Asks the class repository.
@@ -26,7 +26,7 @@ QORQL_KeyFacts QORQL_keyFactsOf(const QORQL_Evaluatable* side, const QORQL_Symbo
 
 // Whether sides of these kinds are joined by keys, by equality or by another relation.
 bool QORQL_joinsByKey(const QORQL_KeyFacts& left, const QORQL_KeyFacts& right, bool isEquality) noexcept;
-// Whether that depends on the values: the declared types do not settle it.
+// Whether that depends on the values, because the declared types do not decide it.
 bool QORQL_keysDependOnValues(const QORQL_KeyFacts& left, const QORQL_KeyFacts& right) noexcept;
 
 #endif

@@ -1,4 +1,4 @@
-// One look at each node; texts are made for the few that are kept.
+// Each node is looked at once; texts are made only for the few that are kept.
 #include "Cimom/QORQL/Explain/QORQL_NodeSurprises.h"
 
 #include <cfloat>
@@ -48,7 +48,7 @@ bool isCondition(const QORQL_Evaluatable* node) {
   return node != nullptr && !isValue;
 }
 
-// A chain is walked from its end: who comes next may be the same chain's part further left.
+// A chain is walked from its end: the next node may be the part of the same chain further left.
 template <class Node>
 void noteGrouping(const QORQL_Evaluatable*& grouped, const Node& node, const QORQL_Evaluatable* rest, bool isGrouped) {
   const bool isSameChain = grouped != nullptr && grouped == rest;

@@ -54,7 +54,7 @@ class QORQL_NodeSurprises : public QORQL_ExpressionVisitor {
   const QORQL_Comparison* _real32 = nullptr;
   const QORQL_Evaluatable* _grouped = nullptr;
   const QORQL_Factor* _negated = nullptr;  // a uint64
-  const QORQL_Factor* _tooLow = nullptr;   // a literal behind a minus that sint64 does not hold
+  const QORQL_Factor* _tooLow = nullptr;   // a literal after a minus that sint64 does not hold
   const QORQL_Factor* _scope = nullptr;
   const QORQL_Function* _counted = nullptr;
   const QORQL_Association* _association = nullptr;

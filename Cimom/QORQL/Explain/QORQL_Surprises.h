@@ -18,7 +18,7 @@ struct QORQL_Surprise {
 // Each kind once: OR, then conditions, arithmetic, names and associations, the
 // select list, FROM, and joins. Asks the class repository. REQUIRES a parsed query.
 std::vector<QORQL_Surprise> QORQL_findSurprises(const QORQL_Query& query, const QORString& nameSpace);
-// What is computed otherwise than expected in a filter as in a query.
+// Those of them that hold for filters as well: where arithmetic computes something unexpected.
 std::vector<QORQL_Surprise> QORQL_findFilterSurprises(const QORQL_Query& query, const QORString& nameSpace);
 
 #endif

@@ -65,7 +65,7 @@ void QORQL_ResultReader::addEntry(const QORSmrPtr<QORQL_SelectedEntry>& entry) {
   }
 }
 
-// By FROM, since each run of the select list turns the table's headers round.
+// In the order of FROM: each run of the select list reverses the table's headers.
 void QORQL_ResultReader::addAllClasses(const QORSmrPtr<QORQL_SelectedEntry>& entry) {
   const auto& from = dynamic_cast<const QORQL_FromClause&>(*_query.getFromClause());
   std::set<QORsint32> seen;
@@ -109,7 +109,7 @@ std::vector<QORString> QORQL_ResultReader::declaredNames(const QORString& fromNa
 
 namespace {
 
-// Of each name, whether no other equals it.
+// For each name, whether no other equals it.
 std::vector<bool> areUnique(const std::vector<QORString>& names) {
   constexpr std::size_t kFew = 16;
   std::vector<bool> unique(names.size(), true);

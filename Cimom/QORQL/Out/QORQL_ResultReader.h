@@ -15,7 +15,7 @@
 
 // Reads what a finished execute() left in its table: aggregates, the sort order
 // and FIRST n hold. `*` is expanded into the properties that its objects have,
-// class by class in FROM order, subclasses' further properties behind. BORROWS
+// class by class in FROM order, followed by the further properties of subclasses. BORROWS
 // its arguments; one thread at a time. Rows that do not exist yet are not made.
 class QORQL_ResultReader {
  public:
@@ -46,7 +46,7 @@ class QORQL_ResultReader {
   QORString rowClass();
   // The same as a view, valid until the next call of view() for the column, or
   // while the table lives where the column is a property; kind Null for NULL.
-  // Numbers, texts and booleans of properties are seen where they lie: nothing
+  // Numbers, texts and booleans of properties are not copied: nothing
   // is allocated. THROWS and REQUIRES as above.
   QoriScalar view(std::size_t index) {
     return _isAggregate ? aggregateView(index) : _reader.view(_sources[index].slot, _holders[index]);

@@ -14,7 +14,7 @@
 
 namespace {
 
-// Text beyond this is handed over after a row.
+// When more text than this has gathered, it is handed to the stream after a row.
 constexpr std::size_t kPiece = 32768;
 
 // For each byte, whether it is a character that no encoding changes: a letter, a
@@ -28,7 +28,7 @@ constexpr std::array<bool, 256> kMeansItself = [] {
   return meansItself;
 }();
 
-// Such a text needs no encoder, which spares most cells a string of their own.
+// A text of such characters needs no encoding, which spares most cells a copy.
 bool meansItself(std::string_view text) noexcept {
   return std::all_of(text.begin(), text.end(), [](char c) { return kMeansItself[static_cast<unsigned char>(c)]; });
 }
@@ -49,7 +49,7 @@ QORQL_ResultStream::QORQL_ResultStream(const QORQL_SelectList& list, QORQL_Symbo
 }
 
 // A column that cannot be declared, since it cannot be computed on the first row,
-// fails with what was written until then.
+// is an error that passes through, after what has been written is handed over.
 void QORQL_ResultStream::write() {
   _text = "\n<IRETURNVALUE>\n<TABLE>\n";
   try {

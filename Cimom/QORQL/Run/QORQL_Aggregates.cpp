@@ -100,14 +100,14 @@ struct Fold {
   std::unique_ptr<QORQL_NumberFold> numbers{};  // while the argument is a property and its values are numbers
 };
 
-// What the expression around the aggregate makes of the folded value.
+// Computes the expression around the aggregate with the folded value.
 Value applyAround(const Fold& fold, const Value& folded, QORQL_SymbolTable& symbols) {
   QORSmrPtr<QORQL_DataRow> row(new QORQL_DataRow());
   row->setFunctionValue(fold.call, folded);
   return fold.entry->getExpression()->evaluate(symbols, row);
 }
 
-// The row that is selected stays selected.
+// Leaves the selected row of the reader as it is.
 void endNumbers(Fold& fold, QORQL_RowReader& reader, QORuint64 selected) {
   fold.numbers->handOver(fold.function, [&](QORuint64 row) {
     reader.select(row);

@@ -80,8 +80,8 @@ void extendRow(const Row& row, const ObjectList& associates, QORuint32 column, Q
   }
 }
 
-// The associates that a row may have beside what open ties say of it: they are
-// association objects, which must tie what the row has of their ends.
+// The associates that agree with the open ties of a row: the associates are
+// association objects, which must tie the ends that the row has already.
 ObjectList tiedTo(const QORQL_DataRow& row, const ObjectList& associates, const std::vector<QORQL_TiedEnds>& openTies) {
   if (associates.IsNull() || openTies.empty()) return associates;
   ObjectList tied(new QORValSlist<Object>());
@@ -128,7 +128,7 @@ void keepAssociated(const std::vector<Row>& group, const ObjectList& associates,
   }
 }
 
-// Filters a destination column that is there already.
+// Filters a destination column that exists already.
 RowList filterDestination(QORQL_DataTable& table, Associates& associates, QORuint32 source, QORuint32 destination,
                           bool isOuter) {
   RowList kept(new QORValSlist<Row>());
@@ -152,7 +152,7 @@ QORSmrPtr<QORQL_Symbol> destinationSymbol(const QORString& name, const QORQL_Sym
   return symbol;
 }
 
-// Fetches the destination as a column, beside what open ties of its class say of it.
+// Fetches the destination as a column that agrees with the open ties of its class.
 void bringDestination(QORQL_DataTable& table, const QORQL_AssociationTie& tie, const QORString& alias,
                       Associates& associates) {
   std::vector<QORQL_TiedEnds> openTies;

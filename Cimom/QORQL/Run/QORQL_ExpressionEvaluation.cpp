@@ -30,7 +30,7 @@ QORSmrPtr<QORQL_DataRow> reversedRow(const QORQL_DataRow& row, QORuint32 columnC
   return copy;
 }
 
-// The rows as they are before the last operand changes them.
+// A copy of the rows before the last operand changes them.
 Table copyInOrder(const Table& table) {
   Table copy(new QORQL_DataTable());
   copy->inherit(*table);
@@ -45,7 +45,7 @@ Table copyInOrder(const Table& table) {
   return copy;
 }
 
-// What a left operand of OR filters, without any effect on the given table.
+// The table that a left operand of OR filters, so that the given table stays as it is.
 Table copyForDiscard(const Table& table) {
   Table copy(new QORQL_DataTable());
   copy->inherit(*table);

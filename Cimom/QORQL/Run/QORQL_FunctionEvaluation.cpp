@@ -20,7 +20,7 @@ bool isComplete(const QORSmrPtr<QORQL_Symbol>& symbol) {
   return !info.IsNull() && (info->needAllProperties() || info->fetchAllProperties());
 }
 
-// Null when it cannot be had, for whatever reason.
+// Null when the instance is not available, for whatever reason.
 QORSmrPtr<IQoriObject> fetchInstance(const QORSmrPtr<IQoriObject>& object) {
   try {
     CIMApi client;
@@ -48,7 +48,7 @@ Value QORQL_Function::_evaluateObjectPath(QORSmrPtr<QORQL_DataRow>& row) const {
 }
 
 // The row's object may hold some properties only; then the whole instance is
-// asked for, and where that fails the row's object has to do.
+// asked for; where that fails, the row's object is used.
 Value QORQL_Function::_evaluateInstanceOf(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataRow>& row) const {
   const QORSmrPtr<QORString> className(argumentClass());
   if (className.IsNull()) return {};

@@ -1,5 +1,5 @@
 // Retrieval: one enumeration per class and table, then the product of its
-// instances with the rows that are there. In the lazy mode the product is not
+// instances with the existing rows. In the lazy mode the product is not
 // made; see QORQL_LazyRows.
 #include "Cimom/QORQL/QORQL_Helper.h"
 
@@ -68,7 +68,7 @@ void requireArguments(const QORSmrPtr<QORQL_DataTable>& table, const ObjectList&
       QoriTraceLog::kTrace);
 }
 
-// Whether a row that may be added stays: asked with the row complete.
+// Decides whether a row that may be added is kept; the row is complete then.
 class RowTest {
  public:
   virtual ~RowTest() = default;
@@ -159,7 +159,7 @@ void addRows(QORSmrPtr<QORQL_DataTable>& table, const ObjectList& objects, const
   }
 }
 
-// What the plain product records by asking for every object of every row: the
+// Records what the plain product records by asking for every object of every row: the
 // answer depends on class and namespace alone.
 void recordPreFilter(QORSmrPtr<QORQL_DataTable>& table, const ObjectList& objects) {
   QORString lastClass;
@@ -173,13 +173,13 @@ void recordPreFilter(QORSmrPtr<QORQL_DataTable>& table, const ObjectList& object
   }
 }
 
-// What an association condition has said of the class before it was a column holds first.
+// The ties that association conditions have declared before the class was a column apply first.
 void addTiedObjects(QORSmrPtr<QORQL_DataTable>& table, const ObjectList& objects, const Source& source) {
   QORQL_Helper::addObjectToTable(table, objects, source.className, source.alias);
   for (const QORQL_AssociationTie& tie : table->takeOpenTies(source.className)) QORQL_applyTie(*table, tie);
 }
 
-// Columns of lazy rows are told apart by their names, so an alias that two
+// Columns of lazy rows are distinguished by their names, so an alias that two
 // columns share makes real rows.
 bool mayBeLazy(QORQL_DataTable& table, const QORString& className, const QORString& alias) {
   if (table.getColumnIndex(className) >= 0 || table.getColumnIndex(alias) >= 0) return false;

@@ -10,7 +10,7 @@ namespace {
 
 constexpr char kProviderFiltered[] = "YRK_TRBS_ProviderFiltered";
 
-// Set once and never reset. Threads that come together both read the
+// Set once and never reset. Threads that arrive at the same time each read the
 // configuration and store the same answer.
 std::atomic<bool> isSettingRead{false};
 std::atomic<bool> isEnabled{true};

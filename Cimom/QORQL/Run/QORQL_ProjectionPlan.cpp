@@ -1,5 +1,5 @@
-// A property entry keeps its property, a computed entry what its references
-// name, an entry of a class that needs all properties every one of them.
+// A property entry keeps its property, a computed entry the properties that its references
+// name, and an entry of a class that needs all properties keeps them all.
 #include "Cimom/QORQL/Run/QORQL_ProjectionPlan.h"
 
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
@@ -12,7 +12,7 @@ namespace {
 // The property that stands in the argument of OBJECTPATH(X): the object's name, none of its properties.
 constexpr char kNoProperty[] = "NONE";
 
-// The property of the row's object that a reference reads: of a way down through
+// The property of the row's object that a reference reads: of a path through
 // embedded objects (C.a.b, chain "C.a") the first step.
 QORString ownProperty(const QORQL_Factor& factor) {
   if (factor.getPropertyName().IsNull()) return QORString::emptyString();

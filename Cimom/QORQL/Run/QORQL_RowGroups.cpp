@@ -1,4 +1,4 @@
-// Rows are told apart by the numbers of the instances in their cells.
+// Rows are distinguished by the numbers of the instances in their cells.
 #include "Cimom/QORQL/Run/QORQL_RowGroups.h"
 
 #include <algorithm>
@@ -18,7 +18,7 @@ struct KeyHash {
   std::size_t operator()(const QORString& key) const noexcept { return std::hash<std::string_view>{}(key.view()); }
 };
 
-// Numbers for the instances in cells: two objects of one path are the same
+// Numbers for the instances in cells: two objects with one path are the same
 // instance, whichever call has brought them. 0 stands for no object.
 class InstanceNumbers {
  public:
@@ -38,7 +38,7 @@ class InstanceNumbers {
   std::size_t _count = 0;
 };
 
-// A row's cells but for some columns: rows of one group agree in these.
+// A row's cells outside some columns: rows of one group agree in these.
 std::vector<std::size_t> otherCells(const QORQL_DataRow& row, QORuint32 columnCount, const std::vector<QORuint32>& left,
                                     InstanceNumbers& instances) {
   std::vector<std::size_t> cells;

@@ -1,4 +1,4 @@
-// Rows that agree but for some columns.
+// Groups of rows that agree except in some columns.
 #ifndef QORQL_ROWGROUPS_H
 #define QORQL_ROWGROUPS_H
 
@@ -15,7 +15,7 @@ QORSmrPtr<QORQL_DataRow> QORQL_withNulls(const QORQL_DataRow& row, QORQL_DataTab
                                          const std::vector<QORuint32>& columns);
 
 // Groups of rows whose cells outside some columns name the same instances, in the order of their first rows; within a
-// group the rows' own order. Linear in cells, but for a tree of the groups.
+// group the rows' own order. Linear in the cells, besides a look-up in a tree for each row.
 std::vector<std::vector<QORSmrPtr<QORQL_DataRow>>> QORQL_groupRows(const QORQL_DataTable& table,
                                                                    const QORQL_DataTable::RowList& rows,
                                                                    const std::vector<QORuint32>& left);

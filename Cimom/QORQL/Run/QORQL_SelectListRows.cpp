@@ -25,8 +25,8 @@ void addOnce(QORValSlist<QORString>& names, const QORString& name) {
   if (!names.contains(name)) names.append(name);
 }
 
-// What an item names of the row's object. A property that only the sort key
-// names and the object lacks is left for the sort to fail on.
+// The property that an item names of the row's object. Null for one that only the sort key
+// names and that the object lacks: the sort fails on it.
 QORSmrPtr<IQoriProperty> propertyOf(const QORQL_DataRow& row, const QORQL_ProjectionPlan::Item& item) {
   try {
     return row.getPropertyByName(item.written, item.propertyName);

@@ -1,4 +1,4 @@
-// Keeps the rows whose association objects tie what stands beside them.
+// Keeps the rows whose association objects tie the other objects of the row.
 #ifndef QORQL_TIEFILTER_H
 #define QORQL_TIEFILTER_H
 
@@ -20,8 +20,9 @@ class QORQL_TiedEnds {
   QORuint32 _destination;
 };
 
-// Keeps the rows whose association object ties their ends. Of an outer tie, rows that agree in all other cells and of
-// which none stays leave one without association and destination. REQUIRES that all three are columns of the table.
+// Keeps the rows whose association object ties their ends. With an outer tie, rows that agree in all other cells and of
+// which none stays leave one row, with neither association nor destination. REQUIRES that all three are columns of the
+// table.
 void QORQL_applyTie(QORQL_DataTable& table, const QORQL_AssociationTie& tie);
 
 #endif
