@@ -24,7 +24,7 @@ CALLERS = (os.path.join(".ci", "run"), os.path.join("scripts", "bare"), os.path.
 ALL_CHECKS = ".ci/run"
 
 # A text that is a command when it begins like this; `./qorql` may stand alone, `qorql` alone is a name.
-PROGRAMS = ("apt apt-get bash ccache clang-format cmake ctest curl dnf docker gcovr gdb git jq make man mmdebstrap ninja perf "
+PROGRAMS = ("apt apt-get bash ccache clang-format cmake ctest curl dnf docker dpkg-buildpackage gcovr gdb git jq make man mmdebstrap ninja perf "
             "pip podman python3 sh sqlite3 ssh sudo systemctl valgrind")
 START = re.compile(r"(?:\./(?!\.)\w\S*|qorql (?!>)\S|(?:" + PROGRAMS.replace(" ", "|") + r") [-\w./]|build/\S+ -)")
 INLINE = re.compile(r"`([^`]+)`")
