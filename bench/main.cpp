@@ -11,6 +11,7 @@
 #include <string_view>
 #include <thread>
 
+#include "bench/FilterSetTable.h"
 #include "bench/MatchTable.h"
 #include "bench/MemoryTable.h"
 #include "bench/Peer.h"
@@ -25,6 +26,7 @@ constexpr const char* kUsage =
 
 // What --only takes besides the ids of the workloads.
 constexpr const char* kMatch = "match";
+constexpr const char* kSets = "sets";
 constexpr const char* kMemory = "memory";
 
 // Worlds and peers by size, made when a benchmark first needs them.
@@ -98,7 +100,7 @@ bool readPositive(std::string_view text, Number& out) {
 
 bool readOnly(std::string_view text, bench::TableOptions& options) {
   for (const std::string_view id : splitAtCommas(text)) {
-    bool isKnown = id == kMatch || id == kMemory;
+    bool isKnown = id == kMatch || id == kSets || id == kMemory;
     for (const bench::Workload& workload : bench::workloads()) isKnown = isKnown || id == workload.id;
     if (!isKnown) return false;
     options.only.insert(std::string(id));
@@ -134,9 +136,11 @@ int runTable(int argc, char** argv) {
     return 2;
   }
   const auto isWanted = [&](const char* id) { return options.only.empty() || options.only.contains(id); };
-  const bool hasWorkloads = options.only.size() != options.only.count(kMatch) + options.only.count(kMemory);
+  const bool hasWorkloads =
+      options.only.size() != options.only.count(kMatch) + options.only.count(kSets) + options.only.count(kMemory);
   if (options.only.empty() || hasWorkloads) bench::printTables(options, std::cout);
   if (isWanted(kMatch)) bench::printMatchTables(options, std::cout);
+  if (isWanted(kSets)) bench::printFilterSetTable(options, std::cout);
   if (isWanted(kMemory)) bench::printMemoryTable(options.sizes.back(), std::cout);
   return 0;
 }
