@@ -39,6 +39,7 @@ class Repository final : public IQoriRepository {
     const ClassEntry* const entry = _store->findClass(nameSpace, className, View::Committed);
     return entry == nullptr ? QORSmrPtr<IQoriClass>() : entry->handle;
   }
+  QORuint64 getVersion() const override { return _store->classVersion(); }
 
  private:
   std::shared_ptr<embedded::ObjectStore> _store;

@@ -140,8 +140,14 @@ void ObjectStore::begin() {
   _pending = std::make_unique<Pending>();
 }
 
+QORuint64 ObjectStore::nextClassVersion() noexcept {
+  static std::atomic<QORuint64> last{0};
+  return last.fetch_add(1, std::memory_order_relaxed) + 1;
+}
+
 void ObjectStore::commit() {
   if (_pending == nullptr) refuse(CimStatus::Failed, {"no load is open"});
+  if (!_pending->classes.empty()) noteClassChange();
   for (NameSpace* const space : _pending->nameSpaces) space->isPending = false;
   for (const auto& [space, entry] : _pending->classes) entry->isPending = false;
   for (const auto& [space, instance] : _pending->instances) InstanceTable::publish(*instance);

@@ -3,6 +3,7 @@
 #ifndef QORQL_EMBEDDED_OBJECTSTORE_H
 #define QORQL_EMBEDDED_OBJECTSTORE_H
 
+#include <atomic>
 #include <memory>
 #include <shared_mutex>
 #include <utility>
@@ -75,6 +76,10 @@ class ObjectStore {
   void modifyInstance(const IQoriInstanceName& name, const std::vector<CimInstanceProperty>& properties);
   bool deleteInstance(const IQoriInstanceName& name);
 
+  // Another one after each change of the committed classes, unlike that of any other
+  // store. Needs no lock.
+  QORuint64 classVersion() const noexcept { return _classVersion.load(std::memory_order_acquire); }
+
   // What a loader changes in between is pending until commit.
   void begin();
   void commit();
@@ -100,12 +105,15 @@ class ObjectStore {
                                                const CimInstanceDeclaration& declaration, View view) const;
   void setValues(const NameSpace& space, const CQoriClass& model, const std::vector<CimInstanceProperty>& properties,
                  std::vector<QORSmrPtr<IQoriValue>>& values, View view) const;
+  static QORuint64 nextClassVersion() noexcept;
+  void noteClassChange() noexcept { _classVersion.store(nextClassVersion(), std::memory_order_release); }
   bool becomesPending(View view) const noexcept { return view == View::Loader && _pending != nullptr; }
 
   mutable std::shared_mutex _mutex;
   std::vector<std::unique_ptr<NameSpace>> _nameSpaces;  // in creation order
   NameMap<NameSpace*> _nameSpaceIndex;
   QORuint64 _nextSequence = 1;
+  std::atomic<QORuint64> _classVersion{nextClassVersion()};
   std::unique_ptr<Pending> _pending;  // null: no load is open
 };
 

@@ -91,6 +91,7 @@ void ObjectStore::declareClass(const QORString& nameSpace, const CimClassDeclara
   ClassEntry* const added = space.classes.back().get();
   if (added->isPending) _pending->classes.emplace_back(&space, added);
   space.classIndex.emplace(declaration.name.view(), added);
+  if (!added->isPending) noteClassChange();
 }
 
 void ObjectStore::addSource(const QORString& nameSpace, const QORString& className,

@@ -1,6 +1,7 @@
 // Schema look-ups against the object manager's class repository.
 #include "Cimom/QORQL/CQLQueryValidator.h"
 
+#include "Cimom/QORQL/CQLSuperClasses.h"
 #include "cimom/QoriProviderPluginManager.h"
 
 namespace {
@@ -35,18 +36,15 @@ bool CQLQueryValidator::findProperty(const QORString& className, const QORString
   return false;
 }
 
-QORString CQLQueryValidator::superClassOf(const QORString& nameSpace, const QORString& className) {
-  const QORSmrPtr<IQoriClass> found = classOf(nameSpace, className);
-  return found.IsNull() ? QORString::emptyString() : found->getSuperClassName();
-}
-
 bool CQLQueryValidator::isSubClass(const QORString& nameSpace, const QORString& className,
                                    const QORString& superClassName) {
-  QORString name = className;
-  for (QORuint32 step = 0; step < kLongestChain; ++step) {
-    if (name.isEqualCaseInsensitive(superClassName)) return true;
-    name = superClassOf(nameSpace, name);
-    if (name.isEmpty()) return false;
+  if (className.isEqualCaseInsensitive(superClassName)) return true;
+  CQLSuperClasses superClasses(nameSpace);
+  const QORString* name = &className;
+  for (QORuint32 step = 0; step < CQLSuperClasses::kLongestChain; ++step) {
+    name = &superClasses.of(*name);
+    if (name->isEmpty()) return false;
+    if (name->isEqualCaseInsensitive(superClassName)) return true;
   }
   return false;
 }

@@ -13,10 +13,6 @@ class CQLQueryValidator {
                            bool includeInherited);
   // In the first of the repository's namespaces that has the class.
   static bool findProperty(const QORString& className, const QORString& propertyName, bool includeInherited);
-  // The name of the class's superclass; empty at the root, and for an unknown class.
-  static QORString superClassOf(const QORString& nameSpace, const QORString& className);
-  // A longer chain of superclasses must be a circle.
-  static constexpr QORuint32 kLongestChain = 10000;
   // True when the names are equal, without asking the repository, or when the
   // superclass chain of the class reaches the other.
   static bool isSubClass(const QORString& nameSpace, const QORString& className, const QORString& superClassName);

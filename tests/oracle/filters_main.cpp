@@ -2,6 +2,8 @@
 // random_filters COUNT SEED. The prepared form, the walk of the tree and the
 // model must agree for each instance, whole and cut down to the listed properties.
 #include <iostream>
+#include <memory>
+#include <vector>
 
 #include "ChanceMain.h"
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
@@ -40,9 +42,8 @@ struct Instance {
 // One filter, asked of instances.
 class Trial {
  public:
-  Trial(const Schema& schema, const Filter& filter, bool isOwnNameSpace, Tally& tally)
-      : _schema(schema),
-        _filter(filter),
+  Trial(const Filter& filter, bool isOwnNameSpace, Tally& tally)
+      : _filter(filter),
         _statement("DMTF:CQL", QORString(filter.toText()), isOwnNameSpace ? kNameSpace : kOther,
                    isOwnNameSpace ? "" : kNameSpace),
         _tally(tally) {}
@@ -53,14 +54,19 @@ class Trial {
     return fail(std::string("is refused: ") + std::string(_statement.getFault().message.view()));
   }
 
-  bool ask(const Instance& instance) {
-    const Matching model(_schema, _filter, *instance.thing);
+  bool isOfFrom(const Schema& schema, const Instance& instance) const {
+    return Matching(schema, _filter, *instance.thing).isOfFrom();
+  }
+
+  // By the classes of the schema, which the object manager has now.
+  bool ask(const Schema& schema, const Instance& instance) {
+    const Matching model(schema, _filter, *instance.thing);
     const bool expected = model.holds();
     ++_tally.asked;
     _tally.ofFrom += model.isOfFrom() ? 1 : 0;
     _tally.matches += expected ? 1 : 0;
     for (const Object& object : instance.objects) {
-      if (!isAsExpected(object, expected, "") || !isAsExpectedByList(object, expected)) return false;
+      if (!isAsExpected(object, expected, "") || !isAsExpectedByList(schema, object, expected)) return false;
     }
     return isToldRight(instance.objects[0], expected) && isOfItsNameSpaceAlone(instance.objects[0]);
   }
@@ -88,9 +94,9 @@ class Trial {
   }
 
   // With the properties that are listed for its class, and with one FROM class for that.
-  bool isAsExpectedByList(const Object& object, bool expected) {
+  bool isAsExpectedByList(const Schema& schema, const Object& object, bool expected) {
     std::vector<std::string> asked = {std::string(object->getClassName().view())};
-    if (_filter.from.size() == 1 && _schema.isSubClass(asked[0], _filter.from[0].className)) {
+    if (_filter.from.size() == 1 && schema.isSubClass(asked[0], _filter.from[0].className)) {
       asked.push_back(_filter.from[0].className);
     }
     for (const std::string& className : asked) {
@@ -118,40 +124,60 @@ class Trial {
     return !_statement.isMatch(object, kOther) || fail("matches in another namespace");
   }
 
-  const Schema& _schema;
-  const Filter& _filter;
+  const Filter _filter;
   CQLQueryStatement _statement;
   Tally& _tally;
 };
 
-// Rather one of a FROM class.
-const Instance& pick(RandomChoice& choice, const Schema& schema, const Filter& filter,
-                     const std::vector<Instance>& instances) {
-  for (unsigned i = 0; i < 4; ++i) {
-    const Instance& instance = choice.of(instances);
-    if (Matching(schema, filter, *instance.thing).isOfFrom()) return instance;
+// Those that have no subclasses come later.
+Schema withoutLeaves(const Schema& schema) {
+  Schema early;
+  for (const ClassType& type : schema.classes) {
+    const bool isLeaf = type.name.starts_with("C_") && type.name.ends_with("2");
+    if (!isLeaf) early.classes.push_back(type);
   }
-  return choice.of(instances);
+  return early;
 }
 
+// Rather instances of a FROM class.
+bool askSome(RandomChoice& choice, const Schema& schema, const std::vector<Instance>& instances, Trial& trial) {
+  const auto pick = [&]() -> const Instance& {
+    for (unsigned i = 0; i < 4; ++i) {
+      const Instance& instance = choice.of(instances);
+      if (trial.isOfFrom(schema, instance)) return instance;
+    }
+    return choice.of(instances);
+  };
+  for (unsigned i = 0; i < kAsked; ++i) {
+    if (!trial.ask(schema, pick())) return false;
+  }
+  return true;
+}
+
+// Filters of the classes that a schema has at first; some are asked again when it has all.
 void tryOneSchema(RandomChoice& choice, unsigned long count, Tally& tally) {
-  EmbeddedObjectManager manager;
-  manager.makeCurrent();
+  EmbeddedObjectManager maker;  // of instances, also of classes that come later
+  maker.makeCurrent();
   RandomSchema schemas(choice);
-  const Schema schema = schemas.make();
-  declare(schema);
+  const Schema whole = schemas.make();
+  declare(whole);
   std::vector<Instance> instances(kInstances);
   for (Instance& instance : instances) {
-    instance.thing = schemas.makeThing(schema, kDepth);
+    instance.thing = schemas.makeThing(whole, kDepth);
     instance.objects = {laidOutObject(*instance.thing), loneObject(*instance.thing)};
   }
-  RandomFilter filters(choice, schema);
+  EmbeddedObjectManager manager;
+  manager.makeCurrent();
+  const Schema first = choice.chance(50) ? withoutLeaves(whole) : whole;
+  declare(first);
+  RandomFilter filters(choice, first);
+  std::vector<std::unique_ptr<Trial>> asked;
   for (unsigned long i = 0; i < count && tally.failed < 10; ++i) {
-    const Filter filter = filters.make();
-    Trial trial(schema, filter, choice.chance(50), tally);
-    if (!trial.isValid()) continue;
-    for (unsigned j = 0; j < kAsked && trial.ask(pick(choice, schema, filter, instances)); ++j) continue;
+    auto trial = std::make_unique<Trial>(filters.make(), choice.chance(50), tally);
+    if (trial->isValid() && askSome(choice, first, instances, *trial)) asked.push_back(std::move(trial));
   }
+  declare(whole);
+  for (std::size_t i = 0; i < asked.size(); i += 4) askSome(choice, whole, instances, *asked[i]);
 }
 
 int run(unsigned long count, std::uint32_t seed) {

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <utility>
 
-#include "Cimom/QORQL/CQLQueryValidator.h"
+#include "Cimom/QORQL/CQLSuperClasses.h"
 #include "Cimom/QORQL/Filter/CQLFilterKeys.h"
 #include "Cimom/QORQL/Filter/CQLFilterSetChange.h"
 #include "Cimom/QORQL/Filter/CQLFilterSetState.h"
@@ -115,9 +115,11 @@ QORString classOf(const PathEntry& path, const IQoriObject& instance) {
 // Calls `visit` with a class and those above it.
 template <class Visit>
 void forEachClass(const QORString& nameSpace, QORString className, Visit visit) {
-  for (QORuint32 step = 0; step < CQLQueryValidator::kLongestChain && !className.isEmpty(); ++step) {
+  if (className.isEmpty()) return;
+  CQLSuperClasses superClasses(nameSpace);
+  for (QORuint32 step = 0; step < CQLSuperClasses::kLongestChain && !className.isEmpty(); ++step) {
     visit(className.view());
-    className = CQLQueryValidator::superClassOf(nameSpace, className);
+    className = superClasses.of(className);
   }
 }
 
