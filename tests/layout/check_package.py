@@ -3,7 +3,9 @@
 
 Run as check_package.py ROOT MANIFEST PREFIX: the manifest lists the installed files, which stand below the prefix.
 """
+import fnmatch
 import glob
+import itertools
 import os
 import re
 import sys
@@ -60,7 +62,8 @@ def patterns(root):
 
 
 def takes(pattern, path):
-    return re.match(re.escape(pattern).replace(r"\*", "[^/]*") + "(/|$)", path) is not None
+    return all(fnmatch.fnmatchcase(name, wanted)
+               for name, wanted in itertools.zip_longest(path.split("/")[:pattern.count("/") + 1], pattern.split("/"), fillvalue=""))
 
 
 def check_files(root, files):
