@@ -44,14 +44,14 @@ CIMApi::Instances withNull(const CIMApi::Instances& found) {
   return list;
 }
 
-TEST_F(Answers, aNullListIsAnError) {
+TEST_F(Answers, ANullListIsAnError) {
   FaultyPlatform::setEnumerations([](const CIMApi::Instances&) { return CIMApi::Instances(); });
   const FaultOutcome outcome = run(kDisks);
   EXPECT_EQ(outcome.error, "runtime 3: Enumerateinstance call for 'T_DISK' returned NULL");
   EXPECT_TRUE(outcome.hasLogged("Enumerateinstance call for 'T_DISK' returned NULL"));
 }
 
-TEST_F(Answers, aNullInstanceInAListDoesNotDisturbTheOthers) {
+TEST_F(Answers, ANullInstanceInAListDoesNotDisturbTheOthers) {
   FaultyPlatform::setEnumerations(withNull);
   const FaultOutcome outcome = run(kDisks);
   EXPECT_EQ(outcome.error, "");
@@ -62,7 +62,7 @@ TEST_F(Answers, aNullInstanceInAListDoesNotDisturbTheOthers) {
   run("SELECT OBJECTPATH(T_Disk) AS P, INSTANCEOF(T_Disk) AS I FROM T_Disk");
 }
 
-TEST_F(Answers, associatorsThatAreNullHoldNothingOrFail) {
+TEST_F(Answers, AssociatorsThatAreNullHoldNothingOrFail) {
   FaultyPlatform::setAssociators([](const CIMApi::Instances&) { return CIMApi::Instances(); });
   run(kMembers);
   const std::vector<std::string> members = {"p|d1", "p|d2"};
@@ -72,7 +72,7 @@ TEST_F(Answers, associatorsThatAreNullHoldNothingOrFail) {
   EXPECT_EQ(run(kMembers).rows, members);
 }
 
-TEST_F(Answers, anAssociateThatIsNamedTwice) {
+TEST_F(Answers, AnAssociateThatIsNamedTwice) {
   FaultyPlatform::setAssociators([](const CIMApi::Instances& found) {
     const CIMApi::Instances list(new QORValSlist<QORSmrPtr<IQoriObject>>);
     list->append(*found);
@@ -86,7 +86,7 @@ TEST_F(Answers, anAssociateThatIsNamedTwice) {
       (std::vector<std::string>{"p|d1", "p|d2"}));
 }
 
-TEST_F(Answers, anInstanceThatIsGoneIsToldByTheLog) {
+TEST_F(Answers, AnInstanceThatIsGoneIsToldByTheLog) {
   FaultyPlatform::setInstances([](const QORSmrPtr<IQoriObject>&) { return QORSmrPtr<IQoriObject>(); });
   const FaultOutcome outcome = run("SELECT INSTANCEOF(d) AS I FROM T_Disk AS d WHERE Name = 'd2'");
   EXPECT_EQ(outcome.rows, (std::vector<std::string>{"instance of T_Disk { Name = \"d2\"; };"})) << "what the row has";
@@ -94,7 +94,7 @@ TEST_F(Answers, anInstanceThatIsGoneIsToldByTheLog) {
             "QORQL_Function::evaluate(): GetInstance failed while evaluating row for function 'INSTANCEOF'");
 }
 
-TEST_F(Answers, exceptionsOfTheClientPassThrough) {
+TEST_F(Answers, ExceptionsOfTheClientPassThrough) {
   const auto failWith = [](auto error) {
     return [error](const CIMApi::Instances&) -> CIMApi::Instances { throw error; };
   };
@@ -111,7 +111,7 @@ TEST_F(Answers, exceptionsOfTheClientPassThrough) {
   EXPECT_EQ(run(kMembers).error, "std: no luck");
 }
 
-TEST_F(Answers, aProvidersFailureIsTold) {
+TEST_F(Answers, AProvidersFailureIsTold) {
   FaultyPlatform::setEnumerations(
       [](const CIMApi::Instances&) -> CIMApi::Instances { throw CQoriProviderException("disks", "no luck", 1); });
   const FaultOutcome outcome = run(kDisks);
@@ -129,7 +129,7 @@ QORSmrPtr<IQoriObject> strange() {
   return QORSmrPtr<IQoriObject>(new CQoriBaseObject("", "Strange", "Name", properties));
 }
 
-TEST_F(Answers, instancesOfGarbageGiveAResultOrAnError) {
+TEST_F(Answers, InstancesOfGarbageGiveAResultOrAnError) {
   FaultyPlatform::setEnumerations([](const CIMApi::Instances& found) {
     const CIMApi::Instances list(new QORValSlist<QORSmrPtr<IQoriObject>>);
     list->append(strange());
@@ -143,7 +143,7 @@ TEST_F(Answers, instancesOfGarbageGiveAResultOrAnError) {
             "runtime 0: A non-existent property - 'Slot' was requested from class - 'T_DISK'");
 }
 
-TEST_F(Answers, instancesThatAreReadByNameAloneMayComeBehindOthers) {
+TEST_F(Answers, InstancesThatAreReadByNameAloneMayComeBehindOthers) {
   FaultyPlatform::setEnumerations([](const CIMApi::Instances& found) {
     const CIMApi::Instances list(new QORValSlist<QORSmrPtr<IQoriObject>>);
     list->append(*found);
@@ -170,7 +170,7 @@ class GarbageProvider : public InstanceProvider {
   }
 };
 
-TEST_F(Answers, aProviderOfGarbageIsHeldToItsClass) {
+TEST_F(Answers, AProviderOfGarbageIsHeldToItsClass) {
   MofLoader(world.manager().sink())
       .loadText("class T_Live { [Key] string Id; uint8 Small; uint16 List[]; boolean Is; };", "live");
   world.manager().registerProvider("root/cimv2", std::make_shared<GarbageProvider>());
@@ -184,7 +184,7 @@ TEST_F(Answers, aProviderOfGarbageIsHeldToItsClass) {
   EXPECT_EQ(run(kDisks).rows.size(), 3U) << "the next query works";
 }
 
-TEST_F(Answers, aHugeExtentCostsMemoryInProportion) {
+TEST_F(Answers, AHugeExtentCostsMemoryInProportion) {
   std::string mof = "class T_Many { [Key] uint32 Id; };";
   MofLoader(world.manager().sink()).loadText(mof, "many");
   CimInstanceDeclaration declaration;

@@ -39,7 +39,7 @@ instance of C { Id = 2; };
   QueryOutcome run(const std::string& query) { return world.runIn(query, QORQL_DataTable::kExecutionLazy); }
 };
 
-TEST_F(GreatSizes, aStatementOfTenMegabytes) {
+TEST_F(GreatSizes, AStatementOfTenMegabytes) {
   std::string query = "SELECT Id FROM C WHERE Text = 'one'";
   const std::string term = " OR Text = '" + std::string(180, 'x') + "'";
   while (query.size() < 10 * kMillion) query += term;
@@ -50,7 +50,7 @@ TEST_F(GreatSizes, aStatementOfTenMegabytes) {
             "parse 2 line 10000001: unexpected token ',' found");
 }
 
-TEST_F(GreatSizes, namesOfAMegabyteInEveryPlace) {
+TEST_F(GreatSizes, NamesOfAMegabyteInEveryPlace) {
   const std::string name(kMillion, 'n');
   const std::string capitals(kMillion, 'N');  // as aliases are kept
   EXPECT_THAT(run("SELECT " + name + ".Id FROM C AS " + name).rows, ElementsAre("1", "2"));
@@ -62,14 +62,14 @@ TEST_F(GreatSizes, namesOfAMegabyteInEveryPlace) {
   EXPECT_EQ(run("SELECT Id FROM C FORMAT AS " + name).error.substr(0, 7), "parse 2");
 }
 
-TEST_F(GreatSizes, literalsOfTenMegabytes) {
+TEST_F(GreatSizes, LiteralsOfTenMegabytes) {
   const std::string letters(10 * kMillion, 'x');
   EXPECT_THAT(run("SELECT '" + letters + "' AS X FROM C WHERE Id = 1").rows, ElementsAre(letters));
   EXPECT_NE(run("SELECT Id FROM C WHERE Id = '" + letters).error, "") << "without its end";
   EXPECT_EQ(run("SELECT Id FROM C WHERE Id < " + std::string(10 * kMillion, '9')).error, "");
 }
 
-TEST_F(GreatSizes, aThousandClassesInFrom) {
+TEST_F(GreatSizes, AThousandClassesInFrom) {
   constexpr int kClasses = 1000;
   std::string mof;
   std::string from;
@@ -84,7 +84,7 @@ TEST_F(GreatSizes, aThousandClassesInFrom) {
   EXPECT_THAT(run("SELECT * FROM " + from).columns, SizeIs(2 * kClasses));
 }
 
-TEST_F(GreatSizes, everyByteAtEveryPlaceOfAShortQuery) {
+TEST_F(GreatSizes, EveryByteAtEveryPlaceOfAShortQuery) {
   const SilentOutput silent;
   const std::string query = "SELECT Id FROM C WHERE Id*2.5 = 'a' ORDER BY Id ASC";
   for (std::size_t place = 0; place <= query.size(); ++place) {
@@ -101,7 +101,7 @@ TEST_F(GreatSizes, everyByteAtEveryPlaceOfAShortQuery) {
   }
 }
 
-TEST_F(GreatSizes, everyByteAtEveryPlaceOfAShortFilter) {
+TEST_F(GreatSizes, EveryByteAtEveryPlaceOfAShortFilter) {
   const SilentOutput silent;
   const QORSmrPtr<IQoriObject> instance(
       MofLoader(world.manager().sink()).readInstances("instance of C { Id = 1; };", "instance").at(0));

@@ -20,9 +20,9 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::UnorderedElementsAre;
 
-class FakeObjectManagerTest : public ::testing::Test {
+class FakeObjectManagers : public ::testing::Test {
  protected:
-  FakeObjectManagerTest() {
+  FakeObjectManagers() {
     _manager.reset();
     _manager.addClass({"Fake_Disk", {"Name", "Size"}, {}});
     _manager.addClass({"Fake_Host", {"Name"}, {}});
@@ -49,7 +49,7 @@ class FakeObjectManagerTest : public ::testing::Test {
   QORSmrPtr<QORQL_DataTable> _table;
 };
 
-TEST_F(FakeObjectManagerTest, RunsAQueryFromTextToStream) {
+TEST_F(FakeObjectManagers, RunsAQueryFromTextToStream) {
   EXPECT_EQ(run("SELECT d.Name, Size FROM Fake_Disk AS d WHERE Size > 15 ORDER BY Size DESC"),
             "\n<IRETURNVALUE>\n<TABLE>\n"
             "<TABLEROW.DECLARATION>\n"
@@ -65,7 +65,7 @@ TEST_F(FakeObjectManagerTest, RunsAQueryFromTextToStream) {
   EXPECT_THAT(_manager.encodedTexts, IsEmpty());
 }
 
-TEST_F(FakeObjectManagerTest, TextIsWrittenAsThePlatformEncodesIt) {
+TEST_F(FakeObjectManagers, TextIsWrittenAsThePlatformEncodesIt) {
   _manager.addInstance("Fake_Disk", {{"Name", "<d> & 'e'"}, {"Size", "5"}});
   _manager.addInstance("Fake_Disk", {{"Name", "f/g"}, {"Size", "6"}});
   const std::string stream = run("SELECT Name, Name + ';' AS Twice FROM Fake_Disk WHERE Size < 10");
@@ -76,7 +76,7 @@ TEST_F(FakeObjectManagerTest, TextIsWrittenAsThePlatformEncodesIt) {
 }
 
 // rule: FROM-9
-TEST_F(FakeObjectManagerTest, EnumeratesEachClassOnceWithThePropertiesAndTheQuery) {
+TEST_F(FakeObjectManagers, EnumeratesEachClassOnceWithThePropertiesAndTheQuery) {
   const char* const text = "SELECT d.Name FROM Fake_Disk AS d WHERE d.Size > 15";
   run(text);
   ASSERT_EQ(_manager.calls.size(), 1u);
@@ -91,19 +91,19 @@ TEST_F(FakeObjectManagerTest, EnumeratesEachClassOnceWithThePropertiesAndTheQuer
   EXPECT_EQ(call.queryLanguage, "QORQL");
 }
 
-TEST_F(FakeObjectManagerTest, SelectAllAsksForEveryProperty) {
+TEST_F(FakeObjectManagers, SelectAllAsksForEveryProperty) {
   run("SELECT * FROM Fake_Host");
   ASSERT_EQ(_manager.calls.size(), 1u);
   EXPECT_TRUE(_manager.calls.front().wantsAll);
 }
 
-TEST_F(FakeObjectManagerTest, AnEmptyLanguageSendsNoTransaction) {
+TEST_F(FakeObjectManagers, AnEmptyLanguageSendsNoTransaction) {
   run("SELECT Name FROM Fake_Host", "");
   ASSERT_EQ(_manager.calls.size(), 1u);
   EXPECT_EQ(_manager.calls.front().queryText, "");
 }
 
-TEST_F(FakeObjectManagerTest, TracesEachEnumerationInTheManagersChannel) {
+TEST_F(FakeObjectManagers, TracesEachEnumerationInTheManagersChannel) {
   run("SELECT Name FROM Fake_Host");
   ASSERT_EQ(_manager.log.size(), 1u);
   const FakeLogLine& line = _manager.log.front();
@@ -115,7 +115,7 @@ TEST_F(FakeObjectManagerTest, TracesEachEnumerationInTheManagersChannel) {
   EXPECT_EQ(line.channel, QORLog::CIMOMLOG);
 }
 
-TEST_F(FakeObjectManagerTest, AnAssociationAsksForTheAssociatesOfEachSource) {
+TEST_F(FakeObjectManagers, AnAssociationAsksForTheAssociatesOfEachSource) {
   _manager.addAssociate("root/fake:Fake_Disk.Name=\"a\"", "root/fake:Fake_Host.Name=\"h\"");
   const std::string stream =
       run("SELECT d.Name, h.Name FROM Fake_Disk AS d, Fake_Host AS h WHERE Fake_On = d AND Fake_On = h");
@@ -131,7 +131,7 @@ TEST_F(FakeObjectManagerTest, AnAssociationAsksForTheAssociatesOfEachSource) {
   EXPECT_EQ(call.timeout, CIMApi::DefaultTimeout);
 }
 
-TEST_F(FakeObjectManagerTest, InstanceOfFetchesTheWholeInstance) {
+TEST_F(FakeObjectManagers, InstanceOfFetchesTheWholeInstance) {
   run("SELECT h.Name, INSTANCEOF(h) AS whole FROM Fake_Host AS h");
   ASSERT_EQ(_manager.calls.size(), 2u);
   const FakeCall& call = _manager.calls[1];
@@ -141,20 +141,20 @@ TEST_F(FakeObjectManagerTest, InstanceOfFetchesTheWholeInstance) {
   EXPECT_EQ(call.timeout, CIMApi::DefaultTimeout);
 }
 
-TEST_F(FakeObjectManagerTest, AReferenceIsStreamedByThePlatform) {
+TEST_F(FakeObjectManagers, AReferenceIsStreamedByThePlatform) {
   const std::string stream = run("SELECT OBJECTPATH(h) AS path FROM Fake_Host AS h");
   EXPECT_THAT(stream,
               ::testing::HasSubstr("<VALUE.REFERENCE>[root/fake:Fake_Host.Name=\"h\"|||10]</VALUE.REFERENCE>\n"));
 }
 
-TEST_F(FakeObjectManagerTest, TheConfigurationIsReadOnceInAProcess) {
+TEST_F(FakeObjectManagers, TheConfigurationIsReadOnceInAProcess) {
   run("SELECT Name FROM Fake_Host");
   _manager.configurationReads.clear();
   run("SELECT Name FROM Fake_Host");
   EXPECT_THAT(_manager.configurationReads, IsEmpty());
 }
 
-TEST_F(FakeObjectManagerTest, AMissingListIsAnErrorAndIsLogged) {
+TEST_F(FakeObjectManagers, AMissingListIsAnErrorAndIsLogged) {
   _manager.failEnumeration = true;
   const char* const message = "Enumerateinstance call for 'FAKE_HOST' returned NULL";
   try {
@@ -169,7 +169,7 @@ TEST_F(FakeObjectManagerTest, AMissingListIsAnErrorAndIsLogged) {
   EXPECT_EQ(_manager.log[1].severity, 1u);
 }
 
-TEST_F(FakeObjectManagerTest, AProvidersFailurePassesThrough) {
+TEST_F(FakeObjectManagers, AProvidersFailurePassesThrough) {
   _manager.failEnumerationMessage = "the disk is on fire";
   try {
     run("SELECT Name FROM Fake_Host");

@@ -8,7 +8,7 @@ using cimxmltest::Object;
 using cimxmltest::replyTo;
 using ::testing::HasSubstr;
 
-class CimXmlReplyTest : public cimxmltest::CimXmlTest {
+class CimXmlReplies : public cimxmltest::CimXmlTest {
  protected:
   Object readProperty(const std::string& property) {
     return readOne("<INSTANCE CLASSNAME=\"C\">" + property + "</INSTANCE>");
@@ -22,12 +22,12 @@ class CimXmlReplyTest : public cimxmltest::CimXmlTest {
   }
 };
 
-TEST_F(CimXmlReplyTest, TakesAnEmptyReply) {
+TEST_F(CimXmlReplies, TakesAnEmptyReply) {
   EXPECT_TRUE(read(replyTo("EnumerateInstances", "")).empty());
   EXPECT_TRUE(read(replyTo("EnumerateInstances", "<IRETURNVALUE/>")).empty());
 }
 
-TEST_F(CimXmlReplyTest, KeepsTheNameOfANamedInstance) {
+TEST_F(CimXmlReplies, KeepsTheNameOfANamedInstance) {
   const Object object = readOne(
       "<VALUE.NAMEDINSTANCE><INSTANCENAME CLASSNAME=\"C\"><KEYBINDING NAME=\"Id\"><KEYVALUE VALUETYPE=\"numeric\" "
       "TYPE=\"uint8\">7</KEYVALUE></KEYBINDING></INSTANCENAME><INSTANCE CLASSNAME=\"C\"><PROPERTY NAME=\"Id\" "
@@ -36,7 +36,7 @@ TEST_F(CimXmlReplyTest, KeepsTheNameOfANamedInstance) {
   EXPECT_EQ(typeOf(object, "Id"), "uint8");
 }
 
-TEST_F(CimXmlReplyTest, ReadsIntegersInEveryFormThatMeansOneThing) {
+TEST_F(CimXmlReplies, ReadsIntegersInEveryFormThatMeansOneThing) {
   EXPECT_EQ(readAs("uint8", " 7 "), "7");
   EXPECT_EQ(readAs("uint8", "\n007\n"), "7");
   EXPECT_EQ(readAs("uint8", "+7"), "7");
@@ -47,7 +47,7 @@ TEST_F(CimXmlReplyTest, ReadsIntegersInEveryFormThatMeansOneThing) {
   EXPECT_EQ(readAs("uint8", "-0"), "0");
 }
 
-TEST_F(CimXmlReplyTest, RefusesIntegersOutOfTheirRange) {
+TEST_F(CimXmlReplies, RefusesIntegersOutOfTheirRange) {
   EXPECT_EQ(readAs("uint8", "256"), "found \"256\" for P, expected a uint8");
   EXPECT_EQ(readAs("sint8", "-129"), "found \"-129\" for P, expected a sint8");
   EXPECT_EQ(readAs("sint8", "128"), "found \"128\" for P, expected a sint8");
@@ -60,7 +60,7 @@ TEST_F(CimXmlReplyTest, RefusesIntegersOutOfTheirRange) {
   EXPECT_EQ(readAs("uint8", "+-1"), "found \"+-1\" for P, expected a uint8");
 }
 
-TEST_F(CimXmlReplyTest, ReadsReals) {
+TEST_F(CimXmlReplies, ReadsReals) {
   EXPECT_EQ(readAs("real64", "1.5E3"), "1500");
   EXPECT_EQ(readAs("real64", " -2.5 "), "-2.5");
   EXPECT_EQ(readAs("real32", "+0.5"), "0.5");
@@ -73,7 +73,7 @@ TEST_F(CimXmlReplyTest, ReadsReals) {
   EXPECT_EQ(readAs("real32", "-INF"), "-inf");
 }
 
-TEST_F(CimXmlReplyTest, ReadsBooleansCharactersAndDatetimes) {
+TEST_F(CimXmlReplies, ReadsBooleansCharactersAndDatetimes) {
   EXPECT_EQ(readAs("boolean", " True "), "TRUE");
   EXPECT_EQ(readAs("boolean", "fALSE"), "FALSE");
   EXPECT_EQ(readAs("boolean", "1"), "found \"1\" for P, expected a boolean");
@@ -83,13 +83,13 @@ TEST_F(CimXmlReplyTest, ReadsBooleansCharactersAndDatetimes) {
   EXPECT_EQ(readAs("datetime", "yesterday"), "found \"yesterday\" for P, expected a datetime");
 }
 
-TEST_F(CimXmlReplyTest, ReadsStringsAsTheyAre) {
+TEST_F(CimXmlReplies, ReadsStringsAsTheyAre) {
   EXPECT_EQ(readAs("string", "  a&lt;b&amp;&apos;c  "), "  a<b&'c  ");
   EXPECT_EQ(readAs("string", "<![CDATA[a<b]]>&#65;"), "a<bA");
   EXPECT_EQ(readAs("string", ""), "");
 }
 
-TEST_F(CimXmlReplyTest, TellsNullFromEmpty) {
+TEST_F(CimXmlReplies, TellsNullFromEmpty) {
   EXPECT_EQ(textOf(readProperty("<PROPERTY NAME=\"P\" TYPE=\"string\"/>"), "P"), "NULL");
   EXPECT_EQ(textOf(readProperty("<PROPERTY NAME=\"P\" TYPE=\"string\"><VALUE/></PROPERTY>"), "P"), "");
   EXPECT_EQ(textOf(readProperty("<PROPERTY.ARRAY NAME=\"P\" TYPE=\"string\"/>"), "P"), "NULL");
@@ -98,7 +98,7 @@ TEST_F(CimXmlReplyTest, TellsNullFromEmpty) {
             "");
 }
 
-TEST_F(CimXmlReplyTest, ReadsArraysWithNullElements) {
+TEST_F(CimXmlReplies, ReadsArraysWithNullElements) {
   const Object object = readProperty(
       "<PROPERTY.ARRAY NAME=\"P\" TYPE=\"uint16\"><VALUE.ARRAY>\n <VALUE>2</VALUE>\n <VALUE.NULL/> "
       "<VALUE>3</VALUE></VALUE.ARRAY></PROPERTY.ARRAY>");
@@ -106,7 +106,7 @@ TEST_F(CimXmlReplyTest, ReadsArraysWithNullElements) {
   EXPECT_THAT(mof(object), HasSubstr("P = {2, NULL, 3};"));
 }
 
-TEST_F(CimXmlReplyTest, ReadsReferencesInTheirSixForms) {
+TEST_F(CimXmlReplies, ReadsReferencesInTheirSixForms) {
   const std::string name =
       "<INSTANCENAME CLASSNAME=\"D\"><KEYBINDING NAME=\"K\"><KEYVALUE VALUETYPE=\"string\" TYPE=\"string\">v"
       "</KEYVALUE></KEYBINDING></INSTANCENAME>";
@@ -128,7 +128,7 @@ TEST_F(CimXmlReplyTest, ReadsReferencesInTheirSixForms) {
   EXPECT_EQ(read("<CLASSPATH>" + full + "<CLASSNAME NAME=\"D\"/></CLASSPATH>"), "h:5988|root/x:D");
 }
 
-TEST_F(CimXmlReplyTest, ReadsANamespaceThatStandsInOneElementAndAPathWithoutHost) {
+TEST_F(CimXmlReplies, ReadsANamespaceThatStandsInOneElementAndAPathWithoutHost) {
   const Object object = readProperty(
       "<PROPERTY.REFERENCE NAME=\"P\"><VALUE.REFERENCE><INSTANCEPATH><NAMESPACEPATH><LOCALNAMESPACEPATH>"
       "<NAMESPACE NAME=\"root/x\"/></LOCALNAMESPACEPATH></NAMESPACEPATH><INSTANCENAME CLASSNAME=\"D\"/>"
@@ -136,7 +136,7 @@ TEST_F(CimXmlReplyTest, ReadsANamespaceThatStandsInOneElementAndAPathWithoutHost
   EXPECT_EQ(textOf(object, "P"), "root/x:D");
 }
 
-TEST_F(CimXmlReplyTest, GuessesTheTypeOfAKeyThatHasNone) {
+TEST_F(CimXmlReplies, GuessesTheTypeOfAKeyThatHasNone) {
   const auto key = [this](const std::string& valueType, const std::string& text) {
     const std::string attribute = valueType.empty() ? "" : " VALUETYPE=\"" + valueType + '"';
     return textOf(readProperty("<PROPERTY.REFERENCE NAME=\"P\"><VALUE.REFERENCE><INSTANCENAME CLASSNAME=\"D\">"
@@ -154,7 +154,7 @@ TEST_F(CimXmlReplyTest, GuessesTheTypeOfAKeyThatHasNone) {
   EXPECT_EQ(key("", "7"), "root/cimv2:D.K=\"7\"");
 }
 
-TEST_F(CimXmlReplyTest, ReadsAKeyThatIsAReference) {
+TEST_F(CimXmlReplies, ReadsAKeyThatIsAReference) {
   const Object object = readProperty(
       "<PROPERTY.REFERENCE NAME=\"P\"><VALUE.REFERENCE><INSTANCENAME CLASSNAME=\"L\"><KEYBINDING NAME=\"A\">"
       "<VALUE.REFERENCE><INSTANCENAME CLASSNAME=\"D\"><KEYBINDING NAME=\"K\"><KEYVALUE>v</KEYVALUE></KEYBINDING>"
@@ -162,7 +162,7 @@ TEST_F(CimXmlReplyTest, ReadsAKeyThatIsAReference) {
   EXPECT_EQ(textOf(object, "P"), "root/cimv2:L.A=\"root/cimv2:D.K=\\\"v\\\"\"");
 }
 
-TEST_F(CimXmlReplyTest, TakesTheFirstOfAPropertyThatComesTwice) {
+TEST_F(CimXmlReplies, TakesTheFirstOfAPropertyThatComesTwice) {
   const Object object = readProperty(
       "<PROPERTY NAME=\"P\" TYPE=\"uint8\"><VALUE>1</VALUE></PROPERTY><PROPERTY NAME=\"Q\" TYPE=\"uint8\"/>"
       "<PROPERTY NAME=\"p\" TYPE=\"uint8\"><VALUE>2</VALUE></PROPERTY>");
@@ -170,7 +170,7 @@ TEST_F(CimXmlReplyTest, TakesTheFirstOfAPropertyThatComesTwice) {
   EXPECT_EQ(object->getPropertyCount(), 2U);
 }
 
-TEST_F(CimXmlReplyTest, TakesEveryPropertyOfAnInstanceAfterOneWithARepetition) {
+TEST_F(CimXmlReplies, TakesEveryPropertyOfAnInstanceAfterOneWithARepetition) {
   const auto one = [](const std::string& last) {
     return "<INSTANCE CLASSNAME=\"C\"><PROPERTY NAME=\"P\" TYPE=\"uint8\"/><PROPERTY NAME=\"Q\" TYPE=\"uint8\"/>"
            "<PROPERTY NAME=\"" +
@@ -182,7 +182,7 @@ TEST_F(CimXmlReplyTest, TakesEveryPropertyOfAnInstanceAfterOneWithARepetition) {
   EXPECT_EQ(textOf(objects.at(2), "Q"), "NULL");
 }
 
-TEST_F(CimXmlReplyTest, GivesEachInstanceTheNamespaceOfItsName) {
+TEST_F(CimXmlReplies, GivesEachInstanceTheNamespaceOfItsName) {
   const auto one = [](const std::string& nameSpace) {
     return "<VALUE.OBJECTWITHPATH><INSTANCEPATH><NAMESPACEPATH><HOST>h</HOST><LOCALNAMESPACEPATH><NAMESPACE NAME=\"" +
            nameSpace +
@@ -195,18 +195,18 @@ TEST_F(CimXmlReplyTest, GivesEachInstanceTheNamespaceOfItsName) {
   EXPECT_EQ(objects.at(2)->getNameSpace(), "root/cimv2");
 }
 
-TEST_F(CimXmlReplyTest, TakesAPropertyWithoutTypeAsText) {
+TEST_F(CimXmlReplies, TakesAPropertyWithoutTypeAsText) {
   EXPECT_EQ(typeOf(readProperty("<PROPERTY NAME=\"P\"><VALUE>7</VALUE></PROPERTY>"), "P"), "string");
 }
 
-TEST_F(CimXmlReplyTest, PassesOverQualifiersAndUnknownElements) {
+TEST_F(CimXmlReplies, PassesOverQualifiersAndUnknownElements) {
   const Object object = readProperty(
       "<QUALIFIER NAME=\"Q\" TYPE=\"string\"><VALUE>x</VALUE></QUALIFIER><ODD a=\"1\">text<MORE/></ODD>"
       "<PROPERTY NAME=\"P\" TYPE=\"uint8\"><QUALIFIER NAME=\"Q\" TYPE=\"string\"/><VALUE>1</VALUE></PROPERTY>");
   EXPECT_EQ(textOf(object, "P"), "1");
 }
 
-TEST_F(CimXmlReplyTest, ReadsEmbeddedObjectsInBothSpellings) {
+TEST_F(CimXmlReplies, ReadsEmbeddedObjectsInBothSpellings) {
   const std::string inner =
       "&lt;INSTANCE CLASSNAME=&quot;I&quot;&gt;&lt;PROPERTY NAME=&quot;X&quot; TYPE=&quot;uint8&quot;&gt;"
       "&lt;VALUE&gt;5&lt;/VALUE&gt;&lt;/PROPERTY&gt;&lt;/INSTANCE&gt;";
@@ -222,7 +222,7 @@ TEST_F(CimXmlReplyTest, ReadsEmbeddedObjectsInBothSpellings) {
   EXPECT_EQ(typeOf(array, "P"), "object[]");
 }
 
-TEST_F(CimXmlReplyTest, ReadsAnEmbeddedClass) {
+TEST_F(CimXmlReplies, ReadsAnEmbeddedClass) {
   const Object object = readProperty(
       "<PROPERTY NAME=\"P\" TYPE=\"string\" EmbeddedObject=\"object\"><VALUE>&lt;CLASS NAME=&quot;N&quot;&gt;"
       "&lt;PROPERTY NAME=&quot;X&quot; TYPE=&quot;uint8&quot;&gt;&lt;VALUE&gt;3&lt;/VALUE&gt;&lt;/PROPERTY&gt;"
@@ -231,13 +231,13 @@ TEST_F(CimXmlReplyTest, ReadsAnEmbeddedClass) {
   EXPECT_THAT(textOf(object, "P"), HasSubstr("X = 3"));
 }
 
-TEST_F(CimXmlReplyTest, TellsTheFaultOfAnEmbeddedObjectAtThePlaceOfItsText) {
+TEST_F(CimXmlReplies, TellsTheFaultOfAnEmbeddedObjectAtThePlaceOfItsText) {
   EXPECT_EQ(faultOf(instances("\n<INSTANCE CLASSNAME=\"C\">\n<PROPERTY NAME=\"P\" TYPE=\"string\" "
                               "EmbeddedObject=\"instance\"><VALUE>&lt;INSTANCE&gt;</VALUE></PROPERTY></INSTANCE>")),
             "the object in P cannot be read: an INSTANCE has no CLASSNAME at line 5, column 67");
 }
 
-TEST_F(CimXmlReplyTest, GivesTheStatusThatAServerAnswers) {
+TEST_F(CimXmlReplies, GivesTheStatusThatAServerAnswers) {
   const std::string document = replyTo("EnumerateInstances", "<ERROR CODE=\"2\" DESCRIPTION=\"no &lt;rights&gt;\"/>");
   try {
     read(document);
@@ -252,7 +252,7 @@ TEST_F(CimXmlReplyTest, GivesTheStatusThatAServerAnswers) {
   EXPECT_THAT(faultOf(document.substr(0, document.size() - 20)), HasSubstr("the document ends too early"));
 }
 
-TEST_F(CimXmlReplyTest, NamesTheStatuses) {
+TEST_F(CimXmlReplies, NamesTheStatuses) {
   EXPECT_EQ(cimxml::statusText(1), "CIM_ERR_FAILED (1)");
   EXPECT_EQ(cimxml::statusText(28), "CIM_ERR_SERVER_IS_SHUTTING_DOWN (28)");
   EXPECT_EQ(cimxml::statusText(18), "CIM status 18");
@@ -260,7 +260,7 @@ TEST_F(CimXmlReplyTest, NamesTheStatuses) {
   EXPECT_EQ(cimxml::statusText(0), "CIM status 0");
 }
 
-TEST_F(CimXmlReplyTest, GivesOutputsAfterTheValues) {
+TEST_F(CimXmlReplies, GivesOutputsAfterTheValues) {
   const std::string document = replyTo(
       "OpenEnumerateInstances",
       "<IRETURNVALUE><VALUE.INSTANCEWITHPATH><INSTANCEPATH><NAMESPACEPATH><HOST>h</HOST><LOCALNAMESPACEPATH>"
@@ -280,7 +280,7 @@ TEST_F(CimXmlReplyTest, GivesOutputsAfterTheValues) {
   EXPECT_EQ(reply.next(), Item::End);
 }
 
-TEST_F(CimXmlReplyTest, GivesClassNames) {
+TEST_F(CimXmlReplies, GivesClassNames) {
   CimXmlReply reply(
       cimxmltest::inPieces(
           replyTo("EnumerateClassNames", "<IRETURNVALUE><CLASSNAME NAME=\"A\"/><CLASSNAME NAME=\"B\"/></IRETURNVALUE>"),
@@ -291,7 +291,7 @@ TEST_F(CimXmlReplyTest, GivesClassNames) {
   EXPECT_EQ(names, "AB");
 }
 
-TEST_F(CimXmlReplyTest, RefusesAReplyToSomethingElse) {
+TEST_F(CimXmlReplies, RefusesAReplyToSomethingElse) {
   const std::string other = replyTo("GetClass", "");
   EXPECT_EQ(faultOf(other), "the reply is to GetClass, expected EnumerateInstances at line 3, column 50");
   std::string wrongId = replyTo("EnumerateInstances", "");
@@ -301,17 +301,17 @@ TEST_F(CimXmlReplyTest, RefusesAReplyToSomethingElse) {
   EXPECT_EQ(faultOf("<CIM CIMVERSION=\"1.0\"/>"), "CIMVERSION is \"1.0\", expected 2.x at line 1, column 1");
 }
 
-TEST_F(CimXmlReplyTest, TakesTheOperationInAnotherCase) {
+TEST_F(CimXmlReplies, TakesTheOperationInAnotherCase) {
   EXPECT_TRUE(read(replyTo("enumerateinstances", "<IRETURNVALUE/>")).empty());
 }
 
-TEST_F(CimXmlReplyTest, RefusesAPropertyOfATypeThatIsNone) {
+TEST_F(CimXmlReplies, RefusesAPropertyOfATypeThatIsNone) {
   EXPECT_EQ(readAs("uint7", "1"), "property P has the unknown type \"uint7\"");
   EXPECT_EQ(readAs("reference", "x"), "property P has the unknown type \"reference\"");
   EXPECT_EQ(readAs("object", "x"), "property P has the unknown type \"object\"");
 }
 
-TEST_F(CimXmlReplyTest, RefusesWhatIsNoXml) {
+TEST_F(CimXmlReplies, RefusesWhatIsNoXml) {
   EXPECT_EQ(faultOf(""), "the document ends too early at line 1, column 1");
   EXPECT_THAT(faultOf("no xml"), HasSubstr("the document is no sound XML: "));
   EXPECT_THAT(faultOf(instances("<INSTANCE CLASSNAME=\"\xFF\"/>")),
@@ -321,14 +321,14 @@ TEST_F(CimXmlReplyTest, RefusesWhatIsNoXml) {
   EXPECT_THAT(faultOf(instances("") + "<CIM/>"), HasSubstr("junk after document element"));
 }
 
-TEST_F(CimXmlReplyTest, RefusesADoctype) {
+TEST_F(CimXmlReplies, RefusesADoctype) {
   EXPECT_THAT(
       faultOf("<?xml version=\"1.0\"?>\n<!DOCTYPE CIM SYSTEM \"http://127.0.0.1/x\" [<!ENTITY a \"b\">]><CIM/>"),
       HasSubstr("a DOCTYPE is not accepted at line 2, column "));
   EXPECT_THAT(faultOf("<!DOCTYPE CIM><CIM/>"), HasSubstr("a DOCTYPE is not accepted at line 1, column "));
 }
 
-TEST_F(CimXmlReplyTest, RefusesATextWhereElementsBelong) {
+TEST_F(CimXmlReplies, RefusesATextWhereElementsBelong) {
   EXPECT_THAT(faultOf(instances("text")), HasSubstr("text is not allowed here at line 3, column "));
   EXPECT_THAT(faultOf(instances("<INSTANCE CLASSNAME=\"C\">x</INSTANCE>")), HasSubstr("text is not allowed here"));
   EXPECT_THAT(faultOf(instances("<INSTANCE CLASSNAME=\"C\"><CLASS/></INSTANCE>")),
@@ -337,7 +337,7 @@ TEST_F(CimXmlReplyTest, RefusesATextWhereElementsBelong) {
 }
 
 // The text of a path doubles with each level, as a key that is a reference is quoted in it.
-TEST_F(CimXmlReplyTest, BoundsTheNestingAndTheLengthOfKeys) {
+TEST_F(CimXmlReplies, BoundsTheNestingAndTheLengthOfKeys) {
   const auto nested = [](int levels, const std::string& text) {
     std::string path = "<INSTANCENAME CLASSNAME=\"C\"><KEYBINDING NAME=\"K\"><KEYVALUE>" + text +
                        "</KEYVALUE></KEYBINDING></INSTANCENAME>";
@@ -353,13 +353,13 @@ TEST_F(CimXmlReplyTest, BoundsTheNestingAndTheLengthOfKeys) {
   EXPECT_THAT(faultOf(nested(0, std::string((1 << 16) + 1, 'x'))), HasSubstr("a key is longer than 65536 bytes"));
 }
 
-TEST_F(CimXmlReplyTest, BoundsTheDepth) {
+TEST_F(CimXmlReplies, BoundsTheDepth) {
   std::string skipped;
   for (int i = 0; i < 200; ++i) skipped += "<ODD>";
   EXPECT_THAT(faultOf(instances("<INSTANCE CLASSNAME=\"C\">" + skipped)), HasSubstr("elements nest deeper than 100"));
 }
 
-TEST_F(CimXmlReplyTest, BoundsTheNestingOfEmbeddedObjects) {
+TEST_F(CimXmlReplies, BoundsTheNestingOfEmbeddedObjects) {
   std::string nested = "<INSTANCE CLASSNAME=\"C\"/>";
   for (int i = 0; i < 17; ++i) {
     std::string value;
@@ -370,17 +370,17 @@ TEST_F(CimXmlReplyTest, BoundsTheNestingOfEmbeddedObjects) {
   EXPECT_THAT(faultOf(instances(nested)), HasSubstr("embedded objects nest deeper than 16"));
 }
 
-TEST_F(CimXmlReplyTest, BoundsATag) {
+TEST_F(CimXmlReplies, BoundsATag) {
   const std::string tag = "<INSTANCE CLASSNAME=\"" + std::string(3 << 20, 'x') + "\"/>";
   EXPECT_THAT(faultOf(instances(tag)), HasSubstr("a tag is longer than 1048576 bytes"));
 }
 
-TEST_F(CimXmlReplyTest, TakesAGreatText) {
+TEST_F(CimXmlReplies, TakesAGreatText) {
   const std::string text(10 << 20, 'y');
   EXPECT_EQ(readAs("string", text), text);
 }
 
-TEST_F(CimXmlReplyTest, ReadsTheSameInPiecesOfAnySize) {
+TEST_F(CimXmlReplies, ReadsTheSameInPiecesOfAnySize) {
   const std::string document = instances(
       "\n<VALUE.NAMEDINSTANCE><INSTANCENAME CLASSNAME=\"C\"><KEYBINDING NAME=\"K\"><KEYVALUE>v&amp;w</KEYVALUE>"
       "</KEYBINDING></INSTANCENAME><INSTANCE CLASSNAME=\"C\"><PROPERTY NAME=\"K\" TYPE=\"string\"><VALUE>v&amp;w"
@@ -390,7 +390,7 @@ TEST_F(CimXmlReplyTest, ReadsTheSameInPiecesOfAnySize) {
   for (std::size_t piece = 1; piece < 70; ++piece) EXPECT_EQ(mof(read(document, piece).at(0)), whole) << piece;
 }
 
-TEST_F(CimXmlReplyTest, TellsTheSamePlaceInPiecesOfAnySize) {
+TEST_F(CimXmlReplies, TellsTheSamePlaceInPiecesOfAnySize) {
   const std::string document =
       instances("\n\n<INSTANCE CLASSNAME=\"C\"><PROPERTY\n NAME=\"P\" TYPE=\"uint8\"><VALUE>x</VALUE></PROPERTY>");
   const std::string whole = faultOf(document);
@@ -398,7 +398,7 @@ TEST_F(CimXmlReplyTest, TellsTheSamePlaceInPiecesOfAnySize) {
   for (std::size_t piece = 1; piece < 70; ++piece) EXPECT_EQ(faultOf(document, piece), whole) << piece;
 }
 
-TEST_F(CimXmlReplyTest, HandsOutAnInstanceBeforeTheNextOneArrived) {
+TEST_F(CimXmlReplies, HandsOutAnInstanceBeforeTheNextOneArrived) {
   const std::string one =
       "<INSTANCE CLASSNAME=\"C\"><PROPERTY NAME=\"P\" TYPE=\"uint8\"><VALUE>1</VALUE></PROPERTY>"
       "</INSTANCE>";
@@ -422,13 +422,13 @@ TEST_F(CimXmlReplyTest, HandsOutAnInstanceBeforeTheNextOneArrived) {
   EXPECT_EQ(reply.next(), CimXmlReply::Item::End);
 }
 
-TEST_F(CimXmlReplyTest, LetsTheSourcesFailurePass) {
+TEST_F(CimXmlReplies, LetsTheSourcesFailurePass) {
   CimXmlReply reply([](char*, std::size_t) -> std::size_t { throw std::runtime_error("the line is dead"); },
                     "EnumerateInstances", "1", "root/cimv2");
   EXPECT_THROW(reply.next(), std::runtime_error);
 }
 
-TEST_F(CimXmlReplyTest, MakesObjectsOfAKnownClass) {
+TEST_F(CimXmlReplies, MakesObjectsOfAKnownClass) {
   load(
       "class T { [Key] string Id; uint32 Size; datetime At; uint8 Codes[]; string Rest; };\n"
       "instance of T { Id = \"x\"; };");

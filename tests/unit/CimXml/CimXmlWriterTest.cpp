@@ -72,9 +72,9 @@ class Judge {
   xmlDtd* _dtd;
 };
 
-class CimXmlWriterTest : public cimxmltest::CimXmlTest {
+class CimXmlWriting : public cimxmltest::CimXmlTest {
  protected:
-  CimXmlWriterTest() { load(kModel); }
+  CimXmlWriting() { load(kModel); }
 
   // A reply whose values `write` writes, which must be valid.
   template <class Write>
@@ -111,11 +111,11 @@ class CimXmlWriterTest : public cimxmltest::CimXmlTest {
   const Judge _judge;
 };
 
-TEST_F(CimXmlWriterTest, WritesInstancesOfEveryTypeThatAreReadBackAsTheyWere) {
+TEST_F(CimXmlWriting, WritesInstancesOfEveryTypeThatAreReadBackAsTheyWere) {
   expectReadBack([](CimXmlWriter& writer, const IQoriObject& object) { writer.writeInstance(object); });
 }
 
-TEST_F(CimXmlWriterTest, WritesNamedInstancesWhoseNamesAreReadBackAsTheyWere) {
+TEST_F(CimXmlWriting, WritesNamedInstancesWhoseNamesAreReadBackAsTheyWere) {
   for (const Object& object : instancesOf("Link")) {
     const std::string document =
         replyOf("EnumerateInstances", [&](CimXmlWriter& writer) { writer.writeNamedInstance(*object); });
@@ -124,7 +124,7 @@ TEST_F(CimXmlWriterTest, WritesNamedInstancesWhoseNamesAreReadBackAsTheyWere) {
   expectReadBack([](CimXmlWriter& writer, const IQoriObject& object) { writer.writeNamedInstance(object); });
 }
 
-TEST_F(CimXmlWriterTest, WritesInstancesWithPaths) {
+TEST_F(CimXmlWriting, WritesInstancesWithPaths) {
   expectReadBack([](CimXmlWriter& writer, const IQoriObject& object) { writer.writeInstanceWithPath(object, "h:1"); });
   expectReadBack([](CimXmlWriter& writer, const IQoriObject& object) { writer.writeObjectWithPath(object, "h:1"); });
   expectReadBack([](CimXmlWriter& writer, const IQoriObject& object) { writer.writeObject(object); });
@@ -135,7 +135,7 @@ TEST_F(CimXmlWriterTest, WritesInstancesWithPaths) {
                                              "<NAMESPACE NAME=\"cimv2\"/></LOCALNAMESPACEPATH>"));
 }
 
-TEST_F(CimXmlWriterTest, WritesClassesThatAreReadBackAsTheyWere) {
+TEST_F(CimXmlWriting, WritesClassesThatAreReadBackAsTheyWere) {
   for (const char* className : {"Root", "Part", "Link"}) {
     const CimClassDeclaration declaration = declarationOf(className);
     const std::string document = replyOf("GetClass", [&](CimXmlWriter& writer) { writer.writeClass(declaration); });
@@ -148,7 +148,7 @@ TEST_F(CimXmlWriterTest, WritesClassesThatAreReadBackAsTheyWere) {
   }
 }
 
-TEST_F(CimXmlWriterTest, WritesAnEmbeddedClassWithAllItsPropertiesAsItsOwn) {
+TEST_F(CimXmlWriting, WritesAnEmbeddedClassWithAllItsPropertiesAsItsOwn) {
   load("instance of Part { Id = \"c\"; K = \"class New : Root { uint8 X = 3; }\"; };");
   const Object object = instancesOf("Part").back();
   const std::string document =
@@ -157,7 +157,7 @@ TEST_F(CimXmlWriterTest, WritesAnEmbeddedClassWithAllItsPropertiesAsItsOwn) {
   EXPECT_EQ(textOf(read(document).at(0), "K"), "class New {\n    string Id;\n    uint8 X = 3;\n};\n");
 }
 
-TEST_F(CimXmlWriterTest, ReadsWhatAClassDeclaresItselfAlone) {
+TEST_F(CimXmlWriting, ReadsWhatAClassDeclaresItselfAlone) {
   const std::string document = cimxmltest::replyTo(
       "GetClass",
       "<IRETURNVALUE><CLASS NAME=\"B\" SUPERCLASS=\"A\"><QUALIFIER NAME=\"Q\" TYPE=\"string\" PROPAGATED=\"true\"/>"
@@ -176,13 +176,13 @@ TEST_F(CimXmlWriterTest, ReadsWhatAClassDeclaresItselfAlone) {
   EXPECT_EQ(declaration.methods[0].name, "N");
 }
 
-TEST_F(CimXmlWriterTest, WritesClassesWithoutQualifiers) {
+TEST_F(CimXmlWriting, WritesClassesWithoutQualifiers) {
   const std::string document =
       replyOf("GetClass", [&](CimXmlWriter& writer) { writer.writeClass(declarationOf("Part"), false); });
   EXPECT_EQ(document.find("QUALIFIER"), std::string::npos);
 }
 
-TEST_F(CimXmlWriterTest, WritesQualifierDeclarationsThatAreReadBackAsTheyWere) {
+TEST_F(CimXmlWriting, WritesQualifierDeclarationsThatAreReadBackAsTheyWere) {
   for (const char* name : {"Key", "Note", "Words"}) {
     CimQualifierDeclaration declaration;
     ASSERT_TRUE(manager().sink().describeQualifier("root/cimv2", name, declaration));
@@ -204,7 +204,7 @@ TEST_F(CimXmlWriterTest, WritesQualifierDeclarationsThatAreReadBackAsTheyWere) {
   }
 }
 
-TEST_F(CimXmlWriterTest, WritesReferencesInTheirSixForms) {
+TEST_F(CimXmlWriting, WritesReferencesInTheirSixForms) {
   const QORSmrPtr<IQoriInstanceName> part = instancesOf("Part").at(0)->getInstanceName();
   for (const char* host : {"", "h"}) {
     for (const char* nameSpace : {"", "root/x"}) {
@@ -228,7 +228,7 @@ TEST_F(CimXmlWriterTest, WritesReferencesInTheirSixForms) {
   }
 }
 
-TEST_F(CimXmlWriterTest, WritesCallsThatAreValid) {
+TEST_F(CimXmlWriting, WritesCallsThatAreValid) {
   CimXmlCall call("17", "OpenEnumerateInstances", "root/cimv2");
   call.addClassName("ClassName", "CIM_Disk");
   call.addFlag("DeepInheritance", true);
@@ -244,7 +244,7 @@ TEST_F(CimXmlWriterTest, WritesCallsThatAreValid) {
   EXPECT_THAT(document, ::testing::HasSubstr("<VALUE>a &lt; &quot;b&quot;</VALUE>"));
 }
 
-TEST_F(CimXmlWriterTest, WritesOutputsAndErrorsThatAreValid) {
+TEST_F(CimXmlWriting, WritesOutputsAndErrorsThatAreValid) {
   CimXmlResponse response("1", "OpenEnumerateInstances");
   response.values().writeInstanceWithPath(*instancesOf("Part").at(0), "h");
   response.addOutputFlag("EndOfSequence", false);
@@ -263,7 +263,7 @@ TEST_F(CimXmlWriterTest, WritesOutputsAndErrorsThatAreValid) {
   }
 }
 
-TEST_F(CimXmlWriterTest, ReplacesCharactersThatXmlForbids) {
+TEST_F(CimXmlWriting, ReplacesCharactersThatXmlForbids) {
   std::string element;
   CimXmlWriter(element).writeText(std::string("a\x01") + "b\xFF\r\n");
   EXPECT_EQ(element,
@@ -271,7 +271,7 @@ TEST_F(CimXmlWriterTest, ReplacesCharactersThatXmlForbids) {
             "b\xEF\xBF\xBD&#13;\n</VALUE>");
 }
 
-TEST_F(CimXmlWriterTest, WritesRealsWithPointAndExponent) {
+TEST_F(CimXmlWriting, WritesRealsWithPointAndExponent) {
   const auto written = [](double value, const QORSmrPtr<IQoriType>& type) {
     std::string text;
     cimxml::appendValueText(text, CQoriValue(value, type));
@@ -284,7 +284,7 @@ TEST_F(CimXmlWriterTest, WritesRealsWithPointAndExponent) {
   EXPECT_EQ(written(0.0 / 0.0, CQoriType::real64), "NaN");
 }
 
-TEST_F(CimXmlWriterTest, RefusesObjectsThatNestTooDeeply) {
+TEST_F(CimXmlWriting, RefusesObjectsThatNestTooDeeply) {
   const QORSmrPtr<ModelLayout> layout(new ModelLayout({{"P", CQoriType::object}}));
   const QORSmrPtr<ModelShape> shape(new ModelShape("root/cimv2", "T", layout, {}));
   Object object = ModelInstance::create(shape, {});

@@ -7,12 +7,12 @@ using testing::IsEmpty;
 
 namespace {
 
-class AssociationTest : public EmbeddedTest {
+class AssociationCalls : public EmbeddedTest {
  protected:
   std::vector<std::string> ids(const CIMApi::Instances& instances) { return values(instances, "DeviceID"); }
 };
 
-TEST_F(AssociationTest, EndsComeInTheOrderInWhichTheAssociationsWereCreated) {
+TEST_F(AssociationCalls, EndsComeInTheOrderInWhichTheAssociationsWereCreated) {
   const Name source = createDisk("s");
   const Name a = createDisk("a");
   const Name b = createDisk("b");
@@ -22,7 +22,7 @@ TEST_F(AssociationTest, EndsComeInTheOrderInWhichTheAssociationsWereCreated) {
   EXPECT_THAT(ids(associators(a)), ElementsAre("s"));
 }
 
-TEST_F(AssociationTest, AnObjectIsReturnedOnce) {
+TEST_F(AssociationCalls, AnObjectIsReturnedOnce) {
   declare(classOf("CIM_UsesToo", "CIM_Uses", {}));
   const Name source = createDisk("s");
   const Name a = createDisk("a");
@@ -34,7 +34,7 @@ TEST_F(AssociationTest, AnObjectIsReturnedOnce) {
   EXPECT_THAT(ids(associators(source)), ElementsAre("a", "b"));
 }
 
-TEST_F(AssociationTest, AssociationAndResultClassIncludeSubclassesAndIgnoreCase) {
+TEST_F(AssociationCalls, AssociationAndResultClassIncludeSubclassesAndIgnoreCase) {
   declare(classOf("CIM_UsesToo", "CIM_Uses", {}));
   declare(classOf("CIM_Likes", "", {refer("Who", "CIM_Device"), refer("Whom", "CIM_Device")}, {flag("Association")}));
   const Name source = createDisk("s");
@@ -50,7 +50,7 @@ TEST_F(AssociationTest, AssociationAndResultClassIncludeSubclassesAndIgnoreCase)
   EXPECT_THAT(ids(associators(source, "CIM_Disk")), IsEmpty()) << "no association at all";
 }
 
-TEST_F(AssociationTest, UnknownNamesAndANullSourceGiveANullList) {
+TEST_F(AssociationCalls, UnknownNamesAndANullSourceGiveANullList) {
   const Name source = createDisk("s");
   EXPECT_TRUE(associators(source, "CIM_None").IsNull());
   EXPECT_TRUE(associators(source, "", "CIM_None").IsNull());
@@ -60,7 +60,7 @@ TEST_F(AssociationTest, UnknownNamesAndANullSourceGiveANullList) {
   EXPECT_EQ(0u, associators(source)->entries());
 }
 
-TEST_F(AssociationTest, PropertiesAreRestrictedAsListed) {
+TEST_F(AssociationCalls, PropertiesAreRestrictedAsListed) {
   const Name source = createDisk("s");
   createUses(source, createDisk("a", 5));
   const CIMApi::Instances found = associators(source, "CIM_Uses", "CIM_Disk", names({"size"}));
@@ -69,7 +69,7 @@ TEST_F(AssociationTest, PropertiesAreRestrictedAsListed) {
   EXPECT_THAT(paths(found), ElementsAre("root/cimv2:CIM_Disk.DeviceID=\"a\""));
 }
 
-TEST_F(AssociationTest, RolesSelectTheReferenceProperties) {
+TEST_F(AssociationCalls, RolesSelectTheReferenceProperties) {
   const Name s = createDisk("s");
   const Name a = createDisk("a");
   const Name b = createDisk("b");
@@ -82,13 +82,13 @@ TEST_F(AssociationTest, RolesSelectTheReferenceProperties) {
   EXPECT_THAT(ids(associators(s, "", "", {}, "Nobody")), IsEmpty());
 }
 
-TEST_F(AssociationTest, AnAssociationOfAnObjectWithItselfReturnsIt) {
+TEST_F(AssociationCalls, AnAssociationOfAnObjectWithItselfReturnsIt) {
   const Name s = createDisk("s");
   createUses(s, s);
   EXPECT_THAT(ids(associators(s)), ElementsAre("s"));
 }
 
-TEST_F(AssociationTest, AllOtherReferencesOfAnAssociationAreEnds) {
+TEST_F(AssociationCalls, AllOtherReferencesOfAnAssociationAreEnds) {
   declare(classOf("CIM_Triple", "", {refer("A", "CIM_Disk"), refer("B", "CIM_Disk"), refer("C", "CIM_Disk", {})},
                   {flag("Association")}));
   const Name a = createDisk("a");
@@ -100,7 +100,7 @@ TEST_F(AssociationTest, AllOtherReferencesOfAnAssociationAreEnds) {
   EXPECT_THAT(ids(associators(c)), ElementsAre("a", "b"));
 }
 
-TEST_F(AssociationTest, ReferencesToObjectsThatDoNotExistAreLeftOut) {
+TEST_F(AssociationCalls, ReferencesToObjectsThatDoNotExistAreLeftOut) {
   const Name s = createDisk("s");
   createUses(s, nameOf(kSpace, "CIM_Disk", {{"DeviceID", text("gone")}}));
   createUses(s, nameOf("root/none", "CIM_Disk", {{"DeviceID", text("a")}}));
@@ -110,18 +110,18 @@ TEST_F(AssociationTest, ReferencesToObjectsThatDoNotExistAreLeftOut) {
   EXPECT_THAT(ids(associators(s)), ElementsAre("gone")) << "the object may be created later";
 }
 
-TEST_F(AssociationTest, TheSourceIsFoundInAnySpelling) {
+TEST_F(AssociationCalls, TheSourceIsFoundInAnySpelling) {
   createUses(createDisk("s"), createDisk("a"));
   EXPECT_THAT(ids(associators(nameOf("", "cim_DISK", {{"deviceid", text("s")}}))), ElementsAre("a"));
 }
 
-TEST_F(AssociationTest, TheSourceNeedNotExist) {
+TEST_F(AssociationCalls, TheSourceNeedNotExist) {
   const Name gone = nameOf(kSpace, "CIM_Disk", {{"DeviceID", text("gone")}});
   createUses(gone, createDisk("a"));
   EXPECT_THAT(ids(associators(gone)), ElementsAre("a"));
 }
 
-TEST_F(AssociationTest, EndsMayLieInAnotherNamespace) {
+TEST_F(AssociationCalls, EndsMayLieInAnotherNamespace) {
   sink().createNamespace("root/far");
   sink().declareClass("root/far", classOf("CIM_DEVICE", "", {property("DeviceID", CQoriType::string, {flag("Key")})}));
   const Name far = manager.createInstance("root/far", instanceOf("CIM_Device", {{"DeviceID", text("f")}}));
@@ -133,7 +133,7 @@ TEST_F(AssociationTest, EndsMayLieInAnotherNamespace) {
   EXPECT_THAT(ids(associators(far)), ElementsAre("s"));
 }
 
-TEST_F(AssociationTest, DeletedAssociationsAndObjectsNoLongerCount) {
+TEST_F(AssociationCalls, DeletedAssociationsAndObjectsNoLongerCount) {
   const Name s = createDisk("s");
   const Name a = createDisk("a");
   const Name b = createDisk("b");
@@ -145,7 +145,7 @@ TEST_F(AssociationTest, DeletedAssociationsAndObjectsNoLongerCount) {
   EXPECT_THAT(ids(associators(s)), IsEmpty());
 }
 
-TEST_F(AssociationTest, ChangedReferencesMoveTheAssociationAndKeepItsPlaceInTheOrder) {
+TEST_F(AssociationCalls, ChangedReferencesMoveTheAssociationAndKeepItsPlaceInTheOrder) {
   declare(classOf("CIM_Tag", "",
                   {property("K", CQoriType::string, {flag("Key")}), refer("Object", "CIM_Device", {}),
                    refer("Tag", "CIM_Device", {})},
@@ -165,7 +165,7 @@ TEST_F(AssociationTest, ChangedReferencesMoveTheAssociationAndKeepItsPlaceInTheO
   EXPECT_THAT(ids(associators(s)), ElementsAre("b"));
 }
 
-TEST_F(AssociationTest, AHubOfManyAssociationsSurvivesTheirDeletion) {
+TEST_F(AssociationCalls, AHubOfManyAssociationsSurvivesTheirDeletion) {
   const Name hub = createDisk("hub");
   std::vector<Name> uses;
   for (int i = 0; i < 2000; ++i) uses.push_back(createUses(hub, createDisk(std::to_string(i).c_str())));

@@ -8,7 +8,7 @@ using testing::ElementsAre;
 
 namespace {
 
-class ClassRepositoryTest : public EmbeddedTest {
+class ClassRepositories : public EmbeddedTest {
  protected:
   QORSmrPtr<IQoriClass> find(const char* name) { return manager.repository()->getClass(kSpace, name); }
   std::string refusedClass(const CimClassDeclaration& declaration, QORuint32 code) {
@@ -29,7 +29,7 @@ CimQualifier labelled(const char* name, const char* value, bool toSubclass = tru
   return qualifier;
 }
 
-TEST_F(ClassRepositoryTest, ClassesAreFoundIgnoringCaseInTheirOwnSpelling) {
+TEST_F(ClassRepositories, ClassesAreFoundIgnoringCaseInTheirOwnSpelling) {
   const QORSmrPtr<IQoriClass> disk = manager.repository()->getClass("ROOT/CIMV2", "cim_disk");
   ASSERT_FALSE(disk.IsNull());
   EXPECT_STREQ("CIM_Disk", disk->getClassName().c_str());
@@ -39,12 +39,12 @@ TEST_F(ClassRepositoryTest, ClassesAreFoundIgnoringCaseInTheirOwnSpelling) {
   EXPECT_TRUE(manager.repository()->getClass("root/none", "CIM_Disk").IsNull());
 }
 
-TEST_F(ClassRepositoryTest, TheSuperclassIsSpelledAsItWasDeclared) {
+TEST_F(ClassRepositories, TheSuperclassIsSpelledAsItWasDeclared) {
   declare(classOf("CIM_Tape", "cim_DEVICE", {}));
   EXPECT_STREQ("CIM_Device", find("CIM_Tape")->getSuperClassName().c_str());
 }
 
-TEST_F(ClassRepositoryTest, PropertiesAreInheritedFirst) {
+TEST_F(ClassRepositories, PropertiesAreInheritedFirst) {
   EXPECT_THAT(propertiesOf("CIM_FastDisk"), ElementsAre("DeviceID", "Caption", "Size", "Online", "Speed"));
   EXPECT_NE(nullptr, find("CIM_FastDisk")->getProperty("deviceid", true));
   EXPECT_EQ(nullptr, find("CIM_FastDisk")->getProperty("DeviceID", false));
@@ -52,7 +52,7 @@ TEST_F(ClassRepositoryTest, PropertiesAreInheritedFirst) {
   EXPECT_EQ(nullptr, find("CIM_FastDisk")->getProperty("NoSuch", true));
 }
 
-TEST_F(ClassRepositoryTest, APropertyOfTheSameNameReplacesTheInheritedOneInPlace) {
+TEST_F(ClassRepositories, APropertyOfTheSameNameReplacesTheInheritedOneInPlace) {
   declare(classOf("CIM_Small", "CIM_Disk",
                   {property("New", CQoriType::uint8), property("SIZE", CQoriType::uint64, {}, number(5))}));
   EXPECT_THAT(propertiesOf("CIM_Small"), ElementsAre("DeviceID", "Caption", "SIZE", "Online", "New"));
@@ -64,7 +64,7 @@ TEST_F(ClassRepositoryTest, APropertyOfTheSameNameReplacesTheInheritedOneInPlace
   EXPECT_TRUE(find("CIM_Disk")->getProperty("Size", true)->getValue().IsNull());
 }
 
-TEST_F(ClassRepositoryTest, AnOverridingPropertyKeepsTheInheritedDefaultUnlessItHasItsOwn) {
+TEST_F(ClassRepositories, AnOverridingPropertyKeepsTheInheritedDefaultUnlessItHasItsOwn) {
   declare(classOf("CIM_Plain", "CIM_Disk", {property("Online", CQoriType::boolean)}));
   declare(classOf("CIM_Off", "CIM_Disk", {property("Online", CQoriType::boolean, {}, truth(false))}));
   create(instanceOf("CIM_Plain", {{"DeviceID", text("a")}}));
@@ -72,20 +72,20 @@ TEST_F(ClassRepositoryTest, AnOverridingPropertyKeepsTheInheritedDefaultUnlessIt
   EXPECT_THAT(values(enumerate("CIM_Disk"), "Online"), ElementsAre("TRUE", "FALSE"));
 }
 
-TEST_F(ClassRepositoryTest, KeysAreInheritedThroughAnOverrideWithoutTheQualifier) {
+TEST_F(ClassRepositories, KeysAreInheritedThroughAnOverrideWithoutTheQualifier) {
   declare(classOf("CIM_Renamed", "CIM_Disk", {property("DeviceID", CQoriType::string, {flag("Override", false)})}));
   const Name made = create(instanceOf("CIM_Renamed", {{"DeviceID", text("a")}}));
   EXPECT_STREQ("root/cimv2:CIM_Renamed.DeviceID=\"a\"", made->toString().c_str());
 }
 
-TEST_F(ClassRepositoryTest, KeysAreOrderedByNameInThePath) {
+TEST_F(ClassRepositories, KeysAreOrderedByNameInThePath) {
   declare(classOf("CIM_Two", "",
                   {property("b", CQoriType::uint8, {flag("Key")}), property("A", CQoriType::string, {flag("KEY")})}));
   const Name made = create(instanceOf("CIM_Two", {{"B", number(2, CQoriType::uint8)}, {"a", text("x\"\\y")}}));
   EXPECT_STREQ("root/cimv2:CIM_Two.A=\"x\\\"\\\\y\",b=2", made->toString().c_str());
 }
 
-TEST_F(ClassRepositoryTest, AKeyQualifierThatIsFalseMakesNoKey) {
+TEST_F(ClassRepositories, AKeyQualifierThatIsFalseMakesNoKey) {
   CimQualifier isNoKey = flag("Key");
   isNoKey.value = truth(false);
   declare(classOf("CIM_One", "",
@@ -94,7 +94,7 @@ TEST_F(ClassRepositoryTest, AKeyQualifierThatIsFalseMakesNoKey) {
   EXPECT_STREQ("root/cimv2:CIM_One.B=\"y\"", made->toString().c_str());
 }
 
-TEST_F(ClassRepositoryTest, QualifiersReachSubclassesUnlessRestricted) {
+TEST_F(ClassRepositories, QualifiersReachSubclassesUnlessRestricted) {
   declare(classOf("CIM_Base", "", {}, {labelled("Wide", "base"), labelled("Narrow", "base", false)}));
   declare(classOf("CIM_Derived", "CIM_Base", {}, {labelled("Own", "derived")}));
   declare(classOf("CIM_Anew", "CIM_Derived", {}, {labelled("WIDE", "anew")}));
@@ -109,7 +109,7 @@ TEST_F(ClassRepositoryTest, QualifiersReachSubclassesUnlessRestricted) {
   EXPECT_NE(nullptr, find("CIM_Base")->getQualifier("Narrow", true));
 }
 
-TEST_F(ClassRepositoryTest, PropertyQualifiersReachSubclassesUnlessRestrictedOrReplaced) {
+TEST_F(ClassRepositories, PropertyQualifiersReachSubclassesUnlessRestrictedOrReplaced) {
   declare(classOf("CIM_Base", "",
                   {property("P", CQoriType::string, {labelled("Wide", "b"), labelled("Not", "b", false)})}));
   declare(classOf("CIM_Same", "CIM_Base", {}));
@@ -128,7 +128,7 @@ TEST_F(ClassRepositoryTest, PropertyQualifiersReachSubclassesUnlessRestrictedOrR
   EXPECT_FALSE(sink().describeProperty(kSpace, "CIM_None", "p", described));
 }
 
-TEST_F(ClassRepositoryTest, AssociationsAreRecognisedAlsoWhenInherited) {
+TEST_F(ClassRepositories, AssociationsAreRecognisedAlsoWhenInherited) {
   declare(classOf("CIM_UsesMore", "CIM_Uses", {refer("Third", "CIM_Disk", {})}));
   EXPECT_TRUE(manager.isAssociation(kSpace, "cim_usesmore"));
   EXPECT_TRUE(manager.isAssociation(kSpace, "CIM_Uses"));
@@ -136,14 +136,14 @@ TEST_F(ClassRepositoryTest, AssociationsAreRecognisedAlsoWhenInherited) {
   EXPECT_FALSE(manager.isAssociation(kSpace, "CIM_None"));
 }
 
-TEST_F(ClassRepositoryTest, AbstractIsNotInherited) {
+TEST_F(ClassRepositories, AbstractIsNotInherited) {
   declare(classOf("CIM_Base", "", {property("K", CQoriType::string, {flag("Key")})}, {flag("Abstract")}));
   declare(classOf("CIM_Concrete", "CIM_Base", {}));
   EXPECT_FALSE(create(instanceOf("CIM_Concrete", {{"K", text("a")}})).IsNull());
   EXPECT_EQ(nullptr, find("CIM_Concrete")->getQualifier("Abstract", true));
 }
 
-TEST_F(ClassRepositoryTest, EmbeddedObjectsAreOfTypeObjectInInstances) {
+TEST_F(ClassRepositories, EmbeddedObjectsAreOfTypeObjectInInstances) {
   declare(classOf("CIM_Holder", "",
                   {property("K", CQoriType::string, {flag("Key")}),
                    property("One", CQoriType::string, {labelled("EmbeddedInstance", "CIM_Disk")}),
@@ -154,7 +154,7 @@ TEST_F(ClassRepositoryTest, EmbeddedObjectsAreOfTypeObjectInInstances) {
   EXPECT_STREQ("string", manager.allProperties(kSpace, "CIM_Holder")[1].type->getName().c_str());
 }
 
-TEST_F(ClassRepositoryTest, DescribeClassGivesTheDeclarationItself) {
+TEST_F(ClassRepositories, DescribeClassGivesTheDeclarationItself) {
   CimClassDeclaration described;
   ASSERT_TRUE(manager.describeClass(kSpace, "cim_fastdisk", described));
   EXPECT_STREQ("CIM_FastDisk", described.name.c_str());
@@ -164,7 +164,7 @@ TEST_F(ClassRepositoryTest, DescribeClassGivesTheDeclarationItself) {
   EXPECT_FALSE(manager.describeClass(kSpace, "CIM_None", described));
 }
 
-TEST_F(ClassRepositoryTest, ClassNamesComeInDeclarationOrder) {
+TEST_F(ClassRepositories, ClassNamesComeInDeclarationOrder) {
   const auto is = [](const char* name) { return testing::Property(&QORString::c_str, testing::StrEq(name)); };
   EXPECT_THAT(manager.classNames("ROOT/cimv2"),
               ElementsAre(is("CIM_Device"), is("CIM_Disk"), is("CIM_FastDisk"), is("CIM_Uses")));
@@ -172,7 +172,7 @@ TEST_F(ClassRepositoryTest, ClassNamesComeInDeclarationOrder) {
   EXPECT_TRUE(manager.allProperties(kSpace, "CIM_None").empty());
 }
 
-TEST_F(ClassRepositoryTest, NamespacesAreCreatedOnce) {
+TEST_F(ClassRepositories, NamespacesAreCreatedOnce) {
   sink().createNamespace("root/Other");
   sink().createNamespace("ROOT/other");
   ASSERT_EQ(2u, manager.namespaces().size());
@@ -180,13 +180,13 @@ TEST_F(ClassRepositoryTest, NamespacesAreCreatedOnce) {
   EXPECT_EQ("a namespace needs a name", refusal([&] { sink().createNamespace(""); }, kInvalidNamespace));
 }
 
-TEST_F(ClassRepositoryTest, TheSameDeclarationAgainIsAccepted) {
+TEST_F(ClassRepositories, TheSameDeclarationAgainIsAccepted) {
   declare(classOf("cim_FASTDISK", "cim_disk", {property("SPEED", CQoriType::uint32)}));
   EXPECT_EQ(4u, manager.classNames(kSpace).size());
   EXPECT_STREQ("CIM_FastDisk", find("CIM_FASTDISK")->getClassName().c_str());
 }
 
-TEST_F(ClassRepositoryTest, AnotherDeclarationOfAClassIsRefused) {
+TEST_F(ClassRepositories, AnotherDeclarationOfAClassIsRefused) {
   const std::string message = "class CIM_FastDisk is declared already, with another declaration";
   EXPECT_EQ(message,
             refusedClass(classOf("CIM_FASTDISK", "CIM_Disk", {property("Speed", CQoriType::uint64)}), kAlreadyExists));
@@ -201,7 +201,7 @@ TEST_F(ClassRepositoryTest, AnotherDeclarationOfAClassIsRefused) {
                                   kAlreadyExists));
 }
 
-TEST_F(ClassRepositoryTest, ArrayDefaultsAreComparedElementByElement) {
+TEST_F(ClassRepositories, ArrayDefaultsAreComparedElementByElement) {
   const auto strings = [](std::initializer_list<const char*> list) {
     const QORSmrPtr<IQoriValue::List> elements(new IQoriValue::List);
     for (const char* each : list) elements->append(text(each));
@@ -216,14 +216,14 @@ TEST_F(ClassRepositoryTest, ArrayDefaultsAreComparedElementByElement) {
             refusedClass(holding(strings({"a,b", "c"})), kAlreadyExists));
 }
 
-TEST_F(ClassRepositoryTest, AMissingSuperclassIsRefused) {
+TEST_F(ClassRepositories, AMissingSuperclassIsRefused) {
   EXPECT_EQ("class CIM_Lost: superclass CIM_None is not declared",
             refusedClass(classOf("CIM_Lost", "CIM_None", {}), kInvalidSuperclass));
   EXPECT_EQ("class CIM_Self: superclass CIM_Self is not declared",
             refusedClass(classOf("CIM_Self", "CIM_Self", {}), kInvalidSuperclass));
 }
 
-TEST_F(ClassRepositoryTest, APropertyDeclaredTwiceIsRefused) {
+TEST_F(ClassRepositories, APropertyDeclaredTwiceIsRefused) {
   EXPECT_EQ("class CIM_Twice: property p is declared twice",
             refusedClass(classOf("CIM_Twice", "", {property("P", CQoriType::string), property("p", CQoriType::string)}),
                          kAlreadyExists));
@@ -233,7 +233,7 @@ TEST_F(ClassRepositoryTest, APropertyDeclaredTwiceIsRefused) {
                          kAlreadyExists));
 }
 
-TEST_F(ClassRepositoryTest, APropertyRedeclaredWithAnotherTypeIsRefused) {
+TEST_F(ClassRepositories, APropertyRedeclaredWithAnotherTypeIsRefused) {
   EXPECT_EQ("class CIM_Other: property size is redeclared as uint32, it is inherited as uint64",
             refusedClass(classOf("CIM_Other", "CIM_Disk", {property("size", CQoriType::uint32)}), kTypeMismatch));
   EXPECT_EQ("class CIM_Other: property Size is redeclared as uint64[], it is inherited as uint64",
@@ -241,17 +241,17 @@ TEST_F(ClassRepositoryTest, APropertyRedeclaredWithAnotherTypeIsRefused) {
                          kTypeMismatch));
 }
 
-TEST_F(ClassRepositoryTest, AReferenceOutsideAnAssociationIsRefused) {
+TEST_F(ClassRepositories, AReferenceOutsideAnAssociationIsRefused) {
   EXPECT_EQ("class CIM_Stray: reference User outside an association",
             refusedClass(classOf("CIM_Stray", "", {refer("User", "CIM_Disk")}), kInvalidParameter));
 }
 
-TEST_F(ClassRepositoryTest, ADefaultOfAnotherTypeIsRefused) {
+TEST_F(ClassRepositories, ADefaultOfAnotherTypeIsRefused) {
   EXPECT_EQ("class CIM_Bad: property P is uint8, its default value is string",
             refusedClass(classOf("CIM_Bad", "", {property("P", CQoriType::uint8, {}, text("x"))}), kTypeMismatch));
 }
 
-TEST_F(ClassRepositoryTest, NamelessAndTypelessDeclarationsAreRefused) {
+TEST_F(ClassRepositories, NamelessAndTypelessDeclarationsAreRefused) {
   EXPECT_EQ("a class needs a name", refusedClass(classOf("", "", {}), kInvalidParameter));
   EXPECT_EQ("class CIM_Bad: a property has no name",
             refusedClass(classOf("CIM_Bad", "", {property("", CQoriType::uint8)}), kInvalidParameter));
@@ -261,7 +261,7 @@ TEST_F(ClassRepositoryTest, NamelessAndTypelessDeclarationsAreRefused) {
             refusal([&] { sink().declareClass("root/none", classOf("A", "", {})); }, kInvalidNamespace));
 }
 
-TEST_F(ClassRepositoryTest, InheritanceHasALimitInsteadOfALimitlessCost) {
+TEST_F(ClassRepositories, InheritanceHasALimitInsteadOfALimitlessCost) {
   std::string last = "C0";
   declare(classOf("C0", "", {}));
   for (int i = 1; i <= 500; ++i) {
@@ -273,7 +273,7 @@ TEST_F(ClassRepositoryTest, InheritanceHasALimitInsteadOfALimitlessCost) {
             refusedClass(classOf("C501", last.c_str(), {}), kInvalidSuperclass));
 }
 
-TEST_F(ClassRepositoryTest, ARefusalListsEveryFaultWithItsFeature) {
+TEST_F(ClassRepositories, ARefusalListsEveryFaultWithItsFeature) {
   CimClassDeclaration declaration =
       classOf("CIM_Bad", "CIM_Disk", {property("Size", CQoriType::uint8), property("P", {})});
   CimMethodDeclaration method;
@@ -294,7 +294,7 @@ TEST_F(ClassRepositoryTest, ARefusalListsEveryFaultWithItsFeature) {
   }
 }
 
-TEST_F(ClassRepositoryTest, ARefusedClassLeavesNothingBehind) {
+TEST_F(ClassRepositories, ARefusedClassLeavesNothingBehind) {
   refusedClass(classOf("CIM_Twice", "", {property("P", CQoriType::string), property("p", CQoriType::string)}),
                kAlreadyExists);
   EXPECT_TRUE(find("CIM_Twice").IsNull());
@@ -302,7 +302,7 @@ TEST_F(ClassRepositoryTest, ARefusedClassLeavesNothingBehind) {
   EXPECT_FALSE(find("CIM_Twice").IsNull());
 }
 
-TEST_F(ClassRepositoryTest, QualifierDeclarationsAreFoundAndDeclaredOnce) {
+TEST_F(ClassRepositories, QualifierDeclarationsAreFoundAndDeclaredOnce) {
   CimQualifierDeclaration key;
   key.name = "Key";
   key.type = CQoriType::boolean;
@@ -323,7 +323,7 @@ TEST_F(ClassRepositoryTest, QualifierDeclarationsAreFoundAndDeclaredOnce) {
             refusal([&] { sink().declareQualifier(kSpace, key); }, kAlreadyExists));
 }
 
-TEST_F(ClassRepositoryTest, ClassesOutliveTheObjectManager) {
+TEST_F(ClassRepositories, ClassesOutliveTheObjectManager) {
   QORSmrPtr<IQoriClass> kept;
   {
     EmbeddedObjectManager other;
@@ -333,7 +333,7 @@ TEST_F(ClassRepositoryTest, ClassesOutliveTheObjectManager) {
   EXPECT_NE(nullptr, kept->getProperty("p", true));
 }
 
-TEST_F(ClassRepositoryTest, TheServiceHandsOutTheCurrentRepositoryAndItsNamespaces) {
+TEST_F(ClassRepositories, TheServiceHandsOutTheCurrentRepositoryAndItsNamespaces) {
   sink().createNamespace("root/other");
   const QoriProviderPluginManager* const service = QoriProviderPluginManager::getQoriProviderPluginManager();
   EXPECT_FALSE(service->getRepository()->getClass(kSpace, "CIM_Disk").IsNull());
@@ -343,7 +343,7 @@ TEST_F(ClassRepositoryTest, TheServiceHandsOutTheCurrentRepositoryAndItsNamespac
   EXPECT_STREQ("root/other", spaces->at(1).c_str());
 }
 
-TEST(CimPropertyDeclarationTest, FlagsAreQualifiersThatArePresentAndNotFalse) {
+TEST(CimPropertyDeclarations, FlagsAreQualifiersThatArePresentAndNotFalse) {
   CimQualifier off = flag("Off");
   off.value = truth(false);
   CimQualifier on = flag("On");
@@ -356,7 +356,7 @@ TEST(CimPropertyDeclarationTest, FlagsAreQualifiersThatArePresentAndNotFalse) {
   EXPECT_EQ(nullptr, declaration.findQualifier("absent"));
 }
 
-TEST_F(ClassRepositoryTest, AnUnknownClassOrNamespaceHasNoMof) {
+TEST_F(ClassRepositories, AnUnknownClassOrNamespaceHasNoMof) {
   EXPECT_NE(manager.classMof(kSpace, "cim_disk", false), "");
   for (const bool isComplete : {false, true}) {
     EXPECT_EQ(manager.classMof(kSpace, "CIM_Nowhere", isComplete), "");

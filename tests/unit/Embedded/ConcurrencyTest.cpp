@@ -8,9 +8,9 @@ using namespace embeddedtest;
 
 namespace {
 
-class ConcurrencyTest : public EmbeddedTest {};
+class Concurrency : public EmbeddedTest {};
 
-TEST_F(ConcurrencyTest, EnumerationsSeeLoadsWholeOrNotAtAll) {
+TEST_F(Concurrency, EnumerationsSeeLoadsWholeOrNotAtAll) {
   constexpr QORuint32 kPerLoad = 10;
   std::atomic<bool> isDone{false};
   std::atomic<int> partial{0};
@@ -41,7 +41,7 @@ TEST_F(ConcurrencyTest, EnumerationsSeeLoadsWholeOrNotAtAll) {
   EXPECT_EQ(40u * kPerLoad, enumerate("CIM_Disk")->entries());
 }
 
-TEST_F(ConcurrencyTest, InstancesMayBeChangedAndDeletedWhileOthersReadThem) {
+TEST_F(Concurrency, InstancesMayBeChangedAndDeletedWhileOthersReadThem) {
   std::vector<Name> disks;
   for (int i = 0; i < 50; ++i) disks.push_back(createDisk(std::to_string(i).c_str(), 1));
   for (int i = 1; i < 50; ++i) createUses(disks[0], disks[static_cast<std::size_t>(i)]);
@@ -69,7 +69,7 @@ TEST_F(ConcurrencyTest, InstancesMayBeChangedAndDeletedWhileOthersReadThem) {
   EXPECT_EQ(0, wrong);
 }
 
-TEST_F(ConcurrencyTest, TheCurrentObjectManagerMayChangeUnderARunningCall) {
+TEST_F(Concurrency, TheCurrentObjectManagerMayChangeUnderARunningCall) {
   createDisk("a");
   std::atomic<bool> isDone{false};
   std::atomic<int> wrong{0};

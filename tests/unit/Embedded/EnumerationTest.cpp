@@ -7,9 +7,9 @@ using testing::IsEmpty;
 
 namespace {
 
-class EnumerationTest : public EmbeddedTest {};
+class Enumeration : public EmbeddedTest {};
 
-TEST_F(EnumerationTest, InstancesComeInCreationOrderAcrossSubclasses) {
+TEST_F(Enumeration, InstancesComeInCreationOrderAcrossSubclasses) {
   createDisk("c");
   createDisk("a", 1, "CIM_FastDisk");
   createDisk("b");
@@ -18,7 +18,7 @@ TEST_F(EnumerationTest, InstancesComeInCreationOrderAcrossSubclasses) {
   EXPECT_THAT(values(enumerate("CIM_FastDisk"), "DeviceID"), ElementsAre("a"));
 }
 
-TEST_F(EnumerationTest, NumbersAscendAndStayWithAnInstanceThatChanges) {
+TEST_F(Enumeration, NumbersAscendAndStayWithAnInstanceThatChanges) {
   createDisk("c");
   createDisk("a", 1, "CIM_FastDisk");
   createDisk("b");
@@ -35,12 +35,12 @@ TEST_F(EnumerationTest, NumbersAscendAndStayWithAnInstanceThatChanges) {
   }
 }
 
-TEST_F(EnumerationTest, NamesOfClassAndNamespaceIgnoreCase) {
+TEST_F(Enumeration, NamesOfClassAndNamespaceIgnoreCase) {
   createDisk("a");
   EXPECT_EQ(1u, enumerate("cim_DISK", {}, "ROOT/cimV2")->entries());
 }
 
-TEST_F(EnumerationTest, UnknownClassOrNamespaceIsNullAndNoInstancesAreAnEmptyList) {
+TEST_F(Enumeration, UnknownClassOrNamespaceIsNullAndNoInstancesAreAnEmptyList) {
   EXPECT_TRUE(enumerate("CIM_Nothing").IsNull());
   EXPECT_TRUE(enumerate("CIM_Disk", {}, "root/elsewhere").IsNull());
   EXPECT_TRUE(enumerate("", {}, "").IsNull());
@@ -48,7 +48,7 @@ TEST_F(EnumerationTest, UnknownClassOrNamespaceIsNullAndNoInstancesAreAnEmptyLis
   EXPECT_EQ(0u, enumerate("CIM_Disk")->entries());
 }
 
-TEST_F(EnumerationTest, NullPropertyListGivesAllInheritedFirstWithDefaults) {
+TEST_F(Enumeration, NullPropertyListGivesAllInheritedFirstWithDefaults) {
   createDisk("a", 7, "CIM_FastDisk");
   const Object disk = enumerate("CIM_Device")->first();
   EXPECT_THAT(propertyNames(disk), ElementsAre("DeviceID", "Caption", "Size", "Online", "Speed"));
@@ -58,7 +58,7 @@ TEST_F(EnumerationTest, NullPropertyListGivesAllInheritedFirstWithDefaults) {
   EXPECT_STREQ("root/cimv2", disk->getNameSpace().c_str());
 }
 
-TEST_F(EnumerationTest, ListedPropertiesAloneArePresentInTheSourcesOrderAndTheNameIsComplete) {
+TEST_F(Enumeration, ListedPropertiesAloneArePresentInTheSourcesOrderAndTheNameIsComplete) {
   createDisk("a", 7);
   const Object disk = enumerate("CIM_Disk", names({"SIZE", "caption", "size", "NoSuch"}))->first();
   EXPECT_THAT(propertyNames(disk), ElementsAre("Caption", "Size"));
@@ -67,27 +67,27 @@ TEST_F(EnumerationTest, ListedPropertiesAloneArePresentInTheSourcesOrderAndTheNa
   EXPECT_STREQ("root/cimv2", disk->getNameSpace().c_str());
 }
 
-TEST_F(EnumerationTest, EmptyPropertyListKeepsNoProperty) {
+TEST_F(Enumeration, EmptyPropertyListKeepsNoProperty) {
   createDisk("a", 7);
   const Object disk = enumerate("CIM_Disk", names({}))->first();
   EXPECT_EQ(0u, disk->getPropertyCount());
   EXPECT_FALSE(disk->getInstanceName().IsNull());
 }
 
-TEST_F(EnumerationTest, AskingForEveryPropertyGivesTheInstanceItself) {
+TEST_F(Enumeration, AskingForEveryPropertyGivesTheInstanceItself) {
   createDisk("a", 7);
   const Object whole = enumerate("CIM_Disk")->first();
   const Object listed = enumerate("CIM_Disk", names({"DeviceID", "Caption", "Size", "Online"}))->first();
   EXPECT_TRUE(whole == listed);
 }
 
-TEST_F(EnumerationTest, SubclassPropertiesOfTheListAreKeptForSubclassInstances) {
+TEST_F(Enumeration, SubclassPropertiesOfTheListAreKeptForSubclassInstances) {
   createDisk("a");
   createDisk("b", 1, "CIM_FastDisk");
   EXPECT_THAT(values(enumerate("CIM_Device", names({"Speed"})), "Speed"), ElementsAre("absent", "NULL"));
 }
 
-TEST_F(EnumerationTest, InstancesOfOneClassShareOneLayout) {
+TEST_F(Enumeration, InstancesOfOneClassShareOneLayout) {
   createDisk("a");
   createDisk("b");
   const CIMApi::Instances all = enumerate("CIM_Disk", names({"Size"}));
@@ -95,7 +95,7 @@ TEST_F(EnumerationTest, InstancesOfOneClassShareOneLayout) {
   EXPECT_EQ(all->first()->getLayout(), all->last()->getLayout());
 }
 
-TEST_F(EnumerationTest, ListsAreSharedUntilAnInstanceOfTheClassOrASubclassChanges) {
+TEST_F(Enumeration, ListsAreSharedUntilAnInstanceOfTheClassOrASubclassChanges) {
   createDisk("a");
   const CIMApi::Instances first = enumerate("CIM_Device", names({"Size"}));
   EXPECT_TRUE(first == enumerate("cim_device", names({"size"})));
@@ -105,7 +105,7 @@ TEST_F(EnumerationTest, ListsAreSharedUntilAnInstanceOfTheClassOrASubclassChange
   EXPECT_EQ(1u, first->entries()) << "a list that has been handed out does not change";
 }
 
-TEST_F(EnumerationTest, PropertyNamesThatJoinToTheSameTextAreDifferentLists) {
+TEST_F(Enumeration, PropertyNamesThatJoinToTheSameTextAreDifferentLists) {
   declare(
       classOf("CIM_Odd", "", {property("a", CQoriType::string, {flag("Key")}), property("a1:b", CQoriType::string)}));
   create(instanceOf("CIM_Odd", {{"a", text("1")}}));
@@ -113,7 +113,7 @@ TEST_F(EnumerationTest, PropertyNamesThatJoinToTheSameTextAreDifferentLists) {
   EXPECT_THAT(propertyNames(enumerate("CIM_Odd", names({"a1:b"}))->first()), ElementsAre("a1:b"));
 }
 
-TEST_F(EnumerationTest, DeletedInstancesLeaveAndTheOthersKeepTheirOrder) {
+TEST_F(Enumeration, DeletedInstancesLeaveAndTheOthersKeepTheirOrder) {
   std::vector<Name> made;
   for (int i = 0; i < 100; ++i) made.push_back(createDisk(std::to_string(i).c_str()));
   for (int i = 0; i < 100; ++i) {
@@ -127,7 +127,7 @@ TEST_F(EnumerationTest, DeletedInstancesLeaveAndTheOthersKeepTheirOrder) {
   EXPECT_THAT(enumerate("CIM_Device")->entries(), 11u);
 }
 
-TEST_F(EnumerationTest, AClassInAnotherNamespaceIsAnotherClass) {
+TEST_F(Enumeration, AClassInAnotherNamespaceIsAnotherClass) {
   sink().createNamespace("root/other");
   EXPECT_TRUE(enumerate("CIM_Disk", {}, "root/other").IsNull());
   sink().declareClass("root/other", classOf("CIM_Disk", "", {property("Name", CQoriType::string, {flag("Key")})}));
@@ -136,7 +136,7 @@ TEST_F(EnumerationTest, AClassInAnotherNamespaceIsAnotherClass) {
   EXPECT_THAT(paths(enumerate("CIM_Disk")), IsEmpty());
 }
 
-TEST_F(EnumerationTest, StatisticsCountCallsAndInstances) {
+TEST_F(Enumeration, StatisticsCountCallsAndInstances) {
   const Name disk = createDisk("a");
   createDisk("b");
   manager.resetStatistics();

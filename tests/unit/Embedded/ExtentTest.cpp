@@ -15,27 +15,27 @@ std::vector<QORuint64> sequences(const Extent& extent) {
   return result;
 }
 
-class ExtentTest : public ::testing::Test {
+class Extents : public ::testing::Test {
  protected:
-  ExtentTest() : instances(200) {
+  Extents() : instances(200) {
     for (std::size_t i = 0; i < instances.size(); ++i) instances[i].sequence = i;
   }
   std::vector<StoredInstance> instances;
   Extent extent;
 };
 
-TEST_F(ExtentTest, LateInsertionsFindTheirPlace) {
+TEST_F(Extents, LateInsertionsFindTheirPlace) {
   for (const std::size_t i : {5u, 9u, 7u, 1u}) extent.insert(instances[i]);
   EXPECT_THAT(sequences(extent), ElementsAre(1, 5, 7, 9));
 }
 
-TEST_F(ExtentTest, AnInstanceStandsThereOnce) {
+TEST_F(Extents, AnInstanceStandsThereOnce) {
   for (const std::size_t i : {5u, 9u, 5u, 9u}) extent.insert(instances[i]);
   EXPECT_THAT(sequences(extent), ElementsAre(5, 9));
   EXPECT_EQ(2u, extent.size());
 }
 
-TEST_F(ExtentTest, RemovedInstancesMayReturnToTheirPlace) {
+TEST_F(Extents, RemovedInstancesMayReturnToTheirPlace) {
   for (const std::size_t i : {1u, 2u, 3u}) extent.insert(instances[i]);
   extent.remove(instances[2]);
   extent.remove(instances[2]);
@@ -45,7 +45,7 @@ TEST_F(ExtentTest, RemovedInstancesMayReturnToTheirPlace) {
   EXPECT_EQ(3u, extent.size());
 }
 
-TEST_F(ExtentTest, ManyRemovalsCloseTheGaps) {
+TEST_F(Extents, ManyRemovalsCloseTheGaps) {
   for (StoredInstance& instance : instances) extent.insert(instance);
   for (std::size_t i = 0; i < 197; ++i) extent.remove(instances[i]);
   EXPECT_THAT(sequences(extent), ElementsAre(197, 198, 199));

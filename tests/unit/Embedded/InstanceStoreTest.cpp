@@ -7,19 +7,19 @@ using testing::IsEmpty;
 
 namespace {
 
-class InstanceStoreTest : public EmbeddedTest {
+class InstanceStores : public EmbeddedTest {
  protected:
   std::string refusedInstance(const CimInstanceDeclaration& declaration, QORuint32 code) {
     return refusal([&] { create(declaration); }, code);
   }
 };
 
-TEST_F(InstanceStoreTest, CreatingReturnsTheCanonicalName) {
+TEST_F(InstanceStores, CreatingReturnsTheCanonicalName) {
   const Name made = create(instanceOf("cim_DISK", {{"DEVICEID", text("a")}}));
   EXPECT_STREQ("root/cimv2:CIM_Disk.DeviceID=\"a\"", made->toString().c_str());
 }
 
-TEST_F(InstanceStoreTest, WhatCannotBeCreatedIsRefused) {
+TEST_F(InstanceStores, WhatCannotBeCreatedIsRefused) {
   EXPECT_EQ("instance of CIM_None: the class is not declared",
             refusedInstance(instanceOf("CIM_None", {}), kInvalidClass));
   EXPECT_EQ("instance of CIM_Device: the class is abstract",
@@ -41,7 +41,7 @@ TEST_F(InstanceStoreTest, WhatCannotBeCreatedIsRefused) {
   EXPECT_THAT(paths(enumerate("CIM_Device")), IsEmpty());
 }
 
-TEST_F(InstanceStoreTest, APathExistsOnce) {
+TEST_F(InstanceStores, APathExistsOnce) {
   createDisk("a");
   EXPECT_EQ("instance root/cimv2:CIM_Disk.DeviceID=\"a\" exists already",
             refusedInstance(instanceOf("CIM_DISK", {{"deviceid", text("a")}}), kAlreadyExists));
@@ -50,24 +50,24 @@ TEST_F(InstanceStoreTest, APathExistsOnce) {
   EXPECT_EQ(3u, enumerate("CIM_Disk")->entries());
 }
 
-TEST_F(InstanceStoreTest, AClassWithoutKeysHasNoStoredInstances) {
+TEST_F(InstanceStores, AClassWithoutKeysHasNoStoredInstances) {
   declare(classOf("CIM_Loose", "", {property("P", CQoriType::string)}));
   EXPECT_EQ("instance of CIM_Loose: the class has no key property, so its instances have no path",
             refusedInstance(instanceOf("CIM_Loose", {{"P", text("x")}}), kInvalidClass));
 }
 
-TEST_F(InstanceStoreTest, AGivenNullReplacesTheDefault) {
+TEST_F(InstanceStores, AGivenNullReplacesTheDefault) {
   create(instanceOf("CIM_Disk", {{"DeviceID", text("a")}, {"Online", Value()}}));
   create(instanceOf("CIM_Disk", {{"DeviceID", text("b")}}));
   EXPECT_THAT(values(enumerate("CIM_Disk"), "Online"), ElementsAre("NULL", "TRUE"));
 }
 
-TEST_F(InstanceStoreTest, AKeyMayTakeItsDefault) {
+TEST_F(InstanceStores, AKeyMayTakeItsDefault) {
   declare(classOf("CIM_Single", "", {property("K", CQoriType::string, {flag("Key")}, text("only"))}));
   EXPECT_STREQ("root/cimv2:CIM_Single.K=\"only\"", create(instanceOf("CIM_Single", {}))->toString().c_str());
 }
 
-TEST_F(InstanceStoreTest, ObjectsThatAreNotStoredNeedNoKeysAndHaveANameWhenTheKeysAreSet) {
+TEST_F(InstanceStores, ObjectsThatAreNotStoredNeedNoKeysAndHaveANameWhenTheKeysAreSet) {
   const Object nameless = sink().makeObject(kSpace, instanceOf("CIM_Disk", {{"Size", number(3)}}));
   EXPECT_TRUE(nameless->getInstanceName().IsNull());
   EXPECT_STREQ("3", nameless->getProperty("size", true)->getValue()->toString().c_str());
@@ -83,7 +83,7 @@ TEST_F(InstanceStoreTest, ObjectsThatAreNotStoredNeedNoKeysAndHaveANameWhenTheKe
                 kNoSuchProperty));
 }
 
-TEST_F(InstanceStoreTest, EmbeddedInstancesAreStoredAsObjects) {
+TEST_F(InstanceStores, EmbeddedInstancesAreStoredAsObjects) {
   CimQualifier embedded = flag("EmbeddedInstance");
   embedded.value = text("CIM_Disk");
   declare(classOf("CIM_Holder", "",
@@ -97,7 +97,7 @@ TEST_F(InstanceStoreTest, EmbeddedInstancesAreStoredAsObjects) {
             refusedInstance(instanceOf("CIM_Holder", {{"K", text("b")}, {"Disk", text("instance")}}), kTypeMismatch));
 }
 
-TEST_F(InstanceStoreTest, GetInstanceFindsByCanonicalNameWithTheListedProperties) {
+TEST_F(InstanceStores, GetInstanceFindsByCanonicalNameWithTheListedProperties) {
   const Name made = createDisk("a", 7);
   createDisk("b", 8);
   EXPECT_STREQ("7", get(made)->getProperty("Size", true)->getValue()->toString().c_str());
@@ -105,7 +105,7 @@ TEST_F(InstanceStoreTest, GetInstanceFindsByCanonicalNameWithTheListedProperties
   EXPECT_TRUE(get(made) == enumerate("CIM_Disk")->first());
 }
 
-TEST_F(InstanceStoreTest, GetInstanceFindsNamesInAnySpelling) {
+TEST_F(InstanceStores, GetInstanceFindsNamesInAnySpelling) {
   createDisk("a", 7);
   EXPECT_FALSE(get(nameOf("root/CIMV2", "cim_disk", {{"DEVICEid", text("a")}})).IsNull());
   EXPECT_FALSE(get(nameOf("", "CIM_Disk", {{"DeviceID", text("a")}})).IsNull());
@@ -113,7 +113,7 @@ TEST_F(InstanceStoreTest, GetInstanceFindsNamesInAnySpelling) {
   EXPECT_TRUE(get(nameOf("root/cimv2", "CIM_Disk", {{"DeviceID", text("A")}})).IsNull()) << "values keep their case";
 }
 
-TEST_F(InstanceStoreTest, GetInstanceIsNullForWhatDoesNotExist) {
+TEST_F(InstanceStores, GetInstanceIsNullForWhatDoesNotExist) {
   createDisk("a");
   sink().createNamespace("root/other");
   EXPECT_TRUE(get({}).IsNull());
@@ -126,7 +126,7 @@ TEST_F(InstanceStoreTest, GetInstanceIsNullForWhatDoesNotExist) {
   EXPECT_TRUE(get(nameOf(kSpace, "CIM_Disk", {{"DeviceID", text("a")}}), {}, "root/none").IsNull());
 }
 
-TEST_F(InstanceStoreTest, ModifyingSetsTheGivenPropertiesAndKeepsPlaceAndOldLists) {
+TEST_F(InstanceStores, ModifyingSetsTheGivenPropertiesAndKeepsPlaceAndOldLists) {
   const Name first = createDisk("a", 1);
   createDisk("b", 2);
   const CIMApi::Instances before = enumerate("CIM_Device");
@@ -138,7 +138,7 @@ TEST_F(InstanceStoreTest, ModifyingSetsTheGivenPropertiesAndKeepsPlaceAndOldList
   EXPECT_STREQ("9", get(first)->getProperty("Size", true)->getValue()->toString().c_str());
 }
 
-TEST_F(InstanceStoreTest, ModifyingIsRefusedWhereCreatingIs) {
+TEST_F(InstanceStores, ModifyingIsRefusedWhereCreatingIs) {
   const Name made = createDisk("a", 1);
   const auto refused = [&](const std::vector<CimInstanceProperty>& change, QORuint32 code) {
     return refusal([&] { manager.modifyInstance(made, change); }, code);
@@ -162,7 +162,7 @@ TEST_F(InstanceStoreTest, ModifyingIsRefusedWhereCreatingIs) {
   EXPECT_EQ("there is no instance to modify", refusal([&] { manager.modifyInstance({}, {}); }, kInvalidParameter));
 }
 
-TEST_F(InstanceStoreTest, DeletingTellsWhetherTheInstanceExisted) {
+TEST_F(InstanceStores, DeletingTellsWhetherTheInstanceExisted) {
   const Name made = createDisk("a");
   EXPECT_TRUE(manager.deleteInstance(nameOf("ROOT/cimv2", "cim_disk", {{"deviceid", text("a")}})));
   EXPECT_FALSE(manager.deleteInstance(made));
@@ -174,7 +174,7 @@ TEST_F(InstanceStoreTest, DeletingTellsWhetherTheInstanceExisted) {
   EXPECT_THAT(values(enumerate("CIM_Disk"), "Size"), ElementsAre("4"));
 }
 
-TEST_F(InstanceStoreTest, AnInstanceThatIsCreatedAgainComesLast) {
+TEST_F(InstanceStores, AnInstanceThatIsCreatedAgainComesLast) {
   const Name made = createDisk("a");
   createDisk("b");
   manager.deleteInstance(made);
@@ -182,7 +182,7 @@ TEST_F(InstanceStoreTest, AnInstanceThatIsCreatedAgainComesLast) {
   EXPECT_THAT(values(enumerate("CIM_Device"), "DeviceID"), ElementsAre("b", "a"));
 }
 
-TEST_F(InstanceStoreTest, ObjectsOutliveTheirInstanceAndTheObjectManager) {
+TEST_F(InstanceStores, ObjectsOutliveTheirInstanceAndTheObjectManager) {
   Object kept;
   {
     EmbeddedObjectManager other;
@@ -196,7 +196,7 @@ TEST_F(InstanceStoreTest, ObjectsOutliveTheirInstanceAndTheObjectManager) {
   EXPECT_STREQ("root/cimv2:CIM_X.K=\"a\"", kept->getInstanceName()->toString().c_str());
 }
 
-TEST_F(InstanceStoreTest, ReferencesAreStoredInTheRepositorysSpelling) {
+TEST_F(InstanceStores, ReferencesAreStoredInTheRepositorysSpelling) {
   createDisk("a");
   const Name loose = nameOf("", "cim_disk", {{"deviceid", text("a")}});
   const Name made = createUses(loose, nameOf("ROOT/cimv2", "CIM_DISK", {{"DeviceID", text("gone")}}));
@@ -211,7 +211,7 @@ TEST_F(InstanceStoreTest, ReferencesAreStoredInTheRepositorysSpelling) {
                    .IsNull());
 }
 
-TEST_F(InstanceStoreTest, ChainsOfKeyReferencesEndBeforeTheirPathsGrowWithoutBound) {
+TEST_F(InstanceStores, ChainsOfKeyReferencesEndBeforeTheirPathsGrowWithoutBound) {
   declare(classOf("CIM_Link", "", {refer("Next", "CIM_Device")}, {flag("Association")}));
   Name last = createDisk("end");
   std::string message;
@@ -226,7 +226,7 @@ TEST_F(InstanceStoreTest, ChainsOfKeyReferencesEndBeforeTheirPathsGrowWithoutBou
   EXPECT_GT(enumerate("CIM_Link")->entries(), 5u);
 }
 
-TEST_F(InstanceStoreTest, ReferencesToUnknownClassesKeepTheirSpellingAndGetTheNamespace) {
+TEST_F(InstanceStores, ReferencesToUnknownClassesKeepTheirSpellingAndGetTheNamespace) {
   const Name made =
       createUses(nameOf("", "X_Unknown", {{"k", text("a")}}), nameOf("root/far", "Y", {{"k", text("b")}}));
   EXPECT_STREQ("root/cimv2:X_Unknown.k=\"a\"",

@@ -13,7 +13,7 @@ CIMApi::Instances listOf(QORuint32 entries) {
   return list;
 }
 
-TEST(ListCacheTest, AListIsFoundByClassNamesAndVersion) {
+TEST(ListCaches, AListIsFoundByClassNamesAndVersion) {
   ListCache cache;
   ClassEntry one;
   ClassEntry two;
@@ -26,7 +26,7 @@ TEST(ListCacheTest, AListIsFoundByClassNamesAndVersion) {
   EXPECT_TRUE(cache.find(one, "*", 7).IsNull()) << "a stale list is dropped when it is met";
 }
 
-TEST(ListCacheTest, TheListUsedLongestAgoLeaves) {
+TEST(ListCaches, TheListUsedLongestAgoLeaves) {
   ListCache cache;
   ClassEntry entry;
   for (std::size_t i = 0; i < ListCache::kMaximumLists; ++i) cache.put(entry, std::to_string(i), 1, listOf(1));
@@ -37,7 +37,7 @@ TEST(ListCacheTest, TheListUsedLongestAgoLeaves) {
   EXPECT_FALSE(cache.find(entry, "2", 1).IsNull());
 }
 
-TEST(ListCacheTest, InstancesAreBoundedInTotal) {
+TEST(ListCaches, InstancesAreBoundedInTotal) {
   ListCache cache;
   ClassEntry entry;
   const CIMApi::Instances half = listOf(ListCache::kMaximumInstances / 2);
@@ -53,7 +53,7 @@ TEST(ListCacheTest, InstancesAreBoundedInTotal) {
   EXPECT_FALSE(cache.find(entry, "a", 1).IsNull());
 }
 
-TEST(ListCacheTest, PuttingAgainReplaces) {
+TEST(ListCaches, PuttingAgainReplaces) {
   ListCache cache;
   ClassEntry entry;
   cache.put(entry, "a", 1, listOf(1));
@@ -64,7 +64,7 @@ TEST(ListCacheTest, PuttingAgainReplaces) {
   EXPECT_TRUE(cache.find(entry, "a", 1).IsNull()) << "the list that was replaced is gone";
 }
 
-TEST(ListCacheTest, AListThatLeavesMakesRoom) {
+TEST(ListCaches, AListThatLeavesMakesRoom) {
   ListCache cache;
   ClassEntry entry;
   const CIMApi::Instances most = listOf(ListCache::kMaximumInstances - 2);

@@ -7,13 +7,13 @@ using testing::IsEmpty;
 
 namespace {
 
-class LoadTest : public EmbeddedTest {
+class Loading : public EmbeddedTest {
  protected:
   Name load(const CimInstanceDeclaration& declaration) { return sink().createInstance(kSpace, declaration); }
   std::vector<std::string> ids() { return values(enumerate("CIM_Device"), "DeviceID"); }
 };
 
-TEST_F(LoadTest, NothingIsVisibleBeforeCommit) {
+TEST_F(Loading, NothingIsVisibleBeforeCommit) {
   createDisk("old");
   sink().begin();
   declare(classOf("CIM_New", "CIM_Disk", {property("P", CQoriType::string)}));
@@ -40,7 +40,7 @@ TEST_F(LoadTest, NothingIsVisibleBeforeCommit) {
   EXPECT_EQ(1u, manager.classNames("root/new").size());
 }
 
-TEST_F(LoadTest, TheLoaderSeesItsOwnWork) {
+TEST_F(Loading, TheLoaderSeesItsOwnWork) {
   sink().begin();
   declare(classOf("CIM_New", "CIM_Disk", {property("P", CQoriType::string)}));
   EXPECT_FALSE(sink().findClass(kSpace, "cim_new").IsNull());
@@ -57,7 +57,7 @@ TEST_F(LoadTest, TheLoaderSeesItsOwnWork) {
   sink().rollback();
 }
 
-TEST_F(LoadTest, RollbackForgetsEverything) {
+TEST_F(Loading, RollbackForgetsEverything) {
   const Name old = createDisk("old");
   sink().begin();
   CimQualifierDeclaration qualifier;
@@ -85,7 +85,7 @@ TEST_F(LoadTest, RollbackForgetsEverything) {
   EXPECT_THAT(ids(), ElementsAre("old", "a"));
 }
 
-TEST_F(LoadTest, WhatWasThereBeforeSurvivesARollbackThatDeclaredItAgain) {
+TEST_F(Loading, WhatWasThereBeforeSurvivesARollbackThatDeclaredItAgain) {
   sink().begin();
   declare(classOf("CIM_FastDisk", "CIM_Disk", {property("Speed", CQoriType::uint32)}));
   sink().createNamespace(kSpace);
@@ -94,7 +94,7 @@ TEST_F(LoadTest, WhatWasThereBeforeSurvivesARollbackThatDeclaredItAgain) {
   EXPECT_EQ(1u, manager.namespaces().size());
 }
 
-TEST_F(LoadTest, PendingAssociationsDoNotCountBeforeCommit) {
+TEST_F(Loading, PendingAssociationsDoNotCountBeforeCommit) {
   const Name s = createDisk("s");
   const Name a = createDisk("a");
   sink().begin();
@@ -104,7 +104,7 @@ TEST_F(LoadTest, PendingAssociationsDoNotCountBeforeCommit) {
   EXPECT_EQ(1u, associators(s)->entries());
 }
 
-TEST_F(LoadTest, PendingObjectsAreNoEndsOfAssociations) {
+TEST_F(Loading, PendingObjectsAreNoEndsOfAssociations) {
   const Name s = createDisk("s");
   createUses(s, nameOf(kSpace, "CIM_Disk", {{"DeviceID", text("later")}}));
   sink().begin();
@@ -114,7 +114,7 @@ TEST_F(LoadTest, PendingObjectsAreNoEndsOfAssociations) {
   EXPECT_EQ(1u, associators(s)->entries());
 }
 
-TEST_F(LoadTest, ChangesBesideALoadTakeEffectAtOnceAndKeepCreationOrder) {
+TEST_F(Loading, ChangesBesideALoadTakeEffectAtOnceAndKeepCreationOrder) {
   sink().begin();
   load(instanceOf("CIM_Disk", {{"DeviceID", text("loaded1")}}));
   createDisk("beside");
@@ -124,7 +124,7 @@ TEST_F(LoadTest, ChangesBesideALoadTakeEffectAtOnceAndKeepCreationOrder) {
   EXPECT_THAT(ids(), ElementsAre("loaded1", "beside", "loaded2"));
 }
 
-TEST_F(LoadTest, ChangesBesideALoadSurviveItsRollback) {
+TEST_F(Loading, ChangesBesideALoadSurviveItsRollback) {
   sink().begin();
   load(instanceOf("CIM_Disk", {{"DeviceID", text("loaded")}}));
   createDisk("beside");
@@ -132,7 +132,7 @@ TEST_F(LoadTest, ChangesBesideALoadSurviveItsRollback) {
   EXPECT_THAT(ids(), ElementsAre("beside"));
 }
 
-TEST_F(LoadTest, ChangesBesideALoadCannotUseWhatIsPending) {
+TEST_F(Loading, ChangesBesideALoadCannotUseWhatIsPending) {
   sink().begin();
   declare(classOf("CIM_New", "CIM_Disk", {}));
   sink().createNamespace("root/new");
@@ -150,7 +150,7 @@ TEST_F(LoadTest, ChangesBesideALoadCannotUseWhatIsPending) {
   sink().commit();
 }
 
-TEST_F(LoadTest, AfterARefusalTheLoadMayGoOn) {
+TEST_F(Loading, AfterARefusalTheLoadMayGoOn) {
   sink().begin();
   load(instanceOf("CIM_Disk", {{"DeviceID", text("a")}}));
   EXPECT_THROW(load(instanceOf("CIM_None", {})), QoriBaseException);
@@ -160,7 +160,7 @@ TEST_F(LoadTest, AfterARefusalTheLoadMayGoOn) {
   EXPECT_THAT(ids(), ElementsAre("a", "b"));
 }
 
-TEST_F(LoadTest, LoadsDoNotNest) {
+TEST_F(Loading, LoadsDoNotNest) {
   EXPECT_EQ("no load is open", refusal([&] { sink().commit(); }, kFailed));
   sink().rollback();
   sink().begin();
@@ -170,12 +170,12 @@ TEST_F(LoadTest, LoadsDoNotNest) {
   sink().rollback();
 }
 
-TEST_F(LoadTest, OutsideALoadDeclarationsTakeEffectAtOnce) {
+TEST_F(Loading, OutsideALoadDeclarationsTakeEffectAtOnce) {
   load(instanceOf("CIM_Disk", {{"DeviceID", text("a")}}));
   EXPECT_THAT(ids(), ElementsAre("a"));
 }
 
-TEST_F(LoadTest, ManyPendingInstancesAndClassesRollBack) {
+TEST_F(Loading, ManyPendingInstancesAndClassesRollBack) {
   createDisk("old");
   sink().begin();
   for (int i = 0; i < 3000; ++i) {

@@ -46,7 +46,7 @@ class ScriptedProvider : public InstanceProvider {
   QORString _className;
 };
 
-class ProviderTest : public EmbeddedTest {
+class Providers : public EmbeddedTest {
  protected:
   std::shared_ptr<ScriptedProvider> serve(const char* className, std::vector<ScriptedProvider::Row> rows) {
     auto provider = std::make_shared<ScriptedProvider>(className);
@@ -62,7 +62,7 @@ class ProviderTest : public EmbeddedTest {
   std::vector<std::string> ids(const char* className) { return values(enumerate(className), "DeviceID"); }
 };
 
-TEST_F(ProviderTest, LiveInstancesComeAfterStoredOnesAlsoForSuperclasses) {
+TEST_F(Providers, LiveInstancesComeAfterStoredOnesAlsoForSuperclasses) {
   serve("cim_disk", {{{"DeviceID", text("live1")}, {"Size", number(3)}}, {{"DeviceID", text("live2")}}});
   createDisk("a");
   createDisk("b", 0, "CIM_FastDisk");
@@ -72,13 +72,13 @@ TEST_F(ProviderTest, LiveInstancesComeAfterStoredOnesAlsoForSuperclasses) {
   EXPECT_THAT(values(enumerate("CIM_Device"), "Size"), ElementsAre("0", "0", "3", "NULL"));
 }
 
-TEST_F(ProviderTest, ProvidersAreAskedInTheOrderOfTheirRegistration) {
+TEST_F(Providers, ProvidersAreAskedInTheOrderOfTheirRegistration) {
   serve("CIM_FastDisk", {{{"DeviceID", text("fast")}}});
   serve("CIM_Disk", {{{"DeviceID", text("slow")}}});
   EXPECT_THAT(ids("CIM_Device"), ElementsAre("fast", "slow"));
 }
 
-TEST_F(ProviderTest, RequestsNameKeysAndWantedPropertiesInTheClassesSpelling) {
+TEST_F(Providers, RequestsNameKeysAndWantedPropertiesInTheClassesSpelling) {
   const auto provider = serve("CIM_Disk", {});
   enumerate("CIM_Device", names({"SIZE", "nosuch"}));
   EXPECT_STREQ("root/cimv2", provider->last.nameSpace.c_str());
@@ -93,7 +93,7 @@ TEST_F(ProviderTest, RequestsNameKeysAndWantedPropertiesInTheClassesSpelling) {
   EXPECT_THAT(requested(*provider), ElementsAre("DeviceID", "Caption", "Size", "Online"));
 }
 
-TEST_F(ProviderTest, TheTransactionReachesTheProvider) {
+TEST_F(Providers, TheTransactionReachesTheProvider) {
   const auto provider = serve("CIM_Disk", {});
   const QORSmrPtr<QoriTransactionInfo> transaction(
       new QoriTransactionInfo({}, "", "", -1, "", "", "", "SELECT * FROM CIM_Disk", "CIM:CQL"));
@@ -102,7 +102,7 @@ TEST_F(ProviderTest, TheTransactionReachesTheProvider) {
   EXPECT_STREQ("SELECT * FROM CIM_Disk", provider->last.transaction->getQueryString().c_str());
 }
 
-TEST_F(ProviderTest, LiveInstancesShowExactlyTheListedPropertiesWithACompleteName) {
+TEST_F(Providers, LiveInstancesShowExactlyTheListedPropertiesWithACompleteName) {
   serve("CIM_Disk", {{{"DeviceID", text("x")}, {"Size", number(3)}}});
   const Object live = enumerate("CIM_Disk", names({"Size", "Caption"}))->first();
   EXPECT_THAT(propertyNames(live), ElementsAre("Caption", "Size"));
@@ -110,12 +110,12 @@ TEST_F(ProviderTest, LiveInstancesShowExactlyTheListedPropertiesWithACompleteNam
   EXPECT_TRUE(live->getProperty("Caption", true)->getValue().IsNull());
 }
 
-TEST_F(ProviderTest, InstancesWithoutAKeyValueAreLeftOut) {
+TEST_F(Providers, InstancesWithoutAKeyValueAreLeftOut) {
   serve("CIM_Disk", {{{"Size", number(1)}}, {{"DeviceID", text("x")}}});
   EXPECT_THAT(ids("CIM_Disk"), ElementsAre("x"));
 }
 
-TEST_F(ProviderTest, WhatIsLeftOutIsTold) {
+TEST_F(Providers, WhatIsLeftOutIsTold) {
   std::vector<std::string> told;
   manager.setLogSink([&](const QORString&, const QORString& message, QORuint32) { told.emplace_back(message.view()); },
                      QoriTraceLog::kWarning);
@@ -138,7 +138,7 @@ TEST_F(ProviderTest, WhatIsLeftOutIsTold) {
                                 "string, five"));
 }
 
-TEST_F(ProviderTest, OfAClassAmongManyASourceThatIsNotThereIsAWarning) {
+TEST_F(Providers, OfAClassAmongManyASourceThatIsNotThereIsAWarning) {
   std::vector<std::string> told;
   manager.setLogSink([&](const QORString&, const QORString& message, QORuint32) { told.emplace_back(message.view()); },
                      QoriTraceLog::kWarning);
@@ -151,7 +151,7 @@ TEST_F(ProviderTest, OfAClassAmongManyASourceThatIsNotThereIsAWarning) {
   manager.setLogSink({}, QoriTraceLog::kFatal);
 }
 
-TEST_F(ProviderTest, PathsStayUnique) {
+TEST_F(Providers, PathsStayUnique) {
   serve("CIM_Disk", {{{"DeviceID", text("a")}, {"Size", number(1)}},
                      {{"DeviceID", text("x")}, {"Size", number(2)}},
                      {{"DeviceID", text("x")}, {"Size", number(3)}}});
@@ -159,7 +159,7 @@ TEST_F(ProviderTest, PathsStayUnique) {
   EXPECT_THAT(values(enumerate("CIM_Disk"), "Size"), ElementsAre("9", "2"));
 }
 
-TEST_F(ProviderTest, ValuesAreBroughtToTheDeclaredTypesOrAreNull) {
+TEST_F(Providers, ValuesAreBroughtToTheDeclaredTypesOrAreNull) {
   serve("CIM_Disk", {{{"DeviceID", text("x")}, {"Size", number(3, CQoriType::uint8)}},
                      {{"DeviceID", text("y")}, {"Size", text("many")}}});
   const Object live = enumerate("CIM_Disk")->first();
@@ -168,7 +168,7 @@ TEST_F(ProviderTest, ValuesAreBroughtToTheDeclaredTypesOrAreNull) {
   EXPECT_THAT(values(enumerate("CIM_Disk"), "Size"), ElementsAre("3", "NULL"));
 }
 
-TEST_F(ProviderTest, AProvidersExceptionPassesThroughUnchanged) {
+TEST_F(Providers, AProvidersExceptionPassesThroughUnchanged) {
   serve("CIM_Disk", {})->failure = [] { throw CQoriProviderException("disks", "cannot open the list", 42); };
   try {
     enumerate("CIM_Device");
@@ -180,7 +180,7 @@ TEST_F(ProviderTest, AProvidersExceptionPassesThroughUnchanged) {
   }
 }
 
-TEST_F(ProviderTest, OtherFailuresOfAProviderBecomeItsException) {
+TEST_F(Providers, OtherFailuresOfAProviderBecomeItsException) {
   const auto provider = serve("CIM_Disk", {});
   const auto message = [&](std::function<void()> failure) -> std::string {
     provider->failure = std::move(failure);
@@ -197,13 +197,13 @@ TEST_F(ProviderTest, OtherFailuresOfAProviderBecomeItsException) {
   EXPECT_EQ("the provider failed without a message", message([] { throw 5; }));
 }
 
-TEST_F(ProviderTest, AWrongNumberOfValuesIsTheProvidersFailure) {
+TEST_F(Providers, AWrongNumberOfValuesIsTheProvidersFailure) {
   const auto provider = serve("CIM_Disk", {{{"DeviceID", text("x")}}});
   provider->extraValues = 1;
   EXPECT_EQ("the provider gave 5 values for 4 properties", refusal([&] { enumerate("CIM_Disk"); }, 1, "provider"));
 }
 
-TEST_F(ProviderTest, WhatCannotBeRegisteredIsRefused) {
+TEST_F(Providers, WhatCannotBeRegisteredIsRefused) {
   const auto provider = std::make_shared<ScriptedProvider>("CIM_None");
   EXPECT_EQ("provider for CIM_None: the class is not declared",
             refusal([&] { manager.registerProvider(kSpace, provider); }, kInvalidClass));
@@ -215,14 +215,14 @@ TEST_F(ProviderTest, WhatCannotBeRegisteredIsRefused) {
   EXPECT_EQ("class CIM_Disk has a provider already", refusal([&] { serve("cim_disk", {}); }, kAlreadyExists));
 }
 
-TEST_F(ProviderTest, LiveInstancesAreReadAnewForEachEnumeration) {
+TEST_F(Providers, LiveInstancesAreReadAnewForEachEnumeration) {
   const auto provider = serve("CIM_Disk", {{{"DeviceID", text("x")}}});
   EXPECT_THAT(ids("CIM_Disk"), ElementsAre("x"));
   provider->rows = {{{"DeviceID", text("y")}}};
   EXPECT_THAT(ids("CIM_Disk"), ElementsAre("y"));
 }
 
-TEST_F(ProviderTest, GetInstanceFindsLiveInstancesInAnySpellingAndTellsTheProviderWhichOne) {
+TEST_F(Providers, GetInstanceFindsLiveInstancesInAnySpellingAndTellsTheProviderWhichOne) {
   const auto provider = serve("CIM_Disk", {{{"DeviceID", text("x")}, {"Size", number(3)}}, {{"DeviceID", text("y")}}});
   const Object live = get(nameOf("ROOT/cimv2", "CIM_DISK", {{"deviceid", text("x")}}), names({"size"}));
   ASSERT_FALSE(live.IsNull());
@@ -233,13 +233,13 @@ TEST_F(ProviderTest, GetInstanceFindsLiveInstancesInAnySpellingAndTellsTheProvid
   EXPECT_TRUE(get(nameOf(kSpace, "CIM_FastDisk", {{"DeviceID", text("x")}})).IsNull());
 }
 
-TEST_F(ProviderTest, StoredInstancesAreFoundWithoutCallingTheProvider) {
+TEST_F(Providers, StoredInstancesAreFoundWithoutCallingTheProvider) {
   const auto provider = serve("CIM_Disk", {});
   EXPECT_FALSE(get(createDisk("a")).IsNull());
   EXPECT_EQ(0, provider->calls);
 }
 
-TEST_F(ProviderTest, AProviderMayCallTheObjectManager) {
+TEST_F(Providers, AProviderMayCallTheObjectManager) {
   createDisk("a");
   const auto provider = serve("CIM_FastDisk", {});
   provider->failure = [&] {
@@ -251,12 +251,12 @@ TEST_F(ProviderTest, AProviderMayCallTheObjectManager) {
   EXPECT_THAT(ids("CIM_Disk"), ElementsAre("a", "from the provider"));
 }
 
-class LiveAssociationTest : public ProviderTest {
+class LiveAssociations : public Providers {
  protected:
   static Value diskNamed(const char* id) { return reference(nameOf("", "cim_disk", {{"deviceid", text(id)}})); }
 };
 
-TEST_F(LiveAssociationTest, LiveAssociationsComeAfterStoredOnesAndLeadToStoredAndLiveObjects) {
+TEST_F(LiveAssociations, LiveAssociationsComeAfterStoredOnesAndLeadToStoredAndLiveObjects) {
   const auto associations = serve("CIM_Uses", {{{"User", diskNamed("s")}, {"Used", diskNamed("live")}},
                                                {{"User", diskNamed("s")}, {"Used", diskNamed("b")}},
                                                {{"User", diskNamed("other")}, {"Used", diskNamed("b")}}});
@@ -270,7 +270,7 @@ TEST_F(LiveAssociationTest, LiveAssociationsComeAfterStoredOnesAndLeadToStoredAn
   EXPECT_THAT(values(associators(source, "CIM_Uses", "CIM_FastDisk"), "DeviceID"), IsEmpty());
 }
 
-TEST_F(LiveAssociationTest, StoredAssociationsLeadToLiveObjectsAndFromThem) {
+TEST_F(LiveAssociations, StoredAssociationsLeadToLiveObjectsAndFromThem) {
   const auto disks = serve("CIM_Disk", {{{"DeviceID", text("live")}}});
   const Name a = createDisk("a");
   const Name live = enumerate("CIM_Disk")->last()->getInstanceName();
@@ -280,7 +280,7 @@ TEST_F(LiveAssociationTest, StoredAssociationsLeadToLiveObjectsAndFromThem) {
 }
 
 // A provider may name a disk by the keys of a fuller schema.
-TEST_F(LiveAssociationTest, KeysThatTheClassLacksFallAwayWithAndWithoutANamespace) {
+TEST_F(LiveAssociations, KeysThatTheClassLacksFallAwayWithAndWithoutANamespace) {
   const auto fuller = [](const char* nameSpace, const char* id) {
     return reference(nameOf(nameSpace, "CIM_Disk", {{"SystemName", text("host")}, {"DeviceID", text(id)}}));
   };
@@ -294,7 +294,7 @@ TEST_F(LiveAssociationTest, KeysThatTheClassLacksFallAwayWithAndWithoutANamespac
               ElementsAre("root/cimv2:CIM_Disk.DeviceID=\"a\"", "root/cimv2:CIM_Disk.DeviceID=\"b\""));
 }
 
-TEST_F(LiveAssociationTest, OneClientReadsEachProviderOnce) {
+TEST_F(LiveAssociations, OneClientReadsEachProviderOnce) {
   const auto associations = serve("CIM_Uses", {{{"User", diskNamed("s")}, {"Used", diskNamed("live")}},
                                                {{"User", diskNamed("live")}, {"Used", diskNamed("s")}}});
   const auto disks = serve("CIM_Disk", {{{"DeviceID", text("live")}}, {{"DeviceID", text("s")}}});
@@ -306,7 +306,7 @@ TEST_F(LiveAssociationTest, OneClientReadsEachProviderOnce) {
   EXPECT_EQ(1, disks->calls);
 }
 
-TEST_F(LiveAssociationTest, AClientFollowsAChangeOfTheCurrentObjectManager) {
+TEST_F(LiveAssociations, AClientFollowsAChangeOfTheCurrentObjectManager) {
   serve("CIM_Uses", {{{"User", diskNamed("s")}, {"Used", diskNamed("a")}}});
   const Name source = createDisk("s");
   createDisk("a");
@@ -320,13 +320,13 @@ TEST_F(LiveAssociationTest, AClientFollowsAChangeOfTheCurrentObjectManager) {
   EXPECT_EQ(1u, count());
 }
 
-TEST_F(LiveAssociationTest, AFailingAssociationProviderFailsTheCall) {
+TEST_F(LiveAssociations, AFailingAssociationProviderFailsTheCall) {
   serve("CIM_Uses", {})->failure = [] { throw CQoriProviderException("uses", "no associations today", 1); };
   const Name source = createDisk("s");
   EXPECT_EQ("no associations today", refusal([&] { associators(source); }, 1, "provider"));
 }
 
-TEST_F(LiveAssociationTest, AnAssociationThatIsNotThereFailsTheCallThatNamesIt) {
+TEST_F(LiveAssociations, AnAssociationThatIsNotThereFailsTheCallThatNamesIt) {
   serve("CIM_Uses", {})->failure = [] {
     throw CQoriProviderException("uses", "no associations here", InstanceProvider::kNoSource);
   };

@@ -19,7 +19,7 @@ void declareX(EmbeddedObjectManager& manager) {
   manager.sink().declareClass("root/cimv2", classOf("CIM_X", "", {property("K", CQoriType::string, {flag("Key")})}));
 }
 
-TEST(ServicesTest, WithoutAnObjectManagerTheServicesAnswerNothing) {
+TEST(Services, WithoutAnObjectManagerTheServicesAnswerNothing) {
   ASSERT_EQ(nullptr, EmbeddedObjectManager::current());
   const QoriProviderPluginManager* const plugins = QoriProviderPluginManager::getQoriProviderPluginManager();
   EXPECT_TRUE(plugins->getRepository().IsNull());
@@ -35,7 +35,7 @@ TEST(ServicesTest, WithoutAnObjectManagerTheServicesAnswerNothing) {
   QORLog::log("CQL", "nobody listens", QoriTraceLog::kError, QoriTraceLog::kNormal, 0, QORLog::CIMOMLOG);
 }
 
-TEST(ServicesTest, TheLastOneMadeCurrentServes) {
+TEST(Services, TheLastOneMadeCurrentServes) {
   EmbeddedObjectManager first;
   EXPECT_EQ(nullptr, EmbeddedObjectManager::current());
   first.makeCurrent();
@@ -54,20 +54,20 @@ TEST(ServicesTest, TheLastOneMadeCurrentServes) {
   EXPECT_FALSE(enumerateX().IsNull());
 }
 
-TEST(ServicesTest, OneThatIsNotCurrentLeavesTheCurrentOneAlone) {
+TEST(Services, OneThatIsNotCurrentLeavesTheCurrentOneAlone) {
   EmbeddedObjectManager current;
   current.makeCurrent();
   { EmbeddedObjectManager other; }
   EXPECT_EQ(&current, EmbeddedObjectManager::current());
 }
 
-TEST(ServicesTest, AnObjectManagerStartsWithTheDefaultNamespace) {
+TEST(Services, AnObjectManagerStartsWithTheDefaultNamespace) {
   EmbeddedObjectManager manager;
   ASSERT_EQ(1u, manager.namespaces().size());
   EXPECT_STREQ(EmbeddedObjectManager::kDefaultNamespace, manager.namespaces()[0].c_str());
 }
 
-class LogTest : public EmbeddedTest {
+class Logging : public EmbeddedTest {
  protected:
   void listen(QORuint32 maximum) {
     manager.setLogSink(
@@ -82,7 +82,7 @@ class LogTest : public EmbeddedTest {
   std::vector<std::string> lines;
 };
 
-TEST_F(LogTest, LinesUpToTheLevelReachTheSink) {
+TEST_F(Logging, LinesUpToTheLevelReachTheSink) {
   listen(QoriTraceLog::kWarning);
   log("fatal", QoriTraceLog::kFatal);
   log("error", QoriTraceLog::kError);
@@ -92,20 +92,20 @@ TEST_F(LogTest, LinesUpToTheLevelReachTheSink) {
   EXPECT_THAT(lines, ElementsAre("CQL/fatal/0", "CQL/error/1", "CQL/warning/2"));
 }
 
-TEST_F(LogTest, AnEmptySinkDisconnects) {
+TEST_F(Logging, AnEmptySinkDisconnects) {
   listen(QoriTraceLog::kTrace);
   manager.setLogSink({}, QoriTraceLog::kTrace);
   log("error", QoriTraceLog::kError);
   EXPECT_THAT(lines, IsEmpty());
 }
 
-TEST_F(LogTest, ASinkThatThrowsHarmsNobody) {
+TEST_F(Logging, ASinkThatThrowsHarmsNobody) {
   manager.setLogSink([](const QORString&, const QORString&, QORuint32) { throw std::runtime_error("no"); },
                      QoriTraceLog::kTrace);
   log("error", QoriTraceLog::kError);
 }
 
-TEST_F(LogTest, ASinkMayCallTheObjectManager) {
+TEST_F(Logging, ASinkMayCallTheObjectManager) {
   manager.setLogSink([this](const QORString&, const QORString&, QORuint32) { createDisk("logged"); },
                      QoriTraceLog::kTrace);
   log("error", QoriTraceLog::kError);

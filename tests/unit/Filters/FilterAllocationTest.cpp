@@ -17,13 +17,13 @@ struct FilterAllocation : Filter {
   }
 };
 
-TEST_F(FilterAllocation, theCountGrowsWithAnAllocation) {
+TEST_F(FilterAllocation, TheCountGrowsWithAnAllocation) {
   const unsigned long before = allocationCount();
   const QORString text("a text of its own");
   EXPECT_GT(allocationCount(), before) << text;
 }
 
-TEST_F(FilterAllocation, propertiesAgainstConstantsAndProperties) {
+TEST_F(FilterAllocation, PropertiesAgainstConstantsAndProperties) {
   const QORSmrPtr<IQoriObject> alert(
       world.alert("U8 = 5; U16 = 5; U64 = 18446744073709551615; S32 = -3; R64 = 2.5; B = TRUE; MessageID = \"FC1\"; "
                   "OwningEntity = \"SNIA\"; A = {2, 17};"));
@@ -40,7 +40,7 @@ TEST_F(FilterAllocation, propertiesAgainstConstantsAndProperties) {
   }
 }
 
-TEST_F(FilterAllocation, embeddedObjectsAndTheirClasses) {
+TEST_F(FilterAllocation, EmbeddedObjectsAndTheirClasses) {
   const QORSmrPtr<IQoriObject> changed(world.indication(R"(instance of CIM_InstModification {
     SourceInstance = "instance of XYZ_Volume { Id = \"v\"; OperationalStatus = {2, 17}; Size = 10; };";
     PreviousInstance = "instance of XYZ_Volume { Id = \"v\"; OperationalStatus = {2}; Size = 10; };"; };)"));
@@ -59,7 +59,7 @@ TEST_F(FilterAllocation, embeddedObjectsAndTheirClasses) {
   EXPECT_EQ(allocationsOf("SELECT * FROM CIM_InstCreation", changed, false), 0U);
 }
 
-TEST_F(FilterAllocation, datetimesCharactersAndReferences) {
+TEST_F(FilterAllocation, DatetimesCharactersAndReferences) {
   FilterWorld own(R"(class T_End { [Key] string Id; };
     [association] class T_Link { [Key] T_End REF One; [Key] T_End REF Other; datetime Begun; datetime Ended; char16 Mark;
     datetime Seen[]; };)");
@@ -72,7 +72,7 @@ TEST_F(FilterAllocation, datetimesCharactersAndReferences) {
   }
 }
 
-TEST_F(FilterAllocation, matchingAsksForNoInstances) {
+TEST_F(FilterAllocation, MatchingAsksForNoInstances) {
   const QORSmrPtr<IQoriObject> alert(world.alert("U8 = 5;"));
   world.manager().resetStatistics();
   EXPECT_TRUE(world.matches("SELECT * FROM CIM_Indication", alert));

@@ -286,7 +286,7 @@ class FilterComparison : public testing::TestWithParam<Form> {
   FilterWorld world{schema().c_str()};
 };
 
-TEST_P(FilterComparison, meansTheSameAsTheNaiveAccount) {
+TEST_P(FilterComparison, MeansTheSameAsTheNaiveAccount) {
   const Pairs pairs = makePairs(world);
   const QORString nameSpace(kNameSpace);
   for (const Type& left : types()) {

@@ -28,7 +28,7 @@ struct FilterDecision : testing::Test {
   }
 };
 
-TEST_F(FilterDecision, aComparisonWithoutAValueIsNeitherTrueNorFalse) {
+TEST_F(FilterDecision, AComparisonWithoutAValueIsNeitherTrueNorFalse) {
   for (const char* truth : {"TRUE", "FALSE", "B", "(B)"}) {
     for (const char* inner : {"U8 = 5", "U8 <> 5", "5 < U8", "S > T", "U8 + 1 = 6", "ANY A = 5", "5 = EVERY A", "A = A",
                               "SourceInstance ISA CIM_Part", "'SourceInstance' ISA CIM_Part", "-U8 = 5"}) {
@@ -41,7 +41,7 @@ TEST_F(FilterDecision, aComparisonWithoutAValueIsNeitherTrueNorFalse) {
   }
 }
 
-TEST_F(FilterDecision, likeAndIsNullHaveNoValue) {
+TEST_F(FilterDecision, LikeAndIsNullHaveNoValue) {
   const std::string values = "U8 = 5; S = \"xyz\"; B = FALSE;";
   for (const char* inner : {"U8 IS NULL", "U8 IS NOT NULL", "T IS NULL", "S LIKE 'y'", "S LIKE 'a'", "U8 *= 5",
                             "U8 =* 5", "U8 *=* 6", "(U8 IS NULL) = TRUE", "MAX(U8) = 5"}) {
@@ -56,7 +56,7 @@ TEST_F(FilterDecision, likeAndIsNullHaveNoValue) {
   EXPECT_EQ(never("(U8 = 5) = FALSE"), "");
 }
 
-TEST_F(FilterDecision, aDecidedComparisonHasItsValue) {
+TEST_F(FilterDecision, ADecidedComparisonHasItsValue) {
   const std::string values = "U8 = 5; S = \"xyz\"; B = FALSE; A = {1, 2}; SourceInstance = instance of XYZ_Part { };";
   for (const char* condition :
        {"(U8 = 5) = TRUE", "(U8 = 6) = FALSE", "(U8 = 6) = B", "(U8 = 5) <> B", "((U8 = 6) = B) = TRUE",
@@ -71,14 +71,14 @@ TEST_F(FilterDecision, aDecidedComparisonHasItsValue) {
   EXPECT_TRUE(matches("(B = 'other') = FALSE", values));
 }
 
-TEST_F(FilterDecision, anArrayAgainstAValueIsNotDecided) {
+TEST_F(FilterDecision, AnArrayAgainstAValueIsNotDecided) {
   for (const char* inner : {"A = U8", "A < A", "A = Texts", "ANY U8 = 1", "U8 = EVERY S"}) {
     const std::string condition = std::string("(") + inner + ") = FALSE";
     EXPECT_FALSE(matches(condition, "A = {1}; U8 = 1; S = \"x\"; Texts = {\"1\"};")) << condition;
   }
 }
 
-TEST_F(FilterDecision, anElementThatDoesNotCompareIsPassedOver) {
+TEST_F(FilterDecision, AnElementThatDoesNotCompareIsPassedOver) {
   const std::vector<std::string> orders = {"{\"yes\", \"TRUE\"}", "{\"TRUE\", \"yes\"}", "{\"yes\", \"true\", \"no\"}"};
   for (const std::string& order : orders) {
     const std::string values = "B = TRUE; Texts = " + order + ";";
@@ -96,7 +96,7 @@ TEST_F(FilterDecision, anElementThatDoesNotCompareIsPassedOver) {
   EXPECT_FALSE(matches("B <> ANY Texts", "B = TRUE; Texts = {};"));
 }
 
-TEST_F(FilterDecision, arraysOfOtherElementTypesDoNotCompare) {
+TEST_F(FilterDecision, ArraysOfOtherElementTypesDoNotCompare) {
   const std::string values =
       "A = {1, 2}; W = {1, 2}; R = {1.0, 2.0}; Texts = {\"1\", \"2\"}; Truths = {TRUE}; Times = {};";
   EXPECT_TRUE(matches("A = W", values));
@@ -113,7 +113,7 @@ TEST_F(FilterDecision, arraysOfOtherElementTypesDoNotCompare) {
   }
 }
 
-TEST_F(FilterDecision, whyArraysOfOtherElementTypesDoNotCompare) {
+TEST_F(FilterDecision, WhyArraysOfOtherElementTypesDoNotCompare) {
   CQLQueryStatement statement("CQL", "SELECT * FROM T_Event WHERE Truths = Texts", kNameSpace, "");
   ASSERT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS);
   std::string why;
@@ -122,7 +122,7 @@ TEST_F(FilterDecision, whyArraysOfOtherElementTypesDoNotCompare) {
   EXPECT_EQ(why, "Truths = Texts ({TRUE} = {'TRUE'}): boolean and string do not compare");
 }
 
-TEST_F(FilterDecision, isaBehindAPathAScopeOrWithAnIndexNeverMatches) {
+TEST_F(FilterDecision, IsaBehindAPathAScopeOrWithAnIndexNeverMatches) {
   const std::string values =
       "SourceInstance = instance of XYZ_Part { Id = \"p\"; }; PreviousInstance = instance of T_Event "
       "{ SourceInstance = \"instance of XYZ_Part { };\"; };";
@@ -144,7 +144,7 @@ TEST_F(FilterDecision, isaBehindAPathAScopeOrWithAnIndexNeverMatches) {
   }
 }
 
-TEST_F(FilterDecision, theClassOfIsaMayBeComputed) {
+TEST_F(FilterDecision, TheClassOfIsaMayBeComputed) {
   const std::string values = "SourceInstance = instance of XYZ_Part { }; S = \"_Part\"; U8 = 5;";
   EXPECT_TRUE(matches("SourceInstance ISA 'CIM' + '_Part'", values));
   EXPECT_TRUE(matches("'SourceInstance' ISA 'CIM' + S", values));

@@ -53,7 +53,7 @@ struct FilterEdge : Filter {
   }
 };
 
-TEST_F(FilterEdge, anEmbeddedObjectThatIsAbsent) {
+TEST_F(FilterEdge, AnEmbeddedObjectThatIsAbsent) {
   const Object none(world.indication("instance of CIM_InstModification { };"));
   for (const char* condition :
        {"SourceInstance ISA CIM_FCPort", "SourceInstance.Id = 'x'", "SourceInstance.CIM_FCPort::Id <> 'x'",
@@ -63,7 +63,7 @@ TEST_F(FilterEdge, anEmbeddedObjectThatIsAbsent) {
   }
 }
 
-TEST_F(FilterEdge, anEmbeddedObjectOfAnotherType) {
+TEST_F(FilterEdge, AnEmbeddedObjectOfAnotherType) {
   const QORSmrPtr<ForeignObject> foreign(new ForeignObject("CIM_InstModification"));
   const Object instance(foreign);
   for (const auto& make : std::vector<std::function<Value()>>{
@@ -80,7 +80,7 @@ TEST_F(FilterEdge, anEmbeddedObjectOfAnotherType) {
   }
 }
 
-TEST_F(FilterEdge, anObjectWithinAnObject) {
+TEST_F(FilterEdge, AnObjectWithinAnObject) {
   const Object nested(world.indication(R"(instance of CIM_InstModification { SourceInstance =
     "instance of XYZ_Volume { Id = \"outer\"; Inner = \"instance of XYZ_Volume { Id = \\\"inner\\\"; Size = 7; };\"; };";
     };)"));
@@ -91,7 +91,7 @@ TEST_F(FilterEdge, anObjectWithinAnObject) {
   EXPECT_FALSE(modificationMatches("SourceInstance.Inner.Inner.Size = 7", nested));
 }
 
-TEST_F(FilterEdge, anObjectNestedInItself) {
+TEST_F(FilterEdge, AnObjectNestedInItself) {
   const QORSmrPtr<ForeignObject> foreign(new ForeignObject("CIM_InstModification"));
   const Object instance(foreign);
   foreign->properties["SourceInstance"] = [&] { return Value(new CQoriValue(instance)); };
@@ -114,7 +114,7 @@ TEST_F(FilterEdge, anObjectNestedInItself) {
   EXPECT_TRUE(modificationMatches(path + "IndicationIdentifier = 'me'", instance));
 }
 
-TEST_F(FilterEdge, objectsThatHoldThemselvesCompareWithoutEnd) {
+TEST_F(FilterEdge, ObjectsThatHoldThemselvesCompareWithoutEnd) {
   const QORSmrPtr<ForeignObject> one(new ForeignObject("CIM_InstModification"));
   const QORSmrPtr<ForeignObject> other(new ForeignObject("CIM_InstModification"));
   const Object first(one);
@@ -126,7 +126,7 @@ TEST_F(FilterEdge, objectsThatHoldThemselvesCompareWithoutEnd) {
   EXPECT_FALSE(modificationMatches("SourceInstance = PreviousInstance", first));
 }
 
-TEST_F(FilterEdge, anObjectThatFails) {
+TEST_F(FilterEdge, AnObjectThatFails) {
   const QORSmrPtr<ForeignObject> foreign(new ForeignObject("CIM_AlertIndication"));
   const Object instance(foreign);
   foreign->properties["U8"] = []() -> Value { throw QoriBaseException("a", "b", "c", "it fails", 1); };
@@ -150,7 +150,7 @@ TEST_F(FilterEdge, anObjectThatFails) {
       world.matches("SELECT * FROM CIM_AlertIndication WHERE AlertingManagedElement ISA CIM_FCPort", instance));
 }
 
-TEST_F(FilterEdge, anInstanceOfAnUnknownClassOrOfNone) {
+TEST_F(FilterEdge, AnInstanceOfAnUnknownClassOrOfNone) {
   const Object unknown(new ForeignObject("XYZ_Unheard"));
   EXPECT_FALSE(world.matches("SELECT * FROM CIM_Indication", unknown));
   const Object none(new ForeignObject(""));
@@ -164,7 +164,7 @@ TEST_F(FilterEdge, anInstanceOfAnUnknownClassOrOfNone) {
   EXPECT_FALSE(modificationMatches("SourceInstance ISA CIM_ManagedElement", instance));
 }
 
-TEST_F(FilterEdge, isaWithTextAndComputedSides) {
+TEST_F(FilterEdge, IsaWithTextAndComputedSides) {
   const Object changed(world.indication(
       "instance of CIM_InstModification { SourceInstance = \"instance of CIM_FCPort { Id = \\\"p\\\"; };\"; };"));
   EXPECT_TRUE(modificationMatches("'SourceInstance' ISA CIM_FCPort", changed));
@@ -176,7 +176,7 @@ TEST_F(FilterEdge, isaWithTextAndComputedSides) {
   EXPECT_FALSE(modificationMatches("IndicationIdentifier ISA CIM_FCPort", changed));
 }
 
-TEST_F(FilterEdge, pathsOfAlertsThatNameNoClass) {
+TEST_F(FilterEdge, PathsOfAlertsThatNameNoClass) {
   const std::string condition = "AlertingManagedElement ISA CIM_FCPort";
   const auto matches = [&](const std::string& path, const std::string& format) {
     return world.alertMatches(condition, "AlertingManagedElement = \"" + path + "\"; " + format);
@@ -194,13 +194,13 @@ TEST_F(FilterEdge, pathsOfAlertsThatNameNoClass) {
                                  isPath + "AlertingManagedElement = \"//h/n:CIM_FCPort.Id=1\";"));
 }
 
-TEST_F(FilterEdge, aDottedHostBeforeTheColonDoesNotMatter) {
+TEST_F(FilterEdge, ADottedHostBeforeTheColonDoesNotMatter) {
   EXPECT_TRUE(world.alertMatches("AlertingManagedElement ISA CIM_FCPort",
                                  "AlertingElementFormat = 2; "
                                  "AlertingManagedElement = \"//array.example.org/root/cimv2:CIM_FCPort.Id=1\";"));
 }
 
-TEST_F(FilterEdge, stepsGivenNoNodeOrAnotherOneAreFalse) {
+TEST_F(FilterEdge, StepsGivenNoNodeOrAnotherOneAreFalse) {
   CQLQueryStatement statement("CQL", "SELECT * FROM CIM_AlertIndication WHERE U8 = 5", kNameSpace, "");
   ASSERT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS);
   const Object alert(world.alert("U8 = 5;"));
@@ -223,7 +223,7 @@ CQLQueryStatement::Node leftOf(const CQLQueryStatement::Node& comparison) {
   return dynamic_cast<const QORQL_Comparison&>(*comparison).getLHSArithmeticExpression();
 }
 
-TEST_F(FilterEdge, valuesThatCannotBeComputedAreNull) {
+TEST_F(FilterEdge, ValuesThatCannotBeComputedAreNull) {
   const QORSmrPtr<ForeignObject> foreign(new ForeignObject("CIM_AlertIndication"));
   foreign->properties["U8"] = []() -> Value { throw QoriBaseException("a", "b", "c", "it fails", 1); };
   const Object failing(foreign);
@@ -243,7 +243,7 @@ TEST_F(FilterEdge, valuesThatCannotBeComputedAreNull) {
   }
 }
 
-TEST_F(FilterEdge, comparisonsAreBooleanValues) {
+TEST_F(FilterEdge, ComparisonsAreBooleanValues) {
   const Value five(new CQoriValue(5, CQoriType::uint8));
   const Value six(new CQoriValue(6, CQoriType::sint64));
   const Value text(new CQoriValue(QORString("5")));
@@ -260,7 +260,7 @@ TEST_F(FilterEdge, comparisonsAreBooleanValues) {
       CQLQueryStatement::compareRealValues(five, Value(new CQoriValue(5.0, CQoriType::real64)), QORQL_OperatorEQUAL));
 }
 
-TEST_F(FilterEdge, numericalDataIsTwoNumbers) {
+TEST_F(FilterEdge, NumericalDataIsTwoNumbers) {
   const std::vector<const char*> numbers = {"uint8",  "uint16", "uint32", "uint64", "sint8",
                                             "sint16", "sint32", "sint64", "real32", "real64"};
   for (const char* number : numbers) {
@@ -272,7 +272,7 @@ TEST_F(FilterEdge, numericalDataIsTwoNumbers) {
   }
 }
 
-TEST_F(FilterEdge, theValidatorAsksTheRepository) {
+TEST_F(FilterEdge, TheValidatorAsksTheRepository) {
   EXPECT_TRUE(CQLQueryValidator::findClass(kNameSpace, "cim_fcport"));
   EXPECT_FALSE(CQLQueryValidator::findClass(kNameSpace, "CIM_Nothing"));
   EXPECT_FALSE(CQLQueryValidator::findClass("root/nowhere", "CIM_FCPort"));
@@ -288,7 +288,7 @@ TEST_F(FilterEdge, theValidatorAsksTheRepository) {
   EXPECT_FALSE(CQLQueryValidator::isSubClass("root/nowhere", "XYZ_Volume", "CIM_ManagedElement"));
 }
 
-TEST_F(FilterEdge, aPathInTheSelectListNeedsItsRoot) {
+TEST_F(FilterEdge, APathInTheSelectListNeedsItsRoot) {
   CQLQueryStatement statement("CQL", "SELECT SourceInstance.CIM_StorageVolume::Size FROM CIM_InstModification",
                               kNameSpace, "");
   ASSERT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS) << statement.getFault().message;

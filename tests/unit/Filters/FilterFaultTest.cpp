@@ -29,7 +29,7 @@ struct FilterFault : Filter {
   }
 };
 
-TEST_F(FilterFault, aValidFilterHasNone) {
+TEST_F(FilterFault, AValidFilterHasNone) {
   CQLQueryStatement statement("CQL", "SELECT * FROM CIM_InstCreation", kNameSpace, "");
   EXPECT_EQ(statement.getFault().kind, CQLQueryFault::kNone);
   ASSERT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS);
@@ -38,14 +38,14 @@ TEST_F(FilterFault, aValidFilterHasNone) {
   EXPECT_THAT(log, IsEmpty());
 }
 
-TEST_F(FilterFault, aLanguage) {
+TEST_F(FilterFault, ALanguage) {
   const CQLQueryFault fault = faultOf("SELECT * FROM CIM_InstCreation", "SQL");
   EXPECT_EQ(fault.kind, CQLQueryFault::kLanguage);
   EXPECT_EQ(fault.name, "SQL");
   EXPECT_THAT(log, ElementsAre("CQLQUERYSTATEMENT::validate()/1: Unsupported Query Language"));
 }
 
-TEST_F(FilterFault, aTextThatDoesNotParseIsWrongAtAToken) {
+TEST_F(FilterFault, ATextThatDoesNotParseIsWrongAtAToken) {
   const CQLQueryFault fault = faultOf("SELECT * FORM CIM_InstCreation");
   EXPECT_EQ(fault.kind, CQLQueryFault::kSyntax);
   EXPECT_EQ(fault.offset, 9U);
@@ -57,20 +57,20 @@ TEST_F(FilterFault, aTextThatDoesNotParseIsWrongAtAToken) {
   EXPECT_EQ(faultOf("SELECT * FROM CIM_AlertIndication WHERE ANY A[*] = A[*]").kind, CQLQueryFault::kSyntax);
 }
 
-TEST_F(FilterFault, aFaultThatIsFoundBehindTheTextHasNoPlace) {
+TEST_F(FilterFault, AFaultThatIsFoundBehindTheTextHasNoPlace) {
   const CQLQueryFault fault = faultOf("SELECT COUNT(U8) AS n, U16 FROM CIM_AlertIndication");
   EXPECT_EQ(fault.kind, CQLQueryFault::kSyntax);
   EXPECT_EQ(fault.offset, CQLQueryFault::kNoOffset);
 }
 
-TEST_F(FilterFault, aClass) {
+TEST_F(FilterFault, AClass) {
   const CQLQueryFault fault = faultOf("SELECT * FROM CIM_InstCreation, CIM_Nothing AS n");
   EXPECT_EQ(fault.kind, CQLQueryFault::kClass);
   EXPECT_TRUE(fault.name.isEqualCaseInsensitive("CIM_Nothing"));
   EXPECT_THAT(log, ElementsAre("CQLQUERYSTATEMENT::validate()/1: Invalid Schema"));
 }
 
-TEST_F(FilterFault, aProperty) {
+TEST_F(FilterFault, AProperty) {
   const CQLQueryFault bare = faultOf("SELECT * FROM CIM_AlertIndication WHERE Owner = 'x'");
   EXPECT_EQ(bare.kind, CQLQueryFault::kProperty);
   EXPECT_EQ(bare.name, "Owner");
@@ -83,20 +83,20 @@ TEST_F(FilterFault, aProperty) {
   EXPECT_EQ(faultOf("SELECT SUM(a.Owner) AS s FROM CIM_AlertIndication AS a").kind, CQLQueryFault::kProperty);
 }
 
-TEST_F(FilterFault, aPropertyOfSeveralClasses) {
+TEST_F(FilterFault, APropertyOfSeveralClasses) {
   const CQLQueryFault fault =
       faultOf("SELECT * FROM CIM_AlertIndication, CIM_InstCreation WHERE IndicationIdentifier = 'x'");
   EXPECT_EQ(fault.kind, CQLQueryFault::kAmbiguous);
   EXPECT_EQ(fault.name, "IndicationIdentifier");
 }
 
-TEST_F(FilterFault, aQualifier) {
+TEST_F(FilterFault, AQualifier) {
   const CQLQueryFault fault = faultOf("SELECT Nobody.U8 FROM CIM_AlertIndication");
   EXPECT_EQ(fault.kind, CQLQueryFault::kQualifier);
   EXPECT_TRUE(fault.name.isEqualCaseInsensitive("Nobody"));
 }
 
-TEST_F(FilterFault, aSecondValidationRepeatsNothing) {
+TEST_F(FilterFault, ASecondValidationRepeatsNothing) {
   CQLQueryStatement statement("CQL", "SELECT", kNameSpace, "");
   statement.validate();
   log.clear();
@@ -104,7 +104,7 @@ TEST_F(FilterFault, aSecondValidationRepeatsNothing) {
   EXPECT_THAT(log, IsEmpty());
 }
 
-TEST_F(FilterFault, withoutARepositoryNothingIsValid) {
+TEST_F(FilterFault, WithoutARepositoryNothingIsValid) {
   CQLQueryStatement statement("CQL", "SELECT * FROM CIM_InstCreation", "root/nowhere", "");
   EXPECT_EQ(statement.validate(), QUERY_INVALID_QUERY);
   EXPECT_EQ(statement.getFault().kind, CQLQueryFault::kClass);
@@ -129,7 +129,7 @@ struct FilterReasons : Filter {
   }
 };
 
-TEST_F(FilterReasons, whyAFilterNeverMatches) {
+TEST_F(FilterReasons, WhyAFilterNeverMatches) {
   EXPECT_EQ(neverBecause("U8 = 5 AND MessageID = 'x'"), "");
   EXPECT_EQ(neverBecause("U8 = 5 OR U8 = 6"), "a filter that uses OR never matches");
   EXPECT_EQ(neverBecause("U8 = 5 AND NOT U8 = 6"), "a condition under NOT never matches");
@@ -144,7 +144,7 @@ TEST_F(FilterReasons, whyAFilterNeverMatches) {
   EXPECT_EQ(neverBecause("S64 = -9223372036854775808"), "a condition on a value that cannot be computed never matches");
 }
 
-TEST_F(FilterReasons, whyAnInstanceDoesNotMatch) {
+TEST_F(FilterReasons, WhyAnInstanceDoesNotMatch) {
   const QORSmrPtr<IQoriObject> alert(world.alert("U8 = 5; MessageID = \"y\"; A = {1, 2}; S32 = -3; B = TRUE;"));
   EXPECT_EQ(why("U8 = 5", alert), "");
   EXPECT_EQ(why("U8 = 5 AND MessageID = 'x'", alert), "MessageID = 'x' ('y' = 'x')");
@@ -163,7 +163,7 @@ TEST_F(FilterReasons, whyAnInstanceDoesNotMatch) {
   EXPECT_EQ(why("U8 = 5 AND Absent IS NULL", alert), "Absent IS NULL (a condition with IS NULL never matches)");
 }
 
-TEST_F(FilterReasons, whyTwoValuesAreNotCompared) {
+TEST_F(FilterReasons, WhyTwoValuesAreNotCompared) {
   const QORSmrPtr<IQoriObject> alert(
       world.alert("U8 = 5; MessageID = \"5\"; A = {1, 2}; B = TRUE; C = 'x'; When = \"20240101120000.000000+000\";"));
   EXPECT_EQ(why("MessageID = 5", alert), "MessageID = 5 ('5' = 5): string and uint8 do not compare");
@@ -186,14 +186,14 @@ TEST_F(FilterReasons, whyTwoValuesAreNotCompared) {
             "MessageID + 'x' = U8 + 0 ('5x' = 5): string and uint64 do not compare");
 }
 
-TEST_F(FilterReasons, aLiteralBehindAMinusIsShownAsWritten) {
+TEST_F(FilterReasons, ALiteralBehindAMinusIsShownAsWritten) {
   const QORSmrPtr<IQoriObject> alert(world.alert("S64 = 0;"));
   EXPECT_EQ(why("S64 < -5000000000", alert), "S64 < -5000000000 (0 < -5000000000)");
   EXPECT_EQ(why("S64 = -9223372036854775808", alert), "S64 = -9223372036854775808 (0 = NULL)");
   EXPECT_EQ(why("S64 = -9223372036854775809", alert), "S64 = -9223372036854775809 (0 = 9223372036854775807)");
 }
 
-TEST_F(FilterReasons, whyAnInstanceIsNotAskedAbout) {
+TEST_F(FilterReasons, WhyAnInstanceIsNotAskedAbout) {
   const QORSmrPtr<IQoriObject> alert(world.alert("U8 = 5;"));
   EXPECT_EQ(why("IndicationIdentifier = 'x'", alert, "CIM_InstCreation"),
             "its class CIM_AlertIndication is not in FROM");
@@ -201,7 +201,7 @@ TEST_F(FilterReasons, whyAnInstanceIsNotAskedAbout) {
             "its namespace is root/other, the filter's root/cimv2");
 }
 
-TEST_F(FilterReasons, explanationsThrowAsMatchingDoes) {
+TEST_F(FilterReasons, ExplanationsThrowAsMatchingDoes) {
   CQLQueryStatement statement("CQL", "SELECT * FROM CIM_AlertIndication", kNameSpace, "");
   std::string reason;
   EXPECT_EQ(queryError([&] { statement.explainMatch(world.alert(""), kNameSpace, reason); }),

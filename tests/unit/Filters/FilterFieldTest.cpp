@@ -227,12 +227,12 @@ std::string withWords(std::string text, int (*change)(int)) {
   return text;
 }
 
-class FieldFilterTest : public testing::TestWithParam<FieldFilter> {
+class FieldFilters : public testing::TestWithParam<FieldFilter> {
  protected:
   FilterWorld world{kFieldSchema};
 };
 
-TEST_P(FieldFilterTest, matchesWhatItIsForHoweverItsWordsAreWritten) {
+TEST_P(FieldFilters, MatchesWhatItIsForHoweverItsWordsAreWritten) {
   const FieldFilter& field = GetParam();
   const std::string lower = withWords(field.filter, [](int c) { return std::tolower(c); });
   const std::string upper = withWords(field.filter, [](int c) { return std::toupper(c); });
@@ -245,7 +245,7 @@ TEST_P(FieldFilterTest, matchesWhatItIsForHoweverItsWordsAreWritten) {
   }
 }
 
-TEST_P(FieldFilterTest, isUnderstoodInEveryLanguage) {
+TEST_P(FieldFilters, IsUnderstoodInEveryLanguage) {
   for (const char* language : {"CQL", "DMTF:CQL", "WQL"}) {
     CQLQueryStatement statement(language, QORString(GetParam().filter), kNameSpace, "");
     EXPECT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS) << statement.getFault().message;
@@ -254,9 +254,9 @@ TEST_P(FieldFilterTest, isUnderstoodInEveryLanguage) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Lifecycle, FieldFilterTest, testing::ValuesIn(lifecycleFilters()));
-INSTANTIATE_TEST_SUITE_P(Status, FieldFilterTest, testing::ValuesIn(statusFilters()));
-INSTANTIATE_TEST_SUITE_P(Jobs, FieldFilterTest, testing::ValuesIn(jobFilters()));
-INSTANTIATE_TEST_SUITE_P(Alerts, FieldFilterTest, testing::ValuesIn(alertFilters()));
+INSTANTIATE_TEST_SUITE_P(Lifecycle, FieldFilters, testing::ValuesIn(lifecycleFilters()));
+INSTANTIATE_TEST_SUITE_P(Status, FieldFilters, testing::ValuesIn(statusFilters()));
+INSTANTIATE_TEST_SUITE_P(Jobs, FieldFilters, testing::ValuesIn(jobFilters()));
+INSTANTIATE_TEST_SUITE_P(Alerts, FieldFilters, testing::ValuesIn(alertFilters()));
 
 }  // namespace

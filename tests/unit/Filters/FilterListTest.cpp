@@ -28,7 +28,7 @@ struct FilterList : Filter {
   }
 };
 
-TEST_F(FilterList, theFormatBesideTheTestOfAnAlertsElement) {
+TEST_F(FilterList, TheFormatBesideTheTestOfAnAlertsElement) {
   for (const char* test : {"AlertingManagedElement ISA CIM_FCPort", "'alertingmanagedelement' ISA CIM_FCPort",
                            "a.AlertingManagedElement ISA 'CIM_FCPort'", "'Alerting' + 'ManagedElement' ISA CIM_FCPort",
                            "(AlertingManagedElement ISA CIM_FCPort) = TRUE"}) {
@@ -46,7 +46,7 @@ TEST_F(FilterList, theFormatBesideTheTestOfAnAlertsElement) {
               ElementsAre("SourceInstance"));
 }
 
-TEST_F(FilterList, thePropertyThatATextNames) {
+TEST_F(FilterList, ThePropertyThatATextNames) {
   const QORSmrPtr<IQoriObject> created(world.indication(
       "instance of CIM_InstCreation { SourceInstance = \"instance of CIM_FCPort { Id = \\\"p\\\"; };\"; };"));
   for (const char* test : {"'SourceInstance' ISA CIM_FCPort", "('Source' + 'Instance') ISA CIM_FCPort"}) {
@@ -60,7 +60,7 @@ TEST_F(FilterList, thePropertyThatATextNames) {
   EXPECT_TRUE(matchesByList(query, created, "CIM_InstCreation"));
 }
 
-TEST_F(FilterList, whatIsNoTestOfAClassNamesNothing) {
+TEST_F(FilterList, WhatIsNoTestOfAClassNamesNothing) {
   EXPECT_THAT(whereList("SELECT * FROM CIM_InstCreation WHERE 5 ISA CIM_FCPort", "CIM_InstCreation"), IsEmpty());
   EXPECT_THAT(whereList("SELECT * FROM CIM_InstCreation", "CIM_InstCreation"), IsEmpty());
   EXPECT_THAT(whereList("SELECT * FROM CIM_InstModification WHERE PreviousInstance.SourceInstance ISA CIM_FCPort",
@@ -68,7 +68,7 @@ TEST_F(FilterList, whatIsNoTestOfAClassNamesNothing) {
               ElementsAre("PreviousInstance"));
 }
 
-TEST_F(FilterList, aSubclassOfAFromClassHasThatClasssList) {
+TEST_F(FilterList, ASubclassOfAFromClassHasThatClasssList) {
   const std::string query = "SELECT IndicationIdentifier FROM CIM_InstIndication AS i WHERE i.SourceInstance.Id = 'p'";
   CQLQueryStatement statement("CQL", QORString(query), kNameSpace, "");
   ASSERT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS);
@@ -87,7 +87,7 @@ TEST_F(FilterList, aSubclassOfAFromClassHasThatClasssList) {
 }
 
 // Whatever FROM name stands before a property, matching reads it off the instance.
-TEST_F(FilterList, aPropertyBehindAnotherFromName) {
+TEST_F(FilterList, APropertyBehindAnotherFromName) {
   const std::string query =
       "SELECT c.IndicationIdentifier FROM CIM_InstCreation AS c, CIM_InstModification AS m, CIM_AlertIndication AS a "
       "WHERE m.SourceInstance.Id = 'p'";

@@ -18,7 +18,7 @@ struct FilterQuickCheck : testing::Test {
   FilterWorld world;
 };
 
-TEST_F(FilterQuickCheck, instancesOfSeveralLayoutsInTurn) {
+TEST_F(FilterQuickCheck, InstancesOfSeveralLayoutsInTurn) {
   CQLQueryStatement filter("DMTF:CQL", "SELECT * FROM CIM_StorageVolume WHERE Size > 10 AND Id <> 'x'", kNameSpace,
                            kNameSpace);
   ASSERT_EQ(filter.validate(), QUERY_VALIDATE_SUCCESS);
@@ -37,7 +37,7 @@ TEST_F(FilterQuickCheck, instancesOfSeveralLayoutsInTurn) {
 }
 
 // A class outside FROM is refused again and again, whatever matched before it.
-TEST_F(FilterQuickCheck, instancesOfOtherClassesInTurn) {
+TEST_F(FilterQuickCheck, InstancesOfOtherClassesInTurn) {
   CQLQueryStatement filter("DMTF:CQL", "SELECT * FROM CIM_ConcreteJob WHERE Id = 'a'", kNameSpace, kNameSpace);
   ASSERT_EQ(filter.validate(), QUERY_VALIDATE_SUCCESS);
   const auto job = world.indication("instance of CIM_ConcreteJob { Id = \"a\"; };");
@@ -51,7 +51,7 @@ TEST_F(FilterQuickCheck, instancesOfOtherClassesInTurn) {
 }
 
 // The filter's own namespace text is recognised by its place in memory; others are compared.
-TEST_F(FilterQuickCheck, theNamespaceCountsHoweverItComes) {
+TEST_F(FilterQuickCheck, TheNamespaceCountsHoweverItComes) {
   const QORString own(kNameSpace);
   CQLQueryStatement filter("DMTF:CQL", "SELECT * FROM CIM_ConcreteJob WHERE Id = 'a'", own, own);
   ASSERT_EQ(filter.validate(), QUERY_VALIDATE_SUCCESS);
@@ -70,7 +70,7 @@ TEST_F(FilterQuickCheck, theNamespaceCountsHoweverItComes) {
 }
 
 // alertMatches compares with the walk of the tree.
-TEST_F(FilterQuickCheck, everyRelationOfEveryKind) {
+TEST_F(FilterQuickCheck, EveryRelationOfEveryKind) {
   const std::string properties =
       "U8 = 5; U64 = 5; S8 = -5; S64 = 5; R32 = 5.5; R64 = -0.5; B = TRUE; OwningEntity = \"SNIA\"; A = {5}; C = 'x';";
   for (const char* const relation : {"=", "<>", "<", ">", "<=", ">="}) {
@@ -83,7 +83,7 @@ TEST_F(FilterQuickCheck, everyRelationOfEveryKind) {
 }
 
 // The same property stands at another place in each class.
-TEST_F(FilterQuickCheck, instancesOfTwoFromClassesInTurn) {
+TEST_F(FilterQuickCheck, InstancesOfTwoFromClassesInTurn) {
   FilterWorld two(
       "class CIM_Fan { [key] string Id; uint32 Speed; }; class CIM_Pump { uint32 Size; uint32 Load; uint32 Speed; "
       "[key] string Id; "
@@ -104,7 +104,7 @@ TEST_F(FilterQuickCheck, instancesOfTwoFromClassesInTurn) {
 }
 
 // Infinity less infinity is no number: nothing is less, equal or greater.
-TEST_F(FilterQuickCheck, aConstantThatIsNoNumberDiffersFromAll) {
+TEST_F(FilterQuickCheck, AConstantThatIsNoNumberDiffersFromAll) {
   const std::string none = "1.0e308 * 10.0 - 1.0e308 * 10.0";
   for (const char* const relation : {"=", "<", ">", "<=", ">="}) {
     EXPECT_FALSE(world.alertMatches(std::string("R64 ") + relation + " " + none, "R64 = 0.5;")) << relation;
@@ -126,7 +126,7 @@ class Gauges : public InstanceProvider {
   }
 };
 
-TEST_F(FilterQuickCheck, aPropertyThatIsNoNumberDiffersFromAll) {
+TEST_F(FilterQuickCheck, APropertyThatIsNoNumberDiffersFromAll) {
   FilterWorld gauges("class CIM_Gauge { [key] string Id; real64 Level; };");
   gauges.manager().registerProvider(kNameSpace, std::make_shared<Gauges>());
   CIMApi client;
@@ -142,7 +142,7 @@ TEST_F(FilterQuickCheck, aPropertyThatIsNoNumberDiffersFromAll) {
 }
 
 // Only the first step of a way is a FROM name.
-TEST_F(FilterQuickCheck, aPropertyNamedLikeItsAlias) {
+TEST_F(FilterQuickCheck, APropertyNamedLikeItsAlias) {
   const auto change = world.indication(
       "instance of CIM_InstModification { SourceInstance = instance of CIM_StorageVolume { Id = \"a\"; Size = 5; }; "
       "};");
@@ -151,7 +151,7 @@ TEST_F(FilterQuickCheck, aPropertyNamedLikeItsAlias) {
   EXPECT_FALSE(world.matches(filter + "SourceInstance.Size = 6", change));
 }
 
-TEST_F(FilterQuickCheck, elementsUpToTheLast) {
+TEST_F(FilterQuickCheck, ElementsUpToTheLast) {
   for (int index = 0; index < 4; ++index) {
     const std::string element = "A[" + std::to_string(index) + "]";
     EXPECT_EQ(world.alertMatches(element + " = " + std::to_string(index + 5), "A = {5, 6};"), index < 2) << element;
@@ -159,7 +159,7 @@ TEST_F(FilterQuickCheck, elementsUpToTheLast) {
   }
 }
 
-TEST_F(FilterQuickCheck, anInstanceWithoutLayoutIsReadByName) {
+TEST_F(FilterQuickCheck, AnInstanceWithoutLayoutIsReadByName) {
   const QORSmrPtr<CQoriBaseObject::PropertyList> properties(new CQoriBaseObject::PropertyList);
   properties->append(new CQoriProperty("Size", QORSmrPtr<IQoriValue>(new CQoriValue(11ULL, CQoriType::uint64)), false));
   const QORSmrPtr<IQoriObject> object(new CQoriBaseObject(kNameSpace, "CIM_StorageVolume", "Id", properties));
@@ -167,7 +167,7 @@ TEST_F(FilterQuickCheck, anInstanceWithoutLayoutIsReadByName) {
   EXPECT_FALSE(world.matches("SELECT * FROM CIM_StorageVolume WHERE Size > 11", object));
 }
 
-TEST(CQLQuickCheck, decidesNothingWithoutPropertyOrLayout) {
+TEST(CQLQuickCheck, DecidesNothingWithoutPropertyOrLayout) {
   FilterWorld world;
   const auto volume = world.indication("instance of CIM_StorageVolume { Id = \"a\"; Size = 11; };");
   const IQoriLayout* const layout = volume->getLayout();

@@ -48,12 +48,12 @@ struct FilterSet : Filter {
   CQLFilterSet set;
 };
 
-TEST_F(FilterSet, anEmptySetMatchesNothing) {
+TEST_F(FilterSet, AnEmptySetMatchesNothing) {
   EXPECT_EQ(matches(world.alert("U8 = 5;")), Handles{});
   EXPECT_EQ(set.size(), 0U);
 }
 
-TEST_F(FilterSet, handlesComeInTheOrderInWhichTheyWereAdded) {
+TEST_F(FilterSet, HandlesComeInTheOrderInWhichTheyWereAdded) {
   for (const bool isLarge : {false, true}) {
     if (isLarge) addMany();
     for (const Handle handle : {30, 10, 20}) {
@@ -67,7 +67,7 @@ TEST_F(FilterSet, handlesComeInTheOrderInWhichTheyWereAdded) {
   }
 }
 
-TEST_F(FilterSet, aHandleIsTakenOnce) {
+TEST_F(FilterSet, AHandleIsTakenOnce) {
   EXPECT_TRUE(set.add(7, alertStatement("U8 = 5")));
   EXPECT_FALSE(set.add(7, alertStatement("U8 = 6")));
   EXPECT_EQ(set.size(), 1U);
@@ -76,7 +76,7 @@ TEST_F(FilterSet, aHandleIsTakenOnce) {
   EXPECT_FALSE(set.remove(7));
 }
 
-TEST_F(FilterSet, aStatementMayStandUnderTwoHandles) {
+TEST_F(FilterSet, AStatementMayStandUnderTwoHandles) {
   const Statement shared = alertStatement("U8 = 5");
   addMany();
   EXPECT_TRUE(set.add(1, shared));
@@ -84,7 +84,7 @@ TEST_F(FilterSet, aStatementMayStandUnderTwoHandles) {
   EXPECT_EQ(matches(world.alert("U8 = 5;")), (Handles{1, 2}));
 }
 
-TEST_F(FilterSet, refusesStatementsThatCannotBeAsked) {
+TEST_F(FilterSet, RefusesStatementsThatCannotBeAsked) {
   EXPECT_EQ(queryError([&] { set.add(1, Statement()); }), "CQLFILTERSET::add|Invalid or NULL param encountered|3");
   const Statement fresh(new CQLQueryStatement("CQL", "SELECT * FROM CIM_AlertIndication", kNameSpace, kNameSpace));
   EXPECT_EQ(queryError([&] { set.add(1, fresh); }), "CQLQUERYSTATEMENT::isMatch|query is not validated |2");
@@ -94,7 +94,7 @@ TEST_F(FilterSet, refusesStatementsThatCannotBeAsked) {
   EXPECT_EQ(set.size(), 0U);
 }
 
-TEST_F(FilterSet, refusesWhatAStatementRefuses) {
+TEST_F(FilterSet, RefusesWhatAStatementRefuses) {
   Handles handles;
   EXPECT_EQ(queryError([&] { set.match(QORSmrPtr<IQoriObject>(), kNameSpace, handles); }),
             "CQLFILTERSET::match|Invalid or NULL param encountered|3");
@@ -102,7 +102,7 @@ TEST_F(FilterSet, refusesWhatAStatementRefuses) {
             "CQLFILTERSET::match|CQL internal error|4");
 }
 
-TEST_F(FilterSet, asksFiltersOfTheInstancesNamespaceAloneInAnyCase) {
+TEST_F(FilterSet, AsksFiltersOfTheInstancesNamespaceAloneInAnyCase) {
   for (const bool isLarge : {false, true}) {
     if (isLarge) addMany();
     EXPECT_TRUE(set.add(1, alertStatement("U8 = 5")));
@@ -112,7 +112,7 @@ TEST_F(FilterSet, asksFiltersOfTheInstancesNamespaceAloneInAnyCase) {
   }
 }
 
-TEST_F(FilterSet, asksFiltersOfSuperclassesOnce) {
+TEST_F(FilterSet, AsksFiltersOfSuperclassesOnce) {
   addMany();
   EXPECT_TRUE(set.add(1, statement("SELECT * FROM CIM_Indication")));
   EXPECT_TRUE(set.add(2, statement("SELECT * FROM CIM_InstIndication")));
@@ -120,7 +120,7 @@ TEST_F(FilterSet, asksFiltersOfSuperclassesOnce) {
   EXPECT_EQ(matches(world.alert("U8 = 5;")), (Handles{1, 3}));
 }
 
-TEST_F(FilterSet, findsIntegersWhateverTheirTypes) {
+TEST_F(FilterSet, FindsIntegersWhateverTheirTypes) {
   for (const char* property : {"U8", "U16", "U32", "U64", "S8", "S16", "S32", "S64", "R32", "R64"}) {
     EXPECT_TRUE(finds(std::string(property) + " = 5", std::string(property) + " = 5;")) << property;
     EXPECT_TRUE(finds("5 = " + std::string(property), std::string(property) + " = 5;")) << property;
@@ -130,7 +130,7 @@ TEST_F(FilterSet, findsIntegersWhateverTheirTypes) {
 }
 
 // An unsigned number beside a signed one is taken for the signed one of its bits.
-TEST_F(FilterSet, findsUnsignedNumbersThatCompareAsSignedOnes) {
+TEST_F(FilterSet, FindsUnsignedNumbersThatCompareAsSignedOnes) {
   EXPECT_TRUE(finds("U64 = 18446744073709551615", "U64 = 18446744073709551615;"));
   EXPECT_TRUE(finds("U64 = -1", "U64 = 18446744073709551615;"));
   EXPECT_TRUE(finds("U64 < 5 - 6", "U64 = 18446744073709551614;"));
@@ -139,7 +139,7 @@ TEST_F(FilterSet, findsUnsignedNumbersThatCompareAsSignedOnes) {
 }
 
 // As the signed number it is below the one bound, as itself above the other.
-TEST_F(FilterSet, findsUnsignedNumbersWithinBoundsOfWhichOneIsSigned) {
+TEST_F(FilterSet, FindsUnsignedNumbersWithinBoundsOfWhichOneIsSigned) {
   EXPECT_TRUE(finds("U64 < -1 AND U64 > -5.5", "U64 = 18446744073709551606;"));
   EXPECT_TRUE(finds("U64 > -5.5 AND U64 <= -1", "U64 = 18446744073709551606;"));
   EXPECT_TRUE(finds("U64 < -1 AND U64 > -5.5", "U64 = 18446744073709551613;"));
@@ -147,7 +147,7 @@ TEST_F(FilterSet, findsUnsignedNumbersWithinBoundsOfWhichOneIsSigned) {
   EXPECT_TRUE(finds("S64 < -1 AND S64 > -5.5", "S64 = -3;"));
 }
 
-TEST_F(FilterSet, findsNumbersInRanges) {
+TEST_F(FilterSet, FindsNumbersInRanges) {
   for (const char* property : {"U16", "S32", "R64"}) {
     const std::string name(property);
     for (const int value : {9, 10, 11, 19, 20, 21}) {
@@ -165,18 +165,18 @@ TEST_F(FilterSet, findsNumbersInRanges) {
   EXPECT_TRUE(finds("R64 > -0.5 AND R64 < 0.5", "R64 = 0;"));
 }
 
-TEST_F(FilterSet, findsZeroOfBothSigns) {
+TEST_F(FilterSet, FindsZeroOfBothSigns) {
   EXPECT_TRUE(finds("R64 = 0", "R64 = -0.0;"));
   EXPECT_TRUE(finds("R64 = -0.0", "R64 = 0.0;"));
 }
 
-TEST_F(FilterSet, findsGreatNumbersThatRealsCannotTellApart) {
+TEST_F(FilterSet, FindsGreatNumbersThatRealsCannotTellApart) {
   EXPECT_TRUE(finds("U64 = 9007199254740993", "U64 = 9007199254740993;"));
   EXPECT_FALSE(finds("U64 = 9007199254740993", "U64 = 9007199254740992;"));
   EXPECT_TRUE(finds("U64 > 9007199254740992 AND U64 < 9007199254740994", "U64 = 9007199254740993;"));
 }
 
-TEST_F(FilterSet, findsTextsAndBooleansByTheirTexts) {
+TEST_F(FilterSet, FindsTextsAndBooleansByTheirTexts) {
   EXPECT_TRUE(finds("MessageID = 'M1'", "MessageID = \"M1\";"));
   EXPECT_FALSE(finds("MessageID = 'm1'", "MessageID = \"M1\";"));
   EXPECT_TRUE(finds("B = 'true'", "B = TRUE;"));
@@ -186,7 +186,7 @@ TEST_F(FilterSet, findsTextsAndBooleansByTheirTexts) {
   EXPECT_FALSE(finds("MessageID = TRUE", "MessageID = \"true\";"));
 }
 
-TEST_F(FilterSet, findsWhatHangsOnNothing) {
+TEST_F(FilterSet, FindsWhatHangsOnNothing) {
   EXPECT_TRUE(finds("ANY A[*] = 17", "A = {1, 17};"));
   EXPECT_TRUE(finds("U8 + 1 = 6", "U8 = 5;"));
   EXPECT_TRUE(finds("U8 = U16", "U8 = 5; U16 = 5;"));
@@ -195,14 +195,14 @@ TEST_F(FilterSet, findsWhatHangsOnNothing) {
   EXPECT_FALSE(finds("A[1] = 17", "A = {17};"));
 }
 
-TEST_F(FilterSet, filtersThatNeverMatchAreHeldAndMatchNothing) {
+TEST_F(FilterSet, FiltersThatNeverMatchAreHeldAndMatchNothing) {
   EXPECT_FALSE(finds("U8 = 5 OR U8 = 6", "U8 = 5;"));
   EXPECT_FALSE(finds("NOT U8 = 5", "U8 = 6;"));
   EXPECT_FALSE(finds("MessageID LIKE 'M'", "MessageID = \"M\";"));
 }
 
 // A set of such filters alone has neither an index nor a list of them.
-TEST_F(FilterSet, aFilterAmongThoseThatNeverMatchIsFoundOnce) {
+TEST_F(FilterSet, AFilterAmongThoseThatNeverMatchIsFoundOnce) {
   for (Handle handle = 100; handle < 113; ++handle) {
     EXPECT_TRUE(set.add(handle, alertStatement("U8 = 5 OR U8 = 6")));
   }
@@ -215,7 +215,7 @@ TEST_F(FilterSet, aFilterAmongThoseThatNeverMatchIsFoundOnce) {
   EXPECT_EQ(matches(world.alert("U8 = 5;")), Handles{});
 }
 
-TEST_F(FilterSet, findsEmbeddedObjectsByClassAndByProperty) {
+TEST_F(FilterSet, FindsEmbeddedObjectsByClassAndByProperty) {
   addMany();
   const char* const kFrom = "SELECT * FROM CIM_InstModification WHERE ";
   EXPECT_TRUE(set.add(1, statement(std::string(kFrom) + "SourceInstance ISA CIM_StorageVolume")));
@@ -232,7 +232,7 @@ TEST_F(FilterSet, findsEmbeddedObjectsByClassAndByProperty) {
   EXPECT_EQ(matches(port), (Handles{2, 5}));
 }
 
-TEST_F(FilterSet, findsTheClassThatTheTextOfAnAlertNames) {
+TEST_F(FilterSet, FindsTheClassThatTheTextOfAnAlertNames) {
   EXPECT_TRUE(finds("AlertingManagedElement ISA CIM_ManagedElement",
                     "AlertingElementFormat = 2; AlertingManagedElement = \"//h/root/cimv2:CIM_FCPort.Id=\\\"x\\\"\";"));
   EXPECT_FALSE(
@@ -240,7 +240,7 @@ TEST_F(FilterSet, findsTheClassThatTheTextOfAnAlertNames) {
             "AlertingElementFormat = 1; AlertingManagedElement = \"//h/root/cimv2:CIM_FCPort.Id=\\\"x\\\"\";"));
 }
 
-TEST_F(FilterSet, aSetThatShrinksAndGrowsAgainAnswersAlike) {
+TEST_F(FilterSet, ASetThatShrinksAndGrowsAgainAnswersAlike) {
   const QORSmrPtr<IQoriObject> alert = world.alert("U8 = 5;");
   for (int round = 0; round < 3; ++round) {
     Handles expected;
@@ -271,7 +271,7 @@ QORuint64 numberThatMeetsTheDirectory(const Statement& ofTheProperty, const char
 }
 
 // A class whose filters have a directory there, and one that has none.
-TEST_F(FilterSet, aFilterMayShareTheHashOfADirectory) {
+TEST_F(FilterSet, AFilterMayShareTheHashOfADirectory) {
   addMany();
   EXPECT_TRUE(set.add(1, alertStatement("U64 = 1")));
   for (const char* className : {"CIM_AlertIndication", "CIM_Indication"}) {
@@ -286,7 +286,7 @@ TEST_F(FilterSet, aFilterMayShareTheHashOfADirectory) {
 }
 
 // More paths than a class's filters may hang by: the others are asked one by one.
-TEST_F(FilterSet, findsFiltersOfMorePathsThanItKeeps) {
+TEST_F(FilterSet, FindsFiltersOfMorePathsThanItKeeps) {
   std::string schema = "[indication] class T_Wide {";
   std::string instance = "instance of T_Wide {";
   for (int i = 0; i < 80; ++i) {
@@ -302,7 +302,7 @@ TEST_F(FilterSet, findsFiltersOfMorePathsThanItKeeps) {
   EXPECT_EQ(matches(wide.indication(instance + " };")), expected);
 }
 
-TEST_F(FilterSet, aMatchOfAFewAmongManyAllocatesNothing) {
+TEST_F(FilterSet, AMatchOfAFewAmongManyAllocatesNothing) {
   for (Handle handle = 0; handle < 500; ++handle) {
     EXPECT_TRUE(set.add(handle, alertStatement("MessageID = 'M" + std::to_string(handle) + "' AND U8 < 9")));
   }
@@ -319,7 +319,7 @@ TEST_F(FilterSet, aMatchOfAFewAmongManyAllocatesNothing) {
 // Run under the thread sanitizer too.
 using FilterThreadsOfSets = FilterSet;
 
-TEST_F(FilterThreadsOfSets, aSetAnswersManyThreadsWhileOneAddsAndRemoves) {
+TEST_F(FilterThreadsOfSets, ASetAnswersManyThreadsWhileOneAddsAndRemoves) {
   constexpr Handle kStays = 100000;
   std::vector<Statement> statements;
   for (Handle handle = 0; handle < 100; ++handle) {

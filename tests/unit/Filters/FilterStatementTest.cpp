@@ -12,7 +12,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-TEST_F(Filter, languages) {
+TEST_F(Filter, Languages) {
   for (const char* language : {"CQL", "DMTF:CQL", "WQL", "dmtf:cql", "wql"}) {
     CQLQueryStatement statement(language, "SELECT * FROM CIM_InstCreation", kNameSpace, "");
     EXPECT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS) << language;
@@ -21,7 +21,7 @@ TEST_F(Filter, languages) {
   }
 }
 
-TEST_F(Filter, anotherLanguageIsUnsupportedAndStaysUnvalidated) {
+TEST_F(Filter, AnotherLanguageIsUnsupportedAndStaysUnvalidated) {
   std::vector<std::string> log;
   world.manager().setLogSink(
       [&log](const QORString& who, const QORString& message, QORuint32) {
@@ -34,7 +34,7 @@ TEST_F(Filter, anotherLanguageIsUnsupportedAndStaysUnvalidated) {
   EXPECT_EQ(queryError([&] { statement.getClassList(); }), "CQLQUERYSTATEMENT::getClassList|query is not validated |2");
 }
 
-TEST_F(Filter, anUnsupportedLanguageIsToldAtEachValidation) {
+TEST_F(Filter, AnUnsupportedLanguageIsToldAtEachValidation) {
   std::vector<std::string> log;
   world.manager().setLogSink(
       [&log](const QORString&, const QORString& message, QORuint32) { log.push_back(QueryWorld::textOf(message)); },
@@ -46,7 +46,7 @@ TEST_F(Filter, anUnsupportedLanguageIsToldAtEachValidation) {
   world.manager().setLogSink({}, 0);
 }
 
-TEST_F(Filter, orderFormatAndFirstChangeNoAnswer) {
+TEST_F(Filter, OrderFormatAndFirstChangeNoAnswer) {
   const QORSmrPtr<IQoriObject> alert(world.alert("U8 = 5; MessageID = \"x\";"));
   for (const char* filter :
        {"SELECT FIRST 1 MessageID FROM CIM_AlertIndication WHERE U8 = 5",
@@ -57,7 +57,7 @@ TEST_F(Filter, orderFormatAndFirstChangeNoAnswer) {
   }
 }
 
-TEST_F(Filter, operationsBeforeValidationNameThemselves) {
+TEST_F(Filter, OperationsBeforeValidationNameThemselves) {
   const CQLQueryStatement statement("CQL", "SELECT * FROM CIM_InstCreation", kNameSpace, "");
   const QORSmrPtr<IQoriInstanceName> name(classPath("CIM_InstCreation"));
   EXPECT_EQ(queryError([&] { statement.getClassList(); }), "CQLQUERYSTATEMENT::getClassList|query is not validated |2");
@@ -71,7 +71,7 @@ TEST_F(Filter, operationsBeforeValidationNameThemselves) {
             "CQLQUERYSTATEMENT::isMatch|query is not validated |2");
 }
 
-TEST_F(Filter, aRefusedStatementStaysRefused) {
+TEST_F(Filter, ARefusedStatementStaysRefused) {
   CQLQueryStatement statement("CQL", "SELECT FROM", kNameSpace, "");
   EXPECT_EQ(statement.validate(), QUERY_INVALID_QUERY);
   EXPECT_EQ(statement.validate(), QUERY_INVALID_QUERY);
@@ -80,7 +80,7 @@ TEST_F(Filter, aRefusedStatementStaysRefused) {
             "CQLQUERYSTATEMENT::isMatch|query is not validated |1");
 }
 
-TEST_F(Filter, anUnknownClassOrPropertyIsRefused) {
+TEST_F(Filter, AnUnknownClassOrPropertyIsRefused) {
   for (const char* query :
        {"SELECT * FROM Nope", "SELECT Nope FROM CIM_InstCreation", "SELECT CIM_InstCreation.Nope FROM CIM_InstCreation",
         "SELECT * FROM CIM_InstCreation WHERE Nope = 1", "SELECT X.Y FROM CIM_InstCreation"}) {
@@ -90,7 +90,7 @@ TEST_F(Filter, anUnknownClassOrPropertyIsRefused) {
   }
 }
 
-TEST_F(Filter, theSourceNamespaceIsPreferred) {
+TEST_F(Filter, TheSourceNamespaceIsPreferred) {
   CQLQueryStatement other("CQL", "SELECT * FROM CIM_InstCreation", kNameSpace, "root/other");
   EXPECT_EQ(other.validate(), QUERY_INVALID_QUERY);  // the schema is not there
   CQLQueryStatement own("CQL", "SELECT * FROM CIM_InstCreation", "root/other", kNameSpace);
@@ -101,7 +101,7 @@ TEST_F(Filter, theSourceNamespaceIsPreferred) {
   EXPECT_FALSE(own.isMatch(creation, "root/other"));
 }
 
-TEST_F(Filter, classListHoldsTheClassesOfFromAsPaths) {
+TEST_F(Filter, ClassListHoldsTheClassesOfFromAsPaths) {
   CQLQueryStatement statement("CQL", "SELECT * FROM CIM_InstCreation AS i, CIM_AlertIndication", kNameSpace, "");
   ASSERT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS);
   const CQLQueryStatement::ClassList list(statement.getClassList());
@@ -111,7 +111,7 @@ TEST_F(Filter, classListHoldsTheClassesOfFromAsPaths) {
   EXPECT_EQ(list->at(1)->getClassName(), "CIM_ALERTINDICATION");
 }
 
-TEST_F(Filter, propertyLists) {
+TEST_F(Filter, PropertyLists) {
   CQLQueryStatement statement("CQL",
                               "SELECT MessageID, a.U8 FROM CIM_AlertIndication AS a WHERE OwningEntity = 'x' AND "
                               "messageid = 'y'",
@@ -134,7 +134,7 @@ TEST_F(Filter, propertyLists) {
             "CQLQUERYSTATEMENT::getPropertyList|Invalid or NULL param encountered|3");
 }
 
-TEST_F(Filter, starNeedsEveryPropertyAndAPathItsRoot) {
+TEST_F(Filter, StarNeedsEveryPropertyAndAPathItsRoot) {
   CQLQueryStatement statement(
       "CQL", "SELECT * FROM CIM_InstModification WHERE SourceInstance.CIM_StorageVolume::Size > 5", kNameSpace, "");
   ASSERT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS);
@@ -144,7 +144,7 @@ TEST_F(Filter, starNeedsEveryPropertyAndAPathItsRoot) {
   EXPECT_THAT(textsOf(statement.getWherePropertyList(name)), ElementsAre("SourceInstance"));
 }
 
-TEST_F(Filter, aPathBehindAnAliasIsOfTheObjectThatItsRootHolds) {
+TEST_F(Filter, APathBehindAnAliasIsOfTheObjectThatItsRootHolds) {
   const std::string from = " FROM CIM_InstModification AS i";
   for (const char* path : {"i.SourceInstance.CIM_StorageVolume::Size", "i.SourceInstance.Size",
                            "CIM_InstModification.SourceInstance.Size", "i.SourceInstance.Inner.CIM_StorageVolume::Id",
@@ -162,7 +162,7 @@ TEST_F(Filter, aPathBehindAnAliasIsOfTheObjectThatItsRootHolds) {
   }
 }
 
-TEST_F(Filter, whatNamesAnObjectNeedsNoneOfItsProperties) {
+TEST_F(Filter, WhatNamesAnObjectNeedsNoneOfItsProperties) {
   CQLQueryStatement statement("CQL",
                               "SELECT OBJECTPATH(a) AS p, U8 FROM CIM_AlertIndication AS a WHERE OBJECTPATH(a) = "
                               "MessageID AND a.firstref <> MessageID",
@@ -174,14 +174,14 @@ TEST_F(Filter, whatNamesAnObjectNeedsNoneOfItsProperties) {
   EXPECT_THAT(textsOf(statement.getPropertyList(name)), ElementsAre("U8", "MessageID"));
 }
 
-TEST_F(Filter, aPropertyNamedLikeAnEndOfAnAssociationIsOne) {
+TEST_F(Filter, APropertyNamedLikeAnEndOfAnAssociationIsOne) {
   FilterWorld own("class T_Ends { [Key] string firstref; string other; };");
   CQLQueryStatement statement("CQL", "SELECT e.firstref FROM T_Ends AS e WHERE e.secondref = 'x'", kNameSpace, "");
   ASSERT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS) << statement.getFault().message;
   EXPECT_THAT(textsOf(statement.getPropertyList(classPath("T_Ends"))), ElementsAre("firstref"));
 }
 
-TEST_F(Filter, aNullInstanceIsRefused) {
+TEST_F(Filter, ANullInstanceIsRefused) {
   CQLQueryStatement statement("CQL", "SELECT * FROM CIM_InstCreation", kNameSpace, "");
   ASSERT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS);
   EXPECT_EQ(queryError([&] { statement.isMatch(QORSmrPtr<IQoriObject>(), kNameSpace); }),
@@ -190,7 +190,7 @@ TEST_F(Filter, aNullInstanceIsRefused) {
             "CQLQUERYSTATEMENT::isMatch|CQL internal error|4");
 }
 
-TEST_F(Filter, withoutWhereTheClassAndItsSubclassesMatch) {
+TEST_F(Filter, WithoutWhereTheClassAndItsSubclassesMatch) {
   const QORSmrPtr<IQoriObject> creation(world.indication("instance of CIM_InstCreation { };"));
   EXPECT_TRUE(world.matches("SELECT * FROM CIM_InstCreation", creation));
   EXPECT_TRUE(world.matches("select * from cim_instindication", creation));
@@ -205,7 +205,7 @@ std::string modification(const std::string& source, const std::string& previous)
          "\"; };";
 }
 
-TEST_F(Filter, publishedStorageFilters) {
+TEST_F(Filter, PublishedStorageFilters) {
   const QORSmrPtr<IQoriObject> creation(
       world.indication(std::string("instance of CIM_InstCreation { SourceInstance = \"") + kVolume + "\"; };"));
   EXPECT_TRUE(world.matches("SELECT * FROM CIM_InstCreation WHERE SourceInstance ISA CIM_StorageVolume", creation));
@@ -227,7 +227,7 @@ TEST_F(Filter, publishedStorageFilters) {
   EXPECT_FALSE(world.matches(first, same));
 }
 
-TEST_F(Filter, jobsThatFinished) {
+TEST_F(Filter, JobsThatFinished) {
   const std::string job = "instance of CIM_ConcreteJob { Id = \\\"j\\\"; OperationalStatus = {17, 2}; };";
   const QORSmrPtr<IQoriObject> done(world.indication(modification(job, job)));
   EXPECT_TRUE(
@@ -241,7 +241,7 @@ TEST_F(Filter, jobsThatFinished) {
       "SELECT * FROM CIM_InstModification WHERE ANY SourceInstance.CIM_FCPort::OperationalStatus[*] = 17", done));
 }
 
-TEST_F(Filter, alerts) {
+TEST_F(Filter, Alerts) {
   EXPECT_TRUE(world.alertMatches("OwningEntity = 'SNIA' AND MessageID = 'FC1'",
                                  "OwningEntity = \"SNIA\"; MessageID = \"FC1\";"));
   EXPECT_FALSE(world.alertMatches("OwningEntity = 'SNIA' AND MessageID = 'FC1'",
@@ -258,7 +258,7 @@ TEST_F(Filter, alerts) {
                                   "AlertingElementFormat = 2; AlertingManagedElement = \"//h/ns\";"));
 }
 
-TEST_F(Filter, whatNeverMatches) {
+TEST_F(Filter, WhatNeverMatches) {
   const std::string values = "U8 = 5; OwningEntity = \"abc\";";
   EXPECT_FALSE(world.alertMatches("U8 = 5 OR U8 = 5", values));
   EXPECT_FALSE(world.alertMatches("NOT U8 = 6", values));
@@ -271,7 +271,7 @@ TEST_F(Filter, whatNeverMatches) {
   EXPECT_FALSE(world.alertMatches("B", "B = TRUE;"));
 }
 
-TEST_F(Filter, noInstanceIsOfAFromClass) {
+TEST_F(Filter, NoInstanceIsOfAFromClass) {
   CQLQueryStatement statement("CQL", "SELECT * FROM CIM_InstCreation", kNameSpace, "");
   ASSERT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS);
   EXPECT_FALSE(statement.isMatchFromClause(QORSmrPtr<IQoriObject>()));
@@ -280,7 +280,7 @@ TEST_F(Filter, noInstanceIsOfAFromClass) {
   EXPECT_FALSE(result);
 }
 
-TEST_F(Filter, theFromClauseOfAStatementThatIsNotValidated) {
+TEST_F(Filter, TheFromClauseOfAStatementThatIsNotValidated) {
   const CQLQueryStatement fresh("CQL", "SELECT * FROM CIM_InstCreation", kNameSpace, "");
   const QORSmrPtr<IQoriObject> creation(world.indication("instance of CIM_InstCreation { };"));
   EXPECT_EQ(queryError([&] { fresh.isMatchFromClause(creation); }),
@@ -292,7 +292,7 @@ TEST_F(Filter, theFromClauseOfAStatementThatIsNotValidated) {
             "CQLQUERYSTATEMENT::getClassList|query is not validated |1");
 }
 
-TEST_F(Filter, arithmeticParenthesesAndMinus) {
+TEST_F(Filter, ArithmeticParenthesesAndMinus) {
   const std::string values = "U8 = 5; S32 = -3; U64 = 7;";
   EXPECT_TRUE(world.alertMatches("U8 + 2 = 7", values));
   EXPECT_TRUE(world.alertMatches("(U8 = 5)", values));
@@ -303,13 +303,13 @@ TEST_F(Filter, arithmeticParenthesesAndMinus) {
   EXPECT_FALSE(world.alertMatches("U8 / 0 = 1", values));
 }
 
-TEST_F(Filter, booleansCompareWithTheirTexts) {
+TEST_F(Filter, BooleansCompareWithTheirTexts) {
   EXPECT_TRUE(world.alertMatches("B = TRUE", "B = TRUE;"));
   EXPECT_TRUE(world.alertMatches("B <> false", "B = TRUE;"));
   EXPECT_FALSE(world.alertMatches("B = 'other'", "B = TRUE;"));
 }
 
-TEST_F(Filter, anyAndEveryKeepTheWrittenOrder) {
+TEST_F(Filter, AnyAndEveryKeepTheWrittenOrder) {
   EXPECT_TRUE(world.alertMatches("ANY A[*] < 2", "A = {1, 5};"));
   EXPECT_FALSE(world.alertMatches("ANY A[*] < 1", "A = {1, 5};"));
   EXPECT_TRUE(world.alertMatches("EVERY A[*] > 0", "A = {1, 5};"));
@@ -319,7 +319,7 @@ TEST_F(Filter, anyAndEveryKeepTheWrittenOrder) {
   EXPECT_FALSE(world.alertMatches("EVERY A[*] = 1", "A = {};"));
 }
 
-TEST_F(Filter, everyOperatorForEveryPairOfIntegerTypes) {
+TEST_F(Filter, EveryOperatorForEveryPairOfIntegerTypes) {
   const std::vector<std::string> types = {"U8", "U16", "U32", "U64", "S8", "S16", "S32", "S64", "R32", "R64"};
   const std::string values =
       "U8 = 3; U16 = 3; U32 = 3; U64 = 3; S8 = 3; S16 = 3; S32 = 3; S64 = 3; R32 = 3.0; R64 = 3.0;";
@@ -342,12 +342,12 @@ TEST_F(Filter, everyOperatorForEveryPairOfIntegerTypes) {
   }
 }
 
-TEST_F(Filter, aGreatUint64IsNegativeBesideASignedNumber) {
+TEST_F(Filter, AGreatUint64IsNegativeBesideASignedNumber) {
   EXPECT_TRUE(world.alertMatches("U64 < S64", "U64 = 18446744073709551615; S64 = 0;"));
   EXPECT_FALSE(world.alertMatches("U64 < U8", "U64 = 18446744073709551615; U8 = 0;"));
 }
 
-TEST(FilterPrecision, theTableForEveryPair) {
+TEST(FilterPrecision, TheTableForEveryPair) {
   const std::vector<std::string> types = {"uint8", "uint16", "uint32", "uint64", "sint8", "sint16", "sint32", "sint64"};
   // Rows: right type; columns: left type, both in the order above.
   const int expected[8][8] = {{0, 2, 2, 2, 3, 2, 2, 2}, {1, 0, 2, 2, 4, 4, 2, 5}, {1, 1, 0, 2, 5, 5, 5, 5},
@@ -365,20 +365,20 @@ TEST(FilterPrecision, theTableForEveryPair) {
   }
 }
 
-TEST(FilterPrecision, conversionTakesTheOtherType) {
+TEST(FilterPrecision, ConversionTakesTheOtherType) {
   const QORSmrPtr<IQoriValue> value(new CQoriValue(200U, CQoriType::uint8));
   const QORSmrPtr<IQoriValue> converted(CQLQueryStatement::convertToHighPrecision("uint8", "sint64", value));
   EXPECT_EQ(converted->getType()->getName(), "sint64");
   EXPECT_EQ(converted->toString(), "200");
 }
 
-TEST_F(Filter, chainsOfManyConditions) {
+TEST_F(Filter, ChainsOfManyConditions) {
   std::string filter = "SELECT * FROM CIM_AlertIndication WHERE U8 = 5";
   for (int i = 0; i < 20000; ++i) filter += " AND U8 = 5";
   EXPECT_TRUE(world.matches(filter, world.alert("U8 = 5;")));
 }
 
-TEST_F(Filter, whyItDoesNotMatch) {
+TEST_F(Filter, WhyItDoesNotMatch) {
   CQLQueryStatement statement("CQL", "SELECT * FROM CIM_AlertIndication WHERE U8 = 5 AND MessageID = 'x'", kNameSpace,
                               "");
   ASSERT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS);

@@ -39,7 +39,7 @@ struct FilterThreads : Filter {
       {"SELECT * FROM CIM_Indication", {true, true, true, true}}};
 };
 
-TEST_F(FilterThreads, oneStatementAnswersManyThreads) {
+TEST_F(FilterThreads, OneStatementAnswersManyThreads) {
   const QORString nameSpace(kNameSpace);
   for (const Question& question : questions) {
     CQLQueryStatement statement("DMTF:CQL", QORString(question.filter), nameSpace, nameSpace);
@@ -58,7 +58,7 @@ TEST_F(FilterThreads, oneStatementAnswersManyThreads) {
   }
 }
 
-TEST_F(FilterThreads, matchingGoesOnWhileClassesAndInstancesAreLoaded) {
+TEST_F(FilterThreads, MatchingGoesOnWhileClassesAndInstancesAreLoaded) {
   const QORString nameSpace(kNameSpace);
   CQLQueryStatement statement("CQL", QORString(questions[3].filter), nameSpace, nameSpace);
   ASSERT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS);
@@ -77,7 +77,7 @@ TEST_F(FilterThreads, matchingGoesOnWhileClassesAndInstancesAreLoaded) {
   EXPECT_EQ(wrong, 0);
 }
 
-TEST_F(FilterThreads, eachThreadValidatesStatementsOfItsOwn) {
+TEST_F(FilterThreads, EachThreadValidatesStatementsOfItsOwn) {
   const QORString nameSpace(kNameSpace);
   std::atomic<int> wrong{0};
   onThreads([&](int thread) {

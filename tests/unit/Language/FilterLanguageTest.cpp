@@ -35,9 +35,9 @@ instance of EX_Change {
 };
 )mof";
 
-class FilterLanguageTest : public ::testing::Test {
+class FilterLanguage : public ::testing::Test {
  protected:
-  FilterLanguageTest() {
+  FilterLanguage() {
     _manager.makeCurrent();
     MofLoader loader(_manager.sink(), kNameSpace);
     loader.loadFiles({QORQL_SOURCE_DIR "/examples/language.mof"});
@@ -79,7 +79,7 @@ class FilterLanguageTest : public ::testing::Test {
 };
 
 // rule: FILT-1
-TEST_F(FilterLanguageTest, AnInstanceOfTheClassOrASubclassMatches) {
+TEST_F(FilterLanguage, AnInstanceOfTheClassOrASubclassMatches) {
   EXPECT_TRUE(matches("SELECT * FROM EX_Disk", _disk));
   EXPECT_TRUE(matches("SELECT * FROM EX_FastDisk", _disk));
   EXPECT_FALSE(matches("SELECT * FROM EX_Host", _disk));
@@ -88,7 +88,7 @@ TEST_F(FilterLanguageTest, AnInstanceOfTheClassOrASubclassMatches) {
 }
 
 // rule: FILT-2
-TEST_F(FilterLanguageTest, OrNotLikeAndIsNullNeverMatch) {
+TEST_F(FilterLanguage, OrNotLikeAndIsNullNeverMatch) {
   EXPECT_FALSE(diskMatches("Size = 1000 OR Size = 1000"));
   EXPECT_FALSE(diskMatches("NOT Size = 1"));
   EXPECT_FALSE(diskMatches("Name LIKE 'd3'"));
@@ -97,7 +97,7 @@ TEST_F(FilterLanguageTest, OrNotLikeAndIsNullNeverMatch) {
 }
 
 // rule: FILT-3
-TEST_F(FilterLanguageTest, WhatCannotBeComputedDoesNotMatch) {
+TEST_F(FilterLanguage, WhatCannotBeComputedDoesNotMatch) {
   EXPECT_FALSE(diskMatches("Size = 'big'"));
   EXPECT_FALSE(diskMatches("Size / 0 = 1"));
   const QORSmrPtr<IQoriObject> unset = object("EX_Disk", "root/cimv2:EX_Disk.Name=\"d2\"");
@@ -108,7 +108,7 @@ TEST_F(FilterLanguageTest, WhatCannotBeComputedDoesNotMatch) {
 }
 
 // rule: FILT-4
-TEST_F(FilterLanguageTest, APropertyOfAnEmbeddedObjectIsReached) {
+TEST_F(FilterLanguage, APropertyOfAnEmbeddedObjectIsReached) {
   EXPECT_TRUE(changeMatches("SourceInstance.EX_Disk::Errors <> PreviousInstance.EX_Disk::Errors"));
   EXPECT_FALSE(changeMatches("SourceInstance.EX_Disk::Name <> PreviousInstance.EX_Disk::Name"));
   EXPECT_TRUE(changeMatches("SourceInstance.Errors = 3"));
@@ -116,7 +116,7 @@ TEST_F(FilterLanguageTest, APropertyOfAnEmbeddedObjectIsReached) {
 }
 
 // rule: FILT-5
-TEST_F(FilterLanguageTest, IsaLooksAtTheEmbeddedObjectOrThePath) {
+TEST_F(FilterLanguage, IsaLooksAtTheEmbeddedObjectOrThePath) {
   EXPECT_TRUE(changeMatches("SourceInstance ISA EX_Disk"));
   EXPECT_FALSE(changeMatches("SourceInstance ISA EX_Host"));
   EXPECT_TRUE(changeMatches("AlertingManagedElement ISA EX_Disk"));
@@ -129,7 +129,7 @@ TEST_F(FilterLanguageTest, IsaLooksAtTheEmbeddedObjectOrThePath) {
 }
 
 // rule: FILT-6
-TEST_F(FilterLanguageTest, AnyKeepsTheWrittenOrder) {
+TEST_F(FilterLanguage, AnyKeepsTheWrittenOrder) {
   EXPECT_TRUE(diskMatches("ANY Ports < 2"));
   EXPECT_FALSE(diskMatches("ANY Ports > 5"));
   EXPECT_FALSE(diskMatches("ANY Ports = 'x'"));
@@ -142,7 +142,7 @@ TEST_F(FilterLanguageTest, AnyKeepsTheWrittenOrder) {
 }
 
 // rule: FILT-7
-TEST_F(FilterLanguageTest, OtherTypesThanNumbersCompareWithTheirOwn) {
+TEST_F(FilterLanguage, OtherTypesThanNumbersCompareWithTheirOwn) {
   EXPECT_TRUE(diskMatches("Size > 999.5 AND Spare = false AND Spare <> 'True'"));
   EXPECT_FALSE(diskMatches("Name = 3"));
   EXPECT_FALSE(changeMatches("Seen = '20240101120000.000000+000'"));
@@ -152,14 +152,14 @@ TEST_F(FilterLanguageTest, OtherTypesThanNumbersCompareWithTheirOwn) {
 }
 
 // rule: FILT-8
-TEST_F(FilterLanguageTest, AGreatUnsignedNumberIsNegativeBesideASignedOne) {
+TEST_F(FilterLanguage, AGreatUnsignedNumberIsNegativeBesideASignedOne) {
   EXPECT_TRUE(changeMatches("Bytes = 18446744073709551615 AND Bytes > 0"));
   EXPECT_TRUE(changeMatches("Bytes = -1"));
   EXPECT_TRUE(changeMatches("Bytes < Balance"));
 }
 
 // rule: FILT-9
-TEST_F(FilterLanguageTest, AFunctionHasNoValue) {
+TEST_F(FilterLanguage, AFunctionHasNoValue) {
   EXPECT_FALSE(diskMatches("MAX(Size) = 1000"));
   EXPECT_FALSE(diskMatches("MAX(Size) <> 1000"));
   EXPECT_FALSE(diskMatches("OBJECTPATH(EX_Disk) <> 'x'"));

@@ -28,9 +28,9 @@ instance of EX_Filtered { Name = "b"; };
 instance of EX_Filtered { Name = "a"; };
 )mof";
 
-class LanguageTest : public ::testing::Test {
+class Language : public ::testing::Test {
  protected:
-  LanguageTest() {
+  Language() {
     _manager.makeCurrent();
     MofLoader loader(_manager.sink(), kNameSpace);
     loader.loadFiles({QORQL_SOURCE_DIR "/examples/language.mof"});
@@ -78,51 +78,51 @@ class LanguageTest : public ::testing::Test {
 };
 
 // rule: STMT-4
-TEST_F(LanguageTest, AChainOfAHundredThousandConditionsWorks) {
+TEST_F(Language, AChainOfAHundredThousandConditionsWorks) {
   const std::string text = "SELECT Name FROM EX_Host WHERE Memory > 16" + repeated(" AND Memory < 64", 100'000);
   EXPECT_THAT(run(text), HasSubstr("<TABLEROW>\n<VALUE>beta</VALUE>\n</TABLEROW>\n</TABLE>"));
   EXPECT_EQ(_table->getRowCount(), 1u);
 }
 
 // rule: STMT-4
-TEST_F(LanguageTest, AThousandParenthesesWork) {
+TEST_F(Language, AThousandParenthesesWork) {
   const std::string text =
       "SELECT Name FROM EX_Host WHERE " + repeated("(", 1000) + "Memory" + repeated(")", 1000) + " = 32";
   EXPECT_THAT(run(text), HasSubstr("<VALUE>beta</VALUE>"));
 }
 
 // rule: STMT-4, ERR-19
-TEST_F(LanguageTest, OneMoreParenthesisIsRefused) {
+TEST_F(Language, OneMoreParenthesisIsRefused) {
   const std::string text =
       "SELECT Name FROM EX_Host WHERE " + repeated("(", 1001) + "Memory" + repeated(")", 1001) + " = 32";
   EXPECT_EQ(errorOf(text), "parse 2 line 1: expression nested too deeply");
 }
 
 // rule: WHERE-9
-TEST_F(LanguageTest, InstancesThatTheirProviderFilteredAreNeitherFilteredNorOrderedAgain) {
+TEST_F(Language, InstancesThatTheirProviderFilteredAreNeitherFilteredNorOrderedAgain) {
   const std::string stream = run("SELECT Name FROM EX_Filtered WHERE Name = 'a' ORDER BY Name ASC");
   EXPECT_THAT(stream, HasSubstr("<TABLEROW>\n<VALUE>b</VALUE>\n</TABLEROW>\n"
                                 "<TABLEROW>\n<VALUE>a</VALUE>\n</TABLEROW>\n"));
 }
 
 // rule: CMP-6, ERR-56
-TEST_F(LanguageTest, KindsThatDoNotCompareAreNamed) {
+TEST_F(Language, KindsThatDoNotCompareAreNamed) {
   EXPECT_EQ(errorOf("SELECT Name FROM EX_Disk WHERE Size = 'big'"), "CIM_Value 0: Cannot compare uint64 with string");
 }
 
 // rule: ERR-56
-TEST_F(LanguageTest, UnderAnyTheSameIsAnErrorOfTheEngine) {
+TEST_F(Language, UnderAnyTheSameIsAnErrorOfTheEngine) {
   EXPECT_EQ(errorOf("SELECT Name FROM EX_Disk WHERE 'big' = ANY Ports"),
             "runtime 6: Cannot compare string with uint16");
 }
 
 // rule: ARITH-4, ERR-56
-TEST_F(LanguageTest, DivisionByZeroIsRaised) {
+TEST_F(Language, DivisionByZeroIsRaised) {
   EXPECT_EQ(errorOf("SELECT Name FROM EX_Disk WHERE Size / 0 = 1"), "CIM_Value 0: Division by zero");
 }
 
 // rule: FUNC-3
-TEST_F(LanguageTest, InstanceOfIsTheWholeObject) {
+TEST_F(Language, InstanceOfIsTheWholeObject) {
   _manager.resetStatistics();
   const std::string stream = run("SELECT h.Name, INSTANCEOF(h) AS whole FROM EX_Host AS h WHERE h.Name = 'beta'");
   EXPECT_THAT(stream, HasSubstr("Memory = 32"));
@@ -130,7 +130,7 @@ TEST_F(LanguageTest, InstanceOfIsTheWholeObject) {
 }
 
 // rule: OUT-2
-TEST_F(LanguageTest, TheStreamShowsEachKindOfValue) {
+TEST_F(Language, TheStreamShowsEachKindOfValue) {
   const std::string stream =
       run("SELECT Name, Errors, Ports, OBJECTPATH(d) AS path, Name + '<&' AS text FROM EX_Disk AS d WHERE Name = 'd2'");
   EXPECT_THAT(stream, HasSubstr("<TABLEROW>\n<VALUE>d2</VALUE>\n<VALUE.NULL></VALUE.NULL>\n"
@@ -139,7 +139,7 @@ TEST_F(LanguageTest, TheStreamShowsEachKindOfValue) {
 }
 
 // rule: OUT-2, SEL-5
-TEST_F(LanguageTest, ABareStarDeclaresItsCellsAndWritesRowsWithoutValues) {
+TEST_F(Language, ABareStarDeclaresItsCellsAndWritesRowsWithoutValues) {
   EXPECT_EQ(run("SELECT * FROM EX_Host WHERE Memory = 64"),
             "\n<IRETURNVALUE>\n<TABLE>\n<TABLEROW.DECLARATION>\n"
             "<TABLECELL.DECLARATION NAME=\"EX_HOST.Name\" TYPE=\"string\" ISARRAY=\"0\" CELLPOS=\"0\">"
@@ -150,34 +150,34 @@ TEST_F(LanguageTest, ABareStarDeclaresItsCellsAndWritesRowsWithoutValues) {
 }
 
 // rule: SEL-8
-TEST_F(LanguageTest, FirstLimitsTheStreamAndNotTheTable) {
+TEST_F(Language, FirstLimitsTheStreamAndNotTheTable) {
   const std::string stream = run("SELECT FIRST 1 Name FROM EX_Host");
   EXPECT_THAT(stream, HasSubstr("<TABLEROW>\n<VALUE>alpha</VALUE>\n</TABLEROW>\n</TABLE>"));
   EXPECT_EQ(_table->getRowCount(), 3u);
 }
 
 // rule: OUT-3
-TEST_F(LanguageTest, TheDeclaredTypeIsThatOfTheFirstObjectsValue) {
+TEST_F(Language, TheDeclaredTypeIsThatOfTheFirstObjectsValue) {
   EXPECT_THAT(run("SELECT Errors FROM EX_Disk WHERE Kind = 'ssd'"), HasSubstr("TYPE=\"sint32\""));
   EXPECT_THAT(run("SELECT Errors FROM EX_Disk WHERE Size = 250"), HasSubstr("TYPE=\"String\""));
 }
 
 // rule: OUT-1
-TEST_F(LanguageTest, TheFormatClauseDoesNotChangeTheStream) {
+TEST_F(Language, TheFormatClauseDoesNotChangeTheStream) {
   const std::string text = "SELECT Name FROM EX_Host";
   EXPECT_EQ(run(text + " FORMAT AS CSV"), run(text));
   EXPECT_EQ(run(text + " FORMAT AS HTML"), run(text + " FORMAT AS XML"));
 }
 
 // rule: AGG-5, ERR-34
-TEST_F(LanguageTest, TheStreamRefusesANullAggregate) {
+TEST_F(Language, TheStreamRefusesANullAggregate) {
   EXPECT_EQ(errorOf("SELECT COUNT(Name) AS n FROM EX_Tape"),
             "parse 15 line 0: Aggregate functions must contain a valid expression.");
   EXPECT_EQ(_table->getRowCount(), 1u);
 }
 
 // rule: ERR-35
-TEST_F(LanguageTest, TheStreamRefusesAnAggregateThatIsNoNumber) {
+TEST_F(Language, TheStreamRefusesAnAggregateThatIsNoNumber) {
   EXPECT_EQ(errorOf("SELECT MAX(Size) > 3 AS m FROM EX_Disk"),
             "parse 15 line 0: Aggregate functions must contain an expression that results in a numeric value.");
 }

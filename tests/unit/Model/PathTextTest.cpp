@@ -18,7 +18,7 @@ std::string named(const Object& object) {
   return "before " + std::string(object->getInstanceName()->toString().view());
 }
 
-TEST(AppendPath, isThePathOfTheName) {
+TEST(AppendPath, IsThePathOfTheName) {
   const Object plain = object("C", {{"Id", text("a")}, {"Other", uint32(1)}});
   const Object quoted =
       object("C", {{"Id", text("a\"b\\c\"")}, {"B", text("")}, {"A", sint32(-3)}, {"x", text("y")}}, 3);
@@ -39,14 +39,14 @@ TEST(AppendPath, isThePathOfTheName) {
   EXPECT_EQ(appended(quoted), "before root/cimv2:C.A=-3,B=\"\",Id=\"a\\\"b\\\\c\\\"\"");
 }
 
-TEST(AppendPath, ofAGivenNameIsThatOne) {
+TEST(AppendPath, OfAGivenNameIsThatOne) {
   const QORSmrPtr<ModelLayout> layout(new ModelLayout({{"Id", CQoriType::string}}));
   const QORSmrPtr<ModelShape> shape(new ModelShape{"root/cimv2", "C", layout, {0}});
   const Object given = ModelInstance::create(shape, {text("own")}, name("elsewhere", "C", {{"Id", text("given")}}));
   EXPECT_EQ(appended(given), "before elsewhere:C.Id=\"given\"");
 }
 
-TEST(Identity, isKeptByRestrictedCopies) {
+TEST(Identity, IsKeptByRestrictedCopies) {
   const QORSmrPtr<ModelLayout> layout(new ModelLayout({{"Id", CQoriType::string}}));
   const QORSmrPtr<ModelShape> shape(new ModelShape{"root/cimv2", "C", layout, {0}});
   const Object numbered = ModelInstance::create(shape, {text("a")}, {}, 42);
@@ -56,7 +56,7 @@ TEST(Identity, isKeptByRestrictedCopies) {
   EXPECT_EQ(ModelInstance::create(shape, {text("a")})->getIdentity(), 0U);
 }
 
-TEST(PathHash, isThatOfThePathHoweverOftenItIsAsked) {
+TEST(PathHash, IsThatOfThePathHoweverOftenItIsAsked) {
   const QORSmrPtr<ModelLayout> layout(new ModelLayout({{"Id", CQoriType::string}}));
   const QORSmrPtr<ModelShape> shape(new ModelShape{"root/cimv2", "C", layout, {0}});
   const Object stored = ModelInstance::create(shape, {text("a")});
@@ -71,7 +71,7 @@ TEST(PathHash, isThatOfThePathHoweverOftenItIsAsked) {
   EXPECT_EQ(stored->getPathHash(), hashKeyBytes("root/cimv2:C.Id=\"a\""));
 }
 
-TEST(AppendPath, ofAnObjectWithoutNameIsEmpty) {
+TEST(AppendPath, OfAnObjectWithoutNameIsEmpty) {
   EXPECT_EQ(appended(object("C", {{"Id", Value()}})), "before ");
   EXPECT_EQ(appended(object("C", {{"Id", text("a")}}, 0)), "before ");
   const QORSmrPtr<CQoriBaseObject::PropertyList> none(new CQoriBaseObject::PropertyList);

@@ -31,15 +31,15 @@ constexpr const char* kModel =
     "#pragma namespace (\"root/other\")\n"
     "class Other { [Key] uint8 N = 4; };\ninstance of Other { };\n";
 
-class MofCacheTest : public moftest::MofTest {
+class MofCaching : public moftest::MofTest {
  protected:
-  MofCacheTest() : _folder(fs::temp_directory_path() / ("qorql-cache-" + std::to_string(std::random_device()()))) {
+  MofCaching() : _folder(fs::temp_directory_path() / ("qorql-cache-" + std::to_string(std::random_device()()))) {
     fs::create_directories(_folder / "mof");
     _file = (_folder / "kept.mofcache").string();
     _model = write("mof/model.mof", kModel);
     age(_model);
   }
-  ~MofCacheTest() override { fs::remove_all(_folder); }
+  ~MofCaching() override { fs::remove_all(_folder); }
 
   std::string write(const std::string& name, const std::string& text) {
     const fs::path path = _folder / name;
@@ -85,7 +85,7 @@ class MofCacheTest : public moftest::MofTest {
   std::unique_ptr<EmbeddedObjectManager> _fresh;
 };
 
-TEST_F(MofCacheTest, ASecondLoadIsTakenFromItAndIsTheSame) {
+TEST_F(MofCaching, ASecondLoadIsTakenFromItAndIsTheSame) {
   const MofCache::Outcome first = open({_model});
   EXPECT_FALSE(first.isFromCache);
   EXPECT_EQ(first.passedOver, "");
@@ -99,14 +99,14 @@ TEST_F(MofCacheTest, ASecondLoadIsTakenFromItAndIsTheSame) {
   EXPECT_EQ(filesIn(_folder), 2U) << "a file was left behind";
 }
 
-TEST_F(MofCacheTest, AnEqualLoadAfterItIsAccepted) {
+TEST_F(MofCaching, AnEqualLoadAfterItIsAccepted) {
   open({_model});
   ASSERT_TRUE(open({_model}).isFromCache);
   const std::string classes = std::string(kModel).substr(0, std::string(kModel).find("instance of Part as"));
   EXPECT_NO_THROW(MofLoader(_fresh->sink()).loadText(classes, "again.mof"));
 }
 
-TEST_F(MofCacheTest, AChangedFileMakesItStale) {
+TEST_F(MofCaching, AChangedFileMakesItStale) {
   open({_model});
   write("mof/model.mof", std::string(kModel) + "class More { };\n");
   const MofCache::Outcome outcome = open({_model});
@@ -116,7 +116,7 @@ TEST_F(MofCacheTest, AChangedFileMakesItStale) {
   EXPECT_TRUE(open({_model}).isFromCache) << "it was not replaced";
 }
 
-TEST_F(MofCacheTest, AChangeThatKeepsTheSizeIsSeen) {
+TEST_F(MofCaching, AChangeThatKeepsTheSizeIsSeen) {
   open({_model});
   std::string changed(kModel);
   changed.replace(changed.find("uint8 A = 1"), 11, "uint8 A = 2");
@@ -130,7 +130,7 @@ TEST_F(MofCacheTest, AChangeThatKeepsTheSizeIsSeen) {
   EXPECT_FALSE(open({_model}).isFromCache);
 }
 
-TEST_F(MofCacheTest, AChangeThatKeepsTheTimeIsSeenByItsSize) {
+TEST_F(MofCaching, AChangeThatKeepsTheTimeIsSeenByItsSize) {
   open({_model});
   const fs::file_time_type time = fs::last_write_time(_model);
   write("mof/model.mof", std::string(kModel) + "class More { };\n");
@@ -138,13 +138,13 @@ TEST_F(MofCacheTest, AChangeThatKeepsTheTimeIsSeenByItsSize) {
   EXPECT_FALSE(open({_model}).isFromCache);
 }
 
-TEST_F(MofCacheTest, AFileThatWasOnlyTouchedIsFresh) {
+TEST_F(MofCaching, AFileThatWasOnlyTouchedIsFresh) {
   open({_model});
   fs::last_write_time(_model, fs::file_time_type::clock::now() - std::chrono::hours(3));
   EXPECT_TRUE(open({_model}).isFromCache);
 }
 
-TEST_F(MofCacheTest, AChangedIncludeMakesItStale) {
+TEST_F(MofCaching, AChangedIncludeMakesItStale) {
   const std::string inner = write("mof/inner.mof", "class Inner { uint8 A; };");
   const std::string outer = write("outer.mof", "#pragma include (\"mof/inner.mof\")\nclass Outer : Inner { };\n");
   open({outer});
@@ -156,7 +156,7 @@ TEST_F(MofCacheTest, AChangedIncludeMakesItStale) {
   EXPECT_TRUE(_fresh->classNames("root/cimv2").empty());
 }
 
-TEST_F(MofCacheTest, AFileThatComesOrGoesMakesAFolderStale) {
+TEST_F(MofCaching, AFileThatComesOrGoesMakesAFolderStale) {
   const std::string folder = (_folder / "mof").string();
   open({folder});
   EXPECT_TRUE(open({folder}).isFromCache);
@@ -170,7 +170,7 @@ TEST_F(MofCacheTest, AFileThatComesOrGoesMakesAFolderStale) {
   EXPECT_TRUE(_fresh->sink().findClass("root/cimv2", "Added").IsNull());
 }
 
-TEST_F(MofCacheTest, OtherPathsOrAnotherNamespaceAreAnotherLoad) {
+TEST_F(MofCaching, OtherPathsOrAnotherNamespaceAreAnotherLoad) {
   const std::string more = write("more.mof", "class More { };");
   open({_model});
   EXPECT_EQ(open({_model, more}).passedOver, "it was made of other files");
@@ -185,7 +185,7 @@ TEST_F(MofCacheTest, OtherPathsOrAnotherNamespaceAreAnotherLoad) {
   EXPECT_EQ(fileIn("root/a", {_model}), fileIn("root/a", {(_folder / "mof/../mof/model.mof").string()}));
 }
 
-TEST_F(MofCacheTest, ATruncatedFileIsReplaced) {
+TEST_F(MofCaching, ATruncatedFileIsReplaced) {
   open({_model});
   const std::string whole = contentOf(_file);
   const std::string read = everything();
@@ -199,7 +199,7 @@ TEST_F(MofCacheTest, ATruncatedFileIsReplaced) {
   }
 }
 
-TEST_F(MofCacheTest, AFlippedBitIsNoticed) {
+TEST_F(MofCaching, AFlippedBitIsNoticed) {
   open({_model});
   const std::string whole = contentOf(_file);
   for (std::size_t i = 0; i < whole.size(); i += i < 40 ? 1 : 37) {
@@ -213,7 +213,7 @@ TEST_F(MofCacheTest, AFlippedBitIsNoticed) {
 }
 
 // A file with a sound checksum and any content: refused or read, never worse.
-TEST_F(MofCacheTest, DamagedContentIsRefusedOrReadWithoutHarm) {
+TEST_F(MofCaching, DamagedContentIsRefusedOrReadWithoutHarm) {
   open({_model});
   const std::string content = readMofCacheFile(_file);
   std::mt19937 random(4711);
@@ -236,7 +236,7 @@ TEST_F(MofCacheTest, DamagedContentIsRefusedOrReadWithoutHarm) {
   EXPECT_GT(refused, 500U);
 }
 
-TEST_F(MofCacheTest, ACacheThatCannotBeWrittenIsNoFailure) {
+TEST_F(MofCaching, ACacheThatCannotBeWrittenIsNoFailure) {
   _file = (_folder / "mof/model.mof/inside.mofcache").string();
   const MofCache::Outcome outcome = open({_model});
   EXPECT_FALSE(outcome.isFromCache);
@@ -244,7 +244,7 @@ TEST_F(MofCacheTest, ACacheThatCannotBeWrittenIsNoFailure) {
   EXPECT_EQ(_fresh->classNames("root/cimv2").size(), 3U);
 }
 
-TEST_F(MofCacheTest, AFileInItsPlaceThatIsNoCacheIsKept) {
+TEST_F(MofCaching, AFileInItsPlaceThatIsNoCacheIsKept) {
   for (const std::string& letters : {std::string("my letters"), std::string(100, 'x'), std::string("q")}) {
     write("kept.mofcache", letters);
     const MofCache::Outcome outcome = open({_model});
@@ -254,7 +254,7 @@ TEST_F(MofCacheTest, AFileInItsPlaceThatIsNoCacheIsKept) {
   }
 }
 
-TEST_F(MofCacheTest, WhatIsNoPlainFileIsNeitherReadNorReplaced) {
+TEST_F(MofCaching, WhatIsNoPlainFileIsNeitherReadNorReplaced) {
   const fs::path pipe = _folder / "pipe";  // nobody writes: who opens it waits
   ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
   fs::create_symlink("/dev/zero", _folder / "device");
@@ -270,7 +270,7 @@ TEST_F(MofCacheTest, WhatIsNoPlainFileIsNeitherReadNorReplaced) {
 }
 
 // Without reading it: there is more than any cache has.
-TEST_F(MofCacheTest, AFileOfAnySizeIsPassedOver) {
+TEST_F(MofCaching, AFileOfAnySizeIsPassedOver) {
   open({_model});
   fs::resize_file(_file, std::uintmax_t{1} << 33U);
   EXPECT_EQ(open({_model}).passedOver, "it is damaged");
@@ -280,7 +280,7 @@ TEST_F(MofCacheTest, AFileOfAnySizeIsPassedOver) {
   EXPECT_EQ(open({_model}).passedOver, "it is no cache");
 }
 
-TEST_F(MofCacheTest, ItsFolderIsMadeAndARefusedLoadIsNotKept) {
+TEST_F(MofCaching, ItsFolderIsMadeAndARefusedLoadIsNotKept) {
   _file = (_folder / "new/deep/kept.mofcache").string();
   const std::string bad = write("bad.mof", "class A : B { };");
   EXPECT_THROW(open({bad}), MofException);
@@ -289,14 +289,14 @@ TEST_F(MofCacheTest, ItsFolderIsMadeAndARefusedLoadIsNotKept) {
   EXPECT_TRUE(fs::exists(_file));
 }
 
-TEST_F(MofCacheTest, ShortTextsAreNotKept) {
+TEST_F(MofCaching, ShortTextsAreNotKept) {
   EmbeddedObjectManager manager;
   MofCache(_file, 1U << 20U).loadFiles(manager.sink(), "root/cimv2", {_model});
   EXPECT_FALSE(fs::exists(_file));
   EXPECT_EQ(manager.classNames("root/cimv2").size(), 3U);
 }
 
-TEST_F(MofCacheTest, WhatContradictsTheRepositoryIsToldByTheText) {
+TEST_F(MofCaching, WhatContradictsTheRepositoryIsToldByTheText) {
   open({_model});
   EmbeddedObjectManager manager;
   MofLoader(manager.sink()).loadText("class Part { };", "before.mof");

@@ -16,7 +16,7 @@ std::string contentOf(const fs::path& path) {
   return word;
 }
 
-class LinuxBlockDeviceTest : public testing::Test {
+class LinuxBlockDevices : public testing::Test {
  protected:
   // Those that the kernel lists and that have a node.
   static std::vector<fs::path> folders() {
@@ -28,7 +28,7 @@ class LinuxBlockDeviceTest : public testing::Test {
   }
 };
 
-TEST_F(LinuxBlockDeviceTest, ShowsEveryDeviceOfTheKernel) {
+TEST_F(LinuxBlockDevices, ShowsEveryDeviceOfTheKernel) {
   LinuxBlockDevice provider;
   const auto rows = enumerateRows(provider, {"Name", "DeviceID", "Size", "DeviceNumber", "ReadOnly", "DeviceType",
                                              "Disk", "BlockSize", "NumberOfBlocks", "BytesRead"});
@@ -49,7 +49,7 @@ TEST_F(LinuxBlockDeviceTest, ShowsEveryDeviceOfTheKernel) {
   }
 }
 
-TEST_F(LinuxBlockDeviceTest, GivesTheOneThatIsWanted) {
+TEST_F(LinuxBlockDevices, GivesTheOneThatIsWanted) {
   LinuxBlockDevice provider;
   for (const ProvidedRow& row : enumerateRows(provider, {"DeviceID", "Name"})) {
     const auto found = enumerateRows(provider, {"Name"}, nameOf(provider, "DeviceID", textOf(row[0])));
@@ -59,6 +59,6 @@ TEST_F(LinuxBlockDeviceTest, GivesTheOneThatIsWanted) {
   EXPECT_TRUE(enumerateRows(provider, {"Name"}, nameOf(provider, "DeviceID", "/dev/nothing")).empty());
 }
 
-TEST_F(LinuxBlockDeviceTest, ANumberOfNoDeviceHasNoNode) { EXPECT_EQ(LinuxBlockDevice::nodeOf(0), ""); }
+TEST_F(LinuxBlockDevices, ANumberOfNoDeviceHasNoNode) { EXPECT_EQ(LinuxBlockDevice::nodeOf(0), ""); }
 
 }  // namespace

@@ -10,7 +10,7 @@ using ArithmeticEvaluation = EvaluationWorld;
 
 using testing::HasSubstr;
 
-TEST_F(ArithmeticEvaluation, chainsGroupToTheRight) {
+TEST_F(ArithmeticEvaluation, ChainsGroupToTheRight) {
   EXPECT_EQ(value("10 - 4 - 3"), "9");
   EXPECT_EQ(value("8 / 4 / 2"), "4");
   EXPECT_EQ(value("U8 - U32 - 1"), "4");
@@ -18,7 +18,7 @@ TEST_F(ArithmeticEvaluation, chainsGroupToTheRight) {
   EXPECT_EQ(value("(2 + 3) * 4"), "20");
 }
 
-TEST_F(ArithmeticEvaluation, stringsAddAndNothingElse) {
+TEST_F(ArithmeticEvaluation, StringsAddAndNothingElse) {
   EXPECT_EQ(value("'ab' + 'cd'"), "abcd");
   EXPECT_EQ(value("S + T"), "abcdefcde");
   EXPECT_EQ(value("'ab' + 1"), "NULL");
@@ -28,14 +28,14 @@ TEST_F(ArithmeticEvaluation, stringsAddAndNothingElse) {
   EXPECT_EQ(value("B + 1"), "NULL");
 }
 
-TEST_F(ArithmeticEvaluation, nullOperandsGiveNull) {
+TEST_F(ArithmeticEvaluation, NullOperandsGiveNull) {
   EXPECT_EQ(value("Absent + 1"), "NULL");
   EXPECT_EQ(value("1 - Absent"), "NULL");
   EXPECT_EQ(value("Absent * 2"), "NULL");
   EXPECT_EQ(value("-Absent"), "NULL");
 }
 
-TEST_F(ArithmeticEvaluation, divisionByZeroIsTheValueLibrarysError) {
+TEST_F(ArithmeticEvaluation, DivisionByZeroIsTheValueLibrarysError) {
   EXPECT_THAT(error("1 / (U32 - 7) = 1"), HasSubstr("CIM_Value: "));
 }
 

@@ -36,7 +36,7 @@ struct Associations : testing::Test {
   QueryWorld world{kAssociations};
 };
 
-TEST_F(Associations, theSourceIsEnumeratedAndAskedForItsAssociates) {
+TEST_F(Associations, TheSourceIsEnumeratedAndAskedForItsAssociates) {
   const QueryOutcome outcome = world.run("SELECT S.Name, D.Name FROM S, D WHERE Assoc = S AND Assoc = D");
   EXPECT_THAT(outcome.rows, ElementsAre("s1|d2", "s1|d1", "s2|d3"));
   ASSERT_EQ(outcome.log.size(), 4U);
@@ -45,61 +45,61 @@ TEST_F(Associations, theSourceIsEnumeratedAndAskedForItsAssociates) {
   EXPECT_THAT(outcome.log[1], HasSubstr(" and result class 'D'"));
 }
 
-TEST_F(Associations, referencesAreWrittenOutToo) {
+TEST_F(Associations, ReferencesAreWrittenOutToo) {
   EXPECT_THAT(world.rows("SELECT S.Name, D.Name FROM S, D WHERE Assoc.firstref = OBJECTPATH(S) AND "
                          "Assoc.secondref = OBJECTPATH(D)"),
               ElementsAre("s1|d2", "s1|d1", "s2|d3"));
 }
 
-TEST_F(Associations, leftOuterKeepsSourcesWithoutAssociates) {
+TEST_F(Associations, LeftOuterKeepsSourcesWithoutAssociates) {
   EXPECT_THAT(world.rows("SELECT S.Name, D.Name FROM S, D WHERE Assoc *= S AND Assoc = D"),
               ElementsAre("s1|d2", "s1|d1", "s2|d3", "s3|NULL"));
 }
 
-TEST_F(Associations, aSourceInSeveralRowsIsAskedOnce) {
+TEST_F(Associations, ASourceInSeveralRowsIsAskedOnce) {
   const QueryOutcome outcome = world.run("SELECT S.Name, X.Name, D.Name FROM X, S, D WHERE Assoc = S AND Assoc = D");
   EXPECT_THAT(outcome.rows, ElementsAre("s1|x1|d2", "s1|x1|d1", "s2|x1|d3"));
   EXPECT_EQ(outcome.log.size(), 5U);  // two enumerations, three sources
 }
 
-TEST_F(Associations, twoAssociationsChain) {
+TEST_F(Associations, TwoAssociationsChain) {
   EXPECT_THAT(world.rows("SELECT S.Name, D.Name, X.Name FROM S, D, X WHERE Assoc = S AND Assoc = D AND Other = S AND "
                          "Other = X"),
               ElementsAre("s2|d3|x1"));
 }
 
-TEST_F(Associations, anEnumeratedDestinationIsFiltered) {
+TEST_F(Associations, AnEnumeratedDestinationIsFiltered) {
   EXPECT_THAT(world.rows("SELECT S.Name, D.Name FROM S, D WHERE Assoc = D AND Assoc = S AND Assoc = S AND Assoc = D"),
               UnorderedElementsAre("s1|d2", "s1|d1", "s2|d3"));
 }
 
-TEST_F(Associations, conditionsOnBothSidesGoOn) {
+TEST_F(Associations, ConditionsOnBothSidesGoOn) {
   EXPECT_THAT(world.rows("SELECT S.Name, D.Name FROM S, D WHERE Assoc = S AND Assoc = D AND D.Size < 3 ORDER BY "
                          "D.Name ASC"),
               ElementsAre("s1|d1", "s1|d2"));
 }
 
-TEST_F(Associations, theAssociationClassIsAColumnWhenItIsSelected) {
+TEST_F(Associations, TheAssociationClassIsAColumnWhenItIsSelected) {
   EXPECT_THAT(world.rows("SELECT S.Name, D.Name, a.Weight FROM S, D, Assoc AS a WHERE a = S AND a = D"),
               UnorderedElementsAre("s1|d2|5", "s1|d1|6", "s2|d3|7"));
   EXPECT_THAT(world.rows("SELECT S.Name, D.Name, a.Weight FROM S, D, Assoc AS a WHERE a *= S AND a = D"),
               UnorderedElementsAre("s1|d2|5", "s1|d1|6", "s2|d3|7", "s3|NULL|NULL"));
 }
 
-TEST_F(Associations, anAssociationClassInFromThatNobodyNamesIsNotFetched) {
+TEST_F(Associations, AnAssociationClassInFromThatNobodyNamesIsNotFetched) {
   const QueryOutcome outcome = world.run("SELECT S.Name, D.Name FROM S, D, Assoc WHERE Assoc = S AND Assoc = D");
   EXPECT_THAT(outcome.rows, ElementsAre("s1|d2", "s1|d1", "s2|d3"));
   EXPECT_THAT(outcome.log, Not(Contains(HasSubstr("enumerate instance call for 'ASSOC'"))));
 }
 
-TEST_F(Associations, underOrTheLastOperandDecides) {
+TEST_F(Associations, UnderOrTheLastOperandDecides) {
   EXPECT_THAT(world.rows("SELECT S.Name, D.Name FROM S, D WHERE D.Size = 1 OR Assoc = S AND Assoc = D"),
               ElementsAre("s1|d2", "s1|d1", "s2|d3"));
   EXPECT_THAT(world.rows("SELECT S.Name, D.Name FROM S, D WHERE Assoc = S AND Assoc = D OR D.Size = 1"),
               ElementsAre("s1|d1", "s2|d1", "s3|d1"));
 }
 
-TEST_F(Associations, parseFaults) {
+TEST_F(Associations, ParseFaults) {
   EXPECT_EQ(world.error("SELECT S.Name FROM S, D WHERE Assoc = S"),
             "parse 6 line 1: 'AND' expected for an association");
   EXPECT_EQ(world.error("SELECT S.Name FROM S, D WHERE Assoc = S AND D.Size = 1"),
@@ -112,7 +112,7 @@ TEST_F(Associations, parseFaults) {
   }
 }
 
-TEST_F(Associations, anUnknownAssociationHasNoAssociates) {
+TEST_F(Associations, AnUnknownAssociationHasNoAssociates) {
   EXPECT_THAT(world.rows("SELECT S.Name, D.Name FROM S, D WHERE Nope = S AND Nope = D"), IsEmpty());
 }
 

@@ -31,7 +31,7 @@ instance of C { Id = 2; };
   QueryOutcome run(const std::string& query) { return world.runIn(query, QORQL_DataTable::kExecutionLazy); }
 };
 
-TEST_F(Bounds, chainsOfAHundredThousandTerms) {
+TEST_F(Bounds, ChainsOfAHundredThousandTerms) {
   EXPECT_THAT(run("SELECT Id FROM C WHERE " + repeat("Id = 1", " AND ", kMany)).rows, ElementsAre("1"));
   EXPECT_THAT(run("SELECT Id FROM C WHERE " + repeat("Id = 1", " OR ", kMany)).rows, ElementsAre("1"));
   EXPECT_THAT(run("SELECT Id FROM C WHERE 100000 = " + repeat("1", " + ", kMany)).rows, SizeIs(2));
@@ -40,12 +40,12 @@ TEST_F(Bounds, chainsOfAHundredThousandTerms) {
   EXPECT_THAT(run("SELECT Id FROM C WHERE 1 = " + repeat("1", " / ", kMany)).rows, SizeIs(2));
 }
 
-TEST_F(Bounds, listsOfManyEntries) {
+TEST_F(Bounds, ListsOfManyEntries) {
   EXPECT_THAT(run("SELECT " + repeat("Id", ",", 10000) + " FROM C").columns, SizeIs(10000));
   EXPECT_THAT(run("SELECT C.Id FROM " + repeat("C", ",", 1000)).rows, ElementsAre("1", "2"));
 }
 
-TEST_F(Bounds, nestingUpToTheBoundWorksAndBeyondItIsAnError) {
+TEST_F(Bounds, NestingUpToTheBoundWorksAndBeyondItIsAnError) {
   const auto nested = [](const std::string& open, const std::string& close, std::size_t depth) {
     return "SELECT Id FROM C WHERE " + repeat(open, "", depth) + "1" + repeat(close, "", depth) + " = 1";
   };
@@ -81,7 +81,7 @@ void runOnStackOf(std::size_t size, std::function<void()> work) {
 }
 
 // Object managers give their threads less than a program has.
-TEST_F(Bounds, theDeepestStatementsFitASmallStack) {
+TEST_F(Bounds, TheDeepestStatementsFitASmallStack) {
   for (const std::string open : {"(", "-", "(1 + ", "(NOT ", "SUM(", "UPPERCASE(", "-("}) {
     const std::size_t levels = 1000 / (open == "-(" ? 2 : 1);
     const std::string close = open == "-" ? "" : repeat(")", "", levels);
@@ -96,7 +96,7 @@ TEST_F(Bounds, theDeepestStatementsFitASmallStack) {
   }
 }
 
-TEST_F(Bounds, theDeepestStatementIsExplainedOnASmallStack) {
+TEST_F(Bounds, TheDeepestStatementIsExplainedOnASmallStack) {
   const QORString text(
       ("SELECT Id FROM C WHERE " + repeat("(1 + ", "", 1000) + "Id" + repeat(")", "", 1000) + " = 1001").c_str());
   std::size_t steps = 0;
@@ -111,13 +111,13 @@ TEST_F(Bounds, theDeepestStatementIsExplainedOnASmallStack) {
   EXPECT_EQ(steps, 3U);
 }
 
-TEST_F(Bounds, longLiteralsAndNames) {
+TEST_F(Bounds, LongLiteralsAndNames) {
   EXPECT_THAT(run("SELECT Id FROM C WHERE '" + std::string(10000000, 'x') + "' LIKE 'y'").rows, IsEmpty());
   const std::string name(1000000, 'n');
   EXPECT_EQ(run("SELECT " + name + " FROM C").error, "parse 12 line 0: property '" + name + "' not found in any class");
 }
 
-TEST_F(Bounds, aJoinOfManyByManyDoesNotMakeTheProduct) {
+TEST_F(Bounds, AJoinOfManyByManyDoesNotMakeTheProduct) {
   std::string mof = "class L { [key] uint32 Id; uint32 K; }; class M { [key] uint32 Id; uint32 K; };";
   for (int i = 0; i < 20000; ++i) {
     mof += "instance of L { Id = " + std::to_string(i) + "; K = " + std::to_string(i % 4000) + "; };";

@@ -17,7 +17,7 @@ using ComparisonEvaluation = EvaluationWorld;
 
 using testing::HasSubstr;
 
-TEST_F(ComparisonEvaluation, comparisonsOfNumbersAreExactAcrossTypes) {
+TEST_F(ComparisonEvaluation, ComparisonsOfNumbersAreExactAcrossTypes) {
   EXPECT_TRUE(holds("U64 > S64"));
   EXPECT_TRUE(holds("R > 2"));
   EXPECT_TRUE(holds("R < 3"));
@@ -25,7 +25,7 @@ TEST_F(ComparisonEvaluation, comparisonsOfNumbersAreExactAcrossTypes) {
   EXPECT_FALSE(holds("U64 = 18446744073709551616.0"));
 }
 
-TEST_F(ComparisonEvaluation, nullComparesToNothing) {
+TEST_F(ComparisonEvaluation, NullComparesToNothing) {
   for (const char* op : {"=", "<>", "<", ">", "<=", ">="}) {
     EXPECT_FALSE(holds(std::string("Absent ") + op + " 1")) << op;
     EXPECT_FALSE(holds(std::string("NOT Absent ") + op + " 1")) << op;
@@ -37,7 +37,7 @@ TEST_F(ComparisonEvaluation, nullComparesToNothing) {
   EXPECT_FALSE(holds("U8 IS NULL"));
 }
 
-TEST_F(ComparisonEvaluation, likeIsAPlainSubstring) {
+TEST_F(ComparisonEvaluation, LikeIsAPlainSubstring) {
   EXPECT_TRUE(holds("S LIKE 'cde'"));
   EXPECT_TRUE(holds("S LIKE T"));
   EXPECT_TRUE(holds("S LIKE ''"));
@@ -49,7 +49,7 @@ TEST_F(ComparisonEvaluation, likeIsAPlainSubstring) {
 }
 
 // The superclass is looked for in the namespace of the query; without one, in that of the object.
-TEST_F(ComparisonEvaluation, isaAsksTheNamespaceOfTheQueryFirst) {
+TEST_F(ComparisonEvaluation, IsaAsksTheNamespaceOfTheQueryFirst) {
   const QORString text("SELECT Id FROM V WHERE V ISA Base");
   QORQL_Lexer lexer(text, false);
   QORQL_SymbolTable symbols(nullptr);
@@ -70,7 +70,7 @@ TEST_F(ComparisonEvaluation, isaAsksTheNamespaceOfTheQueryFirst) {
   EXPECT_EQ(truthOf("root/nowhere", ""), QoriTruth::False);
 }
 
-TEST_F(ComparisonEvaluation, isaAsksTheClassOfTheObject) {
+TEST_F(ComparisonEvaluation, IsaAsksTheClassOfTheObject) {
   EXPECT_TRUE(holds("V ISA V"));
   EXPECT_TRUE(holds("V ISA base"));
   EXPECT_TRUE(holds("V ISA 'Base'"));
@@ -79,7 +79,7 @@ TEST_F(ComparisonEvaluation, isaAsksTheClassOfTheObject) {
   EXPECT_FALSE(holds("NOT V ISA Base"));
 }
 
-TEST_F(ComparisonEvaluation, anyAndEveryCompareTheFixedOperandWithTheElements) {
+TEST_F(ComparisonEvaluation, AnyAndEveryCompareTheFixedOperandWithTheElements) {
   EXPECT_TRUE(holds("ANY A = 3"));
   EXPECT_FALSE(holds("EVERY A = 3"));
   EXPECT_TRUE(holds("4 < ANY A"));
@@ -97,19 +97,19 @@ TEST_F(ComparisonEvaluation, anyAndEveryCompareTheFixedOperandWithTheElements) {
   EXPECT_FALSE(holds("EVERY SA = 'x'"));
 }
 
-TEST_F(ComparisonEvaluation, arrayNotEqualKeepsTheRowsWhereItIsFalse) {
+TEST_F(ComparisonEvaluation, ArrayNotEqualKeepsTheRowsWhereItIsFalse) {
   EXPECT_FALSE(holds("ANY A <> 3"));
   EXPECT_TRUE(holds("EVERY A <> 3"));
   EXPECT_TRUE(holds("ANY None <> 3"));
   EXPECT_FALSE(holds("NOT ANY A <> 3"));
 }
 
-TEST_F(ComparisonEvaluation, errorsInsideAnArrayComparisonAreInvalidData) {
+TEST_F(ComparisonEvaluation, ErrorsInsideAnArrayComparisonAreInvalidData) {
   EXPECT_THAT(error("ANY A = 'x'"), HasSubstr("runtime 6: "));
   EXPECT_THAT(error("A[0] = 'x'"), HasSubstr("CIM_Value: "));
 }
 
-TEST_F(ComparisonEvaluation, conditionWithoutComparison) {
+TEST_F(ComparisonEvaluation, ConditionWithoutComparison) {
   EXPECT_TRUE(holds("B"));
   EXPECT_TRUE(holds("U8"));
   EXPECT_TRUE(holds("Flag"));
@@ -119,19 +119,19 @@ TEST_F(ComparisonEvaluation, conditionWithoutComparison) {
   EXPECT_TRUE(holds("NOT S"));
 }
 
-TEST_F(ComparisonEvaluation, booleansCompareWithTheirTexts) {
+TEST_F(ComparisonEvaluation, BooleansCompareWithTheirTexts) {
   EXPECT_TRUE(holds("B = TRUE"));
   EXPECT_TRUE(holds("B = true"));
   EXPECT_TRUE(holds("B <> FALSE"));
   EXPECT_THAT(error("B = 'maybe'"), HasSubstr("boolean"));
 }
 
-TEST_F(ComparisonEvaluation, datetimesCompareWithText) {
+TEST_F(ComparisonEvaluation, DatetimesCompareWithText) {
   EXPECT_TRUE(holds("When = '20260101000000.000000+000'"));
   EXPECT_TRUE(holds("When > '20251231000000.000000+000'"));
 }
 
-TEST_F(ComparisonEvaluation, aComparisonIsAColumn) {
+TEST_F(ComparisonEvaluation, AComparisonIsAColumn) {
   EXPECT_EQ(value("U8 = 10"), "TRUE");
   EXPECT_EQ(value("U8 = 11"), "FALSE");
   EXPECT_EQ(value("Absent = 11"), "NULL");

@@ -31,7 +31,7 @@ class FailingObject : public IQoriObject {
   }
 };
 
-TEST(DataRow, addingPastTheEndFillsTheGapWithNullCells) {
+TEST(DataRow, AddingPastTheEndFillsTheGapWithNullCells) {
   QORQL_DataRow row;
   row.addCell(5, makeObject("x"));
   ASSERT_EQ(row.getCellCount(), 6U);
@@ -39,7 +39,7 @@ TEST(DataRow, addingPastTheEndFillsTheGapWithNullCells) {
   EXPECT_FALSE(row.getCell(5).IsNull());
 }
 
-TEST(DataRow, addingAtAnExistingPlaceInserts) {
+TEST(DataRow, AddingAtAnExistingPlaceInserts) {
   const Object a(makeObject("a"));
   const Object b(makeObject("b"));
   const Object x(makeObject("x"));
@@ -53,7 +53,7 @@ TEST(DataRow, addingAtAnExistingPlaceInserts) {
   EXPECT_EQ(row.getCell(2U).Get(), b.Get());
 }
 
-TEST(DataRow, copyHasItsOwnListOfTheSameObjects) {
+TEST(DataRow, CopyHasItsOwnListOfTheSameObjects) {
   QORQL_DataRow row;
   row.addCell(0, makeObject("a"));
   QORQL_DataRow copy(row);
@@ -62,7 +62,7 @@ TEST(DataRow, copyHasItsOwnListOfTheSameObjects) {
   EXPECT_EQ(copy.getCell(0U).Get(), row.getCell(0U).Get());
 }
 
-TEST(DataRow, cellIndexPastTheTablesColumnsIsRefused) {
+TEST(DataRow, CellIndexPastTheTablesColumnsIsRefused) {
   const QORSmrPtr<QORQL_DataTable> table(tableOf(2));
   QORQL_DataRow row;
   row.setParentTable(table.Get());
@@ -72,7 +72,7 @@ TEST(DataRow, cellIndexPastTheTablesColumnsIsRefused) {
   EXPECT_EQ(internalError([&] { row.addCell(0, makeObject("y")); }), kInconsistent);
 }
 
-TEST(DataRow, cellByNameIsNullWithoutParentNameColumnOrCell) {
+TEST(DataRow, CellByNameIsNullWithoutParentNameColumnOrCell) {
   const QORSmrPtr<QORQL_DataTable> table(tableOf(2));
   QORQL_DataRow row;
   row.addCell(0, makeObject("a"));
@@ -84,7 +84,7 @@ TEST(DataRow, cellByNameIsNullWithoutParentNameColumnOrCell) {
   EXPECT_TRUE(row.getCell(QORString("")).IsNull());
 }
 
-TEST(DataRow, missingPropertyNamesPropertyAndClass) {
+TEST(DataRow, MissingPropertyNamesPropertyAndClass) {
   const QORSmrPtr<QORQL_DataTable> table(tableOf(1));
   QORQL_DataRow row;
   row.setParentTable(table.Get());
@@ -100,7 +100,7 @@ TEST(DataRow, missingPropertyNamesPropertyAndClass) {
   EXPECT_EQ(row.getPropertyValueByName("C0", "name")->toString(), "a");
 }
 
-TEST(DataRow, anObjectThatCannotBeReadIsLoggedAndGivesNull) {
+TEST(DataRow, AnObjectThatCannotBeReadIsLoggedAndGivesNull) {
   QueryWorld world("");
   std::vector<std::string> log;
   world.manager().setLogSink(
@@ -121,7 +121,7 @@ TEST(DataRow, anObjectThatCannotBeReadIsLoggedAndGivesNull) {
                                "CQL/1: An unknown exception occured when retrieving instance name for class 'C0'"));
 }
 
-TEST(DataRow, instanceNamesAreEqualReferences) {
+TEST(DataRow, InstanceNamesAreEqualReferences) {
   const QORSmrPtr<QORQL_DataTable> table(tableOf(1));
   QORQL_DataRow row;
   row.setParentTable(table.Get());
@@ -133,7 +133,7 @@ TEST(DataRow, instanceNamesAreEqualReferences) {
   EXPECT_TRUE(row.getInstanceName("C7").IsNull());
 }
 
-TEST(DataRow, addressesAreTheTables) {
+TEST(DataRow, AddressesAreTheTables) {
   const QORSmrPtr<QORQL_DataTable> table(tableOf(1));
   table->setServerAddressInfo("host", "5988");
   QORQL_DataRow row;

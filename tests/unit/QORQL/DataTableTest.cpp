@@ -27,13 +27,13 @@ std::vector<std::string> namesOf(const QORQL_DataTable& table) {
   return names;
 }
 
-TEST(DataTable, constructorFromHeadersHasNoColumns) {
+TEST(DataTable, ConstructorFromHeadersHasNoColumns) {
   QORQL_DataTable::HeaderList headers(new QORValSlist<QORSmrPtr<QORQL_TableHeader>>());
   headers->append(header("A"));
   EXPECT_EQ(QORQL_DataTable(headers).getColumnCount(), 0U);
 }
 
-TEST(DataTable, addColumnsReversesWithFlagFalseAndFillsTheSecondPlaceWithFlagTrue) {
+TEST(DataTable, AddColumnsReversesWithFlagFalseAndFillsTheSecondPlaceWithFlagTrue) {
   QORQL_DataTable::HeaderList headers(new QORValSlist<QORSmrPtr<QORQL_TableHeader>>());
   for (const char* name : {"A", "B", "C"}) headers->append(header(name));
   QORQL_DataTable reversed;
@@ -47,14 +47,14 @@ TEST(DataTable, addColumnsReversesWithFlagFalseAndFillsTheSecondPlaceWithFlagTru
   EXPECT_EQ(second.getColumnCount(), 4U);
 }
 
-TEST(DataTable, columnPastTheEndIsRefused) {
+TEST(DataTable, ColumnPastTheEndIsRefused) {
   const QORSmrPtr<QORQL_DataTable> table(tableOf(2));
   EXPECT_EQ(internalError([&] { table->addColumn(header("X"), 3, true); }), kColumnTooGreat);
   table->addColumn(QORSmrPtr<QORQL_TableHeader>(), 9, true);  // a null header is ignored
   EXPECT_EQ(table->getColumnCount(), 2U);
 }
 
-TEST(DataTable, columnWithRowsGivesEveryRowANullCell) {
+TEST(DataTable, ColumnWithRowsGivesEveryRowANullCell) {
   const QORSmrPtr<QORQL_DataTable> table(tableOf(2));
   Row row(new QORQL_DataRow());
   row->addCell(0, makeObject("a"));
@@ -65,7 +65,7 @@ TEST(DataTable, columnWithRowsGivesEveryRowANullCell) {
   EXPECT_TRUE(row->getCell(2U).IsNull());
 }
 
-TEST(DataTable, rowWithMoreCellsThanColumnsIsRefused) {
+TEST(DataTable, RowWithMoreCellsThanColumnsIsRefused) {
   const QORSmrPtr<QORQL_DataTable> table(tableOf(2));
   Row row(new QORQL_DataRow());
   row->addCell(2, makeObject("x"));
@@ -75,7 +75,7 @@ TEST(DataTable, rowWithMoreCellsThanColumnsIsRefused) {
   EXPECT_EQ(table->getRowCount(), 0U);
 }
 
-TEST(DataTable, aRowMadeOfCellsSharesThem) {
+TEST(DataTable, ARowMadeOfCellsSharesThem) {
   const QORSmrPtr<QORQL_DataTable> table(tableOf(2));
   const QORQL_DataRow::CellList cells(new QORValSlist<Object>());
   cells->append(makeObject("a"));
@@ -87,7 +87,7 @@ TEST(DataTable, aRowMadeOfCellsSharesThem) {
   EXPECT_EQ(row->getPropertyValueByName("C0", "Name")->toString(), "a");
 }
 
-TEST(DataTable, cellPositionMayEqualTheCountsButNotPassThem) {
+TEST(DataTable, CellPositionMayEqualTheCountsButNotPassThem) {
   const QORSmrPtr<QORQL_DataTable> table(tableOf(1));
   Row row(new QORQL_DataRow());
   row->addCell(0, makeObject("a"));
@@ -100,7 +100,7 @@ TEST(DataTable, cellPositionMayEqualTheCountsButNotPassThem) {
   EXPECT_EQ(internalError([&] { table->addRowCell(2, 0, Object()); }), kOutside);
 }
 
-TEST(DataTable, settingACellInserts) {
+TEST(DataTable, SettingACellInserts) {
   const QORSmrPtr<QORQL_DataTable> table(tableOf(2));
   Row row(new QORQL_DataRow());
   row->addCell(0, makeObject("a"));
@@ -111,7 +111,7 @@ TEST(DataTable, settingACellInserts) {
   EXPECT_EQ(row->getCell(0U).Get(), x.Get());
 }
 
-TEST(DataTable, columnIsFoundByNameOrAliasIgnoringCase) {
+TEST(DataTable, ColumnIsFoundByNameOrAliasIgnoringCase) {
   QORQL_DataTable table;
   table.addColumn(header("CIM_Disk", "D"), 0, false);
   table.addColumn(header("CIM_Pool", "P"), 1, false);
@@ -122,7 +122,7 @@ TEST(DataTable, columnIsFoundByNameOrAliasIgnoringCase) {
   EXPECT_TRUE(table.getColumnHeaderByName("x").IsNull());
 }
 
-TEST(DataTable, preFilterStateNeverReturns) {
+TEST(DataTable, PreFilterStateNeverReturns) {
   QORQL_DataTable table;
   EXPECT_FALSE(table.preFilterSet());
   table.setCellPreFiltered(true);
@@ -139,7 +139,7 @@ TEST(DataTable, preFilterStateNeverReturns) {
   EXPECT_TRUE(other.preFilterSet());
 }
 
-TEST(DataTable, rowsThatOutliveTheTableForgetIt) {
+TEST(DataTable, RowsThatOutliveTheTableForgetIt) {
   Row row(new QORQL_DataRow());
   row->addCell(0, makeObject("a"));
   {
@@ -150,7 +150,7 @@ TEST(DataTable, rowsThatOutliveTheTableForgetIt) {
   EXPECT_EQ(row->getParentTable(), nullptr);
 }
 
-TEST(DataTable, setRowsReplacesTheRows) {
+TEST(DataTable, SetRowsReplacesTheRows) {
   const QORSmrPtr<QORQL_DataTable> table(tableOf(1));
   table->addRow(Row(new QORQL_DataRow()));
   QORQL_DataTable::RowList rows(new QORValSlist<Row>());

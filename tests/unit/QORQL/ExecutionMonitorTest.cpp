@@ -60,20 +60,20 @@ struct ExecutionMonitor : testing::Test {
   }
 };
 
-TEST_F(ExecutionMonitor, seesTheStepsInOrder) {
+TEST_F(ExecutionMonitor, SeesTheStepsInOrder) {
   Recorder recorder;
   EXPECT_EQ(run(recorder, "SELECT T FROM A WHERE Id < 5 ORDER BY T ASC").rows.size(), 5U);
   EXPECT_THAT(recorder.steps, ElementsAre("fetch A", "condition", "project", "sort", "project"));
   EXPECT_EQ(recorder.depth, 0U);
 }
 
-TEST_F(ExecutionMonitor, seesTheFetchesInsideACondition) {
+TEST_F(ExecutionMonitor, SeesTheFetchesInsideACondition) {
   Recorder recorder;
   run(recorder, "SELECT A.T, B.K FROM A, B, L WHERE L = A AND L = B AND A.Id = 1");
   EXPECT_THAT(recorder.steps, testing::IsSupersetOf({"fetch A", " fetch B"}));
 }
 
-TEST_F(ExecutionMonitor, seesHowConditionsAreApplied) {
+TEST_F(ExecutionMonitor, SeesHowConditionsAreApplied) {
   const auto methodsOf = [this](const char* query) {
     Recorder recorder;
     run(recorder, query);
@@ -87,7 +87,7 @@ TEST_F(ExecutionMonitor, seesHowConditionsAreApplied) {
   EXPECT_THAT(methodsOf("SELECT T FROM A, B WHERE A.Id + B.Id = 4"), ElementsAre(Monitor::kMethodFilteredProduct));
 }
 
-TEST_F(ExecutionMonitor, changesNothingThatAQueryGives) {
+TEST_F(ExecutionMonitor, ChangesNothingThatAQueryGives) {
   for (const char* query : {"SELECT * FROM A", "SELECT T, K FROM A, B WHERE A.Id = B.Id ORDER BY T DESC",
                             "SELECT MAX(Id) AS M FROM A", "SELECT T FROM A WHERE T + 1 = 2"}) {
     Recorder recorder;
@@ -96,7 +96,7 @@ TEST_F(ExecutionMonitor, changesNothingThatAQueryGives) {
 }
 
 // Stops at every question that a query asks, and expects an end in order each time.
-TEST_F(ExecutionMonitor, stopsAQueryWhereverItIs) {
+TEST_F(ExecutionMonitor, StopsAQueryWhereverItIs) {
   for (const auto mode : {QORQL_DataTable::kExecutionLazy, QORQL_DataTable::kExecutionPlain}) {
     for (const char* query :
          {"SELECT A.T FROM A, B WHERE A.Id + B.Id = 4 ORDER BY A.T ASC", "SELECT A.Id FROM A, B WHERE A.Id < B.Id",
@@ -129,7 +129,7 @@ class SortStopper : public QORQL_ExecutionMonitor {
   bool _isSorting = false;
 };
 
-TEST_F(ExecutionMonitor, stopsASortOnItsWay) {
+TEST_F(ExecutionMonitor, StopsASortOnItsWay) {
   for (const auto mode : {QORQL_DataTable::kExecutionLazy, QORQL_DataTable::kExecutionPlain}) {
     for (const char* key : {"A.T", "A.Id", "A.Id + B.Id"}) {
       SortStopper stopper;
@@ -140,7 +140,7 @@ TEST_F(ExecutionMonitor, stopsASortOnItsWay) {
   }
 }
 
-TEST_F(ExecutionMonitor, logsNothingWhenItStops) {
+TEST_F(ExecutionMonitor, LogsNothingWhenItStops) {
   Recorder recorder(4);
   const QueryOutcome outcome = run(recorder, "SELECT A.Id, B.Id FROM A, B");
   EXPECT_EQ(outcome.error, "runtime 3: The query was stopped.");
@@ -161,7 +161,7 @@ std::string messageOf(const std::exception_ptr& cause) {
   }
 }
 
-TEST_F(ExecutionMonitor, isToldWhatEndsAResultEarly) {
+TEST_F(ExecutionMonitor, IsToldWhatEndsAResultEarly) {
   for (const auto mode : {QORQL_DataTable::kExecutionLazy, QORQL_DataTable::kExecutionPlain}) {
     EarlyEndRecorder recorder;
     const QueryOutcome outcome = run(recorder, "SELECT A.T, A.Nope FROM A", mode);
@@ -172,7 +172,7 @@ TEST_F(ExecutionMonitor, isToldWhatEndsAResultEarly) {
   }
 }
 
-TEST_F(ExecutionMonitor, isToldWhatEndsTheStreamEarly) {
+TEST_F(ExecutionMonitor, IsToldWhatEndsTheStreamEarly) {
   for (const auto mode : {QORQL_DataTable::kExecutionLazy, QORQL_DataTable::kExecutionPlain}) {
     EarlyEndRecorder recorder;
     const QORQL_MonitorScope scope(recorder);
@@ -182,7 +182,7 @@ TEST_F(ExecutionMonitor, isToldWhatEndsTheStreamEarly) {
   }
 }
 
-TEST_F(ExecutionMonitor, innerScopesHideOuterOnes) {
+TEST_F(ExecutionMonitor, InnerScopesHideOuterOnes) {
   Recorder outer;
   const QORQL_MonitorScope scope(outer);
   Recorder inner;

@@ -9,7 +9,7 @@ namespace {
 
 using FactorEvaluationInQueries = EvaluationWorld;
 
-TEST(FactorEvaluation, nothingToEvaluateIsAnInvalidFactor) {
+TEST(FactorEvaluation, NothingToEvaluateIsAnInvalidFactor) {
   QORQL_SymbolTable symbols(nullptr);
   QORSmrPtr<QORQL_DataRow> row(new QORQL_DataRow());
   const QORSmrPtr<QORString> none;
@@ -23,7 +23,7 @@ TEST(FactorEvaluation, nothingToEvaluateIsAnInvalidFactor) {
   }
 }
 
-TEST(FactorEvaluation, nestedOperatorMustBeMinusOrNone) {
+TEST(FactorEvaluation, NestedOperatorMustBeMinusOrNone) {
   QORQL_SymbolTable symbols(nullptr);
   QORSmrPtr<QORQL_DataRow> row(new QORQL_DataRow());
   const QORSmrPtr<QORString> none;
@@ -40,7 +40,7 @@ TEST(FactorEvaluation, nestedOperatorMustBeMinusOrNone) {
   }
 }
 
-TEST(FactorEvaluation, aChainOfSeveralStepsIsAnInvalidFactor) {
+TEST(FactorEvaluation, AChainOfSeveralStepsIsAnInvalidFactor) {
   QORQL_SymbolTable symbols(nullptr);
   QORSmrPtr<QORQL_DataRow> row(new QORQL_DataRow());
   QORQL_Factor chained(QORSmrPtr<QORQL_Evaluatable>(), new QORString("A"), new QORString("c"), QORSmrPtr<IQoriValue>(),
@@ -53,14 +53,14 @@ TEST(FactorEvaluation, aChainOfSeveralStepsIsAnInvalidFactor) {
   }
 }
 
-TEST_F(FactorEvaluationInQueries, negation) {
+TEST_F(FactorEvaluationInQueries, Negation) {
   EXPECT_EQ(value("-U8"), "-10");
   EXPECT_EQ(value("-S64"), "5");
   EXPECT_EQ(value("-(U8)"), "-10");
   EXPECT_EQ(error("-U64 < 0"), "runtime 6: Can't apply operator MINUS to an uint64 value");
 }
 
-TEST_F(FactorEvaluationInQueries, arrayElements) {
+TEST_F(FactorEvaluationInQueries, ArrayElements) {
   EXPECT_TRUE(holds("A[0] = 1"));
   EXPECT_TRUE(holds("A[2] = 5"));
   EXPECT_EQ(error("A[3] = 5"), "runtime 6: Out of Bounds");

@@ -11,7 +11,7 @@ using testing::HasSubstr;
 
 using FunctionEvaluationInQueries = EvaluationWorld;
 
-TEST(FunctionEvaluation, aggregatesHaveNoValueOnOneRow) {
+TEST(FunctionEvaluation, AggregatesHaveNoValueOnOneRow) {
   QORQL_SymbolTable symbols(nullptr);
   QORSmrPtr<QORQL_DataRow> row(new QORQL_DataRow());
   QORQL_Function::ParameterList parameters(new QORValSlist<QORSmrPtr<QORQL_Evaluatable>>());
@@ -25,12 +25,12 @@ TEST(FunctionEvaluation, aggregatesHaveNoValueOnOneRow) {
   }
 }
 
-TEST_F(FunctionEvaluationInQueries, objectPathIsAReference) {
+TEST_F(FunctionEvaluationInQueries, ObjectPathIsAReference) {
   EXPECT_EQ(value("OBJECTPATH(V)"), "root/cimv2:V.Id=1");
   EXPECT_TRUE(holds("OBJECTPATH(V) = 'root/cimv2:V.Id=1'"));
 }
 
-TEST_F(FunctionEvaluationInQueries, instanceOfIsTheWholeInstance) {
+TEST_F(FunctionEvaluationInQueries, InstanceOfIsTheWholeInstance) {
   const QueryOutcome outcome = world.run("SELECT INSTANCEOF(V) AS X FROM V");
   ASSERT_EQ(outcome.rows.size(), 1U);
   EXPECT_THAT(outcome.rows.front(), HasSubstr("abcdef"));

@@ -74,7 +74,7 @@ struct LiveWorld : QueryWorld {
   std::shared_ptr<RecordingProvider> provider;
 };
 
-TEST(Retrieval, exactlyThePropertiesOfTheQueryAreRequested) {
+TEST(Retrieval, ExactlyThePropertiesOfTheQueryAreRequested) {
   LiveWorld world;
   EXPECT_THAT(world.requestOf("SELECT P FROM L"), ElementsAre("Id", "P"));
   EXPECT_THAT(world.requestOf("SELECT P FROM L WHERE Q = 'x'"), ElementsAre("Id", "P", "Q"));
@@ -86,13 +86,13 @@ TEST(Retrieval, exactlyThePropertiesOfTheQueryAreRequested) {
   EXPECT_THAT(world.requestOf("SELECT OBJECTPATH(L) AS O FROM L"), ElementsAre("Id"));
 }
 
-TEST(Retrieval, theQueryTextReachesTheProvider) {
+TEST(Retrieval, TheQueryTextReachesTheProvider) {
   LiveWorld world;
   world.requestOf("SELECT P FROM L");
   EXPECT_THAT(world.provider->queries, ElementsAre("SELECT P FROM L"));
 }
 
-TEST(Retrieval, eachClassIsFetchedOnce) {
+TEST(Retrieval, EachClassIsFetchedOnce) {
   QueryWorld world(kModel);
   const QueryOutcome outcome =
       world.run("SELECT A.Name FROM A, B WHERE A.Size = B.Size AND A.Name <> 'x' ORDER BY A.Name ASC");
@@ -100,28 +100,28 @@ TEST(Retrieval, eachClassIsFetchedOnce) {
                                        "CQL/4: Issued an enumerate instance call for 'B'"));
 }
 
-TEST(Retrieval, crossProductIsRowMajor) {
+TEST(Retrieval, CrossProductIsRowMajor) {
   QueryWorld world(kModel);
   EXPECT_THAT(world.rows("SELECT A.Id, B.Id FROM A, B"), ElementsAre("1|1", "1|2", "1|3", "2|1", "2|2", "2|3"));
   EXPECT_THAT(world.rows("SELECT A.Id, B.Id FROM B, A"), ElementsAre("1|1", "2|1", "1|2", "2|2", "1|3", "2|3"));
 }
 
-TEST(Retrieval, classWithoutInstancesGivesAColumnWithoutRows) {
+TEST(Retrieval, ClassWithoutInstancesGivesAColumnWithoutRows) {
   QueryWorld world(kModel);
   EXPECT_THAT(world.rows("SELECT Id FROM Empty"), IsEmpty());
 }
 
-TEST(Retrieval, emptyClassAfterRowsGivesNullCells) {
+TEST(Retrieval, EmptyClassAfterRowsGivesNullCells) {
   QueryWorld world(kModel);
   EXPECT_THAT(world.rows("SELECT A.Id, Empty.Id FROM A, Empty"), ElementsAre("1|NULL", "2|NULL"));
 }
 
-TEST(Retrieval, emptyClassBeforeRowsGivesNullCells) {
+TEST(Retrieval, EmptyClassBeforeRowsGivesNullCells) {
   QueryWorld world(kModel);
   EXPECT_THAT(world.rows("SELECT Empty.Id, A.Id FROM Empty, A"), ElementsAre("NULL|1", "NULL|2"));
 }
 
-TEST(Retrieval, unknownClassFails) {
+TEST(Retrieval, UnknownClassFails) {
   QueryWorld world(kModel);
   EXPECT_EQ(world.error("SELECT * FROM Nope"), "runtime 3: Enumerateinstance call for 'NOPE' returned NULL");
   EXPECT_THAT(world.run("SELECT * FROM Nope").log,
@@ -150,7 +150,7 @@ struct HelperWorld : QueryWorld {
   QORSmrPtr<QORQL_DataTable> table;
 };
 
-TEST(Retrieval, unknownNameIsRefusedAsWritten) {
+TEST(Retrieval, UnknownNameIsRefusedAsWritten) {
   HelperWorld world;
   try {
     world.fetch("nope");
@@ -161,7 +161,7 @@ TEST(Retrieval, unknownNameIsRefusedAsWritten) {
   }
 }
 
-TEST(Retrieval, filteredFetchKeepsRowsThatSatisfyTheComparison) {
+TEST(Retrieval, FilteredFetchKeepsRowsThatSatisfyTheComparison) {
   HelperWorld world;
   const QORSmrPtr<QORQL_Evaluatable> condition(world.conditionOf("SELECT A.Id FROM A, B WHERE A.Size = B.Size"));
   world.fetch("A");
@@ -169,7 +169,7 @@ TEST(Retrieval, filteredFetchKeepsRowsThatSatisfyTheComparison) {
   EXPECT_EQ(world.table->getRowCount(), 2U);
 }
 
-TEST(Retrieval, filteredFetchInvertsForTheTokenCodeOfNotAlone) {
+TEST(Retrieval, FilteredFetchInvertsForTheTokenCodeOfNotAlone) {
   HelperWorld world;
   const QORSmrPtr<QORQL_Evaluatable> condition(world.conditionOf("SELECT A.Id FROM A WHERE A.Size = 10"));
   world.fetchFiltered("A", condition, TokenNOT);
@@ -181,14 +181,14 @@ TEST(Retrieval, filteredFetchInvertsForTheTokenCodeOfNotAlone) {
   EXPECT_EQ(world.table->getRow(0)->getPropertyValueByName("A", "Size")->toString(), "10");
 }
 
-TEST(Retrieval, filteredFetchKeepsRowsThatCannotBeCompared) {
+TEST(Retrieval, FilteredFetchKeepsRowsThatCannotBeCompared) {
   HelperWorld world;
   const QORSmrPtr<QORQL_Evaluatable> condition(world.conditionOf("SELECT A.Id FROM A, B WHERE A.Size LIKE B.Title"));
   world.fetchFiltered("A", condition, QORQL_OperatorNONE);  // LIKE throws: kept
   EXPECT_EQ(world.table->getRowCount(), 2U);
 }
 
-TEST(Retrieval, filteredFetchKeepsRowsWhoseComparisonIsNull) {
+TEST(Retrieval, FilteredFetchKeepsRowsWhoseComparisonIsNull) {
   HelperWorld world;
   const QORSmrPtr<QORQL_Evaluatable> condition(world.conditionOf("SELECT A.Id FROM A, B WHERE A.Size = B.Size"));
   world.fetchFiltered("A", condition, QORQL_OperatorNONE);  // there is no B yet
@@ -197,7 +197,7 @@ TEST(Retrieval, filteredFetchKeepsRowsWhoseComparisonIsNull) {
   EXPECT_EQ(world.table->getRowCount(), 2U);
 }
 
-TEST(Retrieval, filteredFetchOfAnOuterJoinKeepsEveryCombination) {
+TEST(Retrieval, FilteredFetchOfAnOuterJoinKeepsEveryCombination) {
   HelperWorld world;
   const QORSmrPtr<QORQL_Evaluatable> condition(world.conditionOf("SELECT A.Id FROM A, B WHERE A.Size *= B.Size"));
   world.fetch("A");
@@ -205,7 +205,7 @@ TEST(Retrieval, filteredFetchOfAnOuterJoinKeepsEveryCombination) {
   EXPECT_EQ(world.table->getRowCount(), 6U);
 }
 
-TEST(Retrieval, nullTableOrListIsRefused) {
+TEST(Retrieval, NullTableOrListIsRefused) {
   QORSmrPtr<QORQL_DataTable> none;
   const auto message = [&](QORSmrPtr<QORQL_DataTable>& table, const QORQL_Helper::ObjectList& objects) {
     try {
@@ -222,7 +222,7 @@ TEST(Retrieval, nullTableOrListIsRefused) {
             "Error occured when adding object to table - qoriobject is null");
 }
 
-TEST(Retrieval, nullObjectsAreSkipped) {
+TEST(Retrieval, NullObjectsAreSkipped) {
   HelperWorld world;
   QORQL_Helper::ObjectList objects(new QORValSlist<QORSmrPtr<IQoriObject>>());
   objects->append(QORSmrPtr<IQoriObject>());
@@ -231,7 +231,7 @@ TEST(Retrieval, nullObjectsAreSkipped) {
   EXPECT_EQ(world.table->getColumnCount(), 1U);
 }
 
-TEST(Retrieval, numericTypeNames) {
+TEST(Retrieval, NumericTypeNames) {
   for (const char* name :
        {"uint8", "UINT16", "uint32", "uint64", "sint8", "sint16", "sint32", "Sint64", "real32", "real64"}) {
     EXPECT_TRUE(QORQL_Helper::isNumeric(name)) << name;

@@ -19,7 +19,7 @@ class Z { [key] uint32 k; };
 
 // An extent without an array of its objects, read in order, from the start
 // again, and out of order.
-TEST(Extent, runsOfALongList) {
+TEST(Extent, RunsOfALongList) {
   QueryWorld world(kClasses + std::string("instance of Z { k = 1; }; instance of Z { k = 2; };"));
   CIMApi client;
   const CIMApi::Instances two = client.enumerateInstances("root/cimv2", "Z", {}, -1, nullptr, nullptr, nullptr, {});
@@ -69,7 +69,7 @@ TEST(Extent, runsOfALongList) {
 }
 
 // More rows than can be counted are as many as can be counted, not as many as remain.
-TEST(LazyRows, aProductBeyondAllNumbersHasRows) {
+TEST(LazyRows, AProductBeyondAllNumbersHasRows) {
   QueryWorld world(kClasses + std::string("instance of Z { k = 1; };"));
   CIMApi client;
   const CIMApi::Instances one = client.enumerateInstances("root/cimv2", "Z", {}, -1, nullptr, nullptr, nullptr, {});

@@ -38,7 +38,7 @@ struct NullExtension : testing::Test {
 };
 
 // Objects without numbers are told apart by their paths.
-TEST_F(NullExtension, comesInTheOrderOfTheMapByPath) {
+TEST_F(NullExtension, ComesInTheOrderOfTheMapByPath) {
   std::vector<bool> isUnmatched;
   for (int i = 0; i < 400; ++i) {
     add(i % 7 == 0 ? "other" + std::to_string(i)
@@ -55,12 +55,12 @@ TEST_F(NullExtension, comesInTheOrderOfTheMapByPath) {
   for (std::size_t i = 0; i < expected.size(); ++i) EXPECT_EQ(extensions[i].index, expected[i].second);
 }
 
-TEST_F(NullExtension, isRefusedWhenTwoObjectsShareAPath) {
+TEST_F(NullExtension, IsRefusedWhenTwoObjectsShareAPath) {
   for (const char* const key : {"a", "b", "a"}) add(key);
   EXPECT_FALSE(collect({false, true, false}));
 }
 
-TEST_F(NullExtension, ofNoObjectNeedsNoPaths) {
+TEST_F(NullExtension, OfNoObjectNeedsNoPaths) {
   for (const char* const key : {"a", "a"}) add(key);
   EXPECT_TRUE(collect({false, false}));
   EXPECT_TRUE(extensions.empty());

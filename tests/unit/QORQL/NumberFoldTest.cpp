@@ -29,13 +29,13 @@ std::string folded(QORuint32 functionID, const std::vector<QoriScalar>& values) 
 constexpr QORuint64 kMost = std::numeric_limits<QORuint64>::max();
 constexpr QORsint64 kLeast = std::numeric_limits<QORsint64>::min();
 
-TEST(NumberFold, sumsOfOneKindHaveItsWidestType) {
+TEST(NumberFold, SumsOfOneKindHaveItsWidestType) {
   EXPECT_EQ(folded(QORQL_FUNCTIONID_SUM, {number(QORuint64{1}), number(QORuint64{2})}), "uint64 3");
   EXPECT_EQ(folded(QORQL_FUNCTIONID_SUM, {number(QORsint64{-1}), number(QORsint64{-2})}), "sint64 -3");
   EXPECT_EQ(folded(QORQL_FUNCTIONID_SUM, {number(0.5), number(1.0)}), "real64 1.5");
 }
 
-TEST(NumberFold, sumsOfSeveralKindsGoWhereTheyFit) {
+TEST(NumberFold, SumsOfSeveralKindsGoWhereTheyFit) {
   EXPECT_EQ(folded(QORQL_FUNCTIONID_SUM, {number(0.5), number(QORuint64{2})}), "real64 2.5");
   EXPECT_EQ(folded(QORQL_FUNCTIONID_SUM, {number(QORsint64{-2}), number(0.5)}), "real64 -1.5");
   EXPECT_EQ(folded(QORQL_FUNCTIONID_SUM, {number(QORuint64{2}), number(0.5)}), "real64 2.5");
@@ -44,12 +44,12 @@ TEST(NumberFold, sumsOfSeveralKindsGoWhereTheyFit) {
   EXPECT_EQ(folded(QORQL_FUNCTIONID_SUM, {number(QORsint64{1}), number(kMost - 1)}), "uint64 18446744073709551615");
 }
 
-TEST(NumberFold, aSumThatDoesNotFitIsNullForGood) {
+TEST(NumberFold, ASumThatDoesNotFitIsNullForGood) {
   EXPECT_EQ(folded(QORQL_FUNCTIONID_SUM, {number(kMost), number(QORuint64{1}), number(QORsint64{-1})}), "null");
   EXPECT_EQ(folded(QORQL_FUNCTIONID_SUM, {number(kLeast), number(QORsint64{-1}), number(0.5)}), "null");
 }
 
-TEST(NumberFold, extremesAreTheRowsOwnValues) {
+TEST(NumberFold, ExtremesAreTheRowsOwnValues) {
   EXPECT_EQ(folded(QORQL_FUNCTIONID_MIN, {number(QORuint64{2}), number(QORsint64{-1}), number(0.5)}), "uint8 1");
   EXPECT_EQ(folded(QORQL_FUNCTIONID_MAX, {number(QORuint64{2}), number(QORsint64{-1}), number(2.5)}), "uint8 2");
   EXPECT_EQ(folded(QORQL_FUNCTIONID_MAX, {number(QORuint64{2}), number(QORuint64{1})}), "uint64 2");
@@ -57,14 +57,14 @@ TEST(NumberFold, extremesAreTheRowsOwnValues) {
             "real64 0.5");
 }
 
-TEST(NumberFold, countsWhateverIsNotNull) {
+TEST(NumberFold, CountsWhateverIsNotNull) {
   EXPECT_EQ(folded(QORQL_FUNCTIONID_COUNT, {kText, QoriScalar(), number(0.5)}), "uint64 2");
   EXPECT_EQ(folded(QORQL_FUNCTIONID_COUNT, {QoriScalar()}), "uint64 0");
   EXPECT_EQ(folded(QORQL_FUNCTIONID_COUNT, {}), "none");
   EXPECT_EQ(folded(QORQL_FUNCTIONID_SUM, {QoriScalar()}), "none");
 }
 
-TEST(NumberFold, leavesWhatIsNoNumberToOthers) {
+TEST(NumberFold, LeavesWhatIsNoNumberToOthers) {
   QORQL_NumberFold fold(QORQL_FUNCTIONID_SUM);
   EXPECT_FALSE(fold.add(kText, 0));
   EXPECT_TRUE(fold.add(number(QORuint64{1}), 1));

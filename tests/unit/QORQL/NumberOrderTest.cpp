@@ -18,7 +18,7 @@ std::vector<QORuint64> keysOf(const std::vector<QoriScalar>& numbers) {
   return keys;
 }
 
-TEST(NumberOrder, keysStandAsTheNumbersDo) {
+TEST(NumberOrder, KeysStandAsTheNumbersDo) {
   const auto ascends = [](const std::vector<QORuint64>& keys) {
     return !keys.empty() && std::is_sorted(keys.begin(), keys.end()) &&
            std::adjacent_find(keys.begin(), keys.end()) == keys.end();
@@ -30,7 +30,7 @@ TEST(NumberOrder, keysStandAsTheNumbersDo) {
   EXPECT_EQ(zeros[0], zeros[1]);
 }
 
-TEST(NumberOrder, mixedNumbersHaveNone) {
+TEST(NumberOrder, MixedNumbersHaveNone) {
   EXPECT_TRUE(keysOf({number(1ULL), number(1.0)}).empty());
   EXPECT_TRUE(keysOf({number(-1LL), number(~0ULL)}).empty());
   EXPECT_TRUE(keysOf({number(1.0), number(0.0 / 0.0 * 0.0)}).empty());

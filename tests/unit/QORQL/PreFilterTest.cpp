@@ -18,14 +18,14 @@ instance of N { Id = 3; };
 instance of N { Id = 1; };
 )";
 
-TEST(PreFilter, whereAndOrderByAreSkippedWhenEveryProviderFiltered) {
+TEST(PreFilter, WhereAndOrderByAreSkippedWhenEveryProviderFiltered) {
   QueryWorld world(kPreFiltered);
   EXPECT_THAT(world.rows("SELECT Id FROM F WHERE Id = 7 ORDER BY Id ASC"), ElementsAre("3", "1"));
   EXPECT_THAT(world.rows("SELECT Id FROM N WHERE Id = 3 ORDER BY Id ASC"), ElementsAre("3"));
 }
 
 // A subclass whose provider filters does not speak for its superclass.
-TEST(PreFilter, oneUnfilteredInstanceIsEnoughToFilter) {
+TEST(PreFilter, OneUnfilteredInstanceIsEnoughToFilter) {
   QueryWorld world(std::string(kPreFiltered) +
                    "class M { [key] uint32 Id; }; [YRK_TRBS_ProviderFiltered] class MF : M { };"
                    "instance of MF { Id = 1; }; instance of MF { Id = 2; }; instance of M { Id = 3; };");
@@ -33,7 +33,7 @@ TEST(PreFilter, oneUnfilteredInstanceIsEnoughToFilter) {
   EXPECT_THAT(world.rows("SELECT Id FROM MF WHERE Id > 1 ORDER BY Id DESC"), ElementsAre("1", "2"));
 }
 
-TEST(PreFilter, oneUnfilteredClassIsEnoughToFilter) {
+TEST(PreFilter, OneUnfilteredClassIsEnoughToFilter) {
   QueryWorld world(kPreFiltered);
   EXPECT_THAT(world.rows("SELECT F.Id, N.Id FROM F, N WHERE F.Id = N.Id ORDER BY F.Id ASC"), ElementsAre("1|1", "3|3"));
 }

@@ -30,7 +30,7 @@ struct ResultStream : testing::Test {
   std::string stream(const char* query) { return world.run(query).stream; }
 };
 
-TEST_F(ResultStream, wholeTable) {
+TEST_F(ResultStream, WholeTable) {
   EXPECT_EQ(stream("SELECT C.Id, C.Text AS T FROM C"),
             "\n<IRETURNVALUE>\n<TABLE>\n<TABLEROW.DECLARATION>\n"
             "<TABLECELL.DECLARATION NAME=\"C.Id\" TYPE=\"uint32\" ISARRAY=\"0\" CELLPOS=\"0\">"
@@ -42,13 +42,13 @@ TEST_F(ResultStream, wholeTable) {
             "</TABLE>\n</IRETURNVALUE>\n");
 }
 
-TEST_F(ResultStream, arraysSkipNullElements) {
+TEST_F(ResultStream, ArraysSkipNullElements) {
   EXPECT_THAT(stream("SELECT A FROM C WHERE Id = 1"),
               HasSubstr("ISARRAY=\"1\" CELLPOS=\"0\"></TABLECELL.DECLARATION>\n</TABLEROW.DECLARATION>\n<TABLEROW>\n"
                         "<VALUE.ARRAY>\n<VALUE>1</VALUE>\n<VALUE>3</VALUE>\n</VALUE.ARRAY>\n</TABLEROW>\n"));
 }
 
-TEST_F(ResultStream, referencesAreInstancePaths) {
+TEST_F(ResultStream, ReferencesAreInstancePaths) {
   const std::string text = stream("SELECT Ref FROM Link");
   EXPECT_THAT(text, HasSubstr("<VALUE.REFERENCE><INSTANCEPATH>"));
   EXPECT_THAT(text, HasSubstr("</INSTANCEPATH></VALUE.REFERENCE>\n"));
@@ -56,7 +56,7 @@ TEST_F(ResultStream, referencesAreInstancePaths) {
 }
 
 // No MOF declares arrays of references; other object managers may have them.
-TEST_F(ResultStream, arraysOfReferencesAreEscapedPaths) {
+TEST_F(ResultStream, ArraysOfReferencesAreEscapedPaths) {
   const QORString text("SELECT Refs FROM D");
   const QORSmrPtr<IQoriValue::List> elements(new IQoriValue::List());
   const QORSmrPtr<CQoriBaseObject::PropertyList> keys(new CQoriBaseObject::PropertyList());
@@ -84,59 +84,59 @@ TEST_F(ResultStream, arraysOfReferencesAreEscapedPaths) {
                                       "</VALUE.REFARRAY>\n</TABLEROW>\n"));
 }
 
-TEST_F(ResultStream, aPropertyWithoutValueIsDeclaredString) {
+TEST_F(ResultStream, APropertyWithoutValueIsDeclaredString) {
   EXPECT_THAT(stream("SELECT R FROM C WHERE Id = 2"), HasSubstr("NAME=\"C.R\" TYPE=\"String\" ISARRAY=\"0\""));
 }
 
-TEST_F(ResultStream, starDeclaresCellsAndWritesEmptyRows) {
+TEST_F(ResultStream, StarDeclaresCellsAndWritesEmptyRows) {
   const std::string text = stream("SELECT * FROM D");
   EXPECT_THAT(text, HasSubstr("NAME=\"D.Id\""));
   EXPECT_THAT(text, HasSubstr("NAME=\"D.K\" TYPE=\"uint32\" ISARRAY=\"0\" CELLPOS=\"1\""));
   EXPECT_THAT(text, HasSubstr("<TABLEROW>\n</TABLEROW>\n</TABLE>"));
 }
 
-TEST_F(ResultStream, classStarWritesItsProperties) {
+TEST_F(ResultStream, ClassStarWritesItsProperties) {
   const std::string text = stream("SELECT D.* FROM D");
   EXPECT_THAT(text, HasSubstr("NAME=\"D.Id\" TYPE=\"uint32\""));
   EXPECT_THAT(text, HasSubstr("<TABLEROW>\n<VALUE>5</VALUE>\n<VALUE>9</VALUE>\n</TABLEROW>\n"));
 }
 
-TEST_F(ResultStream, classStarOfAnAbsentObjectWritesANullForEachDeclaredCell) {
+TEST_F(ResultStream, ClassStarOfAnAbsentObjectWritesANullForEachDeclaredCell) {
   EXPECT_THAT(stream("SELECT C.Id, D.* FROM C, D WHERE C.Id *= D.K"),
               HasSubstr("<VALUE.NULL></VALUE.NULL>\n</TABLEROW>\n"));
 }
 
-TEST_F(ResultStream, emptyResultWritesTheDeclarationsAlone) {
+TEST_F(ResultStream, EmptyResultWritesTheDeclarationsAlone) {
   EXPECT_EQ(stream("SELECT Z.Id, 1 + 1 AS Two FROM Z"),
             "\n<IRETURNVALUE>\n<TABLE>\n<TABLEROW.DECLARATION>\n"
             "<TABLECELL.DECLARATION NAME=\"TWO\" TYPE=\"String\" ISARRAY=\"0\" CELLPOS=\"0\"></TABLECELL.DECLARATION>\n"
             "</TABLEROW.DECLARATION>\n</TABLE>\n</IRETURNVALUE>\n");
 }
 
-TEST_F(ResultStream, aClassWithoutAnyObjectDeclaresTheDefaultCell) {
+TEST_F(ResultStream, AClassWithoutAnyObjectDeclaresTheDefaultCell) {
   EXPECT_THAT(stream("SELECT C.Id, Z.Id FROM C, Z"),
               HasSubstr("NAME=\"Z.Id\" TYPE=\"String\" ISARRAY=\"0\" CELLPOS=\"1\""));
 }
 
-TEST_F(ResultStream, firstLimitsTheRows) {
+TEST_F(ResultStream, FirstLimitsTheRows) {
   const std::string text = stream("SELECT FIRST 1 Id FROM C");
   EXPECT_THAT(text, HasSubstr("<VALUE>1</VALUE>"));
   EXPECT_THAT(text, Not(HasSubstr("<VALUE>2</VALUE>")));
 }
 
-TEST_F(ResultStream, aggregatesWriteOneRow) {
+TEST_F(ResultStream, AggregatesWriteOneRow) {
   EXPECT_THAT(stream("SELECT COUNT(C.Text) AS N, MAX(C.Id) AS M FROM C"),
               HasSubstr("<TABLEROW>\n<VALUE>1</VALUE>\n<VALUE>2</VALUE>\n</TABLEROW>\n</TABLE>"));
 }
 
-TEST_F(ResultStream, aValueThatCannotBeComputedEndsTheRowsAndIsLogged) {
+TEST_F(ResultStream, AValueThatCannotBeComputedEndsTheRowsAndIsLogged) {
   const QueryOutcome outcome = world.runIn("SELECT C.Id, 1 / (2 - C.Id) AS Q FROM C", QORQL_DataTable::kExecutionLazy);
   EXPECT_THAT(outcome.stream, HasSubstr("<TABLEROW>\n<VALUE>1</VALUE>\n<VALUE>1</VALUE>\n</TABLEROW>\n"
                                         "<TABLEROW>\n<VALUE>2</VALUE>\n</TABLE>\n</IRETURNVALUE>\n"));
   EXPECT_THAT(outcome.log, testing::Contains("CQL/1: Caught an exception occured while streaming the data."));
 }
 
-TEST_F(ResultStream, aColumnThatCannotBeDeclaredFailsBehindTheDeclarationsBeforeIt) {
+TEST_F(ResultStream, AColumnThatCannotBeDeclaredFailsBehindTheDeclarationsBeforeIt) {
   const QueryOutcome outcome = world.run("SELECT C.Id, 1 / (1 - C.Id) AS Q FROM C");
   EXPECT_THAT(outcome.error, HasSubstr("Division by zero"));
   EXPECT_EQ(outcome.stream,
@@ -145,17 +145,17 @@ TEST_F(ResultStream, aColumnThatCannotBeDeclaredFailsBehindTheDeclarationsBefore
             "</TABLECELL.DECLARATION>\n");
 }
 
-TEST_F(ResultStream, aNullAggregateFailsBeforeAnythingIsWritten) {
+TEST_F(ResultStream, ANullAggregateFailsBeforeAnythingIsWritten) {
   const QueryOutcome outcome = world.run("SELECT MAX(Id) AS M FROM Z");
   EXPECT_EQ(outcome.error, "parse 15 line 0: Aggregate functions must contain a valid expression.");
   EXPECT_EQ(outcome.stream, "");
 }
 
-TEST_F(ResultStream, theFormatClauseDoesNotChangeTheStream) {
+TEST_F(ResultStream, TheFormatClauseDoesNotChangeTheStream) {
   EXPECT_EQ(stream("SELECT Id FROM C FORMAT AS CSV"), stream("SELECT Id FROM C"));
 }
 
-TEST_F(ResultStream, aWholeObjectIsDeclaredAndWrittenAsOne) {
+TEST_F(ResultStream, AWholeObjectIsDeclaredAndWrittenAsOne) {
   const std::string text = stream("SELECT D FROM D");
   EXPECT_THAT(text, HasSubstr("TYPE=\"object\""));
   EXPECT_THAT(text, HasSubstr("<VALUE>instance of D"));

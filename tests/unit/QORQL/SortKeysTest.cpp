@@ -61,14 +61,14 @@ void expectTextsSorted(const std::vector<std::string>& texts) {
   expectSorted(keys, [&](QORuint32 a, QORuint32 b) { return texts[a] < texts[b]; });
 }
 
-TEST(SortKeys, equalKeysComeLastRowFirst) {
+TEST(SortKeys, EqualKeysComeLastRowFirst) {
   const std::vector<QoriScalar> keys = {number(2ULL), number(1ULL), number(2ULL), number(1ULL)};
   EXPECT_EQ(sorted(keys, true), (Rows{3, 1, 2, 0}));
   EXPECT_EQ(sorted(keys, false), (Rows{2, 0, 3, 1}));
   EXPECT_EQ(sorted({}, true), Rows());
 }
 
-TEST(SortKeys, numbersOfEveryKind) {
+TEST(SortKeys, NumbersOfEveryKind) {
   std::mt19937_64 random(5);
   for (const std::size_t size : kSizes) {
     std::vector<long long> integers(size);
@@ -91,7 +91,7 @@ TEST(SortKeys, numbersOfEveryKind) {
   }
 }
 
-TEST(SortKeys, numbersThatDifferInOneDigitOrInNone) {
+TEST(SortKeys, NumbersThatDifferInOneDigitOrInNone) {
   for (const std::size_t size : kSizes) {
     expectNumbersSorted(std::vector<long long>(size, -3));
     for (unsigned shift = 0; shift < 64; shift += 8) {
@@ -102,13 +102,13 @@ TEST(SortKeys, numbersThatDifferInOneDigitOrInNone) {
   }
 }
 
-TEST(SortKeys, textsBeyondTheirFirstBytes) {
+TEST(SortKeys, TextsBeyondTheirFirstBytes) {
   expectTextsSorted({"abcdefghij", "abcdefgh", std::string("abcdefgh\0", 9), "abcdefghia", "", "b", "\xff", "abcdefg",
                      std::string("abcdefg\0", 8), std::string("\0", 1), "abcdef", std::string("abcdef\0", 7)});
 }
 
 // Behind a common front of any length: ends of every length, of bytes that are easily taken for an end.
-TEST(SortKeys, textsThatShareTheirFronts) {
+TEST(SortKeys, TextsThatShareTheirFronts) {
   std::mt19937_64 random(7);
   for (const std::size_t front : {0U, 1U, 6U, 7U, 8U, 13U, 14U, 15U, 500U}) {
     for (const std::size_t size : kSizes) {
@@ -125,7 +125,7 @@ TEST(SortKeys, textsThatShareTheirFronts) {
   }
 }
 
-TEST(SortKeys, textsOfFewKindsAndOfOne) {
+TEST(SortKeys, TextsOfFewKindsAndOfOne) {
   for (const std::size_t size : kSizes) {
     for (const std::size_t length : {0U, 3U, 7U, 8U, 14U, 20U, 300U}) {
       expectTextsSorted(std::vector<std::string>(size, std::string(length, 'x')));
@@ -138,13 +138,13 @@ TEST(SortKeys, textsOfFewKindsAndOfOne) {
 }
 
 // Each text is the front of the next one.
-TEST(SortKeys, textsOfWhichOneGoesOnWhereAnotherEnds) {
+TEST(SortKeys, TextsOfWhichOneGoesOnWhereAnotherEnds) {
   std::vector<std::string> texts;
   for (std::size_t length = 0; length < 600; ++length) texts.emplace_back(length * 331 % 600, 'x');
   expectTextsSorted(texts);
 }
 
-TEST(SortKeys, textsThatWereMadeForTheSortAreKept) {
+TEST(SortKeys, TextsThatWereMadeForTheSortAreKept) {
   QORQL_SortKeys sort;
   for (int i = 0; i < 600; ++i) {
     const QORSmrPtr<IQoriValue> made(new CQoriValue(QORString("a made text " + std::to_string(i * 7 % 600))));
@@ -155,7 +155,7 @@ TEST(SortKeys, textsThatWereMadeForTheSortAreKept) {
   EXPECT_EQ(rows[1], 343U);  // 343 * 7 = 4 * 600 + 1
 }
 
-TEST(SortKeys, refusesWhatDoesNotGoTogether) {
+TEST(SortKeys, RefusesWhatDoesNotGoTogether) {
   const QORString text("x");
   QORQL_SortKeys numbers;
   EXPECT_FALSE(numbers.add(QoriScalar(), {}));
@@ -170,7 +170,7 @@ TEST(SortKeys, refusesWhatDoesNotGoTogether) {
 }
 
 // Rows of one class and pairs of rows, in both modes.
-TEST(SortKeys, ofWholeQueries) {
+TEST(SortKeys, OfWholeQueries) {
   std::string mof =
       "class N { [key] uint32 k; string t; sint64 s; real64 r; };\nclass Two { [key] uint32 k; };\n"
       "instance of Two { k = 0; };\ninstance of Two { k = 1; };\n";
