@@ -1,0 +1,54 @@
+// Cells that are read ahead are those that would have been read alone.
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+
+#include "Cimom/QORQL/Lazy/QORQL_CellWindow.h"
+#include "FetchedStatement.h"
+
+namespace {
+
+std::string model() {
+  std::string mof = "class A { [key] uint32 Id; uint32 K; };";
+  for (int i = 0; i < 200; ++i)
+    mof += "instance of A { Id = " + std::to_string(i) + "; K = " + std::to_string(i * 7) + "; };";
+  return mof;
+}
+
+struct CellWindow : testing::Test {
+  CellWindow() {
+    id = window.add(*QORQL_PropertyColumn::bind(fetched.rows(), 0, "Id"));
+    k = window.add(*QORQL_PropertyColumn::bind(fetched.rows(), 0, "K"));
+  }
+  void expectCells(QORuint64 row) {
+    const QORQL_RowBlock& block = fetched.rows().blocks().front();
+    const QORuint64 number = window.cell(block, row, id).u;
+    EXPECT_EQ(number, row);
+    EXPECT_EQ(window.cell(block, row, k).u, number * 7);
+  }
+  QueryWorld world{model()};
+  FetchedStatement fetched{"SELECT Id, K FROM A"};
+  QORQL_CellWindow window;
+  std::size_t id = 0;
+  std::size_t k = 0;
+};
+
+TEST_F(CellWindow, HasTheCellsOfRowsInOrder) {
+  for (QORuint64 row = 0; row < 200; ++row) expectCells(row);
+}
+
+TEST_F(CellWindow, HasTheCellsOfRowsOutOfOrder) {
+  std::mt19937_64 random(11);
+  for (int i = 0; i < 500; ++i) expectCells(random() % 200);
+  for (const QORuint64 row : {199U, 0U, 1U, 2U, 64U, 63U, 65U, 199U, 198U}) expectCells(row);
+}
+
+TEST_F(CellWindow, NumbersAPropertyOnce) {
+  QORQL_CellWindow other;
+  const std::size_t first = other.add(*QORQL_PropertyColumn::bind(fetched.rows(), 0, "K"));
+  EXPECT_NE(other.add(*QORQL_PropertyColumn::bind(fetched.rows(), 0, "Id")), first);
+  EXPECT_EQ(other.add(*QORQL_PropertyColumn::bind(fetched.rows(), 0, "K")), first);
+}
+
+}  // namespace
