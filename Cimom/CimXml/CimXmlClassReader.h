@@ -1,4 +1,5 @@
 // Classes and qualifiers of a CIM-XML document.
+// Tested by tests/unit/CimXml/CimXmlReplyTest.cpp, tests/unit/CimXml/CimXmlWriterTest.cpp.
 #ifndef QORQL_CIMXML_CIMXMLCLASSREADER_H
 #define QORQL_CIMXML_CIMXMLCLASSREADER_H
 

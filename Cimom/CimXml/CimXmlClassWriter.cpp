@@ -1,4 +1,5 @@
 // The writer's declarations: classes, features and qualifiers.
+// Tested by tests/unit/CimXml/CimXmlWriterTest.cpp.
 #include <string>
 #include <utility>
 

@@ -1,4 +1,5 @@
 // The elements of CIM-XML by number.
+// Tested by tests/unit/CimXml/CimXmlReplyTest.cpp, tests/unit/CimXml/CimXmlWriterTest.cpp.
 #ifndef QORQL_CIMXML_CIMXMLELEMENT_H
 #define QORQL_CIMXML_CIMXMLELEMENT_H
 

@@ -1,4 +1,5 @@
 // What is wrong with a CIM-XML document, and what a server says is wrong with a call.
+// Tested by tests/unit/CimXml/CimXmlReplyTest.cpp.
 #ifndef QORQL_CIMXML_CIMXMLEXCEPTION_H
 #define QORQL_CIMXML_CIMXMLEXCEPTION_H
 

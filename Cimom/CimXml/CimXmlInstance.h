@@ -1,4 +1,5 @@
 // An instance as a document gives it, before anybody knows its class.
+// Tested by tests/unit/CimXml/CimXmlReplyTest.cpp.
 #ifndef QORQL_CIMXML_CIMXMLINSTANCE_H
 #define QORQL_CIMXML_CIMXMLINSTANCE_H
 

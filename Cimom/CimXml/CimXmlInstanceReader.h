@@ -1,4 +1,5 @@
 // Values, properties and instances of a CIM-XML document.
+// Tested by tests/unit/CimXml/CimXmlReplyTest.cpp.
 #ifndef QORQL_CIMXML_CIMXMLINSTANCEREADER_H
 #define QORQL_CIMXML_CIMXMLINSTANCEREADER_H
 

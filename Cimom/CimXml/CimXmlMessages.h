@@ -1,4 +1,5 @@
 // Whole messages: calls of operations, and their replies.
+// Tested by tests/unit/CimXml/CimXmlWriterTest.cpp.
 #ifndef QORQL_CIMXML_CIMXMLMESSAGES_H
 #define QORQL_CIMXML_CIMXMLMESSAGES_H
 

@@ -1,4 +1,5 @@
 // Engine objects from instances as documents give them.
+// Tested by tests/unit/CimXml/CimXmlReplyTest.cpp.
 #ifndef QORQL_CIMXML_CIMXMLOBJECTS_H
 #define QORQL_CIMXML_CIMXMLOBJECTS_H
 

@@ -1,4 +1,5 @@
 // Namespaces, class names and instance paths of a CIM-XML document.
+// Tested by tests/unit/CimXml/CimXmlReplyTest.cpp.
 #ifndef QORQL_CIMXML_CIMXMLPATHREADER_H
 #define QORQL_CIMXML_CIMXMLPATHREADER_H
 

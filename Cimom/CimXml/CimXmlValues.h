@@ -1,4 +1,5 @@
 // Scalar values as the texts of CIM-XML.
+// Tested by tests/unit/CimXml/CimXmlReplyTest.cpp, tests/unit/CimXml/CimXmlWriterTest.cpp.
 #ifndef QORQL_CIMXML_CIMXMLVALUES_H
 #define QORQL_CIMXML_CIMXMLVALUES_H
 

@@ -1,4 +1,5 @@
 // From an instance, through associations, to the instances at their other ends.
+// Tested by tests/unit/Embedded/AssociationTest.cpp.
 #ifndef QORQL_EMBEDDED_ASSOCIATIONWALK_H
 #define QORQL_EMBEDDED_ASSOCIATIONWALK_H
 

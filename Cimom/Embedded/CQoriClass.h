@@ -1,4 +1,5 @@
 // A class of the repository with everything that it inherits worked out.
+// Tested by tests/unit/Embedded/ClassRepositoryTest.cpp.
 #ifndef QORQL_EMBEDDED_CQORICLASS_H
 #define QORQL_EMBEDDED_CQORICLASS_H
 

@@ -1,4 +1,5 @@
 // The refusal of a class declaration, with every fault that was found in it.
+// Tested by tests/unit/Embedded/ClassRepositoryTest.cpp.
 #ifndef QORQL_EMBEDDED_CIMDECLARATIONREFUSAL_H
 #define QORQL_EMBEDDED_CIMDECLARATIONREFUSAL_H
 

@@ -1,4 +1,5 @@
 // Where a MOF reader puts what it read: the object manager's side of loading.
+// Tested by tests/unit/Embedded/LoadTest.cpp.
 #ifndef QORQL_EMBEDDED_CIMDECLARATIONSINK_H
 #define QORQL_EMBEDDED_CIMDECLARATIONSINK_H
 

@@ -1,4 +1,5 @@
 // What a class may declare, by itself and against its superclass.
+// Tested by tests/unit/Embedded/ClassRepositoryTest.cpp, tests/unit/Mof/MofClassRulesTest.cpp.
 #ifndef QORQL_EMBEDDED_CLASSRULES_H
 #define QORQL_EMBEDDED_CLASSRULES_H
 

@@ -1,4 +1,5 @@
 // Enumeration and single look-up, as the client interface asks for them.
+// Tested by tests/unit/Embedded/EnumerationTest.cpp, tests/unit/Embedded/AssociationTest.cpp.
 #ifndef QORQL_EMBEDDED_CLIENTCALLS_H
 #define QORQL_EMBEDDED_CLIENTCALLS_H
 

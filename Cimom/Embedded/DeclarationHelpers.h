@@ -1,4 +1,5 @@
 // Questions about declarations that the class repository asks in several places.
+// Tested by tests/unit/Embedded/ClassRepositoryTest.cpp.
 #ifndef QORQL_EMBEDDED_DECLARATIONHELPERS_H
 #define QORQL_EMBEDDED_DECLARATIONHELPERS_H
 

@@ -1,4 +1,5 @@
 // The object store as loaders of declarations see it.
+// Tested by tests/unit/Embedded/LoadTest.cpp.
 #ifndef QORQL_EMBEDDED_DECLARATIONSINK_H
 #define QORQL_EMBEDDED_DECLARATIONSINK_H
 

@@ -1,5 +1,6 @@
 // The in-process object manager: class repository, instance store, providers
 // and configuration behind the services that the engine calls.
+// Tested by tests/unit/Embedded/ServicesTest.cpp, tests/unit/Embedded/ConcurrencyTest.cpp.
 #ifndef QORQL_EMBEDDED_EMBEDDEDOBJECTMANAGER_H
 #define QORQL_EMBEDDED_EMBEDDEDOBJECTMANAGER_H
 

@@ -1,4 +1,5 @@
 // What the services of a process's object manager share.
+// Tested by tests/unit/Embedded/ServicesTest.cpp, tests/unit/Embedded/ConcurrencyTest.cpp.
 #ifndef QORQL_EMBEDDED_EMBEDDEDSTATE_H
 #define QORQL_EMBEDDED_EMBEDDEDSTATE_H
 

@@ -1,4 +1,5 @@
 // What a provider of live instances implements.
+// Tested by tests/unit/Embedded/ProviderTest.cpp.
 #ifndef QORQL_EMBEDDED_INSTANCEPROVIDER_H
 #define QORQL_EMBEDDED_INSTANCEPROVIDER_H
 

@@ -1,4 +1,5 @@
 // The stored instances of one namespace, by path, by class and by what they refer to.
+// Tested by tests/unit/Embedded/InstanceStoreTest.cpp.
 #ifndef QORQL_EMBEDDED_INSTANCETABLE_H
 #define QORQL_EMBEDDED_INSTANCETABLE_H
 

@@ -1,4 +1,5 @@
 // Calls providers and makes instances of what they emit.
+// Tested by tests/unit/Embedded/ProviderTest.cpp.
 #ifndef QORQL_EMBEDDED_LIVEREADER_H
 #define QORQL_EMBEDDED_LIVEREADER_H
 

@@ -1,4 +1,5 @@
 // The live instances that one client object has read for its association calls.
+// Tested by tests/unit/Embedded/ProviderTest.cpp.
 #ifndef QORQL_EMBEDDED_LIVESNAPSHOT_H
 #define QORQL_EMBEDDED_LIVESNAPSHOT_H
 

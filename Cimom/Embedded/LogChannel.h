@@ -1,4 +1,5 @@
 // Where log lines go.
+// Tested by tests/unit/Embedded/ServicesTest.cpp.
 #ifndef QORQL_EMBEDDED_LOGCHANNEL_H
 #define QORQL_EMBEDDED_LOGCHANNEL_H
 

@@ -1,4 +1,5 @@
 // Maps whose keys are CIM names: found ignoring case, kept as first spelled.
+// Tested by tests/unit/Embedded/ClassRepositoryTest.cpp.
 #ifndef QORQL_EMBEDDED_NAMEMAP_H
 #define QORQL_EMBEDDED_NAMEMAP_H
 

@@ -1,4 +1,5 @@
 // Declarations and changes of instances, with the reasons to refuse them.
+// Tested by tests/unit/Embedded/InstanceStoreTest.cpp, tests/unit/Embedded/LoadTest.cpp.
 #include <string>
 
 #include "Cimom/Embedded/DeclarationHelpers.h"

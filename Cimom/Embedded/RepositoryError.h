@@ -1,4 +1,5 @@
 // How the object manager refuses a declaration, an instance or a call.
+// Tested by tests/unit/Embedded/InstanceStoreTest.cpp, tests/unit/Embedded/LoadTest.cpp.
 #ifndef QORQL_EMBEDDED_REPOSITORYERROR_H
 #define QORQL_EMBEDDED_REPOSITORYERROR_H
 

@@ -1,4 +1,5 @@
 // Reduces instances of any classes to the properties that a call asks for.
+// Tested by tests/unit/Embedded/EnumerationTest.cpp, tests/unit/Model/CQoriBaseObjectTest.cpp.
 #ifndef QORQL_EMBEDDED_RESTRICTOR_H
 #define QORQL_EMBEDDED_RESTRICTOR_H
 

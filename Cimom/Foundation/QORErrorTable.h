@@ -1,4 +1,5 @@
 // The texts of the foundation's own errors.
+// Tested by tests/unit/Foundation/QoriBaseExceptionTest.cpp.
 #ifndef QORQL_FOUNDATION_QORERRORTABLE_H
 #define QORQL_FOUNDATION_QORERRORTABLE_H
 

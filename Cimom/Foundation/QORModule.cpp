@@ -1,4 +1,5 @@
 // What runs when a library that uses the foundation is loaded.
+// Tested by tests/unit/Foundation/QoriBaseExceptionTest.cpp.
 #include "cmpbase/QORModule.h"
 
 #include <cstdio>

@@ -1,4 +1,5 @@
 // Properties.
+// Tested by tests/unit/Model/CQoriInstanceNameTest.cpp.
 #include "cimom/CQoriProperty.h"
 
 #include "cimom/CQoriType.h"

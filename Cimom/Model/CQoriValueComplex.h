@@ -1,4 +1,5 @@
 // The parts of a value that is no scalar.
+// Tested by tests/unit/Model/CQoriValueTest.cpp.
 #ifndef QORQL_MODEL_CQORIVALUECOMPLEX_H
 #define QORQL_MODEL_CQORIVALUECOMPLEX_H
 

@@ -1,4 +1,5 @@
 // A class definition as the value of an embedded object.
+// Tested by tests/unit/Model/ModelMofTest.cpp.
 #ifndef QORQL_MODEL_MODELCLASSOBJECT_H
 #define QORQL_MODEL_MODELCLASSOBJECT_H
 

@@ -1,4 +1,5 @@
 // Order of CIM datetime texts.
+// Tested by tests/unit/Model/CQoriValueRelateTest.cpp.
 #ifndef QORQL_MODEL_MODELDATETIME_H
 #define QORQL_MODEL_MODELDATETIME_H
 

@@ -1,4 +1,5 @@
 // The errors that values raise.
+// Tested by tests/unit/Model/CQoriValueTest.cpp, tests/unit/Model/CQoriValueArithmeticTest.cpp.
 #ifndef QORQL_MODEL_MODELERROR_H
 #define QORQL_MODEL_MODELERROR_H
 

@@ -1,4 +1,5 @@
 // The name of a stored instance: its path, and its keys on demand.
+// Tested by tests/unit/Model/ModelInstanceTest.cpp.
 #ifndef QORQL_MODEL_MODELINSTANCENAME_H
 #define QORQL_MODEL_MODELINSTANCENAME_H
 

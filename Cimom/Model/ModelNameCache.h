@@ -1,4 +1,5 @@
 // An instance name that is made when it is first asked for, whichever thread asks.
+// Tested by tests/unit/Model/ModelInstanceTest.cpp.
 #ifndef QORQL_MODEL_MODELNAMECACHE_H
 #define QORQL_MODEL_MODELNAMECACHE_H
 

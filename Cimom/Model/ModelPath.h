@@ -1,4 +1,5 @@
 // The canonical text of instance paths.
+// Tested by tests/unit/Model/PathTextTest.cpp, tests/unit/Model/CQoriInstanceNameTest.cpp.
 #ifndef QORQL_MODEL_MODELPATH_H
 #define QORQL_MODEL_MODELPATH_H
 

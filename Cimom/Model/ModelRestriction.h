@@ -1,4 +1,5 @@
 // The reduction of a layout to some of its properties, worked out once for many objects.
+// Tested by tests/unit/Model/ModelLayoutTest.cpp.
 #ifndef QORQL_MODEL_MODELRESTRICTION_H
 #define QORQL_MODEL_MODELRESTRICTION_H
 

@@ -1,4 +1,5 @@
 // Scalars by CIM type: making, converting and writing them.
+// Tested by tests/unit/Model/CQoriValueRelateTest.cpp.
 #ifndef QORQL_MODEL_MODELSCALAR_H
 #define QORQL_MODEL_MODELSCALAR_H
 

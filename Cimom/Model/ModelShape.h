@@ -1,4 +1,5 @@
 // The class, namespace, layout and keys that stored instances share.
+// Tested by tests/unit/Model/ModelInstanceTest.cpp.
 #ifndef QORQL_MODEL_MODELSHAPE_H
 #define QORQL_MODEL_MODELSHAPE_H
 

@@ -1,4 +1,5 @@
 // One stored value.
+// Tested by tests/unit/Model/ModelInstanceTest.cpp.
 #ifndef QORQL_MODEL_MODELSLOT_H
 #define QORQL_MODEL_MODELSLOT_H
 

@@ -1,4 +1,5 @@
 // The context of a client call, and the failure of a provider.
+// Tested by tests/unit/Model/CIMUtilTest.cpp.
 #include "cimom/QoriTransactionInfo.h"
 
 #include "cimom/CQoriProviderException.h"

@@ -1,4 +1,5 @@
 // The file around a cache: compressed, with a checksum, replaced as a whole.
+// Tested by tests/unit/Mof/MofCacheTest.cpp.
 #ifndef QORQL_MOF_MOFCACHEFILE_H
 #define QORQL_MOF_MOFCACHEFILE_H
 

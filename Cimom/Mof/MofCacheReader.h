@@ -1,4 +1,5 @@
 // From the bytes of a cache to what a load declared.
+// Tested by tests/unit/Mof/MofCacheTest.cpp.
 #ifndef QORQL_MOF_MOFCACHEREADER_H
 #define QORQL_MOF_MOFCACHEREADER_H
 

@@ -1,4 +1,5 @@
 // From what a load declared to the bytes of a cache.
+// Tested by tests/unit/Mof/MofCacheTest.cpp.
 #ifndef QORQL_MOF_MOFCACHEWRITER_H
 #define QORQL_MOF_MOFCACHEWRITER_H
 

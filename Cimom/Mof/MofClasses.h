@@ -1,4 +1,5 @@
 // Classes of a document on their way to the repository.
+// Tested by tests/unit/Mof/MofClassTest.cpp.
 #ifndef QORQL_MOF_MOFCLASSES_H
 #define QORQL_MOF_MOFCLASSES_H
 

@@ -1,4 +1,5 @@
 // The form of datetime values.
+// Tested by tests/unit/Mof/MofValueTest.cpp.
 #ifndef QORQL_MOF_MOFDATETIME_H
 #define QORQL_MOF_MOFDATETIME_H
 

@@ -1,4 +1,5 @@
 // A file or folder that a load read, and whether it is still the same.
+// Tested by tests/unit/Mof/MofCacheTest.cpp, tests/unit/Mof/MofLoaderTest.cpp.
 #ifndef QORQL_MOF_MOFINPUT_H
 #define QORQL_MOF_MOFINPUT_H
 

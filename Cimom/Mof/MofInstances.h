@@ -1,4 +1,5 @@
 // Instances of a document on their way to the object manager.
+// Tested by tests/unit/Mof/MofInstanceTest.cpp.
 #ifndef QORQL_MOF_MOFINSTANCES_H
 #define QORQL_MOF_MOFINSTANCES_H
 

@@ -1,4 +1,5 @@
 // The values of literals: strings, characters and numbers as they are written.
+// Tested by tests/unit/Mof/MofValueTest.cpp.
 #ifndef QORQL_MOF_MOFLITERALS_H
 #define QORQL_MOF_MOFLITERALS_H
 

@@ -1,4 +1,5 @@
 // The text form of an instance's path: [[//host/]namespace:]Class.Key="v",Key2=2
+// Tested by tests/unit/Mof/MofInstanceTest.cpp.
 #ifndef QORQL_MOF_MOFOBJECTPATH_H
 #define QORQL_MOF_MOFOBJECTPATH_H
 

@@ -1,4 +1,5 @@
 // The grammar of MOF: from tokens to declarations.
+// Tested by tests/unit/Mof/MofSyntaxTest.cpp.
 #ifndef QORQL_MOF_MOFPARSER_H
 #define QORQL_MOF_MOFPARSER_H
 

@@ -1,4 +1,5 @@
 // The grammar of qualifiers and classes of MOF.
+// Tested by tests/unit/Mof/MofClassTest.cpp, tests/unit/Mof/MofSyntaxTest.cpp.
 #include <utility>
 
 #include "Cimom/Mof/MofLiterals.h"

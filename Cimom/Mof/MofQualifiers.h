@@ -1,4 +1,5 @@
 // What qualifiers mean: their types, values and flavors.
+// Tested by tests/unit/Mof/MofClassTest.cpp.
 #ifndef QORQL_MOF_MOFQUALIFIERS_H
 #define QORQL_MOF_MOFQUALIFIERS_H
 

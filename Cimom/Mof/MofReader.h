@@ -1,4 +1,5 @@
 // Files of MOF with what they include.
+// Tested by tests/unit/Mof/MofLoaderTest.cpp.
 #ifndef QORQL_MOF_MOFREADER_H
 #define QORQL_MOF_MOFREADER_H
 

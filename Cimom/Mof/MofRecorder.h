@@ -1,4 +1,5 @@
 // Keeps what a load declares, so that it can be declared again.
+// Tested by tests/unit/Mof/MofCacheTest.cpp.
 #ifndef QORQL_MOF_MOFRECORDER_H
 #define QORQL_MOF_MOFRECORDER_H
 

@@ -1,5 +1,6 @@
 // References by alias and by path text. Both end in a name with the
 // repository's spelling and typed keys, so that equal paths have equal texts.
+// Tested by tests/unit/Mof/MofInstanceTest.cpp.
 #include <string>
 #include <utility>
 

@@ -1,4 +1,5 @@
 // The faults of one load, collected until it ends.
+// Tested by tests/unit/Mof/MofLoaderTest.cpp.
 #ifndef QORQL_MOF_MOFREPORT_H
 #define QORQL_MOF_MOFREPORT_H
 

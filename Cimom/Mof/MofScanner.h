@@ -1,4 +1,5 @@
 // The tokens of MOF text.
+// Tested by tests/unit/Mof/MofSyntaxTest.cpp.
 #ifndef QORQL_MOF_MOFSCANNER_H
 #define QORQL_MOF_MOFSCANNER_H
 

@@ -1,5 +1,6 @@
 // The classes of the repository as instances need them: properties with types,
 // and which of them are keys.
+// Tested by tests/unit/Mof/MofInstanceTest.cpp.
 #ifndef QORQL_MOF_MOFSHAPES_H
 #define QORQL_MOF_MOFSHAPES_H
 

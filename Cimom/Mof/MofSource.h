@@ -1,4 +1,5 @@
 // A MOF text with its name, and places in it.
+// Tested by tests/unit/Mof/MofSyntaxTest.cpp.
 #ifndef QORQL_MOF_MOFSOURCE_H
 #define QORQL_MOF_MOFSOURCE_H
 

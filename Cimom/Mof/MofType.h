@@ -1,4 +1,5 @@
 // The types of MOF and the values that literals make of them.
+// Tested by tests/unit/Mof/MofClassTest.cpp.
 #ifndef QORQL_MOF_MOFTYPE_H
 #define QORQL_MOF_MOFTYPE_H
 

@@ -1,4 +1,5 @@
 // The values of instances: references and embedded objects among them.
+// Tested by tests/unit/Mof/MofValueTest.cpp.
 #ifndef QORQL_MOF_MOFVALUES_H
 #define QORQL_MOF_MOFVALUES_H
 

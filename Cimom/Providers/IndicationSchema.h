@@ -1,4 +1,5 @@
 // The schema of the common indications, as MOF text.
+// Tested by tests/cli/match_test.py.
 #ifndef QORQL_PROVIDERS_INDICATIONSCHEMA_H
 #define QORQL_PROVIDERS_INDICATIONSCHEMA_H
 

@@ -1,4 +1,5 @@
 // On which device a file system is: association Linux_FileSystemDevice.
+// Tested by tests/unit/Providers/LinuxAssociationsTest.cpp.
 #ifndef QORQL_PROVIDERS_LINUXFILESYSTEMDEVICE_H
 #define QORQL_PROVIDERS_LINUXFILESYSTEMDEVICE_H
 

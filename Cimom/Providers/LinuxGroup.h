@@ -1,4 +1,5 @@
 // The groups that this machine knows: class Linux_Group.
+// Tested by tests/unit/Providers/LinuxAccountsTest.cpp.
 #ifndef QORQL_PROVIDERS_LINUXGROUP_H
 #define QORQL_PROVIDERS_LINUXGROUP_H
 

@@ -1,4 +1,5 @@
 // Which users are in a group: association Linux_GroupMember.
+// Tested by tests/unit/Providers/LinuxAssociationsTest.cpp.
 #ifndef QORQL_PROVIDERS_LINUXGROUPMEMBER_H
 #define QORQL_PROVIDERS_LINUXGROUPMEMBER_H
 

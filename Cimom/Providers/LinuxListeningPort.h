@@ -1,4 +1,5 @@
 // The ports on which programs listen: class Linux_ListeningPort.
+// Tested by tests/unit/Providers/LinuxSocketsTest.cpp.
 #ifndef QORQL_PROVIDERS_LINUXLISTENINGPORT_H
 #define QORQL_PROVIDERS_LINUXLISTENINGPORT_H
 

@@ -1,4 +1,5 @@
 // Which user a process runs as: association Linux_ProcessOwner.
+// Tested by tests/unit/Providers/LinuxAssociationsTest.cpp.
 #ifndef QORQL_PROVIDERS_LINUXPROCESSOWNER_H
 #define QORQL_PROVIDERS_LINUXPROCESSOWNER_H
 

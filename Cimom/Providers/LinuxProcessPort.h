@@ -1,4 +1,5 @@
 // On which ports a process listens: association Linux_ProcessPort.
+// Tested by tests/unit/Providers/LinuxAssociationsTest.cpp.
 #ifndef QORQL_PROVIDERS_LINUXPROCESSPORT_H
 #define QORQL_PROVIDERS_LINUXPROCESSPORT_H
 

@@ -1,4 +1,5 @@
 // How a live provider ties the properties of a class to the operations that read them.
+// Tested by tests/unit/Providers/LinuxProvidersTest.cpp.
 #ifndef QORQL_PROVIDERS_LINUXPROPERTY_H
 #define QORQL_PROVIDERS_LINUXPROPERTY_H
 

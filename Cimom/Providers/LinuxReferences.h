@@ -1,4 +1,5 @@
 // The names of live instances, as associations between them need them.
+// Tested by tests/unit/Providers/LinuxAssociationsTest.cpp.
 #ifndef QORQL_PROVIDERS_LINUXREFERENCES_H
 #define QORQL_PROVIDERS_LINUXREFERENCES_H
 

@@ -1,4 +1,5 @@
 // The schema of the live Linux classes, as MOF text.
+// Tested by tests/unit/Providers/LinuxProvidersTest.cpp.
 #include "Cimom/Providers/LinuxProviders.h"
 
 static const char* const kSchema = R"mof(

@@ -1,4 +1,5 @@
 // The main processes of services: association Linux_ServiceProcess.
+// Tested by tests/unit/Providers/LinuxServiceTest.cpp.
 #ifndef QORQL_PROVIDERS_LINUXSERVICEPROCESS_H
 #define QORQL_PROVIDERS_LINUXSERVICEPROCESS_H
 

@@ -1,4 +1,5 @@
 // The units that systemd manages, asked for over its bus.
+// Tested by tests/unit/Providers/LinuxServiceTest.cpp.
 #ifndef QORQL_PROVIDERS_LINUXUNITS_H
 #define QORQL_PROVIDERS_LINUXUNITS_H
 

@@ -1,4 +1,5 @@
 // The users that this machine knows: class Linux_User.
+// Tested by tests/unit/Providers/LinuxAccountsTest.cpp.
 #ifndef QORQL_PROVIDERS_LINUXUSER_H
 #define QORQL_PROVIDERS_LINUXUSER_H
 

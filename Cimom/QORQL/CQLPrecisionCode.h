@@ -1,4 +1,5 @@
 // How a filter brings two numeric types together for a comparison.
+// Tested by tests/unit/Filters/CQLComparisonTest.cpp, tests/unit/Filters/CQLQueryStatementTest.cpp.
 #ifndef QORQL_CQLPRECISIONCODE_H
 #define QORQL_CQLPRECISIONCODE_H
 

@@ -1,4 +1,5 @@
 // The error of a filter statement's operations.
+// Tested by tests/unit/Filters/CQLQueryStatementTest.cpp, tests/unit/Filters/CQLQueryFaultTest.cpp.
 #ifndef QORQL_CQLQUERYEXCEPTION_H
 #define QORQL_CQLQUERYEXCEPTION_H
 

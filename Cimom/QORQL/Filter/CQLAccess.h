@@ -1,5 +1,6 @@
 // What a condition of a filter tells an index: a value that the instance must
 // have for the condition to hold.
+// Tested by tests/unit/Filters/CQLFilterSetTest.cpp.
 #ifndef QORQL_CQLACCESS_H
 #define QORQL_CQLACCESS_H
 

@@ -1,4 +1,5 @@
 // The changes of a set of filters: for its own files alone.
+// Tested by tests/unit/Filters/CQLFilterSetTest.cpp.
 #ifndef QORQL_CQLFILTERSETCHANGE_H
 #define QORQL_CQLFILTERSETCHANGE_H
 

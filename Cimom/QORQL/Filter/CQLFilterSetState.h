@@ -1,4 +1,5 @@
 // What a set of filters is made of: for its own files alone.
+// Tested by tests/unit/Filters/CQLFilterSetTest.cpp.
 #ifndef QORQL_CQLFILTERSETSTATE_H
 #define QORQL_CQLFILTERSETSTATE_H
 

@@ -1,5 +1,6 @@
 // The statement's answers about an instance: by its prepared conditions, and step
 // by step through the tree for those who ask for a step.
+// Tested by tests/unit/Filters/CQLTreeMatchTest.cpp.
 #include "Cimom/QORQL/CQLQueryStatement.h"
 #include "Cimom/QORQL/Filter/CQLComparison.h"
 #include "Cimom/QORQL/Filter/CQLMatcher.h"

@@ -1,4 +1,5 @@
 // A filter's WHERE clause prepared for matching.
+// Tested by tests/unit/Filters/CQLQueryStatementTest.cpp, tests/unit/Filters/CQLConditionsTest.cpp.
 #ifndef QORQL_CQLMATCHER_H
 #define QORQL_CQLMATCHER_H
 

@@ -1,4 +1,5 @@
 // One side of a filter's comparison, prepared: a constant or a property path.
+// Tested by tests/unit/Filters/CQLQueryStatementTest.cpp, tests/unit/Filters/CQLConditionsTest.cpp.
 #ifndef QORQL_CQLOPERAND_H
 #define QORQL_CQLOPERAND_H
 

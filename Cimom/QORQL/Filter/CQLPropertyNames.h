@@ -1,4 +1,5 @@
 // Which properties of a class the clauses of a filter use.
+// Tested by tests/unit/Filters/CQLPropertyListsTest.cpp.
 #ifndef QORQL_CQLPROPERTYNAMES_H
 #define QORQL_CQLPROPERTYNAMES_H
 

@@ -1,5 +1,6 @@
 // What the names in a filter stand for: its FROM classes, and the namespace that
 // they are of.
+// Tested by tests/unit/Filters/CQLPropertyListsTest.cpp, tests/unit/Filters/CQLPropertyPathTest.cpp.
 #ifndef QORQL_CQLSCOPE_H
 #define QORQL_CQLSCOPE_H
 

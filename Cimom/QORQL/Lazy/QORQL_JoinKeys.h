@@ -1,4 +1,5 @@
 // What the rows of one side of a join are compared by, computed once for each.
+// Tested by tests/unit/QORQL/LazyJoinTest.cpp, tests/queries/join-keys.qtest.
 #ifndef QORQL_JOINKEYS_H
 #define QORQL_JOINKEYS_H
 

@@ -1,4 +1,5 @@
 // The truth of one comparison on lazy rows.
+// Tested by tests/unit/QORQL/LazyFilterTest.cpp.
 #ifndef QORQL_ROWTRUTH_H
 #define QORQL_ROWTRUTH_H
 

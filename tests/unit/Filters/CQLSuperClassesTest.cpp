@@ -39,7 +39,7 @@ struct SuperClasses : Filter {
   }
 };
 
-TEST_F(SuperClasses, theChainOfAClass) {
+TEST_F(SuperClasses, TheChainOfAClass) {
   const QORString nameSpace(kNameSpace);
   const QORString nowhere("root/nowhere");
   CQLSuperClasses superClasses(nameSpace);
@@ -54,7 +54,7 @@ TEST_F(SuperClasses, theChainOfAClass) {
   }
 }
 
-TEST_F(SuperClasses, theVersionChangesWithTheClassesAlone) {
+TEST_F(SuperClasses, TheVersionChangesWithTheClassesAlone) {
   const QORuint64 before = version();
   EXPECT_NE(before, 0U);
   load("instance of CIM_FCPort { Id = \"1\"; };");
@@ -69,7 +69,7 @@ TEST_F(SuperClasses, theVersionChangesWithTheClassesAlone) {
   EXPECT_NE(version(), after);
 }
 
-TEST_F(SuperClasses, aClassThatComesAfterAMatch) {
+TEST_F(SuperClasses, AClassThatComesAfterAMatch) {
   EXPECT_FALSE(isSubClass("CIM_Late", "CIM_FCPort"));
   const Object instance = instanceOf("CIM_Late");
   const Object creation = creationOf("CIM_Late");
@@ -94,7 +94,7 @@ TEST_F(SuperClasses, aClassThatComesAfterAMatch) {
   expectAnswers(true);
 }
 
-TEST_F(SuperClasses, anotherObjectManagerHasOtherClasses) {
+TEST_F(SuperClasses, AnotherObjectManagerHasOtherClasses) {
   load("class CIM_Late : CIM_FCPort { };");
   EXPECT_TRUE(isSubClass("CIM_Late", "CIM_FCPort"));
   {
@@ -111,7 +111,7 @@ TEST_F(SuperClasses, anotherObjectManagerHasOtherClasses) {
   EXPECT_FALSE(isSubClass("CIM_Late", "CIM_ConcreteJob"));
 }
 
-TEST_F(SuperClasses, namespacesHaveClassesOfTheirOwn) {
+TEST_F(SuperClasses, NamespacesHaveClassesOfTheirOwn) {
   world.manager().sink().createNamespace("root/other");
   MofLoader(world.manager().sink(), "root/other").loadText("class A { }; class XYZ_Volume : A { };", "other");
   for (int round = 0; round < 2; ++round) {
@@ -123,7 +123,7 @@ TEST_F(SuperClasses, namespacesHaveClassesOfTheirOwn) {
 }
 
 // More classes than are remembered at a time.
-TEST_F(SuperClasses, manyClassesInTurn) {
+TEST_F(SuperClasses, ManyClassesInTurn) {
   std::string mof = "class T_0 { };\n";
   for (int i = 1; i < 1500; ++i) {
     mof += "class T_" + std::to_string(i) + " : T_" + std::to_string(i / 2) + " { };\n";
@@ -142,7 +142,7 @@ TEST_F(SuperClasses, manyClassesInTurn) {
 }
 
 // Once a load is done, every thread that begins a match sees its classes.
-TEST_F(SuperClasses, threadsSeeWhatHasBeenLoaded) {
+TEST_F(SuperClasses, ThreadsSeeWhatHasBeenLoaded) {
   constexpr int kClasses = 40;
   const QORString nameSpace(kNameSpace);
   CQLQueryStatement filter("CQL", "SELECT * FROM CIM_InstCreation WHERE SourceInstance ISA CIM_FCPort", nameSpace, "");
