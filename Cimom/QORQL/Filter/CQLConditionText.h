@@ -12,7 +12,7 @@ class CQLScope;
 std::string CQLTextOfCondition(const CQLScope& scope, const QORQL_Comparison& comparison);
 // NULL for null; text in single quotes; an array as {1, 2}.
 std::string CQLTextOfValue(const QORSmrPtr<IQoriValue>& value);
-// Why two values of a comparison are not compared at all, behind a colon; empty
+// Why two values of a comparison are not compared at all, after a colon; empty
 // when they are, and when one is null.
 std::string CQLTextOfMismatch(const QORSmrPtr<IQoriValue>& left, const QORQL_Comparison& comparison,
                               const QORSmrPtr<IQoriValue>& right);

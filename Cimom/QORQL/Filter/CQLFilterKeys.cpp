@@ -19,7 +19,7 @@ namespace cqlkeys {
 
 namespace {
 
-// What a hash is about; all of them lie in one tree.
+// What a hash stands for; hashes of all kinds lie in one tree.
 enum Subject : QORuint64 {
   kClass = 1,
   kDirectory,
@@ -49,7 +49,7 @@ int truthOf(std::string_view text) noexcept {
 QORuint64 textKey(QORuint64 path, std::string_view text) noexcept { return mix(path, kText, QORQL_hashText(text)); }
 QORuint64 truthKey(QORuint64 path, bool value) noexcept { return mix(path, kTruth, value ? 1 : 0); }
 QORuint64 integerKey(QORuint64 path, QORuint64 bits) noexcept { return mix(path, kInteger, bits); }
-// Zero has one place for both its signs.
+// Zero has one place for both signs.
 QORuint64 realKey(QORuint64 path, double value) noexcept {
   return mix(path, kReal, std::bit_cast<QORuint64>(value == 0 ? 0.0 : value));
 }
@@ -138,7 +138,7 @@ bool Range::isNarrowed() const noexcept { return least != -kInfinity || greatest
 bool Range::isBounded() const noexcept { return least != -kInfinity && greatest != kInfinity; }
 
 // The ends stay in the range although < and > leave them out: a candidate too many
-// costs a question, one too few an answer.
+// costs one more test, one too few a match.
 void narrow(Range& range, QoriRelation relation, const QoriScalar& constant) noexcept {
   if (!constant.isNumber() || looksNegative(constant)) return;
   const double bound = realOf(constant);
@@ -160,7 +160,7 @@ void addRangeKeys(QORuint64 pathHash, const Range& range, std::vector<QORuint64>
     keys.push_back(cellKey(pathHash, level, from));
   };
   if (least == greatest) return addCell(least, greatest);
-  // The greatest boundary: the end's bits with all after the first difference cleared.
+  // The greatest boundary: the bits of the end, with all bits after the first difference cleared.
   // Neither part differs in that bit, so no level is above 63.
   const unsigned difference = static_cast<unsigned>(std::bit_width(least ^ greatest)) - 1;
   const QORuint64 middle = greatest >> difference << difference;

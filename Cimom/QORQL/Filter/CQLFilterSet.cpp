@@ -1,7 +1,7 @@
 // The set is a tree of hashes (CQLFilterKeys) that changes by copies
 // (CQLFilterSetChange). A directory for each class says by which paths its filters
-// hang, so that an instance is read once for each; the filters that stand under
-// its values are asked. A few filters are not worth a tree: they stand in a list
+// are filed, so that an instance is read once for each path; the filters that stand under
+// its values are asked. A few filters need no tree: they stand in a list
 // and are asked one by one.
 #include "Cimom/QORQL/CQLFilterSet.h"
 
@@ -33,7 +33,7 @@ class Question {
   Question(const QORSmrPtr<IQoriObject>& instance, const QORString& nameSpace)
       : _instance(instance), _nameSpace(nameSpace) {}
 
-  // A statement is asked with its own text of the namespace, which is the quickest to compare.
+  // A statement is asked with its own copy of the namespace's text, which is compared by address.
   bool isMatch(const Filter& filter) {
     const CQLQueryStatement& statement = *filter.statement.Get();
     const QORString& own = statement.getNameSpace();

@@ -1,4 +1,4 @@
-// Hanging a filter in the tree, and taking it out. A filter stands, for each of its
+// Adding a filter to the tree, and removing it. A filter stands, for each of its
 // FROM classes, under the key of the condition that fewest share: an equality, a
 // range, the test of a class; without any of them in the class's rest.
 #include "Cimom/QORQL/Filter/CQLFilterSetChange.h"
@@ -24,7 +24,7 @@ std::string nameOf(const CQLAccess& access) {
   return lowerCase(access.kind == Kind::Isa ? access.isa->propertyName().view() : access.path->text());
 }
 
-// How many filters stand under the keys, as far as it matters.
+// How many filters stand under the keys, counted up to a bound.
 std::size_t crowd(const Node* tree, const std::vector<QORuint64>& keys) {
   constexpr std::size_t kEnough = 64;
   std::size_t count = 0;
@@ -52,8 +52,8 @@ cqlkeys::Range rangeOf(const std::vector<CQLAccess>& accesses, QORuint64 classHa
   return range;
 }
 
-// A way to hang a filter, and what matches are likely to pay for it: those who
-// share the key, and a guess for those to come.
+// A way to file a filter, and its likely cost for matches: the filters that
+// share the key, and a guess for filters to come.
 struct Choice {
   Hook hook;
   const CQLAccess* access = nullptr;  // null: the rest
@@ -157,8 +157,8 @@ class Change {
     }
   }
 
-  // All filters but the one. There may be a list of some beside those that never
-  // match and hang nowhere.
+  // All filters except the one. There may be a list of some beside those that never
+  // match and stand nowhere.
   void makeList(const Filter& gone) {
     _next.list.clear();
     for (const auto& [handle, filter] : _state.filters) {
@@ -205,7 +205,7 @@ class Change {
     return best;
   }
 
-  // Whether filters may hang by the path: it is known, or there is room for it.
+  // Whether filters may be filed by the path: it is known, or there is room for it.
   bool hasRoom(const Choice& choice) const {
     const auto found = _state.directories.find(choice.hook.classHash);
     if (found == _state.directories.end() || found->second == nullptr) return true;

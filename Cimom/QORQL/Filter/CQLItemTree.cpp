@@ -21,7 +21,7 @@ using Node = CQLItemTree::Node;
 
 constexpr QORuint32 kWidest = 32;
 
-// The room for its note is made first, so that no node is lost.
+// The room to note it is reserved first, so that no node is lost.
 Node* makeNode(const CQLTreeEntry* entries, QORuint32 count, bool isLeaf, CQLItemTree::Steps& steps) {
   static_assert(sizeof(Node) % alignof(CQLTreeEntry) == 0);
   steps.made.push_back(nullptr);
@@ -107,7 +107,7 @@ const Node* CQLItemTree::insert(const Node* root, const CQLTreeEntry& entry, Ste
 
 const Node* CQLItemTree::erase(const Node* root, const CQLTreeEntry& entry, Steps& steps) {
   const Node* made = eraseFrom(*root, entry, steps);
-  // A root with one child alone gives way to it.
+  // A root with a single child is replaced by the child.
   while (made != nullptr && !made->isLeaf && made->count == 1) {
     const Node* const child = made->child(0);
     steps.replaced.push_back(made);
@@ -135,7 +135,7 @@ CQLItemTree::Cursor::Cursor(const Node* root, const CQLTreeEntry& least) noexcep
     ++_depth;
     if (node->isLeaf) break;
   }
-  // The first entry may be the next leaf's.
+  // The first entry may be in the next leaf.
   if (_depth > 0 && _steps[_depth - 1].at == _steps[_depth - 1].node->count) next();
 }
 

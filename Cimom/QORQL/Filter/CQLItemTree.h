@@ -1,4 +1,4 @@
-// An ordered tree of items by hash that changes by copies: whoever has a root
+// An ordered tree of items by hash that changes by copies: who holds a root
 // sees the tree as it was.
 #ifndef QORQL_CQLITEMTREE_H
 #define QORQL_CQLITEMTREE_H
@@ -8,8 +8,8 @@
 #include "cmpbase.h"
 
 // One place of the tree: the item `target` under a hash; of one hash by order. The
-// order 0 is that of items of another kind, which are found apart: whoever chooses
-// the values of filters can make their hashes meet.
+// order 0 marks items of another kind, which are found separately: whoever chooses
+// the values of filters can make hashes collide on purpose.
 struct CQLTreeEntry {
   QORuint64 hash;
   QORuint64 order;
@@ -69,7 +69,7 @@ class CQLItemTree {
     const CQLTreeEntry* next() noexcept;
 
    private:
-    // Of nodes of many entries no tree is deeper.
+    // With many entries in a node no tree is deeper.
     static constexpr int kMaximumDepth = 24;
     struct Step {
       const Node* node;

@@ -17,7 +17,7 @@ class CQLMatcher {
  public:
   // BORROWS the scope, and the clause's tree; a null clause holds for every instance.
   CQLMatcher(const CQLScope& scope, const QORSmrPtr<QORQL_Executable>& whereClause);
-  // Whether the instance matches, where few instructions tell: the filter's own
+  // Whether the instance matches, where few instructions decide it: the filter's own
   // namespace text, an instance of the layout that was last found to be of a FROM
   // class itself, and conditions with quick checks. Undecided everywhere else.
   CQLQuickCheck::Outcome matchesQuickly(const IQoriObject* instance, const QORString& nameSpace) const noexcept {

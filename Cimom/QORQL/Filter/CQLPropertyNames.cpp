@@ -8,7 +8,7 @@
 
 namespace {
 
-// The words that stand for an association's ends; a class may have properties of these names.
+// The words for the ends of an association; a class may have properties with these names.
 bool isAssociationEnd(const QORString& property) { return property == "firstref" || property == "secondref"; }
 
 }  // namespace

@@ -27,7 +27,7 @@ class CQLPropertyNames {
   // Empty or "*": every property.
   void add(const QORString& property);
 
-  // In the order in which they came; null once every property is needed.
+  // In the order in which they were added; null once every property is needed.
   const Names& names() const noexcept { return _names; }
 
  private:

@@ -1,4 +1,4 @@
-// What the quick check does once for a layout, and the comparison of texts.
+// What the quick check does once for each layout, and the comparison of texts.
 #include "Cimom/QORQL/Filter/CQLQuickCheck.h"
 
 #include <compare>

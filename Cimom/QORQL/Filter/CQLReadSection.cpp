@@ -1,5 +1,5 @@
 // Epochs: a number grows with every collection; a reader notes the number that
-// it found when it began. What was replaced in an epoch may go once every reader
+// it found when it began. What was replaced in an epoch may be freed once every reader
 // began in a later one.
 #include "Cimom/QORQL/Filter/CQLReadSection.h"
 
@@ -67,7 +67,7 @@ QORuint64 oldestReader() noexcept {
 
 }  // namespace
 
-// Whoever finds an epoch also finds all that was published before it began: what
+// A reader that sees an epoch also sees all that was published before it began: what
 // makes a mark known, and both looks here, are in the one order of all threads.
 CQLReadSection::CQLReadSection() {
   Mark& mark = ownMark();
@@ -89,13 +89,13 @@ void CQLRetired::add(const void* memory, Free free) {
 
 void CQLRetired::collect() noexcept {
   if (_waiting.size() < _collectAt) return;
-  // Sections that begin from here on note a greater number than what waits has.
+  // Sections that begin from here on note a greater number than that of anything waiting.
   theEpoch.fetch_add(1, std::memory_order_seq_cst);
   const QORuint64 oldest = oldestReader();
   std::size_t freed = 0;
   for (; freed < _waiting.size() && _waiting[freed].epoch < oldest; ++freed)
     _waiting[freed].free(_waiting[freed].memory);
   _waiting.erase(_waiting.begin(), _waiting.begin() + static_cast<std::ptrdiff_t>(freed));
-  // What readers hold back is not looked at again for each thing that is added.
+  // What readers still use is not examined again for each addition.
   _collectAt = std::max<std::size_t>(64, _waiting.size() * 2);
 }

@@ -1,4 +1,4 @@
-// Lets threads read what another one replaces: who reads says so, and what was
+// Lets threads read what another one replaces: readers announce themselves, and what was
 // replaced is freed once nobody can still be reading it.
 #ifndef QORQL_CQLREADSECTION_H
 #define QORQL_CQLREADSECTION_H

@@ -1,4 +1,4 @@
-// The cells of the rows that come next, read ahead column by column.
+// The cells of the next rows, read ahead column by column.
 #ifndef QORQL_CELLWINDOW_H
 #define QORQL_CELLWINDOW_H
 
@@ -7,9 +7,9 @@
 
 #include "Cimom/QORQL/Lazy/QORQL_PropertyColumn.h"
 
-// Whoever reads the rows in order finds most cells here. A row out of order is
-// read alone, so that nothing is read for nobody; only properties are read, which
-// calls nobody and cannot fail.
+// A caller that reads the rows in order finds most cells here. A row out of order is
+// read alone, so that no cell is read in vain. Only properties are read: that
+// makes no calls and cannot fail.
 class QORQL_CellWindow {
  public:
   // Returns the column's number. A property that is one of the first few columns has the number of that one.

@@ -1,4 +1,4 @@
-// Keys come a run of rows at a time, hashed while their texts are near.
+// Keys are made a run of rows at a time, and hashed while their texts are in the cache.
 #include "Cimom/QORQL/Lazy/QORQL_JoinKeys.h"
 
 #include <algorithm>

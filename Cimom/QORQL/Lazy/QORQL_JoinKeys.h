@@ -1,4 +1,4 @@
-// What the rows of one side of a join are compared by, computed once for each.
+// The keys of one side of a join, computed once for each row.
 // Tested by tests/unit/QORQL/LazyJoinTest.cpp, tests/queries/join-keys.qtest.
 #ifndef QORQL_JOINKEYS_H
 #define QORQL_JOINKEYS_H
@@ -21,7 +21,7 @@ class QORQL_JoinKeys {
   // BORROWS its arguments. Keys come with readRun().
   QORQL_JoinKeys(const QORQL_BoundValue& side, const QORQL_LazyRows& rows, const QORQL_RowBlock& block);
 
-  // Adds the keys of the next rows, a run at a time: what is done with a run's keys at once still finds their texts in
+  // Adds the keys of the next rows, a run at a time: a caller that uses them at once still finds their texts in
   // the cache. False when there were no rows left. THROWS what computing a key throws.
   bool readRun();
   void readAll() {

@@ -1,5 +1,5 @@
-// The operations of the table that know of lazy rows: how they come, how many they are,
-// and the change to real rows.
+// The operations of the table that know of lazy rows: how they are added and counted,
+// and how they become real rows.
 #include <limits>
 #include <utility>
 

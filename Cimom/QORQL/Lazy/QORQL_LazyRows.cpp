@@ -33,7 +33,7 @@ QORQL_Extent::QORQL_Extent(const ObjectList& list) : _list(list), _cursor(std::i
   });
 }
 
-// One object without layout decides.
+// One object without a layout is enough: the extent has none then.
 void QORQL_Extent::noteLayout(const IQoriLayout* layout) {
   if (layout == nullptr) {
     _layouts.assign(1, nullptr);
@@ -190,7 +190,7 @@ std::vector<ProductColumn> productColumns(const QORQL_RowBlock& a, const QORQL_R
 }
 
 // The product of two blocks, in ascending order of its tuples. It grows row by
-// row, so that one that is too large to wait for can be stopped.
+// row, so that the caller can stop one that is too large.
 QORQL_RowBlock product(const QORQL_RowBlock& a, const QORQL_RowBlock& b) {
   QORQL_RowBlock result;
   result.columns = a.columns;

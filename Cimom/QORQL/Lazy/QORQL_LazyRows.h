@@ -20,11 +20,11 @@ class QORQL_Extent {
   QORuint32 size() const noexcept { return _list.Get()->entries(); }
   // Whether the list has null elements; such an extent cannot be used further.
   bool hasNull() const noexcept { return _hasNull; }
-  // An object by its place; but for a few of those that have been read in runs,
+  // An object by its place. Except for a few of those that have been read in runs,
   // this makes an array of all of them.
   const IQoriObject* object(QORuint32 index) const { return _objects.empty() ? objectInList(index) : _objects[index]; }
   // The objects from `first` on, without the array as long as runs follow one
-  // another but for a few that go back. REQUIRES that there are so many.
+  // another, except for a few that go back. REQUIRES that there are so many.
   void copyRun(QORuint32 first, std::size_t count, const IQoriObject** out) const;
   // The list's own pointer to an object.
   const QORSmrPtr<IQoriObject>& pointer(QORuint32 index) const;
@@ -37,11 +37,11 @@ class QORQL_Extent {
   void noteLayout(const IQoriLayout* layout);
   void makeObjects() const;
   const IQoriObject* objectInList(QORuint32 index) const;
-  // Puts the cursor before the object at `first`; false when it is better to have the array.
+  // Puts the cursor before the object at `first`; false when the array would be faster.
   bool moveCursor(QORuint32 first) const;
 
   using Cursor = QORValSlistIterator<QORSmrPtr<IQoriObject>>;
-  // A list has no way to its middle: marks that the cursor has passed are one, as
+  // A list has no access to its middle: copies of the cursor serve as marks there, as
   // long as they are rarely needed.
   static constexpr QORuint32 kMarkDistance = 4096;
   static constexpr QORuint32 kFewMoves = 64;
@@ -49,7 +49,7 @@ class QORQL_Extent {
   ObjectList _list;
   bool _hasNull = false;
   std::vector<const IQoriLayout*> _layouts;
-  mutable std::optional<Cursor> _cursor;  // behind the last run; always there
+  mutable std::optional<Cursor> _cursor;  // after the last run; always set
   mutable QORuint32 _nextOfCursor = 0;
   mutable std::vector<Cursor> _marks;  // before the first, the 4,096th object, and so on
   mutable QORuint32 _moves = 0;

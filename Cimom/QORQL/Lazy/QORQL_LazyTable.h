@@ -22,7 +22,7 @@ class QORQL_LazyTable {
   explicit QORQL_LazyTable(std::shared_ptr<QORQL_LazyRows> lazyRows) : _rows(std::move(lazyRows)) {}
 
   const std::shared_ptr<QORQL_LazyRows>& rows() const noexcept { return _rows; }
-  // Rows of the table that others do not share: changing them shows here alone.
+  // The table's rows, unshared: changing them affects this table only.
   QORQL_LazyRows& ownRows();
 
   // The projection: cells in cell order. Empty: the rows are not projected.

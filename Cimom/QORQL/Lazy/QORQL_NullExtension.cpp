@@ -15,7 +15,7 @@
 
 namespace {
 
-// The map hash of texts of which each begins much like the one before.
+// The map's hash of texts, each of which shares much of its beginning with the one before.
 class MapHash {
  public:
   QORuint32 of(const std::string& text) {
@@ -36,8 +36,8 @@ class MapHash {
   std::vector<QORuint32> _states{hashKeyBytes({})};  // of each front part of the text
 };
 
-// Paths that were seen, by hash: two paths of one hash, which are hardly ever
-// met, count as the same.
+// The paths seen so far, by hash: two paths with one hash, which are very
+// rare, count as the same.
 class PathSet {
  public:
   explicit PathSet(QORuint64 greatestCount) {
@@ -45,7 +45,7 @@ class PathSet {
     while (size < greatestCount * 2) size *= 2;
     _places.resize(size);
   }
-  // False when the path was there already.
+  // Returns false when the path is known already.
   bool add(std::string_view path) {
     const QORuint64 hash = QORQL_hashText(path) | 1U;
     std::size_t place = (hash >> 1U) & (_places.size() - 1);
@@ -60,7 +60,7 @@ class PathSet {
   std::vector<QORuint64> _places;  // open addressing; 0 marks a free place
 };
 
-// Whether the objects' numbers tell that no two of them share a path.
+// Whether the objects' numbers prove that no two of them share a path.
 bool haveDistinctNumbers(const QORQL_LazyRows& rows, const QORQL_RowBlock& block) {
   QORuint64 last = 0;
   for (QORuint64 row = 0; row < block.rowCount; ++row) {
@@ -73,7 +73,7 @@ bool haveDistinctNumbers(const QORQL_LazyRows& rows, const QORQL_RowBlock& block
   return true;
 }
 
-// Those from `start` on, by bucket; those of one bucket keep their order.
+// Sorts the extensions from `start` on by bucket; those of one bucket keep their order.
 void sortByBucket(std::vector<QORQL_NullExtension>& extensions, std::size_t start) {
   std::array<std::size_t, QORQL_kMapBuckets + 1> places{};
   for (std::size_t i = start; i < extensions.size(); ++i) ++places[extensions[i].bucket + 1];

@@ -16,7 +16,7 @@ struct QORQL_NullExtension {
 
 // Appends what the unmatched rows of a block over one column need, in the order
 // in which the rows are added. False when two objects of the block share a path,
-// since an object's record is kept by path: nobody may rely on the rows then.
+// since an object's record is kept by path: the rows must not be used then.
 bool QORQL_collectExtensions(const QORQL_LazyRows& rows, const QORQL_RowBlock& block,
                              const std::vector<bool>& isUnmatched, std::vector<QORQL_NullExtension>& extensions);
 

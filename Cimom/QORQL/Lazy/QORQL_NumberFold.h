@@ -12,7 +12,7 @@ class QORQL_NumberFold {
  public:
   explicit QORQL_NumberFold(QORuint32 functionID) noexcept : _functionID(functionID) {}
 
-  // Adds a row's value; false, with nothing changed, when the fold must go on
+  // Adds a row's value; false, with nothing changed, when the fold must continue
   // with values: a value that is no number, for all but COUNT.
   bool add(const QoriScalar& value, QORuint64 row) noexcept {
     _hasRows = true;

@@ -58,7 +58,7 @@ void QORQL_PropertyColumn::fetch(const QORQL_RowBlock& block, QORuint64 first, s
 }
 
 void QORQL_PropertyColumn::read(const IQoriObject* const* objects, std::size_t count, QoriScalar* out) const noexcept {
-  // The texts are on their way while the caller is busy with the first of them.
+  // Fetches the texts into the cache while the caller works on the first of them.
   if (_onlyPosition < 0) {
     for (std::size_t i = 0; i < count; ++i) out[i] = view(objects[i]);
   } else {

@@ -10,11 +10,11 @@
 #include "cmpbase.h"
 
 // Positions are found once for each layout. Reading a run of rows in one short
-// loop lets the processor wait for many objects at once, where a row after row
-// reading waits for each.
+// loop lets the processor wait for many objects at once, where reading row by row
+// waits for each.
 class QORQL_PropertyColumn {
  public:
-  // Rows that are worth reading at a time: their cells stay in the nearest cache.
+  // How many rows are read at a time: few enough for their cells to stay in the nearest cache.
   static constexpr std::size_t kBatch = 64;
 
   // BORROWS the rows' extent, which the rows share with every copy of them.

@@ -31,7 +31,7 @@ QORQL_RowReader::QORQL_RowReader(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL
 
 QORQL_RowReader::~QORQL_RowReader() = default;
 
-// Before the first row nothing is there to read ahead.
+// Before the first row there is nothing to read ahead.
 std::size_t QORQL_RowReader::addSlot(Slot&& slot) {
   const QORQL_PropertyColumn* const property = slot.bound == nullptr ? nullptr : slot.bound->propertyColumn();
   _cellColumns.push_back(property == nullptr || _block == nullptr ? kNoColumn : _window.add(*property));
@@ -75,7 +75,7 @@ bool QORQL_RowReader::hasRow() const noexcept { return _view != nullptr || !_row
 
 QORSmrPtr<QORQL_DataRow>& QORQL_RowReader::currentRow() {
   if (_view != nullptr && !_isRowFilled) {
-    // A fresh row each time: a value may hold on to the cells of the last one.
+    // A new row each time: a value may still refer to the cells of the last one.
     _row = new QORQL_DataRow();
     _table->lazy()->fillRow(currentView(), *_row);
     _row->setParentTable(_table.Get());

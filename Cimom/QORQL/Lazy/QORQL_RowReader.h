@@ -38,7 +38,7 @@ class QORQL_RowReader {
   // False for a null row of a table whose rows exist: it has no values.
   bool hasRow() const noexcept;
 
-  // Whether reading the slot is a look at the fetched objects alone. Otherwise it
+  // Whether reading the slot only looks at the fetched objects. Otherwise it
   // may ask the object manager, or log, each time.
   bool isBound(std::size_t slot) const noexcept;
   // The slot's value on the selected row; null when it has none. THROWS what evaluation throws.

@@ -1,5 +1,5 @@
 // Unsigned numbers against an unsigned literal, the common case, take one
-// comparison each; everything else goes by the comparison of views.
+// comparison each; all others are compared as views.
 #include "Cimom/QORQL/Lazy/QORQL_RunRelation.h"
 
 void QORQL_relateRun(const QORQL_RunOperand& left, QoriRelation relation, const QORQL_RunOperand& right,

@@ -1,4 +1,4 @@
-// Numbers become keys that stand in their order; of texts the keys are the fronts.
+// Numbers become keys in the same order; the keys of texts are their fronts.
 #include "Cimom/QORQL/Lazy/QORQL_SortKeys.h"
 
 #include <algorithm>

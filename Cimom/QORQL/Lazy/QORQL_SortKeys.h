@@ -16,7 +16,7 @@ class QORQL_SortKeys {
  public:
   void reserve(std::size_t rows) { _entries.reserve(rows); }
   // Adds the next row's key; `holder` keeps a key that was made. False when it
-  // does not go with the others: then this class cannot sort them.
+  // cannot be compared with the others: then this class cannot sort them.
   bool add(const QoriScalar& key, const QORSmrPtr<IQoriValue>& holder);
   // False when the keys, each fit to be added, cannot be brought into one order.
   bool areSortable() const noexcept { return _order.isUniform(); }

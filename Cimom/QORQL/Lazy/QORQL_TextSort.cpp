@@ -1,5 +1,5 @@
 // Texts are sorted by their first seven bytes, those that share these by the next seven, and so on, as numbers. Two
-// texts are compared only in groups of a few: in a great list the texts are nowhere near, and comparing would wait for
+// texts are compared only in small groups: in a long list the texts are not in the cache, and comparing would wait for
 // two of them each time.
 #include "Cimom/QORQL/Lazy/QORQL_TextSort.h"
 
@@ -9,7 +9,7 @@
 
 namespace {
 
-// A part has so many bytes of a text; the last byte of its key says how many there were, or kGoesOn for more.
+// How many bytes of a text make a part; the last byte of its key says how many there were, or kGoesOn for more.
 constexpr std::size_t kPart = 7;
 constexpr QORuint64 kCountMask = 0xff;
 constexpr QORuint64 kGoesOn = kPart + 1;
@@ -59,7 +59,7 @@ void QORQL_TextSort::sortByParts(const Group& group) {
   addGroups(group);
 }
 
-// Memory is asked for the texts of a whole run before the first of them is read.
+// The texts of a whole run are prefetched before the first of them is read.
 void QORQL_TextSort::readParts(const Group& group) const {
   constexpr std::size_t kRun = 64;
   for (std::size_t first = 0; first < group.entries.size(); first += kRun) {
@@ -88,7 +88,7 @@ void QORQL_TextSort::addGroups(const Group& sorted) {
     while (end < entries.size() && entries[end].key == key) ++end;
     if (end - first > 1 && ((key ^ _inversion) & kCountMask) == kGoesOn) {
       Group group{entries.subspan(first, end - first), sorted.depth + kPart};
-      // What all of a group share may be long: it is passed over in one go.
+      // What all of a group share may be long: it is skipped at once.
       if (group.entries.size() == entries.size()) group.depth = endOfCommon(group);
       _groups.push_back(group);
     }

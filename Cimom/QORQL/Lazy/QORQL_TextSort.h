@@ -11,7 +11,8 @@
 // BORROWS the texts, which are numbered by row.
 class QORQL_TextSort {
  public:
-  // The front of a text as a number in the order of the texts, and whether the text goes on: the key to sort by first.
+  // The front of a text as a number in the order of the texts, and whether the text continues: the key to sort by
+  // first.
   static QORuint64 frontOf(std::string_view text) noexcept;
 
   explicit QORQL_TextSort(const std::vector<std::string_view>& texts) : _texts(texts) {}
@@ -29,11 +30,11 @@ class QORQL_TextSort {
 
   void sortByComparing(const Group& group, bool isAscending) const;
   void sortByParts(const Group& group);
-  // Makes keys of what stands behind the group's depth.
+  // Makes keys of the parts after the group's depth.
   void readParts(const Group& group) const;
   // Where the group's texts begin to differ, or the first of them ends.
   std::size_t endOfCommon(const Group& group) const noexcept;
-  // Leaves those of equal keys whose texts go on for later.
+  // Adds groups of equal keys whose texts continue, to be sorted later.
   void addGroups(const Group& sorted);
 
   const std::vector<std::string_view>& _texts;
