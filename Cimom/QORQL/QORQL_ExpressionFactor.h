@@ -37,9 +37,6 @@ class QORQL_ExpressionFactor : public QORQL_Evaluatable {
 
  private:
   void _evaluateHelper(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, const QORString& nameSpace);
-  // An empty name stands for no class.
-  void _fetchClass(const QORString& name, QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
-                   const QORString& nameSpace);
 
   QORSmrPtr<QORQL_Evaluatable> _comparison;
   QORQL_Operator _operator;

@@ -8,7 +8,6 @@
 
 #include "Cimom/QORQL/QORQL_JoinType.h"
 #include "Cimom/QORQL/QORQL_MapBuckets.h"
-#include "Cimom/QORQL/QORQL_Operator.h"
 #include "cimom/IQoriObject.h"
 #include "cmpbase.h"
 
@@ -16,13 +15,6 @@
 inline QORString QORQL_instanceKey(const IQoriObject& object) {
   const QORSmrPtr<IQoriInstanceName> name(object.getInstanceName());
   return name.IsNull() ? QORString::emptyString() : name->toString();
-}
-
-// Whether a row stays. An array comparison by <> without NOT has its sense
-// inverted: it keeps the rows where it is false.
-inline bool QORQL_keepsRow(QoriTruth truth, bool isNegated, bool isArrayNotEqual) noexcept {
-  if (truth == QoriTruth::Null) return false;
-  return (truth == QoriTruth::True) != (isNegated || isArrayNotEqual);
 }
 
 // One evaluation's record of which objects of either side were in a row that

@@ -1,32 +1,31 @@
 // Walks the statement as execution does, on a table that has columns and no
 // rows. Columns stand in sets, as the lazy rows have them: a condition filters
-// the set that it reads, or makes one of several.
+// the set that it reads, or makes one of several, as its plan says.
 #include "Cimom/QORQL/Explain/QORQL_Explanation.h"
 
 #include <algorithm>
+#include <numeric>
 #include <set>
 
 #include "Cimom/QORQL/Explain/QORQL_KeyKind.h"
-#include "Cimom/QORQL/QORQL_Arithmetic.h"
+#include "Cimom/QORQL/Lazy/QORQL_ConditionPlan.h"
+#include "Cimom/QORQL/Lazy/QORQL_RowSets.h"
 #include "Cimom/QORQL/QORQL_Association.h"
 #include "Cimom/QORQL/QORQL_ExecutionMessages.h"
 #include "Cimom/QORQL/QORQL_Expression.h"
 #include "Cimom/QORQL/QORQL_ExpressionFactor.h"
 #include "Cimom/QORQL/QORQL_ExpressionTerm.h"
 #include "Cimom/QORQL/QORQL_ExpressionText.h"
+#include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
 #include "Cimom/QORQL/QORQL_FromClause.h"
-#include "Cimom/QORQL/QORQL_Function.h"
-#include "Cimom/QORQL/QORQL_IdentifierFinder.h"
 #include "Cimom/QORQL/QORQL_OrderByClause.h"
 #include "Cimom/QORQL/QORQL_SelectList.h"
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
-#include "Cimom/QORQL/QORQL_Values.h"
 #include "Cimom/QORQL/QORQL_WhereClause.h"
 #include "cimom/QoriProviderPluginManager.h"
 
 namespace {
 
-using Monitor = QORQL_ExecutionMonitor;
 using Step = QORQL_ExplainedStep;
 
 constexpr char kProviderFiltered[] = "YRK_TRBS_ProviderFiltered";
@@ -34,60 +33,49 @@ constexpr char kProviderFiltered[] = "YRK_TRBS_ProviderFiltered";
 // Ends the simulation where execution would end: the last step says why.
 struct Failed {};
 
-struct Column {
-  QORString className;
-  QORString alias;
-};
-
-// The table on its way: its columns, and which of them lie in one set of rows.
+// The table on its way.
 struct SimulatedTable {
-  std::vector<Column> columns;
-  std::vector<std::set<QORsint32>> blocks;
-  bool isLazy = true;
+  QORQL_RowSets sets;
+  bool isLazy = true;  // otherwise its rows exist, all in one set
 
-  QORsint32 columnOf(const QORString& name) const {
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-      const Column& column = columns[i];
-      if (column.className.isEqualCaseInsensitive(name) || column.alias.isEqualCaseInsensitive(name)) {
-        return static_cast<QORsint32>(i);
-      }
-    }
-    return -1;
-  }
+  bool hasColumn(const QORString& name) const { return sets.columnOf(name) >= 0; }
   void addColumn(const QORString& className, const QORString& alias, bool staysLazy) {
-    isLazy = isLazy && staysLazy && columnOf(className) < 0 && columnOf(alias) < 0;
-    blocks.push_back({static_cast<QORsint32>(columns.size())});
-    columns.push_back({className, alias});
-    if (!isLazy) merge([](std::size_t) { return true; });
+    staysLazy = staysLazy && !hasColumn(className) && !hasColumn(alias);
+    sets.blocks.push_back({static_cast<QORuint32>(sets.columns.size())});
+    sets.columns.emplace_back(new QORQL_TableHeader(className, alias, QORString::emptyString()));
+    if (!isLazy || !staysLazy) makeRows();
   }
-  std::size_t blockOf(QORsint32 column) const {
-    std::size_t number = 0;
-    while (number < blocks.size() && blocks[number].count(column) == 0) ++number;
-    return number;
+  void makeRows() {
+    isLazy = false;
+    mergeAll();
   }
-  // Makes one set of all that are chosen.
-  template <class Choice>
-  void merge(Choice isChosen) {
-    std::vector<std::set<QORsint32>> kept;
-    std::set<QORsint32> merged;
-    for (std::size_t i = 0; i < blocks.size(); ++i) {
-      if (isChosen(i)) {
-        merged.insert(blocks[i].begin(), blocks[i].end());
+  void apply(const QORQL_ConditionPlan& plan) {
+    if (plan.blocks.size() > 1) merge(plan.blocks);
+    if (plan.isOuter()) mergeAll();
+  }
+
+ private:
+  // Makes one set of those that are chosen; it comes last.
+  void merge(const std::vector<std::size_t>& chosen) {
+    std::vector<std::vector<QORuint32>> kept;
+    std::vector<QORuint32> merged;
+    for (std::size_t i = 0; i < sets.blocks.size(); ++i) {
+      const std::vector<QORuint32>& block = sets.blocks[i];
+      if (std::find(chosen.begin(), chosen.end(), i) == chosen.end()) {
+        kept.push_back(block);
       } else {
-        kept.push_back(blocks[i]);
+        merged.insert(merged.end(), block.begin(), block.end());
       }
     }
-    if (!merged.empty()) kept.push_back(std::move(merged));
-    blocks = std::move(kept);
+    std::sort(merged.begin(), merged.end());
+    kept.push_back(std::move(merged));
+    sets.blocks = std::move(kept);
   }
-};
-
-class InstanceOfFinder : public QORQL_ExpressionVisitor {
- public:
-  void visitFunction(const QORQL_Function& function) override {
-    isFound = isFound || function.getFunctionID() == QORQL_FUNCTIONID_INSTANCEOF;
+  void mergeAll() {
+    std::vector<std::size_t> all(sets.blocks.size());
+    std::iota(all.begin(), all.end(), std::size_t{0});
+    if (!all.empty()) merge(all);
   }
-  bool isFound = false;
 };
 
 class AssociationFinder : public QORQL_ExpressionVisitor {
@@ -110,27 +98,6 @@ bool finds(QORQL_Evaluatable& node) {
   QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
   node.accept(visitor);
   return finder->isFound;
-}
-
-std::vector<QORString> classNamesOf(const QORSmrPtr<QORQL_Evaluatable>& side) {
-  std::vector<QORString> names;
-  if (side.IsNull()) return names;
-  QORQL_IdentifierFinder* const finder = new QORQL_IdentifierFinder();
-  QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
-  side->accept(visitor);
-  QORValSlistIterator<QORSmrPtr<QORString>> iterator(*finder->getClassNameList());
-  while (++iterator) {
-    if (!iterator.key()->isEmpty()) names.push_back(*iterator.key());
-  }
-  return names;
-}
-
-std::vector<QORsint32> columnsRead(const SimulatedTable& table, const QORSmrPtr<QORQL_Evaluatable>& side) {
-  std::vector<QORsint32> columns;
-  for (const QORString& name : classNamesOf(side)) {
-    if (table.columnOf(name) >= 0) columns.push_back(table.columnOf(name));
-  }
-  return columns;
 }
 
 }  // namespace
@@ -214,7 +181,7 @@ class QORQL_Explanation::Simulation {
   void fetch(const QORString& name, SimulatedTable& table, bool staysLazy) {
     const QORSmrPtr<QORQL_Symbol> symbol(symbolOf(name));
     const QORString className(symbol->getClassName());
-    if (table.columnOf(className) >= 0) return;
+    if (table.hasColumn(className)) return;
     _steps.push_back(requestOf(*symbol));
     if (classOf(className).IsNull()) {
       fail("Enumerateinstance call for '" + std::string(className.view()) + "' returned NULL");
@@ -243,7 +210,7 @@ class QORQL_Explanation::Simulation {
     applyTerm(expression->getExpressionTerm().Get(), _table, false);
     for (; !discarded.empty(); discarded.pop_back()) {
       SimulatedTable copy = original;
-      copy.isLazy = copy.isLazy && !finds<OuterJoinFinder>(*discarded.back());
+      if (finds<OuterJoinFinder>(*discarded.back())) copy.makeRows();
       applyTerm(discarded.back(), copy, true);
     }
   }
@@ -274,94 +241,35 @@ class QORQL_Explanation::Simulation {
     step.isDiscarded = isDiscarded;
     _steps.push_back(step);
     const QORString className(destination->getClassName());
-    table.isLazy = false;
-    if (table.columnOf(className) < 0) {
-      table.addColumn(className, destination->getAlias().isEmpty() ? className : destination->getAlias(), false);
-    }
-    table.merge([](std::size_t) { return true; });
+    table.makeRows();
+    if (table.hasColumn(className)) return;
+    table.addColumn(className, destination->getAlias().isEmpty() ? className : destination->getAlias(), false);
   }
 
   void applyCondition(const QORQL_ExpressionFactor& factor, SimulatedTable& table, bool isDiscarded) {
-    const auto* comparison = dynamic_cast<const QORQL_Comparison*>(factor.getComparison().Get());
-    if (comparison == nullptr) return;
-    const bool isInner = comparison->getJoinType() == QORQL_JOIN_TYPE_INNER;
-    const bool hasRight = comparison->getOperator() != QORQL_OperatorISA;
-    for (const QORString& name : classNamesOf(comparison->getLHSArithmeticExpression())) fetch(name, table, !isInner);
-    if (hasRight) {
-      for (const QORString& name : classNamesOf(comparison->getRHSArithmeticExpression())) fetch(name, table, !isInner);
-    }
+    if (QORQL_nodeAs<QORQL_Comparison>(factor.getComparison()) == nullptr) return;
+    const QORQL_Condition condition(factor);
+    const bool isInner = condition.comparison->getJoinType() == QORQL_JOIN_TYPE_INNER;
+    condition.forEachFetched([&](const QORString& name) { fetch(name, table, !isInner); });
+    const QORQL_ConditionPlan plan = QORQL_planCondition(condition, table.sets);
     Step step;
     step.kind = Step::kCondition;
     step.text = _texts.of(&factor);
-    step.comparison = comparison;
+    step.comparison = plan.comparison;
     step.isDiscarded = isDiscarded;
-    if (table.isLazy && !table.columns.empty()) chooseMethod(factor, *comparison, table, step);
+    step.method = QORQL_ConditionPlan::methodOf(plan.way);
+    if (plan.isJoin()) judgeKeys(plan, step);
     _steps.push_back(step);
+    table.apply(plan);
   }
 
-  // As the filter of lazy rows chooses.
-  void chooseMethod(const QORQL_ExpressionFactor& factor, const QORQL_Comparison& comparison, SimulatedTable& table,
-                    Step& step) const {
-    const auto left = columnsRead(table, comparison.getLHSArithmeticExpression());
-    const auto right = columnsRead(table, comparison.getRHSArithmeticExpression());
-    const std::set<std::size_t> touched = touchedBlocks(factor, comparison, table, left, right);
-    const bool isOuter = comparison.getJoinType() != QORQL_JOIN_TYPE_INNER;
-    if (touched.size() > 1) {
-      step.method = Monitor::kMethodFilteredProduct;
-      if (touched.size() == 2 && mayJoin(factor, comparison, table, left, right)) chooseJoin(comparison, step);
-      table.merge([&](std::size_t block) { return touched.count(block) != 0; });
-    }
-    if (isOuter) table.merge([](std::size_t) { return true; });
-  }
-
-  static std::set<std::size_t> touchedBlocks(const QORQL_ExpressionFactor& factor, const QORQL_Comparison& comparison,
-                                             const SimulatedTable& table, const std::vector<QORsint32>& left,
-                                             const std::vector<QORsint32>& right) {
-    std::set<std::size_t> touched;
-    if (finds<InstanceOfFinder>(*factor.getComparison())) {
-      for (std::size_t block = 0; block < table.blocks.size(); ++block) touched.insert(block);
-      return touched;
-    }
-    for (const QORsint32 column : left) touched.insert(table.blockOf(column));
-    for (const QORsint32 column : right) touched.insert(table.blockOf(column));
-    const bool isOuter = comparison.getJoinType() != QORQL_JOIN_TYPE_INNER;
-    if (isOuter && !hasOneClassEach(comparison)) touched.insert(table.blockOf(0));  // both sides fall back to it
-    return touched;
-  }
-
-  static bool hasOneClassEach(const QORQL_Comparison& comparison) {
-    const auto count = [](const QORSmrPtr<QORQL_Evaluatable>& side) {
-      QORQL_IdentifierFinder* const finder = new QORQL_IdentifierFinder();
-      QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
-      if (!side.IsNull()) side->accept(visitor);
-      return finder->getClassNameList()->entries();
-    };
-    return count(comparison.getLHSArithmeticExpression()) == 1 && count(comparison.getRHSArithmeticExpression()) == 1;
-  }
-
-  bool mayJoin(const QORQL_ExpressionFactor& factor, const QORQL_Comparison& comparison, const SimulatedTable& table,
-               const std::vector<QORsint32>& left, const std::vector<QORsint32>& right) const {
-    const bool isRelation = QORQL_isRelational(comparison.getOperator()) && !comparison.isArrayComp() &&
-                            factor.getOperator() != QORQL_OperatorNOT;
-    if (!isRelation || left.empty() || right.empty()) return false;
-    const std::size_t leftBlock = table.blockOf(left.front());
-    const std::size_t rightBlock = table.blockOf(right.front());
-    const auto isAllIn = [&](const std::vector<QORsint32>& columns, std::size_t block) {
-      return std::all_of(columns.begin(), columns.end(),
-                         [&](QORsint32 column) { return table.blockOf(column) == block; });
-    };
-    if (leftBlock == rightBlock || !isAllIn(left, leftBlock) || !isAllIn(right, rightBlock)) return false;
-    if (comparison.getJoinType() == QORQL_JOIN_TYPE_INNER) return true;
-    return hasOneClassEach(comparison) && table.blocks[leftBlock].size() == 1 && table.blocks[rightBlock].size() == 1;
-  }
-
-  void chooseJoin(const QORQL_Comparison& comparison, Step& step) const {
+  // Whether a join finds keys that go together, by the types that the classes declare.
+  void judgeKeys(const QORQL_ConditionPlan& plan, Step& step) const {
+    const QORQL_Comparison& comparison = *plan.comparison;
     const auto left = QORQL_keyFactsOf(comparison.getLHSArithmeticExpression().Get(), _symbols, _nameSpace);
     const auto right = QORQL_keyFactsOf(comparison.getRHSArithmeticExpression().Get(), _symbols, _nameSpace);
-    const bool isEquality = QORQL_relationOf(comparison.getOperator()) == QoriRelation::Equal;
-    if (QORQL_joinsByKey(left, right, isEquality)) {
-      step.method = isEquality ? Monitor::kMethodHashJoin : Monitor::kMethodKeyJoin;
-    }
+    const bool isJoined = QORQL_joinsByKey(left, right, plan.way == QORQL_ConditionPlan::kHashJoin);
+    if (!isJoined) step.method = QORQL_ConditionPlan::methodOf(plan.rowByRow);
     step.dependsOnValues = QORQL_keysDependOnValues(left, right);
   }
 
@@ -376,21 +284,20 @@ class QORQL_Explanation::Simulation {
         if (names.key()->isEmpty()) continue;
         const QORString className(_symbols.classNameOf(*names.key()));
         const bool isKnown = std::find(missing.begin(), missing.end(), className) != missing.end();
-        if (!isKnown && _table.columnOf(className) < 0) missing.push_back(className);
+        if (!isKnown && !_table.hasColumn(className)) missing.push_back(className);
       }
     }
     for (const QORString& name : missing) fetch(name, _table, true);
   }
 
   void addCombination() {
-    if (_table.blocks.size() < 2) return;
+    if (_table.sets.blocks.size() < 2) return;
     Step step;
     step.kind = Step::kCombine;
-    for (const std::set<QORsint32>& block : _table.blocks) {
+    for (const std::vector<QORuint32>& block : _table.sets.blocks) {
       std::string names;
-      for (const QORsint32 column : block) {
-        names +=
-            (names.empty() ? "" : " with ") + _texts.nameOf(_table.columns[static_cast<std::size_t>(column)].className);
+      for (const QORuint32 column : block) {
+        names += (names.empty() ? "" : " with ") + _texts.nameOf(_table.sets.columns[column]->getName());
       }
       step.text += (step.text.empty() ? "" : ", ") + names;
     }

@@ -222,6 +222,10 @@ Bound QORQL_Binder::bind(const QORSmrPtr<QORQL_Evaluatable>& node) const {
   return nullptr;
 }
 
+QORQL_BoundSides QORQL_Binder::bindSides(const QORQL_Comparison& comparison) const {
+  return {bind(comparison.getLHSArithmeticExpression()), bind(comparison.getRHSArithmeticExpression())};
+}
+
 Bound QORQL_Binder::bindEntry(const QORQL_SelectedEntry& entry) const {
   if (entry.isPlainProperty()) return bindProperty(entry.getClassName(), entry.getPropertyName());
   return bind(entry.getExpression());

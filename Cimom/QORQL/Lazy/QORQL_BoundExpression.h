@@ -10,6 +10,7 @@
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_Evaluatable.h"
 
+class QORQL_Comparison;
 class QORQL_SelectedEntry;
 
 // Computes on a row view what the tree computes on the row, with the same errors.
@@ -30,6 +31,12 @@ class QORQL_BoundValue {
   virtual const QoriScalar* constant() const noexcept { return nullptr; }
 };
 
+// Both sides of a comparison in their bound forms; null where a side has none.
+struct QORQL_BoundSides {
+  std::unique_ptr<QORQL_BoundValue> left;
+  std::unique_ptr<QORQL_BoundValue> right;
+};
+
 // Finds the bound form of a node on a lazy table.
 class QORQL_Binder {
  public:
@@ -39,6 +46,7 @@ class QORQL_Binder {
   // Null when the node must be evaluated through a row: function calls other
   // than OBJECTPATH, array elements, comparisons, objects without layout.
   std::unique_ptr<QORQL_BoundValue> bind(const QORSmrPtr<QORQL_Evaluatable>& node) const;
+  QORQL_BoundSides bindSides(const QORQL_Comparison& comparison) const;
   std::unique_ptr<QORQL_BoundValue> bindProperty(const QORString& className, const QORString& propertyName) const;
   // The same of the object as it was fetched; NULL where it lacks the property.
   std::unique_ptr<QORQL_BoundValue> bindFetched(const QORString& className, const QORString& propertyName) const;

@@ -1,71 +1,21 @@
-// Conditions on lazy rows. A condition touches the blocks whose columns it
-// reads; the others are left alone, since their rows only repeat its outcome.
+// Conditions on lazy rows, in the way that their plan names.
 #include "Cimom/QORQL/Lazy/QORQL_LazyFilter.h"
 
 #include <algorithm>
 #include <array>
 #include <cstring>
 #include <memory>
-#include <numeric>
 
 #include "Cimom/QORQL/Lazy/QORQL_LazyJoin.h"
 #include "Cimom/QORQL/Lazy/QORQL_LazyTable.h"
 #include "Cimom/QORQL/Lazy/QORQL_NullExtension.h"
 #include "Cimom/QORQL/Lazy/QORQL_RowTruth.h"
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
-#include "Cimom/QORQL/QORQL_Factor.h"
-#include "Cimom/QORQL/QORQL_IdentifierFinder.h"
 #include "Cimom/QORQL/QORQL_OuterJoin.h"
-#include "Cimom/QORQL/QORQL_Values.h"
-
-void QORQL_addColumnsRead(const QORSmrPtr<QORQL_Evaluatable>& side, const QORQL_DataTable& table,
-                          std::vector<QORuint32>& columns) {
-  if (side.IsNull()) return;
-  const auto add = [&](const QORString& name) {
-    const QORsint32 column = name.isEmpty() ? -1 : table.getColumnIndex(name);
-    if (column >= 0) columns.push_back(static_cast<QORuint32>(column));
-  };
-  if (const QORQL_Factor* const sole = QORQL_soleFactorOf(side)) {
-    if (!sole->getClassName().IsNull()) add(*sole->getClassName());
-    return;
-  }
-  auto visitor = QORSmrPtr<QORQL_ExpressionVisitor>::Make<QORQL_IdentifierFinder>();
-  const auto* const finder = static_cast<const QORQL_IdentifierFinder*>(visitor.Get());
-  side->accept(visitor);
-  QORValSlistIterator<QORSmrPtr<QORString>> names(*finder->getClassNameList());
-  while (++names) add(*names.key());
-}
 
 namespace {
 
-using BlockNumbers = std::vector<std::size_t>;
-using Monitor = QORQL_ExecutionMonitor;
-
-std::vector<QORuint32> columnsRead(const QORQL_DataTable& table, const QORQL_Condition& condition) {
-  std::vector<QORuint32> columns;
-  const QORQL_Comparison& comparison = condition.comparison();
-  QORQL_addColumnsRead(comparison.getLHSArithmeticExpression(), table, columns);
-  QORQL_addColumnsRead(comparison.getRHSArithmeticExpression(), table, columns);
-  if (comparison.getJoinType() != QORQL_JOIN_TYPE_INNER) {
-    if (condition.leftColumn >= 0) columns.push_back(static_cast<QORuint32>(condition.leftColumn));
-    if (condition.rightColumn >= 0) columns.push_back(static_cast<QORuint32>(condition.rightColumn));
-  }
-  return columns;
-}
-
-BlockNumbers touchedBlocks(const QORQL_DataTable& table, const QORQL_LazyRows& rows, const QORQL_Condition& condition) {
-  BlockNumbers numbers;
-  if (QORQL_RowTruth::asksObjectManager(condition)) {
-    numbers.resize(rows.blocks().size());
-    std::iota(numbers.begin(), numbers.end(), std::size_t{0});
-    return numbers;
-  }
-  for (const QORuint32 column : columnsRead(table, condition)) numbers.push_back(rows.blockOf(column));
-  if (numbers.empty()) numbers.push_back(0);  // a condition without any class holds for all rows or for none
-  std::sort(numbers.begin(), numbers.end());
-  numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
-  return numbers;
-}
+using Way = QORQL_ConditionPlan::Way;
 
 // A side's record of the row's object, when it has one.
 template <class Record>
@@ -99,13 +49,11 @@ void copyTuples(const QORQL_RowBlock& block, QORuint64 first, const QORuint32* p
 // Tests the rows of one block in order and finds those that hold.
 class BlockFilter {
  public:
-  BlockFilter(const QORQL_LazyRows& rows, const QORQL_Condition& condition, QORQL_RowTruth& truth)
-      : _rows(rows), _condition(condition), _truth(truth) {
-    const QORQL_JoinType joinType = condition.comparison().getJoinType();
-    if (joinType != QORQL_JOIN_TYPE_INNER) _join = std::make_unique<QORQL_OuterJoin<QORuint32>>(joinType);
+  BlockFilter(const QORQL_LazyRows& rows, const QORQL_ConditionPlan& plan, QORQL_RowTruth& truth)
+      : _rows(rows), _plan(plan), _truth(truth) {
+    if (plan.isOuter()) _join = std::make_unique<QORQL_OuterJoin<QORuint32>>(plan.joinType);
     for (const QoriTruth outcome : {QoriTruth::False, QoriTruth::True, QoriTruth::Null}) {
-      _keeps[static_cast<std::size_t>(outcome)] =
-          QORQL_keepsRow(outcome, condition.isNegated, condition.isArrayNotEqual());
+      _keeps[static_cast<std::size_t>(outcome)] = plan.keeps(outcome);
     }
   }
 
@@ -131,10 +79,11 @@ class BlockFilter {
   void addOuterRows(QORQL_LazyRows& rows) const {
     if (_join == nullptr) return;
     rows.flatten();
-    _join->forEachLeft(
-        [&](QORuint32 index) { QORQL_appendExtendedRow(rows, static_cast<QORuint32>(_condition.leftColumn), index); });
-    _join->forEachRight(
-        [&](QORuint32 index) { QORQL_appendExtendedRow(rows, static_cast<QORuint32>(_condition.rightColumn), index); });
+    const auto append = [&rows](const QORQL_PlannedSide& side, QORuint32 index) {
+      QORQL_appendExtendedRow(rows, static_cast<QORuint32>(side.recordedColumn), index);
+    };
+    _join->forEachLeft([&](QORuint32 index) { append(_plan.left, index); });
+    _join->forEachRight([&](QORuint32 index) { append(_plan.right, index); });
   }
 
  private:
@@ -166,28 +115,27 @@ class BlockFilter {
     const QoriTruth truth = _truth.test(view);
     if (_join != nullptr) {
       const bool isMatch = truth == QoriTruth::True;
-      recordSide(view, _condition.leftColumn,
+      recordSide(view, _plan.left.recordedColumn,
                  [&](const QORString& key, QORuint32 index) { _join->recordLeft(key, index, isMatch); });
-      recordSide(view, _condition.rightColumn,
+      recordSide(view, _plan.right.recordedColumn,
                  [&](const QORString& key, QORuint32 index) { _join->recordRight(key, index, isMatch); });
     }
     return truth;
   }
 
   const QORQL_LazyRows& _rows;
-  const QORQL_Condition& _condition;
+  const QORQL_ConditionPlan& _plan;
   QORQL_RowTruth& _truth;
   std::unique_ptr<QORQL_OuterJoin<QORuint32>> _join;  // null: an inner join
   std::array<bool, 3> _keeps{};                       // whether a row of each truth stays
 };
 
 // Two blocks, tested pair by pair without making their product.
-QORQL_RowBlock filterProduct(QORQL_LazyRows& rows, const BlockNumbers& numbers, const QORQL_Condition& condition,
-                             QORQL_RowTruth& truth) {
-  const QORQL_RowBlock& outer = rows.blocks()[numbers[0]];
-  const QORQL_RowBlock& inner = rows.blocks()[numbers[1]];
+QORQL_RowBlock filterPairs(const QORQL_LazyRows& rows, const QORQL_ConditionPlan& plan, QORQL_RowTruth& truth) {
+  const QORQL_RowBlock& outer = rows.blocks()[plan.blocks[0]];
+  const QORQL_RowBlock& inner = rows.blocks()[plan.blocks[1]];
   QORQL_RowBlock result;
-  result.columns = rows.columnsOf(numbers);
+  result.columns = rows.columnsOf(plan.blocks);
   QORQL_RowView view(rows);
   QORQL_StopCheck stopCheck;
   for (QORuint64 i = 0; i < outer.rowCount; ++i) {
@@ -195,7 +143,7 @@ QORQL_RowBlock filterProduct(QORQL_LazyRows& rows, const BlockNumbers& numbers, 
     for (QORuint64 j = 0; j < inner.rowCount; ++j) {
       stopCheck.count();
       view.select(inner, j);
-      if (!QORQL_keepsRow(truth.test(view), condition.isNegated, condition.isArrayNotEqual())) continue;
+      if (!plan.keeps(truth.test(view))) continue;
       ++result.rowCount;
       for (const QORuint32 column : result.columns) result.tuples.push_back(view.indexes[column]);
     }
@@ -203,15 +151,17 @@ QORQL_RowBlock filterProduct(QORQL_LazyRows& rows, const BlockNumbers& numbers, 
   return result;
 }
 
-// Whether the pairs of two blocks, the first outermost, come in row order.
-bool areInOrder(const QORQL_LazyRows& rows, const BlockNumbers& numbers) {
-  return numbers.size() == 2 && rows.blocks()[numbers[0]].columns.back() < rows.blocks()[numbers[1]].columns.front();
+// Filters one block, for an outer join with its rows without partners.
+void filterBlock(QORQL_LazyRows& rows, std::size_t number, const QORQL_ConditionPlan& plan, QORQL_RowTruth& truth) {
+  BlockFilter filter(rows, plan, truth);
+  QORQL_RowBlock& block = rows.blocks()[number];
+  keepRows(block, filter.run(block));
+  filter.addOuterRows(rows);
 }
 
-bool tryJoin(const QORQL_DataTable& table, QORQL_LazyRows& rows, const QORQL_Condition& condition,
-             const BlockNumbers& numbers) {
+bool tryJoin(QORQL_LazyRows& rows, const QORQL_ConditionPlan& plan, const QORQL_BoundSides& sides) {
   try {
-    return QORQL_joinLazily(table, rows, condition, numbers);
+    return QORQL_joinLazily(rows, plan, sides);
   } catch (const QORQL_StoppedException&) {
     throw;
   } catch (const QoriBaseException&) {
@@ -219,47 +169,36 @@ bool tryJoin(const QORQL_DataTable& table, QORQL_LazyRows& rows, const QORQL_Con
   }
 }
 
-// How a condition that joined by key did it.
-Monitor::Method joinMethod(const QORQL_Condition& condition) {
-  const bool isEqual = QORQL_relationOf(condition.comparison().getOperator()) == QoriRelation::Equal;
-  return isEqual ? Monitor::kMethodHashJoin : Monitor::kMethodKeyJoin;
+void filterRowByRow(QORQL_LazyRows& rows, const QORQL_ConditionPlan& plan, QORQL_RowTruth& truth) {
+  if (plan.rowByRow == Way::kPairs) {
+    rows.replaceBlocks(plan.blocks, filterPairs(rows, plan, truth));
+    return;
+  }
+  if (plan.rowByRow == Way::kProduct) rows.multiply(plan.blocks);
+  filterBlock(rows, plan.blocks.front(), plan, truth);
 }
 
-// Tests the rows one by one; for several blocks those of their product.
-Monitor::Method filterRows(QORQL_LazyRows& rows, const QORQL_Condition& condition, const BlockNumbers& numbers,
-                           QORQL_RowTruth& truth) {
-  const bool isInner = condition.comparison().getJoinType() == QORQL_JOIN_TYPE_INNER;
-  if (isInner && areInOrder(rows, numbers)) {
-    rows.replaceBlocks(numbers, filterProduct(rows, numbers, condition, truth));
-    return Monitor::kMethodFilteredProduct;
-  }
-  if (numbers.size() > 1) rows.multiply(numbers);
-  BlockFilter filter(rows, condition, truth);
-  QORQL_RowBlock& block = rows.blocks()[numbers.front()];
-  keepRows(block, filter.run(block));
-  filter.addOuterRows(rows);
-  return numbers.size() > 1 ? Monitor::kMethodFilteredProduct : Monitor::kMethodFilter;
+// Rows are tested before they are changed, so that an error leaves the table as it was.
+void filterInPlace(QORSmrPtr<QORQL_DataTable>& table, const QORQL_ConditionPlan& plan, QORQL_RowTruth& truth) {
+  const QORQL_LazyRows& rows = *table->lazy()->rows();
+  std::vector<QORuint32> kept = BlockFilter(rows, plan, truth).run(rows.blocks()[plan.blocks.front()]);
+  keepRows(table->lazy()->ownRows().blocks()[plan.blocks.front()], std::move(kept));
 }
 
 }  // namespace
 
 QORQL_ExecutionMonitor::Method QORQL_filterLazily(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
-                                                  const QORQL_Condition& condition, const QORString& nameSpace) {
-  // Errors leave the table as it was: rows are tested before they are changed,
-  // and what changes more than one block's rows is done on a copy.
-  const BlockNumbers numbers = touchedBlocks(*table, *table->lazy()->rows(), condition);
-  if (numbers.size() == 1 && condition.comparison().getJoinType() == QORQL_JOIN_TYPE_INNER) {
-    const auto truth = QORQL_RowTruth::make(symbolTable, table, condition, nameSpace);
-    const QORQL_LazyRows& tested = *table->lazy()->rows();
-    std::vector<QORuint32> kept = BlockFilter(tested, condition, *truth).run(tested.blocks()[numbers.front()]);
-    keepRows(table->lazy()->ownRows().blocks()[numbers.front()], std::move(kept));
-    return Monitor::kMethodFilter;
+                                                  const QORQL_ConditionPlan& plan, const QORString& nameSpace) {
+  QORQL_BoundSides sides = QORQL_Binder(*table).bindSides(*plan.comparison);
+  const auto truth = [&] { return QORQL_RowTruth::make(symbolTable, table, plan, std::move(sides), nameSpace); };
+  if (plan.way == Way::kFilter && !plan.isOuter()) {
+    filterInPlace(table, plan, *truth());
+    return QORQL_ConditionPlan::methodOf(plan.way);
   }
+  // What changes more than one block's rows is done on a copy: an error leaves the table as it was.
   auto rows = std::make_shared<QORQL_LazyRows>(*table->lazy()->rows());
-  const bool isJoined = tryJoin(*table, *rows, condition, numbers);
-  const Monitor::Method method =
-      isJoined ? joinMethod(condition)
-               : filterRows(*rows, condition, numbers, *QORQL_RowTruth::make(symbolTable, table, condition, nameSpace));
+  const bool isJoined = plan.isJoin() && tryJoin(*rows, plan, sides);
+  if (!isJoined) filterRowByRow(*rows, plan, *truth());
   table->setLazy(std::make_unique<QORQL_LazyTable>(std::move(rows)));
-  return method;
+  return QORQL_ConditionPlan::methodOf(isJoined ? plan.way : plan.rowByRow);
 }

@@ -270,74 +270,28 @@ bool findExtensions(const QORQL_LazyRows& rows, const Join& join, const Partners
   return true;
 }
 
-// Which of two blocks each side of the comparison reads; false when a side reads
-// none or both.
-bool assignSides(const QORQL_DataTable& table, const QORQL_LazyRows& rows, const QORQL_Comparison& comparison,
-                 const std::vector<std::size_t>& blockNumbers, std::size_t& leftBlock, std::size_t& rightBlock) {
-  const auto blockRead = [&](const QORSmrPtr<QORQL_Evaluatable>& side, std::size_t& number) {
-    std::vector<QORuint32> columns;
-    QORQL_addColumnsRead(side, table, columns);
-    number = columns.empty() ? rows.blocks().size() : rows.blockOf(columns.front());
-    return std::find(blockNumbers.begin(), blockNumbers.end(), number) != blockNumbers.end() &&
-           std::all_of(columns.begin(), columns.end(),
-                       [&](QORuint32 column) { return rows.blockOf(column) == number; });
-  };
-  return blockRead(comparison.getLHSArithmeticExpression(), leftBlock) &&
-         blockRead(comparison.getRHSArithmeticExpression(), rightBlock) && leftBlock != rightBlock;
-}
-
-// Outer joins by key: a single column each side, whose objects tell apart.
-bool allowsOuterJoin(const QORQL_LazyRows& rows, const QORQL_Condition& condition, std::size_t leftBlock,
-                     std::size_t rightBlock) {
-  const auto isColumn = [&](std::size_t number, QORsint32 column) {
-    const QORQL_RowBlock& block = rows.blocks()[number];
-    return column >= 0 && block.columns.size() == 1 && block.columns.front() == static_cast<QORuint32>(column);
-  };
-  return !condition.isNegated && isColumn(leftBlock, condition.leftColumn) &&
-         isColumn(rightBlock, condition.rightColumn);
-}
-
-bool mayJoin(const QORQL_LazyRows& rows, const QORQL_Condition& condition, std::size_t leftBlock,
-             std::size_t rightBlock) {
-  const QORQL_Comparison& comparison = condition.comparison();
-  if (!QORQL_isRelational(comparison.getOperator()) || comparison.isArrayComp() || condition.isNegated) return false;
-  return comparison.getJoinType() == QORQL_JOIN_TYPE_INNER || allowsOuterJoin(rows, condition, leftBlock, rightBlock);
-}
-
 }  // namespace
 
-bool QORQL_joinLazily(const QORQL_DataTable& table, QORQL_LazyRows& rows, const QORQL_Condition& condition,
-                      const std::vector<std::size_t>& blockNumbers) {
-  const QORQL_Comparison& comparison = condition.comparison();
-  std::size_t leftBlock = 0;
-  std::size_t rightBlock = 0;
-  if (blockNumbers.size() != 2 || !assignSides(table, rows, comparison, blockNumbers, leftBlock, rightBlock) ||
-      !mayJoin(rows, condition, leftBlock, rightBlock)) {
-    return false;
-  }
-  const QORQL_Binder binder(table);
-  const auto left = binder.bind(comparison.getLHSArithmeticExpression());
-  const auto right = binder.bind(comparison.getRHSArithmeticExpression());
-  if (left == nullptr || right == nullptr) return false;
-  const QoriRelation relation = QORQL_relationOf(comparison.getOperator());
-  const bool isLeftOuter = rows.blocks()[leftBlock].columns.front() < rows.blocks()[rightBlock].columns.front();
-  const QORQL_RowBlock& outer = rows.blocks()[isLeftOuter ? leftBlock : rightBlock];
-  const QORQL_RowBlock& inner = rows.blocks()[isLeftOuter ? rightBlock : leftBlock];
-  QORQL_JoinKeys outerKeys(isLeftOuter ? *left : *right, rows, outer);
-  QORQL_JoinKeys innerKeys(isLeftOuter ? *right : *left, rows, inner);
+bool QORQL_joinLazily(QORQL_LazyRows& rows, const QORQL_ConditionPlan& plan, const QORQL_BoundSides& sides) {
+  if (sides.left == nullptr || sides.right == nullptr) return false;
+  const bool isLeftOuter = plan.left.block == plan.blocks.front();
+  const QORQL_RowBlock& outer = rows.blocks()[plan.blocks[0]];
+  const QORQL_RowBlock& inner = rows.blocks()[plan.blocks[1]];
+  QORQL_JoinKeys outerKeys(isLeftOuter ? *sides.left : *sides.right, rows, outer);
+  QORQL_JoinKeys innerKeys(isLeftOuter ? *sides.right : *sides.left, rows, inner);
   innerKeys.readAll();
   if (innerKeys.category() == QORQL_JoinKeys::kMixed) return false;
-  const Join join{outer, inner, outerKeys, innerKeys, isLeftOuter, relation};
-  const bool isOuterJoin = comparison.getJoinType() != QORQL_JOIN_TYPE_INNER;
+  const Join join{outer, inner, outerKeys, innerKeys, isLeftOuter, *plan.relation};
   std::unique_ptr<Partners> partners;
-  if (isOuterJoin) partners = std::make_unique<Partners>(join);
-  std::optional<QORQL_RowBlock> joined =
-      relation == QoriRelation::Equal ? joinByHash(join, outerKeys, partners.get()) : joinByComparing(join, outerKeys);
+  if (plan.isOuter()) partners = std::make_unique<Partners>(join);
+  std::optional<QORQL_RowBlock> joined = plan.way == QORQL_ConditionPlan::kHashJoin
+                                             ? joinByHash(join, outerKeys, partners.get())
+                                             : joinByComparing(join, outerKeys);
   if (!joined.has_value()) return false;
   std::vector<QORQL_NullExtension> extensions;
-  if (isOuterJoin && !findExtensions(rows, join, *partners, comparison.getJoinType(), extensions)) return false;
-  rows.replaceBlocks(blockNumbers, std::move(*joined));
-  if (isOuterJoin) rows.flatten();
+  if (plan.isOuter() && !findExtensions(rows, join, *partners, plan.joinType, extensions)) return false;
+  rows.replaceBlocks(plan.blocks, std::move(*joined));
+  if (plan.isOuter()) rows.flatten();
   for (const QORQL_NullExtension& extension : extensions)
     QORQL_appendExtendedRow(rows, extension.column, extension.index);
   return true;

@@ -3,16 +3,16 @@
 #ifndef QORQL_LAZYJOIN_H
 #define QORQL_LAZYJOIN_H
 
-#include <vector>
-
-#include "Cimom/QORQL/Lazy/QORQL_LazyFilter.h"
+#include "Cimom/QORQL/Lazy/QORQL_BoundExpression.h"
+#include "Cimom/QORQL/Lazy/QORQL_ConditionPlan.h"
 #include "Cimom/QORQL/Lazy/QORQL_LazyRows.h"
 
-// Tries to join the two blocks that the condition reads, each side of it one
-// block. On success the blocks are replaced, outer rows are added, and true is
-// returned. False, with nothing changed, when only evaluation row by row is sure
-// to give the same rows and errors.
-bool QORQL_joinLazily(const QORQL_DataTable& table, QORQL_LazyRows& rows, const QORQL_Condition& condition,
-                      const std::vector<std::size_t>& blockNumbers);
+// Joins as the plan says, by the sides of its comparison on rows with these
+// extents. On success the two blocks are replaced, outer rows are added, and
+// true is returned. False, with nothing changed, when only testing row by row is
+// sure to give the same rows and errors: a side has no bound form, keys do not
+// go together, or objects of one side share a path. THROWS what computing a key
+// throws, with nothing changed. REQUIRES a plan that is a join.
+bool QORQL_joinLazily(QORQL_LazyRows& rows, const QORQL_ConditionPlan& plan, const QORQL_BoundSides& sides);
 
 #endif

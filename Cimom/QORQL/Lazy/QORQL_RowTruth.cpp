@@ -5,9 +5,6 @@
 
 #include "Cimom/QORQL/Lazy/QORQL_LazyTable.h"
 #include "Cimom/QORQL/QORQL_Comparison.h"
-#include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
-#include "Cimom/QORQL/QORQL_Function.h"
-#include "Cimom/QORQL/QORQL_IdentifierFinder.h"
 #include "Cimom/QORQL/QORQL_Values.h"
 
 namespace {
@@ -146,46 +143,25 @@ class RowEvaluation final : public QORQL_RowTruth {
   QORSmrPtr<QORQL_DataRow> _row;
 };
 
-class InstanceOfFinder : public QORQL_ExpressionVisitor {
- public:
-  void visitFunction(const QORQL_Function& function) override {
-    isFound = isFound || function.getFunctionID() == QORQL_FUNCTIONID_INSTANCEOF;
-  }
-  bool isFound = false;
-};
-
 }  // namespace
 
-bool QORQL_RowTruth::asksObjectManager(const QORQL_Condition& condition) {
-  const QORQL_Comparison& comparison = condition.comparison();
-  const QORSmrPtr<QORQL_Evaluatable>& right = comparison.getRHSArithmeticExpression();
-  if (QORQL_soleFactorOf(comparison.getLHSArithmeticExpression()) != nullptr &&
-      (right.IsNull() || QORQL_soleFactorOf(right) != nullptr)) {
-    return false;
-  }
-  InstanceOfFinder* const finder = new InstanceOfFinder();
-  QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
-  condition.node->accept(visitor);
-  return finder->isFound;
-}
-
 std::unique_ptr<QORQL_RowTruth> QORQL_RowTruth::make(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
-                                                     const QORQL_Condition& condition, const QORString& nameSpace) {
-  QORQL_Comparison& comparison = condition.comparison();
-  const QORQL_Binder binder(*table);
+                                                     const QORQL_ConditionPlan& plan, QORQL_BoundSides sides,
+                                                     const QORString& nameSpace) {
+  QORQL_Comparison& comparison = *plan.comparison;
   const bool hasRight = !comparison.getRHSArithmeticExpression().IsNull();
-  Bound left = binder.bind(comparison.getLHSArithmeticExpression());
-  Bound right = hasRight ? binder.bind(comparison.getRHSArithmeticExpression()) : nullptr;
   const QORQL_Operator op = comparison.getOperator();
-  if (left == nullptr || (hasRight && right == nullptr) || op == QORQL_OperatorISA) {
+  if (sides.left == nullptr || (hasRight && sides.right == nullptr) || op == QORQL_OperatorISA) {
     return std::make_unique<RowEvaluation>(symbolTable, table, comparison, nameSpace);
   }
   if (op == QORQL_OperatorISNULL || op == QORQL_OperatorISNOTNULL) {
-    return std::make_unique<NullTruth>(std::move(left), op == QORQL_OperatorISNULL);
+    return std::make_unique<NullTruth>(std::move(sides.left), op == QORQL_OperatorISNULL);
   }
-  if (QORQL_isRelational(op) && !comparison.isArrayComp()) {
-    return std::make_unique<RelationTruth>(std::move(left), QORQL_relationOf(op), std::move(right));
+  if (plan.relation) {
+    return std::make_unique<RelationTruth>(std::move(sides.left), *plan.relation, std::move(sides.right));
   }
-  if (op == QORQL_OperatorLIKE) return std::make_unique<LikeTruth>(comparison, std::move(left), std::move(right));
-  return std::make_unique<ValueTruth>(comparison, std::move(left), std::move(right), nameSpace);
+  if (op == QORQL_OperatorLIKE) {
+    return std::make_unique<LikeTruth>(comparison, std::move(sides.left), std::move(sides.right));
+  }
+  return std::make_unique<ValueTruth>(comparison, std::move(sides.left), std::move(sides.right), nameSpace);
 }

@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "Cimom/QORQL/Lazy/QORQL_BoundExpression.h"
-#include "Cimom/QORQL/Lazy/QORQL_LazyFilter.h"
+#include "Cimom/QORQL/Lazy/QORQL_ConditionPlan.h"
 #include "Cimom/QORQL/Lazy/QORQL_RunRelation.h"
 
 class QORQL_RowTruth {
@@ -22,13 +22,11 @@ class QORQL_RowTruth {
     return false;
   }
 
-  // BORROWS its arguments. Bound where the operands allow it, otherwise through
-  // a row that is filled for each test.
+  // BORROWS its arguments but the sides, which are the comparison's on the table. By them where the comparison allows
+  // it, otherwise through a row that is filled for each test.
   static std::unique_ptr<QORQL_RowTruth> make(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
-                                              const QORQL_Condition& condition, const QORString& nameSpace);
-  // Whether the tests ask the object manager, once for each: then every row of
-  // the table must be tested on its own.
-  static bool asksObjectManager(const QORQL_Condition& condition);
+                                              const QORQL_ConditionPlan& plan, QORQL_BoundSides sides,
+                                              const QORString& nameSpace);
 };
 
 #endif

@@ -1,18 +1,14 @@
 // One comparison applied to the whole table: fetches the classes that it names,
 // keeps the rows that satisfy it and, for an outer join, adds the null-extended rows.
-#include <vector>
-
+#include "Cimom/QORQL/Lazy/QORQL_ConditionPlan.h"
 #include "Cimom/QORQL/Lazy/QORQL_LazyFilter.h"
-#include "Cimom/QORQL/QORQL_Arithmetic.h"
 #include "Cimom/QORQL/QORQL_Comparison.h"
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_Exception.h"
 #include "Cimom/QORQL/QORQL_ExecutionMessages.h"
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "Cimom/QORQL/QORQL_ExpressionFactor.h"
-#include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_Helper.h"
-#include "Cimom/QORQL/QORQL_IdentifierFinder.h"
 #include "Cimom/QORQL/QORQL_OuterJoin.h"
 #include "Cimom/QORQL/QORQL_Values.h"
 
@@ -20,36 +16,6 @@ namespace {
 
 using Object = QORSmrPtr<IQoriObject>;
 using RowList = QORQL_DataTable::RowList;
-using ClassName = QORSmrPtr<QORString>;
-
-// The class names that a side of a comparison has, in order, empty ones too.
-class SideNames {
- public:
-  explicit SideNames(const QORSmrPtr<QORQL_Evaluatable>& side) {
-    if (const QORQL_Factor* const sole = QORQL_soleFactorOf(side)) {
-      _only = sole->getClassName();
-    } else if (QORQL_nodeAs<QORQL_Arithmetic>(side) != nullptr) {
-      QORQL_IdentifierFinder* const finder = new QORQL_IdentifierFinder();
-      QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
-      side->accept(visitor);
-      _several = finder->getClassNameList();
-      if (_several->entries() == 1) _only = _several->first();
-    }
-  }
-  // The one class name; null when there is none or several.
-  const ClassName& only() const noexcept { return _only; }
-  template <class Use>
-  void forEach(const Use& use) const {
-    if (!_only.IsNull()) return use(*_only);
-    if (_several.IsNull()) return;
-    QORValSlistIterator<ClassName> names(*_several);
-    while (++names) use(*names.key());
-  }
-
- private:
-  ClassName _only;
-  QORQL_IdentifierFinder::ClassNameList _several;
-};
 
 // The cell of one side; null when the side has no column or the row no such cell.
 Object sideCell(const QORQL_DataRow& row, QORsint32 column) {
@@ -57,11 +23,10 @@ Object sideCell(const QORQL_DataRow& row, QORsint32 column) {
   return hasCell ? row.getCell(static_cast<QORuint32>(column)) : Object();
 }
 
-void recordRow(QORQL_OuterJoin<Object>& join, const QORQL_DataRow& row, const QORQL_Condition& condition,
-               bool isMatch) {
-  const Object left(sideCell(row, condition.leftColumn));
+void recordRow(QORQL_OuterJoin<Object>& join, const QORQL_DataRow& row, const QORQL_ConditionPlan& plan, bool isMatch) {
+  const Object left(sideCell(row, plan.left.recordedColumn));
   if (!left.IsNull()) join.recordLeft(QORQL_instanceKey(*left), left, isMatch);
-  const Object right(sideCell(row, condition.rightColumn));
+  const Object right(sideCell(row, plan.right.recordedColumn));
   if (!right.IsNull()) join.recordRight(QORQL_instanceKey(*right), right, isMatch);
 }
 
@@ -75,10 +40,9 @@ QORSmrPtr<QORQL_DataRow> extendedRow(QORQL_DataTable& table, QORsint32 column, c
   return row;
 }
 
-void filterRows(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, const QORQL_Condition& condition,
+void filterRows(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, const QORQL_ConditionPlan& plan,
                 const QORString& nameSpace) {
-  QORQL_Comparison& comparison = condition.comparison();
-  QORQL_OuterJoin<Object> join(comparison.getJoinType());
+  QORQL_OuterJoin<Object> join(plan.joinType);
   RowList kept(new QORValSlist<QORSmrPtr<QORQL_DataRow>>());
   QORQL_StopCheck stopCheck;
   QORValSlistIterator<QORSmrPtr<QORQL_DataRow>> rows(*table->getRows());
@@ -86,12 +50,15 @@ void filterRows(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& tabl
     stopCheck.count();
     QORSmrPtr<QORQL_DataRow>& row = rows.key();
     if (row.IsNull()) continue;
-    const QoriTruth truth = QORQL_truthOf(comparison.evaluate(symbolTable, row, nameSpace));
-    if (join.isOuter()) recordRow(join, *row, condition, truth == QoriTruth::True);
-    if (QORQL_keepsRow(truth, condition.isNegated, condition.isArrayNotEqual())) kept->append(row);
+    const QoriTruth truth = QORQL_truthOf(plan.comparison->evaluate(symbolTable, row, nameSpace));
+    if (join.isOuter()) recordRow(join, *row, plan, truth == QoriTruth::True);
+    if (plan.keeps(truth)) kept->append(row);
   }
-  join.forEachLeft([&](const Object& object) { kept->append(extendedRow(*table, condition.leftColumn, object)); });
-  join.forEachRight([&](const Object& object) { kept->append(extendedRow(*table, condition.rightColumn, object)); });
+  const auto extend = [&](const QORQL_PlannedSide& side, const Object& object) {
+    kept->append(extendedRow(*table, side.recordedColumn, object));
+  };
+  join.forEachLeft([&](const Object& object) { extend(plan.left, object); });
+  join.forEachRight([&](const Object& object) { extend(plan.right, object); });
   table->setRows(kept);
 }
 
@@ -113,40 +80,25 @@ void QORQL_ExpressionFactor::evaluateOR(QORQL_SymbolTable& symbolTable, QORSmrPt
   evaluate(symbolTable, other, nameSpace);
 }
 
-void QORQL_ExpressionFactor::_fetchClass(const QORString& name, QORQL_SymbolTable& symbolTable,
-                                         QORSmrPtr<QORQL_DataTable>& table, const QORString& nameSpace) {
-  if (name.isEmpty()) return;
-  QORQL_Helper::updateTable(name, symbolTable, table, nameSpace, _comparison, _operator, _queryString, _queryLanguage);
-}
-
 void QORQL_ExpressionFactor::_evaluateHelper(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
                                              const QORString& nameSpace) {
-  const QORQL_Comparison* const comparison = dynamic_cast<QORQL_Comparison*>(_comparison.Get());
-  if (comparison == nullptr) {
+  if (QORQL_nodeAs<QORQL_Comparison>(_comparison) == nullptr) {
     throw QORQL_Exception(QORQL_Exception::QORQL_INTERNAL_ERROR, QORQL_ExecutionMessages::kNotAComparison);
   }
-  const auto fetch = [&](const QORString& name) { _fetchClass(name, symbolTable, table, nameSpace); };
-  const SideNames left(comparison->getLHSArithmeticExpression());
-  left.forEach(fetch);
-  const bool isIsa = comparison->getOperator() == QORQL_OperatorISA;
-  const SideNames right(isIsa ? QORSmrPtr<QORQL_Evaluatable>() : comparison->getRHSArithmeticExpression());
-  right.forEach(fetch);
+  const QORQL_Condition condition(*this);
+  condition.forEachFetched([&](const QORString& name) {
+    QORQL_Helper::updateTable(name, symbolTable, table, nameSpace, _comparison, _operator, _queryString,
+                              _queryLanguage);
+  });
   if (table->getRowCount() == 0) return;
 
-  QORQL_Condition condition;
-  condition.node = _comparison;
-  condition.isNegated = _operator == QORQL_OperatorNOT;
-  const bool isOuter = comparison->getJoinType() != QORQL_JOIN_TYPE_INNER;
-  if (isOuter && !left.only().IsNull() && !right.only().IsNull()) {
-    condition.leftColumn = table->getColumnIndex(*left.only());
-    condition.rightColumn = table->getColumnIndex(*right.only());
-  }
-  QORQL_ExecutionMonitor::Method method = QORQL_ExecutionMonitor::kMethodFilter;
+  const QORQL_ConditionPlan plan = QORQL_planCondition(condition, QORQL_rowSetsOf(*table));
+  QORQL_ExecutionMonitor::Method method = QORQL_ConditionPlan::methodOf(plan.way);
   if (table->lazy() == nullptr) {
-    filterRows(symbolTable, table, condition, nameSpace);
+    filterRows(symbolTable, table, plan, nameSpace);
   } else {
-    method = QORQL_filterLazily(symbolTable, table, condition, nameSpace);
+    method = QORQL_filterLazily(symbolTable, table, plan, nameSpace);
   }
   QORQL_ExecutionMonitor* const monitor = QORQL_currentMonitor();
-  if (monitor != nullptr) monitor->conditionApplied(*comparison, method);
+  if (monitor != nullptr) monitor->conditionApplied(*plan.comparison, method);
 }
