@@ -12,16 +12,21 @@ struct CQLQueryFault {
     kClass,      // `name`, in FROM, is no class
     kProperty,   // `name` is no property of `className`, or of any FROM class when that is empty
     kAmbiguous,  // `name` is a property of more than one FROM class
-    kQualifier,  // `name`, before a dot in the select list, is no FROM name
+    kQualifier,  // `name`, before a dot in the select list or where a class is joined, is no FROM name
     kOther
   };
   static constexpr QORuint32 kNoOffset = 0xFFFFFFFF;
 
   Kind kind = kNone;
-  QORString message;             // for a person; empty when nothing is wrong
-  QORString name;                // ignoring case
-  QORString className;           // ignoring case
-  QORuint32 offset = kNoOffset;  // of the token at fault, as a byte of the text; only where the text does not parse
+  QORString message;    // for a person; empty when nothing is wrong
+  QORString name;       // ignoring case
+  QORString className;  // ignoring case
+  // Where the word at fault begins, as a byte of the text: QORQL_placeOf tells line and column. kNoOffset where no word
+  // is at fault.
+  QORuint32 offset = kNoOffset;
 };
+
+// What an error of parsing or running a statement is about, without its message; kOther for errors of no statement.
+CQLQueryFault CQLQueryFaultOf(const QoriBaseException& error);
 
 #endif

@@ -129,7 +129,6 @@ class CQLQueryStatement : public IQueryStatement {
  private:
   void requireValidated(const char* where) const;
   void parseQuery(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer);
-  void noteParseFault(const QoriBaseException& error, QORuint32 offset);
   void checkQuery();
   // Logs the message, which is also the fault's when nothing better is known.
   void refuse(const char* who, const QORString& message);

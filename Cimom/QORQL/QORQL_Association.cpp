@@ -2,6 +2,7 @@
 #include "Cimom/QORQL/QORQL_Association.h"
 
 #include "Cimom/QORQL/QORQL_ExpressionFactor.h"
+#include "Cimom/QORQL/QORQL_ExpressionPlaces.h"
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
 #include "Cimom/QORQL/QORQL_Lexer.h"
 #include "Cimom/QORQL/QORQL_Messages.h"
@@ -53,12 +54,15 @@ QORSmrPtr<QORQL_Evaluatable> QORQL_Association::parse(QORQL_SymbolTable& symbolT
       QORQL_ExpressionFactor::parse(symbolTable, lexer, projMap, queryString, queryLanguage);
   Tie destination;
   if (!readTie(second, lexer, destination) || source.association.compareTo(destination.association, 0) != 0) {
-    QORQL_raise(QORQL_Messages::kAssociationInvalid, lexer);
+    QORQL_raiseAt(QORQL_startOf(*second), QORQL_Messages::kAssociationInvalid, lexer);
   }
-  if (isRightOrFull(source.joinType)) QORQL_raise(QORQL_Messages::kAssociationJoin, lexer);
+  if (isRightOrFull(source.joinType)) QORQL_raiseAt(first->getOffset(), QORQL_Messages::kAssociationJoin, lexer);
   lexer.noteAssociation();
-  return QORSmrPtr<QORQL_Evaluatable>::MakeIn<QORQL_Association>(
+  auto result = QORSmrPtr<QORQL_Evaluatable>::MakeIn<QORQL_Association>(
       lexer.slabs(), source.end, destination.end, source.association, source.joinType, queryString, queryLanguage);
+  result->setOffset(QORQL_startOf(*first));
+  static_cast<QORQL_Association&>(*result)._destinationOffset = QORQL_findFromName(*second, destination.end);
+  return result;
 }
 
 void QORQL_Association::accept(QORSmrPtr<QORQL_ExpressionVisitor>& visitor) { visitor->visitAssociation(*this); }

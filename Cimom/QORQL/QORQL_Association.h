@@ -29,6 +29,8 @@ class QORQL_Association : public QORQL_Evaluatable {
   const QORString& getDestination() const noexcept { return _assocDestination; }
   const QORString& getAssociationName() const noexcept { return _associationName; }
   QORQL_JoinType getJoinType() const noexcept { return _joinType; }
+  // Where the destination is named; getOffset() is where the association is, first.
+  QORuint32 getDestinationOffset() const noexcept { return _destinationOffset; }
 
   void evaluate(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, const QORString& nameSpace) override;
   using QORQL_Evaluatable::evaluate;
@@ -39,6 +41,7 @@ class QORQL_Association : public QORQL_Evaluatable {
   QORString _assocDestination;
   QORString _associationName;
   QORQL_JoinType _joinType;
+  QORuint32 _destinationOffset = 0;
   QORString _queryString;
   QORString _queryLanguage;
 };

@@ -12,15 +12,17 @@
 #include "Cimom/QORQL/QORQL_Operator.h"
 #include "cmpbase.h"
 
-// The part of a chain that has been read. append() is not inlined: parsing nests,
-// and every frame on the way down should be small.
+// The part of a chain that has been read; append() takes an operand whose operator, if one follows, is the current
+// token. It is not inlined: parsing nests, and every frame on the way down should be small.
 template <class Node>
 class QORQL_ChainParts {
  public:
-  [[gnu::noinline]] void append(QORSmrPtr<QORQL_Evaluatable>&& operand, QORQL_Operator op, QORSlabs& slabs) {
+  [[gnu::noinline]] void append(QORSmrPtr<QORQL_Evaluatable>&& operand, QORQL_Operator op, QORQL_Lexer& lexer) {
+    const QORuint32 offset = op == QORQL_OperatorNONE ? operand.Get()->getOffset() : lexer.getOffset();
     QORSmrPtr<QORQL_Evaluatable>& place = _last == nullptr ? _chain : _last->chainLink();
-    place = QORSmrPtr<QORQL_Evaluatable>::MakeIn<Node>(slabs, std::move(operand), nullptr, op);
+    place = QORSmrPtr<QORQL_Evaluatable>::MakeIn<Node>(lexer.slabs(), std::move(operand), nullptr, op);
     _last = static_cast<Node*>(place.Get());
+    _last->setOffset(offset);
   }
   QORSmrPtr<QORQL_Evaluatable> take() noexcept { return std::move(_chain); }
 
@@ -40,7 +42,7 @@ QORSmrPtr<QORQL_Evaluatable> QORQL_parseChain(QORQL_SymbolTable& symbolTable, QO
   for (;;) {
     QORSmrPtr<QORQL_Evaluatable> operand = parseOperand(symbolTable, lexer, projMap, queryString, queryLanguage);
     const QORQL_Operator op = operatorOf(lexer.getCurrent().getType());
-    parts.append(std::move(operand), op, lexer.slabs());
+    parts.append(std::move(operand), op, lexer);
     if (op == QORQL_OperatorNONE) return parts.take();
     lexer.next(false);
   }

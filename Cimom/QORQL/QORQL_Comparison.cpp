@@ -30,14 +30,15 @@ ArrayComp parseArrayComp(QORQL_Lexer& lexer, ArrayComp any, ArrayComp every) {
 QORQL_Operator parseIs(QORQL_Lexer& lexer) {
   const bool negated = lexer.next(false).getType() == TokenNOT;
   if (negated) lexer.next(false);
-  if (lexer.getCurrent().getType() != TokenNULL) QORQL_raise(QORQL_Messages::kIsInvalid);
+  if (lexer.getCurrent().getType() != TokenNULL) QORQL_raise(QORQL_Messages::kIsInvalid, lexer);
   lexer.next(false);
   return negated ? QORQL_OperatorISNOTNULL : QORQL_OperatorISNULL;
 }
 
 void checkIsa(QORQL_Lexer& lexer) {
-  const QORQL_TokenType type = lexer.lookAhead(1).getType();
-  if (type != TokenID && type != TokenSTRINGLITERAL) QORQL_raise(QORQL_Messages::kIsaInvalid);
+  const QORQL_Token& name = lexer.lookAhead(1);
+  const bool isName = name.getType() == TokenID || name.getType() == TokenSTRINGLITERAL;
+  if (!isName) QORQL_raise(QORQL_Messages::kIsaInvalid, name.getOffset());
 }
 
 QORQL_Operator operatorOf(QORQL_TokenType type) {
@@ -163,34 +164,41 @@ QORSmrPtr<QORQL_Evaluatable> QORQL_Comparison::parse(QORQL_SymbolTable& symbolTa
                                                      const QORString& queryLanguage) {
   ArrayComp arrayComp = parseArrayComp(lexer, ArrayCompAnyLeft, ArrayCompEveryLeft);
   QORSmrPtr<QORQL_Evaluatable> left = QORQL_Arithmetic::parse(symbolTable, lexer, projMap, queryString, queryLanguage);
+  const QORuint32 offset = lexer.getOffset();
   const QORQL_Operator op = parseOperator(lexer);
   QORSmrPtr<QORQL_Evaluatable> right;
   if (takesRightOperand(op)) {
     if (arrayComp == ArrayCompNone) {
       arrayComp = parseArrayComp(lexer, ArrayCompAnyRight, ArrayCompEveryRight);
     } else if (isAnyOrEvery(lexer.getCurrent().getType())) {
-      QORQL_raise(QORQL_Messages::kAnyEveryTwice);
+      QORQL_raise(QORQL_Messages::kAnyEveryTwice, lexer);
     }
     right = QORQL_Arithmetic::parse(symbolTable, lexer, projMap, queryString, queryLanguage);
   }
+  const QORuint32 leftOffset = left.Get()->getOffset();
   auto result =
       QORSmrPtr<QORQL_Evaluatable>::MakeIn<QORQL_Comparison>(lexer.slabs(), std::move(left), std::move(right), op);
   QORQL_Comparison& comparison = static_cast<QORQL_Comparison&>(*result);
   comparison.setArrayComp(arrayComp);
+  comparison.setOffset(op == QORQL_OperatorNONE ? leftOffset : offset);
   validateArrays(comparison);
   return result;
 }
 
 void QORQL_Comparison::validateAnyArray(QORQL_Arithmetic* other) {
   const QORQL_Factor* const factor = leadingFactor(other);
-  if (factor != nullptr && isCompleteArray(*factor)) QORQL_raise(QORQL_Messages::kAnyEveryArrays);
+  if (factor != nullptr && isCompleteArray(*factor)) {
+    QORQL_raise(QORQL_Messages::kAnyEveryArrays, factor->getOffset());
+  }
 }
 
 void QORQL_Comparison::validateScalarArray(QORQL_Arithmetic* left, QORQL_Arithmetic* right) {
   const QORQL_Factor* const leftFactor = leadingFactor(left);
   const QORQL_Factor* const rightFactor = leadingFactor(right);
   if (leftFactor == nullptr || rightFactor == nullptr) return;
-  if (isCompleteArray(*leftFactor) != isCompleteArray(*rightFactor)) QORQL_raise(QORQL_Messages::kArrayWithScalar);
+  if (isCompleteArray(*leftFactor) == isCompleteArray(*rightFactor)) return;
+  const QORQL_Factor& array = isCompleteArray(*leftFactor) ? *leftFactor : *rightFactor;
+  QORQL_raise(QORQL_Messages::kArrayWithScalar, array.getOffset());
 }
 
 const QORQL_Factor* QORQL_Comparison::loneFactor() const noexcept {

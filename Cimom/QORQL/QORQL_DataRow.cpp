@@ -69,7 +69,8 @@ QORuint32 QORQL_DataRow::getCellCount() const noexcept { return _cells.IsNull() 
 void QORQL_DataRow::raiseNoProperty(const QORString& className, const QORString& propertyName) {
   throw QORQL_Exception(
       QORQL_Exception::QORQL_INVALID_COLUMN_NAME,
-      QORString("A non-existent property - '") + propertyName + "' was requested from class - '" + className + "'");
+      QORString("A non-existent property - '") + propertyName + "' was requested from class - '" + className + "'",
+      {QORQL_Fault::kPropertyMissing, propertyName, className});
 }
 
 QORSmrPtr<IQoriProperty> QORQL_DataRow::readProperty(const IQoriObject& object, const QORString& className,

@@ -34,6 +34,11 @@ class QORQL_Evaluatable {
   QORQL_Evaluatable& operator=(const QORQL_Evaluatable&) = delete;
 
   QORQL_NodeKind kind() const noexcept { return _kind; }
+  // The byte of the statement's text at which the node's own word or sign stands: its operator where it has one, else
+  // where what it consists of has its own. 0 for a node that no parser made.
+  QORuint32 getOffset() const noexcept { return _offset; }
+  // For parsers only.
+  void setOffset(QORuint32 offset) noexcept { _offset = offset; }
 
   virtual ~QORQL_Evaluatable();
   // The value on one row; null when it has none.
@@ -48,6 +53,7 @@ class QORQL_Evaluatable {
 
  private:
   QORQL_NodeKind _kind;
+  QORuint32 _offset = 0;
 };
 
 // BORROWS: the node as a Node (a class with a kKind of its own), or null when it is none.

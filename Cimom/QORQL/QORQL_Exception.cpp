@@ -1,6 +1,8 @@
 // The error of executing a query: its words and its CIM status.
 #include "Cimom/QORQL/QORQL_Exception.h"
 
+#include <utility>
+
 namespace {
 
 constexpr QORuint32 kFailed = 1;
@@ -9,8 +11,9 @@ constexpr QORuint32 kInvalidQuery = 16;
 
 }  // namespace
 
-QORQL_Exception::QORQL_Exception(QORQL_ExceptionCode code, const QORString& message)
-    : QoriBaseException("CQL_Runtime", "CQL", QORString(), message, static_cast<QORuint32>(code)) {}
+QORQL_Exception::QORQL_Exception(QORQL_ExceptionCode code, const QORString& message, QORQL_Fault fault)
+    : QoriBaseException("CQL_Runtime", "CQL", QORString(), message, static_cast<QORuint32>(code)),
+      _fault(std::move(fault)) {}
 
 QORQL_Exception::~QORQL_Exception() = default;
 

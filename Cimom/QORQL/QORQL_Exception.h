@@ -2,6 +2,7 @@
 #ifndef QORQL_EXCEPTION_H
 #define QORQL_EXCEPTION_H
 
+#include "Cimom/QORQL/QORQL_Fault.h"
 #include "cmpbase.h"
 
 // Type "CQL_Runtime", who "CQL".
@@ -17,13 +18,20 @@ class QORQL_Exception : public QoriBaseException {
     QORQL_INVALID_DATA_TYPE = 6
   };
 
-  QORQL_Exception(QORQL_ExceptionCode code, const QORString& message);
+  QORQL_Exception(QORQL_ExceptionCode code, const QORString& message, QORQL_Fault fault = {});
   QORQL_Exception(const QORQL_Exception&) = default;
   QORQL_Exception& operator=(const QORQL_Exception&) = default;
   ~QORQL_Exception() override;
 
+  // See QORQL_Fault: the name at fault, and with QORQL_placeOf its line and column.
+  const QORQL_Fault& getFault() const noexcept { return _fault; }
+  // For whoever runs the statement and finds the place of what is at fault.
+  void setFaultOffset(QORuint32 offset) noexcept { _fault.offset = offset; }
   // The CIM status that the object manager reports: 1, 4 or 16.
   QORuint32 getCIMErrorCode() const;
+
+ private:
+  QORQL_Fault _fault;
 };
 
 #endif

@@ -21,11 +21,15 @@ QORSmrPtr<QORQL_Evaluatable> QORQL_ExpressionFactor::parse(QORQL_SymbolTable& sy
                                                            QORQL_ProjectionMap& projMap, const QORString& queryString,
                                                            const QORString& queryLanguage) {
   const QORQL_Operator op = lexer.getCurrent().getType() == TokenNOT ? QORQL_OperatorNOT : QORQL_OperatorNONE;
+  const QORuint32 offset = lexer.getOffset();
   if (op == QORQL_OperatorNOT) lexer.next(false);
   QORSmrPtr<QORQL_Evaluatable> comparison =
       QORQL_Comparison::parse(symbolTable, lexer, projMap, queryString, queryLanguage);
-  return QORSmrPtr<QORQL_Evaluatable>::MakeIn<QORQL_ExpressionFactor>(lexer.slabs(), std::move(comparison), op,
-                                                                      queryString, queryLanguage);
+  const QORuint32 inner = comparison.Get()->getOffset();
+  auto factor = QORSmrPtr<QORQL_Evaluatable>::MakeIn<QORQL_ExpressionFactor>(lexer.slabs(), std::move(comparison), op,
+                                                                             queryString, queryLanguage);
+  factor.Get()->setOffset(op == QORQL_OperatorNOT ? offset : inner);
+  return factor;
 }
 
 bool QORQL_ExpressionFactor::isComparisonAnAssociation(QORQL_JoinType& joinType, QORString& leftName,

@@ -24,8 +24,10 @@ using Node = QORSmrPtr<QORQL_Evaluatable>;
 using Value = QORSmrPtr<IQoriValue>;
 
 // Parsing nests, so what does not nest is not inlined: that keeps the stack frames of the recursion small.
-[[gnu::noinline]] Node nested(QORSlabs& slabs, Node&& node, QORQL_Operator op) {
-  return Node::MakeIn<QORQL_Factor>(slabs, std::move(node), nullptr, nullptr, nullptr, op, false);
+[[gnu::noinline]] Node nested(QORSlabs& slabs, Node&& node, QORQL_Operator op, QORuint32 offset) {
+  Node factor = Node::MakeIn<QORQL_Factor>(slabs, std::move(node), nullptr, nullptr, nullptr, op, false);
+  factor.Get()->setOffset(offset);
+  return factor;
 }
 
 // Typed by its size; a number after a minus sign is typed as signed, though it
@@ -98,9 +100,13 @@ Value literalValue(QORSlabs& slabs, const QORQL_Token& token, QORQL_TokenType be
 
 [[gnu::noinline]] Node parseLiteral(QORQL_Lexer& lexer) {
   QORSlabs& slabs = lexer.slabs();
+  const QORuint32 offset = lexer.getOffset();
   Value literal = literalValue(slabs, lexer.getCurrent(), lexer.lookBack().getType());
   lexer.next(false);
-  return Node::MakeIn<QORQL_Factor>(slabs, nullptr, nullptr, nullptr, std::move(literal), QORQL_OperatorNONE, false);
+  Node factor =
+      Node::MakeIn<QORQL_Factor>(slabs, nullptr, nullptr, nullptr, std::move(literal), QORQL_OperatorNONE, false);
+  factor.Get()->setOffset(offset);
+  return factor;
 }
 
 // Entered on the opening parenthesis.
@@ -155,19 +161,20 @@ QORSmrPtr<QORQL_Evaluatable> QORQL_Factor::parse(QORQL_SymbolTable& symbolTable,
                                                  QORQL_ProjectionMap& projMap, const QORString& queryString,
                                                  const QORString& queryLanguage) {
   const QORQL_TokenType type = lexer.getCurrent().getType();
+  const QORuint32 offset = lexer.getOffset();
   if (type == TokenOPENPAREN) {
     return nested(lexer.slabs(), parseParentheses(symbolTable, lexer, projMap, queryString, queryLanguage),
-                  QORQL_OperatorNONE);
+                  QORQL_OperatorNONE, offset);
   }
   if (isLiteral(type, lexer.lookBack().getType())) return parseLiteral(lexer);
   if (type == TokenMINUS) {
     return nested(lexer.slabs(), parseNegated(symbolTable, lexer, projMap, queryString, queryLanguage),
-                  QORQL_OperatorMINUS);
+                  QORQL_OperatorMINUS, offset);
   }
   if (type != TokenID) QORQL_raiseAtToken(QORQL_Messages::kUnexpectedToken, lexer);
   if (lexer.lookAhead(1).getType() == TokenOPENPAREN) {
     return nested(lexer.slabs(), QORQL_Function::parse(symbolTable, lexer, projMap, queryString, queryLanguage),
-                  QORQL_OperatorNONE);
+                  QORQL_OperatorNONE, offset);
   }
   return QORQL_parseReference(symbolTable, lexer, projMap);
 }

@@ -44,6 +44,8 @@ class QORQL_Factor : public QORQL_Evaluatable {
   const QORSmrPtr<QORString>& getPropertyScope() const noexcept { return _property_scope; }
   QORsint32 getArrayIndexList() const noexcept { return _array_index_list; }
   bool isSelectAll() const noexcept { return _isSelectAll; }
+  // Where the property's name stands; getOffset() is where the first of the reference's names does.
+  QORuint32 getPropertyOffset() const noexcept { return _propertyOffset; }
   // A bare identifier that was a known FROM name when it was parsed, or has
   // been found to be one by name resolution.
   bool isKnownFromName() const noexcept { return _isKnownFromName; }
@@ -54,6 +56,11 @@ class QORQL_Factor : public QORQL_Evaluatable {
   // A bare identifier: class "" (before resolution), no chain, scope, index or nested node.
   bool isBareIdentifier() const noexcept;
 
+  // For the parser only.
+  void setPlace(QORuint32 offset, QORuint32 propertyOffset) noexcept {
+    setOffset(offset);
+    _propertyOffset = propertyOffset;
+  }
   // For name resolution only.
   void setClassName(const QORSmrPtr<QORString>& className) { _idClassName = className; }
   void setPropertyName(const QORSmrPtr<QORString>& propertyName) { _idPropertyName = propertyName; }
@@ -77,6 +84,7 @@ class QORQL_Factor : public QORQL_Evaluatable {
   QORSmrPtr<QORString> _idPropertyName;
   QORSmrPtr<IQoriValue> _literal;
   QORQL_Operator _operator;
+  QORuint32 _propertyOffset = 0;
   QORSmrPtr<QORString> _chain;
   QORSmrPtr<QORString> _property_scope;
   QORsint32 _array_index_list = kNoArray;

@@ -7,10 +7,11 @@
 
 namespace {
 
-QORString parseAlias(QORQL_Lexer& lexer) {
+QORString parseAlias(QORQL_Lexer& lexer, QORuint32& offset) {
   if (lexer.getCurrent().getType() != TokenAS) return QORString::emptyString();
   if (lexer.next(false).getType() != TokenID) QORQL_raise(QORQL_Messages::kFromAliasExpected, lexer);
   QORString alias = lexer.getCurrent().newText(lexer.slabs());
+  offset = lexer.getOffset();
   alias.toUpper();
   lexer.next(false);
   return alias;
@@ -45,8 +46,13 @@ QORSmrPtr<QORQL_FromSpecifier> QORQL_FromSpecifier::parse(QORQL_SymbolTable& sym
   if (type != TokenID) QORQL_raiseAtToken(QORQL_Messages::kClassNameExpected, lexer);
   QORString className = lexer.getCurrent().newText(lexer.slabs());
   className.toUpper();
+  const QORuint32 offset = lexer.getOffset();
   lexer.next(false);
-  const QORString alias = parseAlias(lexer);
+  QORuint32 aliasOffset = 0;
+  const QORString alias = parseAlias(lexer, aliasOffset);
   enterSymbols(symbolTable, lexer.slabs(), className, alias, isSelectAll);
-  return QORSmrPtr<QORQL_FromSpecifier>::MakeIn(lexer.slabs(), className, nullptr, alias);
+  auto specifier = QORSmrPtr<QORQL_FromSpecifier>::MakeIn(lexer.slabs(), className, nullptr, alias);
+  specifier->_offset = offset;
+  specifier->_aliasOffset = aliasOffset;
+  return specifier;
 }

@@ -17,6 +17,9 @@ class QORQL_FromSpecifier : public QORQL_Executable {
   const QORString& getTableName() const noexcept { return _tableName; }
   // Upper case; empty when none.
   const QORString& getAlias() const noexcept { return _alias; }
+  // Where the class stands, and the alias if there is one, as bytes of the statement's text.
+  QORuint32 getOffset() const noexcept { return _offset; }
+  QORuint32 getAliasOffset() const noexcept { return _aliasOffset; }
   // Always null: nested queries are refused by the parser.
   const QORSmrPtr<QORQL_Executable>& getSubQuery() const noexcept { return _subQuery; }
 
@@ -28,6 +31,8 @@ class QORQL_FromSpecifier : public QORQL_Executable {
   QORString _tableName;
   QORSmrPtr<QORQL_Executable> _subQuery;
   QORString _alias;
+  QORuint32 _offset = 0;
+  QORuint32 _aliasOffset = 0;
 };
 
 #endif

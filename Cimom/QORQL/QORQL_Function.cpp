@@ -19,11 +19,15 @@ class ArgumentFinder : public QORQL_IdentifierFinder {
   void visitFactor(const QORQL_Factor& factor) override {
     QORQL_IdentifierFinder::visitFactor(factor);
     _isScoped = _isScoped || !factor.getPropertyScope().IsNull();
+    _offset = factor.getOffset();
   }
+  // Of the last factor.
+  QORuint32 offset() const noexcept { return _offset; }
   bool isScoped() const noexcept { return _isScoped; }
 
  private:
   bool _isScoped = false;
+  QORuint32 _offset = 0;
 };
 
 // Until here a class name was parsed as a property: it becomes the class, and a
@@ -36,21 +40,23 @@ void rewriteObjectPath(const Parameters& parameters, const QORQL_Lexer& lexer) {
   if (property.IsNull()) return;
   const QORSmrPtr<QORString> className = finder->getClassName();
   if (className.IsNull() || !className->isEmpty() || finder->isScoped()) {
-    QORQL_raise(QORQL_Messages::kObjectPathArgument, lexer);
+    QORQL_raiseAt(finder->offset(), QORQL_Messages::kObjectPathArgument, lexer);
   }
   *className = QORString::toUpperCase(*property);
   *property = "NONE";
 }
 
 // Entered on the closing parenthesis. Not inlined: parsing nests, and small stack frames allow deeper nesting.
-[[gnu::noinline]] QORSmrPtr<QORQL_Evaluatable> finishCall(const QORString& name, const Parameters& parameters,
-                                                          QORQL_Lexer& lexer) {
+[[gnu::noinline]] QORSmrPtr<QORQL_Evaluatable> finishCall(const QORString& name, QORuint32 offset,
+                                                          const Parameters& parameters, QORQL_Lexer& lexer) {
   const QORQL_FunctionID functionID = QORQL_findFunction(name);
-  if (functionID == QORQL_FUNCTIONID_UNKNOWN) QORQL_raise(QORQL_Messages::kFunctionUnknown, lexer);
-  if (parameters->entries() != 1) QORQL_raise(QORQL_Messages::kArgumentCount, lexer, name);
+  if (functionID == QORQL_FUNCTIONID_UNKNOWN) QORQL_raiseAt(offset, QORQL_Messages::kFunctionUnknown, lexer);
+  if (parameters->entries() != 1) QORQL_raiseAt(offset, QORQL_Messages::kArgumentCount, lexer, name);
   if (functionID == QORQL_FUNCTIONID_OBJECTPATH) rewriteObjectPath(parameters, lexer);
   lexer.next(false);
-  return QORSmrPtr<QORQL_Evaluatable>::MakeIn<QORQL_Function>(lexer.slabs(), parameters, functionID);
+  auto function = QORSmrPtr<QORQL_Evaluatable>::MakeIn<QORQL_Function>(lexer.slabs(), parameters, functionID);
+  function.Get()->setOffset(offset);
+  return function;
 }
 
 }  // namespace
@@ -66,6 +72,7 @@ QORSmrPtr<QORQL_Evaluatable> QORQL_Function::parse(QORQL_SymbolTable& symbolTabl
   const QORQL_NestingGuard guard(lexer);
   const ParameterList parameters = ParameterList::MakeIn(lexer.slabs());
   const QORString name = lexer.getCurrent().getValue();
+  const QORuint32 offset = lexer.getOffset();
   lexer.next(false);
   do {
     lexer.next(false);  // past the opening parenthesis or a comma
@@ -73,7 +80,7 @@ QORSmrPtr<QORQL_Evaluatable> QORQL_Function::parse(QORQL_SymbolTable& symbolTabl
     parameters->append(QORQL_Expression::parse(symbolTable, lexer, projMap, queryString, queryLanguage));
   } while (lexer.getCurrent().getType() == TokenCOMMA);
   if (lexer.getCurrent().getType() != TokenCLOSEPAREN) QORQL_raise(QORQL_Messages::kFunctionParenExpected, lexer);
-  return finishCall(name, parameters, lexer);
+  return finishCall(name, offset, parameters, lexer);
 }
 
 void QORQL_Function::accept(QORSmrPtr<QORQL_ExpressionVisitor>& visitor) {

@@ -91,9 +91,18 @@ QORString QORQL_printedText(const QORQL_Token& token) {
 }
 
 void QORQL_raise(const QORQL_ParseMessage& message, const QORQL_Lexer& lexer, const QORString& argument) {
-  QORQL_raise(message, lexer.getCurrentLineNr(), argument);
+  QORQL_raiseAt(lexer.getOffset(), message, lexer, argument);
+}
+
+void QORQL_raise(const QORQL_CheckMessage& message, const QORQL_Lexer& lexer) {
+  QORQL_raise(message, lexer.getOffset());
 }
 
 void QORQL_raiseAtToken(const QORQL_ParseMessage& message, QORQL_Lexer& lexer) {
   QORQL_raise(message, lexer, QORQL_printedText(lexer.getCurrent()));
+}
+
+void QORQL_raiseAt(QORuint32 offset, const QORQL_ParseMessage& message, const QORQL_Lexer& lexer,
+                   const QORString& argument) {
+  QORQL_raise(message, lexer.getCurrentLineNr(), offset, argument);
 }

@@ -6,6 +6,7 @@
 #include "Cimom/QORQL/QORQL_Token.h"
 #include "cmpbase.h"
 
+struct QORQL_CheckMessage;
 struct QORQL_ParseMessage;
 
 // Made for one query text, read to its end by one parse. Belongs to one thread.
@@ -35,6 +36,8 @@ class QORQL_Lexer {
   // THROWS QORQL_ParseException code 2 "Unexpected token '<text>' found" on another type; does not advance.
   void matchToken(int type);
 
+  // Where the current token begins, as a byte of the text.
+  QORuint32 getOffset() const noexcept { return _currentToken.getOffset(); }
   QORuint32 getCurrentLineNr() const noexcept { return _scanner.line(); }
   const QORString& getFileName() const noexcept { return _fileName; }
   const QORString& getPathName() const noexcept { return _pathname; }
@@ -77,10 +80,14 @@ class QORQL_Lexer {
 // The text of a token as messages print it: nothing for the end of the input.
 QORString QORQL_printedText(const QORQL_Token& token);
 
-// Each THROWS the message as a QORQL_ParseException at the lexer's line, with the argument in place of its "%s".
+// Each THROWS the message, as QORQL_Messages.h says: about the current token, at the lexer's line.
 [[noreturn]] void QORQL_raise(const QORQL_ParseMessage& message, const QORQL_Lexer& lexer,
                               const QORString& argument = QORString());
+[[noreturn]] void QORQL_raise(const QORQL_CheckMessage& message, const QORQL_Lexer& lexer);
 // The argument is the text of the current token.
 [[noreturn]] void QORQL_raiseAtToken(const QORQL_ParseMessage& message, QORQL_Lexer& lexer);
+// About a word that was read before.
+[[noreturn]] void QORQL_raiseAt(QORuint32 offset, const QORQL_ParseMessage& message, const QORQL_Lexer& lexer,
+                                const QORString& argument = QORString());
 
 #endif

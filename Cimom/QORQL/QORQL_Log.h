@@ -24,9 +24,10 @@ inline void QORQL_logTrace(const QORString& message) noexcept { QORQL_logOwn(mes
 
 // Logs the message, then THROWS it as a QORQL_Exception with QORQL_INTERNAL_ERROR.
 [[noreturn]] inline void QORQL_logAndThrow(const QORString& message,
-                                           QoriTraceLog::Severity severity = QoriTraceLog::kError) {
+                                           QoriTraceLog::Severity severity = QoriTraceLog::kError,
+                                           const QORQL_Fault& fault = {}) {
   QORQL_logOwn(message, severity);
-  throw QORQL_Exception(QORQL_Exception::QORQL_INTERNAL_ERROR, message);
+  throw QORQL_Exception(QORQL_Exception::QORQL_INTERNAL_ERROR, message, fault);
 }
 
 #endif

@@ -10,12 +10,14 @@
 struct QORQL_ParseMessage {
   QORuint32 code;
   const char* text;
+  QORQL_Fault::Kind kind = QORQL_Fault::kSyntax;
 };
 
 // Of the expression checks, which are runtime errors although the parser makes them.
 struct QORQL_CheckMessage {
   QORQL_Exception::QORQL_ExceptionCode code;
   const char* text;
+  QORQL_Fault::Kind kind = QORQL_Fault::kSyntax;
 };
 
 namespace QORQL_Messages {
@@ -75,8 +77,10 @@ inline constexpr QORQL_ParseMessage kObjectPathArgument{
     17, "Invalid argument specified to OBJECTPATH function. Only classnames allowed."};
 
 // Associations.
-inline constexpr QORQL_ParseMessage kAssociationAndExpected{6, "'AND' expected for an association"};
-inline constexpr QORQL_ParseMessage kAssociationInvalid{14, "Invalid syntax specified for an Association"};
+inline constexpr QORQL_ParseMessage kAssociationAndExpected{6, "'AND' expected for an association",
+                                                            QORQL_Fault::kHalfAssociation};
+inline constexpr QORQL_ParseMessage kAssociationInvalid{14, "Invalid syntax specified for an Association",
+                                                        QORQL_Fault::kHalfAssociation};
 inline constexpr QORQL_ParseMessage kAssociationJoin{14,
                                                      "Right and Full outer joins are not supported on associations"};
 inline constexpr QORQL_ParseMessage kAssociationNull{18, "Encountered NULL expression factor when parsing association"};
@@ -96,25 +100,27 @@ inline constexpr QORQL_CheckMessage kArrayWithScalar{
     "A comparison between an array property and non-array property is illegal if neither ANY or EVERY is used."};
 
 // Name resolution.
-inline constexpr QORQL_ParseMessage kPropertyAmbiguous{12, "property '%s' found in more than one class"};
-inline constexpr QORQL_ParseMessage kPropertyUnknown{12, "property '%s' not found in any class"};
+inline constexpr QORQL_ParseMessage kPropertyAmbiguous{12, "property '%s' found in more than one class",
+                                                       QORQL_Fault::kPropertyAmbiguous};
+inline constexpr QORQL_ParseMessage kPropertyUnknown{12, "property '%s' not found in any class",
+                                                     QORQL_Fault::kPropertyUnknown};
 inline constexpr QORQL_CheckMessage kSymbolInvalid{QORQL_Exception::QORQL_UNDEFINED_SYMBOL,
-                                                   "Invalid symbol specified in the select clause -'%s'"};
+                                                   "Invalid symbol specified in the select clause -'%s'",
+                                                   QORQL_Fault::kFromNameUnknown};
 inline constexpr QORQL_CheckMessage kSelectCastFailed{
-    QORQL_Exception::QORQL_INTERNAL_ERROR, "Unexpected std::bad_cast exception while updating SELECT classes: %s"};
+    QORQL_Exception::QORQL_INTERNAL_ERROR, "Unexpected std::bad_cast exception while updating SELECT classes: %s",
+    QORQL_Fault::kOther};
 inline constexpr QORQL_CheckMessage kWhereCastFailed{
-    QORQL_Exception::QORQL_INTERNAL_ERROR, "Unexpected std::bad_cast exception while updating WHERE classes: %s"};
+    QORQL_Exception::QORQL_INTERNAL_ERROR, "Unexpected std::bad_cast exception while updating WHERE classes: %s",
+    QORQL_Fault::kOther};
 
 }  // namespace QORQL_Messages
 
-// Whether a text is the message with something in place of its "%s", which is
-// then the argument.
-bool QORQL_isMessage(const char* message, const QORString& text, QORString& argument);
-
-// Each THROWS the message, with the argument in place of its "%s".
-// At a line of the text; what is found after the text was read has line 0.
-[[noreturn]] void QORQL_raise(const QORQL_ParseMessage& message, QORuint32 line, const QORString& argument);
-[[noreturn]] void QORQL_raise(const QORQL_ParseMessage& message, const QORString& argument);
-[[noreturn]] void QORQL_raise(const QORQL_CheckMessage& message, const QORString& argument = QORString());
+// Each THROWS the message, with the argument in place of its "%s", and as its fault the message's kind, the argument
+// and the byte of the text at which the word at fault begins. Line 0: found after the text was read.
+[[noreturn]] void QORQL_raise(const QORQL_ParseMessage& message, QORuint32 line, QORuint32 offset,
+                              const QORString& argument);
+[[noreturn]] void QORQL_raise(const QORQL_CheckMessage& message, QORuint32 offset,
+                              const QORString& argument = QORString());
 
 #endif

@@ -1,8 +1,11 @@
 // The error of a query text: its words and its CIM status.
 #include "Cimom/QORQL/QORQL_ParseException.h"
 
-QORQL_ParseException::QORQL_ParseException(QORuint32 code, const QORString& message, QORuint32 lineNr)
-    : QoriBaseException("parse", "CQL", QORString(), message, code), _lineNr(lineNr) {}
+#include <utility>
+
+QORQL_ParseException::QORQL_ParseException(QORuint32 code, const QORString& message, QORuint32 lineNr,
+                                           QORQL_Fault fault)
+    : QoriBaseException("parse", "CQL", QORString(), message, code), _lineNr(lineNr), _fault(std::move(fault)) {}
 
 QORQL_ParseException::~QORQL_ParseException() = default;
 

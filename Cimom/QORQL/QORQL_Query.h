@@ -54,8 +54,8 @@ class QORQL_Query : public QORQL_Executable {
   // XML table. REQUIRES the symbol table that parse filled, and a fresh table.
   // THROWS QORQL_Exception, QORQL_ParseException (code 15, line 0: an aggregate
   // that cannot be streamed) and what providers and values throw; the table then
-  // holds what the finished steps left in it. What fails while result rows are
-  // built or written is logged instead, and ends the rows.
+  // holds what the finished steps left in it. A QORQL_Exception about a name of the statement has its place. What fails
+  // while result rows are built or written is logged instead, and ends the rows.
   void execute(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, std::ostream* out,
                const QORString& nameSpace) override;
 
@@ -65,12 +65,15 @@ class QORQL_Query : public QORQL_Executable {
   struct UpdateContext {
     const QORString& nameSpace;
     QORQL_SymbolTable& symbolTable;
+    const QORQL_SelectList& entries;
     const QORQL_SelectList* selectList;  // where sort keys look for column aliases; null elsewhere
     NameCache& cache;
     QORSlabs& slabs;
     bool needsWholeObjects = false;  // a whole object that is named is needed with all its properties
   };
 
+  void _executeClauses(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, std::ostream* out,
+                       const QORString& nameSpace);
   // Whether WHERE and ORDER BY do not run because every provider has filtered already.
   bool _isLeftToProviders(const QORQL_DataTable& table) const noexcept;
   static QORSmrPtr<QORQL_Executable> _parseClauses(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
@@ -86,8 +89,8 @@ class QORQL_Query : public QORQL_Executable {
   static void _verifySymbolsAndUpdateSymbolTable(QORQL_ProjectionMap& projectionMap, UpdateContext& context);
   static void _findWhereClasses(QORQL_WhereClause& whereClause, UpdateContext& context);
   static void _findOrderByClasses(QORQL_OrderByClause& orderByClause, UpdateContext& context);
-  // The one FROM class that has the property.
-  static FromClass& _findClass(const QORString& propertyName, UpdateContext& context);
+  // The one FROM class that has the property; the factor names it, or is null where an entry of the select list does.
+  static FromClass& _findClass(const QORString& propertyName, const QORQL_Factor* factor, UpdateContext& context);
   // How many of the FROM classes have the property (no further than two), and the first of them.
   static QORuint32 _countClasses(const QORString& propertyName, UpdateContext& context, FromClass*& first);
   static bool _isFromName(const QORString& name, const UpdateContext& context);
@@ -96,7 +99,7 @@ class QORQL_Query : public QORQL_Executable {
   static bool _namesOneProperty(const QORQL_Comparison& expression, const QORSmrPtr<QORQL_Evaluatable>& node);
   static void _resolveEntry(QORQL_SelectedEntry& entry, UpdateContext& context);
   static bool _resolveToEntryOrObject(QORQL_Factor& factor, UpdateContext& context);
-  static FromClass* _tryFindClass(const QORString& propertyName, UpdateContext& context);
+  static FromClass* _tryFindClass(const QORQL_Factor& factor, UpdateContext& context);
   static void _updateExpression(QORQL_Factor& factor, UpdateContext& context);
   static void _updateExpression(const QORQL_Term& term, UpdateContext& context);
   static void _updateExpression(const QORQL_Arithmetic& arithmetic, UpdateContext& context);

@@ -27,6 +27,7 @@
 #include "Cimom/QORQL/QORQL_OrderByClause.h"
 #include "Cimom/QORQL/QORQL_Query.h"
 #include "Cimom/QORQL/QORQL_SelectList.h"
+#include "Cimom/QORQL/QORQL_StatementPlaces.h"
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
 #include "Cimom/QORQL/QORQL_Term.h"
 #include "Cimom/QORQL/QORQL_WhereClause.h"
@@ -120,8 +121,8 @@ bool comparesValues(QORQL_Operator op) {
 void QORQL_Query::_resolve(QORQL_SymbolTable& symbolTable, QORQL_ProjectionMap& projectionMap,
                            const QORString& nameSpace, QORSlabs& slabs) {
   NameCache cache;
-  UpdateContext context{nameSpace, symbolTable, nullptr, cache, slabs};
   QORQL_SelectList& selectList = static_cast<QORQL_SelectList&>(*_selectList);  // as parse() made it, and what follows
+  UpdateContext context{nameSpace, symbolTable, selectList, nullptr, cache, slabs};
   _findSelectClasses(selectList, projectionMap, context);
   _verifySymbolsAndUpdateSymbolTable(projectionMap, context);
   if (!_whereClause.IsNull()) _findWhereClasses(static_cast<QORQL_WhereClause&>(*_whereClause), context);
@@ -149,19 +150,25 @@ QORuint32 QORQL_Query::_countClasses(const QORString& propertyName, UpdateContex
   return count;
 }
 
-QORQL_Query::FromClass& QORQL_Query::_findClass(const QORString& propertyName, UpdateContext& context) {
+QORQL_Query::FromClass& QORQL_Query::_findClass(const QORString& propertyName, const QORQL_Factor* factor,
+                                                UpdateContext& context) {
   FromClass* found = context.cache.classOf(propertyName);
   if (found != nullptr) return *found;
   const QORuint32 count = _countClasses(propertyName, context, found);
-  if (count > 1) QORQL_raise(QORQL_Messages::kPropertyAmbiguous, propertyName);
-  if (count == 0) QORQL_raise(QORQL_Messages::kPropertyUnknown, propertyName);
+  if (count != 1) {
+    const QORuint32 place =
+        factor == nullptr ? QORQL_findBareName(context.entries, propertyName) : factor->getPropertyOffset();
+    QORQL_raise(count == 0 ? QORQL_Messages::kPropertyUnknown : QORQL_Messages::kPropertyAmbiguous, 0, place,
+                propertyName);
+  }
   context.cache.keepClassOf(propertyName, *found);
   return *found;
 }
 
 // A sort key that cannot be bound is no error here: it fails when the rows are sorted.
-QORQL_Query::FromClass* QORQL_Query::_tryFindClass(const QORString& propertyName, UpdateContext& context) {
-  if (context.selectList == nullptr) return &_findClass(propertyName, context);
+QORQL_Query::FromClass* QORQL_Query::_tryFindClass(const QORQL_Factor& factor, UpdateContext& context) {
+  const QORString& propertyName = *factor.getPropertyName();
+  if (context.selectList == nullptr) return &_findClass(propertyName, &factor, context);
   FromClass* found = nullptr;
   return _countClasses(propertyName, context, found) == 1 ? found : nullptr;
 }
@@ -207,7 +214,7 @@ void QORQL_Query::_updateExpression(QORQL_Factor& factor, UpdateContext& context
   if (!hasEmptyChain && !hasEmptyClass) return;
   if (!hasEmptyChain && _resolveToEntryOrObject(factor, context)) return;
   const QORString& property = *factor.getPropertyName();
-  FromClass* const found = _tryFindClass(property, context);
+  FromClass* const found = _tryFindClass(factor, context);
   if (found == nullptr) return;
   if (hasEmptyChain) *factor.getChain() = found->name;
   if (hasEmptyClass) *factor.getClassName() = found->name;
@@ -291,7 +298,7 @@ void QORQL_Query::_bindBareNames(QORQL_ProjectionMap& projectionMap, UpdateConte
   QORValSlistIterator<QORString> names(*(*bare)->getPropertyList());
   while (++names) {
     if (_isFromName(names.key(), context)) continue;
-    FromClass& holder = _findClass(names.key(), context);
+    FromClass& holder = _findClass(names.key(), nullptr, context);
     QORQL_ClassInfo& record =
         isAlone ? _neededOf(holder, context) : *QORQL_recordOf(projectionMap, holder.name, context.slabs);
     record.addPropertyOnce(names.key(), context.slabs);
@@ -329,7 +336,9 @@ bool QORQL_Query::_namesOneProperty(const QORQL_Comparison& expression, const QO
 
 void QORQL_Query::_resolveEntry(QORQL_SelectedEntry& entry, UpdateContext& context) {
   const auto* const expression = QORQL_nodeAs<QORQL_Comparison>(entry.getExpression());
-  if (expression == nullptr) QORQL_raise(QORQL_Messages::kSelectCastFailed, std::bad_cast().what());
+  if (expression == nullptr) {
+    QORQL_raise(QORQL_Messages::kSelectCastFailed, entry.getOffset(), std::bad_cast().what());
+  }
   context.needsWholeObjects = entry.GetFunctionID() == QORQL_FUNCTIONID_UNKNOWN;
   _updateExpression(*expression, context);
   context.needsWholeObjects = false;
@@ -355,7 +364,10 @@ void QORQL_Query::_verifySymbolsAndUpdateSymbolTable(QORQL_ProjectionMap& projec
   while (++records) {
     const QORQL_ClassInfo& named = *records.peekValue();
     QORQL_Symbol* const symbol = context.symbolTable.findIgnoringCase(named.getClassName());
-    if (symbol == nullptr) QORQL_raise(QORQL_Messages::kSymbolInvalid, named.getClassName());
+    if (symbol == nullptr) {
+      const QORuint32 place = QORQL_findQualifier(context.entries, named.getClassName());
+      QORQL_raise(QORQL_Messages::kSymbolInvalid, place, named.getClassName());
+    }
     QORQL_ClassInfo& needed = neededOf(*symbol, context.slabs);
     QORValSlistIterator<QORString> properties(*named.getPropertyList());
     while (++properties) needed.addPropertyOnce(properties.key(), context.slabs);
@@ -365,7 +377,9 @@ void QORQL_Query::_verifySymbolsAndUpdateSymbolTable(QORQL_ProjectionMap& projec
 
 void QORQL_Query::_findWhereClasses(QORQL_WhereClause& whereClause, UpdateContext& context) {
   const auto* const expression = QORQL_nodeAs<QORQL_Expression>(whereClause.getExpression());
-  if (expression == nullptr) QORQL_raise(QORQL_Messages::kWhereCastFailed, std::bad_cast().what());
+  if (expression == nullptr) {
+    QORQL_raise(QORQL_Messages::kWhereCastFailed, QORQL_Fault::kNowhere, std::bad_cast().what());
+  }
   _updateExpression(*expression, context);
 }
 

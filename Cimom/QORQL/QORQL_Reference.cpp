@@ -29,6 +29,7 @@ class Reference {
       : _symbolTable(symbolTable),
         _lexer(lexer),
         _projMap(projMap),
+        _offset(lexer.getOffset()),
         _afterAnyOrEvery(lexer.lookBack().getType() == TokenANY || lexer.lookBack().getType() == TokenEVERY) {}
 
   QORSmrPtr<QORQL_Evaluatable> parse() {
@@ -59,6 +60,7 @@ class Reference {
     if (_identifiers > 2) (_path += ".") += _beforeLast;
     if (_identifiers > 1) _beforeLast = std::move(_last);
     _last = _lexer.getCurrent().newText(_lexer.slabs());
+    _lastOffset = _lexer.getOffset();
     ++_identifiers;
     _lexer.next(false);
     if (currentType() == TokenOPENSQUAREBRACK) readIndex();
@@ -85,12 +87,13 @@ class Reference {
 
   QORSmrPtr<QORQL_Evaluatable> parseSelectAll() {
     _lexer.next(false);
+    _lastOffset = _lexer.getOffset();
     _lexer.next(false);
     if (QORQL_ClassInfo* const record = QORQL_recordOf(_projMap, _last, _lexer.slabs())) {
       record->setNeedAllProperties(true);
     }
-    return QORSmrPtr<QORQL_Evaluatable>::MakeIn<QORQL_Factor>(_lexer.slabs(), nullptr, newText(std::move(_last)),
-                                                              newText("*"), nullptr, QORQL_OperatorNONE, true);
+    return placed(QORSmrPtr<QORQL_Evaluatable>::MakeIn<QORQL_Factor>(_lexer.slabs(), nullptr, newText(std::move(_last)),
+                                                                     newText("*"), nullptr, QORQL_OperatorNONE, true));
   }
 
   void request(const QORString& className, const QORString& property) {
@@ -105,9 +108,14 @@ class Reference {
     const bool asksSecond = isDotted && _identifiers > 2 && !(_isScoped && _identifiers == 3);
     request(className, asksSecond ? _second : _last);
     const bool hasChain = _isScoped || _identifiers > 2;
-    return QORSmrPtr<QORQL_Evaluatable>::MakeIn<QORQL_Factor>(
+    return placed(QORSmrPtr<QORQL_Evaluatable>::MakeIn<QORQL_Factor>(
         _lexer.slabs(), nullptr, newText(className), newText(std::move(_last)), nullptr, QORQL_OperatorNONE,
-        hasChain ? newText(chainText()) : Text(), _isScoped ? newText(beforeLast()) : Text(), _index);
+        hasChain ? newText(chainText()) : Text(), _isScoped ? newText(beforeLast()) : Text(), _index));
+  }
+
+  QORSmrPtr<QORQL_Evaluatable> placed(QORSmrPtr<QORQL_Evaluatable> factor) const {
+    static_cast<QORQL_Factor*>(factor.Get())->setPlace(_offset, _lastOffset);
+    return factor;
   }
 
   const QORString& beforeLast() const noexcept { return _identifiers == 2 ? _first : _beforeLast; }
@@ -123,10 +131,12 @@ class Reference {
   QORQL_SymbolTable& _symbolTable;
   QORQL_Lexer& _lexer;
   QORQL_ProjectionMap& _projMap;
+  const QORuint32 _offset;
   const bool _afterAnyOrEvery;
   bool _isScoped = false;
   QORuint32 _identifiers = 0;
   QORsint32 _index = QORQL_Factor::kNoArray;
+  QORuint32 _lastOffset = 0;
   QORString _first;
   QORString _second;
   QORString _path;        // all but the two last of three and more, joined by dots
@@ -139,6 +149,7 @@ QORSmrPtr<QORQL_Evaluatable> parseBareName(QORQL_SymbolTable& symbolTable, QORQL
                                            QORQL_ProjectionMap& projMap) {
   QORSlabs& slabs = lexer.slabs();
   QORString name = lexer.getCurrent().newText(slabs);
+  const QORuint32 offset = lexer.getOffset();
   lexer.next(false);
   if (lexer.recordsBareNames()) {
     QORQL_ClassInfo* const record = QORQL_recordOf(projMap, QORString::emptyString(), slabs);
@@ -148,7 +159,9 @@ QORSmrPtr<QORQL_Evaluatable> parseBareName(QORQL_SymbolTable& symbolTable, QORQL
   auto result = QORSmrPtr<QORQL_Evaluatable>::MakeIn<QORQL_Factor>(
       slabs, nullptr, Text::MakeIn(slabs, QORString::emptyString()), Text::MakeIn(slabs, std::move(name)), nullptr,
       QORQL_OperatorNONE, false);
-  static_cast<QORQL_Factor&>(*result).setKnownFromName(isKnownFromName);
+  auto& factor = static_cast<QORQL_Factor&>(*result);
+  factor.setKnownFromName(isKnownFromName);
+  factor.setPlace(offset, offset);
   return result;
 }
 

@@ -12,12 +12,13 @@ namespace {
 struct FirstPrefix {
   QORboolean isUsed = false;
   QORuint32 count = 0;
+  QORuint32 offset = 0;
 };
 
 FirstPrefix parseFirst(QORQL_Lexer& lexer) {
   FirstPrefix first;
   if (lexer.lookAhead(1).getType() != TokenFIRST) return first;
-  lexer.next(false);
+  first.offset = lexer.next(false).getOffset();
   const QORString number = lexer.next(false).getValue();
   if (!number.isNumeric()) QORQL_raise(QORQL_Messages::kFirstNotNumeric, lexer);
   first.isUsed = true;
@@ -52,21 +53,26 @@ QORSmrPtr<QORQL_Executable> QORQL_SelectList::parse(QORQL_SymbolTable& symbolTab
     lexer.next(false);
     QORSmrPtr<QORQL_SelectedEntry> entry =
         QORQL_SelectedEntry::parse(symbolTable, lexer, classInfos, queryString, queryLanguage);
-    _checkForAggregateMismatch(entry->isEntryAggregate(), state);
+    _checkForAggregateMismatch(entry->isEntryAggregate(), state, entry->getOffset());
     isSelectAll = entry->isSelectAll();  // of the last entry alone: `*, a` is no select-all list
     entries->append(std::move(entry), lexer.slabs());
   } while (lexer.getCurrent().getType() == TokenCOMMA);
   if (entries->isEmpty()) QORQL_raise(QORQL_Messages::kSelectListMissing, lexer);
   const QORboolean areAllAggregates = state == SEL_AGGREGATE;
-  if (areAllAggregates && first.isUsed) QORQL_raise(QORQL_Messages::kFirstWithAggregates, lexer);
+  if (areAllAggregates && first.isUsed) {
+    QORQL_raiseAt(first.offset, QORQL_Messages::kFirstWithAggregates, lexer);
+  }
   return QORSmrPtr<QORQL_Executable>::MakeIn<QORQL_SelectList>(lexer.slabs(), std::move(entries), areAllAggregates,
                                                                first.isUsed, first.count, isSelectAll, queryString,
                                                                queryLanguage);
 }
 
-void QORQL_SelectList::_checkForAggregateMismatch(QORboolean isAggregate, QORQL_SelectListAggregate& state) {
+void QORQL_SelectList::_checkForAggregateMismatch(QORboolean isAggregate, QORQL_SelectListAggregate& state,
+                                                  QORuint32 offset) {
   const QORQL_SelectListAggregate kind = isAggregate ? SEL_AGGREGATE : SEL_NONAGGREGATE;
-  if (state != SEL_UNKNOWN && state != kind) QORQL_raise(QORQL_Messages::kAggregateMismatch, QORString());
+  if (state != SEL_UNKNOWN && state != kind) {
+    QORQL_raise(QORQL_Messages::kAggregateMismatch, 0, offset, QORString());
+  }
   state = kind;
 }
 

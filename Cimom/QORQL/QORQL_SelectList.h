@@ -8,6 +8,7 @@
 
 #include "Cimom/QORQL/QORQL_ClassInfo.h"
 #include "Cimom/QORQL/QORQL_Executable.h"
+#include "Cimom/QORQL/QORQL_Fault.h"
 #include "Cimom/QORQL/QORQL_SelectedEntry.h"
 
 class QORQL_DataRow;
@@ -63,8 +64,10 @@ class QORQL_SelectList : public QORQL_Executable {
   static QORSmrPtr<QORQL_Executable> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                            QORQL_ProjectionMap& classInfos, const QORString& queryString,
                                            const QORString& queryLanguage);
-  // Folds one entry into the list's aggregate state. THROWS QORQL_ParseException code 15, line 0.
-  static void _checkForAggregateMismatch(QORboolean isAggregate, QORQL_SelectListAggregate& state);
+  // Folds one entry, which begins at that byte of the text, into the list's aggregate state. THROWS
+  // QORQL_ParseException code 15, line 0.
+  static void _checkForAggregateMismatch(QORboolean isAggregate, QORQL_SelectListAggregate& state,
+                                         QORuint32 offset = QORQL_Fault::kNowhere);
 
   QORboolean AreAllEntriesAggregates() const noexcept { return _areAllEntriesAggregates; }
   EntryList getSelectedEntries() const { return _selectedEntries; }

@@ -70,13 +70,14 @@ Names findNames(const QORSmrPtr<QORQL_Evaluatable>& expression, QORSlabs& slabs)
   return names;
 }
 
-QORString parseAlias(QORQL_Lexer& lexer, bool isRequired) {
+QORString parseAlias(QORQL_Lexer& lexer, bool isRequired, QORuint32& offset) {
   if (lexer.getCurrent().getType() != TokenAS) {
     if (isRequired) QORQL_raise(QORQL_Messages::kAliasMissing, lexer);
     return QORString::emptyString();
   }
   if (lexer.next(false).getType() != TokenID) QORQL_raise(QORQL_Messages::kSelectAliasExpected, lexer);
   QORString alias = lexer.getCurrent().newText(lexer.slabs());
+  offset = lexer.getOffset();
   alias.toUpper();
   lexer.next(false);
   return alias;
@@ -101,7 +102,7 @@ QORString withoutBlanks(std::string_view text) {
   return QORString(std::string_view(kept));
 }
 
-QORSmrPtr<QORQL_SelectedEntry> parseSelectAll(QORQL_Lexer& lexer) {
+QORSmrPtr<QORQL_SelectedEntry> parseStar(QORQL_Lexer& lexer) {
   lexer.next(false);
   const QORString& none = QORString::emptyString();
   return QORSmrPtr<QORQL_SelectedEntry>::MakeIn(lexer.slabs(), none, none, none, nullptr, nullptr, true, false,
@@ -131,18 +132,25 @@ QORQL_SelectedEntry::~QORQL_SelectedEntry() = default;
 QORSmrPtr<QORQL_SelectedEntry> QORQL_SelectedEntry::parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                                           QORQL_ProjectionMap& classInfos, const QORString& queryString,
                                                           const QORString& queryLanguage) {
-  if (lexer.getCurrent().getType() == TokenASTERISK) return parseSelectAll(lexer);
+  const QORuint32 start = lexer.getOffset();
+  if (lexer.getCurrent().getType() == TokenASTERISK) {
+    auto star = parseStar(lexer);
+    star->_offset = start;
+    return star;
+  }
   const QORQL_UpdatedFlagScope inSelectList(symbolTable, true);
-  const QORuint32 start = lexer.getCurrent().getOffset();
   QORSmrPtr<QORQL_Evaluatable> expression =
       QORQL_Comparison::parse(symbolTable, lexer, classInfos, queryString, queryLanguage);
   const std::string_view written(lexer.getBuffer() + start, lexer.getCurrent().getOffset() - start);
   Names names = findNames(expression, lexer.slabs());
   const bool isChanged = names.functionID != QORQL_FUNCTIONID_UNKNOWN || written.find('-') != std::string_view::npos;
-  QORString alias = parseAlias(lexer, !names.isPropertyReference);
+  QORuint32 aliasOffset = 0;
+  QORString alias = parseAlias(lexer, !names.isPropertyReference, aliasOffset);
   auto entry = QORSmrPtr<QORQL_SelectedEntry>::MakeIn(
       lexer.slabs(), std::move(names.className), std::move(names.propertyName), std::move(alias), std::move(expression),
       std::move(names.classNameList), false, QORQL_isAggregate(names.functionID), names.functionID);
+  entry->_offset = start;
+  entry->_aliasOffset = aliasOffset;
   if (isChanged && entry->_alias.isEmpty()) entry->_writtenText = withoutBlanks(written);
   return entry;
 }

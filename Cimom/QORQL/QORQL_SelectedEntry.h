@@ -30,6 +30,9 @@ class QORQL_SelectedEntry {
   // The name of a column without alias that is a function or has a minus sign, such as COUNT(Name), for readers: as
   // it was written, without superfluous blanks. Empty for every other entry.
   const QORString& getWrittenText() const noexcept { return _writtenText; }
+  // Where the entry begins, and where its alias does if it has one, as bytes of the statement's text.
+  QORuint32 getOffset() const noexcept { return _offset; }
+  QORuint32 getAliasOffset() const noexcept { return _aliasOffset; }
   // Null for `*`.
   const QORSmrPtr<QORQL_Evaluatable>& getExpression() const noexcept { return _expression; }
   // The factors' own class-name strings; null for `*`.
@@ -65,8 +68,10 @@ class QORQL_SelectedEntry {
   ClassNameList _classNameList;
   QORboolean _selectAll;
   QORboolean _isEntryAggregate;
+  QORuint32 _offset = 0;
   QORSmrPtr<IQoriValue> _aggregateValue;
   QORuint32 _functionID;
+  QORuint32 _aliasOffset = 0;
   QORString _writtenText = QORString::emptyString();
   // By the expression's shape; decided by the constructor.
   bool _isPlainProperty;

@@ -154,7 +154,8 @@ class Warnings(ToolCase):
                                          stdout=toolcase.subprocess.PIPE, check=False)
         os.close(theirs)
         self.assertEqual((result.returncode, result.stdout), (0, b"Id\n2\n"))
-        self.assertEqual(os.read(ours, 1000).decode().replace("\r\n", "\n"), OR_WARNING)
+        self.assertEqual(os.read(ours, 1000).decode().replace("\r\n", "\n"),
+                         OR_WARNING + "  " + OR + "\n" + " " * 40 + "^\n")
 
 
 if __name__ == "__main__":

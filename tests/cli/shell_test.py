@@ -183,7 +183,8 @@ class Statements(Shell):
         person = self.person("-o", "csv", "--strict")
         self.assertEqual(person.ask("SELECT Id FROM Shop_Item WHERE Id = 1 OR Id = 2;"),
                          "qorql: error: OR keeps what its last operand keeps: only \"Id = 2\" decides. Run a query for each "
-                         "operand [WHERE-3]\n")
+                         "operand [WHERE-3]\n"
+                         "  SELECT Id FROM Shop_Item WHERE Id = 1 OR Id = 2\n" + " " * 40 + "^\n")
         self.assertEqual(person.ask("SELECT Id FROM Shop_Item WHERE Id = 2;"), "Id\n2\n")
 
     def test_an_error_shows_line_and_caret_and_the_shell_goes_on(self):

@@ -142,6 +142,52 @@ class Terminal(ToolCase):
         self.assertEqual(self.show("SELECT Id, Wheels FROM Shop_Item")[1].splitlines()[1:],
                          ["  SELECT Id, Wheels FROM Shop_Item", "             ^"])
 
+    def carets(self, marked, *arguments, count=1):
+        """Runs a statement, in which a ^ stands before a word, and compares the last lines with carets with it."""
+        shown = self.show(*arguments, "--warnings", marked.replace("^", ""), width=200)[1].splitlines()
+        at = [i for i, line in enumerate(shown) if line.strip() == "^"]
+        self.assertGreaterEqual(len(at), count, shown)
+        line, before = next((line, line.index("^")) for line in marked.split("\n") if "^" in line)
+        expected = ["  " + line.replace("^", "").replace("\t", " "),
+                    " " * (2 + sum(2 if unicodedata.east_asian_width(c) in "WF" else
+                                   0 if unicodedata.combining(c) else 1 for c in line[:before])) + "^"]
+        for i in at:
+            self.assertEqual(shown[i - 1:i + 1], expected, shown)
+
+    def test_caret_under_the_word_at_fault_and_not_under_its_spelling(self):
+        for marked in (
+                "SELECT Name AS Wheels FROM Shop_Item WHERE ^Wheels = 1",
+                "SELECT Name FROM Shop_Item WHERE Name = 'Wheels' AND ^Wheels = 1",
+                "SELECT i.Name AS n FROM Shop_Item AS i WHERE i.Name = 'n' AND ^n = 1",
+                "SELECT i.Name FROM Shop_Item AS i, Shop_Empty AS e WHERE i.Name = 'Id' AND ^Id = 1",
+                "SELECT Name AS x, ^x.Id FROM Shop_Item",
+                "SELECT i.Id AS Shop_Itm FROM Shop_Item AS i, ^Shop_Itm AS e WHERE i.Name = 'Shop_Itm'",
+                "SELECT Id AS Wheels\nFROM Shop_Item\n\tWHERE\t^Wheels = 1",
+                "SELECT Id FROM Shop_Item WHERE Name = '日本 Wheels größe' AND ^Wheels = 1",
+                "SELECT Id FROM Shop_Item WHERE Name = 'e\u0301' AND ^Wheels = 1",
+                "SELECT COUNT(Name) AS n, ^Id FROM Shop_Item",
+                "SELECT Id, ^MAXIMUM(Id) AS m FROM Shop_Item",
+                "SELECT Id FROM Shop_Item WHERE Name ISA ^5"):
+            with self.subTest(statement=marked):
+                self.carets(marked)
+
+    def test_caret_under_a_property_that_an_object_lacks(self):
+        self.carets("SELECT i.Name AS Wheels FROM Shop_Item AS i WHERE i.Name <> 'Wheels' AND i.^Wheels = 1", count=2)
+
+    def test_caret_under_what_a_warning_is_about(self):
+        for marked in (
+                "SELECT Id FROM Shop_Item WHERE Name = ' OR ' OR Id = 1 ^OR Id = 2",
+                "SELECT Id FROM Shop_Item WHERE Name = 'LIKE' AND Name ^LIKE 'a%'",
+                "SELECT Id\nFROM Shop_Item\nWHERE Id = 10 ^- 3 - 2",
+                "SELECT ^*, Id FROM Shop_Item",
+                "SELECT a.Id FROM Shop_Item AS a, ^Shop_Item AS b WHERE b.Id IS NULL"):
+            with self.subTest(statement=marked):
+                self.carets(marked)
+
+    def test_no_caret_of_a_warning_without_a_terminal(self):
+        result = self.model("--warnings", "SELECT *, Id FROM Shop_Item")
+        self.assertEqual(result.err.count("\n"), 1)
+
     def test_caret_behind_wide_characters_and_in_long_lines(self):
         self.assertEqual(self.show("SELECT Id FROM Shop_Item WHERE Name = '日本' ,")[1].splitlines()[2],
                          " " * 47 + "^")
@@ -203,6 +249,8 @@ class Terminal(ToolCase):
         status, shown = self.show("SELECT i.Nam FROM Shop_Item AS i")
         self.assertEqual(status, 1)
         self.assertEqual(shown, "qorql: warning: Shop_Item has no property Nam: did you mean Name?\n"
+                                "  SELECT i.Nam FROM Shop_Item AS i\n"
+                                "           ^\n"
                                 "qorql: error: A non-existent property - 'Nam' was requested from class - 'i' (CIM status 4)\n"
                                 "  SELECT i.Nam FROM Shop_Item AS i\n"
                                 "           ^\n"

@@ -170,6 +170,18 @@ class Invalid(ValidateCase):
         self.assertTrue(result.out.endswith("\u2265 (line 1, column 60) and 980 more\n"), result.out)
         self.invalid(ALERT + "\u2019", "'SQL' is no language of filters: use DMTF:CQL, CQL or WQL", "-q", "SQL")
 
+    def test_the_name_at_fault_and_not_what_is_spelled_like_it(self):
+        self.invalid("SELECT MessageID AS Wheels FROM CIM_AlertIndication WHERE EventID = 'Wheels' AND Wheels = 1",
+                     "Wheels is no property of CIM_AlertIndication (line 1, column 82)")
+        self.invalid("SELECT MAX(a.EventID) AS Wheels, MAX(a.Wheels) AS m FROM CIM_AlertIndication AS a",
+                     "Wheels is no property of CIM_AlertIndication (line 1, column 40)")
+        self.invalid("SELECT a.EventID AS Nobody, Nobody.EventID FROM CIM_AlertIndication AS a",
+                     "Nobody is neither a class of FROM nor a property that holds an object (line 1, column 29)")
+        self.invalid("SELECT i.SourceInstance AS Wheels, i.Wheels.XYZ_Volume::Size FROM CIM_InstCreation AS i",
+                     "Wheels is no property of CIM_InstCreation (line 1, column 38)")
+        self.invalid("SELECT COUNT(EventID) AS n, MessageID FROM CIM_AlertIndication",
+                     "Combining Aggregate and NonAggregate expressions is not allowed. (line 1, column 29)")
+
     def test_columns_count_characters_and_lines_count_from_one(self):
         self.invalid(ALERT + "\n WHERE EventID = 'größe' AND\n  EventID ~ 1",
                      "unexpected token '~' found (line 3, column 11)")
@@ -268,13 +280,18 @@ class Warnings(ValidateCase):
                 ("Rough = 0.1", rough.format("0.10000000149011612", 27)),
                 ("-1.0e-3 < Rough", rough.format("-0.0010000000474974513", 37)),
                 ("Rough <> 16777217", rough.format("16777216", 27)),
+                ("Rough = 1.0e-3", rough.format("0.0010000000474974513", 27)),
+                ("Rough = (0.1)", rough.format("0.10000000149011612", 27)),
+                ("Big > -(1)", "Big" + signs.format(27)), ("Big > Plain - 1", "Big" + signs.format(27)),
                 ("Big * 100 / 7 = 2",
-                 'Operators of one level group to the right: this is "Big * (100 / 7)"'),
-                ("-(Plain + 1) < 2", '"-(Plain + 1)" cannot be computed: a uint64 is not negated. Write 0 - (Plain + 1)')):
+                 'Operators of one level group to the right: this is "Big * (100 / 7)" (line 1, column 31)'),
+                ("-(Plain + 1) < 2", '"-(Plain + 1)" cannot be computed: a uint64 is not negated. Write 0 - (Plain + 1) '
+                                     "(line 1, column 27)")):
             result = self.validate("--no-live", "-m", path, "SELECT * FROM XYZ_N WHERE " + condition)
             self.assertEqual(result.err, f"qorql: warning: {warning}\n", condition)
         result = self.validate("--no-live", "-m", path, "SELECT * FROM XYZ_N WHERE Small > -9223372036854775808")
-        self.assertIn("warning: Behind a minus 9223372036854775808 fits no type: it stands for another number or null\n",
+        self.assertIn("warning: Behind a minus 9223372036854775808 fits no type: it stands for another number or null "
+                      "(line 1, column 36)\n",
                       result.err)
         for condition in ("Big > 1", "Big = Plain", "Small > -1", "Small < 9223372036854775807", "Rough > 0.5", "Big > -1.5",
                           "Fine = 0.1", "Fine = 1.0e-3", "Rough = Fine"):
@@ -294,7 +311,16 @@ class Warnings(ValidateCase):
                  "MessageArguments is an array of string and does not compare with a number"),
                 ("MessageArguments[1] = 5", "MessageArguments is a string and does not compare with a number"),
                 ("(EventID = 5)", "EventID is a string and does not compare with a number"),
-                ("5 = 'x'", "a number does not compare with a text")):
+                ("5 = 'x'", "a number does not compare with a text"),
+                ("EventID = 1.5", "EventID is a string and does not compare with a number"),
+                ("EventID = 1.5E3", "EventID is a string and does not compare with a number"),
+                ("EventID = (1.5E3)", "EventID is a string and does not compare with a number"),
+                ("(EventID) = 1.5E3", "EventID is a string and does not compare with a number"),
+                ("EventID = 1.5E3 + 1", "EventID is a string and does not compare with a number"),
+                ("EventID = -(1.5E3)", "EventID is a string and does not compare with a number"),
+                ("PerceivedSeverity + 1 = EventID", "EventID is a string and does not compare with a number"),
+                ("PerceivedSeverity = 'a' + 'b'", "PerceivedSeverity is a uint16 and does not compare with a text"),
+                ("PerceivedSeverity * 2 = 'a'", "a number does not compare with a text")):
             result = self.validate(ALERT + " WHERE " + condition)
             self.assertIn(f": warning: {warning}: it never matches (line 1, column ", result.err, condition)
         self.warned(ALERT + " AS a WHERE EventID = '' AND a.EventID = 5",
@@ -333,7 +359,8 @@ class Warnings(ValidateCase):
                           "5 = PerceivedSeverity", "MessageArguments[0] = 'x'", "ANY MessageArguments[*] = 'x'",
                           "'x' = EVERY MessageArguments", "MessageArguments <> RecommendedActions",
                           "EventTime > IndicationTime", "EventID = MessageID AND (EventID <> '5')",
-                          "PerceivedSeverity + 1 = EventID", "AlertingManagedElement ISA CIM_FCPort"):
+                          "PerceivedSeverity + 1 = 5", "EventID + 'a' = MessageID", "(EventID) = ('x')",
+                          "AlertingManagedElement ISA CIM_FCPort"):
             self.assertEqual(self.validate(ALERT + " WHERE " + condition).err, "", condition)
 
     def test_a_filter_with_many_of_them(self):

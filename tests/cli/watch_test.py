@@ -143,6 +143,8 @@ class End(ToolCase):
                 ("SELECT * FROM CIM_AlertIndication",
                  "the filter asks for no indication of a change: nothing will be printed"),
                 ("SELECT * FROM CIM_InstCreation WHERE SourceInstance ISA CIM_StorageVolume",
+                 "no live class is of the class that the filter asks for: nothing will be printed"),
+                ("SELECT * FROM CIM_InstCreation WHERE 'sourceinstance' ISA 'CIM_StorageVolume'",
                  "no live class is of the class that the filter asks for: nothing will be printed")):
             result = self.watch("--count", "1", text)
             self.assertEqual((result.status, result.out, result.err), (0, "", f"qorql: warning: {warning}\n"))

@@ -4,6 +4,7 @@
 #include <exception>
 #include <iostream>
 #include <new>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -42,19 +43,25 @@ std::string placeOf(const QORQL_ParseException& error, const Statement& statemen
 struct Report {
   std::string message;
   std::string place;
+  std::optional<std::size_t> offset{};  // of the word at fault
   int status = kExitRefused;
 };
+
+std::optional<std::size_t> offsetOf(const QoriBaseException& error) {
+  const QORQL_Fault* const fault = QORQL_faultOf(error);
+  return fault != nullptr && fault->hasPlace() ? std::optional<std::size_t>(fault->offset) : std::nullopt;
+}
 
 Report reportOf(const Statement& statement) {
   const auto text = [](const QoriBaseException& error) { return std::string(error.getMessage().view()); };
   try {
     throw;
   } catch (const QORQL_ParseException& error) {
-    return {text(error), placeOf(error, statement)};
+    return {text(error), placeOf(error, statement), offsetOf(error)};
   } catch (const QORQL_Exception& error) {
-    return {text(error), atStatus(error.getCIMErrorCode())};
+    return {text(error), atStatus(error.getCIMErrorCode()), offsetOf(error)};
   } catch (const CQoriProviderException& error) {
-    return {text(error), atStatus(error.getCode()), kExitPlatform};
+    return {text(error), atStatus(error.getCode()), {}, kExitPlatform};
   } catch (const QoriBaseException& error) {
     return {text(error), atStatus(kCimErrFailed)};
   } catch (const std::bad_alloc&) {
@@ -95,14 +102,12 @@ void printMofFaults(const std::vector<MofDiagnostic>& faults) {
 
 }  // namespace
 
-int reportFailure(const Statement& statement, std::optional<std::size_t> faultOffset,
-                  const std::string& hint) noexcept {
+int reportFailure(const Statement& statement, const std::string& hint) noexcept {
   const Report report = reportOf(statement);
   printError(report.message, report.place);
   const TerminalShape terminal = standardErrorShape();
-  if (terminal.isTerminal) {
-    if (!faultOffset) faultOffset = findQuotedName(statement.text, report.message);
-    if (faultOffset) std::cerr << lineWithCaret(statement.text, *faultOffset, terminal.width);
+  if (terminal.isTerminal && report.offset) {
+    std::cerr << lineWithCaret(statement.text, *report.offset, terminal.width);
   }
   if (!hint.empty()) std::cerr << "qorql: hint: " << printableText(hint) << '\n';
   return report.status;

@@ -2,8 +2,6 @@
 #ifndef QORQL_TOOL_ERRORREPORT_H
 #define QORQL_TOOL_ERRORREPORT_H
 
-#include <cstddef>
-#include <optional>
 #include <string>
 
 #include "Statements.h"
@@ -13,10 +11,9 @@
 
 // `qorql: error: <message> (line N, CIM status S)`; the line counts in the
 // whole text that the statement is part of. On a terminal the statement's line
-// follows, with a caret under the offset, or else under the name that the message quotes.
+// follows, with a caret under the word at fault, where the error has its place.
 // A hint that is not empty comes last.
-int reportFailure(const Statement& statement, std::optional<std::size_t> faultOffset = std::nullopt,
-                  const std::string& hint = {}) noexcept;
+int reportFailure(const Statement& statement, const std::string& hint = {}) noexcept;
 // `qorql: error: <message>`: of MOF, configuration or the live classes.
 int reportStartFailure() noexcept;
 

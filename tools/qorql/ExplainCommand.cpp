@@ -104,10 +104,9 @@ int explain(const ExplainOptions& options) {
     } catch (...) {
       session.dropWarnings();
       std::cout.flush();
-      const std::string hint = options.session.isQuiet ? ""
-                                                       : hintOfFailure(session.manager(), options.session.nameSpace,
-                                                                       statement, parsed.faultOffset());
-      return reportFailure(statement, parsed.faultOffset(), hint);
+      const std::string hint =
+          options.session.isQuiet ? "" : hintOfFailure(session.manager(), options.session.nameSpace, statement);
+      return reportFailure(statement, hint);
     }
   }
   return kExitDone;
@@ -127,7 +126,7 @@ void printExplanation(std::ostream& out, EmbeddedObjectManager& manager, ParsedQ
   if (explanation.isPreFiltered()) {
     out << "    note: the provider filters and sorts itself: WHERE and ORDER BY are left to it\n";
   }
-  printWarnings(out, findWarnings(manager, nameSpace, parsed));
+  printWarnings(out, standardOutputShape(), parsed.statement(), findWarnings(manager, nameSpace, parsed));
 }
 
 CommandAction declareExplainCommand(CLI::App& app) {

@@ -32,9 +32,9 @@ std::string FilterFault::describe(const CQLQueryFault& fault) const {
     case CQLQueryFault::kProperty:
       return describeProperty(fault);
     case CQLQueryFault::kAmbiguous:
-      return describeAmbiguous(name);
+      return describeAmbiguous(fault);
     case CQLQueryFault::kQualifier:
-      return describeQualifier(name);
+      return describeQualifier(fault);
     default:
       return plain(fault.message);
   }
@@ -100,7 +100,8 @@ std::string FilterFault::suggestProperty(const std::string& name, const std::vec
 }
 
 // A name that is compared with another name may be a text without its quotes.
-bool FilterFault::looksLikeText(std::size_t piece) const {
+bool FilterFault::looksLikeText(const CQLQueryFault& fault) const {
+  const std::size_t piece = _text.pieceAt(fault.offset);
   if (piece == StatementText::kNowhere || piece < _text.behindFrom()) return false;
   const auto isName = [this](std::size_t other) {
     return _text.isWord(other) && !_text.is(other, "TRUE") && !_text.is(other, "FALSE");
@@ -110,12 +111,11 @@ bool FilterFault::looksLikeText(std::size_t piece) const {
 }
 
 std::string FilterFault::describeProperty(const CQLQueryFault& fault) const {
-  const std::size_t piece = _text.findReference(fault.name.view());
-  const std::string name = spelling(piece, plain(fault.name));
+  const std::string name = spelling(fault);
   const std::vector<QORString> classes = classesOf(fault);
   std::string meant = suggestProperty(name, classes);
-  if (meant.empty() && looksLikeText(piece)) meant = "'" + name + "'";
-  return name + " is no property of " + namesOf(classes) + didYouMean(meant) + placeOf(piece);
+  if (meant.empty() && looksLikeText(fault)) meant = "'" + name + "'";
+  return name + " is no property of " + namesOf(classes) + didYouMean(meant) + placeOf(fault);
 }
 
 std::vector<std::string> FilterFault::choicesFor(const std::string& name) const {
@@ -130,22 +130,20 @@ std::vector<std::string> FilterFault::choicesFor(const std::string& name) const 
   return choices;
 }
 
-std::string FilterFault::describeAmbiguous(const std::string& name) const {
-  const std::size_t piece = _text.findReference(name);
+std::string FilterFault::describeAmbiguous(const CQLQueryFault& fault) const {
   std::string choices;
-  for (const std::string& choice : choicesFor(name)) choices += (choices.empty() ? "" : " or ") + choice;
-  return spelling(piece, name) + " is a property of more than one class: write " + choices + placeOf(piece);
+  for (const std::string& choice : choicesFor(plain(fault.name))) choices += (choices.empty() ? "" : " or ") + choice;
+  return spelling(fault) + " is a property of more than one class: write " + choices + placeOf(fault);
 }
 
-std::string FilterFault::describeQualifier(const std::string& name) const {
-  const std::vector<std::string> choices = choicesFor(name);
-  if (choices.size() > 1) return describeAmbiguous(name);
-  const std::size_t piece = _text.findWord(name);
-  const std::string written = spelling(piece, name);
+std::string FilterFault::describeQualifier(const CQLQueryFault& fault) const {
+  const std::vector<std::string> choices = choicesFor(plain(fault.name));
+  if (choices.size() > 1) return describeAmbiguous(fault);
+  const std::string written = spelling(fault);
   if (!choices.empty()) {
     const std::string& choice = choices.front();
     return written + " is a property of " + choice.substr(0, choice.rfind('.')) +
-           " and no class of FROM: a query does not read what an object within holds" + placeOf(piece);
+           " and no class of FROM: a query does not read what an object within holds" + placeOf(fault);
   }
   Suggestion suggestion(written);
   for (const StatementText::Source& source : _text.sources()) {
@@ -153,13 +151,14 @@ std::string FilterFault::describeQualifier(const std::string& name) const {
     suggestion.consider(source.alias);
   }
   return written + " is neither a class of FROM nor a property that holds an object" + didYouMean(suggestion.best()) +
-         placeOf(piece);
+         placeOf(fault);
 }
 
-std::string FilterFault::spelling(std::size_t piece, const std::string& name) const {
-  return piece == StatementText::kNowhere ? name : std::string(_text.pieces()[piece].text);
+std::string FilterFault::spelling(const CQLQueryFault& fault) const {
+  const std::string_view written = nameAt(_text.text(), fault.offset);
+  return QORString::equalIgnoringCase(written, fault.name.view()) ? std::string(written) : plain(fault.name);
 }
 
-std::string FilterFault::placeOf(std::size_t piece) const {
-  return piece == StatementText::kNowhere ? "" : " (" + _text.place(_text.pieces()[piece].offset) + ")";
+std::string FilterFault::placeOf(const CQLQueryFault& fault) const {
+  return fault.offset == CQLQueryFault::kNoOffset ? "" : " (" + _text.place(fault.offset) + ")";
 }

@@ -25,19 +25,19 @@ class FilterFault {
   std::string describeProperty(const CQLQueryFault& fault) const;
   // The ways to write a property of a FROM class with its qualifier.
   std::vector<std::string> choicesFor(const std::string& name) const;
-  std::string describeAmbiguous(const std::string& name) const;
-  std::string describeQualifier(const std::string& name) const;
+  std::string describeAmbiguous(const CQLQueryFault& fault) const;
+  std::string describeQualifier(const CQLQueryFault& fault) const;
   // The first class of FROM that does not exist; null when all do.
   const StatementText::Source* unknownSource() const;
   // The classes that were asked for the property at fault.
   std::vector<QORString> classesOf(const CQLQueryFault& fault) const;
   std::string namesOf(const std::vector<QORString>& classes) const;
   std::string suggestProperty(const std::string& name, const std::vector<QORString>& classes) const;
-  bool looksLikeText(std::size_t piece) const;
-  // The name as the text has it at that piece.
-  std::string spelling(std::size_t piece, const std::string& name) const;
-  // " (line 1, column 2)"; empty when the piece is nowhere.
-  std::string placeOf(std::size_t piece) const;
+  bool looksLikeText(const CQLQueryFault& fault) const;
+  // The name at fault as the text has it at its place.
+  std::string spelling(const CQLQueryFault& fault) const;
+  // " (line 1, column 2)"; empty where the fault has no place.
+  std::string placeOf(const CQLQueryFault& fault) const;
 
   EmbeddedObjectManager& _manager;
   const QORString _nameSpace;

@@ -1,7 +1,7 @@
 // A reference is followed name by name; the class that holds the next name may become unknown.
 #include "FilterPathCheck.h"
 
-#include "FilterOperand.h"
+#include "FilterSide.h"
 #include "Suggestion.h"
 
 namespace {
@@ -13,14 +13,14 @@ constexpr const char* kNever = ": it never matches";
 // One reference on its way.
 class FilterPathCheck::Walk {
  public:
-  Walk(const FilterPathCheck& check, const Path& path) : _check(check), _path(path), _text(check._text) {}
+  Walk(const FilterPathCheck& check, const FilterReference& reference) : _check(check), _path(reference) {}
 
   std::vector<Finding> findings() {
-    const std::string fromClass = _path.names.size() > 1 ? _text.classOf(nameAt(0)) : "";
+    const std::string fromClass = _path.names.size() > 1 ? _check._from.classOf(nameAt(0)) : "";
     _holder = fromClass;
     std::size_t next = fromClass.empty() ? 0 : 1;
     if (next + 1 == _path.names.size()) {
-      if (hasScope()) checkUnusedScope();
+      if (_path.scope) checkUnusedScope();
       if (!fromClass.empty()) checkProperty();
       return std::move(_findings);
     }
@@ -28,25 +28,24 @@ class FilterPathCheck::Walk {
     for (; next + 1 < _path.names.size(); ++next) {
       if (!enter(next, next == root)) return std::move(_findings);
     }
-    if (hasScope() && !enterScope()) return std::move(_findings);
+    if (_path.scope && !enterScope()) return std::move(_findings);
     checkProperty();
     return std::move(_findings);
   }
 
  private:
-  std::string nameAt(std::size_t index) const { return std::string(_text.pieces()[_path.names[index]].text); }
-  bool hasScope() const { return _path.scope != StatementText::kNowhere; }
-  std::string scope() const { return std::string(_text.pieces()[_path.scope].text); }
-  void add(const std::string& text, std::size_t piece) { _findings.push_back({text, piece}); }
+  const std::string& nameAt(std::size_t index) const { return _path.names[index].text; }
+  const std::string& scope() const { return _path.scope->text; }
+  void add(const std::string& text, const FilterReference::Name& about) { _findings.push_back({text, about.offset}); }
 
   // In a condition on the indication itself.
   void checkUnusedScope() {
     const QORString asked(scope());
     if (_check._family.find(asked).IsNull()) return addUnknownScope("a scope is not looked at here");
-    for (const StatementText::Source& source : _text.sources()) {
+    for (const FromNames::Source& source : _check._from.sources()) {
       if (_check._family.isA(QORString(source.className), asked)) return;
     }
-    add(scope() + " is no class of FROM: a scope is not looked at here", _path.scope);
+    add(scope() + " is no class of FROM: a scope is not looked at here", *_path.scope);
   }
 
   // A schema need not be complete, but a name that is almost that of a class is probably a mistake.
@@ -59,7 +58,7 @@ class FilterPathCheck::Walk {
   }
 
   void addUnknownScope(const std::string& consequence) {
-    add(scope() + " is no class of " + std::string(_check._nameSpace.view()) + ": " + consequence, _path.scope);
+    add(scope() + " is no class of " + std::string(_check._nameSpace.view()) + ": " + consequence, *_path.scope);
   }
 
   // The class of the objects that a property holds becomes the next holder. Returns false when nothing more is known.
@@ -80,7 +79,7 @@ class FilterPathCheck::Walk {
       add(name + " holds no object: it never matches", _path.names[index]);
       return false;
     }
-    _holder = isRoot ? _text.isaClassOf(name) : "";
+    _holder = isRoot ? _check._isa.classOf(name) : "";
     if (_holder.empty() && isDeclared) _holder = embeddedClassOf(declared);
     return true;
   }
@@ -109,7 +108,7 @@ class FilterPathCheck::Walk {
   }
 
   bool findInFrom(const std::string& property, CimPropertyDeclaration& declared) const {
-    for (const StatementText::Source& source : _text.sources()) {
+    for (const FromNames::Source& source : _check._from.sources()) {
       if (find(source.className, property, declared)) return true;
     }
     return false;
@@ -117,7 +116,7 @@ class FilterPathCheck::Walk {
 
   std::string meantRoot(const std::string& name) const {
     Suggestion suggestion(name);
-    for (const StatementText::Source& source : _text.sources()) {
+    for (const FromNames::Source& source : _check._from.sources()) {
       suggestion.consider(source.className);
       suggestion.consider(source.alias);
       const auto properties = _check._manager.allProperties(_check._nameSpace, QORString(source.className));
@@ -133,31 +132,12 @@ class FilterPathCheck::Walk {
   }
 
   const FilterPathCheck& _check;
-  const Path& _path;
-  const StatementText& _text;
+  const FilterReference& _path;
   std::string _holder;  // the class of the object that is asked for the next name; empty: unknown
   std::vector<Finding> _findings;
 };
 
-std::vector<FilterPathCheck::Finding> FilterPathCheck::check(std::size_t piece) const {
-  const Path path = read(piece);
-  if (path.names.size() < 2 && path.scope == StatementText::kNowhere) return {};
-  return Walk(*this, path).findings();
-}
-
-// Name [index] { . Name [index] } [ :: Name [index] ]
-FilterPathCheck::Path FilterPathCheck::read(std::size_t piece) const {
-  Path path;
-  for (;;) {
-    path.names.push_back(piece);
-    ++piece;
-    if (_text.is(piece, "[")) piece += _text.is(piece + 1, "]") ? 2 : 3;
-    const bool isScope = _text.is(piece, "::");
-    if ((!isScope && !_text.is(piece, ".")) || !_text.isWord(piece + 1)) return path;
-    if (isScope) {
-      path.scope = path.names.back();
-      path.names.pop_back();
-    }
-    ++piece;
-  }
+std::vector<FilterPathCheck::Finding> FilterPathCheck::check(const FilterReference& reference) const {
+  if (reference.names.size() < 2 && !reference.scope) return {};
+  return Walk(*this, reference).findings();
 }

@@ -6,136 +6,188 @@
 #include "Cimom/QORQL/CQLQueryValidator.h"
 #include "Cimom/QORQL/Explain/QORQL_NodeSurprises.h"
 #include "Cimom/QORQL/Explain/QORQL_Surprises.h"
+#include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
+#include "Cimom/QORQL/QORQL_OrderByClause.h"
+#include "Cimom/QORQL/QORQL_Values.h"
+#include "Cimom/QORQL/QORQL_WhereClause.h"
 #include "DisplayText.h"
 #include "FilterPathCheck.h"
-#include "Suggestion.h"
+#include "FilterReference.h"
 
 namespace {
 
-using Kind = FilterOperand::Kind;
+using Kind = FilterSide::Kind;
 
 // Nobody reads more of them, and each costs a look at the schema and at the text before it.
 constexpr std::size_t kMaximumWarnings = 20;
 constexpr std::size_t kLongest = 400;
 
-std::string_view unquoted(const StatementText::Piece& piece) {
-  const bool isQuoted = piece.kind == StatementText::Kind::Literal && piece.text.size() > 2;
-  return isQuoted ? piece.text.substr(1, piece.text.size() - 2) : piece.text;
-}
-
-bool isRelation(const StatementText& text, std::size_t piece) {
-  for (const char* sign : {"=", "<>", "!=", "<", ">", "<=", ">="}) {
-    if (text.is(piece, sign)) return true;
-  }
-  return false;
-}
-
 // A text that a boolean property is compared with may say TRUE or FALSE.
-bool mayCompare(const FilterOperand& left, const FilterOperand& right) {
+bool mayCompare(const FilterSide& left, const FilterSide& right) {
   if (left.kind == Kind::Unknown || right.kind == Kind::Unknown) return true;
   if (left.kind != Kind::Other && left.kind == right.kind) return true;
   if (left.kind == Kind::Other || right.kind == Kind::Other) return left.type == right.type;
-  const auto saysOrHoldsTruth = [](const FilterOperand& operand) {
-    return operand.kind == Kind::Boolean || operand.saysTruth ||
-           (operand.kind == Kind::Text && !operand.property.empty());
+  const auto saysOrHoldsTruth = [](const FilterSide& side) {
+    return side.kind == Kind::Boolean || side.saysTruth || (side.kind == Kind::Text && !side.property.empty());
   };
   return saysOrHoldsTruth(left) && saysOrHoldsTruth(right);
 }
 
-bool isWholeArray(const FilterOperand& operand) { return operand.isArray && !operand.isAsked; }
+bool isWholeArray(const FilterSide& side) { return side.isArray && !side.isAsked; }
 
 // Arrays compare as wholes where their types do; a boolean is no text there.
-bool areUnlikeArrays(const FilterOperand& left, const FilterOperand& right) {
+bool areUnlikeArrays(const FilterSide& left, const FilterSide& right) {
   return isWholeArray(left) && isWholeArray(right) && left.kind != right.kind;
 }
 
-std::string typeOf(const FilterOperand& operand) {
-  if (operand.isArray) return "an array of " + operand.type;
-  return (operand.type == "object" ? "an " : "a ") + operand.type;
+std::string typeOf(const FilterSide& side) {
+  if (side.isArray) return "an array of " + side.type;
+  return (side.type == "object" ? "an " : "a ") + side.type;
+}
+
+bool isEquality(QORQL_Operator op) { return op == QORQL_OperatorEQUAL || op == QORQL_OperatorNOTEQUAL; }
+
+bool isAskedLeft(const QORQL_Comparison& comparison) {
+  return comparison.getArrayComp() == QORQL_Comparison::ArrayCompAnyLeft ||
+         comparison.getArrayComp() == QORQL_Comparison::ArrayCompEveryLeft;
 }
 
 }  // namespace
 
-std::vector<std::string> FilterWarnings::of(const CQLQueryStatement& statement) {
-  _warnings.clear();
-  const std::string never(statement.neverMatchesBecause().view());
-  if (!never.empty()) _warnings.push_back(never);
-  for (const QORQL_Surprise& surprise : QORQL_findFilterSurprises(statement.getParsedQuery(), _nameSpace)) {
-    _warnings.push_back(cutText(surprise.text, kLongest, "..."));
-  }
-  for (std::size_t i = _text.behindFrom(); i < _text.pieces().size(); ++i) {
-    if (_warnings.size() >= kMaximumWarnings) {
-      _warnings.emplace_back("the rest of the filter is not looked at");
-      break;
+// Collects the warnings of conditions, with the places that they are told at.
+class FilterWarnings::Visitor : public QORQL_ExpressionVisitor {
+ public:
+  struct Warning {
+    std::size_t found;  // the byte of the text where the look at it led to the warning
+    std::string text;
+  };
+
+  // At most so many warnings are made.
+  Visitor(const FilterWarnings& filter, const QORQL_Query& query, std::size_t room)
+      : _manager(filter._manager),
+        _nameSpace(filter._nameSpace),
+        _text(filter._text),
+        _from(query, _text.text()),
+        _isa(query, _text.text(), _from),
+        _paths(_manager, _nameSpace, _from, _isa),
+        _sides(_manager, _nameSpace, _text.text(), _from, _isa),
+        _room(room) {}
+
+  void visitFactor(const QORQL_Factor& factor) override {
+    if (!isReference(factor) || isFull()) return;
+    _found = factor.getOffset();
+    for (const FilterPathCheck::Finding& finding : _paths.check(FilterReference(_text.text(), factor))) {
+      warn(finding.text, finding.offset);
     }
-    const StatementText::Piece& piece = _text.pieces()[i];
-    if (i > 0 && _text.is(i - 1, "ISA")) checkClass(i, unquoted(piece));
-    if (_text.beginsReference(i)) checkNames(i);
-    if (_text.is(i + 1, "ISA")) checkIsa(i);
-    if (isRelation(_text, i)) checkComparison(i);
   }
-  return _warnings;
-}
 
-void FilterWarnings::warn(const std::string& warning, std::size_t piece) {
-  _warnings.push_back(warning + " (" + _text.place(_text.pieces()[piece].offset) + ")");
-}
-
-// A schema need not be complete; but a name that is nearly a class is hardly meant.
-void FilterWarnings::checkClass(std::size_t piece, std::string_view name) {
-  if (CQLQueryValidator::findClass(_nameSpace, QORString(name))) return;
-  Suggestion suggestion(name);
-  for (const QORString& candidate : _manager.classNames(_nameSpace)) suggestion.consider(candidate.view());
-  if (suggestion.best().empty()) return;
-  warn(std::string(name) + " is no class of " + std::string(_nameSpace.view()) + ": did you mean " + suggestion.best() +
-           "?",
-       piece);
-}
-
-bool FilterWarnings::hasProperty(const std::string& className, std::string_view property) const {
-  return CQLQueryValidator::findProperty(_nameSpace, QORString(className), QORString(property), true);
-}
-
-void FilterWarnings::checkNames(std::size_t piece) {
-  for (const FilterPathCheck::Finding& finding : FilterPathCheck(_manager, _nameSpace, _text).check(piece)) {
-    warn(finding.text, finding.piece);
+  void visitComparison(const QORQL_Comparison& comparison) override {
+    const bool isIsa = comparison.getOperator() == QORQL_OperatorISA;
+    if ((!isIsa && !QORQL_isRelational(comparison.getOperator())) || isFull()) return;
+    _found = comparison.getOffset();
+    isIsa ? checkIsa(comparison) : checkComparison(comparison);
   }
+
+  bool isCut() const noexcept { return _isCut; }
+  std::vector<Warning> take() {
+    std::stable_sort(_warnings.begin(), _warnings.end(),
+                     [](const Warning& a, const Warning& b) { return a.found < b.found; });
+    return std::move(_warnings);
+  }
+
+ private:
+  // What is not looked at then is told of.
+  bool isFull() {
+    _isCut = _isCut || _warnings.size() >= _room;
+    return _isCut;
+  }
+  void warn(const std::string& warning, std::size_t offset) {
+    _warnings.push_back({_found, warning + " (" + _text.place(offset) + ")"});
+  }
+  bool isPropertyOfFrom(const std::string& property) const;
+  void checkIsa(const QORQL_Comparison& isa);
+  void checkClass(const FilterReference::Name& name);
+  void checkComparison(const QORQL_Comparison& comparison);
+  // Whether there was something to warn of.
+  bool warnOfAsking(const FilterSide& side);
+  bool warnOfArray(const FilterSide& side, const FilterSide& other);
+  void warnOfTypes(const FilterSide& left, const FilterSide& right);
+  bool warnOfSigns(const FilterSide& side, const FilterSide& other);
+  bool warnOfReal32(const FilterSide& side, const FilterSide& other);
+
+  EmbeddedObjectManager& _manager;
+  const QORString& _nameSpace;
+  const StatementText& _text;
+  const FromNames _from;
+  const IsaConditions _isa;
+  const FilterPathCheck _paths;
+  const FilterSideReader _sides;
+  const std::size_t _room;
+  std::size_t _found = 0;
+  bool _isCut = false;
+  std::vector<Warning> _warnings;
+};
+
+std::vector<std::string> FilterWarnings::of(const CQLQueryStatement& statement) const {
+  std::vector<std::string> warnings;
+  const std::string never(statement.neverMatchesBecause().view());
+  if (!never.empty()) warnings.push_back(never);
+  const QORQL_Query& query = statement.getParsedQuery();
+  for (const QORQL_Surprise& surprise : QORQL_findFilterSurprises(query, _nameSpace)) {
+    warnings.push_back(cutText(surprise.text, kLongest, "...") + " (" + _text.place(surprise.offset) + ")");
+  }
+  Visitor* const conditions = new Visitor(*this, query, kMaximumWarnings - warnings.size());
+  QORSmrPtr<QORQL_ExpressionVisitor> visitor(conditions);
+  const auto* const where = dynamic_cast<const QORQL_WhereClause*>(query.getWhereClause().Get());
+  const auto* const orderBy = dynamic_cast<const QORQL_OrderByClause*>(query.getOrderByClause().Get());
+  if (where != nullptr) where->getExpression()->accept(visitor);
+  if (orderBy != nullptr) orderBy->getExpression()->accept(visitor);
+  for (Visitor::Warning& warning : conditions->take()) warnings.push_back(std::move(warning.text));
+  if (conditions->isCut()) warnings.emplace_back("the rest of the filter is not looked at");
+  return warnings;
 }
 
-bool FilterWarnings::isPropertyOfFrom(std::string_view property) const {
-  return std::any_of(_text.sources().begin(), _text.sources().end(),
-                     [&](const StatementText::Source& source) { return hasProperty(source.className, property); });
+bool FilterWarnings::Visitor::isPropertyOfFrom(const std::string& property) const {
+  const auto hasProperty = [&](const FromNames::Source& source) {
+    return CQLQueryValidator::findProperty(_nameSpace, QORString(source.className), QORString(property), true);
+  };
+  return std::any_of(_from.sources().begin(), _from.sources().end(), hasProperty);
 }
 
 // ISA looks for the property in the instance itself. Of one behind a path or a
 // scope the statement has told already that it never matches; a text that is put
 // together says as a whole which property it names.
-void FilterWarnings::checkIsa(std::size_t piece) {
-  const StatementText::Piece& name = _text.pieces()[piece];
-  if (name.kind != StatementText::Kind::Word && name.kind != StatementText::Kind::Literal) return;
-  const bool isBehindDot = piece > 1 && _text.is(piece - 1, ".");
-  const bool isBehindFrom = isBehindDot && !_text.classOf(std::string(_text.pieces()[piece - 2].text)).empty();
-  if (isBehindDot && !isBehindFrom) return;
-  if (piece > 0 && (_text.is(piece - 1, "::") || _text.is(piece - 1, "+"))) return;
-  if (isPropertyOfFrom(unquoted(name))) return;
-  warn(
-      "ISA asks a property of the indication itself, and " + std::string(unquoted(name)) + " is none: it never matches",
-      piece);
+void FilterWarnings::Visitor::checkIsa(const QORQL_Comparison& isa) {
+  const std::optional<FilterReference::Name> property = isaProperty(_text.text(), isa, _from);
+  if (property && !isPropertyOfFrom(property->text)) {
+    warn("ISA asks a property of the indication itself, and " + property->text + " is none: it never matches",
+         property->offset);
+  }
+  const std::optional<FilterReference::Name> className = isaClass(isa);
+  if (className) checkClass(*className);
 }
 
-void FilterWarnings::checkComparison(std::size_t sign) {
-  FilterOperand left;
-  FilterOperand right;
-  if (!FilterOperandReader(_manager, _nameSpace, _text).read(sign, left, right)) return;
+// A schema need not be complete; but a name that is nearly a class is hardly meant.
+void FilterWarnings::Visitor::checkClass(const FilterReference::Name& name) {
+  if (CQLQueryValidator::findClass(_nameSpace, QORString(name.text))) return;
+  const std::string meant = ClassFamily(_manager, _nameSpace).nearestClass(name.text);
+  if (meant.empty()) return;
+  warn(name.text + " is no class of " + std::string(_nameSpace.view()) + ": did you mean " + meant + "?", name.offset);
+}
+
+void FilterWarnings::Visitor::checkComparison(const QORQL_Comparison& comparison) {
+  FilterSide left = _sides.read(*comparison.getLHSArithmeticExpression());
+  FilterSide right = _sides.read(*comparison.getRHSArithmeticExpression());
+  left.isAsked = comparison.isArrayComp() && isAskedLeft(comparison);
+  right.isAsked = comparison.isArrayComp() && !left.isAsked;
   if (left.kind == Kind::Unknown || right.kind == Kind::Unknown) {
     warnOfAsking(left);
     warnOfAsking(right);
     return;
   }
   if (warnOfAsking(left) || warnOfAsking(right) || warnOfArray(left, right) || warnOfArray(right, left)) return;
-  const bool isEquality = _text.is(sign, "=") || _text.is(sign, "<>") || _text.is(sign, "!=");
-  if (isWholeArray(left) && isWholeArray(right) && !isEquality) {
-    warn("arrays have no order: it never matches", left.piece);
+  if (isWholeArray(left) && isWholeArray(right) && !isEquality(comparison.getOperator())) {
+    warn("arrays have no order: it never matches", left.offset);
   } else if (!mayCompare(left, right) || areUnlikeArrays(left, right)) {
     warnOfTypes(left, right);
   } else if (!warnOfSigns(left, right) && !warnOfSigns(right, left) && !warnOfReal32(left, right)) {
@@ -144,50 +196,50 @@ void FilterWarnings::checkComparison(std::size_t sign) {
 }
 
 // A uint64 beside a signed number is taken as one.
-bool FilterWarnings::warnOfSigns(const FilterOperand& side, const FilterOperand& other) {
+bool FilterWarnings::Visitor::warnOfSigns(const FilterSide& side, const FilterSide& other) {
   const QoriScalar number = side.number;
   const bool isHuge = number.kind == QoriScalarKind::Unsigned && number.u > static_cast<QORuint64>(INT64_MAX);
   if ((side.type != "uint64" && !isHuge) || !other.isSigned) return false;
   const std::string name = side.property.empty() ? std::to_string(number.u) : side.property;
   warn(name + " is a uint64 and compares with a signed number as a sint64: from 9223372036854775808 on it is negative",
-       side.piece);
+       side.offset);
   return true;
 }
 
-bool FilterWarnings::warnOfReal32(const FilterOperand& side, const FilterOperand& other) {
+bool FilterWarnings::Visitor::warnOfReal32(const FilterSide& side, const FilterSide& other) {
   if (side.type != "real32" || !other.number.isNumber()) return false;
   const std::string nearest = QORQL_nearestReal32(other.number);
   if (nearest.empty()) return false;
   warn(side.property + " is a real32, which is never exactly that number (the nearest is " + nearest +
            "): ask for a range",
-       side.piece);
+       side.offset);
   return true;
 }
 
-bool FilterWarnings::warnOfAsking(const FilterOperand& side) {
+bool FilterWarnings::Visitor::warnOfAsking(const FilterSide& side) {
   if (!side.isAsked || side.isArray || side.kind == Kind::Unknown) return false;
   const std::string name = side.property.empty() ? "a " + side.type : side.property;
-  warn(name + " is no array, which ANY and EVERY ask: it never matches", side.piece);
+  warn(name + " is no array, which ANY and EVERY ask: it never matches", side.offset);
   return true;
 }
 
-bool FilterWarnings::warnOfArray(const FilterOperand& side, const FilterOperand& other) {
+bool FilterWarnings::Visitor::warnOfArray(const FilterSide& side, const FilterSide& other) {
   if (!isWholeArray(side) || isWholeArray(other)) return false;
   const std::string whole = side.written.ends_with(']') ? side.written : side.written + "[*]";
   warn(side.property + " is an array" +
            (other.isAsked ? ", and an element does not compare with one: it never matches"
                           : ": it never matches; to ask its elements write ANY " + whole),
-       side.piece);
+       side.offset);
   return true;
 }
 
-void FilterWarnings::warnOfTypes(const FilterOperand& left, const FilterOperand& right) {
-  const FilterOperand& first = left.property.empty() && !right.property.empty() ? right : left;
-  const FilterOperand& second = &first == &left ? right : left;
+void FilterWarnings::Visitor::warnOfTypes(const FilterSide& left, const FilterSide& right) {
+  const FilterSide& first = left.property.empty() && !right.property.empty() ? right : left;
+  const FilterSide& second = &first == &left ? right : left;
   const bool isText = second.property.empty() && second.kind == Kind::Text;
   const std::string exception = first.kind == Kind::Boolean && isText ? " but TRUE and FALSE" : "";
   const std::string subject =
       first.property.empty() ? typeOf(first) + " does" : first.property + " is " + typeOf(first) + " and does";
   const std::string object = second.property.empty() ? typeOf(second) : second.property + ", " + typeOf(second);
-  warn(subject + " not compare with " + object + exception + ": it never matches", first.piece);
+  warn(subject + " not compare with " + object + exception + ": it never matches", first.offset);
 }

@@ -5,29 +5,27 @@
 
 #include "Cimom/Embedded/InstanceProvider.h"
 #include "Cimom/QORQL/CQLQueryValidator.h"
+#include "FilterReference.h"
 #include "cimom/CQoriProviderException.h"
 
-LiveWatch::LiveWatch(EmbeddedObjectManager& manager, const QORString& nameSpace, const CQLQueryStatement& filter,
-                     const StatementText& text)
+LiveWatch::LiveWatch(EmbeddedObjectManager& manager, const QORString& nameSpace, const CQLQueryStatement& filter)
     : _nameSpace(nameSpace), _filter(filter), _indications(manager, nameSpace) {
   const CQLQueryStatement::ClassList classes(filter.getClassList());
   QORValSlistIterator<QORSmrPtr<IQoriInstanceName>> each(*classes);
   while (++each) _sources.push_back(each.key()->getClassName());
   if (!asksForChanges()) return;
+  const QORString text(filter.getQuery());
+  const FromNames from(filter.getParsedQuery(), text.view());
+  const IsaConditions isa(filter.getParsedQuery(), text.view(), from);
+  const std::vector<std::string> wanted = isa.classesOf("SourceInstance");
+  const auto isAllowed = [&](const QORString& className) {
+    return std::all_of(wanted.begin(), wanted.end(), [&](const std::string& name) {
+      return CQLQueryValidator::isSubClass(nameSpace, className, QORString(name));
+    });
+  };
   for (const QORString& className : manager.liveClassNames(nameSpace)) {
-    if (isAllowed(className, text)) _watched.push_back({className, {}});
+    if (isAllowed(className)) _watched.push_back({className, {}});
   }
-}
-
-// Only AND combines the conditions of a filter that matches at all, so each ISA counts.
-bool LiveWatch::isAllowed(const QORString& className, const StatementText& text) const {
-  for (std::size_t i = text.behindFrom(); i + 2 < text.pieces().size(); ++i) {
-    if (!text.is(i, "SourceInstance") || !text.is(i + 1, "ISA")) continue;
-    std::string_view wanted = text.pieces()[i + 2].text;
-    if (wanted.starts_with('\'') && wanted.size() > 1) wanted = wanted.substr(1, wanted.size() - 2);
-    if (!CQLQueryValidator::isSubClass(_nameSpace, className, QORString(wanted))) return false;
-  }
-  return true;
 }
 
 bool LiveWatch::asksFor(const char* indicationClass) const {

@@ -8,7 +8,6 @@
 #include "Cimom/QORQL/CQLQueryStatement.h"
 #include "Indications.h"
 #include "InstanceChanges.h"
-#include "StatementText.h"
 
 // Watches the live classes whose changes the filter can match: those that
 // each `SourceInstance ISA Class` of it allows. BORROWS the object manager and
@@ -18,8 +17,7 @@ class LiveWatch {
   using Take = std::function<void(const IQoriObject& indication)>;
   using Report = std::function<void(const QORString& className, const QoriBaseException& failure)>;
 
-  LiveWatch(EmbeddedObjectManager& manager, const QORString& nameSpace, const CQLQueryStatement& filter,
-            const StatementText& text);
+  LiveWatch(EmbeddedObjectManager& manager, const QORString& nameSpace, const CQLQueryStatement& filter);
 
   // The classes looked at; empty when no change can match.
   std::vector<QORString> classNames() const;
@@ -40,7 +38,6 @@ class LiveWatch {
     InstanceSnapshot last;
   };
 
-  bool isAllowed(const QORString& className, const StatementText& text) const;
   bool asksFor(const char* indicationClass) const;
   InstanceSnapshot snapshotOf(const QORString& className) const;
   void hand(const InstanceChange& change, const Take& take);

@@ -2,8 +2,6 @@
 #ifndef QORQL_TOOL_PARSEDQUERY_H
 #define QORQL_TOOL_PARSEDQUERY_H
 
-#include <cstddef>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -27,8 +25,7 @@ class ParsedQuery {
   QORQL_SymbolTable& symbols() { return _symbols; }
   // What the scanner skipped until the end or the fault, a printable sentence each.
   const std::vector<std::string>& passedOver() const noexcept { return _passedOver; }
-  // Where in the text parsing stopped; empty unless it failed at a token.
-  std::optional<std::size_t> faultOffset() const { return _faultOffset; }
+  const Statement& statement() const noexcept { return _statement; }
 
  private:
   void parseText(const QORString& nameSpace);
@@ -38,7 +35,6 @@ class ParsedQuery {
   const QORString _language = "DMTF:CQL";
   QORQL_SymbolTable _symbols{nullptr};
   QORSmrPtr<QORQL_Query> _query;
-  std::optional<std::size_t> _faultOffset;
   std::vector<std::string> _passedOver;
 };
 

@@ -66,7 +66,7 @@ int runOne(const Statement& statement, QueryRunner& runner, Session& session) {
     session.dropWarnings();
     runner.finish();
     std::cout.flush();
-    return reportFailure(statement, runner.faultOffset(), runner.hint(statement, commandNames()));
+    return reportFailure(statement, runner.hint(statement, commandNames()));
   }
   session.printWarnings();
   return kExitDone;
@@ -80,7 +80,7 @@ int checkStrictly(const std::vector<Statement>& statements, QueryRunner& runner)
     try {
       if (!runner.isFreeOfWarnings(statement, place)) status = kExitRefused;
     } catch (...) {
-      return reportFailure(statement, runner.faultOffset(), runner.hint(statement, commandNames()));
+      return reportFailure(statement, runner.hint(statement, commandNames()));
     }
   }
   return status;

@@ -1,21 +1,16 @@
-// The engine's message names what is wrong; the text and the classes say what
-// may have been meant.
+// The error's fault says what is wrong and where; the text and the classes say
+// what may have been meant.
 #include "QueryHint.h"
 
 #include <algorithm>
 
-#include "Cimom/QORQL/QORQL_Messages.h"
+#include "Cimom/QORQL/CQLQueryFault.h"
+#include "Cimom/QORQL/QORQL_Fault.h"
 #include "ClassFamily.h"
 #include "FilterFault.h"
 #include "Suggestion.h"
 
 namespace {
-
-// About a row's object; the argument in place of %s contains the class as well.
-constexpr const char* kPropertyMissing = "A non-existent property - '%s'";
-constexpr std::string_view kOfClass = "' was requested from class - '";
-
-constexpr const char* kSymbolUnknown = "Unable to locate the symbol for '%s'";
 
 // Words of SQL, and what this language has in their place.
 struct SqlWord {
@@ -36,35 +31,6 @@ constexpr SqlWord kSqlWords[] = {
     {"BETWEEN", "there is no BETWEEN: write x >= least AND x <= greatest"},
 };
 
-CQLQueryFault faultOf(const QORString& message) {
-  CQLQueryFault fault;
-  if (QORQL_isMessage(QORQL_Messages::kPropertyUnknown.text, message, fault.name)) {
-    fault.kind = CQLQueryFault::kProperty;
-  } else if (QORQL_isMessage(QORQL_Messages::kPropertyAmbiguous.text, message, fault.name)) {
-    fault.kind = CQLQueryFault::kAmbiguous;
-  } else if (QORQL_isMessage(kSymbolUnknown, message, fault.name) ||
-             QORQL_isMessage(QORQL_Messages::kSymbolInvalid.text, message, fault.name)) {
-    fault.kind = CQLQueryFault::kQualifier;
-  } else {
-    fault.kind = CQLQueryFault::kOther;
-  }
-  return fault;
-}
-
-// The property that an object lacks, and the class as the statement names it; null for other messages.
-struct MissingProperty {
-  QORString name;
-  QORString qualifier;
-};
-std::optional<MissingProperty> missingPropertyOf(const QORString& message) {
-  QORString rest;
-  if (!QORQL_isMessage(kPropertyMissing, message, rest)) return std::nullopt;
-  const std::size_t place = rest.view().find(kOfClass);
-  if (place == std::string_view::npos) return std::nullopt;
-  return MissingProperty{QORString(rest.view().substr(0, place)),
-                         QORString(rest.view().substr(place + kOfClass.size()))};
-}
-
 // The error already says that the class lacks the property.
 std::string hintOfName(const std::string& description) {
   const bool isKnown = description.find(" is no property of ") != std::string::npos;
@@ -82,29 +48,25 @@ bool isNameOfSeveral(const StatementText& text, std::string_view name) {
   return std::any_of(text.sources().begin(), text.sources().end(), isOther);
 }
 
+// An object of the class, which the fault names as the statement does, lacks the property.
 std::string hintOfMissing(EmbeddedObjectManager& manager, const QORString& nameSpace, const StatementText& text,
-                          const MissingProperty& missing) {
-  if (isNameOfSeveral(text, missing.qualifier.view())) {
-    return "in FROM " + std::string(missing.qualifier.view()) +
-           " names more than one class: give each a name of its own";
+                          CQLQueryFault fault) {
+  if (isNameOfSeveral(text, fault.className.view())) {
+    return "in FROM " + std::string(fault.className.view()) + " names more than one class: give each a name of its own";
   }
-  CQLQueryFault fault;
-  fault.kind = CQLQueryFault::kProperty;
-  fault.name = missing.name;
-  const std::string className = text.classOf(missing.qualifier.view());
-  fault.className = className.empty() ? missing.qualifier : QORString(className);
-  const QORString holder = ClassFamily(manager, nameSpace).holderOf(fault.className, missing.name);
+  const std::string className = text.classOf(fault.className.view());
+  if (!className.empty()) fault.className = QORString(className);
+  const QORString holder = ClassFamily(manager, nameSpace).holderOf(fault.className, fault.name);
   if (holder.isEmpty()) return hintOfName(FilterFault(manager, nameSpace, text).describe(fault));
   const std::string below(holder.view());
-  return std::string(missing.name.view()) + " is a property of " + below + ", which not every " +
+  return std::string(fault.name.view()) + " is a property of " + below + ", which not every " +
          std::string(fault.className.view()) + " is: ask for it FROM " + below;
 }
 
 // A number that is compared with a text, or the other way round.
-std::string hintOfComparison(const QORString& message) {
-  constexpr std::string_view kHead = "Cannot compare ";
-  const std::string_view text = message.view();
-  const bool isMixed = text.starts_with(kHead) && text.find("string") != std::string_view::npos;
+std::string hintOfComparison(const QoriBaseException& error) {
+  const bool isMixed =
+      error.getWhere() == "relate" && error.getMessage().view().find("string") != std::string_view::npos;
   return isMixed ? "texts are compared with texts in single quotes, numbers with numbers" : "";
 }
 
@@ -133,11 +95,12 @@ std::string hintOfSql(const StatementText& text, std::size_t offset) {
 }
 
 // One half of an association: either paths should be compared, or the other half is missing.
-std::string hintOfAssociation(const StatementText& text, const QORString& message) {
-  const bool isHalf = message.view() == QORQL_Messages::kAssociationAndExpected.text ||
-                      message.view() == QORQL_Messages::kAssociationInvalid.text;
-  if (!isHalf) return {};
-  const bool comparesPaths = text.findWord("OBJECTPATH") != StatementText::kNowhere;
+std::string hintOfAssociation(const StatementText& text, const QORQL_Fault& fault) {
+  if (fault.kind != QORQL_Fault::kHalfAssociation) return {};
+  bool comparesPaths = false;
+  for (std::size_t i = text.behindFrom(); i < text.pieces().size(); ++i) {
+    comparesPaths = comparesPaths || text.is(i, "OBJECTPATH");
+  }
   return comparesPaths
              ? "OBJECTPATH(a) = OBJECTPATH(b) is read as half an association: compare the keys, as in a.Name = b.Name"
              : "an association is written with both its ends side by side: Link = a AND Link = b";
@@ -154,22 +117,20 @@ std::string hintOfCommand(const StatementText& text, const std::vector<std::stri
 }  // namespace
 
 std::string hintOfFailure(EmbeddedObjectManager& manager, const std::string& nameSpace, const Statement& statement,
-                          std::optional<std::size_t> faultOffset, const std::vector<std::string>& commands) {
+                          const std::vector<std::string>& commands) {
   const StatementText text(statement.text, statement.firstLine, statement.firstColumn);
   try {
     throw;
   } catch (const QoriBaseException& error) {
-    if (const std::optional<MissingProperty> missing = missingPropertyOf(error.getMessage()); missing.has_value()) {
-      return hintOfMissing(manager, QORString(nameSpace), text, *missing);
+    const CQLQueryFault fault = CQLQueryFaultOf(error);
+    if (fault.kind != CQLQueryFault::kSyntax) {
+      const QORString space(nameSpace);
+      if (!fault.className.isEmpty()) return hintOfMissing(manager, space, text, fault);
+      const std::string hint = hintOfName(FilterFault(manager, space, text).describe(fault));
+      return hint.empty() ? hintOfComparison(error) : hint;
     }
-    const CQLQueryFault fault = faultOf(error.getMessage());
-    const bool isSyntax = faultOffset.has_value() && fault.kind == CQLQueryFault::kOther;
-    if (!isSyntax) {
-      const std::string hint = hintOfName(FilterFault(manager, QORString(nameSpace), text).describe(fault));
-      return hint.empty() ? hintOfComparison(error.getMessage()) : hint;
-    }
-    for (const std::string& hint : {hintOfQuote(text, *faultOffset), hintOfSql(text, *faultOffset),
-                                    hintOfAssociation(text, error.getMessage())}) {
+    for (const std::string& hint : {hintOfQuote(text, fault.offset), hintOfSql(text, fault.offset),
+                                    hintOfAssociation(text, *QORQL_faultOf(error))}) {
       if (!hint.empty()) return hint;
     }
     return hintOfCommand(text, commands);

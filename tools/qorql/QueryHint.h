@@ -2,8 +2,6 @@
 #ifndef QORQL_TOOL_QUERYHINT_H
 #define QORQL_TOOL_QUERYHINT_H
 
-#include <cstddef>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,6 +13,6 @@
 // statement is a single word. Empty when the error says all that is known.
 // REQUIRES to be called inside a catch clause.
 std::string hintOfFailure(EmbeddedObjectManager& manager, const std::string& nameSpace, const Statement& statement,
-                          std::optional<std::size_t> faultOffset, const std::vector<std::string>& commands = {});
+                          const std::vector<std::string>& commands = {});
 
 #endif

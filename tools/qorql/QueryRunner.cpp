@@ -4,11 +4,13 @@
 #include <chrono>
 #include <iomanip>
 #include <iostream>
+#include <optional>
 #include <sstream>
 #include <utility>
 
 #include "Cimom/QORQL/Out/QORQL_ResultReader.h"
 #include "Cimom/QORQL/QORQL_DataTable.h"
+#include "Cimom/QORQL/QORQL_StatementPlaces.h"
 #include "ErrorReport.h"
 #include "Interrupt.h"
 #include "ParsedQuery.h"
@@ -73,10 +75,15 @@ void QueryRunner::run(const Statement& statement) {
   _session.manager().resetStatistics();
   parse(execution);
   tellOfPassedOver(execution);
-  if (isWarning()) printWarnings(std::cerr, warningsOf(execution));
+  if (isWarning()) printWarnings(std::cerr, standardErrorShape(), statement, warningsOf(execution));
   const QORQL_MonitorScope scope(execution.monitor);
-  execute(execution);
-  print(execution);
+  try {
+    execute(execution);
+    print(execution);
+  } catch (QORQL_Exception& error) {  // also what ended the result early, which the engine kept to itself
+    QORQL_placeFault(execution.parsed.query(), error);
+    throw;
+  }
   if (_output.hasStatistics) printStatistics(execution);
 }
 
@@ -87,12 +94,10 @@ void QueryRunner::finish() {
 
 void QueryRunner::parse(Execution& execution) {
   const Clock::time_point start = Clock::now();
-  _faultOffset.reset();
   _hasEndedEarly = false;
   try {
     execution.parsed.parse(_options.nameSpace);
   } catch (...) {
-    _faultOffset = execution.parsed.faultOffset();
     tellOfPassedOver(execution);  // it may be the cause, such as quotes of another kind
     throw;
   }
@@ -106,10 +111,14 @@ void QueryRunner::tellOfPassedOver(const Execution& execution) const {
 bool QueryRunner::isFreeOfWarnings(const Statement& statement, const std::string& place) {
   Execution execution(statement);
   parse(execution);
-  std::vector<std::string> warnings = execution.parsed.passedOver();
-  for (std::string& warning : warningsOf(execution)) warnings.push_back(std::move(warning));
-  for (const std::string& warning : warnings) reportRefusal(place + warning);
-  return warnings.empty();
+  const std::vector<std::string>& passedOver = execution.parsed.passedOver();
+  for (const std::string& sentence : passedOver) reportRefusal(place + sentence);
+  const std::vector<Warning> warnings = warningsOf(execution);
+  for (const Warning& warning : warnings) {
+    reportRefusal(place + warning.text);
+    std::cerr << caretOf(warning, standardErrorShape(), statement);
+  }
+  return passedOver.empty() && warnings.empty();
 }
 
 // A person at a terminal is warned where the language surprises; a script asks for it.
@@ -117,19 +126,17 @@ bool QueryRunner::isWarning() const {
   return !_options.isQuiet && (_output.hasWarnings || standardErrorShape().isTerminal);
 }
 
-std::vector<std::string> QueryRunner::warningsOf(Execution& execution) const {
-  std::vector<std::string> warnings = findWarnings(_session.manager(), _options.nameSpace, execution.parsed);
+std::vector<Warning> QueryRunner::warningsOf(Execution& execution) const {
+  std::vector<Warning> warnings = findWarnings(_session.manager(), _options.nameSpace, execution.parsed);
   if (formOf(execution) != OutputForm::Xml) return warnings;
-  if (std::string warning = emptyRowsWarning(execution.statement); !warning.empty()) {
-    warnings.push_back(std::move(warning));
-  }
+  if (std::optional<Warning> warning = findEmptyRows(execution.parsed)) warnings.push_back(std::move(*warning));
   return warnings;
 }
 
 // A result that ends early shows no other sign of what is wrong, so its hint is printed without --warnings.
 std::string QueryRunner::hint(const Statement& statement, const std::vector<std::string>& commands) const {
   if (!isWarning() && (_options.isQuiet || !_hasEndedEarly)) return {};
-  return hintOfFailure(_session.manager(), _options.nameSpace, statement, _faultOffset, commands);
+  return hintOfFailure(_session.manager(), _options.nameSpace, statement, commands);
 }
 
 OutputForm QueryRunner::formOf(const Execution& execution) const {

@@ -4,7 +4,6 @@
 
 #include <iosfwd>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,6 +12,7 @@
 #include "Session.h"
 #include "SessionOptions.h"
 #include "Statements.h"
+#include "Warning.h"
 
 // BORROWS everything it is made from.
 class QueryRunner {
@@ -26,8 +26,6 @@ class QueryRunner {
   // For --strict: parses a statement and reports its warnings as errors, after the text `place`. THROWS
   // what parsing throws.
   bool isFreeOfWarnings(const Statement& statement, const std::string& place = "");
-  // Where in the text of the last statement parsing failed; empty for other faults.
-  std::optional<std::size_t> faultOffset() const { return _faultOffset; }
   // What may have been meant by a statement that failed, where warnings are
   // wanted or the result ended early; empty when nothing is known. A single word may stand for one of the
   // commands. REQUIRES to be called inside a catch clause.
@@ -41,7 +39,7 @@ class QueryRunner {
   void parse(Execution& execution);
   void tellOfPassedOver(const Execution& execution) const;
   bool isWarning() const;
-  std::vector<std::string> warningsOf(Execution& execution) const;
+  std::vector<Warning> warningsOf(Execution& execution) const;
   void execute(Execution& execution);
   void print(Execution& execution);
   void printStatistics(const Execution& execution);
@@ -55,7 +53,6 @@ class QueryRunner {
   const OutputOptions& _output;
   Session& _session;
   std::ostream& _out;
-  std::optional<std::size_t> _faultOffset;
   bool _hasEndedEarly = false;
   std::unique_ptr<ResultWriter> _writer;
   OutputForm _writerForm = OutputForm::Table;

@@ -2,13 +2,9 @@
 #ifndef QORQL_TOOL_QUERYTEXT_H
 #define QORQL_TOOL_QUERYTEXT_H
 
-#include <optional>
+#include <cstddef>
 #include <string>
 #include <string_view>
-
-// The first place at which a message's quoted name ('Wheels') stands in the
-// text as a word, in any case.
-std::optional<std::size_t> findQuotedName(std::string_view text, std::string_view message);
 
 // The line of the text that holds the offset, and under it a caret at the
 // offset; each indented by two blanks. A tab is shown as a blank. A line that is

@@ -91,7 +91,7 @@ void Shell::runStatement(const Statement& statement) {
     if (Interrupt::isRequested()) {
       std::cerr << "\nqorql: interrupted\n";
     } else {
-      reportFailure(statement, runner.faultOffset(), runner.hint(statement, shellCommandNames()));
+      reportFailure(statement, runner.hint(statement, shellCommandNames()));
     }
   }
   if (!_state.hasTimer) return;

@@ -91,8 +91,7 @@ void explain(Argument query, ShellState& state) {
       state.session.dropWarnings();
       std::cout.flush();
       const Statement typed{statement.text, 1};
-      reportFailure(typed, parsed.faultOffset(),
-                    hintOfFailure(state.session.manager(), state.options.nameSpace, typed, parsed.faultOffset()));
+      reportFailure(typed, hintOfFailure(state.session.manager(), state.options.nameSpace, typed));
     }
   }
   if (query.empty()) complain(".explain needs a statement");

@@ -6,6 +6,8 @@
 #include <array>
 #include <cctype>
 
+#include "StatementText.h"
+
 namespace {
 
 constexpr std::array<const char*, 4> kClauses{"SELECT", "FROM", "WHERE", "ORDER"};
@@ -19,62 +21,21 @@ std::string upper(std::string_view text) {
   return result;
 }
 
-// Names as they are, signs one by one, text literals as a quote, keywords in capitals.
-struct Words {
+// Names and signs as they are, whatever a text literal holds.
+std::vector<std::string> wordsOf(const StatementText& text) {
   std::vector<std::string> words;
-  bool isInLiteral = false;  // the text ends inside one
-};
-
-Words cutWords(std::string_view text) {
-  Words result;
-  for (std::size_t i = 0; i < text.size();) {
-    const std::size_t start = i;
-    if (isNameCharacter(text[i])) {
-      while (i < text.size() && isNameCharacter(text[i])) ++i;
-      result.words.emplace_back(text.substr(start, i - start));
-    } else if (text[i] == '\'') {
-      const std::size_t end = text.find_first_of("'\n", i + 1);
-      result.isInLiteral = end == std::string_view::npos;
-      i = result.isInLiteral ? text.size() : end + 1;
-      result.words.emplace_back("'");
-    } else {
-      if (std::isspace(static_cast<unsigned char>(text[i])) == 0) result.words.emplace_back(1, text[i]);
-      ++i;
-    }
-  }
-  return result;
+  for (const StatementText::Piece& piece : text.pieces()) words.emplace_back(piece.text);
+  return words;
 }
 
 bool isClause(const std::string& word) {
   return std::find(kClauses.begin(), kClauses.end(), upper(word)) != kClauses.end();
 }
 
-struct FromName {
-  std::string className;
-  std::string alias;
-};
-
-// The classes that the text's FROM clause names so far.
-std::vector<FromName> fromNames(const std::vector<std::string>& words) {
-  std::vector<FromName> names;
-  auto word = std::find_if(words.begin(), words.end(), [](const std::string& w) { return upper(w) == "FROM"; });
-  if (word == words.end()) return names;
-  for (++word; word != words.end() && isNameCharacter(word->front()); ++word) {
-    names.push_back({*word, {}});
-    const bool hasAlias = words.end() - word > 2 && upper(word[1]) == "AS";
-    if (hasAlias) {
-      word += 2;
-      names.back().alias = *word;
-    }
-    if (++word == words.end() || *word != ",") break;
-  }
-  return names;
-}
-
 class Completer {
  public:
-  Completer(const EmbeddedObjectManager& manager, const std::string& nameSpace, std::vector<FromName> from)
-      : _manager(manager), _nameSpace(nameSpace), _from(std::move(from)) {}
+  Completer(const EmbeddedObjectManager& manager, const std::string& nameSpace, const StatementText& text)
+      : _manager(manager), _nameSpace(nameSpace), _text(text) {}
 
   // What may follow these words.
   std::vector<std::string> next(const std::vector<std::string>& before) const {
@@ -114,7 +75,7 @@ class Completer {
   // Functions, and the names that FROM brings.
   std::vector<std::string> operands() const {
     std::vector<std::string> words(kFunctions.begin(), kFunctions.end());
-    for (const FromName& name : _from) {
+    for (const StatementText::Source& name : _text.sources()) {
       words.push_back(name.className);
       if (!name.alias.empty()) words.push_back(name.alias);
       add(words, propertiesOf(name.className));
@@ -124,10 +85,8 @@ class Completer {
 
   // Of a class, an alias, or a class that FROM does not name.
   std::vector<std::string> propertiesOf(const std::string& qualifier) const {
-    std::string className = qualifier;
-    for (const FromName& name : _from) {
-      if (upper(name.alias) == upper(qualifier)) className = name.className;
-    }
+    const std::string known = _text.classOf(qualifier);
+    const std::string& className = known.empty() ? qualifier : known;
     std::vector<std::string> words;
     for (const CimPropertyDeclaration& property : _manager.allProperties(QORString(_nameSpace), QORString(className))) {
       words.emplace_back(property.name.view());
@@ -141,7 +100,7 @@ class Completer {
 
   const EmbeddedObjectManager& _manager;
   const std::string& _nameSpace;
-  std::vector<FromName> _from;
+  const StatementText& _text;
 };
 
 bool isKeyword(const std::string& word) {
@@ -181,11 +140,11 @@ Completions completeStatement(std::string_view text, std::size_t cursor, const E
   Completions found;
   found.start = cursor;
   while (found.start != 0 && isNameCharacter(text[found.start - 1])) --found.start;
-  const Words before = cutWords(text.substr(0, found.start));
-  if (before.isInLiteral) return found;
+  const StatementText before(text.substr(0, found.start));
+  if (before.endsInLiteral()) return found;
   const std::string_view typed = text.substr(found.start, cursor - found.start);
-  const Completer completer(manager, nameSpace, fromNames(cutWords(text).words));
-  found.words = startingWith(completer.next(before.words), typed);
+  const StatementText whole(text);
+  found.words = startingWith(Completer(manager, nameSpace, whole).next(wordsOf(before)), typed);
   followCase(found.words, typed);
   return found;
 }

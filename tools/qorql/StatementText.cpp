@@ -2,12 +2,14 @@
 #include "StatementText.h"
 
 #include <algorithm>
+#include <utility>
+
+#include "Cimom/QORQL/QORQL_Fault.h"
 
 namespace {
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
-std::string folded(std::string_view name) { return std::string(QORString::toUpperCase(QORString(name)).view()); }
 bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
 }  // namespace
@@ -16,7 +18,6 @@ StatementText::StatementText(std::string_view text, QORuint32 firstLine, QORuint
     : _text(text), _firstLine(firstLine), _firstColumn(firstColumn) {
   readPieces();
   readSources();
-  readIsaClasses();
 }
 
 std::size_t StatementText::endOfPiece(std::size_t start, Kind& kind) const {
@@ -57,8 +58,9 @@ void StatementText::readPieces() {
 
 // FROM Class [AS Alias] {, Class [AS Alias]}
 void StatementText::readSources() {
-  while (_from < _pieces.size() && !is(_from, "FROM")) ++_from;
-  std::size_t piece = _from;
+  std::vector<Source> sources;
+  std::size_t piece = 0;
+  while (piece < _pieces.size() && !is(piece, "FROM")) ++piece;
   do {
     ++piece;
     if (!isWord(piece)) break;
@@ -68,36 +70,10 @@ void StatementText::readSources() {
       source.alias = _pieces[piece + 1].text;
       piece += 2;
     }
-    _sources.push_back(std::move(source));
+    sources.push_back(std::move(source));
   } while (is(piece, ","));
   _behindFrom = std::min(piece, _pieces.size());
-}
-
-// [FROM name .] property ISA Class
-void StatementText::readIsaClasses() {
-  for (std::size_t i = _behindFrom + 1; i + 1 < _pieces.size(); ++i) {
-    if (!is(i, "ISA") || !isWord(i - 1)) continue;
-    const bool hasPath = i >= 2 && (is(i - 2, ".") || is(i - 2, "::"));
-    if (hasPath && (i < 3 || classOf(_pieces[i - 3].text).empty())) continue;
-    std::string_view className = _pieces[i + 1].text;
-    if (_pieces[i + 1].kind == Kind::Literal && className.size() > 2)
-      className = className.substr(1, className.size() - 2);
-    _isaClasses.try_emplace(folded(_pieces[i - 1].text), className);
-  }
-}
-
-std::string StatementText::isaClassOf(std::string_view property) const {
-  const auto found = _isaClasses.find(folded(property));
-  return found == _isaClasses.end() ? "" : found->second;
-}
-
-std::string StatementText::classOf(std::string_view name) const {
-  for (const Source& source : _sources) {
-    if (QORString::equalIgnoringCase(source.className, name) || QORString::equalIgnoringCase(source.alias, name)) {
-      return source.className;
-    }
-  }
-  return "";
+  _from = FromNames(std::move(sources));
 }
 
 bool StatementText::is(std::size_t piece, std::string_view word) const noexcept {
@@ -108,37 +84,22 @@ bool StatementText::isWord(std::size_t piece) const noexcept {
   return piece < _pieces.size() && _pieces[piece].kind == Kind::Word;
 }
 
-bool StatementText::beginsReference(std::size_t piece) const noexcept {
-  if (!isWord(piece) || (piece >= _from && piece < _behindFrom)) return false;
-  if (piece == 0) return true;
-  return !is(piece - 1, ".") && !is(piece - 1, "::") && !is(piece - 1, "ISA") && !is(piece - 1, "AS");
+std::size_t StatementText::pieceAt(std::size_t offset) const noexcept {
+  const auto begins = [](const Piece& piece, std::size_t place) { return piece.offset < place; };
+  const auto found = std::lower_bound(_pieces.begin(), _pieces.end(), offset, begins);
+  const bool isThere = found != _pieces.end() && found->offset == offset;
+  return isThere ? static_cast<std::size_t>(found - _pieces.begin()) : kNowhere;
 }
 
-std::size_t StatementText::findReference(std::string_view name) const noexcept {
-  for (std::size_t i = 0; i < _pieces.size(); ++i) {
-    const bool isAlone = beginsReference(i) && !is(i + 1, ".") && !is(i + 1, "(");
-    if (isAlone && is(i, name)) return i;
-  }
-  return findWord(name);
-}
-
-std::size_t StatementText::findWord(std::string_view name) const noexcept {
-  for (std::size_t i = 0; i < _pieces.size(); ++i) {
-    if (isWord(i) && is(i, name)) return i;
-  }
-  return kNowhere;
+bool StatementText::endsInLiteral() const noexcept {
+  if (_pieces.empty() || _pieces.back().kind != Kind::Literal) return false;
+  const Piece& last = _pieces.back();
+  const bool isClosed = last.text.size() > 1 && last.text.back() == '\'';
+  return !isClosed && last.offset + last.text.size() == _text.size();
 }
 
 std::string StatementText::place(std::size_t offset) const {
-  const std::string_view before = _text.substr(0, std::min(offset, _text.size()));
-  const auto lines = static_cast<QORuint32>(std::count(before.begin(), before.end(), '\n'));
-  const std::size_t lineStart = before.rfind('\n') == std::string_view::npos ? 0 : before.rfind('\n') + 1;
-  std::size_t column = 0;
-  for (std::size_t i = lineStart; i < before.size(); ++i) {
-    const bool goesOn = (static_cast<unsigned char>(before[i]) & 0xC0U) == 0x80U && i > 0 &&
-                        (static_cast<unsigned char>(before[i - 1]) & 0x80U) != 0;
-    if (!goesOn) ++column;  // so does a byte of another encoding that stands alone
-  }
-  return "line " + std::to_string(_firstLine + lines) + ", column " +
-         std::to_string(column + (lines == 0 ? _firstColumn : 1));
+  const QORQL_Place place = QORQL_placeOf(_text, offset);
+  return "line " + std::to_string(_firstLine + place.line - 1) + ", column " +
+         std::to_string(place.column + (place.line == 1 ? _firstColumn - 1 : 0));
 }

@@ -5,22 +5,16 @@
 #include <utility>
 
 #include "Cimom/QORQL/Explain/QORQL_Surprises.h"
+#include "Cimom/QORQL/QORQL_SelectList.h"
 #include "ClassFamily.h"
 #include "DisplayText.h"
 #include "ParsedQuery.h"
-#include "StatementText.h"
+#include "QueryText.h"
 #include "UnknownProperties.h"
 
 namespace {
 
 constexpr std::size_t kLongest = 400;
-
-// A star after SELECT, FIRST n or a comma stands for all columns; between two operands it multiplies.
-bool isBareStar(const StatementText& text, std::size_t piece) {
-  if (!text.is(piece, "*") || piece == 0) return false;
-  if (text.is(piece - 1, "SELECT") || text.is(piece - 1, ",")) return true;
-  return piece >= 2 && text.pieces()[piece - 1].kind == StatementText::Kind::Number && text.is(piece - 2, "FIRST");
-}
 
 std::string meantClass(EmbeddedObjectManager& manager, const std::string& nameSpace, const std::string& name) {
   if (name.empty()) return {};
@@ -30,29 +24,43 @@ std::string meantClass(EmbeddedObjectManager& manager, const std::string& nameSp
 
 }  // namespace
 
-std::vector<std::string> findWarnings(EmbeddedObjectManager& manager, const std::string& nameSpace,
-                                      ParsedQuery& parsed) {
-  std::vector<std::string> warnings;
+std::vector<Warning> findWarnings(EmbeddedObjectManager& manager, const std::string& nameSpace, ParsedQuery& parsed) {
+  std::vector<Warning> warnings;
   for (const QORQL_Surprise& surprise : QORQL_findSurprises(parsed.query(), QORString(nameSpace))) {
-    warnings.push_back(cutText(printableText(surprise.text), kLongest, "...") +
-                       meantClass(manager, nameSpace, surprise.unknownClass) + " [" + surprise.rule + "]");
+    warnings.push_back({cutText(printableText(surprise.text), kLongest, "...") +
+                            meantClass(manager, nameSpace, surprise.unknownClass) + " [" + surprise.rule + "]",
+                        surprise.offset});
   }
-  for (std::string& warning : findUnknownProperties(manager, QORString(nameSpace), parsed)) {
+  for (Warning& warning : findUnknownProperties(manager, QORString(nameSpace), parsed)) {
     warnings.push_back(std::move(warning));
   }
   return warnings;
 }
 
-std::string emptyRowsWarning(const std::string& statement) {
-  const StatementText text(statement);
-  for (std::size_t i = 0; i < text.fromPiece(); ++i) {
-    if (isBareStar(text, i)) return "In XML the rows of * are empty: name the columns [SEL-5]";
+std::optional<Warning> findEmptyRows(const ParsedQuery& parsed) {
+  const auto& list = dynamic_cast<const QORQL_SelectList&>(*parsed.query().getSelectList());
+  QORValSlistIterator<QORSmrPtr<QORQL_SelectedEntry>> entries(*list.getSelectedEntries());
+  while (++entries) {
+    if (!entries.key()->isSelectAll()) continue;
+    return Warning{"In XML the rows of * are empty: name the columns [SEL-5]", entries.key()->getOffset()};
   }
-  return {};
+  return std::nullopt;
 }
 
 void printWarnings(std::ostream& out, const std::vector<std::string>& warnings) {
   for (const std::string& warning : warnings) out << "qorql: warning: " << warning << '\n';
+}
+
+void printWarnings(std::ostream& out, const TerminalShape& terminal, const Statement& statement,
+                   const std::vector<Warning>& warnings) {
+  for (const Warning& warning : warnings) {
+    out << "qorql: warning: " << warning.text << '\n' << caretOf(warning, terminal, statement);
+  }
+}
+
+std::string caretOf(const Warning& warning, const TerminalShape& terminal, const Statement& statement) {
+  const bool isShown = terminal.isTerminal && warning.offset;
+  return isShown ? lineWithCaret(statement.text, *warning.offset, terminal.width) : std::string();
 }
 
 void parseWithWarnings(ParsedQuery& parsed, const std::string& nameSpace, bool isQuiet) {

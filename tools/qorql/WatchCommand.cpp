@@ -94,7 +94,7 @@ std::string reasonOfSilence(const LiveWatch& watch) {
 }
 
 int watchUntilTheEnd(const WatchOptions& options, FilterSession& session, const CQLQueryStatement& filter) {
-  LiveWatch watch(session.manager(), session.nameSpace(), filter, StatementText(options.text));
+  LiveWatch watch(session.manager(), session.nameSpace(), filter);
   if (const std::string silence = reasonOfSilence(watch); !silence.empty()) {
     if (options.filter.isStrict) return reportRefusal(silence);
     warn(options, silence);

@@ -7,6 +7,7 @@
 #include "Cimom/QORQL/QORQL_Arithmetic.h"
 #include "Cimom/QORQL/QORQL_Association.h"
 #include "Cimom/QORQL/QORQL_Comparison.h"
+#include "Cimom/QORQL/QORQL_ExpressionPlaces.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_Function.h"
 #include "Cimom/QORQL/QORQL_Term.h"
@@ -170,22 +171,47 @@ void QORQL_NodeSurprises::visitAssociation(const QORQL_Association& node) {
 
 void QORQL_NodeSurprises::addConditions(std::vector<QORQL_Surprise>& found) const {
   if (_like != nullptr) {
-    found.push_back(
-        {"LIKE-1", "LIKE searches for a plain text anywhere, with regard to case, and knows no wildcards: \"" +
-                       _texts.of(_like) + "\""});
+    found.push_back({"LIKE-1",
+                     "LIKE searches for a plain text anywhere, with regard to case, and knows no wildcards: \"" +
+                         _texts.of(_like) + "\"",
+                     _like->getOffset()});
   }
   if (_turned != nullptr) {
-    found.push_back({"ARR-4", "ANY and EVERY on the left turn a comparison around: \"" + _texts.of(_turned) +
-                                  "\" compares the right side with each element. Write the array on the right"});
+    found.push_back({"ARR-4",
+                     "ANY and EVERY on the left turn a comparison around: \"" + _texts.of(_turned) +
+                         "\" compares the right side with each element. Write the array on the right",
+                     _turned->getOffset()});
   }
   if (_unequal != nullptr) {
-    found.push_back({"ARR-6", "\"" + _texts.of(_unequal) + "\" also keeps the rows for which it is false"});
+    found.push_back(
+        {"ARR-6", "\"" + _texts.of(_unequal) + "\" also keeps the rows for which it is false", _unequal->getOffset()});
   }
-  if (_array != nullptr) found.push_back({"ARR-7", arrayText()});
+  if (_array != nullptr) found.push_back({"ARR-7", arrayText(), QORQL_startOf(arraySide())});
   if (_asked != nullptr) {
-    found.push_back({"ARR-5", "\"" + _texts.of(_asked) + "\" is null: what ANY or EVERY asks is no array"});
+    found.push_back({"ARR-5", "\"" + _texts.of(_asked) + "\" is null: what ANY or EVERY asks is no array",
+                     QORQL_startOf(askedSide())});
   }
-  if (_real32 != nullptr) found.push_back({"CMP-2", real32Text()});
+  if (_real32 != nullptr) found.push_back({"CMP-2", real32Text(), QORQL_startOf(real32Side())});
+}
+
+const QORQL_Evaluatable& QORQL_NodeSurprises::arraySide() const {
+  const QORQL_Evaluatable& left = *_array->getLHSArithmeticExpression();
+  return _types.of(&left).isArray ? left : *_array->getRHSArithmeticExpression();
+}
+
+const QORQL_Evaluatable& QORQL_NodeSurprises::askedSide() const {
+  return isAskedLeft(*_asked) ? *_asked->getLHSArithmeticExpression() : *_asked->getRHSArithmeticExpression();
+}
+
+const QORQL_Evaluatable& QORQL_NodeSurprises::real32Side() const {
+  const QORQL_Evaluatable& left = *_real32->getLHSArithmeticExpression();
+  return _types.of(&left).isReal32 ? left : *_real32->getRHSArithmeticExpression();
+}
+
+// The name before the last one.
+QORuint32 QORQL_NodeSurprises::scopePlace() const {
+  const std::vector<QORuint32> places = QORQL_placesOfNames(_text, *_scope);
+  return places.size() < 2 ? _scope->getOffset() : places[places.size() - 2];
 }
 
 std::string QORQL_NodeSurprises::arrayText() const {
@@ -211,30 +237,36 @@ std::string QORQL_NodeSurprises::real32Text() const {
 
 void QORQL_NodeSurprises::addArithmetic(std::vector<QORQL_Surprise>& found) const {
   if (_grouped != nullptr) {
-    found.push_back({"ARITH-2", "Operators of one level group to the right: this is \"" + _texts.of(_grouped) + "\""});
+    found.push_back({"ARITH-2", "Operators of one level group to the right: this is \"" + _texts.of(_grouped) + "\"",
+                     _grouped->getOffset()});
   }
   if (_negated != nullptr) {
     const std::string text = _texts.of(_negated);
-    found.push_back(
-        {"ARITH-6", "\"" + text + "\" cannot be computed: a uint64 is not negated. Write 0 - " + text.substr(1)});
+    found.push_back({"ARITH-6",
+                     "\"" + text + "\" cannot be computed: a uint64 is not negated. Write 0 - " + text.substr(1),
+                     _negated->getOffset()});
   }
   if (_tooLow != nullptr) {
-    found.push_back(
-        {"LEX-6", "Behind a minus " + _texts.of(_tooLow) + " fits no type: it stands for another number or null"});
+    found.push_back({"LEX-6",
+                     "Behind a minus " + _texts.of(_tooLow) + " fits no type: it stands for another number or null",
+                     _tooLow->getOffset()});
   }
 }
 
 void QORQL_NodeSurprises::addReferences(std::vector<QORQL_Surprise>& found) const {
   if (_counted != nullptr) {
-    found.push_back(
-        {"AGG-2", "\"" + _texts.of(_counted) +
-                      "\" does not count where the condition is true: COUNT counts values that are not null, "
-                      "and false is one. Write the condition into WHERE"});
+    found.push_back({"AGG-2",
+                     "\"" + _texts.of(_counted) +
+                         "\" does not count where the condition is true: COUNT counts values that are not null, "
+                         "and false is one. Write the condition into WHERE",
+                     _counted->getOffset()});
   }
   if (_scope != nullptr) {
-    found.push_back({"NAME-6", "\"" + _texts.of(_scope) + "\" reads " + std::string(_scope->getPropertyName()->view()) +
-                                   " of " + _texts.nameOf(_types.classNameOf(*_scope->getClassName())) +
-                                   ": a scope is not checked in a query"});
+    found.push_back({"NAME-6",
+                     "\"" + _texts.of(_scope) + "\" reads " + std::string(_scope->getPropertyName()->view()) + " of " +
+                         _texts.nameOf(_types.classNameOf(*_scope->getClassName())) +
+                         ": a scope is not checked in a query",
+                     scopePlace()});
   }
   if (_association != nullptr) found.push_back(associationText());
 }
@@ -243,7 +275,9 @@ QORQL_Surprise QORQL_NodeSurprises::associationText() const {
   const std::string name(_association->getAssociationName().view());
   const std::string start = "\"" + _texts.of(_association) + "\" ties nothing: ";
   const QORSmrPtr<IQoriClass> model(_types.classOf(_association->getAssociationName()));
-  if (model.IsNull()) return {"ASSOC-6", start + "there is no class " + name, name};
-  return {"ASSOC-6", start + std::string(model->getClassName().view()) +
-                         " is no association (two OBJECTPATHs that are compared are read as one, too)"};
+  if (model.IsNull()) return {"ASSOC-6", start + "there is no class " + name, _association->getOffset(), name};
+  return {"ASSOC-6",
+          start + std::string(model->getClassName().view()) +
+              " is no association (two OBJECTPATHs that are compared are read as one, too)",
+          _association->getOffset()};
 }

@@ -3,6 +3,7 @@
 #define QORQL_NODESURPRISES_H
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Cimom/QORQL/Explain/QORQL_DeclaredTypes.h"
@@ -11,11 +12,11 @@
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
 
 // Visits the trees of one statement and keeps the first node of each kind.
-// BORROWS both arguments and the nodes.
+// BORROWS its arguments, the last of which is the statement's text, and the nodes.
 class QORQL_NodeSurprises : public QORQL_ExpressionVisitor {
  public:
-  QORQL_NodeSurprises(const QORQL_DeclaredTypes& types, const QORQL_ExpressionText& texts)
-      : _types(types), _texts(texts) {}
+  QORQL_NodeSurprises(const QORQL_DeclaredTypes& types, const QORQL_ExpressionText& texts, std::string_view text)
+      : _types(types), _texts(texts), _text(text) {}
 
   void visitComparison(const QORQL_Comparison& node) override;
   void visitArithmetic(const QORQL_Arithmetic& node) override;
@@ -38,12 +39,18 @@ class QORQL_NodeSurprises : public QORQL_ExpressionVisitor {
  private:
   void lookAtArrays(const QORQL_Comparison& node);
   bool isReal32BesideOther(const QORQL_Comparison& node) const;
+  // What the texts are about, side by side with them. REQUIRE that there is one.
+  const QORQL_Evaluatable& arraySide() const;
+  const QORQL_Evaluatable& askedSide() const;
+  const QORQL_Evaluatable& real32Side() const;
+  QORuint32 scopePlace() const;
   std::string arrayText() const;
   std::string real32Text() const;
   QORQL_Surprise associationText() const;
 
   const QORQL_DeclaredTypes& _types;
   const QORQL_ExpressionText& _texts;
+  const std::string_view _text;
   const QORQL_Comparison* _like = nullptr;
   const QORQL_Comparison* _turned = nullptr;
   const QORQL_Comparison* _unequal = nullptr;

@@ -3,6 +3,7 @@
 
 #include <map>
 #include <set>
+#include <utility>
 
 #include "Cimom/QORQL/Explain/QORQL_NodeSurprises.h"
 #include "Cimom/QORQL/QORQL_Expression.h"
@@ -23,7 +24,8 @@ class Surprises {
         _where(dynamic_cast<const QORQL_WhereClause*>(query.getWhereClause().Get())),
         _orderBy(dynamic_cast<const QORQL_OrderByClause*>(query.getOrderByClause().Get())),
         _types(_from, nameSpace),
-        _texts(_from, nameSpace) {}
+        _texts(_from, nameSpace),
+        _nodes(new QORQL_NodeSurprises(_types, _texts, query.getQueryString().view())) {}
 
   std::vector<QORQL_Surprise> ofQuery() {
     addOr();
@@ -45,18 +47,21 @@ class Surprises {
   }
 
  private:
-  void add(const char* rule, std::string text) { _found.push_back({rule, std::move(text)}); }
+  void add(const char* rule, QORuint32 offset, std::string text) { _found.push_back({rule, std::move(text), offset}); }
 
   void addOr() {
     const auto* expression =
         _where == nullptr ? nullptr : dynamic_cast<const QORQL_Expression*>(_where->getExpression().Get());
     if (expression == nullptr || expression->getOperator() != QORQL_OperatorOR) return;
+    QORuint32 offset = 0;
     while (expression->getOperator() == QORQL_OperatorOR) {
+      offset = expression->getOffset();  // of the last OR, before the operand that decides
       expression = dynamic_cast<const QORQL_Expression*>(expression->getExpression().Get());
       if (expression == nullptr) return;
     }
-    add("WHERE-3", "OR keeps what its last operand keeps: only \"" + _texts.of(expression->getExpressionTerm().Get()) +
-                       "\" decides. Run a query for each operand");
+    add("WHERE-3", offset,
+        "OR keeps what its last operand keeps: only \"" + _texts.of(expression->getExpressionTerm().Get()) +
+            "\" decides. Run a query for each operand");
   }
 
   void visitNodes() {
@@ -70,20 +75,21 @@ class Surprises {
 
   void addEntries() {
     QORuint32 aggregates = 0;
-    bool hasAverage = false;
-    bool hasStar = false;
+    const QORQL_SelectedEntry* average = nullptr;
+    const QORQL_SelectedEntry* star = nullptr;
     QORValSlistIterator<QORSmrPtr<QORQL_SelectedEntry>> entries(*_list.getSelectedEntries());
     while (++entries) {
       aggregates += entries.key()->isEntryAggregate() ? 1 : 0;
-      hasAverage = hasAverage || entries.key()->GetFunctionID() == QORQL_FUNCTIONID_AVG;
-      hasStar = hasStar || entries.key()->isSelectAll();
+      if (average == nullptr && entries.key()->GetFunctionID() == QORQL_FUNCTIONID_AVG) average = entries.key().Get();
+      if (star == nullptr && entries.key()->isSelectAll()) star = entries.key().Get();
     }
-    if (hasAverage && aggregates > 1) {
-      add("AGG-4",
+    if (average != nullptr && aggregates > 1) {
+      add("AGG-4", average->getOffset(),
           "AVG divides by the number of values of all aggregates in the list. Ask for it in a query of its own");
     }
-    if (hasStar && !_list.isSelectAll()) {
-      add("SEL-6", "A star that is not last shows only what other parts of the statement name. Write it last");
+    if (star != nullptr && !_list.isSelectAll()) {
+      add("SEL-6", star->getOffset(),
+          "A star that is not last shows only what other parts of the statement name. Write it last");
     }
   }
 
@@ -93,7 +99,7 @@ class Surprises {
     while (++specifiers) {
       const QORString& name = specifiers.key()->getTableName();
       if (_classes.insert(name).second || isTold) continue;
-      add("FROM-5",
+      add("FROM-5", specifiers.key()->getOffset(),
           "A class twice in FROM is one column: every alias of " + _texts.nameOf(name) + " but the last reads null");
       isTold = true;
     }
@@ -107,30 +113,33 @@ class Surprises {
     while (++specifiers) {
       const QORString& className = specifiers.key()->getTableName();
       const QORString& alias = specifiers.key()->getAlias();
-      for (const QORString& name : {className, alias}) {
+      const QORuint32 offset = specifiers.key()->getOffset();
+      const QORuint32 aliasOffset = specifiers.key()->getAliasOffset();
+      for (const auto& [name, place] : {std::pair(className, offset), std::pair(alias, aliasOffset)}) {
         if (name.isEmpty()) continue;
         const auto [known, isNew] = classOf.try_emplace(name, className);
         if (isNew || known->second == className || hasClash) continue;
         hasClash = true;
-        add("FROM-10", "In FROM " + _texts.nameOf(name) + " names both " + _texts.nameOf(known->second) + " and " +
-                           _texts.nameOf(className) + ": only one of them can be asked. Give each a name of its own");
+        add("FROM-10", place,
+            "In FROM " + _texts.nameOf(name) + " names both " + _texts.nameOf(known->second) + " and " +
+                _texts.nameOf(className) + ": only one of them can be asked. Give each a name of its own");
       }
       if (alias.isEmpty() || hasProperty) continue;
-      hasProperty = addPropertyAlias(alias);
+      hasProperty = addPropertyAlias(alias, aliasOffset);
     }
   }
 
   // Whether a class of FROM has a property of that name.
-  bool addPropertyAlias(const QORString& alias) {
+  bool addPropertyAlias(const QORString& alias, QORuint32 offset) {
     for (const QORString& className : _classes) {
       const QORSmrPtr<IQoriClass> model(_types.classOf(className));
       const IQoriProperty* const property = model.IsNull() ? nullptr : model->getProperty(alias, true);
       if (property == nullptr) continue;
       const std::string name(property->getName().view());
       const std::string owner = _texts.nameOf(className);
-      add("NAME-7", "The alias " + name + " is also a property of " + owner +
-                        ": alone it stands for the whole object. " + "Write " + owner + "." + name +
-                        ", or take another alias");
+      add("NAME-7", offset,
+          "The alias " + name + " is also a property of " + owner + ": alone it stands for the whole object. " +
+              "Write " + owner + "." + name + ", or take another alias");
       return true;
     }
     return false;
@@ -138,15 +147,16 @@ class Surprises {
 
   void addJoins() {
     if (const QORQL_Comparison* const join = _nodes->leftJoin()) {
-      add("JOIN-4",
+      add("JOIN-4", join->getOffset(),
           "\"" + _texts.of(join) +
               "\" gives rows too many: a left object that meets another before its partner gets one with nulls. "
               "Write a right join (=*)");
     }
     const QORQL_Comparison* const outer = _nodes->outerJoin();
     if (outer == nullptr || _classes.size() < 3) return;
-    add("JOIN-2", "The rows that \"" + _texts.of(outer) +
-                      "\" adds hold one object: every other column is null, those of third classes too");
+    add("JOIN-2", outer->getOffset(),
+        "The rows that \"" + _texts.of(outer) +
+            "\" adds hold one object: every other column is null, those of third classes too");
   }
 
   const QORQL_SelectList& _list;
@@ -155,7 +165,7 @@ class Surprises {
   const QORQL_OrderByClause* _orderBy;
   const QORQL_DeclaredTypes _types;
   const QORQL_ExpressionText _texts;
-  QORQL_NodeSurprises* const _nodes = new QORQL_NodeSurprises(_types, _texts);
+  QORQL_NodeSurprises* const _nodes;
   QORSmrPtr<QORQL_ExpressionVisitor> _visitor{_nodes};  // OWNS it
   std::set<QORString> _classes;                         // of FROM
   std::vector<QORQL_Surprise> _found;

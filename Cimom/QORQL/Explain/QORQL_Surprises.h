@@ -12,6 +12,7 @@ class QORQL_Query;
 struct QORQL_Surprise {
   const char* rule;            // of the language reference, such as "WHERE-3"
   std::string text;            // what the statement means, and what to write instead
+  QORuint32 offset;            // of the word that it is about, as a byte of the text
   std::string unknownClass{};  // the name at fault, where it is one of no class
 };
 

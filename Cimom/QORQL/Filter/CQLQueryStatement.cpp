@@ -5,10 +5,11 @@
 #include "Cimom/QORQL/Filter/CQLMatcher.h"
 #include "Cimom/QORQL/Filter/CQLReferences.h"
 #include "Cimom/QORQL/Filter/CQLScope.h"
+#include "Cimom/QORQL/QORQL_ExpressionPlaces.h"
+#include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_FromClause.h"
 #include "Cimom/QORQL/QORQL_Lexer.h"
 #include "Cimom/QORQL/QORQL_Log.h"
-#include "Cimom/QORQL/QORQL_Messages.h"
 #include "Cimom/QORQL/QORQL_SelectList.h"
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
 #include "cimom/CQoriInstanceName.h"
@@ -33,6 +34,15 @@ QORString propertyOfClass(const QORQL_SelectedEntry& entry) {
   return isPath ? CQLFirstStep(CQLBehindFirstStep(references.front().chain)) : entry.getPropertyName();
 }
 
+// Where the text names that property.
+QORuint32 placeOfProperty(std::string_view text, const QORQL_SelectedEntry& entry) {
+  return QORQL_findPlace(*entry.getExpression(), [&](const QORQL_Factor& factor) {
+    if (factor.getPropertyName().IsNull()) return QORQL_Fault::kNowhere;
+    const bool isPath = !factor.getChain().IsNull() && factor.getChain()->find(".") != QORString::npos;
+    return isPath ? QORQL_placesOfNames(text, factor).at(1) : factor.getPropertyOffset();
+  });
+}
+
 }  // namespace
 
 CQLQueryStatement::CQLQueryStatement(const QORString& queryLanguage, const QORString& query,
@@ -55,31 +65,12 @@ void CQLQueryStatement::parseQuery(QORQL_SymbolTable& symbolTable, QORQL_Lexer& 
   const QORString& none = QORString::emptyString();
   try {
     _query = QORQL_Query::parse(symbolTable, lexer, false, none, none, getNameSpace());
-  } catch (const QORQL_ParseException& error) {
-    const bool isRead = error.getLineNr() == 0;
-    noteParseFault(error, isRead ? CQLQueryFault::kNoOffset : lexer.getCurrent().getOffset());
-    throw;
-  } catch (const QORQL_Exception& error) {
-    noteParseFault(error, lexer.getCurrent().getOffset());
+  } catch (const QoriBaseException& error) {
+    _fault = CQLQueryFaultOf(error);
     throw;
   }
   if (!_query.IsNull()) noteFromNames();
   queryParsed = true;
-}
-
-// Faults of names are found after the text was read; they name what is wrong.
-void CQLQueryStatement::noteParseFault(const QoriBaseException& error, QORuint32 offset) {
-  const QORString& message = error.getMessage();
-  if (QORQL_isMessage(QORQL_Messages::kPropertyUnknown.text, message, _fault.name)) {
-    _fault.kind = CQLQueryFault::kProperty;
-  } else if (QORQL_isMessage(QORQL_Messages::kPropertyAmbiguous.text, message, _fault.name)) {
-    _fault.kind = CQLQueryFault::kAmbiguous;
-  } else if (QORQL_isMessage(QORQL_Messages::kSymbolInvalid.text, message, _fault.name)) {
-    _fault.kind = CQLQueryFault::kQualifier;
-  } else {
-    _fault.kind = CQLQueryFault::kSyntax;
-    _fault.offset = offset;
-  }
 }
 
 void CQLQueryStatement::checkQuery() {
@@ -198,6 +189,7 @@ CQLQueryExceptionCode CQLQueryStatement::validateEntry(const QORQL_SelectedEntry
     _fault.kind = CQLQueryFault::kProperty;
     _fault.name = property;
     _fault.className = className;
+    _fault.offset = placeOfProperty(_queryString.view(), entry);
     _fault.message = QORString("'") + property + "' is no property of " + className;
     return CQL_QUERY_VALIDATE_ERROR;
   }
@@ -211,6 +203,7 @@ void CQLQueryStatement::noteUnknownClass() {
     if (className.isEmpty() || CQLQueryValidator::findClass(getNameSpace(), className)) continue;
     _fault.kind = CQLQueryFault::kClass;
     _fault.name = className;
+    _fault.offset = specifiers.key()->getOffset();
     _fault.message = QORString("'") + className + "' is no class of " + getNameSpace();
     return;
   }

@@ -147,7 +147,8 @@ QORSmrPtr<QORQL_Symbol> destinationSymbol(const QORString& name, const QORQL_Sym
   QORSmrPtr<QORQL_Symbol> symbol(symbolTable.lookupIgnoringCase(name));
   if (symbol.IsNull()) {
     throw QORQL_Exception(QORQL_Exception::QORQL_UNIDENTIFIED_IDENTIFIER,
-                          QORString(QORQL_ExecutionMessages::kFromSymbolUnknown) + name + "'");
+                          QORString(QORQL_ExecutionMessages::kFromSymbolUnknown) + name + "'",
+                          {QORQL_Fault::kFromNameUnknown, name});
   }
   return symbol;
 }

@@ -24,7 +24,8 @@ void QORQL_FromSpecifier::execute(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQ
   const QORSmrPtr<QORQL_Symbol> symbol(symbolTable.lookupIgnoringCase(_tableName));
   if (symbol.IsNull()) {
     throw QORQL_Exception(QORQL_Exception::QORQL_UNDEFINED_SYMBOL,
-                          QORString(QORQL_ExecutionMessages::kSubquerySymbolUnknown) + _tableName + "'");
+                          QORString(QORQL_ExecutionMessages::kSubquerySymbolUnknown) + _tableName + "'",
+                          {QORQL_Fault::kFromNameUnknown, _tableName});
   }
   QORSmrPtr<QORQL_DataTable> nested(new QORQL_DataTable());
   nested->inherit(*table);

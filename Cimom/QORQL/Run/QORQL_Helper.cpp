@@ -34,7 +34,7 @@ QORSmrPtr<QORQL_Symbol> findSymbol(const QORString& name, QORQL_SymbolTable& sym
   QORSmrPtr<QORQL_Symbol> symbol(symbolTable.lookup(QORString::toUpperCase(name)));
   if (symbol.IsNull()) {
     throw QORQL_Exception(QORQL_Exception::QORQL_UNIDENTIFIED_IDENTIFIER,
-                          QORString(Messages::kFromSymbolUnknown) + name + "'");
+                          QORString(Messages::kFromSymbolUnknown) + name + "'", {QORQL_Fault::kFromNameUnknown, name});
   }
   return symbol;
 }
@@ -56,7 +56,8 @@ ObjectList fetch(const Source& source, const QORString& nameSpace, const QORStri
   ObjectList objects(
       QORQL_Helper::enumerateInstance(source.className, source.properties, nameSpace, queryString, queryLanguage));
   if (objects.IsNull()) {
-    QORQL_logAndThrow(QORString("Enumerateinstance call for '") + source.className + "' returned NULL");
+    QORQL_logAndThrow(QORString("Enumerateinstance call for '") + source.className + "' returned NULL",
+                      QoriTraceLog::kError, {QORQL_Fault::kClassUnknown, source.className});
   }
   return objects;
 }

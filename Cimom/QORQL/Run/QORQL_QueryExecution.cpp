@@ -1,14 +1,15 @@
 // The execution driver: FROM, WHERE, ORDER BY and the select list on one table.
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_Query.h"
+#include "Cimom/QORQL/QORQL_StatementPlaces.h"
 
 // Providers that filter at the source know nothing of associations: their ends come from elsewhere.
 bool QORQL_Query::_isLeftToProviders(const QORQL_DataTable& table) const noexcept {
   return !_whereHasAssociation && table.allCellsPreFiltered();
 }
 
-void QORQL_Query::execute(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, std::ostream* out,
-                          const QORString& nameSpace) {
+void QORQL_Query::_executeClauses(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, std::ostream* out,
+                                  const QORString& nameSpace) {
   _fromClause->execute(symbolTable, table, nullptr, nameSpace);
   if (!_whereClause.IsNull() && !_isLeftToProviders(*table)) {
     _whereClause->execute(symbolTable, table, nullptr, nameSpace);
@@ -19,4 +20,14 @@ void QORQL_Query::execute(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTa
     if (!_isLeftToProviders(*table)) _orderbyClause->execute(symbolTable, table, nullptr, QORQL_kFixedNameSpace);
   }
   _selectList->execute(symbolTable, table, out, nameSpace);
+}
+
+void QORQL_Query::execute(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, std::ostream* out,
+                          const QORString& nameSpace) {
+  try {
+    _executeClauses(symbolTable, table, out, nameSpace);
+  } catch (QORQL_Exception& error) {
+    QORQL_placeFault(*this, error);
+    throw;
+  }
 }

@@ -56,10 +56,32 @@ TEST_F(FilterFault, ATextThatDoesNotParseIsWrongAtAToken) {
   EXPECT_EQ(faultOf("SELECT * FROM CIM_AlertIndication WHERE ANY A[*] = A[*]").kind, CQLQueryFault::kSyntax);
 }
 
-TEST_F(FilterFault, AFaultThatIsFoundBehindTheTextHasNoPlace) {
-  const CQLQueryFault fault = faultOf("SELECT COUNT(U8) AS n, U16 FROM CIM_AlertIndication");
-  EXPECT_EQ(fault.kind, CQLQueryFault::kSyntax);
-  EXPECT_EQ(fault.offset, CQLQueryFault::kNoOffset);
+TEST_F(FilterFault, EveryNameAtFaultHasItsPlaceWhateverIsSpelledLikeIt) {
+  const struct {
+    const char* filter;
+    CQLQueryFault::Kind kind;
+    const char* before;  // the text before the word at fault
+  } rows[] = {
+      {"SELECT COUNT(U8) AS n, U16 FROM CIM_AlertIndication", CQLQueryFault::kSyntax, "SELECT COUNT(U8) AS n, "},
+      {"SELECT U8 AS Owner FROM CIM_AlertIndication WHERE Absent = 'Owner' AND Owner = 1", CQLQueryFault::kProperty,
+       "SELECT U8 AS Owner FROM CIM_AlertIndication WHERE Absent = 'Owner' AND "},
+      {"SELECT a.U8 AS Owner, a.Owner FROM CIM_AlertIndication AS a", CQLQueryFault::kProperty,
+       "SELECT a.U8 AS Owner, a."},
+      {"SELECT SUM(a . Owner) AS s FROM CIM_AlertIndication AS a", CQLQueryFault::kProperty, "SELECT SUM(a . "},
+      {"SELECT i.Owner.C::Owner FROM CIM_InstCreation AS i", CQLQueryFault::kProperty, "SELECT i."},
+      {"SELECT a.U8 AS n, n.U16 FROM CIM_AlertIndication AS a", CQLQueryFault::kQualifier, "SELECT a.U8 AS n, "},
+      {"SELECT a.U8 AS Nope FROM CIM_AlertIndication AS a,\n Nope AS b", CQLQueryFault::kClass,
+       "SELECT a.U8 AS Nope FROM CIM_AlertIndication AS a,\n "},
+      {"SELECT a.U8 AS IndicationIdentifier FROM CIM_AlertIndication AS a, CIM_InstCreation WHERE IndicationIdentifier "
+       "= ''",
+       CQLQueryFault::kAmbiguous,
+       "SELECT a.U8 AS IndicationIdentifier FROM CIM_AlertIndication AS a, CIM_InstCreation WHERE "},
+  };
+  for (const auto& row : rows) {
+    const CQLQueryFault fault = faultOf(row.filter);
+    EXPECT_EQ(fault.kind, row.kind) << row.filter;
+    EXPECT_EQ(std::string(row.filter).substr(0, fault.offset), row.before) << row.filter;
+  }
 }
 
 TEST_F(FilterFault, AClass) {

@@ -1,0 +1,120 @@
+// Where the words of an expression stand in the statement's text.
+#include "Cimom/QORQL/QORQL_ExpressionPlaces.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "Cimom/QORQL/QORQL_Arithmetic.h"
+#include "Cimom/QORQL/QORQL_Association.h"
+#include "Cimom/QORQL/QORQL_Comparison.h"
+#include "Cimom/QORQL/QORQL_Expression.h"
+#include "Cimom/QORQL/QORQL_ExpressionFactor.h"
+#include "Cimom/QORQL/QORQL_ExpressionTerm.h"
+#include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
+#include "Cimom/QORQL/QORQL_Factor.h"
+#include "Cimom/QORQL/QORQL_Term.h"
+
+namespace {
+
+constexpr QORuint32 kNowhere = QORQL_Fault::kNowhere;
+
+bool isName(const QORSmrPtr<QORString>& text, const QORString& name) {
+  return !text.IsNull() && text->isEqualCaseInsensitive(name);
+}
+
+// Keeps the first place.
+class PlaceFinder : public QORQL_ExpressionVisitor {
+ public:
+  using PlaceOfAssociation = std::function<QORuint32(const QORQL_Association&)>;
+
+  PlaceFinder(const QORQL_PlaceOf& placeOf, const PlaceOfAssociation& placeOfAssociation)
+      : _placeOf(placeOf), _placeOfAssociation(placeOfAssociation) {}
+
+  void visitFactor(const QORQL_Factor& factor) override {
+    if (_place == kNowhere) _place = _placeOf(factor);
+  }
+  void visitAssociation(const QORQL_Association& association) override {
+    if (_place == kNowhere && _placeOfAssociation) _place = _placeOfAssociation(association);
+  }
+  QORuint32 place() const noexcept { return _place; }
+
+ private:
+  const QORQL_PlaceOf& _placeOf;
+  const PlaceOfAssociation& _placeOfAssociation;
+  QORuint32 _place = kNowhere;
+};
+
+QORuint32 find(QORQL_Evaluatable& node, const QORQL_PlaceOf& placeOf,
+               const PlaceFinder::PlaceOfAssociation& placeOfAssociation) {
+  auto* const finder = new PlaceFinder(placeOf, placeOfAssociation);
+  QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
+  node.accept(visitor);
+  return finder->place();
+}
+
+// The operand with which a node's text begins; null where the node's own word does.
+const QORQL_Evaluatable* leadingOperand(const QORQL_Evaluatable& node) noexcept {
+  switch (node.kind()) {
+    case QORQL_NodeKind::Expression:
+      return static_cast<const QORQL_Expression&>(node).getExpressionTerm().Get();
+    case QORQL_NodeKind::ExpressionTerm:
+      return static_cast<const QORQL_ExpressionTerm&>(node).getExpressionFactor().Get();
+    case QORQL_NodeKind::ExpressionFactor: {
+      const auto& factor = static_cast<const QORQL_ExpressionFactor&>(node);
+      return factor.getOperator() == QORQL_OperatorNOT ? nullptr : factor.getComparison().Get();
+    }
+    case QORQL_NodeKind::Comparison:
+      return static_cast<const QORQL_Comparison&>(node).getLHSArithmeticExpression().Get();
+    case QORQL_NodeKind::Arithmetic:
+      return static_cast<const QORQL_Arithmetic&>(node).getTerm().Get();
+    case QORQL_NodeKind::Term:
+      return static_cast<const QORQL_Term&>(node).getFactor().Get();
+    default:
+      return nullptr;
+  }
+}
+
+bool beginsWord(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
+bool isInWord(char c) { return beginsWord(c) || (c >= '0' && c <= '9'); }
+
+}  // namespace
+
+QORuint32 QORQL_startOf(const QORQL_Evaluatable& node) noexcept {
+  const QORQL_Evaluatable* start = &node;
+  while (const QORQL_Evaluatable* const leading = leadingOperand(*start)) start = leading;
+  return start->getOffset();
+}
+
+QORuint32 QORQL_findPlace(QORQL_Evaluatable& node, const QORQL_PlaceOf& placeOf) { return find(node, placeOf, {}); }
+
+QORuint32 QORQL_findProperty(QORQL_Evaluatable& node, const QORString& className, const QORString& propertyName) {
+  return QORQL_findPlace(node, [&](const QORQL_Factor& factor) {
+    const bool isAsked = isName(factor.getClassName(), className) && isName(factor.getPropertyName(), propertyName);
+    return isAsked ? factor.getPropertyOffset() : kNowhere;
+  });
+}
+
+QORuint32 QORQL_findFromName(QORQL_Evaluatable& node, const QORString& name) {
+  const auto placeOf = [&](const QORQL_Factor& factor) {
+    const bool isBare = factor.isBareIdentifier() && isName(factor.getPropertyName(), name);
+    return isBare || isName(factor.getClassName(), name) ? factor.getOffset() : kNowhere;
+  };
+  const auto placeOfAssociation = [&](const QORQL_Association& association) {
+    return association.getDestination().isEqualCaseInsensitive(name) ? association.getDestinationOffset() : kNowhere;
+  };
+  return find(node, placeOf, placeOfAssociation);
+}
+
+// Between them stand dots, scopes, indices without letters, blanks and what the scanner passes over.
+std::vector<QORuint32> QORQL_placesOfNames(std::string_view text, const QORQL_Factor& reference) {
+  std::vector<QORuint32> places;
+  const std::size_t last = std::min<std::size_t>(reference.getPropertyOffset(), text.size());
+  for (std::size_t at = reference.getOffset(); at < last;) {
+    if (beginsWord(text[at])) places.push_back(static_cast<QORuint32>(at));
+    const bool isWord = isInWord(text[at]);
+    ++at;
+    while (isWord && at < last && isInWord(text[at])) ++at;
+  }
+  places.push_back(reference.getPropertyOffset());
+  return places;
+}

@@ -1,0 +1,52 @@
+// What an error of the engine is about, and where in the statement's text.
+#ifndef QORQL_FAULT_H
+#define QORQL_FAULT_H
+
+#include <string_view>
+
+#include "cmpbase.h"
+
+// QORQL_ParseException and QORQL_Exception carry one, and so a caller need not
+// read their messages. To show a person where a statement is wrong:
+//
+//   catch (const QoriBaseException& error) {
+//     const QORQL_Fault* const fault = QORQL_faultOf(error);
+//     if (fault != nullptr && fault->hasPlace()) {
+//       const QORQL_Place place = QORQL_placeOf(text, fault->offset);
+//       ... error.getMessage(), place.line, place.column, fault->name ...
+//     }
+//   }
+struct QORQL_Fault {
+  enum Kind : QORuint8 {
+    kOther,
+    kSyntax,             // the text breaks a rule of the language; found while it was read
+    kHalfAssociation,    // the same: one end of an association is not followed by the other
+    kPropertyUnknown,    // `name` is a property of no FROM class
+    kPropertyAmbiguous,  // `name` is a property of more than one FROM class
+    kFromNameUnknown,    // `name`, before a dot in the select list or where a class is joined, is no FROM name
+    kClassUnknown,       // the object manager knows no class `name`
+    kPropertyMissing     // an object of `className`, as the statement names the class, has no property `name`
+  };
+  static constexpr QORuint32 kNowhere = 0xFFFFFFFF;
+
+  bool hasPlace() const noexcept { return offset != kNowhere; }
+
+  Kind kind = kOther;
+  QORString name{};             // empty where the fault is about no name
+  QORString className{};        // empty unless the kind says what it is
+  QORuint32 offset = kNowhere;  // the byte of the text at which the word at fault begins
+};
+
+// The fault that an error carries; a null pointer for errors that do not come
+// from the engine. BORROWS: as long as the error lives.
+const QORQL_Fault* QORQL_faultOf(const QoriBaseException& error) noexcept;
+
+// A place for a person: both count from 1.
+struct QORQL_Place {
+  QORuint32 line = 1;
+  QORuint32 column = 1;  // in characters of UTF-8, whatever their width; a byte of another encoding counts as one
+};
+// The place of a byte of the text, of the end of the text for any offset behind it.
+QORQL_Place QORQL_placeOf(std::string_view text, std::size_t offset) noexcept;
+
+#endif

@@ -1,0 +1,89 @@
+// Where the names of a statement stand in its text, and so what an error is about.
+#include "Cimom/QORQL/QORQL_StatementPlaces.h"
+
+#include <functional>
+
+#include "Cimom/QORQL/QORQL_ExpressionPlaces.h"
+#include "Cimom/QORQL/QORQL_Factor.h"
+#include "Cimom/QORQL/QORQL_FromClause.h"
+#include "Cimom/QORQL/QORQL_OrderByClause.h"
+#include "Cimom/QORQL/QORQL_Query.h"
+#include "Cimom/QORQL/QORQL_SelectList.h"
+#include "Cimom/QORQL/QORQL_WhereClause.h"
+
+namespace {
+
+constexpr QORuint32 kNowhere = QORQL_Fault::kNowhere;
+
+using PlaceIn = std::function<QORuint32(QORQL_Evaluatable&)>;
+
+bool isName(const QORSmrPtr<QORString>& text, const QORString& name) {
+  return !text.IsNull() && text->isEqualCaseInsensitive(name);
+}
+
+QORuint32 find(const QORQL_SelectList& list, const PlaceIn& placeIn) {
+  const QORQL_SelectList::EntryList entryList = list.getSelectedEntries();
+  QORValSlistIterator<QORSmrPtr<QORQL_SelectedEntry>> entries(*entryList);
+  while (++entries) {
+    const QORSmrPtr<QORQL_Evaluatable>& expression = entries.key()->getExpression();
+    const QORuint32 place = expression.IsNull() ? kNowhere : placeIn(*expression);
+    if (place != kNowhere) return place;
+  }
+  return kNowhere;
+}
+
+// In the order in which the clauses run.
+QORuint32 find(const QORQL_Query& query, const PlaceIn& placeIn) {
+  const auto* const where = static_cast<const QORQL_WhereClause*>(query.getWhereClause().Get());
+  const auto* const orderBy = static_cast<const QORQL_OrderByClause*>(query.getOrderByClause().Get());
+  QORuint32 place = where == nullptr ? kNowhere : placeIn(*where->getExpression());
+  if (place == kNowhere && orderBy != nullptr) place = placeIn(*orderBy->getExpression());
+  return place != kNowhere ? place : find(static_cast<const QORQL_SelectList&>(*query.getSelectList()), placeIn);
+}
+
+// OBJECTPATH has made its argument a class: a name that stands alone all the same.
+bool isBareName(const QORQL_Factor& factor, const QORString& name) {
+  if (factor.getClassName().IsNull()) return false;
+  if (factor.getClassName()->isEmpty()) return isName(factor.getPropertyName(), name);
+  return factor.getPropertyOffset() == factor.getOffset() && isName(factor.getClassName(), name);
+}
+
+}  // namespace
+
+QORuint32 QORQL_findBareName(const QORQL_SelectList& list, const QORString& name) {
+  const auto placeOf = [&](const QORQL_Factor& factor) {
+    return isBareName(factor, name) ? factor.getPropertyOffset() : kNowhere;
+  };
+  return find(list, [&](QORQL_Evaluatable& node) { return QORQL_findPlace(node, placeOf); });
+}
+
+QORuint32 QORQL_findQualifier(const QORQL_SelectList& list, const QORString& name) {
+  const auto placeOf = [&](const QORQL_Factor& factor) {
+    return isName(factor.getClassName(), name) ? factor.getOffset() : kNowhere;
+  };
+  return find(list, [&](QORQL_Evaluatable& node) { return QORQL_findPlace(node, placeOf); });
+}
+
+QORuint32 QORQL_findClass(const QORQL_FromClause& from, const QORString& className) {
+  QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*from.getFromSpecifierList());
+  while (++specifiers) {
+    if (specifiers.key()->getTableName().isEqualCaseInsensitive(className)) return specifiers.key()->getOffset();
+  }
+  return kNowhere;
+}
+
+QORuint32 QORQL_findProperty(const QORQL_Query& query, const QORString& className, const QORString& propertyName) {
+  return find(query, [&](QORQL_Evaluatable& node) { return QORQL_findProperty(node, className, propertyName); });
+}
+
+void QORQL_placeFault(const QORQL_Query& query, QORQL_Exception& error) {
+  const QORQL_Fault& fault = error.getFault();
+  if (fault.hasPlace()) return;
+  if (fault.kind == QORQL_Fault::kPropertyMissing) {
+    error.setFaultOffset(QORQL_findProperty(query, fault.className, fault.name));
+  } else if (fault.kind == QORQL_Fault::kClassUnknown || fault.kind == QORQL_Fault::kFromNameUnknown) {
+    const QORuint32 inFrom = QORQL_findClass(static_cast<const QORQL_FromClause&>(*query.getFromClause()), fault.name);
+    const auto placeIn = [&](QORQL_Evaluatable& node) { return QORQL_findFromName(node, fault.name); };
+    error.setFaultOffset(inFrom != kNowhere ? inFrom : find(query, placeIn));
+  }
+}

@@ -1,0 +1,157 @@
+// What stands on one side of a filter's comparison. Sums and products have the
+// kind that their operands share, which are combined from the right as they are grouped.
+#include "FilterSide.h"
+
+#include "Cimom/QORQL/CQLQueryStatement.h"
+#include "Cimom/QORQL/Explain/QORQL_DeclaredTypes.h"
+#include "Cimom/QORQL/QORQL_Arithmetic.h"
+#include "Cimom/QORQL/QORQL_ExpressionPlaces.h"
+#include "Cimom/QORQL/QORQL_Term.h"
+
+namespace {
+
+using Kind = FilterSide::Kind;
+
+Kind kindOf(const QORString& type) {
+  if (CQLQueryStatement::isNumericalData(type, type)) return Kind::Number;
+  if (type == "string") return Kind::Text;
+  return type == "boolean" ? Kind::Boolean : Kind::Other;
+}
+
+bool isTruth(std::string_view word) {
+  return QORString::equalIgnoringCase(word, "TRUE") || QORString::equalIgnoringCase(word, "FALSE");
+}
+
+FilterSide ofLiteral(const IQoriValue& literal) {
+  FilterSide side;
+  const QoriScalar scalar = literal.scalar();
+  if (!scalar.isNumber()) {
+    side.kind = Kind::Text;
+    side.type = "text";
+    side.saysTruth = isTruth(literal.toString().view());
+    return side;
+  }
+  side.kind = Kind::Number;
+  side.type = "number";
+  side.number = scalar;
+  side.isReal = scalar.kind == QoriScalarKind::Real;
+  side.isSigned = scalar.kind == QoriScalarKind::Signed;
+  side.isUint64 = literal.getType()->getName() == "uint64";
+  return side;
+}
+
+// Behind a minus; a literal there is typed as a signed number already.
+FilterSide negated(FilterSide side) {
+  const bool isLiteral = side.number.isNumber();
+  if (side.kind != Kind::Number || side.isArray || (side.isUint64 && !isLiteral)) return {};
+  FilterSide result;
+  result.kind = Kind::Number;
+  result.type = "number";
+  result.isReal = side.isReal;
+  result.isSigned = !side.isReal;
+  result.number = side.number;
+  if (result.number.kind == QoriScalarKind::Real) result.number.r = -result.number.r;
+  if (isLiteral && !side.isReal) {
+    const QORuint64 magnitude =
+        side.number.kind == QoriScalarKind::Signed ? static_cast<QORuint64>(side.number.s) : side.number.u;
+    result.number.kind = QoriScalarKind::Signed;
+    result.number.s = static_cast<QORsint64>(0 - magnitude);
+  }
+  return result;
+}
+
+// What a sum, difference, product or quotient is; unknown where it is null.
+FilterSide combined(QORQL_Operator op, const FilterSide& left, const FilterSide& right) {
+  FilterSide result;
+  if (left.isArray || right.isArray || left.kind != right.kind) return result;
+  if (left.kind == Kind::Text && op == QORQL_OperatorPLUS) {
+    result.kind = Kind::Text;
+    result.type = "text";
+    result.saysTruth = true;  // for all that is known
+  } else if (left.kind == Kind::Number) {
+    result.kind = Kind::Number;
+    result.type = "number";
+    result.isReal = left.isReal || right.isReal;
+    const bool areUnsigned = !left.isSigned && !right.isSigned && op != QORQL_OperatorMINUS;
+    result.isUint64 = !result.isReal && (areUnsigned || left.isUint64);
+    result.isSigned = !result.isReal && !result.isUint64;
+  }
+  return result;
+}
+
+const QORQL_Evaluatable* operandOf(const QORQL_Arithmetic& node) { return node.getTerm().Get(); }
+const QORQL_Evaluatable* operandOf(const QORQL_Term& node) { return node.getFactor().Get(); }
+const QORQL_Evaluatable* restOf(const QORQL_Arithmetic& node) { return node.getArithmetic().Get(); }
+const QORQL_Evaluatable* restOf(const QORQL_Term& node) { return node.getTerm().Get(); }
+
+}  // namespace
+
+bool holdsObjects(const CimPropertyDeclaration& property) {
+  return property.hasFlag("EmbeddedObject") || property.findQualifier("EmbeddedInstance") != nullptr;
+}
+
+FilterSide FilterSideReader::read(const QORQL_Evaluatable& given) const {
+  const QORQL_Evaluatable* const node = QORQL_soleOperand(&given);
+  FilterSide side;
+  if (const auto* factor = dynamic_cast<const QORQL_Factor*>(node)) {
+    side = ofFactor(*factor);
+  } else if (const auto* arithmetic = dynamic_cast<const QORQL_Arithmetic*>(node)) {
+    side = ofChain(*arithmetic);
+  } else if (const auto* term = dynamic_cast<const QORQL_Term*>(node)) {
+    side = ofChain(*term);
+  }
+  side.offset = QORQL_startOf(*node);
+  return side;
+}
+
+FilterSide FilterSideReader::ofFactor(const QORQL_Factor& factor) const {
+  if (!factor.getEvaluatable().IsNull()) return negated(read(*factor.getEvaluatable()));
+  if (!factor.getLiteral().IsNull()) return ofLiteral(*factor.getLiteral());
+  return isReference(factor) ? ofReference(factor) : FilterSide();
+}
+
+template <class Node>
+FilterSide FilterSideReader::ofChain(const Node& first) const {
+  std::vector<const Node*> nodes{&first};
+  while (nodes.back()->getOperator() != QORQL_OperatorNONE) {
+    const auto* const next = dynamic_cast<const Node*>(restOf(*nodes.back()));
+    if (next == nullptr) return {};
+    nodes.push_back(next);
+  }
+  FilterSide side = read(*operandOf(*nodes.back()));
+  for (nodes.pop_back(); !nodes.empty(); nodes.pop_back()) {
+    side = combined(nodes.back()->getOperator(), read(*operandOf(*nodes.back())), side);
+  }
+  return side;
+}
+
+// A property of an object whose class is not named stays unknown.
+FilterSide FilterSideReader::ofReference(const QORQL_Factor& factor) const {
+  const FilterReference reference(_text, factor);
+  FilterSide side;
+  side.property = reference.property();
+  side.written = reference.written;
+  std::vector<std::string> classes;
+  const std::string qualifier = reference.qualifier();
+  if (qualifier.empty()) {
+    for (const FromNames::Source& source : _from.sources()) classes.push_back(source.className);
+  } else {
+    const std::string fromClass = reference.scope ? reference.scope->text : _from.classOf(qualifier);
+    classes.push_back(fromClass.empty() ? _isa.classOf(qualifier) : fromClass);
+  }
+  for (const std::string& className : classes) {
+    CimPropertyDeclaration property;
+    if (!_manager.sink().describeProperty(_nameSpace, QORString(className), QORString(side.property), property)) {
+      continue;
+    }
+    const QORString type(holdsObjects(property) ? QORString("object") : property.type->getName());
+    side.kind = kindOf(type);
+    side.type = type.view();
+    side.isArray = property.type->isArray() && !reference.isElement;
+    side.isSigned = type.beginsWith("sint");
+    side.isReal = type.beginsWith("real");
+    side.isUint64 = type == "uint64";
+    break;
+  }
+  return side;
+}
