@@ -42,7 +42,7 @@ struct QORQL_ExplainedStep {
 
 // Explains the lazy execution over objects that are complete and of the types
 // that their classes declare. Conditions apply while there are rows: an empty
-// table skips the rest of them, their fetches stay.
+// table skips the rest of them, but not their fetches.
 class QORQL_Explanation {
  public:
   // REQUIRES a query as it was parsed with this symbol table. Asks the class
@@ -51,8 +51,8 @@ class QORQL_Explanation {
 
   // In the order of execution.
   const std::vector<QORQL_ExplainedStep>& steps() const noexcept { return _steps; }
-  // Every class of FROM says of its provider that it filters at the source, and WHERE has no association: then WHERE
-  // and ORDER BY are left to it.
+  // Whether every class of FROM declares that its provider filters at the source, and WHERE has no association: then
+  // WHERE and ORDER BY are left to it.
   bool isPreFiltered() const noexcept { return _isPreFiltered; }
 
  private:

@@ -1,5 +1,5 @@
-// The decisions on a condition. They rest on names and columns alone: what only values can tell, whether keys go
-// together, is left to the join, which has a second way.
+// The decisions on a condition. They depend on names and columns only. Whether the keys of a join are comparable
+// depends on values: the join finds out, and has a second way.
 #include "Cimom/QORQL/Lazy/QORQL_ConditionPlan.h"
 
 #include <algorithm>
@@ -61,7 +61,7 @@ QORQL_PlannedSide planSide(const QORQL_ConditionSide& side, const QORQL_RowSets&
   return planned;
 }
 
-// Sides that do not name one class each both fall back to the first column.
+// Unless each side names exactly one class, both are recorded by the first column.
 void chooseRecordedColumns(const QORQL_Condition& condition, const QORQL_RowSets& sets, QORQL_ConditionPlan& plan) {
   const QORString* const left = condition.left.onlyClass();
   const QORString* const right = condition.right.onlyClass();

@@ -16,7 +16,8 @@
 struct QORQL_ConditionSide {
   // The class names of its factors, in order, empty ones too; the factors' own strings.
   std::vector<QORSmrPtr<QORString>> classNames;
-  // Its classes become columns before the condition is applied. Not so right of ISA, where a name is no property's.
+  // Whether its classes become columns before the condition is applied: not on the right of ISA, whose names are
+  // classes.
   bool isFetched = false;
   bool isFactor = false;  // a literal or a reference and nothing around it, or no side at all
 
@@ -68,9 +69,9 @@ struct QORQL_ConditionPlan {
   QORQL_Comparison* comparison = nullptr;  // BORROWS from the statement; never null
   bool isNegated = false;
   QORQL_JoinType joinType = QORQL_JOIN_TYPE_INNER;
-  // Of the one side's value to the other's; none for ANY and EVERY, and for what is no relation.
+  // The relation of one side's value to the other's; none for ANY and EVERY, and for conditions that are no relation.
   std::optional<QoriRelation> relation;
-  // A function of it asks the object manager, once for each row of the table: then every set is touched.
+  // Whether a function in it asks the object manager once for each row of the table: then it touches every set.
   bool asksObjectManager = false;
   QORQL_PlannedSide left;
   QORQL_PlannedSide right;
@@ -78,7 +79,7 @@ struct QORQL_ConditionPlan {
   // only repeat its outcome.
   std::vector<std::size_t> blocks;
   Way way = kFilter;
-  // How the rows are tested one by one: of a join, what is done when the values tell that its keys do not go together.
+  // How the rows are tested one by one; for a join, what is done when its keys turn out to be not comparable.
   Way rowByRow = kFilter;
 
   bool isOuter() const noexcept { return joinType != QORQL_JOIN_TYPE_INNER; }
@@ -90,7 +91,7 @@ struct QORQL_ConditionPlan {
     const bool isArrayNotEqual = comparison->isArrayComp() && comparison->getOperator() == QORQL_OperatorNOTEQUAL;
     return (truth == QoriTruth::True) != (isNegated || isArrayNotEqual);
   }
-  // As monitors know the way.
+  // The way, as monitors are told it.
   static QORQL_ExecutionMonitor::Method methodOf(Way way) noexcept;
 };
 

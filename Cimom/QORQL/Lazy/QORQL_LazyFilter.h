@@ -1,4 +1,4 @@
-// One condition applied to lazy rows: filters an extent, joins two by hash or by
+// Applies one condition to lazy rows: filters an extent, joins two by hash or by
 // a filtered product, and adds the rows of outer joins.
 #ifndef QORQL_LAZYFILTER_H
 #define QORQL_LAZYFILTER_H

@@ -1,5 +1,5 @@
 // Joins by key: equality through a hash index over the block whose columns come
-// later, other relations by comparing keys pair by pair. Either way the pairs
+// later, other relations by comparing keys pair by pair. In both ways the pairs
 // come out in row order, the earlier block's rows outermost.
 #include "Cimom/QORQL/Lazy/QORQL_LazyJoin.h"
 
@@ -132,8 +132,8 @@ struct Partners {
   std::vector<bool> ofInner;
 };
 
-// Pairs of rows whose keys have one hash, compared a run at a time, so that the inner keys' texts are not waited for
-// one after the other.
+// Pairs of rows whose keys have one hash, compared a run at a time, so that the processor fetches the inner keys'
+// texts at the same time.
 class LikelyPairs {
  public:
   // `partners` may be null.
@@ -177,8 +177,8 @@ class LikelyPairs {
   std::size_t _count = 0;
 };
 
-// Reads the outer keys and finds the partners of each run at once: a text that is compared later has left the cache
-// and is waited for again. `partners` may be null. Nothing when the keys do not go together.
+// Reads the outer keys and finds the partners of each run at once: later, their texts would have left the cache
+// and be fetched again. `partners` may be null. Does nothing when the keys cannot be compared.
 std::optional<QORQL_RowBlock> joinByHash(const Join& join, QORQL_JoinKeys& outerKeys, Partners* partners) {
   LikelyPairs pairs(join, partners);
   const KeyIndex index(join.innerKeys);
@@ -250,7 +250,7 @@ std::optional<QORQL_RowBlock> joinByComparing(const Join& join, QORQL_JoinKeys& 
 
 // A left object is unmatched when the first row that holds it fails: its row
 // with the first row of the other block. A right one when no row with it holds.
-// False when objects that share a path make the record of one depend on the other.
+// False when objects share a path, because then the record of one depends on the other.
 bool findExtensions(const QORQL_LazyRows& rows, const Join& join, const Partners& partners, QORQL_JoinType joinType,
                     std::vector<QORQL_NullExtension>& extensions) {
   const QORQL_RowBlock& left = join.isLeftOuter ? join.outer : join.inner;

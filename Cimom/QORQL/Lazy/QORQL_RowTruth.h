@@ -22,8 +22,8 @@ class QORQL_RowTruth {
     return false;
   }
 
-  // BORROWS its arguments but the sides, which are the comparison's on the table. By them where the comparison allows
-  // it, otherwise through a row that is filled for each test.
+  // BORROWS its arguments except the sides, which must be the comparison's on the table. Uses these where the
+  // comparison allows it, otherwise a row that is filled for each test.
   static std::unique_ptr<QORQL_RowTruth> make(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
                                               const QORQL_ConditionPlan& plan, QORQL_BoundSides sides,
                                               const QORString& nameSpace);
