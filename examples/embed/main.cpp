@@ -8,15 +8,8 @@
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "Cimom/Mof/MofLoader.h"
-#include "Cimom/QORQL/CQLFilterSet.h"
-#include "Cimom/QORQL/CQLQueryStatement.h"
-#include "Cimom/QORQL/QORQL_DataTable.h"
-#include "Cimom/QORQL/QORQL_Exception.h"
-#include "Cimom/QORQL/QORQL_Lexer.h"
-#include "Cimom/QORQL/QORQL_ParseException.h"
-#include "Cimom/QORQL/QORQL_Query.h"
-#include "Cimom/QORQL/QORQL_SymbolTable.h"
 #include "cimom/CIMApi.h"
+#include "qorql.h"
 
 namespace {
 
@@ -30,26 +23,17 @@ instance of Shop_Item { Name = "table"; Stock = 1; };
 const char* const kNameSpace = "root/shop";
 const char* const kLanguage = "DMTF:CQL";
 
-// The value's text; "-" for a null.
-QORString textOf(const QORSmrPtr<IQoriValue>& value) { return value.IsNull() ? QORString("-") : value->toString(); }
+// The column's text; "-" for a null.
+QORString textOf(QORQL_Result& rows, std::size_t column) {
+  const QORString text(rows.text(column));
+  return text.isNull() ? QORString("-") : text;
+}
 
-// Runs one query: its rows first, read from the result table, then the stream.
+// Runs one query: its rows first, then the stream.
 void runQuery(const char* text) {
-  const QORString query(text);  // must outlive lexer and statement
-  const QORString language(kLanguage);
-  QORQL_Lexer lexer(query, false);
-  QORQL_SymbolTable symbols(nullptr);
-  const QORSmrPtr<QORQL_Executable> statement = QORQL_Query::parse(symbols, lexer, false, query, language, kNameSpace);
-
-  QORSmrPtr<QORQL_DataTable> table(new QORQL_DataTable);
   std::ostringstream xml;
-  statement->execute(symbols, table, &xml, kNameSpace);
-
-  for (QORuint32 i = 0; i < table->getRowCount(); ++i) {
-    const QORSmrPtr<QORQL_DataRow> row = table->getRow(i);
-    std::cout << textOf(row->getPropertyValueByName("Shop_Item", "Name")) << ": "
-              << textOf(row->getPropertyValueByName("Shop_Item", "Price")) << '\n';
-  }
+  QORQL_Result rows = QORQL_Statement(text, kNameSpace).run(&xml);
+  while (rows.next()) std::cout << textOf(rows, 0) << ": " << textOf(rows, 1) << '\n';
   std::cout << xml.str();
 }
 

@@ -7,19 +7,14 @@
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "Cimom/Embedded/InstanceProvider.h"
 #include "Cimom/Mof/MofLoader.h"
-#include "Cimom/QORQL/QORQL_DataRow.h"
-#include "Cimom/QORQL/QORQL_DataTable.h"
-#include "Cimom/QORQL/QORQL_Lexer.h"
-#include "Cimom/QORQL/QORQL_Query.h"
-#include "Cimom/QORQL/QORQL_SymbolTable.h"
 #include "cimom/CQoriProviderException.h"
 #include "cimom/CQoriType.h"
 #include "cimom/CQoriValue.h"
+#include "qorql.h"
 
 namespace {
 
 constexpr const char* kNameSpace = "root/house";
-constexpr const char* kLanguage = "DMTF:CQL";
 
 constexpr const char* kModel = R"(
 Qualifier Key : boolean = false, Scope(property, reference), Flavor(DisableOverride, ToSubclass);
@@ -60,22 +55,10 @@ class SensorProvider : public InstanceProvider {
   const std::vector<Sensor> _sensors;
 };
 
-std::string textOf(const QORSmrPtr<IQoriValue>& value) {
-  return value.IsNull() ? "-" : std::string(value->toString().view());
-}
-
 void ask(const char* text) {
-  const QORString query(text);
-  const QORString language(kLanguage);
-  QORQL_Lexer lexer(query, false);
-  QORQL_SymbolTable symbols(nullptr);
-  const QORSmrPtr<QORQL_Executable> statement = QORQL_Query::parse(symbols, lexer, false, query, language, kNameSpace);
-  QORSmrPtr<QORQL_DataTable> table(new QORQL_DataTable);
-  statement->execute(symbols, table, nullptr, kNameSpace);
-  for (QORuint32 i = 0; i < table->getRowCount(); ++i) {
-    const QORSmrPtr<QORQL_DataRow> row = table->getRow(i);
-    std::cout << textOf(row->getPropertyValueByName("House_Sensor", "Room")) << ": "
-              << textOf(row->getPropertyValueByName("House_Sensor", "Degrees")) << '\n';
+  QORQL_Result rows = QORQL_Statement(text, kNameSpace).run();
+  while (rows.next()) {
+    std::cout << rows.text(0) << ": " << (rows.value(1).IsNull() ? QORString("-") : rows.text(1)) << '\n';
   }
 }
 

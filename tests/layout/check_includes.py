@@ -15,6 +15,10 @@ LANGUAGE = ["Cimom/QORQL/QORQL_", "Cimom/QORQL/CQL"]
 # itself, and why nothing else. The longest matching folder counts.
 RULES = {
     "include": ([], "the platform's headers stand on the standard library alone"),
+    "include/qorql.h": (
+        ["include/", "Cimom/QORQL/Face/", "Cimom/QORQL/Explain/"] + LANGUAGE,
+        "the face of the engine is made of its public headers",
+    ),
     "Cimom/QORQL": (["include/"], "the engine knows an object manager by its interface in include/ only, its language none of its rooms"),
     "Cimom/QORQL/Lazy": (["include/"] + LANGUAGE, "lazy rows know the language, and nobody who uses them"),
     "Cimom/QORQL/Out": (
@@ -30,6 +34,10 @@ RULES = {
         "what explains a query runs none",
     ),
     "Cimom/QORQL/Filter": (["include/"] + LANGUAGE, "filters need no tables, no rows and no query that runs"),
+    "Cimom/QORQL/Face": (
+        ["include/", "Cimom/QORQL/Out/", "Cimom/QORQL/Explain/"] + LANGUAGE,
+        "the face is made of what every program may use",
+    ),
     "Cimom/Foundation": (["include/"], "the foundation is the out-of-line code of include/cmpbase"),
     "Cimom/Model": (["include/"], "the object model stands on the foundation alone"),
     "Cimom/Embedded": (
@@ -62,6 +70,7 @@ ANGLE_ALLOWED = {
     "Cimom/QORQL/Out": [],
     "Cimom/QORQL/Run": [],
     "Cimom/QORQL/Explain": [],
+    "Cimom/QORQL/Face": [],
     "Cimom/QORQL/Filter": [],
     "Cimom/Foundation": [],
     "Cimom/Model": [],
@@ -85,8 +94,8 @@ INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 
 
 def folder_of(path):
-    """The longest folder of RULES that holds the path, or None."""
-    holders = [folder for folder in RULES if path.startswith(folder + "/")]
+    """The longest folder of RULES that holds the path, or the file's own rule; None for neither."""
+    holders = [folder for folder in RULES if path == folder or path.startswith(folder + "/")]
     return max(holders, key=len, default=None)
 
 

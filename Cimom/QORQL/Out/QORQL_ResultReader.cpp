@@ -7,8 +7,11 @@
 #include <string>
 #include <utility>
 
+#include "Cimom/QORQL/Lazy/QORQL_RowReader.h"
+#include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "Cimom/QORQL/QORQL_FromClause.h"
+#include "Cimom/QORQL/QORQL_Query.h"
 #include "Cimom/QORQL/QORQL_SelectList.h"
 #include "Cimom/QORQL/QORQL_SelectedEntry.h"
 
@@ -37,12 +40,23 @@ class NameUnion {
 
 }  // namespace
 
+// Where a column's values come from.
+struct QORQL_ResultReader::Source {
+  QORSmrPtr<QORQL_SelectedEntry> entry;
+  QORString className;  // of a property that `*` or C.* expands to, read as it was fetched; empty: the entry itself
+  QORString propertyName;
+  std::size_t slot = 0;
+};
+
 QORQL_ResultReader::QORQL_ResultReader(const QORQL_Query& query, QORQL_SymbolTable& symbolTable,
                                        QORSmrPtr<QORQL_DataTable>& table, const Declared& declared)
-    : _query(query), _declared(declared), _table(table), _reader(symbolTable, table) {
+    : _query(query),
+      _declared(declared),
+      _table(table),
+      _reader(std::make_unique<QORQL_RowReader>(symbolTable, table)) {
   const auto& list = dynamic_cast<const QORQL_SelectList&>(*query.getSelectList());
   _isAggregate = list.AreAllEntriesAggregates();
-  _rowCount = _reader.rowCount();
+  _rowCount = _reader->rowCount();
   if (list.isFirstUsed()) _rowCount = std::min<QORuint64>(_rowCount, list.getFirstCount());
   QORValSlistIterator<QORSmrPtr<QORQL_SelectedEntry>> entries(*list.getSelectedEntries());
   while (++entries) addEntry(entries.key());
@@ -52,6 +66,8 @@ QORQL_ResultReader::QORQL_ResultReader(const QORQL_Query& query, QORQL_SymbolTab
   findOnlyClass();
 }
 
+QORQL_ResultReader::~QORQL_ResultReader() = default;
+
 void QORQL_ResultReader::addEntry(const QORSmrPtr<QORQL_SelectedEntry>& entry) {
   if (entry->isSelectAll()) {
     addAllClasses(entry);
@@ -60,7 +76,7 @@ void QORQL_ResultReader::addEntry(const QORSmrPtr<QORQL_SelectedEntry>& entry) {
   } else {
     Source source;
     source.entry = entry;
-    if (!_isAggregate) source.slot = _reader.addEntry(entry);
+    if (!_isAggregate) source.slot = _reader->addEntry(entry);
     _sources.push_back(std::move(source));
   }
 }
@@ -83,11 +99,11 @@ void QORQL_ResultReader::addClass(const QORSmrPtr<QORQL_SelectedEntry>& entry, c
   QORQL_StopCheck stopCheck;
   for (QORuint64 row = 0; row < _rowCount; ++row) {
     stopCheck.count();
-    _reader.select(row);
-    const IQoriObject* const object = _reader.hasRow() ? _reader.fetchedObject(className) : nullptr;
+    _reader->select(row);
+    const IQoriObject* const object = _reader->hasRow() ? _reader->fetchedObject(className) : nullptr;
     if (object == nullptr) continue;
     const IQoriLayout* const layout = object->getLayout();
-    if (layout == nullptr || seen.insert(layout).second) properties.add(*_reader.object(className));
+    if (layout == nullptr || seen.insert(layout).second) properties.add(*_reader->object(className));
   }
   if (properties.names.empty()) properties.names = declaredNames(className);
   for (const QORString& name : properties.names) {
@@ -95,7 +111,7 @@ void QORQL_ResultReader::addClass(const QORSmrPtr<QORQL_SelectedEntry>& entry, c
     source.entry = entry;
     source.className = className;
     source.propertyName = name;
-    source.slot = _reader.addFetchedProperty(className, name);
+    source.slot = _reader->addFetchedProperty(className, name);
     _sources.push_back(std::move(source));
   }
 }
@@ -162,8 +178,8 @@ void QORQL_ResultReader::typeColumns() {
   QORQL_StopCheck stopCheck;
   for (QORuint64 row = 0; row < _rowCount && untyped != 0; ++row) {
     stopCheck.count();
-    _reader.select(row);
-    for (std::size_t i = 0; i < _columns.size() && _reader.hasRow(); ++i) {
+    _reader->select(row);
+    for (std::size_t i = 0; i < _columns.size() && _reader->hasRow(); ++i) {
       if (!_columns[i].typeName.isEmpty()) continue;
       const QORSmrPtr<IQoriValue> found(value(i));
       if (found.IsNull()) continue;
@@ -191,20 +207,24 @@ void QORQL_ResultReader::findOnlyClass() {
 }
 
 QORString QORQL_ResultReader::rowClass() {
-  const IQoriObject* const object = _onlyClass.isEmpty() ? nullptr : _reader.fetchedObject(_onlyClass);
+  const IQoriObject* const object = _onlyClass.isEmpty() ? nullptr : _reader->fetchedObject(_onlyClass);
   return object == nullptr ? QORString() : object->getClassName();
 }
 
 bool QORQL_ResultReader::next() {
   while (_next < _rowCount) {
-    _reader.select(_next++);
-    if (_reader.hasRow()) return true;
+    _reader->select(_next++);
+    if (_reader->hasRow()) return true;
   }
   return false;
 }
 
 QORSmrPtr<IQoriValue> QORQL_ResultReader::value(std::size_t index) {
-  return _isAggregate ? _sources[index].entry->GetAggregateValue() : _reader.value(_sources[index].slot);
+  return _isAggregate ? _sources[index].entry->GetAggregateValue() : _reader->value(_sources[index].slot);
+}
+
+QoriScalar QORQL_ResultReader::view(std::size_t index) {
+  return _isAggregate ? aggregateView(index) : _reader->view(_sources[index].slot, _holders[index]);
 }
 
 QoriScalar QORQL_ResultReader::aggregateView(std::size_t index) const {

@@ -4,14 +4,17 @@
 #define QORQL_RESULTREADER_H
 
 #include <functional>
+#include <memory>
 #include <vector>
 
-#include "Cimom/QORQL/Lazy/QORQL_RowReader.h"
-#include "Cimom/QORQL/QORQL_DataTable.h"
-#include "Cimom/QORQL/QORQL_Query.h"
-#include "Cimom/QORQL/QORQL_SelectedEntry.h"
 #include "cimom/IQoriValue.h"
 #include "cmpbase.h"
+
+class QORQL_DataTable;
+class QORQL_Query;
+class QORQL_RowReader;
+class QORQL_SelectedEntry;
+class QORQL_SymbolTable;
 
 // Reads what a finished execute() left in its table: aggregates, the sort order
 // and FIRST n hold. `*` is expanded into the properties that its objects have,
@@ -19,6 +22,7 @@
 // its arguments; one thread at a time. Rows that do not exist yet are not made.
 class QORQL_ResultReader {
  public:
+  // What the rows have a value for.
   struct Column {
     // The alias; of what is computed, as it was written; else the property where that is unique; else qualifier "."
     // property.
@@ -30,9 +34,15 @@ class QORQL_ResultReader {
   // The properties that a class declares, for `*` over a class of which no row has an object. Empty: no columns then.
   using Declared = std::function<std::vector<QORString>(const QORString& className)>;
 
+  // REQUIRES the query, the symbol table and the table of one execution. Costs a pass over the rows where `*` or a type
+  // needs it. THROWS what evaluation throws.
   QORQL_ResultReader(const QORQL_Query& query, QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
                      const Declared& declared = {});
+  QORQL_ResultReader(const QORQL_ResultReader&) = delete;
+  QORQL_ResultReader& operator=(const QORQL_ResultReader&) = delete;
+  ~QORQL_ResultReader();
 
+  // In the order of the select list.
   const std::vector<Column>& columns() const noexcept { return _columns; }
   // Rows to come, FIRST n applied.
   QORuint64 rowCount() const noexcept { return _rowCount; }
@@ -48,18 +58,10 @@ class QORQL_ResultReader {
   // while the table lives where the column is a property; kind Null for NULL.
   // Numbers, texts and booleans of properties are not copied: nothing
   // is allocated. THROWS and REQUIRES as above.
-  QoriScalar view(std::size_t index) {
-    return _isAggregate ? aggregateView(index) : _reader.view(_sources[index].slot, _holders[index]);
-  }
+  QoriScalar view(std::size_t index);
 
  private:
-  // Where a column's values come from.
-  struct Source {
-    QORSmrPtr<QORQL_SelectedEntry> entry;
-    QORString className;  // of a property that `*` or C.* expands to, read as it was fetched; empty: the entry itself
-    QORString propertyName;
-    std::size_t slot = 0;
-  };
+  struct Source;
 
   void addEntry(const QORSmrPtr<QORQL_SelectedEntry>& entry);
   void addAllClasses(const QORSmrPtr<QORQL_SelectedEntry>& entry);
@@ -75,7 +77,7 @@ class QORQL_ResultReader {
   const QORQL_Query& _query;
   const Declared _declared;
   QORSmrPtr<QORQL_DataTable>& _table;
-  QORQL_RowReader _reader;
+  std::unique_ptr<QORQL_RowReader> _reader;
   std::vector<Column> _columns;
   std::vector<Source> _sources;
   QORString _onlyClass;                         // that all columns are properties of; empty: none
