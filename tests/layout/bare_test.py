@@ -41,6 +41,8 @@ case $1 in
 esac
 exit 0
 """,
+    "g++": '#!/bin/bash\necho "g++ $*" >>/root/calls\ncp /tmp/embed/embed "${*: -1}"\n',
+    "pkg-config": '#!/bin/bash\necho "of $*"\n',
     # As the real one: a package takes others only if they are named or known, and purging takes all of it, or what is told.
     "apt-get": """#!/bin/bash
 echo "apt-get $*" >>/root/calls
@@ -162,7 +164,7 @@ class Bare(unittest.TestCase):
     def test_packages_are_built_in_one_tree_and_tried_in_another(self):
         status, out, err = self.run_it("scripts/bare --package")
         self.assertEqual(status, 0, err)
-        examples = "/usr/share/doc/libqorql-dev/examples/embed"
+        example = "/usr/share/doc/libqorql-dev/examples/embed"
         self.assertEqual(err.count("bare: making a bare Debian tree (bookworm)\n"), 2)
         self.assertEqual([line for line in out.splitlines() if not line.startswith("/usr/share/")],
                          ["answer", "README.md", "docs/tool.md", "answer", "lamp"])
@@ -180,8 +182,10 @@ class Bare(unittest.TestCase):
             "apt-get -qq purge -y --autoremove qorql libqorql0",
             "apt-get -qq install -y --no-install-recommends g++ cmake ninja-build pkg-config",
             "apt-get -qq install -y --no-install-recommends ./libqorql0_*.deb ./libqorql-dev_*.deb",
-            f"cmake -G Ninja -S {examples} -B /tmp/embed && cmake --build /tmp/embed",
+            f"cmake -G Ninja -S {example} -B /tmp/embed && cmake --build /tmp/embed",
             "/tmp/embed/embed",
+            f"g++ -std=c++20 {example}/main.cpp $(pkg-config --cflags --libs qorql qorqlembedded) -o /tmp/embed/alone",
+            "/tmp/embed/embed >/tmp/embed/told; /tmp/embed/alone | diff /tmp/embed/told -",
             "apt-get -qq purge -y --autoremove libqorql-dev libqorql0"])
 
     def test_a_cache_that_others_write_to_is_no_part_of_the_tree(self):
