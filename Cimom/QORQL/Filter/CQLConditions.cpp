@@ -121,7 +121,7 @@ class Relation : public CQLCondition {
     if (property == nullptr || !_right->holdsConstant() || !CQLQuickCheck::canDecide(_right->constant())) return {};
     return {*property, _relation.getRelation(), _right->constant()};
   }
-  // With the constant on the right, whichever side it is written on.
+  // The relation with the constant on the right, whichever side it is written on.
   CQLAccess access() const override {
     const bool isRight = _right->holdsConstant();
     const CQLOperand& constant = isRight ? *_right : *_left;
@@ -154,8 +154,8 @@ class Relation : public CQLCondition {
   std::string _text;
 };
 
-// The same for ANY and EVERY element of one side, in the written order. No
-// element satisfies neither.
+// The same for ANY and EVERY element of one side, in the written order. An
+// empty array satisfies neither.
 class ArrayRelation final : public Relation {
  public:
   ArrayRelation(const CQLScope& scope, const QORQL_Comparison& comparison, std::unique_ptr<CQLOperand> left,
@@ -220,7 +220,7 @@ class Never final : public CQLCondition {
   std::string _reason;
 };
 
-// What an expression contains that has no value for any instance.
+// The part of an expression that has no value for any instance.
 class ValuelessFinder : public QORQL_ExpressionVisitor {
  public:
   explicit ValuelessFinder(const CQLScope& scope) : _scope(scope) {}

@@ -49,7 +49,7 @@ void CQLMatcher::addExpression(const QORSmrPtr<QORQL_Evaluatable>& node) {
   }
 }
 
-// Most instances are of the very class.
+// Most instances are of the FROM class itself.
 bool CQLMatcher::isOfFromClass(const IQoriObject& instance) const {
   const QORString& name = instance.getClassName();
   if (name.isEmpty()) return false;
@@ -66,7 +66,7 @@ bool CQLMatcher::isOfFromClass(const IQoriObject& instance) const {
                      [&](const QORString& wanted) { return _scope.isSubClass(name, wanted); });
 }
 
-// A condition that an instance's failure leaves undecided does not hold.
+// A condition that is undecided because the instance failed does not hold.
 const CQLCondition* CQLMatcher::firstFailure(const QORSmrPtr<IQoriObject>& instance) const {
   const IQoriObject& object = *instance;
   const IQoriLayout* const layout = object.getLayout();

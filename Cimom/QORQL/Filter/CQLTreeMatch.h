@@ -10,9 +10,9 @@
 #include "cimom/IQoriValue.h"
 #include "cmpbase.h"
 
-// The steps of one walk, made anew for each instance. Each step gives false, Null
+// The steps of one walk, made again for each instance. Each step gives false, Null
 // or no value when anything about its node or the instance is not as it should
-// be, be it that something throws.
+// be, also when something throws.
 class CQLTreeMatch {
  public:
   using Value = QORSmrPtr<IQoriValue>;

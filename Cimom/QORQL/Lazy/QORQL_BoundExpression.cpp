@@ -100,7 +100,7 @@ class BoundNegation final : public QORQL_BoundValue {
   Bound _operand;
 };
 
-// Operands from the left, combined from the right.
+// The operands are computed from the left and combined from the right.
 class BoundChain final : public QORQL_BoundValue {
  public:
   void add(Bound operand, QORQL_Operator op) {

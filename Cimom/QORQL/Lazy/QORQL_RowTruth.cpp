@@ -63,7 +63,7 @@ class NullTruth final : public QORQL_RowTruth {
   QORQL_RunOperand _operandRun;
 };
 
-// The needle is found without making a value of the property.
+// The text is searched without making a value of the property.
 class LikeTruth final : public QORQL_RowTruth {
  public:
   LikeTruth(const QORQL_Comparison& comparison, Bound left, Bound right)
