@@ -7,6 +7,7 @@
 
 #include "cmpbase.h"
 
+// One fault of a declaration.
 struct CimDeclarationFault {
   QORString feature;  // the property or method at fault; empty: the class as a whole
   QORString message;
@@ -23,6 +24,7 @@ class CimDeclarationRefusal : public QoriBaseException {
   CimDeclarationRefusal& operator=(const CimDeclarationRefusal&) = default;
   ~CimDeclarationRefusal() override;
 
+  // In the order in which they were found; never empty.
   const std::vector<CimDeclarationFault>& getFaults() const noexcept { return _faults; }
 
  private:

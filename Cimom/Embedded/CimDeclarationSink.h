@@ -17,8 +17,11 @@ class CimDeclarationSink {
  public:
   virtual ~CimDeclarationSink() = default;
 
+  // Opens a transaction. THROWS as below while another one is open.
   virtual void begin() = 0;
+  // Ends it: all that was declared since begin() comes into force at once. THROWS when none is open.
   virtual void commit() = 0;
+  // Ends it and forgets all that was declared since begin(); does nothing when none is open.
   virtual void rollback() noexcept = 0;
 
   // Idempotent.

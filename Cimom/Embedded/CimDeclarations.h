@@ -31,6 +31,7 @@ struct CimQualifierDeclaration {
   bool translatable = false;
 };
 
+// A property or a reference of a class.
 struct CimPropertyDeclaration {
   QORString name;
   QORSmrPtr<IQoriType> type;
@@ -53,6 +54,7 @@ struct CimMethodDeclaration {
   std::vector<CimQualifier> qualifiers;
 };
 
+// A class with what it adds to its superclass.
 struct CimClassDeclaration {
   QORString name;
   QORString superClass;  // empty at the root
@@ -61,11 +63,13 @@ struct CimClassDeclaration {
   std::vector<CimMethodDeclaration> methods;       // own ones, in order
 };
 
+// A property of an instance, by name.
 struct CimInstanceProperty {
   QORString name;
   QORSmrPtr<IQoriValue> value;  // null: NULL
 };
 
+// An instance as it is to be stored or made.
 struct CimInstanceDeclaration {
   QORString className;
   std::vector<CimInstanceProperty> properties;  // those given; the others take the class's defaults

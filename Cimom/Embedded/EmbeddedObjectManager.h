@@ -82,8 +82,13 @@ class EmbeddedObjectManager {
   void loadConfiguration(const std::string& path);
   void setConfiguration(const QORString& section, const QORString& key, const QORString& value);
 
+  // Sends log lines of a severity up to the given one (see QoriTraceLog) to the sink from now on, in the place of the
+  // sink before; an empty function ends that. OWNS the function. It is called on the thread that logs, by several at
+  // once, and under no lock; what it throws is dropped.
   void setLogSink(LogSink sink, QORuint32 maximumSeverity);
 
+  // The counts since the start, or since they were last set back; each is exact, but threads that work meanwhile may
+  // be in some and not yet in others.
   Statistics statistics() const;
   void resetStatistics();
 

@@ -16,6 +16,7 @@
 // processes may share one. The outcome of a load does not depend on it.
 class MofCache {
  public:
+  // How a load went.
   struct Outcome {
     bool isFromCache = false;
     std::string passedOver;  // why an existing cache was not used; empty: it was, or there was none

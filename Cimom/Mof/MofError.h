@@ -31,6 +31,7 @@ class MofException : public QoriBaseException {
   // A load ends early when it has that many faults.
   static constexpr std::size_t kMaximumFaults = 20;
 
+  // REQUIRES at least one fault.
   explicit MofException(std::vector<MofDiagnostic> diagnostics);
   MofException(const MofException&) = default;
   MofException& operator=(const MofException&) = default;

@@ -9,6 +9,7 @@
 
 #include "cmpbase.h"
 
+// Two that are equal in everything stand for the same content.
 struct MofInput {
   std::string path;       // absolute
   bool isFolder = false;  // one whose .mof files were read

@@ -32,6 +32,7 @@
 // at a time. BORROWS the sink, which outlives the loader.
 class MofLoader {
  public:
+  // The namespace is where texts declare until a pragma names another; it is created when it does not exist.
   explicit MofLoader(CimDeclarationSink& sink, QORString nameSpace = "root/cimv2");
 
   // A file; or a folder: every .mof in it, in the order of their names. THROWS MofException.

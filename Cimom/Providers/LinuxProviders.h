@@ -18,6 +18,7 @@ void registerLinuxProviders(EmbeddedObjectManager& manager, const QORString& nam
 // exist already. BORROWS the sink, which must outlive this object.
 class LinuxSchemaSink : public CimDeclarationSink {
  public:
+  // Where the declarations go.
   explicit LinuxSchemaSink(CimDeclarationSink& target) : _target(target) {}
 
   void begin() override { _target.begin(); }

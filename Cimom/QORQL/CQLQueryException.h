@@ -17,6 +17,7 @@ enum CQLQueryExceptionCode {
 // Type "CQL_Query", who "CQL", where the operation that failed.
 class CQLQueryException : public QoriBaseException {
  public:
+  // By the operation, the message and the code.
   CQLQueryException(const QORString& where, const QORString& message, CQLQueryExceptionCode code);
   CQLQueryException(const CQLQueryException&) = default;
   CQLQueryException& operator=(const CQLQueryException&) = default;

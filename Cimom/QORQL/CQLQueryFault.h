@@ -4,6 +4,7 @@
 
 #include "cmpbase.h"
 
+// Values: made by a filter, copied freely.
 struct CQLQueryFault {
   enum Kind {
     kNone,
@@ -15,6 +16,7 @@ struct CQLQueryFault {
     kQualifier,  // `name`, before a dot in the select list or where a class is joined, is no FROM name
     kOther
   };
+  // No place in the text.
   static constexpr QORuint32 kNoOffset = 0xFFFFFFFF;
 
   Kind kind = kNone;

@@ -7,6 +7,7 @@
 // Stateless; any thread may call. Names ignore case. Without a repository every answer is false.
 class CQLQueryValidator {
  public:
+  // Whether the namespace has the class.
   static bool findClass(const QORString& nameSpace, const QORString& className);
   // The flag includes inherited properties.
   static bool findProperty(const QORString& nameSpace, const QORString& className, const QORString& propertyName,

@@ -13,15 +13,21 @@ class QORQL_Term;
 // Term [ ( PLUS | MINUS ) Arithmetic ], grouped to the right.
 class QORQL_Arithmetic : public QORQL_Evaluatable {
  public:
+  // What kind() says of it.
   static constexpr QORQL_NodeKind kKind = QORQL_NodeKind::Arithmetic;
 
+  // As parse() makes it: the first term, never null; the rest of the sum and the operator before them, or null and
+  // QORQL_OperatorNONE.
   QORQL_Arithmetic(QORSmrPtr<QORQL_Evaluatable> term, QORSmrPtr<QORQL_Evaluatable> arithmetic, QORQL_Operator op);
   ~QORQL_Arithmetic() override;
 
+  // Reads it from the current token on and leaves the first token behind it current; a lone operand comes back as it
+  // is. Adds the properties that are named to `projMap`. THROWS QORQL_ParseException and QORQL_Exception.
   static QORSmrPtr<QORQL_Evaluatable> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                             QORQL_ProjectionMap& projMap, const QORString& queryString,
                                             const QORString& queryLanguage);
 
+  // What the constructor was given: the first term, the rest of the sum, and the operator between them.
   const QORSmrPtr<QORQL_Evaluatable>& getTerm() const noexcept { return _term; }
   const QORSmrPtr<QORQL_Evaluatable>& getArithmetic() const noexcept { return _arithmetic; }
   QORQL_Operator getOperator() const noexcept { return _operator; }
@@ -34,6 +40,8 @@ class QORQL_Arithmetic : public QORQL_Evaluatable {
   using QORQL_Evaluatable::evaluate;
   void accept(QORSmrPtr<QORQL_ExpressionVisitor>& visitor) override;
 
+  // For the parser and the destructor only: the place of the rest, so that a long chain is built and freed without
+  // recursion.
   QORSmrPtr<QORQL_Evaluatable>& chainLink() noexcept { return _arithmetic; }
 
  private:

@@ -12,8 +12,10 @@ class QORQL_Lexer;
 // `Assoc = Source AND Assoc = Destination`; `*=` in the first comparison for a left outer join.
 class QORQL_Association : public QORQL_Evaluatable {
  public:
+  // What kind() says of it.
   static constexpr QORQL_NodeKind kKind = QORQL_NodeKind::Association;
 
+  // By names as they are written; text and language of the statement travel with what it fetches.
   QORQL_Association(const QORString& source, const QORString& destination, const QORString& associationName,
                     QORQL_JoinType joinType, const QORString& queryString, const QORString& queryLanguage);
   ~QORQL_Association() override;

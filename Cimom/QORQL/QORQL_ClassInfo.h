@@ -4,6 +4,7 @@
 
 #include "cmpbase.h"
 
+// A class and the properties of it that a statement needs. Belongs to one thread at a time.
 class QORQL_ClassInfo {
  public:
   using PropertyList = QORSmrPtr<QORValSlist<QORString>>;

@@ -14,6 +14,7 @@ class QORQL_Lexer;
 // [ ANY | EVERY ] Arithmetic [ CompOp [ ANY | EVERY ] Arithmetic | IS [ NOT ] NULL ].
 class QORQL_Comparison : public QORQL_Evaluatable {
  public:
+  // What kind() says of it.
   static constexpr QORQL_NodeKind kKind = QORQL_NodeKind::Comparison;
 
   // The side on which ANY or EVERY was written.
@@ -25,14 +26,19 @@ class QORQL_Comparison : public QORQL_Evaluatable {
     ArrayCompEveryRight = 4
   };
 
+  // As parse() makes it. The left operand is never null; the right one is null with IS NULL and IS NOT NULL, and
+  // where there is no operator, which then is QORQL_OperatorNONE.
   QORQL_Comparison(QORSmrPtr<QORQL_Evaluatable> arithmetic1, QORSmrPtr<QORQL_Evaluatable> arithmetic2,
                    QORQL_Operator op);
   ~QORQL_Comparison() override;
 
+  // Reads it from the current token on and leaves the first token behind it current. Adds the properties that are
+  // named to `projMap`. THROWS QORQL_ParseException and QORQL_Exception.
   static QORSmrPtr<QORQL_Evaluatable> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                             QORQL_ProjectionMap& projMap, const QORString& queryString,
                                             const QORString& queryLanguage);
 
+  // Never null.
   const QORSmrPtr<QORQL_Evaluatable>& getLHSArithmeticExpression() const noexcept { return _arithmetic1; }
   // Null when there is no right operand.
   const QORSmrPtr<QORQL_Evaluatable>& getRHSArithmeticExpression() const noexcept { return _arithmetic2; }

@@ -69,15 +69,21 @@ class QORQL_DataTable {
   QORuint32 getRowCount() const noexcept;
   QORuint32 getColumnCount() const noexcept;
 
+  // Host and port that references in the XML stream are written with; empty until set, as for an object manager that
+  // has no address.
   void setServerAddressInfo(const QORString& address, const QORString& port);
   const QORString& GetHostAddress() const noexcept { return _hostAddress; }
   const QORString& GetHostPort() const noexcept { return _hostPort; }
+  // Whether the providers of all classes so far have filtered their instances already, so that WHERE need not run:
+  // true counts until one false has come. preFilterSet() is false until the first call.
   void setCellPreFiltered(QORboolean preFiltered) noexcept;
   QORboolean allCellsPreFiltered() const noexcept { return _cellsPreFiltered == kCellsPreFiltered_allPreFiltered; }
   QORboolean preFilterSet() const noexcept { return _cellsPreFiltered != kCellsPreFiltered_unknown; }
+  // A mark that callers of evaluateOR() may leave on a table; the engine sets and reads none.
   QORboolean isUpdatedByNestedExpression() const noexcept { return _isUpdatedByNestedExpression; }
   void setUpdatedByNestedExpression(QORboolean updated) noexcept { _isUpdatedByNestedExpression = updated; }
 
+  // Lazy until set. To be chosen before the table is executed on.
   void setExecutionMode(ExecutionMode mode) noexcept { _executionMode = mode; }
   ExecutionMode getExecutionMode() const noexcept { return _executionMode; }
 

@@ -29,10 +29,12 @@ enum class QORQL_NodeKind : QORuint8 {
 // name resolution runs; afterwards they do not change.
 class QORQL_Evaluatable {
  public:
+  // The kind is the derived class; Other for one that the engine does not know.
   explicit QORQL_Evaluatable(QORQL_NodeKind kind = QORQL_NodeKind::Other) noexcept : _kind(kind) {}
   QORQL_Evaluatable(const QORQL_Evaluatable&) = delete;
   QORQL_Evaluatable& operator=(const QORQL_Evaluatable&) = delete;
 
+  // What the constructor was given.
   QORQL_NodeKind kind() const noexcept { return _kind; }
   // The byte of the statement's text at which the node's own word or sign stands: its operator where it has one, else
   // where what it consists of has its own. 0 for a node that no parser made.

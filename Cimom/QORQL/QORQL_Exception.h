@@ -18,6 +18,7 @@ class QORQL_Exception : public QoriBaseException {
     QORQL_INVALID_DATA_TYPE = 6
   };
 
+  // By code and message.
   QORQL_Exception(QORQL_ExceptionCode code, const QORString& message, QORQL_Fault fault = {});
   QORQL_Exception(const QORQL_Exception&) = default;
   QORQL_Exception& operator=(const QORQL_Exception&) = default;

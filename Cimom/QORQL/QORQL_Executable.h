@@ -13,6 +13,7 @@ class QORQL_SymbolTable;
 // The namespace that ORDER BY and nested queries are given, whatever the caller's.
 inline constexpr char QORQL_kFixedNameSpace[] = "root/yrk/zemo";
 
+// Made by the parser; belongs to one thread at a time.
 class QORQL_Executable {
  public:
   QORQL_Executable() = default;

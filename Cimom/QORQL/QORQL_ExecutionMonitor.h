@@ -59,6 +59,7 @@ class QORQL_StoppedException : public QORQL_Exception {
 // on its own thread, inner scopes first.
 class QORQL_MonitorScope {
  public:
+  // Attaches the monitor to this thread.
   explicit QORQL_MonitorScope(QORQL_ExecutionMonitor& monitor) noexcept;
   QORQL_MonitorScope(const QORQL_MonitorScope&) = delete;
   QORQL_MonitorScope& operator=(const QORQL_MonitorScope&) = delete;
@@ -79,6 +80,7 @@ void QORQL_reportEarlyEnd(const char* message);
 // Tells the monitor of a step. THROWS QORQL_StoppedException at its beginning.
 class QORQL_StepScope {
  public:
+  // The step begins here, and ends with this object.
   QORQL_StepScope(QORQL_ExecutionMonitor::Step step, const QORString& subject);
   QORQL_StepScope(const QORQL_StepScope&) = delete;
   QORQL_StepScope& operator=(const QORQL_StepScope&) = delete;

@@ -11,16 +11,22 @@ class QORQL_Lexer;
 // ExpressionTerm [ OR Expression ].
 class QORQL_Expression : public QORQL_Evaluatable {
  public:
+  // What kind() says of it.
   static constexpr QORQL_NodeKind kKind = QORQL_NodeKind::Expression;
 
+  // As parse() makes it: the first operand of OR, never null; the others and the operator before them, or null and
+  // QORQL_OperatorNONE.
   QORQL_Expression(QORSmrPtr<QORQL_Evaluatable> expressionTerm, QORSmrPtr<QORQL_Evaluatable> expression,
                    QORQL_Operator op);
   ~QORQL_Expression() override;
 
+  // Reads it from the current token on and leaves the first token behind it current; a lone operand comes back as it
+  // is. Adds the properties that are named to `projMap`. THROWS QORQL_ParseException and QORQL_Exception.
   static QORSmrPtr<QORQL_Evaluatable> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                             QORQL_ProjectionMap& projMap, const QORString& queryString,
                                             const QORString& queryLanguage);
 
+  // What the constructor was given: the first operand of OR, the others, and the operator between them.
   const QORSmrPtr<QORQL_Evaluatable>& getExpressionTerm() const noexcept { return _expressionTerm; }
   const QORSmrPtr<QORQL_Evaluatable>& getExpression() const noexcept { return _expression; }
   QORQL_Operator getOperator() const noexcept { return _operator; }
@@ -29,6 +35,8 @@ class QORQL_Expression : public QORQL_Evaluatable {
   void evaluate(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, const QORString& nameSpace) override;
   void accept(QORSmrPtr<QORQL_ExpressionVisitor>& visitor) override;
 
+  // For the parser and the destructor only: the place of the rest, so that a long chain is built and freed without
+  // recursion.
   QORSmrPtr<QORQL_Evaluatable>& chainLink() noexcept { return _expression; }
 
  private:

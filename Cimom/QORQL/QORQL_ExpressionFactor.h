@@ -13,16 +13,22 @@ class QORQL_Lexer;
 // [ NOT ] Comparison.
 class QORQL_ExpressionFactor : public QORQL_Evaluatable {
  public:
+  // What kind() says of it.
   static constexpr QORQL_NodeKind kKind = QORQL_NodeKind::ExpressionFactor;
 
+  // A comparison, and QORQL_OperatorNOT where it is negated; text and language of the statement travel with what it
+  // fetches.
   QORQL_ExpressionFactor(QORSmrPtr<QORQL_Evaluatable> comparison, QORQL_Operator op, const QORString& queryString,
                          const QORString& queryLanguage);
   ~QORQL_ExpressionFactor() override;
 
+  // Reads it from the current token on and leaves the first token behind it current. Adds the properties that are
+  // named to `projMap`. THROWS QORQL_ParseException and QORQL_Exception.
   static QORSmrPtr<QORQL_Evaluatable> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                             QORQL_ProjectionMap& projMap, const QORString& queryString,
                                             const QORString& queryLanguage);
 
+  // What the constructor was given; the comparison is never null.
   const QORSmrPtr<QORQL_Evaluatable>& getComparison() const noexcept { return _comparison; }
   QORQL_Operator getOperator() const noexcept { return _operator; }
   // Whether the comparison ties an association class to a FROM class; gives its

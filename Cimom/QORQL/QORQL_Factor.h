@@ -17,6 +17,7 @@ class QORQL_SelectedEntry;
 //   literal      class and property absent     nested  class and property absent
 class QORQL_Factor : public QORQL_Evaluatable {
  public:
+  // What kind() says of it.
   static constexpr QORQL_NodeKind kKind = QORQL_NodeKind::Factor;
 
   // Kinds of array reference besides an element's index.
@@ -24,6 +25,8 @@ class QORQL_Factor : public QORQL_Evaluatable {
   static constexpr QORsint32 kWholeArray = -2;     // x[*]
   static constexpr QORsint32 kEmptyBrackets = -3;  // x[]
 
+  // As parse() makes it, of what it consists; everything else is null: a nested expression or function, a reference
+  // by class and property, or a literal. The operator is QORQL_OperatorMINUS behind a minus sign.
   QORQL_Factor(QORSmrPtr<QORQL_Evaluatable> evaluatable, QORSmrPtr<QORString> className,
                QORSmrPtr<QORString> propertyName, QORSmrPtr<IQoriValue> literal, QORQL_Operator op, bool isSelectAll);
   QORQL_Factor(QORSmrPtr<QORQL_Evaluatable> evaluatable, QORSmrPtr<QORString> className,
@@ -31,10 +34,13 @@ class QORQL_Factor : public QORQL_Evaluatable {
                QORSmrPtr<QORString> chain, QORSmrPtr<QORString> propertyScope, QORsint32 arrayIndexList);
   ~QORQL_Factor() override;
 
+  // Reads it from the current token on and leaves the first token behind it current. Adds the properties that are
+  // named to `projMap`. THROWS QORQL_ParseException and QORQL_Exception.
   static QORSmrPtr<QORQL_Evaluatable> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                             QORQL_ProjectionMap& projMap, const QORString& queryString,
                                             const QORString& queryLanguage);
 
+  // The parts; null, or kNoArray, where it has no such part.
   const QORSmrPtr<QORQL_Evaluatable>& getEvaluatable() const noexcept { return _evaluatable; }
   const QORSmrPtr<QORString>& getClassName() const noexcept { return _idClassName; }
   const QORSmrPtr<QORString>& getPropertyName() const noexcept { return _idPropertyName; }

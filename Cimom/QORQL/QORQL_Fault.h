@@ -29,6 +29,7 @@ struct QORQL_Fault {
   };
   static constexpr QORuint32 kNowhere = 0xFFFFFFFF;
 
+  // Whether a word of the text is at fault.
   bool hasPlace() const noexcept { return offset != kNowhere; }
 
   Kind kind = kOther;

@@ -8,18 +8,23 @@
 class QORQL_Lexer;
 class QORQL_SelectList;
 
+// The classes of a statement. Immutable after name resolution.
 class QORQL_FromClause : public QORQL_Executable {
  public:
   using SpecifierList = QORSmrPtr<QORValSlist<QORSmrPtr<QORQL_FromSpecifier>>>;
 
+  // Shares the list, which is never null. Text and language of the statement travel with what it fetches.
   QORQL_FromClause(SpecifierList fromSpecifierList, bool isSelectAll, const QORString& queryString,
                    const QORString& queryLanguage);
   ~QORQL_FromClause() override;
 
+  // Entered on FROM; leaves the first token behind the classes current, and enters their names into the symbol table.
+  // THROWS QORQL_ParseException and QORQL_Exception.
   static QORSmrPtr<QORQL_Executable> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                            QORSmrPtr<QORQL_SelectList>& selectList, const QORString& queryString,
                                            const QORString& queryLanguage);
 
+  // What the constructor was given.
   const SpecifierList& getFromSpecifierList() const noexcept { return _fromSpecifierList; }
   bool isSelectAll() const noexcept { return _isSelectAll; }
 
@@ -28,6 +33,8 @@ class QORQL_FromClause : public QORQL_Executable {
   void setSkippedClasses(const QORValSlist<QORString>& classNames) { _skippedClasses = classNames; }
   const QORValSlist<QORString>& getSkippedClasses() const noexcept { return _skippedClasses; }
 
+  // Brings each class into the table as a column, all its instances with all others. THROWS QORQL_Exception, and what
+  // providers throw.
   void execute(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, std::ostream* out,
                const QORString& nameSpace) override;
 

@@ -11,10 +11,12 @@ class QORQL_Lexer;
 // OBJECTPATH and INSTANCEOF are computed per row; aggregates by the select list.
 class QORQL_Function : public QORQL_Evaluatable {
  public:
+  // What kind() says of it.
   static constexpr QORQL_NodeKind kKind = QORQL_NodeKind::Function;
 
   using ParameterList = QORSmrPtr<QORValSlist<QORSmrPtr<QORQL_Evaluatable>>>;
 
+  // Shares the list of the arguments, which is never null.
   QORQL_Function(const ParameterList& parameters, QORQL_FunctionID functionID);
   ~QORQL_Function() override;
 
@@ -23,6 +25,7 @@ class QORQL_Function : public QORQL_Evaluatable {
                                             QORQL_ProjectionMap& projMap, const QORString& queryString,
                                             const QORString& queryLanguage);
 
+  // What the constructor was given.
   QORQL_FunctionID getFunctionID() const noexcept { return _fid; }
   const ParameterList& getParameters() const noexcept { return _parameters; }
   // The one class that the argument names; a null pointer when it names none or several.

@@ -6,6 +6,7 @@
 #include "Cimom/QORQL/QORQL_FunctionID.h"
 #include "cmpbase.h"
 
+// Made for one walk over an expression.
 class QORQL_FunctionFinder : public QORQL_ExpressionVisitor {
  public:
   void visitFunction(const QORQL_Function& function) override;

@@ -27,16 +27,23 @@ class QORQL_Helper {
                           const QORString& nameSpace, const QORSmrPtr<QORQL_Evaluatable>& comparison, QORQL_Operator op,
                           const QORString& queryString, const QORString& queryLanguage);
 
+  // The instances of a class with the named properties, all of them for a null list. Null when the object manager
+  // knows no such class. THROWS what its providers throw.
   static ObjectList enumerateInstance(const QORString& className, const NameList& properties,
                                       const QORString& nameSpace, const QORString& queryString,
                                       const QORString& queryLanguage);
 
+  // A column of these objects: the rows become their cross product with it; with a comparison, those of it that
+  // satisfy it. THROWS QORQL_Exception (QORQL_INTERNAL_ERROR, logged) for a null table or list, and what evaluation
+  // throws.
   static void addObjectToTable(QORSmrPtr<QORQL_DataTable>& table, const ObjectList& objects, const QORString& className,
                                const QORString& alias);
   static void addObjectToTable(QORSmrPtr<QORQL_DataTable>& table, const ObjectList& objects, const QORString& className,
                                const QORString& alias, const QORSmrPtr<QORQL_Evaluatable>& comparison,
                                QORQL_Operator op, QORQL_SymbolTable& symbolTable);
 
+  // The objects of the result class that the association ties to the source, by one call of the client. Null as the
+  // client's answer may be. THROWS what providers throw.
   static ObjectList asssociator(const QORSmrPtr<IQoriInstanceName>& source, const QORString& associationClass,
                                 const QORString& resultClass, const QORSmrPtr<CIMApi>& client,
                                 const NameList& properties, const QORString& nameSpace);

@@ -8,10 +8,12 @@
 class QORQL_Evaluatable;
 class QORQL_Factor;
 
+// Made for one walk over an expression.
 class QORQL_IdentifierFinder : public QORQL_ExpressionVisitor {
  public:
   using ClassNameList = QORSmrPtr<QORValSlist<QORSmrPtr<QORString>>>;
 
+  // Has seen nothing yet.
   QORQL_IdentifierFinder();
   void visitFactor(const QORQL_Factor& factor) override;
   void visitFunction(const QORQL_Function& function) override;

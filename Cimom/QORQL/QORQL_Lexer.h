@@ -38,6 +38,7 @@ class QORQL_Lexer {
 
   // Where the current token begins, as a byte of the text.
   QORuint32 getOffset() const noexcept { return _currentToken.getOffset(); }
+  // The line, from 1, that the scanner has come to, and what the constructor was given.
   QORuint32 getCurrentLineNr() const noexcept { return _scanner.line(); }
   const QORString& getFileName() const noexcept { return _fileName; }
   const QORString& getPathName() const noexcept { return _pathname; }

@@ -9,8 +9,10 @@
 class QORQL_Lexer;
 class QORQL_SelectList;
 
+// The one sort key of a statement.
 class QORQL_OrderByClause : public QORQL_Executable {
  public:
+  // The key is never null.
   QORQL_OrderByClause(const QORSmrPtr<QORQL_Evaluatable>& expression, QORboolean isSortAscending);
   ~QORQL_OrderByClause() override;
 
@@ -19,6 +21,7 @@ class QORQL_OrderByClause : public QORQL_Executable {
                                            QORQL_ProjectionMap& projMap, QORSmrPtr<QORQL_SelectList>& selectList,
                                            const QORString& queryString, const QORString& queryLanguage);
 
+  // What the constructor was given.
   const QORSmrPtr<QORQL_Evaluatable>& getExpression() const noexcept { return _expression; }
   QORboolean isSortAscending() const noexcept { return _isSortAscending; }
 

@@ -9,14 +9,17 @@
 // Compares by the keys' own order. THROWS QORNullPointerException when a key is null.
 class QORQL_OrderByHelper {
  public:
+  // A row with its key; the key is not null when it is compared.
   QORQL_OrderByHelper(const QORSmrPtr<IQoriValue>& key, const QORSmrPtr<QORQL_DataRow>& row) : _key(key), _row(row) {}
   // For rows that do not exist yet: the row's number.
   QORQL_OrderByHelper(const QORSmrPtr<IQoriValue>& key, QORuint32 number) : _key(key), _number(number) {}
 
+  // What the constructors were given: the row is null for a row number, the number 0 for a row.
   const QORSmrPtr<IQoriValue>& GetKey() const noexcept { return _key; }
   const QORSmrPtr<QORQL_DataRow>& GetRow() const noexcept { return _row; }
   QORuint32 getNumber() const noexcept { return _number; }
 
+  // By the keys.
   friend bool operator<(const QORQL_OrderByHelper& a, const QORQL_OrderByHelper& b) { return a._key < b._key; }
   friend bool operator>(const QORQL_OrderByHelper& a, const QORQL_OrderByHelper& b) { return a._key > b._key; }
   friend bool operator<=(const QORQL_OrderByHelper& a, const QORQL_OrderByHelper& b) { return a._key <= b._key; }

@@ -9,11 +9,13 @@
 // and what they are about.
 class QORQL_ParseException : public QoriBaseException {
  public:
+  // By code, message and line.
   QORQL_ParseException(QORuint32 code, const QORString& message, QORuint32 lineNr, QORQL_Fault fault = {});
   QORQL_ParseException(const QORQL_ParseException&) = default;
   QORQL_ParseException& operator=(const QORQL_ParseException&) = default;
   ~QORQL_ParseException() override;
 
+  // Lines count from 1.
   QORuint32 getLineNr() const noexcept { return _lineNr; }
   // See QORQL_Fault: the name at fault, and with QORQL_placeOf its line and column.
   const QORQL_Fault& getFault() const noexcept { return _fault; }

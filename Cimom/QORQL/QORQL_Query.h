@@ -28,6 +28,8 @@ class QORQL_WhereClause;
 // the select list: executions of one query object follow one another.
 class QORQL_Query : public QORQL_Executable {
  public:
+  // By its clauses: the select list and FROM are never null. Text and language travel with what it fetches; empty
+  // ones do not.
   QORQL_Query(QORSmrPtr<QORQL_Executable> select, QORSmrPtr<QORQL_Executable> from, QORSmrPtr<QORQL_Executable> where,
               QORSmrPtr<QORQL_FormatClause> format, QORboolean isNestedQuery, QORSmrPtr<QORQL_Executable> orderBy,
               const QORString& queryString, const QORString& queryLanguage);
@@ -40,12 +42,15 @@ class QORQL_Query : public QORQL_Executable {
                                            const QORString& queryString, const QORString& queryLanguage,
                                            const QORString& nameSpace);
 
+  // The QORQL_SelectList and the QORQL_FromClause.
   const QORSmrPtr<QORQL_Executable>& getSelectList() const noexcept { return _selectList; }
   const QORSmrPtr<QORQL_Executable>& getFromClause() const noexcept { return _fromClause; }
   // Null when the statement has none.
   const QORSmrPtr<QORQL_Executable>& getWhereClause() const noexcept { return _whereClause; }
+  // Null where there is none; the QORQL_OrderByClause too.
   const QORSmrPtr<QORQL_FormatClause>& getFormatClause() const noexcept { return _formatClause; }
   const QORSmrPtr<QORQL_Executable>& getOrderByClause() const noexcept { return _orderbyClause; }
+  // What the constructor was given.
   const QORString& getQueryString() const noexcept { return _queryString; }
   const QORString& getQueryLanguage() const noexcept { return _queryLanguage; }
 

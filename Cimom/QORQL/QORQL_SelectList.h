@@ -20,10 +20,13 @@ class IQoriObject;
 
 enum QORQL_SelectListAggregate { SEL_UNKNOWN = 0, SEL_AGGREGATE = 1, SEL_NONAGGREGATE = 2 };
 
+// What a statement selects. Immutable after name resolution, but for the results of aggregates, which its entries
+// keep.
 class QORQL_SelectList : public QORQL_Executable {
  public:
   using EntryList = QORSmrPtr<QORValSlist<QORSmrPtr<QORQL_SelectedEntry>>>;
 
+  // A function of the select list while rows are put together.
   struct Function {
     QORString className;
     QORString propertyName;
@@ -33,10 +36,12 @@ class QORQL_SelectList : public QORQL_Executable {
     QORSmrPtr<IQoriValue> value;
     bool isTypeSet = false;
   };
+  // What a function gave, by its name in the VALUES object.
   struct FunctionResult {
     QORString id;
     QORSmrPtr<IQoriValue> result;
   };
+  // The functions of one row.
   struct FunctionResults {
     bool hasFunctions = false;
     bool hasAggregateFunctions = false;
@@ -55,6 +60,7 @@ class QORQL_SelectList : public QORQL_Executable {
   static const QORString HTML_LINE_FEED;
   static const QORString HTML_SPACE;
 
+  // Shares the list of the entries, which is never null; `entryCount` is the n of FIRST n.
   QORQL_SelectList(EntryList entries, const QORboolean& areAllEntriesAggregates, const QORboolean& isFirstUsed,
                    const QORuint32& entryCount, bool isSelectAll, const QORString& queryString,
                    const QORString& queryLanguage);
@@ -69,6 +75,7 @@ class QORQL_SelectList : public QORQL_Executable {
   static void _checkForAggregateMismatch(QORboolean isAggregate, QORQL_SelectListAggregate& state,
                                          QORuint32 offset = QORQL_Fault::kNowhere);
 
+  // What the constructor was given; the list is shared.
   QORboolean AreAllEntriesAggregates() const noexcept { return _areAllEntriesAggregates; }
   EntryList getSelectedEntries() const { return _selectedEntries; }
   // Of the last entry alone.
@@ -85,6 +92,8 @@ class QORQL_SelectList : public QORQL_Executable {
   void setOrderByKey(const QORSmrPtr<QORQL_Evaluatable>& key) { _orderByKey = key; }
   const QORSmrPtr<QORQL_Evaluatable>& getOrderByKey() const noexcept { return _orderByKey; }
 
+  // Projects the table and puts the result in its place; streams it where `out` is not null. THROWS
+  // QORQL_ParseException code 15 for an aggregate that cannot be streamed.
   void execute(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, std::ostream* out,
                const QORString& nameSpace) override;
 

@@ -8,10 +8,12 @@
 
 class QORQL_Lexer;
 
+// One entry of the select list. Immutable after name resolution, but for the result of an aggregate.
 class QORQL_SelectedEntry {
  public:
   using ClassNameList = QORSmrPtr<QORValSlist<QORSmrPtr<QORString>>>;
 
+  // As parse() makes it; what the operations below give.
   QORQL_SelectedEntry(QORString className, QORString propertyName, QORString alias,
                       QORSmrPtr<QORQL_Evaluatable> expression, ClassNameList classNameList, QORboolean selectAll,
                       QORboolean isEntryAggregate, QORuint32 functionID);
@@ -19,10 +21,13 @@ class QORQL_SelectedEntry {
   QORQL_SelectedEntry& operator=(const QORQL_SelectedEntry&) = delete;
   virtual ~QORQL_SelectedEntry();
 
+  // Reads it from the current token on and leaves the first token behind it current. Adds the properties that are
+  // named to `classInfos`. THROWS QORQL_ParseException and QORQL_Exception.
   static QORSmrPtr<QORQL_SelectedEntry> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                               QORQL_ProjectionMap& classInfos, const QORString& queryString,
                                               const QORString& queryLanguage);
 
+  // Of the reference that the entry consists of; empty where it is something else.
   const QORString& getClassName() const noexcept { return _className; }
   const QORString& getPropertyName() const noexcept { return _propertyName; }
   // Upper case; empty when none.

@@ -14,10 +14,13 @@ enum QORQL_SYMBOLTYPE {
   QORQL_SYMBOLTYPE_ERROR = 3
 };
 
+// A name that a statement knows: a class of FROM. Belongs to one thread at a time.
 class QORQL_Symbol {
  public:
+  // A name of its own; with a nested query its table, which may be null.
   QORQL_Symbol(QORQL_SYMBOLTYPE type, const QORString& name, QORboolean isNestedQuery,
                QORSmrPtr<QORQL_SymbolTable> symbolTable);
+  // A class with its alias and with what is needed of it, which is shared and may be null.
   QORQL_Symbol(QORQL_SYMBOLTYPE type, const QORString& name, const QORString& alias,
                QORSmrPtr<QORQL_ClassInfo>& classInfo, QORSmrPtr<QORQL_SymbolTable> symbolTable);
   QORQL_Symbol(const QORQL_Symbol&) = delete;
@@ -33,6 +36,7 @@ class QORQL_Symbol {
   virtual QORSmrPtr<QORQL_ClassInfo> getClassInfo() const;
   virtual QORString getClassName() const;
 
+  // What the constructor was given, and the type anew: setValue() says that the name stands for something else.
   QORString getName() const { return _name; }
   QORQL_SYMBOLTYPE getType() const noexcept { return _type; }
   QORboolean isNestedQuery() const noexcept { return _isNestedQuery; }
@@ -52,11 +56,13 @@ class QORQL_Symbol {
 // An alias. Class-info calls THROW QORNullPointerException when it stands for nothing.
 class QORQL_DelegatorSymbol : public QORQL_Symbol {
  public:
+  // The delegatee is the symbol of the class, which answers all questions of the class; it may be set later.
   QORQL_DelegatorSymbol(QORQL_SYMBOLTYPE type, const QORString& name, const QORString& alias,
                         QORSmrPtr<QORQL_ClassInfo>& classInfo, QORSmrPtr<QORQL_Symbol> delegatee,
                         QORSmrPtr<QORQL_SymbolTable> symbolTable);
   ~QORQL_DelegatorSymbol() override;
 
+  // Null makes it stand for nothing.
   void setDelegatee(QORSmrPtr<QORQL_Symbol>& delegatee) { _delegatee = delegatee; }
   QORString getAlias() const override;
   QORboolean isAlias() const override;

@@ -37,6 +37,7 @@ class QORQL_SymbolTable {
   // The class that a FROM name in any case stands for; the name itself when unknown.
   QORString classNameOf(const QORString& name) const;
 
+  // The enclosing table, null at the outermost level. BORROWS: it outlives this one, or is reset before it goes.
   void setParent(QORQL_SymbolTable* parent) noexcept { _parentSymbolTable = parent; }
   QORQL_SymbolTable* getParent() const noexcept { return _parentSymbolTable; }
   void resetParent() noexcept { _parentSymbolTable = nullptr; }
@@ -45,8 +46,10 @@ class QORQL_SymbolTable {
   // True when the argument is this table or encloses it.
   QORboolean isParent(const QORQL_SymbolTable* table) const noexcept;
 
+  // The symbols of this table alone, by their names in upper case, to be walked or changed.
   SymbolMap& getSymbolHashMap() noexcept { return _hashDict; }
   const SymbolMap& getSymbolHashMap() const noexcept { return _hashDict; }
+  // Whether the parser is behind FROM, from where on names can be looked up; for the parser only.
   void setSymbolTableUpdatedFlag(QORboolean updated) noexcept { _symbolsUpdated = updated; }
   QORboolean isSymbolTableUpdated() const noexcept { return _symbolsUpdated; }
 

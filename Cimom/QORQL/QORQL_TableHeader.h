@@ -4,6 +4,7 @@
 
 #include "cmpbase.h"
 
+// The description of one column. Immutable.
 class QORQL_TableHeader {
  public:
   // Three empty strings.

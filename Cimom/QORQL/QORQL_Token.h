@@ -89,6 +89,7 @@ class QORQL_Token {
   QORQL_Token& operator=(QORQL_Token&& other) noexcept = default;
   ~QORQL_Token() = default;
 
+  // The text of the token; made at the first call.
   const QORString& getValue() const {
     if (_borrowed.data() != nullptr) {
       _tokenValue = QORString(_borrowed);

@@ -8,8 +8,10 @@
 
 class QORQL_Lexer;
 
+// The condition of a statement.
 class QORQL_WhereClause : public QORQL_Executable {
  public:
+  // The condition is never null.
   explicit QORQL_WhereClause(QORSmrPtr<QORQL_Evaluatable> expression);
   ~QORQL_WhereClause() override;
 
@@ -18,8 +20,10 @@ class QORQL_WhereClause : public QORQL_Executable {
                                            QORQL_ProjectionMap& projMap, const QORString& queryString,
                                            const QORString& queryLanguage);
 
+  // What the constructor was given.
   const QORSmrPtr<QORQL_Evaluatable>& getExpression() const noexcept { return _expression; }
 
+  // Filters and joins the table. THROWS QORQL_Exception and what values and providers throw.
   void execute(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, std::ostream* out,
                const QORString& nameSpace) override;
 

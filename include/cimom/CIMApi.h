@@ -19,6 +19,9 @@ class CIMApi {
   using Instances = QORSmrPtr<QORValSlist<QORSmrPtr<IQoriObject>>>;
   using PropertyNames = QORSmrPtr<QORValSlist<QORString>>;
 
+  // What the engine passes to associators and getInstance as `timeout`, in seconds; -1, which it passes to
+  // enumerateInstances, is no limit. Whether a call that takes longer fails is the object manager's matter; the
+  // embedded one, where it is 60, waits.
   static const int DefaultTimeout;
 
   CIMApi();

@@ -8,6 +8,7 @@
 class ModelRestriction;
 class ModelSlot;
 
+// Immutable; threads may share one.
 class CQoriBaseObject final : public IQoriObject {
  public:
   using PropertyList = QORValSlist<QORSmrPtr<IQoriProperty>>;

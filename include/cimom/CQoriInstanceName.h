@@ -5,8 +5,10 @@
 #include "cimom/IQoriInstanceName.h"
 #include "cmpbase.h"
 
+// Immutable; threads may share one.
 class CQoriNameSpacePath : public IQoriNameSpacePath {
  public:
+  // Either may be empty.
   CQoriNameSpacePath(const QORString& host, const QORString& nameSpace) : _host(host), _nameSpace(nameSpace) {}
   ~CQoriNameSpacePath() override;
   const QORString& getHost() const noexcept override { return _host; }
@@ -17,6 +19,7 @@ class CQoriNameSpacePath : public IQoriNameSpacePath {
   QORString _nameSpace;
 };
 
+// Immutable; threads may share one.
 class CQoriInstanceName : public IQoriInstanceName {
  public:
   // A null key list stands for no keys (a class path), a null namespace path

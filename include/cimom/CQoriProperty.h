@@ -5,6 +5,7 @@
 #include "cimom/IQoriProperty.h"
 #include "cmpbase.h"
 
+// Immutable; threads may share one.
 class CQoriProperty : public IQoriProperty {
  public:
   // The type is the value's, "string" for a null value. The flag marks a

@@ -7,6 +7,7 @@
 // Type "provider"; the code is the CIM status that the provider reports.
 class CQoriProviderException : public QoriBaseException {
  public:
+  // The provider's name becomes the exception's who.
   CQoriProviderException(const QORString& provider, const QORString& message, QORuint32 cimStatus);
   CQoriProviderException(const CQoriProviderException&) = default;
   CQoriProviderException& operator=(const CQoriProviderException&) = default;

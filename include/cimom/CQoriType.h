@@ -29,15 +29,18 @@ class CQoriType final : public IQoriType {
     Unknown
   };
 
+  // Any name will do; types that are no singleton have the code of their name, or Unknown.
   CQoriType(const QORString& name, bool isArray);
   ~CQoriType() override;
   const QORString& getName() const noexcept override { return _name; }
   bool isArray() const noexcept override { return _isArray; }
+  // An array's is its element's.
   Code code() const noexcept { return _code; }
 
   // The code of any type, by its name ignoring case; an array's is its element's.
   static Code codeOf(const IQoriType& type) noexcept;
 
+  // The scalar types; never null.
   static const QORSmrPtr<IQoriType> sint8;
   static const QORSmrPtr<IQoriType> uint8;
   static const QORSmrPtr<IQoriType> sint16;

@@ -23,6 +23,7 @@ class IQoriQualifier {
 class IQoriClass {
  public:
   virtual ~IQoriClass() = default;
+  // In the repository's spelling.
   virtual const QORString& getClassName() const noexcept = 0;
   // Empty for a class at the root.
   virtual const QORString& getSuperClassName() const noexcept = 0;

@@ -20,6 +20,7 @@ class IQoriInstanceName {
   using KeyList = QORValSlist<QORSmrPtr<IQoriProperty>>;
 
   virtual ~IQoriInstanceName() = default;
+  // The class in the path.
   virtual const QORString& getClassName() const noexcept = 0;
   // Never null.
   virtual const QORSmrPtr<IQoriNameSpacePath>& getNameSpacePath() const noexcept = 0;

@@ -16,6 +16,7 @@
 // that returns it.
 class IQoriLayout {
  public:
+  // The number is what getSerial() gives.
   explicit IQoriLayout(QORuint64 serial = 0) noexcept : _serial(serial) {}
   virtual ~IQoriLayout() = default;
   // A number below 2^48 that no other layout of the process has, dead ones
@@ -37,6 +38,7 @@ class IQoriObject {
  public:
   virtual ~IQoriObject() = default;
 
+  // The object's own class, which may be a subclass of the one that was asked for.
   virtual const QORString& getClassName() const noexcept = 0;
   // The object path; null when the object has none (an embedded instance without keys may).
   virtual QORSmrPtr<IQoriInstanceName> getInstanceName() const = 0;
@@ -63,6 +65,7 @@ class IQoriObject {
     return name->getNameSpacePath()->getNameSpace();
   }
 
+  // How many properties it has, NULL ones too.
   virtual QORuint32 getPropertyCount() const noexcept = 0;
   // In the object's order. REQUIRES position < getPropertyCount().
   virtual QORSmrPtr<IQoriProperty> getPropertyAt(QORuint32 position) const = 0;

@@ -10,6 +10,7 @@
 class IQoriProperty {
  public:
   virtual ~IQoriProperty() = default;
+  // In the spelling of its class.
   virtual const QORString& getName() const noexcept = 0;
   // The declared type; never null.
   virtual const QORSmrPtr<IQoriType>& getType() const noexcept = 0;

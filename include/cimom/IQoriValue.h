@@ -55,6 +55,7 @@ class IQoriValue {
 
   virtual ~IQoriValue() = default;
 
+  // Never null.
   virtual const QORSmrPtr<IQoriType>& getType() const noexcept = 0;
 
   // The value's text: integers decimal, reals in the shortest form that reads
@@ -63,6 +64,7 @@ class IQoriValue {
   // elements joined by ",".
   virtual QORString toString() const = 0;
 
+  // What the type says.
   virtual bool isArray() const noexcept = 0;
   // The elements in order, shared; null when this is no array. Do not change the list.
   virtual QORSmrPtr<List> getArray() const = 0;
@@ -130,6 +132,7 @@ class IQoriValue {
 // or one that holds no such scalar THROWS QoriBaseException (type "CIM_Value").
 class CQoriValue : public IQoriValue {
  public:
+  // A scalar of a C++ type as a value of a CIM type.
   CQoriValue(bool value, const QORSmrPtr<IQoriType>& type);
   CQoriValue(char value, const QORSmrPtr<IQoriType>& type);
   CQoriValue(signed char value, const QORSmrPtr<IQoriType>& type);

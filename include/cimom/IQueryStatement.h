@@ -14,6 +14,7 @@ class IQueryStatement {
  public:
   using PropertyNames = QORSmrPtr<QORValSlist<QORString>>;
 
+  // As the statement was made with.
   virtual QORString getQueryLanguage() const = 0;
   virtual QORString getQuery() const = 0;
   // Never throws; what is wrong is logged. A second call returns the first status.

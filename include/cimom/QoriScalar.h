@@ -35,6 +35,7 @@ struct QoriScalar {
     const IQoriValue* value;
   };
 
+  // Cheap looks at the kind.
   bool isNull() const noexcept { return kind == QoriScalarKind::Null; }
   bool isNumber() const noexcept {
     return kind == QoriScalarKind::Unsigned || kind == QoriScalarKind::Signed || kind == QoriScalarKind::Real;
@@ -43,6 +44,7 @@ struct QoriScalar {
 
 namespace qori {
 
+// An integer against a real, exactly; unordered with a NaN.
 inline std::partial_ordering compareUnsignedReal(QORuint64 a, double b) noexcept {
   constexpr double kTwoTo64 = 18446744073709551616.0;
   if (b != b) return std::partial_ordering::unordered;
@@ -53,6 +55,7 @@ inline std::partial_ordering compareUnsignedReal(QORuint64 a, double b) noexcept
   return 0.0 <=> (b - static_cast<double>(whole));
 }
 
+// The same for a signed one.
 inline std::partial_ordering compareSignedReal(QORsint64 a, double b) noexcept {
   constexpr double kTwoTo63 = 9223372036854775808.0;
   if (b != b) return std::partial_ordering::unordered;
@@ -93,6 +96,7 @@ enum class QoriTruth : QORuint8 { False, True, Null };
 
 namespace qori {
 
+// Never Null.
 constexpr QoriTruth truth(bool value) noexcept { return value ? QoriTruth::True : QoriTruth::False; }
 
 // Whether an order satisfies a relation; unordered satisfies NotEqual alone.

@@ -13,10 +13,13 @@ class QoriProviderAuthorization {
 // Immutable. Carries the query to the provider, so that it may filter at the source.
 class QoriTransactionInfo {
  public:
+  // A null authorization is that of the process; the timeout is in seconds, as CIMApi::DefaultTimeout; any text may
+  // be empty. The engine fills in text and language of the query, and leaves the others empty.
   QoriTransactionInfo(const QORSmrPtr<QoriProviderAuthorization>& authorization, const QORString& user,
                       const QORString& client, QORsint32 timeout, const QORString& locale, const QORString& hostAddress,
                       const QORString& hostPort, const QORString& queryString, const QORString& queryLanguage);
   ~QoriTransactionInfo();
+  // What the constructor was given, for a provider that filters by the query or asks a server of its own.
   const QORSmrPtr<QoriProviderAuthorization>& getAuthorization() const noexcept { return _authorization; }
   QORsint32 getTimeout() const noexcept { return _timeout; }
   const QORString& getQueryString() const noexcept { return _queryString; }

@@ -11,11 +11,13 @@
 // may destroy the counted object.
 class QORAtomicInt {
  public:
+  // Zero, or the value.
   constexpr QORAtomicInt() noexcept = default;
   constexpr explicit QORAtomicInt(QORsint32 value) noexcept : _value(value) {}
   QORAtomicInt(const QORAtomicInt&) = delete;
   QORAtomicInt& operator=(const QORAtomicInt&) = delete;
 
+  // Each is one atomic step; the steps up and down give the new value.
   void setValue(QORsint32 value) noexcept { _value.store(value, std::memory_order_release); }
   QORsint32 getValue() const noexcept { return _value.load(std::memory_order_acquire); }
   QORsint32 atomicInc() noexcept { return _value.fetch_add(1, std::memory_order_relaxed) + 1; }

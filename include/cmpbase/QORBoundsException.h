@@ -8,6 +8,7 @@
 // type "Bounds", and who, message and code as given.
 class QORBoundsException : public QoriBaseException {
  public:
+  // See above.
   QORBoundsException();
   QORBoundsException(const QORString& who, const QORString& message, int code);
   QORBoundsException(const QORBoundsException&) = default;

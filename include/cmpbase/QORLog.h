@@ -13,6 +13,7 @@ class QoriTraceLog {
   enum Verbosity : QORuint32 { kTerse = 1, kNormal = 2, kVerbose = 3 };
 };
 
+// The log of the process. Stateless but for the channel's number.
 class QORLog {
  public:
   // The object manager's own channel. The engine reads it at each call.

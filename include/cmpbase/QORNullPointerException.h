@@ -8,6 +8,7 @@
 // message "Null pointer in " followed by the operation, code 0.
 class QORNullPointerException : public QoriBaseException {
  public:
+  // See above.
   explicit QORNullPointerException(const QORString& operation);
   QORNullPointerException(const QORNullPointerException&) = default;
   QORNullPointerException& operator=(const QORNullPointerException&) = default;

@@ -29,6 +29,7 @@ class QORSmrPtrImpl {
 template <class T>
 class QORSmrPtr : public QORSmrPtrImpl {
  public:
+  // Holds nothing.
   QORSmrPtr() noexcept : _pointee(&_nullPointee) {}
   QORSmrPtr(std::nullptr_t) noexcept : _pointee(&_nullPointee) {}
   // OWNS `pointer` from now on (null allowed), also when allocating the block fails.
@@ -74,6 +75,7 @@ class QORSmrPtr : public QORSmrPtrImpl {
     return *this;
   }
 
+  // Lets go and OWNS `pointer` (null allowed) from now on, in a new block, even when it is already held.
   void Init(T* pointer) { Set(pointer); }
   void Set(T* pointer) {
     SmartPointerPointee* const fresh = newPointee(pointer);
@@ -93,6 +95,7 @@ class QORSmrPtr : public QORSmrPtrImpl {
            _pointee->_sharedReferenceCount->getValue() == 1;
   }
 
+  // The object. THROW QORNullPointerException when there is none.
   T& operator*() const {
     if (IsNull()) raiseNullPointer("operator*()");
     return *Get();
@@ -101,6 +104,7 @@ class QORSmrPtr : public QORSmrPtrImpl {
     if (IsNull()) raiseNullPointer("operator->()");
     return Get();
   }
+  // BORROWS: the object's address, or null, so that a pointer can be tested.
   operator void*() const noexcept { return rawPointer(); }
 
   // Same object; two null pointers are equal.

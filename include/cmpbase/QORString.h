@@ -20,6 +20,7 @@
 // synchronised. Operations that build a new text may throw std::bad_alloc.
 class QORString {
  public:
+  // No position, and to the end.
   static constexpr std::size_t npos = static_cast<std::size_t>(-1);
 
   QORString() noexcept : _rep(&nullRep()) {}
@@ -43,6 +44,7 @@ class QORString {
     return *this;
   }
 
+  // BORROW: valid until this string is changed or goes; never null.
   const char* c_str() const noexcept { return _rep->text(); }
   const char* data() const noexcept { return _rep->text(); }
   std::size_t length() const noexcept { return _rep->_length; }
@@ -60,6 +62,7 @@ class QORString {
   bool isEqualCaseInsensitive(const QORString& other) const noexcept { return equalIgnoringCase(view(), other.view()); }
   static bool equalIgnoringCase(std::string_view a, std::string_view b) noexcept;
 
+  // Byte by byte.
   bool beginsWith(const QORString& prefix) const noexcept;
   // True when `other` occurs as a contiguous run; the empty string always does.
   bool contains(const QORString& other, bool caseSensitive = true) const noexcept;
@@ -79,6 +82,7 @@ class QORString {
   // The leading sign and digits as a number; saturates at both ends; 0 without digits.
   QORsint32 atoi() const noexcept;
 
+  // Append.
   QORString& operator+=(const QORString& other) { return append(other.view()); }
   QORString& operator+=(const char* other);
   QORString& operator+=(char other) { return append({&other, 1}); }
@@ -86,9 +90,11 @@ class QORString {
   QORString& append(std::string_view bytes);
   void reserve(std::size_t capacity);
 
+  // Decimal digits.
   static QORString number(QORuint64 value);
   static QORString number(QORsint64 value);
 
+  // Byte by byte; null and empty are equal.
   friend bool operator==(const QORString& a, const QORString& b) noexcept {
     return a._rep == b._rep || a.view() == b.view();
   }
@@ -97,6 +103,7 @@ class QORString {
   }
   friend bool operator==(const QORString& a, char b) noexcept { return a.length() == 1 && a[0] == b; }
   friend bool operator<(const QORString& a, const QORString& b) noexcept { return a.view() < b.view(); }
+  // Join; a null char pointer counts as empty.
   friend QORString operator+(QORString a, const QORString& b) { return std::move(a += b); }
   friend QORString operator+(QORString a, const char* b) { return std::move(a += b); }
   friend QORString operator+(const char* a, const QORString& b) {
@@ -104,6 +111,7 @@ class QORString {
     joined += b;
     return joined;
   }
+  // Writes the bytes, zero bytes too.
   friend std::ostream& operator<<(std::ostream& out, const QORString& text);
 
  private:

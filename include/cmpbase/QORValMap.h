@@ -17,9 +17,11 @@
 template <class K, class V>
 class QORValMapIterator;
 
+// A key and its value in a map, which OWNS it.
 template <class K, class V>
 class QORValMapItem {
  public:
+  // With copies, or with the value itself.
   QORValMapItem(const K& key, const V& data) : _key(key), _data(data) {}
   QORValMapItem(const K& key, V&& data) : _key(key), _data(std::move(data)) {}
   K _key;
@@ -234,6 +236,7 @@ class QORValMap {
 template <class K, class V>
 class QORValMapIterator {
  public:
+  // No item is current. BORROWS the map.
   explicit QORValMapIterator(const QORValMap<K, V>& map) noexcept : _map(map) {}
 
   // False, for good, when every item has been visited.

@@ -17,9 +17,11 @@
 [[noreturn]] void qorRaiseOutOfBounds();                 // THROWS QORBoundsException, "Out of Bounds"
 [[noreturn]] void qorRaiseEmptyList(const char* where);  // THROWS QORBoundsException, "Empty List"
 
+// A value in a list, which OWNS it.
 template <class T>
 class QORValSlistItem {
  public:
+  // With a copy, or with the value itself.
   explicit QORValSlistItem(const T& data) : _data(data) {}
   explicit QORValSlistItem(T&& data) : _data(std::move(data)) {}
   QORValSlistItem* _previous = nullptr;
@@ -108,6 +110,7 @@ class QORValSlist {
     return true;
   }
 
+  // Whether an element is equal. Costs a walk.
   bool contains(const T& value) const { return findNode(value) != nullptr; }
   // Index of the first equal element, -1 when absent.
   QORsint32 getIndex(const T& value) const {
@@ -123,6 +126,7 @@ class QORValSlist {
     return item == nullptr ? nullptr : &item->_data;
   }
 
+  // Cost nothing.
   QORuint32 entries() const noexcept { return _entries; }
   bool isEmpty() const noexcept { return _entries == 0; }
   // Calls use(value) for each value from the head on. REQUIRES that it leaves the list alone.
@@ -141,6 +145,7 @@ class QORValSlist {
     dropPlaces();
   }
 
+  // Element by element.
   friend bool operator==(const QORValSlist& a, const QORValSlist& b) {
     if (a._entries != b._entries) return false;
     for (Item *x = a._head, *y = b._head; x != nullptr; x = x->_next, y = y->_next) {
@@ -150,6 +155,7 @@ class QORValSlist {
   }
   friend bool operator!=(const QORValSlist& a, const QORValSlist& b) { return !(a == b); }
 
+  // The order of the last sort(order) that nothing has changed since.
   SortOrder sort() const noexcept { return _sortOrder; }
   // Bottom-up merge sort that relinks items. On equal values the right run's
   // element is taken first, so equal values do not keep their order. Any other

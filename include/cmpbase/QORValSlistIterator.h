@@ -14,6 +14,7 @@ class QORValSlistItem;
 template <class T>
 class QORValSlistIterator {
  public:
+  // No element is current. BORROWS the list.
   explicit QORValSlistIterator(const QORValSlist<T>& list) noexcept : _list(const_cast<QORValSlist<T>&>(list)) {}
 
   // Moves to the head first, then to the next element; false, for good, past the last.

@@ -18,12 +18,15 @@ class QoriBaseException : public std::exception {
   using Instances = QORSmrPtr<QORValSlist<QORSmrPtr<IQoriObject>>>;
 
   QoriBaseException() noexcept;
+  // What the operations below give; there are no instances.
   QoriBaseException(const QORString& type, const QORString& who, const QORString& where, const QORString& message,
                     QORuint32 code);
   QoriBaseException(const QoriBaseException& other);
   QoriBaseException& operator=(const QoriBaseException& other);
   ~QoriBaseException() override;
 
+  // The kind of error, the component that threw it, the operation, the message for a person, and the code, whose
+  // meaning the type tells.
   const QORString& getType() const noexcept { return _type; }
   const QORString& getWho() const noexcept { return _who; }
   const QORString& getWhere() const noexcept { return _where; }

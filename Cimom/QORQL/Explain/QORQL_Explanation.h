@@ -10,6 +10,7 @@
 
 class QORQL_SymbolTable;
 
+// One step; which of its parts are set the kind tells.
 struct QORQL_ExplainedStep {
   enum Kind {
     kFetch,      // one enumeration of a class

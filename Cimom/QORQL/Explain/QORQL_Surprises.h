@@ -9,6 +9,7 @@
 
 class QORQL_Query;
 
+// One place, told once.
 struct QORQL_Surprise {
   const char* rule;            // of the language reference, such as "WHERE-3"
   std::string text;            // what the statement means, and what to write instead
