@@ -31,7 +31,14 @@ TEST_F(DeclaredTypes, AreThoseOfPropertiesAndLiterals) {
   EXPECT_EQ(of("Real").kind, Type::kReal);
   EXPECT_EQ(of("Text").kind, Type::kOther);
   EXPECT_EQ(of("1.5").kind, Type::kReal);
-  EXPECT_EQ(of("INSTANCEOF(a)").kind == Type::kUnsigned, false);
+}
+
+TEST_F(DeclaredTypes, OfFunctionsAreKnownForCountsAndUnsignedSums) {
+  using Type = QORQL_DeclaredType;
+  EXPECT_EQ(of("COUNT(Text)").kind, Type::kUint64);
+  EXPECT_EQ(of("SUM(Id)").kind, Type::kUint64);
+  EXPECT_EQ(of("SUM(Low)").kind, Type::kUnknown);
+  EXPECT_EQ(of("INSTANCEOF(a)").kind, Type::kUnknown);
 }
 
 TEST_F(DeclaredTypes, TellArraysAndReal32) {
