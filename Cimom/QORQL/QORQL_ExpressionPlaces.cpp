@@ -105,7 +105,7 @@ QORuint32 QORQL_findFromName(QORQL_Evaluatable& node, const QORString& name) {
   return find(node, placeOf, placeOfAssociation);
 }
 
-// Between them stand dots, scopes, indices without letters, blanks and what the scanner passes over.
+// Between them stand dots, scopes, indices without letters, blanks and what the scanner skips.
 std::vector<QORuint32> QORQL_placesOfNames(std::string_view text, const QORQL_Factor& reference) {
   std::vector<QORuint32> places;
   const std::size_t last = std::min<std::size_t>(reference.getPropertyOffset(), text.size());

@@ -26,7 +26,7 @@ class QORQL_Factor : public QORQL_Evaluatable {
   static constexpr QORsint32 kEmptyBrackets = -3;  // x[]
 
   // As parse() makes it, of what it consists; everything else is null: a nested expression or function, a reference
-  // by class and property, or a literal. The operator is QORQL_OperatorMINUS behind a minus sign.
+  // by class and property, or a literal. The operator is QORQL_OperatorMINUS after a minus sign.
   QORQL_Factor(QORSmrPtr<QORQL_Evaluatable> evaluatable, QORSmrPtr<QORString> className,
                QORSmrPtr<QORString> propertyName, QORSmrPtr<IQoriValue> literal, QORQL_Operator op, bool isSelectAll);
   QORQL_Factor(QORSmrPtr<QORQL_Evaluatable> evaluatable, QORSmrPtr<QORString> className,
@@ -34,7 +34,7 @@ class QORQL_Factor : public QORQL_Evaluatable {
                QORSmrPtr<QORString> chain, QORSmrPtr<QORString> propertyScope, QORsint32 arrayIndexList);
   ~QORQL_Factor() override;
 
-  // Reads it from the current token on and leaves the first token behind it current. Adds the properties that are
+  // Reads it from the current token on and leaves the first token after it current. Adds the properties that are
   // named to `projMap`. THROWS QORQL_ParseException and QORQL_Exception.
   static QORSmrPtr<QORQL_Evaluatable> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                             QORQL_ProjectionMap& projMap, const QORString& queryString,

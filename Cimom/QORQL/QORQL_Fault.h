@@ -47,7 +47,7 @@ struct QORQL_Place {
   QORuint32 line = 1;
   QORuint32 column = 1;  // in characters of UTF-8, whatever their width; a byte of another encoding counts as one
 };
-// The place of a byte of the text, of the end of the text for any offset behind it.
+// The place of a byte of the text, of the end of the text for any offset after it.
 QORQL_Place QORQL_placeOf(std::string_view text, std::size_t offset) noexcept;
 
 #endif

@@ -18,7 +18,7 @@ class QORQL_FromClause : public QORQL_Executable {
                    const QORString& queryLanguage);
   ~QORQL_FromClause() override;
 
-  // Entered on FROM; leaves the first token behind the classes current, and enters their names into the symbol table.
+  // Entered on FROM; leaves the first token after the classes current, and enters their names into the symbol table.
   // THROWS QORQL_ParseException and QORQL_Exception.
   static QORSmrPtr<QORQL_Executable> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                            QORSmrPtr<QORQL_SelectList>& selectList, const QORString& queryString,

@@ -21,7 +21,7 @@ class QORQL_SelectedEntry {
   QORQL_SelectedEntry& operator=(const QORQL_SelectedEntry&) = delete;
   virtual ~QORQL_SelectedEntry();
 
-  // Reads it from the current token on and leaves the first token behind it current. Adds the properties that are
+  // Reads it from the current token on and leaves the first token after it current. Adds the properties that are
   // named to `classInfos`. THROWS QORQL_ParseException and QORQL_Exception.
   static QORSmrPtr<QORQL_SelectedEntry> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                               QORQL_ProjectionMap& classInfos, const QORString& queryString,

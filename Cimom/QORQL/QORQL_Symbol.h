@@ -36,7 +36,7 @@ class QORQL_Symbol {
   virtual QORSmrPtr<QORQL_ClassInfo> getClassInfo() const;
   virtual QORString getClassName() const;
 
-  // What the constructor was given, and the type anew: setValue() says that the name stands for something else.
+  // What the constructor was given, or a later type: setValue() says that the name stands for something else.
   QORString getName() const { return _name; }
   QORQL_SYMBOLTYPE getType() const noexcept { return _type; }
   QORboolean isNestedQuery() const noexcept { return _isNestedQuery; }

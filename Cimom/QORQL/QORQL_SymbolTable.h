@@ -49,7 +49,7 @@ class QORQL_SymbolTable {
   // The symbols of this table alone, by their names in upper case, to be walked or changed.
   SymbolMap& getSymbolHashMap() noexcept { return _hashDict; }
   const SymbolMap& getSymbolHashMap() const noexcept { return _hashDict; }
-  // Whether the parser is behind FROM, from where on names can be looked up; for the parser only.
+  // Whether the parser has passed FROM, after which names can be looked up; for the parser only.
   void setSymbolTableUpdatedFlag(QORboolean updated) noexcept { _symbolsUpdated = updated; }
   QORboolean isSymbolTableUpdated() const noexcept { return _symbolsUpdated; }
 

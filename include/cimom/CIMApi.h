@@ -38,7 +38,7 @@ class CIMApi {
   // ties to the source, restricted to the result class (empty: any). Null for
   // an unknown class or namespace, or a null source. The calls on one client
   // object see live instances as the first of them found them; the other
-  // operations ask providers anew.
+  // operations ask providers again.
   Instances associators(const QORString& nameSpace, const QORSmrPtr<IQoriInstanceName>& source,
                         const QORString& associationClass, const QORString& resultClass,
                         const PropertyNames& properties, int timeout, const QORString& role,

@@ -9,7 +9,7 @@
 class IQoriQualifier {
  public:
   virtual ~IQoriQualifier() = default;
-  // Empty where nobody tells it: the engine asks whether there is a qualifier and no more.
+  // May be empty: the engine only asks whether a qualifier exists.
   virtual const QORString& getName() const noexcept { return QORString::emptyString(); }
   // Null when the qualifier has no value.
   virtual const QORSmrPtr<IQoriValue>& getValue() const noexcept {

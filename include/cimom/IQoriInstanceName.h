@@ -25,7 +25,7 @@ class IQoriInstanceName {
   // Never null.
   virtual const QORSmrPtr<IQoriNameSpacePath>& getNameSpacePath() const noexcept = 0;
   // The key properties in ascending name order, ignoring case. Never null; do not
-  // change the list. Empty where nobody tells them: the engine goes by toString().
+  // change the list. May be empty: the engine uses toString() to identify instances.
   virtual const QORSmrPtr<KeyList>& getKeys() const {
     static const QORSmrPtr<KeyList> none(new KeyList);
     return none;

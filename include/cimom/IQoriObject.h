@@ -75,8 +75,8 @@ class IQoriObject {
 
   // The layout, when property positions may be bound once for many objects; an
   // object that cannot promise this returns null and is read by name. An object
-  // with a layout overrides the two operations below, which nobody asks without
-  // one, and which do not throw then (but for std::bad_alloc).
+  // with a layout overrides the two operations below, which are not called without
+  // one, and which then throw nothing except std::bad_alloc.
   virtual const IQoriLayout* getLayout() const noexcept { return nullptr; }
   // The property's value as a borrowed view, valid while the object lives; kind
   // Null for a property without value. REQUIRES a layout and a position in it.

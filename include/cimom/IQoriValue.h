@@ -1,5 +1,5 @@
 // A CIM value: scalar, array, reference or embedded object, with its type; and the
-// values that the engine makes, which the interface's own forms of its operations use.
+// values that the engine makes, which the default implementations of its operations use.
 #ifndef QORQL_CIMOM_IQORIVALUE_H
 #define QORQL_CIMOM_IQORIVALUE_H
 
@@ -15,11 +15,11 @@
 class IQoriInstanceName;
 class IQoriObject;
 
-// A text that is made when somebody first asks for it, and then kept. Threads may share one.
+// A text that is made when it is first asked for, and then kept. Threads may share one.
 class QoriMadeText {
  public:
   QoriMadeText() noexcept = default;
-  // A copy makes its own.
+  // A copy makes a text of its own.
   QoriMadeText(const QoriMadeText& /*other*/) noexcept {}
   QoriMadeText& operator=(const QoriMadeText& /*other*/) noexcept {
     delete _text.exchange(nullptr, std::memory_order_acq_rel);
@@ -27,7 +27,7 @@ class QoriMadeText {
   }
   ~QoriMadeText() { delete _text.load(std::memory_order_acquire); }
 
-  // Of several threads that make it at once, one text stays.
+  // When several threads make it at once, one text is kept.
   template <class Make>
   const QORString& get(const Make& make) const {
     if (const QORString* const text = _text.load(std::memory_order_acquire)) return *text;
@@ -42,12 +42,12 @@ class QoriMadeText {
   mutable std::atomic<const QORString*> _text{nullptr};  // OWNS
 };
 
-// Immutable; threads may share one. SQL NULL is no value of this kind but a
+// Immutable; threads may share one. SQL NULL is not such a value but a
 // null pointer. A null element of an array is a null pointer in its list.
 //
-// An object manager must tell type, text, elements, reference, object and the
-// scalars. What is not pure has a form here that works through those; values may
-// have a faster one.
+// An object manager must implement type, text, elements, reference, object and the
+// scalars. Operations that are not pure have a default that uses those; values may
+// override it with a faster one.
 class IQoriValue {
  public:
   using Pointer = QORSmrPtr<IQoriValue>;
@@ -199,7 +199,7 @@ class CQoriValue : public IQoriValue {
   Complex* _complex = nullptr;  // OWNS; null for scalars
 };
 
-// --- what values do by themselves where an object manager has no form of its own for it ---
+// --- defaults for object managers that do not override an operation ---
 
 namespace qori {
 

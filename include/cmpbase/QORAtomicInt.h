@@ -1,4 +1,4 @@
-// The atomic integer behind every reference count.
+// The atomic integer of every reference count.
 #ifndef QORQL_CMPBASE_QORATOMICINT_H
 #define QORQL_CMPBASE_QORATOMICINT_H
 
@@ -28,7 +28,7 @@ class QORAtomicInt {
   }
   // Lets go of one of the holds that the integer counts; true when it was the
   // last. Nobody else can take or leave a hold when the caller's is the only
-  // one, so that the last one costs no atomic step, and may leave a 1 behind.
+  // one, so that the last one costs no atomic step; the count may then stay at 1.
   bool dropHold() noexcept { return getValue() == 1 || atomicDec() == 0; }
 
  private:

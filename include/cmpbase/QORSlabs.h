@@ -1,5 +1,5 @@
-// Memory for many small objects that come into being together and, as a rule,
-// go together: the nodes of a statement.
+// Memory for many small objects that are made together and, as a rule,
+// freed together: the nodes of a statement.
 #ifndef QORQL_CMPBASE_QORSLABS_H
 #define QORQL_CMPBASE_QORSLABS_H
 
@@ -20,18 +20,18 @@
 #define QORQL_ADDRESSES_ARE_WATCHED 0
 #endif
 
-// Cuts memory for objects off slabs: no search to take it, a count to give it
-// back. A slab is freed with the last of its objects, so that objects may
-// outlive the maker and one another, and may go on other threads; taking memory
+// Cuts memory for objects off slabs: taking it needs no search, giving it
+// back only a count. A slab is freed with the last of its objects, so that objects may
+// outlive the maker and one another, and may be freed on other threads; taking memory
 // belongs to one thread.
 //
-// The address sanitizer watches whole allocations, so that in its builds each
-// object is one.
+// The address sanitizer watches whole allocations, so in its builds each
+// object is an allocation of its own.
 class QORSlabs {
  public:
   QORSlabs() noexcept = default;
-  // Expects about so many bytes of objects, which the first slab then holds, or slabs of the greatest size do; a guess
-  // is good enough.
+  // To be called when about so many bytes of objects are expected: the first slab is made to hold them, up to the
+  // greatest size. A guess is good enough.
   explicit QORSlabs(std::size_t expected) noexcept {
     if (expected > kFirstSize) _nextSize = expected < kGreatestSize ? expected : kGreatestSize;
   }
@@ -41,14 +41,14 @@ class QORSlabs {
 
   // What an object must remember of its memory to give it back.
   using Place = QORuint16;
-  // No slab's place: memory of another origin.
+  // Marks memory that comes from no slab.
   static constexpr Place kNowhere = 0;
 
   // What the memory is aligned for.
   static constexpr std::size_t kAlignment = 8;
   // Memory for an object, and its place. THROWS std::bad_alloc.
   void* take(std::size_t size, Place& place);
-  // Whichever thread calls, and whether or not the maker still lives.
+  // Any thread may call, also when the maker no longer lives.
   static void giveBack(void* memory, Place place) noexcept {
     Slab* const slab = reinterpret_cast<Slab*>(static_cast<char*>(memory) - place * kUnit);
     if (_returning == nullptr) {
@@ -57,7 +57,7 @@ class QORSlabs {
       _returning->add(slab);
     }
   }
-  // The same of memory that operator new gave when the place says so.
+  // The same, also for memory from operator new, which its place tells.
   static void freeMemory(void* memory, Place place) noexcept {
     if (place == kNowhere) {
       ::operator delete(memory);
@@ -71,7 +71,7 @@ class QORSlabs {
 
  public:
   // While one lives, its thread's returns are added up, slab by slab, so that
-  // many objects that go together cost one atomic step for each slab instead of
+  // many objects that are freed together cost one atomic step for each slab instead of
   // one for each object. They may nest. Belongs to the thread that made it.
   class Returning {
    public:
@@ -95,7 +95,7 @@ class QORSlabs {
     }
     Returning* const _before;
     Slab* _slab = nullptr;
-    QORsint32 _objects = 0;  // of the slab that went last
+    QORsint32 _objects = 0;  // freed of the slab that was used last
   };
 
  private:
@@ -112,9 +112,9 @@ class QORSlabs {
   };
 
   static constexpr QORsint32 kOpen = 1 << 30;
-  static constexpr std::size_t kUnit = kAlignment;  // that places are counted in
-  // Allocators keep small blocks at hand, so that a few small slabs are had
-  // sooner than a great one; many objects take greater and greater ones.
+  static constexpr std::size_t kUnit = kAlignment;  // the unit of places
+  // Allocators keep small blocks ready, so that a few small slabs are allocated
+  // faster than a large one; many objects take larger and larger ones.
   static constexpr std::size_t kFirstSize = 1024;
   static constexpr QORuint32 kFirstSlabs = 7;
   static constexpr std::size_t kGreatestSize = 65536;  // of a slab of several objects
@@ -122,7 +122,7 @@ class QORSlabs {
   static_assert(sizeof(Slab) <= kUnit && kGreatestSize / kUnit <= 0xFFFF);
   static_assert(kUnit <= __STDCPP_DEFAULT_NEW_ALIGNMENT__);
 
-  // An object that is greater than slabs are has one of its own.
+  // An object that is larger than a slab has a slab of its own.
   [[gnu::noinline]] void openSlab(std::size_t room) {
     const std::size_t least = kUnit + room;
     const std::size_t size = kIsWatched || least > _nextSize ? least : _nextSize;
@@ -137,7 +137,7 @@ class QORSlabs {
   }
   void closeSlab() noexcept;
 
-  // The innermost of the thread. Its place is fixed when the library is loaded, so that a look costs a single step.
+  // The innermost one of the thread. Its place is fixed when the library is loaded, so that access costs a single step.
   [[gnu::tls_model("initial-exec")]] inline static constinit thread_local Returning* _returning = nullptr;
 
   char* _slab = nullptr;

@@ -20,7 +20,7 @@ class QORSmrPtrImpl {
 };
 
 // Shares an object of type T, deleted when the last holder lets go. A pointer
-// always has a control block, also when it holds nothing: all null pointers of
+// always has a control block, even when it holds nothing: all null pointers of
 // a type share one static block, which is not counted. Converting from a
 // pointer to a derived class makes a new block that shares the object's count.
 // Two pointers made separately from one raw pointer do not know of each other.
@@ -53,7 +53,7 @@ class QORSmrPtr : public QORSmrPtrImpl {
   // The same in memory of the slabs, which need not live longer than this call.
   template <class D = T, class... Arguments>
   static QORSmrPtr MakeIn(QORSlabs& slabs, Arguments&&... arguments);
-  // As Make, with `room` more bytes directly behind the object for its own use.
+  // As Make, with `room` more bytes directly after the object for its own use.
   template <class D = T, class... Arguments>
   static QORSmrPtr MakeWithRoom(std::size_t room, Arguments&&... arguments);
 
@@ -156,7 +156,7 @@ class QORSmrPtr : public QORSmrPtrImpl {
 
   // An object's first block and its shared count, in one allocation that lives
   // until the shared count is zero: a converted pointer may outlive the block.
-  // The object itself may lie behind it, and all of it in a slab.
+  // The object itself may follow it, and all of it may lie in a slab.
   struct FirstPointee {
     FirstPointee(T* pointer, bool isInPlace, QORSlabs::Place place = QORSlabs::kNowhere) noexcept
         : _block(pointer, &_shared), _shared(1), _isInPlace(isInPlace) {
@@ -218,7 +218,7 @@ class QORSmrPtr : public QORSmrPtrImpl {
   [[gnu::noinline]] static void freeOtherBlock(SmartPointerPointee* block) noexcept {
     QORSlabs::freeMemory(block, block->_place);
   }
-  // Makes the object behind the room for its block.
+  // Makes the object after the room for its block.
   template <class D, class... Arguments>
   static QORSmrPtr makeInPlace(char* memory, QORSlabs::Place place, Arguments&&... arguments) {
     static_assert(std::is_same_v<D, T> || std::has_virtual_destructor_v<T>, "D could not be destroyed as a T");

@@ -53,7 +53,7 @@ class QORString {
   std::string_view view() const noexcept { return {data(), length()}; }
   char operator[](std::size_t index) const noexcept { return data()[index]; }
 
-  // The shared empty string (not null), which is there as long as the process.
+  // The shared empty string (not null), which lives as long as the process.
   static const QORString& emptyString() noexcept;
 
   // Zero when equal, below zero when this text comes first byte by byte. With
@@ -150,7 +150,7 @@ class QORString {
   Rep* _rep;
 };
 
-// Objects that go while the process ends may still use the text.
+// Never destroyed: objects that are destroyed while the process ends may still use the text.
 struct QORString::Everlasting {
   constexpr explicit Everlasting(Rep& rep) noexcept : _text(rep) {}
   ~Everlasting() {}

@@ -68,8 +68,8 @@ class QORValMap {
   }
   // BORROWS: the value in the map; null when the key is absent.
   const V* peek(const K& key) const { return valueOf(_find(key)); }
-  // The same for a key that is not at hand as a K: by its hash, and by a
-  // predicate that tells it from other keys.
+  // The same for a key that is not available as a K: by its hash, and by a
+  // predicate that recognises it.
   template <class IsKey>
   const V* peekHashed(QORuint32 hash, const IsKey& isKey) const {
     return valueOf(findIn(hash % _hashSize, isKey));
@@ -83,7 +83,7 @@ class QORValMap {
   bool contains(const K& key) const { return _find(key) != nullptr; }
   QORuint32 entries() const noexcept { return _entries; }
   bool isEmpty() const noexcept { return _entries == 0; }
-  // Replaces an existing key: its item leaves and the new one goes to the tail of the bucket.
+  // Replaces an existing key: its item is removed and the new one goes to the tail of the bucket.
   bool insert(const K& key, const V& value) { return insertItem(newItem(nullptr, key, value)); }
   bool insert(const K& key, V&& value) { return insertItem(newItem(nullptr, key, std::move(value))); }
   // The same with memory of the slabs, which need not live longer than this call.
@@ -141,7 +141,7 @@ class QORValMap {
       throw;
     }
   }
-  // Key and value may live in the item that goes: the new one has been made before.
+  // Key and value may live in the removed item: the new one has been made before.
   bool insertItem(ItemHolder item) {
     const QORuint32 bucket = bucketOf(item->_key);
     removeFrom(bucket, item->_key);
@@ -165,7 +165,7 @@ class QORValMap {
     if (_entries == 0) return nullptr;
     return findIn(bucketOf(key), [&key](const K& other) { return static_cast<bool>(other == key); });
   }
-  // The item that follows in the map's order, the first one after null; null behind the last.
+  // The item that follows in the map's order, the first one after null; null after the last.
   const Item* after(const Item* item) const noexcept {
     const Item* const next = item == nullptr ? _unsplit : item->_next;
     if (next != nullptr || _hashBuckets.empty()) return next;

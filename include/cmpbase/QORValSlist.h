@@ -37,8 +37,8 @@ class QORValSlistItem {
 // Access by index walks from the nearest of head, tail and the item last walked
 // to, so that one thread's walk by index in either direction costs constant time
 // per step. When long walks have become many, as where several threads walk, the
-// places of all items are noted down, and from then on access by index costs
-// constant time for everybody; the note takes a pointer for each item.
+// places of all items are recorded, and from then on access by index costs
+// constant time for all threads; the record takes a pointer for each item.
 template <class T>
 class QORValSlist {
  public:
@@ -64,7 +64,7 @@ class QORValSlist {
   void append(const T& value) { linkBefore(nullptr, newItem(value)); }
   void append(T&& value) { linkBefore(nullptr, newItem(std::move(value))); }
   // The same with memory of the slabs, which need not live longer than this
-  // call; a list that has begun without slabs goes on without them.
+  // call; a list that has begun without slabs continues without them.
   void append(const T& value, QORSlabs& slabs) { linkBefore(nullptr, newItemIn(slabs, value)); }
   void append(T&& value, QORSlabs& slabs) { linkBefore(nullptr, newItemIn(slabs, std::move(value))); }
   void append(const QORValSlist& other) {
@@ -129,7 +129,7 @@ class QORValSlist {
   // Cost nothing.
   QORuint32 entries() const noexcept { return _entries; }
   bool isEmpty() const noexcept { return _entries == 0; }
-  // Calls use(value) for each value from the head on. REQUIRES that it leaves the list alone.
+  // Calls use(value) for each value from the head on. REQUIRES that it does not change the list.
   template <class Use>
   void forEach(const Use& use) const {
     for (const Item* item = _head; item != nullptr; item = item->_next) use(item->_data);
@@ -172,14 +172,14 @@ class QORValSlist {
   using Item = QORValSlistItem<T>;
 
   // Where the first `_count` items are. Those that the list gets later stand
-  // behind them; when it is noted down anew, threads may still be reading the
-  // older note, which goes when the list next changes.
+  // after them; when places are recorded again, threads may still be reading the
+  // older record, which is freed when the list next changes.
   struct Places {
     Places* _older;
     QORuint32 _count;
     Item** items() noexcept { return reinterpret_cast<Item**>(this + 1); }
   };
-  static constexpr QORuint32 kNear = 8;         // steps that no note would save
+  static constexpr QORuint32 kNear = 8;         // steps that a record would not save
   static constexpr QORuint64 kWholeList = 256;  // what long walks over as many items as the list has count
   // A place and an item's address share a word, so that threads always see both of one item.
   static constexpr unsigned kPlaceBits = 19;
@@ -291,7 +291,8 @@ class QORValSlist {
     if (places != nullptr && index < places->_count) return places->items()[index];
     return walkTo(index, places, true);
   }
-  // The same for an item that is about to go or to get another one before it, for which a note would be no use.
+  // The same for an item that is about to be removed or to get another one before it, for which a record would be
+  // useless.
   Item* toBeChanged(QORuint32 index) const {
     if (index >= _entries) qorRaiseOutOfBounds();
     return walkTo(index, nullptr, false);
@@ -373,8 +374,8 @@ void QORValSlist<T>::noteWalk(QORuint32 steps, Places* known) const noexcept {
   }
 }
 
-// Several threads may come here at once: the first note made stays, and is whole
-// before any other thread finds it. Without memory for it, walks go on.
+// Several threads may come here at once: the first record made is kept, and is complete
+// before any other thread finds it. Without memory for it, access by index continues to walk.
 template <class T>
 void QORValSlist<T>::makePlaces(Places* known) const noexcept {
   void* const memory = ::operator new(sizeof(Places) + _entries * sizeof(Item*), std::nothrow);

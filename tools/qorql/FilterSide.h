@@ -22,7 +22,7 @@ struct FilterSide {
   std::string written;     // the reference as a whole
   std::size_t offset = 0;  // where it begins
   bool isArray = false;    // and not one element of it
-  bool isAsked = false;    // behind ANY or EVERY
+  bool isAsked = false;    // after ANY or EVERY
   bool isSigned = false;   // its numbers are signed whole ones
   bool isReal = false;
   bool isUint64 = false;   // or may be a uint64

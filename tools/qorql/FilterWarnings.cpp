@@ -96,7 +96,7 @@ class FilterWarnings::Visitor : public QORQL_ExpressionVisitor {
   }
 
  private:
-  // What is not looked at then is told of.
+  // Whether there is no room for another warning; that some are missing is reported then.
   bool isFull() {
     _isCut = _isCut || _warnings.size() >= _room;
     return _isCut;
@@ -154,8 +154,8 @@ bool FilterWarnings::Visitor::isPropertyOfFrom(const std::string& property) cons
   return std::any_of(_from.sources().begin(), _from.sources().end(), hasProperty);
 }
 
-// ISA looks for the property in the instance itself. Of one behind a path or a
-// scope the statement has told already that it never matches; a text that is put
+// ISA looks for the property in the instance itself. For one reached through a path or with a
+// scope, the statement has reported already that it never matches; a text that is put
 // together says as a whole which property it names.
 void FilterWarnings::Visitor::checkIsa(const QORQL_Comparison& isa) {
   const std::optional<FilterReference::Name> property = isaProperty(_text.text(), isa, _from);

@@ -10,7 +10,7 @@
 #include "FilterSide.h"
 #include "StatementText.h"
 
-// A filter may be valid and yet never match: names after a dot, classes behind
+// A filter may be valid and yet never match: names after a dot, classes after
 // ISA and the types of what it compares are not checked by its validation.
 // BORROWS all it is given.
 class FilterWarnings {

@@ -36,7 +36,7 @@ class StatementText {
   bool isWord(std::size_t piece) const noexcept;
   // The piece that begins at that byte; kNowhere when none does.
   std::size_t pieceAt(std::size_t offset) const noexcept;
-  // Where the pieces behind the FROM clause begin.
+  // Where the pieces after the FROM clause begin.
   std::size_t behindFrom() const noexcept { return _behindFrom; }
   // Whether the last piece is a text literal that its line does not end.
   bool endsInLiteral() const noexcept;

@@ -14,7 +14,7 @@
 struct QORQL_Statement::State {
   void parse() {
     if (!query.IsNull()) return;
-    symbols = std::make_unique<QORQL_SymbolTable>(nullptr);  // anew, since a failed attempt leaves names there
+    symbols = std::make_unique<QORQL_SymbolTable>(nullptr);  // a new one, since a failed attempt leaves names in it
     QORQL_Lexer lexer(text, false);
     query = QORQL_Query::parse(*symbols, lexer, false, text, language, nameSpace).StaticCast<QORQL_Query>();
   }

@@ -70,7 +70,7 @@ std::string lowerCase(std::string_view name);
 
 }  // namespace cqlset
 
-// Readers have the version alone; all else is the writers', behind the mutex.
+// Readers have the version alone; all else is the writers', guarded by the mutex.
 struct CQLFilterSet::State {
   using Filter = cqlset::Filter;
   using Version = cqlset::Version;

@@ -5,7 +5,7 @@
 #include <array>
 #include <utility>
 
-// A stable sort by key: one counting skip all digits, then one
+// A stable sort by key: one counting pass over all digits, then one
 // distribution for each digit in which the keys differ.
 void QORQL_EntrySort::sortByDigits(std::span<QORQL_SortEntry> entries) {
   constexpr std::size_t kDigits = 8;
