@@ -32,11 +32,6 @@ QORSmrPtr<QORQL_Evaluatable> QORQL_Arithmetic::parse(QORQL_SymbolTable& symbolTa
 
 QORQL_Term* QORQL_Arithmetic::getTermCasted() const noexcept { return QORQL_nodeAs<QORQL_Term>(_term); }
 
-const QORQL_Factor* QORQL_Arithmetic::loneFactor() const noexcept {
-  const QORQL_Term* const term = _operator == QORQL_OperatorNONE ? getTermCasted() : nullptr;
-  return term == nullptr || term->getOperator() != QORQL_OperatorNONE ? nullptr : term->getFactorCasted();
-}
-
 void QORQL_Arithmetic::accept(QORSmrPtr<QORQL_ExpressionVisitor>& visitor) {
   QORQL_walkChain(
       *this,

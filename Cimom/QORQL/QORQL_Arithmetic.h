@@ -6,7 +6,6 @@
 #include "Cimom/QORQL/QORQL_Evaluatable.h"
 #include "Cimom/QORQL/QORQL_Operator.h"
 
-class QORQL_Factor;
 class QORQL_Lexer;
 class QORQL_Term;
 
@@ -33,8 +32,6 @@ class QORQL_Arithmetic : public QORQL_Evaluatable {
   QORQL_Operator getOperator() const noexcept { return _operator; }
   // BORROWS: the left operand as a QORQL_Term; null when it is none.
   QORQL_Term* getTermCasted() const noexcept;
-  // BORROWS: the only factor of the expression; null when it has operators, too.
-  const QORQL_Factor* loneFactor() const noexcept;
 
   QORSmrPtr<IQoriValue> evaluate(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataRow>& row) override;
   using QORQL_Evaluatable::evaluate;

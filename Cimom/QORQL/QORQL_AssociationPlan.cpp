@@ -6,9 +6,7 @@
 #include <vector>
 
 #include "Cimom/QORQL/QORQL_Association.h"
-#include "Cimom/QORQL/QORQL_Expression.h"
-#include "Cimom/QORQL/QORQL_ExpressionTerm.h"
-#include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_SelectList.h"
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
@@ -39,18 +37,12 @@ class NameCollector : public QORQL_ExpressionVisitor {
 
 // The associations that decide which rows stay: those of the last operand of OR.
 Associations decidingAssociations(const QORSmrPtr<QORQL_Evaluatable>& condition) {
-  const auto* expression = dynamic_cast<const QORQL_Expression*>(condition.Get());
-  while (expression != nullptr && expression->getOperator() == QORQL_OperatorOR) {
-    expression = dynamic_cast<const QORQL_Expression*>(expression->getExpression().Get());
-  }
   Associations result;
-  const auto* term = expression == nullptr
-                         ? nullptr
-                         : dynamic_cast<const QORQL_ExpressionTerm*>(expression->getExpressionTerm().Get());
-  while (term != nullptr) {
-    const auto* association = dynamic_cast<const QORQL_Association*>(term->getExpressionFactor().Get());
+  const auto* const term = QORQL_nodeAs<QORQL_ExpressionTerm>(QORQL_decidingOperand(condition.Get()));
+  if (term == nullptr) return result;
+  for (const QORQL_ExpressionTerm& link : QORQL_linksOf(*term)) {
+    const auto* const association = QORQL_nodeAs<QORQL_Association>(QORQL_operandOf(link));
     if (association != nullptr) result.push_back(association);
-    term = dynamic_cast<const QORQL_ExpressionTerm*>(term->getExpressionTerm().Get());
   }
   return result;
 }

@@ -4,13 +4,11 @@
 
 #include <utility>
 
-#include "Cimom/QORQL/QORQL_Arithmetic.h"
-#include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_IdentifierFinder.h"
 #include "Cimom/QORQL/QORQL_Lexer.h"
 #include "Cimom/QORQL/QORQL_Messages.h"
-#include "Cimom/QORQL/QORQL_Term.h"
 
 namespace {
 
@@ -87,35 +85,16 @@ bool takesRightOperand(QORQL_Operator op) {
 void validateArrays(const QORQL_Comparison& comparison) {
   QORQL_Arithmetic* const left = QORQL_nodeAs<QORQL_Arithmetic>(comparison.getLHSArithmeticExpression());
   QORQL_Arithmetic* const right = QORQL_nodeAs<QORQL_Arithmetic>(comparison.getRHSArithmeticExpression());
-  switch (comparison.getArrayComp()) {
-    case QORQL_Comparison::ArrayCompAnyLeft:
-    case QORQL_Comparison::ArrayCompEveryLeft:
-      if (right != nullptr) QORQL_Comparison::validateAnyArray(right);
-      break;
-    case QORQL_Comparison::ArrayCompAnyRight:
-    case QORQL_Comparison::ArrayCompEveryRight:
-      if (left != nullptr) QORQL_Comparison::validateAnyArray(left);
-      break;
-    case QORQL_Comparison::ArrayCompNone:
-      if (left != nullptr && right != nullptr) QORQL_Comparison::validateScalarArray(left, right);
-      break;
+  if (comparison.isArrayComp()) {
+    QORQL_Comparison::validateAnyArray(comparison.asksLeft() ? right : left);
+  } else {
+    QORQL_Comparison::validateScalarArray(left, right);
   }
-}
-
-// The leading factor of an operand; null when it has none.
-const QORQL_Factor* leadingFactor(const QORQL_Arithmetic* arithmetic) {
-  const QORQL_Term* const term = arithmetic == nullptr ? nullptr : arithmetic->getTermCasted();
-  return term == nullptr ? nullptr : term->getFactorCasted();
 }
 
 bool isCompleteArray(const QORQL_Factor& factor) {
   return factor.getArrayIndexList() == QORQL_Factor::kWholeArray ||
          factor.getArrayIndexList() == QORQL_Factor::kEmptyBrackets;
-}
-
-const QORQL_Factor* loneFactorOf(const QORSmrPtr<QORQL_Evaluatable>& side) {
-  const QORQL_Arithmetic* const arithmetic = QORQL_nodeAs<QORQL_Arithmetic>(side);
-  return arithmetic == nullptr ? nullptr : arithmetic->loneFactor();
 }
 
 const QORQL_Factor* bareIdentifier(const QORQL_Factor* lone) {
@@ -186,23 +165,19 @@ QORSmrPtr<QORQL_Evaluatable> QORQL_Comparison::parse(QORQL_SymbolTable& symbolTa
 }
 
 void QORQL_Comparison::validateAnyArray(QORQL_Arithmetic* other) {
-  const QORQL_Factor* const factor = leadingFactor(other);
+  const QORQL_Factor* const factor = other == nullptr ? nullptr : QORQL_leadingFactor(*other);
   if (factor != nullptr && isCompleteArray(*factor)) {
     QORQL_raise(QORQL_Messages::kAnyEveryArrays, factor->getOffset());
   }
 }
 
 void QORQL_Comparison::validateScalarArray(QORQL_Arithmetic* left, QORQL_Arithmetic* right) {
-  const QORQL_Factor* const leftFactor = leadingFactor(left);
-  const QORQL_Factor* const rightFactor = leadingFactor(right);
+  const QORQL_Factor* const leftFactor = left == nullptr ? nullptr : QORQL_leadingFactor(*left);
+  const QORQL_Factor* const rightFactor = right == nullptr ? nullptr : QORQL_leadingFactor(*right);
   if (leftFactor == nullptr || rightFactor == nullptr) return;
   if (isCompleteArray(*leftFactor) == isCompleteArray(*rightFactor)) return;
   const QORQL_Factor& array = isCompleteArray(*leftFactor) ? *leftFactor : *rightFactor;
   QORQL_raise(QORQL_Messages::kArrayWithScalar, array.getOffset());
-}
-
-const QORQL_Factor* QORQL_Comparison::loneFactor() const noexcept {
-  return _operator != QORQL_OperatorNONE || isArrayComp() ? nullptr : loneFactorOf(_arithmetic1);
 }
 
 QORQL_JoinType QORQL_Comparison::getJoinType() const noexcept {
@@ -221,8 +196,8 @@ QORQL_JoinType QORQL_Comparison::getJoinType() const noexcept {
 bool QORQL_Comparison::isComparisonAnAssociation(QORQL_JoinType& joinType, QORString& leftName,
                                                  QORString& rightName) const {
   if (!canTieAssociation(*this)) return false;
-  const QORQL_Factor* const loneLeft = loneFactorOf(_arithmetic1);
-  const QORQL_Factor* const loneRight = loneFactorOf(_arithmetic2);
+  const QORQL_Factor* const loneLeft = QORQL_loneFactor(_arithmetic1);
+  const QORQL_Factor* const loneRight = QORQL_loneFactor(_arithmetic2);
   const QORQL_Factor* const bareRight = bareIdentifier(loneRight);
   const bool rightIsFromName = bareRight != nullptr && bareRight->isKnownFromName();
   const QORQL_Factor* const bareLeft = rightIsFromName ? bareIdentifier(loneLeft) : nullptr;

@@ -8,7 +8,6 @@
 #include "Cimom/QORQL/QORQL_Operator.h"
 
 class QORQL_Arithmetic;
-class QORQL_Factor;
 class QORQL_Lexer;
 
 // [ ANY | EVERY ] Arithmetic [ CompOp [ ANY | EVERY ] Arithmetic | IS [ NOT ] NULL ].
@@ -43,11 +42,18 @@ class QORQL_Comparison : public QORQL_Evaluatable {
   // Null when there is no right operand.
   const QORSmrPtr<QORQL_Evaluatable>& getRHSArithmeticExpression() const noexcept { return _arithmetic2; }
   QORQL_Operator getOperator() const noexcept { return _operator; }
-  // BORROWS: the only factor of the comparison; null when it has operators, too.
-  const QORQL_Factor* loneFactor() const noexcept;
   QORQL_JoinType getJoinType() const noexcept;
   bool isArrayComp() const noexcept { return eArrayComp != ArrayCompNone; }
   QORQL_ARRAY_COMP getArrayComp() const noexcept { return eArrayComp; }
+  // Whether ANY or EVERY was written on the left, and whether it was ANY; both false without either.
+  static constexpr bool asksLeft(QORQL_ARRAY_COMP comp) noexcept {
+    return comp == ArrayCompAnyLeft || comp == ArrayCompEveryLeft;
+  }
+  static constexpr bool asksAny(QORQL_ARRAY_COMP comp) noexcept {
+    return comp == ArrayCompAnyLeft || comp == ArrayCompAnyRight;
+  }
+  bool asksLeft() const noexcept { return asksLeft(eArrayComp); }
+  bool asksAny() const noexcept { return asksAny(eArrayComp); }
   void setArrayComp(QORQL_ARRAY_COMP arrayComp) noexcept { eArrayComp = arrayComp; }
   // See QORQL_ExpressionFactor.
   bool isComparisonAnAssociation(QORQL_JoinType& joinType, QORString& leftName, QORString& rightName) const;

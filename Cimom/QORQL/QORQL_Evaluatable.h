@@ -64,5 +64,9 @@ Node* QORQL_nodeAs(const QORSmrPtr<QORQL_Evaluatable>& node) noexcept {
   QORQL_Evaluatable* const evaluatable = node.Get();
   return evaluatable != nullptr && evaluatable->kind() == Node::kKind ? static_cast<Node*>(evaluatable) : nullptr;
 }
+template <class Node>
+const Node* QORQL_nodeAs(const QORQL_Evaluatable* node) noexcept {
+  return node != nullptr && node->kind() == Node::kKind ? static_cast<const Node*>(node) : nullptr;
+}
 
 #endif

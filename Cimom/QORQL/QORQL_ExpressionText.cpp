@@ -2,15 +2,12 @@
 // groups to the right opens a parenthesis before each rest and closes all at its end.
 #include "Cimom/QORQL/QORQL_ExpressionText.h"
 
-#include "Cimom/QORQL/QORQL_Arithmetic.h"
 #include "Cimom/QORQL/QORQL_Association.h"
-#include "Cimom/QORQL/QORQL_Expression.h"
 #include "Cimom/QORQL/QORQL_ExpressionFactor.h"
-#include "Cimom/QORQL/QORQL_ExpressionTerm.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_FromClause.h"
 #include "Cimom/QORQL/QORQL_Function.h"
 #include "Cimom/QORQL/QORQL_SelectedEntry.h"
-#include "Cimom/QORQL/QORQL_Term.h"
 #include "cimom/QoriProviderPluginManager.h"
 
 namespace {
@@ -18,33 +15,11 @@ namespace {
 // The property that stands in OBJECTPATH(X) for the object itself.
 constexpr char kNoProperty[] = "NONE";
 
-const char* signOf(QORQL_Operator op) {
-  constexpr const char* kSigns[] = {"",     "=",  "<>", "<",   ">",       "<=",          ">=",  "~",
-                                    "+",    "-",  "*",  "/",   "AND",     "OR",          "NOT", "",
-                                    "LIKE", "*=", "=*", "*=*", "IS NULL", "IS NOT NULL", "ISA"};
-  const auto index = static_cast<std::size_t>(op);
-  return index < std::size(kSigns) ? kSigns[index] : "";
-}
-
-const QORQL_Evaluatable* firstOf(const QORQL_Arithmetic& node) { return node.getTerm().Get(); }
-const QORQL_Evaluatable* firstOf(const QORQL_Term& node) { return node.getFactor().Get(); }
-const QORQL_Evaluatable* firstOf(const QORQL_ExpressionTerm& node) { return node.getExpressionFactor().Get(); }
-const QORQL_Evaluatable* firstOf(const QORQL_Expression& node) { return node.getExpressionTerm().Get(); }
-const QORQL_Evaluatable* restOf(const QORQL_Arithmetic& node) { return node.getArithmetic().Get(); }
-const QORQL_Evaluatable* restOf(const QORQL_Term& node) { return node.getTerm().Get(); }
-const QORQL_Evaluatable* restOf(const QORQL_ExpressionTerm& node) { return node.getExpressionTerm().Get(); }
-const QORQL_Evaluatable* restOf(const QORQL_Expression& node) { return node.getExpression().Get(); }
-
-template <class Node>
-const Node* nextOf(const Node& node) {
-  return node.getOperator() == QORQL_OperatorNONE ? nullptr : dynamic_cast<const Node*>(restOf(node));
-}
-
 // A chain of one kind of + or *, AND or OR reads the same however it is grouped.
 template <class Node>
 bool needsGrouping(const Node& first) {
-  for (const Node* node = &first; node != nullptr; node = nextOf(*node)) {
-    if (node->getOperator() == QORQL_OperatorMINUS || node->getOperator() == QORQL_OperatorDIV) return true;
+  for (const Node& link : QORQL_linksOf(first)) {
+    if (link.getOperator() == QORQL_OperatorMINUS || link.getOperator() == QORQL_OperatorDIV) return true;
   }
   return false;
 }
@@ -54,13 +29,13 @@ std::string chainText(const QORQL_ExpressionText& texts, const Node& first) {
   std::string text;
   std::size_t open = 0;
   const bool isGrouped = needsGrouping(first);
-  for (const Node* node = &first; node != nullptr; node = nextOf(*node)) {
-    if (node != &first && isGrouped && node->getOperator() != QORQL_OperatorNONE) {
+  for (const Node& link : QORQL_linksOf(first)) {
+    if (&link != &first && isGrouped && QORQL_continues(link)) {
       text += '(';
       ++open;
     }
-    text += texts.of(firstOf(*node));
-    if (node->getOperator() != QORQL_OperatorNONE) text.append(" ").append(signOf(node->getOperator())).append(" ");
+    text += texts.of(QORQL_operandOf(link).Get());
+    if (QORQL_continues(link)) text.append(" ").append(QORQL_operatorText(link.getOperator())).append(" ");
   }
   return text.append(open, ')');
 }
@@ -68,19 +43,8 @@ std::string chainText(const QORQL_ExpressionText& texts, const Node& first) {
 std::string folded(const QORString& name) { return std::string(QORString::toUpperCase(name).view()); }
 
 const char* arrayWord(const QORQL_Comparison& comparison, bool isLeft) {
-  switch (comparison.getArrayComp()) {
-    case QORQL_Comparison::ArrayCompAnyLeft:
-      return isLeft ? "ANY " : "";
-    case QORQL_Comparison::ArrayCompEveryLeft:
-      return isLeft ? "EVERY " : "";
-    case QORQL_Comparison::ArrayCompAnyRight:
-      return isLeft ? "" : "ANY ";
-    case QORQL_Comparison::ArrayCompEveryRight:
-      return isLeft ? "" : "EVERY ";
-    case QORQL_Comparison::ArrayCompNone:
-      break;
-  }
-  return "";
+  if (!comparison.isArrayComp() || comparison.asksLeft() != isLeft) return "";
+  return comparison.asksAny() ? "ANY " : "EVERY ";
 }
 
 // A literal is never negative; one that its signed type cannot hold has wrapped to a negative number.
@@ -147,7 +111,7 @@ std::string QORQL_ExpressionText::ofComparison(const QORQL_Comparison& compariso
   std::string text = arrayWord(comparison, true) + of(comparison.getLHSArithmeticExpression().Get());
   const QORQL_Operator op = comparison.getOperator();
   if (op == QORQL_OperatorNONE) return text;
-  text.append(" ").append(signOf(op));
+  text.append(" ").append(QORQL_operatorText(op));
   if (comparison.getRHSArithmeticExpression().IsNull()) return text;
   std::string right = of(comparison.getRHSArithmeticExpression().Get());
   const bool isClassName = op == QORQL_OperatorISA && right.size() > 1 && right.front() == '\'';

@@ -1,7 +1,6 @@
 // The visitor that finds the classes and the property that an expression names.
 #include "Cimom/QORQL/QORQL_IdentifierFinder.h"
 
-#include "Cimom/QORQL/QORQL_Arithmetic.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_Function.h"
 
@@ -37,11 +36,4 @@ QORSmrPtr<QORString> QORQL_IdentifierFinder::getClassName() const {
 
 QORSmrPtr<QORString> QORQL_IdentifierFinder::getPropertyName() const {
   return _countFactors == 1 ? _propertyName : QORSmrPtr<QORString>();
-}
-
-const QORQL_Factor* QORQL_soleFactorOf(const QORSmrPtr<QORQL_Evaluatable>& side) noexcept {
-  const auto* const arithmetic = QORQL_nodeAs<QORQL_Arithmetic>(side);
-  const QORQL_Factor* const factor = arithmetic == nullptr ? nullptr : arithmetic->loneFactor();
-  const bool isLeaf = factor != nullptr && factor->getEvaluatable().IsNull() && factor->getSelectedEntry().IsNull();
-  return isLeaf ? factor : nullptr;
 }

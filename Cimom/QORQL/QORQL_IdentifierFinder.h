@@ -5,7 +5,6 @@
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
 #include "cmpbase.h"
 
-class QORQL_Evaluatable;
 class QORQL_Factor;
 
 // Made for one walk over an expression.
@@ -39,10 +38,5 @@ class QORQL_IdentifierFinder : public QORQL_ExpressionVisitor {
   QORSmrPtr<QORString> _propertyName;
   ClassNameList _classNameList;
 };
-
-// The literal or reference that is the whole of an arithmetic expression, as it is on
-// most sides of comparisons; null for anything else. BORROWS. Spares those
-// sides a walk by a finder.
-const QORQL_Factor* QORQL_soleFactorOf(const QORSmrPtr<QORQL_Evaluatable>& side) noexcept;
 
 #endif

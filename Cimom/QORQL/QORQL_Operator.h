@@ -3,6 +3,9 @@
 #ifndef QORQL_OPERATOR_H
 #define QORQL_OPERATOR_H
 
+#include <cstddef>
+#include <iterator>
+
 // The values are fixed; they do not follow the order of the tokens. The type can
 // hold any int: the fetch of one class also takes a token's number as operator.
 enum QORQL_Operator : int {
@@ -30,5 +33,38 @@ enum QORQL_Operator : int {
   QORQL_OperatorISNOTNULL = 21,
   QORQL_OperatorISA = 22
 };
+
+// The operators as they are written, by value.
+struct QORQL_OperatorText {
+  QORQL_Operator op;
+  const char* text;
+};
+inline constexpr QORQL_OperatorText QORQL_kOperatorTexts[] = {
+    {QORQL_OperatorNONE, ""},           {QORQL_OperatorEQUAL, "="},
+    {QORQL_OperatorNOTEQUAL, "<>"},     {QORQL_OperatorLESS, "<"},
+    {QORQL_OperatorGREATER, ">"},       {QORQL_OperatorLESSEQUAL, "<="},
+    {QORQL_OperatorGREATEREQUAL, ">="}, {QORQL_OperatorTILDA, "~"},
+    {QORQL_OperatorPLUS, "+"},          {QORQL_OperatorMINUS, "-"},
+    {QORQL_OperatorMUL, "*"},           {QORQL_OperatorDIV, "/"},
+    {QORQL_OperatorAND, "AND"},         {QORQL_OperatorOR, "OR"},
+    {QORQL_OperatorNOT, "NOT"},         {QORQL_OperatorQUERYFUNCTION, ""},
+    {QORQL_OperatorLIKE, "LIKE"},       {QORQL_OperatorLEFTJOIN, "*="},
+    {QORQL_OperatorRIGHTJOIN, "=*"},    {QORQL_OperatorFULLOUTERJOIN, "*=*"},
+    {QORQL_OperatorISNULL, "IS NULL"},  {QORQL_OperatorISNOTNULL, "IS NOT NULL"},
+    {QORQL_OperatorISA, "ISA"}};
+
+constexpr bool QORQL_areOperatorTextsInOrder() noexcept {
+  for (std::size_t i = 0; i < std::size(QORQL_kOperatorTexts); ++i) {
+    if (static_cast<std::size_t>(QORQL_kOperatorTexts[i].op) != i) return false;
+  }
+  return std::size(QORQL_kOperatorTexts) == static_cast<std::size_t>(QORQL_OperatorISA) + 1;
+}
+static_assert(QORQL_areOperatorTextsInOrder(), "each operator's text stands at the place of its value");
+
+// How an operator is written; empty for NONE and for what is written as a call.
+constexpr const char* QORQL_operatorText(QORQL_Operator op) noexcept {
+  const auto place = static_cast<std::size_t>(op);
+  return place < std::size(QORQL_kOperatorTexts) ? QORQL_kOperatorTexts[place].text : "";
+}
 
 #endif

@@ -101,7 +101,7 @@ class QORQL_Query : public QORQL_Executable {
   static bool _isFromName(const QORString& name, const UpdateContext& context);
   static void _bindBareNames(QORQL_ProjectionMap& projectionMap, UpdateContext& context);
   static void _requestEmbeddedRoots(QORQL_ProjectionMap& projectionMap, UpdateContext& context);
-  static bool _namesOneProperty(const QORQL_Comparison& expression, const QORSmrPtr<QORQL_Evaluatable>& node);
+  static bool _namesOneProperty(const QORSmrPtr<QORQL_Evaluatable>& node);
   static void _resolveEntry(QORQL_SelectedEntry& entry, UpdateContext& context);
   static bool _resolveToEntryOrObject(QORQL_Factor& factor, UpdateContext& context);
   static FromClass* _tryFindClass(const QORQL_Factor& factor, UpdateContext& context);

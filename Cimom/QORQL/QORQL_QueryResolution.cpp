@@ -14,12 +14,10 @@
 #include <utility>
 #include <vector>
 
-#include "Cimom/QORQL/QORQL_Arithmetic.h"
 #include "Cimom/QORQL/QORQL_Association.h"
 #include "Cimom/QORQL/QORQL_Comparison.h"
-#include "Cimom/QORQL/QORQL_Expression.h"
 #include "Cimom/QORQL/QORQL_ExpressionFactor.h"
-#include "Cimom/QORQL/QORQL_ExpressionTerm.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_Function.h"
 #include "Cimom/QORQL/QORQL_IdentifierFinder.h"
@@ -29,7 +27,6 @@
 #include "Cimom/QORQL/QORQL_SelectList.h"
 #include "Cimom/QORQL/QORQL_StatementPlaces.h"
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
-#include "Cimom/QORQL/QORQL_Term.h"
 #include "Cimom/QORQL/QORQL_WhereClause.h"
 #include "cimom/QoriProviderPluginManager.h"
 
@@ -225,15 +222,14 @@ void QORQL_Query::_updateExpression(QORQL_Factor& factor, UpdateContext& context
 // --- the levels above: chains are walked with a loop ------------------------------
 
 void QORQL_Query::_updateExpression(const QORQL_Term& term, UpdateContext& context) {
-  for (const QORQL_Term* node = &term; node != nullptr; node = QORQL_nodeAs<QORQL_Term>(node->getTerm())) {
-    if (QORQL_Factor* const factor = node->getFactorCasted()) _updateExpression(*factor, context);
+  for (const QORQL_Term& link : QORQL_linksOf(term)) {
+    if (QORQL_Factor* const factor = link.getFactorCasted()) _updateExpression(*factor, context);
   }
 }
 
 void QORQL_Query::_updateExpression(const QORQL_Arithmetic& arithmetic, UpdateContext& context) {
-  for (const QORQL_Arithmetic* node = &arithmetic; node != nullptr;
-       node = QORQL_nodeAs<QORQL_Arithmetic>(node->getArithmetic())) {
-    if (const QORQL_Term* const term = node->getTermCasted()) _updateExpression(*term, context);
+  for (const QORQL_Arithmetic& link : QORQL_linksOf(arithmetic)) {
+    if (const QORQL_Term* const term = link.getTermCasted()) _updateExpression(*term, context);
   }
 }
 
@@ -256,9 +252,8 @@ void QORQL_Query::_updateExpression(const QORQL_ExpressionFactor& factor, Update
 void QORQL_Query::_updateExpression(const QORQL_Association&, UpdateContext&) {}
 
 void QORQL_Query::_updateExpression(const QORQL_ExpressionTerm& term, UpdateContext& context) {
-  for (const QORQL_ExpressionTerm* node = &term; node != nullptr;
-       node = QORQL_nodeAs<QORQL_ExpressionTerm>(node->getExpressionTerm())) {
-    const QORSmrPtr<QORQL_Evaluatable>& left = node->getExpressionFactor();
+  for (const QORQL_ExpressionTerm& link : QORQL_linksOf(term)) {
+    const QORSmrPtr<QORQL_Evaluatable>& left = QORQL_operandOf(link);
     if (const auto* factor = QORQL_nodeAs<QORQL_ExpressionFactor>(left)) {
       _updateExpression(*factor, context);
     } else if (const auto* association = QORQL_nodeAs<QORQL_Association>(left)) {
@@ -268,9 +263,8 @@ void QORQL_Query::_updateExpression(const QORQL_ExpressionTerm& term, UpdateCont
 }
 
 void QORQL_Query::_updateExpression(const QORQL_Expression& expression, UpdateContext& context) {
-  for (const QORQL_Expression* node = &expression; node != nullptr;
-       node = QORQL_nodeAs<QORQL_Expression>(node->getExpression())) {
-    if (const auto* term = QORQL_nodeAs<QORQL_ExpressionTerm>(node->getExpressionTerm())) {
+  for (const QORQL_Expression& link : QORQL_linksOf(expression)) {
+    if (const auto* term = QORQL_nodeAs<QORQL_ExpressionTerm>(QORQL_operandOf(link))) {
       _updateExpression(*term, context);
     }
   }
@@ -325,8 +319,8 @@ void QORQL_Query::_requestEmbeddedRoots(QORQL_ProjectionMap& projectionMap, Upda
 }
 
 // Whether an expression consists of one property, perhaps in parentheses or negated, and not of a whole object.
-bool QORQL_Query::_namesOneProperty(const QORQL_Comparison& expression, const QORSmrPtr<QORQL_Evaluatable>& node) {
-  const QORQL_Factor* const lone = expression.loneFactor();
+bool QORQL_Query::_namesOneProperty(const QORSmrPtr<QORQL_Evaluatable>& node) {
+  const QORQL_Factor* const lone = QORQL_loneFactor(node);
   if (lone != nullptr && lone->getEvaluatable().IsNull()) return lone->isPropertyReference();
   auto visitor = QORSmrPtr<QORQL_ExpressionVisitor>::Make<QORQL_IdentifierFinder>();
   const auto* const finder = static_cast<const QORQL_IdentifierFinder*>(visitor.Get());
@@ -344,7 +338,7 @@ void QORQL_Query::_resolveEntry(QORQL_SelectedEntry& entry, UpdateContext& conte
   context.needsWholeObjects = false;
   if (!entry.getClassName().isEmpty() || entry.getPropertyName().isEmpty()) return;
   entry.setClassName(*entry.getClassNameList()->first());
-  if (!_namesOneProperty(*expression, entry.getExpression())) entry.setPropertyName(QORString::emptyString());
+  if (!_namesOneProperty(entry.getExpression())) entry.setPropertyName(QORString::emptyString());
 }
 
 void QORQL_Query::_findSelectClasses(QORQL_SelectList& selectList, QORQL_ProjectionMap& projectionMap,

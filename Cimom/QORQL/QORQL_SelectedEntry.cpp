@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "Cimom/QORQL/QORQL_Comparison.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_FunctionFinder.h"
 #include "Cimom/QORQL/QORQL_IdentifierFinder.h"
@@ -15,16 +16,10 @@
 
 namespace {
 
-const QORQL_Factor* loneFactor(const QORSmrPtr<QORQL_Evaluatable>& expression) {
-  const QORQL_Comparison* const comparison = QORQL_nodeAs<QORQL_Comparison>(expression);
-  return comparison == nullptr ? nullptr : comparison->loneFactor();
-}
-
 // A property that a row's object holds itself: no `*`, no literal, nothing
 // wrapped, and no way down through embedded objects.
 bool isOwnProperty(const QORQL_Factor& factor) {
-  const bool hasWayDown = !factor.getChain().IsNull() && factor.getChain()->find(".") != QORString::npos;
-  return factor.isPropertyReference() && !factor.isSelectAll() && !hasWayDown;
+  return factor.isPropertyReference() && !factor.isSelectAll() && !QORQL_hasPath(factor);
 }
 
 struct Names {
@@ -58,7 +53,7 @@ QORuint32 findFunction(const QORSmrPtr<QORQL_Evaluatable>& expression) {
 }
 
 Names findNames(const QORSmrPtr<QORQL_Evaluatable>& expression, QORSlabs& slabs) {
-  const QORQL_Factor* const lone = loneFactor(expression);
+  const QORQL_Factor* const lone = QORQL_loneFactor(expression);
   if (lone != nullptr && lone->getEvaluatable().IsNull()) return namesOf(*lone, slabs);
   auto visitor = QORSmrPtr<QORQL_ExpressionVisitor>::Make<QORQL_IdentifierFinder>();
   const auto* const finder = static_cast<const QORQL_IdentifierFinder*>(visitor.Get());
@@ -122,7 +117,7 @@ QORQL_SelectedEntry::QORQL_SelectedEntry(QORString className, QORString property
       _selectAll(selectAll),
       _isEntryAggregate(isEntryAggregate),
       _functionID(functionID) {
-  const QORQL_Factor* const factor = functionID == QORQL_FUNCTIONID_UNKNOWN ? loneFactor(_expression) : nullptr;
+  const QORQL_Factor* const factor = functionID == QORQL_FUNCTIONID_UNKNOWN ? QORQL_loneFactor(_expression) : nullptr;
   _isPlainProperty = factor != nullptr && isOwnProperty(*factor);
   _isClassAll = factor != nullptr && factor->isSelectAll();
 }

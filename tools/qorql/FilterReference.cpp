@@ -4,19 +4,14 @@
 #include <utility>
 
 #include "Cimom/QORQL/Filter/CQLReferences.h"
-#include "Cimom/QORQL/QORQL_Arithmetic.h"
 #include "Cimom/QORQL/QORQL_ExpressionPlaces.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_Query.h"
 #include "Cimom/QORQL/QORQL_WhereClause.h"
 
 namespace {
 
 std::string folded(std::string_view name) { return std::string(QORString::toUpperCase(QORString(name)).view()); }
-
-const QORQL_Factor* loneFactor(const QORSmrPtr<QORQL_Evaluatable>& side) {
-  const auto* const arithmetic = QORQL_nodeAs<QORQL_Arithmetic>(side);
-  return arithmetic == nullptr ? nullptr : arithmetic->loneFactor();
-}
 
 std::string bracketsOf(const QORQL_Factor& factor) {
   switch (factor.getArrayIndexList()) {
@@ -57,7 +52,7 @@ bool isReference(const QORQL_Factor& factor) {
 
 std::optional<FilterReference::Name> isaProperty(std::string_view text, const QORQL_Comparison& isa,
                                                  const FromNames& from) {
-  const QORQL_Factor* const factor = loneFactor(isa.getLHSArithmeticExpression());
+  const QORQL_Factor* const factor = QORQL_loneFactor(isa.getLHSArithmeticExpression());
   if (factor == nullptr || !factor->getEvaluatable().IsNull()) return std::nullopt;
   if (!factor->getLiteral().IsNull()) {
     return FilterReference::Name{std::string(factor->getLiteral()->toString().view()), factor->getOffset()};
@@ -70,7 +65,7 @@ std::optional<FilterReference::Name> isaProperty(std::string_view text, const QO
 }
 
 std::optional<FilterReference::Name> isaClass(const QORQL_Comparison& isa) {
-  const QORQL_Factor* const factor = loneFactor(isa.getRHSArithmeticExpression());
+  const QORQL_Factor* const factor = QORQL_loneFactor(isa.getRHSArithmeticExpression());
   if (factor == nullptr || factor->getLiteral().IsNull()) return std::nullopt;
   return FilterReference::Name{std::string(factor->getLiteral()->toString().view()), factor->getOffset()};
 }

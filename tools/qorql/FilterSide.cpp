@@ -6,6 +6,7 @@
 #include "Cimom/QORQL/Explain/QORQL_DeclaredTypes.h"
 #include "Cimom/QORQL/QORQL_Arithmetic.h"
 #include "Cimom/QORQL/QORQL_ExpressionPlaces.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_Term.h"
 
 namespace {
@@ -91,7 +92,7 @@ bool holdsObjects(const CimPropertyDeclaration& property) {
 }
 
 FilterSide FilterSideReader::read(const QORQL_Evaluatable& given) const {
-  const QORQL_Evaluatable* const node = QORQL_soleOperand(&given);
+  const QORQL_Evaluatable* const node = QORQL_peel(&given);
   FilterSide side;
   if (const auto* factor = dynamic_cast<const QORQL_Factor*>(node)) {
     side = ofFactor(*factor);

@@ -4,15 +4,10 @@
 
 #include <vector>
 
-#include "Cimom/QORQL/QORQL_Arithmetic.h"
-#include "Cimom/QORQL/QORQL_Comparison.h"
-#include "Cimom/QORQL/QORQL_Expression.h"
-#include "Cimom/QORQL/QORQL_ExpressionFactor.h"
-#include "Cimom/QORQL/QORQL_ExpressionTerm.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_FromClause.h"
 #include "Cimom/QORQL/QORQL_Function.h"
-#include "Cimom/QORQL/QORQL_Term.h"
 #include "cimom/QoriProviderPluginManager.h"
 
 namespace {
@@ -20,31 +15,6 @@ namespace {
 using Type = QORQL_DeclaredType;
 
 std::string folded(const QORString& name) { return std::string(QORString::toUpperCase(name).view()); }
-
-const QORQL_Evaluatable* operandOf(const QORQL_Arithmetic& node) { return node.getTerm().Get(); }
-const QORQL_Evaluatable* operandOf(const QORQL_Term& node) { return node.getFactor().Get(); }
-const QORQL_Evaluatable* restOf(const QORQL_Arithmetic& node) { return node.getArithmetic().Get(); }
-const QORQL_Evaluatable* restOf(const QORQL_Term& node) { return node.getTerm().Get(); }
-
-template <class Node>
-const Node* withoutOperator(const QORQL_Evaluatable* node) {
-  const auto* const found = dynamic_cast<const Node*>(node);
-  return found != nullptr && found->getOperator() == QORQL_OperatorNONE ? found : nullptr;
-}
-
-// What a node without an operator of its own consists of; null for any other node.
-const QORQL_Evaluatable* innerOf(const QORQL_Evaluatable* node) {
-  if (const auto* factor = withoutOperator<QORQL_Factor>(node)) return factor->getEvaluatable().Get();
-  if (const auto* term = withoutOperator<QORQL_Term>(node)) return operandOf(*term);
-  if (const auto* arithmetic = withoutOperator<QORQL_Arithmetic>(node)) return operandOf(*arithmetic);
-  if (const auto* comparison = withoutOperator<QORQL_Comparison>(node)) {
-    return comparison->getLHSArithmeticExpression().Get();
-  }
-  if (const auto* factor = withoutOperator<QORQL_ExpressionFactor>(node)) return factor->getComparison().Get();
-  if (const auto* term = withoutOperator<QORQL_ExpressionTerm>(node)) return term->getExpressionFactor().Get();
-  if (const auto* expression = withoutOperator<QORQL_Expression>(node)) return expression->getExpressionTerm().Get();
-  return nullptr;
-}
 
 Type typeNamed(const IQoriType& declared) {
   const std::string_view name = declared.getName().view();
@@ -68,11 +38,6 @@ Type combined(QORQL_Operator op, const Type& left, const Type& right) {
 }
 
 }  // namespace
-
-const QORQL_Evaluatable* QORQL_soleOperand(const QORQL_Evaluatable* node) {
-  while (const QORQL_Evaluatable* const inner = innerOf(node)) node = inner;
-  return node;
-}
 
 QORQL_DeclaredTypes::QORQL_DeclaredTypes(const QORQL_FromClause& from, const QORString& nameSpace)
     : _nameSpace(nameSpace) {
@@ -111,24 +76,23 @@ bool QORQL_DeclaredTypes::isA(const QORString& className, const QORString& ances
 }
 
 QORQL_DeclaredType QORQL_DeclaredTypes::of(const QORQL_Evaluatable* given) const {
-  const QORQL_Evaluatable* const node = QORQL_soleOperand(given);
-  if (const auto* factor = dynamic_cast<const QORQL_Factor*>(node)) {
+  const QORQL_Evaluatable* const node = QORQL_peel(given);
+  if (const auto* factor = QORQL_nodeAs<QORQL_Factor>(node)) {
     if (factor->getEvaluatable().IsNull()) return ofReference(*factor);
     const Type negated = of(factor->getEvaluatable().Get());
     return negated.kind == Type::kUnsigned ? Type{Type::kSigned} : negated;
   }
-  if (const auto* function = dynamic_cast<const QORQL_Function*>(node)) return ofFunction(*function);
-  if (const auto* arithmetic = dynamic_cast<const QORQL_Arithmetic*>(node)) return ofChain(*arithmetic);
-  if (const auto* term = dynamic_cast<const QORQL_Term*>(node)) return ofChain(*term);
+  if (const auto* function = QORQL_nodeAs<QORQL_Function>(node)) return ofFunction(*function);
+  if (const auto* arithmetic = QORQL_nodeAs<QORQL_Arithmetic>(node)) return ofChain(*arithmetic);
+  if (const auto* term = QORQL_nodeAs<QORQL_Term>(node)) return ofChain(*term);
   return {Type::kOther};
 }
 
 QORQL_DeclaredType QORQL_DeclaredTypes::ofReference(const QORQL_Factor& factor) const {
   if (!factor.getLiteral().IsNull()) return typeNamed(*factor.getLiteral()->getType());
   if (factor.getClassName().IsNull() || factor.getPropertyName().IsNull()) return {};
-  const bool hasPath = !factor.getChain().IsNull() && factor.getChain()->find(".") != QORString::npos;
   const bool isElement = factor.getArrayIndexList() >= 0;
-  if (hasPath || !isFromName(*factor.getClassName())) return {};
+  if (QORQL_hasPath(factor) || !isFromName(*factor.getClassName())) return {};
   const QORSmrPtr<IQoriClass> model(classOf(*factor.getClassName()));
   const IQoriProperty* const property = model.IsNull() ? nullptr : model->getProperty(*factor.getPropertyName(), true);
   if (property == nullptr) return {};
@@ -147,15 +111,11 @@ QORQL_DeclaredType QORQL_DeclaredTypes::ofFunction(const QORQL_Function& functio
 // Grouped to the right, so combined from the end.
 template <class Node>
 QORQL_DeclaredType QORQL_DeclaredTypes::ofChain(const Node& first) const {
-  std::vector<const Node*> nodes{&first};
-  while (nodes.back()->getOperator() != QORQL_OperatorNONE) {
-    const auto* const next = dynamic_cast<const Node*>(restOf(*nodes.back()));
-    if (next == nullptr) return {};
-    nodes.push_back(next);
-  }
-  Type type = of(operandOf(*nodes.back()));
-  for (nodes.pop_back(); !nodes.empty(); nodes.pop_back()) {
-    type = combined(nodes.back()->getOperator(), of(operandOf(*nodes.back())), type);
+  std::vector<const Node*> links;
+  for (const Node& link : QORQL_linksOf(first)) links.push_back(&link);
+  Type type = of(QORQL_operandOf(*links.back()).Get());
+  for (links.pop_back(); !links.empty(); links.pop_back()) {
+    type = combined(links.back()->getOperator(), of(QORQL_operandOf(*links.back()).Get()), type);
   }
   return type;
 }

@@ -27,10 +27,6 @@ struct QORQL_DeclaredType {
   bool isReal32 = false;
 };
 
-// The node itself or, where it has no operator of its own, what it consists of, down to a leaf, a
-// negation, a function, a chain of operators or a condition. BORROWS; null for null.
-const QORQL_Evaluatable* QORQL_soleOperand(const QORQL_Evaluatable* node);
-
 // The FROM names of one statement and the classes behind them. BORROWS nothing.
 class QORQL_DeclaredTypes {
  public:

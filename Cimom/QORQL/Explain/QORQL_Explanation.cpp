@@ -12,11 +12,9 @@
 #include "Cimom/QORQL/Lazy/QORQL_RowSets.h"
 #include "Cimom/QORQL/QORQL_Association.h"
 #include "Cimom/QORQL/QORQL_ExecutionMessages.h"
-#include "Cimom/QORQL/QORQL_Expression.h"
 #include "Cimom/QORQL/QORQL_ExpressionFactor.h"
-#include "Cimom/QORQL/QORQL_ExpressionTerm.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_ExpressionText.h"
-#include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
 #include "Cimom/QORQL/QORQL_FromClause.h"
 #include "Cimom/QORQL/QORQL_OrderByClause.h"
 #include "Cimom/QORQL/QORQL_SelectList.h"
@@ -78,28 +76,6 @@ struct SimulatedTable {
   }
 };
 
-class AssociationFinder : public QORQL_ExpressionVisitor {
- public:
-  void visitAssociation(const QORQL_Association& /*association*/) override { isFound = true; }
-  bool isFound = false;
-};
-
-class OuterJoinFinder : public QORQL_ExpressionVisitor {
- public:
-  void visitComparison(const QORQL_Comparison& comparison) override {
-    isFound = isFound || comparison.getJoinType() != QORQL_JOIN_TYPE_INNER;
-  }
-  bool isFound = false;
-};
-
-template <class Finder>
-bool finds(QORQL_Evaluatable& node) {
-  Finder* const finder = new Finder();
-  QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
-  node.accept(visitor);
-  return finder->isFound;
-}
-
 }  // namespace
 
 class QORQL_Explanation::Simulation {
@@ -129,7 +105,7 @@ class QORQL_Explanation::Simulation {
   }
 
   bool isPreFiltered() const {
-    if (_where != nullptr && finds<AssociationFinder>(*_where->getExpression())) return false;
+    if (_where != nullptr && QORQL_containsAssociation(*_where->getExpression())) return false;
     QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*_from.getFromSpecifierList());
     while (++specifiers) {
       const QORSmrPtr<IQoriClass> declared(classOf(specifiers.key()->getTableName()));
@@ -200,33 +176,30 @@ class QORQL_Explanation::Simulation {
   // The last operand of OR works on the table; the others, last to first, on copies of it as it came.
   void applyExpression(const QORSmrPtr<QORQL_Evaluatable>& condition) {
     std::vector<QORQL_Evaluatable*> discarded;
-    const auto* expression = dynamic_cast<const QORQL_Expression*>(condition.Get());
-    while (expression != nullptr && expression->getOperator() == QORQL_OperatorOR) {
-      discarded.push_back(expression->getExpressionTerm().Get());
-      expression = dynamic_cast<const QORQL_Expression*>(expression->getExpression().Get());
-    }
+    const auto* const expression = QORQL_nodeAs<QORQL_Expression>(condition);
     if (expression == nullptr) return;
+    for (const QORQL_Expression& link : QORQL_linksOf(*expression)) {
+      if (QORQL_continues(link)) discarded.push_back(QORQL_operandOf(link).Get());
+    }
     const SimulatedTable original = discarded.empty() ? SimulatedTable() : _table;
-    applyTerm(expression->getExpressionTerm().Get(), _table, false);
+    applyTerm(QORQL_decidingOperand(expression), _table, false);
     for (; !discarded.empty(); discarded.pop_back()) {
       SimulatedTable copy = original;
-      if (finds<OuterJoinFinder>(*discarded.back())) copy.makeRows();
+      if (QORQL_containsOuterJoin(*discarded.back())) copy.makeRows();
       applyTerm(discarded.back(), copy, true);
     }
   }
 
   void applyTerm(const QORQL_Evaluatable* node, SimulatedTable& table, bool isDiscarded) {
-    const auto* term = dynamic_cast<const QORQL_ExpressionTerm*>(node);
-    while (term != nullptr) {
-      const QORQL_Evaluatable* const factor = term->getExpressionFactor().Get();
-      if (const auto* association = dynamic_cast<const QORQL_Association*>(factor)) {
+    const auto* const term = QORQL_nodeAs<QORQL_ExpressionTerm>(node);
+    if (term == nullptr) return;
+    for (const QORQL_ExpressionTerm& link : QORQL_linksOf(*term)) {
+      const QORSmrPtr<QORQL_Evaluatable>& operand = QORQL_operandOf(link);
+      if (const auto* association = QORQL_nodeAs<QORQL_Association>(operand)) {
         applyAssociation(*association, table, isDiscarded);
-      } else if (const auto* condition = dynamic_cast<const QORQL_ExpressionFactor*>(factor)) {
+      } else if (const auto* condition = QORQL_nodeAs<QORQL_ExpressionFactor>(operand)) {
         applyCondition(*condition, table, isDiscarded);
       }
-      term = term->getOperator() == QORQL_OperatorAND
-                 ? dynamic_cast<const QORQL_ExpressionTerm*>(term->getExpressionTerm().Get())
-                 : nullptr;
     }
   }
 

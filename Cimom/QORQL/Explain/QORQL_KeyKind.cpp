@@ -1,11 +1,9 @@
 // The kinds of keys, as the binder and the join of lazy rows will find them.
 #include "Cimom/QORQL/Explain/QORQL_KeyKind.h"
 
-#include "Cimom/QORQL/QORQL_Arithmetic.h"
-#include "Cimom/QORQL/QORQL_Comparison.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_Function.h"
-#include "Cimom/QORQL/QORQL_Term.h"
 #include "Cimom/QORQL/QORQL_Values.h"
 #include "cimom/QoriProviderPluginManager.h"
 
@@ -17,32 +15,23 @@ class KeyReader {
       : _symbolTable(symbolTable), _nameSpace(nameSpace) {}
 
   QORQL_KeyFacts read(const QORQL_Evaluatable* node) const {
-    if (const auto* arithmetic = dynamic_cast<const QORQL_Arithmetic*>(node)) return readChain(*arithmetic);
-    if (const auto* term = dynamic_cast<const QORQL_Term*>(node)) return readChain(*term);
-    if (const auto* factor = dynamic_cast<const QORQL_Factor*>(node)) return readFactor(*factor);
-    if (const auto* function = dynamic_cast<const QORQL_Function*>(node)) {
-      const bool isPath = function->getFunctionID() == QORQL_FUNCTIONID_OBJECTPATH;
-      return {isPath ? QORQL_KeyKind::kReference : QORQL_KeyKind::kUnbound, false};
-    }
-    const auto* comparison = dynamic_cast<const QORQL_Comparison*>(node);
-    const bool isNested = comparison != nullptr && comparison->getOperator() == QORQL_OperatorNONE;
-    return isNested ? read(comparison->getLHSArithmeticExpression().Get()) : QORQL_KeyFacts{};
+    const QORQL_Evaluatable* const bare = QORQL_peel(node);
+    if (const auto* arithmetic = QORQL_nodeAs<QORQL_Arithmetic>(bare)) return readChain(*arithmetic);
+    if (const auto* term = QORQL_nodeAs<QORQL_Term>(bare)) return readChain(*term);
+    if (const auto* factor = QORQL_nodeAs<QORQL_Factor>(bare)) return readFactor(*factor);
+    const auto* const function = QORQL_nodeAs<QORQL_Function>(bare);
+    if (function == nullptr) return {};
+    const bool isPath = function->getFunctionID() == QORQL_FUNCTIONID_OBJECTPATH;
+    return {isPath ? QORQL_KeyKind::kReference : QORQL_KeyKind::kUnbound, false};
   }
 
  private:
-  static const QORQL_Evaluatable* firstOf(const QORQL_Arithmetic& node) { return node.getTerm().Get(); }
-  static const QORQL_Evaluatable* firstOf(const QORQL_Term& node) { return node.getFactor().Get(); }
-  static const QORQL_Evaluatable* restOf(const QORQL_Arithmetic& node) { return node.getArithmetic().Get(); }
-  static const QORQL_Evaluatable* restOf(const QORQL_Term& node) { return node.getTerm().Get(); }
-
   // A value computed from numbers is a number, from texts a text; from anything else its kind is not known.
   template <class Node>
   QORQL_KeyFacts readChain(const Node& first) const {
-    QORQL_KeyFacts facts = read(firstOf(first));
-    for (const Node* node = &first; node->getOperator() != QORQL_OperatorNONE;) {
-      node = dynamic_cast<const Node*>(restOf(*node));
-      if (node == nullptr) return {};
-      const QORQL_KeyFacts next = read(firstOf(*node));
+    QORQL_KeyFacts facts = read(QORQL_operandOf(first).Get());
+    for (const Node* link = QORQL_nextLink(first); link != nullptr; link = QORQL_nextLink(*link)) {
+      const QORQL_KeyFacts next = read(QORQL_operandOf(*link).Get());
       if (next.kind == QORQL_KeyKind::kUnbound) facts.kind = next.kind;
       if (next.kind != facts.kind && facts.kind != QORQL_KeyKind::kUnbound) facts.kind = QORQL_KeyKind::kOther;
       facts.isComputed = true;
@@ -58,10 +47,7 @@ class KeyReader {
     }
     if (!factor.getLiteral().IsNull()) return {kindOf(*factor.getLiteral()->getType()), false};
     if (factor.getClassName().IsNull() || factor.getPropertyName().IsNull()) return {};
-    const bool hasPath = !factor.getChain().IsNull() && factor.getChain()->find(".") != QORString::npos;
-    const QORsint32 index = factor.getArrayIndexList();
-    const bool isWhole = index == QORQL_Factor::kNoArray || index == QORQL_Factor::kWholeArray;
-    if (hasPath || !isWhole || factor.getPropertyName()->isEmpty()) return {};
+    if (QORQL_hasPath(factor) || QORQL_hasIndex(factor) || factor.getPropertyName()->isEmpty()) return {};
     return {declaredKind(*factor.getClassName(), *factor.getPropertyName()), false};
   }
 

@@ -4,13 +4,12 @@
 #include <cfloat>
 #include <cmath>
 
-#include "Cimom/QORQL/QORQL_Arithmetic.h"
 #include "Cimom/QORQL/QORQL_Association.h"
 #include "Cimom/QORQL/QORQL_Comparison.h"
 #include "Cimom/QORQL/QORQL_ExpressionPlaces.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_Function.h"
-#include "Cimom/QORQL/QORQL_Term.h"
 #include "Cimom/QORQL/QORQL_Values.h"
 
 namespace {
@@ -19,18 +18,13 @@ using Type = QORQL_DeclaredType;
 
 bool isOrder(QORQL_Operator op) { return op >= QORQL_OperatorLESS && op <= QORQL_OperatorGREATEREQUAL; }
 
-bool isAskedLeft(const QORQL_Comparison& node) {
-  return node.getArrayComp() == QORQL_Comparison::ArrayCompAnyLeft ||
-         node.getArrayComp() == QORQL_Comparison::ArrayCompEveryLeft;
-}
-
 template <class Kept, class Node>
 void note(const Kept*& first, const Node& node) {
   if (first == nullptr) first = &node;
 }
 
 const IQoriValue* literalOf(const QORQL_Evaluatable* side) {
-  const auto* const factor = dynamic_cast<const QORQL_Factor*>(QORQL_soleOperand(side));
+  const auto* const factor = QORQL_nodeAs<QORQL_Factor>(QORQL_peel(side));
   if (factor == nullptr) return nullptr;
   if (!factor->getEvaluatable().IsNull()) return literalOf(factor->getEvaluatable().Get());  // a negation
   return factor->getLiteral().Get();
@@ -43,9 +37,8 @@ bool hasWildcard(const QORQL_Comparison& node) {
 }
 
 bool isCondition(const QORQL_Evaluatable* node) {
-  const bool isValue =
-      dynamic_cast<const QORQL_Factor*>(node) != nullptr || dynamic_cast<const QORQL_Function*>(node) != nullptr ||
-      dynamic_cast<const QORQL_Arithmetic*>(node) != nullptr || dynamic_cast<const QORQL_Term*>(node) != nullptr;
+  const bool isValue = QORQL_nodeAs<QORQL_Factor>(node) != nullptr || QORQL_nodeAs<QORQL_Function>(node) != nullptr ||
+                       QORQL_nodeAs<QORQL_Arithmetic>(node) != nullptr || QORQL_nodeAs<QORQL_Term>(node) != nullptr;
   return node != nullptr && !isValue;
 }
 
@@ -61,16 +54,11 @@ const char* mirroredSign(QORQL_Operator op) {
   return kSigns[op];
 }
 
-const char* sign(QORQL_Operator op) {
-  constexpr const char* kSigns[] = {"", "=", "<>", "<", ">", "<=", ">="};
-  return kSigns[op];
-}
-
 // How to ask the elements of an array.
 std::string askingText(const QORQL_Comparison& node, const std::string& array, const std::string& other, bool isLeft) {
   const QORQL_Operator op = node.getOperator();
   if (op == QORQL_OperatorNOTEQUAL) return "NOT EVERY " + array + " = " + other;
-  return other + " " + (isLeft ? mirroredSign(op) : sign(op)) + " ANY " + array;
+  return other + " " + (isLeft ? mirroredSign(op) : QORQL_operatorText(op)) + " ANY " + array;
 }
 
 }  // namespace
@@ -90,7 +78,7 @@ std::string QORQL_nearestReal32(const QoriScalar& number) {
 void QORQL_NodeSurprises::visitComparison(const QORQL_Comparison& node) {
   const QORQL_Operator op = node.getOperator();
   if (op == QORQL_OperatorLIKE && _like == nullptr && hasWildcard(node)) _like = &node;
-  if (isAskedLeft(node) && isOrder(op)) note(_turned, node);
+  if (node.asksLeft() && isOrder(op)) note(_turned, node);
   if (node.isArrayComp() && op == QORQL_OperatorNOTEQUAL) note(_unequal, node);
   const QORQL_JoinType join = node.getJoinType();
   if (join == QORQL_JOIN_TYPE_LEFT_OUTER || join == QORQL_JOIN_TYPE_FULL_OUTER) note(_leftJoin, node);
@@ -105,7 +93,7 @@ void QORQL_NodeSurprises::lookAtArrays(const QORQL_Comparison& node) {
   const Type left = _types.of(node.getLHSArithmeticExpression().Get());
   const Type right = _types.of(node.getRHSArithmeticExpression().Get());
   if (node.isArrayComp()) {
-    const Type& asked = isAskedLeft(node) ? left : right;
+    const Type& asked = node.asksLeft() ? left : right;
     if (asked.kind != Type::kUnknown && !asked.isArray) note(_asked, node);
     return;
   }
@@ -126,20 +114,20 @@ bool QORQL_NodeSurprises::isReal32BesideOther(const QORQL_Comparison& node) cons
 }
 
 void QORQL_NodeSurprises::visitArithmetic(const QORQL_Arithmetic& node) {
-  const auto* const rest = dynamic_cast<const QORQL_Arithmetic*>(node.getArithmetic().Get());
+  const auto* const rest = QORQL_nextLink(node);
   const bool isChain = rest != nullptr && rest->getOperator() != QORQL_OperatorNONE;
   noteGrouping(_grouped, node, rest, isChain && node.getOperator() == QORQL_OperatorMINUS);
 }
 
 // `a * b / c` divides first, which only whole numbers show.
 void QORQL_NodeSurprises::visitTerm(const QORQL_Term& node) {
-  const auto* const rest = dynamic_cast<const QORQL_Term*>(node.getTerm().Get());
+  const auto* const rest = QORQL_nextLink(node);
   const bool isChain = rest != nullptr && rest->getOperator() != QORQL_OperatorNONE;
   const bool dividesFirst = isChain && node.getOperator() == QORQL_OperatorMUL &&
                             rest->getOperator() == QORQL_OperatorDIV && _grouped == nullptr &&
                             _types.of(rest).kind != Type::kReal;
   noteGrouping(_grouped, node, rest, dividesFirst || (isChain && node.getOperator() == QORQL_OperatorDIV));
-  const auto* const factor = dynamic_cast<const QORQL_Factor*>(node.getFactor().Get());
+  const auto* const factor = node.getFactorCasted();
   const bool isNegation = factor != nullptr && factor->getOperator() == QORQL_OperatorMINUS;
   if (isNegation && _negated == nullptr && _types.of(factor).kind == Type::kUint64) _negated = factor;
 }
@@ -158,7 +146,7 @@ void QORQL_NodeSurprises::visitFactor(const QORQL_Factor& node) {
 
 void QORQL_NodeSurprises::visitFunction(const QORQL_Function& node) {
   if (node.getFunctionID() != QORQL_FUNCTIONID_COUNT || node.getParameters()->isEmpty()) return;
-  if (isCondition(QORQL_soleOperand(node.getParameters()->first().Get()))) note(_counted, node);
+  if (isCondition(QORQL_peel(node.getParameters()->first().Get()))) note(_counted, node);
 }
 
 void QORQL_NodeSurprises::visitAssociation(const QORQL_Association& node) {
@@ -200,7 +188,7 @@ const QORQL_Evaluatable& QORQL_NodeSurprises::arraySide() const {
 }
 
 const QORQL_Evaluatable& QORQL_NodeSurprises::askedSide() const {
-  return isAskedLeft(*_asked) ? *_asked->getLHSArithmeticExpression() : *_asked->getRHSArithmeticExpression();
+  return _asked->asksLeft() ? *_asked->getLHSArithmeticExpression() : *_asked->getRHSArithmeticExpression();
 }
 
 const QORQL_Evaluatable& QORQL_NodeSurprises::real32Side() const {

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "Cimom/QORQL/Explain/QORQL_NodeSurprises.h"
-#include "Cimom/QORQL/QORQL_Expression.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_ExpressionText.h"
 #include "Cimom/QORQL/QORQL_FromClause.h"
 #include "Cimom/QORQL/QORQL_OrderByClause.h"
@@ -50,17 +50,15 @@ class Surprises {
   void add(const char* rule, QORuint32 offset, std::string text) { _found.push_back({rule, std::move(text), offset}); }
 
   void addOr() {
-    const auto* expression =
-        _where == nullptr ? nullptr : dynamic_cast<const QORQL_Expression*>(_where->getExpression().Get());
-    if (expression == nullptr || expression->getOperator() != QORQL_OperatorOR) return;
-    QORuint32 offset = 0;
-    while (expression->getOperator() == QORQL_OperatorOR) {
-      offset = expression->getOffset();  // of the last OR, before the operand that decides
-      expression = dynamic_cast<const QORQL_Expression*>(expression->getExpression().Get());
-      if (expression == nullptr) return;
+    const auto* const expression =
+        _where == nullptr ? nullptr : QORQL_nodeAs<QORQL_Expression>(_where->getExpression());
+    if (expression == nullptr || !QORQL_continues(*expression)) return;
+    QORuint32 offset = 0;  // of the last OR, before the operand that decides
+    for (const QORQL_Expression& link : QORQL_linksOf(*expression)) {
+      if (QORQL_continues(link)) offset = link.getOffset();
     }
     add("WHERE-3", offset,
-        "OR keeps what its last operand keeps: only \"" + _texts.of(expression->getExpressionTerm().Get()) +
+        "OR keeps what its last operand keeps: only \"" + _texts.of(QORQL_decidingOperand(expression)) +
             "\" decides. Run a query for each operand");
   }
 

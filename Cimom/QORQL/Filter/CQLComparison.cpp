@@ -130,10 +130,8 @@ QoriTruth CQLComparison::decide(const Value& lhs, const Value& rhs, QORQL_Operat
 QoriTruth CQLComparison::decideElements(const Value& lhs, const Value& rhs, QORQL_Operator op,
                                         QORQL_Comparison::QORQL_ARRAY_COMP arrayComp) {
   if (lhs.IsNull() || rhs.IsNull()) return QoriTruth::Null;
-  const bool isLeft =
-      arrayComp == QORQL_Comparison::ArrayCompAnyLeft || arrayComp == QORQL_Comparison::ArrayCompEveryLeft;
-  const bool isAny =
-      arrayComp == QORQL_Comparison::ArrayCompAnyLeft || arrayComp == QORQL_Comparison::ArrayCompAnyRight;
+  const bool isLeft = QORQL_Comparison::asksLeft(arrayComp);
+  const bool isAny = QORQL_Comparison::asksAny(arrayComp);
   const QORSmrPtr<IQoriValue::List> elements((isLeft ? lhs : rhs)->getArray());
   if (elements.IsNull()) return QoriTruth::Null;
   if (elements->isEmpty()) return QoriTruth::False;

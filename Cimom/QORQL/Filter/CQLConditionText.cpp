@@ -132,8 +132,7 @@ std::string CQLTextOfValue(const QORSmrPtr<IQoriValue>& value) {
 std::string CQLTextOfMismatch(const QORSmrPtr<IQoriValue>& left, const QORQL_Comparison& comparison,
                               const QORSmrPtr<IQoriValue>& right) {
   if (left.IsNull() || right.IsNull()) return "";
-  const QORQL_Comparison::QORQL_ARRAY_COMP arrays = comparison.getArrayComp();
-  const bool isLeft = arrays == QORQL_Comparison::ArrayCompAnyLeft || arrays == QORQL_Comparison::ArrayCompEveryLeft;
+  const bool isLeft = comparison.asksLeft();
   if (comparison.isArrayComp()) {
     if (!(isLeft ? left : right)->isArray()) return ": ANY and EVERY ask an array";
     if ((isLeft ? right : left)->isArray()) return ": an element does not compare with an array";

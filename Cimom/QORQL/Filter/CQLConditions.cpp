@@ -9,6 +9,7 @@
 #include "Cimom/QORQL/Filter/CQLReferences.h"
 #include "Cimom/QORQL/Filter/CQLTreeMatch.h"
 #include "Cimom/QORQL/QORQL_ExpressionFactor.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
 #include "Cimom/QORQL/QORQL_Values.h"
 
@@ -161,10 +162,8 @@ class ArrayRelation final : public Relation {
   ArrayRelation(const CQLScope& scope, const QORQL_Comparison& comparison, std::unique_ptr<CQLOperand> left,
                 std::unique_ptr<CQLOperand> right)
       : Relation(scope, comparison, std::move(left), std::move(right)),
-        _isLeft(comparison.getArrayComp() == QORQL_Comparison::ArrayCompAnyLeft ||
-                comparison.getArrayComp() == QORQL_Comparison::ArrayCompEveryLeft),
-        _isAny(comparison.getArrayComp() == QORQL_Comparison::ArrayCompAnyLeft ||
-               comparison.getArrayComp() == QORQL_Comparison::ArrayCompAnyRight) {}
+        _isLeft(comparison.asksLeft()),
+        _isAny(comparison.asksAny()) {}
 
   CQLQuickCheck quickCheck() const override { return {}; }
   CQLAccess access() const override { return {}; }
@@ -289,7 +288,7 @@ std::unique_ptr<CQLCondition> makeIsa(const CQLScope& scope, const QORQL_Compari
 
 std::unique_ptr<CQLCondition> makeComparison(const CQLScope& scope, const Node& node) {
   const Node* written = &node;
-  while (const Node* const inner = CQLTreeMatch::parenthesised(*written)) written = inner;
+  while (const Node* const inner = QORQL_parenthesised(*written)) written = inner;
   const auto& comparison = dynamic_cast<const QORQL_Comparison&>(**written);
   const QORQL_Operator op = comparison.getOperator();
   if (op >= QORQL_OperatorEQUAL && op <= QORQL_OperatorGREATEREQUAL) {

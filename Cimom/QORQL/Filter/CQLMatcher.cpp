@@ -3,8 +3,7 @@
 
 #include <algorithm>
 
-#include "Cimom/QORQL/QORQL_Expression.h"
-#include "Cimom/QORQL/QORQL_ExpressionTerm.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_WhereClause.h"
 #include "cimom/QoriProviderPluginManager.h"
 
@@ -37,16 +36,14 @@ void CQLMatcher::add(std::unique_ptr<CQLCondition> condition) {
 }
 
 void CQLMatcher::addExpression(const QORSmrPtr<QORQL_Evaluatable>& node) {
-  const auto* expression = dynamic_cast<const QORQL_Expression*>(node.Get());
+  const auto* const expression = QORQL_nodeAs<QORQL_Expression>(node);
   if (expression == nullptr || expression->getOperator() != QORQL_OperatorNONE) {
     add(CQLMakeNever("WHERE", "a filter that uses OR never matches"));
     return;
   }
-  const auto* term = dynamic_cast<const QORQL_ExpressionTerm*>(expression->getExpressionTerm().Get());
-  while (term != nullptr) {
-    add(CQLMakeCondition(_scope, term->getExpressionFactor()));
-    term = dynamic_cast<const QORQL_ExpressionTerm*>(term->getExpressionTerm().Get());
-  }
+  const auto* const term = QORQL_nodeAs<QORQL_ExpressionTerm>(QORQL_operandOf(*expression));
+  if (term == nullptr) return;
+  for (const QORQL_ExpressionTerm& link : QORQL_linksOf(*term)) add(CQLMakeCondition(_scope, QORQL_operandOf(link)));
 }
 
 // Most instances are of the FROM class itself.

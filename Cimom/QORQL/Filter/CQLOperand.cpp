@@ -3,9 +3,10 @@
 
 #include "Cimom/QORQL/Filter/CQLReferences.h"
 #include "Cimom/QORQL/Filter/CQLTreeMatch.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
 
 std::unique_ptr<CQLOperand> CQLOperand::make(const CQLScope& scope, const QORSmrPtr<QORQL_Evaluatable>& side) {
-  const QORQL_Factor* const factor = CQLLoneFactor(side);
+  const QORQL_Factor* const factor = QORQL_peeledLeaf(side.Get());
   if (factor != nullptr && factor->getLiteral().IsNull()) {
     return std::make_unique<CQLOperand>(std::make_unique<CQLPropertyPath>(scope, *factor));
   }

@@ -1,9 +1,8 @@
 // Collecting the references of an expression.
 #include "Cimom/QORQL/Filter/CQLReferences.h"
 
-#include "Cimom/QORQL/QORQL_Arithmetic.h"
 #include "Cimom/QORQL/QORQL_Comparison.h"
-#include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_Function.h"
 
@@ -39,13 +38,9 @@ class IsaCollector : public QORQL_ExpressionVisitor {
 
 // Literals are constant, and so is a function, which has no value in a filter.
 // ISA reads a property even where texts alone stand beside it.
-class PropertyFinder : public QORQL_ExpressionVisitor {
- public:
-  void visitFactor(const QORQL_Factor& factor) override { found = found || factor.getLiteral().IsNull(); }
-  void visitComparison(const QORQL_Comparison& comparison) override {
-    found = found || comparison.getOperator() == QORQL_OperatorISA;
-  }
-  bool found = false;
+struct ReadsProperty {
+  bool operator()(const QORQL_Factor& leaf) const { return leaf.getLiteral().IsNull(); }
+  bool operator()(const QORQL_Comparison& comparison) const { return comparison.getOperator() == QORQL_OperatorISA; }
 };
 
 }  // namespace
@@ -65,23 +60,7 @@ std::vector<const QORQL_Comparison*> CQLIsaTestsOf(const QORSmrPtr<QORQL_Evaluat
 }
 
 bool CQLIsConstant(const QORSmrPtr<QORQL_Evaluatable>& side) {
-  PropertyFinder* const finder = new PropertyFinder();
-  QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
-  if (!side.IsNull()) side->accept(visitor);
-  return !finder->found;
-}
-
-const QORQL_Factor* CQLLoneFactor(const QORSmrPtr<QORQL_Evaluatable>& side) {
-  const QORSmrPtr<QORQL_Evaluatable>* node = &side;
-  while (const auto* sum = QORQL_nodeAs<QORQL_Arithmetic>(*node)) {
-    const QORQL_Factor* const factor = sum->loneFactor();
-    if (factor == nullptr || factor->getOperator() != QORQL_OperatorNONE) return nullptr;
-    if (factor->getEvaluatable().IsNull()) return factor;
-    const auto* inner = QORQL_nodeAs<QORQL_Comparison>(factor->getEvaluatable());
-    if (inner == nullptr || inner->getOperator() != QORQL_OperatorNONE) return nullptr;
-    node = &inner->getLHSArithmeticExpression();
-  }
-  return nullptr;
+  return side.IsNull() || !QORQL_contains(*side, ReadsProperty());
 }
 
 QORString CQLFirstStep(const QORString& path) { return path.subStr(0, path.find(".")); }

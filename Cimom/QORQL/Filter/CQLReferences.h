@@ -7,7 +7,6 @@
 #include "Cimom/QORQL/QORQL_Evaluatable.h"
 
 class QORQL_Comparison;
-class QORQL_Factor;
 
 // One reference, its names as written or resolved.
 struct CQLReference {
@@ -26,8 +25,6 @@ std::vector<CQLReference> CQLReferencesOf(const QORSmrPtr<QORQL_Evaluatable>& ex
 // The tests of a class in an expression, those in parentheses among them. BORROWS from it.
 std::vector<const QORQL_Comparison*> CQLIsaTestsOf(const QORSmrPtr<QORQL_Evaluatable>& expression);
 
-// The factor that a side of a comparison consists of, parentheses taken off; null when there is more to it.
-const QORQL_Factor* CQLLoneFactor(const QORSmrPtr<QORQL_Evaluatable>& side);
 // Whether a side has the same value, which may be none, for every instance.
 bool CQLIsConstant(const QORSmrPtr<QORQL_Evaluatable>& side);
 

@@ -8,11 +8,8 @@
 #include "Cimom/QORQL/Filter/CQLIsa.h"
 #include "Cimom/QORQL/Filter/CQLPropertyPath.h"
 #include "Cimom/QORQL/Filter/CQLReferences.h"
-#include "Cimom/QORQL/QORQL_Arithmetic.h"
-#include "Cimom/QORQL/QORQL_Expression.h"
 #include "Cimom/QORQL/QORQL_ExpressionFactor.h"
-#include "Cimom/QORQL/QORQL_ExpressionTerm.h"
-#include "Cimom/QORQL/QORQL_Term.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_Values.h"
 
 namespace {
@@ -20,21 +17,16 @@ namespace {
 using Value = QORSmrPtr<IQoriValue>;
 using Node = QORSmrPtr<QORQL_Evaluatable>;
 
-const Node& operandOf(const QORQL_Arithmetic& node) { return node.getTerm(); }
-const Node& operandOf(const QORQL_Term& node) { return node.getFactor(); }
-const Node& restOf(const QORQL_Arithmetic& node) { return node.getArithmetic(); }
-const Node& restOf(const QORQL_Term& node) { return node.getTerm(); }
-
 // A right-grouped chain: operands from the left, combined from the right.
 template <class Chain, class Evaluate>
 Value evaluateChain(const Node& node, Evaluate evaluate) {
+  const auto* const first = QORQL_nodeAs<Chain>(node);
+  if (first == nullptr) return {};
   std::vector<Value> values;
   std::vector<QORQL_Operator> operators;
-  for (const auto* link = dynamic_cast<const Chain*>(node.Get()); link != nullptr;) {
-    values.push_back(evaluate(operandOf(*link)));
-    if (link->getOperator() == QORQL_OperatorNONE) break;
-    operators.push_back(link->getOperator());
-    link = dynamic_cast<const Chain*>(restOf(*link).Get());
+  for (const Chain& link : QORQL_linksOf(*first)) {
+    values.push_back(evaluate(QORQL_operandOf(link)));
+    if (QORQL_continues(link)) operators.push_back(link.getOperator());
   }
   if (values.size() != operators.size() + 1) return {};
   return QORQL_combineChain(operators, values);
@@ -53,8 +45,6 @@ bool isText(const Value& value) {
   return !value.IsNull() && !value->isArray() && value->getType()->getName() == "string";
 }
 
-const QORQL_Comparison* nestedComparison(const Node& node) { return dynamic_cast<const QORQL_Comparison*>(node.Get()); }
-
 // A reference without path, scope and index.
 bool isPlain(const QORQL_Factor& factor) {
   return !factor.getPropertyName().IsNull() && factor.getChain().IsNull() && factor.getPropertyScope().IsNull() &&
@@ -63,45 +53,35 @@ bool isPlain(const QORQL_Factor& factor) {
 
 }  // namespace
 
-const CQLTreeMatch::Node* CQLTreeMatch::parenthesised(const Node& comparison) {
-  const auto* outer = dynamic_cast<const QORQL_Comparison*>(comparison.Get());
-  if (outer == nullptr || outer->getOperator() != QORQL_OperatorNONE) return nullptr;
-  const auto* sum = dynamic_cast<const QORQL_Arithmetic*>(outer->getLHSArithmeticExpression().Get());
-  if (sum == nullptr || sum->getOperator() != QORQL_OperatorNONE || sum->getTermCasted() == nullptr) return nullptr;
-  const QORQL_Term& term = *sum->getTermCasted();
-  const QORQL_Factor* const factor = term.getOperator() == QORQL_OperatorNONE ? term.getFactorCasted() : nullptr;
-  if (factor == nullptr || factor->getOperator() != QORQL_OperatorNONE) return nullptr;
-  return nestedComparison(factor->getEvaluatable()) == nullptr ? nullptr : &factor->getEvaluatable();
-}
-
 bool CQLTreeMatch::satisfiesExpression(const Node& node) const {
-  const auto* expression = dynamic_cast<const QORQL_Expression*>(node.Get());
+  const auto* expression = QORQL_nodeAs<QORQL_Expression>(node);
   return expression != nullptr && expression->getOperator() == QORQL_OperatorNONE &&
          satisfiesTerm(expression->getExpressionTerm());
 }
 
 bool CQLTreeMatch::satisfiesTerm(const Node& node) const {
-  const auto* term = dynamic_cast<const QORQL_ExpressionTerm*>(node.Get());
-  while (term != nullptr && satisfiesFactor(term->getExpressionFactor())) {
-    if (term->getOperator() == QORQL_OperatorNONE) return true;
-    if (term->getOperator() != QORQL_OperatorAND) return false;
-    term = dynamic_cast<const QORQL_ExpressionTerm*>(term->getExpressionTerm().Get());
+  const auto* const term = QORQL_nodeAs<QORQL_ExpressionTerm>(node);
+  if (term == nullptr) return false;
+  const QORQL_ExpressionTerm* last = term;
+  for (const QORQL_ExpressionTerm& link : QORQL_linksOf(*term)) {
+    if (!satisfiesFactor(QORQL_operandOf(link))) return false;
+    last = &link;
   }
-  return false;
+  return last->getOperator() == QORQL_OperatorNONE;
 }
 
 bool CQLTreeMatch::satisfiesFactor(const Node& node) const {
-  const auto* factor = dynamic_cast<const QORQL_ExpressionFactor*>(node.Get());
+  const auto* factor = QORQL_nodeAs<QORQL_ExpressionFactor>(node);
   return factor != nullptr && factor->getOperator() == QORQL_OperatorNONE &&
          satisfiesComparison(factor->getComparison());
 }
 
 QoriTruth CQLTreeMatch::decide(const Node& comparison) const {
   try {
-    const auto* node = dynamic_cast<const QORQL_Comparison*>(comparison.Get());
+    const auto* node = QORQL_nodeAs<QORQL_Comparison>(comparison);
     if (node == nullptr) return QoriTruth::Null;
     if (node->getOperator() != QORQL_OperatorNONE) return decideOperator(*node);
-    const Node* const inner = parenthesised(comparison);
+    const Node* const inner = QORQL_parenthesised(comparison);
     return inner == nullptr ? QoriTruth::Null : decide(*inner);
   } catch (...) {
     return QoriTruth::Null;
@@ -128,7 +108,7 @@ QoriTruth CQLTreeMatch::decideIsa(const QORQL_Comparison& comparison) const {
 
 QORString CQLTreeMatch::isaProperty(const CQLScope& scope, const QORQL_Comparison& comparison) {
   const Node& left = comparison.getLHSArithmeticExpression();
-  const QORQL_Factor* const factor = CQLLoneFactor(left);
+  const QORQL_Factor* const factor = QORQL_peeledLeaf(left.Get());
   if (factor != nullptr && factor->getLiteral().IsNull()) {
     const bool isOwn = isPlain(*factor) &&
                        (factor->getClassName()->isEmpty() || !scope.fromClassOf(*factor->getClassName()).isEmpty());
@@ -159,7 +139,7 @@ CQLTreeMatch::Value CQLTreeMatch::constant(const CQLScope& scope, const Node& si
 }
 
 CQLTreeMatch::Value CQLTreeMatch::factorValue(const Node& node) const {
-  const auto* factor = dynamic_cast<const QORQL_Factor*>(node.Get());
+  const auto* factor = QORQL_nodeAs<QORQL_Factor>(node);
   if (factor == nullptr) return {};
   if (factor->getEvaluatable().IsNull()) {
     if (!factor->getLiteral().IsNull()) return factor->getLiteral();
@@ -173,7 +153,7 @@ CQLTreeMatch::Value CQLTreeMatch::factorValue(const Node& node) const {
 
 // The value of what stands in parentheses or behind a minus.
 CQLTreeMatch::Value CQLTreeMatch::nestedValue(const Node& node) const {
-  const QORQL_Comparison* const inner = nestedComparison(node);
+  const auto* const inner = QORQL_nodeAs<QORQL_Comparison>(node);
   if (inner == nullptr) return factor(node);
   return inner->getOperator() == QORQL_OperatorNONE ? sum(inner->getLHSArithmeticExpression())
                                                     : QORQL_truthValue(decide(node));

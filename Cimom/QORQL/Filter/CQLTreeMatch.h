@@ -41,8 +41,6 @@ class CQLTreeMatch {
   // names. Empty for everything else, such as a property behind a path or a scope,
   // or with an index.
   static QORString isaProperty(const CQLScope& scope, const QORQL_Comparison& comparison);
-  // The comparison in the parentheses that a comparison consists of; null when there is none.
-  static const Node* parenthesised(const Node& comparison);
 
  private:
   // As decide and factor, but THROW what the instance and its values throw.

@@ -4,16 +4,10 @@
 #include <vector>
 
 #include "Cimom/QORQL/Lazy/QORQL_LazyTable.h"
-#include "Cimom/QORQL/QORQL_Arithmetic.h"
-#include "Cimom/QORQL/QORQL_Comparison.h"
-#include "Cimom/QORQL/QORQL_Expression.h"
-#include "Cimom/QORQL/QORQL_ExpressionFactor.h"
-#include "Cimom/QORQL/QORQL_ExpressionTerm.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_Function.h"
-#include "Cimom/QORQL/QORQL_IdentifierFinder.h"
 #include "Cimom/QORQL/QORQL_SelectedEntry.h"
-#include "Cimom/QORQL/QORQL_Term.h"
 #include "Cimom/QORQL/QORQL_Values.h"
 
 namespace {
@@ -119,28 +113,6 @@ class BoundChain final : public QORQL_BoundValue {
   std::vector<QORQL_Operator> _operators;  // the last one is NONE
 };
 
-const QORSmrPtr<QORQL_Evaluatable>& operandOf(const QORQL_Arithmetic& node) { return node.getTerm(); }
-const QORSmrPtr<QORQL_Evaluatable>& operandOf(const QORQL_Term& node) { return node.getFactor(); }
-const QORSmrPtr<QORQL_Evaluatable>& restOf(const QORQL_Arithmetic& node) { return node.getArithmetic(); }
-const QORSmrPtr<QORQL_Evaluatable>& restOf(const QORQL_Term& node) { return node.getTerm(); }
-
-// The only child of a node that has no operator of its own; null otherwise.
-const QORSmrPtr<QORQL_Evaluatable>* onlyChild(const QORQL_Evaluatable& node) {
-  if (const auto* expression = dynamic_cast<const QORQL_Expression*>(&node)) {
-    return expression->getOperator() == QORQL_OperatorNONE ? &expression->getExpressionTerm() : nullptr;
-  }
-  if (const auto* term = dynamic_cast<const QORQL_ExpressionTerm*>(&node)) {
-    return term->getOperator() == QORQL_OperatorNONE ? &term->getExpressionFactor() : nullptr;
-  }
-  if (const auto* factor = dynamic_cast<const QORQL_ExpressionFactor*>(&node)) {
-    return factor->getOperator() == QORQL_OperatorNONE ? &factor->getComparison() : nullptr;
-  }
-  if (const auto* comparison = dynamic_cast<const QORQL_Comparison*>(&node)) {
-    return comparison->getOperator() == QORQL_OperatorNONE ? &comparison->getLHSArithmeticExpression() : nullptr;
-  }
-  return nullptr;
-}
-
 }  // namespace
 
 QORsint32 QORQL_Binder::sourceColumn(const QORString& className) const {
@@ -186,39 +158,28 @@ Bound QORQL_Binder::bindFactor(const QORQL_Factor& factor) const {
     if (factor.getLiteral().IsNull()) return nullptr;
     return std::make_unique<BoundLiteral>(factor.getLiteral());
   }
-  const bool hasPath = !factor.getChain().IsNull() && factor.getChain()->find(".") != QORString::npos;
-  const QORsint32 index = factor.getArrayIndexList();
-  const bool isWhole = index == QORQL_Factor::kNoArray || index == QORQL_Factor::kWholeArray;
   const bool hasProperty = !factor.getPropertyName().IsNull() && !factor.getPropertyName()->isEmpty();
-  if (hasPath || !isWhole || !hasProperty) return nullptr;
+  if (QORQL_hasPath(factor) || QORQL_hasIndex(factor) || !hasProperty) return nullptr;
   return bindProperty(*factor.getClassName(), *factor.getPropertyName());
 }
 
 template <class Node>
 Bound QORQL_Binder::bindChain(const Node& first) const {
-  if (first.getOperator() == QORQL_OperatorNONE) return bind(operandOf(first));
   auto chain = std::make_unique<BoundChain>();
-  for (const Node* node = &first; node != nullptr;
-       node = node->getOperator() == QORQL_OperatorNONE ? nullptr : dynamic_cast<const Node*>(restOf(*node).Get())) {
-    Bound operand = bind(operandOf(*node));
+  for (const Node& link : QORQL_linksOf(first)) {
+    Bound operand = bind(QORQL_operandOf(link));
     if (operand == nullptr) return nullptr;
-    chain->add(std::move(operand), node->getOperator());
+    chain->add(std::move(operand), link.getOperator());
   }
   return chain;
 }
 
 Bound QORQL_Binder::bind(const QORSmrPtr<QORQL_Evaluatable>& node) const {
-  if (const QORQL_Factor* const sole = QORQL_soleFactorOf(node)) return bindFactor(*sole);
-  const QORQL_Evaluatable* current = node.Get();
-  while (current != nullptr) {
-    if (const auto* factor = dynamic_cast<const QORQL_Factor*>(current)) return bindFactor(*factor);
-    if (const auto* term = dynamic_cast<const QORQL_Term*>(current)) return bindChain(*term);
-    if (const auto* arithmetic = dynamic_cast<const QORQL_Arithmetic*>(current)) return bindChain(*arithmetic);
-    if (const auto* function = dynamic_cast<const QORQL_Function*>(current)) return bindFunction(*function);
-    const QORSmrPtr<QORQL_Evaluatable>* const child = onlyChild(*current);
-    if (child == nullptr) return nullptr;
-    current = child->Get();
-  }
+  const QORQL_Evaluatable* const bare = QORQL_peel(node.Get());
+  if (const auto* factor = QORQL_nodeAs<QORQL_Factor>(bare)) return bindFactor(*factor);
+  if (const auto* term = QORQL_nodeAs<QORQL_Term>(bare)) return bindChain(*term);
+  if (const auto* arithmetic = QORQL_nodeAs<QORQL_Arithmetic>(bare)) return bindChain(*arithmetic);
+  if (const auto* function = QORQL_nodeAs<QORQL_Function>(bare)) return bindFunction(*function);
   return nullptr;
 }
 

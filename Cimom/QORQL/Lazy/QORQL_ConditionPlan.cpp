@@ -5,10 +5,8 @@
 #include <algorithm>
 #include <numeric>
 
-#include "Cimom/QORQL/QORQL_Arithmetic.h"
-#include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
-#include "Cimom/QORQL/QORQL_Function.h"
 #include "Cimom/QORQL/QORQL_IdentifierFinder.h"
 #include "Cimom/QORQL/QORQL_Values.h"
 
@@ -19,7 +17,7 @@ using Way = QORQL_ConditionPlan::Way;
 QORQL_ConditionSide sideOf(const QORSmrPtr<QORQL_Evaluatable>& node, bool isClassName) {
   QORQL_ConditionSide side;
   side.isFetched = !isClassName && QORQL_nodeAs<QORQL_Arithmetic>(node) != nullptr;
-  const QORQL_Factor* const sole = QORQL_soleFactorOf(node);
+  const QORQL_Factor* const sole = QORQL_soleLeaf(node);
   side.isFactor = node.IsNull() || sole != nullptr;
   if (sole != nullptr && !sole->getClassName().IsNull()) side.classNames.push_back(sole->getClassName());
   if (side.isFactor) return side;
@@ -31,20 +29,9 @@ QORQL_ConditionSide sideOf(const QORSmrPtr<QORQL_Evaluatable>& node, bool isClas
   return side;
 }
 
-class InstanceOfFinder : public QORQL_ExpressionVisitor {
- public:
-  void visitFunction(const QORQL_Function& function) override {
-    isFound = isFound || function.getFunctionID() == QORQL_FUNCTIONID_INSTANCEOF;
-  }
-  bool isFound = false;
-};
-
 bool asksObjectManager(const QORQL_Condition& condition) {
   if (condition.left.isFactor && condition.right.isFactor) return false;
-  InstanceOfFinder* const finder = new InstanceOfFinder();
-  QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
-  condition.comparison->accept(visitor);
-  return finder->isFound;
+  return QORQL_containsInstanceOf(*condition.comparison);
 }
 
 QORQL_PlannedSide planSide(const QORQL_ConditionSide& side, const QORQL_RowSets& sets) {

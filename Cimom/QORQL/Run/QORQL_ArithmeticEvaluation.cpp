@@ -4,32 +4,25 @@
 // then combined from the right, so that 10 - 4 - 3 is 10 - (4 - 3).
 #include <vector>
 
-#include "Cimom/QORQL/QORQL_Arithmetic.h"
-#include "Cimom/QORQL/QORQL_Term.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_Values.h"
 
 namespace {
 
 using Value = QORSmrPtr<IQoriValue>;
 
-const QORSmrPtr<QORQL_Evaluatable>& operandOf(const QORQL_Arithmetic& node) { return node.getTerm(); }
-const QORSmrPtr<QORQL_Evaluatable>& operandOf(const QORQL_Term& node) { return node.getFactor(); }
-const QORSmrPtr<QORQL_Evaluatable>& restOf(const QORQL_Arithmetic& node) { return node.getArithmetic(); }
-const QORSmrPtr<QORQL_Evaluatable>& restOf(const QORQL_Term& node) { return node.getTerm(); }
-
 template <class Node>
 Value evaluateChain(const Node& first, QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataRow>& row) {
-  if (first.getOperator() == QORQL_OperatorNONE) return operandOf(first)->evaluate(symbolTable, row);
+  if (!QORQL_continues(first)) return QORQL_operandOf(first)->evaluate(symbolTable, row);
   std::vector<Value> values;
   std::vector<QORQL_Operator> operators;
-  for (const Node* node = &first; node != nullptr;) {
-    values.push_back(operandOf(*node)->evaluate(symbolTable, row));
-    if (node->getOperator() == QORQL_OperatorNONE) break;
-    operators.push_back(node->getOperator());
-    const Node* const next = dynamic_cast<const Node*>(restOf(*node).Get());
-    if (next == nullptr) values.push_back(restOf(*node)->evaluate(symbolTable, row));
-    node = next;
+  const Node* last = &first;
+  for (const Node& link : QORQL_linksOf(first)) {
+    values.push_back(QORQL_operandOf(link)->evaluate(symbolTable, row));
+    if (QORQL_continues(link)) operators.push_back(link.getOperator());
+    last = &link;
   }
+  if (QORQL_continues(*last)) values.push_back(QORQL_restOf(*last)->evaluate(symbolTable, row));
   return QORQL_combineChain(operators, values);
 }
 

@@ -55,11 +55,9 @@ QoriTruth QORQL_Comparison::relateValues(const Value& left, const Value& right) 
   if (left.IsNull() || right.IsNull()) return QoriTruth::Null;
   const QoriRelation relation = QORQL_relationOf(_operator);
   if (eArrayComp == ArrayCompNone) return left->relate(relation, *right);
-  const bool isOnLeft = eArrayComp == ArrayCompAnyLeft || eArrayComp == ArrayCompEveryLeft;
-  const bool isAny = eArrayComp == ArrayCompAnyLeft || eArrayComp == ArrayCompAnyRight;
-  const QORSmrPtr<IQoriValue::List> elements((isOnLeft ? left : right)->getArray());
+  const QORSmrPtr<IQoriValue::List> elements((asksLeft() ? left : right)->getArray());
   if (elements.IsNull()) return QoriTruth::Null;
-  return relateElements(isOnLeft ? *right : *left, relation, *elements, isAny);
+  return relateElements(asksLeft() ? *right : *left, relation, *elements, asksAny());
 }
 
 bool QORQL_Comparison::likeValues(const Value& left, const Value& right) const {

@@ -2,11 +2,8 @@
 #include <vector>
 
 #include "Cimom/QORQL/Lazy/QORQL_LazyTable.h"
-#include "Cimom/QORQL/QORQL_Comparison.h"
 #include "Cimom/QORQL/QORQL_DataTable.h"
-#include "Cimom/QORQL/QORQL_Expression.h"
-#include "Cimom/QORQL/QORQL_ExpressionTerm.h"
-#include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
 
 QORSmrPtr<IQoriValue> QORQL_Expression::evaluate(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataRow>& row) {
   return _operator == QORQL_OperatorNONE ? _expressionTerm->evaluate(symbolTable, row) : QORSmrPtr<IQoriValue>();
@@ -68,27 +65,12 @@ Table copyLazily(const Table& table) {
   return copy;
 }
 
-class OuterJoinFinder : public QORQL_ExpressionVisitor {
- public:
-  void visitComparison(const QORQL_Comparison& comparison) override {
-    isFound = isFound || comparison.getJoinType() != QORQL_JOIN_TYPE_INNER;
-  }
-  bool isFound = false;
-};
-
-bool hasOuterJoin(QORQL_Evaluatable& operand) {
-  OuterJoinFinder* const finder = new OuterJoinFinder();
-  QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
-  operand.accept(visitor);
-  return finder->isFound;
-}
-
 // An outer join may fall back to the first column, which the reversal decides:
 // then the rows of the copy are made.
 Table copyFor(QORQL_Evaluatable& operand, const Table& table) {
   if (table->lazy() == nullptr) return copyForDiscard(table);
   Table copy(copyLazily(table));
-  return hasOuterJoin(operand) ? copyForDiscard(copy) : copy;
+  return QORQL_containsOuterJoin(operand) ? copyForDiscard(copy) : copy;
 }
 
 }  // namespace
@@ -100,10 +82,9 @@ void QORQL_Expression::evaluate(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_
                                 const QORString& nameSpace) {
   std::vector<QORQL_Evaluatable*> discarded;
   const QORQL_Expression* last = this;
-  while (last->_operator == QORQL_OperatorOR) {
-    discarded.push_back(last->_expressionTerm.Get());
-    last = dynamic_cast<const QORQL_Expression*>(last->_expression.Get());
-    if (last == nullptr) return;
+  for (const QORQL_Expression& link : QORQL_linksOf(*this)) {
+    if (QORQL_continues(link)) discarded.push_back(link._expressionTerm.Get());
+    last = &link;
   }
   if (last->_operator != QORQL_OperatorNONE) return;
   if (discarded.empty()) {
@@ -122,10 +103,7 @@ void QORQL_Expression::evaluate(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_
 // AND is successive filtering.
 void QORQL_ExpressionTerm::evaluate(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
                                     const QORString& nameSpace) {
-  const QORQL_ExpressionTerm* term = this;
-  while (term != nullptr) {
-    term->_expressionFactor->evaluate(symbolTable, table, nameSpace);
-    if (term->_operator != QORQL_OperatorAND) return;
-    term = dynamic_cast<const QORQL_ExpressionTerm*>(term->_expressionTerm.Get());
+  for (const QORQL_ExpressionTerm& link : QORQL_linksOf(*this)) {
+    link._expressionFactor->evaluate(symbolTable, table, nameSpace);
   }
 }
