@@ -24,22 +24,6 @@ bool needsGrouping(const Node& first) {
   return false;
 }
 
-template <class Node>
-std::string chainText(const QORQL_ExpressionText& texts, const Node& first) {
-  std::string text;
-  std::size_t open = 0;
-  const bool isGrouped = needsGrouping(first);
-  for (const Node& link : QORQL_linksOf(first)) {
-    if (&link != &first && isGrouped && QORQL_continues(link)) {
-      text += '(';
-      ++open;
-    }
-    text += texts.of(QORQL_operandOf(link).Get());
-    if (QORQL_continues(link)) text.append(" ").append(QORQL_operatorText(link.getOperator())).append(" ");
-  }
-  return text.append(open, ')');
-}
-
 std::string folded(const QORString& name) { return std::string(QORString::toUpperCase(name).view()); }
 
 const char* arrayWord(const QORQL_Comparison& comparison, bool isLeft) {
@@ -64,7 +48,68 @@ std::string associationText(const QORQL_Association& association) {
 
 }  // namespace
 
-QORQL_ExpressionText::QORQL_ExpressionText(const QORQL_FromClause& from, const QORString& nameSpace) {
+std::string QORQL_ExpressionPrinter::of(const QORQL_Evaluatable* node) const {
+  if (node == nullptr) return {};
+  if (const auto* factor = QORQL_nodeAs<QORQL_Factor>(node)) return ofFactor(*factor);
+  if (const auto* term = QORQL_nodeAs<QORQL_Term>(node)) return ofChain(*term);
+  if (const auto* arithmetic = QORQL_nodeAs<QORQL_Arithmetic>(node)) return ofChain(*arithmetic);
+  if (const auto* comparison = QORQL_nodeAs<QORQL_Comparison>(node)) return ofComparison(*comparison);
+  if (const auto* function = QORQL_nodeAs<QORQL_Function>(node)) return ofFunction(*function);
+  if (const auto* factor = QORQL_nodeAs<QORQL_ExpressionFactor>(node)) {
+    return (factor->getOperator() == QORQL_OperatorNOT ? "NOT " : "") + of(factor->getComparison().Get());
+  }
+  if (const auto* association = QORQL_nodeAs<QORQL_Association>(node)) return associationText(*association);
+  if (const auto* term = QORQL_nodeAs<QORQL_ExpressionTerm>(node)) return ofChain(*term);
+  if (const auto* expression = QORQL_nodeAs<QORQL_Expression>(node)) return ofChain(*expression);
+  return {};
+}
+
+template <class Node>
+std::string QORQL_ExpressionPrinter::ofChain(const Node& first) const {
+  std::string text;
+  std::size_t open = 0;
+  const bool isGrouped = _style.showsGrouping && needsGrouping(first);
+  for (const Node& link : QORQL_linksOf(first)) {
+    if (&link != &first && isGrouped && QORQL_continues(link)) {
+      text += '(';
+      ++open;
+    }
+    text += of(QORQL_operandOf(link).Get());
+    if (QORQL_continues(link)) text.append(" ").append(QORQL_operatorText(link.getOperator())).append(" ");
+  }
+  return text.append(open, ')');
+}
+
+std::string QORQL_ExpressionPrinter::ofComparison(const QORQL_Comparison& comparison) const {
+  std::string text = arrayWord(comparison, true) + of(comparison.getLHSArithmeticExpression().Get());
+  const QORQL_Operator op = comparison.getOperator();
+  if (op == QORQL_OperatorNONE) return text;
+  text.append(" ").append(QORQL_operatorText(op));
+  const QORQL_Evaluatable* const right = comparison.getRHSArithmeticExpression().Get();
+  if (right == nullptr) return text;
+  text.append(" ").append(arrayWord(comparison, false));
+  return text + (op == QORQL_OperatorISA ? ofClassName(right) : of(right));
+}
+
+std::string QORQL_ExpressionPrinter::ofFactor(const QORQL_Factor& factor) const {
+  if (!factor.getSelectedEntry().IsNull()) return std::string(factor.getSelectedEntry()->getAlias().view());
+  const QORQL_Evaluatable* const inner = factor.getEvaluatable().Get();
+  if (inner == nullptr) return factor.getLiteral().IsNull() ? ofReference(factor) : literalText(*factor.getLiteral());
+  const bool isComparison = QORQL_nodeAs<QORQL_Comparison>(inner) != nullptr;
+  const std::string sign = factor.getOperator() == QORQL_OperatorMINUS ? "-" : "";
+  return isComparison ? sign + "(" + of(inner) + ")" : sign + of(inner);
+}
+
+std::string QORQL_ExpressionPrinter::ofFunction(const QORQL_Function& function) const {
+  std::string text = std::string(QORQL_functionName(function.getFunctionID())) + "(";
+  if (!_style.showsArguments) return text + "...)";
+  QORValSlistIterator<QORSmrPtr<QORQL_Evaluatable>> parameters(*function.getParameters());
+  for (bool isFirst = true; ++parameters; isFirst = false) text += (isFirst ? "" : ", ") + of(parameters.key().Get());
+  return text + ")";
+}
+
+QORQL_ExpressionText::QORQL_ExpressionText(const QORQL_FromClause& from, const QORString& nameSpace)
+    : QORQL_ExpressionPrinter({true, true}) {
   const QORSmrPtr<IQoriRepository> repository(
       QoriProviderPluginManager::getQoriProviderPluginManager()->getRepository());
   QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*from.getFromSpecifierList());
@@ -84,48 +129,11 @@ std::string QORQL_ExpressionText::nameOf(const QORString& fromName) const {
   return found == _spelling.end() ? std::string(fromName.view()) : found->second;
 }
 
-std::string QORQL_ExpressionText::of(const QORQL_Evaluatable* node) const {
-  if (node == nullptr) return {};
-  if (const auto* factor = dynamic_cast<const QORQL_Factor*>(node)) return ofFactor(*factor);
-  if (const auto* term = dynamic_cast<const QORQL_Term*>(node)) return chainText(*this, *term);
-  if (const auto* arithmetic = dynamic_cast<const QORQL_Arithmetic*>(node)) return chainText(*this, *arithmetic);
-  if (const auto* comparison = dynamic_cast<const QORQL_Comparison*>(node)) return ofComparison(*comparison);
-  if (const auto* function = dynamic_cast<const QORQL_Function*>(node)) return ofFunction(*function);
-  if (const auto* factor = dynamic_cast<const QORQL_ExpressionFactor*>(node)) {
-    return (factor->getOperator() == QORQL_OperatorNOT ? "NOT " : "") + of(factor->getComparison().Get());
-  }
-  if (const auto* association = dynamic_cast<const QORQL_Association*>(node)) return associationText(*association);
-  if (const auto* term = dynamic_cast<const QORQL_ExpressionTerm*>(node)) return chainText(*this, *term);
-  if (const auto* expression = dynamic_cast<const QORQL_Expression*>(node)) return chainText(*this, *expression);
-  return {};
-}
-
 std::string QORQL_ExpressionText::ofEntry(const QORQL_SelectedEntry& entry) const {
   std::string text = entry.isSelectAll() ? "*" : of(entry.getExpression().Get());
   if (entry.isClassAll()) text = nameOf(entry.getClassName()) + ".*";
   if (!entry.getAlias().isEmpty()) text += " AS " + std::string(entry.getAlias().view());
   return text;
-}
-
-std::string QORQL_ExpressionText::ofComparison(const QORQL_Comparison& comparison) const {
-  std::string text = arrayWord(comparison, true) + of(comparison.getLHSArithmeticExpression().Get());
-  const QORQL_Operator op = comparison.getOperator();
-  if (op == QORQL_OperatorNONE) return text;
-  text.append(" ").append(QORQL_operatorText(op));
-  if (comparison.getRHSArithmeticExpression().IsNull()) return text;
-  std::string right = of(comparison.getRHSArithmeticExpression().Get());
-  const bool isClassName = op == QORQL_OperatorISA && right.size() > 1 && right.front() == '\'';
-  if (isClassName) right = right.substr(1, right.size() - 2);
-  return text + " " + arrayWord(comparison, false) + right;
-}
-
-std::string QORQL_ExpressionText::ofFactor(const QORQL_Factor& factor) const {
-  if (!factor.getSelectedEntry().IsNull()) return std::string(factor.getSelectedEntry()->getAlias().view());
-  const QORQL_Evaluatable* const inner = factor.getEvaluatable().Get();
-  if (inner == nullptr) return factor.getLiteral().IsNull() ? ofReference(factor) : literalText(*factor.getLiteral());
-  const bool isComparison = dynamic_cast<const QORQL_Comparison*>(inner) != nullptr;
-  const std::string sign = factor.getOperator() == QORQL_OperatorMINUS ? "-" : "";
-  return isComparison ? sign + "(" + of(inner) + ")" : sign + of(inner);
 }
 
 std::string QORQL_ExpressionText::ofReference(const QORQL_Factor& factor) const {
@@ -148,9 +156,8 @@ std::string QORQL_ExpressionText::ofReference(const QORQL_Factor& factor) const 
   return index == QORQL_Factor::kNoArray ? text : text + "[" + std::to_string(index) + "]";
 }
 
-std::string QORQL_ExpressionText::ofFunction(const QORQL_Function& function) const {
-  std::string text = std::string(QORQL_functionName(function.getFunctionID())) + "(";
-  QORValSlistIterator<QORSmrPtr<QORQL_Evaluatable>> parameters(*function.getParameters());
-  for (bool isFirst = true; ++parameters; isFirst = false) text += (isFirst ? "" : ", ") + of(parameters.key().Get());
-  return text + ")";
+std::string QORQL_ExpressionText::ofClassName(const QORQL_Evaluatable* side) const {
+  const std::string text = of(side);
+  const bool isLiteral = text.size() > 1 && text.front() == '\'';
+  return isLiteral ? text.substr(1, text.size() - 2) : text;
 }

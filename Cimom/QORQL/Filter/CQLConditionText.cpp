@@ -1,21 +1,12 @@
-// The way back from the parsed tree to a text. The depth is the parser's.
+// A filter's conditions by the printer of expressions, its values, and why two of them do not compare.
 #include "Cimom/QORQL/Filter/CQLConditionText.h"
 
 #include "Cimom/QORQL/Filter/CQLComparison.h"
 #include "Cimom/QORQL/Filter/CQLPropertyPath.h"
-#include "Cimom/QORQL/QORQL_Arithmetic.h"
-#include "Cimom/QORQL/QORQL_Function.h"
-#include "Cimom/QORQL/QORQL_Term.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
+#include "Cimom/QORQL/QORQL_ExpressionText.h"
 
 namespace {
-
-using Node = QORSmrPtr<QORQL_Evaluatable>;
-
-// Behind a minus a literal may have wrapped; it was written without a sign.
-std::string textOfLiteral(const QORSmrPtr<IQoriValue>& literal) {
-  const QoriScalar view = literal->scalar();
-  return view.kind == QoriScalarKind::Signed ? std::to_string(static_cast<QORuint64>(view.s)) : CQLTextOfValue(literal);
-}
 
 bool saysTruth(const QORSmrPtr<IQoriValue>& value) {
   const QORString text(value->toString());
@@ -38,69 +29,31 @@ std::string mismatchOfTypes(const QORSmrPtr<IQoriValue>& left, const QORSmrPtr<I
   return mismatch;
 }
 
-class ConditionText {
+class ConditionText : public QORQL_ExpressionPrinter {
  public:
-  explicit ConditionText(const CQLScope& scope) : _scope(scope) {}
-
-  void addComparison(const QORQL_Comparison& comparison) {
-    const QORQL_Comparison::QORQL_ARRAY_COMP arrays = comparison.getArrayComp();
-    if (arrays == QORQL_Comparison::ArrayCompAnyLeft) text += "ANY ";
-    if (arrays == QORQL_Comparison::ArrayCompEveryLeft) text += "EVERY ";
-    addSum(comparison.getLHSArithmeticExpression());
-    if (comparison.getOperator() == QORQL_OperatorNONE) return;
-    text += std::string(" ") + CQLTextOfOperator(comparison.getOperator());
-    if (comparison.getRHSArithmeticExpression().IsNull()) return;
-    text += ' ';
-    if (arrays == QORQL_Comparison::ArrayCompAnyRight) text += "ANY ";
-    if (arrays == QORQL_Comparison::ArrayCompEveryRight) text += "EVERY ";
-    const bool isClassName = comparison.getOperator() == QORQL_OperatorISA;
-    addSum(comparison.getRHSArithmeticExpression(), isClassName);
-  }
-
-  std::string text;
+  explicit ConditionText(const CQLScope& scope) : QORQL_ExpressionPrinter({false, false}), _scope(scope) {}
 
  private:
-  void addSum(const Node& node, bool isClassName = false) {
-    for (const auto* sum = dynamic_cast<const QORQL_Arithmetic*>(node.Get()); sum != nullptr;) {
-      addProduct(sum->getTerm(), isClassName);
-      if (sum->getOperator() == QORQL_OperatorNONE) return;
-      text += std::string(" ") + CQLTextOfOperator(sum->getOperator()) + " ";
-      sum = dynamic_cast<const QORQL_Arithmetic*>(sum->getArithmetic().Get());
-    }
+  std::string ofReference(const QORQL_Factor& factor) const override { return CQLPropertyPath(_scope, factor).text(); }
+  std::string ofClassName(const QORQL_Evaluatable* side) const override {
+    const auto* const sum = QORQL_nodeAs<QORQL_Arithmetic>(side);
+    return sum == nullptr ? of(side) : ofNameParts(*sum);
   }
-
-  void addProduct(const Node& node, bool isClassName) {
-    for (const auto* product = dynamic_cast<const QORQL_Term*>(node.Get()); product != nullptr;) {
-      addFactor(product->getFactor(), isClassName);
-      if (product->getOperator() == QORQL_OperatorNONE) return;
-      text += std::string(" ") + CQLTextOfOperator(product->getOperator()) + " ";
-      product = dynamic_cast<const QORQL_Term*>(product->getTerm().Get());
-    }
+  // The texts that a class name is put together from, without quotes.
+  std::string ofNamePart(const QORQL_Term& product) const { return ofNameParts(product); }
+  std::string ofNamePart(const QORQL_Factor& factor) const {
+    return factor.getLiteral().IsNull() ? of(&factor) : std::string(factor.getLiteral()->toString().view());
   }
-
-  void addFactor(const Node& node, bool isClassName) {
-    const auto* const factor = dynamic_cast<const QORQL_Factor*>(node.Get());
-    if (factor == nullptr) return;
-    if (factor->getOperator() == QORQL_OperatorMINUS) text += '-';
-    if (!factor->getEvaluatable().IsNull()) {
-      addNested(factor->getEvaluatable());
-    } else if (factor->getLiteral().IsNull()) {
-      text += CQLPropertyPath(_scope, *factor).text();
-    } else {
-      text += isClassName ? std::string(factor->getLiteral()->toString().view()) : textOfLiteral(factor->getLiteral());
+  static const QORQL_Term* partOf(const QORQL_Arithmetic& link) { return link.getTermCasted(); }
+  static const QORQL_Factor* partOf(const QORQL_Term& link) { return link.getFactorCasted(); }
+  template <class Node>
+  std::string ofNameParts(const Node& first) const {
+    std::string text;
+    for (const Node& link : QORQL_linksOf(first)) {
+      if (const auto* const part = partOf(link)) text += ofNamePart(*part);
+      if (QORQL_continues(link)) text.append(" ").append(QORQL_operatorText(link.getOperator())).append(" ");
     }
-  }
-
-  void addNested(const Node& node) {
-    if (const auto* const comparison = dynamic_cast<const QORQL_Comparison*>(node.Get())) {
-      text += '(';
-      addComparison(*comparison);
-      text += ')';
-    } else if (const auto* const call = dynamic_cast<const QORQL_Function*>(node.Get())) {
-      text += std::string(QORQL_functionName(call->getFunctionID())) + "(...)";
-    } else {
-      addFactor(node, false);
-    }
+    return text;
   }
 
   const CQLScope& _scope;
@@ -109,9 +62,7 @@ class ConditionText {
 }  // namespace
 
 std::string CQLTextOfCondition(const CQLScope& scope, const QORQL_Comparison& comparison) {
-  ConditionText condition(scope);
-  condition.addComparison(comparison);
-  return condition.text;
+  return ConditionText(scope).of(&comparison);
 }
 
 std::string CQLTextOfValue(const QORSmrPtr<IQoriValue>& value) {
@@ -142,45 +93,4 @@ std::string CQLTextOfMismatch(const QORSmrPtr<IQoriValue>& left, const QORQL_Com
     return ": an array compares with a value under ANY or EVERY only";
   }
   return mismatchOfTypes(left, right);
-}
-
-const char* CQLTextOfOperator(QORQL_Operator op) noexcept {
-  switch (op) {
-    case QORQL_OperatorEQUAL:
-      return "=";
-    case QORQL_OperatorNOTEQUAL:
-      return "<>";
-    case QORQL_OperatorLESS:
-      return "<";
-    case QORQL_OperatorGREATER:
-      return ">";
-    case QORQL_OperatorLESSEQUAL:
-      return "<=";
-    case QORQL_OperatorGREATEREQUAL:
-      return ">=";
-    case QORQL_OperatorPLUS:
-      return "+";
-    case QORQL_OperatorMINUS:
-      return "-";
-    case QORQL_OperatorMUL:
-      return "*";
-    case QORQL_OperatorDIV:
-      return "/";
-    case QORQL_OperatorLIKE:
-      return "LIKE";
-    case QORQL_OperatorISNULL:
-      return "IS NULL";
-    case QORQL_OperatorISNOTNULL:
-      return "IS NOT NULL";
-    case QORQL_OperatorISA:
-      return "ISA";
-    case QORQL_OperatorLEFTJOIN:
-      return "*=";
-    case QORQL_OperatorRIGHTJOIN:
-      return "=*";
-    case QORQL_OperatorFULLOUTERJOIN:
-      return "*=*";
-    default:
-      return "?";
-  }
 }

@@ -16,7 +16,5 @@ std::string CQLTextOfValue(const QORSmrPtr<IQoriValue>& value);
 // when they are, and when one is null.
 std::string CQLTextOfMismatch(const QORSmrPtr<IQoriValue>& left, const QORQL_Comparison& comparison,
                               const QORSmrPtr<IQoriValue>& right);
-// "=" to ">=", "LIKE", "ISA" and the like.
-const char* CQLTextOfOperator(QORQL_Operator op) noexcept;
 
 #endif

@@ -21,15 +21,15 @@ using Node = QORSmrPtr<QORQL_Evaluatable>;
 
 // Why a condition never holds.
 std::string reasonOfOperator(QORQL_Operator op) {
-  return std::string("a condition with ") + CQLTextOfOperator(op) + " never matches";
+  return std::string("a condition with ") + QORQL_operatorText(op) + " never matches";
 }
 constexpr char kIsaOfNoProperty[] =
     "ISA asks a property of the instance itself, without path, scope and index: any other never matches";
 constexpr char kNotComputed[] = "a condition on a value that cannot be computed never matches";
 
 std::string compared(const Value& left, const QORQL_Comparison& comparison, const Value& right) {
-  return " (" + CQLTextOfValue(left) + " " + CQLTextOfOperator(comparison.getOperator()) + " " + CQLTextOfValue(right) +
-         ")" + CQLTextOfMismatch(left, comparison, right);
+  return " (" + CQLTextOfValue(left) + " " + QORQL_operatorText(comparison.getOperator()) + " " +
+         CQLTextOfValue(right) + ")" + CQLTextOfMismatch(left, comparison, right);
 }
 
 // An unsigned number beside a signed one is taken as a signed one of 64 bits.
