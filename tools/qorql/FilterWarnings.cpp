@@ -47,11 +47,6 @@ std::string typeOf(const FilterSide& side) {
 
 bool isEquality(QORQL_Operator op) { return op == QORQL_OperatorEQUAL || op == QORQL_OperatorNOTEQUAL; }
 
-bool isAskedLeft(const QORQL_Comparison& comparison) {
-  return comparison.getArrayComp() == QORQL_Comparison::ArrayCompAnyLeft ||
-         comparison.getArrayComp() == QORQL_Comparison::ArrayCompEveryLeft;
-}
-
 }  // namespace
 
 // Collects the warnings of conditions, with the places that they are told at.
@@ -178,7 +173,7 @@ void FilterWarnings::Visitor::checkClass(const FilterReference::Name& name) {
 void FilterWarnings::Visitor::checkComparison(const QORQL_Comparison& comparison) {
   FilterSide left = _sides.read(*comparison.getLHSArithmeticExpression());
   FilterSide right = _sides.read(*comparison.getRHSArithmeticExpression());
-  left.isAsked = comparison.isArrayComp() && isAskedLeft(comparison);
+  left.isAsked = comparison.asksLeft();
   right.isAsked = comparison.isArrayComp() && !left.isAsked;
   if (left.kind == Kind::Unknown || right.kind == Kind::Unknown) {
     warnOfAsking(left);
