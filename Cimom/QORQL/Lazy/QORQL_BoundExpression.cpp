@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "Cimom/QORQL/Lazy/QORQL_LazyTable.h"
+#include "Cimom/QORQL/QORQL_Comparison.h"
 #include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_Function.h"
