@@ -20,7 +20,7 @@ class QORQL_Arithmetic : public QORQL_Evaluatable {
   QORQL_Arithmetic(QORSmrPtr<QORQL_Evaluatable> term, QORSmrPtr<QORQL_Evaluatable> arithmetic, QORQL_Operator op);
   ~QORQL_Arithmetic() override;
 
-  // Reads it from the current token on and leaves the first token behind it current; a lone operand comes back as it
+  // Reads it from the current token on and leaves the first token after it current; a lone operand comes back as it
   // is. Adds the properties that are named to `projMap`. THROWS QORQL_ParseException and QORQL_Exception.
   static QORSmrPtr<QORQL_Evaluatable> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                             QORQL_ProjectionMap& projMap, const QORString& queryString,

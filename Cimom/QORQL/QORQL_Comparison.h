@@ -31,7 +31,7 @@ class QORQL_Comparison : public QORQL_Evaluatable {
                    QORQL_Operator op);
   ~QORQL_Comparison() override;
 
-  // Reads it from the current token on and leaves the first token behind it current. Adds the properties that are
+  // Reads it from the current token on and leaves the first token after it current. Adds the properties that are
   // named to `projMap`. THROWS QORQL_ParseException and QORQL_Exception.
   static QORSmrPtr<QORQL_Evaluatable> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                             QORQL_ProjectionMap& projMap, const QORString& queryString,

@@ -31,7 +31,7 @@ constexpr char kProviderFiltered[] = "YRK_TRBS_ProviderFiltered";
 // Ends the simulation where execution would end: the last step says why.
 struct Failed {};
 
-// The table on its way.
+// The simulated table.
 struct SimulatedTable {
   QORQL_RowSets sets;
   bool isLazy = true;  // otherwise its rows exist, all in one set
@@ -236,7 +236,7 @@ class QORQL_Explanation::Simulation {
     table.apply(plan);
   }
 
-  // Whether a join finds keys that go together, by the types that the classes declare.
+  // Whether a join finds comparable keys, by the types that the classes declare.
   void judgeKeys(const QORQL_ConditionPlan& plan, Step& step) const {
     const QORQL_Comparison& comparison = *plan.comparison;
     const auto left = QORQL_keyFactsOf(comparison.getLHSArithmeticExpression().Get(), _symbols, _nameSpace);

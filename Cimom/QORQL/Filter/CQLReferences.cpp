@@ -37,7 +37,7 @@ class IsaCollector : public QORQL_ExpressionVisitor {
 };
 
 // Literals are constant, and so is a function, which has no value in a filter.
-// ISA reads a property even where texts alone stand beside it.
+// ISA reads a property even where both its sides are texts.
 struct ReadsProperty {
   bool operator()(const QORQL_Factor& leaf) const { return leaf.getLiteral().IsNull(); }
   bool operator()(const QORQL_Comparison& comparison) const { return comparison.getOperator() == QORQL_OperatorISA; }

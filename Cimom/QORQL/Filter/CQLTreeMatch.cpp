@@ -151,7 +151,7 @@ CQLTreeMatch::Value CQLTreeMatch::factorValue(const Node& node) const {
   return isUint64 ? Value() : QORQL_negate(value);
 }
 
-// The value of what stands in parentheses or behind a minus.
+// The value of what stands in parentheses or after a minus.
 CQLTreeMatch::Value CQLTreeMatch::nestedValue(const Node& node) const {
   const auto* const inner = QORQL_nodeAs<QORQL_Comparison>(node);
   if (inner == nullptr) return factor(node);

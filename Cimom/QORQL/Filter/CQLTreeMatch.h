@@ -10,7 +10,7 @@
 #include "cimom/IQoriValue.h"
 #include "cmpbase.h"
 
-// The steps of one walk, made again for each instance. Each step gives false, Null
+// The steps of one walk, made for each instance. Each step gives false, Null
 // or no value when anything about its node or the instance is not as it should
 // be, also when something throws.
 class CQLTreeMatch {
@@ -38,7 +38,7 @@ class CQLTreeMatch {
 
   // The property whose class `comparison`, an ISA, tests: the property of the
   // instance itself that its left side is, or that a text without any property in it
-  // names. Empty for everything else, such as a property behind a path or a scope,
+  // names. Empty for everything else, such as a property reached through a path or a scope,
   // or with an index.
   static QORString isaProperty(const CQLScope& scope, const QORQL_Comparison& comparison);
 

@@ -25,7 +25,7 @@ void recordSide(const QORQL_RowView& view, QORsint32 column, Record record) {
   if (view.objects[place] != nullptr) record(QORQL_instanceKey(*view.objects[place]), view.indexes[place]);
 }
 
-// Leaves those of a block's rows whose tuples are given.
+// Keeps only the rows of a block whose tuples are given.
 void keepRows(QORQL_RowBlock& block, std::vector<QORuint32>&& kept) {
   const QORuint64 keptCount = kept.size() / block.columns.size();
   if (keptCount == block.rowCount) return;
@@ -87,8 +87,8 @@ class BlockFilter {
   }
 
  private:
-  // The rows of a run that stay, by their place in it; returns how many.
-  // Nothing branches on the outcome, which nobody could predict.
+  // Collects the rows of a run that stay, by their place in it; returns how many.
+  // Does not branch on the outcome, which the processor could not predict.
   template <class Places>
   std::size_t filterRun(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, QORQL_RowView& view,
                         Places& kept) {
@@ -130,7 +130,7 @@ class BlockFilter {
   std::array<bool, 3> _keeps{};                       // whether a row of each truth stays
 };
 
-// Two blocks, tested pair by pair without making their product.
+// The join of two blocks by testing each pair, without making their product.
 QORQL_RowBlock filterPairs(const QORQL_LazyRows& rows, const QORQL_ConditionPlan& plan, QORQL_RowTruth& truth) {
   const QORQL_RowBlock& outer = rows.blocks()[plan.blocks[0]];
   const QORQL_RowBlock& inner = rows.blocks()[plan.blocks[1]];
@@ -165,7 +165,7 @@ bool tryJoin(QORQL_LazyRows& rows, const QORQL_ConditionPlan& plan, const QORQL_
   } catch (const QORQL_StoppedException&) {
     throw;
   } catch (const QoriBaseException&) {
-    return false;  // a key cannot be computed: evaluation in row order finds which row raises what
+    return false;  // a key cannot be computed: evaluation in row order finds the row whose error counts
   }
 }
 
