@@ -9,6 +9,7 @@ pkg_check_modules(SYSTEMD REQUIRED IMPORTED_TARGET libsystemd)
 pkg_check_modules(ZSTD REQUIRED IMPORTED_TARGET libzstd)
 pkg_check_modules(XXHASH REQUIRED IMPORTED_TARGET libxxhash)
 pkg_check_modules(EXPAT REQUIRED IMPORTED_TARGET expat)
+pkg_check_modules(APT REQUIRED IMPORTED_TARGET apt-pkg)
 find_program(QORQL_FLATC flatc REQUIRED)
 
 set(QORQL_GENERATED ${CMAKE_CURRENT_BINARY_DIR}/generated)
@@ -16,13 +17,30 @@ add_custom_command(OUTPUT ${QORQL_GENERATED}/MofCacheFormat_generated.h
                    COMMAND ${QORQL_FLATC} --cpp -o ${QORQL_GENERATED} ${CMAKE_CURRENT_SOURCE_DIR}/Cimom/Mof/MofCacheFormat.fbs
                    DEPENDS Cimom/Mof/MofCacheFormat.fbs VERBATIM)
 
+# The schema of the live classes is compiled in.
+file(GLOB QORQL_SCHEMA CONFIGURE_DEPENDS Cimom/Providers/Schema/*.mof)
+add_custom_command(OUTPUT ${QORQL_GENERATED}/LinuxSchema.cpp
+                   COMMAND ${CMAKE_COMMAND} -DFOLDER=${CMAKE_CURRENT_SOURCE_DIR}/Cimom/Providers/Schema
+                           -DOUTPUT=${QORQL_GENERATED}/LinuxSchema.cpp -P ${CMAKE_CURRENT_LIST_DIR}/QorqlSchema.cmake
+                   DEPENDS ${QORQL_SCHEMA} ${CMAKE_CURRENT_LIST_DIR}/QorqlSchema.cmake VERBATIM)
+
 file(GLOB QORQL_EMBEDDED_SOURCES CONFIGURE_DEPENDS Cimom/Embedded/*.cpp Cimom/Mof/*.cpp Cimom/Providers/*.cpp
      Cimom/CimXml/*.cpp)
-add_library(embedded SHARED ${QORQL_EMBEDDED_SOURCES} ${QORQL_GENERATED}/MofCacheFormat_generated.h)
+add_library(embedded SHARED ${QORQL_EMBEDDED_SOURCES} ${QORQL_GENERATED}/MofCacheFormat_generated.h
+                            ${QORQL_GENERATED}/LinuxSchema.cpp)
 # Whoever links it finds it beside the object model.
 set_target_properties(embedded PROPERTIES OUTPUT_NAME qorqlembedded INSTALL_RPATH "$ORIGIN")
 target_include_directories(embedded SYSTEM PRIVATE ${QORQL_GENERATED})
 target_link_libraries(embedded PUBLIC qorql_model
                                PRIVATE PkgConfig::INIH PkgConfig::PROC2 PkgConfig::MOUNT PkgConfig::UDEV PkgConfig::SYSTEMD
-                                       PkgConfig::ZSTD PkgConfig::XXHASH PkgConfig::EXPAT)
+                                       PkgConfig::ZSTD PkgConfig::XXHASH PkgConfig::EXPAT ${CMAKE_DL_LIBS})
 qorql_library(embedded embedded)
+
+# What reads the list of packages is loaded when they are asked for: its library would slow down every start.
+add_library(qorql_apt MODULE Cimom/Providers/Apt/AptPackages.cpp)
+set_target_properties(qorql_apt PROPERTIES PREFIX lib OUTPUT_NAME qorqlapt
+                                           LIBRARY_OUTPUT_DIRECTORY $<TARGET_FILE_DIR:embedded>/qorql)
+target_include_directories(qorql_apt PRIVATE ${PROJECT_SOURCE_DIR})
+target_link_libraries(qorql_apt PRIVATE PkgConfig::APT)
+qorql_target_options(qorql_apt)
+add_dependencies(embedded qorql_apt)

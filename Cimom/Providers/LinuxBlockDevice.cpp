@@ -6,11 +6,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <charconv>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "Cimom/Providers/LinuxProperty.h"
 #include "cimom/CQoriProviderException.h"
@@ -76,7 +78,13 @@ LinuxValue flagOf(const char* text) {
 
 LinuxValue readDeviceId(Device& device) { return textOrNull(udev_device_get_devnode(device.handle)); }
 LinuxValue readName(Device& device) { return textOrNull(udev_device_get_sysname(device.handle)); }
-LinuxValue readType(Device& device) { return textOrNull(udev_device_get_devtype(device.handle)); }
+LinuxValue readType(Device& device) {
+  const char* const name = udev_device_get_sysname(device.handle);
+  const char* const kind = udev_device_get_devtype(device.handle);
+  if (name == nullptr || kind == nullptr) return {};
+  const char* const mapping = device.attribute("dm/uuid");
+  return textValue(LinuxBlockDevice::typeOf(name, kind, mapping == nullptr ? "" : mapping));
+}
 LinuxValue readBlockSize(Device& device) { return valueOf(blockSizeOf(device)); }
 LinuxValue readSize(Device& device) { return valueOf(sizeOf(device)); }
 LinuxValue readBlockCount(Device& device) {
@@ -199,6 +207,25 @@ void LinuxBlockDevice::enumerate(const Request& request, const Emit& emit) {
     Device device{handle.get()};
     emitInstance(device, properties, emit);
   }
+}
+
+// The kernel calls disk whatever is no partition; its drivers have names of their own.
+std::string LinuxBlockDevice::typeOf(std::string_view name, std::string_view kind, std::string_view mapping) {
+  if (kind != "disk") return std::string(kind);
+  if (name.starts_with("dm-")) {
+    std::string type(mapping.substr(0, std::min(mapping.find('-'), mapping.size())));
+    for (char& letter : type) letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
+    return type == "lvm" || type == "crypt" || type == "mpath" ? type : "dm";
+  }
+  constexpr std::pair<std::string_view, const char*> kDrivers[] = {
+      {"loop", "loop"}, {"zram", "zram"}, {"ram", "ram"}, {"md", "raid"}, {"sr", "rom"}};
+  for (const auto& [prefix, type] : kDrivers) {
+    const bool isNumbered =
+        name.size() > prefix.size() &&
+        (std::isdigit(static_cast<unsigned char>(name[prefix.size()])) != 0 || name[prefix.size()] == '_');
+    if (name.starts_with(prefix) && isNumbered) return type;
+  }
+  return "disk";
 }
 
 std::string LinuxBlockDevice::nodeOf(dev_t number) {

@@ -5,6 +5,7 @@
 #include <sys/types.h>
 
 #include <string>
+#include <string_view>
 
 #include "Cimom/Embedded/InstanceProvider.h"
 
@@ -21,6 +22,8 @@ class LinuxBlockDevice : public InstanceProvider {
 
   // The DeviceID of the device with that number; empty when there is none.
   static std::string nodeOf(dev_t number);
+  // What a device is, from its name and kind in the kernel and what its device mapping calls itself.
+  static std::string typeOf(std::string_view name, std::string_view kind, std::string_view mapping);
 };
 
 #endif

@@ -9,7 +9,9 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cerrno>
+#include <cstring>
 #include <map>
 #include <memory>
 #include <optional>
@@ -85,14 +87,38 @@ std::string addressText(const sockaddr* address) {
   if (source == nullptr) return {};
   return inet_ntop(address->sa_family, source, text.data(), text.size()) == nullptr ? "" : text.data();
 }
-LinuxValue readAddresses(Port& port) {
+// How many leading bits of an address a mask keeps.
+QORuint8 prefixLength(const sockaddr* mask) {
+  const std::size_t length = mask->sa_family == AF_INET ? sizeof(in_addr) : sizeof(in6_addr);
+  std::array<unsigned char, sizeof(in6_addr)> bytes{};
+  const void* const source = mask->sa_family == AF_INET
+                                 ? static_cast<const void*>(&reinterpret_cast<const sockaddr_in*>(mask)->sin_addr)
+                                 : static_cast<const void*>(&reinterpret_cast<const sockaddr_in6*>(mask)->sin6_addr);
+  std::memcpy(bytes.data(), source, length);
+  int bits = 0;
+  for (std::size_t i = 0; i < length; ++i) bits += std::popcount(bytes[i]);
+  return static_cast<QORuint8>(bits);
+}
+
+// What `read` tells of each of the port's addresses, in one order.
+template <class Read>
+LinuxValue readOfAddresses(Port& port, const QORSmrPtr<IQoriType>& type, Read read) {
   QORSmrPtr<IQoriValue::List> elements = new IQoriValue::List();
   for (const ifaddrs* entry = port.addresses; entry != nullptr; entry = entry->ifa_next) {
     if (entry->ifa_addr == nullptr || port.name != entry->ifa_name) continue;
     const std::string text = addressText(entry->ifa_addr);
-    if (!text.empty()) elements->append(textValue(text));
+    if (!text.empty()) elements->append(read(*entry, text));
   }
-  return new CQoriValue(elements, CQoriType::string);
+  return new CQoriValue(elements, type);
+}
+LinuxValue readAddresses(Port& port) {
+  return readOfAddresses(port, CQoriType::string,
+                         [](const ifaddrs&, const std::string& text) { return textValue(text); });
+}
+LinuxValue readPrefixLengths(Port& port) {
+  return readOfAddresses(port, CQoriType::uint8, [](const ifaddrs& entry, const std::string&) {
+    return entry.ifa_netmask == nullptr ? LinuxValue() : uint8Value(prefixLength(entry.ifa_netmask));
+  });
 }
 
 // The keys that tie an interface to its system in fuller schemas.
@@ -107,6 +133,7 @@ constexpr LinuxProperty<Port> kProperties[] = {
     {"ElementName", readName},
     {"PermanentAddress", readHardwareAddress},
     {"NetworkAddresses", readAddresses},
+    {"PrefixLengths", readPrefixLengths},
     {"Speed", readSpeed},
     {"ActiveMaximumTransmissionUnit", readMtu},
     {"State", readState},
@@ -162,4 +189,13 @@ void LinuxNetworkPort::enumerate(const Request& request, const Emit& emit) {
     Port port{name, addresses.get(), portFlags};
     if (wanted.isNull() || wanted == name.c_str()) emitInstance(port, properties, emit);
   }
+}
+
+std::unordered_set<std::string> LinuxNetworkPort::ownAddresses() {
+  const Addresses addresses = readAllAddresses();
+  std::unordered_set<std::string> texts;
+  for (const ifaddrs* entry = addresses.get(); entry != nullptr; entry = entry->ifa_next) {
+    if (entry->ifa_addr != nullptr) texts.insert(addressText(entry->ifa_addr));
+  }
+  return texts;
 }

@@ -2,6 +2,9 @@
 #ifndef QORQL_PROVIDERS_LINUXNETWORKPORT_H
 #define QORQL_PROVIDERS_LINUXNETWORKPORT_H
 
+#include <string>
+#include <unordered_set>
+
 #include "Cimom/Embedded/InstanceProvider.h"
 
 // One instance per interface, in ascending order of the names. Stateless;
@@ -13,6 +16,9 @@ class LinuxNetworkPort : public InstanceProvider {
   QORString getClassName() const override { return kClassName; }
   // THROWS CQoriProviderException when the interfaces cannot be listed.
   void enumerate(const Request& request, const Emit& emit) override;
+
+  // The addresses of all interfaces. THROWS as above.
+  static std::unordered_set<std::string> ownAddresses();
 };
 
 #endif

@@ -7,6 +7,7 @@
 #include <sys/utsname.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <ctime>
@@ -81,6 +82,13 @@ LinuxValue readBootTime(System& system) {
   system.unreadable.note("/proc/stat", ENOENT);
   return {};
 }
+// In seconds, and sleep counts.
+LinuxValue readUpTime(System&) {
+  timespec sinceBoot{};
+  const bool isKnown = clock_gettime(CLOCK_BOOTTIME, &sinceBoot) == 0;
+  return isKnown ? uint64Value(static_cast<QORuint64>(sinceBoot.tv_sec)) : LinuxValue();
+}
+LinuxValue readTimeZoneName(System&) { return textOrNull(LinuxOperatingSystem::timeZoneOf("/etc/localtime").c_str()); }
 LinuxValue readLocalTime(System&) {
   timespec now{};
   clock_gettime(CLOCK_REALTIME, &now);
@@ -166,6 +174,8 @@ constexpr LinuxProperty<System> kProperties[] = {
     {"Architecture", readArchitecture},
     {"HostName", readHostName},
     {"LastBootUpTime", readBootTime},
+    {"UpTime", readUpTime},
+    {"TimeZone", readTimeZoneName},
     {"LocalDateTime", readLocalTime},
     {"CurrentTimeZone", readTimeZone},
     {"NumberOfProcesses", readProcessCount},
@@ -188,6 +198,17 @@ constexpr LinuxProperty<System> kProperties[] = {
 QORString LinuxOperatingSystem::name() {
   System system;
   return QORString(systemName(system));
+}
+
+// A link into the folder of the zones; a system without one is in UTC. A copy of a zone's file has no name to tell.
+std::string LinuxOperatingSystem::timeZoneOf(const std::string& link) {
+  constexpr std::string_view kZones = "/zoneinfo/";
+  std::array<char, 4096> target;
+  const ssize_t length = readlink(link.c_str(), target.data(), target.size());
+  if (length < 0) return errno == ENOENT ? "UTC" : "";
+  const std::string_view path(target.data(), static_cast<std::size_t>(length));
+  const std::size_t zones = path.find(kZones);
+  return zones == std::string_view::npos ? "" : std::string(path.substr(zones + kZones.size()));
 }
 
 void LinuxOperatingSystem::enumerate(const Request& request, const Emit& emit) {

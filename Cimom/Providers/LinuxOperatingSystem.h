@@ -2,6 +2,8 @@
 #ifndef QORQL_PROVIDERS_LINUXOPERATINGSYSTEM_H
 #define QORQL_PROVIDERS_LINUXOPERATINGSYSTEM_H
 
+#include <string>
+
 #include "Cimom/Embedded/InstanceProvider.h"
 
 // Always one instance. Stateless; several threads may enumerate at once.
@@ -14,6 +16,8 @@ class LinuxOperatingSystem : public InstanceProvider {
 
   // The distribution's name, the key of the instance.
   static QORString name();
+  // The time zone that such a link as /etc/localtime names; "UTC" where there is none, empty where it names none.
+  static std::string timeZoneOf(const std::string& link);
 };
 
 #endif

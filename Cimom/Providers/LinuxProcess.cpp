@@ -11,12 +11,17 @@
 
 #include <array>
 #include <cerrno>
+#include <cmath>
 #include <cstdio>
+#include <ctime>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "Cimom/Providers/LinuxOperatingSystem.h"
+#include "Cimom/Providers/LinuxProcessFiles.h"
+#include "Cimom/Providers/LinuxProcessorUse.h"
 #include "Cimom/Providers/LinuxProperty.h"
 #include "cimom/CQoriProviderException.h"
 
@@ -30,8 +35,11 @@ constexpr QORuint32 kCimErrFailed = 1;
 struct Sample {
   const pids_result* item = nullptr;  // the property's own item
   int pid = 0;
-  bool hasEnded = false;  // noticed while reading it
+  bool hasEnded = false;                            // noticed while reading it
+  const LinuxProcessorUse* processorUse = nullptr;  // null unless it is asked for
+  QORuint64 began = 0;                              // told where processorUse is there
   std::map<unsigned, std::string> userNames{};
+  std::map<int, std::string> parentNames{};
   std::string ioCounters{};  // of the process `ioPid`
   int ioPid = 0;
   UnreadableParts unreadable{};
@@ -78,6 +86,7 @@ LinuxValue readState(Sample& sample) { return textValue(stateOf(sample).name); }
 LinuxValue readExecutionState(Sample& sample) { return uint16Value(stateOf(sample).executionState); }
 
 LinuxValue readUint32(Sample& sample) { return uint32Value(static_cast<QORuint32>(sample.item->result.s_int)); }
+LinuxValue readUserNumber(Sample& sample) { return uint32Value(sample.item->result.u_int); }
 LinuxValue readSint32(Sample& sample) { return sint32Value(sample.item->result.s_int); }
 LinuxValue readBytes(Sample& sample) { return uint64Value(sample.item->result.ul_int); }
 LinuxValue readKibibytes(Sample& sample) { return uint64Value(QORuint64{sample.item->result.ul_int} * 1024); }
@@ -96,6 +105,33 @@ LinuxValue readCreationDate(Sample& sample) {
   if (bootTimeMicroseconds() == 0) return {};
   const QORuint64 sinceBoot = sample.item->result.ull_int * 1000000 / ticksPerSecond();
   return dateTimeValue(0, bootTimeMicroseconds() + static_cast<QORsint64>(sinceBoot));
+}
+
+LinuxValue readElapsedTime(Sample& sample) {
+  timespec now{};
+  if (clock_gettime(CLOCK_BOOTTIME, &now) != 0) return {};
+  const QORuint64 began = sample.item->result.ull_int / ticksPerSecond();
+  const QORuint64 sinceBoot = static_cast<QORuint64>(now.tv_sec);
+  return uint64Value(sinceBoot > began ? sinceBoot - began : 0);
+}
+LinuxValue readProcessorUse(Sample& sample) {
+  if (sample.processorUse == nullptr) return {};
+  const LinuxProcessorUse::Reading now{sample.item->result.ull_int, sample.began, LinuxProcessorUse::Clock::now()};
+  // More digits than one say nothing: a tick is two percent of the window.
+  return real64Value(std::round(sample.processorUse->percent(sample.pid, now) * 10) / 10);
+}
+
+// The library has "?" for a process without one.
+LinuxValue readTerminal(Sample& sample) {
+  const char* const name = sample.item->result.str;
+  return name == nullptr || *name == '?' ? LinuxValue() : textOrNull(name);
+}
+
+LinuxValue readParentName(Sample& sample) {
+  const int parent = sample.item->result.s_int;
+  const auto [entry, isNew] = sample.parentNames.try_emplace(parent);
+  if (isNew && parent > 0) entry->second = processName(parent);
+  return textOrNull(entry->second.c_str());
 }
 
 std::string userName(unsigned id) {
@@ -118,16 +154,27 @@ void noteFailure(Sample& sample, const std::string& path, int error) {
   if (!isGone) sample.unreadable.note(path, error);
 }
 
-// Null for a kernel thread and where the caller lacks the permission.
-LinuxValue readExecutable(Sample& sample) {
-  std::array<char, 4096> target;
-  const std::string path = sample.path("exe");
-  const ssize_t length = readlink(path.c_str(), target.data(), target.size());
-  if (length < 0) {
-    noteFailure(sample, path, errno);
-    return {};
-  }
-  return textValue({target.data(), static_cast<std::size_t>(length)});
+// A fact that a file of the process tells: null for a kernel thread and where the caller lacks the permission.
+template <class Fact>
+LinuxValue readFact(Sample& sample, const char* file, Fact fact) {
+  const std::string path = sample.path(file);
+  const auto found = fact(path);
+  if (!found) noteFailure(sample, path, errno);
+  if constexpr (std::is_same_v<Fact, decltype(&readProcessLink)>) return found ? textValue(*found) : LinuxValue();
+  if constexpr (std::is_same_v<Fact, decltype(&countEntries)>) return found ? uint32Value(*found) : LinuxValue();
+  if constexpr (std::is_same_v<Fact, decltype(&executableExists)>) return found ? booleanValue(*found) : LinuxValue();
+}
+LinuxValue readExecutable(Sample& sample) { return readFact(sample, "exe", &readProcessLink); }
+LinuxValue readExecutableExists(Sample& sample) { return readFact(sample, "exe", &executableExists); }
+LinuxValue readWorkingDirectory(Sample& sample) { return readFact(sample, "cwd", &readProcessLink); }
+LinuxValue readOpenFileCount(Sample& sample) { return readFact(sample, "fd", &countEntries); }
+
+LinuxValue readControlGroup(Sample& sample) {
+  const std::string path = sample.path("cgroup");
+  const std::string content = readSmallFile(path);
+  if (errno != 0) noteFailure(sample, path, errno);
+  const QORString group = controlGroupIn(content);
+  return group.isNull() ? LinuxValue() : textValue(group.view());
 }
 
 const std::string& ioCounters(Sample& sample) {
@@ -174,16 +221,26 @@ LinuxValue readOsName(Sample& sample) {
   return systemKey(sample, "OS", [] { return textValue(LinuxOperatingSystem::name().view()); });
 }
 
+constexpr const char* kProcessorUse = "CPUPercent";
+
 constexpr ProcessProperty kProperties[] = {
     {"Handle", PIDS_noop, readHandle},
     {"ProcessID", PIDS_noop, readProcessId},
     {"ParentProcessID", PIDS_ID_PPID, readUint32},
+    {"ParentName", PIDS_ID_PPID, readParentName},
     {"Name", PIDS_CMD, readCommandName},
     {"Caption", PIDS_CMD, readCommandName},
     {"ElementName", PIDS_CMD, readCommandName},
     {"CommandLine", PIDS_CMDLINE_V, readCommandLine},
     {"Executable", PIDS_noop, readExecutable},
+    {"ExecutableExists", PIDS_noop, readExecutableExists},
+    {"WorkingDirectory", PIDS_noop, readWorkingDirectory},
+    {"OpenFileCount", PIDS_noop, readOpenFileCount},
+    {"ControlGroup", PIDS_noop, readControlGroup},
+    {"Terminal", PIDS_TTY_NAME, readTerminal},
     {"OwnerUser", PIDS_ID_EUID, readOwner},
+    {"UserID", PIDS_ID_EUID, readUserNumber},
+    {"GroupID", PIDS_ID_EGID, readUserNumber},
     {"State", PIDS_STATE, readState},
     {"ExecutionState", PIDS_STATE, readExecutionState},
     {"Priority", PIDS_PRIORITY, readPriority},
@@ -191,9 +248,12 @@ constexpr ProcessProperty kProperties[] = {
     {"ThreadCount", PIDS_NLWP, readUint32},
     {"SessionID", PIDS_ID_SESSION, readUint32},
     {"CreationDate", PIDS_TICS_BEGAN, readCreationDate},
+    {"ElapsedTime", PIDS_TICS_BEGAN, readElapsedTime},
+    {kProcessorUse, PIDS_TICS_ALL, readProcessorUse},
     {"KernelModeTime", PIDS_TICS_SYSTEM, readMilliseconds},
     {"UserModeTime", PIDS_TICS_USER, readMilliseconds},
     {"WorkingSetSize", PIDS_MEM_RES, readKibibytes},
+    {"SwapSize", PIDS_VM_SWAP, readKibibytes},
     {"VirtualMemorySize", PIDS_VSIZE_BYTES, readBytes},
     {"BytesRead", PIDS_noop, readBytesRead},
     {"BytesWritten", PIDS_noop, readBytesWritten},
@@ -224,12 +284,13 @@ Processes openProcesses(std::vector<pids_item> items) {
   return Processes(processes);
 }
 
-// The items of the bound properties, then the process id.
-Processes openProcesses(const BoundProperties& properties) {
+// The items of the bound properties, then the process id, and when it began where that is needed.
+Processes openProcesses(const BoundProperties& properties, bool needsBegin) {
   std::vector<pids_item> items;
-  items.reserve(properties.size() + 1);
+  items.reserve(properties.size() + 2);
   for (const ProcessProperty* property : properties) items.push_back(property == nullptr ? PIDS_noop : property->item);
   items.push_back(PIDS_ID_PID);
+  if (needsBegin) items.push_back(PIDS_TICS_BEGAN);
   return openProcesses(std::move(items));
 }
 
@@ -247,6 +308,7 @@ void emitProcess(Sample& sample, const BoundProperties& properties, const pids_s
   std::vector<LinuxValue> values;
   values.reserve(properties.size());
   sample.pid = stack.head[properties.size()].result.s_int;
+  if (sample.processorUse != nullptr) sample.began = stack.head[properties.size() + 1].result.ull_int;
   sample.hasEnded = false;
   for (std::size_t i = 0; i < properties.size() && !sample.hasEnded; ++i) {
     if (properties[i] == nullptr) {
@@ -259,28 +321,48 @@ void emitProcess(Sample& sample, const BoundProperties& properties, const pids_s
   if (!sample.hasEnded) emit(std::move(values));
 }
 
-void emitOne(pids_info* processes, const QORString& handle, const BoundProperties& properties,
-             const InstanceProvider::Emit& emit) {
-  unsigned pid = static_cast<unsigned>(handle.atoi());
+// The processes of an enumeration: all, or the one that is wanted.
+template <class Take>
+void forEachProcess(pids_info* processes, const QORString& wanted, Take take) {
+  if (wanted.isNull()) {
+    while (const pids_stack* stack = procps_pids_get(processes, PIDS_FETCH_TASKS_ONLY)) take(*stack);
+    return;
+  }
+  unsigned pid = static_cast<unsigned>(wanted.atoi());
   const pids_fetch* const fetched = procps_pids_select(processes, &pid, 1, PIDS_SELECT_PID);
-  if (fetched == nullptr || fetched->counts->total == 0) return;
-  Sample sample;
-  emitProcess(sample, properties, *fetched->stacks[0], emit);
+  if (fetched != nullptr && fetched->counts->total != 0) take(*fetched->stacks[0]);
+}
+
+// The first process is always there, unless those of other users are hidden.
+void warnOfHiddenProcesses() {
+  if (access("/proc/1", F_OK) != 0) warnUnreadable("the processes of other users", errno);
+}
+
+// The first reading, and the time until the second one.
+LinuxProcessorUse watchProcessorUse(const QORString& wanted) {
+  LinuxProcessorUse use(ticksPerSecond(), LinuxProcessorUse::Clock::now());
+  const Processes processes = openProcesses(std::vector<pids_item>{PIDS_ID_PID, PIDS_TICS_ALL, PIDS_TICS_BEGAN});
+  forEachProcess(processes.get(), wanted, [&](const pids_stack& stack) {
+    use.note(stack.head[0].result.s_int,
+             {stack.head[1].result.ull_int, stack.head[2].result.ull_int, LinuxProcessorUse::Clock::now()});
+  });
+  use.waitForEnd();
+  return use;
 }
 
 }  // namespace
 
 void LinuxProcess::enumerate(const Request& request, const Emit& emit) {
   const BoundProperties properties = bindProperties<ProcessProperty>(request, kProperties);
-  const Processes processes = openProcesses(properties);
   const QORString wanted = wantedKey(request, "Handle");
-  if (!wanted.isNull()) return emitOne(processes.get(), wanted, properties, emit);
-  // The first process is always there, unless those of other users are hidden.
-  if (access("/proc/1", F_OK) != 0) warnUnreadable("the processes of other users", errno);
+  std::optional<LinuxProcessorUse> processorUse;
+  if (request.needs(kProcessorUse)) processorUse = watchProcessorUse(wanted);
+  const Processes processes = openProcesses(properties, processorUse.has_value());
+  if (wanted.isNull()) warnOfHiddenProcesses();
   Sample sample;
-  while (const pids_stack* stack = procps_pids_get(processes.get(), PIDS_FETCH_TASKS_ONLY)) {
-    emitProcess(sample, properties, *stack, emit);
-  }
+  sample.processorUse = processorUse ? &*processorUse : nullptr;
+  forEachProcess(processes.get(), wanted,
+                 [&](const pids_stack& stack) { emitProcess(sample, properties, stack, emit); });
 }
 
 std::vector<LinuxProcess::Owner> LinuxProcess::owners() {
@@ -290,4 +372,16 @@ std::vector<LinuxProcess::Owner> LinuxProcess::owners() {
     owners.push_back({stack->head[0].result.s_int, stack->head[1].result.u_int});
   }
   return owners;
+}
+
+std::map<uid_t, LinuxProcess::Share> LinuxProcess::sharesOfUsers() {
+  const Processes processes = openProcesses(std::vector<pids_item>{PIDS_ID_EUID, PIDS_MEM_RES});
+  warnOfHiddenProcesses();
+  std::map<uid_t, Share> shares;
+  while (const pids_stack* stack = procps_pids_get(processes.get(), PIDS_FETCH_TASKS_ONLY)) {
+    Share& share = shares[stack->head[0].result.u_int];
+    ++share.processes;
+    share.memory += QORuint64{stack->head[1].result.ul_int} * 1024;
+  }
+  return shares;
 }

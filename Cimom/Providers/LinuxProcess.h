@@ -4,13 +4,15 @@
 
 #include <sys/types.h>
 
+#include <map>
 #include <vector>
 
 #include "Cimom/Embedded/InstanceProvider.h"
 
 // One instance per process, in ascending order of the kernel's process table.
 // Stateless; several threads may enumerate at once. Reads from the kernel only
-// what the request names. libproc2 keeps some 256 KiB for each thread that has
+// what the request names; one that names CPUPercent takes half a second, the
+// window in which that is measured. libproc2 keeps some 256 KiB for each thread that has
 // enumerated and never frees them, not even when the thread ends: a
 // program with many short-lived threads should enumerate on a thread that stays.
 class LinuxProcess : public InstanceProvider {
@@ -27,6 +29,13 @@ class LinuxProcess : public InstanceProvider {
   };
   // The processes that there are, in the order of the instances. THROWS as above.
   static std::vector<Owner> owners();
+
+  struct Share {
+    QORuint32 processes = 0;
+    QORuint64 memory = 0;  // what is resident, in bytes; what processes share counts for each
+  };
+  // What the processes of each effective user take together. THROWS as above.
+  static std::map<uid_t, Share> sharesOfUsers();
 };
 
 #endif

@@ -10,9 +10,9 @@ const char* const LinuxProcessPort::kClassName = "Linux_ProcessPort";
 void LinuxProcessPort::enumerate(const Request& request, const Emit& emit) {
   const LinuxReferences references(request.nameSpace);
   const LinuxPairs pairs(request, emit, "Antecedent", "Dependent");
-  const std::vector<LinuxSocket> sockets = readWaitingSockets();
+  const LinuxSocketEntries sockets = readSockets(LinuxSocketChoice::Waiting);
   const auto holders = readSocketHolders(sockets);
-  for (const LinuxSocket& socket : sockets) {
+  for (const LinuxSocketEntry& socket : sockets) {
     const LinuxValue port = references.listeningPort(socket.name);
     for (const int pid : holders.at(socket.inode)) pairs.emit(references.process(pid), port);
   }

@@ -2,19 +2,27 @@
 #include "Cimom/Providers/LinuxProviders.h"
 
 #include "Cimom/Providers/LinuxBlockDevice.h"
+#include "Cimom/Providers/LinuxComputerSystem.h"
+#include "Cimom/Providers/LinuxCronEntry.h"
 #include "Cimom/Providers/LinuxFileSystem.h"
 #include "Cimom/Providers/LinuxFileSystemDevice.h"
 #include "Cimom/Providers/LinuxGroup.h"
 #include "Cimom/Providers/LinuxGroupMember.h"
+#include "Cimom/Providers/LinuxKernelModule.h"
 #include "Cimom/Providers/LinuxListeningPort.h"
+#include "Cimom/Providers/LinuxLogin.h"
 #include "Cimom/Providers/LinuxNetworkPort.h"
 #include "Cimom/Providers/LinuxOperatingSystem.h"
+#include "Cimom/Providers/LinuxPackage.h"
 #include "Cimom/Providers/LinuxProcess.h"
 #include "Cimom/Providers/LinuxProcessOwner.h"
 #include "Cimom/Providers/LinuxProcessPort.h"
 #include "Cimom/Providers/LinuxProcessor.h"
+#include "Cimom/Providers/LinuxRoute.h"
 #include "Cimom/Providers/LinuxService.h"
 #include "Cimom/Providers/LinuxServiceProcess.h"
+#include "Cimom/Providers/LinuxSocket.h"
+#include "Cimom/Providers/LinuxTimer.h"
 #include "Cimom/Providers/LinuxUser.h"
 
 void registerLinuxProviders(EmbeddedObjectManager& manager, const QORString& nameSpace) {
@@ -25,6 +33,14 @@ void registerLinuxProviders(EmbeddedObjectManager& manager, const QORString& nam
                                                          std::make_shared<LinuxNetworkPort>(),
                                                          std::make_shared<LinuxBlockDevice>(),
                                                          std::make_shared<LinuxListeningPort>(),
+                                                         std::make_shared<LinuxSocket>(),
+                                                         std::make_shared<LinuxComputerSystem>(),
+                                                         std::make_shared<LinuxCronEntry>(),
+                                                         std::make_shared<LinuxKernelModule>(),
+                                                         std::make_shared<LinuxLogin>(),
+                                                         std::make_shared<LinuxPackage>(),
+                                                         std::make_shared<LinuxRoute>(),
+                                                         std::make_shared<LinuxTimer>(),
                                                          std::make_shared<LinuxUser>(),
                                                          std::make_shared<LinuxGroup>(),
                                                          std::make_shared<LinuxService>(),

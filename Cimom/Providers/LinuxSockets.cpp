@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <charconv>
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <unordered_set>
@@ -21,8 +22,10 @@
 namespace {
 
 constexpr QORuint32 kCimErrFailed = 1;
-constexpr std::string_view kTcpListen = "0A";
-constexpr std::string_view kUdpUnconnected = "07";
+// The kernel's numbers of states, which UDP shares as far as it needs them.
+constexpr int kEstablished = 1;
+constexpr int kClosed = 7;
+constexpr int kListening = 10;
 
 // The words of a line, which blanks separate.
 std::vector<std::string_view> wordsOf(std::string_view line) {
@@ -57,20 +60,49 @@ bool readAddress(std::string_view digits, bool isVersion6, std::string& address)
   return true;
 }
 
-bool readEnd(std::string_view text, bool isVersion6, LinuxSocket& socket) {
+bool readEnd(std::string_view text, bool isVersion6, LinuxSocketEnd& end) {
   const std::size_t colon = text.find(':');
-  return colon != std::string_view::npos && readAddress(text.substr(0, colon), isVersion6, socket.address) &&
-         readNumber(text.substr(colon + 1), socket.port, 16);
+  return colon != std::string_view::npos && readAddress(text.substr(0, colon), isVersion6, end.address) &&
+         readNumber(text.substr(colon + 1), end.port, 16);
 }
 
 // Columns: number, local end, remote end, state, queues, timer, retransmissions, user, timeout, inode.
-bool readLine(std::string_view line, LinuxSocket& socket) {
+bool readLine(std::string_view line, LinuxSocketEntry& socket) {
   const std::vector<std::string_view> words = wordsOf(line);
-  if (words.size() < 10) return false;
-  const bool isTcp = std::strcmp(socket.protocol, "tcp") == 0;
-  return words[3] == (isTcp ? kTcpListen : kUdpUnconnected) && readEnd(words[1], socket.isVersion6, socket) &&
+  return words.size() >= 10 && readNumber(words[3], socket.state, 16) &&
+         readEnd(words[1], socket.isVersion6, socket.local) && readEnd(words[2], socket.isVersion6, socket.remote) &&
          readNumber(words[7], socket.user, 10) && readNumber(words[9], socket.inode, 10);
 }
+
+bool isTcp(const LinuxSocketEntry& socket) { return std::strcmp(socket.protocol, "tcp") == 0; }
+
+std::string textOf(const LinuxSocketEnd& end, bool isVersion6) {
+  return (isVersion6 ? '[' + end.address + ']' : end.address) + ':' + std::to_string(end.port);
+}
+
+// What is read of one table after another: no two sockets have one name.
+class SocketCollector {
+ public:
+  SocketCollector(LinuxSocketChoice choice, LinuxSocketEntries& out) : _choice(choice), _out(out) {
+    for (const LinuxSocketEntry& known : out) _names.insert(known.name);
+  }
+
+  void add(LinuxSocketEntry socket) {
+    if (_choice == LinuxSocketChoice::Waiting && !socket.isWaiting()) return;
+    socket.name = std::string(socket.protocol) + ':' + textOf(socket.local, socket.isVersion6);
+    if (!socket.isWaiting()) socket.name += '-' + textOf(socket.remote, socket.isVersion6);
+    if (!_names.insert(socket.name).second) {
+      socket.name += '#' + std::to_string(socket.inode);
+      _names.insert(socket.name);
+    }
+    _out.push_back(std::move(socket));
+  }
+
+ private:
+  LinuxSocketChoice _choice;
+  LinuxSocketEntries& _out;
+  std::unordered_set<std::string> _names;
+};
 
 struct CloseFolder {
   void operator()(DIR* folder) const noexcept { closedir(folder); }
@@ -120,53 +152,58 @@ int addHolder(int pid, const std::string& path, std::unordered_map<QORuint64, st
 
 }  // namespace
 
-void parseSocketTable(std::string_view table, const char* protocol, bool isVersion6, std::vector<LinuxSocket>& out) {
-  std::unordered_set<std::string> names;
-  for (const LinuxSocket& known : out) names.insert(known.name);
+bool LinuxSocketEntry::isWaiting() const { return state == (isTcp(*this) ? kListening : kClosed); }
+
+const char* LinuxSocketEntry::stateName() const {
+  constexpr const char* kNames[] = {"Unknown",   "Established", "SynSent",    "SynReceived", "FinWait1",
+                                    "FinWait2",  "TimeWait",    "Closed",     "CloseWait",   "LastAck",
+                                    "Listening", "Closing",     "SynReceived"};
+  static_assert(std::size(kNames) > kListening);
+  if (!isTcp(*this)) return state == kEstablished ? "Established" : "Unconnected";
+  return state > 0 && static_cast<std::size_t>(state) < std::size(kNames) ? kNames[state] : kNames[0];
+}
+
+void parseSocketTable(std::string_view table, const char* protocol, bool isVersion6, LinuxSocketChoice choice,
+                      LinuxSocketEntries& out) {
+  SocketCollector collector(choice, out);
   while (!table.empty()) {
     const std::size_t end = std::min(table.find('\n'), table.size());
-    LinuxSocket socket;
+    LinuxSocketEntry socket;
     socket.protocol = protocol;
     socket.isVersion6 = isVersion6;
-    if (readLine(table.substr(0, end), socket)) {
-      const std::string host = isVersion6 ? '[' + socket.address + ']' : socket.address;
-      socket.name = std::string(protocol) + ':' + host + ':' + std::to_string(socket.port);
-      if (!names.insert(socket.name).second) socket.name += '#' + std::to_string(socket.inode);
-      out.push_back(std::move(socket));
-    }
+    if (readLine(table.substr(0, end), socket)) collector.add(std::move(socket));
     table.remove_prefix(std::min(end + 1, table.size()));
   }
 }
 
-std::vector<LinuxSocket> readWaitingSockets() {
+LinuxSocketEntries readSockets(LinuxSocketChoice choice, const std::string& folder) {
   struct Table {
-    const char* path;
+    const char* file;
     const char* protocol;
     bool isVersion6;
   };
-  constexpr Table kTables[] = {{"/proc/self/net/tcp", "tcp", false},
-                               {"/proc/self/net/tcp6", "tcp", true},
-                               {"/proc/self/net/udp", "udp", false},
-                               {"/proc/self/net/udp6", "udp", true}};
-  std::vector<LinuxSocket> sockets;
+  constexpr Table kTables[] = {
+      {"/tcp", "tcp", false}, {"/tcp6", "tcp", true}, {"/udp", "udp", false}, {"/udp6", "udp", true}};
+  LinuxSocketEntries sockets;
   bool hasTable = false;
   for (const Table& table : kTables) {
-    const std::string content = readSmallFile(table.path);
+    const std::string path = folder + table.file;
+    const std::string content = readSmallFile(path);
     // A kernel without IPv6 has no such table.
     if (content.empty() && errno != 0) {
-      if (errno != ENOENT) warnUnreadable(table.path, errno);
+      if (errno != ENOENT) warnUnreadable(path, errno);
       continue;
     }
     hasTable = true;
-    parseSocketTable(content, table.protocol, table.isVersion6, sockets);
+    parseSocketTable(content, table.protocol, table.isVersion6, choice, sockets);
   }
   if (!hasTable) throw CQoriProviderException("Linux sockets", "The tables of sockets cannot be read", kCimErrFailed);
   return sockets;
 }
 
-std::unordered_map<QORuint64, std::vector<int>> readSocketHolders(const std::vector<LinuxSocket>& sockets) {
+std::unordered_map<QORuint64, std::vector<int>> readSocketHolders(const LinuxSocketEntries& sockets) {
   std::unordered_map<QORuint64, std::vector<int>> holders;
-  for (const LinuxSocket& socket : sockets) holders.try_emplace(socket.inode);
+  for (const LinuxSocketEntry& socket : sockets) holders.try_emplace(socket.inode);
   UnreadableParts unreadable;
   for (const int pid : readProcessIds()) {
     const std::string path = "/proc/" + std::to_string(pid) + "/fd";

@@ -5,6 +5,7 @@
 #include <systemd/sd-daemon.h>
 
 #include <cstdlib>
+#include <ctime>
 #include <memory>
 
 #include "Cimom/Embedded/InstanceProvider.h"
@@ -17,8 +18,8 @@ constexpr QORuint64 kTimeoutMicroseconds = 5000000;
 constexpr const char* kDestination = "org.freedesktop.systemd1";
 
 [[noreturn]] void raiseUnreachable(int error) {
-  logUnreadable("the services of systemd", error);
-  throw CQoriProviderException("Linux services", "The services of systemd cannot be listed", kCimErrFailed);
+  logUnreadable("the units of systemd", error);
+  throw CQoriProviderException("Linux services", "The units of systemd cannot be listed", kCimErrFailed);
 }
 
 [[noreturn]] void raiseAbsent() {
@@ -64,12 +65,12 @@ LinuxUnits::LinuxUnits(const Connect& connect) : _bus(connect()) {
 
 LinuxUnits::~LinuxUnits() { sd_bus_flush_close_unref(_bus); }
 
-std::vector<LinuxUnits::Unit> LinuxUnits::services() {
+std::vector<LinuxUnits::Unit> LinuxUnits::list(const char* pattern) {
   if (_bus == nullptr) raiseAbsent();
   sd_bus_message* reply = nullptr;
   const int result =
       sd_bus_call_method(_bus, kDestination, "/org/freedesktop/systemd1", "org.freedesktop.systemd1.Manager",
-                         "ListUnitsByPatterns", nullptr, &reply, "asas", 0, 1, "*.service");
+                         "ListUnitsByPatterns", nullptr, &reply, "asas", 0, 1, pattern);
   const Message list(reply);
   if (result < 0) raiseUnreachable(-result);
   const int entered = sd_bus_message_enter_container(reply, SD_BUS_TYPE_ARRAY, "(ssssssouso)");
@@ -90,10 +91,64 @@ QORuint32 LinuxUnits::mainProcess(const Unit& unit) {
 }
 
 std::string LinuxUnits::fileState(const Unit& unit) {
-  char* state = nullptr;
-  const int result = sd_bus_get_property_string(_bus, kDestination, unit.path.c_str(), "org.freedesktop.systemd1.Unit",
-                                                "UnitFileState", nullptr, &state);
-  const Text text(state);
-  if (result < 0) _unreadable.note("the file state of " + unit.name, -result);
-  return result < 0 || state == nullptr ? "" : state;
+  return text(unit, "org.freedesktop.systemd1.Unit", "UnitFileState");
+}
+
+std::string LinuxUnits::text(const Unit& unit, const char* interface, const char* property) {
+  char* found = nullptr;
+  const int result =
+      sd_bus_get_property_string(_bus, kDestination, unit.path.c_str(), interface, property, nullptr, &found);
+  const Text text(found);
+  if (result < 0) _unreadable.note(std::string(property) + " of " + unit.name, -result);
+  return result < 0 || found == nullptr ? "" : found;
+}
+
+QORuint64 LinuxUnits::number(const Unit& unit, const char* interface, const char* property) {
+  uint64_t found = 0;
+  const int result =
+      sd_bus_get_property_trivial(_bus, kDestination, unit.path.c_str(), interface, property, nullptr, 't', &found);
+  if (result < 0) _unreadable.note(std::string(property) + " of " + unit.name, -result);
+  return result < 0 ? 0 : found;
+}
+
+// `take` reads one element of the list and returns what the bus does: below 0 for an error, 0 at the end.
+template <class Take>
+void LinuxUnits::readList(const Unit& unit, const char* property, const char* type, Take take) {
+  sd_bus_message* reply = nullptr;
+  int result = sd_bus_get_property(_bus, kDestination, unit.path.c_str(), "org.freedesktop.systemd1.Timer", property,
+                                   nullptr, &reply, (std::string("a") + type).c_str());
+  const Message list(reply);
+  if (result >= 0) result = sd_bus_message_enter_container(reply, SD_BUS_TYPE_ARRAY, type);
+  while (result > 0) result = take(reply);
+  if (result < 0) _unreadable.note(std::string(property) + " of " + unit.name, -result);
+}
+
+std::vector<std::string> LinuxUnits::schedule(const Unit& timer) {
+  std::vector<std::string> times;
+  const char* base = nullptr;
+  readList(timer, "TimersCalendar", "(sst)", [&](sd_bus_message* list) {
+    const char* specification = nullptr;
+    const int result = sd_bus_message_read(list, "(sst)", &base, &specification, nullptr);
+    if (result > 0) times.emplace_back(specification);
+    return result;
+  });
+  readList(timer, "TimersMonotonic", "(stt)", [&](sd_bus_message* list) {
+    uint64_t microseconds = 0;
+    const int result = sd_bus_message_read(list, "(stt)", &base, &microseconds, nullptr);
+    // "OnBootUSec", as the bus has it, is "OnBootSec" in the timer's file.
+    std::string name = result > 0 ? base : "";
+    if (name.ends_with("USec")) name.replace(name.size() - 4, 4, "Sec");
+    if (result > 0) times.push_back(name + '=' + std::to_string(microseconds / 1000000) + 's');
+    return result;
+  });
+  return times;
+}
+
+QORuint64 LinuxUnits::realTimeOf(QORuint64 monotonicMicroseconds) {
+  const auto microsecondsOf = [](clockid_t clock) {
+    timespec now{};
+    clock_gettime(clock, &now);
+    return static_cast<QORuint64>(now.tv_sec) * 1000000 + static_cast<QORuint64>(now.tv_nsec) / 1000;
+  };
+  return microsecondsOf(CLOCK_REALTIME) - microsecondsOf(CLOCK_MONOTONIC) + monotonicMicroseconds;
 }

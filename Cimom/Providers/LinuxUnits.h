@@ -37,13 +37,29 @@ class LinuxUnits {
   // The services in the order in which systemd lists them, without those that
   // are only mentioned by others. THROWS CQoriProviderException when it does not
   // answer, and (kNoSource) where it does not run.
-  std::vector<Unit> services();
+  std::vector<Unit> services() { return list("*.service"); }
+  // The timers, likewise.
+  std::vector<Unit> timers() { return list("*.timer"); }
+  // Whether systemd runs, and the folder by which one sees that.
+  bool isThere() const noexcept { return _bus != nullptr; }
+  static constexpr const char* kRuntimeFolder = "/run/systemd/system";
   // 0 when it has none or when systemd does not tell, which is logged.
   QORuint32 mainProcess(const Unit& unit);
   // "enabled", "disabled", "static", ...; empty when it has none or when systemd does not tell.
   std::string fileState(const Unit& unit);
+  // A property of the unit's bus object; empty or 0 when systemd does not tell, which is logged.
+  std::string text(const Unit& unit, const char* interface, const char* property);
+  QORuint64 number(const Unit& unit, const char* interface, const char* property);
+  // When a timer is to elapse: "*-*-* 06:00:00", "OnBootSec=900s".
+  std::vector<std::string> schedule(const Unit& timer);
+  // A moment by the clock that stands still with the machine, in microseconds since the epoch.
+  static QORuint64 realTimeOf(QORuint64 monotonicMicroseconds);
 
  private:
+  std::vector<Unit> list(const char* pattern);
+  template <class Take>
+  void readList(const Unit& unit, const char* property, const char* type, Take take);
+
   sd_bus* _bus;  // OWNS; null where systemd does not run
   UnreadableParts _unreadable;
 };

@@ -1,14 +1,25 @@
 // Users, as the system's user database lists them.
 #include "Cimom/Providers/LinuxUser.h"
 
+#include <cerrno>
+#include <map>
+#include <optional>
+
 #include "Cimom/Providers/LinuxAccounts.h"
+#include "Cimom/Providers/LinuxProcess.h"
 #include "Cimom/Providers/LinuxProperty.h"
+#include "cimom/CQoriProviderException.h"
 
 const char* const LinuxUser::kClassName = "Linux_User";
 
 namespace {
 
-using Account = const LinuxAccount;
+using Shares = std::map<uid_t, LinuxProcess::Share>;
+
+// The user who is being read, and what the processes of all users take, which the first that needs it reads.
+struct Account : LinuxAccount {
+  std::optional<Shares>& shares;
+};
 
 LinuxValue readName(Account& account) { return textValue(account.name); }
 LinuxValue readUserId(Account& account) { return textValue(std::to_string(account.number)); }
@@ -19,6 +30,28 @@ LinuxValue readFullName(Account& account) {
 }
 LinuxValue readHomeFolder(Account& account) { return textOrNull(account.homeFolder.c_str()); }
 LinuxValue readShell(Account& account) { return textOrNull(account.shell.c_str()); }
+
+// A user without processes has none; where there is no process table nobody knows.
+const LinuxProcess::Share* shareOf(Account& account) {
+  if (!account.shares) {
+    try {
+      account.shares = LinuxProcess::sharesOfUsers();
+    } catch (const CQoriProviderException&) {
+      warnUnreadable("/proc", ENOENT);
+      account.shares.emplace();
+    }
+  }
+  if (account.shares->empty()) return nullptr;
+  return &(*account.shares)[account.number];
+}
+LinuxValue readProcessCount(Account& account) {
+  const LinuxProcess::Share* const share = shareOf(account);
+  return share == nullptr ? LinuxValue() : uint32Value(share->processes);
+}
+LinuxValue readWorkingSetSize(Account& account) {
+  const LinuxProcess::Share* const share = shareOf(account);
+  return share == nullptr ? LinuxValue() : uint64Value(share->memory);
+}
 
 // The keys that tie a user to its system.
 LinuxValue readClassName(Account&) { return textValue(LinuxUser::kClassName); }
@@ -35,6 +68,8 @@ constexpr LinuxProperty<Account> kProperties[] = {
     {"FullName", readFullName},
     {"HomeFolder", readHomeFolder},
     {"Shell", readShell},
+    {"ProcessCount", readProcessCount},
+    {"WorkingSetSize", readWorkingSetSize},
     {"CreationClassName", readClassName},
     {"SystemCreationClassName", readSystemClassName},
     {"SystemName", readSystemName},
@@ -45,7 +80,9 @@ constexpr LinuxProperty<Account> kProperties[] = {
 void LinuxUser::enumerate(const Request& request, const Emit& emit) {
   const auto properties = bindProperties<LinuxProperty<Account>>(request, kProperties);
   const QORString wanted = wantedKey(request, "Name");
-  for (Account& account : readAccounts()) {
+  std::optional<Shares> shares;
+  for (const LinuxAccount& found : readAccounts()) {
+    Account account{found, shares};
     if (wanted.isNull() || wanted == account.name.c_str()) emitInstance(account, properties, emit);
   }
 }

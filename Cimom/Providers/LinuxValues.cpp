@@ -52,6 +52,7 @@ std::string soundText(std::string_view text) {
 }  // namespace
 
 LinuxValue booleanValue(bool value) { return new CQoriValue(value, CQoriType::boolean); }
+LinuxValue uint8Value(QORuint8 value) { return new CQoriValue(value, CQoriType::uint8); }
 LinuxValue uint16Value(QORuint16 value) { return new CQoriValue(value, CQoriType::uint16); }
 LinuxValue sint16Value(QORsint16 value) { return new CQoriValue(value, CQoriType::sint16); }
 LinuxValue uint32Value(QORuint32 value) { return new CQoriValue(value, CQoriType::uint32); }
@@ -62,6 +63,12 @@ LinuxValue real64Value(double value) { return new CQoriValue(value, CQoriType::r
 LinuxValue textValue(std::string_view text) {
   if (std::all_of(text.begin(), text.end(), isAscii)) return new CQoriValue(QORString(text));
   return new CQoriValue(QORString(soundText(text)));
+}
+
+LinuxValue textsValue(const std::vector<std::string>& texts) {
+  QORSmrPtr<IQoriValue::List> elements = new IQoriValue::List();
+  for (const std::string& text : texts) elements->append(textValue(text));
+  return new CQoriValue(elements, CQoriType::string);
 }
 
 LinuxValue textOrNull(const char* text) { return text == nullptr || *text == '\0' ? LinuxValue() : textValue(text); }
@@ -98,6 +105,12 @@ std::string readSmallFile(const std::string& path) {
   close(file);
   errno = count < 0 ? error : 0;
   return content;
+}
+
+std::string readLine(const std::string& path) {
+  std::string line = readSmallFile(path);
+  while (line.ends_with('\n')) line.pop_back();
+  return line;
 }
 
 static QORsint64 readBootTime() {

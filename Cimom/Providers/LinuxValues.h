@@ -4,6 +4,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "cimom/IQoriValue.h"
 #include "cmpbase.h"
@@ -15,6 +16,7 @@ inline constexpr const char* kLinuxComputerSystem = "Linux_ComputerSystem";
 
 // Stateless; any thread may call.
 LinuxValue booleanValue(bool value);
+LinuxValue uint8Value(QORuint8 value);
 LinuxValue uint16Value(QORuint16 value);
 LinuxValue sint16Value(QORsint16 value);
 LinuxValue uint32Value(QORuint32 value);
@@ -23,6 +25,8 @@ LinuxValue uint64Value(QORuint64 value);
 LinuxValue real64Value(double value);
 // Bytes that are no UTF-8 become U+FFFD.
 LinuxValue textValue(std::string_view text);
+// An array; each element as textValue makes it.
+LinuxValue textsValue(const std::vector<std::string>& texts);
 // A null pointer for a null or empty text.
 LinuxValue textOrNull(const char* text);
 // A point in time as a datetime in the local time zone; microseconds may be
@@ -31,6 +35,8 @@ LinuxValue dateTimeValue(QORsint64 secondsSinceEpoch, QORsint64 microseconds);
 
 // The node's name in the network.
 std::string hostName();
+// The same without its line ends, for files of one line. errno as below.
+std::string readLine(const std::string& path);
 // The content of a small file such as those of /proc; empty when it cannot be read; errno then has the reason.
 std::string readSmallFile(const std::string& path);
 // When the kernel was started, in microseconds since the epoch. Fixed at the

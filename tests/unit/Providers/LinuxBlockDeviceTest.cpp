@@ -41,7 +41,7 @@ TEST_F(LinuxBlockDevices, ShowsEveryDeviceOfTheKernel) {
     EXPECT_EQ(textOf(row[3]), contentOf(folder / "dev"));
     EXPECT_EQ(textOf(row[4]), contentOf(folder / "ro") == "1" ? "TRUE" : "FALSE");
     const bool isPartition = fs::exists(folder / "partition");
-    EXPECT_EQ(textOf(row[5]), isPartition ? "partition" : "disk");
+    EXPECT_EQ(textOf(row[5]) == "partition", isPartition);
     EXPECT_EQ(row[6].IsNull(), !isPartition);
     ASSERT_FALSE(row[7].IsNull());
     EXPECT_EQ(row[8]->getUint64(), row[2]->getUint64() / row[7]->getUint64());
@@ -60,5 +60,23 @@ TEST_F(LinuxBlockDevices, GivesTheOneThatIsWanted) {
 }
 
 TEST_F(LinuxBlockDevices, ANumberOfNoDeviceHasNoNode) { EXPECT_EQ(LinuxBlockDevice::nodeOf(0), ""); }
+
+TEST(LinuxBlockDevice, TellsWhatADeviceIs) {
+  EXPECT_EQ(LinuxBlockDevice::typeOf("sda", "disk", ""), "disk");
+  EXPECT_EQ(LinuxBlockDevice::typeOf("sda1", "partition", ""), "partition");
+  EXPECT_EQ(LinuxBlockDevice::typeOf("loop0", "disk", ""), "loop");
+  EXPECT_EQ(LinuxBlockDevice::typeOf("loop0p1", "partition", ""), "partition");
+  EXPECT_EQ(LinuxBlockDevice::typeOf("zram0", "disk", ""), "zram");
+  EXPECT_EQ(LinuxBlockDevice::typeOf("ram3", "disk", ""), "ram");
+  EXPECT_EQ(LinuxBlockDevice::typeOf("md127", "disk", ""), "raid");
+  EXPECT_EQ(LinuxBlockDevice::typeOf("md_d0", "disk", ""), "raid");
+  EXPECT_EQ(LinuxBlockDevice::typeOf("sr0", "disk", ""), "rom");
+  EXPECT_EQ(LinuxBlockDevice::typeOf("dm-0", "disk", "LVM-0123"), "lvm");
+  EXPECT_EQ(LinuxBlockDevice::typeOf("dm-1", "disk", "CRYPT-LUKS2-0123"), "crypt");
+  EXPECT_EQ(LinuxBlockDevice::typeOf("dm-2", "disk", "mpath-0123"), "mpath");
+  EXPECT_EQ(LinuxBlockDevice::typeOf("dm-3", "disk", ""), "dm");
+  EXPECT_EQ(LinuxBlockDevice::typeOf("srdisk", "disk", ""), "disk");
+  EXPECT_EQ(LinuxBlockDevice::typeOf("nvme0n1", "disk", ""), "disk");
+}
 
 }  // namespace

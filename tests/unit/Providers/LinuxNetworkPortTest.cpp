@@ -61,6 +61,16 @@ TEST(LinuxNetworkPort, AgreesWithTheKernelOnHardwareAddresses) {
   }
 }
 
+TEST(LinuxNetworkPort, EachAddressHasAPrefixLength) {
+  LinuxNetworkPort provider;
+  for (const ProvidedRow& row : enumerateRows(provider, {"DeviceID", "NetworkAddresses", "PrefixLengths"})) {
+    EXPECT_EQ(row[1]->getArray()->entries(), row[2]->getArray()->entries());
+    if (textOf(row[0]) == "lo" && textOf(row[1]) == "127.0.0.1,::1") {
+      EXPECT_EQ(textOf(row[2]), "8,128");
+    }
+  }
+}
+
 TEST(LinuxNetworkPort, ReadsNoneWhenTheOneWantedIsNotThere) {
   LinuxNetworkPort provider;
   EXPECT_EQ(enumerateRows(provider, {"DeviceID"}, nameOf(provider, "DeviceID", "none0")).size(), 0u);

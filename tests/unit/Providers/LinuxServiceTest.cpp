@@ -1,16 +1,12 @@
 // Services, asked of a systemd that this test plays over a socket pair.
-#include <sys/socket.h>
 #include <systemd/sd-bus.h>
-#include <unistd.h>
 
-#include <array>
-#include <atomic>
 #include <cerrno>
 #include <cstring>
-#include <thread>
 
 #include "Cimom/Providers/LinuxService.h"
 #include "Cimom/Providers/LinuxServiceProcess.h"
+#include "PlayedSystemd.h"
 #include "ProviderFixture.h"
 #include "cimom/CQoriProviderException.h"
 
@@ -49,53 +45,9 @@ int answer(sd_bus_message* call, void* mood, sd_bus_error*) {
   return 0;
 }
 
-// The other end, on a thread of its own for the time of one connection.
-class PlayedSystemd {
- public:
-  explicit PlayedSystemd(Mood mood) : _mood(mood) {}
-  PlayedSystemd(const PlayedSystemd&) = delete;
-  PlayedSystemd& operator=(const PlayedSystemd&) = delete;
-  ~PlayedSystemd() {
-    for (std::thread& thread : _threads) thread.join();
-  }
-
-  // A connection as the provider makes it.
-  sd_bus* connect() {
-    std::array<int, 2> ends{};
-    EXPECT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()), 0);
-    _threads.emplace_back([this, end = ends[1]] { serve(end); });
-    sd_bus* bus = nullptr;
-    EXPECT_GE(sd_bus_new(&bus), 0);
-    EXPECT_GE(sd_bus_set_fd(bus, ends[0], ends[0]), 0);
-    EXPECT_GE(sd_bus_start(bus), 0);
-    return bus;
-  }
-
- private:
-  void serve(int end) {
-    sd_bus* bus = nullptr;
-    sd_id128_t id{};
-    id.bytes[0] = 1;
-    EXPECT_GE(sd_bus_new(&bus), 0);
-    EXPECT_GE(sd_bus_set_fd(bus, end, end), 0);
-    EXPECT_GE(sd_bus_set_server(bus, 1, id), 0);
-    EXPECT_GE(sd_bus_add_filter(bus, nullptr, answer, &_mood), 0);
-    EXPECT_GE(sd_bus_start(bus), 0);
-    while (sd_bus_is_open(bus) > 0) {
-      const int done = sd_bus_process(bus, nullptr);
-      if (done < 0) break;
-      if (done == 0 && sd_bus_wait(bus, UINT64_MAX) < 0) break;
-    }
-    sd_bus_close_unref(bus);
-  }
-
-  Mood _mood;
-  std::vector<std::thread> _threads;
-};
-
 std::vector<ProvidedRow> servicesOf(Mood mood, const std::vector<std::string>& properties,
                                     const QORSmrPtr<IQoriInstanceName>& only = {}) {
-  PlayedSystemd systemd(mood);
+  PlayedSystemd systemd(answer, &mood);
   LinuxService provider([&systemd] { return systemd.connect(); });
   return enumerateRows(provider, properties, only);
 }
@@ -149,7 +101,8 @@ TEST(LinuxService, SaysSoWhereSystemdDoesNotRun) {
 }
 
 TEST(LinuxServiceProcess, TiesAServiceToItsMainProcess) {
-  PlayedSystemd systemd(Mood::Healthy);
+  Mood mood = Mood::Healthy;
+  PlayedSystemd systemd(answer, &mood);
   LinuxServiceProcess provider([&systemd] { return systemd.connect(); });
   const auto rows = enumerateRows(provider, {"Service", "Process"});
   ASSERT_EQ(rows.size(), 1U);

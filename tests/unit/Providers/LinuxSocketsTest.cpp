@@ -6,7 +6,9 @@
 #include <unistd.h>
 
 #include "Cimom/Providers/LinuxListeningPort.h"
+#include "Cimom/Providers/LinuxSocket.h"
 #include "Cimom/Providers/LinuxSockets.h"
+#include "MadeUpFiles.h"
 #include "ProviderFixture.h"
 
 namespace {
@@ -18,16 +20,17 @@ constexpr const char* kHead =
     "  sl  local_address rem_address   st tx_queue rx_queue tr tm->when retrnsmt   uid  timeout inode\n";
 
 std::vector<std::string> namesIn(const std::string& table, const char* protocol, bool isVersion6) {
-  std::vector<LinuxSocket> sockets;
-  parseSocketTable(table, protocol, isVersion6, sockets);
+  LinuxSocketEntries sockets;
+  parseSocketTable(table, protocol, isVersion6, LinuxSocketChoice::Waiting, sockets);
   std::vector<std::string> names;
-  for (const LinuxSocket& socket : sockets) names.push_back(socket.name);
+  for (const LinuxSocketEntry& socket : sockets) names.push_back(socket.name);
   return names;
 }
 
-std::string line(const char* local, const char* state, const char* inode) {
-  return std::string("   0: ") + local + " 00000000:0000 " + state +
-         " 00000000:00000000 00:00000000 00000000  1000        0 " + inode + " 1 0000000000000000 100 0 0 10 0\n";
+std::string line(const std::string& local, const char* state, const char* inode) {
+  const std::string none(local.size() > 32 ? 32 : 8, '0');
+  return "   0: " + local + ' ' + none + ":0000 " + state + " 00000000:00000000 00:00000000 00000000  1000        0 " +
+         inode + " 1 0000000000000000 100 0 0 10 0\n";
 }
 
 TEST(LinuxSockets, TellsAddressesPortsAndStates) {
@@ -130,16 +133,88 @@ TEST(LinuxListeningPort, GivesTheOneThatIsWanted) {
 
 TEST(LinuxSockets, HoldersAreFoundByInode) {
   const Waiting stream(SOCK_STREAM);
-  std::vector<LinuxSocket> sockets = readWaitingSockets();
-  LinuxSocket unknown;
+  LinuxSocketEntries sockets = readSockets(LinuxSocketChoice::Waiting);
+  LinuxSocketEntry unknown;
   unknown.inode = 1;  // of no socket
   sockets.push_back(unknown);
   const auto holders = readSocketHolders(sockets);
   EXPECT_TRUE(holders.at(1).empty());
-  for (const LinuxSocket& socket : sockets) {
+  for (const LinuxSocketEntry& socket : sockets) {
     if (socket.name == stream.name("tcp")) {
       EXPECT_THAT(holders.at(socket.inode), Contains(getpid()));
     }
+  }
+}
+
+std::string connection(const char* local, const char* remote, const char* state, const char* inode) {
+  return std::string("   0: ") + local + ' ' + remote + ' ' + state +
+         " 00000000:00000000 00:00000000 00000000  1000        0 " + inode + " 1 0000000000000000 100 0 0 10 0\n";
+}
+
+TEST(LinuxSocket, ShowsAllSocketsOfTheTables) {
+  const MadeUpFiles files;
+  files.write("tcp", kHead + line("00000000:0016", "0A", "11") +
+                         connection("0100000A:0016", "0200000A:9C40", "01", "12") +
+                         connection("0100007F:0016", "0100007F:9C41", "06", "0"));
+  files.write("udp",
+              kHead + line("00000000:0044", "07", "13") + connection("0100000A:0044", "0200000A:0035", "01", "14"));
+  LinuxSocket provider(files.path());
+  const auto rows = enumerateRows(provider, {"Name", "Protocol", "State", "LocalAddress", "LocalPort", "RemoteAddress",
+                                             "RemotePort", "IsRemote", "IsIPv6", "UserNumber", "ProcessID"});
+  std::vector<std::vector<std::string>> found;
+  for (const ProvidedRow& row : rows) {
+    found.emplace_back();
+    for (const auto& value : row) found.back().push_back(textOf(value));
+  }
+  using Texts = std::vector<std::string>;
+  EXPECT_THAT(found, ElementsAre(Texts{"tcp:0.0.0.0:22", "tcp", "Listening", "0.0.0.0", "22", "(null)", "(null)",
+                                       "FALSE", "FALSE", "1000", "(null)"},
+                                 Texts{"tcp:10.0.0.1:22-10.0.0.2:40000", "tcp", "Established", "10.0.0.1", "22",
+                                       "10.0.0.2", "40000", "TRUE", "FALSE", "1000", "(null)"},
+                                 Texts{"tcp:127.0.0.1:22-127.0.0.1:40001", "tcp", "TimeWait", "127.0.0.1", "22",
+                                       "127.0.0.1", "40001", "FALSE", "FALSE", "1000", "(null)"},
+                                 Texts{"udp:0.0.0.0:68", "udp", "Unconnected", "0.0.0.0", "68", "(null)", "(null)",
+                                       "FALSE", "FALSE", "1000", "(null)"},
+                                 Texts{"udp:10.0.0.1:68-10.0.0.2:53", "udp", "Established", "10.0.0.1", "68",
+                                       "10.0.0.2", "53", "TRUE", "FALSE", "1000", "(null)"}));
+}
+
+TEST(LinuxSocket, NamesEveryState) {
+  const MadeUpFiles files;
+  std::string table = kHead;
+  for (const char* state : {"01", "02", "03", "04", "05", "06", "07", "08", "09", "0B", "0C", "0D"}) {
+    table += connection("0100000A:0016", "0200000A:9C40", state, "12");
+  }
+  files.write("tcp", table);
+  LinuxSocket provider(files.path());
+  std::vector<std::string> states;
+  for (const ProvidedRow& row : enumerateRows(provider, {"State"})) states.push_back(textOf(row[0]));
+  EXPECT_THAT(states, ElementsAre("Established", "SynSent", "SynReceived", "FinWait1", "FinWait2", "TimeWait", "Closed",
+                                  "CloseWait", "LastAck", "Closing", "SynReceived", "Unknown"));
+}
+
+TEST(LinuxSocket, AVersion4AddressInVersion6IsToldApartFromOthers) {
+  const MadeUpFiles files;
+  files.write(
+      "tcp6",
+      kHead + connection("0000000000000000FFFF00000100007F:0016", "0000000000000000FFFF00000100007F:9C40", "01", "12") +
+          connection("0000000000000000FFFF00000100000A:0016", "0000000000000000FFFF00000200000A:9C40", "01", "13"));
+  LinuxSocket provider(files.path());
+  const auto rows = enumerateRows(provider, {"RemoteAddress", "IsRemote"});
+  ASSERT_EQ(rows.size(), 2U);
+  EXPECT_EQ(textOf(rows[0][0]) + ' ' + textOf(rows[0][1]), "::ffff:127.0.0.1 FALSE");
+  EXPECT_EQ(textOf(rows[1][0]) + ' ' + textOf(rows[1][1]), "::ffff:10.0.0.2 TRUE");
+}
+
+TEST(LinuxSocket, NamesTheProcessOfThisOne) {
+  const Waiting stream(SOCK_STREAM);
+  LinuxSocket sockets;
+  LinuxListeningPort ports;
+  for (InstanceProvider* provider : std::initializer_list<InstanceProvider*>{&sockets, &ports}) {
+    const auto rows = enumerateRows(*provider, {"Name", "ProcessID", "ProcessName"});
+    const ProvidedRow row = findRow(rows, stream.name("tcp"));
+    EXPECT_EQ(textOf(row[1]), std::to_string(getpid()));
+    EXPECT_EQ(textOf(row[2]).substr(0, 5), "unit_");
   }
 }
 

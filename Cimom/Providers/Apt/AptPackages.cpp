@@ -1,0 +1,51 @@
+// Reads dpkg's list of packages through libapt-pkg.
+// Tested by tests/unit/Providers/LinuxPackageTest.cpp.
+#include <apt-pkg/error.h>
+#include <apt-pkg/fileutl.h>
+#include <apt-pkg/tagfile.h>
+
+#include "Cimom/Providers/LinuxPackageReader.h"
+
+namespace {
+
+LinuxPackageRecord recordOf(const pkgTagSection& section) {
+  LinuxPackageRecord record;
+  record.name = section.FindS("Package");
+  record.architecture = section.FindS("Architecture");
+  record.version = section.FindS("Version");
+  record.status = section.FindS("Status");
+  record.section = section.FindS("Section");
+  record.priority = section.FindS("Priority");
+  record.source = section.FindS("Source");
+  record.maintainer = section.FindS("Maintainer");
+  record.size = section.FindS("Installed-Size");
+  const std::string description = section.FindS("Description");
+  record.description = description.substr(0, description.find('\n'));
+  return record;
+}
+
+// The oldest of the library's messages.
+std::string complaint() {
+  std::string message;
+  _error->PopMessage(message);
+  _error->Discard();
+  return message.empty() ? "unknown reason" : message;
+}
+
+}  // namespace
+
+extern "C" __attribute__((visibility("default"))) std::string qorqlReadPackages(const char* list,
+                                                                                const LinuxPackageTake& take);
+std::string qorqlReadPackages(const char* list, const LinuxPackageTake& take) {
+  _error->PushToStack();
+  std::string wrong;
+  {
+    FileFd file(list, FileFd::ReadOnly);
+    pkgTagFile tags(&file);
+    pkgTagSection section;
+    while (!_error->PendingError() && tags.Step(section)) take(recordOf(section));
+    if (_error->PendingError()) wrong = complaint();
+  }
+  _error->RevertToStack();
+  return wrong;
+}

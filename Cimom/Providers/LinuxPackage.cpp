@@ -1,0 +1,102 @@
+// Packages of dpkg, read by a library that is loaded for it.
+#include "Cimom/Providers/LinuxPackage.h"
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "Cimom/Providers/LinuxPackageReader.h"
+#include "Cimom/Providers/LinuxProperty.h"
+#include "cimom/CQoriProviderException.h"
+
+const char* const LinuxPackage::kClassName = "Linux_Package";
+
+namespace {
+
+constexpr QORuint32 kCimErrFailed = 1;
+
+using Package = const LinuxPackageRecord;
+
+// A name may be there for several architectures.
+std::string idOf(Package& package) { return "dpkg:" + package.name + ':' + package.architecture; }
+
+LinuxValue readId(Package& package) { return textValue(idOf(package)); }
+LinuxValue readName(Package& package) { return textValue(package.name); }
+LinuxValue readVersion(Package& package) { return textOrNull(package.version.c_str()); }
+LinuxValue readArchitecture(Package& package) { return textOrNull(package.architecture.c_str()); }
+LinuxValue readSection(Package& package) { return textOrNull(package.section.c_str()); }
+LinuxValue readPriority(Package& package) { return textOrNull(package.priority.c_str()); }
+LinuxValue readDescription(Package& package) { return textOrNull(package.description.c_str()); }
+LinuxValue readMaintainer(Package& package) { return textOrNull(package.maintainer.c_str()); }
+// The source is called like the package where nothing else is said; its version, where that differs, stands after it.
+LinuxValue readSource(Package& package) {
+  const std::string& source = package.source.empty() ? package.name : package.source;
+  return textValue(source.substr(0, source.find(' ')));
+}
+// What is wanted, whether something is wrong, and the state.
+LinuxValue readState(Package& package) {
+  const std::size_t blank = package.status.rfind(' ');
+  return textOrNull(package.status.substr(blank == std::string::npos ? 0 : blank + 1).c_str());
+}
+LinuxValue readSize(Package& package) {
+  const QORString size(package.size);
+  return size.isNumeric() ? uint64Value(size.atoui64() * 1024) : LinuxValue();
+}
+
+constexpr LinuxProperty<Package> kProperties[] = {
+    {"InstanceID", readId},
+    {"Name", readName},
+    {"Caption", readName},
+    {"ElementName", readName},
+    {"Description", readDescription},
+    {"VersionString", readVersion},
+    {"Manufacturer", readMaintainer},
+    {"Architecture", readArchitecture},
+    {"State", readState},
+    {"Section", readSection},
+    {"Priority", readPriority},
+    {"SourceName", readSource},
+    {"InstalledSize", readSize},
+};
+
+[[noreturn]] void raise(const std::string& reason) {
+  throw CQoriProviderException(LinuxPackage::kClassName, QORString("The packages cannot be listed: " + reason),
+                               kCimErrFailed);
+}
+
+std::string loadingError() {
+  const char* const error = dlerror();  // NOLINT(concurrency-mt-unsafe): each thread has its own
+  return error == nullptr ? "unknown reason" : error;
+}
+
+// The folder of the library that this code is in, with the slash.
+std::string ownFolder() {
+  Dl_info info{};
+  if (dladdr(reinterpret_cast<const void*>(&ownFolder), &info) == 0 || info.dli_fname == nullptr) return {};
+  const std::string path = info.dli_fname;
+  return path.substr(0, path.rfind('/') + 1);
+}
+
+// Loaded once and kept.
+LinuxPackageReader packageReader() {
+  void* const library = dlopen((ownFolder() + kLinuxPackageLibrary).c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
+  if (library == nullptr) raise(loadingError());
+  void* const found = dlsym(library, kLinuxPackageFunction);
+  if (found == nullptr) raise(loadingError());
+  return reinterpret_cast<LinuxPackageReader>(found);
+}
+
+}  // namespace
+
+void LinuxPackage::enumerate(const Request& request, const Emit& emit) {
+  const auto properties = bindProperties<LinuxProperty<Package>>(request, kProperties);
+  const QORString wanted = wantedKey(request, "InstanceID");
+  if (access(_list.c_str(), R_OK) != 0) return warnUnreadable(_list, errno);
+  static const LinuxPackageReader read = packageReader();
+  const std::string wrong = read(_list.c_str(), [&](Package& package) {
+    if (package.name.empty() || package.status.ends_with(" not-installed")) return;
+    if (wanted.isNull() || wanted == idOf(package).c_str()) emitInstance(package, properties, emit);
+  });
+  if (!wrong.empty()) raise(wrong);
+}

@@ -1,0 +1,96 @@
+// Sockets of TCP and UDP.
+#include "Cimom/Providers/LinuxSocket.h"
+
+#include <ifaddrs.h>
+
+#include <cerrno>
+#include <memory>
+#include <optional>
+#include <unordered_set>
+
+#include "Cimom/Providers/LinuxNetworkPort.h"
+#include "Cimom/Providers/LinuxProperty.h"
+#include "Cimom/Providers/LinuxSocketView.h"
+
+const char* const LinuxSocket::kClassName = "Linux_Socket";
+
+namespace {
+
+// The addresses of this machine, which the first that needs them reads; none where that fails, which is warned of.
+using OwnAddresses = std::optional<std::unordered_set<std::string>>;
+
+struct Socket : LinuxSocketView {
+  OwnAddresses& ownAddresses;
+};
+
+const std::unordered_set<std::string>& ownAddressesOf(Socket& socket) {
+  if (!socket.ownAddresses) socket.ownAddresses = LinuxNetworkPort::ownAddresses();
+  return *socket.ownAddresses;
+}
+
+LinuxValue readName(Socket& socket) { return socket.name(); }
+LinuxValue readProtocol(Socket& socket) { return socket.protocol(); }
+LinuxValue readState(Socket& socket) { return textValue(socket.socket.stateName()); }
+LinuxValue readLocalAddress(Socket& socket) { return socket.localAddress(); }
+LinuxValue readLocalPort(Socket& socket) { return uint32Value(socket.socket.local.port); }
+LinuxValue readRemoteAddress(Socket& socket) {
+  return socket.socket.hasRemote() ? textValue(socket.socket.remote.address) : LinuxValue();
+}
+LinuxValue readRemotePort(Socket& socket) {
+  return socket.socket.hasRemote() ? uint32Value(socket.socket.remote.port) : LinuxValue();
+}
+LinuxValue readIsVersion6(Socket& socket) { return socket.isVersion6(); }
+LinuxValue readUserNumber(Socket& socket) { return socket.userNumber(); }
+LinuxValue readProtocolType(Socket& socket) { return socket.protocolType(); }
+LinuxValue readProcess(Socket& socket) { return socket.process(); }
+LinuxValue readProcessName(Socket& socket) { return socket.processName(); }
+
+// The loopback has more addresses than its interface tells, and IPv6 shows those of IPv4 in its own form.
+LinuxValue readIsRemote(Socket& socket) {
+  if (!socket.socket.hasRemote()) return booleanValue(false);
+  constexpr std::string_view kMapped = "::ffff:";
+  std::string_view address = socket.socket.remote.address;
+  if (address.starts_with(kMapped)) address.remove_prefix(kMapped.size());
+  const bool isLoopback = address.starts_with("127.") || address == "::1";
+  return booleanValue(!isLoopback && !ownAddressesOf(socket).contains(std::string(address)));
+}
+
+// The keys that tie a socket to its system.
+LinuxValue readClassName(Socket&) { return textValue(LinuxSocket::kClassName); }
+LinuxValue readSystemClassName(Socket&) { return textValue(kLinuxComputerSystem); }
+LinuxValue readSystemName(Socket&) { return textValue(hostName()); }
+
+constexpr LinuxProperty<Socket> kProperties[] = {
+    {"Name", readName},
+    {"Caption", readName},
+    {"ElementName", readName},
+    {"ProtocolIFType", readProtocolType},
+    {"Protocol", readProtocol},
+    {"State", readState},
+    {"LocalAddress", readLocalAddress},
+    {"LocalPort", readLocalPort},
+    {"RemoteAddress", readRemoteAddress},
+    {"RemotePort", readRemotePort},
+    {"IsRemote", readIsRemote},
+    {"IsIPv6", readIsVersion6},
+    {"UserNumber", readUserNumber},
+    {"ProcessID", readProcess},
+    {"ProcessName", readProcessName},
+    {"CreationClassName", readClassName},
+    {"SystemCreationClassName", readSystemClassName},
+    {"SystemName", readSystemName},
+};
+
+}  // namespace
+
+void LinuxSocket::enumerate(const Request& request, const Emit& emit) {
+  const auto properties = bindProperties<LinuxProperty<Socket>>(request, kProperties);
+  const QORString wanted = wantedKey(request, "Name");
+  const LinuxSocketEntries sockets = readSockets(LinuxSocketChoice::All, _folder);
+  LinuxSocketSurroundings around(sockets);
+  OwnAddresses ownAddresses;
+  for (const LinuxSocketEntry& entry : sockets) {
+    Socket socket{{entry, around}, ownAddresses};
+    if (wanted.isNull() || wanted == entry.name.c_str()) emitInstance(socket, properties, emit);
+  }
+}
