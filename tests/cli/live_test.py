@@ -101,6 +101,48 @@ class Live(ToolCase):
         self.assertEqual(rows[0]["ParentProcessID"], os.getpid())
         self.assertTrue(rows[0]["CommandLine"].endswith(" -c input() größer, \"quoted\""), rows)
 
+    def test_what_ps_tells_of_a_process(self):
+        columns = "ppid=,uid=,gid=,tty=,nlwp="
+        said = subprocess.run(["ps", "-o", columns, "-p", str(os.getpid())], capture_output=True, text=True, check=True)
+        row = self.rows("SELECT ParentProcessID, UserID, GroupID, Terminal, ThreadCount FROM Linux_Process "
+                        f"WHERE Handle = '{os.getpid()}'")[0]
+        found = [row["ParentProcessID"], row["UserID"], row["GroupID"], row["Terminal"] or "?", row["ThreadCount"]]
+        self.assertEqual([str(value) for value in found], said.stdout.split())
+
+    def test_where_a_process_is_and_what_it_holds(self):
+        with subprocess.Popen(["sleep", "60"], cwd="/", stdin=subprocess.DEVNULL) as child:
+            rows = self.rows("SELECT WorkingDirectory, ParentName, OpenFileCount, ControlGroup, SwapSize, ExecutableExists, "
+                             f"ElapsedTime FROM Linux_Process WHERE Handle = '{child.pid}'")
+            files = len(os.listdir(f"/proc/{child.pid}/fd"))
+            with open(f"/proc/{child.pid}/cgroup", encoding="utf-8") as groups:
+                paths = [line.rstrip("\n").split(":", 2)[2] for line in groups]
+            child.kill()
+        with open("/proc/self/comm", encoding="utf-8") as comm:
+            name = comm.read().rstrip("\n")
+        self.assertEqual(len(rows), 1)
+        row = rows[0]
+        self.assertEqual((row["WorkingDirectory"], row["ParentName"], row["OpenFileCount"]), ("/", name, files))
+        self.assertIn(row["ControlGroup"], paths)
+        self.assertEqual((row["SwapSize"], row["ExecutableExists"]), (0, True))
+        self.assertLess(row["ElapsedTime"], 60)
+
+    def test_a_connection_and_its_process(self):
+        with socket.socket() as waiting, socket.socket() as client:
+            waiting.bind(("127.0.0.1", 0))
+            waiting.listen()
+            client.connect(waiting.getsockname())
+            port = waiting.getsockname()[1]
+            rows = self.rows("SELECT State, LocalPort, IsRemote, ProcessID FROM Linux_Socket "
+                             f"WHERE RemotePort = {port} AND RemoteAddress = '127.0.0.1'")
+            self.assertEqual(rows, [{"State": "Established", "LocalPort": client.getsockname()[1], "IsRemote": False,
+                                     "ProcessID": os.getpid()}])
+            rows = self.rows(f"SELECT Name FROM CIM_ProtocolEndpoint AS E WHERE E ISA Linux_Socket AND E.Name = 'tcp:127.0.0.1:{port}'")
+            self.assertEqual(len(rows), 1)
+
+    def test_descriptions_are_there_where_they_are_shown(self):
+        result = self.run_tool("class", "Linux_Login")
+        self.assertIn('Description("Since when.")', result.out)
+
     def test_order_and_first(self):
         rows = self.rows("SELECT FIRST 3 Handle, WorkingSetSize FROM Linux_Process ORDER BY WorkingSetSize DESC")
         sizes = [row["WorkingSetSize"] for row in rows]
@@ -127,7 +169,7 @@ class Live(ToolCase):
 
     def test_every_property_of_every_class(self):
         for name in ("Linux_Process", "Linux_FileSystem", "Linux_OperatingSystem", "Linux_Processor",
-                     "Linux_NetworkPort", "Linux_User", "Linux_Group", "Linux_ProcessOwner", "Linux_GroupMember"):
+                     "Linux_NetworkPort", "Linux_User", "Linux_Group", "Linux_ComputerSystem", "Linux_ProcessOwner", "Linux_GroupMember"):
             with self.subTest(name=name):
                 result = self.run_tool("-o", "csv", f"SELECT * FROM {name}")
                 self.assertEqual((result.status, toolcase.UNSEEN.sub("", result.err)), (0, ""))

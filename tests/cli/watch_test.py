@@ -114,6 +114,18 @@ class Changes(ToolCase):
         self.assertEqual(first["SourceInstance"], second["PreviousInstance"])
         self.assertNotEqual(first["IndicationIdentifier"], second["IndicationIdentifier"])
 
+    def test_what_always_changes_makes_no_news_unless_it_is_named(self):
+        child = subprocess.Popen(["sleep", str(SECONDS)])
+        self.started.append(child)
+        time.sleep(0.5)  # it is idle by then
+        look = ["watch", "--interval", "1.1", "--count", "2", "--quiet"]
+        text = f"SELECT * FROM CIM_InstModification WHERE {{}} SourceInstance.Linux_Process::Handle = '{child.pid}'"
+        idle = self.run_tool(*look, text.format("SourceInstance ISA Linux_Process AND"))
+        self.assertEqual((idle.status, idle.out), (0, ""))
+        named = self.run_tool(*look, text.format("SourceInstance ISA Linux_Process AND "
+                                                 "SourceInstance.Linux_Process::ElapsedTime > 0 AND"))
+        self.assertIn('"ElapsedTime": ', named.out)
+
 
 class End(ToolCase):
     def watch(self, *arguments):

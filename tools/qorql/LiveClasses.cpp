@@ -95,10 +95,10 @@ class FittingClasses {
   std::string _reason;  // why the first of them is left out
 };
 
-LeftOutClasses declareWhatFits(EmbeddedObjectManager& manager, const QORString& nameSpace) {
+LeftOutClasses declareWhatFits(EmbeddedObjectManager& manager, const QORString& nameSpace, const char* schema) {
   EmbeddedObjectManager apart;
   MofRecorder recorder(apart.sink());
-  MofLoader(recorder, nameSpace).loadText(linuxSchemaMof(), kSource);
+  MofLoader(recorder, nameSpace).loadText(schema, kSource);
   FittingClasses fitting(manager.sink(), nameSpace);
   fitting.declareAll(recorder.record());
   return fitting.leftOut();
@@ -106,13 +106,16 @@ LeftOutClasses declareWhatFits(EmbeddedObjectManager& manager, const QORString& 
 
 }  // namespace
 
-LeftOutClasses addLiveClasses(EmbeddedObjectManager& manager, const QORString& nameSpace) {
+LeftOutClasses addLiveClasses(EmbeddedObjectManager& manager, const QORString& nameSpace,
+                              LiveDescriptions descriptions) {
+  const bool isDescribed = descriptions == LiveDescriptions::Declared;
+  const char* const schema = isDescribed ? linuxSchemaMof() : linuxSchemaMofWithoutDescriptions();
   LeftOutClasses leftOut;
   try {
     LinuxSchemaSink sink(manager.sink());
-    MofLoader(sink, nameSpace).loadText(linuxSchemaMof(), kSource);
+    MofLoader(sink, nameSpace).loadText(schema, kSource);
   } catch (const QoriBaseException&) {
-    leftOut = declareWhatFits(manager, nameSpace);
+    leftOut = declareWhatFits(manager, nameSpace, schema);
   }
   registerLinuxProviders(manager, nameSpace);
   return leftOut;

@@ -24,8 +24,28 @@ LiveWatch::LiveWatch(EmbeddedObjectManager& manager, const QORString& nameSpace,
     });
   };
   for (const QORString& className : manager.liveClassNames(nameSpace)) {
-    if (isAllowed(className)) _watched.push_back({className, {}});
+    if (!isAllowed(className)) continue;
+    _watched.push_back({className, steadyProperties(manager, nameSpace, className, StatementText(text.view())), {}});
   }
+}
+
+// Those that change whenever one looks make no news, unless the filter names them.
+CIMApi::PropertyNames LiveWatch::steadyProperties(const EmbeddedObjectManager& manager, const QORString& nameSpace,
+                                                  const QORString& className, const StatementText& text) {
+  const auto isNamed = [&](const QORString& property) {
+    for (std::size_t i = 0; i < text.pieces().size(); ++i) {
+      if (text.is(i, property.view())) return true;
+    }
+    return false;
+  };
+  const CIMApi::PropertyNames names(new QORValSlist<QORString>());
+  bool isWhole = true;
+  for (const CimPropertyDeclaration& property : manager.allProperties(nameSpace, className)) {
+    const bool isSteady = !property.hasFlag("Volatile") || isNamed(property.name);
+    if (isSteady) names->append(property.name);
+    isWhole = isWhole && isSteady;
+  }
+  return isWhole ? CIMApi::PropertyNames() : names;
 }
 
 bool LiveWatch::asksFor(const char* indicationClass) const {
@@ -44,17 +64,17 @@ std::vector<QORString> LiveWatch::classNames() const {
   return names;
 }
 
-InstanceSnapshot LiveWatch::snapshotOf(const QORString& className) const {
+InstanceSnapshot LiveWatch::snapshotOf(const Watched& watched) const {
   CIMApi client;
-  return {className,
-          client.enumerateInstances(_nameSpace, className, {}, CIMApi::DefaultTimeout, nullptr, nullptr, nullptr, {})};
+  return {watched.className, client.enumerateInstances(_nameSpace, watched.className, watched.properties,
+                                                       CIMApi::DefaultTimeout, nullptr, nullptr, nullptr, {})};
 }
 
 void LiveWatch::start(const Report& report) {
   const bool isAlone = _watched.size() == 1;
   std::erase_if(_watched, [&](Watched& watched) {
     try {
-      watched.last = snapshotOf(watched.className);
+      watched.last = snapshotOf(watched);
     } catch (const CQoriProviderException& failure) {
       if (isAlone || failure.getCode() != InstanceProvider::kNoSource) throw;
       report(watched.className, failure);
@@ -68,7 +88,7 @@ void LiveWatch::look(const Take& take, const Report& report) {
   for (Watched& watched : _watched) {
     InstanceSnapshot now;
     try {
-      now = snapshotOf(watched.className);
+      now = snapshotOf(watched);
     } catch (const QoriBaseException& failure) {
       report(watched.className, failure);
       continue;

@@ -8,6 +8,7 @@
 #include "Cimom/QORQL/CQLQueryStatement.h"
 #include "Indications.h"
 #include "InstanceChanges.h"
+#include "StatementText.h"
 
 // Watches the live classes whose changes the filter can match: those that
 // each `SourceInstance ISA Class` of it allows. BORROWS the object manager and
@@ -35,11 +36,14 @@ class LiveWatch {
  private:
   struct Watched {
     QORString className;
+    CIMApi::PropertyNames properties;  // null: all
     InstanceSnapshot last;
   };
 
   bool asksFor(const char* indicationClass) const;
-  InstanceSnapshot snapshotOf(const QORString& className) const;
+  static CIMApi::PropertyNames steadyProperties(const EmbeddedObjectManager& manager, const QORString& nameSpace,
+                                                const QORString& className, const StatementText& text);
+  InstanceSnapshot snapshotOf(const Watched& watched) const;
   void hand(const InstanceChange& change, const Take& take);
 
   const QORString _nameSpace;

@@ -100,14 +100,16 @@ int runStatements(const QueryOptions& options, Session& session) {
 
 int runQuery(QueryOptions& options) {
   if (options.query && !options.file.empty()) refuseBoth("QUERY", "--file");
+  const bool isShell = !options.query && options.file.empty() && isInteractive();
+  // No statement shows what a class says of itself; the shell does.
+  options.session.needsDescriptions = isShell;
   Session session(options.session);
   try {
     session.open();
   } catch (...) {
     return reportStartFailure();
   }
-  const bool hasStatements = options.query || !options.file.empty();
-  if (!hasStatements && isInteractive()) return Shell(options.session, options.output, session).run();
+  if (isShell) return Shell(options.session, options.output, session).run();
   return runStatements(options, session);
 }
 

@@ -126,7 +126,8 @@ void Session::loadMofOver(const char* commonMof, const MofException& alone) {
 // After the MOF files, so that a fuller CIM schema among them replaces
 // the short one.
 void Session::addLiveClasses(EmbeddedObjectManager& manager) {
-  _leftOut = ::addLiveClasses(manager, QORString(_options.nameSpace));
+  const auto descriptions = _options.needsDescriptions ? LiveDescriptions::Declared : LiveDescriptions::LeftAway;
+  _leftOut = ::addLiveClasses(manager, QORString(_options.nameSpace), descriptions);
   if (_leftOutPolicy == LeftOut::TellWhenNamed || _leftOut.names.empty()) return;
   _warnings.push_back(_leftOut.complaint);
   _leftOut = {};

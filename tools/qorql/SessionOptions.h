@@ -24,6 +24,7 @@ struct SessionOptions {
   std::string cacheFile;  // empty: one of the user's cache folder, for large MOF
   bool hasNoCache = false;
   bool hasNoLiveClasses = false;
+  bool needsDescriptions = true;  // of the live classes
   bool isQuiet = false;
   std::string configuration;  // empty: none
   std::vector<Setting> settings;
