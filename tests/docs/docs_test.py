@@ -8,6 +8,7 @@ import unittest
 import check_commands
 import check_guide
 import check_links
+import check_linux
 import check_rules
 import check_warnings
 import markdown
@@ -172,6 +173,51 @@ class CheckGuide(unittest.TestCase):
         self.assertEqual(len(found), 2)
         self.assertIn("guide.md:1: this code does not stand in the program", found[0])
         self.assertIn("guide.md:4: the program prints:\ndone", found[1])
+
+
+class CheckLinux(unittest.TestCase):
+    def questions(self, text):
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder, "linux.md")
+            with open(path, "w", encoding="utf-8") as out:
+                out.write(text)
+            return list(check_linux.questions(path))
+
+    def tool(self, folder, script):
+        path = os.path.join(folder, "tool")
+        with open(path, "w", encoding="utf-8") as out:
+            out.write("#!/bin/sh\n" + script)
+        os.chmod(path, 0o755)
+        return path
+
+    def check(self, script, columns):
+        with tempfile.TemporaryDirectory() as folder:
+            return list(check_linux.check(self.tool(folder, script), "SELECT", "threads", columns))
+
+    def test_questions_are_found(self):
+        found = self.questions("```query\nSELECT A\n```\n```columns threads\nA B\n```\n")
+        self.assertEqual(found, [(1, "SELECT A", "threads", ["A", "B"])])
+
+    def test_a_question_without_columns_is_refused(self):
+        for text in ("```query\nSELECT A\n```\n", "```query\nx\n```\n```columns\nA\n```\n"):
+            with self.assertRaises(ValueError):
+                self.questions(text)
+
+    def test_a_wrong_row_is_found(self):
+        script = 'if [ "$2" = csv ]; then echo A,B; else echo \'[{"ThreadCount": %d}]\'; fi\n'
+        self.assertEqual(self.check(script % 11, ["A", "B"]), [])
+        self.assertEqual(len(self.check(script % 10, ["A", "B"])), 1)
+
+    def test_other_columns_and_failures_are_found(self):
+        for script in ("echo A,C", "echo A,B; exit 1", "echo A,B; echo 'qorql: warning: odd' >&2"):
+            with self.assertRaises(ValueError):
+                self.check(script, ["A", "B"])
+
+    def test_what_is_not_on_this_machine_is_left_out(self):
+        with self.assertRaises(check_linux.LeftOut):
+            self.check(f"echo '{check_linux.NO_SYSTEMD}' >&2; exit 3", ["A"])
+        with self.assertRaises(check_linux.LeftOut):
+            check_linux.output_of("no-such-tool-anywhere")
 
 
 if __name__ == "__main__":
