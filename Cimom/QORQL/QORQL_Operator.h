@@ -53,6 +53,7 @@ inline constexpr QORQL_OperatorText QORQL_kOperatorTexts[] = {
     {QORQL_OperatorISNULL, "IS NULL"},  {QORQL_OperatorISNOTNULL, "IS NOT NULL"},
     {QORQL_OperatorISA, "ISA"}};
 
+// Whether the texts above stand where their values say; asked by the assertion below alone.
 constexpr bool QORQL_areOperatorTextsInOrder() noexcept {
   for (std::size_t i = 0; i < std::size(QORQL_kOperatorTexts); ++i) {
     if (static_cast<std::size_t>(QORQL_kOperatorTexts[i].op) != i) return false;
