@@ -12,7 +12,7 @@ RIGHT = {
     "debian/changelog": "x (1.2.0) unstable; urgency=medium\n\nx (1.1.0) unstable; urgency=medium\n",
     "debian/control": "Source: x\nBuild-Depends:\n debhelper-compat (= 13),\n libz-dev,\nStandards-Version: 4\n",
     "debian/libx0.install": "usr/lib/*/lib*.so.*\n",
-    "debian/libx-dev.install": "usr/include\nusr/lib/*/[!l]*\nusr/lib/*/lib*.so\n",
+    "debian/libx-dev.install": "usr/include\nusr/lib/*/[c]*\nusr/lib/*/lib*.so\n",
     "debian/x.install": "usr/bin\nusr/share/zsh/_x usr/share/elsewhere\n",
 }
 FILES = ["lib/libx.so.0", "lib/libx.so", "lib/cmake/X/XConfig.cmake", "include/x/a.h", "bin/x", "share/zsh/_x"]
