@@ -1,8 +1,9 @@
 """Holds a guide and its program together: the guide's code is the program's, and so is its output.
 
 Run as check_guide.py GUIDE SOURCE PROGRAM. Each ```cpp block must stand in SOURCE, line for
-line, and the ```output block must be what PROGRAM prints.
+line (where that is a folder, in one of its files), and the ```output block must be what PROGRAM prints.
 """
+import os
 import subprocess
 import sys
 
@@ -23,9 +24,18 @@ def check(guide, source, output):
         yield f"{guide}:{shown[0].line}: the program prints:\n{output}"
 
 
+def code_of(source):
+    """The text of a file, or of the files of a folder one after another."""
+    files = [os.path.join(source, name) for name in sorted(os.listdir(source))] if os.path.isdir(source) else [source]
+    code = ""
+    for file in files:
+        with open(file, encoding="utf-8") as text:
+            code += text.read()
+    return code
+
+
 def main(guide, source, program):
-    with open(source, encoding="utf-8") as text:
-        code = text.read()
+    code = code_of(source)
     ran = subprocess.run([program], capture_output=True, timeout=TIMEOUT_SECONDS, check=True)
     wrong = list(check(guide, code, ran.stdout.decode()))
     print("\n".join(wrong))
