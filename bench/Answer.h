@@ -1,4 +1,5 @@
 // What a peer made of a workload, small enough to compare: rows and a checksum of the cells.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_BENCH_ANSWER_H
 #define QORQL_BENCH_ANSWER_H
 

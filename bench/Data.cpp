@@ -1,4 +1,5 @@
 // Values come from a mixing function over index and field, so that rows need no state.
+// SPDX-License-Identifier: Apache-2.0
 #include "bench/Data.h"
 
 #include <array>

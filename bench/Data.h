@@ -1,4 +1,5 @@
 // The rows that the benchmarks work on; row i depends on i and the number of pools alone.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_BENCH_DATA_H
 #define QORQL_BENCH_DATA_H
 

@@ -1,4 +1,5 @@
 // The engine: statements parsed beforehand, executed and read to the last cell.
+// SPDX-License-Identifier: Apache-2.0
 #include <array>
 #include <utility>
 

@@ -1,6 +1,7 @@
 // Filters as subscriptions have them: equality with a text or a number, ranges of
 // numbers, and classes with a property behind them. However many there are, ten of
 // them match each indication.
+// SPDX-License-Identifier: Apache-2.0
 #include "bench/FilterSetTable.h"
 
 #include <array>

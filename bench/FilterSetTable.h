@@ -1,4 +1,5 @@
 // The table of filter sets: one indication against up to 100,000 filters.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_BENCH_FILTERSETTABLE_H
 #define QORQL_BENCH_FILTERSETTABLE_H
 

@@ -1,4 +1,5 @@
 // Each reads the same properties of the same objects.
+// SPDX-License-Identifier: Apache-2.0
 #include "bench/MatchPeers.h"
 
 #include <sqlite3.h>

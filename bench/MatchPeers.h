@@ -1,5 +1,6 @@
 // Filters on one instance: the engine's filter statement, a SQLite statement with
 // bound parameters, and a predicate written by hand.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_BENCH_MATCHPEERS_H
 #define QORQL_BENCH_MATCHPEERS_H
 

@@ -1,4 +1,5 @@
 // A turn goes through all instances, so that no branch predictor learns one of them by heart.
+// SPDX-License-Identifier: Apache-2.0
 #include "bench/MatchTable.h"
 
 #include <array>

@@ -1,4 +1,5 @@
 // The tables of matching: nanoseconds per match, and indications per second.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_BENCH_MATCHTABLE_H
 #define QORQL_BENCH_MATCHTABLE_H
 

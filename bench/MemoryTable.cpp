@@ -1,4 +1,5 @@
 // The kernel's count of resident pages, whose peak can be reset.
+// SPDX-License-Identifier: Apache-2.0
 #include "bench/MemoryTable.h"
 
 #include <malloc.h>

@@ -1,4 +1,5 @@
 // What a query adds to the process's memory.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_BENCH_MEMORYTABLE_H
 #define QORQL_BENCH_MEMORYTABLE_H
 

@@ -1,5 +1,6 @@
 // What a programmer would write by hand for each workload: positions known,
 // values read in place, a hash table for the joins, an array of keys to sort.
+// SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 #include <limits>
 #include <utility>

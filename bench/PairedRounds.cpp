@@ -1,4 +1,5 @@
 // The first call of each candidate warms up, the second tells how many make a turn.
+// SPDX-License-Identifier: Apache-2.0
 #include "bench/PairedRounds.h"
 
 #include <algorithm>

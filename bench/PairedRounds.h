@@ -1,4 +1,5 @@
 // Timing of several candidates in turn, so that what disturbs the machine disturbs all of them.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_BENCH_PAIREDROUNDS_H
 #define QORQL_BENCH_PAIREDROUNDS_H
 

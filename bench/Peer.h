@@ -1,4 +1,5 @@
 // Those that are measured against each other, by one interface.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_BENCH_PEER_H
 #define QORQL_BENCH_PEER_H
 

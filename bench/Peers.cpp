@@ -1,4 +1,5 @@
 // All peers, and the check that they agree.
+// SPDX-License-Identifier: Apache-2.0
 #include <stdexcept>
 
 #include "bench/Peer.h"

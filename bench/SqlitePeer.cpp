@@ -1,4 +1,5 @@
 // SQLite over the live objects: statements prepared beforehand, stepped through to the last cell.
+// SPDX-License-Identifier: Apache-2.0
 #include <array>
 #include <stdexcept>
 #include <string>

@@ -1,4 +1,5 @@
 // A statement of the engine, parsed beforehand.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_BENCH_STATEMENT_H
 #define QORQL_BENCH_STATEMENT_H
 

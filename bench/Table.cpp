@@ -1,4 +1,5 @@
 // Each workload is checked, timed and printed before the next one begins.
+// SPDX-License-Identifier: Apache-2.0
 #include "bench/Table.h"
 
 #include <iomanip>

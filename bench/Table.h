@@ -1,4 +1,5 @@
 // The comparison as tables in Markdown, one for each number of instances.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_BENCH_TABLE_H
 #define QORQL_BENCH_TABLE_H
 

@@ -1,5 +1,6 @@
 // A cursor walks the object manager's own list; what SQLite asks of a row goes to
 // the object itself.
+// SPDX-License-Identifier: Apache-2.0
 #include "bench/VirtualTable.h"
 
 #include <memory>

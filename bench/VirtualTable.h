@@ -1,4 +1,5 @@
 // The classes of the current object manager as tables of SQLite.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_BENCH_VIRTUALTABLE_H
 #define QORQL_BENCH_VIRTUALTABLE_H
 

@@ -1,6 +1,7 @@
 // Where the two languages part, the SQL says what the query means: LIKE searches
 // a part with regard to case, AVG divides by the values of all aggregates, and
 // `*=` adds a row for each left object that met another object before its partner.
+// SPDX-License-Identifier: Apache-2.0
 #include "bench/Workloads.h"
 
 #include "bench/Data.h"

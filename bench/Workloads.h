@@ -1,4 +1,5 @@
 // What is measured: each workload as the engine's query and as the SQL that means the same.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_BENCH_WORKLOADS_H
 #define QORQL_BENCH_WORKLOADS_H
 

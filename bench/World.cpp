@@ -1,4 +1,5 @@
 // Instances are created one by one, as any client of the object manager would.
+// SPDX-License-Identifier: Apache-2.0
 #include "bench/World.h"
 
 #include <algorithm>

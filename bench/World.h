@@ -1,4 +1,5 @@
 // An object manager full of disks and pools, which all peers read.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_BENCH_WORLD_H
 #define QORQL_BENCH_WORLD_H
 

@@ -1,4 +1,5 @@
 // The XML table as a peer writes it by hand.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_BENCH_XMLTABLE_H
 #define QORQL_BENCH_XMLTABLE_H
 

@@ -1,5 +1,6 @@
 // qorql_bench: Google Benchmark's options and output, or with --table the peers
 // in interleaved rounds as a table of medians and ratios.
+// SPDX-License-Identifier: Apache-2.0
 #include <benchmark/benchmark.h>
 
 #include <charconv>

@@ -1,5 +1,6 @@
 # find_package(QORQL [COMPONENTS qorql model embedded]): the libraries that are installed, each
 # as QORQL::name. A component that is not there leaves the package not found.
+# SPDX-License-Identifier: Apache-2.0
 include(${CMAKE_CURRENT_LIST_DIR}/QORQLTargets.cmake)
 foreach(component ${QORQL_FIND_COMPONENTS})
   if(TARGET QORQL::${component})

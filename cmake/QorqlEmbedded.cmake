@@ -1,5 +1,6 @@
 # The embedded object manager: repository and instances, the MOF reader, live Linux classes
 # and CIM-XML, with all that they need from the system.
+# SPDX-License-Identifier: Apache-2.0
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(INIH REQUIRED IMPORTED_TARGET inih)
 pkg_check_modules(PROC2 REQUIRED IMPORTED_TARGET libproc2)

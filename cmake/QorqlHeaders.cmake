@@ -1,5 +1,6 @@
 # The headers that are installed: what a program that embeds the engine, or an object manager that
 # loads it, includes. All others are the libraries' own and may change at any time.
+# SPDX-License-Identifier: Apache-2.0
 
 # The platform interface, which the object model implements.
 file(GLOB_RECURSE QORQL_PLATFORM_HEADERS CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} include/*.h)

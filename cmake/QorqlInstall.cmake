@@ -1,5 +1,6 @@
 # What `cmake --install` lays down: the libraries, their headers under include/qorql, and
 # a package description, so that find_package(QORQL) gives QORQL::qorql and QORQL::embedded.
+# SPDX-License-Identifier: Apache-2.0
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 

@@ -1,4 +1,5 @@
 # Warnings, sanitizers and coverage, the same for every target of our own.
+# SPDX-License-Identifier: Apache-2.0
 function(qorql_target_options target)
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion)
   # g++ 12 sees overlapping copies inside its own std::string when it optimises.

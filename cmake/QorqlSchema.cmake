@@ -1,6 +1,7 @@
 # Writes the C++ source that holds the schema of the live classes: the .mof files of FOLDER, one
 # after the other without their opening comments, once whole and once without the descriptions.
 # Classes that refer to others come after those. Run as a script with FOLDER and OUTPUT set.
+# SPDX-License-Identifier: Apache-2.0
 file(GLOB all_files ${FOLDER}/*.mof)
 list(SORT all_files)
 foreach(path ${all_files})

@@ -1,5 +1,6 @@
 # Run by each build: writes OUTPUT from INPUT with the version and the commit of SOURCE,
 # when they have changed. A tree without git has no commit, and none is told where SOURCE is empty.
+# SPDX-License-Identifier: Apache-2.0
 find_package(Git QUIET)
 set(QORQL_VERSION_TEXT ${VERSION})
 if(GIT_FOUND AND SOURCE AND EXISTS ${SOURCE}/.git)

@@ -1,6 +1,7 @@
 // The foundation in one include: string, counted pointer, list, map, atomic,
 // exceptions, log. It uses the standard library only; its out-of-line code is
 // supplied by the object manager that loads the engine.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CMPBASE_H
 #define QORQL_CMPBASE_H
 

@@ -1,4 +1,5 @@
 // The face of the engine: all that a program needs that asks queries and filters of its own.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_QORQL_H
 #define QORQL_QORQL_H
 

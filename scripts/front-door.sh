@@ -1,5 +1,6 @@
 # What the commands at the front door share: no failure is silent, packages, and building a preset once.
 # Sourced by every script of the tree, with `root` and `me` (the name in messages) set.
+# SPDX-License-Identifier: Apache-2.0
 set -E
 
 say() { printf '%s: %s\n' "$me" "$*" >&2; }

@@ -1,4 +1,5 @@
 // Declarations, feature by feature.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/CimXml/CimXmlClassReader.h"
 
 #include <charconv>

@@ -1,5 +1,6 @@
 // Classes and qualifiers of a CIM-XML document.
 // Tested by tests/unit/CimXml/CimXmlReplyTest.cpp, tests/unit/CimXml/CimXmlWriterTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMXML_CIMXMLCLASSREADER_H
 #define QORQL_CIMXML_CIMXMLCLASSREADER_H
 

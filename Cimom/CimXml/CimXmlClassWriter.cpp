@@ -1,5 +1,6 @@
 // The writer's declarations: classes, features and qualifiers.
 // Tested by tests/unit/CimXml/CimXmlWriterTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #include <string>
 #include <utility>
 

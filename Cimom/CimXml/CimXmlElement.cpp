@@ -1,4 +1,5 @@
 // The names of the elements, and their look-up by a perfect hash.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/CimXml/CimXmlElement.h"
 
 #include <array>

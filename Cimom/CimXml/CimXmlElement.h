@@ -1,5 +1,6 @@
 // The elements of CIM-XML by number.
 // Tested by tests/unit/CimXml/CimXmlReplyTest.cpp, tests/unit/CimXml/CimXmlWriterTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMXML_CIMXMLELEMENT_H
 #define QORQL_CIMXML_CIMXMLELEMENT_H
 

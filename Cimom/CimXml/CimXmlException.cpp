@@ -1,4 +1,5 @@
 // Names of the CIM statuses, and the texts of the exceptions.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/CimXml/CimXmlException.h"
 
 #include <iterator>

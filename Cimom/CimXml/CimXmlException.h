@@ -1,5 +1,6 @@
 // What is wrong with a CIM-XML document, and what a server says is wrong with a call.
 // Tested by tests/unit/CimXml/CimXmlReplyTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMXML_CIMXMLEXCEPTION_H
 #define QORQL_CIMXML_CIMXMLEXCEPTION_H
 

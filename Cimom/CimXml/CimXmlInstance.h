@@ -1,5 +1,6 @@
 // An instance as a document gives it, before anybody knows its class.
 // Tested by tests/unit/CimXml/CimXmlReplyTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMXML_CIMXMLINSTANCE_H
 #define QORQL_CIMXML_CIMXMLINSTANCE_H
 

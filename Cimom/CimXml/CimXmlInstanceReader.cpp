@@ -1,4 +1,5 @@
 // Forgiving about what a server adds or leaves out; a value that cannot be of its type is a fault.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/CimXml/CimXmlInstanceReader.h"
 
 #include <string>

@@ -1,5 +1,6 @@
 // Values, properties and instances of a CIM-XML document.
 // Tested by tests/unit/CimXml/CimXmlReplyTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMXML_CIMXMLINSTANCEREADER_H
 #define QORQL_CIMXML_CIMXMLINSTANCEREADER_H
 

@@ -1,4 +1,5 @@
 // The envelopes.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/CimXml/CimXmlMessages.h"
 
 #include <utility>

@@ -1,5 +1,6 @@
 // Whole messages: calls of operations, and their replies.
 // Tested by tests/unit/CimXml/CimXmlWriterTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMXML_CIMXMLMESSAGES_H
 #define QORQL_CIMXML_CIMXMLMESSAGES_H
 

@@ -1,5 +1,6 @@
 // A layout is found by comparing an instance with earlier ones: within one class
 // they nearly always have the same properties.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/CimXml/CimXmlObjects.h"
 
 #include <string_view>

@@ -1,5 +1,6 @@
 // Engine objects from instances as documents give them.
 // Tested by tests/unit/CimXml/CimXmlReplyTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMXML_CIMXMLOBJECTS_H
 #define QORQL_CIMXML_CIMXMLOBJECTS_H
 

@@ -1,4 +1,5 @@
 // The depth of the recursion is the nesting of references in keys.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/CimXml/CimXmlPathReader.h"
 
 #include "Cimom/CimXml/CimXmlValues.h"

@@ -1,5 +1,6 @@
 // Namespaces, class names and instance paths of a CIM-XML document.
 // Tested by tests/unit/CimXml/CimXmlReplyTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMXML_CIMXMLPATHREADER_H
 #define QORQL_CIMXML_CIMXMLPATHREADER_H
 

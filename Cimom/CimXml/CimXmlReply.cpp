@@ -1,5 +1,6 @@
 // CIM, MESSAGE, SIMPLERSP, IMETHODRESPONSE; in it an ERROR, or IRETURNVALUE and
 // then output parameters. The reply to an export has names of its own.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/CimXml/CimXmlReply.h"
 
 #include <charconv>

@@ -1,4 +1,5 @@
 // The reply to one operation, read while it arrives.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMXML_CIMXMLREPLY_H
 #define QORQL_CIMXML_CIMXMLREPLY_H
 

@@ -1,4 +1,5 @@
 // Reading accepts other forms where the meaning is clear; writing follows the standard's forms.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/CimXml/CimXmlValues.h"
 
 #include <algorithm>

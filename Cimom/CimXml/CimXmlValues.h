@@ -1,5 +1,6 @@
 // Scalar values as the texts of CIM-XML.
 // Tested by tests/unit/CimXml/CimXmlReplyTest.cpp, tests/unit/CimXml/CimXmlWriterTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMXML_CIMXMLVALUES_H
 #define QORQL_CIMXML_CIMXMLVALUES_H
 

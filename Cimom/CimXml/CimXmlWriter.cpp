@@ -1,4 +1,5 @@
 // Elements and attributes in the order of the document type definition.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/CimXml/CimXmlWriter.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // The object model as elements of CIM-XML.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMXML_CIMXMLWRITER_H
 #define QORQL_CIMXML_CIMXMLWRITER_H
 

@@ -1,5 +1,6 @@
 // expat reads a piece of the document at a time and hands out events; they wait
 // in a queue, with their texts in one buffer, until the caller has taken them.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/CimXml/XmlPull.h"
 
 #include <expat.h>

@@ -1,6 +1,7 @@
 // First, under one lock, the stored associations that the index gives for the
 // source and the stored objects at their ends; then, without the lock, what
 // providers serve: live associations, and live objects at the ends of either.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/AssociationWalk.h"
 
 namespace embedded {

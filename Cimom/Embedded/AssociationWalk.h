@@ -1,5 +1,6 @@
 // From an instance, through associations, to the instances at their other ends.
 // Tested by tests/unit/Embedded/AssociationTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EMBEDDED_ASSOCIATIONWALK_H
 #define QORQL_EMBEDDED_ASSOCIATIONWALK_H
 

@@ -1,6 +1,7 @@
 // Working out a class: properties keep the positions that the superclass gave
 // them, so that one position serves a class and all its subclasses' own fields
 // follow; a declaration of the same name replaces the inherited one in place.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/CQoriClass.h"
 
 #include <algorithm>

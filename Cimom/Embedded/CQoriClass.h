@@ -1,5 +1,6 @@
 // A class of the repository with everything that it inherits worked out.
 // Tested by tests/unit/Embedded/ClassRepositoryTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EMBEDDED_CQORICLASS_H
 #define QORQL_EMBEDDED_CQORICLASS_H
 

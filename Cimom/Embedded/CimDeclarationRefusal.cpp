@@ -1,4 +1,5 @@
 // The refusal of a class declaration.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/CimDeclarationRefusal.h"
 
 #include <utility>

@@ -1,5 +1,6 @@
 // The refusal of a class declaration, with every fault that was found in it.
 // Tested by tests/unit/Embedded/ClassRepositoryTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EMBEDDED_CIMDECLARATIONREFUSAL_H
 #define QORQL_EMBEDDED_CIMDECLARATIONREFUSAL_H
 

@@ -1,5 +1,6 @@
 // Where a MOF reader puts what it read: the object manager's side of loading.
 // Tested by tests/unit/Embedded/LoadTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EMBEDDED_CIMDECLARATIONSINK_H
 #define QORQL_EMBEDDED_CIMDECLARATIONSINK_H
 

@@ -1,4 +1,5 @@
 // Look-ups in declarations.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/CimDeclarations.h"
 
 #include "Cimom/Embedded/DeclarationHelpers.h"

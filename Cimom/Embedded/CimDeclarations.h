@@ -1,6 +1,7 @@
 // Declarations of qualifiers, classes and instances, as a MOF reader or a
 // provider hands them to the object manager.
 // Tested by tests/unit/Embedded/ClassRepositoryTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EMBEDDED_CIMDECLARATIONS_H
 #define QORQL_EMBEDDED_CIMDECLARATIONS_H
 

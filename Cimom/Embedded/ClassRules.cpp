@@ -1,5 +1,6 @@
 // One pass over the class and its properties. A fault does not stop it, so that
 // a person sees all of them at once.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/ClassRules.h"
 
 #include "Cimom/Embedded/CQoriClass.h"

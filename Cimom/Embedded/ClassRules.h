@@ -1,5 +1,6 @@
 // What a class may declare, by itself and against its superclass.
 // Tested by tests/unit/Embedded/ClassRepositoryTest.cpp, tests/unit/Mof/MofClassRulesTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EMBEDDED_CLASSRULES_H
 #define QORQL_EMBEDDED_CLASSRULES_H
 

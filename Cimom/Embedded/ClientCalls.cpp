@@ -1,5 +1,6 @@
 // Stored instances are read under the shared lock, so that a list is one state;
 // providers are called after it is released.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/ClientCalls.h"
 
 #include "Cimom/Embedded/Restrictor.h"

@@ -1,5 +1,6 @@
 // Enumeration and single look-up, as the client interface asks for them.
 // Tested by tests/unit/Embedded/EnumerationTest.cpp, tests/unit/Embedded/AssociationTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EMBEDDED_CLIENTCALLS_H
 #define QORQL_EMBEDDED_CLIENTCALLS_H
 

@@ -2,6 +2,7 @@
 // zero bytes and takes an indented line for more of the value before it; so
 // long lines and zero bytes are refused here, and indentation is removed:
 // nothing is cut or joined silently.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/Configuration.h"
 
 #include <ini.h>

@@ -1,4 +1,5 @@
 // The object manager's settings: sections of keys with texts.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EMBEDDED_CONFIGURATION_H
 #define QORQL_EMBEDDED_CONFIGURATION_H
 

@@ -1,4 +1,5 @@
 // Qualifier look-up, equality of declarations and type questions.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/DeclarationHelpers.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 // Questions about declarations that the class repository asks in several places.
 // Tested by tests/unit/Embedded/ClassRepositoryTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EMBEDDED_DECLARATIONHELPERS_H
 #define QORQL_EMBEDDED_DECLARATIONHELPERS_H
 

@@ -1,4 +1,5 @@
 // Each operation under the store's lock, with the loader's view.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/DeclarationSink.h"
 
 #include <mutex>

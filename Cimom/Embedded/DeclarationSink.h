@@ -1,5 +1,6 @@
 // The object store as loaders of declarations see it.
 // Tested by tests/unit/Embedded/LoadTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EMBEDDED_DECLARATIONSINK_H
 #define QORQL_EMBEDDED_DECLARATIONSINK_H
 

@@ -1,4 +1,5 @@
 // The object manager's own interface, and which one is current.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
 
 #include <mutex>

@@ -1,6 +1,7 @@
 // The in-process object manager: class repository, instance store, providers
 // and configuration behind the services that the engine calls.
 // Tested by tests/unit/Embedded/ServicesTest.cpp, tests/unit/Embedded/ConcurrencyTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EMBEDDED_EMBEDDEDOBJECTMANAGER_H
 #define QORQL_EMBEDDED_EMBEDDEDOBJECTMANAGER_H
 

@@ -1,5 +1,6 @@
 // What the services of a process's object manager share.
 // Tested by tests/unit/Embedded/ServicesTest.cpp, tests/unit/Embedded/ConcurrencyTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EMBEDDED_EMBEDDEDSTATE_H
 #define QORQL_EMBEDDED_EMBEDDEDSTATE_H
 

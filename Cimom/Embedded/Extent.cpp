@@ -1,4 +1,5 @@
 // Keeping instances in creation order through removals and late insertions.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/Extent.h"
 
 namespace embedded {

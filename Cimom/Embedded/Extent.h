@@ -1,5 +1,6 @@
 // The stored instances of a class, or those that refer to an instance, in the
 // order in which they were created.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EMBEDDED_EXTENT_H
 #define QORQL_EMBEDDED_EXTENT_H
 

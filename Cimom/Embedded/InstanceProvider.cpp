@@ -1,4 +1,5 @@
 // What a request asks for.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/InstanceProvider.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 // What a provider of live instances implements.
 // Tested by tests/unit/Embedded/ProviderTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EMBEDDED_INSTANCEPROVIDER_H
 #define QORQL_EMBEDDED_INSTANCEPROVIDER_H
 

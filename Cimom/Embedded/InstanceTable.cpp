@@ -1,6 +1,7 @@
 // Every instance stands in the extent of its class and of each superclass, so
 // that an enumeration walks one list; associations stand, in addition, in the
 // list of each path that they refer to, so that finding them needs no scan.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/InstanceTable.h"
 
 #include <string>

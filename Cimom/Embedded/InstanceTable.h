@@ -1,5 +1,6 @@
 // The stored instances of one namespace, by path, by class and by what they refer to.
 // Tested by tests/unit/Embedded/InstanceStoreTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EMBEDDED_INSTANCETABLE_H
 #define QORQL_EMBEDDED_INSTANCETABLE_H
 

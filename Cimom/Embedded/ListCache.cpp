@@ -1,5 +1,6 @@
 // What leaves the cache is destroyed after the lock is released: a list may
 // hold a hundred thousand objects.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/ListCache.h"
 
 #include <algorithm>

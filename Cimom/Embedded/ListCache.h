@@ -1,4 +1,5 @@
 // Lists of instances that were made for earlier calls and are still valid.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EMBEDDED_LISTCACHE_H
 #define QORQL_EMBEDDED_LISTCACHE_H
 

@@ -1,5 +1,6 @@
 // A provider is not trusted with more than its class: the number of values is
 // checked, values are brought to the declared types, and paths stay unique.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/LiveReader.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 // Calls providers and makes instances of what they emit.
 // Tested by tests/unit/Embedded/ProviderTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EMBEDDED_LIVEREADER_H
 #define QORQL_EMBEDDED_LIVEREADER_H
 

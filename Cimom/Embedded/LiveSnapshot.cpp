@@ -1,4 +1,5 @@
 // Each class is read from its provider once, and indexed by path.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/LiveSnapshot.h"
 
 #include "Cimom/Embedded/Restrictor.h"

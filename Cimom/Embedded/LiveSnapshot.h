@@ -1,5 +1,6 @@
 // The live instances that one client object has read for its association calls.
 // Tested by tests/unit/Embedded/ProviderTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EMBEDDED_LIVESNAPSHOT_H
 #define QORQL_EMBEDDED_LIVESNAPSHOT_H
 

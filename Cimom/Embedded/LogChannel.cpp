@@ -1,4 +1,5 @@
 // Handing log lines to the sink.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/LogChannel.h"
 
 #include <utility>

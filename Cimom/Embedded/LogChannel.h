@@ -1,5 +1,6 @@
 // Where log lines go.
 // Tested by tests/unit/Embedded/ServicesTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EMBEDDED_LOGCHANNEL_H
 #define QORQL_EMBEDDED_LOGCHANNEL_H
 

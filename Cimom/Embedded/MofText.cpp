@@ -1,4 +1,5 @@
 // Writes what the MOF reader reads: names as declared, values as literals.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/MofText.h"
 
 #include <map>

@@ -1,4 +1,5 @@
 // Declarations and instances as MOF text that loads again.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EMBEDDED_MOFTEXT_H
 #define QORQL_EMBEDDED_MOFTEXT_H
 

@@ -1,5 +1,6 @@
 // Maps whose keys are CIM names: found ignoring case, kept as first spelled.
 // Tested by tests/unit/Embedded/ClassRepositoryTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EMBEDDED_NAMEMAP_H
 #define QORQL_EMBEDDED_NAMEMAP_H
 

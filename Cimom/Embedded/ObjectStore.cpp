@@ -3,6 +3,7 @@
 // A load marks what it makes as pending. Queries skip pending things;
 // commit removes the marks, rollback removes what is marked, so that both
 // cost what the load itself cost, whatever the store holds already.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/ObjectStore.h"
 
 #include <algorithm>

@@ -1,6 +1,7 @@
 // Namespaces with their classes, qualifiers, instances and live sources, and
 // the lock that lets queries run while they change.
 // Tested by tests/unit/Embedded/InstanceStoreTest.cpp, tests/unit/Embedded/LoadTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EMBEDDED_OBJECTSTORE_H
 #define QORQL_EMBEDDED_OBJECTSTORE_H
 

@@ -1,5 +1,6 @@
 // Declarations and changes of instances, with the reasons to refuse them.
 // Tested by tests/unit/Embedded/InstanceStoreTest.cpp, tests/unit/Embedded/LoadTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #include <string>
 
 #include "Cimom/Embedded/DeclarationHelpers.h"

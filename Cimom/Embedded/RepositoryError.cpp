@@ -1,4 +1,5 @@
 // The one place where refusals are thrown.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/RepositoryError.h"
 
 namespace embedded {

@@ -1,5 +1,6 @@
 // How the object manager refuses a declaration, an instance or a call.
 // Tested by tests/unit/Embedded/InstanceStoreTest.cpp, tests/unit/Embedded/LoadTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EMBEDDED_REPOSITORYERROR_H
 #define QORQL_EMBEDDED_REPOSITORYERROR_H
 

@@ -1,4 +1,5 @@
 // Restrictions per class, and the texts that identify property lists.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/Restrictor.h"
 
 #include "Cimom/Embedded/NameMap.h"

@@ -1,5 +1,6 @@
 // Reduces instances of any classes to the properties that a call asks for.
 // Tested by tests/unit/Embedded/EnumerationTest.cpp, tests/unit/Model/CQoriBaseObjectTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EMBEDDED_RESTRICTOR_H
 #define QORQL_EMBEDDED_RESTRICTOR_H
 

@@ -1,4 +1,5 @@
 // The services that the engine calls, answered by the current object manager.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/AssociationWalk.h"
 #include "Cimom/Embedded/ClientCalls.h"
 #include "Cimom/Embedded/EmbeddedState.h"

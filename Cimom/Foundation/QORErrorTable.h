@@ -1,5 +1,6 @@
 // The texts of the foundation's own errors.
 // Tested by tests/unit/Foundation/QoriBaseExceptionTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_FOUNDATION_QORERRORTABLE_H
 #define QORQL_FOUNDATION_QORERRORTABLE_H
 

@@ -1,5 +1,6 @@
 // What runs when a library that uses the foundation is loaded.
 // Tested by tests/unit/Foundation/QoriBaseExceptionTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #include "cmpbase/QORModule.h"
 
 #include <cstdio>

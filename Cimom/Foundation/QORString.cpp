@@ -1,4 +1,5 @@
 // The foundation's string: buffer management and text operations.
+// SPDX-License-Identifier: Apache-2.0
 #include "cmpbase/QORString.h"
 
 #include <algorithm>

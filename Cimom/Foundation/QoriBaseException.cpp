@@ -1,4 +1,5 @@
 // The base of all exceptions, and the errors that pointers and containers raise.
+// SPDX-License-Identifier: Apache-2.0
 #include "cmpbase/QoriBaseException.h"
 
 #include "Cimom/Foundation/QORErrorTable.h"

@@ -1,4 +1,5 @@
 // Messages, escaping and instance paths in XML.
+// SPDX-License-Identifier: Apache-2.0
 #include "cimom/CIMUtil.h"
 
 #include <algorithm>

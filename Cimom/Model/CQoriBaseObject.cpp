@@ -4,6 +4,7 @@
 // restriction; a copy of a copy holds the first object itself, with the
 // positions of both steps in one. An object without a layout, and one that is
 // made from a property list, holds its properties.
+// SPDX-License-Identifier: Apache-2.0
 #include "cimom/CQoriBaseObject.h"
 
 #include <algorithm>

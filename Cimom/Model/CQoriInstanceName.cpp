@@ -1,4 +1,5 @@
 // Instance names: the order of their keys and the text of their path.
+// SPDX-License-Identifier: Apache-2.0
 #include "cimom/CQoriInstanceName.h"
 
 #include <algorithm>

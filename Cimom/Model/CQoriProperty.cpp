@@ -1,5 +1,6 @@
 // Properties.
 // Tested by tests/unit/Model/CQoriInstanceNameTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #include "cimom/CQoriProperty.h"
 
 #include "cimom/CQoriType.h"

@@ -1,4 +1,5 @@
 // The type singletons and their table.
+// SPDX-License-Identifier: Apache-2.0
 #include "cimom/CQoriType.h"
 
 #include <array>

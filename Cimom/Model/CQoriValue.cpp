@@ -1,4 +1,5 @@
 // Values: construction, conversion and access. Arithmetic and comparison have files of their own.
+// SPDX-License-Identifier: Apache-2.0
 #include "cimom/CQoriValue.h"
 
 #include "Cimom/Model/CQoriValueComplex.h"

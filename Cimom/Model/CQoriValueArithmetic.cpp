@@ -3,6 +3,7 @@
 // Integers are computed in 128 bits and then fitted into the 64-bit type that
 // the operands call for, or else into the other one when the result fits that.
 // One real operand makes the operation one of real64.
+// SPDX-License-Identifier: Apache-2.0
 #include <functional>
 #include <limits>
 

@@ -1,5 +1,6 @@
 // The parts of a value that is no scalar.
 // Tested by tests/unit/Model/CQoriValueTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MODEL_CQORIVALUECOMPLEX_H
 #define QORQL_MODEL_CQORIVALUECOMPLEX_H
 

@@ -1,5 +1,6 @@
 // Comparison of values. Every pair is brought to an order (or to none), which
 // the relation is then asked of. Numbers, booleans and texts take no allocation.
+// SPDX-License-Identifier: Apache-2.0
 #include <string_view>
 
 #include "Cimom/Model/ModelDateTime.h"

@@ -1,5 +1,6 @@
 // A class definition as the value of an embedded object.
 // Tested by tests/unit/Model/ModelMofTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MODEL_MODELCLASSOBJECT_H
 #define QORQL_MODEL_MODELCLASSOBJECT_H
 

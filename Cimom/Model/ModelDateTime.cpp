@@ -4,6 +4,7 @@
 // or ":" (interval) at 21. A text is read into fields; a field that contains a
 // `*` makes it incomplete. A complete text becomes one number of microseconds:
 // since 1970 in UTC, or of the interval.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Model/ModelDateTime.h"
 
 #include <chrono>

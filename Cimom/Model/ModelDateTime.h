@@ -1,5 +1,6 @@
 // Order of CIM datetime texts.
 // Tested by tests/unit/Model/CQoriValueRelateTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MODEL_MODELDATETIME_H
 #define QORQL_MODEL_MODELDATETIME_H
 

@@ -1,4 +1,5 @@
 // The errors that values raise.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Model/ModelError.h"
 
 namespace model {

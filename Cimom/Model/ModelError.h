@@ -1,5 +1,6 @@
 // The errors that values raise.
 // Tested by tests/unit/Model/CQoriValueTest.cpp, tests/unit/Model/CQoriValueArithmeticTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MODEL_MODELERROR_H
 #define QORQL_MODEL_MODELERROR_H
 

@@ -1,4 +1,5 @@
 // A stored instance: the class's shared shape and one compact block of values.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MODEL_MODELINSTANCE_H
 #define QORQL_MODEL_MODELINSTANCE_H
 

@@ -1,4 +1,5 @@
 // The name of a stored instance.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Model/ModelInstanceName.h"
 
 #include <algorithm>

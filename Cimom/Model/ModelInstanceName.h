@@ -1,5 +1,6 @@
 // The name of a stored instance: its path, and its keys on demand.
 // Tested by tests/unit/Model/ModelInstanceTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MODEL_MODELINSTANCENAME_H
 #define QORQL_MODEL_MODELINSTANCENAME_H
 

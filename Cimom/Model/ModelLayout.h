@@ -1,4 +1,5 @@
 // The layout that the instances of one class share: property names, types and positions.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MODEL_MODELLAYOUT_H
 #define QORQL_MODEL_MODELLAYOUT_H
 

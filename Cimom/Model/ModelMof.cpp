@@ -1,4 +1,5 @@
 // Objects as MOF instance text.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Model/ModelMof.h"
 
 #include <cmath>

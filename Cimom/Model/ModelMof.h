@@ -1,4 +1,5 @@
 // Objects as MOF instance text.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MODEL_MODELMOF_H
 #define QORQL_MODEL_MODELMOF_H
 

@@ -1,5 +1,6 @@
 // An instance name that is made when it is first asked for, whichever thread asks.
 // Tested by tests/unit/Model/ModelInstanceTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MODEL_MODELNAMECACHE_H
 #define QORQL_MODEL_MODELNAMECACHE_H
 

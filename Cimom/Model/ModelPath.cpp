@@ -1,4 +1,5 @@
 // The canonical text of instance paths.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Model/ModelPath.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 // The canonical text of instance paths.
 // Tested by tests/unit/Model/PathTextTest.cpp, tests/unit/Model/CQoriInstanceNameTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MODEL_MODELPATH_H
 #define QORQL_MODEL_MODELPATH_H
 

@@ -1,5 +1,6 @@
 // The reduction of a layout to some of its properties, worked out once for many objects.
 // Tested by tests/unit/Model/ModelLayoutTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MODEL_MODELRESTRICTION_H
 #define QORQL_MODEL_MODELRESTRICTION_H
 

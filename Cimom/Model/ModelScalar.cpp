@@ -1,4 +1,5 @@
 // Scalars by CIM type: making, converting and writing them.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Model/ModelScalar.h"
 
 #include <charconv>

@@ -1,5 +1,6 @@
 // Scalars by CIM type: making, converting and writing them.
 // Tested by tests/unit/Model/CQoriValueRelateTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MODEL_MODELSCALAR_H
 #define QORQL_MODEL_MODELSCALAR_H
 

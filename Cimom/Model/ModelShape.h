@@ -1,5 +1,6 @@
 // The class, namespace, layout and keys that stored instances share.
 // Tested by tests/unit/Model/ModelInstanceTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MODEL_MODELSHAPE_H
 #define QORQL_MODEL_MODELSHAPE_H
 

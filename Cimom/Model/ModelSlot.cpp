@@ -1,4 +1,5 @@
 // One stored value.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Model/ModelSlot.h"
 
 #include <memory>

@@ -1,5 +1,6 @@
 // One stored value.
 // Tested by tests/unit/Model/ModelInstanceTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MODEL_MODELSLOT_H
 #define QORQL_MODEL_MODELSLOT_H
 

@@ -1,5 +1,6 @@
 // The context of a client call, and the failure of a provider.
 // Tested by tests/unit/Model/CIMUtilTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #include "cimom/QoriTransactionInfo.h"
 
 #include "cimom/CQoriProviderException.h"

@@ -1,5 +1,6 @@
 // A load through the cache: use the cache when it is fresh, otherwise read the text
 // and record on the way what it declares.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Mof/MofCache.h"
 
 #include <xxhash.h>

@@ -1,4 +1,5 @@
 // MOF that has been loaded before, kept in a file.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MOF_MOFCACHE_H
 #define QORQL_MOF_MOFCACHE_H
 

@@ -1,5 +1,6 @@
 // 8 bytes of name, then, lowest byte first, version (4), size of the content
 // (8), checksum of the rest (8); then the content, compressed.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Mof/MofCacheFile.h"
 
 #include <xxhash.h>

@@ -1,5 +1,6 @@
 // The file around a cache: compressed, with a checksum, replaced as a whole.
 // Tested by tests/unit/Mof/MofCacheTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MOF_MOFCACHEFILE_H
 #define QORQL_MOF_MOFCACHEFILE_H
 

@@ -1,5 +1,6 @@
 // Checked once as a whole, the bytes are read in place. Their content is not
 // trusted more than a MOF text is: the sink checks every declaration.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Mof/MofCacheReader.h"
 
 #include <MofCacheFormat_generated.h>

@@ -1,5 +1,6 @@
 // From the bytes of a cache to what a load declared.
 // Tested by tests/unit/Mof/MofCacheTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MOF_MOFCACHEREADER_H
 #define QORQL_MOF_MOFCACHEREADER_H
 

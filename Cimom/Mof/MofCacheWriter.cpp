@@ -1,4 +1,5 @@
 // Builds the tables from the leaves up. Equal texts are kept once.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Mof/MofCacheWriter.h"
 
 #include <MofCacheFormat_generated.h>

@@ -1,5 +1,6 @@
 // From what a load declared to the bytes of a cache.
 // Tested by tests/unit/Mof/MofCacheTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MOF_MOFCACHEWRITER_H
 #define QORQL_MOF_MOFCACHEWRITER_H
 

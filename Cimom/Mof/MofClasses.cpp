@@ -1,5 +1,6 @@
 // A class waits until its superclass is declared; the chain of those that wait
 // is walked with a list, not with recursion.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Mof/MofClasses.h"
 
 #include <unordered_set>

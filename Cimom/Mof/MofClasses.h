@@ -1,5 +1,6 @@
 // Classes of a document on their way to the repository.
 // Tested by tests/unit/Mof/MofClassTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MOF_MOFCLASSES_H
 #define QORQL_MOF_MOFCLASSES_H
 

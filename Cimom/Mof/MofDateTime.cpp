@@ -1,4 +1,5 @@
 // Checks the fields of timestamps and intervals.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Mof/MofDateTime.h"
 
 #include <cstddef>

@@ -1,5 +1,6 @@
 // The form of datetime values.
 // Tested by tests/unit/Mof/MofValueTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MOF_MOFDATETIME_H
 #define QORQL_MOF_MOFDATETIME_H
 

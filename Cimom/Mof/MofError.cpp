@@ -1,4 +1,5 @@
 // The text of MOF diagnostics.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Mof/MofError.h"
 
 #include <utility>

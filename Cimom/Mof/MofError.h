@@ -1,6 +1,7 @@
 // What is wrong with MOF text: one diagnostic for each fault, and the
 // exception that carries all of a load.
 // Tested by tests/unit/Mof/MofSyntaxTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MOF_MOFERROR_H
 #define QORQL_MOF_MOFERROR_H
 

@@ -1,4 +1,5 @@
 // Files and folders of MOF.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Mof/MofInput.h"
 
 #include <xxhash.h>

@@ -1,5 +1,6 @@
 // A file or folder that a load read, and whether it is still the same.
 // Tested by tests/unit/Mof/MofCacheTest.cpp, tests/unit/Mof/MofLoaderTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MOF_MOFINPUT_H
 #define QORQL_MOF_MOFINPUT_H
 

@@ -1,4 +1,5 @@
 // One instance at a time; a fault in one does not stop the next.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Mof/MofInstances.h"
 
 void MofInstances::defineAliases() {

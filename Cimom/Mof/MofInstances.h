@@ -1,5 +1,6 @@
 // Instances of a document on their way to the object manager.
 // Tested by tests/unit/Mof/MofInstanceTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MOF_MOFINSTANCES_H
 #define QORQL_MOF_MOFINSTANCES_H
 

@@ -1,5 +1,6 @@
 // Reading of literals. Escapes name UTF-16 code units; two that form a
 // surrogate pair are one character.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Mof/MofLiterals.h"
 
 #include <algorithm>

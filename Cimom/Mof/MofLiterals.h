@@ -1,5 +1,6 @@
 // The values of literals: strings, characters and numbers as they are written.
 // Tested by tests/unit/Mof/MofValueTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MOF_MOFLITERALS_H
 #define QORQL_MOF_MOFLITERALS_H
 

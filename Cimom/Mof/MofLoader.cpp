@@ -1,5 +1,6 @@
 // A load has two passes: all texts are read into one document, then the document
 // is declared, qualifiers first, then classes, then instances.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Mof/MofLoader.h"
 
 #include <utility>

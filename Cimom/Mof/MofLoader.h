@@ -1,4 +1,5 @@
 // Loads MOF (version 2 syntax) into an object manager.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MOF_MOFLOADER_H
 #define QORQL_MOF_MOFLOADER_H
 

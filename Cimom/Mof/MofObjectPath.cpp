@@ -1,4 +1,5 @@
 // Reads paths from left to right: prefix, class, then keys.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Mof/MofObjectPath.h"
 
 #include <algorithm>

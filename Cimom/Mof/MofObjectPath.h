@@ -1,5 +1,6 @@
 // The text form of an instance's path: [[//host/]namespace:]Class.Key="v",Key2=2
 // Tested by tests/unit/Mof/MofInstanceTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MOF_MOFOBJECTPATH_H
 #define QORQL_MOF_MOFOBJECTPATH_H
 

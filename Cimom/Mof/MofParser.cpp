@@ -1,4 +1,5 @@
 // Tokens, recovery, pragmas, instances and values of MOF.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Mof/MofParser.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 // The grammar of MOF: from tokens to declarations.
 // Tested by tests/unit/Mof/MofSyntaxTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MOF_MOFPARSER_H
 #define QORQL_MOF_MOFPARSER_H
 

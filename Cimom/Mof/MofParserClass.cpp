@@ -1,5 +1,6 @@
 // The grammar of qualifiers and classes of MOF.
 // Tested by tests/unit/Mof/MofClassTest.cpp, tests/unit/Mof/MofSyntaxTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #include <utility>
 
 #include "Cimom/Mof/MofLiterals.h"

@@ -1,4 +1,5 @@
 // Meanings are looked up once for each namespace and name.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Mof/MofQualifiers.h"
 
 #include <algorithm>

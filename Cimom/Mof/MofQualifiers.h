@@ -1,5 +1,6 @@
 // What qualifiers mean: their types, values and flavors.
 // Tested by tests/unit/Mof/MofClassTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MOF_MOFQUALIFIERS_H
 #define QORQL_MOF_MOFQUALIFIERS_H
 

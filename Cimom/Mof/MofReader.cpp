@@ -1,5 +1,6 @@
 // Files are told apart by their canonical path, so that a loop is found
 // whatever the paths in it look like.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Mof/MofReader.h"
 
 #include <algorithm>

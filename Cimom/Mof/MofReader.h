@@ -1,5 +1,6 @@
 // Files of MOF with what they include.
 // Tested by tests/unit/Mof/MofLoaderTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MOF_MOFREADER_H
 #define QORQL_MOF_MOFREADER_H
 

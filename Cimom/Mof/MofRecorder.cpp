@@ -1,4 +1,5 @@
 // Keeps what a load declares.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Mof/MofRecorder.h"
 
 void MofRecorder::begin() {

@@ -1,5 +1,6 @@
 // Keeps what a load declares, so that it can be declared again.
 // Tested by tests/unit/Mof/MofCacheTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MOF_MOFRECORDER_H
 #define QORQL_MOF_MOFRECORDER_H
 

@@ -1,6 +1,7 @@
 // References by alias and by path text. Both end in a name with the
 // repository's spelling and typed keys, so that equal paths have equal texts.
 // Tested by tests/unit/Mof/MofInstanceTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #include <string>
 #include <utility>
 

@@ -1,4 +1,5 @@
 // Collection and order of the faults of a load.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Mof/MofReport.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 // The faults of one load, collected until it ends.
 // Tested by tests/unit/Mof/MofLoaderTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MOF_MOFREPORT_H
 #define QORQL_MOF_MOFREPORT_H
 

@@ -1,4 +1,5 @@
 // Delimits tokens; each byte is looked at once or twice, whatever the text.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Mof/MofScanner.h"
 
 #include <cstdio>

@@ -1,5 +1,6 @@
 // The tokens of MOF text.
 // Tested by tests/unit/Mof/MofSyntaxTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MOF_MOFSCANNER_H
 #define QORQL_MOF_MOFSCANNER_H
 

@@ -1,5 +1,6 @@
 // The properties of a class come from an object of it without values: it has
 // them all, inherited ones included, in the repository's spelling.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Mof/MofShapes.h"
 
 #include <algorithm>

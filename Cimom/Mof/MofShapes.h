@@ -1,6 +1,7 @@
 // The classes of the repository as instances need them: properties with types,
 // and which of them are keys.
 // Tested by tests/unit/Mof/MofInstanceTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MOF_MOFSHAPES_H
 #define QORQL_MOF_MOFSHAPES_H
 

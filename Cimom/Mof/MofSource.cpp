@@ -1,4 +1,5 @@
 // Lines and columns of a MOF text.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Mof/MofSource.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 // A MOF text with its name, and places in it.
 // Tested by tests/unit/Mof/MofSyntaxTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MOF_MOFSOURCE_H
 #define QORQL_MOF_MOFSOURCE_H
 

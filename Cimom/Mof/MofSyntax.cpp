@@ -1,4 +1,5 @@
 // Names of MOF declarations and what is known about refused ones.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Mof/MofSyntax.h"
 
 std::string foldMofName(const QORString& name) {

@@ -1,5 +1,6 @@
 // What MOF text says, before it is given meaning: the declarations as they are
 // written, with their places.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MOF_MOFSYNTAX_H
 #define QORQL_MOF_MOFSYNTAX_H
 

@@ -1,4 +1,5 @@
 // Conversion of literals, with the checks of range.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Mof/MofType.h"
 
 #include <limits>

@@ -1,5 +1,6 @@
 // The types of MOF and the values that literals make of them.
 // Tested by tests/unit/Mof/MofClassTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MOF_MOFTYPE_H
 #define QORQL_MOF_MOFTYPE_H
 

@@ -1,4 +1,5 @@
 // Declarations of instances, property by property, and embedded objects.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Mof/MofValues.h"
 
 #include <utility>

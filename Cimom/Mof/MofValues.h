@@ -1,5 +1,6 @@
 // The values of instances: references and embedded objects among them.
 // Tested by tests/unit/Mof/MofValueTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MOF_MOFVALUES_H
 #define QORQL_MOF_MOFVALUES_H
 

@@ -1,4 +1,5 @@
 // The schema of the common indications, as MOF text.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/IndicationSchema.h"
 
 static const char* const kSchema = R"mof(

@@ -1,5 +1,6 @@
 // The schema of the common indications, as MOF text.
 // Tested by tests/cli/match_test.py.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_INDICATIONSCHEMA_H
 #define QORQL_PROVIDERS_INDICATIONSCHEMA_H
 

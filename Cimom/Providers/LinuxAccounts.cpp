@@ -1,5 +1,6 @@
 // The users and groups of the system's databases. The C library iterates over them
 // with one position for the whole process, hence the lock.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxAccounts.h"
 
 #include <grp.h>

@@ -1,4 +1,5 @@
 // The users and groups of the system's databases.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXACCOUNTS_H
 #define QORQL_PROVIDERS_LINUXACCOUNTS_H
 

@@ -1,5 +1,6 @@
 // Block devices, listed by libudev: the kernel's facts from sysfs, what was
 // found on the devices from udev's database.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxBlockDevice.h"
 
 #include <libudev.h>

@@ -1,4 +1,5 @@
 // The block devices of this machine: class Linux_BlockDevice.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXBLOCKDEVICE_H
 #define QORQL_PROVIDERS_LINUXBLOCKDEVICE_H
 

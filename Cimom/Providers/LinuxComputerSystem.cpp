@@ -1,4 +1,5 @@
 // This machine: the firmware's texts, and the sockets and cores of its processors.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxComputerSystem.h"
 
 #include <dirent.h>

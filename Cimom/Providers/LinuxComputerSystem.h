@@ -1,4 +1,5 @@
 // This machine: class Linux_ComputerSystem.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXCOMPUTERSYSTEM_H
 #define QORQL_PROVIDERS_LINUXCOMPUTERSYSTEM_H
 

@@ -1,5 +1,6 @@
 // Entries of cron's tables: five fields of time or a word such as @daily, in the
 // tables of the system the user, and the command.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxCronEntry.h"
 
 #include <dirent.h>

@@ -1,4 +1,5 @@
 // What cron starts: class Linux_CronEntry.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXCRONENTRY_H
 #define QORQL_PROVIDERS_LINUXCRONENTRY_H
 

@@ -1,4 +1,5 @@
 // Mounted file systems: the table of mounts through libmount, sizes through statvfs.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxFileSystem.h"
 
 #include <libmount/libmount.h>

@@ -1,4 +1,5 @@
 // The mounted file systems of this machine: class Linux_FileSystem.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXFILESYSTEM_H
 #define QORQL_PROVIDERS_LINUXFILESYSTEM_H
 

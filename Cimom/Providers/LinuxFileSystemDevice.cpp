@@ -1,6 +1,7 @@
 // File systems and their block devices. The kernel gives the number of the
 // device; a file system over several devices has a number of its own: then the
 // device that was mounted counts.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxFileSystemDevice.h"
 
 #include <sys/stat.h>

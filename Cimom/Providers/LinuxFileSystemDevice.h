@@ -1,5 +1,6 @@
 // On which device a file system is: association Linux_FileSystemDevice.
 // Tested by tests/unit/Providers/LinuxAssociationsTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXFILESYSTEMDEVICE_H
 #define QORQL_PROVIDERS_LINUXFILESYSTEMDEVICE_H
 

@@ -1,4 +1,5 @@
 // Groups, as the system's group database lists them.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxGroup.h"
 
 #include "Cimom/Providers/LinuxAccounts.h"

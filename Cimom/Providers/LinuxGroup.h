@@ -1,5 +1,6 @@
 // The groups that this machine knows: class Linux_Group.
 // Tested by tests/unit/Providers/LinuxAccountsTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXGROUP_H
 #define QORQL_PROVIDERS_LINUXGROUP_H
 

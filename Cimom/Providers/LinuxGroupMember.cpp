@@ -1,4 +1,5 @@
 // Groups and their members.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxGroupMember.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 // Which users are in a group: association Linux_GroupMember.
 // Tested by tests/unit/Providers/LinuxAssociationsTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXGROUPMEMBER_H
 #define QORQL_PROVIDERS_LINUXGROUPMEMBER_H
 

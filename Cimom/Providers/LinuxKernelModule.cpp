@@ -1,4 +1,5 @@
 // Kernel modules: lines "name size uses user,user, state address".
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxKernelModule.h"
 
 #include <cerrno>

@@ -1,4 +1,5 @@
 // The modules that the kernel has loaded: class Linux_KernelModule.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXKERNELMODULE_H
 #define QORQL_PROVIDERS_LINUXKERNELMODULE_H
 

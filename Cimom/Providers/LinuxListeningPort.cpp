@@ -1,4 +1,5 @@
 // Ports on which programs listen.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxListeningPort.h"
 
 #include "Cimom/Providers/LinuxProperty.h"

@@ -1,5 +1,6 @@
 // The ports on which programs listen: class Linux_ListeningPort.
 // Tested by tests/unit/Providers/LinuxSocketsTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXLISTENINGPORT_H
 #define QORQL_PROVIDERS_LINUXLISTENINGPORT_H
 

@@ -1,5 +1,6 @@
 // Logins: the records of utmp. The file is read here, since the C library goes
 // over it with one position for the whole process.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxLogin.h"
 
 #include <paths.h>

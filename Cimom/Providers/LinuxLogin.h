@@ -1,4 +1,5 @@
 // Who is logged in to this machine: class Linux_Login.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXLOGIN_H
 #define QORQL_PROVIDERS_LINUXLOGIN_H
 

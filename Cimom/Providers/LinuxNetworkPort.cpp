@@ -1,4 +1,5 @@
 // Network interfaces: the kernel's files for each, addresses through getifaddrs.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxNetworkPort.h"
 
 #include <arpa/inet.h>

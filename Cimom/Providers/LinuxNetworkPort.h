@@ -1,4 +1,5 @@
 // The network interfaces of this machine: class Linux_NetworkPort.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXNETWORKPORT_H
 #define QORQL_PROVIDERS_LINUXNETWORKPORT_H
 

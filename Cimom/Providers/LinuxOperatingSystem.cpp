@@ -1,4 +1,5 @@
 // The operating system: the release file, uname, libproc2's memory counters and load averages.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxOperatingSystem.h"
 
 #include <dirent.h>

@@ -1,4 +1,5 @@
 // The running operating system: class Linux_OperatingSystem.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXOPERATINGSYSTEM_H
 #define QORQL_PROVIDERS_LINUXOPERATINGSYSTEM_H
 

@@ -1,4 +1,5 @@
 // Packages of dpkg, read by a library that is loaded for it.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxPackage.h"
 
 #include <dlfcn.h>

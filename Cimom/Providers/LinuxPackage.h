@@ -1,4 +1,5 @@
 // The packages of this machine: class Linux_Package.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXPACKAGE_H
 #define QORQL_PROVIDERS_LINUXPACKAGE_H
 

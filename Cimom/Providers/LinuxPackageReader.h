@@ -1,5 +1,6 @@
 // What the provider of packages and the library that reads dpkg's list of them agree on.
 // Tested by tests/unit/Providers/LinuxPackageTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXPACKAGEREADER_H
 #define QORQL_PROVIDERS_LINUXPACKAGEREADER_H
 

@@ -3,6 +3,7 @@
 // order, so that the kernel is asked for nothing else; the process id follows
 // as the last item. What the library cannot tell apart from "none" (a file that
 // may not be read) is read here instead.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxProcess.h"
 
 #include <libproc2/pids.h>

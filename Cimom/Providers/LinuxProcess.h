@@ -1,4 +1,5 @@
 // The live processes of this machine: class Linux_Process.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXPROCESS_H
 #define QORQL_PROVIDERS_LINUXPROCESS_H
 

@@ -1,4 +1,5 @@
 // The kernel's files about one process.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxProcessFiles.h"
 
 #include <dirent.h>

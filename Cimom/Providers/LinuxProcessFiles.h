@@ -1,4 +1,5 @@
 // What the kernel's files about one process tell, where libproc2 does not tell it or not why it cannot.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXPROCESSFILES_H
 #define QORQL_PROVIDERS_LINUXPROCESSFILES_H
 

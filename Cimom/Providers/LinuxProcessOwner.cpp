@@ -1,4 +1,5 @@
 // Processes and the users that they run as.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxProcessOwner.h"
 
 #include <unordered_map>

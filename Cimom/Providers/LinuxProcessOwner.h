@@ -1,5 +1,6 @@
 // Which user a process runs as: association Linux_ProcessOwner.
 // Tested by tests/unit/Providers/LinuxAssociationsTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXPROCESSOWNER_H
 #define QORQL_PROVIDERS_LINUXPROCESSOWNER_H
 

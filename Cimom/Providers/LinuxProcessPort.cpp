@@ -1,4 +1,5 @@
 // Processes and the ports on which they listen.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxProcessPort.h"
 
 #include "Cimom/Providers/LinuxProperty.h"

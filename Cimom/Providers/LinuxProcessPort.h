@@ -1,5 +1,6 @@
 // On which ports a process listens: association Linux_ProcessPort.
 // Tested by tests/unit/Providers/LinuxAssociationsTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXPROCESSPORT_H
 #define QORQL_PROVIDERS_LINUXPROCESSPORT_H
 

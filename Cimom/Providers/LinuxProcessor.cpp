@@ -1,5 +1,6 @@
 // Processors: the lines "cpuN user nice system idle iowait irq softirq steal ..."
 // of /proc/stat, in clock ticks since the start, and the paragraphs of /proc/cpuinfo.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxProcessor.h"
 
 #include <unistd.h>

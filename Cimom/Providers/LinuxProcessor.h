@@ -1,4 +1,5 @@
 // The processors of this machine: class Linux_Processor.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXPROCESSOR_H
 #define QORQL_PROVIDERS_LINUXPROCESSOR_H
 

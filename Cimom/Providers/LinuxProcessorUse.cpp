@@ -1,4 +1,5 @@
 // Two readings of the processor time of processes.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxProcessorUse.h"
 
 #include <thread>

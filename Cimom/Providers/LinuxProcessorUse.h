@@ -1,5 +1,6 @@
 // How much of a processor each process uses now, measured over a short window of time.
 // Tested by tests/unit/Providers/LinuxProcessFilesTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXPROCESSORUSE_H
 #define QORQL_PROVIDERS_LINUXPROCESSORUSE_H
 

@@ -1,4 +1,5 @@
 // What a request says about the instance that is wanted, and the pairs of associations.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxProperty.h"
 
 #include "cimom/IQoriInstanceName.h"

@@ -1,5 +1,6 @@
 // How a live provider ties the properties of a class to the operations that read them.
 // Tested by tests/unit/Providers/LinuxProvidersTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXPROPERTY_H
 #define QORQL_PROVIDERS_LINUXPROPERTY_H
 

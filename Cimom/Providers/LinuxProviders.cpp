@@ -1,4 +1,5 @@
 // Registration of the Linux providers and of the schema they need.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxProviders.h"
 
 #include "Cimom/Providers/LinuxBlockDevice.h"

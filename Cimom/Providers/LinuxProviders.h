@@ -1,4 +1,5 @@
 // The live view of a Linux machine: its schema and its providers.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXPROVIDERS_H
 #define QORQL_PROVIDERS_LINUXPROVIDERS_H
 

@@ -1,5 +1,6 @@
 // The names of live instances. They carry the keys of the full CIM schema; where
 // the classes in force have fewer, the object manager leaves the others out.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxReferences.h"
 
 #include <string>

@@ -1,5 +1,6 @@
 // The names of live instances, as associations between them need them.
 // Tested by tests/unit/Providers/LinuxAssociationsTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXREFERENCES_H
 #define QORQL_PROVIDERS_LINUXREFERENCES_H
 

@@ -1,6 +1,7 @@
 // Routes: the kernel's tables "route" (IPv4, numbers of its own byte order) and
 // "ipv6_route" (digits of the addresses in their order, and the routes to this
 // machine's own addresses and to groups of machines among them, which are left out).
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxRoute.h"
 
 #include <arpa/inet.h>

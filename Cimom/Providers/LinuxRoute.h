@@ -1,4 +1,5 @@
 // The routes of this machine: class Linux_Route.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXROUTE_H
 #define QORQL_PROVIDERS_LINUXROUTE_H
 

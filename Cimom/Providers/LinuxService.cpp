@@ -1,4 +1,5 @@
 // Services, as systemd lists them.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxService.h"
 
 #include "Cimom/Providers/LinuxProperty.h"

@@ -1,4 +1,5 @@
 // The services of this machine: class Linux_Service.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXSERVICE_H
 #define QORQL_PROVIDERS_LINUXSERVICE_H
 

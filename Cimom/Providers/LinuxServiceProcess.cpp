@@ -1,4 +1,5 @@
 // Services and their main processes.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxServiceProcess.h"
 
 #include "Cimom/Providers/LinuxProperty.h"

@@ -1,5 +1,6 @@
 // The main processes of services: association Linux_ServiceProcess.
 // Tested by tests/unit/Providers/LinuxServiceTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXSERVICEPROCESS_H
 #define QORQL_PROVIDERS_LINUXSERVICEPROCESS_H
 

@@ -1,4 +1,5 @@
 // Sockets of TCP and UDP.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxSocket.h"
 
 #include <ifaddrs.h>

@@ -1,5 +1,6 @@
 // The sockets of TCP and UDP of this machine: class Linux_Socket.
 // Tested by tests/unit/Providers/LinuxSocketsTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXSOCKET_H
 #define QORQL_PROVIDERS_LINUXSOCKET_H
 

@@ -1,4 +1,5 @@
 // One socket as the instances of the classes of sockets show it.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxSocketView.h"
 
 #include <string_view>

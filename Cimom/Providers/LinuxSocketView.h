@@ -1,5 +1,6 @@
 // One socket as the instances of the classes of sockets show it.
 // Tested by tests/unit/Providers/LinuxSocketsTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXSOCKETVIEW_H
 #define QORQL_PROVIDERS_LINUXSOCKETVIEW_H
 

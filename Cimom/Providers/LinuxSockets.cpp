@@ -1,5 +1,6 @@
 // The kernel's tables of sockets name an inode for each; the open files of a
 // process are links to "socket:[inode]".
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxSockets.h"
 
 #include <arpa/inet.h>

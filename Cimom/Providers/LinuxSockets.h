@@ -1,4 +1,5 @@
 // Sockets of TCP and UDP, and the processes that hold them.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXSOCKETS_H
 #define QORQL_PROVIDERS_LINUXSOCKETS_H
 

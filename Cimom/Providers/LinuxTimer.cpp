@@ -1,4 +1,5 @@
 // Timers, as systemd lists them.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxTimer.h"
 
 #include <algorithm>

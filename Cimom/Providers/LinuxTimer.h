@@ -1,4 +1,5 @@
 // The timers of this machine: class Linux_Timer.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXTIMER_H
 #define QORQL_PROVIDERS_LINUXTIMER_H
 

@@ -1,4 +1,5 @@
 // Calls to systemd's manager and to the objects of its units.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxUnits.h"
 
 #include <systemd/sd-bus.h>

@@ -1,5 +1,6 @@
 // The units that systemd manages, asked for over its bus.
 // Tested by tests/unit/Providers/LinuxServiceTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXUNITS_H
 #define QORQL_PROVIDERS_LINUXUNITS_H
 

@@ -1,4 +1,5 @@
 // Users, as the system's user database lists them.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxUser.h"
 
 #include <cerrno>

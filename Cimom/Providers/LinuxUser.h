@@ -1,5 +1,6 @@
 // The users that this machine knows: class Linux_User.
 // Tested by tests/unit/Providers/LinuxAccountsTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXUSER_H
 #define QORQL_PROVIDERS_LINUXUSER_H
 

@@ -1,4 +1,5 @@
 // Values of the live providers.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxValues.h"
 
 #include <fcntl.h>

@@ -1,4 +1,5 @@
 // The values that the live providers hand out, and the facts of the system that several of them need.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROVIDERS_LINUXVALUES_H
 #define QORQL_PROVIDERS_LINUXVALUES_H
 

@@ -1,4 +1,5 @@
 // Many filters that are asked about an instance at once.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CQLFILTERSET_H
 #define QORQL_CQLFILTERSET_H
 

@@ -1,5 +1,6 @@
 // How a filter brings two numeric types together for a comparison.
 // Tested by tests/unit/Filters/CQLComparisonTest.cpp, tests/unit/Filters/CQLQueryStatementTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CQLPRECISIONCODE_H
 #define QORQL_CQLPRECISIONCODE_H
 

@@ -1,5 +1,6 @@
 // The error of a filter statement's operations.
 // Tested by tests/unit/Filters/CQLQueryStatementTest.cpp, tests/unit/Filters/CQLQueryFaultTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CQLQUERYEXCEPTION_H
 #define QORQL_CQLQUERYEXCEPTION_H
 

@@ -1,4 +1,5 @@
 // What a filter's validation found wrong.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CQLQUERYFAULT_H
 #define QORQL_CQLQUERYFAULT_H
 

@@ -1,5 +1,6 @@
 // The filter of an indication subscription: validated once, then asked for each
 // instance whether it matches.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CQLQUERYSTATEMENT_H
 #define QORQL_CQLQUERYSTATEMENT_H
 

@@ -1,4 +1,5 @@
 // Schema look-ups against the object manager's class repository.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/CQLQueryValidator.h"
 
 #include "Cimom/QORQL/CQLSuperClasses.h"

@@ -1,4 +1,5 @@
 // Schema look-ups against the object manager's class repository.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CQLQUERYVALIDATOR_H
 #define QORQL_CQLQUERYVALIDATOR_H
 

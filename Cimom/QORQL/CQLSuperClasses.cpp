@@ -1,5 +1,6 @@
 // Each thread has a memory of its own, so that none waits for another: a table
 // with one place for each hash, where the newest answer replaces an older one.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/CQLSuperClasses.h"
 
 #include <array>

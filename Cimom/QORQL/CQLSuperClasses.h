@@ -1,4 +1,5 @@
 // The superclasses of classes, remembered as long as the schema stays as it is.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CQLSUPERCLASSES_H
 #define QORQL_CQLSUPERCLASSES_H
 

@@ -1,4 +1,5 @@
 // Sums and differences: parsing and walking.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_Arithmetic.h"
 
 #include <utility>

@@ -1,4 +1,5 @@
 // Sums and differences.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_ARITHMETIC_H
 #define QORQL_ARITHMETIC_H
 

@@ -1,4 +1,5 @@
 // An association condition: its recognition among the conditions of WHERE.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_Association.h"
 
 #include "Cimom/QORQL/QORQL_ExpressionFactor.h"

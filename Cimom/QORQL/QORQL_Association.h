@@ -1,5 +1,6 @@
 // An association condition: joins source instances to the destinations that an
 // association class ties to them.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_ASSOCIATION_H
 #define QORQL_ASSOCIATION_H
 

@@ -1,5 +1,6 @@
 // Which FROM classes are not enumerated: walks the association conditions in
 // the order in which they are evaluated.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_AssociationPlan.h"
 
 #include <set>

@@ -1,5 +1,6 @@
 // Which FROM classes an association condition brings into the table, so that
 // FROM need not enumerate them.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_ASSOCIATIONPLAN_H
 #define QORQL_ASSOCIATIONPLAN_H
 

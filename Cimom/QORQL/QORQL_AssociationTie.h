@@ -1,6 +1,7 @@
 // What an association condition says of three columns: each object of the
 // association class ties an object of the source to one of the destination.
 // Tested by tests/queries/ties.qtest.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_ASSOCIATIONTIE_H
 #define QORQL_ASSOCIATIONTIE_H
 

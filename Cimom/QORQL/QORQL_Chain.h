@@ -1,5 +1,6 @@
 // Chains of right-grouped nodes (a - b - c is a - (b - c)): walked and freed
 // with a loop, so that a statement may have any number of terms.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CHAIN_H
 #define QORQL_CHAIN_H
 

@@ -1,6 +1,7 @@
 // The parsing of chains: operands and operators are read in a loop, and each
 // node becomes the right operand of the one before it.
 // Tested by tests/unit/QORQL/ParserLimitsTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CHAINPARSER_H
 #define QORQL_CHAINPARSER_H
 

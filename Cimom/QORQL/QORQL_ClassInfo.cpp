@@ -4,6 +4,7 @@
 // kScannedNames the list is searched as it is; beyond, an index of folded names
 // is kept beside it, which catches up with names that were appended through the
 // shared list and is rebuilt, four times as wide, when it is full.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_ClassInfo.h"
 
 #include <utility>

@@ -1,4 +1,5 @@
 // What a query needs of one class: which properties to ask for.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CLASSINFO_H
 #define QORQL_CLASSINFO_H
 

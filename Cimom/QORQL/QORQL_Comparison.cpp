@@ -1,5 +1,6 @@
 // The comparison of two arithmetic expressions: parsing, walking, and the
 // recognition of association conditions.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_Comparison.h"
 
 #include <utility>

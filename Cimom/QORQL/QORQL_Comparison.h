@@ -1,4 +1,5 @@
 // The comparison of two arithmetic expressions.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_COMPARISON_H
 #define QORQL_COMPARISON_H
 

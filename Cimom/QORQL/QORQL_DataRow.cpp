@@ -1,4 +1,5 @@
 // Rows: adding cells under the table's checks, and reading properties by class name.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_DataRow.h"
 
 #include "Cimom/QORQL/QORQL_DataTable.h"

@@ -1,4 +1,5 @@
 // One row of the result table: whole objects, one for each class in scope.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_DATAROW_H
 #define QORQL_DATAROW_H
 

@@ -1,4 +1,5 @@
 // The table: headers, rows and cells with their checks.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_DataTable.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // The result table that flows through execution.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_DATATABLE_H
 #define QORQL_DATATABLE_H
 

@@ -1,4 +1,5 @@
 // The base of every node of an expression: evaluates to nothing and filters nothing.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_Evaluatable.h"
 
 QORQL_Evaluatable::~QORQL_Evaluatable() = default;

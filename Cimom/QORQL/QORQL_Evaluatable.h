@@ -1,4 +1,5 @@
 // The base of every node of an expression.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EVALUATABLE_H
 #define QORQL_EVALUATABLE_H
 

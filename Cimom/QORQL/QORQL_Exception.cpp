@@ -1,4 +1,5 @@
 // The error of executing a query: its words and its CIM status.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_Exception.h"
 
 #include <utility>

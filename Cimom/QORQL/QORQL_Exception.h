@@ -1,4 +1,5 @@
 // The error of executing a query, and of the expression checks made while parsing.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EXCEPTION_H
 #define QORQL_EXCEPTION_H
 

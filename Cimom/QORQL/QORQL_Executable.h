@@ -1,5 +1,6 @@
 // The base of runnable clauses and statements.
 // Tested by tests/unit/QORQL/QueryTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EXECUTABLE_H
 #define QORQL_EXECUTABLE_H
 

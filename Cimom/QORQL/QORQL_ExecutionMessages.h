@@ -1,5 +1,6 @@
 // The texts of execution errors and log lines, each once.
 // Tested by tests/unit/QORQL/HelperTest.cpp, tests/queries/errors.qtest.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EXECUTIONMESSAGES_H
 #define QORQL_EXECUTIONMESSAGES_H
 

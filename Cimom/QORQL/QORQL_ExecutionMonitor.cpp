@@ -1,4 +1,5 @@
 // The thread's monitor, and how the engine's parts speak to it.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 
 #include "Cimom/QORQL/QORQL_ExecutionMessages.h"

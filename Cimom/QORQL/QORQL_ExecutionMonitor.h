@@ -1,4 +1,5 @@
 // How a caller watches the queries that run on its thread, and stops them.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EXECUTIONMONITOR_H
 #define QORQL_EXECUTIONMONITOR_H
 

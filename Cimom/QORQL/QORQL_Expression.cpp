@@ -1,4 +1,5 @@
 // The OR level of a condition: parsing and walking.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_Expression.h"
 
 #include <utility>

@@ -1,4 +1,5 @@
 // The OR level of a condition.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EXPRESSION_H
 #define QORQL_EXPRESSION_H
 

@@ -1,4 +1,5 @@
 // One comparison of a condition, negated or not: parsing and walking.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_ExpressionFactor.h"
 
 #include <utility>

@@ -1,4 +1,5 @@
 // One comparison of a condition, negated or not: where tables are filtered and joined.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EXPRESSIONFACTOR_H
 #define QORQL_EXPRESSIONFACTOR_H
 

@@ -1,4 +1,5 @@
 // Where the words of an expression stand in the statement's text.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EXPRESSIONPLACES_H
 #define QORQL_EXPRESSIONPLACES_H
 

@@ -1,4 +1,5 @@
 // Taking trees of expressions apart, node by node.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_ExpressionShape.h"
 
 #include "Cimom/QORQL/QORQL_Comparison.h"

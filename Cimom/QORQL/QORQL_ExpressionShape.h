@@ -1,4 +1,5 @@
 // Taking trees of expressions apart: the one place that knows which node holds what.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EXPRESSIONSHAPE_H
 #define QORQL_EXPRESSIONSHAPE_H
 

@@ -1,4 +1,5 @@
 // The AND level of a condition.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EXPRESSIONTERM_H
 #define QORQL_EXPRESSIONTERM_H
 

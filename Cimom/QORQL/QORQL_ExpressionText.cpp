@@ -1,5 +1,6 @@
 // Chains are walked with a loop, so that only nesting recurses: a chain that
 // groups to the right opens a parenthesis before each rest and closes all at its end.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_ExpressionText.h"
 
 #include "Cimom/QORQL/QORQL_Association.h"

@@ -1,4 +1,5 @@
 // Expressions as text again, with the grouping that the parser gave them.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EXPRESSIONTEXT_H
 #define QORQL_EXPRESSIONTEXT_H
 

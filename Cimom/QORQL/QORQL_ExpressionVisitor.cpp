@@ -1,4 +1,5 @@
 // The base of visitors: sees every node and does nothing.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
 
 QORQL_ExpressionVisitor::~QORQL_ExpressionVisitor() = default;

@@ -1,4 +1,5 @@
 // The base of visitors of expression trees.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EXPRESSIONVISITOR_H
 #define QORQL_EXPRESSIONVISITOR_H
 

@@ -1,5 +1,6 @@
 // The leaf of an expression: what it is, and the parsing of all its forms but
 // the identifier reference, which QORQL_Reference reads.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_Factor.h"
 
 #include <charconv>

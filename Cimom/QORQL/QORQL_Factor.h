@@ -1,5 +1,6 @@
 // The leaf of an expression: a literal, a class or property reference, or a
 // wrapper of a nested node (parentheses, negation, function call).
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_FACTOR_H
 #define QORQL_FACTOR_H
 

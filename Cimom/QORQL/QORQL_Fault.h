@@ -1,4 +1,5 @@
 // What an error of the engine is about, and where in the statement's text.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_FAULT_H
 #define QORQL_FAULT_H
 

@@ -1,4 +1,5 @@
 // The FORMAT clause: parsing.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_FormatClause.h"
 
 #include "Cimom/QORQL/QORQL_Lexer.h"

@@ -1,4 +1,5 @@
 // The FORMAT clause: the caller's choice of output, which the engine only records.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_FORMATCLAUSE_H
 #define QORQL_FORMATCLAUSE_H
 

@@ -1,4 +1,5 @@
 // The FROM clause: parsing.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_FromClause.h"
 
 #include <utility>

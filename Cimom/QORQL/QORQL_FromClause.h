@@ -1,4 +1,5 @@
 // The FROM clause: fetches its classes into the table.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_FROMCLAUSE_H
 #define QORQL_FROMCLAUSE_H
 

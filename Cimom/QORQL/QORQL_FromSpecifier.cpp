@@ -1,4 +1,5 @@
 // One class of a FROM clause: parsing, and the symbols that it introduces.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_FromSpecifier.h"
 
 #include "Cimom/QORQL/QORQL_Lexer.h"

@@ -1,4 +1,5 @@
 // One class of a FROM clause, with its alias.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_FROMSPECIFIER_H
 #define QORQL_FROMSPECIFIER_H
 

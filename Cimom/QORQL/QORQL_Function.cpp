@@ -1,4 +1,5 @@
 // A function call: parsing and walking.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_Function.h"
 
 #include "Cimom/QORQL/QORQL_Expression.h"

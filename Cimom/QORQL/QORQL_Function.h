@@ -1,4 +1,5 @@
 // A function call.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_FUNCTION_H
 #define QORQL_FUNCTION_H
 

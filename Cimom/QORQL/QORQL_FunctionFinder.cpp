@@ -1,4 +1,5 @@
 // The visitor that finds the outermost function of an expression.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_FunctionFinder.h"
 
 #include "Cimom/QORQL/QORQL_Function.h"

@@ -1,4 +1,5 @@
 // The visitor that finds the outermost function of an expression.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_FUNCTIONFINDER_H
 #define QORQL_FUNCTIONFINDER_H
 

@@ -1,4 +1,5 @@
 // The names of the language's functions.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_FunctionID.h"
 
 namespace {

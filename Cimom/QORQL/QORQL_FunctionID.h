@@ -1,4 +1,5 @@
 // The functions of the language.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_FUNCTIONID_H
 #define QORQL_FUNCTIONID_H
 

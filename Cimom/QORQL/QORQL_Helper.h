@@ -1,4 +1,5 @@
 // Fetching instances and putting them into the result table.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_HELPER_H
 #define QORQL_HELPER_H
 

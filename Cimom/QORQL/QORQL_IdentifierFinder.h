@@ -1,4 +1,5 @@
 // The visitor that finds the classes and the property that an expression names.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_IDENTIFIERFINDER_H
 #define QORQL_IDENTIFIERFINDER_H
 

@@ -1,5 +1,6 @@
 // How a comparison joins the classes of its two sides.
 // Tested by tests/unit/QORQL/ComparisonTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_JOINTYPE_H
 #define QORQL_JOINTYPE_H
 

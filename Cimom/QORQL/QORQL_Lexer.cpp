@@ -1,5 +1,6 @@
 // The token stream: tokens come from the scanner one at a time and pass through
 // a queue when a parse routine looks ahead.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_Lexer.h"
 
 #include <utility>

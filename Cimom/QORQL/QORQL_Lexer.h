@@ -1,4 +1,5 @@
 // The token stream over one query text, with look-ahead and re-visiting.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_LEXER_H
 #define QORQL_LEXER_H
 

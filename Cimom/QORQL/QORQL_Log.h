@@ -1,5 +1,6 @@
 // The engine's way of writing to the object manager's log.
 // Tested by tests/unit/QORQL/DataRowTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_LOG_H
 #define QORQL_LOG_H
 

@@ -1,4 +1,5 @@
 // How the errors of parsing and name resolution are thrown.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_Messages.h"
 
 namespace {

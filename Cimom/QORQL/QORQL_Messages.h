@@ -1,4 +1,5 @@
 // The texts of the errors of parsing and name resolution, each once, with their codes.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MESSAGES_H
 #define QORQL_MESSAGES_H
 

@@ -1,5 +1,6 @@
 // The operators of expressions, shared by parser, evaluators, joins and matcher.
 // Tested by tests/unit/QORQL/ComparisonTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_OPERATOR_H
 #define QORQL_OPERATOR_H
 

@@ -1,4 +1,5 @@
 // The ORDER BY clause: parsing.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_OrderByClause.h"
 
 #include "Cimom/QORQL/QORQL_Arithmetic.h"

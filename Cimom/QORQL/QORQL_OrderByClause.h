@@ -1,4 +1,5 @@
 // The ORDER BY clause: sorts the table by one key.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_ORDERBYCLAUSE_H
 #define QORQL_ORDERBYCLAUSE_H
 

@@ -1,4 +1,5 @@
 // One entry of a sort: a key and what it stands for.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_ORDERBYHELPER_H
 #define QORQL_ORDERBYHELPER_H
 

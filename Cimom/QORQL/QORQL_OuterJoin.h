@@ -1,4 +1,5 @@
 // The bookkeeping of outer joins, shared by evaluation row by row and by lazy rows.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_OUTERJOIN_H
 #define QORQL_OUTERJOIN_H
 

@@ -1,4 +1,5 @@
 // What bounds and surrounds the parsing of an expression.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_ParseContext.h"
 
 #include "Cimom/QORQL/QORQL_Lexer.h"

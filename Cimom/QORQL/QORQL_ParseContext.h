@@ -1,4 +1,5 @@
 // What bounds and surrounds the parsing of an expression.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PARSECONTEXT_H
 #define QORQL_PARSECONTEXT_H
 

@@ -1,4 +1,5 @@
 // The error of a query text: its words and its CIM status.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_ParseException.h"
 
 #include <utility>

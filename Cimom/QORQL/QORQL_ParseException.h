@@ -1,4 +1,5 @@
 // The error of a query text, found while parsing or resolving names.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PARSEEXCEPTION_H
 #define QORQL_PARSEEXCEPTION_H
 

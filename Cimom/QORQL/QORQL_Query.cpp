@@ -1,5 +1,6 @@
 // A statement: parsing. All clauses and the end of the text are read first, so
 // that a fault of the text is reported as such; then the names are resolved.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_Query.h"
 
 #include <utility>

@@ -1,4 +1,5 @@
 // A statement: parsed from text, resolved against the class repository, executed.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_QUERY_H
 #define QORQL_QUERY_H
 

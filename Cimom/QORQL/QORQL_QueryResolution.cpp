@@ -4,6 +4,7 @@
 // A factor's class name is shared with the class-name list of its select entry,
 // so the walk over the factors writes through that string and entry, list and
 // factor agree. Names keep their spelling; classes found are in upper case.
+// SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 #include <array>
 #include <cstddef>

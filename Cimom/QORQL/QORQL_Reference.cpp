@@ -6,6 +6,7 @@
 // property, the one before "::" its scope. Of a longer chain only the root
 // property, the second identifier, is asked of the class: what lies below comes
 // with the embedded object.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_Reference.h"
 
 #include <utility>

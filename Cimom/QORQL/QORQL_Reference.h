@@ -1,4 +1,5 @@
 // The reading of identifier references: x, C.x, C.*, Cls::x, a.b.Cls::x, x[2].
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_REFERENCE_H
 #define QORQL_REFERENCE_H
 

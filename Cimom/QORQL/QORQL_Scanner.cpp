@@ -1,5 +1,6 @@
 // The lexical rules of the query language, one routine for each kind of token.
 // A token is a view of the text: nothing is copied here.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_Scanner.h"
 
 #include <array>

@@ -1,4 +1,5 @@
 // The lexical rules of the query language: cuts a text into tokens.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_SCANNER_H
 #define QORQL_SCANNER_H
 

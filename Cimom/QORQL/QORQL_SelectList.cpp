@@ -1,4 +1,5 @@
 // The select list: parsing and the rules on mixing entries.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_SelectList.h"
 
 #include <utility>

@@ -1,4 +1,5 @@
 // The select list: parsed between SELECT and FROM, executed as the projection.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_SELECTLIST_H
 #define QORQL_SELECTLIST_H
 

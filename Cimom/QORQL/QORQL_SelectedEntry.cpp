@@ -1,4 +1,5 @@
 // One entry of a select list: parsing and classification.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_SelectedEntry.h"
 
 #include <string>

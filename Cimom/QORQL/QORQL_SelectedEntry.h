@@ -1,4 +1,5 @@
 // One entry of a select list: `*`, a property reference or a computed column.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_SELECTEDENTRY_H
 #define QORQL_SELECTEDENTRY_H
 

@@ -1,4 +1,5 @@
 // Where the names of a statement stand in its text, and so what an error is about.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_STATEMENTPLACES_H
 #define QORQL_STATEMENTPLACES_H
 

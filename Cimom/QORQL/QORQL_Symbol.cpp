@@ -1,4 +1,5 @@
 // The names of a FROM clause.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_Symbol.h"
 
 #include <utility>

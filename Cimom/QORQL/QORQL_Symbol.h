@@ -1,4 +1,5 @@
 // A name that a FROM clause introduces: a class, or an alias that stands for one.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_SYMBOL_H
 #define QORQL_SYMBOL_H
 

@@ -1,4 +1,5 @@
 // The names that a statement knows.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
 
 #include <algorithm>

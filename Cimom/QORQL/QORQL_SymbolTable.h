@@ -1,4 +1,5 @@
 // The names that a statement knows: the classes and aliases of its FROM clause.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_SYMBOLTABLE_H
 #define QORQL_SYMBOLTABLE_H
 

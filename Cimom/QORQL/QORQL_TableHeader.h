@@ -1,4 +1,5 @@
 // The description of one column of the result table.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TABLEHEADER_H
 #define QORQL_TABLEHEADER_H
 

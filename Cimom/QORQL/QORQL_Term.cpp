@@ -1,4 +1,5 @@
 // Products and quotients: parsing and walking.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_Term.h"
 
 #include <utility>

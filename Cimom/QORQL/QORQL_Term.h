@@ -1,4 +1,5 @@
 // Products and quotients.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TERM_H
 #define QORQL_TERM_H
 

@@ -1,4 +1,5 @@
 // A fast hash of texts, for indexes that live no longer than a query.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TEXTHASH_H
 #define QORQL_TEXTHASH_H
 

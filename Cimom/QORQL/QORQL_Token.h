@@ -1,4 +1,5 @@
 // One token of a query text.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOKEN_H
 #define QORQL_TOKEN_H
 

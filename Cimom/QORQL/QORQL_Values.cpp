@@ -1,4 +1,5 @@
 // Arithmetic on values as the language allows it.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_Values.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // Operations on values that evaluation on rows and bound expressions share.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_VALUES_H
 #define QORQL_VALUES_H
 

@@ -1,4 +1,5 @@
 // The version that this library was built with.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_Version.h"
 
 #define QORQL_TEXT_OF(number) #number

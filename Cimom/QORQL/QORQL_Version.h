@@ -1,4 +1,5 @@
 // The version of the libraries, which the build holds to its own.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_VERSION_H
 #define QORQL_VERSION_H
 

@@ -1,4 +1,5 @@
 // The WHERE clause: parsing.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_WhereClause.h"
 
 #include <utility>

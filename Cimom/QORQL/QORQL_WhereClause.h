@@ -1,4 +1,5 @@
 // The WHERE clause: filters and joins the table.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_WHERECLAUSE_H
 #define QORQL_WHERECLAUSE_H
 

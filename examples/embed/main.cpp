@@ -1,6 +1,7 @@
 // Embeds the engine: loads a model, runs a query, prints its rows and the XML
 // stream, and asks a filter whether an instance matches. docs/embedding.md goes
 // through it step by step.
+// SPDX-License-Identifier: Apache-2.0
 #include <iostream>
 #include <sstream>
 #include <string>

@@ -1,5 +1,6 @@
 // What the object manager serves: the rooms and sensors of a plant, as a program keeps them
 // anyway. Nothing in this file knows of CIM.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef PLANT_H
 #define PLANT_H
 

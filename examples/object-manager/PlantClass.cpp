@@ -1,4 +1,5 @@
 // Names are found by looking through the list: a class here has few properties.
+// SPDX-License-Identifier: Apache-2.0
 #include "PlantClass.h"
 
 namespace {

@@ -1,5 +1,6 @@
 // A class of the plant's schema: for the engine's names (the repository asks for it) and,
 // as a layout, for the positions of properties in its objects.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef PLANTCLASS_H
 #define PLANTCLASS_H
 

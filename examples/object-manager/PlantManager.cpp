@@ -1,4 +1,5 @@
 // The object manager's data by class and by path.
+// SPDX-License-Identifier: Apache-2.0
 #include "PlantManager.h"
 
 #include "PlantObject.h"

@@ -1,4 +1,5 @@
 // The object manager: what stands behind the platform's services in PlantServices.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef PLANTMANAGER_H
 #define PLANTMANAGER_H
 

@@ -1,5 +1,6 @@
 // Records become objects without a copy: getScalarAt shows a number or a text where it lies,
 // and a value object is made only for a caller who wants one.
+// SPDX-License-Identifier: Apache-2.0
 #include "PlantObject.h"
 
 #include "cimom/CQoriInstanceName.h"

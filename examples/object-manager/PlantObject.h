@@ -1,4 +1,5 @@
 // An object of the plant as the engine sees it: a view of a record, read in place.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef PLANTOBJECT_H
 #define PLANTOBJECT_H
 

@@ -1,5 +1,6 @@
 // The platform interface, operation by operation: client calls, class repository,
 // configuration and log. The object model that comes with the engine supplies the rest.
+// SPDX-License-Identifier: Apache-2.0
 #include <iostream>
 
 #include "PlantManager.h"

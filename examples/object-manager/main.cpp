@@ -1,5 +1,6 @@
 // Starts the plant's object manager and asks it: rows of a query, a join over an association,
 // what is wrong with a text, and which subscriptions an object concerns.
+// SPDX-License-Identifier: Apache-2.0
 #include <iostream>
 #include <vector>
 
@@ -34,8 +35,7 @@ void ask(const char* text) {
 
 // Puts a filter into the set under a number, or tells why not.
 void subscribe(CQLFilterSet& filters, CQLFilterSet::Handle number, const char* text) {
-  const QORSmrPtr<CQLQueryStatement> filter(
-      new CQLQueryStatement(kLanguage, text, kPlantNameSpace, kPlantNameSpace));
+  const QORSmrPtr<CQLQueryStatement> filter(new CQLQueryStatement(kLanguage, text, kPlantNameSpace, kPlantNameSpace));
   if (filter->validate() == QUERY_VALIDATE_SUCCESS) {
     filters.add(number, filter);
   } else {

@@ -1,4 +1,5 @@
 // A provider of live instances, and a query over them: the temperature sensors of a house.
+// SPDX-License-Identifier: Apache-2.0
 #include <iostream>
 #include <memory>
 #include <string>

@@ -1,4 +1,5 @@
 // The object manager's client interface.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMOM_CIMAPI_H
 #define QORQL_CIMOM_CIMAPI_H
 

@@ -1,4 +1,5 @@
 // Helpers of the object manager for messages and XML.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMOM_CIMUTIL_H
 #define QORQL_CIMOM_CIMUTIL_H
 

@@ -1,4 +1,5 @@
 // The objects that the engine creates: restricted copies and pseudo-objects.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMOM_CQORIBASEOBJECT_H
 #define QORQL_CIMOM_CQORIBASEOBJECT_H
 

@@ -1,4 +1,5 @@
 // Instance names and namespace paths that the engine or the object manager creates.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMOM_CQORIINSTANCENAME_H
 #define QORQL_CIMOM_CQORIINSTANCENAME_H
 

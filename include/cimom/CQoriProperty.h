@@ -1,4 +1,5 @@
 // A property that the engine or the object manager creates.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMOM_CQORIPROPERTY_H
 #define QORQL_CIMOM_CQORIPROPERTY_H
 

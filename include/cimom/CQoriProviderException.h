@@ -1,4 +1,5 @@
 // The failure of an instance provider.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMOM_CQORIPROVIDEREXCEPTION_H
 #define QORQL_CIMOM_CQORIPROVIDEREXCEPTION_H
 

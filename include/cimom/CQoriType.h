@@ -1,4 +1,5 @@
 // The predefined type objects.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMOM_CQORITYPE_H
 #define QORQL_CIMOM_CQORITYPE_H
 

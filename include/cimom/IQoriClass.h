@@ -1,4 +1,5 @@
 // A class of the repository with its qualifiers, properties and superclass.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMOM_IQORICLASS_H
 #define QORQL_CIMOM_IQORICLASS_H
 

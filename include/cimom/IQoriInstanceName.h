@@ -1,4 +1,5 @@
 // The name (object path) of an instance, and the host and namespace it lies in.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMOM_IQORIINSTANCENAME_H
 #define QORQL_CIMOM_IQORIINSTANCENAME_H
 

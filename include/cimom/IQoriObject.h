@@ -1,4 +1,5 @@
 // An instance as the engine sees it: class, name and properties.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMOM_IQORIOBJECT_H
 #define QORQL_CIMOM_IQORIOBJECT_H
 

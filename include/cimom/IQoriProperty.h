@@ -1,4 +1,5 @@
 // A named, typed value of an object or of a class declaration.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMOM_IQORIPROPERTY_H
 #define QORQL_CIMOM_IQORIPROPERTY_H
 

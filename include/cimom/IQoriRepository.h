@@ -1,4 +1,5 @@
 // The class repository of the object manager.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMOM_IQORIREPOSITORY_H
 #define QORQL_CIMOM_IQORIREPOSITORY_H
 

@@ -1,4 +1,5 @@
 // A CIM data type as the engine sees it.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMOM_IQORITYPE_H
 #define QORQL_CIMOM_IQORITYPE_H
 

@@ -1,5 +1,6 @@
 // A CIM value: scalar, array, reference or embedded object, with its type; and the
 // values that the engine makes, which the default implementations of its operations use.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMOM_IQORIVALUE_H
 #define QORQL_CIMOM_IQORIVALUE_H
 

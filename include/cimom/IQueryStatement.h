@@ -1,4 +1,5 @@
 // The filter of an indication subscription as the object manager holds it.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMOM_IQUERYSTATEMENT_H
 #define QORQL_CIMOM_IQUERYSTATEMENT_H
 

@@ -1,4 +1,5 @@
 // Where the engine finds the class repository.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMOM_QORIPROVIDERPLUGINMANAGER_H
 #define QORQL_CIMOM_QORIPROVIDERPLUGINMANAGER_H
 

@@ -1,4 +1,5 @@
 // A borrowed, allocation-free view of one CIM value, and the exact comparison of numbers.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMOM_QORISCALAR_H
 #define QORQL_CIMOM_QORISCALAR_H
 

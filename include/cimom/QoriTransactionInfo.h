@@ -1,4 +1,5 @@
 // The context of one client call.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMOM_QORITRANSACTIONINFO_H
 #define QORQL_CIMOM_QORITRANSACTIONINFO_H
 

@@ -1,4 +1,5 @@
 // The object manager's configuration.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMOM_ZEMOCONFIGMANAGER_H
 #define QORQL_CIMOM_ZEMOCONFIGMANAGER_H
 

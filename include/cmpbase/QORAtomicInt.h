@@ -1,4 +1,5 @@
 // The atomic integer of every reference count.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CMPBASE_QORATOMICINT_H
 #define QORQL_CMPBASE_QORATOMICINT_H
 

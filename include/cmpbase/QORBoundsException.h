@@ -1,4 +1,5 @@
 // The error of an index outside a container.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CMPBASE_QORBOUNDSEXCEPTION_H
 #define QORQL_CMPBASE_QORBOUNDSEXCEPTION_H
 

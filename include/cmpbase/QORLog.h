@@ -1,4 +1,5 @@
 // The object manager's trace log, as the engine writes to it.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CMPBASE_QORLOG_H
 #define QORQL_CMPBASE_QORLOG_H
 

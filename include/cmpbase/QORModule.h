@@ -1,5 +1,6 @@
 // What each source file runs when its library is loaded: the error table and
 // the check that the platform's threading primitives work.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CMPBASE_QORMODULE_H
 #define QORQL_CMPBASE_QORMODULE_H
 

@@ -1,4 +1,5 @@
 // The error of using a counted pointer that holds nothing.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CMPBASE_QORNULLPOINTEREXCEPTION_H
 #define QORQL_CMPBASE_QORNULLPOINTEREXCEPTION_H
 

@@ -1,5 +1,6 @@
 // Memory for many small objects that are made together and, as a rule,
 // freed together: the nodes of a statement.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CMPBASE_QORSLABS_H
 #define QORQL_CMPBASE_QORSLABS_H
 

@@ -1,4 +1,5 @@
 // The counted shared pointer that holds every shared object of the engine.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CMPBASE_QORSMRPTR_H
 #define QORQL_CMPBASE_QORSMRPTR_H
 

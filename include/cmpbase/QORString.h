@@ -1,4 +1,5 @@
 // The foundation's string: counted, shared buffer, copied on write.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CMPBASE_QORSTRING_H
 #define QORQL_CMPBASE_QORSTRING_H
 

@@ -1,4 +1,5 @@
 // The foundation's plain types.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CMPBASE_QORTYPES_H
 #define QORQL_CMPBASE_QORTYPES_H
 

@@ -2,6 +2,7 @@
 //
 // Most maps hold a handful of items. Up to kUnsplit of them form one chain that
 // runs through all buckets in order; only a fuller map has a chain for each.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CMPBASE_QORVALMAP_H
 #define QORQL_CMPBASE_QORVALMAP_H
 

@@ -1,4 +1,5 @@
 // The doubly linked list that is the engine's collection, with its iterator.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CMPBASE_QORVALSLIST_H
 #define QORQL_CMPBASE_QORVALSLIST_H
 

@@ -1,4 +1,5 @@
 // The iterator of the list. Included by QORValSlist.h, which everybody includes.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CMPBASE_QORVALSLISTITERATOR_H
 #define QORQL_CMPBASE_QORVALSLISTITERATOR_H
 

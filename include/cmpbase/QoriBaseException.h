@@ -1,4 +1,5 @@
 // The base of every exception that the engine or the object manager throws.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CMPBASE_QORIBASEEXCEPTION_H
 #define QORQL_CMPBASE_QORIBASEEXCEPTION_H
 

@@ -1,4 +1,5 @@
 """Association conditions over worlds by chance, against a second implementation of their rules."""
+# SPDX-License-Identifier: Apache-2.0
 import random
 
 import toolcase

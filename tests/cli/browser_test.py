@@ -2,6 +2,7 @@
 
 Screenshots stay beside the tool, in a folder of the build.
 """
+# SPDX-License-Identifier: Apache-2.0
 import html
 import json
 import os

@@ -2,6 +2,7 @@
 
 A shell that is not installed is left out, with a reason.
 """
+# SPDX-License-Identifier: Apache-2.0
 import os
 import pty
 import re

@@ -1,4 +1,5 @@
 """Errors with line and status, statements in a row, standard input, and a reader that goes away."""
+# SPDX-License-Identifier: Apache-2.0
 import os
 import pty
 import resource

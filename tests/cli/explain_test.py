@@ -1,4 +1,5 @@
 """qorql explain, and the warnings where the language surprises."""
+# SPDX-License-Identifier: Apache-2.0
 import os
 import pty
 import tempfile

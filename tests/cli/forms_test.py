@@ -1,4 +1,5 @@
 """Every output form over the test model, byte for byte and read back by an independent reader."""
+# SPDX-License-Identifier: Apache-2.0
 import csv
 import html.parser
 import io

@@ -1,4 +1,5 @@
 // Prints the library's own stream of a query over a MOF file: library_stream MOF QUERY.
+// SPDX-License-Identifier: Apache-2.0
 #include <iostream>
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"

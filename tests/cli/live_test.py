@@ -1,4 +1,5 @@
 """Queries over the live classes of this machine."""
+# SPDX-License-Identifier: Apache-2.0
 import csv
 import io
 import json

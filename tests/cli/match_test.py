@@ -1,4 +1,5 @@
 """qorql match: which instances of MOF files a filter matches."""
+# SPDX-License-Identifier: Apache-2.0
 import os
 import unittest
 

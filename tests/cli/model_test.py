@@ -1,4 +1,5 @@
 """The commands that show the model: classes, class and instances, whose text loads again; and the cache."""
+# SPDX-License-Identifier: Apache-2.0
 import os
 
 import toolcase

@@ -1,4 +1,5 @@
 """The manual page: made from what --help is made from."""
+# SPDX-License-Identifier: Apache-2.0
 import subprocess
 
 import toolcase

@@ -1,4 +1,5 @@
 """The shell, as a person at a terminal uses it."""
+# SPDX-License-Identifier: Apache-2.0
 import fcntl
 import os
 import pty

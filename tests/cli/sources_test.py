@@ -1,4 +1,5 @@
 """What cannot be seen is told: sources of live classes, namespaces, the columns of an empty result."""
+# SPDX-License-Identifier: Apache-2.0
 import os
 import re
 import shutil

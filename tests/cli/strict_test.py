@@ -1,4 +1,5 @@
 """--strict: what would be warned of is an error before anything is fetched, and nothing is printed."""
+# SPDX-License-Identifier: Apache-2.0
 import os
 import unittest
 

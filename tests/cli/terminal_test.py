@@ -1,4 +1,5 @@
 """What a person sees at a terminal: boxes, cut values, carets, progress."""
+# SPDX-License-Identifier: Apache-2.0
 import fcntl
 import os
 import pty

@@ -1,4 +1,5 @@
 """What the tests of the tool share: running it, and the model that they query."""
+# SPDX-License-Identifier: Apache-2.0
 import atexit
 import os
 import pty

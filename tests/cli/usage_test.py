@@ -1,4 +1,5 @@
 """Every option: a good use, a missing argument, a surplus one; unknown options; help and version."""
+# SPDX-License-Identifier: Apache-2.0
 import re
 import unittest
 

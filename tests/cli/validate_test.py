@@ -1,4 +1,5 @@
 """qorql validate: whether filters are valid, why not, and what they need."""
+# SPDX-License-Identifier: Apache-2.0
 import os
 import unittest
 

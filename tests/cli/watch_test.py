@@ -1,4 +1,5 @@
 """qorql watch: the live changes that a filter matches."""
+# SPDX-License-Identifier: Apache-2.0
 import json
 import os
 import select

@@ -5,6 +5,7 @@ Run as check_commands.py TOOL ROOT. A command of the tool is run here, with a sa
 (run_commands.py). Any other command must be one that .ci/run, scripts/bare or bare_test.py run: the same program with
 all options that are named, whatever their values, so that long ones may run with their shortest setting.
 """
+# SPDX-License-Identifier: Apache-2.0
 import os
 import re
 import shlex

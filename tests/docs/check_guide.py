@@ -3,6 +3,7 @@
 Run as check_guide.py GUIDE SOURCE PROGRAM. Each ```cpp block must stand in SOURCE, line for
 line (where that is a folder, in one of its files), and the ```output block must be what PROGRAM prints.
 """
+# SPDX-License-Identifier: Apache-2.0
 import os
 import subprocess
 import sys

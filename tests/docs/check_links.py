@@ -2,6 +2,7 @@
 
 Run as check_links.py ROOT; looks at every Markdown file of the tree.
 """
+# SPDX-License-Identifier: Apache-2.0
 import os
 import re
 import sys

@@ -5,6 +5,7 @@ Run as check_linux.py TOOL DOCUMENT. Each ```query block must run, and its resul
 it gets the rows and says what is wrong with them; where the tool that it asks is not there it is left out, with the
 reason. A statement whose source is not on this machine (systemd) is left out likewise.
 """
+# SPDX-License-Identifier: Apache-2.0
 import json
 import os
 import re

@@ -3,6 +3,7 @@
 Run as check_rules.py ROOT. A rule is defined by **[NAME-1]** in docs/language.md. A query
 script cites it in a line `rule: NAME-1, NAME-2`, a unit test in a comment `// rule: NAME-1`.
 """
+# SPDX-License-Identifier: Apache-2.0
 import os
 import re
 import sys

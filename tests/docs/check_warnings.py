@@ -4,6 +4,7 @@ Run as check_warnings.py TOOL ROOT. The examples of docs/language.md run over ex
 document's own ```mof blocks; a warning about one must name the rule under which the example stands. The
 queries of README.md and docs/tool.md get none at all.
 """
+# SPDX-License-Identifier: Apache-2.0
 import os
 import re
 import shlex

@@ -1,4 +1,5 @@
 """Proves that the documentation's checks find what they look for."""
+# SPDX-License-Identifier: Apache-2.0
 import os
 import sys
 import tempfile

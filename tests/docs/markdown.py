@@ -1,4 +1,5 @@
 """Reads the fenced blocks of a Markdown document."""
+# SPDX-License-Identifier: Apache-2.0
 import re
 from dataclasses import dataclass
 

@@ -3,6 +3,7 @@
 Run as run_commands.py TOOL ROOT DOCUMENT. The commands run in ROOT with TOOL in place of ./qorql, while processes come
 and go for those that wait for one.
 """
+# SPDX-License-Identifier: Apache-2.0
 import contextlib
 import re
 import shlex

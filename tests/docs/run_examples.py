@@ -4,6 +4,7 @@ Run as run_examples.py TOOL DOCUMENT [MOF...]. The ```mof blocks of the document
 given files are loaded before each query. Words after ```query go to the tool in place of
 `-o csv`. A ```error block instead of ```result holds what standard error must contain.
 """
+# SPDX-License-Identifier: Apache-2.0
 import os
 import subprocess
 import sys

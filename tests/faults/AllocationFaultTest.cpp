@@ -1,6 +1,7 @@
 // Every allocation of a query and of a match fails once, alone or with all after
 // it. What comes out is the result, or an error that says so; nothing leaks, and
 // the next run is as if nothing had been.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <algorithm>

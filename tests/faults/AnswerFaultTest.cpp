@@ -1,5 +1,6 @@
 // Answers of the client interface and of providers that are not as they should
 // be: what the engine says of each, in both modes.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <stdexcept>

@@ -1,4 +1,5 @@
 // Counts the calls and throws at the one that is due.
+// SPDX-License-Identifier: Apache-2.0
 #include "FaultPlan.h"
 
 #include <stdexcept>

@@ -1,4 +1,5 @@
 // Which call of the platform goes wrong, and how.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_FAULTPLAN_H
 #define QORQL_TESTS_FAULTPLAN_H
 

@@ -1,4 +1,5 @@
 // Runs queries and matches and takes their results without giving faults a chance.
+// SPDX-License-Identifier: Apache-2.0
 #include "FaultRun.h"
 
 #include <algorithm>

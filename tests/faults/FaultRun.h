@@ -1,5 +1,6 @@
 // A query or a match that runs among faults: faults strike the engine and the
 // platform, never the test itself.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_FAULTRUN_H
 #define QORQL_TESTS_FAULTRUN_H
 

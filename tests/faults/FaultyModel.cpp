@@ -1,5 +1,6 @@
 // The proxies. What an operation must never return, by its contract, it still
 // returns here when it cannot throw: a null type, an empty name.
+// SPDX-License-Identifier: Apache-2.0
 #include "FaultyModel.h"
 
 #include "FaultPlan.h"

@@ -1,5 +1,6 @@
 // Objects, names, values and classes that pass each call on, unless the plan
 // lets it go wrong.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_FAULTYMODEL_H
 #define QORQL_TESTS_FAULTYMODEL_H
 

@@ -1,5 +1,6 @@
 // The operations of the platform as this program has them. The library's own
 // are found behind them by their linker names.
+// SPDX-License-Identifier: Apache-2.0
 #include "FaultyPlatform.h"
 
 #include <dlfcn.h>

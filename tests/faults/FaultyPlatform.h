@@ -1,5 +1,6 @@
 // The platform's services as this test program has them: each asks the plan,
 // then the library.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_FAULTYPLATFORM_H
 #define QORQL_TESTS_FAULTYPLATFORM_H
 

@@ -1,6 +1,7 @@
 // Every call that a query or a match makes into the platform goes wrong once, in
 // each way. Nothing crashes, the error is one that the platform or the engine
 // states, and the next run is as if nothing had been.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "FaultPlan.h"

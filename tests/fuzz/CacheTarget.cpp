@@ -1,5 +1,6 @@
 // Fuzz target: the content of a cache of MOF, whatever its bytes are. It is
 // read or refused whole, and what was read has a text that loads.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "Cimom/Mof/MofCacheReader.h"
 #include "FuzzInput.h"

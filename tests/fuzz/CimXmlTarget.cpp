@@ -1,5 +1,6 @@
 // Fuzz target: replies in CIM-XML. A reply is read whole or refused with a place
 // in it; what was read is written in a form that reads back as the same.
+// SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 
 #include "Cimom/CimXml/CimXmlException.h"

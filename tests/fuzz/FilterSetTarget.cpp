@@ -2,6 +2,7 @@
 // filters, one a line; the part after it MOF text with instances. Without one the
 // filters meet indications of each kind. Whatever comes and goes, a set answers as
 // its filters do when each of them is asked.
+// SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 #include <utility>
 #include <vector>

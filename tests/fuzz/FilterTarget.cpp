@@ -2,6 +2,7 @@
 // separator is the filter, the part after it MOF text with instances; without
 // one the filter meets indications of each kind. The prepared conditions and the
 // walk of the tree come to the same answer.
+// SPDX-License-Identifier: Apache-2.0
 #include <vector>
 
 #include "Cimom/QORQL/CQLQueryStatement.h"

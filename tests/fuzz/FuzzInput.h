@@ -1,5 +1,6 @@
 // What the fuzz targets share: bytes as text, parts of an input, and how a
 // target says that something is wrong.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_FUZZINPUT_H
 #define QORQL_TESTS_FUZZINPUT_H
 

@@ -1,4 +1,5 @@
 // The fixed model that whole queries run on, and which queries are too large to try.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_FUZZQUERIES_H
 #define QORQL_TESTS_FUZZQUERIES_H
 

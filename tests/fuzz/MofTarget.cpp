@@ -1,5 +1,6 @@
 // Fuzz target: MOF text. A text is loaded whole or refused whole, with
 // diagnostics that point into it, and what was loaded can be read back.
+// SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 #include <cctype>
 

@@ -1,5 +1,6 @@
 // Fuzz target: parsing and resolving. A text gives a tree or a stated error,
 // the same each time, and the tree can be walked and freed.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_FromClause.h"
 #include "Cimom/QORQL/QORQL_IdentifierFinder.h"
 #include "Cimom/QORQL/QORQL_OrderByClause.h"

@@ -1,6 +1,7 @@
 // Fuzz target: a whole query over a fixed model, with and without a stream. The
 // lazy algorithm leaves what the plain one leaves: rows, columns, stream bytes,
 // error, log lines and client calls.
+// SPDX-License-Identifier: Apache-2.0
 #include <iostream>
 
 #include "ClientInterposer.h"

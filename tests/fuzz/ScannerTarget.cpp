@@ -1,6 +1,7 @@
 // Fuzz target: the scanner and the token stream. However a text is read, token
 // by token, by looking ahead or by revisiting, the tokens are the same, and
 // those of the lexical rules.
+// SPDX-License-Identifier: Apache-2.0
 #include <vector>
 
 #include "Cimom/QORQL/QORQL_Lexer.h"

@@ -1,6 +1,7 @@
 // Fuzz target: the XML stream. Whenever a query succeeds, a library for XML
 // finds its stream well-formed. The part of the input after the separator is the
 // text of a property of the instances that the query reads.
+// SPDX-License-Identifier: Apache-2.0
 #include <libxml/parser.h>
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 // Runs a fuzz target on every file of the folders (or the files) that are named:
 // what a fuzzer once found stays found, in builds without a fuzzer too.
+// SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>

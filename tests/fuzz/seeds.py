@@ -2,6 +2,7 @@
 
 Run as seeds.py ROOT FOLDER; makes FOLDER/query, /xml and /mof with one file for each input.
 """
+# SPDX-License-Identifier: Apache-2.0
 import glob
 import hashlib
 import os

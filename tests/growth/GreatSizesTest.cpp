@@ -1,5 +1,6 @@
 // Statements of a size that nobody writes by hand give their result or a stated
 // error, and so does every byte at every place of a short one.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -2,6 +2,7 @@
 // kind, name and statement with tabs between; the kinds are rows, xml, xml-counted, parse and match. Prints the
 // compiler and then each name as its dump is written, first "reference": work of the standard library alone over as
 // many rows, which tells how another compiler or library counts.
+// SPDX-License-Identifier: Apache-2.0
 #include <valgrind/callgrind.h>
 
 #include <algorithm>

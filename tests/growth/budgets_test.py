@@ -5,6 +5,7 @@ with the compiler that the program was built by. By the same compiler a workload
 or its library, counts otherwise: there the counts are taken in proportion to those of a piece of work that has nothing
 of the product, with more room. `renew` writes what is counted now, which belongs into a change that means to change it.
 """
+# SPDX-License-Identifier: Apache-2.0
 import json
 import os
 import re

@@ -1,6 +1,7 @@
 // Pieces of work, and what each allocated: growth (query MODEL TEXT | filter MODEL INDICATION TEXT | mof TEXT)...;
 // each argument a file. Prints a line for each piece, the number of its allocations and their bytes, without those of
 // loading the model. Under callgrind there is a dump for each piece too, which counts its instructions.
+// SPDX-License-Identifier: Apache-2.0
 #include <malloc.h>
 #include <valgrind/callgrind.h>
 

@@ -2,6 +2,7 @@
 
 Run as growth_test.py PROGRAM allocations|instructions; see workloads.py for what is tried.
 """
+# SPDX-License-Identifier: Apache-2.0
 import math
 import os
 import re

@@ -2,6 +2,7 @@
 
 Each workload is (kind, text(n)): a query or a filter for the model below, or a model with a query.
 """
+# SPDX-License-Identifier: Apache-2.0
 
 MODEL = """class C { [Key] uint32 Id; uint32 K; string Text; };
 instance of C { Id = 1; K = 1; Text = "abc"; };

@@ -3,6 +3,7 @@ this system's programs.
 
 Run as bare_test.py ROOT.
 """
+# SPDX-License-Identifier: Apache-2.0
 import os
 import re
 import shutil

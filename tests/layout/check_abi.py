@@ -6,6 +6,7 @@ commas, WORK a folder for what is compiled, COMPILER the compiler with a cache i
 --renew the baseline is written anew, which belongs to a release whose libraries have another soname, or none before it.
 The exit status is 1 when anything was printed.
 """
+# SPDX-License-Identifier: Apache-2.0
 import os
 import re
 import subprocess

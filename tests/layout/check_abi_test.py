@@ -1,4 +1,5 @@
 """Proves that check_abi.py finds what would break programs that were built before, on a library of a few lines."""
+# SPDX-License-Identifier: Apache-2.0
 import os
 import subprocess
 import sys

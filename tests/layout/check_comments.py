@@ -6,6 +6,7 @@ copies, and constructors without arguments.
 
 Run as check_comments.py ROOT HEADER...; the exit status is 1 when anything was printed.
 """
+# SPDX-License-Identifier: Apache-2.0
 import os
 import sys
 

@@ -1,4 +1,5 @@
 """Proves that check_comments.py finds what has no comment, and that declarations.py reads headers as a compiler does."""
+# SPDX-License-Identifier: Apache-2.0
 import os
 import sys
 import tempfile

@@ -5,6 +5,7 @@ Run as check_headers.py ROOT INSTALLED WORK COMPILER...: INSTALLED is the folder
 what is compiled, COMPILER the compiler with a cache in front of it, if there is one; the exit status is 1 when anything
 was printed.
 """
+# SPDX-License-Identifier: Apache-2.0
 import concurrent.futures
 import os
 import subprocess

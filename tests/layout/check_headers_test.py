@@ -1,4 +1,5 @@
 """Proves that check_headers.py finds each way in which installed headers are not the interface."""
+# SPDX-License-Identifier: Apache-2.0
 import os
 import sys
 import tempfile

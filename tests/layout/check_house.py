@@ -2,13 +2,14 @@
 
 Run as check_house.py ROOT; the exit status is 1 when anything was printed.
 """
+# SPDX-License-Identifier: Apache-2.0
 import os
 import re
 import sys
 
 import tree
 
-LONGEST_FILE = 500
+LONGEST_FILE = 500  # lines, but for that of the license
 
 # What the first line of a file (the second after a #! line) must begin with, by ending or name.
 OPENINGS = {
@@ -35,6 +36,11 @@ WORDS = [
     (r"\b(EXPECT|ASSERT)_TRUE\(tru[e]\)", "a test that cannot fail proves nothing"),
 ]
 
+# The line that tells the license, in the opening comment of each source.
+LICENSE_LINE = "SPDX-License-Identifier: Apache-2.0"
+OPENING_LINES = 30
+SOURCE_ENDINGS = (".cpp", ".h", ".cpp.in", ".h.in", ".l", ".fbs", ".py", ".cmake", ".sh", "CMakeLists.txt")
+
 TEXT_ENDINGS = tuple(ending for ending in OPENINGS if ending.startswith(".")) + (".md", ".txt", ".json", ".ini")
 
 
@@ -50,9 +56,23 @@ def find_missing_opening(path, lines):
         yield f"{path}:1: a file opens with a comment that says what it is for: add one ({openings[0]} ...)"
 
 
+def is_source(path, lines):
+    return path.endswith(SOURCE_ENDINGS) or bool(lines) and lines[0].startswith("#!")
+
+
+def has_license(lines):
+    return any(LICENSE_LINE in line for line in lines[:OPENING_LINES])
+
+
+def find_missing_license(path, lines):
+    if is_source(path, lines) and not has_license(lines):
+        yield f"{path}:1: the license is not told: end the opening comment with {LICENSE_LINE}"
+
+
 def find_too_long(path, lines):
-    if path.endswith(tree.CXX_ENDINGS) and len(lines) > LONGEST_FILE:
-        yield f"{path}:{len(lines)}: {len(lines)} lines hold two ideas: split the file (at most {LONGEST_FILE} lines)"
+    length = len(lines) - has_license(lines)
+    if path.endswith(tree.CXX_ENDINGS) and length > LONGEST_FILE:
+        yield f"{path}:{len(lines)}: {length} lines hold two ideas: split the file (at most {LONGEST_FILE} lines)"
 
 
 def find_words(path, lines):
@@ -66,7 +86,7 @@ def find_words(path, lines):
 def is_text(root, path):
     if path == "LICENSE":
         return False
-    if path.endswith(TEXT_ENDINGS):
+    if path.endswith(TEXT_ENDINGS + SOURCE_ENDINGS):
         return True
     with open(os.path.join(root, path), "rb") as source:
         return source.read(2) == b"#!"
@@ -81,7 +101,7 @@ def check(root):
             lines = source.read().split("\n")
         if lines and lines[-1] == "":
             lines.pop()
-        for rule in (find_missing_opening, find_too_long, find_words):
+        for rule in (find_missing_opening, find_missing_license, find_too_long, find_words):
             found += rule(path, lines)
     return found
 

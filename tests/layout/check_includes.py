@@ -2,6 +2,7 @@
 
 Run as check_includes.py ROOT; the exit status is 1 when anything was printed.
 """
+# SPDX-License-Identifier: Apache-2.0
 import os
 import re
 import sys

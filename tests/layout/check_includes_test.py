@@ -1,4 +1,5 @@
 """Proves that check_includes.py finds each kind of wrong include and lets the right ones pass."""
+# SPDX-License-Identifier: Apache-2.0
 import os
 import sys
 import tempfile

@@ -3,6 +3,7 @@ or in two, each name without a file, and each #include of a file in a section fu
 
 Run as check_order.py ROOT; the exit status is 1 when anything was printed.
 """
+# SPDX-License-Identifier: Apache-2.0
 import os
 import re
 import sys

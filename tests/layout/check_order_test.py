@@ -1,4 +1,5 @@
 """Proves that check_order.py finds each untruth of the engine's map and lets a true one pass."""
+# SPDX-License-Identifier: Apache-2.0
 import os
 import sys
 import tempfile

@@ -3,6 +3,7 @@
 
 Run as check_package.py ROOT MANIFEST PREFIX: the manifest lists the installed files, which stand below the prefix.
 """
+# SPDX-License-Identifier: Apache-2.0
 import fnmatch
 import glob
 import itertools

@@ -1,4 +1,5 @@
 """Proves that check_package.py finds each disagreement and lets a sound tree pass."""
+# SPDX-License-Identifier: Apache-2.0
 import os
 import tempfile
 import unittest

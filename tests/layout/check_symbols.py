@@ -3,6 +3,7 @@ must export, and that no library has what another one has.
 
 Run as check_symbols.py INCLUDE_FOLDER ENGINE MODEL [OTHER...]; the exit status is 1 when anything was printed.
 """
+# SPDX-License-Identifier: Apache-2.0
 import os
 import re
 import subprocess

@@ -1,4 +1,5 @@
 """Proves that check_symbols.py tells the platform's and the run time's symbols from strangers."""
+# SPDX-License-Identifier: Apache-2.0
 import os
 import subprocess
 import sys

@@ -8,6 +8,7 @@ which may take several lines, and names files or folders.
 
 Run as check_tests.py ROOT; the exit status is 1 when anything was printed.
 """
+# SPDX-License-Identifier: Apache-2.0
 import os
 import re
 import sys
@@ -37,7 +38,8 @@ def read(root, path):
 def testers_of(text):
     """What the first comment says after "Tested by", or None."""
     comment = FIRST_COMMENT.match(text).group(0)
-    words = " ".join(line.removeprefix("//").strip() for line in comment.splitlines())
+    lines = [line.removeprefix("//").strip() for line in comment.splitlines()]
+    words = " ".join(line for line in lines if not line.startswith("SPDX-"))
     match = TESTED_BY.search(words)
     return match and [name.strip() for name in match.group(1).split(",")]
 

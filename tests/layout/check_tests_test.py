@@ -1,4 +1,5 @@
 """Proves that check_tests.py finds each source without a test and each name in another style, and lets the others pass."""
+# SPDX-License-Identifier: Apache-2.0
 import os
 import sys
 import tempfile
@@ -6,7 +7,7 @@ import unittest
 
 import check_tests
 
-POINTED = "// Does it.\n// Tested by tests/unit/QORQL/JoinTest.cpp,\n// tests/queries/joins.qtest.\n#ifndef A\n"
+POINTED = "// Does it.\n// Tested by tests/unit/QORQL/JoinTest.cpp,\n// tests/queries/joins.qtest.\n// SPDX-License-Identifier: X\n#ifndef A\n"
 TEST = "// Tests.\nTEST(Join, KeepsRows) {}\nTEST_P(Keys2, AreEqual) {}\nTEST(JoinDeathTest, Stops) {}\n"
 RIGHT = {
     "Cimom/QORQL/QORQL_Join.h": "// Joins.\n",

@@ -2,6 +2,7 @@
 
 Reads the code as clang-format lays it out, without macros that hide declarations; no compiler is asked.
 """
+# SPDX-License-Identifier: Apache-2.0
 import dataclasses
 import re
 

@@ -3,6 +3,7 @@ script of the tree fails without a word.
 
 Run as front_door_test.py ROOT.
 """
+# SPDX-License-Identifier: Apache-2.0
 import os
 import shutil
 import subprocess

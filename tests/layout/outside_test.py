@@ -3,6 +3,7 @@ engine and the model, and the guide's program with the object manager that comes
 
 Run as outside_test.py ROOT PREFIX LIBRARIES WORK COMPILER...: LIBRARIES is the folder of the libraries below the PREFIX.
 """
+# SPDX-License-Identifier: Apache-2.0
 import os
 import subprocess
 import sys

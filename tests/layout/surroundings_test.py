@@ -3,6 +3,7 @@ mount, without terminals.
 
 Run as surroundings_test.py ROOT TOOL STREAM PROVIDERS, the last three being programs of the build.
 """
+# SPDX-License-Identifier: Apache-2.0
 import os
 import subprocess
 import sys

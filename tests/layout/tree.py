@@ -2,6 +2,7 @@
 
 Run alone it prints the C++ files, one a line: tree.py ROOT
 """
+# SPDX-License-Identifier: Apache-2.0
 import os
 import subprocess
 import sys

@@ -1,4 +1,5 @@
 """Compiles a source with a fault and links the library that it belongs to, beside a finished build."""
+# SPDX-License-Identifier: Apache-2.0
 import json
 import os
 import re

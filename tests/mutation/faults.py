@@ -3,6 +3,7 @@
 A fault is a span of the text and what takes its place. Comments, literals of text and lines of the preprocessor are
 left alone. What is found is a guess of the text alone: some faults do not compile.
 """
+# SPDX-License-Identifier: Apache-2.0
 import collections
 import re
 

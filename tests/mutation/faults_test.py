@@ -1,4 +1,5 @@
 """Proves where faults are planted, and that the same seed plants the same."""
+# SPDX-License-Identifier: Apache-2.0
 import os
 import sys
 import unittest

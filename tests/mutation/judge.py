@@ -1,4 +1,5 @@
 """Runs the tests of a build against libraries that have a fault, the quick tests first."""
+# SPDX-License-Identifier: Apache-2.0
 import json
 import os
 import re

@@ -2,6 +2,7 @@
 
 Run as mutate.py ROOT [OPTION]...
 """
+# SPDX-License-Identifier: Apache-2.0
 import argparse
 import collections
 import concurrent.futures

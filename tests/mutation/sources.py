@@ -1,4 +1,5 @@
 """The sources that faults are planted in, by area, and who includes a header."""
+# SPDX-License-Identifier: Apache-2.0
 import os
 import re
 

@@ -1,4 +1,5 @@
 // The main of a program that tries things by chance.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_CHANCEMAIN_H
 #define QORQL_TESTS_CHANCEMAIN_H
 

@@ -1,4 +1,5 @@
 // The engine's answers over the worlds of World.h, and their comparison with the naive ones.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_ENGINEANSWER_H
 #define QORQL_TESTS_ENGINEANSWER_H
 

@@ -1,4 +1,5 @@
 // Reads the engine's tree, symbols and requests through its public accessors.
+// SPDX-License-Identifier: Apache-2.0
 #include "EngineOutline.h"
 
 #include <map>

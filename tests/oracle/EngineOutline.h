@@ -1,4 +1,5 @@
 // The engine's parse of a statement, in the form of outlineByModel.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_ENGINEOUTLINE_H
 #define QORQL_TESTS_ENGINEOUTLINE_H
 

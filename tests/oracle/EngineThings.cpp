@@ -1,4 +1,5 @@
 // Made through the object manager's sink, or by hand where there is no layout.
+// SPDX-License-Identifier: Apache-2.0
 #include "EngineThings.h"
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"

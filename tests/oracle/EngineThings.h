@@ -1,4 +1,5 @@
 // The things of the filter model as the engine's objects and classes.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_ENGINETHINGS_H
 #define QORQL_TESTS_ENGINETHINGS_H
 

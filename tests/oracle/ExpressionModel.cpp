@@ -1,4 +1,5 @@
 // Expressions by recursive descent, down to comparisons and arithmetic.
+// SPDX-License-Identifier: Apache-2.0
 #include "ExpressionModel.h"
 
 #include "Cimom/QORQL/QORQL_Operator.h"

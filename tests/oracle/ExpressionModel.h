@@ -1,4 +1,5 @@
 // The expressions of the second parser, and the tokens that it reads.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_EXPRESSIONMODEL_H
 #define QORQL_TESTS_EXPRESSIONMODEL_H
 

@@ -1,4 +1,5 @@
 // The factors of the second parser: literals, references, parentheses, minus and calls.
+// SPDX-License-Identifier: Apache-2.0
 #include <charconv>
 #include <cstdlib>
 

@@ -1,4 +1,5 @@
 // The model of matching: a walk over the model's own statements.
+// SPDX-License-Identifier: Apache-2.0
 #include "FilterModel.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // A filter's meaning told a second time, on values, objects and statements of its own.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_FILTERMODEL_H
 #define QORQL_TESTS_FILTERMODEL_H
 

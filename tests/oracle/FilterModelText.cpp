@@ -1,4 +1,5 @@
 // The model's statements as text.
+// SPDX-License-Identifier: Apache-2.0
 #include "FilterModel.h"
 
 namespace filter_model {

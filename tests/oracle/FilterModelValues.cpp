@@ -1,4 +1,5 @@
 // Arithmetic and comparison of the model's values.
+// SPDX-License-Identifier: Apache-2.0
 #include <cfloat>
 #include <cmath>
 #include <cstdint>

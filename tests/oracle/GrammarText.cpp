@@ -1,4 +1,5 @@
 // Statements are made clause by clause as lists of tokens, damaged, and then written with white space by chance.
+// SPDX-License-Identifier: Apache-2.0
 #include "GrammarText.h"
 
 namespace {

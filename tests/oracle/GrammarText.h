@@ -1,4 +1,5 @@
 // Texts by chance for the models of the grammar: soups of tokens, and statements with damage.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_GRAMMARTEXT_H
 #define QORQL_TESTS_GRAMMARTEXT_H
 

@@ -1,4 +1,5 @@
 // Statements of the second parser in the form in which they are compared.
+// SPDX-License-Identifier: Apache-2.0
 #include "NameModel.h"
 
 namespace {

@@ -1,6 +1,7 @@
 // Rows are lists of objects, one for each FROM table, null for none. FROM makes
 // the product, each comparison of an AND chain filters what is left, of OR only
 // the last operand counts; then the rows are sorted, projected and cut off.
+// SPDX-License-Identifier: Apache-2.0
 #include "Naive.h"
 
 #include <algorithm>

@@ -1,6 +1,7 @@
 // A second, naive implementation of the language's core, written from its
 // rules, by which the engine is judged. It knows conditions, joins, sorting,
 // projection and FIRST over the worlds of World.h.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_NAIVE_H
 #define QORQL_TESTS_NAIVE_H
 

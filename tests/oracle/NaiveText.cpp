@@ -1,4 +1,5 @@
 // Statements and answers of the naive implementation as text.
+// SPDX-License-Identifier: Apache-2.0
 #include "Naive.h"
 
 namespace {

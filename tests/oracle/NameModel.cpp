@@ -1,4 +1,5 @@
 // Names are bound once the whole statement is parsed: those of the select list, then WHERE's, then the sort key's.
+// SPDX-License-Identifier: Apache-2.0
 #include "NameModel.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // A second name resolution, written from its rules, over small schemas.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_NAMEMODEL_H
 #define QORQL_TESTS_NAMEMODEL_H
 

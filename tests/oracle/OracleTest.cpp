@@ -1,4 +1,5 @@
 // The engine against the naive implementation on every small world.
+// SPDX-License-Identifier: Apache-2.0
 #include "EngineAnswer.h"
 
 namespace {

@@ -1,4 +1,5 @@
 // The statement level of the second parser: clauses and select entries.
+// SPDX-License-Identifier: Apache-2.0
 #include "ParserModel.h"
 
 #include <algorithm>

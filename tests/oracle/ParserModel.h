@@ -1,5 +1,6 @@
 // A second parser, written from the grammar, with a plain tree. What it finds wrong has the message, code and line
 // that the grammar gives it.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_PARSERMODEL_H
 #define QORQL_TESTS_PARSERMODEL_H
 

@@ -1,5 +1,6 @@
 // Chance is weighted so that a fair part of the conditions holds: values and
 // literals come from short lists, and arrays are asked as arrays.
+// SPDX-License-Identifier: Apache-2.0
 #include "RandomFilter.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // Schemas, instances and filters by chance, for the model and the engine alike.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_RANDOMFILTER_H
 #define QORQL_TESTS_RANDOMFILTER_H
 

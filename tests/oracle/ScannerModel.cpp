@@ -1,4 +1,5 @@
 // The lexical rules as regular expressions, and the words and signs by their texts.
+// SPDX-License-Identifier: Apache-2.0
 #include "ScannerModel.h"
 
 #include <regex>

@@ -1,4 +1,5 @@
 // A second scanner, written from the lexical rules: each rule is a regular expression, and the longest match counts.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_SCANNERMODEL_H
 #define QORQL_TESTS_SCANNERMODEL_H
 

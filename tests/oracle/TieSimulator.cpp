@@ -1,6 +1,7 @@
 // A table has a column for each class that is there and rows of objects, null
 // for none. FROM makes the product, conditions filter it one after another, of
 // OR only the last operand counts; then rows are sorted and selected.
+// SPDX-License-Identifier: Apache-2.0
 #include "TieSimulator.h"
 
 #include <algorithm>

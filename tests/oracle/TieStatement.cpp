@@ -1,4 +1,5 @@
 // Statements by chance, and their text.
+// SPDX-License-Identifier: Apache-2.0
 #include "TieStatement.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // Statements over the worlds of TieWorld.h: joins, associations, outer ones too, OR and ORDER BY.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_TIESTATEMENT_H
 #define QORQL_TESTS_TIESTATEMENT_H
 

@@ -1,4 +1,5 @@
 // Worlds by chance, and their MOF.
+// SPDX-License-Identifier: Apache-2.0
 #include "TieWorld.h"
 
 namespace {

@@ -1,4 +1,5 @@
 // Random small worlds of associations: L ties A to B, S ties A to A, and LL ties instances of L to E.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_TIEWORLD_H
 #define QORQL_TESTS_TIEWORLD_H
 

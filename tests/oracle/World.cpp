@@ -1,5 +1,6 @@
 // Every instance is stored once; a world is a choice among them, made where
 // the engine asks for the instances of a class.
+// SPDX-License-Identifier: Apache-2.0
 #include "World.h"
 
 #include "ClientInterposer.h"

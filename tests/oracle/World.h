@@ -1,4 +1,5 @@
 // Small worlds: three classes A, B and C whose instances are chosen anew for each query.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_WORLD_H
 #define QORQL_TESTS_WORLD_H
 

@@ -1,6 +1,7 @@
 // Asks the engine and the model of matching about filters by chance:
 // random_filters COUNT SEED. The prepared form, the walk of the tree and the
 // model must agree for each instance, whole and cut down to the listed properties.
+// SPDX-License-Identifier: Apache-2.0
 #include <iostream>
 #include <memory>
 #include <vector>

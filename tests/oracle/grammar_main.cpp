@@ -1,5 +1,6 @@
 // The engine beside models of its grammar, on texts by chance: grammar_models MODEL [--count N] [--seed S], where MODEL
 // is scanner, parser or names. Prints how many texts came to what, and fails where the two differ.
+// SPDX-License-Identifier: Apache-2.0
 #include <sys/mman.h>
 #include <unistd.h>
 

@@ -1,5 +1,6 @@
 // Asks sets of filters by chance: random_sets COUNT SEED. A set, whose filters come
 // and go, must answer as its filters do when each of them is asked.
+// SPDX-License-Identifier: Apache-2.0
 #include <iostream>
 #include <map>
 

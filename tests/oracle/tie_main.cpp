@@ -1,5 +1,6 @@
 // Random statements with associations, the engine in both modes against the
 // simulator: tie_statements WORLDS STATEMENTS SEED. All must be alike.
+// SPDX-License-Identifier: Apache-2.0
 #include <iostream>
 #include <map>
 

@@ -1,4 +1,5 @@
 // Compares what a statement left with what its case expects, line by line.
+// SPDX-License-Identifier: Apache-2.0
 #include "Judge.h"
 
 #include <algorithm>

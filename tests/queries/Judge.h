@@ -1,4 +1,5 @@
 // Compares what a statement left with what its case expects.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_JUDGE_H
 #define QORQL_TESTS_JUDGE_H
 

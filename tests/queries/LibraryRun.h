@@ -1,4 +1,5 @@
 // Runs statements through the library and records everything that shows.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_LIBRARYRUN_H
 #define QORQL_TESTS_LIBRARYRUN_H
 

@@ -1,4 +1,5 @@
 // Statements by chance: a walk through the grammar that throws dice.
+// SPDX-License-Identifier: Apache-2.0
 #include "RandomStatement.h"
 
 #include <array>

@@ -1,4 +1,5 @@
 // Statements by chance over the models disks.mof and boxes.mof.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_RANDOMSTATEMENT_H
 #define QORQL_TESTS_RANDOMSTATEMENT_H
 

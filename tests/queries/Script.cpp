@@ -1,4 +1,5 @@
 // Reading query scripts, line by line.
+// SPDX-License-Identifier: Apache-2.0
 #include "Script.h"
 
 #include <fstream>

@@ -1,4 +1,5 @@
 // A query script: models and settings, then cases with a query and what must come of it.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_SCRIPT_H
 #define QORQL_TESTS_SCRIPT_H
 

@@ -1,5 +1,6 @@
 // Runs statements through the command-line program, one process each. Output
 // goes to files, so that neither side waits for the other.
+// SPDX-License-Identifier: Apache-2.0
 #include "ToolRun.h"
 
 #include <fcntl.h>

@@ -1,4 +1,5 @@
 // Runs statements through the command-line program, one process each.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_TOOLRUN_H
 #define QORQL_TESTS_TOOLRUN_H
 

@@ -3,6 +3,7 @@
 // association calls, and how conditions are applied must be what was explained.
 // What cannot be judged, and what fails while it runs, is counted, and too many of
 // either fail the run.
+// SPDX-License-Identifier: Apache-2.0
 #include <cstdlib>
 #include <exception>
 #include <iostream>

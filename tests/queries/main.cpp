@@ -3,6 +3,7 @@
 // lazy: through the library as everybody uses it. plain: through the library's
 // row-by-row algorithms, whose outcome must also be the lazy one to the last
 // log line, with and without a stream. tool: through the program.
+// SPDX-License-Identifier: Apache-2.0
 #include <exception>
 #include <iostream>
 #include <memory>

@@ -1,5 +1,6 @@
 // Runs statements by chance in both execution modes, with and without a stream:
 // random_statements COUNT SEED MODELS. Both modes must leave the same.
+// SPDX-License-Identifier: Apache-2.0
 #include <cstdlib>
 #include <exception>
 #include <iostream>

@@ -1,4 +1,5 @@
 // Counts the allocations of this test program, by replacing operator new.
+// SPDX-License-Identifier: Apache-2.0
 #include "AllocationCount.h"
 
 #include <cstdlib>

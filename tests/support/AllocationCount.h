@@ -1,4 +1,5 @@
 // Counts the allocations of this test program.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_ALLOCATIONCOUNT_H
 #define QORQL_TESTS_ALLOCATIONCOUNT_H
 

@@ -1,4 +1,5 @@
 // Replaces operator new for the whole test program, the libraries included.
+// SPDX-License-Identifier: Apache-2.0
 #include "AllocationFaults.h"
 
 #include <atomic>

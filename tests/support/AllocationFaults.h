@@ -1,4 +1,5 @@
 // Counts allocations, and makes them fail where a test wants it.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_ALLOCATIONFAULTS_H
 #define QORQL_TESTS_ALLOCATIONFAULTS_H
 

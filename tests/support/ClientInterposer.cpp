@@ -1,5 +1,6 @@
 // The operations of CIMApi as this program has them. The library's own are
 // found by their linker names.
+// SPDX-License-Identifier: Apache-2.0
 #include "ClientInterposer.h"
 
 #include <dlfcn.h>

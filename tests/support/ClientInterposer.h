@@ -1,5 +1,6 @@
 // Stands between the engine and the object manager's client interface, so that
 // tests see what is asked for and may answer in its place.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_CLIENTINTERPOSER_H
 #define QORQL_TESTS_CLIENTINTERPOSER_H
 

@@ -1,5 +1,6 @@
 // A small object manager made from MOF text, and queries run on it in either
 // execution mode, with everything visible recorded.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_QUERYRUN_H
 #define QORQL_TESTS_QUERYRUN_H
 

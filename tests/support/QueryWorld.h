@@ -1,4 +1,5 @@
 // Queries run in both execution modes, which must agree in everything that shows.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_QUERYWORLD_H
 #define QORQL_TESTS_QUERYWORLD_H
 

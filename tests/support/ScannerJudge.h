@@ -1,4 +1,5 @@
 // A text's tokens as the lexical rules give them, to compare with those of the engine's scanner.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_SCANNERJUDGE_H
 #define QORQL_TESTS_SCANNERJUDGE_H
 

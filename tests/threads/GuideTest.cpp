@@ -1,6 +1,7 @@
 // The example of the guide to embedding, in several threads at once over one
 // object manager: each prints what one alone prints. The example's own source is
 // compiled in front of this one.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <iostream>

@@ -1,6 +1,7 @@
 // Many queries and matches at once, each on its own tree, against one object
 // manager whose instances change meanwhile: each sees a state before or after a
 // change, and none disturbs another.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,5 +1,6 @@
 // What several threads may do with one object at the same time without a lock:
 // read lists, maps and values, and copy strings and pointers.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <atomic>

@@ -1,4 +1,5 @@
 // What the program is busy with, for the progress line.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_ACTIVITY_H
 #define QORQL_TOOL_ACTIVITY_H
 

@@ -1,4 +1,5 @@
 // Prints the completion for bash: one function, with a branch for each command.
+// SPDX-License-Identifier: Apache-2.0
 #include "BashCompletion.h"
 
 #include <iostream>

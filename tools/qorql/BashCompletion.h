@@ -1,4 +1,5 @@
 // The completion for bash.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_BASHCOMPLETION_H
 #define QORQL_TOOL_BASHCOMPLETION_H
 

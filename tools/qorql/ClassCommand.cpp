@@ -1,4 +1,5 @@
 // One class, with what it needs to load again.
+// SPDX-License-Identifier: Apache-2.0
 #include "ClassCommand.h"
 
 #include <iostream>

@@ -1,4 +1,5 @@
 // A class of the schema together with the classes below it.
+// SPDX-License-Identifier: Apache-2.0
 #include "ClassFamily.h"
 
 #include "Suggestion.h"

@@ -1,4 +1,5 @@
 // A class of the schema together with the classes below it.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_CLASSFAMILY_H
 #define QORQL_TOOL_CLASSFAMILY_H
 

@@ -1,4 +1,5 @@
 // Class names, one a line, in the order of names.
+// SPDX-License-Identifier: Apache-2.0
 #include "ClassesCommand.h"
 
 #include <fnmatch.h>

@@ -1,4 +1,5 @@
 // `qorql classes [PATTERN]`: lists the classes of the namespace.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_CLASSESCOMMAND_H
 #define QORQL_TOOL_CLASSESCOMMAND_H
 

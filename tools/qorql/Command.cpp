@@ -1,4 +1,5 @@
 // The table of commands.
+// SPDX-License-Identifier: Apache-2.0
 #include "Command.h"
 
 #include <CLI/CLI.hpp>

@@ -1,4 +1,5 @@
 // The commands of the program: each is one file that declares its part of the command line.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_COMMAND_H
 #define QORQL_TOOL_COMMAND_H
 

@@ -1,4 +1,5 @@
 // From the arguments of the program to its exit status.
+// SPDX-License-Identifier: Apache-2.0
 #include "CommandLine.h"
 
 #include <CLI/CLI.hpp>

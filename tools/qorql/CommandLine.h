@@ -1,4 +1,5 @@
 // From the arguments of the program to its exit status.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_COMMANDLINE_H
 #define QORQL_TOOL_COMMANDLINE_H
 

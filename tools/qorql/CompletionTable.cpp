@@ -1,4 +1,5 @@
 // Makes the table of completions from what the commands declare.
+// SPDX-License-Identifier: Apache-2.0
 #include "CompletionTable.h"
 
 #include <set>

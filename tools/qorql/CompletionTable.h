@@ -1,5 +1,6 @@
 // What a shell may offer after the program's name: commands, options and values. The completions of all shells are
 // printed from this one table, which is made from what the commands declare.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_COMPLETIONTABLE_H
 #define QORQL_TOOL_COMPLETIONTABLE_H
 

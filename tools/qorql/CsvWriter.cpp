@@ -1,4 +1,5 @@
 // Results as comma-separated values.
+// SPDX-License-Identifier: Apache-2.0
 #include "CsvWriter.h"
 
 #include <ostream>

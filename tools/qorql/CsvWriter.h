@@ -1,4 +1,5 @@
 // Results as comma-separated values.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_CSVWRITER_H
 #define QORQL_TOOL_CSVWRITER_H
 

@@ -1,5 +1,6 @@
 // What an option or argument was declared as, read back from the library of the command line for the manual page and
 // the completions. Only sources that include that library can use it.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_DECLAREDOPTIONS_H
 #define QORQL_TOOL_DECLAREDOPTIONS_H
 

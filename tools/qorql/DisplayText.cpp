@@ -1,4 +1,5 @@
 // How texts look on a terminal.
+// SPDX-License-Identifier: Apache-2.0
 #include "DisplayText.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // How texts look on a terminal.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_DISPLAYTEXT_H
 #define QORQL_TOOL_DISPLAYTEXT_H
 

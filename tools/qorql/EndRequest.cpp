@@ -1,4 +1,5 @@
 // The signals are blocked except while waiting, so that nothing else is interrupted.
+// SPDX-License-Identifier: Apache-2.0
 #include "EndRequest.h"
 
 #include <poll.h>

@@ -1,4 +1,5 @@
 // Waiting that ends early at a signal, or when the reader of the output has gone.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_ENDREQUEST_H
 #define QORQL_TOOL_ENDREQUEST_H
 

@@ -1,4 +1,5 @@
 // Errors as a person reads them on standard error.
+// SPDX-License-Identifier: Apache-2.0
 #include "ErrorReport.h"
 
 #include <exception>

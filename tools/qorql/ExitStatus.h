@@ -1,4 +1,5 @@
 // How the program ends.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_EXITSTATUS_H
 #define QORQL_TOOL_EXITSTATUS_H
 

@@ -1,4 +1,5 @@
 // What a query will do: each step in the order of execution, then warnings.
+// SPDX-License-Identifier: Apache-2.0
 #include "ExplainCommand.h"
 
 #include <iostream>

@@ -1,4 +1,5 @@
 // `qorql explain [OPTIONS] QUERY`: what a query will do.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_EXPLAINCOMMAND_H
 #define QORQL_TOOL_EXPLAINCOMMAND_H
 

@@ -1,4 +1,5 @@
 // Why a filter is refused, in words.
+// SPDX-License-Identifier: Apache-2.0
 #include "FilterFault.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // Why a filter is refused, in words.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_FILTERFAULT_H
 #define QORQL_TOOL_FILTERFAULT_H
 

@@ -1,4 +1,5 @@
 // The file is read as a whole: one filter that is not valid leaves none to ask.
+// SPDX-License-Identifier: Apache-2.0
 #include "FilterFile.h"
 
 #include <sstream>

@@ -1,4 +1,5 @@
 // Filters of a file, one a line, that are asked together.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_FILTERFILE_H
 #define QORQL_TOOL_FILTERFILE_H
 

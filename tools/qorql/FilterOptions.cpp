@@ -1,4 +1,5 @@
 // What the command line says to the commands that take a filter.
+// SPDX-License-Identifier: Apache-2.0
 #include "FilterOptions.h"
 
 #include "OptionDeclarations.h"

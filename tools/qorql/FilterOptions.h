@@ -1,4 +1,5 @@
 // What the command line says to the commands that take a filter.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_FILTEROPTIONS_H
 #define QORQL_TOOL_FILTEROPTIONS_H
 

@@ -1,4 +1,5 @@
 // A reference is followed name by name; the class that holds the next name may become unknown.
+// SPDX-License-Identifier: Apache-2.0
 #include "FilterPathCheck.h"
 
 #include "FilterSide.h"

@@ -1,4 +1,5 @@
 // The names of a filter's references against the schema.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_FILTERPATHCHECK_H
 #define QORQL_TOOL_FILTERPATHCHECK_H
 

@@ -1,4 +1,5 @@
 // A reference of a filter with its names as they are written, and what ISA says of them.
+// SPDX-License-Identifier: Apache-2.0
 #include "FilterReference.h"
 
 #include <utility>

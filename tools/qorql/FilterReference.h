@@ -1,4 +1,5 @@
 // A reference of a filter with its names as they are written, and what ISA says of them.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_FILTERREFERENCE_H
 #define QORQL_TOOL_FILTERREFERENCE_H
 

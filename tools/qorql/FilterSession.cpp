@@ -1,4 +1,5 @@
 // An object manager that knows indications, and filters checked against it.
+// SPDX-License-Identifier: Apache-2.0
 #include "FilterSession.h"
 
 #include <iostream>

@@ -1,4 +1,5 @@
 // An object manager that knows indications, and filters checked against it.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_FILTERSESSION_H
 #define QORQL_TOOL_FILTERSESSION_H
 

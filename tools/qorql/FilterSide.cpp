@@ -1,5 +1,6 @@
 // What stands on one side of a filter's comparison. Sums and products have the
 // kind that their operands share, which are combined from the right as they are grouped.
+// SPDX-License-Identifier: Apache-2.0
 #include "FilterSide.h"
 
 #include "Cimom/QORQL/CQLQueryStatement.h"

@@ -1,5 +1,6 @@
 // What stands on one side of a filter's comparison, as far as its tree and the
 // schema tell.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_FILTERSIDE_H
 #define QORQL_TOOL_FILTERSIDE_H
 

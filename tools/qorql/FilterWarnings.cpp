@@ -1,4 +1,5 @@
 // What is suspicious about a valid filter.
+// SPDX-License-Identifier: Apache-2.0
 #include "FilterWarnings.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // What is suspicious about a valid filter.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_FILTERWARNINGS_H
 #define QORQL_TOOL_FILTERWARNINGS_H
 

@@ -1,4 +1,5 @@
 // Prints the completion for fish: a line for each command and option, with the condition under which it is offered.
+// SPDX-License-Identifier: Apache-2.0
 #include "FishCompletion.h"
 
 #include <iostream>

@@ -1,4 +1,5 @@
 // The completion for fish.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_FISHCOMPLETION_H
 #define QORQL_TOOL_FISHCOMPLETION_H
 

@@ -1,4 +1,5 @@
 // The classes of a FROM clause, and what they are called besides.
+// SPDX-License-Identifier: Apache-2.0
 #include "FromNames.h"
 
 #include "Cimom/QORQL/QORQL_FromClause.h"

@@ -1,4 +1,5 @@
 // The classes of a FROM clause, and what they are called besides.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_FROMNAMES_H
 #define QORQL_TOOL_FROMNAMES_H
 

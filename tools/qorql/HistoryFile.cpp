@@ -1,4 +1,5 @@
 // The statements of earlier runs of the shell.
+// SPDX-License-Identifier: Apache-2.0
 #include "HistoryFile.h"
 
 #include <fcntl.h>

@@ -1,4 +1,5 @@
 // The statements of earlier runs of the shell.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_HISTORYFILE_H
 #define QORQL_TOOL_HISTORYFILE_H
 

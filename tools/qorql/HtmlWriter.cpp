@@ -1,4 +1,5 @@
 // Results as one HTML page that needs nothing else.
+// SPDX-License-Identifier: Apache-2.0
 #include "HtmlWriter.h"
 
 #include <ostream>

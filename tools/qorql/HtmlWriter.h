@@ -1,4 +1,5 @@
 // Results as one HTML page that needs nothing else.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_HTMLWRITER_H
 #define QORQL_TOOL_HTMLWRITER_H
 

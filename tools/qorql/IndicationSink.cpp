@@ -1,4 +1,5 @@
 // Superclasses are declared before their subclasses, so what a superclass lacks is known when its subclasses come.
+// SPDX-License-Identifier: Apache-2.0
 #include "IndicationSink.h"
 
 namespace {

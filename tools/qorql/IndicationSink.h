@@ -1,4 +1,5 @@
 // Declares the common indications beside what MOF files have declared.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_INDICATIONSINK_H
 #define QORQL_TOOL_INDICATIONSINK_H
 

@@ -1,4 +1,5 @@
 // Makes the indications of changes of instances.
+// SPDX-License-Identifier: Apache-2.0
 #include "Indications.h"
 
 #include <unistd.h>

@@ -1,4 +1,5 @@
 // Makes the indications of changes of instances.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_INDICATIONS_H
 #define QORQL_TOOL_INDICATIONS_H
 

@@ -1,4 +1,5 @@
 // What became of the instances of a class between two looks at them.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_INSTANCECHANGES_H
 #define QORQL_TOOL_INSTANCECHANGES_H
 

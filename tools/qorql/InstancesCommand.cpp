@@ -1,4 +1,5 @@
 // Instances, stored and live, as the object manager enumerates them.
+// SPDX-License-Identifier: Apache-2.0
 #include "InstancesCommand.h"
 
 #include <iostream>

@@ -1,4 +1,5 @@
 // Ctrl-C while a statement runs in the shell.
+// SPDX-License-Identifier: Apache-2.0
 #include "Interrupt.h"
 
 #include <unistd.h>

@@ -1,4 +1,5 @@
 // Ctrl-C while a statement runs in the shell.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_INTERRUPT_H
 #define QORQL_TOOL_INTERRUPT_H
 

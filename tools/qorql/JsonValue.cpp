@@ -1,4 +1,5 @@
 // CIM values and objects as JSON text.
+// SPDX-License-Identifier: Apache-2.0
 #include "JsonValue.h"
 
 #include <cmath>

@@ -1,4 +1,5 @@
 // CIM values and objects as JSON text.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_JSONVALUE_H
 #define QORQL_TOOL_JSONVALUE_H
 

@@ -1,4 +1,5 @@
 // Results as JSON.
+// SPDX-License-Identifier: Apache-2.0
 #include "JsonWriter.h"
 
 #include <ostream>

@@ -1,4 +1,5 @@
 // Results as JSON.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_JSONWRITER_H
 #define QORQL_TOOL_JSONWRITER_H
 

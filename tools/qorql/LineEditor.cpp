@@ -1,5 +1,6 @@
 // Lines from a person at the terminal: libedit does the editing, this file reads
 // its characters, so that Ctrl-C gets through, and completes its words.
+// SPDX-License-Identifier: Apache-2.0
 #include "LineEditor.h"
 
 #include <histedit.h>

@@ -1,4 +1,5 @@
 // Lines from a person at the terminal, with editing, history and completion.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_LINEEDITOR_H
 #define QORQL_TOOL_LINEEDITOR_H
 

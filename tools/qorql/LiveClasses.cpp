@@ -1,5 +1,6 @@
 // The schema is loaded whole where it fits. Where it does not, its classes are
 // declared one by one, as an object manager of their own understands them.
+// SPDX-License-Identifier: Apache-2.0
 #include "LiveClasses.h"
 
 #include <vector>

@@ -1,4 +1,5 @@
 // The live classes of this machine, beside what MOF files declare.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_LIVECLASSES_H
 #define QORQL_TOOL_LIVECLASSES_H
 

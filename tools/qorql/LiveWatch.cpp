@@ -1,4 +1,5 @@
 // The live classes watched for a filter, and the indications of their changes.
+// SPDX-License-Identifier: Apache-2.0
 #include "LiveWatch.h"
 
 #include <algorithm>

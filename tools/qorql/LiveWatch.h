@@ -1,4 +1,5 @@
 // The live classes watched for a filter, and the indications of their changes.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_LIVEWATCH_H
 #define QORQL_TOOL_LIVEWATCH_H
 

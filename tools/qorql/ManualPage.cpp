@@ -1,4 +1,5 @@
 // The manual page, made from what the commands declare, as the help is.
+// SPDX-License-Identifier: Apache-2.0
 #include "ManualPage.h"
 
 #include <CLI/CLI.hpp>

@@ -1,4 +1,5 @@
 // Asks a filter about the instances of MOF files.
+// SPDX-License-Identifier: Apache-2.0
 #include "MatchCommand.h"
 
 #include <iostream>

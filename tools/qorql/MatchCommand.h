@@ -1,4 +1,5 @@
 // `qorql match [OPTIONS] FILTER [FILE]...`: which instances a filter matches.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_MATCHCOMMAND_H
 #define QORQL_TOOL_MATCHCOMMAND_H
 

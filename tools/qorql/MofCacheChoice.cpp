@@ -1,4 +1,5 @@
 // Which cache the MOF files of a run are loaded through.
+// SPDX-License-Identifier: Apache-2.0
 #include "MofCacheChoice.h"
 
 #include <cstdlib>

@@ -1,4 +1,5 @@
 // Which cache the MOF files of a run are loaded through.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_MOFCACHECHOICE_H
 #define QORQL_TOOL_MOFCACHECHOICE_H
 

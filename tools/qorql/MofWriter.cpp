@@ -1,4 +1,5 @@
 // Results as MOF text that loads again.
+// SPDX-License-Identifier: Apache-2.0
 #include "MofWriter.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // Results as MOF text that loads again.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_MOFWRITER_H
 #define QORQL_TOOL_MOFWRITER_H
 

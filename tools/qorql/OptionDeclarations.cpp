@@ -1,4 +1,5 @@
 // Declares options and arguments to the library of the command line.
+// SPDX-License-Identifier: Apache-2.0
 #include "OptionDeclarations.h"
 
 #include <CLI/CLI.hpp>

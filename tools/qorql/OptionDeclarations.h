@@ -1,5 +1,6 @@
 // What the commands use to declare their options and arguments. One source implements it with the command-line library:
 // that library is all headers, and each source that includes them compiles the whole of it.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_OPTIONDECLARATIONS_H
 #define QORQL_TOOL_OPTIONDECLARATIONS_H
 

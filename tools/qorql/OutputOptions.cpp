@@ -1,4 +1,5 @@
 // The choice of a form, and of its writer.
+// SPDX-License-Identifier: Apache-2.0
 #include "OutputOptions.h"
 
 #include "CsvWriter.h"

@@ -1,4 +1,5 @@
 // What the command line says about the form of results, and the writers of these forms.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_OUTPUTOPTIONS_H
 #define QORQL_TOOL_OUTPUTOPTIONS_H
 

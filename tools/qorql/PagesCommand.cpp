@@ -1,5 +1,6 @@
 // The manual page and the completions for shells, made from what the commands
 // declare, as the help is.
+// SPDX-License-Identifier: Apache-2.0
 #include "PagesCommand.h"
 
 #include <map>

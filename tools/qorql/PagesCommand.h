@@ -1,4 +1,5 @@
 // `qorql pages PAGE`: the manual page, and the completions for shells.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_PAGESCOMMAND_H
 #define QORQL_TOOL_PAGESCOMMAND_H
 

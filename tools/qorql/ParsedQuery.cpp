@@ -1,4 +1,5 @@
 // A statement from its text to the tree that the engine runs.
+// SPDX-License-Identifier: Apache-2.0
 #include "ParsedQuery.h"
 
 #include "Cimom/QORQL/QORQL_Lexer.h"

@@ -1,4 +1,5 @@
 // A statement from its text to the tree that the engine runs.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_PARSEDQUERY_H
 #define QORQL_TOOL_PARSEDQUERY_H
 

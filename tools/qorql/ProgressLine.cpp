@@ -1,4 +1,5 @@
 // A line on the terminal that shows progress while something takes long.
+// SPDX-License-Identifier: Apache-2.0
 #include "ProgressLine.h"
 
 #include <chrono>

@@ -1,4 +1,5 @@
 // A line on the terminal that shows progress while something takes long.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_PROGRESSLINE_H
 #define QORQL_TOOL_PROGRESSLINE_H
 

@@ -1,4 +1,5 @@
 // Runs statements and prints their results.
+// SPDX-License-Identifier: Apache-2.0
 #include "QueryCommand.h"
 
 #include <iostream>

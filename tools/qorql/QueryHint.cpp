@@ -1,5 +1,6 @@
 // The error's fault says what is wrong and where; the text and the classes say
 // what may have been meant.
+// SPDX-License-Identifier: Apache-2.0
 #include "QueryHint.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // What may have been meant by a statement that is refused.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_QUERYHINT_H
 #define QORQL_TOOL_QUERYHINT_H
 

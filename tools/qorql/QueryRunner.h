@@ -1,4 +1,5 @@
 // Runs one statement after the other and prints each result in the form asked for.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_QUERYRUNNER_H
 #define QORQL_TOOL_QUERYRUNNER_H
 

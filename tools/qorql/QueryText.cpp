@@ -1,4 +1,5 @@
 // Where things stand in the text of a statement.
+// SPDX-License-Identifier: Apache-2.0
 #include "QueryText.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // Where things stand in the text of a statement.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_QUERYTEXT_H
 #define QORQL_TOOL_QUERYTEXT_H
 

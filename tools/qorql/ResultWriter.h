@@ -1,4 +1,5 @@
 // The forms in which a result can be printed.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_RESULTWRITER_H
 #define QORQL_TOOL_RESULTWRITER_H
 

@@ -1,4 +1,5 @@
 // Watches a statement: where it is, how long each step takes, and whether it should stop.
+// SPDX-License-Identifier: Apache-2.0
 #include "RunMonitor.h"
 
 #include <string>

@@ -1,4 +1,5 @@
 // Watches a statement: where it is, how long each step takes, and whether it should stop.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_RUNMONITOR_H
 #define QORQL_TOOL_RUNMONITOR_H
 

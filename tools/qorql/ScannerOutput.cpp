@@ -1,4 +1,5 @@
 // What the scanner prints on standard output, collected instead.
+// SPDX-License-Identifier: Apache-2.0
 #include "ScannerOutput.h"
 
 #include <algorithm>

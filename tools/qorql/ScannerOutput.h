@@ -1,4 +1,5 @@
 // What the scanner prints on standard output, collected instead.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_SCANNEROUTPUT_H
 #define QORQL_TOOL_SCANNEROUTPUT_H
 

@@ -1,4 +1,5 @@
 // The object manager that the statements of one run are asked of.
+// SPDX-License-Identifier: Apache-2.0
 #include "Session.h"
 
 #include <algorithm>

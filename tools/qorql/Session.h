@@ -1,4 +1,5 @@
 // The object manager that the statements of one run are asked of.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_SESSION_H
 #define QORQL_TOOL_SESSION_H
 

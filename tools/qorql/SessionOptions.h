@@ -1,4 +1,5 @@
 // What the command line says about the object manager.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_SESSIONOPTIONS_H
 #define QORQL_TOOL_SESSIONOPTIONS_H
 

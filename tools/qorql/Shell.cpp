@@ -1,4 +1,5 @@
 // The shell: statements and commands from a person at a terminal.
+// SPDX-License-Identifier: Apache-2.0
 #include "Shell.h"
 
 #include <chrono>

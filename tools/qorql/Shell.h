@@ -1,4 +1,5 @@
 // The shell: statements and commands from a person at a terminal.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_SHELL_H
 #define QORQL_TOOL_SHELL_H
 

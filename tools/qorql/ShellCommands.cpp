@@ -1,4 +1,5 @@
 // The dot commands of the shell.
+// SPDX-License-Identifier: Apache-2.0
 #include "ShellCommands.h"
 
 #include <algorithm>

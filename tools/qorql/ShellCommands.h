@@ -1,4 +1,5 @@
 // The dot commands of the shell.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_SHELLCOMMANDS_H
 #define QORQL_TOOL_SHELLCOMMANDS_H
 

@@ -1,4 +1,5 @@
 // Standard output as a stream that remembers why it failed.
+// SPDX-License-Identifier: Apache-2.0
 #include "StandardOutput.h"
 
 #include <unistd.h>

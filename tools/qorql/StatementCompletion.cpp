@@ -1,5 +1,6 @@
 // The text is cut into words up to the cursor; the last keyword of a clause
 // among them says what may come.
+// SPDX-License-Identifier: Apache-2.0
 #include "StatementCompletion.h"
 
 #include <algorithm>

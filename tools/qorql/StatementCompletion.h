@@ -1,4 +1,5 @@
 // What may follow at the cursor of an unfinished statement.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_STATEMENTCOMPLETION_H
 #define QORQL_TOOL_STATEMENTCOMPLETION_H
 

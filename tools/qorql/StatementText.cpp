@@ -1,4 +1,5 @@
 // The text of a statement cut into words and signs, and places in it.
+// SPDX-License-Identifier: Apache-2.0
 #include "StatementText.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // Cuts a text into statements.
+// SPDX-License-Identifier: Apache-2.0
 #include "Statements.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // Cuts a text into statements.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_STATEMENTS_H
 #define QORQL_TOOL_STATEMENTS_H
 

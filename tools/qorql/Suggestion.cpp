@@ -1,4 +1,5 @@
 // The distance of two names by optimal string alignment.
+// SPDX-License-Identifier: Apache-2.0
 #include "Suggestion.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // Which name may have been meant by one that does not exist.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_SUGGESTION_H
 #define QORQL_TOOL_SUGGESTION_H
 

@@ -1,4 +1,5 @@
 // Warnings where a statement does not mean what someone who knows SQL expects.
+// SPDX-License-Identifier: Apache-2.0
 #include "SurpriseReport.h"
 
 #include <iostream>

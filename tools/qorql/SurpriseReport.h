@@ -1,4 +1,5 @@
 // Warnings where a statement does not mean what someone who knows SQL expects.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_SURPRISEREPORT_H
 #define QORQL_TOOL_SURPRISEREPORT_H
 

@@ -1,6 +1,7 @@
 // The columns are as wide as their widest text; where that is wider than the
 // terminal, the widest columns are cut to one width, as great as fits. Columns
 // that are cut to a few letters are useless: then the rows become cards.
+// SPDX-License-Identifier: Apache-2.0
 #include "TableWriter.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // Results as a table for a person's eyes.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_TABLEWRITER_H
 #define QORQL_TOOL_TABLEWRITER_H
 

@@ -1,4 +1,5 @@
 // What the program knows of the terminal that it writes to.
+// SPDX-License-Identifier: Apache-2.0
 #include "Terminal.h"
 
 #include <sys/ioctl.h>

@@ -1,4 +1,5 @@
 // What the program knows of the terminal that it writes to.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_TERMINAL_H
 #define QORQL_TOOL_TERMINAL_H
 

@@ -1,4 +1,5 @@
 // Reads a text from a file or from standard input.
+// SPDX-License-Identifier: Apache-2.0
 #include "TextInput.h"
 
 #include <cerrno>

@@ -1,4 +1,5 @@
 // Reads a text from a file or from standard input.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_TEXTINPUT_H
 #define QORQL_TOOL_TEXTINPUT_H
 

@@ -1,4 +1,5 @@
 // For each class of FROM: the properties that are asked of it, without those that its classes declare.
+// SPDX-License-Identifier: Apache-2.0
 #include "UnknownProperties.h"
 
 #include <set>

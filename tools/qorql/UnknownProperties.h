@@ -1,4 +1,5 @@
 // Properties that a statement names and that no object of its class can have.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_UNKNOWNPROPERTIES_H
 #define QORQL_TOOL_UNKNOWNPROPERTIES_H
 

@@ -1,4 +1,5 @@
 // Validates filters and prints a line for each.
+// SPDX-License-Identifier: Apache-2.0
 #include "ValidateCommand.h"
 
 #include <iostream>

@@ -1,4 +1,5 @@
 // Which qorql this is.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_VERSION_H
 #define QORQL_TOOL_VERSION_H
 

@@ -1,4 +1,5 @@
 // What a statement is warned of.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_WARNING_H
 #define QORQL_TOOL_WARNING_H
 

@@ -1,4 +1,5 @@
 // Looks at the live classes again and again and prints the changes that a filter matches.
+// SPDX-License-Identifier: Apache-2.0
 #include "WatchCommand.h"
 
 #include <charconv>

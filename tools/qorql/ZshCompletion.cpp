@@ -1,4 +1,5 @@
 // Prints the completion for zsh: a file for its folders of functions that can be sourced, too.
+// SPDX-License-Identifier: Apache-2.0
 #include "ZshCompletion.h"
 
 #include <iostream>

@@ -1,4 +1,5 @@
 // The completion for zsh.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_ZSHCOMPLETION_H
 #define QORQL_TOOL_ZSHCOMPLETION_H
 

@@ -1,4 +1,5 @@
 // The qorql program.
+// SPDX-License-Identifier: Apache-2.0
 #include <cerrno>
 #include <csignal>
 #include <cstring>

@@ -1,5 +1,6 @@
 // Reads dpkg's list of packages through libapt-pkg.
 // Tested by tests/unit/Providers/LinuxPackageTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #include <apt-pkg/error.h>
 #include <apt-pkg/fileutl.h>
 #include <apt-pkg/tagfile.h>

@@ -1,5 +1,6 @@
 // Types follow the value library: one real operand makes the result a real, + * / of two unsigned make
 // a uint64, and a uint64 on the left stays one while the result is not negative.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Explain/QORQL_DeclaredTypes.h"
 
 #include <vector>

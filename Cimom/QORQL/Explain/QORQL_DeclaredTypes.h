@@ -1,4 +1,5 @@
 // What an expression's values are, as far as the class repository tells.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_DECLAREDTYPES_H
 #define QORQL_DECLAREDTYPES_H
 

@@ -1,6 +1,7 @@
 // Walks the statement as execution does, on a table that has columns and no
 // rows. Columns stand in sets, as the lazy rows have them: a condition filters
 // the set that it reads, or makes one of several, as its plan says.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Explain/QORQL_Explanation.h"
 
 #include <algorithm>

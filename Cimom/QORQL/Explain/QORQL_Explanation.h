@@ -1,4 +1,5 @@
 // What an execution of a query will do, step by step, without doing it.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EXPLANATION_H
 #define QORQL_EXPLANATION_H
 

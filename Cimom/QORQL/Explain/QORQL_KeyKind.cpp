@@ -1,4 +1,5 @@
 // The kinds of keys, as the binder and the join of lazy rows will find them.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Explain/QORQL_KeyKind.h"
 
 #include "Cimom/QORQL/QORQL_ExpressionShape.h"

@@ -1,4 +1,5 @@
 // What the values of a join's side are by the types that classes declare.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_KEYKIND_H
 #define QORQL_KEYKIND_H
 

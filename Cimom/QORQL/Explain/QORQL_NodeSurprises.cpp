@@ -1,4 +1,5 @@
 // Each node is looked at once; texts are made only for the few that are kept.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Explain/QORQL_NodeSurprises.h"
 
 #include <cfloat>

@@ -1,4 +1,5 @@
 // Conditions and arithmetic that do not mean what someone who knows SQL expects.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_NODESURPRISES_H
 #define QORQL_NODESURPRISES_H
 

@@ -1,4 +1,5 @@
 // Each clause is looked at by itself; conditions and arithmetic by a visitor.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Explain/QORQL_Surprises.h"
 
 #include <map>

@@ -1,4 +1,5 @@
 // Where a statement does not mean what someone who knows SQL expects.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_SURPRISES_H
 #define QORQL_SURPRISES_H
 

@@ -1,4 +1,5 @@
 // A statement and its results: the parser, the table and the result reader, put together.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Face/QORQL_Statement.h"
 
 #include <exception>

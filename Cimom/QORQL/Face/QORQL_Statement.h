@@ -1,4 +1,5 @@
 // A statement from its text to its columns and rows.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_STATEMENT_H
 #define QORQL_STATEMENT_H
 

@@ -1,6 +1,7 @@
 // What a condition of a filter tells an index: a value that the instance must
 // have for the condition to hold.
 // Tested by tests/unit/Filters/CQLFilterSetTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CQLACCESS_H
 #define QORQL_CQLACCESS_H
 

@@ -1,4 +1,5 @@
 // How a filter compares two values: by the precision of their types.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Filter/CQLComparison.h"
 
 #include <array>

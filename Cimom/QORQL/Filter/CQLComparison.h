@@ -1,4 +1,5 @@
 // How a filter compares two values.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CQLCOMPARISON_H
 #define QORQL_CQLCOMPARISON_H
 

@@ -1,4 +1,5 @@
 // A filter's conditions by the printer of expressions, its values, and why two of them do not compare.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Filter/CQLConditionText.h"
 
 #include "Cimom/QORQL/Filter/CQLComparison.h"

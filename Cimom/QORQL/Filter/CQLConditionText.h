@@ -1,4 +1,5 @@
 // A filter's conditions and values as a person reads them.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CQLCONDITIONTEXT_H
 #define QORQL_CQLCONDITIONTEXT_H
 

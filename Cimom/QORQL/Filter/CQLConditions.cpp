@@ -1,5 +1,6 @@
 // The conditions of a filter: relations of properties and constants, ISA, what
 // never holds, and everything else through the tree.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Filter/CQLConditions.h"
 
 #include "Cimom/QORQL/Filter/CQLComparison.h"

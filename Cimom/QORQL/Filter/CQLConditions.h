@@ -1,5 +1,6 @@
 // The conditions of a filter, prepared: paths, constants and class names found
 // once, then applied to any number of instances.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CQLCONDITIONS_H
 #define QORQL_CQLCONDITIONS_H
 

@@ -4,6 +4,7 @@
 // doubles, as 64-bit numbers, is cut into cells of 2^level; a range is split at
 // the greatest boundary within it, and each part stands in the smallest cell
 // that holds it, which is less than twice as wide.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Filter/CQLFilterKeys.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 // The places of an index: those that a filter can hang on, and those where an
 // instance finds the filters that may match it.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CQLFILTERKEYS_H
 #define QORQL_CQLFILTERKEYS_H
 

@@ -3,6 +3,7 @@
 // are filed, so that an instance is read once for each path; the filters that stand under
 // its values are asked. A few filters need no tree: they stand in a list
 // and are asked one by one.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/CQLFilterSet.h"
 
 #include <algorithm>

@@ -1,6 +1,7 @@
 // Adding a filter to the tree, and removing it. A filter stands, for each of its
 // FROM classes, under the key of the condition that fewest share: an equality, a
 // range, the test of a class; without any of them in the class's rest.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Filter/CQLFilterSetChange.h"
 
 #include <algorithm>

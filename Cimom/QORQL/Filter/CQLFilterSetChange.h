@@ -1,5 +1,6 @@
 // The changes of a set of filters: for its own files alone.
 // Tested by tests/unit/Filters/CQLFilterSetTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CQLFILTERSETCHANGE_H
 #define QORQL_CQLFILTERSETCHANGE_H
 

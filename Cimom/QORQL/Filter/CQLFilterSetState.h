@@ -1,5 +1,6 @@
 // What a set of filters is made of: for its own files alone.
 // Tested by tests/unit/Filters/CQLFilterSetTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CQLFILTERSETSTATE_H
 #define QORQL_CQLFILTERSETSTATE_H
 

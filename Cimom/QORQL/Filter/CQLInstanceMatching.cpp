@@ -1,6 +1,7 @@
 // The statement's answers about an instance: by its prepared conditions, and step
 // by step through the tree for those who ask for a step.
 // Tested by tests/unit/Filters/CQLTreeMatchTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/CQLQueryStatement.h"
 #include "Cimom/QORQL/Filter/CQLComparison.h"
 #include "Cimom/QORQL/Filter/CQLMatcher.h"

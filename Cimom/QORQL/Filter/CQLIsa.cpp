@@ -1,4 +1,5 @@
 // The test of a class: of an embedded object, or in the path text of an alert.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Filter/CQLIsa.h"
 
 #include "Cimom/QORQL/Filter/CQLConditionText.h"

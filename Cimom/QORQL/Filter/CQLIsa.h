@@ -1,4 +1,5 @@
 // The test of a class in a filter: `SourceInstance ISA CIM_Disk`.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CQLISA_H
 #define QORQL_CQLISA_H
 

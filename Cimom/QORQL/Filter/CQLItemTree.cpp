@@ -1,5 +1,6 @@
 // A B+tree: entries of inner nodes are the least of a child each. Nodes that
 // become empty go; others may be small, since what was taken out often comes back.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Filter/CQLItemTree.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 // An ordered tree of items by hash that changes by copies: who holds a root
 // sees the tree as it was.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CQLITEMTREE_H
 #define QORQL_CQLITEMTREE_H
 

@@ -1,4 +1,5 @@
 // The chain of conditions of a WHERE clause.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Filter/CQLMatcher.h"
 
 #include <algorithm>

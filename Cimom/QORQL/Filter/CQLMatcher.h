@@ -1,5 +1,6 @@
 // A filter's WHERE clause prepared for matching.
 // Tested by tests/unit/Filters/CQLQueryStatementTest.cpp, tests/unit/Filters/CQLConditionsTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CQLMATCHER_H
 #define QORQL_CQLMATCHER_H
 

@@ -1,4 +1,5 @@
 // Preparing one side of a filter's comparison.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Filter/CQLOperand.h"
 
 #include "Cimom/QORQL/Filter/CQLReferences.h"

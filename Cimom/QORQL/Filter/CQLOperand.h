@@ -1,5 +1,6 @@
 // One side of a filter's comparison, prepared: a constant or a property path.
 // Tested by tests/unit/Filters/CQLQueryStatementTest.cpp, tests/unit/Filters/CQLConditionsTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CQLOPERAND_H
 #define QORQL_CQLOPERAND_H
 

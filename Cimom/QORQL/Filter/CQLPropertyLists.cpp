@@ -1,4 +1,5 @@
 // The statement's lists of properties: what its clauses use of one class.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/CQLQueryStatement.h"
 #include "Cimom/QORQL/Filter/CQLPropertyNames.h"
 #include "Cimom/QORQL/Filter/CQLScope.h"

@@ -1,4 +1,5 @@
 // Collecting the properties that a filter's select list and WHERE clause use.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Filter/CQLPropertyNames.h"
 
 #include "Cimom/QORQL/Filter/CQLIsa.h"

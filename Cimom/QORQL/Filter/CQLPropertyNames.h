@@ -1,5 +1,6 @@
 // Which properties of a class the clauses of a filter use.
 // Tested by tests/unit/Filters/CQLPropertyListsTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CQLPROPERTYNAMES_H
 #define QORQL_CQLPROPERTYNAMES_H
 

@@ -1,4 +1,5 @@
 // Reading a filter's properties off an instance.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Filter/CQLPropertyPath.h"
 
 namespace {

@@ -1,4 +1,5 @@
 // Where a filter finds a value on an instance.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CQLPROPERTYPATH_H
 #define QORQL_CQLPROPERTYPATH_H
 

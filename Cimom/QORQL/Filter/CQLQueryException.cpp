@@ -1,4 +1,5 @@
 // The messages of a filter statement's errors.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/CQLQueryException.h"
 
 CQLQueryException::CQLQueryException(const QORString& where, const QORString& message, CQLQueryExceptionCode code)

@@ -1,4 +1,5 @@
 // What an error of the engine says is wrong with a filter.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/CQLQueryFault.h"
 
 #include "Cimom/QORQL/QORQL_Fault.h"

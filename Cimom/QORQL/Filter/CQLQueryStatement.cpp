@@ -1,4 +1,5 @@
 // Validation of a filter statement, and the classes that it is about.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/CQLQueryStatement.h"
 
 #include "Cimom/QORQL/CQLQueryValidator.h"

@@ -1,4 +1,5 @@
 // What the quick check does once for each layout, and the comparison of texts.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Filter/CQLQuickCheck.h"
 
 #include <compare>

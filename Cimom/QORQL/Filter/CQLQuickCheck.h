@@ -1,5 +1,6 @@
 // A condition that compares a property of the instance itself with a number or
 // a text, decided in a few instructions where the property is of that kind.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CQLQUICKCHECK_H
 #define QORQL_CQLQUICKCHECK_H
 

@@ -1,6 +1,7 @@
 // Epochs: a number grows with every collection; a reader notes the number that
 // it found when it began. What was replaced in an epoch may be freed once every reader
 // began in a later one.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Filter/CQLReadSection.h"
 
 #include <algorithm>

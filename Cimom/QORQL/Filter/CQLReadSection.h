@@ -1,5 +1,6 @@
 // Lets threads read what another one replaces: readers announce themselves, and what was
 // replaced is freed once nobody can still be reading it.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CQLREADSECTION_H
 #define QORQL_CQLREADSECTION_H
 

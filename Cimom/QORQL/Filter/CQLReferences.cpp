@@ -1,4 +1,5 @@
 // Collecting the references of an expression.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Filter/CQLReferences.h"
 
 #include "Cimom/QORQL/QORQL_Comparison.h"

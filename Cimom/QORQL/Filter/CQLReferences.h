@@ -1,4 +1,5 @@
 // What an expression of a filter refers to.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CQLREFERENCES_H
 #define QORQL_CQLREFERENCES_H
 

@@ -1,4 +1,5 @@
 // Looking up a filter's names.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Filter/CQLScope.h"
 
 #include <algorithm>

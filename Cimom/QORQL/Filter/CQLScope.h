@@ -1,6 +1,7 @@
 // What the names in a filter stand for: its FROM classes, and the namespace that
 // they are of.
 // Tested by tests/unit/Filters/CQLPropertyListsTest.cpp, tests/unit/Filters/CQLPropertyPathTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CQLSCOPE_H
 #define QORQL_CQLSCOPE_H
 

@@ -1,5 +1,6 @@
 // The judge of the prepared conditions. Chains of any length are walked without
 // recursion; the depth of parentheses is the parser's.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Filter/CQLTreeMatch.h"
 
 #include <vector>

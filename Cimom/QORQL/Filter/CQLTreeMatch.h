@@ -1,4 +1,5 @@
 // Whether an instance satisfies conditions of a filter, by a walk over their tree.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CQLTREEMATCH_H
 #define QORQL_CQLTREEMATCH_H
 

@@ -1,4 +1,5 @@
 // Bound forms of literals, properties, object paths, negations and arithmetic chains.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Lazy/QORQL_BoundExpression.h"
 
 #include <vector>

@@ -1,5 +1,6 @@
 // Expressions bound to the columns of a lazy table: columns are found once, and
 // property positions once per layout, instead of by name on every row.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_BOUNDEXPRESSION_H
 #define QORQL_BOUNDEXPRESSION_H
 

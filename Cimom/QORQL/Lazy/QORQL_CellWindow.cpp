@@ -1,4 +1,5 @@
 // Filling the window: one row at first, more while the rows are read in order.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Lazy/QORQL_CellWindow.h"
 
 #include <algorithm>

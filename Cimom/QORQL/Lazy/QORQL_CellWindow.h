@@ -1,4 +1,5 @@
 // The cells of the next rows, read ahead column by column.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CELLWINDOW_H
 #define QORQL_CELLWINDOW_H
 

@@ -1,5 +1,6 @@
 // The decisions on a condition. They depend on names and columns only. Whether the keys of a join are comparable
 // depends on values: the join finds out, and has a second way.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Lazy/QORQL_ConditionPlan.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 // What a condition reads and how it will be done: decided once, before any row is looked at. Execution does what the
 // plan says, and explaining a query shows it.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CONDITIONPLAN_H
 #define QORQL_CONDITIONPLAN_H
 

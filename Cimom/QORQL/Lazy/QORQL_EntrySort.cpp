@@ -1,4 +1,5 @@
 // A few entries are compared, many are distributed digit by digit.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Lazy/QORQL_EntrySort.h"
 
 #include <algorithm>

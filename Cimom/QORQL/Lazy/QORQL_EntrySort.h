@@ -1,4 +1,5 @@
 // Sorting of keys that are numbers, each with the row that it stands for.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_ENTRYSORT_H
 #define QORQL_ENTRYSORT_H
 

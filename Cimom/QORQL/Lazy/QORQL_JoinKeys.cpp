@@ -1,4 +1,5 @@
 // Keys are made a run of rows at a time, and hashed while their texts are in the cache.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Lazy/QORQL_JoinKeys.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 // The keys of one side of a join, computed once for each row.
 // Tested by tests/unit/QORQL/LazyJoinTest.cpp, tests/queries/join-keys.qtest.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_JOINKEYS_H
 #define QORQL_JOINKEYS_H
 

@@ -1,5 +1,6 @@
 // The operations of the table that know of lazy rows: how they are added and counted,
 // and how they become real rows.
+// SPDX-License-Identifier: Apache-2.0
 #include <limits>
 #include <utility>
 

@@ -1,4 +1,5 @@
 // Conditions on lazy rows, in the way that their plan names.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Lazy/QORQL_LazyFilter.h"
 
 #include <algorithm>

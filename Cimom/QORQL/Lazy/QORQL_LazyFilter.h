@@ -1,5 +1,6 @@
 // Applies one condition to lazy rows: filters an extent, joins two by hash or by
 // a filtered product, and adds the rows of outer joins.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_LAZYFILTER_H
 #define QORQL_LAZYFILTER_H
 

@@ -1,6 +1,7 @@
 // Joins by key: equality through a hash index over the block whose columns come
 // later, other relations by comparing keys pair by pair. In both ways the pairs
 // come out in row order, the earlier block's rows outermost.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Lazy/QORQL_LazyJoin.h"
 
 #include <algorithm>

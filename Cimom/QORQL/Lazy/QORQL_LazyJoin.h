@@ -1,5 +1,6 @@
 // The join of two blocks of lazy rows on keys that are computed once per row of
 // either block.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_LAZYJOIN_H
 #define QORQL_LAZYJOIN_H
 

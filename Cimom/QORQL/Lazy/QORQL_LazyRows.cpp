@@ -1,6 +1,7 @@
 // Lazy rows: products of blocks, kept in the order in which a plain cross
 // product would have made the rows (ascending by the index in the first column,
 // then the second, and so on).
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Lazy/QORQL_LazyRows.h"
 
 #include <algorithm>

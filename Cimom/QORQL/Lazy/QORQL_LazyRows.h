@@ -1,5 +1,6 @@
 // The rows of a table before anyone looks at them: extents of objects, and
 // blocks of index tuples whose cross product is the row set.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_LAZYROWS_H
 #define QORQL_LAZYROWS_H
 

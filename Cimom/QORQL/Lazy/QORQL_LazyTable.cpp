@@ -1,4 +1,5 @@
 // How a lazy table's rows come into being.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Lazy/QORQL_LazyTable.h"
 
 #include "cimom/CQoriBaseObject.h"

@@ -1,5 +1,6 @@
 // What a table holds instead of rows: lazy rows, and for a projected table what
 // the projection keeps of each object.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_LAZYTABLE_H
 #define QORQL_LAZYTABLE_H
 

@@ -1,5 +1,6 @@
 // Paths are written one after the other into the same text; what two neighbours
 // share at the front is hashed once.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Lazy/QORQL_NullExtension.h"
 
 #include <algorithm>

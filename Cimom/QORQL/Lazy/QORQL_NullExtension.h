@@ -1,4 +1,5 @@
 // The rows that an outer join adds for objects without a partner.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_NULLEXTENSION_H
 #define QORQL_NULLEXTENSION_H
 

@@ -1,5 +1,6 @@
 // The fold's arithmetic: exact in 128 bits, then fitted into the type that the
 // sum has, or into the other 64-bit type, or into none.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Lazy/QORQL_NumberFold.h"
 
 #include <limits>

@@ -1,5 +1,6 @@
 // MIN, MAX, COUNT, SUM and AVG over views of numbers: what the fold of values
 // gives, without a value for each row.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_NUMBERFOLD_H
 #define QORQL_NUMBERFOLD_H
 

@@ -1,4 +1,5 @@
 // Numbers as 64-bit keys that stand in the same order.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_NUMBERORDER_H
 #define QORQL_NUMBERORDER_H
 

@@ -1,4 +1,5 @@
 // Reading a property by its position in each layout.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Lazy/QORQL_PropertyColumn.h"
 
 #include <algorithm>

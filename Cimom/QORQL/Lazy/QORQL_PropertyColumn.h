@@ -1,4 +1,5 @@
 // One property of the objects of one extent, read for many rows at a time.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROPERTYCOLUMN_H
 #define QORQL_PROPERTYCOLUMN_H
 

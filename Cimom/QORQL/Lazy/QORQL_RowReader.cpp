@@ -1,5 +1,6 @@
 // Slots are bound to lazy rows where they can be; the others are evaluated on a
 // row that is filled when the first of them asks.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Lazy/QORQL_RowReader.h"
 
 #include <utility>

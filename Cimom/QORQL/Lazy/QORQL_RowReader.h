@@ -1,4 +1,5 @@
 // Reads columns off a table row by row, whether its rows exist or not.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_ROWREADER_H
 #define QORQL_ROWREADER_H
 

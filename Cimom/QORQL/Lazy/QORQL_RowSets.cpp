@@ -1,4 +1,5 @@
 // The sets of rows of a table, and the look-ups in them.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Lazy/QORQL_RowSets.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // Which columns of a table lie in one set of rows.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_ROWSETS_H
 #define QORQL_ROWSETS_H
 

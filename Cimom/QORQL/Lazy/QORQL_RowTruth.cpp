@@ -1,6 +1,7 @@
 // The truth of comparisons: fused forms for relations and null tests on bound
 // operands, the comparison's own rules on bound values, and evaluation on a row
 // for everything else.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Lazy/QORQL_RowTruth.h"
 
 #include "Cimom/QORQL/Lazy/QORQL_LazyTable.h"

@@ -1,5 +1,6 @@
 // The truth of one comparison on lazy rows.
 // Tested by tests/unit/QORQL/LazyFilterTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_ROWTRUTH_H
 #define QORQL_ROWTRUTH_H
 

@@ -1,5 +1,6 @@
 // Unsigned numbers against an unsigned literal, the common case, take one
 // comparison each; all others are compared as views.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Lazy/QORQL_RunRelation.h"
 
 void QORQL_relateRun(const QORQL_RunOperand& left, QoriRelation relation, const QORQL_RunOperand& right,

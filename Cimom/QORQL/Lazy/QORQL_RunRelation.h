@@ -1,5 +1,6 @@
 // A relation of a property with a literal or with another property, decided for
 // a run of rows at a time.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_RUNRELATION_H
 #define QORQL_RUNRELATION_H
 

@@ -1,4 +1,5 @@
 // Numbers become keys in the same order; the keys of texts are their fronts.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Lazy/QORQL_SortKeys.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // The keys of a sort over lazy rows: numbers or texts as arrays of fixed size.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_SORTKEYS_H
 #define QORQL_SORTKEYS_H
 

@@ -1,6 +1,7 @@
 // Texts are sorted by their first seven bytes, those that share these by the next seven, and so on, as numbers. Two
 // texts are compared only in small groups: in a long list the texts are not in the cache, and comparing would wait for
 // two of them each time.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Lazy/QORQL_TextSort.h"
 
 #include <algorithm>

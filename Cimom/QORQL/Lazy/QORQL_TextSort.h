@@ -1,4 +1,5 @@
 // Sorting of rows by texts, a few bytes of each at a time.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TEXTSORT_H
 #define QORQL_TEXTSORT_H
 

@@ -1,4 +1,5 @@
 // Columns are found once; values come from the row reader.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Out/QORQL_ResultReader.h"
 
 #include <algorithm>

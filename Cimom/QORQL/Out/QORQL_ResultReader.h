@@ -1,5 +1,6 @@
 // The result of a query as columns and rows of values, for callers that render
 // it themselves.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_RESULTREADER_H
 #define QORQL_RESULTREADER_H
 

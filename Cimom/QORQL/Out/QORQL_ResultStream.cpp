@@ -1,4 +1,5 @@
 // The XML table, byte for byte: a row of cell declarations, then the rows.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Out/QORQL_ResultStream.h"
 
 #include <algorithm>

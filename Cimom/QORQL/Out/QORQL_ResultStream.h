@@ -1,4 +1,5 @@
 // The XML table that a query writes.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_RESULTSTREAM_H
 #define QORQL_RESULTSTREAM_H
 

@@ -1,4 +1,5 @@
 // MIN, MAX, COUNT, SUM and AVG over the values of all rows.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Run/QORQL_Aggregates.h"
 
 #include <memory>

@@ -1,4 +1,5 @@
 // The folding of one aggregate's argument over the rows of a table.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_AGGREGATES_H
 #define QORQL_AGGREGATES_H
 

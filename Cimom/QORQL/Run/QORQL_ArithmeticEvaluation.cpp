@@ -2,6 +2,7 @@
 //
 // A chain is grouped to the right: its operands are evaluated from the left,
 // then combined from the right, so that 10 - 4 - 3 is 10 - (4 - 3).
+// SPDX-License-Identifier: Apache-2.0
 #include <vector>
 
 #include "Cimom/QORQL/QORQL_ExpressionShape.h"

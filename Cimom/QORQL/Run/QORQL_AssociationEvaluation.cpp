@@ -1,6 +1,7 @@
 // Association conditions: each source instance is asked once for its
 // associates, which become the destination column, or filter it when an earlier
 // condition has brought it already.
+// SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 #include <string_view>
 #include <unordered_map>

@@ -1,4 +1,5 @@
 // Running the FROM and WHERE clauses.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_Exception.h"
 #include "Cimom/QORQL/QORQL_ExecutionMessages.h"

@@ -1,4 +1,5 @@
 // The truth of one comparison on one row. The right operand is evaluated first.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/CQLQueryValidator.h"
 #include "Cimom/QORQL/QORQL_Comparison.h"
 #include "Cimom/QORQL/QORQL_Exception.h"

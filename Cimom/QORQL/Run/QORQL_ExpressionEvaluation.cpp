@@ -1,4 +1,5 @@
 // The OR and AND levels: on a row only without operator, on a table as filters.
+// SPDX-License-Identifier: Apache-2.0
 #include <vector>
 
 #include "Cimom/QORQL/Lazy/QORQL_LazyTable.h"

@@ -1,5 +1,6 @@
 // One comparison applied to the whole table: fetches the classes that it names,
 // keeps the rows that satisfy it and, for an outer join, adds the null-extended rows.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Lazy/QORQL_ConditionPlan.h"
 #include "Cimom/QORQL/Lazy/QORQL_LazyFilter.h"
 #include "Cimom/QORQL/QORQL_Comparison.h"

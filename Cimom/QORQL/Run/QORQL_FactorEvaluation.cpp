@@ -1,4 +1,5 @@
 // The value of a factor on one row: nested node, literal, property or whole object.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_DataRow.h"
 #include "Cimom/QORQL/QORQL_Exception.h"
 #include "Cimom/QORQL/QORQL_ExecutionMessages.h"

@@ -1,4 +1,5 @@
 // The row functions OBJECTPATH and INSTANCEOF.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_DataRow.h"
 #include "Cimom/QORQL/QORQL_ExecutionMessages.h"
 #include "Cimom/QORQL/QORQL_Function.h"

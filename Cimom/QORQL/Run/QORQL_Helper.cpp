@@ -1,6 +1,7 @@
 // Retrieval: one enumeration per class and table, then the product of its
 // instances with the existing rows. In the lazy mode the product is not
 // made; see QORQL_LazyRows.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_Helper.h"
 
 #include <memory>

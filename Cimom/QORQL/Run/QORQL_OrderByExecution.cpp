@@ -1,6 +1,7 @@
 // Sorting. Equal keys come out in reverse order, as the list's merge sort gives
 // them. Lazy rows are sorted as a permutation; numbers and strings through an
 // array of keys, ordered by key and, among equals, by descending position.
+// SPDX-License-Identifier: Apache-2.0
 #include <utility>
 #include <vector>
 

@@ -1,5 +1,6 @@
 // Whether providers filter at the source: a setting that is read once in the
 // process, and a qualifier of the provider's class.
+// SPDX-License-Identifier: Apache-2.0
 #include <atomic>
 
 #include "Cimom/QORQL/QORQL_Helper.h"

@@ -1,5 +1,6 @@
 // A property entry keeps its property, a computed entry the properties that its references
 // name, and an entry of a class that needs all properties keeps them all.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Run/QORQL_ProjectionPlan.h"
 
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"

@@ -1,4 +1,5 @@
 // Which classes and properties a select list keeps: the same for every row.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_PROJECTIONPLAN_H
 #define QORQL_PROJECTIONPLAN_H
 

@@ -1,4 +1,5 @@
 // The execution driver: FROM, WHERE, ORDER BY and the select list on one table.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_Query.h"
 #include "Cimom/QORQL/QORQL_StatementPlaces.h"

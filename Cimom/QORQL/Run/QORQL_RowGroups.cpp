@@ -1,4 +1,5 @@
 // Rows are distinguished by the numbers of the instances in their cells.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Run/QORQL_RowGroups.h"
 
 #include <algorithm>

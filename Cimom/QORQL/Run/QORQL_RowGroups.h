@@ -1,4 +1,5 @@
 // Groups of rows that agree except in some columns.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_ROWGROUPS_H
 #define QORQL_ROWGROUPS_H
 

@@ -1,5 +1,6 @@
 // The projection: brings missing classes into the table, builds the result
 // table and, when there is a stream, writes it as an XML table.
+// SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 #include <ostream>
 #include <vector>

@@ -1,5 +1,6 @@
 // Building projected rows: for each class a copy of the row's object with the
 // properties that are kept, and the pseudo-object of function results.
+// SPDX-License-Identifier: Apache-2.0
 #include <stdexcept>
 
 #include "Cimom/QORQL/QORQL_DataTable.h"

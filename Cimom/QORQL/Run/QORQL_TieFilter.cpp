@@ -1,4 +1,5 @@
 // Ties are judged by the paths in the references of association objects.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Run/QORQL_TieFilter.h"
 
 #include "Cimom/QORQL/QORQL_OuterJoin.h"

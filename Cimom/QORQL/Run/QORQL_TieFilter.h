@@ -1,4 +1,5 @@
 // Keeps the rows whose association objects tie the other objects of the row.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TIEFILTER_H
 #define QORQL_TIEFILTER_H
 

@@ -1,4 +1,5 @@
 // The fake object manager's classes, instances and record.
+// SPDX-License-Identifier: Apache-2.0
 #include "tests/layout/fake/FakeObjectManager.h"
 
 #include "cimom/CQoriProperty.h"

@@ -1,6 +1,7 @@
 // An object manager made for tests: a few classes and instances in memory, and a
 // record of everything that the engine asked of it. It supplies what an object
 // manager has to supply, and nothing besides.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_FAKEOBJECTMANAGER_H
 #define QORQL_TESTS_FAKEOBJECTMANAGER_H
 

@@ -1,5 +1,6 @@
 // Runs queries through the engine library with a fake object manager behind it:
 // the engine needs nothing but the platform interface, and asks it these things.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
 // Objects, names, properties, values and types of the plainest kind.
+// SPDX-License-Identifier: Apache-2.0
 #include "tests/layout/fake/FakeObjects.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 // The instances of the fake object manager: the operations that every object
 // manager has to supply, and none of those that have a form in the headers.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_FAKEOBJECTS_H
 #define QORQL_TESTS_FAKEOBJECTS_H
 

@@ -1,4 +1,5 @@
 // The services of the platform interface, served by the fake object manager.
+// SPDX-License-Identifier: Apache-2.0
 #include <ostream>
 
 #include "cimom/CIMApi.h"

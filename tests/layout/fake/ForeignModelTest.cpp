@@ -1,5 +1,6 @@
 // Real queries and filters over objects that offer the listed operations and no
 // more: no layouts, no views, no numbers, no arithmetic. In both ways of running.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

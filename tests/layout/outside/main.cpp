@@ -1,4 +1,5 @@
 // An object manager of one's own over an installed engine: one query, its rows printed.
+// SPDX-License-Identifier: Apache-2.0
 #include <iostream>
 
 #include "Cimom/QORQL/QORQL_DataTable.h"

@@ -1,4 +1,5 @@
 // Replies made of text or of a model, and short ways to read them.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_UNIT_CIMXML_CIMXMLFIXTURE_H
 #define QORQL_TESTS_UNIT_CIMXML_CIMXMLFIXTURE_H
 

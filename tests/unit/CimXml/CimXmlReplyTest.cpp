@@ -1,4 +1,5 @@
 // Replies as servers send them: sound ones, irregular ones, and those that must be refused.
+// SPDX-License-Identifier: Apache-2.0
 #include "CimXmlFixture.h"
 
 namespace {

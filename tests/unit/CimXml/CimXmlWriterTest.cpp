@@ -1,4 +1,5 @@
 // What is written: valid against the DMTF's document type definition, and read back as it was.
+// SPDX-License-Identifier: Apache-2.0
 #include <libxml/parser.h>
 #include <libxml/valid.h>
 

@@ -1,4 +1,5 @@
 // What associators returns: ends of stored and live associations, once each, in order.
+// SPDX-License-Identifier: Apache-2.0
 #include "EmbeddedFixture.h"
 
 using namespace embeddedtest;

@@ -1,4 +1,5 @@
 // Declaring classes: inheritance, overriding, qualifiers and what is refused.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/CimDeclarationRefusal.h"
 #include "EmbeddedFixture.h"
 #include "cimom/QoriProviderPluginManager.h"

@@ -1,4 +1,5 @@
 // Queries on several threads while instances, loads and providers change.
+// SPDX-License-Identifier: Apache-2.0
 #include <atomic>
 #include <thread>
 

@@ -1,4 +1,5 @@
 // Settings from INI files and from calls, as the configuration service shows them.
+// SPDX-License-Identifier: Apache-2.0
 #include <unistd.h>
 
 #include <cstdio>

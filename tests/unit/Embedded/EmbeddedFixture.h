@@ -1,4 +1,5 @@
 // A small model of disks, and short ways to build declarations and values.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_UNIT_EMBEDDED_EMBEDDEDFIXTURE_H
 #define QORQL_TESTS_UNIT_EMBEDDED_EMBEDDEDFIXTURE_H
 

@@ -1,4 +1,5 @@
 // What enumerateInstances returns, in which order and with which properties.
+// SPDX-License-Identifier: Apache-2.0
 #include "EmbeddedFixture.h"
 
 using namespace embeddedtest;

@@ -1,4 +1,5 @@
 // Creation order through removals and late insertions.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 
 #include "Cimom/Embedded/Extent.h"

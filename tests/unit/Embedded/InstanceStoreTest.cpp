@@ -1,4 +1,5 @@
 // Creating, finding, changing and deleting stored instances.
+// SPDX-License-Identifier: Apache-2.0
 #include "EmbeddedFixture.h"
 
 using namespace embeddedtest;

@@ -1,4 +1,5 @@
 // Which lists the cache keeps, and for how long.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/ListCache.h"
 #include "EmbeddedFixture.h"
 

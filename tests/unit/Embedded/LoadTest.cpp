@@ -1,4 +1,5 @@
 // Loads as one unit: what a loader declares is invisible until commit and gone after rollback.
+// SPDX-License-Identifier: Apache-2.0
 #include "EmbeddedFixture.h"
 
 using namespace embeddedtest;

@@ -1,4 +1,5 @@
 // MOF text of declarations and instances.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/MofText.h"
 #include "EmbeddedFixture.h"
 #include "cimom/CQoriBaseObject.h"

@@ -1,4 +1,5 @@
 // Live instances: when providers are called, with what, and what becomes of their answers.
+// SPDX-License-Identifier: Apache-2.0
 #include <stdexcept>
 
 #include "Cimom/Embedded/InstanceProvider.h"

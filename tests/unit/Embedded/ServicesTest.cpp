@@ -1,4 +1,5 @@
 // Which object manager the services follow, what they answer without one, and the log.
+// SPDX-License-Identifier: Apache-2.0
 #include <stdexcept>
 
 #include "EmbeddedFixture.h"

@@ -1,5 +1,6 @@
 // Every comparison operator for every pair of CIM types, as scalars and in
 // arrays, against a second, naive account of what the pair means.
+// SPDX-License-Identifier: Apache-2.0
 #include <array>
 #include <cfloat>
 #include <cmath>

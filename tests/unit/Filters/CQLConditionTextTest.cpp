@@ -1,4 +1,5 @@
 // Why an instance does not match a filter.
+// SPDX-License-Identifier: Apache-2.0
 #include "FilterWorld.h"
 
 namespace {

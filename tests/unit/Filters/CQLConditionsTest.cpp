@@ -1,5 +1,6 @@
 // What a condition decides where something is missing: parenthesised
 // comparisons as operands, arrays, and tests of a class.
+// SPDX-License-Identifier: Apache-2.0
 #include "FilterWorld.h"
 
 namespace {

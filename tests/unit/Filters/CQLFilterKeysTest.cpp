@@ -1,4 +1,5 @@
 // Whatever a condition lets through is found at one of the places where its filter stands.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // A set of filters answers as each of its filters would.
+// SPDX-License-Identifier: Apache-2.0
 #include <thread>
 
 #include "AllocationCount.h"

@@ -1,4 +1,5 @@
 // The test of a class: the texts, values and paths in which it finds one.
+// SPDX-License-Identifier: Apache-2.0
 #include "ForeignObject.h"
 
 namespace {

@@ -1,4 +1,5 @@
 // The tree of items by hash: what it holds after each change, and that old roots stay as they were.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <map>

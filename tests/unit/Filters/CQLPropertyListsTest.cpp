@@ -1,5 +1,6 @@
 // The lists of a filter's properties name everything that matching reads, so
 // that an instance with the listed properties alone gives the same answer.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 
 #include "FilterWorld.h"

@@ -1,5 +1,6 @@
 // Properties that are reached through embedded objects, which may be missing, of another type
 // or without end.
+// SPDX-License-Identifier: Apache-2.0
 #include <functional>
 
 #include "ForeignObject.h"

@@ -1,4 +1,5 @@
 // Why a filter is refused, and where its text is wrong.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 
 #include "FilterWorld.h"

@@ -1,4 +1,5 @@
 // Filter statements: validation, class and property lists, matching one instance.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

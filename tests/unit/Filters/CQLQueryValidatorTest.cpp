@@ -1,4 +1,5 @@
 // Classes and properties as the repository knows them.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/CQLQueryValidator.h"
 #include "FilterWorld.h"
 

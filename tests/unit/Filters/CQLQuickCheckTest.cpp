@@ -1,6 +1,7 @@
 // Conditions that are decided by a property's place in the instance's layout:
 // the same answers for instances of several layouts in turn, and for every kind
 // of property and constant.
+// SPDX-License-Identifier: Apache-2.0
 #include <cmath>
 #include <memory>
 

@@ -1,4 +1,5 @@
 // What was replaced is freed when nobody can be reading it any more, and not before.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <atomic>

@@ -1,4 +1,5 @@
 // The properties that an expression refers to, and the steps of a path.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
 // What is remembered of superclasses holds for one state of one schema.
+// SPDX-License-Identifier: Apache-2.0
 #include <atomic>
 #include <functional>
 #include <thread>

@@ -1,5 +1,6 @@
 // The steps of matching asked one by one: no match, and nothing else, where they are given
 // what they cannot use.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_Lexer.h"
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
 #include "ForeignObject.h"

@@ -1,4 +1,5 @@
 // Matching allocates nothing for the conditions that filters mostly have.
+// SPDX-License-Identifier: Apache-2.0
 #include "AllocationCount.h"
 #include "FilterWorld.h"
 

@@ -1,5 +1,6 @@
 // Instances that are not as a filter expects them, and the steps of matching
 // asked one by one: no match, and nothing else.
+// SPDX-License-Identifier: Apache-2.0
 #include "ForeignObject.h"
 #include "cimom/CQoriValue.h"
 

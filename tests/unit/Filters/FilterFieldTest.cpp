@@ -1,5 +1,6 @@
 // The filters that storage and server vendors publish: each is valid, matches
 // the indication that it is for and no other, however its words are written.
+// SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 
 #include "FilterWorld.h"

@@ -1,5 +1,6 @@
 // One validated statement asked by many threads at once; run under the thread
 // sanitizer too.
+// SPDX-License-Identifier: Apache-2.0
 #include <atomic>
 #include <functional>
 #include <thread>

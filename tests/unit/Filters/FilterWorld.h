@@ -1,5 +1,6 @@
 // A small object manager with indication classes, and filters asked in both
 // ways of deciding.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_UNIT_FILTERS_FILTERWORLD_H
 #define QORQL_UNIT_FILTERS_FILTERWORLD_H
 

@@ -1,4 +1,5 @@
 // Objects of somebody else's making, and filters that are asked about them.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_UNIT_FILTERS_FOREIGNOBJECT_H
 #define QORQL_UNIT_FILTERS_FOREIGNOBJECT_H
 

@@ -1,4 +1,5 @@
 // Lists by index, while they change.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // Objects made in slabs: they live as long as they are held, wherever the rest of their slab has gone.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // The counted pointer.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <cstring>

@@ -1,4 +1,5 @@
 // The foundation's string.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <sstream>

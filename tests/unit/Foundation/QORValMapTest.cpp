@@ -1,4 +1,5 @@
 // The hash map and its iterator.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // The exceptions of the foundation, and its start-up checks.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <utility>

@@ -1,5 +1,6 @@
 // Lists, maps, strings and converted pointers with memory of slabs: they behave as those with memory of their own,
 // and outlive the slabs.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <memory>

@@ -1,4 +1,5 @@
 // What a filter's WHERE means, asked of one instance at a time.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"

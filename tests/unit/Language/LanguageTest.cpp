@@ -1,5 +1,6 @@
 // The rules of the language reference that a query script cannot show: the XML
 // stream, long and deep statements, requests, and what values raise.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
 // Messages, escaping and instance paths in XML.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <sstream>

@@ -1,4 +1,5 @@
 // Restricted copies and objects of their own.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <string>

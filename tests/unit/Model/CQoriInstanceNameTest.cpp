@@ -1,4 +1,5 @@
 // Instance names and their paths.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "ModelTestSupport.h"

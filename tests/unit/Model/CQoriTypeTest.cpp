@@ -1,4 +1,5 @@
 // The type singletons.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "cimom/CQoriType.h"

@@ -1,4 +1,5 @@
 // Arithmetic: exact, or no value.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <cmath>

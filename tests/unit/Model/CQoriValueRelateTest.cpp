@@ -1,4 +1,5 @@
 // Comparison of values.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <cmath>

@@ -1,4 +1,5 @@
 // Values: construction, conversion, text and getters.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <cmath>

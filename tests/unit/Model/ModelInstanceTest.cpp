@@ -1,4 +1,5 @@
 // Stored instances.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <thread>

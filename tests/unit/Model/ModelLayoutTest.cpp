@@ -1,4 +1,5 @@
 // Layouts and their restrictions.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,4 +1,5 @@
 // Objects as MOF text.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <cmath>

@@ -1,4 +1,5 @@
 // Short ways to make values, objects and error texts.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_UNIT_MODEL_MODELTESTSUPPORT_H
 #define QORQL_UNIT_MODEL_MODELTESTSUPPORT_H
 

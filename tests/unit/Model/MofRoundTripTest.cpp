@@ -1,4 +1,5 @@
 // What objects write as MOF, the MOF reader reads back as equal objects.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"

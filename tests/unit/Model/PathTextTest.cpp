@@ -1,4 +1,5 @@
 // An object's path, written without making its name.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "ModelTestSupport.h"

@@ -1,4 +1,5 @@
 // MOF that is taken from a cache: the same outcome, and nothing taken that is not sound and fresh.
+// SPDX-License-Identifier: Apache-2.0
 #include <sys/stat.h>
 
 #include <filesystem>

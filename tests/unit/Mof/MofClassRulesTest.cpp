@@ -1,4 +1,5 @@
 // What a class may say against its superclass: keys, overriding, flavors.
+// SPDX-License-Identifier: Apache-2.0
 #include "MofFixture.h"
 #include "cimom/CQoriValue.h"
 

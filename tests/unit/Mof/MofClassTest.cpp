@@ -1,4 +1,5 @@
 // Qualifiers and classes.
+// SPDX-License-Identifier: Apache-2.0
 #include "MofFixture.h"
 
 namespace {

@@ -1,4 +1,5 @@
 // An object manager that MOF is loaded into, and short ways to look at what it holds.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_UNIT_MOF_MOFFIXTURE_H
 #define QORQL_TESTS_UNIT_MOF_MOFFIXTURE_H
 

@@ -1,4 +1,5 @@
 // Instances: aliases, references and embedded objects.
+// SPDX-License-Identifier: Apache-2.0
 #include "MofFixture.h"
 #include "cimom/CQoriValue.h"
 

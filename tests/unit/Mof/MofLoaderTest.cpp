@@ -1,4 +1,5 @@
 // Loading as a whole: files, folders, includes, namespaces, transactions.
+// SPDX-License-Identifier: Apache-2.0
 #include <unistd.h>
 
 #include <cstdlib>

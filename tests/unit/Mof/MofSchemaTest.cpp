@@ -1,5 +1,6 @@
 // The whole public CIM schema, which is no part of this project: the environment
 // variable QORQL_CIM_SCHEMA names its main file. Without it there is no such test.
+// SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>

@@ -1,4 +1,5 @@
 // Comments, line ends, syntax faults, recovery, and texts that are no MOF.
+// SPDX-License-Identifier: Apache-2.0
 #include <chrono>
 
 #include "MofFixture.h"

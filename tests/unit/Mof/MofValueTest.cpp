@@ -1,4 +1,5 @@
 // Literals and the values that they make.
+// SPDX-License-Identifier: Apache-2.0
 #include "MofFixture.h"
 
 namespace {

@@ -1,4 +1,5 @@
 // Users and groups.
+// SPDX-License-Identifier: Apache-2.0
 #include <grp.h>
 #include <pwd.h>
 

@@ -1,4 +1,5 @@
 // Associations between live instances: both ends exist, and they are walked by the object manager.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>

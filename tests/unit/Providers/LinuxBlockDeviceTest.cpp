@@ -1,4 +1,5 @@
 // Block devices, beside what the kernel's folder of them shows.
+// SPDX-License-Identifier: Apache-2.0
 #include <filesystem>
 #include <fstream>
 

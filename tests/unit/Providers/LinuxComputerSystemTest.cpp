@@ -1,4 +1,5 @@
 // This machine, made up of files.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 
 #include "Cimom/Providers/LinuxComputerSystem.h"

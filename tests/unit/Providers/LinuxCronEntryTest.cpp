@@ -1,4 +1,5 @@
 // Entries of made-up tables of cron.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 
 #include "Cimom/Providers/LinuxCronEntry.h"

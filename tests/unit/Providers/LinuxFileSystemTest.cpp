@@ -1,4 +1,5 @@
 // The provider of Linux_FileSystem agrees with the kernel.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <sys/statvfs.h>
 

@@ -1,4 +1,5 @@
 // Kernel modules in a made-up list.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 
 #include "Cimom/Providers/LinuxKernelModule.h"

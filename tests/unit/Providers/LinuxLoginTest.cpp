@@ -1,4 +1,5 @@
 // Logins in made-up lists.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <sys/wait.h>
 #include <unistd.h>

@@ -1,4 +1,5 @@
 // The provider of Linux_NetworkPort agrees with the kernel.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <net/if.h>
 

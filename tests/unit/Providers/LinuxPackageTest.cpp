@@ -1,4 +1,5 @@
 // Packages in made-up lists of dpkg.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <unistd.h>
 

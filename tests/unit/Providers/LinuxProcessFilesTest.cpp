@@ -1,4 +1,5 @@
 // What the kernel's files about one process tell: made-up files, and those of processes that this test starts.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <sys/wait.h>
 #include <unistd.h>

@@ -1,4 +1,5 @@
 // The provider of Linux_Process finds the test's own process and its children.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <pwd.h>
 #include <sys/resource.h>

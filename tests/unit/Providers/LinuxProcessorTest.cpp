@@ -1,4 +1,5 @@
 // The provider of Linux_Processor agrees with the kernel.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <unistd.h>
 

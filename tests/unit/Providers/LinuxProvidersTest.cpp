@@ -1,4 +1,5 @@
 // The live classes inside an object manager: schema, registration, fuller schemas.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <unistd.h>
 

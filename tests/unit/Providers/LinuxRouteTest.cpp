@@ -1,4 +1,5 @@
 // Routes in made-up tables.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 
 #include "Cimom/Providers/LinuxRoute.h"

@@ -1,4 +1,5 @@
 // Services, asked of a systemd that this test plays over a socket pair.
+// SPDX-License-Identifier: Apache-2.0
 #include <systemd/sd-bus.h>
 
 #include <cerrno>

@@ -1,4 +1,5 @@
 // Ports on which programs wait, and who holds them.
+// SPDX-License-Identifier: Apache-2.0
 #include <arpa/inet.h>
 #include <gmock/gmock.h>
 #include <netinet/in.h>

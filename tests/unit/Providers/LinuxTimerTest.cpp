@@ -1,4 +1,5 @@
 // Timers, asked of a systemd that this test plays.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 
 #include <cerrno>

@@ -1,4 +1,5 @@
 // Values of the live providers: points in time in every zone and at every edge.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <cstdlib>

@@ -1,4 +1,5 @@
 // Made-up sources of the providers: files in a folder of their own, and what is logged meanwhile.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_MADEUPFILES_H
 #define QORQL_TESTS_MADEUPFILES_H
 

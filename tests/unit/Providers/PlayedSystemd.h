@@ -1,4 +1,5 @@
 // A systemd that a test plays over a socket pair: the other end of the providers' bus.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_PLAYEDSYSTEMD_H
 #define QORQL_TESTS_PLAYEDSYSTEMD_H
 

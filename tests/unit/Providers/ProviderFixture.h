@@ -1,4 +1,5 @@
 // Runs a provider the way the object manager does and keeps what it emits.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_PROVIDERFIXTURE_H
 #define QORQL_TESTS_PROVIDERFIXTURE_H
 

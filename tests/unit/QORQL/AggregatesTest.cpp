@@ -1,4 +1,5 @@
 // Aggregates: what they fold, and which type the result has.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

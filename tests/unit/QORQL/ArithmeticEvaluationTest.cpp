@@ -1,4 +1,5 @@
 // Sums and products on one row.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
 // Sums and differences as they are parsed.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "Cimom/QORQL/QORQL_Arithmetic.h"

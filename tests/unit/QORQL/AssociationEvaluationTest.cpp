@@ -1,4 +1,5 @@
 // Association conditions at work: whom they ask, and what they add to the table.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

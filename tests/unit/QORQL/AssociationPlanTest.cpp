@@ -1,4 +1,5 @@
 // Which classes of FROM an association brings, so that FROM does not fetch them.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

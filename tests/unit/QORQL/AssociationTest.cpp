@@ -1,4 +1,5 @@
 // Association conditions, as they are parsed.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,4 +1,5 @@
 // A bound expression has the value that its tree has on the row.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <string>

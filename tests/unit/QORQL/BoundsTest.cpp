@@ -1,4 +1,5 @@
 // Length without bound, nesting with one: long chains, deep trees, wide lists.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <pthread.h>

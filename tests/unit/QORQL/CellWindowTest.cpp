@@ -1,4 +1,5 @@
 // Cells that are read ahead are those that would have been read alone.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <random>

@@ -1,4 +1,5 @@
 // Chains of nodes: the order of a walk, and how they are freed.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,4 +1,5 @@
 // The record of what a query needs of a class.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "ParserSupport.h"

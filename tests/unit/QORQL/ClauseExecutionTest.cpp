@@ -1,4 +1,5 @@
 // FROM and WHERE as they run: what is fetched, and what is left of it.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
 // Comparisons on one row: relations, LIKE, ISA, ANY and EVERY, and conditions that are no comparison.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
 // Comparisons as they are parsed: their operators, and the checks of arrays.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "Cimom/QORQL/QORQL_Arithmetic.h"

@@ -1,4 +1,5 @@
 // What a condition reads and how it will be done: each way, each reason for the row by row one, each set of columns.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
 // Rows: the checks of adding, the look-ups by name, what happens when an object cannot be read.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

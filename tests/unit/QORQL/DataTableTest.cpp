@@ -1,4 +1,5 @@
 // Tables: the checks of adding, the look-ups by name, the pre-filter state.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

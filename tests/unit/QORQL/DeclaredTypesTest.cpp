@@ -1,4 +1,5 @@
 // What the values of an expression are, as far as the class repository tells.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "Cimom/QORQL/Explain/QORQL_DeclaredTypes.h"

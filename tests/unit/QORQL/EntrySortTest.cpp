@@ -1,4 +1,5 @@
 // Entries sorted by their keys, whatever their number and their digits.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // The base of nodes: what it does where a node has nothing of its own to do.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "Cimom/QORQL/QORQL_Arithmetic.h"

@@ -1,4 +1,5 @@
 // One row with properties of all kinds, on which expressions and conditions are evaluated.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_UNIT_QORQL_EVALUATIONWORLD_H
 #define QORQL_TESTS_UNIT_QORQL_EVALUATIONWORLD_H
 

@@ -1,4 +1,5 @@
 // What a monitor sees of a query, and how it stops one, in both modes.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

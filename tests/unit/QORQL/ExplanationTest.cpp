@@ -1,4 +1,5 @@
 // What the explanation says of a query, and that execution does it.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
 // Hosts, disks and what ties them, with the explanation and the surprises of statements about them as text.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_UNIT_QORQL_EXPLANATIONWORLD_H
 #define QORQL_TESTS_UNIT_QORQL_EXPLANATIONWORLD_H
 

@@ -1,4 +1,5 @@
 // OR, AND and NOT on one row, and over a table.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
 // One condition of WHERE: filtering and joining tables.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

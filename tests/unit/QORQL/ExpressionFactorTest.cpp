@@ -1,4 +1,5 @@
 // One condition as it is parsed: its negation, and whether it ties an association.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,5 +1,6 @@
 // Where the words of an expression stand: the nodes' own words, their first
 // words, and the names of references.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 
 #include <string>

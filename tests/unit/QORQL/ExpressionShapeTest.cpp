@@ -1,4 +1,5 @@
 // How trees of expressions are taken apart.
+// SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_Association.h"
 #include "Cimom/QORQL/QORQL_Comparison.h"
 #include "Cimom/QORQL/QORQL_ExpressionFactor.h"

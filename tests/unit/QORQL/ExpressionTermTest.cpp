@@ -1,4 +1,5 @@
 // The AND level of a condition as it is parsed.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "Cimom/QORQL/QORQL_Association.h"

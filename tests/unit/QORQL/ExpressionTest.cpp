@@ -1,4 +1,5 @@
 // Conditions: the grammar's levels and their precedence.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <set>

@@ -1,4 +1,5 @@
 // Expressions as text again, with the grouping that they have.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
 // Walks over expression trees: what is visited, and in which order.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <string>

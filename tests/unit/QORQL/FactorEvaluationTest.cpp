@@ -1,4 +1,5 @@
 // Factors on one row that have no value.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "Cimom/QORQL/QORQL_Factor.h"

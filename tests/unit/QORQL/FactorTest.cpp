@@ -1,4 +1,5 @@
 // The leaves of expressions: literals, parentheses, negation, and the names that they collect.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <limits>

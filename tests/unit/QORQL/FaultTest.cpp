@@ -1,5 +1,6 @@
 // What an error says of itself besides its message: its kind, the name that it
 // is about, and the place of the word at fault, whatever else is spelled like it.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <string>

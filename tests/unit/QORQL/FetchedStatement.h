@@ -1,4 +1,5 @@
 // A statement whose FROM has run: its nodes, its table and the table's lazy rows.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_UNIT_QORQL_FETCHEDSTATEMENT_H
 #define QORQL_TESTS_UNIT_QORQL_FETCHEDSTATEMENT_H
 

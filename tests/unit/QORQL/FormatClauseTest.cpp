@@ -1,4 +1,5 @@
 // FORMAT AS: its three names.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "Cimom/QORQL/QORQL_FormatClause.h"

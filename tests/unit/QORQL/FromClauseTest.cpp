@@ -1,4 +1,5 @@
 // FROM: what it enters into the symbol table, and what its specifiers keep.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "Cimom/QORQL/QORQL_FromClause.h"

@@ -1,5 +1,6 @@
 // One class of FROM as it is parsed; and the places that a nested query would take, which
 // the parser refuses: what they do when a caller builds one.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "Cimom/QORQL/QORQL_FromSpecifier.h"

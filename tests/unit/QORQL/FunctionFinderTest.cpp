@@ -1,4 +1,5 @@
 // The function that stands in an expression.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "Cimom/QORQL/QORQL_Expression.h"

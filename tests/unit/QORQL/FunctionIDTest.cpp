@@ -1,4 +1,5 @@
 // The names of functions.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "Cimom/QORQL/QORQL_FunctionID.h"

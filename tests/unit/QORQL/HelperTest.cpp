@@ -1,5 +1,6 @@
 // Fetching: one enumeration per class with the properties that the query needs,
 // the cross product's order, and the filtered fetch.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
 // The one reference, and all classes, that stand in an expression.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <string>

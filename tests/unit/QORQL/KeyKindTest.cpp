@@ -1,4 +1,5 @@
 // Which conditions join by keys, by the types that classes declare.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "ExplanationWorld.h"

@@ -1,4 +1,5 @@
 // How rows that do not exist yet come into a table, and how they become real ones.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

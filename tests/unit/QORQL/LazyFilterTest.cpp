@@ -1,4 +1,5 @@
 // Conditions on one class that are decided for runs of rows.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "RunsWorld.h"

@@ -1,4 +1,5 @@
 // Joins of every relation and kind, with more pairs than a run has rows.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "QueryWorld.h"

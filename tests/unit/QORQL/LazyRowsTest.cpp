@@ -1,4 +1,5 @@
 // Lists of objects read in runs, and products of more rows than can be counted.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <array>

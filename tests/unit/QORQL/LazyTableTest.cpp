@@ -1,4 +1,5 @@
 // What a table holds instead of rows: shared rows, and rows cut down as a projection keeps them.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "Cimom/QORQL/Lazy/QORQL_LazyTable.h"

@@ -1,4 +1,5 @@
 // The token stream: advancing, looking ahead and back, skipping and re-visiting.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,4 +1,5 @@
 // Statements in which a sign that the language does not know marks a place.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_UNIT_QORQL_MARKEDSTATEMENT_H
 #define QORQL_TESTS_UNIT_QORQL_MARKEDSTATEMENT_H
 

@@ -1,4 +1,5 @@
 // How the errors of parsing are thrown: their texts, and what their faults say of them.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "Cimom/QORQL/QORQL_Messages.h"

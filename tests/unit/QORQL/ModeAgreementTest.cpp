@@ -1,4 +1,5 @@
 // Places where rows that are made late could show something else than rows made at once.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "tests/support/QueryWorld.h"

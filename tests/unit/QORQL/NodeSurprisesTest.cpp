@@ -1,4 +1,5 @@
 // Conditions and arithmetic that do not mean what someone who knows SQL expects.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
 // Rows for objects without a partner.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <algorithm>

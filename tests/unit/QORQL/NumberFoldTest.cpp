@@ -1,4 +1,5 @@
 // The fold of an aggregate over views of numbers, of one kind or of several.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <limits>

@@ -1,4 +1,5 @@
 // Keys of numbers that stand in the order of the numbers.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <algorithm>

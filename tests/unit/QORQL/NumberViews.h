@@ -1,4 +1,5 @@
 // Views of numbers, of the kind that a plain number has.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TEST_NUMBERVIEWS_H
 #define QORQL_TEST_NUMBERVIEWS_H
 

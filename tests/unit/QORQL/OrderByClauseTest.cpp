@@ -1,4 +1,5 @@
 // ORDER BY as it is parsed: its direction and its key.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "Cimom/QORQL/QORQL_OrderByClause.h"

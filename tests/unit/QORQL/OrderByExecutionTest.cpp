@@ -1,4 +1,5 @@
 // ORDER BY at work: between the two runs of the select list.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
 // Entries of a sort are in the order of their keys.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "Cimom/QORQL/QORQL_OrderByHelper.h"

@@ -1,4 +1,5 @@
 // Outer joins: which objects without a partner get rows, and in which order.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

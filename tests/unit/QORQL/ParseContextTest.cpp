@@ -1,4 +1,5 @@
 // What parsing keeps while it nests.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "Cimom/QORQL/QORQL_ParseContext.h"

@@ -1,4 +1,5 @@
 // The errors of parsing: their words and their CIM status.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "ParserSupport.h"

@@ -1,5 +1,6 @@
 // The memory of parsing: how many allocations a statement takes, and that each
 // of its nodes lives as long as it is held.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <cstddef>

@@ -1,5 +1,6 @@
 // Nesting is bounded, length is not: long chains and lists parse, resolve, are
 // walked and freed without recursion per term and in linear time.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,4 +1,5 @@
 // Short ways to parse, to catch what parsing throws, and to print a tree.
+// SPDX-License-Identifier: Apache-2.0
 #include "ParserSupport.h"
 
 #include "Cimom/QORQL/QORQL_Arithmetic.h"

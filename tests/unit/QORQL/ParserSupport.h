@@ -1,4 +1,5 @@
 // Short ways to parse, to catch what parsing throws, and to print a tree.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_UNIT_QORQL_PARSERSUPPORT_H
 #define QORQL_TESTS_UNIT_QORQL_PARSERSUPPORT_H
 

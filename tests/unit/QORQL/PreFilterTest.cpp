@@ -1,4 +1,5 @@
 // Clauses are skipped where the providers have filtered already.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
 // What a select list keeps of which class, entry by entry.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
 // Classes and instances for tests of the select list at work, and the shape of the tables that it makes.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_UNIT_QORQL_PROJECTIONWORLD_H
 #define QORQL_TESTS_UNIT_QORQL_PROJECTIONWORLD_H
 

@@ -1,4 +1,5 @@
 // One property of many objects: read in runs, one by one, and where some objects lack it.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <array>

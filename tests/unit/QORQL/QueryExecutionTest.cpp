@@ -1,4 +1,5 @@
 // The driver of a query: which clauses run, and on what.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <sstream>

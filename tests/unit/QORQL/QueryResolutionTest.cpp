@@ -1,5 +1,6 @@
 // Name resolution: which class a name is bound to, what is requested of each
 // class, and that entries, lists and factors agree afterwards.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <initializer_list>

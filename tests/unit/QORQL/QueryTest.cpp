@@ -1,4 +1,5 @@
 // Statements: the order of their clauses, and what is left of them.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "Cimom/QORQL/QORQL_OrderByClause.h"

@@ -1,4 +1,5 @@
 // References to properties: their parts, and what is requested for them.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "ParserSupport.h"

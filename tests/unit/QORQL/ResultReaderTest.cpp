@@ -1,4 +1,5 @@
 // A finished result as columns and rows: their names, types and numbers.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

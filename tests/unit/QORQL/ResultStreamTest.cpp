@@ -1,4 +1,5 @@
 // The XML table, byte for byte.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

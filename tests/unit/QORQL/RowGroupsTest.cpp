@@ -1,4 +1,5 @@
 // Rows that agree but for some columns are one group.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
 // Rows that exist and rows that do not are read alike, in any order.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <string>

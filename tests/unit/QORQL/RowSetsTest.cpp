@@ -1,4 +1,5 @@
 // Which columns lie in one set of rows, of tables whose rows exist or not.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
 // The relation of a run of rows is that of each of its rows.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <string>

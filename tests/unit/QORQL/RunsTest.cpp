@@ -1,4 +1,5 @@
 // Sums and sorts of values that are read in runs of rows.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "QueryWorld.h"

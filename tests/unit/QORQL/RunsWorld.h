@@ -1,4 +1,5 @@
 // Rows enough for whole runs of them and a part of one, with properties of all kinds.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_UNIT_QORQL_RUNSWORLD_H
 #define QORQL_TESTS_UNIT_QORQL_RUNSWORLD_H
 

@@ -1,4 +1,5 @@
 // The scanner beside the lexical rules as flex reads them: the same tokens, lines and output for any text.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <cstdio>

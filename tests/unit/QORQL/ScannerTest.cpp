@@ -1,4 +1,5 @@
 // The lexical rules: what is a token, how long it is, and what is no token.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
 // The select list at work: kept properties, the order of headers and cells, functions.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

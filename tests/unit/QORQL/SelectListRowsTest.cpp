@@ -1,4 +1,5 @@
 // Projected rows: the names of function results, and what each cell keeps.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
 // The select list: FIRST, its entries, and the rules on mixing aggregates.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "ParserSupport.h"

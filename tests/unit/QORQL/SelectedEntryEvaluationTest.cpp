@@ -1,4 +1,5 @@
 // The value of a column on a row.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "FetchedStatement.h"

@@ -1,4 +1,5 @@
 // Entries of a select list: their shape, alias and value.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "ParserSupport.h"

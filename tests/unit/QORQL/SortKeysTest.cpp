@@ -1,5 +1,6 @@
 // Keys of a sort by themselves: whatever the keys and however many, the order is that of a stable sort of the rows from
 // the last to the first.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <algorithm>

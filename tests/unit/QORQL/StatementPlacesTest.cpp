@@ -1,5 +1,6 @@
 // Where the names of a statement stand. That errors of parsing and running point
 // there is in FaultTest.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,4 +1,5 @@
 // The face of the engine: one call from text to columns and rows, and what it throws.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

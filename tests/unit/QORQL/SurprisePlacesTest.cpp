@@ -1,4 +1,5 @@
 // Where the surprises of a statement point: the word that each is about.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,4 +1,5 @@
 // Where a statement does not mean what someone who knows SQL expects.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
 // Symbols and records of classes, made in one line.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_UNIT_QORQL_SYMBOLSUPPORT_H
 #define QORQL_TESTS_UNIT_QORQL_SYMBOLSUPPORT_H
 

@@ -1,4 +1,5 @@
 // Symbol tables: how names are entered and found.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <string>

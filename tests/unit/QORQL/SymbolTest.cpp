@@ -1,4 +1,5 @@
 // Symbols: classes, nested queries, and the aliases that stand for them.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,4 +1,5 @@
 // The description of a column: what it is called.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "Cimom/QORQL/QORQL_TableHeader.h"

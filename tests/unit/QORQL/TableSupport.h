@@ -1,4 +1,5 @@
 // Rows and tables made by hand, and the messages of what they refuse.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_UNIT_QORQL_TABLESUPPORT_H
 #define QORQL_TESTS_UNIT_QORQL_TABLESUPPORT_H
 

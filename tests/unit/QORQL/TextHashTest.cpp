@@ -1,4 +1,5 @@
 // The hash of texts: equal for equal texts wherever they lie, and rarely for others.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <set>

@@ -1,4 +1,5 @@
 // Rows sorted by texts: the number that stands for the front of a text, and the sort.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // Rows stay whose association object names both ends.
+// SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
 // One token: its kind and its text.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "ParserSupport.h"

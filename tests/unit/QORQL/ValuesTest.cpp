@@ -1,4 +1,5 @@
 // Operations on values and on views of them.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,4 +1,5 @@
 // The version of the library that is loaded is that of its headers.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <string>

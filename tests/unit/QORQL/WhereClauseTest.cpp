@@ -1,4 +1,5 @@
 // WHERE as it is parsed: arrays, and names that are none of FROM.
+// SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include "ParserSupport.h"

@@ -1,4 +1,5 @@
 // Three small classes and an empty one, to be filtered and joined.
+// SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TESTS_UNIT_QORQL_WHEREWORLD_H
 #define QORQL_TESTS_UNIT_QORQL_WHEREWORLD_H
 
