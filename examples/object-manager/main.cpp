@@ -65,12 +65,12 @@ int main() {
   ask("SELECT Name, Celsius, Alarm FROM Plant_Sensor WHERE Celsius < 50 ORDER BY Celsius DESC");
   ask("SELECT r.Name, r.Floor, s.Name FROM Plant_Room AS r, Plant_Sensor AS s"
       " WHERE Plant_SensorInRoom = r AND Plant_SensorInRoom = s AND Alarm IS NOT NULL");
-  ask("SELECT COUNT(Celsius) AS Sensors, AVG(Celsius) AS Mean FROM Plant_Sensor");
+  ask("SELECT AVG(Celsius) AS Mean FROM Plant_Sensor");
   ask("SELECT Sensor FROM Plant_SensorInRoom");
   ask("SELECT Kelvin FROM Plant_Sensor");
 
   CQLFilterSet filters;
-  subscribe(filters, 1, "SELECT * FROM Plant_Sensor WHERE Alarm IS NOT NULL");
+  subscribe(filters, 1, "SELECT * FROM Plant_Sensor WHERE Alarm = 'door open'");
   subscribe(filters, 2, "SELECT * FROM Plant_Sensor WHERE Celsius > 80.0");
   subscribe(filters, 3, "SELECT * FROM Plant_Sensor WHERE Kelvin > 300");
   for (const Sensor& sensor : plant.sensors) deliver(filters, showSensor(sensor));

@@ -17,7 +17,7 @@ using parsertest::Selected;
 constexpr QORuint32 kNowhere = QORQL_Fault::kNowhere;
 
 TEST(StatementPlaces, OfBareNamesOfTheSelectList) {
-  const MarkedStatement marked("SELECT A.x, 'x' AS x, COUNT(^X) AS n, x FROM");
+  const MarkedStatement marked("SELECT A.x, 'x' AS x, ^X + 1 AS n, x FROM");
   const Selected selected(QORString(marked.text));
   EXPECT_EQ(QORQL_findBareName(selected.list(), "x"), marked.offset);
   EXPECT_EQ(QORQL_findBareName(selected.list(), "n"), kNowhere);
