@@ -4,6 +4,7 @@ the sizes of the classes in them, to what is noted down. What has come since is 
 Run as check_abi.py [--renew] ROOT BASELINE WORK LIBRARIES HEADERS COMPILER...: LIBRARIES and HEADERS are lists with
 commas, WORK a folder for what is compiled, COMPILER the compiler with a cache in front of it, if there is one. With
 --renew the baseline is written anew, which belongs to a release whose libraries have another soname, or none before it.
+Dumps of debugging information, as abidiff compares them, would hold the libraries' inner parts too, which may change.
 The exit status is 1 when anything was printed.
 """
 # SPDX-License-Identifier: Apache-2.0

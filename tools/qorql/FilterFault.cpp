@@ -114,6 +114,12 @@ bool FilterFault::looksLikeText(const CQLQueryFault& fault) const {
 std::string FilterFault::describeProperty(const CQLQueryFault& fault) const {
   const std::string name = spelling(fault);
   const std::vector<QORString> classes = classesOf(fault);
+  const auto namesake = _manager.sink().findClass(_nameSpace, QORString(name));
+  if (!namesake.IsNull()) {
+    const bool isAssociation = namesake->getQualifier("Association", true) != nullptr;
+    return name + " is a class and no property of " + namesOf(classes) +
+           (isAssociation ? ": an association is written " + name + " = a AND " + name + " = b" : "") + placeOf(fault);
+  }
   std::string meant = suggestProperty(name, classes);
   if (meant.empty() && looksLikeText(fault)) meant = "'" + name + "'";
   return name + " is no property of " + namesOf(classes) + didYouMean(meant) + placeOf(fault);

@@ -19,9 +19,15 @@ class QORQL_CellWindow {
 
   // The cell of a row, valid while the row's object lives. REQUIRES row < block.rowCount.
   QoriScalar cell(const QORQL_RowBlock& block, QORuint64 row, std::size_t column) {
-    if (row - _first >= _count) fill(block, row);
-    return _cells[column * QORQL_PropertyColumn::kBatch + static_cast<std::size_t>(row - _first)];
+    return cells(block, row)[offsetOf(column)];
   }
+  // All cells of a row, each at the offset of its column; valid until another row is asked for. REQUIRES as above, and
+  // that there is a column.
+  const QoriScalar* cells(const QORQL_RowBlock& block, QORuint64 row) {
+    if (row - _first >= _count) fill(block, row);
+    return &_cells[static_cast<std::size_t>(row - _first)];
+  }
+  static constexpr std::size_t offsetOf(std::size_t column) noexcept { return column * QORQL_PropertyColumn::kBatch; }
 
  private:
   void fill(const QORQL_RowBlock& block, QORuint64 row);

@@ -52,6 +52,10 @@ class QORQL_RowReader {
   }
   // Whether the slot is a property that every row's object has: reading it cannot fail.
   bool isProperty(std::size_t slot) const noexcept { return _cellColumns[slot] != kNoColumn; }
+  // The cells of the selected row, valid until another one is selected: a slot that is a property lies at its offset.
+  // REQUIRES such a slot.
+  const QoriScalar* cells() { return _window.cells(*_block, _current); }
+  std::size_t cellOffset(std::size_t slot) const noexcept { return QORQL_CellWindow::offsetOf(_cellColumns[slot]); }
   // The selected row's object of a class or alias; null when absent.
   QORSmrPtr<IQoriObject> object(const QORString& className);
   // BORROWS: the object as it was fetched, before the projection, where rows do

@@ -62,6 +62,7 @@ QORQL_ResultReader::QORQL_ResultReader(const QORQL_Query& query, QORQL_SymbolTab
   QORValSlistIterator<QORSmrPtr<QORQL_SelectedEntry>> entries(*list.getSelectedEntries());
   while (++entries) addEntry(entries.key());
   _holders.resize(_sources.size());
+  findCells();
   nameColumns();
   typeColumns();
   findOnlyClass();
@@ -212,10 +213,14 @@ QORString QORQL_ResultReader::rowClass() {
   return object == nullptr ? QORString() : object->getClassName();
 }
 
+// Whoever looks at no property has none read for him.
 bool QORQL_ResultReader::next() {
+  _cells = nullptr;
   while (_next < _rowCount) {
     _reader->select(_next++);
-    if (_reader->hasRow()) return true;
+    if (!_reader->hasRow()) continue;
+    if (_showsCells) _cells = _reader->cells();
+    return true;
   }
   return false;
 }
@@ -224,8 +229,20 @@ QORSmrPtr<IQoriValue> QORQL_ResultReader::value(std::size_t index) {
   return _isAggregate ? _sources[index].entry->GetAggregateValue() : _reader->value(_sources[index].slot);
 }
 
-QoriScalar QORQL_ResultReader::view(std::size_t index) {
-  return _isAggregate ? aggregateView(index) : _reader->view(_sources[index].slot, _holders[index]);
+void QORQL_ResultReader::findCells() {
+  for (const Source& source : _sources) {
+    const bool isCell = !_isAggregate && _reader->isProperty(source.slot);
+    _cellOffsets.push_back(isCell ? _reader->cellOffset(source.slot) : kNoCell);
+  }
+}
+
+QoriScalar QORQL_ResultReader::viewOf(std::size_t index) {
+  if (_isAggregate) return aggregateView(index);
+  if (_cellOffsets[index] != kNoCell) {
+    _showsCells = true;
+    _cells = _reader->cells();
+  }
+  return _reader->view(_sources[index].slot, _holders[index]);
 }
 
 QoriScalar QORQL_ResultReader::aggregateView(std::size_t index) const {

@@ -59,10 +59,14 @@ class QORQL_ResultReader {
   // while the table lives where the column is a property; kind Null for NULL.
   // Numbers, texts and booleans of properties are not copied: nothing
   // is allocated. THROWS and REQUIRES as above.
-  QoriScalar view(std::size_t index);
+  QoriScalar view(std::size_t index) {
+    const std::size_t offset = _cellOffsets[index];
+    return _cells != nullptr && offset != kNoCell ? _cells[offset] : viewOf(index);
+  }
 
  private:
   struct Source;
+  static constexpr std::size_t kNoCell = ~std::size_t{0};
 
   void addEntry(const QORSmrPtr<QORQL_SelectedEntry>& entry);
   void addAllClasses(const QORSmrPtr<QORQL_SelectedEntry>& entry);
@@ -73,6 +77,8 @@ class QORQL_ResultReader {
   static QORString fullNameOf(const Source& source);
   void typeColumns();
   void findOnlyClass();
+  void findCells();
+  QoriScalar viewOf(std::size_t index);
   QoriScalar aggregateView(std::size_t index) const;
 
   const QORQL_Query& _query;
@@ -83,6 +89,9 @@ class QORQL_ResultReader {
   std::vector<Source> _sources;
   QORString _onlyClass;                         // that all columns are properties of; empty: none
   std::vector<QORSmrPtr<IQoriValue>> _holders;  // of the values that views see
+  std::vector<std::size_t> _cellOffsets;        // of each column in _cells; kNoCell: it is no property of every row
+  const QoriScalar* _cells = nullptr;           // BORROWS: the current row's properties, once one has been looked at
+  bool _showsCells = false;                     // whether the caller has looked at one
   bool _isAggregate = false;
   QORuint64 _rowCount = 0;
   QORuint64 _next = 0;
