@@ -128,6 +128,52 @@ class Changes(ToolCase):
         self.assertIn('"ElapsedTime": ', named.out)
 
 
+class ManyFilters(ToolCase):
+    CHANGED = "SELECT SourceInstance FROM CIM_InstModification WHERE SourceInstance ISA CIM_OperatingSystem"
+
+    def watch(self, filters, *arguments):
+        return self.run_tool("watch", "--interval", "0.05", *arguments, "--filters", self.write("filters.txt", filters))
+
+    def test_an_indication_tells_the_lines_of_the_filters_that_match(self):
+        out = self.succeed(self.watch(
+            f"{self.CHANGED}\n\nSELECT * FROM CIM_InstCreation WHERE SourceInstance ISA CIM_Processor\r\n"
+            "SELECT PreviousInstance FROM CIM_InstModification WHERE "
+            "SourceInstance ISA Linux_OperatingSystem\n", "--limit", "2"))
+        lines = [json.loads(line) for line in out.splitlines()]
+        self.assertEqual([line["filters"] for line in lines], [[1, 4], [1, 4]])
+        for line in lines:
+            self.assertEqual(sorted(line), ["PreviousInstance", "SourceInstance", "class", "filters"])
+
+    def test_each_prints_what_the_filters_that_match_it_select(self):
+        out = self.succeed(self.watch(
+            f"{self.CHANGED}\nSELECT * FROM CIM_InstModification WHERE SourceInstance ISA CIM_Processor\n",
+            "--limit", "1"))
+        self.assertEqual((json.loads(out)["filters"], sorted(json.loads(out))), ([1], ["SourceInstance", "class", "filters"]))
+
+    def test_filters_for_which_nothing_can_come(self):
+        silent = f"SELECT * FROM CIM_AlertIndication\n{self.CHANGED}\n"
+        result = self.watch(silent, "--limit", "1")
+        self.assertEqual((result.status, json.loads(result.out)["filters"]), (0, [2]))
+        self.assertEqual(result.err, "qorql: warning: line 1: the filter asks for no indication of a change: nothing will "
+                                     "be printed\n")
+        self.refused(self.watch(silent, "--strict"), 1, "qorql: error: line 1: the filter asks for no indication of a "
+                                                        "change: nothing will be printed")
+
+    def test_filters_that_are_not_valid(self):
+        result = self.watch(f"{self.CHANGED}\nSELECT\nSELECT * FROM CIM_Nope\n", "--count", "1")
+        self.assertEqual((result.status, result.out), (1, ""))
+        self.assertEqual([line[:45] for line in result.err.splitlines()],
+                         [f"qorql: error: line {line}: the filter is not valid" for line in (2, 3)])
+
+    def test_wrong_usage(self):
+        path = self.write("filters.txt", self.CHANGED)
+        for arguments, says in ((["--filters", path, self.CHANGED], "--filters"), (["--filters"], "--filters"),
+                                (["--filters", path + ".no"], "filters.txt.no")):
+            result = self.run_tool("watch", "--count", "1", *arguments)
+            self.assertEqual((result.status, result.out), (2, ""), arguments)
+            self.assertIn(says, result.err)
+
+
 class End(ToolCase):
     def watch(self, *arguments):
         return self.run_tool("watch", "--interval", "0.05", *arguments)

@@ -1,4 +1,4 @@
-// The live classes watched for a filter, and the indications of their changes.
+// What filters ask for, and looking again and again for it.
 // SPDX-License-Identifier: Apache-2.0
 #include "LiveWatch.h"
 
@@ -7,32 +7,36 @@
 #include "Cimom/Embedded/InstanceProvider.h"
 #include "Cimom/QORQL/CQLQueryValidator.h"
 #include "FilterReference.h"
+#include "StatementText.h"
 #include "cimom/CQoriProviderException.h"
 
-LiveWatch::LiveWatch(EmbeddedObjectManager& manager, const QORString& nameSpace, const CQLQueryStatement& filter)
-    : _nameSpace(nameSpace), _filter(filter), _indications(manager, nameSpace) {
+namespace {
+
+constexpr const char* kChanges[] = {kInstCreation, kInstDeletion, kInstModification};
+
+// Whether FROM names the class or one above it.
+bool asksFor(const CQLQueryStatement& filter, const char* indicationClass) {
   const CQLQueryStatement::ClassList classes(filter.getClassList());
   QORValSlistIterator<QORSmrPtr<IQoriInstanceName>> each(*classes);
-  while (++each) _sources.push_back(each.key()->getClassName());
-  if (!asksForChanges()) return;
-  const QORString text(filter.getQuery());
-  const FromNames from(filter.getParsedQuery(), text.view());
-  const IsaConditions isa(filter.getParsedQuery(), text.view(), from);
-  const std::vector<std::string> wanted = isa.classesOf("SourceInstance");
-  const auto isAllowed = [&](const QORString& className) {
-    return std::all_of(wanted.begin(), wanted.end(), [&](const std::string& name) {
-      return CQLQueryValidator::isSubClass(nameSpace, className, QORString(name));
-    });
-  };
-  for (const QORString& className : manager.liveClassNames(nameSpace)) {
-    if (!isAllowed(className)) continue;
-    _watched.push_back({className, steadyProperties(manager, nameSpace, className, StatementText(text.view())), {}});
+  while (++each) {
+    if (CQLQueryValidator::isSubClass(filter.getNameSpace(), indicationClass, each.key()->getClassName())) return true;
   }
+  return false;
 }
 
-// Those that change whenever one looks make no news, unless the filter names them.
-CIMApi::PropertyNames LiveWatch::steadyProperties(const EmbeddedObjectManager& manager, const QORString& nameSpace,
-                                                  const QORString& className, const StatementText& text) {
+// The classes of which SourceInstance must be, each of them.
+std::vector<std::string> sourceClasses(const CQLQueryStatement& filter) {
+  const QORString text(filter.getQuery());
+  const FromNames from(filter.getParsedQuery(), text.view());
+  return IsaConditions(filter.getParsedQuery(), text.view(), from).classesOf("SourceInstance");
+}
+
+// The properties of a class that are looked at for a filter; null: all. Those that change
+// whenever one looks make no news, unless the filter names them.
+CIMApi::PropertyNames steadyProperties(const EmbeddedObjectManager& manager, const QORString& className,
+                                       const CQLQueryStatement& filter) {
+  const QORString query(filter.getQuery());
+  const StatementText text(query.view());
   const auto isNamed = [&](const QORString& property) {
     for (std::size_t i = 0; i < text.pieces().size(); ++i) {
       if (text.is(i, property.view())) return true;
@@ -41,7 +45,7 @@ CIMApi::PropertyNames LiveWatch::steadyProperties(const EmbeddedObjectManager& m
   };
   const CIMApi::PropertyNames names(new QORValSlist<QORString>());
   bool isWhole = true;
-  for (const CimPropertyDeclaration& property : manager.allProperties(nameSpace, className)) {
+  for (const CimPropertyDeclaration& property : manager.allProperties(filter.getNameSpace(), className)) {
     const bool isSteady = !property.hasFlag("Volatile") || isNamed(property.name);
     if (isSteady) names->append(property.name);
     isWhole = isWhole && isSteady;
@@ -49,20 +53,46 @@ CIMApi::PropertyNames LiveWatch::steadyProperties(const EmbeddedObjectManager& m
   return isWhole ? CIMApi::PropertyNames() : names;
 }
 
-bool LiveWatch::asksFor(const char* indicationClass) const {
-  return std::any_of(_sources.begin(), _sources.end(), [&](const QORString& source) {
-    return CQLQueryValidator::isSubClass(_nameSpace, indicationClass, source);
-  });
+// Adds the names that a list lacks; null is all of them.
+void unite(CIMApi::PropertyNames& names, const CIMApi::PropertyNames& others) {
+  if (names.IsNull() || others.IsNull()) {
+    names = CIMApi::PropertyNames();
+    return;
+  }
+  QORValSlistIterator<QORString> other(*others);
+  while (++other) {
+    if (!names->contains(other.key())) names->append(other.key());
+  }
 }
 
-bool LiveWatch::asksForChanges() const {
-  return asksFor(kInstCreation) || asksFor(kInstDeletion) || asksFor(kInstModification);
+}  // namespace
+
+LiveWatch::LiveWatch(EmbeddedObjectManager& manager, const QORString& nameSpace)
+    : _manager(manager), _nameSpace(nameSpace), _indications(manager, nameSpace) {
+  for (const QORString& className : manager.liveClassNames(nameSpace)) _watched.push_back({className, false, {}, {}});
 }
 
-std::vector<QORString> LiveWatch::classNames() const {
-  std::vector<QORString> names;
-  for (const Watched& watched : _watched) names.push_back(watched.className);
-  return names;
+std::string LiveWatch::add(const CQLQueryStatement& filter) {
+  bool asksForChanges = false;
+  for (const char* change : kChanges) {
+    if (!asksFor(filter, change)) continue;
+    asksForChanges = true;
+    if (std::find(_changes.begin(), _changes.end(), change) == _changes.end()) _changes.push_back(change);
+  }
+  if (!asksForChanges) return "the filter asks for no indication of a change: nothing will be printed";
+  const std::vector<std::string> wanted = sourceClasses(filter);
+  bool hasClass = false;
+  for (Watched& watched : _watched) {
+    const bool isAllowed = std::all_of(wanted.begin(), wanted.end(), [&](const std::string& name) {
+      return CQLQueryValidator::isSubClass(_nameSpace, watched.className, QORString(name));
+    });
+    if (!isAllowed) continue;
+    const CIMApi::PropertyNames properties(steadyProperties(_manager, watched.className, filter));
+    if (!watched.isAskedFor) watched.properties = properties;
+    unite(watched.properties, properties);
+    watched.isAskedFor = hasClass = true;
+  }
+  return hasClass ? "" : "no live class is of the class that the filter asks for: nothing will be printed";
 }
 
 InstanceSnapshot LiveWatch::snapshotOf(const Watched& watched) const {
@@ -72,6 +102,7 @@ InstanceSnapshot LiveWatch::snapshotOf(const Watched& watched) const {
 }
 
 void LiveWatch::start(const Report& report) {
+  std::erase_if(_watched, [](const Watched& watched) { return !watched.isAskedFor; });
   const bool isAlone = _watched.size() == 1;
   std::erase_if(_watched, [&](Watched& watched) {
     try {
@@ -100,7 +131,7 @@ void LiveWatch::look(const Take& take, const Report& report) {
 }
 
 void LiveWatch::hand(const InstanceChange& change, const Take& take) {
-  if (!asksFor(Indications::classOf(change))) return;
-  const QORSmrPtr<IQoriObject> indication(_indications.make(change));
-  if (_filter.isMatch(indication, _nameSpace)) take(*indication);
+  const std::string_view indicationClass = Indications::classOf(change);
+  const bool isAskedFor = std::find(_changes.begin(), _changes.end(), indicationClass) != _changes.end();
+  if (isAskedFor) take(_indications.make(change));
 }

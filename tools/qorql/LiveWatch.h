@@ -1,56 +1,51 @@
-// The live classes watched for a filter, and the indications of their changes.
+// The live classes watched for filters, and the indications of their changes.
 // SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_TOOL_LIVEWATCH_H
 #define QORQL_TOOL_LIVEWATCH_H
 
 #include <functional>
+#include <string>
 #include <vector>
 
 #include "Cimom/QORQL/CQLQueryStatement.h"
 #include "Indications.h"
 #include "InstanceChanges.h"
-#include "StatementText.h"
 
-// Watches the live classes whose changes the filter can match: those that
-// each `SourceInstance ISA Class` of it allows. BORROWS the object manager and
-// the statement, which is valid.
+// Watches the live classes whose changes one of the filters can match: those
+// that each `SourceInstance ISA Class` of it allows. BORROWS the object manager.
 class LiveWatch {
  public:
-  using Take = std::function<void(const IQoriObject& indication)>;
+  using Take = std::function<void(const QORSmrPtr<IQoriObject>& indication)>;
   using Report = std::function<void(const QORString& className, const QoriBaseException& failure)>;
 
-  LiveWatch(EmbeddedObjectManager& manager, const QORString& nameSpace, const CQLQueryStatement& filter);
+  LiveWatch(EmbeddedObjectManager& manager, const QORString& nameSpace);
 
-  // The classes looked at; empty when no change can match.
-  std::vector<QORString> classNames() const;
-  // Whether the filter asks for an indication that changes make.
-  bool asksForChanges() const;
+  // Watches for a valid filter too. Why no indication can come for it; empty when one can.
+  std::string add(const CQLQueryStatement& filter);
 
   // Reads the instances to which the next look is compared. A class without its
   // source on this machine is reported and no longer watched, unless it is the
   // only one. THROWS what a provider throws.
   void start(const Report& report);
-  // Looks again and hands over the indications that match, in the order of the
-  // classes. A class whose provider fails is reported and keeps its last look.
+  // Looks again and hands over the indications of the classes that the filters ask
+  // for, in the order of the live classes. A class whose provider fails is reported and keeps its last look.
   void look(const Take& take, const Report& report);
 
  private:
   struct Watched {
     QORString className;
+    bool isAskedFor = false;
     CIMApi::PropertyNames properties;  // null: all
     InstanceSnapshot last;
   };
 
-  bool asksFor(const char* indicationClass) const;
-  static CIMApi::PropertyNames steadyProperties(const EmbeddedObjectManager& manager, const QORString& nameSpace,
-                                                const QORString& className, const StatementText& text);
   InstanceSnapshot snapshotOf(const Watched& watched) const;
   void hand(const InstanceChange& change, const Take& take);
 
+  const EmbeddedObjectManager& _manager;
   const QORString _nameSpace;
-  const CQLQueryStatement& _filter;
-  std::vector<QORString> _sources;  // the classes of FROM
-  std::vector<Watched> _watched;
+  std::vector<const char*> _changes;  // the classes of indications that are asked for
+  std::vector<Watched> _watched;      // at first all live classes
   Indications _indications;
 };
 

@@ -9,7 +9,7 @@
 #include "DisplayText.h"
 #include "ErrorReport.h"
 #include "ExitStatus.h"
-#include "FilterFile.h"
+#include "FilterGroup.h"
 #include "FilterSession.h"
 #include "OptionDeclarations.h"
 #include "TextInput.h"
@@ -68,7 +68,7 @@ void decide(const CQLQueryStatement& filter, const Instances& instances, bool is
   }
 }
 
-// All instances are read before the first is matched: with a fault in a file, none is.
+// All are read before the first is decided: a file with a fault decides nothing.
 std::vector<Instances> readAll(FilterSession& session, const std::vector<std::string>& paths) {
   std::vector<Instances> files;
   for (const std::string& path : paths) files.push_back(readInstances(session, path));
@@ -76,12 +76,13 @@ std::vector<Instances> readAll(FilterSession& session, const std::vector<std::st
 }
 
 int matchMany(FilterSession& session, const MatchOptions& options) {
-  FilterFile filters(session);
-  if (!filters.read(options.filters)) return kExitRefused;
+  FilterGroup filters(session);
+  if (!filters.readFile(options.filters)) return kExitRefused;
   for (const Instances& instances : readAll(session, options.files)) {
     for (const QORSmrPtr<IQoriObject>& instance : instances) {
       if (!std::cout) return kExitDone;
-      std::cout << printableText(pathOf(*instance)) << '\t' << filters.linesThatMatch(instance) << '\n';
+      const FilterGroup::Lines& lines = filters.matching(instance, instance->getNameSpace());
+      std::cout << printableText(pathOf(*instance)) << '\t' << FilterGroup::textOf(lines, ",") << '\n';
     }
   }
   return kExitDone;
@@ -127,7 +128,7 @@ CommandAction declareMatchCommand(CLI::App& app) {
     const bool areMany = !options->filters.empty();
     if (areMany && options->isWhy) refuseBoth("--why", "--filters");
     if (!areMany && !options->text) refuseWithout("FILTER");
-    // Then the argument in the filter's place is a file.
+    // What stands in the filter's place is a file then.
     if (areMany && options->text) options->files.insert(options->files.begin(), *options->text);
     if (options->files.empty()) options->files.emplace_back(kStandardInput);
     return runMatch(*options);

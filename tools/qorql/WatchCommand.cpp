@@ -1,10 +1,12 @@
-// Looks at the live classes again and again and prints the changes that a filter matches.
+// Looks at the live classes again and again and prints the changes that filters match.
 // SPDX-License-Identifier: Apache-2.0
 #include "WatchCommand.h"
 
+#include <algorithm>
 #include <charconv>
 #include <chrono>
 #include <iostream>
+#include <map>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -13,6 +15,7 @@
 #include "EndRequest.h"
 #include "ErrorReport.h"
 #include "ExitStatus.h"
+#include "FilterGroup.h"
 #include "FilterSession.h"
 #include "JsonValue.h"
 #include "LiveWatch.h"
@@ -27,27 +30,30 @@ constexpr const char* kFooter =
     "A new instance makes a CIM_InstCreation, one that is gone a CIM_InstDeletion, and one whose\n"
     "properties changed a CIM_InstModification; SourceInstance holds the instance and\n"
     "PreviousInstance what it was before. Each that matches is printed as a JSON object in a line\n"
-    "of its own, with the properties that SELECT names and that have a value. Ends with Ctrl-C,\n"
-    "with SIGTERM, and when the reader of its output goes away.\n"
+    "of its own, with the properties that SELECT names and that have a value. With --filters many\n"
+    "filters are asked together, and \"filters\" holds the numbers of the lines of those that match.\n"
+    "Ends with Ctrl-C, with SIGTERM, and when the reader of its output goes away.\n"
     "\n"
-    "Exit status: 0 done; 1 the filter is not valid; 2 wrong usage; 3 MOF, configuration or\n"
+    "Exit status: 0 done; 1 a filter is not valid; 2 wrong usage; 3 MOF, configuration or\n"
     "provider failure.\n"
     "\n"
-    "Example:\n"
+    "Examples:\n"
+    "  qorql watch --filters subscriptions.txt\n"
     "  qorql watch \"SELECT * FROM CIM_InstCreation WHERE SourceInstance ISA Linux_Process\"";
 
 struct WatchOptions {
   FilterOptions filter;
-  std::string text;
+  std::optional<std::string> text;
+  std::string filters;  // a file of them; empty: the one in the text
   double interval = 1;
   QORuint64 count = 0;  // 0: without end
   QORuint64 limit = 0;  // 0: without end
 };
 
-// Prints the properties that the filter selects.
-class IndicationPrinter {
+// The properties that a filter selects.
+class Selection {
  public:
-  explicit IndicationPrinter(const CQLQueryStatement& filter) {
+  explicit Selection(const CQLQueryStatement& filter) {
     const CQLQueryStatement::ClassList classes(filter.getClassList());
     QORValSlistIterator<QORSmrPtr<IQoriInstanceName>> each(*classes);
     while (++each) {
@@ -58,28 +64,49 @@ class IndicationPrinter {
       while (++name) _names.push_back(name.key());
     }
   }
+  bool has(const QORString& name) const {
+    return _isAll || std::any_of(_names.begin(), _names.end(),
+                                 [&](const QORString& selected) { return selected.isEqualCaseInsensitive(name); });
+  }
 
-  void print(const IQoriObject& indication) {
-    std::string line = "{\"class\": " + jsonText(indication.getClassName().view());
-    for (QORuint32 i = 0; i < indication.getPropertyCount(); ++i) {
-      const QORSmrPtr<IQoriProperty> property(indication.getPropertyAt(i));
-      if (property->getValue().IsNull() || !isSelected(property->getName())) continue;
-      line += ", " + jsonText(property->getName().view()) + ": ";
-      appendJson(line, property->getValue().Get(), JsonObjects::WithClass);
+ private:
+  bool _isAll = false;
+  std::vector<QORString> _names;
+};
+
+// Prints the indications that filters match, each once, with what one of them selects.
+class IndicationPrinter {
+ public:
+  // BORROWS the filters.
+  explicit IndicationPrinter(FilterGroup& filters) : _filters(filters) {
+    for (const auto& [line, statement] : filters.statements()) _selections.emplace(line, *statement);
+  }
+
+  void print(const QORSmrPtr<IQoriObject>& indication, const QORString& nameSpace) {
+    const FilterGroup::Lines& lines = _filters.matching(indication, nameSpace);
+    if (lines.empty()) return;
+    std::string text = "{";
+    if (lines.front() != 0) text += "\"filters\": [" + FilterGroup::textOf(lines, ", ") + "], ";
+    text += "\"class\": " + jsonText(indication->getClassName().view());
+    for (QORuint32 i = 0; i < indication->getPropertyCount(); ++i) {
+      const QORSmrPtr<IQoriProperty> property(indication->getPropertyAt(i));
+      if (property->getValue().IsNull() || !isSelected(lines, property->getName())) continue;
+      text += ", " + jsonText(property->getName().view()) + ": ";
+      appendJson(text, property->getValue().Get(), JsonObjects::WithClass);
     }
-    std::cout << line << "}\n";
+    std::cout << text << "}\n";
     ++_count;
   }
   QORuint64 count() const noexcept { return _count; }
 
  private:
-  bool isSelected(const QORString& name) const {
-    return _isAll || std::any_of(_names.begin(), _names.end(),
-                                 [&](const QORString& selected) { return selected.isEqualCaseInsensitive(name); });
+  bool isSelected(const FilterGroup::Lines& lines, const QORString& name) const {
+    return std::any_of(lines.begin(), lines.end(),
+                       [&](FilterGroup::Line line) { return _selections.at(line).has(name); });
   }
 
-  bool _isAll = false;
-  std::vector<QORString> _names;
+  FilterGroup& _filters;
+  std::map<FilterGroup::Line, Selection> _selections;
   QORuint64 _count = 0;
 };
 
@@ -87,23 +114,30 @@ void warn(const WatchOptions& options, const std::string& warning) {
   if (!options.filter.session.isQuiet) std::cerr << "qorql: warning: " << printableText(warning) << '\n';
 }
 
-// Why no indication can come; empty when one can.
-std::string reasonOfSilence(const LiveWatch& watch) {
-  if (!watch.asksForChanges()) return "the filter asks for no indication of a change: nothing will be printed";
-  if (!watch.classNames().empty()) return {};
-  return "no live class is of the class that the filter asks for: nothing will be printed";
+// False when one of the filters is refused since no indication can come for it.
+bool addFilters(const WatchOptions& options, const FilterGroup& filters, LiveWatch& watch) {
+  bool areSound = true;
+  for (const auto& [line, statement] : filters.statements()) {
+    const std::string silence = watch.add(*statement);
+    if (silence.empty()) continue;
+    if (options.filter.isStrict) {
+      reportRefusal(placeOfFilter(line) + silence);
+      areSound = false;
+    } else {
+      warn(options, placeOfFilter(line) + silence);
+    }
+  }
+  return areSound;
 }
 
-int watchUntilTheEnd(const WatchOptions& options, FilterSession& session, const CQLQueryStatement& filter) {
-  LiveWatch watch(session.manager(), session.nameSpace(), filter);
-  if (const std::string silence = reasonOfSilence(watch); !silence.empty()) {
-    if (options.filter.isStrict) return reportRefusal(silence);
-    warn(options, silence);
-  }
-  IndicationPrinter printer(filter);
+int watchUntilTheEnd(const WatchOptions& options, FilterSession& session, FilterGroup& filters) {
+  const QORString nameSpace = session.nameSpace();
+  LiveWatch watch(session.manager(), nameSpace);
+  if (!addFilters(options, filters, watch)) return kExitRefused;
+  IndicationPrinter printer(filters);
   const bool hasLimit = options.limit != 0;
-  const auto take = [&](const IQoriObject& indication) {
-    if (!hasLimit || printer.count() < options.limit) printer.print(indication);
+  const auto take = [&](const QORSmrPtr<IQoriObject>& indication) {
+    if (!hasLimit || printer.count() < options.limit) printer.print(indication, nameSpace);
   };
   const auto report = [&](const QORString& className, const QoriBaseException& failure) {
     warn(options, std::string(className.view()) + ": " + std::string(failure.getMessage().view()));
@@ -125,17 +159,16 @@ int watchUntilTheEnd(const WatchOptions& options, FilterSession& session, const 
 
 int runWatch(const WatchOptions& options) {
   FilterSession session(options.filter);
-  CheckedFilter filter;
+  FilterGroup filters(session);
   try {
     session.open(Session::LeftOut::TellAtOnce);
-    filter = session.check(options.text);
+    const bool areSound = options.filters.empty() ? filters.readOne(*options.text) : filters.readFile(options.filters);
+    if (!areSound) return kExitRefused;
   } catch (...) {
     return reportStartFailure();
   }
-  if (!filter.reason.empty()) return reportRefusal("the filter is not valid: " + filter.reason);
-  if (!session.passes(filter)) return kExitRefused;
   try {
-    return watchUntilTheEnd(options, session, *filter.statement);
+    return watchUntilTheEnd(options, session, filters);
   } catch (...) {
     session.session().dropWarnings();
     std::cout.flush();
@@ -143,7 +176,7 @@ int runWatch(const WatchOptions& options) {
   }
 }
 
-// Returns 0 where the text is no number.
+// 0 where the text is no number.
 double parseSeconds(const std::string& given) noexcept {
   double seconds = 0;
   const char* const end = given.data() + given.size();
@@ -180,7 +213,18 @@ CommandAction declareWatchCommand(CLI::App& app) {
                      .description = "End after so many indications",
                      .take = [options](const std::string& given) { options->limit = parseCount(given); },
                      .check = checkCount});
-  declareValue(app,
-               {.names = "FILTER", .description = "The filter", .take = keepIn(options->text), .isRequired = true});
-  return [options] { return runWatch(*options); };
+  declareValue(app, {.names = "--filters",
+                     .type = "FILE",
+                     .description = "Ask the filters of a file, one a line, in place of FILTER",
+                     .take = keepIn(options->filters),
+                     .check = checkFile});
+  declareValue(app, {.names = "FILTER", .description = "The filter", .take = [options](const std::string& text) {
+                       options->text = text;
+                     }});
+  return [options] {
+    const bool areMany = !options->filters.empty();
+    if (areMany && options->text) refuseBoth("FILTER", "--filters");
+    if (!areMany && !options->text) refuseWithout("FILTER");
+    return runWatch(*options);
+  };
 }
