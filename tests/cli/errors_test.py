@@ -279,14 +279,6 @@ instance of Der { K = 3; N = 2; X = "y"; };
                          "qorql: error: A non-existent property - 'X' was requested from class - 'b' (CIM status 4)\n"
                          "qorql: hint: X is a property of Der, which not every Base is: ask for it FROM Der\n")
 
-    def test_the_name_of_a_class_in_the_place_of_a_property(self):
-        path = self.write("m.mof", "[Association] class Link { [Key] Base REF A; [Key] Base REF B; };\n")
-        base = self.write("b.mof", self.MODEL)
-        for name, tail in [("Link", ": an association is written Link = a AND Link = b"), ("Der", "")]:
-            result = self.run_tool("--no-live", "-m", base, "-m", path, f"SELECT K FROM Base WHERE {name} = q")
-            self.assertEqual(result.status, 1)
-            self.assertIn(f"hint: {name} is a class and no property of Base{tail} (line 1, column 26)\n", result.err)
-
     def test_a_name_that_two_classes_go_by(self):
         path = self.write("m.mof", self.MODEL + "class Other { [Key] uint8 J; };\ninstance of Other { J = 1; };\n")
         hint = "qorql: hint: in FROM {0} names more than one class: give each a name of its own\n"

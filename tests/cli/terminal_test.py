@@ -226,6 +226,13 @@ class Terminal(ToolCase):
                 self.assertNotIn("hint", self.model(query).err)
                 self.assertIn("qorql: hint: " + hint, self.model("--warnings", query).err)
 
+    def test_hint_of_a_class_in_the_place_of_a_property(self):
+        path = self.write("link.mof", "class Base { [Key] uint32 K; };\n"
+                                      "[Association] class Link { [Key] Base REF A; [Key] Base REF B; };\n")
+        for name, tail in (("Link", ": an association is written Link = a AND Link = b"), ("Shop_Empty", "")):
+            shown = self.model("-m", path, "--warnings", f"SELECT K FROM Base WHERE {name} = q").err
+            self.assertIn(f"qorql: hint: {name} is a class and no property of Base{tail} (line 1, column 26)\n", shown)
+
     def test_hint_of_a_property_that_is_no_class(self):
         path = self.write("sub.mof", "class Holder { [Key] uint32 K; [EmbeddedObject] string Sub; };\n"
                                      "class Other { [Key] uint32 K; string Sub; };\n")
