@@ -95,9 +95,11 @@ void LinuxPackage::enumerate(const Request& request, const Emit& emit) {
   const QORString wanted = wantedKey(request, "InstanceID");
   if (access(_list.c_str(), R_OK) != 0) return warnUnreadable(_list, errno);
   static const LinuxPackageReader read = packageReader();
-  const std::string wrong = read(_list.c_str(), [&](Package& package) {
+  const auto take = [&](Package& package) {
     if (package.name.empty() || package.status.ends_with(" not-installed")) return;
     if (wanted.isNull() || wanted == idOf(package).c_str()) emitInstance(package, properties, emit);
-  });
+  };
+  std::string wrong;
+  read(_list.c_str(), take, wrong);
   if (!wrong.empty()) raise(wrong);
 }

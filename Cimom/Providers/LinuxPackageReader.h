@@ -23,9 +23,9 @@ struct LinuxPackageRecord {
 
 using LinuxPackageTake = std::function<void(const LinuxPackageRecord&)>;
 
-// Hands over the packages of the list in their order. Returns what went wrong;
-// empty when nothing did.
-using LinuxPackageReader = std::string (*)(const char* list, const LinuxPackageTake& take);
+// Hands over the packages of the list in their order. `wrong` becomes what went
+// wrong; it stays empty when nothing did.
+using LinuxPackageReader = void (*)(const char* list, const LinuxPackageTake& take, std::string& wrong);
 
 // It is a library of its own, which is loaded when packages are asked for, since
 // what it needs would slow down every start. Where it lies, from the folder of

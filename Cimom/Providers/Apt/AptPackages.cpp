@@ -35,11 +35,10 @@ std::string complaint() {
 
 }  // namespace
 
-extern "C" __attribute__((visibility("default"))) std::string qorqlReadPackages(const char* list,
-                                                                                const LinuxPackageTake& take);
-std::string qorqlReadPackages(const char* list, const LinuxPackageTake& take) {
+extern "C" __attribute__((visibility("default"))) void qorqlReadPackages(const char* list, const LinuxPackageTake& take,
+                                                                         std::string& wrong);
+void qorqlReadPackages(const char* list, const LinuxPackageTake& take, std::string& wrong) {
   _error->PushToStack();
-  std::string wrong;
   {
     FileFd file(list, FileFd::ReadOnly);
     pkgTagFile tags(&file);
@@ -48,5 +47,4 @@ std::string qorqlReadPackages(const char* list, const LinuxPackageTake& take) {
     if (_error->PendingError()) wrong = complaint();
   }
   _error->RevertToStack();
-  return wrong;
 }
