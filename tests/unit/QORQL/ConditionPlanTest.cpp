@@ -217,7 +217,8 @@ TEST_F(ConditionPlan, RelationOfTheSides) {
 
 TEST_F(ConditionPlan, RowsThatStay) {
   const auto kept = [](const char* condition) {
-    const Plan plan = Planned(condition).on(kApart);
+    const Planned planned(condition);  // which the plan looks at
+    const Plan plan = planned.on(kApart);
     std::string text;
     if (plan.keeps(QoriTruth::False)) text += "false ";
     if (plan.keeps(QoriTruth::True)) text += "true ";
