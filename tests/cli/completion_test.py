@@ -66,6 +66,7 @@ class Completion:
     def test_values_of_options(self):
         self.assertEqual(self.complete("-o", ""), FORMS)
         self.assertEqual(self.complete("classes", "--log", "t"), ["trace"])
+        self.assertEqual(self.complete("validate", "-o", ""), ["json", "text"])
         self.assertEqual(self.complete("-n", ""), [])
 
     def test_pages(self):

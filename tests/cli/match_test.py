@@ -1,5 +1,6 @@
 """qorql match: which instances of MOF files a filter matches."""
 # SPDX-License-Identifier: Apache-2.0
+import json
 import os
 import unittest
 
@@ -31,7 +32,7 @@ class Match(MatchCase):
         first = self.write("first.mof", ALERTS)
         second = self.write("second.mof", CREATION)
         self.assertEqual(self.succeed(self.match("-m", SCHEMA, FC1, second, first)),
-                         f"root/cimv2:CIM_InstCreation\tno match\n{ALERT_PATH}\tmatch\n{ALERT_PATH}\tno match\n")
+                         f"root/cimv2:CIM_InstCreation#1\tno match\n{ALERT_PATH}#2\tmatch\n{ALERT_PATH}#3\tno match\n")
 
     def test_many_filters_are_told_by_their_lines(self):
         filters = self.write("filters.txt", f"{FC1}\n\nSELECT * FROM CIM_AlertIndication\r\n"
@@ -39,11 +40,23 @@ class Match(MatchCase):
                              "SELECT * FROM CIM_AlertIndication WHERE MessageID = 'FC2'\n")
         instances = self.write("instances.mof", ALERTS + CREATION)
         self.assertEqual(self.succeed(self.match("-m", SCHEMA, "--filters", filters, instances)),
-                         f"{ALERT_PATH}\t1,3\n{ALERT_PATH}\t3,5\nroot/cimv2:CIM_InstCreation\t4\n")
+                         f"{ALERT_PATH}#1\t1,3\n{ALERT_PATH}#2\t3,5\nroot/cimv2:CIM_InstCreation#3\t4\n")
         self.assertEqual(self.succeed(self.match("-m", SCHEMA, "--filters", filters, stdin=ALERTS)),
-                         f"{ALERT_PATH}\t1,3\n{ALERT_PATH}\t3,5\n")
+                         f"{ALERT_PATH}#1\t1,3\n{ALERT_PATH}#2\t3,5\n")
         self.write("filters.txt", "SELECT * FROM CIM_AlertIndication WHERE MessageID = 'FC3'\n")
-        self.assertEqual(self.succeed(self.match("--filters", filters, stdin=ALERTS)), f"{ALERT_PATH}\t\n{ALERT_PATH}\t\n")
+        self.assertEqual(self.succeed(self.match("--filters", filters, stdin=ALERTS)), f"{ALERT_PATH}#1\t\n{ALERT_PATH}#2\t\n")
+
+    def test_many_filters_are_told_by_their_names(self):
+        filters = self.write("filters.txt", f"# alerts\nfirst: {FC1}\n\nrest:\n  SELECT * FROM CIM_AlertIndication\n"
+                             "SELECT * FROM CIM_Indication\n")
+        self.assertEqual(self.succeed(self.match("--filters", filters, stdin=ALERTS)),
+                         f"{ALERT_PATH}#1\tfirst,rest,6\n{ALERT_PATH}#2\trest,6\n")
+        self.write("filters.txt", f"a: {FC1}\nb: SELECT\n")
+        self.assertIn("qorql: error: line 2 (b): the filter is not valid: ",
+                      self.match("--filters", filters, stdin=ALERTS).err)
+        self.write("filters.txt", f"a: {FC1}\na: {FC1}\n")
+        self.refused(self.match("--filters", filters, stdin=ALERTS), 1,
+                     "qorql: error: line 2: there is a filter a in line 1 already")
 
     def test_many_filters_of_which_some_are_not_valid(self):
         filters = self.write("filters.txt", f"SELECT\n{FC1}\nSELECT * FROM CIM_Nope\n")
@@ -65,7 +78,7 @@ class Match(MatchCase):
         self.assertEqual(self.match(stdin=ALERTS).status, 2)
 
     def test_standard_input(self):
-        expected = f"{ALERT_PATH}\tmatch\n{ALERT_PATH}\tno match\n"
+        expected = f"{ALERT_PATH}#1\tmatch\n{ALERT_PATH}#2\tno match\n"
         self.assertEqual(self.succeed(self.match(FC1, stdin=ALERTS)), expected)
         self.assertEqual(self.succeed(self.match(FC1, "-", stdin=ALERTS)), expected)
         self.assertEqual(self.succeed(self.match(FC1, stdin=b"")), "")
@@ -92,13 +105,42 @@ class Match(MatchCase):
         made = 'instance of CIM_InstCreation { SourceInstance = "instance of Linux_Process { Handle = \\"1\\"; };"; };'
         self.assertEqual(self.succeed(self.run_tool("match", "SELECT * FROM CIM_InstCreation WHERE SourceInstance ISA "
                                                              "CIM_Process", stdin=made)),
-                         "root/cimv2:CIM_InstCreation\tmatch\n")
+                         "root/cimv2:CIM_InstCreation#1\tmatch\n")
+
+
+class Json(MatchCase):
+    def json(self, *arguments, stdin=b""):
+        return json.loads(self.succeed(self.match("-o", "json", *arguments, stdin=stdin)))
+
+    def test_one_filter(self):
+        self.assertEqual(self.json(FC1, stdin=ALERTS), [{"path": f"{ALERT_PATH}#1", "match": True},
+                                                        {"path": f"{ALERT_PATH}#2", "match": False}])
+        self.assertEqual(self.json("--why", FC1, stdin=ALERTS)[1]["why"], "MessageID = 'FC1' ('FC2' = 'FC1')")
+        self.assertEqual(self.json(FC1, stdin=b""), [])
+
+    def test_many_filters(self):
+        filters = self.write("filters.txt", f"fan-1: {FC1}\nSELECT * FROM CIM_Indication\n")
+        self.assertEqual(self.json("--filters", filters, stdin=ALERTS),
+                         [{"path": f"{ALERT_PATH}#1", "filters": ["fan-1", 2]}, {"path": f"{ALERT_PATH}#2", "filters": [2]}])
+
+    def test_a_path_with_quotes(self):
+        decided = self.json("-m", SCHEMA, "SELECT * FROM XYZ_Volume", stdin='instance of XYZ_Volume { Id = "a\\"b"; };')
+        self.assertEqual(decided, [{"path": 'root/cimv2:XYZ_Volume.Id="a\\"b"', "match": True}])
+
+    def test_a_filter_that_is_not_valid_prints_nothing(self):
+        self.assertEqual(self.match("-o", "json", "SELECT", stdin=ALERTS).out, "")
+        self.assertEqual(self.match("-o", "json", FC1, "nowhere.mof").out, "")
+
+    def test_another_form(self):
+        result = self.match("-o", "xml", FC1, stdin=ALERTS)
+        self.assertEqual((result.status, result.out), (2, ""))
+        self.assertIn("'xml' is none of json, text", result.err)
 
 
 class Why(MatchCase):
     def test_the_first_condition_that_failed_and_its_values(self):
         self.assertEqual(self.succeed(self.match("--why", FC1, stdin=ALERTS)),
-                         f"{ALERT_PATH}\tmatch\n{ALERT_PATH}\tno match\tMessageID = 'FC1' ('FC2' = 'FC1')\n")
+                         f"{ALERT_PATH}#1\tmatch\n{ALERT_PATH}#2\tno match\tMessageID = 'FC1' ('FC2' = 'FC1')\n")
 
     def test_the_class(self):
         self.assertEqual(self.why("MessageID = 'x'", CREATION, "CIM_AlertIndication"),
@@ -132,7 +174,7 @@ class Why(MatchCase):
         condition = b"SELECT * FROM CIM_AlertIndication WHERE MessageID = 'a\xe9b\xff\x80\xe2\x82d\xc3\xa9\x1b'"
         mof = 'instance of CIM_AlertIndication { MessageID = "\xe9"; };'
         self.assertEqual(self.succeed(self.match("--why", condition, stdin=mof.encode())),
-                         f"{ALERT_PATH}\tno match\tMessageID = 'a\\xE9b\\xFF\\x80\\xE2\\x82d\xe9\\x1B' "
+                         f"{ALERT_PATH}#1\tno match\tMessageID = 'a\\xE9b\\xFF\\x80\\xE2\\x82d\xe9\\x1B' "
                          "('\xe9' = 'a\\xE9b\\xFF\\x80\\xE2\\x82d\xe9\\x1B')\n")
 
     def test_values_that_do_not_compare(self):
@@ -146,7 +188,7 @@ class Why(MatchCase):
         alert = 'instance of CIM_AlertIndication { AlertingElementFormat = 2; AlertingManagedElement = "//h/n:CIM_X.K=1"; };'
         self.assertEqual(self.succeed(self.match("--why", "SELECT * FROM CIM_AlertIndication WHERE "
                                                           "AlertingManagedElement ISA CIM_FCPort", stdin=alert)),
-                         f"{ALERT_PATH}\tno match\tAlertingManagedElement ISA CIM_FCPort "
+                         f"{ALERT_PATH}#1\tno match\tAlertingManagedElement ISA CIM_FCPort "
                          "('//h/n:CIM_X.K=1' ISA CIM_FCPort)\n")
 
 
@@ -173,7 +215,7 @@ class Faults(MatchCase):
     def test_a_warning_for_what_never_matches(self):
         result = self.match("SELECT * FROM CIM_AlertIndication WHERE NOT MessageID = 'x'", stdin=ALERTS)
         self.assertEqual((result.status, result.err), (0, "qorql: warning: a condition under NOT never matches\n"))
-        self.assertEqual(result.out, f"{ALERT_PATH}\tno match\n" * 2)
+        self.assertEqual(result.out, f"{ALERT_PATH}#1\tno match\n{ALERT_PATH}#2\tno match\n")
 
     def test_wrong_usage(self):
         for arguments, says in (([], "FILTER"), (["-q"], "--language"), (["--why=1", FC1], "--why takes no value"),

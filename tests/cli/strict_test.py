@@ -105,7 +105,8 @@ class Filters(ToolCase):
                          (1, ["valid", "invalid", "valid"]))
         result = self.strict("validate", stdin=good + ALERT + " OR EventID = 'b'\n")
         self.assertEqual((result.status, result.out), (1, ""))
-        warning, invalid = result.err.splitlines()
+        warning, summary, invalid = result.err.splitlines()
+        self.assertEqual(summary, "qorql: 4 filters: 3 valid (1 with warnings), 1 invalid")
         self.assertEqual(warning, f"qorql: error: line 5: {NEVER}")
         self.assertTrue(invalid.startswith("qorql: error: CIM_Nope is no class of root/cimv2"), invalid)
 
@@ -115,7 +116,7 @@ class Filters(ToolCase):
 
     def test_match(self):
         instance = 'instance of CIM_AlertIndication { EventID = "a"; };\n'
-        path = "root/cimv2:CIM_AlertIndication\tmatch\n"
+        path = "root/cimv2:CIM_AlertIndication#1\tmatch\n"
         self.assertEqual(self.succeed(self.strict("match", "-m", SCHEMA, ALERT.replace("EventID", "OwningEntity"),
                                                   stdin=instance.replace("EventID", "OwningEntity"))), path)
         missing = os.path.join(self.folder, "missing.mof")  # is not even opened

@@ -61,7 +61,7 @@ class Valid(ValidateCase):
         sources = ",".join(f"CIM_AlertIndication AS a{i}" for i in range(count))
         condition = " AND ".join(f"a{i}.MessageID = 'x'" for i in range(count))
         out = self.succeed(self.validate(stdin=f"SELECT {selected} FROM {sources} WHERE {condition}"))
-        self.assertTrue(out.endswith("\tCIM_AlertIndication.MessageID\n"))
+        self.assertTrue(out.endswith("\tCIM_AlertIndication.MessageID\tline 1\n"))
 
     def test_the_schema_of_mof_files(self):
         self.valid("SELECT Rack, Owner FROM XYZ_Alert", "XYZ_Alert", "Rack,Owner", "-m", SCHEMA)
@@ -395,9 +395,11 @@ class Warnings(ValidateCase):
 
 class Files(ValidateCase):
     FILTERS = (ALERT + "\r\n\n  SELECT * FROM Nope\n" + ALERT + " WHERE NOT EventID = 'a'\n").encode()
-    LINES = ("valid\tCIM_AlertIndication\t*\ninvalid\tNope is no class of root/cimv2 (line 3, column 17)\n"
-             "valid\tCIM_AlertIndication\t*\n")
-    WARNING = "qorql: warning: line 4: a condition under NOT never matches\n"
+    LINES = ("valid\tCIM_AlertIndication\t*\tline 1\n"
+             "invalid\tNope is no class of root/cimv2 (line 3, column 17)\tline 3\n"
+             "valid\tCIM_AlertIndication\t*\tline 4\n")
+    WARNING = ("qorql: warning: line 4: a condition under NOT never matches\n"
+               "qorql: 3 filters: 2 valid (1 with warnings), 1 invalid\n")
 
     def test_a_line_for_each_filter(self):
         for option in ("-f", "--file"):
@@ -409,7 +411,7 @@ class Files(ValidateCase):
         self.assertEqual((result.status, result.out, result.err), (1, self.LINES, self.WARNING))
 
     def test_all_valid(self):
-        self.assertEqual(self.succeed(self.validate(stdin=ALERT)), "valid\tCIM_AlertIndication\t*\n")
+        self.assertEqual(self.succeed(self.validate(stdin=ALERT)), "valid\tCIM_AlertIndication\t*\tline 1\n")
         self.assertEqual(self.succeed(self.validate(stdin="\n")), "")
 
 

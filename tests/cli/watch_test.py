@@ -144,6 +144,12 @@ class ManyFilters(ToolCase):
         for line in lines:
             self.assertEqual(sorted(line), ["PreviousInstance", "SourceInstance", "class", "filters"])
 
+    def test_an_indication_tells_the_names_of_the_filters_that_match(self):
+        line = json.loads(self.succeed(self.watch(f"# what changes\nload: {self.CHANGED}\n{self.CHANGED}\n", "--limit", "1")))
+        self.assertEqual(line["filters"], ["load", 3])
+        self.refused(self.watch("still: SELECT * FROM CIM_AlertIndication", "--strict"), 1,
+                     "qorql: error: line 1 (still): the filter asks for no indication of a change: nothing will be printed")
+
     def test_each_prints_what_the_filters_that_match_it_select(self):
         out = self.succeed(self.watch(
             f"{self.CHANGED}\nSELECT * FROM CIM_InstModification WHERE SourceInstance ISA CIM_Processor\n",

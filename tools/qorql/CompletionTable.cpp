@@ -3,6 +3,7 @@
 #include "CompletionTable.h"
 
 #include <set>
+#include <sstream>
 #include <utility>
 
 #include "Command.h"
@@ -19,11 +20,20 @@ std::vector<std::string> formNames() {
   return names;
 }
 
+// "text|json"
+std::vector<std::string> alternatives(const std::string& type) {
+  std::vector<std::string> words;
+  std::istringstream rest(type);
+  for (std::string word; std::getline(rest, word, '|');) words.push_back(word);
+  return words;
+}
+
 // The word for a value in the help tells what the value is.
 Candidates candidatesOf(const std::string& type) {
   if (type == "FORM") return {CandidateKind::Word, type, formNames()};
   if (type == "LEVEL") return {CandidateKind::Word, type, logLevelNames()};
   if (type == "PAGE") return {CandidateKind::Word, type, pageNames()};
+  if (type.find('|') != std::string::npos) return {CandidateKind::Word, type, alternatives(type)};
   if (type == "FILE" || type == "PATH") return {CandidateKind::File, type, {}};
   if (type == "NAME" || type == "CLASS") return {CandidateKind::Class, type, {}};
   return {CandidateKind::Anything, type, {}};

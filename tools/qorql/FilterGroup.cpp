@@ -2,19 +2,21 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "FilterGroup.h"
 
-#include <sstream>
-
+#include "DisplayText.h"
 #include "ErrorReport.h"
+#include "FilterFile.h"
+#include "JsonValue.h"
 #include "Statements.h"
 #include "TextInput.h"
 
 bool FilterGroup::readFile(const std::string& path) {
-  std::istringstream lines(normaliseText(readTextFile(path)));
-  std::string text;
-  bool areSound = true;
-  for (QORuint32 line = 1; std::getline(lines, text); ++line) {
-    if (text.find_first_not_of(" \t") == std::string::npos) continue;
-    areSound = take(_session.check(text, line), line) && areSound;
+  const std::vector<FileFilter> filters = splitFilters(normaliseText(readTextFile(path)));
+  const std::vector<std::string> doubled = doubledNames(filters);
+  for (const std::string& complaint : doubled) reportRefusal(complaint);
+  bool areSound = doubled.empty();
+  for (const FileFilter& filter : filters) {
+    if (!filter.name.empty()) _names.emplace(filter.line, filter.name);
+    areSound = take(_session.check(filter.text, filter.firstLine, filter.firstColumn), filter.line) && areSound;
   }
   return areSound;
 }
@@ -22,7 +24,7 @@ bool FilterGroup::readFile(const std::string& path) {
 bool FilterGroup::readOne(const std::string& text) { return take(_session.check(text), 0); }
 
 bool FilterGroup::take(CheckedFilter filter, Line line) {
-  const std::string place = placeOfFilter(line);
+  const std::string place = placeOf(line);
   if (!filter.reason.empty()) {
     reportRefusal(place + "the filter is not valid: " + filter.reason);
     return false;
@@ -39,10 +41,30 @@ const FilterGroup::Lines& FilterGroup::matching(const QORSmrPtr<IQoriObject>& in
   return _found;
 }
 
-std::string FilterGroup::textOf(const Lines& lines, const char* separator) {
+std::string FilterGroup::textOf(const Lines& lines) const {
   std::string text;
-  for (const Line line : lines) text += (text.empty() ? "" : separator) + std::to_string(line);
+  for (const Line line : lines) {
+    const std::string name = nameOf(line);
+    text += (text.empty() ? "" : ",") + (name.empty() ? std::to_string(line) : printableText(name));
+  }
   return text;
 }
 
-std::string placeOfFilter(FilterGroup::Line line) { return line == 0 ? "" : "line " + std::to_string(line) + ": "; }
+std::string FilterGroup::jsonOf(const Lines& lines) const {
+  std::string text;
+  for (const Line line : lines) {
+    const std::string name = nameOf(line);
+    text += (text.empty() ? "" : ", ") + (name.empty() ? std::to_string(line) : jsonText(name));
+  }
+  return '[' + text + ']';
+}
+
+std::string FilterGroup::placeOf(Line line) const {
+  if (line == 0) return {};
+  return placeOfFilter({.name = printableText(nameOf(line)), .text = "", .line = static_cast<QORuint32>(line)});
+}
+
+std::string FilterGroup::nameOf(Line line) const {
+  const auto found = _names.find(line);
+  return found == _names.end() ? "" : found->second;
+}

@@ -2,7 +2,23 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "FilterOptions.h"
 
+#include <map>
+
 #include "OptionDeclarations.h"
+
+namespace {
+
+const std::map<std::string, FilterOutput> kOutputs = {{"text", FilterOutput::Text}, {"json", FilterOutput::Json}};
+
+}  // namespace
+
+void declareFilterOutput(CLI::App& app, FilterOutput& output) {
+  declareValue(app, {.names = "-o,--output",
+                     .type = "text|json",
+                     .description = "Print lines of text or a JSON array (default: text)",
+                     .take = [&output](const std::string& name) { output = kOutputs.at(name); },
+                     .check = oneOf(kOutputs)});
+}
 
 void declareFilterOptions(CLI::App& app, FilterOptions& options) {
   declareSessionOptions(app, options.session);

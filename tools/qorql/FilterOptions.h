@@ -13,6 +13,11 @@ struct FilterOptions {
   bool isStrict = false;  // a filter with warnings is refused
 };
 
+// Text for people, or JSON.
+enum class FilterOutput { Text, Json };
+// BORROWS the output until the command line has been parsed.
+void declareFilterOutput(CLI::App& app, FilterOutput& output);
+
 // BORROWS the options until the command line has been parsed.
 void declareFilterOptions(CLI::App& app, FilterOptions& options);
 

@@ -13,6 +13,7 @@
 #include "IndicationSink.h"
 #include "ScannerOutput.h"
 #include "StatementText.h"
+#include "WqlHint.h"
 
 void FilterSession::open(Session::LeftOut leftOut) {
   _session.open(indicationSchemaMof(), leftOut);
@@ -27,17 +28,17 @@ void FilterSession::open(Session::LeftOut leftOut) {
   }
 }
 
-CheckedFilter FilterSession::check(const std::string& text, QORuint32 firstLine) {
+CheckedFilter FilterSession::check(const std::string& text, QORuint32 firstLine, QORuint32 firstColumn) {
   CheckedFilter checked;
   checked.statement =
       std::make_unique<CQLQueryStatement>(QORString(_options.language), QORString(text), nameSpace(), nameSpace());
   {
     const ScannerOutput scanner;
     checked.statement->validate();
-    checked.warnings = scanner.passedOver({text, firstLine});
+    checked.warnings = scanner.passedOver({text, firstLine, firstColumn});
   }
   _session.dropWarnings();
-  const StatementText filter(text, firstLine);
+  const StatementText filter(text, firstLine, firstColumn);
   const CQLQueryFault& fault = checked.statement->getFault();
   if (fault.kind != CQLQueryFault::kNone) {
     checked.reason = FilterFault(manager(), nameSpace(), filter).describe(fault);
@@ -45,10 +46,14 @@ CheckedFilter FilterSession::check(const std::string& text, QORuint32 firstLine)
     if (fault.kind != CQLQueryFault::kLanguage) {
       for (const std::string& warning : checked.warnings) checked.reason += "; " + warning;
     }
+    const std::string hint = wqlHint(filter, {checked.reason});
+    if (!hint.empty()) checked.reason += "; " + hint;
     checked.reason = printableText(checked.reason);
   } else {
     const std::vector<std::string> more = FilterWarnings(manager(), nameSpace(), filter).of(*checked.statement);
     checked.warnings.insert(checked.warnings.end(), more.begin(), more.end());
+    const std::string hint = wqlHint(filter, more);
+    if (!hint.empty()) checked.warnings.push_back(hint);
   }
   for (const StatementText::Piece& piece : filter.pieces()) {
     if (piece.kind == StatementText::Kind::Word) _session.tellOfLeftOut(piece.text);

@@ -28,8 +28,8 @@ class FilterSession {
   // QoriBaseException as that.
   void open(Session::LeftOut leftOut = Session::LeftOut::TellWhenNamed);
 
-  // Validates a filter; places in the reason count from the given line.
-  CheckedFilter check(const std::string& text, QORuint32 firstLine = 1);
+  // Validates a filter; places in the reason count from the given one.
+  CheckedFilter check(const std::string& text, QORuint32 firstLine = 1, QORuint32 firstColumn = 1);
   // Prints the warnings of a valid filter on standard error, after what `place` says. With --strict they are errors:
   // false when there is one.
   bool passes(const CheckedFilter& filter, const std::string& place = "") const;

@@ -11,6 +11,7 @@
 #include "ExitStatus.h"
 #include "FilterGroup.h"
 #include "FilterSession.h"
+#include "JsonValue.h"
 #include "OptionDeclarations.h"
 #include "TextInput.h"
 
@@ -22,7 +23,8 @@ constexpr const char* kFooter =
     "FILEs hold instances as MOF text; \"-\", or no FILE at all, is standard input. The schema\n"
     "comes with --mof. The instances need no keys and are not stored. Prints a line for each:\n"
     "its path, a tab, and \"match\" or \"no match\". With --filters many filters are asked\n"
-    "together, and the numbers of the lines of those that match, joined by commas, follow the tab.\n"
+    "together, and the names of those that match, or the numbers of their lines, follow the tab,\n"
+    "joined by commas. An instance without keys is told by its number among all that are read.\n"
     "\n"
     "Exit status: 0 every instance was decided; 1 a filter is not valid; 2 wrong usage;\n"
     "3 MOF or configuration failure.\n"
@@ -39,16 +41,58 @@ struct MatchOptions {
   std::string filters;  // a file of them; empty: the one in the text
   std::vector<std::string> files;
   bool isWhy = false;
+  FilterOutput output = FilterOutput::Text;
 };
 
 using Instances = std::vector<QORSmrPtr<IQoriObject>>;
 
-// The class path of an instance that lacks a key.
-std::string pathOf(const IQoriObject& instance) {
+// Of an instance that lacks a key the path of its class and the instance's number.
+std::string pathOf(const IQoriObject& instance, std::size_t number) {
   const QORSmrPtr<IQoriInstanceName> name(instance.getInstanceName());
   if (!name.IsNull()) return std::string(name->toString().view());
-  return std::string(instance.getNameSpace().view()) + ":" + std::string(instance.getClassName().view());
+  return std::string(instance.getNameSpace().view()) + ":" + std::string(instance.getClassName().view()) + "#" +
+         std::to_string(number);
 }
+
+// Prints what was decided about one instance after the other.
+class DecisionPrinter {
+ public:
+  explicit DecisionPrinter(FilterOutput output) : _isJson(output == FilterOutput::Json) {
+    if (_isJson) std::cout << '[';
+  }
+
+  void print(const IQoriObject& instance, bool isMatch, const std::string& why) {
+    if (_isJson) {
+      printJson(instance, std::string("\"match\": ") + (isMatch ? "true" : "false") +
+                              (why.empty() ? "" : ", \"why\": " + jsonText(why)));
+    } else {
+      printLine(instance, (isMatch ? "match" : "no match") + (why.empty() ? "" : '\t' + printableText(why)));
+    }
+  }
+  void print(const IQoriObject& instance, const FilterGroup& filters, const FilterGroup::Lines& matching) {
+    if (_isJson) {
+      printJson(instance, "\"filters\": " + filters.jsonOf(matching));
+    } else {
+      printLine(instance, filters.textOf(matching));
+    }
+  }
+  void finish() const {
+    if (_isJson) std::cout << (_count == 0 ? "]\n" : "\n]\n");
+  }
+
+ private:
+  void printLine(const IQoriObject& instance, const std::string& decision) {
+    std::cout << printableText(pathOf(instance, ++_count)) << '\t' << decision << '\n';
+  }
+  void printJson(const IQoriObject& instance, const std::string& decision) {
+    const bool isFirst = _count == 0;
+    std::cout << (isFirst ? "\n  {" : ",\n  {") << "\"path\": " << jsonText(pathOf(instance, ++_count)) << ", "
+              << decision << '}';
+  }
+
+  const bool _isJson;
+  std::size_t _count = 0;
+};
 
 Instances readInstances(FilterSession& session, const std::string& file) {
   MofLoader loader(session.manager().sink(), session.nameSpace());
@@ -56,15 +100,13 @@ Instances readInstances(FilterSession& session, const std::string& file) {
   return loader.readInstances(readStandardInput(), "standard input");
 }
 
-void decide(const CQLQueryStatement& filter, const Instances& instances, bool isWhy) {
+void decide(const CQLQueryStatement& filter, const Instances& instances, bool isWhy, DecisionPrinter& printer) {
   for (const QORSmrPtr<IQoriObject>& instance : instances) {
     if (!std::cout) return;
     std::string why;
     const QORString nameSpace(instance->getNameSpace());
     const bool isMatch = isWhy ? filter.explainMatch(instance, nameSpace, why) : filter.isMatch(instance, nameSpace);
-    std::cout << printableText(pathOf(*instance)) << (isMatch ? "\tmatch" : "\tno match");
-    if (!why.empty()) std::cout << '\t' << printableText(why);
-    std::cout << '\n';
+    printer.print(*instance, isMatch, why);
   }
 }
 
@@ -78,13 +120,15 @@ std::vector<Instances> readAll(FilterSession& session, const std::vector<std::st
 int matchMany(FilterSession& session, const MatchOptions& options) {
   FilterGroup filters(session);
   if (!filters.readFile(options.filters)) return kExitRefused;
-  for (const Instances& instances : readAll(session, options.files)) {
+  const std::vector<Instances> files = readAll(session, options.files);
+  DecisionPrinter printer(options.output);
+  for (const Instances& instances : files) {
     for (const QORSmrPtr<IQoriObject>& instance : instances) {
       if (!std::cout) return kExitDone;
-      const FilterGroup::Lines& lines = filters.matching(instance, instance->getNameSpace());
-      std::cout << printableText(pathOf(*instance)) << '\t' << FilterGroup::textOf(lines, ",") << '\n';
+      printer.print(*instance, filters, filters.matching(instance, instance->getNameSpace()));
     }
   }
+  printer.finish();
   return kExitDone;
 }
 
@@ -96,9 +140,10 @@ int runMatch(const MatchOptions& options) {
     const CheckedFilter filter = session.check(*options.text);
     if (!filter.reason.empty()) return reportRefusal("the filter is not valid: " + filter.reason);
     if (!session.passes(filter)) return kExitRefused;
-    for (const Instances& instances : readAll(session, options.files)) {
-      decide(*filter.statement, instances, options.isWhy);
-    }
+    const std::vector<Instances> files = readAll(session, options.files);
+    DecisionPrinter printer(options.output);
+    for (const Instances& instances : files) decide(*filter.statement, instances, options.isWhy, printer);
+    printer.finish();
   } catch (...) {
     return reportStartFailure();
   }
@@ -111,10 +156,11 @@ CommandAction declareMatchCommand(CLI::App& app) {
   const auto options = std::make_shared<MatchOptions>();
   describeCommand(app, kDescription, kFooter);
   declareFilterOptions(app, options->filter);
+  declareFilterOutput(app, options->output);
   declareFlag(app, "--why", options->isWhy, "Tell the first condition that failed and the values it compared");
   declareValue(app, {.names = "--filters",
                      .type = "FILE",
-                     .description = "Ask the filters of a file, one a line, in place of FILTER",
+                     .description = "Ask the filters of a file in place of FILTER",
                      .take = keepIn(options->filters),
                      .check = checkFile});
   declareValue(app, {.names = "FILTER", .description = "The filter", .take = [options](const std::string& text) {

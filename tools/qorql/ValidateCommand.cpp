@@ -5,12 +5,14 @@
 #include <iostream>
 #include <optional>
 #include <set>
-#include <sstream>
 #include <utility>
 
+#include "DisplayText.h"
 #include "ErrorReport.h"
 #include "ExitStatus.h"
+#include "FilterFile.h"
 #include "FilterSession.h"
+#include "FilterVerdict.h"
 #include "OptionDeclarations.h"
 #include "Statements.h"
 #include "TextInput.h"
@@ -23,8 +25,10 @@ constexpr const char* kDescription =
 
 constexpr const char* kFooter =
     "Prints a line for each filter: \"valid\", the classes of FROM and the properties that the\n"
-    "filter uses (* for all of them), or \"invalid\" and the reason; separated by tabs.\n"
-    "Without FILTER and --file, filters are read from standard input, one a line.\n"
+    "filter uses (* for all of them), or \"invalid\" and the reason; separated by tabs. Of a file\n"
+    "or, without FILTER and --file, of standard input each filter's line and name follow.\n"
+    "A filter goes on in the lines that are indented under it; # begins a line of comment, and\n"
+    "\"NAME: \" before a filter names it.\n"
     "\n"
     "Exit status: 0 every filter is valid; 1 one is not, or --strict refuses one; 2 wrong usage;\n"
     "3 MOF or configuration failure.\n"
@@ -36,60 +40,76 @@ struct ValidateOptions {
   FilterOptions filter;
   std::optional<std::string> text;  // none: the file, else standard input
   std::string file;                 // empty: none
+  FilterOutput output = FilterOutput::Text;
 };
-
-std::string joined(const std::vector<std::string>& names) {
-  std::string text;
-  for (const std::string& name : names) text += (text.empty() ? "" : ",") + name;
-  return text;
-}
 
 class Validation {
  public:
-  explicit Validation(FilterSession& session) : _session(session) {}
+  Validation(FilterSession& session, const ValidateOptions& options)
+      : _session(session),
+        _isJson(options.output == FilterOutput::Json),
+        _isStrict(options.filter.isStrict),
+        _isQuiet(options.filter.session.isQuiet) {}
 
-  // Adds one line.
-  void validate(const std::string& text, QORuint32 line, bool isOneOfMany) {
-    const CheckedFilter filter = _session.check(text, line);
-    if (!filter.reason.empty()) {
-      _areAllValid = false;
-      print(std::string(kInvalid) + filter.reason);
-      return;
+  void validate(const std::string& text) { judge({.name = "", .text = text, .line = 0}); }
+  void validateFile(std::string text) {
+    const std::vector<FileFilter> filters = splitFilters(normaliseText(std::move(text)));
+    for (const std::string& complaint : doubledNames(filters)) {
+      reportRefusal(complaint);
+      _areNamesSound = false;
     }
-    print("valid\t" + needsOf(*filter.statement));
-    if (!_session.passes(filter, isOneOfMany ? "line " + std::to_string(line) + ": " : ""))
-      _areAllFreeOfWarnings = false;
-  }
-  // One filter a line, blank lines left out.
-  void validateLines(std::string text) {
-    std::istringstream lines(normaliseText(std::move(text)));
-    std::string line;
-    for (QORuint32 number = 1; std::getline(lines, line) && std::cout; ++number) {
-      if (line.find_first_not_of(" \t") != std::string::npos) validate(line, number, true);
+    for (const FileFilter& filter : filters) {
+      if (!std::cout) return;
+      judge(filter);
     }
+    if (_count > 1) summarise();
   }
   // The exit status. With --strict nothing is printed before the last filter has been looked at, and nothing at all
   // where one would be warned of: what is not valid is an error then like the warnings.
   int finish() {
-    for (const std::string& line : _held) {
-      if (_areAllFreeOfWarnings) {
-        std::cout << line << '\n';
-      } else if (line.starts_with(kInvalid)) {
-        reportRefusal(line.substr(kInvalid.size()));
+    const bool isRefused = _isStrict && _warnedCount != 0;
+    for (const FilterVerdict& verdict : _held) {
+      if (!isRefused) {
+        write(verdict);
+      } else if (!verdict.isValid()) {
+        reportRefusal(verdict.reason);
       }
     }
-    return _areAllValid && _areAllFreeOfWarnings ? kExitDone : kExitRefused;
+    if (_isJson && !isRefused) std::cout << (_writtenCount == 0 ? "[]\n" : "\n]\n");
+    return _validCount == _count && !isRefused && _areNamesSound ? kExitDone : kExitRefused;
   }
 
  private:
-  static constexpr std::string_view kInvalid = "invalid\t";
-
-  void print(const std::string& line) {
-    if (_session.isStrict()) {
-      _held.push_back(line);
-    } else {
-      std::cout << line << '\n';
+  void judge(const FileFilter& filter) {
+    const CheckedFilter checked = _session.check(filter.text, filter.firstLine, filter.firstColumn);
+    FilterVerdict verdict{filter.line, printableText(filter.name), checked.reason, {}, {}, {}};
+    ++_count;
+    if (verdict.isValid()) {
+      ++_validCount;
+      addNeeds(*checked.statement, verdict);
+      for (const std::string& warning : checked.warnings) verdict.warnings.push_back(printableText(warning));
     }
+    if (!verdict.warnings.empty()) ++_warnedCount;
+    if (_isStrict) {
+      _held.push_back(verdict);
+    } else {
+      write(verdict);
+    }
+    if (verdict.isValid()) _session.passes(checked, filter.line == 0 ? "" : placeOfFilter(filter));
+  }
+  void write(const FilterVerdict& verdict) {
+    const bool isFirst = _writtenCount++ == 0;
+    if (_isJson) {
+      std::cout << (isFirst ? "[\n  " : ",\n  ") << jsonOf(verdict);
+    } else {
+      std::cout << textOf(verdict) << '\n';
+    }
+  }
+  void summarise() const {
+    if (_isQuiet) return;
+    std::cerr << "qorql: " << _count << " filters: " << _validCount << " valid";
+    if (_warnedCount != 0) std::cerr << " (" << _warnedCount << " with warnings)";
+    std::cerr << ", " << _count - _validCount << " invalid\n";
   }
   QORString declaredName(const QORString& className) const {
     const QORSmrPtr<IQoriClass> found = _session.manager().sink().findClass(_session.nameSpace(), className);
@@ -110,27 +130,30 @@ class Validation {
     }
     return properties;
   }
-  std::string needsOf(const CQLQueryStatement& statement) const {
+  void addNeeds(const CQLQueryStatement& statement, FilterVerdict& verdict) const {
     const CQLQueryStatement::ClassList classes(statement.getClassList());
-    std::vector<std::string> names;
-    std::vector<std::string> properties;
     std::set<std::string> seen;  // a class may stand in FROM twice
     QORValSlistIterator<QORSmrPtr<IQoriInstanceName>> iterator(*classes);
     while (++iterator) {
-      names.emplace_back(declaredName(iterator.key()->getClassName()).view());
-      if (!seen.insert(names.back()).second) continue;
-      const std::string prefix = classes->entries() > 1 ? names.back() + "." : "";
+      const std::string& name = verdict.classes.emplace_back(declaredName(iterator.key()->getClassName()).view());
+      if (!seen.insert(name).second) continue;
+      const std::string prefix = classes->entries() > 1 ? name + "." : "";
       for (std::string& property : propertiesOf(statement, iterator.key(), prefix)) {
-        properties.push_back(std::move(property));
+        verdict.properties.push_back(std::move(property));
       }
     }
-    return joined(names) + '\t' + joined(properties);
   }
 
   FilterSession& _session;
-  bool _areAllValid = true;
-  bool _areAllFreeOfWarnings = true;
-  std::vector<std::string> _held;  // lines of output
+  const bool _isJson;
+  const bool _isStrict;
+  const bool _isQuiet;
+  bool _areNamesSound = true;
+  std::size_t _count = 0;
+  std::size_t _validCount = 0;
+  std::size_t _warnedCount = 0;
+  std::size_t _writtenCount = 0;
+  std::vector<FilterVerdict> _held;  // with --strict, until all are known
 };
 
 int runValidate(const ValidateOptions& options) {
@@ -141,13 +164,13 @@ int runValidate(const ValidateOptions& options) {
   } catch (...) {
     return reportStartFailure();
   }
-  Validation validation(session);
+  Validation validation(session, options);
   if (options.text) {
-    validation.validate(*options.text, 1, false);
+    validation.validate(*options.text);
   } else if (options.file.empty()) {
-    validation.validateLines(readStandardInput());
+    validation.validateFile(readStandardInput());
   } else {
-    validation.validateLines(readTextFile(options.file));
+    validation.validateFile(readTextFile(options.file));
   }
   return validation.finish();
 }
@@ -160,9 +183,10 @@ CommandAction declareValidateCommand(CLI::App& app) {
   declareFilterOptions(app, options->filter);
   declareValue(app, {.names = "-f,--file",
                      .type = "FILE",
-                     .description = "Read filters from a file, one a line",
+                     .description = "Read filters from a file",
                      .take = keepIn(options->file),
                      .check = checkFile});
+  declareFilterOutput(app, options->output);
   const auto takeText = [options](const std::string& text) { options->text = text; };
   declareValue(app, {.names = "FILTER", .description = "One filter", .take = takeText});
   return [options] { return runValidate(*options); };

@@ -31,7 +31,8 @@ constexpr const char* kFooter =
     "properties changed a CIM_InstModification; SourceInstance holds the instance and\n"
     "PreviousInstance what it was before. Each that matches is printed as a JSON object in a line\n"
     "of its own, with the properties that SELECT names and that have a value. With --filters many\n"
-    "filters are asked together, and \"filters\" holds the numbers of the lines of those that match.\n"
+    "filters are asked together, and \"filters\" holds the names of those that match, or the\n"
+    "numbers of their lines.\n"
     "Ends with Ctrl-C, with SIGTERM, and when the reader of its output goes away.\n"
     "\n"
     "Exit status: 0 done; 1 a filter is not valid; 2 wrong usage; 3 MOF, configuration or\n"
@@ -86,7 +87,7 @@ class IndicationPrinter {
     const FilterGroup::Lines& lines = _filters.matching(indication, nameSpace);
     if (lines.empty()) return;
     std::string text = "{";
-    if (lines.front() != 0) text += "\"filters\": [" + FilterGroup::textOf(lines, ", ") + "], ";
+    if (lines.front() != 0) text += "\"filters\": " + _filters.jsonOf(lines) + ", ";
     text += "\"class\": " + jsonText(indication->getClassName().view());
     for (QORuint32 i = 0; i < indication->getPropertyCount(); ++i) {
       const QORSmrPtr<IQoriProperty> property(indication->getPropertyAt(i));
@@ -121,10 +122,10 @@ bool addFilters(const WatchOptions& options, const FilterGroup& filters, LiveWat
     const std::string silence = watch.add(*statement);
     if (silence.empty()) continue;
     if (options.filter.isStrict) {
-      reportRefusal(placeOfFilter(line) + silence);
+      reportRefusal(filters.placeOf(line) + silence);
       areSound = false;
     } else {
-      warn(options, placeOfFilter(line) + silence);
+      warn(options, filters.placeOf(line) + silence);
     }
   }
   return areSound;
@@ -215,7 +216,7 @@ CommandAction declareWatchCommand(CLI::App& app) {
                      .check = checkCount});
   declareValue(app, {.names = "--filters",
                      .type = "FILE",
-                     .description = "Ask the filters of a file, one a line, in place of FILTER",
+                     .description = "Ask the filters of a file in place of FILTER",
                      .take = keepIn(options->filters),
                      .check = checkFile});
   declareValue(app, {.names = "FILTER", .description = "The filter", .take = [options](const std::string& text) {

@@ -1,0 +1,54 @@
+// What WQL calls otherwise than CIM does.
+// SPDX-License-Identifier: Apache-2.0
+#include "WqlHint.h"
+
+#include <algorithm>
+
+namespace {
+
+struct WqlWord {
+  const char* word;
+  const char* inCim;  // null: there is nothing like it
+  bool isEvent;       // no class of CIM is called like that
+};
+constexpr WqlWord kWords[] = {
+    {"__InstanceOperationEvent", "CIM_InstIndication", true},
+    {"__InstanceCreationEvent", "CIM_InstCreation", true},
+    {"__InstanceModificationEvent", "CIM_InstModification", true},
+    {"__InstanceDeletionEvent", "CIM_InstDeletion", true},
+    {"TargetInstance", "SourceInstance", false},
+    {"WITHIN", nullptr, false},
+};
+
+bool isIn(const StatementText& text, const char* word) {
+  const auto& pieces = text.pieces();
+  return std::any_of(pieces.begin(), pieces.end(), [word](const StatementText::Piece& piece) {
+    return piece.kind == StatementText::Kind::Word && QORString::equalIgnoringCase(piece.text, word);
+  });
+}
+
+bool isAbout(const std::vector<std::string>& complaints, const char* word) {
+  return std::any_of(complaints.begin(), complaints.end(), [word](const std::string& complaint) {
+    return isIn(StatementText(complaint), word) || complaint.find("'" + std::string(word) + "'") != std::string::npos;
+  });
+}
+
+}  // namespace
+
+std::string wqlHint(const StatementText& text, const std::vector<std::string>& complaints) {
+  std::string hint;
+  bool isWql = false;
+  bool hasInterval = false;
+  for (const WqlWord& word : kWords) {
+    if (!isIn(text, word.word)) continue;
+    isWql = isWql || word.isEvent || isAbout(complaints, word.word);
+    if (word.inCim == nullptr) {
+      hasInterval = true;
+    } else {
+      hint += (hint.empty() ? "in CIM write " : ", ") + std::string(word.inCim) + " for " + word.word;
+    }
+  }
+  if (!isWql) return {};
+  if (!hasInterval) return hint;
+  return hint.empty() ? "in CIM there is no WITHIN: leave it out" : hint + ", and leave out WITHIN";
+}
