@@ -16,7 +16,7 @@ import unittest
 import toolcase
 from toolcase import ToolCase, at_terminal
 
-COMMANDS = ("query", "classes", "class", "instances", "validate", "match", "watch", "explain", "pages")
+COMMANDS = ("query", "classes", "class", "instances", "contents", "describe", "get", "validate", "match", "watch", "explain", "pages")
 FORMS = ["csv", "html", "json", "jsonl", "mof", "table", "xml"]
 SECONDS = int(os.environ.get("QORQL_PATIENCE", "60"))
 
@@ -62,11 +62,13 @@ class Completion:
         self.assertEqual(self.complete("class", "Linux_Us"), ["Linux_User"])
         self.assertEqual(self.complete("instances", "CIM_Oper"), ["CIM_OperatingSystem"])
         self.assertEqual(self.complete("class", "--al"), ["--alone"])
+        self.assertEqual(self.complete("describe", "Linux_Us"), ["Linux_User"])
 
     def test_values_of_options(self):
         self.assertEqual(self.complete("-o", ""), FORMS)
         self.assertEqual(self.complete("classes", "--log", "t"), ["trace"])
         self.assertEqual(self.complete("validate", "-o", ""), ["json", "text"])
+        self.assertEqual(self.complete("contents", "-o", ""), ["csv", "html", "json", "jsonl", "table"])
         self.assertEqual(self.complete("-n", ""), [])
 
     def test_pages(self):

@@ -147,7 +147,7 @@ class Instances(ToolCase):
                      "qorql: error: there is no class Shop_None in namespace root/cimv2")
 
     def test_wrong_usage(self):
-        for arguments in (["instances"], ["instances", "A", "B"], ["instances", "--nothing", "A"]):
+        for arguments in (["instances", "A", "B"], ["instances", "--nothing", "A"]):
             result = self.run_tool(*arguments)
             self.assertEqual((result.status, result.out), (2, ""), arguments)
             self.assertTrue(result.err.endswith("Try qorql instances --help.\n"), result.err)

@@ -5,7 +5,7 @@ import subprocess
 import toolcase
 from toolcase import ToolCase
 
-COMMANDS = ("query", "explain", "classes", "class", "instances", "validate", "match", "watch", "pages")
+COMMANDS = ("query", "explain", "classes", "class", "instances", "contents", "describe", "get", "validate", "match", "watch", "pages")
 
 
 class Pages(ToolCase):

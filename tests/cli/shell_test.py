@@ -335,7 +335,7 @@ class History(Shell):
 class Commands(Shell):
     def test_help_names_every_command(self):
         text = self.person().ask(".help")
-        for name in (".help", ".classes", ".class", ".mof", ".namespace", ".output", ".explain", ".stats", ".timer", ".quit"):
+        for name in (".help", ".classes", ".class", ".describe", ".tables", ".schema", ".mof", ".namespace", ".output", ".explain", ".stats", ".timer", ".quit"):
             self.assertIn("\n" + name + " ", "\n" + text)
 
     def test_classes_and_class(self):

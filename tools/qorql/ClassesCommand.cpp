@@ -30,10 +30,7 @@ struct ClassesOptions {
   bool isLong = false;
 };
 
-std::string wholePattern(const std::string& given) {
-  const bool hasWildcard = given.find_first_of("*?[") != std::string::npos;
-  return hasWildcard ? given : "*" + given + "*";
-}
+std::string wholePattern(const std::string& given) { return hasWildcard(given) ? given : "*" + given + "*"; }
 
 // What the class is besides a class; empty when it is nothing else.
 std::string kindOf(const IQoriClass& declared) {
@@ -81,13 +78,17 @@ int listClasses(const ClassesOptions& options) {
 std::vector<QORString> matchingClasses(const EmbeddedObjectManager& manager, const std::string& nameSpace,
                                        const std::string& pattern) {
   std::vector<QORString> names = manager.classNames(nameSpace.c_str());
-  const std::string whole = wholePattern(pattern);
-  std::erase_if(names,
-                [&whole](const QORString& name) { return fnmatch(whole.c_str(), name.c_str(), FNM_CASEFOLD) != 0; });
+  std::erase_if(names, [&pattern](const QORString& name) { return !isClassMatch(name, pattern); });
   std::sort(names.begin(), names.end(),
             [](const QORString& a, const QORString& b) { return a.compareTo(b, false) < 0; });
   return names;
 }
+
+bool isClassMatch(const QORString& name, const std::string& pattern) {
+  return fnmatch(wholePattern(pattern).c_str(), name.c_str(), FNM_CASEFOLD) == 0;
+}
+
+bool hasWildcard(const std::string& pattern) { return pattern.find_first_of("*?[") != std::string::npos; }
 
 std::string missingClassText(const EmbeddedObjectManager& manager, const std::string& nameSpace,
                              const std::string& name) {

@@ -16,6 +16,11 @@ CommandAction declareClassesCommand(CLI::App& app);
 std::vector<QORString> matchingClasses(const EmbeddedObjectManager& manager, const std::string& nameSpace,
                                        const std::string& pattern);
 
+// Whether a class has a name that matches such a pattern.
+bool isClassMatch(const QORString& name, const std::string& pattern);
+
+bool hasWildcard(const std::string& pattern);
+
 // Says that the namespace has no such class, and which may have been meant.
 std::string missingClassText(const EmbeddedObjectManager& manager, const std::string& nameSpace,
                              const std::string& name);

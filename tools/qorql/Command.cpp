@@ -7,7 +7,10 @@
 
 #include "ClassCommand.h"
 #include "ClassesCommand.h"
+#include "ContentsCommand.h"
+#include "DescribeCommand.h"
 #include "ExplainCommand.h"
+#include "GetCommand.h"
 #include "InstancesCommand.h"
 #include "MatchCommand.h"
 #include "PagesCommand.h"
@@ -19,9 +22,12 @@ namespace {
 
 constexpr Command kCommands[] = {
     {"query", "Run statements and print their results (what runs when no command is named)", declareQueryCommand},
+    {"contents", "Tell which classes have instances and what associations tie", declareContentsCommand},
     {"classes", "List the classes of the namespace", declareClassesCommand},
     {"class", "Print a class as MOF text", declareClassCommand},
-    {"instances", "Print the instances of a class as MOF text", declareInstancesCommand},
+    {"describe", "List the properties of a class and what they mean", declareDescribeCommand},
+    {"instances", "Print the instances of classes as MOF text", declareInstancesCommand},
+    {"get", "Print the instance that a path names", declareGetCommand},
     {"validate", "Tell whether filters of indications are valid and what they need", declareValidateCommand},
     {"match", "Tell which instances a filter matches", declareMatchCommand},
     {"watch", "Print the live changes that a filter matches", declareWatchCommand},

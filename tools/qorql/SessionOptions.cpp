@@ -53,10 +53,14 @@ void declareSessionOptions(CLI::App& app, SessionOptions& options) {
                      .description = "Load a MOF file, or every .mof file of a folder (repeatable)",
                      .take = keepIn(options.mofPaths),
                      .isRepeatable = true});
+  const auto takeNamespace = [&options](const std::string& name) {
+    options.nameSpace = name;
+    options.isNamespaceGiven = true;
+  };
   declareValue(app, {.names = "-n,--namespace",
                      .type = "NAME",
                      .description = "Namespace (default: root/cimv2)",
-                     .take = keepIn(options.nameSpace),
+                     .take = takeNamespace,
                      .check = checkName});
   declareValue(app, {.names = "--cache",
                      .type = "FILE",

@@ -22,6 +22,7 @@ struct Setting {
 struct SessionOptions {
   std::vector<std::string> mofPaths;
   std::string nameSpace;
+  bool isNamespaceGiven = false;
   std::string cacheFile;  // empty: one of the user's cache folder, for large MOF
   bool hasNoCache = false;
   bool hasNoLiveClasses = false;

@@ -9,8 +9,12 @@
 #include <optional>
 
 #include "ClassesCommand.h"
+#include "DescribeCommand.h"
+#include "DisplayText.h"
 #include "ErrorReport.h"
 #include "ExplainCommand.h"
+#include "Interrupt.h"
+#include "ModelContents.h"
 #include "ParsedQuery.h"
 #include "QueryHint.h"
 #include "StatementCompletion.h"
@@ -38,11 +42,59 @@ void listClasses(Argument pattern, ShellState& state) {
   if (names.empty()) complain("no class matches \"" + pattern + "\" in namespace " + state.options.nameSpace);
 }
 
+void printContents(Argument pattern, ShellState& state) {
+  const ModelContents contents = contentsOf(state.session.manager(), QORString(state.options.nameSpace));
+  bool isAny = false;
+  for (const ModelContents::ClassCount& known : contents.classes) {
+    if (!isClassMatch(known.name, pattern)) continue;
+    isAny = true;
+    std::cout << known.name << ' ' << known.count << '\n';
+  }
+  for (const std::string& fault : contents.faults) std::cerr << "qorql: warning: " << printableText(fault) << '\n';
+  state.session.printWarnings();
+  if (isAny) return;
+  complain(pattern.empty()
+               ? "no class has instances in namespace " + state.options.nameSpace
+               : "no class with instances matches \"" + pattern + "\" in namespace " + state.options.nameSpace);
+}
+
+// Whether there is the class; complains where not.
+bool isClass(Argument name, const char* command, const ShellState& state) {
+  const EmbeddedObjectManager& manager = state.session.manager();
+  const bool isThere =
+      !name.empty() && !manager.repository()->getClass(QORString(state.options.nameSpace), QORString(name)).IsNull();
+  if (!isThere) {
+    complain(name.empty() ? command + std::string(" needs the name of a class")
+                          : missingClassText(manager, state.options.nameSpace, name));
+  }
+  return isThere;
+}
+
+void describe(Argument name, ShellState& state) {
+  if (!isClass(name, ".describe", state)) return;
+  printDescription(std::cout, state.session.manager(), QORString(state.options.nameSpace), QORString(name));
+}
+
+void printSchema(Argument pattern, ShellState& state) {
+  const EmbeddedObjectManager& manager = state.session.manager();
+  // A whole name is meant, unless no class has it.
+  const QORString nameSpace(state.options.nameSpace);
+  if (!manager.repository()->getClass(nameSpace, QORString(pattern)).IsNull()) {
+    std::cout << manager.classMof(nameSpace, QORString(pattern), false);
+    return;
+  }
+  const std::vector<QORString> names = matchingClasses(manager, state.options.nameSpace, pattern);
+  for (const QORString& name : names) {
+    if (Interrupt::isRequested()) return;
+    if (&name != &names.front()) std::cout << '\n';
+    std::cout << manager.classMof(nameSpace, name, false);
+  }
+  if (names.empty()) complain("no class matches \"" + pattern + "\" in namespace " + state.options.nameSpace);
+}
+
 void printClass(Argument name, ShellState& state) {
-  const QORString text = state.session.manager().classMof(QORString(state.options.nameSpace), QORString(name), false);
-  if (name.empty()) return complain(".class needs the name of a class");
-  if (text.isNull()) return complain(missingClassText(state.session.manager(), state.options.nameSpace, name));
-  std::cout << text;
+  if (!isClass(name, ".class", state)) return;
+  std::cout << state.session.manager().classMof(QORString(state.options.nameSpace), QORString(name), false);
 }
 
 void loadMof(Argument path, ShellState& state) {
@@ -119,6 +171,9 @@ constexpr ShellCommand kCommands[] = {
     {".help", "", "Show this list", printHelp},
     {".classes", "[PATTERN]", "List the classes of the namespace", listClasses},
     {".class", "NAME", "Show a class as MOF text", printClass},
+    {".describe", "CLASS", "List the properties of a class and what they mean", describe},
+    {".tables", "[PATTERN]", "List the classes that have instances, with their numbers", printContents},
+    {".schema", "[PATTERN]", "Show classes as MOF text", printSchema},
     {".mof", "PATH", "Load a MOF file, or every .mof file of a folder", loadMof},
     {".namespace", "[NAME]", "Show or change the namespace", chooseNamespace},
     {".output", "[FORM]", "Show or change the form of results", chooseForm},
@@ -187,7 +242,9 @@ std::vector<std::string> pathsFrom(const std::string& typed) {
 
 std::vector<std::string> argumentsOf(const std::string& name, const ShellState& state) {
   std::vector<std::string> words;
-  if (name == ".class" || name == ".classes") return classNames(state.session.manager(), state.options.nameSpace);
+  const bool isOfClass =
+      name == ".class" || name == ".classes" || name == ".describe" || name == ".schema" || name == ".tables";
+  if (isOfClass) return classNames(state.session.manager(), state.options.nameSpace);
   if (name == ".stats" || name == ".timer") return {"off", "on"};
   if (name == ".output") {
     for (const auto& form : outputForms()) words.push_back(form.first);

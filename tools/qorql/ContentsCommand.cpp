@@ -1,0 +1,115 @@
+// Counts the instances of each class and what associations tie.
+// SPDX-License-Identifier: Apache-2.0
+#include "ContentsCommand.h"
+
+#include <iostream>
+
+#include "ClassesCommand.h"
+#include "DisplayText.h"
+#include "ErrorReport.h"
+#include "ExitStatus.h"
+#include "ListOutput.h"
+#include "ModelContents.h"
+#include "OptionDeclarations.h"
+#include "Session.h"
+#include "SessionOptions.h"
+
+namespace {
+
+constexpr const char* kDescription =
+    "Tells what there is: the namespaces, the classes that have instances with their numbers, and\n"
+    "the classes that associations tie, with the roles in which they do.";
+constexpr const char* kFooter =
+    "PATTERN is a part of a class's name or, with * ? [ ] in it, the whole name; case does not\n"
+    "matter. An association is listed where it or a class that it ties matches. Unless --namespace\n"
+    "names one, all namespaces are listed. Live classes are asked for all their instances.\n"
+    "Exit status: 0 done; 2 wrong usage; 3 MOF or configuration failure.\n"
+    "\n"
+    "Examples:\n"
+    "  qorql contents --no-live --mof model.mof\n"
+    "  qorql contents -o json 'Linux_*'";
+
+struct ContentsOptions {
+  SessionOptions session;
+  std::string pattern;
+  std::optional<OutputForm> form;
+};
+
+std::string endsText(const std::vector<ModelContents::End>& ends) {
+  std::string text;
+  for (const ModelContents::End& end : ends) {
+    text.append(text.empty() ? "" : ", ").append(end.role.view()).append(" ").append(end.className.view());
+  }
+  return text;
+}
+
+bool matches(const ModelContents::Tie& tie, const std::string& pattern) {
+  return isClassMatch(tie.association, pattern) ||
+         std::any_of(tie.ends.begin(), tie.ends.end(),
+                     [&](const ModelContents::End& end) { return isClassMatch(end.className, pattern); });
+}
+
+// The lists, which each namespace adds rows to.
+class Contents {
+ public:
+  explicit Contents(const ContentsOptions& options) : _options(options) {}
+
+  void add(EmbeddedObjectManager& manager, const QORString& nameSpace) {
+    const ModelContents contents = contentsOf(manager, nameSpace);
+    const QORSmrPtr<IQoriValue> name = listText(nameSpace.view());
+    _namespaces.rows.push_back(
+        {name, listNumber(manager.classNames(nameSpace).size()), listNumber(contents.instanceCount)});
+    for (const auto& known : contents.classes) {
+      if (!isClassMatch(known.name, _options.pattern)) continue;
+      _classes.rows.push_back({name, listText(known.name.view()), listNumber(known.count)});
+    }
+    for (const auto& tie : contents.ties) {
+      if (!matches(tie, _options.pattern)) continue;
+      _ties.rows.push_back(
+          {name, listText(tie.association.view()), listText(endsText(tie.ends)), listNumber(tie.count)});
+    }
+    if (_options.session.isQuiet) return;
+    for (const std::string& fault : contents.faults) std::cerr << "qorql: warning: " << printableText(fault) << '\n';
+  }
+  void print() { printLists(_options.form.value_or(OutputForm::Table), {_namespaces, _classes, _ties}); }
+
+ private:
+  const ContentsOptions& _options;
+  List _namespaces{"Namespaces", {textColumn("Namespace"), numberColumn("Classes"), numberColumn("Instances")}, {}};
+  List _classes{"Classes", {textColumn("Namespace"), textColumn("Class"), numberColumn("Instances")}, {}};
+  List _ties{"Associations",
+             {textColumn("Namespace"), textColumn("Association"), textColumn("Ties"), numberColumn("Instances")},
+             {}};
+};
+
+int printContents(const ContentsOptions& options) {
+  Session session(options.session);
+  try {
+    session.open();
+    EmbeddedObjectManager& manager = session.manager();
+    Contents contents(options);
+    for (const QORString& nameSpace : manager.namespaces()) {
+      const bool isAsked = nameSpace.isEqualCaseInsensitive(QORString(options.session.nameSpace));
+      const bool isListed = options.session.isNamespaceGiven ? isAsked : !manager.classNames(nameSpace).empty();
+      if (isListed) contents.add(manager, nameSpace);
+    }
+    contents.print();
+  } catch (...) {
+    return reportStartFailure();
+  }
+  session.printWarnings();
+  return kExitDone;
+}
+
+}  // namespace
+
+CommandAction declareContentsCommand(CLI::App& app) {
+  const auto options = std::make_shared<ContentsOptions>();
+  options->session.needsDescriptions = false;
+  describeCommand(app, kDescription, kFooter);
+  declareSessionOptions(app, options->session);
+  declareListOutput(app, options->form, "table");
+  declareValue(app,
+               {.names = "PATTERN", .description = "Which classes (default: all)", .take = keepIn(options->pattern)});
+  return [options] { return printContents(*options); };
+}

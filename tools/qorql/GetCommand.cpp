@@ -1,0 +1,116 @@
+// One instance, stored or live, by its path or by as many of its keys as tell it from others.
+// SPDX-License-Identifier: Apache-2.0
+#include "GetCommand.h"
+
+#include <iostream>
+
+#include "DisplayText.h"
+#include "ErrorReport.h"
+#include "ExitStatus.h"
+#include "InstancePath.h"
+#include "JsonValue.h"
+#include "OptionDeclarations.h"
+#include "Session.h"
+#include "SessionOptions.h"
+#include "cimom/CIMApi.h"
+#include "cimom/CQoriValue.h"
+
+namespace {
+
+constexpr const char* kDescription =
+    "Prints the instance that a path names, as MOF text or JSON. Of the keys as many are needed as\n"
+    "tell the instance from others.";
+constexpr const char* kFooter =
+    "Exit status: 0 done; 1 there is no such instance, or more than one; 2 wrong usage; 3 MOF,\n"
+    "configuration or provider failure.\n"
+    "\n"
+    "Examples:\n"
+    "  qorql get 'Linux_Process.Handle=\"1\"'\n"
+    "  qorql get -o json 'root/cimv2:Linux_User.Name=\"root\"'";
+
+enum class Form { Mof, Json };
+const std::map<std::string, Form> kForms = {{"mof", Form::Mof}, {"json", Form::Json}};
+
+struct GetOptions {
+  SessionOptions session;
+  std::string path;
+  Form form = Form::Mof;
+};
+
+int refuseMany(const std::vector<QORSmrPtr<IQoriInstanceName>>& found) {
+  constexpr std::size_t kShown = 10;
+  const int status = reportRefusal(std::to_string(found.size()) + " instances have these keys; give more of them:");
+  for (std::size_t i = 0; i < found.size() && i < kShown; ++i) {
+    std::cerr << "  " << printableText(found[i]->toString().view()) << '\n';
+  }
+  if (found.size() > kShown) std::cerr << "  and " << found.size() - kShown << " more\n";
+  return status;
+}
+
+void print(const QORSmrPtr<IQoriObject>& instance, Form form) {
+  if (form == Form::Mof) {
+    std::cout << EmbeddedObjectManager::instanceMof(*instance);
+    return;
+  }
+  std::string text;
+  const CQoriValue held(instance);
+  appendJson(text, &held, JsonObjects::WithClass);
+  std::cout << text << '\n';
+}
+
+int printInstance(const GetOptions& options, const InstancePath& path) {
+  const std::vector<QORSmrPtr<IQoriInstanceName>> found = instancesAt(path);
+  if (found.size() > 1) return refuseMany(found);
+  CIMApi api;
+  const QORSmrPtr<IQoriObject> instance =
+      found.empty()
+          ? QORSmrPtr<IQoriObject>()
+          : api.getInstance(path.nameSpace, found.front(), {}, CIMApi::DefaultTimeout, nullptr, nullptr, nullptr);
+  if (instance.IsNull()) return reportRefusal("there is no instance " + options.path);
+  print(instance, options.form);
+  return kExitDone;
+}
+
+int get(const GetOptions& options) {
+  Session session(options.session);
+  try {
+    session.open();
+  } catch (...) {
+    return reportStartFailure();
+  }
+  InstancePath path;
+  try {
+    path = readInstancePath(session.manager(), options.path, options.session.nameSpace);
+  } catch (const std::runtime_error& refusal) {
+    return reportRefusal(refusal.what());
+  }
+  int status = kExitDone;
+  try {
+    status = printInstance(options, path);
+  } catch (...) {
+    session.dropWarnings();
+    std::cout.flush();
+    return reportFailure({});
+  }
+  session.printWarnings();
+  return status;
+}
+
+}  // namespace
+
+CommandAction declareGetCommand(CLI::App& app) {
+  const auto options = std::make_shared<GetOptions>();
+  options->session.needsDescriptions = false;
+  describeCommand(app, kDescription, kFooter);
+  declareSessionOptions(app, options->session);
+  declareValue(app, {.names = "-o,--output",
+                     .type = "mof|json",
+                     .description = "Form of the instance (default: mof)",
+                     .take = [options](const std::string& name) { options->form = kForms.at(name); },
+                     .check = oneOf(kForms)});
+  declareValue(app, {.names = "INSTANCE",
+                     .description = "Its path: Class.Key=\"value\",...",
+                     .take = keepIn(options->path),
+                     .isRequired = true});
+  return [options] { return get(*options); };
+}
