@@ -11,6 +11,7 @@
 #include <mutex>
 #include <unordered_set>
 
+#include "Cimom/Providers/LinuxEntryReader.h"
 #include "Cimom/Providers/LinuxValues.h"
 #include "cimom/CQoriProviderException.h"
 
@@ -35,48 +36,60 @@ void checkEnd(const char* what, const char* file, int error, bool isEmpty) {
   throw CQoriProviderException("Linux accounts", QORString(what) + " cannot be read", kCimErrFailed);
 }
 
+// A database of the C library and the functions that walk it.
+template <class Entry>
+struct Database {
+  const char* what;
+  const char* file;
+  void (*open)();
+  int (*read)(Entry*, char*, std::size_t, Entry**);
+  void (*close)();
+};
+
+constexpr Database<passwd> kUsers{"The user database", "/etc/passwd", setpwent, getpwent_r, endpwent};
+constexpr Database<group> kGroups{"The group database", "/etc/group", setgrent, getgrent_r, endgrent};
+
+const char* nameOf(const passwd& entry) { return entry.pw_name; }
+const char* nameOf(const group& entry) { return entry.gr_name; }
+
 // Closes a database on every path.
 struct Closing {
   void (*close)();
   ~Closing() { close(); }
 };
 
+// Hands over the entries, of several of one name the first.
+template <class Entry, class Take>
+void walk(const Database<Entry>& database, const Take& take) {
+  const std::lock_guard<std::mutex> lock(databaseLock());
+  std::unordered_set<std::string> names;
+  database.open();
+  const Closing closing{database.close};
+  LinuxEntryReader<Entry> reader(database.read);
+  while (const Entry* const entry = reader.next()) {
+    if (names.insert(textOf(nameOf(*entry))).second) take(*entry);
+  }
+  checkEnd(database.what, database.file, reader.error(), names.empty());
+}
+
 }  // namespace
 
 std::vector<LinuxAccount> readAccounts() {
-  const std::lock_guard<std::mutex> lock(databaseLock());
   std::vector<LinuxAccount> accounts;
-  std::unordered_set<std::string> names;
-  setpwent();
-  const Closing closing{endpwent};
-  for (;;) {
-    errno = 0;
-    const passwd* const entry = getpwent();  // NOLINT(concurrency-mt-unsafe): databaseLock is held
-    if (entry == nullptr) break;
-    if (!names.insert(textOf(entry->pw_name)).second) continue;
-    accounts.push_back({textOf(entry->pw_name), entry->pw_uid, entry->pw_gid, textOf(entry->pw_gecos),
-                        textOf(entry->pw_dir), textOf(entry->pw_shell)});
-  }
-  checkEnd("The user database", "/etc/passwd", errno, accounts.empty());
+  walk(kUsers, [&](const passwd& entry) {
+    accounts.push_back({textOf(entry.pw_name), entry.pw_uid, entry.pw_gid, textOf(entry.pw_gecos), textOf(entry.pw_dir),
+                        textOf(entry.pw_shell)});
+  });
   return accounts;
 }
 
 std::vector<LinuxAccountGroup> readAccountGroups() {
-  const std::lock_guard<std::mutex> lock(databaseLock());
   std::vector<LinuxAccountGroup> groups;
-  std::unordered_set<std::string> names;
-  setgrent();
-  const Closing closing{endgrent};
-  for (;;) {
-    errno = 0;
-    const group* const entry = getgrent();  // NOLINT(concurrency-mt-unsafe): databaseLock is held
-    if (entry == nullptr) break;
-    if (!names.insert(textOf(entry->gr_name)).second) continue;
-    groups.push_back({textOf(entry->gr_name), entry->gr_gid, {}});
-    for (char** member = entry->gr_mem; member != nullptr && *member != nullptr; ++member) {
+  walk(kGroups, [&](const group& entry) {
+    groups.push_back({textOf(entry.gr_name), entry.gr_gid, {}});
+    for (char** member = entry.gr_mem; member != nullptr && *member != nullptr; ++member) {
       groups.back().members.emplace_back(*member);
     }
-  }
-  checkEnd("The group database", "/etc/group", errno, groups.empty());
+  });
   return groups;
 }

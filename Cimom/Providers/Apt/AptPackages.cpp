@@ -33,18 +33,24 @@ std::string complaint() {
   return message.empty() ? "unknown reason" : message;
 }
 
+// The library's messages from its construction on, which are gone when it is: those of others stay as they are.
+class OwnMessages {
+ public:
+  OwnMessages() { _error->PushToStack(); }
+  OwnMessages(const OwnMessages&) = delete;
+  OwnMessages& operator=(const OwnMessages&) = delete;
+  ~OwnMessages() { _error->RevertToStack(); }
+};
+
 }  // namespace
 
 extern "C" __attribute__((visibility("default"))) void qorqlReadPackages(const char* list, const LinuxPackageTake& take,
                                                                          std::string& wrong);
 void qorqlReadPackages(const char* list, const LinuxPackageTake& take, std::string& wrong) {
-  _error->PushToStack();
-  {
-    FileFd file(list, FileFd::ReadOnly);
-    pkgTagFile tags(&file);
-    pkgTagSection section;
-    while (!_error->PendingError() && tags.Step(section)) take(recordOf(section));
-    if (_error->PendingError()) wrong = complaint();
-  }
-  _error->RevertToStack();
+  const OwnMessages messages;
+  FileFd file(list, FileFd::ReadOnly);
+  pkgTagFile tags(&file);
+  pkgTagSection section;
+  while (!_error->PendingError() && tags.Step(section)) take(recordOf(section));
+  if (_error->PendingError()) wrong = complaint();
 }

@@ -1,5 +1,6 @@
 // Packages in made-up lists of dpkg.
 // SPDX-License-Identifier: Apache-2.0
+#include <apt-pkg/error.h>
 #include <gmock/gmock.h>
 #include <unistd.h>
 
@@ -59,6 +60,15 @@ TEST(LinuxPackage, AListThatIsNoneIsTheProvidersFailureAndTheNextIsRead) {
   EXPECT_EQ(enumerateRows(sound, {"Name"}).size(), 2U);
   LinuxPackage empty(files.write("empty", ""));
   EXPECT_TRUE(enumerateRows(empty, {"Name"}).empty());
+}
+
+TEST(LinuxPackage, WhoThrowsAwayTheRestLeavesTheLibrarysMessagesAsTheyWere) {
+  const MadeUpFiles files;
+  LinuxPackage provider(files.write("status", kList));
+  const std::size_t before = _error->StackCount();
+  const auto refuse = [](ProvidedRow&&) { throw std::runtime_error("no more"); };
+  EXPECT_THROW(provider.enumerate(requestFor(provider, {"Name"}), refuse), std::runtime_error);
+  EXPECT_EQ(_error->StackCount(), before);
 }
 
 TEST(LinuxPackage, SeveralThreadsReadAtOnce) {

@@ -17,15 +17,22 @@
 
 using ProvidedRow = std::vector<QORSmrPtr<IQoriValue>>;
 
-// The rows of a request for the named properties, of one instance alone when `only` is given.
-inline std::vector<ProvidedRow> enumerateRows(InstanceProvider& provider, const std::vector<std::string>& properties,
-                                              const QORSmrPtr<IQoriInstanceName>& only = {}) {
+// A request for the named properties of all instances.
+inline InstanceProvider::Request requestFor(const InstanceProvider& provider,
+                                            const std::vector<std::string>& properties) {
   InstanceProvider::Request request;
   request.nameSpace = "root/cimv2";
   request.className = provider.getClassName();
   for (const std::string& property : properties) request.propertyNames.push_back(QORString(property));
-  std::vector<ProvidedRow> rows;
+  return request;
+}
+
+// The rows of such a request, of one instance alone when `only` is given.
+inline std::vector<ProvidedRow> enumerateRows(InstanceProvider& provider, const std::vector<std::string>& properties,
+                                              const QORSmrPtr<IQoriInstanceName>& only = {}) {
+  InstanceProvider::Request request = requestFor(provider, properties);
   request.only = only;
+  std::vector<ProvidedRow> rows;
   provider.enumerate(request, [&](ProvidedRow&& row) { rows.push_back(std::move(row)); });
   return rows;
 }
