@@ -11,15 +11,7 @@ namespace {
 
 using Port = LinuxSocketView;
 
-LinuxValue readName(Port& port) { return port.name(); }
-LinuxValue readProtocol(Port& port) { return port.protocol(); }
-LinuxValue readAddress(Port& port) { return port.localAddress(); }
 LinuxValue readPortNumber(Port& port) { return uint32Value(port.socket.local.port); }
-LinuxValue readIsVersion6(Port& port) { return port.isVersion6(); }
-LinuxValue readUserNumber(Port& port) { return port.userNumber(); }
-LinuxValue readProtocolType(Port& port) { return port.protocolType(); }
-LinuxValue readProcess(Port& port) { return port.process(); }
-LinuxValue readProcessName(Port& port) { return port.processName(); }
 
 // The keys that tie a port to its system.
 LinuxValue readClassName(Port&) { return textValue(LinuxListeningPort::kClassName); }
@@ -27,17 +19,17 @@ LinuxValue readSystemClassName(Port&) { return textValue(kLinuxComputerSystem); 
 LinuxValue readSystemName(Port&) { return textValue(hostName()); }
 
 constexpr LinuxProperty<Port> kProperties[] = {
-    {"Name", readName},
-    {"Caption", readName},
-    {"ElementName", readName},
-    {"ProtocolIFType", readProtocolType},
-    {"Protocol", readProtocol},
-    {"LocalAddress", readAddress},
+    {"Name", readSocket<&LinuxSocketView::name>},
+    {"Caption", readSocket<&LinuxSocketView::name>},
+    {"ElementName", readSocket<&LinuxSocketView::name>},
+    {"ProtocolIFType", readSocket<&LinuxSocketView::protocolType>},
+    {"Protocol", readSocket<&LinuxSocketView::protocol>},
+    {"LocalAddress", readSocket<&LinuxSocketView::localAddress>},
     {"PortNumber", readPortNumber},
-    {"IsIPv6", readIsVersion6},
-    {"UserNumber", readUserNumber},
-    {"ProcessID", readProcess},
-    {"ProcessName", readProcessName},
+    {"IsIPv6", readSocket<&LinuxSocketView::isVersion6>},
+    {"UserNumber", readSocket<&LinuxSocketView::userNumber>},
+    {"ProcessID", readSocket<&LinuxSocketView::process>},
+    {"ProcessName", readSocket<&LinuxSocketView::processName>},
     {"CreationClassName", readClassName},
     {"SystemCreationClassName", readSystemClassName},
     {"SystemName", readSystemName},

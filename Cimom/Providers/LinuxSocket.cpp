@@ -29,10 +29,7 @@ const std::unordered_set<std::string>& ownAddressesOf(Socket& socket) {
   return *socket.ownAddresses;
 }
 
-LinuxValue readName(Socket& socket) { return socket.name(); }
-LinuxValue readProtocol(Socket& socket) { return socket.protocol(); }
 LinuxValue readState(Socket& socket) { return textValue(socket.socket.stateName()); }
-LinuxValue readLocalAddress(Socket& socket) { return socket.localAddress(); }
 LinuxValue readLocalPort(Socket& socket) { return uint32Value(socket.socket.local.port); }
 LinuxValue readRemoteAddress(Socket& socket) {
   return socket.socket.hasRemote() ? textValue(socket.socket.remote.address) : LinuxValue();
@@ -40,11 +37,6 @@ LinuxValue readRemoteAddress(Socket& socket) {
 LinuxValue readRemotePort(Socket& socket) {
   return socket.socket.hasRemote() ? uint32Value(socket.socket.remote.port) : LinuxValue();
 }
-LinuxValue readIsVersion6(Socket& socket) { return socket.isVersion6(); }
-LinuxValue readUserNumber(Socket& socket) { return socket.userNumber(); }
-LinuxValue readProtocolType(Socket& socket) { return socket.protocolType(); }
-LinuxValue readProcess(Socket& socket) { return socket.process(); }
-LinuxValue readProcessName(Socket& socket) { return socket.processName(); }
 
 // The loopback has more addresses than its interface tells, and IPv6 shows those of IPv4 in its own form.
 LinuxValue readIsRemote(Socket& socket) {
@@ -62,21 +54,21 @@ LinuxValue readSystemClassName(Socket&) { return textValue(kLinuxComputerSystem)
 LinuxValue readSystemName(Socket&) { return textValue(hostName()); }
 
 constexpr LinuxProperty<Socket> kProperties[] = {
-    {"Name", readName},
-    {"Caption", readName},
-    {"ElementName", readName},
-    {"ProtocolIFType", readProtocolType},
-    {"Protocol", readProtocol},
+    {"Name", readSocket<&LinuxSocketView::name>},
+    {"Caption", readSocket<&LinuxSocketView::name>},
+    {"ElementName", readSocket<&LinuxSocketView::name>},
+    {"ProtocolIFType", readSocket<&LinuxSocketView::protocolType>},
+    {"Protocol", readSocket<&LinuxSocketView::protocol>},
     {"State", readState},
-    {"LocalAddress", readLocalAddress},
+    {"LocalAddress", readSocket<&LinuxSocketView::localAddress>},
     {"LocalPort", readLocalPort},
     {"RemoteAddress", readRemoteAddress},
     {"RemotePort", readRemotePort},
     {"IsRemote", readIsRemote},
-    {"IsIPv6", readIsVersion6},
-    {"UserNumber", readUserNumber},
-    {"ProcessID", readProcess},
-    {"ProcessName", readProcessName},
+    {"IsIPv6", readSocket<&LinuxSocketView::isVersion6>},
+    {"UserNumber", readSocket<&LinuxSocketView::userNumber>},
+    {"ProcessID", readSocket<&LinuxSocketView::process>},
+    {"ProcessName", readSocket<&LinuxSocketView::processName>},
     {"CreationClassName", readClassName},
     {"SystemCreationClassName", readSystemClassName},
     {"SystemName", readSystemName},

@@ -40,4 +40,11 @@ struct LinuxSocketView {
   LinuxValue processName() const;
 };
 
+// Reads a property, of the view itself or of what a class adds to it, as one of the operations tells it.
+template <LinuxValue (LinuxSocketView::*Tell)() const, class Socket>
+LinuxValue readSocket(Socket& socket) {
+  const LinuxSocketView& view = socket;
+  return (view.*Tell)();
+}
+
 #endif

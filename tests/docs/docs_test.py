@@ -16,6 +16,16 @@ import markdown
 import run_commands
 import run_examples
 
+
+def write(folder, path, text):
+    """Writes a file, with the folders that lead to it. Returns its place."""
+    place = os.path.join(folder, path)
+    os.makedirs(os.path.dirname(place), exist_ok=True)
+    with open(place, "w", encoding="utf-8") as out:
+        out.write(text)
+    return place
+
+
 DOCUMENT = "**[A-1]** One rule.\n\n| **[A-2]** | another, see [A-1] |\n"
 
 
@@ -23,9 +33,7 @@ class CheckRules(unittest.TestCase):
     def run_on(self, files):
         with tempfile.TemporaryDirectory() as root:
             for path, text in files.items():
-                os.makedirs(os.path.dirname(os.path.join(root, path)), exist_ok=True)
-                with open(os.path.join(root, path), "w", encoding="utf-8") as out:
-                    out.write(text)
+                write(root, path, text)
             return list(check_rules.check(root))
 
     def test_cited_rules_pass(self):
@@ -71,17 +79,13 @@ class RunExamples(unittest.TestCase):
 
     def test_a_query_without_result_is_refused(self):
         with tempfile.TemporaryDirectory() as folder:
-            path = os.path.join(folder, "a.md")
-            with open(path, "w", encoding="utf-8") as out:
-                out.write("```query\nSELECT\n```\n```query\nSELECT\n```\n")
+            path = write(folder, "a.md", "```query\nSELECT\n```\n```query\nSELECT\n```\n")
             with self.assertRaises(ValueError):
                 list(run_examples.pairs(path))
 
     def test_only_commands_of_shell_blocks_are_taken(self):
         with tempfile.TemporaryDirectory() as folder:
-            path = os.path.join(folder, "a.md")
-            with open(path, "w", encoding="utf-8") as out:
-                out.write("./qorql no\n```sh\n./qorql 'a'\nls\n```\n```text\n./qorql no\n```\n")
+            path = write(folder, "a.md", "./qorql no\n```sh\n./qorql 'a'\nls\n```\n```text\n./qorql no\n```\n")
             self.assertEqual(list(run_commands.commands(path)), [(3, "./qorql 'a'")])
 
 
@@ -94,16 +98,12 @@ class CheckWarnings(unittest.TestCase):
 
     def test_an_example_stands_under_the_last_rule_before_it(self):
         with tempfile.TemporaryDirectory() as folder:
-            path = os.path.join(folder, "a.md")
-            with open(path, "w", encoding="utf-8") as out:
-                out.write("**[A-1]** x\ny\n**[A-2]** z\n\n")
+            path = write(folder, "a.md", "**[A-1]** x\ny\n**[A-2]** z\n\n")
             self.assertEqual(check_warnings.rules_by_line(path)[1:], [[], ["A-1"], ["A-1"], ["A-2"]])
 
     def test_queries_of_commands_are_found(self):
         with tempfile.TemporaryDirectory() as folder:
-            path = os.path.join(folder, "a.md")
-            with open(path, "w", encoding="utf-8") as out:
-                out.write("```sh\n./qorql -m a.mof 'SELECT x FROM y'\n./qorql match 'SELECT z FROM y'\n./qorql -V\n```\n")
+            path = write(folder, "a.md", "```sh\n./qorql -m a.mof 'SELECT x FROM y'\n./qorql match 'SELECT z FROM y'\n./qorql -V\n```\n")
             self.assertEqual(list(check_warnings.queries_of_commands(path)), [(2, ["-m", "a.mof"], "SELECT x FROM y")])
 
 
@@ -112,14 +112,8 @@ class CheckCommands(unittest.TestCase):
         """What is said of the commands in these files, where the tool is a program that likes no option but --help."""
         with tempfile.TemporaryDirectory() as root:
             for path, text in files.items():
-                full = os.path.join(root, path)
-                os.makedirs(os.path.dirname(full), exist_ok=True)
-                with open(full, "w", encoding="utf-8") as out:
-                    out.write(text)
-                os.chmod(full, 0o755 if text.startswith("#!") else 0o644)
-            tool = os.path.join(root, "tool")
-            with open(tool, "w", encoding="utf-8") as out:
-                out.write('#!/bin/sh\ncase "$*" in explain\\ SELECT*|*--help) ;; *) exit 2 ;; esac\n')
+                os.chmod(write(root, path, text), 0o755 if text.startswith("#!") else 0o644)
+            tool = write(root, "tool", '#!/bin/sh\ncase "$*" in explain\\ SELECT*|*--help) ;; *) exit 2 ;; esac\n')
             os.chmod(tool, 0o755)
             return [line.split(": ")[:2] for line in check_commands.check(tool, root)]
 
@@ -152,8 +146,7 @@ class CheckCommands(unittest.TestCase):
 class CheckLinks(unittest.TestCase):
     def test_links_to_missing_files_and_headings_are_found(self):
         with tempfile.TemporaryDirectory() as root:
-            with open(os.path.join(root, "a.md"), "w", encoding="utf-8") as out:
-                out.write("# One: two\n[x](b.md) [y](a.md#one-two) [z](#three) [u](https://example.org)\n")
+            write(root, "a.md", "# One: two\n[x](b.md) [y](a.md#one-two) [z](#three) [u](https://example.org)\n")
             found = list(check_links.check(root))
         self.assertEqual(found, ["a.md: the link b.md leads to no file", "a.md: the link #three leads to no heading"])
 
@@ -161,10 +154,7 @@ class CheckLinks(unittest.TestCase):
 class CheckGuide(unittest.TestCase):
     def check(self, text):
         with tempfile.TemporaryDirectory() as folder:
-            path = os.path.join(folder, "guide.md")
-            with open(path, "w", encoding="utf-8") as out:
-                out.write(text)
-            return list(check_guide.check(path, "int a;\nint b;\n", "done\n"))
+            return list(check_guide.check(write(folder, "guide.md", text), "int a;\nint b;\n", "done\n"))
 
     def test_the_programs_own_code_and_output_pass(self):
         self.assertEqual(self.check("```cpp\nint b;\n```\n```output\ndone\n```\n"), [])
@@ -179,15 +169,10 @@ class CheckGuide(unittest.TestCase):
 class CheckLinux(unittest.TestCase):
     def questions(self, text):
         with tempfile.TemporaryDirectory() as folder:
-            path = os.path.join(folder, "linux.md")
-            with open(path, "w", encoding="utf-8") as out:
-                out.write(text)
-            return list(check_linux.questions(path))
+            return list(check_linux.questions(write(folder, "linux.md", text)))
 
     def tool(self, folder, script):
-        path = os.path.join(folder, "tool")
-        with open(path, "w", encoding="utf-8") as out:
-            out.write("#!/bin/sh\n" + script)
+        path = write(folder, "tool", "#!/bin/sh\n" + script)
         os.chmod(path, 0o755)
         return path
 

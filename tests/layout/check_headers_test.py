@@ -6,6 +6,7 @@ import tempfile
 import unittest
 
 import check_headers
+import made_up_tree
 
 SOUND = {
     "include/platform.h": "#include <string>\n#include <vector>\n",
@@ -25,10 +26,7 @@ class CheckHeaders(unittest.TestCase):
         self.write("installed/Cimom/QORQL/A.h", SOUND["Cimom/QORQL/A.h"])
 
     def write(self, path, text):
-        path = os.path.join(self.folder, path)
-        os.makedirs(os.path.dirname(path), exist_ok=True)
-        with open(path, "w", encoding="utf-8") as out:
-            out.write(text)
+        made_up_tree.write_tree(self.folder, {path: text})
 
     def change(self, path, text):
         """In the tree and where it is installed."""

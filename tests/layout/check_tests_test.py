@@ -1,11 +1,10 @@
 """Proves that check_tests.py finds each source without a test and each name in another style, and lets the others pass."""
 # SPDX-License-Identifier: Apache-2.0
-import os
 import sys
-import tempfile
 import unittest
 
 import check_tests
+import made_up_tree
 
 POINTED = "// Does it.\n// Tested by tests/unit/QORQL/JoinTest.cpp,\n// tests/queries/joins.qtest.\n// SPDX-License-Identifier: X\n#ifndef A\n"
 TEST = "// Tests.\nTEST(Join, KeepsRows) {}\nTEST_P(Keys2, AreEqual) {}\nTEST(JoinDeathTest, Stops) {}\n"
@@ -35,24 +34,9 @@ WRONG = [
 ]
 
 
-class CheckTests(unittest.TestCase):
-    def run_on(self, extra):
-        with tempfile.TemporaryDirectory() as root:
-            for path, text in {**RIGHT, **extra}.items():
-                os.makedirs(os.path.dirname(os.path.join(root, path)), exist_ok=True)
-                with open(os.path.join(root, path), "w", encoding="utf-8") as out:
-                    out.write(text)
-            return check_tests.check(root)
-
-    def test_a_right_tree_passes(self):
-        self.assertEqual(self.run_on({}), [])
-
-    def test_each_wrong_file_is_found_alone(self):
-        for path, text, message in WRONG:
-            with self.subTest(path=path, text=text):
-                found = self.run_on({path: text})
-                self.assertEqual(len(found), 1, found)
-                self.assertIn(message, found[0])
+class CheckTests(made_up_tree.TreeCheck, unittest.TestCase):
+    check = staticmethod(check_tests.check)
+    RIGHT, WRONG = RIGHT, WRONG
 
     def test_an_engine_that_only_points_at_tests_is_found(self):
         found = self.run_on({f"Cimom/QORQL/QORQL_{name}.h": "// Tested by tests/queries.\n" for name in "AB"})

@@ -39,26 +39,32 @@ QORString CQLQueryStatement::requestedClass(const char* where, const QORSmrPtr<I
   return _scope->isOfFrom(name) ? name : QORString();
 }
 
+namespace {
+
+// The list of one clause for a class that requestedClass gave: without properties where it gave none.
+template <class Build>
+IQueryStatement::PropertyNames listOfClause(const char* where, const QORString& requested, const Build& build) {
+  IQueryStatement::PropertyNames list(new QORValSlist<QORString>());
+  if (requested.isEmpty()) return list;
+  const CQLQueryExceptionCode code = build(list);
+  if (code != CQL_QUERY_SUCCESS) CQLQueryException::raise(where, code);
+  return list;
+}
+
+}  // namespace
+
 IQueryStatement::PropertyNames CQLQueryStatement::getSelectPropertyList(
     const QORSmrPtr<IQoriInstanceName>& className) const {
   constexpr char kWhere[] = "CQLQUERYSTATEMENT::getSelectPropertyList";
   const QORString requested(requestedClass(kWhere, className));
-  PropertyNames list(new QORValSlist<QORString>());
-  if (requested.isEmpty()) return list;
-  const CQLQueryExceptionCode code = buildSelectPropertyList(requested, list);
-  if (code != CQL_QUERY_SUCCESS) CQLQueryException::raise(kWhere, code);
-  return list;
+  return listOfClause(kWhere, requested, [&](PropertyNames& list) { return buildSelectPropertyList(requested, list); });
 }
 
 IQueryStatement::PropertyNames CQLQueryStatement::getWherePropertyList(
     const QORSmrPtr<IQoriInstanceName>& className) const {
   constexpr char kWhere[] = "CQLQUERYSTATEMENT::getWherePropertyList";
   const QORString requested(requestedClass(kWhere, className));
-  PropertyNames list(new QORValSlist<QORString>());
-  if (requested.isEmpty()) return list;
-  const CQLQueryExceptionCode code = buildWherePropertyList(requested, list);
-  if (code != CQL_QUERY_SUCCESS) CQLQueryException::raise(kWhere, code);
-  return list;
+  return listOfClause(kWhere, requested, [&](PropertyNames& list) { return buildWherePropertyList(requested, list); });
 }
 
 // The union of both; null when either needs every property.

@@ -9,17 +9,12 @@
 
 namespace {
 
+using parsertest::Fault;
 using parsertest::Level;
 using parsertest::Parsed;
 using parsertest::plain;
 using parsertest::print;
 using parsertest::thrownBy;
-
-struct Fault {
-  const char* name;
-  const char* text;
-  const char* thrown;
-};
 
 std::string conditionOf(const char* text) {
   Parsed parsed(text);

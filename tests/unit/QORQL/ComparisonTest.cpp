@@ -8,6 +8,7 @@
 
 namespace {
 
+using parsertest::Fault;
 using parsertest::Level;
 using parsertest::Parsed;
 using parsertest::plain;
@@ -82,12 +83,6 @@ constexpr const char* kAnyArrays =
 constexpr const char* kMixed =
     "runtime 6: A comparison between an array property and non-array property is illegal if neither ANY or EVERY is "
     "used.";
-
-struct Fault {
-  const char* name;
-  const char* text;
-  const char* thrown;
-};
 
 class ComparisonFault : public testing::TestWithParam<Fault> {};
 

@@ -9,6 +9,7 @@
 
 namespace {
 
+using parsertest::Fault;
 using parsertest::Level;
 using parsertest::Parsed;
 using parsertest::plain;
@@ -158,12 +159,6 @@ TEST(Factor, Negates) {
   EXPECT_EQ(print(Parsed("-(a + b)", Level::Factor).tree), "-{(a + b)}");
   EXPECT_EQ(print(Parsed("-COUNT(x)", Level::Factor).tree), "-{{COUNT(x)}}");
 }
-
-struct Fault {
-  const char* name;
-  const char* text;
-  const char* thrown;
-};
 
 class FactorFault : public testing::TestWithParam<Fault> {};
 

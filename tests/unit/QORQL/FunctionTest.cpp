@@ -7,6 +7,7 @@
 
 namespace {
 
+using parsertest::Fault;
 using parsertest::leadingFactor;
 using parsertest::Level;
 using parsertest::Parsed;
@@ -31,12 +32,6 @@ TEST(Function, HasItsIdAndParameters) {
   EXPECT_EQ(function.getFunctionID(), 5);
   EXPECT_EQ(function.getParameters()->entries(), 1U);
 }
-
-struct Fault {
-  const char* name;
-  const char* text;
-  const char* thrown;
-};
 
 class FunctionFault : public testing::TestWithParam<Fault> {};
 

@@ -242,14 +242,4 @@ TEST(Retrieval, NumericTypeNames) {
   }
 }
 
-constexpr char kPreFiltered[] = R"(
-Qualifier YRK_TRBS_ProviderFiltered : boolean = false, Scope(class);
-[YRK_TRBS_ProviderFiltered] class F { [key] uint32 Id; };
-class N { [key] uint32 Id; };
-instance of F { Id = 3; };
-instance of F { Id = 1; };
-instance of N { Id = 3; };
-instance of N { Id = 1; };
-)";
-
 }  // namespace

@@ -13,13 +13,6 @@
 
 namespace {
 
-constexpr char kClasses[] = R"(
-class N { [key] uint32 k; uint64 u; sint64 s; real64 r; string t; boolean b; uint16 g; uint16 a[]; };
-class M { [key] uint32 k; sint64 s; real64 r; uint64 u; string t; };
-class Sub : M { uint32 more; };
-class Z { [key] uint32 k; };
-)";
-
 QORSmrPtr<IQoriObject> objectOfItsOwn(const std::string& key) {
   const QORSmrPtr<CQoriBaseObject::PropertyList> properties(new CQoriBaseObject::PropertyList);
   const QORSmrPtr<IQoriValue> value(new CQoriValue(QORString(key.data(), key.size())));

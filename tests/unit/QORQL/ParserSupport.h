@@ -100,6 +100,13 @@ struct Selected : Parsed {
   QORSmrPtr<QORQL_Executable> executable;
 };
 
+// A text that is refused, the name of its test, and what thrownBy() says.
+struct Fault {
+  const char* name;
+  const char* text;
+  const char* thrown;
+};
+
 // What parsing a statement throws; see thrownBy().
 std::string statementError(const QORString& text);
 

@@ -7,6 +7,7 @@
 
 namespace {
 
+using parsertest::Fault;
 using parsertest::Parsed;
 using parsertest::plain;
 using parsertest::print;
@@ -48,12 +49,6 @@ TEST(Statement, ANestedOneLeavesWhatFollowsToItsCaller) {
   QORQL_Query::parse(parsed.symbols, parsed.lexer, true, "", "", "ns");
   EXPECT_EQ(parsed.lexer.getCurrent().getType(), TokenCLOSEPAREN);
 }
-
-struct Fault {
-  const char* name;
-  const char* text;
-  const char* thrown;
-};
 
 class StatementFault : public testing::TestWithParam<Fault> {};
 

@@ -6,6 +6,7 @@
 
 namespace {
 
+using parsertest::Fault;
 using parsertest::Parsed;
 using parsertest::plain;
 using parsertest::Selected;
@@ -77,12 +78,6 @@ TEST(SelectList, AggregateStateFolds) {
   EXPECT_EQ(thrownBy([&] { folded(true, SEL_NONAGGREGATE); }), kMixed);
   EXPECT_EQ(thrownBy([&] { folded(false, SEL_AGGREGATE); }), kMixed);
 }
-
-struct Fault {
-  const char* name;
-  const char* text;
-  const char* thrown;
-};
 
 class SelectFault : public testing::TestWithParam<Fault> {};
 
