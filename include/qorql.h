@@ -1,4 +1,5 @@
-// The face of the engine: all that a program needs that asks queries and filters of its own.
+// The one header for a program that runs queries and asks filters itself: it includes every public header of the engine
+// that such a program needs.
 // SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_QORQL_H
 #define QORQL_QORQL_H

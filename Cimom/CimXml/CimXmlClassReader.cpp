@@ -33,7 +33,7 @@ void readFlavors(const XmlAttributes& attributes, Declaration& out) noexcept {
   out.translatable = flavor(attributes, "TRANSLATABLE", false);
 }
 
-// Returns -1 when there is none that can be read.
+// The number in ARRAYSIZE, or -1, a declaration's sign for an array of any size, when none is given or it is no number.
 QORsint32 arraySize(const XmlAttributes& attributes) noexcept {
   const std::string_view text = attributes.get("ARRAYSIZE");
   QORsint32 size = -1;

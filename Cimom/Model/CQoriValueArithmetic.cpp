@@ -42,8 +42,8 @@ Pointer fit(Wide value, bool preferUnsigned) {
 
 bool holdsArray(const QoriScalar& scalar) noexcept { return scalar.kind == Kind::Complex && scalar.value->isArray(); }
 
-// Whether an unsigned result type is called for: a uint64 on the left always
-// does; two unsigned operands do, but for a difference.
+// Whether the result is to be a uint64 where it fits one: when the left operand is
+// a uint64, and when both operands are unsigned and it is no difference.
 bool prefersUnsigned(const IQoriValue& left, const QoriScalar& a, const QoriScalar& b, bool isDifference) noexcept {
   if (a.kind != Kind::Unsigned) return false;
   return CQoriType::codeOf(*left.getType()) == Code::Uint64 || (!isDifference && b.kind == Kind::Unsigned);

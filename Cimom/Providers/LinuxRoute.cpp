@@ -93,7 +93,8 @@ std::string address6(std::string_view digits) {
   return inet_ntop(AF_INET6, bytes.data(), text.data(), text.size()) == nullptr ? "" : text.data();
 }
 
-// Interface, destination, gateway, flags, two counters, metric, mask, ...; false for the heading and what else is none.
+// The columns are interface, destination, gateway, flags, two counters, metric, mask, and some that are not read. False
+// for the heading, and for a line that is no route.
 bool readVersion4(const std::string& line, Route& route) {
   std::istringstream words(line);
   std::string destination;
@@ -110,7 +111,8 @@ bool readVersion4(const std::string& line, Route& route) {
   return !route.destination.empty();
 }
 
-// Destination, length, source, length, gateway, metric, two counters, flags, interface; numbers in hexadecimal digits.
+// The columns are destination, its length, source, its length, gateway, metric, two counters, flags, interface; all
+// numbers are in hexadecimal digits. False for a line that is no route.
 bool readVersion6(const std::string& line, Route& route) {
   std::istringstream words(line);
   std::string destination;

@@ -32,7 +32,8 @@ LinuxValue readFullName(Account& account) {
 LinuxValue readHomeFolder(Account& account) { return textOrNull(account.homeFolder.c_str()); }
 LinuxValue readShell(Account& account) { return textOrNull(account.shell.c_str()); }
 
-// A user without processes has none; where there is no process table nobody knows.
+// What the processes of the user take: zero processes and bytes for a user who has none. Null where the process table
+// cannot be read.
 const LinuxProcess::Share* shareOf(Account& account) {
   if (!account.shares) {
     try {

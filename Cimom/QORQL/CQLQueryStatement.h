@@ -88,8 +88,10 @@ class CQLQueryStatement : public IQueryStatement {
   // Whether the instance is of a FROM class or of a subclass of one. THROWS as
   // getClassList, and what the class repository throws.
   bool isMatchFromClause(const Instance& instance) const;
-  // Whether the instance satisfies the WHERE clause, which every one does when there
-  // is none; and the conditions below it: the whole, of ANDs, under NOT, a comparison.
+  // Whether the instance satisfies the WHERE clause; without one every instance does.
+  // The other four ask this of a node of the clause: the whole condition, which OR makes
+  // false (QORQL_Expression); an operand of OR (QORQL_ExpressionTerm); an operand of AND,
+  // which NOT makes false (QORQL_ExpressionFactor); what NOT stands before, a comparison.
   bool isMatchWhereClause(const Instance& instance) const;
   bool isMatchExpression(const Node& node, const Instance& instance) const;
   bool isMatchExpressionTerm(const Node& node, const Instance& instance) const;
@@ -103,10 +105,11 @@ class CQLQueryStatement : public IQueryStatement {
   // objects. THROWS what the instance throws.
   Value getPropertyValueFromEmbeddedObject(const IQoriObject& instance, const QORQL_Factor& factor) const;
 
-  // Comparisons of two values, null where a value is missing, where an array is
-  // asked without ANY and EVERY (but for the equality of two) or with them where
-  // there is none. For other values that do not compare nothing holds. They THROW
-  // what the values throw, which matching takes for no match.
+  // Whether a relation holds between two values. The answer is null in three cases: a
+  // value is missing; an array is compared without ANY and EVERY, unless it is with an
+  // array of its type or both are of numbers, for equality; ANY or EVERY is asked of what is
+  // no array. Between other values that do not compare no relation holds. The first answers
+  // with a bool, false for null. They THROW what the values throw, to matching no match.
   static bool doComparisonOperation(const Value& lhs, const Value& rhs, QORQL_Operator op);
   static Value doComparisonOpEqualsNotEquals(const Value& lhs, const Value& rhs, QORQL_Operator op,
                                              QORQL_Comparison::QORQL_ARRAY_COMP arrayComp);

@@ -22,7 +22,12 @@ class QORQL_Executable {
   QORQL_Executable& operator=(const QORQL_Executable&) = delete;
 
   virtual ~QORQL_Executable();
-  // Works on `table`, which it may replace; `out` may be null.
+  // Runs the clause or the statement. `table` is never null, neither before nor after; another table may stand in its
+  // place then. REQUIRES the symbol table that parsing filled. Instances are fetched from `nameSpace`. Where `out`
+  // (BORROWED, may be null) is given, the select list writes the result to it. THROWS QORQL_Exception,
+  // QORQL_StoppedException where the thread's monitor asks for it, QORQL_ParseException for an aggregate that cannot be
+  // streamed, and what providers and values throw; the table is incomplete then. A statement may be run again, each
+  // time on a new table; a clause works on what the clauses that ran before it left in the table.
   virtual void execute(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, std::ostream* out,
                        const QORString& nameSpace) = 0;
 };

@@ -49,7 +49,7 @@ inline bool QORQL_continues(const QORQL_ExpressionTerm& link) noexcept {
 inline bool QORQL_continues(const QORQL_Arithmetic& link) noexcept { return link.getOperator() != QORQL_OperatorNONE; }
 inline bool QORQL_continues(const QORQL_Term& link) noexcept { return link.getOperator() != QORQL_OperatorNONE; }
 
-// The link behind; null at the end of the chain, which a rest that is no link of its kind is too.
+// The next link of the chain. Null for the last one, and where what stands behind the operator is no link of this kind.
 template <class Node>
 const Node* QORQL_nextLink(const Node& link) noexcept {
   return QORQL_continues(link) ? QORQL_nodeAs<Node>(QORQL_restOf(link)) : nullptr;
@@ -85,7 +85,8 @@ QORQL_Links<Node> QORQL_linksOf(const Node& first) noexcept {
   return QORQL_Links<Node>(first);
 }
 
-// The last operand of OR, which decides alone; a condition without OR has only this one. Null for what is no condition.
+// Which rows a query keeps is decided by the last operand of OR alone: this is that operand, and without OR the only
+// one. Null for null, for a node that is no QORQL_Expression, and where nothing stands behind the last OR.
 const QORQL_Evaluatable* QORQL_decidingOperand(const QORQL_Evaluatable* condition) noexcept;
 
 // --- what nodes without an operator of their own consist of -------------------------
@@ -98,7 +99,7 @@ const QORQL_Evaluatable* QORQL_onlyOperand(const QORQL_Evaluatable& node) noexce
 // null.
 const QORQL_Evaluatable* QORQL_peel(const QORQL_Evaluatable* node) noexcept;
 
-// The leaf that a node is behind all that; null when it is none.
+// The literal or reference that QORQL_peel comes to; null when it comes to something else.
 const QORQL_Factor* QORQL_peeledLeaf(const QORQL_Evaluatable* node) noexcept;
 
 // The factor that an arithmetic expression, or a comparison without operator, ANY and EVERY, consists of. Null when

@@ -8,21 +8,25 @@
 #include "cimom/QoriTransactionInfo.h"
 #include "cmpbase.h"
 
-// Created for each call; one object belongs to one thread at a time. Instances
-// come in the order in which they were created, subclass instances included,
-// names ignore case. A null property list asks for all properties, otherwise
-// exactly those named are present (NULL when unset; case, duplicates and names
-// that the class lacks ignored); the instance name is always complete. A
-// provider's failure is an exception and passes through. The returned list may
-// be shared, by threads too, which may all read it: do not change it.
+// The engine makes one client for an enumeration, one for a getInstance, and one
+// for all calls of an association condition; a client belongs to one thread at a
+// time. The order of the instances, those of subclasses among them, is the order
+// of a query's rows: the embedded object manager gives the stored ones in the
+// order in which they were created, then those of each provider. Names are
+// compared without regard to case. A null property list asks for all properties;
+// with another one an instance has the properties that the list names and its
+// class declares, each once, whether or not they have a value. The instance name
+// is complete in any case. What a provider throws passes through. A list that is
+// returned may be kept and handed out again by the object manager: any number of
+// threads may read it, and nobody may change it.
 class CIMApi {
  public:
   using Instances = QORSmrPtr<QORValSlist<QORSmrPtr<IQoriObject>>>;
   using PropertyNames = QORSmrPtr<QORValSlist<QORString>>;
 
-  // What the engine passes to associators and getInstance as `timeout`, in seconds; -1, which it passes to
-  // enumerateInstances, is no limit. Whether a call that takes longer fails is the object manager's matter; the
-  // embedded one, where it is 60, waits.
+  // The `timeout`, in seconds, that the engine passes to associators and getInstance. To enumerateInstances it passes
+  // -1, which means that there is no limit. What becomes of a call that takes longer is for the object manager to
+  // decide: the embedded one, where the constant is 60, waits until the call is done.
   static const int DefaultTimeout;
 
   CIMApi();

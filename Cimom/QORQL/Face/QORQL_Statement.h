@@ -14,9 +14,11 @@
 class QORQL_Query;
 class QORQL_SymbolTable;
 
-// The result of one run: columns, and rows that are walked once. It lives on its
-// own, also when its statement has gone. Belongs to one thread at a time; a
-// moved-from result may only be assigned to and destroyed.
+// The result of one run: columns, and rows that are walked once. It may be read
+// when its statement has gone. With its statement and the statement's other
+// results it shares the parsed text and the values of aggregates: all of them
+// together belong to one thread at a time. A moved-from result may only be
+// assigned to and destroyed.
 class QORQL_Result {
  public:
   using Column = QORQL_ResultReader::Column;
@@ -38,7 +40,8 @@ class QORQL_Result {
   // Its text; a null string (isNull()) for NULL. REQUIRES and THROWS as above.
   QORString text(std::size_t index);
   // A view of it, kind Null for NULL, which allocates nothing for numbers, texts
-  // and booleans of properties; valid until the next view() of the column.
+  // and booleans of properties. Valid until the next view() of the column, while
+  // the result lives, and for an aggregate until the statement runs again.
   // REQUIRES and THROWS as above.
   QoriScalar view(std::size_t index);
   // The class of the one object of the current row that all columns are
@@ -54,9 +57,10 @@ class QORQL_Result {
   std::unique_ptr<Rows> _rows;
 };
 
-// Parsed once, run any number of times. Keeps its texts. What it asks, it asks of
-// the current object manager. Belongs to one thread at a time; several threads
-// have statements of their own.
+// Parsed once, run any number of times. Keeps copies of its texts. Classes and
+// instances are those of the process's object manager. A statement and its results
+// together belong to one thread at a time; threads that run at the same time have
+// a statement each. A moved-from statement may only be assigned to and destroyed.
 //
 //   QORQL_Result rows = QORQL_Statement("SELECT Name FROM Shop_Item", "root/shop").run();
 //   while (rows.next()) std::cout << rows.text(0) << '\n';
@@ -69,8 +73,10 @@ class QORQL_Statement {
   QORQL_Statement& operator=(QORQL_Statement&& other) noexcept;
   ~QORQL_Statement();
 
-  // Tells which properties a class declares, so that `*` has columns, too, where
-  // no row has an object of it; without this it has none then.
+  // For `*` over a class of which no row has an object: the function is called with
+  // the class's name, and `*` has the columns that it names; without a function
+  // (the default, or an empty one) it has no columns there. The statement keeps a
+  // copy, which later runs call on their thread; what it throws, run() throws.
   void setDeclaredProperties(QORQL_ResultReader::Declared declared);
 
   // Parses the text and binds its names by the class repository, unless that has
@@ -78,20 +84,24 @@ class QORQL_Statement {
   // and QORQL_Exception; QORQL_faultOf tells what is wrong with the text and, with
   // QORQL_placeOf, where. Linear in its length.
   void parse();
-  // Fetches, filters, joins, sorts and projects. With a stream (BORROWED, may be
-  // null) the result is written to it as an XML table, as far as it came. THROWS
-  // as parse(), QORQL_Exception, and what providers and values throw
-  // (QoriBaseException); also what ends a result before its last row, so that a
-  // result is a whole one; QORQL_StoppedException when the thread's monitor stops
-  // it. The values of aggregates are the statement's: read them before the next run.
+  // Fetches, filters, joins, sorts and projects. With a stream (BORROWED until the
+  // call returns, may be null) the result is also written as an XML table; when the
+  // call throws, the stream has what was written before. THROWS as parse(),
+  // QORQL_Exception, what providers and values throw (QoriBaseException), and
+  // QORQL_StoppedException when the thread's monitor stops it. It throws as well
+  // what QORQL_Query::execute only logs, an error that ends the rows early: a result
+  // that is returned has all of its rows. The values of aggregates are kept in the
+  // statement, so read those of one result before the next run.
   QORQL_Result run(std::ostream* xml = nullptr);
   // Where the statement does not mean what someone who knows SQL expects. THROWS as parse().
   std::vector<QORQL_Surprise> surprises();
 
-  // BORROW: the tree and its names, for QORQL_Explanation and visitors. THROW as parse().
+  // The parsed text and its names, for QORQL_Explanation and visitors; parsed only
+  // once, so the references are good as long as the statement or one of its results
+  // lives, and moving them changes nothing. THROW as parse().
   const QORQL_Query& query();
   const QORQL_SymbolTable& symbols();
-  // As the constructor was given them.
+  // As the constructor was given them; the references are good as long.
   const QORString& text() const noexcept;
   const QORString& nameSpace() const noexcept;
 

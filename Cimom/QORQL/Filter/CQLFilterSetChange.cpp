@@ -269,7 +269,8 @@ class Change {
     }
   }
 
-  // Of a class whose directory changes twice the first copy is the change's own.
+  // Readers may hold the directory that the class has before the change: it is freed when they have gone. What is
+  // replaced later within the change is a copy that nobody has seen: it is freed at once.
   template <class Alter>
   void changeDirectory(QORuint64 classHash, Alter alter) {
     const QORuint64 key = cqlkeys::directoryHash(classHash);

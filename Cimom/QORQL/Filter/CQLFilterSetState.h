@@ -22,7 +22,9 @@ using Handle = CQLFilterSet::Handle;
 using Statement = CQLFilterSet::Statement;
 using Node = CQLItemTree::Node;
 
-// Where a filter stands in the tree: once, but for ranges and truth texts.
+// Where a filter stands in the tree, by one of its conditions. There is one key for most conditions; a range of numbers
+// has one for each of the cells that cover it, and an equality with the text TRUE or FALSE has one for the text and one
+// for the boolean that equals it.
 struct Hook {
   QORuint64 classHash = 0;
   QORuint64 pathHash = 0;  // 0: in the class's rest

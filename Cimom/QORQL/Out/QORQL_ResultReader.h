@@ -23,7 +23,7 @@ class QORQL_SymbolTable;
 // its arguments; one thread at a time. Rows that do not exist yet are not made.
 class QORQL_ResultReader {
  public:
-  // What the rows have a value for.
+  // One value of each row, told by its name and the type that its values have.
   struct Column {
     // The alias; of what is computed, as it was written; else the property where that is unique; else qualifier "."
     // property.
@@ -55,10 +55,10 @@ class QORQL_ResultReader {
   // The class of the one object of the current row that all columns are
   // properties of, by their names; empty when there is no such object.
   QORString rowClass();
-  // The same as a view, valid until the next call of view() for the column, or
-  // while the table lives where the column is a property; kind Null for NULL.
-  // Numbers, texts and booleans of properties are not copied: nothing
-  // is allocated. THROWS and REQUIRES as above.
+  // The same as a view, kind Null for NULL, which allocates nothing for numbers,
+  // texts and booleans of properties. Valid until the next view() of the column,
+  // while reader and table live, and for an aggregate until the query runs again.
+  // THROWS and REQUIRES as above.
   QoriScalar view(std::size_t index) {
     const std::size_t offset = _cellOffsets[index];
     return _cells != nullptr && offset != kNoCell ? _cells[offset] : viewOf(index);
