@@ -20,6 +20,17 @@ void declareFilterOutput(CLI::App& app, FilterOutput& output) {
                      .check = oneOf(kOutputs)});
 }
 
+void declareFilterTexts(CLI::App& app, FilterTexts& texts) {
+  declareValue(app, {.names = "--filters",
+                     .type = "FILE",
+                     .description = "Ask the filters of a file in place of FILTER",
+                     .take = keepIn(texts.file),
+                     .check = checkFile});
+  declareValue(app, {.names = "FILTER", .description = "The filter", .take = [&texts](const std::string& given) {
+                       texts.text = given;
+                     }});
+}
+
 void declareFilterOptions(CLI::App& app, FilterOptions& options) {
   declareSessionOptions(app, options.session);
   declareValue(app, {.names = "-q,--language",

@@ -3,7 +3,6 @@
 #include "MatchCommand.h"
 
 #include <iostream>
-#include <optional>
 
 #include "Cimom/Mof/MofLoader.h"
 #include "DisplayText.h"
@@ -37,8 +36,7 @@ constexpr const char* kStandardInput = "-";
 
 struct MatchOptions {
   FilterOptions filter;
-  std::optional<std::string> text;
-  std::string filters;  // a file of them; empty: the one in the text
+  FilterTexts asked;
   std::vector<std::string> files;
   bool isWhy = false;
   FilterOutput output = FilterOutput::Text;
@@ -119,7 +117,7 @@ std::vector<Instances> readAll(FilterSession& session, const std::vector<std::st
 
 int matchMany(FilterSession& session, const MatchOptions& options) {
   FilterGroup filters(session);
-  if (!filters.readFile(options.filters)) return kExitRefused;
+  if (!filters.readFile(options.asked.file)) return kExitRefused;
   const std::vector<Instances> files = readAll(session, options.files);
   DecisionPrinter printer(options.output);
   for (const Instances& instances : files) {
@@ -136,8 +134,8 @@ int runMatch(const MatchOptions& options) {
   FilterSession session(options.filter);
   try {
     session.open();
-    if (!options.filters.empty()) return matchMany(session, options);
-    const CheckedFilter filter = session.check(*options.text);
+    if (options.asked.areMany()) return matchMany(session, options);
+    const CheckedFilter filter = session.check(*options.asked.text);
     if (!filter.reason.empty()) return reportRefusal("the filter is not valid: " + filter.reason);
     if (!session.passes(filter)) return kExitRefused;
     const std::vector<Instances> files = readAll(session, options.files);
@@ -158,24 +156,17 @@ CommandAction declareMatchCommand(CLI::App& app) {
   declareFilterOptions(app, options->filter);
   declareFilterOutput(app, options->output);
   declareFlag(app, "--why", options->isWhy, "Tell the first condition that failed and the values it compared");
-  declareValue(app, {.names = "--filters",
-                     .type = "FILE",
-                     .description = "Ask the filters of a file in place of FILTER",
-                     .take = keepIn(options->filters),
-                     .check = checkFile});
-  declareValue(app, {.names = "FILTER", .description = "The filter", .take = [options](const std::string& text) {
-                       options->text = text;
-                     }});
+  declareFilterTexts(app, options->asked);
   declareValue(app, {.names = "FILE",
                      .description = "MOF files with instances",
                      .take = keepIn(options->files),
                      .isRepeatable = true});
   return [options] {
-    const bool areMany = !options->filters.empty();
+    const bool areMany = options->asked.areMany();
     if (areMany && options->isWhy) refuseBoth("--why", "--filters");
-    if (!areMany && !options->text) refuseWithout("FILTER");
+    if (!areMany && !options->asked.text) refuseWithout("FILTER");
     // What stands in the filter's place is a file then.
-    if (areMany && options->text) options->files.insert(options->files.begin(), *options->text);
+    if (areMany && options->asked.text) options->files.insert(options->files.begin(), *options->asked.text);
     if (options->files.empty()) options->files.emplace_back(kStandardInput);
     return runMatch(*options);
   };

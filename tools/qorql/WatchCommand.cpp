@@ -7,7 +7,6 @@
 #include <chrono>
 #include <iostream>
 #include <map>
-#include <optional>
 #include <string>
 #include <system_error>
 
@@ -44,8 +43,7 @@ constexpr const char* kFooter =
 
 struct WatchOptions {
   FilterOptions filter;
-  std::optional<std::string> text;
-  std::string filters;  // a file of them; empty: the one in the text
+  FilterTexts asked;
   double interval = 1;
   QORuint64 count = 0;  // 0: without end
   QORuint64 limit = 0;  // 0: without end
@@ -163,7 +161,8 @@ int runWatch(const WatchOptions& options) {
   FilterGroup filters(session);
   try {
     session.open(Session::LeftOut::TellAtOnce);
-    const bool areSound = options.filters.empty() ? filters.readOne(*options.text) : filters.readFile(options.filters);
+    const bool areSound =
+        options.asked.areMany() ? filters.readFile(options.asked.file) : filters.readOne(*options.asked.text);
     if (!areSound) return kExitRefused;
   } catch (...) {
     return reportStartFailure();
@@ -214,18 +213,11 @@ CommandAction declareWatchCommand(CLI::App& app) {
                      .description = "End after so many indications",
                      .take = [options](const std::string& given) { options->limit = parseCount(given); },
                      .check = checkCount});
-  declareValue(app, {.names = "--filters",
-                     .type = "FILE",
-                     .description = "Ask the filters of a file in place of FILTER",
-                     .take = keepIn(options->filters),
-                     .check = checkFile});
-  declareValue(app, {.names = "FILTER", .description = "The filter", .take = [options](const std::string& text) {
-                       options->text = text;
-                     }});
+  declareFilterTexts(app, options->asked);
   return [options] {
-    const bool areMany = !options->filters.empty();
-    if (areMany && options->text) refuseBoth("FILTER", "--filters");
-    if (!areMany && !options->text) refuseWithout("FILTER");
+    const bool areMany = options->asked.areMany();
+    if (areMany && options->asked.text) refuseBoth("FILTER", "--filters");
+    if (!areMany && !options->asked.text) refuseWithout("FILTER");
     return runWatch(*options);
   };
 }
