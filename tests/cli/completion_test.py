@@ -42,7 +42,8 @@ class Completion:
             long_names = {name for name in self.options(command) if name.startswith("--")}
             self.assertEqual(set(self.complete(command, "--")), long_names, command)
         self.assertEqual(self.complete("--no-l"), ["--no-live"])
-        self.assertEqual(self.complete("explain", "--st"), [])
+        self.assertEqual(self.complete("explain", "--sta"), [])
+        self.assertEqual(self.complete("explain", "--st"), ["--strict"])
         self.assertEqual(self.complete("query", "--st"), ["--stats", "--strict"])
 
     def test_a_command_behind_options(self):

@@ -86,6 +86,29 @@ class Queries(ToolCase):
         self.wrong_usage(self.model("--strict=yes", GOOD), "--strict takes no value")
 
 
+class Explanations(ToolCase):
+    def explain(self, *arguments):
+        return self.run_tool("explain", "--no-live", "-m", toolcase.MODEL, *arguments)
+
+    def test_what_is_not_warned_of_is_explained(self):
+        for query in (GOOD, f"{GOOD}; {GOOD}"):
+            self.assertEqual(self.succeed(self.explain("--strict", query)), self.succeed(self.explain(query)))
+
+    def test_a_surprise_is_refused(self):
+        self.assertIn(OR_ERROR, self.succeed(self.explain(OR)))
+        for more in ((), ("--quiet",)):
+            self.refused(self.explain("--strict", *more, OR), 1, f"qorql: error: {OR_ERROR}")
+
+    def test_all_statements_are_looked_at_before_the_first_is_explained(self):
+        result = self.explain("--strict", f"{GOOD};\n{OR};\n{GOOD} @")
+        self.assertEqual((result.status, result.out), (1, ""))
+        self.assertEqual(result.err, f"qorql: error: line 2: {OR_ERROR}\nqorql: error: line 3: passed over, since the "
+                                     "language does not know it: @ (line 3, column 39)\n")
+
+    def test_what_does_not_parse_is_told_as_without_it(self):
+        self.assertEqual(self.explain("--strict", "SELECT Idd FROM Shop_Item"), self.explain("SELECT Idd FROM Shop_Item"))
+
+
 class Filters(ToolCase):
     def strict(self, command, *arguments, stdin=b""):
         return self.run_tool(command, "--strict", "--no-live", *arguments, stdin=stdin)

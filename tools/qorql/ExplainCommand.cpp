@@ -11,6 +11,7 @@
 #include "OptionDeclarations.h"
 #include "ParsedQuery.h"
 #include "QueryHint.h"
+#include "QueryRunner.h"
 #include "Session.h"
 #include "SessionOptions.h"
 #include "Statements.h"
@@ -36,6 +37,7 @@ constexpr const char* kFooter =
 struct ExplainOptions {
   SessionOptions session;
   std::string query;
+  bool isStrict = false;  // what would be warned of is refused
 };
 
 std::string labelOf(const Step& step) {
@@ -87,6 +89,35 @@ std::string textOf(const Step& step) {
   return step.text;
 }
 
+// All return the exit status.
+int reportUnexplained(const Statement& statement, Session& session, const SessionOptions& options) {
+  session.dropWarnings();
+  std::cout.flush();
+  return reportFailure(statement,
+                       options.isQuiet ? "" : hintOfFailure(session.manager(), options.nameSpace, statement));
+}
+
+int refuseWarned(const std::vector<Statement>& statements, Session& session, const SessionOptions& options) {
+  const OutputOptions output;
+  QueryRunner runner(options, output, session, std::cout);
+  return checkStrictly(statements, runner,
+                       [&](const Statement& statement) { return reportUnexplained(statement, session, options); });
+}
+
+int explainAll(const std::vector<Statement>& statements, Session& session, const SessionOptions& options) {
+  for (const Statement& statement : statements) {
+    ParsedQuery parsed(statement);
+    try {
+      parseWithWarnings(parsed, options.nameSpace, options.isQuiet);
+      if (&statement != &statements.front()) std::cout << '\n';
+      printExplanation(std::cout, session.manager(), parsed, options.nameSpace);
+    } catch (...) {
+      return reportUnexplained(statement, session, options);
+    }
+  }
+  return kExitDone;
+}
+
 int explain(const ExplainOptions& options) {
   Session session(options.session);
   try {
@@ -96,21 +127,8 @@ int explain(const ExplainOptions& options) {
   }
   std::vector<Statement> statements = splitStatements(options.query);
   if (statements.empty()) statements.push_back({options.query, 1});
-  for (const Statement& statement : statements) {
-    ParsedQuery parsed(statement);
-    try {
-      parseWithWarnings(parsed, options.session.nameSpace, options.session.isQuiet);
-      if (&statement != &statements.front()) std::cout << '\n';
-      printExplanation(std::cout, session.manager(), parsed, options.session.nameSpace);
-    } catch (...) {
-      session.dropWarnings();
-      std::cout.flush();
-      const std::string hint =
-          options.session.isQuiet ? "" : hintOfFailure(session.manager(), options.session.nameSpace, statement);
-      return reportFailure(statement, hint);
-    }
-  }
-  return kExitDone;
+  const int status = options.isStrict ? refuseWarned(statements, session, options.session) : kExitDone;
+  return status == kExitDone ? explainAll(statements, session, options.session) : status;
 }
 
 }  // namespace
@@ -134,6 +152,7 @@ CommandAction declareExplainCommand(CLI::App& app) {
   const auto options = std::make_shared<ExplainOptions>();
   describeCommand(app, kDescription, kFooter);
   declareSessionOptions(app, options->session);
+  declareFlag(app, "--strict", options->isStrict, "Refuse statements that would be warned of; none is explained then");
   declareValue(app, {.names = "QUERY",
                      .description = "One statement, or several separated by \";\"",
                      .take = keepIn(options->query),

@@ -59,7 +59,7 @@ std::vector<std::string> commandNames() {
   return names;
 }
 
-// Both return the exit status.
+// Return the exit status.
 int runOne(const Statement& statement, QueryRunner& runner, Session& session) {
   try {
     runner.run(statement);
@@ -73,24 +73,13 @@ int runOne(const Statement& statement, QueryRunner& runner, Session& session) {
   return kExitDone;
 }
 
-// All statements are checked before the first of them runs, so that a script runs as a whole or not at all.
-int checkStrictly(const std::vector<Statement>& statements, QueryRunner& runner) {
-  int status = kExitDone;
-  for (const Statement& statement : statements) {
-    const std::string place = statements.size() == 1 ? "" : "line " + std::to_string(statement.firstLine) + ": ";
-    try {
-      if (!runner.isFreeOfWarnings(statement, place)) status = kExitRefused;
-    } catch (...) {
-      return reportFailure(statement, runner.hint(statement, commandNames()));
-    }
-  }
-  return status;
-}
-
 int runStatements(const QueryOptions& options, Session& session) {
   QueryRunner runner(options.session, options.output, session, std::cout);
   const std::vector<Statement> statements = readStatements(options);
-  int status = options.output.isStrict ? checkStrictly(statements, runner) : kExitDone;
+  const auto report = [&](const Statement& statement) {
+    return reportFailure(statement, runner.hint(statement, commandNames()));
+  };
+  int status = options.output.isStrict ? checkStrictly(statements, runner, report) : kExitDone;
   for (auto statement = statements.begin(); status == kExitDone && std::cout && statement != statements.end();
        ++statement) {
     status = runOne(*statement, runner, session);

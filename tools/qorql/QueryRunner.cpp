@@ -13,6 +13,7 @@
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_StatementPlaces.h"
 #include "ErrorReport.h"
+#include "ExitStatus.h"
 #include "Interrupt.h"
 #include "ParsedQuery.h"
 #include "ProgressLine.h"
@@ -120,6 +121,19 @@ bool QueryRunner::isFreeOfWarnings(const Statement& statement, const std::string
     std::cerr << caretOf(warning, standardErrorShape(), statement);
   }
   return passedOver.empty() && warnings.empty();
+}
+
+int checkStrictly(const std::vector<Statement>& statements, QueryRunner& runner, const FailureReport& report) {
+  int status = kExitDone;
+  for (const Statement& statement : statements) {
+    const std::string place = statements.size() == 1 ? "" : "line " + std::to_string(statement.firstLine) + ": ";
+    try {
+      if (!runner.isFreeOfWarnings(statement, place)) status = kExitRefused;
+    } catch (...) {
+      return report(statement);
+    }
+  }
+  return status;
 }
 
 // A person at a terminal is warned where the language surprises; a script asks for it.

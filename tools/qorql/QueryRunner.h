@@ -3,6 +3,7 @@
 #ifndef QORQL_TOOL_QUERYRUNNER_H
 #define QORQL_TOOL_QUERYRUNNER_H
 
+#include <functional>
 #include <iosfwd>
 #include <memory>
 #include <string>
@@ -58,5 +59,12 @@ class QueryRunner {
   std::unique_ptr<ResultWriter> _writer;
   OutputForm _writerForm = OutputForm::Table;
 };
+
+// Reports the exception that is handled, which a statement threw. Returns the exit status.
+using FailureReport = std::function<int(const Statement& statement)>;
+
+// For --strict: looks at all statements before the first of them is run or explained, so that a script is taken as a
+// whole or not at all. Returns the exit status.
+int checkStrictly(const std::vector<Statement>& statements, QueryRunner& runner, const FailureReport& report);
 
 #endif
