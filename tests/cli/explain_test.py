@@ -121,6 +121,7 @@ class Warnings(ToolCase):
                 ("SELECT Id FROM Shop_Item WHERE ANY Id = 1", "ARR-5"),
                 ("SELECT -(Id + 1) AS X FROM Shop_Item WHERE Id < 0", "ARITH-6"),
                 ("SELECT Id FROM Shop_Item WHERE Balance < -9223372036854775808", "LEX-6"),
+                ("SELECT Id FROM Shop_Item WHERE Balance < 18446744073709551616", "LEX-6"),
                 ("SELECT COUNT(Id > 1) AS X FROM Shop_Item", "AGG-2"),
                 ("SELECT Id FROM Shop_Item WHERE Nowhere::Id = 1", "NAME-6"),
                 ("SELECT Name.Id FROM Shop_Item AS Name", "NAME-7"),

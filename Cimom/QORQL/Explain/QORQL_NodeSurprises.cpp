@@ -2,8 +2,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Explain/QORQL_NodeSurprises.h"
 
+#include <algorithm>
 #include <cfloat>
 #include <cmath>
+#include <limits>
 
 #include "Cimom/QORQL/QORQL_Association.h"
 #include "Cimom/QORQL/QORQL_Comparison.h"
@@ -53,6 +55,15 @@ void noteGrouping(const QORQL_Evaluatable*& grouped, const Node& node, const QOR
 const char* mirroredSign(QORQL_Operator op) {
   constexpr const char* kSigns[] = {"", "=", "<>", ">", "<", ">=", "<="};
   return kSigns[op];
+}
+
+// What a whole number stands for that no type holds.
+constexpr QORuint64 kGreatest = std::numeric_limits<QORuint64>::max();
+
+bool isBeyondGreatest(std::string_view digits) {
+  digits.remove_prefix(std::min(digits.find_first_not_of('0'), digits.size()));
+  const std::string greatest = std::to_string(kGreatest);
+  return digits.size() > greatest.size() || (digits.size() == greatest.size() && digits > greatest);
 }
 
 // How to ask the elements of an array.
@@ -137,6 +148,9 @@ void QORQL_NodeSurprises::visitFactor(const QORQL_Factor& node) {
   if (!node.getLiteral().IsNull()) {
     const QoriScalar scalar = node.getLiteral()->scalar();
     if (scalar.kind == QoriScalarKind::Signed && scalar.s < 0) note(_tooLow, node);
+    if (scalar.kind == QoriScalarKind::Unsigned && scalar.u == kGreatest && isBeyondGreatest(digitsAt(node))) {
+      note(_tooGreat, node);
+    }
     return;
   }
   const bool hasScope = !node.getPropertyScope().IsNull() && !node.getClassName().IsNull();
@@ -197,6 +211,11 @@ const QORQL_Evaluatable& QORQL_NodeSurprises::real32Side() const {
   return _types.of(&left).isReal32 ? left : *_real32->getRHSArithmeticExpression();
 }
 
+std::string_view QORQL_NodeSurprises::digitsAt(const QORQL_Factor& node) const noexcept {
+  const std::string_view rest = _text.substr(std::min<std::size_t>(node.getOffset(), _text.size()));
+  return rest.substr(0, rest.find_first_not_of("0123456789"));
+}
+
 // The name before the last one.
 QORuint32 QORQL_NodeSurprises::scopePlace() const {
   const std::vector<QORuint32> places = QORQL_placesOfNames(_text, *_scope);
@@ -239,6 +258,12 @@ void QORQL_NodeSurprises::addArithmetic(std::vector<QORQL_Surprise>& found) cons
     found.push_back({"LEX-6",
                      "Behind a minus " + _texts.of(_tooLow) + " fits no type: it stands for another number or null",
                      _tooLow->getOffset()});
+  }
+  if (_tooGreat != nullptr) {
+    found.push_back({"LEX-6",
+                     std::string(digitsAt(*_tooGreat)) +
+                         " is more than any type of whole numbers holds: it stands for " + std::to_string(kGreatest),
+                     _tooGreat->getOffset()});
   }
 }
 

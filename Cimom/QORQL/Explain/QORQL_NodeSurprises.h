@@ -45,6 +45,8 @@ class QORQL_NodeSurprises : public QORQL_ExpressionVisitor {
   const QORQL_Evaluatable& askedSide() const;
   const QORQL_Evaluatable& real32Side() const;
   QORuint32 scopePlace() const;
+  // The digits that the text has at the place of a node.
+  std::string_view digitsAt(const QORQL_Factor& node) const noexcept;
   std::string arrayText() const;
   std::string real32Text() const;
   QORQL_Surprise associationText() const;
@@ -61,8 +63,9 @@ class QORQL_NodeSurprises : public QORQL_ExpressionVisitor {
   const QORQL_Comparison* _asked = nullptr;  // ANY or EVERY of what is no array
   const QORQL_Comparison* _real32 = nullptr;
   const QORQL_Evaluatable* _grouped = nullptr;
-  const QORQL_Factor* _negated = nullptr;  // a uint64
-  const QORQL_Factor* _tooLow = nullptr;   // a literal after a minus that sint64 does not hold
+  const QORQL_Factor* _negated = nullptr;   // a uint64
+  const QORQL_Factor* _tooLow = nullptr;    // a literal after a minus that sint64 does not hold
+  const QORQL_Factor* _tooGreat = nullptr;  // a literal that uint64 does not hold
   const QORQL_Factor* _scope = nullptr;
   const QORQL_Function* _counted = nullptr;
   const QORQL_Association* _association = nullptr;

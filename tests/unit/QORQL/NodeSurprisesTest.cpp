@@ -90,4 +90,17 @@ TEST_F(NodeSurprises, LiteralsBelowTheLeast) {
   EXPECT_THAT(rules("SELECT Name FROM Disk WHERE Size > -9223372036854775807"), IsEmpty());
 }
 
+TEST_F(NodeSurprises, LiteralsAboveTheGreatest) {
+  for (const char* literal :
+       {"18446744073709551616", "99999999999999999999", "100000000000000000000", "00018446744073709551616"}) {
+    EXPECT_EQ(
+        surprise("SELECT Name FROM Disk WHERE Size = " + std::string(literal)),
+        std::string(literal) + " is more than any type of whole numbers holds: it stands for 18446744073709551615");
+  }
+  for (const char* literal :
+       {"18446744073709551615", "0000018446744073709551615", "18446744073709551614", "0", "18446744073709551616.0"}) {
+    EXPECT_THAT(rules("SELECT Name FROM Disk WHERE Size = " + std::string(literal)), IsEmpty()) << literal;
+  }
+}
+
 }  // namespace

@@ -36,6 +36,7 @@ constexpr Row kRows[] = {
     {"ARITH-2", "SELECT Name FROM Disk WHERE Size = Size ^* 100 / 7 / 2"},
     {"ARITH-6", "SELECT Name FROM Disk WHERE Size = ^-Size"},
     {"LEX-6", "SELECT Name FROM Disk WHERE Size > -^9223372036854775809"},
+    {"LEX-6", "SELECT Name FROM Disk WHERE 3 + ^18446744073709551616 > Size"},
     {"AGG-2", "SELECT Name FROM Disk WHERE Size = ^COUNT(Size = 1)"},
     {"NAME-6", "SELECT Name FROM Disk WHERE Disk::Name = '' AND ^Host::Name = 'x'"},
     {"ASSOC-6", "SELECT h.Name FROM Host AS h, Disk AS d WHERE ^Spare = h AND Spare = d"},
