@@ -106,7 +106,9 @@ class Explanations(ToolCase):
                                      "language does not know it: @ (line 3, column 39)\n")
 
     def test_what_does_not_parse_is_told_as_without_it(self):
-        self.assertEqual(self.explain("--strict", "SELECT Idd FROM Shop_Item"), self.explain("SELECT Idd FROM Shop_Item"))
+        plain, strict = (self.explain(*more, "SELECT Idd FROM Shop_Item") for more in ((), ("--strict",)))
+        self.assertEqual((strict.status, strict.out, strict.err), (plain.status, plain.out, plain.err))
+        self.assertEqual(strict.status, 1)
 
 
 class Filters(ToolCase):
