@@ -6,6 +6,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <charconv>
+#include <limits>
 
 #include "Cimom/Providers/LinuxPackageReader.h"
 #include "Cimom/Providers/LinuxProperty.h"
@@ -40,9 +42,13 @@ LinuxValue readState(Package& package) {
   const std::size_t blank = package.status.rfind(' ');
   return textOrNull(package.status.substr(blank == std::string::npos ? 0 : blank + 1).c_str());
 }
+// The list counts in KiB. What is no such number, or too great a one in bytes, is not told.
 LinuxValue readSize(Package& package) {
-  const QORString size(package.size);
-  return size.isNumeric() ? uint64Value(size.atoui64() * 1024) : LinuxValue();
+  const char* const end = package.size.data() + package.size.size();
+  QORuint64 size = 0;
+  const auto [rest, error] = std::from_chars(package.size.data(), end, size);
+  const bool isSize = error == std::errc() && rest == end && size <= std::numeric_limits<QORuint64>::max() / 1024;
+  return isSize ? uint64Value(size * 1024) : LinuxValue();
 }
 
 constexpr LinuxProperty<Package> kProperties[] = {
@@ -61,9 +67,8 @@ constexpr LinuxProperty<Package> kProperties[] = {
     {"InstalledSize", readSize},
 };
 
-[[noreturn]] void raise(const std::string& reason) {
-  throw CQoriProviderException(LinuxPackage::kClassName, QORString("The packages cannot be listed: " + reason),
-                               kCimErrFailed);
+[[noreturn]] void raise(const std::string& reason, QORuint32 code) {
+  throw CQoriProviderException(LinuxPackage::kClassName, QORString("The packages cannot be listed: " + reason), code);
 }
 
 std::string loadingError() {
@@ -81,12 +86,12 @@ std::string ownFolder() {
   return path.substr(0, path.rfind('/') + 1);
 }
 
-// Loaded once and kept.
+// Loaded once and kept. Without it this installation has no source of packages; the other classes do without it.
 LinuxPackageReader packageReader() {
   void* const library = dlopen((ownFolder() + kLinuxPackageLibrary).c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
-  if (library == nullptr) raise(loadingError());
+  if (library == nullptr) raise(loadingError(), InstanceProvider::kNoSource);
   void* const found = dlsym(library, kLinuxPackageFunction);
-  if (found == nullptr) raise(loadingError());
+  if (found == nullptr) raise(loadingError(), InstanceProvider::kNoSource);
   return reinterpret_cast<LinuxPackageReader>(found);
 }
 
@@ -103,5 +108,5 @@ void LinuxPackage::enumerate(const Request& request, const Emit& emit) {
   };
   std::string wrong;
   read(_list.c_str(), take, wrong);
-  if (!wrong.empty()) raise(wrong);
+  if (!wrong.empty()) raise(wrong, kCimErrFailed);
 }

@@ -44,6 +44,26 @@ TEST(LinuxPackage, ShowsWhatDpkgKnows) {
   EXPECT_EQ(enumerateRows(provider, {"Name"}, nameOf(provider, "InstanceID", "dpkg:libc6:i386")).size(), 1U);
 }
 
+TEST(LinuxPackage, ASizeThatIsNoneOrTooGreatIsNotTold) {
+  const MadeUpFiles files;
+  for (const auto& [size, shown] :
+       std::vector<std::pair<std::string, std::string>>{{"0", "0"},
+                                                        {"18014398509481983", "18446744073709550592"},
+                                                        {"18014398509481984", "(null)"},
+                                                        {"99999999999999999999", "(null)"},
+                                                        {"-5", "(null)"},
+                                                        {"7 KiB", "(null)"},
+                                                        {"1.5", "(null)"}}) {
+    LinuxPackage provider(files.write("status",
+                                      "Package: a\nStatus: install ok installed\nArchitecture: all\n"
+                                      "Installed-Size: " +
+                                          size + "\nVersion: 1\n"));
+    const auto rows = enumerateRows(provider, {"InstalledSize"});
+    ASSERT_EQ(rows.size(), 1U) << size;
+    EXPECT_EQ(textOf(rows[0][0]), shown) << size;
+  }
+}
+
 TEST(LinuxPackage, WarnsWhereThereIsNoList) {
   const MadeUpFiles files;
   const KeptWarnings warnings;
