@@ -63,14 +63,23 @@ std::string_view takeWord(std::string_view& rest) {
   return word;
 }
 
-// "NAME = value": what stands before the sign is one word.
+// Takes the name of a variable off the front: what stands before "=" or a blank, or what is in quotes. False where
+// there is none.
+bool takeVariable(std::string_view& rest) {
+  const bool isQuoted = rest.starts_with('"') || rest.starts_with('\'');
+  const std::size_t end = isQuoted ? rest.find(rest.front(), 1) : rest.find_first_of("= \t");
+  if (end == std::string_view::npos || end == 0) return false;
+  rest.remove_prefix(isQuoted ? end + 1 : end);
+  return true;
+}
+
+// "NAME = value", "'A NAME' = value".
 bool setsVariable(std::string_view line) {
-  const std::size_t sign = line.find('=');
-  if (sign == std::string_view::npos) return false;
-  std::string_view before = line.substr(0, sign);
   const bool isTime =
       line.starts_with('@') || line.starts_with('*') || std::isdigit(static_cast<unsigned char>(line.front())) != 0;
-  return !isTime && !takeWord(before).empty() && takeWord(before).empty();
+  if (isTime || !takeVariable(line)) return false;
+  line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
+  return line.starts_with('=');
 }
 
 // False where something lacks. A user is given where the table is that user's own.

@@ -3,6 +3,7 @@
 #include "Cimom/Providers/LinuxValues.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/utsname.h>
 #include <unistd.h>
 
@@ -11,6 +12,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <ctime>
+#include <limits>
 #include <system_error>
 
 #include "cimom/CQoriValue.h"
@@ -95,18 +97,41 @@ std::string hostName() {
   return uname(&names) == 0 ? names.nodename : "";
 }
 
-std::string readSmallFile(const std::string& path) {
-  std::string content;
-  const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (file < 0) return content;
+// A pipe would wait for somebody who writes, and a device may never end. 0 for what is a file, as those of the kernel
+// are, else an errno.
+static int faultOfKind(int file) {
+  struct stat state {};
+  if (fstat(file, &state) != 0) return errno;
+  if (S_ISDIR(state.st_mode)) return EISDIR;
+  return S_ISREG(state.st_mode) ? 0 : EINVAL;
+}
+
+// Reads to the end, or until there is more than `greatest`. Returns 0 or an errno.
+static int readToEnd(int file, std::size_t greatest, std::string& content) {
   std::array<char, 4096> piece;
   ssize_t count = 0;
-  while ((count = read(file, piece.data(), piece.size())) > 0) content.append(piece.data(), static_cast<size_t>(count));
-  const int error = errno;
+  while ((count = read(file, piece.data(), piece.size())) > 0) {
+    content.append(piece.data(), static_cast<size_t>(count));
+    if (content.size() > greatest) return EFBIG;
+  }
+  return count < 0 ? errno : 0;
+}
+
+static std::string readFile(const std::string& path, std::size_t greatest) {
+  std::string content;
+  const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  if (file < 0) return content;
+  int error = faultOfKind(file);
+  if (error == 0) error = readToEnd(file, greatest, content);
   close(file);
-  errno = count < 0 ? error : 0;
+  if (error == EFBIG) content.clear();
+  errno = error;
   return content;
 }
+
+std::string readSmallFile(const std::string& path) { return readFile(path, std::size_t{16} << 20U); }
+
+std::string readKernelTable(const std::string& path) { return readFile(path, std::numeric_limits<std::size_t>::max()); }
 
 std::string readLine(const std::string& path) {
   std::string line = readSmallFile(path);

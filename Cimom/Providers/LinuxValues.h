@@ -36,10 +36,14 @@ LinuxValue dateTimeValue(QORsint64 secondsSinceEpoch, QORsint64 microseconds);
 
 // The node's name in the network.
 std::string hostName();
-// The same without its line ends, for files of one line. errno as below.
-std::string readLine(const std::string& path);
-// The content of a small file such as those of /proc; empty when it cannot be read; errno then has the reason.
+// The content of a small file such as those of /proc; empty when it cannot be read; errno then has the reason: EINVAL
+// for a pipe or a device, EFBIG for more than 16 MB.
 std::string readSmallFile(const std::string& path);
+// The same without its line ends, for files of one line. errno as above.
+std::string readLine(const std::string& path);
+// The same of a table of the kernel, which is as long as what the machine has: sockets, routes. errno as above, but for
+// EFBIG.
+std::string readKernelTable(const std::string& path);
 // When the kernel was started, in microseconds since the epoch. Fixed at the
 // first call, so that times counted from it are equal each time they are asked
 // for; 0 when the kernel does not tell.

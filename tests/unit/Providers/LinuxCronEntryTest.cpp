@@ -1,6 +1,7 @@
 // Entries of made-up tables of cron.
 // SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 
 #include "Cimom/Providers/LinuxCronEntry.h"
 #include "MadeUpFiles.h"
@@ -41,6 +42,33 @@ TEST(LinuxCronEntry, ReadsTheSystemsTable) {
               ElementsAre("17 * * * * | root | cd / && A=1 run-parts /etc/cron.hourly",
                           "@reboot | anna | /usr/bin/start  --now", "*/5 8-18 * jan mon-fri | www | %s = 5"));
   EXPECT_THAT(warnings.lines(), ElementsAre("Cannot read " + files.path("crontab") + ":3: Invalid argument"));
+}
+
+TEST(LinuxCronEntry, AVariablesNameMayBeQuoted) {
+  const MadeUpFiles files;
+  files.write("crontab", "\"Q R\"=3\n'S  T' = 4\n\"U=V\"=5\n\"\" = 6\n@daily root \"A B\"=7\n");
+  const KeptWarnings warnings;
+  EXPECT_THAT(entriesIn(files), ElementsAre("@daily | root | \"A B\"=7"));
+  EXPECT_THAT(warnings.lines(), SizeIs(0));
+}
+
+TEST(LinuxCronEntry, AQuotedWordAloneIsNoVariable) {
+  const MadeUpFiles files;
+  for (const char* line : {"\"Q R\"", "\"Q R=3", "'Q\"=3", "= 3"}) {
+    const std::string table = files.write("crontab", line);
+    const KeptWarnings warnings;
+    EXPECT_THAT(entriesIn(files), SizeIs(0)) << line;
+    EXPECT_THAT(warnings.lines(), ElementsAre("Cannot read " + table + ":1: Invalid argument")) << line;
+  }
+}
+
+TEST(LinuxCronEntry, PassesOverAPipeWithAWarning) {
+  const MadeUpFiles files;
+  files.write("cron.d/a", "@daily root first\n");
+  ASSERT_EQ(mkfifo(files.path("cron.d/pipe").c_str(), 0600), 0);
+  const KeptWarnings warnings;
+  EXPECT_THAT(entriesIn(files), ElementsAre("@daily | root | first"));
+  EXPECT_THAT(warnings.lines(), ElementsAre("Cannot read " + files.path("cron.d/pipe") + ": Invalid argument"));
 }
 
 TEST(LinuxCronEntry, ReadsPackagesTablesByNameAndUsersOwn) {

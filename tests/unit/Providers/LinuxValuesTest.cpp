@@ -1,11 +1,14 @@
 // Values of the live providers: points in time in every zone and at every edge.
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <limits>
 
 #include "Cimom/Providers/LinuxValues.h"
+#include "MadeUpFiles.h"
 #include "ProviderFixture.h"
 
 namespace {
@@ -73,6 +76,30 @@ TEST(LinuxValues, ReadsSmallFilesAndTellsWhyNot) {
   EXPECT_EQ(errno, 0);
   EXPECT_EQ(readSmallFile("/nonexistent/file"), "");
   EXPECT_EQ(errno, ENOENT);
+}
+
+TEST(LinuxValues, ReadsNeitherFoldersNorPipesNorDevices) {
+  const MadeUpFiles files;
+  ASSERT_EQ(mkfifo(files.path("pipe").c_str(), 0600), 0);
+  for (const auto& [path, error] :
+       {std::pair(files.path(), EISDIR), {files.path("pipe"), EINVAL}, {std::string("/dev/zero"), EINVAL}}) {
+    EXPECT_EQ(readSmallFile(path), "") << path;
+    EXPECT_EQ(errno, error) << path;
+  }
+}
+
+TEST(LinuxValues, ReadsNoMoreThanASmallFile) {
+  constexpr std::uintmax_t kGreatest = 16 << 20;
+  const MadeUpFiles files;
+  const std::string path = files.write("large", "");
+  std::filesystem::resize_file(path, kGreatest);
+  EXPECT_EQ(readSmallFile(path).size(), kGreatest);
+  EXPECT_EQ(errno, 0);
+  std::filesystem::resize_file(path, kGreatest + 1);
+  EXPECT_EQ(readSmallFile(path), "");
+  EXPECT_EQ(errno, EFBIG);
+  EXPECT_EQ(readKernelTable(path).size(), kGreatest + 1);
+  EXPECT_EQ(errno, 0);
 }
 
 TEST(TextValue, KeepsWhatIsUtf8) {
