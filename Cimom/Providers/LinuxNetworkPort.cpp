@@ -40,11 +40,9 @@ struct Port {
   unsigned flags = 0;
 };
 
-// The content of the kernel's file of that name for the interface, without its line end; empty when there is none.
+// The line in the kernel's file of that name for the interface; empty when there is none.
 std::string kernelText(const Port& port, const char* file) {
-  std::string text = readSmallFile("/sys/class/net/" + port.name + "/" + file);
-  while (!text.empty() && text.back() == '\n') text.pop_back();
-  return text;
+  return readLine("/sys/class/net/" + port.name + "/" + file);
 }
 
 std::optional<QORuint64> kernelNumber(const Port& port, const char* file) {
@@ -168,10 +166,15 @@ void checkKernelFiles(const InstanceProvider::Request& request) {
   if (needs && access(kFolder, R_OK) != 0) warnUnreadable(kFolder, errno);
 }
 
-Addresses readAllAddresses() {
+// Nothing, with errno set, where they cannot be read; a null pointer where there is none.
+std::optional<Addresses> readAllAddresses() {
   ifaddrs* addresses = nullptr;
-  if (getifaddrs(&addresses) == 0) return Addresses(addresses);
-  logUnreadable("the network interfaces", errno);
+  if (getifaddrs(&addresses) != 0) return std::nullopt;
+  return Addresses(addresses);
+}
+
+[[noreturn]] void raiseUnreadable(int error) {
+  logUnreadable("the network interfaces", error);
   throw CQoriProviderException(LinuxNetworkPort::kClassName, "The network interfaces cannot be listed", kCimErrFailed);
 }
 
@@ -180,22 +183,24 @@ Addresses readAllAddresses() {
 void LinuxNetworkPort::enumerate(const Request& request, const Emit& emit) {
   const auto properties = bindProperties<LinuxProperty<Port>>(request, kProperties);
   const QORString wanted = wantedKey(request, "DeviceID");
-  const Addresses addresses = readAllAddresses();
+  const std::optional<Addresses> addresses = readAllAddresses();
+  if (!addresses) raiseUnreadable(errno);
   checkKernelFiles(request);
   std::map<std::string, unsigned> flags;
-  for (const ifaddrs* entry = addresses.get(); entry != nullptr; entry = entry->ifa_next) {
+  for (const ifaddrs* entry = addresses->get(); entry != nullptr; entry = entry->ifa_next) {
     flags.emplace(entry->ifa_name, entry->ifa_flags);
   }
   for (const auto& [name, portFlags] : flags) {
-    Port port{name, addresses.get(), portFlags};
+    Port port{name, addresses->get(), portFlags};
     if (wanted.isNull() || wanted == name.c_str()) emitInstance(port, properties, emit);
   }
 }
 
-std::unordered_set<std::string> LinuxNetworkPort::ownAddresses() {
-  const Addresses addresses = readAllAddresses();
+std::optional<std::unordered_set<std::string>> LinuxNetworkPort::ownAddresses() {
+  const std::optional<Addresses> addresses = readAllAddresses();
+  if (!addresses) return std::nullopt;
   std::unordered_set<std::string> texts;
-  for (const ifaddrs* entry = addresses.get(); entry != nullptr; entry = entry->ifa_next) {
+  for (const ifaddrs* entry = addresses->get(); entry != nullptr; entry = entry->ifa_next) {
     if (entry->ifa_addr != nullptr) texts.insert(addressText(entry->ifa_addr));
   }
   return texts;

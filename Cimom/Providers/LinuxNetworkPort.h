@@ -3,6 +3,7 @@
 #ifndef QORQL_PROVIDERS_LINUXNETWORKPORT_H
 #define QORQL_PROVIDERS_LINUXNETWORKPORT_H
 
+#include <optional>
 #include <string>
 #include <unordered_set>
 
@@ -18,8 +19,8 @@ class LinuxNetworkPort : public InstanceProvider {
   // THROWS CQoriProviderException when the interfaces cannot be listed.
   void enumerate(const Request& request, const Emit& emit) override;
 
-  // The addresses of all interfaces. THROWS as above.
-  static std::unordered_set<std::string> ownAddresses();
+  // The addresses of all interfaces; nothing, with errno set, when these cannot be listed.
+  static std::optional<std::unordered_set<std::string>> ownAddresses();
 };
 
 #endif

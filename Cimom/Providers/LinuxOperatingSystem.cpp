@@ -16,6 +16,7 @@
 #include <string>
 #include <utility>
 
+#include "Cimom/Providers/LinuxProcessFiles.h"
 #include "Cimom/Providers/LinuxProperty.h"
 #include "cimom/CQoriValue.h"
 
@@ -113,9 +114,12 @@ LinuxValue readProcessCount(System& system) {
   while (const dirent* entry = readdir(folder.get())) {
     if (entry->d_name[0] >= '1' && entry->d_name[0] <= '9') ++count;
   }
-  if (count != 0) return uint32Value(count);
-  system.unreadable.note("the processes in /proc", ENOENT);
-  return {};
+  if (count == 0) {
+    system.unreadable.note("the processes in /proc", ENOENT);
+    return {};
+  }
+  warnOfHiddenProcesses();
+  return uint32Value(count);
 }
 LinuxValue readProcessorCount(System&) {
   const long count = sysconf(_SC_NPROCESSORS_ONLN);

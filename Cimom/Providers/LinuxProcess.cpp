@@ -10,6 +10,7 @@
 #include <pwd.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cmath>
@@ -92,8 +93,7 @@ LinuxValue readSint32(Sample& sample) { return sint32Value(sample.item->result.s
 LinuxValue readBytes(Sample& sample) { return uint64Value(sample.item->result.ul_int); }
 LinuxValue readKibibytes(Sample& sample) { return uint64Value(QORuint64{sample.item->result.ul_int} * 1024); }
 
-// The kernel reports -100 (most urgent) to 39; CIM counts from 0.
-LinuxValue readPriority(Sample& sample) { return uint32Value(static_cast<QORuint32>(sample.item->result.s_int + 100)); }
+LinuxValue readPriority(Sample& sample) { return uint32Value(LinuxProcess::priorityOf(sample.item->result.s_int)); }
 
 QORuint64 ticksPerSecond() {
   static const QORuint64 ticks = static_cast<QORuint64>(sysconf(_SC_CLK_TCK));
@@ -155,12 +155,13 @@ void noteFailure(Sample& sample, const std::string& path, int error) {
   if (!isGone) sample.unreadable.note(path, error);
 }
 
-// A fact that a file of the process tells: null for a kernel thread and where the caller lacks the permission.
+// A fact that a file of the process tells: null for a kernel thread, where the caller lacks the permission, and where
+// there is nothing to tell (errno 0).
 template <class Fact>
 LinuxValue readFact(Sample& sample, const char* file, Fact fact) {
   const std::string path = sample.path(file);
   const auto found = fact(path);
-  if (!found) noteFailure(sample, path, errno);
+  if (!found && errno != 0) noteFailure(sample, path, errno);
   if constexpr (std::is_same_v<Fact, decltype(&readProcessLink)>) return found ? textValue(*found) : LinuxValue();
   if constexpr (std::is_same_v<Fact, decltype(&countEntries)>) return found ? uint32Value(*found) : LinuxValue();
   if constexpr (std::is_same_v<Fact, decltype(&executableExists)>) return found ? booleanValue(*found) : LinuxValue();
@@ -334,11 +335,6 @@ void forEachProcess(pids_info* processes, const QORString& wanted, Take take) {
   if (fetched != nullptr && fetched->counts->total != 0) take(*fetched->stacks[0]);
 }
 
-// The first process is always there, unless those of other users are hidden.
-void warnOfHiddenProcesses() {
-  if (access("/proc/1", F_OK) != 0) warnUnreadable("the processes of other users", errno);
-}
-
 // The first reading, and the time until the second one.
 LinuxProcessorUse watchProcessorUse(const QORString& wanted) {
   LinuxProcessorUse use(ticksPerSecond(), LinuxProcessorUse::Clock::now());
@@ -364,6 +360,10 @@ void LinuxProcess::enumerate(const Request& request, const Emit& emit) {
   sample.processorUse = processorUse ? &*processorUse : nullptr;
   forEachProcess(processes.get(), wanted,
                  [&](const pids_stack& stack) { emitProcess(sample, properties, stack, emit); });
+}
+
+QORuint32 LinuxProcess::priorityOf(int kernelPriority) {
+  return static_cast<QORuint32>(std::max(kernelPriority, -100) + 100);
 }
 
 std::vector<LinuxProcess::Owner> LinuxProcess::owners() {

@@ -35,6 +35,9 @@ class LinuxProcess : public InstanceProvider {
     QORuint32 processes = 0;
     QORuint64 memory = 0;  // what is resident, in bytes; what processes share counts for each
   };
+  // The kernel reports -101 and -100 (most urgent, the former with a deadline) to 39; CIM counts from 0.
+  static QORuint32 priorityOf(int kernelPriority);
+
   // What the processes of each effective user take together. THROWS as above.
   static std::map<uid_t, Share> sharesOfUsers();
 };

@@ -36,6 +36,10 @@ std::optional<bool> executableExists(const std::string& link) {
   const std::optional<std::string> target = readProcessLink(link);
   if (!target) return std::nullopt;
   if (!target->ends_with(" (deleted)")) return true;
+  if (target->starts_with("/memfd:")) {
+    errno = 0;
+    return std::nullopt;
+  }
   struct stat running {};
   struct stat named {};
   if (stat(link.c_str(), &running) != 0 || stat(target->c_str(), &named) != 0) return false;
@@ -64,8 +68,9 @@ QORString controlGroupIn(std::string_view content) {
   return group.empty() ? QORString() : QORString(group);
 }
 
-std::string processName(int pid) {
-  std::string name = readSmallFile("/proc/" + std::to_string(pid) + "/comm");
-  while (name.ends_with('\n')) name.pop_back();
-  return name;
+std::string processName(int pid) { return readLine("/proc/" + std::to_string(pid) + "/comm"); }
+
+// The first process is always there, unless those of other users are hidden.
+void warnOfHiddenProcesses() {
+  if (access("/proc/1", F_OK) != 0) warnUnreadable("the processes of other users", errno);
 }

@@ -18,6 +18,7 @@ std::optional<std::string> readProcessLink(const std::string& link);
 std::optional<QORuint32> countEntries(const std::string& folder);
 // Whether the program that a process runs is still where it was when the
 // process began: false once it was deleted or another file took its place.
+// Nothing, with errno 0, for a program that is in memory alone and was never a file.
 std::optional<bool> executableExists(const std::string& link);
 
 // The control group that the content of a file "cgroup" tells: the one of the
@@ -27,5 +28,9 @@ QORString controlGroupIn(std::string_view content);
 
 // The name of a process, without its line end; empty for none that can be seen.
 std::string processName(int pid);
+
+// Warns where the processes of other users are not shown to the caller, so that
+// what is told of all processes is told of the caller's own.
+void warnOfHiddenProcesses();
 
 #endif

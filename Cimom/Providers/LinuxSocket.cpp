@@ -2,10 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxSocket.h"
 
-#include <ifaddrs.h>
-
 #include <cerrno>
-#include <memory>
 #include <optional>
 #include <unordered_set>
 
@@ -17,16 +14,24 @@ const char* const LinuxSocket::kClassName = "Linux_Socket";
 
 namespace {
 
-// The addresses of this machine, which the first that needs them reads; none where that fails, which is warned of.
-using OwnAddresses = std::optional<std::unordered_set<std::string>>;
+// The addresses of this machine, which the first that needs them reads; none where that fails, which is warned of once.
+struct OwnAddresses {
+  std::optional<std::unordered_set<std::string>> texts;
+  bool isRead = false;
+};
 
 struct Socket : LinuxSocketView {
   OwnAddresses& ownAddresses;
 };
 
-const std::unordered_set<std::string>& ownAddressesOf(Socket& socket) {
-  if (!socket.ownAddresses) socket.ownAddresses = LinuxNetworkPort::ownAddresses();
-  return *socket.ownAddresses;
+// Null where they cannot be read.
+const std::unordered_set<std::string>* ownAddressesOf(Socket& socket) {
+  OwnAddresses& own = socket.ownAddresses;
+  if (!own.isRead) {
+    own = {LinuxNetworkPort::ownAddresses(), true};
+    if (!own.texts) warnUnreadable("the addresses of this machine", errno);
+  }
+  return own.texts ? &*own.texts : nullptr;
 }
 
 LinuxValue readState(Socket& socket) { return textValue(socket.socket.stateName()); }
@@ -44,8 +49,9 @@ LinuxValue readIsRemote(Socket& socket) {
   constexpr std::string_view kMapped = "::ffff:";
   std::string_view address = socket.socket.remote.address;
   if (address.starts_with(kMapped)) address.remove_prefix(kMapped.size());
-  const bool isLoopback = address.starts_with("127.") || address == "::1";
-  return booleanValue(!isLoopback && !ownAddressesOf(socket).contains(std::string(address)));
+  if (address.starts_with("127.") || address == "::1") return booleanValue(false);
+  const std::unordered_set<std::string>* const own = ownAddressesOf(socket);
+  return own == nullptr ? LinuxValue() : booleanValue(!own->contains(std::string(address)));
 }
 
 // The keys that tie a socket to its system.

@@ -17,6 +17,7 @@
 #include <optional>
 #include <unordered_set>
 
+#include "Cimom/Providers/LinuxProcessFiles.h"
 #include "Cimom/Providers/LinuxValues.h"
 #include "cimom/CQoriProviderException.h"
 
@@ -68,7 +69,7 @@ bool readEnd(std::string_view text, bool isVersion6, LinuxSocketEnd& end) {
 }
 
 // Columns: number, local end, remote end, state, queues, timer, retransmissions, user, timeout, inode.
-bool readLine(std::string_view line, LinuxSocketEntry& socket) {
+bool readEntry(std::string_view line, LinuxSocketEntry& socket) {
   const std::vector<std::string_view> words = wordsOf(line);
   return words.size() >= 10 && readNumber(words[3], socket.state, 16) &&
          readEnd(words[1], socket.isVersion6, socket.local) && readEnd(words[2], socket.isVersion6, socket.remote) &&
@@ -172,7 +173,7 @@ void parseSocketTable(std::string_view table, const char* protocol, bool isVersi
     LinuxSocketEntry socket;
     socket.protocol = protocol;
     socket.isVersion6 = isVersion6;
-    if (readLine(table.substr(0, end), socket)) collector.add(std::move(socket));
+    if (readEntry(table.substr(0, end), socket)) collector.add(std::move(socket));
     table.remove_prefix(std::min(end + 1, table.size()));
   }
 }
@@ -189,7 +190,7 @@ LinuxSocketEntries readSockets(LinuxSocketChoice choice, const std::string& fold
   bool hasTable = false;
   for (const Table& table : kTables) {
     const std::string path = folder + table.file;
-    const std::string content = readSmallFile(path);
+    const std::string content = readKernelTable(path);
     // A kernel without IPv6 has no such table.
     if (content.empty() && errno != 0) {
       if (errno != ENOENT) warnUnreadable(path, errno);
@@ -213,6 +214,10 @@ std::unordered_map<QORuint64, std::vector<int>> readSocketHolders(const LinuxSoc
   }
   const bool lacksOne = std::any_of(holders.begin(), holders.end(),
                                     [](const auto& entry) { return entry.first != 0 && entry.second.empty(); });
-  if (!lacksOne) unreadable.forget();
+  if (lacksOne) {
+    warnOfHiddenProcesses();
+  } else {
+    unreadable.forget();
+  }
   return holders;
 }

@@ -30,7 +30,8 @@ LinuxValue readFullName(Account& account) {
   return textOrNull(account.information.substr(0, account.information.find(',')).c_str());
 }
 LinuxValue readHomeFolder(Account& account) { return textOrNull(account.homeFolder.c_str()); }
-LinuxValue readShell(Account& account) { return textOrNull(account.shell.c_str()); }
+// Where the database names none, the user logs in with this one.
+LinuxValue readShell(Account& account) { return textValue(account.shell.empty() ? "/bin/sh" : account.shell); }
 
 // What the processes of the user take: zero processes and bytes for a user who has none. Null where the process table
 // cannot be read.

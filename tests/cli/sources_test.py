@@ -69,6 +69,91 @@ class MissingSources(ToolCase):
         self.succeed(self.without("/etc", "SELECT KernelName FROM Linux_OperatingSystem"))
 
 
+@unittest.skipUnless(os.access("/var/lib/dpkg/status", os.R_OK), "this system has no list of packages")
+class MissingLibrary(ToolCase):
+    """The library that reads the packages does not lie beside the others."""
+
+    def setUp(self):
+        super().setUp()
+        linked = subprocess.run(["ldd", toolcase.TOOL], capture_output=True, text=True, check=True).stdout
+        libraries = re.findall(r"=> (\S*/libqorql\S+)", linked)
+        if not libraries:
+            self.skipTest("this tool has its libraries built in")
+        for library in libraries:
+            shutil.copy(library, self.folder)
+        self.env = dict(os.environ, LD_LIBRARY_PATH=self.folder)
+
+    def test_packages_have_no_source(self):
+        result = self.run_tool("SELECT Name FROM Linux_Package", env=self.env)
+        self.assertEqual((result.status, result.out), (3, ""))
+        self.assertRegex(result.err, r"\Aqorql: error: The packages cannot be listed: .*libqorqlapt\.so: [^\n]+ \(CIM status 7\)\n\Z")
+
+    def test_a_superclass_goes_without_them_and_says_so(self):
+        result = self.run_tool("-o", "csv", "SELECT Caption FROM CIM_ManagedElement", env=self.env)
+        self.assertEqual(result.status, 0, result.err)
+        self.assertIn("\nroot\n", result.out)
+        self.assertRegex(result.err, r"(?m)^qorql: warning: The packages cannot be listed: .*libqorqlapt\.so: ")
+
+    def test_a_watch_goes_without_them_and_says_so(self):
+        result = self.run_tool("watch", "--count", "1", "SELECT * FROM CIM_InstCreation", env=self.env)
+        self.assertEqual(result.status, 0, result.err)
+        self.assertRegex(result.err, r"(?m)^qorql: warning: .*The packages cannot be listed: .*libqorqlapt\.so: ")
+
+
+# A world of its own in which a user sees no process of others. Its first process stays the superuser's.
+HIDING_PROCESSES = ["unshare", "--mount", "--pid", "--fork", "sh", "-c", "mount -t proc -o hidepid=2 proc /proc && "
+                    f'setpriv --reuid {NOBODY} --regid {NOBODY} --clear-groups "$@"; exit $?', "sh"]
+
+
+def can_hide_processes():
+    try:
+        seen = subprocess.run([*HIDING_PROCESSES, "sh", "-c", "ls -d /proc/1 || echo hidden"], capture_output=True, text=True, check=False)
+        return seen.stdout == "hidden\n"
+    except FileNotFoundError:
+        return False
+
+
+@unittest.skipUnless(can_hide_processes(), "this system does not let a test hide processes")
+class HiddenProcesses(ToolCase):
+    HIDDEN = "qorql: warning: Cannot read the processes of other users: No such file or directory\n"
+
+    def blind(self, query):
+        result = toolcase.Result(subprocess.run([*HIDING_PROCESSES, toolcase.TOOL, "-o", "csv", query], capture_output=True,
+                                                timeout=60, check=False, cwd="/"))
+        if "ermission denied" in result.err and not result.out:
+            self.skipTest("the tool lies where another user cannot run it")
+        return result
+
+    def test_ports_show_without_their_processes(self):
+        with socket.create_server(("127.0.0.1", 0)) as server:
+            port = server.getsockname()[1]
+            result = self.blind(f"SELECT PortNumber, ProcessID FROM Linux_ListeningPort WHERE PortNumber = {port}")
+            self.assertEqual((result.status, result.out, result.err), (0, f"PortNumber,ProcessID\n{port},\n", self.HIDDEN))
+            result = self.blind("SELECT Antecedent FROM Linux_ProcessPort")
+            self.assertEqual((result.status, result.out, result.err), (0, "Antecedent\n", self.HIDDEN))
+
+    def test_processes_are_counted_without_them(self):
+        for query, told in (("SELECT NumberOfProcesses FROM Linux_OperatingSystem", "NumberOfProcesses\n1\n"),
+                            ("SELECT COUNT(Handle) AS N FROM Linux_Process", "N\n1\n"),
+                            ("SELECT ProcessCount FROM Linux_User WHERE UserNumber = 0", "ProcessCount\n0\n")):
+            with self.subTest(query=query):
+                result = self.blind(query)
+                self.assertEqual((result.status, result.out, result.err), (0, told, self.HIDDEN))
+
+
+@unittest.skipUnless(can_hide(), "this system does not let a test hide folders")
+class Accounts(ToolCase):
+    def test_an_account_without_a_shell_has_the_usual_one(self):
+        path = self.write("passwd", "root:x:0:0::/root:/bin/bash\nplain:x:7:7:::\nremote:x:8:8:::/usr/bin/rsync-shell\n"
+                                    "sync:x:4:4:::/bin/sync\nnone:x:9:9:::/usr/sbin/nologin\noff:x:10:10:::/bin/false\n")
+        made_up = ["unshare", "--map-root-user", "--mount", "sh", "-c", f"mount --bind {path} /etc/passwd && exec " + '"$@"', "sh"]
+        query = ("SELECT Name, Shell FROM Linux_User "
+                 "WHERE NOT Shell LIKE '/nologin' AND NOT Shell LIKE '/false' AND Shell <> '/bin/sync'")
+        result = toolcase.Result(subprocess.run([*made_up, toolcase.TOOL, "-o", "csv", query], capture_output=True, timeout=60,
+                                                check=False))
+        self.assertEqual(self.succeed(result), "Name,Shell\nroot,/bin/bash\nplain,/bin/sh\nremote,/usr/bin/rsync-shell\n")
+
+
 @unittest.skipUnless(can_be_nobody(), "only the superuser can run the tool as another user")
 class OrdinaryUsers(ToolCase):
     def as_nobody(self, *arguments):

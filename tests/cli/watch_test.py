@@ -180,6 +180,41 @@ class ManyFilters(ToolCase):
             self.assertIn(says, result.err)
 
 
+class Volatile(ToolCase):
+    """What changes whenever one looks."""
+
+    def start_processes_until_end_of(self, watch):
+        started = []
+        over = time.monotonic() + SECONDS
+        while watch.poll() is None and time.monotonic() < over:
+            started.append(subprocess.Popen(["sleep", str(SECONDS)]))
+            time.sleep(0.05)
+        for process in started:
+            process.kill()
+            process.wait()
+        self.assertIsNotNone(watch.poll(), "the watch does not end")
+
+    def test_what_the_processes_of_users_take_is_not_read(self):
+        look = ["watch", "--interval", "0.3", "--count", "4", "--log", "info"]
+        with subprocess.Popen([toolcase.TOOL, *look, "SELECT * FROM CIM_InstModification WHERE SourceInstance ISA Linux_User"],
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE) as watch:
+            self.start_processes_until_end_of(watch)
+            self.assertEqual((watch.wait(), watch.stdout.read()), (0, b""))
+
+    def test_it_is_read_for_a_filter_that_names_it(self):
+        with Watch("SELECT * FROM CIM_InstModification WHERE SourceInstance ISA Linux_User AND "
+                   "SourceInstance.Linux_User::ProcessCount > 0", "--limit", "1") as watch:
+            self.start_processes_until_end_of(watch.process)
+            self.assertGreater(watch.next()["SourceInstance"]["ProcessCount"], 0)
+
+    def test_the_time_is_not_read(self):
+        out = self.succeed(self.run_tool("watch", "--interval", "0.1", "--limit", "1",
+                                         "SELECT * FROM CIM_InstModification WHERE SourceInstance ISA Linux_OperatingSystem"))
+        names = json.loads(out)["SourceInstance"].keys()
+        self.assertIn("FreePhysicalMemory", names)
+        self.assertFalse({"UpTime", "LocalDateTime"} & names)
+
+
 class End(ToolCase):
     def watch(self, *arguments):
         return self.run_tool("watch", "--interval", "0.05", *arguments)

@@ -1,6 +1,7 @@
 // What the kernel's files about one process tell: made-up files, and those of processes that this test starts.
 // SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
+#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -15,6 +16,7 @@
 #include "Cimom/Providers/LinuxProcessFiles.h"
 #include "Cimom/Providers/LinuxProcessorUse.h"
 #include "Cimom/Providers/LinuxUser.h"
+#include "Cimom/Providers/LinuxValues.h"
 #include "MadeUpFiles.h"
 #include "ProviderFixture.h"
 
@@ -23,6 +25,7 @@ namespace {
 namespace fs = std::filesystem;
 using std::chrono::milliseconds;
 using ::testing::DoubleNear;
+using ::testing::SizeIs;
 
 std::string groupIn(const char* content) {
   const QORString group = controlGroupIn(content);
@@ -174,6 +177,32 @@ TEST(LinuxProcess, TellsThatTheExecutableWasDeleted) {
   EXPECT_EQ(exists(), "TRUE");
   fs::remove(files.path("sleeper"));
   EXPECT_EQ(exists(), "FALSE");
+  kill(child, SIGKILL);
+  waitpid(child, nullptr, 0);
+}
+
+TEST(LinuxProcess, WhetherAProgramThatWasNeverAFileExistsIsNotTold) {
+  const int program = memfd_create("program", 0);
+  ASSERT_GE(program, 0);
+  const std::string content = readSmallFile("/bin/sleep");
+  ASSERT_EQ(write(program, content.data(), content.size()), static_cast<ssize_t>(content.size()));
+  const pid_t child = fork();
+  if (child == 0) {
+    const char* const arguments[] = {"sleeper", "60", nullptr};
+    fexecve(program, const_cast<char* const*>(arguments), environ);
+    _exit(1);
+  }
+  close(program);
+  const KeptWarnings warnings;
+  LinuxProcess provider;
+  const auto told = [&] {
+    const auto rows =
+        enumerateRows(provider, {"Executable", "ExecutableExists"}, nameOf(provider, "Handle", std::to_string(child)));
+    return rows.empty() ? "gone" : textOf(rows[0][0]) + ' ' + textOf(rows[0][1]);
+  };
+  for (int i = 0; i < 500 && !told().starts_with("/memfd:"); ++i) std::this_thread::sleep_for(milliseconds(10));
+  EXPECT_EQ(told(), "/memfd:program (deleted) (null)");
+  EXPECT_THAT(warnings.lines(), SizeIs(0));
   kill(child, SIGKILL);
   waitpid(child, nullptr, 0);
 }

@@ -158,6 +158,13 @@ TEST(LinuxProcess, ShowsPriorityFromZeroAndNiceAsItIs) {
   EXPECT_EQ(textOf(row[2]), "127");
 }
 
+TEST(LinuxProcess, PriorityIsNeverBelowZero) {
+  EXPECT_EQ(LinuxProcess::priorityOf(39), 139U);
+  EXPECT_EQ(LinuxProcess::priorityOf(0), 100U);
+  EXPECT_EQ(LinuxProcess::priorityOf(-100), 0U);
+  EXPECT_EQ(LinuxProcess::priorityOf(-101), 0U) << "a process with a deadline";
+}
+
 TEST(LinuxProcess, DatesTheCreationNowAndAlwaysAlike) {
   const time_t before = time(nullptr);
   Child child;

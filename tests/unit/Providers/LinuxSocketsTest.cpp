@@ -3,6 +3,7 @@
 #include <arpa/inet.h>
 #include <gmock/gmock.h>
 #include <netinet/in.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -205,6 +206,41 @@ TEST(LinuxSocket, AVersion4AddressInVersion6IsToldApartFromOthers) {
   ASSERT_EQ(rows.size(), 2U);
   EXPECT_EQ(textOf(rows[0][0]) + ' ' + textOf(rows[0][1]), "::ffff:127.0.0.1 FALSE");
   EXPECT_EQ(textOf(rows[1][0]) + ' ' + textOf(rows[1][1]), "::ffff:10.0.0.2 TRUE");
+}
+
+// Leaves this process no room for another open file while it lives.
+class NoMoreFiles {
+ public:
+  NoMoreFiles() {
+    getrlimit(RLIMIT_NOFILE, &_before);
+    const rlimit none{0, _before.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);
+  }
+  NoMoreFiles(const NoMoreFiles&) = delete;
+  NoMoreFiles& operator=(const NoMoreFiles&) = delete;
+  ~NoMoreFiles() { setrlimit(RLIMIT_NOFILE, &_before); }
+
+ private:
+  rlimit _before{};
+};
+
+TEST(LinuxSocket, WithoutTheOwnAddressesItIsNotToldWhatIsRemote) {
+  const MadeUpFiles files;
+  files.write("tcp", kHead + line("00000000:0016", "0A", "11") +
+                         connection("0100000A:0016", "0200000A:9C40", "01", "12") +
+                         connection("0100000A:0016", "0200000A:9C41", "01", "13") +
+                         connection("0100007F:0016", "0100007F:9C41", "01", "14"));
+  const KeptWarnings warnings;
+  LinuxSocket provider(files.path());
+  std::optional<NoMoreFiles> limit;
+  std::vector<std::string> told;
+  provider.enumerate(requestFor(provider, {"IsRemote"}), [&](ProvidedRow&& row) {
+    if (!limit) limit.emplace();
+    told.push_back(textOf(row[0]));
+  });
+  limit.reset();
+  EXPECT_THAT(told, ElementsAre("FALSE", "(null)", "(null)", "FALSE"));
+  EXPECT_THAT(warnings.lines(), ElementsAre("Cannot read the addresses of this machine: Too many open files"));
 }
 
 TEST(LinuxSocket, NamesTheProcessOfThisOne) {
