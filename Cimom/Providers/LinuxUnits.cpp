@@ -5,6 +5,7 @@
 #include <systemd/sd-bus.h>
 #include <systemd/sd-daemon.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <ctime>
 #include <memory>
@@ -16,6 +17,7 @@ namespace {
 
 constexpr QORuint32 kCimErrFailed = 1;
 constexpr QORuint64 kTimeoutMicroseconds = 5000000;
+constexpr QORuint64 kMicroseconds = 1000000;  // in a second
 constexpr const char* kDestination = "org.freedesktop.systemd1";
 
 [[noreturn]] void raiseUnreachable(int error) {
@@ -112,6 +114,16 @@ QORuint64 LinuxUnits::number(const Unit& unit, const char* interface, const char
   return result < 0 ? 0 : found;
 }
 
+// "900", "0.5".
+static std::string secondsText(QORuint64 microseconds) {
+  const std::string seconds = std::to_string(microseconds / kMicroseconds);
+  const QORuint64 rest = microseconds % kMicroseconds;
+  if (rest == 0) return seconds;
+  std::string fraction = std::to_string(kMicroseconds + rest).substr(1);
+  fraction.erase(fraction.find_last_not_of('0') + 1);
+  return seconds + '.' + fraction;
+}
+
 // `take` reads one element of the list and returns what the bus does: below 0 for an error, 0 at the end.
 template <class Take>
 void LinuxUnits::readList(const Unit& unit, const char* property, const char* type, Take take) {
@@ -139,17 +151,28 @@ std::vector<std::string> LinuxUnits::schedule(const Unit& timer) {
     // "OnBootUSec", as the bus has it, is "OnBootSec" in the timer's file.
     std::string name = result > 0 ? base : "";
     if (name.ends_with("USec")) name.replace(name.size() - 4, 4, "Sec");
-    if (result > 0) times.push_back(name + '=' + std::to_string(microseconds / 1000000) + 's');
+    if (result > 0) times.push_back(name + '=' + secondsText(microseconds) + 's');
     return result;
   });
   return times;
 }
 
-QORuint64 LinuxUnits::realTimeOf(QORuint64 monotonicMicroseconds) {
+// How far the clocks are apart, in microseconds. Two readings of them are some microseconds apart, so that one and the
+// same moment would be another one each time: the first difference holds until the machine sleeps or its clock is set.
+static QORsint64 clockDifference() {
+  static std::atomic<QORsint64> kept{0};
   const auto microsecondsOf = [](clockid_t clock) {
     timespec now{};
     clock_gettime(clock, &now);
-    return static_cast<QORuint64>(now.tv_sec) * 1000000 + static_cast<QORuint64>(now.tv_nsec) / 1000;
+    return static_cast<QORsint64>(now.tv_sec) * static_cast<QORsint64>(kMicroseconds) + now.tv_nsec / 1000;
   };
-  return microsecondsOf(CLOCK_REALTIME) - microsecondsOf(CLOCK_MONOTONIC) + monotonicMicroseconds;
+  const QORsint64 difference = microsecondsOf(CLOCK_REALTIME) - microsecondsOf(CLOCK_MONOTONIC);
+  QORsint64 known = kept;
+  if (std::abs(difference - known) < static_cast<QORsint64>(kMicroseconds)) return known;
+  // Of several threads that see the change the first one decides.
+  return kept.compare_exchange_strong(known, difference) ? difference : known;
+}
+
+QORuint64 LinuxUnits::realTimeOf(QORuint64 monotonicMicroseconds) {
+  return monotonicMicroseconds + static_cast<QORuint64>(clockDifference());
 }

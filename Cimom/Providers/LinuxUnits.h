@@ -51,9 +51,10 @@ class LinuxUnits {
   // A property of the unit's bus object; empty or 0 when systemd does not tell, which is logged.
   std::string text(const Unit& unit, const char* interface, const char* property);
   QORuint64 number(const Unit& unit, const char* interface, const char* property);
-  // When a timer is to elapse: "*-*-* 06:00:00", "OnBootSec=900s".
+  // When a timer is to elapse: "*-*-* 06:00:00", "OnBootSec=900s", "OnUnitActiveSec=0.5s".
   std::vector<std::string> schedule(const Unit& timer);
-  // A moment by the clock that stands still with the machine, in microseconds since the epoch.
+  // A moment by the clock that stands still with the machine, in microseconds since the epoch. The same for the same
+  // moment, unless the machine has slept or its clock was set meanwhile. Any thread may call.
   static QORuint64 realTimeOf(QORuint64 monotonicMicroseconds);
 
  private:

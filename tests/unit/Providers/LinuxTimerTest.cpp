@@ -49,7 +49,9 @@ int answerProperty(sd_bus_message* call) {
   }
   if (is("TimersMonotonic")) {
     return isFirst ? sd_bus_reply_method_return(call, "v", "a(stt)", 0)
-                   : sd_bus_reply_method_return(call, "v", "a(stt)", 1, "OnBootUSec", uint64_t{900000000}, kNever);
+                   : sd_bus_reply_method_return(call, "v", "a(stt)", 4, "OnBootUSec", uint64_t{900000000}, kNever,
+                                                "OnUnitActiveUSec", uint64_t{500000}, kNever, "OnStartupUSec",
+                                                uint64_t{61000001}, kNever, "OnActiveUSec", uint64_t{0}, kNever);
   }
   return 0;
 }
@@ -86,8 +88,10 @@ TEST(LinuxTimer, ShowsWhatSystemdHasLoaded) {
   ASSERT_EQ(rows.size(), 2U);
   EXPECT_THAT(textsOf(rows[0]), ElementsAre("a.timer", "The first", "loaded", "active", "waiting", "enabled",
                                             "a.service", "*-*-* 06:00:00,Mon *-*-*"));
-  EXPECT_THAT(textsOf(rows[1]), ElementsAre("b.timer", "The second", "loaded", "inactive", "dead", "enabled",
-                                            "b.service", "OnBootSec=900s"));
+  EXPECT_THAT(textsOf(rows[1]),
+              ElementsAre("b.timer", "The second", "loaded", "inactive", "dead", "enabled", "b.service",
+                          "OnBootSec=900s,OnUnitActiveSec=0.5s,OnStartupSec=61.000001s,"
+                          "OnActiveSec=0s"));
 }
 
 TEST(LinuxTimer, TellsWhenByTheCalendar) {
@@ -105,6 +109,12 @@ TEST(LinuxTimer, TellsWhenWhatIsCountedFromTheStartComes) {
   ASSERT_NE(strptime(textOf(rows[1][0]).substr(0, 14).c_str(), "%Y%m%d%H%M%S", &parsed), nullptr);
   parsed.tm_isdst = -1;
   EXPECT_NEAR(static_cast<double>(mktime(&parsed) - time(nullptr)), 3600, 60);
+}
+
+TEST(LinuxTimer, AMomentIsTheSameEachTimeItIsAskedFor) {
+  const uint64_t first = LinuxUnits::realTimeOf(5);
+  for (int i = 0; i < 10000; ++i) ASSERT_EQ(LinuxUnits::realTimeOf(5), first) << "after " << i << " times";
+  EXPECT_EQ(LinuxUnits::realTimeOf(6), first + 1);
 }
 
 TEST(LinuxTimer, APropertyThatIsRefusedIsNull) {
