@@ -13,7 +13,7 @@
 #include <charconv>
 #include <limits>
 #include <sstream>
-#include <unordered_set>
+#include <unordered_map>
 
 #include "Cimom/Providers/LinuxProperty.h"
 
@@ -149,10 +149,10 @@ std::string nameOf(const Route& route) {
 void LinuxRoute::enumerate(const Request& request, const Emit& emit) {
   const auto properties = bindProperties<LinuxProperty<Route>>(request, kProperties);
   const QORString wanted = wantedKey(request, "InstanceID");
-  std::unordered_set<std::string> names;
+  std::unordered_map<std::string, int> occurrences;
   for (const bool isVersion6 : {false, true}) {
     const std::string path = _folder + (isVersion6 ? "/ipv6_route" : "/route");
-    const std::string content = readSmallFile(path);
+    const std::string content = readKernelTable(path);
     // A kernel without IPv6 has no such table.
     if (errno != 0 && (errno != ENOENT || !isVersion6)) warnUnreadable(path, errno);
     std::istringstream lines(content);
@@ -160,7 +160,7 @@ void LinuxRoute::enumerate(const Request& request, const Emit& emit) {
       Route route;
       if (!(isVersion6 ? readVersion6(line, route) : readVersion4(line, route))) continue;
       route.name = nameOf(route);
-      if (!names.insert(route.name).second) route.name += '#' + std::to_string(names.size());
+      if (const int count = ++occurrences[route.name]; count > 1) route.name += '#' + std::to_string(count);
       if (wanted.isNull() || wanted == route.name.c_str()) emitInstance(route, properties, emit);
     }
   }
