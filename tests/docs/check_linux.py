@@ -6,8 +6,10 @@ it gets the rows and says what is wrong with them; where the tool that it asks i
 reason. A statement whose source is not on this machine (systemd) is left out likewise.
 """
 # SPDX-License-Identifier: Apache-2.0
+import ipaddress
 import json
 import os
+import pwd
 import re
 import shutil
 import subprocess
@@ -67,26 +69,42 @@ def ports(rows):
 def biggest(rows):
     sizes = [row["WorkingSetSize"] for row in rows]
     yield from differs("the order", sizes, sorted(sizes, reverse=True))
-    largest = max(int(line.split()[0]) for line in output_of("ps", "-eo", "rss=").splitlines())
-    if sizes and abs(sizes[0] / 1024 - largest) > 0.5 * largest:
-        yield f"the biggest has {sizes[0]} bytes, ps says {largest} KiB"
+    said = [int(line) for line in output_of("ps", "-eo", "rss=").splitlines()]
+    yield from differs("the number of rows", len(rows), min(10, len(said)))
+    if sizes and abs(sizes[0] / 1024 - max(said)) > 0.5 * max(said):
+        yield f"the biggest has {sizes[0]} bytes, ps says {max(said)} KiB"
 
 
 def memory_by_user(rows):
     counts = {}
     for line in output_of("ps", "-eo", "user:64=").splitlines():
         counts[line.strip()] = counts.get(line.strip(), 0) + 1
+    accounts = {account.pw_name for account in pwd.getpwall()}
+    yield from differs("the users who are missing", (set(counts) & accounts) - {row["Name"] for row in rows}, set())
     for row in rows:
         if row["Name"] not in counts or abs(counts[row["Name"]] - row["ProcessCount"]) > 20 + counts[row["Name"]] / 4:
             yield f"{row}: ps counts {counts.get(row['Name'])}"
 
 
+def used_percentage(mount):
+    """0 for what is empty, without space or read-only."""
+    state = os.statvfs(mount)
+    used = state.f_blocks - state.f_bfree
+    return 0 if state.f_flag & os.ST_RDONLY else 100 * used / max(1, used + state.f_bavail)
+
+
 def full_disks(rows):
-    for row in rows:
-        state = os.statvfs(row["Name"])
-        used = 100 * (state.f_blocks - state.f_bfree) / max(1, state.f_blocks - state.f_bfree + state.f_bavail)
-        if used < 85:
-            yield f"{row}: {used} % are used"
+    found = {row["Name"] for row in rows}
+    for name in found:
+        if used_percentage(name) < 85:
+            yield f"{name}: {used_percentage(name)} % are used"
+    for name, options in mount_options().items():
+        try:
+            is_full = "ro" not in options and used_percentage(name) > 95
+        except OSError:
+            continue
+        if is_full and name not in found:
+            yield f"{name} is not there: {used_percentage(name)} % are used"
 
 
 def failed_services(rows):
@@ -102,7 +120,7 @@ def members(rows):
 def login_shells(rows):
     for line in output_of("getent", "passwd").splitlines():
         name, shell = line.split(":")[0], line.split(":")[6]
-        has_shell = not any(word in shell for word in ("nologin", "false", "sync")) and shell != ""
+        has_shell = os.path.basename(shell) not in ("nologin", "false", "sync")
         if has_shell != any(row["Name"] == name for row in rows):
             yield f"{name} has the shell {shell}"
 
@@ -154,12 +172,17 @@ def address(rows):
         yield from differs("addresses", pairs, {(entry["local"], entry["prefixlen"]) for entry in link["addr_info"]})
 
 
-def mounts(rows):
+def mount_options():
+    """By the place of the mount; of several in one place the last, which hides the others."""
     options = {}
     for line in content_of("/proc/self/mounts").splitlines():
         words = line.split()
         options[words[1].replace("\\040", " ")] = words[3].split(",")
-    expected = {name for name, given in options.items() if "nosuid" not in given}
+    return options
+
+
+def mounts(rows):
+    expected = {name for name, given in mount_options().items() if "nosuid" not in given}
     yield from differs("mounts", {row["Name"] for row in rows}, expected)
 
 
@@ -185,22 +208,46 @@ def deleted(rows):
 def processors(rows):
     facts = dict(line.split(":", 1) for line in output_of("lscpu").splitlines() if ":" in line)
     row = rows[0]
-    sockets = int(facts["Socket(s)"])
-    yield from differs("sockets and cores", (row["NumberOfSockets"], row["NumberOfCores"]),
-                       (sockets, sockets * int(facts["Core(s) per socket"])))
+    told = [facts[name].strip() for name in ("Socket(s)", "Core(s) per socket")]
+    if not all(number.isdecimal() for number in told):
+        raise LeftOut(f"lscpu tells {' and '.join(told)} for sockets and cores")
+    sockets, cores = map(int, told)
+    yield from differs("sockets and cores", (row["NumberOfSockets"], row["NumberOfCores"]), (sockets, sockets * cores))
     yield from differs("processors", row["NumberOfProcessors"], int(output_of("nproc", "--all")))
     yield from differs("the model", row["ProcessorModel"] or "-", facts.get("Model name", "-").strip())
 
 
 def threads(rows):
+    """The test starts one."""
+    yield from differs("the threads of the process of the test",
+                       [row["ThreadCount"] for row in rows if row["Handle"] == str(Threads.process.pid)], [Threads.COUNT])
     for row in rows:
         if row["ThreadCount"] <= 10:
             yield f"{row} has ten threads at most"
 
 
+def written_bytes():
+    """By the process, of those that may be seen and have written."""
+    written = {}
+    for handle in filter(str.isdecimal, os.listdir("/proc")):
+        try:
+            with open(f"/proc/{handle}/io", encoding="ascii") as file:
+                written[handle] = int(dict(line.split(": ") for line in file)["write_bytes"])
+        except OSError:
+            pass
+    return {handle: count for handle, count in written.items() if count > 0}
+
+
 def writers(rows):
+    """The test starts one, which some file systems do not count."""
     written = [row["BytesWritten"] for row in rows]
     yield from differs("the order", written, sorted(written, reverse=True))
+    expected = written_bytes()
+    yield from differs("the number of rows", len(rows), min(10, len(expected)))
+    found = {row["Handle"] for row in rows}
+    for handle, count in expected.items():
+        if handle not in found and (not written or count > written[-1]):
+            yield f"the process {handle} has written {count} bytes and is not there"
 
 
 def logins(rows):
@@ -213,15 +260,22 @@ def package(rows):
     yield from differs("the version", [row["VersionString"] for row in rows], [version])
 
 
+def is_remote(text, own):
+    address = ipaddress.ip_address(text)
+    address = getattr(address, "ipv4_mapped", None) or address
+    return not address.is_loopback and str(address) not in own
+
+
 def connections(rows):
+    links = json.loads(output_of("ip", "-j", "address", "show"))
+    own = {entry["local"] for link in links for entry in link["addr_info"]}
     expected = set()
     for line in output_of("ss", "-Htn", "state", "established").splitlines():
         remote, _, port = line.split()[3].rpartition(":")
-        expected.add((remote.strip("[]").split("%")[0], int(port)))
-    for row in rows:
-        if (row["RemoteAddress"], row["RemotePort"]) not in expected:
-            time.sleep(0.1)  # it may have ended meanwhile
-            yield f"{row}: ss does not know it"
+        remote = remote.strip("[]").split("%")[0]
+        if is_remote(remote, own):
+            expected.add((remote, int(port)))
+    yield from differs("connections", {(row["RemoteAddress"], row["RemotePort"]) for row in rows}, expected)
 
 
 def cron_entries(rows):
@@ -252,10 +306,14 @@ def modules(rows):
 
 
 def routes(rows):
+    """Those of IPv4 from the main table and of several ways the first, those of IPv6 from all tables."""
     expected = set()
-    for version in ("-4", "-6"):
-        for route in json.loads(output_of("ip", "-j", version, "route", "show", "table", "main") or "[]"):
-            expected.add((route["dst"], route.get("gateway"), route.get("dev")))
+    for version, table in (("-4", "main"), ("-6", "all")):
+        for route in json.loads(output_of("ip", "-j", version, "route", "show", "table", table) or "[]"):
+            if version == "-6" and route.get("type") in ("local", "anycast", "multicast"):
+                continue
+            way = route.get("nexthops", [route])[0] if version == "-4" else route
+            expected.add((route["dst"], way.get("gateway"), way.get("dev")))
     found = set()
     for row in rows:
         full = 128 if ":" in row["DestinationAddress"] else 32
@@ -266,7 +324,8 @@ def routes(rows):
 
 
 def block_devices(rows):
-    types = {entry["name"]: entry["type"] for entry in json.loads(output_of("lsblk", "-Jan", "-o", "NAME,TYPE", "-l"))["blockdevices"]}
+    types = {entry["kname"]: entry["type"] for entry in json.loads(output_of("lsblk", "-Jan", "-o", "KNAME,TYPE", "-l"))["blockdevices"]}
+    yield from differs("the devices that are missing", set(types) - {row["Name"] for row in rows}, set())
     for row in rows:
         expected = types.get(row["Name"], row["DeviceType"])
         said = {"partition": "part", "zram": "disk", "ram": "disk"}.get(row["DeviceType"], row["DeviceType"])
@@ -295,6 +354,39 @@ class Deleted:
     program = None
 
 
+class Threads:
+    COUNT = 12
+    process = None
+    PROGRAM = """
+import threading
+for _ in range({others}):
+    threading.Thread(target=threading.Event().wait, daemon=True).start()
+print("ready", flush=True)
+input()
+"""
+
+
+class Writer:
+    process = None
+    PROGRAM = """
+import os
+import sys
+with open(sys.argv[1], "wb") as file:
+    file.write(bytes(1 << 20))
+    file.flush()
+    os.fsync(file.fileno())
+print("ready", flush=True)
+input()
+"""
+
+
+def start_program(text, *arguments):
+    """One that says when it is ready and ends when its input does."""
+    process = subprocess.Popen([sys.executable, "-c", text, *arguments], stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+    process.stdout.readline()
+    return process
+
+
 def start_processes(folder):
     Zombie.pid = os.fork()
     if Zombie.pid == 0:
@@ -306,12 +398,14 @@ def start_processes(folder):
     while os.readlink(f"/proc/{Deleted.process.pid}/exe") != Deleted.program:
         time.sleep(0.01)
     os.remove(Deleted.program)
+    Threads.process = start_program(Threads.PROGRAM.format(others=Threads.COUNT - 1))
+    Writer.process = start_program(Writer.PROGRAM, os.path.join(folder, "written"))
 
 
 def end_processes():
-    for process in (Busy.process, Deleted.process):
+    for process in (Busy.process, Deleted.process, Threads.process, Writer.process):
         process.kill()
-        process.wait()
+        process.communicate()
     os.waitpid(Zombie.pid, 0)
 
 

@@ -1,10 +1,12 @@
 """Proves that the documentation's checks find what they look for."""
 # SPDX-License-Identifier: Apache-2.0
 import os
+import pwd
 import sys
 import tempfile
 import types
 import unittest
+from unittest import mock
 
 import check_commands
 import check_guide
@@ -190,9 +192,52 @@ class CheckLinux(unittest.TestCase):
                 self.questions(text)
 
     def test_a_wrong_row_is_found(self):
-        script = 'if [ "$2" = csv ]; then echo A,B; else echo \'[{"ThreadCount": %d}]\'; fi\n'
-        self.assertEqual(self.check(script % 11, ["A", "B"]), [])
-        self.assertEqual(len(self.check(script % 10, ["A", "B"])), 1)
+        script = ('if [ "$2" = csv ]; then echo A,B; else '
+                  'echo \'[{"Handle": "7", "ThreadCount": 12}, {"Handle": "8", "ThreadCount": %d}]\'; fi\n')
+        with mock.patch.object(check_linux.Threads, "process", types.SimpleNamespace(pid=7)):
+            self.assertEqual(self.check(script % 11, ["A", "B"]), [])
+            self.assertEqual(len(self.check(script % 10, ["A", "B"])), 1)
+
+    def complaints(self, judge, rows, **said):
+        """What a judge says where the machine's tools say this: by the tool's name."""
+        with mock.patch.object(check_linux, "output_of", lambda *command: said[command[0]]):
+            return list(check_linux.JUDGES[judge](rows))
+
+    def test_rows_that_are_missing_are_found(self):
+        user = pwd.getpwuid(os.geteuid()).pw_name
+        devices = '{"blockdevices": [{"kname": "sda", "type": "disk"}]}'
+        addresses = '[{"ifname": "eth0", "addr_info": [{"local": "10.0.0.1", "prefixlen": 24}]}]'
+        established = ("0 0 10.0.0.1:22 10.0.0.2:40000\n0 0 10.0.0.1:22 10.0.0.1:40000\n"
+                       "0 0 [::ffff:10.0.0.1]:22 [::ffff:127.0.0.1]:40000\n0 0 [::1]:22 [::1]:40001\n")
+        connection = {"RemoteAddress": "10.0.0.2", "RemotePort": 40000}
+        for judge, row, said in (
+                ("biggest", {"WorkingSetSize": 4096}, {"ps": "4\n"}),
+                ("memory-by-user", {"Name": user, "ProcessCount": 1}, {"ps": user + "\n"}),
+                ("connections", connection, {"ip": addresses, "ss": established}),
+                ("block-devices", {"Name": "sda", "DeviceType": "disk"}, {"lsblk": devices}),
+                ("login-shells", {"Name": "a"}, {"getent": "a:x:7:7:::/usr/bin/rsync-shell\ns:x:4:4:::/bin/sync\n"}),
+                ("login-shells", {"Name": "a"}, {"getent": "a:x:7:7:::\nn:x:9:9:::/usr/sbin/nologin\n"})):
+            with self.subTest(judge=judge):
+                self.assertEqual(self.complaints(judge, [row], **said), [])
+                self.assertNotEqual(self.complaints(judge, [], **said), [])
+
+    def test_disks_that_are_full_and_missing_are_found(self):
+        state = types.SimpleNamespace(f_flag=0, f_blocks=100, f_bfree=2, f_bavail=2)
+        with mock.patch.object(os, "statvfs", lambda _: state), \
+                mock.patch.object(check_linux, "content_of", lambda _: "/dev/sda / ext4 rw 0 0\n/dev/sdb /b ext4 ro 0 0\n"):
+            self.assertEqual(list(check_linux.full_disks([{"Name": "/"}])), [])
+            self.assertEqual(len(list(check_linux.full_disks([]))), 1)
+
+    def test_writers_who_are_missing_are_found(self):
+        with mock.patch.object(check_linux, "written_bytes", lambda: {str(i): i for i in range(1, 13)}):
+            rows = [{"Handle": str(i), "BytesWritten": i} for i in range(12, 2, -1)]
+            self.assertEqual(list(check_linux.writers(rows)), [])
+            for wrong in ([], rows[1:], rows[1:] + [{"Handle": "2", "BytesWritten": 2}]):
+                self.assertNotEqual(list(check_linux.writers(wrong)), [])
+
+    def test_what_lscpu_does_not_know_is_left_out(self):
+        with self.assertRaises(check_linux.LeftOut):
+            self.complaints("processors", [{}], lscpu="Socket(s):  -\nCore(s) per socket:  4\n")
 
     def test_other_columns_and_failures_are_found(self):
         for script in ("echo A,C", "echo A,B; exit 1", "echo A,B; echo 'qorql: warning: odd' >&2"):
