@@ -32,3 +32,8 @@ QORuint32 QORQL_Exception::getCIMErrorCode() const {
       return kFailed;
   }
 }
+
+QORQL_ValueException::QORQL_ValueException(const QoriBaseException& error, QORQL_Fault fault)
+    : QoriBaseException(error), _fault(std::move(fault)) {}
+
+QORQL_ValueException::~QORQL_ValueException() = default;

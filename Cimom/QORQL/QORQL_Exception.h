@@ -3,6 +3,8 @@
 #ifndef QORQL_EXCEPTION_H
 #define QORQL_EXCEPTION_H
 
+#include <utility>
+
 #include "Cimom/QORQL/QORQL_Fault.h"
 #include "cmpbase.h"
 
@@ -27,10 +29,27 @@ class QORQL_Exception : public QoriBaseException {
 
   // See QORQL_Fault: the name at fault, and with QORQL_placeOf its line and column.
   const QORQL_Fault& getFault() const noexcept { return _fault; }
-  // For whoever runs the statement and finds the place of what is at fault.
+  // For whoever runs the statement and finds what is at fault, and its place.
+  void setFault(QORQL_Fault fault) noexcept { _fault = std::move(fault); }
   void setFaultOffset(QORuint32 offset) noexcept { _fault.offset = offset; }
   // The CIM status that the object manager reports: 1, 4 or 16.
   QORuint32 getCIMErrorCode() const;
+
+ private:
+  QORQL_Fault _fault;
+};
+
+// The error of values that do not compare while a statement runs: as the values raised it, with its fault.
+class QORQL_ValueException : public QoriBaseException {
+ public:
+  // All but the fault is the error's.
+  QORQL_ValueException(const QoriBaseException& error, QORQL_Fault fault);
+  QORQL_ValueException(const QORQL_ValueException&) = default;
+  QORQL_ValueException& operator=(const QORQL_ValueException&) = default;
+  ~QORQL_ValueException() override;
+
+  // See QORQL_Fault: which values these are, and with QORQL_placeOf where they stand.
+  const QORQL_Fault& getFault() const noexcept { return _fault; }
 
  private:
   QORQL_Fault _fault;

@@ -5,15 +5,10 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "Cimom/QORQL/QORQL_Arithmetic.h"
 #include "Cimom/QORQL/QORQL_Association.h"
-#include "Cimom/QORQL/QORQL_Comparison.h"
-#include "Cimom/QORQL/QORQL_Expression.h"
-#include "Cimom/QORQL/QORQL_ExpressionFactor.h"
-#include "Cimom/QORQL/QORQL_ExpressionTerm.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
-#include "Cimom/QORQL/QORQL_Term.h"
 
 namespace {
 
@@ -53,28 +48,6 @@ QORuint32 find(QORQL_Evaluatable& node, const QORQL_PlaceOf& placeOf,
   return finder->place();
 }
 
-// The operand with which a node's text begins; null where the node's own word does.
-const QORQL_Evaluatable* leadingOperand(const QORQL_Evaluatable& node) noexcept {
-  switch (node.kind()) {
-    case QORQL_NodeKind::Expression:
-      return static_cast<const QORQL_Expression&>(node).getExpressionTerm().Get();
-    case QORQL_NodeKind::ExpressionTerm:
-      return static_cast<const QORQL_ExpressionTerm&>(node).getExpressionFactor().Get();
-    case QORQL_NodeKind::ExpressionFactor: {
-      const auto& factor = static_cast<const QORQL_ExpressionFactor&>(node);
-      return factor.getOperator() == QORQL_OperatorNOT ? nullptr : factor.getComparison().Get();
-    }
-    case QORQL_NodeKind::Comparison:
-      return static_cast<const QORQL_Comparison&>(node).getLHSArithmeticExpression().Get();
-    case QORQL_NodeKind::Arithmetic:
-      return static_cast<const QORQL_Arithmetic&>(node).getTerm().Get();
-    case QORQL_NodeKind::Term:
-      return static_cast<const QORQL_Term&>(node).getFactor().Get();
-    default:
-      return nullptr;
-  }
-}
-
 bool beginsWord(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
 bool isInWord(char c) { return beginsWord(c) || (c >= '0' && c <= '9'); }
 
@@ -82,7 +55,7 @@ bool isInWord(char c) { return beginsWord(c) || (c >= '0' && c <= '9'); }
 
 QORuint32 QORQL_startOf(const QORQL_Evaluatable& node) noexcept {
   const QORQL_Evaluatable* start = &node;
-  while (const QORQL_Evaluatable* const leading = leadingOperand(*start)) start = leading;
+  while (const QORQL_Evaluatable* const leading = QORQL_leadingOperand(*start)) start = leading;
   return start->getOffset();
 }
 

@@ -9,19 +9,32 @@
 
 namespace {
 
-// What a node holds first, when it has no operator.
+// The node's own operator; what has none of its own, such as a function, is no node to look into.
 template <class Node>
-const QORQL_Evaluatable* withoutOperator(const QORQL_Evaluatable& node,
-                                         const QORSmrPtr<QORQL_Evaluatable>& (*operandOf)(const Node&)) noexcept {
-  const Node& known = static_cast<const Node&>(node);
-  return known.getOperator() == QORQL_OperatorNONE ? operandOf(known).Get() : nullptr;
+bool hasOperator(const QORQL_Evaluatable& node) noexcept {
+  return static_cast<const Node&>(node).getOperator() != QORQL_OperatorNONE;
 }
 
-const QORSmrPtr<QORQL_Evaluatable>& operandOf(const QORQL_ExpressionFactor& node) { return node.getComparison(); }
-const QORSmrPtr<QORQL_Evaluatable>& operandOf(const QORQL_Comparison& node) {
-  return node.getLHSArithmeticExpression();
+bool hasOperator(const QORQL_Evaluatable& node) noexcept {
+  switch (node.kind()) {
+    case QORQL_NodeKind::Expression:
+      return hasOperator<QORQL_Expression>(node);
+    case QORQL_NodeKind::ExpressionTerm:
+      return hasOperator<QORQL_ExpressionTerm>(node);
+    case QORQL_NodeKind::ExpressionFactor:
+      return hasOperator<QORQL_ExpressionFactor>(node);
+    case QORQL_NodeKind::Comparison:
+      return hasOperator<QORQL_Comparison>(node);
+    case QORQL_NodeKind::Arithmetic:
+      return hasOperator<QORQL_Arithmetic>(node);
+    case QORQL_NodeKind::Term:
+      return hasOperator<QORQL_Term>(node);
+    case QORQL_NodeKind::Factor:
+      return hasOperator<QORQL_Factor>(node);
+    default:
+      return true;
+  }
 }
-const QORSmrPtr<QORQL_Evaluatable>& operandOf(const QORQL_Factor& node) { return node.getEvaluatable(); }
 
 bool isLeaf(const QORQL_Factor& factor) noexcept {
   return factor.getEvaluatable().IsNull() && factor.getSelectedEntry().IsNull();
@@ -36,25 +49,29 @@ const QORQL_Evaluatable* QORQL_decidingOperand(const QORQL_Evaluatable* conditio
   return last->getOperator() == QORQL_OperatorNONE ? QORQL_operandOf(*last).Get() : nullptr;
 }
 
-const QORQL_Evaluatable* QORQL_onlyOperand(const QORQL_Evaluatable& node) noexcept {
+const QORQL_Evaluatable* QORQL_leadingOperand(const QORQL_Evaluatable& node) noexcept {
   switch (node.kind()) {
     case QORQL_NodeKind::Expression:
-      return withoutOperator<QORQL_Expression>(node, QORQL_operandOf);
+      return QORQL_operandOf(static_cast<const QORQL_Expression&>(node)).Get();
     case QORQL_NodeKind::ExpressionTerm:
-      return withoutOperator<QORQL_ExpressionTerm>(node, QORQL_operandOf);
+      return QORQL_operandOf(static_cast<const QORQL_ExpressionTerm&>(node)).Get();
     case QORQL_NodeKind::ExpressionFactor:
-      return withoutOperator<QORQL_ExpressionFactor>(node, operandOf);
+      return hasOperator(node) ? nullptr : static_cast<const QORQL_ExpressionFactor&>(node).getComparison().Get();
     case QORQL_NodeKind::Comparison:
-      return withoutOperator<QORQL_Comparison>(node, operandOf);
+      return static_cast<const QORQL_Comparison&>(node).getLHSArithmeticExpression().Get();
     case QORQL_NodeKind::Arithmetic:
-      return withoutOperator<QORQL_Arithmetic>(node, QORQL_operandOf);
+      return QORQL_operandOf(static_cast<const QORQL_Arithmetic&>(node)).Get();
     case QORQL_NodeKind::Term:
-      return withoutOperator<QORQL_Term>(node, QORQL_operandOf);
-    case QORQL_NodeKind::Factor:
-      return withoutOperator<QORQL_Factor>(node, operandOf);
+      return QORQL_operandOf(static_cast<const QORQL_Term&>(node)).Get();
     default:
       return nullptr;
   }
+}
+
+const QORQL_Evaluatable* QORQL_onlyOperand(const QORQL_Evaluatable& node) noexcept {
+  if (hasOperator(node)) return nullptr;
+  const auto* const factor = QORQL_nodeAs<QORQL_Factor>(&node);
+  return factor == nullptr ? QORQL_leadingOperand(node) : factor->getEvaluatable().Get();
 }
 
 const QORQL_Evaluatable* QORQL_peel(const QORQL_Evaluatable* node) noexcept {

@@ -91,6 +91,9 @@ const QORQL_Evaluatable* QORQL_decidingOperand(const QORQL_Evaluatable* conditio
 
 // --- what nodes without an operator of their own consist of -------------------------
 
+// The operand with which a node's text begins. Null where its own word does: a factor, a function, a negation.
+const QORQL_Evaluatable* QORQL_leadingOperand(const QORQL_Evaluatable& node) noexcept;
+
 // The one node that a node without operator consists of: what stands in parentheses, for a factor. Null for a leaf, a
 // negation, a function and a node with an operator.
 const QORQL_Evaluatable* QORQL_onlyOperand(const QORQL_Evaluatable& node) noexcept;

@@ -9,8 +9,9 @@
 
 const QORQL_Fault* QORQL_faultOf(const QoriBaseException& error) noexcept {
   if (const auto* parsing = dynamic_cast<const QORQL_ParseException*>(&error)) return &parsing->getFault();
-  const auto* const running = dynamic_cast<const QORQL_Exception*>(&error);
-  return running == nullptr ? nullptr : &running->getFault();
+  if (const auto* const running = dynamic_cast<const QORQL_Exception*>(&error)) return &running->getFault();
+  const auto* const comparing = dynamic_cast<const QORQL_ValueException*>(&error);
+  return comparing == nullptr ? nullptr : &comparing->getFault();
 }
 
 QORQL_Place QORQL_placeOf(std::string_view text, std::size_t offset) noexcept {

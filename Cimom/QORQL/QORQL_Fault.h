@@ -20,13 +20,27 @@
 struct QORQL_Fault {
   enum Kind : QORuint8 {
     kOther,
-    kSyntax,             // the text breaks a rule of the language; found while it was read
-    kHalfAssociation,    // the same: one end of an association is not followed by the other
+    kSyntax,  // the text breaks a rule of the language; found while it was read
+    // The same, where the rule is one of these:
+    kHalfAssociation,        // one end of an association is not followed by the other
+    kParenthesisOpen,        // what stands in parentheses goes on where only `)` may stand
+    kDirectionMissing,       // the key of ORDER BY is followed by neither ASC nor DESC
+    kColumnUnnamed,          // a column is neither a property nor has a name of its own
+    kColumnBesideAggregate,  // a column is beside an aggregate, but is none
+    kNameExpected,           // no name stands after AS
+    kFormatUnknown,          // FORMAT AS names no form
+    kFunctionUnknown,        // there is no function `name`
+    // What the class repository does not know, found after the text was read:
     kPropertyUnknown,    // `name` is a property of no FROM class
     kPropertyAmbiguous,  // `name` is a property of more than one FROM class
     kFromNameUnknown,    // `name`, before a dot in the select list or where a class is joined, is no FROM name
     kClassUnknown,       // the object manager knows no class `name`
-    kPropertyMissing     // an object of `className`, as the statement names the class, has no property `name`
+    // What values a row has, found while the statement runs:
+    kPropertyMissing,     // an object of `className`, as the statement names the class, has no property `name`
+    kValueMissing,        // a value is NULL where the statement needs one: an operand of LIKE, a key of ORDER BY
+    kElementMissing,      // the array `name` has `length` elements and not the one that is asked for
+    kValuesIncomparable,  // values of the types `type` and `otherType` do not compare
+    kNumberExpected       // an aggregate of numbers has a value of another type
   };
   static constexpr QORuint32 kNowhere = 0xFFFFFFFF;
 
@@ -37,6 +51,10 @@ struct QORQL_Fault {
   QORString name{};             // empty where the fault is about no name
   QORString className{};        // empty unless the kind says what it is
   QORuint32 offset = kNowhere;  // the byte of the text at which the word at fault begins
+  QORString object{};           // the path of the object whose value is at fault; empty where that is not known
+  QORString type{};             // of the value that stands at the offset
+  QORString otherType{};        // of the value that it does not compare with
+  QORuint32 length = 0;         // of the array, in elements
 };
 
 // The fault that an error carries; a null pointer for errors that do not come

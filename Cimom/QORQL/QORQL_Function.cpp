@@ -51,7 +51,7 @@ void rewriteObjectPath(const Parameters& parameters, const QORQL_Lexer& lexer) {
 [[gnu::noinline]] QORSmrPtr<QORQL_Evaluatable> finishCall(const QORString& name, QORuint32 offset,
                                                           const Parameters& parameters, QORQL_Lexer& lexer) {
   const QORQL_FunctionID functionID = QORQL_findFunction(name);
-  if (functionID == QORQL_FUNCTIONID_UNKNOWN) QORQL_raiseAt(offset, QORQL_Messages::kFunctionUnknown, lexer);
+  if (functionID == QORQL_FUNCTIONID_UNKNOWN) QORQL_raiseAt(offset, QORQL_Messages::kFunctionUnknown, lexer, name);
   if (parameters->entries() != 1) QORQL_raiseAt(offset, QORQL_Messages::kArgumentCount, lexer, name);
   if (functionID == QORQL_FUNCTIONID_OBJECTPATH) rewriteObjectPath(parameters, lexer);
   lexer.next(false);

@@ -34,7 +34,8 @@ inline constexpr QORQL_ParseMessage kFromEmpty{
     16, "The from clause should be followed by at least one or more table names."};
 inline constexpr QORQL_ParseMessage kNestedQuery{
     2, "Unexpected token '('. Nested queries are not supported in the current version"};
-inline constexpr QORQL_ParseMessage kFromAliasExpected{16, "Alias expected after 'AS' keyword in 'FROM' clause"};
+inline constexpr QORQL_ParseMessage kFromAliasExpected{16, "Alias expected after 'AS' keyword in 'FROM' clause",
+                                                       QORQL_Fault::kNameExpected};
 inline constexpr QORQL_ParseMessage kClassNameExpected{
     2, "Unexpected token '%s' found in FROM clause. Expected class name"};
 inline constexpr QORQL_ParseMessage kOrderWithoutBy{
@@ -42,10 +43,12 @@ inline constexpr QORQL_ParseMessage kOrderWithoutBy{
 inline constexpr QORQL_ParseMessage kOrderByAggregates{
     15, "Cannot combine ORDER BY clause with strictly aggregate functions."};
 inline constexpr QORQL_ParseMessage kDirectionExpected{
-    2, "Unexpected token '%s' found.  Expected [ASC | DESC] following ORDER BY clause."};
+    2, "Unexpected token '%s' found.  Expected [ASC | DESC] following ORDER BY clause.",
+    QORQL_Fault::kDirectionMissing};
 inline constexpr QORQL_ParseMessage kFormatExpected{2, "'FORMAT' expected"};
 inline constexpr QORQL_ParseMessage kFormatAsExpected{2, "'AS' expected"};
-inline constexpr QORQL_ParseMessage kFormatNameExpected{2, "'QORIOBJECT', 'XML', 'HTML' or 'CSV' expected"};
+inline constexpr QORQL_ParseMessage kFormatNameExpected{2, "'QORIOBJECT', 'XML', 'HTML' or 'CSV' expected",
+                                                        QORQL_Fault::kFormatUnknown};
 
 // Select list.
 inline constexpr QORQL_ParseMessage kSelectExpected{7, "'SELECT' expected"};
@@ -55,12 +58,14 @@ inline constexpr QORQL_ParseMessage kSelectListMissing{15, "The select list for 
 inline constexpr QORQL_ParseMessage kFirstWithAggregates{
     15, "Strictly aggregate entries cannot be combined with the FIRST keyword."};
 inline constexpr QORQL_ParseMessage kAggregateMismatch{
-    15, "Combining Aggregate and NonAggregate expressions is not allowed."};
-inline constexpr QORQL_ParseMessage kAliasMissing{15, "Missing an alias for the column in SELECT clause"};
-inline constexpr QORQL_ParseMessage kSelectAliasExpected{15, "Alias expected after 'AS' keyword in 'SELECT' clause"};
+    15, "Combining Aggregate and NonAggregate expressions is not allowed.", QORQL_Fault::kColumnBesideAggregate};
+inline constexpr QORQL_ParseMessage kAliasMissing{15, "Missing an alias for the column in SELECT clause",
+                                                  QORQL_Fault::kColumnUnnamed};
+inline constexpr QORQL_ParseMessage kSelectAliasExpected{15, "Alias expected after 'AS' keyword in 'SELECT' clause",
+                                                         QORQL_Fault::kNameExpected};
 
 // Factors.
-inline constexpr QORQL_ParseMessage kFactorParenExpected{2, "')' expected"};
+inline constexpr QORQL_ParseMessage kFactorParenExpected{2, "')' expected", QORQL_Fault::kParenthesisOpen};
 inline constexpr QORQL_ParseMessage kSelectArray{0, "SELECT clause cannot contain array!"};
 inline constexpr QORQL_ParseMessage kArrayIndexInvalid{0, "Invalid array index list"};
 inline constexpr QORQL_ParseMessage kSquareBracketExpected{0, "No closing square bracket"};
@@ -71,7 +76,7 @@ inline constexpr QORQL_ParseMessage kDotIdentifierExpected{0, "Must be identifie
 
 // Functions.
 inline constexpr QORQL_ParseMessage kFunctionParenExpected{0, "')' expected"};
-inline constexpr QORQL_ParseMessage kFunctionUnknown{17, "Invalid function defined"};
+inline constexpr QORQL_ParseMessage kFunctionUnknown{17, "Invalid function defined", QORQL_Fault::kFunctionUnknown};
 inline constexpr QORQL_ParseMessage kArgumentCount{
     17, "Incorrect number of arguments specified for the following method - '%s'"};
 inline constexpr QORQL_ParseMessage kObjectPathArgument{

@@ -66,9 +66,10 @@ Names findNames(const QORSmrPtr<QORQL_Evaluatable>& expression, QORSlabs& slabs)
   return names;
 }
 
-QORString parseAlias(QORQL_Lexer& lexer, bool isRequired, QORuint32& offset) {
+// `start` is where the column begins.
+QORString parseAlias(QORQL_Lexer& lexer, bool isRequired, QORuint32 start, QORuint32& offset) {
   if (lexer.getCurrent().getType() != TokenAS) {
-    if (isRequired) QORQL_raise(QORQL_Messages::kAliasMissing, lexer);
+    if (isRequired) QORQL_raiseAt(start, QORQL_Messages::kAliasMissing, lexer);
     return QORString::emptyString();
   }
   if (lexer.next(false).getType() != TokenID) QORQL_raise(QORQL_Messages::kSelectAliasExpected, lexer);
@@ -141,7 +142,7 @@ QORSmrPtr<QORQL_SelectedEntry> QORQL_SelectedEntry::parse(QORQL_SymbolTable& sym
   Names names = findNames(expression, lexer.slabs());
   const bool isChanged = names.functionID != QORQL_FUNCTIONID_UNKNOWN || written.find('-') != std::string_view::npos;
   QORuint32 aliasOffset = 0;
-  QORString alias = parseAlias(lexer, !names.isPropertyReference, aliasOffset);
+  QORString alias = parseAlias(lexer, !names.isPropertyReference, start, aliasOffset);
   auto entry = QORSmrPtr<QORQL_SelectedEntry>::MakeIn(
       lexer.slabs(), std::move(names.className), std::move(names.propertyName), std::move(alias), std::move(expression),
       std::move(names.classNameList), false, QORQL_isAggregate(names.functionID), names.functionID);

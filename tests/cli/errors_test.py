@@ -106,6 +106,18 @@ class Errors(ToolCase):
         self.refused(self.model("SELECT MIN(Shop_Item.Name) AS M FROM Shop_Item"), 1,
                      "qorql: error: Property data type must be numeric for function MIN (CIM status 16)")
 
+    def test_hints_of_what_a_run_finds(self):
+        for query, error, hint in (
+                ("SELECT Id FROM Shop_Item ORDER BY Wheels ASC", "Caught an exception while sorting the data. (CIM status 1)",
+                 ""),
+                ("SELECT Id FROM Shop_Item ORDER BY Nmae ASC", "Caught an exception while sorting the data. (CIM status 1)",
+                 "Nmae is no property of Shop_Item: did you mean Name? (line 1, column 35)"),
+                ("SELECT SUM(Name) AS S FROM Shop_Item", "Property data type must be numeric for function SUM (CIM status 16)",
+                 "")):
+            with self.subTest(query=query):
+                said = f"qorql: error: {error}" + (f"\nqorql: hint: {hint}" if hint else "")
+                self.refused(self.model("--warnings", query), 1, said)
+
     def test_unknown_class(self):
         result = self.model("SELECT Nowhere.Id FROM Nowhere")
         self.assertEqual((result.status, result.out), (1, ""))

@@ -12,7 +12,7 @@ OR_ERROR = ('OR keeps what its last operand keeps: only "Id = 2" decides. Run a 
 FORMS = ("table", "csv", "json", "jsonl", "html", "xml", "mof")
 SCHEMA = os.path.join(toolcase.HERE, "filters.mof")
 ALERT = "SELECT * FROM CIM_AlertIndication WHERE EventID = 'a'"
-NEVER = "a filter that uses OR never matches"
+NEVER = "a filter that uses OR never matches (line {}, column 55)"
 
 
 class Queries(ToolCase):
@@ -118,7 +118,7 @@ class Filters(ToolCase):
     def test_validate(self):
         self.assertEqual(self.succeed(self.strict("validate", ALERT)), "valid\tCIM_AlertIndication\t*\n")
         for more in ((), ("--quiet",)):
-            self.refused(self.strict("validate", *more, ALERT + " OR EventID = 'b'"), 1, f"qorql: error: {NEVER}")
+            self.refused(self.strict("validate", *more, ALERT + " OR EventID = 'b'"), 1, f"qorql: error: {NEVER.format(1)}")
         result = self.strict("validate", "SELECT Nope FROM CIM_AlertIndication")
         self.assertEqual((result.status, result.err), (1, ""))
         self.assertTrue(result.out.startswith("invalid\tNope is no property of "), result.out)
@@ -132,7 +132,7 @@ class Filters(ToolCase):
         self.assertEqual((result.status, result.out), (1, ""))
         warning, summary, invalid = result.err.splitlines()
         self.assertEqual(summary, "qorql: 4 filters: 3 valid (1 with warnings), 1 invalid")
-        self.assertEqual(warning, f"qorql: error: line 5: {NEVER}")
+        self.assertEqual(warning, f"qorql: error: line 5: {NEVER.format(5)}")
         self.assertTrue(invalid.startswith("qorql: error: CIM_Nope is no class of root/cimv2"), invalid)
 
     def test_validate_names_what_is_passed_over(self):
@@ -145,7 +145,7 @@ class Filters(ToolCase):
         self.assertEqual(self.succeed(self.strict("match", "-m", SCHEMA, ALERT.replace("EventID", "OwningEntity"),
                                                   stdin=instance.replace("EventID", "OwningEntity"))), path)
         missing = os.path.join(self.folder, "missing.mof")  # is not even opened
-        self.refused(self.strict("match", ALERT + " OR EventID = 'b'", missing), 1, f"qorql: error: {NEVER}")
+        self.refused(self.strict("match", ALERT + " OR EventID = 'b'", missing), 1, f"qorql: error: {NEVER.format(1)}")
 
     def test_watch(self):
         text = "SELECT * FROM CIM_InstCreation WHERE SourceInstance ISA Linux_Group"

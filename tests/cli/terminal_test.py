@@ -168,7 +168,15 @@ class Terminal(ToolCase):
                 "SELECT Id FROM Shop_Item WHERE Name = 'e\u0301' AND ^Wheels = 1",
                 "SELECT COUNT(Name) AS n, ^Id FROM Shop_Item",
                 "SELECT Id, ^MAXIMUM(Id) AS m FROM Shop_Item",
-                "SELECT Id FROM Shop_Item WHERE Name ISA ^5"):
+                "SELECT Id FROM Shop_Item WHERE Name ISA ^5",
+                "SELECT Id AS Name, Id + 1 AS n, ^Size * 2 FROM Shop_Item",
+                "SELECT COUNT(Id) AS Name, SUM(^Name) AS S FROM Shop_Item",
+                "SELECT AVG(^Shop_Item.Name) AS S FROM Shop_Item",
+                "SELECT Id AS k, Name FROM Shop_Item WHERE Name <> 'Wheels' ORDER BY ^Wheels ASC",
+                "SELECT Id FROM Shop_Item ORDER BY Id + ^Wheels DESC",
+                "SELECT i.Id FROM Shop_Item AS i WHERE i.Id > 0 ORDER BY i.^Wheels DESC",
+                "SELECT Id FROM Shop_Item WHERE Id > 1 AND Name = ^5",
+                "SELECT Id FROM Shop_Item WHERE ^'5' <> Id"):
             with self.subTest(statement=marked):
                 self.carets(marked)
 

@@ -199,11 +199,19 @@ class Invalid(ValidateCase):
 
 class Warnings(ValidateCase):
     def test_what_never_matches(self):
-        self.warned(ALERT + " WHERE EventID = 'a' OR EventID = 'b'", "a filter that uses OR never matches")
-        self.warned(ALERT + " WHERE NOT EventID = 'a'", "a condition under NOT never matches")
-        self.warned(ALERT + " WHERE EventID LIKE 'a'", "a condition with LIKE never matches")
-        self.warned(ALERT + " WHERE EventID IS NULL", "a condition with IS NULL never matches")
-        self.warned(ALERT + " WHERE (EventID IS NOT NULL)", "a condition with IS NOT NULL never matches")
+        for marked, reason in (
+                ("EventID = 'a' ^OR EventID = 'b'", "a filter that uses OR"),
+                ("EventID = 'OR' ^OR EventID = 'b' OR EventID = 'c'", "a filter that uses OR"),
+                ("^NOT EventID = 'a'", "a condition under NOT"),
+                ("EventID = 'NOT' AND ^NOT EventID = 'a'", "a condition under NOT"),
+                ("EventID ^LIKE 'a'", "a condition with LIKE"), ("EventID ^IS NULL", "a condition with IS NULL"),
+                ("(EventID ^IS NOT NULL)", "a condition with IS NOT NULL"),
+                ("PerceivedSeverity = ^5 / 0", "a condition on a value that cannot be computed"),
+                ("EventID = 'x' AND ^EventID", "a condition without a comparison")):
+            place = len(ALERT + " WHERE ") + marked.index("^") + 1
+            self.warned(ALERT + " WHERE " + marked.replace("^", ""), f"{reason} never matches (line 1, column {place})")
+        self.warned(ALERT + "\n WHERE EventID = 'x'\n  AND EventID LIKE 'a'",
+                    "a condition with LIKE never matches (line 3, column 15)")
 
     def test_names_that_validation_does_not_look_at(self):
         self.warned("SELECT * FROM CIM_InstCreation WHERE SurceInstance.Id = 'x'",
@@ -376,11 +384,9 @@ class Warnings(ValidateCase):
                      "CIM_InstCreation.SourceInstance.SourceInstance", "SourceInstance[0]"):
             self.warned(f"SELECT * FROM CIM_InstCreation WHERE {path} ISA CIM_AlertIndication",
                         "ISA asks a property of the instance itself, without path, scope and index: any other never "
-                        "matches")
+                        "matches (line 1, column 38)")
         self.warned("SELECT * FROM CIM_InstCreation AS i WHERE i.Inner ISA CIM_AlertIndication",
-                    "Inner is no property of CIM_InstCreation: it never matches (line 1, column 45)",
-                    "ISA asks a property of the indication itself, and Inner is none: it never matches "
-                    "(line 1, column 45)")
+                    "Inner is no property of CIM_InstCreation: it never matches (line 1, column 45)")
         self.warned("SELECT * FROM CIM_InstCreation WHERE 'Source' ISA CIM_AlertIndication",
                     "ISA asks a property of the indication itself, and Source is none: it never matches "
                     "(line 1, column 38)")
@@ -398,7 +404,7 @@ class Files(ValidateCase):
     LINES = ("valid\tCIM_AlertIndication\t*\tline 1\n"
              "invalid\tNope is no class of root/cimv2 (line 3, column 17)\tline 3\n"
              "valid\tCIM_AlertIndication\t*\tline 4\n")
-    WARNING = ("qorql: warning: line 4: a condition under NOT never matches\n"
+    WARNING = ("qorql: warning: line 4: a condition under NOT never matches (line 4, column 41)\n"
                "qorql: 3 filters: 2 valid (1 with warnings), 1 invalid\n")
 
     def test_a_line_for_each_filter(self):

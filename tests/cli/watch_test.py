@@ -126,6 +126,15 @@ class Changes(ToolCase):
         named = self.run_tool(*look, text.format("SourceInstance ISA Linux_Process AND "
                                                  "SourceInstance.Linux_Process::ElapsedTime > 0 AND"))
         self.assertIn('"ElapsedTime": ', named.out)
+        selected = self.run_tool(*look, text.format("SourceInstance ISA Linux_Process AND").replace(
+            "SELECT *", "SELECT SourceInstance.Linux_Process::ElapsedTime, SourceInstance"))
+        self.assertIn('"ElapsedTime": ', selected.out)
+        for alias in ("SELECT SourceInstance AS ElapsedTime FROM CIM_InstModification WHERE",
+                      "SELECT * FROM CIM_InstModification AS ElapsedTime WHERE ElapsedTime.SourceInstance ISA "
+                      "Linux_Process AND"):
+            idle = self.run_tool(*look, text.format("SourceInstance ISA Linux_Process AND").replace(
+                "SELECT * FROM CIM_InstModification WHERE", alias))
+            self.assertEqual((idle.status, idle.out), (0, ""), alias)
 
 
 class ManyFilters(ToolCase):

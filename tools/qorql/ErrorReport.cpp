@@ -64,7 +64,7 @@ Report reportOf(const Statement& statement) {
   } catch (const CQoriProviderException& error) {
     return {text(error), atStatus(error.getCode()), {}, kExitPlatform};
   } catch (const QoriBaseException& error) {
-    return {text(error), atStatus(kCimErrFailed)};
+    return {text(error), atStatus(kCimErrFailed), offsetOf(error)};
   } catch (const std::bad_alloc&) {
     return {kNoMemory, atStatus(kCimErrFailed)};
   } catch (const std::exception& error) {

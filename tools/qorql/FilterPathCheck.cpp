@@ -14,7 +14,7 @@ constexpr const char* kNever = ": it never matches";
 // One reference on its way.
 class FilterPathCheck::Walk {
  public:
-  Walk(const FilterPathCheck& check, const FilterReference& reference) : _check(check), _path(reference) {}
+  Walk(const FilterPathCheck& check, const StatementReference& reference) : _check(check), _path(reference) {}
 
   std::vector<Finding> findings() {
     const std::string fromClass = _path.names.size() > 1 ? _check._from.classOf(nameAt(0)) : "";
@@ -37,7 +37,9 @@ class FilterPathCheck::Walk {
  private:
   const std::string& nameAt(std::size_t index) const { return _path.names[index].text; }
   const std::string& scope() const { return _path.scope->text; }
-  void add(const std::string& text, const FilterReference::Name& about) { _findings.push_back({text, about.offset}); }
+  void add(const std::string& text, const StatementReference::Name& about) {
+    _findings.push_back({text, about.offset});
+  }
 
   // In a condition on the indication itself.
   void checkUnusedScope() {
@@ -133,12 +135,12 @@ class FilterPathCheck::Walk {
   }
 
   const FilterPathCheck& _check;
-  const FilterReference& _path;
+  const StatementReference& _path;
   std::string _holder;  // the class of the object that is asked for the next name; empty: unknown
   std::vector<Finding> _findings;
 };
 
-std::vector<FilterPathCheck::Finding> FilterPathCheck::check(const FilterReference& reference) const {
+std::vector<FilterPathCheck::Finding> FilterPathCheck::check(const StatementReference& reference) const {
   if (reference.names.size() < 2 && !reference.scope) return {};
   return Walk(*this, reference).findings();
 }

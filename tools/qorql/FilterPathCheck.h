@@ -9,8 +9,8 @@
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "ClassFamily.h"
-#include "FilterReference.h"
 #include "FromNames.h"
+#include "StatementReference.h"
 
 // Validation checks no name after the first one; this does, as far as a class
 // is known by FROM, by a scope, by ISA or by the property's declaration.
@@ -26,7 +26,7 @@ class FilterPathCheck {
                   const IsaConditions& isa)
       : _manager(manager), _nameSpace(nameSpace), _family(manager, nameSpace), _from(from), _isa(isa) {}
 
-  std::vector<Finding> check(const FilterReference& reference) const;
+  std::vector<Finding> check(const StatementReference& reference) const;
 
  private:
   class Walk;

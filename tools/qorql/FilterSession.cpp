@@ -8,10 +8,10 @@
 #include "Cimom/Providers/IndicationSchema.h"
 #include "DisplayText.h"
 #include "ErrorReport.h"
-#include "FilterFault.h"
 #include "FilterWarnings.h"
 #include "IndicationSink.h"
 #include "ScannerOutput.h"
+#include "StatementFault.h"
 #include "StatementText.h"
 #include "WqlHint.h"
 
@@ -41,7 +41,7 @@ CheckedFilter FilterSession::check(const std::string& text, QORuint32 firstLine,
   const StatementText filter(text, firstLine, firstColumn);
   const CQLQueryFault& fault = checked.statement->getFault();
   if (fault.kind != CQLQueryFault::kNone) {
-    checked.reason = FilterFault(manager(), nameSpace(), filter).describe(fault);
+    checked.reason = StatementFault(manager(), nameSpace(), filter).describe(fault).text;
     // What was left out may be the cause, such as quotes of another kind.
     if (fault.kind != CQLQueryFault::kLanguage) {
       for (const std::string& warning : checked.warnings) checked.reason += "; " + warning;

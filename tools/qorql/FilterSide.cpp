@@ -5,10 +5,8 @@
 
 #include "Cimom/QORQL/CQLQueryStatement.h"
 #include "Cimom/QORQL/Explain/QORQL_DeclaredTypes.h"
-#include "Cimom/QORQL/QORQL_Arithmetic.h"
 #include "Cimom/QORQL/QORQL_ExpressionPlaces.h"
 #include "Cimom/QORQL/QORQL_ExpressionShape.h"
-#include "Cimom/QORQL/QORQL_Term.h"
 
 namespace {
 
@@ -81,11 +79,6 @@ FilterSide combined(QORQL_Operator op, const FilterSide& left, const FilterSide&
   return result;
 }
 
-const QORQL_Evaluatable* operandOf(const QORQL_Arithmetic& node) { return node.getTerm().Get(); }
-const QORQL_Evaluatable* operandOf(const QORQL_Term& node) { return node.getFactor().Get(); }
-const QORQL_Evaluatable* restOf(const QORQL_Arithmetic& node) { return node.getArithmetic().Get(); }
-const QORQL_Evaluatable* restOf(const QORQL_Term& node) { return node.getTerm().Get(); }
-
 }  // namespace
 
 bool holdsObjects(const CimPropertyDeclaration& property) {
@@ -114,22 +107,19 @@ FilterSide FilterSideReader::ofFactor(const QORQL_Factor& factor) const {
 
 template <class Node>
 FilterSide FilterSideReader::ofChain(const Node& first) const {
-  std::vector<const Node*> nodes{&first};
-  while (nodes.back()->getOperator() != QORQL_OperatorNONE) {
-    const auto* const next = dynamic_cast<const Node*>(restOf(*nodes.back()));
-    if (next == nullptr) return {};
-    nodes.push_back(next);
-  }
-  FilterSide side = read(*operandOf(*nodes.back()));
-  for (nodes.pop_back(); !nodes.empty(); nodes.pop_back()) {
-    side = combined(nodes.back()->getOperator(), read(*operandOf(*nodes.back())), side);
+  std::vector<const Node*> links;
+  for (const Node& link : QORQL_linksOf(first)) links.push_back(&link);
+  if (QORQL_continues(*links.back())) return {};
+  FilterSide side = read(*QORQL_operandOf(*links.back()));
+  for (links.pop_back(); !links.empty(); links.pop_back()) {
+    side = combined(links.back()->getOperator(), read(*QORQL_operandOf(*links.back())), side);
   }
   return side;
 }
 
 // A property of an object whose class is not named stays unknown.
 FilterSide FilterSideReader::ofReference(const QORQL_Factor& factor) const {
-  const FilterReference reference(_text, factor);
+  const StatementReference reference(_text, factor);
   FilterSide side;
   side.property = reference.property();
   side.written = reference.written;

@@ -10,8 +10,8 @@
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "Cimom/QORQL/QORQL_Evaluatable.h"
-#include "FilterReference.h"
 #include "FromNames.h"
+#include "StatementReference.h"
 #include "cimom/QoriScalar.h"
 
 struct FilterSide {

@@ -7,13 +7,15 @@
 #include "Cimom/QORQL/CQLQueryValidator.h"
 #include "Cimom/QORQL/Explain/QORQL_NodeSurprises.h"
 #include "Cimom/QORQL/Explain/QORQL_Surprises.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
+#include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_OrderByClause.h"
 #include "Cimom/QORQL/QORQL_Values.h"
 #include "Cimom/QORQL/QORQL_WhereClause.h"
 #include "DisplayText.h"
 #include "FilterPathCheck.h"
-#include "FilterReference.h"
+#include "StatementReference.h"
 
 namespace {
 
@@ -72,7 +74,7 @@ class FilterWarnings::Visitor : public QORQL_ExpressionVisitor {
   void visitFactor(const QORQL_Factor& factor) override {
     if (!isReference(factor) || isFull()) return;
     _found = factor.getOffset();
-    for (const FilterPathCheck::Finding& finding : _paths.check(FilterReference(_text.text(), factor))) {
+    for (const FilterPathCheck::Finding& finding : _paths.check(StatementReference(_text.text(), factor))) {
       warn(finding.text, finding.offset);
     }
   }
@@ -102,7 +104,7 @@ class FilterWarnings::Visitor : public QORQL_ExpressionVisitor {
   }
   bool isPropertyOfFrom(const std::string& property) const;
   void checkIsa(const QORQL_Comparison& isa);
-  void checkClass(const FilterReference::Name& name);
+  void checkClass(const StatementReference::Name& name);
   void checkComparison(const QORQL_Comparison& comparison);
   // Whether there was something to warn of.
   bool warnOfAsking(const FilterSide& side);
@@ -127,7 +129,7 @@ class FilterWarnings::Visitor : public QORQL_ExpressionVisitor {
 std::vector<std::string> FilterWarnings::of(const CQLQueryStatement& statement) const {
   std::vector<std::string> warnings;
   const std::string never(statement.neverMatchesBecause().view());
-  if (!never.empty()) warnings.push_back(never);
+  if (!never.empty()) warnings.push_back(never + " (" + _text.place(statement.neverMatchesOffset()) + ")");
   const QORQL_Query& query = statement.getParsedQuery();
   for (const QORQL_Surprise& surprise : QORQL_findFilterSurprises(query, _nameSpace)) {
     warnings.push_back(cutText(surprise.text, kLongest, "...") + " (" + _text.place(surprise.offset) + ")");
@@ -151,20 +153,22 @@ bool FilterWarnings::Visitor::isPropertyOfFrom(const std::string& property) cons
 }
 
 // ISA looks for the property in the instance itself. For one reached through a path or with a
-// scope, the statement has reported already that it never matches; a text that is put
-// together says as a whole which property it names.
+// scope, the statement has reported already that it never matches, and a name is checked like any
+// other; a text that is put together says as a whole which property it names.
 void FilterWarnings::Visitor::checkIsa(const QORQL_Comparison& isa) {
-  const std::optional<FilterReference::Name> property = isaProperty(_text.text(), isa, _from);
-  if (property && !isPropertyOfFrom(property->text)) {
+  const std::optional<StatementReference::Name> property = isaProperty(_text.text(), isa, _from);
+  const QORQL_Factor* const left = QORQL_loneFactor(isa.getLHSArithmeticExpression());
+  const bool isText = left != nullptr && !left->getLiteral().IsNull();
+  if (property && isText && !isPropertyOfFrom(property->text)) {
     warn("ISA asks a property of the indication itself, and " + property->text + " is none: it never matches",
          property->offset);
   }
-  const std::optional<FilterReference::Name> className = isaClass(isa);
+  const std::optional<StatementReference::Name> className = isaClass(isa);
   if (className) checkClass(*className);
 }
 
 // A schema need not be complete; but a name that is nearly a class is hardly meant.
-void FilterWarnings::Visitor::checkClass(const FilterReference::Name& name) {
+void FilterWarnings::Visitor::checkClass(const StatementReference::Name& name) {
   if (CQLQueryValidator::findClass(_nameSpace, QORString(name.text))) return;
   const std::string meant = ClassFamily(_manager, _nameSpace).nearestClass(name.text);
   if (meant.empty()) return;

@@ -3,11 +3,14 @@
 #include "LiveWatch.h"
 
 #include <algorithm>
+#include <set>
+#include <string>
+#include <string_view>
 
 #include "Cimom/Embedded/InstanceProvider.h"
 #include "Cimom/QORQL/CQLQueryValidator.h"
-#include "FilterReference.h"
-#include "StatementText.h"
+#include "FromNames.h"
+#include "StatementReference.h"
 #include "cimom/CQoriProviderException.h"
 
 namespace {
@@ -31,22 +34,30 @@ std::vector<std::string> sourceClasses(const CQLQueryStatement& filter) {
   return IsaConditions(filter.getParsedQuery(), text.view(), from).classesOf("SourceInstance");
 }
 
+std::string folded(std::string_view name) { return std::string(QORString::toUpperCase(QORString(name)).view()); }
+
+// The properties, in upper case, that a filter names of the objects which its indications hold: what follows the
+// indication's own property, as in i.SourceInstance.CPUTime.
+std::set<std::string> propertiesNamedBy(const CQLQueryStatement& filter) {
+  const QORString text(filter.getQuery());
+  const FromNames from(filter.getParsedQuery(), text.view());
+  std::set<std::string> named;
+  forEachReference(filter.getParsedQuery(), text.view(), [&](const StatementReference& reference) {
+    const std::size_t own = reference.names.size() > 1 && !from.classOf(reference.names[0].text).empty() ? 1 : 0;
+    if (reference.names.size() > own + 1) named.insert(folded(reference.names[own + 1].text));
+  });
+  return named;
+}
+
 // The properties of a class that are looked at for a filter; null: all. Those that change
 // whenever one looks make no news, unless the filter names them.
 CIMApi::PropertyNames steadyProperties(const EmbeddedObjectManager& manager, const QORString& className,
                                        const CQLQueryStatement& filter) {
-  const QORString query(filter.getQuery());
-  const StatementText text(query.view());
-  const auto isNamed = [&](const QORString& property) {
-    for (std::size_t i = 0; i < text.pieces().size(); ++i) {
-      if (text.is(i, property.view())) return true;
-    }
-    return false;
-  };
+  const std::set<std::string> named = propertiesNamedBy(filter);
   const CIMApi::PropertyNames names(new QORValSlist<QORString>());
   bool isWhole = true;
   for (const CimPropertyDeclaration& property : manager.allProperties(filter.getNameSpace(), className)) {
-    const bool isSteady = !property.hasFlag("Volatile") || isNamed(property.name);
+    const bool isSteady = !property.hasFlag("Volatile") || named.contains(folded(property.name.view()));
     if (isSteady) names->append(property.name);
     isWhole = isWhole && isSteady;
   }

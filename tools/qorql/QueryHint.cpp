@@ -8,7 +8,7 @@
 #include "Cimom/QORQL/CQLQueryFault.h"
 #include "Cimom/QORQL/QORQL_Fault.h"
 #include "ClassFamily.h"
-#include "FilterFault.h"
+#include "StatementFault.h"
 #include "Suggestion.h"
 
 namespace {
@@ -33,9 +33,8 @@ constexpr SqlWord kSqlWords[] = {
 };
 
 // The error already says that the class lacks the property.
-std::string hintOfName(const std::string& description) {
-  const bool isKnown = description.find(" is no property of ") != std::string::npos;
-  return isKnown && description.find("did you mean") == std::string::npos ? std::string() : description;
+std::string hintOfName(const StatementFault::Description& description) {
+  return description.hasSuggestion ? description.text : std::string();
 }
 
 // Whether a name of FROM stands for more than one class.
@@ -58,16 +57,16 @@ std::string hintOfMissing(EmbeddedObjectManager& manager, const QORString& nameS
   const std::string className = text.classOf(fault.className.view());
   if (!className.empty()) fault.className = QORString(className);
   const QORString holder = ClassFamily(manager, nameSpace).holderOf(fault.className, fault.name);
-  if (holder.isEmpty()) return hintOfName(FilterFault(manager, nameSpace, text).describe(fault));
+  if (holder.isEmpty()) return hintOfName(StatementFault(manager, nameSpace, text).describe(fault));
   const std::string below(holder.view());
   return std::string(fault.name.view()) + " is a property of " + below + ", which not every " +
          std::string(fault.className.view()) + " is: ask for it FROM " + below;
 }
 
 // A number that is compared with a text, or the other way round.
-std::string hintOfComparison(const QoriBaseException& error) {
-  const bool isMixed =
-      error.getWhere() == "relate" && error.getMessage().view().find("string") != std::string_view::npos;
+std::string hintOfComparison(const QORQL_Fault* fault) {
+  const bool isMixed = fault != nullptr && fault->kind == QORQL_Fault::kValuesIncomparable &&
+                       (fault->type.beginsWith("string") || fault->otherType.beginsWith("string"));
   return isMixed ? "texts are compared with texts in single quotes, numbers with numbers" : "";
 }
 
@@ -126,9 +125,10 @@ std::string hintOfFailure(EmbeddedObjectManager& manager, const std::string& nam
     const CQLQueryFault fault = CQLQueryFaultOf(error);
     if (fault.kind != CQLQueryFault::kSyntax) {
       const QORString space(nameSpace);
-      if (!fault.className.isEmpty()) return hintOfMissing(manager, space, text, fault);
-      const std::string hint = hintOfName(FilterFault(manager, space, text).describe(fault));
-      return hint.empty() ? hintOfComparison(error) : hint;
+      if (fault.kind == CQLQueryFault::kProperty && !fault.className.isEmpty())
+        return hintOfMissing(manager, space, text, fault);
+      const std::string hint = hintOfName(StatementFault(manager, space, text).describe(fault));
+      return hint.empty() ? hintOfComparison(QORQL_faultOf(error)) : hint;
     }
     for (const std::string& hint : {hintOfQuote(text, fault.offset), hintOfSql(text, fault.offset),
                                     hintOfAssociation(text, *QORQL_faultOf(error))}) {

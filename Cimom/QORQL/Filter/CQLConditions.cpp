@@ -10,8 +10,10 @@
 #include "Cimom/QORQL/Filter/CQLReferences.h"
 #include "Cimom/QORQL/Filter/CQLTreeMatch.h"
 #include "Cimom/QORQL/QORQL_ExpressionFactor.h"
+#include "Cimom/QORQL/QORQL_ExpressionPlaces.h"
 #include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
+#include "Cimom/QORQL/QORQL_Function.h"
 #include "Cimom/QORQL/QORQL_Values.h"
 
 namespace {
@@ -21,12 +23,16 @@ using Value = QORSmrPtr<IQoriValue>;
 using Node = QORSmrPtr<QORQL_Evaluatable>;
 
 // Why a condition never holds.
-std::string reasonOfOperator(QORQL_Operator op) {
-  return std::string("a condition with ") + QORQL_operatorText(op) + " never matches";
-}
 constexpr char kIsaOfNoProperty[] =
     "ISA asks a property of the instance itself, without path, scope and index: any other never matches";
 constexpr char kNotComputed[] = "a condition on a value that cannot be computed never matches";
+CQLNeverReason reasonOfOperator(const QORQL_Comparison& comparison) {
+  const char* const sign = QORQL_operatorText(comparison.getOperator());
+  return {std::string("a condition with ") + sign + " never matches", comparison.getOffset()};
+}
+CQLNeverReason reasonOfIsa(const QORQL_Comparison& isa) {
+  return {kIsaOfNoProperty, QORQL_startOf(*isa.getLHSArithmeticExpression())};
+}
 
 std::string compared(const Value& left, const QORQL_Comparison& comparison, const Value& right) {
   return " (" + CQLTextOfValue(left) + " " + QORQL_operatorText(comparison.getOperator()) + " " +
@@ -136,7 +142,11 @@ class Relation : public CQLCondition {
     access.constant = constant.constant();
     return access;
   }
-  std::string neverBecause() const override { return isNever(*_left) || isNever(*_right) ? kNotComputed : ""; }
+  CQLNeverReason neverBecause() const override {
+    if (isNever(*_left)) return {kNotComputed, QORQL_startOf(*_comparison.getLHSArithmeticExpression())};
+    if (isNever(*_right)) return {kNotComputed, QORQL_startOf(*_comparison.getRHSArithmeticExpression())};
+    return {};
+  }
   std::string explain(const Object& instance) const override {
     return _text + compared(_left->value(*instance), _comparison, _right->value(*instance));
   }
@@ -210,14 +220,14 @@ class IsaCondition final : public CQLCondition {
 
 class Never final : public CQLCondition {
  public:
-  Never(std::string text, std::string reason) : _text(std::move(text)), _reason(std::move(reason)) {}
+  Never(std::string text, CQLNeverReason reason) : _text(std::move(text)), _reason(std::move(reason)) {}
   bool holds(const Object& /*instance*/) const override { return false; }
-  std::string explain(const Object& /*instance*/) const override { return _text + " (" + _reason + ")"; }
-  std::string neverBecause() const override { return _reason; }
+  std::string explain(const Object& /*instance*/) const override { return _text + " (" + _reason.text + ")"; }
+  CQLNeverReason neverBecause() const override { return _reason; }
 
  private:
   std::string _text;
-  std::string _reason;
+  CQLNeverReason _reason;
 };
 
 // The part of an expression that has no value for any instance.
@@ -226,12 +236,13 @@ class ValuelessFinder : public QORQL_ExpressionVisitor {
   explicit ValuelessFinder(const CQLScope& scope) : _scope(scope) {}
   void visitComparison(const QORQL_Comparison& comparison) override {
     const QORQL_Operator op = comparison.getOperator();
-    if (op > QORQL_OperatorGREATEREQUAL && op != QORQL_OperatorISA) reason = reasonOfOperator(op);
-    if (op == QORQL_OperatorISA && CQLTreeMatch::isaProperty(_scope, comparison).isEmpty()) reason = kIsaOfNoProperty;
+    if (op > QORQL_OperatorGREATEREQUAL && op != QORQL_OperatorISA) reason = reasonOfOperator(comparison);
+    const bool isIsa = op == QORQL_OperatorISA;
+    if (isIsa && CQLTreeMatch::isaProperty(_scope, comparison).isEmpty()) reason = reasonOfIsa(comparison);
   }
-  void visitFunction(const QORQL_Function& /*function*/) override { reason = kNotComputed; }
+  void visitFunction(const QORQL_Function& function) override { reason = {kNotComputed, function.getOffset()}; }
 
-  std::string reason;
+  CQLNeverReason reason;
 
  private:
   const CQLScope& _scope;
@@ -250,7 +261,7 @@ class TreeCondition final : public CQLCondition {
     const Value right(tree.sum(comparison.getRHSArithmeticExpression()));
     return CQLTextOfCondition(_scope, comparison) + compared(left, comparison, right);
   }
-  std::string neverBecause() const override {
+  CQLNeverReason neverBecause() const override {
     ValuelessFinder* const finder = new ValuelessFinder(_scope);
     QORSmrPtr<QORQL_ExpressionVisitor> visitor(finder);
     _comparison->accept(visitor);
@@ -277,14 +288,14 @@ std::unique_ptr<CQLCondition> makeRelation(const CQLScope& scope, const QORQL_Co
 
 std::unique_ptr<CQLCondition> makeIsa(const CQLScope& scope, const QORQL_Comparison& comparison, const Node& node) {
   const QORString property(CQLTreeMatch::isaProperty(scope, comparison));
-  if (property.isEmpty()) return CQLMakeNever(CQLTextOfCondition(scope, comparison), kIsaOfNoProperty);
+  if (property.isEmpty()) return CQLMakeNever(CQLTextOfCondition(scope, comparison), reasonOfIsa(comparison));
   const Node& right = comparison.getRHSArithmeticExpression();
   if (!CQLIsConstant(right)) return std::make_unique<TreeCondition>(scope, node);
   const Value className(CQLTreeMatch::constant(scope, right));
   if (!className.IsNull() && className->scalar().kind == QoriScalarKind::Text) {
     return std::make_unique<IsaCondition>(scope, comparison, property, className->toString());
   }
-  return CQLMakeNever(CQLTextOfCondition(scope, comparison), kNotComputed);
+  return CQLMakeNever(CQLTextOfCondition(scope, comparison), {kNotComputed, QORQL_startOf(*right)});
 }
 
 std::unique_ptr<CQLCondition> makeComparison(const CQLScope& scope, const Node& node) {
@@ -296,9 +307,11 @@ std::unique_ptr<CQLCondition> makeComparison(const CQLScope& scope, const Node& 
     return makeRelation(scope, comparison, *written);
   }
   if (op == QORQL_OperatorISA) return makeIsa(scope, comparison, *written);
-  const bool isBare = op == QORQL_OperatorNONE;
-  return CQLMakeNever(CQLTextOfCondition(scope, comparison),
-                      isBare ? "a condition without a comparison never matches" : reasonOfOperator(op));
+  CQLNeverReason reason = reasonOfOperator(comparison);
+  if (op == QORQL_OperatorNONE) {
+    reason = {"a condition without a comparison never matches", QORQL_startOf(comparison)};
+  }
+  return CQLMakeNever(CQLTextOfCondition(scope, comparison), std::move(reason));
 }
 
 }  // namespace
@@ -307,11 +320,14 @@ std::unique_ptr<CQLCondition> CQLMakeCondition(const CQLScope& scope, const Node
   const auto* factor = dynamic_cast<const QORQL_ExpressionFactor*>(operand.Get());
   const QORQL_Comparison* const comparison =
       factor == nullptr ? nullptr : dynamic_cast<const QORQL_Comparison*>(factor->getComparison().Get());
-  if (comparison == nullptr) return CQLMakeNever("An association", "a condition on an association never matches");
+  if (comparison == nullptr) {
+    return CQLMakeNever("An association", {"a condition on an association never matches", QORQL_startOf(*operand)});
+  }
   if (factor->getOperator() == QORQL_OperatorNONE) return makeComparison(scope, factor->getComparison());
-  return CQLMakeNever("NOT " + CQLTextOfCondition(scope, *comparison), "a condition under NOT never matches");
+  return CQLMakeNever("NOT " + CQLTextOfCondition(scope, *comparison),
+                      {"a condition under NOT never matches", factor->getOffset()});
 }
 
-std::unique_ptr<CQLCondition> CQLMakeNever(std::string text, std::string reason) {
+std::unique_ptr<CQLCondition> CQLMakeNever(std::string text, CQLNeverReason reason) {
   return std::make_unique<Never>(std::move(text), std::move(reason));
 }

@@ -7,12 +7,19 @@
 #include <memory>
 #include <string>
 
+#include "Cimom/QORQL/CQLQueryFault.h"
 #include "Cimom/QORQL/Filter/CQLAccess.h"
 #include "Cimom/QORQL/Filter/CQLQuickCheck.h"
 #include "Cimom/QORQL/QORQL_Evaluatable.h"
 #include "cimom/IQoriObject.h"
 
 class CQLScope;
+
+// Why a condition holds for no instance, and the byte of the text that this is about.
+struct CQLNeverReason {
+  std::string text{};  // empty: it may hold
+  QORuint32 offset = CQLQueryFault::kNoOffset;
+};
 
 // One condition of a chain of ANDs. Threads may share one.
 class CQLCondition {
@@ -26,13 +33,12 @@ class CQLCondition {
   virtual std::string explain(const QORSmrPtr<IQoriObject>& instance) const = 0;
   // What an index may use of it; valid while the condition lives.
   virtual CQLAccess access() const { return {}; }
-  // Why it holds for no instance, whatever that is; empty when it may.
-  virtual std::string neverBecause() const { return {}; }
+  virtual CQLNeverReason neverBecause() const { return {}; }
 };
 
 // The condition of an operand of AND. BORROWS both.
 std::unique_ptr<CQLCondition> CQLMakeCondition(const CQLScope& scope, const QORSmrPtr<QORQL_Evaluatable>& operand);
 // One that never holds.
-std::unique_ptr<CQLCondition> CQLMakeNever(std::string text, std::string reason);
+std::unique_ptr<CQLCondition> CQLMakeNever(std::string text, CQLNeverReason reason);
 
 #endif

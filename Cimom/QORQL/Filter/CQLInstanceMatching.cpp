@@ -35,7 +35,12 @@ bool CQLQueryStatement::isMatch(const QORSmrPtr<IQoriObject>& instance, const QO
 
 QORString CQLQueryStatement::neverMatchesBecause() const {
   requireValidated(kIsMatch);
-  return QORString(_matcher->neverBecause());
+  return QORString(_matcher->neverBecause().text);
+}
+
+QORuint32 CQLQueryStatement::neverMatchesOffset() const {
+  requireValidated(kIsMatch);
+  return _matcher->neverBecause().offset;
 }
 
 bool CQLQueryStatement::explainMatch(const QORSmrPtr<IQoriObject>& instance, const QORString& nameSpace,

@@ -39,7 +39,8 @@ void CQLMatcher::add(std::unique_ptr<CQLCondition> condition) {
 void CQLMatcher::addExpression(const QORSmrPtr<QORQL_Evaluatable>& node) {
   const auto* const expression = QORQL_nodeAs<QORQL_Expression>(node);
   if (expression == nullptr || expression->getOperator() != QORQL_OperatorNONE) {
-    add(CQLMakeNever("WHERE", "a filter that uses OR never matches"));
+    add(CQLMakeNever("WHERE", {"a filter that uses OR never matches",
+                               expression == nullptr ? CQLQueryFault::kNoOffset : expression->getOffset()}));
     return;
   }
   const auto* const term = QORQL_nodeAs<QORQL_ExpressionTerm>(QORQL_operandOf(*expression));
@@ -93,7 +94,7 @@ std::string CQLMatcher::explainFailure(const QORSmrPtr<IQoriObject>& instance) c
 }
 
 std::vector<CQLAccess> CQLMatcher::accesses() const {
-  if (!neverBecause().empty()) {
+  if (!neverBecause().text.empty()) {
     CQLAccess never;
     never.kind = CQLAccess::Kind::Never;
     return {never};
@@ -103,10 +104,10 @@ std::vector<CQLAccess> CQLMatcher::accesses() const {
   return accesses;
 }
 
-std::string CQLMatcher::neverBecause() const {
+CQLNeverReason CQLMatcher::neverBecause() const {
   for (const std::unique_ptr<CQLCondition>& condition : _conditions) {
-    std::string reason = condition->neverBecause();
-    if (!reason.empty()) return reason;
+    CQLNeverReason reason = condition->neverBecause();
+    if (!reason.text.empty()) return reason;
   }
   return {};
 }

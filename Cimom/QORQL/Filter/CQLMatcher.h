@@ -44,8 +44,8 @@ class CQLMatcher {
   std::vector<CQLAccess> accesses() const;
   // The FROM classes.
   const std::vector<QORString>& classNames() const noexcept { return _classes; }
-  // Why no instance can match, whatever it holds; empty when one may.
-  std::string neverBecause() const;
+  // Why no instance can match, whatever it holds.
+  CQLNeverReason neverBecause() const;
 
  private:
   static constexpr QORuint64 kNoSerial = ~QORuint64{0};

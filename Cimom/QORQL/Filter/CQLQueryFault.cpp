@@ -12,6 +12,13 @@ CQLQueryFault::Kind kindOf(QORQL_Fault::Kind kind) {
   switch (kind) {
     case QORQL_Fault::kSyntax:
     case QORQL_Fault::kHalfAssociation:
+    case QORQL_Fault::kParenthesisOpen:
+    case QORQL_Fault::kDirectionMissing:
+    case QORQL_Fault::kColumnUnnamed:
+    case QORQL_Fault::kColumnBesideAggregate:
+    case QORQL_Fault::kNameExpected:
+    case QORQL_Fault::kFormatUnknown:
+    case QORQL_Fault::kFunctionUnknown:
       return CQLQueryFault::kSyntax;
     case QORQL_Fault::kPropertyUnknown:
     case QORQL_Fault::kPropertyMissing:
@@ -22,6 +29,10 @@ CQLQueryFault::Kind kindOf(QORQL_Fault::Kind kind) {
       return CQLQueryFault::kQualifier;
     case QORQL_Fault::kClassUnknown:
       return CQLQueryFault::kClass;
+    case QORQL_Fault::kValueMissing:
+    case QORQL_Fault::kElementMissing:
+    case QORQL_Fault::kValuesIncomparable:
+    case QORQL_Fault::kNumberExpected:
     case QORQL_Fault::kOther:
       break;
   }

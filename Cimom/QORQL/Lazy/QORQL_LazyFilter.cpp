@@ -13,6 +13,7 @@
 #include "Cimom/QORQL/Lazy/QORQL_RowTruth.h"
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "Cimom/QORQL/QORQL_OuterJoin.h"
+#include "Cimom/QORQL/QORQL_RowFault.h"
 
 namespace {
 
@@ -50,18 +51,16 @@ void copyTuples(const QORQL_RowBlock& block, QORuint64 first, const QORuint32* p
 // Tests the rows of one block in order and finds those that hold.
 class BlockFilter {
  public:
-  BlockFilter(const QORQL_LazyRows& rows, const QORQL_ConditionPlan& plan, QORQL_RowTruth& truth)
-      : _rows(rows), _plan(plan), _truth(truth) {
+  BlockFilter(const QORQL_ConditionPlan& plan, QORQL_RowTruth& truth) : _plan(plan), _truth(truth) {
     if (plan.isOuter()) _join = std::make_unique<QORQL_OuterJoin<QORuint32>>(plan.joinType);
     for (const QoriTruth outcome : {QoriTruth::False, QoriTruth::True, QoriTruth::Null}) {
       _keeps[static_cast<std::size_t>(outcome)] = plan.keeps(outcome);
     }
   }
 
-  // The tuples of the rows that stay.
-  std::vector<QORuint32> run(const QORQL_RowBlock& block) {
+  // The tuples of the rows that stay. Selects each row that it looks at in `view`.
+  std::vector<QORuint32> run(const QORQL_RowBlock& block, QORQL_RowView& view) {
     const std::size_t width = block.columns.size();
-    QORQL_RowView view(_rows);
     std::vector<QORuint32> kept;
     std::array<QORuint32, QORQL_PropertyColumn::kBatch> keptOfRun;
     QORQL_StopCheck stopCheck;
@@ -124,7 +123,6 @@ class BlockFilter {
     return truth;
   }
 
-  const QORQL_LazyRows& _rows;
   const QORQL_ConditionPlan& _plan;
   QORQL_RowTruth& _truth;
   std::unique_ptr<QORQL_OuterJoin<QORuint32>> _join;  // null: an inner join
@@ -132,12 +130,12 @@ class BlockFilter {
 };
 
 // The join of two blocks by testing each pair, without making their product.
-QORQL_RowBlock filterPairs(const QORQL_LazyRows& rows, const QORQL_ConditionPlan& plan, QORQL_RowTruth& truth) {
+QORQL_RowBlock filterPairs(const QORQL_LazyRows& rows, const QORQL_ConditionPlan& plan, QORQL_RowTruth& truth,
+                           QORQL_RowView& view) {
   const QORQL_RowBlock& outer = rows.blocks()[plan.blocks[0]];
   const QORQL_RowBlock& inner = rows.blocks()[plan.blocks[1]];
   QORQL_RowBlock result;
   result.columns = rows.columnsOf(plan.blocks);
-  QORQL_RowView view(rows);
   QORQL_StopCheck stopCheck;
   for (QORuint64 i = 0; i < outer.rowCount; ++i) {
     view.select(outer, i);
@@ -153,10 +151,11 @@ QORQL_RowBlock filterPairs(const QORQL_LazyRows& rows, const QORQL_ConditionPlan
 }
 
 // Filters one block, for an outer join with its rows without partners.
-void filterBlock(QORQL_LazyRows& rows, std::size_t number, const QORQL_ConditionPlan& plan, QORQL_RowTruth& truth) {
-  BlockFilter filter(rows, plan, truth);
+void filterBlock(QORQL_LazyRows& rows, std::size_t number, const QORQL_ConditionPlan& plan, QORQL_RowTruth& truth,
+                 QORQL_RowView& view) {
+  BlockFilter filter(plan, truth);
   QORQL_RowBlock& block = rows.blocks()[number];
-  keepRows(block, filter.run(block));
+  keepRows(block, filter.run(block, view));
   filter.addOuterRows(rows);
 }
 
@@ -170,36 +169,79 @@ bool tryJoin(QORQL_LazyRows& rows, const QORQL_ConditionPlan& plan, const QORQL_
   }
 }
 
-void filterRowByRow(QORQL_LazyRows& rows, const QORQL_ConditionPlan& plan, QORQL_RowTruth& truth) {
+void filterRowByRow(QORQL_LazyRows& rows, const QORQL_ConditionPlan& plan, QORQL_RowTruth& truth, QORQL_RowView& view) {
   if (plan.rowByRow == Way::kPairs) {
-    rows.replaceBlocks(plan.blocks, filterPairs(rows, plan, truth));
+    rows.replaceBlocks(plan.blocks, filterPairs(rows, plan, truth, view));
     return;
   }
   if (plan.rowByRow == Way::kProduct) rows.multiply(plan.blocks);
-  filterBlock(rows, plan.blocks.front(), plan, truth);
+  filterBlock(rows, plan.blocks.front(), plan, truth, view);
 }
 
-// Rows are tested before they are changed, so that an error leaves the table as it was.
-void filterInPlace(QORSmrPtr<QORQL_DataTable>& table, const QORQL_ConditionPlan& plan, QORQL_RowTruth& truth) {
-  const QORQL_LazyRows& rows = *table->lazy()->rows();
-  std::vector<QORuint32> kept = BlockFilter(rows, plan, truth).run(rows.blocks()[plan.blocks.front()]);
-  keepRows(table->lazy()->ownRows().blocks()[plan.blocks.front()], std::move(kept));
-}
+// The condition applied to the rows of a lazy table.
+class LazyFilter {
+ public:
+  LazyFilter(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, const QORQL_ConditionPlan& plan,
+             const QORString& nameSpace)
+      : _symbolTable(symbolTable),
+        _table(table),
+        _plan(plan),
+        _nameSpace(nameSpace),
+        _sides(QORQL_Binder(*table).bindSides(*plan.comparison)) {}
+
+  QORQL_ExecutionMonitor::Method run() {
+    if (_plan.way == Way::kFilter && !_plan.isOuter()) {
+      filterInPlace();
+      return QORQL_ConditionPlan::methodOf(_plan.way);
+    }
+    // What changes more than one block's rows is done on a copy: an error leaves the table as it was.
+    auto rows = std::make_shared<QORQL_LazyRows>(*_table->lazy()->rows());
+    const bool isJoined = _plan.isJoin() && tryJoin(*rows, _plan, _sides);
+    if (!isJoined) {
+      test(*rows, [&](QORQL_RowTruth& truth, QORQL_RowView& view) { filterRowByRow(*rows, _plan, truth, view); });
+    }
+    _table->setLazy(std::make_unique<QORQL_LazyTable>(std::move(rows)));
+    return QORQL_ConditionPlan::methodOf(isJoined ? _plan.way : _plan.rowByRow);
+  }
+
+ private:
+  // Rows are tested before they are changed, so that an error leaves the table as it was.
+  void filterInPlace() {
+    const QORQL_LazyRows& rows = *_table->lazy()->rows();
+    const std::size_t number = _plan.blocks.front();
+    std::vector<QORuint32> kept;
+    test(rows, [&](QORQL_RowTruth& truth, QORQL_RowView& view) {
+      kept = BlockFilter(_plan, truth).run(rows.blocks()[number], view);
+    });
+    keepRows(_table->lazy()->ownRows().blocks()[number], std::move(kept));
+  }
+
+  // Calls back with what tells the truth of a row and with the view that the rows are selected in. What that throws
+  // is about the row that was selected last.
+  template <class Callback>
+  void test(const QORQL_LazyRows& rows, const Callback& callback) {
+    const auto truth = QORQL_RowTruth::make(_symbolTable, _table, _plan, std::move(_sides), _nameSpace);
+    QORQL_RowView view(rows);
+    try {
+      callback(*truth, view);
+    } catch (const QoriBaseException&) {
+      QORSmrPtr<QORQL_DataRow> row(new QORQL_DataRow());
+      row->setParentTable(_table.Get());
+      _table->lazy()->fillRow(view, *row);
+      QORQL_throwWithFault(*_plan.comparison, _symbolTable, row);
+    }
+  }
+
+  QORQL_SymbolTable& _symbolTable;
+  QORSmrPtr<QORQL_DataTable>& _table;
+  const QORQL_ConditionPlan& _plan;
+  const QORString& _nameSpace;
+  QORQL_BoundSides _sides;
+};
 
 }  // namespace
 
 QORQL_ExecutionMonitor::Method QORQL_filterLazily(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
                                                   const QORQL_ConditionPlan& plan, const QORString& nameSpace) {
-  QORQL_BoundSides sides = QORQL_Binder(*table).bindSides(*plan.comparison);
-  const auto truth = [&] { return QORQL_RowTruth::make(symbolTable, table, plan, std::move(sides), nameSpace); };
-  if (plan.way == Way::kFilter && !plan.isOuter()) {
-    filterInPlace(table, plan, *truth());
-    return QORQL_ConditionPlan::methodOf(plan.way);
-  }
-  // What changes more than one block's rows is done on a copy: an error leaves the table as it was.
-  auto rows = std::make_shared<QORQL_LazyRows>(*table->lazy()->rows());
-  const bool isJoined = plan.isJoin() && tryJoin(*rows, plan, sides);
-  if (!isJoined) filterRowByRow(*rows, plan, *truth());
-  table->setLazy(std::make_unique<QORQL_LazyTable>(std::move(rows)));
-  return QORQL_ConditionPlan::methodOf(isJoined ? plan.way : plan.rowByRow);
+  return LazyFilter(symbolTable, table, plan, nameSpace).run();
 }

@@ -11,6 +11,7 @@
 #include "Cimom/QORQL/QORQL_Exception.h"
 #include "Cimom/QORQL/QORQL_ExecutionMessages.h"
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
+#include "Cimom/QORQL/QORQL_ExpressionPlaces.h"
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
 #include "Cimom/QORQL/QORQL_Function.h"
 #include "cimom/CQoriValue.h"
@@ -27,7 +28,8 @@ QORSmrPtr<IQoriType> widestType(const IQoriValue& value, QORuint32 functionID) {
   if (name.beginsWith("uint")) return CQoriType::uint64;
   if (name.beginsWith("real")) return CQoriType::real64;
   throw QORQL_Exception(QORQL_Exception::QORQL_INVALID_DATA_TYPE,
-                        QORString(QORQL_ExecutionMessages::kAggregateNotNumeric) + QORQL_functionName(functionID));
+                        QORString(QORQL_ExecutionMessages::kAggregateNotNumeric) + QORQL_functionName(functionID),
+                        {QORQL_Fault::kNumberExpected});
 }
 
 // The next value of a fold that has its type. A sum that no longer fits stays null.
@@ -131,6 +133,18 @@ void foldRow(Fold& fold, QORQL_RowReader& reader, QORuint64 row, QORuint64& coun
   QORQL_foldAggregate(fold.function, reader.value(fold.slot), counter);
 }
 
+// What is no number stands in the argument.
+void foldPlaced(Fold& fold, QORQL_RowReader& reader, QORuint64 row, QORuint64& counter) {
+  try {
+    foldRow(fold, reader, row, counter);
+  } catch (QORQL_Exception& error) {
+    if (error.getFault().kind == QORQL_Fault::kNumberExpected) {
+      error.setFaultOffset(QORQL_startOf(*fold.call->getParameters()->first()));
+    }
+    throw;
+  }
+}
+
 void foldRows(std::vector<Fold>& folds, QORQL_RowReader& reader, QORuint64& counter) {
   QORQL_StopCheck stopCheck;
   for (QORuint64 row = 0; row < reader.rowCount(); ++row) {
@@ -138,7 +152,7 @@ void foldRows(std::vector<Fold>& folds, QORQL_RowReader& reader, QORuint64& coun
     reader.select(row);
     if (!reader.hasRow()) continue;
     for (Fold& fold : folds) {
-      if (fold.call != nullptr) foldRow(fold, reader, row, counter);
+      if (fold.call != nullptr) foldPlaced(fold, reader, row, counter);
     }
   }
   for (Fold& fold : folds) {

@@ -12,8 +12,8 @@ namespace {
 
 using Value = QORSmrPtr<IQoriValue>;
 
-[[noreturn]] void raiseInvalidType(const QORString& message) {
-  throw QORQL_Exception(QORQL_Exception::QORQL_INVALID_DATA_TYPE, message);
+[[noreturn]] void raiseInvalidType(const QORString& message, QORQL_Fault::Kind kind = QORQL_Fault::kOther) {
+  throw QORQL_Exception(QORQL_Exception::QORQL_INVALID_DATA_TYPE, message, {kind});
 }
 
 // Compares the fixed operand, as receiver, with the elements in order: ANY stops
@@ -63,7 +63,11 @@ QoriTruth QORQL_Comparison::relateValues(const Value& left, const Value& right) 
 
 bool QORQL_Comparison::likeValues(const Value& left, const Value& right) const {
   const auto isString = [](const Value& value) { return !value.IsNull() && value->getType()->getName() == "string"; };
-  if (!isString(left) || !isString(right)) raiseInvalidType(QORQL_ExecutionMessages::kInvalidLikeType);
+  if (!isString(left) || !isString(right)) {
+    const bool isNull = left.IsNull() || right.IsNull();
+    raiseInvalidType(QORQL_ExecutionMessages::kInvalidLikeType,
+                     isNull ? QORQL_Fault::kValueMissing : QORQL_Fault::kValuesIncomparable);
+  }
   return left->toString().contains(right->toString(), true);
 }
 

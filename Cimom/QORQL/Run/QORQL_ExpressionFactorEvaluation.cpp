@@ -11,6 +11,7 @@
 #include "Cimom/QORQL/QORQL_ExpressionFactor.h"
 #include "Cimom/QORQL/QORQL_Helper.h"
 #include "Cimom/QORQL/QORQL_OuterJoin.h"
+#include "Cimom/QORQL/QORQL_RowFault.h"
 #include "Cimom/QORQL/QORQL_Values.h"
 
 namespace {
@@ -41,6 +42,15 @@ QORSmrPtr<QORQL_DataRow> extendedRow(QORQL_DataTable& table, QORsint32 column, c
   return row;
 }
 
+QoriTruth truthOn(QORSmrPtr<QORQL_DataRow>& row, QORQL_Comparison& comparison, QORQL_SymbolTable& symbolTable,
+                  const QORString& nameSpace) {
+  try {
+    return QORQL_truthOf(comparison.evaluate(symbolTable, row, nameSpace));
+  } catch (const QoriBaseException&) {
+    QORQL_throwWithFault(comparison, symbolTable, row);
+  }
+}
+
 void filterRows(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table, const QORQL_ConditionPlan& plan,
                 const QORString& nameSpace) {
   QORQL_OuterJoin<Object> join(plan.joinType);
@@ -51,7 +61,7 @@ void filterRows(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& tabl
     stopCheck.count();
     QORSmrPtr<QORQL_DataRow>& row = rows.key();
     if (row.IsNull()) continue;
-    const QoriTruth truth = QORQL_truthOf(plan.comparison->evaluate(symbolTable, row, nameSpace));
+    const QoriTruth truth = truthOn(row, *plan.comparison, symbolTable, nameSpace);
     if (join.isOuter()) recordRow(join, *row, plan, truth == QoriTruth::True);
     if (plan.keeps(truth)) kept->append(row);
   }

@@ -1,5 +1,7 @@
 // The value of a factor on one row: nested node, literal, property or whole object.
 // SPDX-License-Identifier: Apache-2.0
+#include <utility>
+
 #include "Cimom/QORQL/QORQL_DataRow.h"
 #include "Cimom/QORQL/QORQL_Exception.h"
 #include "Cimom/QORQL/QORQL_ExecutionMessages.h"
@@ -32,7 +34,9 @@ QORSmrPtr<IQoriValue> QORQL_Factor::selectElements(const QORSmrPtr<IQoriValue>& 
   try {
     return elements->at(static_cast<QORuint32>(_array_index_list));
   } catch (const QORBoundsException& error) {
-    throw QORQL_Exception(QORQL_Exception::QORQL_INVALID_DATA_TYPE, error.getMessage());
+    QORQL_Fault fault{QORQL_Fault::kElementMissing, *_idPropertyName, *_idClassName, getOffset()};
+    fault.length = elements->entries();
+    throw QORQL_Exception(QORQL_Exception::QORQL_INVALID_DATA_TYPE, error.getMessage(), std::move(fault));
   }
 }
 

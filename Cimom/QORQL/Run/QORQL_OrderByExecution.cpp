@@ -14,6 +14,7 @@
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "Cimom/QORQL/QORQL_OrderByClause.h"
 #include "Cimom/QORQL/QORQL_OrderByHelper.h"
+#include "Cimom/QORQL/Run/QORQL_SortFault.h"
 
 namespace {
 
@@ -110,6 +111,7 @@ void QORQL_OrderByClause::execute(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQ
   } catch (const QORQL_StoppedException&) {
     throw;
   } catch (...) {
-    throw QORQL_Exception(QORQL_Exception::QORQL_INTERNAL_ERROR, QORQL_ExecutionMessages::kSortFailed);
+    throw QORQL_Exception(QORQL_Exception::QORQL_INTERNAL_ERROR, QORQL_ExecutionMessages::kSortFailed,
+                          QORQL_sortFault(symbolTable, table, _expression));
   }
 }

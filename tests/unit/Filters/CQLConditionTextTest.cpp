@@ -11,6 +11,11 @@ struct FilterReasons : Filter {
     EXPECT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS) << condition;
     return QueryWorld::textOf(statement.neverMatchesBecause());
   }
+  QORuint32 neverOffset(const std::string& filter) {
+    CQLQueryStatement statement("CQL", QORString(filter), kNameSpace, "");
+    EXPECT_EQ(statement.validate(), QUERY_VALIDATE_SUCCESS) << filter;
+    return statement.neverMatchesOffset();
+  }
   std::string why(const std::string& condition, const QORSmrPtr<IQoriObject>& instance,
                   const char* from = "CIM_AlertIndication", const char* nameSpace = kNameSpace) {
     CQLQueryStatement statement("CQL", QORString(std::string("SELECT * FROM ") + from + " WHERE " + condition),
@@ -36,6 +41,20 @@ TEST_F(FilterReasons, WhyAFilterNeverMatches) {
   EXPECT_EQ(neverBecause("B"), "a condition without a comparison never matches");
   EXPECT_EQ(neverBecause("U8 = 5 / 0"), "a condition on a value that cannot be computed never matches");
   EXPECT_EQ(neverBecause("S64 = -9223372036854775808"), "a condition on a value that cannot be computed never matches");
+}
+
+TEST_F(FilterReasons, WhereAFilterNeverMatches) {
+  const std::string start = "SELECT * FROM CIM_AlertIndication WHERE ";
+  for (const char* const marked :
+       {"U8 = 5 ^OR U8 = 6", "MessageID = 'NOT' AND ^NOT U8 = 6", "MessageID ^LIKE 'LIKE'", "(MessageID ^IS NULL)",
+        "U8 ^*= U16", "U8 = 1 AND ^B", "U8 = ^5 / 0", "^-(1 / 0) = U8", "(U8 ^IS NULL) = TRUE", "U8 = 1 + ^MAX(U8)",
+        "^A[1] ISA CIM_Element", "MessageID ISA ^1 + 1"}) {
+    std::string filter = start + marked;
+    const std::size_t offset = filter.find('^');
+    filter.erase(offset, 1);
+    EXPECT_EQ(neverOffset(filter), offset) << marked;
+  }
+  EXPECT_EQ(neverOffset(start + "U8 = 5"), CQLQueryFault::kNoOffset);
 }
 
 TEST_F(FilterReasons, WhyAnInstanceDoesNotMatch) {

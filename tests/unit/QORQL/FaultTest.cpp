@@ -15,13 +15,11 @@
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_Fault.h"
 #include "Cimom/QORQL/QORQL_Function.h"
-#include "Cimom/QORQL/QORQL_Lexer.h"
 #include "Cimom/QORQL/QORQL_ParseException.h"
-#include "Cimom/QORQL/QORQL_Query.h"
 #include "Cimom/QORQL/QORQL_SelectedEntry.h"
 #include "Cimom/QORQL/QORQL_Term.h"
+#include "FaultWorld.h"
 #include "MarkedStatement.h"
-#include "QueryWorld.h"
 
 namespace {
 
@@ -37,27 +35,10 @@ instance of Disk { Name = "d"; Size = 1; HostName = "a"; };
 
 class Faults : public testing::Test {
  protected:
-  // Parses and runs it.
-  Fault faultOf(const std::string& statement) {
-    const QORString text(statement.data(), statement.size());
-    const QORString nameSpace("root/cimv2");
-    QORQL_Lexer lexer(text, false);
-    QORQL_SymbolTable symbols(nullptr);
-    QORSmrPtr<QORQL_DataTable> table(new QORQL_DataTable());
-    try {
-      const auto query = QORQL_Query::parse(symbols, lexer, false, text, "DMTF:CQL", nameSpace);
-      query->execute(symbols, table, nullptr, nameSpace);
-      ADD_FAILURE() << "nothing was thrown: " << statement;
-    } catch (const QoriBaseException& error) {
-      const Fault* const fault = QORQL_faultOf(error);
-      if (fault != nullptr) return *fault;
-      ADD_FAILURE() << "without a fault: " << error.what();
-    }
-    return {};
-  }
+  Fault faultOf(const std::string& statement) const { return _world.faultOf(statement); }
 
  private:
-  QueryWorld _world{kModel};
+  FaultWorld _world{kModel};
 };
 
 struct Row {
@@ -101,10 +82,10 @@ constexpr Row kRows[] = {
     {"the second of two words", "SELECT Name ^Name FROM Disk", Fault::kSyntax, ""},
     {"the end", "SELECT Name FROM Disk WHERE Name =^", Fault::kSyntax, ""},
     {"a class that is none", "SELECT Name FROM Disk, ^'Host'", Fault::kSyntax, "Host"},
-    {"a call", "SELECT ^SUMS(Size) AS s FROM Disk", Fault::kSyntax, ""},
+    {"a call", "SELECT ^SUMS(Size) AS s FROM Disk", Fault::kFunctionUnknown, "SUMS"},
     {"the arguments of a call", "SELECT Size, ^SUM(Size, Size) AS s FROM Disk", Fault::kSyntax, "SUM"},
     {"the argument of OBJECTPATH", "SELECT OBJECTPATH(^Disk.Name) AS p FROM Disk", Fault::kSyntax, ""},
-    {"an aggregate beside none", "SELECT COUNT(Name) AS n, ^Size FROM Disk", Fault::kSyntax, ""},
+    {"an aggregate beside none", "SELECT COUNT(Name) AS n, ^Size FROM Disk", Fault::kColumnBesideAggregate, ""},
     {"FIRST beside aggregates", "SELECT ^FIRST 3 COUNT(Name) AS n FROM Disk", Fault::kSyntax, ""},
     {"an array in the select list", "SELECT Ports^[1] FROM Host", Fault::kSyntax, ""},
     {"an array beside a single value", "SELECT Name FROM Host WHERE Memory = ^Ports[*] AND Memory = 1", Fault::kSyntax,
@@ -113,7 +94,13 @@ constexpr Row kRows[] = {
     {"ANY twice", "SELECT Name FROM Host WHERE ANY Ports = ^ANY Ports", Fault::kSyntax, ""},
     {"IS", "SELECT Name FROM Host WHERE Name IS ^5", Fault::kSyntax, ""},
     {"ISA", "SELECT Name FROM Host WHERE Name ISA ^5", Fault::kSyntax, ""},
-    {"a column without its alias", "SELECT Size + 1 ^FROM Disk", Fault::kSyntax, ""},
+    {"a column without its alias", "SELECT ^Size + 1 FROM Disk", Fault::kColumnUnnamed, ""},
+    {"the second column without one", "SELECT Size + 1 AS s, ^Size * 2, Name FROM Disk", Fault::kColumnUnnamed, ""},
+    {"the name behind AS", "SELECT Size AS ^Order FROM Disk", Fault::kNameExpected, ""},
+    {"the name behind AS in FROM", "SELECT Size FROM Disk AS ^Order", Fault::kNameExpected, ""},
+    {"AND in parentheses", "SELECT Size FROM Disk WHERE (Size = 1 ^AND Size = 2)", Fault::kParenthesisOpen, ""},
+    {"a direction", "SELECT Size FROM Disk ORDER BY Size^", Fault::kDirectionMissing, ""},
+    {"a form", "SELECT Size FROM Disk FORMAT AS ^JSON", Fault::kFormatUnknown, ""},
     {"half an association", "SELECT h.Name FROM Host AS h, Disk AS d WHERE On = h ^OR On = d", Fault::kHalfAssociation,
      ""},
     {"an association's other half", "SELECT h.Name FROM Host AS h, Disk AS d WHERE On = h AND ^Size = 1",
@@ -126,6 +113,8 @@ constexpr Row kRows[] = {
     {"of the class that lacks it",
      "SELECT h.Name FROM Host AS h, Disk AS d WHERE h.Name = d.HostName AND d.Size = 1 AND h.^Size = 1",
      Fault::kPropertyMissing, "Size"},
+    {"a number", "SELECT COUNT(Size) AS Name, SUM(^Name) AS s FROM Disk", Fault::kNumberExpected, ""},
+    {"a number with its class", "SELECT MAX(^Disk.Name) AS s FROM Disk", Fault::kNumberExpected, ""},
     {"a class", "SELECT d.Name FROM Disk AS d, ^Fan AS f WHERE d.Name = 'Fan'", Fault::kClassUnknown, "FAN"},
     {"a name before a dot", "SELECT d.Name AS Held FROM Disk AS d WHERE d.Name = 'd' AND ^Held.Name = 'x'",
      Fault::kFromNameUnknown, "Held"},

@@ -1,6 +1,6 @@
-// Why a filter is refused, in words.
+// Why a statement, a query or a filter, is refused, in words.
 // SPDX-License-Identifier: Apache-2.0
-#include "FilterFault.h"
+#include "StatementFault.h"
 
 #include <algorithm>
 
@@ -21,27 +21,26 @@ bool isRelation(const StatementText& text, std::size_t piece) {
 
 }  // namespace
 
-std::string FilterFault::describe(const CQLQueryFault& fault) const {
-  const std::string name = plain(fault.name);
+StatementFault::Description StatementFault::describe(const CQLQueryFault& fault) const {
   if (fault.kind == CQLQueryFault::kLanguage) {
-    return "'" + name + "' is no language of filters: use DMTF:CQL, CQL or WQL";
+    return {"'" + plain(fault.name) + "' is no language of filters: use DMTF:CQL, CQL or WQL"};
   }
-  if (fault.kind == CQLQueryFault::kSyntax) return describeSyntax(fault);
+  if (fault.kind == CQLQueryFault::kSyntax) return {describeSyntax(fault)};
   // A class that does not exist has no properties either: it is the cause.
-  if (const StatementText::Source* const source = unknownSource()) return describeClass(*source);
+  if (const StatementText::Source* const source = unknownSource()) return {describeClass(*source)};
   switch (fault.kind) {
     case CQLQueryFault::kProperty:
       return describeProperty(fault);
     case CQLQueryFault::kAmbiguous:
-      return describeAmbiguous(fault);
+      return {describeAmbiguous(fault)};
     case CQLQueryFault::kQualifier:
-      return describeQualifier(fault);
+      return {describeQualifier(fault)};
     default:
-      return plain(fault.message);
+      return {plain(fault.message)};
   }
 }
 
-std::string FilterFault::describeSyntax(const CQLQueryFault& fault) const {
+std::string StatementFault::describeSyntax(const CQLQueryFault& fault) const {
   std::string reason = plain(fault.message);
   if (fault.offset == CQLQueryFault::kNoOffset) return reason;
   const std::string_view rest = _text.text().substr(std::min<std::size_t>(fault.offset, _text.text().size()));
@@ -50,14 +49,14 @@ std::string FilterFault::describeSyntax(const CQLQueryFault& fault) const {
   return reason + " (" + _text.place(fault.offset) + (rest.empty() ? ", at the end)" : ")");
 }
 
-const StatementText::Source* FilterFault::unknownSource() const {
+const StatementText::Source* StatementFault::unknownSource() const {
   for (const StatementText::Source& source : _text.sources()) {
     if (_manager.sink().findClass(_nameSpace, QORString(source.className)).IsNull()) return &source;
   }
   return nullptr;
 }
 
-std::string FilterFault::describeClass(const StatementText::Source& source) const {
+std::string StatementFault::describeClass(const StatementText::Source& source) const {
   const std::string place = " (" + _text.place(source.offset) + ")";
   std::string reason = source.className + " is no class of " + plain(_nameSpace);
   for (const QORString& other : _manager.namespaces()) {
@@ -70,7 +69,7 @@ std::string FilterFault::describeClass(const StatementText::Source& source) cons
   return reason + didYouMean(suggestion.best()) + place;
 }
 
-std::vector<QORString> FilterFault::classesOf(const CQLQueryFault& fault) const {
+std::vector<QORString> StatementFault::classesOf(const CQLQueryFault& fault) const {
   if (!fault.className.isEmpty()) return {fault.className};
   std::vector<QORString> classes;
   for (const StatementText::Source& source : _text.sources()) {
@@ -81,7 +80,7 @@ std::vector<QORString> FilterFault::classesOf(const CQLQueryFault& fault) const 
   return classes;
 }
 
-std::string FilterFault::namesOf(const std::vector<QORString>& classes) const {
+std::string StatementFault::namesOf(const std::vector<QORString>& classes) const {
   std::string names;
   for (const QORString& name : classes) {
     const QORSmrPtr<IQoriClass> known = _manager.sink().findClass(_nameSpace, name);
@@ -90,7 +89,7 @@ std::string FilterFault::namesOf(const std::vector<QORString>& classes) const {
   return names;
 }
 
-std::string FilterFault::suggestProperty(const std::string& name, const std::vector<QORString>& classes) const {
+std::string StatementFault::suggestProperty(const std::string& name, const std::vector<QORString>& classes) const {
   Suggestion suggestion(name);
   for (const QORString& className : classes) {
     for (const CimPropertyDeclaration& property : _manager.allProperties(_nameSpace, className)) {
@@ -101,7 +100,7 @@ std::string FilterFault::suggestProperty(const std::string& name, const std::vec
 }
 
 // A name that is compared with another name may be a text without its quotes.
-bool FilterFault::looksLikeText(const CQLQueryFault& fault) const {
+bool StatementFault::looksLikeText(const CQLQueryFault& fault) const {
   const std::size_t piece = _text.pieceAt(fault.offset);
   if (piece == StatementText::kNowhere || piece < _text.behindFrom()) return false;
   const auto isName = [this](std::size_t other) {
@@ -111,21 +110,22 @@ bool FilterFault::looksLikeText(const CQLQueryFault& fault) const {
   return isRight || (isRelation(_text, piece + 1) && isName(piece + 2));
 }
 
-std::string FilterFault::describeProperty(const CQLQueryFault& fault) const {
+StatementFault::Description StatementFault::describeProperty(const CQLQueryFault& fault) const {
   const std::string name = spelling(fault);
   const std::vector<QORString> classes = classesOf(fault);
   const auto namesake = _manager.sink().findClass(_nameSpace, QORString(name));
   if (!namesake.IsNull()) {
     const bool isAssociation = namesake->getQualifier("Association", true) != nullptr;
-    return name + " is a class and no property of " + namesOf(classes) +
-           (isAssociation ? ": an association is written " + name + " = a AND " + name + " = b" : "") + placeOf(fault);
+    return {name + " is a class and no property of " + namesOf(classes) +
+            (isAssociation ? ": an association is written " + name + " = a AND " + name + " = b" : "") +
+            placeOf(fault)};
   }
   std::string meant = suggestProperty(name, classes);
   if (meant.empty() && looksLikeText(fault)) meant = "'" + name + "'";
-  return name + " is no property of " + namesOf(classes) + didYouMean(meant) + placeOf(fault);
+  return {name + " is no property of " + namesOf(classes) + didYouMean(meant) + placeOf(fault), !meant.empty()};
 }
 
-std::vector<std::string> FilterFault::choicesFor(const std::string& name) const {
+std::vector<std::string> StatementFault::choicesFor(const std::string& name) const {
   std::vector<std::string> choices;
   for (const StatementText::Source& source : _text.sources()) {
     for (const CimPropertyDeclaration& property : _manager.allProperties(_nameSpace, QORString(source.className))) {
@@ -137,13 +137,13 @@ std::vector<std::string> FilterFault::choicesFor(const std::string& name) const 
   return choices;
 }
 
-std::string FilterFault::describeAmbiguous(const CQLQueryFault& fault) const {
+std::string StatementFault::describeAmbiguous(const CQLQueryFault& fault) const {
   std::string choices;
   for (const std::string& choice : choicesFor(plain(fault.name))) choices += (choices.empty() ? "" : " or ") + choice;
   return spelling(fault) + " is a property of more than one class: write " + choices + placeOf(fault);
 }
 
-std::string FilterFault::describeQualifier(const CQLQueryFault& fault) const {
+std::string StatementFault::describeQualifier(const CQLQueryFault& fault) const {
   const std::vector<std::string> choices = choicesFor(plain(fault.name));
   if (choices.size() > 1) return describeAmbiguous(fault);
   const std::string written = spelling(fault);
@@ -161,11 +161,11 @@ std::string FilterFault::describeQualifier(const CQLQueryFault& fault) const {
          placeOf(fault);
 }
 
-std::string FilterFault::spelling(const CQLQueryFault& fault) const {
+std::string StatementFault::spelling(const CQLQueryFault& fault) const {
   const std::string_view written = nameAt(_text.text(), fault.offset);
   return QORString::equalIgnoringCase(written, fault.name.view()) ? std::string(written) : plain(fault.name);
 }
 
-std::string FilterFault::placeOf(const CQLQueryFault& fault) const {
+std::string StatementFault::placeOf(const CQLQueryFault& fault) const {
   return fault.offset == CQLQueryFault::kNoOffset ? "" : " (" + _text.place(fault.offset) + ")";
 }

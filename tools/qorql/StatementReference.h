@@ -1,9 +1,10 @@
-// A reference of a filter with its names as they are written, and what ISA says of them.
+// A reference of a statement with its names as they are written, and what ISA says of them.
 // SPDX-License-Identifier: Apache-2.0
-#ifndef QORQL_TOOL_FILTERREFERENCE_H
-#define QORQL_TOOL_FILTERREFERENCE_H
+#ifndef QORQL_TOOL_STATEMENTREFERENCE_H
+#define QORQL_TOOL_STATEMENTREFERENCE_H
 
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -15,14 +16,14 @@
 #include "FromNames.h"
 
 // Name [index] { . Name [index] } [ :: Name [index] ]
-struct FilterReference {
+struct StatementReference {
   struct Name {
     std::string text;
     std::size_t offset;
   };
 
   // REQUIRES a factor that names something, and the text that it was parsed from.
-  FilterReference(std::string_view text, const QORQL_Factor& factor);
+  StatementReference(std::string_view text, const QORQL_Factor& factor);
 
   std::string property() const { return names.back().text; }
   // All names before the property, without the scope, joined by dots.
@@ -34,6 +35,10 @@ struct FilterReference {
   bool hasIndex = false;
   bool isElement = false;  // one element of an array
 };
+
+// Calls back for each reference of the select list, the conditions and the sort key, with the text that was parsed.
+void forEachReference(const QORQL_Query& query, std::string_view text,
+                      const std::function<void(const StatementReference&)>& callback);
 
 // Whether a factor is a reference and no literal, nothing in parentheses and no call.
 bool isReference(const QORQL_Factor& factor);
@@ -54,8 +59,8 @@ class IsaConditions {
 };
 
 // The property of the instance itself that stands left of ISA, by its name or as a text; and the class on its right.
-std::optional<FilterReference::Name> isaProperty(std::string_view text, const QORQL_Comparison& isa,
-                                                 const FromNames& from);
-std::optional<FilterReference::Name> isaClass(const QORQL_Comparison& isa);
+std::optional<StatementReference::Name> isaProperty(std::string_view text, const QORQL_Comparison& isa,
+                                                    const FromNames& from);
+std::optional<StatementReference::Name> isaClass(const QORQL_Comparison& isa);
 
 #endif

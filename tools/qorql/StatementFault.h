@@ -1,7 +1,7 @@
-// Why a filter is refused, in words.
+// Why a statement, a query or a filter, is refused, in words.
 // SPDX-License-Identifier: Apache-2.0
-#ifndef QORQL_TOOL_FILTERFAULT_H
-#define QORQL_TOOL_FILTERFAULT_H
+#ifndef QORQL_TOOL_STATEMENTFAULT_H
+#define QORQL_TOOL_STATEMENTFAULT_H
 
 #include <string>
 #include <vector>
@@ -13,17 +13,21 @@
 // Names what is at fault, what may have been meant and where it stands:
 // "Owner is no property of CIM_AlertIndication: did you mean OwningEntity? (line 1, column 43)".
 // BORROWS all it is given.
-class FilterFault {
+class StatementFault {
  public:
-  FilterFault(EmbeddedObjectManager& manager, const QORString& nameSpace, const StatementText& text)
+  StatementFault(EmbeddedObjectManager& manager, const QORString& nameSpace, const StatementText& text)
       : _manager(manager), _nameSpace(nameSpace), _text(text) {}
 
-  std::string describe(const CQLQueryFault& fault) const;
+  struct Description {
+    std::string text;
+    bool hasSuggestion = true;  // it says more than that a name is no property
+  };
+  Description describe(const CQLQueryFault& fault) const;
 
  private:
   std::string describeSyntax(const CQLQueryFault& fault) const;
   std::string describeClass(const StatementText::Source& source) const;
-  std::string describeProperty(const CQLQueryFault& fault) const;
+  Description describeProperty(const CQLQueryFault& fault) const;
   // The ways to write a property of a FROM class with its qualifier.
   std::vector<std::string> choicesFor(const std::string& name) const;
   std::string describeAmbiguous(const CQLQueryFault& fault) const;
