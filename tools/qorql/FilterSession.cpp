@@ -46,13 +46,17 @@ CheckedFilter FilterSession::check(const std::string& text, QORuint32 firstLine,
     if (fault.kind != CQLQueryFault::kLanguage) {
       for (const std::string& warning : checked.warnings) checked.reason += "; " + warning;
     }
-    const std::string hint = wqlHint(filter, {checked.reason});
+    const std::string hint = wqlHint(filter, {fault.offset});
     if (!hint.empty()) checked.reason += "; " + hint;
     checked.reason = printableText(checked.reason);
   } else {
-    const std::vector<std::string> more = FilterWarnings(manager(), nameSpace(), filter).of(*checked.statement);
-    checked.warnings.insert(checked.warnings.end(), more.begin(), more.end());
-    const std::string hint = wqlHint(filter, more);
+    std::vector<std::size_t> places;
+    for (const Warning& warning : FilterWarnings(manager(), nameSpace(), filter).of(*checked.statement)) {
+      const std::string place = warning.offset ? " (" + filter.place(*warning.offset) + ")" : "";
+      checked.warnings.push_back(warning.text + place);
+      if (warning.offset) places.push_back(*warning.offset);
+    }
+    const std::string hint = wqlHint(filter, places);
     if (!hint.empty()) checked.warnings.push_back(hint);
   }
   for (const StatementText::Piece& piece : filter.pieces()) {

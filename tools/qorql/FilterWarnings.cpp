@@ -55,9 +55,9 @@ bool isEquality(QORQL_Operator op) { return op == QORQL_OperatorEQUAL || op == Q
 // Collects the warnings of conditions, with the places that they are told at.
 class FilterWarnings::Visitor : public QORQL_ExpressionVisitor {
  public:
-  struct Warning {
-    std::size_t found;  // the byte of the text where the look at it led to the warning
-    std::string text;
+  struct Found {
+    std::size_t place;  // the byte of the text where the look at it led to the warning
+    Warning warning;
   };
 
   // At most so many warnings are made.
@@ -87,9 +87,9 @@ class FilterWarnings::Visitor : public QORQL_ExpressionVisitor {
   }
 
   bool isCut() const noexcept { return _isCut; }
-  std::vector<Warning> take() {
+  std::vector<Found> take() {
     std::stable_sort(_warnings.begin(), _warnings.end(),
-                     [](const Warning& a, const Warning& b) { return a.found < b.found; });
+                     [](const Found& a, const Found& b) { return a.place < b.place; });
     return std::move(_warnings);
   }
 
@@ -99,9 +99,7 @@ class FilterWarnings::Visitor : public QORQL_ExpressionVisitor {
     _isCut = _isCut || _warnings.size() >= _room;
     return _isCut;
   }
-  void warn(const std::string& warning, std::size_t offset) {
-    _warnings.push_back({_found, warning + " (" + _text.place(offset) + ")"});
-  }
+  void warn(const std::string& warning, std::size_t offset) { _warnings.push_back({_found, {warning, offset}}); }
   bool isPropertyOfFrom(const std::string& property) const;
   void checkIsa(const QORQL_Comparison& isa);
   void checkClass(const StatementReference::Name& name);
@@ -123,16 +121,16 @@ class FilterWarnings::Visitor : public QORQL_ExpressionVisitor {
   const std::size_t _room;
   std::size_t _found = 0;
   bool _isCut = false;
-  std::vector<Warning> _warnings;
+  std::vector<Found> _warnings;
 };
 
-std::vector<std::string> FilterWarnings::of(const CQLQueryStatement& statement) const {
-  std::vector<std::string> warnings;
+std::vector<Warning> FilterWarnings::of(const CQLQueryStatement& statement) const {
+  std::vector<Warning> warnings;
   const std::string never(statement.neverMatchesBecause().view());
-  if (!never.empty()) warnings.push_back(never + " (" + _text.place(statement.neverMatchesOffset()) + ")");
+  if (!never.empty()) warnings.push_back({never, statement.neverMatchesOffset()});
   const QORQL_Query& query = statement.getParsedQuery();
   for (const QORQL_Surprise& surprise : QORQL_findFilterSurprises(query, _nameSpace)) {
-    warnings.push_back(cutText(surprise.text, kLongest, "...") + " (" + _text.place(surprise.offset) + ")");
+    warnings.push_back({cutText(surprise.text, kLongest, "..."), surprise.offset});
   }
   Visitor* const conditions = new Visitor(*this, query, kMaximumWarnings - warnings.size());
   QORSmrPtr<QORQL_ExpressionVisitor> visitor(conditions);
@@ -140,8 +138,8 @@ std::vector<std::string> FilterWarnings::of(const CQLQueryStatement& statement) 
   const auto* const orderBy = dynamic_cast<const QORQL_OrderByClause*>(query.getOrderByClause().Get());
   if (where != nullptr) where->getExpression()->accept(visitor);
   if (orderBy != nullptr) orderBy->getExpression()->accept(visitor);
-  for (Visitor::Warning& warning : conditions->take()) warnings.push_back(std::move(warning.text));
-  if (conditions->isCut()) warnings.emplace_back("the rest of the filter is not looked at");
+  for (Visitor::Found& found : conditions->take()) warnings.push_back(std::move(found.warning));
+  if (conditions->isCut()) warnings.push_back({"the rest of the filter is not looked at", {}});
   return warnings;
 }
 

@@ -3,13 +3,13 @@
 #ifndef QORQL_TOOL_FILTERWARNINGS_H
 #define QORQL_TOOL_FILTERWARNINGS_H
 
-#include <string>
 #include <vector>
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "Cimom/QORQL/CQLQueryStatement.h"
 #include "FilterSide.h"
 #include "StatementText.h"
+#include "Warning.h"
 
 // A filter may be valid and yet never match: names after a dot, classes after
 // ISA and the types of what it compares are not checked by its validation.
@@ -21,7 +21,7 @@ class FilterWarnings {
       : _manager(manager), _nameSpace(nameSpace), _text(text) {}
 
   // In the order of the text. REQUIRES a validated statement.
-  std::vector<std::string> of(const CQLQueryStatement& statement) const;
+  std::vector<Warning> of(const CQLQueryStatement& statement) const;
 
  private:
   class Visitor;

@@ -27,21 +27,20 @@ bool isIn(const StatementText& text, const char* word) {
   });
 }
 
-bool isAbout(const std::vector<std::string>& complaints, const char* word) {
-  return std::any_of(complaints.begin(), complaints.end(), [word](const std::string& complaint) {
-    return isIn(StatementText(complaint), word) || complaint.find("'" + std::string(word) + "'") != std::string::npos;
-  });
+bool isAt(const StatementText& text, const std::vector<std::size_t>& places, const char* word) {
+  return std::any_of(places.begin(), places.end(),
+                     [&](std::size_t place) { return text.is(text.pieceAt(place), word); });
 }
 
 }  // namespace
 
-std::string wqlHint(const StatementText& text, const std::vector<std::string>& complaints) {
+std::string wqlHint(const StatementText& text, const std::vector<std::size_t>& places) {
   std::string hint;
   bool isWql = false;
   bool hasInterval = false;
   for (const WqlWord& word : kWords) {
     if (!isIn(text, word.word)) continue;
-    isWql = isWql || word.isEvent || isAbout(complaints, word.word);
+    isWql = isWql || word.isEvent || isAt(text, places, word.word);
     if (word.inCim == nullptr) {
       hasInterval = true;
     } else {
