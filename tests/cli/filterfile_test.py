@@ -89,7 +89,8 @@ class Json(FileCase):
         self.assertEqual((result.status, result.err), (1, ""))
         first, second, third = json.loads(result.out)
         self.assertEqual(first, {"line": 1, "name": "a", "valid": True, "classes": ["CIM_AlertIndication"],
-                                 "properties": ["*"], "warnings": ["a condition under NOT never matches"]})
+                                 "properties": ["*"],
+                                 "warnings": ["a condition under NOT never matches (line 1, column 44)"]})
         self.assertEqual((second["line"], second["valid"], sorted(second)), (2, False, ["line", "reason", "valid"]))
         self.assertEqual((third["properties"], third["warnings"]), (["MessageID", "EventID"], []))
 

@@ -4,6 +4,7 @@
 
 #include <exception>
 
+#include "Cimom/QORQL/CQLQueryValidator.h"
 #include "Cimom/QORQL/Lazy/QORQL_RowReader.h"
 #include "Cimom/QORQL/QORQL_Exception.h"
 #include "Cimom/QORQL/QORQL_ExpressionPlaces.h"
@@ -42,13 +43,16 @@ Fault unboundName(QORQL_Evaluatable& key) {
   return fault;
 }
 
-// Whether objects of more than one column have the property: then it was left unbound for that.
+// Whether more than one class of the row has the property: then it was left unbound for that. The objects themselves
+// hold only what was asked of them.
 bool isOfSeveral(QORQL_RowReader& reader, QORQL_DataTable& table, const QORString& property) {
   QORuint32 count = 0;
   QORValSlistIterator<QORSmrPtr<QORQL_TableHeader>> headers(*table.getColumnHeaderList());
   while (++headers) {
-    const QORSmrPtr<IQoriObject> object(reader.object(headers.key()->getName()));
-    if (!object.IsNull() && !object->getProperty(property, true).IsNull()) ++count;
+    const QORString& className = headers.key()->getName();
+    const QORSmrPtr<IQoriObject> object(reader.object(className));
+    if (object.IsNull()) continue;
+    if (CQLQueryValidator::findProperty(IQoriObject::getLocalNameSpace(object), className, property, true)) ++count;
   }
   return count > 1;
 }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
+#include "Cimom/QORQL/Face/QORQL_Statement.h"
 #include "Cimom/QORQL/QORQL_RowFault.h"
 #include "FaultWorld.h"
 #include "MarkedStatement.h"
@@ -75,10 +76,17 @@ TEST(RowFault, LeavesTheErrorAsItWas) {
   EXPECT_EQ(world.error("SELECT Name FROM Host WHERE Name = 5"), "CIM_Value: Cannot compare string with uint8");
 }
 
-// The cause is the sum and not the comparison.
+// The cause is the quotient and not the comparison.
 TEST(RowFault, OfOtherErrorsIsNone) {
-  QueryWorld world(kModel);
-  EXPECT_EQ(world.error("SELECT Name FROM Host WHERE Memory / 0 = 'x'"), "");
+  const QueryWorld world(kModel);
+  QORQL_Statement statement("SELECT Name FROM Host WHERE Memory / 0 = 'x'");
+  try {
+    statement.run();
+    ADD_FAILURE() << "nothing was thrown";
+  } catch (const QoriBaseException& error) {
+    EXPECT_STREQ(error.what(), "Division by zero");
+    EXPECT_EQ(QORQL_faultOf(error), nullptr);
+  }
 }
 
 }  // namespace
