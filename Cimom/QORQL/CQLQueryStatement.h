@@ -71,7 +71,8 @@ class CQLQueryStatement : public IQueryStatement {
   // Why a valid statement matches no instance at all: OR, NOT and the like never
   // do. Empty when it may match one. THROWS as isMatch.
   QORString neverMatchesBecause() const;
-  // Where in the text that is, as a byte of it; CQLQueryFault::kNoOffset when the statement may match. THROWS as isMatch.
+  // Where in the text that is, as a byte of it; CQLQueryFault::kNoOffset when the statement may match. THROWS as
+  // isMatch.
   QORuint32 neverMatchesOffset() const;
   // The statement's clauses; BORROWS. THROWS as isMatch.
   const QORQL_Query& getParsedQuery() const;
