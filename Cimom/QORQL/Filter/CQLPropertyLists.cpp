@@ -34,7 +34,7 @@ QORString CQLQueryStatement::requestedClass(const char* where, const QORSmrPtr<I
   requireValidated(where);
   if (className.IsNull()) CQLQueryException::raise(where, CQL_QUERY_INVALID_OR_NULL_PARM_ERROR);
   const QORString& name = className->getClassName();
-  const QORString fromClass(_scope->fromClassOf(name));
+  QORString fromClass(_scope->fromClassOf(name));
   if (!fromClass.isEmpty() || name.isEmpty()) return fromClass;
   return _scope->isOfFrom(name) ? name : QORString();
 }
