@@ -13,27 +13,13 @@ using Port = LinuxSocketView;
 
 LinuxValue readPortNumber(Port& port) { return uint32Value(port.socket.local.port); }
 
-// The keys that tie a port to its system.
 LinuxValue readClassName(Port&) { return textValue(LinuxListeningPort::kClassName); }
-LinuxValue readSystemClassName(Port&) { return textValue(kLinuxComputerSystem); }
-LinuxValue readSystemName(Port&) { return textValue(hostName()); }
 
-constexpr LinuxProperty<Port> kProperties[] = {
-    {"Name", readSocket<&LinuxSocketView::name>},
-    {"Caption", readSocket<&LinuxSocketView::name>},
-    {"ElementName", readSocket<&LinuxSocketView::name>},
-    {"ProtocolIFType", readSocket<&LinuxSocketView::protocolType>},
-    {"Protocol", readSocket<&LinuxSocketView::protocol>},
-    {"LocalAddress", readSocket<&LinuxSocketView::localAddress>},
+constexpr LinuxProperty<Port> kOwnProperties[] = {
     {"PortNumber", readPortNumber},
-    {"IsIPv6", readSocket<&LinuxSocketView::isVersion6>},
-    {"UserNumber", readSocket<&LinuxSocketView::userNumber>},
-    {"ProcessID", readSocket<&LinuxSocketView::process>},
-    {"ProcessName", readSocket<&LinuxSocketView::processName>},
     {"CreationClassName", readClassName},
-    {"SystemCreationClassName", readSystemClassName},
-    {"SystemName", readSystemName},
 };
+constexpr auto kProperties = withSocketProperties(kOwnProperties);
 
 }  // namespace
 

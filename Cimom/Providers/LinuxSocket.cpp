@@ -54,31 +54,13 @@ LinuxValue readIsRemote(Socket& socket) {
   return own == nullptr ? LinuxValue() : booleanValue(!own->contains(std::string(address)));
 }
 
-// The keys that tie a socket to its system.
 LinuxValue readClassName(Socket&) { return textValue(LinuxSocket::kClassName); }
-LinuxValue readSystemClassName(Socket&) { return textValue(kLinuxComputerSystem); }
-LinuxValue readSystemName(Socket&) { return textValue(hostName()); }
 
-constexpr LinuxProperty<Socket> kProperties[] = {
-    {"Name", readSocket<&LinuxSocketView::name>},
-    {"Caption", readSocket<&LinuxSocketView::name>},
-    {"ElementName", readSocket<&LinuxSocketView::name>},
-    {"ProtocolIFType", readSocket<&LinuxSocketView::protocolType>},
-    {"Protocol", readSocket<&LinuxSocketView::protocol>},
-    {"State", readState},
-    {"LocalAddress", readSocket<&LinuxSocketView::localAddress>},
-    {"LocalPort", readLocalPort},
-    {"RemoteAddress", readRemoteAddress},
-    {"RemotePort", readRemotePort},
-    {"IsRemote", readIsRemote},
-    {"IsIPv6", readSocket<&LinuxSocketView::isVersion6>},
-    {"UserNumber", readSocket<&LinuxSocketView::userNumber>},
-    {"ProcessID", readSocket<&LinuxSocketView::process>},
-    {"ProcessName", readSocket<&LinuxSocketView::processName>},
-    {"CreationClassName", readClassName},
-    {"SystemCreationClassName", readSystemClassName},
-    {"SystemName", readSystemName},
+constexpr LinuxProperty<Socket> kOwnProperties[] = {
+    {"State", readState},           {"LocalPort", readLocalPort}, {"RemoteAddress", readRemoteAddress},
+    {"RemotePort", readRemotePort}, {"IsRemote", readIsRemote},   {"CreationClassName", readClassName},
 };
+constexpr auto kProperties = withSocketProperties(kOwnProperties);
 
 }  // namespace
 

@@ -4,9 +4,14 @@
 #ifndef QORQL_PROVIDERS_LINUXSOCKETVIEW_H
 #define QORQL_PROVIDERS_LINUXSOCKETVIEW_H
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <iterator>
 #include <unordered_map>
 #include <vector>
 
+#include "Cimom/Providers/LinuxProperty.h"
 #include "Cimom/Providers/LinuxSockets.h"
 #include "Cimom/Providers/LinuxValues.h"
 
@@ -45,6 +50,29 @@ template <LinuxValue (LinuxSocketView::*Tell)() const, class Socket>
 LinuxValue readSocket(Socket& socket) {
   const LinuxSocketView& view = socket;
   return (view.*Tell)();
+}
+
+// What a class of sockets tells by properties of its own, and behind it what all such classes tell.
+template <class Socket, std::size_t N>
+constexpr auto withSocketProperties(const LinuxProperty<Socket> (&own)[N]) {
+  using View = LinuxSocketView;
+  constexpr LinuxProperty<Socket> kShared[] = {
+      {"Name", readSocket<&View::name>},
+      {"Caption", readSocket<&View::name>},
+      {"ElementName", readSocket<&View::name>},
+      {"ProtocolIFType", readSocket<&View::protocolType>},
+      {"Protocol", readSocket<&View::protocol>},
+      {"LocalAddress", readSocket<&View::localAddress>},
+      {"IsIPv6", readSocket<&View::isVersion6>},
+      {"UserNumber", readSocket<&View::userNumber>},
+      {"ProcessID", readSocket<&View::process>},
+      {"ProcessName", readSocket<&View::processName>},
+      {"SystemCreationClassName", [](Socket&) { return textValue(kLinuxComputerSystem); }},
+      {"SystemName", [](Socket&) { return textValue(hostName()); }},
+  };
+  std::array<LinuxProperty<Socket>, N + std::size(kShared)> all{};
+  std::copy(std::begin(kShared), std::end(kShared), std::copy(std::begin(own), std::end(own), all.begin()));
+  return all;
 }
 
 #endif
