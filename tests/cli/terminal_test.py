@@ -99,10 +99,27 @@ class Terminal(ToolCase):
         self.assertEqual(shown, ("─ 1 ────────────────\n"
                                  "K           1\n"
                                  "AVeryLong…  日本語…\n"
-                                 "B           NULL\n"
                                  "1 row\n"))
         shown = self.table("-m", path, "SELECT * FROM W", width=20, env={"LANG": "C"})
         self.assertEqual(shown.splitlines()[0:2], ["- 1 ----------------", "K           1"])
+
+    def test_cards_leave_out_what_is_null(self):
+        shown = self.table("SELECT Id, Name, Size, Balance, Made FROM Shop_Item WHERE Id > 3 ORDER BY Id ASC", width=30)
+        self.assertEqual(shown.splitlines()[1:4], ["Id       4", shown.splitlines()[2], "Id       5"])
+        self.assertIn("\nSize     7\n", shown)
+        self.assertNotIn("Made", shown)
+
+    def test_references_are_cut_at_their_beginning(self):
+        path = self.write("links.mof", "Qualifier Association : boolean = false, Scope(association);\n"
+                          "class L_End { [Key] string Id; };\n"
+                          "[Association] class L_Tie { [Key] L_End REF Outer; [Key] L_End REF Inner; };\n"
+                          'instance of L_Tie { Outer = "L_End.Id=\\"one\\""; Inner = "L_End.Id=\\"日本語\\""; };\n')
+        shown = self.table("-m", path, "SELECT Outer, Inner FROM L_Tie", width=40)
+        self.assertIn('│ …:L_End.Id="one" │ …_End.Id="日本語" │', shown)
+        for line in shown.splitlines():
+            self.assertLessEqual(columns_of(line), 40, line)
+        card = self.table("-m", path, "SELECT Outer, Inner, Outer AS a, Inner AS b FROM L_Tie", width=24).splitlines()
+        self.assertEqual(card[1:3], ['Outer  …2:L_End.Id="one"', 'Inner  …_End.Id="日本語"'])
 
     def test_cards_of_no_rows(self):
         self.assertEqual(self.table("SELECT Id, Name, Size, Balance FROM Shop_Item WHERE Id = 77", width=20), "0 rows\n")

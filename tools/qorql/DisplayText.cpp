@@ -110,3 +110,16 @@ std::string cutText(std::string_view text, std::size_t width, std::string_view m
   }
   return std::string(text.substr(0, text.size() - rest.size())).append(mark);
 }
+
+std::string cutTextAtStart(std::string_view text, std::size_t width, std::string_view mark) {
+  std::size_t rest = displayWidth(text);
+  if (rest <= width) return std::string(text);
+  const std::size_t room = width - std::min(width, displayWidth(mark));
+  while (rest > room) {
+    std::string_view next = text;
+    takeCharacter(next);
+    rest -= displayWidth(text.substr(0, text.size() - next.size()));
+    text = next;
+  }
+  return std::string(mark).append(text);
+}

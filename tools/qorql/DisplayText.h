@@ -16,5 +16,7 @@ std::size_t displayWidth(std::string_view text);
 // The text, or as much of its beginning as fits, followed by the mark.
 // REQUIRES a printable text and a width that holds the mark.
 std::string cutText(std::string_view text, std::size_t width, std::string_view mark);
+// The same with the end of the text, after the mark.
+std::string cutTextAtStart(std::string_view text, std::size_t width, std::string_view mark);
 
 #endif

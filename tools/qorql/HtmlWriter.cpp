@@ -74,6 +74,7 @@ tbody tr:hover td { background: var(--hover); }
   .cards td {
     display: flex; gap: 1rem; padding: .15rem .9rem; border: 0; text-align: left; white-space: pre-wrap;
   }
+  .cards td.null { display: none; }
   .cards td::before {
     content: attr(data-name); flex: 0 0 32%; color: var(--soft); font-size: .8125rem; font-style: normal;
     line-height: 1.85; overflow-wrap: anywhere;

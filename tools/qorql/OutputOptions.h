@@ -18,8 +18,9 @@ class App;
 struct OutputOptions {
   std::optional<OutputForm> form;  // none: the statement's FORMAT clause, else a table
   bool hasStatistics = false;
-  bool hasWarnings = false;  // warnings where the language surprises, also without a terminal
-  bool isStrict = false;     // a statement with warnings is refused
+  bool hasWarnings = false;    // warnings where the language surprises, also without a terminal
+  bool hasValueTexts = false;  // codes with the texts of ValueMap and Values
+  bool isStrict = false;       // a statement with warnings is refused
 };
 
 // The forms by their names.

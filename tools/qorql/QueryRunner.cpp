@@ -21,6 +21,7 @@
 #include "RunMonitor.h"
 #include "SurpriseReport.h"
 #include "Terminal.h"
+#include "ValueColumns.h"
 
 namespace {
 
@@ -45,13 +46,26 @@ ResultHeading headingOf(const std::string& query, const QORQL_ResultReader& read
   return heading;
 }
 
-// Stops early when the stream takes no more.
-void writeRows(QORQL_ResultReader& reader, ResultWriter& writer, const std::ostream& out) {
+// A column of texts where its codes are told with theirs.
+void addTexts(ResultHeading& heading, const ValueColumns& values) {
+  for (std::size_t i = 0; i < heading.columns.size(); ++i) {
+    if (!values.hasTexts(i)) continue;
+    heading.columns[i].isNumber = false;
+    heading.columns[i].typeName = "string";
+  }
+}
+
+// Stops early when the stream takes no more. Codes are told with their texts where `values` is not null.
+void writeRows(QORQL_ResultReader& reader, ResultWriter& writer, const std::ostream& out, ValueColumns* values) {
   std::vector<QORSmrPtr<IQoriValue>> row(reader.columns().size());
   while (out && reader.next()) {
     if (Interrupt::isRequested()) throw Interrupted();
-    for (std::size_t i = 0; i < row.size(); ++i) row[i] = reader.value(i);
-    writer.writeRow(ResultRow(row, reader.rowClass()));
+    const QORString rowClass(reader.rowClass());
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      row[i] = reader.value(i);
+      if (values != nullptr) row[i] = values->withText(i, row[i], rowClass);
+    }
+    writer.writeRow(ResultRow(row, rowClass));
   }
 }
 
@@ -192,9 +206,15 @@ void QueryRunner::print(Execution& execution) {
   execution.rowCount = reader.rowCount();
   if (form != OutputForm::Xml) {
     ResultWriter& writer = writerOf(form);
-    writer.begin(headingOf(execution.statement, reader));
+    ResultHeading heading = headingOf(execution.statement, reader);
+    std::optional<ValueColumns> values;
+    if (_output.hasValueTexts && form != OutputForm::Mof) {
+      values.emplace(_session.manager(), QORString(_options.nameSpace), reader.columns());
+      addTexts(heading, *values);
+    }
+    writer.begin(heading);
     try {
-      writeRows(reader, writer, _out);
+      writeRows(reader, writer, _out, values ? &*values : nullptr);
     } catch (...) {
       writer.end();
       throw;

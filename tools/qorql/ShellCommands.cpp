@@ -163,6 +163,9 @@ void toggle(Argument argument, const char* what, bool& isOn) {
 void toggleStatistics(Argument argument, ShellState& state) {
   toggle(argument, "statistics", state.output.hasStatistics);
 }
+void toggleValues(Argument argument, ShellState& state) {
+  toggle(argument, "texts of values", state.output.hasValueTexts);
+}
 void toggleTimer(Argument argument, ShellState& state) { toggle(argument, "timer", state.hasTimer); }
 
 void quit(Argument /*argument*/, ShellState& /*state*/) {}
@@ -177,6 +180,7 @@ constexpr ShellCommand kCommands[] = {
     {".mof", "PATH", "Load a MOF file, or every .mof file of a folder", loadMof},
     {".namespace", "[NAME]", "Show or change the namespace", chooseNamespace},
     {".output", "[FORM]", "Show or change the form of results", chooseForm},
+    {".values", "[on|off]", "Codes with their texts, as 2 (OK)", toggleValues},
     {".explain", "QUERY", "Say what a query will do, without running it", explain},
     {".stats", "[on|off]", "Counts and times after each statement", toggleStatistics},
     {".timer", "[on|off]", "The time after each statement", toggleTimer},
@@ -245,7 +249,7 @@ std::vector<std::string> argumentsOf(const std::string& name, const ShellState& 
   const bool isOfClass =
       name == ".class" || name == ".classes" || name == ".describe" || name == ".schema" || name == ".tables";
   if (isOfClass) return classNames(state.session.manager(), state.options.nameSpace);
-  if (name == ".stats" || name == ".timer") return {"off", "on"};
+  if (name == ".stats" || name == ".timer" || name == ".values") return {"off", "on"};
   if (name == ".output") {
     for (const auto& form : outputForms()) words.push_back(form.first);
   }

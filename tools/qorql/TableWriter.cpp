@@ -40,10 +40,16 @@ const TableWriter::Frame& TableWriter::frame() const {
   return _terminal.isUtf8 ? kBox : kAscii;
 }
 
-void TableWriter::addCell(std::size_t column, std::string text) {
+void TableWriter::addCell(std::size_t column, std::string text, bool isNull) {
   const std::size_t width = displayWidth(text);
   _widths[column] = std::max(_widths[column], width);
-  _cells.push_back({std::move(text), width});
+  _cells.push_back({std::move(text), width, isNull});
+}
+
+std::string TableWriter::fitted(std::size_t column, const Cell& cell, std::size_t width) const {
+  if (cell.width <= width) return cell.text;
+  const bool isReference = &cell >= _cells.data() + _columns.size() && _columns[column].typeName == "reference";
+  return isReference ? cutTextAtStart(cell.text, width, frame().cut) : cutText(cell.text, width, frame().cut);
 }
 
 void TableWriter::begin(const ResultHeading& heading) {
@@ -56,7 +62,7 @@ void TableWriter::begin(const ResultHeading& heading) {
 
 void TableWriter::writeRow(const ResultRow& row) {
   for (std::size_t i = 0; i < row.size(); ++i) {
-    addCell(i, row[i].IsNull() ? "NULL" : printableText(row[i]->toString().view()));
+    addCell(i, row[i].IsNull() ? "NULL" : printableText(row[i]->toString().view()), row[i].IsNull());
   }
 }
 
@@ -91,7 +97,7 @@ void TableWriter::printLine(const Cell* cells, const Frame& frame) {
   _line = frame.left;
   for (std::size_t i = 0; i < _columns.size(); ++i) {
     const bool isCut = cells[i].width > _widths[i];
-    const std::string cut = isCut ? cutText(cells[i].text, _widths[i], frame.cut) : std::string();
+    const std::string cut = isCut ? fitted(i, cells[i], _widths[i]) : std::string();
     const std::string& text = isCut ? cut : cells[i].text;
     const std::size_t fill = _widths[i] - (isCut ? displayWidth(cut) : cells[i].width);
     const bool isLast = i + 1 == _columns.size();
@@ -130,7 +136,7 @@ void TableWriter::printTable() {
   if (hasBox) rule(drawn.bottom);
 }
 
-// A rule with the row's number, then the names with the row's values beside them.
+// A rule with the row's number, then the names with the row's values beside them, without NULLs.
 void TableWriter::printCards() {
   const Frame& drawn = frame();
   const std::size_t count = _columns.size();
@@ -138,16 +144,14 @@ void TableWriter::printCards() {
   for (std::size_t i = 0; i < count; ++i) names = std::max(names, _cells[i].width);
   names = std::min(names, _terminal.width / 2);
   const std::size_t room = _terminal.width - names - kCardGap;
-  const auto fitted = [&](const Cell& cell, std::size_t width) {
-    return cell.width > width ? cutText(cell.text, width, drawn.cut) : cell.text;
-  };
   for (std::size_t first = count; first < _cells.size() && _out; first += count) {
     _line = drawn.dash + (" " + std::to_string(first / count)) + ' ';
     for (std::size_t width = displayWidth(_line); width < _terminal.width; ++width) _line += drawn.dash;
     _out << _line << '\n';
     for (std::size_t i = 0; i < count; ++i) {
-      const std::string name = fitted(_cells[i], names);
-      _out << name << std::string(names + kCardGap - displayWidth(name), ' ') << fitted(_cells[first + i], room)
+      if (_cells[first + i].isNull) continue;
+      const std::string name = fitted(i, _cells[i], names);
+      _out << name << std::string(names + kCardGap - displayWidth(name), ' ') << fitted(i, _cells[first + i], room)
            << '\n';
     }
   }

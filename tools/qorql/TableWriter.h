@@ -13,7 +13,7 @@
 //
 // On a terminal the table stands in a box, the number of rows under it, and
 // fits the width: the widest columns are cut, numbers last. Where there are too
-// many columns for that, each row is a card with a line for each column.
+// many columns for that, each row is a card with a line for each column that is not NULL.
 // Anywhere else the columns are two blanks apart under a rule, and nothing is cut.
 class TableWriter : public ResultWriter {
  public:
@@ -26,11 +26,14 @@ class TableWriter : public ResultWriter {
   struct Cell {
     std::string text;
     std::size_t width;
+    bool isNull = false;
   };
   // What the lines are drawn with.
   struct Frame;
 
-  void addCell(std::size_t column, std::string text);
+  void addCell(std::size_t column, std::string text, bool isNull = false);
+  // Cut where it is too wide: a reference at its beginning, since the keys at its end tell it from others.
+  std::string fitted(std::size_t column, const Cell& cell, std::size_t width) const;
   // What the lines of a box take that has columns of these widths at most.
   std::size_t boxWidth(std::size_t widest) const;
   void fitWidths();

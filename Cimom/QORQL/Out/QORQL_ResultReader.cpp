@@ -11,6 +11,8 @@
 #include "Cimom/QORQL/Lazy/QORQL_RowReader.h"
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
+#include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_FromClause.h"
 #include "Cimom/QORQL/QORQL_Query.h"
 #include "Cimom/QORQL/QORQL_SelectList.h"
@@ -65,6 +67,7 @@ QORQL_ResultReader::QORQL_ResultReader(const QORQL_Query& query, QORQL_SymbolTab
   findCells();
   nameColumns();
   typeColumns();
+  for (std::size_t i = 0; i < _sources.size(); ++i) tracePropertyOf(i);
   findOnlyClass();
 }
 
@@ -190,6 +193,25 @@ void QORQL_ResultReader::typeColumns() {
       --untyped;
     }
   }
+}
+
+// The table knows the class by each of its names in FROM.
+void QORQL_ResultReader::tracePropertyOf(std::size_t index) {
+  const Source& source = _sources[index];
+  QORString fromName = source.className;
+  QORString property = source.propertyName;
+  if (property.isEmpty()) {
+    const QORQL_Factor* const leaf = QORQL_soleLeaf(source.entry->getExpression());
+    const bool isRead = leaf != nullptr && leaf->isPropertyReference() && !QORQL_hasPath(*leaf) &&
+                        leaf->getOperator() != QORQL_OperatorMINUS;
+    if (!isRead || source.entry->getWrittenText().length() != 0) return;
+    fromName = *leaf->getClassName();
+    property = *leaf->getPropertyName();
+  }
+  const QORsint32 column = _table->getColumnIndex(fromName);
+  if (column < 0) return;
+  _columns[index].className = _table->getColumnHeader(static_cast<QORuint32>(column))->getName();
+  _columns[index].propertyName = property;
 }
 
 void QORQL_ResultReader::findOnlyClass() {

@@ -30,6 +30,10 @@ class QORQL_ResultReader {
     QORString name;
     QORString typeName;  // the CIM type; empty when no row tells it
     bool isArray = false;
+    // The property that it shows, and the class of FROM that the object is fetched as, in any case; empty for what is
+    // computed.
+    QORString className;
+    QORString propertyName;
   };
 
   // The properties that a class declares, for `*` over a class of which no row has an object. Empty: no columns then.
@@ -76,6 +80,7 @@ class QORQL_ResultReader {
   static QORString shortNameOf(const Source& source);
   static QORString fullNameOf(const Source& source);
   void typeColumns();
+  void tracePropertyOf(std::size_t index);
   void findOnlyClass();
   void findCells();
   QoriScalar viewOf(std::size_t index);

@@ -52,6 +52,30 @@ TEST_F(ResultReader, NamesAndTypesItsColumns) {
               ElementsAre("A.Id uint32", "B.Id uint32", "T string", "U uint64"));
 }
 
+// "class.property" of each column.
+std::vector<std::string> propertiesOf(Result&& result) {
+  const QORQL_ResultReader reader(*result.query, result.symbols, result.table);
+  std::vector<std::string> texts;
+  for (const auto& column : reader.columns()) {
+    EXPECT_EQ(column.className.isEmpty(), column.propertyName.isEmpty());
+    texts.push_back(QueryWorld::textOf(QORString::toUpperCase(column.className + "." + column.propertyName)));
+  }
+  return texts;
+}
+
+TEST_F(ResultReader, KnowsThePropertiesThatItsColumnsShow) {
+  EXPECT_THAT(propertiesOf(Result("SELECT Id, S AS T, x.L, x.* FROM A AS x")),
+              ElementsAre("A.ID", "A.S", "A.L", "A.ID", "A.S", "A.L", "A.MORE"));
+  EXPECT_THAT(propertiesOf(Result("SELECT x.Id, B.Id, y.S FROM A AS x, B, A AS y")),
+              ElementsAre("A.ID", "B.ID", "A.S"));
+}
+
+TEST_F(ResultReader, KnowsNoPropertyOfWhatIsComputed) {
+  EXPECT_THAT(propertiesOf(Result("SELECT Id + 1 AS I, -Id AS J, 'x' AS K, OBJECTPATH(A) AS L FROM A")),
+              ElementsAre(".", ".", ".", "."));
+  EXPECT_THAT(propertiesOf(Result("SELECT COUNT(Id), MIN(Id) AS M FROM A")), ElementsAre(".", "."));
+}
+
 TEST_F(ResultReader, ExpandsAStarWithoutObjectsByWhatIsDeclared) {
   EXPECT_THAT(Result("SELECT * FROM None").columns(), IsEmpty());
   const auto declared = [](const QORString& className) {
