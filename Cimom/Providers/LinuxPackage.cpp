@@ -73,8 +73,8 @@ constexpr LinuxProperty<Package> kProperties[] = {
 
 std::string loadingError() {
   // The C library of Linux keeps the message for each thread by itself. The checker goes by the standard, which leaves
-  // it open whether threads share one. NOLINTNEXTLINE(concurrency-mt-unsafe)
-  const char* const error = dlerror();
+  // it open whether threads share one.
+  const char* const error = dlerror();  // NOLINT(concurrency-mt-unsafe)
   return error == nullptr ? "unknown reason" : error;
 }
 
