@@ -102,7 +102,7 @@ std::string LinuxUnits::text(const Unit& unit, const char* interface, const char
   const int result =
       sd_bus_get_property_string(_bus, kDestination, unit.path.c_str(), interface, property, nullptr, &found);
   const Text text(found);
-  if (result < 0) _unreadable.note(std::string(property) + " of " + unit.name, -result);
+  if (result < 0) _unreadable.note(std::string(property).append(" of ").append(unit.name), -result);
   return result < 0 || found == nullptr ? "" : found;
 }
 
@@ -110,7 +110,7 @@ QORuint64 LinuxUnits::number(const Unit& unit, const char* interface, const char
   uint64_t found = 0;
   const int result =
       sd_bus_get_property_trivial(_bus, kDestination, unit.path.c_str(), interface, property, nullptr, 't', &found);
-  if (result < 0) _unreadable.note(std::string(property) + " of " + unit.name, -result);
+  if (result < 0) _unreadable.note(std::string(property).append(" of ").append(unit.name), -result);
   return result < 0 ? 0 : found;
 }
 
@@ -133,7 +133,7 @@ void LinuxUnits::readList(const Unit& unit, const char* property, const char* ty
   const Message list(reply);
   if (result >= 0) result = sd_bus_message_enter_container(reply, SD_BUS_TYPE_ARRAY, type);
   while (result > 0) result = take(reply);
-  if (result < 0) _unreadable.note(std::string(property) + " of " + unit.name, -result);
+  if (result < 0) _unreadable.note(std::string(property).append(" of ").append(unit.name), -result);
 }
 
 std::vector<std::string> LinuxUnits::schedule(const Unit& timer) {

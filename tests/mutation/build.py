@@ -40,7 +40,10 @@ class Build:
         """Compiles a source, of which, or of whose headers, the overlay has a version of its own."""
         words = [word for word in shlex.split(self.commands[path])
                  if word not in ("-Werror", "-g1") and not word.endswith("ccache")]
-        # Without warnings and debugging data, which would differ where the code does not.
+        # Without warnings and debugging data, which would differ where the code does not, and so without the
+        # precompiled headers, which have them.
+        if "-include" in words:
+            del words[words.index("-include"):words.index("-include") + 2]
         words[1:1] = ["-w", f"-I{overlay}"]
         words[words.index("-o") + 1] = output
         own = os.path.join(overlay, path)
