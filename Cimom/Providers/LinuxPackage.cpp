@@ -72,9 +72,8 @@ constexpr LinuxProperty<Package> kProperties[] = {
 }
 
 std::string loadingError() {
-  // The C library of Linux keeps the message for each thread by itself. The checker goes by the standard, which leaves
-  // it open whether threads share one.
-  const char* const error = dlerror();  // NOLINT(concurrency-mt-unsafe)
+  // The C library of Linux keeps the message for each thread by itself.
+  const char* const error = dlerror();
   return error == nullptr ? "unknown reason" : error;
 }
 
