@@ -66,8 +66,8 @@ std::vector<std::string> propertiesOf(Result&& result) {
 TEST_F(ResultReader, KnowsThePropertiesThatItsColumnsShow) {
   EXPECT_THAT(propertiesOf(Result("SELECT Id, S AS T, x.L, x.* FROM A AS x")),
               ElementsAre("A.ID", "A.S", "A.L", "A.ID", "A.S", "A.L", "A.MORE"));
-  EXPECT_THAT(propertiesOf(Result("SELECT x.Id, B.Id, y.S FROM A AS x, B, A AS y")),
-              ElementsAre("A.ID", "B.ID", "A.S"));
+  EXPECT_THAT(propertiesOf(Result("SELECT x.Id, B.Id, y.S FROM A AS x, B, Sub AS y")),
+              ElementsAre("A.ID", "B.ID", "SUB.S"));
 }
 
 TEST_F(ResultReader, KnowsNoPropertyOfWhatIsComputed) {
