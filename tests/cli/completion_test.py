@@ -69,7 +69,7 @@ class Completion:
         self.assertEqual(self.complete("-o", ""), FORMS)
         self.assertEqual(self.complete("classes", "--log", "t"), ["trace"])
         self.assertEqual(self.complete("validate", "-o", ""), ["json", "text"])
-        self.assertEqual(self.complete("contents", "-o", ""), ["csv", "html", "json", "jsonl", "table"])
+        self.assertEqual(self.complete("contents", "-o", ""), ["csv", "dot", "html", "json", "jsonl", "svg", "table"])
         self.assertEqual(self.complete("-n", ""), [])
 
     def test_pages(self):

@@ -5,6 +5,7 @@ import io
 import json
 import os
 import re
+import xml.etree.ElementTree
 
 import toolcase
 from toolcase import MODEL, ToolCase, at_terminal
@@ -92,8 +93,71 @@ class Contents(WorldCase):
         self.assertEqual(self.succeed(self.run_tool("contents", "--no-live", "-o", "jsonl")), "")
 
     def test_wrong_usage(self):
-        for arguments, says in ((["-o", "xml"], "'xml' is none of csv, html, json, jsonl, table"), (["a", "b"], "b")):
+        for arguments, says in ((["-o", "xml"], "'xml' is none of csv, dot, html, json, jsonl, svg, table"), (["a", "b"], "b")):
             self.wrong_usage(self.world("contents", *arguments), says, command="qorql contents")
+
+
+class Picture(WorldCase):
+    def drawn(self, form):
+        result = self.world("contents", "-o", form)
+        if result.status != 0 and "libgvc" in result.err:
+            self.assertRegex(result.err, r"\Aqorql: error: a picture needs graphviz \(Debian's package libgvc6\), and \S+ "
+                                         r"cannot be loaded; -o dot prints the graph without it\n\Z")
+            self.assertEqual((result.status, result.out), (3, ""))
+            self.skipTest("graphviz's library is not installed")
+        return self.succeed(result)
+
+    def test_the_graph(self):
+        dot = self.succeed(self.world("contents", "-o", "dot"))
+        self.assertTrue(dot.startswith("digraph model {\n"))
+        for line in ('label="root/cimv2";', 'label="root/second";', '"0:W_Ball" [label="W_Ball\\n2"];',
+                     '"0:W_Thing" [label="W_Thing", style="rounded,dashed"',
+                     '"0:W_Thing" -> "0:W_Box" [dir=back, arrowtail=empty, style=dashed];',
+                     '"0:W_Box" -> "0:W_Ball" [dir=none, color="#2f6fed", label="W_Holds 2", tooltip="Outer - Inner"];',
+                     '"0:W_Box" -> "0:W_Box" [dir=none, color="#2f6fed", label="W_Holds 1", tooltip="Outer - Inner"];',
+                     '"1:S_One" [label="S_One\\n1"];'):
+            self.assertIn(f"    {line}", dot)
+        self.assertNotIn("W_None", dot)
+        self.assertEqual(dot.count("arrowtail"), 2)
+
+    def test_a_pattern(self):
+        dot = self.succeed(self.world("contents", "-o", "dot", "-n", "root/cimv2", "W_Ball"))
+        self.assertIn('"0:W_Box" -> "0:W_Ball"', dot)
+        self.assertNotIn("W_Holds 1", dot)
+
+    def test_superclasses_without_a_meeting_are_left_out(self):
+        path = self.write("line.mof", "class L_A { [Key] string Id; }; class L_B : L_A { }; class L_C : L_B { }; "
+                                      'class L_D : L_C { }; instance of L_B { Id = "b"; }; instance of L_D { Id = "d"; };')
+        dot = self.succeed(self.run_tool("contents", "--no-live", "-m", path, "-o", "dot"))
+        self.assertEqual(re.findall(r'"0:(\w+)" -> "0:(\w+)"', dot), [("L_B", "L_D")])
+        self.assertEqual(set(re.findall(r'"0:(\w+)" \[label', dot)), {"L_B", "L_D"})
+
+    def test_an_association_of_three_ends_is_a_node(self):
+        path = self.write("three.mof", "Qualifier Association : boolean = false, Scope(association);\n"
+                          "class E { [Key] string Id; }; [Association] class T { [Key] E REF A; [Key] E REF B; [Key] E REF C; };"
+                          'instance of T { A = "E.Id=\\"1\\""; B = "E.Id=\\"1\\""; C = "E.Id=\\"1\\""; };')
+        dot = self.succeed(self.run_tool("contents", "--no-live", "-m", path, "-o", "dot"))
+        self.assertIn('"0:tie 0" [shape=ellipse, style=solid, label="T 1"];', dot)
+        self.assertEqual(dot.count('"0:tie 0" -> "0:E"'), 3)
+        self.assertIn('"0:E" [label="E"];', dot)
+
+    def test_an_image(self):
+        svg = self.drawn("svg")
+        names = {element.tag.split("}")[1] for element in xml.etree.ElementTree.fromstring(svg).iter()}
+        self.assertIn("svg", names)
+        for text in ("W_Ball", "W_Holds 2", "root/second"):
+            self.assertIn(f">{text}</text>", svg)
+
+    def test_a_page(self):
+        page = self.drawn("html")
+        self.assertTrue(page.startswith("<!DOCTYPE html>\n"))
+        self.assertIn(">W_Ball</text>", page)
+        self.assertTrue(page.endswith("</body>\n</html>\n"))
+        for address in re.findall(r'(?:href|src)="([^"]*)"', page):
+            self.fail(f"the page needs {address}")
+
+    def test_nothing_to_draw(self):
+        self.assertNotIn("->", self.succeed(self.run_tool("contents", "--no-live", "-o", "dot")))
 
 
 class Describe(WorldCase):

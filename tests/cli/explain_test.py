@@ -51,6 +51,20 @@ class Explain(ToolCase):
         self.assertEqual(lines[3], " 4  associate  T_B AS B: Id  "
                                    "(one call for each T_A, through T_L; made, but decides nothing)")
 
+    def test_a_role_that_is_left_open(self):
+        model = ("class T_Base { [Key] uint32 Id; }; class T_A : T_Base { }; class T_B : T_Base { };"
+                 "[Association] class T_L { [Key] T_Base REF Lft; [Key] T_A REF Mid; };"
+                 "[Association] class T_M { [Key] T_A REF Lft; [Key] T_B REF Rgt; };")
+        path = self.write("ends.mof", model)
+        for association, source, target, note in (
+                ("T_L", "a", "b", ""), ("T_L", "b", "a", ""), ("T_M", "a", "b", ""),
+                ("T_L", "a", "c", "    note: T_L may have the T_A in more than one role; to ask for one: FROM T_L AS l "
+                                  "... WHERE l.Lft = OBJECTPATH(A) AND l.Mid = OBJECTPATH(C) [ASSOC-7]\n")):
+            text = self.succeed(self.run_tool(
+                "explain", "--no-live", "-m", path, "SELECT a.Id FROM T_A AS a, T_B AS b, T_Base AS c "
+                f"WHERE {association} = {source} AND {association} = {target}"))
+            self.assertEqual("".join(line + "\n" for line in text.splitlines() if "note:" in line), note, text)
+
     def test_properties_that_no_class_has(self):
         text = self.succeed(self.explain("SELECT i.Nam, i.Id FROM Shop_Item AS i WHERE i.Zzz = 1"))
         self.assertTrue(text.endswith(

@@ -2,14 +2,18 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ContentsCommand.h"
 
+#include <algorithm>
 #include <iostream>
+#include <map>
 
 #include "ClassesCommand.h"
 #include "DisplayText.h"
 #include "ErrorReport.h"
 #include "ExitStatus.h"
+#include "GraphLayout.h"
 #include "ListOutput.h"
 #include "ModelContents.h"
+#include "ModelPicture.h"
 #include "OptionDeclarations.h"
 #include "Session.h"
 #include "SessionOptions.h"
@@ -21,18 +25,36 @@ constexpr const char* kDescription =
     "the classes that associations tie, with the roles in which they do.";
 constexpr const char* kFooter =
     "PATTERN is a part of a class's name or, with * ? [ ] in it, the whole name; case does not\n"
-    "matter. An association is listed where it or a class that it ties matches. Unless --namespace\n"
+    "matter. An association is told where it or a class that it ties matches. Unless --namespace\n"
     "names one, all namespaces are listed. Live classes are asked for all their instances.\n"
     "Exit status: 0 done; 2 wrong usage; 3 MOF or configuration failure.\n"
     "\n"
+    "svg and html draw the classes with inheritance and associations; they need graphviz's library\n"
+    "libgvc, which dot does not.\n"
+    "\n"
     "Examples:\n"
+    "  qorql contents -o html > model.html\n"
     "  qorql contents --no-live --mof model.mof\n"
     "  qorql contents -o json 'Linux_*'";
+
+// Lists, or a picture that a function makes of the graph in the DOT language.
+struct Form {
+  OutputForm list = OutputForm::Table;
+  std::string (*draw)(const std::string& dot) = nullptr;
+};
+
+const std::map<std::string, Form> kForms = {{"table", {}},
+                                            {"csv", {OutputForm::Csv}},
+                                            {"json", {OutputForm::Json}},
+                                            {"jsonl", {OutputForm::JsonLines}},
+                                            {"dot", {OutputForm::Table, [](const std::string& dot) { return dot; }}},
+                                            {"svg", {OutputForm::Table, svgOf}},
+                                            {"html", {OutputForm::Table, htmlOf}}};
 
 struct ContentsOptions {
   SessionOptions session;
   std::string pattern;
-  std::optional<OutputForm> form;
+  Form form;
 };
 
 std::string endsText(const std::vector<ModelContents::End>& ends) {
@@ -49,32 +71,49 @@ bool matches(const ModelContents::Tie& tie, const std::string& pattern) {
                      [&](const ModelContents::End& end) { return isClassMatch(end.className, pattern); });
 }
 
-// The lists, which each namespace adds rows to.
+// Without the classes and associations that do not match.
+void keepMatches(ModelContents& contents, const std::string& pattern) {
+  std::erase_if(contents.classes, [&](const auto& known) { return !isClassMatch(known.name, pattern); });
+  std::erase_if(contents.ties, [&](const auto& tie) { return !matches(tie, pattern); });
+}
+
+// The lists, which each namespace adds rows to, and the picture.
 class Contents {
  public:
   explicit Contents(const ContentsOptions& options) : _options(options) {}
 
   void add(EmbeddedObjectManager& manager, const QORString& nameSpace) {
-    const ModelContents contents = contentsOf(manager, nameSpace);
+    ModelContents contents = contentsOf(manager, nameSpace);
+    keepMatches(contents, _options.pattern);
+    addRows(manager, nameSpace, contents);
+    _picture.add(manager, nameSpace, contents);
+    if (_options.session.isQuiet) return;
+    for (const std::string& fault : contents.faults) std::cerr << "qorql: warning: " << printableText(fault) << '\n';
+  }
+  void print() const {
+    if (_options.form.draw != nullptr) {
+      std::cout << _options.form.draw(_picture.dot());
+    } else {
+      printLists(_options.form.list, {_namespaces, _classes, _ties});
+    }
+  }
+
+ private:
+  void addRows(const EmbeddedObjectManager& manager, const QORString& nameSpace, const ModelContents& contents) {
     const QORSmrPtr<IQoriValue> name = listText(nameSpace.view());
     _namespaces.rows.push_back(
         {name, listNumber(manager.classNames(nameSpace).size()), listNumber(contents.instanceCount)});
     for (const auto& known : contents.classes) {
-      if (!isClassMatch(known.name, _options.pattern)) continue;
       _classes.rows.push_back({name, listText(known.name.view()), listNumber(known.count)});
     }
     for (const auto& tie : contents.ties) {
-      if (!matches(tie, _options.pattern)) continue;
       _ties.rows.push_back(
           {name, listText(tie.association.view()), listText(endsText(tie.ends)), listNumber(tie.count)});
     }
-    if (_options.session.isQuiet) return;
-    for (const std::string& fault : contents.faults) std::cerr << "qorql: warning: " << printableText(fault) << '\n';
   }
-  void print() { printLists(_options.form.value_or(OutputForm::Table), {_namespaces, _classes, _ties}); }
 
- private:
   const ContentsOptions& _options;
+  ModelPicture _picture;
   List _namespaces{"Namespaces", {textColumn("Namespace"), numberColumn("Classes"), numberColumn("Instances")}, {}};
   List _classes{"Classes", {textColumn("Namespace"), textColumn("Class"), numberColumn("Instances")}, {}};
   List _ties{"Associations",
@@ -108,7 +147,11 @@ CommandAction declareContentsCommand(CLI::App& app) {
   options->session.needsDescriptions = false;
   describeCommand(app, kDescription, kFooter);
   declareSessionOptions(app, options->session);
-  declareListOutput(app, options->form, "table");
+  declareValue(app, {.names = "-o,--output",
+                     .type = "table|csv|json|jsonl|dot|svg|html",
+                     .description = "Form of the lists, or a picture: svg, html, or dot for graphviz (default: table)",
+                     .take = [options](const std::string& name) { options->form = kForms.at(name); },
+                     .check = oneOf(kForms)});
   declareValue(app,
                {.names = "PATTERN", .description = "Which classes (default: all)", .take = keepIn(options->pattern)});
   return [options] { return printContents(*options); };

@@ -12,6 +12,7 @@
 #include "ParsedQuery.h"
 #include "QueryHint.h"
 #include "QueryRunner.h"
+#include "RoleNotes.h"
 #include "Session.h"
 #include "SessionOptions.h"
 #include "Statements.h"
@@ -144,6 +145,9 @@ void printExplanation(std::ostream& out, EmbeddedObjectManager& manager, ParsedQ
   }
   if (explanation.isPreFiltered()) {
     out << "    note: the provider filters and sorts itself: WHERE and ORDER BY are left to it\n";
+  }
+  for (const std::string& note : roleNotes(manager, QORString(nameSpace), explanation.steps())) {
+    out << "    note: " << printableText(note) << '\n';
   }
   printWarnings(out, standardOutputShape(), parsed.statement(), findWarnings(manager, nameSpace, parsed));
 }
