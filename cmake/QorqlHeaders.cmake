@@ -15,7 +15,7 @@ set(QORQL_ENGINE_HEADERS
     QORQL_IdentifierFinder QORQL_JoinType QORQL_Lexer QORQL_Operator QORQL_OrderByClause QORQL_OrderByHelper
     QORQL_ParseException QORQL_Query QORQL_Scanner QORQL_SelectList QORQL_SelectedEntry QORQL_Symbol
     QORQL_SymbolTable QORQL_TableHeader QORQL_Term QORQL_Token QORQL_Version QORQL_WhereClause
-    Explain/QORQL_Explanation Explain/QORQL_Surprises Face/QORQL_Statement Out/QORQL_ResultReader)
+    Explain/QORQL_Explanation Explain/QORQL_Surprises Face/QORQL_Hint Face/QORQL_Statement Out/QORQL_ResultReader)
 list(TRANSFORM QORQL_ENGINE_HEADERS REPLACE "(.+)" "Cimom/QORQL/\\1.h")
 
 # Starting an object manager, filling it with declarations, MOF and providers.

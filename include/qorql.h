@@ -6,7 +6,8 @@
 
 // A statement from its text to columns and rows.
 #include "Cimom/QORQL/Face/QORQL_Statement.h"
-// What is wrong with a text or failed in a run, and seeing and stopping a run.
+// What is wrong with a text or failed in a run, what was meant, and seeing and stopping a run.
+#include "Cimom/QORQL/Face/QORQL_Hint.h"
 #include "Cimom/QORQL/QORQL_Exception.h"
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "Cimom/QORQL/QORQL_Fault.h"

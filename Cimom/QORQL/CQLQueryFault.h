@@ -3,6 +3,7 @@
 #ifndef QORQL_CQLQUERYFAULT_H
 #define QORQL_CQLQUERYFAULT_H
 
+#include "Cimom/QORQL/QORQL_Fault.h"
 #include "cmpbase.h"
 
 // Values: made by a filter, copied freely.
@@ -21,9 +22,10 @@ struct CQLQueryFault {
   static constexpr QORuint32 kNoOffset = 0xFFFFFFFF;
 
   Kind kind = kNone;
-  QORString message;    // for a person; empty when nothing is wrong
-  QORString name;       // ignoring case
-  QORString className;  // ignoring case
+  QORQL_Fault::Kind cause = QORQL_Fault::kOther;  // which rule of the language is broken, and the like
+  QORString message;                              // for a person; empty when nothing is wrong
+  QORString name;                                 // ignoring case
+  QORString className;                            // ignoring case
   // Where the word at fault begins, as a byte of the text: QORQL_placeOf tells line and column. kNoOffset where no word
   // is at fault.
   QORuint32 offset = kNoOffset;

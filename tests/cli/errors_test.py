@@ -99,7 +99,7 @@ class Errors(ToolCase):
         self.assertRegex(result.err, r"\(line 6, CIM status 16\)\n\Z")
 
     def test_mismatch_found_after_reading_has_no_line(self):
-        self.refused(self.model("SELECT COUNT(Id) AS N, Name FROM Shop_Item"), 1,
+        self.refused(self.model("--quiet", "SELECT COUNT(Id) AS N, Name FROM Shop_Item"), 1,
                      "qorql: error: Combining Aggregate and NonAggregate expressions is not allowed. (CIM status 16)")
 
     def test_runtime_error(self):
@@ -110,16 +110,16 @@ class Errors(ToolCase):
         for query, error, hint in (
                 ("SELECT Id FROM Shop_Item ORDER BY Wheels ASC", "Caught an exception while sorting the data. (CIM status 1)",
                  ""),
-                ("SELECT Id FROM Shop_Item ORDER BY Nmae ASC", "Caught an exception while sorting the data. (CIM status 1)",
+                ("SELECT Id FROM Shop_Item ORDER BY ^Nmae ASC", "Caught an exception while sorting the data. (CIM status 1)",
                  "Nmae is no property of Shop_Item: did you mean Name? (line 1, column 35)"),
                 ("SELECT SUM(Name) AS S FROM Shop_Item", "Property data type must be numeric for function SUM (CIM status 16)",
                  "")):
             with self.subTest(query=query):
-                said = f"qorql: error: {error}" + (f"\nqorql: hint: {hint}" if hint else "")
-                self.refused(self.model("--warnings", query), 1, said)
+                said = f"qorql: error: {error}\n" + (toolcase.hint(query, hint) if hint else "")
+                self.refused(self.model(query.replace("^", "")), 1, said.rstrip("\n"))
 
     def test_unknown_class(self):
-        result = self.model("SELECT Nowhere.Id FROM Nowhere")
+        result = self.model("--quiet", "SELECT Nowhere.Id FROM Nowhere")
         self.assertEqual((result.status, result.out), (1, ""))
         self.assertRegex(result.err, r"\Aqorql: error: .*(?i:nowhere).* \((line \d+, )?CIM status \d+\)\n\Z")
 
@@ -177,7 +177,9 @@ class Statements(ToolCase):
         self.assertEqual((result.status, result.out), (1, ""))
         self.assertEqual(result.err,
                          "qorql: warning: passed over: a string that does not end in its line (line 1, column 39)\n"
-                         "qorql: error: unexpected token '' found (line 3, CIM status 16)\n")
+                         "qorql: error: unexpected token '' found (line 3, CIM status 16)\n" +
+                         toolcase.hint("SELECT Id FROM Shop_Item WHERE Name = ^'a;b",
+                                       "the quote that opens here does not end in its line"))
 
     def test_statements_stop_at_the_first_error(self):
         result = self.model("-o", "csv", ONE + "; SELECT; " + TWO)
@@ -255,7 +257,7 @@ class PassedOver(ToolCase):
 class EarlyEnd(ToolCase):
     """An error while rows are put together, which the library logs: the result would lack rows."""
     ERROR = "qorql: error: A non-existent property - 'Nam' was requested from class - 'i' (CIM status 4)\n"
-    HINT = "qorql: hint: Nam is no property of Shop_Item: did you mean Name? (line {}, column {})\n"
+    STATEMENT = "SELECT i.Nam FROM Shop_Item AS i"
     MODEL = """class Base { [Key] uint32 K; sint32 N; };
 class Der : Base { string X; };
 instance of Der { K = 1; N = 1; X = "x"; };
@@ -263,19 +265,24 @@ instance of Base { K = 2; N = 0; };
 instance of Der { K = 3; N = 2; X = "y"; };
 """
 
+    @staticmethod
+    def hint(line, column, query=STATEMENT):
+        return toolcase.hint(query.replace("Nam ", "^Nam "), "Nam is no property of Shop_Item: did you mean Name? "
+                                                            f"(line {line}, column {column})")
+
     def test_in_every_form(self):
         for form in ("table", "csv", "json", "jsonl", "html", "mof"):
             for query in ("SELECT i.Nam FROM Shop_Item AS i", "SELECT i.Nam FROM Shop_Item AS i ORDER BY Id ASC"):
                 with self.subTest(form=form, query=query):
                     result = self.model("-o", form, query)
                     self.assertEqual((result.status, result.out), (1, ""))
-                    self.assertEqual(result.err, self.ERROR + self.HINT.format(1, 10))
+                    self.assertEqual(result.err, self.ERROR + self.hint(1, 10, query))
 
     def test_the_engines_stream_stays_and_the_status_tells(self):
         result = self.model("-o", "xml", "SELECT i.Nam FROM Shop_Item AS i")
         self.assertEqual(result.status, 1)
         self.assertTrue(result.out.endswith("</TABLE>\n</IRETURNVALUE>\n"), result.out)
-        self.assertEqual(result.err, self.ERROR + self.HINT.format(1, 10))
+        self.assertEqual(result.err, self.ERROR + self.hint(1, 10))
 
     def test_rows_that_cannot_be_streamed(self):
         path = self.write("m.mof", self.MODEL)
@@ -289,22 +296,24 @@ instance of Der { K = 3; N = 2; X = "y"; };
         self.assertEqual((result.status, result.out), (1, ""))
         self.assertEqual(result.err,
                          "qorql: error: A non-existent property - 'X' was requested from class - 'b' (CIM status 4)\n"
-                         "qorql: hint: X is a property of Der, which not every Base is: ask for it FROM Der\n")
+                         + toolcase.hint("SELECT b.^X FROM Base AS b",
+                                         "X is a property of Der, which not every Base is: ask for it FROM Der"))
 
     def test_a_name_that_two_classes_go_by(self):
         path = self.write("m.mof", self.MODEL + "class Other { [Key] uint8 J; };\ninstance of Other { J = 1; };\n")
-        hint = "qorql: hint: in FROM {0} names more than one class: give each a name of its own\n"
+        hint = "in FROM {0} names more than one class: give each a name of its own"
         for query, name in [("SELECT b.K FROM Base AS b, Other AS B", "b"),
                             ("SELECT Other.K FROM Base AS Other, Other", "Other")]:
             result = self.run_tool("--no-live", "-m", path, query)
             self.assertEqual((result.status, result.out), (1, ""))
             self.assertEqual(result.err, "qorql: error: A non-existent property - 'K' was requested from class - "
-                                         f"'{name}' (CIM status 4)\n" + hint.format(name))
+                                         f"'{name}' (CIM status 4)\n" +
+                             toolcase.hint(query.replace(".K", ".^K"), hint.format(name)))
 
     def test_several_statements(self):
         result = self.model("-o", "csv", ONE + ";\n" + ONE + "; SELECT i.Nam FROM Shop_Item AS i; " + TWO)
         self.assertEqual((result.status, result.out), (1, "Id\n1\n\nId\n1\n"))
-        self.assertEqual(result.err, self.ERROR + self.HINT.format(2, 49))
+        self.assertEqual(result.err, self.ERROR + self.hint(2, 49))
 
     def test_quiet_keeps_the_error(self):
         self.refused(self.model("--quiet", "SELECT i.Nam FROM Shop_Item AS i"), 1, self.ERROR.rstrip("\n"))
@@ -315,7 +324,7 @@ instance of Der { K = 3; N = 2; X = "y"; };
     def test_the_log_changes_nothing(self):
         result = self.model("--log", "error", "SELECT i.Nam FROM Shop_Item AS i")
         self.assertEqual((result.status, result.out), (1, ""))
-        self.assertTrue(result.err.endswith(self.ERROR + self.HINT.format(1, 10)), result.err)
+        self.assertTrue(result.err.endswith(self.ERROR + self.hint(1, 10)), result.err)
 
 
 class Output(ToolCase):

@@ -194,7 +194,8 @@ class Statements(Shell):
         self.assertEqual(person.ask("  FORM Shop_Item;"), (
             "qorql: error: 'FROM' expected (line 2, CIM status 16)\n"
             "    FORM Shop_Item\n"
-            "    ^\n"))
+            "    ^\n"
+            "qorql: hint: did you mean FROM?\n"))
         self.assertEqual(person.ask("SELECT Wheels FROM Shop_Item;").splitlines()[1:],
                          ["  SELECT Wheels FROM Shop_Item", "         ^"])
         self.assertEqual(person.ask("SELECT Id FROM Shop_Item WHERE Id = 1;"), "Id\n1\n")

@@ -29,6 +29,12 @@ def has_terminals():
 at_terminal = unittest.skipUnless(has_terminals(), "this system gives out no terminals")
 
 
+def hint(marked, text, place=""):
+    """What the tool prints as a hint about a statement in which a ^ stands where the caret is to point."""
+    line = next(line for line in marked.split("\n") if "^" in line)
+    return f"qorql: hint: {place}{text}\n  {line.replace('^', '', 1)}\n  {' ' * line.index('^')}^\n"
+
+
 class Result:
     def __init__(self, done):
         self.status = done.returncode

@@ -17,9 +17,11 @@ class ValidateCase(ToolCase):
     def valid(self, text, classes, properties, *arguments):
         self.assertEqual(self.succeed(self.validate(*arguments, text)), f"valid\t{classes}\t{properties}\n")
 
-    def invalid(self, text, reason, *arguments):
-        result = self.validate(*arguments, text)
-        self.assertEqual((result.status, result.out, result.err), (1, f"invalid\t{reason}\n", ""))
+    def invalid(self, text, reason, *arguments, hint=""):
+        """Where there is a hint, a ^ stands in the text at its place."""
+        result = self.validate(*arguments, text.replace("^", ""))
+        self.assertEqual((result.status, result.out, result.err),
+                         (1, f"invalid\t{reason}\n", toolcase.hint(text, hint) if hint else ""))
 
     def schema_warnings(self, text):
         result = self.validate("--no-live", "-m", SCHEMA, text)
@@ -117,8 +119,9 @@ class Invalid(ValidateCase):
                      "BROCADE is no property of CIM_AlertIndication: did you mean 'BROCADE'? (line 1, column 56)")
 
     def test_a_text_in_double_quotes(self):
-        self.invalid(ALERT + ' WHERE OwningEntity = "SNIA"',
-                     "unexpected token '\"' found: did you mean 'SNIA'? (line 1, column 56)")
+        self.invalid(ALERT + ' WHERE OwningEntity = ^"SNIA"',
+                     "unexpected token '\"' found: did you mean 'SNIA'? (line 1, column 56)",
+                     hint="texts stand in single quotes: 'SNIA'")
 
     def test_a_property_that_is_nearly_right(self):
         for written, meant in (("OwningEntty", "OwningEntity"), ("owningentities", "OwningEntity"),
@@ -159,9 +162,9 @@ class Invalid(ValidateCase):
 
     def test_what_was_passed_over_may_be_the_cause(self):
         over = "; passed over, since the language does not know it: "
-        self.invalid(ALERT + " WHERE OwningEntity = \u2018SNIA\u2019",
+        self.invalid(ALERT + " WHERE OwningEntity = ^\u2018SNIA\u2019",
                      f"SNIA is no property of CIM_AlertIndication (line 1, column 57){over}\u2018 (line 1, column 56), "
-                     "\u2019 (line 1, column 61)")
+                     "\u2019 (line 1, column 61)", hint="a text stands in plain single quotes: 'SNIA'")
         self.invalid(ALERT + " WHERE PerceivedSeverity \u2265 4", f"unexpected token '4' found (line 1, column 61){over}\u2265 "
                      "(line 1, column 59)")
         result = self.validate(ALERT + " WHERE " + "\u2265" * 1000 + "4 5")

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ClassFamily.h"
 
-#include "Suggestion.h"
+#include "Cimom/QORQL/Face/QORQL_Suggestion.h"
 
 QORSmrPtr<IQoriClass> ClassFamily::find(const QORString& className) const {
   return _manager.sink().findClass(_nameSpace, className);
@@ -29,7 +29,7 @@ QORString ClassFamily::holderOf(const QORString& className, const QORString& pro
 }
 
 std::string ClassFamily::nearestProperty(const QORString& className, std::string_view property) const {
-  Suggestion suggestion(property);
+  QORQL_Suggestion suggestion(property);
   for (const CimPropertyDeclaration& known : _manager.allProperties(_nameSpace, className)) {
     suggestion.consider(known.name.view());
   }
@@ -37,7 +37,7 @@ std::string ClassFamily::nearestProperty(const QORString& className, std::string
 }
 
 std::string ClassFamily::nearestClass(std::string_view name) const {
-  Suggestion suggestion(name);
+  QORQL_Suggestion suggestion(name);
   for (const QORString& known : _manager.classNames(_nameSpace)) suggestion.consider(known.view());
   return suggestion.best();
 }

@@ -7,12 +7,12 @@
 #include <algorithm>
 #include <iostream>
 
+#include "Cimom/QORQL/Face/QORQL_Suggestion.h"
 #include "ErrorReport.h"
 #include "ExitStatus.h"
 #include "OptionDeclarations.h"
 #include "Session.h"
 #include "SessionOptions.h"
-#include "Suggestion.h"
 
 namespace {
 
@@ -92,7 +92,7 @@ bool hasWildcard(const std::string& pattern) { return pattern.find_first_of("*?[
 
 std::string missingClassText(const EmbeddedObjectManager& manager, const std::string& nameSpace,
                              const std::string& name) {
-  Suggestion suggestion(name);
+  QORQL_Suggestion suggestion(name);
   for (const QORString& known : manager.classNames(QORString(nameSpace))) suggestion.consider(known.view());
   const std::string meant = suggestion.best().empty() ? "" : ": did you mean " + suggestion.best() + "?";
   return "there is no class " + name + " in namespace " + nameSpace + meant;

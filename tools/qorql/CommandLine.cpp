@@ -10,7 +10,9 @@
 #include <utility>
 #include <vector>
 
+#include "Cimom/QORQL/Face/QORQL_Suggestion.h"
 #include "Command.h"
+#include "DisplayText.h"
 #include "ErrorReport.h"
 #include "ExitStatus.h"
 
@@ -67,17 +69,51 @@ std::string messageOf(const CLI::App& app, const CLI::ParseError& error) {
   return error.what();
 }
 
+// The option that is nearest to one that the command does not have.
+std::string meantOption(const CLI::App& app, const std::string& name) {
+  QORQL_Suggestion suggestion(name);
+  for (const CLI::Option* option : app.get_options()) {
+    for (const std::string& known : option->get_lnames()) suggestion.consider("--" + known);
+  }
+  return suggestion.best();
+}
+
+// The command that a first argument without meaning is nearest to; "" when it is the statement itself.
+std::string meantCommand(const std::string& name) {
+  QORQL_Suggestion suggestion(name);
+  for (const Command& command : allCommands()) suggestion.consider(command.name);
+  return suggestion.best();
+}
+
+// What may have been meant by arguments that the command does not take.
+std::string hintOf(const CLI::App& app, const Command& command, const Arguments& arguments) {
+  const std::vector<std::string> extra = app.remaining();
+  if (extra.empty()) return {};
+  if (extra.front().starts_with('-')) {
+    const std::string option = meantOption(app, extra.front().substr(0, extra.front().find('=')));
+    return option.empty() ? "" : "did you mean " + option + "?";
+  }
+  if (&command != &allCommands().front()) return {};
+  const std::size_t place = firstPositional(arguments);
+  const std::string meant = place < arguments.size() ? meantCommand(arguments[place]) : "";
+  if (!meant.empty()) return "did you mean the command " + meant + "?";
+  return "a statement is one argument, in quotes: qorql \"SELECT * FROM " + extra.front() + "\"";
+}
+
 int runCommand(int argc, const char* const* argv) {
   Arguments arguments(argv, argv + argc);
-  const DeclaredCommand declared = declareCommand(takeCommand(arguments));
+  const Command& command = takeCommand(arguments);
+  const DeclaredCommand declared = declareCommand(command);
   try {
     declared.app->parse(static_cast<int>(arguments.size()), arguments.data());
     return declared.action();
   } catch (const CLI::Success& success) {
     return declared.app->exit(success, std::cout, std::cerr);
   } catch (const CLI::ParseError& error) {
-    std::cerr << "qorql: " << messageOf(*declared.app, error) << '\n'
-              << "Try " << declared.app->get_name() << " --help.\n";
+    std::cerr << "qorql: " << messageOf(*declared.app, error) << '\n';
+    const std::string hint = hintOf(*declared.app, command, arguments);
+    if (!hint.empty()) std::cerr << "qorql: hint: " << printableText(hint) << '\n';
+    std::cerr << "Try " << declared.app->get_name() << " --help.\n";
     return kExitUsage;
   }
 }

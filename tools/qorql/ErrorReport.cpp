@@ -103,15 +103,22 @@ void printMofFaults(const std::vector<MofDiagnostic>& faults) {
 
 }  // namespace
 
-int reportFailure(const Statement& statement, const std::string& hint) noexcept {
+int reportFailure(const Statement& statement, const QORQL_Hint& hint) noexcept {
   const Report report = reportOf(statement);
   printError(report.message, report.place);
   const TerminalShape terminal = standardErrorShape();
-  if (terminal.isTerminal && report.offset) {
-    std::cerr << lineWithCaret(statement.text, *report.offset, terminal.width);
-  }
-  if (!hint.empty()) std::cerr << "qorql: hint: " << printableText(hint) << '\n';
+  const bool hasCaret = terminal.isTerminal && report.offset;
+  if (hasCaret) std::cerr << lineWithCaret(statement.text, *report.offset, terminal.width);
+  printHint(hint, statement.text, "", hasCaret ? *report.offset : std::string::npos);
   return report.status;
+}
+
+void printHint(const QORQL_Hint& hint, const std::string& text, const std::string& place, std::size_t shown) {
+  if (hint.text.empty()) return;
+  std::cerr << "qorql: hint: " << place << printableText(hint.text) << '\n';
+  if (!hint.hasPlace() || hint.offset == shown) return;
+  const TerminalShape terminal = standardErrorShape();
+  std::cerr << lineWithCaret(text, hint.offset, terminal.isTerminal ? terminal.width : std::string::npos);
 }
 
 int reportStartFailure() noexcept {

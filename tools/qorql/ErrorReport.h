@@ -3,8 +3,10 @@
 #ifndef QORQL_TOOL_ERRORREPORT_H
 #define QORQL_TOOL_ERRORREPORT_H
 
+#include <cstddef>
 #include <string>
 
+#include "Cimom/QORQL/Face/QORQL_Hint.h"
 #include "Statements.h"
 
 // Both report the exception that is being handled and return the exit status;
@@ -14,7 +16,11 @@
 // whole text that the statement is part of. On a terminal the statement's line
 // follows, with a caret under the word at fault, where the error has its place.
 // A hint that is not empty comes last.
-int reportFailure(const Statement& statement, const std::string& hint = {}) noexcept;
+int reportFailure(const Statement& statement, const QORQL_Hint& hint = {}) noexcept;
+// `qorql: hint: <place><text>` and, with or without a terminal, the line of the statement with a caret under the word
+// that the hint is about, unless the caret is shown there already. Nothing for an empty hint.
+void printHint(const QORQL_Hint& hint, const std::string& text, const std::string& place = "",
+               std::size_t shown = std::string::npos);
 // `qorql: error: <message>`: of MOF, configuration or the live classes.
 int reportStartFailure() noexcept;
 

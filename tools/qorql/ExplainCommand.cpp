@@ -95,7 +95,7 @@ int reportUnexplained(const Statement& statement, Session& session, const Sessio
   session.dropWarnings();
   std::cout.flush();
   return reportFailure(statement,
-                       options.isQuiet ? "" : hintOfFailure(session.manager(), options.nameSpace, statement));
+                       options.isQuiet ? QORQL_Hint() : hintOfFailure(session.manager(), options.nameSpace, statement));
 }
 
 int refuseWarned(const std::vector<Statement>& statements, Session& session, const SessionOptions& options) {

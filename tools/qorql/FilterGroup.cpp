@@ -27,6 +27,7 @@ bool FilterGroup::take(CheckedFilter filter, Line line) {
   const std::string place = placeOf(line);
   if (!filter.reason.empty()) {
     reportRefusal(place + "the filter is not valid: " + filter.reason);
+    _session.tellHint(filter, place);
     return false;
   }
   if (!_session.passes(filter, place)) return false;

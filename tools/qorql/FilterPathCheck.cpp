@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "FilterPathCheck.h"
 
+#include "Cimom/QORQL/Face/QORQL_Suggestion.h"
 #include "FilterSide.h"
-#include "Suggestion.h"
 
 namespace {
 
@@ -118,7 +118,7 @@ class FilterPathCheck::Walk {
   }
 
   std::string meantRoot(const std::string& name) const {
-    Suggestion suggestion(name);
+    QORQL_Suggestion suggestion(name);
     for (const FromNames::Source& source : _check._from.sources()) {
       suggestion.consider(source.className);
       suggestion.consider(source.alias);

@@ -49,6 +49,11 @@ CheckedFilter FilterSession::check(const std::string& text, QORuint32 firstLine,
     const std::string hint = wqlHint(filter, {fault.offset});
     if (!hint.empty()) checked.reason += "; " + hint;
     checked.reason = printableText(checked.reason);
+    // Rows are not what a filter is for.
+    if (fault.cause != QORQL_Fault::kColumnBesideAggregate) {
+      checked.hint = QORQL_hintOf({fault.cause, fault.name, fault.className, fault.offset}, text);
+    }
+    checked.text = text;
   } else {
     std::vector<std::size_t> places;
     for (const Warning& warning : FilterWarnings(manager(), nameSpace(), filter).of(*checked.statement)) {
@@ -63,6 +68,10 @@ CheckedFilter FilterSession::check(const std::string& text, QORuint32 firstLine,
     if (piece.kind == StatementText::Kind::Word) _session.tellOfLeftOut(piece.text);
   }
   return checked;
+}
+
+void FilterSession::tellHint(const CheckedFilter& filter, const std::string& place) const {
+  if (!_options.session.isQuiet) printHint(filter.hint, filter.text, place);
 }
 
 bool FilterSession::passes(const CheckedFilter& filter, const std::string& place) const {

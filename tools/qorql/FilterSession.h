@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Cimom/QORQL/CQLQueryStatement.h"
+#include "Cimom/QORQL/Face/QORQL_Hint.h"
 #include "FilterOptions.h"
 #include "Session.h"
 
@@ -16,6 +17,8 @@ struct CheckedFilter {
   std::unique_ptr<CQLQueryStatement> statement;
   std::string reason;                 // why it is refused; empty for a valid one
   std::vector<std::string> warnings;  // of a valid one that is hardly meant so
+  std::string text;
+  QORQL_Hint hint;  // of one that is refused
 };
 
 // Made once, then opened. BORROWS the options.
@@ -33,6 +36,8 @@ class FilterSession {
   // Prints the warnings of a valid filter on standard error, after what `place` says. With --strict they are errors:
   // false when there is one.
   bool passes(const CheckedFilter& filter, const std::string& place = "") const;
+  // What may have been meant by a filter that is refused, on standard error; nothing when quiet.
+  void tellHint(const CheckedFilter& filter, const std::string& place = "") const;
 
   bool isStrict() const noexcept { return _options.isStrict; }
   EmbeddedObjectManager& manager() { return _session.manager(); }

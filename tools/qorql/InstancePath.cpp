@@ -7,8 +7,8 @@
 
 #include "Cimom/Mof/MofLoader.h"
 #include "Cimom/Mof/MofObjectPath.h"
+#include "Cimom/QORQL/Face/QORQL_Suggestion.h"
 #include "ClassesCommand.h"
-#include "Suggestion.h"
 #include "cimom/CIMApi.h"
 
 namespace {
@@ -45,7 +45,7 @@ std::string literalOf(const MofValueSyntax& value) {
 
 void requireKey(const std::vector<CimPropertyDeclaration>& properties, const QORString& className,
                 const QORString& name) {
-  Suggestion suggestion(name.view());
+  QORQL_Suggestion suggestion(name.view());
   for (const CimPropertyDeclaration& property : properties) {
     if (!property.hasFlag("Key")) continue;
     if (property.name.isEqualCaseInsensitive(name)) return;

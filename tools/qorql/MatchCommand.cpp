@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "Cimom/Mof/MofLoader.h"
+#include "Cimom/QORQL/Face/QORQL_TextPieces.h"
 #include "DisplayText.h"
 #include "ErrorReport.h"
 #include "ExitStatus.h"
@@ -108,11 +109,38 @@ void decide(const CQLQueryStatement& filter, const Instances& instances, bool is
   }
 }
 
-// All are read before the first is decided: a file with a fault decides nothing.
+// Whether the line at fault declares a class.
+bool isOfSchema(const MofException& refusal) {
+  const QORQL_TextPieces pieces(refusal.getDiagnostics().front().sourceLine);
+  std::size_t piece = 0;
+  while (piece < pieces.all().size() && !pieces.is(piece, "class")) ++piece;
+  return pieces.isWord(piece + 1);
+}
+
+// Files of instances that cannot be read; a schema among them is hardly meant as instances.
+class UnreadInstances : public MofException {
+ public:
+  explicit UnreadInstances(const MofException& refusal) : MofException(refusal) {}
+};
+
+// All are read before the first is decided: a file with a fault decides nothing. THROWS UnreadInstances.
 std::vector<Instances> readAll(FilterSession& session, const std::vector<std::string>& paths) {
   std::vector<Instances> files;
-  for (const std::string& path : paths) files.push_back(readInstances(session, path));
+  try {
+    for (const std::string& path : paths) files.push_back(readInstances(session, path));
+  } catch (const MofException& refusal) {
+    throw UnreadInstances(refusal);
+  }
   return files;
+}
+
+// Returns the exit status. REQUIRES to be called inside a catch clause.
+int reportUnread(const UnreadInstances& refusal, bool isQuiet) {
+  const int status = reportStartFailure();
+  if (!isQuiet && isOfSchema(refusal)) {
+    printHint({"", "a schema is given by --mof FILE; the files behind the filter hold instances"}, "");
+  }
+  return status;
 }
 
 int matchMany(FilterSession& session, const MatchOptions& options) {
@@ -136,12 +164,18 @@ int runMatch(const MatchOptions& options) {
     session.open();
     if (options.asked.areMany()) return matchMany(session, options);
     const CheckedFilter filter = session.check(*options.asked.text);
-    if (!filter.reason.empty()) return reportRefusal("the filter is not valid: " + filter.reason);
+    if (!filter.reason.empty()) {
+      reportRefusal("the filter is not valid: " + filter.reason);
+      session.tellHint(filter);
+      return kExitRefused;
+    }
     if (!session.passes(filter)) return kExitRefused;
     const std::vector<Instances> files = readAll(session, options.files);
     DecisionPrinter printer(options.output);
     for (const Instances& instances : files) decide(*filter.statement, instances, options.isWhy, printer);
     printer.finish();
+  } catch (const UnreadInstances& refusal) {
+    return reportUnread(refusal, options.filter.session.isQuiet);
   } catch (...) {
     return reportStartFailure();
   }

@@ -7,13 +7,14 @@
 #include <vector>
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
+#include "Cimom/QORQL/Face/QORQL_Hint.h"
 #include "Statements.h"
 
-// A line for a person about the exception that is being handled: the name that
-// is wrong and the one that may have been meant, one of the commands where the
+// A line for a person about the exception that is being handled: what the language has in the place of a word, the
+// name that is wrong and the one that may have been meant, one of the commands where the
 // statement is a single word. Empty when the error says all that is known.
 // REQUIRES to be called inside a catch clause.
-std::string hintOfFailure(EmbeddedObjectManager& manager, const std::string& nameSpace, const Statement& statement,
-                          const std::vector<std::string>& commands = {});
+QORQL_Hint hintOfFailure(EmbeddedObjectManager& manager, const std::string& nameSpace, const Statement& statement,
+                         const std::vector<std::string>& commands = {});
 
 #endif

@@ -110,7 +110,6 @@ void QueryRunner::finish() {
 
 void QueryRunner::parse(Execution& execution) {
   const Clock::time_point start = Clock::now();
-  _hasEndedEarly = false;
   try {
     execution.parsed.parse(_options.nameSpace);
   } catch (...) {
@@ -162,9 +161,8 @@ std::vector<Warning> QueryRunner::warningsOf(Execution& execution) const {
   return warnings;
 }
 
-// A result that ends early shows no other sign of what is wrong, so its hint is printed without --warnings.
-std::string QueryRunner::hint(const Statement& statement, const std::vector<std::string>& commands) const {
-  if (!isWarning() && (_options.isQuiet || !_hasEndedEarly)) return {};
+QORQL_Hint QueryRunner::hint(const Statement& statement, const std::vector<std::string>& commands) const {
+  if (_options.isQuiet) return {};
   return hintOfFailure(_session.manager(), _options.nameSpace, statement, commands);
 }
 
@@ -193,8 +191,7 @@ void QueryRunner::execute(Execution& execution) {
   execution.parsed.query().execute(execution.parsed.symbols(), execution.table, isStreamed ? &_out : nullptr,
                                    QORString(_options.nameSpace));
   execution.executeTime = millisecondsSince(start);
-  _hasEndedEarly = execution.monitor.causeOfEarlyEnd() != nullptr;
-  if (_hasEndedEarly) std::rethrow_exception(execution.monitor.causeOfEarlyEnd());
+  if (execution.monitor.causeOfEarlyEnd() != nullptr) std::rethrow_exception(execution.monitor.causeOfEarlyEnd());
 }
 
 void QueryRunner::print(Execution& execution) {

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "Cimom/QORQL/Face/QORQL_Hint.h"
 #include "OutputOptions.h"
 #include "ResultWriter.h"
 #include "Session.h"
@@ -28,10 +29,9 @@ class QueryRunner {
   // For --strict: parses a statement and reports its warnings as errors, after the text `place`. THROWS
   // what parsing throws.
   bool isFreeOfWarnings(const Statement& statement, const std::string& place = "");
-  // What may have been meant by a statement that failed, where warnings are
-  // wanted or the result ended early; empty when nothing is known. A single word may stand for one of the
-  // commands. REQUIRES to be called inside a catch clause.
-  std::string hint(const Statement& statement, const std::vector<std::string>& commands) const;
+  // What may have been meant by a statement that failed; empty when nothing is known, and when quiet. A single word may
+  // stand for one of the commands. REQUIRES to be called inside a catch clause.
+  QORQL_Hint hint(const Statement& statement, const std::vector<std::string>& commands) const;
   // After the last statement: completes the output.
   void finish();
 
@@ -55,7 +55,6 @@ class QueryRunner {
   const OutputOptions& _output;
   Session& _session;
   std::ostream& _out;
-  bool _hasEndedEarly = false;
   std::unique_ptr<ResultWriter> _writer;
   OutputForm _writerForm = OutputForm::Table;
 };

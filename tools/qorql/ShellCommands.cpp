@@ -8,6 +8,7 @@
 #include <iostream>
 #include <optional>
 
+#include "Cimom/QORQL/Face/QORQL_Suggestion.h"
 #include "ClassesCommand.h"
 #include "DescribeCommand.h"
 #include "DisplayText.h"
@@ -18,7 +19,6 @@
 #include "ParsedQuery.h"
 #include "QueryHint.h"
 #include "StatementCompletion.h"
-#include "Suggestion.h"
 #include "SurpriseReport.h"
 
 namespace {
@@ -144,7 +144,9 @@ void explain(Argument query, ShellState& state) {
       state.session.dropWarnings();
       std::cout.flush();
       const Statement typed{statement.text, 1};
-      reportFailure(typed, hintOfFailure(state.session.manager(), state.options.nameSpace, typed));
+      reportFailure(typed, state.options.isQuiet
+                               ? QORQL_Hint()
+                               : hintOfFailure(state.session.manager(), state.options.nameSpace, typed));
     }
   }
   if (query.empty()) complain(".explain needs a statement");
@@ -219,7 +221,7 @@ std::string argumentOf(const std::string& line) {
 }
 
 void complainOfUnknown(const std::string& name) {
-  Suggestion suggestion(name);
+  QORQL_Suggestion suggestion(name);
   for (const ShellCommand& command : kCommands) suggestion.consider(command.name);
   const std::string& best = suggestion.best();
   complain("there is no command " + name + (best.empty() ? "" : ", did you mean " + best + "?") + "; .help lists them");

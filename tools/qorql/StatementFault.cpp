@@ -4,7 +4,8 @@
 
 #include <algorithm>
 
-#include "Suggestion.h"
+#include "Cimom/QORQL/Face/QORQL_Suggestion.h"
+#include "ClassFamily.h"
 
 namespace {
 
@@ -25,18 +26,20 @@ StatementFault::Description StatementFault::describe(const CQLQueryFault& fault)
   if (fault.kind == CQLQueryFault::kLanguage) {
     return {"'" + plain(fault.name) + "' is no language of filters: use DMTF:CQL, CQL or WQL"};
   }
-  if (fault.kind == CQLQueryFault::kSyntax) return {describeSyntax(fault)};
+  if (fault.kind == CQLQueryFault::kSyntax) return {describeSyntax(fault), fault.offset};
   // A class that does not exist has no properties either: it is the cause.
-  if (const StatementText::Source* const source = unknownSource()) return {describeClass(*source)};
+  if (const StatementText::Source* const source = unknownSource()) {
+    return {describeClass(*source), static_cast<QORuint32>(source->offset)};
+  }
   switch (fault.kind) {
     case CQLQueryFault::kProperty:
       return describeProperty(fault);
     case CQLQueryFault::kAmbiguous:
-      return {describeAmbiguous(fault)};
+      return {describeAmbiguous(fault), fault.offset};
     case CQLQueryFault::kQualifier:
-      return {describeQualifier(fault)};
+      return {describeQualifier(fault), fault.offset};
     default:
-      return {plain(fault.message)};
+      return {plain(fault.message), fault.offset};
   }
 }
 
@@ -64,7 +67,7 @@ std::string StatementFault::describeClass(const StatementText::Source& source) c
     reason.append(" but one of ").append(other.view());
     return reason + place;
   }
-  Suggestion suggestion(source.className);
+  QORQL_Suggestion suggestion(source.className);
   for (const QORString& name : _manager.classNames(_nameSpace)) suggestion.consider(name.view());
   return reason + didYouMean(suggestion.best()) + place;
 }
@@ -90,7 +93,7 @@ std::string StatementFault::namesOf(const std::vector<QORString>& classes) const
 }
 
 std::string StatementFault::suggestProperty(const std::string& name, const std::vector<QORString>& classes) const {
-  Suggestion suggestion(name);
+  QORQL_Suggestion suggestion(name);
   for (const QORString& className : classes) {
     for (const CimPropertyDeclaration& property : _manager.allProperties(_nameSpace, className)) {
       suggestion.consider(property.name.view());
@@ -117,12 +120,28 @@ StatementFault::Description StatementFault::describeProperty(const CQLQueryFault
   if (!namesake.IsNull()) {
     const bool isAssociation = namesake->getQualifier("Association", true) != nullptr;
     return {name + " is a class and no property of " + namesOf(classes) +
-            (isAssociation ? ": an association is written " + name + " = a AND " + name + " = b" : "") +
-            placeOf(fault)};
+                (isAssociation ? ": an association is written " + name + " = a AND " + name + " = b" : "") +
+                placeOf(fault),
+            fault.offset};
+  }
+  const std::string below = plain(holderBelow(fault.name, classes));
+  if (!below.empty()) {
+    return {name + " is no property of " + namesOf(classes) + " but of " + below + ", a subclass" + placeOf(fault),
+            fault.offset};
   }
   std::string meant = suggestProperty(name, classes);
   if (meant.empty() && looksLikeText(fault)) meant = "'" + name + "'";
-  return {name + " is no property of " + namesOf(classes) + didYouMean(meant) + placeOf(fault), !meant.empty()};
+  return {name + " is no property of " + namesOf(classes) + didYouMean(meant) + placeOf(fault), fault.offset,
+          !meant.empty()};
+}
+
+QORString StatementFault::holderBelow(const QORString& name, const std::vector<QORString>& classes) const {
+  const ClassFamily family(_manager, _nameSpace);
+  for (const QORString& className : classes) {
+    const QORString holder(family.holderOf(className, name));
+    if (!holder.isEmpty() && !holder.isEqualCaseInsensitive(className)) return holder;
+  }
+  return {};
 }
 
 std::vector<std::string> StatementFault::choicesFor(const std::string& name) const {
@@ -152,7 +171,7 @@ std::string StatementFault::describeQualifier(const CQLQueryFault& fault) const 
     return written + " is a property of " + choice.substr(0, choice.rfind('.')) +
            " and no class of FROM: a query does not read what an object within holds" + placeOf(fault);
   }
-  Suggestion suggestion(written);
+  QORQL_Suggestion suggestion(written);
   for (const StatementText::Source& source : _text.sources()) {
     suggestion.consider(source.className);
     suggestion.consider(source.alias);

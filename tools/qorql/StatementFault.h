@@ -20,7 +20,8 @@ class StatementFault {
 
   struct Description {
     std::string text;
-    bool hasSuggestion = true;  // it says more than that a name is no property
+    QORuint32 offset = CQLQueryFault::kNoOffset;  // of the word that it is about
+    bool hasSuggestion = true;                    // it says more than that a name is no property
   };
   Description describe(const CQLQueryFault& fault) const;
 
@@ -38,6 +39,8 @@ class StatementFault {
   std::vector<QORString> classesOf(const CQLQueryFault& fault) const;
   std::string namesOf(const std::vector<QORString>& classes) const;
   std::string suggestProperty(const std::string& name, const std::vector<QORString>& classes) const;
+  // Of the classes below these the first that has the property; empty when none has.
+  QORString holderBelow(const QORString& name, const std::vector<QORString>& classes) const;
   bool looksLikeText(const CQLQueryFault& fault) const;
   // The name at fault as the text has it at its place.
   std::string spelling(const CQLQueryFault& fault) const;

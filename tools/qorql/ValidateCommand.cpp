@@ -95,7 +95,8 @@ class Validation {
     } else {
       write(verdict);
     }
-    if (verdict.isValid()) _session.passes(checked, filter.line == 0 ? "" : placeOfFilter(filter));
+    const std::string place = filter.line == 0 ? "" : placeOfFilter(filter);
+    verdict.isValid() ? void(_session.passes(checked, place)) : _session.tellHint(checked, place);
   }
   void write(const FilterVerdict& verdict) {
     const bool isFirst = _writtenCount++ == 0;

@@ -47,6 +47,7 @@ CQLQueryFault CQLQueryFaultOf(const QoriBaseException& error) {
   const QORQL_Fault* const fault = QORQL_faultOf(error);
   if (fault == nullptr) return result;
   result.kind = kindOf(fault->kind);
+  result.cause = fault->kind;
   result.name = fault->name;
   result.className = fault->className;
   result.offset = fault->offset;

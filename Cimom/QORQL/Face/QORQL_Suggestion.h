@@ -1,7 +1,7 @@
 // Which name may have been meant by one that does not exist.
 // SPDX-License-Identifier: Apache-2.0
-#ifndef QORQL_TOOL_SUGGESTION_H
-#define QORQL_TOOL_SUGGESTION_H
+#ifndef QORQL_SUGGESTION_H
+#define QORQL_SUGGESTION_H
 
 #include <cstddef>
 #include <string>
@@ -10,9 +10,9 @@
 // Keeps the candidate that is nearest to a name, ignoring case: the fewest
 // letters inserted, left out, changed or swapped with their neighbour, up to a
 // third of the name's length. Of candidates that are equally near the first stays.
-class Suggestion {
+class QORQL_Suggestion {
  public:
-  explicit Suggestion(std::string_view name);
+  explicit QORQL_Suggestion(std::string_view name);
   void consider(std::string_view candidate);
   // Empty when nothing is near.
   const std::string& best() const noexcept { return _best; }
@@ -24,6 +24,6 @@ class Suggestion {
 };
 
 // How many such changes lead from one text to the other, ignoring case.
-std::size_t editDistance(std::string_view a, std::string_view b);
+std::size_t QORQL_editDistance(std::string_view a, std::string_view b);
 
 #endif

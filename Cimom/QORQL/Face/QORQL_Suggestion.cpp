@@ -1,6 +1,6 @@
 // The distance of two names by optimal string alignment.
 // SPDX-License-Identifier: Apache-2.0
-#include "Suggestion.h"
+#include "Cimom/QORQL/Face/QORQL_Suggestion.h"
 
 #include <algorithm>
 #include <vector>
@@ -14,7 +14,7 @@ char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + '
 
 }  // namespace
 
-std::size_t editDistance(std::string_view a, std::string_view b) {
+std::size_t QORQL_editDistance(std::string_view a, std::string_view b) {
   std::vector<std::size_t> before(b.size() + 1);
   std::vector<std::size_t> last(b.size() + 1);
   std::vector<std::size_t> row(b.size() + 1);
@@ -33,13 +33,13 @@ std::size_t editDistance(std::string_view a, std::string_view b) {
   return last[b.size()];
 }
 
-Suggestion::Suggestion(std::string_view name) : _name(name), _bound(name.size() / 3 + 1) {}
+QORQL_Suggestion::QORQL_Suggestion(std::string_view name) : _name(name), _bound(name.size() / 3 + 1) {}
 
-void Suggestion::consider(std::string_view candidate) {
+void QORQL_Suggestion::consider(std::string_view candidate) {
   if (_name.size() > kLongestName || candidate.size() > kLongestName) return;
   const std::size_t shorter = std::min(candidate.size(), _name.size());
   if (std::max(candidate.size(), _name.size()) - shorter >= _bound) return;
-  const std::size_t distance = editDistance(_name, candidate);
+  const std::size_t distance = QORQL_editDistance(_name, candidate);
   if (distance >= _bound) return;
   _bound = distance;
   _best = candidate;

@@ -1,0 +1,281 @@
+// The hints, each rule by statements in which "^" stands at the place that the hint is about.
+// SPDX-License-Identifier: Apache-2.0
+#include <gmock/gmock.h>
+
+#include <ctime>
+#include <set>
+
+#include "Cimom/QORQL/CQLQueryStatement.h"
+#include "Cimom/QORQL/Face/QORQL_Hint.h"
+#include "Cimom/QORQL/Face/QORQL_Statement.h"
+#include "MarkedStatement.h"
+#include "QueryWorld.h"
+
+namespace {
+
+using testing::AllOf;
+using testing::Contains;
+using testing::EndsWith;
+using testing::StartsWith;
+
+constexpr char kModel[] = R"(
+class Item { [key] uint32 Id; string Name; uint64 Size; uint16 Codes[]; datetime Made; };
+class Part : Item { string Maker; };
+class Box { [key] string Label; };
+instance of Item { Id = 1; Name = "a"; Size = 3; Codes = {1}; Made = "20260101000000.000000+000"; };
+instance of Item { Id = 2; Codes = {}; };
+)";
+
+class Hints : public testing::Test {
+ protected:
+  static QORQL_KnownNames known() {
+    QORQL_KnownNames names;
+    names.nameSpace = "root/cimv2";
+    names.classes = [] { return std::vector<QORString>{"Box", "Item", "Part"}; };
+    names.properties = [](const QORString& className) {
+      if (className.isEqualCaseInsensitive("Box")) return std::vector<QORString>{"Label"};
+      std::vector<QORString> names{"Id", "Name", "Size", "Codes", "Made"};
+      if (className.isEqualCaseInsensitive("Part")) names.emplace_back("Maker");
+      return names;
+    };
+    return names;
+  }
+
+  // Parses and runs it.
+  static QORQL_Hint hintOf(const std::string& text, const QORQL_KnownNames& names = {}) {
+    try {
+      QORQL_Statement statement{QORString(text)};
+      QORQL_Result result = statement.run();
+    } catch (const QoriBaseException& error) {
+      return QORQL_hintOf(error, text, names);
+    }
+    ADD_FAILURE() << "nothing was thrown: " << text;
+    return {};
+  }
+
+ private:
+  QueryWorld _world{kModel};
+};
+
+struct Row {
+  const char* rule;
+  const char* statement;  // "^" stands at the place
+  const char* hint;
+};
+
+constexpr Row kRows[] = {
+    {"curly-quote", "SELECT Id FROM Item WHERE Name = ^\u2018a b\u2019", "a text stands in plain single quotes: 'a b'"},
+    {"curly-quote", "SELECT Id FROM Item WHERE Name = ^\u201Ca\u201D AND Id = 1",
+     "a text stands in plain single quotes: 'a'"},
+    {"open-quote", "SELECT Id FROM Item WHERE Name = ^'abc", "the quote that opens here does not end in its line"},
+    {"open-quote", "SELECT Id FROM Item WHERE Name = 'a' AND Name = ^'abc\nAND Id = 1",
+     "the quote that opens here does not end in its line"},
+    {"double-quote", "SELECT Id FROM Item WHERE Name = ^\"a b\"", "texts stand in single quotes: 'a b'"},
+    {"missing-blank", "SELECT Id FROM Item WHERE Id = 1 ^ANDName = 'a'", "a blank is missing: AND Name"},
+    {"missing-blank", "SELECT Id FROM Item WHERE Id = 1 ^andName = 'a'", "a blank is missing: and Name"},
+    {"missing-blank", "SELECT Id FROM Item ^WHEREId = 1", "a blank is missing: WHERE Id"},
+    {"missing-blank", "SELECT Id FROM Item ^ORDERBY Id ASC", "a blank is missing: ORDER BY"},
+    {"null-comparison", "SELECT Id FROM Item WHERE Name ^= NULL", "NULL is asked for by IS: Name IS NULL"},
+    {"null-comparison", "SELECT Id FROM Item WHERE Name ^<> NULL", "NULL is asked for by IS: Name IS NOT NULL"},
+    {"null-comparison", "SELECT Id FROM Item WHERE Name ^!= null", "NULL is asked for by IS: Name IS NOT NULL"},
+    {"late-not", "SELECT Id FROM Item WHERE Name ^NOT LIKE 'a'", "NOT stands before the comparison: NOT Name LIKE 'a'"},
+    {"group-by", "SELECT Name FROM Item ^GROUP BY Name",
+     "there is no GROUP BY: an aggregate is of all rows. A program behind it groups the rows: qorql -o jsonl "
+     "\"SELECT * FROM Item\" | jq -s \"group_by(.Name)\""},
+    {"column-beside-aggregate", "SELECT COUNT(Id) AS n, ^Name FROM Item",
+     "there is no GROUP BY: an aggregate is of all rows. A program behind it groups the rows: qorql -o jsonl "
+     "\"SELECT * FROM Item\" | jq -s \"group_by(.Name)\""},
+    {"column-beside-aggregate", "SELECT COUNT(Id) AS n, ^Size FROM Item GROUP BY Name",
+     "there is no GROUP BY: an aggregate is of all rows. A program behind it groups the rows: qorql -o jsonl "
+     "\"SELECT * FROM Item\" | jq -s \"group_by(.Name)\""},
+    {"foreign-word", "SELECT Id FROM Item ^LIMIT 3", "the first rows alone are asked for by SELECT FIRST n ..."},
+    {"foreign-word", "SELECT ^TOP 5 Id FROM Item", "the first rows alone are asked for by SELECT FIRST n ..."},
+    {"foreign-word", "SELECT ^DISTINCT Id FROM Item", "there is no DISTINCT: every row is shown"},
+    {"foreign-word", "SELECT COUNT(^DISTINCT Id) AS n FROM Item", "there is no DISTINCT: every row is shown"},
+    {"foreign-word", "SELECT Id FROM Item ^HAVING Id = 1", "there is no HAVING: an aggregate is of all rows"},
+    {"foreign-word", "SELECT Id FROM Item ^JOIN Box ON 1 = 1",
+     "classes stand in FROM with commas between them; WHERE joins them, by values or through an association"},
+    {"foreign-word", "SELECT Id FROM Item ^INNER JOIN Box",
+     "classes stand in FROM with commas between them; WHERE joins them, by values or through an association"},
+    {"foreign-word", "SELECT Id FROM Item ^CROSS JOIN Box",
+     "classes stand in FROM with commas between them; WHERE joins them, by values or through an association"},
+    {"foreign-word", "SELECT Id FROM Item ^LEFT JOIN Box", "an outer join is written in WHERE, as A.x *= B.y"},
+    {"foreign-word", "SELECT Id FROM Item ^RIGHT JOIN Box", "an outer join is written in WHERE, as A.x =* B.y"},
+    {"foreign-word", "SELECT Id FROM Item ^FULL JOIN Box", "an outer join is written in WHERE, as A.x *=* B.y"},
+    {"foreign-word", "SELECT Id FROM Item WHERE Id ^IN (1, 2)",
+     "there is no IN: ask for one value after the other with ="},
+    {"foreign-word", "SELECT Id FROM Item WHERE Id NOT ^IN (1, 2)",
+     "there is no IN: ask for one value after the other with ="},
+    {"foreign-word", "SELECT Id FROM Item WHERE Id ^BETWEEN 1 AND 2",
+     "there is no BETWEEN: write x >= least AND x <= greatest"},
+    {"foreign-word", "SELECT Id FROM Item ^UNION SELECT Label FROM Box",
+     "there is no UNION: run one statement after the other"},
+    {"foreign-word", "SELECT Id FROM Item ^OFFSET 5", "the first rows alone are asked for by SELECT FIRST n ..."},
+    {"comment", "SELECT Id FROM Item ^-- all of them", "the language has no comments: leave it out"},
+    {"comment", "SELECT Id FROM Item WHERE Id = 1 ^-- one", "the language has no comments: leave it out"},
+    {"comment", "SELECT Id FROM Item\nWHERE Id = 3 ^-- one of them\nAND Id = 1",
+     "the language has no comments: leave it out"},
+    {"comment", "SELECT Id ^/* the key */ FROM Item", "the language has no comments: leave it out"},
+    {"double-equals", "SELECT Id FROM Item WHERE Id ^== 1", "equality is written with one ="},
+    {"exclamation-mark", "SELECT Id FROM Item WHERE ^!Name = 'a'", "a condition is negated by NOT: NOT Name = ..."},
+    {"exponent", "SELECT Id FROM Item WHERE Size > ^1e8",
+     "a number with an exponent has a point before it and no plus in it: 1.0e8"},
+    {"exponent", "SELECT Id FROM Item WHERE Size > ^1.5E+3",
+     "a number with an exponent has a point before it and no plus in it: 1.5E3"},
+    {"exponent", "SELECT Id FROM Item WHERE Size > ^1e-3",
+     "a number with an exponent has a point before it and no plus in it: 1.0e-3"},
+    {"unknown-function", "SELECT ^UPPER(Name) AS n FROM Item",
+     "there is no function UPPER: the language has OBJECTPATH, MIN, MAX, COUNT, AVG, SUM, INSTANCEOF"},
+    {"unknown-function", "SELECT ^CUONT(Name) AS n FROM Item", "there is no function CUONT: did you mean COUNT?"},
+    {"count-of-all", "SELECT COUNT(^*) AS n FROM Item", "an aggregate is of a property, as in COUNT(Name)"},
+    {"unknown-form", "SELECT Id FROM Item FORMAT AS ^JSON",
+     "the forms of the language are QORIOBJECT, XML, HTML and CSV; qorql has more: qorql -o json"},
+    {"unknown-form", "SELECT Id FROM Item FORMAT AS ^YAML",
+     "the forms of the language are QORIOBJECT, XML, HTML and CSV"},
+    {"foreign-statement", "^show tables",
+     "classes are listed by qorql classes, and those with instances by qorql contents; in the shell by .tables"},
+    {"foreign-statement", "^describe Item", "a class is told by qorql describe CLASS, in the shell by .describe CLASS"},
+    {"foreign-statement", "^DESC Item", "a class is told by qorql describe CLASS, in the shell by .describe CLASS"},
+    {"foreign-statement", "^USE cimv2",
+     "the namespace is chosen by the option --namespace, in the shell by .namespace"},
+    {"foreign-statement", "^insert into Item", "the language only asks: a statement begins with SELECT"},
+    {"foreign-statement", "^UPDATE Item", "the language only asks: a statement begins with SELECT"},
+    {"foreign-statement", "^DELETE FROM Item", "the language only asks: a statement begins with SELECT"},
+    {"foreign-statement", "^CREATE TABLE x", "the language only asks: a statement begins with SELECT"},
+    {"foreign-statement", "^ALTER TABLE x", "the language only asks: a statement begins with SELECT"},
+    {"foreign-statement", "^DROP TABLE x", "the language only asks: a statement begins with SELECT"},
+    {"foreign-statement", "^WITH x AS (SELECT Id FROM Item)", "the language only asks: a statement begins with SELECT"},
+    {"parenthesis", "SELECT Id FROM Item WHERE (Id = 1 ^AND Name = 'a')",
+     "only one comparison may stand in parentheses: write Id = 1 AND Name = 'a'"},
+    {"parenthesis", "SELECT Id FROM Item WHERE (Id = 1 ^OR Id = 2)",
+     "only one comparison may stand in parentheses: run one statement with Id = 1 and one with Id = 2"},
+    {"parenthesis", "SELECT Id FROM Item WHERE Size = 1 AND NOT (Id = 1 ^AND Name = 'a')",
+     "only one comparison may stand in parentheses: run one statement with NOT Id = 1 and one with Id = 1 AND NOT "
+     "Name = 'a'"},
+    {"parenthesis", "SELECT Id FROM Item WHERE NOT (Id = 1 ^OR Name = 'a')",
+     "only one comparison may stand in parentheses: write NOT Id = 1 AND NOT Name = 'a'"},
+    {"parenthesis", "SELECT Id FROM Item WHERE (Id = 1 ^OR Id = 2 OR Id = 3)",
+     "only one comparison may stand in parentheses: run one statement with a and one with b"},
+    {"second-sort-key", "SELECT Id FROM Item ORDER BY Name^, Id ASC", "rows are sorted by one key"},
+    {"second-sort-key", "SELECT Id FROM Item ORDER BY Name DESC^, Id ASC", "rows are sorted by one key"},
+    {"missing-direction", "SELECT Id FROM Item WHERE Id > 0 ORDER BY Item.Name^",
+     "ASC or DESC stands behind the key: ORDER BY Item.Name ASC"},
+    {"missing-direction", "SELECT Id FROM Item ORDER BY Id ^FORMAT AS CSV",
+     "ASC or DESC stands behind the key: ORDER BY Id ASC"},
+    {"missing-direction", "SELECT Id FROM Item ORDER BY Id ^DECS", "did you mean DESC?"},
+    {"missing-direction", "SELECT Id FROM Item ORDER BY Id ^ascending", "did you mean ASC?"},
+    {"keyword-as-alias", "SELECT Id AS ^Order FROM Item", "Order is a keyword and no name: take another one"},
+    {"keyword-as-alias", "SELECT Id FROM Item AS ^First", "First is a keyword and no name: take another one"},
+    {"keyword-as-name", "SELECT Id, ^Order FROM Item",
+     "Order is a keyword: a property or class that is called so cannot be named, but SELECT * shows it"},
+    {"keyword-as-name", "SELECT Id FROM Item WHERE ^Format = 1",
+     "Format is a keyword: a property or class that is called so cannot be named, but SELECT * shows it"},
+    {"keyword-as-name", "SELECT i.^Order FROM Item AS i",
+     "Order is a keyword: a property or class that is called so cannot be named, but SELECT * shows it"},
+    {"unnamed-column", "SELECT Id, ^Size / 1024 FROM Item", "give it a name with AS: Size / 1024 AS Value"},
+    {"unnamed-column", "SELECT ^(Size + 1) * 2, Id FROM Item", "give it a name with AS: (Size + 1) * 2 AS Value"},
+    {"typing-error", "SELECT Id ^FORM Item", "did you mean FROM?"},
+    {"typing-error", "SELECT Id FROM Item ^WERE Id = 1", "did you mean WHERE?"},
+    {"typing-error", "SELECT Id FROM Item ^ODER BY Id ASC", "did you mean ORDER?"},
+    {"typing-error", "^SELCT Id FROM Item", "did you mean SELECT?"},
+    {"typing-error", "SELECT Id FROM Item WHERE Name ^LKE 'a'", "did you mean LIKE?"},
+    {"missing-as", "SELECT i.Id FROM Item ^i", "an alias stands behind AS: Item AS i"},
+    {"missing-as", "SELECT i.Id FROM Box AS b, Item ^i WHERE i.Id = 1", "an alias stands behind AS: Item AS i"},
+    {"half-association", "SELECT i.Id FROM Item AS i, Box AS b WHERE ^OBJECTPATH(i) = OBJECTPATH(b)",
+     "OBJECTPATH(a) = OBJECTPATH(b) is read as half an association: compare the keys, as in a.Name = b.Name"},
+    {"half-association", "SELECT i.Id FROM Item AS i, Box AS b WHERE Link = i AND ^i.Id = 1",
+     "an association is written with both its ends side by side: Link = a AND Link = b"},
+    {"missing-value", "SELECT Id FROM Item ORDER BY ^Name ASC",
+     "Name is NULL in root/cimv2:Item.Id=2: such rows are left out by WHERE Name IS NOT NULL"},
+    {"missing-value", "SELECT i.Id FROM Item AS i WHERE i.Id > 0 ORDER BY ^i.Name ASC",
+     "i.Name is NULL in root/cimv2:Item.Id=2: such rows are left out by AND i.Name IS NOT NULL"},
+    {"missing-value", "SELECT Id, Size * 2 AS s FROM Item ORDER BY ^s ASC",
+     "Size is NULL in root/cimv2:Item.Id=2: such rows are left out by WHERE Size IS NOT NULL"},
+    {"missing-value", "SELECT Id FROM Item WHERE ^Name LIKE 'a'",
+     "Name is NULL in root/cimv2:Item.Id=2: ask for Name IS NOT NULL AND before it"},
+    {"missing-element", "SELECT Id FROM Item WHERE ^Codes[1] = 1",
+     "Codes has 1 element in root/cimv2:Item.Id=1, and the first is [0]"},
+    {"missing-element", "SELECT Id FROM Item WHERE Id = 2 AND ^Item.Codes[0] = 1",
+     "Item.Codes has no elements in root/cimv2:Item.Id=2, and the first is [0]"},
+    {"incomparable", "SELECT Id FROM Item WHERE Name = ^5",
+     "texts are compared with texts in single quotes, numbers with numbers"},
+    {"incomparable", "SELECT Id FROM Item WHERE Made > ^'2026-11-22'",
+     "a datetime is written '20261122000000.000000+000'"},
+    {"incomparable", "SELECT Id FROM Item WHERE ^'2026-11-22 12:30' < Made",
+     "a datetime is written '20261122123000.000000+000'"},
+};
+
+TEST_F(Hints, SayWhatIsMeantAndWhere) {
+  for (const Row& row : kRows) {
+    SCOPED_TRACE(row.statement);
+    const MarkedStatement marked(row.statement);
+    const QORQL_Hint hint = hintOf(marked.text);
+    EXPECT_STREQ(hint.rule, row.rule);
+    EXPECT_EQ(hint.text, row.hint);
+    EXPECT_EQ(marked.markedAt(hint.offset), row.statement);
+  }
+}
+
+constexpr Row kRowsWithNames[] = {
+    {"class-alone", "Q ^Item", "the objects of a class: SELECT * FROM Item"},
+    {"class-alone", "^item", "the objects of a class: SELECT * FROM Item"},
+    {"property-meant", "SELECT ^Nmae FROM Item", "did you mean Name?"},
+    {"property-meant", "SELECT i.Id FROM Item AS i WHERE i.^Nmae = 'a'", "did you mean Name?"},
+    {"property-meant", "SELECT Id FROM Item ORDER BY ^Nmae ASC", "did you mean Name?"},
+    {"property-meant", "SELECT ^Maker FROM Item", "Maker is a property of Part, a subclass: ask for it FROM Part"},
+    {"class-meant", "SELECT * FROM ^Itm", "did you mean Item?"},
+};
+
+TEST_F(Hints, SayWhichNameIsMeant) {
+  for (const Row& row : kRowsWithNames) {
+    SCOPED_TRACE(row.statement);
+    const MarkedStatement marked(row.statement);
+    const QORQL_Hint hint = hintOf(marked.text, known());
+    EXPECT_STREQ(hint.rule, row.rule);
+    EXPECT_EQ(hint.text, row.hint);
+    EXPECT_EQ(marked.markedAt(hint.offset), row.statement);
+    EXPECT_EQ(hintOf(marked.text).text, "") << "without names nobody knows";
+  }
+}
+
+TEST_F(Hints, EveryRuleHasItsRow) {
+  std::set<std::string> seen;
+  for (const Row& row : kRows) seen.insert(row.rule);
+  for (const Row& row : kRowsWithNames) seen.insert(row.rule);
+  for (const std::string& rule : QORQL_hintRules()) EXPECT_TRUE(seen.contains(rule)) << rule;
+}
+
+// What is no date stands for any: the example is today's.
+TEST_F(Hints, ShowTodayAsADatetime) {
+  const std::time_t before = std::time(nullptr);
+  const std::string text = hintOf("SELECT Id FROM Item WHERE Made > 'yesterday'").text;
+  const std::time_t after = std::time(nullptr);
+  std::set<std::string> days;
+  for (const std::time_t time : {before, after}) {
+    char day[16];
+    days.insert(std::string(day, std::strftime(day, sizeof day, "%Y%m%d", std::gmtime(&time))));
+  }
+  ASSERT_THAT(text, AllOf(StartsWith("a datetime is written '"), EndsWith("000000.000000+000'")));
+  EXPECT_THAT(days, Contains(text.substr(23, 8)));
+}
+
+TEST_F(Hints, SayNothingWhereTheErrorSaysAll) {
+  for (const char* const statement : {"SELECT", "SELECT Id FROM Item WHERE ,", "SELECT Id FROM Item WHERE Id / 0 = 1",
+                                      "SELECT Id FROM", "SELECT Id FROM Item WHERE (Id = 1", "SELECT Wheels FROM Item",
+                                      "SELECT Id FROM Item WHERE Id = 1 - -1 ,", "SELECT Id AS 5 FROM Item"}) {
+    EXPECT_EQ(hintOf(statement).text, "") << statement;
+  }
+  EXPECT_EQ(QORQL_hintOf(QoriBaseException(), "SELECT").text, "");
+}
+
+TEST_F(Hints, AreForFiltersToo) {
+  const MarkedStatement marked("SELECT * FROM Item WHERE Id = 1 ^ANDSize = 2");
+  CQLQueryStatement filter("DMTF:CQL", QORString(marked.text), "root/cimv2", "root/cimv2");
+  ASSERT_NE(filter.validate(), QUERY_VALIDATE_SUCCESS);
+  const CQLQueryFault& fault = filter.getFault();
+  const QORQL_Hint hint = QORQL_hintOf({fault.cause, fault.name, fault.className, fault.offset}, marked.text);
+  EXPECT_EQ(hint.text, "a blank is missing: AND Size");
+  EXPECT_EQ(hint.offset, marked.offset);
+}
+
+}  // namespace
