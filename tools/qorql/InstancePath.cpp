@@ -21,7 +21,7 @@ MofObjectPath parsed(const std::string& text) {
   }
 }
 
-std::string quoted(std::string_view text) {
+std::string textLiteral(std::string_view text) {
   std::string literal = "\"";
   for (const char c : text) {
     if (c == '"' || c == '\\') literal += '\\';
@@ -33,7 +33,7 @@ std::string quoted(std::string_view text) {
 std::string literalOf(const MofValueSyntax& value) {
   switch (value.kind) {
     case MofValueSyntax::Kind::Text:
-      return quoted(value.text.view());
+      return textLiteral(value.text.view());
     case MofValueSyntax::Kind::Boolean:
       return value.flag ? "TRUE" : "FALSE";
     case MofValueSyntax::Kind::Char16:

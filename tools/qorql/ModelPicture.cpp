@@ -13,7 +13,7 @@ constexpr const char* kHead = R"(digraph model {
   edge [fontname="sans-serif", fontsize=10, color="#8d97a8", fontcolor="#667085"];
 )";
 
-std::string quoted(std::string_view text) {
+std::string dotText(std::string_view text) {
   std::string result = "\"";
   for (const char c : text) {
     if (c == '"' || c == '\\') result += '\\';
@@ -34,7 +34,7 @@ class NamespaceGraph {
       for (const auto& end : tie.ends) _counts.try_emplace(nameOf(end.className), 0);
     }
     findMeetings();
-    _text = "  subgraph " + quoted("cluster" + _prefix) + " {\n    label=" + quoted(_nameSpace.view()) + ";\n";
+    _text = "  subgraph " + dotText("cluster" + _prefix) + " {\n    label=" + dotText(_nameSpace.view()) + ";\n";
     for (const auto& [name, count] : _counts) addClass(name, count);
     for (const std::string& name : _meetings) {
       if (!_counts.contains(name)) addSuperclass(name);
@@ -49,7 +49,7 @@ class NamespaceGraph {
 
  private:
   static std::string nameOf(const QORString& name) { return std::string(name.view()); }
-  std::string idOf(const std::string& name) const { return quoted(_prefix + name); }
+  std::string idOf(const std::string& name) const { return dotText(_prefix + name); }
 
   // Empty at the root, and of a class that does not exist.
   std::string superclassOf(const std::string& name) const {
@@ -73,12 +73,12 @@ class NamespaceGraph {
 
   void addClass(const std::string& name, std::size_t count) {
     const std::string number = count == 0 ? "" : "\\n" + std::to_string(count);
-    std::string label = quoted(name);
+    std::string label = dotText(name);
     label.insert(label.size() - 1, number);
     _text += "    " + idOf(name) + " [label=" + label + "];\n";
   }
   void addSuperclass(const std::string& name) {
-    _text += "    " + idOf(name) + " [label=" + quoted(name) +
+    _text += "    " + idOf(name) + " [label=" + dotText(name) +
              ", style=\"rounded,dashed\", color=\"#8d97a8\", fontcolor=\"#667085\"];\n";
   }
   void addInheritance(const std::string& name) {
@@ -92,16 +92,16 @@ class NamespaceGraph {
     if (tie.ends.size() != 2) return addStar(tie, label, number);
     const auto& [first, second] = std::pair(tie.ends[0], tie.ends[1]);
     _text += "    " + idOf(nameOf(first.className)) + " -> " + idOf(nameOf(second.className)) +
-             " [dir=none, color=\"#2f6fed\", label=" + quoted(label) +
-             ", tooltip=" + quoted(nameOf(first.role) + " - " + nameOf(second.role)) + "];\n";
+             " [dir=none, color=\"#2f6fed\", label=" + dotText(label) +
+             ", tooltip=" + dotText(nameOf(first.role) + " - " + nameOf(second.role)) + "];\n";
   }
   // An association of other than two ends is a node of its own.
   void addStar(const ModelContents::Tie& tie, const std::string& label, std::size_t number) {
     const std::string id = idOf("tie " + std::to_string(number));
-    _text += "    " + id + " [shape=ellipse, style=solid, label=" + quoted(label) + "];\n";
+    _text += "    " + id + " [shape=ellipse, style=solid, label=" + dotText(label) + "];\n";
     for (const ModelContents::End& end : tie.ends) {
       _text += "    " + id + " -> " + idOf(nameOf(end.className)) +
-               " [dir=none, color=\"#2f6fed\", label=" + quoted(nameOf(end.role)) + "];\n";
+               " [dir=none, color=\"#2f6fed\", label=" + dotText(nameOf(end.role)) + "];\n";
     }
   }
 
