@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxProviders.h"
 
+#include <algorithm>
+
 #include "Cimom/Providers/LinuxBlockDevice.h"
 #include "Cimom/Providers/LinuxComputerSystem.h"
 #include "Cimom/Providers/LinuxCronEntry.h"
@@ -26,7 +28,8 @@
 #include "Cimom/Providers/LinuxTimer.h"
 #include "Cimom/Providers/LinuxUser.h"
 
-void registerLinuxProviders(EmbeddedObjectManager& manager, const QORString& nameSpace) {
+void registerLinuxProviders(EmbeddedObjectManager& manager, const QORString& nameSpace,
+                            const std::vector<std::string>& except) {
   const std::shared_ptr<InstanceProvider> providers[] = {std::make_shared<LinuxProcess>(),
                                                          std::make_shared<LinuxFileSystem>(),
                                                          std::make_shared<LinuxOperatingSystem>(),
@@ -52,7 +55,10 @@ void registerLinuxProviders(EmbeddedObjectManager& manager, const QORString& nam
                                                          std::make_shared<LinuxServiceProcess>()};
   for (const std::shared_ptr<InstanceProvider>& provider : providers) {
     const bool isDeclared = !manager.sink().findClass(nameSpace, provider->getClassName()).IsNull();
-    if (isDeclared) manager.registerProvider(nameSpace, provider);
+    const bool isExcepted = std::any_of(except.begin(), except.end(), [&provider](const std::string& name) {
+      return provider->getClassName().isEqualCaseInsensitive(QORString(name));
+    });
+    if (isDeclared && !isExcepted) manager.registerProvider(nameSpace, provider);
   }
 }
 

@@ -3,6 +3,9 @@
 #ifndef QORQL_PROVIDERS_LINUXPROVIDERS_H
 #define QORQL_PROVIDERS_LINUXPROVIDERS_H
 
+#include <string>
+#include <vector>
+
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
 
 // MOF text: the qualifiers, the CIM base classes in short form and the Linux
@@ -14,9 +17,11 @@ const char* linuxSchemaMof();
 // the time: for a program that shows no descriptions.
 const char* linuxSchemaMofWithoutDescriptions();
 
-// Registers the provider of each Linux class that the namespace declares; the
-// others are left out. The providers live as long as the object manager.
-void registerLinuxProviders(EmbeddedObjectManager& manager, const QORString& nameSpace);
+// Registers the provider of each Linux class that the namespace declares, but
+// for those in `except`, whose names another model has given to classes of its
+// own. The providers live as long as the object manager.
+void registerLinuxProviders(EmbeddedObjectManager& manager, const QORString& nameSpace,
+                            const std::vector<std::string>& except = {});
 
 // Passes declarations on to another sink, but for classes and qualifiers that
 // exist already. BORROWS the sink, which must outlive this object.

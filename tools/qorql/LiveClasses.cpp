@@ -3,6 +3,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "LiveClasses.h"
 
+#include <algorithm>
+#include <string_view>
 #include <vector>
 
 #include "Cimom/Mof/MofLoader.h"
@@ -16,9 +18,50 @@ constexpr const char* kSource = "live classes";
 // Further names are only counted.
 constexpr std::size_t kMaximumNames = 5;
 
+bool isSameProperty(const CimPropertyDeclaration& a, const CimPropertyDeclaration& b) {
+  return a.name.isEqualCaseInsensitive(b.name) && a.type->getName().isEqualCaseInsensitive(b.type->getName()) &&
+         a.type->isArray() == b.type->isArray() && a.referenceClass.isEqualCaseInsensitive(b.referenceClass) &&
+         a.hasFlag("Key") == b.hasFlag("Key");
+}
+
+// Superclass and properties are the same, in any order; what is said about them need not be.
+bool isSameStructure(const CimClassDeclaration& a, const CimClassDeclaration& b) {
+  const auto hasSame = [&b](const CimPropertyDeclaration& property) {
+    return std::any_of(b.properties.begin(), b.properties.end(),
+                       [&](const CimPropertyDeclaration& other) { return isSameProperty(property, other); });
+  };
+  return a.superClass.isEqualCaseInsensitive(b.superClass) && a.properties.size() == b.properties.size() &&
+         std::all_of(a.properties.begin(), a.properties.end(), hasSame);
+}
+
+// Whether the namespace has a class of its own under the name of a live one. The CIM classes may be other, fuller ones.
+bool isTaken(const EmbeddedObjectManager& manager, const QORString& nameSpace, const CimClassDeclaration& declaration) {
+  constexpr std::string_view kPrefix = "Linux_";
+  CimClassDeclaration existing;
+  return declaration.name.view().starts_with(kPrefix) && manager.describeClass(nameSpace, declaration.name, existing) &&
+         !isSameStructure(existing, declaration);
+}
+
+// Refuses to load the live classes as a whole where a name of theirs is taken.
+class UntakenSink final : public LinuxSchemaSink {
+ public:
+  explicit UntakenSink(EmbeddedObjectManager& manager) : LinuxSchemaSink(manager.sink()), _manager(manager) {}
+
+  void declareClass(const QORString& nameSpace, const CimClassDeclaration& declaration) override {
+    if (isTaken(_manager, nameSpace, declaration)) {
+      throw QoriBaseException("tool", "qorql", "", declaration.name + " is taken", 0);
+    }
+    LinuxSchemaSink::declareClass(nameSpace, declaration);
+  }
+
+ private:
+  const EmbeddedObjectManager& _manager;
+};
+
 class FittingClasses {
  public:
-  FittingClasses(CimDeclarationSink& sink, const QORString& nameSpace) : _sink(sink), _nameSpace(nameSpace) {}
+  FittingClasses(EmbeddedObjectManager& manager, const QORString& nameSpace)
+      : _manager(manager), _sink(manager.sink()), _nameSpace(nameSpace) {}
 
   void declareAll(const MofRecord& record) {
     LinuxSchemaSink sink(_sink);
@@ -45,6 +88,10 @@ class FittingClasses {
     return text + ", which the MOF files leave no room for: " + _reason;
   }
 
+  bool isLeftOut(const QORString& name) const {
+    return std::find(_leftOut.begin(), _leftOut.end(), name.view()) != _leftOut.end();
+  }
+
   bool exists(const QORString& name) const { return !_sink.findClass(_nameSpace, name).IsNull(); }
 
   bool isA(const QORString& name, const QORString& ancestor) const {
@@ -56,8 +103,10 @@ class FittingClasses {
   }
 
   void declare(LinuxSchemaSink& sink, const CimClassDeclaration& declaration) {
-    if (exists(declaration.name)) return;
-    std::string reason = clashOf(declaration);
+    const bool isTakenName = isTaken(_manager, _nameSpace, declaration);
+    if (!isTakenName && exists(declaration.name)) return;
+    std::string reason = isTakenName ? "they declare a class " + std::string(declaration.name.view()) + " of their own"
+                                     : clashOf(declaration);
     try {
       if (reason.empty()) sink.declareClass(_nameSpace, declaration);
     } catch (const QoriBaseException& refusal) {
@@ -75,11 +124,13 @@ class FittingClasses {
   // What the repository does not look at: the classes to which references lead.
   std::string clashOf(const CimClassDeclaration& declaration) const {
     const std::string name(declaration.name.view());
-    if (!declaration.superClass.isEmpty() && !exists(declaration.superClass)) return name + " has no superclass";
+    const QORString& superClass = declaration.superClass;
+    if (!superClass.isEmpty() && (isLeftOut(superClass) || !exists(superClass))) return name + " has no superclass";
     for (const CimPropertyDeclaration& property : declaration.properties) {
       if (property.referenceClass.isEmpty()) continue;
       const std::string target(property.referenceClass.view());
-      if (!exists(property.referenceClass)) return badReference(name, target, "left out");
+      if (isLeftOut(property.referenceClass) || !exists(property.referenceClass))
+        return badReference(name, target, "left out");
       CimPropertyDeclaration inherited;
       const bool isInherited = !declaration.superClass.isEmpty() &&
                                _sink.describeProperty(_nameSpace, declaration.superClass, property.name, inherited);
@@ -90,6 +141,7 @@ class FittingClasses {
     return {};
   }
 
+  const EmbeddedObjectManager& _manager;
   CimDeclarationSink& _sink;
   const QORString& _nameSpace;
   std::vector<std::string> _leftOut;
@@ -100,7 +152,7 @@ LeftOutClasses declareWhatFits(EmbeddedObjectManager& manager, const QORString& 
   EmbeddedObjectManager apart;
   MofRecorder recorder(apart.sink());
   MofLoader(recorder, nameSpace).loadText(schema, kSource);
-  FittingClasses fitting(manager.sink(), nameSpace);
+  FittingClasses fitting(manager, nameSpace);
   fitting.declareAll(recorder.record());
   return fitting.leftOut();
 }
@@ -113,11 +165,11 @@ LeftOutClasses addLiveClasses(EmbeddedObjectManager& manager, const QORString& n
   const char* const schema = isDescribed ? linuxSchemaMof() : linuxSchemaMofWithoutDescriptions();
   LeftOutClasses leftOut;
   try {
-    LinuxSchemaSink sink(manager.sink());
+    UntakenSink sink(manager);
     MofLoader(sink, nameSpace).loadText(schema, kSource);
   } catch (const QoriBaseException&) {
     leftOut = declareWhatFits(manager, nameSpace, schema);
   }
-  registerLinuxProviders(manager, nameSpace);
+  registerLinuxProviders(manager, nameSpace, leftOut.names);
   return leftOut;
 }

@@ -15,8 +15,9 @@ struct LeftOutClasses {
 
 // Declares the live classes and registers their providers. Classes that exist
 // are left as they are, so that a fuller CIM schema replaces the short
-// one; live classes that do not fit those, and what depends on them, are left
-// out and returned. Without their descriptions they are there sooner.
+// one; live classes that do not fit those, or whose name a class of another
+// structure has, and what depends on them, are left out and returned. Without
+// their descriptions they are there sooner.
 enum class LiveDescriptions { Declared, LeftAway };
 LeftOutClasses addLiveClasses(EmbeddedObjectManager& manager, const QORString& nameSpace,
                               LiveDescriptions descriptions = LiveDescriptions::Declared);
