@@ -34,7 +34,7 @@ void dropRestricted(std::vector<CimQualifier>& qualifiers) {
 
 void overrideProperty(CimPropertyDeclaration& inherited, const CimPropertyDeclaration& declared) {
   CimPropertyDeclaration effective = declared;
-  if (effective.defaultValue.IsNull()) effective.defaultValue = inherited.defaultValue;
+  if (!effective.isDefaultNull && effective.defaultValue.IsNull()) effective.defaultValue = inherited.defaultValue;
   inheritQualifiers(effective.qualifiers, inherited.qualifiers);
   inherited = std::move(effective);
 }

@@ -38,7 +38,8 @@ struct CimPropertyDeclaration {
   QORSmrPtr<IQoriType> type;
   QORString referenceClass;            // of a reference property; else empty
   QORsint32 arraySize = -1;            // -1: unbounded or no array
-  QORSmrPtr<IQoriValue> defaultValue;  // null: none
+  bool isDefaultNull = false;          // the default is NULL, also where an inherited one is not
+  QORSmrPtr<IQoriValue> defaultValue;  // null: none, an inherited one stays
   std::vector<CimQualifier> qualifiers;
 
   // The qualifier, ignoring case; null when absent.

@@ -46,8 +46,8 @@ bool sameQualifier(const CimQualifier& a, const CimQualifier& b) {
 
 bool sameProperty(const CimPropertyDeclaration& a, const CimPropertyDeclaration& b) {
   return sameName(a.name, b.name) && sameTypePointer(a.type, b.type) && sameName(a.referenceClass, b.referenceClass) &&
-         a.arraySize == b.arraySize && sameValue(a.defaultValue, b.defaultValue) &&
-         sameLists(a.qualifiers, b.qualifiers, sameQualifier);
+         a.arraySize == b.arraySize && a.isDefaultNull == b.isDefaultNull &&
+         sameValue(a.defaultValue, b.defaultValue) && sameLists(a.qualifiers, b.qualifiers, sameQualifier);
 }
 
 bool sameMethod(const CimMethodDeclaration& a, const CimMethodDeclaration& b) {

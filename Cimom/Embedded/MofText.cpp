@@ -44,7 +44,7 @@ class ClassWriter {
     appendQualifiers(feature.qualifiers, kIndent, "\n");
     _text += kIndent;
     appendDeclarator(feature);
-    if (feature.defaultValue.IsNull()) return;
+    if (feature.defaultValue.IsNull() && !feature.isDefaultNull) return;
     _text += " = ";
     model::appendMofValue(_text, feature.defaultValue);
   }

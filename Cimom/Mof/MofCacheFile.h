@@ -7,7 +7,7 @@
 #include <string>
 
 // Of the format of file and content; another version's files are not read.
-inline constexpr unsigned kMofCacheVersion = 1;
+inline constexpr unsigned kMofCacheVersion = 2;
 
 // A file of this version that is whole: its content. THROWS
 // std::runtime_error that says what is wrong with it.

@@ -164,6 +164,7 @@ class Reader {
     out.type = typeOf(given.type(), given.is_array());
     out.arraySize = given.array_size();
     out.referenceClass = text(given.reference_class());
+    out.isDefaultNull = given.is_default_null();
     out.defaultValue = value(given.default_value());
     qualifiers(given.qualifiers(), out.qualifiers);
     return out;

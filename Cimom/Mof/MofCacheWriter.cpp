@@ -154,7 +154,7 @@ class Writer {
     const auto content = value(given.defaultValue, 0);
     const auto own = qualifiers(given.qualifiers);
     return mofcache::CreateFeature(_out, text(given.name), codeOf(given.type), given.type->isArray(), given.arraySize,
-                                   text(given.referenceClass), content, own);
+                                   text(given.referenceClass), content, own, given.isDefaultNull);
   }
 
   Offset<mofcache::Method> method(const CimMethodDeclaration& given) {

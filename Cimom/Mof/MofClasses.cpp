@@ -11,6 +11,8 @@
 
 namespace {
 
+constexpr int kMaximumLevels = 500;  // of inheritance, which the sink refuses to exceed
+
 std::string textOf(const QORString& text) { return std::string(text.view()); }
 
 const MofType& requireType(const MofName& name) {
@@ -27,29 +29,43 @@ std::string MofClasses::keyOf(const QORString& nameSpace, const QORString& name)
 
 void MofClasses::declareAll() {
   for (const auto& syntax : _document.classes) {
-    _pending.try_emplace(keyOf(syntax->nameSpace, syntax->name.text), Pending{syntax.get(), State::Waiting});
+    _pending.try_emplace(keyOf(syntax->nameSpace, syntax->name.text), Pending{syntax.get()});
   }
   for (const auto& syntax : _document.classes) {
     const Pending& first = _pending[keyOf(syntax->nameSpace, syntax->name.text)];
     // A second declaration must equal the first one, which the sink checks.
     first.syntax == syntax.get() ? declareWithSuperClasses(*syntax) : declare(*syntax);
   }
-  for (const auto& syntax : _document.classes) checkOverridingReferences(*syntax);
 }
 
-// The class that a reference is narrowed to may come later in the text than
-// the reference.
-void MofClasses::checkOverridingReferences(const MofClassSyntax& syntax) {
-  if (syntax.superClass.text.isEmpty() || _document.excusesClass(syntax.name.text)) return;
-  const MofShapes shapes(_sink);
+// As MofShapes::isA, but of classes that are still to be declared, too: the class that a reference is narrowed to may
+// come later in the text than the reference.
+bool MofClasses::isA(const QORString& nameSpace, const QORString& className, const QORString& ancestor) const {
+  QORString name = className;
+  for (int level = 0; level <= kMaximumLevels; ++level) {
+    if (name.isEqualCaseInsensitive(ancestor)) return true;
+    const auto pending = _pending.find(keyOf(nameSpace, name));
+    if (pending == _pending.end()) return MofShapes(_sink).isA(nameSpace, name, ancestor);
+    name = pending->second.syntax->superClass.text;
+    if (name.isEmpty()) return false;
+  }
+  return true;  // a circle or too many levels, which is a fault of its own
+}
+
+bool MofClasses::checkOverridingReferences(const MofClassSyntax& syntax) {
+  if (syntax.superClass.text.isEmpty()) return true;
+  bool isSound = true;
   for (const MofFeatureSyntax& feature : syntax.properties) {
     CimPropertyDeclaration inherited;
     const bool isInherited = feature.isReference && _sink.describeProperty(syntax.nameSpace, syntax.superClass.text,
                                                                            feature.name.text, inherited);
-    if (!isInherited || shapes.isA(syntax.nameSpace, feature.type.text, inherited.referenceClass)) continue;
+    if (!isInherited || inherited.referenceClass.isEmpty()) continue;
+    if (isA(syntax.nameSpace, feature.type.text, inherited.referenceClass)) continue;
+    isSound = false;
     _report.add(feature.type.at, "reference " + textOf(feature.name.text) + " is inherited as one to " +
                                      textOf(inherited.referenceClass) + ", expected that class or one derived from it");
   }
+  return isSound;
 }
 
 QORSmrPtr<IQoriObject> MofClasses::makeObject(const MofClassSyntax& syntax) {
@@ -89,6 +105,7 @@ void MofClasses::declareWithSuperClasses(const MofClassSyntax& syntax) {
     if (pending.state == State::Open) {
       _report.add(next->name.at, "class " + textOf(next->name.text) + " is its own superclass");
       _document.refuseClass(next->name.text);
+      pending.isCircular = true;
       break;
     }
     pending.state = State::Open;
@@ -105,16 +122,21 @@ void MofClasses::declareWithSuperClasses(const MofClassSyntax& syntax) {
 }
 
 void MofClasses::declare(const MofClassSyntax& syntax) {
-  if (_report.isFull() || _document.refusedClasses.count(foldMofName(syntax.name.text)) != 0) return;
+  Pending& pending = _pending[keyOf(syntax.nameSpace, syntax.name.text)];
+  // In a lenient load another declaration of a refused class may be sound.
+  const bool isRefused = _report.isLenient() ? pending.isCircular : _document.hasRefusedClass(syntax.name.text);
+  if (_report.isFull() || isRefused) return;
   CimClassDeclaration declaration;
   if (!hasSuperClass(syntax)) return _document.refuseClass(syntax.name.text);
-  const bool isSound = build(syntax, declaration);
+  bool isSound = build(syntax, declaration);
   // Features with a recorded fault are left out; the others may break rules as well.
   if (!isSound) {
     std::erase_if(declaration.properties, [](const auto& property) { return property.type.IsNull(); });
     declaration.methods.clear();
   }
-  if (!submit(syntax, declaration, isSound)) _document.refuseClass(syntax.name.text);
+  isSound = checkOverridingReferences(syntax) && isSound;
+  if (!submit(syntax, declaration, isSound)) return _document.refuseClass(syntax.name.text);
+  if (pending.declared == nullptr) pending.declared = &syntax;
 }
 
 // Declares the class; when it has faults already, only has it checked.
@@ -129,17 +151,28 @@ bool MofClasses::submit(const MofClassSyntax& syntax, const CimClassDeclaration&
   } catch (const CimDeclarationRefusal& refusal) {
     addFaults(syntax, refusal);
   } catch (const QoriBaseException& refusal) {
-    _report.add(syntax.name.at, refusal.what());
+    _report.add(syntax.name.at, refusal.what() + placeOfEarlier(syntax));
   }
   return false;
+}
+
+// Empty when this load has not declared the class before.
+std::string MofClasses::placeOfEarlier(const MofClassSyntax& syntax) const {
+  const auto found = _pending.find(keyOf(syntax.nameSpace, syntax.name.text));
+  const MofClassSyntax* const earlier = found == _pending.end() ? nullptr : found->second.declared;
+  return earlier == nullptr ? "" : ", at " + describeMofPlace(earlier->name.at);
 }
 
 bool MofClasses::hasSuperClass(const MofClassSyntax& syntax) {
   const QORString& superClass = syntax.superClass.text;
   if (superClass.isEmpty() || !_sink.findClass(syntax.nameSpace, superClass).IsNull()) return true;
-  if (!_document.excusesClass(superClass)) {
-    _report.add(syntax.superClass.at, "superclass " + textOf(superClass) + " of class " + textOf(syntax.name.text) +
-                                          " is not declared in namespace " + textOf(syntax.nameSpace));
+  const std::string what = "superclass " + textOf(superClass) + " of class " + textOf(syntax.name.text) + " is ";
+  const bool isRefused = _document.hasRefusedClass(superClass);
+  if (_report.isLenient() && isRefused) {
+    _report.add(syntax.superClass.at, what + "left out");
+  } else if (_report.isLenient() || (!isRefused && !_document.isIncomplete)) {
+    _report.add(MofFault{syntax.superClass.at, what + "not declared in namespace " + textOf(syntax.nameSpace),
+                         subjectOfMofClass(syntax.nameSpace, superClass)});
   }
   return false;
 }
@@ -212,15 +245,26 @@ void MofClasses::setType(const MofFeatureSyntax& syntax, CimPropertyDeclaration&
 
 void MofClasses::setDefault(const MofClassSyntax& owner, const MofFeatureSyntax& syntax, CimPropertyDeclaration& out) {
   if (!syntax.hasDefault) return;
+  if (syntax.defaultValue.kind == MofValueSyntax::Kind::Null) {
+    out.isDefaultNull = hasInheritedDefault(owner, syntax.name.text);
+    return;
+  }
   MofPropertyShape shape;
   shape.type = findMofType(out.type->getName());
   shape.isArray = syntax.isArray;
   shape.arraySize = syntax.arraySize;
   shape.referenceClass = out.referenceClass;
   const bool isEmbedded = out.findQualifier("EmbeddedInstance") != nullptr || out.hasFlag("EmbeddedObject");
-  if (isEmbedded && syntax.defaultValue.kind != MofValueSyntax::Kind::Null) {
+  if (isEmbedded) {
     throw MofFault{syntax.defaultValue.at,
                    "the default of a property that holds an embedded instance can only be NULL"};
   }
   out.defaultValue = _values.make(syntax.defaultValue, shape, owner.nameSpace, owner.scope, 0);
+}
+
+bool MofClasses::hasInheritedDefault(const MofClassSyntax& owner, const QORString& name) const {
+  CimPropertyDeclaration inherited;
+  return !owner.superClass.text.isEmpty() &&
+         _sink.describeProperty(owner.nameSpace, owner.superClass.text, name, inherited) &&
+         !inherited.defaultValue.IsNull();
 }

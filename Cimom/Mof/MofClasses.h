@@ -32,6 +32,8 @@ class MofClasses {
   struct Pending {
     const MofClassSyntax* syntax = nullptr;
     State state = State::Waiting;
+    bool isCircular = false;                   // it is its own superclass
+    const MofClassSyntax* declared = nullptr;  // the declaration that the sink has taken
   };
 
   static std::string keyOf(const QORString& nameSpace, const QORString& name);
@@ -40,13 +42,16 @@ class MofClasses {
   bool submit(const MofClassSyntax& syntax, const CimClassDeclaration& declaration, bool isSound);
   bool hasSuperClass(const MofClassSyntax& syntax);
   void addFaults(const MofClassSyntax& syntax, const CimDeclarationRefusal& refusal);
-  void checkOverridingReferences(const MofClassSyntax& syntax);
+  bool checkOverridingReferences(const MofClassSyntax& syntax);
+  bool isA(const QORString& nameSpace, const QORString& className, const QORString& ancestor) const;
+  std::string placeOfEarlier(const MofClassSyntax& syntax) const;
   bool build(const MofClassSyntax& syntax, CimClassDeclaration& out);
   bool buildMethod(const MofClassSyntax& owner, const MofMethodSyntax& syntax, CimMethodDeclaration& out);
   bool buildFeature(const MofClassSyntax& owner, const MofFeatureSyntax& syntax, bool isParameter,
                     CimPropertyDeclaration& out);
   void setType(const MofFeatureSyntax& syntax, CimPropertyDeclaration& out) const;
   void setDefault(const MofClassSyntax& owner, const MofFeatureSyntax& syntax, CimPropertyDeclaration& out);
+  bool hasInheritedDefault(const MofClassSyntax& owner, const QORString& name) const;
 
   CimDeclarationSink& _sink;
   MofDocument& _document;

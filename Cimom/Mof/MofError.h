@@ -45,4 +45,13 @@ class MofException : public QoriBaseException {
   std::vector<MofDiagnostic> _diagnostics;
 };
 
+// The faults of a load that passed over what they concern.
+struct MofFaults {
+  // Further faults are only counted.
+  static constexpr std::size_t kMaximumShown = 100;
+
+  std::vector<MofDiagnostic> shown;  // in the order of files and lines
+  std::size_t count = 0;             // with those that are not shown
+};
+
 #endif

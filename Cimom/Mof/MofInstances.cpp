@@ -3,13 +3,7 @@
 #include "Cimom/Mof/MofInstances.h"
 
 void MofInstances::defineAliases() {
-  for (const auto& instance : _document.instances) {
-    try {
-      _values.defineAlias(*instance);
-    } catch (const MofFault& fault) {
-      _report.add(fault);
-    }
-  }
+  for (const auto& instance : _document.instances) _values.defineAlias(*instance);
 }
 
 void MofInstances::createAll() {
@@ -20,7 +14,7 @@ void MofInstances::createAll() {
     } catch (const MofFault& fault) {
       _report.add(fault);
     } catch (const QoriBaseException& refusal) {
-      _report.add(instance->className.at, refusal.what());
+      _report.add(instance->className.at, refusal.what() + describeEarlier(*instance));
     }
   }
 }
@@ -31,6 +25,17 @@ void MofInstances::create(const MofInstanceSyntax& instance) {
   if (!_values.declare(instance, shape, 0, declaration)) return;
   if (!_values.checkKeys(instance, declaration, shape)) return;
   _values.resolveAlias(instance, _sink.createInstance(instance.nameSpace, declaration));
+  _created.push_back(&instance);
+}
+
+// Where the instance of the same path stands; empty when this load has created none.
+std::string MofInstances::describeEarlier(const MofInstanceSyntax& instance) {
+  for (; _indexed < _created.size(); ++_indexed)
+    _byPath.try_emplace(_values.pathOf(*_created[_indexed]), _created[_indexed]);
+  const std::string path = _values.pathOf(instance);
+  const auto earlier = _byPath.find(path);
+  const bool isKnown = !path.empty() && earlier != _byPath.end();
+  return isKnown ? ", declared at " + describeMofPlace(earlier->second->className.at) : "";
 }
 
 std::vector<QORSmrPtr<IQoriObject>> MofInstances::makeObjects() {

@@ -4,6 +4,9 @@
 #ifndef QORQL_MOF_MOFINSTANCES_H
 #define QORQL_MOF_MOFINSTANCES_H
 
+#include <cstddef>
+#include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "Cimom/Embedded/CimDeclarationSink.h"
@@ -26,11 +29,15 @@ class MofInstances {
 
  private:
   void create(const MofInstanceSyntax& instance);
+  std::string describeEarlier(const MofInstanceSyntax& instance);
 
   CimDeclarationSink& _sink;
   MofDocument& _document;
   MofReport& _report;
   MofValues& _values;
+  std::vector<const MofInstanceSyntax*> _created;
+  std::unordered_map<std::string, const MofInstanceSyntax*> _byPath;  // of those created, as far as it was needed
+  std::size_t _indexed = 0;                                           // so many of them
 };
 
 #endif

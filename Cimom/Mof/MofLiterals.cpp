@@ -8,25 +8,6 @@
 
 namespace {
 
-void appendUtf8(QORuint32 code, std::string& out) {
-  const auto put = [&out](QORuint32 byte) { out += static_cast<char>(static_cast<unsigned char>(byte)); };
-  if (code < 0x80) {
-    put(code);
-  } else if (code < 0x800) {
-    put(0xC0 | code >> 6);
-    put(0x80 | (code & 0x3F));
-  } else if (code < 0x10000) {
-    put(0xE0 | code >> 12);
-    put(0x80 | (code >> 6 & 0x3F));
-    put(0x80 | (code & 0x3F));
-  } else {
-    put(0xF0 | code >> 18);
-    put(0x80 | (code >> 12 & 0x3F));
-    put(0x80 | (code >> 6 & 0x3F));
-    put(0x80 | (code & 0x3F));
-  }
-}
-
 std::size_t lengthOfCharacter(QORuint32 firstByte) {
   if (firstByte < 0x80) return 1;
   if (firstByte < 0xC2 || firstByte >= 0xF5) return 0;
@@ -123,6 +104,25 @@ bool isReal(std::string_view digits) {
 }
 
 }  // namespace
+
+void appendUtf8(QORuint32 code, std::string& out) {
+  const auto put = [&out](QORuint32 byte) { out += static_cast<char>(static_cast<unsigned char>(byte)); };
+  if (code < 0x80) {
+    put(code);
+  } else if (code < 0x800) {
+    put(0xC0 | code >> 6);
+    put(0x80 | (code & 0x3F));
+  } else if (code < 0x10000) {
+    put(0xE0 | code >> 12);
+    put(0x80 | (code >> 6 & 0x3F));
+    put(0x80 | (code & 0x3F));
+  } else {
+    put(0xF0 | code >> 18);
+    put(0x80 | (code >> 12 & 0x3F));
+    put(0x80 | (code >> 6 & 0x3F));
+    put(0x80 | (code & 0x3F));
+  }
+}
 
 bool isUtf8(std::string_view text) noexcept {
   QORuint32 code = 0;

@@ -10,6 +10,8 @@
 #include "Cimom/Mof/MofSyntax.h"
 
 bool isUtf8(std::string_view text) noexcept;
+// REQUIRES a character, no surrogate.
+void appendUtf8(QORuint32 code, std::string& out);
 
 // Appends the text of a string literal, given with its quotes, to `out`.
 // THROWS MofFault at an unknown escape or at bytes that are not UTF-8.

@@ -14,19 +14,21 @@
 // One load: its document, its faults and what becomes of them.
 class MofLoader::Load {
  public:
-  Load(CimDeclarationSink& sink, const QORString& nameSpace)
-      : _sink(sink),
-        _nameSpace(nameSpace),
-        _reader(_document, _report, nameSpace),
-        _values(sink, _document, _report),
-        _qualifiers(sink, _report),
-        _classes(sink, _document, _report, _qualifiers, _values) {
+  explicit Load(MofLoader& loader)
+      : _sink(loader._sink),
+        _nameSpace(loader._nameSpace),
+        _report(loader._isLenient),
+        _reader(_document, _report, _nameSpace),
+        _values(_sink, _document, _report),
+        _qualifiers(_sink, _report),
+        _classes(_sink, _document, _report, _qualifiers, _values) {
     _values.setClassMaker([this](const MofClassSyntax& definition) { return _classes.makeObject(definition); });
   }
   Load(const Load&) = delete;
   Load& operator=(const Load&) = delete;
 
   MofReader& reader() noexcept { return _reader; }
+  MofFaults faults() const { return _report.faults(); }
 
   void store() {
     _sink.begin();
@@ -85,27 +87,33 @@ MofLoader::MofLoader(CimDeclarationSink& sink, QORString nameSpace) : _sink(sink
 void MofLoader::loadFile(const std::string& path) { loadFiles({path}); }
 
 void MofLoader::loadFiles(const std::vector<std::string>& paths) {
-  Load load(_sink, _nameSpace);
+  Load load(*this);
   for (const std::string& path : paths) load.reader().readPath(path);
   load.store();
   _inputs = load.reader().getInputs();
+  _faults = load.faults();
 }
 
 void MofLoader::loadText(std::string_view text, const std::string& nameForMessages) {
-  Load load(_sink, _nameSpace);
+  Load load(*this);
   load.reader().readText(text, nameForMessages);
   load.store();
+  _faults = load.faults();
 }
 
 std::vector<QORSmrPtr<IQoriObject>> MofLoader::readInstances(std::string_view text,
                                                              const std::string& nameForMessages) {
-  Load load(_sink, _nameSpace);
+  Load load(*this);
   load.reader().readText(text, nameForMessages);
-  return load.makeObjects();
+  std::vector<QORSmrPtr<IQoriObject>> objects = load.makeObjects();
+  _faults = load.faults();
+  return objects;
 }
 
 std::vector<QORSmrPtr<IQoriObject>> MofLoader::readInstanceFile(const std::string& path) {
-  Load load(_sink, _nameSpace);
+  Load load(*this);
   load.reader().readPath(path);
-  return load.makeObjects();
+  std::vector<QORSmrPtr<IQoriObject>> objects = load.makeObjects();
+  _faults = load.faults();
+  return objects;
 }

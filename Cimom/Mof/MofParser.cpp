@@ -7,6 +7,13 @@
 
 #include "Cimom/Mof/MofLiterals.h"
 
+namespace {
+
+// Nothing is declared in a namespace that was not meant.
+constexpr const char* kLostNameSpace = "; what follows is left out, up to the next namespace";
+
+}  // namespace
+
 MofParser::MofParser(const MofSource& source, MofDocument& document, MofReport& report, Context& context)
     : _source(source), _document(document), _report(report), _context(context), _scanner(source) {
   // No token has been read yet; this is not the end of the text.
@@ -125,7 +132,9 @@ void MofParser::refuseDeclaration(const MofFault& fault) {
   if (!_alias.isEmpty()) _document.refuseAlias(_alias);
   _className = _alias = QORString();
   if (_longString.length == 0 || fault.at.source != &_source || fault.at.offset <= _longString.offset) {
-    _report.add(fault);
+    MofFault told = fault;
+    if (_hasLostNameSpace) told.message += kLostNameSpace;
+    _report.add(told);
     return;
   }
   _report.add(
@@ -163,45 +172,91 @@ void MofParser::readDeclaration() {
   _className = _alias = QORString();
   _longString.length = 0;
   _braces = 0;
+  _hasLostNameSpace = false;
   if (_token.kind == Kind::Pragma) return readPragma();
   if (takeWord("qualifier")) return readQualifierDeclaration();
   std::vector<MofQualifierSyntax> qualifiers = readQualifiers();
   if (takeWord("class")) {
     std::unique_ptr<MofClassSyntax> declared = readClass(std::move(qualifiers));
     endDeclaration();
-    _document.classes.push_back(std::move(declared));
+    if (isPlaced()) _document.classes.push_back(std::move(declared));
     return;
   }
   if (!takeWord("instance")) fail("a declaration: \"class\", \"instance of\", \"Qualifier\" or \"#pragma\"");
   std::unique_ptr<MofInstanceSyntax> instance = readInstance(0);
   endDeclaration();
-  _document.instances.push_back(std::move(instance));
+  if (isPlaced()) _document.instances.push_back(std::move(instance));
+}
+
+// Whether a declaration belongs to a namespace.
+bool MofParser::isPlaced() noexcept {
+  _context.use();
+  return !_context.nameSpace.isEmpty();
 }
 
 void MofParser::readPragma() {
   _pragma = _token.offset;
   advance();
+  if (_report.isLenient() && passOverPragma()) return;
+  const bool isNameSpace = isWord("namespace");
+  _hasLostNameSpace = isNameSpace && _report.isLenient();
+  if (_hasLostNameSpace) _context.nameSpace = QORString();
   const MofName name = expectName("the name of a pragma");
   expectSymbol('(');
   const MofLocation at = here();
   if (_token.kind != Kind::String) fail("a string");
-  const std::string argument = readString();
+  const std::string argument = _hasLostNameSpace ? readNameSpacePath() : readString();
   if (!isSymbol(')')) fail("\")\"");
   _pragma = std::string_view::npos;
   // The included file is read first: the next token comes after its content.
   if (isMofWord(name.text.view(), "include")) _context.include(argument, at);
-  if (isMofWord(name.text.view(), "namespace")) enterNameSpace(argument, at);
+  if (isNameSpace) enterNameSpace(argument, at);
+  _hasLostNameSpace = false;
   advance();
+}
+
+// A pragma that means nothing here may look as it likes: it ends with its line or with its parenthesis.
+bool MofParser::passOverPragma() {
+  if (_token.kind != Kind::Identifier || isWord("include") || isWord("namespace")) return false;
+  const std::string_view text = _source.getText();
+  const std::size_t next = text.find_first_not_of(" \t", _token.offset + _token.length);
+  if (next != std::string_view::npos && text[next] == '(') {
+    while (_token.kind != Kind::End && !isSymbol(')') && !isSymbol(';') && !startsLine()) step();
+    if (isSymbol(')')) step();
+  } else {
+    _scanner.resumeAt(_scanner.lineEndAfter(_token.offset));
+    step();
+  }
+  _pragma = std::string_view::npos;
+  return true;
 }
 
 void MofParser::enterNameSpace(const std::string& path, const MofLocation& at) {
   const QORString nameSpace = localMofNameSpace(path);
   if (nameSpace.isEmpty()) {
-    _report.add(at, "\"" + path + "\" is no namespace");
+    _report.add(at, "\"" + path + "\" is no namespace" + (_report.isLenient() ? kLostNameSpace : ""));
     return;
   }
   _document.nameSpaces.push_back(nameSpace);
   _context.nameSpace = nameSpace;
+  _context.hasNamed = true;
+}
+
+// In a path every row of backslashes, doubled or not, is a slash; the row at its front stands before a host.
+std::string MofParser::readNameSpacePath() {
+  std::string path;
+  for (; _token.kind == Kind::String; advance()) {
+    for (const char c : textOf(_token).substr(1, _token.length - 2)) {
+      if (c != '\\') {
+        path += c;
+      } else if (path.empty()) {
+        path = "//";
+      } else if (path.back() != '/') {
+        path += '/';
+      }
+    }
+  }
+  return isUtf8(path) ? path : std::string();
 }
 
 // --- instances and values ------------------------------------------------------

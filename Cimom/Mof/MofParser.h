@@ -16,18 +16,24 @@
 
 // Reads one text into a document. A syntax fault refuses the declaration it is
 // in; reading continues after the next `;` outside braces, or at the
-// next declaration that starts a line. Recursion follows the nesting of
-// instance values alone, and that is bounded. Belongs to one load; source,
-// document and report outlive it.
+// next declaration that starts a line. A lenient load's report makes the parser
+// read the Windows forms as well: pragmas of any look, flavors Amended and
+// ToInstance, and backslashes in the path of a namespace. Recursion follows the
+// nesting of instance values alone, and that is bounded. Belongs to one load;
+// source, document and report outlive it.
 class MofParser {
  public:
   // What is the same for a text and the texts it includes: an include reads as
   // if it stood in the place of its pragma.
   struct Context {
-    QORString nameSpace;
+    QORString nameSpace;  // empty in a lenient load: the pragma is at fault, what follows belongs nowhere
     QORuint32 scope = 0;  // of aliases
     // Reads the file that an include pragma names; faults go to the report.
     std::function<void(const std::string& path, const MofLocation& at)> include;
+    // The file that is being read has named a namespace, and has used the one that it came into before that.
+    bool hasNamed = false;
+    bool hasUsed = false;
+    void use() noexcept { hasUsed = hasUsed || !hasNamed; }
   };
 
   MofParser(const MofSource& source, MofDocument& document, MofReport& report, Context& context);
@@ -73,7 +79,10 @@ class MofParser {
 
   // Declarations.
   void readDeclaration();
+  bool isPlaced() noexcept;
   void readPragma();
+  bool passOverPragma();
+  std::string readNameSpacePath();
   void enterNameSpace(const std::string& path, const MofLocation& at);
   void readQualifierDeclaration();
   std::unique_ptr<MofClassSyntax> readClass(std::vector<MofQualifierSyntax> qualifiers);
@@ -106,6 +115,7 @@ class MofParser {
   std::size_t _lastEnd = 0;                      // of the token before
   int _braces = 0;                               // those open in the current declaration
   std::size_t _pragma = std::string_view::npos;  // where the pragma that is being read starts
+  bool _hasLostNameSpace = false;                // it was to name the namespace of a lenient load
   // A string over several lines in the current statement. After a fault it is
   // taken for one whose closing quote is missing.
   MofToken _longString;

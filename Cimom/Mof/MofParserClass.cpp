@@ -1,6 +1,8 @@
 // The grammar of qualifiers and classes of MOF.
 // Tested by tests/unit/Mof/MofClassTest.cpp, tests/unit/Mof/MofSyntaxTest.cpp.
 // SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "Cimom/Mof/MofLiterals.h"
@@ -22,6 +24,8 @@ constexpr FlavorWord kFlavors[] = {{"EnableOverride", MofFlavor::EnableOverride}
                                    {"ToSubclass", MofFlavor::ToSubclass},
                                    {"Restricted", MofFlavor::Restricted},
                                    {"Translatable", MofFlavor::Translatable}};
+// Flavors of Windows, without a meaning here.
+constexpr const char* kIdleFlavors[] = {"Amended", "ToInstance"};
 
 }  // namespace
 
@@ -49,7 +53,7 @@ void MofParser::readQualifierDeclaration() {
   }
   if (!hasScope) fail("\"Scope\"");
   endDeclaration();
-  _document.qualifiers.push_back(std::move(declaration));
+  if (isPlaced()) _document.qualifiers.push_back(std::move(declaration));
 }
 
 void MofParser::readScopes(std::vector<QORString>& scopes) {
@@ -80,7 +84,9 @@ bool MofParser::takeFlavor(std::vector<MofFlavor>& flavors) {
     flavors.push_back(known.flavor);
     return true;
   }
-  return false;
+  if (!_report.isLenient()) return false;
+  return std::any_of(std::begin(kIdleFlavors), std::end(kIdleFlavors),
+                     [this](const char* word) { return takeWord(word); });
 }
 
 std::vector<MofQualifierSyntax> MofParser::readQualifiers() {

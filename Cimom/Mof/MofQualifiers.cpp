@@ -120,6 +120,10 @@ bool isAllowed(const QORString& scope, const AllowingScopes& allowing) {
   return false;
 }
 
+std::string keyOf(const QORString& nameSpace, const QORString& name) {
+  return foldMofName(nameSpace) + ':' + foldMofName(name);
+}
+
 template <class Target>
 void applyFlavors(const std::vector<MofFlavor>& flavors, Target& target) {
   for (const MofFlavor flavor : flavors) {
@@ -149,15 +153,22 @@ void MofQualifiers::declare(const MofQualifierDeclarationSyntax& syntax) {
     }
     applyFlavors(syntax.flavors, declaration);
     _sink.declareQualifier(syntax.nameSpace, declaration);
+    _declared.try_emplace(keyOf(syntax.nameSpace, syntax.name.text), syntax.name.at);
   } catch (const MofFault& fault) {
     _report.add(fault);
   } catch (const QoriBaseException& refusal) {
-    _report.add(syntax.name.at, refusal.what());
+    _report.add(syntax.name.at, refusal.what() + placeOfEarlier(syntax));
   }
 }
 
+// Empty when this load has not declared the qualifier before.
+std::string MofQualifiers::placeOfEarlier(const MofQualifierDeclarationSyntax& syntax) const {
+  const auto earlier = _declared.find(keyOf(syntax.nameSpace, syntax.name.text));
+  return earlier == _declared.end() ? "" : ", at " + describeMofPlace(earlier->second);
+}
+
 const MofQualifiers::Meaning& MofQualifiers::meaningOf(const QORString& nameSpace, const QORString& name) {
-  const auto [entry, isNew] = _meanings.try_emplace(foldMofName(nameSpace) + ':' + foldMofName(name));
+  const auto [entry, isNew] = _meanings.try_emplace(keyOf(nameSpace, name));
   Meaning& meaning = entry->second;
   if (!isNew) return meaning;
   CimQualifierDeclaration declared;

@@ -39,13 +39,15 @@ class MofQualifiers {
     bool translatable = false;
     std::vector<QORString> scopes;  // empty: it may stand anywhere
   };
+  std::string placeOfEarlier(const MofQualifierDeclarationSyntax& syntax) const;
   const Meaning& meaningOf(const QORString& nameSpace, const QORString& name);
   CimQualifier resolve(const Meaning& meaning, const MofQualifierSyntax& syntax) const;
   static void checkScope(const Meaning& meaning, const MofQualifierSyntax& syntax, Element element);
 
   CimDeclarationSink& _sink;
   MofReport& _report;
-  std::unordered_map<std::string, Meaning> _meanings;  // by namespace and name, folded
+  std::unordered_map<std::string, Meaning> _meanings;      // by namespace and name, folded
+  std::unordered_map<std::string, MofLocation> _declared;  // likewise; in this load
 };
 
 #endif

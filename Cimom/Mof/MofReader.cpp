@@ -8,18 +8,17 @@
 #include <system_error>
 #include <utility>
 
+#include "Cimom/Mof/MofEncoding.h"
+
 namespace {
 
 namespace fs = std::filesystem;
 
 constexpr std::size_t kMaximumIncludeDepth = 64;
 
-// Why a text cannot be MOF at all; empty when it may be.
-std::string faultOfText(std::string_view text) {
-  const std::string_view mark = text.substr(0, 2);
-  if (mark == "\xFF\xFE" || mark == "\xFE\xFF") return "the text is UTF-16; MOF is read as UTF-8";
-  if (text.find('\0') != std::string_view::npos) return "this is no text: it contains zero bytes";
-  return {};
+// A file's reading for one namespace.
+std::string keyOf(const std::string& canonical, const QORString& nameSpace) {
+  return canonical + '\n' + foldMofName(nameSpace);
 }
 
 std::string canonicalPath(const std::string& path) {
@@ -62,7 +61,7 @@ void MofReader::readText(std::string_view text, const std::string& name) {
   context.include = [this, &context](const std::string& named, const MofLocation& at) {
     readInclude(named, at, context);
   };
-  parse(std::make_unique<MofSource>(name, std::string(text)), context);
+  parse(name, std::string(text), context);
 }
 
 void MofReader::readInclude(const std::string& named, const MofLocation& at, MofParser::Context& context) {
@@ -71,6 +70,7 @@ void MofReader::readInclude(const std::string& named, const MofLocation& at, Mof
 }
 
 void MofReader::readOnce(const std::string& path, MofParser::Context& context, const MofLocation* includer) {
+  if (context.nameSpace.isEmpty()) return;
   const std::string canonical = canonicalPath(path);
   if (std::find(_open.begin(), _open.end(), canonical) != _open.end()) {
     return fail(path, includer, "include loop: " + describeLoop(canonical));
@@ -79,33 +79,60 @@ void MofReader::readOnce(const std::string& path, MofParser::Context& context, c
     return fail(path, includer,
                 "includes nested too deeply: more than " + std::to_string(kMaximumIncludeDepth) + " files");
   }
-  const auto [known, isNew] = _scopeOfFile.try_emplace(canonical, context.scope);
-  if (!isNew) {
-    _imports.push_back({context.scope, known->second});
-    return;
-  }
+  if (isRead(canonical, context)) return;
+  _scopeOfFile.emplace(keyOf(canonical, context.nameSpace), context.scope);
   std::string contents;
   if (const std::string fault = readMofFile(path, contents); !fault.empty()) {
     return fail(path, includer, (includer != nullptr ? "cannot read " + path : "cannot be read") + ": " + fault);
   }
-  _inputs.push_back(describeMofFile(path, contents));
+  if (_described.insert(canonical).second) _inputs.push_back(describeMofFile(path, contents));
   _open.push_back(canonical);
-  parse(std::make_unique<MofSource>(path, std::move(contents)), context);
+  parseOnce(path, canonical, std::move(contents), context);
   _open.pop_back();
 }
 
-void MofReader::parse(std::unique_ptr<MofSource> source, MofParser::Context& context) {
-  _document.sources.push_back(std::move(source));
-  const MofSource& text = *_document.sources.back();
-  if (const std::string fault = faultOfText(text.getText()); !fault.empty()) {
-    _document.isIncomplete = true;
-    _report.addFile(text.getName(), fault);
-    return;
+// The aliases of a file that was read before are lent to the one that includes it again.
+bool MofReader::isRead(const std::string& canonical, MofParser::Context& context) {
+  auto known = _scopeOfFile.find(canonical);
+  if (known == _scopeOfFile.end()) {
+    known = _scopeOfFile.find(keyOf(canonical, context.nameSpace));
+    if (known == _scopeOfFile.end()) return false;
+    context.use();
   }
-  MofParser(text, _document, _report, context).readDeclarations();
+  _imports.push_back({context.scope, known->second});
+  return true;
+}
+
+// A file that names its namespace before it declares anything means the same wherever it is included. One that names
+// it later is not read again for that one either: a part of it is there already.
+void MofReader::parseOnce(const std::string& path, const std::string& canonical, std::string contents,
+                          MofParser::Context& context) {
+  const bool hasNamed = std::exchange(context.hasNamed, false);
+  const bool hasUsed = std::exchange(context.hasUsed, false);
+  parse(path, std::move(contents), context);
+  const bool isPlaced = context.hasUsed || !context.hasNamed;
+  _scopeOfFile.emplace(isPlaced ? keyOf(canonical, context.nameSpace) : canonical, context.scope);
+  context.hasUsed = hasUsed || (!hasNamed && context.hasUsed);
+  context.hasNamed = hasNamed || context.hasNamed;
+}
+
+void MofReader::parse(const std::string& name, std::string text, MofParser::Context& context) {
+  const bool isWhole = decodeMofText(text);
+  _document.sources.push_back(std::make_unique<MofSource>(name, std::move(text)));
+  const MofSource& source = *_document.sources.back();
+  const std::string_view content = source.getText();
+  if (!isWhole) {
+    _report.add({&source, content.size()}, "the text is UTF-16 with half of a character here");
+  } else if (content.find('\0') != std::string_view::npos) {
+    _report.addFile(name, "this is no text: it contains zero bytes");
+  } else {
+    return MofParser(source, _document, _report, context).readDeclarations();
+  }
+  _document.isIncomplete = true;
 }
 
 void MofReader::fail(const std::string& path, const MofLocation* includer, const std::string& message) {
+  if (includer == nullptr && _report.isLenient()) throw MofException({{path, 0, 0, message, "", 0}});
   _document.isIncomplete = true;
   includer != nullptr ? _report.add(*includer, message) : _report.addFile(path, message);
 }

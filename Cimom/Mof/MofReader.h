@@ -7,6 +7,7 @@
 #include <functional>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "Cimom/Mof/MofInput.h"
@@ -14,15 +15,17 @@
 #include "Cimom/Mof/MofReport.h"
 #include "Cimom/Mof/MofSyntax.h"
 
-// Reads files and texts into one document. A file is read once in a load, even
-// when several include it. Each file or text that is read for itself has an
-// alias scope of its own, which its includes share. Belongs to one load.
+// Reads files and texts into one document. A file is read once for each
+// namespace in a load, even when several include it; one that names its namespace
+// before it declares anything is read once. Each file or text that is read for
+// itself has an alias scope of its own, which its includes share. Belongs to one load.
 class MofReader {
  public:
   MofReader(MofDocument& document, MofReport& report, const QORString& nameSpace)
       : _document(document), _report(report), _nameSpace(nameSpace) {}
 
-  // A file, or every .mof in a folder in the order of their names.
+  // A file, or every .mof in a folder in the order of their names. Where a lenient load cannot read what it was
+  // given, it THROWS MofException.
   void readPath(const std::string& path);
   void readText(std::string_view text, const std::string& name);
 
@@ -42,7 +45,10 @@ class MofReader {
   // `includer` is null for a file that is read for itself.
   void readOnce(const std::string& path, MofParser::Context& context, const MofLocation* includer);
   void readInclude(const std::string& named, const MofLocation& at, MofParser::Context& context);
-  void parse(std::unique_ptr<MofSource> source, MofParser::Context& context);
+  bool isRead(const std::string& canonical, MofParser::Context& context);
+  void parseOnce(const std::string& path, const std::string& canonical, std::string contents,
+                 MofParser::Context& context);
+  void parse(const std::string& name, std::string text, MofParser::Context& context);
   MofParser::Context newContext();
   void fail(const std::string& path, const MofLocation* includer, const std::string& message);
   std::string describeLoop(const std::string& path) const;
@@ -51,7 +57,8 @@ class MofReader {
   MofReport& _report;
   QORString _nameSpace;
   QORuint32 _scopes = 0;
-  std::unordered_map<std::string, QORuint32> _scopeOfFile;  // by canonical path
+  std::unordered_map<std::string, QORuint32> _scopeOfFile;  // by canonical path, with or without a namespace
+  std::unordered_set<std::string> _described;               // canonical paths of the files among the inputs
   std::vector<std::string> _open;                           // canonical paths from the outermost file inwards
   std::vector<Import> _imports;
   std::vector<MofInput> _inputs;

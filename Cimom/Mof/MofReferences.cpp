@@ -62,21 +62,27 @@ void MofValues::importScope(QORuint32 into, QORuint32 from) {
 
 void MofValues::defineAlias(const MofInstanceSyntax& instance) {
   if (instance.alias.text.isEmpty()) return;
-  const auto [alias, isNew] = scopeAt(instance.scope).aliases.try_emplace(foldMofName(instance.alias.text));
+  const auto [entry, isNew] = scopeAt(instance.scope).aliases.try_emplace(foldMofName(instance.alias.text));
   if (isNew) {
-    alias->second.instance = &instance;
+    entry->second.instance = &instance;
     return;
   }
-  const MofName& first = alias->second.instance->alias;
-  const MofDiagnostic earlier = first.at.source->diagnose(first.at.offset, "");
-  throw MofFault{instance.alias.at, "alias " + textOf(instance.alias.text) + " is defined twice, first in " +
-                                        earlier.file + " line " + std::to_string(earlier.line)};
+  for (Alias* alias = &entry->second; alias != nullptr; alias = alias->elsewhere.get()) {
+    if (!alias->instance->nameSpace.isEqualCaseInsensitive(instance.nameSpace)) continue;
+    if (alias->rival == nullptr) alias->rival = &instance;
+    return;
+  }
+  auto added = std::make_unique<Alias>();
+  added->instance = &instance;
+  added->elsewhere = std::move(entry->second.elsewhere);
+  entry->second.elsewhere = std::move(added);
 }
 
 void MofValues::resolveAlias(const MofInstanceSyntax& instance, const QORSmrPtr<IQoriInstanceName>& name) {
   if (instance.alias.text.isEmpty()) return;
-  Alias* const alias = findAlias(instance.alias.text, instance.scope);
-  if (alias != nullptr && alias->instance == &instance) alias->name = name;
+  Alias* alias = findAlias(instance.alias.text, instance.scope);
+  while (alias != nullptr && alias->instance != &instance) alias = alias->elsewhere.get();
+  if (alias != nullptr) alias->name = name;
 }
 
 MofValues::Alias* MofValues::findAlias(const QORString& name, QORuint32 scope) {
@@ -112,25 +118,60 @@ IQoriValue::Pointer MofValues::makeReference(const MofValueSyntax& value, const 
 }
 
 QORSmrPtr<IQoriInstanceName> MofValues::nameOfAlias(const MofValueSyntax& value, const Place& place) {
-  Alias* const alias = findAlias(value.text, place.scope);
-  if (alias == nullptr) {
-    if (_document.excusesAlias(value.text)) throw MofFault{};
-    throw MofFault{value.at, "unknown alias " + textOf(value.text)};
+  Alias* const first = findAlias(value.text, place.scope);
+  const std::string name = textOf(value.text);
+  if (first == nullptr) {
+    if (_document.hasRefusedAlias(value.text)) {
+      refuseConsequence({value.at, "the instance of alias " + name + " is left out, and what refers to it"});
+    }
+    const MofFault fault{value.at, "unknown alias " + name};
+    if (_document.isIncomplete) refuseConsequence(fault);
+    throw MofFault(fault);
   }
-  if (!alias->name.IsNull()) return alias->name;
-  if (alias->isRefused) throw MofFault{};
-  if (alias->isOpen) throw MofFault{value.at, "the path of " + textOf(value.text) + " depends on itself"};
-  const MofInstanceSyntax& instance = *alias->instance;
-  alias->isOpen = true;
+  Alias& alias = chooseAlias(*first, value, place);
+  if (!alias.name.IsNull()) return alias.name;
+  if (alias.isRefused) refuseConsequence({value.at, "the path of " + name + " has a fault"});
+  if (alias.isOpen) throw MofFault{value.at, "the path of " + name + " depends on itself"};
+  return nameOfInstance(alias, value, place);
+}
+
+// Of several instances with one alias the one in the namespace of the use is meant.
+MofValues::Alias& MofValues::chooseAlias(Alias& first, const MofValueSyntax& value, const Place& place) const {
+  Alias* chosen = &first;
+  while (chosen != nullptr && !chosen->instance->nameSpace.isEqualCaseInsensitive(place.nameSpace)) {
+    chosen = chosen->elsewhere.get();
+  }
+  if (chosen == nullptr && first.elsewhere != nullptr) {
+    refuseAmbiguous(value, place, *first.instance, *first.elsewhere->instance);
+  }
+  if (chosen == nullptr) chosen = &first;
+  if (chosen->rival != nullptr) refuseAmbiguous(value, place, *chosen->instance, *chosen->rival);
+  return *chosen;
+}
+
+void MofValues::refuseAmbiguous(const MofValueSyntax& value, const Place& place, const MofInstanceSyntax& first,
+                                const MofInstanceSyntax& second) const {
+  throw MofFault{value.at,
+                 "alias " + textOf(value.text) + " is defined twice, at " + describeMofPlace(first.alias.at) +
+                     " and at " + describeMofPlace(second.alias.at),
+                 "alias " + std::to_string(place.scope) + foldMofName(value.text)};
+}
+
+QORSmrPtr<IQoriInstanceName> MofValues::nameOfInstance(Alias& alias, const MofValueSyntax& value, const Place& place) {
+  const MofInstanceSyntax& instance = *alias.instance;
+  alias.isOpen = true;
   try {
     const Place inside{place.property, instance.nameSpace, instance.scope, place.depth + 1};
-    alias->name = nameFromKeys(shapeOf(instance), instance.properties, inside, value.at);
-    alias->isOpen = false;
-  } catch (...) {
-    alias->isRefused = true;
-    throw;
+    alias.name = nameFromKeys(shapeOf(instance), instance.properties, inside, value.at);
+    alias.isOpen = false;
+  } catch (const MofFault& fault) {
+    alias.isRefused = true;
+    if (!_report.isLenient() || fault.at.offset == value.at.offset) throw;
+    // What is told of the other instance does not tell that this one is left out, too.
+    _report.add(fault);
+    throw MofFault{value.at, "the path of " + textOf(value.text) + " has a fault"};
   }
-  return alias->name;
+  return alias.name;
 }
 
 QORSmrPtr<IQoriInstanceName> MofValues::nameOfPath(const MofValueSyntax& value, const Place& place) {

@@ -35,6 +35,14 @@ MofSource::MofSource(std::string name, std::string text) : _name(std::move(name)
 MofSource::MofSource(std::string text, MofLocation origin)
     : _name(origin.source->getName()), _text(std::move(text)), _origin(origin) {}
 
+const MofSource& MofSource::outermost() const noexcept {
+  return _origin.source == nullptr ? *this : _origin.source->outermost();
+}
+
+std::size_t MofSource::outermostOffset(std::size_t offset) const noexcept {
+  return _origin.source == nullptr ? offset : _origin.source->outermostOffset(_origin.offset);
+}
+
 MofDiagnostic MofSource::diagnose(std::size_t offset, const std::string& message) const {
   const std::string_view text(_text);
   offset = std::min(offset, text.size());
@@ -62,4 +70,9 @@ MofDiagnostic MofSource::diagnose(std::size_t offset, const std::string& message
   diagnostic.caret = static_cast<QORuint32>(prefix.size()) + countCharacters(text.substr(from, offset - from));
   blankControls(diagnostic.sourceLine);
   return diagnostic;
+}
+
+std::string describeMofPlace(const MofLocation& at) {
+  const MofDiagnostic place = at.source->diagnose(at.offset, "");
+  return place.file + ':' + std::to_string(place.line) + ':' + std::to_string(place.column);
 }

@@ -37,6 +37,10 @@ class MofSource {
   // The fault at `offset` of this text. A fault in an embedded text is shown
   // where that text stands, the message tells the place inside.
   MofDiagnostic diagnose(std::size_t offset, const std::string& message) const;
+  // BORROWS: the text that an embedded text stands in, at last; this one when it is none.
+  const MofSource& outermost() const noexcept;
+  // Where `offset` lies in the outermost text: where the embedded text stands.
+  std::size_t outermostOffset(std::size_t offset) const noexcept;
 
  private:
   std::string _name;
@@ -50,6 +54,11 @@ class MofSource {
 struct MofFault {
   MofLocation at;
   std::string message;
+  // Faults about one subject are one fault, with the number of its places. Empty: a fault of its own.
+  std::string subject = {};
 };
+
+// A place as messages name it: "file:line:column".
+std::string describeMofPlace(const MofLocation& at);
 
 #endif

@@ -10,6 +10,10 @@ std::string foldMofName(const QORString& name) {
   return folded;
 }
 
+std::string subjectOfMofClass(const QORString& nameSpace, const QORString& name) {
+  return "class " + foldMofName(nameSpace) + ':' + foldMofName(name);
+}
+
 QORString localMofNameSpace(std::string_view path) {
   constexpr std::size_t kNone = std::string_view::npos;
   const std::size_t scheme = path.find("://");
@@ -29,11 +33,3 @@ bool isMofWord(std::string_view text, const char* word) noexcept { return QORStr
 void MofDocument::refuseClass(const QORString& name) { refusedClasses.insert(foldMofName(name)); }
 
 void MofDocument::refuseAlias(const QORString& name) { refusedAliases.insert(foldMofName(name)); }
-
-bool MofDocument::excusesClass(const QORString& name) const {
-  return isIncomplete || refusedClasses.count(foldMofName(name)) != 0;
-}
-
-bool MofDocument::excusesAlias(const QORString& name) const {
-  return isIncomplete || refusedAliases.count(foldMofName(name)) != 0;
-}

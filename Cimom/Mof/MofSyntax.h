@@ -102,6 +102,9 @@ struct MofInstanceSyntax {
   std::vector<MofPropertySyntax> properties;
 };
 
+// A name in the form in which names are compared.
+std::string foldMofName(const QORString& name);
+
 // All that one load declares, in the order of the text. Instances have fixed
 // addresses.
 struct MofDocument {
@@ -112,7 +115,7 @@ struct MofDocument {
   std::vector<std::unique_ptr<MofInstanceSyntax>> instances;
 
   // Names (folded) whose declaration is refused: what depends on them is passed
-  // over in silence, so that one fault gives one diagnostic.
+  // over in silence, unless the load is lenient, so that one fault gives one diagnostic.
   std::unordered_set<std::string> refusedClasses;
   std::unordered_set<std::string> refusedAliases;
   // A file is missing: it may declare any unknown name.
@@ -121,13 +124,13 @@ struct MofDocument {
   // Marks the class, and whatever depends on it, as refused.
   void refuseClass(const QORString& name);
   void refuseAlias(const QORString& name);
-  // Whether an unknown class or alias is the consequence of an earlier fault.
-  bool excusesClass(const QORString& name) const;
-  bool excusesAlias(const QORString& name) const;
+  // Whether the class, or the instance with the alias, is refused.
+  bool hasRefusedClass(const QORString& name) const { return refusedClasses.contains(foldMofName(name)); }
+  bool hasRefusedAlias(const QORString& name) const { return refusedAliases.contains(foldMofName(name)); }
 };
 
-// A name in the form in which names are compared.
-std::string foldMofName(const QORString& name);
+// The subject of faults about an undeclared class.
+std::string subjectOfMofClass(const QORString& nameSpace, const QORString& name);
 // The namespace in a path such as "root/cimv2", "/root/cimv2" or
 // "//./root/cimv2", whose host is skipped; empty when it is none.
 QORString localMofNameSpace(std::string_view path);

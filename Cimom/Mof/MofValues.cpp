@@ -11,6 +11,11 @@ namespace {
 
 std::string textOf(const QORString& text) { return std::string(text.view()); }
 
+// What a property holds, whose class may be any.
+std::string describeObjects(const QORString& className, const char* ofClass, const char* ofAny) {
+  return className.isEmpty() ? ofAny : ofClass + textOf(className);
+}
+
 }  // namespace
 
 const MofClassShape& MofValues::shapeOf(const MofInstanceSyntax& instance) {
@@ -24,9 +29,29 @@ const MofClassShape& MofValues::requireShape(const QORString& nameSpace, const M
   } catch (const QoriBaseException& refusal) {
     throw MofFault{className.at, refusal.what()};
   }
-  if (_document.excusesClass(className.text)) throw MofFault{};
-  throw MofFault{className.at,
-                 "class " + textOf(className.text) + " is not declared in namespace " + textOf(nameSpace)};
+  const std::string subject = subjectOfMofClass(nameSpace, className.text);
+  const std::string what = "class " + textOf(className.text);
+  if (_document.hasRefusedClass(className.text)) {
+    refuseConsequence({className.at, what + " is left out, and what needs it", subject});
+  }
+  const MofFault fault{className.at, what + " is not declared in namespace " + textOf(nameSpace), subject};
+  if (_document.isIncomplete) refuseConsequence(fault);
+  throw MofFault(fault);
+}
+
+void MofValues::refuseConsequence(const MofFault& fault) const {
+  throw _report.isLenient() ? MofFault(fault) : MofFault{};
+}
+
+// What is at fault in the keys is told where the instance itself is read.
+std::string MofValues::pathOf(const MofInstanceSyntax& instance) {
+  try {
+    const MofPropertyShape none;
+    const Place place{none, instance.nameSpace, instance.scope, 0};
+    return textOf(nameFromKeys(shapeOf(instance), instance.properties, place, instance.at)->toString());
+  } catch (const MofFault&) {
+    return {};
+  }
 }
 
 void MofValues::requireDerived(const QORString& nameSpace, const QORString& className, const QORString& ancestor,
@@ -87,8 +112,13 @@ bool MofValues::checkKeys(const MofInstanceSyntax& instance, const CimInstanceDe
 IQoriValue::Pointer MofValues::make(const MofValueSyntax& value, const MofPropertyShape& property,
                                     const QORString& nameSpace, QORuint32 scope, QORuint32 depth) {
   const Place place{property, nameSpace, scope, depth};
-  if (!property.isArray) {
-    return value.kind == MofValueSyntax::Kind::Null ? IQoriValue::Pointer() : makeElement(value, place);
+  if (value.kind == MofValueSyntax::Kind::Null) return {};
+  if (!property.isArray) return makeElement(value, place);
+  const bool isArray = value.kind == MofValueSyntax::Kind::Array;
+  if (!isArray && property.type->kind == MofType::Kind::Object) {
+    throw MofFault{value.at, std::string("found ") + describeMofValue(value) + ", expected an array of " +
+                                 describeObjects(property.embeddedClass, "embedded instances of ", "embedded objects") +
+                                 ", in braces"};
   }
   return makeMofValue(value, *property.type, true, property.arraySize,
                       [this, &place](const MofValueSyntax& element) { return makeElement(element, place); });
@@ -101,8 +131,10 @@ IQoriValue::Pointer MofValues::makeElement(const MofValueSyntax& value, const Pl
   if (type.kind != MofType::Kind::Object) return makeMofScalar(value, type);
   if (value.kind == Kind::Instance) return makeObject(*value.instance, place);
   if (value.kind == Kind::Text) return makeObjectFromText(value, place);
-  throw MofFault{value.at, std::string("found ") + describeMofValue(value) +
-                               ", expected an embedded object: a string or \"instance of\""};
+  throw MofFault{value.at,
+                 std::string("found ") + describeMofValue(value) + ", expected an " +
+                     describeObjects(place.property.embeddedClass, "embedded instance of ", "embedded object") +
+                     ": a string or \"instance of\""};
 }
 
 IQoriValue::Pointer MofValues::makeObject(const MofInstanceSyntax& instance, const Place& place) {
@@ -120,7 +152,9 @@ IQoriValue::Pointer MofValues::makeObject(const MofInstanceSyntax& instance, con
 IQoriValue::Pointer MofValues::makeObjectFromText(const MofValueSyntax& value, const Place& place) {
   const MofSource source(textOf(value.text), value.at);
   try {
-    MofParser::Context context{place.nameSpace, place.scope, {}};
+    MofParser::Context context;
+    context.nameSpace = place.nameSpace;
+    context.scope = place.scope;
     MofParser parser(source, _document, _report, context);
     const MofParser::EmbeddedObject object = parser.readEmbeddedObject(place.depth + 1);
     if (object.definition != nullptr) return makeClassObject(*object.definition, place);

@@ -5,6 +5,7 @@
 #define QORQL_MOF_MOFVALUES_H
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -31,7 +32,8 @@ class MofValues {
   // Files that were read before in the same load lend their aliases to the one
   // that includes them again.
   void importScope(QORuint32 into, QORuint32 from);
-  // Makes the alias of an instance known. THROWS MofFault when its scope has it already.
+  // Makes the alias of an instance known. Where several instances have it, it is a fault to use it, unless one alone
+  // is in the namespace of the use.
   void defineAlias(const MofInstanceSyntax& instance);
   // To be called when the instance of the alias has been stored under this name.
   void resolveAlias(const MofInstanceSyntax& instance, const QORSmrPtr<IQoriInstanceName>& name);
@@ -41,6 +43,8 @@ class MofValues {
   // False when anything was at fault; all of it goes to the report.
   bool declare(const MofInstanceSyntax& instance, const MofClassShape& shape, QORuint32 depth,
                CimInstanceDeclaration& out);
+  // The text of an instance's path; empty when its keys do not tell.
+  std::string pathOf(const MofInstanceSyntax& instance);
   // A key without value goes to the report.
   bool checkKeys(const MofInstanceSyntax& instance, const CimInstanceDeclaration& declaration,
                  const MofClassShape& shape);
@@ -51,9 +55,11 @@ class MofValues {
  private:
   struct Alias {
     const MofInstanceSyntax* instance = nullptr;
-    QORSmrPtr<IQoriInstanceName> name;  // null until it is known
-    bool isOpen = false;                // its keys are being read
-    bool isRefused = false;             // its keys have faults, which have been reported
+    const MofInstanceSyntax* rival = nullptr;  // another one of its namespace that has the same alias
+    std::unique_ptr<Alias> elsewhere;          // the same alias in another namespace
+    QORSmrPtr<IQoriInstanceName> name;         // null until it is known
+    bool isOpen = false;                       // its keys are being read
+    bool isRefused = false;                    // its keys have faults, which have been reported
   };
   struct Scope {
     std::unordered_map<std::string, Alias> aliases;  // by folded name
@@ -81,6 +87,12 @@ class MofValues {
   IQoriValue::Pointer makeObjectFromText(const MofValueSyntax& value, const Place& place);
   IQoriValue::Pointer makeClassObject(const MofClassSyntax& definition, const Place& place) const;
   Alias* findAlias(const QORString& name, QORuint32 scope);
+  Alias& chooseAlias(Alias& first, const MofValueSyntax& value, const Place& place) const;
+  [[noreturn]] void refuseAmbiguous(const MofValueSyntax& value, const Place& place, const MofInstanceSyntax& first,
+                                    const MofInstanceSyntax& second) const;
+  QORSmrPtr<IQoriInstanceName> nameOfInstance(Alias& alias, const MofValueSyntax& value, const Place& place);
+  // Refuses what only follows from another fault; a strict load says nothing of it.
+  [[noreturn]] void refuseConsequence(const MofFault& fault) const;
   Scope& scopeAt(QORuint32 index);
   static const MofPropertyShape& requireProperty(const MofName& name, const MofClassShape& shape);
 

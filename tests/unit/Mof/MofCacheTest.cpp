@@ -209,7 +209,7 @@ TEST_F(MofCaching, AFlippedBitIsNoticed) {
     write("kept.mofcache", flipped);
     EXPECT_THROW(readMofCacheFile(_file), std::runtime_error) << i;
   }
-  write("kept.mofcache", "QORQLMOF\x02" + whole.substr(9));
+  write("kept.mofcache", "QORQLMOF" + std::string(1, static_cast<char>(kMofCacheVersion + 1)) + whole.substr(9));
   EXPECT_EQ(open({_model}).passedOver, "it is of another version");
 }
 

@@ -175,6 +175,54 @@ TEST_F(MofEmbeddedClass, ItsFaultsTellBothPlaces) {
             "1:36: in line 1, column 1 of the embedded text: found \"Disk\", expected \"instance\" or \"class\"");
 }
 
+class MofRedeclaration : public MofTest {
+ protected:
+  // The value that an instance of T gets for a property that its class redeclares, of a superclass whose property has
+  // a default.
+  std::string defaultOf(const std::string& property) {
+    EmbeddedObjectManager fresh;
+    fresh.makeCurrent();
+    MofLoader(fresh.sink())
+        .loadText("class Base { [Key] string Id; uint8 Size = 5; };\nclass T : Base { " + property +
+                      " };\nclass Below : T { };\ninstance of Below { Id = \"a\"; };",
+                  "test.mof");
+    const std::string text = textOf(instancesOf("Below").at(0), "Size");
+    _manager.makeCurrent();
+    return text;
+  }
+};
+
+TEST_F(MofRedeclaration, AnOverridingPropertyWithoutADefaultKeepsTheInheritedOne) {
+  EXPECT_EQ(defaultOf("[Override(\"Size\")] uint8 Size;"), "5");
+  EXPECT_EQ(defaultOf("[Override(\"Size\")] uint8 Size = 6;"), "6");
+}
+
+TEST_F(MofRedeclaration, ADefaultOfNullTakesTheInheritedOneAway) {
+  EXPECT_EQ(defaultOf("[Override(\"Size\")] uint8 Size = NULL;"), "NULL");
+}
+
+TEST_F(MofRedeclaration, WithoutOverrideItMeansTheSame) {
+  EXPECT_EQ(defaultOf("uint8 Size;"), "5");
+  EXPECT_EQ(defaultOf("uint8 Size = 6;"), "6");
+  EXPECT_EQ(defaultOf("uint8 Size = NULL;"), "NULL");
+  load(
+      "class Base { [Key] string Id; uint8 Size = 5; };\nclass T : Base { string Id; };\ninstance of T { Id = \"a\"; "
+      "};");
+  EXPECT_EQ(pathOf(instancesOf("T").at(0)), "root/cimv2:T.Id=\"a\"");
+  EXPECT_EQ(faultOf("class U : Base { uint16 Size; };"),
+            "1:25: class U: property Size is redeclared as uint16, it is inherited as uint8");
+}
+
+TEST_F(MofRedeclaration, ADefaultOfNullIsWrittenAndReadAgain) {
+  const std::string classes = "class Base { [Key] string Id; uint8 Size = 5; };\n";
+  load(classes + "class T : Base { uint8 Size = NULL; };\nclass Free { [Key] string Id; uint8 Size = NULL; };");
+  const std::string text(_manager.classMof("root/cimv2", "T", false).view());
+  EXPECT_NE(text.find("uint8 Size = NULL;"), std::string::npos) << text;
+  EXPECT_NO_THROW(load(text));
+  EXPECT_NO_THROW(load("class Free { [Key] string Id; uint8 Size; };"));
+  EXPECT_EQ(faultOf("class T : Base { uint8 Size; };"), "1:7: class T is declared already, with another declaration");
+}
+
 TEST_F(MofClassRules, AReferenceMayBeNarrowedToAClassThatNobodyDeclares) {
   EXPECT_NO_THROW(load("[Association] class Keeps : Holds { [Key, Override(\"Owned\")] Later REF Owned; };"));
 }

@@ -271,6 +271,10 @@ TEST_F(MofClass, RefusesAnotherDeclarationOfTheSameName) {
   EXPECT_EQ(faultOf("class T { [Key] string B; };"), "1:7: class T is declared already, with another declaration");
   EXPECT_EQ(faultOf("Qualifier Tag : uint8, Scope(any);"),
             "1:11: qualifier Tag is declared already, with another declaration");
+  EXPECT_EQ(faultOf("class U { };\nclass U { uint8 A; };"),
+            "2:7: class U is declared already, with another declaration, at test.mof:1:7");
+  EXPECT_EQ(faultOf("Qualifier Q : string, Scope(any);\n\n  Qualifier Q : uint8, Scope(any);"),
+            "3:13: qualifier Q is declared already, with another declaration, at test.mof:1:11");
 }
 
 }  // namespace

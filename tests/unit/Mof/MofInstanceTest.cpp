@@ -145,7 +145,18 @@ TEST_F(MofInstance, FaultsInEmbeddedTextsTellBothPlaces) {
   EXPECT_EQ(faultOf("instance of Report { Id = 1; One = instance of Slot { }; };"),
             "1:48: found an instance of Slot, expected one of Disk or of a class derived from it");
   EXPECT_EQ(faultOf("instance of Report { Id = 1; One = 5; };"),
+            "1:36: found an integer, expected an embedded instance of Disk: a string or \"instance of\"");
+}
+
+TEST_F(MofInstance, AValueInThePlaceOfAnArrayOfObjectsNamesTheClass) {
+  load("class Rack { [Key] uint8 Id; [EmbeddedInstance(\"Disk\")] string Disks[]; [EmbeddedObject] string All[]; };");
+  EXPECT_EQ(faultOf("instance of Rack { Id = 1; Disks = instance of Disk { Name = \"a\"; }; };"),
+            "1:36: found an instance, expected an array of embedded instances of Disk, in braces");
+  EXPECT_EQ(faultOf("instance of Rack { Id = 1; All = \"instance of Disk { };\"; };"),
+            "1:34: found a string, expected an array of embedded objects, in braces");
+  EXPECT_EQ(faultOf("instance of Rack { Id = 1; All = { 5 }; };"),
             "1:36: found an integer, expected an embedded object: a string or \"instance of\"");
+  EXPECT_NO_THROW(load("instance of Rack { Id = 1; Disks = { instance of Disk { Name = \"a\"; } }; All = NULL; };"));
 }
 
 TEST_F(MofInstance, RefusesUnknownNames) {
@@ -163,16 +174,68 @@ TEST_F(MofInstance, RefusesMissingAndDuplicateKeys) {
   EXPECT_EQ(place(faults[0]), "1:13: the instance of Slot has no value for its key Rear");
   EXPECT_EQ(place(faults[1]), "1:13: the instance of Slot has no value for its key Bay");
   EXPECT_EQ(faultOf("instance of Disk { Name = \"a\"; }; instance of Disk { Name = \"a\"; Size = 1; };"),
-            "1:47: instance root/cimv2:Disk.Name=\"a\" exists already");
+            "1:47: instance root/cimv2:Disk.Name=\"a\" exists already, declared at test.mof:1:13");
   EXPECT_EQ(faultOf("instance of Disk { Name = \"a\"; NAME = \"b\"; };"), "1:32: property Name is given twice");
   EXPECT_EQ(instancesOf("Disk").size(), 0U);
 }
 
-TEST_F(MofInstance, RefusesAliasesDefinedTwiceOrOnThemselves) {
-  EXPECT_EQ(faultOf("instance of Disk as $a { Name = \"a\"; };\ninstance of Disk as $A { Name = \"b\"; };"),
-            "2:21: alias $A is defined twice, first in test.mof line 1");
+TEST_F(MofInstance, AnEarlierInstanceIsNamedHoweverItsPathIsWritten) {
+  const std::string text =
+      "instance of Disk as $a { Name = \"a\"; };\ninstance of Slot as $s { Number = 1; Rear = FALSE; Bay = \"y\"; };\n"
+      "instance of Holds { Where = $s; What = $a; };\n"
+      "instance of Holds { Where = \"Slot.Bay=\\\"y\\\",Number=1,Rear=FALSE\"; What = \"disk.name=\\\"a\\\"\"; };";
+  EXPECT_THAT(faultOf(text), ::testing::EndsWith("exists already, declared at test.mof:3:13"));
+}
+
+TEST_F(MofInstance, AnAliasDefinedTwiceIsAFaultWhereItIsUsed) {
+  const std::string twice =
+      "instance of Disk as $a { Name = \"a\"; };\ninstance of Disk as $A { Name = \"b\"; };\n"
+      "instance of Slot as $s { Number = 1; Rear = FALSE; Bay = \"y\"; };\n";
+  EXPECT_EQ(faultOf(twice + "instance of Holds { Where = $s; What = $a; };"),
+            "4:40: alias $a is defined twice, at test.mof:1:21 and at test.mof:2:21");
+  EXPECT_EQ(
+      faultOf(twice + "instance of Holds { Where = $s; What = $a; };\ninstance of Holds { Where = $s; What = $A; };"),
+      "4:40: alias $a is defined twice, at test.mof:1:21 and at test.mof:2:21 (first of 2 places)");
+  load(twice);
+  EXPECT_EQ(instancesOf("Disk").size(), 2U);
+}
+
+TEST_F(MofInstance, AnAliasOfTwoNamespacesMeansTheOneInTheNamespaceOfItsUse) {
+  const std::string classes =
+      "class T { [Key] string K; };\n[Association] class L { [Key] T REF R; };\ninstance of T as $t { K = ";
+  const std::string text = "#pragma namespace (\"root/a\")\n" + classes +
+                           "\"a\"; };\n#pragma namespace (\"root/b\")\n" + classes +
+                           "\"b\"; };\ninstance of L { R = $t; };\n#pragma namespace (\"root/a\")\n"
+                           "instance of L { R = $t; };\n";
+  load(text);
+  EXPECT_EQ(textOf(instancesOf("L", "root/a").at(0), "R"), "root/a:T.K=\"a\"");
+  EXPECT_EQ(textOf(instancesOf("L", "root/b").at(0), "R"), "root/b:T.K=\"b\"");
+  EXPECT_THAT(
+      faultOf("#pragma namespace (\"root/a\")\ninstance of T as $t { K = \"3\"; };\n#pragma namespace "
+              "(\"root/b\")\ninstance of T as $t { K = \"4\"; };\n#pragma namespace (\"root/c\")\n"
+              "class T { [Key] string K; }; [Association] class L { [Key] T REF R; }; instance of L { R = $t; };"),
+      ::testing::StartsWith("6:92: alias $t is defined twice, at test.mof:"));
+}
+
+TEST_F(MofInstance, RefusesAliasesOnThemselves) {
   EXPECT_EQ(faultOf("[Association] class Loop { [Key] Loop REF L; }; instance of Loop as $l { L = $l; };"),
             "1:78: the path of $l depends on itself");
+}
+
+TEST_F(MofInstance, AnUndeclaredClassIsOneFaultWithTheNumberOfItsPlaces) {
+  load("instance of Slot as $s { Number = 1; Rear = FALSE; Bay = \"y\"; };");
+  std::string text = "instance of Slot as $t { Number = 2; Rear = FALSE; Bay = \"y\"; };\n";
+  for (int i = 0; i < 120; ++i) text += "instance of Disc { Name = \"" + std::to_string(i) + "\"; };\n";
+  EXPECT_EQ(faultOf(text), "2:13: class Disc is not declared in namespace root/cimv2 (first of 120 places)");
+  EXPECT_EQ(faultOf(text + "class Late : Disc { };"),
+            "2:13: class Disc is not declared in namespace root/cimv2 (first of 121 places)");
+  EXPECT_EQ(faultOf(text + "instance of Holds { Where = $t; What = \"disc.Name=\\\"a\\\"\"; };"),
+            "2:13: class Disc is not declared in namespace root/cimv2 (first of 121 places)");
+  std::string full;
+  for (int i = 0; i < 30; ++i) full += "instance of Disc { };\ninstance of Disk { Name = 5; };\n";
+  const auto faults = faultsOf(full);
+  EXPECT_EQ(place(faults.at(0)),
+            "1:13: class Disc is not declared in namespace root/cimv2 (first of at least 19 places)");
 }
 
 TEST_F(MofInstance, RefusesReferencesToTheWrongClass) {

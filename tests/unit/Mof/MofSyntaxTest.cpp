@@ -162,7 +162,7 @@ TEST_F(MofSyntax, StopsAtTwentyFaults) {
   for (int i = 0; i < 50; ++i) text += "klass T { };\n";
   EXPECT_EQ(faultsOf(text).size(), 20U);
   text.clear();
-  for (int i = 0; i < 50; ++i) text += "class A" + std::to_string(i) + " : None { };\n";
+  for (int i = 0; i < 50; ++i) text += "class A" + std::to_string(i) + " : None" + std::to_string(i) + " { };\n";
   EXPECT_EQ(faultsOf(text).size(), 20U);
 }
 
