@@ -153,6 +153,146 @@ class Instances(ToolCase):
             self.assertTrue(result.err.endswith("Try qorql instances --help.\n"), result.err)
 
 
+FAULTY = """#pragma autorecover
+class T { [Key] string K; uint8 N; };
+instance of T { K = "a"; N = 1; };
+instance of T { K = "b"; N = 300; };
+class U : V { };
+instance of T { K = "c"; N = 3; };
+"""
+
+SHOWN = """qorql: warning: {0}:4:30: 300 is out of the range of uint8 (0 to 255)
+  instance of T {{ K = "b"; N = 300; }};
+                               ^
+qorql: warning: {0}:5:11: superclass V of class U is not declared in namespace root/cimv2
+  class U : V {{ }};
+            ^
+qorql: warning: MOF has 2 faults; what is at fault is left out
+"""
+
+
+class Lenient(ToolCase):
+    QUERY = ("-o", "csv", "SELECT K, N FROM T")
+
+    def setUp(self):
+        super().setUp()
+        self.mof = self.write("faulty.mof", FAULTY)
+
+    def test_what_is_sound_is_loaded_and_the_rest_is_told(self):
+        result = self.run_tool("--lenient", "--no-live", "-m", self.mof, *self.QUERY)
+        self.assertEqual((result.status, result.out, result.err), (0, "K,N\na,1\nc,3\n", SHOWN.format(self.mof)))
+
+    def test_without_it_nothing_is_loaded(self):
+        result = self.run_tool("--no-live", "-m", self.mof, *self.QUERY)
+        self.assertEqual((result.status, result.out), (3, ""))
+        self.assertIn(f"qorql: error: {self.mof}:2:1: ", result.err)
+
+    def test_strict_refuses_faults(self):
+        result = self.run_tool("--lenient", "--strict", "--no-live", "-m", self.mof, *self.QUERY)
+        refusal = "qorql: error: --strict refuses MOF with faults (2)\n"
+        self.assertEqual((result.status, result.out, result.err), (3, "", SHOWN.format(self.mof) + refusal))
+        filtered = self.run_tool("validate", "--lenient", "--strict", "--no-live", "-m", self.mof,
+                                 "SELECT * FROM CIM_InstCreation")
+        self.assertEqual((filtered.status, filtered.out), (3, ""))
+        self.assertTrue(filtered.err.endswith(refusal), filtered.err)
+        sound = self.write("sound.mof", "#pragma x\nclass T { [Key] string K; uint8 N; };")
+        self.assertEqual(self.succeed(self.run_tool("--lenient", "--strict", "--no-live", "-m", sound, *self.QUERY)), "K,N\n")
+
+    def test_quiet_does_not_tell(self):
+        result = self.run_tool("--lenient", "--quiet", "--no-live", "-m", self.mof, *self.QUERY)
+        self.assertEqual((result.status, result.out, result.err), (0, "K,N\na,1\nc,3\n", ""))
+        result = self.run_tool("--lenient", "--quiet", "--strict", "--no-live", "-m", self.mof, *self.QUERY)
+        self.assertEqual((result.status, result.out, result.err),
+                         (3, "", "qorql: error: --strict refuses MOF with faults (2)\n"))
+
+    def test_a_hundred_faults_are_shown(self):
+        mof = self.write("many.mof", "class T { [Key] string K; uint8 N; };\n" + "instance of T { K = 1; };\n" * 130)
+        result = self.run_tool("--lenient", "--no-live", "-m", mof, *self.QUERY)
+        self.assertEqual((result.status, result.out), (0, "K,N\n"))
+        self.assertEqual(result.err.count("found an integer, expected a value of type string"), 100)
+        self.assertTrue(result.err.endswith("qorql: warning: MOF has 130 faults, of which 100 are shown; "
+                                            "what is at fault is left out\n"), result.err)
+
+    def test_what_is_named_must_be_there(self):
+        result = self.run_tool("--lenient", "-m", os.path.join(self.folder, "gone.mof"), *self.QUERY)
+        self.assertEqual((result.status, result.out), (3, ""))
+        self.assertIn("gone.mof: cannot be read: there is no such file", result.err)
+
+    def test_other_commands_take_it(self):
+        result = self.run_tool("classes", "--lenient", "--no-live", "-m", self.mof)
+        self.assertEqual((result.status, result.out, result.err), (0, "T\n", SHOWN.format(self.mof)))
+        result = self.run_tool("instances", "--lenient", "--no-live", "-m", self.mof, "T")
+        self.assertEqual((result.status, result.out.count("instance of T")), (0, 2))
+
+    def test_neither_uses_nor_makes_a_cache(self):
+        env = {**os.environ, "XDG_CACHE_HOME": os.path.join(self.folder, "xdg")}
+        with open(self.mof, "a", encoding="utf-8") as model:
+            model.write("// a line that says nothing but is long enough\n" * 8000)
+        lenient = ("--lenient", "--no-live", "-m", self.mof, *self.QUERY)
+        self.assertEqual(self.run_tool(*lenient, env=env).err, SHOWN.format(self.mof))
+        self.assertEqual(self.run_tool(*lenient, env=env).err, SHOWN.format(self.mof))
+        self.assertFalse(os.path.exists(env["XDG_CACHE_HOME"]))
+        self.assertEqual(self.run_tool("--no-live", "-m", self.mof, *self.QUERY, env=env).status, 3)
+        self.wrong_usage(self.run_tool("--lenient", "--cache", "x", *self.QUERY), "--cache", "--lenient")
+
+    def test_filters_know_the_common_indications_where_that_leaves_out_less(self):
+        mof = self.write("alert.mof", "class A_Alert : CIM_AlertIndication { string Extra; };\nclass B : Nobody { };\n")
+        result = self.run_tool("validate", "--lenient", "--no-live", "-m", mof, "SELECT * FROM A_Alert WHERE Extra = 'x'")
+        self.assertEqual((result.status, result.out[:6]), (0, "valid\t"), result.err)
+        self.assertTrue(result.err.endswith("MOF has 1 fault; what is at fault is left out\n"), result.err)
+        own = self.write("own.mof", "class CIM_Indication { string Mine; };\nclass B : Nobody { };\n")
+        result = self.run_tool("validate", "--lenient", "--no-live", "-m", own, "SELECT Mine FROM CIM_Indication")
+        self.assertEqual(result.status, 0, result.err + result.out)
+
+    def test_match_reads_the_instances_that_are_sound(self):
+        alerts = self.write("alerts.mof", "instance of CIM_AlertIndication { MessageID = \"1\"; };\n"
+                                          "instance of CIM_AlertIndication { MessageID = 2; };\n"
+                                          "instance of CIM_AlertIndication { MessageID = \"3\"; };\n")
+        query = "SELECT * FROM CIM_AlertIndication WHERE MessageID = '3'"
+        result = self.run_tool("match", "--lenient", "--no-live", query, alerts)
+        self.assertEqual([line.split("\t")[1] for line in result.out.splitlines()], ["no match", "match"])
+        self.assertIn(f"{alerts}:2:47: found an integer, expected a value of type string", result.err)
+        self.assertEqual(self.run_tool("match", "--no-live", query, alerts).status, 3)
+        self.assertEqual(self.run_tool("match", "--lenient", "--strict", "--no-live", query, alerts).status, 3)
+
+    def test_windows_forms_and_utf_16(self):
+        text = ('#pragma namespace("\\\\\\\\.\\\\root\\\\x")\r\n#pragma autorecover\r\n'
+                '[Description("d") : Amended ToSubclass] class T { [Key : ToInstance] string K; uint8 N; };\r\n'
+                'instance of T { K = "\u00e4"; N = 1; };\r\n')
+        mof = os.path.join(self.folder, "wide.mof")
+        with open(mof, "wb") as file:
+            file.write(text.encode("utf-16"))
+        result = self.run_tool("--lenient", "--no-live", "-n", "root/x", "-m", mof, *self.QUERY)
+        self.assertEqual((result.status, result.out, result.err), (0, "K,N\n\u00e4,1\n", ""))
+
+
+class LiveNames(ToolCase):
+    WARNING = ("qorql: warning: Without Linux_OperatingSystem, which the MOF files leave no room for: "
+               "they declare a class Linux_OperatingSystem of their own\n")
+
+    def test_a_class_of_another_structure_keeps_its_instances_to_itself(self):
+        mof = self.write("own.mof", "class Linux_OperatingSystem { [Key] string Name; };\n"
+                                    "instance of Linux_OperatingSystem { Name = \"mine\"; };\n")
+        result = self.run_tool("-m", mof, "-o", "csv", "SELECT Name FROM Linux_OperatingSystem")
+        self.assertEqual((result.status, result.out, result.err), (0, "Name\nmine\n", self.WARNING))
+        self.assertEqual(self.run_tool("-m", mof, "--quiet", "SELECT Name FROM Linux_OperatingSystem").err, "")
+        self.assertEqual(self.run_tool("-m", mof, "--no-live", "SELECT Name FROM Linux_OperatingSystem").err, "")
+
+    def test_what_depends_on_it_is_left_out_as_well(self):
+        mof = self.write("own.mof", "class Linux_Process { [Key] string Name; };\n")
+        result = self.run_tool("classes", "-m", mof, "Linux_*")
+        names = result.out.split()
+        self.assertIn("Linux_Process", names)
+        self.assertIn("Linux_FileSystemDevice", names)
+        self.assertNotIn("Linux_ProcessOwner", names)
+        self.assertIn("Linux_Process, Linux_ProcessOwner, ", result.err)
+
+    def test_the_live_class_as_it_is_shown_stays_live(self):
+        mof = self.write("shown.mof", self.succeed(self.run_tool("class", "Linux_OperatingSystem")))
+        result = self.run_tool("-m", mof, "-o", "csv", "SELECT KernelName FROM Linux_OperatingSystem")
+        self.assertEqual((result.status, result.out, result.err), (0, "KernelName\nLinux\n", ""))
+
+
 class Cache(ToolCase):
     ARGUMENTS = ("--no-live", "--log", "info", "-o", "csv", "SELECT Id FROM Shop_Empty")
     TAKEN = "qorql: info: MOF: MOF comes from the cache\n"

@@ -379,6 +379,20 @@ class Commands(Shell):
         self.assertNotIn("Fuller", person.ask(".class CIM_ManagedElement"))
         self.assertEqual(person.ask("SELECT Name FROM Linux_User WHERE UserNumber = 0;"), "Name\nroot\n")
 
+    def test_lenient_mof_with_a_fault_is_loaded_without_it(self):
+        person = self.person("-o", "csv", "--lenient", live=True)
+        bad = self.write("bad.mof", "class More { [Key] uint8 K; };\ninstance of More { K = 7; };\n"
+                                    "instance of More { K = 300; };\n")
+        shown = person.ask(".mof " + bad)
+        self.assertIn("qorql: warning: " + bad + ":3:24: 300 is out of the range of uint8", shown)
+        self.assertIn("qorql: warning: MOF has 1 fault; what is at fault is left out", shown)
+        self.assertEqual(person.ask("SELECT K FROM More;"), "K\n7\n")
+        self.assertIn("none.mof", person.ask(".mof " + self.folder + "/none.mof"))
+        full = self.write("full.mof", "class CIM_ManagedElement { string Fuller; };\n")
+        self.assertEqual(person.ask(".mof " + full), "")
+        self.assertIn("string Fuller;", person.ask(".class CIM_ManagedElement"))
+        self.assertEqual(person.ask("SELECT K FROM More;"), "K\n7\n")
+
     def test_namespace(self):
         person = self.person("-o", "csv", "-m", self.write("n.mof", '#pragma namespace ("root/other")\n'
                                                                     "class There { [Key] uint8 K; };\n"))

@@ -7,6 +7,7 @@
 #include <new>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Cimom/Mof/MofError.h"
@@ -82,20 +83,20 @@ std::size_t offsetOfCharacter(std::string_view text, std::size_t count) {
   return offset;
 }
 
-// Each fault with its line of the source, the caret under what a terminal shows there.
-void printMofFaults(const std::vector<MofDiagnostic>& faults) {
+// A fault with its line of the source, the caret under what a terminal shows there.
+void printMofFault(const MofDiagnostic& fault, const char* kind) {
   const TerminalShape terminal = standardErrorShape();
   const std::size_t width = terminal.isTerminal ? terminal.width : std::string::npos;
-  bool isFirst = true;
-  for (const MofDiagnostic& fault : faults) {
-    const std::string place =
-        fault.line == 0 ? "" : ':' + std::to_string(fault.line) + ':' + std::to_string(fault.column);
-    const std::string message = fault.file + place + ": " + fault.message;
-    isFirst ? printError(message, "") : void(std::cerr << printableText(message) << '\n');
-    isFirst = false;
-    if (fault.line == 0) continue;
-    std::cerr << lineWithCaret(fault.sourceLine, offsetOfCharacter(fault.sourceLine, fault.caret), width);
-  }
+  const std::string place =
+      fault.line == 0 ? "" : ':' + std::to_string(fault.line) + ':' + std::to_string(fault.column);
+  std::cerr << kind << printableText(fault.file + place + ": " + fault.message) << '\n';
+  if (fault.line == 0) return;
+  std::cerr << lineWithCaret(fault.sourceLine, offsetOfCharacter(fault.sourceLine, fault.caret), width);
+}
+
+void printMofFaults(const std::vector<MofDiagnostic>& faults) {
+  const char* kind = "qorql: error: ";
+  for (const MofDiagnostic& fault : faults) printMofFault(fault, std::exchange(kind, ""));
   if (faults.size() >= MofException::kMaximumFaults) {
     std::cerr << "No more than " << MofException::kMaximumFaults << " faults are told at once.\n";
   }
@@ -132,6 +133,13 @@ int reportStartFailure() noexcept {
     printError(error.what(), "");
   }
   return kExitPlatform;
+}
+
+void reportMofWarnings(const MofFaults& faults) {
+  for (const MofDiagnostic& fault : faults.shown) printMofFault(fault, "qorql: warning: ");
+  std::cerr << "qorql: warning: MOF has " << faults.count << (faults.count == 1 ? " fault" : " faults");
+  if (faults.count > faults.shown.size()) std::cerr << ", of which " << faults.shown.size() << " are shown";
+  std::cerr << "; what is at fault is left out\n";
 }
 
 int reportRefusal(const std::string& message) noexcept {

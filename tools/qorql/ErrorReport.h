@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <string>
 
+#include "Cimom/Mof/MofError.h"
 #include "Cimom/QORQL/Face/QORQL_Hint.h"
 #include "Statements.h"
 
@@ -23,6 +24,10 @@ void printHint(const QORQL_Hint& hint, const std::string& text, const std::strin
                std::size_t shown = std::string::npos);
 // `qorql: error: <message>`: of MOF, configuration or the live classes.
 int reportStartFailure() noexcept;
+
+// What a lenient load left out: `qorql: warning: <file:line:column: message>` for each fault that is shown, with its
+// line of the source and a caret, and how many there are.
+void reportMofWarnings(const MofFaults& faults);
 
 // `qorql: error: <message>`: what is asked for is not available. Returns the exit
 // status. To be called without an exception.

@@ -15,6 +15,18 @@
 #include "StatementText.h"
 #include "WqlHint.h"
 
+namespace {
+
+SessionOptions sessionOptions(const FilterOptions& options) {
+  SessionOptions session = options.session;
+  session.refusesFaults = options.isStrict;
+  return session;
+}
+
+}  // namespace
+
+FilterSession::FilterSession(const FilterOptions& options) : _options(options), _session(sessionOptions(options)) {}
+
 void FilterSession::open(Session::LeftOut leftOut) {
   _session.open(indicationSchemaMof(), leftOut);
   IndicationSink sink(manager().sink());

@@ -24,7 +24,7 @@ struct CheckedFilter {
 // Made once, then opened. BORROWS the options.
 class FilterSession {
  public:
-  explicit FilterSession(const FilterOptions& options) : _options(options), _session(options.session) {}
+  explicit FilterSession(const FilterOptions& options);
 
   // Opens the session and adds the classes of indications that it lacks. Live
   // classes that do not fit are reported as by Session::open. THROWS

@@ -95,8 +95,11 @@ class DecisionPrinter {
 
 Instances readInstances(FilterSession& session, const std::string& file) {
   MofLoader loader(session.manager().sink(), session.nameSpace());
-  if (file != kStandardInput) return loader.readInstanceFile(file);
-  return loader.readInstances(readStandardInput(), "standard input");
+  session.session().prepare(loader);
+  Instances instances = file != kStandardInput ? loader.readInstanceFile(file)
+                                               : loader.readInstances(readStandardInput(), "standard input");
+  session.session().tellOfFaults(loader.getFaults());
+  return instances;
 }
 
 void decide(const CQLQueryStatement& filter, const Instances& instances, bool isWhy, DecisionPrinter& printer) {

@@ -27,7 +27,8 @@ void log(const std::string& line, QoriTraceLog::Severity severity) {
 }  // namespace
 
 std::optional<MofCache> mofCacheFor(const SessionOptions& options) {
-  if (options.hasNoCache) return std::nullopt;
+  // A cache does not tell what was left out.
+  if (options.hasNoCache || options.isLenient) return std::nullopt;
   if (!options.cacheFile.empty()) return MofCache(options.cacheFile);
   const std::string folder = userCacheFolder();
   if (folder.empty()) return std::nullopt;

@@ -93,6 +93,7 @@ int runQuery(QueryOptions& options) {
   const bool isShell = !options.query && options.file.empty() && isInteractive();
   // No statement shows what a class says of itself; the shell does.
   options.session.needsDescriptions = isShell;
+  options.session.refusesFaults = options.output.isStrict;
   Session session(options.session);
   try {
     session.open();

@@ -5,9 +5,11 @@
 #include <algorithm>
 #include <exception>
 #include <iostream>
+#include <optional>
+#include <utility>
 
-#include "Cimom/Mof/MofLoader.h"
 #include "DisplayText.h"
+#include "ErrorReport.h"
 #include "LiveClasses.h"
 #include "MofCacheChoice.h"
 #include "ProgressLine.h"
@@ -65,9 +67,9 @@ void Session::open(const char* commonMof, LeftOut leftOut) {
   _leftOutPolicy = leftOut;
   loadConfiguration(*_manager);
   try {
-    loadMof(*_manager);
+    _options.isLenient ? loadLeniently(commonMof) : void(loadMof(*_manager));
   } catch (const MofException& alone) {
-    if (commonMof == nullptr) throw;
+    if (commonMof == nullptr || _options.isLenient) throw;
     loadMofOver(commonMof, alone);
   }
   requireNamespace(commonMof != nullptr);
@@ -98,17 +100,45 @@ void Session::loadConfiguration(EmbeddedObjectManager& manager) const {
   }
 }
 
-void Session::loadMof(EmbeddedObjectManager& manager) const {
-  if (_options.mofPaths.empty()) return;
+MofFaults Session::loadMof(EmbeddedObjectManager& manager) const {
+  if (_options.mofPaths.empty()) return {};
   const Activity activity("loading MOF");
   const ProgressLine progress(!_options.isQuiet, activity);
   const QORString nameSpace(_options.nameSpace);
   if (const std::optional<MofCache> cache = mofCacheFor(_options); cache.has_value()) {
     const MofCache::Outcome outcome = cache->loadFiles(manager.sink(), nameSpace, _options.mofPaths);
     tellOfCache(outcome, !_options.cacheFile.empty());
-  } else {
-    MofLoader(manager.sink(), nameSpace).loadFiles(_options.mofPaths);
+    return {};
   }
+  MofLoader loader(manager.sink(), nameSpace);
+  prepare(loader);
+  loader.loadFiles(_options.mofPaths);
+  return loader.getFaults();
+}
+
+// Of the files alone and over the common classes that is kept of which less is left out.
+void Session::loadLeniently(const char* commonMof) {
+  MofFaults faults = loadMof(*_manager);
+  if (faults.count != 0 && commonMof != nullptr) {
+    std::unique_ptr<EmbeddedObjectManager> fresh = makeManager();
+    loadConfiguration(*fresh);
+    MofLoader(fresh->sink(), QORString(_options.nameSpace)).loadText(commonMof, "common classes");
+    MofFaults together = loadMof(*fresh);
+    if (together.count < faults.count) {
+      faults = std::move(together);
+      fresh->makeCurrent();
+      _manager = std::move(fresh);
+    }
+  }
+  tellOfFaults(faults);
+}
+
+void Session::tellOfFaults(const MofFaults& faults) const {
+  if (faults.count == 0) return;
+  if (!_options.isQuiet) reportMofWarnings(faults);
+  if (!_options.refusesFaults) return;
+  const std::string refusal = "--strict refuses MOF with faults (" + std::to_string(faults.count) + ")";
+  throw QoriBaseException("tool", "qorql", "", QORString(refusal), 0);
 }
 
 // A failed load has stored nothing, so the files can be read again. Of two
@@ -150,12 +180,13 @@ void Session::loadMore(const std::string& path, const std::string& nameSpace) {
     const ProgressLine progress(!_options.isQuiet, activity);
     MofLoader(_manager->sink(), QORString(nameSpace)).loadFile(path);
   } catch (const MofException&) {
-    if (_options.hasNoLiveClasses) throw;
+    if (_options.hasNoLiveClasses && !_options.isLenient) throw;
     const std::exception_ptr refusal = std::current_exception();
     try {
       openAnew({path, nameSpace});
     } catch (const QoriBaseException&) {
       dropWarnings();
+      if (_options.isLenient) throw;
       std::rethrow_exception(refusal);  // the live classes are not the cause
     }
   }
@@ -163,15 +194,23 @@ void Session::loadMore(const std::string& path, const std::string& nameSpace) {
   printWarnings();
 }
 
+MofFaults Session::loadFile(EmbeddedObjectManager& manager, const MorePath& file) const {
+  MofLoader loader(manager.sink(), QORString(file.nameSpace));
+  prepare(loader);
+  loader.loadFile(file.path);
+  return loader.getFaults();
+}
+
+// The faults of what was loaded before have been told.
 void Session::openAnew(const MorePath& last) {
   std::unique_ptr<EmbeddedObjectManager> fresh = makeManager();
   loadConfiguration(*fresh);
   loadMof(*fresh);
   const Activity activity("loading MOF");
   const ProgressLine progress(!_options.isQuiet, activity);
-  for (const MorePath& more : _more) MofLoader(fresh->sink(), QORString(more.nameSpace)).loadFile(more.path);
-  MofLoader(fresh->sink(), QORString(last.nameSpace)).loadFile(last.path);
-  addLiveClasses(*fresh);
+  for (const MorePath& more : _more) loadFile(*fresh, more);
+  tellOfFaults(loadFile(*fresh, last));
+  if (!_options.hasNoLiveClasses) addLiveClasses(*fresh);
   fresh->makeCurrent();
   _manager = std::move(fresh);
 }

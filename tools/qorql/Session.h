@@ -11,6 +11,7 @@
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "Cimom/Mof/MofError.h"
+#include "Cimom/Mof/MofLoader.h"
 #include "LiveClasses.h"
 #include "SessionOptions.h"
 
@@ -31,11 +32,17 @@ class Session {
   // The warning about live classes that did not fit, once, if this is one of them.
   void tellOfLeftOut(std::string_view className);
 
+  // Makes a loader do as the options say; what it leaves out is then told with tellOfFaults().
+  void prepare(MofLoader& loader) const { loader.setLenient(_options.isLenient); }
+  // Warns of what a lenient load has left out. THROWS QoriBaseException when that is refused.
+  void tellOfFaults(const MofFaults& faults) const;
+
   // Until loadMore() is called the next time.
   EmbeddedObjectManager& manager() { return *_manager; }
 
   // Loads MOF into an open session. Where live classes do not fit beside it,
-  // as a full CIM schema does, all is loaded again, the live classes last.
+  // as a full CIM schema does, all is loaded again, the live classes last; so
+  // it is where MOF with a fault is to be loaded leniently.
   // THROWS QoriBaseException; then everything is as it was.
   void loadMore(const std::string& path, const std::string& nameSpace);
 
@@ -48,16 +55,19 @@ class Session {
   void dropWarnings() { _warnings.clear(); }
 
  private:
-  void takeLogLine(const QORString& who, const QORString& message, QORuint32 severity);
   struct MorePath {
     std::string path;
     std::string nameSpace;
   };
 
+  void takeLogLine(const QORString& who, const QORString& message, QORuint32 severity);
   std::unique_ptr<EmbeddedObjectManager> makeManager();
   void loadConfiguration(EmbeddedObjectManager& manager) const;
-  void loadMof(EmbeddedObjectManager& manager) const;
+  // The faults of a lenient load.
+  MofFaults loadMof(EmbeddedObjectManager& manager) const;
+  MofFaults loadFile(EmbeddedObjectManager& manager, const MorePath& file) const;
   void loadMofOver(const char* commonMof, const MofException& alone);
+  void loadLeniently(const char* commonMof);
   void addLiveClasses(EmbeddedObjectManager& manager);
   void openAnew(const MorePath& last);
   void requireNamespace(bool hasCommonMof) const;

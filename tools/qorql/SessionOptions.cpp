@@ -69,6 +69,8 @@ void declareSessionOptions(CLI::App& app, SessionOptions& options) {
                      .check = checkName});
   declareFlag(app, "--no-cache", options.hasNoCache, "Read the MOF files themselves, and keep nothing");
   declareExclusion(app, "--no-cache", "--cache");
+  declareFlag(app, "--lenient", options.isLenient, "Load what is sound of the MOF files, and warn of the rest");
+  declareExclusion(app, "--lenient", "--cache");
   declareFlag(app, "--no-live", options.hasNoLiveClasses, "Without the live classes of this machine");
   declareConfiguration(app, options);
   declareFlag(app, "--quiet", options.isQuiet, "No warnings, no progress line");

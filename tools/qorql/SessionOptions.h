@@ -25,6 +25,8 @@ struct SessionOptions {
   bool isNamespaceGiven = false;
   std::string cacheFile;  // empty: one of the user's cache folder, for large MOF
   bool hasNoCache = false;
+  bool isLenient = false;      // what is sound of the MOF files is loaded
+  bool refusesFaults = false;  // but nothing is done then
   bool hasNoLiveClasses = false;
   bool needsDescriptions = true;  // of the live classes
   bool isQuiet = false;
