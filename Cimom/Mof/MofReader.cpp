@@ -38,7 +38,9 @@ void MofReader::readFolder(const std::string& path) {
   std::vector<std::string> files;
   if (const std::string fault = listMofFolder(path, files); !fault.empty()) return fail(path, nullptr, fault);
   _inputs.push_back(describeMofFolder(path, files));
+  _isFolderOpen = true;
   for (const std::string& file : files) readFile(file);
+  _isFolderOpen = false;
 }
 
 MofParser::Context MofReader::newContext() {
@@ -132,7 +134,8 @@ void MofReader::parse(const std::string& name, std::string text, MofParser::Cont
 }
 
 void MofReader::fail(const std::string& path, const MofLocation* includer, const std::string& message) {
-  if (includer == nullptr && _report.isLenient()) throw MofException({{path, 0, 0, message, "", 0}});
+  const bool isGiven = includer == nullptr && !_isFolderOpen;
+  if (isGiven && _report.isLenient()) throw MofException({{path, 0, 0, message, "", 0}});
   _document.isIncomplete = true;
   includer != nullptr ? _report.add(*includer, message) : _report.addFile(path, message);
 }

@@ -59,6 +59,7 @@ class MofReader {
   QORuint32 _scopes = 0;
   std::unordered_map<std::string, QORuint32> _scopeOfFile;  // by canonical path, with or without a namespace
   std::unordered_set<std::string> _described;               // canonical paths of the files among the inputs
+  bool _isFolderOpen = false;                               // the file that is read was found in a folder
   std::vector<std::string> _open;                           // canonical paths from the outermost file inwards
   std::vector<Import> _imports;
   std::vector<MofInput> _inputs;

@@ -310,6 +310,14 @@ TEST_F(MofLenientFiles, WhatIsNamedAndCannotBeReadIsRefused) {
   EXPECT_THAT(classes(), IsEmpty());
 }
 
+TEST_F(MofLenientFiles, AFileOfAFolderThatCannotBeReadIsLeftOut) {
+  write("a.mof", "class A { };");
+  fs::resize_file(write("b.mof", ""), 513U << 20U);  // a hole, which takes no room
+  write("c.mof", "class C { };");
+  EXPECT_THAT(leftOutOfFiles({_folder.string()}), ElementsAre("b.mof:0:0: cannot be read: it is larger than 512 MB"));
+  EXPECT_THAT(classes(), ElementsAre("A", "C"));
+}
+
 TEST_F(MofLenientFiles, AFileThatIsNoTextIsLeftOut) {
   EXPECT_THAT(leftOutOfFiles({write("a.mof", std::string("class\0", 6)), write("b.mof", "class B { };"),
                               write("c.mof",
