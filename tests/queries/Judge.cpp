@@ -50,8 +50,16 @@ std::string judgeFailure(const Failure& expected, const Failure& got) {
   return difference("error", describe(wanted), describe(got));
 }
 
+// What is printed before the hint of what was meant, which may follow the line of an error. The hints have their own
+// tests.
+std::string withoutHint(const std::string& err) {
+  const std::size_t hint = err.find("\nqorql: hint: ");
+  return hint == std::string::npos ? err : err.substr(0, hint + 1);
+}
+
 // The tool's line for an expected failure, up to the parts that the case leaves open.
-std::string judgeToolError(const Failure& expected, const std::string& err) {
+std::string judgeToolError(const Failure& expected, const std::string& printed) {
+  const std::string err = withoutHint(printed);
   const std::string line = expected.line == 0 ? std::string() : "line " + std::to_string(expected.line) + ", ";
   const std::string place = " (" + line + "CIM status " +
                             (expected.kind == FailureKind::Platform ? "1" : std::to_string(expected.status)) + ")\n";

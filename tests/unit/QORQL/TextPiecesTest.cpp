@@ -11,8 +11,9 @@ namespace {
 using Kind = QORQL_TextPieces::Kind;
 
 std::string cut(std::string_view text) {
+  const QORQL_TextPieces pieces(text);
   std::string shown;
-  for (const QORQL_TextPieces::Piece& piece : QORQL_TextPieces(text).all()) {
+  for (const QORQL_TextPieces::Piece& piece : pieces.all()) {
     shown += "WNLS"[static_cast<int>(piece.kind)];
     shown += "(" + std::string(piece.text) + ")";
   }
