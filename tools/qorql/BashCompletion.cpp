@@ -4,6 +4,8 @@
 
 #include <iostream>
 
+#include "JoinedWords.h"
+
 namespace {
 
 // What is offered for an option's value.

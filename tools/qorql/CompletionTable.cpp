@@ -8,6 +8,7 @@
 
 #include "Command.h"
 #include "DeclaredOptions.h"
+#include "JoinedWords.h"
 #include "OutputOptions.h"
 #include "PagesCommand.h"
 #include "SessionOptions.h"
@@ -89,10 +90,4 @@ std::string valuedOptions(const std::vector<CompletedCommand>& table) {
     }
   }
   return joined({names.begin(), names.end()});
-}
-
-std::string joined(const std::vector<std::string>& words, const char* between) {
-  std::string text;
-  for (const std::string& word : words) text += (text.empty() ? "" : between) + word;
-  return text;
 }

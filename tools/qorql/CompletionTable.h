@@ -39,7 +39,4 @@ std::vector<CompletedCommand> completionTable();
 std::string commandNames(const std::vector<CompletedCommand>& table);
 std::string valuedOptions(const std::vector<CompletedCommand>& table);
 
-// Words with something between them.
-std::string joined(const std::vector<std::string>& words, const char* between = " ");
-
 #endif

@@ -10,6 +10,7 @@
 #include "DisplayText.h"
 #include "ErrorReport.h"
 #include "ExitStatus.h"
+#include "JoinedWords.h"
 #include "ListOutput.h"
 #include "OptionDeclarations.h"
 #include "Session.h"
@@ -34,12 +35,6 @@ struct DescribeOptions {
   std::string className;
   std::optional<OutputForm> form;  // none: text
 };
-
-std::string joined(const std::vector<std::string>& words) {
-  std::string text;
-  for (const std::string& word : words) text += (text.empty() ? "" : ", ") + word;
-  return text;
-}
 
 // "2 (OK)"
 std::string textOf(const ValueTexts::Entry& entry) {
@@ -163,14 +158,14 @@ void printDescription(std::ostream& out, const EmbeddedObjectManager& manager, c
   const ClassDescription description = descriptionOf(manager, nameSpace, className);
   Paragraphs paragraphs(out);
   out << description.name << '\n';
-  if (!description.superclasses.empty()) paragraphs.print("derived from " + joined(description.superclasses));
+  if (!description.superclasses.empty()) paragraphs.print("derived from " + joined(description.superclasses, ", "));
   paragraphs.print(description.sentence);
   out << '\n';
   const Columns columns(description.properties);
   for (const PropertyDescription& property : description.properties) {
     out << columns.line(property) << '\n';
     paragraphs.print(property.sentence);
-    paragraphs.print(joined(valuesOf(property)));
+    paragraphs.print(joined(valuesOf(property), ", "));
   }
 }
 

@@ -2,15 +2,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "FilterVerdict.h"
 
+#include "JoinedWords.h"
 #include "JsonValue.h"
 
 namespace {
-
-std::string joined(const std::vector<std::string>& names) {
-  std::string text;
-  for (const std::string& name : names) text += (text.empty() ? "" : ",") + name;
-  return text;
-}
 
 std::string jsonArray(const std::vector<std::string>& texts) {
   std::string array;
@@ -21,8 +16,9 @@ std::string jsonArray(const std::vector<std::string>& texts) {
 }  // namespace
 
 std::string textOf(const FilterVerdict& verdict) {
-  std::string text = verdict.isValid() ? "valid\t" + joined(verdict.classes) + '\t' + joined(verdict.properties)
-                                       : "invalid\t" + verdict.reason;
+  std::string text = verdict.isValid()
+                         ? "valid\t" + joined(verdict.classes, ",") + '\t' + joined(verdict.properties, ",")
+                         : "invalid\t" + verdict.reason;
   if (verdict.line != 0) text += "\tline " + std::to_string(verdict.line);
   if (!verdict.name.empty()) text += '\t' + verdict.name;
   return text;

@@ -4,6 +4,8 @@
 
 #include <iostream>
 
+#include "JoinedWords.h"
+
 namespace {
 
 std::string quoted(const std::string& text) {

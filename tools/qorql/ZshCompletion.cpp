@@ -5,6 +5,8 @@
 #include <iostream>
 #include <string_view>
 
+#include "JoinedWords.h"
+
 namespace {
 
 // A backslash before each character that would end the part of a specification that the text is.
