@@ -58,6 +58,13 @@ class Match(MatchCase):
         self.refused(self.match("--filters", filters, stdin=ALERTS), 1,
                      "qorql: error: line 2: there is a filter a in line 1 already")
 
+    def test_a_file_without_a_filter_is_refused(self):
+        for text in ("", "\n\n", "# SELECT * FROM CIM_AlertIndication\n"):
+            filters = self.write("filters.txt", text)
+            result = self.match("--filters", filters, stdin=ALERTS)
+            self.assertEqual(result.out, "")
+            self.refused(result, 1, f"qorql: error: {filters} holds no filter")
+
     def test_many_filters_of_which_some_are_not_valid(self):
         filters = self.write("filters.txt", f"SELECT\n{FC1}\nSELECT * FROM CIM_Nope\n")
         result = self.match("--filters", filters, stdin=ALERTS)

@@ -174,6 +174,10 @@ class ManyFilters(ToolCase):
         self.refused(self.watch(silent, "--strict"), 1, "qorql: error: line 1: the filter asks for no indication of a "
                                                         "change: nothing will be printed")
 
+    def test_a_file_without_a_filter_is_refused(self):
+        result = self.watch("# SELECT * FROM CIM_InstCreation\n", "--count", "1")
+        self.refused(result, 1, f"qorql: error: {os.path.join(self.folder, 'filters.txt')} holds no filter")
+
     def test_filters_that_are_not_valid(self):
         result = self.watch(f"{self.CHANGED}\nSELECT\nSELECT * FROM CIM_Nope\n", "--count", "1")
         self.assertEqual((result.status, result.out), (1, ""))

@@ -13,7 +13,8 @@ bool FilterGroup::readFile(const std::string& path) {
   const std::vector<FileFilter> filters = splitFilters(normaliseText(readTextFile(path)));
   const std::vector<std::string> doubled = doubledNames(filters);
   for (const std::string& complaint : doubled) reportRefusal(complaint);
-  bool areSound = doubled.empty();
+  if (filters.empty()) reportRefusal(printableText(path) + " holds no filter");
+  bool areSound = doubled.empty() && !filters.empty();
   for (const FileFilter& filter : filters) {
     if (!filter.name.empty()) _names.emplace(filter.line, filter.name);
     areSound = take(_session.check(filter.text, filter.firstLine, filter.firstColumn), filter.line) && areSound;

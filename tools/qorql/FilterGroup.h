@@ -20,8 +20,9 @@ class FilterGroup {
   explicit FilterGroup(FilterSession& session) : _session(session) {}
 
   // Reads and validates the filters of a file. False when one is not valid, is refused
-  // for its warnings or has the name of another: each has been told on standard error
-  // with its line. THROWS std::runtime_error for a file that cannot be read.
+  // for its warnings or has the name of another, each of which has been told on standard
+  // error with its line, and when there is none, which has been told, too. THROWS std::runtime_error for a file that
+  // cannot be read.
   bool readFile(const std::string& path);
   // Takes one alone; false as above.
   bool readOne(const std::string& text);
