@@ -241,6 +241,12 @@ class Get(WorldCase):
         self.assertIn("instance of S_One", self.succeed(self.world("get", 'root/second:S_One.Id="1"')))
         self.assertIn("instance of S_One", self.succeed(self.world("get", "-n", "root/second", 'S_One.Id="1"')))
 
+    def test_a_host_is_refused(self):
+        for prefix in ("//elsewhere/root/cimv2:", "http://elsewhere/root/cimv2:", "//elsewhere/root/second:"):
+            self.refused(self.world("get", prefix + 'W_Box.Id="a"'), 1,
+                         "qorql: error: the path names the host elsewhere; only this machine's instances are there")
+        self.assertIn('"//x/y:a"', self.world("get", 'W_Box.Id="//x/y:a"').err)
+
     def test_more_than_one(self):
         self.refused(self.world("get", 'W_Ball.Id="c\\"1"'), 1,
                      'qorql: error: 2 instances have these keys; give more of them:\n'

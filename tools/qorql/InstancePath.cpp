@@ -21,6 +21,16 @@ MofObjectPath parsed(const std::string& text) {
   }
 }
 
+// The host of "//host/namespace:Class" and "scheme://host/namespace:Class"; empty where there is none.
+std::string_view hostOf(std::string_view path) {
+  constexpr std::string_view kMark = "//";
+  path = path.substr(0, path.find_first_of("\"="));
+  const std::size_t mark = path.find(kMark);
+  if (mark == std::string_view::npos) return {};
+  path.remove_prefix(mark + kMark.size());
+  return path.substr(0, path.find('/'));
+}
+
 std::string textLiteral(std::string_view text) {
   std::string literal = "\"";
   for (const char c : text) {
@@ -79,6 +89,10 @@ bool hasKeys(const IQoriObject& instance, const std::vector<CimInstanceProperty>
 
 InstancePath readInstancePath(EmbeddedObjectManager& manager, const std::string& text, const std::string& nameSpace) {
   const MofObjectPath path = parsed(text);
+  if (const std::string_view host = hostOf(text); !host.empty()) {
+    throw std::runtime_error("the path names the host " + std::string(host) +
+                             "; only this machine's instances are there");
+  }
   InstancePath result{path.nameSpace.isEmpty() ? QORString(nameSpace) : path.nameSpace, path.className, {}};
   if (manager.repository()->getClass(result.nameSpace, path.className).IsNull()) {
     throw std::runtime_error(
