@@ -368,6 +368,7 @@ QORuint32 LinuxProcess::priorityOf(int kernelPriority) {
 
 std::vector<LinuxProcess::Owner> LinuxProcess::owners() {
   const Processes processes = openProcesses(std::vector<pids_item>{PIDS_ID_PID, PIDS_ID_EUID});
+  warnOfHiddenProcesses();
   std::vector<Owner> owners;
   while (const pids_stack* stack = procps_pids_get(processes.get(), PIDS_FETCH_TASKS_ONLY)) {
     owners.push_back({stack->head[0].result.s_int, stack->head[1].result.u_int});

@@ -8,9 +8,9 @@
 
 #include "Cimom/Embedded/InstanceProvider.h"
 
-// One instance per route of the main table that leads out of this machine, those
-// of IPv4 first, in the kernel's order; of a route over several ways the first.
-// Several threads may enumerate at once.
+// One instance per route that leads out of this machine, in the kernel's order:
+// first those of IPv4, of the main table and of a route over several ways the
+// first of them; then those of IPv6, of all tables. Several threads may enumerate at once.
 class LinuxRoute : public InstanceProvider {
  public:
   static const char* const kClassName;
