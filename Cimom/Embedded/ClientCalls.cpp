@@ -83,6 +83,32 @@ CIMApi::Instances enumerateInstances(const ObjectStore& store, ListCache& cache,
   return all;
 }
 
+CIMApi::Instances ownInstances(const ObjectStore& store, const QORString& nameSpace, const QORString& className,
+                               const CIMApi::PropertyNames& names) {
+  CIMApi::Instances all(new InstanceList);
+  Restrictor restrictor(names);
+  LiveSource source;
+  {
+    const std::shared_lock<std::shared_mutex> lock(store.mutex());
+    const NameSpace* const space = store.findNameSpace(nameSpace, View::Committed);
+    const ClassEntry* const entry =
+        space == nullptr ? nullptr : ObjectStore::findClass(*space, className, View::Committed);
+    if (entry == nullptr) return {};
+    entry->extent.forEach([&](const StoredInstance& stored) {
+      if (!stored.isPending && stored.entry == entry) {
+        all->append(restrictor.apply(*stored.entry->model, stored.object));
+      }
+    });
+    const LiveSource* const own = sourceFor(*space, entry);
+    if (own == nullptr) return all;
+    source = *own;
+  }
+  for (const QORSmrPtr<IQoriObject>& object : readLive(store, source, {names, {}, {}, false})) {
+    all->append(restrictor.apply(*source.entry->model, object));
+  }
+  return all;
+}
+
 QORSmrPtr<IQoriObject> getInstance(const ObjectStore& store, const QORString& nameSpace,
                                    const QORSmrPtr<IQoriInstanceName>& name, const CIMApi::PropertyNames& names) {
   const QORString& own = name->getNameSpacePath()->getNameSpace();

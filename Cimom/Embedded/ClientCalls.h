@@ -17,6 +17,10 @@ namespace embedded {
 CIMApi::Instances enumerateInstances(const ObjectStore& store, ListCache& cache, const QORString& nameSpace,
                                      const QORString& className, const LiveRequest& request);
 
+// The same without the instances of derived classes, and without the cache: one allocation per stored instance.
+CIMApi::Instances ownInstances(const ObjectStore& store, const QORString& nameSpace, const QORString& className,
+                               const CIMApi::PropertyNames& names);
+
 // Null when there is none. An empty namespace stands for the name's own.
 QORSmrPtr<IQoriObject> getInstance(const ObjectStore& store, const QORString& nameSpace,
                                    const QORSmrPtr<IQoriInstanceName>& name, const CIMApi::PropertyNames& names);

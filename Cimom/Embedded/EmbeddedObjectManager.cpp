@@ -5,6 +5,7 @@
 #include <mutex>
 #include <utility>
 
+#include "Cimom/Embedded/ClientCalls.h"
 #include "Cimom/Embedded/EmbeddedState.h"
 #include "Cimom/Embedded/MofText.h"
 #include "Cimom/Embedded/RepositoryError.h"
@@ -168,6 +169,12 @@ std::vector<QORString> EmbeddedObjectManager::liveClassNames(const QORString& na
   if (space == nullptr) return names;
   for (const embedded::LiveSource& source : space->sources) names.push_back(source.entry->name());
   return names;
+}
+
+QORSmrPtr<QORValSlist<QORSmrPtr<IQoriObject>>> EmbeddedObjectManager::ownInstances(
+    const QORString& nameSpace, const QORString& className,
+    const QORSmrPtr<QORValSlist<QORString>>& propertyNames) const {
+  return embedded::ownInstances(*_state->store, nameSpace, className, propertyNames);
 }
 
 QORSmrPtr<IQoriInstanceName> EmbeddedObjectManager::createInstance(const QORString& nameSpace,

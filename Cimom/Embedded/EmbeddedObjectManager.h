@@ -72,6 +72,13 @@ class EmbeddedObjectManager {
   // The classes that have one, in the order of registration; empty when the namespace does not exist.
   std::vector<QORString> liveClassNames(const QORString& nameSpace) const;
 
+  // The instances of a class without those of classes derived from it, stored ones first, with the properties that are
+  // named; null: all. Null for an unknown namespace or class. THROWS CQoriProviderException when the class's provider
+  // fails, whatever the others would do. Costs as CIMApi::enumerateInstances for one class, each time.
+  QORSmrPtr<QORValSlist<QORSmrPtr<IQoriObject>>> ownInstances(
+      const QORString& nameSpace, const QORString& className,
+      const QORSmrPtr<QORValSlist<QORString>>& propertyNames) const;
+
   // Changes to stored instances. THROW as CimDeclarationSink::createInstance.
   QORSmrPtr<IQoriInstanceName> createInstance(const QORString& nameSpace, const CimInstanceDeclaration& declaration);
   // Sets the given properties of an existing instance; keys cannot change.

@@ -100,6 +100,41 @@ class MissingLibrary(ToolCase):
         self.assertRegex(result.err, r"(?m)^qorql: warning: .*The packages cannot be listed: .*libqorqlapt\.so: ")
 
 
+@unittest.skipUnless(can_hide() and os.path.exists("/var/lib/dpkg/status"), "this system does not let a test change its packages")
+class FailingSource(ToolCase):
+    """A list of packages that is none, in a world of its own."""
+
+    FAULT = r"(?m)^qorql: error: Linux_Package: The packages cannot be listed: "
+
+    def broken(self, *arguments):
+        path = self.write("status", "Package bash\nthis is no list\n")
+        place = ["unshare", "--map-root-user", "--mount", "sh", "-c", f"mount --bind {path} /var/lib/dpkg/status && exec " + '"$@"', "sh"]
+        return toolcase.Result(subprocess.run([*place, toolcase.TOOL, *arguments], capture_output=True, timeout=60, check=False))
+
+    def test_the_contents_of_the_other_classes_are_told(self):
+        for quiet in ([], ["--quiet"]):
+            result = self.broken("contents", *quiet, "-o", "csv")
+            self.assertEqual(result.status, 3, result.err)
+            self.assertRegex(result.err, self.FAULT)
+            self.assertEqual(len(re.findall(self.FAULT, result.err)), 1)
+            for name in ("Linux_User", "Linux_Process", "Linux_OperatingSystem"):
+                self.assertRegex(result.out, rf"(?m)^root/cimv2,{name},\d+$")
+            self.assertNotIn("Linux_Package", result.out)
+            self.assertEqual(len(result.err.splitlines()), len(set(result.err.splitlines())), result.err)
+
+    def test_the_instances_of_the_other_classes_are_printed(self):
+        result = self.broken("instances", "CIM_[LS]o*")
+        self.assertEqual((result.status, len(re.findall(self.FAULT, result.err))), (3, 1), result.err)
+        result = self.broken("instances", "CIM_ManagedEl*")
+        self.assertEqual((result.status, len(re.findall(self.FAULT, result.err))), (3, 1), result.err)
+        for name in ("Linux_User", "Linux_OperatingSystem"):
+            self.assertIn(f"instance of {name} {{", result.out)
+
+    def test_a_class_alone_fails(self):
+        result = self.broken("instances", "Linux_Package")
+        self.assertEqual((result.status, result.out), (3, ""))
+
+
 # A world of its own in which a user sees no process of others. Its first process stays the superuser's.
 HIDING_PROCESSES = ["unshare", "--mount", "--pid", "--fork", "sh", "-c", "mount -t proc -o hidepid=2 proc /proc && "
                     f'setpriv --reuid {NOBODY} --regid {NOBODY} --clear-groups "$@"; exit $?', "sh"]
@@ -135,6 +170,7 @@ class HiddenProcesses(ToolCase):
     def test_processes_are_counted_without_them(self):
         for query, told in (("SELECT NumberOfProcesses FROM Linux_OperatingSystem", "NumberOfProcesses\n1\n"),
                             ("SELECT COUNT(Handle) AS N FROM Linux_Process", "N\n1\n"),
+                            ("SELECT COUNT(Antecedent) AS N FROM Linux_ProcessOwner", "N\n1\n"),
                             ("SELECT ProcessCount FROM Linux_User WHERE UserNumber = 0", "ProcessCount\n0\n")):
             with self.subTest(query=query):
                 result = self.blind(query)

@@ -7,7 +7,6 @@
 #include <map>
 
 #include "ClassesCommand.h"
-#include "DisplayText.h"
 #include "ErrorReport.h"
 #include "ExitStatus.h"
 #include "GraphLayout.h"
@@ -27,7 +26,8 @@ constexpr const char* kFooter =
     "PATTERN is a part of a class's name or, with * ? [ ] in it, the whole name; case does not\n"
     "matter. An association is told where it or a class that it ties matches. Unless --namespace\n"
     "names one, all namespaces are listed. Live classes are asked for all their instances.\n"
-    "Exit status: 0 done; 2 wrong usage; 3 MOF or configuration failure.\n"
+    "Exit status: 0 done; 2 wrong usage; 3 MOF, configuration or provider failure, after which the\n"
+    "other classes are listed all the same.\n"
     "\n"
     "svg and html draw the classes with inheritance and associations; they need graphviz's library\n"
     "libgvc, which dot does not.\n"
@@ -87,15 +87,21 @@ class Contents {
     keepMatches(contents, _options.pattern);
     addRows(manager, nameSpace, contents);
     _picture.add(manager, nameSpace, contents);
-    if (_options.session.isQuiet) return;
-    for (const std::string& fault : contents.faults) std::cerr << "qorql: warning: " << printableText(fault) << '\n';
+    _gaps.push_back(contents.gaps);
   }
-  void print() const {
+  // Returns the exit status.
+  int print() const {
     if (_options.form.draw != nullptr) {
       std::cout << _options.form.draw(_picture.dot());
     } else {
       printLists(_options.form.list, {_namespaces, _classes, _ties});
     }
+    std::cout.flush();
+    int status = kExitDone;
+    for (const InstanceReader::Gaps& gaps : _gaps) {
+      status = std::max(status, reportGaps(gaps, _options.session.isQuiet));
+    }
+    return status;
   }
 
  private:
@@ -114,6 +120,7 @@ class Contents {
 
   const ContentsOptions& _options;
   ModelPicture _picture;
+  std::vector<InstanceReader::Gaps> _gaps;  // of each namespace
   List _namespaces{"Namespaces", {textColumn("Namespace"), numberColumn("Classes"), numberColumn("Instances")}, {}};
   List _classes{"Classes", {textColumn("Namespace"), textColumn("Class"), numberColumn("Instances")}, {}};
   List _ties{"Associations",
@@ -123,6 +130,7 @@ class Contents {
 
 int printContents(const ContentsOptions& options) {
   Session session(options.session);
+  int status = kExitDone;
   try {
     session.open();
     EmbeddedObjectManager& manager = session.manager();
@@ -132,12 +140,12 @@ int printContents(const ContentsOptions& options) {
       const bool isListed = options.session.isNamespaceGiven ? isAsked : !manager.classNames(nameSpace).empty();
       if (isListed) contents.add(manager, nameSpace);
     }
-    contents.print();
+    status = contents.print();
   } catch (...) {
     return reportStartFailure();
   }
-  session.printWarnings();
-  return kExitDone;
+  session.printNewWarnings();  // a class that is asked again after a failure warns once more
+  return status;
 }
 
 }  // namespace

@@ -7,10 +7,9 @@
 
 #include "ClassFamily.h"
 #include "ClassesCommand.h"
-#include "DisplayText.h"
 #include "ErrorReport.h"
 #include "ExitStatus.h"
-#include "ModelContents.h"
+#include "InstanceReader.h"
 #include "OptionDeclarations.h"
 #include "Session.h"
 #include "SessionOptions.h"
@@ -25,7 +24,7 @@ constexpr const char* kDescription =
 constexpr const char* kFooter =
     "With * ? [ ] in it, CLASS is a pattern for the names of classes; case does not matter.\n"
     "Exit status: 0 done; 1 there is no such class; 2 wrong usage; 3 MOF, configuration or provider\n"
-    "failure, which of several classes is a warning.\n"
+    "failure, after which those of the other classes are printed all the same.\n"
     "\n"
     "Examples:\n"
     "  qorql instances Linux_OperatingSystem\n"
@@ -38,23 +37,14 @@ struct InstancesOptions {
 
 class InstancePrinter {
  public:
-  explicit InstancePrinter(const QORString& nameSpace) : _nameSpace(nameSpace) {}
-
-  // THROWS what enumerating throws.
-  void print(const QORString& className) {
-    CIMApi api;
-    const CIMApi::Instances instances =
-        api.enumerateInstances(_nameSpace, className, {}, CIMApi::DefaultTimeout, nullptr, nullptr, nullptr, {});
-    QORValSlistIterator<QORSmrPtr<IQoriObject>> each(*instances);
-    while (std::cout && ++each) {
-      if (!_isFirst) std::cout << '\n';
-      _isFirst = false;
-      std::cout << EmbeddedObjectManager::instanceMof(*each.key());
-    }
+  void print(const IQoriObject& instance) {
+    if (!std::cout) return;
+    if (!_isFirst) std::cout << '\n';
+    _isFirst = false;
+    std::cout << EmbeddedObjectManager::instanceMof(instance);
   }
 
  private:
-  const QORString& _nameSpace;
   bool _isFirst = true;
 };
 
@@ -74,23 +64,20 @@ std::vector<QORString> familiesOf(EmbeddedObjectManager& manager, const QORStrin
   return names;
 }
 
-// What one class fails with is a warning beside what the others have.
+// What one class fails with is told beside what the others have.
 int printMany(Session& session, const InstancesOptions& options, const QORString& nameSpace) {
   const std::vector<QORString> names = familiesOf(session.manager(), nameSpace, options.className);
   if (names.empty()) {
     const std::string which = options.className.empty() ? "" : " matches \"" + options.className + '"';
     return reportRefusal("no class" + which + " in namespace " + options.session.nameSpace);
   }
-  InstancePrinter printer(nameSpace);
+  InstancePrinter printer;
+  InstanceReader reader(session.manager(), nameSpace);
   for (const QORString& name : names) {
-    try {
-      printer.print(name);
-    } catch (const QoriBaseException& failure) {
-      if (options.session.isQuiet) continue;
-      std::cerr << "qorql: warning: " << printableText(faultOf(name, failure)) << '\n';
-    }
+    reader.read(name, {}, [&](const IQoriObject& instance) { printer.print(instance); });
   }
-  return kExitDone;
+  std::cout.flush();
+  return reportGaps(reader.gaps(), options.session.isQuiet);
 }
 
 int printOne(Session& session, const InstancesOptions& options, const QORString& nameSpace) {
@@ -98,7 +85,12 @@ int printOne(Session& session, const InstancesOptions& options, const QORString&
   if (session.manager().repository()->getClass(nameSpace, className).IsNull()) {
     return reportRefusal(missingClassText(session.manager(), options.session.nameSpace, options.className));
   }
-  InstancePrinter(nameSpace).print(className);
+  CIMApi api;
+  const CIMApi::Instances instances =
+      api.enumerateInstances(nameSpace, className, {}, CIMApi::DefaultTimeout, nullptr, nullptr, nullptr, {});
+  InstancePrinter printer;
+  QORValSlistIterator<QORSmrPtr<IQoriObject>> each(*instances);
+  while (std::cout && ++each) printer.print(*each.key());
   return kExitDone;
 }
 
@@ -119,7 +111,7 @@ int runInstances(const InstancesOptions& options) {
     std::cout.flush();
     return reportFailure({});
   }
-  session.printWarnings();
+  session.printNewWarnings();  // a class that is asked again after a failure warns once more
   return status;
 }
 

@@ -5,33 +5,26 @@
 #include <algorithm>
 #include <map>
 
-#include "cimom/CIMApi.h"
-
 namespace {
 
 bool isBefore(const QORString& a, const QORString& b) { return a.compareTo(b, false) < 0; }
 
 class Counting {
  public:
-  Counting(EmbeddedObjectManager& manager, const QORString& nameSpace) : _manager(manager), _nameSpace(nameSpace) {}
+  Counting(EmbeddedObjectManager& manager, const QORString& nameSpace)
+      : _manager(manager), _nameSpace(nameSpace), _reader(manager, nameSpace) {}
 
   void countUnder(const QORString& root) {
     const bool isAssociation = _manager.isAssociation(_nameSpace, root);
     const CIMApi::PropertyNames none(new QORValSlist<QORString>());
-    CIMApi api;
-    const CIMApi::Instances instances =
-        api.enumerateInstances(_nameSpace, root, isAssociation ? CIMApi::PropertyNames() : none, CIMApi::DefaultTimeout,
-                               nullptr, nullptr, nullptr, {});
-    if (instances.IsNull()) return;
-    QORValSlistIterator<QORSmrPtr<IQoriObject>> each(*instances);
-    while (++each) {
+    _reader.read(root, isAssociation ? CIMApi::PropertyNames() : none, [&](const IQoriObject& instance) {
       ++_contents.instanceCount;
-      isAssociation ? countTie(*each.key()) : void(++_counts[each.key()->getClassName()]);
-    }
+      isAssociation ? countTie(instance) : void(++_counts[instance.getClassName()]);
+    });
   }
-  void addFault(const std::string& fault) { _contents.faults.push_back(fault); }
 
   ModelContents finish() {
+    _contents.gaps = _reader.gaps();
     for (const auto& [name, count] : _counts) _contents.classes.push_back({name, count});
     for (auto& [name, ties] : _ties) {
       std::move(ties.begin(), ties.end(), std::back_inserter(_contents.ties));
@@ -63,6 +56,7 @@ class Counting {
 
   EmbeddedObjectManager& _manager;
   const QORString& _nameSpace;
+  InstanceReader _reader;
   ModelContents _contents;
   std::map<QORString, std::size_t, decltype(&isBefore)> _counts{isBefore};
   std::map<QORString, std::vector<ModelContents::Tie>, decltype(&isBefore)> _ties{isBefore};
@@ -72,18 +66,8 @@ class Counting {
 
 ModelContents contentsOf(EmbeddedObjectManager& manager, const QORString& nameSpace) {
   Counting counting(manager, nameSpace);
-  for (const QORString& root : rootClasses(manager, nameSpace)) {
-    try {
-      counting.countUnder(root);
-    } catch (const QoriBaseException& failure) {
-      counting.addFault(faultOf(root, failure));
-    }
-  }
+  for (const QORString& root : rootClasses(manager, nameSpace)) counting.countUnder(root);
   return counting.finish();
-}
-
-std::string faultOf(const QORString& className, const QoriBaseException& failure) {
-  return std::string(className.view()) + ": " + std::string(failure.getMessage().view());
 }
 
 std::vector<QORString> rootClasses(const EmbeddedObjectManager& manager, const QORString& nameSpace) {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
+#include "InstanceReader.h"
 
 struct ModelContents {
   struct ClassCount {
@@ -28,16 +29,14 @@ struct ModelContents {
 
   std::vector<ClassCount> classes;  // those with instances, without associations, in the order of names
   std::vector<Tie> ties;            // in the order of the associations' names
-  std::vector<std::string> faults;  // why instances of a class are missing
+  InstanceReader::Gaps gaps;        // the classes whose instances are missing
   std::size_t instanceCount = 0;
 };
 
 // Enumerates all instances, of all but associations their paths alone. Of live classes, too: what they cannot read is
-// among the faults or logged. REQUIRES the current object manager.
+// among the gaps or logged. REQUIRES the current object manager.
 ModelContents contentsOf(EmbeddedObjectManager& manager, const QORString& nameSpace);
 
-// "Linux_Service: what went wrong".
-std::string faultOf(const QORString& className, const QoriBaseException& failure);
 // The classes of a namespace that have no superclass: their instances are all there are.
 std::vector<QORString> rootClasses(const EmbeddedObjectManager& manager, const QORString& nameSpace);
 

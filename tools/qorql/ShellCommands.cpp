@@ -50,7 +50,7 @@ void printContents(Argument pattern, ShellState& state) {
     isAny = true;
     std::cout << known.name << ' ' << known.count << '\n';
   }
-  for (const std::string& fault : contents.faults) std::cerr << "qorql: warning: " << printableText(fault) << '\n';
+  reportGaps(contents.gaps, state.options.isQuiet);
   state.session.printWarnings();
   if (isAny) return;
   complain(pattern.empty()

@@ -152,6 +152,26 @@ TEST_F(Providers, OfAClassAmongManyASourceThatIsNotThereIsAWarning) {
   manager.setLogSink({}, QoriTraceLog::kFatal);
 }
 
+TEST_F(Providers, OwnInstancesAreThoseOfTheClassAloneWhateverTheOthersDo) {
+  const auto disks = serve("CIM_Disk", {{{"DeviceID", text("live1")}, {"Size", number(3)}}});
+  const auto fast = serve("CIM_FastDisk", {{{"DeviceID", text("live2")}}});
+  createDisk("a");
+  createDisk("b", 0, "CIM_FastDisk");
+  const auto own = [&](const char* className) {
+    return values(manager.ownInstances(kSpace, className, names({"DeviceID", "Size"})), "DeviceID");
+  };
+  EXPECT_THAT(own("cim_DISK"), ElementsAre("a", "live1"));
+  EXPECT_THAT(own("CIM_FastDisk"), ElementsAre("b", "live2"));
+  EXPECT_THAT(own("CIM_Device"), IsEmpty());
+  EXPECT_THAT(requested(*disks), ElementsAre("DeviceID", "Size"));
+  fast->failure = [] { throw CQoriProviderException("fast", "broken", 1); };
+  EXPECT_THROW(enumerate("CIM_Disk"), CQoriProviderException);
+  EXPECT_THAT(own("CIM_Disk"), ElementsAre("a", "live1"));
+  EXPECT_THROW(own("CIM_FastDisk"), CQoriProviderException);
+  EXPECT_TRUE(manager.ownInstances(kSpace, "CIM_Nothing", {}).IsNull());
+  EXPECT_TRUE(manager.ownInstances("root/elsewhere", "CIM_Disk", {}).IsNull());
+}
+
 TEST_F(Providers, PathsStayUnique) {
   serve("CIM_Disk", {{{"DeviceID", text("a")}, {"Size", number(1)}},
                      {{"DeviceID", text("x")}, {"Size", number(2)}},
