@@ -138,7 +138,9 @@ class Changes(ToolCase):
 
 
 class ManyFilters(ToolCase):
-    CHANGED = "SELECT SourceInstance FROM CIM_InstModification WHERE SourceInstance ISA CIM_OperatingSystem"
+    # The time, which is looked at since the filter names it, is another one at every look.
+    CHANGED = ("SELECT SourceInstance FROM CIM_InstModification WHERE SourceInstance ISA CIM_OperatingSystem AND "
+               "SourceInstance.CIM_OperatingSystem::LocalDateTime <> PreviousInstance.CIM_OperatingSystem::LocalDateTime")
 
     def watch(self, filters, *arguments):
         return self.run_tool("watch", "--interval", "0.05", *arguments, "--filters", self.write("filters.txt", filters))
