@@ -27,7 +27,7 @@ class QORQL_SymbolTable;
 
 // validate() belongs to one thread; after it the statement does not change, and
 // the other operations may be called from many threads at once.
-class CQLQueryStatement : public IQueryStatement {
+class CQLQueryStatement final : public IQueryStatement {
  public:
   using Value = QORSmrPtr<IQoriValue>;
   using Node = QORSmrPtr<QORQL_Evaluatable>;
@@ -83,7 +83,7 @@ class CQLQueryStatement : public IQueryStatement {
 
   // The steps of matching, for callers that ask for one. Each answers false, or a
   // null value, when anything about the node or the instance is not as it should be;
-  // isMatchFromClause alone THROWS. Before validate() no FROM name is known.
+  // isMatchFromClause and getPropertyValueFromEmbeddedObject alone THROW. Before validate() no FROM name is known.
   // `result` says whether the instance matches; the code tells more: success when it does,
   // CQL_QUERY_ISMATCH_FAILURE when it does not, CQL_QUERY_INTERNAL_ERROR for a null
   // namespace and for what failed on the way.

@@ -22,20 +22,24 @@ struct Answer {
 constexpr std::size_t kAnswers = 256;
 using Memory = std::array<Answer, kAnswers>;
 
-thread_local Memory* theMemory = nullptr;
+constinit thread_local Memory* theMemory = nullptr;
+constinit thread_local bool hasThreadEnded = false;
 
 // Frees the thread's memory at its end. What a later destructor of the thread asks
-// makes another one, which stays.
+// is not remembered: nobody would free it.
 struct Holder {
   Holder() = default;
   Holder(const Holder&) = delete;
   Holder& operator=(const Holder&) = delete;
-  ~Holder() { delete std::exchange(theMemory, nullptr); }
+  ~Holder() {
+    hasThreadEnded = true;
+    delete std::exchange(theMemory, nullptr);
+  }
 };
 
 // Null when there is no room for one: it saves time, and nothing else.
 Memory* ownMemory() {
-  if (theMemory == nullptr) {
+  if (theMemory == nullptr && !hasThreadEnded) {
     theMemory = new (std::nothrow) Memory;
     static thread_local const Holder theHolder;
   }

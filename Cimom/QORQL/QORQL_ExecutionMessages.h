@@ -1,4 +1,4 @@
-// The texts of execution errors and log lines, each once.
+// The texts of execution errors and log lines, and names that the engine gives a meaning, each once.
 // Tested by tests/unit/QORQL/HelperTest.cpp, tests/queries/errors.qtest.
 // SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EXECUTIONMESSAGES_H
@@ -23,6 +23,8 @@ inline constexpr char kInstanceNameFailed[] = "An unknown exception occured when
 // Retrieval and associations.
 inline constexpr char kFromSymbolUnknown[] = "Unable to locate the symbol for '";
 inline constexpr char kSubquerySymbolUnknown[] = "unable to locate the symbol for '";
+inline constexpr char kEnumerating[] = "Enumerateinstance call for '";
+inline constexpr char kReturnedNull[] = "' returned NULL";
 inline constexpr char kAddingObject[] = "Error occured when adding object to table - ";
 inline constexpr char kTableIsNull[] = "table is null";
 inline constexpr char kObjectIsNull[] = "qoriobject is null";
@@ -49,6 +51,11 @@ inline constexpr char kAggregateNull[] = "Aggregate functions must contain a val
 inline constexpr char kAggregateResultNotNumeric[] =
     "Aggregate functions must contain an expression that results in a numeric value.";
 inline constexpr char kResultNotFound[] = "Result not found";
+
+// Names: the qualifier of a class whose provider filters at the source, and the property that stands in the argument of
+// OBJECTPATH(X): the object itself, none of its properties.
+inline constexpr char kProviderFiltered[] = "YRK_TRBS_ProviderFiltered";
+inline constexpr char kNoProperty[] = "NONE";
 
 }  // namespace QORQL_ExecutionMessages
 

@@ -21,8 +21,9 @@ class QORQL_Expression : public QORQL_Evaluatable {
                    QORQL_Operator op);
   ~QORQL_Expression() override;
 
-  // Reads it from the current token on and leaves the first token after it current; a lone operand comes back as it
-  // is. Adds the properties that are named to `projMap`. THROWS QORQL_ParseException and QORQL_Exception.
+  // Reads it from the current token on and leaves the first token after it current; always a node of this class, a
+  // lone operand's too. Adds the properties that are named to `projMap`. THROWS QORQL_ParseException and
+  // QORQL_Exception.
   static QORSmrPtr<QORQL_Evaluatable> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                             QORQL_ProjectionMap& projMap, const QORString& queryString,
                                             const QORString& queryLanguage);

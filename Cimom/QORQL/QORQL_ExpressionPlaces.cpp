@@ -14,10 +14,6 @@ namespace {
 
 constexpr QORuint32 kNowhere = QORQL_Fault::kNowhere;
 
-bool isName(const QORSmrPtr<QORString>& text, const QORString& name) {
-  return !text.IsNull() && text->isEqualCaseInsensitive(name);
-}
-
 // Keeps the first place.
 class PlaceFinder : public QORQL_ExpressionVisitor {
  public:
@@ -61,17 +57,19 @@ QORuint32 QORQL_startOf(const QORQL_Evaluatable& node) noexcept {
 
 QORuint32 QORQL_findPlace(QORQL_Evaluatable& node, const QORQL_PlaceOf& placeOf) { return find(node, placeOf, {}); }
 
-QORuint32 QORQL_findProperty(QORQL_Evaluatable& node, const QORString& className, const QORString& propertyName) {
+QORuint32 QORQL_findProperty(QORQL_Evaluatable& node, const QORString& className, const QORString& propertyName,
+                             std::string_view text) {
   return QORQL_findPlace(node, [&](const QORQL_Factor& factor) {
-    const bool isAsked = isName(factor.getClassName(), className) && isName(factor.getPropertyName(), propertyName);
-    return isAsked ? factor.getPropertyOffset() : kNowhere;
+    const bool isAsked = QORQL_isName(factor.getClassName(), className) &&
+                         QORQL_ownProperty(factor).isEqualCaseInsensitive(propertyName);
+    return isAsked ? QORQL_placeOfOwnProperty(text, factor) : kNowhere;
   });
 }
 
 QORuint32 QORQL_findFromName(QORQL_Evaluatable& node, const QORString& name) {
   const auto placeOf = [&](const QORQL_Factor& factor) {
-    const bool isBare = factor.isBareIdentifier() && isName(factor.getPropertyName(), name);
-    return isBare || isName(factor.getClassName(), name) ? factor.getOffset() : kNowhere;
+    const bool isBare = factor.isBareIdentifier() && QORQL_isName(factor.getPropertyName(), name);
+    return isBare || QORQL_isName(factor.getClassName(), name) ? factor.getOffset() : kNowhere;
   };
   const auto placeOfAssociation = [&](const QORQL_Association& association) {
     return association.getDestination().isEqualCaseInsensitive(name) ? association.getDestinationOffset() : kNowhere;
@@ -91,4 +89,10 @@ std::vector<QORuint32> QORQL_placesOfNames(std::string_view text, const QORQL_Fa
   }
   places.push_back(reference.getPropertyOffset());
   return places;
+}
+
+QORuint32 QORQL_placeOfOwnProperty(std::string_view text, const QORQL_Factor& reference) {
+  if (!QORQL_hasPath(reference)) return reference.getPropertyOffset();
+  const std::vector<QORuint32> places = QORQL_placesOfNames(text, reference);
+  return places.size() < 2 ? reference.getOffset() : places[1];
 }

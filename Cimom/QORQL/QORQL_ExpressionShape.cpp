@@ -92,8 +92,9 @@ const QORQL_Factor* QORQL_loneFactor(const QORSmrPtr<QORQL_Evaluatable>& node) n
   }
   const auto* const arithmetic = QORQL_nodeAs<QORQL_Arithmetic>(node);
   if (arithmetic == nullptr || arithmetic->getOperator() != QORQL_OperatorNONE) return nullptr;
-  const QORQL_Term* const term = arithmetic->getTermCasted();
-  return term == nullptr || term->getOperator() != QORQL_OperatorNONE ? nullptr : term->getFactorCasted();
+  const auto* const term = QORQL_nodeAs<QORQL_Term>(arithmetic->getTerm());
+  if (term == nullptr || term->getOperator() != QORQL_OperatorNONE) return nullptr;
+  return QORQL_nodeAs<QORQL_Factor>(term->getFactor());
 }
 
 const QORQL_Factor* QORQL_soleLeaf(const QORSmrPtr<QORQL_Evaluatable>& node) noexcept {
@@ -102,8 +103,8 @@ const QORQL_Factor* QORQL_soleLeaf(const QORSmrPtr<QORQL_Evaluatable>& node) noe
 }
 
 const QORQL_Factor* QORQL_leadingFactor(const QORQL_Arithmetic& arithmetic) noexcept {
-  const QORQL_Term* const term = arithmetic.getTermCasted();
-  return term == nullptr ? nullptr : term->getFactorCasted();
+  const auto* const term = QORQL_nodeAs<QORQL_Term>(arithmetic.getTerm());
+  return term == nullptr ? nullptr : QORQL_nodeAs<QORQL_Factor>(term->getFactor());
 }
 
 const QORSmrPtr<QORQL_Evaluatable>* QORQL_parenthesised(const QORSmrPtr<QORQL_Evaluatable>& comparison) noexcept {
@@ -116,7 +117,15 @@ const QORSmrPtr<QORQL_Evaluatable>* QORQL_parenthesised(const QORSmrPtr<QORQL_Ev
 }
 
 bool QORQL_hasPath(const QORQL_Factor& reference) noexcept {
-  return !reference.getChain().IsNull() && reference.getChain()->find(".") != QORString::npos;
+  return !reference.getChain().IsNull() && reference.getChain()->view().find('.') != std::string_view::npos;
+}
+
+QORString QORQL_ownProperty(const QORQL_Factor& reference) {
+  if (reference.getPropertyName().IsNull()) return QORString::emptyString();
+  if (!QORQL_hasPath(reference)) return *reference.getPropertyName();
+  const std::string_view chain = reference.getChain()->view();
+  const std::string_view steps = chain.substr(chain.find('.') + 1);
+  return QORString(steps.substr(0, steps.find('.')));
 }
 
 bool QORQL_hasIndex(const QORQL_Factor& reference) noexcept {

@@ -122,6 +122,16 @@ const QORSmrPtr<QORQL_Evaluatable>* QORQL_parenthesised(const QORSmrPtr<QORQL_Ev
 
 // Whether a reference leads down through embedded objects: a.b.c.
 bool QORQL_hasPath(const QORQL_Factor& reference) noexcept;
+// The property of the row's object that a reference reads: of a path the step after the class. Empty without a
+// property.
+QORString QORQL_ownProperty(const QORQL_Factor& reference);
+// Whether a text that a reference has is this name, in any case; false for one that it has not.
+inline bool QORQL_isName(const QORSmrPtr<QORString>& text, const QORString& name) noexcept {
+  return !text.IsNull() && text->isEqualCaseInsensitive(name);
+}
+// Whether a name is one of the words for the ends of an association, which have this spelling only: any other is a
+// property's name.
+inline bool QORQL_isAssociationEnd(const QORString& name) noexcept { return name == "firstref" || name == "secondref"; }
 // Whether it names one element of an array, or an array that is copied (x[]): not the property's value as it is.
 bool QORQL_hasIndex(const QORQL_Factor& reference) noexcept;
 

@@ -4,6 +4,7 @@
 #include "Cimom/QORQL/QORQL_ExpressionText.h"
 
 #include "Cimom/QORQL/QORQL_Association.h"
+#include "Cimom/QORQL/QORQL_ExecutionMessages.h"
 #include "Cimom/QORQL/QORQL_ExpressionFactor.h"
 #include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_FromClause.h"
@@ -12,9 +13,6 @@
 #include "cimom/QoriProviderPluginManager.h"
 
 namespace {
-
-// The property that stands in OBJECTPATH(X) for the object itself.
-constexpr char kNoProperty[] = "NONE";
 
 // A chain of one kind of + or *, AND or OR reads the same however it is grouped.
 template <class Node>
@@ -142,7 +140,7 @@ std::string QORQL_ExpressionText::ofReference(const QORQL_Factor& factor) const 
   const QORString& className = factor.getClassName().IsNull() ? none : *factor.getClassName();
   const QORString& property = factor.getPropertyName().IsNull() ? none : *factor.getPropertyName();
   const QORString& chain = factor.getChain().IsNull() ? none : *factor.getChain();
-  const bool isObject = property.isEmpty() || property == kNoProperty;
+  const bool isObject = property.isEmpty() || property == QORQL_ExecutionMessages::kNoProperty;
   if (isObject) return nameOf(className);
   const bool hasPath = !chain.isEmpty() && !chain.isEqualCaseInsensitive(className);
   std::string text = hasPath ? std::string(chain.view()) : nameOf(className);

@@ -17,7 +17,8 @@ class QORQL_Term;
 class QORQL_ExpressionVisitor {
  public:
   virtual ~QORQL_ExpressionVisitor();
-  // Each is called for every node of its class, after the nodes below it. What one THROWS ends the walk.
+  // Each is called for every node of its class, after the nodes below it; visitFactor only for literals and
+  // references, not for a factor around another node. What one THROWS ends the walk.
   virtual void visitExpression(const QORQL_Expression& node);
   virtual void visitExpressionTerm(const QORQL_ExpressionTerm& node);
   virtual void visitExpressionFactor(const QORQL_ExpressionFactor& node);

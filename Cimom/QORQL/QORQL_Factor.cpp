@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "Cimom/QORQL/QORQL_Comparison.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
 #include "Cimom/QORQL/QORQL_Function.h"
 #include "Cimom/QORQL/QORQL_Lexer.h"
@@ -182,8 +183,7 @@ QORSmrPtr<QORQL_Evaluatable> QORQL_Factor::parse(QORQL_SymbolTable& symbolTable,
 
 QORboolean QORQL_Factor::isClassReference() const noexcept {
   return _evaluatable.IsNull() && !_idClassName.IsNull() && !_idPropertyName.IsNull() &&
-         !_idClassName.Get()->isEmpty() &&
-         (*_idPropertyName.Get() == "firstref" || *_idPropertyName.Get() == "secondref");
+         !_idClassName.Get()->isEmpty() && QORQL_isAssociationEnd(*_idPropertyName.Get());
 }
 
 QORboolean QORQL_Factor::isPropertyReference() const noexcept {

@@ -48,7 +48,8 @@ struct QORQL_Fault {
   bool hasPlace() const noexcept { return offset != kNowhere; }
 
   Kind kind = kOther;
-  QORString name{};             // empty where the fault is about no name
+  // As the kind says; of a text that breaks a rule the word that the message quotes; else empty.
+  QORString name{};
   QORString className{};        // empty unless the kind says what it is
   QORuint32 offset = kNowhere;  // the byte of the text at which the word at fault begins
   QORString object{};           // the path of the object whose value is at fault; empty where that is not known

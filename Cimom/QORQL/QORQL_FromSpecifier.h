@@ -14,7 +14,7 @@ class QORQL_FromSpecifier : public QORQL_Executable {
   QORQL_FromSpecifier(const QORString& tableName, const QORSmrPtr<QORQL_Executable>& subQuery, const QORString& alias);
   ~QORQL_FromSpecifier() override;
 
-  // Reads `Class [AS] [alias]` from the current token on, leaves the first token after it current and enters the
+  // Reads `Class [ AS alias ]` from the current token on, leaves the first token after it current and enters the
   // names into the symbol table. THROWS QORQL_ParseException.
   static QORSmrPtr<QORQL_FromSpecifier> parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer, bool isSelectAll);
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/QORQL_Function.h"
 
+#include "Cimom/QORQL/QORQL_ExecutionMessages.h"
 #include "Cimom/QORQL/QORQL_Expression.h"
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
@@ -44,7 +45,7 @@ void rewriteObjectPath(const Parameters& parameters, const QORQL_Lexer& lexer) {
     QORQL_raiseAt(finder->offset(), QORQL_Messages::kObjectPathArgument, lexer);
   }
   *className = QORString::toUpperCase(*property);
-  *property = "NONE";
+  *property = QORQL_ExecutionMessages::kNoProperty;
 }
 
 // Entered on the closing parenthesis. Not inlined: parsing nests, and small stack frames allow deeper nesting.

@@ -18,5 +18,6 @@ void QORQL_raise(const QORQL_ParseMessage& message, QORuint32 line, QORuint32 of
 }
 
 void QORQL_raise(const QORQL_CheckMessage& message, QORuint32 offset, const QORString& argument) {
-  throw QORQL_Exception(message.code, fill(message.text, argument), {message.kind, argument, {}, offset});
+  const QORString& name = message.kind == QORQL_Fault::kOther ? QORString::emptyString() : argument;
+  throw QORQL_Exception(message.code, fill(message.text, argument), {message.kind, name, {}, offset});
 }

@@ -123,7 +123,8 @@ inline constexpr QORQL_CheckMessage kWhereCastFailed{
 }  // namespace QORQL_Messages
 
 // Each THROWS the message, with the argument in place of its "%s", and as its fault the message's kind, the argument
-// and the byte of the text at which the word at fault begins. Line 0: found after the text was read.
+// (unless the kind is kOther) and the byte of the text at which the word at fault begins. Line 0: found after the text
+// was read.
 [[noreturn]] void QORQL_raise(const QORQL_ParseMessage& message, QORuint32 line, QORuint32 offset,
                               const QORString& argument);
 [[noreturn]] void QORQL_raise(const QORQL_CheckMessage& message, QORuint32 offset,

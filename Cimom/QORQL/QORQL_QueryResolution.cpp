@@ -224,13 +224,13 @@ void QORQL_Query::_updateExpression(QORQL_Factor& factor, UpdateContext& context
 
 void QORQL_Query::_updateExpression(const QORQL_Term& term, UpdateContext& context) {
   for (const QORQL_Term& link : QORQL_linksOf(term)) {
-    if (QORQL_Factor* const factor = link.getFactorCasted()) _updateExpression(*factor, context);
+    if (auto* factor = QORQL_nodeAs<QORQL_Factor>(QORQL_operandOf(link))) _updateExpression(*factor, context);
   }
 }
 
 void QORQL_Query::_updateExpression(const QORQL_Arithmetic& arithmetic, UpdateContext& context) {
   for (const QORQL_Arithmetic& link : QORQL_linksOf(arithmetic)) {
-    if (const QORQL_Term* const term = link.getTermCasted()) _updateExpression(*term, context);
+    if (const auto* term = QORQL_nodeAs<QORQL_Term>(QORQL_operandOf(link))) _updateExpression(*term, context);
   }
 }
 

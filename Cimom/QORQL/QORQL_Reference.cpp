@@ -11,6 +11,7 @@
 
 #include <utility>
 
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_Lexer.h"
 #include "Cimom/QORQL/QORQL_Messages.h"
@@ -19,10 +20,6 @@
 namespace {
 
 using Text = QORSmrPtr<QORString>;
-
-// In a condition the ends of an association are no properties to request, but only in this spelling: any other is a
-// property's name.
-bool isAssociationEnd(const QORString& property) { return property == "firstref" || property == "secondref"; }
 
 class Reference {
  public:
@@ -68,7 +65,7 @@ class Reference {
   }
 
   void readIndex() {
-    if (_symbolTable.isSymbolTableUpdated()) QORQL_raise(QORQL_Messages::kSelectArray, _lexer);
+    if (_symbolTable.isSymbolTableUpdated()) QORQL_raiseAt(_lastOffset, QORQL_Messages::kSelectArray, _lexer);
     _index = QORQL_Factor::kEmptyBrackets;
     if (_lexer.next(false).getType() != TokenCLOSESQUAREBRACK) {
       if (currentType() == TokenDECIMALLITERAL) {
@@ -82,7 +79,9 @@ class Reference {
         QORQL_raise(QORQL_Messages::kSquareBracketExpected, _lexer);
       }
     }
-    if (_index >= 0 && _afterAnyOrEvery) QORQL_raise(QORQL_Messages::kAnyEveryOfElement, _lexer);
+    if (_index >= 0 && _afterAnyOrEvery) {
+      QORQL_raiseAt(_lastOffset, QORQL_Messages::kAnyEveryOfElement, _lexer);
+    }
     _lexer.next(false);
   }
 
@@ -97,8 +96,9 @@ class Reference {
                                                                      newText("*"), nullptr, QORQL_OperatorNONE, true));
   }
 
+  // In a condition the ends of an association are no properties to request.
   void request(const QORString& className, const QORString& property) {
-    if (!_lexer.recordsBareNames() && (className.isEmpty() || isAssociationEnd(property))) return;
+    if (!_lexer.recordsBareNames() && (className.isEmpty() || QORQL_isAssociationEnd(property))) return;
     QORQL_ClassInfo* const record = QORQL_recordOf(_projMap, className, _lexer.slabs());
     if (record != nullptr) record->addPropertyOnce(property, _lexer.slabs());
   }

@@ -3,8 +3,10 @@
 #include "Cimom/QORQL/QORQL_StatementPlaces.h"
 
 #include <functional>
+#include <new>
 
 #include "Cimom/QORQL/QORQL_ExpressionPlaces.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_FromClause.h"
 #include "Cimom/QORQL/QORQL_OrderByClause.h"
@@ -17,10 +19,6 @@ namespace {
 constexpr QORuint32 kNowhere = QORQL_Fault::kNowhere;
 
 using PlaceIn = std::function<QORuint32(QORQL_Evaluatable&)>;
-
-bool isName(const QORSmrPtr<QORString>& text, const QORString& name) {
-  return !text.IsNull() && text->isEqualCaseInsensitive(name);
-}
 
 QORuint32 find(const QORQL_SelectList& list, const PlaceIn& placeIn) {
   const QORQL_SelectList::EntryList entryList = list.getSelectedEntries();
@@ -45,8 +43,16 @@ QORuint32 find(const QORQL_Query& query, const PlaceIn& placeIn) {
 // OBJECTPATH has made its argument a class: a name that stands alone all the same.
 bool isBareName(const QORQL_Factor& factor, const QORString& name) {
   if (factor.getClassName().IsNull()) return false;
-  if (factor.getClassName()->isEmpty()) return isName(factor.getPropertyName(), name);
-  return factor.getPropertyOffset() == factor.getOffset() && isName(factor.getClassName(), name);
+  if (factor.getClassName()->isEmpty()) return QORQL_isName(factor.getPropertyName(), name);
+  return factor.getPropertyOffset() == factor.getOffset() && QORQL_isName(factor.getClassName(), name);
+}
+
+QORuint32 placeOf(const QORQL_Query& query, const QORQL_Fault& fault) {
+  if (fault.kind == QORQL_Fault::kPropertyMissing) return QORQL_findProperty(query, fault.className, fault.name);
+  if (fault.kind != QORQL_Fault::kClassUnknown && fault.kind != QORQL_Fault::kFromNameUnknown) return kNowhere;
+  const QORuint32 inFrom = QORQL_findClass(static_cast<const QORQL_FromClause&>(*query.getFromClause()), fault.name);
+  const auto placeIn = [&](QORQL_Evaluatable& node) { return QORQL_findFromName(node, fault.name); };
+  return inFrom != kNowhere ? inFrom : find(query, placeIn);
 }
 
 }  // namespace
@@ -60,7 +66,7 @@ QORuint32 QORQL_findBareName(const QORQL_SelectList& list, const QORString& name
 
 QORuint32 QORQL_findQualifier(const QORQL_SelectList& list, const QORString& name) {
   const auto placeOf = [&](const QORQL_Factor& factor) {
-    return isName(factor.getClassName(), name) ? factor.getOffset() : kNowhere;
+    return QORQL_isName(factor.getClassName(), name) ? factor.getOffset() : kNowhere;
   };
   return find(list, [&](QORQL_Evaluatable& node) { return QORQL_findPlace(node, placeOf); });
 }
@@ -74,17 +80,15 @@ QORuint32 QORQL_findClass(const QORQL_FromClause& from, const QORString& classNa
 }
 
 QORuint32 QORQL_findProperty(const QORQL_Query& query, const QORString& className, const QORString& propertyName) {
-  return find(query, [&](QORQL_Evaluatable& node) { return QORQL_findProperty(node, className, propertyName); });
+  const std::string_view text = query.getQueryString().view();
+  return find(query, [&](QORQL_Evaluatable& node) { return QORQL_findProperty(node, className, propertyName, text); });
 }
 
-void QORQL_placeFault(const QORQL_Query& query, QORQL_Exception& error) {
-  const QORQL_Fault& fault = error.getFault();
-  if (fault.hasPlace()) return;
-  if (fault.kind == QORQL_Fault::kPropertyMissing) {
-    error.setFaultOffset(QORQL_findProperty(query, fault.className, fault.name));
-  } else if (fault.kind == QORQL_Fault::kClassUnknown || fault.kind == QORQL_Fault::kFromNameUnknown) {
-    const QORuint32 inFrom = QORQL_findClass(static_cast<const QORQL_FromClause&>(*query.getFromClause()), fault.name);
-    const auto placeIn = [&](QORQL_Evaluatable& node) { return QORQL_findFromName(node, fault.name); };
-    error.setFaultOffset(inFrom != kNowhere ? inFrom : find(query, placeIn));
+void QORQL_placeFault(const QORQL_Query& query, QORQL_Exception& error) noexcept {
+  if (error.getFault().hasPlace()) return;
+  try {
+    error.setFaultOffset(placeOf(query, error.getFault()));
+  } catch (const std::bad_alloc&) {
+    return;  // the error matters more than its place
   }
 }

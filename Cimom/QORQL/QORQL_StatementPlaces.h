@@ -22,7 +22,8 @@ QORuint32 QORQL_findClass(const QORQL_FromClause& from, const QORString& classNa
 // one that runs first.
 QORuint32 QORQL_findProperty(const QORQL_Query& query, const QORString& className, const QORString& propertyName);
 
-// Gives an error of the statement's execution its place, where it names what is at fault and has none yet.
-void QORQL_placeFault(const QORQL_Query& query, QORQL_Exception& error);
+// Gives an error of the statement's execution its place, where it names what is at fault and has none yet. Where the
+// memory does not suffice for that the error stays as it is.
+void QORQL_placeFault(const QORQL_Query& query, QORQL_Exception& error) noexcept;
 
 #endif

@@ -199,6 +199,8 @@ class Terminal(ToolCase):
 
     def test_caret_under_a_property_that_an_object_lacks(self):
         self.carets("SELECT i.Name AS Wheels FROM Shop_Item AS i WHERE i.Name <> 'Wheels' AND i.^Wheels = 1", count=2)
+        self.carets("SELECT i.Name AS Emb, i.^Emb.Name FROM Shop_Item AS i", count=2)
+        self.carets("SELECT i.Id FROM Shop_Item AS i ORDER BY i.^Emb.Name ASC")
 
     def test_caret_under_what_a_warning_is_about(self):
         for marked in (
@@ -229,6 +231,14 @@ class Terminal(ToolCase):
             f"qorql: error: {path}:1:29: found \"5\", expected \";\"\n"
             "   class T { string 日本 = \"日本\" 5; };\n"
             "                                  ^\n")))
+
+    def test_no_text_is_meant_by_a_property_behind_its_class(self):
+        for wrong in ("i.Wheels = e.Id", "e.Id = i.Wheels"):
+            with self.subTest(condition=wrong):
+                shown = self.model("--warnings", "SELECT i.Name FROM Shop_Item AS i, Shop_Empty AS e "
+                                                 f"WHERE {wrong} OR i.Id = 1").err
+                self.assertIn("Wheels", shown)
+                self.assertNotIn("'Wheels'?", shown)
 
     def test_hint_of_the_name_that_was_meant(self):
         for query, hint in (

@@ -11,6 +11,10 @@
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "Cimom/Mof/MofLoader.h"
 #include "Cimom/QORQL/CQLFilterSet.h"
+#include "Cimom/QORQL/QORQL_Lexer.h"
+#include "Cimom/QORQL/QORQL_Query.h"
+#include "Cimom/QORQL/QORQL_StatementPlaces.h"
+#include "Cimom/QORQL/QORQL_SymbolTable.h"
 #include "FaultRun.h"
 
 namespace {
@@ -229,5 +233,24 @@ TEST_P(FailingMatch, AtEveryAllocation) {
 
 INSTANTIATE_TEST_SUITE_P(Each, FailingMatch,
                          testing::Combine(testing::Range<std::size_t>(0, kFaultFilters.size()), testing::Bool()));
+
+// The error matters more than where it is.
+TEST(FailingPlace, LeavesTheErrorAsItIs) {
+  const FaultWorld world;
+  const QORString text("SELECT t.Name FROM T_Disk AS t WHERE t.Nope = 1");
+  QORQL_Lexer lexer(text, false);
+  QORQL_SymbolTable symbols(nullptr);
+  const auto query = QORQL_Query::parse(symbols, lexer, false, text, "CQL", "root/cimv2").StaticCast<QORQL_Query>();
+  QORQL_Exception error(QORQL_Exception::QORQL_INTERNAL_ERROR, "it fails",
+                        {QORQL_Fault::kPropertyMissing, "Nope", "t", QORQL_Fault::kNowhere});
+  AllocationFaults::arm(1, true);
+  EXPECT_NO_THROW(QORQL_placeFault(*query, error));
+  AllocationFaults::disarm();
+  EXPECT_TRUE(AllocationFaults::hasFailed());
+  EXPECT_FALSE(error.getFault().hasPlace());
+  EXPECT_EQ(error.getMessage(), "it fails");
+  QORQL_placeFault(*query, error);
+  EXPECT_EQ(error.getFault().offset, text.find("Nope"));
+}
 
 }  // namespace

@@ -102,10 +102,11 @@ std::string StatementFault::suggestProperty(const std::string& name, const std::
   return suggestion.best();
 }
 
-// A name that is compared with another name may be a text without its quotes.
+// A name that is compared with another name may be a text without its quotes, unless it stands behind a class.
 bool StatementFault::looksLikeText(const CQLQueryFault& fault) const {
   const std::size_t piece = _text.pieceAt(fault.offset);
   if (piece == StatementText::kNowhere || piece < _text.behindFrom()) return false;
+  if (_text.is(piece - 1, ".") || _text.is(piece - 1, "::")) return false;
   const auto isName = [this](std::size_t other) {
     return _text.isWord(other) && !_text.is(other, "TRUE") && !_text.is(other, "FALSE");
   };

@@ -5,6 +5,7 @@
 
 #include <vector>
 
+#include "Cimom/QORQL/CQLQueryValidator.h"
 #include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_FromClause.h"
@@ -68,12 +69,7 @@ QORSmrPtr<IQoriClass> QORQL_DeclaredTypes::findClass(const QORString& className)
 }
 
 bool QORQL_DeclaredTypes::isA(const QORString& className, const QORString& ancestor) const {
-  QORString name = className;
-  while (!name.isEmpty() && !name.isEqualCaseInsensitive(ancestor)) {
-    const QORSmrPtr<IQoriClass> model(findClass(name));
-    name = model.IsNull() ? QORString() : model->getSuperClassName();
-  }
-  return !name.isEmpty();
+  return CQLQueryValidator::isSubClass(_nameSpace, className, ancestor);
 }
 
 QORQL_DeclaredType QORQL_DeclaredTypes::of(const QORQL_Evaluatable* given) const {

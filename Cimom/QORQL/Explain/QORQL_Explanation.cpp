@@ -23,11 +23,11 @@
 #include "Cimom/QORQL/QORQL_WhereClause.h"
 #include "cimom/QoriProviderPluginManager.h"
 
+namespace Messages = QORQL_ExecutionMessages;
+
 namespace {
 
 using Step = QORQL_ExplainedStep;
-
-constexpr char kProviderFiltered[] = "YRK_TRBS_ProviderFiltered";
 
 // Ends the simulation where execution would end: the last step says why.
 struct Failed {};
@@ -110,7 +110,7 @@ class QORQL_Explanation::Simulation {
     QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*_from.getFromSpecifierList());
     while (++specifiers) {
       const QORSmrPtr<IQoriClass> declared(classOf(specifiers.key()->getTableName()));
-      if (declared.IsNull() || declared->getQualifier(kProviderFiltered, true) == nullptr) return false;
+      if (declared.IsNull() || declared->getQualifier(Messages::kProviderFiltered, true) == nullptr) return false;
     }
     return true;
   }
@@ -131,7 +131,7 @@ class QORQL_Explanation::Simulation {
   QORSmrPtr<QORQL_Symbol> symbolOf(const QORString& name) {
     QORSmrPtr<QORQL_Symbol> symbol(_symbols.lookupIgnoringCase(name));
     if (symbol.IsNull()) {
-      fail(std::string(QORQL_ExecutionMessages::kFromSymbolUnknown) + std::string(name.view()) + "'");
+      fail(std::string(Messages::kFromSymbolUnknown) + std::string(name.view()) + "'");
     }
     return symbol;
   }
@@ -161,7 +161,7 @@ class QORQL_Explanation::Simulation {
     if (table.hasColumn(className)) return;
     _steps.push_back(requestOf(*symbol));
     if (classOf(className).IsNull()) {
-      fail("Enumerateinstance call for '" + std::string(className.view()) + "' returned NULL");
+      fail(Messages::kEnumerating + std::string(className.view()) + Messages::kReturnedNull);
     }
     table.addColumn(className, symbol->getAlias().isEmpty() ? className : symbol->getAlias(), staysLazy);
   }

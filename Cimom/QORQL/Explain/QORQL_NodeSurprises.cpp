@@ -228,7 +228,7 @@ std::string QORQL_NodeSurprises::arrayText() const {
   const bool isLeft = _types.of(left).isArray;
   const std::string start = "\"" + _texts.of(_array) + "\" is null: ";
   if (isLeft && _types.of(right).isArray) return start + "arrays have no order";
-  const std::string array = _texts.of(isLeft ? left : right);
+  const std::string array = _texts.of(QORQL_peel(isLeft ? left : right));  // without an ANY in parentheses
   std::string text = start + array + " is an array";
   if (_array->getJoinType() != QORQL_JOIN_TYPE_INNER) return text;
   return text + ". To ask its elements write " + askingText(*_array, array, _texts.of(isLeft ? right : left), isLeft);

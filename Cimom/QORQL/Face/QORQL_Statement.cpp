@@ -9,6 +9,7 @@
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "Cimom/QORQL/QORQL_Lexer.h"
 #include "Cimom/QORQL/QORQL_Query.h"
+#include "Cimom/QORQL/QORQL_StatementPlaces.h"
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
 
 // The lexer goes when the text is read: the tree keeps what it needs of it.
@@ -103,8 +104,14 @@ QORQL_Result QORQL_Statement::run(std::ostream* xml) {
   EarlyEnd end;
   const QORQL_MonitorScope scope(end);
   _state->query->execute(*_state->symbols, rows->table, xml, _state->nameSpace);
-  end.rethrow();
-  rows->reader = std::make_unique<QORQL_ResultReader>(*_state->query, *_state->symbols, rows->table, _state->declared);
+  try {
+    end.rethrow();
+    rows->reader =
+        std::make_unique<QORQL_ResultReader>(*_state->query, *_state->symbols, rows->table, _state->declared);
+  } catch (QORQL_Exception& error) {  // one that the execution kept to itself, too, has its place
+    QORQL_placeFault(*_state->query, error);
+    throw;
+  }
   return QORQL_Result(std::move(rows));
 }
 

@@ -16,8 +16,8 @@ class QORQL_SymbolTable;
 
 // The result of one run: columns, and rows that are walked once. It may be read
 // when its statement has gone. With its statement and the statement's other
-// results it shares the parsed text and the values of aggregates: all of them
-// together belong to one thread at a time. A moved-from result may only be
+// results it shares the parsed text: all of them together belong to one thread
+// at a time. A moved-from result may only be
 // assigned to and destroyed.
 class QORQL_Result {
  public:
@@ -41,8 +41,7 @@ class QORQL_Result {
   QORString text(std::size_t index);
   // A view of it, kind Null for NULL, which allocates nothing for numbers, texts
   // and booleans of properties. Valid until the next view() of the column, while
-  // the result lives, and for an aggregate until the statement runs again.
-  // REQUIRES and THROWS as above.
+  // the result lives. REQUIRES and THROWS as above.
   QoriScalar view(std::size_t index);
   // The class of the one object of the current row that all columns are
   // properties of, by their names; empty when there is no such object.
@@ -90,8 +89,7 @@ class QORQL_Statement {
   // QORQL_Exception, what providers and values throw (QoriBaseException), and
   // QORQL_StoppedException when the thread's monitor stops it. It throws as well
   // what QORQL_Query::execute only logs, an error that ends the rows early: a result
-  // that is returned has all of its rows. The values of aggregates are kept in the
-  // statement, so read those of one result before the next run.
+  // that is returned has all of its rows, and later runs leave it as it is.
   QORQL_Result run(std::ostream* xml = nullptr);
   // Where the statement does not mean what someone who knows SQL expects. THROWS as parse().
   std::vector<QORQL_Surprise> surprises();

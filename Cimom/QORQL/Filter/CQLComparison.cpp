@@ -39,10 +39,7 @@ int indexOf(const QORString& type) noexcept {
 
 bool isReal(const QORString& type) noexcept { return type == "real32" || type == "real64"; }
 bool isBooleanAndText(const QORString& a, const QORString& b) noexcept { return a == "boolean" && b == "string"; }
-bool saysTruth(const Value& text) {
-  const QORString words(text->toString());
-  return words.isEqualCaseInsensitive("TRUE") || words.isEqualCaseInsensitive("FALSE");
-}
+bool saysTruth(const Value& text) { return CQLComparison::truthOf(text->toString().view()) >= 0; }
 
 Value as(const QORSmrPtr<IQoriType>& type, const Value& value) { return Value(new CQoriValue(*value, type)); }
 

@@ -3,6 +3,8 @@
 #ifndef QORQL_CQLCOMPARISON_H
 #define QORQL_CQLCOMPARISON_H
 
+#include <string_view>
+
 #include "Cimom/QORQL/CQLPrecisionCode.h"
 #include "Cimom/QORQL/QORQL_Comparison.h"
 #include "Cimom/QORQL/QORQL_Operator.h"
@@ -26,6 +28,12 @@ class CQLComparison {
   static bool compare(const Value& lhs, const Value& rhs, QORQL_Operator op);
   // Of one element type, or both of numbers.
   static bool areComparableArrays(const IQoriValue& lhs, const IQoriValue& rhs);
+  // 1 and 0 for a text that says TRUE or FALSE, in any case, and so compares with booleans; -1 for any other. Inline,
+  // since matching asks it.
+  static int truthOf(std::string_view text) noexcept {
+    if (QORString::equalIgnoringCase(text, "TRUE")) return 1;
+    return QORString::equalIgnoringCase(text, "FALSE") ? 0 : -1;
+  }
   // Whether both name a type of numbers.
   static bool areNumbers(const QORString& lhsType, const QORString& rhsType) noexcept;
   // THROWS a bare int 0 for a pair that the table does not hold.

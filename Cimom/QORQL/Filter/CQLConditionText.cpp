@@ -9,11 +9,6 @@
 
 namespace {
 
-bool saysTruth(const QORSmrPtr<IQoriValue>& value) {
-  const QORString text(value->toString());
-  return text.isEqualCaseInsensitive("TRUE") || text.isEqualCaseInsensitive("FALSE");
-}
-
 // As CQLTextOfMismatch, for values or arrays by the type of their elements.
 std::string mismatchOfTypes(const QORSmrPtr<IQoriValue>& left, const QORSmrPtr<IQoriValue>& right) {
   const QORString& leftType = left->getType()->getName();
@@ -25,7 +20,8 @@ std::string mismatchOfTypes(const QORSmrPtr<IQoriValue>& left, const QORSmrPtr<I
   const bool isTruthOnLeft = leftType == "boolean" && rightType == "string";
   if (isTruthOnLeft || (leftType == "string" && rightType == "boolean")) {
     const QORSmrPtr<IQoriValue>& text = isTruthOnLeft ? right : left;
-    return text->isArray() || saysTruth(text) ? "" : ": a boolean compares with TRUE and FALSE only";
+    const bool isComparable = text->isArray() || CQLComparison::truthOf(text->toString().view()) >= 0;
+    return isComparable ? "" : ": a boolean compares with TRUE and FALSE only";
   }
   return mismatch;
 }

@@ -49,9 +49,7 @@ std::partial_ordering compareAsFilter(const QoriScalar& a, const QoriScalar& b) 
 // A boolean, or text that says TRUE or FALSE in any case: 1 or 0; otherwise -1.
 int truthOf(const QoriScalar& view) noexcept {
   if (view.kind == QoriScalarKind::Boolean) return view.b ? 1 : 0;
-  if (view.kind != QoriScalarKind::Text) return -1;
-  if (QORString::equalIgnoringCase(view.text->view(), "TRUE")) return 1;
-  return QORString::equalIgnoringCase(view.text->view(), "FALSE") ? 0 : -1;
+  return view.kind == QoriScalarKind::Text ? CQLComparison::truthOf(view.text->view()) : -1;
 }
 
 // Values that are no scalars: arrays as wholes, others of one type.

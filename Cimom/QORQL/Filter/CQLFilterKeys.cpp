@@ -12,6 +12,7 @@
 #include <cmath>
 #include <limits>
 
+#include "Cimom/QORQL/Filter/CQLComparison.h"
 #include "Cimom/QORQL/Filter/CQLIsa.h"
 #include "Cimom/QORQL/Filter/CQLPropertyPath.h"
 #include "Cimom/QORQL/QORQL_TextHash.h"
@@ -39,12 +40,6 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 QORuint64 mix(QORuint64 seed, QORuint64 subject, QORuint64 bits) noexcept {
   return QORQL_mixBits(QORQL_mixBits(seed + subject) ^ bits);
-}
-
-// 1 and 0 for a text that says TRUE or FALSE; -1 for any other.
-int truthOf(std::string_view text) noexcept {
-  if (QORString::equalIgnoringCase(text, "TRUE")) return 1;
-  return QORString::equalIgnoringCase(text, "FALSE") ? 0 : -1;
 }
 
 QORuint64 textKey(QORuint64 path, std::string_view text) noexcept { return mix(path, kText, QORQL_hashText(text)); }
@@ -114,7 +109,7 @@ void addEqualKeys(QORuint64 pathHash, const QoriScalar& constant, std::vector<QO
   switch (constant.kind) {
     case QoriScalarKind::Text: {
       keys.push_back(textKey(pathHash, constant.text->view()));
-      const int truth = truthOf(constant.text->view());
+      const int truth = CQLComparison::truthOf(constant.text->view());
       if (truth >= 0) keys.push_back(truthKey(pathHash, truth == 1));
       return;
     }

@@ -42,7 +42,7 @@ class Question {
       _lastNumber = filter.nameSpaceNumber;
       _isSame = own.isEqualCaseInsensitive(_nameSpace);
     }
-    return _isSame && statement.CQLQueryStatement::isMatch(_instance, own);
+    return _isSame && statement.isMatch(_instance, own);
   }
 
  private:

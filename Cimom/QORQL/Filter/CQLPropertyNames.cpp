@@ -4,15 +4,9 @@
 
 #include "Cimom/QORQL/Filter/CQLIsa.h"
 #include "Cimom/QORQL/Filter/CQLTreeMatch.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_SelectList.h"
 #include "Cimom/QORQL/QORQL_WhereClause.h"
-
-namespace {
-
-// The words for the ends of an association; a class may have properties with these names.
-bool isAssociationEnd(const QORString& property) { return property == "firstref" || property == "secondref"; }
-
-}  // namespace
 
 CQLPropertyNames::CQLPropertyNames(const CQLScope& scope, const QORString& className)
     : _scope(scope), _className(className), _names(new QORValSlist<QORString>()) {}
@@ -60,7 +54,8 @@ void CQLPropertyNames::addReference(const CQLReference& reference, Clause clause
 
 void CQLPropertyNames::addProperty(const QORString& owner, const QORString& property, Clause clause) {
   const bool isKnown = _scope.hasProperty(_className, property);
-  const bool isAsked = _scope.isSubClass(_className, owner) ? isKnown || !isAssociationEnd(property)
+  // A class may have properties that are named like the ends of an association.
+  const bool isAsked = _scope.isSubClass(_className, owner) ? isKnown || !QORQL_isAssociationEnd(property)
                                                             : isKnown && clause == Clause::Where;
   if (isAsked) add(property);
 }

@@ -38,9 +38,7 @@ QORString propertyOfClass(const QORQL_SelectedEntry& entry) {
 // Where the text names that property.
 QORuint32 placeOfProperty(std::string_view text, const QORQL_SelectedEntry& entry) {
   return QORQL_findPlace(*entry.getExpression(), [&](const QORQL_Factor& factor) {
-    if (factor.getPropertyName().IsNull()) return QORQL_Fault::kNowhere;
-    const bool isPath = !factor.getChain().IsNull() && factor.getChain()->find(".") != QORString::npos;
-    return isPath ? QORQL_placesOfNames(text, factor).at(1) : factor.getPropertyOffset();
+    return factor.getPropertyName().IsNull() ? QORQL_Fault::kNowhere : QORQL_placeOfOwnProperty(text, factor);
   });
 }
 

@@ -35,17 +35,20 @@ Mark* takeMark() {
   return mark;
 }
 
-thread_local Mark* theMark = nullptr;
+constinit thread_local Mark* theMark = nullptr;
+constinit thread_local bool hasThreadEnded = false;
 
-// Gives the thread's mark back at its end. A section that a later destructor of
-// the thread makes takes another one, which stays taken.
+void giveMarkBack() noexcept { std::exchange(theMark, nullptr)->isTaken.store(false, std::memory_order_release); }
+
+// Gives the thread's mark back at its end. A section that is still there, or that
+// a later destructor of the thread makes, does so itself.
 struct Holder {
   Holder() = default;
   Holder(const Holder&) = delete;
   Holder& operator=(const Holder&) = delete;
   ~Holder() {
-    Mark* const mark = std::exchange(theMark, nullptr);
-    if (mark != nullptr) mark->isTaken.store(false, std::memory_order_release);
+    hasThreadEnded = true;
+    if (theMark != nullptr && theMark->nesting == 0) giveMarkBack();
   }
 };
 
@@ -76,12 +79,21 @@ CQLReadSection::CQLReadSection() {
 }
 
 CQLReadSection::~CQLReadSection() {
-  Mark& mark = ownMark();
-  if (--mark.nesting == 0) mark.epoch.store(kIdle, std::memory_order_release);
+  Mark& mark = *theMark;
+  if (--mark.nesting != 0) return;
+  mark.epoch.store(kIdle, std::memory_order_release);
+  if (hasThreadEnded) [[unlikely]]
+    giveMarkBack();
 }
 
 CQLRetired::~CQLRetired() {
   for (const Waiting& waiting : _waiting) waiting.free(waiting.memory);
+}
+
+// While one reader stays, nothing is freed: room for exactly what comes would be made again for each change.
+void CQLRetired::reserve(std::size_t more) {
+  const std::size_t needed = _waiting.size() + more;
+  if (needed > _waiting.capacity()) _waiting.reserve(std::max(needed, 2 * _waiting.capacity()));
 }
 
 void CQLRetired::add(const void* memory, Free free) {

@@ -33,8 +33,9 @@ class CQLRetired {
   // that no section that begins from now on can reach it.
   using Free = void (*)(const void* memory) noexcept;
   void add(const void* memory, Free free);
-  // Makes room for so many more, so that add() does not throw.
-  void reserve(std::size_t more) { _waiting.reserve(_waiting.size() + more); }
+  // Makes room for so many more, so that add() does not throw. Amortised constant
+  // time for each of them.
+  void reserve(std::size_t more);
   // Frees what no section can be reading any more. Amortised constant time for
   // each thing that was added.
   void collect() noexcept;

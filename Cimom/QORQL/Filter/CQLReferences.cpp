@@ -3,6 +3,7 @@
 #include "Cimom/QORQL/Filter/CQLReferences.h"
 
 #include "Cimom/QORQL/QORQL_Comparison.h"
+#include "Cimom/QORQL/QORQL_ExecutionMessages.h"
 #include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_Function.h"
@@ -21,7 +22,7 @@ class ReferenceCollector : public QORQL_ExpressionVisitor {
   // in the property's place.
   void visitFunction(const QORQL_Function& function) override {
     const bool isPathOfClass = function.getFunctionID() == QORQL_FUNCTIONID_OBJECTPATH && !references.empty() &&
-                               references.back().propertyName == "NONE";
+                               references.back().propertyName == QORQL_ExecutionMessages::kNoProperty;
     if (isPathOfClass) references.pop_back();
   }
 

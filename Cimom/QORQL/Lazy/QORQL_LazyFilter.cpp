@@ -174,8 +174,8 @@ void filterRowByRow(QORQL_LazyRows& rows, const QORQL_ConditionPlan& plan, QORQL
     rows.replaceBlocks(plan.blocks, filterPairs(rows, plan, truth, view));
     return;
   }
-  if (plan.rowByRow == Way::kProduct) rows.multiply(plan.blocks);
-  filterBlock(rows, plan.blocks.front(), plan, truth, view);
+  const std::size_t number = plan.rowByRow == Way::kProduct ? rows.multiply(plan.blocks) : plan.blocks.front();
+  filterBlock(rows, number, plan, truth, view);
 }
 
 // The condition applied to the rows of a lazy table.

@@ -106,15 +106,6 @@ QORuint64 QORQL_LazyRows::rowCount() const noexcept {
   return count;
 }
 
-std::size_t QORQL_LazyRows::blockOf(QORuint32 column) const noexcept {
-  std::size_t number = 0;
-  while (number < _blocks.size() &&
-         !std::binary_search(_blocks[number].columns.begin(), _blocks[number].columns.end(), column)) {
-    ++number;
-  }
-  return number;
-}
-
 void QORQL_LazyRows::addExtent(std::shared_ptr<const QORQL_Extent> extent) {
   const QORuint32 column = static_cast<QORuint32>(_extents.size());
   const QORuint32 count = static_cast<QORuint32>(extent->size());
@@ -215,22 +206,25 @@ QORQL_RowBlock product(const QORQL_RowBlock& a, const QORQL_RowBlock& b) {
 
 }  // namespace
 
-void QORQL_LazyRows::multiply(const std::vector<std::size_t>& blockNumbers) {
+std::size_t QORQL_LazyRows::multiply(const std::vector<std::size_t>& blockNumbers) {
   QORQL_RowBlock joined = _blocks[blockNumbers.front()];
   for (std::size_t i = 1; i < blockNumbers.size(); ++i) joined = product(joined, _blocks[blockNumbers[i]]);
-  replaceBlocks(blockNumbers, std::move(joined));
+  return replaceBlocks(blockNumbers, std::move(joined));
 }
 
-void QORQL_LazyRows::replaceBlocks(const std::vector<std::size_t>& blockNumbers, QORQL_RowBlock&& block) {
+std::size_t QORQL_LazyRows::replaceBlocks(const std::vector<std::size_t>& blockNumbers, QORQL_RowBlock&& block) {
   std::vector<QORQL_RowBlock> kept;
+  std::size_t place = 0;
   kept.reserve(_blocks.size());
   _blocks[blockNumbers.front()] = std::move(block);
   for (std::size_t number = 0; number < _blocks.size(); ++number) {
     const bool stays = number == blockNumbers.front() ||
                        std::find(blockNumbers.begin(), blockNumbers.end(), number) == blockNumbers.end();
+    if (number == blockNumbers.front()) place = kept.size();
     if (stays) kept.push_back(std::move(_blocks[number]));
   }
   _blocks = std::move(kept);
+  return place;
 }
 
 void QORQL_LazyRows::flatten() {

@@ -86,7 +86,6 @@ class QORQL_LazyRows {
   const QORQL_Extent& extent(std::size_t column) const noexcept { return *_extents[column]; }
   std::vector<QORQL_RowBlock>& blocks() noexcept { return _blocks; }
   const std::vector<QORQL_RowBlock>& blocks() const noexcept { return _blocks; }
-  std::size_t blockOf(QORuint32 column) const noexcept;
 
   const IQoriObject* object(QORuint32 column, QORuint32 index) const {
     return index == QORQL_kNoObject ? nullptr : _extents[column]->object(index);
@@ -95,10 +94,10 @@ class QORQL_LazyRows {
     return index == QORQL_kNoObject ? QORSmrPtr<IQoriObject>() : _extents[column]->pointer(index);
   }
 
-  // Joins two or more blocks into one that holds their product in row order.
-  void multiply(const std::vector<std::size_t>& blockNumbers);
-  // Replaces two or more blocks by the given one.
-  void replaceBlocks(const std::vector<std::size_t>& blockNumbers, QORQL_RowBlock&& block);
+  // Joins two or more blocks into one that holds their product in row order. Returns the number that it has then.
+  std::size_t multiply(const std::vector<std::size_t>& blockNumbers);
+  // Replaces two or more blocks by the given one. Returns the number that it has then.
+  std::size_t replaceBlocks(const std::vector<std::size_t>& blockNumbers, QORQL_RowBlock&& block);
   // Leaves one block over all columns, in row order.
   void flatten();
   // The columns of some blocks, ascending.

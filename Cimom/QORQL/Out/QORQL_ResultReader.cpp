@@ -64,6 +64,7 @@ QORQL_ResultReader::QORQL_ResultReader(const QORQL_Query& query, QORQL_SymbolTab
   QORValSlistIterator<QORSmrPtr<QORQL_SelectedEntry>> entries(*list.getSelectedEntries());
   while (++entries) addEntry(entries.key());
   _holders.resize(_sources.size());
+  if (_isAggregate) holdAggregates();
   findCells();
   nameColumns();
   typeColumns();
@@ -235,7 +236,7 @@ QORString QORQL_ResultReader::rowClass() {
   return object == nullptr ? QORString() : object->getClassName();
 }
 
-// Whoever looks at no property has none read for him.
+// Cells are read ahead only once the caller has looked at a property.
 bool QORQL_ResultReader::next() {
   _cells = nullptr;
   while (_next < _rowCount) {
@@ -248,7 +249,12 @@ bool QORQL_ResultReader::next() {
 }
 
 QORSmrPtr<IQoriValue> QORQL_ResultReader::value(std::size_t index) {
-  return _isAggregate ? _sources[index].entry->GetAggregateValue() : _reader->value(_sources[index].slot);
+  return _isAggregate ? _holders[index] : _reader->value(_sources[index].slot);
+}
+
+// The entries have them until the next execution gives them others.
+void QORQL_ResultReader::holdAggregates() {
+  for (std::size_t i = 0; i < _sources.size(); ++i) _holders[i] = _sources[i].entry->GetAggregateValue();
 }
 
 void QORQL_ResultReader::findCells() {
@@ -268,6 +274,6 @@ QoriScalar QORQL_ResultReader::viewOf(std::size_t index) {
 }
 
 QoriScalar QORQL_ResultReader::aggregateView(std::size_t index) const {
-  const QORSmrPtr<IQoriValue>& value = _sources[index].entry->GetAggregateValue();
+  const QORSmrPtr<IQoriValue>& value = _holders[index];
   return value.IsNull() ? QoriScalar() : value->scalar();
 }

@@ -18,9 +18,9 @@ class QORQL_SelectedEntry;
 class QORQL_SymbolTable;
 
 // Reads what a finished execute() left in its table: aggregates, the sort order
-// and FIRST n hold. `*` is expanded into the properties that its objects have,
-// class by class in FROM order, followed by the further properties of subclasses. BORROWS
-// its arguments; one thread at a time. Rows that do not exist yet are not made.
+// and FIRST n hold. A later execute() of the query changes nothing here. `*` is expanded into the properties that its
+// objects have, class by class in FROM order, followed by the further properties of subclasses. BORROWS its arguments;
+// one thread at a time. Rows that do not exist yet are not made.
 class QORQL_ResultReader {
  public:
   // One value of each row, told by its name and the type that its values have.
@@ -61,8 +61,7 @@ class QORQL_ResultReader {
   QORString rowClass();
   // The same as a view, kind Null for NULL, which allocates nothing for numbers,
   // texts and booleans of properties. Valid until the next view() of the column,
-  // while reader and table live, and for an aggregate until the query runs again.
-  // THROWS and REQUIRES as above.
+  // while reader and table live. THROWS and REQUIRES as above.
   QoriScalar view(std::size_t index) {
     const std::size_t offset = _cellOffsets[index];
     return _cells != nullptr && offset != kNoCell ? _cells[offset] : viewOf(index);
@@ -83,6 +82,7 @@ class QORQL_ResultReader {
   void tracePropertyOf(std::size_t index);
   void findOnlyClass();
   void findCells();
+  void holdAggregates();
   QoriScalar viewOf(std::size_t index);
   QoriScalar aggregateView(std::size_t index) const;
 
@@ -93,7 +93,7 @@ class QORQL_ResultReader {
   std::vector<Column> _columns;
   std::vector<Source> _sources;
   QORString _onlyClass;                         // that all columns are properties of; empty: none
-  std::vector<QORSmrPtr<IQoriValue>> _holders;  // of the values that views see
+  std::vector<QORSmrPtr<IQoriValue>> _holders;  // of the values that views see, and of aggregates
   std::vector<std::size_t> _cellOffsets;        // of each column in _cells; kNoCell: it is no property of every row
   const QoriScalar* _cells = nullptr;           // BORROWS: the current row's properties, once one has been looked at
   bool _showsCells = false;                     // whether the caller has looked at one

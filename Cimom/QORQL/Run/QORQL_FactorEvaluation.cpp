@@ -5,6 +5,7 @@
 #include "Cimom/QORQL/QORQL_DataRow.h"
 #include "Cimom/QORQL/QORQL_Exception.h"
 #include "Cimom/QORQL/QORQL_ExecutionMessages.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_SelectedEntry.h"
 #include "Cimom/QORQL/QORQL_Values.h"
@@ -47,7 +48,7 @@ QORSmrPtr<IQoriValue> QORQL_Factor::evaluate(QORQL_SymbolTable& symbolTable, QOR
     if (!_literal.IsNull()) return _literal;
     throw QORQL_Exception(QORQL_Exception::QORQL_INTERNAL_ERROR, Messages::kInvalidFactor);
   }
-  if (!_chain.IsNull() && _chain->find(".") != QORString::npos) {
+  if (QORQL_hasPath(*this)) {
     throw QORQL_Exception(QORQL_Exception::QORQL_INTERNAL_ERROR, Messages::kInvalidFactor);
   }
   if (!_idPropertyName.IsNull() && !_idPropertyName->isEmpty()) {

@@ -57,7 +57,7 @@ ObjectList fetch(const Source& source, const QORString& nameSpace, const QORStri
   ObjectList objects(
       QORQL_Helper::enumerateInstance(source.className, source.properties, nameSpace, queryString, queryLanguage));
   if (objects.IsNull()) {
-    QORQL_logAndThrow(QORString("Enumerateinstance call for '") + source.className + "' returned NULL",
+    QORQL_logAndThrow(QORString(Messages::kEnumerating) + source.className + Messages::kReturnedNull,
                       QoriTraceLog::kError, {QORQL_Fault::kClassUnknown, source.className});
   }
   return objects;

@@ -3,13 +3,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <atomic>
 
+#include "Cimom/QORQL/QORQL_ExecutionMessages.h"
 #include "Cimom/QORQL/QORQL_Helper.h"
 #include "cimom/QoriProviderPluginManager.h"
 #include "cimom/ZEMOConfigManager.h"
 
 namespace {
-
-constexpr char kProviderFiltered[] = "YRK_TRBS_ProviderFiltered";
 
 // Set once and never reset. Threads that arrive at the same time each read the
 // configuration and store the same answer.
@@ -32,7 +31,8 @@ bool isFilteredAtSource(const QORSmrPtr<IQoriObject>& object) {
   if (repository.IsNull()) return false;
   const QORSmrPtr<IQoriClass> declaration(
       repository->getClass(IQoriObject::getLocalNameSpace(object), object->getClassName()));
-  return !declaration.IsNull() && declaration->getQualifier(kProviderFiltered, true) != nullptr;
+  return !declaration.IsNull() &&
+         declaration->getQualifier(QORQL_ExecutionMessages::kProviderFiltered, true) != nullptr;
 }
 
 }  // namespace

@@ -3,27 +3,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Run/QORQL_ProjectionPlan.h"
 
+#include "Cimom/QORQL/QORQL_ExecutionMessages.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_ExpressionVisitor.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_Function.h"
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
 
 namespace {
-
-// The property that stands in the argument of OBJECTPATH(X): the object's name, none of its properties.
-constexpr char kNoProperty[] = "NONE";
-
-// The property of the row's object that a reference reads: of a path through
-// embedded objects (C.a.b, chain "C.a") the first step.
-QORString ownProperty(const QORQL_Factor& factor) {
-  if (factor.getPropertyName().IsNull()) return QORString::emptyString();
-  const QORString chain(factor.getChain().IsNull() ? QORString::emptyString() : *factor.getChain());
-  const std::size_t start = chain.find(".");
-  if (start == QORString::npos) return *factor.getPropertyName();
-  const QORString steps(chain.subStr(start + 1));
-  const std::size_t end = steps.find(".");
-  return end == QORString::npos ? steps : steps.subStr(0, end);
-}
 
 class ReferenceFinder : public QORQL_ExpressionVisitor {
  public:
@@ -38,14 +25,14 @@ class ReferenceFinder : public QORQL_ExpressionVisitor {
       return;
     }
     if (factor.getClassName().IsNull() || factor.getClassName()->isEmpty()) return;
-    const QORString propertyName(ownProperty(factor));
+    const QORString propertyName(QORQL_ownProperty(factor));
     references.push_back(
         {*factor.getClassName(), propertyName == "*" ? QORString::emptyString() : propertyName, false});
   }
   // A function comes right after its argument.
   void visitFunction(const QORQL_Function& function) override {
     if (function.getFunctionID() != QORQL_FUNCTIONID_OBJECTPATH || references.empty()) return;
-    references.back().namesObjectOnly = references.back().propertyName == kNoProperty;
+    references.back().namesObjectOnly = references.back().propertyName == QORQL_ExecutionMessages::kNoProperty;
   }
   std::vector<Reference> references;
   std::vector<const QORQL_SelectedEntry*> entries;  // columns that a sort key stands for

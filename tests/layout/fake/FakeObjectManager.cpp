@@ -30,14 +30,15 @@ auto findIgnoringCase(const List& list, const QORString& name) noexcept -> declt
 
 class FakeRepositoryClass : public IQoriClass {
  public:
-  explicit FakeRepositoryClass(const FakeClass& declaration) : _name(declaration.name.c_str()) {
+  explicit FakeRepositoryClass(const FakeClass& declaration)
+      : _name(declaration.name.c_str()), _superClass(declaration.superClass.c_str()) {
     for (const std::string& name : declaration.properties) {
       _properties.emplace_back(QORString(name.c_str()), CQoriType::string, QORSmrPtr<IQoriValue>());
     }
     for (const std::string& name : declaration.qualifiers) _qualifiers.emplace_back(name);
   }
   const QORString& getClassName() const noexcept override { return _name; }
-  const QORString& getSuperClassName() const noexcept override { return QORString::emptyString(); }
+  const QORString& getSuperClassName() const noexcept override { return _superClass; }
   const IQoriQualifier* getQualifier(const QORString& name, bool) const noexcept override {
     return findIgnoringCase(_qualifiers, name);
   }
@@ -47,6 +48,7 @@ class FakeRepositoryClass : public IQoriClass {
 
  private:
   QORString _name;
+  QORString _superClass;
   std::vector<CQoriProperty> _properties;
   std::vector<FakeQualifier> _qualifiers;
 };

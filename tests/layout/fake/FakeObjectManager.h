@@ -15,12 +15,13 @@
 #include "cmpbase.h"
 #include "tests/layout/fake/FakeObjects.h"
 
-// A class with a key `Name` and further properties; no superclass, no qualifiers
+// A class with a key `Name` and further properties; no superclass and no qualifiers
 // but those named.
 struct FakeClass {
   std::string name;
   std::vector<std::string> properties;
   std::vector<std::string> qualifiers;
+  std::string superClass{};
 };
 
 // One client call as the engine made it.

@@ -6,6 +6,8 @@
 
 #include <sstream>
 
+#include "Cimom/QORQL/CQLQueryStatement.h"
+#include "Cimom/QORQL/Explain/QORQL_Surprises.h"
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_Exception.h"
 #include "Cimom/QORQL/QORQL_Lexer.h"
@@ -178,6 +180,19 @@ TEST_F(FakeObjectManagers, AProvidersFailurePassesThrough) {
   } catch (const CQoriProviderException& error) {
     EXPECT_EQ(error.getMessage(), "the disk is on fire");
   }
+}
+
+// Whether a scope is a superclass is asked up to the root, which such classes do not have.
+TEST_F(FakeObjectManagers, SuperClassesInACircleEnd) {
+  _manager.addClass({"Fake_A", {"Name"}, {}, "Fake_B"});
+  _manager.addClass({"Fake_B", {"Name"}, {}, "Fake_A"});
+  const QORString text("SELECT Fake_Host::Name, Fake_B::Name FROM Fake_A");
+  QORQL_Lexer lexer(text, false);
+  QORQL_SymbolTable symbols(nullptr);
+  const auto query = QORQL_Query::parse(symbols, lexer, false, text, "CQL", "root/fake").StaticCast<QORQL_Query>();
+  const std::vector<QORQL_Surprise> surprises = QORQL_findSurprises(*query, "root/fake");
+  ASSERT_EQ(surprises.size(), 1U);
+  EXPECT_EQ(surprises.front().rule, std::string("NAME-6"));
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <functional>
 #include <thread>
 
+#include "AllocationCount.h"
 #include "Cimom/QORQL/CQLFilterSet.h"
 #include "Cimom/QORQL/CQLQueryValidator.h"
 #include "Cimom/QORQL/CQLSuperClasses.h"
@@ -170,6 +171,36 @@ TEST_F(SuperClasses, ThreadsSeeWhatHasBeenLoaded) {
   }
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(wrong, 0);
+}
+
+// Asks once more when what its thread remembers is gone, and tells what that made.
+struct LateQuestion {
+  LateQuestion() = default;
+  LateQuestion(const LateQuestion&) = delete;
+  LateQuestion& operator=(const LateQuestion&) = delete;
+  ~LateQuestion() {
+    const unsigned long before = allocationCount();
+    EXPECT_TRUE(CQLQueryValidator::isSubClass(nameSpace, "XYZ_Volume", "CIM_ManagedElement"));
+    if (allocations != nullptr) *allocations = allocationCount() - before;
+  }
+
+  const QORString nameSpace{kNameSpace};
+  unsigned long* allocations = nullptr;
+};
+
+// Nobody would free it: what such a question needs it gives back at once, and so the next one needs it again.
+TEST_F(SuperClasses, AThreadThatEndsRemembersNothingAnew) {
+  unsigned long first = 0;
+  unsigned long second = 0;
+  std::thread([&] {
+    thread_local LateQuestion later;
+    thread_local LateQuestion sooner;
+    later.allocations = &second;
+    sooner.allocations = &first;
+    EXPECT_TRUE(isSubClass("XYZ_Volume", "CIM_ManagedElement"));
+  }).join();
+  EXPECT_GT(second, 0U);
+  EXPECT_EQ(first, second);
 }
 
 }  // namespace

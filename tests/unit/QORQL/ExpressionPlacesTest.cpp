@@ -123,8 +123,24 @@ TEST(ExpressionPlaces, OfTheNamesOfAReference) {
 TEST(ExpressionPlaces, FindsTheReferenceAndNotItsSpelling) {
   const MarkedStatement marked("A.x = 'B.x' AND x = 1 AND B.^x = B.x");
   const Parsed parsed(QORString(marked.text), Level::Expression);
-  EXPECT_EQ(QORQL_findProperty(*parsed.tree, "b", "X"), marked.offset);
-  EXPECT_EQ(QORQL_findProperty(*parsed.tree, "c", "X"), QORQL_Fault::kNowhere);
+  EXPECT_EQ(QORQL_findProperty(*parsed.tree, "b", "X", marked.text), marked.offset);
+  EXPECT_EQ(QORQL_findProperty(*parsed.tree, "c", "X", marked.text), QORQL_Fault::kNowhere);
+}
+
+// What lies below it is no property of the class.
+TEST(ExpressionPlaces, FindsTheStepOfAPathAfterTheClass) {
+  for (const char* const text : {"A.x = 1 AND A . ^Emb.x = 1", "A.x.Emb = 1 AND A.^emb[2].y.C::Emb = 1",
+                                 "A.B::^Emb = 1", "A.^Emb = 1 AND A.Emb.x = 2"}) {
+    const MarkedStatement marked(text);
+    const Parsed parsed(QORString(marked.text), Level::Expression);
+    EXPECT_EQ(marked.markedAt(QORQL_findProperty(*parsed.tree, "a", "Emb", marked.text)), text);
+  }
+}
+
+TEST(ExpressionPlaces, APathWithoutItsTextIsToldByItsFirstName) {
+  const MarkedStatement marked("1 = ^A.Emb.x");
+  const Parsed parsed(QORString(marked.text), Level::Expression);
+  EXPECT_EQ(QORQL_findProperty(*parsed.tree, "A", "Emb", ""), marked.offset);
 }
 
 TEST(ExpressionPlaces, FindsAFromName) {

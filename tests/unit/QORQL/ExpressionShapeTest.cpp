@@ -1,5 +1,6 @@
 // How trees of expressions are taken apart.
 // SPDX-License-Identifier: Apache-2.0
+#include "AllocationCount.h"
 #include "Cimom/QORQL/QORQL_Association.h"
 #include "Cimom/QORQL/QORQL_Comparison.h"
 #include "Cimom/QORQL/QORQL_ExpressionFactor.h"
@@ -186,6 +187,37 @@ TEST(ExpressionShape, PathsAndIndexesOfReferences) {
   EXPECT_EQ(refer("a[]"), "index");
   EXPECT_EQ(refer("a[*]"), "");
   EXPECT_EQ(refer("A.b.c[0]"), "path index");
+}
+
+// Whoever asks is told that it throws nothing.
+TEST(ExpressionShape, WhetherAReferenceIsAPathIsAskedWithoutMemory) {
+  const Parsed sum("A.b.c", Level::Arithmetic);
+  const QORQL_Factor& leaf = *QORQL_soleLeaf(sum.tree);
+  const unsigned long before = allocationCount();
+  EXPECT_TRUE(QORQL_hasPath(leaf));
+  EXPECT_EQ(allocationCount(), before);
+}
+
+TEST(ExpressionShape, TheOwnPropertyOfAReferenceStandsAfterTheClass) {
+  const auto ownProperty = [](const char* text) {
+    const Parsed sum(text, Level::Arithmetic);
+    return plain(QORQL_ownProperty(*QORQL_soleLeaf(sum.tree)));
+  };
+  EXPECT_EQ(ownProperty("a"), "a");
+  EXPECT_EQ(ownProperty("A.b"), "b");
+  EXPECT_EQ(ownProperty("A.C::b"), "b");
+  EXPECT_EQ(ownProperty("A.b.c"), "b");
+  EXPECT_EQ(ownProperty("A.b.c.d.E::f"), "b");
+  EXPECT_EQ(ownProperty("1"), "");
+}
+
+TEST(ExpressionShape, NamesIgnoreCaseAndWordsForEndsDoNot) {
+  EXPECT_TRUE(QORQL_isName(new QORString("Name"), "nAME"));
+  EXPECT_FALSE(QORQL_isName(new QORString("Names"), "Name"));
+  EXPECT_FALSE(QORQL_isName({}, ""));
+  EXPECT_TRUE(QORQL_isAssociationEnd("firstref"));
+  EXPECT_TRUE(QORQL_isAssociationEnd("secondref"));
+  EXPECT_FALSE(QORQL_isAssociationEnd("FirstRef"));
 }
 
 TEST(ExpressionShape, ATreeIsSearchedAtEveryDepth) {

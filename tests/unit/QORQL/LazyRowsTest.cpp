@@ -81,4 +81,22 @@ TEST(LazyRows, AProductBeyondAllNumbersHasRows) {
   EXPECT_EQ(rows.rowCount(), ~QORuint64{0});
 }
 
+// A product takes the place of the block that is named first, and blocks before it may go.
+TEST(LazyRows, AProductTellsItsNumber) {
+  QueryWorld world(kClass + std::string("instance of Z { k = 1; };"));
+  CIMApi client;
+  const CIMApi::Instances one = client.enumerateInstances("root/cimv2", "Z", {}, -1, nullptr, nullptr, nullptr, {});
+  const auto extent = std::make_shared<const QORQL_Extent>(one);
+  QORQL_LazyRows rows;
+  for (int column = 0; column < 5; ++column) rows.addExtent(extent);
+  const std::size_t number = rows.multiply({3, 0, 1});
+  ASSERT_EQ(rows.blocks().size(), 3U);
+  EXPECT_EQ(number, 1U);
+  EXPECT_EQ(rows.blocks()[number].columns, (std::vector<QORuint32>{0, 1, 3}));
+  QORQL_RowBlock block;
+  block.columns = {0, 1, 2, 3};
+  EXPECT_EQ(rows.replaceBlocks({0, 1}, std::move(block)), 0U);
+  EXPECT_EQ(rows.blocks().size(), 2U);
+}
+
 }  // namespace

@@ -45,4 +45,15 @@ TEST(Messages, GiveTheFaultTheirKindTheArgumentAndThePlace) {
   }
 }
 
+TEST(Messages, OfTheProgramsOwnErrorsNameNothing) {
+  try {
+    QORQL_raise(QORQL_Messages::kWhereCastFailed, kNowhere, QORString("std::bad_cast"));
+  } catch (const QORQL_Exception& error) {
+    EXPECT_EQ(plain(error.getMessage()),
+              "Unexpected std::bad_cast exception while updating WHERE classes: std::bad_cast");
+    EXPECT_EQ(error.getFault().kind, QORQL_Fault::kOther);
+    EXPECT_TRUE(error.getFault().name.isEmpty());
+  }
+}
+
 }  // namespace

@@ -31,6 +31,8 @@ TEST_F(NodeSurprises, ArraysAgainstSingleValues) {
   EXPECT_THAT(surprise(select + "Ports < Size"), testing::HasSubstr("write Size > ANY Ports"));
   EXPECT_THAT(surprise(select + "3 <= Ports"), testing::HasSubstr("write 3 <= ANY Ports"));
   EXPECT_THAT(surprise(select + "Ports <> 3"), testing::HasSubstr("write NOT EVERY Ports = 3"));
+  EXPECT_THAT(surprise(select + "(ANY Ports) = 3"), testing::HasSubstr(": Ports is an array. To ask its elements write "
+                                                                       "3 = ANY Ports"));
   EXPECT_THAT(surprise(select + "Ports < Ports"), testing::HasSubstr("arrays have no order"));
   EXPECT_THAT(rules("SELECT h.Name FROM Host AS h, Disk AS d WHERE h.Memory =* d.Ports"), ElementsAre("ARR-7"));
   EXPECT_THAT(rules(select + "ANY Size = 3"), ElementsAre("ARR-5"));

@@ -9,6 +9,7 @@
 #include "Cimom/QORQL/QORQL_StatementPlaces.h"
 #include "MarkedStatement.h"
 #include "ParserSupport.h"
+#include "QueryWorld.h"
 
 namespace {
 
@@ -45,6 +46,19 @@ TEST(StatementPlaces, OfClassesOfFrom) {
   const auto from = QORQL_FromClause::parse(selected.symbols, lexer, list, text, "CQL").StaticCast<QORQL_FromClause>();
   EXPECT_EQ(QORQL_findClass(*from, "b"), marked.offset);
   EXPECT_EQ(QORQL_findClass(*from, "c"), kNowhere);
+}
+
+// In the clause that runs first, and of a path the step that the class should have.
+TEST(StatementPlaces, OfPropertiesAndPaths) {
+  const QueryWorld world("class A { [key] uint32 x; };");
+  for (const char* const text :
+       {"SELECT x, a.x.Emb, a.^Emb.x FROM A AS a", "SELECT a.Emb FROM A AS a ORDER BY a.^Emb.x ASC",
+        "SELECT a.Emb.x FROM A AS a WHERE a.x = 1 AND a.^Emb.y.z = 2 ORDER BY a.Emb ASC"}) {
+    const MarkedStatement marked(text);
+    const parsertest::Statement statement{QORString(marked.text)};
+    EXPECT_EQ(marked.markedAt(QORQL_findProperty(statement.query(), "a", "Emb")), text);
+    EXPECT_EQ(QORQL_findProperty(statement.query(), "a", "Nope"), kNowhere);
+  }
 }
 
 }  // namespace

@@ -176,6 +176,28 @@ TEST_F(Face, AResultThatEndsEarlyIsNone) {
   EXPECT_THROW(statement("SELECT Name, Stock / 0 AS X FROM Face_Item").run(), QoriBaseException);
 }
 
+TEST_F(Face, AFaultThatEndsAResultEarlyHasItsPlace) {
+  QORQL_Statement wrong = statement("SELECT Name AS Price,\n i.Price FROM Face_Item AS i");
+  try {
+    wrong.run();
+    FAIL() << "it ran";
+  } catch (const QORQL_Exception& error) {
+    EXPECT_EQ(error.getFault().kind, QORQL_Fault::kPropertyMissing);
+    ASSERT_TRUE(error.getFault().hasPlace());
+    EXPECT_EQ(wrong.text().view().substr(error.getFault().offset), "Price FROM Face_Item AS i");
+  }
+}
+
+TEST_F(Face, ALaterRunLeavesTheAggregatesOfAnEarlierResult) {
+  QORQL_Statement last = statement("SELECT MAX(Stock) AS M, COUNT(Name) AS C FROM Face_Item");
+  QORQL_Result before = last.run();
+  ASSERT_TRUE(before.next());
+  MofLoader(_manager.sink(), kNameSpace).loadText("instance of Face_Item { Name = \"mirror\"; Stock = 7; };", "more");
+  EXPECT_THAT(rowsOf(last.run()), ElementsAre("7|3"));
+  EXPECT_EQ(before.text(0), "3");
+  EXPECT_EQ(before.view(1).u, 2U);
+}
+
 TEST_F(Face, TheMonitorOfTheThreadSeesTheRun) {
   Watcher watcher;
   const QORQL_MonitorScope scope(watcher);
