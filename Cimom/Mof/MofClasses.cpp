@@ -39,13 +39,15 @@ void MofClasses::declareAll() {
 }
 
 // As MofShapes::isA, but of classes that are still to be declared, too: the class that a reference is narrowed to may
-// come later in the text than the reference.
+// come later in the text than the reference. What is declared counts: where the sink has a class already, the text's
+// may be another one.
 bool MofClasses::isA(const QORString& nameSpace, const QORString& className, const QORString& ancestor) const {
   QORString name = className;
   for (int level = 0; level <= kMaximumLevels; ++level) {
     if (name.isEqualCaseInsensitive(ancestor)) return true;
     const auto pending = _pending.find(keyOf(nameSpace, name));
-    if (pending == _pending.end()) return MofShapes(_sink).isA(nameSpace, name, ancestor);
+    const bool isDeclared = pending == _pending.end() || !_sink.findClass(nameSpace, name).IsNull();
+    if (isDeclared) return MofShapes(_sink).isA(nameSpace, name, ancestor);
     name = pending->second.syntax->superClass.text;
     if (name.isEmpty()) return false;
   }
