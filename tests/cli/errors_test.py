@@ -108,8 +108,8 @@ class Errors(ToolCase):
 
     def test_hints_of_what_a_run_finds(self):
         for query, error, hint in (
-                ("SELECT Id FROM Shop_Item ORDER BY Wheels ASC", "Caught an exception while sorting the data. (CIM status 1)",
-                 ""),
+                ("SELECT Id FROM Shop_Item ORDER BY ^Wheels ASC", "Caught an exception while sorting the data. (CIM status 1)",
+                 "Wheels is no property of Shop_Item (line 1, column 35)"),
                 ("SELECT Id FROM Shop_Item ORDER BY ^Nmae ASC", "Caught an exception while sorting the data. (CIM status 1)",
                  "Nmae is no property of Shop_Item: did you mean Name? (line 1, column 35)"),
                 ("SELECT SUM(Name) AS S FROM Shop_Item", "Property data type must be numeric for function SUM (CIM status 16)",

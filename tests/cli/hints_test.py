@@ -129,6 +129,9 @@ class Queries(HintCase):
         for marked, hint in (
                 ("SELECT Id" + FROM + " ORDER BY ^Nmae ASC",
                  "Nmae is no property of Shop_Item: did you mean Name? (line 1, column 35)"),
+                ("SELECT Id" + FROM + " ORDER BY ^Wheels ASC", "Wheels is no property of Shop_Item (line 1, column 35)"),
+                ("SELECT i.Id FROM Shop_Item AS i ORDER BY i.^Wheels DESC",
+                 "Wheels is no property of Shop_Item (line 1, column 44)"),
                 ("SELECT ^Extra FROM Base", "Extra is no property of Base but of Der, a subclass (line 1, column 8)"),
                 ("SELECT K FROM Base ORDER BY ^Extra ASC",
                  "Extra is no property of Base but of Der, a subclass (line 1, column 29)"),

@@ -14,9 +14,18 @@
 
 namespace {
 
-// The error already says that the class lacks the property.
-std::string hintOfName(const StatementFault::Description& description) {
-  return description.hasSuggestion ? description.text : std::string();
+// Whether the place is in the key of ORDER BY, whose first word no other part of a statement has.
+bool isOfSortKey(const StatementText& text, QORuint32 offset) {
+  const auto isKeyword = [offset](const QORQL_TextPieces::Piece& piece) {
+    return piece.kind == QORQL_TextPieces::Kind::Word && QORString::equalIgnoringCase(piece.text, "ORDER") &&
+           piece.offset < offset;
+  };
+  return offset != QORQL_Fault::kNowhere && std::any_of(text.pieces().begin(), text.pieces().end(), isKeyword);
+}
+
+// The error already says that the class lacks the property, but for that of a sort, which names nothing.
+std::string hintOfName(const StatementText& text, const StatementFault::Description& description) {
+  return description.hasSuggestion || isOfSortKey(text, description.offset) ? description.text : std::string();
 }
 
 // Whether a name of FROM stands for more than one class.
@@ -39,7 +48,7 @@ std::string hintOfMissing(EmbeddedObjectManager& manager, const QORString& nameS
   const std::string className = text.classOf(fault.className.view());
   if (!className.empty()) fault.className = QORString(className);
   const QORString holder = ClassFamily(manager, nameSpace).holderOf(fault.className, fault.name);
-  if (holder.isEmpty()) return hintOfName(StatementFault(manager, nameSpace, text).describe(fault));
+  if (holder.isEmpty()) return hintOfName(text, StatementFault(manager, nameSpace, text).describe(fault));
   const std::string below(holder.view());
   return std::string(fault.name.view()) + " is a property of " + below + ", which not every " +
          std::string(fault.className.view()) + " is: ask for it FROM " + below;
@@ -60,7 +69,7 @@ QORQL_Hint hintOfSchema(EmbeddedObjectManager& manager, const QORString& nameSpa
     return {"", hintOfMissing(manager, nameSpace, text, fault), fault.offset};
   }
   const StatementFault::Description description = StatementFault(manager, nameSpace, text).describe(fault);
-  return {"", hintOfName(description), description.offset};
+  return {"", hintOfName(text, description), description.offset};
 }
 
 // What the manager lists.
