@@ -18,8 +18,9 @@ constexpr int kMaximumDepth = 12;
 
 void appendObject(QORString& out, const IQoriObject& object, int depth);
 
-// The letter that stands for the byte in an escape; 0 when there is none.
-char escapeLetter(char c) noexcept {
+// The letter that stands for the byte in an escape; 0 when there is none. A text in double quotes may hold a single
+// one.
+char escapeLetter(char c, char quote) noexcept {
   switch (c) {
     case '\b':
       return 'b';
@@ -31,8 +32,9 @@ char escapeLetter(char c) noexcept {
       return 'f';
     case '\r':
       return 'r';
-    case '"':
     case '\'':
+      return quote == c ? c : '\0';
+    case '"':
     case '\\':
       return c;
     default:
@@ -40,10 +42,10 @@ char escapeLetter(char c) noexcept {
   }
 }
 
-void appendEscaped(QORString& out, std::string_view text) {
+void appendEscaped(QORString& out, std::string_view text, char quote) {
   constexpr char kDigits[] = "0123456789ABCDEF";
   for (const char c : text) {
-    const char letter = escapeLetter(c);
+    const char letter = escapeLetter(c, quote);
     if (letter != '\0') {
       out += '\\';
       out += letter;
@@ -59,7 +61,7 @@ void appendEscaped(QORString& out, std::string_view text) {
 
 void appendQuoted(QORString& out, const QORString& text, char quote) {
   out += quote;
-  appendEscaped(out, text.view());
+  appendEscaped(out, text.view(), quote);
   out += quote;
 }
 

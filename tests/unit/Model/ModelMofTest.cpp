@@ -45,7 +45,7 @@ TEST(ModelMof, RealsHaveAPoint) {
 }
 
 TEST(ModelMof, StringsAreEscaped) {
-  EXPECT_EQ(initializer(text("a\"b\\c'd")), "\"a\\\"b\\\\c\\'d\"");
+  EXPECT_EQ(initializer(text("a\"b\\c'd")), "\"a\\\"b\\\\c'd\"");
   EXPECT_EQ(initializer(text("\b\t\n\f\r")), "\"\\b\\t\\n\\f\\r\"");
   EXPECT_EQ(initializer(text("\x01\x1F\x7F")), "\"\\x0001\\x001F\\x007F\"");
   EXPECT_EQ(initializer(text("\xC3\xA4")), "\"\xC3\xA4\"");
@@ -59,6 +59,11 @@ TEST(ModelMof, Arrays) {
 
 TEST(ModelMof, EmbeddedObjectsAreQuotedMof) {
   EXPECT_EQ(initializer(embedded(object("D", {{"q", text("x")}}))), "\"instance of D { q = \\\"x\\\"; };\"");
+}
+
+TEST(ModelMof, AQuoteInATextStaysAsItIsAtEveryDepth) {
+  EXPECT_EQ(initializer(embedded(object("D", {{"q", text("it's")}}))), "\"instance of D { q = \\\"it's\\\"; };\"");
+  EXPECT_EQ(initializer(embedded(object("D", {{"q", char16(u'\'')}}))), "\"instance of D { q = '\\\\''; };\"");
 }
 
 TEST(ModelMof, NestingIsBounded) {
