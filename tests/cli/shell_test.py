@@ -166,6 +166,23 @@ class Statements(Shell):
                                     MORE), "Id\n1\nId\n3\n")
         self.assertEqual(person.ask("FROM Shop_Item WHERE Name = 'a;b';"), "Id\n")
 
+    def test_comments(self):
+        person = self.person("-o", "csv")
+        for line in ("# it's one;", "-- another;", "/* and; one */"):
+            self.assertEqual(person.ask(line), "", line)
+        person.ask("/* over;", MORE)
+        self.assertEqual(person.ask("lines; */ SELECT Id FROM Shop_Item WHERE Id = 2; # the end"), "Id\n2\n")
+        person.ask("SELECT Id # the key; isn't it", MORE)
+        self.assertEqual(person.ask("  FORM Shop_Item; -- x").splitlines(), [
+            "qorql: error: 'FROM' expected (line 2, CIM status 16)", "    FORM Shop_Item", "    ^",
+            "qorql: hint: did you mean FROM?"])
+
+    def test_timeout(self):
+        person = self.person("-o", "csv", "--timeout", "0.000001")
+        for _ in range(2):
+            self.assertEqual(person.ask("SELECT Id FROM Shop_Item;"), "qorql: error: the statement was stopped after "
+                             "1e-06 seconds (--timeout), running (CIM status 1)\n")
+
     def test_a_result_that_ends_early_is_an_error_and_the_shell_goes_on(self):
         person = self.person("-o", "csv")
         lines = person.ask("SELECT i.Id, i.Nam FROM Shop_Item AS i;").splitlines()
@@ -290,6 +307,9 @@ class Completion(Shell):
     def test_lines_before_count(self):
         person = self.person()
         person.ask("SELECT Id FROM Shop_Item", MORE)
+        self.assertEqual(self.complete("WHERE wei", person), "WHERE Weight |")
+        person.ask("SELECT Id # isn't it one, FROM Shop_Empty", MORE)
+        person.ask("FROM Shop_Item", MORE)
         self.assertEqual(self.complete("WHERE wei", person), "WHERE Weight |")
 
     def test_commands_and_their_arguments(self):

@@ -59,6 +59,16 @@ class Terminal(ToolCase):
             "└────┴─────────────┘\n"
             "2 rows\n"))
 
+    def test_box_without_header(self):
+        self.assertEqual(self.table("--no-header", "SELECT Id, Name FROM Shop_Item WHERE Id < 3"), (
+            "┌───┬─────────────┐\n"
+            "│ 1 │ plain       │\n"
+            "│ 2 │ with, comma │\n"
+            "└───┴─────────────┘\n"
+            "2 rows\n"))
+        cards = ("SELECT Id, Name, Size, Balance FROM Shop_Item WHERE Id = 1",)
+        self.assertEqual(self.table("--no-header", *cards, width=30), self.table(*cards, width=30))
+
     def test_wide_characters_are_measured(self):
         shown = self.table("SELECT Id, Name FROM Shop_Item WHERE Id = 5")
         self.assertIn("│  5 │ größer 日本 │\n", shown)

@@ -14,6 +14,7 @@
 #include "ModelContents.h"
 #include "ModelPicture.h"
 #include "OptionDeclarations.h"
+#include "OutputOptions.h"
 #include "Session.h"
 #include "SessionOptions.h"
 
@@ -55,6 +56,7 @@ struct ContentsOptions {
   SessionOptions session;
   std::string pattern;
   Form form;
+  bool hasNoHeader = false;
 };
 
 std::string endsText(const std::vector<ModelContents::End>& ends) {
@@ -94,7 +96,7 @@ class Contents {
     if (_options.form.draw != nullptr) {
       std::cout << _options.form.draw(_picture.dot());
     } else {
-      printLists(_options.form.list, {_namespaces, _classes, _ties});
+      printLists(_options.form.list, {_namespaces, _classes, _ties}, !_options.hasNoHeader);
     }
     std::cout.flush();
     int status = kExitDone;
@@ -160,6 +162,7 @@ CommandAction declareContentsCommand(CLI::App& app) {
                      .description = "Form of the lists, or a picture: svg, html, or dot for graphviz (default: table)",
                      .take = [options](const std::string& name) { options->form = kForms.at(name); },
                      .check = oneOf(kForms)});
+  declareNoHeader(app, options->hasNoHeader);
   declareValue(app,
                {.names = "PATTERN", .description = "Which classes (default: all)", .take = keepIn(options->pattern)});
   return [options] { return printContents(*options); };

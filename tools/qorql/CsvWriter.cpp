@@ -18,12 +18,16 @@ void CsvWriter::appendField(std::string_view text) {
 }
 
 void CsvWriter::begin(const ResultHeading& heading) {
-  _line.clear();
-  if (!_isFirst) _line += '\n';
+  if (!_isFirst) _out << '\n';
   _isFirst = false;
-  for (std::size_t i = 0; i < heading.columns.size(); ++i) {
+  if (_hasHeader) printNames(heading.columns);
+}
+
+void CsvWriter::printNames(const std::vector<ResultColumn>& columns) {
+  _line.clear();
+  for (std::size_t i = 0; i < columns.size(); ++i) {
     if (i != 0) _line += ',';
-    appendField(heading.columns[i].name);
+    appendField(columns[i].name);
   }
   _out << _line << '\n';
 }

@@ -34,6 +34,7 @@ struct DescribeOptions {
   SessionOptions session;
   std::string className;
   std::optional<OutputForm> form;  // none: text
+  bool hasNoHeader = false;
 };
 
 // "2 (OK)"
@@ -144,7 +145,7 @@ int describe(const DescribeOptions& options) {
     return reportRefusal(missingClassText(manager, options.session.nameSpace, options.className));
   }
   if (options.form) {
-    printLists(*options.form, {listOf(descriptionOf(manager, nameSpace, className))});
+    printLists(*options.form, {listOf(descriptionOf(manager, nameSpace, className))}, !options.hasNoHeader);
   } else {
     printDescription(std::cout, manager, nameSpace, className);
   }
@@ -173,7 +174,7 @@ CommandAction declareDescribeCommand(CLI::App& app) {
   const auto options = std::make_shared<DescribeOptions>();
   describeCommand(app, kDescription, kFooter);
   declareSessionOptions(app, options->session);
-  declareListOutput(app, options->form, "text");
+  declareListOutput(app, options->form, options->hasNoHeader, "text");
   declareValue(app,
                {.names = "CLASS", .description = "The class", .take = keepIn(options->className), .isRequired = true});
   return [options] { return describe(*options); };

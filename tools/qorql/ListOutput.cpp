@@ -9,7 +9,7 @@
 #include "OutputOptions.h"
 #include "cimom/CQoriValue.h"
 
-void declareListOutput(CLI::App& app, std::optional<OutputForm>& form, const char* formForPeople) {
+void declareListOutput(CLI::App& app, std::optional<OutputForm>& form, bool& hasNoHeader, const char* formForPeople) {
   using Forms = std::map<std::string, std::optional<OutputForm>>;
   const auto forms = std::make_shared<Forms>(Forms{{formForPeople, std::nullopt},
                                                    {"csv", OutputForm::Csv},
@@ -23,10 +23,11 @@ void declareListOutput(CLI::App& app, std::optional<OutputForm>& form, const cha
   declareValue(
       app,
       {.names = "-o,--output", .type = names.c_str(), .description = "Form of the list", .take = take, .check = check});
+  declareNoHeader(app, hasNoHeader);
 }
 
-void printLists(OutputForm form, const std::vector<List>& lists) {
-  const std::unique_ptr<ResultWriter> writer = makeResultWriter(form, std::cout, nullptr);
+void printLists(OutputForm form, const std::vector<List>& lists, bool hasHeader) {
+  const std::unique_ptr<ResultWriter> writer = makeResultWriter(form, std::cout, nullptr, hasHeader);
   const QORString noClass;
   for (const List& list : lists) {
     writer->begin({list.title, list.columns, list.rows.size()});

@@ -23,11 +23,11 @@ struct List {
 };
 
 // Declares -o with the forms that a list may have: csv, json, jsonl, html and one for people, which is the default and
-// leaves the form empty. BORROWS the form until the command line has been parsed.
-void declareListOutput(CLI::App& app, std::optional<OutputForm>& form, const char* formForPeople);
+// leaves the form empty, and --no-header. BORROWS both until the command line has been parsed.
+void declareListOutput(CLI::App& app, std::optional<OutputForm>& form, bool& hasNoHeader, const char* formForPeople);
 
 // One after the other on standard output.
-void printLists(OutputForm form, const std::vector<List>& lists);
+void printLists(OutputForm form, const std::vector<List>& lists, bool hasHeader);
 
 ResultColumn textColumn(const char* name);
 ResultColumn numberColumn(const char* name);

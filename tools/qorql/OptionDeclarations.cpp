@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 #include <charconv>
+#include <cmath>
 #include <system_error>
 
 namespace {
@@ -58,4 +59,16 @@ QORuint64 parseCount(const std::string& given) noexcept {
 
 std::string checkCount(const std::string& given) {
   return parseCount(given) != 0 ? "" : "'" + given + "' is no whole number from 1 on";
+}
+
+double parseSeconds(const std::string& given) noexcept {
+  double seconds = 0;
+  const char* const end = given.data() + given.size();
+  const auto [behind, error] = std::from_chars(given.data(), end, seconds);
+  const bool isGood = error == std::errc() && behind == end && std::isfinite(seconds) && seconds > 0;
+  return isGood ? seconds : 0;
+}
+
+std::string checkSeconds(const std::string& given) {
+  return parseSeconds(given) != 0 ? "" : "'" + given + "' is no number of seconds above 0";
 }

@@ -74,4 +74,8 @@ std::string checkFile(const std::string& given);
 QORuint64 parseCount(const std::string& given) noexcept;
 std::string checkCount(const std::string& given);
 
+// A number of seconds, with a fraction or without: 0 where the text is no such number, as 0 itself is none.
+double parseSeconds(const std::string& given) noexcept;
+std::string checkSeconds(const std::string& given);
+
 #endif

@@ -24,16 +24,27 @@ void declareOutputOptions(CLI::App& app, OutputOptions& options) {
                      .description = "table, csv, json, jsonl, html, xml or mof (default: table, or FORMAT AS)",
                      .take = takeForm,
                      .check = oneOf(outputForms())});
+  declareNoHeader(app, options.hasNoHeader);
   declareFlag(app, "--values", options.hasValueTexts, "Show codes with their texts, as 2 (OK), not in MOF and XML");
   declareFlag(app, "--stats", options.hasStatistics, "Print counts and times of each statement to standard error");
   declareFlag(app, "--warnings", options.hasWarnings, "Warn where the language surprises, as on a terminal");
   declareFlag(app, "--strict", options.isStrict, "Refuse statements that would be warned of; nothing is run then");
+  declareValue(app, {.names = "--timeout",
+                     .type = "SECONDS",
+                     .description = "Stop a statement that takes longer; fractions count",
+                     .take = [&options](const std::string& given) { options.timeout = parseSeconds(given); },
+                     .check = checkSeconds});
 }
 
-std::unique_ptr<ResultWriter> makeResultWriter(OutputForm form, std::ostream& out, const KeysOfClass& keysOf) {
+void declareNoHeader(CLI::App& app, bool& hasNoHeader) {
+  declareFlag(app, "--no-header", hasNoHeader, "No names over the columns, in tables and CSV");
+}
+
+std::unique_ptr<ResultWriter> makeResultWriter(OutputForm form, std::ostream& out, const KeysOfClass& keysOf,
+                                               bool hasHeader) {
   switch (form) {
     case OutputForm::Csv:
-      return std::make_unique<CsvWriter>(out);
+      return std::make_unique<CsvWriter>(out, hasHeader);
     case OutputForm::Json:
       return std::make_unique<JsonWriter>(out, JsonWriter::Style::Array);
     case OutputForm::JsonLines:
@@ -46,5 +57,5 @@ std::unique_ptr<ResultWriter> makeResultWriter(OutputForm form, std::ostream& ou
     case OutputForm::Xml:
       break;
   }
-  return std::make_unique<TableWriter>(out);
+  return std::make_unique<TableWriter>(out, hasHeader);
 }

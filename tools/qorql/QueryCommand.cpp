@@ -4,7 +4,9 @@
 
 #include <iostream>
 #include <optional>
+#include <utility>
 
+#include "Comments.h"
 #include "ErrorReport.h"
 #include "ExitStatus.h"
 #include "OptionDeclarations.h"
@@ -26,7 +28,8 @@ constexpr const char* kDescription =
 
 constexpr const char* kFooter =
     "Without QUERY and --file: at a terminal a shell with editing, history and completion;\n"
-    "else statements are read from standard input, separated by \";\".\n"
+    "else statements are read from standard input, separated by \";\". What is read may hold\n"
+    "comments: # to the end of the line, /* and */, and -- where no statement has begun.\n"
     "\n"
     "Exit status: 0 done; 1 a statement is refused or fails; 2 wrong usage; 3 MOF,\n"
     "configuration or provider failure.\n"
@@ -49,7 +52,8 @@ std::vector<Statement> readStatements(const QueryOptions& options) {
     if (statements.empty()) statements.push_back({*options.query, 1});
     return statements;
   }
-  return splitStatements(normaliseText(options.file.empty() ? readStandardInput() : readTextFile(options.file)));
+  std::string text = options.file.empty() ? readStandardInput() : readTextFile(options.file);
+  return splitStatements(withoutEndedComments(normaliseText(std::move(text))));
 }
 
 // What a query of one word may have been meant for.

@@ -56,10 +56,12 @@ void addTexts(ResultHeading& heading, const ValueColumns& values) {
 }
 
 // Stops early when the stream takes no more. Codes are told with their texts where `values` is not null.
-void writeRows(QORQL_ResultReader& reader, ResultWriter& writer, const std::ostream& out, ValueColumns* values) {
+void writeRows(QORQL_ResultReader& reader, ResultWriter& writer, const std::ostream& out, RunMonitor& monitor,
+               ValueColumns* values) {
   std::vector<QORSmrPtr<IQoriValue>> row(reader.columns().size());
   while (out && reader.next()) {
     if (Interrupt::isRequested()) throw Interrupted();
+    monitor.requireTime();
     const QORString rowClass(reader.rowClass());
     for (std::size_t i = 0; i < row.size(); ++i) {
       row[i] = reader.value(i);
@@ -73,12 +75,13 @@ void writeRows(QORQL_ResultReader& reader, ResultWriter& writer, const std::ostr
 
 // One statement while it is run.
 struct QueryRunner::Execution {
-  explicit Execution(const Statement& given) : statement(given.text), parsed(given) {}
+  Execution(const Statement& given, double timeout)
+      : statement(given.text), parsed(given), monitor(activity, timeout) {}
 
   const std::string& statement;
   ParsedQuery parsed;
   Activity activity{"running"};
-  RunMonitor monitor{activity};
+  RunMonitor monitor;
   QORSmrPtr<QORQL_DataTable> table = new QORQL_DataTable();
   double parseTime = 0;
   double executeTime = 0;
@@ -87,7 +90,7 @@ struct QueryRunner::Execution {
 };
 
 void QueryRunner::run(const Statement& statement) {
-  Execution execution(statement);
+  Execution execution(statement, _output.timeout);
   _session.manager().resetStatistics();
   parse(execution);
   tellOfPassedOver(execution);
@@ -95,7 +98,11 @@ void QueryRunner::run(const Statement& statement) {
   const QORQL_MonitorScope scope(execution.monitor);
   try {
     execute(execution);
+    execution.monitor.requireTime();
     print(execution);
+  } catch (const QORQL_StoppedException&) {
+    execution.monitor.requireTime();
+    throw;
   } catch (QORQL_Exception& error) {  // also what ended the result early, which the engine kept to itself
     QORQL_placeFault(execution.parsed.query(), error);
     throw;
@@ -124,7 +131,7 @@ void QueryRunner::tellOfPassedOver(const Execution& execution) const {
 }
 
 bool QueryRunner::isFreeOfWarnings(const Statement& statement, const std::string& place) {
-  Execution execution(statement);
+  Execution execution(statement, 0);
   parse(execution);
   const std::vector<std::string>& passedOver = execution.parsed.passedOver();
   for (const std::string& sentence : passedOver) reportRefusal(place + sentence);
@@ -211,7 +218,7 @@ void QueryRunner::print(Execution& execution) {
     }
     writer.begin(heading);
     try {
-      writeRows(reader, writer, _out, values ? &*values : nullptr);
+      writeRows(reader, writer, _out, execution.monitor, values ? &*values : nullptr);
     } catch (...) {
       writer.end();
       throw;
@@ -241,7 +248,8 @@ std::vector<QORString> QueryRunner::declaredProperties(const QORString& classNam
 ResultWriter& QueryRunner::writerOf(OutputForm form) {
   if (_writer == nullptr || form != _writerForm) {
     finish();
-    _writer = makeResultWriter(form, _out, [this](const QORString& className) { return keysOf(className); });
+    _writer = makeResultWriter(
+        form, _out, [this](const QORString& className) { return keysOf(className); }, !_output.hasNoHeader);
     _writerForm = form;
   }
   return *_writer;

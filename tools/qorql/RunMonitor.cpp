@@ -2,13 +2,45 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "RunMonitor.h"
 
+#include <algorithm>
+#include <sstream>
+#include <stdexcept>
 #include <string>
 
 #include "Interrupt.h"
 
-bool RunMonitor::isStopRequested() noexcept { return Interrupt::isRequested(); }
+namespace {
 
+constexpr double kLongest = 1e9;  // seconds that a clock can count; nobody waits for as long as that
+
+}  // namespace
+
+RunMonitor::RunMonitor(Activity& activity, double timeout) : _activity(activity), _timeout(timeout) {
+  using std::chrono::duration;
+  if (timeout == 0) return;
+  const duration<double> seconds(std::min(timeout, kLongest));
+  _deadline = Clock::now() + std::chrono::duration_cast<Clock::duration>(seconds);
+}
+
+bool RunMonitor::isStopRequested() noexcept { return Interrupt::isRequested() || isTimeOver(); }
+
+bool RunMonitor::isTimeOver() noexcept {
+  if (!_deadline) return false;
+  if (_late.empty() && Clock::now() >= *_deadline) _late = _activity.get();
+  return !_late.empty();
+}
+
+void RunMonitor::requireTime() {
+  if (!isTimeOver()) return;
+  std::ostringstream text;
+  text << "the statement was stopped after " << _timeout << (_timeout == 1 ? " second" : " seconds") << " (--timeout), "
+       << _late;
+  throw std::runtime_error(text.str());
+}
+
+// A step that nothing stops, such as a call of the object manager, is noticed at its end.
 void RunMonitor::countTime() noexcept {
+  isTimeOver();
   const Clock::time_point now = Clock::now();
   if (!_running.empty()) {
     _milliseconds[_running.back().step] += std::chrono::duration<double, std::milli>(now - _since).count();

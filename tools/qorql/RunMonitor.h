@@ -6,16 +6,19 @@
 #include <array>
 #include <chrono>
 #include <exception>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "Activity.h"
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 
 // Time is counted for the innermost step alone: a fetch inside a condition is a
-// fetch. BORROWS the activity.
+// fetch. A statement whose time is over should stop. BORROWS the activity.
 class RunMonitor : public QORQL_ExecutionMonitor {
  public:
-  explicit RunMonitor(Activity& activity) : _activity(activity) {}
+  // The seconds that the statement has from now on; 0: as many as it takes.
+  RunMonitor(Activity& activity, double timeout);
 
   bool isStopRequested() noexcept override;
   void stepBegins(Step step, const QORString& subject) noexcept override;
@@ -26,9 +29,13 @@ class RunMonitor : public QORQL_ExecutionMonitor {
   const std::exception_ptr& causeOfEarlyEnd() const noexcept { return _causeOfEarlyEnd; }
   double milliseconds(Step step) const noexcept { return _milliseconds[step]; }
 
+  // THROWS std::runtime_error once the time is over, which tells what was being done.
+  void requireTime();
+
  private:
   using Clock = std::chrono::steady_clock;
 
+  bool isTimeOver() noexcept;
   void countTime() noexcept;
   void describe() noexcept;
 
@@ -38,6 +45,9 @@ class RunMonitor : public QORQL_ExecutionMonitor {
   };
 
   Activity& _activity;
+  const double _timeout;
+  std::optional<Clock::time_point> _deadline;
+  std::string _late;  // what was being done when the time was over; empty before
   std::vector<Running> _running;
   std::array<double, 4> _milliseconds{};
   Clock::time_point _since;

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <iostream>
 
+#include "Comments.h"
 #include "ErrorReport.h"
 #include "ExitStatus.h"
 #include "QueryRunner.h"
@@ -55,7 +56,6 @@ bool Shell::takeLine(const std::string& line) {
     remember(text);
     return runShellCommand(text, _state);
   }
-  if (_pending.empty() && text.empty()) return true;
   _pending += line + '\n';
   runPending();
   return true;
@@ -63,10 +63,13 @@ bool Shell::takeLine(const std::string& line) {
 
 // Runs the statements that have ended; the text after the last of them stays.
 void Shell::runPending() {
-  const std::size_t end = endOfStatements(_pending);
+  const TextWithoutComments typed = withoutComments(_pending);
+  if (typed.openLine != 0) return;
+  if (trimmed(typed.text).empty()) return _pending.clear();
+  const std::size_t end = endOfStatements(typed.text);
   if (end == 0) return;
-  const std::string text = _pending.substr(0, end);
-  _pending.erase(0, end);
+  const std::string text = typed.text.substr(0, end);
+  _pending = typed.text.substr(end);
   if (trimmed(_pending).empty()) _pending.clear();
   remember(trimmed(text));
   for (const Statement& statement : splitStatements(text)) {
@@ -114,9 +117,11 @@ Completions Shell::complete(std::string_view line, std::size_t cursor) const {
   if (_pending.empty() && isShellCommand(trimmed(std::string(line)))) {
     return completeShellCommand(line, cursor, _state);
   }
-  const std::string text = _pending + std::string(line);
-  Completions found =
-      completeStatement(text, _pending.size() + cursor, _state.session.manager(), _state.options.nameSpace);
-  found.start -= std::min(found.start, _pending.size());
+  const TextWithoutComments before = withoutComments(_pending);
+  if (before.openLine != 0) return {};
+  const std::size_t length = before.text.size();
+  const std::string text = before.text + std::string(line);
+  Completions found = completeStatement(text, length + cursor, _state.session.manager(), _state.options.nameSpace);
+  found.start -= std::min(found.start, length);
   return found;
 }

@@ -58,6 +58,7 @@ void TableWriter::begin(const ResultHeading& heading) {
   _widths.assign(_columns.size(), 1);
   _cells.clear();
   for (std::size_t i = 0; i < _columns.size(); ++i) addCell(i, printableText(_columns[i].name));
+  if (!_hasHeader) _widths.assign(_columns.size(), 1);
 }
 
 void TableWriter::writeRow(const ResultRow& row) {
@@ -130,8 +131,10 @@ void TableWriter::printTable() {
   const bool hasBox = _terminal.isTerminal && !_columns.empty();
   if (hasBox) rule(drawn.top);
   for (std::size_t first = 0; first < _cells.size() && _out; first += _columns.size()) {
+    const bool isHeader = first == 0;
+    if (isHeader && !_hasHeader) continue;
     printLine(&_cells[first], drawn);
-    if (first == 0) rule(drawn.middle);
+    if (isHeader) rule(drawn.middle);
   }
   if (hasBox) rule(drawn.bottom);
 }

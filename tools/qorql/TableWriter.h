@@ -15,9 +15,10 @@
 // fits the width: the widest columns are cut, numbers last. Where there are too
 // many columns for that, each row is a card with a line for each column that is not NULL.
 // Anywhere else the columns are two blanks apart under a rule, and nothing is cut.
+// Without a header the names and the rule under them are left out; cards keep theirs.
 class TableWriter : public ResultWriter {
  public:
-  explicit TableWriter(std::ostream& out) : ResultWriter(out) {}
+  TableWriter(std::ostream& out, bool hasHeader) : ResultWriter(out), _hasHeader(hasHeader) {}
   void begin(const ResultHeading& heading) override;
   void writeRow(const ResultRow& row) override;
   void end() override;
@@ -45,6 +46,7 @@ class TableWriter : public ResultWriter {
   void printRowCount();
   const Frame& frame() const;
 
+  const bool _hasHeader;
   TerminalShape _terminal;
   std::vector<ResultColumn> _columns;
   std::vector<std::size_t> _widths;

@@ -3,12 +3,10 @@
 #include "WatchCommand.h"
 
 #include <algorithm>
-#include <charconv>
 #include <chrono>
 #include <iostream>
 #include <map>
 #include <string>
-#include <system_error>
 
 #include "DisplayText.h"
 #include "EndRequest.h"
@@ -176,19 +174,11 @@ int runWatch(const WatchOptions& options) {
   }
 }
 
-// 0 where the text is no number.
-double parseSeconds(const std::string& given) noexcept {
-  double seconds = 0;
-  const char* const end = given.data() + given.size();
-  const auto [behind, error] = std::from_chars(given.data(), end, seconds);
-  return error == std::errc() && behind == end ? seconds : 0;
-}
-
 std::string checkInterval(const std::string& given) {
   constexpr double kShortest = 0.01;
   constexpr double kLongest = 86400;
   const double seconds = parseSeconds(given);
-  const bool isInRange = seconds >= kShortest && seconds <= kLongest;  // which NaN is not
+  const bool isInRange = seconds >= kShortest && seconds <= kLongest;
   return isInRange ? "" : "'" + given + "' is no number in the range 0.01 to 86400";
 }
 
