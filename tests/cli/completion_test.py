@@ -99,6 +99,42 @@ class Bash(Completion, ToolCase):
         self.assertEqual(self.complete("--output=j"), ["json", "jsonl"])
         self.assertEqual(self.complete("--output="), FORMS)
 
+    @at_terminal
+    def test_what_a_tab_makes_of_a_line(self):
+        self.write("a file.mof", "")
+        self.write("folder/some.mof", "")
+        lines = {"--outp": "--output=", "--output=csv": "--output=csv ", "--output=cs": "--output=csv ", "-o cs": "-o csv ",
+                 "--no-l": "--no-live ", "expl": "explain ", "class Linux_Us": "class Linux_User ", "--mof=a": "--mof=a\\ file.mof ",
+                 "-m fol": "-m folder/", "classes --lo": "classes --lo", "watch --int": "watch --interval="}
+        self.assertEqual({typed: self.line_after_tab(typed) for typed in lines}, lines)
+
+    def line_after_tab(self, typed):
+        """What stands behind the name of the tool after a tab, in a bash at a terminal."""
+        tool = os.path.basename(toolcase.TOOL)
+        settings = self.write("dot/bashrc", f"PATH={os.path.dirname(toolcase.TOOL)}:$PATH; PS1='ready> '; bind 'set bell-style none'\n"
+                              f"source {self.script('qorql.bash')}\n"
+                              "tell() { printf 'line<%s>\\n' \"$READLINE_LINE\"; }; bind -x '\"\\C-x\": tell'\n")
+        ours, theirs = pty.openpty()
+        with subprocess.Popen(["bash", "--noprofile", "--rcfile", settings, "-i"], stdin=theirs, stdout=theirs, stderr=theirs,
+                              start_new_session=True, cwd=self.folder, env={**os.environ, "TERM": "dumb"}) as shell:
+            os.close(theirs)
+            self.addCleanup(os.close, ours)
+            try:
+                self.shown_until(ours, "ready> ")
+                os.write(ours, f"{tool} {typed}\t\x18".encode())
+                return self.shown_until(ours, ">\r\n").split("line<" + tool + " ")[1].split(">\r\n")[0]
+            finally:
+                shell.kill()
+
+    def shown_until(self, terminal, end):
+        shown, until = "", time.monotonic() + SECONDS
+        while end not in shown:
+            if time.monotonic() > until:
+                self.fail(f"bash does not get to {end!r}, it shows: {shown!r}")
+            if select.select([terminal], [], [], 0.2)[0]:
+                shown += os.read(terminal, 4096).decode()
+        return shown
+
 
 @unittest.skipUnless(shutil.which("fish"), "there is no fish")
 class Fish(Completion, ToolCase):

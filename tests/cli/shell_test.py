@@ -286,17 +286,37 @@ class Completion(Shell):
     def test_one_word(self):
         person = self.person()
         for typed, expected in (("SEL", "SELECT |"), ("sel", "select |"), ("SELECT Id FR", "SELECT Id FROM |"),
-                                ("SELECT Id FROM shop_i", "SELECT Id FROM Shop_Item |"),
+                                ("SELECT Id FROM shop_i", "SELECT Id FROM Shop_Item|"),
                                 ("SELECT Id FROM Shop_Item wh", "SELECT Id FROM Shop_Item where |"),
-                                ("SELECT Id FROM Shop_Item WHERE bal", "SELECT Id FROM Shop_Item WHERE Balance |"),
+                                ("SELECT Id FROM Shop_Item WHERE bal", "SELECT Id FROM Shop_Item WHERE Balance|"),
                                 ("SELECT a.wei", "SELECT a.wei|"),
-                                ("SELECT Id FROM Shop_Item AS a WHERE a.wei", "SELECT Id FROM Shop_Item AS a WHERE a.Weight |"),
+                                ("SELECT Id FROM Shop_Item AS a WHERE a.wei", "SELECT Id FROM Shop_Item AS a WHERE a.Weight|"),
                                 ("SELECT COU", "SELECT COUNT(|"),
                                 ("SELECT Id FROM Shop_Item ORDER B", "SELECT Id FROM Shop_Item ORDER BY |"),
-                                ("SELECT Id FROM Shop_Item FORMAT AS H", "SELECT Id FROM Shop_Item FORMAT AS HTML |"),
+                                ("SELECT Id FROM Shop_Item FORMAT AS H", "SELECT Id FROM Shop_Item FORMAT AS HTML|"),
                                 ("SELECT Id FROM Shop_Item WHERE Name = 'SEL", "SELECT Id FROM Shop_Item WHERE Name = 'SEL|")):
             with self.subTest(typed=typed):
                 self.assertEqual(self.complete(typed, person), expected)
+
+    def test_no_blank_where_a_sign_may_follow(self):
+        person = self.person()
+        for typed, expected in (("SELECT COUNT(bal", "SELECT COUNT(bal|"),
+                                ("SELECT Shop_Em", "SELECT Shop_Em|"),
+                                ("SELECT Id FROM Shop_Item AS a, shop_e", "SELECT Id FROM Shop_Item AS a, Shop_Empty|"),
+                                ("SELECT Id FROM Shop_Item WHERE COUNT(bal", "SELECT Id FROM Shop_Item WHERE COUNT(Balance|"),
+                                ("SELECT Id FROM Shop_Item WHERE Sold = tr", "SELECT Id FROM Shop_Item WHERE Sold = true|"),
+                                ("SELECT Id FROM Shop_Item WHERE Name IS NU", "SELECT Id FROM Shop_Item WHERE Name IS NULL|"),
+                                ("SELECT Id FROM Shop_Item ORDER BY Id des", "SELECT Id FROM Shop_Item ORDER BY Id desc|"),
+                                ("SELECT Id FROM Shop_Item AS a WHERE Sold = TRUE a", "SELECT Id FROM Shop_Item AS a WHERE Sold = TRUE a|"),
+                                ("SELECT Id FROM Shop_Item WHERE Name IS NO", "SELECT Id FROM Shop_Item WHERE Name IS NOT |"),
+                                (".he", ".help|"), (".qu", ".quit|"), (".desc", ".describe |"), (".values of", ".values off|")):
+            with self.subTest(typed=typed):
+                self.assertEqual(self.complete(typed, person), expected)
+
+    def test_no_second_blank_before_one(self):
+        person = self.person("-o", "csv")
+        person.type("SEL Id FROM Shop_Item WHERE Id = 2;\x01\x1b[C\x1b[C\x1b[C\t|")
+        person.until_shown("SELECT| Id FROM")
 
     def test_several_words_have_their_beginning_written_and_are_listed(self):
         person = self.person()
@@ -307,17 +327,17 @@ class Completion(Shell):
     def test_lines_before_count(self):
         person = self.person()
         person.ask("SELECT Id FROM Shop_Item", MORE)
-        self.assertEqual(self.complete("WHERE wei", person), "WHERE Weight |")
+        self.assertEqual(self.complete("WHERE wei", person), "WHERE Weight|")
         person.ask("SELECT Id # isn't it one, FROM Shop_Empty", MORE)
         person.ask("FROM Shop_Item", MORE)
-        self.assertEqual(self.complete("WHERE wei", person), "WHERE Weight |")
+        self.assertEqual(self.complete("WHERE wei", person), "WHERE Weight|")
 
     def test_commands_and_their_arguments(self):
         person = self.person()
         path = self.write("models/some.mof", "")
-        for typed, expected in ((".na", ".namespace |"), (".output h", ".output html |"), (".class shop_i", ".class Shop_Item |"),
-                                (".explain SEL", ".explain SELECT |"), (".namespace root/c", ".namespace root/cimv2 |"),
-                                (".mof " + path[:-5], ".mof " + path + " |")):
+        for typed, expected in ((".na", ".namespace |"), (".output h", ".output html|"), (".class shop_i", ".class Shop_Item|"),
+                                (".explain SEL", ".explain SELECT |"), (".namespace root/c", ".namespace root/cimv2|"),
+                                (".mof " + path[:-5], ".mof " + path + "|")):
             with self.subTest(typed=typed):
                 self.assertEqual(self.complete(typed, person), expected)
 

@@ -60,6 +60,10 @@ constexpr const char* kReply = R"sh(  esac
     [[ ! $needsClass ]] || words+=" $("${COMP_WORDS[0]}" classes --quiet 2>/dev/null)"
   fi
   COMPREPLY=($(compgen -W "$words" -- "$current"))
+  if [[ ${#COMPREPLY[@]} == 1 && $COMPREPLY == --* && " $valued " == *" $COMPREPLY "* ]]; then
+    COMPREPLY+='='
+    compopt -o nospace
+  fi
   [[ ${#COMPREPLY[@]} -gt 0 ]] || { mapfile -t COMPREPLY < <(compgen -f -- "$current"); compopt -o filenames; }
 }
 complete -F _qorql qorql

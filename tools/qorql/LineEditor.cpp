@@ -138,7 +138,8 @@ unsigned char LineEditor::Terminal::complete() const {
   const std::string_view typed = line.substr(found.start, cursor - found.start);
   std::string text = commonBeginning(found.words);
   if (found.words.size() == 1) {
-    if (text.back() != '(' && text.back() != '.' && text.back() != '/') text += ' ';
+    const bool isBlankThere = cursor < line.size() && line[cursor] == ' ';
+    if (found.hasBlank && !isBlankThere) text += ' ';
   } else if (text.size() <= typed.size()) {
     std::fputs(listing(found.words).c_str(), out.get());
     return CC_REDISPLAY;

@@ -14,6 +14,7 @@
 struct Completions {
   std::size_t start = 0;  // where in the line that word begins
   std::vector<std::string> words;
+  bool hasBlank = false;  // a blank is to follow, where one word is left and none stands there
 };
 
 // REQUIRES standard input and standard output to be a terminal. One thread.

@@ -297,6 +297,7 @@ Completions completeShellCommand(std::string_view line, std::size_t cursor, cons
   const std::size_t blank = typed.find_first_of(" \t");
   if (blank == std::string_view::npos) {
     found.words = startingWith(shellCommandNames(), typed);
+    found.hasBlank = found.words.size() == 1 && *find(found.words.front())->argument != '\0';
     return found;
   }
   const std::string name = nameOf(line);

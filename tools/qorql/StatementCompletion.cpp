@@ -14,6 +14,11 @@ namespace {
 constexpr std::array<const char*, 4> kClauses{"SELECT", "FROM", "WHERE", "ORDER"};
 constexpr std::array<const char*, 7> kFunctions{"AVG(", "COUNT(", "INSTANCEOF(", "MAX(", "MIN(", "OBJECTPATH(", "SUM("};
 
+// Keywords that a word must follow. Names and the other keywords may be followed by a sign: a comma, a dot, a
+// semicolon.
+constexpr std::array<const char*, 16> kOpenKeywords{"AND", "ANY", "AS",   "BY",  "EVERY", "FIRST", "FORMAT", "FROM",
+                                                    "IS",  "ISA", "LIKE", "NOT", "OR",    "ORDER", "SELECT", "WHERE"};
+
 bool isNameCharacter(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_'; }
 
 std::string upper(std::string_view text) {
@@ -104,6 +109,10 @@ class Completer {
   const StatementText& _text;
 };
 
+bool isOpenKeyword(const std::string& word) {
+  return std::find(kOpenKeywords.begin(), kOpenKeywords.end(), upper(word)) != kOpenKeywords.end();
+}
+
 bool isKeyword(const std::string& word) {
   return std::all_of(word.begin(), word.end(), [](char c) { return (c >= 'A' && c <= 'Z') || c == '('; });
 }
@@ -147,5 +156,6 @@ Completions completeStatement(std::string_view text, std::size_t cursor, const E
   const StatementText whole(text);
   found.words = startingWith(Completer(manager, nameSpace, whole).next(wordsOf(before)), typed);
   followCase(found.words, typed);
+  found.hasBlank = found.words.size() == 1 && isOpenKeyword(found.words.front());
   return found;
 }

@@ -14,7 +14,7 @@
 // properties after a class or alias and a dot, and elsewhere the keywords of
 // the clause, the functions, and the properties, classes and aliases of FROM,
 // wherever in the text FROM stands. Nothing inside a text literal. Keywords come
-// in the case that the word was begun in. `start` counts in the text.
+// in the case that the word was begun in, with a blank where another word must follow. `start` counts in the text.
 Completions completeStatement(std::string_view text, std::size_t cursor, const EmbeddedObjectManager& manager,
                               const std::string& nameSpace);
 
