@@ -276,6 +276,7 @@ class PageReader(html.parser.HTMLParser):
     def __init__(self):
         super().__init__()
         self.open, self.headers, self.rows, self.queries, self.counts, self.classes = [], [], [], [], [], []
+        self.titles = []
         self.declared = False
 
     def handle_decl(self, decl):
@@ -293,12 +294,13 @@ class PageReader(html.parser.HTMLParser):
         if tag in ("td", "th"):
             self.rows[-1].append("")
             self.classes.append((tag, attributes.get("class", "")))
+            self.titles.append(attributes.get("title"))
 
     def handle_endtag(self, tag):
         assert self.open.pop() == tag, tag
 
     def handle_data(self, data):
-        if self.open and self.open[-1] in ("td", "th"):
+        if "td" in self.open or "th" in self.open:
             self.rows[-1][-1] += data
         if self.open and self.open[-1] == "pre":
             self.queries.append(data)
@@ -308,7 +310,9 @@ class PageReader(html.parser.HTMLParser):
 
 class Html(ToolCase):
     def page(self, *arguments):
-        text = self.succeed(self.model(*arguments))
+        return self.read(self.succeed(self.model(*arguments)))
+
+    def read(self, text):
         reader = PageReader()
         reader.feed(text)
         reader.close()
@@ -334,6 +338,54 @@ class Html(ToolCase):
         self.assertEqual(reader.rows[1:], [["NULL", "NULL"], ["TRUE", "7"]])
         self.assertEqual(reader.classes, [("th", ""), ("th", "number"), ("td", "null"), ("td", "number null"),
                                           ("td", ""), ("td", "number")])
+
+    def test_a_datetime_is_readable_and_raw_in_its_title(self):
+        _, reader = self.page("-o", "html", "SELECT Made FROM Shop_Item WHERE Id < 4 ORDER BY Id ASC")
+        self.assertEqual(reader.rows[1:], [["2024-01-31 12:00:00 UTC+1"], ["2023-12-31 23:59:59 UTC"], ["NULL"]])
+        self.assertEqual(reader.titles, [None, "20240131120000.000000+060", "20231231235959.999999+000", None])
+        self.assertEqual(reader.classes[1:], [("td", "time"), ("td", "time"), ("td", "null")])
+
+    def test_every_form_of_datetime(self):
+        forms = {"20260102030405.000000+330": "2026-01-02 03:04:05 UTC+5:30",
+                 "20260102030405.000000-305": "2026-01-02 03:04:05 UTC-5:05",
+                 "20260102030405.******+***": "2026-01-02 03:04:05",
+                 "202601020304**.******+060": "2026-01-02 03:04 UTC+1",
+                 "2026010203****.******+060": "2026-01-02",
+                 "20260102******.******+***": "2026-01-02",
+                 "202601********.******+***": "2026-01",
+                 "2026**********.******+***": "2026",
+                 "**************.******+***": None,
+                 "00000003041500.500000:000": "3 days 04:15:00.5",
+                 "00000001000000.000000:000": "1 day 00:00:00",
+                 "00000000000000.000001:000": "00:00:00.000001",
+                 "00000000235959.******:000": "23:59:59",
+                 "000000002359**.******:000": None}
+        path = self.write("times.mof", "Qualifier Key : boolean = false, Scope(property);\n"
+                          "class T { [Key] uint32 Id; datetime At; datetime All[]; };\n" + "".join(
+                              f'instance of T {{ Id = {i}; At = "{raw}"; All = {{"{raw}"}}; }};\n' for i, raw in enumerate(forms)))
+        select = ["--no-live", "-m", path, "SELECT At FROM T ORDER BY Id ASC", "-o"]
+        reader = self.read(self.succeed(self.run_tool(*select, "html")))[1]
+        self.assertEqual([row[0] for row in reader.rows[1:]], [shown or raw for raw, shown in forms.items()])
+        self.assertEqual(reader.titles[1:], [raw if shown else None for raw, shown in forms.items()])
+        self.assertEqual(self.succeed(self.run_tool(*select, "csv")).splitlines()[1:], list(forms))
+        array = self.read(self.succeed(self.run_tool("--no-live", "-m", path, "-o", "html", "SELECT All FROM T WHERE Id = 0")))[1]
+        self.assertEqual(array.rows[1:], [["20260102030405.000000+330"]])
+
+    def test_texts_over_32_columns_may_be_clamped(self):
+        for name, is_long in (("n" * 32, False), ("n" * 33, True), ("ä" * 32, False), ("日" * 16, False), ("日" * 17, True)):
+            path = self.write("names.mof", 'Qualifier Key : boolean = false, Scope(property);\n'
+                              f'class N {{ [Key] string Name; }};\ninstance of N {{ Name = "{name}"; }};\n')
+            text, reader = self.read(self.succeed(self.run_tool("--no-live", "-m", path, "-o", "html", "SELECT Name FROM N")))
+            self.assertEqual(reader.rows[1:], [[name]])
+            self.assertEqual('<td><div class="long">' in text, is_long, name)
+
+    def test_over_1000_rows_come_in_parts(self):
+        classes = "Qualifier Key : boolean = false, Scope(property);\nclass N { [Key] uint32 Id; };\n"
+        for count in (1000, 1001):
+            path = self.write("many.mof", classes + "".join(f"instance of N {{ Id = {i}; }};\n" for i in range(count)))
+            text, reader = self.read(self.succeed(self.run_tool("--no-live", "-m", path, "-o", "html", "SELECT Id FROM N")))
+            self.assertEqual([row[0] for row in reader.rows[1:]], [str(i) for i in range(count)])
+            self.assertEqual((text.count("<tbody>"), text.count('<table class="large">')), (11, 1) if count > 1000 else (1, 0))
 
     def test_query_is_escaped(self):
         text, reader = self.page("-o", "html", "SELECT Id FROM Shop_Item WHERE Id < 2 AND Name <> '<script>'")
@@ -364,6 +416,67 @@ class Html(ToolCase):
     def test_format_clause(self):
         query = SOME + " FORMAT AS HTML"
         self.assertEqual(self.succeed(self.model(query)), self.succeed(self.model("-o", "html", query)))
+
+
+class Percentages(ToolCase):
+    """At most two digits after the point for people; programs get them all."""
+    MOF = """Qualifier Key : boolean = false, Scope(property);
+Qualifier Units : string, Scope(property); Qualifier PUnit : string, Scope(property);
+class P {
+  [Key] uint32 Id; real64 PercentUsed; real32 CPUPercent; real64 Load; [Units("Percent")] real64 Idle; [PUnit("percent")] real64 Busy;
+  real64 Percentile; uint64 PercentComplete; real64 PercentOfEach[];
+};
+instance of P {
+  Id = 1; PercentUsed = 12.3456; CPUPercent = 50.0; Load = 0.12345; Idle = 99.999; Busy = -0.001; Percentile = 0.12345;
+  PercentComplete = 77; PercentOfEach = {0.12345};
+};
+instance of P { Id = 2; PercentUsed = 12.5; CPUPercent = 33.333; Load = 3.0; Idle = 1.0E17; Busy = 7.005; };
+"""
+    NAMES = "PercentUsed, CPUPercent, Load, Idle, Busy, Percentile, PercentComplete, PercentOfEach"
+
+    def run_form(self, form, columns, condition="Id = 1"):
+        path = self.write("percentages.mof", self.MOF)
+        return self.succeed(self.run_tool("--no-live", "-m", path, "-o", form, f"SELECT {columns} FROM P WHERE {condition}"))
+
+    def shown(self, columns, condition="Id = 1"):
+        return self.run_form("table", columns, condition).splitlines()[2].split()
+
+    def test_a_table_has_two_digits_of_percentages_alone(self):
+        self.assertEqual(self.shown(self.NAMES), ["12.35", "50", "0.12345", "100", "0", "0.12345", "77", "0.12345"])
+        self.assertEqual(self.shown("PercentUsed, CPUPercent, Load, Idle, Percentile", "Id = 2"),
+                         ["12.5", "33.33", "3", "1e+17", "NULL"])
+
+    def test_an_alias_and_what_is_computed(self):
+        self.assertEqual(self.shown("Load * 1 AS LoadPercent, PercentUsed AS Used, Load * 1 AS Part"),
+                         ["0.12", "12.35", "0.12345"])
+        self.assertEqual(self.shown("MAX(PercentUsed), MAX(Load)"), ["12.35", "0.12345"])
+
+    def test_csv_and_json_are_exact(self):
+        self.assertEqual(self.run_form("csv", "PercentUsed, Idle, Busy").splitlines()[1], "12.3456,99.999,-0.001")
+        self.assertEqual(json.loads(self.run_form("json", "PercentUsed, Idle, Busy")),
+                         [{"PercentUsed": 12.3456, "Idle": 99.999, "Busy": -0.001}])
+
+    def test_a_page_has_the_exact_number_as_title(self):
+        reader = PageReader()
+        reader.feed(self.run_form("html", "PercentUsed, CPUPercent, Load"))
+        self.assertEqual(reader.rows[1:], [["12.35", "50", "0.12345"]])
+        self.assertEqual(reader.titles[3:], ["12.3456", None, None])
+
+
+class Quotes(ToolCase):
+    """A single quote in a text is shown as it is, also inside an embedded object's MOF text."""
+
+    def test_in_every_form(self):
+        path = self.write("quotes.mof", """Qualifier Key : boolean = false, Scope(property);
+Qualifier EmbeddedInstance : string, Scope(property);
+class Q_Held { string Text; };
+class Q { [Key] string Name; [EmbeddedInstance("Q_Held")] string Held; string List[]; };
+instance of Q { Name = "it's"; Held = "instance of Q_Held { Text = \\"it's\\"; };"; List = {"it's"}; };
+""")
+        for form in ("table", "csv", "json", "jsonl", "html", "mof"):
+            text = self.succeed(self.run_tool("--no-live", "-m", path, "-o", form, "SELECT Name, Held, List FROM Q"))
+            shown = html.unescape(text.split("<tbody>")[-1].split("</tbody>")[0])
+            self.assertEqual((shown.count("it's"), shown.count("\\'")), (3, 0), text)
 
 
 class Xml(ToolCase):

@@ -9,13 +9,13 @@
 #include <sstream>
 #include <utility>
 
-#include "Cimom/QORQL/Out/QORQL_ResultReader.h"
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_StatementPlaces.h"
 #include "ErrorReport.h"
 #include "ExitStatus.h"
 #include "Interrupt.h"
 #include "ParsedQuery.h"
+#include "Percentage.h"
 #include "ProgressLine.h"
 #include "QueryHint.h"
 #include "RunMonitor.h"
@@ -211,6 +211,7 @@ void QueryRunner::print(Execution& execution) {
   if (form != OutputForm::Xml) {
     ResultWriter& writer = writerOf(form);
     ResultHeading heading = headingOf(execution.statement, reader);
+    markPercentages(heading, reader.columns());
     std::optional<ValueColumns> values;
     if (_output.hasValueTexts && form != OutputForm::Mof) {
       values.emplace(_session.manager(), QORString(_options.nameSpace), reader.columns());
@@ -235,6 +236,25 @@ std::vector<std::string> QueryRunner::keysOf(const QORString& className) {
     if (property.hasFlag("Key")) keys.emplace_back(property.name.view());
   }
   return keys;
+}
+
+bool QueryRunner::isDeclaredPercentage(const QORQL_ResultReader::Column& column) const {
+  const QORString nameSpace(_options.nameSpace);
+  for (const CimPropertyDeclaration& property : _session.manager().allProperties(nameSpace, column.className)) {
+    if (property.name.isEqualCaseInsensitive(column.propertyName)) return hasPercentageUnit(property);
+  }
+  return false;
+}
+
+void QueryRunner::markPercentages(ResultHeading& heading,
+                                  const std::vector<QORQL_ResultReader::Column>& columns) const {
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    const QORQL_ResultReader::Column& column = columns[i];
+    if (!column.typeName.beginsWith("real") || column.isArray) continue;
+    heading.columns[i].isPercentage = isPercentageName(column.name.view()) ||
+                                      isPercentageName(column.propertyName.view()) ||
+                                      (!column.className.isEmpty() && isDeclaredPercentage(column));
+  }
 }
 
 std::vector<QORString> QueryRunner::declaredProperties(const QORString& className) const {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "Cimom/QORQL/Face/QORQL_Hint.h"
+#include "Cimom/QORQL/Out/QORQL_ResultReader.h"
 #include "OutputOptions.h"
 #include "ResultWriter.h"
 #include "Session.h"
@@ -49,6 +50,9 @@ class QueryRunner {
   std::vector<std::string> keysOf(const QORString& className);
   // The writer of a form; a writer of another form is finished first.
   std::vector<QORString> declaredProperties(const QORString& className) const;
+  bool isDeclaredPercentage(const QORQL_ResultReader::Column& column) const;
+  // Columns of real numbers, by their names or by the units that their class declares.
+  void markPercentages(ResultHeading& heading, const std::vector<QORQL_ResultReader::Column>& columns) const;
   ResultWriter& writerOf(OutputForm form);
 
   const SessionOptions& _options;

@@ -20,6 +20,7 @@ struct ResultColumn {
   bool isNumber = false;
   std::string typeName;  // the CIM type; empty when no row tells it
   bool isArray = false;
+  bool isPercentage = false;
 };
 
 // What is known before the first row.

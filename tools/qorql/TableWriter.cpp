@@ -8,6 +8,7 @@
 #include <ostream>
 
 #include "DisplayText.h"
+#include "Percentage.h"
 
 struct TableWriter::Frame {
   const char* left;  // before a line's first column; the others stand between columns and after the last
@@ -27,6 +28,10 @@ constexpr std::size_t kNarrowestColumn = 4;
 // Rows are a table where columns of this width fit, and cards where they do not.
 constexpr std::size_t kReadableColumn = 6;
 constexpr std::size_t kCardGap = 2;  // between a card's names and their values
+
+std::string textOf(const ResultColumn& column, const IQoriValue& value) {
+  return column.isPercentage ? percentageText(value) : std::string(value.toString().view());
+}
 
 }  // namespace
 
@@ -63,7 +68,7 @@ void TableWriter::begin(const ResultHeading& heading) {
 
 void TableWriter::writeRow(const ResultRow& row) {
   for (std::size_t i = 0; i < row.size(); ++i) {
-    addCell(i, row[i].IsNull() ? "NULL" : printableText(row[i]->toString().view()), row[i].IsNull());
+    addCell(i, row[i].IsNull() ? "NULL" : printableText(textOf(_columns[i], *row[i])), row[i].IsNull());
   }
 }
 

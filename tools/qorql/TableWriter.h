@@ -8,8 +8,8 @@
 
 // Aligned columns under their names; numbers to the right. NULL reads NULL.
 // Characters that would break a line or control the terminal are shown as \n,
-// \t or \x1B. An empty line stands between two results. Keeps the texts of one
-// result until it ends.
+// \t or \x1B; percentages have two digits after the point at most. An empty line stands between two results. Keeps the
+// texts of one result until it ends.
 //
 // On a terminal the table stands in a box, the number of rows under it, and
 // fits the width: the widest columns are cut, numbers last. Where there are too
