@@ -222,6 +222,18 @@ class Browser(ToolCase):
         self.assertEqual(found["bars"], "100.00%")
         print(f"sorting {count} rows took {found['time']:.0f} ms")
 
+    def pages(self, page):
+        """How many sheets of paper the page takes."""
+        path = os.path.join(self.folder, "print.pdf")
+        self.browse(page, "--no-pdf-header-footer", "--print-to-pdf=" + path)
+        with open(path, "rb") as file:
+            return len(re.findall(rb"/Type\s*/Page\b", file.read()))
+
+    def test_a_print_has_every_row_and_whole_texts(self):
+        rows = [volume(i, i, 0, 0, "20261122112705.000000+060", REMARK) for i in range(1001)]
+        # About 200 sheets; three lines of each text would take about 90.
+        self.assertGreater(self.pages(self.volumes(rows, "Id, Note")), 130)
+
     def shoot(self, name, page, width, height, *arguments):
         path = os.path.join(self.shots, name + ".png")
         if os.path.exists(path):

@@ -100,6 +100,7 @@ tbody tr:hover td { background-color: var(--hover); }
 @media print {
   .sheet { border: 0; box-shadow: none; }
   .long { display: block; }
+  .large tbody { content-visibility: visible; }
 }
 </style>
 </head>
