@@ -101,6 +101,7 @@ def main():
     cache = tempfile.TemporaryDirectory(prefix="qorql-cli-cache-")
     atexit.register(cache.cleanup)
     os.environ["XDG_CACHE_HOME"] = cache.name
+    os.environ["QORQL_PAGER"] = ""  # at terminals, too, the tests read what the tool itself prints
     TOOL = os.path.abspath(sys.argv[1])
     STREAM = os.path.abspath(sys.argv[2])
     ran = unittest.main(module="__main__", argv=[sys.argv[0], *sys.argv[3:]], exit=False).result

@@ -8,6 +8,7 @@
 #include "ErrorReport.h"
 #include "ExitStatus.h"
 #include "OptionDeclarations.h"
+#include "Pager.h"
 #include "Session.h"
 #include "SessionOptions.h"
 
@@ -38,6 +39,7 @@ int printClass(const ClassOptions& options) {
   const std::string& nameSpace = options.session.nameSpace;
   const QORString text = session.manager().classMof(nameSpace.c_str(), options.name.c_str(), !options.isAlone);
   if (text.isNull()) return reportRefusal(missingClassText(session.manager(), nameSpace, options.name));
+  const Pager pager(!options.session.hasNoPager);
   std::cout << text;
   return kExitDone;
 }
@@ -48,6 +50,7 @@ CommandAction declareClassCommand(CLI::App& app) {
   const auto options = std::make_shared<ClassOptions>();
   describeCommand(app, kDescription, kFooter);
   declareSessionOptions(app, options->session);
+  declareNoPager(app, options->session.hasNoPager);
   declareFlag(app, "--alone", options->isAlone, "The class alone, without superclasses and qualifiers");
   declareValue(app, {.names = "NAME", .description = "The class", .take = keepIn(options->name), .isRequired = true});
   return [options] { return printClass(*options); };

@@ -11,6 +11,7 @@
 #include "ErrorReport.h"
 #include "ExitStatus.h"
 #include "OptionDeclarations.h"
+#include "Pager.h"
 #include "Session.h"
 #include "SessionOptions.h"
 
@@ -67,6 +68,7 @@ int listClasses(const ClassesOptions& options) {
     return reportStartFailure();
   }
   const std::vector<QORString> names = matchingClasses(session.manager(), options.session.nameSpace, options.pattern);
+  const Pager pager(!options.session.hasNoPager);
   for (const QORString& name : names) printClass(session.manager(), options, name);
   if (!names.empty()) return kExitDone;
   const std::string which = options.pattern.empty() ? "" : " matches \"" + options.pattern + '"';
@@ -102,6 +104,7 @@ CommandAction declareClassesCommand(CLI::App& app) {
   const auto options = std::make_shared<ClassesOptions>();
   describeCommand(app, kDescription, kFooter);
   declareSessionOptions(app, options->session);
+  declareNoPager(app, options->session.hasNoPager);
   declareFlag(app, "-l,--long", options->isLong,
               "With the superclass and what the class is (abstract, association, indication), separated by tabs");
   declareValue(app,

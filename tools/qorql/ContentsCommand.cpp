@@ -15,6 +15,7 @@
 #include "ModelPicture.h"
 #include "OptionDeclarations.h"
 #include "OutputOptions.h"
+#include "Pager.h"
 #include "Session.h"
 #include "SessionOptions.h"
 
@@ -93,11 +94,7 @@ class Contents {
   }
   // Returns the exit status.
   int print() const {
-    if (_options.form.draw != nullptr) {
-      std::cout << _options.form.draw(_picture.dot());
-    } else {
-      printLists(_options.form.list, {_namespaces, _classes, _ties}, !_options.hasNoHeader);
-    }
+    printForm();
     std::cout.flush();
     int status = kExitDone;
     for (const InstanceReader::Gaps& gaps : _gaps) {
@@ -107,6 +104,15 @@ class Contents {
   }
 
  private:
+  void printForm() const {
+    const Pager pager(!_options.session.hasNoPager);
+    if (_options.form.draw != nullptr) {
+      std::cout << _options.form.draw(_picture.dot());
+    } else {
+      printLists(_options.form.list, {_namespaces, _classes, _ties}, !_options.hasNoHeader);
+    }
+  }
+
   void addRows(const EmbeddedObjectManager& manager, const QORString& nameSpace, const ModelContents& contents) {
     const QORSmrPtr<IQoriValue> name = listText(nameSpace.view());
     _namespaces.rows.push_back(
@@ -157,6 +163,7 @@ CommandAction declareContentsCommand(CLI::App& app) {
   options->session.needsDescriptions = false;
   describeCommand(app, kDescription, kFooter);
   declareSessionOptions(app, options->session);
+  declareNoPager(app, options->session.hasNoPager);
   declareValue(app, {.names = "-o,--output",
                      .type = "table|csv|json|jsonl|dot|svg|html",
                      .description = "Form of the lists, or a picture: svg, html, or dot for graphviz (default: table)",

@@ -13,6 +13,7 @@
 #include "JoinedWords.h"
 #include "ListOutput.h"
 #include "OptionDeclarations.h"
+#include "Pager.h"
 #include "Session.h"
 #include "SessionOptions.h"
 #include "Terminal.h"
@@ -144,6 +145,7 @@ int describe(const DescribeOptions& options) {
   if (manager.repository()->getClass(nameSpace, className).IsNull()) {
     return reportRefusal(missingClassText(manager, options.session.nameSpace, options.className));
   }
+  const Pager pager(!options.session.hasNoPager);
   if (options.form) {
     printLists(*options.form, {listOf(descriptionOf(manager, nameSpace, className))}, !options.hasNoHeader);
   } else {
@@ -174,6 +176,7 @@ CommandAction declareDescribeCommand(CLI::App& app) {
   const auto options = std::make_shared<DescribeOptions>();
   describeCommand(app, kDescription, kFooter);
   declareSessionOptions(app, options->session);
+  declareNoPager(app, options->session.hasNoPager);
   declareListOutput(app, options->form, options->hasNoHeader, "text");
   declareValue(app,
                {.names = "CLASS", .description = "The class", .take = keepIn(options->className), .isRequired = true});

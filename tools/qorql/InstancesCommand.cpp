@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <iostream>
+#include <optional>
+#include <utility>
 
 #include "ClassFamily.h"
 #include "ClassesCommand.h"
@@ -11,6 +13,7 @@
 #include "ExitStatus.h"
 #include "InstanceReader.h"
 #include "OptionDeclarations.h"
+#include "Pager.h"
 #include "Session.h"
 #include "SessionOptions.h"
 #include "Statements.h"
@@ -73,9 +76,11 @@ int printMany(Session& session, const InstancesOptions& options, const QORString
   }
   InstancePrinter printer;
   InstanceReader reader(session.manager(), nameSpace);
+  std::optional<Pager> pager(std::in_place, !options.session.hasNoPager);
   for (const QORString& name : names) {
     reader.read(name, {}, [&](const IQoriObject& instance) { printer.print(instance); });
   }
+  pager.reset();  // before anything is told
   std::cout.flush();
   return reportGaps(reader.gaps(), options.session.isQuiet);
 }
@@ -88,6 +93,7 @@ int printOne(Session& session, const InstancesOptions& options, const QORString&
   CIMApi api;
   const CIMApi::Instances instances =
       api.enumerateInstances(nameSpace, className, {}, CIMApi::DefaultTimeout, nullptr, nullptr, nullptr, {});
+  const Pager pager(!options.session.hasNoPager);
   InstancePrinter printer;
   QORValSlistIterator<QORSmrPtr<IQoriObject>> each(*instances);
   while (std::cout && ++each) printer.print(*each.key());
@@ -121,6 +127,7 @@ CommandAction declareInstancesCommand(CLI::App& app) {
   const auto options = std::make_shared<InstancesOptions>();
   describeCommand(app, kDescription, kFooter);
   declareSessionOptions(app, options->session);
+  declareNoPager(app, options->session.hasNoPager);
   declareValue(
       app,
       {.names = "CLASS", .description = "The class, or a pattern (default: all)", .take = keepIn(options->className)});

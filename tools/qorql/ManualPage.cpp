@@ -73,6 +73,14 @@ void printCommand(const Command& command, const SessionPart& session) {
   std::cout << ".PP\n.nf\n" << roff(app.get_footer()) << "\n.fi\n";
 }
 
+constexpr const char* kEnvironment =
+    ".SH ENVIRONMENT\n"
+    ".TP\n\\fBQORQL_PAGER\\fR, else \\fBPAGER\\fR\n"
+    "The pager for what is longer than the screen of a terminal; empty: none. Unless given, less where it is "
+    "installed.\n"
+    ".TP\n\\fBLESS\\fR\n"
+    "The options of less; FRX unless given.\n";
+
 constexpr const char* kFiles =
     ".SH FILES\n"
     ".TP\n\\fI$XDG_CACHE_HOME/qorql/\\fR, else \\fI~/.cache/qorql/\\fR\n"
@@ -97,5 +105,5 @@ void printManualPage() {
   printOption(*first.app->get_help_ptr());
   std::cout << ".SH COMMANDS\nWithout a command the first one runs.\n";
   for (const Command& command : allCommands()) printCommand(command, session);
-  std::cout << kFiles;
+  std::cout << kEnvironment << kFiles;
 }

@@ -11,6 +11,7 @@
 #include "ExitStatus.h"
 #include "OptionDeclarations.h"
 #include "OutputOptions.h"
+#include "Pager.h"
 #include "QueryRunner.h"
 #include "Session.h"
 #include "SessionOptions.h"
@@ -123,6 +124,7 @@ CommandAction declareQueryCommand(CLI::App& app) {
   declareValue(app,
                {.names = "QUERY", .description = "One statement, or several separated by \";\"", .take = takeQuery});
   declareOutputOptions(app, options->output);
+  declareNoPager(app, options->session.hasNoPager);
   declareVersionFlag(app, "--version", std::string("qorql ") + versionText(), "Print the version and end");
   return [options] { return runQuery(*options); };
 }

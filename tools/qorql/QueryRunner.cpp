@@ -14,6 +14,7 @@
 #include "ErrorReport.h"
 #include "ExitStatus.h"
 #include "Interrupt.h"
+#include "Pager.h"
 #include "ParsedQuery.h"
 #include "Percentage.h"
 #include "ProgressLine.h"
@@ -97,6 +98,7 @@ void QueryRunner::run(const Statement& statement) {
   if (isWarning()) printWarnings(std::cerr, standardErrorShape(), statement, warningsOf(execution));
   const QORQL_MonitorScope scope(execution.monitor);
   try {
+    const Pager pager(!_options.hasNoPager);
     execute(execution);
     execution.monitor.requireTime();
     print(execution);
@@ -191,9 +193,10 @@ OutputForm QueryRunner::formOf(const Execution& execution) const {
 }
 
 void QueryRunner::execute(Execution& execution) {
-  const ProgressLine progress(!_options.isQuiet, execution.activity);
-  const Clock::time_point start = Clock::now();
   const bool isStreamed = formOf(execution) == OutputForm::Xml;
+  const bool mayBePaged = isStreamed && !_options.hasNoPager && standardOutputShape().isTerminal;
+  const ProgressLine progress(!_options.isQuiet && !mayBePaged, execution.activity);
+  const Clock::time_point start = Clock::now();
   if (isStreamed) finish();
   execution.parsed.query().execute(execution.parsed.symbols(), execution.table, isStreamed ? &_out : nullptr,
                                    QORString(_options.nameSpace));

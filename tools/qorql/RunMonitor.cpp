@@ -8,6 +8,7 @@
 #include <string>
 
 #include "Interrupt.h"
+#include "Pager.h"
 
 namespace {
 
@@ -24,9 +25,10 @@ RunMonitor::RunMonitor(Activity& activity, double timeout) : _activity(activity)
 
 bool RunMonitor::isStopRequested() noexcept { return Interrupt::isRequested() || isTimeOver(); }
 
+// The time of a person who reads does not count.
 bool RunMonitor::isTimeOver() noexcept {
   if (!_deadline) return false;
-  if (_late.empty() && Clock::now() >= *_deadline) _late = _activity.get();
+  if (_late.empty() && !Pager::isRunning() && Clock::now() >= *_deadline) _late = _activity.get();
   return !_late.empty();
 }
 

@@ -30,6 +30,7 @@ struct SessionOptions {
   bool hasNoLiveClasses = false;
   bool needsDescriptions = true;  // of the live classes
   bool isQuiet = false;
+  bool hasNoPager = false;
   std::string configuration;  // empty: none
   std::vector<Setting> settings;
   std::optional<QORuint32> logSeverity;  // none: what a statement logs is a warning if it succeeds

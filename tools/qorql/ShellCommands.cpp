@@ -16,6 +16,7 @@
 #include "ExplainCommand.h"
 #include "Interrupt.h"
 #include "ModelContents.h"
+#include "Pager.h"
 #include "ParsedQuery.h"
 #include "QueryHint.h"
 #include "StatementCompletion.h"
@@ -38,6 +39,7 @@ void printHelp(Argument argument, ShellState& state);
 
 void listClasses(Argument pattern, ShellState& state) {
   const std::vector<QORString> names = matchingClasses(state.session.manager(), state.options.nameSpace, pattern);
+  const Pager pager(!state.options.hasNoPager);
   for (const QORString& name : names) std::cout << name << '\n';
   if (names.empty()) complain("no class matches \"" + pattern + "\" in namespace " + state.options.nameSpace);
 }
@@ -45,11 +47,13 @@ void listClasses(Argument pattern, ShellState& state) {
 void printContents(Argument pattern, ShellState& state) {
   const ModelContents contents = contentsOf(state.session.manager(), QORString(state.options.nameSpace));
   bool isAny = false;
+  std::optional<Pager> pager(std::in_place, !state.options.hasNoPager);
   for (const ModelContents::ClassCount& known : contents.classes) {
     if (!isClassMatch(known.name, pattern)) continue;
     isAny = true;
     std::cout << known.name << ' ' << known.count << '\n';
   }
+  pager.reset();  // before anything is told
   reportGaps(contents.gaps, state.options.isQuiet);
   state.session.printWarnings();
   if (isAny) return;
@@ -72,10 +76,12 @@ bool isClass(Argument name, const char* command, const ShellState& state) {
 
 void describe(Argument name, ShellState& state) {
   if (!isClass(name, ".describe", state)) return;
+  const Pager pager(!state.options.hasNoPager);
   printDescription(std::cout, state.session.manager(), QORString(state.options.nameSpace), QORString(name));
 }
 
 void printSchema(Argument pattern, ShellState& state) {
+  const Pager pager(!state.options.hasNoPager);
   const EmbeddedObjectManager& manager = state.session.manager();
   // A whole name is meant, unless no class has it.
   const QORString nameSpace(state.options.nameSpace);
@@ -94,6 +100,7 @@ void printSchema(Argument pattern, ShellState& state) {
 
 void printClass(Argument name, ShellState& state) {
   if (!isClass(name, ".class", state)) return;
+  const Pager pager(!state.options.hasNoPager);
   std::cout << state.session.manager().classMof(QORString(state.options.nameSpace), QORString(name), false);
 }
 

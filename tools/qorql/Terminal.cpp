@@ -28,12 +28,19 @@ bool namesUtf8() {
   return locale.find("utf-8") != std::string::npos || locale.find("utf8") != std::string::npos;
 }
 
-std::size_t widthOf(int descriptor) {
+// What the terminal says, else the variable, else what is usual.
+std::size_t extentOf(std::size_t told, const char* variable, std::size_t usual) {
+  if (told != 0) return told;
+  const char* const text = std::getenv(variable);
+  const long given = text == nullptr ? 0 : std::strtol(text, nullptr, 10);
+  return given > 0 && given < 10000 ? static_cast<std::size_t>(given) : usual;
+}
+
+void measure(int descriptor, TerminalShape& shape) {
   winsize size{};
-  if (ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col != 0) return size.ws_col;
-  const char* const columns = std::getenv("COLUMNS");
-  const long given = columns == nullptr ? 0 : std::strtol(columns, nullptr, 10);
-  return given > 0 && given < 10000 ? static_cast<std::size_t>(given) : TerminalShape().width;
+  if (ioctl(descriptor, TIOCGWINSZ, &size) != 0) size = {};
+  shape.width = std::max(extentOf(size.ws_col, "COLUMNS", shape.width), kNarrowest);
+  shape.height = extentOf(size.ws_row, "LINES", shape.height);
 }
 
 TerminalShape shapeOf(int descriptor) {
@@ -41,7 +48,7 @@ TerminalShape shapeOf(int descriptor) {
   shape.isTerminal = isatty(descriptor) != 0;
   if (!shape.isTerminal) return shape;
   shape.isUtf8 = namesUtf8();
-  shape.width = std::max(widthOf(descriptor), kNarrowest);
+  measure(descriptor, shape);
   return shape;
 }
 

@@ -7,12 +7,13 @@
 
 struct TerminalShape {
   bool isTerminal = false;
-  bool isUtf8 = false;     // may show characters outside ASCII; false without a terminal
-  std::size_t width = 80;  // in columns
+  bool isUtf8 = false;      // may show characters outside ASCII; false without a terminal
+  std::size_t width = 80;   // in columns
+  std::size_t height = 24;  // in lines
 };
 
-// Of standard output or standard error. The width is asked of the terminal at
-// each call, else of COLUMNS. Locale variables that name another character set,
+// Of standard output or standard error. The size is asked of the terminal at
+// each call, else of COLUMNS and LINES. Locale variables that name another character set,
 // or the C locale, mean ASCII.
 TerminalShape standardOutputShape();
 TerminalShape standardErrorShape();
