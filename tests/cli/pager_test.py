@@ -168,17 +168,18 @@ class Pager(ToolCase):
 
     def test_the_time_of_a_reader_does_not_count(self):
         for form in ("csv", "xml"):
-            shown, _ = self.show("-m", self.rows, "-o", form, "--timeout", "3", "SELECT K, K AS A, K AS B, K AS C FROM Row",
-                                 env={"QORQL_PAGER": f"sleep 4; cat > {self.paged}"})
+            shown, _ = self.show("-m", self.rows, "-o", form, "--timeout", "5", "SELECT K, K AS A, K AS B, K AS C FROM Row",
+                                 env={"QORQL_PAGER": f"sleep 6; cat > {self.paged}"})
             self.assertEqual(shown, "")
 
     def test_shell(self):
         self.begin("-m", self.rows, "-o", "csv", env=self.record)
-        self.until("qorql> ")
-        for line in ("SELECT K FROM Row;", ".schema", "SELECT Id FROM Shop_Item WHERE Id = 2;"):
+        for line, before in (("SELECT K FROM Row;", ""), (".schema", "SELECT K FROM Row;\n"),
+                             ("SELECT Id FROM Shop_Item WHERE Id = 2;", ".schema\n"), (".quit", "Id\n2\n")):
+            self.until(before + "qorql> ")
+            while termios.tcgetattr(self.terminal)[3] & termios.ICANON:  # the editor takes over right behind its prompt
+                time.sleep(0.001)
             os.write(self.terminal, line.encode() + b"\n")
-        self.until("Id\n2\n")
-        os.write(self.terminal, b"\x04")
         self.assertEqual(self.end(), 0)
         with open(self.paged, encoding="utf-8") as paged:
             lines = paged.read().splitlines()
