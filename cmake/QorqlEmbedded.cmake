@@ -11,6 +11,10 @@ pkg_check_modules(ZSTD REQUIRED IMPORTED_TARGET libzstd)
 pkg_check_modules(XXHASH REQUIRED IMPORTED_TARGET libxxhash)
 pkg_check_modules(EXPAT REQUIRED IMPORTED_TARGET expat)
 pkg_check_modules(APT REQUIRED IMPORTED_TARGET apt-pkg)
+option(QORQL_RPM "Read rpm's database of packages, where librpm is there to build with" ON)
+if(QORQL_RPM)
+  pkg_check_modules(RPM IMPORTED_TARGET rpm)
+endif()
 find_program(QORQL_FLATC flatc REQUIRED)
 
 set(QORQL_GENERATED ${CMAKE_CURRENT_BINARY_DIR}/generated)
@@ -37,11 +41,19 @@ target_link_libraries(embedded PUBLIC qorql_model
                                        PkgConfig::ZSTD PkgConfig::XXHASH PkgConfig::EXPAT ${CMAKE_DL_LIBS})
 qorql_library(embedded embedded)
 
-# What reads the list of packages is loaded when they are asked for: its library would slow down every start.
-add_library(qorql_apt MODULE Cimom/Providers/Apt/AptPackages.cpp)
-set_target_properties(qorql_apt PROPERTIES PREFIX lib OUTPUT_NAME qorqlapt
-                                           LIBRARY_OUTPUT_DIRECTORY $<TARGET_FILE_DIR:embedded>/qorql)
-target_include_directories(qorql_apt PRIVATE ${PROJECT_SOURCE_DIR})
-target_link_libraries(qorql_apt PRIVATE PkgConfig::APT)
-qorql_target_options(qorql_apt)
-add_dependencies(embedded qorql_apt)
+# What reads the lists of packages is loaded when they are asked for: its libraries would slow down every start.
+function(qorql_package_reader target name source library)
+  add_library(${target} MODULE ${source})
+  set_target_properties(${target} PROPERTIES PREFIX lib OUTPUT_NAME ${name}
+                                             LIBRARY_OUTPUT_DIRECTORY $<TARGET_FILE_DIR:embedded>/qorql)
+  target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${target} PRIVATE ${library})
+  qorql_target_options(${target})
+  add_dependencies(embedded ${target})
+endfunction()
+qorql_package_reader(qorql_apt qorqlapt Cimom/Providers/Apt/AptPackages.cpp PkgConfig::APT)
+set(QORQL_PACKAGE_READERS qorql_apt)
+if(TARGET PkgConfig::RPM)
+  qorql_package_reader(qorql_rpm qorqlrpm Cimom/Providers/Rpm/RpmPackages.cpp PkgConfig::RPM)
+  list(APPEND QORQL_PACKAGE_READERS qorql_rpm)
+endif()

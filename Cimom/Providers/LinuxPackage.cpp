@@ -1,4 +1,4 @@
-// Packages of dpkg, read by a library that is loaded for it.
+// Packages of dpkg and of rpm, each read by a library that is loaded for it.
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Providers/LinuxPackage.h"
 
@@ -21,10 +21,8 @@ constexpr QORuint32 kCimErrFailed = 1;
 
 using Package = const LinuxPackageRecord;
 
-// A name may be there for several architectures.
-std::string idOf(Package& package) { return "dpkg:" + package.name + ':' + package.architecture; }
-
-LinuxValue readId(Package& package) { return textValue(idOf(package)); }
+LinuxValue readId(Package& package) { return textValue(package.id); }
+LinuxValue readSystem(Package& package) { return textValue(package.id.substr(0, package.id.find(':'))); }
 LinuxValue readName(Package& package) { return textValue(package.name); }
 LinuxValue readVersion(Package& package) { return textOrNull(package.version.c_str()); }
 LinuxValue readArchitecture(Package& package) { return textOrNull(package.architecture.c_str()); }
@@ -42,13 +40,14 @@ LinuxValue readState(Package& package) {
   const std::size_t blank = package.status.rfind(' ');
   return textOrNull(package.status.substr(blank == std::string::npos ? 0 : blank + 1).c_str());
 }
-// The list counts in KiB. What is no such number, or too great a one in bytes, is not told.
+// What is no number, or too great a one in bytes, is not told.
 LinuxValue readSize(Package& package) {
   const char* const end = package.size.data() + package.size.size();
   QORuint64 size = 0;
   const auto [rest, error] = std::from_chars(package.size.data(), end, size);
-  const bool isSize = error == std::errc() && rest == end && size <= std::numeric_limits<QORuint64>::max() / 1024;
-  return isSize ? uint64Value(size * 1024) : LinuxValue();
+  const QORuint64 unit = package.sizeUnit;
+  const bool isSize = error == std::errc() && rest == end && size <= std::numeric_limits<QORuint64>::max() / unit;
+  return isSize ? uint64Value(size * unit) : LinuxValue();
 }
 
 constexpr LinuxProperty<Package> kProperties[] = {
@@ -60,6 +59,7 @@ constexpr LinuxProperty<Package> kProperties[] = {
     {"VersionString", readVersion},
     {"Manufacturer", readMaintainer},
     {"Architecture", readArchitecture},
+    {"PackageSystem", readSystem},
     {"State", readState},
     {"Section", readSection},
     {"Priority", readPriority},
@@ -85,13 +85,31 @@ std::string ownFolder() {
   return path.substr(0, path.rfind('/') + 1);
 }
 
-// Loaded once and kept. Without it this installation has no source of packages; the other classes do without it.
-LinuxPackageReader packageReader() {
-  void* const library = dlopen((ownFolder() + kLinuxPackageLibrary).c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
-  if (library == nullptr) raise(loadingError(), InstanceProvider::kNoSource);
-  void* const found = dlsym(library, kLinuxPackageFunction);
-  if (found == nullptr) raise(loadingError(), InstanceProvider::kNoSource);
+// Loaded and kept. Null when it cannot be loaded, which `wrong` then tells.
+LinuxPackageReader loadReader(const std::string& path, std::string& wrong) {
+  void* const library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
+  void* const found = library == nullptr ? nullptr : dlsym(library, kLinuxPackageFunction);
+  if (found == nullptr) wrong = loadingError();
   return reinterpret_cast<LinuxPackageReader>(found);
+}
+
+// Without it this installation has no source of packages; the other classes do without it.
+LinuxPackageReader aptReader() {
+  std::string wrong;
+  const LinuxPackageReader reader = loadReader(ownFolder() + kLinuxAptLibrary, wrong);
+  if (reader == nullptr) raise(wrong, InstanceProvider::kNoSource);
+  return reader;
+}
+
+// Null where it was not built, and where it lacks rpm's own library: such a machine hardly has packages of rpm, so it
+// is told without failing those of dpkg.
+LinuxPackageReader rpmReader() {
+  const std::string path = ownFolder() + kLinuxRpmLibrary;
+  if (access(path.c_str(), F_OK) != 0) return nullptr;
+  std::string wrong;
+  const LinuxPackageReader reader = loadReader(path, wrong);
+  if (reader == nullptr) warn("The packages of rpm cannot be listed: " + wrong);
+  return reader;
 }
 
 }  // namespace
@@ -99,13 +117,21 @@ LinuxPackageReader packageReader() {
 void LinuxPackage::enumerate(const Request& request, const Emit& emit) {
   const auto properties = bindProperties<LinuxProperty<Package>>(request, kProperties);
   const QORString wanted = wantedKey(request, "InstanceID");
-  if (access(_list.c_str(), R_OK) != 0) return warnUnreadable(_list, errno);
-  static const LinuxPackageReader read = packageReader();
-  const auto take = [&](Package& package) {
-    if (package.name.empty() || package.status.ends_with(" not-installed")) return;
-    if (wanted.isNull() || wanted == idOf(package).c_str()) emitInstance(package, properties, emit);
-  };
+  bool hasPackages = false;
   std::string wrong;
-  read(_list.c_str(), take, wrong);
+  const auto take = [&](Package& package) {
+    hasPackages = true;
+    if (package.name.empty() || package.status.ends_with(" not-installed")) return;
+    if (wanted.isNull() || wanted == package.id.c_str()) emitInstance(package, properties, emit);
+  };
+  const int unreadable = access(_list.c_str(), R_OK) == 0 ? 0 : errno;
+  if (unreadable == 0) {
+    static const LinuxPackageReader readApt = aptReader();
+    readApt(_list.c_str(), take, wrong);
+    if (!wrong.empty()) raise(wrong, kCimErrFailed);
+  }
+  if (const LinuxPackageReader readRpm = rpmReader()) readRpm(_rpmDatabase.c_str(), take, wrong);
   if (!wrong.empty()) raise(wrong, kCimErrFailed);
+  // A machine of rpm has no list of dpkg.
+  if (unreadable != 0 && !(unreadable == ENOENT && hasPackages)) warnUnreadable(_list, unreadable);
 }

@@ -163,9 +163,9 @@ static std::string unreadableText(const std::string& what, int error) {
 
 void logUnreadable(const std::string& what, int error) { logLine(unreadableText(what, error), QoriTraceLog::kInfo); }
 
-void warnUnreadable(const std::string& what, int error) {
-  logLine(unreadableText(what, error), QoriTraceLog::kWarning);
-}
+void warn(const std::string& line) { logLine(line, QoriTraceLog::kWarning); }
+
+void warnUnreadable(const std::string& what, int error) { warn(unreadableText(what, error)); }
 
 UnreadableParts::~UnreadableParts() {
   if (_count == 0) return;

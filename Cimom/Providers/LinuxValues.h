@@ -51,7 +51,9 @@ QORsint64 bootTimeMicroseconds();
 
 // A line of the providers' log: what could not be read, and why (an errno).
 void logUnreadable(const std::string& what, int error);
-// A warning in place of that line, for what makes an answer incomplete.
+// A warning of the providers.
+void warn(const std::string& line);
+// A warning in place of that line of the log, for what makes an answer incomplete.
 void warnUnreadable(const std::string& what, int error);
 
 // Parts of one answer that could not be read: a line of the log for each, and

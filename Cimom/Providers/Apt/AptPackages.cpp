@@ -13,6 +13,8 @@ LinuxPackageRecord recordOf(const pkgTagSection& section) {
   LinuxPackageRecord record;
   record.name = section.FindS("Package");
   record.architecture = section.FindS("Architecture");
+  // A name may be there for several architectures.
+  record.id = "dpkg:" + record.name + ':' + record.architecture;
   record.version = section.FindS("Version");
   record.status = section.FindS("Status");
   record.section = section.FindS("Section");
@@ -20,6 +22,7 @@ LinuxPackageRecord recordOf(const pkgTagSection& section) {
   record.source = section.FindS("Source");
   record.maintainer = section.FindS("Maintainer");
   record.size = section.FindS("Installed-Size");
+  record.sizeUnit = 1024;
   const std::string description = section.FindS("Description");
   record.description = description.substr(0, description.find('\n'));
   return record;

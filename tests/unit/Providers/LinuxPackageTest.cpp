@@ -1,4 +1,4 @@
-// Packages in made-up lists of dpkg.
+// Packages in made-up lists of dpkg, on machines without rpm.
 // SPDX-License-Identifier: Apache-2.0
 #include <apt-pkg/error.h>
 #include <gmock/gmock.h>
@@ -32,15 +32,16 @@ std::vector<std::string> textsOf(const ProvidedRow& row) {
 
 TEST(LinuxPackage, ShowsWhatDpkgKnows) {
   const MadeUpFiles files;
-  LinuxPackage provider(files.write("status", kList));
-  const auto rows = enumerateRows(provider, {"InstanceID", "Name", "VersionString", "Architecture", "State", "Section",
-                                             "Priority", "SourceName", "InstalledSize", "Manufacturer", "Description"});
+  LinuxPackage provider(files.write("status", kList), files.path("rpm"));
+  const auto rows =
+      enumerateRows(provider, {"InstanceID", "Name", "VersionString", "Architecture", "State", "Section", "Priority",
+                               "SourceName", "InstalledSize", "Manufacturer", "Description", "PackageSystem"});
   ASSERT_EQ(rows.size(), 2U) << "what is not installed is not there";
   EXPECT_THAT(textsOf(rows[0]),
               ElementsAre("dpkg:bash:amd64", "bash", "5.2.15-2+b8", "amd64", "installed", "shells", "required", "bash",
-                          std::to_string(7164 * 1024), "Anna <anna@example.org>", "GNU Bourne Again SHell"));
+                          std::to_string(7164 * 1024), "Anna <anna@example.org>", "GNU Bourne Again SHell", "dpkg"));
   EXPECT_THAT(textsOf(rows[1]), ElementsAre("dpkg:libc6:i386", "libc6", "2.36-9", "i386", "config-files", "(null)",
-                                            "(null)", "libc6", "(null)", "(null)", "(null)"));
+                                            "(null)", "libc6", "(null)", "(null)", "(null)", "dpkg"));
   EXPECT_EQ(enumerateRows(provider, {"Name"}, nameOf(provider, "InstanceID", "dpkg:libc6:i386")).size(), 1U);
 }
 
@@ -57,7 +58,8 @@ TEST(LinuxPackage, ASizeThatIsNoneOrTooGreatIsNotTold) {
     LinuxPackage provider(files.write("status",
                                       "Package: a\nStatus: install ok installed\nArchitecture: all\n"
                                       "Installed-Size: " +
-                                          size + "\nVersion: 1\n"));
+                                          size + "\nVersion: 1\n"),
+                          files.path("rpm"));
     const auto rows = enumerateRows(provider, {"InstalledSize"});
     ASSERT_EQ(rows.size(), 1U) << size;
     EXPECT_EQ(textOf(rows[0][0]), shown) << size;
@@ -67,24 +69,24 @@ TEST(LinuxPackage, ASizeThatIsNoneOrTooGreatIsNotTold) {
 TEST(LinuxPackage, WarnsWhereThereIsNoList) {
   const MadeUpFiles files;
   const KeptWarnings warnings;
-  LinuxPackage provider(files.path("status"));
+  LinuxPackage provider(files.path("status"), files.path("rpm"));
   EXPECT_TRUE(enumerateRows(provider, {"Name"}).empty());
   EXPECT_THAT(warnings.lines(), ElementsAre("Cannot read " + files.path("status") + ": No such file or directory"));
 }
 
 TEST(LinuxPackage, AListThatIsNoneIsTheProvidersFailureAndTheNextIsRead) {
   const MadeUpFiles files;
-  LinuxPackage broken(files.write("broken", "Package bash\nthis is no list\n"));
+  LinuxPackage broken(files.write("broken", "Package bash\nthis is no list\n"), files.path("rpm"));
   EXPECT_THROW(enumerateRows(broken, {"Name"}), CQoriProviderException);
-  LinuxPackage sound(files.write("status", kList));
+  LinuxPackage sound(files.write("status", kList), files.path("rpm"));
   EXPECT_EQ(enumerateRows(sound, {"Name"}).size(), 2U);
-  LinuxPackage empty(files.write("empty", ""));
+  LinuxPackage empty(files.write("empty", ""), files.path("rpm"));
   EXPECT_TRUE(enumerateRows(empty, {"Name"}).empty());
 }
 
 TEST(LinuxPackage, WhoThrowsAwayTheRestLeavesTheLibrarysMessagesAsTheyWere) {
   const MadeUpFiles files;
-  LinuxPackage provider(files.write("status", kList));
+  LinuxPackage provider(files.write("status", kList), files.path("rpm"));
   const std::size_t before = _error->StackCount();
   const auto refuse = [](ProvidedRow&&) { throw std::runtime_error("no more"); };
   EXPECT_THROW(provider.enumerate(requestFor(provider, {"Name"}), refuse), std::runtime_error);
@@ -97,7 +99,7 @@ TEST(LinuxPackage, SeveralThreadsReadAtOnce) {
   for (int i = 0; i < 300; ++i) {
     list += "Package: p" + std::to_string(i) + "\nStatus: install ok installed\nArchitecture: all\nVersion: 1\n\n";
   }
-  LinuxPackage provider(files.write("status", list));
+  LinuxPackage provider(files.write("status", list), files.path("rpm"));
   std::vector<std::size_t> counts(4);
   std::vector<std::thread> threads;
   for (std::size_t& count : counts) {
