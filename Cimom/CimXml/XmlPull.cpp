@@ -193,7 +193,7 @@ void XmlPull::raiseParserFault() const {
   if (fault == XML_ERROR_NO_ELEMENTS || fault == XML_ERROR_UNCLOSED_TOKEN || fault == XML_ERROR_PARTIAL_CHAR) {
     _expat->refuse("the document ends too early");
   }
-  _expat->refuse(std::string("the document is no sound XML: ") + XML_ErrorString(fault));
+  _expat->refuse(std::string("the document is not well-formed XML: ") + XML_ErrorString(fault));
 }
 
 // A fault waits until what stands before it has been taken, so that it does not

@@ -37,7 +37,7 @@ std::uint64_t numberAt(std::string_view bytes, std::size_t offset, std::size_t c
 // Opening a pipe would block, and a device has no end.
 std::ifstream openPlainFile(const std::string& path) {
   std::error_code error;
-  if (!fs::is_regular_file(path, error)) throw std::runtime_error("it is no plain file");
+  if (!fs::is_regular_file(path, error)) throw std::runtime_error("it is not a regular file");
   std::ifstream in(path, std::ios::binary);
   if (!in) throw std::runtime_error("it cannot be opened");
   return in;
@@ -57,7 +57,7 @@ void checkReplaceable(const std::string& path) {
   std::error_code error;
   if (!fs::exists(path, error)) return;
   std::ifstream in = openPlainFile(path);
-  if (!kName.starts_with(readBytes(in, kName.size()))) throw std::runtime_error("the file in its place is no cache");
+  if (!kName.starts_with(readBytes(in, kName.size()))) throw std::runtime_error("the file in its place is not a cache");
 }
 
 // A name in the same folder that no other writer uses.
@@ -79,7 +79,7 @@ void writeWhole(const fs::path& path, std::string_view head, std::string_view re
 std::string readMofCacheFile(const std::string& path) {
   std::ifstream in = openPlainFile(path);
   const std::string head = readBytes(in, kHeadSize);
-  if (head.size() < kHeadSize || !head.starts_with(kName)) throw std::runtime_error("it is no cache");
+  if (head.size() < kHeadSize || !head.starts_with(kName)) throw std::runtime_error("it is not a cache");
   if (numberAt(head, 8, 4) != kMofCacheVersion) throw std::runtime_error("it is of another version");
   const std::uint64_t size = numberAt(head, 12, 8);
   const std::uintmax_t left = fs::file_size(path) - kHeadSize;

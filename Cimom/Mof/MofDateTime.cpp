@@ -95,7 +95,7 @@ const char* faultOfMofDateTime(std::string_view text) noexcept {
     if (fault != nullptr) return fault;
     return text.substr(kSign + 1) == "000" ? nullptr : "an interval ends with \":000\"";
   }
-  if (text[kSign] != '+' && text[kSign] != '-') return "it has no \"+\", \"-\" or \":\" behind the microseconds";
+  if (text[kSign] != '+' && text[kSign] != '-') return "it has no \"+\", \"-\" or \":\" after the microseconds";
   int values[std::size(kTimestamp)];
   const char* const fault = faultOfFields(text, kTimestamp, values);
   if (fault != nullptr) return fault;

@@ -175,13 +175,13 @@ MofValueSyntax readMofNumber(std::string_view literal, const MofLocation& at) {
     value.flag = digits[0] == '-';
     digits.remove_prefix(1);
   }
-  if (digits.empty()) refuseNumber(literal, at, "is no number");
+  if (digits.empty()) refuseNumber(literal, at, "is not a number");
   const char* const end = digits.data() + digits.size();
   const bool isPrefixed = digits.size() > 1 && digits[0] == '0' && (digits[1] == 'x' || digits[1] == 'X');
   if (!isPrefixed && isReal(digits)) {
     value.kind = MofValueSyntax::Kind::Real;
     const auto [stop, error] = std::from_chars(digits.data(), end, value.real);
-    if (stop != end) refuseNumber(literal, at, "is no number");
+    if (stop != end) refuseNumber(literal, at, "is not a number");
     if (error == std::errc::result_out_of_range) refuseNumber(literal, at, "does not fit a 64-bit real number");
     if (value.flag) value.real = -value.real;
     return value;
@@ -190,7 +190,8 @@ MofValueSyntax readMofNumber(std::string_view literal, const MofLocation& at) {
   const int base = baseOf(digits);
   const char* const last = digits.data() + digits.size();
   const auto [stop, error] = std::from_chars(digits.data(), last, value.magnitude, base);
-  if (stop != last) refuseNumber(literal, at, base == 8 ? "is no number (a leading 0 means octal)" : "is no number");
+  if (stop != last)
+    refuseNumber(literal, at, base == 8 ? "is not a number (a leading 0 means octal)" : "is not a number");
   if (error != std::errc()) refuseNumber(literal, at, "does not fit 64 bits");
   return value;
 }

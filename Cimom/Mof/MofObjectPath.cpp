@@ -24,7 +24,7 @@ class PathReader {
       _rest.remove_prefix(colon + 1);
     }
     path.className = readName("a class name");
-    if (!take('.')) fail("\".\" and the keys are missing behind the class name");
+    if (!take('.')) fail("\".\" and the keys are missing after the class name");
     do {
       path.keys.push_back(readKey());
     } while (take(','));
@@ -65,7 +65,7 @@ class PathReader {
   MofPropertySyntax readKey() {
     MofPropertySyntax key;
     key.name = {readName("the name of a key"), _at};
-    if (!take('=')) fail("\"=\" is missing behind the key " + std::string(key.name.text.view()));
+    if (!take('=')) fail("\"=\" is missing after the key " + std::string(key.name.text.view()));
     key.value.at = _at;
     if (!_rest.empty() && _rest.front() == '"') {
       key.value.kind = MofValueSyntax::Kind::Text;

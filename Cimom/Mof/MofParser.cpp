@@ -234,7 +234,7 @@ bool MofParser::passOverPragma() {
 void MofParser::enterNameSpace(const std::string& path, const MofLocation& at) {
   const QORString nameSpace = localMofNameSpace(path);
   if (nameSpace.isEmpty()) {
-    _report.add(at, "\"" + path + "\" is no namespace" + (_report.isLenient() ? kLostNameSpace : ""));
+    _report.add(at, "\"" + path + "\" is not a namespace" + (_report.isLenient() ? kLostNameSpace : ""));
     return;
   }
   _document.nameSpaces.push_back(nameSpace);

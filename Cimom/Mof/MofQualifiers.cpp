@@ -141,7 +141,7 @@ void MofQualifiers::declare(const MofQualifierDeclarationSyntax& syntax) {
   try {
     const MofType* const type = findMofType(syntax.type.text);
     if (type == nullptr || type->kind == MofType::Kind::Reference || type->kind == MofType::Kind::Object) {
-      throw MofFault{syntax.type.at, "\"" + std::string(syntax.type.text.view()) + "\" is no type of a qualifier"};
+      throw MofFault{syntax.type.at, "\"" + std::string(syntax.type.text.view()) + "\" is not a qualifier type"};
     }
     CimQualifierDeclaration declaration;
     declaration.name = syntax.name.text;

@@ -126,7 +126,7 @@ void MofReader::parse(const std::string& name, std::string text, MofParser::Cont
   if (!isWhole) {
     _report.add({&source, content.size()}, "the text is UTF-16 with half of a character here");
   } else if (content.find('\0') != std::string_view::npos) {
-    _report.addFile(name, "this is no text: it contains zero bytes");
+    _report.addFile(name, "this is not text: it contains zero bytes");
   } else {
     return MofParser(source, _document, _report, context).readDeclarations();
   }

@@ -42,7 +42,7 @@ class CIM_InstModification : CIM_InstIndication {
   [EmbeddedObject, Description("The instance as it was before.")] string PreviousInstance;
 };
 
-[Indication, Abstract, Description("Something that happened and is no change of the model.")]
+[Indication, Abstract, Description("Something that happened and is not a change to the model.")]
 class CIM_ProcessIndication : CIM_Indication {
 };
 

@@ -93,7 +93,7 @@ class Contents(WorldCase):
         self.assertEqual(self.succeed(self.run_tool("contents", "--no-live", "-o", "jsonl")), "")
 
     def test_wrong_usage(self):
-        for arguments, says in ((["-o", "xml"], "'xml' is none of csv, dot, html, json, jsonl, svg, table"), (["a", "b"], "b")):
+        for arguments, says in ((["-o", "xml"], "'xml' is not one of csv, dot, html, json, jsonl, svg, table"), (["a", "b"], "b")):
             self.wrong_usage(self.world("contents", *arguments), says, command="qorql contents")
 
 
@@ -216,7 +216,7 @@ class Describe(WorldCase):
 
     def test_wrong_usage(self):
         self.wrong_usage(self.world("describe"), "CLASS", command="qorql describe")
-        self.wrong_usage(self.world("describe", "-o", "table", "W_Box"), "'table' is none of csv, html, json, jsonl, text",
+        self.wrong_usage(self.world("describe", "-o", "table", "W_Box"), "'table' is not one of csv, html, json, jsonl, text",
                          command="qorql describe")
 
 
@@ -271,7 +271,7 @@ class Get(WorldCase):
 
     def test_wrong_usage(self):
         self.wrong_usage(self.world("get"), "INSTANCE", command="qorql get")
-        self.wrong_usage(self.world("get", "-o", "csv", "x"), "'csv' is none of json, mof", command="qorql get")
+        self.wrong_usage(self.world("get", "-o", "csv", "x"), "'csv' is not one of json, mof", command="qorql get")
 
 
 class Instances(WorldCase):

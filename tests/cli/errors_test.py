@@ -109,9 +109,9 @@ class Errors(ToolCase):
     def test_hints_of_what_a_run_finds(self):
         for query, error, hint in (
                 ("SELECT Id FROM Shop_Item ORDER BY ^Wheels ASC", "Caught an exception while sorting the data. (CIM status 1)",
-                 "Wheels is no property of Shop_Item (line 1, column 35)"),
+                 "Wheels is not a property of Shop_Item (line 1, column 35)"),
                 ("SELECT Id FROM Shop_Item ORDER BY ^Nmae ASC", "Caught an exception while sorting the data. (CIM status 1)",
-                 "Nmae is no property of Shop_Item: did you mean Name? (line 1, column 35)"),
+                 "Nmae is not a property of Shop_Item: did you mean Name? (line 1, column 35)"),
                 ("SELECT SUM(Name) AS S FROM Shop_Item", "Property data type must be numeric for function SUM (CIM status 16)",
                  "")):
             with self.subTest(query=query):
@@ -176,10 +176,10 @@ class Statements(ToolCase):
         result = self.model("-o", "csv", stdin="SELECT Id FROM Shop_Item WHERE Name = 'a;b\n;" + ONE)
         self.assertEqual((result.status, result.out), (1, ""))
         self.assertEqual(result.err,
-                         "qorql: warning: passed over: a string that does not end in its line (line 1, column 39)\n"
+                         "qorql: warning: skipped: a string that is not closed on its line (line 1, column 39)\n"
                          "qorql: error: unexpected token '' found (line 3, CIM status 16)\n" +
                          toolcase.hint("SELECT Id FROM Shop_Item WHERE Name = ^'a;b",
-                                       "the quote that opens here does not end in its line"))
+                                       "the quote that opens here is not closed on its line"))
 
     def test_statements_stop_at_the_first_error(self):
         result = self.model("-o", "csv", ONE + "; SELECT; " + TWO)
@@ -197,7 +197,7 @@ class Statements(ToolCase):
 
 class PassedOver(ToolCase):
     """Characters that the language does not know, and strings without end: told, and never among the results."""
-    OVER = "qorql: warning: passed over, since the language does not know it: "
+    OVER = "qorql: warning: skipped, since the language does not know it: "
 
     def test_each_is_named_with_its_place_in_every_form(self):
         for form in ("table", "csv", "json", "jsonl", "html", "xml", "mof"):
@@ -267,7 +267,7 @@ instance of Der { K = 3; N = 2; X = "y"; };
 
     @staticmethod
     def hint(line, column, query=STATEMENT):
-        return toolcase.hint(query.replace("Nam ", "^Nam "), "Nam is no property of Shop_Item: did you mean Name? "
+        return toolcase.hint(query.replace("Nam ", "^Nam "), "Nam is not a property of Shop_Item: did you mean Name? "
                                                             f"(line {line}, column {column})")
 
     def test_in_every_form(self):

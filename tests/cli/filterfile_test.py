@@ -31,7 +31,7 @@ class Layout(FileCase):
 
     def test_places_in_a_later_line_count_comments_and_columns(self):
         self.assertEqual(self.lines(f"{ALERT}\n  WHERE EventID = 'y'\n# no\n# nor this\n    AND Nope = 1\n"),
-                         ["invalid\tNope is no property of CIM_AlertIndication (line 5, column 9)\tline 1"])
+                         ["invalid\tNope is not a property of CIM_AlertIndication (line 5, column 9)\tline 1"])
         result = self.validate(f"\n{ALERT}\n  WHERE EventID = 'y'\n    AND EventID = 5\n")
         self.assertEqual(result.err, "qorql: warning: line 2: EventID is a string and does not compare with a number: "
                                      "it never matches (line 4, column 9)\n")
@@ -58,7 +58,7 @@ class Layout(FileCase):
 
     def test_columns_after_a_name(self):
         self.assertEqual(self.lines("größe: SELECT Nope FROM CIM_AlertIndication\n"),
-                         ["invalid\tNope is no property of CIM_AlertIndication (line 1, column 15)\tline 1\tgröße"])
+                         ["invalid\tNope is not a property of CIM_AlertIndication (line 1, column 15)\tline 1\tgröße"])
 
     def test_what_is_no_name(self):
         for text in (f"7: {ALERT}", f"two words: {ALERT}", f"a:b {ALERT}", f": {ALERT}", f"a,b: {ALERT}"):

@@ -33,10 +33,10 @@ class Queries(HintCase):
     def test_values_that_are_missing(self):
         for marked, hint in (
                 ("SELECT Id" + FROM + " ORDER BY ^Name ASC",
-                 f"Name is NULL in {ROW}4: such rows are left out by WHERE Name IS NOT NULL"),
+                 f"Name is NULL in {ROW}4: leave such rows out with WHERE Name IS NOT NULL"),
                 ("SELECT i.Id FROM Shop_Item AS i WHERE i.Id > 2 ORDER BY ^i.Balance DESC",
-                 f"i.Balance is NULL in {ROW}3: such rows are left out by AND i.Balance IS NOT NULL"),
-                (WHERE + "^Name LIKE 'a'", f"Name is NULL in {ROW}4: ask for Name IS NOT NULL AND before it"),
+                 f"i.Balance is NULL in {ROW}3: leave such rows out with AND i.Balance IS NOT NULL"),
+                (WHERE + "^Name LIKE 'a'", f"Name is NULL in {ROW}4: put Name IS NOT NULL AND before it"),
                 (WHERE + "^Codes[3] = 1", f"Codes has 3 elements in {ROW}1, and the first is [0]")):
             with self.subTest(query=marked):
                 self.hint(marked, hint)
@@ -51,11 +51,11 @@ class Queries(HintCase):
 
     def test_quotes_and_blanks(self):
         for marked, hint in (
-                (WHERE + "Name = ^'abc", "the quote that opens here does not end in its line"),
-                (WHERE + "Id = 1 AND\n  Name = ^'abc\n  AND Id = 2", "the quote that opens here does not end in its line"),
-                (WHERE + "Name = ^\u2018plain\u2019", "a text stands in plain single quotes: 'plain'"),
-                (WHERE + "Name = ^\"plain\"", "texts stand in single quotes: 'plain'"),
-                (WHERE + "Id = 1 ^ANDName = 'plain'", "a blank is missing: AND Name")):
+                (WHERE + "Name = ^'abc", "the quote that opens here is not closed on its line"),
+                (WHERE + "Id = 1 AND\n  Name = ^'abc\n  AND Id = 2", "the quote that opens here is not closed on its line"),
+                (WHERE + "Name = ^\u2018plain\u2019", "text goes in plain single quotes: 'plain'"),
+                (WHERE + "Name = ^\"plain\"", "text goes in single quotes: 'plain'"),
+                (WHERE + "Id = 1 ^ANDName = 'plain'", "a space is missing: AND Name")):
             with self.subTest(query=marked):
                 self.hint(marked, hint)
 
@@ -71,33 +71,33 @@ class Queries(HintCase):
 
     def test_what_other_languages_write_otherwise(self):
         for marked, hint in (
-                (WHERE + "Name ^= NULL", "NULL is asked for by IS: Name IS NULL"),
-                (WHERE + "Name ^!= NULL", "NULL is asked for by IS: Name IS NOT NULL"),
-                (WHERE + "Name ^NOT LIKE 'a'", "NOT stands before the comparison: NOT Name LIKE 'a'"),
+                (WHERE + "Name ^= NULL", "test for NULL with IS: Name IS NULL"),
+                (WHERE + "Name ^!= NULL", "test for NULL with IS: Name IS NOT NULL"),
+                (WHERE + "Name ^NOT LIKE 'a'", "NOT goes before the comparison: NOT Name LIKE 'a'"),
                 (WHERE + "Id ^== 1", "equality is written with one ="),
-                ("SELECT ^TOP 5 Id" + FROM, "the first rows alone are asked for by SELECT FIRST n ..."),
-                ("SELECT Id" + FROM + " ^LIMIT 5", "the first rows alone are asked for by SELECT FIRST n ..."),
-                ("SELECT Id" + FROM + " ORDER BY Id ASC^, Name ASC", "rows are sorted by one key"),
-                ("SELECT Id" + FROM + " ORDER BY Id^, Name", "rows are sorted by one key"),
-                (WHERE + "Size > ^1e8", "a number with an exponent has a point before it and no plus in it: 1.0e8"),
+                ("SELECT ^TOP 5 Id" + FROM, "to see the first rows only, write SELECT FIRST n ..."),
+                ("SELECT Id" + FROM + " ^LIMIT 5", "to see the first rows only, write SELECT FIRST n ..."),
+                ("SELECT Id" + FROM + " ORDER BY Id ASC^, Name ASC", "rows can be sorted by one key only"),
+                ("SELECT Id" + FROM + " ORDER BY Id^, Name", "rows can be sorted by one key only"),
+                (WHERE + "Size > ^1e8", "a number with an exponent needs a decimal point and takes no plus sign: 1.0e8"),
                 ("SELECT ^UPPER(Name) AS n" + FROM,
                  "there is no function UPPER: the language has OBJECTPATH, MIN, MAX, COUNT, AVG, SUM, INSTANCEOF"),
                 ("SELECT COUNT(^DISTINCT Name) AS n" + FROM, "there is no DISTINCT: every row is shown"),
-                ("SELECT COUNT(^*) AS n" + FROM, "an aggregate is of a property, as in COUNT(Name)"),
-                ("SELECT Id AS ^Order" + FROM, "Order is a keyword and no name: take another one"),
+                ("SELECT COUNT(^*) AS n" + FROM, "an aggregate takes a property, as in COUNT(Name)"),
+                ("SELECT Id AS ^Order" + FROM, "Order is a keyword, not a name: choose another one"),
                 ("SELECT Id" + FROM + " FORMAT AS ^JSON",
-                 "the forms of the language are QORIOBJECT, XML, HTML and CSV; qorql has more: qorql -o json"),
+                 "the formats of the language are QORIOBJECT, XML, HTML and CSV; qorql has more: qorql -o json"),
                 ("^show tables",
-                 "classes are listed by qorql classes, and those with instances by qorql contents; in the shell by .tables"),
-                (WHERE + "Id ^IN (1, 2)", "there is no IN: ask for one value after the other with ="),
+                 "qorql classes lists the classes, and qorql contents those with instances; in the shell, .tables does"),
+                (WHERE + "Id ^IN (1, 2)", "there is no IN: ask for one value at a time with ="),
                 (WHERE + "Id ^BETWEEN 1 AND 2", "there is no BETWEEN: write x >= least AND x <= greatest"),
                 ("SELECT Id" + FROM + " ^-- all", "the language has no comments: leave it out"),
                 ("SELECT Id" + FROM + " ^LEFT JOIN Shop_Empty", "an outer join is written in WHERE, as A.x *= B.y"),
-                ("SELECT i.Id FROM Shop_Item ^i", "an alias stands behind AS: Shop_Item AS i"),
+                ("SELECT i.Id FROM Shop_Item ^i", "an alias follows AS: Shop_Item AS i"),
                 ("SELECT i.Id FROM Shop_Item AS i, Shop_Empty AS e WHERE ^OBJECTPATH(i) = OBJECTPATH(e)",
                  "OBJECTPATH(a) = OBJECTPATH(b) is read as half an association: compare the keys, as in a.Name = b.Name"),
                 ("SELECT i.Id FROM Shop_Item AS i, Shop_Empty AS e WHERE Shop_Link = i AND ^i.Id = 1",
-                 "an association is written with both its ends side by side: Link = a AND Link = b")):
+                 "write both ends of an association side by side: Link = a AND Link = b")):
             with self.subTest(query=marked):
                 self.hint(marked, hint)
 
@@ -106,7 +106,7 @@ class Queries(HintCase):
                          self.succeed(self.model("-o", "csv", WHERE + "Id <> 1")))
 
     def test_groups(self):
-        hint = ("there is no GROUP BY: an aggregate is of all rows. A program behind it groups the rows: "
+        hint = ("there is no GROUP BY: an aggregate covers all rows. Another program groups the rows: "
                 "qorql -o jsonl \"SELECT * FROM Shop_Item\" | jq -s \"group_by(.Name)\"")
         self.hint("SELECT COUNT(Id) AS n, ^Name" + FROM, hint)
         self.hint("SELECT COUNT(Id) AS n, ^Name" + FROM + " GROUP BY Name", hint)
@@ -121,24 +121,24 @@ class Queries(HintCase):
         result = self.model(WHERE + "Made > 'yesterday'")
         today.add(time.strftime("%Y%m%d", time.gmtime()))
         self.assertIn(result.err.split("datetime is written '")[1][:8], today)
-        self.hint(WHERE + "Name = ^5", "texts are compared with texts in single quotes, numbers with numbers")
+        self.hint(WHERE + "Name = ^5", "compare text with text in single quotes, and numbers with numbers")
 
     def test_names(self):
         path = self.write("m.mof", "class Base { [Key] uint32 K; };\nclass Der : Base { string Extra; };\n"
                                    "instance of Base { K = 1; };\ninstance of Base { K = 2; };\n")
         for marked, hint in (
                 ("SELECT Id" + FROM + " ORDER BY ^Nmae ASC",
-                 "Nmae is no property of Shop_Item: did you mean Name? (line 1, column 35)"),
-                ("SELECT Id" + FROM + " ORDER BY ^Wheels ASC", "Wheels is no property of Shop_Item (line 1, column 35)"),
+                 "Nmae is not a property of Shop_Item: did you mean Name? (line 1, column 35)"),
+                ("SELECT Id" + FROM + " ORDER BY ^Wheels ASC", "Wheels is not a property of Shop_Item (line 1, column 35)"),
                 ("SELECT i.Id FROM Shop_Item AS i ORDER BY i.^Wheels DESC",
-                 "Wheels is no property of Shop_Item (line 1, column 44)"),
-                ("SELECT ^Extra FROM Base", "Extra is no property of Base but of Der, a subclass (line 1, column 8)"),
+                 "Wheels is not a property of Shop_Item (line 1, column 44)"),
+                ("SELECT ^Extra FROM Base", "Extra is not a property of Base but of Der, a subclass (line 1, column 8)"),
                 ("SELECT K FROM Base ORDER BY ^Extra ASC",
-                 "Extra is no property of Base but of Der, a subclass (line 1, column 29)"),
+                 "Extra is not a property of Base but of Der, a subclass (line 1, column 29)"),
                 ("SELECT b.K FROM Base AS b WHERE b.^Extra = 'x'",
                  "Extra is a property of Der, which not every Base is: ask for it FROM Der"),
                 ("SELECT Id FROM ^Shop_Itm",
-                 "Shop_Itm is no class of root/cimv2: did you mean Shop_Item? (line 1, column 16)"),
+                 "Shop_Itm is not a class of root/cimv2: did you mean Shop_Item? (line 1, column 16)"),
                 ("SELECT Id, ^Order" + FROM, "Order is a keyword: a property or class that is called so cannot be named, "
                                               "but SELECT * shows it"),
                 (WHERE + "^Format = 1", "Format is a keyword: a property or class that is called so cannot be named, "
@@ -150,14 +150,14 @@ class Queries(HintCase):
         for marked, hint in (("SELECT Id ^FORM Shop_Item", "did you mean FROM?"),
                              ("SELECT Id" + FROM + " ^WERE Id = 1", "did you mean WHERE?"),
                              ("SELECT Id" + FROM + " ^ODER BY Id ASC", "did you mean ORDER?"),
-                             ("SELECT Id" + FROM + " ORDER BY Id^", "ASC or DESC stands behind the key: ORDER BY Id ASC"),
+                             ("SELECT Id" + FROM + " ORDER BY Id^", "ASC or DESC follows the key: ORDER BY Id ASC"),
                              ("SELECT Id" + FROM + " ORDER BY Id ^DECS", "did you mean DESC?")):
             with self.subTest(query=marked):
                 self.hint(marked, hint)
 
     def test_a_class_alone(self):
-        self.hint("Q ^Shop_Item", "the objects of a class: SELECT * FROM Shop_Item")
-        self.hint("^shop_item", "the objects of a class: SELECT * FROM Shop_Item")
+        self.hint("Q ^Shop_Item", "to see the objects of a class, write SELECT * FROM Shop_Item")
+        self.hint("^shop_item", "to see the objects of a class, write SELECT * FROM Shop_Item")
 
     def test_places_count_in_the_statement_and_lines_in_the_text(self):
         result = self.model(stdin="SELECT Id FROM Shop_Empty;\n  SELECT Id\n  FROM Shop_Item\n  LIMIT 3;")
@@ -173,7 +173,7 @@ class Filters(HintCase):
 
     def test_every_command_that_takes_filters(self):
         text = self.MARKED.replace("^", "")
-        hint = "a blank is missing: AND MessageID"
+        hint = "a space is missing: AND MessageID"
         for command in (["validate", text], ["match", text], ["watch", text]):
             with self.subTest(command=command[0]):
                 self.hinted(self.run_tool(*command), self.MARKED, hint)
@@ -183,17 +183,17 @@ class Filters(HintCase):
         path = self.write("filters.txt", self.ALERT + "EventID = 'a'\n" + self.MARKED.replace("^", "") + "\n")
         for command in (["match", "--filters", path], ["watch", "--filters", path]):
             with self.subTest(command=command[0]):
-                self.hinted(self.run_tool(*command), self.MARKED, "a blank is missing: AND MessageID", "line 2: ")
+                self.hinted(self.run_tool(*command), self.MARKED, "a space is missing: AND MessageID", "line 2: ")
         self.assertIn("qorql: hint: line 2: a blank is missing", self.run_tool("validate", "--file", path).err)
 
     def test_open_and_curly_quotes(self):
         for marked, hint in (
-                (self.ALERT + "EventID = ^'a", "the quote that opens here does not end in its line"),
-                (self.ALERT + "EventID = ^\u2018SNIA\u2019", "a text stands in plain single quotes: 'SNIA'")):
+                (self.ALERT + "EventID = ^'a", "the quote that opens here is not closed on its line"),
+                (self.ALERT + "EventID = ^\u2018SNIA\u2019", "text goes in plain single quotes: 'SNIA'")):
             self.hinted(self.run_tool("validate", marked.replace("^", "")), marked, hint)
 
     def test_a_schema_that_is_given_as_instances(self):
-        hint = "qorql: hint: a schema is given by --mof FILE; the files behind the filter hold instances\n"
+        hint = "qorql: hint: a schema is given by --mof FILE; the files after the filter hold instances\n"
         for schema in ("class XYZ_A { [Key] uint32 K; };\n", "[Association]\nclass XYZ_A { [Key] uint32 K; };\n"):
             path = self.write("schema.mof", schema)
             result = self.run_tool("match", self.ALERT + "EventID = 'a'", path)

@@ -142,7 +142,7 @@ class Live(ToolCase):
 
     def test_descriptions_are_there_where_they_are_shown(self):
         result = self.run_tool("class", "Linux_Login")
-        self.assertIn('Description("Since when.")', result.out)
+        self.assertIn('Description("When the login began.")', result.out)
 
     def test_order_and_first(self):
         rows = self.rows("SELECT FIRST 3 Handle, WorkingSetSize FROM Linux_Process ORDER BY WorkingSetSize DESC")
@@ -238,7 +238,7 @@ class Live(ToolCase):
         path = self.write("odd.mof", QUALIFIERS + (
             "class CIM_Process { [Key] string Handle; string Name; };\ninstance of CIM_Process { Handle = \"stored\"; };\n"))
         warning = ("qorql: warning: Without Linux_ProcessOwner, Linux_ProcessPort, "
-                   "which the MOF files leave no room for: Linux_ProcessOwner refers to Linux_Process, which is not derived "
+                   "which cannot be combined with the MOF files: Linux_ProcessOwner refers to Linux_Process, which is not derived "
                    "from CIM_ManagedElement\n")
         result = self.run_tool("-m", path, "-o", "csv", f"SELECT Handle FROM CIM_Process WHERE Handle = '{os.getpid()}'")
         self.assertEqual((result.status, result.out, result.err), (0, f"Handle\n{os.getpid()}\n", warning))

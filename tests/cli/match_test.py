@@ -141,7 +141,7 @@ class Json(MatchCase):
     def test_another_form(self):
         result = self.match("-o", "xml", FC1, stdin=ALERTS)
         self.assertEqual((result.status, result.out), (2, ""))
-        self.assertIn("'xml' is none of json, text", result.err)
+        self.assertIn("'xml' is not one of json, text", result.err)
 
 
 class Why(MatchCase):
@@ -202,10 +202,10 @@ class Why(MatchCase):
 class Faults(MatchCase):
     def test_a_filter_that_is_not_valid(self):
         self.refused(self.match("SELECT * FROM CIM_AlertIndicaton", stdin=ALERTS), 1,
-                     "qorql: error: the filter is not valid: CIM_AlertIndicaton is no class of root/cimv2: "
+                     "qorql: error: the filter is not valid: CIM_AlertIndicaton is not a class of root/cimv2: "
                      "did you mean CIM_AlertIndication? (line 1, column 15)")
         self.refused(self.match("-q", "SQL", FC1, stdin=ALERTS), 1,
-                     "qorql: error: the filter is not valid: 'SQL' is no language of filters: use DMTF:CQL, CQL or WQL")
+                     "qorql: error: the filter is not valid: 'SQL' is not a filter language: use DMTF:CQL, CQL or WQL")
 
     def test_instances_that_are_not_good_decide_nothing(self):
         good = self.write("good.mof", ALERTS)

@@ -267,7 +267,7 @@ class Lenient(ToolCase):
 
 
 class LiveNames(ToolCase):
-    WARNING = ("qorql: warning: Without Linux_OperatingSystem, which the MOF files leave no room for: "
+    WARNING = ("qorql: warning: Without Linux_OperatingSystem, which cannot be combined with the MOF files: "
                "they declare a class Linux_OperatingSystem of their own\n")
 
     def test_a_class_of_another_structure_keeps_its_instances_to_itself(self):

@@ -30,7 +30,7 @@ class Pages(ToolCase):
 
     def test_wrong_usage(self):
         self.wrong_usage(self.run_tool("pages"), command="qorql pages")
-        self.wrong_usage(self.run_tool("pages", "html"), "'html' is none of bash, fish, man, zsh", command="qorql pages")
+        self.wrong_usage(self.run_tool("pages", "html"), "'html' is not one of bash, fish, man, zsh", command="qorql pages")
         self.wrong_usage(self.run_tool("pages", "man", "bash"), command="qorql pages")
         self.wrong_usage(self.run_tool("pages", "--frobnicate", "man"), command="qorql pages")
 

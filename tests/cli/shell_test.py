@@ -187,12 +187,12 @@ class Statements(Shell):
         person = self.person("-o", "csv")
         lines = person.ask("SELECT i.Id, i.Nam FROM Shop_Item AS i;").splitlines()
         self.assertIn("qorql: error: A non-existent property - 'Nam' was requested from class - 'i' (CIM status 4)", lines)
-        self.assertEqual(lines[-1], "qorql: hint: Nam is no property of Shop_Item: did you mean Name? (line 1, column 16)")
+        self.assertEqual(lines[-1], "qorql: hint: Nam is not a property of Shop_Item: did you mean Name? (line 1, column 16)")
         self.assertNotIn("Id,Nam", lines)
         self.assertEqual(person.ask("SELECT Id FROM Shop_Item WHERE Id = 2;"), "Id\n2\n")
 
     def test_characters_that_are_passed_over(self):
-        over = "qorql: warning: passed over, since the language does not know it: "
+        over = "qorql: warning: skipped, since the language does not know it: "
         person = self.person("-o", "csv")
         self.assertEqual(person.ask("SELECT Id FROM Shop_Item @ WHERE Id = 2;"), over + "@ (line 1, column 26)\nId\n2\n")
         self.assertTrue(person.ask(".explain SELECT Id FROM Shop_Item @").startswith(over + "@ (line 1, column 26)\n"))
@@ -448,7 +448,7 @@ class Commands(Shell):
         self.assertEqual(person.ask(".output jsonl"), "")
         self.assertEqual(person.ask("SELECT Id FROM Shop_Item WHERE Id = 1;"), '{"Id": 1}\n')
         self.assertEqual(person.ask(".output yaml"),
-                         "qorql: error: 'yaml' is none of csv, html, json, jsonl, mof, table, xml\n")
+                         "qorql: error: 'yaml' is not one of csv, html, json, jsonl, mof, table, xml\n")
 
     def test_explain(self):
         person = self.person()
@@ -464,7 +464,7 @@ class Commands(Shell):
         shown = person.ask("SELECT Id FROM Shop_Item WHERE Id = 1;")
         self.assertRegex(shown, r"\AId\n1\nqorql: stats: rows=1 .*\nTime: \d+\.\d{3} s\n\Z")
         self.assertEqual(person.ask(".stats off") + person.ask(".timer"), "statistics off\ntimer off\n")
-        self.assertEqual(person.ask(".timer maybe"), "qorql: error: 'maybe' is none of off, on\n")
+        self.assertEqual(person.ask(".timer maybe"), "qorql: error: 'maybe' is not one of off, on\n")
 
     def test_command_without_its_dot(self):
         self.assertEqual(self.person().ask("classes;").splitlines()[-1], "qorql: hint: did you mean the command .classes?")

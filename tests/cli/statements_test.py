@@ -57,11 +57,11 @@ class Comments(ToolCase):
         text = "# größer\n-- one\n/* 日本\n*/ SELECT Id /* größer */ FROM Shop_Item\n# more\nWHERE Nmae = 'x' /* y */;\n"
         result = self.model(stdin=text)
         self.assertEqual((result.status, result.err.splitlines()[-3:]),
-                         (1, ["qorql: hint: Nmae is no property of Shop_Item: did you mean Name? (line 6, column 7)",
+                         (1, ["qorql: hint: Nmae is not a property of Shop_Item: did you mean Name? (line 6, column 7)",
                               "  WHERE Nmae = 'x'", "        ^"]))
         result = self.model(stdin="/* a\n日 */ SELECT /* größer */ Nmae FROM Shop_Item")
         self.assertEqual((result.status, result.err.splitlines()[-3:]),
-                         (1, ["qorql: hint: Nmae is no property of Shop_Item: did you mean Name? (line 2, column 26)",
+                         (1, ["qorql: hint: Nmae is not a property of Shop_Item: did you mean Name? (line 2, column 26)",
                               "  SELECT              Nmae FROM Shop_Item", " " * 22 + "^"]))
         self.refused(self.model("--quiet", stdin="# one\nSELECT Id /*\n*/ FORM Shop_Item"), 1,
                      "qorql: error: 'FROM' expected (line 3, CIM status 16)")

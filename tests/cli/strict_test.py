@@ -52,7 +52,7 @@ class Queries(ToolCase):
         self.assertEqual(self.strict("SELECT * FROM Shop_Item FORMAT AS XML").status, 1)
 
     def test_characters_that_are_passed_over(self):
-        self.refused(self.strict(GOOD + " @"), 1, "qorql: error: passed over, since the language does not know it: "
+        self.refused(self.strict(GOOD + " @"), 1, "qorql: error: skipped, since the language does not know it: "
                                                   "@ (line 1, column 39)")
 
     def test_nothing_is_fetched(self):
@@ -67,7 +67,7 @@ class Queries(ToolCase):
     def test_all_statements_are_looked_at_before_the_first_runs(self):
         result = self.strict("-o", "csv", stdin=f"{GOOD};\n{OR};\n{GOOD} @;\n")
         self.assertEqual((result.status, result.out), (1, ""))
-        self.assertEqual(result.err, f"qorql: error: line 2: {OR_ERROR}\nqorql: error: line 3: passed over, since the "
+        self.assertEqual(result.err, f"qorql: error: line 2: {OR_ERROR}\nqorql: error: line 3: skipped, since the "
                                      "language does not know it: @ (line 3, column 39)\n")
         self.assertEqual(self.succeed(self.strict("-o", "csv", stdin=f"{GOOD};\n{GOOD};\n")), "Id\n1\n\nId\n1\n")
 
@@ -102,7 +102,7 @@ class Explanations(ToolCase):
     def test_all_statements_are_looked_at_before_the_first_is_explained(self):
         result = self.explain("--strict", f"{GOOD};\n{OR};\n{GOOD} @")
         self.assertEqual((result.status, result.out), (1, ""))
-        self.assertEqual(result.err, f"qorql: error: line 2: {OR_ERROR}\nqorql: error: line 3: passed over, since the "
+        self.assertEqual(result.err, f"qorql: error: line 2: {OR_ERROR}\nqorql: error: line 3: skipped, since the "
                                      "language does not know it: @ (line 3, column 39)\n")
 
     def test_what_does_not_parse_is_told_as_without_it(self):
@@ -121,7 +121,7 @@ class Filters(ToolCase):
             self.refused(self.strict("validate", *more, ALERT + " OR EventID = 'b'"), 1, f"qorql: error: {NEVER.format(1)}")
         result = self.strict("validate", "SELECT Nope FROM CIM_AlertIndication")
         self.assertEqual((result.status, result.err), (1, ""))
-        self.assertTrue(result.out.startswith("invalid\tNope is no property of "), result.out)
+        self.assertTrue(result.out.startswith("invalid\tNope is not a property of "), result.out)
 
     def test_validate_many(self):
         good = f"{ALERT}\nSELECT * FROM CIM_Nope\n\n{ALERT}\n"
@@ -133,10 +133,10 @@ class Filters(ToolCase):
         warning, summary, invalid = result.err.splitlines()
         self.assertEqual(summary, "qorql: 4 filters: 3 valid (1 with warnings), 1 invalid")
         self.assertEqual(warning, f"qorql: error: line 5: {NEVER.format(5)}")
-        self.assertTrue(invalid.startswith("qorql: error: CIM_Nope is no class of root/cimv2"), invalid)
+        self.assertTrue(invalid.startswith("qorql: error: CIM_Nope is not a class of root/cimv2"), invalid)
 
     def test_validate_names_what_is_passed_over(self):
-        self.refused(self.strict("validate", ALERT + " %"), 1, "qorql: error: passed over, since the language does not "
+        self.refused(self.strict("validate", ALERT + " %"), 1, "qorql: error: skipped, since the language does not "
                                                                "know it: % (line 1, column 55)")
 
     def test_match(self):
@@ -152,7 +152,7 @@ class Filters(ToolCase):
         ran = self.run_tool("watch", "--strict", "--count", "1", "--interval", "0.01", text)
         self.assertEqual(self.succeed(ran), "")
         self.refused(self.run_tool("watch", "--strict", text + " @"), 1,
-                     "qorql: error: passed over, since the language does not know it: @ (line 1, column 69)")
+                     "qorql: error: skipped, since the language does not know it: @ (line 1, column 69)")
         self.refused(self.run_tool("watch", "--strict", "SELECT * FROM CIM_AlertIndication"), 1,
                      "qorql: error: the filter asks for no indication of a change: nothing will be printed")
 

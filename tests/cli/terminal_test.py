@@ -252,14 +252,14 @@ class Terminal(ToolCase):
 
     def test_hint_of_the_name_that_was_meant(self):
         for query, hint in (
-                ("SELECT Nmae FROM Shop_Item", "Nmae is no property of Shop_Item: did you mean Name? (line 1, column 8)"),
+                ("SELECT Nmae FROM Shop_Item", "Nmae is not a property of Shop_Item: did you mean Name? (line 1, column 8)"),
                 ("SELECT Nmae FROM Shop_Item AS a, shop_item AS b",
-                 "Nmae is no property of Shop_Item: did you mean Name? (line 1, column 8)"),
-                ("SELECT Id FROM Shop_Itm", "Shop_Itm is no class of root/cimv2: did you mean Shop_Item? (line 1, column 16)"),
-                ("SELECT * FROM Shop_Itm", "Shop_Itm is no class of root/cimv2: did you mean Shop_Item? (line 1, column 15)"),
+                 "Nmae is not a property of Shop_Item: did you mean Name? (line 1, column 8)"),
+                ("SELECT Id FROM Shop_Itm", "Shop_Itm is not a class of root/cimv2: did you mean Shop_Item? (line 1, column 16)"),
+                ("SELECT * FROM Shop_Itm", "Shop_Itm is not a class of root/cimv2: did you mean Shop_Item? (line 1, column 15)"),
                 ("SELECT Id FROM Shop_Item WHERE Name = plain",
-                 "plain is no property of Shop_Item: did you mean 'plain'? (line 1, column 39)"),
-                ("SELECT Id FROM Shop_Item WHERE Name = \"plain\"", "texts stand in single quotes: 'plain'"),
+                 "plain is not a property of Shop_Item: did you mean 'plain'? (line 1, column 39)"),
+                ("SELECT Id FROM Shop_Item WHERE Name = \"plain\"", "text goes in single quotes: 'plain'"),
                 ("SELECT Shop_Item.Id FROM Shop_Item, Shop_Empty WHERE Name = ''",
                  "Name is a property of more than one class: write Shop_Item.Name or Shop_Empty.Name (line 1, column 54)"),
                 ("clases", "did you mean the command classes?")):
@@ -274,7 +274,7 @@ class Terminal(ToolCase):
                                       "[Association] class Link { [Key] Base REF A; [Key] Base REF B; };\n")
         for name, tail in (("Link", ": an association is written Link = a AND Link = b"), ("Shop_Empty", "")):
             shown = self.model("-m", path, "--warnings", f"SELECT K FROM Base WHERE {name} = q").err
-            self.assertIn(f"qorql: hint: {name} is a class and no property of Base{tail} (line 1, column 26)\n", shown)
+            self.assertIn(f"qorql: hint: {name} is a class, not a property of Base{tail} (line 1, column 26)\n", shown)
 
     def test_hint_of_a_property_that_is_no_class(self):
         path = self.write("sub.mof", "class Holder { [Key] uint32 K; [EmbeddedObject] string Sub; };\n"
@@ -283,7 +283,7 @@ class Terminal(ToolCase):
                 ("SELECT Sub.N FROM Holder", "Sub is a property of Holder and no class of FROM: a query does not read what "
                                              "an object within holds (line 1, column 8)"),
                 ("SELECT h.K FROM Holder AS h WHERE Sub.N = 'x'",
-                 "Sub is a property of h and no class of FROM: a query does not read what an object within holds "
+                 "Sub is a property of h and not a class of FROM: a query does not read the properties of embedded objects "
                  "(line 1, column 35)"),
                 ("SELECT h.K FROM Holder AS h, Other WHERE Sub.N = 'x'",
                  "Sub is a property of more than one class: write h.Sub or Other.Sub (line 1, column 42)")):
@@ -294,7 +294,7 @@ class Terminal(ToolCase):
     def test_hints_count_in_the_whole_text(self):
         result = self.model("--warnings", "SELECT Id FROM Shop_Empty; SELECT Nmae FROM Shop_Item")
         self.assertEqual(result.err.splitlines()[-3:],
-                         ["qorql: hint: Nmae is no property of Shop_Item: did you mean Name? (line 1, column 35)",
+                         ["qorql: hint: Nmae is not a property of Shop_Item: did you mean Name? (line 1, column 35)",
                           "  SELECT Nmae FROM Shop_Item", "         ^"])
 
     def test_a_result_that_ends_early(self):
@@ -306,17 +306,17 @@ class Terminal(ToolCase):
                                 "qorql: error: A non-existent property - 'Nam' was requested from class - 'i' (CIM status 4)\n"
                                 "  SELECT i.Nam FROM Shop_Item AS i\n"
                                 "           ^\n"
-                                "qorql: hint: Nam is no property of Shop_Item: did you mean Name? (line 1, column 10)\n")
+                                "qorql: hint: Nam is not a property of Shop_Item: did you mean Name? (line 1, column 10)\n")
 
     def test_a_caret_is_shown_once(self):
         fault = "SELECT Id FROM Shop_Item LIMIT 3"
         self.assertEqual(self.show(fault)[1], "qorql: error: unexpected token 'LIMIT' found (line 1, CIM status 16)\n"
                                               f"  {fault}\n" + " " * 27 + "^\n"
-                                              "qorql: hint: the first rows alone are asked for by SELECT FIRST n ...\n")
+                                              "qorql: hint: to see the first rows only, write SELECT FIRST n ...\n")
         other = "SELECT Id FROM Shop_Item WHERE Name = NULL"
         self.assertEqual(self.show(other)[1], "qorql: error: unexpected token 'NULL' found (line 1, CIM status 16)\n"
                                               f"  {other}\n" + " " * 40 + "^\n"
-                                              "qorql: hint: NULL is asked for by IS: Name IS NULL\n"
+                                              "qorql: hint: test for NULL with IS: Name IS NULL\n"
                                               f"  {other}\n" + " " * 38 + "^\n")
 
     def test_no_hint_where_nothing_better_is_known(self):

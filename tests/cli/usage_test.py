@@ -163,14 +163,14 @@ class WrongUse(ToolCase):
         self.wrong_usage(self.model("-f", self.folder + "/none.qql"), "none.qql")
 
     def test_unknown_form(self):
-        self.wrong_usage(self.model("-o", "yaml", QUERY), "'yaml' is none of csv, html, json, jsonl, mof, table, xml")
+        self.wrong_usage(self.model("-o", "yaml", QUERY), "'yaml' is not one of csv, html, json, jsonl, mof, table, xml")
 
     def test_form_is_case_sensitive_and_not_empty(self):
-        self.wrong_usage(self.model("-o", "CSV", QUERY), "'CSV' is none of")
+        self.wrong_usage(self.model("-o", "CSV", QUERY), "'CSV' is not one of")
         self.wrong_usage(self.model("-o", "", QUERY))
 
     def test_unknown_log_level(self):
-        self.wrong_usage(self.model("--log", "loud", QUERY), "'loud' is none of error, fatal, info, trace, warning")
+        self.wrong_usage(self.model("--log", "loud", QUERY), "'loud' is not one of error, fatal, info, trace, warning")
 
     def test_settings_without_form(self):
         for setting in ("", "ZEMO", "ZEMO.Key", "ZEMO=1", ".Key=1", "ZEMO.=1", "a=b.c"):
@@ -204,7 +204,7 @@ class PlatformFailure(ToolCase):
             result = self.run_tool("-m", path, QUERY)
             self.failed(result)
             self.assertEqual(result.err.count("is not declared"), min(count, 20))
-            self.assertEqual("No more than 20 faults are told at once." in result.err, count >= 20)
+            self.assertEqual("No more than 20 faults are shown at once." in result.err, count >= 20)
 
     def test_wrong_mof_with_file_and_line(self):
         path = self.write("bad.mof", "class A {\n  uint32 X\n};\n")

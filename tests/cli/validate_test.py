@@ -67,7 +67,7 @@ class Valid(ValidateCase):
 
     def test_the_schema_of_mof_files(self):
         self.valid("SELECT Rack, Owner FROM XYZ_Alert", "XYZ_Alert", "Rack,Owner", "-m", SCHEMA)
-        self.invalid("SELECT Rack FROM XYZ_Alert", "XYZ_Alert is no class of root/cimv2 (line 1, column 18)")
+        self.invalid("SELECT Rack FROM XYZ_Alert", "XYZ_Alert is not a class of root/cimv2 (line 1, column 18)")
 
     def test_a_schema_that_builds_on_the_common_indications(self):
         path = self.write("vendor.mof", '[Indication] class XYZ_Rack : XYZ_Base { string Rack; };\n'
@@ -82,7 +82,7 @@ class Valid(ValidateCase):
         self.valid("SELECT PerceivedSeverity, IndicationTime FROM CIM_AlertIndication WHERE SequenceNumber > 3",
                    "CIM_AlertIndication", "PerceivedSeverity,IndicationTime,SequenceNumber", "-m", self.STORAGE)
         self.invalid("SELECT PerceivedSeverity FROM CIM_InstCreation",
-                     "PerceivedSeverity is no property of CIM_InstCreation (line 1, column 8)", "-m", self.STORAGE)
+                     "PerceivedSeverity is not a property of CIM_InstCreation (line 1, column 8)", "-m", self.STORAGE)
 
     def test_live_classes_without_room_are_told_of_when_they_are_named(self):
         quiet = self.run_tool("validate", "-m", self.STORAGE, "SELECT * FROM CIM_InstModification WHERE SourceInstance ISA CIM_StorageVolume")
@@ -107,7 +107,7 @@ class Valid(ValidateCase):
     def test_languages(self):
         for language in ("CQL", "DMTF:CQL", "WQL", "wql"):
             self.valid(ALERT, "CIM_AlertIndication", "*", "-q", language)
-        self.invalid(ALERT, "'SQL' is no language of filters: use DMTF:CQL, CQL or WQL", "--language", "SQL")
+        self.invalid(ALERT, "'SQL' is not a filter language: use DMTF:CQL, CQL or WQL", "--language", "SQL")
 
     def test_namespaces(self):
         self.valid(ALERT, "CIM_AlertIndication", "*", "-n", "root/interop")
@@ -116,33 +116,33 @@ class Valid(ValidateCase):
 class Invalid(ValidateCase):
     def test_a_text_without_quotes_is_taken_for_a_property(self):
         self.invalid(ALERT + " WHERE OwningEntity = BROCADE",
-                     "BROCADE is no property of CIM_AlertIndication: did you mean 'BROCADE'? (line 1, column 56)")
+                     "BROCADE is not a property of CIM_AlertIndication: did you mean 'BROCADE'? (line 1, column 56)")
 
     def test_a_text_in_double_quotes(self):
         self.invalid(ALERT + ' WHERE OwningEntity = ^"SNIA"',
                      "unexpected token '\"' found: did you mean 'SNIA'? (line 1, column 56)",
-                     hint="texts stand in single quotes: 'SNIA'")
+                     hint="text goes in single quotes: 'SNIA'")
 
     def test_a_property_that_is_nearly_right(self):
         for written, meant in (("OwningEntty", "OwningEntity"), ("owningentities", "OwningEntity"),
                                ("MesageID", "MessageID"), ("MessageDI", "MessageID")):
             self.invalid(f"{ALERT} WHERE {written} = 'x'",
-                         f"{written} is no property of CIM_AlertIndication: did you mean {meant}? (line 1, column 41)")
+                         f"{written} is not a property of CIM_AlertIndication: did you mean {meant}? (line 1, column 41)")
         self.invalid("SELECT a.EvntID FROM CIM_AlertIndication AS a",
-                     "EvntID is no property of CIM_AlertIndication: did you mean EventID? (line 1, column 10)")
+                     "EvntID is not a property of CIM_AlertIndication: did you mean EventID? (line 1, column 10)")
 
     def test_nothing_is_near(self):
         self.invalid(ALERT + " WHERE Temperature > 5",
-                     "Temperature is no property of CIM_AlertIndication (line 1, column 41)")
+                     "Temperature is not a property of CIM_AlertIndication (line 1, column 41)")
 
     def test_a_class_that_is_nearly_right_is_the_cause_of_all_else(self):
         self.invalid("SELECT MessageID FROM CIM_AlertIndicaton WHERE MessageID = 'x'",
-                     "CIM_AlertIndicaton is no class of root/cimv2: did you mean CIM_AlertIndication? (line 1, column 23)")
+                     "CIM_AlertIndicaton is not a class of root/cimv2: did you mean CIM_AlertIndication? (line 1, column 23)")
 
     def test_a_class_of_another_namespace(self):
         path = self.write("other.mof", '#pragma namespace("root/other")\nclass XYZ_There { [Key] string Id; };\n')
         self.invalid("SELECT * FROM XYZ_There",
-                     "XYZ_There is no class of root/cimv2 but one of root/other (line 1, column 15)", "-m", path)
+                     "XYZ_There is not a class of root/cimv2 but one of root/other (line 1, column 15)", "-m", path)
 
     def test_a_property_of_several_classes(self):
         self.invalid("SELECT * FROM CIM_AlertIndication AS a, CIM_InstCreation WHERE IndicationTime = 'x'",
@@ -161,10 +161,10 @@ class Invalid(ValidateCase):
                      "CIM_InstModification.SourceInstance (line 1, column 8)")
 
     def test_what_was_passed_over_may_be_the_cause(self):
-        over = "; passed over, since the language does not know it: "
+        over = "; skipped, since the language does not know it: "
         self.invalid(ALERT + " WHERE OwningEntity = ^\u2018SNIA\u2019",
-                     f"SNIA is no property of CIM_AlertIndication (line 1, column 57){over}\u2018 (line 1, column 56), "
-                     "\u2019 (line 1, column 61)", hint="a text stands in plain single quotes: 'SNIA'")
+                     f"SNIA is not a property of CIM_AlertIndication (line 1, column 57){over}\u2018 (line 1, column 56), "
+                     "\u2019 (line 1, column 61)", hint="text goes in plain single quotes: 'SNIA'")
         self.invalid(ALERT + " WHERE PerceivedSeverity \u2265 4", f"unexpected token '4' found (line 1, column 61){over}\u2265 "
                      "(line 1, column 59)")
         result = self.validate(ALERT + " WHERE " + "\u2265" * 1000 + "4 5")
@@ -172,17 +172,17 @@ class Invalid(ValidateCase):
         self.assertTrue(result.out.startswith(f"invalid\tunexpected token '5' found (line 1, column 1043){over}\u2265 (line 1, "
                                               "column 41), \u2265 (line 1, column 42)"), result.out)
         self.assertTrue(result.out.endswith("\u2265 (line 1, column 60) and 980 more\n"), result.out)
-        self.invalid(ALERT + "\u2019", "'SQL' is no language of filters: use DMTF:CQL, CQL or WQL", "-q", "SQL")
+        self.invalid(ALERT + "\u2019", "'SQL' is not a filter language: use DMTF:CQL, CQL or WQL", "-q", "SQL")
 
     def test_the_name_at_fault_and_not_what_is_spelled_like_it(self):
         self.invalid("SELECT MessageID AS Wheels FROM CIM_AlertIndication WHERE EventID = 'Wheels' AND Wheels = 1",
-                     "Wheels is no property of CIM_AlertIndication (line 1, column 82)")
+                     "Wheels is not a property of CIM_AlertIndication (line 1, column 82)")
         self.invalid("SELECT MAX(a.EventID) AS Wheels, MAX(a.Wheels) AS m FROM CIM_AlertIndication AS a",
-                     "Wheels is no property of CIM_AlertIndication (line 1, column 40)")
+                     "Wheels is not a property of CIM_AlertIndication (line 1, column 40)")
         self.invalid("SELECT a.EventID AS Nobody, Nobody.EventID FROM CIM_AlertIndication AS a",
                      "Nobody is neither a class of FROM nor a property that holds an object (line 1, column 29)")
         self.invalid("SELECT i.SourceInstance AS Wheels, i.Wheels.XYZ_Volume::Size FROM CIM_InstCreation AS i",
-                     "Wheels is no property of CIM_InstCreation (line 1, column 38)")
+                     "Wheels is not a property of CIM_InstCreation (line 1, column 38)")
         self.invalid("SELECT COUNT(EventID) AS n, MessageID FROM CIM_AlertIndication",
                      "Combining Aggregate and NonAggregate expressions is not allowed. (line 1, column 29)")
 
@@ -190,7 +190,7 @@ class Invalid(ValidateCase):
         self.invalid(ALERT + "\n WHERE EventID = 'größe' AND\n  EventID ~ 1",
                      "unexpected token '~' found (line 3, column 11)")
         self.invalid("SELECT EventID FROM CIM_AlertIndication\n WHERE OwningEntity = 'größe' AND Evnt = 1",
-                     "Evnt is no property of CIM_AlertIndication (line 2, column 35)")
+                     "Evnt is not a property of CIM_AlertIndication (line 2, column 35)")
 
     def test_the_end_of_the_text(self):
         self.invalid("", "'SELECT' expected (line 1, column 1, at the end)")
@@ -224,33 +224,33 @@ class Warnings(ValidateCase):
                     "MessageID holds no object: it never matches (line 1, column 41)",
                     "SystemName holds no object: it never matches (line 1, column 68)")
         self.warned("SELECT * FROM CIM_InstCreation AS i WHERE i.Wheels = 'x'",
-                    "Wheels is no property of CIM_InstCreation: it never matches (line 1, column 45)")
+                    "Wheels is not a property of CIM_InstCreation: it never matches (line 1, column 45)")
         self.warned("SELECT * FROM CIM_InstCreation WHERE SourceInstance ISA CIM_AlertIndicatoin",
-                    "CIM_AlertIndicatoin is no class of root/cimv2: did you mean CIM_AlertIndication? (line 1, column 57)")
+                    "CIM_AlertIndicatoin is not a class of root/cimv2: did you mean CIM_AlertIndication? (line 1, column 57)")
         self.warned("SELECT * FROM CIM_InstCreation WHERE SourceInstance ISA 'CIM_AlertIndicatoin'",
-                    "CIM_AlertIndicatoin is no class of root/cimv2: did you mean CIM_AlertIndication? (line 1, column 57)")
+                    "CIM_AlertIndicatoin is not a class of root/cimv2: did you mean CIM_AlertIndication? (line 1, column 57)")
 
     def test_names_behind_an_embedded_path(self):
         creation = "SELECT * FROM CIM_InstCreation WHERE "
         for condition, warning in (
                 ("SourceInstance.XYZ_Volume::Sise > 3",
-                 "Sise is no property of XYZ_Volume: it never matches; did you mean Size? (line 1, column 65)"),
+                 "Sise is not a property of XYZ_Volume: it never matches; did you mean Size? (line 1, column 65)"),
                 ("SourceInstance.XYZ_Volum::Size > 3",
-                 "XYZ_Volum is no class of root/cimv2: did you mean XYZ_Volume? (line 1, column 53)"),
+                 "XYZ_Volum is not a class of root/cimv2: did you mean XYZ_Volume? (line 1, column 53)"),
                 ("ANY SourceInstance.XYZ_Volume::OperatinalStatus[*] = 2",
-                 "OperatinalStatus is no property of XYZ_Volume: it never matches; did you mean OperationalStatus? "
+                 "OperatinalStatus is not a property of XYZ_Volume: it never matches; did you mean OperationalStatus? "
                  "(line 1, column 69)"),
                 ("SourceInstance ISA XYZ_Volume AND SourceInstance.Wheels > 3",
-                 "Wheels is no property of XYZ_Volume: it never matches (line 1, column 87)"),
+                 "Wheels is not a property of XYZ_Volume: it never matches (line 1, column 87)"),
                 ("Nowhere::IndicationTime = IndicationTime",
-                 "Nowhere is no class of root/cimv2: a scope is not looked at here (line 1, column 38)"),
+                 "Nowhere is not a class of root/cimv2: a scope is not looked at here (line 1, column 38)"),
                 ("XYZ_Volume::IndicationTime = IndicationTime",
-                 "XYZ_Volume is no class of FROM: a scope is not looked at here (line 1, column 38)")):
+                 "XYZ_Volume is not a class of FROM: a scope is not looked at here (line 1, column 38)")):
             self.assertEqual(self.schema_warnings(creation + condition), [warning], condition)
         path = self.write("held.mof", 'class XYZ_Inner { [Key] uint8 Id; }; class XYZ_Outer { [Key] uint8 Id; '
                                       '[EmbeddedInstance("XYZ_Inner")] string Held; };\n')
         result = self.validate("-m", path, "SELECT * FROM XYZ_Outer AS o WHERE o.Held.Idd = 3")
-        self.assertIn("warning: Idd is no property of XYZ_Inner: it never matches; did you mean Id? (line 1, column 43)\n",
+        self.assertIn("warning: Idd is not a property of XYZ_Inner: it never matches; did you mean Id? (line 1, column 43)\n",
                       result.err)
 
     def test_names_that_an_embedded_object_may_have(self):
@@ -297,12 +297,12 @@ class Warnings(ValidateCase):
                 ("Big > -(1)", "Big" + signs.format(27)), ("Big > Plain - 1", "Big" + signs.format(27)),
                 ("Big * 100 / 7 = 2",
                  'Operators of one level group to the right: this is "Big * (100 / 7)" (line 1, column 31)'),
-                ("-(Plain + 1) < 2", '"-(Plain + 1)" cannot be computed: a uint64 is not negated. Write 0 - (Plain + 1) '
+                ("-(Plain + 1) < 2", '"-(Plain + 1)" cannot be computed: a uint64 cannot be negated. Write 0 - (Plain + 1) '
                                      "(line 1, column 27)")):
             result = self.validate("--no-live", "-m", path, "SELECT * FROM XYZ_N WHERE " + condition)
             self.assertEqual(result.err, f"qorql: warning: {warning}\n", condition)
         result = self.validate("--no-live", "-m", path, "SELECT * FROM XYZ_N WHERE Small > -9223372036854775808")
-        self.assertIn("warning: Behind a minus 9223372036854775808 fits no type: it stands for another number or null "
+        self.assertIn("warning: After a minus 9223372036854775808 fits no type: it stands for another number or null "
                       "(line 1, column 36)\n",
                       result.err)
         for condition in ("Big > 1", "Big = Plain", "Small > -1", "Small < 9223372036854775807", "Rough > 0.5", "Big > -1.5",
@@ -359,7 +359,7 @@ class Warnings(ValidateCase):
                     "MessageArguments is an array: it never matches; to ask its elements write ANY a.MessageArguments[*] "
                     "(line 1, column 78)")
         self.warned(ALERT + " WHERE ANY EventID = 'x'",
-                    "EventID is no array, which ANY and EVERY ask: it never matches (line 1, column 45)")
+                    "EventID is not an array, which ANY and EVERY need: it never matches (line 1, column 45)")
         self.warned(ALERT + " WHERE ANY MessageArguments[*] = MessageArguments",
                     "MessageArguments is an array, and an element does not compare with one: it never matches "
                     "(line 1, column 67)")
@@ -389,7 +389,7 @@ class Warnings(ValidateCase):
                         "ISA asks a property of the instance itself, without path, scope and index: any other never "
                         "matches (line 1, column 38)")
         self.warned("SELECT * FROM CIM_InstCreation AS i WHERE i.Inner ISA CIM_AlertIndication",
-                    "Inner is no property of CIM_InstCreation: it never matches (line 1, column 45)")
+                    "Inner is not a property of CIM_InstCreation: it never matches (line 1, column 45)")
         self.warned("SELECT * FROM CIM_InstCreation WHERE 'Source' ISA CIM_AlertIndication",
                     "ISA asks a property of the indication itself, and Source is none: it never matches "
                     "(line 1, column 38)")
@@ -398,14 +398,14 @@ class Warnings(ValidateCase):
         self.warned("SELECT * FROM CIM_InstCreation WHERE 'Source' + 'Instance' ISA CIM_AlertIndication")
 
     def test_characters_that_the_language_does_not_know(self):
-        self.warned(ALERT + " | WHERE EventID = 'a'", "passed over, since the language does not know it: | (line 1, column 35)")
-        self.warned(ALERT + " 'open\n WHERE EventID = 'a'", "passed over: a string that does not end in its line (line 1, column 35)")
+        self.warned(ALERT + " | WHERE EventID = 'a'", "skipped, since the language does not know it: | (line 1, column 35)")
+        self.warned(ALERT + " 'open\n WHERE EventID = 'a'", "skipped: a string that is not closed on its line (line 1, column 35)")
 
 
 class Files(ValidateCase):
     FILTERS = (ALERT + "\r\n\n  SELECT * FROM Nope\n" + ALERT + " WHERE NOT EventID = 'a'\n").encode()
     LINES = ("valid\tCIM_AlertIndication\t*\tline 1\n"
-             "invalid\tNope is no class of root/cimv2 (line 3, column 17)\tline 3\n"
+             "invalid\tNope is not a class of root/cimv2 (line 3, column 17)\tline 3\n"
              "valid\tCIM_AlertIndication\t*\tline 4\n")
     WARNING = ("qorql: warning: line 4: a condition under NOT never matches (line 4, column 41)\n"
                "qorql: 3 filters: 2 valid (1 with warnings), 1 invalid\n")

@@ -267,7 +267,7 @@ class End(ToolCase):
 
     def test_a_filter_that_is_not_valid(self):
         self.refused(self.watch("SELECT * FROM CIM_InstCreations"), 1,
-                     "qorql: error: the filter is not valid: CIM_InstCreations is no class of root/cimv2: "
+                     "qorql: error: the filter is not valid: CIM_InstCreations is not a class of root/cimv2: "
                      "did you mean CIM_InstCreation? (line 1, column 15)")
 
     def test_a_fuller_schema_of_indications(self):
@@ -294,13 +294,13 @@ class End(ToolCase):
         for text in ("nan", "inf", "1e400", "0.0099", "86400.5", "1s", " 1", ""):
             with self.subTest(interval=text):
                 self.refused(self.run_tool("watch", "--count", "1", "--interval", text, creation), 2,
-                             f"qorql: --interval: '{text}' is no number in the range 0.01 to 86400\n"
+                             f"qorql: --interval: '{text}' is not a number from 0.01 to 86400\n"
                              "Try qorql watch --help.")
         for option in ("--count", "--limit"):
             for text in ("18446744073709551616", "99999999999999999999", "1.5", "0x10", "nan", "0"):
                 with self.subTest(option=option, text=text):
                     self.refused(self.run_tool("watch", option, text, creation), 2,
-                                 f"qorql: {option}: '{text}' is no whole number from 1 on\n"
+                                 f"qorql: {option}: '{text}' is not a whole number of 1 or more\n"
                                  "Try qorql watch --help.")
 
     def test_help(self):

@@ -77,7 +77,7 @@ bool endsEarly(const Case& one) {
 
 // Takes the lines at the front that tell what the scanner echoes elsewhere; false when there is none.
 bool takePassedOver(std::string& err) {
-  constexpr std::string_view kPassedOver = "qorql: warning: passed over";
+  constexpr std::string_view kPassedOver = "qorql: warning: skipped";
   bool isFound = false;
   for (; err.starts_with(kPassedOver); isFound = true) err.erase(0, err.find('\n') + 1);
   return isFound;

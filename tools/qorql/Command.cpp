@@ -46,7 +46,7 @@ class HelpFormatter : public CLI::Formatter {
 };
 
 std::string listOfCommands() {
-  std::string list = "Commands (qorql COMMAND --help tells more):\n";
+  std::string list = "Commands (see qorql COMMAND --help):\n";
   for (const Command& command : allCommands()) {
     std::string line = "  " + std::string(command.name);
     line.resize(std::max<std::size_t>(line.size() + 2, 14), ' ');

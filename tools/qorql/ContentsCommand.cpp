@@ -22,11 +22,11 @@
 namespace {
 
 constexpr const char* kDescription =
-    "Tells what there is: the namespaces, the classes that have instances with their numbers, and\n"
+    "Shows what there is: the namespaces, the classes that have instances with their numbers, and\n"
     "the classes that associations tie, with the roles in which they do.";
 constexpr const char* kFooter =
     "PATTERN is a part of a class's name or, with * ? [ ] in it, the whole name; case does not\n"
-    "matter. An association is told where it or a class that it ties matches. Unless --namespace\n"
+    "matter. An association is listed when it or a class that it ties matches. Unless --namespace\n"
     "names one, all namespaces are listed. Live classes are asked for all their instances.\n"
     "Exit status: 0 done; 2 wrong usage; 3 MOF, configuration or provider failure, after which the\n"
     "other classes are listed all the same.\n"

@@ -98,7 +98,7 @@ void printMofFaults(const std::vector<MofDiagnostic>& faults) {
   const char* kind = "qorql: error: ";
   for (const MofDiagnostic& fault : faults) printMofFault(fault, std::exchange(kind, ""));
   if (faults.size() >= MofException::kMaximumFaults) {
-    std::cerr << "No more than " << MofException::kMaximumFaults << " faults are told at once.\n";
+    std::cerr << "No more than " << MofException::kMaximumFaults << " faults are shown at once.\n";
   }
 }
 

@@ -156,7 +156,8 @@ CommandAction declareExplainCommand(CLI::App& app) {
   const auto options = std::make_shared<ExplainOptions>();
   describeCommand(app, kDescription, kFooter);
   declareSessionOptions(app, options->session);
-  declareFlag(app, "--strict", options->isStrict, "Refuse statements that would be warned of; none is explained then");
+  declareFlag(app, "--strict", options->isStrict,
+              "Refuse statements that would cause a warning; none is explained then");
   declareValue(app, {.names = "QUERY",
                      .description = "One statement, or several separated by \";\"",
                      .take = keepIn(options->query),

@@ -23,7 +23,7 @@ void declareFilterOutput(CLI::App& app, FilterOutput& output) {
 void declareFilterTexts(CLI::App& app, FilterTexts& texts) {
   declareValue(app, {.names = "--filters",
                      .type = "FILE",
-                     .description = "Ask the filters of a file in place of FILTER",
+                     .description = "Use the filters of a file instead of FILTER",
                      .take = keepIn(texts.file),
                      .check = checkFile});
   declareValue(app, {.names = "FILTER", .description = "The filter", .take = [&texts](const std::string& given) {
@@ -37,5 +37,5 @@ void declareFilterOptions(CLI::App& app, FilterOptions& options) {
                      .type = "LANGUAGE",
                      .description = "Language of the filter (default: DMTF:CQL; also CQL and WQL)",
                      .take = keepIn(options.language)});
-  declareFlag(app, "--strict", options.isStrict, "Refuse filters that would be warned of");
+  declareFlag(app, "--strict", options.isStrict, "Refuse filters that would cause a warning");
 }

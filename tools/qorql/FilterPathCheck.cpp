@@ -48,7 +48,7 @@ class FilterPathCheck::Walk {
     for (const FromNames::Source& source : _check._from.sources()) {
       if (_check._family.isA(QORString(source.className), asked)) return;
     }
-    add(scope() + " is no class of FROM: a scope is not looked at here", *_path.scope);
+    add(scope() + " is not a class of FROM: a scope is not looked at here", *_path.scope);
   }
 
   // A schema need not be complete, but a name that is almost that of a class is probably a mistake.
@@ -61,7 +61,7 @@ class FilterPathCheck::Walk {
   }
 
   void addUnknownScope(const std::string& consequence) {
-    add(scope() + " is no class of " + std::string(_check._nameSpace.view()) + ": " + consequence, *_path.scope);
+    add(scope() + " is not a class of " + std::string(_check._nameSpace.view()) + ": " + consequence, *_path.scope);
   }
 
   // The class of the objects that a property holds becomes the next holder. Returns false when nothing more is known.
@@ -94,7 +94,7 @@ class FilterPathCheck::Walk {
 
   void addUnknownProperty(std::size_t index) {
     const std::string meant = _check._family.nearestProperty(QORString(_holder), nameAt(index));
-    add(nameAt(index) + " is no property of " + _holder + kNever +
+    add(nameAt(index) + " is not a property of " + _holder + kNever +
             (meant.empty() ? "" : "; did you mean " + meant + "?"),
         _path.names[index]);
   }

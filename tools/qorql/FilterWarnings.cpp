@@ -170,7 +170,8 @@ void FilterWarnings::Visitor::checkClass(const StatementReference::Name& name) {
   if (CQLQueryValidator::findClass(_nameSpace, QORString(name.text))) return;
   const std::string meant = ClassFamily(_manager, _nameSpace).nearestClass(name.text);
   if (meant.empty()) return;
-  warn(name.text + " is no class of " + std::string(_nameSpace.view()) + ": did you mean " + meant + "?", name.offset);
+  warn(name.text + " is not a class of " + std::string(_nameSpace.view()) + ": did you mean " + meant + "?",
+       name.offset);
 }
 
 void FilterWarnings::Visitor::checkComparison(const QORQL_Comparison& comparison) {
@@ -217,7 +218,7 @@ bool FilterWarnings::Visitor::warnOfReal32(const FilterSide& side, const FilterS
 bool FilterWarnings::Visitor::warnOfAsking(const FilterSide& side) {
   if (!side.isAsked || side.isArray || side.kind == Kind::Unknown) return false;
   const std::string name = side.property.empty() ? "a " + side.type : side.property;
-  warn(name + " is no array, which ANY and EVERY ask: it never matches", side.offset);
+  warn(name + " is not an array, which ANY and EVERY need: it never matches", side.offset);
   return true;
 }
 

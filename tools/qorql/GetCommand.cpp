@@ -18,8 +18,8 @@
 namespace {
 
 constexpr const char* kDescription =
-    "Prints the instance that a path names, as MOF text or JSON. Of the keys as many are needed as\n"
-    "tell the instance from others.";
+    "Prints the instance that a path names, as MOF text or JSON. Keys may be left out as\n"
+    "long as the others identify the instance.";
 constexpr const char* kFooter =
     "Exit status: 0 done; 1 there is no such instance, or more than one; 2 wrong usage; 3 MOF,\n"
     "configuration or provider failure.\n"

@@ -85,7 +85,7 @@ class FittingClasses {
     std::string text = "Without ";
     for (std::size_t i = 0; i < _leftOut.size() && i < kMaximumNames; ++i) text += (i == 0 ? "" : ", ") + _leftOut[i];
     if (_leftOut.size() > kMaximumNames) text += " and " + std::to_string(_leftOut.size() - kMaximumNames) + " more";
-    return text + ", which the MOF files leave no room for: " + _reason;
+    return text + ", which cannot be combined with the MOF files: " + _reason;
   }
 
   bool isLeftOut(const QORString& name) const {

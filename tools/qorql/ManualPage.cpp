@@ -98,7 +98,7 @@ void printManualPage() {
   std::cout << ".TH QORQL 1 \"\" \"qorql " << roff(versionText()) << "\" \"User Commands\"\n"
             << ".SH NAME\nqorql \\- query CIM instances\n.SH SYNOPSIS\n"
             << synopsis(*first.app) << ".br\n.B qorql\n\\fICOMMAND\\fR [OPTIONS] ...\n"
-            << ".SH OPTIONS\nEvery command but pages takes these; the others stand with their command.\n";
+            << ".SH OPTIONS\nEvery command except pages takes these; the others are listed with their command.\n";
   for (const CLI::Option* option : session.app().get_options()) {
     if (option != session.app().get_help_ptr()) printOption(*option);
   }

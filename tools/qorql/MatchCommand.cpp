@@ -24,7 +24,7 @@ constexpr const char* kFooter =
     "comes with --mof. The instances need no keys and are not stored. Prints a line for each:\n"
     "its path, a tab, and \"match\" or \"no match\". With --filters many filters are asked\n"
     "together, and the names of those that match, or the numbers of their lines, follow the tab,\n"
-    "joined by commas. An instance without keys is told by its number among all that are read.\n"
+    "joined by commas. An instance without keys is identified by its number among all read.\n"
     "\n"
     "Exit status: 0 every instance was decided; 1 a filter is not valid; 2 wrong usage;\n"
     "3 MOF or configuration failure.\n"
@@ -141,7 +141,7 @@ std::vector<Instances> readAll(FilterSession& session, const std::vector<std::st
 int reportUnread(const UnreadInstances& refusal, bool isQuiet) {
   const int status = reportStartFailure();
   if (!isQuiet && isOfSchema(refusal)) {
-    printHint({"", "a schema is given by --mof FILE; the files behind the filter hold instances"}, "");
+    printHint({"", "a schema is given by --mof FILE; the files after the filter hold instances"}, "");
   }
   return status;
 }
@@ -192,7 +192,7 @@ CommandAction declareMatchCommand(CLI::App& app) {
   describeCommand(app, kDescription, kFooter);
   declareFilterOptions(app, options->filter);
   declareFilterOutput(app, options->output);
-  declareFlag(app, "--why", options->isWhy, "Tell the first condition that failed and the values it compared");
+  declareFlag(app, "--why", options->isWhy, "Show the first condition that failed and the values it compared");
   declareFilterTexts(app, options->asked);
   declareValue(app, {.names = "FILE",
                      .description = "MOF files with instances",

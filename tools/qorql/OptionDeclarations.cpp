@@ -58,7 +58,7 @@ QORuint64 parseCount(const std::string& given) noexcept {
 }
 
 std::string checkCount(const std::string& given) {
-  return parseCount(given) != 0 ? "" : "'" + given + "' is no whole number from 1 on";
+  return parseCount(given) != 0 ? "" : "'" + given + "' is not a whole number of 1 or more";
 }
 
 double parseSeconds(const std::string& given) noexcept {

@@ -64,7 +64,7 @@ ValueCheck oneOf(const std::map<std::string, Value>& choices) {
   std::string names;
   for (const auto& choice : choices) names += (names.empty() ? "" : ", ") + choice.first;
   return [names, &choices](const std::string& given) {
-    return choices.contains(given) ? std::string() : "'" + given + "' is none of " + names;
+    return choices.contains(given) ? std::string() : "'" + given + "' is not one of " + names;
   };
 }
 

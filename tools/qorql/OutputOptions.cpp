@@ -28,7 +28,7 @@ void declareOutputOptions(CLI::App& app, OutputOptions& options) {
   declareFlag(app, "--values", options.hasValueTexts, "Show codes with their texts, as 2 (OK), not in MOF and XML");
   declareFlag(app, "--stats", options.hasStatistics, "Print counts and times of each statement to standard error");
   declareFlag(app, "--warnings", options.hasWarnings, "Warn where the language surprises, as on a terminal");
-  declareFlag(app, "--strict", options.isStrict, "Refuse statements that would be warned of; nothing is run then");
+  declareFlag(app, "--strict", options.isStrict, "Refuse statements that would cause a warning; nothing is run then");
   declareValue(app, {.names = "--timeout",
                      .type = "SECONDS",
                      .description = "Stop a statement that takes longer; fractions count",

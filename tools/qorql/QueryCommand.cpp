@@ -125,6 +125,6 @@ CommandAction declareQueryCommand(CLI::App& app) {
                {.names = "QUERY", .description = "One statement, or several separated by \";\"", .take = takeQuery});
   declareOutputOptions(app, options->output);
   declareNoPager(app, options->session.hasNoPager);
-  declareVersionFlag(app, "--version", std::string("qorql ") + versionText(), "Print the version and end");
+  declareVersionFlag(app, "--version", std::string("qorql ") + versionText(), "Print the version and exit");
   return [options] { return runQuery(*options); };
 }

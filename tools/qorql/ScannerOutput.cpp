@@ -37,7 +37,7 @@ class PassedOver {
       at = end;
     }
     std::vector<std::string> sentences;
-    if (!_unknown.empty()) sentences.push_back("passed over, since the language does not know it: " + _unknown);
+    if (!_unknown.empty()) sentences.push_back("skipped, since the language does not know it: " + _unknown);
     if (_characterCount > kMostTold)
       sentences.back() += " and " + std::to_string(_characterCount - kMostTold) + " more";
     for (std::size_t i = 0; i < std::min(openStrings, _openStrings.size()); ++i) sentences.push_back(_openStrings[i]);
@@ -52,7 +52,7 @@ class PassedOver {
     if (end == std::string_view::npos) return false;
     const bool isOpen = _text[end] == '\n';
     if (isOpen && _openStrings.size() < kMostTold) {
-      _openStrings.push_back("passed over: a string that does not end in its line (" + _places.place(at) + ")");
+      _openStrings.push_back("skipped: a string that is not closed on its line (" + _places.place(at) + ")");
     }
     at = isOpen ? end : end + 1;
     return true;

@@ -71,7 +71,7 @@ void declareSessionOptions(CLI::App& app, SessionOptions& options) {
   declareExclusion(app, "--no-cache", "--cache");
   declareFlag(app, "--lenient", options.isLenient, "Load what is sound of the MOF files, and warn of the rest");
   declareExclusion(app, "--lenient", "--cache");
-  declareFlag(app, "--no-live", options.hasNoLiveClasses, "Without the live classes of this machine");
+  declareFlag(app, "--no-live", options.hasNoLiveClasses, "Leave out the live classes of this machine");
   declareConfiguration(app, options);
   declareFlag(app, "--quiet", options.isQuiet, "No warnings, no progress line");
   const auto takeLevel = [&options](const std::string& level) { options.logSeverity = kLogLevels.at(level); };

@@ -137,7 +137,7 @@ void chooseForm(Argument name, ShellState& state) {
   if (name.empty()) {
     std::cout << current << " (of " << names << ")\n";
   } else {
-    complain("'" + name + "' is none of " + names);
+    complain("'" + name + "' is not one of " + names);
   }
 }
 
@@ -162,7 +162,7 @@ void explain(Argument query, ShellState& state) {
 // Without an argument the setting is toggled.
 void toggle(Argument argument, const char* what, bool& isOn) {
   if (!argument.empty() && argument != "on" && argument != "off") {
-    complain("'" + argument + "' is none of off, on");
+    complain("'" + argument + "' is not one of off, on");
     return;
   }
   isOn = argument.empty() ? !isOn : argument == "on";
@@ -203,7 +203,7 @@ void printHelp(Argument /*argument*/, ShellState& /*state*/) {
     std::cout << line << command.description << '\n';
   }
   std::cout << "\nAnything else is a statement, which ends with \";\" and may take several lines.\n"
-               "Tab completes, Ctrl-R searches the history, Ctrl-C stops a statement that runs.\n";
+               "Tab completes, Ctrl-R searches the history, Ctrl-C stops a running statement.\n";
 }
 
 std::string nameOf(std::string_view line) {

@@ -24,7 +24,7 @@ bool isRelation(const StatementText& text, std::size_t piece) {
 
 StatementFault::Description StatementFault::describe(const CQLQueryFault& fault) const {
   if (fault.kind == CQLQueryFault::kLanguage) {
-    return {"'" + plain(fault.name) + "' is no language of filters: use DMTF:CQL, CQL or WQL"};
+    return {"'" + plain(fault.name) + "' is not a filter language: use DMTF:CQL, CQL or WQL"};
   }
   if (fault.kind == CQLQueryFault::kSyntax) return {describeSyntax(fault), fault.offset};
   // A class that does not exist has no properties either: it is the cause.
@@ -61,7 +61,7 @@ const StatementText::Source* StatementFault::unknownSource() const {
 
 std::string StatementFault::describeClass(const StatementText::Source& source) const {
   const std::string place = " (" + _text.place(source.offset) + ")";
-  std::string reason = source.className + " is no class of " + plain(_nameSpace);
+  std::string reason = source.className + " is not a class of " + plain(_nameSpace);
   for (const QORString& other : _manager.namespaces()) {
     if (_manager.sink().findClass(other, QORString(source.className)).IsNull()) continue;
     reason.append(" but one of ").append(other.view());
@@ -120,19 +120,19 @@ StatementFault::Description StatementFault::describeProperty(const CQLQueryFault
   const auto namesake = _manager.sink().findClass(_nameSpace, QORString(name));
   if (!namesake.IsNull()) {
     const bool isAssociation = namesake->getQualifier("Association", true) != nullptr;
-    return {name + " is a class and no property of " + namesOf(classes) +
+    return {name + " is a class, not a property of " + namesOf(classes) +
                 (isAssociation ? ": an association is written " + name + " = a AND " + name + " = b" : "") +
                 placeOf(fault),
             fault.offset};
   }
   const std::string below = plain(holderBelow(fault.name, classes));
   if (!below.empty()) {
-    return {name + " is no property of " + namesOf(classes) + " but of " + below + ", a subclass" + placeOf(fault),
+    return {name + " is not a property of " + namesOf(classes) + " but of " + below + ", a subclass" + placeOf(fault),
             fault.offset};
   }
   std::string meant = suggestProperty(name, classes);
   if (meant.empty() && looksLikeText(fault)) meant = "'" + name + "'";
-  return {name + " is no property of " + namesOf(classes) + didYouMean(meant) + placeOf(fault), fault.offset,
+  return {name + " is not a property of " + namesOf(classes) + didYouMean(meant) + placeOf(fault), fault.offset,
           !meant.empty()};
 }
 
@@ -170,7 +170,7 @@ std::string StatementFault::describeQualifier(const CQLQueryFault& fault) const 
   if (!choices.empty()) {
     const std::string& choice = choices.front();
     return written + " is a property of " + choice.substr(0, choice.rfind('.')) +
-           " and no class of FROM: a query does not read what an object within holds" + placeOf(fault);
+           " and not a class of FROM: a query does not read the properties of embedded objects" + placeOf(fault);
   }
   QORQL_Suggestion suggestion(written);
   for (const StatementText::Source& source : _text.sources()) {

@@ -11,7 +11,7 @@
 #include "StatementText.h"
 
 // Names what is at fault, what may have been meant and where it stands:
-// "Owner is no property of CIM_AlertIndication: did you mean OwningEntity? (line 1, column 43)".
+// "Owner is not a property of CIM_AlertIndication: did you mean OwningEntity? (line 1, column 43)".
 // BORROWS all it is given.
 class StatementFault {
  public:

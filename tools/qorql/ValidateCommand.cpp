@@ -27,7 +27,7 @@ constexpr const char* kFooter =
     "Prints a line for each filter: \"valid\", the classes of FROM and the properties that the\n"
     "filter uses (* for all of them), or \"invalid\" and the reason; separated by tabs. Of a file\n"
     "or, without FILTER and --file, of standard input each filter's line and name follow.\n"
-    "A filter goes on in the lines that are indented under it; # begins a line of comment, and\n"
+    "A filter continues on the lines that are indented under it; # begins a comment line, and\n"
     "\"NAME: \" before a filter names it.\n"
     "\n"
     "Exit status: 0 every filter is valid; 1 one is not, or --strict refuses one; 2 wrong usage;\n"

@@ -26,7 +26,7 @@ constexpr const char* kDescription =
 constexpr const char* kFooter =
     "A new instance makes a CIM_InstCreation, one that is gone a CIM_InstDeletion, and one whose\n"
     "properties changed a CIM_InstModification; SourceInstance holds the instance and\n"
-    "PreviousInstance what it was before. Each that matches is printed as a JSON object in a line\n"
+    "PreviousInstance what it was before. Each that matches is printed as a JSON object on a line\n"
     "of its own, with the properties that SELECT names and that have a value. With --filters many\n"
     "filters are asked together, and \"filters\" holds the names of those that match, or the\n"
     "numbers of their lines.\n"
@@ -179,7 +179,7 @@ std::string checkInterval(const std::string& given) {
   constexpr double kLongest = 86400;
   const double seconds = parseSeconds(given);
   const bool isInRange = seconds >= kShortest && seconds <= kLongest;
-  return isInRange ? "" : "'" + given + "' is no number in the range 0.01 to 86400";
+  return isInRange ? "" : "'" + given + "' is not a number from 0.01 to 86400";
 }
 
 }  // namespace
@@ -190,17 +190,17 @@ CommandAction declareWatchCommand(CLI::App& app) {
   declareFilterOptions(app, options->filter);
   declareValue(app, {.names = "--interval",
                      .type = "SECONDS",
-                     .description = "Look every so many seconds (default: 1)",
+                     .description = "Seconds between two looks (default: 1)",
                      .take = [options](const std::string& given) { options->interval = parseSeconds(given); },
                      .check = checkInterval});
   declareValue(app, {.names = "--count",
                      .type = "N",
-                     .description = "End after so many looks",
+                     .description = "End after N looks",
                      .take = [options](const std::string& given) { options->count = parseCount(given); },
                      .check = checkCount});
   declareValue(app, {.names = "--limit",
                      .type = "N",
-                     .description = "End after so many indications",
+                     .description = "End after N indications",
                      .take = [options](const std::string& given) { options->limit = parseCount(given); },
                      .check = checkCount});
   declareFilterTexts(app, options->asked);

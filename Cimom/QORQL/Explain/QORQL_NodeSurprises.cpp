@@ -174,10 +174,10 @@ void QORQL_NodeSurprises::visitAssociation(const QORQL_Association& node) {
 
 void QORQL_NodeSurprises::addConditions(std::vector<QORQL_Surprise>& found) const {
   if (_like != nullptr) {
-    found.push_back({"LIKE-1",
-                     "LIKE searches for a plain text anywhere, with regard to case, and knows no wildcards: \"" +
-                         _texts.of(_like) + "\"",
-                     _like->getOffset()});
+    found.push_back(
+        {"LIKE-1",
+         "LIKE searches for plain text anywhere, case-sensitively and without wildcards: \"" + _texts.of(_like) + "\"",
+         _like->getOffset()});
   }
   if (_turned != nullptr) {
     found.push_back({"ARR-4",
@@ -191,8 +191,8 @@ void QORQL_NodeSurprises::addConditions(std::vector<QORQL_Surprise>& found) cons
   }
   if (_array != nullptr) found.push_back({"ARR-7", arrayText(), QORQL_startOf(arraySide())});
   if (_asked != nullptr) {
-    found.push_back({"ARR-5", "\"" + _texts.of(_asked) + "\" is null: what ANY or EVERY asks is no array",
-                     QORQL_startOf(askedSide())});
+    found.push_back(
+        {"ARR-5", "\"" + _texts.of(_asked) + "\" is null: ANY and EVERY need an array", QORQL_startOf(askedSide())});
   }
   if (_real32 != nullptr) found.push_back({"CMP-2", real32Text(), QORQL_startOf(real32Side())});
 }
@@ -251,18 +251,18 @@ void QORQL_NodeSurprises::addArithmetic(std::vector<QORQL_Surprise>& found) cons
   if (_negated != nullptr) {
     const std::string text = _texts.of(_negated);
     found.push_back({"ARITH-6",
-                     "\"" + text + "\" cannot be computed: a uint64 is not negated. Write 0 - " + text.substr(1),
+                     "\"" + text + "\" cannot be computed: a uint64 cannot be negated. Write 0 - " + text.substr(1),
                      _negated->getOffset()});
   }
   if (_tooLow != nullptr) {
     found.push_back({"LEX-6",
-                     "Behind a minus " + _texts.of(_tooLow) + " fits no type: it stands for another number or null",
+                     "After a minus " + _texts.of(_tooLow) + " fits no type: it stands for another number or null",
                      _tooLow->getOffset()});
   }
   if (_tooGreat != nullptr) {
     found.push_back({"LEX-6",
-                     std::string(digitsAt(*_tooGreat)) +
-                         " is more than any type of whole numbers holds: it stands for " + std::to_string(kGreatest),
+                     std::string(digitsAt(*_tooGreat)) + " is greater than any integer type holds: it stands for " +
+                         std::to_string(kGreatest),
                      _tooGreat->getOffset()});
   }
 }
@@ -272,7 +272,7 @@ void QORQL_NodeSurprises::addReferences(std::vector<QORQL_Surprise>& found) cons
     found.push_back({"AGG-2",
                      "\"" + _texts.of(_counted) +
                          "\" does not count where the condition is true: COUNT counts values that are not null, "
-                         "and false is one. Write the condition into WHERE",
+                         "and false is one. Write the condition in WHERE",
                      _counted->getOffset()});
   }
   if (_scope != nullptr) {
@@ -292,6 +292,6 @@ QORQL_Surprise QORQL_NodeSurprises::associationText() const {
   if (model.IsNull()) return {"ASSOC-6", start + "there is no class " + name, _association->getOffset(), name};
   return {"ASSOC-6",
           start + std::string(model->getClassName().view()) +
-              " is no association (two OBJECTPATHs that are compared are read as one, too)",
+              " is not an association (two OBJECTPATHs that are compared are read as one, too)",
           _association->getOffset()};
 }

@@ -148,7 +148,7 @@ class Surprises {
     if (const QORQL_Comparison* const join = _nodes->leftJoin()) {
       add("JOIN-4", join->getOffset(),
           "\"" + _texts.of(join) +
-              "\" gives rows too many: a left object that meets another before its partner gets one with nulls. "
+              "\" gives extra rows: a left object that meets another before its partner gets one with nulls. "
               "Write a right join (=*)");
     }
     const QORQL_Comparison* const outer = _nodes->outerJoin();

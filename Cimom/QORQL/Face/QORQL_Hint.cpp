@@ -37,7 +37,7 @@ Answer curlyQuote(const Scene& scene) {
       std::size_t end = text.size();
       for (const std::string_view close : kCurly) end = std::min(end, text.find(close, begin));
       const std::string inner = end < text.size() ? scene.slice(begin, end) : "text";
-      return Scene::Found{"a text stands in plain single quotes: '" + inner + "'", piece.offset};
+      return Scene::Found{"text goes in plain single quotes: '" + inner + "'", piece.offset};
     }
   }
   return {};
@@ -47,7 +47,7 @@ Answer openQuote(const Scene& scene) {
   for (const QORQL_TextPieces::Piece& piece : scene.pieces.all()) {
     if (piece.offset > scene.offset) break;
     const bool isOpen = piece.kind == Kind::Literal && (piece.text.size() < 2 || piece.text.back() != '\'');
-    if (isOpen) return Scene::Found{"the quote that opens here does not end in its line", piece.offset};
+    if (isOpen) return Scene::Found{"the quote that opens here is not closed on its line", piece.offset};
   }
   return {};
 }
@@ -56,7 +56,7 @@ Answer doubleQuote(const Scene& scene) {
   if (!scene.isSyntax() || !scene.is(scene.at, "\"")) return {};
   const std::size_t close = scene.pieces.text().find('"', scene.offset + 1);
   if (close == std::string_view::npos) return {};
-  return scene.here("texts stand in single quotes: '" + scene.slice(scene.offset + 1, close) + "'");
+  return scene.here("text goes in single quotes: '" + scene.slice(scene.offset + 1, close) + "'");
 }
 
 std::string inLowerCase(std::string text) {
@@ -80,7 +80,7 @@ Answer missingBlank(const Scene& scene) {
         std::all_of(word.begin(), word.begin() + static_cast<std::ptrdiff_t>(keyword.size()), isUpper);
     const bool isApart = isUpperBefore ? std::any_of(rest.begin(), rest.end(), isLower) : isUpper(rest.front());
     const bool isBy = QORString::equalIgnoringCase(rest, "BY");
-    if (isApart || isBy) return scene.here("a blank is missing: " + word.substr(0, keyword.size()) + " " + rest);
+    if (isApart || isBy) return scene.here("a space is missing: " + word.substr(0, keyword.size()) + " " + rest);
   }
   return {};
 }
@@ -91,21 +91,21 @@ struct ForeignWord {
   const char* word;
   const char* hint;
 };
-constexpr char kFirst[] = "the first rows alone are asked for by SELECT FIRST n ...";
+constexpr char kFirst[] = "to see the first rows only, write SELECT FIRST n ...";
 constexpr char kFrom[] =
-    "classes stand in FROM with commas between them; WHERE joins them, by values or through an association";
+    "list the classes in FROM, separated by commas; WHERE joins them, by values or through an association";
 constexpr ForeignWord kForeignWords[] = {
     {"LIMIT", kFirst},
     {"TOP", kFirst},
     {"DISTINCT", "there is no DISTINCT: every row is shown"},
-    {"HAVING", "there is no HAVING: an aggregate is of all rows"},
+    {"HAVING", "there is no HAVING: an aggregate covers all rows"},
     {"JOIN", kFrom},
     {"INNER", kFrom},
     {"CROSS", kFrom},
     {"LEFT", "an outer join is written in WHERE, as A.x *= B.y"},
     {"RIGHT", "an outer join is written in WHERE, as A.x =* B.y"},
     {"FULL", "an outer join is written in WHERE, as A.x *=* B.y"},
-    {"IN", "there is no IN: ask for one value after the other with ="},
+    {"IN", "there is no IN: ask for one value at a time with ="},
     {"BETWEEN", "there is no BETWEEN: write x >= least AND x <= greatest"},
     {"UNION", "there is no UNION: run one statement after the other"},
     {"OFFSET", kFirst},
@@ -125,7 +125,7 @@ Answer foreignWord(const Scene& scene) {
 // The command that prints what a later one may group.
 std::string groupingText(const Scene& scene, const std::string& column) {
   const std::string from = scene.word(scene.find("FROM") == kNowhere ? kNowhere : scene.find("FROM") + 1);
-  return "there is no GROUP BY: an aggregate is of all rows. A program behind it groups the rows: qorql -o jsonl "
+  return "there is no GROUP BY: an aggregate covers all rows. Another program groups the rows: qorql -o jsonl "
          "\"SELECT * FROM " +
          (from.empty() ? "Class" : from) + "\" | jq -s \"group_by(." + column + ")\"";
 }
@@ -165,15 +165,15 @@ Answer comparisonWithNull(const Scene& scene) {
   const bool isUnequal = scene.isOneOf(scene.at - 1, "<>", "!=");
   if (!isUnequal && !scene.is(scene.at - 1, "=")) return {};
   const std::string operand = scene.at > 1 ? scene.word(scene.at - 2) : "";
-  return Scene::Found{"NULL is asked for by IS: " + operand + (isUnequal ? " IS NOT NULL" : " IS NULL"),
+  return Scene::Found{"test for NULL with IS: " + operand + (isUnequal ? " IS NOT NULL" : " IS NULL"),
                       scene.offsetOf(scene.at - 1)};
 }
 
 Answer lateNot(const Scene& scene) {
   if (!scene.isSyntax() || !scene.is(scene.at, "NOT") || scene.at == 0) return {};
   if (!scene.isOneOf(scene.at + 1, "LIKE", "ISA", "ANY", "EVERY")) return {};
-  return scene.here("NOT stands before the comparison: NOT " + scene.word(scene.at - 1) + " " +
-                    scene.word(scene.at + 1) + " " + scene.word(scene.at + 2));
+  return scene.here("NOT goes before the comparison: NOT " + scene.word(scene.at - 1) + " " + scene.word(scene.at + 1) +
+                    " " + scene.word(scene.at + 2));
 }
 
 Answer doubleEquals(const Scene& scene) {
@@ -184,7 +184,7 @@ Answer doubleEquals(const Scene& scene) {
 
 Answer exclamationMark(const Scene& scene) {
   if (!scene.isSyntax() || !scene.is(scene.at, "!")) return {};
-  return scene.here("a condition is negated by NOT: NOT " + scene.word(scene.at + 1) + " = ...");
+  return scene.here("negate a condition with NOT: NOT " + scene.word(scene.at + 1) + " = ...");
 }
 
 // 1e8 and 1.5e+3: a real number has digits on both sides of its point, and its exponent no plus.
@@ -201,7 +201,7 @@ Answer exponent(const Scene& scene) {
   const bool hasPoint = scene.at > 2 && scene.is(scene.at - 2, ".") && all[scene.at - 3].kind == Kind::Number;
   const std::size_t begin = scene.at - (hasPoint ? 3 : 1);
   const std::string mantissa = scene.slice(scene.offsetOf(begin), scene.offset) + (hasPoint ? "" : ".0");
-  return Scene::Found{"a number with an exponent has a point before it and no plus in it: " + mantissa + word,
+  return Scene::Found{"a number with an exponent needs a decimal point and takes no plus sign: " + mantissa + word,
                       scene.offsetOf(begin)};
 }
 
@@ -220,27 +220,26 @@ Answer unknownFunction(const Scene& scene) {
 
 Answer countOfAll(const Scene& scene) {
   const bool isHere = scene.isSyntax() && scene.is(scene.at, "*") && scene.at >= 2 && scene.is(scene.at - 1, "(");
-  return isHere ? scene.here("an aggregate is of a property, as in COUNT(Name)") : Answer();
+  return isHere ? scene.here("an aggregate takes a property, as in COUNT(Name)") : Answer();
 }
 
 Answer unknownForm(const Scene& scene) {
   if (scene.fault.kind != Fault::kFormatUnknown) return {};
   const bool isOfTool = scene.isOneOf(scene.at, "JSON", "JSONL", "TABLE", "MOF");
   return scene.here(isOfTool
-                        ? "the forms of the language are QORIOBJECT, XML, HTML and CSV; qorql has more: qorql -o " +
+                        ? "the formats of the language are QORIOBJECT, XML, HTML and CSV; qorql has more: qorql -o " +
                               inLowerCase(scene.word(scene.at))
-                        : "the forms of the language are QORIOBJECT, XML, HTML and CSV");
+                        : "the formats of the language are QORIOBJECT, XML, HTML and CSV");
 }
 
 // --- statements that are none --------------------------------------------------------
 
-constexpr char kOnlyAsks[] = "the language only asks: a statement begins with SELECT";
+constexpr char kOnlyAsks[] = "the language only reads: every statement begins with SELECT";
 constexpr ForeignWord kForeignStatements[] = {
-    {"SHOW",
-     "classes are listed by qorql classes, and those with instances by qorql contents; in the shell by .tables"},
-    {"DESCRIBE", "a class is told by qorql describe CLASS, in the shell by .describe CLASS"},
-    {"DESC", "a class is told by qorql describe CLASS, in the shell by .describe CLASS"},
-    {"USE", "the namespace is chosen by the option --namespace, in the shell by .namespace"},
+    {"SHOW", "qorql classes lists the classes, and qorql contents those with instances; in the shell, .tables does"},
+    {"DESCRIBE", "qorql describe CLASS describes a class; in the shell, .describe CLASS does"},
+    {"DESC", "qorql describe CLASS describes a class; in the shell, .describe CLASS does"},
+    {"USE", "choose the namespace with the option --namespace, or in the shell with .namespace"},
     {"WITH", kOnlyAsks},
     {"INSERT", kOnlyAsks},
     {"UPDATE", kOnlyAsks},
@@ -266,7 +265,8 @@ Answer classAlone(const Scene& scene) {
     const auto isThis = [&](const QORString& name) { return scene.is(piece, name.view()); };
     const auto found = std::find_if(classes.begin(), classes.end(), isThis);
     if (found != classes.end())
-      return Scene::Found{"the objects of a class: SELECT * FROM " + textOf(*found), scene.offsetOf(piece)};
+      return Scene::Found{"to see the objects of a class, write SELECT * FROM " + textOf(*found),
+                          scene.offsetOf(piece)};
   }
   return {};
 }
@@ -296,7 +296,7 @@ Answer secondSortKey(const Scene& scene) {
   const bool isBehindKey = scene.fault.kind == Fault::kDirectionMissing;
   const bool isBehindDirection = scene.isSyntax() && scene.at > 0 && scene.isOneOf(scene.at - 1, "ASC", "DESC");
   if (!scene.is(scene.at, ",") || (!isBehindKey && !isBehindDirection)) return {};
-  return scene.here("rows are sorted by one key");
+  return scene.here("rows can be sorted by one key only");
 }
 
 Answer missingDirection(const Scene& scene) {
@@ -307,12 +307,12 @@ Answer missingDirection(const Scene& scene) {
   if (!suggestion.best().empty()) return scene.here(std::string("did you mean ") + (isUp ? "ASC?" : "DESC?"));
   const std::size_t order = scene.find("ORDER");
   if (order == kNowhere) return {};
-  return scene.here("ASC or DESC stands behind the key: " + scene.slice(scene.offsetOf(order), scene.offset) + " ASC");
+  return scene.here("ASC or DESC follows the key: " + scene.slice(scene.offsetOf(order), scene.offset) + " ASC");
 }
 
 Answer keywordAsAlias(const Scene& scene) {
   if (scene.fault.kind != Fault::kNameExpected || !scene.pieces.isWord(scene.at)) return {};
-  return scene.here(scene.word(scene.at) + " is a keyword and no name: take another one");
+  return scene.here(scene.word(scene.at) + " is a keyword, not a name: choose another one");
 }
 
 // Where a name or a value is expected.
@@ -322,7 +322,7 @@ Answer keywordAsName(const Scene& scene) {
                          scene.isOneOf(scene.at - 1, "=", "<>", "!=", "<", ">", "<=", ">=", "+", "-", "/", ".", "::");
   if (!isOperand) return {};
   return scene.here(scene.word(scene.at) +
-                    " is a keyword: a property or class that is called so cannot be named, but "
+                    " is a keyword: a property or class of that name cannot be referred to, but "
                     "SELECT * shows it");
 }
 
@@ -355,7 +355,7 @@ Answer missingAs(const Scene& scene) {
   const std::size_t from = scene.find("FROM");
   if (!isHere || from == kNowhere || from + 1 >= scene.at || !scene.pieces.isWord(scene.at - 1)) return {};
   if (!scene.isOneOf(scene.at - 2, "FROM", ",")) return {};
-  return scene.here("an alias stands behind AS: " + scene.word(scene.at - 1) + " AS " + scene.word(scene.at));
+  return scene.here("an alias follows AS: " + scene.word(scene.at - 1) + " AS " + scene.word(scene.at));
 }
 
 // Either paths should be compared, or the other half is missing.
@@ -364,7 +364,7 @@ Answer halfAssociation(const Scene& scene) {
   const std::size_t where = scene.find("WHERE");
   const std::size_t path = scene.find("OBJECTPATH", where == kNowhere ? 0 : where);
   if (path == kNowhere) {
-    return scene.here("an association is written with both its ends side by side: Link = a AND Link = b");
+    return scene.here("write both ends of an association side by side: Link = a AND Link = b");
   }
   return Scene::Found{
       "OBJECTPATH(a) = OBJECTPATH(b) is read as half an association: compare the keys, as in a.Name = b.Name",
@@ -384,9 +384,9 @@ Answer missingValue(const Scene& scene) {
   const std::size_t order = scene.find("ORDER");
   const bool isKey = order != kNowhere && scene.offsetOf(order) < scene.offset;
   const std::string start = name + " is NULL" + inObject(scene) + ": ";
-  if (!isKey) return scene.here(start + "ask for " + name + " IS NOT NULL AND before it");
+  if (!isKey) return scene.here(start + "put " + name + " IS NOT NULL AND before it");
   const bool hasWhere = scene.find("WHERE") != kNowhere;
-  return scene.here(start + "such rows are left out by " + (hasWhere ? "AND " : "WHERE ") + name + " IS NOT NULL");
+  return scene.here(start + "leave such rows out with " + (hasWhere ? "AND " : "WHERE ") + name + " IS NOT NULL");
 }
 
 Answer missingElement(const Scene& scene) {
@@ -407,7 +407,7 @@ Answer incomparable(const Scene& scene) {
     return scene.here("a datetime is written '" + Scene::dateTimeOf(literal) + "'");
   }
   if (!is("string", "") && !is("", "string")) return {};
-  return scene.here("texts are compared with texts in single quotes, numbers with numbers");
+  return scene.here("compare text with text in single quotes, and numbers with numbers");
 }
 
 // --- names ---------------------------------------------------------------------------

@@ -189,7 +189,7 @@ CQLQueryExceptionCode CQLQueryStatement::validateEntry(const QORQL_SelectedEntry
     _fault.name = property;
     _fault.className = className;
     _fault.offset = placeOfProperty(_queryString.view(), entry);
-    _fault.message = QORString("'") + property + "' is no property of " + className;
+    _fault.message = QORString("'") + property + "' is not a property of " + className;
     return CQL_QUERY_VALIDATE_ERROR;
   }
   return CQL_QUERY_SUCCESS;
@@ -203,7 +203,7 @@ void CQLQueryStatement::noteUnknownClass() {
     _fault.kind = CQLQueryFault::kClass;
     _fault.name = className;
     _fault.offset = specifiers.key()->getOffset();
-    _fault.message = QORString("'") + className + "' is no class of " + getNameSpace();
+    _fault.message = QORString("'") + className + "' is not a class of " + getNameSpace();
     return;
   }
 }

@@ -314,9 +314,9 @@ TEST_F(CimXmlReplies, RefusesAPropertyOfATypeThatIsNone) {
 
 TEST_F(CimXmlReplies, RefusesWhatIsNoXml) {
   EXPECT_EQ(faultOf(""), "the document ends too early at line 1, column 1");
-  EXPECT_THAT(faultOf("no xml"), HasSubstr("the document is no sound XML: "));
+  EXPECT_THAT(faultOf("no xml"), HasSubstr("the document is not well-formed XML: "));
   EXPECT_THAT(faultOf(instances("<INSTANCE CLASSNAME=\"\xFF\"/>")),
-              HasSubstr("the document is no sound XML: not well-formed (invalid token) at line 3, column "));
+              HasSubstr("the document is not well-formed XML: not well-formed (invalid token) at line 3, column "));
   EXPECT_THAT(faultOf(instances("<INSTANCE CLASSNAME=\"C\"><A></B>")), HasSubstr("mismatched tag"));
   EXPECT_THAT(faultOf(instances("&evil;")), HasSubstr("undefined entity"));
   EXPECT_THAT(faultOf(instances("") + "<CIM/>"), HasSubstr("junk after document element"));

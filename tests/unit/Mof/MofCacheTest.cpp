@@ -249,8 +249,8 @@ TEST_F(MofCaching, AFileInItsPlaceThatIsNoCacheIsKept) {
   for (const std::string& letters : {std::string("my letters"), std::string(100, 'x'), std::string("q")}) {
     write("kept.mofcache", letters);
     const MofCache::Outcome outcome = open({_model});
-    EXPECT_EQ(outcome.passedOver, "it is no cache");
-    EXPECT_EQ(outcome.notWritten, "the file in its place is no cache");
+    EXPECT_EQ(outcome.passedOver, "it is not a cache");
+    EXPECT_EQ(outcome.notWritten, "the file in its place is not a cache");
     EXPECT_EQ(contentOf(_file), letters);
   }
 }
@@ -263,8 +263,8 @@ TEST_F(MofCaching, WhatIsNoPlainFileIsNeitherReadNorReplaced) {
     const fs::file_type type = fs::status(place).type();
     _file = place.string();
     const MofCache::Outcome outcome = open({_model});
-    EXPECT_EQ(outcome.passedOver, "it is no plain file") << place;
-    EXPECT_EQ(outcome.notWritten, "it is no plain file") << place;
+    EXPECT_EQ(outcome.passedOver, "it is not a regular file") << place;
+    EXPECT_EQ(outcome.notWritten, "it is not a regular file") << place;
     EXPECT_EQ(fs::status(place).type(), type) << place;
     EXPECT_EQ(_fresh->classNames("root/cimv2").size(), 3U);
   }
@@ -278,7 +278,7 @@ TEST_F(MofCaching, AFileOfAnySizeIsPassedOver) {
   EXPECT_TRUE(open({_model}).isFromCache) << "it is made anew";
   write("kept.mofcache", "");
   fs::resize_file(_file, std::uintmax_t{1} << 33U);
-  EXPECT_EQ(open({_model}).passedOver, "it is no cache");
+  EXPECT_EQ(open({_model}).passedOver, "it is not a cache");
 }
 
 TEST_F(MofCaching, ItsFolderIsMadeAndARefusedLoadIsNotKept) {

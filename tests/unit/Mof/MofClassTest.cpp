@@ -262,7 +262,7 @@ TEST_F(MofClass, RefusesMalformedQualifierDeclarations) {
             "1:32: found \"planet\", expected a scope such as \"class\", \"property\" or \"any\"");
   EXPECT_EQ(faultOf("Qualifier Tag : boolean, Scope(any), Flavor(Sweet);"),
             "1:45: found \"Sweet\", expected a flavor such as \"EnableOverride\" or \"ToSubclass\"");
-  EXPECT_EQ(faultOf("Qualifier Tag : colour, Scope(any);"), "1:17: \"colour\" is no type of a qualifier");
+  EXPECT_EQ(faultOf("Qualifier Tag : colour, Scope(any);"), "1:17: \"colour\" is not a qualifier type");
   EXPECT_EQ(faultOf("Qualifier Tag : uint8 = 300, Scope(any);"), "1:25: 300 is out of the range of uint8 (0 to 255)");
 }
 

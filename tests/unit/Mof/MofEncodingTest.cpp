@@ -60,8 +60,8 @@ TEST_F(MofWideText, HalfACharacterIsAFaultAtItsPlace) {
 
 TEST_F(MofWideText, ZeroCharactersAreNoText) {
   EXPECT_THAT(placesOf(wide(std::u16string(u"class A \0{ };", 13), false)),
-              ElementsAre("0:0: this is no text: it contains zero bytes"));
-  EXPECT_THAT(placesOf(std::string("c\0l\0a\0", 6)), ElementsAre("0:0: this is no text: it contains zero bytes"));
+              ElementsAre("0:0: this is not text: it contains zero bytes"));
+  EXPECT_THAT(placesOf(std::string("c\0l\0a\0", 6)), ElementsAre("0:0: this is not text: it contains zero bytes"));
 }
 
 TEST_F(MofWideText, AMarkAloneIsAnEmptyText) {

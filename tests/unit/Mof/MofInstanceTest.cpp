@@ -252,12 +252,12 @@ TEST_F(MofInstance, RefusesMalformedPaths) {
                    "\"; };");
   };
   EXPECT_EQ(fault("Disk"),
-            "3:1: malformed instance path \"Disk\": \".\" and the keys are missing behind the class name");
-  EXPECT_EQ(fault("Disk.Name"), "3:1: malformed instance path \"Disk.Name\": \"=\" is missing behind the key Name");
+            "3:1: malformed instance path \"Disk\": \".\" and the keys are missing after the class name");
+  EXPECT_EQ(fault("Disk.Name"), "3:1: malformed instance path \"Disk.Name\": \"=\" is missing after the key Name");
   EXPECT_EQ(fault("Disk.Name=a"), "3:1: malformed instance path \"Disk.Name=a\": the text \"a\" is not quoted");
   EXPECT_EQ(fault("Disk.Name=\\\"a"), "3:1: malformed instance path \"Disk.Name=\"a\": a closing quote is missing");
   EXPECT_EQ(fault(".Name=1"), "3:1: malformed instance path \".Name=1\": a class name is missing");
-  EXPECT_EQ(fault("Disk.Name=-"), "3:1: \"-\" is no number");
+  EXPECT_EQ(fault("Disk.Name=-"), "3:1: \"-\" is not a number");
   EXPECT_EQ(fault("Disk.Name=5"), "3:1: found an integer, expected a value of type string");
   EXPECT_EQ(fault("Disk.Size=5"), "3:1: class Disk has no key Size");
   EXPECT_EQ(fault("Slot.Number=5"), "3:1: the referenced instance of Slot has no value for its key Rear");

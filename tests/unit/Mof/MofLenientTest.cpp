@@ -153,7 +153,7 @@ TEST_F(MofLenient, AnAliasWithTwoInstancesIsToldWhereItIsUsed) {
 TEST_F(MofLenient, AQualifierThatIsLeftOutMeansWhatItDoesUndeclared) {
   EXPECT_THAT(
       leftOutOf("Qualifier Tag : uint9, Scope(any);\n[Tag(\"a\")] class T { };\n[Tag(5), Tag(6)] class U { };\n"),
-      ElementsAre("1:17: \"uint9\" is no type of a qualifier", "3:10: qualifier Tag is given twice"));
+      ElementsAre("1:17: \"uint9\" is not a qualifier type", "3:10: qualifier Tag is given twice"));
   EXPECT_THAT(classes(), ElementsAre("T"));
 }
 
@@ -216,14 +216,14 @@ TEST_F(MofLenient, ReadsNamespacesWithBackslashes) {
   EXPECT_THAT(classes("root/x"), ElementsAre("T"));
   EXPECT_THAT(classes(), IsEmpty());
   EXPECT_EQ(faultOf("#pragma namespace (\"\\\\\\\\.\\\\root\\\\y\")\nclass T { };"),
-            "1:20: \"\\\\.\\root\\y\" is no namespace");
+            "1:20: \"\\\\.\\root\\y\" is not a namespace");
 }
 
 TEST_F(MofLenient, WhatFollowsANamespaceWithAFaultIsLeftOut) {
   EXPECT_THAT(leftOutOf("class A { };\n#pragma namespace (\"a b\")\nclass B { };\nQualifier Q : string, Scope(any);\n"
                         "#pragma include (\"nothing.mof\")\n#pragma namespace (\"root/x\")\nclass C { };\n"
                         "#pragma namespace \"root/y\"\nclass D { };\n"),
-              ElementsAre("2:20: \"a b\" is no namespace; what follows is left out, up to the next namespace",
+              ElementsAre("2:20: \"a b\" is not a namespace; what follows is left out, up to the next namespace",
                           "8:19: found the string \"root/y\", expected \"(\"; what follows is left out, up to the next "
                           "namespace"));
   EXPECT_THAT(classes(), ElementsAre("A"));
@@ -323,7 +323,7 @@ TEST_F(MofLenientFiles, AFileThatIsNoTextIsLeftOut) {
                               write("c.mof",
                                     "\xFF\xFE"
                                     "c")}),
-              ElementsAre("a.mof:0:0: this is no text: it contains zero bytes",
+              ElementsAre("a.mof:0:0: this is not text: it contains zero bytes",
                           "c.mof:1:1: the text is UTF-16 with half of a character here"));
   EXPECT_THAT(classes(), ElementsAre("B"));
 }

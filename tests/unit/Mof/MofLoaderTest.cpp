@@ -213,7 +213,7 @@ TEST_F(MofLoad, RefusesWhatIsNoText) {
   EXPECT_THAT(refusals({write("binary.mof", std::string("\x7F"
                                                         "ELF\x02\x01\x01\0\0\0",
                                                         10))}),
-              ElementsAre("binary.mof:0:0: this is no text: it contains zero bytes"));
+              ElementsAre("binary.mof:0:0: this is not text: it contains zero bytes"));
 }
 
 TEST_F(MofLoad, NamespacePragmasHoldToTheEndOfTheOutermostFile) {
@@ -226,7 +226,8 @@ TEST_F(MofLoad, NamespacePragmasHoldToTheEndOfTheOutermostFile) {
   EXPECT_EQ(instancesOf("T", "root/inner").size(), 2U);
   EXPECT_EQ(pathOf(instancesOf("T", "root/inner").at(0)), "root/inner:T.K=\"i\"");
   EXPECT_EQ(instancesOf("M").size(), 2U);
-  EXPECT_EQ(refusals({write("bad.mof", "#pragma namespace (\"a b\")")}).at(0), "bad.mof:1:20: \"a b\" is no namespace");
+  EXPECT_EQ(refusals({write("bad.mof", "#pragma namespace (\"a b\")")}).at(0),
+            "bad.mof:1:20: \"a b\" is not a namespace");
 }
 
 TEST_F(MofLoad, AnotherNamespaceMayBeTheDefault) {

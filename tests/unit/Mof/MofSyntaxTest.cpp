@@ -199,7 +199,7 @@ TEST_F(MofSyntax, RefusesWhatIsNoMofQuickly) {
     EXPECT_GE(faultsOf(text).size(), 1U) << piece;
   }
   EXPECT_EQ(faultsOf(std::string("class A { };\0 class B { };", 25)).at(0).message,
-            "this is no text: it contains zero bytes");
+            "this is not text: it contains zero bytes");
   const auto spent = std::chrono::steady_clock::now() - start;
   EXPECT_LT(std::chrono::duration_cast<std::chrono::seconds>(spent).count(), 120);
 }

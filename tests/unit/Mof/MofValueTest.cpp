@@ -70,12 +70,12 @@ TEST_F(MofValue, RefusesRealsOutOfRange) {
 }
 
 TEST_F(MofValue, RefusesMalformedNumbers) {
-  EXPECT_EQ(refused("uint8", "08"), "3:1: \"08\" is no number (a leading 0 means octal)");
-  EXPECT_EQ(refused("uint8", "12x"), "3:1: \"12x\" is no number");
-  EXPECT_EQ(refused("uint8", "12b"), "3:1: \"12b\" is no number");
-  EXPECT_EQ(refused("uint8", "0xG"), "3:1: \"0xG\" is no number");
-  EXPECT_EQ(refused("real64", "1.2.3"), "3:1: \"1.2.3\" is no number");
-  EXPECT_EQ(refused("real64", "1.2e"), "3:1: \"1.2e\" is no number");
+  EXPECT_EQ(refused("uint8", "08"), "3:1: \"08\" is not a number (a leading 0 means octal)");
+  EXPECT_EQ(refused("uint8", "12x"), "3:1: \"12x\" is not a number");
+  EXPECT_EQ(refused("uint8", "12b"), "3:1: \"12b\" is not a number");
+  EXPECT_EQ(refused("uint8", "0xG"), "3:1: \"0xG\" is not a number");
+  EXPECT_EQ(refused("real64", "1.2.3"), "3:1: \"1.2.3\" is not a number");
+  EXPECT_EQ(refused("real64", "1.2e"), "3:1: \"1.2e\" is not a number");
 }
 
 TEST_F(MofValue, ReadsBooleansAndNullInAnyCase) {
@@ -145,7 +145,7 @@ TEST_F(MofValue, RefusesMalformedDateTimes) {
   EXPECT_EQ(fault("20260101000060.000000+000"), "its second is not 00 to 59");
   EXPECT_EQ(fault("20260101000000,000000+000"), "it has no \".\" before the microseconds");
   EXPECT_EQ(fault("20260101000000.00000x+000"), "its microseconds are not 6 digits");
-  EXPECT_EQ(fault("20260101000000.000000z000"), "it has no \"+\", \"-\" or \":\" behind the microseconds");
+  EXPECT_EQ(fault("20260101000000.000000z000"), "it has no \"+\", \"-\" or \":\" after the microseconds");
   EXPECT_EQ(fault("20260101000000.000000+0x0"), "its offset from UTC is not 3 digits");
   EXPECT_EQ(fault("20260101000000.000000:001"), "an interval ends with \":000\"");
   EXPECT_EQ(fault("20**0101000000.000000+000"), "its year is not 4 digits");

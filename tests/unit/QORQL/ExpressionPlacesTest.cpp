@@ -127,7 +127,7 @@ TEST(ExpressionPlaces, FindsTheReferenceAndNotItsSpelling) {
   EXPECT_EQ(QORQL_findProperty(*parsed.tree, "c", "X", marked.text), QORQL_Fault::kNowhere);
 }
 
-// What lies below it is no property of the class.
+// What lies below it is not a property of the class.
 TEST(ExpressionPlaces, FindsTheStepOfAPathAfterTheClass) {
   for (const char* const text : {"A.x = 1 AND A . ^Emb.x = 1", "A.x.Emb = 1 AND A.^emb[2].y.C::Emb = 1",
                                  "A.B::^Emb = 1", "A.^Emb = 1 AND A.Emb.x = 2"}) {

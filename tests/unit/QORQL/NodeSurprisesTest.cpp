@@ -59,7 +59,7 @@ TEST_F(NodeSurprises, JoinClassesThatTieNothing) {
   EXPECT_THAT(rules(select + "On = h AND On = d"), IsEmpty());
   EXPECT_THAT(rules(select + "o = h AND o = d"), IsEmpty());
   EXPECT_THAT(surprise(select + "Onn = h AND Onn = d"), testing::HasSubstr("there is no class Onn"));
-  EXPECT_THAT(surprise(select + "Spare = h AND Spare = d"), testing::HasSubstr("Spare is no association"));
+  EXPECT_THAT(surprise(select + "Spare = h AND Spare = d"), testing::HasSubstr("Spare is not an association"));
   EXPECT_THAT(rules(select + "OBJECTPATH(h) = OBJECTPATH(d) AND OBJECTPATH(h) = OBJECTPATH(d)"),
               ElementsAre("ASSOC-6"));
 }
@@ -95,9 +95,8 @@ TEST_F(NodeSurprises, LiteralsBelowTheLeast) {
 TEST_F(NodeSurprises, LiteralsAboveTheGreatest) {
   for (const char* literal :
        {"18446744073709551616", "99999999999999999999", "100000000000000000000", "00018446744073709551616"}) {
-    EXPECT_EQ(
-        surprise("SELECT Name FROM Disk WHERE Size = " + std::string(literal)),
-        std::string(literal) + " is more than any type of whole numbers holds: it stands for 18446744073709551615");
+    EXPECT_EQ(surprise("SELECT Name FROM Disk WHERE Size = " + std::string(literal)),
+              std::string(literal) + " is greater than any integer type holds: it stands for 18446744073709551615");
   }
   for (const char* literal :
        {"18446744073709551615", "0000018446744073709551615", "18446744073709551614", "0", "18446744073709551616.0"}) {
