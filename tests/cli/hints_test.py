@@ -139,9 +139,9 @@ class Queries(HintCase):
                  "Extra is a property of Der, which not every Base is: ask for it FROM Der"),
                 ("SELECT Id FROM ^Shop_Itm",
                  "Shop_Itm is not a class of root/cimv2: did you mean Shop_Item? (line 1, column 16)"),
-                ("SELECT Id, ^Order" + FROM, "Order is a keyword: a property or class that is called so cannot be named, "
+                ("SELECT Id, ^Order" + FROM, "Order is a keyword: a property or class of that name cannot be referred to, "
                                               "but SELECT * shows it"),
-                (WHERE + "^Format = 1", "Format is a keyword: a property or class that is called so cannot be named, "
+                (WHERE + "^Format = 1", "Format is a keyword: a property or class of that name cannot be referred to, "
                                         "but SELECT * shows it")):
             with self.subTest(query=marked):
                 self.hint(marked, hint, "-m", path)
@@ -184,7 +184,7 @@ class Filters(HintCase):
         for command in (["match", "--filters", path], ["watch", "--filters", path]):
             with self.subTest(command=command[0]):
                 self.hinted(self.run_tool(*command), self.MARKED, "a space is missing: AND MessageID", "line 2: ")
-        self.assertIn("qorql: hint: line 2: a blank is missing", self.run_tool("validate", "--file", path).err)
+        self.assertIn("qorql: hint: line 2: a space is missing", self.run_tool("validate", "--file", path).err)
 
     def test_open_and_curly_quotes(self):
         for marked, hint in (

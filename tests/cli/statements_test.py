@@ -160,7 +160,7 @@ class Timeout(ToolCase):
 
     def test_what_is_no_time(self):
         for wrong in ("0", "0.0", "-1", "", "abc", "1s", "nan", "inf", "1,5", "0x10", " 1"):
-            self.wrong_usage(self.model("--timeout=" + wrong, TWO), f"'{wrong}' is no number of seconds above 0" if wrong else "--timeout")
+            self.wrong_usage(self.model("--timeout=" + wrong, TWO), f"'{wrong}' is not a number of seconds above 0" if wrong else "--timeout")
         self.wrong_usage(self.model(TWO, "--timeout"), "--timeout")
 
 

@@ -280,8 +280,8 @@ class Terminal(ToolCase):
         path = self.write("sub.mof", "class Holder { [Key] uint32 K; [EmbeddedObject] string Sub; };\n"
                                      "class Other { [Key] uint32 K; string Sub; };\n")
         for query, hint in (
-                ("SELECT Sub.N FROM Holder", "Sub is a property of Holder and no class of FROM: a query does not read what "
-                                             "an object within holds (line 1, column 8)"),
+                ("SELECT Sub.N FROM Holder", "Sub is a property of Holder and not a class of FROM: a query does not read the "
+                                             "properties of embedded objects (line 1, column 8)"),
                 ("SELECT h.K FROM Holder AS h WHERE Sub.N = 'x'",
                  "Sub is a property of h and not a class of FROM: a query does not read the properties of embedded objects "
                  "(line 1, column 35)"),

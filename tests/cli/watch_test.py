@@ -279,7 +279,7 @@ class End(ToolCase):
 
     def test_wrong_usage(self):
         creation = "SELECT * FROM CIM_InstCreation"
-        for arguments, says in (([], "FILTER"), (["--interval"], "--interval"), (["--interval", "0", creation], "range"),
+        for arguments, says in (([], "FILTER"), (["--interval"], "--interval"), (["--interval", "0", creation], "from 0.01"),
                                 (["--interval", "soon", creation], "--interval"), (["--count"], "--count"),
                                 (["--count", "0", creation], "--count"), (["--count", "-1", creation], "--count"),
                                 (["--limit"], "--limit"), (["--limit", "many", creation], "--limit"),

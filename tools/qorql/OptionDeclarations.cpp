@@ -70,5 +70,5 @@ double parseSeconds(const std::string& given) noexcept {
 }
 
 std::string checkSeconds(const std::string& given) {
-  return parseSeconds(given) != 0 ? "" : "'" + given + "' is no number of seconds above 0";
+  return parseSeconds(given) != 0 ? "" : "'" + given + "' is not a number of seconds above 0";
 }
