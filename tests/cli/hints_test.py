@@ -45,7 +45,8 @@ class Queries(HintCase):
         for query in ("SELECT Id" + FROM + " WHERE Name IS NOT NULL ORDER BY Name ASC",
                       WHERE + "Id > 2 AND Balance IS NOT NULL ORDER BY Balance DESC",
                       WHERE + "Name IS NOT NULL AND Name LIKE 'a'", WHERE + "Made > '20230101000000.000000+000'",
-                      WHERE + "NOT Id = 1 AND NOT Name = 'a'", "SELECT Size / 1024 AS Value" + FROM,
+                      WHERE + "NOT Id = 1 AND NOT Name = 'a'", WHERE + "Size + Id IS NULL", WHERE + "Id <> 1 AND Id <> 2",
+                      WHERE + "NOT Shop_Item.Name IS NULL AND NOT Shop_Item.Name LIKE 'a'", "SELECT Size / 1024 AS Value" + FROM,
                       WHERE + "Weight > 1.0e-8", "SELECT FIRST 3 Id" + FROM):
             self.succeed(self.model(query))
 
@@ -111,6 +112,12 @@ class Queries(HintCase):
         self.hint("SELECT COUNT(Id) AS n, ^Name" + FROM, hint)
         self.hint("SELECT COUNT(Id) AS n, ^Name" + FROM + " GROUP BY Name", hint)
         self.hint("SELECT Name" + FROM + " ^GROUP BY Name", hint)
+
+    def test_a_column_before_an_aggregate_is_the_group(self):
+        hint = ("there is no GROUP BY: an aggregate covers all rows. Another program groups the rows: "
+                "qorql -o jsonl \"SELECT * FROM Shop_Item\" | jq -s \"group_by(.Name)\"")
+        self.hint("SELECT ^Name, COUNT(Id)" + FROM, hint)
+        self.hint("SELECT ^i.Name, COUNT(i.Id) FROM Shop_Item AS i GROUP BY i.Name", hint)
 
     def test_a_column_without_a_name(self):
         self.hint("SELECT Id, ^Size / 1024" + FROM, "give it a name with AS: Size / 1024 AS Value")
@@ -178,6 +185,17 @@ class Filters(HintCase):
             with self.subTest(command=command[0]):
                 self.hinted(self.run_tool(*command), self.MARKED, hint)
                 self.assertNotIn("hint", self.run_tool(command[0], "--quiet", *command[1:]).err)
+
+    def test_only_what_a_filter_knows_is_advised(self):
+        for marked, hint in (
+                (self.ALERT + "EventID ^= NULL", "a condition on NULL never matches in a filter: leave it out"),
+                (self.ALERT + "EventID = 'a' ^LIMIT 3", "a filter has no LIMIT: leave it out"),
+                ("SELECT MessageID, ^COUNT(EventID) FROM CIM_AlertIndication",
+                 "a function has no value in a filter: select properties"),
+                ("SELECT * FROM CIM_InstModification ^WITHIN 10 WHERE SourceInstance ISA CIM_Process",
+                 "there is no WITHIN: leave it out")):
+            with self.subTest(filter=marked):
+                self.hinted(self.run_tool("validate", marked.replace("^", "")), marked, hint)
 
     def test_filters_of_a_file(self):
         path = self.write("filters.txt", self.ALERT + "EventID = 'a'\n" + self.MARKED.replace("^", "") + "\n")

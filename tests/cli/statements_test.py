@@ -72,8 +72,10 @@ class Comments(ToolCase):
         self.assertEqual(self.model(stdin="SELECT Id FROM Shop_Item;\n/*/").status, 3)
 
     def test_a_statement_on_the_command_line_has_none(self):
-        self.refused(self.model("SELECT Id FROM Shop_Item # all"), 1,
-                     "qorql: error: unexpected token '#' found (line 1, CIM status 16)")
+        refused = self.model("SELECT Id FROM Shop_Item # all")
+        self.assertEqual((refused.status, refused.out), (1, ""))
+        self.assertEqual(refused.err, "qorql: error: unexpected token '#' found (line 1, CIM status 16)\n" +
+                         toolcase.hint("SELECT Id FROM Shop_Item ^# all", "the language has no comments: leave it out"))
         self.assertIn("qorql: hint: the language has no comments", self.model("SELECT Id FROM Shop_Item -- all").err)
 
 

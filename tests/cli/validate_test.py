@@ -183,8 +183,9 @@ class Invalid(ValidateCase):
                      "Nobody is neither a class of FROM nor a property that holds an object (line 1, column 29)")
         self.invalid("SELECT i.SourceInstance AS Wheels, i.Wheels.XYZ_Volume::Size FROM CIM_InstCreation AS i",
                      "Wheels is not a property of CIM_InstCreation (line 1, column 38)")
-        self.invalid("SELECT COUNT(EventID) AS n, MessageID FROM CIM_AlertIndication",
-                     "Combining Aggregate and NonAggregate expressions is not allowed. (line 1, column 29)")
+        self.invalid("SELECT COUNT(EventID) AS n, ^MessageID FROM CIM_AlertIndication",
+                     "Combining Aggregate and NonAggregate expressions is not allowed. (line 1, column 29)",
+                     hint="a function has no value in a filter: select properties")
 
     def test_columns_count_characters_and_lines_count_from_one(self):
         self.invalid(ALERT + "\n WHERE EventID = 'größe' AND\n  EventID ~ 1",

@@ -61,10 +61,7 @@ CheckedFilter FilterSession::check(const std::string& text, QORuint32 firstLine,
     const std::string hint = wqlHint(filter, {fault.offset});
     if (!hint.empty()) checked.reason += "; " + hint;
     checked.reason = printableText(checked.reason);
-    // Rows are not what a filter is for.
-    if (fault.cause != QORQL_Fault::kColumnBesideAggregate) {
-      checked.hint = QORQL_hintOf({fault.cause, fault.name, fault.className, fault.offset}, text);
-    }
+    checked.hint = QORQL_hintOfFilter({fault.cause, fault.name, fault.className, fault.offset}, text);
     checked.text = text;
   } else {
     std::vector<std::size_t> places;

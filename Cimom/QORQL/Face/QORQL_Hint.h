@@ -40,8 +40,10 @@ struct QORQL_KnownNames {
 // after an error, it costs a statement without one nothing. THROWS nothing but what the names' functions throw, and
 // std::bad_alloc. Any thread.
 QORQL_Hint QORQL_hintOf(const QoriBaseException& error, std::string_view text, const QORQL_KnownNames& names = {});
-// The same for a fault that was kept, of a filter for example.
+// The same for a fault that was kept.
 QORQL_Hint QORQL_hintOf(const QORQL_Fault& fault, std::string_view text, const QORQL_KnownNames& names = {});
+// The same for a filter's fault: it advises only what a filter knows, which are comparisons that AND joins.
+QORQL_Hint QORQL_hintOfFilter(const QORQL_Fault& fault, std::string_view text, const QORQL_KnownNames& names = {});
 
 // The names of the rules, in the order in which they are asked.
 std::vector<std::string> QORQL_hintRules();

@@ -9,12 +9,14 @@
 
 #include "Cimom/QORQL/CQLQueryValidator.h"
 
-QORQL_HintScene::QORQL_HintScene(const QORQL_Fault& given, std::string_view text, const QORQL_KnownNames& known)
+QORQL_HintScene::QORQL_HintScene(const QORQL_Fault& given, std::string_view text, const QORQL_KnownNames& known,
+                                 bool isOfFilter)
     : fault(given),
       pieces(text),
       names(known),
       offset(std::min<std::size_t>(given.offset, text.size())),
-      at(pieces.from(offset)) {}
+      at(pieces.from(offset)),
+      isFilter(isOfFilter) {}
 
 std::string QORQL_HintScene::word(std::size_t piece) const {
   return piece < pieces.all().size() ? std::string(pieces.all()[piece].text) : std::string();
@@ -92,8 +94,9 @@ bool QORQL_HintScene::isNamelike(std::size_t piece) const {
 std::string QORQL_HintScene::dateTimeOf(std::string_view literal) {
   std::string digits;
   std::copy_if(literal.begin(), literal.end(), std::back_inserter(digits), [](char c) { return c >= '0' && c <= '9'; });
-  const bool isDate = literal.size() >= 10 && literal[4] == '-' && literal[7] == '-' && digits.size() <= 14;
-  if (!isDate) {
+  const bool isDigits = digits.size() == literal.size() && (digits.size() == 8 || digits.size() == 14);
+  const bool isDashed = literal.size() >= 10 && literal[4] == '-' && literal[7] == '-' && digits.size() <= 14;
+  if (!isDigits && !isDashed) {
     const std::time_t now = std::time(nullptr);
     std::tm today{};
     gmtime_r(&now, &today);

@@ -20,7 +20,7 @@ struct QORQL_HintScene {
     std::size_t offset;
   };
 
-  QORQL_HintScene(const QORQL_Fault& given, std::string_view text, const QORQL_KnownNames& known);
+  QORQL_HintScene(const QORQL_Fault& given, std::string_view text, const QORQL_KnownNames& known, bool isOfFilter);
 
   // Whether the text breaks a rule of the language that no kind of fault stands for.
   bool isSyntax() const { return fault.kind == QORQL_Fault::kSyntax && fault.hasPlace(); }
@@ -58,6 +58,7 @@ struct QORQL_HintScene {
   const QORQL_KnownNames& names;
   const std::size_t offset;  // of the word at fault
   const std::size_t at;      // its piece, or the one behind it
+  const bool isFilter;       // else it is a query
 };
 
 #endif

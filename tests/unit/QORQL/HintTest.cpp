@@ -19,10 +19,10 @@ using testing::EndsWith;
 using testing::StartsWith;
 
 constexpr char kModel[] = R"(
-class Item { [key] uint32 Id; string Name; uint64 Size; uint16 Codes[]; datetime Made; };
+class Item { [key] uint32 Id; string Name; uint64 Size; uint16 Codes[]; datetime Made; boolean Good; };
 class Part : Item { string Maker; };
 class Box { [key] string Label; };
-instance of Item { Id = 1; Name = "a"; Size = 3; Codes = {1}; Made = "20260101000000.000000+000"; };
+instance of Item { Id = 1; Name = "a"; Size = 3; Codes = {1}; Made = "20260101000000.000000+000"; Good = TRUE; };
 instance of Item { Id = 2; Codes = {}; };
 )";
 
@@ -103,8 +103,7 @@ constexpr Row kRows[] = {
     {"foreign-word", "SELECT Id FROM Item ^RIGHT JOIN Box", "an outer join is written in WHERE, as A.x =* B.y"},
     {"foreign-word", "SELECT Id FROM Item ^FULL JOIN Box", "an outer join is written in WHERE, as A.x *=* B.y"},
     {"foreign-word", "SELECT Id FROM Item WHERE Id ^IN (1, 2)", "there is no IN: ask for one value at a time with ="},
-    {"foreign-word", "SELECT Id FROM Item WHERE Id NOT ^IN (1, 2)",
-     "there is no IN: ask for one value at a time with ="},
+    {"foreign-word", "SELECT Id FROM Item WHERE Id NOT ^IN (1, 2)", "there is no IN: write x <> a AND x <> b"},
     {"foreign-word", "SELECT Id FROM Item WHERE Id ^BETWEEN 1 AND 2",
      "there is no BETWEEN: write x >= least AND x <= greatest"},
     {"foreign-word", "SELECT Id FROM Item ^UNION SELECT Label FROM Box",
@@ -204,6 +203,74 @@ constexpr Row kRows[] = {
      "a datetime is written '20261122000000.000000+000'"},
     {"incomparable", "SELECT Id FROM Item WHERE ^'2026-11-22 12:30' < Made",
      "a datetime is written '20261122123000.000000+000'"},
+    {"column-beside-aggregate", "SELECT ^Name, COUNT(Id) FROM Item",
+     "there is no GROUP BY: an aggregate covers all rows. Another program groups the rows: qorql -o jsonl "
+     "\"SELECT * FROM Item\" | jq -s \"group_by(.Name)\""},
+    {"column-beside-aggregate", "SELECT ^i.Name, COUNT(i.Id) AS n FROM Item AS i GROUP BY i.Name",
+     "there is no GROUP BY: an aggregate covers all rows. Another program groups the rows: qorql -o jsonl "
+     "\"SELECT * FROM Item\" | jq -s \"group_by(.Name)\""},
+    {"column-beside-aggregate", "SELECT COUNT(i.Id) AS n, ^i.Name FROM Item AS i",
+     "there is no GROUP BY: an aggregate covers all rows. Another program groups the rows: qorql -o jsonl "
+     "\"SELECT * FROM Item\" | jq -s \"group_by(.Name)\""},
+    {"group-by", "SELECT i.Name FROM Item AS i ^GROUP BY i.Name",
+     "there is no GROUP BY: an aggregate covers all rows. Another program groups the rows: qorql -o jsonl "
+     "\"SELECT * FROM Item\" | jq -s \"group_by(.Name)\""},
+    {"foreign-word", "SELECT * FROM Item ^WITHIN 10 WHERE Id = 1", "there is no WITHIN: leave it out"},
+    {"foreign-word", "SELECT * FROM Item ^GROUP WITHIN 30", "there is no GROUP: leave it out"},
+    {"foreign-word", "SELECT Id FROM Item ^FETCH FIRST 3 ROWS ONLY",
+     "to see the first rows only, write SELECT FIRST n ..."},
+    {"foreign-word", "SELECT ^First FROM Item",
+     "FIRST is a keyword: to see the first rows only, write SELECT FIRST n ..."},
+    {"foreign-word", "SELECT ^FIRST Id FROM Item",
+     "FIRST is a keyword: to see the first rows only, write SELECT FIRST n ..."},
+    {"foreign-word", "SELECT Id FROM Item WHERE Id NOT ^BETWEEN 1 AND 2",
+     "there is no BETWEEN: run one statement with x < least and one with x > greatest"},
+    {"missing-blank", "SELECT Id FROM ^ItemWHERE Id=3", "a space is missing: Item WHERE"},
+    {"missing-blank", "SELECT Id FROM Item WHERE ^NOTId = 3", "a space is missing: NOT Id"},
+    {"null-comparison", "SELECT Id FROM Item WHERE Codes[0] ^= NULL", "test for NULL with IS: Codes[0] IS NULL"},
+    {"null-comparison", "SELECT Id FROM Item WHERE Id = 1 AND Size + Id ^<> NULL",
+     "test for NULL with IS: Size + Id IS NOT NULL"},
+    {"null-comparison", "SELECT i.Id FROM Item AS i WHERE NOT (i.Size ^= NULL)",
+     "test for NULL with IS: i.Size IS NULL"},
+    {"null-comparison", "SELECT Id FROM Item WHERE (Id + 1) * 2 ^= NULL",
+     "test for NULL with IS: (Id + 1) * 2 IS NULL"},
+    {"null-comparison", "SELECT Id FROM Item WHERE ^NULL = Name AND Id = 1", "test for NULL with IS: Name IS NULL"},
+    {"late-not", "SELECT Id FROM Item WHERE Id = 1 AND Item.Name ^NOT LIKE 'a' ORDER BY Id ASC",
+     "NOT goes before the comparison: NOT Item.Name LIKE 'a'"},
+    {"double-quote", "SELECT ^\"Id\" FROM Item", "names go without quotes: Id"},
+    {"double-quote", "SELECT Id, ^\"Name\" FROM Item", "names go without quotes: Name"},
+    {"double-quote", "SELECT Id FROM ^\"Item\"", "names go without quotes: Item"},
+    {"double-quote", "SELECT Id FROM Item ORDER BY ^\"Id\" ASC", "names go without quotes: Id"},
+    {"double-quote", "SELECT i.^\"Id\" FROM Item AS i", "names go without quotes: Id"},
+    {"double-quote", "SELECT Id AS ^\"the id\" FROM Item", "names go without quotes: the_id"},
+    {"other-quote", "SELECT Id AS ^'x' FROM Item", "names go without quotes: x"},
+    {"other-quote", "SELECT ^[Id] FROM Item", "names go without brackets: Id"},
+    {"other-quote", "SELECT Id AS ^`the id` FROM Item", "names go without quotes: the_id"},
+    {"comment", "SELECT Id ^-- the id\nFROM Item", "the language has no comments: leave it out"},
+    {"comment", "SELECT Id ^# the id\nFROM Item", "the language has no comments: leave it out"},
+    {"comment", "SELECT Id FROM Item ^# all", "the language has no comments: leave it out"},
+    {"unnamed-column", "SELECT ^Id--1 FROM Item", "give it a name with AS: Id--1 AS Value"},
+    {"foreign-sign", "SELECT Id FROM Item WHERE Id ^=> 3", "there is no =>: write >="},
+    {"foreign-sign", "SELECT Id FROM Item WHERE Id ^=< 3", "there is no =<: write <="},
+    {"foreign-sign", "SELECT Id FROM Item WHERE Id ^!> 3", "there is no !>: write <="},
+    {"foreign-sign", "SELECT Id FROM Item WHERE Id ^!< 3", "there is no !<: write >="},
+    {"foreign-sign", "SELECT Id FROM Item WHERE Id = 3 ^&& Size = 1", "there is no &&: write AND"},
+    {"foreign-sign", "SELECT Id FROM Item WHERE Id = 3 ^|| Size = 1",
+     "there is no ||: run one statement for each side"},
+    {"unknown-form", "SELECT Id FROM Item FORMAT ^CSV", "AS follows FORMAT: FORMAT AS CSV"},
+    {"unknown-form", "SELECT Id FROM Item FORMAT ^JSON",
+     "the formats of the language are QORIOBJECT, XML, HTML and CSV; qorql has more: qorql -o json"},
+    {"parenthesis", "SELECT Id FROM Item WHERE (Id = 1 ^AND Name = 'a') OR (Id = 2)",
+     "only one comparison may stand in parentheses: run one statement for each side of OR"},
+    {"parenthesis", "SELECT Id FROM Item WHERE Id = 2 OR NOT (Id = 1 ^AND Name = 'a')",
+     "only one comparison may stand in parentheses: run one statement for each side of OR"},
+    {"incomparable", "SELECT Id FROM Item WHERE Made > ^20261122", "a datetime is written '20261122000000.000000+000'"},
+    {"incomparable", "SELECT Id FROM Item WHERE Made > ^20261122123000",
+     "a datetime is written '20261122123000.000000+000'"},
+    {"incomparable", "SELECT Id FROM Item WHERE Good = ^1",
+     "TRUE and FALSE compare with booleans only, and booleans with them"},
+    {"incomparable", "SELECT Id FROM Item WHERE Id = ^TRUE",
+     "TRUE and FALSE compare with booleans only, and booleans with them"},
 };
 
 TEST_F(Hints, SayWhatIsMeantAndWhere) {
@@ -261,12 +328,60 @@ TEST_F(Hints, ShowTodayAsADatetime) {
 }
 
 TEST_F(Hints, SayNothingWhereTheErrorSaysAll) {
-  for (const char* const statement : {"SELECT", "SELECT Id FROM Item WHERE ,", "SELECT Id FROM Item WHERE Id / 0 = 1",
-                                      "SELECT Id FROM", "SELECT Id FROM Item WHERE (Id = 1", "SELECT Wheels FROM Item",
-                                      "SELECT Id FROM Item WHERE Id = 1 - -1 ,", "SELECT Id AS 5 FROM Item"}) {
+  for (const char* const statement :
+       {"SELECT", "SELECT Id FROM Item WHERE ,", "SELECT Id FROM Item WHERE Id / 0 = 1", "SELECT Id FROM",
+        "SELECT Id FROM Item WHERE (Id = 1", "SELECT Wheels FROM Item", "SELECT Id FROM Item WHERE Id = 1 - -1 ,",
+        "SELECT Id AS 5 FROM Item", "SELECT Id FROM Item Box + 1", "SELECT Id FROM 'a(b'"}) {
     EXPECT_EQ(hintOf(statement).text, "") << statement;
   }
   EXPECT_EQ(QORQL_hintOf(QoriBaseException(), "SELECT").text, "");
+}
+
+// OR, NOT, LIKE and IS NULL never match in a filter, and it has no rows.
+constexpr Row kFilterRows[] = {
+    {"null-comparison", "SELECT * FROM Item WHERE Size ^= NULL",
+     "a condition on NULL never matches in a filter: leave it out"},
+    {"late-not", "SELECT * FROM Item WHERE Name ^NOT LIKE 'a'",
+     "a condition under NOT never matches in a filter: ask with =, <>, <, <=, > or >="},
+    {"exclamation-mark", "SELECT * FROM Item WHERE ^!Name = 'a'",
+     "a condition under NOT never matches in a filter: ask with =, <>, <, <=, > or >="},
+    {"parenthesis", "SELECT * FROM Item WHERE NOT (Id = 1 ^AND Id = 2)",
+     "a condition under NOT never matches in a filter: ask with =, <>, <, <=, > or >="},
+    {"parenthesis", "SELECT * FROM Item WHERE (Id = 1 ^AND Size = 2)",
+     "only one comparison may stand in parentheses: write Id = 1 AND Size = 2"},
+    {"parenthesis", "SELECT * FROM Item WHERE (Id = 1 ^OR Id = 2)",
+     "only one comparison may stand in parentheses: use one filter with Id = 1 and one with Id = 2"},
+    {"parenthesis", "SELECT * FROM Item WHERE (Id = 1 ^AND Size = 2) OR Id = 2",
+     "only one comparison may stand in parentheses: use one filter for each side of OR"},
+    {"foreign-word", "SELECT * FROM Item WHERE Id = 1 ^LIMIT 3", "a filter has no LIMIT: leave it out"},
+    {"foreign-word", "SELECT * FROM Item WHERE Id ^IN (1, 2)", "there is no IN: use one filter for each value, with ="},
+    {"foreign-word", "SELECT * FROM Item WHERE Id NOT ^IN (1, 2)", "there is no IN: write x <> a AND x <> b"},
+    {"foreign-word", "SELECT * FROM Item WHERE Id NOT ^BETWEEN 1 AND 2",
+     "there is no BETWEEN: use one filter with x < least and one with x > greatest"},
+    {"group-by", "SELECT * FROM Item WHERE Id = 1 ^GROUP BY Name", "a filter has no GROUP BY: leave it out"},
+    {"unknown-form", "SELECT * FROM Item WHERE Id = 1 FORMAT AS ^JSON", "a filter has no FORMAT: leave it out"},
+    {"foreign-sign", "SELECT * FROM Item WHERE Id = 1 ^|| Id = 2",
+     "there is no ||, and OR never matches in a filter: use one filter for each side"},
+    {"foreign-word", "SELECT * FROM Item ^WITHIN 10 WHERE Id = 1", "there is no WITHIN: leave it out"},
+    {"foreign-word", "SELECT ^FIRST Id FROM Item", "FIRST is a keyword, and a filter has no FIRST: leave it out"},
+    {"column-beside-aggregate", "SELECT Id, ^COUNT(Size) AS n FROM Item",
+     "a function has no value in a filter: select properties"},
+    {"unknown-function", "SELECT ^UPPER(Name) AS n FROM Item",
+     "a function has no value in a filter: select properties"},
+};
+
+TEST_F(Hints, AdviseForAFilterOnlyWhatItKnows) {
+  for (const Row& row : kFilterRows) {
+    SCOPED_TRACE(row.statement);
+    const MarkedStatement marked(row.statement);
+    CQLQueryStatement filter("DMTF:CQL", QORString(marked.text), "root/cimv2", "root/cimv2");
+    ASSERT_NE(filter.validate(), QUERY_VALIDATE_SUCCESS);
+    const CQLQueryFault& fault = filter.getFault();
+    const QORQL_Hint hint = QORQL_hintOfFilter({fault.cause, fault.name, fault.className, fault.offset}, marked.text);
+    EXPECT_STREQ(hint.rule, row.rule);
+    EXPECT_EQ(hint.text, row.hint);
+    EXPECT_EQ(marked.markedAt(hint.offset), row.statement);
+  }
 }
 
 TEST_F(Hints, AreForFiltersToo) {
@@ -274,7 +389,7 @@ TEST_F(Hints, AreForFiltersToo) {
   CQLQueryStatement filter("DMTF:CQL", QORString(marked.text), "root/cimv2", "root/cimv2");
   ASSERT_NE(filter.validate(), QUERY_VALIDATE_SUCCESS);
   const CQLQueryFault& fault = filter.getFault();
-  const QORQL_Hint hint = QORQL_hintOf({fault.cause, fault.name, fault.className, fault.offset}, marked.text);
+  const QORQL_Hint hint = QORQL_hintOfFilter({fault.cause, fault.name, fault.className, fault.offset}, marked.text);
   EXPECT_EQ(hint.text, "a space is missing: AND Size");
   EXPECT_EQ(hint.offset, marked.offset);
 }

@@ -1,0 +1,212 @@
+// Hints about words and forms of other languages, and texts that are no statement.
+// Tested by tests/unit/QORQL/HintTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+#include <string>
+#include <string_view>
+
+#include "Cimom/QORQL/Face/QORQL_HintRules.h"
+#include "Cimom/QORQL/Face/QORQL_Suggestion.h"
+#include "Cimom/QORQL/QORQL_FunctionID.h"
+
+namespace QORQL_HintRules {
+
+namespace {
+
+std::string inLowerCase(std::string text) {
+  for (char& c : text) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  return text;
+}
+
+std::string textOf(const QORString& text) { return std::string(text.view()); }
+
+constexpr char kNoFunctions[] = "a function has no value in a filter: select properties";
+
+struct ForeignWord {
+  const char* word;
+  const char* hint;
+};
+constexpr char kFirst[] = "to see the first rows only, write SELECT FIRST n ...";
+constexpr char kFrom[] =
+    "list the classes in FROM, separated by commas; WHERE joins them, by values or through an association";
+constexpr ForeignWord kForeignWords[] = {
+    {"FETCH", kFirst},
+    {"ROWS", kFirst},
+    {"LIMIT", kFirst},
+    {"TOP", kFirst},
+    {"DISTINCT", "there is no DISTINCT: every row is shown"},
+    {"HAVING", "there is no HAVING: an aggregate covers all rows"},
+    {"JOIN", kFrom},
+    {"INNER", kFrom},
+    {"CROSS", kFrom},
+    {"LEFT", "an outer join is written in WHERE, as A.x *= B.y"},
+    {"RIGHT", "an outer join is written in WHERE, as A.x =* B.y"},
+    {"FULL", "an outer join is written in WHERE, as A.x *=* B.y"},
+    {"IN", "there is no IN: ask for one value at a time with ="},
+    {"BETWEEN", "there is no BETWEEN: write x >= least AND x <= greatest"},
+    {"UNION", "there is no UNION: run one statement after the other"},
+    {"OFFSET", kFirst},
+    {"WITHIN", "there is no WITHIN: leave it out"},
+    {"GROUP", "there is no GROUP: leave it out"},
+};
+
+// SELECT FIRST Id, where a number is missing, and SELECT First of a property that is called so.
+Answer firstWithoutNumber(const Scene& scene) {
+  const std::size_t first = scene.is(scene.at, "FIRST") ? scene.at : scene.at - 1;
+  if (first == 0 || first > scene.at || !scene.is(first, "FIRST") || !scene.is(first - 1, "SELECT")) return {};
+  const auto& all = scene.pieces.all();
+  if (first + 1 < all.size() && all[first + 1].kind == Kind::Number) return {};
+  return Scene::Found{scene.isFilter ? "FIRST is a keyword, and a filter has no FIRST: leave it out"
+                                     : "FIRST is a keyword: to see the first rows only, write SELECT FIRST n ...",
+                      scene.offsetOf(first)};
+}
+
+// IN and BETWEEN, under NOT or in a filter, which has no OR.
+std::string hintOfValues(const Scene& scene, std::size_t word, bool isNegated) {
+  const std::string run = scene.isFilter ? "use one filter with " : "run one statement with ";
+  if (scene.is(word, "IN")) {
+    return isNegated ? "there is no IN: write x <> a AND x <> b"
+                     : "there is no IN: use one filter for each value, with =";
+  }
+  return isNegated ? "there is no BETWEEN: " + run + "x < least and one with x > greatest"
+                   : "there is no BETWEEN: write x >= least AND x <= greatest";
+}
+
+// The last word of the reference that begins there.
+std::size_t lastWordOf(const Scene& scene, std::size_t piece) {
+  while (scene.isOneOf(piece + 1, ".", "::") && scene.pieces.isWord(piece + 2)) piece += 2;
+  return piece;
+}
+
+// The first column of the select list that is no call; the piece at fault when each is one.
+std::size_t plainColumn(const Scene& scene) {
+  bool isStart = false;
+  std::size_t depth = 0;
+  for (std::size_t piece = 0; piece < scene.pieces.all().size() && !scene.is(piece, "FROM"); ++piece) {
+    if (isStart && scene.pieces.isWord(piece) && !scene.is(piece + 1, "(") && !scene.is(piece, "FIRST")) return piece;
+    if (scene.is(piece, "(")) ++depth;
+    if (scene.is(piece, ")") && depth > 0) --depth;
+    isStart = scene.is(piece, "SELECT") || (depth == 0 && scene.is(piece, ","));
+  }
+  return scene.at;
+}
+
+// The command that prints what a later one may group.
+std::string groupingText(const Scene& scene, const std::string& column) {
+  const std::string from = scene.word(scene.find("FROM") == kNowhere ? kNowhere : scene.find("FROM") + 1);
+  return "there is no GROUP BY: an aggregate covers all rows. Another program groups the rows: qorql -o jsonl "
+         "\"SELECT * FROM " +
+         (from.empty() ? "Class" : from) + "\" | jq -s \"group_by(." + column + ")\"";
+}
+
+constexpr char kOnlyAsks[] = "the language only reads: every statement begins with SELECT";
+constexpr ForeignWord kForeignStatements[] = {
+    {"SHOW", "qorql classes lists the classes, and qorql contents those with instances; in the shell, .tables does"},
+    {"DESCRIBE", "qorql describe CLASS describes a class; in the shell, .describe CLASS does"},
+    {"DESC", "qorql describe CLASS describes a class; in the shell, .describe CLASS does"},
+    {"USE", "choose the namespace with the option --namespace, or in the shell with .namespace"},
+    {"WITH", kOnlyAsks},
+    {"INSERT", kOnlyAsks},
+    {"UPDATE", kOnlyAsks},
+    {"DELETE", kOnlyAsks},
+    {"CREATE", kOnlyAsks},
+    {"ALTER", kOnlyAsks},
+    {"DROP", kOnlyAsks},
+};
+
+}  // namespace
+
+Answer foreignWord(const Scene& scene) {
+  if (!scene.isSyntax()) return {};
+  if (const Answer first = firstWithoutNumber(scene)) return first;
+  // TOP 5 is taken for a property and a fault; NOT IN is a fault at NOT.
+  const bool isBefore = scene.at > 0 && scene.is(scene.at - 1, "TOP");
+  const bool isNegated = scene.is(scene.at, "NOT");
+  const std::size_t at = isBefore ? scene.at - 1 : isNegated ? scene.at + 1 : scene.at;
+  const bool isCondition = scene.isOneOf(at, "IN", "BETWEEN");
+  if (isCondition && (isNegated || scene.isFilter)) {
+    return Scene::Found{hintOfValues(scene, at, isNegated), scene.offsetOf(at)};
+  }
+  for (const ForeignWord& known : kForeignWords) {
+    if (!scene.is(at, known.word)) continue;
+    const bool isOfQueries = scene.isFilter && !scene.is(at, "WITHIN");
+    return Scene::Found{isOfQueries ? "a filter has no " + std::string(known.word) + ": leave it out" : known.hint,
+                        scene.offsetOf(at)};
+  }
+  return {};
+}
+
+Answer groupBy(const Scene& scene) {
+  const bool isHere = scene.isSyntax() && scene.is(scene.at, "GROUP");
+  if (!isHere || !scene.is(scene.at + 1, "BY")) return {};
+  if (scene.isFilter) return scene.here("a filter has no GROUP BY: leave it out");
+  const std::string column = scene.word(lastWordOf(scene, scene.at + 2));
+  return scene.here(groupingText(scene, column.empty() ? "Name" : column));
+}
+
+Answer columnBesideAggregate(const Scene& scene) {
+  if (scene.fault.kind != Fault::kColumnBesideAggregate) return {};
+  if (scene.isFilter) return scene.here(kNoFunctions);
+  const std::size_t column = scene.is(scene.at + 1, "(") ? plainColumn(scene) : scene.at;
+  const std::size_t group = scene.find("GROUP");
+  const bool isGrouped = group != kNowhere && scene.is(group + 1, "BY") && scene.pieces.isWord(group + 2);
+  return Scene::Found{groupingText(scene, scene.word(lastWordOf(scene, isGrouped ? group + 2 : column))),
+                      scene.offsetOf(column)};
+}
+
+Answer unknownFunction(const Scene& scene) {
+  if (scene.fault.kind != Fault::kFunctionUnknown) return {};
+  if (scene.isFilter) return scene.here(kNoFunctions);
+  QORQL_Suggestion suggestion(scene.fault.name.view());
+  std::string all;
+  for (QORuint32 id = QORQL_FUNCTIONID_OBJECTPATH; id <= QORQL_FUNCTIONID_INSTANCEOF; ++id) {
+    suggestion.consider(QORQL_functionName(id));
+    all += std::string(all.empty() ? "" : ", ") + QORQL_functionName(id);
+  }
+  return scene.here(
+      "there is no function " + textOf(scene.fault.name) +
+      (suggestion.best().empty() ? ": the language has " + all : ": did you mean " + suggestion.best() + "?"));
+}
+
+Answer countOfAll(const Scene& scene) {
+  const bool isHere = scene.isSyntax() && scene.is(scene.at, "*") && scene.at >= 2 && scene.is(scene.at - 1, "(");
+  return isHere ? scene.here("an aggregate takes a property, as in COUNT(Name)") : Answer();
+}
+
+Answer unknownForm(const Scene& scene) {
+  // FORMAT JSON: AS is missing.
+  const bool isAsMissing =
+      scene.isSyntax() && scene.at > 0 && scene.is(scene.at - 1, "FORMAT") && scene.pieces.isWord(scene.at);
+  if (scene.fault.kind != Fault::kFormatUnknown && !isAsMissing) return {};
+  if (scene.isFilter) return scene.here("a filter has no FORMAT: leave it out");
+  if (isAsMissing && scene.isOneOf(scene.at, "QORIOBJECT", "XML", "HTML", "CSV")) {
+    return scene.here("AS follows FORMAT: FORMAT AS " + scene.word(scene.at));
+  }
+  const std::string formats = "the formats of the language are QORIOBJECT, XML, HTML and CSV";
+  const bool isOfTool = scene.isOneOf(scene.at, "JSON", "JSONL", "TABLE", "MOF");
+  return scene.here(formats + (isOfTool ? "; qorql has more: qorql -o " + inLowerCase(scene.word(scene.at)) : ""));
+}
+
+Answer foreignStatement(const Scene& scene) {
+  if (!scene.isSyntax() || scene.at != 0) return {};
+  for (const ForeignWord& known : kForeignStatements) {
+    if (scene.is(0, known.word)) return scene.here(known.hint);
+  }
+  return {};
+}
+
+// A class without a SELECT before it.
+Answer classAlone(const Scene& scene) {
+  if (!scene.isSyntax() || scene.at != 0 || !scene.names.classes || scene.pieces.all().size() > 2) return {};
+  const std::vector<QORString> classes = scene.names.classes();
+  for (std::size_t piece = 0; piece < scene.pieces.all().size(); ++piece) {
+    const auto isThis = [&](const QORString& name) { return scene.is(piece, name.view()); };
+    const auto found = std::find_if(classes.begin(), classes.end(), isThis);
+    if (found != classes.end())
+      return Scene::Found{"to see the objects of a class, write SELECT * FROM " + textOf(*found),
+                          scene.offsetOf(piece)};
+  }
+  return {};
+}
+
+}  // namespace QORQL_HintRules
