@@ -161,6 +161,10 @@ Answer halfAssociation(const Scene& scene) {
   if (scene.fault.kind != Fault::kHalfAssociation) return {};
   const std::size_t where = scene.find("WHERE");
   const std::size_t path = scene.find("OBJECTPATH", where == kNowhere ? 0 : where);
+  if (scene.isFilter) {
+    return Scene::Found{"a filter asks one instance at a time: it has no associations",
+                        path == kNowhere ? scene.offset : scene.offsetOf(path)};
+  }
   if (path == kNowhere) {
     return scene.here("write both ends of an association side by side: Link = a AND Link = b");
   }

@@ -78,12 +78,16 @@ std::size_t lastWordOf(const Scene& scene, std::size_t piece) {
   return piece;
 }
 
-// The first column of the select list that is no call; the piece at fault when each is one.
+// The first column of the select list that is a property; the piece at fault when none is.
 std::size_t plainColumn(const Scene& scene) {
   bool isStart = false;
   std::size_t depth = 0;
   for (std::size_t piece = 0; piece < scene.pieces.all().size() && !scene.is(piece, "FROM"); ++piece) {
-    if (isStart && scene.pieces.isWord(piece) && !scene.is(piece + 1, "(") && !scene.is(piece, "FIRST")) return piece;
+    if (isStart && scene.is(piece, "FIRST")) {
+      ++piece;  // past its number
+      continue;
+    }
+    if (isStart && scene.pieces.isWord(piece) && !scene.is(piece + 1, "(")) return piece;
     if (scene.is(piece, "(")) ++depth;
     if (scene.is(piece, ")") && depth > 0) --depth;
     isStart = scene.is(piece, "SELECT") || (depth == 0 && scene.is(piece, ","));
@@ -150,6 +154,9 @@ Answer columnBesideAggregate(const Scene& scene) {
   const std::size_t column = scene.is(scene.at + 1, "(") ? plainColumn(scene) : scene.at;
   const std::size_t group = scene.find("GROUP");
   const bool isGrouped = group != kNowhere && scene.is(group + 1, "BY") && scene.pieces.isWord(group + 2);
+  if (!isGrouped && scene.is(column + 1, "(")) {
+    return scene.here("an aggregate covers all rows: ask for it in a statement of its own");
+  }
   return Scene::Found{groupingText(scene, scene.word(lastWordOf(scene, isGrouped ? group + 2 : column))),
                       scene.offsetOf(column)};
 }
@@ -170,7 +177,8 @@ Answer unknownFunction(const Scene& scene) {
 
 Answer countOfAll(const Scene& scene) {
   const bool isHere = scene.isSyntax() && scene.is(scene.at, "*") && scene.at >= 2 && scene.is(scene.at - 1, "(");
-  return isHere ? scene.here("an aggregate takes a property, as in COUNT(Name)") : Answer();
+  if (!isHere) return {};
+  return scene.here(scene.isFilter ? kNoFunctions : "an aggregate takes a property, as in COUNT(Name)");
 }
 
 Answer unknownForm(const Scene& scene) {

@@ -20,15 +20,19 @@ constexpr const char* kKeywords[] = {"SELECT", "FROM", "WHERE", "ORDER", "BY",  
 
 // --- the language's own words --------------------------------------------------------
 
+constexpr char kNoOrder[] = "a filter has no ORDER BY: leave it out";
+
 Answer secondSortKey(const Scene& scene) {
   const bool isBehindKey = scene.fault.kind == Fault::kDirectionMissing;
   const bool isBehindDirection = scene.isSyntax() && scene.at > 0 && scene.isOneOf(scene.at - 1, "ASC", "DESC");
   if (!scene.is(scene.at, ",") || (!isBehindKey && !isBehindDirection)) return {};
+  if (scene.isFilter) return scene.here(kNoOrder);
   return scene.here("rows can be sorted by one key only");
 }
 
 Answer missingDirection(const Scene& scene) {
   if (scene.fault.kind != Fault::kDirectionMissing) return {};
+  if (scene.isFilter) return scene.here(kNoOrder);
   QORQL_Suggestion suggestion(scene.word(scene.at));
   for (const char* const direction : {"ASC", "DESC", "ASCENDING", "DESCENDING"}) suggestion.consider(direction);
   const bool isUp = suggestion.best().starts_with("ASC");

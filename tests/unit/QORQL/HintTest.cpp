@@ -212,6 +212,11 @@ constexpr Row kRows[] = {
     {"column-beside-aggregate", "SELECT COUNT(i.Id) AS n, ^i.Name FROM Item AS i",
      "there is no GROUP BY: an aggregate covers all rows. Another program groups the rows: qorql -o jsonl "
      "\"SELECT * FROM Item\" | jq -s \"group_by(.Name)\""},
+    {"column-beside-aggregate", "SELECT OBJECTPATH(i) AS p, ^COUNT(i.Id) AS n FROM Item AS i",
+     "an aggregate covers all rows: ask for it in a statement of its own"},
+    {"column-beside-aggregate", "SELECT FIRST 3 ^Name, COUNT(Id) FROM Item",
+     "there is no GROUP BY: an aggregate covers all rows. Another program groups the rows: qorql -o jsonl "
+     "\"SELECT * FROM Item\" | jq -s \"group_by(.Name)\""},
     {"group-by", "SELECT i.Name FROM Item AS i ^GROUP BY i.Name",
      "there is no GROUP BY: an aggregate covers all rows. Another program groups the rows: qorql -o jsonl "
      "\"SELECT * FROM Item\" | jq -s \"group_by(.Name)\""},
@@ -339,6 +344,11 @@ TEST_F(Hints, SayNothingWhereTheErrorSaysAll) {
 
 // OR, NOT, LIKE and IS NULL never match in a filter, and it has no rows.
 constexpr Row kFilterRows[] = {
+    {"count-of-all", "SELECT COUNT(^*) AS n FROM Item", "a function has no value in a filter: select properties"},
+    {"second-sort-key", "SELECT * FROM Item ORDER BY Id ASC^, Name ASC", "a filter has no ORDER BY: leave it out"},
+    {"missing-direction", "SELECT * FROM Item ORDER BY Id^", "a filter has no ORDER BY: leave it out"},
+    {"half-association", "SELECT a.Id FROM Item AS a, Box AS b WHERE ^OBJECTPATH(a) = OBJECTPATH(b)",
+     "a filter asks one instance at a time: it has no associations"},
     {"null-comparison", "SELECT * FROM Item WHERE Size ^= NULL",
      "a condition on NULL never matches in a filter: leave it out"},
     {"late-not", "SELECT * FROM Item WHERE Name ^NOT LIKE 'a'",
