@@ -12,6 +12,25 @@ namespace {
 // Nothing is declared in a namespace that was not meant.
 constexpr const char* kLostNameSpace = "; what follows is left out, up to the next namespace";
 
+// In a path every row of backslashes, doubled or not, is a slash; the row at its front stands before a host.
+void appendSlashed(std::string& path, std::string_view text) {
+  for (const char c : text) {
+    if (c != '\\') {
+      path += c;
+    } else if (path.empty()) {
+      path = "//";
+    } else if (path.back() != '/') {
+      path += '/';
+    }
+  }
+}
+
+std::string slashed(std::string_view path) {
+  std::string result;
+  appendSlashed(result, path);
+  return result;
+}
+
 }  // namespace
 
 MofParser::MofParser(const MofSource& source, MofDocument& document, MofReport& report, Context& context)
@@ -202,11 +221,17 @@ void MofParser::readPragma() {
   _hasLostNameSpace = isNameSpace && _report.isLenient();
   if (_hasLostNameSpace) _context.nameSpace = QORString();
   const MofName name = expectName("the name of a pragma");
-  expectSymbol('(');
+  const bool isKnown = isNameSpace || isMofWord(name.text.view(), "include");
+  const std::string reads = isKnown ? "" : kLenientReads;
+  const bool isAtLineEnd = _token.offset >= _scanner.lineEndAfter(_lastEnd);
+  if (isAtLineEnd && !isSymbol('('))
+    throw MofFault{{&_source, _lastEnd}, "found the end of the line, expected \"(\"" + reads};
+  if (!isSymbol('(')) fail("\"(\"" + reads);
+  advance();
   const MofLocation at = here();
-  if (_token.kind != Kind::String) fail("a string");
+  if (_token.kind != Kind::String) fail("a string" + reads);
   const std::string argument = _hasLostNameSpace ? readNameSpacePath() : readString();
-  if (!isSymbol(')')) fail("\")\"");
+  if (!isSymbol(')')) fail("\")\"" + reads);
   _pragma = std::string_view::npos;
   // The included file is read first: the next token comes after its content.
   if (isMofWord(name.text.view(), "include")) _context.include(argument, at);
@@ -234,7 +259,9 @@ bool MofParser::passOverPragma() {
 void MofParser::enterNameSpace(const std::string& path, const MofLocation& at) {
   const QORString nameSpace = localMofNameSpace(path);
   if (nameSpace.isEmpty()) {
-    _report.add(at, "\"" + path + "\" is not a namespace" + (_report.isLenient() ? kLostNameSpace : ""));
+    const bool isWindowsPath = path.find('\\') != std::string::npos && !localMofNameSpace(slashed(path)).isEmpty();
+    const char* const reads = isWindowsPath ? kLenientReads : "";
+    _report.add(at, "\"" + path + "\" is not a namespace" + (_report.isLenient() ? kLostNameSpace : reads));
     return;
   }
   _document.nameSpaces.push_back(nameSpace);
@@ -242,20 +269,9 @@ void MofParser::enterNameSpace(const std::string& path, const MofLocation& at) {
   _context.hasNamed = true;
 }
 
-// In a path every row of backslashes, doubled or not, is a slash; the row at its front stands before a host.
 std::string MofParser::readNameSpacePath() {
   std::string path;
-  for (; _token.kind == Kind::String; advance()) {
-    for (const char c : textOf(_token).substr(1, _token.length - 2)) {
-      if (c != '\\') {
-        path += c;
-      } else if (path.empty()) {
-        path = "//";
-      } else if (path.back() != '/') {
-        path += '/';
-      }
-    }
-  }
+  for (; _token.kind == Kind::String; advance()) appendSlashed(path, textOf(_token).substr(1, _token.length - 2));
   return isUtf8(path) ? path : std::string();
 }
 

@@ -52,6 +52,9 @@ class MofParser {
  private:
   using Kind = MofToken::Kind;
 
+  // Ends what is said of a form that strict loads refuse.
+  static constexpr const char* kLenientReads = "; a lenient load (--lenient) reads it";
+
   // Tokens.
   void step() noexcept;
   // Moves to the next token. THROWS MofFault when there is none.
@@ -96,6 +99,8 @@ class MofParser {
   void readScopes(std::vector<QORString>& scopes);
   void readFlavors(std::vector<MofFlavor>& flavors);
   bool takeFlavor(std::vector<MofFlavor>& flavors);
+  bool isIdleFlavor() const noexcept;
+  void refuseFlavor();
 
   // Instances and values.
   std::unique_ptr<MofInstanceSyntax> readInstance(QORuint32 depth);

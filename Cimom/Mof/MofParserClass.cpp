@@ -73,7 +73,7 @@ void MofParser::readScopes(std::vector<QORString>& scopes) {
 void MofParser::readFlavors(std::vector<MofFlavor>& flavors) {
   expectSymbol('(');
   do {
-    if (!takeFlavor(flavors)) fail("a flavor such as \"EnableOverride\" or \"ToSubclass\"");
+    if (!takeFlavor(flavors)) refuseFlavor();
   } while (takeSymbol(','));
   expectSymbol(')');
 }
@@ -84,9 +84,18 @@ bool MofParser::takeFlavor(std::vector<MofFlavor>& flavors) {
     flavors.push_back(known.flavor);
     return true;
   }
-  if (!_report.isLenient()) return false;
+  if (!_report.isLenient() || !isIdleFlavor()) return false;
+  advance();
+  return true;
+}
+
+bool MofParser::isIdleFlavor() const noexcept {
   return std::any_of(std::begin(kIdleFlavors), std::end(kIdleFlavors),
-                     [this](const char* word) { return takeWord(word); });
+                     [this](const char* word) { return isWord(word); });
+}
+
+void MofParser::refuseFlavor() {
+  fail(std::string("a flavor such as \"EnableOverride\" or \"ToSubclass\"") + (isIdleFlavor() ? kLenientReads : ""));
 }
 
 std::vector<MofQualifierSyntax> MofParser::readQualifiers() {
@@ -112,8 +121,9 @@ MofQualifierSyntax MofParser::readQualifier() {
     qualifier.value = readArray(0);
   }
   if (takeSymbol(':')) {
-    if (!takeFlavor(qualifier.flavors)) fail("a flavor such as \"EnableOverride\" or \"ToSubclass\"");
+    if (!takeFlavor(qualifier.flavors)) refuseFlavor();
     while (takeFlavor(qualifier.flavors)) continue;
+    if (isIdleFlavor()) refuseFlavor();
   }
   return qualifier;
 }

@@ -52,6 +52,43 @@ class WorldCase(ToolCase):
         return self.run_tool(command, "--no-live", "-m", self.mof, *arguments)
 
 
+class Elsewhere(ToolCase):
+    """The model is in other namespaces than the one that is asked."""
+
+    def setUp(self):
+        super().setUp()
+        self.mof = self.write("far.mof", "".join(
+            f'#pragma namespace ("{name}")\nQualifier Key : boolean = false, Scope(property), Flavor(DisableOverride);\n'
+            f"class F_{name[-1]} {{ [Key] string K; }};\nclass F_All {{ [Key] string K; }};\n" for name in ("interop", "root/b")))
+
+    def far(self, command, *arguments):
+        return self.run_tool(command, "--no-live", "-m", self.mof, *arguments)
+
+    def test_no_class_at_all(self):
+        for command in ("classes", "instances"):
+            self.refused(self.far(command), 1, "qorql: error: no class in namespace root/cimv2 but in interop, root/b")
+
+    def test_a_class(self):
+        for command in ("class", "describe", "instances"):
+            self.refused(self.far(command, "F_b"), 1,
+                         "qorql: error: there is no class F_b in namespace root/cimv2 but in root/b")
+            self.refused(self.far(command, "F_All"), 1,
+                         "qorql: error: there is no class F_All in namespace root/cimv2 but in interop, root/b")
+        self.refused(self.far("get", 'F_b.K="a"'), 1,
+                     "qorql: error: there is no class F_b in namespace root/cimv2 but in root/b")
+
+    def test_a_pattern(self):
+        for command in ("classes", "instances"):
+            self.refused(self.far(command, "F_p*"), 1,
+                         'qorql: error: no class matches "F_p*" in namespace root/cimv2 but in interop')
+
+    def test_contents_that_no_class_matches(self):
+        self.refused(self.far("contents", "Nope"), 1, 'qorql: error: no class matches "Nope"')
+        self.refused(self.far("contents", "-n", "root/b", "-o", "json", "F_p"), 1,
+                     'qorql: error: no class matches "F_p" in namespace root/b but in interop')
+        self.assertIn("root/b", self.succeed(self.far("contents", "F_b")))  # without instances
+
+
 class Contents(WorldCase):
     def lists(self, *arguments):
         """The rows of the three lists, of CSV."""
@@ -208,6 +245,11 @@ class Describe(WorldCase):
             for row in json.loads(self.succeed(self.run_tool("describe", "-o", "json", name))):
                 if row["Class"] == name and not row["Type"].endswith(" REF"):
                     self.assertIsNotNone(row["Description"], f"{name}.{row['Property']}")
+
+    def test_a_pattern(self):
+        self.refused(self.world("describe", "W_*"), 1,
+                     "qorql: error: there is no class W_* in namespace root/cimv2: a name is needed here, and no pattern; "
+                     "qorql classes 'W_*' lists what matches")
 
     def test_unknown_class(self):
         self.refused(self.world("describe", "W_Bocks"), 1, "qorql: error: there is no class W_Bocks in namespace root/cimv2")

@@ -65,6 +65,21 @@ class Explain(ToolCase):
                 f"WHERE {association} = {source} AND {association} = {target}"))
             self.assertEqual("".join(line + "\n" for line in text.splitlines() if "note:" in line), note, text)
 
+    def test_a_role_between_objects_of_one_class(self):
+        path = self.write("ends.mof", "class T_A { [Key] uint32 Id; };"
+                          "[Association] class T_L { [Key] T_A REF Lft; [Key] T_A REF Rgt; };"
+                          'instance of T_A { Id = 1; }; instance of T_A { Id = 2; };'
+                          'instance of T_L { Lft = "T_A.Id=1"; Rgt = "T_A.Id=2"; };')
+        for sources, source in (("T_A AS a, T_A AS b", "T_A AS B"), ("T_A", "T_A")):
+            text = self.succeed(self.run_tool("explain", "--no-live", "--quiet", "-m", path,
+                                              f"SELECT Id FROM {sources} WHERE T_L = T_A AND T_L = T_A"
+                                              if source == "T_A" else
+                                              f"SELECT b.Id FROM {sources} WHERE T_L = a AND T_L = b"))
+            query = (f"SELECT l.Rgt FROM T_L AS l, {source} WHERE l.Lft = OBJECTPATH({source.split()[-1]})")
+            self.assertIn(f"to ask for one: {query} [ASSOC-7]\n", text)
+            self.assertEqual(self.succeed(self.run_tool("--no-live", "-m", path, "-o", "csv", query)),
+                             "Rgt\nroot/cimv2:T_A.Id=2\n")
+
     def test_properties_that_no_class_has(self):
         text = self.succeed(self.explain("SELECT i.Nam, i.Id FROM Shop_Item AS i WHERE i.Zzz = 1"))
         self.assertTrue(text.endswith(

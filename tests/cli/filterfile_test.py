@@ -67,8 +67,29 @@ class Layout(FileCase):
 
     def test_a_name_that_stands_twice(self):
         result = self.validate(f"a: {ALERT}\nb: {ALERT}\na: {ALERT}\n")
-        self.assertEqual((result.status, result.err), (1, "qorql: error: line 3: there is a filter a in line 1 already\n"
-                                                          "qorql: 3 filters: 3 valid, 0 invalid\n"))
+        self.assertEqual((result.status, result.err), (1, "qorql: 3 filters: 2 valid, 1 invalid\n"))
+        self.assertEqual(result.out.splitlines()[2], "invalid\tthere is a filter a in line 1 already\tline 3\ta")
+        told = json.loads(self.validate(f"a: {ALERT}\na: SELECT\n", "-o", "json", "--quiet").out)
+        self.assertEqual([filter["valid"] for filter in told], [True, False])
+        self.assertTrue(told[1]["reason"].startswith("there is a filter a in line 1 already; "), told)
+
+    def test_lines_at_the_margin_that_go_on(self):
+        hint = "qorql: hint: line {}: a filter goes on in lines that are indented under it\n"
+        text = "SELECT *\nFROM CIM_AlertIndication\nWHERE EventID = 'a'\n\n" + ALERT + "\nWHERE EventID = 'a'\n"
+        result = self.validate(text)
+        self.assertEqual(result.err.count("indented"), 2)
+        for line in (2, 6):
+            self.assertIn(hint.format(line), result.err)
+        self.assertIn(hint.format(2), self.run_tool("match", "--filters", self.write("f.txt", text)).err)
+        for text in (ALERT + "\n\nWHERE\n", ALERT + "\n  WHERE\n", "WHERE\n", ALERT + "\nSELECT\n"):
+            self.assertNotIn("indented", self.validate(text).err, text)
+        self.assertNotIn("hint", self.validate("SELECT *\nFROM CIM_AlertIndication\n", "--quiet").err)
+
+    def test_a_semicolon_behind_a_filter(self):
+        for result in (self.validate(ALERT + ";\n"), self.run_tool("validate", ALERT + " ;")):
+            self.assertEqual(result.status, 1)
+            self.assertIn("a filter ends without a ;\n", result.err)
+        self.assertNotIn("without a ;", self.validate(f"{ALERT}; {ALERT}\n").err)
 
 
 class Summary(FileCase):

@@ -4,7 +4,7 @@ import time
 import unittest
 
 import toolcase
-from toolcase import ToolCase
+from toolcase import MODEL, ToolCase
 
 FROM = " FROM Shop_Item"
 WHERE = "SELECT Id FROM Shop_Item WHERE "
@@ -218,22 +218,51 @@ class Filters(HintCase):
             self.assertEqual(result.status, 3)
             self.assertTrue(result.err.endswith(hint), result.err)
             self.assertNotIn("hint", self.run_tool("match", "--quiet", self.ALERT + "EventID = 'a'", path).err)
+    def test_a_schema_that_is_given_as_instances_to_a_filter_of_its_classes(self):
+        hint = "qorql: hint: a schema is given by --mof FILE; the files after the filter hold instances\n"
+        schema = self.write("schema.mof", "class XYZ_A { [Key] uint32 K; };\n")
+        filters = self.write("filters.txt", "SELECT * FROM XYZ_A\n")
+        for arguments in (["SELECT * FROM XYZ_A", schema], ["--filters", filters, schema]):
+            result = self.run_tool("match", *arguments)
+            self.assertEqual(result.status, 1)
+            self.assertTrue(result.err.endswith(hint), result.err)
+            self.assertNotIn("hint", self.run_tool("match", "--quiet", *arguments).err)
+        instances = self.write("a.mof", "instance of CIM_AlertIndication { };\n")
+        for arguments in (["SELECT * FROM XYZ_A", instances], ["SELECT * FROM XYZ_A"],
+                          ["SELECT * FROM XYZ_A", self.folder + "/none.mof"], ["SELECT K FROM CIM_AlertIndication", schema]):
+            self.assertNotIn("--mof", self.run_tool("match", *arguments).err, arguments)
+
+    def test_a_schema_that_cannot_be_read(self):
         path = self.write("bad.mof", "instance of Nowhere { K = 1; };\n")
         self.assertNotIn("hint", self.run_tool("match", self.ALERT + "EventID = 'a'", path).err)
 
 
 class CommandLine(ToolCase):
+    def test_a_command_of_the_shell(self):
+        told = self.model(stdin=".tables\n")
+        self.assertEqual((told.status, told.err.splitlines()[1]), (
+            1, "qorql: hint: commands with a dot are for the shell at a terminal; here qorql contents, qorql classes and "
+               "qorql describe CLASS tell what there is"))
+        self.assertNotIn("hint", self.model("--quiet", stdin=".tables\n").err)
+
     def test_options_and_commands(self):
         for arguments, hint in (
                 (["--nolive", "SELECT"], "did you mean --no-live?"),
                 (["match", "--nolive", "SELECT"], "did you mean --no-live?"),
                 (["--ouput=csv", "SELECT"], "did you mean --output?"),
                 (["Q", "Linux_Process"], 'a statement is one argument, in quotes: qorql "SELECT * FROM Linux_Process"'),
+                (["SELECT", "FIRST", "2", "Name", "FROM", "Linux_User"],
+                 'a statement is one argument, in quotes: qorql "SELECT FIRST 2 Name FROM Linux_User"'),
+                (["select", MODEL, MODEL, "FROM", "Linux_User"],
+                 'a statement is one argument, in quotes: qorql "select * FROM Linux_User"'),
+                (["show", "tables"], "qorql contents tells what there is"),
                 (["clases", "Linux_Process"], "did you mean the command classes?")):
             with self.subTest(arguments=arguments):
                 result = self.run_tool(*arguments)
                 self.assertEqual(result.status, 2)
                 self.assertEqual(result.err.splitlines()[1], f"qorql: hint: {hint}")
+        quiet = self.run_tool("--quiet", "Q", "Linux_Process")
+        self.assertEqual(quiet.err.splitlines()[1:], ["Try qorql --help."])
         self.assertNotIn("hint", self.run_tool("--nonsense-of-mine", "SELECT").err)
 
 

@@ -145,6 +145,11 @@ class WrongUse(ToolCase):
     def test_a_command_behind_options_knows_its_own(self):
         self.wrong_usage(self.run_tool("--no-live", "classes", "-o", "csv"), "-o", command="qorql classes")
 
+    def test_what_is_not_expected_is_told_as_it_was_typed(self):
+        for arguments, extra in ((["classes", "a", "b", "c"], "arguments were not expected: b c"),
+                                 (["instances", "-o", "json", "X"], "argument was not expected: -o")):
+            self.assertEqual(self.run_tool(*arguments).err.splitlines()[0], f"qorql: The following {extra}")
+
     def test_a_command_is_named_once(self):
         self.wrong_usage(self.run_tool("classes", "--no-live", "class", "Shop_Item"), "Shop_Item",
                          command="qorql classes")

@@ -422,7 +422,11 @@ class Files(ValidateCase):
 
     def test_all_valid(self):
         self.assertEqual(self.succeed(self.validate(stdin=ALERT)), "valid\tCIM_AlertIndication\t*\tline 1\n")
-        self.assertEqual(self.succeed(self.validate(stdin="\n")), "")
+
+    def test_none(self):
+        for arguments, name in (((), "standard input"), (("-f", self.write("none.txt", "# nothing\n")), None)):
+            name = name or arguments[1]
+            self.refused(self.validate(*arguments, stdin="\n"), 1, f"qorql: error: {name} holds no filter")
 
 
 class Usage(ValidateCase):

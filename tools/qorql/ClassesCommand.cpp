@@ -60,6 +60,16 @@ void printClass(const EmbeddedObjectManager& manager, const ClassesOptions& opti
   std::cout << '\n';
 }
 
+// " but in interop, root/device": the namespaces of which something holds; empty when there is none.
+template <class Predicate>
+std::string elsewhere(const EmbeddedObjectManager& manager, Predicate isThere) {
+  std::string names;
+  for (const QORString& nameSpace : manager.namespaces()) {
+    if (isThere(nameSpace)) names.append(names.empty() ? " but in " : ", ").append(nameSpace.view());
+  }
+  return names;
+}
+
 int listClasses(const ClassesOptions& options) {
   Session session(options.session);
   try {
@@ -71,8 +81,7 @@ int listClasses(const ClassesOptions& options) {
   const Pager pager(!options.session.hasNoPager);
   for (const QORString& name : names) printClass(session.manager(), options, name);
   if (!names.empty()) return kExitDone;
-  const std::string which = options.pattern.empty() ? "" : " matches \"" + options.pattern + '"';
-  return reportRefusal("no class" + which + " in namespace " + options.session.nameSpace);
+  return reportRefusal(noMatchText(session.manager(), options.session.nameSpace, options.pattern));
 }
 
 }  // namespace
@@ -92,12 +101,29 @@ bool isClassMatch(const QORString& name, const std::string& pattern) {
 
 bool hasWildcard(const std::string& pattern) { return pattern.find_first_of("*?[") != std::string::npos; }
 
+std::string noMatchText(const EmbeddedObjectManager& manager, const std::string& nameSpace,
+                        const std::string& pattern) {
+  const std::string which = pattern.empty() ? "" : " matches \"" + pattern + '"';
+  const auto isThere = [&](const QORString& other) {
+    return !matchingClasses(manager, std::string(other.view()), pattern).empty();
+  };
+  return "no class" + which + " in namespace " + nameSpace + elsewhere(manager, isThere);
+}
+
 std::string missingClassText(const EmbeddedObjectManager& manager, const std::string& nameSpace,
                              const std::string& name) {
+  const std::string missing = "there is no class " + name + " in namespace " + nameSpace;
+  if (hasWildcard(name)) {
+    return missing + ": a name is needed here, and no pattern; qorql classes '" + name + "' lists what matches";
+  }
+  const std::string others = elsewhere(manager, [&](const QORString& other) {
+    return !manager.repository()->getClass(other, QORString(name)).IsNull();
+  });
+  if (!others.empty()) return missing + others;
   QORQL_Suggestion suggestion(name);
   for (const QORString& known : manager.classNames(QORString(nameSpace))) suggestion.consider(known.view());
   const std::string meant = suggestion.best().empty() ? "" : ": did you mean " + suggestion.best() + "?";
-  return "there is no class " + name + " in namespace " + nameSpace + meant;
+  return missing + meant;
 }
 
 CommandAction declareClassesCommand(CLI::App& app) {

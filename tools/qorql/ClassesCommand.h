@@ -21,7 +21,10 @@ bool isClassMatch(const QORString& name, const std::string& pattern);
 
 bool hasWildcard(const std::string& pattern);
 
-// Says that the namespace has no such class, and which may have been meant.
+// Says that no class of the namespace matches a pattern (any, when it is empty), and in which namespaces one does.
+std::string noMatchText(const EmbeddedObjectManager& manager, const std::string& nameSpace, const std::string& pattern);
+
+// Says that the namespace has no such class, and which namespaces have it or which class may have been meant.
 std::string missingClassText(const EmbeddedObjectManager& manager, const std::string& nameSpace,
                              const std::string& name);
 

@@ -4,9 +4,12 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <filesystem>
+#include <functional>
 #include <iostream>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -57,8 +60,19 @@ const Command& takeCommand(Arguments& arguments) {
   return *named;
 }
 
-// The library's message, except for flags that were given a value.
+// What the command did not take, as it was typed. An option that it does not know is the cause of what follows.
+std::string messageOfExtras(const CLI::App& app) {
+  std::vector<std::string> extra = app.remaining();
+  const auto isOption = [](const std::string& argument) { return argument.size() > 1 && argument.front() == '-'; };
+  if (std::any_of(extra.begin(), extra.end(), isOption)) std::erase_if(extra, std::not_fn(isOption));
+  return (extra.size() == 1 ? "The following argument was not expected: "
+                            : "The following arguments were not expected: ") +
+         CLI::detail::join(extra, " ");
+}
+
+// The library's message, except for what is not expected and for flags that were given a value.
 std::string messageOf(const CLI::App& app, const CLI::ParseError& error) {
+  if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) return messageOfExtras(app);
   for (const CLI::Option* option : app.get_options()) {
     for (const std::string& name : option->get_lnames()) {
       if (error.what() == std::string_view(CLI::ArgumentMismatch::FlagOverride(name).what())) {
@@ -85,19 +99,55 @@ std::string meantCommand(const std::string& name) {
   return suggestion.best();
 }
 
+bool isWord(const std::string& given, const char* word) { return QORString::equalIgnoringCase(given, word); }
+
+// Replaces the names of files between SELECT and FROM by the * that the shell has made them of.
+void foldFileNames(std::vector<std::string>& words) {
+  const auto from = std::find_if(words.begin(), words.end(), [](const auto& word) { return isWord(word, "FROM"); });
+  const auto isFile = [](const std::string& word) {
+    std::error_code unreadable;
+    return std::filesystem::exists(word, unreadable);
+  };
+  const auto first = words.begin() + 1;
+  if (from == words.end() || first == from || !std::all_of(first, from, isFile)) return;
+  *first = "*";
+  words.erase(first + 1, from);
+}
+
+// Of a statement whose words are arguments of their own: what follows the first that has no meaning.
+std::string quotedStatement(const std::string& first, const std::vector<std::string>& extra) {
+  std::vector<std::string> words = {first};
+  words.insert(words.end(), extra.begin(), extra.end());
+  foldFileNames(words);
+  return CLI::detail::join(words, " ");
+}
+
+// What may have been meant by a first argument that is no command and by those behind it.
+std::string hintOfWords(const std::string& first, const std::vector<std::string>& extra) {
+  if (isWord(first, "show")) return "qorql contents tells what there is";
+  const std::string meant = meantCommand(first);
+  if (!meant.empty()) return "did you mean the command " + meant + "?";
+  const std::string statement = isWord(first, "SELECT") ? quotedStatement(first, extra) : "SELECT * FROM " + extra[0];
+  return "a statement is one argument, in quotes: qorql \"" + statement + '"';
+}
+
 // What may have been meant by arguments that the command does not take.
 std::string hintOf(const CLI::App& app, const Command& command, const Arguments& arguments) {
   const std::vector<std::string> extra = app.remaining();
   if (extra.empty()) return {};
-  if (extra.front().starts_with('-')) {
-    const std::string option = meantOption(app, extra.front().substr(0, extra.front().find('=')));
+  const auto unknown = std::find_if(extra.begin(), extra.end(), [](const auto& word) { return word.starts_with('-'); });
+  if (unknown != extra.end()) {
+    const std::string option = meantOption(app, unknown->substr(0, unknown->find('=')));
     return option.empty() ? "" : "did you mean " + option + "?";
   }
   if (&command != &allCommands().front()) return {};
   const std::size_t place = firstPositional(arguments);
-  const std::string meant = place < arguments.size() ? meantCommand(arguments[place]) : "";
-  if (!meant.empty()) return "did you mean the command " + meant + "?";
-  return "a statement is one argument, in quotes: qorql \"SELECT * FROM " + extra.front() + "\"";
+  return hintOfWords(place < arguments.size() ? arguments[place] : "", extra);
+}
+
+bool isQuiet(const CLI::App& app) {
+  const CLI::Option* const option = app.get_option_no_throw("--quiet");
+  return option != nullptr && option->count() != 0;
 }
 
 int runCommand(int argc, const char* const* argv) {
@@ -111,7 +161,7 @@ int runCommand(int argc, const char* const* argv) {
     return declared.app->exit(success, std::cout, std::cerr);
   } catch (const CLI::ParseError& error) {
     std::cerr << "qorql: " << messageOf(*declared.app, error) << '\n';
-    const std::string hint = hintOf(*declared.app, command, arguments);
+    const std::string hint = isQuiet(*declared.app) ? "" : hintOf(*declared.app, command, arguments);
     if (!hint.empty()) std::cerr << "qorql: hint: " << printableText(hint) << '\n';
     std::cerr << "Try " << declared.app->get_name() << " --help.\n";
     return kExitUsage;

@@ -28,8 +28,8 @@ constexpr const char* kFooter =
     "PATTERN is a part of a class's name or, with * ? [ ] in it, the whole name; case does not\n"
     "matter. An association is listed when it or a class that it ties matches. Unless --namespace\n"
     "names one, all namespaces are listed. Live classes are asked for all their instances.\n"
-    "Exit status: 0 done; 2 wrong usage; 3 MOF, configuration or provider failure, after which the\n"
-    "other classes are listed all the same.\n"
+    "Exit status: 0 done; 1 no class matches; 2 wrong usage; 3 MOF, configuration or provider\n"
+    "failure, after which the other classes are listed all the same.\n"
     "\n"
     "svg and html draw the classes with inheritance and associations; they need graphviz's library\n"
     "libgvc, which dot does not.\n"
@@ -136,18 +136,37 @@ class Contents {
              {}};
 };
 
+std::vector<QORString> listedNamespaces(const EmbeddedObjectManager& manager, const ContentsOptions& options) {
+  std::vector<QORString> names = manager.namespaces();
+  std::erase_if(names, [&](const QORString& name) {
+    const bool isAsked = name.isEqualCaseInsensitive(QORString(options.session.nameSpace));
+    return options.session.isNamespaceGiven ? !isAsked : manager.classNames(name).empty();
+  });
+  return names;
+}
+
+// Of a pattern that no class matches, with instances or without; empty when one does, or all are asked for.
+std::string complaintOf(const EmbeddedObjectManager& manager, const ContentsOptions& options,
+                        const std::vector<QORString>& nameSpaces) {
+  const auto isMatch = [&](const QORString& nameSpace) {
+    return !matchingClasses(manager, std::string(nameSpace.view()), options.pattern).empty();
+  };
+  if (options.pattern.empty() || std::any_of(nameSpaces.begin(), nameSpaces.end(), isMatch)) return {};
+  return options.session.isNamespaceGiven ? noMatchText(manager, options.session.nameSpace, options.pattern)
+                                          : "no class matches \"" + options.pattern + '"';
+}
+
 int printContents(const ContentsOptions& options) {
   Session session(options.session);
   int status = kExitDone;
   try {
     session.open();
     EmbeddedObjectManager& manager = session.manager();
+    const std::vector<QORString> nameSpaces = listedNamespaces(manager, options);
+    const std::string complaint = complaintOf(manager, options, nameSpaces);
+    if (!complaint.empty()) return reportRefusal(complaint);
     Contents contents(options);
-    for (const QORString& nameSpace : manager.namespaces()) {
-      const bool isAsked = nameSpace.isEqualCaseInsensitive(QORString(options.session.nameSpace));
-      const bool isListed = options.session.isNamespaceGiven ? isAsked : !manager.classNames(nameSpace).empty();
-      if (isListed) contents.add(manager, nameSpace);
-    }
+    for (const QORString& nameSpace : nameSpaces) contents.add(manager, nameSpace);
     status = contents.print();
   } catch (...) {
     return reportStartFailure();

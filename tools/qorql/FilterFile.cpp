@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <map>
+#include <utility>
 
 namespace {
 
@@ -51,8 +52,11 @@ class FilterLines {
     const bool isWaiting = _isOpen && _filters.back().text.empty();
     if (isWaiting) return beginText(line, first);
     if (_isOpen && first != 0 && !beginsWithSelect(content)) return continueText(line);
+    const bool isStray = _isOpen && !beginsWithSelect(content);
     begin();
     beginText(line, first);
+    const bool followsStray = std::exchange(_isAstray, isStray);
+    _filters.back().isStray = isStray && !followsStray;
   }
   std::vector<FileFilter> filters() { return std::move(_filters); }
 
@@ -86,6 +90,7 @@ class FilterLines {
 
   std::vector<FileFilter> _filters;
   QORuint32 _line = 0;
+  bool _isAstray = false;    // the last line is stray or follows one
   bool _isOpen = false;      // an indented line continues the last filter
   std::size_t _skipped = 0;  // comments since the last line of the last filter
 };
@@ -107,15 +112,17 @@ std::string placeOfFilter(const FileFilter& filter) {
   return place + (filter.name.empty() ? ": " : " (" + filter.name + "): ");
 }
 
-std::vector<std::string> doubledNames(const std::vector<FileFilter>& filters) {
+const char* const kStrayHint = "a filter goes on in lines that are indented under it";
+
+std::map<QORuint32, std::string> doubledNames(const std::vector<FileFilter>& filters) {
   std::map<std::string_view, QORuint32> lines;
-  std::vector<std::string> doubled;
+  std::map<QORuint32, std::string> doubled;
   for (const FileFilter& filter : filters) {
     if (filter.name.empty()) continue;
     const auto [known, isNew] = lines.emplace(filter.name, filter.line);
     if (isNew) continue;
-    doubled.push_back("line " + std::to_string(filter.line) + ": there is a filter " + filter.name + " in line " +
-                      std::to_string(known->second) + " already");
+    doubled[filter.line] =
+        "there is a filter " + filter.name + " in line " + std::to_string(known->second) + " already";
   }
   return doubled;
 }

@@ -3,6 +3,7 @@
 #ifndef QORQL_TOOL_FILTERFILE_H
 #define QORQL_TOOL_FILTERFILE_H
 
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,6 +17,8 @@ struct FileFilter {
   // Where its text begins; columns count characters.
   QORuint32 firstLine = 1;
   QORuint32 firstColumn = 1;
+  // Whether the line at the margin can hardly begin a filter, and is the first such line under one.
+  bool isStray = false;
 };
 
 // A filter begins with a line and goes on in the lines that are indented under it, until a blank line or the next
@@ -27,7 +30,10 @@ std::vector<FileFilter> splitFilters(std::string_view text);
 // What stands before a message about a filter of a file: "line 3: " or "line 3 (fans): ".
 std::string placeOfFilter(const FileFilter& filter);
 
-// Says which names stand for more than one filter and where: "line 7: there is a filter fans in line 3 already".
-std::vector<std::string> doubledNames(const std::vector<FileFilter>& filters);
+// What is said of the lines of filters whose names others have: "there is a filter fans in line 3 already".
+std::map<QORuint32, std::string> doubledNames(const std::vector<FileFilter>& filters);
+
+// What is said of a stray line.
+extern const char* const kStrayHint;
 
 #endif

@@ -11,13 +11,13 @@
 
 bool FilterGroup::readFile(const std::string& path) {
   const std::vector<FileFilter> filters = splitFilters(normaliseText(readTextFile(path)));
-  const std::vector<std::string> doubled = doubledNames(filters);
-  for (const std::string& complaint : doubled) reportRefusal(complaint);
+  const std::map<QORuint32, std::string> doubled = doubledNames(filters);
+  for (const auto& [line, complaint] : doubled) reportRefusal("line " + std::to_string(line) + ": " + complaint);
   if (filters.empty()) reportRefusal(printableText(path) + " holds no filter");
   bool areSound = doubled.empty() && !filters.empty();
   for (const FileFilter& filter : filters) {
     if (!filter.name.empty()) _names.emplace(filter.line, filter.name);
-    areSound = take(_session.check(filter.text, filter.firstLine, filter.firstColumn), filter.line) && areSound;
+    areSound = take(_session.check(filter), filter.line) && areSound;
   }
   return areSound;
 }
@@ -26,6 +26,7 @@ bool FilterGroup::readOne(const std::string& text) { return take(_session.check(
 
 bool FilterGroup::take(CheckedFilter filter, Line line) {
   const std::string place = placeOf(line);
+  _lacksClass = _lacksClass || filter.lacksClass;
   if (!filter.reason.empty()) {
     reportRefusal(place + "the filter is not valid: " + filter.reason);
     _session.tellHint(filter, place);

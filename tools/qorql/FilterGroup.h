@@ -34,6 +34,8 @@ class FilterGroup {
   std::string textOf(const Lines& lines) const;
   // The same as an array: [2, "fans"].
   std::string jsonOf(const Lines& lines) const;
+  // Whether one was refused since a class of FROM does not exist.
+  bool lacksClass() const noexcept { return _lacksClass; }
   // What stands before a message about a filter; nothing for one alone.
   std::string placeOf(Line line) const;
 
@@ -46,6 +48,7 @@ class FilterGroup {
   std::map<Line, std::string> _names;  // of those that have one
   CQLFilterSet _filters;
   Lines _found;
+  bool _lacksClass = false;
 };
 
 #endif

@@ -23,6 +23,12 @@ SessionOptions sessionOptions(const FilterOptions& options) {
   return session;
 }
 
+// Whether the fault is a ; behind the filter.
+bool endsWithSemicolon(const StatementText& filter, const CQLQueryFault& fault) {
+  const std::size_t piece = filter.pieceAt(fault.offset);
+  return filter.is(piece, ";") && piece + 1 == filter.pieces().size();
+}
+
 }  // namespace
 
 FilterSession::FilterSession(const FilterOptions& options) : _options(options), _session(sessionOptions(options)) {}
@@ -53,7 +59,9 @@ CheckedFilter FilterSession::check(const std::string& text, QORuint32 firstLine,
   const StatementText filter(text, firstLine, firstColumn);
   const CQLQueryFault& fault = checked.statement->getFault();
   if (fault.kind != CQLQueryFault::kNone) {
-    checked.reason = StatementFault(manager(), nameSpace(), filter).describe(fault).text;
+    const StatementFault described(manager(), nameSpace(), filter);
+    checked.reason = described.describe(fault).text;
+    checked.lacksClass = fault.kind != CQLQueryFault::kSyntax && described.hasUnknownClass();
     // What was left out may be the cause, such as quotes of another kind.
     if (fault.kind != CQLQueryFault::kLanguage) {
       for (const std::string& warning : checked.warnings) checked.reason += "; " + warning;
@@ -62,6 +70,9 @@ CheckedFilter FilterSession::check(const std::string& text, QORuint32 firstLine,
     if (!hint.empty()) checked.reason += "; " + hint;
     checked.reason = printableText(checked.reason);
     checked.hint = QORQL_hintOfFilter({fault.cause, fault.name, fault.className, fault.offset}, text);
+    if (checked.hint.text.empty() && endsWithSemicolon(filter, fault)) {
+      checked.hint = {"", "a filter ends without a ;", fault.offset};
+    }
     checked.text = text;
   } else {
     std::vector<std::size_t> places;
@@ -76,6 +87,12 @@ CheckedFilter FilterSession::check(const std::string& text, QORuint32 firstLine,
   for (const StatementText::Piece& piece : filter.pieces()) {
     if (piece.kind == StatementText::Kind::Word) _session.tellOfLeftOut(piece.text);
   }
+  return checked;
+}
+
+CheckedFilter FilterSession::check(const FileFilter& filter) {
+  CheckedFilter checked = check(filter.text, filter.firstLine, filter.firstColumn);
+  if (filter.isStray && !checked.reason.empty()) checked.hint = {"", kStrayHint};
   return checked;
 }
 

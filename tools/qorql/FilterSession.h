@@ -9,6 +9,7 @@
 
 #include "Cimom/QORQL/CQLQueryStatement.h"
 #include "Cimom/QORQL/Face/QORQL_Hint.h"
+#include "FilterFile.h"
 #include "FilterOptions.h"
 #include "Session.h"
 
@@ -18,7 +19,8 @@ struct CheckedFilter {
   std::string reason;                 // why it is refused; empty for a valid one
   std::vector<std::string> warnings;  // of a valid one that is hardly meant so
   std::string text;
-  QORQL_Hint hint;  // of one that is refused
+  QORQL_Hint hint;          // of one that is refused
+  bool lacksClass = false;  // it is refused since a class of FROM does not exist
 };
 
 // Made once, then opened. BORROWS the options.
@@ -33,6 +35,7 @@ class FilterSession {
 
   // Validates a filter; places in the reason count from the given one.
   CheckedFilter check(const std::string& text, QORuint32 firstLine = 1, QORuint32 firstColumn = 1);
+  CheckedFilter check(const FileFilter& filter);
   // Prints the warnings of a valid filter on standard error, after what `place` says. With --strict they are errors:
   // false when there is one.
   bool passes(const CheckedFilter& filter, const std::string& place = "") const;

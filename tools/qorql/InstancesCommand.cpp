@@ -71,8 +71,7 @@ std::vector<QORString> familiesOf(EmbeddedObjectManager& manager, const QORStrin
 int printMany(Session& session, const InstancesOptions& options, const QORString& nameSpace) {
   const std::vector<QORString> names = familiesOf(session.manager(), nameSpace, options.className);
   if (names.empty()) {
-    const std::string which = options.className.empty() ? "" : " matches \"" + options.className + '"';
-    return reportRefusal("no class" + which + " in namespace " + options.session.nameSpace);
+    return reportRefusal(noMatchText(session.manager(), options.session.nameSpace, options.className));
   }
   InstancePrinter printer;
   InstanceReader reader(session.manager(), nameSpace);

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "MatchCommand.h"
 
+#include <algorithm>
 #include <iostream>
 
 #include "Cimom/Mof/MofLoader.h"
@@ -112,12 +113,29 @@ void decide(const CQLQueryStatement& filter, const Instances& instances, bool is
   }
 }
 
-// Whether the line at fault declares a class.
-bool isOfSchema(const MofException& refusal) {
-  const QORQL_TextPieces pieces(refusal.getDiagnostics().front().sourceLine);
+bool declaresClass(std::string_view text) {
+  const QORQL_TextPieces pieces(text);
   std::size_t piece = 0;
   while (piece < pieces.all().size() && !pieces.is(piece, "class")) ++piece;
   return pieces.isWord(piece + 1);
+}
+
+// Whether the line at fault declares a class.
+bool isOfSchema(const MofException& refusal) { return declaresClass(refusal.getDiagnostics().front().sourceLine); }
+
+void hintAtSchema() {
+  printHint({"", "a schema is given by --mof FILE; the files after the filter hold instances"}, "");
+}
+
+// Of a filter whose class does not exist: whether one of the files may be the schema.
+bool isSchemaAmong(const std::vector<std::string>& files) {
+  return std::any_of(files.begin(), files.end(), [](const std::string& file) {
+    return file != kStandardInput && checkFile(file).empty() && declaresClass(readTextFile(file));
+  });
+}
+
+void hintAtSchema(bool lacksClass, const MatchOptions& options) {
+  if (lacksClass && !options.filter.session.isQuiet && isSchemaAmong(options.files)) hintAtSchema();
 }
 
 // Files of instances that cannot be read; a schema among them is hardly meant as instances.
@@ -140,15 +158,16 @@ std::vector<Instances> readAll(FilterSession& session, const std::vector<std::st
 // Returns the exit status. REQUIRES to be called inside a catch clause.
 int reportUnread(const UnreadInstances& refusal, bool isQuiet) {
   const int status = reportStartFailure();
-  if (!isQuiet && isOfSchema(refusal)) {
-    printHint({"", "a schema is given by --mof FILE; the files after the filter hold instances"}, "");
-  }
+  if (!isQuiet && isOfSchema(refusal)) hintAtSchema();
   return status;
 }
 
 int matchMany(FilterSession& session, const MatchOptions& options) {
   FilterGroup filters(session);
-  if (!filters.readFile(options.asked.file)) return kExitRefused;
+  if (!filters.readFile(options.asked.file)) {
+    hintAtSchema(filters.lacksClass(), options);
+    return kExitRefused;
+  }
   const std::vector<Instances> files = readAll(session, options.files);
   DecisionPrinter printer(options.output);
   for (const Instances& instances : files) {
@@ -170,6 +189,7 @@ int runMatch(const MatchOptions& options) {
     if (!filter.reason.empty()) {
       reportRefusal("the filter is not valid: " + filter.reason);
       session.tellHint(filter);
+      hintAtSchema(filter.lacksClass, options);
       return kExitRefused;
     }
     if (!session.passes(filter)) return kExitRefused;

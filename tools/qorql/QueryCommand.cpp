@@ -64,15 +64,24 @@ std::vector<std::string> commandNames() {
   return names;
 }
 
+// A command of the shell is no statement.
+QORQL_Hint hintOf(const Statement& statement, const QueryRunner& runner, const SessionOptions& options) {
+  if (!statement.text.starts_with('.')) return runner.hint(statement, commandNames());
+  if (options.isQuiet) return {};
+  return {"",
+          "commands with a dot are for the shell at a terminal; here qorql contents, qorql classes and qorql "
+          "describe CLASS tell what there is"};
+}
+
 // Return the exit status.
-int runOne(const Statement& statement, QueryRunner& runner, Session& session) {
+int runOne(const Statement& statement, const SessionOptions& options, QueryRunner& runner, Session& session) {
   try {
     runner.run(statement);
   } catch (...) {
     session.dropWarnings();
     runner.finish();
     std::cout.flush();
-    return reportFailure(statement, runner.hint(statement, commandNames()));
+    return reportFailure(statement, hintOf(statement, runner, options));
   }
   session.printWarnings();
   return kExitDone;
@@ -82,12 +91,12 @@ int runStatements(const QueryOptions& options, Session& session) {
   QueryRunner runner(options.session, options.output, session, std::cout);
   const std::vector<Statement> statements = readStatements(options);
   const auto report = [&](const Statement& statement) {
-    return reportFailure(statement, runner.hint(statement, commandNames()));
+    return reportFailure(statement, hintOf(statement, runner, options.session));
   };
   int status = options.output.isStrict ? checkStrictly(statements, runner, report) : kExitDone;
   for (auto statement = statements.begin(); status == kExitDone && std::cout && statement != statements.end();
        ++statement) {
-    status = runOne(*statement, runner, session);
+    status = runOne(*statement, options.session, runner, session);
   }
   if (status == kExitDone) runner.finish();
   return status;

@@ -66,13 +66,21 @@ std::vector<std::pair<Role, Role>> waysOf(const RoleFinder& finder, const Step& 
   return ways;
 }
 
+// A class stands in FROM once: the object at the other end is told by the reference to it.
+std::string oneEndOf(const Step& step, const Role& source, const Role& target, const std::string& name) {
+  return "SELECT l." + std::string(target.name.view()) + " FROM " + step.association + " AS l, " + step.source +
+         (name == step.source ? "" : " AS " + name) + " WHERE " + conditionOf(source, name) + " [ASSOC-7]";
+}
+
 std::string noteOf(const RoleFinder& finder, const std::vector<Step>& steps, const Step& step) {
   const std::vector<std::pair<Role, Role>> ways = waysOf(finder, step);
   if (ways.size() < 2) return {};
   const auto& [source, target] = ways.front();
-  return step.association + " may have the " + step.source + " in more than one role; to ask for one: FROM " +
-         step.association + " AS l ... WHERE " + conditionOf(source, fromName(steps, step.source)) + " AND " +
-         conditionOf(target, fromName(steps, step.className)) + " [ASSOC-7]";
+  const std::string note =
+      step.association + " may have the " + step.source + " in more than one role; to ask for one: ";
+  if (step.source == step.className) return note + oneEndOf(step, source, target, fromName(steps, step.source));
+  return note + "FROM " + step.association + " AS l ... WHERE " + conditionOf(source, fromName(steps, step.source)) +
+         " AND " + conditionOf(target, fromName(steps, step.className)) + " [ASSOC-7]";
 }
 
 }  // namespace

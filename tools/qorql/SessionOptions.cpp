@@ -73,7 +73,7 @@ void declareSessionOptions(CLI::App& app, SessionOptions& options) {
   declareExclusion(app, "--lenient", "--cache");
   declareFlag(app, "--no-live", options.hasNoLiveClasses, "Leave out the live classes of this machine");
   declareConfiguration(app, options);
-  declareFlag(app, "--quiet", options.isQuiet, "No warnings, no progress line");
+  declareFlag(app, "--quiet", options.isQuiet, "No warnings, no hints, no progress line");
   const auto takeLevel = [&options](const std::string& level) { options.logSeverity = kLogLevels.at(level); };
   declareValue(app, {.names = "--log",
                      .type = "LEVEL",

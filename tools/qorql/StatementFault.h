@@ -24,6 +24,8 @@ class StatementFault {
     bool hasSuggestion = true;                    // it says more than that a name is no property
   };
   Description describe(const CQLQueryFault& fault) const;
+  // Whether a class of FROM does not exist.
+  bool hasUnknownClass() const { return unknownSource() != nullptr; }
 
  private:
   std::string describeSyntax(const CQLQueryFault& fault) const;

@@ -3,6 +3,7 @@
 #include "ValidateCommand.h"
 
 #include <iostream>
+#include <map>
 #include <optional>
 #include <set>
 #include <utility>
@@ -52,12 +53,10 @@ class Validation {
         _isQuiet(options.filter.session.isQuiet) {}
 
   void validate(const std::string& text) { judge({.name = "", .text = text, .line = 0}); }
-  void validateFile(std::string text) {
+  void validateFile(std::string text, const std::string& path) {
     const std::vector<FileFilter> filters = splitFilters(normaliseText(std::move(text)));
-    for (const std::string& complaint : doubledNames(filters)) {
-      reportRefusal(complaint);
-      _areNamesSound = false;
-    }
+    if (filters.empty()) reportRefusal(printableText(path) + " holds no filter");
+    _doubled = doubledNames(filters);
     for (const FileFilter& filter : filters) {
       if (!std::cout) return;
       judge(filter);
@@ -76,13 +75,13 @@ class Validation {
       }
     }
     if (_isJson && !isRefused) std::cout << (_writtenCount == 0 ? "[]\n" : "\n]\n");
-    return _validCount == _count && !isRefused && _areNamesSound ? kExitDone : kExitRefused;
+    return _validCount == _count && !isRefused && _count != 0 ? kExitDone : kExitRefused;
   }
 
  private:
   void judge(const FileFilter& filter) {
-    const CheckedFilter checked = _session.check(filter.text, filter.firstLine, filter.firstColumn);
-    FilterVerdict verdict{filter.line, printableText(filter.name), checked.reason, {}, {}, {}};
+    const CheckedFilter checked = _session.check(filter);
+    FilterVerdict verdict{filter.line, printableText(filter.name), reasonOf(filter, checked), {}, {}, {}};
     ++_count;
     if (verdict.isValid()) {
       ++_validCount;
@@ -97,6 +96,11 @@ class Validation {
     }
     const std::string place = filter.line == 0 ? "" : placeOfFilter(filter);
     verdict.isValid() ? void(_session.passes(checked, place)) : _session.tellHint(checked, place);
+  }
+  std::string reasonOf(const FileFilter& filter, const CheckedFilter& checked) const {
+    const auto doubled = _doubled.find(filter.line);
+    if (doubled == _doubled.end()) return checked.reason;
+    return printableText(doubled->second) + (checked.reason.empty() ? "" : "; " + checked.reason);
   }
   void write(const FilterVerdict& verdict) {
     const bool isFirst = _writtenCount++ == 0;
@@ -149,7 +153,7 @@ class Validation {
   const bool _isJson;
   const bool _isStrict;
   const bool _isQuiet;
-  bool _areNamesSound = true;
+  std::map<QORuint32, std::string> _doubled;  // what is said of the names of lines
   std::size_t _count = 0;
   std::size_t _validCount = 0;
   std::size_t _warnedCount = 0;
@@ -169,9 +173,9 @@ int runValidate(const ValidateOptions& options) {
   if (options.text) {
     validation.validate(*options.text);
   } else if (options.file.empty()) {
-    validation.validateFile(readStandardInput());
+    validation.validateFile(readStandardInput(), "standard input");
   } else {
-    validation.validateFile(readTextFile(options.file));
+    validation.validateFile(readTextFile(options.file), options.file);
   }
   return validation.finish();
 }

@@ -216,7 +216,7 @@ TEST_F(MofLenient, ReadsNamespacesWithBackslashes) {
   EXPECT_THAT(classes("root/x"), ElementsAre("T"));
   EXPECT_THAT(classes(), IsEmpty());
   EXPECT_EQ(faultOf("#pragma namespace (\"\\\\\\\\.\\\\root\\\\y\")\nclass T { };"),
-            "1:20: \"\\\\.\\root\\y\" is not a namespace");
+            "1:20: \"\\\\.\\root\\y\" is not a namespace; a lenient load (--lenient) reads it");
 }
 
 TEST_F(MofLenient, WhatFollowsANamespaceWithAFaultIsLeftOut) {
@@ -241,6 +241,21 @@ TEST_F(MofLenient, ReadsTheFlavorsOfWindows) {
               ElementsAre("1:13: found \"Sweet\", expected a flavor such as \"EnableOverride\" or \"ToSubclass\""));
 }
 
+TEST_F(MofLenient, IsNamedWhereAStrictLoadRefusesAFormOfWindows) {
+  const std::string reads = "; a lenient load (--lenient) reads it";
+  EXPECT_EQ(faultOf("\n#pragma autorecover\nclass T { };"), "2:20: found the end of the line, expected \"(\"" + reads);
+  EXPECT_EQ(faultOf("#pragma classflags(\"forceupdate\", 5)"), "1:33: found \",\", expected \")\"" + reads);
+  EXPECT_EQ(faultOf("#pragma x (5)"), "1:12: found \"5\", expected a string" + reads);
+  EXPECT_EQ(faultOf("#pragma x"), "1:10: found the end of the line, expected \"(\"" + reads);
+  EXPECT_EQ(faultOf("#pragma include (5)"), "1:18: found \"5\", expected a string");
+  EXPECT_EQ(faultOf("#pragma namespace (\"a\\\\b c\")"), "1:20: \"a\\b c\" is not a namespace");
+  for (const char* const flavors : {"Amended", "ToSubclass Amended"}) {
+    const std::string fault = faultOf("[Key : " + std::string(flavors) + "] class T { };");
+    EXPECT_THAT(fault, testing::HasSubstr("found \"Amended\", expected a flavor"));
+    EXPECT_THAT(fault, testing::EndsWith(reads));
+  }
+}
+
 TEST_F(MofLenient, PassesOverOtherPragmasWhateverTheyLookLike) {
   const std::string text =
       "#pragma autorecover\n#pragma classflags(\"forceupdate\", 5)\n#pragma deleteclass(\"T\", NOFAIL)\n#pragma x @ % "
@@ -251,7 +266,8 @@ TEST_F(MofLenient, PassesOverOtherPragmasWhateverTheyLookLike) {
   EXPECT_THAT(classes(), ElementsAre("T"));
   EXPECT_THAT(leftOutOf("#pragma open (\nclass U { };"), IsEmpty());
   EXPECT_THAT(leftOutOf("#pragma open (; class V { };").size(), 1U);
-  EXPECT_THAT(leftOutOf("#pragma include\nclass W { };"), ElementsAre("2:1: found \"class\", expected \"(\""));
+  EXPECT_THAT(leftOutOf("#pragma include\nclass W { };"),
+              ElementsAre("1:16: found the end of the line, expected \"(\""));
   EXPECT_THAT(leftOutOf("#pragma 5\nclass X { };").size(), 1U);
   EXPECT_THAT(classes(), ElementsAre("T", "U", "V", "W", "X"));
 }

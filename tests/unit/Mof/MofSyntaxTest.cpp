@@ -154,7 +154,7 @@ TEST_F(MofSyntax, GoesOnAtTheNextDeclarationWhenABraceIsMissing) {
   EXPECT_THAT(placesOf("class A { uint8 x; }\nclass B { uint9 y; };\n"),
               ElementsAre("2:1: found \"class\", expected \";\"", "2:11: unknown type \"uint9\""));
   EXPECT_THAT(placesOf("#pragma namespace\nclass B { uint9 y; };\n"),
-              ElementsAre("2:1: found \"class\", expected \"(\"", "2:11: unknown type \"uint9\""));
+              ElementsAre("1:18: found the end of the line, expected \"(\"", "2:11: unknown type \"uint9\""));
 }
 
 TEST_F(MofSyntax, StopsAtTwentyFaults) {
