@@ -49,10 +49,10 @@ function(qorql_precompile_headers target)
   endif()
 endfunction()
 
-# The same for a library or program of ours, but in sanitized builds, where a source that
-# lacks an include is seen, and in a project that has ours as a part.
+# The same for a library or program of ours, but in builds that look for wrong addresses, where
+# a source that lacks an include is seen, and in a project that has ours as a part.
 function(qorql_product_headers target)
-  if(PROJECT_IS_TOP_LEVEL AND NOT QORQL_SANITIZE)
+  if(PROJECT_IS_TOP_LEVEL AND NOT QORQL_SANITIZE MATCHES "address")
     qorql_precompile_headers(${target} ${ARGN})
   endif()
 endfunction()
