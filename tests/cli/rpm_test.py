@@ -68,7 +68,10 @@ class RpmPackages(ToolCase):
     def test_a_broken_database_is_an_error_that_names_it(self):
         os.mkdir(self.database)
         self.write("database/rpmdb.sqlite", "this is no database\n")
-        result = self.run_tool("-o", "csv", COLUMNS, env=self.env)
+        # librpm forgets the handle of a database that it cannot open, which a leak check would tell of.
+        kept = self.write("kept.txt", "leak:libsqlite3.so\n")
+        environment = {**self.env, "LSAN_OPTIONS": f"suppressions={kept}:print_suppressions=0"}
+        result = self.run_tool("-o", "csv", COLUMNS, env=environment)
         self.assertEqual((result.status, result.out), (3, ""))
         self.assertRegex(result.err, rf"\Aqorql: error: The packages cannot be listed: rpm's database in {self.database}: [^\n]+"
                                      r" \(CIM status 1\)\n\Z")
