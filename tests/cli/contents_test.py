@@ -136,9 +136,8 @@ class Contents(WorldCase):
 
 class Picture(WorldCase):
     def drawn(self, form):
-        # The libraries that lay it out keep fonts and a page until the process ends, which a leak check would tell of.
-        kept = self.write("kept.txt", "".join(f"leak:{name}.so\n" for name in ("libgvc", "libfontconfig", "libpango")))
-        environment = {**os.environ, "LSAN_OPTIONS": f"suppressions={kept}:print_suppressions=0"}
+        # The libraries that lay it out keep fonts and a page until the process ends.
+        environment = self.passing_leaks_of("libgvc", "libfontconfig", "libpango")
         result = self.world("contents", "-o", form, env=environment)
         if result.status != 0 and "libgvc" in result.err:
             self.assertRegex(result.err, r"\Aqorql: error: a picture needs graphviz \(Debian's package libgvc6\), and \S+ "
