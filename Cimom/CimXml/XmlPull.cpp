@@ -18,7 +18,7 @@ namespace {
 // So that an event stays in the processor's cache until it is taken.
 constexpr std::size_t kPiece = std::size_t{1} << 14;
 
-bool isBlank(std::string_view text) noexcept { return text.find_first_not_of(" \t\r\n") == std::string_view::npos; }
+constexpr std::string_view kBlanks = " \t\r\n";
 
 }  // namespace
 
@@ -47,6 +47,7 @@ struct XmlPull::Event {
   QORuint32 length;     // of the name or text
   std::size_t text;     // where the name or text begins in the buffer
   Place place;          // of the event's first byte
+  Place ink;            // of a text: of its first byte that is no blank; line 0 where it has none
   std::size_t parts;    // of a start: its first attribute in the list of parts
   std::size_t partEnd;  // and the one past its last
 };
@@ -99,9 +100,20 @@ struct XmlPull::Expat {
 
   Event& add(Event::Kind kind, std::string_view text) {
     const std::size_t at = append(text);
-    events.push_back(
-        {kind, Element::None, static_cast<QORuint32>(text.size()), at, placeNow(), parts.size(), parts.size()});
+    events.push_back({kind, Element::None, static_cast<QORuint32>(text.size()), at, placeNow(), Event::Place{0, 0},
+                      parts.size(), parts.size()});
     return events.back();
+  }
+
+  // The piece is the end of the last event's text. The parser hands out line ends and references by
+  // themselves, so that the blanks before a piece's first ink are a column each.
+  void noteInk(std::string_view piece) {
+    Event& event = events.back();
+    if (event.ink.line != 0) return;
+    const std::size_t blanks = piece.find_first_not_of(kBlanks);
+    if (blanks == std::string_view::npos) return;
+    event.ink = placeNow();
+    event.ink.column += blanks;
   }
 
   // Where the parser stands.
@@ -147,6 +159,7 @@ struct XmlPull::Expat {
       } else {
         expat.add(Event::Kind::Text, piece);
       }
+      expat.noteInk(piece);
     });
   }
   static void onDoctype(void* self, const char*, const char*, const char*, int) {
@@ -237,7 +250,10 @@ Element XmlPull::peek() {
   for (;;) {
     const Event& event = ahead();
     if (event.kind != Event::Kind::Text) return event.kind == Event::Kind::Start ? event.element : Element::None;
-    if (!isBlank(_expat->textOf(event))) raise("text is not allowed here");
+    if (event.ink.line != 0) {
+      _expat->place = event.ink;
+      raise("text is not allowed here");
+    }
     ++_expat->taken;
   }
 }

@@ -7,6 +7,7 @@ namespace {
 using cimxmltest::instances;
 using cimxmltest::Object;
 using cimxmltest::replyTo;
+using ::testing::EndsWith;
 using ::testing::HasSubstr;
 
 class CimXmlReplies : public cimxmltest::CimXmlTest {
@@ -397,6 +398,18 @@ TEST_F(CimXmlReplies, TellsTheSamePlaceInPiecesOfAnySize) {
   const std::string whole = faultOf(document);
   EXPECT_EQ(whole, "found \"x\" for P, expected a uint8 at line 6, column 31");
   for (std::size_t piece = 1; piece < 70; ++piece) EXPECT_EQ(faultOf(document, piece), whole) << piece;
+}
+
+TEST_F(CimXmlReplies, AMisplacedTextHasThePlaceOfItsFirstInkInPiecesOfAnySize) {
+  for (const std::string text : {" x", "\n \n\t x", "&#32;&#10; x y", "\r\n x"}) {
+    const std::string whole = faultOf(instances(text));
+    EXPECT_THAT(whole, HasSubstr("text is not allowed here at line ")) << text;
+    for (std::size_t piece = 1; piece < 9; ++piece) EXPECT_EQ(faultOf(instances(text), piece), whole) << text << piece;
+  }
+  const std::string start = instances("").substr(0, instances("").find("</IRETURNVALUE>"));
+  const std::size_t column = start.size() - start.rfind('\n');
+  EXPECT_THAT(faultOf(instances("  x")), EndsWith(" at line 3, column " + std::to_string(column + 2)));
+  EXPECT_THAT(faultOf(instances("\n \n\t x")), EndsWith(" at line 5, column 3"));
 }
 
 TEST_F(CimXmlReplies, HandsOutAnInstanceBeforeTheNextOneArrived) {
