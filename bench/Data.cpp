@@ -8,8 +8,6 @@
 
 namespace bench {
 
-namespace {
-
 std::uint64_t mixed(std::uint64_t index, std::uint64_t field) {
   std::uint64_t bits = index * 0x9E3779B97F4A7C15u + field * 0xD1B54A32D192ED03u + 0x2545F4914F6CDD1Du;
   bits = (bits ^ (bits >> 30)) * 0xBF58476D1CE4E5B9u;
@@ -22,6 +20,8 @@ std::string numbered(const char* format, std::uint64_t number) {
   std::snprintf(text.data(), text.size(), format, number);
   return text.data();
 }
+
+namespace {
 
 std::string diskName(std::uint64_t index) {
   static constexpr std::array<const char*, 10> kMakes = {"Alder", "Birch",   "Cedar",     "Dogwood",    "Elm",

@@ -34,6 +34,11 @@ struct PoolRow {
   std::uint64_t capacity;  // `Size > Capacity` holds for one pair in twenty
 };
 
+// Even bits, the same for the same two numbers.
+std::uint64_t mixed(std::uint64_t index, std::uint64_t field);
+// A text of a printf format with one number.
+std::string numbered(const char* format, std::uint64_t number);
+
 DiskRow diskRow(std::uint64_t index, std::uint64_t pools);
 PoolRow poolRow(std::uint64_t index);
 

@@ -6,6 +6,7 @@
 #include "Cimom/QORQL/Out/QORQL_ResultReader.h"
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_SelectList.h"
+#include "bench/CellReading.h"
 #include "bench/PairedRounds.h"
 #include "bench/Peer.h"
 #include "bench/Statement.h"
@@ -15,10 +16,18 @@ namespace bench {
 
 namespace {
 
+// References are read as their paths, embedded objects like instances.
+void readComplex(const IQoriValue& value, Answer& answer) {
+  const QORSmrPtr<IQoriObject> object = value.getObject();
+  object.IsNull() ? answer.text(value.toString().view()) : readInstance(*object, answer);
+}
+
 void readCell(const QoriScalar& cell, bool isSortKey, Answer& answer) {
   if (cell.isNull()) return answer.null();
   if (cell.kind == QoriScalarKind::Text) return answer.text(cell.text->view());
   if (cell.kind == QoriScalarKind::Real) return answer.real(cell.r);
+  if (cell.kind == QoriScalarKind::DateTime) return readTimestamp(cell.text->view(), isSortKey, answer);
+  if (cell.kind == QoriScalarKind::Complex) return readComplex(*cell.value, answer);
   answer.number(cell.u);
   if (isSortKey) answer.sortKey(cell.u);
 }
@@ -35,7 +44,7 @@ class EnginePeer final : public Peer {
  public:
   const char* name() const override { return "QORQL"; }
 
-  void attach() override {
+  void attach(const World& /*world*/) override {
     for (std::unique_ptr<Statement>& statement : _statements) statement.reset();
   }
 

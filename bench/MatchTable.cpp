@@ -66,7 +66,7 @@ void printManyFilters(std::size_t filters, const Instances& instances, const Tab
 }  // namespace
 
 void printMatchTables(const TableOptions& options, std::ostream& out) {
-  World world(kDisks);
+  DiskWorld world(kDisks);
   world.makeCurrent();
   const Instances matching = matchingDisks(kInstances);
   const Instances missing = missingDisks(kInstances);

@@ -77,7 +77,7 @@ void printUsage(const Usage& usage, std::ostream& out) {
 }  // namespace
 
 void printMemoryTable(std::uint64_t size, std::ostream& out) {
-  World world(size);
+  DiskWorld world(size);
   world.makeCurrent();
   out << "\n### Memory added by a query, " << size << " instances\n\n"
       << "| query | rows | first run | later run | goal of a later run |\n|---|--:|--:|--:|---|\n";

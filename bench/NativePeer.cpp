@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "bench/Data.h"
+#include "bench/MixedNative.h"
 #include "bench/Peer.h"
 #include "bench/World.h"
 #include "bench/XmlTable.h"
@@ -63,15 +64,19 @@ class ObjectsByText {
 class NativePeer final : public Peer {
  public:
   const char* name() const override { return "C++"; }
-  void attach() override {}
+  void attach(const World& /*world*/) override {}
   bool supports(const Workload& workload) const override { return !workload.isParse(); }
 
   Answer run(const Workload& workload, bool isThorough) override {
+    Answer answer(isThorough);
+    if (workload.field == Field::Mixed) {
+      runMixedByHand(workload.task, answer);
+      return answer;
+    }
     const CIMApi::Instances disks = instancesOf(kDiskClass);
     if (workload.isXml()) {
       return answerOfXml(workload, isThorough, [&](std::ostream& out) { writeXml(*disks, out); });
     }
-    Answer answer(isThorough);
     runOn(workload.task, *disks, answer);
     return answer;
   }

@@ -11,12 +11,14 @@
 
 namespace bench {
 
+class World;
+
 class Peer {
  public:
   virtual ~Peer() = default;
   virtual const char* name() const = 0;
-  // Gets ready for the current world; not timed. Called before run.
-  virtual void attach() = 0;
+  // Gets ready for a world, which is the current one; not timed. Called before run.
+  virtual void attach(const World& world) = 0;
   virtual bool supports(const Workload&) const { return true; }
   // One run of what was prepared before, down to the last cell.
   virtual Answer run(const Workload& workload, bool isThorough) = 0;

@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "bench/CellReading.h"
 #include "bench/Peer.h"
 #include "bench/VirtualTable.h"
 #include "bench/World.h"
@@ -16,12 +17,12 @@ namespace {
 // A connection in memory, without locks, that sorts in memory.
 class Database {
  public:
-  Database() {
+  explicit Database(const World& world) {
     check(sqlite3_open_v2(":memory:", &_handle, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX,
                           nullptr));
     check(registerVirtualTables(_handle));
     run("PRAGMA temp_store=MEMORY");
-    for (const char* const name : {kDiskClass, kPoolClass, kQuotaClass}) {
+    for (const char* const name : world.classes()) {
       run(std::string("CREATE VIRTUAL TABLE ") + name + " USING cim(" + name + ")");
     }
   }
@@ -63,6 +64,8 @@ void readCell(sqlite3_stmt* statement, int column, const Workload& workload, Ans
     case 'o':
       if (sqlite3_column_type(statement, column) == SQLITE_NULL) return answer.null();
       return answer.text(textCell(statement, column));
+    case 'd':
+      return readTimestamp(textCell(statement, column), column == workload.sortColumn, answer);
     default:
       answer.number(numberCell(statement, column));
       if (column == workload.sortColumn) answer.sortKey(numberCell(statement, column));
@@ -73,10 +76,11 @@ class SqlitePeer final : public Peer {
  public:
   ~SqlitePeer() override { finalizeAll(); }
   const char* name() const override { return "SQLite"; }
+  bool supports(const Workload& workload) const override { return workload.hasSql(); }
 
-  void attach() override {
+  void attach(const World& world) override {
     finalizeAll();
-    _database = std::make_unique<Database>();
+    _database = std::make_unique<Database>(world);
   }
 
   Answer run(const Workload& workload, bool isThorough) override {

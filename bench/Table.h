@@ -13,7 +13,7 @@ namespace bench {
 
 struct TableOptions {
   std::vector<std::uint64_t> sizes{1000, 100000, 1000000};
-  std::set<std::string> only;  // ids of workloads; empty: all
+  std::set<std::string> only;  // ids of workloads and of further tables; empty: all
   int rounds = 9;
   double leastSeconds = 0.03;  // of one turn
 };

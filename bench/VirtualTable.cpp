@@ -21,6 +21,7 @@ using Index = std::unordered_map<std::string_view, const IQoriObject*>;
 struct Table : sqlite3_vtab {
   std::string className;
   CIMApi::Instances objects;       // as the last statement found them
+  bool hasTextKey = false;         // the first property is a text, which no two instances share
   std::unique_ptr<Index> byKey{};  // of those; null until it is asked for
 };
 
@@ -55,7 +56,7 @@ const char* affinityOf(const IQoriType& type) {
     case CQoriType::Code::Real64:
       return " REAL";
     default:
-      return type.isArray() ? " TEXT" : " INTEGER";
+      return type.isArray() || CQoriType::codeOf(type) == CQoriType::Code::Reference ? " TEXT" : " INTEGER";
   }
 }
 
@@ -74,7 +75,9 @@ int connect(sqlite3* database, void*, int argc, const char* const* argv, sqlite3
   table->className = argv[3];
   refresh(*table);
   if (table->objects.IsNull() || table->objects->isEmpty()) return SQLITE_ERROR;
-  const int status = sqlite3_declare_vtab(database, declarationOf(*table->objects->first()->getLayout()).c_str());
+  const IQoriLayout& layout = *table->objects->first()->getLayout();
+  table->hasTextKey = CQoriType::codeOf(*layout.getType(0)) == CQoriType::Code::String;
+  const int status = sqlite3_declare_vtab(database, declarationOf(layout).c_str());
   if (status != SQLITE_OK) return status;
   *out = table.release();
   return SQLITE_OK;
@@ -89,6 +92,7 @@ int chooseIndex(sqlite3_vtab* table, sqlite3_index_info* info) {
   const double rows = tableOf(table).objects->entries();
   info->estimatedCost = rows;
   info->estimatedRows = static_cast<sqlite3_int64>(rows);
+  if (!tableOf(table).hasTextKey) return SQLITE_OK;
   for (int i = 0; i < info->nConstraint; ++i) {
     const auto& constraint = info->aConstraint[i];
     if (constraint.usable == 0 || constraint.op != SQLITE_INDEX_CONSTRAINT_EQ || constraint.iColumn != 0) continue;
@@ -157,6 +161,15 @@ int next(sqlite3_vtab_cursor* base) {
 
 int isAtEnd(sqlite3_vtab_cursor* cursor) { return cursorOf(cursor).current == nullptr ? 1 : 0; }
 
+// A reference is shown as the key of what it names, which has one, a text.
+int showReference(const IQoriValue& value, sqlite3_context* context) {
+  const QORSmrPtr<IQoriInstanceName> name = value.getReference();
+  if (name.IsNull() || name->getKeys()->isEmpty()) return SQLITE_ERROR;
+  const QORSmrPtr<IQoriValue> key = name->getKeys()->first()->getValue();
+  sqlite3_result_text(context, key->scalar().text->c_str(), -1, SQLITE_TRANSIENT);
+  return SQLITE_OK;
+}
+
 int column(sqlite3_vtab_cursor* cursor, sqlite3_context* context, int index) {
   const QoriScalar cell = cursorOf(cursor).current->getScalarAt(static_cast<QORuint32>(index));
   switch (cell.kind) {
@@ -177,6 +190,8 @@ int column(sqlite3_vtab_cursor* cursor, sqlite3_context* context, int index) {
       // Without a length SQLite takes the text as terminated and never copies it.
       sqlite3_result_text(context, cell.text->c_str(), -1, SQLITE_STATIC);
       break;
+    case QoriScalarKind::Complex:
+      return showReference(*cell.value, context);
     default:
       return SQLITE_ERROR;  // no workload reads one
   }

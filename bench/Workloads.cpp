@@ -5,6 +5,7 @@
 #include "bench/Workloads.h"
 
 #include "bench/Data.h"
+#include "bench/MixedData.h"
 
 namespace bench {
 
@@ -22,6 +23,36 @@ const char* const kJoinSql =
     "SELECT d.DeviceID, p.Name, d.Size FROM EX_Disk AS d JOIN EX_Pool AS p ON d.PoolID = p.PoolID";
 const char* const kLeftJoinSql =
     "SELECT d.DeviceID, p.Name FROM EX_Disk AS d LEFT JOIN EX_Pool AS p ON d.PoolID = p.PoolID";
+
+// A workload on the mixed world, whose goals are about the C++ alone.
+Workload mixedWorkload(Task task, const char* id, const char* title, const std::string& query, const std::string& sql,
+                       const char* columns, int sortColumn = -1) {
+  return {task, id, title, query, sql, columns, sortColumn, 0, 0, false, 0, Field::Mixed};
+}
+
+std::vector<Workload> makeMixedWorkloads() {
+  const std::string byNumber = "SELECT DeviceID, Size FROM EX_Device ORDER BY Size ASC";
+  const std::string byDate = "SELECT DeviceID, InstallDate FROM EX_Device ORDER BY InstallDate ASC";
+  const std::string warm = "SELECT DeviceID, Temperature FROM EX_Device WHERE Temperature > " + std::to_string(kWarm);
+  return {
+      mixedWorkload(Task::NumberOrder, "number-order", "ORDER BY a number", byNumber, byNumber, "tu", 1),
+      mixedWorkload(Task::DateTimeOrder, "datetime-order", "ORDER BY a datetime", byDate, byDate, "td", 1),
+      mixedWorkload(Task::HalfNull, "half-null", "filter on a number that half lack", warm, warm, "ts"),
+      mixedWorkload(Task::ObjectPath, "objectpath", "OBJECTPATH as a column",
+                    "SELECT OBJECTPATH(EX_Device) AS Path FROM EX_Device", "", "p"),
+      mixedWorkload(Task::InstanceOf, "instanceof", "INSTANCEOF as a column",
+                    "SELECT INSTANCEOF(EX_Device) AS Whole FROM EX_Device", "", "i"),
+      mixedWorkload(Task::IsA, "isa", "ISA (1 in 3)",
+                    "SELECT DeviceID FROM EX_Device WHERE EX_Device ISA EX_SolidState", "", "t"),
+      mixedWorkload(Task::Any, "any", "ANY over an array (1 in 3)",
+                    "SELECT DeviceID FROM EX_Device WHERE ANY State = " + std::to_string(kWantedState), "", "t"),
+      mixedWorkload(Task::Association, "association", "association join",
+                    "SELECT t.Name, d.DeviceID FROM EX_Tray AS t, EX_Device AS d WHERE EX_InTray = t AND EX_InTray = d",
+                    "SELECT t.Name, d.DeviceID FROM EX_InTray AS i JOIN EX_Tray AS t ON t.TrayID = i.GroupComponent "
+                    "JOIN EX_Device AS d ON d.DeviceID = i.PartComponent",
+                    "tt"),
+  };
+}
 
 std::vector<Workload> makeWorkloads() {
   const std::string needle(kNeedle);
@@ -65,7 +96,11 @@ std::vector<Workload> makeWorkloads() {
 }  // namespace
 
 const std::vector<Workload>& workloads() {
-  static const std::vector<Workload> all = makeWorkloads();
+  static const std::vector<Workload> all = [] {
+    std::vector<Workload> made = makeWorkloads();
+    for (Workload& workload : makeMixedWorkloads()) made.push_back(std::move(workload));
+    return made;
+  }();
   return all;
 }
 

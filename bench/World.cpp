@@ -5,42 +5,14 @@
 #include <algorithm>
 
 #include "bench/Data.h"
+#include "bench/Declarations.h"
+#include "bench/MixedWorld.h"
 #include "cimom/CQoriType.h"
 #include "cimom/CQoriValue.h"
 
 namespace bench {
 
-namespace {
-
-using Value = QORSmrPtr<IQoriValue>;
-
-CimPropertyDeclaration property(const char* name, const QORSmrPtr<IQoriType>& type) {
-  CimPropertyDeclaration declaration;
-  declaration.name = name;
-  declaration.type = type;
-  return declaration;
-}
-
-CimPropertyDeclaration key(const char* name) {
-  CimPropertyDeclaration declaration = property(name, CQoriType::string);
-  CimQualifier qualifier;
-  qualifier.name = "Key";
-  qualifier.value = new CQoriValue(true, CQoriType::boolean);
-  declaration.qualifiers.push_back(qualifier);
-  return declaration;
-}
-
-Value textValue(const std::string& text) { return {new CQoriValue(QORString(text))}; }
-
-Value arrayValue(const std::vector<std::uint16_t>& elements) {
-  const QORSmrPtr<IQoriValue::List> list(new IQoriValue::List);
-  for (const std::uint16_t element : elements) list->append(Value(new CQoriValue(element, CQoriType::uint16)));
-  return {new CQoriValue(list, CQoriType::uint16)};
-}
-
-}  // namespace
-
-World::World(std::uint64_t disks) : _disks(disks) {
+DiskWorld::DiskWorld(std::uint64_t disks) {
   constexpr std::uint64_t kQuotas = 1000;
   const std::uint64_t pools = std::max<std::uint64_t>(disks / 100, 100);
   declareClasses();
@@ -49,7 +21,7 @@ World::World(std::uint64_t disks) : _disks(disks) {
   for (std::uint64_t i = 0; i < disks; ++i) addDisk(i, pools);
 }
 
-void World::declareClasses() {
+void DiskWorld::declareClasses() {
   CimClassDeclaration disk;
   disk.name = kDiskClass;
   disk.properties = {key("DeviceID"),
@@ -61,18 +33,18 @@ void World::declareClasses() {
                      property("Load", CQoriType::real64),
                      property("PoolID", CQoriType::string),
                      property("OperationalStatus", CQoriType::arrayOf(CQoriType::uint16))};
-  _manager.sink().begin();
-  _manager.sink().declareClass(kNameSpace, disk);
+  beginClasses();
+  declare(disk);
   for (const char* const name : {kPoolClass, kQuotaClass}) {
     CimClassDeclaration pool;
     pool.name = name;
     pool.properties = {key("PoolID"), property("Name", CQoriType::string), property("Capacity", CQoriType::uint64)};
-    _manager.sink().declareClass(kNameSpace, pool);
+    declare(pool);
   }
-  _manager.sink().commit();
+  endClasses();
 }
 
-void World::addDisk(std::uint64_t index, std::uint64_t pools) {
+void DiskWorld::addDisk(std::uint64_t index, std::uint64_t pools) {
   const DiskRow row = diskRow(index, pools);
   CimInstanceDeclaration disk;
   disk.className = kDiskClass;
@@ -85,17 +57,22 @@ void World::addDisk(std::uint64_t index, std::uint64_t pools) {
                      {"Load", new CQoriValue(row.load, CQoriType::real64)},
                      {"PoolID", row.hasPool ? textValue(row.poolId) : Value()},
                      {"OperationalStatus", arrayValue(row.operationalStatus)}};
-  _manager.createInstance(kNameSpace, disk);
+  add(disk);
 }
 
-void World::addPool(const char* className, std::uint64_t index) {
+void DiskWorld::addPool(const char* className, std::uint64_t index) {
   const PoolRow row = poolRow(index);
   CimInstanceDeclaration pool;
   pool.className = className;
   pool.properties = {{"PoolID", textValue(row.poolId)},
                      {"Name", textValue(row.name)},
                      {"Capacity", new CQoriValue(row.capacity, CQoriType::uint64)}};
-  _manager.createInstance(kNameSpace, pool);
+  add(pool);
+}
+
+std::unique_ptr<World> makeWorld(Field field, std::uint64_t size) {
+  if (field == Field::Mixed) return std::make_unique<MixedWorld>(size);
+  return std::make_unique<DiskWorld>(size);
 }
 
 CIMApi::Instances instancesOf(const char* className) {

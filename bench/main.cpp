@@ -11,6 +11,8 @@
 #include <memory>
 #include <string_view>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include "bench/FilterSetTable.h"
 #include "bench/MatchTable.h"
@@ -29,8 +31,9 @@ constexpr const char* kUsage =
 constexpr const char* kMatch = "match";
 constexpr const char* kSets = "sets";
 constexpr const char* kMemory = "memory";
+constexpr const char* kMixed = "mixed";  // all workloads of that field
 
-// Worlds and peers by size, made when a benchmark first needs them.
+// Worlds and peers by field and size, made when a benchmark first needs them.
 class Stage {
  public:
   struct Set {
@@ -39,26 +42,26 @@ class Stage {
     std::map<bench::Task, std::uint64_t> checked;  // rows of the workloads on which the peers agree
   };
 
-  Set& enter(std::uint64_t size) {
-    Set& set = _sets[size];
+  Set& enter(bench::Field field, std::uint64_t size) {
+    Set& set = _sets[{field, size}];
     const bool isNew = set.world == nullptr;
-    if (isNew) set.world = std::make_unique<bench::World>(size);
+    if (isNew) set.world = bench::makeWorld(field, size);
     set.world->makeCurrent();
     if (isNew) {
       set.peers = bench::makePeers();
-      for (const auto& peer : set.peers) peer->attach();
+      for (const auto& peer : set.peers) peer->attach(*set.world);
     }
     return set;
   }
 
  private:
-  std::map<std::uint64_t, Set> _sets;
+  std::map<std::pair<bench::Field, std::uint64_t>, Set> _sets;
 };
 
 // THROWS std::runtime_error when the peers disagree on the workload.
 void runBenchmark(benchmark::State& state, Stage& stage, bench::PeerIndex peer, const bench::Workload& workload,
                   std::uint64_t size) {
-  Stage::Set& set = stage.enter(size);
+  Stage::Set& set = stage.enter(workload.field, size);
   if (!set.checked.contains(workload.task)) {
     set.checked[workload.task] = bench::requireSameAnswers(set.peers, workload).rows();
   }
@@ -68,9 +71,13 @@ void runBenchmark(benchmark::State& state, Stage& stage, bench::PeerIndex peer, 
 
 void registerBenchmarks(Stage& stage) {
   const std::vector<std::unique_ptr<bench::Peer>> peers = bench::makePeers();
-  for (const std::uint64_t size : {1000, 100000, 1000000}) {
-    for (const bench::Workload& workload : bench::workloads()) {
-      if (workload.isSmallOnly && size != 1000) continue;
+  for (const bench::Workload& workload : bench::workloads()) {
+    const bool isMixed = workload.field == bench::Field::Mixed;
+    const std::vector<std::uint64_t> large =
+        isMixed ? std::vector{bench::kGreatestMixedWorld} : std::vector<std::uint64_t>{100000, 1000000};
+    std::vector<std::uint64_t> sizes = {1000};
+    if (!workload.isSmallOnly) sizes.insert(sizes.end(), large.begin(), large.end());
+    for (const std::uint64_t size : sizes) {
       for (const bench::PeerIndex peer : {bench::kNative, bench::kSqlite, bench::kEngine}) {
         if (!peers[peer]->supports(workload)) continue;
         const std::string name = std::string(workload.id) + "/" + peers[peer]->name() + "/" + std::to_string(size);
@@ -99,8 +106,18 @@ bool readPositive(std::string_view text, Number& out) {
   return error == std::errc() && end == text.data() + text.size() && out > 0;
 }
 
+void addMixed(bench::TableOptions& options) {
+  for (const bench::Workload& workload : bench::workloads()) {
+    if (workload.field == bench::Field::Mixed) options.only.insert(workload.id);
+  }
+}
+
 bool readOnly(std::string_view text, bench::TableOptions& options) {
   for (const std::string_view id : splitAtCommas(text)) {
+    if (id == kMixed) {
+      addMixed(options);
+      continue;
+    }
     bool isKnown = id == kMatch || id == kSets || id == kMemory;
     for (const bench::Workload& workload : bench::workloads()) isKnown = isKnown || id == workload.id;
     if (!isKnown) return false;
