@@ -18,7 +18,8 @@ class ValueColumns {
 
   // Whether the column shows a property whose values have texts.
   bool hasTexts(std::size_t index) const { return !_texts[index].isEmpty(); }
-  // "2 (OK)" for 2, each element of an array likewise; the value itself where it has no text. The class is that of the
+  // "2 (OK)" for 2, "5 (Read, Execute)" for bits, each element of an array likewise; the value itself where it has no
+  // text. The class is that of the
   // row's object, which may give other texts than the class of FROM; empty where there is no such object.
   QORSmrPtr<IQoriValue> withText(std::size_t index, const QORSmrPtr<IQoriValue>& value, const QORString& rowClass);
 

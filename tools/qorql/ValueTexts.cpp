@@ -1,11 +1,13 @@
-// What the codes of a property mean, as its qualifiers ValueMap and Values tell.
+// What the codes of a property mean, as its qualifiers ValueMap and Values, BitMap and BitValues tell.
 // SPDX-License-Identifier: Apache-2.0
 #include "ValueTexts.h"
 
 #include <algorithm>
 #include <charconv>
+#include <cstddef>
 #include <optional>
 #include <system_error>
+#include <utility>
 
 namespace {
 
@@ -51,31 +53,65 @@ bool isInRange(std::string_view range, const Number& number) {
   return isFromFirst && (greatest.empty() || (last && number <= *last));
 }
 
-}  // namespace
-
-ValueTexts::ValueTexts(const CimPropertyDeclaration& property) {
-  const std::vector<std::string> codes = textsOf(property, "ValueMap");
-  const std::vector<std::string> texts = textsOf(property, "Values");
+// The codes of one qualifier with the texts of another; texts alone count from 0.
+std::vector<ValueTexts::Entry> entriesOf(const CimPropertyDeclaration& property, const char* codeName,
+                                         const char* textName) {
+  const std::vector<std::string> codes = textsOf(property, codeName);
+  const std::vector<std::string> texts = textsOf(property, textName);
+  std::vector<ValueTexts::Entry> entries;
   const std::size_t count = codes.empty() ? texts.size() : codes.size();
   for (std::size_t i = 0; i < count; ++i) {
-    _entries.push_back({codes.empty() ? std::to_string(i) : codes[i], i < texts.size() ? texts[i] : ""});
+    entries.push_back({codes.empty() ? std::to_string(i) : codes[i], i < texts.size() ? texts[i] : ""});
+  }
+  return entries;
+}
+
+std::string bitName(const std::string& position) { return "bit " + position; }
+
+}  // namespace
+
+ValueTexts::ValueTexts(const CimPropertyDeclaration& property) : _entries(entriesOf(property, "ValueMap", "Values")) {
+  _valueCount = _entries.size();
+  for (Entry& bit : entriesOf(property, "BitMap", "BitValues")) {
+    _entries.push_back({bitName(bit.code), std::move(bit.text)});
   }
 }
 
 std::string ValueTexts::textOf(const IQoriValue& value) const {
   const std::string code(value.toString().view());
+  const std::string text = valueText(code);
+  const std::optional<Number> number = numberOf(code);
+  const bool hasBits = _valueCount < _entries.size() && number && !number->isNegative;
+  return text.empty() && hasBits ? bitTexts(number->magnitude) : text;
+}
+
+std::string ValueTexts::valueText(const std::string& code) const {
+  const auto end = _entries.begin() + static_cast<std::ptrdiff_t>(_valueCount);
   const std::optional<Number> number = numberOf(code);
   const auto isNamed = [&](const Entry& entry) {
     return entry.code == code || (number && numberOf(entry.code) == number);
   };
-  auto found = std::find_if(_entries.begin(), _entries.end(), isNamed);
-  if (found == _entries.end() && number) {
+  auto found = std::find_if(_entries.begin(), end, isNamed);
+  if (found == end && number) {
     // A range without ends is for what no other one holds.
     const auto holds = [&](const Entry& entry) { return entry.code != ".." && isInRange(entry.code, *number); };
-    found = std::find_if(_entries.begin(), _entries.end(), holds);
-    if (found == _entries.end()) {
-      found = std::find_if(_entries.begin(), _entries.end(), [](const Entry& entry) { return entry.code == ".."; });
-    }
+    found = std::find_if(_entries.begin(), end, holds);
+    if (found == end) found = std::find_if(_entries.begin(), end, [](const Entry& e) { return e.code == ".."; });
   }
-  return found == _entries.end() ? "" : found->text;
+  return found == end ? "" : found->text;
+}
+
+std::string ValueTexts::bitTexts(QORuint64 bits) const {
+  std::string texts;
+  bool hasText = false;
+  for (unsigned position = 0; bits != 0; ++position, bits >>= 1U) {
+    if ((bits & 1U) == 0) continue;
+    const std::string name = bitName(std::to_string(position));
+    const auto isNamed = [&name](const Entry& entry) { return entry.code == name && !entry.text.empty(); };
+    const auto found =
+        std::find_if(_entries.begin() + static_cast<std::ptrdiff_t>(_valueCount), _entries.end(), isNamed);
+    hasText = hasText || found != _entries.end();
+    texts += (texts.empty() ? "" : ", ") + (found == _entries.end() ? name : found->text);
+  }
+  return hasText ? texts : "";
 }
