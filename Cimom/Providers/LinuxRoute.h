@@ -7,21 +7,29 @@
 #include <utility>
 
 #include "Cimom/Embedded/InstanceProvider.h"
+#include "Cimom/Providers/LinuxRouteSocket.h"
 
-// One instance per route that leads out of this machine, in the kernel's order:
-// first those of IPv4, of the main table and of a route over several ways the
-// first of them; then those of IPv6, of all tables. Several threads may enumerate at once.
+// One instance for each hop of each route that leads out of this machine, of all
+// tables, in the kernel's order, those of IPv4 first. Where the kernel refuses to be
+// asked, those that its files show, with a warning. Several threads may enumerate at
+// once.
 class LinuxRoute : public InstanceProvider {
  public:
   static const char* const kClassName;
+  // RETURNS 0 and all routes, or an errno and none.
+  using Ask = int (*)(LinuxRouteEntries& routes);
 
-  // The folder that holds the tables "route" and "ipv6_route".
-  explicit LinuxRoute(std::string folder = "/proc/self/net") : _folder(std::move(folder)) {}
+  // The folder holds the tables "route" and "ipv6_route".
+  explicit LinuxRoute(Ask ask = askForRoutes, std::string folder = "/proc/self/net")
+      : _ask(ask), _folder(std::move(folder)) {}
 
   QORString getClassName() const override { return kClassName; }
   void enumerate(const Request& request, const Emit& emit) override;
 
  private:
+  LinuxRouteEntries routes() const;
+
+  const Ask _ask;
   const std::string _folder;
 };
 

@@ -306,21 +306,22 @@ def modules(rows):
 
 
 def routes(rows):
-    """Those of IPv4 from the main table and of several ways the first, those of IPv6 from all tables."""
-    expected = set()
-    for version, table in (("-4", "main"), ("-6", "all")):
-        for route in json.loads(output_of("ip", "-j", version, "route", "show", "table", table) or "[]"):
-            if version == "-6" and route.get("type") in ("local", "anycast", "multicast"):
-                continue
-            way = route.get("nexthops", [route])[0] if version == "-4" else route
-            expected.add((route["dst"], way.get("gateway"), way.get("dev")))
-    found = set()
+    """Those of all tables that lead out of the machine, each hop for itself."""
+    staying = ("2", "3", "4", "5")  # local, broadcast, anycast, multicast
+    expected = []
+    for version in ("-4", "-6"):
+        for route in json.loads(output_of("ip", "-N", "-j", version, "route", "show", "table", "all") or "[]"):
+            if route.get("type", "1") not in staying:
+                expected += [(route["dst"], hop.get("gateway", hop.get("via", {}).get("host")), hop.get("dev"),
+                              int(route.get("table", 254)), route.get("metric", 0), hop.get("weight"))
+                             for hop in route.get("nexthops", [route])]
+    found = []
     for row in rows:
         full = 128 if ":" in row["DestinationAddress"] else 32
         prefix = "" if row["PrefixLength"] == full else f"/{row['PrefixLength']}"
         destination = "default" if row["PrefixLength"] == 0 else row["DestinationAddress"] + prefix
-        found.add((destination, row["Gateway"], row["InterfaceName"]))
-    yield from differs("routes", found, expected)
+        found.append((destination, row["Gateway"], row["InterfaceName"], row["TableNumber"], row["Metric"], row["Weight"]))
+    yield from differs("routes", sorted(found, key=str), sorted(expected, key=str))
 
 
 def block_devices(rows):
