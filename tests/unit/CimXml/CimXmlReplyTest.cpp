@@ -400,6 +400,24 @@ TEST_F(CimXmlReplies, TellsTheSamePlaceInPiecesOfAnySize) {
   for (std::size_t piece = 1; piece < 70; ++piece) EXPECT_EQ(faultOf(document, piece), whole) << piece;
 }
 
+TEST_F(CimXmlReplies, TheNamesOfANamespaceAreJoinedByOneSlashEach) {
+  const auto named = [](const std::string& nameSpaces) {
+    return instances("<VALUE.OBJECTWITHPATH><INSTANCEPATH><NAMESPACEPATH><LOCALNAMESPACEPATH>" + nameSpaces +
+                     "</LOCALNAMESPACEPATH></NAMESPACEPATH><INSTANCENAME CLASSNAME=\"C\"/></INSTANCEPATH>"
+                     "<INSTANCE CLASSNAME=\"C\"/></VALUE.OBJECTWITHPATH>");
+  };
+  const auto nameSpaceOf = [&](const std::string& nameSpaces) {
+    return std::string(read(named(nameSpaces)).at(0)->getInstanceName()->getNameSpacePath()->getNameSpace().view());
+  };
+  EXPECT_EQ(nameSpaceOf("<NAMESPACE NAME=\"root\"/><NAMESPACE NAME=\"x\"/>"), "root/x");
+  EXPECT_EQ(nameSpaceOf("<NAMESPACE NAME=\"root/x\"/>"), "root/x");
+  EXPECT_EQ(nameSpaceOf("<NAMESPACE NAME=\"/root//\"/><NAMESPACE NAME=\"x/\"/>"), "root/x");
+  for (const char* nameless : {"<NAMESPACE/>", "<NAMESPACE NAME=\"\"/>", "<NAMESPACE NAME=\"//\"/>"}) {
+    EXPECT_THAT(faultOf(named(std::string("<NAMESPACE NAME=\"root\"/>") + nameless)),
+                HasSubstr("a NAMESPACE has no NAME at line "));
+  }
+}
+
 TEST_F(CimXmlReplies, AMisplacedTextHasThePlaceOfItsFirstInkInPiecesOfAnySize) {
   for (const std::string text : {" x", "\n \n\t x", "&#32;&#10; x y", "\r\n x"}) {
     const std::string whole = faultOf(instances(text));
