@@ -11,8 +11,6 @@ namespace QORQL_HintRules {
 
 namespace {
 
-std::string textOf(const QORString& text) { return std::string(text.view()); }
-
 constexpr char kNoNot[] = "a condition under NOT never matches in a filter: ask with =, <>, <, <=, > or >=";
 
 // The operand that ends before that piece, back to the keyword or parenthesis it stands behind.

@@ -18,8 +18,6 @@ std::string inLowerCase(std::string text) {
   return text;
 }
 
-std::string textOf(const QORString& text) { return std::string(text.view()); }
-
 constexpr char kNoFunctions[] = "a function has no value in a filter: select properties";
 
 struct ForeignWord {

@@ -13,10 +13,8 @@ namespace {
 
 using namespace QORQL_HintRules;
 
-std::string textOf(const QORString& text) { return std::string(text.view()); }
-
-constexpr const char* kKeywords[] = {"SELECT", "FROM", "WHERE", "ORDER", "BY",   "ASC", "DESC", "FORMAT",
-                                     "AS",     "AND",  "OR",    "NOT",   "LIKE", "IS",  "NULL", "ISA"};
+constexpr const char* kClauseWords[] = {"SELECT", "FROM", "WHERE", "ORDER", "BY",   "ASC", "DESC", "FORMAT",
+                                        "AS",     "AND",  "OR",    "NOT",   "LIKE", "IS",  "NULL", "ISA"};
 
 // --- the language's own words --------------------------------------------------------
 
@@ -73,8 +71,8 @@ Answer unnamedColumn(const Scene& scene) {
 Answer typingError(const Scene& scene) {
   if (!scene.isSyntax() || !scene.pieces.isWord(scene.at)) return {};
   QORQL_Suggestion suggestion(scene.word(scene.at));
-  for (const char* const keyword : kKeywords) {
-    if (scene.at == 0 && keyword != kKeywords[0]) break;
+  for (const char* const keyword : kClauseWords) {
+    if (scene.at == 0 && keyword != kClauseWords[0]) break;
     suggestion.consider(keyword);
   }
   const bool isMeant = !suggestion.best().empty() && !scene.is(scene.at, suggestion.best());

@@ -9,21 +9,21 @@
 
 namespace {
 
-using Kind = QoriScalarKind;
+using ScalarKind = QoriScalarKind;
 __extension__ using Wide = __int128;
 
 double real(const QoriScalar& number) noexcept {
-  if (number.kind == Kind::Real) return number.r;
-  return number.kind == Kind::Unsigned ? static_cast<double>(number.u) : static_cast<double>(number.s);
+  if (number.kind == ScalarKind::Real) return number.r;
+  return number.kind == ScalarKind::Unsigned ? static_cast<double>(number.u) : static_cast<double>(number.s);
 }
 
 Wide wide(const QoriScalar& number) noexcept {
-  return number.kind == Kind::Unsigned ? static_cast<Wide>(number.u) : static_cast<Wide>(number.s);
+  return number.kind == ScalarKind::Unsigned ? static_cast<Wide>(number.u) : static_cast<Wide>(number.s);
 }
 
 QoriScalar realNumber(double value) noexcept {
   QoriScalar number;
-  number.kind = Kind::Real;
+  number.kind = ScalarKind::Real;
   number.r = value;
   return number;
 }
@@ -34,10 +34,10 @@ QoriScalar fitted(Wide value, bool prefersUnsigned) noexcept {
   const bool fitsUnsigned = value >= 0 && value <= std::numeric_limits<QORuint64>::max();
   QoriScalar number;
   if (fitsUnsigned && (prefersUnsigned || !fitsSigned)) {
-    number.kind = Kind::Unsigned;
+    number.kind = ScalarKind::Unsigned;
     number.u = static_cast<QORuint64>(value);
   } else if (fitsSigned) {
-    number.kind = Kind::Signed;
+    number.kind = ScalarKind::Signed;
     number.s = static_cast<QORsint64>(value);
   }
   return number;
@@ -47,10 +47,10 @@ QoriScalar fitted(Wide value, bool prefersUnsigned) noexcept {
 
 void QORQL_NumberFold::addToSum(const QoriScalar& value) noexcept {
   if (_folded.isNull()) return;
-  if (_folded.kind == Kind::Real || value.kind == Kind::Real) {
+  if (_folded.kind == ScalarKind::Real || value.kind == ScalarKind::Real) {
     _folded = realNumber(real(_folded) + real(value));
   } else {
-    _folded = fitted(wide(_folded) + wide(value), _folded.kind == Kind::Unsigned);
+    _folded = fitted(wide(_folded) + wide(value), _folded.kind == ScalarKind::Unsigned);
   }
 }
 
@@ -76,11 +76,11 @@ bool QORQL_NumberFold::addNumber(const QoriScalar& value, QORuint64 row) noexcep
 QORSmrPtr<IQoriValue> QORQL_NumberFold::madeValue() const {
   if (_functionID == QORQL_FUNCTIONID_COUNT) return QORSmrPtr<IQoriValue>(new CQoriValue(_count, CQoriType::uint64));
   switch (_folded.kind) {
-    case Kind::Unsigned:
+    case ScalarKind::Unsigned:
       return QORSmrPtr<IQoriValue>(new CQoriValue(_folded.u, CQoriType::uint64));
-    case Kind::Signed:
+    case ScalarKind::Signed:
       return QORSmrPtr<IQoriValue>(new CQoriValue(_folded.s, CQoriType::sint64));
-    case Kind::Real:
+    case ScalarKind::Real:
       return QORSmrPtr<IQoriValue>(new CQoriValue(_folded.r, CQoriType::real64));
     default:
       return {};
