@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Lazy/QORQL_NumberFold.h"
 
+#include <algorithm>
 #include <limits>
 
 #include "cimom/CQoriValue.h"
@@ -45,13 +46,50 @@ QoriScalar fitted(Wide value, bool prefersUnsigned) noexcept {
 
 }  // namespace
 
+bool QORQL_NumberFold::takesRun(const QoriScalar* values, std::size_t count) const noexcept {
+  if (_functionID == QORQL_FUNCTIONID_COUNT) return true;
+  return std::all_of(values, values + count,
+                     [](const QoriScalar& value) { return value.isNull() || value.isNumber(); });
+}
+
+std::size_t QORQL_NumberFold::addRun(const QoriScalar* values, std::size_t count, QORuint64 firstRow) noexcept {
+  std::size_t present = 0;
+  _hasRows = _hasRows || count != 0;
+  if (_functionID == QORQL_FUNCTIONID_COUNT) {
+    for (std::size_t i = 0; i < count; ++i) present += values[i].isNull() ? 0 : 1;
+    _count += present;
+    return present;
+  }
+  for (std::size_t i = 0; i < count; ++i) {
+    if (values[i].isNull()) continue;
+    ++present;
+    addNumber(values[i], firstRow + i);
+  }
+  return present;
+}
+
 void QORQL_NumberFold::addToSum(const QoriScalar& value) noexcept {
+  QORuint64 sum = 0;
+  const bool areUnsigned = _folded.kind == Kind::Unsigned && value.kind == Kind::Unsigned;
+  if (areUnsigned && !__builtin_add_overflow(_folded.u, value.u, &sum)) {
+    _folded.u = sum;
+    return;
+  }
   if (_folded.isNull()) return;
   if (_folded.kind == ScalarKind::Real || value.kind == ScalarKind::Real) {
     _folded = realNumber(real(_folded) + real(value));
   } else {
     _folded = fitted(wide(_folded) + wide(value), _folded.kind == ScalarKind::Unsigned);
   }
+}
+
+bool QORQL_NumberFold::replaces(const QoriScalar& value) const noexcept {
+  const bool wantsLess = _functionID == QORQL_FUNCTIONID_MIN;
+  if (value.kind == Kind::Unsigned && _folded.kind == Kind::Unsigned) {
+    return wantsLess ? value.u < _folded.u : value.u > _folded.u;
+  }
+  const std::partial_ordering order = qori::compareNumbers(value, _folded);
+  return wantsLess ? order < 0 : order > 0;
 }
 
 bool QORQL_NumberFold::addNumber(const QoriScalar& value, QORuint64 row) noexcept {
@@ -64,8 +102,7 @@ bool QORQL_NumberFold::addNumber(const QoriScalar& value, QORuint64 row) noexcep
     addToSum(value);
     return true;
   }
-  const std::partial_ordering order = qori::compareNumbers(value, _folded);
-  if (_functionID == QORQL_FUNCTIONID_MIN ? order < 0 : order > 0) {
+  if (replaces(value)) {
     _folded = value;
     _row = row;
     _isRowsOwn = true;
