@@ -40,6 +40,8 @@ target_link_libraries(embedded PUBLIC qorql_model
                                PRIVATE PkgConfig::INIH PkgConfig::PROC2 PkgConfig::MOUNT PkgConfig::UDEV PkgConfig::SYSTEMD
                                        PkgConfig::ZSTD PkgConfig::XXHASH PkgConfig::EXPAT ${CMAKE_DL_LIBS})
 qorql_library(embedded embedded)
+list(FILTER QORQL_EMBEDDED_SOURCES INCLUDE REGEX "/Cimom/CimXml/")
+qorql_compile_together(embedded ${QORQL_EMBEDDED_SOURCES})
 
 # What reads the lists of packages is loaded when they are asked for: its libraries would slow down every start.
 function(qorql_package_reader target name source library)
