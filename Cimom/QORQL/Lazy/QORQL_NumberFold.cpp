@@ -70,7 +70,7 @@ std::size_t QORQL_NumberFold::addRun(const QoriScalar* values, std::size_t count
 
 void QORQL_NumberFold::addToSum(const QoriScalar& value) noexcept {
   QORuint64 sum = 0;
-  const bool areUnsigned = _folded.kind == Kind::Unsigned && value.kind == Kind::Unsigned;
+  const bool areUnsigned = _folded.kind == ScalarKind::Unsigned && value.kind == ScalarKind::Unsigned;
   if (areUnsigned && !__builtin_add_overflow(_folded.u, value.u, &sum)) {
     _folded.u = sum;
     return;
@@ -85,7 +85,7 @@ void QORQL_NumberFold::addToSum(const QoriScalar& value) noexcept {
 
 bool QORQL_NumberFold::replaces(const QoriScalar& value) const noexcept {
   const bool wantsLess = _functionID == QORQL_FUNCTIONID_MIN;
-  if (value.kind == Kind::Unsigned && _folded.kind == Kind::Unsigned) {
+  if (value.kind == ScalarKind::Unsigned && _folded.kind == ScalarKind::Unsigned) {
     return wantsLess ? value.u < _folded.u : value.u > _folded.u;
   }
   const std::partial_ordering order = qori::compareNumbers(value, _folded);
