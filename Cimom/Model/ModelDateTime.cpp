@@ -9,7 +9,7 @@ namespace model {
 bool isDateTime(std::string_view text) noexcept { return qori::readDateTime(text).wellFormed; }
 
 std::optional<Moment> momentOf(std::string_view text) noexcept {
-  const DateTime read = readDateTime(text);
+  const QoriDateTime read = qori::readDateTime(text);
   if (!read.complete) return std::nullopt;
   return Moment{read.interval, read.microseconds};
 }
