@@ -84,10 +84,15 @@ std::string readMofFile(const std::string& path, std::string& content) {
   // The size of the content counts, not that of the file: a pipe has none, and a file may grow.
   const std::uintmax_t size = fs::file_size(path, error);
   if (!error && size > kMaximumFileSize) return kTooLarge;
-  std::vector<char> chunk(std::size_t{1} << 16U);
+  content.resize(error ? 0 : static_cast<std::size_t>(size));
+  in.read(content.data(), static_cast<std::streamsize>(content.size()));
+  content.resize(static_cast<std::size_t>(in.gcount()));
+  constexpr std::size_t kChunk = std::size_t{1} << 14U;
   while (in && content.size() <= kMaximumFileSize) {
-    in.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
-    content.append(chunk.data(), static_cast<std::size_t>(in.gcount()));
+    const std::size_t known = content.size();
+    content.resize(known + kChunk);
+    in.read(content.data() + known, static_cast<std::streamsize>(kChunk));
+    content.resize(known + static_cast<std::size_t>(in.gcount()));
   }
   if (content.size() > kMaximumFileSize) return kTooLarge;
   return in.bad() ? "reading it fails" : "";

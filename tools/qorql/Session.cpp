@@ -24,13 +24,22 @@ const char* severityName(QORuint32 severity) {
   return kNames[severity < std::size(kNames) ? severity : std::size(kNames) - 1];
 }
 
+// The process ends soon and gives back all memory at once, which is much faster than object by object.
+void keepToTheEnd(std::unique_ptr<EmbeddedObjectManager> manager) {
+  static EmbeddedObjectManager* kept = nullptr;
+  if (kept == nullptr) kept = manager.release();
+}
+
 }  // namespace
 
 Session::Session(const SessionOptions& options) : _options(options), _manager(makeManager()) {
   _manager->makeCurrent();
 }
 
-Session::~Session() { _manager->setLogSink({}, QoriTraceLog::kFatal); }
+Session::~Session() {
+  _manager->setLogSink({}, QoriTraceLog::kFatal);
+  keepToTheEnd(std::move(_manager));
+}
 
 std::unique_ptr<EmbeddedObjectManager> Session::makeManager() {
   auto manager = std::make_unique<EmbeddedObjectManager>();
