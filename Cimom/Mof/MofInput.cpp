@@ -5,6 +5,7 @@
 #include <xxhash.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
@@ -87,12 +88,10 @@ std::string readMofFile(const std::string& path, std::string& content) {
   content.resize(error ? 0 : static_cast<std::size_t>(size));
   in.read(content.data(), static_cast<std::streamsize>(content.size()));
   content.resize(static_cast<std::size_t>(in.gcount()));
-  constexpr std::size_t kChunk = std::size_t{1} << 14U;
+  std::array<char, 4096> chunk;
   while (in && content.size() <= kMaximumFileSize) {
-    const std::size_t known = content.size();
-    content.resize(known + kChunk);
-    in.read(content.data() + known, static_cast<std::streamsize>(kChunk));
-    content.resize(known + static_cast<std::size_t>(in.gcount()));
+    in.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
+    content.append(chunk.data(), static_cast<std::size_t>(in.gcount()));
   }
   if (content.size() > kMaximumFileSize) return kTooLarge;
   return in.bad() ? "reading it fails" : "";
