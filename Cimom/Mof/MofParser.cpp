@@ -243,6 +243,8 @@ bool MofParser::isPlaced() noexcept {
 void MofParser::readPragma() {
   _pragma = _token.offset;
   advance();
+  if (_token.offset >= _scanner.lineEndAfter(_pragma))
+    throw MofFault{{&_source, _lastEnd}, "found the end of the line, expected the name of a pragma"};
   if (_report.isLenient() && passOverPragma()) return;
   const bool isNameSpace = isWord("namespace");
   _hasLostNameSpace = isNameSpace && _report.isLenient();

@@ -46,7 +46,18 @@ bool isBareName(const QORQL_Factor& factor, const QORString& name) {
   return factor.getPropertyOffset() == factor.getOffset() && QORQL_isName(factor.getClassName(), name);
 }
 
+// Where a path, which the row tells by its first name, leads on from: its property.
+QORuint32 placeInPath(const QORQL_Query& query, QORuint32 offset) {
+  const auto placeOf = [&](const QORQL_Factor& factor) {
+    const bool isThis = factor.getOffset() == offset && QORQL_hasPath(factor);
+    return isThis ? QORQL_placeOfOwnProperty(query.getQueryString().view(), factor) : kNowhere;
+  };
+  const QORuint32 place = find(query, [&](QORQL_Evaluatable& node) { return QORQL_findPlace(node, placeOf); });
+  return place == kNowhere ? offset : place;
+}
+
 QORuint32 placeOf(const QORQL_Query& query, const QORQL_Fault& fault) {
+  if (fault.kind == QORQL_Fault::kPathUnread) return placeInPath(query, fault.offset);
   if (fault.kind == QORQL_Fault::kPropertyMissing) return QORQL_findProperty(query, fault.className, fault.name);
   if (fault.kind != QORQL_Fault::kClassUnknown && fault.kind != QORQL_Fault::kFromNameUnknown)
     return QORQL_Fault::kNowhere;
@@ -85,7 +96,7 @@ QORuint32 QORQL_findProperty(const QORQL_Query& query, const QORString& classNam
 }
 
 void QORQL_placeFault(const QORQL_Query& query, QORQL_Exception& error) noexcept {
-  if (error.getFault().hasPlace()) return;
+  if (error.getFault().hasPlace() && error.getFault().kind != QORQL_Fault::kPathUnread) return;
   try {
     error.setFaultOffset(placeOf(query, error.getFault()));
   } catch (const std::bad_alloc&) {

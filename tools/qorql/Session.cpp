@@ -6,6 +6,8 @@
 #include <exception>
 #include <iostream>
 #include <optional>
+#include <set>
+#include <string_view>
 #include <utility>
 
 #include "DisplayText.h"
@@ -62,6 +64,9 @@ void Session::printWarnings() {
   std::vector<std::string> warnings;
   warnings.swap(_warnings);
   if (_options.isQuiet) return;
+  // A join asks more than one class, and each may miss the same.
+  std::set<std::string_view> seen;
+  std::erase_if(warnings, [&seen](const std::string& warning) { return !seen.insert(warning).second; });
   const std::size_t shown = std::min(warnings.size(), kMaximumWarnings);
   for (std::size_t i = 0; i < shown; ++i) std::cerr << "qorql: warning: " << warnings[i] << '\n';
   if (shown < warnings.size()) std::cerr << "qorql: warning: " << warnings.size() - shown << " more warnings\n";
