@@ -18,7 +18,18 @@ TEST_F(XmlPulling, RefusesWhatIsNoXml) {
               HasSubstr("the document is not well-formed XML: not well-formed (invalid token) at line 3, column "));
   EXPECT_THAT(faultOf(instances("<INSTANCE CLASSNAME=\"C\"><A></B>")), HasSubstr("mismatched tag"));
   EXPECT_THAT(faultOf(instances("&evil;")), HasSubstr("undefined entity"));
-  EXPECT_THAT(faultOf(instances("") + "<CIM/>"), HasSubstr("junk after document element"));
+}
+
+TEST_F(XmlPulling, WhateverFollowsTheDocumentHasThePlaceOfItsEndInPiecesOfAnySize) {
+  const std::string document = instances("");
+  const std::string end =
+      " at line 3, column " + std::to_string(document.find("</CIM>") - document.find("<MESSAGE") + 1);
+  for (const char* more : {"<CIM/>", "x", "TYPE=\"real32", "</CIM>", "<!-- open", "\xFF"}) {
+    for (const std::size_t piece : {std::size_t{1} << 14, std::size_t{1}, std::size_t{3}}) {
+      EXPECT_EQ(faultOf(document + more, piece), "the document goes on after its end" + end) << more << piece;
+    }
+  }
+  EXPECT_EQ(faultOf(document + " <!-- a comment --> \n"), "none");
 }
 
 TEST_F(XmlPulling, RefusesADoctype) {
