@@ -8,12 +8,6 @@ namespace model {
 
 bool isDateTime(std::string_view text) noexcept { return qori::readDateTime(text).wellFormed; }
 
-std::optional<Moment> momentOf(std::string_view text) noexcept {
-  const QoriDateTime read = qori::readDateTime(text);
-  if (!read.complete) return std::nullopt;
-  return Moment{read.interval, read.microseconds};
-}
-
 std::strong_ordering compareDateTimes(std::string_view a, std::string_view b) noexcept {
   const QoriDateTime x = qori::readDateTime(a);
   const QoriDateTime y = qori::readDateTime(b);

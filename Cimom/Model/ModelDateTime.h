@@ -5,8 +5,6 @@
 #define QORQL_MODEL_MODELDATETIME_H
 
 #include <compare>
-#include <cstdint>
-#include <optional>
 #include <string_view>
 
 namespace model {
@@ -15,14 +13,6 @@ namespace model {
 // (yyyymmddhhmmss.mmmmmmsutc) or an interval (ddddddddhhmmss.mmmmmm:000), with
 // `*` allowed for any field's digits and every field that is given in its range.
 bool isDateTime(std::string_view text) noexcept;
-
-// A complete datetime in microseconds: since 1970 in UTC, or of the interval.
-struct Moment {
-  bool isInterval = false;
-  std::int64_t microseconds = 0;
-};
-// None for a text that is no datetime or has wildcards.
-std::optional<Moment> momentOf(std::string_view text) noexcept;
 
 // Two complete timestamps compare by instant, two complete intervals by
 // duration; all other pairs byte by byte.

@@ -8,12 +8,12 @@
 #include <optional>
 #include <utility>
 
-#include "Cimom/Model/ModelDateTime.h"
 #include "Cimom/Mof/MofLiterals.h"
 #include "ColumnTypes.h"
 #include "DisplayText.h"
 #include "JsonValue.h"
 #include "cimom/CQoriType.h"
+#include "cimom/QoriDateTime.h"
 
 namespace {
 
@@ -212,7 +212,7 @@ void ArrowColumn::appendReal(ArrowArray& array, const IQoriValue& value) {
 void ArrowColumn::appendMoment(ArrowArray& array, const IQoriValue& value) {
   const QoriScalar scalar = value.scalar();
   if (scalar.kind != QoriScalarKind::DateTime || dateTimesOf(scalar.text->view()) != _dateTimes) refuse(value);
-  array.appendFixed(model::momentOf(scalar.text->view())->microseconds);
+  array.appendFixed(qori::readDateTime(scalar.text->view()).microseconds);
 }
 
 // An embedded object may be declared as a string.

@@ -7,8 +7,8 @@
 #include <limits>
 #include <string>
 
-#include "Cimom/Model/ModelDateTime.h"
 #include "cimom/CQoriType.h"
+#include "cimom/QoriDateTime.h"
 
 namespace {
 
@@ -42,9 +42,9 @@ Code widest(QORuint32 types) noexcept { return static_cast<Code>(std::bit_width(
 }  // namespace
 
 DateTimes dateTimesOf(std::string_view text) noexcept {
-  const std::optional<model::Moment> moment = model::momentOf(text);
-  if (!moment) return DateTimes::Texts;
-  return moment->isInterval ? DateTimes::Intervals : DateTimes::Timestamps;
+  const QoriDateTime read = qori::readDateTime(text);
+  if (!read.complete) return DateTimes::Texts;
+  return read.interval ? DateTimes::Intervals : DateTimes::Timestamps;
 }
 
 ColumnTypes::ColumnTypes(const std::vector<QORQL_ResultReader::Column>& columns, const Declared& declared)

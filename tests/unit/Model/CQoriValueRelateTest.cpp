@@ -8,6 +8,7 @@
 #include "AllocationCount.h"
 #include "Cimom/Model/ModelDateTime.h"
 #include "ModelTestSupport.h"
+#include "cimom/QoriDateTime.h"
 
 namespace {
 
@@ -182,17 +183,17 @@ TEST(ModelDateTime, FormIsChecked) {
   }
 }
 
-TEST(ModelDateTime, MomentsAreInstantsInUtcAndDurations) {
-  const auto microseconds = [](const char* text) { return model::momentOf(text)->microseconds; };
+TEST(QoriDateTime, MomentsAreInstantsInUtcAndDurations) {
+  const auto microseconds = [](const char* text) { return qori::readDateTime(text).microseconds; };
   EXPECT_EQ(microseconds("19700101010000.000001+060"), 1);
   EXPECT_EQ(microseconds("19691231235959.999999+000"), -1);
   EXPECT_EQ(microseconds("19691231190000.000000-300"), 0);
   EXPECT_EQ(microseconds("20161231235960.000000+000"), microseconds("20170101000000.000000+000"));
   EXPECT_EQ(microseconds("00000001000000.000001:000"), 86400000001);
-  EXPECT_FALSE(model::momentOf("19700101010000.000001+060")->isInterval);
-  EXPECT_TRUE(model::momentOf("00000001000000.000001:000")->isInterval);
+  EXPECT_FALSE(qori::readDateTime("19700101010000.000001+060").interval);
+  EXPECT_TRUE(qori::readDateTime("00000001000000.000001:000").interval);
   for (const char* const none : {"1970010101****.000001+060", "20230229000000.000000+000", "now", ""}) {
-    EXPECT_FALSE(model::momentOf(none)) << none;
+    EXPECT_FALSE(qori::readDateTime(none).complete) << none;
   }
 }
 
