@@ -50,10 +50,10 @@ bool isBareName(const QORQL_Factor& factor, const QORString& name) {
 QORuint32 placeInPath(const QORQL_Query& query, QORuint32 offset) {
   const auto placeOf = [&](const QORQL_Factor& factor) {
     const bool isThis = factor.getOffset() == offset && QORQL_hasPath(factor);
-    return isThis ? QORQL_placeOfOwnProperty(query.getQueryString().view(), factor) : kNowhere;
+    return isThis ? QORQL_placeOfOwnProperty(query.getQueryString().view(), factor) : QORQL_Fault::kNowhere;
   };
   const QORuint32 place = find(query, [&](QORQL_Evaluatable& node) { return QORQL_findPlace(node, placeOf); });
-  return place == kNowhere ? offset : place;
+  return place == QORQL_Fault::kNowhere ? offset : place;
 }
 
 QORuint32 placeOf(const QORQL_Query& query, const QORQL_Fault& fault) {
