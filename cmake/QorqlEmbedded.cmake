@@ -1,5 +1,5 @@
-# The embedded object manager: repository and instances, the MOF reader, live Linux classes
-# and CIM-XML, with all that they need from the system.
+# The embedded object manager: repository and instances, the MOF reader, live Linux classes,
+# CIM-XML and servers that are asked, with all that they need from the system.
 # SPDX-License-Identifier: Apache-2.0
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(INIH REQUIRED IMPORTED_TARGET inih)
@@ -7,9 +7,11 @@ pkg_check_modules(PROC2 REQUIRED IMPORTED_TARGET libproc2)
 pkg_check_modules(MOUNT REQUIRED IMPORTED_TARGET mount)
 pkg_check_modules(UDEV REQUIRED IMPORTED_TARGET libudev)
 pkg_check_modules(SYSTEMD REQUIRED IMPORTED_TARGET libsystemd)
+pkg_check_modules(ZSTD REQUIRED IMPORTED_TARGET libzstd)
 pkg_check_modules(XXHASH REQUIRED IMPORTED_TARGET libxxhash)
 pkg_check_modules(EXPAT REQUIRED IMPORTED_TARGET expat)
 pkg_check_modules(APT REQUIRED IMPORTED_TARGET apt-pkg)
+pkg_check_modules(CURL REQUIRED IMPORTED_TARGET libcurl)
 option(QORQL_RPM "Read rpm's database of packages, where librpm is there to build with" ON)
 if(QORQL_RPM)
   pkg_check_modules(RPM IMPORTED_TARGET rpm)
@@ -29,7 +31,7 @@ add_custom_command(OUTPUT ${QORQL_GENERATED}/LinuxSchema.cpp
                    DEPENDS ${QORQL_SCHEMA} ${CMAKE_CURRENT_LIST_DIR}/QorqlSchema.cmake VERBATIM)
 
 file(GLOB QORQL_EMBEDDED_SOURCES CONFIGURE_DEPENDS Cimom/Embedded/*.cpp Cimom/Mof/*.cpp Cimom/Providers/*.cpp
-     Cimom/CimXml/*.cpp)
+     Cimom/CimXml/*.cpp Cimom/Remote/*.cpp)
 add_library(embedded SHARED ${QORQL_EMBEDDED_SOURCES} ${QORQL_GENERATED}/MofCacheFormat_generated.h
                             ${QORQL_GENERATED}/LinuxSchema.cpp)
 # Whoever links it finds it beside the object model.
@@ -37,13 +39,12 @@ set_target_properties(embedded PROPERTIES OUTPUT_NAME qorqlembedded INSTALL_RPAT
 target_include_directories(embedded SYSTEM PRIVATE ${QORQL_GENERATED})
 target_link_libraries(embedded PUBLIC qorql_model
                                PRIVATE PkgConfig::INIH PkgConfig::PROC2 PkgConfig::MOUNT PkgConfig::UDEV PkgConfig::SYSTEMD
-                                       PkgConfig::XXHASH PkgConfig::EXPAT ${CMAKE_DL_LIBS})
+                                       PkgConfig::ZSTD PkgConfig::XXHASH PkgConfig::EXPAT ${CMAKE_DL_LIBS})
 qorql_library(embedded embedded)
-list(FILTER QORQL_EMBEDDED_SOURCES INCLUDE REGEX "/Cimom/CimXml/")
-qorql_compile_together(embedded ${QORQL_EMBEDDED_SOURCES})
 
-# What reads the lists of packages is loaded when they are asked for: its libraries would slow down every start.
-function(qorql_package_reader target name source library)
+# What reads the lists of packages, and what speaks HTTP with servers, is loaded when it is asked for: its libraries
+# would slow down every start.
+function(qorql_loaded_library target name source library)
   add_library(${target} MODULE ${source})
   set_target_properties(${target} PROPERTIES PREFIX lib OUTPUT_NAME ${name}
                                              LIBRARY_OUTPUT_DIRECTORY $<TARGET_FILE_DIR:embedded>/qorql)
@@ -52,9 +53,10 @@ function(qorql_package_reader target name source library)
   qorql_target_options(${target})
   add_dependencies(embedded ${target})
 endfunction()
-qorql_package_reader(qorql_apt qorqlapt Cimom/Providers/Apt/AptPackages.cpp PkgConfig::APT)
-set(QORQL_PACKAGE_READERS qorql_apt)
+qorql_loaded_library(qorql_apt qorqlapt Cimom/Providers/Apt/AptPackages.cpp PkgConfig::APT)
+qorql_loaded_library(qorql_http qorqlhttp Cimom/Remote/Http/HttpTransport.cpp PkgConfig::CURL)
+set(QORQL_LOADED_LIBRARIES qorql_apt qorql_http)
 if(TARGET PkgConfig::RPM)
-  qorql_package_reader(qorql_rpm qorqlrpm Cimom/Providers/Rpm/RpmPackages.cpp PkgConfig::RPM)
-  list(APPEND QORQL_PACKAGE_READERS qorql_rpm)
+  qorql_loaded_library(qorql_rpm qorqlrpm Cimom/Providers/Rpm/RpmPackages.cpp PkgConfig::RPM)
+  list(APPEND QORQL_LOADED_LIBRARIES qorql_rpm)
 endif()

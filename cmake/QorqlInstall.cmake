@@ -18,7 +18,7 @@ install(TARGETS ${qorql_libraries} EXPORT QORQLTargets)
 qorql_install_headers(${qorql_headers} ${QORQL_PLATFORM_HEADERS} ${QORQL_ENGINE_HEADERS})
 if(QORQL_EMBEDDED)
   qorql_install_headers(${qorql_headers} ${QORQL_EMBEDDED_HEADERS})
-  install(TARGETS ${QORQL_PACKAGE_READERS} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/qorql)
+  install(TARGETS ${QORQL_LOADED_LIBRARIES} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/qorql)
 endif()
 
 install(EXPORT QORQLTargets NAMESPACE QORQL:: DESTINATION ${qorql_package})

@@ -31,6 +31,8 @@ class CimXmlInstance {
   // In the document's order; a name may come twice.
   std::span<const CimXmlProperty> properties() const noexcept { return {_properties.data(), _count}; }
 
+  std::span<CimXmlProperty> changeableProperties() noexcept { return {_properties.data(), _count}; }
+
   void clear() noexcept {
     name = QORSmrPtr<IQoriInstanceName>();
     _count = 0;

@@ -44,6 +44,8 @@ class CimXmlReply {
 
   // What next() read last, until it is called again.
   const CimXmlInstance& instance() const noexcept { return _instance; }
+  // The same, to be changed or completed before an object is made of it.
+  CimXmlInstance& takeInstance() noexcept { return _instance; }
   const QORSmrPtr<IQoriInstanceName>& name() const noexcept { return _name; }
   const CimClassDeclaration& classDeclaration() const noexcept { return _class; }
   const CimQualifierDeclaration& qualifierDeclaration() const noexcept { return _qualifier; }

@@ -27,6 +27,7 @@ CIMApi::Instances AssociationWalk::run() {
     resolveStored();
   }
   walkLive();
+  walkOuter();
   if (_resolved < _ends.size()) {
     const std::shared_lock<std::shared_mutex> lock(_store.mutex());
     resolveStored();
@@ -75,6 +76,14 @@ void AssociationWalk::walkLive() {
     if (associations == nullptr) continue;
     for (const QORSmrPtr<IQoriObject>& association : *associations) meetEnds(*source.entry->model, *association);
   }
+}
+
+void AssociationWalk::walkOuter() {
+  const OuterSnapshot::Objects* const associations =
+      _outer.referringTo(_state, _request.nameSpace, _request.associationClass, _sourcePath.view());
+  if (associations == nullptr) return;
+  OuterModels models(_state);
+  for (const QORSmrPtr<IQoriObject>& association : *associations) meetEnds(models.of(*association), *association);
 }
 
 void AssociationWalk::meetEnds(const CQoriClass& association, const IQoriObject& object) {
@@ -132,11 +141,20 @@ QORSmrPtr<IQoriObject> AssociationWalk::findLive(const End& end) {
   return object.IsNull() ? object : _restrictor.apply(*source.entry->model, object);
 }
 
+// The result class is asked for as a whole: the ends of other sources will be among the same instances.
+QORSmrPtr<IQoriObject> AssociationWalk::findOuter(const End& end) {
+  const QORString& className = _request.resultClass.isEmpty() ? end.name->getClassName() : _request.resultClass;
+  const QORSmrPtr<IQoriObject> object =
+      _outer.find(_state, {_request.nameSpace, className, _request.names}, end.path.view());
+  return object.IsNull() ? object : _restrictor.apply(OuterModels(_state).of(*object), object);
+}
+
 CIMApi::Instances AssociationWalk::collect() {
   CIMApi::Instances found(new QORValSlist<QORSmrPtr<IQoriObject>>);
   for (const End& end : _ends) {
     if (end.object.IsNull()) {
-      const QORSmrPtr<IQoriObject> live = findLive(end);
+      QORSmrPtr<IQoriObject> live = findLive(end);
+      if (live.IsNull()) live = findOuter(end);
       if (!live.IsNull()) found->append(live);
     } else if (isResult(*end.entry)) {
       found->append(_restrictor.apply(*end.entry->model, end.object));

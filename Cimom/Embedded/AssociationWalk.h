@@ -10,6 +10,7 @@
 
 #include "Cimom/Embedded/LiveSnapshot.h"
 #include "Cimom/Embedded/ObjectStore.h"
+#include "Cimom/Embedded/OuterCalls.h"
 #include "Cimom/Embedded/Restrictor.h"
 #include "cimom/CIMApi.h"
 
@@ -30,8 +31,14 @@ struct AssociationRequest {
 // number of instances. The stored part is one consistent state.
 class AssociationWalk {
  public:
-  AssociationWalk(const ObjectStore& store, LiveSnapshot& live, const AssociationRequest& request)
-      : _store(store), _live(live), _request(request), _restrictor(request.names) {}
+  AssociationWalk(const EmbeddedObjectManager::State& state, LiveSnapshot& live, OuterSnapshot& outer,
+                  const AssociationRequest& request)
+      : _state(state),
+        _store(*state.store),
+        _live(live),
+        _outer(outer),
+        _request(request),
+        _restrictor(request.names) {}
 
   // Null for an unknown namespace or class. THROWS CQoriProviderException.
   CIMApi::Instances run();
@@ -49,15 +56,19 @@ class AssociationWalk {
   bool resolveClass(const QORString& name, const ClassEntry*& entry) const;
   void walkStored();
   void walkLive();
+  void walkOuter();
   void meetEnds(const CQoriClass& association, const IQoriObject& object);
   void meetOtherEnds(const CQoriClass& association, const IQoriObject& object, QORuint32 sourcePosition);
   bool isResult(const ClassEntry& entry) const;
   void resolveStored();
   CIMApi::Instances collect();
   QORSmrPtr<IQoriObject> findLive(const End& end);
+  QORSmrPtr<IQoriObject> findOuter(const End& end);
 
+  const EmbeddedObjectManager::State& _state;
   const ObjectStore& _store;
   LiveSnapshot& _live;
+  OuterSnapshot& _outer;
   const AssociationRequest& _request;
   Restrictor _restrictor;
   const NameSpace* _space = nullptr;              // BORROWS

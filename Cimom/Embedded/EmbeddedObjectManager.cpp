@@ -8,6 +8,7 @@
 #include "Cimom/Embedded/ClientCalls.h"
 #include "Cimom/Embedded/EmbeddedState.h"
 #include "Cimom/Embedded/MofText.h"
+#include "Cimom/Embedded/OuterCalls.h"
 #include "Cimom/Embedded/RepositoryError.h"
 
 using embedded::CimStatus;
@@ -35,16 +36,32 @@ Current& currentManager() {
 // Hands out committed classes; keeps the classes, not the object manager, alive.
 class Repository final : public IQoriRepository {
  public:
-  explicit Repository(std::shared_ptr<embedded::ObjectStore> store) : _store(std::move(store)) {}
+  explicit Repository(std::shared_ptr<embedded::ObjectStore> store,
+                      std::weak_ptr<EmbeddedObjectManager::State> state = {})
+      : _store(std::move(store)), _state(std::move(state)) {}
   QORSmrPtr<IQoriClass> getClass(const QORString& nameSpace, const QORString& className) const override {
-    const ReadLock lock(_store->mutex());
-    const ClassEntry* const entry = _store->findClass(nameSpace, className, View::Committed);
-    return entry == nullptr ? QORSmrPtr<IQoriClass>() : entry->handle;
+    QORSmrPtr<IQoriClass> found = find(nameSpace, className);
+    if (found.IsNull() && provide(nameSpace, className)) found = find(nameSpace, className);
+    return found;
   }
   QORuint64 getVersion() const override { return _store->classVersion(); }
 
  private:
+  QORSmrPtr<IQoriClass> find(const QORString& nameSpace, const QORString& className) const {
+    const ReadLock lock(_store->mutex());
+    const ClassEntry* const entry = _store->findClass(nameSpace, className, View::Committed);
+    return entry == nullptr ? QORSmrPtr<IQoriClass>() : entry->handle;
+  }
+  // The outer source, if the object manager lives and has one.
+  bool provide(const QORString& nameSpace, const QORString& className) const {
+    const std::shared_ptr<EmbeddedObjectManager::State> state = _state.lock();
+    if (state == nullptr || state->outer == nullptr) return false;
+    embedded::provideClass(*state, nameSpace, className);
+    return true;
+  }
+
   std::shared_ptr<embedded::ObjectStore> _store;
+  std::weak_ptr<EmbeddedObjectManager::State> _state;  // whose outer source is asked
 };
 
 }  // namespace
@@ -100,6 +117,12 @@ std::vector<QORString> EmbeddedObjectManager::namespaces() const {
 }
 
 std::vector<QORString> EmbeddedObjectManager::classNames(const QORString& nameSpace) const {
+  std::vector<QORString> names = declaredClassNames(nameSpace);
+  if (_state->outer != nullptr) embedded::addOuterNames(names, _state->outer->classNames(nameSpace));
+  return names;
+}
+
+std::vector<QORString> EmbeddedObjectManager::declaredClassNames(const QORString& nameSpace) const {
   const ReadLock lock(_state->store->mutex());
   std::vector<QORString> names;
   const NameSpace* const space = _state->store->findNameSpace(nameSpace, View::Committed);
@@ -112,6 +135,7 @@ std::vector<QORString> EmbeddedObjectManager::classNames(const QORString& nameSp
 
 bool EmbeddedObjectManager::describeClass(const QORString& nameSpace, const QORString& className,
                                           CimClassDeclaration& out) const {
+  embedded::provideClass(*_state, nameSpace, className);
   const ReadLock lock(_state->store->mutex());
   const ClassEntry* const entry = _state->store->findClass(nameSpace, className, View::Committed);
   if (entry == nullptr) return false;
@@ -120,6 +144,7 @@ bool EmbeddedObjectManager::describeClass(const QORString& nameSpace, const QORS
 }
 
 bool EmbeddedObjectManager::isAssociation(const QORString& nameSpace, const QORString& className) const {
+  embedded::provideClass(*_state, nameSpace, className);
   const ReadLock lock(_state->store->mutex());
   const ClassEntry* const entry = _state->store->findClass(nameSpace, className, View::Committed);
   return entry != nullptr && entry->model->isAssociation();
@@ -127,6 +152,7 @@ bool EmbeddedObjectManager::isAssociation(const QORString& nameSpace, const QORS
 
 std::vector<CimPropertyDeclaration> EmbeddedObjectManager::allProperties(const QORString& nameSpace,
                                                                          const QORString& className) const {
+  embedded::provideClass(*_state, nameSpace, className);
   const ReadLock lock(_state->store->mutex());
   const ClassEntry* const entry = _state->store->findClass(nameSpace, className, View::Committed);
   return entry == nullptr ? std::vector<CimPropertyDeclaration>() : entry->model->properties();
@@ -134,6 +160,8 @@ std::vector<CimPropertyDeclaration> EmbeddedObjectManager::allProperties(const Q
 
 QORString EmbeddedObjectManager::classMof(const QORString& nameSpace, const QORString& className,
                                           bool isComplete) const {
+  embedded::provideClass(*_state, nameSpace, className);
+  if (_state->outer != nullptr) _state->outer->provideQualifiers(_state->sink, nameSpace);
   const ReadLock lock(_state->store->mutex());
   const NameSpace* const space = _state->store->findNameSpace(nameSpace, View::Committed);
   const ClassEntry* entry =
@@ -162,6 +190,11 @@ void EmbeddedObjectManager::registerProvider(const QORString& nameSpace, std::sh
   _state->store->addSource(nameSpace, className, std::move(provider));
 }
 
+void EmbeddedObjectManager::setOuterSource(std::shared_ptr<OuterSource> source) {
+  _state->outer = std::move(source);
+  _state->repository = QORSmrPtr<IQoriRepository>(new Repository(_state->store, _state));
+}
+
 std::vector<QORString> EmbeddedObjectManager::liveClassNames(const QORString& nameSpace) const {
   const ReadLock lock(_state->store->mutex());
   std::vector<QORString> names;
@@ -174,7 +207,10 @@ std::vector<QORString> EmbeddedObjectManager::liveClassNames(const QORString& na
 QORSmrPtr<QORValSlist<QORSmrPtr<IQoriObject>>> EmbeddedObjectManager::ownInstances(
     const QORString& nameSpace, const QORString& className,
     const QORSmrPtr<QORValSlist<QORString>>& propertyNames) const {
-  return embedded::ownInstances(*_state->store, nameSpace, className, propertyNames);
+  embedded::provideClass(*_state, nameSpace, className);
+  const auto own = embedded::ownInstances(*_state->store, nameSpace, className, propertyNames);
+  return embedded::withOuterInstances(*_state, own, {nameSpace, className, propertyNames},
+                                      embedded::OuterPart::OfTheClassItself);
 }
 
 QORSmrPtr<IQoriInstanceName> EmbeddedObjectManager::createInstance(const QORString& nameSpace,

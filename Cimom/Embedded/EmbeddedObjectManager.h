@@ -16,6 +16,8 @@
 #include "cimom/IQoriRepository.h"
 #include "cmpbase.h"
 
+class OuterSource;
+
 // A process has one current object manager, which serves CIMApi,
 // QoriProviderPluginManager, ZEMOConfigManager and QORLog. All operations may
 // be called from any thread; queries that run meanwhile see the state before or
@@ -49,8 +51,11 @@ class EmbeddedObjectManager {
   CimDeclarationSink& sink();
   QORSmrPtr<IQoriRepository> repository() const;
   std::vector<QORString> namespaces() const;
-  // Class names of a namespace in declaration order; empty when it does not exist.
+  // Class names of a namespace in declaration order, then those that the outer source has besides; empty when it does
+  // not exist. THROWS as the outer source.
   std::vector<QORString> classNames(const QORString& nameSpace) const;
+  // Without those that only the outer source has.
+  std::vector<QORString> declaredClassNames(const QORString& nameSpace) const;
   // False when there is none.
   bool describeClass(const QORString& nameSpace, const QORString& className, CimClassDeclaration& out) const;
   bool isAssociation(const QORString& nameSpace, const QORString& className) const;
@@ -69,6 +74,9 @@ class EmbeddedObjectManager {
   // THROWS QoriBaseException (type "CIM_Repository"). Live instances come after
   // stored ones, in the order of registration; one whose path is stored is left out.
   void registerProvider(const QORString& nameSpace, std::shared_ptr<InstanceProvider> provider);
+  // Another place to ask for classes that are not declared here, and for instances besides those that are here; null:
+  // there is none, as at the start. To be called before anything is asked of the object manager.
+  void setOuterSource(std::shared_ptr<OuterSource> source);
   // The classes that have one, in the order of registration; empty when the namespace does not exist.
   std::vector<QORString> liveClassNames(const QORString& nameSpace) const;
 

@@ -13,6 +13,7 @@
 #include "Cimom/Embedded/ListCache.h"
 #include "Cimom/Embedded/LogChannel.h"
 #include "Cimom/Embedded/ObjectStore.h"
+#include "Cimom/Embedded/OuterSource.h"
 
 struct EmbeddedObjectManager::State {
   struct Counters {
@@ -31,6 +32,7 @@ struct EmbeddedObjectManager::State {
   embedded::Configuration configuration;
   embedded::LogChannel log;
   Counters counters;
+  std::shared_ptr<OuterSource> outer;  // null: nobody else is asked
 };
 
 namespace embedded {

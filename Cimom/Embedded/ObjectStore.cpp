@@ -30,6 +30,13 @@ const QORSmrPtr<IQoriProperty>* findKey(const IQoriInstanceName& name, const QOR
   return nullptr;
 }
 
+// Objects of others tell their namespace with the host in front, "//host/root/cimv2".
+std::string_view localPart(std::string_view nameSpace) noexcept {
+  if (!nameSpace.starts_with("//")) return nameSpace;
+  const std::size_t slash = nameSpace.find('/', 2);
+  return slash == std::string_view::npos ? std::string_view() : nameSpace.substr(slash + 1);
+}
+
 QORSmrPtr<IQoriNameSpacePath> nameSpacePath(const QORString& nameSpace) {
   return QORSmrPtr<IQoriNameSpacePath>(new CQoriNameSpacePath(QORString::emptyString(), nameSpace));
 }
@@ -37,7 +44,7 @@ QORSmrPtr<IQoriNameSpacePath> nameSpacePath(const QORString& nameSpace) {
 }  // namespace
 
 NameSpace* ObjectStore::findNameSpace(const QORString& name, View view) const noexcept {
-  const auto found = _nameSpaceIndex.find(name.view());
+  const auto found = _nameSpaceIndex.find(localPart(name.view()));
   if (found == _nameSpaceIndex.end() || (found->second->isPending && view == View::Committed)) return nullptr;
   return found->second;
 }

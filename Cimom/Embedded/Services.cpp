@@ -3,6 +3,7 @@
 #include "Cimom/Embedded/AssociationWalk.h"
 #include "Cimom/Embedded/ClientCalls.h"
 #include "Cimom/Embedded/EmbeddedState.h"
+#include "Cimom/Embedded/OuterCalls.h"
 #include "cimom/CIMApi.h"
 #include "cimom/QoriProviderPluginManager.h"
 #include "cimom/ZEMOConfigManager.h"
@@ -12,6 +13,7 @@ using State = EmbeddedObjectManager::State;
 struct CIMApi::Live {
   std::shared_ptr<State> state;  // the object manager's state that the instances belong to
   embedded::LiveSnapshot snapshot;
+  embedded::OuterSnapshot outer;
 };
 
 const int CIMApi::DefaultTimeout = 60;
@@ -27,8 +29,10 @@ CIMApi::Instances CIMApi::enumerateInstances(const QORString& nameSpace, const Q
   const std::shared_ptr<State> state = embedded::currentState();
   if (state == nullptr) return {};
   ++state->counters.enumerateCalls;
+  embedded::provideClass(*state, nameSpace, className);
   Instances found =
       embedded::enumerateInstances(*state->store, state->lists, nameSpace, className, {properties, transaction, {}});
+  found = embedded::withOuterInstances(*state, found, {nameSpace, className, properties});
   if (!found.IsNull()) state->counters.instancesReturned += found->entries();
   return found;
 }
@@ -42,10 +46,12 @@ CIMApi::Instances CIMApi::associators(const QORString& nameSpace, const QORSmrPt
   ++state->counters.associatorCalls;
   if (source.IsNull()) return {};
   if (_live == nullptr) _live = new Live;
-  if (_live->state != state) *_live = {state, {}};
+  if (_live->state != state) *_live = {state, {}, {}};
+  embedded::provideClass(*state, nameSpace, associationClass);
+  embedded::provideClass(*state, nameSpace, resultClass);
   const embedded::AssociationRequest request{nameSpace,  source, associationClass, resultClass,
                                              properties, role,   resultRole};
-  Instances found = embedded::AssociationWalk(*state->store, _live->snapshot, request).run();
+  Instances found = embedded::AssociationWalk(*state, _live->snapshot, _live->outer, request).run();
   if (!found.IsNull()) state->counters.instancesReturned += found->entries();
   return found;
 }
@@ -57,7 +63,11 @@ QORSmrPtr<IQoriObject> CIMApi::getInstance(const QORString& nameSpace, const QOR
   if (state == nullptr) return {};
   ++state->counters.getInstanceCalls;
   if (name.IsNull()) return {};
+  const QORString space =
+      embedded::localNameSpace(nameSpace.isEmpty() ? name->getNameSpacePath()->getNameSpace() : nameSpace);
+  embedded::provideClass(*state, space, name->getClassName());
   QORSmrPtr<IQoriObject> found = embedded::getInstance(*state->store, nameSpace, name, properties);
+  if (found.IsNull()) found = embedded::outerInstance(*state, {space, name->getClassName(), properties}, *name);
   if (!found.IsNull()) ++state->counters.instancesReturned;
   return found;
 }

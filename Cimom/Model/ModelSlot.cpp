@@ -44,13 +44,13 @@ void ModelSlot::copy(const ModelSlot& other) {
   }
 }
 
-void ModelSlot::holdText(const QORString& text, Kind kind) noexcept {
+void ModelSlot::holdText(const QORString& text, Kind kind) {
   new (&_text) QORString(text);
   _scalar.kind = kind;
   _scalar.text = &_text;
 }
 
-void ModelSlot::holdValue(const QORSmrPtr<IQoriValue>& value) noexcept {
+void ModelSlot::holdValue(const QORSmrPtr<IQoriValue>& value) {
   new (&_value) QORSmrPtr<IQoriValue>(value);
   _scalar.kind = Kind::Complex;
   _scalar.value = value.Get();

@@ -80,16 +80,14 @@ MofCache::Outcome MofCache::loadFiles(CimDeclarationSink& sink, const QORString&
   const std::string key = keyOf(nameSpace, paths);
   outcome.isFromCache = open(sink, key, outcome);
   if (outcome.isFromCache) return outcome;
-  MofCacheOutput output(_file);
-  MofRecorder recorder(sink, [&output](std::string_view row) { appendMofCacheRow(output, row); });
+  MofRecorder recorder(sink);
   MofLoader loader(recorder, nameSpace);
   loader.loadFiles(paths);
   QORuint64 bytes = 0;
   for (const MofInput& input : loader.getInputs()) bytes += input.isFolder ? 0 : input.size;
   if (bytes < _leastBytes) return outcome;
   try {
-    appendMofCacheRecord(output, recorder.record(), loader.getInputs(), key);
-    output.finish();
+    writeMofCacheFile(_file, encodeMofCache(recorder.record(), loader.getInputs(), key));
   } catch (const std::exception& fault) {
     outcome.notWritten = fault.what();
   }

@@ -47,7 +47,6 @@ MofParser::Context MofReader::newContext() {
   MofParser::Context context;
   context.nameSpace = _nameSpace;
   context.scope = _scopes++;
-  context.makesRows = _makesRows;
   return context;
 }
 

@@ -57,6 +57,10 @@ RULES = {
         ["include/", "Cimom/Model/", "Cimom/Embedded/CimDeclarations.h"],
         "CIM-XML is read and written without knowing who asks or answers",
     ),
+    "Cimom/Remote": (
+        ["include/", "Cimom/Model/", "Cimom/CimXml/", "Cimom/Embedded/"],
+        "servers are asked on behalf of the object manager, whose outer source they are",
+    ),
     "tools": (["include/", "Cimom/"], "tools are built without tests and benchmarks"),
     "examples": (["include/", "Cimom/"], "an example uses what an embedder has"),
     "tests": (["include/", "Cimom/", "tools/"], "tests are built without benchmarks"),
@@ -75,7 +79,7 @@ ANGLE_ALLOWED = {
     "Cimom/QORQL/Filter": [],
     "Cimom/Foundation": [],
     "Cimom/Model": [],
-    "Cimom/Mof": ["MofCacheFormat_generated.h", "xxhash.h"],
+    "Cimom/Mof": ["MofCacheFormat_generated.h", "xxhash.h", "zstd.h"],
     "Cimom/Embedded": ["ini.h", "INIReader.h"],
     "Cimom/CimXml": ["expat.h"],
 }

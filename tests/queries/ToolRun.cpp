@@ -45,11 +45,23 @@ int spawnAndWait(const std::vector<std::string>& arguments, const std::string& o
 
 }  // namespace
 
-ToolRun::ToolRun(const std::string& program, const Script& script, const std::vector<std::string>& folders) {
+ToolRun::ToolRun(const std::string& program, const Script& script, const std::vector<std::string>& folders,
+                 const std::string& server) {
   std::string pattern = (std::filesystem::temp_directory_path() / "qorql-queries-XXXXXX").string();
   if (mkdtemp(pattern.data()) == nullptr) throw ScriptError("no folder for temporary files");
   _folder = pattern;
   _arguments = {program, "--no-live"};
+  if (server.empty()) {
+    addModels(script, folders);
+  } else {
+    _arguments.insert(_arguments.end(), {"--server", server});
+  }
+  for (const auto& [key, value] : script.settings) {
+    _arguments.insert(_arguments.end(), {"--set", "ZEMO." + key + "=" + value});
+  }
+}
+
+void ToolRun::addModels(const Script& script, const std::vector<std::string>& folders) {
   // A file of pragmas, since -n would move the models with the queries.
   std::ofstream pragmas(_folder + "/models.mof");
   pragmas << "#pragma namespace (\"" << script.nameSpace << "\")\n";
@@ -58,9 +70,6 @@ ToolRun::ToolRun(const std::string& program, const Script& script, const std::ve
   }
   for (const std::string& text : script.mofTexts) pragmas << text << "\n";
   _arguments.insert(_arguments.end(), {"-m", _folder + "/models.mof"});
-  for (const auto& [key, value] : script.settings) {
-    _arguments.insert(_arguments.end(), {"--set", "ZEMO." + key + "=" + value});
-  }
 }
 
 ToolRun::~ToolRun() {

@@ -17,7 +17,9 @@ struct ToolOutcome {
 // Makes a folder for its files, which goes with it.
 class ToolRun {
  public:
-  ToolRun(const std::string& program, const Script& script, const std::vector<std::string>& folders);
+  // `server`: the URL of a server of the script's models, which is asked in their place; empty: none.
+  ToolRun(const std::string& program, const Script& script, const std::vector<std::string>& folders,
+          const std::string& server = "");
   ToolRun(const ToolRun&) = delete;
   ToolRun& operator=(const ToolRun&) = delete;
   ~ToolRun();
@@ -25,6 +27,7 @@ class ToolRun {
   ToolOutcome run(const Case& one) const;
 
  private:
+  void addModels(const Script& script, const std::vector<std::string>& folders);
   std::vector<std::string> argumentsOf(const Case& one) const;
 
   std::string _folder;

@@ -1,8 +1,9 @@
-// Runs a query script: query_scripts lazy|plain|tool SCRIPT FOLDER... [--program TOOL]
+// Runs a query script: query_scripts lazy|plain|tool SCRIPT FOLDER... [--program TOOL [--server URL]]
 //
 // lazy: through the library as everybody uses it. plain: through the library's
 // row-by-row algorithms, whose outcome must also be the lazy one to the last
-// log line, with and without a stream. tool: through the program.
+// log line, with and without a stream. tool: through the program, which asks a
+// server of the script's models when one is named.
 // SPDX-License-Identifier: Apache-2.0
 #include <exception>
 #include <iostream>
@@ -21,6 +22,7 @@ struct Options {
   std::string mode;
   std::string script;
   std::string program;
+  std::string server;
   std::vector<std::string> folders;
 };
 
@@ -29,6 +31,8 @@ bool readOptions(int count, char** arguments, Options& options) {
     const std::string argument = arguments[i];
     if (argument == "--program" && i + 1 < count) {
       options.program = arguments[++i];
+    } else if (argument == "--server" && i + 1 < count) {
+      options.server = arguments[++i];
     } else if (options.mode.empty()) {
       options.mode = argument;
     } else if (options.script.empty()) {
@@ -45,7 +49,7 @@ class ScriptRun {
  public:
   explicit ScriptRun(const Options& options) : _options(options), _script(readScript(options.script)) {
     if (options.mode == "tool") {
-      _tool = std::make_unique<ToolRun>(options.program, _script, options.folders);
+      _tool = std::make_unique<ToolRun>(options.program, _script, options.folders, options.server);
     } else {
       _library = std::make_unique<LibraryRun>(_script, options.folders);
     }
@@ -97,7 +101,7 @@ class ScriptRun {
 int main(int count, char** arguments) {
   Options options;
   if (!readOptions(count, arguments, options)) {
-    std::cerr << "usage: query_scripts lazy|plain|tool SCRIPT FOLDER... [--program TOOL]\n";
+    std::cerr << "usage: query_scripts lazy|plain|tool SCRIPT FOLDER... [--program TOOL [--server URL]]\n";
     return 2;
   }
   try {

@@ -7,8 +7,8 @@ asked for, "late-end" says only with an empty batch that an enumeration is at it
 import re
 
 PROPERTY = re.compile(r'<PROPERTY(?:\.ARRAY|\.REFERENCE)? .*?</PROPERTY(?:\.ARRAY|\.REFERENCE)?>', re.DOTALL)
-INTEGER = re.compile(r'(<PROPERTY(?:\.ARRAY)? [^>]*TYPE="[us]int\d+"[^>]*>)(.*?)(</PROPERTY)', re.DOTALL)
-BOOLEAN = re.compile(r'(<PROPERTY(?:\.ARRAY)? [^>]*TYPE="boolean"[^>]*>)(.*?)(</PROPERTY)', re.DOTALL)
+INTEGER = re.compile(r'(<PROPERTY(?:\.ARRAY)? [^>]*TYPE="[us]int\d+"[^>]*(?<!/)>)(.*?)(</PROPERTY)', re.DOTALL)
+BOOLEAN = re.compile(r'(<PROPERTY(?:\.ARRAY)? [^>]*TYPE="boolean"[^>]*(?<!/)>)(.*?)(</PROPERTY)', re.DOTALL)
 
 
 def other_case(text):
@@ -16,6 +16,9 @@ def other_case(text):
 
 
 def no_types(text):
+    """Of instances; nobody could read a class without types."""
+    if text.startswith("<CLASS "):
+        return text
     return re.sub(r'(<(?:PROPERTY|PROPERTY\.ARRAY|KEYVALUE) [^>]*?) TYPE="\w+"', r"\1", text)
 
 
@@ -36,6 +39,9 @@ def wrong_value_types(text):
 
 
 def within(pattern, change, text):
+    """Values of instances; a property of a class may hold those of its qualifiers."""
+    if text.startswith("<CLASS "):
+        return text
     return pattern.sub(lambda found: found[1] + re.sub(r"<VALUE>(.*?)</VALUE>", change, found[2]) + found[3], text)
 
 

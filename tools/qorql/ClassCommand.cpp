@@ -41,7 +41,7 @@ int printClass(const ClassOptions& options) {
   if (text.isNull()) return reportRefusal(missingClassText(session.manager(), nameSpace, options.name));
   const Pager pager(!options.session.hasNoPager);
   std::cout << text;
-  return kExitDone;
+  return session.settle(kExitDone);
 }
 
 }  // namespace

@@ -55,7 +55,7 @@ void printClass(const EmbeddedObjectManager& manager, const ClassesOptions& opti
   std::cout << name;
   if (options.isLong) {
     const QORSmrPtr<IQoriClass> declared = manager.repository()->getClass(options.session.nameSpace.c_str(), name);
-    std::cout << '\t' << declared->getSuperClassName() << '\t' << kindOf(*declared);
+    if (!declared.IsNull()) std::cout << '\t' << declared->getSuperClassName() << '\t' << kindOf(*declared);
   }
   std::cout << '\n';
 }
@@ -80,7 +80,7 @@ int listClasses(const ClassesOptions& options) {
   const std::vector<QORString> names = matchingClasses(session.manager(), options.session.nameSpace, options.pattern);
   const Pager pager(!options.session.hasNoPager);
   for (const QORString& name : names) printClass(session.manager(), options, name);
-  if (!names.empty()) return kExitDone;
+  if (!names.empty()) return session.settle(kExitDone);
   return reportRefusal(noMatchText(session.manager(), options.session.nameSpace, options.pattern));
 }
 

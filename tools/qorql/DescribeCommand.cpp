@@ -151,7 +151,7 @@ int describe(const DescribeOptions& options) {
   } else {
     printDescription(std::cout, manager, nameSpace, className);
   }
-  return kExitDone;
+  return session.settle(kExitDone);
 }
 
 }  // namespace

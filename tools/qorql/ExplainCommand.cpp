@@ -129,7 +129,7 @@ int explain(const ExplainOptions& options) {
   std::vector<Statement> statements = splitStatements(options.query);
   if (statements.empty()) statements.push_back({options.query, 1});
   const int status = options.isStrict ? refuseWarned(statements, session, options.session) : kExitDone;
-  return status == kExitDone ? explainAll(statements, session, options.session) : status;
+  return session.settle(status == kExitDone ? explainAll(statements, session, options.session) : status);
 }
 
 }  // namespace

@@ -93,7 +93,7 @@ int get(const GetOptions& options) {
     return reportFailure({});
   }
   session.printWarnings();
-  return status;
+  return session.settle(status);
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 #include <optional>
 #include <utility>
 
-#include "ClassFamily.h"
 #include "ClassesCommand.h"
 #include "ErrorReport.h"
 #include "ExitStatus.h"
@@ -55,11 +54,14 @@ class InstancePrinter {
 // come last, as a person reads them.
 std::vector<QORString> familiesOf(EmbeddedObjectManager& manager, const QORString& nameSpace,
                                   const std::string& pattern) {
-  const ClassFamily family(manager, nameSpace);
+  const auto superClassOf = [&](const QORString& name) {
+    const QORSmrPtr<IQoriClass> declared = manager.repository()->getClass(nameSpace, name);
+    return declared.IsNull() ? QORString() : declared->getSuperClassName();
+  };
   std::vector<QORString> names;
   for (const QORString& name : matchingClasses(manager, std::string(nameSpace.view()), pattern)) {
-    QORString above = family.find(name)->getSuperClassName();
-    while (!above.isEmpty() && !isClassMatch(above, pattern)) above = family.find(above)->getSuperClassName();
+    QORString above = superClassOf(name);
+    while (!above.isEmpty() && !isClassMatch(above, pattern)) above = superClassOf(above);
     if (above.isEmpty()) names.push_back(name);
   }
   std::stable_partition(names.begin(), names.end(),
@@ -81,7 +83,7 @@ int printMany(Session& session, const InstancesOptions& options, const QORString
   }
   pager.reset();  // before anything is told
   std::cout.flush();
-  return reportGaps(reader.gaps(), options.session.isQuiet);
+  return session.settle(reportGaps(reader.gaps(), options.session.isQuiet));
 }
 
 int printOne(Session& session, const InstancesOptions& options, const QORString& nameSpace) {
@@ -96,7 +98,7 @@ int printOne(Session& session, const InstancesOptions& options, const QORString&
   InstancePrinter printer;
   QORValSlistIterator<QORSmrPtr<IQoriObject>> each(*instances);
   while (std::cout && ++each) printer.print(*each.key());
-  return kExitDone;
+  return session.settle(kExitDone);
 }
 
 int runInstances(const InstancesOptions& options) {

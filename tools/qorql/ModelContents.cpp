@@ -74,7 +74,7 @@ std::vector<QORString> rootClasses(const EmbeddedObjectManager& manager, const Q
   std::vector<QORString> roots;
   for (const QORString& name : manager.classNames(nameSpace)) {
     const QORSmrPtr<IQoriClass> declared = manager.repository()->getClass(nameSpace, name);
-    if (declared->getSuperClassName().isEmpty()) roots.push_back(name);
+    if (!declared.IsNull() && declared->getSuperClassName().isEmpty()) roots.push_back(name);
   }
   return roots;
 }

@@ -84,6 +84,7 @@ int runOne(const Statement& statement, const SessionOptions& options, QueryRunne
     return reportFailure(statement, hintOf(statement, runner, options));
   }
   session.printWarnings();
+  session.settle(kExitDone);
   return kExitDone;
 }
 
@@ -99,7 +100,7 @@ int runStatements(const QueryOptions& options, Session& session) {
     status = runOne(*statement, options.session, runner, session);
   }
   if (status == kExitDone) runner.finish();
-  return status;
+  return session.settle(status);
 }
 
 int runQuery(QueryOptions& options) {

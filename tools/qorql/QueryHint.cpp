@@ -11,6 +11,7 @@
 #include "Cimom/QORQL/QORQL_Fault.h"
 #include "ClassFamily.h"
 #include "StatementFault.h"
+#include "cimom/CQoriProviderException.h"
 
 namespace {
 
@@ -87,25 +88,37 @@ QORQL_KnownNames knownNames(EmbeddedObjectManager& manager, const QORString& nam
   return names;
 }
 
+// The statement's words first, then what the schema tells of its names.
+QORQL_Hint hintOf(const QoriBaseException& error, EmbeddedObjectManager& manager, const QORString& nameSpace,
+                  const Statement& statement, const std::vector<std::string>& commands) {
+  const StatementText text(statement.text, statement.firstLine, statement.firstColumn);
+  const CQLQueryFault fault = CQLQueryFaultOf(error);
+  QORQL_Hint hint = QORQL_hintOf(error, statement.text);
+  if (hint.text.empty()) {
+    hint = fault.kind == CQLQueryFault::kSyntax ? QORQL_hintOf(error, statement.text, knownNames(manager, nameSpace))
+                                                : hintOfSchema(manager, nameSpace, text, fault);
+  }
+  const std::string command = hintOfCommand(text, commands);
+  if (fault.kind == CQLQueryFault::kSyntax && !command.empty()) hint = {"", command, fault.offset};
+  return hint;
+}
+
 }  // namespace
 
-// The statement's words first, then what the schema tells of its names.
+// Where a provider or a server failed the statement is not the cause; and one that fails when it is asked for names of
+// classes leaves no hint.
 QORQL_Hint hintOfFailure(EmbeddedObjectManager& manager, const std::string& nameSpace, const Statement& statement,
                          const std::vector<std::string>& commands) {
-  const QORString space(nameSpace);
   try {
     throw;
+  } catch (const CQoriProviderException&) {
+    return {};
   } catch (const QoriBaseException& error) {
-    const StatementText text(statement.text, statement.firstLine, statement.firstColumn);
-    const CQLQueryFault fault = CQLQueryFaultOf(error);
-    QORQL_Hint hint = QORQL_hintOf(error, statement.text);
-    if (hint.text.empty()) {
-      hint = fault.kind == CQLQueryFault::kSyntax ? QORQL_hintOf(error, statement.text, knownNames(manager, space))
-                                                  : hintOfSchema(manager, space, text, fault);
+    try {
+      return hintOf(error, manager, QORString(nameSpace), statement, commands);
+    } catch (const CQoriProviderException&) {
+      return {};
     }
-    const std::string command = hintOfCommand(text, commands);
-    if (fault.kind == CQLQueryFault::kSyntax && !command.empty()) hint = {"", command, fault.offset};
-    return hint;
   } catch (const std::exception&) {
     return {};
   }

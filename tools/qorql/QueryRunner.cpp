@@ -11,7 +11,6 @@
 
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_StatementPlaces.h"
-#include "ColumnTypes.h"
 #include "ErrorReport.h"
 #include "ExitStatus.h"
 #include "Interrupt.h"
@@ -24,6 +23,7 @@
 #include "SurpriseReport.h"
 #include "Terminal.h"
 #include "ValueColumns.h"
+#include "cimom/CQoriProviderException.h"
 
 namespace {
 
@@ -48,20 +48,32 @@ ResultHeading headingOf(const std::string& query, const QORQL_ResultReader& read
   return heading;
 }
 
-[[noreturn]] void refuseTerminal() {
-  throw QoriBaseException("tool", "qorql", "",
-                          "arrow is for programs and not for a terminal: send it to a file or a pipe", 0);
-}
-
 // A column of texts where its codes are told with theirs.
 void addTexts(ResultHeading& heading, const ValueColumns& values) {
   for (std::size_t i = 0; i < heading.columns.size(); ++i) {
     if (!values.hasTexts(i)) continue;
     heading.columns[i].isNumber = false;
     heading.columns[i].typeName = "string";
-    heading.columns[i].hasValueTexts = true;
   }
 }
+
+// While it lives, what asks servers stops when the statement is to.
+class ServerWatch {
+ public:
+  ServerWatch(RemoteSource* servers, RunMonitor& monitor) : _servers(servers) {
+    if (_servers == nullptr) return;
+    _servers->beginStatement();
+    _servers->setStopRequest([&monitor] { return monitor.isStopRequested(); });
+  }
+  ServerWatch(const ServerWatch&) = delete;
+  ServerWatch& operator=(const ServerWatch&) = delete;
+  ~ServerWatch() {
+    if (_servers != nullptr) _servers->setStopRequest(&Interrupt::isRequested);
+  }
+
+ private:
+  RemoteSource* const _servers;
+};
 
 // Stops early when the stream takes no more. Codes are told with their texts where `values` is not null.
 void writeRows(QORQL_ResultReader& reader, ResultWriter& writer, const std::ostream& out, RunMonitor& monitor,
@@ -100,10 +112,22 @@ struct QueryRunner::Execution {
 void QueryRunner::run(const Statement& statement) {
   Execution execution(statement, _output.timeout);
   _session.manager().resetStatistics();
+  const ServerWatch watch(_session.servers(), execution.monitor);
+  try {
+    runWatched(execution);
+  } catch (const CQoriProviderException& failure) {
+    if (!execution.monitor.isLate()) throw;
+    throw CQoriProviderException(failure.getWho(), failure.getMessage() + QORString(execution.monitor.lateness()),
+                                 failure.getCode());
+  }
+  if (_output.hasStatistics) printStatistics(execution);
+}
+
+void QueryRunner::runWatched(Execution& execution) {
+  const Statement& statement = execution.parsed.statement();
   parse(execution);
   tellOfPassedOver(execution);
   if (isWarning()) printWarnings(std::cerr, standardErrorShape(), statement, warningsOf(execution));
-  if (formOf(execution) == OutputForm::Arrow && standardOutputShape().isTerminal) refuseTerminal();
   const QORQL_MonitorScope scope(execution.monitor);
   try {
     const Pager pager(!_options.hasNoPager);
@@ -117,7 +141,6 @@ void QueryRunner::run(const Statement& statement) {
     QORQL_placeFault(execution.parsed.query(), error);
     throw;
   }
-  if (_output.hasStatistics) printStatistics(execution);
 }
 
 void QueryRunner::finish() {
@@ -223,7 +246,6 @@ void QueryRunner::print(Execution& execution) {
     ResultWriter& writer = writerOf(form);
     ResultHeading heading = headingOf(execution.statement, reader);
     markPercentages(heading, reader.columns());
-    if (form == OutputForm::Arrow) settleTypes(execution, heading, reader.columns());
     std::optional<ValueColumns> values;
     if (_output.hasValueTexts && form != OutputForm::Mof) {
       values.emplace(_session.manager(), QORString(_options.nameSpace), reader.columns());
@@ -233,39 +255,12 @@ void QueryRunner::print(Execution& execution) {
     try {
       writeRows(reader, writer, _out, execution.monitor, values ? &*values : nullptr);
     } catch (...) {
-      writer.breakOff();
+      writer.end();
       throw;
     }
     writer.end();
   }
   execution.printTime = millisecondsSince(start);
-}
-
-// Rows are looked at in front where the schema does not tell all types.
-void QueryRunner::settleTypes(Execution& execution, ResultHeading& heading,
-                              const std::vector<QORQL_ResultReader::Column>& columns) const {
-  const QORString nameSpace(_options.nameSpace);
-  ColumnTypes types(columns, [&](const QORString& className, const QORString& property) {
-    return declarationOf(nameSpace, className, property);
-  });
-  if (!types.open().empty()) {
-    QORQL_ResultReader reader(execution.parsed.query(), execution.parsed.symbols(), execution.table,
-                              [this](const QORString& className) { return declaredProperties(className); });
-    while (reader.next()) {
-      if (Interrupt::isRequested()) throw Interrupted();
-      execution.monitor.requireTime();
-      for (const std::size_t index : types.open()) types.see(index, reader.value(index).Get());
-    }
-  }
-  types.settle(heading.columns);
-}
-
-std::optional<CimPropertyDeclaration> QueryRunner::declarationOf(const QORString& nameSpace, const QORString& className,
-                                                                 const QORString& property) const {
-  for (CimPropertyDeclaration& declared : _session.manager().allProperties(nameSpace, className)) {
-    if (declared.name.isEqualCaseInsensitive(property)) return std::move(declared);
-  }
-  return std::nullopt;
 }
 
 std::vector<std::string> QueryRunner::keysOf(const QORString& className) {
@@ -278,9 +273,11 @@ std::vector<std::string> QueryRunner::keysOf(const QORString& className) {
 }
 
 bool QueryRunner::isDeclaredPercentage(const QORQL_ResultReader::Column& column) const {
-  const std::optional<CimPropertyDeclaration> declared =
-      declarationOf(QORString(_options.nameSpace), column.className, column.propertyName);
-  return declared && hasPercentageUnit(*declared);
+  const QORString nameSpace(_options.nameSpace);
+  for (const CimPropertyDeclaration& property : _session.manager().allProperties(nameSpace, column.className)) {
+    if (property.name.isEqualCaseInsensitive(column.propertyName)) return hasPercentageUnit(property);
+  }
+  return false;
 }
 
 void QueryRunner::markPercentages(ResultHeading& heading,

@@ -32,12 +32,14 @@ bool RunMonitor::isTimeOver() noexcept {
   return !_late.empty();
 }
 
-void RunMonitor::requireTime() {
-  if (!isTimeOver()) return;
+std::string RunMonitor::lateness() const {
   std::ostringstream text;
-  text << "the statement was stopped after " << _timeout << (_timeout == 1 ? " second" : " seconds") << " (--timeout), "
-       << _late;
-  throw std::runtime_error(text.str());
+  text << " after " << _timeout << (_timeout == 1 ? " second" : " seconds") << " (--timeout)";
+  return text.str();
+}
+
+void RunMonitor::requireTime() {
+  if (isTimeOver()) throw std::runtime_error("the statement was stopped" + lateness() + ", " + _late);
 }
 
 // A step that nothing stops, such as a call of the object manager, is noticed at its end.

@@ -31,6 +31,9 @@ class RunMonitor : public QORQL_ExecutionMonitor {
 
   // THROWS std::runtime_error once the time is over, which tells what was being done.
   void requireTime();
+  bool isLate() const noexcept { return !_late.empty(); }
+  // " after 2.5 seconds (--timeout)"
+  std::string lateness() const;
 
  private:
   using Clock = std::chrono::steady_clock;

@@ -6,12 +6,12 @@
 #include <exception>
 #include <iostream>
 #include <optional>
-#include <set>
-#include <string_view>
 #include <utility>
 
 #include "DisplayText.h"
 #include "ErrorReport.h"
+#include "ExitStatus.h"
+#include "Interrupt.h"
 #include "LiveClasses.h"
 #include "MofCacheChoice.h"
 #include "ProgressLine.h"
@@ -26,29 +26,37 @@ const char* severityName(QORuint32 severity) {
   return kNames[severity < std::size(kNames) ? severity : std::size(kNames) - 1];
 }
 
-// The process ends soon and gives back all memory at once, which is much faster than object by object.
-void keepToTheEnd(std::unique_ptr<EmbeddedObjectManager> manager) {
-  static EmbeddedObjectManager* kept = nullptr;
-  if (kept == nullptr) kept = manager.release();
-}
-
 }  // namespace
 
 Session::Session(const SessionOptions& options) : _options(options), _manager(makeManager()) {
   _manager->makeCurrent();
 }
 
-Session::~Session() {
-  _manager->setLogSink({}, QoriTraceLog::kFatal);
-  keepToTheEnd(std::move(_manager));
-}
+Session::~Session() { _manager->setLogSink({}, QoriTraceLog::kFatal); }
 
 std::unique_ptr<EmbeddedObjectManager> Session::makeManager() {
   auto manager = std::make_unique<EmbeddedObjectManager>();
   manager->setLogSink([this](const QORString& who, const QORString& message,
                              QORuint32 severity) { takeLogLine(who, message, severity); },
                       _options.logSeverity.value_or(QoriTraceLog::kWarning));
+  if (_servers != nullptr) manager->setOuterSource(_servers);
   return manager;
+}
+
+void Session::connectServers() {
+  if (_options.servers.servers.empty()) return;
+  _servers = makeRemoteSource(_options.servers, _options.nameSpace);
+  _servers->setStopRequest(&Interrupt::isRequested);
+  _manager->setOuterSource(_servers);
+}
+
+int Session::settle(int status) {
+  if (_servers == nullptr) return status;
+  for (const std::string& failure : _servers->takeFailures()) {
+    _isIncomplete = true;
+    reportRefusal(failure + "; what follows from the other servers stands without this one");
+  }
+  return _isIncomplete && status == kExitDone ? kExitPlatform : status;
 }
 
 void Session::takeLogLine(const QORString& who, const QORString& message, QORuint32 severity) {
@@ -64,9 +72,6 @@ void Session::printWarnings() {
   std::vector<std::string> warnings;
   warnings.swap(_warnings);
   if (_options.isQuiet) return;
-  // A join asks more than one class, and each may miss the same.
-  std::set<std::string_view> seen;
-  std::erase_if(warnings, [&seen](const std::string& warning) { return !seen.insert(warning).second; });
   const std::size_t shown = std::min(warnings.size(), kMaximumWarnings);
   for (std::size_t i = 0; i < shown; ++i) std::cerr << "qorql: warning: " << warnings[i] << '\n';
   if (shown < warnings.size()) std::cerr << "qorql: warning: " << warnings.size() - shown << " more warnings\n";
@@ -79,6 +84,7 @@ void Session::printNewWarnings() {
 
 void Session::open(const char* commonMof, LeftOut leftOut) {
   _leftOutPolicy = leftOut;
+  connectServers();
   loadConfiguration(*_manager);
   try {
     _options.isLenient ? loadLeniently(commonMof) : void(loadMof(*_manager));
@@ -87,7 +93,7 @@ void Session::open(const char* commonMof, LeftOut leftOut) {
     loadMofOver(commonMof, alone);
   }
   requireNamespace(commonMof != nullptr);
-  if (!_options.hasNoLiveClasses) addLiveClasses(*_manager);
+  if (hasLiveClasses()) addLiveClasses(*_manager);
   printWarnings();
 }
 
@@ -96,7 +102,7 @@ void Session::open(const char* commonMof, LeftOut leftOut) {
 void Session::requireNamespace(bool hasCommonMof) const {
   const QORString asked(_options.nameSpace);
   const bool isFree = _options.mofPaths.empty() && (hasCommonMof || !_options.hasNoLiveClasses);
-  if (isFree || asked.isEqualCaseInsensitive(EmbeddedObjectManager::kDefaultNamespace)) return;
+  if (isFree || _servers != nullptr || asked.isEqualCaseInsensitive(EmbeddedObjectManager::kDefaultNamespace)) return;
   if (!_manager->classNames(asked).empty()) return;
   std::string known;
   for (const QORString& nameSpace : _manager->namespaces()) {
@@ -194,7 +200,7 @@ void Session::loadMore(const std::string& path, const std::string& nameSpace) {
     const ProgressLine progress(!_options.isQuiet, activity);
     MofLoader(_manager->sink(), QORString(nameSpace)).loadFile(path);
   } catch (const MofException&) {
-    if (_options.hasNoLiveClasses && !_options.isLenient) throw;
+    if (!hasLiveClasses() && !_options.isLenient) throw;
     const std::exception_ptr refusal = std::current_exception();
     try {
       openAnew({path, nameSpace});
@@ -224,7 +230,7 @@ void Session::openAnew(const MorePath& last) {
   const ProgressLine progress(!_options.isQuiet, activity);
   for (const MorePath& more : _more) loadFile(*fresh, more);
   tellOfFaults(loadFile(*fresh, last));
-  if (!_options.hasNoLiveClasses) addLiveClasses(*fresh);
+  if (hasLiveClasses()) addLiveClasses(*fresh);
   fresh->makeCurrent();
   _manager = std::move(fresh);
 }

@@ -37,6 +37,11 @@ class Session {
   // Warns of what a lenient load has left out. THROWS QoriBaseException when that is refused.
   void tellOfFaults(const MofFaults& faults) const;
 
+  // The servers that are asked; null: none are.
+  RemoteSource* servers() noexcept { return _servers.get(); }
+  // Tells of servers that were left out since they failed. Returns `status`, or the one for that where it was done.
+  int settle(int status);
+
   // Until loadMore() is called the next time.
   EmbeddedObjectManager& manager() { return *_manager; }
 
@@ -60,7 +65,9 @@ class Session {
     std::string nameSpace;
   };
 
+  void connectServers();
   void takeLogLine(const QORString& who, const QORString& message, QORuint32 severity);
+  bool hasLiveClasses() const { return !_options.hasNoLiveClasses && _servers == nullptr; }
   std::unique_ptr<EmbeddedObjectManager> makeManager();
   void loadConfiguration(EmbeddedObjectManager& manager) const;
   // The faults of a lenient load.
@@ -73,6 +80,8 @@ class Session {
   void requireNamespace(bool hasCommonMof) const;
 
   const SessionOptions _options;
+  std::shared_ptr<RemoteSource> _servers;  // null: none are asked
+  bool _isIncomplete = false;              // a server was left out
   std::unique_ptr<EmbeddedObjectManager> _manager;
   std::vector<MorePath> _more;
   LeftOut _leftOutPolicy = LeftOut::TellAtOnce;

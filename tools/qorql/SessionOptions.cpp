@@ -72,6 +72,9 @@ void declareSessionOptions(CLI::App& app, SessionOptions& options) {
   declareFlag(app, "--lenient", options.isLenient, "Load what is sound of the MOF files, and warn of the rest");
   declareExclusion(app, "--lenient", "--cache");
   declareFlag(app, "--no-live", options.hasNoLiveClasses, "Leave out the live classes of this machine");
+  declareServerOptions(app, options.servers, [&options](const std::string& name) {
+    if (!options.isNamespaceGiven) options.nameSpace = name;
+  });
   declareConfiguration(app, options);
   declareFlag(app, "--quiet", options.isQuiet, "No warnings, no hints, no progress line");
   const auto takeLevel = [&options](const std::string& level) { options.logSeverity = kLogLevels.at(level); };

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "ServerOptions.h"
 #include "cmpbase.h"
 
 namespace CLI {
@@ -33,6 +34,7 @@ struct SessionOptions {
   bool hasNoPager = false;
   std::string configuration;  // empty: none
   std::vector<Setting> settings;
+  ServerOptions servers;
   std::optional<QORuint32> logSeverity;  // none: what a statement logs is a warning if it succeeds
 };
 

@@ -12,6 +12,7 @@
 #include "QueryRunner.h"
 #include "StatementCompletion.h"
 #include "Version.h"
+#include "cimom/CQoriProviderException.h"
 
 namespace {
 
@@ -54,11 +55,20 @@ bool Shell::takeLine(const std::string& line) {
   const std::string text = trimmed(line);
   if (_pending.empty() && isShellCommand(text)) {
     remember(text);
-    return runShellCommand(text, _state);
+    return runCommand(text);
   }
   _pending += line + '\n';
   runPending();
   return true;
+}
+
+// False after the command that ends the shell.
+bool Shell::runCommand(const std::string& text) {
+  Interrupt::clear();
+  if (_state.session.servers() != nullptr) _state.session.servers()->beginStatement();
+  const bool goesOn = runShellCommand(text, _state);
+  _state.session.settle(kExitDone);
+  return goesOn;
 }
 
 // Runs the statements that have ended; the text after the last of them stays.
@@ -88,6 +98,7 @@ void Shell::runStatement(const Statement& statement) {
     runner.finish();
     std::cout.flush();
     _state.session.printWarnings();
+    _state.session.settle(kExitDone);
   } catch (...) {
     _state.session.dropWarnings();
     runner.finish();
@@ -113,7 +124,16 @@ void Shell::remember(const std::string& text) {
   _historyFile.append(line);
 }
 
+// A server that fails here completes nothing; the statement will tell.
 Completions Shell::complete(std::string_view line, std::size_t cursor) const {
+  try {
+    return completeLine(line, cursor);
+  } catch (const CQoriProviderException&) {
+    return {};
+  }
+}
+
+Completions Shell::completeLine(std::string_view line, std::size_t cursor) const {
   if (_pending.empty() && isShellCommand(trimmed(std::string(line)))) {
     return completeShellCommand(line, cursor, _state);
   }

@@ -29,10 +29,12 @@ class Shell {
  private:
   // Returns false to quit.
   bool takeLine(const std::string& line);
+  bool runCommand(const std::string& text);
   void runPending();
   void runStatement(const Statement& statement);
   void remember(const std::string& text);
   Completions complete(std::string_view line, std::size_t cursor) const;
+  Completions completeLine(std::string_view line, std::size_t cursor) const;
 
   ShellState _state;
   Interrupt _interrupt;

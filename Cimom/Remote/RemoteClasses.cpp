@@ -1,0 +1,110 @@
+// Superclasses are declared first, as the sink wants it.
+// SPDX-License-Identifier: Apache-2.0
+#include "Cimom/Remote/RemoteClasses.h"
+
+#include <algorithm>
+
+#include "cimom/CQoriProviderException.h"
+#include "cimom/CQoriType.h"
+
+const char* const RemoteClasses::kServerProperty = "__SERVER";
+
+namespace {
+
+constexpr QORuint32 kCimFailed = 1;
+
+std::string keyOf(const QORString& nameSpace, const QORString& className) {
+  return std::string((QORString::toUpperCase(nameSpace) + ":" + QORString::toUpperCase(className)).view());
+}
+
+bool hasProperty(const CimClassDeclaration& declaration, const QORString& name) {
+  return std::any_of(declaration.properties.begin(), declaration.properties.end(),
+                     [&name](const CimPropertyDeclaration& own) { return own.name.isEqualCaseInsensitive(name); });
+}
+
+// Where servers have different versions of a class it has the properties of all of them; what they
+// tell in different ways is as the first of them has it.
+CimClassDeclaration unionOf(std::vector<CimClassDeclaration>&& declarations) {
+  CimClassDeclaration all = std::move(declarations.front());
+  for (std::size_t i = 1; i < declarations.size(); ++i) {
+    for (CimPropertyDeclaration& property : declarations[i].properties) {
+      if (!hasProperty(all, property.name)) all.properties.push_back(std::move(property));
+    }
+  }
+  return all;
+}
+
+[[noreturn]] void raise(const QORString& className, const QORString& message) {
+  throw CQoriProviderException(className, message, kCimFailed);
+}
+
+}  // namespace
+
+bool RemoteClasses::provide(CimDeclarationSink& sink, const QORString& nameSpace, const QORString& className) {
+  if (!sink.findClass(nameSpace, className).IsNull()) return true;
+  const std::lock_guard lock(_mutex);
+  return provideLocked(sink, nameSpace, className);
+}
+
+QORSmrPtr<IQoriClass> RemoteClasses::find(CimDeclarationSink& sink, const QORString& nameSpace,
+                                          const QORString& className) {
+  QORSmrPtr<IQoriClass> found = sink.findClass(nameSpace, className);
+  if (found.IsNull() && provide(sink, nameSpace, className)) found = sink.findClass(nameSpace, className);
+  return found;
+}
+
+void RemoteClasses::forgetMissing() {
+  const std::lock_guard lock(_mutex);
+  std::erase_if(_fetched, [](const auto& entry) { return !entry.second.has_value(); });
+}
+
+bool RemoteClasses::provideLocked(CimDeclarationSink& sink, const QORString& nameSpace, const QORString& className) {
+  if (!sink.findClass(nameSpace, className).IsNull()) return true;
+  const std::optional<CimClassDeclaration>& fetched = declarationOf(nameSpace, className);
+  if (!fetched.has_value()) return false;
+  CimClassDeclaration declaration = *fetched;
+  const QORString& superClass = declaration.superClass;
+  const std::string key = keyOf(nameSpace, className);
+  if (!_underWay.insert(key).second) raise(className, "class " + className + " derives from itself on the server");
+  if (_underWay.size() > CQoriClass::kMaximumDepth)
+    raise(className, "class " + className + " has superclasses without end");
+  try {
+    if (!superClass.isEmpty() && !provideLocked(sink, nameSpace, superClass)) {
+      raise(className, "the server has class " + className + ", but not its superclass " + superClass);
+    }
+    if (_hasServerNames) addServerProperty(sink, nameSpace, declaration);
+    sink.createNamespace(nameSpace);
+    sink.declareClass(nameSpace, declaration);
+  } catch (const CQoriProviderException&) {
+    _underWay.erase(key);
+    throw;
+  } catch (const QoriBaseException& refusal) {
+    _underWay.erase(key);
+    raise(className, "class " + className + " of the server cannot be used: " + refusal.getMessage());
+  }
+  _underWay.erase(key);
+  return true;
+}
+
+const std::optional<CimClassDeclaration>& RemoteClasses::declarationOf(const QORString& nameSpace,
+                                                                       const QORString& className) {
+  const std::string key = keyOf(nameSpace, className);
+  const auto known = _fetched.find(key);
+  if (known != _fetched.end()) return known->second;
+  std::vector<CimClassDeclaration> declarations = _fetch(nameSpace, className);
+  std::optional<CimClassDeclaration> one;
+  if (!declarations.empty()) one = unionOf(std::move(declarations));
+  return _fetched.emplace(key, std::move(one)).first->second;
+}
+
+void RemoteClasses::addServerProperty(CimDeclarationSink& sink, const QORString& nameSpace,
+                                      CimClassDeclaration& declaration) const {
+  CimPropertyDeclaration property;
+  const bool isInherited = !declaration.superClass.isEmpty() &&
+                           sink.describeProperty(nameSpace, declaration.superClass, kServerProperty, property);
+  if (isInherited || hasProperty(declaration, kServerProperty)) return;
+  property = CimPropertyDeclaration();
+  property.name = kServerProperty;
+  property.type = CQoriType::string;
+  declaration.properties.insert(declaration.properties.begin(), std::move(property));
+}

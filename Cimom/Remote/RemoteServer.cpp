@@ -1,0 +1,343 @@
+// Calls as documents of CIM-XML over a transport.
+// SPDX-License-Identifier: Apache-2.0
+#include "Cimom/Remote/RemoteServer.h"
+
+#include <chrono>
+#include <stdexcept>
+#include <utility>
+
+#include "Cimom/CimXml/CimXmlException.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Item = CimXmlReply::Item;
+
+enum Status : QORuint32 { kFailed = 1, kInvalidClass = 5, kNotFound = 6, kNotSupported = 7 };
+
+// Replies without an instance that a server may send one after the other before it says that there are no more.
+constexpr int kEmptyReplies = 1000;
+
+// A namespace as the value of a header.
+std::string percentEncoded(std::string_view text) {
+  constexpr const char* kDigits = "0123456789ABCDEF";
+  std::string encoded;
+  for (const char c : text) {
+    const bool isPlain = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' ||
+                         c == '-' || c == '.' || c == '~';
+    if (isPlain) {
+      encoded += c;
+      continue;
+    }
+    const auto byte = static_cast<unsigned char>(c);
+    encoded.append({'%', kDigits[byte >> 4], kDigits[byte & 15]});
+  }
+  return encoded;
+}
+
+void addPropertyList(CimXmlCall& call, const CIMApi::PropertyNames& names) {
+  if (names.IsNull()) return;
+  std::vector<QORString> list;
+  QORValSlistIterator<QORString> each(*names);
+  while (++each) list.push_back(each.key());
+  call.addTexts("PropertyList", list);
+}
+
+// What a reply in batches says besides its instances.
+struct Batch {
+  std::string context;
+  bool isLast = false;
+  bool saysWhetherLast = false;
+  std::uint64_t instances = 0;
+};
+
+void noteOutput(const CimXmlReply& reply, Batch& batch) {
+  const QORString name(reply.outputName());
+  if (name.isEqualCaseInsensitive("EnumerationContext")) batch.context = reply.outputText();
+  if (!name.isEqualCaseInsensitive("EndOfSequence")) return;
+  batch.saysWhetherLast = true;
+  batch.isLast = QORString::equalIgnoringCase(reply.outputText(), "TRUE");
+}
+
+void readInstances(CimXmlReply& reply, RemoteCall& record, const RemoteServer::Take& take, Batch& batch) {
+  for (Item item = reply.next(); item != Item::End; item = reply.next()) {
+    if (item == Item::Output) noteOutput(reply, batch);
+    if (item != Item::Instance) continue;
+    ++record.items;
+    ++batch.instances;
+    take(reply.takeInstance());
+  }
+}
+
+void requireSound(const Batch& batch) {
+  if (!batch.saysWhetherLast) throw std::runtime_error("the reply does not say whether it is the last one");
+  if (!batch.isLast && batch.context.empty()) throw std::runtime_error("the reply has no EnumerationContext");
+}
+
+}  // namespace
+
+RemoteServer::RemoteServer(RemoteServerOptions options, RemoteCallLog& log, const std::atomic<bool>& isStopped)
+    : _options(std::move(options)), _log(log), _isStopped(isStopped) {}
+
+// What the caller's own code throws has its message already.
+void RemoteServer::call(Line& line, const char* operation, const QORString& nameSpace, const QORString& subject,
+                        const Fill& fill, const Read& read) {
+  RemoteCall record{_options.name, operation, std::string(subject.view()), {}, 0, 0, true};
+  const QORString& asked = nameSpaceFor(nameSpace);
+  const QORString who(_options.name);
+  const Clock::time_point start = Clock::now();
+  const auto note = [&] {
+    record.milliseconds = std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+    _log.add(record);
+  };
+  const auto describe = [&](std::string_view message) {
+    note();
+    return QORString(RemoteServer::describe(record, asked, message));
+  };
+  try {
+    exchange(line, asked, fill, read, record);
+    record.hasFailed = false;
+    note();
+  } catch (const CQoriProviderException&) {
+    note();
+    throw;
+  } catch (const CimStatusException& status) {
+    throw RemoteStatusException(who, describe(status.getMessage().view()), status.getCode());
+  } catch (const RemoteUnknownOperation& refusal) {
+    throw RemoteStatusException(who, describe(refusal.what()), kNotSupported);
+  } catch (const QoriBaseException& error) {
+    throw CQoriProviderException(who, describe(error.getMessage().view()), kFailed);
+  } catch (const std::runtime_error& error) {
+    throw CQoriProviderException(who, describe(error.what()), kFailed);
+  }
+}
+
+void RemoteServer::exchange(Line& line, const QORString& nameSpace, const Fill& fill, const Read& read,
+                            RemoteCall& record) {
+  if (line.transport == nullptr) line.transport = makeRemoteTransport(_options.endpoint, _options.limits, _isStopped);
+  const std::string id = std::to_string(++_lastId);
+  CimXmlCall call(id, record.operation, nameSpace);
+  fill(call);
+  RemotePost post{
+      {"CIMOperation: MethodCall", "CIMMethod: " + record.operation, "CIMObject: " + percentEncoded(nameSpace.view())},
+      call.finish()};
+  const std::unique_ptr<RemoteExchange> exchange = line.transport->post(std::move(post));
+  try {
+    CimXmlReply reply([&exchange](char* buffer, std::size_t capacity) { return exchange->read(buffer, capacity); },
+                      record.operation, id, nameSpace);
+    read(reply, record);
+  } catch (...) {
+    record.traffic = exchange->traffic();
+    throw;
+  }
+  record.traffic = exchange->traffic();
+}
+
+std::string RemoteServer::describe(const RemoteCall& record, const QORString& nameSpace, std::string_view message) {
+  std::string text = record.server + ": " + record.operation;
+  if (!record.subject.empty()) text += " of " + record.subject;
+  return text + " in " + std::string(nameSpace.view()) + ": " + std::string(message);
+}
+
+std::optional<CimClassDeclaration> RemoteServer::getClass(const QORString& nameSpace, const QORString& className) {
+  std::optional<CimClassDeclaration> found;
+  const auto fill = [&className](CimXmlCall& call) {
+    call.addClassName("ClassName", className);
+    call.addFlag("LocalOnly", true);
+    call.addFlag("IncludeQualifiers", true);
+    call.addFlag("IncludeClassOrigin", true);
+  };
+  const auto read = [&found](CimXmlReply& reply, RemoteCall& record) {
+    for (Item item = reply.next(); item != Item::End; item = reply.next()) {
+      if (item != Item::Class) continue;
+      ++record.items;
+      found = reply.classDeclaration();
+    }
+    if (!found) throw std::runtime_error("the reply holds no class");
+  };
+  try {
+    call(_declarations, "GetClass", nameSpace, className, fill, read);
+  } catch (const RemoteStatusException& status) {
+    if (status.getCode() != kInvalidClass && status.getCode() != kNotFound) throw;
+    return std::nullopt;
+  }
+  return found;
+}
+
+std::vector<QORString> RemoteServer::classNames(const QORString& nameSpace) {
+  std::vector<QORString> names;
+  call(
+      _declarations, "EnumerateClassNames", nameSpace, {},
+      [](CimXmlCall& call) { call.addFlag("DeepInheritance", true); },
+      [&names](CimXmlReply& reply, RemoteCall& record) {
+        for (Item item = reply.next(); item != Item::End; item = reply.next()) {
+          if (item != Item::Name) continue;
+          ++record.items;
+          names.push_back(reply.name()->getClassName());
+        }
+      });
+  return names;
+}
+
+std::vector<CimQualifierDeclaration> RemoteServer::qualifiers(const QORString& nameSpace) {
+  std::vector<CimQualifierDeclaration> found;
+  call(
+      _declarations, "EnumerateQualifiers", nameSpace, {}, [](CimXmlCall&) {},
+      [&found](CimXmlReply& reply, RemoteCall& record) {
+        for (Item item = reply.next(); item != Item::End; item = reply.next()) {
+          if (item != Item::Qualifier) continue;
+          ++record.items;
+          found.push_back(reply.qualifierDeclaration());
+        }
+      });
+  return found;
+}
+
+bool RemoteServer::enumerateInstances(const QORString& nameSpace, const QORString& className,
+                                      const CIMApi::PropertyNames& names, const Take& take) {
+  if (!_pulls) return enumerateAtOnce(nameSpace, className, names, take);
+  try {
+    if (pullInstances(nameSpace, className, names, take)) return true;
+  } catch (const RemoteStatusException& status) {
+    if (status.getCode() != kInvalidClass) throw;
+    return false;
+  }
+  const bool isThere = enumerateAtOnce(nameSpace, className, names, take);
+  _pulls = false;
+  return isThere;
+}
+
+// False when the server does not know how to do it.
+bool RemoteServer::openEnumeration(const QORString& nameSpace, const QORString& className, const Fill& fill,
+                                   const Read& read) {
+  try {
+    call(_instances, "OpenEnumerateInstances", nameSpace, className, fill, read);
+  } catch (const RemoteStatusException& status) {
+    if (status.getCode() != kNotSupported && status.getCode() != kFailed) throw;
+    return false;
+  }
+  return true;
+}
+
+bool RemoteServer::pullInstances(const QORString& nameSpace, const QORString& className,
+                                 const CIMApi::PropertyNames& names, const Take& take) {
+  Batch batch;
+  const auto read = [&](CimXmlReply& reply, RemoteCall& record) {
+    batch = Batch();
+    readInstances(reply, record, take, batch);
+    requireSound(batch);
+  };
+  const auto open = [&](CimXmlCall& call) {
+    call.addClassName("ClassName", className);
+    call.addFlag("DeepInheritance", true);
+    call.addFlag("IncludeClassOrigin", false);
+    addPropertyList(call, names);
+    call.addNumber("MaxObjectCount", _options.batch);
+  };
+  const auto pull = [&](CimXmlCall& call) {
+    call.addText("EnumerationContext", batch.context);
+    call.addNumber("MaxObjectCount", _options.batch);
+  };
+  if (!openEnumeration(nameSpace, className, open, read)) return false;
+  int empty = 0;
+  while (!batch.isLast) {
+    empty = batch.instances == 0 ? empty + 1 : 0;
+    const std::string context = batch.context;
+    try {
+      call(_instances, "PullInstancesWithPath", nameSpace, className, pull,
+           [&](CimXmlReply& reply, RemoteCall& record) {
+             if (empty == kEmptyReplies) throw std::runtime_error("the server sends empty replies without end");
+             read(reply, record);
+           });
+    } catch (const RemoteStatusException&) {
+      throw;
+    } catch (...) {
+      closeEnumeration(nameSpace, className, context);
+      throw;
+    }
+  }
+  return true;
+}
+
+// So that the server need not keep what nobody will ask for; it forgets it by itself after a while.
+void RemoteServer::closeEnumeration(const QORString& nameSpace, const QORString& className,
+                                    const std::string& context) noexcept {
+  if (_isStopped) return;
+  try {
+    call(
+        _instances, "CloseEnumeration", nameSpace, className,
+        [&context](CimXmlCall& call) { call.addText("EnumerationContext", context); },
+        [](CimXmlReply& reply, RemoteCall&) { reply.next(); });
+  } catch (const std::exception&) {
+    return;
+  }
+}
+
+bool RemoteServer::enumerateAtOnce(const QORString& nameSpace, const QORString& className,
+                                   const CIMApi::PropertyNames& names, const Take& take) {
+  const auto fill = [&](CimXmlCall& call) {
+    call.addClassName("ClassName", className);
+    call.addFlag("LocalOnly", false);
+    call.addFlag("DeepInheritance", true);
+    call.addFlag("IncludeQualifiers", false);
+    call.addFlag("IncludeClassOrigin", false);
+    addPropertyList(call, names);
+  };
+  const auto read = [&](CimXmlReply& reply, RemoteCall& record) {
+    Batch batch;
+    readInstances(reply, record, take, batch);
+  };
+  try {
+    call(_instances, "EnumerateInstances", nameSpace, className, fill, read);
+  } catch (const RemoteStatusException& status) {
+    if (status.getCode() != kInvalidClass) throw;
+    return false;
+  }
+  return true;
+}
+
+bool RemoteServer::execQuery(const QORString& nameSpace, const QORString& className, const std::string& language,
+                             const std::string& query, const Take& take) {
+  const auto fill = [&](CimXmlCall& call) {
+    call.addText("QueryLanguage", language);
+    call.addText("Query", query);
+  };
+  const auto read = [&](CimXmlReply& reply, RemoteCall& record) {
+    Batch batch;
+    readInstances(reply, record, take, batch);
+  };
+  try {
+    call(_instances, "ExecQuery", nameSpace, className, fill, read);
+  } catch (const RemoteStatusException& status) {
+    if (status.getCode() != kInvalidClass) throw;
+    return false;
+  }
+  return true;
+}
+
+bool RemoteServer::getInstance(const QORString& nameSpace, const IQoriInstanceName& name,
+                               const CIMApi::PropertyNames& names, const Take& take) {
+  bool isThere = false;
+  const auto fill = [&](CimXmlCall& call) {
+    call.addInstanceName("InstanceName", name);
+    call.addFlag("LocalOnly", false);
+    call.addFlag("IncludeQualifiers", false);
+    call.addFlag("IncludeClassOrigin", false);
+    addPropertyList(call, names);
+  };
+  const auto read = [&](CimXmlReply& reply, RemoteCall& record) {
+    for (Item item = reply.next(); item != Item::End; item = reply.next()) {
+      if (item != Item::Instance || isThere) continue;
+      ++record.items;
+      isThere = true;
+      take(reply.takeInstance());
+    }
+  };
+  try {
+    call(_instances, "GetInstance", nameSpace, name.getClassName(), fill, read);
+  } catch (const RemoteStatusException& status) {
+    if (status.getCode() != kInvalidClass && status.getCode() != kNotFound) throw;
+    return false;
+  }
+  return isThere;
+}

@@ -1,0 +1,134 @@
+// One server: the operations that are asked of it.
+// Tested by tests/remote/tool_server_test.py.
+// SPDX-License-Identifier: Apache-2.0
+#ifndef QORQL_REMOTE_REMOTESERVER_H
+#define QORQL_REMOTE_REMOTESERVER_H
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "Cimom/CimXml/CimXmlMessages.h"
+#include "Cimom/CimXml/CimXmlReply.h"
+#include "Cimom/Remote/RemoteTransport.h"
+#include "cimom/CIMApi.h"
+#include "cimom/CQoriProviderException.h"
+
+// What one call cost.
+struct RemoteCall {
+  std::string server;
+  std::string operation;
+  std::string subject;  // the class; empty: none
+  RemoteTraffic traffic;
+  std::uint64_t items = 0;  // instances, names or classes that came
+  double milliseconds = 0;
+  bool hasFailed = false;
+};
+
+// Collects the calls of all servers. Any thread.
+class RemoteCallLog {
+ public:
+  void add(RemoteCall call) {
+    const std::lock_guard lock(_mutex);
+    _calls.push_back(std::move(call));
+  }
+  // Those since it was asked last.
+  std::vector<RemoteCall> take() {
+    const std::lock_guard lock(_mutex);
+    return std::exchange(_calls, {});
+  }
+
+ private:
+  std::mutex _mutex;
+  std::vector<RemoteCall> _calls;
+};
+
+// The server answered with a status in the place of a result, which is the code.
+class RemoteStatusException : public CQoriProviderException {
+  using CQoriProviderException::CQoriProviderException;
+};
+
+struct RemoteServerOptions {
+  std::string name;           // as errors and __SERVER tell it
+  bool hasGivenName = false;  // by a person, or because there are several
+  QORString nameSpace;        // in place of the one that is asked for; null: that
+  RemoteEndpoint endpoint;
+  RemoteLimits limits;
+  QORuint32 batch = 1000;  // instances of one reply
+};
+
+// Failures THROW CQoriProviderException with server, operation, class and
+// namespace in the message, and the server's status as code. Instances and
+// declarations go over connections of their own, so that two threads may use
+// it at the same time, one for each.
+class RemoteServer {
+ public:
+  // BORROWS log and flag.
+  RemoteServer(RemoteServerOptions options, RemoteCallLog& log, const std::atomic<bool>& isStopped);
+  RemoteServer(const RemoteServer&) = delete;
+  RemoteServer& operator=(const RemoteServer&) = delete;
+
+  const std::string& name() const noexcept { return _options.name; }
+  bool hasGivenName() const noexcept { return _options.hasGivenName; }
+  // The namespace that is asked on the server for this one.
+  const QORString& nameSpaceFor(const QORString& nameSpace) const noexcept {
+    return _options.nameSpace.isNull() ? nameSpace : _options.nameSpace;
+  }
+
+  // Declarations. None where the server has no such class.
+  std::optional<CimClassDeclaration> getClass(const QORString& nameSpace, const QORString& className);
+  std::vector<QORString> classNames(const QORString& nameSpace);
+  std::vector<CimQualifierDeclaration> qualifiers(const QORString& nameSpace);
+
+  // Hands over what has been read; the taker may change it.
+  using Take = std::function<void(CimXmlInstance& instance)>;
+  // The instances of the class and those derived from it, with the properties
+  // that are named (null: all). False where the server has no such class. Which
+  // operations the server knows is remembered.
+  bool enumerateInstances(const QORString& nameSpace, const QORString& className, const CIMApi::PropertyNames& names,
+                          const Take& take);
+  // The instances that a query in the server's language selects. False where the server has no such class.
+  bool execQuery(const QORString& nameSpace, const QORString& className, const std::string& language,
+                 const std::string& query, const Take& take);
+  // Returns whether there is such an instance.
+  bool getInstance(const QORString& nameSpace, const IQoriInstanceName& name, const CIMApi::PropertyNames& names,
+                   const Take& take);
+
+  // Whether instances are asked for in batches, as far as is known; for explanations.
+  bool pullsInstances() const noexcept { return _pulls; }
+
+ private:
+  // One connection, made when it is first used.
+  struct Line {
+    std::unique_ptr<RemoteTransport> transport;
+  };
+  using Fill = std::function<void(CimXmlCall& call)>;
+  using Read = std::function<void(CimXmlReply& reply, RemoteCall& record)>;
+
+  void call(Line& line, const char* operation, const QORString& nameSpace, const QORString& subject, const Fill& fill,
+            const Read& read);
+  void exchange(Line& line, const QORString& nameSpace, const Fill& fill, const Read& read, RemoteCall& record);
+  static std::string describe(const RemoteCall& record, const QORString& nameSpace, std::string_view message);
+  bool openEnumeration(const QORString& nameSpace, const QORString& className, const Fill& fill, const Read& read);
+  bool pullInstances(const QORString& nameSpace, const QORString& className, const CIMApi::PropertyNames& names,
+                     const Take& take);
+  bool enumerateAtOnce(const QORString& nameSpace, const QORString& className, const CIMApi::PropertyNames& names,
+                       const Take& take);
+  void closeEnumeration(const QORString& nameSpace, const QORString& className, const std::string& context) noexcept;
+
+  const RemoteServerOptions _options;
+  RemoteCallLog& _log;
+  const std::atomic<bool>& _isStopped;
+  Line _declarations;
+  Line _instances;
+  std::atomic<bool> _pulls{true};  // until the server refuses it
+  std::atomic<QORuint64> _lastId{0};
+};
+
+#endif

@@ -1,0 +1,242 @@
+// Each question goes to all servers at the same time; the answers keep the servers' order.
+// SPDX-License-Identifier: Apache-2.0
+#include "Cimom/Remote/RemoteSource.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "Cimom/Remote/RemoteObjects.h"
+#include "cimom/CQoriInstanceName.h"
+
+namespace {
+
+std::string fold(const QORString& name) { return std::string(QORString::toUpperCase(name).view()); }
+
+std::string messageOf(const std::exception_ptr& failure) {
+  try {
+    std::rethrow_exception(failure);
+  } catch (const QoriBaseException& error) {
+    return std::string(error.getMessage().view());
+  } catch (const std::exception& error) {
+    return error.what();
+  }
+}
+
+// The server that "//name/root/cimv2" names; empty when it names none.
+std::string_view serverOf(std::string_view nameSpace) {
+  if (!nameSpace.starts_with("//")) return {};
+  nameSpace.remove_prefix(2);
+  return nameSpace.substr(0, nameSpace.find('/'));
+}
+
+}  // namespace
+
+RemoteSource::RemoteSource(RemoteSourceOptions options)
+    : _options(std::move(options)),
+      _parallel(_options.parallel),
+      _classes(
+          [this](const QORString& nameSpace, const QORString& className) { return fetchClass(nameSpace, className); },
+          _options.servers.front().hasGivenName) {
+  for (const RemoteServerOptions& server : _options.servers) {
+    _servers.push_back(std::make_unique<RemoteServer>(server, _calls, _parallel.isStopped()));
+  }
+}
+
+RemoteSource::~RemoteSource() = default;
+
+bool RemoteSource::provideClass(CimDeclarationSink& sink, const QORString& nameSpace, const QORString& className) {
+  return _classes.provide(sink, nameSpace, className);
+}
+
+std::vector<std::string> RemoteSource::serverNames() const {
+  std::vector<std::string> names;
+  for (const auto& server : _servers) names.push_back(server->name());
+  return names;
+}
+
+// What stops a call is told by whoever asked for it; of several servers the first that failed is told.
+void RemoteSource::askEach(const std::vector<std::size_t>& servers, const Work& work) {
+  std::mutex mutex;
+  Failures failures;
+  const bool isComplete = _parallel.run(servers.size(), [&](std::size_t i) {
+    try {
+      work(*_servers[servers[i]], i);
+    } catch (...) {
+      const std::lock_guard lock(mutex);
+      failures.emplace(servers[i], std::current_exception());
+    }
+  });
+  if (failures.empty()) return;
+  if (!isComplete) std::rethrow_exception(failures.begin()->second);
+  settle(servers, failures);
+}
+
+void RemoteSource::settle(const std::vector<std::size_t>& asked, const Failures& failures) {
+  const bool isFatal = _options.requiresAll || failures.size() == asked.size();
+  if (isFatal) std::rethrow_exception(failures.begin()->second);
+  const std::lock_guard lock(_mutex);
+  for (const auto& [server, failure] : failures) {
+    const std::string message = messageOf(failure);
+    if (_failures.emplace(server, message).second) _untold.push_back(message);
+  }
+}
+
+std::vector<std::size_t> RemoteSource::serversFor(const QORString& className) const {
+  const std::lock_guard lock(_mutex);
+  const auto only = _only.find(fold(className));
+  std::vector<std::size_t> servers;
+  for (std::size_t i = 0; i < _servers.size(); ++i) {
+    const bool isWanted = only == _only.end() || only->second.contains(_servers[i]->name());
+    if (isWanted && !_failures.contains(i)) servers.push_back(i);
+  }
+  return servers;
+}
+
+std::vector<CimClassDeclaration> RemoteSource::fetchClass(const QORString& nameSpace, const QORString& className) {
+  const std::vector<std::size_t> servers = serversFor({});
+  std::vector<std::optional<CimClassDeclaration>> found(servers.size());
+  askEach(servers, [&](RemoteServer& server, std::size_t i) { found[i] = server.getClass(nameSpace, className); });
+  std::vector<CimClassDeclaration> declarations;
+  for (std::optional<CimClassDeclaration>& one : found) {
+    if (one.has_value()) declarations.push_back(std::move(*one));
+  }
+  return declarations;
+}
+
+// Qualifiers are of use where classes are shown; a server that does not tell them is no failure.
+void RemoteSource::provideQualifiers(CimDeclarationSink& sink, const QORString& nameSpace) {
+  const std::vector<std::size_t> servers = serversFor({});
+  std::vector<std::vector<CimQualifierDeclaration>> found(servers.size());
+  askEach(servers, [&](RemoteServer& server, std::size_t i) {
+    try {
+      found[i] = server.qualifiers(nameSpace);
+    } catch (const RemoteStatusException&) {
+      found[i].clear();
+    }
+  });
+  for (const std::vector<CimQualifierDeclaration>& declarations : found) {
+    for (const CimQualifierDeclaration& declaration : declarations) {
+      CimQualifierDeclaration known;
+      if (!sink.describeQualifier(nameSpace, declaration.name, known)) sink.declareQualifier(nameSpace, declaration);
+    }
+  }
+}
+
+std::vector<QORString> RemoteSource::classNames(const QORString& nameSpace) {
+  const std::string key = fold(nameSpace);
+  {
+    const std::lock_guard lock(_mutex);
+    if (const auto known = _names.find(key); known != _names.end()) return known->second;
+  }
+  const std::vector<std::size_t> servers = serversFor({});
+  std::vector<std::vector<QORString>> found(servers.size());
+  askEach(servers, [&](RemoteServer& server, std::size_t i) { found[i] = server.classNames(nameSpace); });
+  std::vector<QORString> names;
+  std::set<std::string> met;
+  for (const std::vector<QORString>& ofOne : found) {
+    for (const QORString& name : ofOne) {
+      if (met.insert(fold(name)).second) names.push_back(name);
+    }
+  }
+  const std::lock_guard lock(_mutex);
+  return _names.emplace(key, std::move(names)).first->second;
+}
+
+OuterSource::Objects RemoteSource::instances(CimDeclarationSink& sink, const Request& request) {
+  const QORSmrPtr<IQoriClass> declared = sink.findClass(request.nameSpace, request.className);
+  if (declared.IsNull()) return {};
+  const Request spelled{request.nameSpace, declared->getClassName(), request.names};
+  const std::vector<std::size_t> servers = serversFor(spelled.className);
+  std::vector<Objects> found(servers.size());
+  askEach(servers, [&](RemoteServer& server, std::size_t i) {
+    Objects objects;
+    askServer(server, sink, spelled, objects);
+    found[i] = std::move(objects);
+  });
+  Objects all = found.empty() ? Objects() : std::move(found.front());
+  for (std::size_t i = 1; i < found.size(); ++i) {
+    all.insert(all.end(), std::make_move_iterator(found[i].begin()), std::make_move_iterator(found[i].end()));
+  }
+  return all;
+}
+
+void RemoteSource::askServer(RemoteServer& server, CimDeclarationSink& sink, const Request& request, Objects& objects) {
+  RemoteObjects maker(server, _classes, sink, request.nameSpace, request.className);
+  const auto take = [&](CimXmlInstance& instance) { objects.push_back(maker.make(instance)); };
+  const Request own{request.nameSpace, request.className, namesFor(server, request.names)};
+  if (askWithQuery(server, own, take)) return;
+  objects.clear();
+  server.enumerateInstances(own.nameSpace, own.className, own.names, take);
+}
+
+// False when there is no query, and when the server does not understand it: then everything is asked for.
+bool RemoteSource::askWithQuery(RemoteServer& server, const Request& request, const RemoteServer::Take& take) {
+  Pushed pushed;
+  {
+    const std::lock_guard lock(_mutex);
+    const auto found = _pushed.find(fold(request.className));
+    if (found == _pushed.end()) return false;
+    pushed = found->second;
+  }
+  try {
+    server.execQuery(request.nameSpace, request.className, pushed.language, pushed.query, take);
+  } catch (const RemoteStatusException&) {
+    return false;
+  }
+  return true;
+}
+
+// The server does not know the property that was added here.
+CIMApi::PropertyNames RemoteSource::namesFor(const RemoteServer& server, const CIMApi::PropertyNames& names) const {
+  if (names.IsNull() || !server.hasGivenName()) return names;
+  CIMApi::PropertyNames own(new QORValSlist<QORString>);
+  QORValSlistIterator<QORString> each(*names);
+  while (++each) {
+    if (!each.key().isEqualCaseInsensitive(RemoteClasses::kServerProperty)) own->append(each.key());
+  }
+  return own;
+}
+
+QORSmrPtr<IQoriObject> RemoteSource::instance(CimDeclarationSink& sink, const Request& request,
+                                              const IQoriInstanceName& name) {
+  const std::string_view wanted = serverOf(name.getNameSpacePath()->getNameSpace().view());
+  std::vector<std::size_t> servers = serversFor(name.getClassName());
+  std::erase_if(servers, [&](std::size_t i) { return !wanted.empty() && _servers[i]->name() != wanted; });
+  const QORSmrPtr<IQoriInstanceName> given(
+      new CQoriInstanceName(name.getClassName(), name.getKeys(), name.getNameSpacePath()));
+  Objects found(servers.size());
+  askEach(servers, [&](RemoteServer& server, std::size_t i) {
+    RemoteObjects maker(server, _classes, sink, request.nameSpace, request.className);
+    server.getInstance(request.nameSpace, name, namesFor(server, request.names), [&](CimXmlInstance& instance) {
+      instance.name = given;
+      found[i] = maker.make(instance);
+    });
+  });
+  const auto first = std::find_if(found.begin(), found.end(), [](const auto& object) { return !object.IsNull(); });
+  return first == found.end() ? QORSmrPtr<IQoriObject>() : *first;
+}
+
+void RemoteSource::beginStatement() {
+  _classes.forgetMissing();
+  static_cast<void>(_calls.take());
+  const std::lock_guard lock(_mutex);
+  _failures.clear();
+  _untold.clear();
+  _only.clear();
+  _pushed.clear();
+}
+
+std::vector<std::string> RemoteSource::takeFailures() {
+  const std::lock_guard lock(_mutex);
+  return std::exchange(_untold, {});
+}
+
+void RemoteSource::askOnly(const QORString& className, std::set<std::string> servers) {
+  const std::lock_guard lock(_mutex);
+  _only[fold(className)] = std::move(servers);
+}
+
+void RemoteSource::askWith(const QORString& className, const std::string& language, const std::string& query) {
+  const std::lock_guard lock(_mutex);
+  _pushed[fold(className)] = {language, query};
+}

@@ -1,0 +1,94 @@
+// Servers as a source of classes and instances for the object manager.
+// Tested by tests/remote/tool_server_test.py.
+// SPDX-License-Identifier: Apache-2.0
+#ifndef QORQL_REMOTE_REMOTESOURCE_H
+#define QORQL_REMOTE_REMOTESOURCE_H
+
+#include <exception>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "Cimom/Embedded/OuterSource.h"
+#include "Cimom/Remote/RemoteClasses.h"
+#include "Cimom/Remote/RemoteParallel.h"
+#include "Cimom/Remote/RemoteServer.h"
+
+struct RemoteSourceOptions {
+  std::vector<RemoteServerOptions> servers;  // at least one
+  bool requiresAll = false;                  // the failure of one fails the statement
+  std::size_t parallel = 8;                  // servers that are asked at the same time
+};
+
+// A single server that fails fails the call. Of several, those that fail are
+// left out until beginStatement(), and are told by takeFailures(), unless all
+// fail or all are required. Where servers have names, the class at the root of
+// a line of inheritance gains the property __SERVER, and the paths of instances
+// begin with the name, so that those of different servers differ.
+class RemoteSource final : public OuterSource {
+ public:
+  explicit RemoteSource(RemoteSourceOptions options);
+  RemoteSource(const RemoteSource&) = delete;
+  RemoteSource& operator=(const RemoteSource&) = delete;
+  ~RemoteSource() override;
+
+  bool provideClass(CimDeclarationSink& sink, const QORString& nameSpace, const QORString& className) override;
+  void provideQualifiers(CimDeclarationSink& sink, const QORString& nameSpace) override;
+  std::vector<QORString> classNames(const QORString& nameSpace) override;
+  Objects instances(CimDeclarationSink& sink, const Request& request) override;
+  QORSmrPtr<IQoriObject> instance(CimDeclarationSink& sink, const Request& request,
+                                  const IQoriInstanceName& name) override;
+
+  // The rest is for whoever runs statements, on the thread that does.
+
+  // Asked while calls run; after true they fail. Null: calls are not stopped.
+  void setStopRequest(RemoteParallel::StopRequest request) { _parallel.setStopRequest(std::move(request)); }
+  // All servers are asked again, for any class.
+  void beginStatement();
+  // The messages of the servers that failed since.
+  std::vector<std::string> takeFailures();
+  std::vector<RemoteCall> takeCalls() { return _calls.take(); }
+
+  // Of this class only these servers are asked for instances, until beginStatement().
+  void askOnly(const QORString& className, std::set<std::string> servers);
+  // The instances of this class are asked for with this query, until beginStatement().
+  void askWith(const QORString& className, const std::string& language, const std::string& query);
+
+  std::vector<std::string> serverNames() const;
+
+ private:
+  struct Pushed {
+    std::string language;
+    std::string query;
+  };
+  // What servers did, by their numbers; null for success.
+  using Failures = std::map<std::size_t, std::exception_ptr>;
+  using Work = std::function<void(RemoteServer& server, std::size_t number)>;
+
+  void askEach(const std::vector<std::size_t>& servers, const Work& work);
+  void settle(const std::vector<std::size_t>& asked, const Failures& failures);
+  std::vector<std::size_t> serversFor(const QORString& className) const;
+  std::vector<CimClassDeclaration> fetchClass(const QORString& nameSpace, const QORString& className);
+  void askServer(RemoteServer& server, CimDeclarationSink& sink, const Request& request, Objects& objects);
+  bool askWithQuery(RemoteServer& server, const Request& request, const RemoteServer::Take& take);
+  CIMApi::PropertyNames namesFor(const RemoteServer& server, const CIMApi::PropertyNames& names) const;
+
+  const RemoteSourceOptions _options;
+  RemoteCallLog _calls;
+  RemoteParallel _parallel;
+  std::vector<std::unique_ptr<RemoteServer>> _servers;
+  RemoteClasses _classes;
+
+  mutable std::mutex _mutex;                     // guards what follows
+  std::map<std::size_t, std::string> _failures;  // of servers that are left out
+  std::vector<std::string> _untold;
+  std::map<std::string, std::vector<QORString>> _names;  // of classes, by namespace in upper case
+  std::map<std::string, std::set<std::string>> _only;    // by class in upper case
+  std::map<std::string, Pushed> _pushed;                 // by class in upper case
+};
+
+#endif

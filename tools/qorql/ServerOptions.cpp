@@ -1,0 +1,145 @@
+// What the command line says about servers that are asked.
+// SPDX-License-Identifier: Apache-2.0
+#include "ServerOptions.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iostream>
+#include <set>
+#include <stdexcept>
+#include <utility>
+
+#include "DisplayText.h"
+#include "OptionDeclarations.h"
+#include "PasswordPrompt.h"
+#include "TextInput.h"
+
+namespace {
+
+constexpr QORuint64 kMostAtOnce = 100000;
+
+// What is wrong, without the text itself, in which a password may stand.
+template <class Read>
+std::string faultOf(Read read) {
+  try {
+    read();
+  } catch (const std::runtime_error& error) {
+    return error.what();
+  }
+  return {};
+}
+
+std::string checkBatch(const std::string& given) {
+  const QORuint64 count = parseCount(given);
+  return count != 0 && count <= kMostAtOnce ? "" : "'" + given + "' is not a number from 1 to 100000";
+}
+
+// The first line; what an editor adds at its end does not count.
+std::string passwordIn(const std::string& file) {
+  std::string text = readTextFile(file);
+  text.resize(std::min(text.find_first_of("\r\n"), text.size()));
+  return text;
+}
+
+std::shared_ptr<RemoteCredentials> credentialsOf(const ServerAddress& address, const ServerOptions& options) {
+  const std::string& file = address.passwordFile.empty() ? options.passwordFile : address.passwordFile;
+  std::optional<std::string> password;
+  if (!file.empty()) password = passwordIn(file);
+  if (password && address.user.empty()) {
+    throw std::runtime_error("there is a password for " + address.name +
+                             ", but no user: put it into the URL, as in https://USER@HOST");
+  }
+  const std::string question =
+      "Password of " + printableText(address.user) + " at " + printableText(address.name) + ": ";
+  return std::make_shared<RemoteCredentials>(address.user, password, [question] { return askForPassword(question); });
+}
+
+RemoteServerOptions serverOf(const ServerAddress& address, const ServerOptions& options, const std::string& nameSpace) {
+  RemoteServerOptions server;
+  server.name = address.name;
+  server.hasGivenName = address.hasGivenName || options.servers.size() > 1;
+  if (!address.nameSpace.empty() && !QORString::equalIgnoringCase(address.nameSpace, nameSpace)) {
+    server.nameSpace = QORString(address.nameSpace);
+  }
+  server.endpoint.url = address.url;
+  server.endpoint.caFile = address.caFile.empty() ? options.caFile : address.caFile;
+  server.endpoint.isInsecure = address.isInsecure || options.isInsecure;
+  server.endpoint.credentials = credentialsOf(address, options);
+  if (options.silence > 0) {
+    server.limits.silentSeconds = std::max(1L, static_cast<long>(std::lround(std::min(options.silence, 1e6))));
+    server.limits.connectSeconds = server.limits.silentSeconds;
+  }
+  server.batch = options.batch;
+  return server;
+}
+
+void tellOfRisks(const RemoteServerOptions& server) {
+  if (!server.endpoint.isInsecure || !server.endpoint.url.starts_with("https:")) return;
+  std::cerr << "qorql: warning: --insecure: the certificate of " << printableText(server.name)
+            << " is not checked; whoever is between can read and change what is said, the password too\n";
+}
+
+void declareSecurity(CLI::App& app, ServerOptions& options) {
+  declareValue(app, {.names = "--cacert",
+                     .type = "FILE",
+                     .description = "Trust the certificates of this file (PEM) in place of the system's",
+                     .take = keepIn(options.caFile),
+                     .check = checkFile});
+  declareFlag(app, "--insecure", options.isInsecure, "Do not check the certificates of servers");
+  declareValue(app, {.names = "--password-file",
+                     .type = "FILE",
+                     .description = "Read the password of the URL's user from the first line of a file",
+                     .take = keepIn(options.passwordFile),
+                     .check = checkFile});
+}
+
+}  // namespace
+
+void declareServerOptions(CLI::App& app, ServerOptions& options,
+                          std::function<void(const std::string&)> takeNamespace) {
+  const auto add = [&options, takeNamespace](ServerAddress address) {
+    if (options.servers.empty() && !address.nameSpace.empty()) takeNamespace(address.nameSpace);
+    options.servers.push_back(std::move(address));
+  };
+  declareValue(app, {.names = "--server",
+                     .type = "[NAME=]URL",
+                     .description = "Ask a server, or that of a profile's name, in place of this machine (repeatable)",
+                     .take = [add](const std::string& given) { add(readServerAddress(given)); },
+                     .check = [](const std::string& given) { return faultOf([&] { readServerAddress(given); }); },
+                     .isRepeatable = true});
+  declareValue(app, {.names = "--servers",
+                     .type = "FILE",
+                     .description = "Ask the servers of a file, one a line as for --server",
+                     .take =
+                         [add](const std::string& given) {
+                           for (ServerAddress& address : readServerFile(given)) add(std::move(address));
+                         },
+                     .check = [](const std::string& given) { return faultOf([&] { readServerFile(given); }); }});
+  declareSecurity(app, options);
+  declareFlag(app, "--require-all", options.requiresAll, "Fail when one of several servers fails");
+  declareValue(app, {.names = "--call-timeout",
+                     .type = "SECONDS",
+                     .description = "Give up a call to a server that sends nothing for so long (default: 60)",
+                     .take = [&options](const std::string& given) { options.silence = parseSeconds(given); },
+                     .check = checkSeconds});
+  declareValue(
+      app, {.names = "--batch",
+            .type = "COUNT",
+            .description = "Instances of one reply of a server (default: 1000)",
+            .take = [&options](const std::string& given) { options.batch = static_cast<QORuint32>(parseCount(given)); },
+            .check = checkBatch});
+}
+
+std::shared_ptr<RemoteSource> makeRemoteSource(const ServerOptions& options, const std::string& nameSpace) {
+  RemoteSourceOptions source;
+  source.requiresAll = options.requiresAll;
+  std::set<std::string> names;
+  for (const ServerAddress& address : options.servers) {
+    if (!names.insert(address.name).second) {
+      throw std::runtime_error("two servers have the name " + address.name + "; give them names, as in NAME=URL");
+    }
+    source.servers.push_back(serverOf(address, options, nameSpace));
+    tellOfRisks(source.servers.back());
+  }
+  return std::make_shared<RemoteSource>(std::move(source));
+}
