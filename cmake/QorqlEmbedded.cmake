@@ -7,7 +7,6 @@ pkg_check_modules(PROC2 REQUIRED IMPORTED_TARGET libproc2)
 pkg_check_modules(MOUNT REQUIRED IMPORTED_TARGET mount)
 pkg_check_modules(UDEV REQUIRED IMPORTED_TARGET libudev)
 pkg_check_modules(SYSTEMD REQUIRED IMPORTED_TARGET libsystemd)
-pkg_check_modules(ZSTD REQUIRED IMPORTED_TARGET libzstd)
 pkg_check_modules(XXHASH REQUIRED IMPORTED_TARGET libxxhash)
 pkg_check_modules(EXPAT REQUIRED IMPORTED_TARGET expat)
 pkg_check_modules(APT REQUIRED IMPORTED_TARGET apt-pkg)
@@ -39,8 +38,10 @@ set_target_properties(embedded PROPERTIES OUTPUT_NAME qorqlembedded INSTALL_RPAT
 target_include_directories(embedded SYSTEM PRIVATE ${QORQL_GENERATED})
 target_link_libraries(embedded PUBLIC qorql_model
                                PRIVATE PkgConfig::INIH PkgConfig::PROC2 PkgConfig::MOUNT PkgConfig::UDEV PkgConfig::SYSTEMD
-                                       PkgConfig::ZSTD PkgConfig::XXHASH PkgConfig::EXPAT ${CMAKE_DL_LIBS})
+                                       PkgConfig::XXHASH PkgConfig::EXPAT ${CMAKE_DL_LIBS})
 qorql_library(embedded embedded)
+list(FILTER QORQL_EMBEDDED_SOURCES INCLUDE REGEX "/Cimom/CimXml/")
+qorql_compile_together(embedded ${QORQL_EMBEDDED_SOURCES})
 
 # What reads the lists of packages, and what speaks HTTP with servers, is loaded when it is asked for: its libraries
 # would slow down every start.

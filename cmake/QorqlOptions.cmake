@@ -1,4 +1,5 @@
-# Warnings, sanitizers, coverage and precompiled headers, the same for every target of our own.
+# Warnings, sanitizers, coverage, precompiled headers and sources that are compiled together, the same for every target of
+# our own.
 # SPDX-License-Identifier: Apache-2.0
 function(qorql_target_options target)
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion)
@@ -54,5 +55,30 @@ endfunction()
 function(qorql_product_headers target)
   if(PROJECT_IS_TOP_LEVEL AND NOT QORQL_SANITIZE MATCHES "address")
     qorql_precompile_headers(${target} ${ARGN})
+  endif()
+endfunction()
+
+# Compiles these sources as one, so that the headers they share, and templates that all of them use, are dealt with once.
+# Names that no other source sees must differ, too: within a few sources they do, or the compiler says where they do not.
+function(qorql_compile_as_one target group)
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
+  set_source_files_properties(${ARGN} PROPERTIES UNITY_GROUP ${group})
+  # g++ takes the one source of a class for a header when another source includes it.
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(${target} PRIVATE -Wno-subobject-linkage)
+  endif()
+endfunction()
+
+# The same for all sources of a folder, eight at a time, where a build is to be done soon
+# (QORQL_COMPILE_TOGETHER) rather than a change to be built soon.
+function(qorql_compile_together target)
+  if(QORQL_COMPILE_TOGETHER)
+    set(number 0)
+    while(ARGN)
+      list(SUBLIST ARGN 0 8 some)
+      list(REMOVE_ITEM ARGN ${some})
+      qorql_compile_as_one(${target} ${target}_${number} ${some})
+      math(EXPR number "${number} + 1")
+    endwhile()
   endif()
 endfunction()

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/CimXml/CimXmlPathReader.h"
 
+#include <algorithm>
+
 #include "Cimom/CimXml/CimXmlValues.h"
 #include "cimom/CQoriInstanceName.h"
 #include "cimom/CQoriProperty.h"
@@ -81,12 +83,24 @@ QORString CimXmlPathReader::readLocalNameSpace() {
   _joined.clear();
   while (_xml.peek() != Element::None) {
     expect(Element::NameSpace);
-    if (!_joined.empty()) _joined += '/';
-    _joined += _xml.open().get("NAME");
+    const bool isNamed = joinNameSpace(_xml.open().get("NAME"));
     _xml.close();
+    if (!isNamed) _xml.raise("a NAMESPACE has no NAME");
   }
   _xml.close();
   return QORString(_joined);
+}
+
+// A name may hold several levels, and slashes that separate nothing.
+bool CimXmlPathReader::joinNameSpace(std::string_view name) {
+  const std::size_t before = _joined.size();
+  while (!name.empty()) {
+    const std::size_t slash = std::min(name.find('/'), name.size());
+    if (slash > 0 && !_joined.empty()) _joined += '/';
+    _joined += name.substr(0, slash);
+    name.remove_prefix(std::min(slash + 1, name.size()));
+  }
+  return _joined.size() > before;
 }
 
 QORString CimXmlPathReader::readClassName() {

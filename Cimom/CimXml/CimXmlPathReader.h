@@ -30,6 +30,8 @@ class CimXmlPathReader {
   QORSmrPtr<IQoriInstanceName> readReference();
   // LOCALNAMESPACEPATH: "root/cimv2".
   QORString readLocalNameSpace();
+  // False when there is nothing in it.
+  bool joinNameSpace(std::string_view name);
   // CLASSNAME.
   QORString readClassName();
 

@@ -18,6 +18,7 @@ namespace {
 // So that an event stays in the processor's cache until it is taken.
 constexpr std::size_t kPiece = std::size_t{1} << 14;
 
+constexpr const char* kGoesOn = "the document goes on after its end";
 constexpr std::string_view kBlanks = " \t\r\n";
 
 }  // namespace
@@ -147,7 +148,10 @@ struct XmlPull::Expat {
   static void onEnd(void* self, const char* /*name*/) {
     Expat& expat = *static_cast<Expat*>(self);
     --expat.depth;
-    expat.guarded([&] { expat.add(Event::Kind::End, {}); });
+    expat.guarded([&] {
+      const Event& event = expat.add(Event::Kind::End, {});
+      if (expat.depth == 0) expat.rootEnd = event.place;
+    });
   }
   static void onText(void* self, const char* text, int length) {
     Expat& expat = *static_cast<Expat*>(self);
@@ -172,12 +176,13 @@ struct XmlPull::Expat {
   std::vector<Event> events;
   std::vector<Part> parts;
   std::string buffer;
-  std::size_t taken = 0;     // events that the caller has taken
-  std::size_t depth = 0;     // of what the parser has seen
-  std::size_t open = 0;      // elements that the caller has open
-  std::size_t waiting = 0;   // bytes since the last event
-  Event::Place place{1, 1};  // of what was peeked at last
-  std::string piece;         // of the document
+  std::size_t taken = 0;       // events that the caller has taken
+  std::size_t depth = 0;       // of what the parser has seen
+  Event::Place rootEnd{0, 0};  // of the end tag of the whole; line 0 before it
+  std::size_t open = 0;        // elements that the caller has open
+  std::size_t waiting = 0;     // bytes since the last event
+  Event::Place place{1, 1};    // of what was peeked at last
+  std::string piece;           // of the document
   std::exception_ptr failure;
 };
 
@@ -203,6 +208,10 @@ void XmlPull::raise(const std::string& message) const {
 void XmlPull::raiseParserFault() const {
   const XML_Error fault = XML_GetErrorCode(_expat->parser);
   if (fault == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
+  // Which fault the parser sees after the document element, and where, depends on the sizes of the pieces.
+  if (const Event::Place end = _expat->rootEnd; end.line != 0) {
+    throw CimXmlException(kGoesOn, end.line, end.column);
+  }
   if (fault == XML_ERROR_NO_ELEMENTS || fault == XML_ERROR_UNCLOSED_TOKEN || fault == XML_ERROR_PARTIAL_CHAR) {
     _expat->refuse("the document ends too early");
   }
@@ -320,7 +329,7 @@ void XmlPull::skip() {
 }
 
 void XmlPull::finish() {
-  if (ahead().kind != Event::Kind::EndOfDocument) raise("the document goes on after its end");
+  if (ahead().kind != Event::Kind::EndOfDocument) raise(kGoesOn);
 }
 
 }  // namespace cimxml

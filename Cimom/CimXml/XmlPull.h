@@ -1,5 +1,4 @@
 // XML read step by step from a stream: the caller asks for the next element.
-// Tested by tests/unit/CimXml/CimXmlReplyTest.cpp.
 // SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_CIMXML_XMLPULL_H
 #define QORQL_CIMXML_XMLPULL_H

@@ -4,11 +4,16 @@
 #ifndef QORQL_EMBEDDED_CIMDECLARATIONSINK_H
 #define QORQL_EMBEDDED_CIMDECLARATIONSINK_H
 
+#include <memory>
+#include <vector>
+
 #include "Cimom/Embedded/CimDeclarations.h"
 #include "cimom/IQoriClass.h"
 #include "cimom/IQoriInstanceName.h"
 #include "cimom/IQoriObject.h"
 #include "cmpbase.h"
+
+class CimInstanceMaker;
 
 // One loader at a time. Between begin() and commit() everything that is declared is
 // visible to this interface alone; rollback() forgets it. Refusals THROW
@@ -41,6 +46,10 @@ class CimDeclarationSink {
   // value, a path that exists. References are stored in the repository's spelling.
   virtual QORSmrPtr<IQoriInstanceName> createInstance(const QORString& nameSpace,
                                                       const CimInstanceDeclaration& declaration) = 0;
+  // What stores many instances that give the listed properties, in this order, faster than createInstance() does.
+  // Null when this sink or this class has no such way; references and embedded objects have none.
+  virtual std::unique_ptr<CimInstanceMaker> instanceMaker(const QORString& nameSpace, const QORString& className,
+                                                          const std::vector<QORString>& propertyNames);
   // An object that is not stored (an embedded instance or an indication); needs no keys.
   virtual QORSmrPtr<IQoriObject> makeObject(const QORString& nameSpace, const CimInstanceDeclaration& declaration) = 0;
   // A class as the value of an embedded object: its properties hold their

@@ -1,7 +1,9 @@
-// Look-ups in declarations.
+// Look-ups in declarations, and what a sink does that knows no rows.
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/CimDeclarations.h"
 
+#include "Cimom/Embedded/CimDeclarationRows.h"
+#include "Cimom/Embedded/CimDeclarationSink.h"
 #include "Cimom/Embedded/DeclarationHelpers.h"
 
 const CimQualifier* CimPropertyDeclaration::findQualifier(const char* qualifier) const {
@@ -9,3 +11,9 @@ const CimQualifier* CimPropertyDeclaration::findQualifier(const char* qualifier)
 }
 
 bool CimPropertyDeclaration::hasFlag(const char* qualifier) const { return embedded::hasFlag(qualifiers, qualifier); }
+
+std::unique_ptr<CimInstanceMaker> CimDeclarationSink::instanceMaker(const QORString& /*nameSpace*/,
+                                                                    const QORString& /*className*/,
+                                                                    const std::vector<QORString>& /*propertyNames*/) {
+  return nullptr;
+}

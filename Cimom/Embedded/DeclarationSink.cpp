@@ -11,6 +11,21 @@ namespace {
 using ReadLock = std::shared_lock<std::shared_mutex>;
 using WriteLock = std::unique_lock<std::shared_mutex>;
 
+class RowMaker final : public CimInstanceMaker {
+ public:
+  RowMaker(std::shared_ptr<ObjectStore> store, std::unique_ptr<RowPlan> plan)
+      : _store(std::move(store)), _plan(std::move(plan)) {}
+
+  bool create(std::string_view row) override {
+    const WriteLock lock(_store->mutex());
+    return _store->createInstance(*_plan, row, View::Loader);
+  }
+
+ private:
+  std::shared_ptr<ObjectStore> _store;
+  std::unique_ptr<RowPlan> _plan;
+};
+
 }  // namespace
 
 void DeclarationSink::begin() {
@@ -47,6 +62,13 @@ QORSmrPtr<IQoriInstanceName> DeclarationSink::createInstance(const QORString& na
                                                              const CimInstanceDeclaration& declaration) {
   const WriteLock lock(_store->mutex());
   return _store->createInstance(nameSpace, declaration, View::Loader).object->getInstanceName();
+}
+
+std::unique_ptr<CimInstanceMaker> DeclarationSink::instanceMaker(const QORString& nameSpace, const QORString& className,
+                                                                 const std::vector<QORString>& propertyNames) {
+  const ReadLock lock(_store->mutex());
+  std::unique_ptr<RowPlan> plan = _store->planRows(nameSpace, className, propertyNames, View::Loader);
+  return plan == nullptr ? nullptr : std::make_unique<RowMaker>(_store, std::move(plan));
 }
 
 QORSmrPtr<IQoriObject> DeclarationSink::makeObject(const QORString& nameSpace,

@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <utility>
+#include <vector>
 
 #include "Cimom/Embedded/CimDeclarationSink.h"
 #include "Cimom/Embedded/ObjectStore.h"
@@ -25,6 +26,8 @@ class DeclarationSink final : public CimDeclarationSink {
   void declareClass(const QORString& nameSpace, const CimClassDeclaration& declaration) override;
   QORSmrPtr<IQoriInstanceName> createInstance(const QORString& nameSpace,
                                               const CimInstanceDeclaration& declaration) override;
+  std::unique_ptr<CimInstanceMaker> instanceMaker(const QORString& nameSpace, const QORString& className,
+                                                  const std::vector<QORString>& propertyNames) override;
   QORSmrPtr<IQoriObject> makeObject(const QORString& nameSpace, const CimInstanceDeclaration& declaration) override;
   QORSmrPtr<IQoriObject> makeClassObject(const QORString& nameSpace, const CimClassDeclaration& declaration) override;
   QORSmrPtr<IQoriClass> findClass(const QORString& nameSpace, const QORString& className) const override;

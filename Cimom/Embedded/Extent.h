@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <string>
 #include <vector>
 
 #include "cimom/IQoriObject.h"
@@ -15,13 +16,20 @@ namespace embedded {
 
 struct ClassEntry;
 
-// One stored instance. A change replaces the object; its place in the order stays.
+// One stored instance. A change replaces the object; its place in the order and its path stay.
 struct StoredInstance {
   QORSmrPtr<IQoriObject> object;
   ClassEntry* entry = nullptr;  // BORROWS
-  QORString path;
   QORuint64 sequence = 0;
+  QORuint32 pathHash = 0;
   bool isPending = false;  // created by a load that has not been committed
+
+  // The canonical path, which the object's keys tell.
+  std::string path() const {
+    std::string text;
+    object->appendPath(text);
+    return text;
+  }
 };
 
 // Sorted by sequence. Appending is O(1), removing O(log n) and, over many

@@ -27,16 +27,27 @@ bool ClassEntry::isA(const ClassEntry& other) const noexcept {
   return entry != nullptr;
 }
 
-StoredInstance* InstanceTable::find(std::string_view path) const noexcept {
-  const auto found = _byPath.find(path);
-  return found == _byPath.end() ? nullptr : found->second.get();
+StoredInstance* InstanceTable::find(std::string_view path) const { return _byPath.find(path, hashOfPath(path)); }
+
+StoredInstance& InstanceTable::takePlace() {
+  if (_free.empty()) {
+    // There is room for all of them, so that removing throws nothing.
+    if (_free.capacity() <= _instances.size()) _free.reserve(2 * _instances.size() + 1);
+    return _instances.emplace_back();
+  }
+  StoredInstance& instance = *_free.back();
+  _free.pop_back();
+  return instance;
 }
 
-StoredInstance& InstanceTable::insert(ClassEntry& entry, const QORSmrPtr<IQoriObject>& object, const QORString& path,
+StoredInstance* InstanceTable::insert(ClassEntry& entry, const QORSmrPtr<IQoriObject>& object, std::string_view path,
                                       QORuint64 sequence, bool isPending) {
-  std::unique_ptr<StoredInstance> owned(new StoredInstance{object, &entry, path, sequence, isPending});
-  StoredInstance& instance = *owned;
-  _byPath.emplace(instance.path.view(), std::move(owned));
+  const QORuint32 hash = hashOfPath(path);
+  if (_byPath.find(path, hash) != nullptr) return nullptr;
+  _byPath.reserveOne();
+  StoredInstance& instance = takePlace();
+  instance = {object, &entry, sequence, hash, isPending};
+  _byPath.insert(instance);
   try {
     for (ClassEntry* at = &entry; at != nullptr; at = at->superClass) at->extent.insert(instance);
     addReferences(instance);
@@ -45,7 +56,7 @@ StoredInstance& InstanceTable::insert(ClassEntry& entry, const QORSmrPtr<IQoriOb
     throw;
   }
   if (!isPending) touch(&entry);
-  return instance;
+  return &instance;
 }
 
 void InstanceTable::replace(StoredInstance& instance, const QORSmrPtr<IQoriObject>& object) {
@@ -67,9 +78,9 @@ void InstanceTable::remove(StoredInstance& instance) noexcept {
   removeReferences(instance);
   for (ClassEntry* at = instance.entry; at != nullptr; at = at->superClass) at->extent.remove(instance);
   if (!instance.isPending) touch(instance.entry);
-  const auto found = _byPath.find(instance.path.view());
-  const std::unique_ptr<StoredInstance> owned = std::move(found->second);
-  _byPath.erase(found);
+  _byPath.remove(instance);
+  instance = {};
+  _free.push_back(&instance);
 }
 
 void InstanceTable::publish(StoredInstance& instance) noexcept {

@@ -4,14 +4,16 @@
 #ifndef QORQL_EMBEDDED_INSTANCETABLE_H
 #define QORQL_EMBEDDED_INSTANCETABLE_H
 
+#include <deque>
 #include <functional>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "Cimom/Embedded/CQoriClass.h"
 #include "Cimom/Embedded/Extent.h"
+#include "Cimom/Embedded/PathIndex.h"
 
 namespace embedded {
 
@@ -39,9 +41,10 @@ struct PathHash {
 class InstanceTable {
  public:
   // BORROWS: null when there is none of that canonical path.
-  StoredInstance* find(std::string_view path) const noexcept;
-  // REQUIRES a path that find() does not know. Leaves everything as it was when it throws.
-  StoredInstance& insert(ClassEntry& entry, const QORSmrPtr<IQoriObject>& object, const QORString& path,
+  StoredInstance* find(std::string_view path) const;
+  // BORROWS: null when there is an instance of that canonical path already, which is the object's. Leaves everything
+  // as it was when it throws.
+  StoredInstance* insert(ClassEntry& entry, const QORSmrPtr<IQoriObject>& object, std::string_view path,
                          QORuint64 sequence, bool isPending);
   // Puts another object of the same class and path in the place of the old one.
   void replace(StoredInstance& instance, const QORSmrPtr<IQoriObject>& object);
@@ -56,8 +59,11 @@ class InstanceTable {
   void removeReferences(const StoredInstance& instance) noexcept;
   static void touch(ClassEntry* entry) noexcept;
 
-  // Keys are views of the instances' own path texts.
-  std::unordered_map<std::string_view, std::unique_ptr<StoredInstance>> _byPath;
+  StoredInstance& takePlace();
+
+  std::deque<StoredInstance> _instances;  // at fixed addresses; those that were removed hold no object
+  std::vector<StoredInstance*> _free;     // removed ones, for the next
+  PathIndex _byPath;
   std::unordered_map<std::string, Extent, PathHash, std::equal_to<>> _referring;
 };
 

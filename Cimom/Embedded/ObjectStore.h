@@ -8,34 +8,19 @@
 #include <atomic>
 #include <memory>
 #include <shared_mutex>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "Cimom/Embedded/CimDeclarations.h"
-#include "Cimom/Embedded/InstanceProvider.h"
-#include "Cimom/Embedded/InstanceTable.h"
 #include "Cimom/Embedded/NameMap.h"
+#include "Cimom/Embedded/NameSpace.h"
+#include "Cimom/Embedded/RowPlan.h"
 
 namespace embedded {
 
 // Whose view it is: queries see what has been committed, a loader its own pending work too.
 enum class View { Committed, Loader };
-
-// A provider and the class that it serves.
-struct LiveSource {
-  const ClassEntry* entry = nullptr;  // BORROWS
-  std::shared_ptr<InstanceProvider> provider;
-};
-
-struct NameSpace {
-  QORString name;
-  NameMap<CimQualifierDeclaration> qualifiers;
-  std::vector<std::unique_ptr<ClassEntry>> classes;  // in declaration order
-  NameMap<ClassEntry*> classIndex;
-  InstanceTable instances;
-  std::vector<LiveSource> sources;  // in registration order
-  bool isPending = false;           // created by a load that has not been committed
-};
 
 // Committed namespaces and classes are never removed, so that what is borrowed
 // of them stays valid while the store lives; instances are borrowed under the
@@ -71,6 +56,12 @@ class ObjectStore {
   // REQUIRES a provider of the class.
   void addSource(const QORString& nameSpace, const QORString& className, std::shared_ptr<InstanceProvider> provider);
   StoredInstance& createInstance(const QORString& nameSpace, const CimInstanceDeclaration& declaration, View view);
+  // What many instances that give these properties, in this order, are created by; null when the class is not one that
+  // can be filled so. BORROWS from the store: it is for the transaction in which it is made.
+  std::unique_ptr<RowPlan> planRows(const QORString& nameSpace, const QORString& className,
+                                    const std::vector<QORString>& propertyNames, View view) const;
+  // False when the row cannot be stored just so, or its path is there already.
+  bool createInstance(RowPlan& plan, std::string_view row, View view);
   QORSmrPtr<IQoriObject> makeObject(const QORString& nameSpace, const CimInstanceDeclaration& declaration,
                                     View view) const;
   QORSmrPtr<IQoriObject> makeClassObject(const QORString& nameSpace, const CimClassDeclaration& declaration,
@@ -107,6 +98,9 @@ class ObjectStore {
                                                const CimInstanceDeclaration& declaration, View view) const;
   void setValues(const NameSpace& space, const CQoriClass& model, const std::vector<CimInstanceProperty>& properties,
                  std::vector<QORSmrPtr<IQoriValue>>& values, View view) const;
+  // Null when the path is there already.
+  StoredInstance* store(NameSpace& space, ClassEntry& entry, const QORSmrPtr<IQoriObject>& object,
+                        std::string_view path, View view);
   static QORuint64 nextClassVersion() noexcept;
   void noteClassChange() noexcept { _classVersion.store(nextClassVersion(), std::memory_order_release); }
   bool becomesPending(View view) const noexcept { return view == View::Loader && _pending != nullptr; }

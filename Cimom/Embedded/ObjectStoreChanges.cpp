@@ -172,21 +172,44 @@ StoredInstance& ObjectStore::createInstance(const QORString& nameSpace, const Ci
                                          model.shape()->layout->getName(position).view(), " has no value"});
   }
   const QORSmrPtr<IQoriObject> object = ModelInstance::create(model.shape(), values, {}, identityOf(_nextSequence));
-  const QORString path = object->getInstanceName()->toString();
-  if (space.instances.find(path.view()) != nullptr) {
-    refuse(CimStatus::AlreadyExists, {"instance ", path.view(), " exists already"});
-  }
+  std::string path;
+  object->appendPath(path);
+  StoredInstance* const stored = store(space, entry, object, path, view);
+  if (stored == nullptr) refuse(CimStatus::AlreadyExists, {"instance ", path, " exists already"});
+  return *stored;
+}
+
+StoredInstance* ObjectStore::store(NameSpace& space, ClassEntry& entry, const QORSmrPtr<IQoriObject>& object,
+                                   std::string_view path, View view) {
   const bool isPending = becomesPending(view);
-  if (!isPending) return space.instances.insert(entry, object, path, _nextSequence++, false);
-  _pending->instances.emplace_back(&space, nullptr);
+  if (isPending) _pending->instances.emplace_back(&space, nullptr);
+  StoredInstance* stored = nullptr;
   try {
-    StoredInstance& instance = space.instances.insert(entry, object, path, _nextSequence++, true);
-    _pending->instances.back().second = &instance;
-    return instance;
+    stored = space.instances.insert(entry, object, path, _nextSequence++, isPending);
   } catch (...) {
-    _pending->instances.pop_back();
+    if (isPending) _pending->instances.pop_back();
     throw;
   }
+  if (isPending && stored == nullptr) _pending->instances.pop_back();
+  if (isPending && stored != nullptr) _pending->instances.back().second = stored;
+  return stored;
+}
+
+std::unique_ptr<RowPlan> ObjectStore::planRows(const QORString& nameSpace, const QORString& className,
+                                               const std::vector<QORString>& propertyNames, View view) const {
+  NameSpace* const space = findNameSpace(nameSpace, view);
+  ClassEntry* const entry = space == nullptr ? nullptr : findClass(*space, className, view);
+  if (entry == nullptr || entry->model->isAbstract()) return nullptr;
+  auto plan = std::make_unique<RowPlan>(*space, *entry);
+  return plan->readColumns(propertyNames) ? std::move(plan) : nullptr;
+}
+
+bool ObjectStore::createInstance(RowPlan& plan, std::string_view row, View view) {
+  const QORSmrPtr<IQoriObject> object = plan.makeObject(row, identityOf(_nextSequence));
+  if (object.IsNull()) return false;
+  std::string& path = plan.emptyText();
+  object->appendPath(path);
+  return store(plan.nameSpace(), plan.entry(), object, path, view) != nullptr;
 }
 
 QORSmrPtr<IQoriObject> ObjectStore::makeObject(const QORString& nameSpace, const CimInstanceDeclaration& declaration,
@@ -222,8 +245,8 @@ void ObjectStore::modifyInstance(const IQoriInstanceName& name, const std::vecto
   const QORSmrPtr<IQoriObject> changed =
       ModelInstance::create(model.shape(), values, {}, identityOf(instance->sequence));
   const QORSmrPtr<IQoriInstanceName> changedName = changed->getInstanceName();
-  if (changedName.IsNull() || !(changedName->toString() == instance->path)) {
-    refuse(CimStatus::InvalidParameter, {"instance ", instance->path.view(), ": keys cannot change"});
+  if (changedName.IsNull() || changedName->toString().view() != instance->path()) {
+    refuse(CimStatus::InvalidParameter, {"instance ", instance->path(), ": keys cannot change"});
   }
   space.instances.replace(*instance, changed);
 }

@@ -40,8 +40,6 @@ Pointer fit(Wide value, bool preferUnsigned) {
   return {};
 }
 
-bool holdsArray(const QoriScalar& scalar) noexcept { return scalar.kind == Kind::Complex && scalar.value->isArray(); }
-
 // Whether the result is to be a uint64 where it fits one: when the left operand is
 // a uint64, and when both operands are unsigned and it is no difference.
 bool prefersUnsigned(const IQoriValue& left, const QoriScalar& a, const QoriScalar& b, bool isDifference) noexcept {
@@ -69,7 +67,7 @@ bool checkOperands(const Operation& operation, const IQoriValue& left, const IQo
                    QoriScalar& b) {
   a = left.scalar();
   b = right.scalar();
-  if (holdsArray(a) || holdsArray(b)) return false;
+  if (model::holdsArray(a) || model::holdsArray(b)) return false;
   if (!a.isNumber() || !b.isNumber()) raiseOperands(operation, left, right);
   return true;
 }
@@ -122,7 +120,7 @@ Pointer CQoriValue::divide(const IQoriValue& other) const {
 
 Pointer CQoriValue::negate() const {
   const QoriScalar a = scalar();
-  if (holdsArray(a)) return {};
+  if (model::holdsArray(a)) return {};
   const auto narrow = [](Wide value, QORsint64 least, const QORSmrPtr<IQoriType>& type) {
     // Only one result does not fit: the negation of the least number.
     return value > -(static_cast<Wide>(least) + 1) ? Pointer()

@@ -161,15 +161,13 @@ Order mixedOrder(const IQoriValue& left, const IQoriValue& right) {
   raiseComparison(left, right);
 }
 
-bool holdsArray(const QoriScalar& scalar) noexcept { return scalar.kind == Kind::Complex && scalar.value->isArray(); }
-
 }  // namespace
 
 QoriTruth CQoriValue::relate(QoriRelation relation, const IQoriValue& other) const {
   const QoriScalar a = _scalar;
   const QoriScalar b = other.scalar();
   if (a.isNumber() && b.isNumber()) return qori::truth(qori::satisfies(qori::compareNumbers(a, b), relation));
-  if (holdsArray(a) || holdsArray(b)) return relateArrays(relation, *this, other);
+  if (model::holdsArray(a) || model::holdsArray(b)) return relateArrays(relation, *this, other);
   const Order order = a.kind == b.kind ? sameKindOrder(*this, other) : mixedOrder(*this, other);
   return qori::truth(qori::satisfies(order, relation));
 }

@@ -16,15 +16,20 @@ static_assert(sizeof(ModelInstance) % alignof(ModelSlot) == 0, "the slots follow
 QORSmrPtr<IQoriObject> ModelInstance::create(const QORSmrPtr<ModelShape>& shape,
                                              const std::vector<QORSmrPtr<IQoriValue>>& values,
                                              const QORSmrPtr<IQoriInstanceName>& name, QORuint64 identity) {
-  const std::size_t room = shape->layout->getPropertyCount() * sizeof(ModelSlot);
-  QORSmrPtr<IQoriObject> made = QORSmrPtr<IQoriObject>::MakeWithRoom<ModelInstance>(room, shape);
+  QORSmrPtr<IQoriObject> made = createEmpty(shape, identity);
   ModelInstance& instance = static_cast<ModelInstance&>(*made);
   instance.fill(values);
-  instance._identity = identity;
   if (!name.IsNull()) {
     instance._name.keep(name);
     instance._hasGivenName = 1;
   }
+  return made;
+}
+
+QORSmrPtr<IQoriObject> ModelInstance::createEmpty(const QORSmrPtr<ModelShape>& shape, QORuint64 identity) {
+  const std::size_t room = shape->layout->getPropertyCount() * sizeof(ModelSlot);
+  QORSmrPtr<IQoriObject> made = QORSmrPtr<IQoriObject>::MakeWithRoom<ModelInstance>(room, shape);
+  static_cast<ModelInstance&>(*made)._identity = identity;
   return made;
 }
 

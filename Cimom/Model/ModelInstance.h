@@ -25,6 +25,13 @@ class ModelInstance final : public IQoriObject {
   static QORSmrPtr<IQoriObject> create(const QORSmrPtr<ModelShape>& shape,
                                        const std::vector<QORSmrPtr<IQoriValue>>& values,
                                        const QORSmrPtr<IQoriInstanceName>& name = {}, QORuint64 identity = 0);
+  // The same from what `fill` puts into the slots of the new instance, which has one for each position, empty at first;
+  // it REQUIRES that they are of the declared types. Null when `fill` returns false. THROWS what that throws.
+  template <class Fill>
+  static QORSmrPtr<IQoriObject> createFilled(const QORSmrPtr<ModelShape>& shape, QORuint64 identity, const Fill& fill) {
+    QORSmrPtr<IQoriObject> made = createEmpty(shape, identity);
+    return fill(static_cast<ModelInstance&>(*made).mutableSlots()) ? made : QORSmrPtr<IQoriObject>();
+  }
   ModelInstance(const ModelInstance&) = delete;
   ModelInstance& operator=(const ModelInstance&) = delete;
   ~ModelInstance() override;
@@ -54,6 +61,7 @@ class ModelInstance final : public IQoriObject {
   // REQUIRES room for the slots directly after the object.
   explicit ModelInstance(const QORSmrPtr<ModelShape>& shape) noexcept;
 
+  static QORSmrPtr<IQoriObject> createEmpty(const QORSmrPtr<ModelShape>& shape, QORuint64 identity);
   ModelSlot* mutableSlots() noexcept { return reinterpret_cast<ModelSlot*>(this + 1); }
   void fill(const std::vector<QORSmrPtr<IQoriValue>>& values);
   // Whether the shape's keys give a name.

@@ -5,6 +5,7 @@
 #define QORQL_MODEL_MODELSCALAR_H
 
 #include "cimom/CQoriType.h"
+#include "cimom/IQoriValue.h"
 #include "cimom/QoriScalar.h"
 #include "cmpbase.h"
 
@@ -23,6 +24,10 @@ bool convertScalar(QoriScalar& scalar, CQoriType::Code target) noexcept;
 
 // The value as text. `code` tells real32 from real64. REQUIRES neither Null nor Complex.
 QORString scalarText(const QoriScalar& scalar, CQoriType::Code code);
+
+inline bool holdsArray(const QoriScalar& scalar) noexcept {
+  return scalar.kind == QoriScalarKind::Complex && scalar.value->isArray();
+}
 
 // Whether the text reads TRUE or FALSE, in any case; `value` says which.
 bool readBoolean(const QORString& text, bool& value) noexcept;

@@ -44,13 +44,13 @@ void ModelSlot::copy(const ModelSlot& other) {
   }
 }
 
-void ModelSlot::holdText(const QORString& text, Kind kind) {
+void ModelSlot::holdText(const QORString& text, Kind kind) noexcept {
   new (&_text) QORString(text);
   _scalar.kind = kind;
   _scalar.text = &_text;
 }
 
-void ModelSlot::holdValue(const QORSmrPtr<IQoriValue>& value) {
+void ModelSlot::holdValue(const QORSmrPtr<IQoriValue>& value) noexcept {
   new (&_value) QORSmrPtr<IQoriValue>(value);
   _scalar.kind = Kind::Complex;
   _scalar.value = value.Get();

@@ -24,14 +24,20 @@ class ModelSlot {
   void set(const QORSmrPtr<IQoriValue>& value, const QORSmrPtr<IQoriType>& type);
   // Takes what the other slot holds. REQUIRES an empty slot.
   void copy(const ModelSlot& other);
+  // Takes a number, a boolean or a character as it is. REQUIRES an empty slot.
+  void setScalar(const QoriScalar& scalar) noexcept { _scalar = scalar; }
+  // Takes a text of that kind, Text or DateTime. REQUIRES an empty slot.
+  void setText(const QORString& text, QoriScalarKind kind) noexcept { holdText(text, kind); }
+  // Takes an array, a reference or an embedded object. REQUIRES an empty slot.
+  void setComplex(const QORSmrPtr<IQoriValue>& value) noexcept { holdValue(value); }
   // BORROWS: valid while the slot lives.
   const QoriScalar& scalar() const noexcept { return _scalar; }
   // The value as an object; null when the slot is empty. A new object for scalars.
   QORSmrPtr<IQoriValue> value(const QORSmrPtr<IQoriType>& type) const;
 
  private:
-  void holdText(const QORString& text, QoriScalarKind kind);
-  void holdValue(const QORSmrPtr<IQoriValue>& value);
+  void holdText(const QORString& text, QoriScalarKind kind) noexcept;
+  void holdValue(const QORSmrPtr<IQoriValue>& value) noexcept;
 
   QoriScalar _scalar;
   union {

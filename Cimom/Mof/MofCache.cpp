@@ -80,14 +80,16 @@ MofCache::Outcome MofCache::loadFiles(CimDeclarationSink& sink, const QORString&
   const std::string key = keyOf(nameSpace, paths);
   outcome.isFromCache = open(sink, key, outcome);
   if (outcome.isFromCache) return outcome;
-  MofRecorder recorder(sink);
+  MofCacheOutput output(_file);
+  MofRecorder recorder(sink, [&output](std::string_view row) { appendMofCacheRow(output, row); });
   MofLoader loader(recorder, nameSpace);
   loader.loadFiles(paths);
   QORuint64 bytes = 0;
   for (const MofInput& input : loader.getInputs()) bytes += input.isFolder ? 0 : input.size;
   if (bytes < _leastBytes) return outcome;
   try {
-    writeMofCacheFile(_file, encodeMofCache(recorder.record(), loader.getInputs(), key));
+    appendMofCacheRecord(output, recorder.record(), loader.getInputs(), key);
+    output.finish();
   } catch (const std::exception& fault) {
     outcome.notWritten = fault.what();
   }

@@ -1,19 +1,21 @@
 // 8 bytes of name, then, lowest byte first, version (4), size of the content
-// (8), checksum of the rest (8); then the content, compressed.
+// (8) and its checksum (8); then the content. It is read, not mapped: a mapped file that somebody
+// truncates ends the process.
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Mof/MofCacheFile.h"
 
 #include <xxhash.h>
-#include <zstd.h>
 
 #include <array>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <new>
 #include <random>
 #include <stdexcept>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 namespace {
 
@@ -22,7 +24,7 @@ namespace fs = std::filesystem;
 constexpr std::string_view kName = "QORQLMOF";
 constexpr std::size_t kHeadSize = 28;
 constexpr std::uint64_t kGreatestContent = std::uint64_t{1} << 31U;  // what offsets inside it can span
-constexpr int kCompression = 3;
+constexpr std::size_t kBuffer = std::size_t{1} << 18U;
 
 void putNumber(std::string& out, std::uint64_t number, std::size_t bytes) {
   for (std::size_t i = 0; i < bytes; ++i) out += static_cast<char>(number >> (8 * i) & 0xFFU);
@@ -66,12 +68,12 @@ fs::path temporaryBeside(const fs::path& path) {
   return fs::path(path.string() + '.' + std::to_string(random()) + ".new");
 }
 
-void writeWhole(const fs::path& path, std::string_view head, std::string_view rest) {
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out.write(head.data(), static_cast<std::streamsize>(head.size()));
-  out.write(rest.data(), static_cast<std::streamsize>(rest.size()));
-  out.close();
-  if (!out) throw std::runtime_error("it cannot be written");
+std::string headOf(std::uint64_t size, std::uint64_t checksum) {
+  std::string head(kName);
+  putNumber(head, kMofCacheVersion, 4);
+  putNumber(head, size, 8);
+  putNumber(head, checksum, 8);
+  return head;
 }
 
 }  // namespace
@@ -82,40 +84,72 @@ std::string readMofCacheFile(const std::string& path) {
   if (head.size() < kHeadSize || !head.starts_with(kName)) throw std::runtime_error("it is not a cache");
   if (numberAt(head, 8, 4) != kMofCacheVersion) throw std::runtime_error("it is of another version");
   const std::uint64_t size = numberAt(head, 12, 8);
-  const std::uintmax_t left = fs::file_size(path) - kHeadSize;
-  if (size > kGreatestContent || left > ZSTD_compressBound(size)) throw std::runtime_error("it is damaged");
-  const std::string rest = readBytes(in, left);
-  if (XXH3_64bits(rest.data(), rest.size()) != numberAt(head, 20, 8) ||
-      ZSTD_getFrameContentSize(rest.data(), rest.size()) != size) {
+  if (size > kGreatestContent || size != fs::file_size(path) - kHeadSize) throw std::runtime_error("it is damaged");
+  std::string content = readBytes(in, static_cast<std::size_t>(size));
+  if (content.size() != size || XXH3_64bits(content.data(), content.size()) != numberAt(head, 20, 8)) {
     throw std::runtime_error("it is damaged");
   }
-  std::string content(static_cast<std::size_t>(size), '\0');
-  const std::size_t got = ZSTD_decompress(content.data(), content.size(), rest.data(), rest.size());
-  if (got != content.size()) throw std::runtime_error("it is damaged");
   return content;
 }
 
-void writeMofCacheFile(const std::string& path, const std::string& content) {
-  checkReplaceable(path);
-  std::string rest(ZSTD_compressBound(content.size()), '\0');
-  const std::size_t used = ZSTD_compress(rest.data(), rest.size(), content.data(), content.size(), kCompression);
-  if (ZSTD_isError(used) != 0) throw std::runtime_error("it cannot be compressed");
-  rest.resize(used);
-  std::string head(kName);
-  putNumber(head, kMofCacheVersion, 4);
-  putNumber(head, content.size(), 8);
-  putNumber(head, XXH3_64bits(rest.data(), rest.size()), 8);
-
-  std::error_code error;
-  const fs::path folder = fs::path(path).parent_path();
-  if (!folder.empty()) fs::create_directories(folder, error);
-  const fs::path temporary = temporaryBeside(path);
-  try {
-    writeWhole(temporary, head, rest);
-    fs::rename(temporary, path, error);
-    if (error) throw std::runtime_error(error.message());
-  } catch (...) {
-    fs::remove(temporary, error);
-    throw;
+struct MofCacheOutput::Checksum {
+  Checksum() : state(XXH3_createState()) {
+    if (state == nullptr) throw std::bad_alloc();
+    XXH3_64bits_reset(state);
   }
+  Checksum(const Checksum&) = delete;
+  Checksum& operator=(const Checksum&) = delete;
+  ~Checksum() { XXH3_freeState(state); }
+  XXH3_state_t* const state;  // OWNS
+};
+
+MofCacheOutput::MofCacheOutput(std::string path) : _path(std::move(path)), _checksum(new Checksum) {}
+
+MofCacheOutput::~MofCacheOutput() {
+  if (_temporary.empty()) return;
+  std::error_code error;
+  _out.close();
+  fs::remove(_temporary, error);
+}
+
+void MofCacheOutput::append(std::string_view bytes) {
+  _buffer += bytes;
+  _size += bytes.size();
+  if (_buffer.size() >= kBuffer) flush();
+}
+
+void MofCacheOutput::open() {
+  std::error_code error;
+  const fs::path folder = fs::path(_path).parent_path();
+  if (!folder.empty()) fs::create_directories(folder, error);
+  _temporary = temporaryBeside(_path);
+  _out.open(_temporary, std::ios::binary | std::ios::trunc);
+  const std::string head = headOf(0, 0);
+  _out.write(head.data(), static_cast<std::streamsize>(head.size()));
+}
+
+void MofCacheOutput::flush() {
+  if (_temporary.empty()) open();
+  XXH3_64bits_update(_checksum->state, _buffer.data(), _buffer.size());
+  _out.write(_buffer.data(), static_cast<std::streamsize>(_buffer.size()));
+  _buffer.clear();
+}
+
+void MofCacheOutput::finish() {
+  checkReplaceable(_path);
+  flush();
+  if (_size > kGreatestContent) throw std::runtime_error("there is too much of it");
+  const std::string head = headOf(_size, XXH3_64bits_digest(_checksum->state));
+  _out.seekp(0);
+  _out.write(head.data(), static_cast<std::streamsize>(head.size()));
+  _out.close();
+  if (!_out) throw std::runtime_error("it cannot be written");
+  replace();
+}
+
+void MofCacheOutput::replace() {
+  std::error_code error;
+  fs::rename(_temporary, _path, error);
+  if (error) throw std::runtime_error(error.message());
+  _temporary.clear();
 }

@@ -7,10 +7,13 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 #include <limits>
+#include <memory>
 #include <stdexcept>
 #include <unordered_map>
 
+#include "Cimom/Embedded/CimDeclarationRows.h"
 #include "cimom/CQoriInstanceName.h"
 #include "cimom/CQoriProperty.h"
 #include "cimom/CQoriType.h"
@@ -20,6 +23,9 @@ namespace {
 
 // Tables within tables; a load nests far less.
 constexpr flatbuffers::uoffset_t kMaximumDepth = 500;
+
+// Rows end where this divides their size: fewer bytes behind the last one are a gap.
+constexpr std::size_t kRowsUnit = 8;
 
 [[noreturn]] void refuse(const char* what) { throw std::runtime_error(what); }
 
@@ -45,7 +51,8 @@ QORSmrPtr<IQoriType> typeOf(std::uint8_t code, bool isArray) {
 
 class Reader {
  public:
-  Reader(const mofcache::Load& load, CimDeclarationSink& sink) : _load(load), _sink(sink) {}
+  Reader(const mofcache::Load& load, std::string_view rows, CimDeclarationSink& sink)
+      : _load(load), _rows(rows), _sink(sink) {}
 
   void declareAll() {
     for (const auto* const nameSpace : *_load.name_spaces()) _sink.createNamespace(text(nameSpace));
@@ -55,11 +62,58 @@ class Reader {
     each(_load.classes(), [this](const mofcache::Definition& given) {
       _sink.declareClass(text(given.name_space()), definition(given));
     });
-    each(_load.instances(),
-         [this](const mofcache::Instance& given) { _sink.createInstance(text(given.name_space()), instance(given)); });
+    createInstances();
   }
 
  private:
+  // --- instances in their order
+
+  void createInstances() {
+    if (_load.order() == nullptr) refuse("the order of its instances is missing");
+    for (const mofcache::Run* const run : *_load.order()) {
+      if (run->form() < 0) {
+        createListed(run->count());
+      } else {
+        createRows(static_cast<std::size_t>(run->form()), run->count());
+      }
+    }
+    if (_listed != _load.instances()->size() || _rows.size() >= kRowsUnit) refuse("instances that belong nowhere");
+  }
+
+  void createListed(QORuint32 count) {
+    if (count > _load.instances()->size() - _listed) refuse("an instance is missing");
+    for (; count != 0; --count) {
+      const mofcache::Instance& given = *_load.instances()->Get(_listed++);
+      _sink.createInstance(text(given.name_space()), instance(given));
+    }
+  }
+
+  void createRows(std::size_t form, QORuint32 count) {
+    CimInstanceMaker& maker = makerOf(form);
+    for (; count != 0; --count) {
+      QORuint32 length = 0;
+      if (_rows.size() < sizeof length) refuse("a row is missing");
+      std::memcpy(&length, _rows.data(), sizeof length);
+      _rows.remove_prefix(sizeof length);
+      if (length > _rows.size()) refuse("a row is cut off");
+      if (!maker.create(_rows.substr(0, length))) refuse("a row does not fit its class");
+      _rows.remove_prefix(length);
+    }
+  }
+
+  CimInstanceMaker& makerOf(std::size_t form) {
+    if (_load.forms() == nullptr || form >= _load.forms()->size()) refuse("an unknown form of rows");
+    if (_makers.size() <= form) _makers.resize(_load.forms()->size());
+    if (_makers[form] == nullptr) {
+      const mofcache::Form& given = *_load.forms()->Get(static_cast<flatbuffers::uoffset_t>(form));
+      std::vector<QORString> names;
+      for (const auto* const name : *given.names()) names.push_back(text(name));
+      _makers[form] = _sink.instanceMaker(text(given.name_space()), text(given.class_name()), names);
+    }
+    if (_makers[form] == nullptr) refuse("rows of a class that takes none");
+    return *_makers[form];
+  }
+
   // A text that several tables share becomes one string.
   QORString text(const flatbuffers::String* given) {
     if (given == nullptr || given->size() == 0) return QORString::emptyString();
@@ -201,7 +255,10 @@ class Reader {
   }
 
   const mofcache::Load& _load;
+  std::string_view _rows;  // those that have not been read
   CimDeclarationSink& _sink;
+  std::vector<std::unique_ptr<CimInstanceMaker>> _makers;  // by form; null: not made yet
+  flatbuffers::uoffset_t _listed = 0;                      // so many of the load's listed instances have been made
   std::unordered_map<const flatbuffers::String*, QORString> _texts;
 };
 
@@ -210,9 +267,19 @@ class Reader {
 // Every table takes some bytes, so that the number of tables that a sound
 // cache has is bounded by its size; a table that many others share is counted
 // each time, which bounds the work as well.
-MofCacheReader::MofCacheReader(std::string_view bytes) : _bytes(bytes) {
-  const std::size_t tables = std::min<std::size_t>(bytes.size() / 4 + 1, std::numeric_limits<std::int32_t>::max());
-  flatbuffers::Verifier verifier(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size(), kMaximumDepth,
+MofCacheReader::MofCacheReader(std::string_view bytes) {
+  QORuint64 size = 0;
+  if (bytes.size() < sizeof size) refuse("its content is damaged");
+  bytes.remove_suffix(sizeof size);
+  std::memcpy(&size, bytes.data() + bytes.size(), sizeof size);
+  const std::size_t gap = (sizeof size - size % sizeof size) % sizeof size;
+  if (size > bytes.size() || gap > bytes.size() - size || bytes.size() % sizeof size != 0) {
+    refuse("its content is damaged");
+  }
+  _rows = bytes.substr(0, bytes.size() - gap - static_cast<std::size_t>(size));
+  _bytes = bytes.substr(_rows.size(), static_cast<std::size_t>(size));
+  const std::size_t tables = std::min<std::size_t>(_bytes.size() / 4 + 1, std::numeric_limits<std::int32_t>::max());
+  flatbuffers::Verifier verifier(reinterpret_cast<const std::uint8_t*>(_bytes.data()), _bytes.size(), kMaximumDepth,
                                  static_cast<flatbuffers::uoffset_t>(tables));
   if (!mofcache::VerifyLoadBuffer(verifier)) refuse("its content is damaged");
 }
@@ -232,7 +299,7 @@ std::vector<MofInput> MofCacheReader::inputs() const {
 void MofCacheReader::declare(CimDeclarationSink& sink) const {
   sink.begin();
   try {
-    Reader(*mofcache::GetLoad(_bytes.data()), sink).declareAll();
+    Reader(*mofcache::GetLoad(_bytes.data()), _rows, sink).declareAll();
     sink.commit();
   } catch (...) {
     sink.rollback();

@@ -11,10 +11,12 @@
 #include "Cimom/Embedded/CimDeclarationSink.h"
 #include "Cimom/Mof/MofInput.h"
 
-// BORROWS the bytes, which must outlive it.
+// The bytes are rows of instances, each behind its length (4); from a place that 8 divides on the
+// tables of what else was declared; at the end the tables' size (8). Numbers are in the byte order of the machine
+// that wrote them. BORROWS the bytes, which must outlive it.
 class MofCacheReader {
  public:
-  // Checks that every offset and length in the bytes lies inside them. THROWS
+  // Checks that every offset and length in the tables lies inside them. THROWS
   // std::runtime_error when one does not.
   explicit MofCacheReader(std::string_view bytes);
 
@@ -27,7 +29,8 @@ class MofCacheReader {
   void declare(CimDeclarationSink& sink) const;
 
  private:
-  std::string_view _bytes;
+  std::string_view _rows;
+  std::string_view _bytes;  // of the tables
 };
 
 #endif

@@ -27,7 +27,8 @@ class Writer {
  public:
   explicit Writer(const MofRecord& record) : _record(record) {}
 
-  std::string write(const std::vector<MofInput>& inputs, const std::string& key) {
+  // BORROWS from this object.
+  std::string_view write(const std::vector<MofInput>& inputs, const std::string& key) {
     const auto files = list<mofcache::Input>(inputs, [this](const MofInput& input) {
       return mofcache::CreateInput(_out, text(input.path), input.isFolder, input.size, input.modified, input.hash);
     });
@@ -39,8 +40,12 @@ class Writer {
         _record.classes, [this](const auto& entry) { return definition(entry.nameSpace, entry.declaration); });
     const auto instances = list<mofcache::Instance>(
         _record.instances, [this](const auto& entry) { return instance(entry.nameSpace, entry.declaration, 0); });
-    _out.Finish(
-        mofcache::CreateLoad(_out, text(key), mofClockNow(), files, nameSpaces, qualifiers, classes, instances));
+    const auto forms = list<mofcache::Form>(_record.forms, [this](const MofRecord::Form& kept) { return form(kept); });
+    std::vector<mofcache::Run> runs;
+    for (const MofRecord::Run& run : _record.order) runs.emplace_back(run.form, run.count);
+    const auto order = _out.CreateVectorOfStructs(runs);
+    _out.Finish(mofcache::CreateLoad(_out, text(key), mofClockNow(), files, nameSpaces, qualifiers, classes, instances,
+                                     forms, order));
     return {reinterpret_cast<const char*>(_out.GetBufferPointer()), _out.GetSize()};
   }
 
@@ -135,6 +140,11 @@ class Writer {
 
   // --- declarations
 
+  Offset<mofcache::Form> form(const MofRecord::Form& given) {
+    const auto names = list<flatbuffers::String>(given.names, [this](const QORString& name) { return text(name); });
+    return mofcache::CreateForm(_out, text(given.nameSpace), text(given.className), names);
+  }
+
   Offset<mofcache::Instance> instance(const QORString& nameSpace, const CimInstanceDeclaration& given, int depth) {
     const auto properties = list<mofcache::Key>(given.properties, [this, depth](const CimInstanceProperty& property) {
       const auto content = value(property.value, depth + 1);
@@ -188,6 +198,21 @@ class Writer {
 
 }  // namespace
 
-std::string encodeMofCache(const MofRecord& record, const std::vector<MofInput>& inputs, const std::string& key) {
-  return Writer(record).write(inputs, key);
+void appendMofCacheRow(MofCacheOutput& output, std::string_view row) {
+  const QORuint32 length = static_cast<QORuint32>(row.size());
+  output.append({reinterpret_cast<const char*>(&length), sizeof length});
+  output.append(row);
+}
+
+void appendMofCacheRecord(MofCacheOutput& output, const MofRecord& record, const std::vector<MofInput>& inputs,
+                          const std::string& key) {
+  Writer writer(record);
+  const std::string_view content = writer.write(inputs, key);
+  constexpr std::size_t kUnit = sizeof(QORuint64);
+  const std::string gap((kUnit - output.size() % kUnit) % kUnit, '\0');
+  output.append(gap);
+  output.append(content);
+  output.append(std::string((kUnit - content.size() % kUnit) % kUnit, '\0'));
+  const QORuint64 size = content.size();
+  output.append({reinterpret_cast<const char*>(&size), sizeof size});
 }

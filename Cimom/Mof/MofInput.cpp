@@ -5,6 +5,7 @@
 #include <xxhash.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
@@ -84,7 +85,10 @@ std::string readMofFile(const std::string& path, std::string& content) {
   // The size of the content counts, not that of the file: a pipe has none, and a file may grow.
   const std::uintmax_t size = fs::file_size(path, error);
   if (!error && size > kMaximumFileSize) return kTooLarge;
-  std::vector<char> chunk(std::size_t{1} << 16U);
+  content.resize(error ? 0 : static_cast<std::size_t>(size));
+  in.read(content.data(), static_cast<std::streamsize>(content.size()));
+  content.resize(static_cast<std::size_t>(in.gcount()));
+  std::array<char, 4096> chunk;
   while (in && content.size() <= kMaximumFileSize) {
     in.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
     content.append(chunk.data(), static_cast<std::size_t>(in.gcount()));

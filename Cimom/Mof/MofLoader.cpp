@@ -88,6 +88,7 @@ void MofLoader::loadFile(const std::string& path) { loadFiles({path}); }
 
 void MofLoader::loadFiles(const std::vector<std::string>& paths) {
   Load load(*this);
+  load.reader().setMakesRows(true);
   for (const std::string& path : paths) load.reader().readPath(path);
   load.store();
   _inputs = load.reader().getInputs();
@@ -96,6 +97,7 @@ void MofLoader::loadFiles(const std::vector<std::string>& paths) {
 
 void MofLoader::loadText(std::string_view text, const std::string& nameForMessages) {
   Load load(*this);
+  load.reader().setMakesRows(true);
   load.reader().readText(text, nameForMessages);
   load.store();
   _faults = load.faults();

@@ -34,7 +34,12 @@ std::string slashed(std::string_view path) {
 }  // namespace
 
 MofParser::MofParser(const MofSource& source, MofDocument& document, MofReport& report, Context& context)
-    : _source(source), _document(document), _report(report), _context(context), _scanner(source) {
+    : _source(source),
+      _document(document),
+      _report(report),
+      _context(context),
+      _scanner(source),
+      _rows(source, document.rows) {
   // No token has been read yet; this is not the end of the text.
   _token.kind = Kind::Symbol;
 }
@@ -51,6 +56,13 @@ void MofParser::readDeclarations() {
       recover();
     }
   }
+}
+
+std::unique_ptr<MofInstanceSyntax> MofParser::readInstanceAt(std::size_t offset) {
+  _scanner.resumeAt(offset);
+  advance();
+  expectWord("instance");
+  return readInstance(0);
 }
 
 MofParser::EmbeddedObject MofParser::readEmbeddedObject(QORuint32 depth) {
@@ -193,6 +205,7 @@ void MofParser::readDeclaration() {
   _braces = 0;
   _hasLostNameSpace = false;
   if (_token.kind == Kind::Pragma) return readPragma();
+  if (_context.makesRows && readRow()) return;
   if (takeWord("qualifier")) return readQualifierDeclaration();
   std::vector<MofQualifierSyntax> qualifiers = readQualifiers();
   if (takeWord("class")) {
@@ -204,7 +217,21 @@ void MofParser::readDeclaration() {
   if (!takeWord("instance")) fail("a declaration: \"class\", \"instance of\", \"Qualifier\" or \"#pragma\"");
   std::unique_ptr<MofInstanceSyntax> instance = readInstance(0);
   endDeclaration();
-  if (isPlaced()) _document.instances.push_back(std::move(instance));
+  if (isPlaced()) _document.instances.push_back({std::move(instance), {}});
+}
+
+// False when there is no plain instance here: nothing has been read then.
+bool MofParser::readRow() {
+  if (!isWord("instance")) return false;
+  MofRow row;
+  const std::size_t end = _rows.read(_token.offset, _context.nameSpace, row);
+  if (end == std::string_view::npos) return false;
+  row.scope = _context.scope;
+  if (isPlaced()) _document.instances.push_back({nullptr, row});
+  _scanner.resumeAt(end);
+  _token = MofToken{Kind::Symbol, ';', end - 1, 1, std::string_view::npos, nullptr};
+  step();
+  return true;
 }
 
 // Whether a declaration belongs to a namespace.
@@ -216,6 +243,8 @@ bool MofParser::isPlaced() noexcept {
 void MofParser::readPragma() {
   _pragma = _token.offset;
   advance();
+  if (_token.offset >= _scanner.lineEndAfter(_pragma))
+    throw MofFault{{&_source, _lastEnd}, "found the end of the line, expected the name of a pragma"};
   if (_report.isLenient() && passOverPragma()) return;
   const bool isNameSpace = isWord("namespace");
   _hasLostNameSpace = isNameSpace && _report.isLenient();

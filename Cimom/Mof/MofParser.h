@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "Cimom/Mof/MofReport.h"
+#include "Cimom/Mof/MofRowReader.h"
 #include "Cimom/Mof/MofScanner.h"
 #include "Cimom/Mof/MofSyntax.h"
 
@@ -33,6 +34,7 @@ class MofParser {
     // The file that is being read has named a namespace, and has used the one that it came into before that.
     bool hasNamed = false;
     bool hasUsed = false;
+    bool makesRows = false;  // plain instances become rows
     void use() noexcept { hasUsed = hasUsed || !hasNamed; }
   };
 
@@ -40,6 +42,9 @@ class MofParser {
 
   // Reads the whole text; faults go to the report.
   void readDeclarations();
+  // The instance whose word "instance" stands at `offset`, in a text that has been read without fault there. THROWS
+  // MofFault.
+  std::unique_ptr<MofInstanceSyntax> readInstanceAt(std::size_t offset);
   // What the text of an embedded object is: one of the two.
   struct EmbeddedObject {
     std::unique_ptr<MofInstanceSyntax> instance;
@@ -83,6 +88,7 @@ class MofParser {
   // Declarations.
   void readDeclaration();
   bool isPlaced() noexcept;
+  bool readRow();
   void readPragma();
   bool passOverPragma();
   std::string readNameSpacePath();
@@ -116,6 +122,7 @@ class MofParser {
   MofReport& _report;
   Context& _context;
   MofScanner _scanner;
+  MofRowReader _rows;
   MofToken _token;
   std::size_t _lastEnd = 0;                      // of the token before
   int _braces = 0;                               // those open in the current declaration

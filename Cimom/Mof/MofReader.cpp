@@ -47,6 +47,7 @@ MofParser::Context MofReader::newContext() {
   MofParser::Context context;
   context.nameSpace = _nameSpace;
   context.scope = _scopes++;
+  context.makesRows = _makesRows;
   return context;
 }
 

@@ -24,6 +24,8 @@ class MofReader {
   MofReader(MofDocument& document, MofReport& report, const QORString& nameSpace)
       : _document(document), _report(report), _nameSpace(nameSpace) {}
 
+  // Whether plain instances become rows; at first they do not.
+  void setMakesRows(bool makesRows) noexcept { _makesRows = makesRows; }
   // A file, or every .mof in a folder in the order of their names. Where a lenient load cannot read what it was
   // given, it THROWS MofException.
   void readPath(const std::string& path);
@@ -57,6 +59,7 @@ class MofReader {
   MofReport& _report;
   QORString _nameSpace;
   QORuint32 _scopes = 0;
+  bool _makesRows = false;
   std::unordered_map<std::string, QORuint32> _scopeOfFile;  // by canonical path, with or without a namespace
   std::unordered_set<std::string> _described;               // canonical paths of the files among the inputs
   bool _isFolderOpen = false;                               // the file that is read was found in a folder

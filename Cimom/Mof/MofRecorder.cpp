@@ -2,6 +2,34 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Mof/MofRecorder.h"
 
+#include <limits>
+
+#include "Cimom/Embedded/CimDeclarationRows.h"
+
+class MofRecorder::RowRecorder final : public CimInstanceMaker {
+ public:
+  RowRecorder(MofRecorder& recorder, std::unique_ptr<CimInstanceMaker> target, QORsint32 form)
+      : _recorder(recorder), _target(std::move(target)), _form(form) {}
+
+  bool create(std::string_view row) override {
+    if (!_target->create(row)) return false;
+    _recorder._keepRow(row);
+    _recorder._record.addInstance(_form);
+    return true;
+  }
+
+ private:
+  MofRecorder& _recorder;
+  std::unique_ptr<CimInstanceMaker> _target;
+  const QORsint32 _form;
+};
+
+void MofRecord::addInstance(QORsint32 form) {
+  const bool isFull = !order.empty() && order.back().count == std::numeric_limits<QORuint32>::max();
+  if (order.empty() || order.back().form != form || isFull) order.push_back({form, 0});
+  ++order.back().count;
+}
+
 void MofRecorder::begin() {
   _target.begin();
   _record = {};
@@ -31,7 +59,18 @@ QORSmrPtr<IQoriInstanceName> MofRecorder::createInstance(const QORString& nameSp
                                                          const CimInstanceDeclaration& declaration) {
   QORSmrPtr<IQoriInstanceName> name = _target.createInstance(nameSpace, declaration);
   _record.instances.push_back({nameSpace, declaration});
+  _record.addInstance(MofRecord::kNoForm);
   return name;
+}
+
+std::unique_ptr<CimInstanceMaker> MofRecorder::instanceMaker(const QORString& nameSpace, const QORString& className,
+                                                             const std::vector<QORString>& propertyNames) {
+  if (!_keepRow) return nullptr;
+  std::unique_ptr<CimInstanceMaker> target = _target.instanceMaker(nameSpace, className, propertyNames);
+  if (target == nullptr) return nullptr;
+  const QORsint32 form = static_cast<QORsint32>(_record.forms.size());
+  _record.forms.push_back({nameSpace, className, propertyNames});
+  return std::make_unique<RowRecorder>(*this, std::move(target), form);
 }
 
 QORSmrPtr<IQoriObject> MofRecorder::makeObject(const QORString& nameSpace, const CimInstanceDeclaration& declaration) {

@@ -4,7 +4,11 @@
 #ifndef QORQL_MOF_MOFRECORDER_H
 #define QORQL_MOF_MOFRECORDER_H
 
+#include <functional>
+#include <memory>
+#include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "Cimom/Embedded/CimDeclarationSink.h"
@@ -24,11 +28,29 @@ struct MofRecord {
     bool isClass = false;
   };
 
+  // What rows have in common, and so many instances in the order of the load: rows of that form, or, with kNoForm,
+  // those of `instances`.
+  struct Form {
+    QORString nameSpace;
+    QORString className;
+    std::vector<QORString> names;
+  };
+  struct Run {
+    QORsint32 form;
+    QORuint32 count;
+  };
+  static constexpr QORsint32 kNoForm = -1;
+
   std::vector<QORString> nameSpaces;
   std::vector<Entry<CimQualifierDeclaration>> qualifiers;
   std::vector<Entry<CimClassDeclaration>> classes;
   std::vector<Entry<CimInstanceDeclaration>> instances;
+  std::vector<Form> forms;
+  std::vector<Run> order;
   std::unordered_map<const IQoriObject*, Object> objects;  // the values in those above
+
+  // One instance more of that form.
+  void addInstance(QORsint32 form);
 };
 
 // Passes everything on to another sink and keeps a record of what that
@@ -36,6 +58,9 @@ struct MofRecord {
 class MofRecorder final : public CimDeclarationSink {
  public:
   explicit MofRecorder(CimDeclarationSink& target) : _target(target) {}
+  // Rows go to `keepRow` as they come, in their order. Without it there are none.
+  using RowKeeper = std::function<void(std::string_view)>;
+  MofRecorder(CimDeclarationSink& target, RowKeeper keepRow) : _target(target), _keepRow(std::move(keepRow)) {}
 
   const MofRecord& record() const noexcept { return _record; }
 
@@ -47,6 +72,8 @@ class MofRecorder final : public CimDeclarationSink {
   void declareClass(const QORString& nameSpace, const CimClassDeclaration& declaration) override;
   QORSmrPtr<IQoriInstanceName> createInstance(const QORString& nameSpace,
                                               const CimInstanceDeclaration& declaration) override;
+  std::unique_ptr<CimInstanceMaker> instanceMaker(const QORString& nameSpace, const QORString& className,
+                                                  const std::vector<QORString>& propertyNames) override;
   QORSmrPtr<IQoriObject> makeObject(const QORString& nameSpace, const CimInstanceDeclaration& declaration) override;
   QORSmrPtr<IQoriObject> makeClassObject(const QORString& nameSpace, const CimClassDeclaration& declaration) override;
   QORSmrPtr<IQoriClass> findClass(const QORString& nameSpace, const QORString& className) const override {
@@ -62,7 +89,10 @@ class MofRecorder final : public CimDeclarationSink {
   }
 
  private:
+  class RowRecorder;
+
   CimDeclarationSink& _target;
+  RowKeeper _keepRow;
   MofRecord _record;
 };
 

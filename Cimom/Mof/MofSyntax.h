@@ -10,6 +10,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "Cimom/Mof/MofRows.h"
 #include "Cimom/Mof/MofSource.h"
 #include "cmpbase.h"
 
@@ -105,6 +106,12 @@ struct MofInstanceSyntax {
 // A name in the form in which names are compared.
 std::string foldMofName(const QORString& name);
 
+// An instance of a document: what is written, or, where that is plain, a row.
+struct MofInstanceEntry {
+  std::unique_ptr<MofInstanceSyntax> syntax;  // null: a row, which stands for the text at this place
+  MofRow row;
+};
+
 // All that one load declares, in the order of the text. Instances have fixed
 // addresses.
 struct MofDocument {
@@ -112,7 +119,8 @@ struct MofDocument {
   std::vector<QORString> nameSpaces;
   std::vector<MofQualifierDeclarationSyntax> qualifiers;
   std::vector<std::unique_ptr<MofClassSyntax>> classes;
-  std::vector<std::unique_ptr<MofInstanceSyntax>> instances;
+  std::vector<MofInstanceEntry> instances;
+  MofRows rows;
 
   // Names (folded) whose declaration is refused: what depends on them is passed
   // over in silence, unless the load is lenient, so that one fault gives one diagnostic.

@@ -12,7 +12,7 @@
 
 namespace {
 
-struct Answer {
+struct SuperClassAnswer {
   QORuint64 version = 0;
   QORString nameSpace;
   QORString className;
@@ -20,28 +20,28 @@ struct Answer {
 };
 
 constexpr std::size_t kAnswers = 256;
-using Memory = std::array<Answer, kAnswers>;
+using Memory = std::array<SuperClassAnswer, kAnswers>;
 
 constinit thread_local Memory* theMemory = nullptr;
-constinit thread_local bool hasThreadEnded = false;
+constinit thread_local bool hasMemoryEnded = false;
 
 // Frees the thread's memory at its end. What a later destructor of the thread asks
 // is not remembered: nobody would free it.
-struct Holder {
-  Holder() = default;
-  Holder(const Holder&) = delete;
-  Holder& operator=(const Holder&) = delete;
-  ~Holder() {
-    hasThreadEnded = true;
+struct MemoryHolder {
+  MemoryHolder() = default;
+  MemoryHolder(const MemoryHolder&) = delete;
+  MemoryHolder& operator=(const MemoryHolder&) = delete;
+  ~MemoryHolder() {
+    hasMemoryEnded = true;
     delete std::exchange(theMemory, nullptr);
   }
 };
 
 // Null when there is no room for one: it saves time, and nothing else.
 Memory* ownMemory() {
-  if (theMemory == nullptr && !hasThreadEnded) {
+  if (theMemory == nullptr && !hasMemoryEnded) {
     theMemory = new (std::nothrow) Memory;
-    static thread_local const Holder theHolder;
+    static thread_local const MemoryHolder theMemoryHolder;
   }
   return theMemory;
 }
@@ -68,7 +68,7 @@ CQLSuperClasses::CQLSuperClasses(const QORString& nameSpace)
 const QORString& CQLSuperClasses::of(const QORString& className) {
   Memory* const memory = _version == 0 ? nullptr : ownMemory();
   if (memory == nullptr) return _found = superClassOf(_repository, _nameSpace, QORString(className));
-  Answer& answer = (*memory)[placeOf(className)];
+  SuperClassAnswer& answer = (*memory)[placeOf(className)];
   const bool isKnown = answer.version == _version && answer.className == className && answer.nameSpace == _nameSpace;
   if (isKnown) return answer.superClass;
   // The name may be the one that this place gave before, or another that the repository's work replaces.

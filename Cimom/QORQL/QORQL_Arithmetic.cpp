@@ -11,7 +11,7 @@
 
 namespace {
 
-QORQL_Operator operatorOf(QORQL_TokenType type) {
+QORQL_Operator sumOperatorOf(QORQL_TokenType type) {
   if (type == TokenPLUS) return QORQL_OperatorPLUS;
   return type == TokenMINUS ? QORQL_OperatorMINUS : QORQL_OperatorNONE;
 }
@@ -27,8 +27,8 @@ QORQL_Arithmetic::~QORQL_Arithmetic() { QORQL_releaseChain<QORQL_Arithmetic>(_ar
 QORSmrPtr<QORQL_Evaluatable> QORQL_Arithmetic::parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                                      QORQL_ProjectionMap& projMap, const QORString& queryString,
                                                      const QORString& queryLanguage) {
-  return QORQL_parseChain<QORQL_Arithmetic, &QORQL_Term::parse, &operatorOf>(symbolTable, lexer, projMap, queryString,
-                                                                             queryLanguage);
+  return QORQL_parseChain<QORQL_Arithmetic, &QORQL_Term::parse, &sumOperatorOf>(symbolTable, lexer, projMap,
+                                                                                queryString, queryLanguage);
 }
 
 QORQL_Term* QORQL_Arithmetic::getTermCasted() const noexcept { return QORQL_nodeAs<QORQL_Term>(_term); }

@@ -40,7 +40,7 @@ void checkIsa(QORQL_Lexer& lexer) {
   if (!isName) QORQL_raise(QORQL_Messages::kIsaInvalid, name.getOffset());
 }
 
-QORQL_Operator operatorOf(QORQL_TokenType type) {
+QORQL_Operator comparisonOperatorOf(QORQL_TokenType type) {
   switch (type) {
     case TokenEQUALS:
       return QORQL_OperatorEQUAL;
@@ -74,7 +74,7 @@ QORQL_Operator parseOperator(QORQL_Lexer& lexer) {
   const QORQL_TokenType type = lexer.getCurrent().getType();
   if (type == TokenIS) return parseIs(lexer);
   if (type == TokenISA) checkIsa(lexer);
-  const QORQL_Operator op = operatorOf(type);
+  const QORQL_Operator op = comparisonOperatorOf(type);
   if (op != QORQL_OperatorNONE) lexer.next(false);
   return op;
 }

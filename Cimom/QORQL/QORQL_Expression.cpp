@@ -11,7 +11,7 @@
 
 namespace {
 
-QORQL_Operator operatorOf(QORQL_TokenType type) { return type == TokenOR ? QORQL_OperatorOR : QORQL_OperatorNONE; }
+QORQL_Operator orOperatorOf(QORQL_TokenType type) { return type == TokenOR ? QORQL_OperatorOR : QORQL_OperatorNONE; }
 
 }  // namespace
 
@@ -27,8 +27,8 @@ QORQL_Expression::~QORQL_Expression() { QORQL_releaseChain<QORQL_Expression>(_ex
 QORSmrPtr<QORQL_Evaluatable> QORQL_Expression::parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                                      QORQL_ProjectionMap& projMap, const QORString& queryString,
                                                      const QORString& queryLanguage) {
-  return QORQL_parseChain<QORQL_Expression, &QORQL_ExpressionTerm::parse, &operatorOf>(symbolTable, lexer, projMap,
-                                                                                       queryString, queryLanguage);
+  return QORQL_parseChain<QORQL_Expression, &QORQL_ExpressionTerm::parse, &orOperatorOf>(symbolTable, lexer, projMap,
+                                                                                         queryString, queryLanguage);
 }
 
 void QORQL_Expression::accept(QORSmrPtr<QORQL_ExpressionVisitor>& visitor) {

@@ -12,8 +12,6 @@
 
 namespace {
 
-constexpr QORuint32 kNowhere = QORQL_Fault::kNowhere;
-
 // Keeps the first place.
 class PlaceFinder : public QORQL_ExpressionVisitor {
  public:
@@ -23,17 +21,17 @@ class PlaceFinder : public QORQL_ExpressionVisitor {
       : _placeOf(placeOf), _placeOfAssociation(placeOfAssociation) {}
 
   void visitFactor(const QORQL_Factor& factor) override {
-    if (_place == kNowhere) _place = _placeOf(factor);
+    if (_place == QORQL_Fault::kNowhere) _place = _placeOf(factor);
   }
   void visitAssociation(const QORQL_Association& association) override {
-    if (_place == kNowhere && _placeOfAssociation) _place = _placeOfAssociation(association);
+    if (_place == QORQL_Fault::kNowhere && _placeOfAssociation) _place = _placeOfAssociation(association);
   }
   QORuint32 place() const noexcept { return _place; }
 
  private:
   const QORQL_PlaceOf& _placeOf;
   const PlaceOfAssociation& _placeOfAssociation;
-  QORuint32 _place = kNowhere;
+  QORuint32 _place = QORQL_Fault::kNowhere;
 };
 
 QORuint32 find(QORQL_Evaluatable& node, const QORQL_PlaceOf& placeOf,
@@ -62,17 +60,18 @@ QORuint32 QORQL_findProperty(QORQL_Evaluatable& node, const QORString& className
   return QORQL_findPlace(node, [&](const QORQL_Factor& factor) {
     const bool isAsked = QORQL_isName(factor.getClassName(), className) &&
                          QORQL_ownProperty(factor).isEqualCaseInsensitive(propertyName);
-    return isAsked ? QORQL_placeOfOwnProperty(text, factor) : kNowhere;
+    return isAsked ? QORQL_placeOfOwnProperty(text, factor) : QORQL_Fault::kNowhere;
   });
 }
 
 QORuint32 QORQL_findFromName(QORQL_Evaluatable& node, const QORString& name) {
   const auto placeOf = [&](const QORQL_Factor& factor) {
     const bool isBare = factor.isBareIdentifier() && QORQL_isName(factor.getPropertyName(), name);
-    return isBare || QORQL_isName(factor.getClassName(), name) ? factor.getOffset() : kNowhere;
+    return isBare || QORQL_isName(factor.getClassName(), name) ? factor.getOffset() : QORQL_Fault::kNowhere;
   };
   const auto placeOfAssociation = [&](const QORQL_Association& association) {
-    return association.getDestination().isEqualCaseInsensitive(name) ? association.getDestinationOffset() : kNowhere;
+    return association.getDestination().isEqualCaseInsensitive(name) ? association.getDestinationOffset()
+                                                                     : QORQL_Fault::kNowhere;
   };
   return find(node, placeOf, placeOfAssociation);
 }

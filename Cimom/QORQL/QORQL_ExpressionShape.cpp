@@ -128,6 +128,13 @@ QORString QORQL_ownProperty(const QORQL_Factor& reference) {
   return QORString(steps.substr(0, steps.find('.')));
 }
 
+bool QORQL_isWholeObject(const QORQL_Factor& factor) noexcept {
+  const bool hasClass = !factor.getClassName().IsNull() && !factor.getClassName()->isEmpty();
+  const bool hasProperty = !factor.getPropertyName().IsNull() && !factor.getPropertyName()->isEmpty();
+  return hasClass && !hasProperty && !QORQL_hasPath(factor) && !QORQL_hasIndex(factor) &&
+         factor.getEvaluatable().IsNull() && factor.getSelectedEntry().IsNull();
+}
+
 bool QORQL_hasIndex(const QORQL_Factor& reference) noexcept {
   const QORsint32 index = reference.getArrayIndexList();
   return index != QORQL_Factor::kNoArray && index != QORQL_Factor::kWholeArray;

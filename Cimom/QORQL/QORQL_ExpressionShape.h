@@ -134,6 +134,8 @@ inline bool QORQL_isName(const QORSmrPtr<QORString>& text, const QORString& name
 inline bool QORQL_isAssociationEnd(const QORString& name) noexcept { return name == "firstref" || name == "secondref"; }
 // Whether it names one element of an array, or an array that is copied (x[]): not the property's value as it is.
 bool QORQL_hasIndex(const QORQL_Factor& reference) noexcept;
+// Whether it names a class or alias and nothing of its objects, so that its value is the row's object.
+bool QORQL_isWholeObject(const QORQL_Factor& factor) noexcept;
 
 // --- what a tree contains -----------------------------------------------------------
 

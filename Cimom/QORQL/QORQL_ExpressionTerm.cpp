@@ -11,7 +11,7 @@
 
 namespace {
 
-QORQL_Operator operatorOf(QORQL_TokenType type) { return type == TokenAND ? QORQL_OperatorAND : QORQL_OperatorNONE; }
+QORQL_Operator andOperatorOf(QORQL_TokenType type) { return type == TokenAND ? QORQL_OperatorAND : QORQL_OperatorNONE; }
 
 }  // namespace
 
@@ -27,8 +27,8 @@ QORQL_ExpressionTerm::~QORQL_ExpressionTerm() { QORQL_releaseChain<QORQL_Express
 QORSmrPtr<QORQL_Evaluatable> QORQL_ExpressionTerm::parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                                          QORQL_ProjectionMap& projMap, const QORString& queryString,
                                                          const QORString& queryLanguage) {
-  return QORQL_parseChain<QORQL_ExpressionTerm, &QORQL_Association::parse, &operatorOf>(symbolTable, lexer, projMap,
-                                                                                        queryString, queryLanguage);
+  return QORQL_parseChain<QORQL_ExpressionTerm, &QORQL_Association::parse, &andOperatorOf>(symbolTable, lexer, projMap,
+                                                                                           queryString, queryLanguage);
 }
 
 void QORQL_ExpressionTerm::accept(QORSmrPtr<QORQL_ExpressionVisitor>& visitor) {

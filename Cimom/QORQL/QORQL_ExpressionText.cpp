@@ -10,6 +10,7 @@
 #include "Cimom/QORQL/QORQL_FromClause.h"
 #include "Cimom/QORQL/QORQL_Function.h"
 #include "Cimom/QORQL/QORQL_SelectedEntry.h"
+#include "Cimom/QORQL/QORQL_Text.h"
 #include "cimom/QoriProviderPluginManager.h"
 
 namespace {
@@ -22,8 +23,6 @@ bool needsGrouping(const Node& first) {
   }
   return false;
 }
-
-std::string folded(const QORString& name) { return std::string(QORString::toUpperCase(name).view()); }
 
 const char* arrayWord(const QORQL_Comparison& comparison, bool isLeft) {
   if (!comparison.isArrayComp() || comparison.asksLeft() != isLeft) return "";
@@ -114,17 +113,17 @@ QORQL_ExpressionText::QORQL_ExpressionText(const QORQL_FromClause& from, const Q
   QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*from.getFromSpecifierList());
   while (++specifiers) {
     const QORString& name = specifiers.key()->getTableName();
-    _fromNames.insert(folded(name));
-    _fromNames.insert(folded(specifiers.key()->getAlias()));
+    _fromNames.insert(QORQL_foldedName(name));
+    _fromNames.insert(QORQL_foldedName(specifiers.key()->getAlias()));
     const QORSmrPtr<IQoriClass> declared(repository.IsNull() ? QORSmrPtr<IQoriClass>()
                                                              : repository->getClass(nameSpace, name));
-    if (!declared.IsNull()) _spelling[folded(name)] = declared->getClassName().view();
+    if (!declared.IsNull()) _spelling[QORQL_foldedName(name)] = declared->getClassName().view();
   }
   _hasOneClass = from.getFromSpecifierList()->entries() == 1;
 }
 
 std::string QORQL_ExpressionText::nameOf(const QORString& fromName) const {
-  const auto found = _spelling.find(folded(fromName));
+  const auto found = _spelling.find(QORQL_foldedName(fromName));
   return found == _spelling.end() ? std::string(fromName.view()) : found->second;
 }
 
@@ -144,7 +143,7 @@ std::string QORQL_ExpressionText::ofReference(const QORQL_Factor& factor) const 
   if (isObject) return nameOf(className);
   const bool hasPath = !chain.isEmpty() && !chain.isEqualCaseInsensitive(className);
   std::string text = hasPath ? std::string(chain.view()) : nameOf(className);
-  const bool isOfTheOne = _hasOneClass && !hasPath && _fromNames.count(folded(className)) != 0;
+  const bool isOfTheOne = _hasOneClass && !hasPath && _fromNames.count(QORQL_foldedName(className)) != 0;
   if (isOfTheOne && !(property == "*")) text.clear();
   if (!text.empty()) text += '.';
   if (!factor.getPropertyScope().IsNull()) text.append(factor.getPropertyScope()->view()).append("::");

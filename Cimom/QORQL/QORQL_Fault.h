@@ -40,7 +40,8 @@ struct QORQL_Fault {
     kValueMissing,        // a value is NULL where the statement needs one: an operand of LIKE, a key of ORDER BY
     kElementMissing,      // the array `name` has `length` elements and not the one that is asked for
     kValuesIncomparable,  // values of the types `type` and `otherType` do not compare
-    kNumberExpected       // an aggregate of numbers has a value of another type
+    kNumberExpected,      // an aggregate of numbers has a value of another type
+    kPathUnread           // a path asks an object that a property holds for `name`, which a query does not read
   };
   static constexpr QORuint32 kNowhere = 0xFFFFFFFF;
 

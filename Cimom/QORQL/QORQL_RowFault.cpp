@@ -107,6 +107,7 @@ Fault explained(const Fault& known, QORQL_Comparison& comparison, QORQL_SymbolTa
     fault.object = pathOf(*row, known.className);
     return fault;
   }
+  if (known.kind == Fault::kPathUnread) return fault;
   const bool isLike = comparison.getOperator() == QORQL_OperatorLIKE && known.kind != Fault::kOther;
   const bool isRelation = QORQL_isRelational(comparison.getOperator()) && known.kind == Fault::kOther;
   if ((!isLike && !isRelation) || QORQL_containsInstanceOf(comparison)) return fault;

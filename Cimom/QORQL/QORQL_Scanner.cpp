@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <iostream>
 
+#include "Cimom/QORQL/QORQL_Text.h"
+
 // Plain C names, for tools that look them up. The line and the text of the
 // error report are never updated.
 extern "C" {
@@ -21,34 +23,31 @@ namespace {
 
 constexpr char kEnd = '\0';  // the text of the end
 
-enum class Kind : unsigned char { None, Blank, Newline, Letter, Digit, Quote, Sign };
+enum class ByteKind : unsigned char { None, Blank, Newline, Letter, Digit, Quote, Sign };
 
-constexpr bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
-constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
-
-constexpr Kind kindOf(char c) {
+constexpr ByteKind kindOf(char c) {
   constexpr std::string_view kSigns = "*=!<>~+-/,()[].:\"#&;{}";
-  if (isLetter(c)) return Kind::Letter;
-  if (isDigit(c)) return Kind::Digit;
-  if (c == ' ' || c == '\t') return Kind::Blank;
-  if (c == '\n') return Kind::Newline;
-  if (c == '\'') return Kind::Quote;
-  return kSigns.find(c) == std::string_view::npos ? Kind::None : Kind::Sign;
+  if (QORQL_isLetter(c)) return ByteKind::Letter;
+  if (QORQL_isDigit(c)) return ByteKind::Digit;
+  if (c == ' ' || c == '\t') return ByteKind::Blank;
+  if (c == '\n') return ByteKind::Newline;
+  if (c == '\'') return ByteKind::Quote;
+  return kSigns.find(c) == std::string_view::npos ? ByteKind::None : ByteKind::Sign;
 }
 
 // By the byte that a token begins with.
-constexpr std::array<Kind, 256> kKinds = [] {
-  std::array<Kind, 256> kinds{};
+constexpr std::array<ByteKind, 256> kKinds = [] {
+  std::array<ByteKind, 256> kinds{};
   for (std::size_t byte = 0; byte < 128; ++byte) kinds[byte] = kindOf(static_cast<char>(byte));
   return kinds;
 }();
 
-Kind kind(char c) { return kKinds[static_cast<unsigned char>(c)]; }
+ByteKind kind(char c) { return kKinds[static_cast<unsigned char>(c)]; }
 
 constexpr std::array<bool, 256> kWordBytes = [] {
   std::array<bool, 256> bytes{};
   for (std::size_t byte = 0; byte < 256; ++byte)
-    bytes[byte] = kKinds[byte] == Kind::Letter || kKinds[byte] == Kind::Digit;
+    bytes[byte] = kKinds[byte] == ByteKind::Letter || kKinds[byte] == ByteKind::Digit;
   return bytes;
 }();
 
@@ -94,14 +93,14 @@ constexpr Keyword kKeywords[] = {
 };
 
 // Lower case for letters; other bytes of a word become bytes that occur in no keyword.
-constexpr char lower(char c) { return static_cast<char>(c | 0x20); }
+constexpr char lowered(char c) { return static_cast<char>(c | 0x20); }
 
 constexpr std::size_t kSlots = 128;
 
 // The slot by length and first two letters: words of one letter are no keywords.
 constexpr std::size_t slotOf(std::string_view word) {
-  const std::size_t first = static_cast<unsigned char>(lower(word[0]));
-  const std::size_t second = static_cast<unsigned char>(lower(word[1]));
+  const std::size_t first = static_cast<unsigned char>(lowered(word[0]));
+  const std::size_t second = static_cast<unsigned char>(lowered(word[1]));
   return (first * 5 + second * 3 + word.size()) % kSlots;
 }
 
@@ -119,7 +118,7 @@ constexpr std::array<Keyword, kSlots> kKeywordSlots = [] {
 bool isKeyword(std::string_view word, std::string_view keyword) {
   if (word.size() != keyword.size()) return false;
   for (std::size_t i = 0; i < word.size(); ++i) {
-    if (lower(word[i]) != keyword[i]) return false;
+    if (lowered(word[i]) != keyword[i]) return false;
   }
   return true;
 }
@@ -194,15 +193,15 @@ void QORQL_Scanner::readWord(QORQL_Token& token) noexcept {
 // Digits; digits "." digits; the same with "e" or "E", perhaps a minus, and digits.
 void QORQL_Scanner::readNumber(QORQL_Token& token) noexcept {
   const auto skipDigits = [this](std::size_t place) {
-    while (isDigit(at(place))) ++place;
+    while (QORQL_isDigit(at(place))) ++place;
     return place;
   };
   std::size_t end = skipDigits(_place);
-  if (at(end) != '.' || !isDigit(at(end + 1))) return put(token, TokenDECIMALLITERAL, end - _place);
+  if (at(end) != '.' || !QORQL_isDigit(at(end + 1))) return put(token, TokenDECIMALLITERAL, end - _place);
   end = skipDigits(end + 1);
-  if (lower(at(end)) == 'e') {
+  if (lowered(at(end)) == 'e') {
     const std::size_t exponent = end + (at(end + 1) == '-' ? 2 : 1);
-    if (isDigit(at(exponent))) end = skipDigits(exponent);
+    if (QORQL_isDigit(at(exponent))) end = skipDigits(exponent);
   }
   put(token, TokenREALLITERAL, end - _place);
 }
@@ -256,22 +255,22 @@ void QORQL_Scanner::readSign(QORQL_Token& token) noexcept {
 void QORQL_Scanner::read(QORQL_Token& token) {
   for (; _place < _text.size(); ++_place) {
     switch (kind(_text[_place])) {
-      case Kind::Letter:
+      case ByteKind::Letter:
         return readWord(token);
-      case Kind::Digit:
+      case ByteKind::Digit:
         return readNumber(token);
-      case Kind::Sign:
+      case ByteKind::Sign:
         return readSign(token);
-      case Kind::Quote:
+      case ByteKind::Quote:
         if (!skipOpenString()) return readString(token);
         --_place;
         break;
-      case Kind::Newline:
+      case ByteKind::Newline:
         ++_line;
         break;
-      case Kind::Blank:
+      case ByteKind::Blank:
         break;
-      case Kind::None:
+      case ByteKind::None:
         echo(_text[_place]);
         break;
     }

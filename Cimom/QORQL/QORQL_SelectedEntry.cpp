@@ -14,6 +14,7 @@
 #include "Cimom/QORQL/QORQL_Lexer.h"
 #include "Cimom/QORQL/QORQL_Messages.h"
 #include "Cimom/QORQL/QORQL_ParseContext.h"
+#include "Cimom/QORQL/QORQL_Text.h"
 
 namespace {
 
@@ -80,21 +81,16 @@ QORString parseAlias(QORQL_Lexer& lexer, bool isRequired, QORuint32 start, QORui
   return alias;
 }
 
-bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
-bool isWordByte(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
-}
-
 // Keeps one blank for each run of blanks that separates two words.
 QORString withoutBlanks(std::string_view text) {
   std::string kept;
   bool isBehindBlank = false;
   for (const char c : text) {
-    if (!isBlank(c)) {
-      if (isBehindBlank && !kept.empty() && isWordByte(kept.back()) && isWordByte(c)) kept += ' ';
+    if (!QORQL_isBlank(c)) {
+      if (isBehindBlank && !kept.empty() && QORQL_isWordByte(kept.back()) && QORQL_isWordByte(c)) kept += ' ';
       kept += c;
     }
-    isBehindBlank = isBlank(c);
+    isBehindBlank = QORQL_isBlank(c);
   }
   return QORString(std::string_view(kept));
 }

@@ -16,8 +16,6 @@
 
 namespace {
 
-constexpr QORuint32 kNowhere = QORQL_Fault::kNowhere;
-
 using PlaceIn = std::function<QORuint32(QORQL_Evaluatable&)>;
 
 QORuint32 find(const QORQL_SelectList& list, const PlaceIn& placeIn) {
@@ -25,19 +23,20 @@ QORuint32 find(const QORQL_SelectList& list, const PlaceIn& placeIn) {
   QORValSlistIterator<QORSmrPtr<QORQL_SelectedEntry>> entries(*entryList);
   while (++entries) {
     const QORSmrPtr<QORQL_Evaluatable>& expression = entries.key()->getExpression();
-    const QORuint32 place = expression.IsNull() ? kNowhere : placeIn(*expression);
-    if (place != kNowhere) return place;
+    const QORuint32 place = expression.IsNull() ? QORQL_Fault::kNowhere : placeIn(*expression);
+    if (place != QORQL_Fault::kNowhere) return place;
   }
-  return kNowhere;
+  return QORQL_Fault::kNowhere;
 }
 
 // In the order in which the clauses run.
 QORuint32 find(const QORQL_Query& query, const PlaceIn& placeIn) {
   const auto* const where = static_cast<const QORQL_WhereClause*>(query.getWhereClause().Get());
   const auto* const orderBy = static_cast<const QORQL_OrderByClause*>(query.getOrderByClause().Get());
-  QORuint32 place = where == nullptr ? kNowhere : placeIn(*where->getExpression());
-  if (place == kNowhere && orderBy != nullptr) place = placeIn(*orderBy->getExpression());
-  return place != kNowhere ? place : find(static_cast<const QORQL_SelectList&>(*query.getSelectList()), placeIn);
+  QORuint32 place = where == nullptr ? QORQL_Fault::kNowhere : placeIn(*where->getExpression());
+  if (place == QORQL_Fault::kNowhere && orderBy != nullptr) place = placeIn(*orderBy->getExpression());
+  return place != QORQL_Fault::kNowhere ? place
+                                        : find(static_cast<const QORQL_SelectList&>(*query.getSelectList()), placeIn);
 }
 
 // OBJECTPATH has made its argument a class: a name that stands alone all the same.
@@ -47,26 +46,38 @@ bool isBareName(const QORQL_Factor& factor, const QORString& name) {
   return factor.getPropertyOffset() == factor.getOffset() && QORQL_isName(factor.getClassName(), name);
 }
 
+// Where a path, which the row tells by its first name, leads on from: its property.
+QORuint32 placeInPath(const QORQL_Query& query, QORuint32 offset) {
+  const auto placeOf = [&](const QORQL_Factor& factor) {
+    const bool isThis = factor.getOffset() == offset && QORQL_hasPath(factor);
+    return isThis ? QORQL_placeOfOwnProperty(query.getQueryString().view(), factor) : QORQL_Fault::kNowhere;
+  };
+  const QORuint32 place = find(query, [&](QORQL_Evaluatable& node) { return QORQL_findPlace(node, placeOf); });
+  return place == QORQL_Fault::kNowhere ? offset : place;
+}
+
 QORuint32 placeOf(const QORQL_Query& query, const QORQL_Fault& fault) {
+  if (fault.kind == QORQL_Fault::kPathUnread) return placeInPath(query, fault.offset);
   if (fault.kind == QORQL_Fault::kPropertyMissing) return QORQL_findProperty(query, fault.className, fault.name);
-  if (fault.kind != QORQL_Fault::kClassUnknown && fault.kind != QORQL_Fault::kFromNameUnknown) return kNowhere;
+  if (fault.kind != QORQL_Fault::kClassUnknown && fault.kind != QORQL_Fault::kFromNameUnknown)
+    return QORQL_Fault::kNowhere;
   const QORuint32 inFrom = QORQL_findClass(static_cast<const QORQL_FromClause&>(*query.getFromClause()), fault.name);
   const auto placeIn = [&](QORQL_Evaluatable& node) { return QORQL_findFromName(node, fault.name); };
-  return inFrom != kNowhere ? inFrom : find(query, placeIn);
+  return inFrom != QORQL_Fault::kNowhere ? inFrom : find(query, placeIn);
 }
 
 }  // namespace
 
 QORuint32 QORQL_findBareName(const QORQL_SelectList& list, const QORString& name) {
   const auto placeOf = [&](const QORQL_Factor& factor) {
-    return isBareName(factor, name) ? factor.getPropertyOffset() : kNowhere;
+    return isBareName(factor, name) ? factor.getPropertyOffset() : QORQL_Fault::kNowhere;
   };
   return find(list, [&](QORQL_Evaluatable& node) { return QORQL_findPlace(node, placeOf); });
 }
 
 QORuint32 QORQL_findQualifier(const QORQL_SelectList& list, const QORString& name) {
   const auto placeOf = [&](const QORQL_Factor& factor) {
-    return QORQL_isName(factor.getClassName(), name) ? factor.getOffset() : kNowhere;
+    return QORQL_isName(factor.getClassName(), name) ? factor.getOffset() : QORQL_Fault::kNowhere;
   };
   return find(list, [&](QORQL_Evaluatable& node) { return QORQL_findPlace(node, placeOf); });
 }
@@ -76,7 +87,7 @@ QORuint32 QORQL_findClass(const QORQL_FromClause& from, const QORString& classNa
   while (++specifiers) {
     if (specifiers.key()->getTableName().isEqualCaseInsensitive(className)) return specifiers.key()->getOffset();
   }
-  return kNowhere;
+  return QORQL_Fault::kNowhere;
 }
 
 QORuint32 QORQL_findProperty(const QORQL_Query& query, const QORString& className, const QORString& propertyName) {
@@ -85,7 +96,7 @@ QORuint32 QORQL_findProperty(const QORQL_Query& query, const QORString& classNam
 }
 
 void QORQL_placeFault(const QORQL_Query& query, QORQL_Exception& error) noexcept {
-  if (error.getFault().hasPlace()) return;
+  if (error.getFault().hasPlace() && error.getFault().kind != QORQL_Fault::kPathUnread) return;
   try {
     error.setFaultOffset(placeOf(query, error.getFault()));
   } catch (const std::bad_alloc&) {

@@ -11,7 +11,7 @@
 
 namespace {
 
-QORQL_Operator operatorOf(QORQL_TokenType type) {
+QORQL_Operator productOperatorOf(QORQL_TokenType type) {
   if (type == TokenASTERISK) return QORQL_OperatorMUL;
   return type == TokenDIV ? QORQL_OperatorDIV : QORQL_OperatorNONE;
 }
@@ -26,8 +26,8 @@ QORQL_Term::~QORQL_Term() { QORQL_releaseChain<QORQL_Term>(_term); }
 QORSmrPtr<QORQL_Evaluatable> QORQL_Term::parse(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer,
                                                QORQL_ProjectionMap& projMap, const QORString& queryString,
                                                const QORString& queryLanguage) {
-  return QORQL_parseChain<QORQL_Term, &QORQL_Factor::parse, &operatorOf>(symbolTable, lexer, projMap, queryString,
-                                                                         queryLanguage);
+  return QORQL_parseChain<QORQL_Term, &QORQL_Factor::parse, &productOperatorOf>(symbolTable, lexer, projMap,
+                                                                                queryString, queryLanguage);
 }
 
 QORQL_Factor* QORQL_Term::getFactorCasted() const noexcept { return QORQL_nodeAs<QORQL_Factor>(_factor); }

@@ -17,7 +17,7 @@ import toolcase
 from toolcase import ToolCase, at_terminal
 
 COMMANDS = ("query", "classes", "class", "instances", "contents", "describe", "get", "validate", "match", "watch", "explain", "pages")
-FORMS = ["csv", "html", "json", "jsonl", "mof", "table", "xml"]
+FORMS = ["arrow", "csv", "html", "json", "jsonl", "mof", "table", "xml"]
 SECONDS = int(os.environ.get("QORQL_PATIENCE", "60"))
 
 

@@ -171,6 +171,14 @@ class Warnings(ToolCase):
         self.assertEqual(result.err, 'qorql: warning: "Shop_Itm = i AND Shop_Itm = e" ties nothing: there is no class '
                                      "Shop_Itm; did you mean Shop_Item? [ASSOC-6]\n")
 
+    def test_a_class_after_isa_that_does_not_exist_is_told_with_the_nearest(self):
+        query = "SELECT i.Id FROM Shop_Item AS i WHERE i ISA Shop_Itm"
+        told = '"i ISA Shop_Itm" is never true: there is no class Shop_Itm; did you mean Shop_Item? [ISA-1]\n'
+        result = self.model("-o", "csv", "--warnings", query)
+        self.assertEqual((result.status, result.out, result.err), (0, "Id\n", "qorql: warning: " + told))
+        result = self.model("-o", "csv", "--strict", query)
+        self.assertEqual((result.status, result.out, result.err), (1, "", "qorql: error: " + told))
+
     def test_explain_shows_that_a_product_divides_first(self):
         text = self.succeed(self.run_tool("explain", "--no-live", "-m", MODEL, "SELECT Id * 100 / Size AS P FROM Shop_Item"))
         self.assertEqual(text, " 1  fetch      Shop_Item: Id, Size\n 2  select     Id * (100 / Size) AS P\n"

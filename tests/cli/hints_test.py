@@ -76,6 +76,12 @@ class Queries(HintCase):
                 (WHERE + "Name ^!= NULL", "test for NULL with IS: Name IS NOT NULL"),
                 (WHERE + "Name ^NOT LIKE 'a'", "NOT goes before the comparison: NOT Name LIKE 'a'"),
                 (WHERE + "Id ^== 1", "equality is written with one ="),
+                (WHERE + "^\"Name\" = 'a'", "names go without quotes: Name"),
+                ("SELECT ^Size / 2 Half" + FROM, "give it a name with AS: Size / 2 AS Half"),
+                ("SELECT Id ^Name" + FROM, "a comma is missing: Id, Name; or AS: Id AS Name"),
+                ("SELECT i.Id FROM Shop_Item AS i WHERE i.^Name.x = 1", "a query does not read the properties of embedded objects"),
+                ("SELECT i.Id FROM Shop_Item AS i ORDER BY i.^Name.x ASC",
+                 "a query does not read the properties of embedded objects"),
                 ("SELECT ^TOP 5 Id" + FROM, "to see the first rows only, write SELECT FIRST n ..."),
                 ("SELECT Id" + FROM + " ^LIMIT 5", "to see the first rows only, write SELECT FIRST n ..."),
                 ("SELECT Id" + FROM + " ORDER BY Id ASC^, Name ASC", "rows can be sorted by one key only"),
@@ -83,15 +89,17 @@ class Queries(HintCase):
                 (WHERE + "Size > ^1e8", "a number with an exponent needs a decimal point and takes no plus sign: 1.0e8"),
                 ("SELECT ^UPPER(Name) AS n" + FROM,
                  "there is no function UPPER: the language has OBJECTPATH, MIN, MAX, COUNT, AVG, SUM, INSTANCEOF"),
-                ("SELECT COUNT(^DISTINCT Name) AS n" + FROM, "there is no DISTINCT: every row is shown"),
+                ("SELECT COUNT(^DISTINCT Name) AS n" + FROM,
+                 "there is no DISTINCT: every row is shown. Another program leaves out equal ones: "
+                 'qorql -o csv --no-header "SELECT Name FROM Shop_Item" | sort -u | wc -l'),
                 ("SELECT COUNT(^*) AS n" + FROM, "an aggregate takes a property, as in COUNT(Name)"),
                 ("SELECT Id AS ^Order" + FROM, "Order is a keyword, not a name: choose another one"),
                 ("SELECT Id" + FROM + " FORMAT AS ^JSON",
                  "the formats of the language are QORIOBJECT, XML, HTML and CSV; qorql has more: qorql -o json"),
                 ("^show tables",
                  "qorql classes lists the classes, and qorql contents those with instances; in the shell, .tables does"),
-                (WHERE + "Id ^IN (1, 2)", "there is no IN: ask for one value at a time with ="),
-                (WHERE + "Id ^BETWEEN 1 AND 2", "there is no BETWEEN: write x >= least AND x <= greatest"),
+                (WHERE + "Id ^IN (1, 2)", "there is no IN: run one statement for each value, as with Id = 1"),
+                (WHERE + "Id ^BETWEEN 1 AND 2", "there is no BETWEEN: write Id >= 1 AND Id <= 2"),
                 ("SELECT Id" + FROM + " ^-- all", "the language has no comments: leave it out"),
                 ("SELECT Id" + FROM + " ^LEFT JOIN Shop_Empty", "an outer join is written in WHERE, as A.x *= B.y"),
                 ("SELECT i.Id FROM Shop_Item ^i", "an alias follows AS: Shop_Item AS i"),
@@ -193,7 +201,7 @@ class Filters(HintCase):
                 ("SELECT MessageID, ^COUNT(EventID) FROM CIM_AlertIndication",
                  "a function has no value in a filter: select properties"),
                 ("SELECT * FROM CIM_InstModification ^WITHIN 10 WHERE SourceInstance ISA CIM_Process",
-                 "there is no WITHIN: leave it out")):
+                 "in CIM there is no WITHIN: leave it out")):
             with self.subTest(filter=marked):
                 self.hinted(self.run_tool("validate", marked.replace("^", "")), marked, hint)
 
@@ -218,11 +226,14 @@ class Filters(HintCase):
             self.assertEqual(result.status, 3)
             self.assertTrue(result.err.endswith(hint), result.err)
             self.assertNotIn("hint", self.run_tool("match", "--quiet", self.ALERT + "EventID = 'a'", path).err)
+
     def test_a_schema_that_is_given_as_instances_to_a_filter_of_its_classes(self):
         hint = "qorql: hint: a schema is given by --mof FILE; the files after the filter hold instances\n"
-        schema = self.write("schema.mof", "class XYZ_A { [Key] uint32 K; };\n")
+        text = "class XYZ_A { [Key] uint32 K; };\n"
+        schema = self.write("schema.mof", text)
+        wide = self.write("wide.mof", text.encode("utf-16"))
         filters = self.write("filters.txt", "SELECT * FROM XYZ_A\n")
-        for arguments in (["SELECT * FROM XYZ_A", schema], ["--filters", filters, schema]):
+        for arguments in (["SELECT * FROM XYZ_A", schema], ["--filters", filters, schema], ["SELECT * FROM XYZ_A", wide]):
             result = self.run_tool("match", *arguments)
             self.assertEqual(result.status, 1)
             self.assertTrue(result.err.endswith(hint), result.err)
@@ -251,6 +262,8 @@ class CommandLine(ToolCase):
                 (["match", "--nolive", "SELECT"], "did you mean --no-live?"),
                 (["--ouput=csv", "SELECT"], "did you mean --output?"),
                 (["Q", "Linux_Process"], 'a statement is one argument, in quotes: qorql "SELECT * FROM Linux_Process"'),
+                (["Q", "select Name FROM Linux_User"],
+                 'a statement is one argument, in quotes: qorql "select Name FROM Linux_User"'),
                 (["SELECT", "FIRST", "2", "Name", "FROM", "Linux_User"],
                  'a statement is one argument, in quotes: qorql "SELECT FIRST 2 Name FROM Linux_User"'),
                 (["select", MODEL, MODEL, "FROM", "Linux_User"],

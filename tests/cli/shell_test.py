@@ -444,11 +444,11 @@ class Commands(Shell):
 
     def test_output(self):
         person = self.person()
-        self.assertEqual(person.ask(".output"), "table (of csv, html, json, jsonl, mof, table, xml)\n")
+        self.assertEqual(person.ask(".output"), "table (of arrow, csv, html, json, jsonl, mof, table, xml)\n")
         self.assertEqual(person.ask(".output jsonl"), "")
         self.assertEqual(person.ask("SELECT Id FROM Shop_Item WHERE Id = 1;"), '{"Id": 1}\n')
         self.assertEqual(person.ask(".output yaml"),
-                         "qorql: error: 'yaml' is not one of csv, html, json, jsonl, mof, table, xml\n")
+                         "qorql: error: 'yaml' is not one of arrow, csv, html, json, jsonl, mof, table, xml\n")
 
     def test_explain(self):
         person = self.person()

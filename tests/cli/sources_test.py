@@ -167,6 +167,12 @@ class HiddenProcesses(ToolCase):
             result = self.blind("SELECT Antecedent FROM Linux_ProcessPort")
             self.assertEqual((result.status, result.out, result.err), (0, "Antecedent\n", self.HIDDEN))
 
+    def test_what_both_classes_of_a_join_miss_is_told_once(self):
+        result = self.blind("SELECT P.ParentProcessID, U.UserNumber FROM Linux_Process AS P, Linux_User AS U "
+                            "WHERE Linux_ProcessOwner = P AND Linux_ProcessOwner = U")
+        self.assertEqual((result.status, result.err), (0, self.HIDDEN))
+        self.assertEqual(len(result.out.splitlines()), 2)
+
     def test_processes_are_counted_without_them(self):
         for query, told in (("SELECT NumberOfProcesses FROM Linux_OperatingSystem", "NumberOfProcesses\n1\n"),
                             ("SELECT COUNT(Handle) AS N FROM Linux_Process", "N\n1\n"),

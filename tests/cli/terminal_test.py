@@ -162,7 +162,8 @@ class Terminal(ToolCase):
 
     def test_caret_under_the_token_even_if_it_stands_there_twice(self):
         self.assertEqual(self.show("SELECT Id, Name Name FROM Shop_Item")[1].splitlines()[1:],
-                         ["  SELECT Id, Name Name FROM Shop_Item", "                  ^"])
+                         ["  SELECT Id, Name Name FROM Shop_Item", "                  ^",
+                          "qorql: hint: a comma is missing: Name, Name; or AS: Name AS Name"])
 
     def test_caret_at_the_end_and_under_names(self):
         self.assertEqual(self.show("SELECT Id FROM Shop_Item WHERE")[1].splitlines()[1:],

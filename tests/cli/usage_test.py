@@ -168,7 +168,7 @@ class WrongUse(ToolCase):
         self.wrong_usage(self.model("-f", self.folder + "/none.qql"), "none.qql")
 
     def test_unknown_form(self):
-        self.wrong_usage(self.model("-o", "yaml", QUERY), "'yaml' is not one of csv, html, json, jsonl, mof, table, xml")
+        self.wrong_usage(self.model("-o", "yaml", QUERY), "'yaml' is not one of arrow, csv, html, json, jsonl, mof, table, xml")
 
     def test_form_is_case_sensitive_and_not_empty(self):
         self.wrong_usage(self.model("-o", "CSV", QUERY), "'CSV' is not one of")

@@ -298,6 +298,8 @@ class Warnings(ValidateCase):
                 ("Big > -(1)", "Big" + signs.format(27)), ("Big > Plain - 1", "Big" + signs.format(27)),
                 ("Big * 100 / 7 = 2",
                  'Operators of one level group to the right: this is "Big * (100 / 7)" (line 1, column 31)'),
+                ("Big <> 18446744073709551616", "18446744073709551616 is greater than any integer type holds: it stands for "
+                                                "18446744073709551615 (line 1, column 34)"),
                 ("-(Plain + 1) < 2", '"-(Plain + 1)" cannot be computed: a uint64 cannot be negated. Write 0 - (Plain + 1) '
                                      "(line 1, column 27)")):
             result = self.validate("--no-live", "-m", path, "SELECT * FROM XYZ_N WHERE " + condition)

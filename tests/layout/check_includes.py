@@ -79,7 +79,7 @@ ANGLE_ALLOWED = {
     "Cimom/QORQL/Filter": [],
     "Cimom/Foundation": [],
     "Cimom/Model": [],
-    "Cimom/Mof": ["MofCacheFormat_generated.h", "xxhash.h", "zstd.h"],
+    "Cimom/Mof": ["MofCacheFormat_generated.h", "xxhash.h"],
     "Cimom/Embedded": ["ini.h", "INIReader.h"],
     "Cimom/CimXml": ["expat.h"],
 }

@@ -127,7 +127,12 @@ std::string hintOfWords(const std::string& first, const std::vector<std::string>
   if (isWord(first, "show")) return "qorql contents tells what there is";
   const std::string meant = meantCommand(first);
   if (!meant.empty()) return "did you mean the command " + meant + "?";
-  const std::string statement = isWord(first, "SELECT") ? quotedStatement(first, extra) : "SELECT * FROM " + extra[0];
+  // One that is quoted already has a word too many before it.
+  const std::string_view next = extra[0];
+  const bool isQuoted = isWord(std::string(next.substr(0, next.find_first_of(" \t\n"))), "SELECT");
+  const std::string statement = isWord(first, "SELECT") ? quotedStatement(first, extra)
+                                : isQuoted              ? extra[0]
+                                                        : "SELECT * FROM " + extra[0];
   return "a statement is one argument, in quotes: qorql \"" + statement + '"';
 }
 

@@ -29,6 +29,11 @@ bool endsWithSemicolon(const StatementText& filter, const CQLQueryFault& fault) 
   return filter.is(piece, ";") && piece + 1 == filter.pieces().size();
 }
 
+// Whether the fault is WITHIN, of which a hint tells.
+bool isAtInterval(const StatementText& filter, const CQLQueryFault& fault) {
+  return fault.kind == CQLQueryFault::kSyntax && filter.is(filter.pieceAt(fault.offset), "WITHIN");
+}
+
 }  // namespace
 
 FilterSession::FilterSession(const FilterOptions& options) : _options(options), _session(sessionOptions(options)) {}
@@ -66,10 +71,14 @@ CheckedFilter FilterSession::check(const std::string& text, QORuint32 firstLine,
     if (fault.kind != CQLQueryFault::kLanguage) {
       for (const std::string& warning : checked.warnings) checked.reason += "; " + warning;
     }
-    const std::string hint = wqlHint(filter, {fault.offset});
-    if (!hint.empty()) checked.reason += "; " + hint;
-    checked.reason = printableText(checked.reason);
     checked.hint = QORQL_hintOfFilter({fault.cause, fault.name, fault.className, fault.offset}, text);
+    const std::string hint = wqlHint(filter, {fault.offset});
+    if (isAtInterval(filter, fault)) {
+      checked.hint.text = hint;
+    } else if (!hint.empty()) {
+      checked.reason += "; " + hint;
+    }
+    checked.reason = printableText(checked.reason);
     if (checked.hint.text.empty() && endsWithSemicolon(filter, fault)) {
       checked.hint = {"", "a filter ends without a ;", fault.offset};
     }

@@ -129,7 +129,7 @@ std::vector<Warning> FilterWarnings::of(const CQLQueryStatement& statement) cons
   const std::string never(statement.neverMatchesBecause().view());
   if (!never.empty()) warnings.push_back({never, statement.neverMatchesOffset()});
   const QORQL_Query& query = statement.getParsedQuery();
-  for (const QORQL_Surprise& surprise : QORQL_findFilterSurprises(query, _nameSpace)) {
+  for (const QORQL_Surprise& surprise : QORQL_findFilterSurprises(query, _nameSpace, _text.text())) {
     warnings.push_back({cutText(surprise.text, kLongest, "..."), surprise.offset});
   }
   Visitor* const conditions = new Visitor(*this, query, kMaximumWarnings - warnings.size());

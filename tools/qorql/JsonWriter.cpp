@@ -3,35 +3,23 @@
 #include "JsonWriter.h"
 
 #include <ostream>
-#include <set>
 
 #include "JsonValue.h"
+#include "UniqueNames.h"
 
 namespace {
 
-std::string freeName(const std::string& name, const std::set<std::string>& given, std::set<std::string>& used) {
-  if (used.insert(name).second) return name;
-  for (int number = 2;; ++number) {
-    std::string numbered = name + "_" + std::to_string(number);
-    if (!given.contains(numbered) && used.insert(numbered).second) return numbered;
-  }
-}
-
-// A different key for each column; quoted, with the colon.
-std::vector<std::string> uniqueKeys(const std::vector<ResultColumn>& columns) {
-  std::set<std::string> given;
-  for (const ResultColumn& column : columns) given.insert(column.name);
-  std::set<std::string> used;
-  std::vector<std::string> keys;
-  keys.reserve(columns.size());
-  for (const ResultColumn& column : columns) keys.push_back(jsonText(freeName(column.name, given, used)) + ": ");
+// Quoted, with the colon.
+std::vector<std::string> keysOf(const std::vector<ResultColumn>& columns) {
+  std::vector<std::string> keys = uniqueNames(columns);
+  for (std::string& key : keys) key = jsonText(key) + ": ";
   return keys;
 }
 
 }  // namespace
 
 void JsonWriter::begin(const ResultHeading& heading) {
-  _keys = uniqueKeys(heading.columns);
+  _keys = keysOf(heading.columns);
   _isFirstRow = true;
   if (_isArray) _out << '[';
 }

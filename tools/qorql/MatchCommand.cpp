@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <iostream>
 
+#include "Cimom/Mof/MofEncoding.h"
 #include "Cimom/Mof/MofLoader.h"
 #include "Cimom/QORQL/Face/QORQL_TextPieces.h"
 #include "DisplayText.h"
@@ -130,7 +131,10 @@ void hintAtSchema() {
 // Of a filter whose class does not exist: whether one of the files may be the schema.
 bool isSchemaAmong(const std::vector<std::string>& files) {
   return std::any_of(files.begin(), files.end(), [](const std::string& file) {
-    return file != kStandardInput && checkFile(file).empty() && declaresClass(readTextFile(file));
+    if (file == kStandardInput || !checkFile(file).empty()) return false;
+    std::string text = readTextFile(file);
+    decodeMofText(text);  // of a text that is cut off the first part tells enough
+    return declaresClass(text);
   });
 }
 

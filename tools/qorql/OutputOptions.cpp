@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "OutputOptions.h"
 
+#include "ArrowWriter.h"
 #include "CsvWriter.h"
 #include "HtmlWriter.h"
 #include "JsonWriter.h"
@@ -11,9 +12,9 @@
 
 const std::map<std::string, OutputForm>& outputForms() {
   static const std::map<std::string, OutputForm> forms = {
-      {"table", OutputForm::Table},     {"csv", OutputForm::Csv},   {"json", OutputForm::Json},
-      {"jsonl", OutputForm::JsonLines}, {"html", OutputForm::Html}, {"xml", OutputForm::Xml},
-      {"mof", OutputForm::Mof}};
+      {"table", OutputForm::Table},     {"csv", OutputForm::Csv},    {"json", OutputForm::Json},
+      {"jsonl", OutputForm::JsonLines}, {"html", OutputForm::Html},  {"xml", OutputForm::Xml},
+      {"mof", OutputForm::Mof},         {"arrow", OutputForm::Arrow}};
   return forms;
 }
 
@@ -21,7 +22,7 @@ void declareOutputOptions(CLI::App& app, OutputOptions& options) {
   const auto takeForm = [&options](const std::string& form) { options.form = outputForms().at(form); };
   declareValue(app, {.names = "-o,--output",
                      .type = "FORM",
-                     .description = "table, csv, json, jsonl, html, xml or mof (default: table, or FORMAT AS)",
+                     .description = "table, csv, json, jsonl, arrow, html, xml or mof (default: table, or FORMAT AS)",
                      .take = takeForm,
                      .check = oneOf(outputForms())});
   declareNoHeader(app, options.hasNoHeader);
@@ -53,6 +54,8 @@ std::unique_ptr<ResultWriter> makeResultWriter(OutputForm form, std::ostream& ou
       return std::make_unique<HtmlWriter>(out);
     case OutputForm::Mof:
       return std::make_unique<MofWriter>(out, keysOf);
+    case OutputForm::Arrow:
+      return std::make_unique<ArrowWriter>(out);
     case OutputForm::Table:
     case OutputForm::Xml:
       break;

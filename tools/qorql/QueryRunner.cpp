@@ -11,6 +11,7 @@
 
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_StatementPlaces.h"
+#include "ColumnTypes.h"
 #include "ErrorReport.h"
 #include "ExitStatus.h"
 #include "Interrupt.h"
@@ -48,12 +49,18 @@ ResultHeading headingOf(const std::string& query, const QORQL_ResultReader& read
   return heading;
 }
 
+[[noreturn]] void refuseTerminal() {
+  throw QoriBaseException("tool", "qorql", "",
+                          "arrow is for programs and not for a terminal: send it to a file or a pipe", 0);
+}
+
 // A column of texts where its codes are told with theirs.
 void addTexts(ResultHeading& heading, const ValueColumns& values) {
   for (std::size_t i = 0; i < heading.columns.size(); ++i) {
     if (!values.hasTexts(i)) continue;
     heading.columns[i].isNumber = false;
     heading.columns[i].typeName = "string";
+    heading.columns[i].hasValueTexts = true;
   }
 }
 
@@ -128,6 +135,7 @@ void QueryRunner::runWatched(Execution& execution) {
   parse(execution);
   tellOfPassedOver(execution);
   if (isWarning()) printWarnings(std::cerr, standardErrorShape(), statement, warningsOf(execution));
+  if (formOf(execution) == OutputForm::Arrow && standardOutputShape().isTerminal) refuseTerminal();
   const QORQL_MonitorScope scope(execution.monitor);
   try {
     const Pager pager(!_options.hasNoPager);
@@ -246,6 +254,7 @@ void QueryRunner::print(Execution& execution) {
     ResultWriter& writer = writerOf(form);
     ResultHeading heading = headingOf(execution.statement, reader);
     markPercentages(heading, reader.columns());
+    if (form == OutputForm::Arrow) settleTypes(execution, heading, reader.columns());
     std::optional<ValueColumns> values;
     if (_output.hasValueTexts && form != OutputForm::Mof) {
       values.emplace(_session.manager(), QORString(_options.nameSpace), reader.columns());
@@ -255,12 +264,39 @@ void QueryRunner::print(Execution& execution) {
     try {
       writeRows(reader, writer, _out, execution.monitor, values ? &*values : nullptr);
     } catch (...) {
-      writer.end();
+      writer.breakOff();
       throw;
     }
     writer.end();
   }
   execution.printTime = millisecondsSince(start);
+}
+
+// Rows are looked at in front where the schema does not tell all types.
+void QueryRunner::settleTypes(Execution& execution, ResultHeading& heading,
+                              const std::vector<QORQL_ResultReader::Column>& columns) const {
+  const QORString nameSpace(_options.nameSpace);
+  ColumnTypes types(columns, [&](const QORString& className, const QORString& property) {
+    return declarationOf(nameSpace, className, property);
+  });
+  if (!types.open().empty()) {
+    QORQL_ResultReader reader(execution.parsed.query(), execution.parsed.symbols(), execution.table,
+                              [this](const QORString& className) { return declaredProperties(className); });
+    while (reader.next()) {
+      if (Interrupt::isRequested()) throw Interrupted();
+      execution.monitor.requireTime();
+      for (const std::size_t index : types.open()) types.see(index, reader.value(index).Get());
+    }
+  }
+  types.settle(heading.columns);
+}
+
+std::optional<CimPropertyDeclaration> QueryRunner::declarationOf(const QORString& nameSpace, const QORString& className,
+                                                                 const QORString& property) const {
+  for (CimPropertyDeclaration& declared : _session.manager().allProperties(nameSpace, className)) {
+    if (declared.name.isEqualCaseInsensitive(property)) return std::move(declared);
+  }
+  return std::nullopt;
 }
 
 std::vector<std::string> QueryRunner::keysOf(const QORString& className) {
@@ -273,11 +309,9 @@ std::vector<std::string> QueryRunner::keysOf(const QORString& className) {
 }
 
 bool QueryRunner::isDeclaredPercentage(const QORQL_ResultReader::Column& column) const {
-  const QORString nameSpace(_options.nameSpace);
-  for (const CimPropertyDeclaration& property : _session.manager().allProperties(nameSpace, column.className)) {
-    if (property.name.isEqualCaseInsensitive(column.propertyName)) return hasPercentageUnit(property);
-  }
-  return false;
+  const std::optional<CimPropertyDeclaration> declared =
+      declarationOf(QORString(_options.nameSpace), column.className, column.propertyName);
+  return declared && hasPercentageUnit(*declared);
 }
 
 void QueryRunner::markPercentages(ResultHeading& heading,

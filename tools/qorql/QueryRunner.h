@@ -6,6 +6,7 @@
 #include <functional>
 #include <iosfwd>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -49,11 +50,16 @@ class QueryRunner {
   void printStatistics(const Execution& execution);
   OutputForm formOf(const Execution& execution) const;
   std::vector<std::string> keysOf(const QORString& className);
-  // The writer of a form; a writer of another form is finished first.
   std::vector<QORString> declaredProperties(const QORString& className) const;
+  std::optional<CimPropertyDeclaration> declarationOf(const QORString& nameSpace, const QORString& className,
+                                                      const QORString& property) const;
+  // For a form that tells types: each column gets the one that its values have in all rows.
+  void settleTypes(Execution& execution, ResultHeading& heading,
+                   const std::vector<QORQL_ResultReader::Column>& columns) const;
   bool isDeclaredPercentage(const QORQL_ResultReader::Column& column) const;
   // Columns of real numbers, by their names or by the units that their class declares.
   void markPercentages(ResultHeading& heading, const std::vector<QORQL_ResultReader::Column>& columns) const;
+  // The writer of a form; a writer of another form is finished first.
   ResultWriter& writerOf(OutputForm form);
 
   const SessionOptions& _options;

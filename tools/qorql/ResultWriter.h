@@ -13,7 +13,10 @@
 #include "cimom/IQoriValue.h"
 #include "cmpbase.h"
 
-enum class OutputForm { Table, Csv, Json, JsonLines, Html, Xml, Mof };
+enum class OutputForm { Table, Csv, Json, JsonLines, Html, Xml, Mof, Arrow };
+
+// What the datetimes of a column are, where somebody looked at them all.
+enum class DateTimes { Texts, Timestamps, Intervals };
 
 struct ResultColumn {
   std::string name;
@@ -21,6 +24,8 @@ struct ResultColumn {
   std::string typeName;  // the CIM type; empty when no row tells it
   bool isArray = false;
   bool isPercentage = false;
+  bool hasValueTexts = false;  // its codes are told with their texts
+  DateTimes dateTimes = DateTimes::Texts;
 };
 
 // What is known before the first row.
@@ -46,7 +51,7 @@ class ResultRow {
 };
 
 // Prints the results of one run of the program, one after the other: for each
-// result begin, its rows, end; after the last one finish, also when a later
+// result begin, its rows, end or breakOff; after the last one finish, also when a later
 // statement failed. BORROWS the stream.
 class ResultWriter {
  public:
@@ -58,6 +63,8 @@ class ResultWriter {
   virtual void begin(const ResultHeading& heading) = 0;
   virtual void writeRow(const ResultRow& row) = 0;
   virtual void end() = 0;
+  // In place of end(), when rows are missing because of an error.
+  virtual void breakOff() { end(); }
   virtual void finish() {}
 
  protected:

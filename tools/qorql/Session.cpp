@@ -6,6 +6,8 @@
 #include <exception>
 #include <iostream>
 #include <optional>
+#include <set>
+#include <string_view>
 #include <utility>
 
 #include "DisplayText.h"
@@ -26,13 +28,22 @@ const char* severityName(QORuint32 severity) {
   return kNames[severity < std::size(kNames) ? severity : std::size(kNames) - 1];
 }
 
+// The process ends soon and gives back all memory at once, which is much faster than object by object.
+void keepToTheEnd(std::unique_ptr<EmbeddedObjectManager> manager) {
+  static EmbeddedObjectManager* kept = nullptr;
+  if (kept == nullptr) kept = manager.release();
+}
+
 }  // namespace
 
 Session::Session(const SessionOptions& options) : _options(options), _manager(makeManager()) {
   _manager->makeCurrent();
 }
 
-Session::~Session() { _manager->setLogSink({}, QoriTraceLog::kFatal); }
+Session::~Session() {
+  _manager->setLogSink({}, QoriTraceLog::kFatal);
+  keepToTheEnd(std::move(_manager));
+}
 
 std::unique_ptr<EmbeddedObjectManager> Session::makeManager() {
   auto manager = std::make_unique<EmbeddedObjectManager>();
@@ -72,6 +83,9 @@ void Session::printWarnings() {
   std::vector<std::string> warnings;
   warnings.swap(_warnings);
   if (_options.isQuiet) return;
+  // A join asks more than one class, and each may miss the same.
+  std::set<std::string_view> seen;
+  std::erase_if(warnings, [&seen](const std::string& warning) { return !seen.insert(warning).second; });
   const std::size_t shown = std::min(warnings.size(), kMaximumWarnings);
   for (std::size_t i = 0; i < shown; ++i) std::cerr << "qorql: warning: " << warnings[i] << '\n';
   if (shown < warnings.size()) std::cerr << "qorql: warning: " << warnings.size() - shown << " more warnings\n";

@@ -10,13 +10,12 @@
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_FromClause.h"
 #include "Cimom/QORQL/QORQL_Function.h"
+#include "Cimom/QORQL/QORQL_Text.h"
 #include "cimom/QoriProviderPluginManager.h"
 
 namespace {
 
 using Type = QORQL_DeclaredType;
-
-std::string folded(const QORString& name) { return std::string(QORString::toUpperCase(name).view()); }
 
 Type typeNamed(const IQoriType& declared) {
   const std::string_view name = declared.getName().view();
@@ -46,17 +45,20 @@ QORQL_DeclaredTypes::QORQL_DeclaredTypes(const QORQL_FromClause& from, const QOR
   QORValSlistIterator<QORSmrPtr<QORQL_FromSpecifier>> specifiers(*from.getFromSpecifierList());
   while (++specifiers) {
     const QORString& className = specifiers.key()->getTableName();
-    _classNames[folded(className)] = className;
-    if (!specifiers.key()->getAlias().isEmpty()) _classNames[folded(specifiers.key()->getAlias())] = className;
+    _classNames[QORQL_foldedName(className)] = className;
+    if (!specifiers.key()->getAlias().isEmpty())
+      _classNames[QORQL_foldedName(specifiers.key()->getAlias())] = className;
   }
 }
 
 QORString QORQL_DeclaredTypes::classNameOf(const QORString& fromName) const {
-  const auto found = _classNames.find(folded(fromName));
+  const auto found = _classNames.find(QORQL_foldedName(fromName));
   return found == _classNames.end() ? fromName : found->second;
 }
 
-bool QORQL_DeclaredTypes::isFromName(const QORString& name) const { return _classNames.count(folded(name)) != 0; }
+bool QORQL_DeclaredTypes::isFromName(const QORString& name) const {
+  return _classNames.count(QORQL_foldedName(name)) != 0;
+}
 
 QORSmrPtr<IQoriClass> QORQL_DeclaredTypes::classOf(const QORString& fromName) const {
   return findClass(classNameOf(fromName));

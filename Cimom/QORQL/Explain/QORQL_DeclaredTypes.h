@@ -38,6 +38,8 @@ class QORQL_DeclaredTypes {
   bool isFromName(const QORString& name) const;
   // Null when the repository has no such class.
   QORSmrPtr<IQoriClass> classOf(const QORString& fromName) const;
+  // Whether the repository has a class of that name, which is no alias.
+  bool hasClass(const QORString& name) const { return !findClass(name).IsNull(); }
   // Whether the first class is the second or one below it. Takes no aliases.
   bool isA(const QORString& className, const QORString& ancestor) const;
 

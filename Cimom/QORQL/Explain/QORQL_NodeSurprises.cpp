@@ -89,6 +89,7 @@ std::string QORQL_nearestReal32(const QoriScalar& number) {
 
 void QORQL_NodeSurprises::visitComparison(const QORQL_Comparison& node) {
   const QORQL_Operator op = node.getOperator();
+  if (op == QORQL_OperatorISA && _isa == nullptr && isOfUnknownClass(node)) _isa = &node;
   if (op == QORQL_OperatorLIKE && _like == nullptr && hasWildcard(node)) _like = &node;
   if (node.asksLeft() && isOrder(op)) note(_turned, node);
   if (node.isArrayComp() && op == QORQL_OperatorNOTEQUAL) note(_unequal, node);
@@ -98,6 +99,11 @@ void QORQL_NodeSurprises::visitComparison(const QORQL_Comparison& node) {
   if (!QORQL_isRelational(op)) return;
   lookAtArrays(node);
   if (_real32 == nullptr && isReal32BesideOther(node)) _real32 = &node;
+}
+
+bool QORQL_NodeSurprises::isOfUnknownClass(const QORQL_Comparison& isa) const {
+  const IQoriValue* const name = literalOf(isa.getRHSArithmeticExpression().Get());
+  return name != nullptr && !_types.hasClass(name->toString());
 }
 
 void QORQL_NodeSurprises::lookAtArrays(const QORQL_Comparison& node) {
@@ -178,6 +184,11 @@ void QORQL_NodeSurprises::addConditions(std::vector<QORQL_Surprise>& found) cons
         {"LIKE-1",
          "LIKE searches for plain text anywhere, case-sensitively and without wildcards: \"" + _texts.of(_like) + "\"",
          _like->getOffset()});
+  }
+  if (_isa != nullptr) {
+    const std::string name(literalOf(_isa->getRHSArithmeticExpression().Get())->toString().view());
+    found.push_back({"ISA-1", "\"" + _texts.of(_isa) + "\" is never true: there is no class " + name,
+                     QORQL_startOf(*_isa->getRHSArithmeticExpression()), name});
   }
   if (_turned != nullptr) {
     found.push_back({"ARR-4",

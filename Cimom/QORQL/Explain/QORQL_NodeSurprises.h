@@ -39,6 +39,7 @@ class QORQL_NodeSurprises : public QORQL_ExpressionVisitor {
 
  private:
   void lookAtArrays(const QORQL_Comparison& node);
+  bool isOfUnknownClass(const QORQL_Comparison& isa) const;
   bool isReal32BesideOther(const QORQL_Comparison& node) const;
   // What the texts are about, side by side with them. REQUIRE that there is one.
   const QORQL_Evaluatable& arraySide() const;
@@ -55,6 +56,7 @@ class QORQL_NodeSurprises : public QORQL_ExpressionVisitor {
   const QORQL_ExpressionText& _texts;
   const std::string_view _text;
   const QORQL_Comparison* _like = nullptr;
+  const QORQL_Comparison* _isa = nullptr;  // of a class that there is not
   const QORQL_Comparison* _turned = nullptr;
   const QORQL_Comparison* _unequal = nullptr;
   const QORQL_Comparison* _leftJoin = nullptr;

@@ -19,14 +19,14 @@ namespace {
 
 class Surprises {
  public:
-  Surprises(const QORQL_Query& query, const QORString& nameSpace)
+  Surprises(const QORQL_Query& query, const QORString& nameSpace, std::string_view text)
       : _list(dynamic_cast<const QORQL_SelectList&>(*query.getSelectList())),
         _from(dynamic_cast<const QORQL_FromClause&>(*query.getFromClause())),
         _where(dynamic_cast<const QORQL_WhereClause*>(query.getWhereClause().Get())),
         _orderBy(dynamic_cast<const QORQL_OrderByClause*>(query.getOrderByClause().Get())),
         _types(_from, nameSpace),
         _texts(_from, nameSpace),
-        _nodes(new QORQL_NodeSurprises(_types, _texts, query.getQueryString().view())) {}
+        _nodes(new QORQL_NodeSurprises(_types, _texts, text)) {}
 
   std::vector<QORQL_Surprise> ofQuery() {
     addOr();
@@ -173,9 +173,10 @@ class Surprises {
 }  // namespace
 
 std::vector<QORQL_Surprise> QORQL_findSurprises(const QORQL_Query& query, const QORString& nameSpace) {
-  return Surprises(query, nameSpace).ofQuery();
+  return Surprises(query, nameSpace, query.getQueryString().view()).ofQuery();
 }
 
-std::vector<QORQL_Surprise> QORQL_findFilterSurprises(const QORQL_Query& query, const QORString& nameSpace) {
-  return Surprises(query, nameSpace).ofFilter();
+std::vector<QORQL_Surprise> QORQL_findFilterSurprises(const QORQL_Query& query, const QORString& nameSpace,
+                                                      std::string_view text) {
+  return Surprises(query, nameSpace, text).ofFilter();
 }

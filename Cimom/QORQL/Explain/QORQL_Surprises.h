@@ -4,6 +4,7 @@
 #define QORQL_SURPRISES_H
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cmpbase.h"
@@ -21,7 +22,9 @@ struct QORQL_Surprise {
 // Each kind once: OR, then conditions, arithmetic, names and associations, the
 // select list, FROM, and joins. Asks the class repository. REQUIRES a parsed query.
 std::vector<QORQL_Surprise> QORQL_findSurprises(const QORQL_Query& query, const QORString& nameSpace);
-// Those of them that hold for filters as well: where arithmetic computes something unexpected.
-std::vector<QORQL_Surprise> QORQL_findFilterSurprises(const QORQL_Query& query, const QORString& nameSpace);
+// Those of them that hold for filters as well: where arithmetic computes something unexpected, and literals that no
+// type holds. A filter's query does not keep its text, which is given.
+std::vector<QORQL_Surprise> QORQL_findFilterSurprises(const QORQL_Query& query, const QORString& nameSpace,
+                                                      std::string_view text);
 
 #endif

@@ -11,34 +11,7 @@ namespace QORQL_HintRules {
 
 namespace {
 
-std::string textOf(const QORString& text) { return std::string(text.view()); }
-
 constexpr char kNoNot[] = "a condition under NOT never matches in a filter: ask with =, <>, <, <=, > or >=";
-
-// The operand that ends before that piece, back to the keyword or parenthesis it stands behind.
-std::string operandBefore(const Scene& scene, std::size_t end) {
-  std::size_t depth = 0;
-  std::size_t begin = end;
-  for (; begin > 0; --begin) {
-    const std::size_t before = begin - 1;
-    if (depth == 0 && scene.isOneOf(before, "WHERE", "AND", "OR", "NOT", "(", "SELECT", ",")) break;
-    if (scene.is(before, ")")) ++depth;
-    if (scene.is(before, "(") && depth > 0) --depth;
-  }
-  return scene.slice(scene.offsetOf(begin), scene.offsetOf(end));
-}
-
-// The operand that begins with that piece, to the keyword or parenthesis that ends it.
-std::string operandFrom(const Scene& scene, std::size_t begin) {
-  std::size_t depth = 0;
-  std::size_t end = begin;
-  for (; end < scene.pieces.all().size(); ++end) {
-    if (depth == 0 && scene.isOneOf(end, "AND", "OR", "NOT", ")", "ORDER", "FORMAT", ";")) break;
-    if (scene.is(end, "(")) ++depth;
-    if (scene.is(end, ")") && depth > 0) --depth;
-  }
-  return scene.slice(scene.offsetOf(begin), scene.offsetOf(end));
-}
 
 // The parenthesis that closes the one which encloses a piece; the number of pieces when none does.
 std::size_t closingAfter(const Scene& scene, std::size_t piece) {
@@ -72,7 +45,7 @@ Answer comparisonWithNull(const Scene& scene) {
   if (!isUnequal && !scene.is(sign, "=")) return {};
   const std::size_t place = scene.offsetOf(isFirst ? scene.at : sign);
   if (scene.isFilter) return Scene::Found{"a condition on NULL never matches in a filter: leave it out", place};
-  const std::string operand = isFirst ? operandFrom(scene, sign + 1) : operandBefore(scene, sign);
+  const std::string operand = isFirst ? scene.operandFrom(sign + 1) : scene.operandBefore(sign);
   return Scene::Found{"test for NULL with IS: " + operand + (isUnequal ? " IS NOT NULL" : " IS NULL"), place};
 }
 
@@ -80,8 +53,8 @@ Answer lateNot(const Scene& scene) {
   if (!scene.isSyntax() || !scene.is(scene.at, "NOT") || scene.at == 0) return {};
   if (!scene.isOneOf(scene.at + 1, "LIKE", "ISA", "ANY", "EVERY")) return {};
   if (scene.isFilter) return scene.here(kNoNot);
-  return scene.here("NOT goes before the comparison: NOT " + operandBefore(scene, scene.at) + " " +
-                    operandFrom(scene, scene.at + 1));
+  return scene.here("NOT goes before the comparison: NOT " + scene.operandBefore(scene.at) + " " +
+                    scene.operandFrom(scene.at + 1));
 }
 
 Answer doubleEquals(const Scene& scene) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "Cimom/QORQL/Face/QORQL_HintRules.h"
 #include "Cimom/QORQL/Face/QORQL_Suggestion.h"
@@ -18,8 +19,6 @@ std::string inLowerCase(std::string text) {
   return text;
 }
 
-std::string textOf(const QORString& text) { return std::string(text.view()); }
-
 constexpr char kNoFunctions[] = "a function has no value in a filter: select properties";
 
 struct ForeignWord {
@@ -29,12 +28,12 @@ struct ForeignWord {
 constexpr char kFirst[] = "to see the first rows only, write SELECT FIRST n ...";
 constexpr char kFrom[] =
     "list the classes in FROM, separated by commas; WHERE joins them, by values or through an association";
+constexpr char kPlain[] = "there are no patterns: LIKE finds a plain text anywhere in another one";
 constexpr ForeignWord kForeignWords[] = {
     {"FETCH", kFirst},
     {"ROWS", kFirst},
     {"LIMIT", kFirst},
     {"TOP", kFirst},
-    {"DISTINCT", "there is no DISTINCT: every row is shown"},
     {"HAVING", "there is no HAVING: an aggregate covers all rows"},
     {"JOIN", kFrom},
     {"INNER", kFrom},
@@ -42,8 +41,10 @@ constexpr ForeignWord kForeignWords[] = {
     {"LEFT", "an outer join is written in WHERE, as A.x *= B.y"},
     {"RIGHT", "an outer join is written in WHERE, as A.x =* B.y"},
     {"FULL", "an outer join is written in WHERE, as A.x *=* B.y"},
-    {"IN", "there is no IN: ask for one value at a time with ="},
-    {"BETWEEN", "there is no BETWEEN: write x >= least AND x <= greatest"},
+    {"REGEXP", kPlain},
+    {"RLIKE", kPlain},
+    {"MATCHES", kPlain},
+    {"GLOB", kPlain},
     {"UNION", "there is no UNION: run one statement after the other"},
     {"OFFSET", kFirst},
     {"WITHIN", "there is no WITHIN: leave it out"},
@@ -61,15 +62,60 @@ Answer firstWithoutNumber(const Scene& scene) {
                       scene.offsetOf(first)};
 }
 
-// IN and BETWEEN, under NOT or in a filter, which has no OR.
-std::string hintOfValues(const Scene& scene, std::size_t word, bool isNegated) {
-  const std::string run = scene.isFilter ? "use one filter with " : "run one statement with ";
-  if (scene.is(word, "IN")) {
-    return isNegated ? "there is no IN: write x <> a AND x <> b"
-                     : "there is no IN: use one filter for each value, with =";
+// The values in the parentheses behind IN; none where they are not values.
+std::vector<std::string> valuesBehind(const Scene& scene, std::size_t in) {
+  constexpr std::size_t kMost = 4;
+  std::vector<std::string> values;
+  std::size_t begin = in + 2;
+  if (!scene.is(in + 1, "(") || scene.is(begin, "SELECT")) return {};
+  for (std::size_t piece = begin; piece < scene.pieces.all().size(); ++piece) {
+    if (!scene.isOneOf(piece, ",", ")")) continue;
+    const std::string value = scene.slice(scene.offsetOf(begin), scene.offsetOf(piece));
+    if (value.empty()) return {};
+    values.push_back(values.size() < kMost ? value : "...");
+    if (scene.is(piece, ")") || values.size() > kMost) return values;
+    begin = piece + 1;
   }
-  return isNegated ? "there is no BETWEEN: " + run + "x < least and one with x > greatest"
-                   : "there is no BETWEEN: write x >= least AND x <= greatest";
+  return {};
+}
+
+std::string hintOfIn(const Scene& scene, std::size_t in, bool isNegated) {
+  const std::string operand = scene.operandBefore(isNegated ? in - 1 : in);
+  const std::vector<std::string> values = valuesBehind(scene, in);
+  const std::string start = "there is no IN: ";
+  const std::string one = scene.isFilter ? "use one filter for each value" : "run one statement for each value";
+  if (operand.empty() || values.empty()) return start + (isNegated ? "write <> for each value, with AND" : one);
+  if (!isNegated) return start + one + ", as with " + operand + " = " + values.front();
+  std::string conditions;
+  for (const std::string& value : values) {
+    conditions += (conditions.empty() ? "" : " AND ") + (value == "..." ? value : operand + " <> " + value);
+  }
+  return start + "write " + conditions;
+}
+
+std::string hintOfBetween(const Scene& scene, std::size_t between, bool isNegated) {
+  const std::string operand = scene.operandBefore(isNegated ? between - 1 : between);
+  const std::size_t both = scene.find("AND", between);
+  const std::string least = scene.operandFrom(between + 1);
+  const std::string most = both == kNowhere ? "" : scene.operandFrom(both + 1);
+  const bool isWhole = !operand.empty() && !least.empty() && !most.empty();
+  const std::string x = isWhole ? operand : "x";
+  const std::string from = x + (isNegated ? " < " : " >= ") + (isWhole ? least : "least");
+  const std::string to = x + (isNegated ? " > " : " <= ") + (isWhole ? most : "greatest");
+  const std::string run = scene.isFilter ? "use one filter with " : "run one statement with ";
+  return "there is no BETWEEN: " + (isNegated ? run + from + " and one with " + to : "write " + from + " AND " + to);
+}
+
+// The command that leaves out equal rows of the statement without DISTINCT.
+std::string hintOfDistinct(const Scene& scene, std::size_t distinct) {
+  const bool isCounted = scene.is(distinct - 1, "(");
+  const std::size_t from = scene.find("FROM");
+  if (from == kNowhere || from <= distinct + 1) return "there is no DISTINCT: every row is shown";
+  const std::string column = scene.slice(scene.offsetOf(distinct + 1), scene.offsetOf(distinct + 2));
+  const std::string rest = scene.slice(scene.offsetOf(isCounted ? from : distinct + 1), scene.pieces.text().size());
+  return "there is no DISTINCT: every row is shown. Another program leaves out equal ones: "
+         "qorql -o csv --no-header \"SELECT " +
+         (isCounted ? column + " " : "") + rest + "\" | sort -u" + (isCounted ? " | wc -l" : "");
 }
 
 // The last word of the reference that begins there.
@@ -127,16 +173,16 @@ Answer foreignWord(const Scene& scene) {
   const bool isBefore = scene.at > 0 && scene.is(scene.at - 1, "TOP");
   const bool isNegated = scene.is(scene.at, "NOT");
   const std::size_t at = isBefore ? scene.at - 1 : isNegated ? scene.at + 1 : scene.at;
-  const bool isCondition = scene.isOneOf(at, "IN", "BETWEEN");
-  if (isCondition && (isNegated || scene.isFilter)) {
-    return Scene::Found{hintOfValues(scene, at, isNegated), scene.offsetOf(at)};
-  }
+  if (scene.is(at, "IN")) return Scene::Found{hintOfIn(scene, at, isNegated), scene.offsetOf(at)};
+  if (scene.is(at, "BETWEEN")) return Scene::Found{hintOfBetween(scene, at, isNegated), scene.offsetOf(at)};
+  if (scene.is(at, "DISTINCT") && !scene.isFilter) return scene.here(hintOfDistinct(scene, at));
   for (const ForeignWord& known : kForeignWords) {
     if (!scene.is(at, known.word)) continue;
     const bool isOfQueries = scene.isFilter && !scene.is(at, "WITHIN");
     return Scene::Found{isOfQueries ? "a filter has no " + std::string(known.word) + ": leave it out" : known.hint,
                         scene.offsetOf(at)};
   }
+  if (scene.is(at, "DISTINCT")) return scene.here("a filter has no DISTINCT: leave it out");
   return {};
 }
 

@@ -13,10 +13,8 @@ namespace {
 
 using namespace QORQL_HintRules;
 
-std::string textOf(const QORString& text) { return std::string(text.view()); }
-
-constexpr const char* kKeywords[] = {"SELECT", "FROM", "WHERE", "ORDER", "BY",   "ASC", "DESC", "FORMAT",
-                                     "AS",     "AND",  "OR",    "NOT",   "LIKE", "IS",  "NULL", "ISA"};
+constexpr const char* kClauseWords[] = {"SELECT", "FROM", "WHERE", "ORDER", "BY",   "ASC", "DESC", "FORMAT",
+                                        "AS",     "AND",  "OR",    "NOT",   "LIKE", "IS",  "NULL", "ISA"};
 
 // --- the language's own words --------------------------------------------------------
 
@@ -58,6 +56,13 @@ Answer keywordAsName(const Scene& scene) {
                     "SELECT * shows it");
 }
 
+// Whether a name, a value or a parenthesis ends there.
+bool isEndOfOperand(const Scene& scene, std::size_t piece) {
+  if (piece >= scene.pieces.all().size()) return false;
+  const QORQL_TextPieces::Kind kind = scene.pieces.all()[piece].kind;
+  return kind != QORQL_TextPieces::Kind::Sign || scene.isOneOf(piece, ")", "]");
+}
+
 Answer unnamedColumn(const Scene& scene) {
   if (scene.fault.kind != Fault::kColumnUnnamed) return {};
   std::size_t end = scene.at;
@@ -67,14 +72,32 @@ Answer unnamedColumn(const Scene& scene) {
     if (scene.is(end, "(")) ++depth;
     if (scene.is(end, ")") && depth > 0) --depth;
   }
-  return scene.here("give it a name with AS: " + scene.slice(scene.offset, scene.offsetOf(end)) + " AS Value");
+  // Size / 2 Half: the name is there, and AS is not.
+  const bool isNamed = end > scene.at + 1 && scene.pieces.isWord(end - 1) && isEndOfOperand(scene, end - 2);
+  const std::size_t last = isNamed ? end - 1 : end;
+  return scene.here("give it a name with AS: " + scene.slice(scene.offset, scene.offsetOf(last)) + " AS " +
+                    (isNamed ? scene.word(last) : "Value"));
+}
+
+// SELECT Name Size FROM Class
+Answer missingComma(const Scene& scene) {
+  const bool isHere = scene.isSyntax() && scene.at > 1 && scene.pieces.isWord(scene.at);
+  const std::size_t from = scene.find("FROM");
+  if (!isHere || from == kNowhere || from <= scene.at || !scene.isOneOf(scene.at + 1, ",", "FROM")) return {};
+  if (!isEndOfOperand(scene, scene.at - 1) || scene.isOneOf(scene.at - 1, "SELECT", "FIRST")) return {};
+  const bool isFirstColumn = scene.is(1, "FIRST") && scene.find(",") > scene.at;
+  const std::string column =
+      isFirstColumn ? scene.slice(scene.offsetOf(3), scene.offset) : scene.operandBefore(scene.at);
+  const std::string name = scene.word(scene.at);
+  return scene.here("a comma is missing: " + column + ", " + name +
+                    (scene.isFilter ? "" : "; or AS: " + column + " AS " + name));
 }
 
 Answer typingError(const Scene& scene) {
   if (!scene.isSyntax() || !scene.pieces.isWord(scene.at)) return {};
   QORQL_Suggestion suggestion(scene.word(scene.at));
-  for (const char* const keyword : kKeywords) {
-    if (scene.at == 0 && keyword != kKeywords[0]) break;
+  for (const char* const keyword : kClauseWords) {
+    if (scene.at == 0 && keyword != kClauseWords[0]) break;
     suggestion.consider(keyword);
   }
   const bool isMeant = !suggestion.best().empty() && !scene.is(scene.at, suggestion.best());
@@ -116,6 +139,11 @@ Answer classMeant(const Scene& scene) {
   return suggestion.best().empty() ? Answer() : scene.here("did you mean " + suggestion.best() + "?");
 }
 
+Answer pathUnread(const Scene& scene) {
+  if (scene.fault.kind != Fault::kPathUnread) return {};
+  return scene.here("a query does not read the properties of embedded objects");
+}
+
 // --- the table -----------------------------------------------------------------------
 
 struct Rule {
@@ -151,12 +179,14 @@ constexpr Rule kRules[] = {
     {"column-beside-aggregate", columnBesideAggregate},
     {"typing-error", typingError},
     {"missing-as", missingAs},
+    {"missing-comma", missingComma},
     {"half-association", halfAssociation},
     {"missing-value", missingValue},
     {"missing-element", missingElement},
     {"incomparable", incomparable},
     {"property-meant", propertyMeant},
     {"class-meant", classMeant},
+    {"path", pathUnread},
 };
 
 // Of the first rule that knows one.

@@ -18,6 +18,8 @@ using Answer = std::optional<QORQL_HintScene::Found>;
 
 constexpr std::size_t kNowhere = QORQL_TextPieces::kNowhere;
 
+inline std::string textOf(const QORString& text) { return std::string(text.view()); }
+
 // Quotes, blanks and comments: QORQL_QuoteHints.cpp.
 Answer curlyQuote(const Scene& scene);
 Answer openQuote(const Scene& scene);

@@ -48,6 +48,29 @@ std::size_t QORQL_HintScene::openingBefore(std::size_t piece) const {
   return kNowhere;
 }
 
+std::string QORQL_HintScene::operandBefore(std::size_t end) const {
+  std::size_t depth = 0;
+  std::size_t begin = end;
+  for (; begin > 0; --begin) {
+    const std::size_t before = begin - 1;
+    if (depth == 0 && isOneOf(before, "WHERE", "AND", "OR", "NOT", "(", "SELECT", ",")) break;
+    if (is(before, ")")) ++depth;
+    if (is(before, "(") && depth > 0) --depth;
+  }
+  return slice(offsetOf(begin), offsetOf(end));
+}
+
+std::string QORQL_HintScene::operandFrom(std::size_t begin) const {
+  std::size_t depth = 0;
+  std::size_t end = begin;
+  for (; end < pieces.all().size(); ++end) {
+    if (depth == 0 && isOneOf(end, "AND", "OR", "NOT", ")", "ORDER", "FORMAT", ";")) break;
+    if (is(end, "(")) ++depth;
+    if (is(end, ")") && depth > 0) --depth;
+  }
+  return slice(offsetOf(begin), offsetOf(end));
+}
+
 std::string QORQL_HintScene::reference() const {
   std::size_t last = at;
   while (isOneOf(last + 1, ".", "::") && pieces.isWord(last + 2)) last += 2;

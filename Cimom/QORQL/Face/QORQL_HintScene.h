@@ -38,6 +38,10 @@ struct QORQL_HintScene {
   std::size_t find(std::string_view word, std::size_t from = 0) const;
   // The parenthesis that encloses a piece; kNowhere when none does.
   std::size_t openingBefore(std::size_t piece) const;
+  // The operand that ends before that piece, back to the keyword or parenthesis it stands behind.
+  std::string operandBefore(std::size_t end) const;
+  // The operand that begins with that piece, to the keyword or parenthesis that ends it.
+  std::string operandFrom(std::size_t begin) const;
   // The reference at the place of the fault as it is written, or the name of the property that is at fault there.
   std::string reference() const;
   // The classes that the name at fault was asked of, those of FROM where it has no class.

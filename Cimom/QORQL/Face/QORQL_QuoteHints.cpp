@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "Cimom/QORQL/Face/QORQL_HintRules.h"
 
@@ -43,6 +44,27 @@ Answer nameWithoutQuotes(std::size_t offset, const std::string& inner, const std
   const std::string name = asName(inner);
   if (name.empty()) return {};
   return Scene::Found{"names go without " + signs + ": " + name, offset};
+}
+
+// "Name" = 'x': quotes at the left of a comparison hold a property that is known. Where none is known, as in filters,
+// what is compared with a value is one.
+bool isPropertyInQuotes(const Scene& scene, const std::string& inner) {
+  const bool isLeft = scene.at > 0 && scene.isOneOf(scene.at - 1, "WHERE", "AND", "OR", "NOT", "(");
+  if (!isLeft || asName(inner) != inner) return false;
+  if (scene.names.properties) {
+    const auto has = [&](const QORString& className) {
+      const std::vector<QORString> all = scene.names.properties(className);
+      return std::any_of(all.begin(), all.end(),
+                         [&](const QORString& name) { return name.isEqualCaseInsensitive(QORString(inner)); });
+    };
+    const std::vector<QORString> classes = scene.classesAsked();
+    return std::any_of(classes.begin(), classes.end(), has);
+  }
+  std::size_t sign = scene.at + 1;
+  while (sign < scene.pieces.all().size() && !scene.is(sign, "\"")) ++sign;
+  const std::size_t value = ++sign + 1;
+  if (!scene.isOneOf(sign, "=", "<>", "!=", "<", "<=", ">", ">=", "LIKE")) return false;
+  return value < scene.pieces.all().size() && scene.pieces.all()[value].kind != Kind::Word;
 }
 
 // EX_DiskWHERE Size: the blank before WHERE is missing, and the word behind it is at fault.
@@ -105,7 +127,8 @@ Answer doubleQuote(const Scene& scene) {
   const bool isHere = scene.isSyntax() || scene.fault.kind == Fault::kNameExpected;
   if (!isHere || !scene.is(scene.at, "\"")) return {};
   const std::string inner = quotedText(scene, scene.offset + 1, '"');
-  if (isPlaceOfName(scene, scene.at)) return nameWithoutQuotes(scene.offset, inner);
+  const bool isName = isPlaceOfName(scene, scene.at) || isPropertyInQuotes(scene, inner);
+  if (isName) return nameWithoutQuotes(scene.offset, inner);
   return inner.empty() ? Answer() : scene.here("text goes in single quotes: '" + inner + "'");
 }
 

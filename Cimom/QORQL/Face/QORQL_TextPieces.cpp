@@ -4,19 +4,14 @@
 
 #include <algorithm>
 
+#include "Cimom/QORQL/QORQL_Text.h"
 #include "cmpbase.h"
 
-namespace {
-
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
-bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
-
-}  // namespace
+namespace {}  // namespace
 
 QORQL_TextPieces::QORQL_TextPieces(std::string_view text) : _text(text) {
   for (std::size_t start = 0; start < _text.size();) {
-    if (isBlank(_text[start])) {
+    if (QORQL_isBlank(_text[start])) {
       ++start;
       continue;
     }
@@ -30,12 +25,12 @@ QORQL_TextPieces::QORQL_TextPieces(std::string_view text) : _text(text) {
 std::size_t QORQL_TextPieces::endOfPiece(std::size_t start, Kind& kind) const {
   const char first = _text[start];
   std::size_t end = start + 1;
-  if (isLetter(first)) {
+  if (QORQL_isLetter(first)) {
     kind = Kind::Word;
-    while (end < _text.size() && (isLetter(_text[end]) || isDigit(_text[end]))) ++end;
-  } else if (isDigit(first)) {
+    while (end < _text.size() && QORQL_isWordByte(_text[end])) ++end;
+  } else if (QORQL_isDigit(first)) {
     kind = Kind::Number;
-    while (end < _text.size() && isDigit(_text[end])) ++end;
+    while (end < _text.size() && QORQL_isDigit(_text[end])) ++end;
   } else if (first == '\'') {
     kind = Kind::Literal;
     end = _text.find_first_of("'\n", end);

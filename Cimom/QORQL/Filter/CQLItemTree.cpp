@@ -18,28 +18,28 @@ struct CQLItemTree::Node {
 
 namespace {
 
-using Node = CQLItemTree::Node;
+using TreeNode = CQLItemTree::Node;
 
 constexpr QORuint32 kWidest = 32;
 
 // The room to note it is reserved first, so that no node is lost.
-Node* makeNode(const CQLTreeEntry* entries, QORuint32 count, bool isLeaf, CQLItemTree::Steps& steps) {
-  static_assert(sizeof(Node) % alignof(CQLTreeEntry) == 0);
+TreeNode* makeNode(const CQLTreeEntry* entries, QORuint32 count, bool isLeaf, CQLItemTree::Steps& steps) {
+  static_assert(sizeof(TreeNode) % alignof(CQLTreeEntry) == 0);
   steps.made.push_back(nullptr);
-  Node* const node = new (::operator new(sizeof(Node) + count * sizeof(CQLTreeEntry))) Node{count, isLeaf};
+  TreeNode* const node = new (::operator new(sizeof(TreeNode) + count * sizeof(CQLTreeEntry))) TreeNode{count, isLeaf};
   std::uninitialized_copy_n(entries, count, node->entries());
   steps.made.back() = node;
   return node;
 }
 
 // The place of the last entry that is not above the given one, the first one at least.
-QORuint32 childFor(const Node& node, const CQLTreeEntry& entry) noexcept {
+QORuint32 childFor(const TreeNode& node, const CQLTreeEntry& entry) noexcept {
   const CQLTreeEntry* const begin = node.entries();
   const CQLTreeEntry* const above = std::upper_bound(begin, begin + node.count, entry);
   return above == begin ? 0 : static_cast<QORuint32>(above - begin) - 1;
 }
 
-QORuint32 placeFor(const Node& node, const CQLTreeEntry& entry) noexcept {
+QORuint32 placeFor(const TreeNode& node, const CQLTreeEntry& entry) noexcept {
   const CQLTreeEntry* const begin = node.entries();
   return static_cast<QORuint32>(std::lower_bound(begin, begin + node.count, entry) - begin);
 }
@@ -53,19 +53,19 @@ struct Draft {
     std::copy_n(from, number, entries + count);
     count += number;
   }
-  void addNode(const Node* node) noexcept {
+  void addNode(const TreeNode* node) noexcept {
     if (node != nullptr) entries[count++] = {node->entries()[0].hash, node->entries()[0].order, node};
   }
   CQLItemTree::Made make(bool isLeaf, CQLItemTree::Steps& steps) const {
     if (count == 0) return {};
     if (count <= kWidest) return {makeNode(entries, count, isLeaf, steps), nullptr};
     const QORuint32 half = count / 2;
-    const Node* const first = makeNode(entries, half, isLeaf, steps);
+    const TreeNode* const first = makeNode(entries, half, isLeaf, steps);
     return {first, makeNode(entries + half, count - half, isLeaf, steps)};
   }
 };
 
-CQLItemTree::Made insertInto(const Node& node, const CQLTreeEntry& entry, CQLItemTree::Steps& steps) {
+CQLItemTree::Made insertInto(const TreeNode& node, const CQLTreeEntry& entry, CQLItemTree::Steps& steps) {
   Draft draft;
   if (node.isLeaf) {
     const QORuint32 at = placeFor(node, entry);
@@ -84,7 +84,7 @@ CQLItemTree::Made insertInto(const Node& node, const CQLTreeEntry& entry, CQLIte
   return draft.make(node.isLeaf, steps);
 }
 
-const Node* eraseFrom(const Node& node, const CQLTreeEntry& entry, CQLItemTree::Steps& steps) {
+const TreeNode* eraseFrom(const TreeNode& node, const CQLTreeEntry& entry, CQLItemTree::Steps& steps) {
   Draft draft;
   const QORuint32 at = node.isLeaf ? placeFor(node, entry) : childFor(node, entry);
   draft.add(node.entries(), at);
@@ -96,7 +96,7 @@ const Node* eraseFrom(const Node& node, const CQLTreeEntry& entry, CQLItemTree::
 
 }  // namespace
 
-const Node* CQLItemTree::insert(const Node* root, const CQLTreeEntry& entry, Steps& steps) {
+const TreeNode* CQLItemTree::insert(const TreeNode* root, const CQLTreeEntry& entry, Steps& steps) {
   if (root == nullptr) return makeNode(&entry, 1, true, steps);
   const Made made = insertInto(*root, entry, steps);
   if (made.second == nullptr) return made.first;
@@ -106,11 +106,11 @@ const Node* CQLItemTree::insert(const Node* root, const CQLTreeEntry& entry, Ste
   return draft.make(false, steps).first;
 }
 
-const Node* CQLItemTree::erase(const Node* root, const CQLTreeEntry& entry, Steps& steps) {
-  const Node* made = eraseFrom(*root, entry, steps);
+const TreeNode* CQLItemTree::erase(const TreeNode* root, const CQLTreeEntry& entry, Steps& steps) {
+  const TreeNode* made = eraseFrom(*root, entry, steps);
   // A root with a single child is replaced by the child.
   while (made != nullptr && !made->isLeaf && made->count == 1) {
-    const Node* const child = made->child(0);
+    const TreeNode* const child = made->child(0);
     steps.replaced.push_back(made);
     made = child;
   }
@@ -119,19 +119,19 @@ const Node* CQLItemTree::erase(const Node* root, const CQLTreeEntry& entry, Step
 
 void CQLItemTree::freeNode(const void* node) noexcept { ::operator delete(const_cast<void*>(node)); }
 
-void CQLItemTree::destroy(const Node* root) noexcept {
+void CQLItemTree::destroy(const TreeNode* root) noexcept {
   if (root == nullptr) return;
   for (QORuint32 i = 0; !root->isLeaf && i < root->count; ++i) destroy(root->child(i));
   freeNode(root);
 }
 
-const void* CQLItemTree::find(const Node* root, QORuint64 hash) noexcept {
+const void* CQLItemTree::find(const TreeNode* root, QORuint64 hash) noexcept {
   const CQLTreeEntry* const entry = Cursor(root, {hash, 0, nullptr}).get();
   return entry != nullptr && entry->hash == hash && entry->order == 0 ? entry->target : nullptr;
 }
 
-CQLItemTree::Cursor::Cursor(const Node* root, const CQLTreeEntry& least) noexcept {
-  for (const Node* node = root; node != nullptr; node = node->child(_steps[_depth - 1].at)) {
+CQLItemTree::Cursor::Cursor(const TreeNode* root, const CQLTreeEntry& least) noexcept {
+  for (const TreeNode* node = root; node != nullptr; node = node->child(_steps[_depth - 1].at)) {
     _steps[_depth] = {node, node->isLeaf ? placeFor(*node, least) : childFor(*node, least)};
     ++_depth;
     if (node->isLeaf) break;

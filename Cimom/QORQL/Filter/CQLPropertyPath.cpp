@@ -2,21 +2,20 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Filter/CQLPropertyPath.h"
 
+#include "Cimom/QORQL/QORQL_Text.h"
 namespace {
 
 using Object = QORSmrPtr<IQoriObject>;
 using Value = QORSmrPtr<IQoriValue>;
 
-QORString textOf(const QORSmrPtr<QORString>& text) { return text.IsNull() ? QORString::emptyString() : *text; }
-
 }  // namespace
 
 // A leading FROM name stands for the instance itself.
 CQLPropertyPath::CQLPropertyPath(const CQLScope& scope, const QORQL_Factor& factor)
-    : _scope(scope), _requiredClass(textOf(factor.getPropertyScope())), _index(factor.getArrayIndexList()) {
-  const QORString property(textOf(factor.getPropertyName()));
+    : _scope(scope), _requiredClass(QORQL_textOrEmpty(factor.getPropertyScope())), _index(factor.getArrayIndexList()) {
+  const QORString property(QORQL_textOrEmpty(factor.getPropertyName()));
   if (factor.getClassName().IsNull() || property.isEmpty() || property == '*') return;
-  const QORString chain(textOf(factor.getChain()));
+  const QORString chain(QORQL_textOrEmpty(factor.getChain()));
   addSteps(chain.find(".") == QORString::npos ? *factor.getClassName() : chain, scope);
   if (_steps.empty()) _requiredClass = QORString::emptyString();
   _steps.push_back(std::make_unique<Step>(property));

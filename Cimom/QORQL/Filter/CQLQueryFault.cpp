@@ -33,6 +33,7 @@ CQLQueryFault::Kind kindOf(QORQL_Fault::Kind kind) {
     case QORQL_Fault::kElementMissing:
     case QORQL_Fault::kValuesIncomparable:
     case QORQL_Fault::kNumberExpected:
+    case QORQL_Fault::kPathUnread:
     case QORQL_Fault::kOther:
       break;
   }

@@ -36,18 +36,18 @@ Mark* takeMark() {
 }
 
 constinit thread_local Mark* theMark = nullptr;
-constinit thread_local bool hasThreadEnded = false;
+constinit thread_local bool hasMarkEnded = false;
 
 void giveMarkBack() noexcept { std::exchange(theMark, nullptr)->isTaken.store(false, std::memory_order_release); }
 
 // Gives the thread's mark back at its end. A section that is still there, or that
 // a later destructor of the thread makes, does so itself.
-struct Holder {
-  Holder() = default;
-  Holder(const Holder&) = delete;
-  Holder& operator=(const Holder&) = delete;
-  ~Holder() {
-    hasThreadEnded = true;
+struct MarkHolder {
+  MarkHolder() = default;
+  MarkHolder(const MarkHolder&) = delete;
+  MarkHolder& operator=(const MarkHolder&) = delete;
+  ~MarkHolder() {
+    hasMarkEnded = true;
     if (theMark != nullptr && theMark->nesting == 0) giveMarkBack();
   }
 };
@@ -55,7 +55,7 @@ struct Holder {
 Mark& ownMark() {
   if (theMark == nullptr) {
     theMark = takeMark();
-    static thread_local const Holder theHolder;
+    static thread_local const MarkHolder theMarkHolder;
   }
   return *theMark;
 }
@@ -82,7 +82,7 @@ CQLReadSection::~CQLReadSection() {
   Mark& mark = *theMark;
   if (--mark.nesting != 0) return;
   mark.epoch.store(kIdle, std::memory_order_release);
-  if (hasThreadEnded) [[unlikely]]
+  if (hasMarkEnded) [[unlikely]]
     giveMarkBack();
 }
 

@@ -7,16 +7,16 @@
 #include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_Function.h"
+#include "Cimom/QORQL/QORQL_Text.h"
 
 namespace {
-
-QORString textOf(const QORSmrPtr<QORString>& text) { return text.IsNull() ? QORString::emptyString() : *text; }
 
 class ReferenceCollector : public QORQL_ExpressionVisitor {
  public:
   void visitFactor(const QORQL_Factor& factor) override {
     if (factor.getClassName().IsNull()) return;
-    references.push_back({*factor.getClassName(), textOf(factor.getPropertyName()), textOf(factor.getChain())});
+    references.push_back(
+        {*factor.getClassName(), QORQL_textOrEmpty(factor.getPropertyName()), QORQL_textOrEmpty(factor.getChain())});
   }
   // A function comes right after its argument; a class in OBJECTPATH has a word
   // in the property's place.

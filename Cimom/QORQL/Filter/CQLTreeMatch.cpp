@@ -42,7 +42,7 @@ Value valueOrNull(const Compute& compute) {
   }
 }
 
-bool isText(const Value& value) {
+bool isStringValue(const Value& value) {
   return !value.IsNull() && !value->isArray() && value->getType()->getName() == "string";
 }
 
@@ -103,7 +103,7 @@ QoriTruth CQLTreeMatch::decideOperator(const QORQL_Comparison& comparison) const
 QoriTruth CQLTreeMatch::decideIsa(const QORQL_Comparison& comparison) const {
   const QORString property(isaProperty(_scope, comparison));
   const Value className(sum(comparison.getRHSArithmeticExpression()));
-  if (property.isEmpty() || !isText(className)) return QoriTruth::Null;
+  if (property.isEmpty() || !isStringValue(className)) return QoriTruth::Null;
   return CQLIsa(_scope, property, className->toString()).test(*_instance);
 }
 
@@ -117,7 +117,7 @@ QORString CQLTreeMatch::isaProperty(const CQLScope& scope, const QORQL_Compariso
   }
   if (!CQLIsConstant(left)) return {};
   const Value text(constant(scope, left));
-  return isText(text) ? text->toString() : QORString();
+  return isStringValue(text) ? text->toString() : QORString();
 }
 
 CQLTreeMatch::Value CQLTreeMatch::sum(const Node& node) const {

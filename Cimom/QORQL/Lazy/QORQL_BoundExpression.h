@@ -52,14 +52,14 @@ class QORQL_Binder {
   // The same of the object as it was fetched; NULL where it lacks the property.
   std::unique_ptr<QORQL_BoundValue> bindFetched(const QORString& className, const QORString& propertyName) const;
   std::unique_ptr<QORQL_BoundValue> bindEntry(const QORQL_SelectedEntry& entry) const;
+  // The extent column of a class or alias; -1 when the table has none.
+  QORsint32 sourceColumn(const QORString& className) const;
 
  private:
   std::unique_ptr<QORQL_BoundValue> bindFactor(const class QORQL_Factor& factor) const;
   std::unique_ptr<QORQL_BoundValue> bindFunction(const class QORQL_Function& function) const;
   template <class Node>
   std::unique_ptr<QORQL_BoundValue> bindChain(const Node& node) const;
-  // The extent column of a class or alias; -1 when the table has none.
-  QORsint32 sourceColumn(const QORString& className) const;
 
   const QORQL_DataTable& _table;
 };

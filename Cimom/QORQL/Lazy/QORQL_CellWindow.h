@@ -27,6 +27,11 @@ class QORQL_CellWindow {
     if (row - _first >= _count) fill(block, row);
     return &_cells[static_cast<std::size_t>(row - _first)];
   }
+  // How many rows from this one on have their cells read: those of the next row stand right behind, column by column.
+  std::size_t runFrom(const QORQL_RowBlock& block, QORuint64 row) {
+    cells(block, row);
+    return _count - static_cast<std::size_t>(row - _first);
+  }
   static constexpr std::size_t offsetOf(std::size_t column) noexcept { return column * QORQL_PropertyColumn::kBatch; }
 
  private:

@@ -18,7 +18,7 @@
 
 namespace {
 
-constexpr QORuint32 kEnd = 0xffffffffU;
+constexpr QORuint32 kEndOfList = 0xffffffffU;
 
 bool isTrue(const QoriScalar& left, QoriRelation relation, const QoriScalar& right) noexcept {
   return QORQL_relateViews(left, relation, right) == QORQL_ViewTruth::True;
@@ -27,10 +27,10 @@ bool isTrue(const QoriScalar& left, QoriRelation relation, const QoriScalar& rig
 // The rows of one block by key, rows of equal hash chained in ascending order.
 class KeyIndex {
  public:
-  explicit KeyIndex(const QORQL_JoinKeys& keys) : _keys(keys), _next(keys.keys().size(), kEnd) {
+  explicit KeyIndex(const QORQL_JoinKeys& keys) : _keys(keys), _next(keys.keys().size(), kEndOfList) {
     std::size_t size = 16;
     while (size < _next.size() * 2) size *= 2;
-    _heads.assign(size, kEnd);
+    _heads.assign(size, kEndOfList);
     for (std::size_t row = _next.size(); row-- != 0;) {
       if (keys.keys()[row].isNull()) continue;
       QORuint32& head = _heads[keys.hashes()[row] & (size - 1)];
@@ -42,7 +42,7 @@ class KeyIndex {
   template <class Callback>
   void forEachLike(QORuint32 hash, const Callback& callback) const {
     const QORuint32* const hashes = _keys.hashes().data();
-    for (QORuint32 row = _heads[hash & (_heads.size() - 1)]; row != kEnd; row = _next[row]) {
+    for (QORuint32 row = _heads[hash & (_heads.size() - 1)]; row != kEndOfList; row = _next[row]) {
       if (hashes[row] == hash) callback(row);
     }
   }

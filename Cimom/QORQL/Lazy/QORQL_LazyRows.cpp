@@ -34,6 +34,18 @@ QORQL_Extent::QORQL_Extent(const ObjectList& list) : _list(list), _cursor(std::i
   });
 }
 
+void QORQL_RowBlock::fetch(const QORQL_Extent& extent, QORuint32 column, QORuint64 first, std::size_t count,
+                           const IQoriObject** objects) const {
+  if (isWholeExtent) return extent.copyRun(static_cast<QORuint32>(first), count, objects);
+  const std::size_t width = columns.size();
+  const auto place = std::lower_bound(columns.begin(), columns.end(), column) - columns.begin();
+  const QORuint32* const indexes = tuples.data() + first * width + static_cast<std::size_t>(place);
+  for (std::size_t i = 0; i < count; ++i) {
+    const QORuint32 index = indexes[i * width];
+    objects[i] = index == QORQL_kNoObject ? nullptr : extent.object(index);
+  }
+}
+
 // One object without a layout is enough: the extent has none then.
 void QORQL_Extent::noteLayout(const IQoriLayout* layout) {
   if (layout == nullptr) {

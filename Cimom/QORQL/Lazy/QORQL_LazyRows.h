@@ -72,6 +72,10 @@ struct QORQL_RowBlock {
   QORuint32 index(QORuint64 row, std::size_t place) const noexcept {
     return isWholeExtent ? static_cast<QORuint32>(row) : tuples[row * columns.size() + place];
   }
+  // One column's objects in `count` rows from `first` on; null for none. REQUIRES a column of the block, with its
+  // extent.
+  void fetch(const QORQL_Extent& extent, QORuint32 column, QORuint64 first, std::size_t count,
+             const IQoriObject** objects) const;
 };
 
 // While there are several blocks, each is in ascending order of its tuples, and

@@ -3,27 +3,28 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Lazy/QORQL_NumberFold.h"
 
+#include <algorithm>
 #include <limits>
 
 #include "cimom/CQoriValue.h"
 
 namespace {
 
-using Kind = QoriScalarKind;
+using ScalarKind = QoriScalarKind;
 __extension__ using Wide = __int128;
 
 double real(const QoriScalar& number) noexcept {
-  if (number.kind == Kind::Real) return number.r;
-  return number.kind == Kind::Unsigned ? static_cast<double>(number.u) : static_cast<double>(number.s);
+  if (number.kind == ScalarKind::Real) return number.r;
+  return number.kind == ScalarKind::Unsigned ? static_cast<double>(number.u) : static_cast<double>(number.s);
 }
 
 Wide wide(const QoriScalar& number) noexcept {
-  return number.kind == Kind::Unsigned ? static_cast<Wide>(number.u) : static_cast<Wide>(number.s);
+  return number.kind == ScalarKind::Unsigned ? static_cast<Wide>(number.u) : static_cast<Wide>(number.s);
 }
 
 QoriScalar realNumber(double value) noexcept {
   QoriScalar number;
-  number.kind = Kind::Real;
+  number.kind = ScalarKind::Real;
   number.r = value;
   return number;
 }
@@ -34,10 +35,10 @@ QoriScalar fitted(Wide value, bool prefersUnsigned) noexcept {
   const bool fitsUnsigned = value >= 0 && value <= std::numeric_limits<QORuint64>::max();
   QoriScalar number;
   if (fitsUnsigned && (prefersUnsigned || !fitsSigned)) {
-    number.kind = Kind::Unsigned;
+    number.kind = ScalarKind::Unsigned;
     number.u = static_cast<QORuint64>(value);
   } else if (fitsSigned) {
-    number.kind = Kind::Signed;
+    number.kind = ScalarKind::Signed;
     number.s = static_cast<QORsint64>(value);
   }
   return number;
@@ -45,13 +46,50 @@ QoriScalar fitted(Wide value, bool prefersUnsigned) noexcept {
 
 }  // namespace
 
+bool QORQL_NumberFold::takesRun(const QoriScalar* values, std::size_t count) const noexcept {
+  if (_functionID == QORQL_FUNCTIONID_COUNT) return true;
+  return std::all_of(values, values + count,
+                     [](const QoriScalar& value) { return value.isNull() || value.isNumber(); });
+}
+
+std::size_t QORQL_NumberFold::addRun(const QoriScalar* values, std::size_t count, QORuint64 firstRow) noexcept {
+  std::size_t present = 0;
+  _hasRows = _hasRows || count != 0;
+  if (_functionID == QORQL_FUNCTIONID_COUNT) {
+    for (std::size_t i = 0; i < count; ++i) present += values[i].isNull() ? 0 : 1;
+    _count += present;
+    return present;
+  }
+  for (std::size_t i = 0; i < count; ++i) {
+    if (values[i].isNull()) continue;
+    ++present;
+    addNumber(values[i], firstRow + i);
+  }
+  return present;
+}
+
 void QORQL_NumberFold::addToSum(const QoriScalar& value) noexcept {
+  QORuint64 sum = 0;
+  const bool areUnsigned = _folded.kind == ScalarKind::Unsigned && value.kind == ScalarKind::Unsigned;
+  if (areUnsigned && !__builtin_add_overflow(_folded.u, value.u, &sum)) {
+    _folded.u = sum;
+    return;
+  }
   if (_folded.isNull()) return;
-  if (_folded.kind == Kind::Real || value.kind == Kind::Real) {
+  if (_folded.kind == ScalarKind::Real || value.kind == ScalarKind::Real) {
     _folded = realNumber(real(_folded) + real(value));
   } else {
-    _folded = fitted(wide(_folded) + wide(value), _folded.kind == Kind::Unsigned);
+    _folded = fitted(wide(_folded) + wide(value), _folded.kind == ScalarKind::Unsigned);
   }
+}
+
+bool QORQL_NumberFold::replaces(const QoriScalar& value) const noexcept {
+  const bool wantsLess = _functionID == QORQL_FUNCTIONID_MIN;
+  if (value.kind == ScalarKind::Unsigned && _folded.kind == ScalarKind::Unsigned) {
+    return wantsLess ? value.u < _folded.u : value.u > _folded.u;
+  }
+  const std::partial_ordering order = qori::compareNumbers(value, _folded);
+  return wantsLess ? order < 0 : order > 0;
 }
 
 bool QORQL_NumberFold::addNumber(const QoriScalar& value, QORuint64 row) noexcept {
@@ -64,8 +102,7 @@ bool QORQL_NumberFold::addNumber(const QoriScalar& value, QORuint64 row) noexcep
     addToSum(value);
     return true;
   }
-  const std::partial_ordering order = qori::compareNumbers(value, _folded);
-  if (_functionID == QORQL_FUNCTIONID_MIN ? order < 0 : order > 0) {
+  if (replaces(value)) {
     _folded = value;
     _row = row;
     _isRowsOwn = true;
@@ -76,11 +113,11 @@ bool QORQL_NumberFold::addNumber(const QoriScalar& value, QORuint64 row) noexcep
 QORSmrPtr<IQoriValue> QORQL_NumberFold::madeValue() const {
   if (_functionID == QORQL_FUNCTIONID_COUNT) return QORSmrPtr<IQoriValue>(new CQoriValue(_count, CQoriType::uint64));
   switch (_folded.kind) {
-    case Kind::Unsigned:
+    case ScalarKind::Unsigned:
       return QORSmrPtr<IQoriValue>(new CQoriValue(_folded.u, CQoriType::uint64));
-    case Kind::Signed:
+    case ScalarKind::Signed:
       return QORSmrPtr<IQoriValue>(new CQoriValue(_folded.s, CQoriType::sint64));
-    case Kind::Real:
+    case ScalarKind::Real:
       return QORSmrPtr<IQoriValue>(new CQoriValue(_folded.r, CQoriType::real64));
     default:
       return {};

@@ -25,6 +25,11 @@ class QORQL_NumberFold {
     return value.isNumber() && addNumber(value, row);
   }
 
+  // Whether add() would take each of the values of some rows that follow one another.
+  bool takesRun(const QoriScalar* values, std::size_t count) const noexcept;
+  // Adds them; returns how many are not NULL. REQUIRES takesRun().
+  std::size_t addRun(const QoriScalar* values, std::size_t count, QORuint64 firstRow) noexcept;
+
   // The state as the fold of values has it. `valueOf(row)` gives the folded
   // property's value on a row, for an extreme that is a row's own value.
   template <class ValueOf>
@@ -36,6 +41,7 @@ class QORQL_NumberFold {
 
  private:
   bool addNumber(const QoriScalar& value, QORuint64 row) noexcept;
+  bool replaces(const QoriScalar& value) const noexcept;
   void addToSum(const QoriScalar& value) noexcept;
   QORSmrPtr<IQoriValue> madeValue() const;
 

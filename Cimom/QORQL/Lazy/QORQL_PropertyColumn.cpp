@@ -18,7 +18,11 @@ QORQL_PropertyColumn::QORQL_PropertyColumn(const QORQL_Extent& extent, QORuint32
     _places.push_back({layout, layout->getPosition(propertyName)});
     _isComplete = _isComplete && _places.back().position >= 0;
   }
-  if (_places.size() == 1) _onlyPosition = _places.front().position;
+  const auto standsWhereTheFirstDoes = [this](const Place& place) {
+    return place.position == _places.front().position;
+  };
+  const bool isEverywhereTheSame = std::all_of(_places.begin(), _places.end(), standsWhereTheFirstDoes);
+  if (!_places.empty() && isEverywhereTheSame) _onlyPosition = _places.front().position;
 }
 
 bool QORQL_PropertyColumn::isSameAs(const QORQL_PropertyColumn& other) const noexcept {
@@ -48,14 +52,7 @@ QORSmrPtr<IQoriValue> QORQL_PropertyColumn::value(const IQoriObject* object) con
 
 void QORQL_PropertyColumn::fetch(const QORQL_RowBlock& block, QORuint64 first, std::size_t count,
                                  const IQoriObject** objects) const {
-  if (block.isWholeExtent) return _extent->copyRun(static_cast<QORuint32>(first), count, objects);
-  const std::size_t width = block.columns.size();
-  const auto place = std::lower_bound(block.columns.begin(), block.columns.end(), _column) - block.columns.begin();
-  const QORuint32* const indexes = block.tuples.data() + first * width + static_cast<std::size_t>(place);
-  for (std::size_t i = 0; i < count; ++i) {
-    const QORuint32 index = indexes[i * width];
-    objects[i] = index == QORQL_kNoObject ? nullptr : _extent->object(index);
-  }
+  block.fetch(*_extent, _column, first, count, objects);
 }
 
 void QORQL_PropertyColumn::read(const IQoriObject* const* objects, std::size_t count, QoriScalar* out) const noexcept {
@@ -66,7 +63,8 @@ void QORQL_PropertyColumn::read(const IQoriObject* const* objects, std::size_t c
     const QORuint32 position = static_cast<QORuint32>(_onlyPosition);
     for (std::size_t i = 0; i < count; ++i) {
       out[i] = objects[i] == nullptr ? QoriScalar() : objects[i]->getScalarAt(position);
-      if (out[i].kind == QoriScalarKind::Text) __builtin_prefetch(out[i].text->data());
+      const bool hasText = out[i].kind == QoriScalarKind::Text || out[i].kind == QoriScalarKind::DateTime;
+      if (hasText) __builtin_prefetch(out[i].text->data());
     }
   }
 }

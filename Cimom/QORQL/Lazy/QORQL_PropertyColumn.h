@@ -51,7 +51,7 @@ class QORQL_PropertyColumn {
   const QORQL_Extent* _extent;
   QORuint32 _column;
   bool _isComplete = true;
-  QORsint32 _onlyPosition = -1;  // of the one layout of an extent that has one; otherwise -1
+  QORsint32 _onlyPosition = -1;  // where it stands in all layouts alike, as in those of subclasses; otherwise -1
   std::vector<Place> _places;
 };
 

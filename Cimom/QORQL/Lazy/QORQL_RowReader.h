@@ -55,6 +55,9 @@ class QORQL_RowReader {
   // The cells of the selected row, valid until another one is selected: a slot that is a property lies at its offset.
   // REQUIRES such a slot.
   const QoriScalar* cells() { return _window.cells(*_block, _current); }
+  // How many rows from the selected one on are at hand: the cell of the next row stands right behind, at each slot's
+  // offset. At least 1. REQUIRES such a slot.
+  std::size_t runLength() { return _window.runFrom(*_block, _current); }
   std::size_t cellOffset(std::size_t slot) const noexcept { return QORQL_CellWindow::offsetOf(_cellColumns[slot]); }
   // The selected row's object of a class or alias; null when absent.
   QORSmrPtr<IQoriObject> object(const QORString& className);

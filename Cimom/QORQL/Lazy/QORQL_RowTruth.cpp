@@ -4,8 +4,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Lazy/QORQL_RowTruth.h"
 
+#include <array>
+
+#include "Cimom/QORQL/Lazy/QORQL_ClassTest.h"
 #include "Cimom/QORQL/Lazy/QORQL_LazyTable.h"
 #include "Cimom/QORQL/QORQL_Comparison.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
+#include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_Values.h"
 
 namespace {
@@ -103,7 +108,87 @@ class LikeTruth final : public QORQL_RowTruth {
   QORQL_RunOperand _rightRun;
 };
 
-// ANY and EVERY, and a condition that is no comparison.
+// ANY and EVERY: the elements are compared where they lie, as far as views tell.
+class ElementTruth final : public QORQL_RowTruth {
+ public:
+  ElementTruth(const QORQL_Comparison& comparison, Bound left, Bound right)
+      : _comparison(comparison),
+        _relation(QORQL_relationOf(comparison.getOperator())),
+        _left(std::move(left)),
+        _right(std::move(right)),
+        _leftRun(*_left),
+        _rightRun(*_right) {}
+  QoriTruth test(const QORQL_RowView& row) override {
+    Value rightHolder;
+    Value leftHolder;
+    const QoriScalar right = _right->view(row, rightHolder);
+    const QoriScalar left = _left->view(row, leftHolder);
+    const QORQL_ViewTruth truth = relate(left, right);
+    if (truth != QORQL_ViewTruth::Undecided) return static_cast<QoriTruth>(truth);
+    const Value value(_right->value(row));
+    return _comparison.compareValues(_left->value(row), value, QORString::emptyString());
+  }
+  bool testRun(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, QORQL_RunTruths& truths) override {
+    if (!_leftRun.isReadable() || !_rightRun.isReadable()) return false;
+    _leftRun.read(block, first, count);
+    _rightRun.read(block, first, count);
+    for (std::size_t i = 0; i < count; ++i) truths[i] = relate(_leftRun[i], _rightRun[i]);
+    return true;
+  }
+
+ private:
+  QORQL_ViewTruth relate(const QoriScalar& left, const QoriScalar& right) const {
+    return _comparison.asksLeft() ? relateElements(right, left) : relateElements(left, right);
+  }
+  QORQL_ViewTruth relateElements(const QoriScalar& fixed, const QoriScalar& array) const {
+    if (fixed.isNull() || array.kind != QoriScalarKind::Complex) return QORQL_ViewTruth::Null;
+    const QORSmrPtr<IQoriValue::List> elements(array.value->getArray());
+    if (elements.IsNull()) return QORQL_ViewTruth::Null;
+    const QORQL_ViewTruth last = QORQL_viewTruth(_comparison.asksAny());
+    QORQL_ViewTruth truth = QORQL_ViewTruth::False;
+    QORValSlistIterator<Value> iterator(*elements);
+    while (++iterator) {
+      const Value& element = iterator.key();
+      truth = element.IsNull() ? QORQL_ViewTruth::False : QORQL_relateViews(fixed, _relation, element->scalar());
+      if (truth == last || truth == QORQL_ViewTruth::Undecided) break;
+    }
+    return truth;
+  }
+
+  const QORQL_Comparison& _comparison;
+  const QoriRelation _relation;
+  Bound _left;
+  Bound _right;
+  QORQL_RunOperand _leftRun;
+  QORQL_RunOperand _rightRun;
+};
+
+// ISA of a column's objects.
+class IsaTruth final : public QORQL_RowTruth {
+ public:
+  IsaTruth(const QORQL_LazyRows& rows, QORuint32 column, const QORString& nameSpace, const QORString& className)
+      : _extent(rows.extent(column)), _column(column), _test(nameSpace, className) {}
+  QoriTruth test(const QORQL_RowView& row) override {
+    const IQoriObject* const object = row.objects[_column];
+    return object == nullptr ? QoriTruth::Null : _test.test(*object);
+  }
+  bool testRun(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, QORQL_RunTruths& truths) override {
+    std::array<const IQoriObject*, QORQL_PropertyColumn::kBatch> objects;
+    block.fetch(_extent, _column, first, count, objects.data());
+    _test.beginRun();
+    for (std::size_t i = 0; i < count; ++i) {
+      truths[i] = objects[i] == nullptr ? QORQL_ViewTruth::Null : _test.remembered(*objects[i]);
+    }
+    return true;
+  }
+
+ private:
+  const QORQL_Extent& _extent;
+  const QORuint32 _column;
+  QORQL_ClassTest _test;
+};
+
+// A condition that is no comparison.
 class ValueTruth final : public QORQL_RowTruth {
  public:
   ValueTruth(const QORQL_Comparison& comparison, Bound left, Bound right, const QORString& nameSpace)
@@ -144,6 +229,18 @@ class RowEvaluation final : public QORQL_RowTruth {
   QORSmrPtr<QORQL_DataRow> _row;
 };
 
+// ISA of a whole object by a class name; null for every other left side.
+std::unique_ptr<QORQL_RowTruth> makeIsa(const QORQL_DataTable& table, const QORQL_Comparison& comparison,
+                                        const QORQL_BoundValue* right, const QORString& nameSpace) {
+  const QORQL_Factor* const left = QORQL_soleLeaf(comparison.getLHSArithmeticExpression());
+  const QoriScalar* const name = right == nullptr ? nullptr : right->constant();
+  if (left == nullptr || !QORQL_isWholeObject(*left) || name == nullptr || name->kind != QoriScalarKind::Text)
+    return {};
+  const QORsint32 column = QORQL_Binder(table).sourceColumn(*left->getClassName());
+  if (column < 0 || nameSpace.isEmpty()) return {};
+  return std::make_unique<IsaTruth>(*table.lazy()->rows(), static_cast<QORuint32>(column), nameSpace, *name->text);
+}
+
 }  // namespace
 
 std::unique_ptr<QORQL_RowTruth> QORQL_RowTruth::make(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
@@ -152,6 +249,9 @@ std::unique_ptr<QORQL_RowTruth> QORQL_RowTruth::make(QORQL_SymbolTable& symbolTa
   QORQL_Comparison& comparison = *plan.comparison;
   const bool hasRight = !comparison.getRHSArithmeticExpression().IsNull();
   const QORQL_Operator op = comparison.getOperator();
+  if (op == QORQL_OperatorISA && !comparison.isArrayComp()) {
+    if (auto isa = makeIsa(*table, comparison, sides.right.get(), nameSpace)) return isa;
+  }
   if (sides.left == nullptr || (hasRight && sides.right == nullptr) || op == QORQL_OperatorISA) {
     return std::make_unique<RowEvaluation>(symbolTable, table, comparison, nameSpace);
   }
@@ -160,6 +260,9 @@ std::unique_ptr<QORQL_RowTruth> QORQL_RowTruth::make(QORQL_SymbolTable& symbolTa
   }
   if (plan.relation) {
     return std::make_unique<RelationTruth>(std::move(sides.left), *plan.relation, std::move(sides.right));
+  }
+  if (comparison.isArrayComp() && QORQL_isRelational(op)) {
+    return std::make_unique<ElementTruth>(comparison, std::move(sides.left), std::move(sides.right));
   }
   if (op == QORQL_OperatorLIKE) {
     return std::make_unique<LikeTruth>(comparison, std::move(sides.left), std::move(sides.right));

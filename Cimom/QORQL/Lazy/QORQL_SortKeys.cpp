@@ -1,20 +1,37 @@
-// Numbers become keys in the same order; the keys of texts are their fronts.
+// Numbers become keys in the same order, datetimes by their microseconds; the keys of texts are their fronts.
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Lazy/QORQL_SortKeys.h"
 
 #include <algorithm>
 
 #include "Cimom/QORQL/Lazy/QORQL_TextSort.h"
+#include "cimom/QoriDateTime.h"
+
+bool QORQL_SortKeys::joins(Family family) noexcept {
+  if (_family == Family::None) _family = family;
+  return _family == family;
+}
+
+// Incomplete datetimes, and intervals beside timestamps, are compared as texts, pair by pair.
+bool QORQL_SortKeys::addDateTime(const QORString& text) {
+  const QoriDateTime read = qori::readDateTime(text.view());
+  if (!read.complete || !joins(read.interval ? Family::Intervals : Family::Timestamps)) return false;
+  QoriScalar number;
+  number.kind = QoriScalarKind::Signed;
+  number.s = read.microseconds;
+  _entries.push_back({_order.note(number), static_cast<QORuint32>(_entries.size())});
+  return true;
+}
 
 bool QORQL_SortKeys::add(const QoriScalar& key, const QORSmrPtr<IQoriValue>& holder) {
   const QORuint32 row = static_cast<QORuint32>(_entries.size());
-  if (key.kind == QoriScalarKind::Text && _texts.size() == row) {
+  if (key.isNumber() && joins(Family::Numbers)) {
+    _entries.push_back({_order.note(key), row});
+  } else if (key.kind == QoriScalarKind::Text && joins(Family::Texts)) {
     if (_texts.empty()) _texts.reserve(_entries.capacity());
     _texts.push_back(key.text->view());
     _entries.push_back({QORQL_TextSort::frontOf(_texts.back()), row});
-  } else if (key.isNumber() && _texts.empty()) {
-    _entries.push_back({_order.note(key), row});
-  } else {
+  } else if (key.kind != QoriScalarKind::DateTime || !addDateTime(*key.text)) {
     return false;
   }
   if (!holder.IsNull()) _holders.push_back(holder);

@@ -1,4 +1,4 @@
-// The keys of a sort over lazy rows: numbers or texts as arrays of fixed size.
+// The keys of a sort over lazy rows: numbers, texts or datetimes as arrays of fixed size.
 // SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_SORTKEYS_H
 #define QORQL_SORTKEYS_H
@@ -25,11 +25,18 @@ class QORQL_SortKeys {
   std::vector<QORuint32> takeSorted(bool isAscending);
 
  private:
+  // Kinds of keys that stand in one order.
+  enum class Family : QORuint8 { None, Numbers, Texts, Timestamps, Intervals };
+
+  bool addDateTime(const QORString& text);
+  // Notes what the next key is; false when it goes not together with those before.
+  bool joins(Family family) noexcept;
   void sortNumbers(bool isAscending);
 
+  Family _family = Family::None;
   std::vector<QORQL_SortEntry> _entries;
   QORQL_NumberOrder _order;
-  std::vector<std::string_view> _texts;  // by row; empty for numbers
+  std::vector<std::string_view> _texts;  // by row; empty for all but texts
   std::deque<QORSmrPtr<IQoriValue>> _holders;
 };
 

@@ -17,14 +17,9 @@
 #include "Cimom/QORQL/QORQL_Query.h"
 #include "Cimom/QORQL/QORQL_SelectList.h"
 #include "Cimom/QORQL/QORQL_SelectedEntry.h"
+#include "Cimom/QORQL/QORQL_Text.h"
 
 namespace {
-
-// A name that compares without regard to case.
-std::string folded(const QORString& name) {
-  const QORString upper(QORString::toUpperCase(name));
-  return {upper.data(), upper.length()};
-}
 
 // Property names in order of appearance, each once.
 class NameUnion {
@@ -32,7 +27,7 @@ class NameUnion {
   void add(const IQoriObject& object) {
     for (QORuint32 i = 0; i < object.getPropertyCount(); ++i) {
       const QORString name(object.getPropertyAt(i)->getName());
-      if (_seen.insert(folded(name)).second) names.push_back(name);
+      if (_seen.insert(QORQL_foldedName(name)).second) names.push_back(name);
     }
   }
   std::vector<QORString> names;
@@ -137,8 +132,8 @@ std::vector<bool> areUnique(const std::vector<QORString>& names) {
   std::vector<bool> unique(names.size(), true);
   if (names.size() > kFew) {
     std::map<std::string, std::size_t> counts;
-    for (const QORString& name : names) ++counts[folded(name)];
-    for (std::size_t i = 0; i < names.size(); ++i) unique[i] = counts[folded(names[i])] == 1;
+    for (const QORString& name : names) ++counts[QORQL_foldedName(name)];
+    for (std::size_t i = 0; i < names.size(); ++i) unique[i] = counts[QORQL_foldedName(names[i])] == 1;
     return unique;
   }
   for (std::size_t i = 0; i < names.size(); ++i) {

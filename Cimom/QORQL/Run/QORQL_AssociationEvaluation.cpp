@@ -15,6 +15,7 @@
 #include "Cimom/QORQL/QORQL_Helper.h"
 #include "Cimom/QORQL/QORQL_OuterJoin.h"
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
+#include "Cimom/QORQL/QORQL_Text.h"
 #include "Cimom/QORQL/Run/QORQL_RowGroups.h"
 #include "Cimom/QORQL/Run/QORQL_TieFilter.h"
 
@@ -24,10 +25,6 @@ using Object = QORSmrPtr<IQoriObject>;
 using ObjectList = QORQL_Helper::ObjectList;
 using Row = QORSmrPtr<QORQL_DataRow>;
 using RowList = QORQL_DataTable::RowList;
-
-struct KeyHash {
-  std::size_t operator()(const QORString& key) const noexcept { return std::hash<std::string_view>{}(key.view()); }
-};
 
 // The associates of source instances, asked for once each.
 class Associates {
@@ -59,7 +56,7 @@ class Associates {
   const QORQL_Helper::NameList& _properties;
   const QORString& _nameSpace;
   QORSmrPtr<CIMApi> _client;
-  std::unordered_map<QORString, ObjectList, KeyHash> _cache;
+  std::unordered_map<QORString, ObjectList, QORQL_TextKeyHash> _cache;
 };
 
 // The first associate goes to the row itself, each further one to a copy.
@@ -114,7 +111,7 @@ RowList addDestination(QORQL_DataTable& table, Associates& associates, QORuint32
 }
 
 void keepAssociated(const std::vector<Row>& group, const ObjectList& associates, QORuint32 destination, RowList& kept) {
-  std::unordered_map<QORString, std::vector<Row>, KeyHash> rows;
+  std::unordered_map<QORString, std::vector<Row>, QORQL_TextKeyHash> rows;
   for (const Row& row : group) {
     const Object cell(QORQL_cellOf(*row, destination));
     if (!cell.IsNull()) rows[QORQL_instanceKey(*cell)].push_back(row);

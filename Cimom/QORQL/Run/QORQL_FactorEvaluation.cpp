@@ -49,7 +49,8 @@ QORSmrPtr<IQoriValue> QORQL_Factor::evaluate(QORQL_SymbolTable& symbolTable, QOR
     throw QORQL_Exception(QORQL_Exception::QORQL_INTERNAL_ERROR, Messages::kInvalidFactor);
   }
   if (QORQL_hasPath(*this)) {
-    throw QORQL_Exception(QORQL_Exception::QORQL_INTERNAL_ERROR, Messages::kInvalidFactor);
+    throw QORQL_Exception(QORQL_Exception::QORQL_INTERNAL_ERROR, Messages::kInvalidFactor,
+                          {QORQL_Fault::kPathUnread, *_idPropertyName, {}, getOffset()});
   }
   if (!_idPropertyName.IsNull() && !_idPropertyName->isEmpty()) {
     return selectElements(row->getPropertyValueByName(*_idClassName, *_idPropertyName));

@@ -9,15 +9,12 @@
 
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "Cimom/QORQL/QORQL_OuterJoin.h"
+#include "Cimom/QORQL/QORQL_Text.h"
 
 namespace {
 
 using Object = QORSmrPtr<IQoriObject>;
 using Row = QORSmrPtr<QORQL_DataRow>;
-
-struct KeyHash {
-  std::size_t operator()(const QORString& key) const noexcept { return std::hash<std::string_view>{}(key.view()); }
-};
 
 // Numbers for the instances in cells: two objects with one path are the same
 // instance, whichever call has brought them. 0 stands for no object.
@@ -35,7 +32,7 @@ class InstanceNumbers {
 
  private:
   std::unordered_map<const IQoriObject*, std::size_t> _byObject;
-  std::unordered_map<QORString, std::size_t, KeyHash> _byPath;
+  std::unordered_map<QORString, std::size_t, QORQL_TextKeyHash> _byPath;
   std::size_t _count = 0;
 };
 

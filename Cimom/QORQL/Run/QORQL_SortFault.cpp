@@ -11,6 +11,7 @@
 #include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_SelectedEntry.h"
+#include "Cimom/QORQL/QORQL_SymbolTable.h"
 #include "Cimom/QORQL/QORQL_TableHeader.h"
 #include "cimom/IQoriInstanceName.h"
 
@@ -38,6 +39,18 @@ Fault unboundName(QORQL_Evaluatable& key) {
                          factor.getPropertyName().IsNull() || !factor.getSelectedEntry().IsNull();
     if (isBound) return Fault::kNowhere;
     fault = {Fault::kPropertyUnknown, *factor.getPropertyName(), {}, factor.getPropertyOffset()};
+    return fault.offset;
+  });
+  return fault;
+}
+
+// The first name before a dot that FROM does not know: what is asked of it has no value on any row.
+Fault unknownFromName(QORQL_Evaluatable& key, const QORQL_SymbolTable& symbolTable) {
+  Fault fault;
+  QORQL_findPlace(key, [&](const QORQL_Factor& factor) {
+    const bool hasClass = !factor.getClassName().IsNull() && !factor.getClassName()->isEmpty();
+    if (!hasClass || !symbolTable.lookupIgnoringCase(*factor.getClassName()).IsNull()) return Fault::kNowhere;
+    fault = {Fault::kFromNameUnknown, *factor.getClassName(), {}, factor.getOffset()};
     return fault.offset;
   });
   return fault;
@@ -101,6 +114,8 @@ QORQL_Fault QORQL_sortFault(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_Data
   Fault fault = ownFault();
   try {
     if (fault.kind == Fault::kOther) fault = unboundName(*key);
+    if (fault.kind == Fault::kOther) fault = unknownFromName(*key, symbolTable);
+    if (fault.kind == Fault::kFromNameUnknown) return fault;
     QORQL_RowReader reader(symbolTable, table);
     const std::size_t slot = reader.addExpression(key);
     if (fault.kind == Fault::kPropertyUnknown) {

@@ -8,6 +8,7 @@
 #include "AllocationCount.h"
 #include "Cimom/Model/ModelDateTime.h"
 #include "ModelTestSupport.h"
+#include "cimom/QoriDateTime.h"
 
 namespace {
 
@@ -179,6 +180,20 @@ TEST(ModelDateTime, FormIsChecked) {
   for (const char* bad : {"00000001020304.000005:001", "00000001250304.000005:000", "20240100110000.000000+000",
                           "20240131116000.000000+000", "20240131110061.000000+000", "20240131110000.000000+0000"}) {
     EXPECT_FALSE(model::isDateTime(bad)) << bad;
+  }
+}
+
+TEST(QoriDateTime, MomentsAreInstantsInUtcAndDurations) {
+  const auto microseconds = [](const char* text) { return qori::readDateTime(text).microseconds; };
+  EXPECT_EQ(microseconds("19700101010000.000001+060"), 1);
+  EXPECT_EQ(microseconds("19691231235959.999999+000"), -1);
+  EXPECT_EQ(microseconds("19691231190000.000000-300"), 0);
+  EXPECT_EQ(microseconds("20161231235960.000000+000"), microseconds("20170101000000.000000+000"));
+  EXPECT_EQ(microseconds("00000001000000.000001:000"), 86400000001);
+  EXPECT_FALSE(qori::readDateTime("19700101010000.000001+060").interval);
+  EXPECT_TRUE(qori::readDateTime("00000001000000.000001:000").interval);
+  for (const char* const none : {"1970010101****.000001+060", "20230229000000.000000+000", "now", ""}) {
+    EXPECT_FALSE(qori::readDateTime(none).complete) << none;
   }
 }
 

@@ -246,6 +246,10 @@ TEST_F(MofLenient, IsNamedWhereAStrictLoadRefusesAFormOfWindows) {
   EXPECT_EQ(faultOf("\n#pragma autorecover\nclass T { };"), "2:20: found the end of the line, expected \"(\"" + reads);
   EXPECT_EQ(faultOf("#pragma classflags(\"forceupdate\", 5)"), "1:33: found \",\", expected \")\"" + reads);
   EXPECT_EQ(faultOf("#pragma x (5)"), "1:12: found \"5\", expected a string" + reads);
+  const std::string nameless = ": found the end of the line, expected the name of a pragma";
+  EXPECT_EQ(faultOf("#pragma\nclass T { };"), "1:8" + nameless);
+  EXPECT_EQ(faultOf("class S { };\n#pragma  // what?\nclass V { };"), "2:8" + nameless);
+  EXPECT_EQ(faultOf("#pragma"), "1:8" + nameless);
   EXPECT_EQ(faultOf("#pragma x"), "1:10: found the end of the line, expected \"(\"" + reads);
   EXPECT_EQ(faultOf("#pragma include (5)"), "1:18: found \"5\", expected a string");
   EXPECT_EQ(faultOf("#pragma namespace (\"a\\\\b c\")"), "1:20: \"a\\b c\" is not a namespace");
@@ -269,7 +273,8 @@ TEST_F(MofLenient, PassesOverOtherPragmasWhateverTheyLookLike) {
   EXPECT_THAT(leftOutOf("#pragma include\nclass W { };"),
               ElementsAre("1:16: found the end of the line, expected \"(\""));
   EXPECT_THAT(leftOutOf("#pragma 5\nclass X { };").size(), 1U);
-  EXPECT_THAT(classes(), ElementsAre("T", "U", "V", "W", "X"));
+  EXPECT_THAT(leftOutOf("#pragma\nclass Y { };").size(), 1U);
+  EXPECT_THAT(classes(), ElementsAre("T", "U", "V", "W", "X", "Y"));
 }
 
 // --- files

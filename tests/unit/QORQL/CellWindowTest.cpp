@@ -45,6 +45,19 @@ TEST_F(CellWindow, HasTheCellsOfRowsOutOfOrder) {
   for (const QORuint64 row : {199U, 0U, 1U, 2U, 64U, 63U, 65U, 199U, 198U}) expectCells(row);
 }
 
+TEST_F(CellWindow, TellsHowManyRowsAreAtHand) {
+  const QORQL_RowBlock& block = fetched.rows().blocks().front();
+  for (QORuint64 row = 0; row < 200;) {
+    const std::size_t run = window.runFrom(block, row);
+    ASSERT_GT(run, 0U);
+    ASSERT_LE(row + run, 200U);
+    const QoriScalar* const cells = window.cells(block, row) + QORQL_CellWindow::offsetOf(k);
+    for (std::size_t i = 0; i < run; ++i) EXPECT_EQ(cells[i].u, (row + i) * 7);
+    row += run;
+  }
+  EXPECT_EQ(window.runFrom(block, 7), 1U);
+}
+
 TEST_F(CellWindow, NumbersAPropertyOnce) {
   QORQL_CellWindow other;
   const std::size_t first = other.add(*QORQL_PropertyColumn::bind(fetched.rows(), 0, "K"));

@@ -90,8 +90,15 @@ constexpr Row kRows[] = {
      "\"SELECT * FROM Item\" | jq -s \"group_by(.Name)\""},
     {"foreign-word", "SELECT Id FROM Item ^LIMIT 3", "to see the first rows only, write SELECT FIRST n ..."},
     {"foreign-word", "SELECT ^TOP 5 Id FROM Item", "to see the first rows only, write SELECT FIRST n ..."},
-    {"foreign-word", "SELECT ^DISTINCT Id FROM Item", "there is no DISTINCT: every row is shown"},
-    {"foreign-word", "SELECT COUNT(^DISTINCT Id) AS n FROM Item", "there is no DISTINCT: every row is shown"},
+    {"foreign-word", "SELECT ^DISTINCT Id, Name FROM Item WHERE Id > 0",
+     "there is no DISTINCT: every row is shown. Another program leaves out equal ones: qorql -o csv --no-header "
+     "\"SELECT Id, Name FROM Item WHERE Id > 0\" | sort -u"},
+    {"foreign-word", "SELECT COUNT(^DISTINCT Id) AS n FROM Item WHERE Id > 0",
+     "there is no DISTINCT: every row is shown. Another program leaves out equal ones: qorql -o csv --no-header "
+     "\"SELECT Id FROM Item WHERE Id > 0\" | sort -u | wc -l"},
+    {"foreign-word", "SELECT ^DISTINCT", "there is no DISTINCT: every row is shown"},
+    {"foreign-word", "SELECT Id FROM Item WHERE Name ^REGEXP 'a'",
+     "there are no patterns: LIKE finds a plain text anywhere in another one"},
     {"foreign-word", "SELECT Id FROM Item ^HAVING Id = 1", "there is no HAVING: an aggregate covers all rows"},
     {"foreign-word", "SELECT Id FROM Item ^JOIN Box ON 1 = 1",
      "list the classes in FROM, separated by commas; WHERE joins them, by values or through an association"},
@@ -102,9 +109,22 @@ constexpr Row kRows[] = {
     {"foreign-word", "SELECT Id FROM Item ^LEFT JOIN Box", "an outer join is written in WHERE, as A.x *= B.y"},
     {"foreign-word", "SELECT Id FROM Item ^RIGHT JOIN Box", "an outer join is written in WHERE, as A.x =* B.y"},
     {"foreign-word", "SELECT Id FROM Item ^FULL JOIN Box", "an outer join is written in WHERE, as A.x *=* B.y"},
-    {"foreign-word", "SELECT Id FROM Item WHERE Id ^IN (1, 2)", "there is no IN: ask for one value at a time with ="},
-    {"foreign-word", "SELECT Id FROM Item WHERE Id NOT ^IN (1, 2)", "there is no IN: write x <> a AND x <> b"},
-    {"foreign-word", "SELECT Id FROM Item WHERE Id ^BETWEEN 1 AND 2",
+    {"foreign-word", "SELECT Id FROM Item WHERE Id ^IN (1, 2)",
+     "there is no IN: run one statement for each value, as with Id = 1"},
+    {"foreign-word", "SELECT Id FROM Item WHERE Size > 1 AND Item.Name ^IN ('a b','c') AND Id = 1",
+     "there is no IN: run one statement for each value, as with Item.Name = 'a b'"},
+    {"foreign-word", "SELECT Id FROM Item WHERE Id ^IN (SELECT Id FROM Part)",
+     "there is no IN: run one statement for each value"},
+    {"foreign-word", "SELECT Id FROM Item WHERE Id ^IN ()", "there is no IN: run one statement for each value"},
+    {"foreign-word", "SELECT Id FROM Item WHERE Id ^IN (1", "there is no IN: run one statement for each value"},
+    {"foreign-word", "SELECT Id FROM Item WHERE Id NOT ^IN (1, 2)", "there is no IN: write Id <> 1 AND Id <> 2"},
+    {"foreign-word", "SELECT Id FROM Item WHERE Id NOT ^IN (1, 2, 3, 4, 5, 6)",
+     "there is no IN: write Id <> 1 AND Id <> 2 AND Id <> 3 AND Id <> 4 AND ..."},
+    {"foreign-word", "SELECT Id FROM Item WHERE Id NOT ^IN 1", "there is no IN: write <> for each value, with AND"},
+    {"foreign-word", "SELECT Id FROM Item WHERE Id ^BETWEEN 1 AND 2", "there is no BETWEEN: write Id >= 1 AND Id <= 2"},
+    {"foreign-word", "SELECT Id FROM Item WHERE Id = 1 AND Size + 1 ^BETWEEN 1 AND Id * 2 ORDER BY Id ASC",
+     "there is no BETWEEN: write Size + 1 >= 1 AND Size + 1 <= Id * 2"},
+    {"foreign-word", "SELECT Id FROM Item WHERE Id ^BETWEEN 1",
      "there is no BETWEEN: write x >= least AND x <= greatest"},
     {"foreign-word", "SELECT Id FROM Item ^UNION SELECT Label FROM Box",
      "there is no UNION: run one statement after the other"},
@@ -229,7 +249,7 @@ constexpr Row kRows[] = {
     {"foreign-word", "SELECT ^FIRST Id FROM Item",
      "FIRST is a keyword: to see the first rows only, write SELECT FIRST n ..."},
     {"foreign-word", "SELECT Id FROM Item WHERE Id NOT ^BETWEEN 1 AND 2",
-     "there is no BETWEEN: run one statement with x < least and one with x > greatest"},
+     "there is no BETWEEN: run one statement with Id < 1 and one with Id > 2"},
     {"missing-blank", "SELECT Id FROM ^ItemWHERE Id=3", "a space is missing: Item WHERE"},
     {"missing-blank", "SELECT Id FROM Item WHERE ^NOTId = 3", "a space is missing: NOT Id"},
     {"null-comparison", "SELECT Id FROM Item WHERE Codes[0] ^= NULL", "test for NULL with IS: Codes[0] IS NULL"},
@@ -255,6 +275,16 @@ constexpr Row kRows[] = {
     {"comment", "SELECT Id ^# the id\nFROM Item", "the language has no comments: leave it out"},
     {"comment", "SELECT Id FROM Item ^# all", "the language has no comments: leave it out"},
     {"unnamed-column", "SELECT ^Id--1 FROM Item", "give it a name with AS: Id--1 AS Value"},
+    {"unnamed-column", "SELECT ^Size / 2 Half, Name FROM Item", "give it a name with AS: Size / 2 AS Half"},
+    {"unnamed-column", "SELECT ^(Size + 1) * (2) More FROM Item", "give it a name with AS: (Size + 1) * (2) AS More"},
+    {"unnamed-column", "SELECT ^Size / Id FROM Item", "give it a name with AS: Size / Id AS Value"},
+    {"missing-comma", "SELECT Id ^Name FROM Item", "a comma is missing: Id, Name; or AS: Id AS Name"},
+    {"missing-comma", "SELECT COUNT(Id) ^N FROM Item", "a comma is missing: COUNT(Id), N; or AS: COUNT(Id) AS N"},
+    {"missing-comma", "SELECT FIRST 3 Id ^Name FROM Item", "a comma is missing: Id, Name; or AS: Id AS Name"},
+    {"path", "SELECT Id FROM Item AS i WHERE i.^Name.x = 1",
+     "a query does not read the properties of embedded objects"},
+    {"path", "SELECT Id FROM Item AS i ORDER BY i.^Name.x ASC",
+     "a query does not read the properties of embedded objects"},
     {"foreign-sign", "SELECT Id FROM Item WHERE Id ^=> 3", "there is no =>: write >="},
     {"foreign-sign", "SELECT Id FROM Item WHERE Id ^=< 3", "there is no =<: write <="},
     {"foreign-sign", "SELECT Id FROM Item WHERE Id ^!> 3", "there is no !>: write <="},
@@ -311,6 +341,16 @@ TEST_F(Hints, SayWhichNameIsMeant) {
   }
 }
 
+// What stands in double quotes left of a comparison is a name where the class has such a property.
+TEST_F(Hints, TellNamesInQuotesFromTexts) {
+  const auto textOf = [](const char* text) { return hintOf(text, known()).text; };
+  EXPECT_EQ(textOf("SELECT Id FROM Item WHERE \"name\" = Name"), "names go without quotes: name");
+  EXPECT_EQ(textOf("SELECT Id FROM Item WHERE NOT \"Size\" > 5"), "names go without quotes: Size");
+  EXPECT_EQ(textOf("SELECT i.Id FROM Box AS b, Item AS i WHERE \"Size\" > 5"), "names go without quotes: Size");
+  EXPECT_EQ(textOf("SELECT Id FROM Item WHERE \"Label\" = 'a'"), "text goes in single quotes: 'Label'");
+  EXPECT_EQ(textOf("SELECT Id FROM Item WHERE Name = \"Size\""), "text goes in single quotes: 'Size'");
+}
+
 TEST_F(Hints, EveryRuleHasItsRow) {
   std::set<std::string> seen;
   for (const Row& row : kRows) seen.insert(row.rule);
@@ -364,10 +404,17 @@ constexpr Row kFilterRows[] = {
     {"parenthesis", "SELECT * FROM Item WHERE (Id = 1 ^AND Size = 2) OR Id = 2",
      "only one comparison may stand in parentheses: use one filter for each side of OR"},
     {"foreign-word", "SELECT * FROM Item WHERE Id = 1 ^LIMIT 3", "a filter has no LIMIT: leave it out"},
-    {"foreign-word", "SELECT * FROM Item WHERE Id ^IN (1, 2)", "there is no IN: use one filter for each value, with ="},
-    {"foreign-word", "SELECT * FROM Item WHERE Id NOT ^IN (1, 2)", "there is no IN: write x <> a AND x <> b"},
+    {"foreign-word", "SELECT * FROM Item WHERE Id ^IN (1, 2)",
+     "there is no IN: use one filter for each value, as with Id = 1"},
+    {"foreign-word", "SELECT * FROM Item WHERE Id NOT ^IN (1, 2)", "there is no IN: write Id <> 1 AND Id <> 2"},
+    {"foreign-word", "SELECT ^DISTINCT Id FROM Item", "a filter has no DISTINCT: leave it out"},
+    {"double-quote", "SELECT * FROM Item WHERE ^\"Name\" = 'a'", "names go without quotes: Name"},
+    {"double-quote", "SELECT * FROM Item WHERE Id = 1 AND ^\"Size\" > 5", "names go without quotes: Size"},
+    {"double-quote", "SELECT * FROM Item WHERE ^\"a\" = Name", "text goes in single quotes: 'a'"},
+    {"double-quote", "SELECT * FROM Item WHERE ^\"a b\" = 'a'", "text goes in single quotes: 'a b'"},
+    {"missing-comma", "SELECT Id ^Name FROM Item", "a comma is missing: Id, Name"},
     {"foreign-word", "SELECT * FROM Item WHERE Id NOT ^BETWEEN 1 AND 2",
-     "there is no BETWEEN: use one filter with x < least and one with x > greatest"},
+     "there is no BETWEEN: use one filter with Id < 1 and one with Id > 2"},
     {"group-by", "SELECT * FROM Item WHERE Id = 1 ^GROUP BY Name", "a filter has no GROUP BY: leave it out"},
     {"unknown-form", "SELECT * FROM Item WHERE Id = 1 FORMAT AS ^JSON", "a filter has no FORMAT: leave it out"},
     {"foreign-sign", "SELECT * FROM Item WHERE Id = 1 ^|| Id = 2",

@@ -2,6 +2,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
+#include "Cimom/Mof/MofLoader.h"
+#include "Cimom/QORQL/Lazy/QORQL_ClassTest.h"
+#include "FetchedStatement.h"
 #include "RunsWorld.h"
 
 namespace {
@@ -33,6 +36,58 @@ TEST_F(LazyFilter, AnErrorBehindWholeRunsIsTheErrorOfItsRow) {
   EXPECT_NE(world.error("SELECT k FROM N WHERE k > 70 AND b = 'maybe'"), "");
   EXPECT_EQ(world.error("SELECT k FROM N WHERE k = 150 AND b = 'maybe'"), "");  // NULL is compared with nothing
   EXPECT_NE(world.error("SELECT k FROM M WHERE more = 3"), "");
+}
+
+// Mixed kinds, missing values and elements, on either side.
+TEST_F(LazyFilter, ElementsAreComparedAsValuesAre) {
+  QueryWorld arrays(R"(
+class A { [key] uint32 k; uint16 n[]; string t[]; boolean b[]; real64 r[]; sint64 s; string w; };
+instance of A { k = 1; n = {1, 2, 300}; t = {"x", "true"}; b = {TRUE, NULL}; r = {0.5, 2.0}; s = 2; w = "true"; };
+instance of A { k = 2; n = {NULL, 2}; t = {}; b = {FALSE}; r = {-1.5}; s = -1; w = "x"; };
+instance of A { k = 3; };
+instance of A { k = 4; n = {2}; t = {NULL, "y"}; b = {}; r = {2.0, 2.0}; s = 300; };
+)");
+  for (const char* const relation : {" = ", " <> ", " < ", " > ", " <= ", " >= "}) {
+    for (const char* const word : {"ANY ", "EVERY "}) {
+      for (const char* const other : {"2", "2.0", "s", "w", "'true'", "k", "'y'", "TRUE"}) {
+        for (const char* const array : {"n", "t", "b", "r"}) {
+          const std::string left = std::string(word) + array + relation + other;
+          const std::string right = other + std::string(relation) + word + array;
+          for (const std::string& condition : {left, right}) {
+            arrays.run("SELECT k FROM A WHERE " + condition);
+            arrays.run("SELECT k FROM A WHERE NOT " + condition + " AND k > 1");
+          }
+        }
+      }
+    }
+  }
+}
+
+TEST_F(LazyFilter, IsaOfClassesWithAndWithoutObjects) {
+  EXPECT_EQ(world.rows("SELECT k FROM M WHERE M ISA Sub").size(), 14U);
+  EXPECT_EQ(world.rows("SELECT k FROM M WHERE NOT M ISA Sub").size(), 26U);
+  EXPECT_EQ(world.rows("SELECT M.k FROM M, N WHERE N.k = 3 AND M ISA Sub AND N ISA N").size(), 14U);
+  EXPECT_TRUE(world.rows("SELECT M.k FROM M, Z WHERE M.k *= Z.k AND Z ISA Z").empty());
+}
+
+// The repository is asked once for a layout, until its classes change.
+TEST_F(LazyFilter, WhatTheRepositorySaysOfAClassIsRemembered) {
+  FetchedStatement fetched("SELECT k FROM M");
+  const IQoriObject& sub = *fetched.rows().extent(0).object(0);
+  const IQoriObject& plain = *fetched.rows().extent(0).object(1);
+  QORQL_ClassTest test("root/cimv2", "sub");
+  test.beginRun();
+  EXPECT_EQ(test.remembered(sub), QORQL_ViewTruth::Undecided);
+  EXPECT_EQ(test.test(sub), QoriTruth::True);
+  EXPECT_EQ(test.remembered(sub), QORQL_ViewTruth::True);
+  EXPECT_EQ(test.remembered(plain), QORQL_ViewTruth::Undecided);
+  EXPECT_EQ(test.test(plain), QoriTruth::False);
+  test.beginRun();
+  EXPECT_EQ(test.remembered(plain), QORQL_ViewTruth::False);
+  MofLoader(world.manager().sink(), "root/cimv2").loadText("class Later : M { };", "later");
+  test.beginRun();
+  EXPECT_EQ(test.remembered(sub), QORQL_ViewTruth::Undecided);
+  EXPECT_EQ(test.test(sub), QoriTruth::True);
 }
 
 TEST_F(LazyFilter, ObjectsOfSeveralClassesInOneColumn) {

@@ -25,6 +25,18 @@ TEST_F(NodeSurprises, LikeSurprisesByWildcardsAlone) {
   for (const char* text : {"'d'", "'a?.b'", "Kind"}) EXPECT_THAT(rules(select + text), IsEmpty()) << text;
 }
 
+// rule: ISA-1
+TEST_F(NodeSurprises, IsaOfAClassThatThereIsNot) {
+  const std::string select = "SELECT Name FROM Disk AS d WHERE ";
+  EXPECT_THAT(rules(select + "d ISA Nope"), ElementsAre("ISA-1"));
+  EXPECT_THAT(surprise(select + "Size > 1 AND NOT d ISA 'Nope'"),
+              testing::HasSubstr("\"d ISA Nope\" is never true: there is no class Nope"));
+  for (const char* condition : {"d ISA Disk", "d ISA fasthost", "d ISA 'Host'"}) {
+    EXPECT_THAT(rules(select + condition), IsEmpty()) << condition;
+  }
+  EXPECT_THAT(rules(select + "d ISA d"), ElementsAre("ISA-1"));  // an alias is no class
+}
+
 TEST_F(NodeSurprises, ArraysAgainstSingleValues) {
   const std::string select = "SELECT Name FROM Disk WHERE ";
   EXPECT_THAT(surprise(select + "Ports = 3"), testing::HasSubstr("write 3 = ANY Ports"));

@@ -17,14 +17,30 @@ using Value = QORSmrPtr<IQoriValue>;
 const QoriScalar kText = CQoriValue(QORString("text")).scalar();
 
 // "type value" of the fold, "none" before a first value, "null" for a sum that does not fit.
-std::string folded(QORuint32 functionID, const std::vector<QoriScalar>& values) {
-  QORQL_NumberFold fold(functionID);
-  for (std::size_t row = 0; row < values.size(); ++row) EXPECT_TRUE(fold.add(values[row], row)) << "row " << row;
+std::string outcomeOf(const QORQL_NumberFold& fold) {
   QORQL_SelectList::Function function;
   fold.handOver(function, [](QORuint64 row) { return Value(new CQoriValue(row, CQoriType::uint8)); });
   if (!function.isTypeSet) return "none";
   if (function.value.IsNull()) return "null";
   return QueryWorld::textOf(function.value->getType()->getName() + " " + function.value->toString());
+}
+
+// The values of some rows, one by one and as runs, with the same outcome.
+std::string folded(QORuint32 functionID, const std::vector<QoriScalar>& values) {
+  QORQL_NumberFold fold(functionID);
+  std::size_t present = 0;
+  for (std::size_t row = 0; row < values.size(); ++row) {
+    EXPECT_TRUE(fold.add(values[row], row)) << "row " << row;
+    present += values[row].isNull() ? 0 : 1;
+  }
+  for (std::size_t first = 0; first <= values.size(); ++first) {
+    QORQL_NumberFold runs(functionID);
+    const QoriScalar* const second = values.data() + first;
+    EXPECT_TRUE(runs.takesRun(values.data(), values.size()));
+    EXPECT_EQ(runs.addRun(values.data(), first, 0) + runs.addRun(second, values.size() - first, first), present);
+    EXPECT_EQ(outcomeOf(runs), outcomeOf(fold)) << "two runs, of which the first has " << first << " rows";
+  }
+  return outcomeOf(fold);
 }
 
 constexpr QORuint64 kMost = std::numeric_limits<QORuint64>::max();
@@ -70,6 +86,10 @@ TEST(NumberFold, LeavesWhatIsNoNumberToOthers) {
   EXPECT_FALSE(fold.add(kText, 0));
   EXPECT_TRUE(fold.add(number(QORuint64{1}), 1));
   EXPECT_FALSE(fold.add(kText, 2));
+  const std::vector<QoriScalar> values = {number(1.5), QoriScalar(), kText};
+  EXPECT_TRUE(fold.takesRun(values.data(), 2));
+  EXPECT_FALSE(fold.takesRun(values.data(), 3));
+  EXPECT_TRUE(QORQL_NumberFold(QORQL_FUNCTIONID_COUNT).takesRun(values.data(), 3));
 }
 
 }  // namespace

@@ -55,6 +55,9 @@ constexpr Row kRows[] = {
      "HOST.Ports of root/cimv2:Host.Name=\"b\":   1"},
     {"SELECT Name FROM Host WHERE Memory = 1 AND 0 + ^Ports[2] = 2", Fault::kElementMissing,
      "HOST.Ports of root/cimv2:Host.Name=\"a\":   2"},
+    // Paths
+    {"SELECT Name FROM Host AS h WHERE Memory = 1 AND 'x' = h.^Owner.Name", Fault::kPathUnread, ".Name of :   0"},
+    {"SELECT Name FROM Host AS h WHERE h.^Owner.Name LIKE 'x'", Fault::kPathUnread, ".Name of :   0"},
     // Properties
     {"SELECT h.Name FROM Host AS h WHERE h.^Wheels = 1", Fault::kPropertyMissing,
      "h.Wheels of root/cimv2:Host.Name=\"a\":   0"},

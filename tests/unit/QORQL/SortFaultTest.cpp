@@ -42,6 +42,8 @@ constexpr Row kRows[] = {
      "h.Wheels of root/cimv2:Host.Name=\"a\":   0"},
     {"SELECT Name FROM Host ORDER BY ^Ports[1] ASC", Fault::kElementMissing,
      "HOST.Ports of root/cimv2:Host.Name=\"b\":   1"},
+    {"SELECT h.Name FROM Host AS h ORDER BY h.^Owner.Name ASC", Fault::kPathUnread, ".Name of :   0"},
+    {"SELECT h.Name FROM Host AS h ORDER BY 1 + ^Owner.Name ASC", Fault::kFromNameUnknown, ".Owner of :   0"},
 };
 
 TEST(SortFault, TellsTheKeyItsObjectAndItsPlace) {

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
 #include <limits>
 #include <random>
 #include <string>
@@ -168,6 +170,51 @@ TEST(SortKeys, RefusesWhatDoesNotGoTogether) {
   QORQL_SortKeys mixed;
   for (const QoriScalar& key : {number(-1LL), number(~0ULL)}) EXPECT_TRUE(mixed.add(key, {}));
   EXPECT_FALSE(mixed.areSortable());
+}
+
+QoriScalar dateTimeView(const QORString& text) {
+  QoriScalar key = textView(text);
+  key.kind = QoriScalarKind::DateTime;
+  return key;
+}
+
+TEST(SortKeys, DatetimesByTheirMoment) {
+  std::vector<QORString> timestamps;
+  std::vector<QORString> intervals;
+  std::mt19937_64 random(5);
+  for (int i = 0; i < 600; ++i) {
+    std::array<char, 64> text{};
+    const unsigned day = static_cast<unsigned>(random() % 3 + 1);
+    const unsigned hour = static_cast<unsigned>(random() % 24);
+    std::snprintf(text.data(), text.size(), "%s02%02u%02u0000.00000%u%c%03u", i % 7 == 0 ? "0004" : "2024", day, hour,
+                  static_cast<unsigned>(random() % 2), random() % 2 == 0 ? '+' : '-',
+                  static_cast<unsigned>(random() % 3 * 60));
+    timestamps.emplace_back(text.data());
+    std::snprintf(text.data(), text.size(), "%08u%02u0000.000000:000", day * 11111111, hour);
+    intervals.emplace_back(text.data());
+  }
+  for (const std::vector<QORString>& texts : {timestamps, intervals}) {
+    std::vector<QoriScalar> keys;
+    std::vector<QORSmrPtr<IQoriValue>> values;
+    for (const QORString& text : texts) {
+      keys.push_back(dateTimeView(text));
+      values.emplace_back(new CQoriValue(text, CQoriType::datetime));
+    }
+    expectSorted(keys, [&](QORuint32 a, QORuint32 b) { return *values[a] < *values[b]; });
+  }
+}
+
+TEST(SortKeys, DatetimesThatAreComparedAsTextsAreLeftToOthers) {
+  const QORString timestamp("20240131110000.000000+000");
+  const QORString interval("00000009000000.000000:000");
+  const QORString incomplete("20240131******.******+000");
+  for (const QORString* const other : {&interval, &incomplete}) {
+    QORQL_SortKeys keys;
+    EXPECT_TRUE(keys.add(dateTimeView(timestamp), {}));
+    EXPECT_FALSE(keys.add(dateTimeView(*other), {}));
+    EXPECT_FALSE(keys.add(textView(timestamp), {}));
+    EXPECT_FALSE(keys.add(number(1ULL), {}));
+  }
 }
 
 // Rows of one class and pairs of rows, in both modes.

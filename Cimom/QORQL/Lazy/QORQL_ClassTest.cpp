@@ -1,0 +1,38 @@
+// The version is read before the question, so that an answer is never newer than the version that it is kept for.
+// SPDX-License-Identifier: Apache-2.0
+#include "Cimom/QORQL/Lazy/QORQL_ClassTest.h"
+
+#include <utility>
+
+#include "Cimom/QORQL/CQLQueryValidator.h"
+#include "cimom/QoriProviderPluginManager.h"
+
+QORQL_ClassTest::QORQL_ClassTest(QORString nameSpace, QORString className)
+    : _nameSpace(std::move(nameSpace)),
+      _className(std::move(className)),
+      _repository(QoriProviderPluginManager::getQoriProviderPluginManager()->getRepository()) {}
+
+QoriTruth QORQL_ClassTest::test(const IQoriObject& object) {
+  const QORString className(object.getClassName());
+  if (className.isEmpty()) return QoriTruth::Null;
+  beginRun();
+  const bool isOfIt = CQLQueryValidator::isSubClass(_nameSpace, className, _className);
+  const IQoriLayout* const layout = object.getLayout();
+  const bool isNew = remembered(object) == QORQL_ViewTruth::Undecided;
+  if (_version != 0 && layout != nullptr && isNew) _answers.push_back({layout, QORQL_viewTruth(isOfIt)});
+  return qori::truth(isOfIt);
+}
+
+void QORQL_ClassTest::beginRun() {
+  const QORuint64 version = currentVersion();
+  if (version != _version) _answers.clear();
+  _version = version;
+}
+
+QORQL_ViewTruth QORQL_ClassTest::remembered(const IQoriObject& object) const noexcept {
+  const IQoriLayout* const layout = object.getLayout();
+  for (const Answer& answer : _answers) {
+    if (answer.layout == layout) return answer.truth;
+  }
+  return QORQL_ViewTruth::Undecided;
+}

@@ -1,0 +1,42 @@
+// Whether objects are of a class or of a subclass of it, remembered by their layouts.
+// Tested by tests/unit/QORQL/LazyFilterTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
+#ifndef QORQL_CLASSTEST_H
+#define QORQL_CLASSTEST_H
+
+#include <vector>
+
+#include "Cimom/QORQL/QORQL_Values.h"
+#include "cimom/IQoriObject.h"
+#include "cimom/IQoriRepository.h"
+#include "cmpbase.h"
+
+// Objects of one layout are of one class, so that the class repository is asked once for all of
+// them, as long as it tells the same version of its classes; without a version it is asked each time.
+// One condition on one thread.
+class QORQL_ClassTest {
+ public:
+  QORQL_ClassTest(QORString nameSpace, QORString className);
+
+  // Null for an object without a class. THROWS what the repository throws.
+  QoriTruth test(const IQoriObject& object);
+  // Forgets what holds no longer; to be called before a run of rows is looked up.
+  void beginRun();
+  // What is remembered of an object's layout; Undecided where nothing is.
+  QORQL_ViewTruth remembered(const IQoriObject& object) const noexcept;
+
+ private:
+  struct Answer {
+    const IQoriLayout* layout;
+    QORQL_ViewTruth truth;
+  };
+  QORuint64 currentVersion() const { return _repository.IsNull() ? 0 : _repository->getVersion(); }
+
+  QORString _nameSpace;
+  QORString _className;
+  QORSmrPtr<IQoriRepository> _repository;
+  QORuint64 _version = 0;  // that the answers hold for
+  std::vector<Answer> _answers;
+};
+
+#endif

@@ -1,0 +1,139 @@
+// What the text of a CIM datetime says, read once for any number of comparisons.
+//
+// Both forms have 25 characters with "." at 14 and one of "+", "-" (timestamp)
+// or ":" (interval) at 21. A text is read into fields; a field that contains a
+// `*` makes it incomplete. A complete text becomes one number of microseconds:
+// since 1970 in UTC, or of the interval.
+// SPDX-License-Identifier: Apache-2.0
+#ifndef QORQL_CIMOM_QORIDATETIME_H
+#define QORQL_CIMOM_QORIDATETIME_H
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+// Two complete timestamps, and two complete intervals, stand in the order of their microseconds; all other pairs in
+// that of their texts, byte by byte.
+struct QoriDateTime {
+  bool wellFormed = false;  // a timestamp (yyyymmddhhmmss.mmmmmmsutc) or an interval (ddddddddhhmmss.mmmmmm:000), with
+                            // `*` allowed for any field's digits and every field that is given in its range
+  bool complete = false;    // and without a `*`
+  bool interval = false;
+  std::int64_t microseconds = 0;  // when complete
+};
+
+namespace qori {
+
+namespace detail {
+
+// Reads digits in pairs without a branch for each: what most texts consist of.
+struct DigitReader {
+  const char* text;
+  unsigned wrong = 0;  // not 0 once a character was no digit
+
+  unsigned one(std::size_t at) noexcept {
+    const unsigned digit = static_cast<unsigned>(static_cast<unsigned char>(text[at])) - unsigned{'0'};
+    wrong |= digit > 9 ? 1U : 0U;
+    return digit;
+  }
+  unsigned two(std::size_t at) noexcept { return one(at) * 10 + one(at + 1); }
+  unsigned four(std::size_t at) noexcept { return two(at) * 100 + two(at + 2); }
+};
+
+// The microseconds since 1970 of a timestamp whose fields are all digits within their ranges; false for every other
+// text. REQUIRES the length of a datetime and the signs at their places.
+inline bool readTimestamp(std::string_view text, std::int64_t& microseconds) noexcept {
+  DigitReader digits{text.data()};
+  const std::chrono::year_month_day date{std::chrono::year(static_cast<int>(digits.four(0))),
+                                         std::chrono::month(digits.two(4)), std::chrono::day(digits.two(6))};
+  const unsigned hours = digits.two(8);
+  const unsigned minutes = digits.two(10);
+  const unsigned seconds = digits.two(12);
+  const unsigned fraction = digits.four(15) * 100 + digits.two(19);
+  const unsigned offset = digits.one(22) * 100 + digits.two(23);
+  if (digits.wrong != 0 || hours > 23 || minutes > 59 || seconds > 60 || !date.ok()) return false;
+  const std::int64_t days = std::chrono::sys_days(date).time_since_epoch().count();
+  const std::int64_t east = text[21] == '-' ? -std::int64_t{offset} : std::int64_t{offset};
+  microseconds = (((days * 24 + hours) * 60 + minutes - east) * 60 + seconds) * 1000000 + fraction;
+  return true;
+}
+
+// Reads the fields of any datetime one by one.
+struct DateTimeReader {
+  std::string_view text;
+  bool wellFormed = true;
+  bool complete = true;
+
+  // The digits at [from, from + count); outside [least, greatest] the text is malformed.
+  std::int64_t field(std::size_t from, std::size_t count, std::int64_t least, std::int64_t greatest) noexcept {
+    std::int64_t value = 0;
+    bool hasWildcard = false;
+    for (const char c : text.substr(from, count)) {
+      if (c == '*') {
+        hasWildcard = true;
+      } else if (c < '0' || c > '9') {
+        wellFormed = false;
+      } else {
+        value = value * 10 + (c - '0');
+      }
+    }
+    if (hasWildcard) {
+      complete = false;
+    } else if (value < least || value > greatest) {
+      wellFormed = false;
+    }
+    return value;
+  }
+
+  // The days since 1970 of the date at the front.
+  std::int64_t dayNumber() noexcept {
+    const std::int64_t year = field(0, 4, 0, 9999);
+    const std::int64_t month = field(4, 2, 1, 12);
+    const std::int64_t day = field(6, 2, 1, 31);
+    if (!complete || !wellFormed) return 0;
+    const std::chrono::year_month_day date{std::chrono::year(static_cast<int>(year)),
+                                           std::chrono::month(static_cast<unsigned>(month)),
+                                           std::chrono::day(static_cast<unsigned>(day))};
+    wellFormed = date.ok();
+    return std::chrono::sys_days(date).time_since_epoch().count();
+  }
+};
+
+}  // namespace detail
+
+// Any text may be read; one that is no datetime is not well-formed.
+inline QoriDateTime readDateTime(std::string_view text) noexcept {
+  constexpr std::size_t kLength = 25;
+  constexpr std::size_t kPoint = 14;
+  constexpr std::size_t kSign = 21;
+  constexpr std::int64_t kMicrosecondsPerSecond = 1000000;
+  QoriDateTime read;
+  if (text.size() != kLength || text[kPoint] != '.') return read;
+  const char sign = text[kSign];
+  if (sign != '+' && sign != '-' && sign != ':') return read;
+  read.interval = sign == ':';
+  if (!read.interval && detail::readTimestamp(text, read.microseconds)) {
+    read.wellFormed = read.complete = true;
+    return read;
+  }
+
+  detail::DateTimeReader reader{text};
+  const std::int64_t days = read.interval ? reader.field(0, 8, 0, 99999999) : reader.dayNumber();
+  const std::int64_t hours = reader.field(8, 2, 0, 23);
+  const std::int64_t minutes = reader.field(10, 2, 0, 59);
+  const std::int64_t seconds = reader.field(12, 2, 0, 60);  // a leap second is one
+  const std::int64_t fraction = reader.field(15, 6, 0, kMicrosecondsPerSecond - 1);
+  const std::int64_t offset = reader.field(22, 3, 0, read.interval ? 0 : 999);
+
+  read.wellFormed = reader.wellFormed;
+  read.complete = reader.complete && reader.wellFormed;
+  const std::int64_t localMinutes = (days * 24 + hours) * 60 + minutes;
+  const std::int64_t utcMinutes = sign == '-' ? localMinutes + offset : localMinutes - offset;
+  read.microseconds = (utcMinutes * 60 + seconds) * kMicrosecondsPerSecond + fraction;
+  return read;
+}
+
+}  // namespace qori
+
+#endif

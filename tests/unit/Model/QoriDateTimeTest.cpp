@@ -1,0 +1,68 @@
+// What the text of a datetime says: the moment or the length, and whether the text is whole.
+// SPDX-License-Identifier: Apache-2.0
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "cimom/QoriDateTime.h"
+
+namespace {
+
+constexpr std::int64_t kSecond = 1000000;
+constexpr std::int64_t kDay = 86400 * kSecond;
+
+TEST(QoriDateTime, TimestampsCountFrom1970InUtc) {
+  const auto microseconds = [](std::string_view text) {
+    const QoriDateTime read = qori::readDateTime(text);
+    EXPECT_TRUE(read.wellFormed && read.complete && !read.interval) << text;
+    return read.microseconds;
+  };
+  EXPECT_EQ(microseconds("19700101000000.000000+000"), 0);
+  EXPECT_EQ(microseconds("19700102030405.000006+000"), kDay + ((3 * 60 + 4) * 60 + 5) * kSecond + 6);
+  EXPECT_EQ(microseconds("19700101013000.000000+090"), 0);
+  EXPECT_EQ(microseconds("19691231223000.000000-090"), 0);
+  EXPECT_EQ(microseconds("19691231235959.999999+000"), -1);
+  EXPECT_EQ(microseconds("20000229000000.123456+000"), 11016 * kDay + 123456);
+  EXPECT_EQ(microseconds("19991231235960.000000+000"), 10957 * kDay);
+  EXPECT_EQ(microseconds("00010101000000.000000+000"), -719162 * kDay);
+  EXPECT_EQ(microseconds("99991231000000.000000+999"), 2932896 * kDay - 999 * 60 * kSecond);
+}
+
+TEST(QoriDateTime, IntervalsHaveALength) {
+  const QoriDateTime read = qori::readDateTime("00000002010203.000004:000");
+  EXPECT_TRUE(read.wellFormed && read.complete && read.interval);
+  EXPECT_EQ(read.microseconds, 2 * kDay + 3723 * kSecond + 4);
+  EXPECT_FALSE(qori::readDateTime("00000002010203.000004:001").wellFormed);
+}
+
+TEST(QoriDateTime, AnAsteriskLeavesATextIncomplete) {
+  const std::string whole = "20240131112233.445566+060";
+  for (std::size_t at = 0; at < whole.size(); ++at) {
+    if (at == 14 || at == 21) continue;
+    std::string text = whole;
+    text[at] = '*';
+    EXPECT_TRUE(qori::readDateTime(text).wellFormed) << text;
+    EXPECT_FALSE(qori::readDateTime(text).complete) << text;
+  }
+}
+
+// At each place, every character that no digit may be replaced by.
+TEST(QoriDateTime, WhatIsNoDatetimeIsNotWellFormed) {
+  const std::string whole = "20240131112233.445566+060";
+  for (std::size_t at = 0; at < whole.size(); ++at) {
+    for (const char wrong : {'/', ';', 'a', ' ', '\0', '\xff'}) {
+      std::string text = whole;
+      text[at] = wrong;
+      EXPECT_FALSE(qori::readDateTime(text).wellFormed) << text;
+      EXPECT_FALSE(qori::readDateTime(text).complete) << text;
+    }
+  }
+  for (const char* const text : {"", "20240131", "20240131112233.445566+0600", "20240131112233.445566 060",
+                                 "20240131112233,445566+060", "20241331112233.445566+060", "20240001112233.445566+060",
+                                 "20230229112233.445566+060", "20240100112233.445566+060", "20240131242233.445566+060",
+                                 "20240131116033.445566+060", "20240131112261.445566+060"}) {
+    EXPECT_FALSE(qori::readDateTime(text).wellFormed) << text;
+  }
+}
+
+}  // namespace

@@ -1,0 +1,57 @@
+// What type the values of each column have in all rows, for forms that tell it before the first row.
+// SPDX-License-Identifier: Apache-2.0
+#ifndef QORQL_TOOL_COLUMNTYPES_H
+#define QORQL_TOOL_COLUMNTYPES_H
+
+#include <functional>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "Cimom/Embedded/CimDeclarations.h"
+#include "Cimom/QORQL/Out/QORQL_ResultReader.h"
+#include "ResultWriter.h"
+
+// What a datetime is. What no number of microseconds says is a text: one with wildcards, and what is none.
+DateTimes dateTimesOf(std::string_view text) noexcept;
+
+// A column that shows a property has its declared type. What is computed has the type that all its values have, and
+// where they are numbers of different types one that holds them all; whether datetimes are timestamps or intervals
+// their values tell, too. Those columns are open until their rows have been seen.
+class ColumnTypes {
+ public:
+  // The property's declaration; none where the class does not declare it.
+  using Declared =
+      std::function<std::optional<CimPropertyDeclaration>(const QORString& className, const QORString& property)>;
+
+  ColumnTypes(const std::vector<QORQL_ResultReader::Column>& columns, const Declared& declared);
+
+  // The columns whose values are to be seen.
+  const std::vector<std::size_t>& open() const noexcept { return _open; }
+  // A value of an open column; null for NULL.
+  void see(std::size_t index, const IQoriValue* value);
+  // Sets type and kind of datetimes of each column. THROWS QoriBaseException (type "tool") naming a column whose
+  // values no one type holds.
+  void settle(std::vector<ResultColumn>& columns) const;
+
+ private:
+  struct Seen {
+    QORuint32 types = 0;  // a bit for each code
+    bool hasArray = false;
+    bool hasScalar = false;
+    bool hasNegative = false;
+    QORuint64 greatest = 0;       // of integers
+    bool kinds[3] = {};           // of datetimes
+    std::string_view declared{};  // the declared type, where there is one; of a shared type object
+    bool isDeclaredArray = false;
+  };
+
+  static void seeScalar(Seen& seen, const IQoriValue& value);
+  static DateTimes dateTimesOf(const Seen& seen) noexcept;
+  static std::string_view typeOf(const Seen& seen, const std::string& name);
+
+  std::vector<Seen> _seen;
+  std::vector<std::size_t> _open;
+};
+
+#endif
