@@ -32,6 +32,12 @@ class QORQL_Function : public QORQL_Evaluatable {
   // The one class that the argument names; a null pointer when it names none or several.
   QORSmrPtr<QORString> argumentClass() const;
 
+  // INSTANCEOF of a row's object, which is not null: that object where `isComplete`, otherwise the whole instance, for
+  // which the object manager is asked. Logs when it has none.
+  static QORSmrPtr<IQoriValue> instanceOf(const QORSmrPtr<IQoriObject>& object, bool isComplete);
+  // Whether the objects of a class or alias of the statement are fetched with all their properties.
+  static bool isComplete(const QORQL_SymbolTable& symbolTable, const QORString& className);
+
   QORSmrPtr<IQoriValue> evaluate(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataRow>& row) override;
   using QORQL_Evaluatable::evaluate;
   void accept(QORSmrPtr<QORQL_ExpressionVisitor>& visitor) override;

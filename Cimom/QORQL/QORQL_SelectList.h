@@ -11,6 +11,7 @@
 #include "Cimom/QORQL/QORQL_Executable.h"
 #include "Cimom/QORQL/QORQL_Fault.h"
 #include "Cimom/QORQL/QORQL_SelectedEntry.h"
+#include "cimom/CQoriBaseObject.h"
 
 class QORQL_DataRow;
 class QORQL_DataTable;
@@ -89,6 +90,9 @@ class QORQL_SelectList : public QORQL_Executable {
   // The name of a function entry's property in the VALUES object: the alias, else FUNCTION_class_property.
   static QORString _functionID(const QORQL_SelectedEntry& entry);
 
+  // The VALUES object of a row with the given properties, one for each function.
+  static QORSmrPtr<IQoriObject> valuesObject(const QORSmrPtr<CQoriBaseObject::PropertyList>& properties);
+
   // The sort key, whose classes and properties the silent run keeps; null when there is none.
   void setOrderByKey(const QORSmrPtr<QORQL_Evaluatable>& key) { _orderByKey = key; }
   const QORSmrPtr<QORQL_Evaluatable>& getOrderByKey() const noexcept { return _orderByKey; }
@@ -115,8 +119,8 @@ class QORQL_SelectList : public QORQL_Executable {
                                      const QORQL_ProjectionPlan& plan, const QORSmrPtr<IQoriObject>& values) const;
   // Leaves the projection of lazy rows to whoever looks at them. False when
   // only building the rows is sure to give the same result.
-  static bool _projectLazily(Table& table, const Table& resultTable, const HeaderList& headers,
-                             const QORQL_ProjectionPlan& plan);
+  bool _projectLazily(QORQL_SymbolTable& symbols, Table& table, const Table& resultTable, const HeaderList& headers,
+                      const QORQL_ProjectionPlan& plan) const;
   QORSmrPtr<FunctionResults> _getFunctionResults(QORQL_SymbolTable& symbols, Table& table) const;
   // A call that is computed row by row, and the slot of its entry. BORROWED.
   struct RowFunction {

@@ -6,9 +6,12 @@
 
 #include "Cimom/QORQL/Lazy/QORQL_LazyTable.h"
 #include "Cimom/QORQL/QORQL_Comparison.h"
+#include "Cimom/QORQL/QORQL_ExecutionMessages.h"
 #include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
 #include "Cimom/QORQL/QORQL_Function.h"
+#include "Cimom/QORQL/QORQL_Log.h"
+#include "Cimom/QORQL/QORQL_SelectList.h"
 #include "Cimom/QORQL/QORQL_SelectedEntry.h"
 #include "Cimom/QORQL/QORQL_Values.h"
 
@@ -73,18 +76,37 @@ class BoundPartialProperty final : public QORQL_BoundValue {
   QORString _propertyName;
 };
 
+// An object that cannot tell its name has none, as on a row.
 class BoundObjectPath final : public QORQL_BoundValue {
  public:
-  explicit BoundObjectPath(QORuint32 column) : _column(column) {}
+  BoundObjectPath(QORuint32 column, const QORString& className) : _column(column), _className(className) {}
   Value value(const QORQL_RowView& row) const override {
     const IQoriObject* const object = row.objects[_column];
     if (object == nullptr) return {};
-    const QORSmrPtr<IQoriInstanceName> name(object->getInstanceName());
-    return name.IsNull() ? Value() : Value(new CQoriValue(name));
+    try {
+      const QORSmrPtr<IQoriInstanceName> name(object->getInstanceName());
+      return name.IsNull() ? Value() : Value(Value::Make<CQoriValue>(name));
+    } catch (...) {
+      QORQL_logError(QORString(QORQL_ExecutionMessages::kInstanceNameFailed) + _className + "'");
+      return {};
+    }
   }
 
  private:
   QORuint32 _column;
+  QORString _className;
+};
+
+// What a function gave on the row of a projected table.
+class BoundResult final : public QORQL_BoundValue {
+ public:
+  BoundResult(std::shared_ptr<const QORQL_LazyResults> results, std::size_t function)
+      : _results(std::move(results)), _function(function) {}
+  Value value(const QORQL_RowView& row) const override { return _results->value(_function, row); }
+
+ private:
+  std::shared_ptr<const QORQL_LazyResults> _results;
+  std::size_t _function;
 };
 
 class BoundNegation final : public QORQL_BoundValue {
@@ -117,14 +139,20 @@ class BoundChain final : public QORQL_BoundValue {
 
 }  // namespace
 
+bool QORQL_Binder::namesResults(const QORString& className) const {
+  const QORsint32 column = _table.getFunctionColumn();
+  return column >= 0 && !className.isEmpty() && _table.getColumnIndex(className) == column;
+}
+
 QORsint32 QORQL_Binder::sourceColumn(const QORString& className) const {
   const QORsint32 column = className.isEmpty() ? -1 : _table.getColumnIndex(className);
-  if (column < 0) return -1;
+  if (column < 0 || namesResults(className)) return -1;
   const QORuint32 cell = _table.cellOfColumn(static_cast<QORuint32>(column));
   return static_cast<QORsint32>(_table.lazy()->sourceColumn(cell));
 }
 
 Bound QORQL_Binder::bindProperty(const QORString& className, const QORString& propertyName) const {
+  if (namesResults(className)) return nullptr;
   const QORsint32 column = sourceColumn(className);
   if (column < 0) return std::make_unique<BoundNull>();
   auto property = QORQL_PropertyColumn::bind(*_table.lazy()->rows(), static_cast<QORuint32>(column), propertyName);
@@ -144,9 +172,10 @@ Bound QORQL_Binder::bindFunction(const QORQL_Function& function) const {
   if (function.getFunctionID() != QORQL_FUNCTIONID_OBJECTPATH) return nullptr;
   const QORSmrPtr<QORString> className(function.argumentClass());
   if (className.IsNull()) return std::make_unique<BoundNull>();
+  if (namesResults(*className)) return nullptr;
   const QORsint32 column = sourceColumn(*className);
   if (column < 0) return std::make_unique<BoundNull>();
-  return std::make_unique<BoundObjectPath>(static_cast<QORuint32>(column));
+  return std::make_unique<BoundObjectPath>(static_cast<QORuint32>(column), *className);
 }
 
 Bound QORQL_Binder::bindFactor(const QORQL_Factor& factor) const {
@@ -190,6 +219,12 @@ QORQL_BoundSides QORQL_Binder::bindSides(const QORQL_Comparison& comparison) con
 }
 
 Bound QORQL_Binder::bindEntry(const QORQL_SelectedEntry& entry) const {
+  const std::shared_ptr<QORQL_LazyResults>& results = _table.lazy()->results();
+  if (entry.GetFunctionID() != QORQL_FUNCTIONID_UNKNOWN && results != nullptr) {
+    const QORsint32 function = results->find(QORQL_SelectList::_functionID(entry));
+    if (function < 0) return std::make_unique<BoundNull>();
+    return std::make_unique<BoundResult>(results, static_cast<std::size_t>(function));
+  }
   if (entry.isPlainProperty()) return bindProperty(entry.getClassName(), entry.getPropertyName());
   return bind(entry.getExpression());
 }

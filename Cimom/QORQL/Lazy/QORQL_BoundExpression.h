@@ -56,6 +56,8 @@ class QORQL_Binder {
   QORsint32 sourceColumn(const QORString& className) const;
 
  private:
+  // Whether the name is that of the function results, which are bound by their entries alone.
+  bool namesResults(const QORString& className) const;
   std::unique_ptr<QORQL_BoundValue> bindFactor(const class QORQL_Factor& factor) const;
   std::unique_ptr<QORQL_BoundValue> bindFunction(const class QORQL_Function& function) const;
   template <class Node>

@@ -125,6 +125,7 @@ struct QORQL_RowView {
     objects[column] = rows->object(column, index);
   }
   void select(const QORQL_RowBlock& block, QORuint64 row) {
+    number = row;
     for (std::size_t place = 0; place < block.columns.size(); ++place) {
       select(block.columns[place], block.index(row, place));
     }
@@ -133,6 +134,7 @@ struct QORQL_RowView {
   const QORQL_LazyRows* rows;
   std::vector<QORuint32> indexes;
   std::vector<const IQoriObject*> objects;
+  QORuint64 number = 0;  // of the row in the block that was selected last
 };
 
 #endif

@@ -19,7 +19,18 @@ QORQL_LazyRows& QORQL_LazyTable::ownRows() {
   return *_rows;
 }
 
+QORQL_LazyResults& QORQL_LazyTable::ownResults() {
+  if (_results.use_count() > 1) _results = std::make_shared<QORQL_LazyResults>(*_results);
+  return *_results;
+}
+
+void QORQL_LazyTable::project(std::vector<QORQL_LazyCell> cells, std::shared_ptr<QORQL_LazyResults> results) {
+  _cells = std::move(cells);
+  _results = std::move(results);
+}
+
 QORSmrPtr<IQoriObject> QORQL_LazyTable::cellObject(const QORQL_RowView& row, QORuint32 cell) const {
+  if (hasResults(cell)) return _results->object(row);
   const QORuint32 column = sourceColumn(cell);
   QORSmrPtr<IQoriObject> object(row.rows->pointer(column, row.indexes[column]));
   if (_cells.empty() || object.IsNull()) return object;
@@ -32,6 +43,10 @@ void QORQL_LazyTable::fillRow(const QORQL_RowView& view, QORQL_DataRow& row) con
   QORValSlist<QORSmrPtr<IQoriObject>>& cells = *row.getAllCells();
   cells.clear();
   for (QORuint32 cell = 0; cell < cellCount(); ++cell) {
+    if (hasResults(cell)) {
+      cells.append(_results->object(view));
+      continue;
+    }
     const QORuint32 column = sourceColumn(cell);
     cells.append(view.rows->pointer(column, view.indexes[column]));
   }

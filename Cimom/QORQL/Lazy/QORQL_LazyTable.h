@@ -7,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+#include "Cimom/QORQL/Lazy/QORQL_LazyResults.h"
 #include "Cimom/QORQL/Lazy/QORQL_LazyRows.h"
 #include "Cimom/QORQL/QORQL_DataRow.h"
 #include "cmpbase.h"
@@ -26,11 +27,20 @@ class QORQL_LazyTable {
   // The table's rows, unshared: changing them affects this table only.
   QORQL_LazyRows& ownRows();
 
-  // The projection: cells in cell order. Empty: the rows are not projected.
-  void project(std::vector<QORQL_LazyCell> cells) { _cells = std::move(cells); }
+  // The projection: cells in cell order, behind them that of the function results where there are any; REQUIRES a cell
+  // or results. The rows of a table with results are one block.
+  void project(std::vector<QORQL_LazyCell> cells, std::shared_ptr<QORQL_LazyResults> results);
   const std::vector<QORQL_LazyCell>& cells() const noexcept { return _cells; }
-  std::size_t cellCount() const noexcept { return _cells.empty() ? _rows->columnCount() : _cells.size(); }
-  QORuint32 sourceColumn(QORuint32 cell) const noexcept { return _cells.empty() ? cell : _cells[cell].sourceColumn; }
+  std::size_t cellCount() const noexcept {
+    return isProjected() ? _cells.size() + (_results == nullptr ? 0 : 1) : _rows->columnCount();
+  }
+  // Whether the cell is that of the function results; it has no source.
+  bool hasResults(QORuint32 cell) const noexcept { return _results != nullptr && cell == _cells.size(); }
+  QORuint32 sourceColumn(QORuint32 cell) const noexcept { return isProjected() ? _cells[cell].sourceColumn : cell; }
+  // Null when no function was projected.
+  const std::shared_ptr<QORQL_LazyResults>& results() const noexcept { return _results; }
+  // Unshared, as ownRows().
+  QORQL_LazyResults& ownResults();
 
   // The object of one cell as the row would hold it.
   QORSmrPtr<IQoriObject> cellObject(const QORQL_RowView& row, QORuint32 cell) const;
@@ -40,8 +50,11 @@ class QORQL_LazyTable {
   QORSmrPtr<QORQL_DataRow> makeRow(const QORQL_RowView& view) const;
 
  private:
+  bool isProjected() const noexcept { return !_cells.empty() || _results != nullptr; }
+
   std::shared_ptr<QORQL_LazyRows> _rows;
   std::vector<QORQL_LazyCell> _cells;
+  std::shared_ptr<QORQL_LazyResults> _results;
 };
 
 #endif

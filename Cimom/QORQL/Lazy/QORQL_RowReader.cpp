@@ -124,5 +124,6 @@ QORSmrPtr<IQoriObject> QORQL_RowReader::object(const QORString& className) {
 const IQoriObject* QORQL_RowReader::fetchedObject(const QORString& className) {
   if (_view == nullptr) return _row->getCell(className).Get();
   const QORsint32 cell = lazyCell(className);
+  if (cell >= 0 && _table->lazy()->hasResults(static_cast<QORuint32>(cell))) return nullptr;
   return cell < 0 ? nullptr : currentView().objects[_table->lazy()->sourceColumn(static_cast<QORuint32>(cell))];
 }

@@ -15,12 +15,6 @@ namespace {
 
 using Value = QORSmrPtr<IQoriValue>;
 
-bool isComplete(const QORSmrPtr<QORQL_Symbol>& symbol) {
-  if (symbol.IsNull()) return false;
-  const QORSmrPtr<QORQL_ClassInfo> info(symbol->getClassInfo());
-  return !info.IsNull() && (info->needAllProperties() || info->fetchAllProperties());
-}
-
 // Null when the instance is not available, for whatever reason.
 QORSmrPtr<IQoriObject> fetchInstance(const QORSmrPtr<IQoriObject>& object) {
   try {
@@ -48,22 +42,28 @@ Value QORQL_Function::_evaluateObjectPath(QORSmrPtr<QORQL_DataRow>& row) const {
   return className.IsNull() ? Value() : row->getFullInstanceName(*className);
 }
 
+bool QORQL_Function::isComplete(const QORQL_SymbolTable& symbolTable, const QORString& className) {
+  const QORSmrPtr<QORQL_Symbol> symbol(symbolTable.lookupIgnoringCase(className));
+  if (symbol.IsNull()) return false;
+  const QORSmrPtr<QORQL_ClassInfo> info(symbol->getClassInfo());
+  return !info.IsNull() && (info->needAllProperties() || info->fetchAllProperties());
+}
+
 // The row's object may hold some properties only; then the whole instance is
 // asked for; where that fails, the row's object is used.
+Value QORQL_Function::instanceOf(const QORSmrPtr<IQoriObject>& object, bool isComplete) {
+  if (isComplete) return Value::Make<CQoriValue>(object);
+  const QORSmrPtr<IQoriObject> whole(fetchInstance(object));
+  if (!whole.IsNull()) return Value::Make<CQoriValue>(whole);
+  QORQL_logAs(Messages::kFunctionWho, Messages::kGetInstanceFailed, QoriTraceLog::kError);
+  return Value::Make<CQoriValue>(object);
+}
+
 Value QORQL_Function::_evaluateInstanceOf(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataRow>& row) const {
   const QORSmrPtr<QORString> className(argumentClass());
   if (className.IsNull()) return {};
-  QORSmrPtr<IQoriObject> object(row->getCell(*className));
-  if (object.IsNull()) return {};
-  if (!isComplete(symbolTable.lookupIgnoringCase(*className))) {
-    QORSmrPtr<IQoriObject> whole(fetchInstance(object));
-    if (whole.IsNull()) {
-      QORQL_logAs(Messages::kFunctionWho, Messages::kGetInstanceFailed, QoriTraceLog::kError);
-    } else {
-      object = whole;
-    }
-  }
-  return Value(new CQoriValue(object));
+  const QORSmrPtr<IQoriObject> object(row->getCell(*className));
+  return object.IsNull() ? Value() : instanceOf(object, isComplete(symbolTable, *className));
 }
 
 Value QORQL_Function::evaluate(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataRow>& row) {

@@ -92,6 +92,7 @@ void sortLazily(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& tabl
     numbers = sortedNumbers(reader, slot, isAscending);
   }
   if (numbers.empty()) return;
+  if (table->lazy()->results() != nullptr) table->lazy()->ownResults().reorder(numbers);
   QORQL_RowBlock& block = table->lazy()->ownRows().blocks().front();
   block.tuples = tuplesOf(block, std::move(numbers));
   block.isWholeExtent = false;

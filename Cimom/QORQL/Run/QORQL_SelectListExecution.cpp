@@ -14,6 +14,7 @@
 #include "Cimom/QORQL/QORQL_ParseException.h"
 #include "Cimom/QORQL/QORQL_SelectList.h"
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
+#include "Cimom/QORQL/Run/QORQL_LazyFunctions.h"
 #include "Cimom/QORQL/Run/QORQL_ProjectionPlan.h"
 
 namespace Messages = QORQL_ExecutionMessages;
@@ -53,7 +54,7 @@ void QORQL_SelectList::execute(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_D
   result->addColumns(headers, false);
   result->setProjected(reversedPositions(headers->entries()));
   if (plan.hasFunctions()) result->setFunctionColumn(0);  // the last header comes first
-  if (!_projectLazily(table, result, headers, plan)) {
+  if (!_projectLazily(symbolTable, table, result, headers, plan)) {
     result->addRows(_buildTableRows(table, result, symbolTable, headers, plan));
   }
   table = result;
@@ -142,21 +143,27 @@ bool keepLazily(const QORQL_DataTable& table, const QORQL_ProjectionPlan& plan, 
 
 // A lazy projection of a projection reads the same objects: what the first run
 // kept for the sort alone is dropped by naming fewer properties.
-bool QORQL_SelectList::_projectLazily(Table& table, const Table& resultTable, const HeaderList& headers,
-                                      const QORQL_ProjectionPlan& plan) {
-  if (table->lazy() == nullptr || plan.hasFunctions()) return false;
+bool QORQL_SelectList::_projectLazily(QORQL_SymbolTable& symbols, Table& table, const Table& resultTable,
+                                      const HeaderList& headers, const QORQL_ProjectionPlan& plan) const {
+  if (table->lazy() == nullptr) return false;
   std::vector<Kept> kept;
   if (!keepLazily(*table, plan, kept)) return false;
+  std::shared_ptr<QORQL_LazyResults> results;
+  if (plan.hasFunctions()) {
+    results = table->isProjected() ? table->lazy()->results() : QORQL_computeLazily(*this, symbols, table);
+    if (results == nullptr) return false;
+  }
   std::vector<QORQL_LazyCell> cells;
   QORValSlistIterator<QORSmrPtr<QORQL_TableHeader>> iterator(*headers);
   while (++iterator) {
+    if (cells.size() + 1 == headers->entries() && results != nullptr) break;  // the column of function results
     const QORuint32 column = static_cast<QORuint32>(table->getColumnIndex(iterator.key()->getName()));
     const QORuint32 source = table->lazy()->sourceColumn(table->cellOfColumn(column));
     cells.push_back({source, kept[source].all, kept[source].names});
   }
-  if (cells.empty()) return false;
+  if (cells.empty() && results == nullptr) return false;
   auto lazy = std::make_unique<QORQL_LazyTable>(table->lazy()->rows());
-  lazy->project(std::move(cells));
+  lazy->project(std::move(cells), std::move(results));
   resultTable->setLazy(std::move(lazy));
   return true;
 }

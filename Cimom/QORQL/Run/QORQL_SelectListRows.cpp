@@ -56,6 +56,10 @@ QORSmrPtr<IQoriObject> QORQL_SelectList::_functionResultsToObject(const Function
   QORSmrPtr<CQoriBaseObject::PropertyList> properties(new CQoriBaseObject::PropertyList());
   QORValSlistIterator<FunctionResult> iterator(results.results);
   while (++iterator) properties->append(new CQoriProperty(iterator.key().id, iterator.key().result, true));
+  return valuesObject(properties);
+}
+
+QORSmrPtr<IQoriObject> QORQL_SelectList::valuesObject(const QORSmrPtr<CQoriBaseObject::PropertyList>& properties) {
   return QORSmrPtr<IQoriObject>(new CQoriBaseObject("interop", _FUNCTIONS_VALUES_CLASS, "key", properties));
 }
 

@@ -39,7 +39,7 @@ TEST_F(LazyTable, MakesRowsOfWhatAProjectionKeeps) {
   QORQL_LazyCell one;
   one.properties = QORSmrPtr<QORValSlist<QORString>>(new QORValSlist<QORString>());
   one.properties->append("K");
-  projected.project({all, one});
+  projected.project({all, one}, nullptr);
   EXPECT_EQ(projected.cellCount(), 2U);
   EXPECT_EQ(projected.sourceColumn(0), 1U);
   const auto row = projected.makeRow(firstRow());
