@@ -138,7 +138,8 @@ std::string_view arrowEndOfStream() noexcept {
   return {kEnd, 8};
 }
 
+// Metadata of sixteen bytes, of which half are there: some readers take a message without any for the end.
 std::string_view arrowBrokenStream() noexcept {
-  static constexpr char kBroken[] = "\xFF\xFF\xFF\xFF\x10\0\0";
-  return {kBroken, 8};
+  static constexpr char kBroken[] = "\xFF\xFF\xFF\xFF\x10\0\0\0\0\0\0\0\0\0\0";
+  return {kBroken, 16};
 }

@@ -48,7 +48,7 @@ std::string arrowSchemaMessage(const std::vector<ArrowField>& fields);
 std::string arrowBatchMessage(std::int64_t rowCount, const ArrowBatch& batch);
 // What stands behind the last batch.
 std::string_view arrowEndOfStream() noexcept;
-// What no message begins with: a stream that ends so is not whole, and every reader says so.
+// A message that is cut: a stream that ends so is not whole, and readers say so.
 std::string_view arrowBrokenStream() noexcept;
 
 #endif
