@@ -13,6 +13,7 @@
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "bench/Data.h"
 #include "bench/Statement.h"
+#include "bench/StoreTable.h"
 #include "bench/World.h"
 
 namespace bench {
@@ -77,6 +78,7 @@ void printUsage(const Usage& usage, std::ostream& out) {
 }  // namespace
 
 void printMemoryTable(std::uint64_t size, std::ostream& out) {
+  printStoreTable(size, out);
   DiskWorld world(size);
   world.makeCurrent();
   out << "\n### Memory added by a query, " << size << " instances\n\n"
