@@ -21,7 +21,7 @@ QORSmrPtr<IQoriInstanceName> referenceAt(const IQoriObject& object, QORuint32 po
 
 CIMApi::Instances AssociationWalk::run() {
   {
-    const std::shared_lock<std::shared_mutex> lock(_store.mutex());
+    const std::shared_lock<std::shared_mutex> lock = _store.lockInstances();
     if (!resolveClasses()) return {};
     walkStored();
     resolveStored();
@@ -29,7 +29,7 @@ CIMApi::Instances AssociationWalk::run() {
   walkLive();
   walkOuter();
   if (_resolved < _ends.size()) {
-    const std::shared_lock<std::shared_mutex> lock(_store.mutex());
+    const std::shared_lock<std::shared_mutex> lock = _store.lockInstances();
     resolveStored();
   }
   return collect();
@@ -128,7 +128,7 @@ bool AssociationWalk::isResult(const ClassEntry& entry) const {
 QORSmrPtr<IQoriObject> AssociationWalk::findLive(const End& end) {
   LiveSource source;
   {
-    const std::shared_lock<std::shared_mutex> lock(_store.mutex());
+    const std::shared_lock<std::shared_mutex> lock = _store.lockInstances();
     const NameSpace* const space = _store.findNameSpace(end.name->getNameSpacePath()->getNameSpace(), View::Committed);
     if (space == nullptr) return {};
     const ClassEntry* const entry = ObjectStore::findClass(*space, end.name->getClassName(), View::Committed);

@@ -5,6 +5,7 @@
 #define QORQL_EMBEDDED_CIMDECLARATIONROWS_H
 
 #include <cstring>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -112,6 +113,17 @@ class CimRowReader {
   std::string_view _rest;
 };
 
+// Takes the first of several rows, each behind its length, off the front; false when there is no whole one.
+inline bool takeCimRow(std::string_view& rows, std::string_view& row) noexcept {
+  QORuint32 length = 0;
+  if (rows.size() < sizeof length) return false;
+  std::memcpy(&length, rows.data(), sizeof length);
+  if (rows.size() - sizeof length < length) return false;
+  row = rows.substr(sizeof length, length);
+  rows.remove_prefix(sizeof length + length);
+  return true;
+}
+
 // Stores instances of one class that give the same properties. Belongs to the transaction in which
 // it was got.
 class CimInstanceMaker {
@@ -122,6 +134,10 @@ class CimInstanceMaker {
   // what is at fault. Numbers fit by their value, not by the kind of their cell: an unsigned cell may fill a
   // signed or a real property. THROWS std::bad_alloc alone.
   virtual bool create(std::string_view row) = 0;
+  // The same for so many rows, each behind its length (4 bytes), that may become instances when somebody needs them:
+  // their cells are looked at now, and `owner` keeps the bytes as long as they are needed. REQUIRES that no two have
+  // one path, as of rows that create() took once. False, and the load is to be rolled back, when one cannot be stored.
+  virtual bool createLater(std::string_view rows, QORuint32 count, const std::shared_ptr<const void>& owner);
 };
 
 #endif

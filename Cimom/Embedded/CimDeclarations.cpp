@@ -17,3 +17,13 @@ std::unique_ptr<CimInstanceMaker> CimDeclarationSink::instanceMaker(const QORStr
                                                                     const std::vector<QORString>& /*propertyNames*/) {
   return nullptr;
 }
+
+// At once.
+bool CimInstanceMaker::createLater(std::string_view rows, QORuint32 count,
+                                   const std::shared_ptr<const void>& /*owner*/) {
+  std::string_view row;
+  for (; count != 0; --count) {
+    if (!takeCimRow(rows, row) || !create(row)) return false;
+  }
+  return true;
+}

@@ -21,12 +21,36 @@ CIMApi::Instances makeList(const ClassEntry& entry, const CIMApi::PropertyNames&
   return list;
 }
 
-CIMApi::Instances storedInstances(ListCache& cache, const ClassEntry& entry, const CIMApi::PropertyNames& names) {
+void appendRows(const LaterRows& later, const CIMApi::PropertyNames& names, InstanceList& list) {
+  const ModelLayout& layout = *later.source->plan->shape()->layout;
+  const QORSmrPtr<RowView> view(new RowView(later.source, layout.restrictTo(*names)));
+  const std::lock_guard<std::mutex> lock(later.source->mutex);
+  std::string_view rest = later.rows;
+  std::string_view row;
+  for (QORuint32 i = 0; i < later.count && takeCimRow(rest, row); ++i) {
+    list.append(RowObject::create(view, row, identityOf(later.sequence + i)));
+  }
+}
+
+// Of the rows that are left for later: no instance is needed for a few of their properties. Null when it takes all.
+CIMApi::Instances makeListOfRows(const NameSpace& space, const ClassEntry& entry, const CIMApi::PropertyNames& names) {
+  CIMApi::Instances list(new InstanceList);
+  for (const LaterRows& later : space.laterRows) {
+    if (later.isPending || !later.source->plan->entry().isA(entry)) continue;
+    if (names.IsNull()) return {};
+    appendRows(later, names, *list);
+  }
+  return list;
+}
+
+// Null when rows must become instances first.
+CIMApi::Instances storedInstances(ListCache& cache, const NameSpace& space, const ClassEntry& entry,
+                                  const CIMApi::PropertyNames& names) {
   const std::string key = propertyNamesKey(names);
   CIMApi::Instances list = cache.find(entry, key, entry.version);
   if (list.IsNull()) {
-    list = makeList(entry, names);
-    cache.put(entry, key, entry.version, list);
+    list = space.laterRows.empty() ? makeList(entry, names) : makeListOfRows(space, entry, names);
+    if (!list.IsNull()) cache.put(entry, key, entry.version, list);
   }
   return list;
 }
@@ -61,14 +85,15 @@ CIMApi::Instances enumerateInstances(const ObjectStore& store, ListCache& cache,
                                      const QORString& className, const LiveRequest& request) {
   CIMApi::Instances stored;
   std::vector<LiveSource> sources;
-  {
-    const std::shared_lock<std::shared_mutex> lock(store.mutex());
+  for (bool isFirst = true; stored.IsNull(); isFirst = false) {
+    const std::shared_lock<std::shared_mutex> lock =
+        isFirst ? std::shared_lock<std::shared_mutex>(store.mutex()) : store.lockInstances();
     const NameSpace* const space = store.findNameSpace(nameSpace, View::Committed);
     const ClassEntry* const entry =
         space == nullptr ? nullptr : ObjectStore::findClass(*space, className, View::Committed);
     if (entry == nullptr) return {};
     sources = sourcesOf(*space, *entry);
-    stored = storedInstances(cache, *entry, request.names);
+    stored = storedInstances(cache, *space, *entry, request.names);
   }
   if (sources.empty()) return stored;
   CIMApi::Instances all(new InstanceList(*stored));
@@ -89,7 +114,7 @@ CIMApi::Instances ownInstances(const ObjectStore& store, const QORString& nameSp
   Restrictor restrictor(names);
   LiveSource source;
   {
-    const std::shared_lock<std::shared_mutex> lock(store.mutex());
+    const std::shared_lock<std::shared_mutex> lock = store.lockInstances();
     const NameSpace* const space = store.findNameSpace(nameSpace, View::Committed);
     const ClassEntry* const entry =
         space == nullptr ? nullptr : ObjectStore::findClass(*space, className, View::Committed);
@@ -116,7 +141,7 @@ QORSmrPtr<IQoriObject> getInstance(const ObjectStore& store, const QORString& na
   LiveRequest request{names, {}, {}, false};
   LiveSource source;
   {
-    const std::shared_lock<std::shared_mutex> lock(store.mutex());
+    const std::shared_lock<std::shared_mutex> lock = store.lockInstances();
     const QORString& wanted = nameSpace.isEmpty() ? own : nameSpace;
     const StoredInstance* const stored = store.findInstance(wanted, *name, View::Committed);
     if (stored != nullptr) return Restrictor(names).apply(*stored->entry->model, stored->object);

@@ -13,17 +13,25 @@ using WriteLock = std::unique_lock<std::shared_mutex>;
 
 class RowMaker final : public CimInstanceMaker {
  public:
-  RowMaker(std::shared_ptr<ObjectStore> store, std::unique_ptr<RowPlan> plan)
-      : _store(std::move(store)), _plan(std::move(plan)) {}
+  RowMaker(std::shared_ptr<ObjectStore> store, std::unique_ptr<RowPlan> plan, std::vector<QORString> propertyNames)
+      : _store(std::move(store)), _plan(std::move(plan)), _propertyNames(std::move(propertyNames)) {}
 
   bool create(std::string_view row) override {
     const WriteLock lock(_store->mutex());
     return _store->createInstance(*_plan, row, View::Loader);
   }
+  // Each time with a plan of its own, which lives as long as the rows.
+  bool createLater(std::string_view rows, QORuint32 count, const std::shared_ptr<const void>& owner) override {
+    const WriteLock lock(_store->mutex());
+    const QORString& nameSpace = _plan->nameSpace().name;
+    std::unique_ptr<RowPlan> plan = _store->planRows(nameSpace, _plan->entry().name(), _propertyNames, View::Loader);
+    return plan != nullptr && _store->createLater(std::move(plan), rows, count, owner, View::Loader);
+  }
 
  private:
   std::shared_ptr<ObjectStore> _store;
   std::unique_ptr<RowPlan> _plan;
+  std::vector<QORString> _propertyNames;
 };
 
 }  // namespace
@@ -68,7 +76,7 @@ std::unique_ptr<CimInstanceMaker> DeclarationSink::instanceMaker(const QORString
                                                                  const std::vector<QORString>& propertyNames) {
   const ReadLock lock(_store->mutex());
   std::unique_ptr<RowPlan> plan = _store->planRows(nameSpace, className, propertyNames, View::Loader);
-  return plan == nullptr ? nullptr : std::make_unique<RowMaker>(_store, std::move(plan));
+  return plan == nullptr ? nullptr : std::make_unique<RowMaker>(_store, std::move(plan), propertyNames);
 }
 
 QORSmrPtr<IQoriObject> DeclarationSink::makeObject(const QORString& nameSpace,

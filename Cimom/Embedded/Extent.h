@@ -32,6 +32,10 @@ struct StoredInstance {
   }
 };
 
+// An instance's place in the order of creation, which is that of every list, as
+// the number that its objects have; never 0, which means that there is no number.
+constexpr QORuint64 identityOf(QORuint64 sequence) noexcept { return sequence + 1; }
+
 // Sorted by sequence. Appending is O(1), removing O(log n) and, over many
 // removals, O(1) moved elements each: a removed instance leaves a gap until
 // half of the slots are gaps. Not synchronised.

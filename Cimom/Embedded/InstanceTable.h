@@ -49,6 +49,9 @@ class InstanceTable {
   // Puts another object of the same class and path in the place of the old one.
   void replace(StoredInstance& instance, const QORSmrPtr<IQoriObject>& object);
   void remove(StoredInstance& instance) noexcept;
+  bool isEmpty() const noexcept { return _instances.size() == _free.size(); }
+  // What queries see of the class and its superclasses has changed.
+  static void touch(ClassEntry* entry) noexcept;
   // Makes a pending instance visible to queries.
   static void publish(StoredInstance& instance) noexcept;
   // BORROWS: the associations that refer to the path; null when there are none.
@@ -57,7 +60,6 @@ class InstanceTable {
  private:
   void addReferences(StoredInstance& instance);
   void removeReferences(const StoredInstance& instance) noexcept;
-  static void touch(ClassEntry* entry) noexcept;
 
   StoredInstance& takePlace();
 

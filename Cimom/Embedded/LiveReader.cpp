@@ -115,7 +115,7 @@ class Collector {
     if (!_paths.emplace(path.view()).second) {
       return leaveOut([&] { return "its path occurs twice, " + std::string(path.view()); });
     }
-    const std::shared_lock<std::shared_mutex> lock(_store.mutex());
+    const std::shared_lock<std::shared_mutex> lock = _store.lockInstances();
     const NameSpace* const space = _store.findNameSpace(_model.shape()->nameSpace, View::Committed);
     const StoredInstance* const stored = space->instances.find(path.view());
     if (stored == nullptr || stored->isPending) _objects.push_back(object);

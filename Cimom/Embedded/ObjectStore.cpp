@@ -7,6 +7,7 @@
 #include "Cimom/Embedded/ObjectStore.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "Cimom/Embedded/RepositoryError.h"
 #include "cimom/CQoriInstanceName.h"
@@ -159,6 +160,11 @@ void ObjectStore::commit() {
   for (NameSpace* const space : _pending->nameSpaces) space->isPending = false;
   for (const auto& [space, entry] : _pending->classes) entry->isPending = false;
   for (const auto& [space, instance] : _pending->instances) InstanceTable::publish(*instance);
+  for (const std::unique_ptr<NameSpace>& space : _nameSpaces) {
+    for (LaterRows& later : space->laterRows) {
+      if (std::exchange(later.isPending, false)) InstanceTable::touch(&later.source->plan->entry());
+    }
+  }
   _pending.reset();
 }
 
@@ -166,6 +172,9 @@ void ObjectStore::rollback() noexcept {
   if (_pending == nullptr) return;
   const std::unique_ptr<Pending> pending = std::move(_pending);
   for (const auto& [space, instance] : pending->instances) space->instances.remove(*instance);
+  for (const std::unique_ptr<NameSpace>& space : _nameSpaces) {
+    std::erase_if(space->laterRows, [](const LaterRows& later) { return later.isPending; });
+  }
   for (const auto& [space, entry] : pending->classes) {
     const auto found = space->classIndex.find(entry->name().view());
     if (found != space->classIndex.end()) space->classIndex.erase(found);

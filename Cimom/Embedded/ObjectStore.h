@@ -29,6 +29,8 @@ enum class View { Committed, Loader };
 class ObjectStore {
  public:
   std::shared_mutex& mutex() const noexcept { return _mutex; }
+  // The lock for those who look at stored instances: what has been left for later is read before.
+  std::shared_lock<std::shared_mutex> lockInstances() const;
 
   // BORROW: null when there is none.
   NameSpace* findNameSpace(const QORString& name, View view) const noexcept;
@@ -62,6 +64,9 @@ class ObjectStore {
                                     const std::vector<QORString>& propertyNames, View view) const;
   // False when the row cannot be stored just so, or its path is there already.
   bool createInstance(RowPlan& plan, std::string_view row, View view);
+  // Rows of such a plan, which become instances when they are needed. False when one of them cannot.
+  bool createLater(std::unique_ptr<RowPlan> plan, std::string_view rows, QORuint32 count,
+                   const std::shared_ptr<const void>& owner, View view);
   QORSmrPtr<IQoriObject> makeObject(const QORString& nameSpace, const CimInstanceDeclaration& declaration,
                                     View view) const;
   QORSmrPtr<IQoriObject> makeClassObject(const QORString& nameSpace, const CimClassDeclaration& declaration,
@@ -100,7 +105,10 @@ class ObjectStore {
                  std::vector<QORSmrPtr<IQoriValue>>& values, View view) const;
   // Null when the path is there already.
   StoredInstance* store(NameSpace& space, ClassEntry& entry, const QORSmrPtr<IQoriObject>& object,
-                        std::string_view path, View view);
+                        std::string_view path, QORuint64 sequence, bool isPending) const;
+  // Makes instances of the rows that were left for later. REQUIRES the exclusive lock.
+  void readLaterRows() const;
+  void readRows(NameSpace& space, LaterRows& later) const;
   static QORuint64 nextClassVersion() noexcept;
   void noteClassChange() noexcept { _classVersion.store(nextClassVersion(), std::memory_order_release); }
   bool becomesPending(View view) const noexcept { return view == View::Loader && _pending != nullptr; }
@@ -110,7 +118,8 @@ class ObjectStore {
   NameMap<NameSpace*> _nameSpaceIndex;
   QORuint64 _nextSequence = 1;
   std::atomic<QORuint64> _classVersion{nextClassVersion()};
-  std::unique_ptr<Pending> _pending;  // null: no load is open
+  std::unique_ptr<Pending> _pending;   // null: no load is open
+  mutable bool _hasLaterRows = false;  // in any namespace
 };
 
 }  // namespace embedded

@@ -17,10 +17,6 @@ namespace {
 // escaped again: its length doubles with each reference to a reference.
 constexpr std::size_t kLongestKeyReference = 16384;
 
-// An instance's place in the order of creation, which is that of every list, as
-// the number that its objects have; never 0, which means that there is no number.
-constexpr QORuint64 identityOf(QORuint64 sequence) noexcept { return sequence + 1; }
-
 void checkKeyReferences(const CQoriClass& model, const std::vector<QORSmrPtr<IQoriValue>>& values) {
   for (const QORuint32 position : model.keyPositions()) {
     const QORSmrPtr<IQoriInstanceName> name =
@@ -158,6 +154,7 @@ std::vector<QORSmrPtr<IQoriValue>> ObjectStore::valuesFor(const NameSpace& space
 
 StoredInstance& ObjectStore::createInstance(const QORString& nameSpace, const CimInstanceDeclaration& declaration,
                                             View view) {
+  readLaterRows();
   NameSpace& space = requireNameSpace(nameSpace, view);
   ClassEntry& entry = requireConcreteClass(space, declaration.className, view);
   const CQoriClass& model = *entry.model;
@@ -174,42 +171,9 @@ StoredInstance& ObjectStore::createInstance(const QORString& nameSpace, const Ci
   const QORSmrPtr<IQoriObject> object = ModelInstance::create(model.shape(), values, {}, identityOf(_nextSequence));
   std::string path;
   object->appendPath(path);
-  StoredInstance* const stored = store(space, entry, object, path, view);
+  StoredInstance* const stored = store(space, entry, object, path, _nextSequence++, becomesPending(view));
   if (stored == nullptr) refuse(CimStatus::AlreadyExists, {"instance ", path, " exists already"});
   return *stored;
-}
-
-StoredInstance* ObjectStore::store(NameSpace& space, ClassEntry& entry, const QORSmrPtr<IQoriObject>& object,
-                                   std::string_view path, View view) {
-  const bool isPending = becomesPending(view);
-  if (isPending) _pending->instances.emplace_back(&space, nullptr);
-  StoredInstance* stored = nullptr;
-  try {
-    stored = space.instances.insert(entry, object, path, _nextSequence++, isPending);
-  } catch (...) {
-    if (isPending) _pending->instances.pop_back();
-    throw;
-  }
-  if (isPending && stored == nullptr) _pending->instances.pop_back();
-  if (isPending && stored != nullptr) _pending->instances.back().second = stored;
-  return stored;
-}
-
-std::unique_ptr<RowPlan> ObjectStore::planRows(const QORString& nameSpace, const QORString& className,
-                                               const std::vector<QORString>& propertyNames, View view) const {
-  NameSpace* const space = findNameSpace(nameSpace, view);
-  ClassEntry* const entry = space == nullptr ? nullptr : findClass(*space, className, view);
-  if (entry == nullptr || entry->model->isAbstract()) return nullptr;
-  auto plan = std::make_unique<RowPlan>(*space, *entry);
-  return plan->readColumns(propertyNames) ? std::move(plan) : nullptr;
-}
-
-bool ObjectStore::createInstance(RowPlan& plan, std::string_view row, View view) {
-  const QORSmrPtr<IQoriObject> object = plan.makeObject(row, identityOf(_nextSequence));
-  if (object.IsNull()) return false;
-  std::string& path = plan.emptyText();
-  object->appendPath(path);
-  return store(plan.nameSpace(), plan.entry(), object, path, view) != nullptr;
 }
 
 QORSmrPtr<IQoriObject> ObjectStore::makeObject(const QORString& nameSpace, const CimInstanceDeclaration& declaration,
@@ -232,6 +196,7 @@ QORSmrPtr<IQoriObject> ObjectStore::makeClassObject(const QORString& nameSpace, 
 }
 
 void ObjectStore::modifyInstance(const IQoriInstanceName& name, const std::vector<CimInstanceProperty>& properties) {
+  readLaterRows();
   const QORString& nameSpace = name.getNameSpacePath()->getNameSpace();
   NameSpace& space = requireNameSpace(nameSpace, View::Committed);
   StoredInstance* const instance = findInstance(nameSpace, name, View::Committed);
@@ -252,6 +217,7 @@ void ObjectStore::modifyInstance(const IQoriInstanceName& name, const std::vecto
 }
 
 bool ObjectStore::deleteInstance(const IQoriInstanceName& name) {
+  readLaterRows();
   const QORString& nameSpace = name.getNameSpacePath()->getNameSpace();
   StoredInstance* const instance = findInstance(nameSpace, name, View::Committed);
   if (instance == nullptr) return false;

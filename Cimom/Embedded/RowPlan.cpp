@@ -18,7 +18,7 @@ namespace {
 using Code = CQoriType::Code;
 
 // Arrays that are remembered; where there are many more different ones, few are found again.
-constexpr std::size_t kArraysKept = 1024;
+constexpr std::size_t kArraysKept = 4096;
 
 // Of an integer type: its bits, negative for a signed one; 0 for other types.
 int bitsOf(Code code) noexcept {
@@ -142,55 +142,54 @@ bool RowPlan::readColumns(const std::vector<QORString>& propertyNames) {
 }
 
 QORSmrPtr<IQoriObject> RowPlan::makeObject(std::string_view row, QORuint64 identity) {
-  return ModelInstance::createFilled(_entry.model->shape(), identity,
-                                     [this, row](ModelSlot* slots) { return fill(slots, row); });
+  return ModelInstance::createFilled(_shape, identity, [this, row](ModelSlot* slots) {
+    return fill([slots](QORuint32 position) { return slots + position; }, row);
+  });
 }
 
-bool RowPlan::fill(ModelSlot* slots, std::string_view row) {
-  CimRowReader reader(row);
-  CimCell cell;
-  for (const Column& column : _columns) {
-    if (!reader.next(cell) || !fillSlot(column, cell, reader, slots[column.position])) return false;
-  }
-  for (const Default& missing : _defaults) {
-    slots[missing.position].set(missing.value, _entry.model->type(missing.position));
-  }
-  return reader.isAtEnd();
-}
-
-bool RowPlan::fillSlot(const Column& column, const CimCell& cell, CimRowReader& reader, ModelSlot& slot) {
+bool RowPlan::fillSlot(const Column& column, const CimCell& cell, CimRowReader& reader, ModelSlot* slot) {
   if (cell.kind == CimCellKind::Null) return !column.isKey;
   if (column.isArray) return cell.kind == CimCellKind::Array && fillArray(column, cell, reader, slot);
   if (cell.kind == CimCellKind::Text) {
     const bool isDateTime = column.code == Code::DateTime;
     if (!isText(column.code)) return false;
-    slot.setText(QORString(cell.text, _texts), isDateTime ? QoriScalarKind::DateTime : QoriScalarKind::Text);
+    const QoriScalarKind kind = isDateTime ? QoriScalarKind::DateTime : QoriScalarKind::Text;
+    if (slot != nullptr) slot->setText(QORString(cell.text, _texts), kind);
     return true;
   }
   QoriScalar scalar;
   if (!readScalar(cell, column.code, scalar)) return false;
-  slot.setScalar(scalar);
+  if (slot != nullptr) slot->setScalar(scalar);
   return true;
 }
 
 // Arrays are states more often than not: few different ones, which instances share.
-bool RowPlan::fillArray(const Column& column, const CimCell& cell, CimRowReader& reader, ModelSlot& slot) {
-  const char* const begin = reader.place();
+bool RowPlan::fillArray(const Column& column, const CimCell& cell, CimRowReader& reader, ModelSlot* slot) {
+  if (column.arraySize >= 0 && cell.count > static_cast<QORuint32>(column.arraySize)) return false;
   CimRowReader ahead(reader);
   CimCell element;
   for (QORuint32 i = 0; i < cell.count; ++i) {
-    if (!ahead.next(element) || element.kind == CimCellKind::Array) return false;
+    if (!ahead.next(element) || !isElement(column, element)) return false;
   }
-  const std::string_view cells(begin, static_cast<std::size_t>(ahead.place() - begin));
-  KnownArray& known = placeOf(column, cells);
-  if (known.value.IsNull() || known.position != column.position || known.cells != cells) {
-    const QORSmrPtr<IQoriValue> made = makeArray(column, cell, reader);
-    if (made.IsNull()) return false;
-    known = {std::string(cells), column.position, made};
-  }
-  slot.setComplex(known.value);
+  if (slot != nullptr) slot->setComplex(arrayOf(column, cell, reader, ahead.place()));
   reader = ahead;
   return true;
+}
+
+bool RowPlan::isElement(const Column& column, const CimCell& element) noexcept {
+  QoriScalar scalar;
+  if (element.kind == CimCellKind::Text) return isText(column.code);
+  return element.kind == CimCellKind::Null || readScalar(element, column.code, scalar);
+}
+
+QORSmrPtr<IQoriValue> RowPlan::arrayOf(const Column& column, const CimCell& cell, CimRowReader& reader,
+                                       const char* end) {
+  const std::string_view cells(reader.place(), static_cast<std::size_t>(end - reader.place()));
+  KnownArray& known = placeOf(column, cells);
+  if (known.value.IsNull() || known.position != column.position || known.cells != cells) {
+    known = {std::string(cells), column.position, makeArray(column, cell, reader)};
+  }
+  return known.value;
 }
 
 RowPlan::KnownArray& RowPlan::placeOf(const Column& column, std::string_view cells) {
@@ -198,20 +197,18 @@ RowPlan::KnownArray& RowPlan::placeOf(const Column& column, std::string_view cel
   return _arrays[(std::hash<std::string_view>()(cells) + column.position) % kArraysKept];
 }
 
-QORSmrPtr<IQoriValue> RowPlan::makeArray(const Column& column, const CimCell& cell, CimRowReader& reader) {
-  if (column.arraySize >= 0 && cell.count > static_cast<QORuint32>(column.arraySize)) return {};
+// REQUIRES elements of the type.
+QORSmrPtr<IQoriValue> RowPlan::makeArray(const Column& column, const CimCell& cell, CimRowReader reader) {
   const QORSmrPtr<IQoriValue::List> elements(new IQoriValue::List());
   CimCell element;
   for (QORuint32 i = 0; i < cell.count && reader.next(element); ++i) {
     QoriScalar scalar;
     if (element.kind == CimCellKind::Null) {
       elements->append(QORSmrPtr<IQoriValue>());
-    } else if (element.kind == CimCellKind::Text && isText(column.code)) {
+    } else if (element.kind == CimCellKind::Text) {
       elements->append(QORSmrPtr<IQoriValue>::Make<CQoriValue>(QORString(element.text), column.scalar));
     } else if (readScalar(element, column.code, scalar)) {
       elements->append(valueOf(scalar, column.scalar));
-    } else {
-      return {};
     }
   }
   return QORSmrPtr<IQoriValue>::Make<CQoriValue>(elements, CQoriType::arrayOf(column.scalar));

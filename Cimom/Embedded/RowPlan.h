@@ -9,15 +9,18 @@
 #include <vector>
 
 #include "Cimom/Embedded/CimDeclarationRows.h"
-#include "Cimom/Embedded/NameSpace.h"
+#include "Cimom/Embedded/InstanceTable.h"
+#include "Cimom/Model/ModelSlot.h"
 
 namespace embedded {
 
+struct NameSpace;
+
 // Names and types are looked up once. Arrays that occur again are shared, and texts lie one behind the
-// other in slabs. BORROWS namespace and class. Belongs to one load.
+// other in slabs. BORROWS namespace and class, but reading rows needs neither. One thread at a time.
 class RowPlan {
  public:
-  RowPlan(NameSpace& space, ClassEntry& entry) : _space(space), _entry(entry) {}
+  RowPlan(NameSpace& space, ClassEntry& entry) : _space(space), _entry(entry), _shape(entry.model->shape()) {}
   RowPlan(const RowPlan&) = delete;
   RowPlan& operator=(const RowPlan&) = delete;
 
@@ -26,6 +29,27 @@ class RowPlan {
   bool readColumns(const std::vector<QORString>& propertyNames);
   // Null when a cell is not of its property's type, or a key without value.
   QORSmrPtr<IQoriObject> makeObject(std::string_view row, QORuint64 identity);
+  // Whether makeObject() would make one.
+  bool isSound(std::string_view row) {
+    return fill([](QORuint32) { return nullptr; }, row);
+  }
+  // What the class has at the positions that `slotAt` gives a slot for, an empty one; null where none is wanted. False
+  // when the row is not sound.
+  template <class SlotAt>
+  bool fill(const SlotAt& slotAt, std::string_view row) {
+    CimRowReader reader(row);
+    CimCell cell;
+    for (const Column& column : _columns) {
+      if (!reader.next(cell) || !fillSlot(column, cell, reader, slotAt(column.position))) return false;
+    }
+    for (const Default& missing : _defaults) {
+      ModelSlot* const slot = slotAt(missing.position);
+      if (slot != nullptr) slot->set(missing.value, _shape->layout->getType(missing.position));
+    }
+    return reader.isAtEnd();
+  }
+
+  const QORSmrPtr<ModelShape>& shape() const noexcept { return _shape; }
 
   NameSpace& nameSpace() const noexcept { return _space; }
   ClassEntry& entry() const noexcept { return _entry; }
@@ -57,13 +81,17 @@ class RowPlan {
 
   bool addColumn(QORuint32 position);
   KnownArray& placeOf(const Column& column, std::string_view cells);
-  bool fill(ModelSlot* slots, std::string_view row);
-  bool fillSlot(const Column& column, const CimCell& cell, CimRowReader& reader, ModelSlot& slot);
-  bool fillArray(const Column& column, const CimCell& cell, CimRowReader& reader, ModelSlot& slot);
-  QORSmrPtr<IQoriValue> makeArray(const Column& column, const CimCell& cell, CimRowReader& reader);
+  // A null slot takes nothing: the cell is only looked at.
+  bool fillSlot(const Column& column, const CimCell& cell, CimRowReader& reader, ModelSlot* slot);
+  bool fillArray(const Column& column, const CimCell& cell, CimRowReader& reader, ModelSlot* slot);
+  static bool isElement(const Column& column, const CimCell& element) noexcept;
+  // That of the cells from the reader's place to `end`, which are sound.
+  QORSmrPtr<IQoriValue> arrayOf(const Column& column, const CimCell& cell, CimRowReader& reader, const char* end);
+  static QORSmrPtr<IQoriValue> makeArray(const Column& column, const CimCell& cell, CimRowReader reader);
 
   NameSpace& _space;
   ClassEntry& _entry;
+  const QORSmrPtr<ModelShape> _shape;
   std::vector<Column> _columns;
   std::vector<Default> _defaults;   // of the properties that rows do not give
   std::vector<KnownArray> _arrays;  // the last one of each hash of column and cells

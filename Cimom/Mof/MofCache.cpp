@@ -10,6 +10,7 @@
 #include <charconv>
 #include <exception>
 #include <filesystem>
+#include <memory>
 #include <utility>
 
 #include "Cimom/Mof/MofCacheFile.h"
@@ -58,14 +59,14 @@ bool MofCache::open(CimDeclarationSink& sink, const std::string& key, Outcome& o
   std::error_code error;
   if (!fs::exists(_file, error)) return false;
   try {
-    const std::string content = readMofCacheFile(_file);
-    const MofCacheReader cache(content);
+    const auto content = std::make_shared<const std::string>(readMofCacheFile(_file));
+    const MofCacheReader cache(*content);
     if (cache.key() != key) {
       outcome.passedOver = "it was made of other files";
     } else if (const std::string changed = changedInput(cache); !changed.empty()) {
       outcome.passedOver = changed + " has changed";
     } else {
-      cache.declare(sink);
+      cache.declare(sink, content);
       return true;
     }
   } catch (const std::exception& fault) {

@@ -51,8 +51,10 @@ QORSmrPtr<IQoriType> typeOf(std::uint8_t code, bool isArray) {
 
 class Reader {
  public:
-  Reader(const mofcache::Load& load, std::string_view rows, CimDeclarationSink& sink)
-      : _load(load), _rows(rows), _sink(sink) {}
+  // `owner` of the rows: null when they are to become instances at once.
+  Reader(const mofcache::Load& load, std::string_view rows, CimDeclarationSink& sink,
+         const std::shared_ptr<const void>& owner)
+      : _load(load), _rows(rows), _sink(sink), _owner(owner) {}
 
   void declareAll() {
     for (const auto* const nameSpace : *_load.name_spaces()) _sink.createNamespace(text(nameSpace));
@@ -70,6 +72,7 @@ class Reader {
 
   void createInstances() {
     if (_load.order() == nullptr) refuse("the order of its instances is missing");
+    _isLater = isForLater();
     for (const mofcache::Run* const run : *_load.order()) {
       if (run->form() < 0) {
         createListed(run->count());
@@ -78,6 +81,13 @@ class Reader {
       }
     }
     if (_listed != _load.instances()->size() || _rows.size() >= kRowsUnit) refuse("instances that belong nowhere");
+  }
+
+  // Long runs of rows alone: any other instance needs those before it.
+  bool isForLater() const {
+    constexpr std::size_t kLeastRun = 64;
+    const auto isLong = [](const mofcache::Run* run) { return run->form() >= 0 && run->count() >= kLeastRun; };
+    return _owner != nullptr && std::all_of(_load.order()->begin(), _load.order()->end(), isLong);
   }
 
   void createListed(QORuint32 count) {
@@ -90,15 +100,14 @@ class Reader {
 
   void createRows(std::size_t form, QORuint32 count) {
     CimInstanceMaker& maker = makerOf(form);
-    for (; count != 0; --count) {
-      QORuint32 length = 0;
-      if (_rows.size() < sizeof length) refuse("a row is missing");
-      std::memcpy(&length, _rows.data(), sizeof length);
-      _rows.remove_prefix(sizeof length);
-      if (length > _rows.size()) refuse("a row is cut off");
-      if (!maker.create(_rows.substr(0, length))) refuse("a row does not fit its class");
-      _rows.remove_prefix(length);
+    const std::string_view from = _rows;
+    std::string_view row;
+    for (QORuint32 i = 0; i < count; ++i) {
+      if (!takeCimRow(_rows, row)) refuse("a row is missing");
+      if (!_isLater && !maker.create(row)) refuse("a row does not fit its class");
     }
+    const std::string_view run = from.substr(0, from.size() - _rows.size());
+    if (_isLater && !maker.createLater(run, count, _owner)) refuse("a row does not fit its class");
   }
 
   CimInstanceMaker& makerOf(std::size_t form) {
@@ -257,6 +266,8 @@ class Reader {
   const mofcache::Load& _load;
   std::string_view _rows;  // those that have not been read
   CimDeclarationSink& _sink;
+  const std::shared_ptr<const void>& _owner;
+  bool _isLater = false;
   std::vector<std::unique_ptr<CimInstanceMaker>> _makers;  // by form; null: not made yet
   flatbuffers::uoffset_t _listed = 0;                      // so many of the load's listed instances have been made
   std::unordered_map<const flatbuffers::String*, QORString> _texts;
@@ -296,10 +307,10 @@ std::vector<MofInput> MofCacheReader::inputs() const {
   return inputs;
 }
 
-void MofCacheReader::declare(CimDeclarationSink& sink) const {
+void MofCacheReader::declare(CimDeclarationSink& sink, const std::shared_ptr<const void>& owner) const {
   sink.begin();
   try {
-    Reader(*mofcache::GetLoad(_bytes.data()), _rows, sink).declareAll();
+    Reader(*mofcache::GetLoad(_bytes.data()), _rows, sink, owner).declareAll();
     sink.commit();
   } catch (...) {
     sink.rollback();

@@ -4,6 +4,7 @@
 #ifndef QORQL_MOF_MOFCACHEREADER_H
 #define QORQL_MOF_MOFCACHEREADER_H
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,7 +27,9 @@ class MofCacheReader {
   std::vector<MofInput> inputs() const;
   // Declares what the load declared, as one transaction. THROWS
   // std::exception when the content makes no sense; nothing is stored then.
-  void declare(CimDeclarationSink& sink) const;
+  void declare(CimDeclarationSink& sink) const { declare(sink, nullptr); }
+  // The same, where rows may become instances when they are needed: `owner` keeps the bytes.
+  void declare(CimDeclarationSink& sink, const std::shared_ptr<const void>& owner) const;
 
  private:
   std::string_view _rows;

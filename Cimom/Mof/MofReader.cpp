@@ -21,7 +21,7 @@ std::string keyOf(const std::string& canonical, const QORString& nameSpace) {
   return canonical + '\n' + foldMofName(nameSpace);
 }
 
-std::string canonicalPath(const std::string& path) {
+std::string canonicalOf(const std::string& path) {
   std::error_code error;
   const fs::path canonical = fs::weakly_canonical(path, error);
   return error ? path : canonical.string();
@@ -41,6 +41,17 @@ void MofReader::readFolder(const std::string& path) {
   _isFolderOpen = true;
   for (const std::string& file : files) readFile(file);
   _isFolderOpen = false;
+}
+
+// That of a folder is worked out once for all plain files in it.
+std::string MofReader::canonicalPath(const std::string& path) {
+  const fs::path whole(path);
+  std::error_code error;
+  const bool isPlain = whole.has_parent_path() && fs::symlink_status(whole, error).type() == fs::file_type::regular;
+  if (!isPlain) return canonicalOf(path);
+  const auto [known, isNew] = _folders.try_emplace(whole.parent_path().string());
+  if (isNew) known->second = canonicalOf(known->first);
+  return (fs::path(known->second) / whole.filename()).string();
 }
 
 MofParser::Context MofReader::newContext() {

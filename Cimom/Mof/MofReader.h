@@ -47,6 +47,7 @@ class MofReader {
   // `includer` is null for a file that is read for itself.
   void readOnce(const std::string& path, MofParser::Context& context, const MofLocation* includer);
   void readInclude(const std::string& named, const MofLocation& at, MofParser::Context& context);
+  std::string canonicalPath(const std::string& path);
   bool isRead(const std::string& canonical, MofParser::Context& context);
   void parseOnce(const std::string& path, const std::string& canonical, std::string contents,
                  MofParser::Context& context);
@@ -60,6 +61,7 @@ class MofReader {
   QORString _nameSpace;
   QORuint32 _scopes = 0;
   bool _makesRows = false;
+  std::unordered_map<std::string, std::string> _folders;    // canonical paths of folders
   std::unordered_map<std::string, QORuint32> _scopeOfFile;  // by canonical path, with or without a namespace
   std::unordered_set<std::string> _described;               // canonical paths of the files among the inputs
   bool _isFolderOpen = false;                               // the file that is read was found in a folder

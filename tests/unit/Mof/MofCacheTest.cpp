@@ -107,6 +107,27 @@ TEST_F(MofCaching, AnEqualLoadAfterItIsAccepted) {
   EXPECT_NO_THROW(MofLoader(_fresh->sink()).loadText(classes, "again.mof"));
 }
 
+TEST_F(MofCaching, ManyPlainInstancesAreTheSame) {
+  std::string text = "class Base { [Key] uint32 K; string T; }; class Sub : Base { uint8 L[]; };\n";
+  for (int i = 0; i < 300; ++i) {
+    const std::string number = std::to_string(i);
+    text += i < 100 ? "instance of Base { K = " + number + "; T = \"t" + number + "\"; };\n"
+                    : "instance of Sub { K = " + number + "; L = {1, " + std::to_string(i % 7) + "}; };\n";
+  }
+  const std::string many = write("many.mof", text);
+  EXPECT_FALSE(open({many}).isFromCache);
+  const std::string read = everything();
+  EXPECT_TRUE(open({many}).isFromCache);
+  EXPECT_EQ(everything(), read);
+  EXPECT_TRUE(open({many}).isFromCache);
+  EXPECT_EQ(instancesOf("Base").size(), 300U);
+  write("many.mof", text + "instance of /* not plain */ Base { K = 300; };");
+  EXPECT_FALSE(open({many}).isFromCache);
+  const std::string more = everything();
+  EXPECT_TRUE(open({many}).isFromCache);
+  EXPECT_EQ(everything(), more);
+}
+
 TEST_F(MofCaching, AChangedFileMakesItStale) {
   open({_model});
   write("mof/model.mof", std::string(kModel) + "class More { };\n");
