@@ -48,6 +48,7 @@ void MofInstances::createAll() {
 }
 
 bool MofInstances::createRow(const MofRow& row) {
+  _document.rows.releaseBefore(row.cells);
   RowWay& way = _ways[row.form];
   if (!way.isKnown) way = findWay(_document.rows.forms()[row.form]);
   if (way.maker == nullptr) return false;

@@ -4,10 +4,12 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 
 namespace {
 
-constexpr std::size_t kChunk = std::size_t{1} << 18U;
+// Small enough for the memory of released ones to serve what is made of the rows.
+constexpr std::size_t kChunk = 60000;
 
 }  // namespace
 
@@ -30,11 +32,22 @@ QORuint32 MofRows::form(const QORString& nameSpace, std::string_view className,
 std::string_view MofRows::keep(std::string_view cells) {
   if (_chunks.empty() || cells.size() > _left) {
     _left = std::max(kChunk, cells.size());
-    _chunks.push_back(std::unique_ptr<char[]>(new char[_left]));
-    _chunkSize = _left;
+    _chunks.push_back({std::unique_ptr<char[]>(new char[_left]), _left});
   }
-  char* const place = _chunks.back().get() + (_chunkSize - _left);
+  const Chunk& last = _chunks.back();
+  char* const place = last.bytes.get() + (last.size - _left);
   std::memcpy(place, cells.data(), cells.size());
   _left -= cells.size();
   return {place, cells.size()};
+}
+
+void MofRows::releaseBefore(std::string_view cells) noexcept {
+  const std::less_equal<const char*> isAtMost;
+  while (_released + 1 < _chunks.size()) {
+    Chunk& oldest = _chunks[_released];
+    const char* const begin = oldest.bytes.get();
+    if (isAtMost(begin, cells.data()) && isAtMost(cells.data() + cells.size(), begin + oldest.size)) return;
+    oldest.bytes.reset();
+    ++_released;
+  }
 }

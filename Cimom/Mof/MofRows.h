@@ -38,15 +38,22 @@ class MofRows {
   const std::vector<MofRowForm>& forms() const noexcept { return _forms; }
   // The form's number; kMaximumForms when there are too many.
   QORuint32 form(const QORString& nameSpace, std::string_view className, const std::vector<std::string_view>& names);
-  // A copy of the cells that lives as long as this does.
+  // A copy of the cells that lives as long as this does, or until it is released.
   std::string_view keep(std::string_view cells);
+  // What was kept before these cells is needed no more: its memory goes back. To be called in the order of keeping.
+  void releaseBefore(std::string_view cells) noexcept;
 
  private:
+  struct Chunk {
+    std::unique_ptr<char[]> bytes;
+    std::size_t size = 0;
+  };
+
   std::vector<MofRowForm> _forms;
   std::unordered_map<std::string, QORuint32> _numbers;  // of the forms, by what they hold
-  std::vector<std::unique_ptr<char[]>> _chunks;
-  std::size_t _chunkSize = 0;  // of the last one
-  std::size_t _left = 0;       // unused bytes of it
+  std::vector<Chunk> _chunks;
+  std::size_t _released = 0;  // so many of the chunks
+  std::size_t _left = 0;      // unused bytes of the last one
 };
 
 #endif

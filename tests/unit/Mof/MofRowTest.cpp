@@ -82,6 +82,21 @@ TEST(MofRows, AreNotMadeOfTooManyForms) {
   EXPECT_EQ(5U, rows.form("root/cimv2", "T5", {}));
 }
 
+TEST(MofRows, KeepCellsUntilTheyAreReleased) {
+  MofRows rows;
+  std::vector<std::string_view> kept;
+  for (std::size_t i = 0; i < 3000; ++i)
+    kept.push_back(rows.keep(std::string(i % 200, static_cast<char>('a' + i % 26))));
+  kept.push_back(rows.keep(std::string(200000, 'x')));
+  kept.push_back(rows.keep("last"));
+  for (std::size_t i = 0; i < kept.size(); ++i) {
+    rows.releaseBefore(kept[i]);
+    if (i >= 3000) continue;
+    ASSERT_EQ(std::string(i % 200, static_cast<char>('a' + i % 26)), kept[i]);
+  }
+  EXPECT_EQ("last", kept.back());
+}
+
 // The same text with a comment that makes no instance plain, and that moves nothing before it.
 std::string withoutRows(std::string text) {
   for (std::size_t end = text.find("};"); end != kNone; end = text.find("};", end + 6)) text.insert(end + 1, "/**/");
