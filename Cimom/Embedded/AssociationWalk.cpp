@@ -55,7 +55,8 @@ bool AssociationWalk::resolveClasses() {
 
 void AssociationWalk::walkStored() {
   _sourcePath = _request.source->toString();
-  if (_space->instances.find(_sourcePath.view()) == nullptr) {
+  // An object of others keeps the name that it came with, which begins with its host.
+  if (!_sourcePath.beginsWith("//") && _space->instances.find(_sourcePath.view()) == nullptr) {
     const QORSmrPtr<IQoriInstanceName> canonical =
         _store.canonicalName(_space->name, *_request.source, View::Committed);
     if (!canonical.IsNull()) _sourcePath = canonical->toString();

@@ -3,6 +3,7 @@
 #include "Cimom/Remote/RemoteServer.h"
 
 #include <chrono>
+#include <iterator>
 #include <stdexcept>
 #include <utility>
 
@@ -13,7 +14,16 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Item = CimXmlReply::Item;
 
-enum Status : QORuint32 { kFailed = 1, kInvalidClass = 5, kNotFound = 6, kNotSupported = 7 };
+enum Status : QORuint32 {
+  kFailed = 1,
+  kInvalidClass = 5,
+  kNotFound = 6,
+  kNotSupported = 7,
+  kLanguageNotSupported = 14
+};
+
+// Of queries, in the order in which they are tried.
+constexpr const char* kLanguages[] = {"DMTF:CQL", "CQL", "WQL"};
 
 // Replies without an instance that a server may send one after the other before it says that there are no more.
 constexpr int kEmptyReplies = 1000;
@@ -296,8 +306,8 @@ bool RemoteServer::enumerateAtOnce(const QORString& nameSpace, const QORString& 
   return true;
 }
 
-bool RemoteServer::execQuery(const QORString& nameSpace, const QORString& className, const std::string& language,
-                             const std::string& query, const Take& take) {
+void RemoteServer::askQuery(const QORString& nameSpace, const QORString& className, const char* language,
+                            const std::string& query, const Take& take) {
   const auto fill = [&](CimXmlCall& call) {
     call.addText("QueryLanguage", language);
     call.addText("Query", query);
@@ -306,13 +316,23 @@ bool RemoteServer::execQuery(const QORString& nameSpace, const QORString& classN
     Batch batch;
     readInstances(reply, record, take, batch);
   };
-  try {
-    call(_instances, "ExecQuery", nameSpace, className, fill, read);
-  } catch (const RemoteStatusException& status) {
-    if (status.getCode() != kInvalidClass) throw;
-    return false;
+  call(_instances, "ExecQuery", nameSpace, className, fill, read);
+}
+
+// A server that knows no language is not asked again.
+bool RemoteServer::execQuery(const QORString& nameSpace, const QORString& className, const std::string& query,
+                             const Take& take) {
+  while (_language < std::size(kLanguages)) {
+    try {
+      askQuery(nameSpace, className, kLanguages[_language], query, take);
+      return true;
+    } catch (const RemoteStatusException& status) {
+      if (status.getCode() == kNotSupported) _language = std::size(kLanguages);
+      if (status.getCode() != kLanguageNotSupported) return false;
+      ++_language;
+    }
   }
-  return true;
+  return false;
 }
 
 bool RemoteServer::getInstance(const QORString& nameSpace, const IQoriInstanceName& name,

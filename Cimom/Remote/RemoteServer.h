@@ -93,9 +93,9 @@ class RemoteServer {
   // operations the server knows is remembered.
   bool enumerateInstances(const QORString& nameSpace, const QORString& className, const CIMApi::PropertyNames& names,
                           const Take& take);
-  // The instances that a query in the server's language selects. False where the server has no such class.
-  bool execQuery(const QORString& nameSpace, const QORString& className, const std::string& language,
-                 const std::string& query, const Take& take);
+  // The instances that a query selects. False where the server knows none of the languages that it may be in, or
+  // does not understand it: some may have been handed over then.
+  bool execQuery(const QORString& nameSpace, const QORString& className, const std::string& query, const Take& take);
   // Returns whether there is such an instance.
   bool getInstance(const QORString& nameSpace, const IQoriInstanceName& name, const CIMApi::PropertyNames& names,
                    const Take& take);
@@ -120,6 +120,8 @@ class RemoteServer {
                      const Take& take);
   bool enumerateAtOnce(const QORString& nameSpace, const QORString& className, const CIMApi::PropertyNames& names,
                        const Take& take);
+  void askQuery(const QORString& nameSpace, const QORString& className, const char* language, const std::string& query,
+                const Take& take);
   void closeEnumeration(const QORString& nameSpace, const QORString& className, const std::string& context) noexcept;
 
   const RemoteServerOptions _options;
@@ -127,7 +129,8 @@ class RemoteServer {
   const std::atomic<bool>& _isStopped;
   Line _declarations;
   Line _instances;
-  std::atomic<bool> _pulls{true};  // until the server refuses it
+  std::atomic<std::size_t> _language{0};  // of queries, the first that was not refused
+  std::atomic<bool> _pulls{true};         // until the server refuses it
   std::atomic<QORuint64> _lastId{0};
 };
 

@@ -22,6 +22,26 @@ std::string messageOf(const std::exception_ptr& failure) {
   }
 }
 
+// What a server selects comes without its name: the keys are asked for as properties.
+std::string queryOf(const CQoriClass& model, const CIMApi::PropertyNames& names, const std::string& condition) {
+  std::string list;
+  std::set<std::string> met;
+  const auto add = [&](const QORString& name) {
+    if (met.insert(fold(name)).second) list.append(list.empty() ? "" : ", ").append(name.view());
+  };
+  if (names.IsNull()) {
+    list = "*";
+  } else {
+    for (const QORuint32 position : model.keyPositions()) add(model.shape()->layout->getName(position));
+    QORValSlistIterator<QORString> each(*names);
+    while (++each) {
+      const QORsint32 position = model.position(each.key());
+      if (position >= 0) add(model.shape()->layout->getName(static_cast<QORuint32>(position)));
+    }
+  }
+  return "SELECT " + list + " FROM " + std::string(model.getClassName().view()) + " WHERE " + condition;
+}
+
 // The server that "//name/root/cimv2" names; empty when it names none.
 std::string_view serverOf(std::string_view nameSpace) {
   if (!nameSpace.starts_with("//")) return {};
@@ -164,26 +184,24 @@ void RemoteSource::askServer(RemoteServer& server, CimDeclarationSink& sink, con
   RemoteObjects maker(server, _classes, sink, request.nameSpace, request.className);
   const auto take = [&](CimXmlInstance& instance) { objects.push_back(maker.make(instance)); };
   const Request own{request.nameSpace, request.className, namesFor(server, request.names)};
-  if (askWithQuery(server, own, take)) return;
+  if (askWithQuery(server, sink, own, take)) return;
   objects.clear();
   server.enumerateInstances(own.nameSpace, own.className, own.names, take);
 }
 
 // False when there is no query, and when the server does not understand it: then everything is asked for.
-bool RemoteSource::askWithQuery(RemoteServer& server, const Request& request, const RemoteServer::Take& take) {
-  Pushed pushed;
+bool RemoteSource::askWithQuery(RemoteServer& server, CimDeclarationSink& sink, const Request& request,
+                                const RemoteServer::Take& take) {
+  std::string condition;
   {
     const std::lock_guard lock(_mutex);
-    const auto found = _pushed.find(fold(request.className));
-    if (found == _pushed.end()) return false;
-    pushed = found->second;
+    const auto found = _conditions.find(fold(request.className));
+    if (found == _conditions.end()) return false;
+    condition = found->second;
   }
-  try {
-    server.execQuery(request.nameSpace, request.className, pushed.language, pushed.query, take);
-  } catch (const RemoteStatusException&) {
-    return false;
-  }
-  return true;
+  const QORSmrPtr<IQoriClass> declared = sink.findClass(request.nameSpace, request.className);
+  const std::string query = queryOf(static_cast<const CQoriClass&>(*declared), request.names, condition);
+  return server.execQuery(request.nameSpace, request.className, query, take);
 }
 
 // The server does not know the property that was added here.
@@ -223,7 +241,7 @@ void RemoteSource::beginStatement() {
   _failures.clear();
   _untold.clear();
   _only.clear();
-  _pushed.clear();
+  _conditions.clear();
 }
 
 std::vector<std::string> RemoteSource::takeFailures() {
@@ -236,7 +254,7 @@ void RemoteSource::askOnly(const QORString& className, std::set<std::string> ser
   _only[fold(className)] = std::move(servers);
 }
 
-void RemoteSource::askWith(const QORString& className, const std::string& language, const std::string& query) {
+void RemoteSource::askWith(const QORString& className, const std::string& condition) {
   const std::lock_guard lock(_mutex);
-  _pushed[fold(className)] = {language, query};
+  _conditions[fold(className)] = condition;
 }

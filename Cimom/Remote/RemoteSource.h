@@ -55,16 +55,13 @@ class RemoteSource final : public OuterSource {
 
   // Of this class only these servers are asked for instances, until beginStatement().
   void askOnly(const QORString& className, std::set<std::string> servers);
-  // The instances of this class are asked for with this query, until beginStatement().
-  void askWith(const QORString& className, const std::string& language, const std::string& query);
+  // Servers that answer queries filter the instances of this class first, with this condition of their own languages,
+  // until beginStatement(). The caller filters what comes again: others send everything.
+  void askWith(const QORString& className, const std::string& condition);
 
   std::vector<std::string> serverNames() const;
 
  private:
-  struct Pushed {
-    std::string language;
-    std::string query;
-  };
   // What servers did, by their numbers; null for success.
   using Failures = std::map<std::size_t, std::exception_ptr>;
   using Work = std::function<void(RemoteServer& server, std::size_t number)>;
@@ -74,7 +71,8 @@ class RemoteSource final : public OuterSource {
   std::vector<std::size_t> serversFor(const QORString& className) const;
   std::vector<CimClassDeclaration> fetchClass(const QORString& nameSpace, const QORString& className);
   void askServer(RemoteServer& server, CimDeclarationSink& sink, const Request& request, Objects& objects);
-  bool askWithQuery(RemoteServer& server, const Request& request, const RemoteServer::Take& take);
+  bool askWithQuery(RemoteServer& server, CimDeclarationSink& sink, const Request& request,
+                    const RemoteServer::Take& take);
   CIMApi::PropertyNames namesFor(const RemoteServer& server, const CIMApi::PropertyNames& names) const;
 
   const RemoteSourceOptions _options;
@@ -88,7 +86,7 @@ class RemoteSource final : public OuterSource {
   std::vector<std::string> _untold;
   std::map<std::string, std::vector<QORString>> _names;  // of classes, by namespace in upper case
   std::map<std::string, std::set<std::string>> _only;    // by class in upper case
-  std::map<std::string, Pushed> _pushed;                 // by class in upper case
+  std::map<std::string, std::string> _conditions;        // by class in upper case
 };
 
 #endif

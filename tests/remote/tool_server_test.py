@@ -30,8 +30,7 @@ class Answers(ToolCase):
         for arguments in (("classes",), ("classes", "-l"), ("classes", "pump"), ("class", "--alone", "P_Tank"),
                           ("describe", "P_Pump"), ("instances", "P_Thing"), ("instances", "P_*"), ("instances", "P_X"),
                           ("get", 'P_Tank.Name="t1"'), ("get", "-o", "json", 'P_Thing.Name="p2"'),
-                          ("get", 'P_Tank.Name="none"'), ("contents", "-n", "root/cimv2"),
-                          ("explain", "SELECT Name FROM P_Pump WHERE Level > 3")):
+                          ("get", 'P_Tank.Name="none"'), ("contents", "-n", "root/cimv2")):
             self.assert_as_local(server, *arguments)
 
     def test_server_of_old_or_with_habits(self):
@@ -117,6 +116,76 @@ class Calls(ToolCase):
         self.assertFalse([call for call in server.told() if call[0] not in (OPEN, CLASS)])
 
 
+class Told(ToolCase):
+    """What is told of calls, before and after them."""
+
+    JOIN = "SELECT p.Name, t.Name FROM P_Pump AS p, P_Tank AS t WHERE P_Feeds = p AND P_Feeds = t"
+
+    def test_explanation(self):
+        server = self.serve()
+        name = f"127.0.0.1:{server.port}"
+        self.assert_done(self.ask(server, "explain", "SELECT Name FROM P_Pump WHERE Level > 3"),
+                         " 1  fetch      P_Pump: Name, Level\n 2  filter     Level > 3\n 3  select     Name\n"
+                         f"    note: asks {name}: OpenEnumerateInstances of P_Pump in batches of 1000\n")
+        done = self.ask(server, "explain", "--batch", "7", self.JOIN)
+        self.assertIn("(once, for all P_Pump, through P_Feeds)", done.out)
+        for asked in ("P_Pump", "P_Feeds", "P_Tank"):
+            self.assertIn(f"note: asks {name}: OpenEnumerateInstances of {asked} in batches of 7\n", done.out)
+        self.assertFalse([call for call in server.told() if call[0] == OPEN])
+
+    def test_statistics(self):
+        server = self.serve()
+        done = self.ask(server, "--stats", "SELECT Name FROM P_Tank")
+        name = rf"127\.0\.0\.1:{server.port}"
+        self.assertRegex(done.err, rf"qorql: call: {name} GetClass P_TANK: items=1 sent=\d{{3}} received=\d{{3,}} time=\S+ms\n"
+                                   rf"qorql: call: {name} GetClass P_Thing: .*\n"
+                                   rf"qorql: call: {name} OpenEnumerateInstances P_Tank: items=2 sent=\d+ received=\d+ time=")
+
+    def test_what_the_explanation_says_is_what_is_asked(self):
+        server = self.serve()
+        told = self.ask(server, "explain", self.JOIN).out
+        server.calls.clear()
+        self.ask(server, self.JOIN)
+        asked = sorted({call[1] for call in server.told() if call[0] == OPEN})
+        self.assertEqual(asked, sorted(word.split()[0] for word in told.split("OpenEnumerateInstances of ")[1:]))
+
+
+class PushDown(ToolCase):
+    QUERY = "SELECT Name, Litres FROM P_Tank WHERE Litres > 100 AND Name LIKE '%' AND 't1' = Name"
+
+    def test_server_that_knows_a_language_filters_first(self):
+        for language in ("DMTF:CQL", "CQL", "WQL"):
+            server = self.serve(queries=(language,))
+            self.assert_as_local(server, self.QUERY)
+            server.calls.clear()
+            done = self.ask(server, "--push-down", "--stats", self.QUERY)
+            self.assertEqual((done.status, done.out), (0, self.local(self.QUERY).out))
+            self.assertIn("ExecQuery P_Tank: items=1 ", done.err)
+            self.assertFalse([call for call in server.told() if call[0] == OPEN])
+
+    def test_server_without_queries_sends_everything(self):
+        for server in (self.serve(), self.serve(queries=("OTHER",))):
+            done = self.ask(server, "--push-down", self.QUERY + "; " + self.QUERY)
+            self.assert_done(done, self.local(self.QUERY + "; " + self.QUERY).out)
+
+    def test_only_conditions_that_every_row_must_satisfy(self):
+        server = self.serve(queries=("DMTF:CQL",))
+        for where, pushed in (("Litres > 100 AND Place IS NULL", "Litres > 100"), ("Litres > 100 OR Name = 't1'", None),
+                              ("NOT (Litres > 100)", None), ("100 < Litres", "Litres > 100"), ("Name > 'a'", None),
+                              ("Litres - 1 > 3", None), ("(Litres > 3) AND (Name = 't2')", "Litres > 3 AND Name = 't2'")):
+            query = f"SELECT Name FROM P_Tank WHERE {where}"
+            done = self.ask(server, "--push-down", query)
+            self.assertEqual((done.status, done.out, done.err), (0, self.local(query).out, ""), where)
+            note = self.ask(server, "explain", "--push-down", query).out
+            wanted = "OpenEnumerateInstances of P_Tank" if pushed is None else f"ExecQuery of P_Tank WHERE {pushed}\n"
+            self.assertIn(wanted, note)
+
+    def test_without_the_option_nothing_is_pushed(self):
+        server = self.serve(queries=("DMTF:CQL",))
+        self.ask(server, self.QUERY)
+        self.assertNotIn("ExecQuery", [call[0] for call in server.told()])
+
+
 class Faults(ToolCase):
     """Each ends in time with a message of its own, and without rows."""
 
@@ -140,7 +209,7 @@ class Faults(ToolCase):
         "out-of-range": r'found "9+" for Level, expected a uint8', "page": r"not well-formed XML: syntax error at line 1",
         "redirect": r"HTTP status 302: a redirection to http://elsewhere.invalid/cimom, which is not followed",
         "redirect-loop": r"HTTP status 307: a redirection to \S+, which is not followed",
-        "short-length": r"ends too early at line", "trailing": r"junk after document element",
+        "short-length": r"ends too early at line", "trailing": r"the document goes on after its end",
         "wrong-chunk": r"hexadecimal sequence in chunked-encoding", "wrong-gzip": r"content unencoding",
         "wrong-tag": r"mismatched tag at line 3", "wrong-value": r'found "many" for Level, expected a uint8',
         "bomb": r"the compressed reply grows without measure",

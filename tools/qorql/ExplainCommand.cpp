@@ -12,6 +12,7 @@
 #include "ParsedQuery.h"
 #include "QueryHint.h"
 #include "QueryRunner.h"
+#include "RemoteNotes.h"
 #include "RoleNotes.h"
 #include "Session.h"
 #include "SessionOptions.h"
@@ -68,13 +69,13 @@ std::string conditionNote(const Step& step) {
   return note.empty() ? "" : "  (" + note + ")";
 }
 
-std::string textOf(const Step& step) {
+std::string textOf(const Step& step, bool asksServers) {
   switch (step.kind) {
     case Step::kFetch:
       return requestText(step);
     case Step::kAssociate:
-      return requestText(step) + "  (one call for each " + step.source + ", through " + step.association +
-             (step.isDiscarded ? "; made, but decides nothing)" : ")");
+      return requestText(step) + (asksServers ? "  (once, for all " : "  (one call for each ") + step.source +
+             ", through " + step.association + (step.isDiscarded ? "; made, but decides nothing)" : ")");
     case Step::kCondition:
       return step.text + conditionNote(step);
     case Step::kCombine:
@@ -105,13 +106,26 @@ int refuseWarned(const std::vector<Statement>& statements, Session& session, con
                        [&](const Statement& statement) { return reportUnexplained(statement, session, options); });
 }
 
+std::vector<std::string> notesOn(const std::vector<Step>& steps, Session& session, ParsedQuery& parsed,
+                                 const SessionOptions& options) {
+  std::vector<std::string> notes;
+  if (session.servers() != nullptr) {
+    const ServerPlan plan(parsed.query(), parsed.statement().text);
+    notes = remoteNotes(*session.servers(), options.servers, plan, steps);
+  }
+  for (std::string& note : roleNotes(session.manager(), QORString(options.nameSpace), steps)) {
+    notes.push_back(std::move(note));
+  }
+  return notes;
+}
+
 int explainAll(const std::vector<Statement>& statements, Session& session, const SessionOptions& options) {
   for (const Statement& statement : statements) {
     ParsedQuery parsed(statement);
     try {
       parseWithWarnings(parsed, options.nameSpace, options.isQuiet);
       if (&statement != &statements.front()) std::cout << '\n';
-      printExplanation(std::cout, session.manager(), parsed, options.nameSpace);
+      printExplanation(std::cout, session, parsed, options);
     } catch (...) {
       return reportUnexplained(statement, session, options);
     }
@@ -134,22 +148,22 @@ int explain(const ExplainOptions& options) {
 
 }  // namespace
 
-void printExplanation(std::ostream& out, EmbeddedObjectManager& manager, ParsedQuery& parsed,
-                      const std::string& nameSpace) {
-  const QORQL_Explanation explanation(parsed.query(), parsed.symbols(), QORString(nameSpace));
+void printExplanation(std::ostream& out, Session& session, ParsedQuery& parsed, const SessionOptions& options) {
+  const QORQL_Explanation explanation(parsed.query(), parsed.symbols(), QORString(options.nameSpace));
   int number = 0;
   for (const Step& step : explanation.steps()) {
     std::string place = std::to_string(++number);
     if (place.size() < 2) place.insert(0, 1, ' ');
-    out << place << "  " << labelOf(step) << printableText(textOf(step)) << '\n';
+    out << place << "  " << labelOf(step) << printableText(textOf(step, session.servers() != nullptr)) << '\n';
   }
   if (explanation.isPreFiltered()) {
     out << "    note: the provider filters and sorts itself: WHERE and ORDER BY are left to it\n";
   }
-  for (const std::string& note : roleNotes(manager, QORString(nameSpace), explanation.steps())) {
+  for (const std::string& note : notesOn(explanation.steps(), session, parsed, options)) {
     out << "    note: " << printableText(note) << '\n';
   }
-  printWarnings(out, standardOutputShape(), parsed.statement(), findWarnings(manager, nameSpace, parsed));
+  printWarnings(out, standardOutputShape(), parsed.statement(),
+                findWarnings(session.manager(), options.nameSpace, parsed));
 }
 
 CommandAction declareExplainCommand(CLI::App& app) {

@@ -8,13 +8,14 @@
 
 #include "Command.h"
 
-class EmbeddedObjectManager;
 class ParsedQuery;
+class Session;
+struct SessionOptions;
 
 CommandAction declareExplainCommand(CLI::App& app);
 
-// The steps of a parsed statement, its surprises and the properties it names in vain, one a line.
-void printExplanation(std::ostream& out, EmbeddedObjectManager& manager, ParsedQuery& parsed,
-                      const std::string& nameSpace);
+// The steps of a parsed statement, what servers will be asked, its surprises and the properties it names in vain, one a
+// line.
+void printExplanation(std::ostream& out, Session& session, ParsedQuery& parsed, const SessionOptions& options);
 
 #endif

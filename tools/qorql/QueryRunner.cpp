@@ -20,7 +20,9 @@
 #include "Percentage.h"
 #include "ProgressLine.h"
 #include "QueryHint.h"
+#include "RemoteNotes.h"
 #include "RunMonitor.h"
+#include "ServerPlan.h"
 #include "SurpriseReport.h"
 #include "Terminal.h"
 #include "ValueColumns.h"
@@ -127,13 +129,18 @@ void QueryRunner::run(const Statement& statement) {
     throw CQoriProviderException(failure.getWho(), failure.getMessage() + QORString(execution.monitor.lateness()),
                                  failure.getCode());
   }
-  if (_output.hasStatistics) printStatistics(execution);
+  if (!_output.hasStatistics) return;
+  printStatistics(execution);
+  if (_session.servers() != nullptr) printCalls(std::cerr, _session.servers()->takeCalls());
 }
 
 void QueryRunner::runWatched(Execution& execution) {
   const Statement& statement = execution.parsed.statement();
   parse(execution);
   tellOfPassedOver(execution);
+  if (RemoteSource* const servers = _session.servers()) {
+    ServerPlan(execution.parsed.query(), execution.statement).applyTo(*servers, _options.servers.pushesDown);
+  }
   if (isWarning()) printWarnings(std::cerr, standardErrorShape(), statement, warningsOf(execution));
   if (formOf(execution) == OutputForm::Arrow && standardOutputShape().isTerminal) refuseTerminal();
   const QORQL_MonitorScope scope(execution.monitor);

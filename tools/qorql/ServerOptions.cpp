@@ -54,11 +54,12 @@ std::shared_ptr<RemoteCredentials> credentialsOf(const ServerAddress& address, c
   return std::make_shared<RemoteCredentials>(address.user, password, [question] { return askForPassword(question); });
 }
 
+// `nameSpace`: that of the statements where a server's own stands for it; empty where it is asked of all servers.
 RemoteServerOptions serverOf(const ServerAddress& address, const ServerOptions& options, const std::string& nameSpace) {
   RemoteServerOptions server;
   server.name = address.name;
   server.hasGivenName = address.hasGivenName || options.servers.size() > 1;
-  if (!address.nameSpace.empty() && !QORString::equalIgnoringCase(address.nameSpace, nameSpace)) {
+  if (!nameSpace.empty() && !address.nameSpace.empty() && !QORString::equalIgnoringCase(address.nameSpace, nameSpace)) {
     server.nameSpace = QORString(address.nameSpace);
   }
   server.endpoint.url = address.url;
@@ -117,6 +118,7 @@ void declareServerOptions(CLI::App& app, ServerOptions& options,
                      .check = [](const std::string& given) { return faultOf([&] { readServerFile(given); }); }});
   declareSecurity(app, options);
   declareFlag(app, "--require-all", options.requiresAll, "Fail when one of several servers fails");
+  declareFlag(app, "--push-down", options.pushesDown, "Let servers filter first that understand queries");
   declareValue(app, {.names = "--call-timeout",
                      .type = "SECONDS",
                      .description = "Give up a call to a server that sends nothing for so long (default: 60)",
@@ -130,7 +132,8 @@ void declareServerOptions(CLI::App& app, ServerOptions& options,
             .check = checkBatch});
 }
 
-std::shared_ptr<RemoteSource> makeRemoteSource(const ServerOptions& options, const std::string& nameSpace) {
+std::shared_ptr<RemoteSource> makeRemoteSource(const ServerOptions& options, const std::string& nameSpace,
+                                               bool isNamespaceGiven) {
   RemoteSourceOptions source;
   source.requiresAll = options.requiresAll;
   std::set<std::string> names;
@@ -138,7 +141,7 @@ std::shared_ptr<RemoteSource> makeRemoteSource(const ServerOptions& options, con
     if (!names.insert(address.name).second) {
       throw std::runtime_error("two servers have the name " + address.name + "; give them names, as in NAME=URL");
     }
-    source.servers.push_back(serverOf(address, options, nameSpace));
+    source.servers.push_back(serverOf(address, options, isNamespaceGiven ? "" : nameSpace));
     tellOfRisks(source.servers.back());
   }
   return std::make_shared<RemoteSource>(std::move(source));

@@ -30,8 +30,10 @@ struct ServerOptions {
 // is told of the namespace that a profile names.
 void declareServerOptions(CLI::App& app, ServerOptions& options, std::function<void(const std::string&)> takeNamespace);
 
-// What asks the servers; `nameSpace` is that of the statements. Says on standard error where certificates are not
+// What asks the servers; `nameSpace` is that of the statements, which is asked of all of them when it was given, else
+// in place of the first one's own. Says on standard error where certificates are not
 // checked. REQUIRES a server. THROWS std::runtime_error: a file of a password cannot be read, a name is given twice.
-std::shared_ptr<RemoteSource> makeRemoteSource(const ServerOptions& options, const std::string& nameSpace);
+std::shared_ptr<RemoteSource> makeRemoteSource(const ServerOptions& options, const std::string& nameSpace,
+                                               bool isNamespaceGiven);
 
 #endif

@@ -146,7 +146,7 @@ void explain(Argument query, ShellState& state) {
     ParsedQuery parsed(statement);
     try {
       parseWithWarnings(parsed, state.options.nameSpace, state.options.isQuiet);
-      printExplanation(std::cout, state.session.manager(), parsed, state.options.nameSpace);
+      printExplanation(std::cout, state.session, parsed, state.options);
     } catch (...) {
       state.session.dropWarnings();
       std::cout.flush();

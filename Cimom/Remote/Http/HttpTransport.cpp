@@ -85,7 +85,10 @@ class HttpExchange final : public RemoteExchange {
     curl_easy_getinfo(easy(), CURLINFO_HEADER_SIZE, &headers);
     long request = 0;
     curl_easy_getinfo(easy(), CURLINFO_REQUEST_SIZE, &request);
-    return {static_cast<std::uint64_t>(request) + _post.body.size(), arrived() + static_cast<std::uint64_t>(headers)};
+    // libcurl counts a body with its headers when it sends them together.
+    const std::uint64_t sent = static_cast<std::uint64_t>(request);
+    return {sent < _post.body.size() ? sent + _post.body.size() : sent,
+            arrived() + static_cast<std::uint64_t>(headers)};
   }
 
  private:
