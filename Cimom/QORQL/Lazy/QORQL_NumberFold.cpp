@@ -60,36 +60,60 @@ std::size_t QORQL_NumberFold::addRun(const QoriScalar* values, std::size_t count
     _count += present;
     return present;
   }
-  for (std::size_t i = 0; i < count; ++i) {
-    if (values[i].isNull()) continue;
-    ++present;
-    addNumber(values[i], firstRow + i);
+  for (std::size_t i = 0; i < count;) {
+    const std::size_t fast = addAlike(values + i, count - i, firstRow + i);
+    present += fast;
+    i += fast;
+    if (i == count) break;
+    if (!values[i].isNull()) {
+      ++present;
+      addNumber(values[i], firstRow + i);
+    }
+    ++i;
   }
   return present;
 }
 
-void QORQL_NumberFold::addToSum(const QoriScalar& value) noexcept {
-  QORuint64 sum = 0;
-  const bool areUnsigned = _folded.kind == ScalarKind::Unsigned && value.kind == ScalarKind::Unsigned;
-  if (areUnsigned && !__builtin_add_overflow(_folded.u, value.u, &sum)) {
-    _folded.u = sum;
-    return;
+std::size_t QORQL_NumberFold::addAlike(const QoriScalar* values, std::size_t count, QORuint64 firstRow) noexcept {
+  const bool wantsExtreme = _functionID == QORQL_FUNCTIONID_MIN || _functionID == QORQL_FUNCTIONID_MAX;
+  if (_isStarted && _folded.kind == ScalarKind::Unsigned) return addUnsigned(values, count, firstRow);
+  if (!_isStarted || _folded.kind != ScalarKind::Real || wantsExtreme) return 0;
+  double sum = _folded.r;
+  std::size_t done = 0;
+  for (; done < count && values[done].kind == ScalarKind::Real; ++done) sum += values[done].r;
+  _folded.r = sum;
+  return done;
+}
+
+std::size_t QORQL_NumberFold::addUnsigned(const QoriScalar* values, std::size_t count, QORuint64 firstRow) noexcept {
+  std::size_t done = 0;
+  if (_functionID == QORQL_FUNCTIONID_MIN || _functionID == QORQL_FUNCTIONID_MAX) {
+    for (; done < count && values[done].kind == ScalarKind::Unsigned; ++done) {
+      const bool isLess = values[done].u < _folded.u;
+      const bool isGreater = values[done].u > _folded.u;
+      if (_functionID == QORQL_FUNCTIONID_MIN ? !isLess : !isGreater) continue;
+      _folded.u = values[done].u;
+      _row = firstRow + done;
+      _isRowsOwn = true;
+    }
+    return done;
   }
+  QORuint64 sum = _folded.u;
+  while (done < count && values[done].kind == ScalarKind::Unsigned &&
+         !__builtin_add_overflow(sum, values[done].u, &sum)) {
+    _folded.u = sum;
+    ++done;
+  }
+  return done;
+}
+
+void QORQL_NumberFold::addToSum(const QoriScalar& value) noexcept {
   if (_folded.isNull()) return;
   if (_folded.kind == ScalarKind::Real || value.kind == ScalarKind::Real) {
     _folded = realNumber(real(_folded) + real(value));
   } else {
     _folded = fitted(wide(_folded) + wide(value), _folded.kind == ScalarKind::Unsigned);
   }
-}
-
-bool QORQL_NumberFold::replaces(const QoriScalar& value) const noexcept {
-  const bool wantsLess = _functionID == QORQL_FUNCTIONID_MIN;
-  if (value.kind == ScalarKind::Unsigned && _folded.kind == ScalarKind::Unsigned) {
-    return wantsLess ? value.u < _folded.u : value.u > _folded.u;
-  }
-  const std::partial_ordering order = qori::compareNumbers(value, _folded);
-  return wantsLess ? order < 0 : order > 0;
 }
 
 bool QORQL_NumberFold::addNumber(const QoriScalar& value, QORuint64 row) noexcept {
@@ -102,7 +126,8 @@ bool QORQL_NumberFold::addNumber(const QoriScalar& value, QORuint64 row) noexcep
     addToSum(value);
     return true;
   }
-  if (replaces(value)) {
+  const std::partial_ordering order = qori::compareNumbers(value, _folded);
+  if (_functionID == QORQL_FUNCTIONID_MIN ? order < 0 : order > 0) {
     _folded = value;
     _row = row;
     _isRowsOwn = true;

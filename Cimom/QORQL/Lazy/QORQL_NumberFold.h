@@ -41,7 +41,10 @@ class QORQL_NumberFold {
 
  private:
   bool addNumber(const QoriScalar& value, QORuint64 row) noexcept;
-  bool replaces(const QoriScalar& value) const noexcept;
+  // Adds those at the front that are of the fold's own kind, for the common kinds; returns how many.
+  std::size_t addAlike(const QoriScalar* values, std::size_t count, QORuint64 firstRow) noexcept;
+  // The same of unsigned ones. REQUIRES an unsigned fold.
+  std::size_t addUnsigned(const QoriScalar* values, std::size_t count, QORuint64 firstRow) noexcept;
   void addToSum(const QoriScalar& value) noexcept;
   QORSmrPtr<IQoriValue> madeValue() const;
 

@@ -72,8 +72,6 @@ const QORQL_RowView& QORQL_RowReader::currentView() {
 
 bool QORQL_RowReader::isBound(std::size_t slot) const noexcept { return _slots[slot].bound != nullptr; }
 
-bool QORQL_RowReader::hasRow() const noexcept { return _view != nullptr || !_row.IsNull(); }
-
 QORSmrPtr<QORQL_DataRow>& QORQL_RowReader::currentRow() {
   if (_view != nullptr && !_isRowFilled) {
     // A new row each time: a value may still refer to the cells of the last one.

@@ -37,7 +37,7 @@ class QORQL_RowReader {
     if (_view == nullptr) selectExisting();
   }
   // False for a null row of a table whose rows exist: it has no values.
-  bool hasRow() const noexcept;
+  bool hasRow() const noexcept { return _view != nullptr || !_row.IsNull(); }
 
   // Whether reading the slot only looks at the fetched objects. Otherwise it
   // may ask the object manager, or log, each time.

@@ -3,10 +3,13 @@
 // condition has brought it already.
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
+#include <memory>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
+#include "Cimom/QORQL/Lazy/QORQL_LazyTable.h"
 #include "Cimom/QORQL/QORQL_Association.h"
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_Exception.h"
@@ -151,9 +154,82 @@ QORSmrPtr<QORQL_Symbol> destinationSymbol(const QORString& name, const QORQL_Sym
   return symbol;
 }
 
+// The destination of lazy rows: the associates of all sources as the objects of one more column, and the tuples of the
+// rows that stay.
+class LazyDestination {
+ public:
+  LazyDestination(const QORQL_LazyRows& rows, QORuint32 source, bool isOuter)
+      : _rows(rows), _before(rows.blocks().front()), _source(source), _isOuter(isOuter) {
+    _block.columns = _before.columns;
+    _block.columns.push_back(static_cast<QORuint32>(rows.columnCount()));
+  }
+
+  void collect(Associates& associates) {
+    QORQL_StopCheck stopCheck;
+    for (QORuint64 row = 0; row < _before.rowCount; ++row) {
+      stopCheck.count();
+      const ObjectList list(associates.of(_rows.pointer(_source, _before.index(row, _source))));
+      if (!list.IsNull() && !list->isEmpty()) {
+        addAll(row, *list);
+      } else if (_isOuter) {
+        addRow(row, QORQL_kNoObject);
+      }
+    }
+  }
+  const ObjectList& objects() const noexcept { return _objects; }
+  QORQL_RowBlock takeBlock() { return std::move(_block); }
+
+ private:
+  void addAll(QORuint64 row, const QORValSlist<Object>& list) {
+    list.forEach([&](const Object& object) {
+      if (object.IsNull()) return;
+      addRow(row, _objects->entries());
+      _objects->append(object);
+    });
+  }
+  void addRow(QORuint64 row, QORuint32 destination) {
+    for (std::size_t place = 0; place < _before.columns.size(); ++place) {
+      _block.tuples.push_back(_before.index(row, place));
+    }
+    _block.tuples.push_back(destination);
+    ++_block.rowCount;
+  }
+
+  const QORQL_LazyRows& _rows;
+  const QORQL_RowBlock& _before;
+  const QORuint32 _source;
+  const bool _isOuter;
+  ObjectList _objects{new QORValSlist<Object>()};
+  QORQL_RowBlock _block;
+};
+
+// Makes the destination column of lazy rows, which stay lazy. False, with nothing done, where only rows tell the
+// columns apart. What the object manager throws leaves the table as it is with rows: with the column.
+bool bringLazily(QORQL_DataTable& table, const QORQL_AssociationTie& tie, const QORString& alias,
+                 Associates& associates) {
+  if (table.lazy() == nullptr || table.isProjected() || table.getColumnIndex(alias) >= 0) return false;
+  const QORSmrPtr<QORQL_TableHeader> header(new QORQL_TableHeader(tie.destination, alias, QORString::emptyString()));
+  QORQL_LazyRows& rows = table.lazy()->ownRows();
+  rows.flatten();
+  LazyDestination destination(rows, static_cast<QORuint32>(table.getColumnIndex(tie.source)), tie.isOuter);
+  try {
+    destination.collect(associates);
+  } catch (...) {
+    table.addColumn(header, table.getColumnCount(), false);
+    throw;
+  }
+  QORQL_RowBlock block = destination.takeBlock();
+  table.addExtent(header, std::make_shared<const QORQL_Extent>(destination.objects()));
+  std::vector<QORQL_RowBlock>& blocks = table.lazy()->ownRows().blocks();
+  blocks.clear();
+  blocks.push_back(std::move(block));
+  return true;
+}
+
 // Fetches the destination as a column that agrees with the open ties of its class.
 void bringDestination(QORQL_DataTable& table, const QORQL_AssociationTie& tie, const QORString& alias,
                       Associates& associates) {
+  if (!table.hasOpenTie(tie.destination) && bringLazily(table, tie, alias, associates)) return;
   std::vector<QORQL_TiedEnds> openTies;
   for (const QORQL_AssociationTie& open : table.takeOpenTies(tie.destination)) openTies.emplace_back(table, open);
   const QORuint32 source = static_cast<QORuint32>(table.getColumnIndex(tie.source));

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "FetchedStatement.h"
 #include "QueryWorld.h"
 
 namespace {
@@ -110,6 +111,23 @@ TEST_F(Associations, ParseFaults) {
   for (const char* op : {"=*", "*=*"}) {
     EXPECT_EQ(world.error(std::string("SELECT S.Name FROM S, D WHERE Assoc ") + op + " S AND Assoc = D"),
               "parse 14 line 1: Right and Full outer joins are not supported on associations");
+  }
+}
+
+// The destination is one more column of rows that do not exist yet, whatever is done with them next.
+TEST_F(Associations, RowsNeedNotExistForThem) {
+  FetchedStatement fetched("SELECT S.Name, D.Name FROM S, D WHERE Assoc *= S AND Assoc = D");
+  fetched.query->getWhereClause()->execute(fetched.symbols, fetched.table, nullptr, "root/cimv2");
+  ASSERT_NE(fetched.table->lazy(), nullptr);
+  EXPECT_EQ(fetched.table->getRowCount(), 4U);
+  for (const char* const rest : {"ORDER BY D.Size DESC", "AND D.Size > 1", "AND S.Name <> 's1' ORDER BY S.Name ASC",
+                                 "AND D.Name IS NULL", "AND S.Name *= D.Name"}) {
+    for (const char* const op : {"=", "*="}) {
+      const std::string condition = std::string(" WHERE Assoc ") + op + " S AND Assoc = D " + rest;
+      world.run("SELECT S.Name, D.Name, OBJECTPATH(D) AS P FROM S, D" + condition);
+      world.run("SELECT FIRST 2 D.*, INSTANCEOF(S) AS W FROM S, D" + condition);
+      world.run("SELECT COUNT(D.Name) AS N FROM S, D" + condition);
+    }
   }
 }
 
