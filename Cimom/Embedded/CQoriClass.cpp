@@ -50,7 +50,7 @@ CQoriClass::CQoriClass(const QORString& nameSpace, const CimClassDeclaration& de
   if (superClass != nullptr) inheritFrom(*superClass);
   embedded::ClassRules(_declaration, superClass).check();
   addQualifiers();
-  addOwnProperties();
+  addOwnProperties(superClass);
   addOwnMethods();
   finish(nameSpace);
 }
@@ -75,21 +75,19 @@ void CQoriClass::addQualifiers() {
   _isAbstract = embedded::hasFlag(_declaration.qualifiers, "Abstract");
 }
 
-void CQoriClass::addOwnProperties() {
-  embedded::NameMap<std::size_t> positions;
-  for (const CimPropertyDeclaration& property : _properties) {
-    positions.emplace(property.name.view(), positions.size());
-  }
+// The rules have refused a name that is declared twice.
+void CQoriClass::addOwnProperties(const CQoriClass* superClass) {
   _isOwn.assign(_properties.size(), false);
   for (const CimPropertyDeclaration& declared : _declaration.properties) {
-    const auto [found, isNew] = positions.emplace(declared.name.view(), _properties.size());
-    if (isNew) {
+    const QORsint32 inherited = superClass == nullptr ? -1 : superClass->position(declared.name);
+    if (inherited < 0) {
       _properties.push_back(declared);
       _isOwn.push_back(true);
       continue;
     }
-    overrideProperty(_properties[found->second], declared);
-    _isOwn[found->second] = true;
+    const std::size_t place = static_cast<std::size_t>(inherited);
+    overrideProperty(_properties[place], declared);
+    _isOwn[place] = true;
   }
 }
 

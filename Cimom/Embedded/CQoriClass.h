@@ -70,7 +70,8 @@ class CQoriClass final : public IQoriClass {
  private:
   void inheritFrom(const CQoriClass& superClass);
   void addQualifiers();
-  void addOwnProperties();
+  // `superClass`: null at the root.
+  void addOwnProperties(const CQoriClass* superClass);
   void addOwnMethods();
   void finish(const QORString& nameSpace);
 

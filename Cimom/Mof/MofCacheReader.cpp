@@ -57,6 +57,7 @@ class Reader {
       : _load(load), _rows(rows), _sink(sink), _owner(owner) {}
 
   void declareAll() {
+    _texts.reserve(4 * static_cast<std::size_t>(_load.classes()->size()));
     for (const auto* const nameSpace : *_load.name_spaces()) _sink.createNamespace(text(nameSpace));
     each(_load.qualifiers(), [this](const mofcache::QualifierDeclaration& given) {
       _sink.declareQualifier(text(given.name_space()), declaration(given));
