@@ -13,6 +13,7 @@
 #include <charconv>
 #include <sstream>
 #include <string_view>
+#include <utility>
 
 #include "Cimom/Providers/LinuxValues.h"
 

@@ -11,6 +11,8 @@
 
 #include <array>
 #include <cerrno>
+#include <cstddef>
+#include <span>
 #include <string>
 #include <unordered_map>
 

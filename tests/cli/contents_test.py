@@ -309,6 +309,16 @@ class Get(WorldCase):
             self.assertTrue(result.err.startswith("qorql: error: "), result.err)
             self.assertIn(says, result.err)
 
+    def test_quotes_that_a_shell_has_taken_away(self):
+        hint = "qorql: hint: texts stand in double quotes, which a shell leaves within single ones: qorql get '{}'"
+        for path, meant in (("W_Box.Id=a", 'W_Box.Id="a"'), ("W_Box.Id=7", 'W_Box.Id="7"'),
+                            ("root/cimv2:W_Ball.Id=b 1,Number=7", 'root/cimv2:W_Ball.Id="b 1",Number=7')):
+            result = self.world("get", path)
+            self.assertEqual((result.status, result.err.splitlines()[-1]), (1, hint.format(meant)))
+            self.assertNotIn("hint", self.world("get", "--quiet", path).err)
+        for path in ("W_Bix.Id=a", "W_Box", "W_Box.Nope=a", 'W_Box.Id="a', "W_Box.=", "="):
+            self.assertNotIn("hint", self.world("get", path).err, path)
+
     def test_a_live_instance(self):
         out = self.run_tool("get", "-o", "json", f'Linux_Process.Handle="{os.getpid()}"').out
         self.assertEqual(json.loads(out)["ProcessID"], os.getpid())

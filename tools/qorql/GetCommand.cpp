@@ -2,7 +2,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "GetCommand.h"
 
+#include <algorithm>
 #include <iostream>
+#include <stdexcept>
+#include <string>
+#include <string_view>
 
 #include "DisplayText.h"
 #include "ErrorReport.h"
@@ -71,6 +75,48 @@ int printInstance(const GetOptions& options, const InstancePath& path) {
   return kExitDone;
 }
 
+// The path with quotes around the values of its keys, or of those that are no numbers.
+std::string withQuotes(std::string_view path, bool areNumbersToo) {
+  std::string quoted;
+  while (!path.empty()) {
+    const std::size_t value = std::min(path.find('='), path.size() - 1) + 1;
+    const std::size_t end = std::min(path.find(',', value), path.size());
+    const std::string_view text = path.substr(value, end - value);
+    const bool isNumber = !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
+    const char* const quote = isNumber && !areNumbersToo ? "" : "\"";
+    quoted.append(path.substr(0, value)).append(quote).append(text).append(quote);
+    quoted.append(path.substr(end, 1));
+    path.remove_prefix(std::min(end + 1, path.size()));
+  }
+  return quoted;
+}
+
+// A shell takes double quotes away that no single ones enclose: what the path is with them, where it is one then.
+std::string meantPath(Session& session, const GetOptions& options) {
+  const bool mayLackQuotes = options.path.find('"') == std::string::npos && options.path.find('=') != std::string::npos;
+  for (const bool areNumbersToo : {false, true}) {
+    if (!mayLackQuotes) break;
+    try {
+      const std::string quoted = withQuotes(options.path, areNumbersToo);
+      readInstancePath(session.manager(), quoted, options.session.nameSpace);
+      return quoted;
+    } catch (const std::runtime_error&) {
+      continue;
+    }
+  }
+  return {};
+}
+
+int refusePath(Session& session, const GetOptions& options, const std::runtime_error& refusal) {
+  const int status = reportRefusal(refusal.what());
+  const std::string meant = options.session.isQuiet ? "" : meantPath(session, options);
+  if (!meant.empty()) {
+    printHint({"", "texts stand in double quotes, which a shell leaves within single ones: qorql get '" + meant + "'"},
+              "");
+  }
+  return status;
+}
+
 int get(const GetOptions& options) {
   Session session(options.session);
   try {
@@ -82,7 +128,7 @@ int get(const GetOptions& options) {
   try {
     path = readInstancePath(session.manager(), options.path, options.session.nameSpace);
   } catch (const std::runtime_error& refusal) {
-    return reportRefusal(refusal.what());
+    return refusePath(session, options, refusal);
   }
   int status = kExitDone;
   try {

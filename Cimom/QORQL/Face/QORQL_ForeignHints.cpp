@@ -109,9 +109,10 @@ std::string hintOfBetween(const Scene& scene, std::size_t between, bool isNegate
 // The command that leaves out equal rows of the statement without DISTINCT.
 std::string hintOfDistinct(const Scene& scene, std::size_t distinct) {
   const bool isCounted = scene.is(distinct - 1, "(");
+  if (isCounted && !scene.is(distinct - 2, "COUNT")) return "there is no DISTINCT: leave it out";
   const std::size_t from = scene.find("FROM");
   if (from == kNowhere || from <= distinct + 1) return "there is no DISTINCT: every row is shown";
-  const std::string column = scene.slice(scene.offsetOf(distinct + 1), scene.offsetOf(distinct + 2));
+  const std::string column = scene.operandFrom(distinct + 1);
   const std::string rest = scene.slice(scene.offsetOf(isCounted ? from : distinct + 1), scene.pieces.text().size());
   return "there is no DISTINCT: every row is shown. Another program leaves out equal ones: "
          "qorql -o csv --no-header \"SELECT " +

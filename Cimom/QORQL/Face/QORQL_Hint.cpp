@@ -84,7 +84,8 @@ Answer missingComma(const Scene& scene) {
   const bool isHere = scene.isSyntax() && scene.at > 1 && scene.pieces.isWord(scene.at);
   const std::size_t from = scene.find("FROM");
   if (!isHere || from == kNowhere || from <= scene.at || !scene.isOneOf(scene.at + 1, ",", "FROM")) return {};
-  if (!isEndOfOperand(scene, scene.at - 1) || scene.isOneOf(scene.at - 1, "SELECT", "FIRST")) return {};
+  const bool isBesideColumn = isEndOfOperand(scene, scene.at - 1) && !scene.isOneOf(scene.at - 1, "SELECT", "FIRST");
+  if (!isBesideColumn || scene.isNamelike(scene.at)) return {};
   const bool isFirstColumn = scene.is(1, "FIRST") && scene.find(",") > scene.at;
   const std::string column =
       isFirstColumn ? scene.slice(scene.offsetOf(3), scene.offset) : scene.operandBefore(scene.at);

@@ -96,6 +96,10 @@ constexpr Row kRows[] = {
     {"foreign-word", "SELECT COUNT(^DISTINCT Id) AS n FROM Item WHERE Id > 0",
      "there is no DISTINCT: every row is shown. Another program leaves out equal ones: qorql -o csv --no-header "
      "\"SELECT Id FROM Item WHERE Id > 0\" | sort -u | wc -l"},
+    {"foreign-word", "SELECT COUNT(^DISTINCT i.Id), SUM(Size) FROM Item AS i",
+     "there is no DISTINCT: every row is shown. Another program leaves out equal ones: qorql -o csv --no-header "
+     "\"SELECT i.Id FROM Item AS i\" | sort -u | wc -l"},
+    {"foreign-word", "SELECT SUM(^DISTINCT Size) FROM Item", "there is no DISTINCT: leave it out"},
     {"foreign-word", "SELECT ^DISTINCT", "there is no DISTINCT: every row is shown"},
     {"foreign-word", "SELECT Id FROM Item WHERE Name ^REGEXP 'a'",
      "there are no patterns: LIKE finds a plain text anywhere in another one"},
