@@ -27,14 +27,23 @@ std::size_t bytesInUse() {
   return info.uordblks + info.hblkhd;
 }
 
+std::string quoted(const std::string& text) {
+  std::string literal = "\"";
+  for (const char c : text) {
+    if (c == '"' || c == '\\') literal += '\\';
+    literal += c;
+  }
+  return literal + '"';
+}
+
 std::string mofOf(std::uint64_t size) {
   std::string mof = kClass;
   for (std::uint64_t i = 0; i < size; ++i) {
     const DiskRow row = diskRow(i, size / 100 + 1);
-    mof += "instance of Disk { DeviceID = \"" + row.deviceId + "\"; Name = \"" + row.name +
-           "\"; Size = " + std::to_string(row.size) + "; BlockSize = " + std::to_string(row.blockSize) +
+    mof += "instance of Disk { DeviceID = " + quoted(row.deviceId) + "; Name = " + quoted(row.name) +
+           "; Size = " + std::to_string(row.size) + "; BlockSize = " + std::to_string(row.blockSize) +
            "; Status = " + std::to_string(row.status) + "; Enabled = " + (row.isEnabled ? "true" : "false") +
-           "; Load = " + std::to_string(row.load) + "; PoolID = " + (row.hasPool ? '"' + row.poolId + '"' : "NULL") +
+           "; Load = " + std::to_string(row.load) + "; PoolID = " + (row.hasPool ? quoted(row.poolId) : "NULL") +
            "; OperationalStatus = {";
     for (const std::uint16_t status : row.operationalStatus)
       mof += (mof.back() == '{' ? "" : ", ") + std::to_string(status);
