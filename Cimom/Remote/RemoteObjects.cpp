@@ -3,6 +3,7 @@
 #include "Cimom/Remote/RemoteObjects.h"
 
 #include "Cimom/CimXml/CimXmlObjects.h"
+#include "Cimom/CimXml/CimXmlValues.h"
 #include "Cimom/Embedded/DeclarationHelpers.h"
 #include "cimom/CQoriInstanceName.h"
 #include "cimom/CQoriProperty.h"
@@ -26,6 +27,16 @@ const IQoriProperty* keyOf(const IQoriInstanceName& name, const QORString& keyNa
 }
 
 CQoriType::Code codeOf(const IQoriValue& value) { return CQoriType::codeOf(*value.getType()); }
+
+// A key's value as the declared type; of a text, what it says.
+QORSmrPtr<IQoriValue> readAs(const QORSmrPtr<IQoriValue>& value, const QORSmrPtr<IQoriType>& type) {
+  const QoriScalar scalar = value->scalar();
+  const CQoriType::Code code = CQoriType::codeOf(*type);
+  QORSmrPtr<IQoriValue> read;
+  const bool isRead = scalar.kind == QoriScalarKind::Text && code < CQoriType::Code::Reference &&
+                      cimxml::readValue(scalar.text->view(), code, read);
+  return isRead ? read : QORSmrPtr<IQoriValue>(new CQoriValue(*value, type));
+}
 
 }  // namespace
 
@@ -75,6 +86,7 @@ RemoteObjects::Known RemoteObjects::describe(const QORString& className) {
 }
 
 // Of a property that occurs twice the first counts, so that a key that was sent as a property stays as it is.
+// A text is read as what the key is declared as, since servers tell numbers and booleans so, too.
 void RemoteObjects::completeKeys(CimXmlInstance& instance) {
   if (instance.name.IsNull()) return;
   const QORSmrPtr<IQoriInstanceName> name = instance.name;
@@ -85,6 +97,8 @@ void RemoteObjects::completeKeys(CimXmlInstance& instance) {
     CimXmlProperty& added = instance.add(keyName.view());
     added.value = key->getValue();
     added.type = codeOf(*added.value);
+    const CQoriType::Code declared = CQoriType::codeOf(*_last->model->type(position));
+    if (added.type == CQoriType::Code::String && declared != added.type) added.type = CQoriType::Code::Unknown;
   }
 }
 
@@ -131,7 +145,7 @@ QORSmrPtr<IQoriInstanceName> RemoteObjects::spelledAs(const IQoriInstanceName& n
     if (!value.IsNull() && CQoriType::codeOf(*type) == CQoriType::Code::Reference) {
       value = spelled(value);
     } else if (!value.IsNull() && !embedded::sameType(*value->getType(), *type)) {
-      value = QORSmrPtr<IQoriValue>(new CQoriValue(*value, type));
+      value = readAs(value, type);
     }
     keys->append(QORSmrPtr<IQoriProperty>(new CQoriProperty(keyName, type, value)));
   }
