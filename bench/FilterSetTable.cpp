@@ -4,6 +4,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "bench/FilterSetTable.h"
 
+#include <malloc.h>
+
 #include <array>
 #include <iomanip>
 #include <map>
@@ -32,6 +34,7 @@ constexpr std::size_t kMatches = 10;
 constexpr std::size_t kIndications = 16;
 constexpr double kLeastGain = 100;
 constexpr double kGreatestGrowth = 2;
+constexpr double kGreatestBytes = 400;
 
 constexpr char kSchema[] = R"(
 class CIM_ManagedElement { string Caption; };
@@ -85,13 +88,21 @@ Statement makeFilter(std::size_t i) {
   throw std::runtime_error(filterText(i) + ": " + std::string(filter->getFault().message.view()));
 }
 
+// What the process has of its heap at this moment.
+double heapBytes() {
+  const struct mallinfo2 heap = mallinfo2();
+  return static_cast<double>(heap.uordblks) + static_cast<double>(heap.hblkhd);
+}
+
 // The first filters, as a set and one by one.
 class Candidates {
  public:
   Candidates(const std::vector<Statement>& filters, std::size_t count) : _filters(filters), _count(count) {
+    const double before = heapBytes();
     const double start = cpuSeconds();
     for (std::size_t i = 0; i < count; ++i) _set.add(i, filters[i]);
     _secondsToAdd = cpuSeconds() - start;
+    _bytes = heapBytes() - before;
   }
 
   const Handles& askSet(const QORSmrPtr<IQoriObject>& indication) {
@@ -105,6 +116,8 @@ class Candidates {
     }
     return _found;
   }
+  // What the set takes beside the statements.
+  double bytesOfOne() const { return _bytes / static_cast<double>(_count); }
   double microsecondsToAdd() const { return _secondsToAdd * 1e6 / static_cast<double>(_count); }
   // Takes all filters out.
   double microsecondsToRemove() {
@@ -120,6 +133,7 @@ class Candidates {
   CQLFilterSet _set;
   Handles _found;
   double _secondsToAdd = 0;
+  double _bytes = 0;
 };
 
 // How many match an indication; all of them must be the same both ways.
@@ -134,13 +148,14 @@ double matchesOf(Candidates& candidates, const Indications& indications) {
 }
 
 // What a size's row shows, and the goals need.
-struct Times {
+struct Figures {
   double one = 0;  // the set's time for an indication, in nanoseconds
   double gain = 0;
+  double bytes = 0;  // of one filter
 };
 
-Times printRow(const std::vector<Statement>& filters, std::size_t size, const Indications& indications,
-               const TableOptions& options, std::ostream& out) {
+Figures printRow(const std::vector<Statement>& filters, std::size_t size, const Indications& indications,
+                 const TableOptions& options, std::ostream& out) {
   Candidates candidates(filters, size);
   const double matches = matchesOf(candidates, indications);
   const auto askAll = [&](auto ask) {
@@ -157,9 +172,9 @@ Times printRow(const std::vector<Statement>& filters, std::size_t size, const In
   out << "| " << size << " | " << std::fixed << std::setprecision(1) << matches << " | " << std::setprecision(0)
       << nanoseconds(0) << " | " << nanoseconds(1) << " | " << std::setprecision(2) << ratio.median << " [" << ratio.low
       << "-" << ratio.high << "] | " << candidates.microsecondsToAdd() << " | " << candidates.microsecondsToRemove()
-      << " |\n";
+      << " | " << std::setprecision(0) << candidates.bytesOfOne() << " |\n";
   out.flush();
-  return {nanoseconds(1), ratio.median};
+  return {nanoseconds(1), ratio.median, candidates.bytesOfOne()};
 }
 
 void printGoal(const char* name, double value, const char* relation, double goal, bool isMet, std::ostream& out) {
@@ -182,16 +197,20 @@ void printFilterSetTable(const TableOptions& options, std::ostream& out) {
 
   out << "\n### One indication against a set of filters\n\n"
       << "| filters | filters that match | one by one, ns | the set, ns | one by one / set | adding one, us | removing "
-         "one, us |\n|--:|--:|--:|--:|--:|--:|--:|\n";
-  std::map<std::size_t, Times> times;
-  for (const std::size_t size : kSizes) times[size] = printRow(filters, size, indications, options, out);
-  const double gain = times[10000].gain;
-  const double growth = times[100000].one / times[1000].one;
+         "one, us | bytes of one |\n|--:|--:|--:|--:|--:|--:|--:|--:|\n";
+  std::map<std::size_t, Figures> figures;
+  for (const std::size_t size : kSizes) figures[size] = printRow(filters, size, indications, options, out);
+  const double gain = figures[10000].gain;
+  const double growth = figures[100000].one / figures[1000].one;
   out << '\n';
   printGoal("With 10,000 filters, one by one / set:", gain, "at least", kLeastGain, gain >= kLeastGain, out);
   out << '\n';
   printGoal("From 1,000 to 100,000 filters the set's time grows to", growth, "at most", kGreatestGrowth,
             growth <= kGreatestGrowth, out);
+  out << '\n';
+  const double bytes = figures[10000].bytes;
+  printGoal("With 10,000 filters, bytes of one beside its statement:", bytes, "at most", kGreatestBytes,
+            bytes <= kGreatestBytes, out);
 }
 
 }  // namespace bench
