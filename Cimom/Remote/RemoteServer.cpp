@@ -116,7 +116,7 @@ void RemoteServer::call(Line& line, const char* operation, const QORString& name
   } catch (const RemoteUnknownOperation& refusal) {
     throw RemoteStatusException(who, describe(refusal.what()), kNotSupported);
   } catch (const QoriBaseException& error) {
-    throw CQoriProviderException(who, describe(error.getMessage().view()), kFailed);
+    throw RemoteReplyException(who, describe(error.getMessage().view()), kFailed);
   } catch (const std::runtime_error& error) {
     throw CQoriProviderException(who, describe(error.what()), kFailed);
   }
@@ -259,9 +259,7 @@ bool RemoteServer::pullInstances(const QORString& nameSpace, const QORString& cl
              if (empty == kEmptyReplies) throw std::runtime_error("the server sends empty replies without end");
              read(reply, record);
            });
-    } catch (const RemoteStatusException&) {
-      throw;
-    } catch (...) {
+    } catch (const RemoteReplyException&) {
       closeEnumeration(nameSpace, className, context);
       throw;
     }
@@ -269,7 +267,8 @@ bool RemoteServer::pullInstances(const QORString& nameSpace, const QORString& cl
   return true;
 }
 
-// So that the server need not keep what nobody will ask for; it forgets it by itself after a while.
+// So that the server need not keep what nobody will ask for. One that does not answer is not kept waiting for: it
+// forgets by itself.
 void RemoteServer::closeEnumeration(const QORString& nameSpace, const QORString& className,
                                     const std::string& context) noexcept {
   if (_isStopped) return;

@@ -54,6 +54,11 @@ class RemoteStatusException : public CQoriProviderException {
   using CQoriProviderException::CQoriProviderException;
 };
 
+// A reply came and could not be read.
+class RemoteReplyException : public CQoriProviderException {
+  using CQoriProviderException::CQoriProviderException;
+};
+
 struct RemoteServerOptions {
   std::string name;           // as errors and __SERVER tell it
   bool hasGivenName = false;  // by a person, or because there are several

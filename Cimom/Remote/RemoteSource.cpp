@@ -5,10 +5,14 @@
 #include <algorithm>
 #include <utility>
 
+#include "Cimom/Embedded/Restrictor.h"
 #include "Cimom/Remote/RemoteObjects.h"
 #include "cimom/CQoriInstanceName.h"
 
 namespace {
+
+// Calls for single instances of a class before all of them are fetched.
+constexpr std::size_t kFewSingles = 3;
 
 std::string fold(const QORString& name) { return std::string(QORString::toUpperCase(name).view()); }
 
@@ -215,8 +219,28 @@ CIMApi::PropertyNames RemoteSource::namesFor(const RemoteServer& server, const C
   return own;
 }
 
+// A statement that asks for one instance after the other has the whole class instead.
 QORSmrPtr<IQoriObject> RemoteSource::instance(CimDeclarationSink& sink, const Request& request,
                                               const IQoriInstanceName& name) {
+  Singles* singles = nullptr;
+  {
+    const std::lock_guard lock(_mutex);
+    singles = &_singles[fold(request.className) + '\n' + embedded::propertyNamesKey(request.names)];
+  }
+  if (++singles->calls <= kFewSingles) return askForInstance(sink, request, name);
+  if (singles->calls == kFewSingles + 1) {
+    for (QORSmrPtr<IQoriObject>& object : instances(sink, request)) {
+      std::string path;
+      object->appendPath(path);
+      singles->byPath.emplace(std::move(path), std::move(object));
+    }
+  }
+  const auto found = singles->byPath.find(std::string(name.toString().view()));
+  return found == singles->byPath.end() ? QORSmrPtr<IQoriObject>() : found->second;
+}
+
+QORSmrPtr<IQoriObject> RemoteSource::askForInstance(CimDeclarationSink& sink, const Request& request,
+                                                    const IQoriInstanceName& name) {
   const std::string_view wanted = serverOf(name.getNameSpacePath()->getNameSpace().view());
   std::vector<std::size_t> servers = serversFor(name.getClassName());
   std::erase_if(servers, [&](std::size_t i) { return !wanted.empty() && _servers[i]->name() != wanted; });
@@ -240,6 +264,7 @@ void RemoteSource::beginStatement() {
   const std::lock_guard lock(_mutex);
   _failures.clear();
   _untold.clear();
+  _singles.clear();
   _only.clear();
   _conditions.clear();
 }

@@ -11,6 +11,7 @@
 #include <mutex>
 #include <set>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "Cimom/Embedded/OuterSource.h"
@@ -64,6 +65,11 @@ class RemoteSource final : public OuterSource {
  private:
   // What servers did, by their numbers; null for success.
   using Failures = std::map<std::size_t, std::exception_ptr>;
+  // The single instances of a class that a statement asks for.
+  struct Singles {
+    std::size_t calls = 0;
+    std::unordered_map<std::string, QORSmrPtr<IQoriObject>> byPath;  // all of the class, once there were many calls
+  };
   using Work = std::function<void(RemoteServer& server, std::size_t number)>;
 
   void askEach(const std::vector<std::size_t>& servers, const Work& work);
@@ -71,6 +77,8 @@ class RemoteSource final : public OuterSource {
   std::vector<std::size_t> serversFor(const QORString& className) const;
   std::vector<CimClassDeclaration> fetchClass(const QORString& nameSpace, const QORString& className);
   void askServer(RemoteServer& server, CimDeclarationSink& sink, const Request& request, Objects& objects);
+  QORSmrPtr<IQoriObject> askForInstance(CimDeclarationSink& sink, const Request& request,
+                                        const IQoriInstanceName& name);
   bool askWithQuery(RemoteServer& server, CimDeclarationSink& sink, const Request& request,
                     const RemoteServer::Take& take);
   CIMApi::PropertyNames namesFor(const RemoteServer& server, const CIMApi::PropertyNames& names) const;
@@ -85,6 +93,7 @@ class RemoteSource final : public OuterSource {
   std::map<std::size_t, std::string> _failures;  // of servers that are left out
   std::vector<std::string> _untold;
   std::map<std::string, std::vector<QORString>> _names;  // of classes, by namespace in upper case
+  std::map<std::string, Singles> _singles;               // by class and properties
   std::map<std::string, std::set<std::string>> _only;    // by class in upper case
   std::map<std::string, std::string> _conditions;        // by class in upper case
 };

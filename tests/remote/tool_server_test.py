@@ -101,6 +101,20 @@ class Calls(ToolCase):
         self.ask(server, "SELECT Name FROM P_Pump; SELECT Name FROM P_Tank")
         self.assertEqual(len({call.connection for call in server.calls}), 2)
 
+    def test_many_whole_instances_are_fetched_at_once(self):
+        many = "".join(f'instance of Q_Disk {{ Id = "{i}"; Size = {i}; Note = "n{i}"; }};\n' for i in range(40))
+        mof = self.write("many.mof", "Qualifier Key : boolean = false, Scope(property, reference);\n"
+                         "class Q_Disk { [Key] string Id; uint32 Size; string Note; };\n" + many)
+        server = self.serve(mof)
+        for least, calls in ((37, [(OPEN, "Q_Disk"), *3 * [("GetInstance", "Q_Disk")]]),
+                             (0, [(OPEN, "Q_Disk"), *3 * [("GetInstance", "Q_Disk")], (OPEN, "Q_Disk")])):
+            query = f"SELECT INSTANCEOF(OBJECTPATH(d)) FROM Q_Disk AS d WHERE d.Size >= {least}"
+            local = self.run_tool("--no-live", "-m", mof, "-o", "json", query)
+            server.calls.clear()
+            done = self.ask(server, "-o", "json", query)
+            self.assertEqual((done.status, done.out, done.err), (0, local.out, local.err))
+            self.assertEqual([call for call in server.told() if call[0] != CLASS], calls)
+
     def test_association_of_many_sources_is_asked_for_once(self):
         things = "".join(f'instance of Q_Disk as $d{i} {{ Id = "{i}"; }};\ninstance of Q_Pool as $p{i} {{ Id = "{i}"; }};\n'
                          f"instance of Q_In {{ Disk = $d{i}; Pool = $p{i}; }};\n" for i in range(93))
@@ -268,6 +282,13 @@ class Faults(ToolCase):
         done = self.ask(server, "--batch", "1", "SELECT Name FROM P_Thing")
         self.assert_fails(done, "PullInstancesWithPath of P_Thing in root/cimv2: the document ends too early")
         self.assertIn("CloseEnumeration", [call[0] for call in server.told()])
+
+    def test_silent_server_is_not_asked_to_close(self):
+        server = self.serve()
+        self.fail_with(server, "silence", PULL)
+        done = self.ask(server, "--batch", "1", "--call-timeout", "1", "SELECT Name FROM P_Thing")
+        self.assert_fails(done, "PullInstancesWithPath of P_Thing in root/cimv2: .*too slow")
+        self.assertNotIn("CloseEnumeration", [call[0] for call in server.told()])
 
     def test_status_of_the_server(self):
         server = self.serve(refused={OPEN: 2})
