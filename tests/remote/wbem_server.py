@@ -202,8 +202,8 @@ class Handler(http.server.BaseHTTPRequestHandler):
         self.end_headers()
 
     def put(self, call, data):
+        call.reply_bytes += len(data)  # before the client can have it all
         self.wfile.write(data)
-        call.reply_bytes += len(data)
 
 
 def zipped(pieces):
