@@ -32,8 +32,10 @@ void appendRows(const LaterRows& later, const CIMApi::PropertyNames& names, Inst
   }
 }
 
-// Of the rows that are left for later: no instance is needed for a few of their properties. Null when it takes all.
+// Of the rows that are left for later: no instance is needed for a few of their properties. Null when it takes all, or
+// some rows have become instances already, which is so where making the others ended for want of memory.
 CIMApi::Instances makeListOfRows(const NameSpace& space, const ClassEntry& entry, const CIMApi::PropertyNames& names) {
+  if (!space.instances.isEmpty()) return {};
   CIMApi::Instances list(new InstanceList);
   for (const LaterRows& later : space.laterRows) {
     if (later.isPending || !later.source->plan->entry().isA(entry)) continue;

@@ -106,6 +106,7 @@ class ObjectStore {
   // Null when the path is there already.
   StoredInstance* store(NameSpace& space, ClassEntry& entry, const QORSmrPtr<IQoriObject>& object,
                         std::string_view path, QORuint64 sequence, bool isPending) const;
+  static bool hasCommittedRows(const NameSpace& space) noexcept;
   // Makes instances of the rows that were left for later. REQUIRES the exclusive lock.
   void readLaterRows() const;
   void readRows(NameSpace& space, LaterRows& later) const;

@@ -1,6 +1,7 @@
 // Instances that come as rows: at once, or when somebody needs them.
 // Tested by tests/unit/Embedded/InstanceRowTest.cpp, tests/unit/Embedded/LaterRowsTest.cpp.
 // SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
 #include <utility>
 
 #include "Cimom/Embedded/ObjectStore.h"
@@ -40,9 +41,16 @@ bool ObjectStore::createInstance(RowPlan& plan, std::string_view row, View view)
   return store(plan.nameSpace(), plan.entry(), object, path, _nextSequence++, becomesPending(view)) != nullptr;
 }
 
+// Rows of loads before this one, whose paths are taken.
+bool ObjectStore::hasCommittedRows(const NameSpace& space) noexcept {
+  return std::any_of(space.laterRows.begin(), space.laterRows.end(),
+                     [](const LaterRows& later) { return !later.isPending; });
+}
+
 bool ObjectStore::createLater(std::unique_ptr<RowPlan> plan, std::string_view rows, QORuint32 count,
                               const std::shared_ptr<const void>& owner, View view) {
   NameSpace& space = plan->nameSpace();
+  if (hasCommittedRows(space)) readLaterRows();
   const bool isFirst = space.instances.isEmpty();  // of all, so that no path is taken
   std::string_view rest = rows;
   std::string_view row;

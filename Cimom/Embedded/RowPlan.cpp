@@ -7,6 +7,7 @@
 #include <string>
 
 #include "Cimom/Embedded/DeclarationHelpers.h"
+#include "Cimom/Model/ModelDateTime.h"
 #include "Cimom/Model/ModelInstance.h"
 #include "Cimom/Model/ModelScalar.h"
 #include "cimom/CQoriValue.h"
@@ -151,9 +152,8 @@ bool RowPlan::fillSlot(const Column& column, const CimCell& cell, CimRowReader& 
   if (cell.kind == CimCellKind::Null) return !column.isKey;
   if (column.isArray) return cell.kind == CimCellKind::Array && fillArray(column, cell, reader, slot);
   if (cell.kind == CimCellKind::Text) {
-    const bool isDateTime = column.code == Code::DateTime;
-    if (!isText(column.code)) return false;
-    const QoriScalarKind kind = isDateTime ? QoriScalarKind::DateTime : QoriScalarKind::Text;
+    if (!isTextOf(column, cell.text)) return false;
+    const QoriScalarKind kind = column.code == Code::DateTime ? QoriScalarKind::DateTime : QoriScalarKind::Text;
     if (slot != nullptr) slot->setText(QORString(cell.text, _texts), kind);
     return true;
   }
@@ -176,9 +176,14 @@ bool RowPlan::fillArray(const Column& column, const CimCell& cell, CimRowReader&
   return true;
 }
 
-bool RowPlan::isElement(const Column& column, const CimCell& element) noexcept {
+bool RowPlan::isTextOf(const Column& column, std::string_view text) const noexcept {
+  if (column.code == Code::DateTime) return !_checksDateTimes || model::isDateTime(text);
+  return column.code == Code::String;
+}
+
+bool RowPlan::isElement(const Column& column, const CimCell& element) const noexcept {
   QoriScalar scalar;
-  if (element.kind == CimCellKind::Text) return isText(column.code);
+  if (element.kind == CimCellKind::Text) return isTextOf(column, element.text);
   return element.kind == CimCellKind::Null || readScalar(element, column.code, scalar);
 }
 

@@ -20,7 +20,8 @@ struct NameSpace;
 // other in slabs. BORROWS namespace and class, but reading rows needs neither. One thread at a time.
 class RowPlan {
  public:
-  RowPlan(NameSpace& space, ClassEntry& entry) : _space(space), _entry(entry), _shape(entry.model->shape()) {}
+  RowPlan(NameSpace& space, ClassEntry& entry)
+      : _space(space), _entry(entry), _shape(entry.model->shape()), _checksDateTimes(!entry.isPending) {}
   RowPlan(const RowPlan&) = delete;
   RowPlan& operator=(const RowPlan&) = delete;
 
@@ -84,7 +85,9 @@ class RowPlan {
   // A null slot takes nothing: the cell is only looked at.
   bool fillSlot(const Column& column, const CimCell& cell, CimRowReader& reader, ModelSlot* slot);
   bool fillArray(const Column& column, const CimCell& cell, CimRowReader& reader, ModelSlot* slot);
-  static bool isElement(const Column& column, const CimCell& element) noexcept;
+  bool isElement(const Column& column, const CimCell& element) const noexcept;
+  // Whether the property takes the text.
+  bool isTextOf(const Column& column, std::string_view text) const noexcept;
   // That of the cells from the reader's place to `end`, which are sound.
   QORSmrPtr<IQoriValue> arrayOf(const Column& column, const CimCell& cell, CimRowReader& reader, const char* end);
   static QORSmrPtr<IQoriValue> makeArray(const Column& column, const CimCell& cell, CimRowReader reader);
@@ -92,6 +95,9 @@ class RowPlan {
   NameSpace& _space;
   ClassEntry& _entry;
   const QORSmrPtr<ModelShape> _shape;
+  // Of a class that the same load declares, whoever made the rows knew what is a datetime and looked at it. Others may
+  // have been declared anew since the rows were made.
+  const bool _checksDateTimes;
   std::vector<Column> _columns;
   std::vector<Default> _defaults;   // of the properties that rows do not give
   std::vector<KnownArray> _arrays;  // the last one of each hash of column and cells

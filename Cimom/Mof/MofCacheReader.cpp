@@ -11,9 +11,12 @@
 #include <limits>
 #include <memory>
 #include <stdexcept>
+#include <string>
+#include <string_view>
 #include <unordered_map>
 
 #include "Cimom/Embedded/CimDeclarationRows.h"
+#include "Cimom/Mof/MofSyntax.h"
 #include "cimom/CQoriInstanceName.h"
 #include "cimom/CQoriProperty.h"
 #include "cimom/CQoriType.h"
@@ -88,7 +91,33 @@ class Reader {
   bool isForLater() const {
     constexpr std::size_t kLeastRun = 64;
     const auto isLong = [](const mofcache::Run* run) { return run->form() >= 0 && run->count() >= kLeastRun; };
-    return _owner != nullptr && std::all_of(_load.order()->begin(), _load.order()->end(), isLong);
+    return _owner != nullptr && std::all_of(_load.order()->begin(), _load.order()->end(), isLong) && hasOwnClasses();
+  }
+
+  using Declared = std::unordered_map<std::string, const mofcache::Definition*>;
+  static std::string declaredKey(const flatbuffers::String& nameSpace, std::string_view name) {
+    return foldMofName(QORString(nameSpace.str().append(1, ':').append(name)));
+  }
+
+  // Whether the classes of the rows are declared here, up to their roots. The keys of others may have changed since the
+  // rows were found to have different paths.
+  bool hasOwnClasses() const {
+    if (_load.forms() == nullptr || _load.forms()->size() == 0) return true;
+    Declared declared;
+    each(_load.classes(), [&declared](const mofcache::Definition& given) {
+      declared.emplace(declaredKey(*given.name_space(), given.name()->string_view()), &given);
+    });
+    return std::all_of(_load.forms()->begin(), _load.forms()->end(), [&declared](const mofcache::Form* form) {
+      return isDeclaredIn(declared, *form->name_space(), form->class_name()->string_view());
+    });
+  }
+  static bool isDeclaredIn(const Declared& declared, const flatbuffers::String& nameSpace, std::string_view name) {
+    for (std::size_t steps = 0; !name.empty() && steps <= declared.size(); ++steps) {
+      const auto found = declared.find(declaredKey(nameSpace, name));
+      if (found == declared.end()) return false;
+      name = found->second->super_class()->string_view();
+    }
+    return name.empty();
   }
 
   void createListed(QORuint32 count) {

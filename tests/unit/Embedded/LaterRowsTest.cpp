@@ -57,8 +57,10 @@ class LaterRowsLoads : public EmbeddedTest {
 };
 
 TEST_F(LaterRowsLoads, AListOfSomePropertiesIsMadeOfTheRows) {
-  load(kBase, {"a", "b"});
-  load(kSub, {"c"});
+  manager.sink().begin();
+  EXPECT_TRUE(addLater(kBase, {"a", "b"}));
+  EXPECT_TRUE(addLater(kSub, {"c"}));
+  manager.sink().commit();
   const CIMApi::Instances list = enumerate(kBase, names({"N", "kept"}));
   EXPECT_THAT(values(list, "N"), ElementsAre("1", "2", "1"));
   EXPECT_THAT(values(list, "Kept"), ElementsAre("default", "default", "default"));
@@ -126,6 +128,17 @@ TEST_F(LaterRowsLoads, AmongInstancesTheyAreStoredAtOnce) {
   manager.sink().rollback();
   load(kBase, {"b"});
   EXPECT_THAT(paths(enumerate(kBase, names({"N"}))), ElementsAre(pathOf(kBase, "a"), pathOf(kBase, "b")));
+}
+
+TEST_F(LaterRowsLoads, ThePathsOfTheLoadBeforeAreTaken) {
+  load(kBase, {"a", "b"});
+  manager.sink().begin();
+  EXPECT_FALSE(addLater(kBase, {"c", "b"}));
+  manager.sink().rollback();
+  EXPECT_THAT(paths(enumerate(kBase, names({"N"}))), ElementsAre(pathOf(kBase, "a"), pathOf(kBase, "b")));
+  load(kBase, {"c"});
+  EXPECT_THAT(paths(enumerate(kBase, names({"N"}))),
+              ElementsAre(pathOf(kBase, "a"), pathOf(kBase, "b"), pathOf(kBase, "c")));
 }
 
 TEST_F(LaterRowsLoads, ALoadShowsThemWhenItIsCommitted) {

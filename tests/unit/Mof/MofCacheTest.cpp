@@ -128,6 +128,27 @@ TEST_F(MofCaching, ManyPlainInstancesAreTheSame) {
   EXPECT_EQ(everything(), more);
 }
 
+// Instances alone are kept while their class changes beside them.
+TEST_F(MofCaching, RowsOfAClassThatIsDeclaredElsewhereAreCheckedAgain) {
+  std::string text;
+  for (int i = 0; i < 100; ++i) {
+    text += "instance of Base { K = " + std::to_string(i) + "; T = \"same\"; };\n";
+  }
+  const std::string rows = write("rows.mof", text);
+  const auto load = [&](const char* declaration) {
+    _fresh = std::make_unique<EmbeddedObjectManager>();
+    _fresh->makeCurrent();
+    MofLoader(_fresh->sink()).loadText(declaration, "class.mof");
+    return MofCache(_file).loadFiles(_fresh->sink(), "root/cimv2", {rows});
+  };
+  constexpr const char* kPlain = "class Base { [Key] uint32 K; string T; };";
+  EXPECT_FALSE(load(kPlain).isFromCache);
+  EXPECT_TRUE(load(kPlain).isFromCache);
+  EXPECT_EQ(instancesOf("Base").size(), 100U);
+  EXPECT_THROW(load("class Base { uint32 K; [Key] string T; };"), MofException) << "they have one path";
+  EXPECT_THROW(load("class Base { [Key] uint32 K; datetime T; };"), MofException) << "no text is a datetime";
+}
+
 TEST_F(MofCaching, AChangedFileMakesItStale) {
   open({_model});
   write("mof/model.mof", std::string(kModel) + "class More { };\n");
