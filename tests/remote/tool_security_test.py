@@ -1,10 +1,15 @@
 """Who asks a server, and whom the tool takes for the server: users, passwords and certificates."""
 # SPDX-License-Identifier: Apache-2.0
+import os
+import pty
+import signal
+import termios
+import time
 import unittest
 
 import remotecase
 from certificates import Certificates
-from toolcase import ToolCase
+from toolcase import TOOL, ToolCase
 
 QUERY = ("-o", "csv", "SELECT COUNT(Name) AS N FROM P_Tank")
 ANSWER = "N\n2\n"
@@ -53,6 +58,27 @@ class Users(ToolCase):
         self.assertEqual(shown.count("Password"), 1)
         self.assertNotIn(SECRET, shown)
         self.assertIn("N\r\n2", shown)
+
+    def test_ctrl_c_at_the_question_ends_the_tool_and_leaves_the_terminal_as_it_was(self):
+        server = self.guarded()
+        pid, terminal = pty.fork()
+        if pid == 0:
+            os.execve(TOOL, [TOOL, "--no-pager", "--server", self.url(server), *QUERY], self.environment())
+        shown, end = b"", time.monotonic() + 30
+        while b"Password of ada" not in shown and time.monotonic() < end:
+            shown += os.read(terminal, 4096)
+        while termios.tcgetattr(terminal)[3] & termios.ECHO and time.monotonic() < end:
+            time.sleep(0.01)
+        os.write(terminal, b"half\x03")
+        while (ended := os.waitpid(pid, os.WNOHANG))[0] == 0 and time.monotonic() < end:
+            time.sleep(0.05)
+        if ended[0] == 0:
+            os.kill(pid, signal.SIGKILL)
+            os.waitpid(pid, 0)
+        flags = termios.tcgetattr(terminal)[3]
+        os.close(terminal)
+        self.assertEqual(os.waitstatus_to_exitcode(ended[1]) if ended[0] else "still there", -signal.SIGINT)
+        self.assertEqual((bool(flags & termios.ECHO), bool(flags & termios.ISIG)), (True, True))
 
     def test_user_with_signs_of_a_url(self):
         server = self.serve(users={"ada@plant": SECRET})

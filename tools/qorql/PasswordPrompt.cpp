@@ -1,8 +1,10 @@
-// The terminal is asked itself: standard input may be a file of statements.
-// SPDX-License-Identifier: Apache-2.0
+// The terminal is asked itself: standard input may be a file of statements. Ctrl-C comes as the end of a line, since
+// the thread that waits takes no signals; it becomes one when the terminal is as it was. SPDX-License-Identifier:
+// Apache-2.0
 #include "PasswordPrompt.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -11,6 +13,12 @@
 namespace {
 
 constexpr std::size_t kLongest = 1024;
+constexpr char kCtrlC = 3;
+
+struct Answer {
+  std::optional<std::string> line;
+  bool isInterrupted = false;
+};
 
 class Terminal {
  public:
@@ -18,7 +26,8 @@ class Terminal {
     _isReady = _file >= 0 && tcgetattr(_file, &_before) == 0;
     if (!_isReady) return;
     termios silent = _before;
-    silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+    silent.c_lflag &= ~static_cast<tcflag_t>(ECHO | ISIG);
+    silent.c_cc[VEOL] = kCtrlC;
     _isReady = tcsetattr(_file, TCSAFLUSH, &silent) == 0;
   }
   Terminal(const Terminal&) = delete;
@@ -35,13 +44,14 @@ class Terminal {
   }
 
   // A line without its end; nothing when the input ends before it.
-  std::optional<std::string> readLine() const {
+  Answer readLine() const {
     std::string line;
     for (char c = 0; line.size() < kLongest && read(_file, &c, 1) == 1;) {
-      if (c == '\n') return line;
+      if (c == kCtrlC) return {std::nullopt, true};
+      if (c == '\n') return {line, false};
       line += c;
     }
-    return std::nullopt;
+    return {};
   }
 
  private:
@@ -50,16 +60,23 @@ class Terminal {
   bool _isReady = false;
 };
 
+// The terminal is as it was when this returns.
+Answer ask(const std::string& question) {
+  const Terminal terminal;
+  if (!terminal.isReady()) return {};
+  terminal.print(question);
+  Answer answer = terminal.readLine();
+  terminal.print("\n");
+  return answer;
+}
+
 }  // namespace
 
 std::optional<std::string> askForPassword(const std::string& question) {
   static std::mutex mutex;
   const std::lock_guard lock(mutex);
   if (isatty(STDERR_FILENO) == 0) return std::nullopt;
-  const Terminal terminal;
-  if (!terminal.isReady()) return std::nullopt;
-  terminal.print(question);
-  const std::optional<std::string> line = terminal.readLine();
-  terminal.print("\n");
-  return line;
+  const Answer answer = ask(question);
+  if (answer.isInterrupted) kill(getpid(), SIGINT);
+  return answer.line;
 }
