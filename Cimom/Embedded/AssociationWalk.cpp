@@ -81,7 +81,7 @@ void AssociationWalk::walkLive() {
 
 void AssociationWalk::walkOuter() {
   const OuterSnapshot::Objects* const associations =
-      _outer.referringTo(_state, _request.nameSpace, _request.associationClass, _sourcePath.view());
+      _outer.referringTo(_state, _request.nameSpace, _request.associationClass, *_request.source, _sourcePath.view());
   if (associations == nullptr) return;
   OuterModels models(_state);
   for (const QORSmrPtr<IQoriObject>& association : *associations) meetEnds(models.of(*association), *association);

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/OuterCalls.h"
 
+#include <iterator>
 #include <set>
 
 namespace embedded {
@@ -82,19 +83,22 @@ const CQoriClass& OuterModels::of(const IQoriObject& object) {
   return modelOf(found);
 }
 
-OuterSnapshot::PathMap<OuterSnapshot::Objects> OuterSnapshot::indexOf(const State& state, const QORString& nameSpace,
-                                                                      const QORString& associationClass) {
-  PathMap<Objects> index;
+OuterSnapshot::Index OuterSnapshot::indexOf(const State& state, const QORString& nameSpace,
+                                            const QORString& associationClass) {
+  Index index;
   const QORSmrPtr<IQoriClass> declared = sinkOf(state).findClass(nameSpace, associationClass);
   if (declared.IsNull()) return index;
   OuterModels models(state);
-  for (const QORSmrPtr<IQoriObject>& association :
-       state.outer->instances(sinkOf(state), {nameSpace, associationClass, referenceNames(modelOf(declared))})) {
+  index.names = referenceNames(modelOf(declared));
+  const OuterSource::Associations listed =
+      state.outer->associations(sinkOf(state), {nameSpace, declared->getClassName(), index.names});
+  index.isComplete = listed.isComplete;
+  for (const QORSmrPtr<IQoriObject>& association : listed.objects) {
     for (const QORuint32 position : models.of(*association).referencePositions()) {
       const QORSmrPtr<IQoriValue> value = association->getValueAt(position);
       const QORSmrPtr<IQoriInstanceName> name = value.IsNull() ? QORSmrPtr<IQoriInstanceName>() : value->getReference();
       if (name.IsNull()) continue;
-      Objects& referring = index[std::string(name->toString().view())];
+      Objects& referring = index.byPath[std::string(name->toString().view())];
       if (referring.empty() || !(referring.back() == association)) referring.push_back(association);
     }
   }
@@ -102,15 +106,22 @@ OuterSnapshot::PathMap<OuterSnapshot::Objects> OuterSnapshot::indexOf(const Stat
 }
 
 const OuterSnapshot::Objects* OuterSnapshot::referringTo(const State& state, const QORString& nameSpace,
-                                                         const QORString& associationClass, std::string_view path) {
+                                                         const QORString& associationClass,
+                                                         const IQoriInstanceName& source, std::string_view path) {
   if (state.outer == nullptr) return nullptr;
   const std::string key = keyOf(associationClass);
   auto known = _associations.find(key);
   if (known == _associations.end()) {
     known = _associations.emplace(key, indexOf(state, nameSpace, associationClass)).first;
   }
-  const auto found = known->second.find(path);
-  return found == known->second.end() ? nullptr : &found->second;
+  Index& index = known->second;
+  if (!index.isComplete && index.asked.emplace(path).second) {
+    Objects more = state.outer->references(sinkOf(state), {nameSpace, associationClass, index.names}, source);
+    Objects& referring = index.byPath[std::string(path)];
+    referring.insert(referring.end(), std::make_move_iterator(more.begin()), std::make_move_iterator(more.end()));
+  }
+  const auto found = index.byPath.find(path);
+  return found == index.byPath.end() ? nullptr : &found->second;
 }
 
 QORSmrPtr<IQoriObject> OuterSnapshot::find(const State& state, const OuterSource::Request& request,

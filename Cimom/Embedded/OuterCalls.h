@@ -5,6 +5,7 @@
 #define QORQL_EMBEDDED_OUTERCALLS_H
 
 #include <map>
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -51,9 +52,10 @@ class OuterSnapshot {
   using Objects = OuterSource::Objects;
 
   // BORROW: valid while the snapshot lives. THROW as the source.
-  // The associations that refer to the path; null when there are none, and without a source.
+  // The associations that refer to the source, whose path is given; null when there are none, and without an outer
+  // source.
   const Objects* referringTo(const EmbeddedObjectManager::State& state, const QORString& nameSpace,
-                             const QORString& associationClass, std::string_view path);
+                             const QORString& associationClass, const IQoriInstanceName& source, std::string_view path);
   // The instance of the class, or of one derived from it, with that path and the named properties; null when
   // there is none.
   QORSmrPtr<IQoriObject> find(const EmbeddedObjectManager::State& state, const OuterSource::Request& request,
@@ -63,10 +65,18 @@ class OuterSnapshot {
   template <class V>
   using PathMap = std::unordered_map<std::string, V, PathHash, std::equal_to<>>;
 
-  static PathMap<Objects> indexOf(const EmbeddedObjectManager::State& state, const QORString& nameSpace,
-                                  const QORString& associationClass);
+  // The associations of a class by the paths that they refer to.
+  struct Index {
+    CIMApi::PropertyNames names;
+    PathMap<Objects> byPath;
+    bool isComplete = true;
+    std::set<std::string> asked;  // the sources that were asked for, where it is not
+  };
 
-  std::map<std::string, PathMap<Objects>> _associations;              // by class
+  static Index indexOf(const EmbeddedObjectManager::State& state, const QORString& nameSpace,
+                       const QORString& associationClass);
+
+  std::map<std::string, Index> _associations;                         // by class
   std::map<std::string, PathMap<QORSmrPtr<IQoriObject>>> _instances;  // by class and properties
 };
 

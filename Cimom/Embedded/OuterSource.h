@@ -39,6 +39,16 @@ class OuterSource {
   // The instance of that name, in the same shape; null when there is none.
   virtual QORSmrPtr<IQoriObject> instance(CimDeclarationSink& sink, const Request& request,
                                           const IQoriInstanceName& name) = 0;
+
+  struct Associations {
+    Objects objects;
+    bool isComplete = true;  // there are none but these
+  };
+  // The instances of an association, as instances() gives them. Where they are not complete, references() tells the
+  // others for each source.
+  virtual Associations associations(CimDeclarationSink& sink, const Request& request) = 0;
+  // The instances of an association that refer to the source, and that associations() left out.
+  virtual Objects references(CimDeclarationSink& sink, const Request& request, const IQoriInstanceName& source) = 0;
 };
 
 #endif

@@ -3,6 +3,7 @@
 #include "Cimom/Remote/RemoteClasses.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "cimom/CQoriProviderException.h"
 #include "cimom/CQoriType.h"
@@ -34,6 +35,19 @@ CimClassDeclaration unionOf(std::vector<CimClassDeclaration>&& declarations) {
   return all;
 }
 
+// Whatever ends it, a class can be asked for again.
+class UnderWay {
+ public:
+  UnderWay(std::set<std::string>& all, const std::string& key) : _all(all), _key(key) {}
+  UnderWay(const UnderWay&) = delete;
+  UnderWay& operator=(const UnderWay&) = delete;
+  ~UnderWay() { _all.erase(_key); }
+
+ private:
+  std::set<std::string>& _all;
+  const std::string& _key;
+};
+
 [[noreturn]] void raise(const QORString& className, const QORString& message) {
   throw CQoriProviderException(className, message, kCimFailed);
 }
@@ -58,6 +72,12 @@ void RemoteClasses::forgetMissing() {
   std::erase_if(_fetched, [](const auto& entry) { return !entry.second.has_value(); });
 }
 
+bool RemoteClasses::forgetIncomplete() {
+  const std::lock_guard lock(_mutex);
+  for (const std::string& key : _incomplete) _fetched.erase(key);
+  return !std::exchange(_incomplete, {}).empty();
+}
+
 bool RemoteClasses::provideLocked(CimDeclarationSink& sink, const QORString& nameSpace, const QORString& className) {
   if (!sink.findClass(nameSpace, className).IsNull()) return true;
   const std::optional<CimClassDeclaration>& fetched = declarationOf(nameSpace, className);
@@ -66,6 +86,7 @@ bool RemoteClasses::provideLocked(CimDeclarationSink& sink, const QORString& nam
   const QORString& superClass = declaration.superClass;
   const std::string key = keyOf(nameSpace, className);
   if (!_underWay.insert(key).second) raise(className, "class " + className + " derives from itself on the server");
+  const UnderWay underWay(_underWay, key);
   if (_underWay.size() > CQoriClass::kMaximumDepth)
     raise(className, "class " + className + " has superclasses without end");
   try {
@@ -76,13 +97,10 @@ bool RemoteClasses::provideLocked(CimDeclarationSink& sink, const QORString& nam
     sink.createNamespace(nameSpace);
     sink.declareClass(nameSpace, declaration);
   } catch (const CQoriProviderException&) {
-    _underWay.erase(key);
     throw;
   } catch (const QoriBaseException& refusal) {
-    _underWay.erase(key);
     raise(className, "class " + className + " of the server cannot be used: " + refusal.getMessage());
   }
-  _underWay.erase(key);
   return true;
 }
 
@@ -91,9 +109,10 @@ const std::optional<CimClassDeclaration>& RemoteClasses::declarationOf(const QOR
   const std::string key = keyOf(nameSpace, className);
   const auto known = _fetched.find(key);
   if (known != _fetched.end()) return known->second;
-  std::vector<CimClassDeclaration> declarations = _fetch(nameSpace, className);
+  Fetched fetched = _fetch(nameSpace, className);
   std::optional<CimClassDeclaration> one;
-  if (!declarations.empty()) one = unionOf(std::move(declarations));
+  if (!fetched.declarations.empty()) one = unionOf(std::move(fetched.declarations));
+  if (one.has_value() && !fetched.isComplete) _incomplete.insert(key);
   return _fetched.emplace(key, std::move(one)).first->second;
 }
 

@@ -18,8 +18,12 @@
 // Any thread may ask; those that ask at the same time wait for each other.
 class RemoteClasses {
  public:
-  // The declarations of a class, one for each server that has it. THROWS CQoriProviderException.
-  using Fetch = std::function<std::vector<CimClassDeclaration>(const QORString& nameSpace, const QORString& className)>;
+  struct Fetched {
+    std::vector<CimClassDeclaration> declarations;  // one for each server that has the class
+    bool isComplete = true;                         // no server was left out
+  };
+  // THROWS CQoriProviderException.
+  using Fetch = std::function<Fetched(const QORString& nameSpace, const QORString& className)>;
 
   // `hasServerNames`: classes gain the property __SERVER.
   RemoteClasses(Fetch fetch, bool hasServerNames) : _fetch(std::move(fetch)), _hasServerNames(hasServerNames) {}
@@ -33,6 +37,9 @@ class RemoteClasses {
   QORSmrPtr<IQoriClass> find(CimDeclarationSink& sink, const QORString& nameSpace, const QORString& className);
   // Servers are asked again for classes that none of them had.
   void forgetMissing();
+  // Forgets the classes of which servers were left out when they were fetched. Returns whether there were any: what
+  // was declared of them stays, so they are of use in a new sink only.
+  bool forgetIncomplete();
 
   static const char* const kServerProperty;  // "__SERVER"
 
@@ -45,6 +52,7 @@ class RemoteClasses {
   const bool _hasServerNames;
   std::recursive_mutex _mutex;                                         // guards what follows
   std::map<std::string, std::optional<CimClassDeclaration>> _fetched;  // by namespace and class in upper case
+  std::set<std::string> _incomplete;                                   // of those that were fetched
   std::set<std::string> _underWay;                                     // whose superclasses are being provided
 };
 

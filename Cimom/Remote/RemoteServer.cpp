@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "Cimom/CimXml/CimXmlException.h"
+#include "Cimom/Remote/RemoteNames.h"
 
 namespace {
 
@@ -19,7 +20,8 @@ enum Status : QORuint32 {
   kInvalidClass = 5,
   kNotFound = 6,
   kNotSupported = 7,
-  kLanguageNotSupported = 14
+  kLanguageNotSupported = 14,
+  kLimitsExceeded = 27
 };
 
 // Of queries, in the order in which they are tried.
@@ -51,6 +53,16 @@ void addPropertyList(CimXmlCall& call, const CIMApi::PropertyNames& names) {
   QORValSlistIterator<QORString> each(*names);
   while (++each) list.push_back(each.key());
   call.addTexts("PropertyList", list);
+}
+
+void askForDeclarations(CimXmlCall& call) {
+  call.addFlag("LocalOnly", true);
+  call.addFlag("IncludeQualifiers", true);
+  call.addFlag("IncludeClassOrigin", true);
+}
+
+std::string classKey(const QORString& nameSpace, const QORString& className) {
+  return std::string((QORString::toUpperCase(nameSpace) + ":" + QORString::toUpperCase(className)).view());
 }
 
 // What a reply in batches says besides its instances.
@@ -151,11 +163,10 @@ std::string RemoteServer::describe(const RemoteCall& record, const QORString& na
 
 std::optional<CimClassDeclaration> RemoteServer::getClass(const QORString& nameSpace, const QORString& className) {
   std::optional<CimClassDeclaration> found;
+  if (auto known = _fetched.extract(classKey(nameSpace, className)); !known.empty()) return std::move(known.mapped());
   const auto fill = [&className](CimXmlCall& call) {
     call.addClassName("ClassName", className);
-    call.addFlag("LocalOnly", true);
-    call.addFlag("IncludeQualifiers", true);
-    call.addFlag("IncludeClassOrigin", true);
+    askForDeclarations(call);
   };
   const auto read = [&found](CimXmlReply& reply, RemoteCall& record) {
     for (Item item = reply.next(); item != Item::End; item = reply.next()) {
@@ -172,6 +183,28 @@ std::optional<CimClassDeclaration> RemoteServer::getClass(const QORString& nameS
     return std::nullopt;
   }
   return found;
+}
+
+void RemoteServer::fetchClasses(const QORString& nameSpace) {
+  const auto fill = [](CimXmlCall& call) {
+    call.addFlag("DeepInheritance", true);
+    askForDeclarations(call);
+  };
+  const auto read = [&](CimXmlReply& reply, RemoteCall& record) {
+    for (Item item = reply.next(); item != Item::End; item = reply.next()) {
+      if (item != Item::Class) continue;
+      ++record.items;
+      const CimClassDeclaration& declaration = reply.classDeclaration();
+      _fetched.insert_or_assign(classKey(nameSpace, declaration.name), declaration);
+    }
+  };
+  try {
+    call(_declarations, "EnumerateClasses", nameSpace, {}, fill, read);
+  } catch (const RemoteStatusException&) {
+    return;
+  } catch (const RemoteReplyException&) {
+    return;
+  }
 }
 
 std::vector<QORString> RemoteServer::classNames(const QORString& nameSpace) {
@@ -206,31 +239,28 @@ std::vector<CimQualifierDeclaration> RemoteServer::qualifiers(const QORString& n
 bool RemoteServer::enumerateInstances(const QORString& nameSpace, const QORString& className,
                                       const CIMApi::PropertyNames& names, const Take& take) {
   if (!_pulls) return enumerateAtOnce(nameSpace, className, names, take);
-  try {
-    if (pullInstances(nameSpace, className, names, take)) return true;
-  } catch (const RemoteStatusException& status) {
-    if (status.getCode() != kInvalidClass) throw;
-    return false;
-  }
+  const Opening opening = pullInstances(nameSpace, className, names, take);
+  if (opening != Opening::UnknownOperation) return opening == Opening::Open;
   const bool isThere = enumerateAtOnce(nameSpace, className, names, take);
   _pulls = false;
   return isThere;
 }
 
-// False when the server does not know how to do it.
-bool RemoteServer::openEnumeration(const QORString& nameSpace, const QORString& className, const Fill& fill,
-                                   const Read& read) {
+RemoteServer::Opening RemoteServer::openEnumeration(const QORString& nameSpace, const QORString& className,
+                                                    const Fill& fill, const Read& read) {
   try {
     call(_instances, "OpenEnumerateInstances", nameSpace, className, fill, read);
   } catch (const RemoteStatusException& status) {
+    if (status.getCode() == kInvalidClass) return Opening::NoSuchClass;
     if (status.getCode() != kNotSupported && status.getCode() != kFailed) throw;
-    return false;
+    return Opening::UnknownOperation;
   }
-  return true;
+  return Opening::Open;
 }
 
-bool RemoteServer::pullInstances(const QORString& nameSpace, const QORString& className,
-                                 const CIMApi::PropertyNames& names, const Take& take) {
+// A status in the place of a later batch is a failure, whichever it is: the instances that came are not all.
+RemoteServer::Opening RemoteServer::pullInstances(const QORString& nameSpace, const QORString& className,
+                                                  const CIMApi::PropertyNames& names, const Take& take) {
   Batch batch;
   const auto read = [&](CimXmlReply& reply, RemoteCall& record) {
     batch = Batch();
@@ -248,7 +278,8 @@ bool RemoteServer::pullInstances(const QORString& nameSpace, const QORString& cl
     call.addText("EnumerationContext", batch.context);
     call.addNumber("MaxObjectCount", _options.batch);
   };
-  if (!openEnumeration(nameSpace, className, open, read)) return false;
+  const Opening opening = openEnumeration(nameSpace, className, open, read);
+  if (opening != Opening::Open) return opening;
   int empty = 0;
   while (!batch.isLast) {
     empty = batch.instances == 0 ? empty + 1 : 0;
@@ -264,7 +295,7 @@ bool RemoteServer::pullInstances(const QORString& nameSpace, const QORString& cl
       throw;
     }
   }
-  return true;
+  return Opening::Open;
 }
 
 // So that the server need not keep what nobody will ask for. One that does not answer is not kept waiting for: it
@@ -337,8 +368,9 @@ bool RemoteServer::execQuery(const QORString& nameSpace, const QORString& classN
 bool RemoteServer::getInstance(const QORString& nameSpace, const IQoriInstanceName& name,
                                const CIMApi::PropertyNames& names, const Take& take) {
   bool isThere = false;
+  const QORSmrPtr<IQoriInstanceName> there = remote::nameThere(name, nameSpace, nameSpaceFor(nameSpace));
   const auto fill = [&](CimXmlCall& call) {
-    call.addInstanceName("InstanceName", name);
+    call.addInstanceName("InstanceName", *there);
     call.addFlag("LocalOnly", false);
     call.addFlag("IncludeQualifiers", false);
     call.addFlag("IncludeClassOrigin", false);
@@ -359,4 +391,29 @@ bool RemoteServer::getInstance(const QORString& nameSpace, const IQoriInstanceNa
     return false;
   }
   return isThere;
+}
+
+void RemoteServer::references(const QORString& nameSpace, const IQoriInstanceName& source,
+                              const QORString& associationClass, const CIMApi::PropertyNames& names, const Take& take) {
+  const QORSmrPtr<IQoriInstanceName> there = remote::nameThere(source, nameSpace, nameSpaceFor(nameSpace));
+  const auto fill = [&](CimXmlCall& call) {
+    call.addInstanceName("ObjectName", *there);
+    call.addClassName("ResultClass", associationClass);
+    call.addFlag("IncludeQualifiers", false);
+    call.addFlag("IncludeClassOrigin", false);
+    addPropertyList(call, names);
+  };
+  const auto read = [&](CimXmlReply& reply, RemoteCall& record) {
+    Batch batch;
+    readInstances(reply, record, take, batch);
+  };
+  try {
+    call(_instances, "References", nameSpace, associationClass, fill, read);
+  } catch (const RemoteStatusException& status) {
+    if (status.getCode() != kInvalidClass && status.getCode() != kNotFound) throw;
+  }
+}
+
+bool RemoteServer::isUnwillingToList(const RemoteStatusException& status) {
+  return status.getCode() == kFailed || status.getCode() == kNotSupported || status.getCode() == kLimitsExceeded;
 }

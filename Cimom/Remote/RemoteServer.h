@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -88,6 +89,9 @@ class RemoteServer {
 
   // Declarations. None where the server has no such class.
   std::optional<CimClassDeclaration> getClass(const QORString& nameSpace, const QORString& className);
+  // Fetches all classes of the namespace, which getClass() then hands out; a server that does not tell them like this
+  // is asked for each as before.
+  void fetchClasses(const QORString& nameSpace);
   std::vector<QORString> classNames(const QORString& nameSpace);
   std::vector<CimQualifierDeclaration> qualifiers(const QORString& nameSpace);
 
@@ -104,6 +108,11 @@ class RemoteServer {
   // Returns whether there is such an instance.
   bool getInstance(const QORString& nameSpace, const IQoriInstanceName& name, const CIMApi::PropertyNames& names,
                    const Take& take);
+  // The instances of an association that refer to a source.
+  void references(const QORString& nameSpace, const IQoriInstanceName& source, const QORString& associationClass,
+                  const CIMApi::PropertyNames& names, const Take& take);
+  // A status that says of a class of associations that its instances are not listed.
+  static bool isUnwillingToList(const RemoteStatusException& status);
 
   // Whether instances are asked for in batches, as far as is known; for explanations.
   bool pullsInstances() const noexcept { return _pulls; }
@@ -120,9 +129,10 @@ class RemoteServer {
             const Read& read);
   void exchange(Line& line, const QORString& nameSpace, const Fill& fill, const Read& read, RemoteCall& record);
   static std::string describe(const RemoteCall& record, const QORString& nameSpace, std::string_view message);
-  bool openEnumeration(const QORString& nameSpace, const QORString& className, const Fill& fill, const Read& read);
-  bool pullInstances(const QORString& nameSpace, const QORString& className, const CIMApi::PropertyNames& names,
-                     const Take& take);
+  enum class Opening { Open, NoSuchClass, UnknownOperation };
+  Opening openEnumeration(const QORString& nameSpace, const QORString& className, const Fill& fill, const Read& read);
+  Opening pullInstances(const QORString& nameSpace, const QORString& className, const CIMApi::PropertyNames& names,
+                        const Take& take);
   bool enumerateAtOnce(const QORString& nameSpace, const QORString& className, const CIMApi::PropertyNames& names,
                        const Take& take);
   void askQuery(const QORString& nameSpace, const QORString& className, const char* language, const std::string& query,
@@ -134,8 +144,9 @@ class RemoteServer {
   const std::atomic<bool>& _isStopped;
   Line _declarations;
   Line _instances;
-  std::atomic<std::size_t> _language{0};  // of queries, the first that was not refused
-  std::atomic<bool> _pulls{true};         // until the server refuses it
+  std::map<std::string, CimClassDeclaration> _fetched;  // not handed out yet, by namespace and class in upper case
+  std::atomic<std::size_t> _language{0};                // of queries, the first that was not refused
+  std::atomic<bool> _pulls{true};                       // until the server refuses it
   std::atomic<QORuint64> _lastId{0};
 };
 

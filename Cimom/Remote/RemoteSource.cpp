@@ -6,10 +6,14 @@
 #include <utility>
 
 #include "Cimom/Embedded/Restrictor.h"
+#include "Cimom/Remote/RemoteNames.h"
 #include "Cimom/Remote/RemoteObjects.h"
 #include "cimom/CQoriInstanceName.h"
 
 namespace {
+
+// Calls for single classes of a namespace that is being walked through before all of them are fetched.
+constexpr std::size_t kFewClasses = 10;
 
 // Calls for single instances of a class before all of them are fetched.
 constexpr std::size_t kFewSingles = 3;
@@ -46,11 +50,12 @@ std::string queryOf(const CQoriClass& model, const CIMApi::PropertyNames& names,
   return "SELECT " + list + " FROM " + std::string(model.getClassName().view()) + " WHERE " + condition;
 }
 
-// The server that "//name/root/cimv2" names; empty when it names none.
-std::string_view serverOf(std::string_view nameSpace) {
-  if (!nameSpace.starts_with("//")) return {};
-  nameSpace.remove_prefix(2);
-  return nameSpace.substr(0, nameSpace.find('/'));
+OuterSource::Objects joined(std::vector<OuterSource::Objects>&& found) {
+  OuterSource::Objects all = found.empty() ? OuterSource::Objects() : std::move(found.front());
+  for (std::size_t i = 1; i < found.size(); ++i) {
+    all.insert(all.end(), std::make_move_iterator(found[i].begin()), std::make_move_iterator(found[i].end()));
+  }
+  return all;
 }
 
 }  // namespace
@@ -116,15 +121,28 @@ std::vector<std::size_t> RemoteSource::serversFor(const QORString& className) co
   return servers;
 }
 
-std::vector<CimClassDeclaration> RemoteSource::fetchClass(const QORString& nameSpace, const QORString& className) {
+// Whoever asks for one class after the other, having asked for their names, wants all of them.
+bool RemoteSource::wantsAllClasses(const QORString& nameSpace) {
+  const std::string key = fold(nameSpace);
+  const std::lock_guard lock(_mutex);
+  const auto names = _names.find(key);
+  return names != _names.end() && names->second.size() > kFewClasses && _classCalls[key]++ == kFewClasses;
+}
+
+RemoteClasses::Fetched RemoteSource::fetchClass(const QORString& nameSpace, const QORString& className) {
+  if (wantsAllClasses(nameSpace)) {
+    askEach(serversFor({}), [&](RemoteServer& server, std::size_t) { server.fetchClasses(nameSpace); });
+  }
   const std::vector<std::size_t> servers = serversFor({});
   std::vector<std::optional<CimClassDeclaration>> found(servers.size());
   askEach(servers, [&](RemoteServer& server, std::size_t i) { found[i] = server.getClass(nameSpace, className); });
-  std::vector<CimClassDeclaration> declarations;
+  RemoteClasses::Fetched fetched;
   for (std::optional<CimClassDeclaration>& one : found) {
-    if (one.has_value()) declarations.push_back(std::move(*one));
+    if (one.has_value()) fetched.declarations.push_back(std::move(*one));
   }
-  return declarations;
+  const std::lock_guard lock(_mutex);
+  fetched.isComplete = _failures.empty();
+  return fetched;
 }
 
 // Qualifiers are of use where classes are shown; a server that does not tell them is no failure.
@@ -163,7 +181,8 @@ std::vector<QORString> RemoteSource::classNames(const QORString& nameSpace) {
     }
   }
   const std::lock_guard lock(_mutex);
-  return _names.emplace(key, std::move(names)).first->second;
+  if (_failures.empty()) _names[key] = names;
+  return names;
 }
 
 OuterSource::Objects RemoteSource::instances(CimDeclarationSink& sink, const Request& request) {
@@ -177,11 +196,7 @@ OuterSource::Objects RemoteSource::instances(CimDeclarationSink& sink, const Req
     askServer(server, sink, spelled, objects);
     found[i] = std::move(objects);
   });
-  Objects all = found.empty() ? Objects() : std::move(found.front());
-  for (std::size_t i = 1; i < found.size(); ++i) {
-    all.insert(all.end(), std::make_move_iterator(found[i].begin()), std::make_move_iterator(found[i].end()));
-  }
-  return all;
+  return joined(std::move(found));
 }
 
 void RemoteSource::askServer(RemoteServer& server, CimDeclarationSink& sink, const Request& request, Objects& objects) {
@@ -241,9 +256,7 @@ QORSmrPtr<IQoriObject> RemoteSource::instance(CimDeclarationSink& sink, const Re
 
 QORSmrPtr<IQoriObject> RemoteSource::askForInstance(CimDeclarationSink& sink, const Request& request,
                                                     const IQoriInstanceName& name) {
-  const std::string_view wanted = serverOf(name.getNameSpacePath()->getNameSpace().view());
-  std::vector<std::size_t> servers = serversFor(name.getClassName());
-  std::erase_if(servers, [&](std::size_t i) { return !wanted.empty() && _servers[i]->name() != wanted; });
+  const std::vector<std::size_t> servers = serversOf(name, serversFor(name.getClassName()));
   const QORSmrPtr<IQoriInstanceName> given(
       new CQoriInstanceName(name.getClassName(), name.getKeys(), name.getNameSpacePath()));
   Objects found(servers.size());
@@ -258,6 +271,51 @@ QORSmrPtr<IQoriObject> RemoteSource::askForInstance(CimDeclarationSink& sink, co
   return first == found.end() ? QORSmrPtr<IQoriObject>() : *first;
 }
 
+// Of these, the one that a path names; all of them where it names none.
+std::vector<std::size_t> RemoteSource::serversOf(const IQoriInstanceName& name,
+                                                 std::vector<std::size_t> servers) const {
+  const QORString& nameSpace = name.getNameSpacePath()->getNameSpace();
+  const std::string_view wanted = remote::serverOf(nameSpace.view());
+  std::erase_if(servers, [&](std::size_t i) { return !wanted.empty() && _servers[i]->name() != wanted; });
+  return servers;
+}
+
+// A server that does not list an association's instances may tell those of each source.
+OuterSource::Associations RemoteSource::associations(CimDeclarationSink& sink, const Request& request) {
+  const std::string key = fold(request.className);
+  const std::vector<std::size_t> servers = serversFor(request.className);
+  std::vector<Objects> found(servers.size());
+  askEach(servers, [&](RemoteServer& server, std::size_t i) {
+    try {
+      askServer(server, sink, request, found[i]);
+    } catch (const RemoteStatusException& status) {
+      if (!RemoteServer::isUnwillingToList(status)) throw;
+      found[i].clear();
+      const std::lock_guard lock(_mutex);
+      _unlisted[key].insert(servers[i]);
+    }
+  });
+  const std::lock_guard lock(_mutex);
+  return {joined(std::move(found)), !_unlisted.contains(key)};
+}
+
+OuterSource::Objects RemoteSource::references(CimDeclarationSink& sink, const Request& request,
+                                              const IQoriInstanceName& source) {
+  std::vector<std::size_t> servers = serversOf(source, serversFor(request.className));
+  {
+    const std::lock_guard lock(_mutex);
+    const std::set<std::size_t>& unlisted = _unlisted[fold(request.className)];
+    std::erase_if(servers, [&](std::size_t i) { return !unlisted.contains(i); });
+  }
+  std::vector<Objects> found(servers.size());
+  askEach(servers, [&](RemoteServer& server, std::size_t i) {
+    RemoteObjects maker(server, _classes, sink, request.nameSpace, request.className);
+    server.references(request.nameSpace, source, request.className, namesFor(server, request.names),
+                      [&](CimXmlInstance& instance) { found[i].push_back(maker.make(instance)); });
+  });
+  return joined(std::move(found));
+}
+
 void RemoteSource::beginStatement() {
   _classes.forgetMissing();
   static_cast<void>(_calls.take());
@@ -266,6 +324,7 @@ void RemoteSource::beginStatement() {
   _untold.clear();
   _singles.clear();
   _only.clear();
+  _unlisted.clear();
   _conditions.clear();
 }
 

@@ -43,6 +43,8 @@ class RemoteSource final : public OuterSource {
   Objects instances(CimDeclarationSink& sink, const Request& request) override;
   QORSmrPtr<IQoriObject> instance(CimDeclarationSink& sink, const Request& request,
                                   const IQoriInstanceName& name) override;
+  Associations associations(CimDeclarationSink& sink, const Request& request) override;
+  Objects references(CimDeclarationSink& sink, const Request& request, const IQoriInstanceName& source) override;
 
   // The rest is for whoever runs statements, on the thread that does.
 
@@ -50,6 +52,9 @@ class RemoteSource final : public OuterSource {
   void setStopRequest(RemoteParallel::StopRequest request) { _parallel.setStopRequest(std::move(request)); }
   // All servers are asked again, for any class.
   void beginStatement();
+  // Whether classes were declared that servers which failed may have more of; they are fetched again from now on. What
+  // has their declarations does not change: then it is time for a new object manager.
+  bool forgetIncompleteClasses() { return _classes.forgetIncomplete(); }
   // The messages of the servers that failed since.
   std::vector<std::string> takeFailures();
   std::vector<RemoteCall> takeCalls() { return _calls.take(); }
@@ -75,7 +80,9 @@ class RemoteSource final : public OuterSource {
   void askEach(const std::vector<std::size_t>& servers, const Work& work);
   void settle(const std::vector<std::size_t>& asked, const Failures& failures);
   std::vector<std::size_t> serversFor(const QORString& className) const;
-  std::vector<CimClassDeclaration> fetchClass(const QORString& nameSpace, const QORString& className);
+  std::vector<std::size_t> serversOf(const IQoriInstanceName& name, std::vector<std::size_t> servers) const;
+  RemoteClasses::Fetched fetchClass(const QORString& nameSpace, const QORString& className);
+  bool wantsAllClasses(const QORString& nameSpace);
   void askServer(RemoteServer& server, CimDeclarationSink& sink, const Request& request, Objects& objects);
   QORSmrPtr<IQoriObject> askForInstance(CimDeclarationSink& sink, const Request& request,
                                         const IQoriInstanceName& name);
@@ -92,10 +99,12 @@ class RemoteSource final : public OuterSource {
   mutable std::mutex _mutex;                     // guards what follows
   std::map<std::size_t, std::string> _failures;  // of servers that are left out
   std::vector<std::string> _untold;
-  std::map<std::string, std::vector<QORString>> _names;  // of classes, by namespace in upper case
-  std::map<std::string, Singles> _singles;               // by class and properties
-  std::map<std::string, std::set<std::string>> _only;    // by class in upper case
-  std::map<std::string, std::string> _conditions;        // by class in upper case
+  std::map<std::string, std::vector<QORString>> _names;    // of classes, by namespace in upper case
+  std::map<std::string, std::size_t> _classCalls;          // by namespace in upper case, since its names are known
+  std::map<std::string, Singles> _singles;                 // by class and properties
+  std::map<std::string, std::set<std::string>> _only;      // by class in upper case
+  std::map<std::string, std::set<std::size_t>> _unlisted;  // servers that tell associations for each source alone
+  std::map<std::string, std::string> _conditions;          // by class in upper case
 };
 
 #endif

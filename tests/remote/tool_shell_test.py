@@ -56,6 +56,15 @@ class Shell(ToolCase):
         self.type(".classes\n", "EnumerateClassNames in root/cimv2")
         self.quit()
 
+    def test_names_of_a_server_that_failed_are_there_later(self):
+        other = self.serve(self.write("more.mof", "Qualifier Key : boolean = false, Scope(property);\n"
+                                      "class V_More { [Key] string Id; };\n"))
+        self.fail_with(other, "500", "EnumerateClassNames", times=1)
+        self.start(self.serve(), "--server", f"other={other.url}")
+        self.assertNotIn("V_More", self.type(".classes\n", "stands without this one"))
+        self.type(".classes\n", "V_More")
+        self.quit()
+
     def test_interrupt_ends_a_call(self):
         server = self.serve()
         self.fail_with(server, "silence", "OpenEnumerateInstances")

@@ -94,6 +94,10 @@ class Operations:
             raise Status(self.behaviour.refused[call.operation], f"{call.operation} is refused")
         if call.operation.startswith(("Open", "Pull", "Close")) and self.behaviour.pull_status:
             raise Status(self.behaviour.pull_status, "this server has no pull operations")
+        if call.operation in ("OpenEnumerateInstances", "EnumerateInstances"):
+            unlisted = self.behaviour.unlisted.get(call.class_name.lower())
+            if unlisted:
+                raise Status(unlisted, f"instances of {call.class_name} are not listed")
         if call.namespace.lower() not in self.model.namespaces:
             raise Status(INVALID_NAMESPACE, f"there is no namespace {call.namespace}")
         if call.operation.startswith("Open"):
@@ -149,6 +153,10 @@ class Operations:
             raise Status(INVALID_PARAMETER, f"{call.operation} needs {parameter}")
         if next(element.iter("INSTANCENAME"), None) is None:
             raise Status(NOT_SUPPORTED, f"this server has no {call.operation} of classes")
+        for path in element.iter("LOCALNAMESPACEPATH"):
+            namespace = "/".join(step.get("NAME") for step in path)
+            if namespace.lower() not in self.model.namespaces:
+                raise Status(INVALID_NAMESPACE, f"there is no namespace {namespace}")
         key = name_key(element)
         if key[0] not in self.namespace(call).classes:
             raise Status(INVALID_CLASS, f"there is no class {key[0]}")

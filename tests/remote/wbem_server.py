@@ -44,6 +44,7 @@ class Behaviour:
     content_type: str = 'application/xml; charset="utf-8"'
     pull_status: int = 0            # the status that pull operations are refused with, as 7 or 1
     refused: dict = dataclasses.field(default_factory=dict)  # operation: status
+    unlisted: dict = dataclasses.field(default_factory=dict)  # class in lower case: status in place of its instances
     most_objects: int = 1 << 30     # of one reply to a pull
     context_seconds: float = 30
     queries: tuple = ()             # the query languages that ExecQuery knows; none: it is not supported

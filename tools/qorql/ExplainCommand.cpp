@@ -110,7 +110,7 @@ std::vector<std::string> notesOn(const std::vector<Step>& steps, Session& sessio
                                  const SessionOptions& options) {
   std::vector<std::string> notes;
   if (session.servers() != nullptr) {
-    const ServerPlan plan(parsed.query(), parsed.statement().text);
+    const ServerPlan plan(parsed.query(), parsed.statement().text, session.manager(), options.nameSpace);
     notes = remoteNotes(*session.servers(), options.servers, plan, steps);
   }
   for (std::string& note : roleNotes(session.manager(), QORString(options.nameSpace), steps)) {

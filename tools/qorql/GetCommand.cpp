@@ -30,7 +30,8 @@ constexpr const char* kFooter =
     "\n"
     "Examples:\n"
     "  qorql get 'Linux_Process.Handle=\"1\"'\n"
-    "  qorql get -o json 'root/cimv2:Linux_User.Name=\"root\"'";
+    "  qorql get -o json 'root/cimv2:Linux_User.Name=\"root\"'\n"
+    "  qorql get --server array1 '//array1/root/cimv2:CIM_StoragePool.InstanceID=\"1\"'";
 
 enum class Form { Mof, Json };
 const std::map<std::string, Form> kForms = {{"mof", Form::Mof}, {"json", Form::Json}};
@@ -91,6 +92,10 @@ std::string withQuotes(std::string_view path, bool areNumbersToo) {
   return quoted;
 }
 
+std::vector<std::string> serversOf(Session& session) {
+  return session.servers() == nullptr ? std::vector<std::string>() : session.servers()->serverNames();
+}
+
 // A shell takes double quotes away that no single ones enclose: what the path is with them, where it is one then.
 std::string meantPath(Session& session, const GetOptions& options) {
   const bool mayLackQuotes = options.path.find('"') == std::string::npos && options.path.find('=') != std::string::npos;
@@ -98,7 +103,7 @@ std::string meantPath(Session& session, const GetOptions& options) {
     if (!mayLackQuotes) break;
     try {
       const std::string quoted = withQuotes(options.path, areNumbersToo);
-      readInstancePath(session.manager(), quoted, options.session.nameSpace);
+      readInstancePath(session.manager(), quoted, options.session.nameSpace, serversOf(session));
       return quoted;
     } catch (const std::runtime_error&) {
       continue;
@@ -126,9 +131,12 @@ int get(const GetOptions& options) {
   }
   InstancePath path;
   try {
-    path = readInstancePath(session.manager(), options.path, options.session.nameSpace);
+    path = readInstancePath(session.manager(), options.path, options.session.nameSpace, serversOf(session));
+    if (!path.server.empty()) session.servers()->askOnly(path.className, {path.server});
   } catch (const std::runtime_error& refusal) {
     return refusePath(session, options, refusal);
+  } catch (const QoriBaseException&) {
+    return reportFailure({});
   }
   int status = kExitDone;
   try {

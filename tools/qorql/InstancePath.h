@@ -12,13 +12,16 @@ struct InstancePath {
   QORString nameSpace;
   QORString className;
   std::vector<CimInstanceProperty> keys;  // those given, as values of their declared types
+  std::string server;                     // of the given ones, that the path names; empty: none
 };
 
-// Reads `[namespace:]Class.Key="v",Key2=2`; not all keys need be given. THROWS std::runtime_error for a text that is no
-// path, an unknown class or key, and a value that does not suit its key.
-InstancePath readInstancePath(EmbeddedObjectManager& manager, const std::string& text, const std::string& nameSpace);
+// Reads `[[//server/]namespace:]Class.Key="v",Key2=2`; not all keys need be given. THROWS std::runtime_error for a text
+// that is no path, a host that is none of the servers, an unknown class or key, and a value that does not suit its key.
+InstancePath readInstancePath(EmbeddedObjectManager& manager, const std::string& text, const std::string& nameSpace,
+                              const std::vector<std::string>& servers);
 
-// The names of the instances of the class, derived classes included, that have the given keys. THROWS what
+// The names of the instances of the class, derived classes included, that have the given keys and are of the server, if
+// the path names one. THROWS what
 // enumerating throws. REQUIRES the current object manager.
 std::vector<QORSmrPtr<IQoriInstanceName>> instancesAt(const InstancePath& path);
 

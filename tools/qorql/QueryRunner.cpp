@@ -120,17 +120,23 @@ struct QueryRunner::Execution {
 
 void QueryRunner::run(const Statement& statement) {
   Execution execution(statement, _output.timeout);
+  _session.renew();
   _session.manager().resetStatistics();
   const ServerWatch watch(_session.servers(), execution.monitor);
   try {
     runWatched(execution);
   } catch (const CQoriProviderException& failure) {
+    if (_output.hasStatistics) printRemoteCalls();
     if (!execution.monitor.isLate()) throw;
     throw CQoriProviderException(failure.getWho(), failure.getMessage() + QORString(execution.monitor.lateness()),
                                  failure.getCode());
   }
   if (!_output.hasStatistics) return;
   printStatistics(execution);
+  printRemoteCalls();
+}
+
+void QueryRunner::printRemoteCalls() {
   if (_session.servers() != nullptr) printCalls(std::cerr, _session.servers()->takeCalls());
 }
 
@@ -139,7 +145,8 @@ void QueryRunner::runWatched(Execution& execution) {
   parse(execution);
   tellOfPassedOver(execution);
   if (RemoteSource* const servers = _session.servers()) {
-    ServerPlan(execution.parsed.query(), execution.statement).applyTo(*servers, _options.servers.pushesDown);
+    ServerPlan(execution.parsed.query(), execution.statement, _session.manager(), _options.nameSpace)
+        .applyTo(*servers, _options.servers.pushesDown);
   }
   if (isWarning()) printWarnings(std::cerr, standardErrorShape(), statement, warningsOf(execution));
   if (formOf(execution) == OutputForm::Arrow && standardOutputShape().isTerminal) refuseTerminal();

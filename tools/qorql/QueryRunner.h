@@ -48,6 +48,7 @@ class QueryRunner {
   void execute(Execution& execution);
   void print(Execution& execution);
   void printStatistics(const Execution& execution);
+  void printRemoteCalls();
   OutputForm formOf(const Execution& execution) const;
   std::vector<std::string> keysOf(const QORString& className);
   std::vector<QORString> declaredProperties(const QORString& className) const;

@@ -5,8 +5,10 @@
 #include <ini.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cstdlib>
 #include <filesystem>
+#include <optional>
 #include <sstream>
 #include <stdexcept>
 
@@ -59,9 +61,33 @@ std::string takeUser(std::string_view& authority) {
   return percentDecoded(user);
 }
 
-bool hasPort(std::string_view host) {
+// What follows the host's colon; nothing where there is none.
+std::optional<std::string_view> portOf(std::string_view host) {
   const std::size_t bracket = host.rfind(']');
-  return host.find(':', bracket == std::string_view::npos ? 0 : bracket) != std::string_view::npos;
+  const std::size_t colon = host.find(':', bracket == std::string_view::npos ? 0 : bracket);
+  if (colon == std::string_view::npos) return std::nullopt;
+  return host.substr(colon + 1);
+}
+
+bool isPort(std::string_view text) {
+  unsigned number = 0;
+  const std::from_chars_result read = std::from_chars(text.data(), text.data() + text.size(), number);
+  return read.ec == std::errc() && read.ptr == text.data() + text.size() && number >= 1 && number <= 65535;
+}
+
+// A password with / ? or # ends what a URL says about its host, and the rest of it stands where nobody looks for a
+// password. What is wrong is not shown, since it may be one.
+void requireHost(std::string_view authority, std::string_view rest) {
+  if (rest.find('@') != std::string_view::npos) {
+    refuse(
+        "the URL of a server has an @ behind its host; the signs / ? # @ of a user are written as %2F %3F %23 %40, and "
+        "a password does not belong into a URL");
+  }
+  if (authority.empty() || authority.front() == ':') refuse("the URL of a server names no host");
+  const std::optional<std::string_view> port = portOf(authority);
+  if (port && !isPort(*port)) {
+    refuse("what follows the host's colon in the URL of a server is not a port, a number from 1 to 65535");
+  }
 }
 
 // Without a port the one that the protocol has for servers of CIM; without a path the usual one.
@@ -74,13 +100,13 @@ void readUrl(std::string_view text, ServerAddress& out) {
   }
   text.remove_prefix(mark + kMark.size());
   const std::size_t slash = std::min(text.find_first_of("/?#"), text.size());
+  const std::string_view rest = text.substr(slash);
   std::string_view authority = text.substr(0, slash);
   const std::string user = takeUser(authority);
   if (!user.empty()) out.user = user;
-  if (authority.empty() || authority.front() == ':') refuse("the URL of a server names no host");
-  const std::string path =
-      slash == text.size() || text.substr(slash) == "/" ? "/cimom" : std::string(text.substr(slash));
-  const std::string port = hasPort(authority) ? "" : isSecure ? ":5989" : ":5988";
+  requireHost(authority, rest);
+  const std::string path = rest.empty() || rest == "/" ? "/cimom" : std::string(rest);
+  const std::string port = portOf(authority) ? "" : isSecure ? ":5989" : ":5988";
   out.url = std::string(isSecure ? "https" : "http") + std::string(kMark) + std::string(authority) + port + path;
   if (out.name.empty()) out.name = std::string(authority);
 }

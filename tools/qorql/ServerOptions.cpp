@@ -74,7 +74,24 @@ RemoteServerOptions serverOf(const ServerAddress& address, const ServerOptions& 
   return server;
 }
 
+// "127.0.0.1" of "http://127.0.0.1:5988/cimom".
+std::string_view hostOf(std::string_view url) {
+  constexpr std::string_view kMark = "://";
+  url.remove_prefix(url.find(kMark) + kMark.size());
+  url = url.substr(0, url.find('/'));
+  return url.starts_with('[') ? url.substr(0, url.find(']') + 1) : url.substr(0, url.find(':'));
+}
+
+bool isThisMachine(std::string_view host) {
+  return host == "[::1]" || host.starts_with("127.") || QORString::equalIgnoringCase(host, "localhost");
+}
+
 void tellOfRisks(const RemoteServerOptions& server) {
+  const bool hasUser = !server.endpoint.credentials->user().empty();
+  if (hasUser && server.endpoint.url.starts_with("http:") && !isThisMachine(hostOf(server.endpoint.url))) {
+    std::cerr << "qorql: warning: user and password go to " << printableText(server.name)
+              << " over http:// as they are; whoever is between can read them\n";
+  }
   if (!server.endpoint.isInsecure || !server.endpoint.url.starts_with("https:")) return;
   std::cerr << "qorql: warning: --insecure: the certificate of " << printableText(server.name)
             << " is not checked; whoever is between can read and change what is said, the password too\n";

@@ -80,9 +80,20 @@ std::string literalText(const IQoriValue& literal, QORQL_Operator op) {
   return scalar.kind == QoriScalarKind::Text && isPlain && op == QORQL_OperatorEQUAL ? "'" + text + "'" : "";
 }
 
+bool isNumberType(CQoriType::Code code) { return code <= CQoriType::Code::Real64; }
+
+// Texts are compared as such by servers: "TRUE" with a boolean, or an instant with the same one of another offset,
+// would leave out instances that are wanted.
+bool isComparedAlike(const CimPropertyDeclaration& property, const IQoriValue& literal) {
+  if (property.type->isArray()) return false;
+  const CQoriType::Code code = CQoriType::codeOf(*property.type);
+  return literal.scalar().kind == QoriScalarKind::Text ? code == CQoriType::Code::String : isNumberType(code);
+}
+
 class Reader {
  public:
-  Reader(const FromNames& from, ServerPlan& plan) : _from(from), _plan(plan) {}
+  Reader(const FromNames& from, const EmbeddedObjectManager& manager, const std::string& nameSpace, ServerPlan& plan)
+      : _from(from), _manager(manager), _nameSpace(nameSpace), _plan(plan) {}
 
   void read(const QORQL_Evaluatable* node) {
     node = QORQL_peel(node);
@@ -112,8 +123,19 @@ class Reader {
       if (op == QORQL_OperatorEQUAL) restrict(className, std::string(literal.getLiteral()->toString().view()));
       return;
     }
+    if (!isUnderstood(className, name, *literal.getLiteral())) return;
     std::string& conditions = _plan.conditions[className];
     conditions += (conditions.empty() ? "" : " AND ") + std::string(name.view()) + ' ' + sign + ' ' + text;
+  }
+
+  bool isUnderstood(const std::string& className, const QORString& name, const IQoriValue& literal) {
+    auto known = _properties.find(className);
+    if (known == _properties.end()) {
+      known = _properties.emplace(className, _manager.allProperties(QORString(_nameSpace), QORString(className))).first;
+    }
+    return std::any_of(known->second.begin(), known->second.end(), [&](const CimPropertyDeclaration& property) {
+      return property.name.isEqualCaseInsensitive(name) && isComparedAlike(property, literal);
+    });
   }
 
   // The class of a FROM name; empty where FROM has the class more than once.
@@ -137,17 +159,21 @@ class Reader {
   }
 
   const FromNames& _from;
+  const EmbeddedObjectManager& _manager;
+  const std::string& _nameSpace;
   ServerPlan& _plan;
+  std::map<std::string, std::vector<CimPropertyDeclaration>> _properties;  // by class
 };
 
 }  // namespace
 
-ServerPlan::ServerPlan(const QORQL_Query& query, const std::string& text) {
+ServerPlan::ServerPlan(const QORQL_Query& query, const std::string& text, const EmbeddedObjectManager& manager,
+                       const std::string& nameSpace) {
   if (query.getWhereClause().IsNull()) return;
   const auto& where = dynamic_cast<const QORQL_WhereClause&>(*query.getWhereClause());
   if (where.getExpression().IsNull() || hasOuterJoin(where.getExpression())) return;
   const FromNames from(query, text);
-  Reader(from, *this).read(where.getExpression().Get());
+  Reader(from, manager, nameSpace, *this).read(where.getExpression().Get());
 }
 
 void ServerPlan::applyTo(RemoteSource& source, bool pushesDown) const {

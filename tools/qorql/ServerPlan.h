@@ -7,6 +7,7 @@
 #include <set>
 #include <string>
 
+#include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "Cimom/Remote/RemoteSource.h"
 
 class QORQL_Query;
@@ -17,8 +18,10 @@ struct ServerPlan {
   std::map<std::string, std::set<std::string>> servers;  // the names that __SERVER = '...' gives
   std::map<std::string, std::string> conditions;         // "Level > 3 AND Name = 'x'", as servers understand it
 
-  // Of a parsed statement; `text` is the one that was parsed.
-  ServerPlan(const QORQL_Query& query, const std::string& text);
+  // Of a parsed statement; `text` is the one that was parsed. The classes tell which conditions servers can be
+  // given. THROWS as the object manager.
+  ServerPlan(const QORQL_Query& query, const std::string& text, const EmbeddedObjectManager& manager,
+             const std::string& nameSpace);
 
   // Until the next statement begins. The conditions are sent when the servers are to filter first.
   void applyTo(RemoteSource& source, bool pushesDown) const;

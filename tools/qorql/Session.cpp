@@ -217,7 +217,8 @@ void Session::loadMore(const std::string& path, const std::string& nameSpace) {
     if (!hasLiveClasses() && !_options.isLenient) throw;
     const std::exception_ptr refusal = std::current_exception();
     try {
-      openAnew({path, nameSpace});
+      const MorePath last{path, nameSpace};
+      openAnew(&last);
     } catch (const QoriBaseException&) {
       dropWarnings();
       if (_options.isLenient) throw;
@@ -228,6 +229,10 @@ void Session::loadMore(const std::string& path, const std::string& nameSpace) {
   printWarnings();
 }
 
+void Session::renew() {
+  if (_servers != nullptr && _servers->forgetIncompleteClasses()) openAnew(nullptr);
+}
+
 MofFaults Session::loadFile(EmbeddedObjectManager& manager, const MorePath& file) const {
   MofLoader loader(manager.sink(), QORString(file.nameSpace));
   prepare(loader);
@@ -236,14 +241,14 @@ MofFaults Session::loadFile(EmbeddedObjectManager& manager, const MorePath& file
 }
 
 // The faults of what was loaded before have been told.
-void Session::openAnew(const MorePath& last) {
+void Session::openAnew(const MorePath* last) {
   std::unique_ptr<EmbeddedObjectManager> fresh = makeManager();
   loadConfiguration(*fresh);
   loadMof(*fresh);
   const Activity activity("loading MOF");
   const ProgressLine progress(!_options.isQuiet, activity);
   for (const MorePath& more : _more) loadFile(*fresh, more);
-  tellOfFaults(loadFile(*fresh, last));
+  if (last != nullptr) tellOfFaults(loadFile(*fresh, *last));
   if (hasLiveClasses()) addLiveClasses(*fresh);
   fresh->makeCurrent();
   _manager = std::move(fresh);

@@ -42,7 +42,11 @@ class Session {
   // Tells of servers that were left out since they failed. Returns `status`, or the one for that where it was done.
   int settle(int status);
 
-  // Until loadMore() is called the next time.
+  // Before a statement: takes a new object manager where servers that failed may know more of the classes that were
+  // declared without them. THROWS as open().
+  void renew();
+
+  // Until loadMore() or renew() is called the next time.
   EmbeddedObjectManager& manager() { return *_manager; }
 
   // Loads MOF into an open session. Where live classes do not fit beside it,
@@ -76,7 +80,7 @@ class Session {
   void loadMofOver(const char* commonMof, const MofException& alone);
   void loadLeniently(const char* commonMof);
   void addLiveClasses(EmbeddedObjectManager& manager);
-  void openAnew(const MorePath& last);
+  void openAnew(const MorePath* last);
   void requireNamespace(bool hasCommonMof) const;
 
   const SessionOptions _options;

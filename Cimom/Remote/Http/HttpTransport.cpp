@@ -130,6 +130,7 @@ class HttpExchange final : public RemoteExchange {
     set(CURLOPT_PROTOCOLS_STR, "http,https");
     set(CURLOPT_FOLLOWLOCATION, 0L);
     set(CURLOPT_NOSIGNAL, 1L);
+    set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);  // what a proxy says is not the server's reply
     set(CURLOPT_POST, 1L);
     set(CURLOPT_POSTFIELDS, _post.body.c_str());
     set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(_post.body.size()));
