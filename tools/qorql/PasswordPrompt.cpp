@@ -1,6 +1,6 @@
 // The terminal is asked itself: standard input may be a file of statements. Ctrl-C comes as the end of a line, since
-// the thread that waits takes no signals; it becomes one when the terminal is as it was. SPDX-License-Identifier:
-// Apache-2.0
+// the thread that waits takes no signals; it becomes one when the terminal is as it was.
+// SPDX-License-Identifier: Apache-2.0
 #include "PasswordPrompt.h"
 
 #include <fcntl.h>
