@@ -32,12 +32,14 @@ struct DigitReader {
   const char* text;
   unsigned wrong = 0;  // not 0 once a character was no digit
 
+  // The digit there. Never beyond what text holds: REQUIRES a place in it.
   unsigned one(std::size_t at) noexcept {
     const unsigned digit = static_cast<unsigned>(static_cast<unsigned char>(text[at])) - unsigned{'0'};
     wrong |= digit > 9 ? 1U : 0U;
     return digit;
   }
   unsigned two(std::size_t at) noexcept { return one(at) * 10 + one(at + 1); }
+  // As a year is written; one and two read the other fields.
   unsigned four(std::size_t at) noexcept { return two(at) * 100 + two(at + 2); }
 };
 

@@ -80,7 +80,7 @@ QUERIES = {
     "aggregates": lambda n: (MODEL, "SELECT " + ", ".join(f"SUM(Id) AS a{i}" for i in range(n)) + " FROM C"),
     "one class often": lambda n: (MODEL, "SELECT C.Id FROM " + chain("C", ", ", n)),
     "sort key": lambda n: (MODEL, "SELECT Id FROM C ORDER BY " + chain("Id", " + ", n) + " DESC"),
-    "dots": where(lambda n: "C" + ".Text" * n + " = 1"),
+    "dots": where(lambda n: "C.Text" + ".Text" * n + " = 1"),  # one step is a property, and no error
     "blanks": lambda n: (MODEL, "SELECT Id FROM C WHERE" + " \n\t" * n + "Id = 1"),
     "unknown bytes": lambda n: (MODEL, "SELECT Id FROM C WHERE Id = 1" + "?" * n),
     "literal": where(lambda n: "'" + "x" * n + "' = Text"),

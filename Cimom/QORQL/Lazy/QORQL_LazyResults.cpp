@@ -5,13 +5,17 @@
 #include <utility>
 
 #include "Cimom/QORQL/QORQL_SelectList.h"
+#include "Cimom/QORQL/QORQL_Text.h"
 #include "cimom/CQoriProperty.h"
 
-QORsint32 QORQL_LazyResults::find(const QORString& id) const noexcept {
-  for (std::size_t i = 0; i < _functions.size(); ++i) {
-    if (_functions[i].id.isEqualCaseInsensitive(id)) return static_cast<QORsint32>(i);
-  }
-  return -1;
+void QORQL_LazyResults::add(Function&& function) {
+  _numbers.emplace(QORQL_foldedName(function.id), static_cast<QORsint32>(_functions.size()));
+  _functions.push_back(std::move(function));
+}
+
+QORsint32 QORQL_LazyResults::find(const QORString& id) const {
+  const auto found = _numbers.find(QORQL_foldedName(id));
+  return found == _numbers.end() ? -1 : found->second;
 }
 
 QORSmrPtr<IQoriValue> QORQL_LazyResults::value(std::size_t function, const QORQL_RowView& row) const {

@@ -5,6 +5,8 @@
 #define QORQL_LAZYRESULTS_H
 
 #include <memory>
+#include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "Cimom/QORQL/Lazy/QORQL_BoundExpression.h"
@@ -21,9 +23,9 @@ class QORQL_LazyResults {
     std::vector<QORSmrPtr<IQoriValue>> values;      // by row, where they were
   };
 
-  void add(Function&& function) { _functions.push_back(std::move(function)); }
+  void add(Function&& function);
   // The number of the function of that id, ignoring case; -1 when there is none.
-  QORsint32 find(const QORString& id) const noexcept;
+  QORsint32 find(const QORString& id) const;
   // Null for a function without a value on the row, which must have been selected by its block.
   QORSmrPtr<IQoriValue> value(std::size_t function, const QORQL_RowView& row) const;
   // The VALUES object of the row, a new one each time.
@@ -32,7 +34,8 @@ class QORQL_LazyResults {
   void reorder(const std::vector<QORuint32>& rows);
 
  private:
-  std::vector<Function> _functions;  // in entry order
+  std::vector<Function> _functions;                     // in entry order
+  std::unordered_map<std::string, QORsint32> _numbers;  // by id without regard to case
 };
 
 #endif
