@@ -1,8 +1,10 @@
 """The commands of the document about servers run as they stand there, with servers of the tests in place of those named."""
 # SPDX-License-Identifier: Apache-2.0
+import json
 import os
 import re
 import shlex
+import subprocess
 import unittest
 
 import remotecase
@@ -41,6 +43,77 @@ class Document(ToolCase):
             done = self.run_tool(*words)
             self.assertEqual((done.status, done.err), (0, ""), command)
             self.assertTrue(done.out, command)
+
+    def block(self, language, contains):
+        with open(DOCUMENT, encoding="utf-8") as document:
+            found = re.findall(rf"^```{language}\n(.*?)^```$", document.read(), re.MULTILINE | re.DOTALL)
+        return next(text for text in found if contains in text)
+
+    def nightly(self):
+        """The script of the fleet with what it needs, in a folder of the test; runs it when it is called."""
+        def local(text):
+            text = text.replace("/etc/qorql", self.folder).replace("/var/spool/qorql", os.path.join(self.folder, "spool"))
+            for number, server in enumerate(self.fleet, 1):
+                text = text.replace(f"https://monitor@array{number}.example.org", f"http://monitor@127.0.0.1:{server.port}")
+            return text
+        os.makedirs(os.path.join(self.folder, "spool"))
+        os.makedirs(os.path.join(self.folder, "bin"))
+        os.symlink(toolcase.TOOL, os.path.join(self.folder, "bin", "qorql"))
+        self.write("servers.txt", local(self.block("servers", "array1")))
+        self.write("nightly.txt", self.block("sql", "__SERVER"))
+        self.write("password", "secret\n")
+        script = self.write("nightly", local(self.block("shell", "--servers")))
+        path = os.path.join(self.folder, "bin") + ":" + os.environ["PATH"]
+        return lambda: subprocess.run(["sh", script], capture_output=True, check=False, timeout=60, cwd=self.folder,
+                                      env={**self.environment(), "PATH": path})
+
+    def answers(self):
+        spool = os.path.join(self.folder, "spool")
+        self.assertFalse([name for name in os.listdir(spool) if name.endswith(".new")])
+        lines = []
+        for name in sorted(os.listdir(spool)):
+            self.assertRegex(name, r"^\d{4}-\d\d-\d\d\.jsonl$")
+            with open(os.path.join(spool, name), encoding="utf-8") as file:
+                lines += [json.loads(line) for line in file]
+        return lines
+
+    def test_fleet(self):
+        self.fleet = [self.serve(STORAGE, users={"monitor": "secret"}) for _ in range(2)]
+        run = self.nightly()
+        done = run()
+        self.assertEqual((done.returncode, done.stdout, done.stderr), (0, b"", b""))
+        rows = self.answers()
+        self.assertEqual({row["__SERVER"] for row in rows}, {"array1", "array2"})
+        self.assertEqual(list(rows[0]), ["__SERVER", "Name", "BYTES", "ThinlyProvisioned"])
+        self.judge_with_duckdb(rows)
+
+    def judge_with_duckdb(self, rows):
+        node = os.environ.get("QORQL_NODE", "")
+        if not os.path.exists(os.path.join(node, "installed.json")):
+            self.skipTest("the engines are not installed")
+        script = os.path.join(node, "nightly.mjs")
+        with open(script, "w", encoding="utf-8") as file:
+            file.write(self.block("js", "DuckDBInstance"))
+        done = subprocess.run(["node", script], cwd=os.path.join(self.folder, "spool"), capture_output=True, check=False,
+                              timeout=120)
+        wanted = ""
+        for name in ("array1", "array2"):
+            own = [row for row in rows if row["__SERVER"] == name]
+            thin = sum(row["ThinlyProvisioned"] is True for row in own)
+            wanted += f"{name}  {len(own)}  {sum(row['BYTES'] or 0 for row in own)}  {thin}\n"
+        self.assertEqual((done.returncode, done.stderr.decode(), done.stdout.decode()), (0, "", wanted))
+
+    def test_fleet_with_servers_that_fail(self):
+        self.fleet = [self.serve(STORAGE), self.serve(STORAGE)]
+        run = self.nightly()
+        self.fail_with(self.fleet[1], "500")
+        done = run()
+        self.assertEqual((done.returncode, done.stderr.count(b"\n")), (3, 1))
+        self.assertIn(b"error: array2: ", done.stderr)
+        self.assertEqual({row["__SERVER"] for row in self.answers()}, {"array1"})
+        os.remove(os.path.join(self.folder, "spool", os.listdir(os.path.join(self.folder, "spool"))[0]))
+        self.fail_with(self.fleet[0], "500")
+        self.assertEqual((run().returncode, self.answers()), (3, []))
 
     def test_options_are_those_of_the_tool(self):
         with open(DOCUMENT, encoding="utf-8") as document:
