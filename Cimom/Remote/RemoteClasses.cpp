@@ -18,18 +18,41 @@ std::string keyOf(const QORString& nameSpace, const QORString& className) {
   return std::string((QORString::toUpperCase(nameSpace) + ":" + QORString::toUpperCase(className)).view());
 }
 
-bool hasProperty(const CimClassDeclaration& declaration, const QORString& name) {
-  return std::any_of(declaration.properties.begin(), declaration.properties.end(),
-                     [&name](const CimPropertyDeclaration& own) { return own.name.isEqualCaseInsensitive(name); });
+// BORROWS; null when there is none.
+CimPropertyDeclaration* findProperty(CimClassDeclaration& declaration, const QORString& name) {
+  const auto found =
+      std::find_if(declaration.properties.begin(), declaration.properties.end(),
+                   [&name](const CimPropertyDeclaration& own) { return own.name.isEqualCaseInsensitive(name); });
+  return found == declaration.properties.end() ? nullptr : &*found;
+}
+
+// Integers with a sign, integers without, reals; 0 for all others.
+int familyOf(CQoriType::Code code) noexcept {
+  if (code > CQoriType::Code::Real64) return 0;
+  if (code >= CQoriType::Code::Real32) return 3;
+  return static_cast<int>(code) % 2 == 0 ? 1 : 2;
+}
+
+// Whether the one type has all values of the other, and more.
+bool isWider(const IQoriType& one, const IQoriType& other) {
+  const CQoriType::Code code = CQoriType::codeOf(one);
+  const CQoriType::Code otherCode = CQoriType::codeOf(other);
+  const bool isAlike = one.isArray() == other.isArray() && familyOf(code) == familyOf(otherCode);
+  return isAlike && familyOf(code) != 0 && code > otherCode;
 }
 
 // Where servers have different versions of a class it has the properties of all of them; what they
-// tell in different ways is as the first of them has it.
+// tell in different ways is as the first of them has it, but a number as the one with the widest type has it.
 CimClassDeclaration unionOf(std::vector<CimClassDeclaration>&& declarations) {
   CimClassDeclaration all = std::move(declarations.front());
   for (std::size_t i = 1; i < declarations.size(); ++i) {
     for (CimPropertyDeclaration& property : declarations[i].properties) {
-      if (!hasProperty(all, property.name)) all.properties.push_back(std::move(property));
+      CimPropertyDeclaration* const known = findProperty(all, property.name);
+      if (known == nullptr) {
+        all.properties.push_back(std::move(property));
+      } else if (isWider(*property.type, *known->type)) {
+        *known = std::move(property);
+      }
     }
   }
   return all;
@@ -121,7 +144,7 @@ void RemoteClasses::addServerProperty(CimDeclarationSink& sink, const QORString&
   CimPropertyDeclaration property;
   const bool isInherited = !declaration.superClass.isEmpty() &&
                            sink.describeProperty(nameSpace, declaration.superClass, kServerProperty, property);
-  if (isInherited || hasProperty(declaration, kServerProperty)) return;
+  if (isInherited || findProperty(declaration, kServerProperty) != nullptr) return;
   property = CimPropertyDeclaration();
   property.name = kServerProperty;
   property.type = CQoriType::string;

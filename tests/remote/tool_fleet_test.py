@@ -46,6 +46,17 @@ class NothingIsMissing(ToolCase):
         self.assertNotIn("derives from itself", done.err)
 
 
+class Versions(ToolCase):
+    def test_number_that_has_grown(self):
+        old = self.serve(self.write("old.mof", HEAD + 'class N_C { [Key] string Id; uint32 N; };\n'
+                                    'instance of N_C { Id = "1"; N = 3; };\n'))
+        new = self.serve(self.write("new.mof", HEAD + 'class N_C { [Key] string Id; uint64 N; };\n'
+                                    'instance of N_C { Id = "2"; N = 18446744073709551615; };\n'))
+        for first, second, rows in ((old, new, "3\n18446744073709551615\n"), (new, old, "18446744073709551615\n3\n")):
+            done = self.run_tool("--server", first.url, "--server", second.url, "-o", "csv", "SELECT N FROM N_C")
+            self.assert_done(done, "N\n" + rows)
+
+
 class ServersThatComeBack(TwoServers):
     def test_class_of_which_a_server_was_left_out_is_complete_later(self):
         self.fail_with(self.two, "500", CLASS, times=1)
