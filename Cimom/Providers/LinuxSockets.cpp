@@ -82,25 +82,32 @@ std::string textOf(const LinuxSocketEnd& end, bool isVersion6) {
   return (isVersion6 ? '[' + end.address + ']' : end.address) + ':' + std::to_string(end.port);
 }
 
-// What is read of one table after another: no two sockets have one name.
+// What is read of one table after another: no two sockets have one name. The kernel writes a table in pieces, and what
+// moves in between may stand in it more than once: of entries with one name and one inode the first counts.
 class SocketCollector {
  public:
   SocketCollector(LinuxSocketChoice choice, LinuxSocketEntries& out) : _choice(choice), _out(out) {
-    for (const LinuxSocketEntry& known : out) _names.insert(known.name);
+    for (const LinuxSocketEntry& known : out) {
+      _names.insert(known.name);
+      _names.insert(withInode(known.name, known));
+    }
   }
 
   void add(LinuxSocketEntry socket) {
     if (_choice == LinuxSocketChoice::Waiting && !socket.isWaiting()) return;
     socket.name = std::string(socket.protocol) + ':' + textOf(socket.local, socket.isVersion6);
     if (!socket.isWaiting()) socket.name += '-' + textOf(socket.remote, socket.isVersion6);
-    if (!_names.insert(socket.name).second) {
-      socket.name += '#' + std::to_string(socket.inode);
-      _names.insert(socket.name);
-    }
+    std::string numbered = withInode(socket.name, socket);
+    if (!_names.insert(numbered).second) return;
+    if (!_names.insert(socket.name).second) socket.name = std::move(numbered);
     _out.push_back(std::move(socket));
   }
 
  private:
+  static std::string withInode(const std::string& name, const LinuxSocketEntry& socket) {
+    return name + '#' + std::to_string(socket.inode);
+  }
+
   LinuxSocketChoice _choice;
   LinuxSocketEntries& _out;
   std::unordered_set<std::string> _names;

@@ -51,6 +51,19 @@ TEST(LinuxSockets, ASecondSocketOfOneAddressHasItsInodeInTheName) {
   EXPECT_THAT(namesIn(table, "tcp", false), ElementsAre("tcp:0.0.0.0:22", "tcp:0.0.0.0:22#12"));
 }
 
+TEST(LinuxSockets, WhatStandsInATableSeveralTimesIsOneSocket) {
+  const std::string gone = line("0100007F:1F90", "06", "0");
+  LinuxSocketEntries sockets;
+  parseSocketTable(gone + line("0100007F:1F91", "0A", "11") + gone + gone, "tcp", false, LinuxSocketChoice::All,
+                   sockets);
+  // What was read before counts, too.
+  parseSocketTable(gone + line("0100007F:1F91", "0A", "11") + line("0100007F:1F91", "0A", "12"), "tcp", false,
+                   LinuxSocketChoice::All, sockets);
+  std::vector<std::string> names;
+  for (const LinuxSocketEntry& socket : sockets) names.push_back(socket.name);
+  EXPECT_THAT(names, ElementsAre("tcp:127.0.0.1:8080-0.0.0.0:0", "tcp:127.0.0.1:8081", "tcp:127.0.0.1:8081#12"));
+}
+
 TEST(LinuxSockets, PassesOverLinesThatAreNone) {
   EXPECT_THAT(namesIn("", "tcp", false), ElementsAre());
   EXPECT_THAT(namesIn("\n\n   \n0: 1 2 0A\n", "tcp", false), ElementsAre());
@@ -184,8 +197,9 @@ TEST(LinuxSocket, ShowsAllSocketsOfTheTables) {
 TEST(LinuxSocket, NamesEveryState) {
   const MadeUpFiles files;
   std::string table = kHead;
+  int inode = 10;
   for (const char* state : {"01", "02", "03", "04", "05", "06", "07", "08", "09", "0B", "0C", "0D"}) {
-    table += connection("0100000A:0016", "0200000A:9C40", state, "12");
+    table += connection("0100000A:0016", "0200000A:9C40", state, std::to_string(++inode).c_str());
   }
   files.write("tcp", table);
   LinuxSocket provider(files.path());
