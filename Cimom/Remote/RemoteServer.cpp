@@ -91,6 +91,14 @@ void readInstances(CimXmlReply& reply, RemoteCall& record, const RemoteServer::T
   }
 }
 
+// Reads a reply that nothing but instances belong to.
+auto readAllTo(const RemoteServer::Take& take) {
+  return [&take](CimXmlReply& reply, RemoteCall& record) {
+    Batch batch;
+    readInstances(reply, record, take, batch);
+  };
+}
+
 void requireSound(const Batch& batch) {
   if (!batch.saysWhetherLast) throw std::runtime_error("the reply does not say whether it is the last one");
   if (!batch.isLast && batch.context.empty()) throw std::runtime_error("the reply has no EnumerationContext");
@@ -323,12 +331,8 @@ bool RemoteServer::enumerateAtOnce(const QORString& nameSpace, const QORString& 
     call.addFlag("IncludeClassOrigin", false);
     addPropertyList(call, names);
   };
-  const auto read = [&](CimXmlReply& reply, RemoteCall& record) {
-    Batch batch;
-    readInstances(reply, record, take, batch);
-  };
   try {
-    call(_instances, "EnumerateInstances", nameSpace, className, fill, read);
+    call(_instances, "EnumerateInstances", nameSpace, className, fill, readAllTo(take));
   } catch (const RemoteStatusException& status) {
     if (status.getCode() != kInvalidClass) throw;
     return false;
@@ -342,11 +346,7 @@ void RemoteServer::askQuery(const QORString& nameSpace, const QORString& classNa
     call.addText("QueryLanguage", language);
     call.addText("Query", query);
   };
-  const auto read = [&](CimXmlReply& reply, RemoteCall& record) {
-    Batch batch;
-    readInstances(reply, record, take, batch);
-  };
-  call(_instances, "ExecQuery", nameSpace, className, fill, read);
+  call(_instances, "ExecQuery", nameSpace, className, fill, readAllTo(take));
 }
 
 // A server that knows no language is not asked again.
@@ -403,12 +403,8 @@ void RemoteServer::references(const QORString& nameSpace, const IQoriInstanceNam
     call.addFlag("IncludeClassOrigin", false);
     addPropertyList(call, names);
   };
-  const auto read = [&](CimXmlReply& reply, RemoteCall& record) {
-    Batch batch;
-    readInstances(reply, record, take, batch);
-  };
   try {
-    call(_instances, "References", nameSpace, associationClass, fill, read);
+    call(_instances, "References", nameSpace, associationClass, fill, readAllTo(take));
   } catch (const RemoteStatusException& status) {
     if (status.getCode() != kInvalidClass && status.getCode() != kNotFound) throw;
   }
