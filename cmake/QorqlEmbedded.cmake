@@ -11,6 +11,9 @@ pkg_check_modules(XXHASH REQUIRED IMPORTED_TARGET libxxhash)
 pkg_check_modules(EXPAT REQUIRED IMPORTED_TARGET expat)
 pkg_check_modules(APT REQUIRED IMPORTED_TARGET apt-pkg)
 pkg_check_modules(CURL REQUIRED IMPORTED_TARGET libcurl)
+pkg_check_modules(MICROHTTPD REQUIRED IMPORTED_TARGET libmicrohttpd)
+pkg_check_modules(CRYPT REQUIRED IMPORTED_TARGET libcrypt)
+pkg_check_modules(SQLITE REQUIRED IMPORTED_TARGET sqlite3)
 option(QORQL_RPM "Read rpm's database of packages, where librpm is there to build with" ON)
 if(QORQL_RPM)
   pkg_check_modules(RPM IMPORTED_TARGET rpm)
@@ -61,3 +64,13 @@ if(TARGET PkgConfig::RPM)
   qorql_loaded_library(qorql_rpm qorqlrpm Cimom/Providers/Rpm/RpmPackages.cpp PkgConfig::RPM)
   list(APPEND QORQL_LOADED_LIBRARIES qorql_rpm)
 endif()
+
+# What a server answers with. It is a part of the library that is loaded when a server or a listener is started, and of
+# the tests.
+file(GLOB QORQL_SERVER_SOURCES CONFIGURE_DEPENDS Cimom/Server/*.cpp)
+add_library(qorql_server_parts STATIC ${QORQL_SERVER_SOURCES})
+set_target_properties(qorql_server_parts PROPERTIES POSITION_INDEPENDENT_CODE ON EXCLUDE_FROM_ALL TRUE)
+target_include_directories(qorql_server_parts PUBLIC ${PROJECT_SOURCE_DIR})
+target_link_libraries(qorql_server_parts PUBLIC qorql embedded
+                                                PRIVATE PkgConfig::MICROHTTPD PkgConfig::CRYPT PkgConfig::SQLITE PkgConfig::SYSTEMD)
+qorql_target_options(qorql_server_parts)

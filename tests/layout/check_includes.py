@@ -61,6 +61,10 @@ RULES = {
         ["include/", "Cimom/Model/", "Cimom/CimXml/", "Cimom/Embedded/"],
         "servers are asked on behalf of the object manager, whose outer source they are",
     ),
+    "Cimom/Server": (
+        ["include/", "Cimom/Model/", "Cimom/CimXml/", "Cimom/Embedded/"],
+        "a server answers for the object manager, and runs statements through the engine's face in include/",
+    ),
     "tools": (["include/", "Cimom/"], "tools are built without tests and benchmarks"),
     "examples": (["include/", "Cimom/"], "an example uses what an embedder has"),
     "tests": (["include/", "Cimom/", "tools/"], "tests are built without benchmarks"),

@@ -1,0 +1,46 @@
+// The operations of a server by their names, and how a message finds its own.
+// SPDX-License-Identifier: Apache-2.0
+#ifndef QORQL_SERVER_SERVEROPERATIONS_H
+#define QORQL_SERVER_SERVEROPERATIONS_H
+
+#include <functional>
+#include <memory>
+#include <string_view>
+
+#include "Cimom/CimXml/CimXmlRequest.h"
+#include "Cimom/Embedded/EmbeddedObjectManager.h"
+#include "Cimom/Server/HttpService.h"
+#include "Cimom/Server/ServerReply.h"
+
+// One call while it is answered.
+struct ServerCall {
+  const CimXmlRequest& request;
+  const ServerClient& client;
+  // Stays the process's object manager while anybody holds this, though another one is to take its place.
+  std::shared_ptr<EmbeddedObjectManager> manager;
+  ServerNote& note;
+};
+
+// Any number of threads call answer() at once; add() only before.
+class ServerOperations {
+ public:
+  // The reply, which begins when all that can fail is done. What it THROWS becomes the reply's error:
+  // CimStatusException as it is, each other QoriBaseException by its code.
+  using Operation = std::function<std::unique_ptr<ServerReply>(const ServerCall& call)>;
+
+  ServerOperations();
+  ServerOperations(const ServerOperations&) = delete;
+  ServerOperations& operator=(const ServerOperations&) = delete;
+  ~ServerOperations();
+
+  // An intrinsic operation, by its name in the standard's spelling.
+  void add(const char* name, Operation operation);
+  // Answers a call of any kind; one that nobody has added with 7, a method with 16 or 17.
+  std::unique_ptr<ServerReply> answer(const ServerCall& call) const;
+
+ private:
+  struct State;
+  std::unique_ptr<State> _state;
+};
+
+#endif
