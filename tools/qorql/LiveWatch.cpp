@@ -2,12 +2,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "LiveWatch.h"
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <chrono>
 #include <set>
 #include <string>
 #include <string_view>
 
 #include "Cimom/Embedded/InstanceProvider.h"
+#include "Cimom/Providers/LinuxValues.h"
 #include "Cimom/QORQL/CQLQueryValidator.h"
 #include "FromNames.h"
 #include "StatementReference.h"
@@ -76,10 +80,25 @@ void unite(CIMApi::PropertyNames& names, const CIMApi::PropertyNames& others) {
   }
 }
 
+std::chrono::microseconds sinceEpoch() {
+  return std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::system_clock::now().time_since_epoch());
+}
+
+QORSmrPtr<IQoriValue> timeNow() {
+  constexpr QORsint64 kMicroseconds = 1000000;
+  const QORsint64 now = sinceEpoch().count();
+  return dateTimeValue(now / kMicroseconds, now % kMicroseconds);
+}
+
 }  // namespace
 
+IndicationOrigin thisMachine() {
+  const std::string moment = std::to_string(getpid()) + "-" + std::to_string(sinceEpoch().count());
+  return {hostName(), timeNow, "QORQL:" + moment + "-"};
+}
+
 LiveWatch::LiveWatch(EmbeddedObjectManager& manager, const QORString& nameSpace)
-    : _manager(manager), _nameSpace(nameSpace), _indications(manager, nameSpace) {
+    : _manager(manager), _nameSpace(nameSpace), _indications(manager, nameSpace, thisMachine()) {
   for (const QORString& className : manager.liveClassNames(nameSpace)) _watched.push_back({className, false, {}, {}});
 }
 

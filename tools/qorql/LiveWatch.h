@@ -7,9 +7,12 @@
 #include <string>
 #include <vector>
 
+#include "Cimom/Embedded/Indications.h"
+#include "Cimom/Embedded/InstanceChanges.h"
 #include "Cimom/QORQL/CQLQueryStatement.h"
-#include "Indications.h"
-#include "InstanceChanges.h"
+
+// What indications of this process say of where they were made; another series each time.
+IndicationOrigin thisMachine();
 
 // Watches the live classes whose changes one of the filters can match: those
 // that each `SourceInstance ISA Class` of it allows. BORROWS the object manager.

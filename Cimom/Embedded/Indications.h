@@ -1,25 +1,34 @@
 // Makes the indications of changes of instances.
+// Tested by tests/cli/watch_test.py.
 // SPDX-License-Identifier: Apache-2.0
-#ifndef QORQL_TOOL_INDICATIONS_H
-#define QORQL_TOOL_INDICATIONS_H
+#ifndef QORQL_EMBEDDED_INDICATIONS_H
+#define QORQL_EMBEDDED_INDICATIONS_H
 
+#include <atomic>
+#include <functional>
 #include <string>
-#include <vector>
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
-#include "InstanceChanges.h"
+#include "Cimom/Embedded/InstanceChanges.h"
 
 inline constexpr const char* kInstCreation = "CIM_InstCreation";
 inline constexpr const char* kInstDeletion = "CIM_InstDeletion";
 inline constexpr const char* kInstModification = "CIM_InstModification";
 
+// What indications say of the place where they are made.
+struct IndicationOrigin {
+  std::string host;
+  std::function<QORSmrPtr<IQoriValue>()> now;  // the time, as a datetime
+  std::string series;                          // what the identifiers begin with: no other process has the same
+};
+
 // CIM_InstCreation, CIM_InstDeletion or CIM_InstModification with the instance
 // and, for a modification, as it was before; each with an identifier of its own
 // and the time. Properties that the namespace's class lacks are left out.
-// BORROWS the object manager.
+// BORROWS the object manager. Threads may share one.
 class Indications {
  public:
-  Indications(EmbeddedObjectManager& manager, const QORString& nameSpace);
+  Indications(EmbeddedObjectManager& manager, const QORString& nameSpace, IndicationOrigin origin);
 
   static const char* classOf(const InstanceChange& change) noexcept;
   // THROWS QoriBaseException when the class does not take the values.
@@ -30,8 +39,8 @@ class Indications {
 
   EmbeddedObjectManager& _manager;
   const QORString _nameSpace;
-  std::string _series;  // what the identifiers begin with
-  QORuint64 _count = 0;
+  const IndicationOrigin _origin;
+  std::atomic<QORuint64> _count{0};
 };
 
 #endif

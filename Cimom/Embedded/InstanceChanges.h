@@ -1,7 +1,8 @@
 // What became of the instances of a class between two looks at them.
+// Tested by tests/cli/watch_test.py.
 // SPDX-License-Identifier: Apache-2.0
-#ifndef QORQL_TOOL_INSTANCECHANGES_H
-#define QORQL_TOOL_INSTANCECHANGES_H
+#ifndef QORQL_EMBEDDED_INSTANCECHANGES_H
+#define QORQL_EMBEDDED_INSTANCECHANGES_H
 
 #include <string>
 #include <unordered_map>

@@ -1,6 +1,6 @@
 // What became of the instances of a class between two looks at them.
 // SPDX-License-Identifier: Apache-2.0
-#include "InstanceChanges.h"
+#include "Cimom/Embedded/InstanceChanges.h"
 
 namespace {
 

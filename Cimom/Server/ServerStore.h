@@ -1,0 +1,83 @@
+// What a server keeps beyond its process: changed instances, and indications that wait for listeners.
+// Tested by tests/unit/Server/StoredInstanceWriterTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
+#ifndef QORQL_SERVER_SERVERSTORE_H
+#define QORQL_SERVER_SERVERSTORE_H
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Cimom/Server/StoreFile.h"
+
+// Threads may share one. All operations THROW CimStatusException, status 1, when
+// the file fails; then nothing of the change has happened.
+class ServerStore {
+ public:
+  // An instance as a client left it.
+  struct Instance {
+    std::string nameSpace;
+    std::string path;
+    std::string document;  // the element of CIM-XML; for one that is gone, as it was
+    bool isGone = false;   // a client deleted what is declared elsewhere
+  };
+  // Where a listener's sequence is.
+  struct Listener {
+    std::int64_t id = 0;
+    std::string context;
+    std::int64_t next = 0;     // the number of the next indication
+    std::int64_t dropped = 0;  // how many were never put into the queue, or taken out of it unsent
+    std::int64_t queued = 0;
+  };
+  struct Queued {
+    std::int64_t number = 0;
+    std::string subscription;
+    std::string document;  // the element of CIM-XML
+  };
+
+  // As StoreFile's.
+  explicit ServerStore(const std::string& path) : _file(path) {}
+
+  // In the order in which they came into the store.
+  std::vector<Instance> instances();
+  // The listener of that path; one that is not known yet begins with that context.
+  Listener listener(const std::string& path, const std::string& context);
+  // The indications that wait longest.
+  std::vector<Queued> queued(std::int64_t listener, std::size_t most);
+  // Takes one out of the queue.
+  void remove(std::int64_t listener, std::int64_t number, bool isDropped);
+  // Takes out those of a subscription that is gone and says how many they were.
+  int removeOf(const std::string& subscription);
+  // Forgets a listener with its queue, and says how many indications were in it.
+  int forget(const std::string& path);
+
+  // Changes that are kept together, and survive a power failure once they are committed.
+  class Change {
+   public:
+    // Other threads wait until it ends.
+    explicit Change(ServerStore& store) : _file(store._file), _transaction(_file, StoreTransaction::Lasting::Machine) {}
+
+    // Keeps an instance that a client created.
+    void create(const Instance& instance);
+    // Keeps what became of an instance, whoever created it.
+    void modify(const Instance& instance);
+    // Keeps that an instance is gone, or nothing of one that a client had created.
+    void remove(const Instance& instance);
+    void queue(std::int64_t listener, const Queued& queued);
+    // Sets what comes next, and adds to what was dropped.
+    void count(std::int64_t listener, std::int64_t next, std::int64_t dropped);
+    void commit() { _transaction.commit(); }
+
+   private:
+    void put(const Instance& instance, bool isOver);
+
+    StoreFile& _file;
+    StoreTransaction _transaction;
+  };
+
+ private:
+  StoreFile _file;
+};
+
+#endif
