@@ -74,3 +74,11 @@ target_include_directories(qorql_server_parts PUBLIC ${PROJECT_SOURCE_DIR})
 target_link_libraries(qorql_server_parts PUBLIC qorql embedded
                                                 PRIVATE PkgConfig::MICROHTTPD PkgConfig::CRYPT PkgConfig::SQLITE PkgConfig::SYSTEMD)
 qorql_target_options(qorql_server_parts)
+
+# All of it that runs in the tool is loaded when a server or a listener is started.
+add_library(qorql_server MODULE Cimom/Server/Module/ServerModule.cpp)
+set_target_properties(qorql_server PROPERTIES PREFIX lib OUTPUT_NAME qorqlserver INSTALL_RPATH "$ORIGIN/.."
+                                              LIBRARY_OUTPUT_DIRECTORY $<TARGET_FILE_DIR:embedded>/qorql)
+target_link_libraries(qorql_server PRIVATE qorql_server_parts)
+qorql_target_options(qorql_server)
+list(APPEND QORQL_LOADED_LIBRARIES qorql_server)

@@ -15,6 +15,7 @@
 #include "MatchCommand.h"
 #include "PagesCommand.h"
 #include "QueryCommand.h"
+#include "ServeCommand.h"
 #include "ValidateCommand.h"
 #include "WatchCommand.h"
 
@@ -32,6 +33,7 @@ constexpr Command kCommands[] = {
     {"match", "Tell which instances a filter matches", declareMatchCommand},
     {"watch", "Print the live changes that a filter matches", declareWatchCommand},
     {"explain", "Say what a query will do, without running it", declareExplainCommand},
+    {"serve", "Serve the object manager to clients over HTTP", declareServeCommand},
     {"pages", "Print the manual page or the completion for a shell", declarePagesCommand},
 };
 

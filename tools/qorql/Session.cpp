@@ -36,13 +36,13 @@ void keepToTheEnd(std::unique_ptr<EmbeddedObjectManager> manager) {
 
 }  // namespace
 
-Session::Session(const SessionOptions& options) : _options(options), _manager(makeManager()) {
-  _manager->makeCurrent();
+Session::Session(const SessionOptions& options, Life life) : _options(options), _life(life), _manager(makeManager()) {
+  if (_life == Life::OfTheProcess) takeOver();
 }
 
 Session::~Session() {
   _manager->setLogSink({}, QoriTraceLog::kFatal);
-  keepToTheEnd(std::move(_manager));
+  if (_life == Life::OfTheProcess) keepToTheEnd(std::move(_manager));
 }
 
 std::unique_ptr<EmbeddedObjectManager> Session::makeManager() {
@@ -160,8 +160,8 @@ void Session::loadLeniently(const char* commonMof) {
     MofFaults together = loadMof(*fresh);
     if (together.count < faults.count) {
       faults = std::move(together);
-      fresh->makeCurrent();
       _manager = std::move(fresh);
+      if (_life == Life::OfTheProcess) takeOver();
     }
   }
   tellOfFaults(faults);

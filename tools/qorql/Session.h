@@ -18,7 +18,9 @@
 // Made once, then opened. Keeps the options as they were then.
 class Session {
  public:
-  explicit Session(const SessionOptions& options);
+  // Of a process that keeps one session to its end; or one of several, which becomes the process's own by takeOver().
+  enum class Life { OfTheProcess, UntilReplaced };
+  explicit Session(const SessionOptions& options, Life life = Life::OfTheProcess);
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
   ~Session();
@@ -29,6 +31,8 @@ class Session {
   // QoriBaseException when one of them fails, or nothing is declared in the namespace.
   enum class LeftOut { TellAtOnce, TellWhenNamed };
   void open(const char* commonMof = nullptr, LeftOut leftOut = LeftOut::TellAtOnce);
+  // Makes its object manager that of the process.
+  void takeOver() { _manager->makeCurrent(); }
   // The warning about live classes that did not fit, once, if this is one of them.
   void tellOfLeftOut(std::string_view className);
 
@@ -84,6 +88,7 @@ class Session {
   void requireNamespace(bool hasCommonMof) const;
 
   const SessionOptions _options;
+  const Life _life;
   std::shared_ptr<RemoteSource> _servers;  // null: none are asked
   bool _isIncomplete = false;              // a server was left out
   std::unique_ptr<EmbeddedObjectManager> _manager;

@@ -1,0 +1,245 @@
+// A request is refused by its head where that is possible; a refusal of a short body is told when the body has been
+// read, so that the connection can go on.
+// SPDX-License-Identifier: Apache-2.0
+#include "Cimom/Server/HttpExchange.h"
+
+#include <sys/socket.h>
+
+#include <charconv>
+#include <exception>
+#include <string_view>
+#include <utility>
+
+namespace {
+
+using Clock = HttpConnections::Clock;
+
+constexpr std::size_t kPiece = std::size_t{64} << 10;
+constexpr std::uint64_t kSlowestBytes = std::uint64_t{16} << 10;   // of a body in a second, after the idle time
+constexpr std::uint64_t kSkippedBytes = std::uint64_t{256} << 10;  // that are read of a body which nobody wants
+constexpr std::chrono::seconds kLinger{2};
+
+constexpr unsigned kOk = 200;
+constexpr unsigned kBadRequest = 400;
+constexpr unsigned kForbidden = 403;
+constexpr unsigned kMethodNotAllowed = 405;
+constexpr unsigned kLengthRequired = 411;
+constexpr unsigned kTooLarge = 413;
+constexpr unsigned kUnsupportedMedia = 415;
+constexpr unsigned kServerError = 500;
+constexpr unsigned kNotImplemented = 501;
+constexpr unsigned kUnavailable = 503;
+
+constexpr const char* kAllowed = "POST, M-POST, OPTIONS";
+
+bool isEqual(std::string_view one, std::string_view other) { return QORString::equalIgnoringCase(one, other); }
+
+MHD_Result addHeader(void* request, MHD_ValueKind /*kind*/, const char* name, std::size_t nameSize, const char* value,
+                     std::size_t valueSize) {
+  const std::string_view content = value == nullptr ? std::string_view() : std::string_view(value, valueSize);
+  static_cast<HttpRequest*>(request)->headers.emplace_back(std::string(name, nameSize), std::string(content));
+  return MHD_YES;
+}
+
+// How often a header is there.
+std::size_t countOf(const HttpRequest& request, std::string_view name) {
+  std::size_t count = 0;
+  for (const auto& header : request.headers) count += isEqual(header.first, name) ? 1 : 0;
+  return count;
+}
+
+// Of a reply that leaves piece by piece.
+struct Outgoing {
+  HttpConnections& connections;
+  HttpConnections::Handle place;
+  std::chrono::seconds patience;
+  RequestRecord& record;
+  std::unique_ptr<ServerReply> body;
+  std::string piece{};
+  std::size_t sent = 0;  // of the piece
+
+  // The next bytes; 0 at the end. THROWS what the reply throws.
+  std::size_t take(char* buffer, std::size_t capacity) {
+    connections.setDeadline(place, HttpConnections::kNever, false);
+    if (sent == piece.size()) {
+      piece.clear();
+      sent = 0;
+      body->append(piece, kPiece);
+    }
+    const std::size_t count = std::min(capacity, piece.size() - sent);
+    piece.copy(buffer, count, sent);
+    sent += count;
+    record.bytes += count;
+    connections.setDeadline(place, Clock::now() + patience, false);
+    return count;
+  }
+};
+
+ssize_t takePiece(void* outgoing, std::uint64_t /*position*/, char* buffer, std::size_t capacity) {
+  try {
+    const std::size_t count = static_cast<Outgoing*>(outgoing)->take(buffer, capacity);
+    return count == 0 ? ssize_t{MHD_CONTENT_READER_END_OF_STREAM} : static_cast<ssize_t>(count);
+  } catch (const std::exception&) {
+    return MHD_CONTENT_READER_END_WITH_ERROR;
+  }
+}
+
+void forget(void* outgoing) { delete static_cast<Outgoing*>(outgoing); }
+
+// What the client still sends is read for a moment, or closing the connection would take the reply from it.
+void readOut(int socket) {
+  shutdown(socket, SHUT_WR);
+  const timeval wait{kLinger.count(), 0};
+  setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &wait, sizeof wait);
+  const Clock::time_point end = Clock::now() + kLinger;
+  char buffer[4096];
+  while (Clock::now() < end) {
+    if (recv(socket, buffer, sizeof buffer, 0) <= 0) return;
+  }
+}
+
+}  // namespace
+
+HttpExchange::HttpExchange(HttpShared& shared, HttpConnections::Handle place, MHD_Connection* connection,
+                           const char* path, const char* method)
+    : _shared(shared),
+      _place(place),
+      _connection(connection),
+      _limits(shared.limitsNow()),
+      _interruptions(shared.interruptions) {
+  _request.method = method;
+  _request.path = path;
+  _request.client.address = place->address;
+  _request.client.isGone = [this] { return isGone(); };
+  _record.client = place->address;
+  readHeaders();
+}
+
+void HttpExchange::readHeaders() { MHD_get_connection_values_n(_connection, MHD_HEADER_KIND, &addHeader, &_request); }
+
+bool HttpExchange::isGone() const { return _shared.interruptions != _interruptions || isPeerGone(_place->socket); }
+
+HttpExchange::Refusal HttpExchange::faultOfHead() {
+  if (_shared.isDraining) return {kUnavailable, "the server is shutting down", true};
+  if (_place->number > _limits->connections) return {kUnavailable, "there are too many connections", true};
+  const Refusal length = faultOfLength();
+  if (length.status != 0) return length;
+  // No client of CIM sends it, but every browser for a page that is not to talk to this server.
+  if (_request.header("Origin") != nullptr) return {kForbidden, "pages of browsers may not ask this server"};
+  if (_request.method == "GET" || _request.method == "HEAD") return {kMethodNotAllowed, "operations come by POST"};
+  if (_request.method == "OPTIONS") return {kOk, ""};
+  if (_request.method != "POST" && _request.method != "M-POST") return {kNotImplemented, "there is no such method"};
+  const std::string* const encoding = _request.header("Content-Encoding");
+  if (encoding != nullptr && !isEqual(*encoding, "identity")) {
+    return {kUnsupportedMedia, "a request's body is taken as it is, without an encoding"};
+  }
+  return {};
+}
+
+// Where the length of the body can be read in two ways, somebody between might read it in the other.
+HttpExchange::Refusal HttpExchange::faultOfLength() {
+  const std::string* const length = _request.header("Content-Length");
+  const std::string* const transfer = _request.header("Transfer-Encoding");
+  if (length != nullptr && transfer != nullptr) {
+    return {kBadRequest, "Content-Length and Transfer-Encoding exclude each other", true};
+  }
+  if (countOf(_request, "Content-Length") > 1 || countOf(_request, "Transfer-Encoding") > 1) {
+    return {kBadRequest, "the length of the body is given twice", true};
+  }
+  if (transfer != nullptr && !isEqual(*transfer, "chunked")) {
+    return {kNotImplemented, "no Transfer-Encoding but chunked is known", true};
+  }
+  if (length == nullptr) {
+    const bool lacksBody = transfer == nullptr && (_request.method == "POST" || _request.method == "M-POST");
+    return lacksBody ? Refusal{kLengthRequired, "Content-Length is missing", true} : Refusal{};
+  }
+  std::uint64_t count = 0;
+  const auto [end, error] = std::from_chars(length->data(), length->data() + length->size(), count);
+  if (error == std::errc::invalid_argument || end != length->data() + length->size()) {
+    return {kBadRequest, "Content-Length is no number", true};
+  }
+  if (error != std::errc() || count > _limits->bodyBytes) return {kTooLarge, "the request is too large", true};
+  return {};
+}
+
+MHD_Result HttpExchange::begin() {
+  _shared.connections.setDeadline(_place, _begin + std::chrono::seconds(_limits->idleSeconds), false);
+  _refusal = faultOfHead();
+  return _refusal.endsConnection ? refuse(_refusal) : MHD_YES;
+}
+
+MHD_Result HttpExchange::take(const char* bytes, std::size_t count) {
+  _received += count;
+  const std::chrono::seconds allowed(_limits->idleSeconds + _received / kSlowestBytes);
+  _shared.connections.setDeadline(_place, _begin + allowed, false);
+  if (_refusal.status != 0) return _received <= kSkippedBytes ? MHD_YES : MHD_NO;
+  if (_received > _limits->bodyBytes) {
+    _request.body = {};
+    _refusal = {kTooLarge, "the request is too large", true};
+    return MHD_YES;
+  }
+  _request.body.append(bytes, count);
+  return MHD_YES;
+}
+
+MHD_Result HttpExchange::answer() {
+  _shared.connections.setDeadline(_place, HttpConnections::kNever, false);
+  if (_refusal.status != 0) return refuse(_refusal);
+  return send(serve());
+}
+
+HttpReply HttpExchange::serve() {
+  try {
+    HttpReply reply = _shared.service->serve(_request);
+    if (reply.body == nullptr) throw std::runtime_error("there is no reply");
+    return reply;
+  } catch (const std::exception& failure) {
+    _shared.requestLog.complain(failure.what());
+    HttpReply reply;
+    reply.status = kServerError;
+    reply.headers.emplace_back("Content-Type", "text/plain; charset=utf-8");
+    reply.body = std::make_unique<WholeReply>("the server has failed\n");
+    return reply;
+  }
+}
+
+MHD_Result HttpExchange::refuse(const Refusal& refusal) {
+  HttpReply reply;
+  reply.status = refusal.status;
+  reply.note.statusText = refusal.reason;
+  if (refusal.status == kOk || refusal.status == kMethodNotAllowed) reply.headers.emplace_back("Allow", kAllowed);
+  if (refusal.status == kUnavailable) reply.headers.emplace_back("Retry-After", "1");
+  if (refusal.endsConnection) reply.headers.emplace_back("Connection", "close");
+  if (*refusal.reason != '\0') reply.headers.emplace_back("Content-Type", "text/plain; charset=utf-8");
+  const std::string text = *refusal.reason == '\0' ? "" : std::string(refusal.reason) + '\n';
+  reply.body = std::make_unique<WholeReply>(text);
+  _wasCut = refusal.endsConnection;
+  return send(std::move(reply));
+}
+
+MHD_Result HttpExchange::send(HttpReply reply) {
+  _record.http = reply.status;
+  _record.note = std::move(reply.note);
+  const auto* const whole = dynamic_cast<const WholeReply*>(reply.body.get());
+  const std::uint64_t size = whole == nullptr ? MHD_SIZE_UNKNOWN : whole->size();
+  const std::chrono::seconds patience(_limits->idleSeconds);
+  auto outgoing =
+      std::make_unique<Outgoing>(Outgoing{_shared.connections, _place, patience, _record, std::move(reply.body)});
+  MHD_Response* const response = MHD_create_response_from_callback(size, kPiece, &takePiece, outgoing.get(), &forget);
+  if (response == nullptr) return MHD_NO;
+  static_cast<void>(outgoing.release());
+  for (const auto& [name, value] : reply.headers) MHD_add_response_header(response, name.c_str(), value.c_str());
+  const MHD_Result isQueued = MHD_queue_response(_connection, _record.http, response);
+  MHD_destroy_response(response);
+  _shared.connections.setDeadline(_place, Clock::now() + patience, false);
+  return isQueued;
+}
+
+void HttpExchange::end(MHD_RequestTerminationCode how) {
+  _record.isWhole = how == MHD_REQUEST_TERMINATED_COMPLETED_OK;
+  _record.milliseconds = std::chrono::duration<double, std::milli>(Clock::now() - _begin).count();
+  _shared.requestLog.tell(_record);
+  if (_wasCut) readOut(_place->socket);
+  const auto deadline = Clock::now() + std::chrono::seconds(_limits->idleSeconds);
+  _shared.connections.setDeadline(_place, deadline, true);
+}

@@ -1,0 +1,36 @@
+// What the library that serves has for the program that loads it.
+// Tested by tests/server/http_test.py.
+// SPDX-License-Identifier: Apache-2.0
+#ifndef QORQL_SERVER_SERVERMODULE_H
+#define QORQL_SERVER_SERVERMODULE_H
+
+#include <memory>
+
+#include "Cimom/Server/HttpServer.h"
+#include "Cimom/Server/HttpService.h"
+#include "Cimom/Server/ServerModel.h"
+
+struct CimServiceOptions {
+  std::shared_ptr<ServerModel> model;
+  bool isWritable = false;
+};
+
+// Any thread may call.
+class ServerModule {
+ public:
+  virtual ~ServerModule() = default;
+  virtual std::unique_ptr<HttpServer> startHttp(const HttpOptions& options, std::shared_ptr<HttpService> service) = 0;
+  // Answers operations on the object manager.
+  virtual std::shared_ptr<HttpService> makeCimService(const CimServiceOptions& options) = 0;
+  virtual std::shared_ptr<ServerModel> makeModel(ServerModel::Manager manager) = 0;
+};
+
+// Made by a library of its own, which is loaded when a server is started, since what it needs would slow down every
+// start. It stays loaded.
+using ServerModuleGetter = ServerModule& (*)();
+
+// From the folder of the library of the object manager on.
+inline constexpr const char* kServerLibrary = "qorql/libqorqlserver.so";
+inline constexpr const char* kServerFunction = "qorqlServerModule";
+
+#endif

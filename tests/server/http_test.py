@@ -1,0 +1,89 @@
+"""How the server speaks HTTP: methods, bodies in every form, connections that go on, and what it says of itself."""
+# SPDX-License-Identifier: Apache-2.0
+import signal
+import unittest
+
+import servercase
+from servercase import ServerCase, head_of, request
+
+
+class HttpTest(ServerCase):
+    def setUp(self):
+        super().setUp()
+        self.body = request("GetClass", parameters={"ClassName": "PLANT_Nothing"})
+
+    def assert_answered(self, connection):
+        status, headers, body = connection.read_reply()
+        self.assertEqual((status, headers["cimoperation"]), (200, "MethodResponse"))
+        self.replies.append(body)
+
+    def test_it_says_where_it_listens_and_ends_by_a_signal(self):
+        for number in (signal.SIGTERM, signal.SIGINT):
+            server = self.serve_plant()
+            self.assertEqual(server.url, f"http://127.0.0.1:{server.port}/cimom")
+            self.assertEqual(self.call(server, "GetClass", ClassName="PLANT_Nothing").status, 200)
+            self.assertEqual(server.stop(number), 0)
+
+    def test_it_listens_at_several_addresses(self):
+        server = self.serve_plant("--listen", "[::1]:0", addresses=2)
+        self.assertRegex(server.urls[1], r"^http://\[::1\]:\d+/cimom$")
+
+    def test_an_address_in_use_is_told(self):
+        server = self.serve_plant()
+        done = self.run_tool("serve", "--no-live", "--listen", f"127.0.0.1:{server.port}")
+        self.assertEqual((done.returncode, done.stdout), (3, b""))
+        self.assertIn(f"cannot listen at 127.0.0.1:{server.port}: Address already in use", done.stderr.decode())
+
+    def test_beyond_this_machine_it_wants_tls_and_users(self):
+        done = self.run_tool("serve", "--no-live", "--listen", "0.0.0.0:0")
+        self.assertEqual((done.returncode, done.stdout), (3, b""))
+        self.assertRegex(done.stderr.decode(), r"to listen at 0\.0\.0\.0:\d+, give --tls-cert, --tls-key and --users")
+
+    def test_a_connection_goes_on(self):
+        connection = self.raw(self.serve_plant())
+        for _ in range(3):
+            connection.send(head_of("GetClass", len(self.body)) + self.body)
+            self.assert_answered(connection)
+
+    def test_requests_may_come_before_the_replies(self):
+        connection = self.raw(self.serve_plant())
+        connection.send((head_of("GetClass", len(self.body)) + self.body) * 5)
+        for _ in range(5):
+            self.assert_answered(connection)
+
+    def test_a_body_may_come_in_chunks_with_trailers(self):
+        connection = self.raw(self.serve_plant())
+        chunks = b"".join(b"%x\r\n%s\r\n" % (len(self.body[at:at + 100]), self.body[at:at + 100])
+                          for at in range(0, len(self.body), 100))
+        connection.send(head_of("GetClass", None, "Transfer-Encoding: chunked", "Trailer: X-Sum") + chunks +
+                        b"0\r\nX-Sum: 1\r\n\r\n")
+        self.assert_answered(connection)
+        connection.send(head_of("GetClass", len(self.body)) + self.body)
+        self.assert_answered(connection)
+
+    def test_http_1_0_is_answered_and_closed(self):
+        connection = self.raw(self.serve_plant())
+        connection.send(head_of("GetClass", len(self.body), version="HTTP/1.0") + self.body)
+        self.assert_answered(connection)
+        self.assertTrue(connection.is_closed())
+
+    def test_what_is_no_operation_is_refused_by_its_method(self):
+        client = self.client(self.serve_plant())
+        for method, status in (("GET", 405), ("HEAD", 405), ("OPTIONS", 200), ("PUT", 501), ("DELETE", 501)):
+            reply = client.post(b"", {}, method=method)
+            self.assertEqual(reply.status, status, method)
+            if status in (200, 405):
+                self.assertEqual(reply.headers["Allow"], "POST, M-POST, OPTIONS")
+
+    def test_the_log_tells_of_each_request(self):
+        server = self.serve_plant()
+        self.call(server, "GetClass", ClassName="PLANT_Nothing")
+        line, = server.log(1)
+        self.assertRegex(line["time"], r"^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z$")
+        self.assertEqual((line["client"], line["user"], line["http"]), ("127.0.0.1", "", 200))
+        self.assertGreater(line["bytes"], 0)
+        self.assertGreaterEqual(line["ms"], 0)
+
+
+if __name__ == "__main__":
+    servercase.main()

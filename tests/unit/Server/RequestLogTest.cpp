@@ -1,0 +1,56 @@
+// A request is a line of JSON.
+// SPDX-License-Identifier: Apache-2.0
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "Cimom/Server/RequestLog.h"
+
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::system_clock;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::Not;
+using ::testing::SizeIs;
+
+const system_clock::time_point kWhen{milliseconds(1700000000007)};
+
+RequestRecord record() {
+  RequestRecord made;
+  made.client = "127.0.0.1";
+  made.user = "anna";
+  made.note = {"ExecQuery", "root/cimv2", "SELECT * FROM \"X\"", 15, "unknown class"};
+  made.http = 200;
+  made.bytes = 321;
+  made.milliseconds = 1.2345;
+  return made;
+}
+
+TEST(RequestLog, ALineTellsWhoAskedWhatAndWhatCameOfIt) {
+  EXPECT_EQ(lineOf(record(), kWhen),
+            "{\"time\":\"2023-11-14T22:13:20.007Z\",\"client\":\"127.0.0.1\",\"user\":\"anna\","
+            "\"operation\":\"ExecQuery\",\"namespace\":\"root/cimv2\",\"subject\":\"SELECT * FROM \\\"X\\\"\","
+            "\"status\":15,\"message\":\"unknown class\",\"http\":200,\"bytes\":321,\"ms\":1.234}\n");
+}
+
+TEST(RequestLog, AReplyThatDidNotLeaveWholeIsMarked) {
+  RequestRecord made = record();
+  made.isWhole = false;
+  EXPECT_THAT(lineOf(made, kWhen), EndsWith(",\"cut\":true}\n"));
+}
+
+TEST(RequestLog, ALongTextIsCut) {
+  RequestRecord made = record();
+  made.note.subject.assign(1000000, 'x');
+  EXPECT_THAT(lineOf(made, kWhen), SizeIs(testing::Lt(3000)));
+}
+
+TEST(RequestLog, WhatIsNoTextIsReplaced) {
+  RequestRecord made = record();
+  made.note.subject = "a\xff\nb";
+  EXPECT_THAT(lineOf(made, kWhen), HasSubstr("\"a\xef\xbf\xbd\\nb\""));
+  EXPECT_THAT(lineOf(made, kWhen), Not(HasSubstr("\xff")));
+}
+
+}  // namespace

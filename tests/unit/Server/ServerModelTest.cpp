@@ -1,0 +1,79 @@
+// Another object manager takes the place of one that nobody uses any more.
+// SPDX-License-Identifier: Apache-2.0
+#include <gtest/gtest.h>
+
+#include <future>
+
+#include "Cimom/Server/ServerModel.h"
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr milliseconds kLong{10000};
+constexpr milliseconds kMoment{20};
+
+ServerModel::Manager newManager() { return std::make_shared<EmbeddedObjectManager>(); }
+
+TEST(ServerModel, ALeaseIsTheManager) {
+  const ServerModel::Manager manager = newManager();
+  ServerModel model(manager);
+  EXPECT_EQ(model.lease().get(), manager.get());
+}
+
+TEST(ServerModel, AnotherTakesItsPlaceWhenNobodyHasALease) {
+  ServerModel model(newManager());
+  const ServerModel::Manager next = newManager();
+  bool hasTaken = false;
+  EXPECT_TRUE(model.replace(
+      next, [&] { hasTaken = true; }, kMoment));
+  EXPECT_TRUE(hasTaken);
+  EXPECT_EQ(model.lease().get(), next.get());
+}
+
+TEST(ServerModel, ACopyOfALeaseHoldsTheManager) {
+  const ServerModel::Manager first = newManager();
+  ServerModel model(first);
+  ServerModel::Manager copy;
+  {
+    const ServerModel::Manager lease = model.lease();
+    copy = lease;
+  }
+  bool hasTaken = false;
+  EXPECT_FALSE(model.replace(
+      newManager(), [&] { hasTaken = true; }, kMoment));
+  EXPECT_FALSE(hasTaken);
+  EXPECT_EQ(model.lease().get(), first.get());
+  copy.reset();
+  EXPECT_TRUE(model.replace(
+      newManager(), [] {}, kMoment));
+}
+
+TEST(ServerModel, WhoWantsALeaseWaitsWhileAnotherComes) {
+  ServerModel model(newManager());
+  const ServerModel::Manager next = newManager();
+  ServerModel::Manager held = model.lease();
+  auto replaced = std::async(std::launch::async, [&] {
+    return model.replace(
+        next, [] {}, kLong);
+  });
+  std::future<EmbeddedObjectManager*> late;
+  while (!late.valid() || late.wait_for(kMoment) == std::future_status::ready) {
+    late = std::async(std::launch::async, [&] { return model.lease().get(); });
+  }
+  held.reset();
+  EXPECT_TRUE(replaced.get());
+  EXPECT_EQ(late.get(), next.get());
+}
+
+TEST(ServerModel, TheOneBeforeEndsWithItsPlace) {
+  ServerModel::Manager first = newManager();
+  const std::weak_ptr<EmbeddedObjectManager> watched = first;
+  ServerModel model(std::move(first));
+  model.lease();
+  EXPECT_TRUE(model.replace(
+      newManager(), [] {}, kMoment));
+  EXPECT_TRUE(watched.expired());
+}
+
+}  // namespace
