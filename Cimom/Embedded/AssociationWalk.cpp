@@ -91,7 +91,9 @@ void AssociationWalk::meetEnds(const CQoriClass& association, const IQoriObject&
   for (const QORuint32 position : association.referencePositions()) {
     if (!isAnyOr(_request.role, association.shape()->layout->getName(position))) continue;
     const QORSmrPtr<IQoriInstanceName> name = referenceAt(object, position);
-    if (!name.IsNull() && name->toString() == _sourcePath) meetOtherEnds(association, object, position);
+    if (name.IsNull() || !(name->toString() == _sourcePath)) continue;
+    if (_request.wantsAssociations) return meet(object.getInstanceName());
+    meetOtherEnds(association, object, position);
   }
 }
 
@@ -100,11 +102,14 @@ void AssociationWalk::meetOtherEnds(const CQoriClass& association, const IQoriOb
   for (const QORuint32 position : association.referencePositions()) {
     if (position == sourcePosition) continue;
     if (!isAnyOr(_request.resultRole, association.shape()->layout->getName(position))) continue;
-    const QORSmrPtr<IQoriInstanceName> name = referenceAt(object, position);
-    if (name.IsNull()) continue;
-    const QORString path = name->toString();
-    if (_met.emplace(path.view()).second) _ends.push_back({name, path, nullptr, {}});
+    meet(referenceAt(object, position));
   }
+}
+
+void AssociationWalk::meet(const QORSmrPtr<IQoriInstanceName>& name) {
+  if (name.IsNull()) return;
+  const QORString path = name->toString();
+  if (_met.emplace(path.view()).second) _ends.push_back({name, path, nullptr, {}});
 }
 
 void AssociationWalk::resolveStored() {

@@ -1,4 +1,4 @@
-// From an instance, through associations, to the instances at their other ends.
+// From an instance to the associations that refer to it, or through them to the instances at their other ends.
 // Tested by tests/unit/Embedded/AssociationTest.cpp.
 // SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EMBEDDED_ASSOCIATIONWALK_H
@@ -25,6 +25,8 @@ struct AssociationRequest {
   CIMApi::PropertyNames names;  // null: all properties
   QORString role;               // the reference property that holds the source
   QORString resultRole;         // the reference property that holds the result
+  // The associations themselves are wanted; `resultClass` is the same as `associationClass` then.
+  bool wantsAssociations = false;
 };
 
 // One walk; its cost follows the number of associations of the source, not the
@@ -44,7 +46,7 @@ class AssociationWalk {
   CIMApi::Instances run();
 
  private:
-  // An end that has been met, in order; its object is known when it is stored.
+  // An instance that has been met, in order; its object is known when it is stored.
   struct End {
     QORSmrPtr<IQoriInstanceName> name;
     QORString path;
@@ -59,6 +61,7 @@ class AssociationWalk {
   void walkOuter();
   void meetEnds(const CQoriClass& association, const IQoriObject& object);
   void meetOtherEnds(const CQoriClass& association, const IQoriObject& object, QORuint32 sourcePosition);
+  void meet(const QORSmrPtr<IQoriInstanceName>& name);
   bool isResult(const ClassEntry& entry) const;
   void resolveStored();
   CIMApi::Instances collect();

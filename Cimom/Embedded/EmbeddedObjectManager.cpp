@@ -5,6 +5,7 @@
 #include <mutex>
 #include <utility>
 
+#include "Cimom/Embedded/AssociationWalk.h"
 #include "Cimom/Embedded/ClientCalls.h"
 #include "Cimom/Embedded/EmbeddedState.h"
 #include "Cimom/Embedded/MofText.h"
@@ -211,6 +212,18 @@ QORSmrPtr<QORValSlist<QORSmrPtr<IQoriObject>>> EmbeddedObjectManager::ownInstanc
   const auto own = embedded::ownInstances(*_state->store, nameSpace, className, propertyNames);
   return embedded::withOuterInstances(*_state, own, {nameSpace, className, propertyNames},
                                       embedded::OuterPart::OfTheClassItself);
+}
+
+QORSmrPtr<QORValSlist<QORSmrPtr<IQoriObject>>> EmbeddedObjectManager::references(
+    const QORString& nameSpace, const QORSmrPtr<IQoriInstanceName>& source, const QORString& associationClass,
+    const QORSmrPtr<QORValSlist<QORString>>& propertyNames, const QORString& role) const {
+  if (source.IsNull()) return {};
+  embedded::provideClass(*_state, nameSpace, associationClass);
+  embedded::LiveSnapshot live;
+  embedded::OuterSnapshot outer;
+  const embedded::AssociationRequest request{nameSpace, source, associationClass, associationClass, propertyNames, role,
+                                             {},        true};
+  return embedded::AssociationWalk(*_state, live, outer, request).run();
 }
 
 QORSmrPtr<IQoriInstanceName> EmbeddedObjectManager::createInstance(const QORString& nameSpace,

@@ -87,6 +87,15 @@ class EmbeddedObjectManager {
       const QORString& nameSpace, const QORString& className,
       const QORSmrPtr<QORValSlist<QORString>>& propertyNames) const;
 
+  // The associations of a class (an empty name: any) that refer to the source, by the named property (empty: any), with
+  // the properties that are named; null: all. Null for an unknown namespace or class, or a null source. As
+  // CIMApi::associators in all else.
+  QORSmrPtr<QORValSlist<QORSmrPtr<IQoriObject>>> references(const QORString& nameSpace,
+                                                            const QORSmrPtr<IQoriInstanceName>& source,
+                                                            const QORString& associationClass,
+                                                            const QORSmrPtr<QORValSlist<QORString>>& propertyNames,
+                                                            const QORString& role) const;
+
   // Changes to stored instances. THROW as CimDeclarationSink::createInstance.
   QORSmrPtr<IQoriInstanceName> createInstance(const QORString& nameSpace, const CimInstanceDeclaration& declaration);
   // Sets the given properties of an existing instance; keys cannot change.

@@ -51,6 +51,19 @@ TEST_F(AssociationCalls, AssociationAndResultClassIncludeSubclassesAndIgnoreCase
   EXPECT_THAT(ids(associators(source, "CIM_Disk")), IsEmpty()) << "no association at all";
 }
 
+TEST_F(AssociationCalls, ReferencesAreTheAssociationsInTheOrderOfTheirCreation) {
+  const Name source = createDisk("s");
+  const Name a = createDisk("a");
+  const Name second = createUses(a, source);
+  const Name first = createUses(source, a);
+  const auto found = manager.references(kSpace, source, "", {}, "");
+  EXPECT_THAT(paths(found), ElementsAre(second->toString().c_str(), first->toString().c_str()));
+  EXPECT_THAT(propertyNames(found->first()), ElementsAre("User", "Used"));
+  EXPECT_EQ(1u, manager.references(kSpace, source, "CIM_Uses", {}, "User")->entries());
+  EXPECT_TRUE(manager.references(kSpace, source, "CIM_None", {}, "").IsNull());
+  EXPECT_TRUE(manager.references(kSpace, {}, "", {}, "").IsNull());
+}
+
 TEST_F(AssociationCalls, UnknownNamesAndANullSourceGiveANullList) {
   const Name source = createDisk("s");
   EXPECT_TRUE(associators(source, "CIM_None").IsNull());
