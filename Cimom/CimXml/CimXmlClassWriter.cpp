@@ -34,12 +34,16 @@ void CimXmlWriter::writeFlavors(bool overridable, bool toSubclass, bool translat
   if (translatable) writeAttribute("TRANSLATABLE", "true");
 }
 
-void CimXmlWriter::writeQualifiers(const std::vector<CimQualifier>& qualifiers, bool withQualifiers) {
-  if (!withQualifiers) return;
-  for (const CimQualifier& qualifier : qualifiers) {
+// The first `own` ones are the class's own, the others inherited.
+void CimXmlWriter::writeQualifiers(const std::vector<CimQualifier>& qualifiers, const CimXmlClassMarks& marks,
+                                   std::size_t own) {
+  if (!marks.hasQualifiers) return;
+  for (std::size_t i = 0; i < qualifiers.size(); ++i) {
+    const CimQualifier& qualifier = qualifiers[i];
     _out += "<QUALIFIER";
     writeAttribute("NAME", qualifier.name.view());
     writeAttribute("TYPE", qualifierType(qualifier));
+    if (i >= own) writeAttribute("PROPAGATED", "true");
     writeFlavors(qualifier.overridable, qualifier.toSubclass, qualifier.translatable);
     _out += '>';
     if (qualifier.value.IsNull()) {
@@ -64,14 +68,21 @@ void CimXmlWriter::writeFeatureAttributes(const CimPropertyDeclaration& feature)
   }
 }
 
-void CimXmlWriter::writePropertyDeclaration(const CimPropertyDeclaration& property, bool withQualifiers) {
+void CimXmlWriter::writeMarks(const CimXmlClassMarks& marks, const CimXmlFeatureMarks& own) {
+  if (marks.hasOrigins && !own.origin.isEmpty()) writeAttribute("CLASSORIGIN", own.origin.view());
+  if (own.isPropagated) writeAttribute("PROPAGATED", "true");
+}
+
+void CimXmlWriter::writePropertyDeclaration(const CimPropertyDeclaration& property, const CimXmlClassMarks& marks,
+                                            const CimXmlFeatureMarks& own) {
   const char* const element = isReference(property)      ? "PROPERTY.REFERENCE"
                               : property.type->isArray() ? "PROPERTY.ARRAY"
                                                          : "PROPERTY";
   _out.append("<").append(element);
   writeFeatureAttributes(property);
+  writeMarks(marks, own);
   _out += '>';
-  writeQualifiers(property.qualifiers, withQualifiers);
+  writeQualifiers(property.qualifiers, marks, own.ownQualifiers);
   if (!property.defaultValue.IsNull()) {
     if (isReference(property)) {
       writeReference(*property.defaultValue->getReference());
@@ -82,7 +93,7 @@ void CimXmlWriter::writePropertyDeclaration(const CimPropertyDeclaration& proper
   _out.append("</").append(element).append(">");
 }
 
-void CimXmlWriter::writeParameter(const CimPropertyDeclaration& parameter, bool withQualifiers) {
+void CimXmlWriter::writeParameter(const CimPropertyDeclaration& parameter, const CimXmlClassMarks& marks) {
   const bool isArray = parameter.type->isArray();
   const char* const element = isReference(parameter) ? (isArray ? "PARAMETER.REFARRAY" : "PARAMETER.REFERENCE")
                               : isArray              ? "PARAMETER.ARRAY"
@@ -90,30 +101,47 @@ void CimXmlWriter::writeParameter(const CimPropertyDeclaration& parameter, bool 
   _out.append("<").append(element);
   writeFeatureAttributes(parameter);
   _out += '>';
-  writeQualifiers(parameter.qualifiers, withQualifiers);
+  writeQualifiers(parameter.qualifiers, marks, parameter.qualifiers.size());
   _out.append("</").append(element).append(">");
 }
 
-void CimXmlWriter::writeMethod(const CimMethodDeclaration& method, bool withQualifiers) {
+void CimXmlWriter::writeMethod(const CimMethodDeclaration& method, const CimXmlClassMarks& marks,
+                               const CimXmlFeatureMarks& own) {
   _out += "<METHOD";
   writeAttribute("NAME", method.name.view());
   writeAttribute("TYPE", declaredType(*method.returnType));
+  writeMarks(marks, own);
   _out += '>';
-  writeQualifiers(method.qualifiers, withQualifiers);
-  for (const CimPropertyDeclaration& parameter : method.parameters) writeParameter(parameter, withQualifiers);
+  writeQualifiers(method.qualifiers, marks, own.ownQualifiers);
+  for (const CimPropertyDeclaration& parameter : method.parameters) writeParameter(parameter, marks);
   _out += "</METHOD>";
 }
 
 void CimXmlWriter::writeClass(const CimClassDeclaration& declaration, bool withQualifiers) {
+  CimXmlClassMarks marks;
+  marks.hasQualifiers = withQualifiers;
+  marks.ownQualifiers = declaration.qualifiers.size();
+  for (const CimPropertyDeclaration& each : declaration.properties) {
+    marks.properties.push_back({{}, false, each.qualifiers.size()});
+  }
+  for (const CimMethodDeclaration& each : declaration.methods) {
+    marks.methods.push_back({{}, false, each.qualifiers.size()});
+  }
+  writeClass(declaration, marks);
+}
+
+void CimXmlWriter::writeClass(const CimClassDeclaration& declaration, const CimXmlClassMarks& marks) {
   _out += "<CLASS";
   writeAttribute("NAME", declaration.name.view());
   if (!declaration.superClass.isEmpty()) writeAttribute("SUPERCLASS", declaration.superClass.view());
   _out += '>';
-  writeQualifiers(declaration.qualifiers, withQualifiers);
-  for (const CimPropertyDeclaration& property : declaration.properties) {
-    writePropertyDeclaration(property, withQualifiers);
+  writeQualifiers(declaration.qualifiers, marks, marks.ownQualifiers);
+  for (std::size_t i = 0; i < declaration.properties.size(); ++i) {
+    writePropertyDeclaration(declaration.properties[i], marks, marks.properties[i]);
   }
-  for (const CimMethodDeclaration& method : declaration.methods) writeMethod(method, withQualifiers);
+  for (std::size_t i = 0; i < declaration.methods.size(); ++i) {
+    writeMethod(declaration.methods[i], marks, marks.methods[i]);
+  }
   _out += "</CLASS>";
 }
 

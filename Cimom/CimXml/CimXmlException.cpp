@@ -57,11 +57,12 @@ std::string cimxml::statusText(QORuint32 status) {
   return name + (" (" + std::to_string(status) + ')');
 }
 
-CimXmlException::CimXmlException(const std::string& message, QORuint64 line, QORuint64 column)
+CimXmlException::CimXmlException(const std::string& message, QORuint64 line, QORuint64 column, Kind kind)
     : QoriBaseException("CIM_Xml", "CimXml", "XmlPull", withPlace(message, line, column), 1),
       _fault(message),
       _line(line),
-      _column(column) {}
+      _column(column),
+      _kind(kind) {}
 
 CimXmlException::~CimXmlException() = default;
 

@@ -14,7 +14,13 @@
 // count from 1, a column is one byte.
 class CimXmlException : public QoriBaseException {
  public:
-  CimXmlException(const std::string& message, QORuint64 line, QORuint64 column);
+  enum class Kind {
+    Form,       // it is no well-formed XML
+    Structure,  // its elements are not those of CIM-XML, or go beyond a bound
+    Value       // a text in it is no value of its type
+  };
+
+  CimXmlException(const std::string& message, QORuint64 line, QORuint64 column, Kind kind = Kind::Structure);
   CimXmlException(const CimXmlException&) = default;
   CimXmlException& operator=(const CimXmlException&) = default;
   ~CimXmlException() override;
@@ -23,11 +29,13 @@ class CimXmlException : public QoriBaseException {
   const QORString& getFault() const noexcept { return _fault; }
   QORuint64 getLine() const noexcept { return _line; }
   QORuint64 getColumn() const noexcept { return _column; }
+  Kind getKind() const noexcept { return _kind; }
 
  private:
   QORString _fault;
   QORuint64 _line;
   QORuint64 _column;
+  Kind _kind;
 };
 
 // The status that a server answers in place of a result. Type "CIM_Status", the

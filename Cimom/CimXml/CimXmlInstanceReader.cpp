@@ -154,8 +154,9 @@ IQoriValue::Pointer CimXmlInstanceReader::readText(Code type, std::string_view w
   if (type == Code::Object) return embeddedObject(text, what);
   IQoriValue::Pointer value;
   if (cimxml::readValue(text, type, value)) return value;
-  _xml.raise("found " + shown(text) + " for " + std::string(what) + ", expected a " +
-             std::string(cimxml::typeName(type)));
+  _xml.raise(
+      "found " + shown(text) + " for " + std::string(what) + ", expected a " + std::string(cimxml::typeName(type)),
+      CimXmlException::Kind::Value);
 }
 
 IQoriValue::Pointer CimXmlInstanceReader::readArray(Code type, std::string_view what) {
@@ -196,6 +197,7 @@ IQoriValue::Pointer CimXmlInstanceReader::embeddedObject(std::string_view text, 
     document.finish();
     return IQoriValue::Pointer(new CQoriValue(object));
   } catch (const CimXmlException& fault) {
-    _xml.raise("the object in " + std::string(what) + " cannot be read: " + std::string(fault.getFault().view()));
+    _xml.raise("the object in " + std::string(what) + " cannot be read: " + std::string(fault.getFault().view()),
+               CimXmlException::Kind::Value);
   }
 }

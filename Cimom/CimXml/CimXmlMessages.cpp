@@ -14,6 +14,23 @@ void beginMessage(std::string& text, CimXmlWriter& writer, std::string_view mess
   text += " PROTOCOLVERSION=\"1.0\">";
 }
 
+// The elements around a reply's content.
+struct ResponseElements {
+  const char* outer;
+  const char* inner;
+};
+
+ResponseElements elementsOf(CimXmlRequest::Kind kind) noexcept {
+  switch (kind) {
+    case CimXmlRequest::Kind::Method:
+      return {"SIMPLERSP", "METHODRESPONSE"};
+    case CimXmlRequest::Kind::Export:
+      return {"SIMPLEEXPRSP", "EXPMETHODRESPONSE"};
+    default:
+      return {"SIMPLERSP", "IMETHODRESPONSE"};
+  }
+}
+
 }  // namespace
 
 CimXmlCall::CimXmlCall(std::string_view messageId, std::string_view operation, const QORString& nameSpace)
@@ -68,9 +85,11 @@ std::string CimXmlCall::finish() {
   return std::move(_text);
 }
 
-CimXmlResponse::CimXmlResponse(std::string_view messageId, std::string_view operation) : _writer(_text) {
+CimXmlResponse::CimXmlResponse(std::string_view messageId, std::string_view operation, CimXmlRequest::Kind kind)
+    : _kind(kind), _writer(_text) {
+  const ResponseElements elements = elementsOf(kind);
   beginMessage(_text, _writer, messageId);
-  _text += "<SIMPLERSP><IMETHODRESPONSE";
+  _text.append("<").append(elements.outer).append("><").append(elements.inner);
   _writer.writeAttribute("NAME", operation);
   _text += '>';
 }
@@ -110,7 +129,8 @@ void CimXmlResponse::setError(QORuint32 status, std::string_view description) {
 std::string CimXmlResponse::take() { return std::exchange(_text, std::string()); }
 
 std::string CimXmlResponse::finish() {
+  const ResponseElements elements = elementsOf(_kind);
   endValues();
-  _text += "</IMETHODRESPONSE></SIMPLERSP></MESSAGE></CIM>\n";
+  _text.append("</").append(elements.inner).append("></").append(elements.outer).append("></MESSAGE></CIM>\n");
   return take();
 }

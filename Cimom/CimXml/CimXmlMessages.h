@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "Cimom/CimXml/CimXmlRequest.h"
 #include "Cimom/CimXml/CimXmlWriter.h"
 #include "cimom/IQoriInstanceName.h"
 #include "cmpbase.h"
@@ -38,10 +39,11 @@ class CimXmlCall {
   CimXmlWriter _writer;
 };
 
-// The reply to one call. Values first, then outputs; or an error alone.
+// The reply to one call of that kind. Values first, then outputs; or an error alone.
 class CimXmlResponse {
  public:
-  CimXmlResponse(std::string_view messageId, std::string_view operation);
+  CimXmlResponse(std::string_view messageId, std::string_view operation,
+                 CimXmlRequest::Kind kind = CimXmlRequest::Kind::Operation);
   CimXmlResponse(const CimXmlResponse&) = delete;
   CimXmlResponse& operator=(const CimXmlResponse&) = delete;
 
@@ -61,6 +63,7 @@ class CimXmlResponse {
   void endValues();
   void addOutput(const char* name, const char* type, std::string_view value);
 
+  const CimXmlRequest::Kind _kind;
   std::string _text;
   CimXmlWriter _writer;
   bool _hasValues = false;

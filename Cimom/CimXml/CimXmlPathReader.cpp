@@ -173,6 +173,7 @@ IQoriValue::Pointer CimXmlPathReader::readKeyValue() {
   if (type >= CQoriType::Code::Reference) return cimxml::readKeyValue(text, valueType);
   IQoriValue::Pointer value;
   if (cimxml::readValue(text, type, value)) return value;
-  _xml.raise("found \"" + std::string(text.substr(0, 60)) + "\" as a key, expected a " +
-             std::string(cimxml::typeName(type)));
+  _xml.raise(
+      "found \"" + std::string(text.substr(0, 60)) + "\" as a key, expected a " + std::string(cimxml::typeName(type)),
+      CimXmlException::Kind::Value);
 }

@@ -21,7 +21,7 @@ struct CimXmlParameter {
   Kind kind = Kind::Null;
   QORString text;                      // Text, ClassName
   std::vector<QORString> texts;        // Texts
-  QORSmrPtr<IQoriInstanceName> path;   // InstanceName
+  QORSmrPtr<IQoriInstanceName> path;   // InstanceName, ClassName
   CimXmlInstance instance;             // Instance; its name where the document gives one
   CimClassDeclaration classes;         // Class
   CimQualifierDeclaration qualifiers;  // Qualifier

@@ -12,6 +12,22 @@
 #include "cimom/IQoriObject.h"
 #include "cmpbase.h"
 
+// Where a property or a method of a class comes from.
+struct CimXmlFeatureMarks {
+  QORString origin;
+  bool isPropagated = false;      // inherited as it is
+  std::size_t ownQualifiers = 0;  // its first ones; the others are inherited
+};
+
+// What a class that is shown with all that it inherits says of that, by the positions in its declaration.
+struct CimXmlClassMarks {
+  bool hasQualifiers = true;
+  bool hasOrigins = false;
+  std::size_t ownQualifiers = 0;  // the first ones; the others are inherited
+  std::vector<CimXmlFeatureMarks> properties;
+  std::vector<CimXmlFeatureMarks> methods;
+};
+
 // Appends elements to a text, without blanks between them. What it writes is
 // valid against the document type definition of CIM-XML 2.4. Characters that
 // XML forbids are replaced. Objects that nest too deeply THROW QoriBaseException
@@ -49,6 +65,8 @@ class CimXmlWriter {
 
   // CLASS, with or without its qualifiers.
   void writeClass(const CimClassDeclaration& declaration, bool withQualifiers = true);
+  // The same with what is inherited marked; REQUIRES marks for each property and method.
+  void writeClass(const CimClassDeclaration& declaration, const CimXmlClassMarks& marks);
   void writeQualifierDeclaration(const CimQualifierDeclaration& declaration);
 
   // ` NAME="value"`, escaped.
@@ -63,11 +81,13 @@ class CimXmlWriter {
   void writeEmbedded(const IQoriObject& object);
   void writeClassObject(const IQoriObject& object);
   void writeObjectElement(const IQoriObject& object);
-  void writeQualifiers(const std::vector<CimQualifier>& qualifiers, bool withQualifiers);
+  void writeQualifiers(const std::vector<CimQualifier>& qualifiers, const CimXmlClassMarks& marks, std::size_t own);
   void writeFlavors(bool overridable, bool toSubclass, bool translatable);
-  void writePropertyDeclaration(const CimPropertyDeclaration& property, bool withQualifiers);
-  void writeMethod(const CimMethodDeclaration& method, bool withQualifiers);
-  void writeParameter(const CimPropertyDeclaration& parameter, bool withQualifiers);
+  void writePropertyDeclaration(const CimPropertyDeclaration& property, const CimXmlClassMarks& marks,
+                                const CimXmlFeatureMarks& own);
+  void writeMethod(const CimMethodDeclaration& method, const CimXmlClassMarks& marks, const CimXmlFeatureMarks& own);
+  void writeParameter(const CimPropertyDeclaration& parameter, const CimXmlClassMarks& marks);
+  void writeMarks(const CimXmlClassMarks& marks, const CimXmlFeatureMarks& own);
   void writeFeatureAttributes(const CimPropertyDeclaration& feature);
 
   std::string& _out;

@@ -9,9 +9,9 @@
 #include <exception>
 #include <utility>
 
-#include "Cimom/CimXml/CimXmlException.h"
-
 namespace cimxml {
+
+using Kind = CimXmlException::Kind;
 
 namespace {
 
@@ -122,13 +122,13 @@ struct XmlPull::Expat {
     return {XML_GetCurrentLineNumber(parser), XML_GetCurrentColumnNumber(parser) + 1};
   }
 
-  [[noreturn]] void refuse(const std::string& message) const {
+  [[noreturn]] void refuse(const std::string& message, CimXmlException::Kind kind) const {
     const Event::Place at = placeNow();
-    throw CimXmlException(message, at.line, at.column);
+    throw CimXmlException(message, at.line, at.column, kind);
   }
 
   void start(const char* name, const char** attributes) {
-    if (++depth > depthLimit) refuse("elements nest deeper than " + std::to_string(depthLimit));
+    if (++depth > depthLimit) refuse("elements nest deeper than " + std::to_string(depthLimit), Kind::Structure);
     Event& event = add(Event::Kind::Start, name);
     event.element = elementOf(name);
     for (; *attributes != nullptr; attributes += 2) {
@@ -168,7 +168,7 @@ struct XmlPull::Expat {
   }
   static void onDoctype(void* self, const char*, const char*, const char*, int) {
     Expat& expat = *static_cast<Expat*>(self);
-    expat.guarded([&] { expat.refuse("a DOCTYPE is not accepted"); });
+    expat.guarded([&] { expat.refuse("a DOCTYPE is not accepted", Kind::Structure); });
   }
 
   const std::size_t depthLimit;
@@ -201,8 +201,8 @@ XmlPull::XmlPull(std::string_view document, const Limits& limits)
 
 XmlPull::~XmlPull() = default;
 
-void XmlPull::raise(const std::string& message) const {
-  throw CimXmlException(message, _expat->place.line, _expat->place.column);
+void XmlPull::raise(const std::string& message, Kind kind) const {
+  throw CimXmlException(message, _expat->place.line, _expat->place.column, kind);
 }
 
 void XmlPull::raiseParserFault() const {
@@ -210,12 +210,12 @@ void XmlPull::raiseParserFault() const {
   if (fault == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
   // Which fault the parser sees after the document element, and where, depends on the sizes of the pieces.
   if (const Event::Place end = _expat->rootEnd; end.line != 0) {
-    throw CimXmlException(kGoesOn, end.line, end.column);
+    throw CimXmlException(kGoesOn, end.line, end.column, Kind::Form);
   }
   if (fault == XML_ERROR_NO_ELEMENTS || fault == XML_ERROR_UNCLOSED_TOKEN || fault == XML_ERROR_PARTIAL_CHAR) {
-    _expat->refuse("the document ends too early");
+    _expat->refuse("the document ends too early", Kind::Form);
   }
-  _expat->refuse(std::string("the document is not well-formed XML: ") + XML_ErrorString(fault));
+  _expat->refuse(std::string("the document is not well-formed XML: ") + XML_ErrorString(fault), Kind::Form);
 }
 
 // A fault waits until what stands before it has been taken, so that it does not
@@ -329,7 +329,7 @@ void XmlPull::skip() {
 }
 
 void XmlPull::finish() {
-  if (ahead().kind != Event::Kind::EndOfDocument) raise(kGoesOn);
+  if (ahead().kind != Event::Kind::EndOfDocument) raise(kGoesOn, Kind::Form);
 }
 
 }  // namespace cimxml

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "Cimom/CimXml/CimXmlElement.h"
+#include "Cimom/CimXml/CimXmlException.h"
 #include "cmpbase.h"
 
 namespace cimxml {
@@ -78,7 +79,8 @@ class XmlPull {
   void finish();
 
   // THROWS CimXmlException at the place that was read last.
-  [[noreturn]] void raise(const std::string& message) const;
+  [[noreturn]] void raise(const std::string& message,
+                          CimXmlException::Kind kind = CimXmlException::Kind::Structure) const;
 
   const Limits& limits() const noexcept { return _limits; }
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
 
+#include <algorithm>
 #include <mutex>
 #include <utility>
 
@@ -157,6 +158,19 @@ std::vector<CimPropertyDeclaration> EmbeddedObjectManager::allProperties(const Q
   const ReadLock lock(_state->store->mutex());
   const ClassEntry* const entry = _state->store->findClass(nameSpace, className, View::Committed);
   return entry == nullptr ? std::vector<CimPropertyDeclaration>() : entry->model->properties();
+}
+
+std::vector<CimQualifierDeclaration> EmbeddedObjectManager::qualifiers(const QORString& nameSpace) const {
+  if (_state->outer != nullptr) _state->outer->provideQualifiers(_state->sink, nameSpace);
+  std::vector<CimQualifierDeclaration> declared;
+  const ReadLock lock(_state->store->mutex());
+  const NameSpace* const space = _state->store->findNameSpace(nameSpace, View::Committed);
+  if (space == nullptr) return declared;
+  for (const auto& [name, declaration] : space->qualifiers) declared.push_back(declaration);
+  std::sort(declared.begin(), declared.end(), [](const auto& a, const auto& b) {
+    return QORString::toUpperCase(a.name).view() < QORString::toUpperCase(b.name).view();
+  });
+  return declared;
 }
 
 QORString EmbeddedObjectManager::classMof(const QORString& nameSpace, const QORString& className,

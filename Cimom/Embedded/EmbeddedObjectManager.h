@@ -62,6 +62,10 @@ class EmbeddedObjectManager {
   // All properties of a class, inherited first, in the order in which instances show them.
   std::vector<CimPropertyDeclaration> allProperties(const QORString& nameSpace, const QORString& className) const;
 
+  // The declarations of a namespace's qualifiers by name, the outer source's included; none when it does not exist.
+  // THROWS as the outer source.
+  std::vector<CimQualifierDeclaration> qualifiers(const QORString& nameSpace) const;
+
   // MOF text of a class, which reads back as the same declaration: alone, or
   // with what it needs in front, the declarations of the qualifiers in it and
   // its superclasses from the root on. A null string when there is no such class.

@@ -15,18 +15,20 @@ constexpr QORuint32 kNotSupported = 7;
 constexpr QORuint32 kMethodNotAvailable = 16;
 constexpr QORuint32 kGreatestStatus = 28;
 
-std::unique_ptr<ServerReply> refuse(const ServerCall& call, QORuint32 status, std::string_view description) {
-  call.note.status = status;
-  call.note.statusText = description;
-  CimXmlResponse response(call.request.messageId, call.request.operation);
-  response.setError(status, description);
-  return std::make_unique<WholeReply>(response.finish());
+// A refusal's text without its status; that of a failure as it is.
+std::string_view descriptionOf(const QoriBaseException& failure) noexcept {
+  const auto* const refusal = dynamic_cast<const CimStatusException*>(&failure);
+  return refusal == nullptr ? failure.getMessage().view() : refusal->getDescription().view();
 }
 
 }  // namespace
 
 struct ServerOperations::State {
+  // THROWS CimStatusException when nobody answers such a call.
+  const Operation& find(const CimXmlRequest& request) const;
+
   std::unordered_map<std::string, Operation> operations;
+  Operation methods;
 };
 
 ServerOperations::ServerOperations() : _state(std::make_unique<State>()) {}
@@ -36,22 +38,37 @@ void ServerOperations::add(const char* name, Operation operation) {
   _state->operations.insert_or_assign(name, std::move(operation));
 }
 
+void ServerOperations::setMethods(Operation operation) { _state->methods = std::move(operation); }
+
+std::unique_ptr<ServerReply> ServerOperations::refuse(const ServerCall& call, const QoriBaseException& failure) {
+  const bool isStatus = failure.getCode() >= kFailed && failure.getCode() <= kGreatestStatus;
+  call.note.operation = call.request.operation;
+  call.note.nameSpace = call.request.nameSpace.view();
+  call.note.status = isStatus ? failure.getCode() : kFailed;
+  call.note.statusText = descriptionOf(failure);
+  CimXmlResponse response(call.request.messageId, call.request.operation, call.request.kind);
+  response.setError(call.note.status, call.note.statusText);
+  return std::make_unique<WholeReply>(response.finish());
+}
+
+const ServerOperations::Operation& ServerOperations::State::find(const CimXmlRequest& request) const {
+  if (request.kind == CimXmlRequest::Kind::Method) {
+    if (methods) return methods;
+    throw CimStatusException(kMethodNotAvailable, "methods cannot be called here");
+  }
+  const auto found = operations.find(request.operation);
+  if (found == operations.end() || request.kind == CimXmlRequest::Kind::Export) {
+    throw CimStatusException(kNotSupported, "there is no operation " + request.operation);
+  }
+  return found->second;
+}
+
 std::unique_ptr<ServerReply> ServerOperations::answer(const ServerCall& call) const {
   call.note.operation = call.request.operation;
   call.note.nameSpace = call.request.nameSpace.view();
-  if (call.request.kind != CimXmlRequest::Kind::Operation) {
-    return refuse(call, kMethodNotAvailable, "methods cannot be called here");
-  }
-  const auto found = _state->operations.find(call.request.operation);
-  if (found == _state->operations.end()) {
-    return refuse(call, kNotSupported, "there is no operation " + call.request.operation);
-  }
   try {
-    return found->second(call);
-  } catch (const CimStatusException& refusal) {
-    return refuse(call, refusal.getCode(), refusal.getDescription().view());
+    return _state->find(call.request)(call);
   } catch (const QoriBaseException& failure) {
-    const bool isStatus = failure.getCode() >= kFailed && failure.getCode() <= kGreatestStatus;
-    return refuse(call, isStatus ? failure.getCode() : kFailed, failure.getMessage().view());
+    return refuse(call, failure);
   }
 }

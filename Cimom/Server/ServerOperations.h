@@ -35,8 +35,12 @@ class ServerOperations {
 
   // An intrinsic operation, by its name in the standard's spelling.
   void add(const char* name, Operation operation);
-  // Answers a call of any kind; one that nobody has added with 7, a method with 16 or 17.
+  // What answers the calls of methods; without it, all are refused with 16.
+  void setMethods(Operation operation);
+  // Answers a call of any kind; one that nobody has added with 7.
   std::unique_ptr<ServerReply> answer(const ServerCall& call) const;
+  // The reply that tells of the failure.
+  static std::unique_ptr<ServerReply> refuse(const ServerCall& call, const QoriBaseException& failure);
 
  private:
   struct State;

@@ -1,11 +1,7 @@
 // What is written: valid against the DMTF's document type definition, and read back as it was.
 // SPDX-License-Identifier: Apache-2.0
-#include <libxml/parser.h>
-#include <libxml/valid.h>
-
-#include <memory>
-
 #include "CimXmlFixture.h"
+#include "CimXmlJudge.h"
 #include "Cimom/CimXml/CimXmlPathReader.h"
 #include "Cimom/CimXml/CimXmlValues.h"
 #include "Cimom/Model/ModelInstance.h"
@@ -40,39 +36,6 @@ constexpr const char* kModel =
     "instance of Link { From = $a; To = $b; };\n"
     "instance of Link { From = $b; To = $b; };\n";
 
-// The DMTF's document type definition judges whole documents.
-class Judge {
- public:
-  Judge()
-      : _dtd(xmlParseDTD(nullptr,
-                         reinterpret_cast<const xmlChar*>(QORQL_SOURCE_DIR "/tests/support/CIM_DTD_V24.dtd"))) {}
-  ~Judge() { xmlFreeDtd(_dtd); }
-  Judge(const Judge&) = delete;
-  Judge& operator=(const Judge&) = delete;
-
-  // What is wrong with the document; empty when it is valid.
-  std::string verdict(const std::string& document) const {
-    if (_dtd == nullptr) return "the document type definition cannot be read";
-    std::string faults;
-    const std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)> parsed(
-        xmlReadMemory(document.data(), static_cast<int>(document.size()), "document.xml", "UTF-8",
-                      XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NONET),
-        &xmlFreeDoc);
-    if (!parsed) return "not well-formed: " + document;
-    const std::unique_ptr<xmlValidCtxt, decltype(&xmlFreeValidCtxt)> context(xmlNewValidCtxt(), &xmlFreeValidCtxt);
-    context->userData = &faults;
-    context->error = &takeFault;
-    context->warning = context->error;
-    return xmlValidateDtd(context.get(), parsed.get(), _dtd) == 1 ? "" : "invalid: " + faults + document;
-  }
-
- private:
-  // The format alone tells what is wrong; the document follows in the verdict.
-  static void takeFault(void* to, const char* format, ...) { *static_cast<std::string*>(to) += format; }
-
-  xmlDtd* _dtd;
-};
-
 class CimXmlWriting : public cimxmltest::CimXmlTest {
  protected:
   CimXmlWriting() { load(kModel); }
@@ -106,10 +69,10 @@ class CimXmlWriting : public cimxmltest::CimXmlTest {
     return declaration;
   }
 
-  const Judge& judge() const { return _judge; }
+  const CimXmlJudge& judge() const { return _judge; }
 
  private:
-  const Judge _judge;
+  const CimXmlJudge _judge;
 };
 
 TEST_F(CimXmlWriting, WritesInstancesOfEveryTypeThatAreReadBackAsTheyWere) {

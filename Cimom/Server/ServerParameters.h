@@ -1,0 +1,25 @@
+// What every operation asks of the parameters of its calls.
+// Tested by tests/unit/Server/ClassOperationsTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
+#ifndef QORQL_SERVER_SERVERPARAMETERS_H
+#define QORQL_SERVER_SERVERPARAMETERS_H
+
+#include <initializer_list>
+
+#include "Cimom/CimXml/CimXmlRequest.h"
+
+// All THROW CimStatusException, status 4.
+namespace serverparameters {
+
+// Refuses a call that has a parameter besides these.
+void allowOnly(const CimXmlRequest& request, std::initializer_list<const char*> known);
+
+// Parameters that must be there.
+QORString className(const CimXmlRequest& request, const char* name);
+QORString text(const CimXmlRequest& request, const char* name);
+QORSmrPtr<IQoriInstanceName> instanceName(const CimXmlRequest& request, const char* name);
+const CimXmlInstance& instance(const CimXmlRequest& request, const char* name);
+
+}  // namespace serverparameters
+
+#endif
