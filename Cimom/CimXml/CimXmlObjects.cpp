@@ -69,37 +69,72 @@ IQoriValue::Pointer typed(const CimXmlInstance& instance, const CimXmlProperty& 
   return value;
 }
 
-// A value that arrived as another type than the declared one. An integer must be
-// the same number then; all other conversions are those of values.
-void requireSame(const CimXmlInstance& instance, const CimXmlProperty& property, const IQoriValue::Pointer& value,
-                 const QORSmrPtr<IQoriType>& type) {
+[[noreturn]] void raiseWrongType(const CimXmlInstance& instance, const CimXmlProperty& property, Code given,
+                                 const IQoriType& type) {
+  throw QoriBaseException("CIM_Value", "CimXml", "CimXmlObjects::make",
+                          "found a " + QORString(cimxml::typeName(given)) + (property.isArray ? "[]" : "") +
+                              " for property " + property.name + " of class " + instance.className + ", expected a " +
+                              type.getName() + (type.isArray() ? "[]" : ""),
+                          0);
+}
+
+bool isNumber(Code code) noexcept { return code <= Code::Real64; }
+
+// Whether what arrived as the one type can be said in the other. Objects and references are settled where they are
+// stored.
+bool canStandFor(Code given, Code declared) noexcept {
+  if (given == declared || given >= Code::Reference || declared >= Code::Reference || declared == Code::String) {
+    return true;
+  }
+  return (isNumber(given) && isNumber(declared)) || (given == Code::String && declared == Code::DateTime);
+}
+
+// A number must stay the same number, but for one that is rounded to the declared real.
+IQoriValue::Pointer sameNumber(const CimXmlInstance& instance, const CimXmlProperty& property,
+                               const IQoriValue::Pointer& value, Code given, const QORSmrPtr<IQoriType>& type) {
   const Code code = CQoriType::codeOf(*type);
-  if (value.IsNull() || code > Code::Uint64) return;
-  const Code given = CQoriType::codeOf(*value->getType());
-  if (given == code || given > Code::Real64) return;
+  if (given >= Code::Real32 && code >= Code::Real32) return value;
   const CQoriValue converted(*value, cimxml::scalarType(code));
   if (converted.relate(QoriRelation::Equal, *value) != QoriTruth::True) raiseWrongValue(instance, property, *type);
+  return value;
 }
 
-void requireSameNumbers(const CimXmlInstance& instance, const CimXmlProperty& property,
-                        const QORSmrPtr<IQoriType>& type) {
-  if (property.value.IsNull() || property.type == CQoriType::codeOf(*type)) return;
-  if (!property.value->isArray()) return requireSame(instance, property, property.value, type);
-  QORValSlistIterator<IQoriValue::Pointer> it(*property.value->getArray());
-  while (++it) requireSame(instance, property, it.key(), type);
+// A value that arrived as another type than the declared one, null for NULL.
+IQoriValue::Pointer adapted(const CimXmlInstance& instance, const CimXmlProperty& property,
+                            const IQoriValue::Pointer& value, const QORSmrPtr<IQoriType>& type) {
+  if (value.IsNull()) return value;
+  const Code code = CQoriType::codeOf(*type);
+  const Code given = CQoriType::codeOf(*value->getType());
+  if (!canStandFor(given, code)) raiseWrongType(instance, property, given, *type);
+  if (given == Code::String && code == Code::DateTime) return typed(instance, property, value, *type);
+  return isNumber(given) && isNumber(code) ? sameNumber(instance, property, value, given, type) : value;
 }
 
+// An array's elements are changed one by one.
+template <class Change>
+IQoriValue::Pointer changed(const IQoriValue::Pointer& value, const QORSmrPtr<IQoriType>& type, const Change& change) {
+  if (!value->isArray()) return change(value);
+  QORSmrPtr<IQoriValue::List> elements(new IQoriValue::List);
+  QORValSlistIterator<IQoriValue::Pointer> it(*value->getArray());
+  while (++it) elements->append(change(it.key()));
+  return IQoriValue::Pointer(new CQoriValue(elements, type));
+}
+
+// Of the declared type, or of one whose values the declared type can say.
 IQoriValue::Pointer typedValue(const CimXmlInstance& instance, const CimXmlProperty& property,
                                const QORSmrPtr<IQoriType>& type) {
-  if (property.type != Code::Unknown || property.value.IsNull()) {
-    requireSameNumbers(instance, property, type);
-    return property.value;
+  const Code code = CQoriType::codeOf(*type);
+  const IQoriValue::Pointer& value = property.value;
+  if (value.IsNull() || (property.type == code && property.isArray == type->isArray())) return value;
+  const bool isText = property.type == Code::Unknown;
+  if (property.isArray != type->isArray()) {
+    raiseWrongType(instance, property, isText ? Code::String : property.type, *type);
   }
-  if (!property.isArray) return typed(instance, property, property.value, *type);
-  QORSmrPtr<IQoriValue::List> elements(new IQoriValue::List);
-  QORValSlistIterator<IQoriValue::Pointer> it(*property.value->getArray());
-  while (++it) elements->append(typed(instance, property, it.key(), *type));
-  return IQoriValue::Pointer(new CQoriValue(elements, type));
+  if (isText) {
+    return changed(value, type, [&](const auto& one) { return typed(instance, property, one, *type); });
+  }
+  const QORSmrPtr<IQoriType> kept = code == Code::DateTime ? type : value->getType();
+  return changed(value, kept, [&](const auto& one) { return adapted(instance, property, one, type); });
 }
 
 }  // namespace

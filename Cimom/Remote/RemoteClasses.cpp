@@ -26,38 +26,6 @@ CimPropertyDeclaration* findProperty(CimClassDeclaration& declaration, const QOR
   return found == declaration.properties.end() ? nullptr : &*found;
 }
 
-// Integers with a sign, integers without, reals; 0 for all others.
-int familyOf(CQoriType::Code code) noexcept {
-  if (code > CQoriType::Code::Real64) return 0;
-  if (code >= CQoriType::Code::Real32) return 3;
-  return static_cast<int>(code) % 2 == 0 ? 1 : 2;
-}
-
-// Whether the one type has all values of the other, and more.
-bool isWider(const IQoriType& one, const IQoriType& other) {
-  const CQoriType::Code code = CQoriType::codeOf(one);
-  const CQoriType::Code otherCode = CQoriType::codeOf(other);
-  const bool isAlike = one.isArray() == other.isArray() && familyOf(code) == familyOf(otherCode);
-  return isAlike && familyOf(code) != 0 && code > otherCode;
-}
-
-// Where servers have different versions of a class it has the properties of all of them; what they
-// tell in different ways is as the first of them has it, but a number as the one with the widest type has it.
-CimClassDeclaration unionOf(std::vector<CimClassDeclaration>&& declarations) {
-  CimClassDeclaration all = std::move(declarations.front());
-  for (std::size_t i = 1; i < declarations.size(); ++i) {
-    for (CimPropertyDeclaration& property : declarations[i].properties) {
-      CimPropertyDeclaration* const known = findProperty(all, property.name);
-      if (known == nullptr) {
-        all.properties.push_back(std::move(property));
-      } else if (isWider(*property.type, *known->type)) {
-        *known = std::move(property);
-      }
-    }
-  }
-  return all;
-}
-
 // Whatever ends it, a class can be asked for again.
 class UnderWay {
  public:
@@ -103,20 +71,24 @@ bool RemoteClasses::forgetIncomplete() {
 
 bool RemoteClasses::provideLocked(CimDeclarationSink& sink, const QORString& nameSpace, const QORString& className) {
   if (!sink.findClass(nameSpace, className).IsNull()) return true;
-  const std::optional<CimClassDeclaration>& fetched = declarationOf(nameSpace, className);
+  const std::optional<RemoteUnion>& fetched = declarationOf(nameSpace, className);
   if (!fetched.has_value()) return false;
-  CimClassDeclaration declaration = *fetched;
-  const QORString& superClass = declaration.superClass;
+  CimClassDeclaration declaration = fetched->declaration;
+  const std::vector<QORString> superClasses = fetched->superClasses;
   const std::string key = keyOf(nameSpace, className);
   if (!_underWay.insert(key).second) raise(className, "class " + className + " derives from itself on the server");
   const UnderWay underWay(_underWay, key);
   if (_underWay.size() > CQoriClass::kMaximumDepth)
     raise(className, "class " + className + " has superclasses without end");
   try {
-    if (!superClass.isEmpty() && !provideLocked(sink, nameSpace, superClass)) {
+    for (const QORString& superClass : superClasses) {
+      if (provideLocked(sink, nameSpace, superClass)) continue;
       raise(className, "the server has class " + className + ", but not its superclass " + superClass);
     }
-    if (_hasServerNames) addServerProperty(sink, nameSpace, declaration);
+    if (_hasServerNames) {
+      remote::settleInheritance(sink, nameSpace, superClasses, declaration);
+      addServerProperty(sink, nameSpace, declaration);
+    }
     sink.createNamespace(nameSpace);
     sink.declareClass(nameSpace, declaration);
   } catch (const CQoriProviderException&) {
@@ -127,14 +99,13 @@ bool RemoteClasses::provideLocked(CimDeclarationSink& sink, const QORString& nam
   return true;
 }
 
-const std::optional<CimClassDeclaration>& RemoteClasses::declarationOf(const QORString& nameSpace,
-                                                                       const QORString& className) {
+const std::optional<RemoteUnion>& RemoteClasses::declarationOf(const QORString& nameSpace, const QORString& className) {
   const std::string key = keyOf(nameSpace, className);
   const auto known = _fetched.find(key);
   if (known != _fetched.end()) return known->second;
   Fetched fetched = _fetch(nameSpace, className);
-  std::optional<CimClassDeclaration> one;
-  if (!fetched.declarations.empty()) one = unionOf(std::move(fetched.declarations));
+  std::optional<RemoteUnion> one;
+  if (!fetched.declarations.empty()) one = remote::unionOf(std::move(fetched.declarations));
   if (one.has_value() && !fetched.isComplete) _incomplete.insert(key);
   return _fetched.emplace(key, std::move(one)).first->second;
 }

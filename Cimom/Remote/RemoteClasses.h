@@ -14,6 +14,7 @@
 
 #include "Cimom/Embedded/CQoriClass.h"
 #include "Cimom/Embedded/CimDeclarationSink.h"
+#include "Cimom/Remote/RemoteUnion.h"
 
 // Any thread may ask; those that ask at the same time wait for each other.
 class RemoteClasses {
@@ -45,15 +46,15 @@ class RemoteClasses {
 
  private:
   bool provideLocked(CimDeclarationSink& sink, const QORString& nameSpace, const QORString& className);
-  const std::optional<CimClassDeclaration>& declarationOf(const QORString& nameSpace, const QORString& className);
+  const std::optional<RemoteUnion>& declarationOf(const QORString& nameSpace, const QORString& className);
   void addServerProperty(CimDeclarationSink& sink, const QORString& nameSpace, CimClassDeclaration& declaration) const;
 
   const Fetch _fetch;
   const bool _hasServerNames;
-  std::recursive_mutex _mutex;                                         // guards what follows
-  std::map<std::string, std::optional<CimClassDeclaration>> _fetched;  // by namespace and class in upper case
-  std::set<std::string> _incomplete;                                   // of those that were fetched
-  std::set<std::string> _underWay;                                     // whose superclasses are being provided
+  std::recursive_mutex _mutex;                                 // guards what follows
+  std::map<std::string, std::optional<RemoteUnion>> _fetched;  // by namespace and class in upper case
+  std::set<std::string> _incomplete;                           // of those that were fetched
+  std::set<std::string> _underWay;                             // whose superclasses are being provided
 };
 
 #endif

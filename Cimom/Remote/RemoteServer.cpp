@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "Cimom/CimXml/CimXmlException.h"
+#include "Cimom/Remote/RemoteBatches.h"
 #include "Cimom/Remote/RemoteNames.h"
 
 namespace {
@@ -26,9 +27,6 @@ enum Status : QORuint32 {
 
 // Of queries, in the order in which they are tried.
 constexpr const char* kLanguages[] = {"DMTF:CQL", "CQL", "WQL"};
-
-// Replies without an instance that a server may send one after the other before it says that there are no more.
-constexpr int kEmptyReplies = 1000;
 
 // A namespace as the value of a header.
 std::string percentEncoded(std::string_view text) {
@@ -70,7 +68,6 @@ struct Batch {
   std::string context;
   bool isLast = false;
   bool saysWhetherLast = false;
-  std::uint64_t instances = 0;
 };
 
 void noteOutput(const CimXmlReply& reply, Batch& batch) {
@@ -86,7 +83,6 @@ void readInstances(CimXmlReply& reply, RemoteCall& record, const RemoteServer::T
     if (item == Item::Output) noteOutput(reply, batch);
     if (item != Item::Instance) continue;
     ++record.items;
-    ++batch.instances;
     take(reply.takeInstance());
   }
 }
@@ -112,7 +108,7 @@ RemoteServer::RemoteServer(RemoteServerOptions options, RemoteCallLog& log, cons
 // What the caller's own code throws has its message already.
 void RemoteServer::call(Line& line, const char* operation, const QORString& nameSpace, const QORString& subject,
                         const Fill& fill, const Read& read) {
-  RemoteCall record{_options.name, operation, std::string(subject.view()), {}, 0, 0, true};
+  RemoteCall record{_options.name, operation, std::string(subject.view()), {}, 0, 0, 0, true};
   const QORString& asked = nameSpaceFor(nameSpace);
   const QORString who(_options.name);
   const Clock::time_point start = Clock::now();
@@ -137,6 +133,8 @@ void RemoteServer::call(Line& line, const char* operation, const QORString& name
     throw RemoteStatusException(who, describe(refusal.what()), kNotSupported);
   } catch (const QoriBaseException& error) {
     throw RemoteReplyException(who, describe(error.getMessage().view()), kFailed);
+  } catch (const RemoteEndlessBatches& error) {
+    throw RemoteReplyException(who, describe(error.what()), kFailed);
   } catch (const std::runtime_error& error) {
     throw CQoriProviderException(who, describe(error.what()), kFailed);
   }
@@ -153,8 +151,12 @@ void RemoteServer::exchange(Line& line, const QORString& nameSpace, const Fill& 
       call.finish()};
   const std::unique_ptr<RemoteExchange> exchange = line.transport->post(std::move(post));
   try {
-    CimXmlReply reply([&exchange](char* buffer, std::size_t capacity) { return exchange->read(buffer, capacity); },
-                      record.operation, id, nameSpace);
+    const auto source = [&](char* buffer, std::size_t capacity) {
+      const std::size_t count = exchange->read(buffer, capacity);
+      record.replyBytes += count;
+      return count;
+    };
+    CimXmlReply reply(source, record.operation, id, nameSpace);
     read(reply, record);
   } catch (...) {
     record.traffic = exchange->traffic();
@@ -270,10 +272,16 @@ RemoteServer::Opening RemoteServer::openEnumeration(const QORString& nameSpace, 
 RemoteServer::Opening RemoteServer::pullInstances(const QORString& nameSpace, const QORString& className,
                                                   const CIMApi::PropertyNames& names, const Take& take) {
   Batch batch;
+  RemoteBatches batches(_options.limits.enumerationBytes);
+  const Take noteAndTake = [&](CimXmlInstance& instance) {
+    batches.addInstance(instance.name);
+    take(instance);
+  };
   const auto read = [&](CimXmlReply& reply, RemoteCall& record) {
     batch = Batch();
-    readInstances(reply, record, take, batch);
+    readInstances(reply, record, noteAndTake, batch);
     requireSound(batch);
+    if (!batch.isLast) batches.note(record.replyBytes);
   };
   const auto open = [&](CimXmlCall& call) {
     call.addClassName("ClassName", className);
@@ -288,16 +296,10 @@ RemoteServer::Opening RemoteServer::pullInstances(const QORString& nameSpace, co
   };
   const Opening opening = openEnumeration(nameSpace, className, open, read);
   if (opening != Opening::Open) return opening;
-  int empty = 0;
   while (!batch.isLast) {
-    empty = batch.instances == 0 ? empty + 1 : 0;
     const std::string context = batch.context;
     try {
-      call(_instances, "PullInstancesWithPath", nameSpace, className, pull,
-           [&](CimXmlReply& reply, RemoteCall& record) {
-             if (empty == kEmptyReplies) throw std::runtime_error("the server sends empty replies without end");
-             read(reply, record);
-           });
+      call(_instances, "PullInstancesWithPath", nameSpace, className, pull, read);
     } catch (const RemoteReplyException&) {
       closeEnumeration(nameSpace, className, context);
       throw;

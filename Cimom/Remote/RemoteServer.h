@@ -27,7 +27,8 @@ struct RemoteCall {
   std::string operation;
   std::string subject;  // the class; empty: none
   RemoteTraffic traffic;
-  std::uint64_t items = 0;  // instances, names or classes that came
+  std::uint64_t replyBytes = 0;  // uncompressed
+  std::uint64_t items = 0;       // instances, names or classes that came
   double milliseconds = 0;
   bool hasFailed = false;
 };

@@ -244,14 +244,10 @@ QORSmrPtr<IQoriObject> RemoteSource::instance(CimDeclarationSink& sink, const Re
   }
   if (++singles->calls <= kFewSingles) return askForInstance(sink, request, name);
   if (singles->calls == kFewSingles + 1) {
-    for (QORSmrPtr<IQoriObject>& object : instances(sink, request)) {
-      std::string path;
-      object->appendPath(path);
-      singles->byPath.emplace(std::move(path), std::move(object));
-    }
+    for (const QORSmrPtr<IQoriObject>& object : instances(sink, request)) singles->all.add(object);
   }
-  const auto found = singles->byPath.find(std::string(name.toString().view()));
-  return found == singles->byPath.end() ? QORSmrPtr<IQoriObject>() : found->second;
+  const RemoteIndex::Found found = singles->all.find(name);
+  return found.isUncertain ? askForInstance(sink, request, name) : found.object;
 }
 
 QORSmrPtr<IQoriObject> RemoteSource::askForInstance(CimDeclarationSink& sink, const Request& request,

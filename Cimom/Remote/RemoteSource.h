@@ -11,11 +11,11 @@
 #include <mutex>
 #include <set>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "Cimom/Embedded/OuterSource.h"
 #include "Cimom/Remote/RemoteClasses.h"
+#include "Cimom/Remote/RemoteIndex.h"
 #include "Cimom/Remote/RemoteParallel.h"
 #include "Cimom/Remote/RemoteServer.h"
 
@@ -73,7 +73,7 @@ class RemoteSource final : public OuterSource {
   // The single instances of a class that a statement asks for.
   struct Singles {
     std::size_t calls = 0;
-    std::unordered_map<std::string, QORSmrPtr<IQoriObject>> byPath;  // all of the class, once there were many calls
+    RemoteIndex all;  // of the class, once there were many calls
   };
   using Work = std::function<void(RemoteServer& server, std::size_t number)>;
 

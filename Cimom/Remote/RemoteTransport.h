@@ -19,8 +19,8 @@
 // Who asks. Threads share one: the transports of a server ask for a password once.
 class RemoteCredentials {
  public:
-  // Asks a person; nothing where nobody can be asked.
-  using Ask = std::function<std::optional<std::string>()>;
+  // Asks a person; nothing where nobody can be asked, and once nobody waits for the answer any more.
+  using Ask = std::function<std::optional<std::string>(const std::atomic<bool>& isStopped)>;
 
   RemoteCredentials(std::string user, std::optional<std::string> password, Ask ask)
       : _user(std::move(user)), _password(std::move(password)), _ask(std::move(ask)) {}
@@ -32,12 +32,13 @@ class RemoteCredentials {
     const std::lock_guard lock(_mutex);
     return _password;
   }
-  // Asks once; returns whether there is a password now that `used` was not.
-  bool askInPlaceOf(const std::optional<std::string>& used) {
+  // Asks once, but again where the question was stopped; returns whether there is a password now that `used` was not.
+  bool askInPlaceOf(const std::optional<std::string>& used, const std::atomic<bool>& isStopped) {
     const std::lock_guard lock(_mutex);
     if (_password != used) return true;
-    if (_password.has_value() || _user.empty() || _ask == nullptr || std::exchange(_hasAsked, true)) return false;
-    _password = _ask();
+    if (_password.has_value() || _user.empty() || _ask == nullptr || _hasAsked) return false;
+    _password = _ask(isStopped);
+    _hasAsked = _password.has_value() || !isStopped;
     return _password.has_value();
   }
 
@@ -58,8 +59,10 @@ struct RemoteEndpoint {
 
 struct RemoteLimits {
   long connectSeconds = 30;
-  long silentSeconds = 60;                            // without any byte
-  std::uint64_t replyBytes = std::uint64_t{1} << 30;  // of one reply, uncompressed
+  long leastSpeed = 100;                                    // bytes a second
+  long slowSeconds = 60;                                    // in which fewer come than at that speed
+  std::uint64_t replyBytes = std::uint64_t{1} << 30;        // of one reply, uncompressed
+  std::uint64_t enumerationBytes = std::uint64_t{1} << 32;  // of all replies to one enumeration, uncompressed
 };
 
 // Bytes on the wire of one exchange, without those of TLS.

@@ -154,6 +154,13 @@ def silence_later(handler, call):
     handler.owner.stopped.wait()
 
 
+def slow_headers(handler, call):
+    """Ten bytes a second of a header that does not end."""
+    handler.wfile.write(b"HTTP/1.1 200 OK\r\nX-More: ")
+    while not handler.owner.stopped.wait(0.1):
+        handler.wfile.write(b"x")
+
+
 def slow(handler, call):
     """Ten bytes a second."""
     body = whole(handler, call)
@@ -248,7 +255,7 @@ FAULTS = {
     "503": http_status(503, Retry_After="1"),
     "redirect": redirect, "redirect-loop": redirect_loop, "page": page, "garbage": garbage,
     "endless-headers": endless_headers,
-    "silence": silence, "silence-later": silence_later, "slow": slow,
+    "silence": silence, "silence-later": silence_later, "slow": slow, "slow-headers": slow_headers,
     "endless": endless, "bomb": bomb, "wrong-gzip": wrong_gzip, "cut-gzip": cut_gzip,
     "long-text": text(b"x" * LONG_TEXT), "ill-formed-utf8": text(b"caf\xe9 \xff"), "control-character": text(b"a\x01b"),
     "control-reference": text(b"a&#1;b"), "entity": text(b"&unknown;"), "doctype": doctype,

@@ -74,6 +74,8 @@ class Faults(RemoteCase):
             later.read()
         slow = self.play("slow").getresponse()
         self.assertEqual(slow.read(5), b"<?xml")
+        header = self.play("slow-headers").sock
+        self.assertEqual([header.recv(100)[-8:], header.recv(100), header.recv(100)], [b"X-More: ", b"x", b"x"])
 
     def test_replies_without_end(self):
         begin = self.play("endless").getresponse().read(1 << 20)

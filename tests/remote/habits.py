@@ -1,7 +1,8 @@
 """Habits of servers of the field: what they send in another form than the standards have it, and clients read all the same.
 
-Each changes one element of an answer. Two habits are not of this kind: "all-properties" sends properties that were not
-asked for, "late-end" says only with an empty batch that an enumeration is at its end.
+Each changes one element of an answer. Some habits are not of this kind: "all-properties" sends properties that were not
+asked for, "late-end" says only with an empty batch that an enumeration is at its end, "same-batches" begins anew in
+place of its end, "new-batches" too, but with other keys.
 """
 # SPDX-License-Identifier: Apache-2.0
 import re
@@ -72,6 +73,11 @@ def old_embedded(text):
     return text.replace(" EmbeddedObject=", " EMBEDDEDOBJECT=")
 
 
+def other_keys(text, number):
+    """Of an instance with a key of text: "1" as "1-7"."""
+    return re.sub(r"(<KEYVALUE [^>]*>[^<]*)<", rf"\1-{number}<", text)
+
+
 def no_host(text):
     return re.sub(r"<HOST>.*?</HOST>", "", text)
 
@@ -88,7 +94,8 @@ HABITS = {"other-case": other_case, "no-types": no_types, "no-key-types": no_key
           "wrong-value-types": wrong_value_types, "hexadecimal": hexadecimal, "leading-zeros": leading_zeros,
           "blanks": blanks, "lower-booleans": lower_booleans, "newlines": newlines, "old-embedded": old_embedded,
           "no-host": no_host, "empty-host": empty_host, "unknown-host": unknown_host}
-NAMES = sorted([*HABITS, "all-properties", "late-end"])
+ENDLESS = {"same-batches", "new-batches"}
+NAMES = sorted([*HABITS, *ENDLESS, "all-properties", "late-end"])
 
 
 def change(element, wanted):

@@ -250,6 +250,17 @@ class Pull(RemoteCase):
         last = self.pull(server, opened, 100)
         self.assertEqual((last.items, last.output("EndOfSequence")), ([], "TRUE"))
 
+    def test_enumerations_without_end(self):
+        for habit, is_new in (("same-batches", False), ("new-batches", True)):
+            server = self.serve(habits={habit})
+            batch = self.open(server, MaxObjectCount=4)
+            seen = []
+            for _ in range(3):
+                self.assertEqual((len(batch.items), batch.output("EndOfSequence")), (4, "FALSE"))
+                seen.append(tuple(key.text for key in batch.tree.iter("KEYVALUE")))
+                batch = self.pull(server, batch, 4)
+            self.assertEqual(len(set(seen)), 3 if is_new else 1)
+
 
 class Http(RemoteCase):
     def post(self, body, headers, server=None, **how):

@@ -1,5 +1,7 @@
 """What an administrator of many servers leans on: nothing is missing in silence, and no password is shown."""
 # SPDX-License-Identifier: Apache-2.0
+import itertools
+import json
 import re
 import unittest
 
@@ -55,6 +57,81 @@ class Versions(ToolCase):
         for first, second, rows in ((old, new, "3\n18446744073709551615\n"), (new, old, "18446744073709551615\n3\n")):
             done = self.run_tool("--server", first.url, "--server", second.url, "-o", "csv", "SELECT N FROM N_C")
             self.assert_done(done, "N\n" + rows)
+
+    def one_of_each(self, *kinds):
+        """A server for each (type, value) of the property N, and what the tool says of N and of Id of all."""
+        servers = []
+        for number, (kind, value) in enumerate(kinds, 1):
+            declared = kind.removesuffix("[]") + " N" + kind.removeprefix(kind.removesuffix("[]"))
+            mof = self.write(f"{number}.mof", HEAD + f"class N_C {{ [Key] string Id; {declared}; }};\n"
+                             f'instance of N_C {{ Id = "{number}"; N = {value}; }};\n')
+            servers += ["--server", f"s{number}={self.serve(mof).url}"]
+        return [self.run_tool(*servers, "-o", "jsonl", f"SELECT {name} FROM N_C") for name in ("N", "Id")]
+
+    def test_numbers_of_all_kinds_stand_side_by_side(self):
+        for kinds, rows in (((("uint16", 7), ("sint8", -3)), [7, -3]), ((("sint32", -3), ("uint32", 4294967295)), [-3, 4294967295]),
+                            ((("uint8", 7), ("real32", 0.5)), [7, 0.5]), ((("real64", 2.5), ("sint64", -3)), [2.5, -3]),
+                            ((("uint8[]", "{1, 2}"), ("sint16[]", "{-1}")), [[1, 2], [-1]])):
+            done = self.one_of_each(*kinds)[0]
+            self.assert_done(done)
+            self.assertEqual([json.loads(line)["N"] for line in done.out.splitlines()], rows, kinds)
+
+    def test_number_that_the_common_type_has_not(self):
+        for kinds in ((("sint8", -1), ("uint64", 18446744073709551615)), (("real64", 0.5), ("uint64", 9007199254740993))):
+            done, ids = self.one_of_each(*kinds)
+            self.assertEqual((done.status, done.out.count("\n")), (3, 1), kinds)
+            self.assertRegex(done.err, rf"s2: OpenEnumerateInstances of N_C in root/cimv2: found \"{kinds[1][1]}\" for property N "
+                                       r"of class N_C, expected a (sint64|real64); what follows from the other servers stands")
+            self.assert_done(ids)
+
+    def test_value_that_cannot_stand_in_the_declared_type_is_told(self):
+        """Both ways round; who does not ask for the property has the instances of both."""
+        values = {"uint32": "7", "string": '"12"', "uint32[]": "{1, 2}", "string[]": '{"a"}', "boolean": "true",
+                  "datetime": '"20240101000000.000000+000"', "char16": "'x'", "real64": "2.5"}
+        for first, second in itertools.permutations(values, 2):
+            if {first, second} == {"uint32", "real64"}:
+                continue
+            done, ids = self.one_of_each((first, values[first]), (second, values[second]))
+            self.assert_done(ids, '{"Id": "1"}\n{"Id": "2"}\n')
+            if first.startswith("string") and first.endswith("]") == second.endswith("]"):
+                self.assertEqual((done.status, done.err, done.out.count("\n")), (0, "", 2), (first, second))
+                continue
+            found = '"12"' if (first, second) == ("datetime", "string") else "a " + second
+            self.assertEqual((done.status, done.out.count("\n"), done.err), (
+                3, 1, f"qorql: error: s2: OpenEnumerateInstances of N_C in root/cimv2: found {found} for property N of class "
+                      f"N_C, expected a {first}; what follows from the other servers stands without this one\n"))
+
+    def test_text_that_is_a_datetime(self):
+        done = self.one_of_each(("datetime", '"20240101000000.000000+000"'), ("string", '"20240101010000.000000+060"'))[0]
+        self.assert_done(done)
+        self.assertEqual(len(done.out.splitlines()), 2)
+
+    def test_null_stands_in_every_type(self):
+        done = self.one_of_each(("uint32", 7), ("string[]", "NULL"))[0]
+        self.assert_done(done, '{"N": 7}\n{"N": null}\n')
+
+    def test_class_that_has_another_superclass_on_another_server(self):
+        """A class of the newer one's line has come between."""
+        old = self.serve(self.write("old.mof", HEAD + 'class N_A { [Key] string Id; };\nclass N_B : N_A { string X; };\n'
+                                    'instance of N_B { Id = "1"; X = "x"; };\n'))
+        new = self.serve(self.write("new.mof", HEAD + 'class N_A { [Key] string Id; };\nclass N_M : N_A { uint32 New; };\n'
+                                    'class N_B : N_M { string X; };\ninstance of N_B { Id = "2"; X = "y"; New = 5; };\n'))
+        for first, second, rows in ((old, new, "1,x,\n2,y,5\n"), (new, old, "2,y,5\n1,x,\n")):
+            both = ("--server", first.url, "--server", second.url, "-o", "csv")
+            self.assert_done(self.run_tool(*both, "SELECT Id, X, New FROM N_B"), "Id,X,New\n" + rows)
+            self.assert_done(self.run_tool(*both, "SELECT Id FROM N_M"), "Id\n2\n")
+
+    def test_property_that_has_moved_to_the_superclass_with_another_type(self):
+        old = self.serve(self.write("old.mof", HEAD + 'class N_A { [Key] string Id; };\nclass N_B : N_A { string X; };\n'
+                                    'instance of N_B { Id = "1"; X = "x"; };\n'))
+        new = self.serve(self.write("new.mof", HEAD + 'class N_A { [Key] string Id; uint32 X; };\nclass N_B : N_A {};\n'
+                                    'instance of N_B { Id = "2"; X = 5; };\n'))
+        for first, second, rows in ((old, new, "1\n2\n"), (new, old, "2\n1\n")):
+            both = ("--server", first.url, "--server", second.url, "-o", "csv")
+            self.assert_done(self.run_tool(*both, "SELECT Id FROM N_B"), "Id\n" + rows)
+            done = self.run_tool(*both, "SELECT X FROM N_B")
+            self.assertEqual((done.status, done.out), (3, "X\n5\n"))
+            self.assertIn("found a string for property X of class N_B, expected a uint32", done.err)
 
 
 class ServersThatComeBack(TwoServers):
@@ -161,6 +238,24 @@ class Addresses(ToolCase):
         for port in ("abc", "0", "65536", "", "-1", "80x"):
             done = self.run_tool("--server", f"https://localhost:{port}", "classes")
             self.assert_fails(done, "what follows the host's colon in the URL of a server is not a port", status=2)
+
+    def test_user_of_netrc_over_http_to_another_machine_is_warned_of(self):
+        warning = "qorql: warning: user and password of ~/.netrc go to elsewhere.invalid over http:// as they are; " \
+                  "whoever is between can read them\n"
+        for netrc, is_warned in (("machine elsewhere.invalid login ada password x\n", True), ("default login ada password x\n", True),
+                                 ("machine other.invalid\n  login elsewhere.invalid\n  password machine\nmachine\nElsewhere.Invalid\n", True),
+                                 ("machine other.invalid login default password elsewhere.invalid\n", False),
+                                 ("machine other.invalid login x password machine\nelsewhere.invalid\n", False),
+                                 ("# machine elsewhere.invalid\nmacdef m\nmachine elsewhere.invalid\n\nmachine a login b\n", False)):
+            self.write(".netrc", netrc)
+            done = self.run_tool("classes", "--server", "http://elsewhere.invalid")
+            self.assertEqual(done.err.startswith(warning), is_warned, netrc)
+            self.assertEqual("warning" in done.err, is_warned, netrc)
+        self.write(".netrc", "default login ada password x\n")
+        for url in ("https://elsewhere.invalid", "http://127.0.0.1:1", "http://[::1]:1"):
+            self.assertNotIn("warning", self.run_tool("classes", "--server", url).err)
+        self.write(".netrc", "machine 2001:db8::1 login ada password x\n")
+        self.assertIn("warning", self.run_tool("classes", "--server", "http://[2001:db8::1]:1").err)
 
     def test_user_over_http_to_another_machine_is_warned_of(self):
         warning = "qorql: warning: user and password go to elsewhere.invalid over http:// as they are; " \

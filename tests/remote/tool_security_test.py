@@ -80,6 +80,21 @@ class Users(ToolCase):
         self.assertEqual(os.waitstatus_to_exitcode(ended[1]) if ended[0] else "still there", -signal.SIGINT)
         self.assertEqual((bool(flags & termios.ECHO), bool(flags & termios.ISIG)), (True, True))
 
+    def test_question_that_nobody_answers_ends_with_the_time_of_the_statement(self):
+        began = time.monotonic()
+        status, shown = self.at_terminal("--no-pager", "--timeout", "1", "--server", self.url(self.guarded()), *QUERY, answer=None)
+        self.assertLess(time.monotonic() - began, 10)
+        self.assertEqual(status, 3, shown)
+        self.assertEqual(shown.count("Password of ada"), 1)
+        self.assertRegex(shown, r"in root/cimv2: the call was stopped after 1 second \(--timeout\)")
+
+    def test_time_ends_the_questions_of_several_servers(self):
+        urls = [argument for _ in range(2) for argument in ("--server", self.url(self.guarded()))]
+        status, shown = self.at_terminal("--no-pager", "--timeout", "1", *urls, *QUERY, answer=None)
+        self.assertEqual(status, 3, shown)
+        self.assertEqual(shown.count("Password of ada"), 1)
+        self.assertEqual(shown.count("the call was stopped after 1 second (--timeout)"), 1)
+
     def test_user_with_signs_of_a_url(self):
         server = self.serve(users={"ada@plant": SECRET})
         file = self.write("password", SECRET)

@@ -34,7 +34,7 @@ class Answers(ToolCase):
             self.assert_as_local(server, *arguments)
 
     def test_server_of_old_or_with_habits(self):
-        for habit in habits.NAMES:
+        for habit in sorted({*habits.NAMES} - habits.ENDLESS):
             server = self.serve(habits={habit})
             for statement in (PUMPS, "SELECT * FROM P_Cell", "SELECT * FROM P_Feeds",
                               "SELECT p.Name, t.Name FROM P_Pump AS p, P_Tank AS t WHERE P_Feeds = p AND P_Feeds = t"):
@@ -228,7 +228,7 @@ class Faults(ToolCase):
         "wrong-tag": r"mismatched tag at line 3", "wrong-value": r'found "many" for Level, expected a uint8',
         "bomb": r"the compressed reply grows without measure",
     }
-    STOPPED = ("endless", "silence", "silence-later", "slow")
+    STOPPED = ("endless", "silence", "silence-later", "slow", "slow-headers")
     HARMLESS = ("501", "long-text", "no-length", "other-version")
 
     def test_all_kinds_are_known(self):
@@ -289,6 +289,32 @@ class Faults(ToolCase):
         done = self.ask(server, "--batch", "1", "--call-timeout", "1", "SELECT Name FROM P_Thing")
         self.assert_fails(done, "PullInstancesWithPath of P_Thing in root/cimv2: .*too slow")
         self.assertNotIn("CloseEnumeration", [call[0] for call in server.told()])
+
+    def test_batches_without_end_are_given_up(self):
+        for query in ("SELECT Name FROM P_Thing", "SELECT Name FROM P_Tank"):
+            server = self.serve(habits={"same-batches"})
+            done = self.ask(server, "--batch", "2", query)
+            self.assert_fails(done, r"PullInstancesWithPath of P_T\w+ in root/cimv2: the server sends the same instances "
+                                    r"again and again \(CIM status 1\)\n$")
+            self.assertLess(len(server.calls), 40)
+            self.assertIn("CloseEnumeration", [call[0] for call in server.told()])
+
+    def test_new_batches_without_end_are_bounded_by_time(self):
+        server = self.serve(habits={"new-batches"})
+        done = self.ask(server, "--batch", "2", "--timeout", "1", "SELECT Name FROM P_Tank")
+        self.assert_fails(done, r"of P_Tank in root/cimv2: the call was stopped after 1 second \(--timeout\)")
+        self.assertGreater(len(server.calls), 20)
+        self.assertLess(done.seconds, 10)
+
+    def test_trickle_is_given_up(self):
+        """Ten bytes a second are next to nothing."""
+        for kind in ("slow", "slow-headers"):
+            server = self.serve()
+            self.fail_with(server, kind, OPEN)
+            done = self.ask(server, "--call-timeout", "1", PUMPS)
+            self.assert_fails(done, r"OpenEnumerateInstances of P_Pump in root/cimv2: .*(too slow|fewer than 100 bytes a "
+                                    r"second for 1 second in the middle of its reply)")
+            self.assertLess(done.seconds, 20, kind)
 
     def test_status_of_the_server(self):
         server = self.serve(refused={OPEN: 2})

@@ -13,9 +13,12 @@ from toolcase import ToolCase
 
 class Shell(ToolCase):
     def start(self, server, *arguments):
+        self.start_with("--server", server.url, *arguments)
+
+    def start_with(self, *arguments):
         pid, self.terminal = pty.fork()
         if pid == 0:
-            os.execve(toolcase.TOOL, [toolcase.TOOL, "--no-pager", "--server", server.url, *arguments],
+            os.execve(toolcase.TOOL, [toolcase.TOOL, "--no-pager", *arguments],
                       {**self.environment(), "TERM": "dumb"})
         self.pid = pid
         self.addCleanup(os.close, self.terminal)
@@ -46,6 +49,15 @@ class Shell(ToolCase):
         self.assertIn("Litres", self.type(".describe P_Tank\n", "Litres"))
         self.type("SELECT Name FROM P_Ta\t", "P_Tank")
         self.type("; \n", "row")
+        self.quit()
+
+    def test_question_that_was_stopped_is_asked_again(self):
+        server = self.serve(users={"ada": "secret"})
+        self.start_with("--timeout", "1", "--server", f"http://ada@127.0.0.1:{server.port}")
+        self.type("SELECT Litres FROM P_Tank;\n", "Password of ada")
+        self.until("was stopped after 1 second (--timeout)")
+        self.type("SELECT Litres FROM P_Tank WHERE Name = 't1';\n", "Password of ada")
+        self.assertIn("500", self.type("secret\n", "row"))
         self.quit()
 
     def test_server_that_goes_away(self):

@@ -70,6 +70,7 @@ class Enumeration:
         self.pull = pull  # the operation that goes on with it
         self.timeout = timeout
         self.elements = list(elements)
+        self.batches = 0
         self.touch()
 
     def touch(self):
@@ -280,6 +281,11 @@ class Operations:
     def batch(self, call, enumeration, context):
         count = min(call.number("MaxObjectCount", 0), self.behaviour.most_objects)
         batch, enumeration.elements = enumeration.elements[:count], enumeration.elements[count:]
+        if self.behaviour.habits & habits.ENDLESS:
+            enumeration.elements += batch
+        if "new-batches" in self.behaviour.habits:
+            enumeration.batches += 1
+            batch = [habits.other_keys(one, enumeration.batches) for one in batch]
         is_end = not enumeration.elements and not (batch and "late-end" in self.behaviour.habits)
         if not is_end:
             enumeration.touch()

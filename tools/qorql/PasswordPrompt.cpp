@@ -4,16 +4,19 @@
 #include "PasswordPrompt.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <signal.h>
 #include <termios.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <mutex>
 
 namespace {
 
 constexpr std::size_t kLongest = 1024;
 constexpr char kCtrlC = 3;
+constexpr int kPatience = 50;  // milliseconds until the next look whether to stop
 
 struct Answer {
   std::optional<std::string> line;
@@ -43,10 +46,10 @@ class Terminal {
     if (write(_file, text.data(), text.size()) < 0) return;
   }
 
-  // A line without its end; nothing when the input ends before it.
-  Answer readLine() const {
+  // A line without its end; nothing when the input ends before it, or when it is to stop.
+  Answer readLine(const std::atomic<bool>& isStopped) const {
     std::string line;
-    for (char c = 0; line.size() < kLongest && read(_file, &c, 1) == 1;) {
+    for (char c = 0; line.size() < kLongest && waitForInput(isStopped) && read(_file, &c, 1) == 1;) {
       if (c == kCtrlC) return {std::nullopt, true};
       if (c == '\n') return {line, false};
       line += c;
@@ -55,28 +58,38 @@ class Terminal {
   }
 
  private:
+  // False when it is to stop.
+  bool waitForInput(const std::atomic<bool>& isStopped) const {
+    pollfd input{_file, POLLIN, 0};
+    while (!isStopped) {
+      const int ready = poll(&input, 1, kPatience);
+      if (ready > 0 || (ready < 0 && errno != EINTR)) return true;
+    }
+    return false;
+  }
+
   const int _file;
   termios _before{};
   bool _isReady = false;
 };
 
 // The terminal is as it was when this returns.
-Answer ask(const std::string& question) {
+Answer ask(const std::string& question, const std::atomic<bool>& isStopped) {
   const Terminal terminal;
   if (!terminal.isReady()) return {};
   terminal.print(question);
-  Answer answer = terminal.readLine();
+  Answer answer = terminal.readLine(isStopped);
   terminal.print("\n");
   return answer;
 }
 
 }  // namespace
 
-std::optional<std::string> askForPassword(const std::string& question) {
+std::optional<std::string> askForPassword(const std::string& question, const std::atomic<bool>& isStopped) {
   static std::mutex mutex;
   const std::lock_guard lock(mutex);
-  if (isatty(STDERR_FILENO) == 0) return std::nullopt;
-  const Answer answer = ask(question);
+  if (isStopped || isatty(STDERR_FILENO) == 0) return std::nullopt;
+  const Answer answer = ask(question, isStopped);
   if (answer.isInterrupted) kill(getpid(), SIGINT);
   return answer.line;
 }

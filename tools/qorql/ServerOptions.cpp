@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "DisplayText.h"
+#include "NetrcFile.h"
 #include "OptionDeclarations.h"
 #include "PasswordPrompt.h"
 #include "TextInput.h"
@@ -51,7 +52,9 @@ std::shared_ptr<RemoteCredentials> credentialsOf(const ServerAddress& address, c
   }
   const std::string question =
       "Password of " + printableText(address.user) + " at " + printableText(address.name) + ": ";
-  return std::make_shared<RemoteCredentials>(address.user, password, [question] { return askForPassword(question); });
+  return std::make_shared<RemoteCredentials>(address.user, password, [question](const std::atomic<bool>& isStopped) {
+    return askForPassword(question, isStopped);
+  });
 }
 
 // `nameSpace`: that of the statements where a server's own stands for it; empty where it is asked of all servers.
@@ -66,9 +69,9 @@ RemoteServerOptions serverOf(const ServerAddress& address, const ServerOptions& 
   server.endpoint.caFile = address.caFile.empty() ? options.caFile : address.caFile;
   server.endpoint.isInsecure = address.isInsecure || options.isInsecure;
   server.endpoint.credentials = credentialsOf(address, options);
-  if (options.silence > 0) {
-    server.limits.silentSeconds = std::max(1L, static_cast<long>(std::lround(std::min(options.silence, 1e6))));
-    server.limits.connectSeconds = server.limits.silentSeconds;
+  if (options.patience > 0) {
+    server.limits.slowSeconds = std::max(1L, static_cast<long>(std::lround(std::min(options.patience, 1e6))));
+    server.limits.connectSeconds = server.limits.slowSeconds;
   }
   server.batch = options.batch;
   return server;
@@ -82,16 +85,27 @@ std::string_view hostOf(std::string_view url) {
   return url.starts_with('[') ? url.substr(0, url.find(']') + 1) : url.substr(0, url.find(':'));
 }
 
+// Of an IPv6 address.
+std::string_view withoutBrackets(std::string_view host) {
+  return host.starts_with('[') && host.ends_with(']') ? host.substr(1, host.size() - 2) : host;
+}
+
 bool isThisMachine(std::string_view host) {
   return host == "[::1]" || host.starts_with("127.") || QORString::equalIgnoringCase(host, "localhost");
 }
 
-void tellOfRisks(const RemoteServerOptions& server) {
+// A user whom the URL does not name may stand with a password in ~/.netrc.
+void tellOfPlainText(const RemoteServerOptions& server) {
+  const std::string_view host = hostOf(server.endpoint.url);
+  if (!server.endpoint.url.starts_with("http:") || isThisMachine(host)) return;
   const bool hasUser = !server.endpoint.credentials->user().empty();
-  if (hasUser && server.endpoint.url.starts_with("http:") && !isThisMachine(hostOf(server.endpoint.url))) {
-    std::cerr << "qorql: warning: user and password go to " << printableText(server.name)
-              << " over http:// as they are; whoever is between can read them\n";
-  }
+  if (!hasUser && !isInNetrc(withoutBrackets(host))) return;
+  std::cerr << "qorql: warning: user and password" << (hasUser ? "" : " of ~/.netrc") << " go to "
+            << printableText(server.name) << " over http:// as they are; whoever is between can read them\n";
+}
+
+void tellOfRisks(const RemoteServerOptions& server) {
+  tellOfPlainText(server);
   if (!server.endpoint.isInsecure || !server.endpoint.url.starts_with("https:")) return;
   std::cerr << "qorql: warning: --insecure: the certificate of " << printableText(server.name)
             << " is not checked; whoever is between can read and change what is said, the password too\n";
@@ -138,8 +152,8 @@ void declareServerOptions(CLI::App& app, ServerOptions& options,
   declareFlag(app, "--push-down", options.pushesDown, "Let servers filter first that understand queries");
   declareValue(app, {.names = "--call-timeout",
                      .type = "SECONDS",
-                     .description = "Give up a call to a server that sends nothing for so long (default: 60)",
-                     .take = [&options](const std::string& given) { options.silence = parseSeconds(given); },
+                     .description = "Give up a call to a server that sends next to nothing for so long (default: 60)",
+                     .take = [&options](const std::string& given) { options.patience = parseSeconds(given); },
                      .check = checkSeconds});
   declareValue(
       app, {.names = "--batch",

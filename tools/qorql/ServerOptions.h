@@ -22,7 +22,7 @@ struct ServerOptions {
   bool isInsecure = false;
   bool requiresAll = false;
   bool pushesDown = false;
-  double silence = 0;      // seconds that a call waits for a byte; 0: as many as there are
+  double patience = 0;     // seconds that a call goes on in which next to nothing comes; 0: as many as there are
   QORuint32 batch = 1000;  // instances of a reply
 };
 

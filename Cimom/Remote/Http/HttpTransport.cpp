@@ -138,8 +138,8 @@ class HttpExchange final : public RemoteExchange {
     set(CURLOPT_USERAGENT, "qorql");
     set(CURLOPT_ACCEPT_ENCODING, "gzip, deflate");
     set(CURLOPT_CONNECTTIMEOUT, _connection.limits.connectSeconds);
-    set(CURLOPT_LOW_SPEED_LIMIT, 1L);
-    set(CURLOPT_LOW_SPEED_TIME, _connection.limits.silentSeconds);
+    set(CURLOPT_LOW_SPEED_LIMIT, _connection.limits.leastSpeed);
+    set(CURLOPT_LOW_SPEED_TIME, _connection.limits.slowSeconds);
     set(CURLOPT_ERRORBUFFER, _error);
     set(CURLOPT_WRITEFUNCTION, &HttpExchange::receiveBytes);
     set(CURLOPT_WRITEDATA, this);
@@ -183,7 +183,7 @@ class HttpExchange final : public RemoteExchange {
 
   // Lets libcurl work until something has happened.
   void drive() {
-    if (_connection.isStopped) throw std::runtime_error("the call was stopped");
+    requireGoing();
     if (_isPaused) {
       _isPaused = false;
       curl_easy_pause(easy(), CURLPAUSE_CONT);
@@ -275,13 +275,25 @@ class HttpExchange final : public RemoteExchange {
     }
     if (_status != 0 && _status != kOk) requireStatus();
     if (_result == CURLE_OPERATION_TIMEDOUT && _status == kOk) {
-      throw std::runtime_error("the server sent nothing for " + std::to_string(_connection.limits.silentSeconds) +
-                               " seconds in the middle of its reply");
+      const RemoteLimits& limits = _connection.limits;
+      throw std::runtime_error("the server sent fewer than " + std::to_string(limits.leastSpeed) +
+                               " bytes a second for " + std::to_string(limits.slowSeconds) +
+                               (limits.slowSeconds == 1 ? " second" : " seconds") + " in the middle of its reply");
     }
     throw std::runtime_error(oneLine(_error[0] != '\0' ? _error : curl_easy_strerror(_result)));
   }
 
-  bool mayTryAgain() { return _status == kUnauthorized && _connection.endpoint.credentials->askInPlaceOf(_password); }
+  // A question that nobody has answered in time leaves the call stopped, not refused.
+  bool mayTryAgain() {
+    if (_status != kUnauthorized) return false;
+    const bool hasAnother = _connection.endpoint.credentials->askInPlaceOf(_password, _connection.isStopped);
+    requireGoing();
+    return hasAnother;
+  }
+
+  void requireGoing() const {
+    if (_connection.isStopped) throw std::runtime_error("the call was stopped");
+  }
 
   void requireStatus() const {
     if (_status == kOk) return;

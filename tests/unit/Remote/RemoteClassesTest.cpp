@@ -81,25 +81,11 @@ TEST_F(RemoteClassesOfServers, PropertiesOfAllServers) {
   EXPECT_THAT(propertiesOf("A"), ElementsAre("__SERVER", "Id", "One", "Two"));
 }
 
-TEST_F(RemoteClassesOfServers, NumberHasTheWidestTypeOfItsKind) {
-  const auto typed = [](const QORSmrPtr<IQoriType>& type) {
-    CimClassDeclaration declaration = classOf("A", "", {"Id", "N"});
-    declaration.properties.back().type = type;
-    return declaration;
-  };
-  const auto typeOf = [&](const QORSmrPtr<IQoriType>& first, const QORSmrPtr<IQoriType>& second) {
-    EmbeddedObjectManager fresh;
-    served = {typed(first), typed(second)};
-    RemoteClasses asker = classes();
-    EXPECT_TRUE(asker.provide(fresh.sink(), kSpace, "A"));
-    return CQoriType::codeOf(*fresh.allProperties(kSpace, "A").back().type);
-  };
-  EXPECT_EQ(CQoriType::Code::Uint64, typeOf(CQoriType::uint32, CQoriType::uint64));
-  EXPECT_EQ(CQoriType::Code::Uint64, typeOf(CQoriType::uint64, CQoriType::uint32));
-  EXPECT_EQ(CQoriType::Code::Sint16, typeOf(CQoriType::sint8, CQoriType::sint16));
-  EXPECT_EQ(CQoriType::Code::Real64, typeOf(CQoriType::real32, CQoriType::real64));
-  EXPECT_EQ(CQoriType::Code::Uint16, typeOf(CQoriType::uint16, CQoriType::sint32));
-  EXPECT_EQ(CQoriType::Code::Uint16, typeOf(CQoriType::uint16, CQoriType::string));
+TEST_F(RemoteClassesOfServers, SuperclassesOfAllServersAreFetched) {
+  served = {classOf("B", "A", {}), classOf("B", "M", {}), classOf("M", "A", {"New"}), classOf("A", "", {"Id"})};
+  RemoteClasses asker = classes(true);
+  EXPECT_TRUE(asker.provide(manager.sink(), kSpace, "B"));
+  EXPECT_THAT(propertiesOf("B"), ElementsAre("__SERVER", "Id", "New"));
 }
 
 TEST_F(RemoteClassesOfServers, OnlyTheRootGainsTheServerProperty) {
