@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstring>
 #include <exception>
@@ -14,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+#include "bench/CodecTable.h"
 #include "bench/FilterSetTable.h"
 #include "bench/MatchTable.h"
 #include "bench/MemoryTable.h"
@@ -31,6 +33,7 @@ constexpr const char* kUsage =
 constexpr const char* kMatch = "match";
 constexpr const char* kSets = "sets";
 constexpr const char* kMemory = "memory";
+constexpr const char* kCodec = "codec";
 constexpr const char* kMixed = "mixed";  // all workloads of that field
 
 // Worlds and peers by field and size, made when a benchmark first needs them.
@@ -106,6 +109,8 @@ bool readPositive(std::string_view text, Number& out) {
   return error == std::errc() && end == text.data() + text.size() && out > 0;
 }
 
+bool isFurtherTable(std::string_view id) { return id == kMatch || id == kSets || id == kMemory || id == kCodec; }
+
 void addMixed(bench::TableOptions& options) {
   for (const bench::Workload& workload : bench::workloads()) {
     if (workload.field == bench::Field::Mixed) options.only.insert(workload.id);
@@ -118,7 +123,7 @@ bool readOnly(std::string_view text, bench::TableOptions& options) {
       addMixed(options);
       continue;
     }
-    bool isKnown = id == kMatch || id == kSets || id == kMemory;
+    bool isKnown = isFurtherTable(id);
     for (const bench::Workload& workload : bench::workloads()) isKnown = isKnown || id == workload.id;
     if (!isKnown) return false;
     options.only.insert(std::string(id));
@@ -154,11 +159,11 @@ int runTable(int argc, char** argv) {
     return 2;
   }
   const auto isWanted = [&](const char* id) { return options.only.empty() || options.only.contains(id); };
-  const bool hasWorkloads =
-      options.only.size() != options.only.count(kMatch) + options.only.count(kSets) + options.only.count(kMemory);
+  const bool hasWorkloads = !std::all_of(options.only.begin(), options.only.end(), isFurtherTable);
   if (options.only.empty() || hasWorkloads) bench::printTables(options, std::cout);
   if (isWanted(kMatch)) bench::printMatchTables(options, std::cout);
   if (isWanted(kSets)) bench::printFilterSetTable(options, std::cout);
+  if (isWanted(kCodec)) bench::printCodecTable(options, std::cout);
   if (isWanted(kMemory)) bench::printMemoryTable(options.sizes.back(), std::cout);
   return 0;
 }
