@@ -123,7 +123,7 @@ void CQoriBaseObject::shareSource(const QORSmrPtr<IQoriObject>& object) {
       _slots = copy._slots;
       _positions = _restriction->rootPositions().data();
     }
-  } else if (typeid(source) == typeid(ModelInstance)) {
+  } else if (typeid(source) == typeid(ModelInstance) && _positions == _restriction->rootPositions().data()) {
     _slots = static_cast<const ModelInstance&>(source).slots();
   }
 }
@@ -183,6 +183,11 @@ QoriScalar CQoriBaseObject::getScalarAt(QORuint32 position) const noexcept {
   if (_own == nullptr) return _source->getScalarAt(_positions[position]);
   const QORSmrPtr<IQoriValue>& value = _own->properties[position]->getValue();
   return value.IsNull() ? QoriScalar() : value->scalar();
+}
+
+QoriCells CQoriBaseObject::getCells() const noexcept {
+  if (_own != nullptr) return {};
+  return {&_restriction->layout(), reinterpret_cast<const char*>(_slots)};
 }
 
 QORSmrPtr<IQoriValue> CQoriBaseObject::getValueAt(QORuint32 position) const {

@@ -51,6 +51,9 @@ class ModelInstance final : public IQoriObject {
   const IQoriLayout* getLayout() const noexcept override { return shape().layout.Get(); }
   QoriScalar getScalarAt(QORuint32 position) const noexcept override { return slots()[position].scalar(); }
   QORSmrPtr<IQoriValue> getValueAt(QORuint32 position) const override;
+  QoriCells getCells() const noexcept override {
+    return {shape().layout.Get(), reinterpret_cast<const char*>(slots())};
+  }
 
   // BORROWS: the values by position, valid while the instance lives.
   const ModelSlot* slots() const noexcept { return reinterpret_cast<const ModelSlot*>(this + 1); }

@@ -7,6 +7,7 @@
 #include <bit>
 
 #include "Cimom/Model/ModelRestriction.h"
+#include "Cimom/Model/ModelSlot.h"
 #include "cimom/CQoriBaseObject.h"
 
 namespace {
@@ -61,6 +62,11 @@ std::size_t ModelLayout::findSlot(const QORString& name) const noexcept {
 }
 
 QORsint32 ModelLayout::getPosition(const QORString& name) const noexcept { return _positions[findSlot(name)]; }
+
+QORuint32 ModelLayout::getCellOffset(QORuint32 position) const noexcept {
+  const QORuint32 slot = _origin == nullptr ? position : _origin->rootPositions()[position];
+  return slot * static_cast<QORuint32>(sizeof(ModelSlot));
+}
 
 std::vector<QORuint32> ModelLayout::keptPositions(const QORValSlist<QORString>& names) const {
   std::vector<QORuint32> kept;

@@ -38,6 +38,8 @@ class ModelLayout final : public IQoriLayout {
   QORsint32 getPosition(const QORString& name) const noexcept override;
   const QORString& getName(QORuint32 position) const noexcept override { return _columns[position].name; }
   const QORSmrPtr<IQoriType>& getType(QORuint32 position) const noexcept override { return _columns[position].type; }
+  // In the slots of the stored instance, also for a restricted copy.
+  QORuint32 getCellOffset(QORuint32 position) const noexcept override;
 
   // The restriction of this layout to the listed names (case, duplicates and
   // unknown names ignored). The same kept positions give the same object as

@@ -4,6 +4,8 @@
 #ifndef QORQL_MODEL_MODELSLOT_H
 #define QORQL_MODEL_MODELSLOT_H
 
+#include <type_traits>
+
 #include "cimom/IQoriType.h"
 #include "cimom/IQoriValue.h"
 #include "cimom/QoriScalar.h"
@@ -45,5 +47,8 @@ class ModelSlot {
     QORSmrPtr<IQoriValue> _value;  // of kind Complex
   };
 };
+
+// So that a pointer to a slot is one to its view, as QoriCells needs it.
+static_assert(std::is_standard_layout_v<ModelSlot>);
 
 #endif

@@ -45,6 +45,7 @@ class CQoriBaseObject final : public IQoriObject {
   const IQoriLayout* getLayout() const noexcept override;
   QoriScalar getScalarAt(QORuint32 position) const noexcept override;
   QORSmrPtr<IQoriValue> getValueAt(QORuint32 position) const override;
+  QoriCells getCells() const noexcept override;
 
  private:
   // The properties of an object without a layout, and the names of one without a source.

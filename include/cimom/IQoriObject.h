@@ -29,9 +29,23 @@ class IQoriLayout {
   // REQUIRE position < getPropertyCount().
   virtual const QORString& getName(QORuint32 position) const noexcept = 0;
   virtual const QORSmrPtr<IQoriType>& getType(QORuint32 position) const noexcept = 0;
+  // By how many bytes a property's view lies behind the cells that objects of this
+  // layout give; the same for all that give some. REQUIRE position < getPropertyCount().
+  virtual QORuint32 getCellOffset(QORuint32 /*position*/) const noexcept { return 0; }
 
  private:
   const QORuint64 _serial;
+};
+
+// What a reader of many objects asks of each: its layout, and where its values lie.
+struct QoriCells {
+  const IQoriLayout* layout = nullptr;  // as getLayout() gives it
+  const char* cells = nullptr;  // BORROWS: valid while the object lives; null: its values do not lie in memory so
+
+  // What getScalarAt() gives for the position of which this is the offset. REQUIRES cells.
+  static const QoriScalar& at(const char* cells, QORuint32 offset) noexcept {
+    return *reinterpret_cast<const QoriScalar*>(cells + offset);
+  }
 };
 
 // Once an object has been handed out it does not change; threads may share it.
@@ -84,6 +98,10 @@ class IQoriObject {
   virtual QoriScalar getScalarAt(QORuint32 /*position*/) const noexcept { return {}; }
   // The property's value, null when it has none. REQUIRES as above.
   virtual QORSmrPtr<IQoriValue> getValueAt(QORuint32 position) const { return getPropertyAt(position)->getValue(); }
+  // The layout with the place of the views that getScalarAt() gives, where they lie
+  // ready in memory, all at the offsets that the layout tells: readers of many
+  // objects then need one call for each instead of one for each value.
+  virtual QoriCells getCells() const noexcept { return {getLayout(), nullptr}; }
 
   // The namespace the instance came from; empty for a null object.
   static QORString getLocalNameSpace(const QORSmrPtr<IQoriObject>& object) {

@@ -21,7 +21,17 @@ Object restricted(const Object& source, const QORSmrPtr<QORValSlist<QORString>>&
   return {new CQoriBaseObject(source, list, true)};
 }
 
-// The object as the names and texts of its properties, read by position and by name.
+void expectCellsToShow(const IQoriObject& object, QORuint32 position) {
+  const QoriCells found = object.getCells();
+  EXPECT_EQ(found.layout, object.getLayout());
+  if (found.cells == nullptr) return;
+  const QoriScalar& cell = QoriCells::at(found.cells, found.layout->getCellOffset(position));
+  const QoriScalar view = object.getScalarAt(position);
+  EXPECT_EQ(cell.kind, view.kind);
+  EXPECT_EQ(cell.u, view.u);
+}
+
+// The object as the names and texts of its properties, read by position, by name and in its cells.
 std::string contents(const Object& value) {
   std::string all;
   for (QORuint32 i = 0; i < value->getPropertyCount(); ++i) {
@@ -30,6 +40,7 @@ std::string contents(const Object& value) {
     if (value->getLayout() != nullptr) {
       EXPECT_EQ(show(value->getValueAt(i)), show(property->getValue()));
       EXPECT_EQ(value->getScalarAt(i).isNull(), property->getValue().IsNull());
+      expectCellsToShow(*value, i);
       EXPECT_EQ(value->getLayout()->getName(i), property->getName());
     }
     all += std::string(property->getName().view()) + "=" + show(property->getValue()) + " ";
@@ -42,6 +53,15 @@ TEST(CQoriBaseObject, RestrictedCopyKeepsListedPropertiesInTheSourcesOrder) {
   EXPECT_EQ(contents(copy), "Name=string:sda Kind=uint16:3 ");
   EXPECT_TRUE(copy->getProperty("Size", true).IsNull());
   EXPECT_EQ(copy->getScalarAt(1).u, 3U);
+}
+
+TEST(CQoriBaseObject, CopiesOfStoredInstancesHaveCells) {
+  const Object copy = restricted(disk(), names({"Kind", "Size"}));
+  EXPECT_EQ(contents(copy), "Size=uint64:500 Kind=uint16:3 ");
+  ASSERT_NE(copy->getCells().cells, nullptr);
+  ASSERT_NE(restricted(copy, names({"Kind"}))->getCells().cells, nullptr);
+  EXPECT_EQ(contents(disk()), "Name=string:sda Size=uint64:500 Kind=uint16:3 On=boolean:TRUE ");
+  EXPECT_NE(disk()->getCells().cells, nullptr);
 }
 
 TEST(CQoriBaseObject, RestrictedCopyKeepsClassNameNameAndNamespace) {
@@ -149,6 +169,7 @@ TEST(CQoriBaseObject, StoredInstanceMayHaveADerivedLayout) {
   EXPECT_EQ(contents(once), "c=uint8:33 ");
   const Object both = restricted(narrow, names({"c", "b"}));
   EXPECT_EQ(contents(restricted(both, names({"c"}))), "c=uint8:33 ");
+  EXPECT_EQ(both->getCells().cells, nullptr);
 }
 
 TEST(CQoriBaseObject, PreparedRestrictionGivesTheSameCopies) {
