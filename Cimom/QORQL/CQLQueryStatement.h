@@ -135,6 +135,8 @@ class CQLQueryStatement final : public IQueryStatement {
 
  private:
   void requireValidated(const char* where) const;
+  // isMatch for what the quick way leaves undecided.
+  [[gnu::noinline]] bool matchThoroughly(const Instance& instance, const QORString& nameSpace) const;
   void parseQuery(QORQL_SymbolTable& symbolTable, QORQL_Lexer& lexer);
   void checkQuery();
   // Logs the message, which is also the fault's when nothing better is known.

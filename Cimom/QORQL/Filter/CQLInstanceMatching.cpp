@@ -20,12 +20,15 @@ constexpr char kIsMatch[] = "CQLQUERYSTATEMENT::isMatch";
 }  // namespace
 
 bool CQLQueryStatement::isMatch(const QORSmrPtr<IQoriObject>& instance, const QORString& nameSpace) const {
-  if (_matcher == nullptr) {
-    requireValidated(kIsMatch);
-  } else {
+  if (_matcher != nullptr) {
     const CQLQuickCheck::Outcome outcome = _matcher->matchesQuickly(instance.Get(), nameSpace);
     if (outcome != CQLQuickCheck::Outcome::Undecided) return outcome == CQLQuickCheck::Outcome::Holds;
   }
+  return matchThoroughly(instance, nameSpace);
+}
+
+bool CQLQueryStatement::matchThoroughly(const Instance& instance, const QORString& nameSpace) const {
+  if (_matcher == nullptr) requireValidated(kIsMatch);
   if (instance.IsNull()) CQLQueryException::raise(kIsMatch, CQL_QUERY_INVALID_OR_NULL_PARM_ERROR);
   bool result = false;
   const CQLQueryExceptionCode code = doMatch(result, instance, nameSpace);

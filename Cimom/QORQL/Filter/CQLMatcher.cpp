@@ -68,11 +68,11 @@ bool CQLMatcher::isOfFromClass(const IQoriObject& instance) const {
 // A condition that is undecided because the instance failed does not hold.
 const CQLCondition* CQLMatcher::firstFailure(const QORSmrPtr<IQoriObject>& instance) const {
   const IQoriObject& object = *instance;
-  const IQoriLayout* const layout = object.getLayout();
-  const QORuint64 serial = layout == nullptr ? 0 : layout->getSerial();
+  const QoriCells found = object.getCells();
+  const QORuint64 serial = found.layout == nullptr ? 0 : found.layout->getSerial();
   for (std::size_t i = 0; i < _conditions.size(); ++i) {
     try {
-      const CQLQuickCheck::Outcome outcome = _quickChecks[i].check(object, layout, serial);
+      const CQLQuickCheck::Outcome outcome = _quickChecks[i].check(object, found, serial);
       const bool holds = outcome == CQLQuickCheck::Outcome::Undecided ? _conditions[i]->holds(instance)
                                                                       : outcome == CQLQuickCheck::Outcome::Holds;
       if (!holds) return _conditions[i].get();

@@ -24,12 +24,12 @@ class CQLMatcher {
   CQLQuickCheck::Outcome matchesQuickly(const IQoriObject* instance, const QORString& nameSpace) const noexcept {
     using Outcome = CQLQuickCheck::Outcome;
     if (instance == nullptr || nameSpace.data() != _nameSpaceText) return Outcome::Undecided;
-    const IQoriLayout* const layout = instance->getLayout();
-    if (layout == nullptr) return Outcome::Undecided;
-    const QORuint64 serial = layout->getSerial();
+    const QoriCells found = instance->getCells();
+    if (found.cells == nullptr) return Outcome::Undecided;
+    const QORuint64 serial = found.layout->getSerial();
     if (serial != _fromSerial.load(std::memory_order_relaxed)) return Outcome::Undecided;
     for (const CQLQuickCheck& check : _quickChecks) {
-      const Outcome outcome = check.check(*instance, layout, serial);
+      const Outcome outcome = check.checkKnown(found.cells, serial);
       if (outcome != Outcome::Holds) return outcome;
     }
     return Outcome::Holds;

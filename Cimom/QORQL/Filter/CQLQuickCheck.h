@@ -27,43 +27,45 @@ class CQLQuickCheck {
     return constant.kind == QoriScalarKind::Unsigned || isOrderedReal || constant.kind == QoriScalarKind::Text;
   }
 
-  // `layout` is the instance's own, which may be null, and `serial` its number.
-  Outcome check(const IQoriObject& instance, const IQoriLayout* layout, QORuint64 serial) const noexcept {
-    QORuint64 place = _place.load(std::memory_order_relaxed);
-    if (place >> kPositionBits != serial && !find(layout, serial, place)) return Outcome::Undecided;
-    const QoriScalar value = instance.getScalarAt(static_cast<QORuint32>(place & kPositionMask));
+  // `found` is what the instance's getCells() gives, and `serial` the number of its layout, 0 for none.
+  Outcome check(const IQoriObject& instance, const QoriCells& found, QORuint64 serial) const noexcept;
+  // The same, but undecided unless instances of that layout were the last that check() found the property in.
+  Outcome checkKnown(const char* cells, QORuint64 serial) const noexcept {
+    const QORuint64 place = _offset.load(std::memory_order_relaxed);
+    if (place >> kPlaceBits != serial) return Outcome::Undecided;
+    const QoriScalar& value = QoriCells::at(cells, static_cast<QORuint32>(place & kPlaceMask));
     if (value.kind != _constant.kind) return Outcome::Undecided;
-    switch (value.kind) {
-      case QoriScalarKind::Unsigned:
-        return decide(value.u == _constant.u, value.u > _constant.u);
-      case QoriScalarKind::Real:
-        if (value.r != value.r) return Outcome::Undecided;
-        return decide(value.r == _constant.r, value.r > _constant.r);
-      case QoriScalarKind::Text:
-        return checkText(*value.text);
-      default:
-        return Outcome::Undecided;
-    }
+    return value.kind == QoriScalarKind::Unsigned ? decideNumber(value.u) : decideOther(value);
   }
 
  private:
-  // A layout's number with the property's position in it: together, so that
-  // threads always see both of one layout.
-  static constexpr QORuint32 kPositionBits = 16;
-  static constexpr QORuint64 kPositionMask = (1U << kPositionBits) - 1;
+  // A layout's number with the property's position or offset in it: together, so
+  // that threads always see both of one layout.
+  static constexpr QORuint32 kPlaceBits = 16;
+  static constexpr QORuint64 kPlaceMask = (1U << kPlaceBits) - 1;
   static constexpr QORuint64 kNowhere = ~QORuint64{0};
 
-  bool find(const IQoriLayout* layout, QORuint64 serial, QORuint64& place) const noexcept;
-  Outcome checkText(const QORString& text) const noexcept;
-  Outcome decide(bool isEqual, bool isGreater) const noexcept {
+  bool find(const QoriCells& found, QORuint64 serial, QORuint64& place) const noexcept;
+  void findNumbers() noexcept;
+  // Of the constant's kind, which is not Unsigned.
+  Outcome decideOther(const QoriScalar& value) const noexcept;
+  Outcome decideNumber(QORuint64 value) const noexcept {
+    return (value - _least <= _width) != _isOutside ? Outcome::Holds : Outcome::Fails;
+  }
+  Outcome decideOrder(bool isEqual, bool isGreater) const noexcept {
     const unsigned order = (isEqual ? 1U : 0U) | (isGreater ? 2U : 0U);
     return (_orders >> order & 1U) != 0 ? Outcome::Holds : Outcome::Fails;
   }
 
-  QORString _property;
+  mutable std::atomic<QORuint64> _offset{kNowhere};  // of the view in an instance's cells
   QoriScalar _constant;
-  unsigned _orders = 0;  // bit 0: holds for less, bit 1: for equal, bit 2: for greater
-  mutable std::atomic<QORuint64> _place{kNowhere};
+  // For an unsigned constant: those numbers for which the condition holds, or all others.
+  QORuint64 _least = 0;
+  QORuint64 _width = 0;
+  bool _isOutside = false;
+  QORString _property;
+  unsigned _orders = 0;                                // bit 0: holds for less, bit 1: for equal, bit 2: for greater
+  mutable std::atomic<QORuint64> _position{kNowhere};  // of the property, for instances without cells
 };
 
 #endif

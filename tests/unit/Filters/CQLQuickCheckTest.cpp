@@ -83,6 +83,27 @@ TEST_F(FilterQuickCheck, EveryRelationOfEveryKind) {
   }
 }
 
+// Asked twice: what the first answer found out decides the second one.
+TEST_F(FilterQuickCheck, UnsignedNumbersAtBothEnds) {
+  const std::vector<std::string> numbers = {"0", "1", "5", "18446744073709551614", "18446744073709551615"};
+  for (std::size_t left = 0; left < numbers.size(); ++left) {
+    const auto alert = world.indication("instance of CIM_AlertIndication { U64 = " + numbers[left] + "; };");
+    for (std::size_t right = 0; right < numbers.size(); ++right) {
+      const std::vector<std::pair<const char*, bool>> expected = {{"=", left == right},  {"<>", left != right},
+                                                                  {"<", left < right},   {">", left > right},
+                                                                  {"<=", left <= right}, {">=", left >= right}};
+      for (const auto& [relation, holds] : expected) {
+        const std::string text = std::string("SELECT * FROM CIM_AlertIndication WHERE U64 ") + relation + " ";
+        CQLQueryStatement filter("DMTF:CQL", (text + numbers[right]).c_str(), kNameSpace, kNameSpace);
+        ASSERT_EQ(filter.validate(), QUERY_VALIDATE_SUCCESS);
+        for (int round = 0; round < 2; ++round) {
+          EXPECT_EQ(filter.isMatch(alert, kNameSpace), holds) << numbers[left] << relation << numbers[right];
+        }
+      }
+    }
+  }
+}
+
 // The same property stands at another place in each class.
 TEST_F(FilterQuickCheck, InstancesOfTwoFromClassesInTurn) {
   FilterWorld two(
@@ -171,16 +192,17 @@ TEST_F(FilterQuickCheck, AnInstanceWithoutLayoutIsReadByName) {
 TEST(CQLQuickCheck, DecidesNothingWithoutPropertyOrLayout) {
   FilterWorld world;
   const auto volume = world.indication("instance of CIM_StorageVolume { Id = \"a\"; Size = 11; };");
-  const IQoriLayout* const layout = volume->getLayout();
-  EXPECT_EQ(CQLQuickCheck().check(*volume, layout, layout->getSerial()), CQLQuickCheck::Outcome::Undecided);
+  const QoriCells found = volume->getCells();
+  const QORuint64 serial = found.layout->getSerial();
+  EXPECT_EQ(CQLQuickCheck().check(*volume, found, serial), CQLQuickCheck::Outcome::Undecided);
   QoriScalar ten;
   ten.kind = QoriScalarKind::Unsigned;
   ten.u = 10;
   const CQLQuickCheck unknown("NoSuch", QoriRelation::Greater, ten);
-  EXPECT_EQ(unknown.check(*volume, layout, layout->getSerial()), CQLQuickCheck::Outcome::Undecided);
+  EXPECT_EQ(unknown.check(*volume, found, serial), CQLQuickCheck::Outcome::Undecided);
   const CQLQuickCheck size("Size", QoriRelation::Greater, ten);
-  EXPECT_EQ(size.check(*volume, layout, 0), CQLQuickCheck::Outcome::Undecided);
-  EXPECT_EQ(size.check(*volume, layout, layout->getSerial()), CQLQuickCheck::Outcome::Holds);
+  EXPECT_EQ(size.check(*volume, found, 0), CQLQuickCheck::Outcome::Undecided);
+  EXPECT_EQ(size.check(*volume, found, serial), CQLQuickCheck::Outcome::Holds);
 }
 
 }  // namespace
