@@ -16,10 +16,11 @@ QoriTruth QORQL_ClassTest::test(const IQoriObject& object) {
   const QORString className(object.getClassName());
   if (className.isEmpty()) return QoriTruth::Null;
   beginRun();
+  const QORQL_ViewTruth known = remembered(object);
+  if (known != QORQL_ViewTruth::Undecided) return static_cast<QoriTruth>(known);
   const bool isOfIt = CQLQueryValidator::isSubClass(_nameSpace, className, _className);
   const IQoriLayout* const layout = object.getLayout();
-  const bool isNew = remembered(object) == QORQL_ViewTruth::Undecided;
-  if (_version != 0 && layout != nullptr && isNew) _answers.push_back({layout, QORQL_viewTruth(isOfIt)});
+  if (_version != 0 && layout != nullptr) _answers.push_back({layout, QORQL_viewTruth(isOfIt)});
   return qori::truth(isOfIt);
 }
 
@@ -29,10 +30,10 @@ void QORQL_ClassTest::beginRun() {
   _version = version;
 }
 
+// Looks at all of the few answers: which of them it is cannot be predicted.
 QORQL_ViewTruth QORQL_ClassTest::remembered(const IQoriObject& object) const noexcept {
   const IQoriLayout* const layout = object.getLayout();
-  for (const Answer& answer : _answers) {
-    if (answer.layout == layout) return answer.truth;
-  }
-  return QORQL_ViewTruth::Undecided;
+  QORQL_ViewTruth truth = QORQL_ViewTruth::Undecided;
+  for (const Answer& answer : _answers) truth = answer.layout == layout ? answer.truth : truth;
+  return truth;
 }
