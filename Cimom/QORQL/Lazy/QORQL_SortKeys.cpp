@@ -38,6 +38,14 @@ bool QORQL_SortKeys::add(const QoriScalar& key, const QORSmrPtr<IQoriValue>& hol
   return true;
 }
 
+bool QORQL_SortKeys::add(const QoriScalar* keys, std::size_t count) {
+  const QORSmrPtr<IQoriValue> none;
+  for (std::size_t i = 0; i < count; ++i) {
+    if (!add(keys[i], none)) return false;
+  }
+  return true;
+}
+
 void QORQL_SortKeys::sortNumbers(bool isAscending) {
   const QORuint64 inverted = isAscending ? 0 : ~QORuint64{0};
   for (QORQL_SortEntry& entry : _entries) entry.key = _order.keyOf(entry.key) ^ inverted;

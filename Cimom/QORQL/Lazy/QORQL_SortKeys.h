@@ -3,7 +3,6 @@
 #ifndef QORQL_SORTKEYS_H
 #define QORQL_SORTKEYS_H
 
-#include <deque>
 #include <string_view>
 #include <vector>
 
@@ -19,6 +18,8 @@ class QORQL_SortKeys {
   // Adds the next row's key; `holder` keeps a key that was made. False when it
   // cannot be compared with the others: then this class cannot sort them.
   bool add(const QoriScalar& key, const QORSmrPtr<IQoriValue>& holder);
+  // The same for the keys of `count` rows, which need no value.
+  bool add(const QoriScalar* keys, std::size_t count);
   // False when the keys, each fit to be added, cannot be brought into one order.
   bool areSortable() const noexcept { return _order.isUniform(); }
   // The rows by key; rows of equal keys in descending order. Uses the keys up.
@@ -37,7 +38,7 @@ class QORQL_SortKeys {
   std::vector<QORQL_SortEntry> _entries;
   QORQL_NumberOrder _order;
   std::vector<std::string_view> _texts;  // by row; empty for all but texts
-  std::deque<QORSmrPtr<IQoriValue>> _holders;
+  std::vector<QORSmrPtr<IQoriValue>> _holders;
 };
 
 #endif

@@ -53,19 +53,38 @@ std::vector<QORuint32> sortedByList(QORQL_RowReader& reader, std::size_t slot, b
   return numbers;
 }
 
-std::vector<QORuint32> sortedNumbers(QORQL_RowReader& reader, std::size_t slot, bool isAscending) {
-  if (!reader.isBound(slot)) return sortedByList(reader, slot, isAscending);  // reads each key once
-  QORQL_SortKeys keys;
-  keys.reserve(reader.rowCount());
+// Both read the key of every row; false at one that cannot be sorted so.
+bool readKeys(QORQL_RowReader& reader, std::size_t slot, QORQL_SortKeys& keys) {
   QORQL_StopCheck stopCheck;
   for (QORuint32 row = 0; row < reader.rowCount(); ++row) {
     stopCheck.count();
     reader.select(row);
     Value holder;
     const QoriScalar key = reader.view(slot, holder);
-    if (!keys.add(key, holder)) return sortedByList(reader, slot, isAscending);
+    if (!keys.add(key, holder)) return false;
   }
-  return keys.areSortable() ? keys.takeSorted(isAscending) : sortedByList(reader, slot, isAscending);
+  return true;
+}
+
+bool readProperties(QORQL_RowReader& reader, std::size_t slot, QORQL_SortKeys& keys) {
+  const std::size_t offset = reader.cellOffset(slot);
+  QORQL_StopCheck stopCheck;
+  for (QORuint64 row = 0; row < reader.rowCount();) {
+    reader.select(row);
+    const std::size_t run = reader.runLength();
+    stopCheck.count(run);
+    if (!keys.add(reader.cells() + offset, run)) return false;
+    row += run;
+  }
+  return true;
+}
+
+std::vector<QORuint32> sortedNumbers(QORQL_RowReader& reader, std::size_t slot, bool isAscending) {
+  if (!reader.isBound(slot)) return sortedByList(reader, slot, isAscending);  // reads each key once
+  QORQL_SortKeys keys;
+  keys.reserve(reader.rowCount());
+  const bool areRead = reader.isProperty(slot) ? readProperties(reader, slot, keys) : readKeys(reader, slot, keys);
+  return areRead && keys.areSortable() ? keys.takeSorted(isAscending) : sortedByList(reader, slot, isAscending);
 }
 
 // The tuples of the given rows of a block.
