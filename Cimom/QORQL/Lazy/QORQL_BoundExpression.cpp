@@ -42,9 +42,9 @@ class BoundLiteral final : public QORQL_BoundValue {
 class BoundProperty final : public QORQL_BoundValue {
  public:
   explicit BoundProperty(QORQL_PropertyColumn column) : _column(std::move(column)) {}
-  Value value(const QORQL_RowView& row) const override { return _column.value(row.objects[_column.column()]); }
+  Value value(const QORQL_RowView& row) const override { return _column.value(row.object(_column.column())); }
   QoriScalar view(const QORQL_RowView& row, Value& /*holder*/) const override {
-    return _column.view(row.objects[_column.column()]);
+    return _column.view(row.object(_column.column()));
   }
   const QORQL_PropertyColumn* propertyColumn() const noexcept override { return &_column; }
 
@@ -64,7 +64,7 @@ class BoundPartialProperty final : public QORQL_BoundValue {
 
  private:
   const IQoriObject* checkedObject(const QORQL_RowView& row) const {
-    const IQoriObject* const object = row.objects[_column.column()];
+    const IQoriObject* const object = row.object(_column.column());
     if (object != nullptr && object->getLayout()->getPosition(_propertyName) < 0) {
       QORQL_DataRow::raiseNoProperty(_className, _propertyName);
     }
@@ -81,7 +81,7 @@ class BoundObjectPath final : public QORQL_BoundValue {
  public:
   BoundObjectPath(QORuint32 column, const QORString& className) : _column(column), _className(className) {}
   Value value(const QORQL_RowView& row) const override {
-    const IQoriObject* const object = row.objects[_column];
+    const IQoriObject* const object = row.object(_column);
     if (object == nullptr) return {};
     try {
       const QORSmrPtr<IQoriInstanceName> name(object->getInstanceName());

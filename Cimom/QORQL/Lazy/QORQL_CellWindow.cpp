@@ -12,22 +12,40 @@ std::size_t QORQL_CellWindow::add(const QORQL_PropertyColumn& column) {
     if (_columns[number].isSameAs(column)) return number;
   }
   assert(_cells == nullptr);
+  if (_columns.empty()) _columns.reserve(kFew / 4);
   _columns.push_back(column);
   return _columns.size() - 1;
 }
 
+void QORQL_CellWindow::begin() {
+  _cells = std::make_unique<QoriScalar[]>(_columns.size() * kBatch);
+  _readsCells = std::all_of(_columns.begin(), _columns.end(),
+                            [](const QORQL_PropertyColumn& column) { return column.readsCells(); });
+}
+
 void QORQL_CellWindow::fill(const QORQL_RowBlock& block, QORuint64 row) {
   constexpr std::size_t kGrowth = 8;
-  constexpr std::size_t kBatch = QORQL_PropertyColumn::kBatch;
-  if (_cells == nullptr) _cells = std::make_unique<QoriScalar[]>(_columns.size() * kBatch);
+  if (_cells == nullptr) begin();
   const bool isNext = row == _first + _count;
   const std::size_t wanted = isNext ? std::min(kBatch, _count * kGrowth + 1) : 1;
   _first = row;
   _count = static_cast<std::size_t>(std::min<QORuint64>(wanted, block.rowCount - row));
+  _readsCells ? readCells(block) : readObjects(block);
+}
+
+void QORQL_CellWindow::readCells(const QORQL_RowBlock& block) {
+  std::array<const char*, kBatch> buffer;
+  const char* const* cells = nullptr;
+  for (std::size_t number = 0; number < _columns.size(); ++number) {
+    if (!isFetched(number)) cells = _columns[number].fetchCells(block, _first, _count, buffer.data());
+    _columns[number].read(cells, _count, &_cells[number * kBatch]);
+  }
+}
+
+void QORQL_CellWindow::readObjects(const QORQL_RowBlock& block) {
   std::array<const IQoriObject*, kBatch> objects;
   for (std::size_t number = 0; number < _columns.size(); ++number) {
-    const bool isFetched = number != 0 && _columns[number].column() == _columns[number - 1].column();
-    if (!isFetched) _columns[number].fetch(block, row, _count, objects.data());
+    if (!isFetched(number)) _columns[number].fetch(block, _first, _count, objects.data());
     _columns[number].read(objects.data(), _count, &_cells[number * kBatch]);
   }
 }

@@ -35,12 +35,24 @@ class QORQL_CellWindow {
   static constexpr std::size_t offsetOf(std::size_t column) noexcept { return column * QORQL_PropertyColumn::kBatch; }
 
  private:
+  static constexpr std::size_t kBatch = QORQL_PropertyColumn::kBatch;
+
+  // Before the first cell is read, when all columns are known.
+  void begin();
   void fill(const QORQL_RowBlock& block, QORuint64 row);
+  // Read the window's rows.
+  void readCells(const QORQL_RowBlock& block);
+  void readObjects(const QORQL_RowBlock& block);
+  // Whether the column's objects are those of the column before it.
+  bool isFetched(std::size_t number) const noexcept {
+    return number != 0 && _columns[number].column() == _columns[number - 1].column();
+  }
 
   std::vector<QORQL_PropertyColumn> _columns;
   std::unique_ptr<QoriScalar[]> _cells;  // kBatch for each column
   QORuint64 _first = 0;
   std::size_t _count = 0;
+  bool _readsCells = false;  // whether all columns do
 };
 
 #endif

@@ -24,7 +24,7 @@ template <class Record>
 void recordSide(const QORQL_RowView& view, QORsint32 column, Record record) {
   if (column < 0) return;
   const QORuint32 place = static_cast<QORuint32>(column);
-  if (view.objects[place] != nullptr) record(QORQL_instanceKey(*view.objects[place]), view.indexes[place]);
+  if (view.object(place) != nullptr) record(QORQL_instanceKey(*view.object(place)), view.index(place));
 }
 
 // Keeps only the rows of a block whose tuples are given.
@@ -40,11 +40,11 @@ void keepRows(QORQL_RowBlock& block, std::vector<QORuint32>&& kept) {
 void copyTuples(const QORQL_RowBlock& block, QORuint64 first, const QORuint32* places, std::size_t count,
                 QORuint32* out) {
   const std::size_t width = block.columns.size();
-  if (block.isWholeExtent) {
-    for (std::size_t i = 0; i < count; ++i) out[i] = static_cast<QORuint32>(first) + places[i];
+  const QORuint32* const tuples = block.tuples.data() + first * width;
+  if (width == 1) {
+    for (std::size_t i = 0; i < count; ++i) out[i] = tuples[places[i]];
     return;
   }
-  const QORuint32* const tuples = block.tuples.data() + first * width;
   for (std::size_t i = 0; i < count; ++i) out = std::copy_n(tuples + places[i] * width, width, out);
 }
 
@@ -60,18 +60,20 @@ class BlockFilter {
 
   // The tuples of the rows that stay. Selects each row that it looks at in `view`.
   std::vector<QORuint32> run(const QORQL_RowBlock& block, QORQL_RowView& view) {
+    constexpr std::size_t kBatch = QORQL_PropertyColumn::kBatch;
+    constexpr QORuint64 kFewRows = 4096;  // for so many there is room before it is known how many stay
     const std::size_t width = block.columns.size();
     std::vector<QORuint32> kept;
-    std::array<QORuint32, QORQL_PropertyColumn::kBatch> keptOfRun;
+    kept.reserve(static_cast<std::size_t>(std::min<QORuint64>(block.rowCount + kBatch, kFewRows)) * width);
+    std::size_t size = 0;
     QORQL_StopCheck stopCheck;
-    for (QORuint64 first = 0; first < block.rowCount; first += keptOfRun.size()) {
-      stopCheck.count(keptOfRun.size());
-      const std::size_t count = static_cast<std::size_t>(std::min<QORuint64>(keptOfRun.size(), block.rowCount - first));
-      const std::size_t keptCount = filterRun(block, first, count, view, keptOfRun);
-      const std::size_t start = kept.size();
-      kept.resize(start + keptCount * width);
-      copyTuples(block, first, keptOfRun.data(), keptCount, kept.data() + start);
+    for (QORuint64 first = 0; first < block.rowCount; first += kBatch) {
+      stopCheck.count(kBatch);
+      const std::size_t count = static_cast<std::size_t>(std::min<QORuint64>(kBatch, block.rowCount - first));
+      kept.resize(size + kBatch * width);
+      size += keepOfRun(block, first, count, view, kept.data() + size) * width;
     }
+    kept.resize(size);
     return kept;
   }
 
@@ -87,26 +89,40 @@ class BlockFilter {
   }
 
  private:
-  // Collects the rows of a run that stay, by their place in it; returns how many.
-  // Does not branch on the outcome, which the processor could not predict.
-  template <class Places>
-  std::size_t filterRun(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, QORQL_RowView& view,
-                        Places& kept) {
+  // Puts out the tuples of those rows of a run that stay; returns how many there are.
+  std::size_t keepOfRun(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, QORQL_RowView& view,
+                        QORuint32* out) {
     QORQL_RunTruths truths;
+    testRun(block, first, count, view, truths);
+    if (block.isWholeExtent) return collect(truths, count, static_cast<QORuint32>(first), out);
+    std::array<QORuint32, QORQL_PropertyColumn::kBatch> places;
+    const std::size_t keptCount = collect(truths, count, 0, places.data());
+    copyTuples(block, first, places.data(), keptCount, out);
+    return keptCount;
+  }
+
+  void testRun(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, QORQL_RowView& view,
+               QORQL_RunTruths& truths) {
     if (_join != nullptr || !_truth.testRun(block, first, count, truths)) {
       truths.fill(QORQL_ViewTruth::Undecided);
     }
-    if (std::memchr(truths.data(), static_cast<int>(QORQL_ViewTruth::Undecided), count) != nullptr) {
-      for (std::size_t i = 0; i < count; ++i) {
-        if (truths[i] != QORQL_ViewTruth::Undecided) continue;
-        view.select(block, first + i);
-        truths[i] = static_cast<QORQL_ViewTruth>(testRow(view));
-      }
+    if (std::memchr(truths.data(), static_cast<int>(QORQL_ViewTruth::Undecided), count) == nullptr) return;
+    for (std::size_t i = 0; i < count; ++i) {
+      if (truths[i] != QORQL_ViewTruth::Undecided) continue;
+      view.select(block, first + i);
+      truths[i] = static_cast<QORQL_ViewTruth>(testRow(view));
     }
+  }
+
+  // The numbers of the rows that stay, counted from `start` on; returns how many there are. Does not branch on the
+  // outcome, which the processor could not predict.
+  std::size_t collect(const QORQL_RunTruths& truths, std::size_t count, QORuint32 start,
+                      QORuint32* out) const noexcept {
+    const std::array<bool, 3> keeps = _keeps;
     std::size_t keptCount = 0;
     for (std::size_t i = 0; i < count; ++i) {
-      kept[keptCount] = static_cast<QORuint32>(i);
-      keptCount += _keeps[static_cast<std::size_t>(truths[i])] ? 1 : 0;
+      out[keptCount] = start + static_cast<QORuint32>(i);
+      keptCount += keeps[static_cast<std::size_t>(truths[i])] ? 1 : 0;
     }
     return keptCount;
   }
@@ -144,7 +160,7 @@ QORQL_RowBlock filterPairs(const QORQL_LazyRows& rows, const QORQL_ConditionPlan
       view.select(inner, j);
       if (!plan.keeps(truth.test(view))) continue;
       ++result.rowCount;
-      for (const QORuint32 column : result.columns) result.tuples.push_back(view.indexes[column]);
+      for (const QORuint32 column : result.columns) result.tuples.push_back(view.index(column));
     }
   }
   return result;

@@ -20,7 +20,7 @@ QORsint32 QORQL_LazyResults::find(const QORString& id) const {
 
 QORSmrPtr<IQoriValue> QORQL_LazyResults::value(std::size_t function, const QORQL_RowView& row) const {
   const Function& read = _functions[function];
-  return read.bound == nullptr ? read.values[row.number] : read.bound->value(row);
+  return read.bound == nullptr ? read.values[row.number()] : read.bound->value(row);
 }
 
 QORSmrPtr<IQoriObject> QORQL_LazyResults::object(const QORQL_RowView& row) const {

@@ -18,32 +18,53 @@ constexpr QORuint32 kSmall = 65536;
 }  // namespace
 
 QORQL_Extent::QORQL_Extent(const ObjectList& list) : _list(list), _cursor(std::in_place, *list) {
-  const IQoriLayout* previous = nullptr;
-  bool isFirst = true;
-  const bool isSmall = size() <= kSmall;
-  _objects.resize(isSmall ? size() : 0);
-  const IQoriObject** place = _objects.data();
-  list->forEach([&](const QORSmrPtr<IQoriObject>& pointer) {
+  if (size() > kSmall) {
+    lookAtObjects([](const IQoriObject*, const char*) {});
+    return;
+  }
+  _objects.resize(size());
+  _cells.resize(size());
+  const IQoriObject** object = _objects.data();
+  const char** cells = _cells.data();
+  lookAtObjects([&](const IQoriObject* foundObject, const char* foundCells) {
+    *object++ = foundObject;
+    *cells++ = foundCells;
+  });
+}
+
+// The last two layouts are known without a branch on which of them it is: nobody
+// could predict that where objects of a class and of its subclass mix.
+template <class Keep>
+void QORQL_Extent::lookAtObjects(const Keep& keep) {
+  const void* latest = this;  // which is no layout
+  const void* earlier = this;
+  _list->forEach([&](const QORSmrPtr<IQoriObject>& pointer) {
     const IQoriObject* const object = pointer.Get();
-    if (isSmall) *place++ = object;
-    const IQoriLayout* const layout = object == nullptr ? nullptr : object->getLayout();
+    const QoriCells found = object == nullptr ? QoriCells() : object->getCells();
+    keep(object, found.cells);
+    _hasCells = _hasCells && found.cells != nullptr;
+    if (static_cast<int>(found.layout == latest) + static_cast<int>(found.layout == earlier) != 0) return;
     _hasNull = _hasNull || object == nullptr;
-    if (isFirst || layout != previous) noteLayout(layout);
-    previous = layout;
-    isFirst = false;
+    noteLayout(found.layout);
+    earlier = latest;
+    if (found.layout != nullptr) latest = found.layout;
   });
 }
 
 void QORQL_RowBlock::fetch(const QORQL_Extent& extent, QORuint32 column, QORuint64 first, std::size_t count,
                            const IQoriObject** objects) const {
   if (isWholeExtent) return extent.copyRun(static_cast<QORuint32>(first), count, objects);
-  const std::size_t width = columns.size();
-  const auto place = std::lower_bound(columns.begin(), columns.end(), column) - columns.begin();
-  const QORuint32* const indexes = tuples.data() + first * width + static_cast<std::size_t>(place);
-  for (std::size_t i = 0; i < count; ++i) {
-    const QORuint32 index = indexes[i * width];
-    objects[i] = index == QORQL_kNoObject ? nullptr : extent.object(index);
-  }
+  forEachIndex(column, first, count,
+               [&](QORuint32 index) { *objects++ = index == QORQL_kNoObject ? nullptr : extent.object(index); });
+}
+
+const char* const* QORQL_RowBlock::fetchCells(const QORQL_Extent& extent, QORuint32 column, QORuint64 first,
+                                              std::size_t count, const char** buffer) const {
+  if (isWholeExtent) return extent.cellsOfRun(static_cast<QORuint32>(first), count, buffer);
+  const char** place = buffer;
+  forEachIndex(column, first, count,
+               [&](QORuint32 index) { *place++ = index == QORQL_kNoObject ? nullptr : extent.cells(index); });
+  return buffer;
 }
 
 // One object without a layout is enough: the extent has none then.
@@ -87,17 +108,17 @@ bool QORQL_Extent::moveCursor(QORuint32 first) const {
   return true;
 }
 
-void QORQL_Extent::copyRun(QORuint32 first, std::size_t count, const IQoriObject** out) const {
+const char* const* QORQL_Extent::cellsOfRun(QORuint32 first, std::size_t count, const char** buffer) const {
+  if (!_cells.empty()) return _cells.data() + first;
   if (_objects.empty() && !moveCursor(first)) makeObjects();
-  if (!_objects.empty()) {
-    std::copy_n(_objects.data() + first, count, out);
-    return;
+  const char** place = buffer;
+  const auto take = [&place](const IQoriObject& object) { *place++ = object.getCells().cells; };
+  if (_objects.empty()) {
+    forRunInList(count, take);
+  } else {
+    std::for_each_n(_objects.begin() + first, count, [&take](const IQoriObject* object) { take(*object); });
   }
-  for (std::size_t i = 0; i < count; ++i, ++_nextOfCursor) {
-    if (_nextOfCursor == _marks.size() * kMarkDistance) _marks.push_back(*_cursor);
-    if (!++*_cursor) return;
-    out[i] = _cursor->key().Get();
-  }
+  return buffer;
 }
 
 const QORSmrPtr<IQoriObject>& QORQL_Extent::pointer(QORuint32 index) const {

@@ -4,6 +4,7 @@
 #ifndef QORQL_LAZYROWS_H
 #define QORQL_LAZYROWS_H
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -26,20 +27,45 @@ class QORQL_Extent {
   const IQoriObject* object(QORuint32 index) const { return _objects.empty() ? objectInList(index) : _objects[index]; }
   // The objects from `first` on, without the array as long as runs follow one
   // another, except for a few that go back. REQUIRES that there are so many.
-  void copyRun(QORuint32 first, std::size_t count, const IQoriObject** out) const;
+  void copyRun(QORuint32 first, std::size_t count, const IQoriObject** out) const {
+    if (_objects.empty() && !moveCursor(first)) makeObjects();
+    if (!_objects.empty()) {
+      std::copy_n(_objects.data() + first, count, out);
+    } else {
+      forRunInList(count, [&out](const IQoriObject& object) { *out++ = &object; });
+    }
+  }
+  // The same of the objects' cells: where they stand already, or in the buffer. REQUIRES hasCells().
+  const char* const* cellsOfRun(QORuint32 first, std::size_t count, const char** buffer) const;
+  // REQUIRES hasCells().
+  const char* cells(QORuint32 index) const { return _cells.empty() ? object(index)->getCells().cells : _cells[index]; }
   // The list's own pointer to an object.
   const QORSmrPtr<IQoriObject>& pointer(QORuint32 index) const;
   // The distinct layouts in order of appearance.
   const std::vector<const IQoriLayout*>& layouts() const noexcept { return _layouts; }
   // True when every object has a layout, so that positions may be bound.
   bool hasLayouts() const noexcept { return _layouts.empty() || _layouts.front() != nullptr; }
+  // True when every object has cells: each layout tells then where in them a property lies.
+  bool hasCells() const noexcept { return _hasCells; }
 
  private:
+  // Calls keep(object, cells) for each object, of which either may be null.
+  template <class Keep>
+  void lookAtObjects(const Keep& keep);
   void noteLayout(const IQoriLayout* layout);
   void makeObjects() const;
   const IQoriObject* objectInList(QORuint32 index) const;
   // Puts the cursor before the object at `first`; false when the array would be faster.
   bool moveCursor(QORuint32 first) const;
+  // Calls use(object) for the next `count` objects, and moves the cursor behind them.
+  template <class Use>
+  void forRunInList(std::size_t count, const Use& use) const {
+    for (std::size_t i = 0; i < count; ++i, ++_nextOfCursor) {
+      if (_nextOfCursor == _marks.size() * kMarkDistance) _marks.push_back(*_cursor);
+      if (!++*_cursor) return;
+      use(*_cursor->key().Get());
+    }
+  }
 
   using Cursor = QORValSlistIterator<QORSmrPtr<IQoriObject>>;
   // A list has no access to its middle: copies of the cursor serve as marks there, as
@@ -49,12 +75,14 @@ class QORQL_Extent {
 
   ObjectList _list;
   bool _hasNull = false;
+  bool _hasCells = true;
   std::vector<const IQoriLayout*> _layouts;
   mutable std::optional<Cursor> _cursor;  // after the last run; always set
   mutable QORuint32 _nextOfCursor = 0;
   mutable std::vector<Cursor> _marks;  // before the first, the 4,096th object, and so on
   mutable QORuint32 _moves = 0;
   mutable std::vector<const IQoriObject*> _objects;
+  std::vector<const char*> _cells;  // of the objects; empty where there are many
   mutable std::vector<const QORSmrPtr<IQoriObject>*> _pointers;
 };
 
@@ -69,6 +97,15 @@ struct QORQL_RowBlock {
   bool isWholeExtent = false;
   QORuint64 rowCount = 0;
 
+  // Calls use(index) with one column's index in each of `count` rows from `first` on. REQUIRES tuples.
+  template <class Use>
+  void forEachIndex(QORuint32 column, QORuint64 first, std::size_t count, const Use& use) const {
+    const std::size_t width = columns.size();
+    const auto place = std::lower_bound(columns.begin(), columns.end(), column) - columns.begin();
+    const QORuint32* index = tuples.data() + first * width + static_cast<std::size_t>(place);
+    for (std::size_t i = 0; i < count; ++i, index += width) use(*index);
+  }
+
   QORuint32 index(QORuint64 row, std::size_t place) const noexcept {
     return isWholeExtent ? static_cast<QORuint32>(row) : tuples[row * columns.size() + place];
   }
@@ -76,6 +113,9 @@ struct QORQL_RowBlock {
   // extent.
   void fetch(const QORQL_Extent& extent, QORuint32 column, QORuint64 first, std::size_t count,
              const IQoriObject** objects) const;
+  // The same of the objects' cells: where they stand already, or in the buffer. REQUIRES as above, and cells.
+  const char* const* fetchCells(const QORQL_Extent& extent, QORuint32 column, QORuint64 first, std::size_t count,
+                                const char** buffer) const;
 };
 
 // While there are several blocks, each is in ascending order of its tuples, and
@@ -115,26 +155,41 @@ class QORQL_LazyRows {
   std::vector<QORQL_RowBlock> _blocks;
 };
 
-// One row of lazy rows: an object for each column that has been selected.
-struct QORQL_RowView {
-  explicit QORQL_RowView(const QORQL_LazyRows& lazyRows)
-      : rows(&lazyRows), indexes(lazyRows.columnCount(), QORQL_kNoObject), objects(lazyRows.columnCount(), nullptr) {}
-
-  void select(QORuint32 column, QORuint32 index) {
-    indexes[column] = index;
-    objects[column] = rows->object(column, index);
+// One row of lazy rows: an object for each column that has been selected. That of a
+// single column needs no memory of its own.
+class QORQL_RowView {
+ public:
+  explicit QORQL_RowView(const QORQL_LazyRows& lazyRows) : _rows(&lazyRows) {
+    if (lazyRows.columnCount() > 1) _cells.resize(lazyRows.columnCount());
   }
+
+  void select(QORuint32 column, QORuint32 index) { cell(column) = {_rows->object(column, index), index}; }
   void select(const QORQL_RowBlock& block, QORuint64 row) {
-    number = row;
+    _number = row;
     for (std::size_t place = 0; place < block.columns.size(); ++place) {
       select(block.columns[place], block.index(row, place));
     }
   }
 
-  const QORQL_LazyRows* rows;
-  std::vector<QORuint32> indexes;
-  std::vector<const IQoriObject*> objects;
-  QORuint64 number = 0;  // of the row in the block that was selected last
+  const QORQL_LazyRows& rows() const noexcept { return *_rows; }
+  // Of the row in the block that was selected last.
+  QORuint64 number() const noexcept { return _number; }
+  // The object of a column and its place there; null and QORQL_kNoObject until one is selected.
+  const IQoriObject* object(QORuint32 column) const noexcept { return cell(column).object; }
+  QORuint32 index(QORuint32 column) const noexcept { return cell(column).index; }
+
+ private:
+  struct Cell {
+    const IQoriObject* object = nullptr;
+    QORuint32 index = QORQL_kNoObject;
+  };
+  const Cell& cell(QORuint32 column) const noexcept { return _cells.empty() ? _onlyCell : _cells[column]; }
+  Cell& cell(QORuint32 column) noexcept { return _cells.empty() ? _onlyCell : _cells[column]; }
+
+  const QORQL_LazyRows* _rows;
+  Cell _onlyCell;
+  std::vector<Cell> _cells;  // empty for one column
+  QORuint64 _number = 0;
 };
 
 #endif

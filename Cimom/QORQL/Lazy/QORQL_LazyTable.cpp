@@ -32,7 +32,7 @@ void QORQL_LazyTable::project(std::vector<QORQL_LazyCell> cells, std::shared_ptr
 QORSmrPtr<IQoriObject> QORQL_LazyTable::cellObject(const QORQL_RowView& row, QORuint32 cell) const {
   if (hasResults(cell)) return _results->object(row);
   const QORuint32 column = sourceColumn(cell);
-  QORSmrPtr<IQoriObject> object(row.rows->pointer(column, row.indexes[column]));
+  QORSmrPtr<IQoriObject> object(row.rows().pointer(column, row.index(column)));
   if (_cells.empty() || object.IsNull()) return object;
   const QORQL_LazyCell& kept = _cells[cell];
   return QORSmrPtr<IQoriObject>::Make<CQoriBaseObject>(object, kept.allProperties ? allNames(*object) : kept.properties,
@@ -48,7 +48,7 @@ void QORQL_LazyTable::fillRow(const QORQL_RowView& view, QORQL_DataRow& row) con
       continue;
     }
     const QORuint32 column = sourceColumn(cell);
-    cells.append(view.rows->pointer(column, view.indexes[column]));
+    cells.append(view.rows().pointer(column, view.index(column)));
   }
 }
 

@@ -14,19 +14,35 @@ std::optional<QORQL_PropertyColumn> QORQL_PropertyColumn::bind(const QORQL_LazyR
 
 QORQL_PropertyColumn::QORQL_PropertyColumn(const QORQL_Extent& extent, QORuint32 column, const QORString& propertyName)
     : _extent(&extent), _column(column) {
-  for (const IQoriLayout* const layout : extent.layouts()) {
+  const std::vector<const IQoriLayout*>& layouts = extent.layouts();
+  const QORsint32 first = layouts.empty() ? -1 : layouts.front()->getPosition(propertyName);
+  const bool isEverywhereTheSame = std::all_of(layouts.begin(), layouts.end(), [&](const IQoriLayout* layout) {
+    return layout->getPosition(propertyName) == first;
+  });
+  if (isEverywhereTheSame && first >= 0) {
+    _onlyPosition = first;
+    if (extent.hasCells()) findOffset();
+    return;
+  }
+  for (const IQoriLayout* const layout : layouts) {
     _places.push_back({layout, layout->getPosition(propertyName)});
     _isComplete = _isComplete && _places.back().position >= 0;
   }
-  const auto standsWhereTheFirstDoes = [this](const Place& place) {
-    return place.position == _places.front().position;
+}
+
+void QORQL_PropertyColumn::findOffset() noexcept {
+  const std::vector<const IQoriLayout*>& layouts = _extent->layouts();
+  const auto offsetIn = [this](const IQoriLayout* layout) {
+    return layout->getCellOffset(static_cast<QORuint32>(_onlyPosition));
   };
-  const bool isEverywhereTheSame = std::all_of(_places.begin(), _places.end(), standsWhereTheFirstDoes);
-  if (!_places.empty() && isEverywhereTheSame) _onlyPosition = _places.front().position;
+  const QORuint32 offset = offsetIn(layouts.front());
+  const bool isEverywhereTheSame = std::all_of(layouts.begin(), layouts.end(),
+                                               [&](const IQoriLayout* layout) { return offsetIn(layout) == offset; });
+  if (isEverywhereTheSame) _offset = offset;
 }
 
 bool QORQL_PropertyColumn::isSameAs(const QORQL_PropertyColumn& other) const noexcept {
-  return _extent == other._extent && _column == other._column &&
+  return _extent == other._extent && _column == other._column && _onlyPosition == other._onlyPosition &&
          std::equal(_places.begin(), _places.end(), other._places.begin(), other._places.end(),
                     [](const Place& a, const Place& b) { return a.layout == b.layout && a.position == b.position; });
 }
@@ -56,22 +72,33 @@ void QORQL_PropertyColumn::fetch(const QORQL_RowBlock& block, QORuint64 first, s
 }
 
 void QORQL_PropertyColumn::read(const IQoriObject* const* objects, std::size_t count, QoriScalar* out) const noexcept {
-  // Fetches the texts into the cache while the caller works on the first of them.
   if (_onlyPosition < 0) {
     for (std::size_t i = 0; i < count; ++i) out[i] = view(objects[i]);
   } else {
     const QORuint32 position = static_cast<QORuint32>(_onlyPosition);
     for (std::size_t i = 0; i < count; ++i) {
       out[i] = objects[i] == nullptr ? QoriScalar() : objects[i]->getScalarAt(position);
-      const bool hasText = out[i].kind == QoriScalarKind::Text || out[i].kind == QoriScalarKind::DateTime;
-      if (hasText) __builtin_prefetch(out[i].text->data());
+      prefetchText(out[i]);
     }
+  }
+}
+
+void QORQL_PropertyColumn::read(const char* const* cells, std::size_t count, QoriScalar* out) const noexcept {
+  const QORuint32 offset = _offset;
+  for (std::size_t i = 0; i < count; ++i) {
+    out[i] = viewIn(cells[i], offset);
+    prefetchText(out[i]);
   }
 }
 
 void QORQL_PropertyColumn::read(const QORQL_RowBlock& block, QORuint64 first, std::size_t count,
                                 QoriScalar* out) const {
-  std::array<const IQoriObject*, kBatch> objects;
-  fetch(block, first, count, objects.data());
-  read(objects.data(), count, out);
+  if (readsCells()) {
+    std::array<const char*, kBatch> buffer;
+    read(fetchCells(block, first, count, buffer.data()), count, out);
+  } else {
+    std::array<const IQoriObject*, kBatch> objects;
+    fetch(block, first, count, objects.data());
+    read(objects.data(), count, out);
+  }
 }

@@ -34,25 +34,48 @@ class QORQL_PropertyColumn {
   QORSmrPtr<IQoriValue> value(const IQoriObject* object) const;
   // The column's objects in `count` rows of the block that has it, from `first` on; null for none.
   void fetch(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, const IQoriObject** objects) const;
-  // The views of the property of `count` objects.
+  // Whether the property lies at one offset in the cells of every object, so that reading it makes no call.
+  bool readsCells() const noexcept { return _offset != kNoOffset; }
+  // The cells of the column's objects: where they stand already, or in the buffer. REQUIRES as above, and readsCells().
+  const char* const* fetchCells(const QORQL_RowBlock& block, QORuint64 first, std::size_t count,
+                                const char** buffer) const {
+    return block.fetchCells(*_extent, _column, first, count, buffer);
+  }
+  QORuint32 offset() const noexcept { return _offset; }
+  // The view of the property with that offset in the cells that fetchCells() gave for a row.
+  static const QoriScalar& viewIn(const char* cells, QORuint32 offset) noexcept {
+    return cells == nullptr ? kNull : QoriCells::at(cells, offset);
+  }
+  // Fetches a text into the cache while the caller works on earlier ones.
+  static void prefetchText(const QoriScalar& view) noexcept {
+    const bool hasText = view.kind == QoriScalarKind::Text || view.kind == QoriScalarKind::DateTime;
+    if (hasText) __builtin_prefetch(view.text->data());
+  }
+  // The views of the property of `count` objects, or in as many cells.
   void read(const IQoriObject* const* objects, std::size_t count, QoriScalar* out) const noexcept;
-  // Both. REQUIRES count <= kBatch.
+  void read(const char* const* cells, std::size_t count, QoriScalar* out) const noexcept;
+  // Fetches and reads. REQUIRES count <= kBatch.
   void read(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, QoriScalar* out) const;
 
  private:
+  static constexpr QORuint32 kNoOffset = ~QORuint32{0};
+  static constexpr QoriScalar kNull{};
+
   struct Place {
     const IQoriLayout* layout;
     QORsint32 position;  // -1: the layout lacks the property
   };
 
   QORQL_PropertyColumn(const QORQL_Extent& extent, QORuint32 column, const QORString& propertyName);
+  void findOffset() noexcept;
   QORsint32 positionIn(const IQoriObject& object) const noexcept;
 
   const QORQL_Extent* _extent;
   QORuint32 _column;
   bool _isComplete = true;
-  QORsint32 _onlyPosition = -1;  // where it stands in all layouts alike, as in those of subclasses; otherwise -1
-  std::vector<Place> _places;
+  QORsint32 _onlyPosition = -1;   // where it stands in all layouts alike, as in those of subclasses; otherwise -1
+  QORuint32 _offset = kNoOffset;  // of its view in the cells of each object
+  std::vector<Place> _places;     // in each layout, unless there is an only position
 };
 
 #endif

@@ -27,7 +27,7 @@ QORQL_RowReader::QORQL_RowReader(QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL
   rows.flatten();
   _rowCount = rows.rowCount();
   if (_rowCount != 0) _block = &rows.blocks().front();
-  _view = std::make_unique<QORQL_RowView>(rows);
+  _view.emplace(rows);
 }
 
 QORQL_RowReader::~QORQL_RowReader() = default;
@@ -43,14 +43,14 @@ std::size_t QORQL_RowReader::addSlot(Slot&& slot) {
 std::size_t QORQL_RowReader::addEntry(const QORSmrPtr<QORQL_SelectedEntry>& entry) {
   Slot slot;
   slot.entry = entry;
-  if (_view != nullptr) slot.bound = QORQL_Binder(*_table).bindEntry(*entry);
+  if (_view.has_value()) slot.bound = QORQL_Binder(*_table).bindEntry(*entry);
   return addSlot(std::move(slot));
 }
 
 std::size_t QORQL_RowReader::addExpression(const QORSmrPtr<QORQL_Evaluatable>& expression) {
   Slot slot;
   slot.expression = expression;
-  if (_view != nullptr) slot.bound = QORQL_Binder(*_table).bind(expression);
+  if (_view.has_value()) slot.bound = QORQL_Binder(*_table).bind(expression);
   return addSlot(std::move(slot));
 }
 
@@ -58,7 +58,7 @@ std::size_t QORQL_RowReader::addFetchedProperty(const QORString& className, cons
   Slot slot;
   slot.className = className;
   slot.propertyName = propertyName;
-  if (_view != nullptr) slot.bound = QORQL_Binder(*_table).bindFetched(className, propertyName);
+  if (_view.has_value()) slot.bound = QORQL_Binder(*_table).bindFetched(className, propertyName);
   return addSlot(std::move(slot));
 }
 
@@ -73,7 +73,7 @@ const QORQL_RowView& QORQL_RowReader::currentView() {
 bool QORQL_RowReader::isBound(std::size_t slot) const noexcept { return _slots[slot].bound != nullptr; }
 
 QORSmrPtr<QORQL_DataRow>& QORQL_RowReader::currentRow() {
-  if (_view != nullptr && !_isRowFilled) {
+  if (_view.has_value() && !_isRowFilled) {
     // A new row each time: a value may still refer to the cells of the last one.
     _row = new QORQL_DataRow();
     _table->lazy()->fillRow(currentView(), *_row);
@@ -113,15 +113,15 @@ QORsint32 QORQL_RowReader::lazyCell(const QORString& className) const {
 }
 
 QORSmrPtr<IQoriObject> QORQL_RowReader::object(const QORString& className) {
-  if (_view == nullptr) return _row->getCell(className);
+  if (!_view.has_value()) return _row->getCell(className);
   const QORsint32 cell = lazyCell(className);
   if (cell < 0) return {};
   return _table->lazy()->cellObject(currentView(), static_cast<QORuint32>(cell));
 }
 
 const IQoriObject* QORQL_RowReader::fetchedObject(const QORString& className) {
-  if (_view == nullptr) return _row->getCell(className).Get();
+  if (!_view.has_value()) return _row->getCell(className).Get();
   const QORsint32 cell = lazyCell(className);
   if (cell >= 0 && _table->lazy()->hasResults(static_cast<QORuint32>(cell))) return nullptr;
-  return cell < 0 ? nullptr : currentView().objects[_table->lazy()->sourceColumn(static_cast<QORuint32>(cell))];
+  return cell < 0 ? nullptr : currentView().object(_table->lazy()->sourceColumn(static_cast<QORuint32>(cell)));
 }

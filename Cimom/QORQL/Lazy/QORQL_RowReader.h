@@ -3,7 +3,7 @@
 #ifndef QORQL_ROWREADER_H
 #define QORQL_ROWREADER_H
 
-#include <memory>
+#include <optional>
 #include <vector>
 
 #include "Cimom/QORQL/Lazy/QORQL_BoundExpression.h"
@@ -34,10 +34,10 @@ class QORQL_RowReader {
     _current = row;
     _isViewSelected = false;
     _isRowFilled = false;
-    if (_view == nullptr) selectExisting();
+    if (!_view.has_value()) selectExisting();
   }
   // False for a null row of a table whose rows exist: it has no values.
-  bool hasRow() const noexcept { return _view != nullptr || !_row.IsNull(); }
+  bool hasRow() const noexcept { return _view.has_value() || !_row.IsNull(); }
 
   // Whether reading the slot only looks at the fetched objects. Otherwise it
   // may ask the object manager, or log, each time.
@@ -90,7 +90,7 @@ class QORQL_RowReader {
   QORSmrPtr<QORQL_DataRow> _row;
   // Rows that do not.
   const QORQL_RowBlock* _block = nullptr;
-  std::unique_ptr<QORQL_RowView> _view;
+  std::optional<QORQL_RowView> _view;  // none for rows that exist
   QORQL_CellWindow _window;
   bool _isViewSelected = false;
   bool _isRowFilled = false;

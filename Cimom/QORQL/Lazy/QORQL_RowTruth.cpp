@@ -92,10 +92,13 @@ class LikeTruth final : public QORQL_RowTruth {
     if (!_leftRun.isReadable() || !_rightRun.isReadable()) return false;
     _leftRun.read(block, first, count);
     _rightRun.read(block, first, count);
+    _leftRun.prefetchTexts(count);
     for (std::size_t i = 0; i < count; ++i) {
-      const bool areTexts = _leftRun[i].kind == QoriScalarKind::Text && _rightRun[i].kind == QoriScalarKind::Text;
+      const QoriScalar& left = _leftRun[i];
+      const QoriScalar& right = _rightRun[i];
+      const bool areTexts = left.kind == QoriScalarKind::Text && right.kind == QoriScalarKind::Text;
       truths[i] =
-          areTexts ? QORQL_viewTruth(_leftRun[i].text->contains(*_rightRun[i].text, true)) : QORQL_ViewTruth::Undecided;
+          areTexts ? QORQL_viewTruth(left.text->find(*right.text) != QORString::npos) : QORQL_ViewTruth::Undecided;
     }
     return true;
   }
@@ -169,7 +172,7 @@ class IsaTruth final : public QORQL_RowTruth {
   IsaTruth(const QORQL_LazyRows& rows, QORuint32 column, const QORString& nameSpace, const QORString& className)
       : _extent(rows.extent(column)), _column(column), _test(nameSpace, className) {}
   QoriTruth test(const QORQL_RowView& row) override {
-    const IQoriObject* const object = row.objects[_column];
+    const IQoriObject* const object = row.object(_column);
     return object == nullptr ? QoriTruth::Null : _test.test(*object);
   }
   bool testRun(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, QORQL_RunTruths& truths) override {

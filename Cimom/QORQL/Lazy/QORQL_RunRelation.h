@@ -22,16 +22,39 @@ class QORQL_RunOperand {
   bool isReadable() const noexcept { return _constant != nullptr || _column != nullptr; }
   bool isConstant() const noexcept { return _constant != nullptr; }
   const QoriScalar& constant() const noexcept { return *_constant; }
-  // Reads the next rows. REQUIRES isReadable(), and a block that has the column.
+  // Reads the next rows, or finds out where their cells lie. REQUIRES isReadable(), and a block that has the column.
   void read(const QORQL_RowBlock& block, QORuint64 first, std::size_t count) {
-    if (_constant == nullptr) _column->read(block, first, count, _cells.data());
+    if (_constant != nullptr) return;
+    if (_column->readsCells()) {
+      _places = _column->fetchCells(block, first, count, _buffer.data());
+    } else {
+      _column->read(block, first, count, _cells.data());
+    }
   }
-  const QoriScalar& operator[](std::size_t i) const noexcept { return _constant == nullptr ? _cells[i] : *_constant; }
-  const QoriScalar* cells() const noexcept { return _cells.data(); }
+  const QoriScalar& operator[](std::size_t i) const noexcept {
+    if (_constant != nullptr) return *_constant;
+    return _places != nullptr ? QORQL_PropertyColumn::viewIn(_places[i], _column->offset()) : _cells[i];
+  }
+  // Fetches the texts of the next rows into the cache, which takes less time than waiting for one after the other.
+  void prefetchTexts(std::size_t count) const noexcept {
+    for (std::size_t i = 0; i < count && _constant == nullptr; ++i) QORQL_PropertyColumn::prefetchText((*this)[i]);
+  }
+  // Calls use(cellOf), where cellOf(i) is the cell of a row: one loop for each form in which cells are at hand.
+  // REQUIRES that the side is no constant.
+  template <class Use>
+  void withCells(const Use& use) const {
+    if (_places == nullptr)
+      return use([cells = _cells.data()](std::size_t i) -> const QoriScalar& { return cells[i]; });
+    use([places = _places, offset = _column->offset()](std::size_t i) -> const QoriScalar& {
+      return QORQL_PropertyColumn::viewIn(places[i], offset);
+    });
+  }
 
  private:
   const QORQL_PropertyColumn* _column;
   const QoriScalar* _constant;
+  const char* const* _places = nullptr;  // of each row's cells; null: its cell has been read
+  std::array<const char*, QORQL_PropertyColumn::kBatch> _buffer;
   std::array<QoriScalar, QORQL_PropertyColumn::kBatch> _cells;
 };
 

@@ -56,6 +56,7 @@ QORQL_ResultReader::QORQL_ResultReader(const QORQL_Query& query, QORQL_SymbolTab
   _isAggregate = list.AreAllEntriesAggregates();
   _rowCount = _reader->rowCount();
   if (list.isFirstUsed()) _rowCount = std::min<QORuint64>(_rowCount, list.getFirstCount());
+  _sources.reserve(list.getSelectedEntries()->entries());
   QORValSlistIterator<QORSmrPtr<QORQL_SelectedEntry>> entries(*list.getSelectedEntries());
   while (++entries) addEntry(entries.key());
   _holders.resize(_sources.size());
@@ -164,6 +165,8 @@ QORString QORQL_ResultReader::fullNameOf(const Source& source) {
 
 void QORQL_ResultReader::nameColumns() {
   std::vector<QORString> shortNames;
+  shortNames.reserve(_sources.size());
+  _columns.reserve(_sources.size());
   for (const Source& source : _sources) shortNames.push_back(shortNameOf(source));
   const std::vector<bool> unique = areUnique(shortNames);
   for (std::size_t i = 0; i < _sources.size(); ++i) {
@@ -253,6 +256,7 @@ void QORQL_ResultReader::holdAggregates() {
 }
 
 void QORQL_ResultReader::findCells() {
+  _cellOffsets.reserve(_sources.size());
   for (const Source& source : _sources) {
     const bool isCell = !_isAggregate && _reader->isProperty(source.slot);
     _cellOffsets.push_back(isCell ? _reader->cellOffset(source.slot) : kNoCell);

@@ -49,8 +49,8 @@ class Computed {
   Value valueOn(const QORQL_RowView& view) const {
     if (_column < 0) return evaluate(view);
     const QORuint32 column = static_cast<QORuint32>(_column);
-    if (view.objects[column] == nullptr) return {};
-    return QORQL_Function::instanceOf(view.rows->pointer(column, view.indexes[column]), _isComplete);
+    if (view.object(column) == nullptr) return {};
+    return QORQL_Function::instanceOf(view.rows().pointer(column, view.index(column)), _isComplete);
   }
   Value evaluate(const QORQL_RowView& view) const {
     auto row = QORSmrPtr<QORQL_DataRow>::Make();

@@ -5,8 +5,11 @@
 #include <array>
 #include <string>
 
+#include "Cimom/Model/ModelInstance.h"
 #include "Cimom/QORQL/Lazy/QORQL_PropertyColumn.h"
 #include "FetchedStatement.h"
+#include "cimom/CQoriBaseObject.h"
+#include "cimom/CQoriValue.h"
 
 namespace {
 
@@ -18,6 +21,89 @@ std::string model() {
            (i % 2 == 0 ? "; K = " + id + "; };" : "; };");
   }
   return mof;
+}
+
+using Object = QORSmrPtr<IQoriObject>;
+
+// A stored instance that has the number in its last property.
+Object stored(std::vector<ModelLayout::Column> columns, unsigned number) {
+  std::vector<QORSmrPtr<IQoriValue>> values(columns.size());
+  values.back() = new CQoriValue(number, CQoriType::uint32);
+  const QORSmrPtr<ModelLayout> layout(new ModelLayout(columns));
+  const QORSmrPtr<ModelShape> shape(new ModelShape{"root/cimv2", "A", layout, {}});
+  return ModelInstance::create(shape, values);
+}
+
+// The copy that has property K alone.
+Object onlyK(const Object& source) {
+  const QORSmrPtr<QORValSlist<QORString>> names(new QORValSlist<QORString>);
+  names->append("K");
+  return {new CQoriBaseObject(source, names, true)};
+}
+
+// Shows its values by getScalarAt() alone.
+class Shielded final : public IQoriObject {
+ public:
+  explicit Shielded(const Object& inner) : _inner(inner) {}
+  const QORString& getClassName() const noexcept override { return _inner->getClassName(); }
+  QORSmrPtr<IQoriInstanceName> getInstanceName() const override { return {}; }
+  QORuint32 getPropertyCount() const noexcept override { return _inner->getPropertyCount(); }
+  QORSmrPtr<IQoriProperty> getPropertyAt(QORuint32 position) const override { return _inner->getPropertyAt(position); }
+  QORSmrPtr<IQoriProperty> getProperty(const QORString& name, bool includeInherited) const override {
+    return _inner->getProperty(name, includeInherited);
+  }
+  const IQoriLayout* getLayout() const noexcept override { return _inner->getLayout(); }
+  QoriScalar getScalarAt(QORuint32 position) const noexcept override { return _inner->getScalarAt(position); }
+
+ private:
+  Object _inner;
+};
+
+// What the column K of these objects gives for each of them, and null for none behind them.
+std::string readK(const std::vector<Object>& objects, bool& readsCells) {
+  const QORQL_Extent::ObjectList list(new QORValSlist<Object>);
+  for (const Object& object : objects) list->append(object);
+  QORQL_LazyRows rows;
+  rows.addExtent(std::make_shared<QORQL_Extent>(list));
+  const auto column = QORQL_PropertyColumn::bind(rows, 0, "K");
+  readsCells = column->readsCells();
+  QORQL_RowBlock block = rows.blocks().front();
+  std::string whole;
+  std::string tuples;
+  std::array<QoriScalar, QORQL_PropertyColumn::kBatch> cells;
+  column->read(block, 0, objects.size(), cells.data());
+  for (std::size_t i = 0; i < objects.size(); ++i) whole += std::to_string(cells[i].u) + " ";
+  block.isWholeExtent = false;
+  for (QORuint32 i = 0; i < objects.size(); ++i) block.tuples.push_back(i);
+  block.tuples.push_back(QORQL_kNoObject);
+  column->read(block, 0, objects.size() + 1, cells.data());
+  for (std::size_t i = 0; i < objects.size(); ++i) tuples += std::to_string(cells[i].u) + " ";
+  EXPECT_EQ(tuples, whole);
+  EXPECT_TRUE(cells[objects.size()].isNull());
+  return whole;
+}
+
+TEST(PropertyColumnCells, AreReadWhereAllObjectsHaveThemAlike) {
+  bool readsCells = false;
+  const Object one = onlyK(stored({{"A", CQoriType::uint32}, {"K", CQoriType::uint32}}, 1));
+  const Object two = onlyK(stored({{"B", CQoriType::string}, {"K", CQoriType::uint32}}, 2));
+  EXPECT_EQ(readK({one, two, one}, readsCells), "1 2 1 ");
+  EXPECT_TRUE(readsCells);
+}
+
+TEST(PropertyColumnCells, AreNotReadWhereTheyLieElsewhereInSomeObjects) {
+  bool readsCells = true;
+  const Object one = onlyK(stored({{"A", CQoriType::uint32}, {"K", CQoriType::uint32}}, 1));
+  const Object two = onlyK(stored({{"K", CQoriType::uint32}}, 2));
+  EXPECT_EQ(readK({one, two, one}, readsCells), "1 2 1 ");
+  EXPECT_FALSE(readsCells);
+}
+
+TEST(PropertyColumnCells, AreNotReadWhereAnObjectHasNone) {
+  bool readsCells = true;
+  const Object one = onlyK(stored({{"A", CQoriType::uint32}, {"K", CQoriType::uint32}}, 1));
+  EXPECT_EQ(readK({one, Object(new Shielded(one)), one}, readsCells), "1 1 1 ");
+  EXPECT_FALSE(readsCells);
 }
 
 struct PropertyColumn : testing::Test {

@@ -10,11 +10,12 @@
 namespace {
 
 std::string model() {
-  std::string mof = "class A { [key] uint32 Id; uint32 K; sint32 S; string T; };";
+  std::string mof = "class A { [key] uint32 Id; uint32 K; sint32 S; sint64 N; string T; };";
   for (int i = 0; i < 64; ++i) {
     const std::string id = std::to_string(i);
     mof += "instance of A { Id = " + id + (i % 5 == 0 ? "" : "; K = " + std::to_string(i % 9)) +
-           "; S = " + std::to_string(i - 30) + "; T = \"" + id + "\"; };";
+           (i % 2 == 0 ? "" : "; N = " + std::to_string(2 - i % 6)) + "; S = " + std::to_string(i - 30) + "; T = \"" +
+           id + "\"; };";
   }
   return mof;
 }
@@ -24,12 +25,14 @@ struct RunRelation : testing::Test {
 };
 
 TEST_F(RunRelation, IsThatOfEachRow) {
-  FetchedStatement fetched("SELECT K, S, T, 4 AS Four, -4 AS Less, 4.5 AS Real, 'x' AS Text, Id FROM A");
+  FetchedStatement fetched(
+      "SELECT K, S, T, 4 AS Four, -4 AS Less, 4.5 AS Real, 'x' AS Text, Id, N, "
+      "0 AS Zero, 18446744073709551615 AS Greatest FROM A");
   const QORQL_Binder binder(*fetched.table);
   const QORQL_RowBlock& block = fetched.rows().blocks().front();
   int pairs = 0;
-  for (QORuint32 l = 0; l < 8; ++l) {
-    for (QORuint32 r = 0; r < 8; ++r) {
+  for (QORuint32 l = 0; l < 11; ++l) {
+    for (QORuint32 r = 0; r < 11; ++r) {
       const auto leftValue = binder.bindEntry(*fetched.entry(l));
       const auto rightValue = binder.bindEntry(*fetched.entry(r));
       QORQL_RunOperand left(*leftValue);
@@ -48,7 +51,7 @@ TEST_F(RunRelation, IsThatOfEachRow) {
       }
     }
   }
-  EXPECT_GE(pairs, 49);  // a literal behind a minus may have to be computed
+  EXPECT_GE(pairs, 100);  // a literal behind a minus may have to be computed
 }
 
 TEST_F(RunRelation, ReadsNothingThatMustBeComputed) {
