@@ -12,6 +12,8 @@ pkg_check_modules(EXPAT REQUIRED IMPORTED_TARGET expat)
 pkg_check_modules(APT REQUIRED IMPORTED_TARGET apt-pkg)
 pkg_check_modules(CURL REQUIRED IMPORTED_TARGET libcurl)
 pkg_check_modules(MICROHTTPD REQUIRED IMPORTED_TARGET libmicrohttpd)
+pkg_check_modules(GNUTLS REQUIRED IMPORTED_TARGET gnutls)
+pkg_check_modules(ZLIB REQUIRED IMPORTED_TARGET zlib)
 pkg_check_modules(CRYPT REQUIRED IMPORTED_TARGET libcrypt)
 pkg_check_modules(SQLITE REQUIRED IMPORTED_TARGET sqlite3)
 option(QORQL_RPM "Read rpm's database of packages, where librpm is there to build with" ON)
@@ -72,13 +74,14 @@ add_library(qorql_server_parts STATIC ${QORQL_SERVER_SOURCES})
 set_target_properties(qorql_server_parts PROPERTIES POSITION_INDEPENDENT_CODE ON EXCLUDE_FROM_ALL TRUE)
 target_include_directories(qorql_server_parts PUBLIC ${PROJECT_SOURCE_DIR})
 target_link_libraries(qorql_server_parts PUBLIC qorql embedded
-                                                PRIVATE PkgConfig::MICROHTTPD PkgConfig::CRYPT PkgConfig::SQLITE PkgConfig::SYSTEMD)
+                                     PRIVATE PkgConfig::MICROHTTPD PkgConfig::GNUTLS PkgConfig::ZLIB PkgConfig::CRYPT
+                                                 PkgConfig::SQLITE PkgConfig::SYSTEMD)
 qorql_target_options(qorql_server_parts)
 
 # All of it that runs in the tool is loaded when a server or a listener is started.
 add_library(qorql_server MODULE Cimom/Server/Module/ServerModule.cpp)
 set_target_properties(qorql_server PROPERTIES PREFIX lib OUTPUT_NAME qorqlserver INSTALL_RPATH "$ORIGIN/.."
                                               LIBRARY_OUTPUT_DIRECTORY $<TARGET_FILE_DIR:embedded>/qorql)
-target_link_libraries(qorql_server PRIVATE qorql_server_parts)
+target_link_libraries(qorql_server PRIVATE qorql_server_parts PkgConfig::SYSTEMD)
 qorql_target_options(qorql_server)
 list(APPEND QORQL_LOADED_LIBRARIES qorql_server)

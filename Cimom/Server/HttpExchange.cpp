@@ -3,12 +3,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Server/HttpExchange.h"
 
+#include <gnutls/gnutls.h>
 #include <sys/socket.h>
 
 #include <charconv>
 #include <exception>
 #include <string_view>
 #include <utility>
+
+#include "Cimom/Server/GzipReply.h"
 
 namespace {
 
@@ -18,18 +21,23 @@ constexpr std::size_t kPiece = std::size_t{64} << 10;
 constexpr std::uint64_t kSlowestBytes = std::uint64_t{16} << 10;   // of a body in a second, after the idle time
 constexpr std::uint64_t kSkippedBytes = std::uint64_t{256} << 10;  // that are read of a body which nobody wants
 constexpr std::chrono::seconds kLinger{2};
+constexpr std::uint64_t kLingerBytes = std::uint64_t{1} << 20;
+constexpr std::uint64_t kCompressedFrom = 1024;  // shorter replies leave as they are
 
 constexpr unsigned kOk = 200;
 constexpr unsigned kBadRequest = 400;
+constexpr unsigned kUnauthorized = 401;
 constexpr unsigned kForbidden = 403;
 constexpr unsigned kMethodNotAllowed = 405;
 constexpr unsigned kLengthRequired = 411;
 constexpr unsigned kTooLarge = 413;
 constexpr unsigned kUnsupportedMedia = 415;
+constexpr unsigned kTooManyFailures = 429;
 constexpr unsigned kServerError = 500;
 constexpr unsigned kNotImplemented = 501;
 constexpr unsigned kUnavailable = 503;
 
+constexpr const char* kChallenge = "Basic realm=\"qorql\", charset=\"UTF-8\"";
 constexpr const char* kAllowed = "POST, M-POST, OPTIONS";
 
 bool isEqual(std::string_view one, std::string_view other) { return QORString::equalIgnoringCase(one, other); }
@@ -57,11 +65,22 @@ struct Outgoing {
   std::unique_ptr<ServerReply> body;
   std::string piece{};
   std::size_t sent = 0;  // of the piece
+  bool isEnded = false;  // nothing comes after the piece
+
+  // Makes the first piece. Returns whether that is all. THROWS what the reply throws.
+  bool begin() {
+    while (piece.size() < kPiece && !isEnded) {
+      const std::size_t before = piece.size();
+      body->append(piece, kPiece);
+      isEnded = piece.size() == before;
+    }
+    return isEnded;
+  }
 
   // The next bytes; 0 at the end. THROWS what the reply throws.
   std::size_t take(char* buffer, std::size_t capacity) {
     connections.setDeadline(place, HttpConnections::kNever, false);
-    if (sent == piece.size()) {
+    if (sent == piece.size() && !isEnded) {
       piece.clear();
       sent = 0;
       body->append(piece, kPiece);
@@ -93,8 +112,20 @@ void readOut(int socket) {
   setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &wait, sizeof wait);
   const Clock::time_point end = Clock::now() + kLinger;
   char buffer[4096];
-  while (Clock::now() < end) {
-    if (recv(socket, buffer, sizeof buffer, 0) <= 0) return;
+  for (std::uint64_t count = 0; count < kLingerBytes && Clock::now() < end;) {
+    const ssize_t got = recv(socket, buffer, sizeof buffer, 0);
+    if (got <= 0) return;
+    count += static_cast<std::uint64_t>(got);
+  }
+}
+
+// Past the library, which queues no reply in the middle of a body.
+void sendAtOnce(MHD_Connection* connection, int socket, const std::string& text) {
+  const MHD_ConnectionInfo* const tls = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_GNUTLS_SESSION);
+  if (tls != nullptr && tls->tls_session != nullptr) {
+    gnutls_record_send(static_cast<gnutls_session_t>(tls->tls_session), text.data(), text.size());
+  } else {
+    ::send(socket, text.data(), text.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
   }
 }
 
@@ -133,7 +164,19 @@ HttpExchange::Refusal HttpExchange::faultOfHead() {
   if (encoding != nullptr && !isEqual(*encoding, "identity")) {
     return {kUnsupportedMedia, "a request's body is taken as it is, without an encoding"};
   }
-  return {};
+  return faultOfUser();
+}
+
+HttpExchange::Refusal HttpExchange::faultOfUser() {
+  if (_shared.users == nullptr) return {};
+  const std::chrono::seconds wait(_limits->failureSeconds);
+  const HttpUsers::Verdict verdict = _shared.users->judge(_place->address, _request.header("Authorization"),
+                                                          _limits->failures, wait, _request.client.user);
+  _record.user = _request.client.user;
+  std::erase_if(_request.headers, [](const auto& header) { return isEqual(header.first, "Authorization"); });
+  if (verdict == HttpUsers::Verdict::Right) return {};
+  if (verdict == HttpUsers::Verdict::Wrong) return {kUnauthorized, "user and password are asked for"};
+  return {kTooManyFailures, "too many wrong passwords came from here: try again later", true};
 }
 
 // Where the length of the body can be read in two ways, somebody between might read it in the other.
@@ -153,18 +196,18 @@ HttpExchange::Refusal HttpExchange::faultOfLength() {
     const bool lacksBody = transfer == nullptr && (_request.method == "POST" || _request.method == "M-POST");
     return lacksBody ? Refusal{kLengthRequired, "Content-Length is missing", true} : Refusal{};
   }
-  std::uint64_t count = 0;
-  const auto [end, error] = std::from_chars(length->data(), length->data() + length->size(), count);
+  const auto [end, error] = std::from_chars(length->data(), length->data() + length->size(), _declared);
   if (error == std::errc::invalid_argument || end != length->data() + length->size()) {
     return {kBadRequest, "Content-Length is no number", true};
   }
-  if (error != std::errc() || count > _limits->bodyBytes) return {kTooLarge, "the request is too large", true};
+  if (error != std::errc() || _declared > _limits->bodyBytes) return {kTooLarge, "the request is too large", true};
   return {};
 }
 
 MHD_Result HttpExchange::begin() {
   _shared.connections.setDeadline(_place, _begin + std::chrono::seconds(_limits->idleSeconds), false);
   _refusal = faultOfHead();
+  _refusal.endsConnection |= _refusal.status != 0 && _declared > kSkippedBytes;
   return _refusal.endsConnection ? refuse(_refusal) : MHD_YES;
 }
 
@@ -172,35 +215,41 @@ MHD_Result HttpExchange::take(const char* bytes, std::size_t count) {
   _received += count;
   const std::chrono::seconds allowed(_limits->idleSeconds + _received / kSlowestBytes);
   _shared.connections.setDeadline(_place, _begin + allowed, false);
-  if (_refusal.status != 0) return _received <= kSkippedBytes ? MHD_YES : MHD_NO;
+  if (_refusal.status != 0) return _received <= kSkippedBytes ? MHD_YES : abandon();
   if (_received > _limits->bodyBytes) {
-    _request.body = {};
     _refusal = {kTooLarge, "the request is too large", true};
-    return MHD_YES;
+    return abandon();
   }
   _request.body.append(bytes, count);
   return MHD_YES;
 }
 
+// Only a body in chunks comes to be too long.
+MHD_Result HttpExchange::abandon() {
+  const std::string status = std::to_string(_refusal.status);
+  sendAtOnce(_connection, _place->socket,
+             "HTTP/1.1 " + status + " Refused\r\nConnection: close\r\nContent-Length: 0\r\n\r\n");
+  _record.http = _refusal.status;
+  _record.note.statusText = _refusal.reason;
+  _wasCut = true;
+  return MHD_NO;
+}
+
 MHD_Result HttpExchange::answer() {
   _shared.connections.setDeadline(_place, HttpConnections::kNever, false);
   if (_refusal.status != 0) return refuse(_refusal);
-  return send(serve());
+  try {
+    return send(serve());
+  } catch (const std::exception& failure) {
+    _shared.requestLog.complain(failure.what());
+    return refuse({kServerError, "the server has failed"});
+  }
 }
 
 HttpReply HttpExchange::serve() {
-  try {
-    HttpReply reply = _shared.service->serve(_request);
-    if (reply.body == nullptr) throw std::runtime_error("there is no reply");
-    return reply;
-  } catch (const std::exception& failure) {
-    _shared.requestLog.complain(failure.what());
-    HttpReply reply;
-    reply.status = kServerError;
-    reply.headers.emplace_back("Content-Type", "text/plain; charset=utf-8");
-    reply.body = std::make_unique<WholeReply>("the server has failed\n");
-    return reply;
-  }
+  HttpReply reply = _shared.service->serve(_request);
+  if (reply.body == nullptr) throw std::runtime_error("there is no reply");
+  return reply;
 }
 
 MHD_Result HttpExchange::refuse(const Refusal& refusal) {
@@ -209,6 +258,10 @@ MHD_Result HttpExchange::refuse(const Refusal& refusal) {
   reply.note.statusText = refusal.reason;
   if (refusal.status == kOk || refusal.status == kMethodNotAllowed) reply.headers.emplace_back("Allow", kAllowed);
   if (refusal.status == kUnavailable) reply.headers.emplace_back("Retry-After", "1");
+  if (refusal.status == kUnauthorized) reply.headers.emplace_back("WWW-Authenticate", kChallenge);
+  if (refusal.status == kTooManyFailures) {
+    reply.headers.emplace_back("Retry-After", std::to_string(_limits->failureSeconds));
+  }
   if (refusal.endsConnection) reply.headers.emplace_back("Connection", "close");
   if (*refusal.reason != '\0') reply.headers.emplace_back("Content-Type", "text/plain; charset=utf-8");
   const std::string text = *refusal.reason == '\0' ? "" : std::string(refusal.reason) + '\n';
@@ -217,14 +270,24 @@ MHD_Result HttpExchange::refuse(const Refusal& refusal) {
   return send(std::move(reply));
 }
 
-MHD_Result HttpExchange::send(HttpReply reply) {
-  _record.http = reply.status;
-  _record.note = std::move(reply.note);
+// Where the client takes it and there is enough of it.
+void HttpExchange::compress(HttpReply& reply) const {
+  const std::string* const accepted = _request.header("Accept-Encoding");
+  if (accepted == nullptr || !acceptsGzip(*accepted)) return;
   const auto* const whole = dynamic_cast<const WholeReply*>(reply.body.get());
-  const std::uint64_t size = whole == nullptr ? MHD_SIZE_UNKNOWN : whole->size();
+  if (whole != nullptr && whole->size() < kCompressedFrom) return;
+  reply.body = gzipped(std::move(reply.body));
+  reply.headers.emplace_back("Content-Encoding", "gzip");
+}
+
+MHD_Result HttpExchange::send(HttpReply reply) {
+  compress(reply);
   const std::chrono::seconds patience(_limits->idleSeconds);
   auto outgoing =
       std::make_unique<Outgoing>(Outgoing{_shared.connections, _place, patience, _record, std::move(reply.body)});
+  const std::uint64_t size = outgoing->begin() ? outgoing->piece.size() : MHD_SIZE_UNKNOWN;
+  _record.http = reply.status;
+  _record.note = std::move(reply.note);
   MHD_Response* const response = MHD_create_response_from_callback(size, kPiece, &takePiece, outgoing.get(), &forget);
   if (response == nullptr) return MHD_NO;
   static_cast<void>(outgoing.release());

@@ -1,5 +1,5 @@
 // One request while it arrives, is answered and leaves.
-// Tested by tests/server/http_test.py.
+// Tested by tests/server/http_test.py, tests/server/limits_test.py.
 // SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_SERVER_HTTPEXCHANGE_H
 #define QORQL_SERVER_HTTPEXCHANGE_H
@@ -14,6 +14,7 @@
 #include "Cimom/Server/HttpConnections.h"
 #include "Cimom/Server/HttpServer.h"
 #include "Cimom/Server/HttpService.h"
+#include "Cimom/Server/HttpUsers.h"
 #include "Cimom/Server/RequestLog.h"
 
 // What the exchanges of a server share.
@@ -24,6 +25,7 @@ struct HttpShared {
   std::shared_ptr<const HttpLimits> limitsNow() const { return std::atomic_load(&limits); }
 
   const std::shared_ptr<HttpService> service;
+  std::unique_ptr<HttpUsers> users;              // null: nobody is asked who they are; not changed later
   std::shared_ptr<const HttpLimits> limits;      // taken and replaced as a whole
   std::atomic<bool> isDraining = false;          // no more requests are taken
   std::atomic<std::uint64_t> interruptions = 0;  // what began before the last one is to end
@@ -59,7 +61,10 @@ class HttpExchange {
   void readHeaders();
   Refusal faultOfHead();
   Refusal faultOfLength();
+  Refusal faultOfUser();
+  MHD_Result abandon();
   MHD_Result refuse(const Refusal& refusal);
+  void compress(HttpReply& reply) const;
   MHD_Result send(HttpReply reply);
   HttpReply serve();
   bool isGone() const;
@@ -71,7 +76,8 @@ class HttpExchange {
   const HttpConnections::Clock::time_point _begin = HttpConnections::Clock::now();
   const std::uint64_t _interruptions;
   HttpRequest _request;
-  Refusal _refusal;  // that is told when the body has been read
+  Refusal _refusal;             // that is told when the body has been read
+  std::uint64_t _declared = 0;  // bytes of the body, where its head tells
   std::uint64_t _received = 0;
   RequestRecord _record;
   bool _wasCut = false;  // the client still sends what nobody reads

@@ -3,12 +3,20 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Server/HttpServer.h"
 
+#include <fcntl.h>
 #include <microhttpd.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdarg>
 #include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <optional>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 #include "Cimom/Server/HttpAddress.h"
@@ -23,6 +31,7 @@ using Clock = HttpConnections::Clock;
 constexpr unsigned kSpareConnections = 64;
 constexpr std::chrono::seconds kSpareTime{5};
 constexpr std::size_t kConnectionMemory = std::size_t{128} << 10;  // heads of requests are shorter
+constexpr const char* kPriorities = "NORMAL:-VERS-TLS1.0:-VERS-TLS1.1";
 constexpr std::size_t kStack = std::size_t{8} << 20;
 
 HttpConnections::Handle placeOf(MHD_Connection* connection) {
@@ -68,29 +77,135 @@ void endRequest(void* /*given*/, MHD_Connection* /*connection*/, void** exchange
   if (request != nullptr) request->end(how);
 }
 
+std::string textOf(const std::string& path) {
+  std::ifstream file(path);
+  std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  if (!file) throw std::runtime_error("cannot read " + path);
+  return text;
+}
+
+// The texts of TLS; empty without it.
+struct Secrets {
+  explicit Secrets(const HttpCertificate& files) {
+    if (files.file.empty()) return;
+    certificate = textOf(files.file);
+    key = textOf(files.keyFile);
+  }
+  bool areThere() const noexcept { return !certificate.empty(); }
+
+  std::string certificate;
+  std::string key;
+};
+
+// What the library says where a request was refused that the log tells of.
+constexpr const char* kOwnRefusal = "Application reported internal error";
+
+// Complaints of the library, while a daemon starts and later.
+struct Complaints {
+  explicit Complaints(const RequestLog& requests) : log(requests) {}
+
+  const RequestLog& log;
+  std::atomic<bool> isStarting = true;
+  std::string last;
+};
+
+__attribute__((format(printf, 2, 0))) void takeComplaint(void* given, const char* format, va_list values) {
+  Complaints& complaints = *static_cast<Complaints*>(given);
+  char text[512];
+  std::vsnprintf(text, sizeof text, format, values);
+  std::string_view line(text);
+  while (line.ends_with('\n')) line.remove_suffix(1);
+  line = line.substr(0, line.find(" ('<html>"));  // the page that it sends
+  if (complaints.isStarting) {
+    complaints.last = line;
+  } else if (!line.starts_with(kOwnRefusal)) {
+    complaints.log.complain(std::string(line));
+  }
+}
+
+// What listens at one address. A daemon with another certificate takes its place beside the connections that it has.
+class Listener {
+ public:
+  // THROWS std::runtime_error.
+  Listener(HttpShared& shared, ListeningSocket socket, const Secrets& secrets)
+      : _complaints(shared.requestLog), _socket(std::move(socket)) {
+    const unsigned connections = shared.limitsNow()->connections + kSpareConnections;
+    unsigned flags = MHD_USE_THREAD_PER_CONNECTION | MHD_USE_INTERNAL_POLLING_THREAD | MHD_USE_POLL | MHD_USE_ITC |
+                     MHD_USE_ERROR_LOG;
+    if (secrets.areThere()) flags |= MHD_USE_TLS;
+    MHD_OptionItem tls[] = {{MHD_OPTION_HTTPS_MEM_CERT, 0, const_cast<char*>(secrets.certificate.c_str())},
+                            {MHD_OPTION_HTTPS_MEM_KEY, 0, const_cast<char*>(secrets.key.c_str())},
+                            {MHD_OPTION_HTTPS_PRIORITIES, 0, const_cast<char*>(kPriorities)},
+                            {MHD_OPTION_END, 0, nullptr}};
+    MHD_OptionItem none[] = {{MHD_OPTION_END, 0, nullptr}};
+    // The library closes the socket that it gets where it does not start: it gets one of its own.
+    const int file = fcntl(_socket.file(), F_DUPFD_CLOEXEC, 0);
+    if (file < 0) throw std::runtime_error("there are too many open files");
+    _daemon =
+        MHD_start_daemon(flags, 0, nullptr, nullptr, &takeRequest, &shared, MHD_OPTION_EXTERNAL_LOGGER, &takeComplaint,
+                         &_complaints, MHD_OPTION_LISTEN_SOCKET, file, MHD_OPTION_CONNECTION_LIMIT, connections,
+                         MHD_OPTION_CONNECTION_MEMORY_LIMIT, kConnectionMemory, MHD_OPTION_THREAD_STACK_SIZE, kStack,
+                         MHD_OPTION_NOTIFY_CONNECTION, &noteConnection, &shared, MHD_OPTION_NOTIFY_COMPLETED,
+                         &endRequest, nullptr, MHD_OPTION_ARRAY, secrets.areThere() ? tls : none, MHD_OPTION_END);
+    _complaints.isStarting = false;
+    if (_daemon == nullptr) throw std::runtime_error("cannot serve at " + _socket.address() + ": " + _complaints.last);
+  }
+  Listener(const Listener&) = delete;
+  Listener& operator=(const Listener&) = delete;
+  // Ends its connections, and waits for them.
+  ~Listener() {
+    quiesce();
+    MHD_stop_daemon(_daemon);
+    if (_handedBack >= 0) close(_handedBack);
+  }
+
+  // Accepts nothing more. The socket stays until the daemon ends, whose threads may still look at it.
+  void quiesce() {
+    if (_handedBack < 0) _handedBack = MHD_quiesce_daemon(_daemon);
+  }
+  const ListeningSocket& socket() const noexcept { return _socket; }
+  unsigned connections() const {
+    return MHD_get_daemon_info(_daemon, MHD_DAEMON_INFO_CURRENT_CONNECTIONS)->num_connections;
+  }
+
+ private:
+  Complaints _complaints;
+  ListeningSocket _socket;
+  MHD_Daemon* _daemon = nullptr;
+  int _handedBack = -1;  // the library's socket
+};
+
 class Server : public HttpServer {
  public:
   Server(const HttpOptions& options, std::shared_ptr<HttpService> service)
-      : _shared(std::move(service), options.log, options.logsRequests) {
+      : _options(options), _shared(std::move(service), options.log, options.logsRequests) {
     _shared.limits = std::make_shared<const HttpLimits>(options.limits);
+    if (!options.usersFile.empty()) _shared.users = std::make_unique<HttpUsers>(UserFile::read(options.usersFile));
+    const Secrets secrets(options.certificate);
     std::vector<ListeningSocket> sockets;
     for (const std::string& address : options.addresses) {
       for (ListeningSocket& socket : listenAt(address)) sockets.push_back(std::move(socket));
     }
     for (const ListeningSocket& socket : sockets) {
-      if (!socket.isLoopback()) refuseToBeOpen(socket);
+      if (!socket.isLoopback() && !(secrets.areThere() && _shared.users != nullptr)) refuseToBeOpen(socket);
     }
-    for (ListeningSocket& socket : sockets) start(socket);
+    for (ListeningSocket& socket : sockets) {
+      _urls.push_back((secrets.areThere() ? "https://" : "http://") + socket.address() + "/cimom");
+      _listeners.push_back(std::make_unique<Listener>(_shared, std::move(socket), secrets));
+    }
   }
   ~Server() override {
     interrupt();
     _shared.connections.endAll();
-    for (MHD_Daemon* const daemon : _daemons) MHD_stop_daemon(daemon);
   }
 
   const std::vector<std::string>& urls() const override { return _urls; }
 
   void reload(const HttpLimits& limits) override {
+    std::optional<UserFile> users;
+    if (_shared.users != nullptr) users = UserFile::read(_options.usersFile);
+    if (!_options.certificate.file.empty()) renewListeners(Secrets(_options.certificate));
+    if (users) _shared.users->replace(std::move(*users));
     std::atomic_store(&_shared.limits, std::make_shared<const HttpLimits>(limits));
   }
 
@@ -98,9 +213,9 @@ class Server : public HttpServer {
 
   void drain(unsigned seconds) override {
     _shared.isDraining = true;
-    for (MHD_Daemon* const daemon : _daemons) {
-      const int socket = MHD_quiesce_daemon(daemon);
-      if (socket >= 0) ListeningSocket closes(socket);
+    for (const auto& listener : _listeners) {
+      listener->quiesce();
+      shutdown(listener->socket().file(), SHUT_RDWR);
     }
     _shared.connections.endIdle();
     _shared.connections.waitUntilIdle(Clock::now() + std::chrono::seconds(seconds));
@@ -114,24 +229,27 @@ class Server : public HttpServer {
         ", give --tls-cert, --tls-key and --users");
   }
 
-  void start(ListeningSocket& socket) {
-    const std::string url = "http://" + socket.address() + "/cimom";
-    const unsigned connections = _shared.limitsNow()->connections + kSpareConnections;
-    const unsigned flags = MHD_USE_THREAD_PER_CONNECTION | MHD_USE_INTERNAL_POLLING_THREAD | MHD_USE_POLL | MHD_USE_ITC;
-    MHD_Daemon* const daemon = MHD_start_daemon(
-        flags, 0, nullptr, nullptr, &takeRequest, &_shared,                                           //
-        MHD_OPTION_LISTEN_SOCKET, socket.file(), MHD_OPTION_CONNECTION_LIMIT, connections,            //
-        MHD_OPTION_CONNECTION_MEMORY_LIMIT, kConnectionMemory, MHD_OPTION_THREAD_STACK_SIZE, kStack,  //
-        MHD_OPTION_NOTIFY_CONNECTION, &noteConnection, &_shared,                                      //
-        MHD_OPTION_NOTIFY_COMPLETED, &endRequest, nullptr, MHD_OPTION_END);
-    if (daemon == nullptr) throw std::runtime_error("cannot serve at " + socket.address());
-    static_cast<void>(socket.release());
-    _daemons.push_back(daemon);
-    _urls.push_back(url);
+  // The new ones listen at the same sockets.
+  void renewListeners(const Secrets& secrets) {
+    std::vector<std::unique_ptr<Listener>> fresh;
+    for (const auto& listener : _listeners) {
+      ListeningSocket socket(fcntl(listener->socket().file(), F_DUPFD_CLOEXEC, 0));
+      if (socket.file() < 0) throw std::runtime_error("there are too many open files");
+      fresh.push_back(std::make_unique<Listener>(_shared, std::move(socket), secrets));
+    }
+    std::erase_if(_ending, [](const auto& listener) { return listener->connections() == 0; });
+    for (auto& listener : _listeners) {
+      listener->quiesce();
+      _ending.push_back(std::move(listener));
+    }
+    _listeners = std::move(fresh);
+    _shared.connections.endIdle();
   }
 
+  const HttpOptions _options;
   HttpShared _shared;
-  std::vector<MHD_Daemon*> _daemons;
+  std::vector<std::unique_ptr<Listener>> _listeners;
+  std::vector<std::unique_ptr<Listener>> _ending;  // that have connections from before
   std::vector<std::string> _urls;
 };
 

@@ -1,5 +1,5 @@
 // Listens for HTTP requests and has a service answer them.
-// Tested by tests/server/http_test.py.
+// Tested by tests/server/http_test.py, tests/server/limits_test.py, tests/server/users_test.py.
 // SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_SERVER_HTTPSERVER_H
 #define QORQL_SERVER_HTTPSERVER_H

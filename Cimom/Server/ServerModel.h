@@ -21,6 +21,7 @@ class ServerModel {
   explicit ServerModel(Manager manager) : _manager(std::move(manager)) {}
   ServerModel(const ServerModel&) = delete;
   ServerModel& operator=(const ServerModel&) = delete;
+  virtual ~ServerModel() = default;
 
   // The object manager, which stays the process's own as long as the pointer or a copy of it is held. Waits while
   // another one takes its place. One thread holds one lease at a time.
@@ -29,7 +30,8 @@ class ServerModel {
   // Waits until no lease is held, calls `takeOver`, which throws nothing and makes the other one the process's object
   // manager, and gives leases of that from then on. New leases wait meanwhile. Returns false, with all as it was, when
   // leases are still held after the patience. One at a time.
-  bool replace(Manager next, const std::function<void()>& takeOver, std::chrono::milliseconds patience);
+  // Virtual, since a program calls it that has loaded this at run time.
+  virtual bool replace(Manager next, const std::function<void()>& takeOver, std::chrono::milliseconds patience);
 
  private:
   void giveBack();

@@ -5,6 +5,7 @@
 #define QORQL_SERVER_SERVERMODULE_H
 
 #include <memory>
+#include <string>
 
 #include "Cimom/Server/HttpServer.h"
 #include "Cimom/Server/HttpService.h"
@@ -23,6 +24,11 @@ class ServerModule {
   // Answers operations on the object manager.
   virtual std::shared_ptr<HttpService> makeCimService(const CimServiceOptions& options) = 0;
   virtual std::shared_ptr<ServerModel> makeModel(ServerModel::Manager manager) = 0;
+  // As UserFile.h says.
+  virtual void setPassword(const std::string& file, const std::string& user, const std::string& password) = 0;
+  virtual void removeUser(const std::string& file, const std::string& user) = 0;
+  // Tells the program that has started this one, where it wants to be told: "READY=1", as systemd has it.
+  virtual void tellSupervisor(const std::string& state) = 0;
 };
 
 // Made by a library of its own, which is loaded when a server is started, since what it needs would slow down every

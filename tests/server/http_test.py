@@ -1,7 +1,6 @@
 """How the server speaks HTTP: methods, bodies in every form, connections that go on, and what it says of itself."""
 # SPDX-License-Identifier: Apache-2.0
 import signal
-import unittest
 
 import servercase
 from servercase import ServerCase, head_of, request

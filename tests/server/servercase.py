@@ -111,16 +111,35 @@ class RawConnection:
         return int(lines[0].split()[1]), headers
 
     def read_reply(self):
-        """(status, headers, body) of the next reply with a length."""
+        """(status, headers, body) of the next reply with a length, or in chunks."""
         status, headers = self.read_head()
-        length = int(headers.get("content-length", 0))
-        while len(self.rest) < length:
+        if headers.get("transfer-encoding") != "chunked":
+            return status, headers, self.read_bytes(int(headers.get("content-length", 0)))
+        body = b""
+        while size := int(self.read_text_line() or "0", 16):
+            body += self.read_bytes(size)
+            self.read_text_line()
+        self.read_text_line()
+        return status, headers, body
+
+    def read_bytes(self, count):
+        """Fewer where the connection ends before."""
+        while len(self.rest) < count:
             piece = self.receive()
             if not piece:
                 break
             self.rest += piece
-        body, self.rest = self.rest[:length], self.rest[length:]
-        return status, headers, body
+        taken, self.rest = self.rest[:count], self.rest[count:]
+        return taken
+
+    def read_text_line(self):
+        while b"\r\n" not in self.rest:
+            piece = self.receive()
+            if not piece:
+                break
+            self.rest += piece
+        line, _, self.rest = self.rest.partition(b"\r\n")
+        return line.decode("latin-1")
 
     def receive(self):
         try:
@@ -135,6 +154,15 @@ class RawConnection:
             return not self.rest and not self.receive()
         except TimeoutError:
             return False
+
+    def ends(self, patience=20):
+        """Whether the server closes the connection, whatever it says before."""
+        end = time.monotonic() + patience
+        while time.monotonic() < end:
+            if self.is_closed(patience):
+                return True
+            self.rest = b""
+        return False
 
     def close(self):
         self.socket.close()

@@ -14,6 +14,7 @@
 #include "InstancesCommand.h"
 #include "MatchCommand.h"
 #include "PagesCommand.h"
+#include "PasswdCommand.h"
 #include "QueryCommand.h"
 #include "ServeCommand.h"
 #include "ValidateCommand.h"
@@ -34,6 +35,7 @@ constexpr Command kCommands[] = {
     {"watch", "Print the live changes that a filter matches", declareWatchCommand},
     {"explain", "Say what a query will do, without running it", declareExplainCommand},
     {"serve", "Serve the object manager to clients over HTTP", declareServeCommand},
+    {"passwd", "Give a user of a server a password", declarePasswdCommand},
     {"pages", "Print the manual page or the completion for a shell", declarePagesCommand},
 };
 

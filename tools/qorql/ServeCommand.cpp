@@ -1,20 +1,23 @@
-// Serves until a signal asks for the end.
+// Serves until a signal asks for the end. Another signal has everything read anew: the old object manager answers until
+// the new one is there, and goes on where that fails.
 // SPDX-License-Identifier: Apache-2.0
 #include "ServeCommand.h"
 
+#include <chrono>
+#include <ctime>
 #include <exception>
 #include <iostream>
 #include <memory>
+#include <stdexcept>
 #include <string>
-#include <vector>
 
 #include "ErrorReport.h"
 #include "ExitStatus.h"
 #include "OptionDeclarations.h"
+#include "ServeOptions.h"
 #include "ServerLibrary.h"
 #include "ServerSignals.h"
 #include "Session.h"
-#include "SessionOptions.h"
 
 namespace {
 
@@ -23,54 +26,106 @@ constexpr const char* kDescription =
     "to any client that speaks CIM-XML.";
 
 constexpr const char* kFooter =
-    "The first line on standard output is the address at which it listens, once it does; a line of\n"
-    "JSON for each request goes to standard error.\n"
+    "The first lines on standard output are the addresses at which it listens, once it does; a line\n"
+    "of JSON for each request goes to standard error. Beyond this machine it listens only with TLS\n"
+    "and users. Section [server] of the configuration has the same options as keys, and the limits.\n"
     "\n"
-    "Exit status: 0 done; 2 wrong usage; 3 an address cannot be had, or MOF, configuration or a\n"
-    "provider fails.\n"
+    "Limits: body (bytes of a request, 16M), connections (128), contexts (open enumerations of a\n"
+    "client, 64), query (seconds, 300), idle (seconds without a request, 60), failures (wrong\n"
+    "passwords from one address, 10), failure-wait (seconds it then waits, 60), drain (seconds that\n"
+    "requests have to end when the server ends, 30).\n"
+    "\n"
+    "SIGTERM ends it when what was asked is answered. SIGHUP has it read configuration, MOF, users\n"
+    "and certificates anew; what is faulty is told, and all stays as it was.\n"
+    "\n"
+    "Exit status: 0 done; 2 wrong usage; 3 an address cannot be had, or MOF, configuration, users,\n"
+    "certificates or a provider fail.\n"
     "\n"
     "Examples:\n"
     "  qorql serve\n"
     "  qorql serve --listen 127.0.0.1:0 --no-live -m examples/storage.mof";
 
-constexpr const char* kDefaultAddress = "127.0.0.1:5988";
-constexpr unsigned kDrainSeconds = 30;
-
-struct ServeOptions {
-  SessionOptions session;
-  std::vector<std::string> addresses;
-  bool isWritable = false;
-};
-
-HttpOptions httpOptions(const ServeOptions& options) {
-  HttpOptions http;
-  http.addresses = options.addresses;
-  if (http.addresses.empty()) http.addresses.emplace_back(kDefaultAddress);
-  http.logsRequests = !options.session.isQuiet;
-  return http;
-}
+constexpr std::chrono::seconds kPatience{10};
+constexpr std::chrono::seconds kLastPatience{5};
 
 // The object manager of a session, which lives as long as anybody has it.
 ServerModel::Manager managerOf(const std::shared_ptr<Session>& session) { return {session, &session->manager()}; }
 
-void serve(const ServeOptions& options) {
-  const ServerSignals signals;
-  ServerModule& library = serverLibrary();
-  const auto session = std::make_shared<Session>(options.session, Session::Life::UntilReplaced);
-  session->open();
-  session->takeOver();
-  const std::shared_ptr<ServerModel> model = library.makeModel(managerOf(session));
-  const std::unique_ptr<HttpServer> server =
-      library.startHttp(httpOptions(options), library.makeCimService({model, options.isWritable}));
-  for (const std::string& url : server->urls()) std::cout << "listening on " << url << '\n';
-  std::cout.flush();
-  while (signals.wait() != ServerSignals::Request::End) continue;
-  server->drain(kDrainSeconds);
+std::string monotonicMicroseconds() {
+  timespec now{};
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  return std::to_string(static_cast<long long>(now.tv_sec) * 1000000 + now.tv_nsec / 1000);
 }
+
+// What is logged goes to standard error at once, since many threads log.
+ServeOptions loggedAtOnce(ServeOptions options) {
+  if (!options.session.logSeverity) options.session.logSeverity = QoriTraceLog::kWarning;
+  return options;
+}
+
+class ServerRun {
+ public:
+  // THROWS as reportStartFailure() reports.
+  explicit ServerRun(const ServeOptions& given) : _given(loggedAtOnce(given)), _library(serverLibrary()) {
+    const ServeOptions options = withConfiguration(_given);
+    _drainSeconds = static_cast<unsigned>(limitOf(options, "drain"));
+    const std::shared_ptr<Session> session = openSession(options);
+    session->takeOver();
+    _model = _library.makeModel(managerOf(session));
+    _server = _library.startHttp(httpOptionsOf(options), _library.makeCimService({_model, options.isWritable}));
+  }
+
+  void run() {
+    for (const std::string& url : _server->urls()) std::cout << "listening on " << url << '\n';
+    std::cout.flush();
+    _library.tellSupervisor("READY=1");
+    while (_signals.wait() != ServerSignals::Request::End) reload();
+    _library.tellSupervisor("STOPPING=1");
+    _server->drain(_drainSeconds);
+  }
+
+ private:
+  static std::shared_ptr<Session> openSession(const ServeOptions& options) {
+    auto session = std::make_shared<Session>(options.session, Session::Life::UntilReplaced);
+    session->open();
+    return session;
+  }
+
+  void reload() noexcept {
+    _library.tellSupervisor("RELOADING=1\nMONOTONIC_USEC=" + monotonicMicroseconds());
+    try {
+      readAnew();
+      std::cerr << "qorql: configuration, MOF and users have been read anew\n";
+    } catch (...) {
+      reportStartFailure();
+      std::cerr << "qorql: nothing was read anew: all stays as it was\n";
+    }
+    _library.tellSupervisor("READY=1");
+  }
+
+  void readAnew() {
+    const ServeOptions options = withConfiguration(_given);
+    const std::shared_ptr<Session> session = openSession(options);
+    _server->reload(httpOptionsOf(options).limits);
+    _drainSeconds = static_cast<unsigned>(limitOf(options, "drain"));
+    const auto takeOver = [&session] { session->takeOver(); };
+    if (_model->replace(managerOf(session), takeOver, kPatience)) return;
+    _server->interrupt();
+    if (_model->replace(managerOf(session), takeOver, kLastPatience)) return;
+    throw std::runtime_error("requests on the object manager do not end, so that it stays");
+  }
+
+  const ServerSignals _signals;  // before every thread
+  const ServeOptions _given;
+  ServerModule& _library;
+  unsigned _drainSeconds = 0;
+  std::shared_ptr<ServerModel> _model;
+  std::unique_ptr<HttpServer> _server;
+};
 
 int run(const ServeOptions& options) {
   try {
-    serve(options);
+    ServerRun(options).run();
     return kExitDone;
   } catch (...) {
     return reportStartFailure();
@@ -82,12 +137,7 @@ int run(const ServeOptions& options) {
 CommandAction declareServeCommand(CLI::App& app) {
   const auto options = std::make_shared<ServeOptions>();
   describeCommand(app, kDescription, kFooter);
-  declareValue(app, {.names = "--listen",
-                     .type = "ADDRESS:PORT",
-                     .description = "Listen here (repeatable; default: 127.0.0.1:5988; port 0: any that is free)",
-                     .take = keepIn(options->addresses),
-                     .isRepeatable = true});
-  declareFlag(app, "--writable", options->isWritable, "Let clients create, modify and delete stored instances");
+  declareServeOptions(app, *options);
   declareSessionOptions(app, options->session);
   return [options] { return run(*options); };
 }

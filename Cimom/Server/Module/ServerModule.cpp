@@ -2,26 +2,31 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Server/ServerModule.h"
 
+#include <systemd/sd-daemon.h>
+
 #include <utility>
 
-#include "Cimom/CimXml/CimXmlMessages.h"
+#include "Cimom/Server/CimXmlService.h"
+#include "Cimom/Server/ClassOperations.h"
+#include "Cimom/Server/ServerOperations.h"
+#include "Cimom/Server/UserFile.h"
 
 namespace {
 
-// Answers each request with a refusal.
-class EmptyService : public HttpService {
+// The operations, and what reads requests for them.
+class CimService : public HttpService {
  public:
-  HttpReply serve(const HttpRequest& /*request*/) override {
-    constexpr QORuint32 kNotSupported = 7;
-    CimXmlResponse response("0", "GetClass");
-    response.setError(kNotSupported, "there is no such operation");
-    HttpReply reply;
-    reply.headers.emplace_back("Content-Type", "application/xml; charset=\"utf-8\"");
-    reply.headers.emplace_back("CIMOperation", "MethodResponse");
-    reply.note.status = kNotSupported;
-    reply.body = std::make_unique<WholeReply>(response.finish());
-    return reply;
+  explicit CimService(const CimServiceOptions& options)
+      : _model(options.model), _service(_operations, [this] { return _model->lease(); }) {
+    addClassOperations(_operations);
   }
+
+  HttpReply serve(const HttpRequest& request) override { return _service.serve(request); }
+
+ private:
+  const std::shared_ptr<ServerModel> _model;
+  ServerOperations _operations;
+  CimXmlService _service;
 };
 
 class Module : public ServerModule {
@@ -29,12 +34,17 @@ class Module : public ServerModule {
   std::unique_ptr<HttpServer> startHttp(const HttpOptions& options, std::shared_ptr<HttpService> service) override {
     return startHttpServer(options, std::move(service));
   }
-  std::shared_ptr<HttpService> makeCimService(const CimServiceOptions& /*options*/) override {
-    return std::make_shared<EmptyService>();
+  std::shared_ptr<HttpService> makeCimService(const CimServiceOptions& options) override {
+    return std::make_shared<CimService>(options);
   }
   std::shared_ptr<ServerModel> makeModel(ServerModel::Manager manager) override {
     return std::make_shared<ServerModel>(std::move(manager));
   }
+  void setPassword(const std::string& file, const std::string& user, const std::string& password) override {
+    ::setPassword(file, user, password);
+  }
+  void removeUser(const std::string& file, const std::string& user) override { ::removeUser(file, user); }
+  void tellSupervisor(const std::string& state) override { sd_notify(0, state.c_str()); }
 };
 
 }  // namespace

@@ -1,0 +1,208 @@
+// Hashes are yescrypt's, which the C library's companion makes and knows; older ones that it knows are taken, too.
+// SPDX-License-Identifier: Apache-2.0
+#include "Cimom/Server/UserFile.h"
+
+#include <crypt.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <sstream>
+#include <stdexcept>
+#include <vector>
+
+namespace {
+
+constexpr const char* kMethod = "$y$";
+constexpr mode_t kOwnerOnly = S_IRUSR | S_IWUSR;
+constexpr std::size_t kLongestUser = 256;
+
+[[noreturn]] void fail(const std::string& what, const std::string& path) {
+  throw std::runtime_error(what + ' ' + path + ": " + std::strerror(errno));
+}
+
+// A line without what an editor of another system puts at its end.
+std::string_view trimmed(std::string_view line) {
+  while (!line.empty() && (line.back() == '\r' || line.back() == ' ')) line.remove_suffix(1);
+  return line;
+}
+
+bool isRemark(std::string_view line) { return line.empty() || line.front() == '#'; }
+
+std::string_view userOf(std::string_view line) {
+  return isRemark(line) ? std::string_view() : line.substr(0, line.find(':'));
+}
+
+// The memory of a hash, which is large and must be zeroed.
+struct Scratch {
+  Scratch() : data(std::make_unique<crypt_data>()) {}
+  Scratch(const Scratch&) = delete;
+  Scratch& operator=(const Scratch&) = delete;
+  ~Scratch() { explicit_bzero(data.get(), sizeof *data); }
+
+  const std::unique_ptr<crypt_data> data;
+};
+
+// Nothing where the hash is of no kind that is known.
+std::string hashAs(const std::string& password, const std::string& hash) {
+  const Scratch scratch;
+  const char* const made = crypt_r(password.c_str(), hash.c_str(), scratch.data.get());
+  return made == nullptr || *made == '*' ? "" : made;
+}
+
+// Takes as long wherever the texts differ.
+bool isEqual(const std::string& one, const std::string& other) {
+  unsigned difference = one.size() == other.size() ? 0 : 1;
+  for (std::size_t i = 0; i < one.size() && i < other.size(); ++i) {
+    difference |= static_cast<unsigned char>(one[i]) ^ static_cast<unsigned char>(other[i]);
+  }
+  return difference == 0;
+}
+
+std::vector<std::string> linesOf(const std::string& path) {
+  std::ifstream file(path);
+  if (!file) fail("cannot read the users of", path);
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(file, line);) lines.emplace_back(trimmed(line));
+  if (file.bad()) fail("cannot read the users of", path);
+  return lines;
+}
+
+void refuseWhereOthersWrite(const std::string& path) {
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0) fail("cannot read the users of", path);
+  if ((status.st_mode & (S_IWGRP | S_IWOTH)) == 0) return;
+  throw std::runtime_error("others than its owner may write to " + path + ": chmod 600 " + path);
+}
+
+// A file that takes the place of another one, or goes away.
+class Replacement {
+ public:
+  explicit Replacement(const std::string& path) : _path(path), _name(path + ".XXXXXX"), _file(mkstemp(_name.data())) {
+    if (_file < 0) fail("cannot write", path);
+  }
+  Replacement(const Replacement&) = delete;
+  Replacement& operator=(const Replacement&) = delete;
+  ~Replacement() {
+    close(_file);
+    if (!_isDone) unlink(_name.c_str());
+  }
+
+  void write(const std::string& text) {
+    const bool isWritten = ::write(_file, text.data(), text.size()) == static_cast<ssize_t>(text.size());
+    if (!isWritten) fail("cannot write", _path);
+  }
+  // With the owner of the file before, where there was one and this process may give files away.
+  void finish() {
+    struct stat before {};
+    if (stat(_path.c_str(), &before) == 0 && fchown(_file, before.st_uid, before.st_gid) != 0 && errno != EPERM) {
+      fail("cannot write", _path);
+    }
+    const bool isDone =
+        fchmod(_file, kOwnerOnly) == 0 && fsync(_file) == 0 && rename(_name.c_str(), _path.c_str()) == 0;
+    if (!isDone) fail("cannot write", _path);
+    _isDone = true;
+  }
+
+ private:
+  const std::string _path;
+  std::string _name;
+  const int _file;
+  bool _isDone = false;
+};
+
+void writeLines(const std::string& path, const std::vector<std::string>& lines) {
+  std::string text;
+  for (const std::string& line : lines) text += line + '\n';
+  Replacement replacement(path);
+  replacement.write(text);
+  replacement.finish();
+}
+
+bool exists(const std::string& path) { return access(path.c_str(), F_OK) == 0; }
+
+void refuseFault(const std::string& fault) {
+  if (!fault.empty()) throw std::invalid_argument(fault);
+}
+
+}  // namespace
+
+UserFile UserFile::read(const std::string& path) {
+  refuseWhereOthersWrite(path);
+  UserFile users;
+  std::size_t number = 0;
+  for (const std::string& line : linesOf(path)) {
+    ++number;
+    if (isRemark(line)) continue;
+    const std::size_t colon = line.find(':');
+    const bool isHash = colon != std::string::npos && crypt_checksalt(line.c_str() + colon + 1) == CRYPT_SALT_OK;
+    if (!isHash || !faultOfUser(userOf(line)).empty()) {
+      throw std::runtime_error(path + ':' + std::to_string(number) + ": this is no user with a hashed password");
+    }
+    users._hashes.insert_or_assign(line.substr(0, colon), line.substr(colon + 1));
+  }
+  users._nobody = users._hashes.empty() ? hashPassword("nobody") : users._hashes.begin()->second;
+  return users;
+}
+
+bool UserFile::isRight(const std::string& user, const std::string& password) const {
+  const auto found = _hashes.find(user);
+  const std::string& hash = found == _hashes.end() ? _nobody : found->second;
+  if (!faultOfPassword(password).empty()) return false;
+  const bool isSame = isEqual(hashAs(password, hash), hash);
+  return isSame && found != _hashes.end();
+}
+
+std::string faultOfUser(std::string_view user) {
+  if (user.empty()) return "the name of a user is not empty";
+  if (user.size() > kLongestUser) return "the name of a user has no more than 256 bytes";
+  for (const char c : user) {
+    const bool isControl = static_cast<unsigned char>(c) < ' ' || c == 0x7F;
+    if (c == ':' || isControl) return "the name of a user has no colon and no control characters";
+  }
+  const bool isOdd = user.front() == '#' || user.front() == ' ' || user.back() == ' ';
+  return isOdd ? "the name of a user does not begin with # and has no space at its ends" : "";
+}
+
+std::string faultOfPassword(std::string_view password) {
+  if (password.empty()) return "a password is not empty";
+  if (password.size() >= CRYPT_MAX_PASSPHRASE_SIZE) return "a password has no more than 511 bytes";
+  return password.find('\0') == std::string_view::npos ? "" : "a password has no zero byte";
+}
+
+std::string hashPassword(const std::string& password) {
+  char setting[CRYPT_GENSALT_OUTPUT_SIZE] = "";
+  const bool isMade = crypt_gensalt_rn(kMethod, 0, nullptr, 0, setting, sizeof setting) != nullptr;
+  std::string hash = isMade ? hashAs(password, setting) : "";
+  if (hash.empty()) throw std::runtime_error("the system cannot hash passwords with yescrypt");
+  return hash;
+}
+
+void setPassword(const std::string& path, const std::string& user, const std::string& password) {
+  refuseFault(faultOfUser(user));
+  refuseFault(faultOfPassword(password));
+  std::vector<std::string> lines;
+  if (exists(path)) lines = linesOf(path);
+  const std::string entry = user + ':' + hashPassword(password);
+  bool isThere = false;
+  for (std::string& line : lines) {
+    if (userOf(line) != user) continue;
+    line = entry;
+    isThere = true;
+  }
+  if (!isThere) lines.push_back(entry);
+  writeLines(path, lines);
+}
+
+void removeUser(const std::string& path, const std::string& user) {
+  std::vector<std::string> lines = linesOf(path);
+  if (std::erase_if(lines, [&](const std::string& line) { return userOf(line) == user; }) == 0) {
+    throw std::invalid_argument("there is no user " + user + " in " + path);
+  }
+  writeLines(path, lines);
+}
