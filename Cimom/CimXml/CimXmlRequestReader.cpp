@@ -19,7 +19,7 @@ namespace {
 
 using ParameterKind = CimXmlParameter::Kind;
 
-constexpr QORuint32 kInvalidParameter = 4;
+constexpr QORuint32 kInvalidRequest = 4;  // CIM_ERR_INVALID_PARAMETER
 
 [[noreturn]] void raiseFound(const XmlPull& xml, Element found, Element expected) {
   const std::string what = found == Element::None ? "the end of its element" : std::string(xml.aheadName());
@@ -80,7 +80,7 @@ class ParameterReader {
     parameter.name = required(_xml, enter(_xml, element), "NAME");
     for (const CimXmlParameter& each : _out.parameters) {
       if (!QORString::equalIgnoringCase(each.name, parameter.name)) continue;
-      throw CimStatusException(kInvalidParameter, parameter.name + " is given twice");
+      throw CimStatusException(kInvalidRequest, parameter.name + " is given twice");
     }
     readContent(parameter);
     _xml.close();
@@ -120,7 +120,7 @@ class ParameterReader {
     _xml.open();
     while (_xml.peek() != Element::None) {
       if (_xml.peek() == Element::ValueNull) {
-        throw CimStatusException(kInvalidParameter, parameter.name + " has an element that is NULL");
+        throw CimStatusException(kInvalidRequest, parameter.name + " has an element that is NULL");
       }
       enter(_xml, Element::Value);
       parameter.texts.emplace_back(_xml.closeText());
@@ -228,7 +228,7 @@ void readCimXmlRequest(std::string_view message, const CimXmlMakeClassObject& ma
     MessageReader(message, makeClassObject, out).read();
   } catch (const CimXmlException& fault) {
     const std::string text(fault.getMessage().view());
-    if (fault.getKind() == CimXmlException::Kind::Value) throw CimStatusException(kInvalidParameter, text);
+    if (fault.getKind() == CimXmlException::Kind::Value) throw CimStatusException(kInvalidRequest, text);
     throw CimXmlRequestRefusal(isWellFormed(message) ? "request-not-valid" : "request-not-well-formed", text);
   }
 }

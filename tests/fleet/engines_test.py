@@ -7,6 +7,8 @@ Run as engines_test.py TOOL FOLDER.
 import datetime
 import json
 import os
+import platform
+import re
 import shutil
 import subprocess
 import sys
@@ -213,6 +215,20 @@ class Guide(Engines):
         os.symlink(os.path.join(ROOT, "examples"), os.path.join(self.folder, "examples"))
         os.symlink(toolcase.TOOL, os.path.join(self.folder, "qorql"))
 
+    def nightly(self, statement):
+        """The status of the line of the crontab, and what it leaves."""
+        self.write("nightly.txt", statement)
+        spool = os.path.join(self.folder, "spool")
+        os.makedirs(spool, exist_ok=True)
+        line = next(block.text for block in markdown.blocks(GUIDE) if block.kind == "crontab")
+        *when, command = line.split(None, 5)
+        self.assertTrue(all(re.fullmatch(r"\*|\d+", field) for field in when), when)
+        self.assertNotIn("%", command)  # which cron would take for the end of the line
+        command = command.replace("/etc/qorql", self.folder).replace("/var/spool/qorql", spool)
+        done = run("sh", "-c", command, cwd=self.folder, timeout=120,
+                   env={**os.environ, "PATH": self.folder + ":" + os.environ["PATH"]})
+        return done.returncode, {name: open(os.path.join(spool, name), encoding="utf-8").read() for name in os.listdir(spool)}
+
     def run_block(self, block, *command):
         done = run(*command, cwd=self.folder, timeout=120)
         self.assertEqual((done.returncode, done.stderr.decode()), (0, ""), f"line {block.line}")
@@ -235,6 +251,15 @@ class Guide(Engines):
 
 class GuideWithoutEngines(Guide):
     needs_engines = False
+
+    def test_line_of_the_crontab(self):
+        self.place()
+        status, left = self.nightly("SELECT Name, NumberOfProcesses FROM Linux_OperatingSystem")
+        self.assertEqual((status, list(left)), (0, [f"{platform.node()}.jsonl"]))
+        self.assertEqual(list(json.loads(left[f"{platform.node()}.jsonl"])), ["Name", "NumberOfProcesses"])
+        status, after = self.nightly("SELECT Nam FROM Linux_OperatingSystem")
+        self.assertNotEqual(status, 0)
+        self.assertEqual(after[f"{platform.node()}.jsonl"], left[f"{platform.node()}.jsonl"])
 
     def test_the_worked_example_prints_what_it_shows(self):
         """Here its commands alone, whose files readers of our own read."""

@@ -31,9 +31,10 @@ class Document(ToolCase):
         second = self.serve(STORAGE)
         self.write("owners.mof", OWNERS)
         self.write("all.txt", f"one={first.url}\ntwo={second.url}  # the other one\n")
-        self.write(".config/qorql/servers.ini", f"[array1]\nurl = {first.url}\nuser = monitor\npassword-file = p\n"
-                   f"[array2]\nurl = {second.url}\n")
-        self.write(".config/qorql/p", "secret\n")
+        profile = self.block("ini", "array1").replace("https://array1.example.org", first.url)
+        profile = profile.replace("root/example", "root/cimv2")
+        self.write(".config/qorql/servers.ini", f"{profile}[array2]\nurl = {second.url}\n")
+        self.write(".config/qorql/array1.password", "secret\n")
         commands = self.commands()
         self.assertGreater(len(commands), 7)
         os.chdir(self.folder)
@@ -46,8 +47,9 @@ class Document(ToolCase):
 
     def block(self, language, contains):
         with open(DOCUMENT, encoding="utf-8") as document:
-            found = re.findall(rf"^```{language}\n(.*?)^```$", document.read(), re.MULTILINE | re.DOTALL)
-        return next(text for text in found if contains in text)
+            found = re.findall(rf"^( *)```{language}\n(.*?)^ *```$", document.read(), re.MULTILINE | re.DOTALL)
+        indent, text = next(one for one in found if contains in one[1])
+        return re.sub(rf"^{indent}", "", text, flags=re.MULTILINE)
 
     def nightly(self):
         """The script of the fleet with what it needs, in a folder of the test; runs it when it is called."""
@@ -62,10 +64,13 @@ class Document(ToolCase):
         self.write("servers.txt", local(self.block("servers", "array1")))
         self.write("nightly.txt", self.block("sql", "__SERVER"))
         self.write("password", "secret\n")
-        script = self.write("nightly", local(self.block("shell", "--servers")))
+        os.chmod(self.write("nightly", local(self.block("shell", "--servers"))), 0o755)
+        *when, user, command = self.block("crontab", "nightly").split(None, 6)
+        self.assertTrue(all(re.fullmatch(r"\*|\d+", field) for field in when), when)
+        self.assertEqual((len(when), user), (5, "qorql"))
         path = os.path.join(self.folder, "bin") + ":" + os.environ["PATH"]
-        return lambda: subprocess.run(["sh", script], capture_output=True, check=False, timeout=60, cwd=self.folder,
-                                      env={**self.environment(), "PATH": path})
+        return lambda: subprocess.run(["sh", "-c", local(command)], capture_output=True, check=False, timeout=60,
+                                      cwd=self.folder, env={**self.environment(), "PATH": path})
 
     def answers(self):
         spool = os.path.join(self.folder, "spool")
@@ -114,6 +119,15 @@ class Document(ToolCase):
         os.remove(os.path.join(self.folder, "spool", os.listdir(os.path.join(self.folder, "spool"))[0]))
         self.fail_with(self.fleet[0], "500")
         self.assertEqual((run().returncode, self.answers()), (3, []))
+
+    def test_line_of_a_call(self):
+        """It has the form of those that the tool prints."""
+        server = self.serve(STORAGE)
+        done = self.run_tool("--server", f"array1={server.url}", "--stats", "SELECT Name FROM CIM_StorageVolume")
+        told = re.findall(r"^qorql: call: array1 OpenEnumerateInstances .*$", done.err, re.MULTILINE)
+        shown = self.block("calls", "qorql: call: ").splitlines()
+        forms = [{re.sub(r"\d+", "N", line) for line in lines} for lines in (shown, told)]
+        self.assertEqual(*forms)
 
     def test_options_are_those_of_the_tool(self):
         with open(DOCUMENT, encoding="utf-8") as document:

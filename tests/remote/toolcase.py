@@ -21,6 +21,8 @@ class Done:
 
 
 class ToolCase(RemoteCase):
+    proxies = {}  # variables of the environment that name them
+
     def write(self, name, content):
         path = os.path.join(self.folder, name)
         os.makedirs(os.path.dirname(path), exist_ok=True)
@@ -31,7 +33,7 @@ class ToolCase(RemoteCase):
     def environment(self):
         """No profiles, passwords and proxies of whoever runs the tests."""
         kept = {name: value for name, value in os.environ.items() if not name.lower().endswith("_proxy")}
-        return {**kept, "HOME": self.folder, "XDG_CONFIG_HOME": os.path.join(self.folder, ".config")}
+        return {**kept, **self.proxies, "HOME": self.folder, "XDG_CONFIG_HOME": os.path.join(self.folder, ".config")}
 
     def run_tool(self, *arguments, stdin=b""):
         began = time.monotonic()
