@@ -267,7 +267,7 @@ class Faults(ToolCase):
         server = self.serve()
         self.fail_with(server, "silence", OPEN)
         done = self.ask(server, "--call-timeout", "1", PUMPS)
-        self.assert_fails(done, r"OpenEnumerateInstances of P_Pump in root/cimv2: .*too slow")
+        self.assert_fails(done, r"OpenEnumerateInstances of P_Pump in root/cimv2: the server sent fewer than 100 bytes a second for 1 second")
         self.assertLess(done.seconds, 20)
 
     def test_oddities_that_are_no_fault(self):
@@ -287,7 +287,7 @@ class Faults(ToolCase):
         server = self.serve()
         self.fail_with(server, "silence", PULL)
         done = self.ask(server, "--batch", "1", "--call-timeout", "1", "SELECT Name FROM P_Thing")
-        self.assert_fails(done, "PullInstancesWithPath of P_Thing in root/cimv2: .*too slow")
+        self.assert_fails(done, "PullInstancesWithPath of P_Thing in root/cimv2: the server sent fewer than 100 bytes a second for 1 second")
         self.assertNotIn("CloseEnumeration", [call[0] for call in server.told()])
 
     def test_batches_without_end_are_given_up(self):
@@ -312,9 +312,8 @@ class Faults(ToolCase):
             server = self.serve()
             self.fail_with(server, kind, OPEN)
             done = self.ask(server, "--call-timeout", "1", PUMPS)
-            self.assert_fails(done, r"OpenEnumerateInstances of P_Pump in root/cimv2: .*(too slow|fewer than 100 bytes a "
-                                    r"second for 1 second in the middle of its reply)")
-            self.assertLess(done.seconds, 20, kind)
+            self.assert_fails(done, r"OpenEnumerateInstances of P_Pump in root/cimv2: the server sent fewer than 100 bytes a second for 1 second")
+            self.assertLess(done.seconds, 4, kind)
 
     def test_status_of_the_server(self):
         server = self.serve(refused={OPEN: 2})
