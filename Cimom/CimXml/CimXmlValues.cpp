@@ -246,23 +246,32 @@ void appendText(std::string& out, std::string_view text) { appendEncoded(out, te
 
 void appendAttributeText(std::string& out, std::string_view text) { appendEncoded(out, text, "\t\n\r"); }
 
-void appendValueText(std::string& out, const IQoriValue& value) {
-  const QoriScalar scalar = value.scalar();
+bool appendScalarText(std::string& out, const QoriScalar& scalar, CQoriType::Code type) {
   switch (scalar.kind) {
     case QoriScalarKind::Unsigned:
-      return appendNumber(out, scalar.u);
+      appendNumber(out, scalar.u);
+      return true;
     case QoriScalarKind::Signed:
-      return appendNumber(out, scalar.s);
+      appendNumber(out, scalar.s);
+      return true;
     case QoriScalarKind::Real:
-      return appendReal(out, scalar.r, CQoriType::codeOf(*value.getType()) == Code::Real32);
+      appendReal(out, scalar.r, type == Code::Real32);
+      return true;
     case QoriScalarKind::Boolean:
       out += scalar.b ? "TRUE" : "FALSE";
-      return;
+      return true;
     case QoriScalarKind::Text:
     case QoriScalarKind::DateTime:
-      return appendText(out, scalar.text->view());
+      appendText(out, scalar.text->view());
+      return true;
     default:
-      return appendText(out, value.toString().view());
+      return false;
+  }
+}
+
+void appendValueText(std::string& out, const IQoriValue& value) {
+  if (!appendScalarText(out, value.scalar(), CQoriType::codeOf(*value.getType()))) {
+    appendText(out, value.toString().view());
   }
 }
 

@@ -39,6 +39,8 @@ void appendAttributeText(std::string& out, std::string_view text);
 // Appends the text of a scalar that is neither reference nor object, escaped:
 // integers decimal, reals with a point and an exponent, TRUE or FALSE, texts as they are.
 void appendValueText(std::string& out, const IQoriValue& value);
+// The same of a view of a scalar of that type; false, with nothing appended, for one that has to be a value.
+bool appendScalarText(std::string& out, const QoriScalar& scalar, CQoriType::Code type);
 
 }  // namespace cimxml
 

@@ -34,6 +34,20 @@ const IQoriObject* embeddedObject(const IQoriValue& value, QORSmrPtr<IQoriObject
   return holder.Get();
 }
 
+// Objects of others may tell their namespace with the host in front, "//host/root/cimv2".
+struct HostedNameSpace {
+  explicit HostedNameSpace(const IQoriNameSpacePath& path) : host(path.getHost()), nameSpace(path.getNameSpace()) {
+    const std::string_view text = path.getNameSpace().view();
+    const std::size_t slash = text.starts_with("//") ? text.find('/', 2) : std::string_view::npos;
+    if (slash == std::string_view::npos) return;
+    host = QORString(text.substr(2, slash - 2));
+    nameSpace = QORString(text.substr(slash + 1));
+  }
+
+  QORString host;
+  QORString nameSpace;
+};
+
 // Whether the value is, or holds, classes in place of instances.
 bool holdsClass(const IQoriValue::Pointer& value) {
   if (value.IsNull()) return false;
@@ -113,27 +127,46 @@ void CimXmlWriter::writeKey(const IQoriProperty& key) {
 }
 
 void CimXmlWriter::writeInstancePath(const IQoriInstanceName& name, const QORString& host) {
-  const IQoriNameSpacePath& path = *name.getNameSpacePath();
+  const HostedNameSpace path(*name.getNameSpacePath());
   _out += "<INSTANCEPATH>";
-  writeNameSpacePath(path.getHost().isEmpty() ? host : path.getHost(), path.getNameSpace());
+  writeNameSpacePath(path.host.isEmpty() ? host : path.host, path.nameSpace);
   writeInstanceName(name);
   _out += "</INSTANCEPATH>";
 }
 
+void CimXmlWriter::writeClassPath(const QORString& host, const QORString& nameSpace, const QORString& className) {
+  _out += "<CLASSPATH>";
+  writeNameSpacePath(host, nameSpace);
+  writeClassName(className);
+  _out += "</CLASSPATH>";
+}
+
+void CimXmlWriter::writeClassObjectPath(const QORString& host, const QORString& nameSpace, const QORString& className) {
+  _out += "<OBJECTPATH>";
+  writeClassPath(host, nameSpace, className);
+  _out += "</OBJECTPATH>";
+}
+
+void CimXmlWriter::writeObjectPath(const IQoriInstanceName& name, const QORString& host) {
+  _out += "<OBJECTPATH>";
+  writeInstancePath(name, host);
+  _out += "</OBJECTPATH>";
+}
+
 void CimXmlWriter::writeReference(const IQoriInstanceName& name) {
-  const IQoriNameSpacePath& path = *name.getNameSpacePath();
+  const HostedNameSpace path(*name.getNameSpacePath());
   const bool isClass = name.getKeys()->isEmpty();
-  const bool hasHost = !path.getHost().isEmpty();
-  const bool hasNameSpace = !path.getNameSpace().isEmpty();
+  const bool hasHost = !path.host.isEmpty();
+  const bool hasNameSpace = !path.nameSpace.isEmpty();
   const std::string_view element =
       isClass ? (hasHost ? "CLASSPATH" : "LOCALCLASSPATH") : (hasHost ? "INSTANCEPATH" : "LOCALINSTANCEPATH");
   _out += "<VALUE.REFERENCE>";
   if (hasNameSpace) {
     _out.append("<").append(element).append(">");
     if (hasHost) {
-      writeNameSpacePath(path.getHost(), path.getNameSpace());
+      writeNameSpacePath(path.host, path.nameSpace);
     } else {
-      writeLocalNameSpace(path.getNameSpace());
+      writeLocalNameSpace(path.nameSpace);
     }
   }
   if (isClass) {
@@ -211,31 +244,76 @@ void CimXmlWriter::writeClassObject(const IQoriObject& object) {
 }
 
 void CimXmlWriter::writeProperty(const IQoriProperty& property) {
-  const IQoriType& type = *property.getType();
-  const IQoriValue::Pointer& value = property.getValue();
+  writePropertyValue(property.getName(), *property.getType(), property.getValue(), nullptr);
+}
+
+void CimXmlWriter::writeOrigin(const CimXmlFeatureMarks* marks) {
+  if (marks == nullptr || marks->origin.isEmpty()) return;
+  writeAttribute("CLASSORIGIN", marks->origin.view());
+  if (marks->isPropagated) writeAttribute("PROPAGATED", "true");
+}
+
+void CimXmlWriter::beginProperty(const char* element, const QORString& name) {
+  _out += element;
+  _out += " NAME=\"";
+  cimxml::appendAttributeText(_out, name.view());
+  _out += '"';
+}
+
+void CimXmlWriter::writePropertyValue(const QORString& name, const IQoriType& type, const IQoriValue::Pointer& value,
+                                      const CimXmlFeatureMarks* marks) {
   const bool isArray = type.isArray();
   if (isReference(type) && !isArray) {
-    _out += "<PROPERTY.REFERENCE";
-    writeAttribute("NAME", property.getName().view());
+    beginProperty("<PROPERTY.REFERENCE", name);
+    writeOrigin(marks);
     _out += '>';
     if (!value.IsNull()) writeReference(*value->getReference());
     _out += "</PROPERTY.REFERENCE>";
     return;
   }
-  _out += isArray ? "<PROPERTY.ARRAY" : "<PROPERTY";
-  writeAttribute("NAME", property.getName().view());
+  beginProperty(isArray ? "<PROPERTY.ARRAY" : "<PROPERTY", name);
   writeAttribute("TYPE", attributeType(type));
+  writeOrigin(marks);
   if (isObject(type)) writeAttribute("EmbeddedObject", holdsClass(value) ? "object" : "instance");
   _out += '>';
   writeValue(value);
   _out += isArray ? "</PROPERTY.ARRAY>" : "</PROPERTY>";
 }
 
+// A scalar of an object with a layout is written without making a value of it.
+void CimXmlWriter::writePropertyAt(const IQoriObject& object, QORuint32 position, const CimXmlFeatureMarks* marks) {
+  const IQoriLayout* const layout = object.getLayout();
+  if (layout == nullptr) {
+    const QORSmrPtr<IQoriProperty> property(object.getPropertyAt(position));
+    return writePropertyValue(property->getName(), *property->getType(), property->getValue(), marks);
+  }
+  const IQoriType& type = *layout->getType(position);
+  const Code code = CQoriType::codeOf(type);
+  if (type.isArray() || code >= Code::Reference) {
+    return writePropertyValue(layout->getName(position), type, object.getValueAt(position), marks);
+  }
+  beginProperty("<PROPERTY", layout->getName(position));
+  _out += " TYPE=\"";
+  _out += cimxml::typeName(code);
+  _out += '"';
+  writeOrigin(marks);
+  _out += '>';
+  const QoriScalar scalar = object.getScalarAt(position);
+  if (scalar.kind != QoriScalarKind::Null) {
+    _out += "<VALUE>";
+    if (!cimxml::appendScalarText(_out, scalar, code)) cimxml::appendValueText(_out, *object.getValueAt(position));
+    _out += "</VALUE>";
+  }
+  _out += "</PROPERTY>";
+}
+
 void CimXmlWriter::writeInstance(const IQoriObject& object) {
   _out += "<INSTANCE";
   writeAttribute("CLASSNAME", object.getClassName().view());
   _out += '>';
-  for (QORuint32 i = 0; i < object.getPropertyCount(); ++i) writeProperty(*object.getPropertyAt(i));
+  const std::vector<CimXmlFeatureMarks>* const marks = _origins == nullptr ? nullptr : &_origins->marksOf(object);
+  const QORuint32 count = object.getPropertyCount();
+  for (QORuint32 i = 0; i < count; ++i) writePropertyAt(object, i, marks == nullptr ? nullptr : &(*marks)[i]);
   _out += "</INSTANCE>";
 }
 
@@ -253,11 +331,15 @@ void CimXmlWriter::writeInstanceWithPath(const IQoriObject& object, const QORStr
   _out += "</VALUE.INSTANCEWITHPATH>";
 }
 
+void CimXmlWriter::beginObjectWithPath() { _out += "<VALUE.OBJECTWITHPATH>"; }
+
+void CimXmlWriter::endObjectWithPath() { _out += "</VALUE.OBJECTWITHPATH>"; }
+
 void CimXmlWriter::writeObjectWithPath(const IQoriObject& object, const QORString& host) {
-  _out += "<VALUE.OBJECTWITHPATH>";
+  beginObjectWithPath();
   writeInstancePath(*object.getInstanceName(), host);
   writeInstance(object);
-  _out += "</VALUE.OBJECTWITHPATH>";
+  endObjectWithPath();
 }
 
 void CimXmlWriter::writeObject(const IQoriObject& object) {

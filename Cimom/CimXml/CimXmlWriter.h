@@ -28,6 +28,14 @@ struct CimXmlClassMarks {
   std::vector<CimXmlFeatureMarks> methods;
 };
 
+// Where the properties of instances come from.
+class CimXmlOrigins {
+ public:
+  virtual ~CimXmlOrigins() = default;
+  // For each property, by its position in the object.
+  virtual const std::vector<CimXmlFeatureMarks>& marksOf(const IQoriObject& object) const = 0;
+};
+
 // Appends elements to a text, without blanks between them. What it writes is
 // valid against the document type definition of CIM-XML 2.4. Characters that
 // XML forbids are replaced. Objects that nest too deeply THROW QoriBaseException
@@ -37,6 +45,10 @@ class CimXmlWriter {
   // BORROWS the text.
   explicit CimXmlWriter(std::string& out) : _out(out) {}
 
+  // From now on instances tell the classes that their properties come from, but embedded ones do not; null: no more.
+  // BORROWS.
+  void setOrigins(const CimXmlOrigins* origins) noexcept { _origins = origins; }
+
   // LOCALNAMESPACEPATH of "root/cimv2".
   void writeLocalNameSpace(const QORString& nameSpace);
   // CLASSNAME.
@@ -45,6 +57,11 @@ class CimXmlWriter {
   void writeInstanceName(const IQoriInstanceName& name);
   // INSTANCEPATH. A name that has no host of its own takes the given one.
   void writeInstancePath(const IQoriInstanceName& name, const QORString& host);
+  // CLASSPATH.
+  void writeClassPath(const QORString& host, const QORString& nameSpace, const QORString& className);
+  // OBJECTPATH of an instance, and of a class.
+  void writeObjectPath(const IQoriInstanceName& name, const QORString& host);
+  void writeClassObjectPath(const QORString& host, const QORString& nameSpace, const QORString& className);
   // VALUE.REFERENCE, with as much of the path as the name has: host and
   // namespace, namespace, or neither; a name without keys is a class's.
   void writeReference(const IQoriInstanceName& name);
@@ -60,6 +77,9 @@ class CimXmlWriter {
   void writeNamedInstance(const IQoriObject& object);
   void writeInstanceWithPath(const IQoriObject& object, const QORString& host);
   void writeObjectWithPath(const IQoriObject& object, const QORString& host);
+  // VALUE.OBJECTWITHPATH of a class, of which the caller writes path and CLASS in between.
+  void beginObjectWithPath();
+  void endObjectWithPath();
   // VALUE.OBJECT.
   void writeObject(const IQoriObject& object);
 
@@ -78,6 +98,11 @@ class CimXmlWriter {
   void writeScalar(const IQoriValue& value);
   void writeElements(const IQoriValue& array);
   void writeProperty(const IQoriProperty& property);
+  void writePropertyAt(const IQoriObject& object, QORuint32 position, const CimXmlFeatureMarks* marks);
+  void writePropertyValue(const QORString& name, const IQoriType& type, const IQoriValue::Pointer& value,
+                          const CimXmlFeatureMarks* marks);
+  void writeOrigin(const CimXmlFeatureMarks* marks);
+  void beginProperty(const char* element, const QORString& name);
   void writeEmbedded(const IQoriObject& object);
   void writeClassObject(const IQoriObject& object);
   void writeObjectElement(const IQoriObject& object);
@@ -91,6 +116,7 @@ class CimXmlWriter {
   void writeFeatureAttributes(const CimPropertyDeclaration& feature);
 
   std::string& _out;
+  const CimXmlOrigins* _origins = nullptr;
 };
 
 #endif

@@ -2,6 +2,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Server/CimXmlService.h"
 
+#include <unistd.h>
+
+#include <climits>
 #include <string>
 #include <utility>
 
@@ -126,6 +129,15 @@ std::string subjectOf(const CimXmlRequest& request) {
   return {};
 }
 
+// As the client calls this server; else as the machine calls itself.
+QORString hostOf(const HttpRequest& request) {
+  const std::string* const host = request.header("Host");
+  if (host != nullptr && !host->empty()) return QORString(std::string_view(*host));
+  char name[HOST_NAME_MAX + 1] = "";
+  if (gethostname(name, sizeof name - 1) != 0 || name[0] == '\0') return QORString("localhost");
+  return QORString(name);
+}
+
 // A reply that keeps its object manager until it is sent.
 class HoldingReply final : public ServerReply {
  public:
@@ -172,7 +184,7 @@ HttpReply CimXmlService::serve(const HttpRequest& request) {
     readCimXmlRequest(request.body, makeClassObject, call);
     requireMatch(headers, call);
     reply.note.subject = subjectOf(call);
-    body = _operations.answer({call, request.client, manager, reply.note});
+    body = _operations.answer({call, request.client, manager, reply.note, hostOf(request)});
   } catch (const CimXmlRequestRefusal& refusal) {
     HttpReply refused = plainReply(kBadRequest, std::string(refusal.getMessage().view()));
     refused.headers.emplace_back("CIMError", refusal.getWord());

@@ -7,6 +7,7 @@
 
 #include "Cimom/CimXml/CimXmlException.h"
 #include "Cimom/Model/ModelRestriction.h"
+#include "Cimom/Server/ServerClasses.h"
 
 namespace {
 
@@ -50,12 +51,7 @@ class LocalProperties {
 
 }  // namespace
 
-void ServerObjects::requireNameSpace() const {
-  for (const QORString& known : _call.manager->namespaces()) {
-    if (known.isEqualCaseInsensitive(_call.request.nameSpace)) return;
-  }
-  throw CimStatusException(cimstatus::kInvalidNameSpace, "there is no namespace " + quoted(_call.request.nameSpace));
-}
+void ServerObjects::requireNameSpace() const { ::requireNameSpace(*_call.manager, _call.request.nameSpace); }
 
 QORString ServerObjects::requireClass(const QORString& className) const {
   const QORSmrPtr<IQoriClass> found = _call.manager->repository()->getClass(_call.request.nameSpace, className);

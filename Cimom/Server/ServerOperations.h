@@ -19,6 +19,8 @@ struct ServerCall {
   // Stays the process's object manager while anybody holds this, though another one is to take its place.
   std::shared_ptr<EmbeddedObjectManager> manager;
   ServerNote& note;
+  // What paths that are told say of where they are.
+  QORString host = "localhost";
 };
 
 // Any number of threads call answer() at once; add() only before.

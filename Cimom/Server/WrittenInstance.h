@@ -1,0 +1,19 @@
+// Instances as clients send them, brought into the form of their classes.
+// Tested by tests/unit/Server/InstanceOperationsTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
+#ifndef QORQL_SERVER_WRITTENINSTANCE_H
+#define QORQL_SERVER_WRITTENINSTANCE_H
+
+#include <vector>
+
+#include "Cimom/CimXml/CimXmlInstance.h"
+#include "Cimom/Embedded/CimDeclarations.h"
+#include "Cimom/Server/ServerClasses.h"
+
+// The properties with values of their declared types: those whose type the client did not give are read as it, embedded
+// instances become objects of their classes. THROWS CimStatusException: a property that the class does not
+// have 12, or that is given twice 4, a value of another type 13; and as makeObject() for embedded instances.
+std::vector<CimInstanceProperty> writtenProperties(EmbeddedObjectManager& manager, const ServerClasses& space,
+                                                   const CQoriClass& model, const CimXmlInstance& instance);
+
+#endif
