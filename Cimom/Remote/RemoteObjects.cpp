@@ -61,6 +61,14 @@ QORSmrPtr<IQoriObject> RemoteObjects::make(CimXmlInstance& instance) {
   return CimXmlObjects::make(instance, found.shape, 0);
 }
 
+// It may derive from a class that nobody has asked for yet.
+QORSmrPtr<IQoriObject> RemoteObjects::makeClassObject(CimClassDeclaration declaration) {
+  const bool hasSuperClass =
+      !declaration.superClass.isEmpty() && !_classes.find(_sink, _nameSpace, declaration.superClass).IsNull();
+  if (!hasSuperClass) declaration.superClass = QORString::emptyString();
+  return _sink.makeClassObject(_nameSpace, declaration);
+}
+
 const RemoteObjects::Known& RemoteObjects::known(const QORString& className) {
   if (_last != nullptr && _lastName == className) return *_last;
   auto found = _known.find(className.view());

@@ -4,8 +4,10 @@
 #ifndef QORQL_REMOTE_REMOTEOBJECTS_H
 #define QORQL_REMOTE_REMOTEOBJECTS_H
 
+#include <functional>
 #include <map>
 #include <string>
+#include <utility>
 
 #include "Cimom/CimXml/CimXmlInstance.h"
 #include "Cimom/Embedded/CQoriClass.h"
@@ -24,6 +26,12 @@ class RemoteObjects {
   // With the keys that the instance's name tells, the server's name, and references in the repository's
   // spelling. Changes the instance. THROWS CQoriProviderException.
   QORSmrPtr<IQoriObject> make(CimXmlInstance& instance);
+  // A class that is the value of a property. THROWS QoriBaseException.
+  QORSmrPtr<IQoriObject> makeClassObject(CimClassDeclaration declaration);
+  // Hands over what a server sends. BORROWS this.
+  RemoteServer::Taker taker(std::function<void(CimXmlInstance& instance)> take) {
+    return {std::move(take), [this](const CimClassDeclaration& declaration) { return makeClassObject(declaration); }};
+  }
 
  private:
   // A class as the objects of this server have it.

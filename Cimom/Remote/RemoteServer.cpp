@@ -78,20 +78,21 @@ void noteOutput(const CimXmlReply& reply, Batch& batch) {
   batch.isLast = QORString::equalIgnoringCase(reply.outputText(), "TRUE");
 }
 
-void readInstances(CimXmlReply& reply, RemoteCall& record, const RemoteServer::Take& take, Batch& batch) {
+void readInstances(CimXmlReply& reply, RemoteCall& record, const RemoteServer::Taker& taker, Batch& batch) {
+  reply.setMakeClassObject(taker.makeClassObject);
   for (Item item = reply.next(); item != Item::End; item = reply.next()) {
     if (item == Item::Output) noteOutput(reply, batch);
     if (item != Item::Instance) continue;
     ++record.items;
-    take(reply.takeInstance());
+    taker.take(reply.takeInstance());
   }
 }
 
 // Reads a reply that nothing but instances belong to.
-auto readAllTo(const RemoteServer::Take& take) {
-  return [&take](CimXmlReply& reply, RemoteCall& record) {
+auto readAllTo(const RemoteServer::Taker& taker) {
+  return [&taker](CimXmlReply& reply, RemoteCall& record) {
     Batch batch;
-    readInstances(reply, record, take, batch);
+    readInstances(reply, record, taker, batch);
   };
 }
 
@@ -247,11 +248,11 @@ std::vector<CimQualifierDeclaration> RemoteServer::qualifiers(const QORString& n
 }
 
 bool RemoteServer::enumerateInstances(const QORString& nameSpace, const QORString& className,
-                                      const CIMApi::PropertyNames& names, const Take& take) {
-  if (!_pulls) return enumerateAtOnce(nameSpace, className, names, take);
-  const Opening opening = pullInstances(nameSpace, className, names, take);
+                                      const CIMApi::PropertyNames& names, const Taker& taker) {
+  if (!_pulls) return enumerateAtOnce(nameSpace, className, names, taker);
+  const Opening opening = pullInstances(nameSpace, className, names, taker);
   if (opening != Opening::UnknownOperation) return opening == Opening::Open;
-  const bool isThere = enumerateAtOnce(nameSpace, className, names, take);
+  const bool isThere = enumerateAtOnce(nameSpace, className, names, taker);
   _pulls = false;
   return isThere;
 }
@@ -270,16 +271,17 @@ RemoteServer::Opening RemoteServer::openEnumeration(const QORString& nameSpace, 
 
 // A status in the place of a later batch is a failure, whichever it is: the instances that came are not all.
 RemoteServer::Opening RemoteServer::pullInstances(const QORString& nameSpace, const QORString& className,
-                                                  const CIMApi::PropertyNames& names, const Take& take) {
+                                                  const CIMApi::PropertyNames& names, const Taker& taker) {
   Batch batch;
   RemoteBatches batches(_options.limits.enumerationBytes);
-  const Take noteAndTake = [&](CimXmlInstance& instance) {
+  const auto noteAndTake = [&](CimXmlInstance& instance) {
     batches.addInstance(instance.name);
-    take(instance);
+    taker.take(instance);
   };
+  const Taker noting{noteAndTake, taker.makeClassObject};
   const auto read = [&](CimXmlReply& reply, RemoteCall& record) {
     batch = Batch();
-    readInstances(reply, record, noteAndTake, batch);
+    readInstances(reply, record, noting, batch);
     requireSound(batch);
     if (!batch.isLast) batches.note(record.replyBytes);
   };
@@ -324,7 +326,7 @@ void RemoteServer::closeEnumeration(const QORString& nameSpace, const QORString&
 }
 
 bool RemoteServer::enumerateAtOnce(const QORString& nameSpace, const QORString& className,
-                                   const CIMApi::PropertyNames& names, const Take& take) {
+                                   const CIMApi::PropertyNames& names, const Taker& taker) {
   const auto fill = [&](CimXmlCall& call) {
     call.addClassName("ClassName", className);
     call.addFlag("LocalOnly", false);
@@ -334,7 +336,7 @@ bool RemoteServer::enumerateAtOnce(const QORString& nameSpace, const QORString& 
     addPropertyList(call, names);
   };
   try {
-    call(_instances, "EnumerateInstances", nameSpace, className, fill, readAllTo(take));
+    call(_instances, "EnumerateInstances", nameSpace, className, fill, readAllTo(taker));
   } catch (const RemoteStatusException& status) {
     if (status.getCode() != kInvalidClass) throw;
     return false;
@@ -343,20 +345,20 @@ bool RemoteServer::enumerateAtOnce(const QORString& nameSpace, const QORString& 
 }
 
 void RemoteServer::askQuery(const QORString& nameSpace, const QORString& className, const char* language,
-                            const std::string& query, const Take& take) {
+                            const std::string& query, const Taker& taker) {
   const auto fill = [&](CimXmlCall& call) {
     call.addText("QueryLanguage", language);
     call.addText("Query", query);
   };
-  call(_instances, "ExecQuery", nameSpace, className, fill, readAllTo(take));
+  call(_instances, "ExecQuery", nameSpace, className, fill, readAllTo(taker));
 }
 
 // A server that knows no language is not asked again.
 bool RemoteServer::execQuery(const QORString& nameSpace, const QORString& className, const std::string& query,
-                             const Take& take) {
+                             const Taker& taker) {
   while (_language < std::size(kLanguages)) {
     try {
-      askQuery(nameSpace, className, kLanguages[_language], query, take);
+      askQuery(nameSpace, className, kLanguages[_language], query, taker);
       return true;
     } catch (const RemoteStatusException& status) {
       if (status.getCode() == kNotSupported) _language = std::size(kLanguages);
@@ -368,7 +370,7 @@ bool RemoteServer::execQuery(const QORString& nameSpace, const QORString& classN
 }
 
 bool RemoteServer::getInstance(const QORString& nameSpace, const IQoriInstanceName& name,
-                               const CIMApi::PropertyNames& names, const Take& take) {
+                               const CIMApi::PropertyNames& names, const Taker& taker) {
   bool isThere = false;
   const QORSmrPtr<IQoriInstanceName> there = remote::nameThere(name, nameSpace, nameSpaceFor(nameSpace));
   const auto fill = [&](CimXmlCall& call) {
@@ -379,11 +381,12 @@ bool RemoteServer::getInstance(const QORString& nameSpace, const IQoriInstanceNa
     addPropertyList(call, names);
   };
   const auto read = [&](CimXmlReply& reply, RemoteCall& record) {
+    reply.setMakeClassObject(taker.makeClassObject);
     for (Item item = reply.next(); item != Item::End; item = reply.next()) {
       if (item != Item::Instance || isThere) continue;
       ++record.items;
       isThere = true;
-      take(reply.takeInstance());
+      taker.take(reply.takeInstance());
     }
   };
   try {
@@ -396,7 +399,8 @@ bool RemoteServer::getInstance(const QORString& nameSpace, const IQoriInstanceNa
 }
 
 void RemoteServer::references(const QORString& nameSpace, const IQoriInstanceName& source,
-                              const QORString& associationClass, const CIMApi::PropertyNames& names, const Take& take) {
+                              const QORString& associationClass, const CIMApi::PropertyNames& names,
+                              const Taker& taker) {
   const QORSmrPtr<IQoriInstanceName> there = remote::nameThere(source, nameSpace, nameSpaceFor(nameSpace));
   const auto fill = [&](CimXmlCall& call) {
     call.addInstanceName("ObjectName", *there);
@@ -406,7 +410,7 @@ void RemoteServer::references(const QORString& nameSpace, const IQoriInstanceNam
     addPropertyList(call, names);
   };
   try {
-    call(_instances, "References", nameSpace, associationClass, fill, readAllTo(take));
+    call(_instances, "References", nameSpace, associationClass, fill, readAllTo(taker));
   } catch (const RemoteStatusException& status) {
     if (status.getCode() != kInvalidClass && status.getCode() != kNotFound) throw;
   }

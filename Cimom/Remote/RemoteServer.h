@@ -96,22 +96,24 @@ class RemoteServer {
   std::vector<QORString> classNames(const QORString& nameSpace);
   std::vector<CimQualifierDeclaration> qualifiers(const QORString& nameSpace);
 
-  // Hands over what has been read; the taker may change it.
-  using Take = std::function<void(CimXmlInstance& instance)>;
+  struct Taker {
+    std::function<void(CimXmlInstance& instance)> take;  // what has been read; it may be changed
+    CimXmlReply::MakeClassObject makeClassObject;        // of a class that is a value; null: refused
+  };
   // The instances of the class and those derived from it, with the properties
   // that are named (null: all). False where the server has no such class. Which
   // operations the server knows is remembered.
   bool enumerateInstances(const QORString& nameSpace, const QORString& className, const CIMApi::PropertyNames& names,
-                          const Take& take);
+                          const Taker& taker);
   // The instances that a query selects. False where the server knows none of the languages that it may be in, or
   // does not understand it: some may have been handed over then.
-  bool execQuery(const QORString& nameSpace, const QORString& className, const std::string& query, const Take& take);
+  bool execQuery(const QORString& nameSpace, const QORString& className, const std::string& query, const Taker& taker);
   // Returns whether there is such an instance.
   bool getInstance(const QORString& nameSpace, const IQoriInstanceName& name, const CIMApi::PropertyNames& names,
-                   const Take& take);
+                   const Taker& taker);
   // The instances of an association that refer to a source.
   void references(const QORString& nameSpace, const IQoriInstanceName& source, const QORString& associationClass,
-                  const CIMApi::PropertyNames& names, const Take& take);
+                  const CIMApi::PropertyNames& names, const Taker& taker);
   // A status that says of a class of associations that its instances are not listed.
   static bool isUnwillingToList(const RemoteStatusException& status);
 
@@ -133,11 +135,11 @@ class RemoteServer {
   enum class Opening { Open, NoSuchClass, UnknownOperation };
   Opening openEnumeration(const QORString& nameSpace, const QORString& className, const Fill& fill, const Read& read);
   Opening pullInstances(const QORString& nameSpace, const QORString& className, const CIMApi::PropertyNames& names,
-                        const Take& take);
+                        const Taker& taker);
   bool enumerateAtOnce(const QORString& nameSpace, const QORString& className, const CIMApi::PropertyNames& names,
-                       const Take& take);
+                       const Taker& taker);
   void askQuery(const QORString& nameSpace, const QORString& className, const char* language, const std::string& query,
-                const Take& take);
+                const Taker& taker);
   void closeEnumeration(const QORString& nameSpace, const QORString& className, const std::string& context) noexcept;
 
   const RemoteServerOptions _options;

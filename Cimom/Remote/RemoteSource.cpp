@@ -201,16 +201,17 @@ OuterSource::Objects RemoteSource::instances(CimDeclarationSink& sink, const Req
 
 void RemoteSource::askServer(RemoteServer& server, CimDeclarationSink& sink, const Request& request, Objects& objects) {
   RemoteObjects maker(server, _classes, sink, request.nameSpace, request.className);
-  const auto take = [&](CimXmlInstance& instance) { objects.push_back(maker.make(instance)); };
+  const RemoteServer::Taker taker =
+      maker.taker([&](CimXmlInstance& instance) { objects.push_back(maker.make(instance)); });
   const Request own{request.nameSpace, request.className, namesFor(server, request.names)};
-  if (askWithQuery(server, sink, own, take)) return;
+  if (askWithQuery(server, sink, own, taker)) return;
   objects.clear();
-  server.enumerateInstances(own.nameSpace, own.className, own.names, take);
+  server.enumerateInstances(own.nameSpace, own.className, own.names, taker);
 }
 
 // False when there is no query, and when the server does not understand it: then everything is asked for.
 bool RemoteSource::askWithQuery(RemoteServer& server, CimDeclarationSink& sink, const Request& request,
-                                const RemoteServer::Take& take) {
+                                const RemoteServer::Taker& taker) {
   std::string condition;
   {
     const std::lock_guard lock(_mutex);
@@ -220,7 +221,7 @@ bool RemoteSource::askWithQuery(RemoteServer& server, CimDeclarationSink& sink, 
   }
   const QORSmrPtr<IQoriClass> declared = sink.findClass(request.nameSpace, request.className);
   const std::string query = queryOf(static_cast<const CQoriClass&>(*declared), request.names, condition);
-  return server.execQuery(request.nameSpace, request.className, query, take);
+  return server.execQuery(request.nameSpace, request.className, query, taker);
 }
 
 // The server does not know the property that was added here.
@@ -258,10 +259,11 @@ QORSmrPtr<IQoriObject> RemoteSource::askForInstance(CimDeclarationSink& sink, co
   Objects found(servers.size());
   askEach(servers, [&](RemoteServer& server, std::size_t i) {
     RemoteObjects maker(server, _classes, sink, request.nameSpace, request.className);
-    server.getInstance(request.nameSpace, name, namesFor(server, request.names), [&](CimXmlInstance& instance) {
+    const auto take = [&](CimXmlInstance& instance) {
       instance.name = given;
       found[i] = maker.make(instance);
-    });
+    };
+    server.getInstance(request.nameSpace, name, namesFor(server, request.names), maker.taker(take));
   });
   const auto first = std::find_if(found.begin(), found.end(), [](const auto& object) { return !object.IsNull(); });
   return first == found.end() ? QORSmrPtr<IQoriObject>() : *first;
@@ -307,7 +309,7 @@ OuterSource::Objects RemoteSource::references(CimDeclarationSink& sink, const Re
   askEach(servers, [&](RemoteServer& server, std::size_t i) {
     RemoteObjects maker(server, _classes, sink, request.nameSpace, request.className);
     server.references(request.nameSpace, source, request.className, namesFor(server, request.names),
-                      [&](CimXmlInstance& instance) { found[i].push_back(maker.make(instance)); });
+                      maker.taker([&](CimXmlInstance& instance) { found[i].push_back(maker.make(instance)); }));
   });
   return joined(std::move(found));
 }

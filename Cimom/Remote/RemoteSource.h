@@ -87,7 +87,7 @@ class RemoteSource final : public OuterSource {
   QORSmrPtr<IQoriObject> askForInstance(CimDeclarationSink& sink, const Request& request,
                                         const IQoriInstanceName& name);
   bool askWithQuery(RemoteServer& server, CimDeclarationSink& sink, const Request& request,
-                    const RemoteServer::Take& take);
+                    const RemoteServer::Taker& taker);
   CIMApi::PropertyNames namesFor(const RemoteServer& server, const CIMApi::PropertyNames& names) const;
 
   const RemoteSourceOptions _options;

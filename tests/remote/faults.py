@@ -8,6 +8,7 @@ import re
 import socket
 import struct
 import zlib
+from xml.sax import saxutils
 
 XML = 'application/xml; charset="utf-8"'
 BOMB = 1 << 31       # bytes of a bomb that is unzipped
@@ -238,6 +239,14 @@ def text(value):
     return edited(FIRST_TEXT, lambda found: found[1] + value)
 
 
+def embedded_class(handler, call):
+    """A class in the place of the first embedded instance, with what it inherits."""
+    namespace = handler.owner.operations.namespace(call)
+    told = saxutils.escape(namespace.class_xml("P_Tank", local_only=False))
+    play = edited(rb"(<PROPERTY [^>]*EmbeddedObject=[^>]*><VALUE>)[^<]*", lambda found: found[1] + told.encode())
+    play(handler, call)
+
+
 def doctype(handler, call):
     body = whole(handler, call)
     declared = b'<!DOCTYPE CIM [<!ENTITY a "aaaaaaaaaa"><!ENTITY b "&a;&a;&a;&a;"><!ENTITY c SYSTEM "file:///etc/hostname">]>\n<CIM '
@@ -259,6 +268,7 @@ FAULTS = {
     "endless": endless, "bomb": bomb, "wrong-gzip": wrong_gzip, "cut-gzip": cut_gzip,
     "long-text": text(b"x" * LONG_TEXT), "ill-formed-utf8": text(b"caf\xe9 \xff"), "control-character": text(b"a\x01b"),
     "control-reference": text(b"a&#1;b"), "entity": text(b"&unknown;"), "doctype": doctype,
+    "embedded-class": embedded_class,
     "deep": edited(rb"(<IRETURNVALUE>)", rb"\1" + b"<VALUE.OBJECT>" * DEEP),
     "wrong-tag": edited(rb"</INSTANCE>", rb"</INSTANZ>"),
     "wrong-value": edited(rb"(TYPE=\"[us]int\d+\"[^>]*><VALUE>)[^<]*", rb"\1many"),

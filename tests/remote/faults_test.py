@@ -109,6 +109,9 @@ class Faults(RemoteCase):
             body = self.body(kind)
             ElementTree.fromstring(body)
             self.assertEqual(len(re.findall(pattern, body)), 1, kind)
+        embedded = [one.text for one in ElementTree.fromstring(self.body("embedded-class")).iter("VALUE")
+                    if (one.text or "").startswith("<CLASS ")]
+        self.assertEqual([ElementTree.fromstring(one).get("NAME") for one in embedded], ["P_Tank"])
         opened = self.body("no-end-of-sequence", operation="OpenEnumerateInstances", ClassName="P_Pump")
         self.assertNotIn(b"EndOfSequence", opened)
 

@@ -229,7 +229,7 @@ class Faults(ToolCase):
         "bomb": r"the compressed reply grows without measure",
     }
     STOPPED = ("endless", "silence", "silence-later", "slow", "slow-headers")
-    HARMLESS = ("501", "long-text", "no-length", "other-version")
+    HARMLESS = ("501", "embedded-class", "long-text", "no-length", "other-version")
 
     def test_all_kinds_are_known(self):
         self.assertEqual(sorted([*self.MESSAGES, *self.STOPPED, *self.HARMLESS]), faults.NAMES)
@@ -275,6 +275,14 @@ class Faults(ToolCase):
             server = self.serve()
             self.fail_with(server, kind, OPEN)
             self.assert_done(self.ask(server, PUMPS))
+
+    def test_class_as_a_value(self):
+        server = self.serve()
+        self.fail_with(server, "embedded-class", OPEN)
+        done = self.ask(server, "-o", "json", "SELECT Note FROM P_Pump WHERE Note IS NOT NULL")
+        self.assert_done(done)
+        self.assertIn('{"Note": {"Name": null, "Place": "hall \\"A\\"", "Litres": null}}', done.out)
+        self.assertIn("class P_Tank : P_Thing {", self.ask(server, "-o", "mof", "SELECT Note FROM P_Pump").out)
 
     def test_later_batch_that_fails_gives_no_half_result(self):
         server = self.serve()
