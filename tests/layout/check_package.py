@@ -15,6 +15,7 @@ import sys
 ESSENTIAL = {"g++"}
 OF_PACKAGES = {"debhelper-compat"}
 TRIPLET = "a-triplet"  # in a package the libraries stand in a folder of that kind
+NO_LIBRARIES = ("lib/systemd/", "lib/sysusers.d/")  # which stand in lib itself
 
 
 def read(root, path):
@@ -51,7 +52,8 @@ def installed_files(manifest, prefix):
     with open(manifest, encoding="utf-8") as listing:
         for line in listing.read().splitlines():
             path = os.path.relpath(line, prefix)
-            yield "usr/" + (f"lib/{TRIPLET}/{path[4:]}" if path.startswith("lib/") else path)
+            is_library = path.startswith("lib/") and not path.startswith(NO_LIBRARIES)
+            yield "usr/" + (f"lib/{TRIPLET}/{path[4:]}" if is_library else path)
 
 
 def patterns(root):

@@ -14,19 +14,21 @@ RIGHT = {
     "debian/control": "Source: x\nBuild-Depends:\n debhelper-compat (= 13),\n libz-dev,\nStandards-Version: 4\n",
     "debian/libx0.install": "usr/lib/*/lib*.so.*\n",
     "debian/libx-dev.install": "usr/include\nusr/lib/*/[c]*\nusr/lib/*/lib*.so\n",
-    "debian/x.install": "usr/bin\nusr/share/zsh/_x usr/share/elsewhere\n",
+    "debian/x.install": "usr/bin\nusr/lib/systemd\nusr/share/zsh/_x usr/share/elsewhere\n",
 }
-FILES = ["lib/libx.so.0", "lib/libx.so", "lib/cmake/X/XConfig.cmake", "include/x/a.h", "bin/x", "share/zsh/_x"]
+FILES = ["lib/libx.so.0", "lib/libx.so", "lib/cmake/X/XConfig.cmake", "include/x/a.h", "bin/x", "share/zsh/_x",
+         "lib/systemd/system/x.service"]
 
 WRONG = [
     ({"CHANGELOG.md": "# Changes\n\n## 1.1.0\n"}, [], "CHANGELOG.md begins with version 1.1.0, CMakeLists.txt with 1.2.0"),
     ({"debian/changelog": "x (1.2.1) unstable\n"}, [], "debian/changelog begins with version 1.2.1"),
     ({"packages.txt": "g++\nlibz-dev\ncmake # builds\n# Tests.\n"}, [], "Build-Depends lacks cmake"),
     ({"packages.txt": "g++\n# Tests.\nlibz-dev\n"}, [], "Build-Depends has libz-dev"),
+    ({}, ["lib/sysusers.d/x.conf"], "usr/lib/sysusers.d/x.conf: in 0 packages"),
     ({}, ["lib/little.a"], "usr/lib/a-triplet/little.a: in 0 packages"),
     ({}, ["share/man/man1/x.1"], "usr/share/man/man1/x.1: in 0 packages"),
-    ({"debian/x.install": "usr/bin\nusr/share/zsh\nusr/include\n"}, [], "usr/include/x/a.h: in 2 packages"),
-    ({"debian/x.install": "usr/bin\nusr/share/zsh\nusr/share/man\n"}, [], "debian/x.install: nothing that is installed matches usr/share/man"),
+    ({"debian/x.install": "usr/bin\nusr/lib/systemd\nusr/share/zsh\nusr/include\n"}, [], "usr/include/x/a.h: in 2 packages"),
+    ({"debian/x.install": "usr/bin\nusr/lib/systemd\nusr/share/zsh\nusr/share/man\n"}, [], "debian/x.install: nothing that is installed matches usr/share/man"),
 ]
 
 

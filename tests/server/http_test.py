@@ -74,6 +74,30 @@ class HttpTest(ServerCase):
             if status in (200, 405):
                 self.assertEqual(reply.headers["Allow"], "POST, M-POST, OPTIONS")
 
+    def test_a_long_reply_comes_in_chunks_and_compressed_where_that_is_taken(self):
+        mof = self.write("many.mof", "class T_One { [Key] string Name; };\n" + "".join(
+            f'instance of T_One {{ Name = "number {number}"; }};\n' for number in range(5000)))
+        server = self.serve("--no-live", "-m", mof)
+        plain = self.call(server, "EnumerateInstances", ClassName="T_One")
+        packed = self.call(server, "EnumerateInstances", ClassName="T_One", headers={"Accept-Encoding": "gzip"})
+        self.assertEqual(len(plain.items), 5000)
+        self.assertEqual((plain.headers["Transfer-Encoding"], plain.headers["Content-Encoding"]), ("chunked", None))
+        self.assertEqual((packed.headers["Content-Encoding"], packed.body), ("gzip", plain.body))
+        first, second = server.log(2)
+        self.assertEqual(first["bytes"], len(plain.body))
+        self.assertLess(second["bytes"], len(plain.body) / 3)
+
+    def test_a_reader_who_stops_is_left(self):
+        mof = self.write("many.mof", "class T_One { [Key] string Name; };\n" + "".join(
+            f'instance of T_One {{ Name = "number {number:0300}"; }};\n' for number in range(20000)))
+        server = self.serve("--no-live", "-m", mof, "--limit", "idle=1")
+        connection = self.raw(server)
+        body = request("EnumerateInstances", parameters={"ClassName": "T_One"})
+        connection.send(head_of("EnumerateInstances", len(body)) + body)
+        line, = server.log(1, patience=20)
+        self.assertTrue(line["cut"])
+        self.assertLess(line["ms"], 15000)
+
     def test_the_log_tells_of_each_request(self):
         server = self.serve_plant()
         self.call(server, "GetClass", ClassName="PLANT_Nothing")

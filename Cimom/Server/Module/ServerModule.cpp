@@ -6,9 +6,12 @@
 
 #include <utility>
 
+#include "Cimom/Server/AssociationOperations.h"
 #include "Cimom/Server/CimXmlService.h"
 #include "Cimom/Server/ClassOperations.h"
+#include "Cimom/Server/InstanceOperations.h"
 #include "Cimom/Server/ServerOperations.h"
+#include "Cimom/Server/StoredInstanceWriter.h"
 #include "Cimom/Server/UserFile.h"
 
 namespace {
@@ -19,12 +22,16 @@ class CimService : public HttpService {
   explicit CimService(const CimServiceOptions& options)
       : _model(options.model), _service(_operations, [this] { return _model->lease(); }) {
     addClassOperations(_operations);
+    addInstanceOperations(_operations, options.isWritable ? &_writer : nullptr);
+    addAssociationOperations(_operations);
   }
 
   HttpReply serve(const HttpRequest& request) override { return _service.serve(request); }
 
  private:
   const std::shared_ptr<ServerModel> _model;
+  ServerStore _store{""};  // in memory
+  StoredInstanceWriter _writer{_store, nullptr};
   ServerOperations _operations;
   CimXmlService _service;
 };
