@@ -80,6 +80,23 @@ class Servers(TwoServers):
         done = self.run_tool(*self.both, "SELECT OBJECTPATH(v) AS Path FROM V_Volume AS v WHERE v.Id = 'v1'")
         self.assert_done(done, 'PATH\n"//one/root/cimv2:V_Volume.Id=""v1"""\n"//two/root/cimv2:V_Volume.Id=""v1"""\n')
 
+    def test_every_command_tells_of_a_server_that_fails(self):
+        """And its status is 3; what is said of the others stands."""
+        new = self.write("new.mof", 'instance of V_Volume { Id = "n"; Size = 7; };\n')
+        filters = self.write("filters.txt", "SELECT Id FROM V_Volume WHERE Size > 5\n")
+        condition = "SELECT Id FROM V_Volume WHERE Size > 5"
+        self.fail_with(self.two, "500")
+        for command in (("classes",), ("class", "V_Volume"), ("describe", "V_Volume"), ("instances",),
+                        ("instances", "V_Volume"), ("get", 'V_Volume.Id="v1"'), ("contents",), ("contents", "V_Volume"),
+                        ("explain", condition), ("validate", condition), ("validate", "-f", filters),
+                        ("match", condition, new), ("match", "--filters", filters, new), ("query", condition)):
+            done = self.run_tool(command[0], *self.both[:4], *command[1:])
+            self.assertEqual(done.status, 3, command)
+            self.assertTrue(done.out, command)
+            self.assertRegex(done.err, r"(?m)^qorql: error: two: \w+ .*in root/cimv2: HTTP status 500; what follows from the "
+                                       r"other servers stands without this one$")
+            self.assertEqual(done.err.count("qorql: error: two: "), 1, command)
+
     def test_names_that_nobody_gave(self):
         done = self.run_tool("--server", self.one.url, "--server", self.two.url, "-o", "csv",
                              "SELECT __SERVER FROM V_Volume WHERE Size = 30")

@@ -172,7 +172,7 @@ int printContents(const ContentsOptions& options) {
     return reportStartFailure();
   }
   session.printNewWarnings();  // a class that is asked again after a failure warns once more
-  return status;
+  return session.settle(status);
 }
 
 }  // namespace

@@ -184,29 +184,33 @@ int matchMany(FilterSession& session, const MatchOptions& options) {
   return kExitDone;
 }
 
+int matchOne(FilterSession& session, const MatchOptions& options) {
+  const CheckedFilter filter = session.check(*options.asked.text);
+  if (!filter.reason.empty()) {
+    reportRefusal("the filter is not valid: " + filter.reason);
+    session.tellHint(filter);
+    hintAtSchema(filter.lacksClass, options);
+    return kExitRefused;
+  }
+  if (!session.passes(filter)) return kExitRefused;
+  const std::vector<Instances> files = readAll(session, options.files);
+  DecisionPrinter printer(options.output);
+  for (const Instances& instances : files) decide(*filter.statement, instances, options.isWhy, printer);
+  printer.finish();
+  return kExitDone;
+}
+
 int runMatch(const MatchOptions& options) {
   FilterSession session(options.filter);
   try {
     session.open();
-    if (options.asked.areMany()) return matchMany(session, options);
-    const CheckedFilter filter = session.check(*options.asked.text);
-    if (!filter.reason.empty()) {
-      reportRefusal("the filter is not valid: " + filter.reason);
-      session.tellHint(filter);
-      hintAtSchema(filter.lacksClass, options);
-      return kExitRefused;
-    }
-    if (!session.passes(filter)) return kExitRefused;
-    const std::vector<Instances> files = readAll(session, options.files);
-    DecisionPrinter printer(options.output);
-    for (const Instances& instances : files) decide(*filter.statement, instances, options.isWhy, printer);
-    printer.finish();
+    const int status = options.asked.areMany() ? matchMany(session, options) : matchOne(session, options);
+    return session.session().settle(status);
   } catch (const UnreadInstances& refusal) {
     return reportUnread(refusal, options.filter.session.isQuiet);
   } catch (...) {
     return reportStartFailure();
   }
-  return kExitDone;
 }
 
 }  // namespace

@@ -177,7 +177,7 @@ int runValidate(const ValidateOptions& options) {
   } else {
     validation.validateFile(readTextFile(options.file), options.file);
   }
-  return validation.finish();
+  return session.session().settle(validation.finish());
 }
 
 }  // namespace

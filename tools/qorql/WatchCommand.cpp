@@ -161,12 +161,12 @@ int runWatch(const WatchOptions& options) {
     session.open(Session::LeftOut::TellAtOnce);
     const bool areSound =
         options.asked.areMany() ? filters.readFile(options.asked.file) : filters.readOne(*options.asked.text);
-    if (!areSound) return kExitRefused;
+    if (!areSound) return session.session().settle(kExitRefused);
   } catch (...) {
     return reportStartFailure();
   }
   try {
-    return watchUntilTheEnd(options, session, filters);
+    return session.session().settle(watchUntilTheEnd(options, session, filters));
   } catch (...) {
     session.session().dropWarnings();
     std::cout.flush();
