@@ -63,6 +63,7 @@ struct RemoteLimits {
   long slowSeconds = 60;                                    // in which fewer come than at that speed
   std::uint64_t replyBytes = std::uint64_t{1} << 30;        // of one reply, uncompressed
   std::uint64_t enumerationBytes = std::uint64_t{1} << 32;  // of all replies to one enumeration, uncompressed
+  long totalSeconds = 0;                                    // of one exchange; 0: without end
 };
 
 // Bytes on the wire of one exchange, without those of TLS.
@@ -89,6 +90,7 @@ class RemoteExchange {
 struct RemotePost {
   std::vector<std::string> headers;  // "Name: value"
   std::string body;
+  bool isPlain = false;  // for those who understand neither compression nor several media types
 };
 
 // Keeps its connection from one exchange to the next. One thread and one exchange at a time.

@@ -25,7 +25,7 @@ class ServerModel {
 
   // The object manager, which stays the process's own as long as the pointer or a copy of it is held. Waits while
   // another one takes its place. One thread holds one lease at a time.
-  Manager lease();
+  virtual Manager lease();
 
   // Waits until no lease is held, calls `takeOver`, which throws nothing and makes the other one the process's object
   // manager, and gives leases of that from then on. New leases wait meanwhile. Returns false, with all as it was, when

@@ -9,11 +9,18 @@
 
 #include "Cimom/Server/HttpServer.h"
 #include "Cimom/Server/HttpService.h"
+#include "Cimom/Server/ServerEvents.h"
 #include "Cimom/Server/ServerModel.h"
 
 struct CimServiceOptions {
   std::shared_ptr<ServerModel> model;
+  std::shared_ptr<ServerEvents> events;  // null: nothing can be written, and nobody subscribes
   bool isWritable = false;
+};
+
+struct EventOptions {
+  std::string storeFile;  // empty: in memory
+  IndicationOptions indications;
 };
 
 // Any thread may call.
@@ -23,6 +30,10 @@ class ServerModule {
   virtual std::unique_ptr<HttpServer> startHttp(const HttpOptions& options, std::shared_ptr<HttpService> service) = 0;
   // Answers operations on the object manager.
   virtual std::shared_ptr<HttpService> makeCimService(const CimServiceOptions& options) = 0;
+  // THROWS QoriBaseException (type "CIM_Store") when the store cannot be used.
+  virtual std::shared_ptr<ServerEvents> makeEvents(const EventOptions& options) = 0;
+  // Takes indications that are sent. BORROWS the taker.
+  virtual std::shared_ptr<HttpService> makeListenService(IndicationTaker& taker) = 0;
   virtual std::shared_ptr<ServerModel> makeModel(ServerModel::Manager manager) = 0;
   // As UserFile.h says.
   virtual void setPassword(const std::string& file, const std::string& user, const std::string& password) = 0;

@@ -28,6 +28,7 @@ struct ServerOperations::State {
   const Operation& find(const CimXmlRequest& request) const;
 
   std::unordered_map<std::string, Operation> operations;
+  std::unordered_map<std::string, Operation> exports;
   Operation methods;
 };
 
@@ -36,6 +37,10 @@ ServerOperations::~ServerOperations() = default;
 
 void ServerOperations::add(const char* name, Operation operation) {
   _state->operations.insert_or_assign(name, std::move(operation));
+}
+
+void ServerOperations::addExport(const char* name, Operation operation) {
+  _state->exports.insert_or_assign(name, std::move(operation));
 }
 
 void ServerOperations::setMethods(Operation operation) { _state->methods = std::move(operation); }
@@ -56,8 +61,9 @@ const ServerOperations::Operation& ServerOperations::State::find(const CimXmlReq
     if (methods) return methods;
     throw CimStatusException(kMethodNotAvailable, "methods cannot be called here");
   }
-  const auto found = operations.find(request.operation);
-  if (found == operations.end() || request.kind == CimXmlRequest::Kind::Export) {
+  const auto& known = request.kind == CimXmlRequest::Kind::Export ? exports : operations;
+  const auto found = known.find(request.operation);
+  if (found == known.end()) {
     throw CimStatusException(kNotSupported, "there is no operation " + request.operation);
   }
   return found->second;

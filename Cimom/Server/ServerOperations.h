@@ -37,6 +37,8 @@ class ServerOperations {
 
   // An intrinsic operation, by its name in the standard's spelling.
   void add(const char* name, Operation operation);
+  // One of those who send indications.
+  void addExport(const char* name, Operation operation);
   // What answers the calls of methods; without it, all are refused with 16.
   void setMethods(Operation operation);
   // Answers a call of any kind; one that nobody has added with 7.

@@ -39,7 +39,7 @@ std::vector<ServerStore::Queued> ServerStore::queued(std::int64_t listener, std:
   return found;
 }
 
-void ServerStore::remove(std::int64_t listener, std::int64_t number, bool isDropped) {
+bool ServerStore::remove(std::int64_t listener, std::int64_t number, bool isDropped) {
   StoreTransaction transaction(_file, Lasting::Process);
   const int count =
       _file.run("DELETE FROM queued WHERE listener = ? AND number = ?").bind(listener).bind(number).finish();
@@ -47,28 +47,21 @@ void ServerStore::remove(std::int64_t listener, std::int64_t number, bool isDrop
     _file.run("UPDATE listener SET dropped = dropped + 1 WHERE id = ?").bind(listener).finish();
   }
   transaction.commit();
+  return count > 0;
 }
 
-int ServerStore::removeOf(const std::string& subscription) {
-  StoreTransaction transaction(_file, Lasting::Process);
-  _file
-      .run(
-          "UPDATE listener SET dropped = dropped +"
-          " (SELECT count(*) FROM queued WHERE listener = listener.id AND subscription = ?)")
-      .bind(subscription)
-      .finish();
-  const int count = _file.run("DELETE FROM queued WHERE subscription = ?").bind(subscription).finish();
-  transaction.commit();
+int ServerStore::Change::removeOf(std::int64_t listener, const std::string& subscription) {
+  const int count = _file.run("DELETE FROM queued WHERE listener = ? AND subscription = ?")
+                        .bind(listener)
+                        .bind(subscription)
+                        .finish();
+  _file.run("UPDATE listener SET dropped = dropped + ? WHERE id = ?").bind(count).bind(listener).finish();
   return count;
 }
 
-int ServerStore::forget(const std::string& path) {
-  StoreTransaction transaction(_file, Lasting::Process);
-  const int count =
-      _file.run("DELETE FROM queued WHERE listener = (SELECT id FROM listener WHERE path = ?)").bind(path).finish();
-  _file.run("DELETE FROM listener WHERE path = ?").bind(path).finish();
-  transaction.commit();
-  return count;
+void ServerStore::Change::forget(std::int64_t listener) {
+  _file.run("DELETE FROM queued WHERE listener = ?").bind(listener).finish();
+  _file.run("DELETE FROM listener WHERE id = ?").bind(listener).finish();
 }
 
 void ServerStore::Change::create(const Instance& instance) { put(instance, false); }

@@ -45,12 +45,8 @@ class ServerStore {
   Listener listener(const std::string& path, const std::string& context);
   // The indications that wait longest.
   std::vector<Queued> queued(std::int64_t listener, std::size_t most);
-  // Takes one out of the queue.
-  void remove(std::int64_t listener, std::int64_t number, bool isDropped);
-  // Takes out those of a subscription that is gone and says how many they were.
-  int removeOf(const std::string& subscription);
-  // Forgets a listener with its queue, and says how many indications were in it.
-  int forget(const std::string& path);
+  // Takes one out of the queue; false when it is not there any more.
+  bool remove(std::int64_t listener, std::int64_t number, bool isDropped);
 
   // Changes that are kept together, and survive a power failure once they are committed.
   class Change {
@@ -64,6 +60,10 @@ class ServerStore {
     void modify(const Instance& instance);
     // Keeps that an instance is gone, or nothing of one that a client had created.
     void remove(const Instance& instance);
+    // Takes those of a subscription out of the queue of its listener and says how many they were.
+    int removeOf(std::int64_t listener, const std::string& subscription);
+    // Forgets a listener with its queue.
+    void forget(std::int64_t listener);
     void queue(std::int64_t listener, const Queued& queued);
     // Sets what comes next, and adds to what was dropped.
     void count(std::int64_t listener, std::int64_t next, std::int64_t dropped);

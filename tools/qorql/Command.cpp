@@ -12,6 +12,7 @@
 #include "ExplainCommand.h"
 #include "GetCommand.h"
 #include "InstancesCommand.h"
+#include "ListenCommand.h"
 #include "MatchCommand.h"
 #include "PagesCommand.h"
 #include "PasswdCommand.h"
@@ -36,6 +37,7 @@ constexpr Command kCommands[] = {
     {"explain", "Say what a query will do, without running it", declareExplainCommand},
     {"serve", "Serve the object manager to clients over HTTP", declareServeCommand},
     {"passwd", "Give a user of a server a password", declarePasswdCommand},
+    {"listen", "Print the indications that servers send", declareListenCommand},
     {"pages", "Print the manual page or the completion for a shell", declarePagesCommand},
 };
 

@@ -4,7 +4,6 @@
 
 #include <iostream>
 
-#include "Cimom/Mof/MofLoader.h"
 #include "Cimom/Providers/IndicationSchema.h"
 #include "DisplayText.h"
 #include "ErrorReport.h"
@@ -40,15 +39,7 @@ FilterSession::FilterSession(const FilterOptions& options) : _options(options), 
 
 void FilterSession::open(Session::LeftOut leftOut) {
   _session.open(indicationSchemaMof(), leftOut);
-  IndicationSink sink(manager().sink());
-  try {
-    MofLoader(sink, nameSpace()).loadText(indicationSchemaMof(), "indications");
-  } catch (const QoriBaseException& error) {
-    const std::string_view message = error.getMessage().view();
-    if (_options.session.isQuiet) return;
-    std::cerr << "qorql: warning: Without indications, which do not fit the MOF files: "
-              << printableText(message.substr(0, message.find('\n'))) << '\n';
-  }
+  declareIndications(manager(), nameSpace(), _options.session.isQuiet);
 }
 
 CheckedFilter FilterSession::check(const std::string& text, QORuint32 firstLine, QORuint32 firstColumn) {

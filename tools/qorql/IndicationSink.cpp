@@ -2,6 +2,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "IndicationSink.h"
 
+#include <iostream>
+
+#include "Cimom/Mof/MofLoader.h"
+#include "Cimom/Providers/IndicationSchema.h"
+#include "DisplayText.h"
+
 namespace {
 
 std::string folded(const QORString& name) { return std::string(QORString::toUpperCase(name).view()); }
@@ -32,4 +38,16 @@ IndicationSink::Properties IndicationSink::lackingFrom(const QORString& nameSpac
     return describeProperty(nameSpace, looked, property.name, existing);
   });
   return common;
+}
+
+void declareIndications(EmbeddedObjectManager& manager, const QORString& nameSpace, bool isQuiet) {
+  IndicationSink sink(manager.sink());
+  try {
+    MofLoader(sink, nameSpace).loadText(indicationSchemaMof(), "indications");
+  } catch (const QoriBaseException& error) {
+    const std::string_view message = error.getMessage().view();
+    if (isQuiet) return;
+    std::cerr << "qorql: warning: Without indications, which do not fit the MOF files: "
+              << printableText(message.substr(0, message.find('\n'))) << '\n';
+  }
 }

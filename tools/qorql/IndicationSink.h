@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "Cimom/Providers/LinuxProviders.h"
 
 // A class that is declared already stays as it is. Properties of the common class
@@ -25,5 +26,8 @@ class IndicationSink : public LinuxSchemaSink {
 
   std::map<std::string, Properties> _lacking;  // by class, in upper case: common properties that it does not have
 };
+
+// Declares the common indications in a namespace, and warns where they do not fit it.
+void declareIndications(EmbeddedObjectManager& manager, const QORString& nameSpace, bool isQuiet);
 
 #endif

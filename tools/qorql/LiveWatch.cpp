@@ -80,6 +80,16 @@ void unite(CIMApi::PropertyNames& names, const CIMApi::PropertyNames& others) {
   }
 }
 
+// Of two lists without repetitions; null is all.
+bool areSame(const CIMApi::PropertyNames& a, const CIMApi::PropertyNames& b) {
+  if (a.IsNull() || b.IsNull()) return a.IsNull() && b.IsNull();
+  QORValSlistIterator<QORString> each(*b);
+  while (++each) {
+    if (!a->contains(each.key())) return false;
+  }
+  return a->entries() == b->entries();
+}
+
 std::chrono::microseconds sinceEpoch() {
   return std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::system_clock::now().time_since_epoch());
 }
@@ -99,7 +109,8 @@ IndicationOrigin thisMachine() {
 
 LiveWatch::LiveWatch(EmbeddedObjectManager& manager, const QORString& nameSpace)
     : _manager(manager), _nameSpace(nameSpace), _indications(manager, nameSpace, thisMachine()) {
-  for (const QORString& className : manager.liveClassNames(nameSpace)) _watched.push_back({className, false, {}, {}});
+  for (const QORString& className : manager.liveClassNames(nameSpace))
+    _watched.push_back({className, false, false, {}, {}});
 }
 
 std::string LiveWatch::add(const CQLQueryStatement& filter) {
@@ -125,6 +136,17 @@ std::string LiveWatch::add(const CQLQueryStatement& filter) {
   return hasClass ? "" : "no live class is of the class that the filter asks for: nothing will be printed";
 }
 
+void LiveWatch::continueFrom(const LiveWatch& before) {
+  for (Watched& watched : _watched) {
+    const auto known = std::find_if(before._watched.begin(), before._watched.end(), [&](const Watched& other) {
+      return other.className.isEqualCaseInsensitive(watched.className) && areSame(other.properties, watched.properties);
+    });
+    if (!watched.isAskedFor || known == before._watched.end()) continue;
+    watched.last = known->last;
+    watched.hasLast = true;
+  }
+}
+
 InstanceSnapshot LiveWatch::snapshotOf(const Watched& watched) const {
   CIMApi client;
   return {watched.className, client.enumerateInstances(_nameSpace, watched.className, watched.properties,
@@ -135,6 +157,7 @@ void LiveWatch::start(const Report& report) {
   std::erase_if(_watched, [](const Watched& watched) { return !watched.isAskedFor; });
   const bool isAlone = _watched.size() == 1;
   std::erase_if(_watched, [&](Watched& watched) {
+    if (watched.hasLast) return false;
     try {
       watched.last = snapshotOf(watched);
     } catch (const CQoriProviderException& failure) {

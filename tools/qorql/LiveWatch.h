@@ -26,7 +26,10 @@ class LiveWatch {
   // Watches for a valid filter too. Why no indication can come for it; empty when one can.
   std::string add(const CQLQueryStatement& filter);
 
-  // Reads the instances to which the next look is compared. A class without its
+  // Takes over what another one saw last, where both look at the same, so that no change is lost between the two.
+  void continueFrom(const LiveWatch& before);
+
+  // Reads the instances to which the next look is compared, unless they were taken over. A class without its
   // source on this machine is reported and no longer watched, unless it is the
   // only one. THROWS what a provider throws.
   void start(const Report& report);
@@ -38,6 +41,7 @@ class LiveWatch {
   struct Watched {
     QORString className;
     bool isAskedFor = false;
+    bool hasLast = false;
     CIMApi::PropertyNames properties;  // null: all
     InstanceSnapshot last;
   };

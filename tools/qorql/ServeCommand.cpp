@@ -11,8 +11,11 @@
 #include <stdexcept>
 #include <string>
 
+#include "Cimom/Providers/IndicationSchema.h"
 #include "ErrorReport.h"
 #include "ExitStatus.h"
+#include "IndicationSink.h"
+#include "LiveEvents.h"
 #include "OptionDeclarations.h"
 #include "ServeOptions.h"
 #include "ServerLibrary.h"
@@ -45,6 +48,7 @@ constexpr const char* kFooter =
     "  qorql serve\n"
     "  qorql serve --listen 127.0.0.1:0 --no-live -m examples/storage.mof";
 
+constexpr double kInterval = 5;
 constexpr std::chrono::seconds kPatience{10};
 constexpr std::chrono::seconds kLastPatience{5};
 
@@ -69,10 +73,17 @@ class ServerRun {
   explicit ServerRun(const ServeOptions& given) : _given(loggedAtOnce(given)), _library(serverLibrary()) {
     const ServeOptions options = withConfiguration(_given);
     _drainSeconds = static_cast<unsigned>(limitOf(options, "drain"));
+    if (options.isWritable || !options.storeFile.empty()) _events = makeEvents(options);
     const std::shared_ptr<Session> session = openSession(options);
     session->takeOver();
     _model = _library.makeModel(managerOf(session));
-    _server = _library.startHttp(httpOptionsOf(options), _library.makeCimService({_model, options.isWritable}));
+    if (_events != nullptr) _events->attach(managerOf(session));
+    _server =
+        _library.startHttp(httpOptionsOf(options), _library.makeCimService({_model, _events, options.isWritable}));
+    if (_events == nullptr) return;
+    const std::chrono::duration<double> interval(options.interval.value_or(kInterval));
+    _live = std::make_unique<LiveEvents>(*_model, *_events, QORString(options.session.nameSpace),
+                                         std::chrono::duration_cast<std::chrono::milliseconds>(interval));
   }
 
   void run() {
@@ -85,9 +96,21 @@ class ServerRun {
   }
 
  private:
-  static std::shared_ptr<Session> openSession(const ServeOptions& options) {
+  std::shared_ptr<ServerEvents> makeEvents(const ServeOptions& options) const {
+    EventOptions events;
+    events.storeFile = options.storeFile;
+    events.indications.origin = thisMachine();
+    events.indications.makeTransport = listenerTransports(options.listeners);
+    return _library.makeEvents(events);
+  }
+
+  // With the classes of indications where clients can subscribe to some.
+  std::shared_ptr<Session> openSession(const ServeOptions& options) const {
     auto session = std::make_shared<Session>(options.session, Session::Life::UntilReplaced);
-    session->open();
+    session->open(_events == nullptr ? nullptr : indicationSchemaMof());
+    if (_events == nullptr) return session;
+    declareIndications(session->manager(), QORString(options.session.nameSpace), options.session.isQuiet);
+    _events->prepare(session->manager());
     return session;
   }
 
@@ -108,7 +131,10 @@ class ServerRun {
     const std::shared_ptr<Session> session = openSession(options);
     _server->reload(httpOptionsOf(options).limits);
     _drainSeconds = static_cast<unsigned>(limitOf(options, "drain"));
-    const auto takeOver = [&session] { session->takeOver(); };
+    const auto takeOver = [&] {
+      session->takeOver();
+      if (_events != nullptr) _events->attach(managerOf(session));
+    };
     if (_model->replace(managerOf(session), takeOver, kPatience)) return;
     _server->interrupt();
     if (_model->replace(managerOf(session), takeOver, kLastPatience)) return;
@@ -119,8 +145,10 @@ class ServerRun {
   const ServeOptions _given;
   ServerModule& _library;
   unsigned _drainSeconds = 0;
+  std::shared_ptr<ServerEvents> _events;  // null where clients can write nothing
   std::shared_ptr<ServerModel> _model;
   std::unique_ptr<HttpServer> _server;
+  std::unique_ptr<LiveEvents> _live;
 };
 
 int run(const ServeOptions& options) {

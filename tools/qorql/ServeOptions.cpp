@@ -78,6 +78,13 @@ bool flagOf(const std::string& value) {
   throw std::runtime_error("'" + value + "' is not yes or no");
 }
 
+std::string checkInterval(const std::string& given) {
+  constexpr double kShortest = 0.01;
+  const double seconds = parseSeconds(given);
+  const bool isInRange = seconds >= kShortest && seconds <= static_cast<double>(kDay);
+  return isInRange ? "" : "'" + given + "' is not a number from 0.01 to 86400";
+}
+
 // What the keys of the section say, where the command line has not spoken.
 class Section {
  public:
@@ -95,11 +102,13 @@ class Section {
     if (key == "tls-key") return set(_given.certificate.keyFile, _out.certificate.keyFile, value);
     if (key == "users") return set(_given.usersFile, _out.usersFile, value);
     if (key == "store") return set(_given.storeFile, _out.storeFile, value);
+    if (key == "listener-ca") return set(_given.listeners.caFile, _out.listeners.caFile, value);
+    if (key == "interval") return takeInterval(value);
     if (key == "writable") return void(_out.isWritable = _given.isWritable || flagOf(value));
     if (key == "live") return void(_out.session.hasNoLiveClasses = _given.session.hasNoLiveClasses || !flagOf(value));
     throw std::runtime_error(
-        "there is no such key; there are listen, live, mof, namespace, server, store, tls-cert, "
-        "tls-key, users, writable, " +
+        "there is no such key; there are interval, listen, listener-ca, live, mof, namespace, server, store, "
+        "tls-cert, tls-key, users, writable, " +
         namesOfLimits());
   }
 
@@ -108,6 +117,11 @@ class Section {
     const std::string fault = faultOfLimit(key, value);
     if (!fault.empty()) throw std::runtime_error(fault);
     if (!_given.limits.contains(key)) _out.limits.insert_or_assign(key, numberOf(value));
+  }
+  void takeInterval(const std::string& value) {
+    const std::string fault = checkInterval(value);
+    if (!fault.empty()) throw std::runtime_error(fault);
+    if (!_given.interval) _out.interval = parseSeconds(value);
   }
   static void add(const std::vector<std::string>& given, std::vector<std::string>& out, const std::string& value) {
     if (given.empty()) out.push_back(value);
@@ -172,6 +186,20 @@ void declareServeOptions(CLI::App& app, ServeOptions& options) {
                      .take = keepIn(options.usersFile),
                      .check = checkFile});
   declareFlag(app, "--writable", options.isWritable, "Let clients create, modify and delete stored instances");
+  declareValue(app, {.names = "--store",
+                     .type = "FILE",
+                     .description = "Keep what clients write, and indications that wait, in this file",
+                     .take = keepIn(options.storeFile)});
+  declareValue(app, {.names = "--interval",
+                     .type = "SECONDS",
+                     .description = "Seconds between two looks at live classes for subscriptions (default: 5)",
+                     .take = [&options](const std::string& given) { options.interval = parseSeconds(given); },
+                     .check = checkInterval});
+  declareValue(app, {.names = "--listener-ca",
+                     .type = "FILE",
+                     .description = "Know listeners of https by these certificates (PEM), not by the system's",
+                     .take = keepIn(options.listeners.caFile),
+                     .check = checkFile});
   declareValue(app, {.names = "--limit",
                      .type = "NAME=NUMBER",
                      .description = "Set a limit, as in body=16M (repeatable)",

@@ -5,10 +5,12 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "Cimom/Server/HttpServer.h"
+#include "ListenerTransport.h"
 #include "SessionOptions.h"
 
 struct ServeOptions {
@@ -17,6 +19,8 @@ struct ServeOptions {
   HttpCertificate certificate;
   std::string usersFile;
   std::string storeFile;  // empty: what clients change ends with the server
+  ListenerTrust listeners;
+  std::optional<double> interval;  // seconds between two looks at live classes that subscriptions ask for
   bool isWritable = false;
   std::map<std::string, std::uint64_t> limits;  // those that are given, by their names
 };

@@ -62,7 +62,7 @@ class HttpExchange final : public RemoteExchange {
   HttpExchange(Connection& connection, RemotePost post) : _connection(connection), _post(std::move(post)) {
     for (const std::string& header : _post.headers) addHeader(header.c_str());
     addHeader("Content-Type: application/xml; charset=\"utf-8\"");
-    addHeader("Accept: application/xml, text/xml");
+    addHeader(_post.isPlain ? "Accept: application/xml" : "Accept: application/xml, text/xml");
     addHeader("Expect:");
     start();
   }
@@ -141,7 +141,8 @@ class HttpExchange final : public RemoteExchange {
     set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(_post.body.size()));
     set(CURLOPT_HTTPHEADER, _headers.get());
     set(CURLOPT_USERAGENT, "qorql");
-    set(CURLOPT_ACCEPT_ENCODING, "gzip, deflate");
+    if (!_post.isPlain) set(CURLOPT_ACCEPT_ENCODING, "gzip, deflate");
+    set(CURLOPT_TIMEOUT, _connection.limits.totalSeconds);
     set(CURLOPT_CONNECTTIMEOUT, _connection.limits.connectSeconds);
     set(CURLOPT_ERRORBUFFER, _error);
     set(CURLOPT_WRITEFUNCTION, &HttpExchange::receiveBytes);

@@ -9,9 +9,12 @@
 #include "Cimom/Server/AssociationOperations.h"
 #include "Cimom/Server/CimXmlService.h"
 #include "Cimom/Server/ClassOperations.h"
+#include "Cimom/Server/ExportMessages.h"
+#include "Cimom/Server/IndicationService.h"
 #include "Cimom/Server/InstanceOperations.h"
+#include "Cimom/Server/ListenService.h"
 #include "Cimom/Server/ServerOperations.h"
-#include "Cimom/Server/StoredInstanceWriter.h"
+#include "Cimom/Server/ServerStore.h"
 #include "Cimom/Server/UserFile.h"
 
 namespace {
@@ -20,20 +23,30 @@ namespace {
 class CimService : public HttpService {
  public:
   explicit CimService(const CimServiceOptions& options)
-      : _model(options.model), _service(_operations, [this] { return _model->lease(); }) {
+      : _model(options.model), _events(options.events), _service(_operations, [this] { return _model->lease(); }) {
+    const bool isWritable = _events != nullptr && options.isWritable;
     addClassOperations(_operations);
-    addInstanceOperations(_operations, options.isWritable ? &_writer : nullptr);
+    addInstanceOperations(_operations, isWritable ? &_events->writer() : nullptr);
     addAssociationOperations(_operations);
+    if (!isWritable) return;
+    _operations.addExport(kExportOperation, [this](const ServerCall& call) { return _events->takeExport(call); });
   }
 
   HttpReply serve(const HttpRequest& request) override { return _service.serve(request); }
 
  private:
   const std::shared_ptr<ServerModel> _model;
-  ServerStore _store{""};  // in memory
-  StoredInstanceWriter _writer{_store, nullptr};
+  const std::shared_ptr<ServerEvents> _events;
   ServerOperations _operations;
   CimXmlService _service;
+};
+
+// The store outlives what uses it.
+struct StoredEvents {
+  explicit StoredEvents(const EventOptions& options) : store(options.storeFile), service(store, options.indications) {}
+
+  ServerStore store;
+  IndicationService service;
 };
 
 class Module : public ServerModule {
@@ -43,6 +56,13 @@ class Module : public ServerModule {
   }
   std::shared_ptr<HttpService> makeCimService(const CimServiceOptions& options) override {
     return std::make_shared<CimService>(options);
+  }
+  std::shared_ptr<ServerEvents> makeEvents(const EventOptions& options) override {
+    const auto events = std::make_shared<StoredEvents>(options);
+    return {events, &events->service};
+  }
+  std::shared_ptr<HttpService> makeListenService(IndicationTaker& taker) override {
+    return std::make_shared<ListenService>(taker);
   }
   std::shared_ptr<ServerModel> makeModel(ServerModel::Manager manager) override {
     return std::make_shared<ServerModel>(std::move(manager));

@@ -1,0 +1,175 @@
+// The thread, and what counts as delivered.
+//
+// A reply that says that the listener's queue is full, and everything that is no
+// reply, is tried again. A listener that refuses an indication for another reason
+// would refuse it again.
+// SPDX-License-Identifier: Apache-2.0
+#include "Cimom/Server/IndicationListener.h"
+
+#include <exception>
+#include <utility>
+
+#include "Cimom/CimXml/CimXmlException.h"
+#include "Cimom/Server/ExportMessages.h"
+
+namespace {
+
+constexpr std::size_t kBatch = 64;
+constexpr QORuint32 kQueueFull = 1;
+constexpr std::chrono::milliseconds kAfterStoreFault{1000};
+
+}  // namespace
+
+IndicationListener::IndicationListener(ServerStore& store, const ExportTransportMaker& maker,
+                                       DeliveryObserver& observer, std::string handler, std::string url,
+                                       std::int64_t id)
+    : _store(store), _maker(maker), _observer(observer), _handler(std::move(handler)), _id(id), _url(std::move(url)) {}
+
+IndicationListener::~IndicationListener() {
+  stop();
+  if (_thread.joinable()) _thread.join();
+}
+
+void IndicationListener::wake(std::int64_t added) {
+  _waiting += added;
+  const std::lock_guard lock(_mutex);
+  _hasWork = true;
+  if (!_thread.joinable() && !_isStopped) _thread = std::thread([this] { run(); });
+  _changed.notify_all();
+}
+
+void IndicationListener::forget(std::int64_t removed) {
+  _waiting -= removed;
+  ++_changes;
+  const std::lock_guard lock(_mutex);
+  _changed.notify_all();
+}
+
+void IndicationListener::redirect(const std::string& url) {
+  ++_changes;
+  const std::lock_guard lock(_mutex);
+  _url = url;
+  _changed.notify_all();
+}
+
+void IndicationListener::stop() noexcept {
+  _isStopped = true;
+  const std::lock_guard lock(_mutex);
+  _changed.notify_all();
+}
+
+IndicationListener::Numbers IndicationListener::numbers() const {
+  const std::lock_guard lock(_mutex);
+  return _numbers;
+}
+
+void IndicationListener::run() {
+  while (waitForWork()) {
+    try {
+      deliverAll();
+    } catch (const std::exception& fault) {
+      // The store cannot be read or written at the moment: what waits stays there.
+      settle(Outcome::Failed, fault.what());
+      if (!pause(kAfterStoreFault)) return;
+      const std::lock_guard lock(_mutex);
+      _hasWork = true;
+    }
+  }
+}
+
+bool IndicationListener::waitForWork() {
+  std::unique_lock lock(_mutex);
+  _changed.wait(lock, [this] { return _hasWork || _isStopped; });
+  _hasWork = false;
+  return !_isStopped;
+}
+
+void IndicationListener::deliverAll() {
+  for (;;) {
+    const std::uint64_t changes = _changes;
+    const std::vector<ServerStore::Queued> waiting = _store.queued(_id, kBatch);
+    if (waiting.empty()) return;
+    for (const ServerStore::Queued& queued : waiting) {
+      if (_isStopped || _changes != changes) break;
+      if (!deliver(queued)) break;
+    }
+    if (_isStopped) return;
+  }
+}
+
+// False when it is no longer to be delivered, or not now.
+bool IndicationListener::deliver(const ServerStore::Queued& queued) {
+  for (unsigned failures = 0;; ++failures) {
+    if (failures > 0 && !isWaiting(queued)) return false;
+    const Outcome outcome = attempt(queued);
+    if (_isStopped && outcome == Outcome::Failed) return false;
+    const RetrySettings settings = _observer.retrySettings();
+    if (outcome != Outcome::Failed || failures >= settings.attempts) {
+      finish(queued, outcome);
+      return true;
+    }
+    if (!pause(settings.interval)) return false;
+  }
+}
+
+bool IndicationListener::isWaiting(const ServerStore::Queued& queued) {
+  const std::vector<ServerStore::Queued> first = _store.queued(_id, 1);
+  return !first.empty() && first.front().number == queued.number;
+}
+
+IndicationListener::Outcome IndicationListener::attempt(const ServerStore::Queued& queued) {
+  try {
+    const std::string id = std::to_string(++_messages);
+    readExportReply(reply(exportMessage(id, queued.document)), id);
+    return settle(Outcome::Taken, {});
+  } catch (const CimStatusException& refusal) {
+    const bool isFull = refusal.getCode() == kQueueFull;
+    return settle(isFull ? Outcome::Failed : Outcome::Refused, refusal.what());
+  } catch (const std::exception& fault) {
+    _transport.reset();
+    return settle(Outcome::Failed, fault.what());
+  }
+}
+
+IndicationListener::Outcome IndicationListener::settle(Outcome outcome, const std::string& error) {
+  const std::lock_guard lock(_mutex);
+  if (outcome == Outcome::Taken) {
+    ++_numbers.delivered;
+  } else if (!_isStopped) {
+    ++_numbers.failedAttempts;
+    _numbers.lastError = error;
+  }
+  return outcome;
+}
+
+std::string IndicationListener::reply(const std::string& message) {
+  std::string url;
+  {
+    const std::lock_guard lock(_mutex);
+    url = _url;
+  }
+  if (_transport == nullptr || url != _transportUrl) {
+    _transport = _maker(url, _isStopped);
+    _transportUrl = url;
+  }
+  return _transport->post(message);
+}
+
+// Out of the store only now: who ends before this delivers it again, with the same number.
+void IndicationListener::finish(const ServerStore::Queued& queued, Outcome outcome) {
+  if (_store.remove(_id, queued.number, outcome != Outcome::Taken)) --_waiting;
+  if (outcome == Outcome::Taken) return _observer.delivered(queued.subscription);
+  const std::string reason = numbers().lastError;
+  if (outcome == Outcome::Failed) return _observer.failed(_handler, queued.subscription, reason);
+  QORLog::log("Indications",
+              QORString(_handler + " refuses indication " + std::to_string(queued.number) + ": " + reason),
+              QoriTraceLog::kWarning, QoriTraceLog::kNormal, 0, QORLog::CIMOMLOG);
+}
+
+// False when it is to stop.
+bool IndicationListener::pause(std::chrono::milliseconds time) {
+  std::unique_lock lock(_mutex);
+  const std::uint64_t changes = _changes;
+  _changed.wait_for(lock, time, [&] { return _isStopped || _changes != changes; });
+  return !_isStopped;
+}

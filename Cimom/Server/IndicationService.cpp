@@ -1,0 +1,69 @@
+// The face of the service, and the operation by which clients send indications.
+// SPDX-License-Identifier: Apache-2.0
+#include "Cimom/Server/IndicationService.h"
+
+#include <utility>
+
+#include "Cimom/CimXml/CimXmlException.h"
+#include "Cimom/Server/ExportMessages.h"
+#include "Cimom/Server/IndicationState.h"
+#include "Cimom/Server/ServerClasses.h"
+#include "Cimom/Server/WrittenInstance.h"
+
+namespace {
+
+constexpr QORuint32 kInvalidParameter = 4;
+
+void addUnlessThere(std::vector<CimInstanceProperty>& properties, const char* name,
+                    const QORSmrPtr<IQoriValue>& value) {
+  for (const CimInstanceProperty& each : properties) {
+    if (each.name.isEqualCaseInsensitive(name)) return;
+  }
+  properties.push_back({name, value});
+}
+
+// THROWS CimStatusException: 4 for what is no indication, 5 for a class that is not there, and as writtenProperties().
+QORSmrPtr<IQoriObject> indicationOf(const ServerCall& call, const QORString& nameSpace,
+                                    const IndicationOrigin& origin) {
+  const CimXmlInstance* const given = call.request.instance("NewIndication");
+  if (given == nullptr) throw CimStatusException(kInvalidParameter, "the parameter NewIndication is missing");
+  call.note.subject = given->className.view();
+  const ServerClasses space(*call.manager, nameSpace);
+  const ServerClasses::Class handle = space.require(given->className);
+  if (!space.isA(given->className, "CIM_Indication")) {
+    throw CimStatusException(kInvalidParameter, std::string(given->className.view()) + " is no class of indications");
+  }
+  CimInstanceDeclaration declaration;
+  declaration.className = given->className;
+  declaration.properties = writtenProperties(*call.manager, space, ServerClasses::modelOf(handle), *given);
+  addUnlessThere(declaration.properties, "IndicationTime", origin.now());
+  return call.manager->sink().makeObject(nameSpace, declaration);
+}
+
+}  // namespace
+
+IndicationService::IndicationService(ServerStore& store, IndicationOptions options)
+    : _state(std::make_shared<State>(store, std::move(options))) {}
+
+IndicationService::~IndicationService() { _state->stop(); }
+
+void IndicationService::prepare(EmbeddedObjectManager& manager) { _state->prepare(manager); }
+
+void IndicationService::attach(const std::shared_ptr<EmbeddedObjectManager>& manager) { _state->attach(manager); }
+
+InstanceWriter& IndicationService::writer() noexcept { return _state->writer(); }
+
+void IndicationService::publish(const std::vector<QORSmrPtr<IQoriObject>>& indications, const QORString& nameSpace) {
+  _state->publish(indications, nameSpace);
+}
+
+std::unique_ptr<ServerReply> IndicationService::takeExport(const ServerCall& call) {
+  const QORString nameSpace =
+      call.request.nameSpace.isEmpty() ? QORString(EmbeddedObjectManager::kDefaultNamespace) : call.request.nameSpace;
+  _state->publish({indicationOf(call, nameSpace, _state->origin())}, nameSpace);
+  return std::make_unique<WholeReply>(exportResponse(call.request.messageId));
+}
+
+std::vector<FilterStatement> IndicationService::filters() const { return _state->filters(); }
+
+QORuint64 IndicationService::filtersVersion() const noexcept { return _state->filtersVersion(); }

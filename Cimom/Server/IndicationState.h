@@ -1,0 +1,115 @@
+// What the service of indications is made of.
+// Tested by tests/unit/Server/IndicationServiceTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
+#ifndef QORQL_SERVER_INDICATIONSTATE_H
+#define QORQL_SERVER_INDICATIONSTATE_H
+
+#include <atomic>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "Cimom/Server/IndicationListener.h"
+#include "Cimom/Server/IndicationService.h"
+#include "Cimom/Server/QueueProvider.h"
+#include "Cimom/Server/ServiceJanitor.h"
+#include "Cimom/Server/StoredInstanceWriter.h"
+#include "Cimom/Server/SubscriptionTable.h"
+
+// Locks are taken in this order: the writer's, the table's (_mutex), the store's. The threads of listeners take the
+// table's lock without holding another.
+class IndicationService::State final : public WriteObserver,
+                                       public DeliveryObserver,
+                                       public std::enable_shared_from_this<State> {
+ public:
+  State(ServerStore& store, IndicationOptions options);
+  State(const State&) = delete;
+  State& operator=(const State&) = delete;
+  ~State() override;
+
+  // As the service's destructor.
+  void stop() noexcept;
+  const IndicationOrigin& origin() const noexcept { return _options.origin; }
+  void prepare(EmbeddedObjectManager& manager);
+  void attach(const std::shared_ptr<EmbeddedObjectManager>& manager);
+  StoredInstanceWriter& writer() noexcept { return _writer; }
+  void publish(const std::vector<QORSmrPtr<IQoriObject>>& indications, const QORString& nameSpace);
+  std::vector<FilterStatement> filters() const;
+  QORuint64 filtersVersion() const noexcept { return _filtersVersion; }
+
+  void beforeCreate(EmbeddedObjectManager& manager, const QORString& nameSpace,
+                    CimInstanceDeclaration& declaration) override;
+  void beforeModify(EmbeddedObjectManager& manager, const IQoriObject& before,
+                    const std::vector<CimInstanceProperty>& properties) override;
+  void beforeRemove(EmbeddedObjectManager& manager, const IQoriObject& before) override;
+  void change(EmbeddedObjectManager& manager, const InstanceChange& change,
+              const std::function<void(ServerStore::Change&)>& write) override;
+
+  RetrySettings retrySettings() const noexcept override;
+  void delivered(const std::string& subscription) noexcept override;
+  void failed(const std::string& handler, const std::string& subscription, const std::string& reason) noexcept override;
+
+  std::vector<QueueRow> queueRows();
+
+ private:
+  using Object = QORSmrPtr<IQoriObject>;
+  using Time = std::chrono::steady_clock::time_point;
+
+  // A listener, and where its sequence is.
+  struct Channel {
+    std::unique_ptr<IndicationListener> listener;
+    std::string context;
+    std::int64_t next = 0;
+    std::int64_t dropped = 0;  // since it was told last
+  };
+  // What a change of the store does to the sequences once it is committed.
+  struct Advance {
+    std::int64_t next = 0;
+    std::int64_t queued = 0;
+    std::int64_t dropped = 0;
+  };
+  using Advances = std::map<Channel*, Advance>;
+
+  void queue(ServerStore::Change& kept, const Object& indication, const QORString& nameSpace, Advances& advances);
+  static void keep(ServerStore::Change& kept, const Advances& advances);
+  void settle(const Advances& advances);
+  Object indicationOf(EmbeddedObjectManager& manager, const InstanceChange& change);
+  void apply(const InstanceChange& change);
+  void applyRemoval(const IQoriObject& before);
+  void applyObject(const IQoriObject& after);
+  void open(const ListenerDestination& destination);
+  void retire(const std::string& handler);
+  // What goes with a change of a subscription or a listener.
+  struct Discarded {
+    Channel* channel = nullptr;
+    std::int64_t count = 0;
+  };
+  Discarded keepQueues(ServerStore::Change& kept, const InstanceChange& change);
+  void readService(const IQoriObject& service);
+  void createService(EmbeddedObjectManager& manager) const;
+  void act(const Subscription& subscription, bool isTransient);
+  void removeAll(EmbeddedObjectManager& manager, const std::string& handler);
+
+  ServerStore& _store;
+  const IndicationOptions _options;
+  StoredInstanceWriter _writer;
+  std::atomic<unsigned> _retryAttempts{3};
+  std::atomic<unsigned> _retryInterval{20};
+  std::atomic<QORuint64> _filtersVersion{1};
+  std::atomic<std::size_t> _failingCount{0};
+  std::atomic<QORuint64> _contexts{0};
+
+  std::mutex _managerMutex;  // the janitor's jobs and attach() take turns
+  std::shared_ptr<EmbeddedObjectManager> _manager;
+
+  mutable std::mutex _mutex;  // guards what follows
+  SubscriptionTable _table;
+  std::map<std::string, Channel> _channels;                          // by the handler's path
+  std::map<std::string, Time> _failing;                              // subscriptions, and since when
+  std::map<std::string, std::unique_ptr<Indications>> _indications;  // by namespace, of the object manager
+  ServiceJanitor _janitor;
+};
+
+#endif

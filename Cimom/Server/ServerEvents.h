@@ -1,0 +1,69 @@
+// Subscriptions and indications, as a program that serves sees them.
+// Tested by tests/unit/Server/IndicationServiceTest.cpp, tests/unit/Server/ListenServiceTest.cpp.
+// SPDX-License-Identifier: Apache-2.0
+#ifndef QORQL_SERVER_SERVEREVENTS_H
+#define QORQL_SERVER_SERVEREVENTS_H
+
+#include <chrono>
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Cimom/CimXml/CimXmlInstance.h"
+#include "Cimom/Embedded/EmbeddedObjectManager.h"
+#include "Cimom/Embedded/Indications.h"
+#include "Cimom/Server/ExportTransport.h"
+#include "Cimom/Server/InstanceWriter.h"
+#include "Cimom/Server/ServerOperations.h"
+#include "qorql.h"
+
+struct IndicationOptions {
+  IndicationOrigin origin;
+  ExportTransportMaker makeTransport;
+  std::size_t queueLimit = 20000;                // indications that wait for one listener
+  std::size_t listenerLimit = 1000;              // there can be so many
+  std::chrono::milliseconds intervalUnit{1000};  // of DeliveryRetryInterval; tests have less time
+};
+
+// Clients write through its writer. Any thread may call.
+class ServerEvents {
+ public:
+  // One statement of a filter, for one of its source namespaces.
+  using Filter = CQLFilterSet::Statement;
+
+  // Ends deliveries within moments; what waits stays in the store.
+  virtual ~ServerEvents() = default;
+
+  // Declares the classes of subscriptions in an object manager that nobody else uses yet. THROWS QoriBaseException.
+  virtual void prepare(EmbeddedObjectManager& manager) = 0;
+  // Puts what clients wrote over what a prepared object manager has, which is the process's own by now, and serves the
+  // subscriptions that it has then. What does not fit is logged. Throws nothing but std::bad_alloc.
+  virtual void attach(const std::shared_ptr<EmbeddedObjectManager>& manager) = 0;
+
+  virtual InstanceWriter& writer() noexcept = 0;
+
+  // Puts indications of a namespace into the queues of the listeners that have asked for them. When it returns they
+  // survive the process. THROWS CimStatusException, status 1, when the store fails; then none is in any queue.
+  virtual void publish(const std::vector<QORSmrPtr<IQoriObject>>& indications, const QORString& nameSpace) = 0;
+  // The same for an indication that a client sends: an operation of a server. An empty namespace in the call stands for
+  // the default one.
+  virtual std::unique_ptr<ServerReply> takeExport(const ServerCall& call) = 0;
+
+  // The filters of enabled subscriptions.
+  virtual std::vector<Filter> filters() const = 0;
+  // Another number after each change of them.
+  virtual QORuint64 filtersVersion() const noexcept = 0;
+};
+
+// Somebody who is sent indications. Called by many threads at once.
+class IndicationTaker {
+ public:
+  virtual ~IndicationTaker() = default;
+  // The sender gets its reply when this returns. THROWS CimStatusException to refuse it: 1 when there is no room now.
+  virtual void take(const CimXmlInstance& indication, const ServerClient& sender) = 0;
+  // A request was refused.
+  virtual void complain(const ServerClient& sender, const std::string& reason) = 0;
+};
+
+#endif

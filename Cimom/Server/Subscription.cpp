@@ -1,0 +1,154 @@
+// Reads the instances, and refuses what the rules forbid.
+// SPDX-License-Identifier: Apache-2.0
+#include "Cimom/Server/Subscription.h"
+
+#include "Cimom/CimXml/CimXmlException.h"
+#include "Cimom/Server/IndicationClasses.h"
+
+namespace {
+
+constexpr QORuint32 kInvalidParameter = 4;
+constexpr QORuint32 kNoSuchLanguage = 14;
+constexpr QORuint32 kInvalidQuery = 15;
+
+std::string pathOf(const IQoriObject& object) {
+  std::string path;
+  object.appendPath(path);
+  return path;
+}
+
+[[noreturn]] void refuseValue(const std::string& message) { throw CimStatusException(kInvalidParameter, message); }
+
+std::string textOf(const IQoriObject& object, const char* property) {
+  const QORSmrPtr<IQoriValue> value(valueOf(object, property));
+  return value.IsNull() ? "" : value->toString().c_str();
+}
+
+QORuint64 numberOf(const IQoriObject& object, const char* property, QORuint64 otherwise) {
+  const QORSmrPtr<IQoriValue> value(valueOf(object, property));
+  return value.IsNull() ? otherwise : value->getUint64();
+}
+
+// A number from a range, which a message names.
+QORuint64 choiceOf(const IQoriObject& object, const char* property, QORuint64 least, QORuint64 greatest) {
+  const QORuint64 value = numberOf(object, property, least);
+  if (value < least || value > greatest) {
+    refuseValue(std::string(property) + " is " + std::to_string(value) + ", and here it can be " +
+                std::to_string(least) + " to " + std::to_string(greatest));
+  }
+  return value;
+}
+
+std::vector<QORString> sourceSpaces(const IQoriObject& object) {
+  std::vector<QORString> names;
+  const QORSmrPtr<IQoriValue> listed(valueOf(object, "SourceNamespaces"));
+  if (!listed.IsNull()) {
+    const QORSmrPtr<IQoriValue::List> elements(listed->getArray());
+    QORValSlistIterator<QORSmrPtr<IQoriValue>> each(*elements);
+    while (++each) {
+      if (!each.key().IsNull()) names.push_back(each.key()->toString());
+    }
+  }
+  const std::string single = textOf(object, "SourceNamespace");
+  if (names.empty()) names.emplace_back(single.empty() ? EmbeddedObjectManager::kDefaultNamespace : single.c_str());
+  return names;
+}
+
+// The engine has one name for the language that clients call by several.
+QORString languageOf(const IQoriObject& object) {
+  const std::string language = textOf(object, "QueryLanguage");
+  return QORString(language.empty() || language == "CIM:CQL" ? "DMTF:CQL" : language);
+}
+
+FilterStatement statementOf(const QORString& language, const QORString& query, const QORString& nameSpace) {
+  const FilterStatement statement(new CQLQueryStatement(language, query, kSubscriptionSpace, nameSpace));
+  switch (statement->validate()) {
+    case QUERY_UNSUPPORTED_LANGUAGE:
+      throw CimStatusException(kNoSuchLanguage, "the query language " + std::string(language.view()) +
+                                                    " is not known: give DMTF:CQL, CIM:CQL, CQL or WQL");
+    case QUERY_INVALID_QUERY:
+      throw CimStatusException(kInvalidQuery, std::string(statement->getFault().message.view()) + " (namespace " +
+                                                  std::string(nameSpace.view()) + ")");
+    default:
+      return statement;
+  }
+}
+
+std::string referred(const IQoriObject& object, const char* property) {
+  const QORSmrPtr<IQoriValue> value(valueOf(object, property));
+  if (value.IsNull() || value->getReference().IsNull()) refuseValue(std::string(property) + " is missing");
+  return value->getReference()->toString().c_str();
+}
+
+bool isUrl(const std::string& text) {
+  for (const std::string_view scheme : {"http://", "https://"}) {
+    if (QORString::equalIgnoringCase(std::string_view(text).substr(0, scheme.size()), scheme)) {
+      return text.size() > scheme.size() && text.find_first_of(" \t\r\n") == std::string::npos;
+    }
+  }
+  return false;
+}
+
+RepeatRule readRepeat(const IQoriObject& object) {
+  RepeatRule rule;
+  rule.policy = static_cast<RepeatRule::Policy>(choiceOf(object, "RepeatNotificationPolicy", 2, 4));
+  rule.count = numberOf(object, "RepeatNotificationCount", 0);
+  rule.interval = std::chrono::seconds(numberOf(object, "RepeatNotificationInterval", 0));
+  rule.gap = std::chrono::seconds(numberOf(object, "RepeatNotificationGap", 0));
+  if (rule.policy == RepeatRule::Policy::None) return rule;
+  if (rule.interval.count() == 0) refuseValue("RepeatNotificationPolicy needs a RepeatNotificationInterval");
+  if (valueOf(object, "RepeatNotificationCount").IsNull()) {
+    refuseValue("RepeatNotificationPolicy needs a RepeatNotificationCount");
+  }
+  return rule;
+}
+
+}  // namespace
+
+QORSmrPtr<IQoriValue> valueOf(const IQoriObject& object, const char* property) {
+  const QORSmrPtr<IQoriProperty> found(object.getProperty(property, true));
+  return found.IsNull() ? QORSmrPtr<IQoriValue>() : found->getValue();
+}
+
+SubscriptionFilter readFilter(const IQoriObject& object) {
+  SubscriptionFilter filter;
+  filter.path = pathOf(object);
+  filter.name = QORString(textOf(object, "Name"));
+  const QORString query(textOf(object, "Query"));
+  if (query.isEmpty()) refuseValue("a filter needs a Query");
+  const QORString language = languageOf(object);
+  for (const QORString& nameSpace : sourceSpaces(object)) {
+    filter.statements.push_back(statementOf(language, query, nameSpace));
+  }
+  return filter;
+}
+
+ListenerDestination readDestination(const IQoriObject& object) {
+  ListenerDestination destination;
+  destination.path = pathOf(object);
+  destination.name = object.getInstanceName();
+  destination.url = textOf(object, "Destination");
+  if (!isUrl(destination.url)) {
+    refuseValue("Destination is \"" + destination.url + "\", and has to be a URL of http or https");
+  }
+  constexpr QORuint64 kTransient = 3;
+  destination.isTransient = choiceOf(object, "PersistenceType", 2, kTransient) == kTransient;
+  return destination;
+}
+
+Subscription readSubscription(const IQoriObject& object) {
+  constexpr QORuint64 kDisabled = 4;
+  Subscription subscription;
+  subscription.path = pathOf(object);
+  subscription.name = object.getInstanceName();
+  subscription.filter = referred(object, "Filter");
+  subscription.handler = referred(object, "Handler");
+  subscription.isEnabled = choiceOf(object, "SubscriptionState", 2, kDisabled) != kDisabled;
+  subscription.onFailure = static_cast<Subscription::OnFailure>(choiceOf(object, "OnFatalErrorPolicy", 2, 4));
+  subscription.failureInterval = std::chrono::seconds(numberOf(object, "FailureTriggerTimeInterval", 0));
+  if (!valueOf(object, "SubscriptionDuration").IsNull()) {
+    refuseValue("SubscriptionDuration is not supported: a subscription lasts until it is deleted");
+  }
+  subscription.repeat = readRepeat(object);
+  return subscription;
+}

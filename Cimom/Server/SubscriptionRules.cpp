@@ -1,0 +1,107 @@
+// Completes and checks them before anything is written.
+// SPDX-License-Identifier: Apache-2.0
+#include "Cimom/Server/SubscriptionRules.h"
+
+#include <algorithm>
+#include <atomic>
+
+#include "Cimom/CimXml/CimXmlException.h"
+#include "Cimom/Server/IndicationClasses.h"
+#include "cimom/CQoriValue.h"
+
+namespace {
+
+constexpr QORuint32 kFailed = 1;
+constexpr QORuint32 kInvalidParameter = 4;
+
+bool isOf(const QORString& className, const char* name) { return className.isEqualCaseInsensitive(name); }
+
+CimInstanceProperty* findProperty(CimInstanceDeclaration& declaration, const char* name) {
+  const auto found = std::find_if(declaration.properties.begin(), declaration.properties.end(),
+                                  [&](const CimInstanceProperty& each) { return isOf(each.name, name); });
+  return found == declaration.properties.end() ? nullptr : &*found;
+}
+
+// A name that no other one has: the series is of this process alone.
+QORString newName(const IndicationOrigin& origin) {
+  static std::atomic<QORuint64> count{0};
+  return QORString(origin.series + "name-" + std::to_string(++count));
+}
+
+std::string pathOf(const IQoriObject& object) {
+  std::string path;
+  object.appendPath(path);
+  return path;
+}
+
+}  // namespace
+
+bool isSubscriptionClass(const QORString& nameSpace, const QORString& className) {
+  return isOf(nameSpace, kSubscriptionSpace) &&
+         (isOf(className, kFilterClass) || isOf(className, kHandlerClass) || isOf(className, kSubscriptionClass));
+}
+
+void SubscriptionRules::fill(CimInstanceDeclaration& declaration, const char* property, const QORString& value) const {
+  CimInstanceProperty* const given = findProperty(declaration, property);
+  const QORSmrPtr<IQoriValue> text(new CQoriValue(value));
+  if (given == nullptr) {
+    declaration.properties.push_back({property, text});
+  } else if (given->value.IsNull() || given->value->toString().isEmpty()) {
+    given->value = text;
+  }
+}
+
+void SubscriptionRules::complete(CimInstanceDeclaration& declaration) const {
+  if (!isOf(declaration.className, kSubscriptionClass)) {
+    fill(declaration, "SystemCreationClassName", "CIM_ComputerSystem");
+    fill(declaration, "SystemName", QORString(_origin.host));
+    fill(declaration, "CreationClassName", declaration.className);
+    fill(declaration, "Name", newName(_origin));
+    const QORString given(findProperty(declaration, "CreationClassName")->value->toString());
+    if (!given.isEqualCaseInsensitive(declaration.className)) {
+      throw CimStatusException(kInvalidParameter, "CreationClassName is \"" + std::string(given.view()) +
+                                                      "\", and the class is " +
+                                                      std::string(declaration.className.view()));
+    }
+  } else if (findProperty(declaration, "SubscriptionStartTime") == nullptr) {
+    declaration.properties.push_back({"SubscriptionStartTime", _origin.now()});
+  }
+  checkObject(*_manager.sink().makeObject(kSubscriptionSpace, declaration));
+}
+
+void SubscriptionRules::checkObject(const IQoriObject& object) const {
+  const QORString& className = object.getClassName();
+  if (isOf(className, kFilterClass)) {
+    readFilter(object);
+  } else if (isOf(className, kHandlerClass)) {
+    readDestination(object);
+  } else {
+    const Subscription subscription = readSubscription(object);
+    if (!_table.hasFilter(subscription.filter)) {
+      throw CimStatusException(kInvalidParameter, "there is no filter " + subscription.filter);
+    }
+    if (_table.findHandler(subscription.handler) == nullptr) {
+      throw CimStatusException(kInvalidParameter, "there is no listener destination " + subscription.handler);
+    }
+  }
+}
+
+void SubscriptionRules::check(const IQoriObject& before, const std::vector<CimInstanceProperty>& properties) const {
+  CimInstanceDeclaration declaration;
+  declaration.className = before.getClassName();
+  for (QORuint32 i = 0; i < before.getPropertyCount(); ++i) {
+    const QORSmrPtr<IQoriProperty> property(before.getPropertyAt(i));
+    declaration.properties.push_back({property->getName(), property->getValue()});
+  }
+  for (const CimInstanceProperty& changed : properties) {
+    CimInstanceProperty* const given = findProperty(declaration, changed.name.c_str());
+    if (given != nullptr) given->value = changed.value;
+  }
+  checkObject(*_manager.sink().makeObject(kSubscriptionSpace, declaration));
+}
+
+void SubscriptionRules::checkRemoval(const IQoriObject& before) const {
+  const Subscription* const referring = _table.firstReferring(pathOf(before));
+  if (referring == nullptr) return;
+  throw CimStatusException(kFailed, "the subscription " + referring->path + " refers to it: delete that first");
+}

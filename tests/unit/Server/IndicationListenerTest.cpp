@@ -1,0 +1,127 @@
+// What counts as delivered, with listeners as they are met.
+// SPDX-License-Identifier: Apache-2.0
+#include "Cimom/Server/IndicationListener.h"
+#include "PlayedListeners.h"
+
+namespace {
+
+using servertest::comesTrue;
+using servertest::PlayedListeners;
+using ::testing::ElementsAre;
+
+constexpr const char* kUrl = "http://a";
+
+// One listener with indications in its queue, and what is heard of them.
+class Delivery final : public DeliveryObserver {
+ public:
+  explicit Delivery(PlayedListeners::Answer answer, unsigned attempts = 2)
+      : _attempts(attempts), _maker(_listeners.maker()) {
+    _listeners.answer(kUrl, std::move(answer));
+    _state = store.listener("handler", "context");
+    ServerStore::Change change(store);
+    for (int i = 0; i < 2; ++i) change.queue(_state.id, {i, "subscription", "<INSTANCE CLASSNAME=\"A\"/>"});
+    change.commit();
+    _listener = std::make_unique<IndicationListener>(store, _maker, *this, "handler", kUrl, _state.id);
+    _listener->wake(2);
+  }
+  RetrySettings retrySettings() const noexcept override { return {_attempts, std::chrono::milliseconds(1)}; }
+  void delivered(const std::string&) noexcept override { ++taken; }
+  void failed(const std::string&, const std::string&, const std::string&) noexcept override { ++lost; }
+
+  // Once the queue is empty.
+  std::string outcome() {
+    if (!comesTrue([this] { return _listener->waiting() == 0; })) return "waits for ever";
+    _listener.reset();
+    return std::to_string(taken) + " taken, " + std::to_string(lost) + " lost, " +
+           std::to_string(_listeners.messages(kUrl, 0).size()) + " messages";
+  }
+  IndicationListener& listener() { return *_listener; }
+  void end() { _listener.reset(); }
+
+  ServerStore store{""};
+  std::atomic<int> taken{0};
+  std::atomic<int> lost{0};
+
+ private:
+  const unsigned _attempts;
+  PlayedListeners _listeners;
+  const ExportTransportMaker _maker;
+  ServerStore::Listener _state;
+  std::unique_ptr<IndicationListener> _listener;
+};
+
+// Answers the first so many messages in one way, and takes the others.
+PlayedListeners::Answer first(int count, PlayedListeners::Answer answer) {
+  return
+      [count, answer, seen = std::make_shared<std::atomic<int>>(0)](const std::string& message, const std::string& id) {
+        return ++*seen <= count ? answer(message, id) : PlayedListeners::take(message, id);
+      };
+}
+
+std::string brokenConnection(const std::string& /*message*/, const std::string& /*id*/) {
+  throw std::runtime_error("Connection refused");
+}
+
+std::string fullQueue(const std::string& /*message*/, const std::string& id) {
+  return exportRefusal(id, 1, "queue full");
+}
+
+TEST(IndicationListener, TakesOneAfterTheOther) {
+  EXPECT_EQ(Delivery(PlayedListeners::take).outcome(), "2 taken, 0 lost, 2 messages");
+}
+
+TEST(IndicationListener, TriesAgainAfterABrokenConnection) {
+  EXPECT_EQ(Delivery(first(2, brokenConnection)).outcome(), "2 taken, 0 lost, 4 messages");
+}
+
+TEST(IndicationListener, TriesAgainWhenTheQueueOfTheListenerIsFull) {
+  EXPECT_EQ(Delivery(first(1, fullQueue)).outcome(), "2 taken, 0 lost, 3 messages");
+}
+
+TEST(IndicationListener, GivesUpAfterTheLastAttempt) {
+  EXPECT_EQ(Delivery(first(3, brokenConnection)).outcome(), "1 taken, 1 lost, 4 messages");
+  EXPECT_EQ(Delivery(first(1, brokenConnection), 0).outcome(), "1 taken, 1 lost, 2 messages");
+}
+
+TEST(IndicationListener, DoesNotRepeatWhatTheListenerRefuses) {
+  Delivery delivery(first(1, [](const std::string&, const std::string& id) { return exportRefusal(id, 4, "no"); }));
+  EXPECT_EQ(delivery.outcome(), "1 taken, 0 lost, 2 messages");
+  EXPECT_EQ(delivery.store.listener("handler", "").dropped, 1);
+}
+
+TEST(IndicationListener, RepliesThatAreNoneAreFailures) {
+  const char* const kReplies[] = {"", "<html>hello</html>",
+                                  "<?xml version=\"1.0\"?><CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\">", "\x01\xFF"};
+  for (const char* reply : kReplies) {
+    const auto garbage = [reply](const std::string&, const std::string&) { return std::string(reply); };
+    EXPECT_EQ(Delivery(first(1, garbage)).outcome(), "2 taken, 0 lost, 3 messages") << reply;
+  }
+  const auto anotherMessage = [](const std::string&, const std::string&) { return exportResponse("4711"); };
+  EXPECT_EQ(Delivery(first(1, anotherMessage)).outcome(), "2 taken, 0 lost, 3 messages");
+}
+
+TEST(IndicationListener, AnIndicationThatIsTakenOutOfTheQueueIsNotTriedAgain) {
+  Delivery delivery(first(100, brokenConnection), 1000000);
+  EXPECT_TRUE(comesTrue([&] { return delivery.listener().numbers().failedAttempts > 0; }));
+  {
+    ServerStore::Change change(delivery.store);
+    delivery.listener().forget(change.removeOf(delivery.listener().id(), "subscription"));
+    change.commit();
+  }
+  EXPECT_TRUE(comesTrue([&] { return delivery.listener().waiting() == 0; }));
+  const std::uint64_t attempts = delivery.listener().numbers().failedAttempts;
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  EXPECT_LE(delivery.listener().numbers().failedAttempts, attempts + 1);
+}
+
+TEST(IndicationListener, EndsWithinMomentsAndLeavesWhatWaits) {
+  Delivery delivery(brokenConnection, 1000000);
+  EXPECT_TRUE(comesTrue([&] { return delivery.listener().numbers().failedAttempts > 0; }));
+  const std::int64_t id = delivery.listener().id();
+  const auto begin = std::chrono::steady_clock::now();
+  delivery.end();
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(2));
+  EXPECT_EQ(delivery.store.queued(id, 10).size(), 2U);
+}
+
+}  // namespace

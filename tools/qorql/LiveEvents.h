@@ -1,0 +1,46 @@
+// The live changes that subscriptions of a server's clients ask for.
+// SPDX-License-Identifier: Apache-2.0
+#ifndef QORQL_TOOL_LIVEEVENTS_H
+#define QORQL_TOOL_LIVEEVENTS_H
+
+#include <chrono>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+#include "Cimom/Server/ServerEvents.h"
+#include "Cimom/Server/ServerModel.h"
+#include "LiveWatch.h"
+
+// Looks at the live classes again and again, on a thread of its own, while there
+// are filters that ask for their changes. BORROWS model and events.
+class LiveEvents {
+ public:
+  LiveEvents(ServerModel& model, ServerEvents& events, const QORString& nameSpace, std::chrono::milliseconds interval);
+  LiveEvents(const LiveEvents&) = delete;
+  LiveEvents& operator=(const LiveEvents&) = delete;
+  // Waits for the look that is under way.
+  ~LiveEvents();
+
+ private:
+  void run();
+  void look();
+  // What is watched now, where filters or object manager have changed.
+  void renew(const ServerModel::Manager& manager);
+
+  ServerModel& _model;
+  ServerEvents& _events;
+  const QORString _nameSpace;
+  const std::chrono::milliseconds _interval;
+  std::mutex _mutex;
+  std::condition_variable _changed;
+  bool _isStopped = false;
+  // Of the thread alone.
+  const EmbeddedObjectManager* _manager = nullptr;  // of the watch; may be gone
+  std::unique_ptr<LiveWatch> _watch;                // null: nothing is asked for
+  QORuint64 _version = 0;
+  std::thread _thread;
+};
+
+#endif
