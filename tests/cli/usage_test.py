@@ -32,6 +32,20 @@ class Help(ToolCase):
             self.assertLessEqual(len(line), 110, line)
 
 
+    def test_an_option_takes_a_value_in_all_commands_or_in_none(self):
+        """What stands before a command is read before the command is known."""
+        kinds = {}
+        commands = re.findall(r"^  (\w+)  ", self.succeed(self.run_tool("--help")).split("Commands")[1], re.MULTILINE)
+        self.assertIn("serve", commands)
+        for command in commands:
+            text = self.succeed(self.run_tool(command, "--help"))
+            for names, kind in re.findall(r"^  (-\S+)((?: \S+)*)(?:  |$)", text, re.MULTILINE):
+                for name in names.split(","):
+                    kinds.setdefault(name, set()).add(bool(kind))
+        self.assertEqual((kinds["--mof"], kinds["--no-live"]), ({True}, {False}))
+        self.assertEqual([name for name, found in kinds.items() if len(found) > 1], [])
+
+
 class GoodUse(ToolCase):
     def test_named_command(self):
         self.assertEqual(self.succeed(self.run_tool("query", "--no-live", "-m", MODEL, "-o", "csv", QUERY)), CSV)

@@ -1,6 +1,7 @@
 """How the server speaks HTTP: methods, bodies in every form, connections that go on, and what it says of itself."""
 # SPDX-License-Identifier: Apache-2.0
 import signal
+import subprocess
 
 import servercase
 from servercase import ServerCase, head_of, request
@@ -26,6 +27,12 @@ class HttpTest(ServerCase):
     def test_it_listens_at_several_addresses(self):
         server = self.serve_plant("--listen", "[::1]:0", addresses=2)
         self.assertRegex(server.urls[1], r"^http://\[::1\]:\d+/cimom$")
+
+    def test_other_commands_load_nothing_of_the_server(self):
+        loaded = subprocess.run(["ldd", servercase.TOOL], capture_output=True, check=True).stdout.decode()
+        self.assertIn("libqorql.so", loaded)
+        for library in ("libqorqlserver", "libmicrohttpd", "libgnutls", "libcrypt.", "libsqlite3"):
+            self.assertNotIn(library, loaded)
 
     def test_an_address_in_use_is_told(self):
         server = self.serve_plant()

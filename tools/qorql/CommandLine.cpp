@@ -29,12 +29,13 @@ const Command* findCommand(std::string_view name) {
   return found != commands.end() ? &*found : nullptr;
 }
 
-// Whether an argument is an option of any command whose value is the next argument.
+// Whether an argument is an option of any command whose value is the next argument. An option of several commands takes
+// a value in all of them or in none, so the first that has it tells; declaring the others would slow down every start.
 bool takesNext(std::string_view argument) {
   for (const Command& command : allCommands()) {
     const DeclaredCommand declared = declareCommand(command);
     const CLI::Option* const option = std::as_const(*declared.app).get_option_no_throw(std::string(argument));
-    if (option != nullptr && option->get_items_expected_max() != 0) return true;
+    if (option != nullptr) return option->get_items_expected_max() != 0;
   }
   return false;
 }

@@ -3,6 +3,7 @@
 #include "ServerSignals.h"
 
 #include <ctime>
+#include <initializer_list>
 
 ServerSignals::ServerSignals() : _taken{}, _maskBefore{} {
   sigemptyset(&_taken);
