@@ -103,8 +103,8 @@ void IndicationService::State::apply(const InstanceChange& change) {
     } else {
       applyObject(object);
     }
-  } catch (const QoriBaseException& fault) {
-    tell(pathOf(object) + " is not in force: " + std::string(fault.getMessage().view()));
+  } catch (const std::exception& fault) {
+    tell(pathOf(object) + " is not in force: " + fault.what());
   }
 }
 

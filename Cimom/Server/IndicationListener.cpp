@@ -30,12 +30,18 @@ IndicationListener::~IndicationListener() {
   if (_thread.joinable()) _thread.join();
 }
 
-void IndicationListener::wake(std::int64_t added) {
+void IndicationListener::wake(std::int64_t added) noexcept {
   _waiting += added;
   const std::lock_guard lock(_mutex);
   _hasWork = true;
-  if (!_thread.joinable() && !_isStopped) _thread = std::thread([this] { run(); });
   _changed.notify_all();
+  if (_thread.joinable() || _isStopped) return;
+  try {
+    _thread = std::thread([this] { run(); });
+  } catch (const std::exception& fault) {
+    // What waits is in the store; the next indication tries again.
+    _numbers.lastError = fault.what();
+  }
 }
 
 void IndicationListener::forget(std::int64_t removed) {

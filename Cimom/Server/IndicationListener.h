@@ -52,8 +52,8 @@ class IndicationListener {
 
   std::int64_t id() const noexcept { return _id; }
   const std::string& handler() const noexcept { return _handler; }
-  // So many more wait in the store.
-  void wake(std::int64_t added);
+  // So many more wait in the store. When there is no thread to be had they wait for the next call.
+  void wake(std::int64_t added) noexcept;
   // Others have taken so many out of the store.
   void forget(std::int64_t removed);
   std::int64_t waiting() const noexcept { return _waiting; }
