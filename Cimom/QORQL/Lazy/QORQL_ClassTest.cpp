@@ -30,10 +30,13 @@ void QORQL_ClassTest::beginRun() {
   _version = version;
 }
 
-// Looks at all of the few answers: which of them it is cannot be predicted.
+// Adds up over the few answers, of which one at most counts: a branch on which of them it is could not be predicted.
 QORQL_ViewTruth QORQL_ClassTest::remembered(const IQoriObject& object) const noexcept {
   const IQoriLayout* const layout = object.getLayout();
-  QORQL_ViewTruth truth = QORQL_ViewTruth::Undecided;
-  for (const Answer& answer : _answers) truth = answer.layout == layout ? answer.truth : truth;
-  return truth;
+  const int undecided = static_cast<int>(QORQL_ViewTruth::Undecided);
+  int truth = undecided;
+  for (const Answer& answer : _answers) {
+    truth += static_cast<int>(answer.layout == layout) * (static_cast<int>(answer.truth) - undecided);
+  }
+  return static_cast<QORQL_ViewTruth>(truth);
 }
