@@ -92,7 +92,10 @@ class LikeTruth final : public QORQL_RowTruth {
     if (!_leftRun.isReadable() || !_rightRun.isReadable()) return false;
     _leftRun.read(block, first, count);
     _rightRun.read(block, first, count);
-    _leftRun.prefetchTexts(count);
+    // Takes less time than to wait for one text after the other.
+    for (std::size_t i = 0; i < count; ++i) {
+      if (QORQL_PropertyColumn::hasText(_leftRun[i])) __builtin_prefetch(_leftRun[i].text->data());
+    }
     for (std::size_t i = 0; i < count; ++i) {
       const QoriScalar& left = _leftRun[i];
       const QoriScalar& right = _rightRun[i];

@@ -35,10 +35,6 @@ class QORQL_RunOperand {
     if (_constant != nullptr) return *_constant;
     return _places != nullptr ? QORQL_PropertyColumn::viewIn(_places[i], _column->offset()) : _cells[i];
   }
-  // Fetches the texts of the next rows into the cache, which takes less time than waiting for one after the other.
-  void prefetchTexts(std::size_t count) const noexcept {
-    for (std::size_t i = 0; i < count && _constant == nullptr; ++i) QORQL_PropertyColumn::prefetchText((*this)[i]);
-  }
   // Calls use(cellOf), where cellOf(i) is the cell of a row: one loop for each form in which cells are at hand.
   // REQUIRES that the side is no constant.
   template <class Use>
