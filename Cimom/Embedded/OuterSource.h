@@ -17,6 +17,8 @@ class OuterSource {
  public:
   virtual ~OuterSource() = default;
 
+  // Forgets what was found before, classes excepted: from now on is asked anew.
+  virtual void beginStatement() {}
   // Declares the class and its superclasses in the sink, unless they are there.
   // Returns whether the class is there afterwards. What was declared stays.
   virtual bool provideClass(CimDeclarationSink& sink, const QORString& nameSpace, const QORString& className) = 0;

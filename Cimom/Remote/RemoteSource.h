@@ -51,7 +51,7 @@ class RemoteSource final : public OuterSource {
   // Asked while calls run; after true they fail. Null: calls are not stopped.
   void setStopRequest(RemoteParallel::StopRequest request) { _parallel.setStopRequest(std::move(request)); }
   // All servers are asked again, for any class.
-  void beginStatement();
+  void beginStatement() override;
   // Whether classes were declared that servers which failed may have more of; they are fetched again from now on. What
   // has their declarations does not change: then it is time for a new object manager.
   bool forgetIncompleteClasses() { return _classes.forgetIncomplete(); }

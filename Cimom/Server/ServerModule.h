@@ -30,6 +30,9 @@ class ServerModule {
   virtual std::unique_ptr<HttpServer> startHttp(const HttpOptions& options, std::shared_ptr<HttpService> service) = 0;
   // Answers operations on the object manager.
   virtual std::shared_ptr<HttpService> makeCimService(const CimServiceOptions& options) = 0;
+  // Declares what a server has besides, and lets many threads ask the outer servers. For each object manager, before
+  // others know it. THROWS QoriBaseException when something of it does not fit what is declared.
+  virtual void prepare(EmbeddedObjectManager& manager) = 0;
   // THROWS QoriBaseException (type "CIM_Store") when the store cannot be used.
   virtual std::shared_ptr<ServerEvents> makeEvents(const EventOptions& options) = 0;
   // Takes indications that are sent. BORROWS the taker.

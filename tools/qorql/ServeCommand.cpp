@@ -108,6 +108,7 @@ class ServerRun {
   std::shared_ptr<Session> openSession(const ServeOptions& options) const {
     auto session = std::make_shared<Session>(options.session, Session::Life::UntilReplaced);
     session->open(_events == nullptr ? nullptr : indicationSchemaMof());
+    _library.prepare(session->manager());
     if (_events == nullptr) return session;
     declareIndications(session->manager(), QORString(options.session.nameSpace), options.session.isQuiet);
     _events->prepare(session->manager());

@@ -6,12 +6,15 @@
 
 #include <utility>
 
+#include "Cimom/Embedded/EmbeddedState.h"
 #include "Cimom/Server/AssociationOperations.h"
 #include "Cimom/Server/CimXmlService.h"
 #include "Cimom/Server/ClassOperations.h"
 #include "Cimom/Server/ExportMessages.h"
+#include "Cimom/Server/GatewaySource.h"
 #include "Cimom/Server/IndicationService.h"
 #include "Cimom/Server/InstanceOperations.h"
+#include "Cimom/Server/InteropModel.h"
 #include "Cimom/Server/ListenService.h"
 #include "Cimom/Server/ServerOperations.h"
 #include "Cimom/Server/ServerStore.h"
@@ -56,6 +59,11 @@ class Module : public ServerModule {
   }
   std::shared_ptr<HttpService> makeCimService(const CimServiceOptions& options) override {
     return std::make_shared<CimService>(options);
+  }
+  void prepare(EmbeddedObjectManager& manager) override {
+    const std::shared_ptr<OuterSource> outer = manager.state()->outer;
+    if (outer != nullptr) manager.setOuterSource(std::make_shared<GatewaySource>(outer));
+    addInteropModel(manager);
   }
   std::shared_ptr<ServerEvents> makeEvents(const EventOptions& options) override {
     const auto events = std::make_shared<StoredEvents>(options);

@@ -1,0 +1,186 @@
+// Classes in short form, and a provider for each of them.
+// SPDX-License-Identifier: Apache-2.0
+#include "Cimom/Server/InteropModel.h"
+
+#include <unistd.h>
+
+#include <climits>
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Cimom/Embedded/EmbeddedState.h"
+#include "cimom/CQoriType.h"
+#include "cimom/CQoriValue.h"
+
+namespace {
+
+using Value = QORSmrPtr<IQoriValue>;
+using Type = QORSmrPtr<IQoriType>;
+using Properties = std::vector<std::pair<const char*, Value>>;
+using State = EmbeddedObjectManager::State;
+
+constexpr const char* kRoot = "CIM_ManagedElement";
+constexpr const char* kNameSpaceClass = "CIM_Namespace";
+constexpr const char* kManagerClass = "CIM_ObjectManager";
+constexpr const char* kMechanismClass = "CIM_ObjectManagerCommunicationMechanism";
+
+QORString hostName() {
+  char name[HOST_NAME_MAX + 1] = "";
+  const bool isKnown = gethostname(name, sizeof name - 1) == 0 && name[0] != '\0';
+  return QORString(isKnown ? name : "localhost");
+}
+
+Value text(const QORString& value) { return Value(new CQoriValue(value)); }
+
+Value number(QORuint16 value) { return Value(new CQoriValue(value, CQoriType::uint16)); }
+
+Value flag(bool value) { return Value(new CQoriValue(value, CQoriType::boolean)); }
+
+Value array(std::vector<Value> values, const Type& type) {
+  const QORSmrPtr<IQoriValue::List> elements(new IQoriValue::List);
+  for (Value& value : values) elements->append(std::move(value));
+  return Value(new CQoriValue(elements, CQoriType::arrayOf(type)));
+}
+
+CimPropertyDeclaration property(const char* name, const Type& type) {
+  CimPropertyDeclaration declaration;
+  declaration.name = name;
+  declaration.type = type;
+  return declaration;
+}
+
+CimPropertyDeclaration key(const char* name) {
+  CimPropertyDeclaration declaration = property(name, CQoriType::string);
+  declaration.qualifiers.emplace_back().name = "Key";
+  return declaration;
+}
+
+void declare(EmbeddedObjectManager& manager, const char* name, const char* superClass,
+             std::vector<CimPropertyDeclaration> properties) {
+  CimClassDeclaration declaration;
+  if (manager.describeClass(kInteropNameSpace, name, declaration)) return;
+  declaration.name = name;
+  declaration.superClass = superClass;
+  declaration.properties = std::move(properties);
+  if (*superClass == '\0') declaration.qualifiers.emplace_back().name = "Abstract";
+  manager.sink().declareClass(kInteropNameSpace, declaration);
+}
+
+void declareClasses(EmbeddedObjectManager& manager) {
+  const Type numbers = CQoriType::arrayOf(CQoriType::uint16);
+  const Type texts = CQoriType::arrayOf(CQoriType::string);
+  declare(manager, kRoot, "",
+          {property("InstanceID", CQoriType::string), property("Caption", CQoriType::string),
+           property("Description", CQoriType::string), property("ElementName", CQoriType::string)});
+  declare(manager, kNameSpaceClass, kRoot,
+          {key("SystemCreationClassName"), key("SystemName"), key("ObjectManagerCreationClassName"),
+           key("ObjectManagerName"), key("CreationClassName"), key("Name")});
+  declare(manager, kManagerClass, kRoot,
+          {key("SystemCreationClassName"), key("SystemName"), key("CreationClassName"), key("Name"),
+           property("OperationalStatus", numbers), property("Started", CQoriType::boolean),
+           property("GatherStatisticalData", CQoriType::boolean)});
+  declare(manager, kMechanismClass, kRoot,
+          {key("SystemCreationClassName"), key("SystemName"), key("CreationClassName"), key("Name"),
+           property("CommunicationMechanism", CQoriType::uint16), property("FunctionalProfilesSupported", numbers),
+           property("MultipleOperationsSupported", CQoriType::boolean),
+           property("AuthenticationMechanismsSupported", numbers), property("Version", CQoriType::string),
+           property("QueryLanguagesSupported", texts)});
+}
+
+// Hands out what a function tells; properties that the class in force does not have are left out.
+class InteropProvider final : public InstanceProvider {
+ public:
+  using Instances = std::function<std::vector<Properties>()>;
+
+  InteropProvider(const char* className, Instances instances)
+      : _className(className), _instances(std::move(instances)) {}
+
+  QORString getClassName() const override { return _className; }
+  void enumerate(const Request& request, const Emit& emit) override {
+    for (const Properties& properties : _instances()) {
+      std::vector<Value> values;
+      for (const QORString& name : request.propertyNames) values.push_back(valueOf(properties, name));
+      emit(std::move(values));
+    }
+  }
+
+ private:
+  static Value valueOf(const Properties& properties, const QORString& name) {
+    for (const auto& [known, value] : properties) {
+      if (name.isEqualCaseInsensitive(known)) return value;
+    }
+    return {};
+  }
+
+  const char* const _className;
+  const Instances _instances;
+};
+
+// The keys that all three have, and the name to show.
+Properties named(const char* className, const QORString& name, const QORString& shown) {
+  return {{"SystemCreationClassName", text("CIM_ComputerSystem")},
+          {"SystemName", text(hostName())},
+          {"CreationClassName", text(className)},
+          {"Name", text(name)},
+          {"ElementName", text(shown)}};
+}
+
+QORString managerName() { return "qorql:" + hostName(); }
+
+std::vector<Properties> nameSpaceInstances(const std::weak_ptr<State>& state) {
+  std::vector<Properties> instances;
+  const std::shared_ptr<State> held = state.lock();
+  if (held == nullptr) return instances;
+  const std::shared_lock<std::shared_mutex> lock(held->store->mutex());
+  for (const auto& space : held->store->nameSpaces()) {
+    if (space->isPending) continue;
+    Properties properties = named(kNameSpaceClass, space->name, space->name);
+    properties.emplace_back("ObjectManagerCreationClassName", text(kManagerClass));
+    properties.emplace_back("ObjectManagerName", text(managerName()));
+    instances.push_back(std::move(properties));
+  }
+  return instances;
+}
+
+std::vector<Properties> managerInstances() {
+  Properties properties = named(kManagerClass, managerName(), "QORQL");
+  properties.emplace_back("Description", text("A query engine and its object manager"));
+  properties.emplace_back("OperationalStatus", array({number(2)}, CQoriType::uint16));
+  properties.emplace_back("Started", flag(true));
+  properties.emplace_back("GatherStatisticalData", flag(false));
+  return {properties};
+}
+
+std::vector<Properties> mechanismInstances() {
+  Properties properties = named(kMechanismClass, "cim-xml", "CIM-XML over HTTP");
+  properties.emplace_back("CommunicationMechanism", number(2));
+  // Reading, changing instances, associations, queries and qualifiers.
+  properties.emplace_back("FunctionalProfilesSupported",
+                          array({number(2), number(5), number(6), number(7), number(8)}, CQoriType::uint16));
+  properties.emplace_back("MultipleOperationsSupported", flag(false));
+  properties.emplace_back("AuthenticationMechanismsSupported", array({number(2), number(3)}, CQoriType::uint16));
+  properties.emplace_back("Version", text("1.4"));
+  properties.emplace_back("QueryLanguagesSupported",
+                          array({text("DMTF:CQL"), text("CIM:CQL"), text("CQL"), text("WQL")}, CQoriType::string));
+  return {properties};
+}
+
+void serve(EmbeddedObjectManager& manager, const char* className, InteropProvider::Instances instances) {
+  const auto there = manager.ownInstances(kInteropNameSpace, className, {});
+  if (!there.IsNull() && there->entries() > 0) return;
+  manager.registerProvider(kInteropNameSpace, std::make_shared<InteropProvider>(className, std::move(instances)));
+}
+
+}  // namespace
+
+void addInteropModel(EmbeddedObjectManager& manager) {
+  manager.sink().createNamespace(kInteropNameSpace);
+  declareClasses(manager);
+  const std::weak_ptr<State> state = manager.state();
+  serve(manager, kNameSpaceClass, [state] { return nameSpaceInstances(state); });
+  serve(manager, kManagerClass, &managerInstances);
+  serve(manager, kMechanismClass, &mechanismInstances);
+}

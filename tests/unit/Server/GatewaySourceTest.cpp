@@ -1,0 +1,103 @@
+// Many threads ask the outer servers, one after the other.
+// SPDX-License-Identifier: Apache-2.0
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+#include "Cimom/Embedded/EmbeddedObjectManager.h"
+#include "Cimom/Server/GatewaySource.h"
+#include "cimom/CQoriInstanceName.h"
+
+namespace {
+
+// Counts who asks.
+class CountingSource final : public OuterSource {
+ public:
+  void beginStatement() override { ++begun; }
+  bool provideClass(CimDeclarationSink&, const QORString&, const QORString&) override { return ask(), false; }
+  void provideQualifiers(CimDeclarationSink&, const QORString&) override { ask(); }
+  std::vector<QORString> classNames(const QORString&) override { return ask(), std::vector<QORString>{"A"}; }
+  Objects instances(CimDeclarationSink&, const Request&) override { return ask(), Objects(); }
+  QORSmrPtr<IQoriObject> instance(CimDeclarationSink&, const Request&, const IQoriInstanceName&) override {
+    return ask(), QORSmrPtr<IQoriObject>();
+  }
+  Associations associations(CimDeclarationSink&, const Request&) override { return ask(), Associations(); }
+  Objects references(CimDeclarationSink&, const Request&, const IQoriInstanceName&) override {
+    return ask(), Objects();
+  }
+
+  std::atomic<int> begun = 0;
+  std::atomic<int> asked = 0;
+  std::atomic<bool> wasTogether = false;
+
+ private:
+  void ask() {
+    if (_inside.fetch_add(1) != 0) wasTogether = true;
+    std::this_thread::yield();
+    ++asked;
+    --_inside;
+  }
+
+  std::atomic<int> _inside = 0;
+};
+
+class Gateway : public ::testing::Test {
+ protected:
+  const std::shared_ptr<CountingSource> source = std::make_shared<CountingSource>();
+  GatewaySource gateway{source};
+  EmbeddedObjectManager manager;
+  CimDeclarationSink& sink = manager.sink();
+  const QORSmrPtr<IQoriInstanceName> name{new CQoriInstanceName(
+      "A", {}, QORSmrPtr<IQoriNameSpacePath>(new CQoriNameSpacePath(QORString::emptyString(), "root/cimv2")))};
+};
+
+TEST_F(Gateway, QuestionsDoNotMeet) {
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([this] {
+      for (int each = 0; each < 200; ++each) {
+        gateway.classNames("root/cimv2");
+        gateway.instances(sink, {"root/cimv2", "A", {}});
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(source->asked, 1600);
+  EXPECT_FALSE(source->wasTogether);
+}
+
+TEST_F(Gateway, TheInteropNamespaceIsNotAskedFor) {
+  const OuterSource::Request request{"Root/Interop", "A", {}};
+  EXPECT_FALSE(gateway.provideClass(sink, request.nameSpace, "A"));
+  gateway.provideQualifiers(sink, request.nameSpace);
+  EXPECT_TRUE(gateway.classNames(request.nameSpace).empty());
+  EXPECT_TRUE(gateway.instances(sink, request).empty());
+  EXPECT_TRUE(gateway.instance(sink, request, *name).IsNull());
+  EXPECT_TRUE(gateway.associations(sink, request).objects.empty());
+  EXPECT_TRUE(gateway.references(sink, request, *name).empty());
+  EXPECT_EQ(source->asked, 0);
+}
+
+TEST_F(Gateway, AClassThatIsThereIsNotAskedFor) {
+  CimClassDeclaration declaration;
+  declaration.name = "Known";
+  sink.declareClass("root/cimv2", declaration);
+  EXPECT_TRUE(gateway.provideClass(sink, "root/cimv2", "known"));
+  EXPECT_EQ(source->asked, 0);
+  EXPECT_FALSE(gateway.provideClass(sink, "root/cimv2", "Other"));
+  EXPECT_EQ(source->asked, 1);
+}
+
+TEST_F(Gateway, ASingleInstanceIsAskedForAnew) {
+  const OuterSource::Request request{"root/cimv2", "A", {}};
+  gateway.instances(sink, request);
+  const int before = source->begun;
+  gateway.instances(sink, request);
+  EXPECT_EQ(source->begun, before);
+  gateway.instance(sink, request, *name);
+  EXPECT_EQ(source->begun, before + 1);
+}
+
+}  // namespace
