@@ -73,6 +73,13 @@ class DocsTest(ServerCase):
         server = self.serve("--config", settings, "--no-live")
         self.assertEqual(server.scheme, "https")
 
+    def test_keys_are_those_of_the_tool(self):
+        done = self.run_tool("serve", "--set", "server.nonsense=1")
+        known = set(re.search(r"there are (.*)\n", done.stderr.decode()).group(1).split(", "))
+        section = self.text.split("## Configuration")[1].split("```")[0]
+        limits = set(re.findall(r"^\| `([\w-]+)` \| \d", self.text.split("## Limits")[1], re.MULTILINE))
+        self.assertEqual(set(re.findall(r"`([a-z-]+)`", section)) - {"--config"} | limits, known)
+
     def test_options_and_limits_are_those_of_the_tool(self):
         help_text = self.run_tool("serve", "--help").stdout.decode()
         known = set(re.findall(r"^ +(?:-\w,)?(--[a-z-]+)", help_text, re.MULTILINE)) | {"--delete", "--password-file"}
