@@ -119,6 +119,15 @@ void CimXmlResponse::addOutputFlag(const char* name, bool value) {
   addOutput(name, "boolean", value ? "TRUE" : "FALSE");
 }
 
+void CimXmlResponse::addOutputClass(const char* name, const CimClassDeclaration& declaration) {
+  endValues();
+  _text += "<PARAMVALUE";
+  _writer.writeAttribute("NAME", name);
+  _text += '>';
+  _writer.writeClass(declaration);
+  _text += "</PARAMVALUE>";
+}
+
 void CimXmlResponse::setError(QORuint32 status, std::string_view description) {
   _text += "<ERROR";
   _writer.writeAttribute("CODE", std::to_string(status));

@@ -51,6 +51,7 @@ class CimXmlResponse {
   CimXmlWriter& values();
   void addOutput(const char* name, std::string_view value);
   void addOutputFlag(const char* name, bool value);
+  void addOutputClass(const char* name, const CimClassDeclaration& declaration);
   // REQUIRES that nothing else was added.
   void setError(QORuint32 status, std::string_view description);
 

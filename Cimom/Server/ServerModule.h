@@ -10,12 +10,14 @@
 #include "Cimom/Server/HttpServer.h"
 #include "Cimom/Server/HttpService.h"
 #include "Cimom/Server/ServerEvents.h"
+#include "Cimom/Server/ServerLimits.h"
 #include "Cimom/Server/ServerModel.h"
 
 struct CimServiceOptions {
   std::shared_ptr<ServerModel> model;
   std::shared_ptr<ServerEvents> events;  // null: nothing can be written, and nobody subscribes
   bool isWritable = false;
+  ServerLimits limits{};
 };
 
 struct EventOptions {

@@ -8,7 +8,7 @@
 #include "cimom/IQoriInstanceName.h"
 #include "cmpbase.h"
 
-// A status as a number, for those that tell of namespaces, classes and parameters.
+// Statuses as numbers.
 namespace cimstatus {
 inline constexpr QORuint32 kFailed = 1;
 inline constexpr QORuint32 kInvalidNameSpace = 3;
@@ -16,6 +16,13 @@ inline constexpr QORuint32 kInvalidParameter = 4;
 inline constexpr QORuint32 kInvalidClass = 5;
 inline constexpr QORuint32 kNotFound = 6;
 inline constexpr QORuint32 kNotSupported = 7;
+inline constexpr QORuint32 kQueryLanguageNotSupported = 14;
+inline constexpr QORuint32 kInvalidQuery = 15;
+inline constexpr QORuint32 kInvalidEnumerationContext = 21;
+inline constexpr QORuint32 kInvalidOperationTimeout = 22;
+inline constexpr QORuint32 kFilteredEnumerationNotSupported = 25;
+inline constexpr QORuint32 kContinuationOnErrorNotSupported = 26;
+inline constexpr QORuint32 kServerLimitsExceeded = 27;
 }  // namespace cimstatus
 
 // Reads the parameters of one call, whose subject it notes, and asks. Nothing is null, all instances have their names,

@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "Cimom/Mof/MofLiterals.h"
-#include "ColumnTypes.h"
+#include "Cimom/Server/ColumnTypes.h"
 #include "DisplayText.h"
 #include "JsonValue.h"
 #include "cimom/CQoriType.h"

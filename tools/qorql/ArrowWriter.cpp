@@ -4,7 +4,7 @@
 
 #include <ostream>
 
-#include "UniqueNames.h"
+#include "Cimom/Server/UniqueNames.h"
 
 namespace {
 
@@ -16,7 +16,7 @@ constexpr std::size_t kMostBytes = std::size_t{1} << 20;
 void ArrowWriter::begin(const ResultHeading& heading) {
   _columns.clear();
   _rowCount = 0;
-  const std::vector<std::string> names = uniqueNames(heading.columns);
+  const std::vector<std::string> names = uniqueNames(namesOf(heading.columns));
   std::vector<ArrowField> fields;
   for (std::size_t i = 0; i < names.size(); ++i) {
     _columns.push_back(std::make_unique<ArrowColumn>(heading.columns[i], names[i]));

@@ -4,14 +4,14 @@
 
 #include <ostream>
 
+#include "Cimom/Server/UniqueNames.h"
 #include "JsonValue.h"
-#include "UniqueNames.h"
 
 namespace {
 
 // Quoted, with the colon.
 std::vector<std::string> keysOf(const std::vector<ResultColumn>& columns) {
-  std::vector<std::string> keys = uniqueNames(columns);
+  std::vector<std::string> keys = uniqueNames(namesOf(columns));
   for (std::string& key : keys) key = jsonText(key) + ": ";
   return keys;
 }

@@ -11,7 +11,7 @@
 
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_StatementPlaces.h"
-#include "ColumnTypes.h"
+#include "Cimom/Server/ColumnTypes.h"
 #include "ErrorReport.h"
 #include "ExitStatus.h"
 #include "Interrupt.h"
@@ -54,6 +54,21 @@ ResultHeading headingOf(const std::string& query, const QORQL_ResultReader& read
 [[noreturn]] void refuseTerminal() {
   throw QoriBaseException("tool", "qorql", "",
                           "arrow is for programs and not for a terminal: send it to a file or a pipe", 0);
+}
+
+void setTypes(ResultHeading& heading, const std::vector<ColumnTypes::Type>& types) {
+  for (std::size_t i = 0; i < types.size(); ++i) {
+    ResultColumn& column = heading.columns[i];
+    if (!types[i].conflict.empty()) {
+      throw QoriBaseException("tool", "qorql", "",
+                              QORString("column " + column.name + " has values that no one type holds (" +
+                                        types[i].conflict + "): -o jsonl or csv can tell them"),
+                              0);
+    }
+    column.typeName = types[i].name;
+    column.isArray = types[i].isArray;
+    column.dateTimes = types[i].dateTimes;
+  }
 }
 
 // A column of texts where its codes are told with theirs.
@@ -302,7 +317,7 @@ void QueryRunner::settleTypes(Execution& execution, ResultHeading& heading,
       for (const std::size_t index : types.open()) types.see(index, reader.value(index).Get());
     }
   }
-  types.settle(heading.columns);
+  setTypes(heading, types.settle());
 }
 
 std::optional<CimPropertyDeclaration> QueryRunner::declarationOf(const QORString& nameSpace, const QORString& className,

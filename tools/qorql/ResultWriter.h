@@ -10,13 +10,11 @@
 #include <string>
 #include <vector>
 
+#include "Cimom/Server/ColumnTypes.h"
 #include "cimom/IQoriValue.h"
 #include "cmpbase.h"
 
 enum class OutputForm { Table, Csv, Json, JsonLines, Html, Xml, Mof, Arrow };
-
-// What the datetimes of a column are, where somebody looked at them all.
-enum class DateTimes { Texts, Timestamps, Intervals };
 
 struct ResultColumn {
   std::string name;
@@ -27,6 +25,12 @@ struct ResultColumn {
   bool hasValueTexts = false;  // its codes are told with their texts
   DateTimes dateTimes = DateTimes::Texts;
 };
+
+inline std::vector<std::string> namesOf(const std::vector<ResultColumn>& columns) {
+  std::vector<std::string> names;
+  for (const ResultColumn& column : columns) names.push_back(column.name);
+  return names;
+}
 
 // What is known before the first row.
 struct ResultHeading {

@@ -12,6 +12,7 @@
 #include <string>
 
 #include "Cimom/Providers/IndicationSchema.h"
+#include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "ErrorReport.h"
 #include "ExitStatus.h"
 #include "IndicationSink.h"
@@ -67,6 +68,12 @@ ServeOptions loggedAtOnce(ServeOptions options) {
   return options;
 }
 
+// Whether the query that this thread answers is to end; servers are asked on its behalf.
+bool isThreadStopped() {
+  QORQL_ExecutionMonitor* const monitor = QORQL_currentMonitor();
+  return monitor != nullptr && monitor->isStopRequested();
+}
+
 class ServerRun {
  public:
   // THROWS as reportStartFailure() reports.
@@ -79,7 +86,8 @@ class ServerRun {
     _model = _library.makeModel(managerOf(session));
     if (_events != nullptr) _events->attach(managerOf(session));
     _server =
-        _library.startHttp(httpOptionsOf(options), _library.makeCimService({_model, _events, options.isWritable}));
+        _library.startHttp(httpOptionsOf(options),
+                           _library.makeCimService({_model, _events, options.isWritable, serverLimitsOf(options)}));
     if (_events == nullptr) return;
     const std::chrono::duration<double> interval(options.interval.value_or(kInterval));
     _live = std::make_unique<LiveEvents>(*_model, *_events, QORString(options.session.nameSpace),
@@ -108,6 +116,7 @@ class ServerRun {
   std::shared_ptr<Session> openSession(const ServeOptions& options) const {
     auto session = std::make_shared<Session>(options.session, Session::Life::UntilReplaced);
     session->open(_events == nullptr ? nullptr : indicationSchemaMof());
+    if (session->servers() != nullptr) session->servers()->setStopRequest(&isThreadStopped);
     _library.prepare(session->manager());
     if (_events == nullptr) return session;
     declareIndications(session->manager(), QORString(options.session.nameSpace), options.session.isQuiet);

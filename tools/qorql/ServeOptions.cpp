@@ -253,3 +253,10 @@ HttpOptions httpOptionsOf(const ServeOptions& options) {
   http.logsRequests = !options.session.isQuiet;
   return http;
 }
+
+ServerLimits serverLimitsOf(const ServeOptions& options) {
+  ServerLimits limits;
+  limits.query = std::chrono::seconds(limitOf(options, "query"));
+  limits.enumerations = limitOf(options, "contexts");
+  return limits;
+}

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "Cimom/Server/HttpServer.h"
+#include "Cimom/Server/ServerLimits.h"
 #include "ListenerTransport.h"
 #include "SessionOptions.h"
 
@@ -35,5 +36,6 @@ ServeOptions withConfiguration(const ServeOptions& given);
 // A limit that was given, or its default.
 std::uint64_t limitOf(const ServeOptions& options, const std::string& name);
 HttpOptions httpOptionsOf(const ServeOptions& options);
+ServerLimits serverLimitsOf(const ServeOptions& options);
 
 #endif

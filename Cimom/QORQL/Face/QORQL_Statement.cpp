@@ -77,6 +77,7 @@ QORQL_Result::~QORQL_Result() = default;
 const std::vector<QORQL_Result::Column>& QORQL_Result::columns() const noexcept { return _rows->reader->columns(); }
 QORuint64 QORQL_Result::rowCount() const noexcept { return _rows->reader->rowCount(); }
 bool QORQL_Result::next() { return _rows->reader->next(); }
+void QORQL_Result::restart() noexcept { _rows->reader->restart(); }
 QORSmrPtr<IQoriValue> QORQL_Result::value(std::size_t index) { return _rows->reader->value(index); }
 QoriScalar QORQL_Result::view(std::size_t index) { return _rows->reader->view(index); }
 QORString QORQL_Result::rowClass() { return _rows->reader->rowClass(); }

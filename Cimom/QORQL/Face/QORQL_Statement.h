@@ -14,7 +14,7 @@
 class QORQL_Query;
 class QORQL_SymbolTable;
 
-// The result of one run: columns, and rows that are walked once. It may be read
+// The result of one run: columns, and rows that are walked. It may be read
 // when its statement has gone. With its statement and the statement's other
 // results it shares the parsed text: all of them together belong to one thread
 // at a time. A moved-from result may only be
@@ -33,6 +33,9 @@ class QORQL_Result {
   QORuint64 rowCount() const noexcept;
   // Moves to the first row, then to the next; false past the last.
   bool next();
+  // Goes back before the first row, for callers that look at rows before they show them; what is computed is
+  // computed again.
+  void restart() noexcept;
   // The value of a column in the current row; a null pointer for NULL. REQUIRES
   // next() to have been true, and index < columns().size(). THROWS what evaluation
   // throws (QoriBaseException).

@@ -246,6 +246,11 @@ bool QORQL_ResultReader::next() {
   return false;
 }
 
+void QORQL_ResultReader::restart() noexcept {
+  _cells = nullptr;
+  _next = 0;
+}
+
 QORSmrPtr<IQoriValue> QORQL_ResultReader::value(std::size_t index) {
   return _isAggregate ? _holders[index] : _reader->value(_sources[index].slot);
 }

@@ -53,6 +53,8 @@ class QORQL_ResultReader {
   QORuint64 rowCount() const noexcept { return _rowCount; }
   // Moves to the first row, then to the next; false past the last.
   bool next();
+  // Goes back before the first row.
+  void restart() noexcept;
   // The value of a column in the current row; null for NULL. THROWS what
   // evaluation throws. REQUIRES a current row and index < columns().size().
   QORSmrPtr<IQoriValue> value(std::size_t index);

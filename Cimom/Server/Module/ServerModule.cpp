@@ -16,6 +16,8 @@
 #include "Cimom/Server/InstanceOperations.h"
 #include "Cimom/Server/InteropModel.h"
 #include "Cimom/Server/ListenService.h"
+#include "Cimom/Server/PullOperations.h"
+#include "Cimom/Server/QueryOperations.h"
 #include "Cimom/Server/ServerOperations.h"
 #include "Cimom/Server/ServerStore.h"
 #include "Cimom/Server/UserFile.h"
@@ -31,6 +33,9 @@ class CimService : public HttpService {
     addClassOperations(_operations);
     addInstanceOperations(_operations, isWritable ? &_events->writer() : nullptr);
     addAssociationOperations(_operations);
+    const auto contexts = std::make_shared<EnumerationContexts>(options.limits);
+    addQueryOperations(_operations, contexts, options.limits);
+    addPullOperations(_operations, contexts, options.limits);
     if (!isWritable) return;
     _operations.addExport(kExportOperation, [this](const ServerCall& call) { return _events->takeExport(call); });
   }

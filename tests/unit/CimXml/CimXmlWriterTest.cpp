@@ -213,6 +213,11 @@ TEST_F(CimXmlWriting, WritesOutputsAndErrorsThatAreValid) {
   response.values().writeInstanceWithPath(*instancesOf("Part").at(0), "h");
   response.addOutputFlag("EndOfSequence", false);
   response.addOutput("EnumerationContext", "a\n1");
+  CimClassDeclaration result;
+  result.name = "QueryResult";
+  result.properties.emplace_back().name = "a.Size";
+  result.properties.back().type = CQoriType::find("uint32", true);
+  response.addOutputClass("QueryResultClass", result);
   EXPECT_EQ(judge().verdict(response.finish()), "");
   CimXmlResponse error("1", "GetClass");
   error.setError(5, "no class \"X\"\nin root/cimv2");

@@ -99,6 +99,15 @@ TEST_F(Face, ValuesAndViewsAreThoseOfTheRow) {
   EXPECT_FALSE(result.next());
 }
 
+TEST_F(Face, AResultIsWalkedAgain) {
+  QORQL_Result result = statement("SELECT FIRST 1 Name, Stock + 1 AS S FROM Face_Item WHERE Stock = 3").run();
+  ASSERT_TRUE(result.next());
+  EXPECT_EQ(result.view(0).text->view(), "lamp");
+  EXPECT_FALSE(result.next());
+  result.restart();
+  EXPECT_THAT(rowsOf(std::move(result)), ElementsAre("lamp|4"));
+}
+
 TEST_F(Face, AResultOutlivesItsStatement) {
   std::optional<QORQL_Statement> kept(statement("SELECT Name FROM Face_Item WHERE Stock IS NULL"));
   QORQL_Result result = kept->run();

@@ -1,6 +1,6 @@
 // What type the values of each column have in all rows, for forms that tell it before the first row.
 // SPDX-License-Identifier: Apache-2.0
-#include "ColumnTypes.h"
+#include "Cimom/Server/ColumnTypes.h"
 
 #include <algorithm>
 #include <bit>
@@ -28,15 +28,12 @@ std::string_view nameOf(Code code) noexcept { return kNames[static_cast<std::siz
 // The widest of the types that are seen; the codes are in the order of their widths.
 Code widest(QORuint32 types) noexcept { return static_cast<Code>(std::bit_width(types) - 1); }
 
-[[noreturn]] void refuse(const std::string& name, QORuint32 types) {
+std::string namesOf(QORuint32 types) {
   std::string told;
   for (std::size_t i = 0; i < std::size(kNames); ++i) {
     if ((types & QORuint32{1} << i) != 0) told += (told.empty() ? "" : ", ") + std::string(kNames[i]);
   }
-  throw QoriBaseException(
-      "tool", "qorql", "",
-      QORString("column " + name + " has values that no one type holds (" + told + "): -o jsonl or csv can tell them"),
-      0);
+  return told;
 }
 
 }  // namespace
@@ -47,17 +44,23 @@ DateTimes dateTimesOf(std::string_view text) noexcept {
   return read.interval ? DateTimes::Intervals : DateTimes::Timestamps;
 }
 
-ColumnTypes::ColumnTypes(const std::vector<QORQL_ResultReader::Column>& columns, const Declared& declared)
+ColumnTypes::ColumnTypes(const std::vector<QORQL_ResultReader::Column>& columns, const Declared& declared, Look look)
     : _seen(columns.size()) {
   for (std::size_t i = 0; i < columns.size(); ++i) {
     const QORQL_ResultReader::Column& column = columns[i];
     std::optional<CimPropertyDeclaration> property;
     if (!column.className.isEmpty()) property = declared(column.className, column.propertyName);
+    // Embedded objects are declared as texts.
+    if (property && look == Look::Types && !column.typeName.isEmpty() &&
+        !column.typeName.isEqualCaseInsensitive(property->type->getName())) {
+      property.reset();
+    }
     if (property) {
       _seen[i].declared = nameOf(CQoriType::codeOf(*property->type));
       _seen[i].isDeclaredArray = property->type->isArray();
     }
-    if (!property || CQoriType::codeOf(*property->type) == Code::DateTime) _open.push_back(i);
+    const bool isTold = property && (look == Look::Types || CQoriType::codeOf(*property->type) != Code::DateTime);
+    if (!isTold) _open.push_back(i);
   }
 }
 
@@ -97,27 +100,34 @@ DateTimes ColumnTypes::dateTimesOf(const Seen& seen) noexcept {
   return hasIntervals ? DateTimes::Intervals : DateTimes::Timestamps;
 }
 
-std::string_view ColumnTypes::typeOf(const Seen& seen, const std::string& name) {
+bool ColumnTypes::findType(const Seen& seen, std::string_view& name) {
   constexpr QORuint64 kMostSigned = std::numeric_limits<QORsint64>::max();
+  constexpr QORuint32 kIntegers = kUnsigned | kSigned;
   const QORuint32 types = seen.types;
-  if (seen.hasArray && seen.hasScalar) refuse(name, types);
-  if (types == 0) return {};
-  if (std::has_single_bit(types)) return nameOf(widest(types));
-  const QORuint32 integers = kUnsigned | kSigned;
-  if ((types & ~(integers | kReals)) != 0) refuse(name, types);
-  if ((types & kReals) != 0) return nameOf(Code::Real64);
-  if ((types & kSigned) == 0 || (types & kUnsigned) == 0) return nameOf(widest(types));
-  if (!seen.hasNegative) return nameOf(Code::Uint64);
-  if (seen.greatest > kMostSigned) refuse(name, types);
-  return nameOf(Code::Sint64);
+  if (seen.hasArray && seen.hasScalar) return false;
+  if (types == 0) return true;
+  Code code = widest(types);
+  if (!std::has_single_bit(types)) {
+    if ((types & ~(kIntegers | kReals)) != 0) return false;
+    if ((types & kReals) != 0) {
+      code = Code::Real64;
+    } else if ((types & kSigned) != 0 && (types & kUnsigned) != 0) {
+      if (seen.hasNegative && seen.greatest > kMostSigned) return false;
+      code = seen.hasNegative ? Code::Sint64 : Code::Uint64;
+    }
+  }
+  name = nameOf(code);
+  return true;
 }
 
-void ColumnTypes::settle(std::vector<ResultColumn>& columns) const {
-  for (std::size_t i = 0; i < columns.size(); ++i) {
-    const Seen& seen = _seen[i];
-    ResultColumn& column = columns[i];
-    column.typeName = seen.declared.empty() ? typeOf(seen, column.name) : seen.declared;
-    column.isArray = seen.declared.empty() ? seen.hasArray : seen.isDeclaredArray;
-    column.dateTimes = dateTimesOf(seen);
+std::vector<ColumnTypes::Type> ColumnTypes::settle() const {
+  std::vector<Type> types;
+  for (const Seen& seen : _seen) {
+    Type& type = types.emplace_back();
+    type.name = seen.declared;
+    type.isArray = seen.declared.empty() ? seen.hasArray : seen.isDeclaredArray;
+    type.dateTimes = dateTimesOf(seen);
+    if (seen.declared.empty() && !findType(seen, type.name)) type.conflict = namesOf(seen.types);
   }
+  return types;
 }

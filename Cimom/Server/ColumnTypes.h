@@ -1,16 +1,19 @@
 // What type the values of each column have in all rows, for forms that tell it before the first row.
 // SPDX-License-Identifier: Apache-2.0
-#ifndef QORQL_TOOL_COLUMNTYPES_H
-#define QORQL_TOOL_COLUMNTYPES_H
+#ifndef QORQL_SERVER_COLUMNTYPES_H
+#define QORQL_SERVER_COLUMNTYPES_H
 
 #include <functional>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
 #include "Cimom/Embedded/CimDeclarations.h"
-#include "Cimom/QORQL/Out/QORQL_ResultReader.h"
-#include "ResultWriter.h"
+#include "qorql.h"
+
+// What the datetimes of a column are, where somebody looked at them all.
+enum class DateTimes { Texts, Timestamps, Intervals };
 
 // What a datetime is. What no number of microseconds says is a text: one with wildcards, and what is none.
 DateTimes dateTimesOf(std::string_view text) noexcept;
@@ -24,15 +27,26 @@ class ColumnTypes {
   using Declared =
       std::function<std::optional<CimPropertyDeclaration>(const QORString& className, const QORString& property)>;
 
-  ColumnTypes(const std::vector<QORQL_ResultReader::Column>& columns, const Declared& declared);
+  enum class Look {
+    Types,             // as values have them, where they are not as declared
+    TypesAndDateTimes  // what the datetimes are, too
+  };
+
+  ColumnTypes(const std::vector<QORQL_ResultReader::Column>& columns, const Declared& declared,
+              Look look = Look::TypesAndDateTimes);
 
   // The columns whose values are to be seen.
   const std::vector<std::size_t>& open() const noexcept { return _open; }
   // A value of an open column; null for NULL.
   void see(std::size_t index, const IQoriValue* value);
-  // Sets type and kind of datetimes of each column. THROWS QoriBaseException (type "tool") naming a column whose
-  // values no one type holds.
-  void settle(std::vector<ResultColumn>& columns) const;
+  struct Type {
+    std::string_view name;  // the CIM type; empty when no row tells it
+    bool isArray = false;
+    DateTimes dateTimes = DateTimes::Texts;
+    std::string conflict;  // where no one type holds the values: the types that they have
+  };
+  // Of each column.
+  std::vector<Type> settle() const;
 
  private:
   struct Seen {
@@ -48,7 +62,8 @@ class ColumnTypes {
 
   static void seeScalar(Seen& seen, const IQoriValue& value);
   static DateTimes dateTimesOf(const Seen& seen) noexcept;
-  static std::string_view typeOf(const Seen& seen, const std::string& name);
+  // False when there is none.
+  static bool findType(const Seen& seen, std::string_view& name);
 
   std::vector<Seen> _seen;
   std::vector<std::size_t> _open;

@@ -1,0 +1,202 @@
+// A reply that has begun cannot fail, so computed columns are read once before: that finds the types that hold all
+// their values, and what cannot be computed.
+// SPDX-License-Identifier: Apache-2.0
+#include "Cimom/Server/QueryRows.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "Cimom/CimXml/CimXmlException.h"
+#include "Cimom/Model/ModelInstance.h"
+#include "Cimom/Server/ColumnTypes.h"
+#include "Cimom/Server/QueryMonitor.h"
+#include "Cimom/Server/ServerObjects.h"
+#include "Cimom/Server/UniqueNames.h"
+#include "cimom/CQoriProviderException.h"
+#include "cimom/CQoriType.h"
+
+namespace {
+
+constexpr const char* kLanguages[] = {"DMTF:CQL", "CIM:CQL", "CQL", "WQL"};
+constexpr QORuint64 kRowsBetweenLooks = 1024;
+
+// The engine's message, with the place of the word at fault.
+std::string messageOf(const QoriBaseException& error, const QORString& text) {
+  std::string message(error.getMessage().view());
+  const QORQL_Fault* const fault = QORQL_faultOf(error);
+  if (fault == nullptr || !fault->hasPlace()) return message;
+  const QORQL_Place place = QORQL_placeOf(text.view(), fault->offset);
+  return message + " (line " + std::to_string(place.line) + ", column " + std::to_string(place.column) + ")";
+}
+
+// Whether it is the query that is wrong, though only the rows show it.
+bool isOfQuery(const QoriBaseException& error) noexcept {
+  const QORQL_Fault* const fault = QORQL_faultOf(error);
+  return fault != nullptr && fault->kind != QORQL_Fault::kOther;
+}
+
+std::vector<QORString> namesOf(const std::vector<CimPropertyDeclaration>& properties) {
+  std::vector<QORString> names;
+  for (const CimPropertyDeclaration& property : properties) names.push_back(property.name);
+  return names;
+}
+
+}  // namespace
+
+// One statement while it is run.
+class QueryRows::Run {
+ public:
+  Run(const ServerCall& call, const QORString& language, const QORString& text, const ServerLimits& limits)
+      : _call(call),
+        _text(text),
+        _limit(limits.query),
+        _monitor(call.client, limits.query),
+        _statement(text, call.request.nameSpace, language) {
+    EmbeddedObjectManager* const manager = call.manager.get();
+    const QORString nameSpace = call.request.nameSpace;
+    _statement.setDeclaredProperties([manager, nameSpace](const QORString& className) {
+      return namesOf(manager->allProperties(nameSpace, className));
+    });
+  }
+
+  void parse() {
+    try {
+      _statement.parse();
+    } catch (const CQoriProviderException&) {
+      throw;
+    } catch (const QoriBaseException& error) {
+      throw CimStatusException(cimstatus::kInvalidQuery, messageOf(error, _text));
+    }
+  }
+
+  // Does what looks at rows. THROWS as QueryRows does.
+  template <class Work>
+  void guarded(const Work& work) {
+    const QORQL_MonitorScope scope(_monitor);
+    try {
+      work();
+    } catch (const QORQL_StoppedException&) {
+      raiseStopped();
+    } catch (const CimStatusException&) {
+      throw;
+    } catch (const CQoriProviderException&) {
+      throw;
+    } catch (const QoriBaseException& error) {
+      throw CimStatusException(isOfQuery(error) ? cimstatus::kInvalidQuery : cimstatus::kFailed,
+                               messageOf(error, _text));
+    }
+  }
+
+  void requireTime() {
+    if (_monitor.isStopRequested()) raiseStopped();
+  }
+
+  QORQL_Statement& statement() noexcept { return _statement; }
+
+  std::optional<CimPropertyDeclaration> declarationOf(const QORString& className, const QORString& property) const {
+    for (CimPropertyDeclaration& each : _call.manager->allProperties(_call.request.nameSpace, className)) {
+      if (each.name.isEqualCaseInsensitive(property)) return std::move(each);
+    }
+    return std::nullopt;
+  }
+
+ private:
+  [[noreturn]] void raiseStopped() const {
+    if (!_monitor.isLate()) throw CimStatusException(cimstatus::kFailed, "the client has gone");
+    const long long seconds = std::chrono::duration_cast<std::chrono::seconds>(_limit).count();
+    throw CimStatusException(cimstatus::kServerLimitsExceeded,
+                             "the query was stopped: it took more than " + std::to_string(seconds) + " seconds");
+  }
+
+  const ServerCall& _call;
+  const QORString& _text;
+  const std::chrono::milliseconds _limit;
+  QueryMonitor _monitor;
+  QORQL_Statement _statement;
+};
+
+void QueryRows::requireLanguage(const QORString& language) {
+  for (const char* const known : kLanguages) {
+    if (language.isEqualCaseInsensitive(known)) return;
+  }
+  throw CimStatusException(
+      cimstatus::kQueryLanguageNotSupported,
+      "there is no query language \"" + std::string(language.view()) + "\": DMTF:CQL, CIM:CQL, CQL and WQL are known");
+}
+
+QueryRows::QueryRows(const ServerCall& call, const QORString& language, const QORString& text,
+                     const ServerLimits& limits)
+    : _nameSpace(call.request.nameSpace) {
+  requireLanguage(language);
+  ServerObjects(call).requireNameSpace();
+  Run run(call, language, text, limits);
+  run.parse();
+  run.guarded([&] {
+    _result = std::make_unique<QORQL_Result>(run.statement().run());
+    settleColumns(run);
+    run.requireTime();
+  });
+  _hasRow = _result->next();
+}
+
+QueryRows::~QueryRows() = default;
+
+void QueryRows::settleColumns(Run& run) {
+  const std::vector<QORQL_Result::Column>& columns = _result->columns();
+  ColumnTypes types(
+      columns,
+      [&run](const QORString& className, const QORString& property) { return run.declarationOf(className, property); },
+      ColumnTypes::Look::Types);
+  if (!types.open().empty()) {
+    for (QORuint64 row = 1; _result->next(); ++row) {
+      if (row % kRowsBetweenLooks == 0) run.requireTime();
+      for (const std::size_t index : types.open()) types.see(index, _result->value(index).Get());
+    }
+    _result->restart();
+  }
+  std::vector<std::string> names;
+  for (const QORQL_Result::Column& column : columns) names.emplace_back(column.name.view());
+  for (const ColumnTypes::Type& type : types.settle()) {
+    if (!type.conflict.empty()) {
+      throw CimStatusException(cimstatus::kFailed, "column " + names[_columns.size()] +
+                                                       " has values that no one type holds (" + type.conflict + ")");
+    }
+    const QORString typeName(type.name.empty() ? std::string_view("string") : type.name);
+    _columns.push_back({QORString(), CQoriType::find(typeName, type.isArray)});
+  }
+  nameColumns(uniqueNames(names, SameNames::IgnoringCase));
+}
+
+void QueryRows::nameColumns(std::vector<std::string> names) {
+  for (std::size_t i = 0; i < names.size(); ++i) _columns[i].name = QORString(std::string_view(names[i]));
+  _values.resize(_columns.size());
+  _layout = QORSmrPtr<ModelLayout>(new ModelLayout(_columns));
+}
+
+const QORSmrPtr<ModelShape>& QueryRows::shapeOf(const QORString& className) {
+  QORSmrPtr<ModelShape>& shape = _shapes[std::string(className.view())];
+  if (shape.IsNull()) {
+    const QORString name = className.isEmpty() ? QORString(kResultClass) : className;
+    shape = QORSmrPtr<ModelShape>(new ModelShape(_nameSpace, name, _layout, {}));
+  }
+  return shape;
+}
+
+QORSmrPtr<IQoriObject> QueryRows::next() {
+  for (std::size_t i = 0; i < _values.size(); ++i) _values[i] = _result->value(i);
+  QORSmrPtr<IQoriObject> made = ModelInstance::create(shapeOf(_result->rowClass()), _values);
+  _hasRow = _result->next();
+  return made;
+}
+
+CimClassDeclaration QueryRows::resultClass() const {
+  CimClassDeclaration declaration;
+  declaration.name = kResultClass;
+  for (const ModelLayout::Column& column : _columns) {
+    CimPropertyDeclaration& property = declaration.properties.emplace_back();
+    property.name = column.name;
+    property.type = column.type;
+  }
+  return declaration;
+}
