@@ -34,7 +34,7 @@ void MofClasses::declareAll() {
   for (const auto& syntax : _document.classes) {
     const Pending& first = _pending[keyOf(syntax->nameSpace, syntax->name.text)];
     // A second declaration must equal the first one, which the sink checks.
-    first.syntax == syntax.get() ? declareWithSuperClasses(*syntax) : declare(*syntax);
+    first.syntax == syntax.get() ? declareWithSuperClasses(*syntax) : declareOnce(*syntax);
   }
 }
 
@@ -97,9 +97,9 @@ void MofClasses::addFaults(const MofClassSyntax& syntax, const CimDeclarationRef
   }
 }
 
-void MofClasses::declareWithSuperClasses(const MofClassSyntax& syntax) {
+void MofClasses::declareWithSuperClasses(MofClassSyntax& syntax) {
   std::vector<Pending*> chain;
-  const MofClassSyntax* next = &syntax;
+  MofClassSyntax* next = &syntax;
   for (;;) {
     const auto found = _pending.find(keyOf(next->nameSpace, next->name.text));
     Pending& pending = found->second;
@@ -119,8 +119,16 @@ void MofClasses::declareWithSuperClasses(const MofClassSyntax& syntax) {
   }
   for (auto pending = chain.rbegin(); pending != chain.rend(); ++pending) {
     (*pending)->state = State::Done;
-    declare(*(*pending)->syntax);
+    declareOnce(*(*pending)->syntax);
   }
+}
+
+// What stands in the class is not looked at again: its memory serves those after it.
+void MofClasses::declareOnce(MofClassSyntax& syntax) {
+  declare(syntax);
+  std::vector<MofQualifierSyntax>().swap(syntax.qualifiers);
+  std::vector<MofFeatureSyntax>().swap(syntax.properties);
+  std::vector<MofMethodSyntax>().swap(syntax.methods);
 }
 
 void MofClasses::declare(const MofClassSyntax& syntax) {

@@ -30,14 +30,15 @@ class MofClasses {
  private:
   enum class State { Waiting, Open, Done };
   struct Pending {
-    const MofClassSyntax* syntax = nullptr;
+    MofClassSyntax* syntax = nullptr;
     State state = State::Waiting;
     bool isCircular = false;                   // it is its own superclass
     const MofClassSyntax* declared = nullptr;  // the declaration that the sink has taken
   };
 
   static std::string keyOf(const QORString& nameSpace, const QORString& name);
-  void declareWithSuperClasses(const MofClassSyntax& syntax);
+  void declareWithSuperClasses(MofClassSyntax& syntax);
+  void declareOnce(MofClassSyntax& syntax);
   void declare(const MofClassSyntax& syntax);
   bool submit(const MofClassSyntax& syntax, const CimClassDeclaration& declaration, bool isSound);
   bool hasSuperClass(const MofClassSyntax& syntax);

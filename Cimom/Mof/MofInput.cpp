@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
+#include <string_view>
 #include <system_error>
 
 #include "Cimom/Mof/MofSyntax.h"
@@ -24,16 +25,42 @@ constexpr std::chrono::seconds kClockStep(2);
 
 QORsint64 countOf(fs::file_time_type time) { return static_cast<QORsint64>(time.time_since_epoch().count()); }
 
-QORsint64 changeOf(const std::string& path) {
+QORsint64 changeOf(const fs::path& path) {
   std::error_code error;
   const fs::file_time_type time = fs::last_write_time(path, error);
   return error ? 0 : countOf(time);
 }
 
+// Whether the path is as lexically_normal() gives it: no part is empty, "." or "..".
+bool isNormal(std::string_view path) {
+  while (!path.empty()) {
+    const std::size_t end = std::min(path.find('/'), path.size());
+    const std::string_view part = path.substr(0, end);
+    if (part.empty() || part == "." || part == ".." || end + 1 == path.size()) return false;
+    path.remove_prefix(std::min(end + 1, path.size()));
+  }
+  return true;
+}
+
 std::string absolute(const std::string& path) {
+  if (path.starts_with('/') && isNormal(std::string_view(path).substr(1))) return path;
   std::error_code error;
   const fs::path whole = fs::absolute(path, error);
   return error ? path : whole.lexically_normal().string();
+}
+
+// `size`: of the file as it is told; its end tells how much there is.
+std::string readToEnd(std::ifstream& in, std::size_t size, std::string& content) {
+  content.resize(size);
+  in.read(content.data(), static_cast<std::streamsize>(content.size()));
+  content.resize(static_cast<std::size_t>(in.gcount()));
+  std::array<char, 4096> chunk;
+  while (in && content.size() <= kMaximumFileSize) {
+    in.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
+    content.append(chunk.data(), static_cast<std::size_t>(in.gcount()));
+  }
+  if (content.size() > kMaximumFileSize) return kTooLarge;
+  return in.bad() ? "reading it fails" : "";
 }
 
 QORuint64 hashOfNames(const std::vector<std::string>& files) {
@@ -54,8 +81,9 @@ bool isFolderUnchanged(const MofInput& input) {
 
 }  // namespace
 
-MofInput describeMofFile(const std::string& path, std::string_view content) {
-  return {absolute(path), false, content.size(), changeOf(path), XXH3_64bits(content.data(), content.size())};
+MofInput describeMofFile(const std::string& path, const MofContent& content) {
+  const std::string& text = content.text;
+  return {absolute(path), false, text.size(), content.modified, XXH3_64bits(text.data(), text.size())};
 }
 
 MofInput describeMofFolder(const std::string& path, const std::vector<std::string>& files) {
@@ -73,40 +101,38 @@ std::string listMofFolder(const std::string& path, std::vector<std::string>& fil
   return {};
 }
 
-std::string readMofFile(const std::string& path, std::string& content) {
+// The time is taken before the content: of a file that changes meanwhile the older one counts.
+std::string readMofFile(const std::string& path, MofContent& content) {
   std::error_code error;
-  const fs::file_status status = fs::status(path, error);
+  const fs::path place(path);
+  const fs::file_status status = fs::status(place, error);
   if (status.type() == fs::file_type::not_found) return "there is no such file";
   if (status.type() == fs::file_type::none) return error.message();
   if (status.type() == fs::file_type::directory) return "it is a folder";
+  content.modified = changeOf(place);
   errno = 0;
-  std::ifstream in(path, std::ios::binary);
+  std::ifstream in;
+  in.rdbuf()->pubsetbuf(nullptr, 0);  // what is read goes where it belongs
+  in.open(place, std::ios::binary);
   if (!in) return errno == 0 ? "it cannot be opened" : std::generic_category().message(errno);
   // The size of the content counts, not that of the file: a pipe has none, and a file may grow.
-  const std::uintmax_t size = fs::file_size(path, error);
+  const std::uintmax_t size = fs::file_size(place, error);
   if (!error && size > kMaximumFileSize) return kTooLarge;
-  content.resize(error ? 0 : static_cast<std::size_t>(size));
-  in.read(content.data(), static_cast<std::streamsize>(content.size()));
-  content.resize(static_cast<std::size_t>(in.gcount()));
-  std::array<char, 4096> chunk;
-  while (in && content.size() <= kMaximumFileSize) {
-    in.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
-    content.append(chunk.data(), static_cast<std::size_t>(in.gcount()));
-  }
-  if (content.size() > kMaximumFileSize) return kTooLarge;
-  return in.bad() ? "reading it fails" : "";
+  return readToEnd(in, error ? 0 : static_cast<std::size_t>(size), content.text);
 }
 
 bool isMofInputUnchanged(const MofInput& input, QORsint64 written) {
-  std::error_code error;
   if (input.isFolder) return isFolderUnchanged(input);
-  const std::uintmax_t size = fs::file_size(input.path, error);
+  std::error_code error;
+  const fs::path place(input.path);
+  const std::uintmax_t size = fs::file_size(place, error);
   if (error || size != input.size) return false;
   const QORsint64 step = std::chrono::duration_cast<fs::file_time_type::duration>(kClockStep).count();
-  const QORsint64 change = changeOf(input.path);
+  const QORsint64 change = changeOf(place);
   if (change == input.modified && change < written - step) return true;
-  std::string content;
-  return readMofFile(input.path, content).empty() && XXH3_64bits(content.data(), content.size()) == input.hash;
+  MofContent content;
+  return readMofFile(input.path, content).empty() &&
+         XXH3_64bits(content.text.data(), content.text.size()) == input.hash;
 }
 
 QORsint64 mofClockNow() { return countOf(fs::file_time_type::clock::now()); }

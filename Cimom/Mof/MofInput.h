@@ -5,7 +5,6 @@
 #define QORQL_MOF_MOFINPUT_H
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "cmpbase.h"
@@ -19,15 +18,21 @@ struct MofInput {
   QORuint64 hash = 0;  // of the content, or of the names in the folder
 };
 
-// As they are when their content has been read.
-MofInput describeMofFile(const std::string& path, std::string_view content);
+// What was read of a file, and when that had last changed.
+struct MofContent {
+  std::string text;
+  QORsint64 modified = 0;
+};
+
+// As it was when its content was read.
+MofInput describeMofFile(const std::string& path, const MofContent& content);
 // `files`: its .mof files, sorted.
 MofInput describeMofFolder(const std::string& path, const std::vector<std::string>& files);
 
 // The .mof files of a folder in the order of their names; the fault otherwise.
 std::string listMofFolder(const std::string& path, std::vector<std::string>& files);
 // The content of a file; the fault otherwise.
-std::string readMofFile(const std::string& path, std::string& content);
+std::string readMofFile(const std::string& path, MofContent& content);
 
 // Whether reading it again would give the same. A file that has size and time
 // of change as before is taken for the same, unless it changed so shortly

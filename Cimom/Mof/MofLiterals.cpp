@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstring>
 
 namespace {
 
@@ -29,6 +30,22 @@ std::size_t decodeUtf8(std::string_view text, QORuint32& code) {
   const bool isOverlong = (length == 3 && code < 0x800) || (length == 4 && code < 0x10000);
   const bool isForbidden = (code >= 0xD800 && code < 0xE000) || code > 0x10FFFF;
   return isOverlong || isForbidden ? 0 : length;
+}
+
+// How many bytes at the front stand for themselves: ASCII but for the backslash. Eight at a time.
+std::size_t plainLength(std::string_view text) {
+  constexpr QORuint64 kOnes = 0x0101010101010101;
+  constexpr QORuint64 kHighs = 0x8080808080808080;
+  std::size_t length = 0;
+  for (; length + sizeof(QORuint64) <= text.size(); length += sizeof(QORuint64)) {
+    QORuint64 bytes = 0;
+    std::memcpy(&bytes, text.data() + length, sizeof bytes);
+    const QORuint64 escapes = bytes ^ (kOnes * '\\');  // zero where there is one
+    if ((((escapes - kOnes) | bytes) & kHighs) != 0) break;
+  }
+  const auto isPlain = [](char c) { return c != '\\' && static_cast<unsigned char>(c) < 0x80; };
+  while (length < text.size() && isPlain(text[length])) ++length;
+  return length;
 }
 
 bool isHighSurrogate(QORuint32 unit) { return unit >= 0xD800 && unit < 0xDC00; }
@@ -126,12 +143,13 @@ void appendUtf8(QORuint32 code, std::string& out) {
 
 bool isUtf8(std::string_view text) noexcept {
   QORuint32 code = 0;
-  while (!text.empty()) {
+  for (;;) {
+    text.remove_prefix(plainLength(text));
+    if (text.empty()) return true;
     const std::size_t length = decodeUtf8(text, code);
     if (length == 0) return false;
     text.remove_prefix(length);
   }
-  return true;
 }
 
 void appendMofString(std::string_view literal, const MofLocation& at, std::string& out) {
@@ -145,7 +163,9 @@ void appendMofString(std::string_view literal, const MofLocation& at, std::strin
       i += readEscape(body.substr(i), here, code);
       appendUtf8(code, out);
     } else if (c < 0x80) {
-      out += body[i++];
+      const std::size_t length = plainLength(body.substr(i));
+      out.append(body, i, length);
+      i += length;
     } else {
       const std::size_t length = decodeUtf8(body.substr(i), code);
       if (length == 0) throw MofFault{here, "the text is not UTF-8"};

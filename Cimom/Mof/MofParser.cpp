@@ -128,7 +128,7 @@ void MofParser::endDeclaration() {
 
 MofName MofParser::expectName(const char* what) {
   if (_token.kind != Kind::Identifier) fail(what);
-  MofName name{QORString(textOf(_token)), here()};
+  MofName name{_document.names.nameOf(textOf(_token)), here()};
   advance();
   return name;
 }

@@ -124,6 +124,27 @@ std::string keyOf(const QORString& nameSpace, const QORString& name) {
   return foldMofName(nameSpace) + ':' + foldMofName(name);
 }
 
+// The names of the qualifiers of one element, which are given in the order of the text. A few are compared with each
+// other.
+class GivenNames {
+ public:
+  // BORROWS.
+  explicit GivenNames(const std::vector<MofQualifierSyntax>& syntax) : _syntax(syntax) {}
+
+  // False when an earlier one has that name.
+  bool add(const MofQualifierSyntax& written) {
+    constexpr std::size_t kFew = 16;
+    if (_syntax.size() > kFew) return _folded.insert(foldMofName(written.name.text)).second;
+    return std::none_of(_syntax.data(), &written, [&written](const MofQualifierSyntax& earlier) {
+      return earlier.name.text.isEqualCaseInsensitive(written.name.text);
+    });
+  }
+
+ private:
+  const std::vector<MofQualifierSyntax>& _syntax;
+  std::unordered_set<std::string> _folded;
+};
+
 template <class Target>
 void applyFlavors(const std::vector<MofFlavor>& flavors, Target& target) {
   for (const MofFlavor flavor : flavors) {
@@ -167,10 +188,15 @@ std::string MofQualifiers::placeOfEarlier(const MofQualifierDeclarationSyntax& s
   return earlier == _declared.end() ? "" : ", at " + describeMofPlace(earlier->second);
 }
 
-const MofQualifiers::Meaning& MofQualifiers::meaningOf(const QORString& nameSpace, const QORString& name) {
-  const auto [entry, isNew] = _meanings.try_emplace(keyOf(nameSpace, name));
-  Meaning& meaning = entry->second;
-  if (!isNew) return meaning;
+MofNameMap<MofQualifiers::Meaning>& MofQualifiers::meaningsIn(const QORString& nameSpace) {
+  const auto known = _meanings.find(nameSpace.view());
+  return known != _meanings.end() ? known->second : _meanings[std::string(nameSpace.view())];
+}
+
+const MofQualifiers::Meaning& MofQualifiers::meaningOf(const QORString& nameSpace, const QORString& name,
+                                                       MofNameMap<Meaning>& known) {
+  if (const auto found = known.find(name.view()); found != known.end()) return found->second;
+  Meaning& meaning = known[std::string(name.view())];
   CimQualifierDeclaration declared;
   if (_sink.describeQualifier(nameSpace, name, declared)) {
     meaning = {findMofType(declared.type->getName()),
@@ -190,15 +216,16 @@ const MofQualifiers::Meaning& MofQualifiers::meaningOf(const QORString& nameSpac
 bool MofQualifiers::resolve(const QORString& nameSpace, const std::vector<MofQualifierSyntax>& syntax, Element element,
                             std::vector<CimQualifier>& out) {
   bool isSound = true;
-  std::unordered_set<std::string> given;
+  GivenNames given(syntax);
+  MofNameMap<Meaning>& known = meaningsIn(nameSpace);
   out.reserve(syntax.size());
   for (const MofQualifierSyntax& written : syntax) {
     if (_report.isFull()) return false;
     try {
-      if (!given.insert(foldMofName(written.name.text)).second) {
+      if (!given.add(written)) {
         throw MofFault{written.name.at, "qualifier " + std::string(written.name.text.view()) + " is given twice"};
       }
-      const Meaning& meaning = meaningOf(nameSpace, written.name.text);
+      const Meaning& meaning = meaningOf(nameSpace, written.name.text, known);
       checkScope(meaning, written, element);
       out.push_back(resolve(meaning, written));
     } catch (const MofFault& fault) {

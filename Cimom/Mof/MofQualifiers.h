@@ -40,14 +40,15 @@ class MofQualifiers {
     std::vector<QORString> scopes;  // empty: it may stand anywhere
   };
   std::string placeOfEarlier(const MofQualifierDeclarationSyntax& syntax) const;
-  const Meaning& meaningOf(const QORString& nameSpace, const QORString& name);
+  MofNameMap<Meaning>& meaningsIn(const QORString& nameSpace);
+  const Meaning& meaningOf(const QORString& nameSpace, const QORString& name, MofNameMap<Meaning>& known);
   CimQualifier resolve(const Meaning& meaning, const MofQualifierSyntax& syntax) const;
   static void checkScope(const Meaning& meaning, const MofQualifierSyntax& syntax, Element element);
 
   CimDeclarationSink& _sink;
   MofReport& _report;
-  std::unordered_map<std::string, Meaning> _meanings;      // by namespace and name, folded
-  std::unordered_map<std::string, MofLocation> _declared;  // likewise; in this load
+  MofNameMap<MofNameMap<Meaning>> _meanings;               // by namespace and name
+  std::unordered_map<std::string, MofLocation> _declared;  // likewise, folded; in this load
 };
 
 #endif

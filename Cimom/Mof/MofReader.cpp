@@ -21,6 +21,15 @@ std::string keyOf(const std::string& canonical, const QORString& nameSpace) {
   return canonical + '\n' + foldMofName(nameSpace);
 }
 
+// The path of a file that another one names: relative to the folder of that.
+std::string besides(const std::string& path, const std::string& named) {
+  const std::size_t slash = path.rfind('/');
+  if (slash == std::string::npos || named.starts_with('/')) return named;
+  const std::size_t last = path.find_last_not_of('/', slash);
+  const std::string folder = last == std::string::npos ? "" : path.substr(0, last + 1);
+  return folder + '/' + named;
+}
+
 std::string canonicalOf(const std::string& path) {
   std::error_code error;
   const fs::path canonical = fs::weakly_canonical(path, error);
@@ -45,13 +54,14 @@ void MofReader::readFolder(const std::string& path) {
 
 // That of a folder is worked out once for all plain files in it.
 std::string MofReader::canonicalPath(const std::string& path) {
-  const fs::path whole(path);
+  const std::size_t slash = path.rfind('/');
   std::error_code error;
-  const bool isPlain = whole.has_parent_path() && fs::symlink_status(whole, error).type() == fs::file_type::regular;
+  const bool isPlain = slash != std::string::npos && fs::symlink_status(path, error).type() == fs::file_type::regular;
   if (!isPlain) return canonicalOf(path);
-  const auto [known, isNew] = _folders.try_emplace(whole.parent_path().string());
+  const auto [known, isNew] = _folders.try_emplace(path.substr(0, std::max<std::size_t>(slash, 1)));
   if (isNew) known->second = canonicalOf(known->first);
-  return (fs::path(known->second) / whole.filename()).string();
+  const std::string& folder = known->second;
+  return folder + (folder.ends_with('/') ? path.substr(slash + 1) : path.substr(slash));
 }
 
 MofParser::Context MofReader::newContext() {
@@ -79,8 +89,7 @@ void MofReader::readText(std::string_view text, const std::string& name) {
 }
 
 void MofReader::readInclude(const std::string& named, const MofLocation& at, MofParser::Context& context) {
-  const fs::path folder = fs::path(at.source->getName()).parent_path();
-  readOnce((folder / named).string(), context, &at);
+  readOnce(besides(at.source->getName(), named), context, &at);
 }
 
 void MofReader::readOnce(const std::string& path, MofParser::Context& context, const MofLocation* includer) {
@@ -95,13 +104,13 @@ void MofReader::readOnce(const std::string& path, MofParser::Context& context, c
   }
   if (isRead(canonical, context)) return;
   _scopeOfFile.emplace(keyOf(canonical, context.nameSpace), context.scope);
-  std::string contents;
-  if (const std::string fault = readMofFile(path, contents); !fault.empty()) {
+  MofContent content;
+  if (const std::string fault = readMofFile(path, content); !fault.empty()) {
     return fail(path, includer, (includer != nullptr ? "cannot read " + path : "cannot be read") + ": " + fault);
   }
-  if (_described.insert(canonical).second) _inputs.push_back(describeMofFile(path, contents));
+  if (_described.insert(canonical).second) _inputs.push_back(describeMofFile(path, content));
   _open.push_back(canonical);
-  parseOnce(path, canonical, std::move(contents), context);
+  parseOnce(path, canonical, std::move(content.text), context);
   _open.pop_back();
 }
 

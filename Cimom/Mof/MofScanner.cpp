@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Mof/MofScanner.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdio>
 #include <string>
 
@@ -10,18 +12,44 @@
 
 namespace {
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-bool isNameStart(char c) {
+constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
+constexpr bool isNameStart(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || static_cast<unsigned char>(c) >= 0x80;
 }
-bool isNamePart(char c) { return isNameStart(c) || isDigit(c); }
-bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f' || c == '\v'; }
+constexpr bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f' || c == '\v'; }
+
+// One look-up tells what one of many comparisons would.
+enum ByteKind : unsigned char { kOther = 0, kBlank = 1, kNamePart = 2 };
+constexpr std::array<unsigned char, 256> makeByteKinds() {
+  std::array<unsigned char, 256> kinds{};
+  for (std::size_t i = 0; i < kinds.size(); ++i) {
+    const char c = static_cast<char>(i);
+    kinds[i] = isBlank(c) ? kBlank : isNameStart(c) || isDigit(c) ? kNamePart : kOther;
+  }
+  return kinds;
+}
+constexpr std::array<unsigned char, 256> kByteKinds = makeByteKinds();
+
+bool isOfKind(char c, ByteKind kind) { return kByteKinds[static_cast<unsigned char>(c)] == kind; }
+bool isNamePart(char c) { return isOfKind(c, kNamePart); }
+
+// npos when the text ends before its line does.
+std::size_t lengthOfLine(std::string_view text) {
+  const std::size_t newLine = text.find('\n');
+  return std::min(newLine, text.substr(0, newLine).find('\r'));
+}
+
+std::size_t endOfKind(std::string_view text, std::size_t offset, ByteKind kind) {
+  while (offset < text.size() && isOfKind(text[offset], kind)) ++offset;
+  return offset;
+}
 
 }  // namespace
 
 std::size_t MofScanner::lineEndAfter(std::size_t offset) const noexcept {
-  const std::size_t end = text().find_first_of("\r\n", offset);
-  return end == std::string_view::npos ? text().size() : end;
+  if (offset >= text().size()) return text().size();
+  const std::size_t length = lengthOfLine(text().substr(offset));
+  return length == std::string_view::npos ? text().size() : offset + length;
 }
 
 MofToken MofScanner::next() noexcept {
@@ -56,32 +84,40 @@ MofFault MofScanner::faultOf(const MofToken& token) const {
 }
 
 bool MofScanner::skipBlanks() noexcept {
-  while (_offset < text().size()) {
-    if (isBlank(at(_offset))) {
-      ++_offset;
-    } else if (at(_offset) == '/' && at(_offset + 1) == '/') {
+  for (;;) {
+    _offset = endOfKind(text(), _offset, kBlank);
+    if (at(_offset) == '/' && at(_offset + 1) == '/') {
       _offset = lineEndAfter(_offset);
     } else if (at(_offset) == '/' && at(_offset + 1) == '*') {
       const std::size_t end = text().find("*/", _offset + 2);
       if (end == std::string_view::npos) return false;
       _offset = end + 2;
     } else {
-      break;
+      return true;
     }
   }
-  return true;
 }
 
+// Most literals have neither an escape nor the end of a line in them: the next quote ends them. From a backslash on
+// each byte is looked at.
 MofToken MofScanner::quoted(MofToken::Kind kind, char quote) noexcept {
   const bool isString = kind == MofToken::Kind::String;
   constexpr std::size_t kNone = std::string_view::npos;
-  std::size_t lineEnd = kNone;
-  std::size_t offset = _offset + 1;
-  for (; offset < text().size() && text()[offset] != quote; ++offset) {
-    const char c = text()[offset];
-    if ((c == '\n' || c == '\r') && lineEnd == kNone) lineEnd = offset;
-    if (lineEnd != kNone && !isString) break;
-    if (c == '\\') ++offset;
+  const std::size_t start = _offset + 1;
+  std::size_t offset = std::min(text().find(quote, start), text().size());
+  const std::string_view inside = text().substr(start, offset - start);
+  const std::size_t escape = inside.find('\\');
+  std::size_t lineEnd = lengthOfLine(inside.substr(0, escape));
+  if (lineEnd != kNone) lineEnd += start;
+  if (lineEnd != kNone && !isString) {
+    offset = lineEnd;
+  } else if (escape != kNone) {
+    for (offset = start + escape; offset < text().size() && text()[offset] != quote; ++offset) {
+      const char c = text()[offset];
+      if ((c == '\n' || c == '\r') && lineEnd == kNone) lineEnd = offset;
+      if (lineEnd != kNone && !isString) break;
+      if (c == '\\') ++offset;
+    }
   }
   if (offset >= text().size() || text()[offset] != quote) {
     const std::size_t end = lineEnd == kNone ? text().size() : lineEnd;
@@ -105,8 +141,7 @@ MofToken MofScanner::number() noexcept {
 }
 
 MofToken MofScanner::name(MofToken::Kind kind, std::size_t prefix) noexcept {
-  std::size_t end = _offset + prefix + 1;
-  while (isNamePart(at(end))) ++end;
+  const std::size_t end = endOfKind(text(), _offset + prefix + 1, kNamePart);
   const std::size_t length = end - _offset;
   return isUtf8(text().substr(_offset, length)) ? made(kind, length) : bad("the name is not UTF-8", length);
 }
@@ -114,8 +149,7 @@ MofToken MofScanner::name(MofToken::Kind kind, std::size_t prefix) noexcept {
 MofToken MofScanner::pragma() noexcept {
   std::size_t start = _offset + 1;
   while (at(start) == ' ' || at(start) == '\t') ++start;
-  std::size_t end = start;
-  while (isNamePart(at(end))) ++end;
+  const std::size_t end = endOfKind(text(), start, kNamePart);
   if (!isMofWord(text().substr(start, end - start), "pragma")) return bad(nullptr, 1);
   return made(MofToken::Kind::Pragma, end - _offset);
 }

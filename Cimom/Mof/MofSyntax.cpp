@@ -2,12 +2,36 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Mof/MofSyntax.h"
 
+#include <algorithm>
+#include <cstring>
+
 std::string foldMofName(const QORString& name) {
   std::string folded(name.view());
   for (char& byte : folded) {
     if (byte >= 'A' && byte <= 'Z') byte = static_cast<char>(byte - 'A' + 'a');
   }
   return folded;
+}
+
+// Eight bytes at a time; folding changes letters only, where it is exact, and other bytes in the same way each time.
+std::size_t MofNameHash::operator()(std::string_view name) const noexcept {
+  constexpr QORuint64 kCase = 0x2020202020202020;
+  QORuint64 hash = name.size();
+  while (!name.empty()) {
+    QORuint64 bytes = 0;
+    const std::size_t count = std::min(name.size(), sizeof bytes);
+    std::memcpy(&bytes, name.data(), count);
+    hash = (hash ^ (bytes | kCase)) * 0x9E3779B97F4A7C15;
+    hash ^= hash >> 32U;
+    name.remove_prefix(count);
+  }
+  return hash;
+}
+
+QORString MofNamePool::nameOf(std::string_view name) {
+  QORString& recent = _recent[MofNameHash()(name) % _recent.size()];
+  if (recent.view() != name || recent.isNull()) recent = QORString(name);
+  return recent;
 }
 
 std::string subjectOfMofClass(const QORString& nameSpace, const QORString& name) {

@@ -4,9 +4,11 @@
 #ifndef QORQL_MOF_MOFSYNTAX_H
 #define QORQL_MOF_MOFSYNTAX_H
 
+#include <array>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -103,8 +105,29 @@ struct MofInstanceSyntax {
   std::vector<MofPropertySyntax> properties;
 };
 
+// Gives one string to the names that occur again and again in a load.
+class MofNamePool {
+ public:
+  QORString nameOf(std::string_view name);
+
+ private:
+  std::array<QORString, 1024> _recent;  // the last one of each hash
+};
+
 // A name in the form in which names are compared.
 std::string foldMofName(const QORString& name);
+
+// Maps whose keys are names: found as written, without a folded copy. Keys are kept as first written.
+struct MofNameHash {
+  using is_transparent = void;
+  std::size_t operator()(std::string_view name) const noexcept;
+};
+struct MofNameEqual {
+  using is_transparent = void;
+  bool operator()(std::string_view a, std::string_view b) const noexcept { return QORString::equalIgnoringCase(a, b); }
+};
+template <class Value>
+using MofNameMap = std::unordered_map<std::string, Value, MofNameHash, MofNameEqual>;
 
 // An instance of a document: what is written, or, where that is plain, a row.
 struct MofInstanceEntry {
@@ -115,6 +138,7 @@ struct MofInstanceEntry {
 // All that one load declares, in the order of the text. Instances have fixed
 // addresses.
 struct MofDocument {
+  MofNamePool names;
   std::vector<std::unique_ptr<MofSource>> sources;
   std::vector<QORString> nameSpaces;
   std::vector<MofQualifierDeclarationSyntax> qualifiers;
@@ -133,7 +157,9 @@ struct MofDocument {
   void refuseClass(const QORString& name);
   void refuseAlias(const QORString& name);
   // Whether the class, or the instance with the alias, is refused.
-  bool hasRefusedClass(const QORString& name) const { return refusedClasses.contains(foldMofName(name)); }
+  bool hasRefusedClass(const QORString& name) const {
+    return !refusedClasses.empty() && refusedClasses.contains(foldMofName(name));
+  }
   bool hasRefusedAlias(const QORString& name) const { return refusedAliases.contains(foldMofName(name)); }
 };
 

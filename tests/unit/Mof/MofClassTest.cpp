@@ -235,6 +235,10 @@ TEST_F(MofClass, RefusesWhatContradictsItself) {
   EXPECT_EQ(faultOf("class T { uint8 A(uint9 b); };"), "1:19: unknown type \"uint9\"");
   EXPECT_EQ(faultOf("class T { reference A; };"), "1:11: unknown type \"reference\"");
   EXPECT_EQ(faultOf("class T { [Key, key] string A; };"), "1:17: qualifier key is given twice");
+  std::string many = " {\n[";
+  for (int i = 0; i < 20; ++i) many += "Own" + std::to_string(i) + ", ";
+  EXPECT_NO_THROW(load("class Sound" + many + "Last] string A; };"));
+  EXPECT_EQ(faultOf("class T" + many + "\noWN7] string A; };"), "3:1: qualifier oWN7 is given twice");
   EXPECT_EQ(faultOf("class T { [MaxLen(\"x\")] string A; };"), "1:19: found a string, expected a value of type uint32");
   EXPECT_EQ(faultOf("class T { [Values(\"x\")] uint8 A; };"),
             "1:19: found a string, expected a value of type string[]");

@@ -186,4 +186,21 @@ TEST_F(MofValue, RefusesValuesOfAnotherKind) {
             "3:1: found an instance, expected a value of type string");
 }
 
+// Texts are looked at several bytes at a time: what is special may stand at any place among them.
+TEST_F(MofValue, ReadsStringsWithAnythingAtAnyPlace) {
+  const std::string letters = "abcdefghijklmnopqrstuvwxyz";
+  for (std::size_t place = 0; place <= letters.size(); ++place) {
+    const auto with = [&](const std::string& inside) { return std::string(letters).insert(place, inside); };
+    const std::string column = std::to_string(place + 2);
+    EXPECT_EQ(read("string", '"' + with("\\\"") + '"'), with("\""));
+    EXPECT_EQ(read("string", '"' + with("\\x41;\\\\") + '"'), with("A;\\"));
+    EXPECT_EQ(read("string", '"' + with("\xC3\xA4") + '"'), with("\xC3\xA4"));
+    EXPECT_EQ(read("string", '"' + with("//") + '"'), with("//"));
+    EXPECT_EQ(refused("string", '"' + with("\xFF") + '"'), "3:" + column + ": the text is not UTF-8");
+    EXPECT_EQ(refused("string", '"' + with("\\q") + '"').substr(0, 4 + column.size()), "3:" + column + ": u");
+    EXPECT_EQ(refused("string", '\'' + with("\n") + '\''), "3:1: unterminated character literal");
+    EXPECT_EQ(refused("string", '\'' + with("\\'") + "\n'"), "3:1: unterminated character literal");
+  }
+}
+
 }  // namespace
