@@ -20,7 +20,7 @@ list(TRANSFORM QORQL_ENGINE_HEADERS REPLACE "(.+)" "Cimom/QORQL/\\1.h")
 
 # Starting an object manager, filling it with declarations, MOF and providers.
 set(QORQL_EMBEDDED_HEADERS
-    Embedded/CimDeclarationRefusal Embedded/CimDeclarationSink Embedded/CimDeclarations
+    Embedded/CimDeclarationRefusal Embedded/CimDeclarationSink Embedded/CimDeclarationSource Embedded/CimDeclarations
     Embedded/EmbeddedObjectManager Embedded/InstanceProvider Mof/MofCache Mof/MofError Mof/MofInput Mof/MofLoader
     Providers/LinuxProviders)
 list(TRANSFORM QORQL_EMBEDDED_HEADERS REPLACE "(.+)" "Cimom/\\1.h")

@@ -48,7 +48,7 @@ bool AssociationWalk::resolveClasses() {
   if (!resolveClass(_request.resultClass, _resultEntry)) return false;
   for (const LiveSource& source : _space->sources) {
     const bool isWanted = _associationEntry == nullptr || source.entry->isA(*_associationEntry);
-    if (isWanted && source.entry->model->isAssociation()) _liveAssociations.push_back(source);
+    if (isWanted && source.entry->model().isAssociation()) _liveAssociations.push_back(source);
   }
   return true;
 }
@@ -66,7 +66,7 @@ void AssociationWalk::walkStored() {
   associations->forEach([this](const StoredInstance& association) {
     if (association.isPending) return;
     if (_associationEntry != nullptr && !association.entry->isA(*_associationEntry)) return;
-    meetEnds(*association.entry->model, *association.object);
+    meetEnds(association.entry->model(), *association.object);
   });
 }
 
@@ -75,7 +75,7 @@ void AssociationWalk::walkLive() {
     const auto* const associations =
         _live.referringTo(_store, source, _sourcePath.view(), source.entry != _associationEntry);
     if (associations == nullptr) continue;
-    for (const QORSmrPtr<IQoriObject>& association : *associations) meetEnds(*source.entry->model, *association);
+    for (const QORSmrPtr<IQoriObject>& association : *associations) meetEnds(source.entry->model(), *association);
   }
 }
 
@@ -125,7 +125,7 @@ void AssociationWalk::resolveStored() {
 }
 
 bool AssociationWalk::isResult(const ClassEntry& entry) const {
-  for (const ClassEntry* at = &entry; at != nullptr; at = at->superClass) {
+  for (const ClassEntry* at = &entry; at != nullptr; at = at->superClass()) {
     if (_resultEntry == nullptr || at->name().isEqualCaseInsensitive(_resultEntry->name())) return true;
   }
   return false;
@@ -144,7 +144,7 @@ QORSmrPtr<IQoriObject> AssociationWalk::findLive(const End& end) {
   }
   if (source.provider == nullptr || !isResult(*source.entry)) return {};
   const QORSmrPtr<IQoriObject> object = _live.find(_store, source, _request.names, end.path.view());
-  return object.IsNull() ? object : _restrictor.apply(*source.entry->model, object);
+  return object.IsNull() ? object : _restrictor.apply(source.entry->model(), object);
 }
 
 // The result class is asked for as a whole: the ends of other sources will be among the same instances.
@@ -163,7 +163,7 @@ CIMApi::Instances AssociationWalk::collect() {
       if (live.IsNull()) live = findOuter(end);
       if (!live.IsNull()) found->append(live);
     } else if (isResult(*end.entry)) {
-      found->append(_restrictor.apply(*end.entry->model, end.object));
+      found->append(_restrictor.apply(end.entry->model(), end.object));
     }
   }
   return found;

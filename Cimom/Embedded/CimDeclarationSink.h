@@ -7,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+#include "Cimom/Embedded/CimDeclarationSource.h"
 #include "Cimom/Embedded/CimDeclarations.h"
 #include "cimom/IQoriClass.h"
 #include "cimom/IQoriInstanceName.h"
@@ -41,6 +42,13 @@ class CimDeclarationSink {
   // keys, a change of a qualifier whose flavor forbids it, a reference outside
   // an association. An equal declaration again is accepted.
   virtual void declareClass(const QORString& nameSpace, const CimClassDeclaration& declaration) = 0;
+  // All classes of a load of before, which are in force by their headings; the rest of each is read when somebody needs
+  // it. False, and nothing is declared, when this sink has no such way, no transaction is open, or one of the
+  // namespaces has classes already. Refused: a namespace that does not exist, headings that contradict each other.
+  virtual bool declareClasses(const std::vector<CimClassHeading>& headings,
+                              const std::shared_ptr<CimDeclarationSource>& source);
+  // Another sink, like this one, into which nothing has been declared; null when there is none.
+  virtual std::unique_ptr<CimDeclarationSink> makeEmpty() const;
   // Refused: an unknown or abstract class, an unknown property, a property
   // given twice, a value of another type, a class without keys, a key without
   // value, a path that exists. References are stored in the repository's spelling.

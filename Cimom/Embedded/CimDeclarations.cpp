@@ -1,4 +1,4 @@
-// Look-ups in declarations, and what a sink does that knows no rows.
+// Look-ups in declarations, and what a sink does that knows neither rows nor headings.
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/CimDeclarations.h"
 
@@ -17,6 +17,13 @@ std::unique_ptr<CimInstanceMaker> CimDeclarationSink::instanceMaker(const QORStr
                                                                     const std::vector<QORString>& /*propertyNames*/) {
   return nullptr;
 }
+
+bool CimDeclarationSink::declareClasses(const std::vector<CimClassHeading>& /*headings*/,
+                                        const std::shared_ptr<CimDeclarationSource>& /*source*/) {
+  return false;
+}
+
+std::unique_ptr<CimDeclarationSink> CimDeclarationSink::makeEmpty() const { return nullptr; }
 
 // At once.
 bool CimInstanceMaker::createLater(std::string_view rows, QORuint32 count,

@@ -16,7 +16,7 @@ CIMApi::Instances makeList(const ClassEntry& entry, const CIMApi::PropertyNames&
   Restrictor restrictor(names);
   InstanceList& target = *list;
   entry.extent.forEach([&](const StoredInstance& stored) {
-    if (!stored.isPending) target.append(restrictor.apply(*stored.entry->model, stored.object));
+    if (!stored.isPending) target.append(restrictor.apply(stored.entry->model(), stored.object));
   });
   return list;
 }
@@ -76,7 +76,7 @@ QORSmrPtr<IQoriObject> findLive(const ObjectStore& store, const LiveSource& sour
   const QORString path = request.only->toString();
   for (const QORSmrPtr<IQoriObject>& object : readLive(store, source, request)) {
     if (object->getInstanceName()->toString() == path)
-      return Restrictor(request.names).apply(*source.entry->model, object);
+      return Restrictor(request.names).apply(source.entry->model(), object);
   }
   return {};
 }
@@ -102,9 +102,9 @@ CIMApi::Instances enumerateInstances(const ObjectStore& store, ListCache& cache,
   Restrictor restrictor(request.names);
   for (const LiveSource& source : sources) {
     LiveRequest own = request;
-    own.isOneOfMany = !source.entry->model->getClassName().isEqualCaseInsensitive(className);
+    own.isOneOfMany = !source.entry->model().getClassName().isEqualCaseInsensitive(className);
     for (const QORSmrPtr<IQoriObject>& object : readLive(store, source, own)) {
-      all->append(restrictor.apply(*source.entry->model, object));
+      all->append(restrictor.apply(source.entry->model(), object));
     }
   }
   return all;
@@ -123,7 +123,7 @@ CIMApi::Instances ownInstances(const ObjectStore& store, const QORString& nameSp
     if (entry == nullptr) return {};
     entry->extent.forEach([&](const StoredInstance& stored) {
       if (!stored.isPending && stored.entry == entry) {
-        all->append(restrictor.apply(*stored.entry->model, stored.object));
+        all->append(restrictor.apply(stored.entry->model(), stored.object));
       }
     });
     const LiveSource* const own = sourceFor(*space, entry);
@@ -131,7 +131,7 @@ CIMApi::Instances ownInstances(const ObjectStore& store, const QORString& nameSp
     source = *own;
   }
   for (const QORSmrPtr<IQoriObject>& object : readLive(store, source, {names, {}, {}, false})) {
-    all->append(restrictor.apply(*source.entry->model, object));
+    all->append(restrictor.apply(source.entry->model(), object));
   }
   return all;
 }
@@ -146,7 +146,7 @@ QORSmrPtr<IQoriObject> getInstance(const ObjectStore& store, const QORString& na
     const std::shared_lock<std::shared_mutex> lock = store.lockInstances();
     const QORString& wanted = nameSpace.isEmpty() ? own : nameSpace;
     const StoredInstance* const stored = store.findInstance(wanted, *name, View::Committed);
-    if (stored != nullptr) return Restrictor(names).apply(*stored->entry->model, stored->object);
+    if (stored != nullptr) return Restrictor(names).apply(stored->entry->model(), stored->object);
     request.only = store.canonicalName(wanted, *name, View::Committed);
     if (request.only.IsNull()) return {};
     const NameSpace& space = *store.findNameSpace(wanted, View::Committed);

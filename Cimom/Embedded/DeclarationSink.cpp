@@ -66,6 +66,16 @@ void DeclarationSink::declareClass(const QORString& nameSpace, const CimClassDec
   _store->declareClass(nameSpace, declaration, View::Loader);
 }
 
+bool DeclarationSink::declareClasses(const std::vector<CimClassHeading>& headings,
+                                     const std::shared_ptr<CimDeclarationSource>& source) {
+  const WriteLock lock(_store->mutex());
+  return _store->declareClasses(headings, source, View::Loader);
+}
+
+std::unique_ptr<CimDeclarationSink> DeclarationSink::makeEmpty() const {
+  return std::make_unique<DeclarationSink>(std::make_shared<ObjectStore>());
+}
+
 QORSmrPtr<IQoriInstanceName> DeclarationSink::createInstance(const QORString& nameSpace,
                                                              const CimInstanceDeclaration& declaration) {
   const WriteLock lock(_store->mutex());
@@ -94,16 +104,16 @@ QORSmrPtr<IQoriObject> DeclarationSink::makeClassObject(const QORString& nameSpa
 QORSmrPtr<IQoriClass> DeclarationSink::findClass(const QORString& nameSpace, const QORString& className) const {
   const ReadLock lock(_store->mutex());
   const ClassEntry* const entry = _store->findClass(nameSpace, className, View::Loader);
-  return entry == nullptr ? QORSmrPtr<IQoriClass>() : entry->handle;
+  return entry == nullptr ? QORSmrPtr<IQoriClass>() : entry->handle();
 }
 
 bool DeclarationSink::describeProperty(const QORString& nameSpace, const QORString& className,
                                        const QORString& propertyName, CimPropertyDeclaration& out) const {
   const ReadLock lock(_store->mutex());
   const ClassEntry* const entry = _store->findClass(nameSpace, className, View::Loader);
-  const QORsint32 position = entry == nullptr ? -1 : entry->model->position(propertyName);
+  const QORsint32 position = entry == nullptr ? -1 : entry->model().position(propertyName);
   if (position < 0) return false;
-  out = entry->model->properties()[static_cast<std::size_t>(position)];
+  out = entry->model().properties()[static_cast<std::size_t>(position)];
   return true;
 }
 

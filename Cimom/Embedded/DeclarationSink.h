@@ -24,6 +24,9 @@ class DeclarationSink final : public CimDeclarationSink {
   void createNamespace(const QORString& nameSpace) override;
   void declareQualifier(const QORString& nameSpace, const CimQualifierDeclaration& declaration) override;
   void declareClass(const QORString& nameSpace, const CimClassDeclaration& declaration) override;
+  bool declareClasses(const std::vector<CimClassHeading>& headings,
+                      const std::shared_ptr<CimDeclarationSource>& source) override;
+  std::unique_ptr<CimDeclarationSink> makeEmpty() const override;
   QORSmrPtr<IQoriInstanceName> createInstance(const QORString& nameSpace,
                                               const CimInstanceDeclaration& declaration) override;
   std::unique_ptr<CimInstanceMaker> instanceMaker(const QORString& nameSpace, const QORString& className,

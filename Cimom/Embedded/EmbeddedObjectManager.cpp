@@ -52,7 +52,7 @@ class Repository final : public IQoriRepository {
   QORSmrPtr<IQoriClass> find(const QORString& nameSpace, const QORString& className) const {
     const ReadLock lock(_store->mutex());
     const ClassEntry* const entry = _store->findClass(nameSpace, className, View::Committed);
-    return entry == nullptr ? QORSmrPtr<IQoriClass>() : entry->handle;
+    return entry == nullptr ? QORSmrPtr<IQoriClass>() : entry->handle();
   }
   // The outer source, if the object manager lives and has one.
   bool provide(const QORString& nameSpace, const QORString& className) const {
@@ -135,13 +135,21 @@ std::vector<QORString> EmbeddedObjectManager::declaredClassNames(const QORString
   return names;
 }
 
+QORString EmbeddedObjectManager::superClassName(const QORString& nameSpace, const QORString& className) const {
+  embedded::provideClass(*_state, nameSpace, className);
+  const ReadLock lock(_state->store->mutex());
+  const ClassEntry* const entry = _state->store->findClass(nameSpace, className, View::Committed);
+  if (entry == nullptr) return {};
+  return entry->superClass() == nullptr ? QORString::emptyString() : entry->superClass()->name();
+}
+
 bool EmbeddedObjectManager::describeClass(const QORString& nameSpace, const QORString& className,
                                           CimClassDeclaration& out) const {
   embedded::provideClass(*_state, nameSpace, className);
   const ReadLock lock(_state->store->mutex());
   const ClassEntry* const entry = _state->store->findClass(nameSpace, className, View::Committed);
   if (entry == nullptr) return false;
-  out = entry->model->declaration();
+  out = entry->model().declaration();
   return true;
 }
 
@@ -149,7 +157,7 @@ bool EmbeddedObjectManager::isAssociation(const QORString& nameSpace, const QORS
   embedded::provideClass(*_state, nameSpace, className);
   const ReadLock lock(_state->store->mutex());
   const ClassEntry* const entry = _state->store->findClass(nameSpace, className, View::Committed);
-  return entry != nullptr && entry->model->isAssociation();
+  return entry != nullptr && entry->model().isAssociation();
 }
 
 std::vector<CimPropertyDeclaration> EmbeddedObjectManager::allProperties(const QORString& nameSpace,
@@ -157,7 +165,7 @@ std::vector<CimPropertyDeclaration> EmbeddedObjectManager::allProperties(const Q
   embedded::provideClass(*_state, nameSpace, className);
   const ReadLock lock(_state->store->mutex());
   const ClassEntry* const entry = _state->store->findClass(nameSpace, className, View::Committed);
-  return entry == nullptr ? std::vector<CimPropertyDeclaration>() : entry->model->properties();
+  return entry == nullptr ? std::vector<CimPropertyDeclaration>() : entry->model().properties();
 }
 
 std::vector<CimQualifierDeclaration> EmbeddedObjectManager::qualifiers(const QORString& nameSpace) const {
@@ -183,8 +191,8 @@ QORString EmbeddedObjectManager::classMof(const QORString& nameSpace, const QORS
       space == nullptr ? nullptr : embedded::ObjectStore::findClass(*space, className, View::Committed);
   if (entry == nullptr) return {};
   std::vector<CimClassDeclaration> line;
-  for (; entry != nullptr; entry = isComplete ? entry->superClass : nullptr) {
-    line.insert(line.begin(), entry->model->declaration());
+  for (; entry != nullptr; entry = isComplete ? entry->superClass() : nullptr) {
+    line.insert(line.begin(), entry->model().declaration());
   }
   QORString text = isComplete ? embedded::qualifiersMofText(line, space->qualifiers) : QORString::emptyString();
   for (const CimClassDeclaration& declaration : line) {

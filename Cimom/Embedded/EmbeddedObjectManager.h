@@ -56,6 +56,9 @@ class EmbeddedObjectManager {
   std::vector<QORString> classNames(const QORString& nameSpace) const;
   // Without those that only the outer source has.
   std::vector<QORString> declaredClassNames(const QORString& nameSpace) const;
+  // In its own spelling; empty at the root, null when there is no such class. Unlike the questions below it does not
+  // read a class that has been left for later. THROWS as the outer source.
+  QORString superClassName(const QORString& nameSpace, const QORString& className) const;
   // False when there is none.
   bool describeClass(const QORString& nameSpace, const QORString& className, CimClassDeclaration& out) const;
   bool isAssociation(const QORString& nameSpace, const QORString& className) const;

@@ -14,7 +14,7 @@
 
 namespace embedded {
 
-struct ClassEntry;
+class ClassEntry;
 
 // One stored instance. A change replaces the object; its place in the order and its path stay.
 struct StoredInstance {

@@ -21,12 +21,6 @@ QORString referencedPath(const IQoriObject& object, QORuint32 position) {
 
 }  // namespace
 
-bool ClassEntry::isA(const ClassEntry& other) const noexcept {
-  const ClassEntry* entry = this;
-  while (entry != nullptr && entry != &other) entry = entry->superClass;
-  return entry != nullptr;
-}
-
 StoredInstance* InstanceTable::find(std::string_view path) const { return _byPath.find(path, hashOfPath(path)); }
 
 StoredInstance& InstanceTable::takePlace() {
@@ -49,7 +43,7 @@ StoredInstance* InstanceTable::insert(ClassEntry& entry, const QORSmrPtr<IQoriOb
   instance = {object, &entry, sequence, hash, isPending};
   _byPath.insert(instance);
   try {
-    for (ClassEntry* at = &entry; at != nullptr; at = at->superClass) at->extent.insert(instance);
+    for (ClassEntry* at = &entry; at != nullptr; at = at->superClass()) at->extent.insert(instance);
     addReferences(instance);
   } catch (...) {
     remove(instance);
@@ -76,7 +70,7 @@ void InstanceTable::replace(StoredInstance& instance, const QORSmrPtr<IQoriObjec
 
 void InstanceTable::remove(StoredInstance& instance) noexcept {
   removeReferences(instance);
-  for (ClassEntry* at = instance.entry; at != nullptr; at = at->superClass) at->extent.remove(instance);
+  for (ClassEntry* at = instance.entry; at != nullptr; at = at->superClass()) at->extent.remove(instance);
   if (!instance.isPending) touch(instance.entry);
   _byPath.remove(instance);
   instance = {};
@@ -94,14 +88,14 @@ const Extent* InstanceTable::referringTo(std::string_view path) const noexcept {
 }
 
 void InstanceTable::addReferences(StoredInstance& instance) {
-  for (const QORuint32 position : instance.entry->model->referencePositions()) {
+  for (const QORuint32 position : instance.entry->model().referencePositions()) {
     const QORString path = referencedPath(*instance.object, position);
     if (!path.isNull()) _referring[std::string(path.view())].insert(instance);
   }
 }
 
 void InstanceTable::removeReferences(const StoredInstance& instance) noexcept {
-  for (const QORuint32 position : instance.entry->model->referencePositions()) {
+  for (const QORuint32 position : instance.entry->model().referencePositions()) {
     const auto found = _referring.find(referencedPath(*instance.object, position).view());
     if (found == _referring.end()) continue;
     found->second.remove(instance);
@@ -110,7 +104,7 @@ void InstanceTable::removeReferences(const StoredInstance& instance) noexcept {
 }
 
 void InstanceTable::touch(ClassEntry* entry) noexcept {
-  for (; entry != nullptr; entry = entry->superClass) ++entry->version;
+  for (; entry != nullptr; entry = entry->superClass()) ++entry->version;
 }
 
 }  // namespace embedded

@@ -11,25 +11,11 @@
 #include <unordered_map>
 #include <vector>
 
-#include "Cimom/Embedded/CQoriClass.h"
+#include "Cimom/Embedded/ClassEntry.h"
 #include "Cimom/Embedded/Extent.h"
 #include "Cimom/Embedded/PathIndex.h"
 
 namespace embedded {
-
-// A declared class and the instances of it and its subclasses.
-struct ClassEntry {
-  QORSmrPtr<IQoriClass> handle;  // what the repository hands out; the same object as `model`
-  const CQoriClass* model = nullptr;
-  ClassEntry* superClass = nullptr;  // BORROWS
-  Extent extent;                     // subclass instances included
-  QORuint64 version = 0;             // changes with what queries see of the extent
-  bool isPending = false;            // declared by a load that has not been committed
-
-  const QORString& name() const noexcept { return model->getClassName(); }
-  // Whether this is the other class or a subclass of it.
-  bool isA(const ClassEntry& other) const noexcept;
-};
 
 // Lets maps with text keys be searched by a view.
 struct PathHash {

@@ -155,7 +155,7 @@ void callProvider(InstanceProvider& provider, const InstanceProvider::Request& r
 
 std::vector<QORSmrPtr<IQoriObject>> readLive(const ObjectStore& store, const LiveSource& source,
                                              const LiveRequest& request) {
-  const CQoriClass& model = *source.entry->model;
+  const CQoriClass& model = source.entry->model();
   Collector collector(store, model, request);
   callProvider(
       *source.provider,

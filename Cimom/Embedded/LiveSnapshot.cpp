@@ -26,7 +26,7 @@ const std::vector<QORSmrPtr<IQoriObject>>* LiveSnapshot::referringTo(const Objec
                                                                      std::string_view path, bool isOneOfMany) {
   auto known = _associations.find(source.entry);
   if (known == _associations.end()) {
-    const CQoriClass& model = *source.entry->model;
+    const CQoriClass& model = source.entry->model();
     PathMap<std::vector<QORSmrPtr<IQoriObject>>> index;
     for (const QORSmrPtr<IQoriObject>& association :
          readLive(store, source, {referenceNames(model), {}, {}, isOneOfMany})) {

@@ -35,6 +35,7 @@ struct LaterRows {
 struct NameSpace {
   QORString name;
   NameMap<CimQualifierDeclaration> qualifiers;
+  std::unique_ptr<LaterClasses> laterClasses;        // of classes that are read when they are needed; null: none
   std::vector<std::unique_ptr<ClassEntry>> classes;  // in declaration order
   NameMap<ClassEntry*> classIndex;
   InstanceTable instances;

@@ -83,7 +83,7 @@ QORSmrPtr<IQoriInstanceName> ObjectStore::canonicalName(const QORString& nameSpa
   const NameSpace* const space = findNameSpace(own.isEmpty() ? nameSpace : own, view);
   const ClassEntry* const entry = space == nullptr ? nullptr : findClass(*space, name.getClassName(), view);
   if (entry == nullptr) return {};
-  const CQoriClass& model = *entry->model;
+  const CQoriClass& model = entry->model();
   if (name.getKeys()->entries() != model.keyPositions().size()) return {};
   const QORSmrPtr<IQoriInstanceName::KeyList> keys(new IQoriInstanceName::KeyList);
   for (const QORuint32 position : model.keyPositions()) {
@@ -124,14 +124,14 @@ QORSmrPtr<IQoriValue> ObjectStore::providedReference(const QORString& nameSpace,
   if (name.IsNull()) return value;
   const QORString& own = name->getNameSpacePath()->getNameSpace();
   const ClassEntry* const entry = findClass(own.isEmpty() ? nameSpace : own, name->getClassName(), View::Committed);
-  if (entry == nullptr || name->getKeys()->entries() <= entry->model->keyPositions().size()) {
+  if (entry == nullptr || name->getKeys()->entries() <= entry->model().keyPositions().size()) {
     return canonicalReference(nameSpace, value, View::Committed);
   }
   const QORSmrPtr<IQoriInstanceName::KeyList> keys(new IQoriInstanceName::KeyList);
   QORValSlistIterator<QORSmrPtr<IQoriProperty>> given(*name->getKeys());
   while (++given) {
-    const QORsint32 position = entry->model->position(given.key()->getName());
-    if (position >= 0 && entry->model->isKey(static_cast<QORuint32>(position))) keys->append(given.key());
+    const QORsint32 position = entry->model().position(given.key()->getName());
+    if (position >= 0 && entry->model().isKey(static_cast<QORuint32>(position))) keys->append(given.key());
   }
   const QORSmrPtr<IQoriInstanceName> reduced(
       new CQoriInstanceName(name->getClassName(), keys, name->getNameSpacePath()));
@@ -181,6 +181,7 @@ void ObjectStore::rollback() noexcept {
   }
   for (const std::unique_ptr<NameSpace>& space : _nameSpaces) {
     std::erase_if(space->classes, [](const std::unique_ptr<ClassEntry>& entry) { return entry->isPending; });
+    if (space->classes.empty()) space->laterClasses.reset();
   }
   for (const auto& [space, name] : pending->qualifiers) space->qualifiers.erase(name);
   for (NameSpace* const space : pending->nameSpaces) {

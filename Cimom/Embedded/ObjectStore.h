@@ -55,6 +55,9 @@ class ObjectStore {
   void createNameSpace(const QORString& name, View view);
   void declareQualifier(const QORString& nameSpace, const CimQualifierDeclaration& declaration, View view);
   void declareClass(const QORString& nameSpace, const CimClassDeclaration& declaration, View view);
+  // Classes that a source tells when they are needed; false, and nothing is declared, where they cannot be left to it.
+  bool declareClasses(const std::vector<CimClassHeading>& headings, const std::shared_ptr<CimDeclarationSource>& source,
+                      View view);
   // REQUIRES a provider of the class.
   void addSource(const QORString& nameSpace, const QORString& className, std::shared_ptr<InstanceProvider> provider);
   StoredInstance& createInstance(const QORString& nameSpace, const CimInstanceDeclaration& declaration, View view);
@@ -94,6 +97,8 @@ class ObjectStore {
 
   NameSpace& requireNameSpace(const QORString& name, View view) const;
   static ClassEntry* requireSuperClass(const NameSpace& space, const CimClassDeclaration& declaration, View view);
+  ClassEntry& addClass(NameSpace& space, std::unique_ptr<ClassEntry> entry, View view);
+  bool areFirst(const std::vector<CimClassHeading>& headings, View view) const;
   ClassEntry& requireConcreteClass(const NameSpace& space, const QORString& className, View view) const;
   QORSmrPtr<IQoriInstanceName> canonicalName(const QORString& nameSpace, const IQoriInstanceName& name, View view,
                                              int depth) const;

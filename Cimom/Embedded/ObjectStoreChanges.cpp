@@ -73,23 +73,25 @@ void ObjectStore::declareClass(const QORString& nameSpace, const CimClassDeclara
   if (declaration.name.isEmpty()) refuse(CimStatus::InvalidParameter, {"a class needs a name"});
   const auto found = space.classIndex.find(declaration.name.view());
   if (found != space.classIndex.end()) {
-    if (sameDeclaration(found->second->model->declaration(), declaration)) return;
+    if (sameDeclaration(found->second->model().declaration(), declaration)) return;
     refuse(CimStatus::AlreadyExists,
            {"class ", found->second->name().view(), " is declared already, with another declaration"});
   }
   ClassEntry* const superClass = requireSuperClass(space, declaration, view);
   const QORSmrPtr<IQoriClass> handle(
-      new CQoriClass(space.name, declaration, superClass == nullptr ? nullptr : superClass->model));
-  auto entry = std::make_unique<ClassEntry>();
-  entry->handle = handle;
-  entry->model = static_cast<const CQoriClass*>(handle.Get());
-  entry->superClass = superClass;
+      new CQoriClass(space.name, declaration, superClass == nullptr ? nullptr : &superClass->model()));
+  addClass(space, std::make_unique<ClassEntry>(handle, superClass), view);
+  if (!becomesPending(view)) noteClassChange();
+}
+
+// Of a name that no class has.
+ClassEntry& ObjectStore::addClass(NameSpace& space, std::unique_ptr<ClassEntry> entry, View view) {
   entry->isPending = becomesPending(view);
   space.classes.push_back(std::move(entry));
-  ClassEntry* const added = space.classes.back().get();
-  if (added->isPending) _pending->classes.emplace_back(&space, added);
-  space.classIndex.emplace(declaration.name.view(), added);
-  if (!added->isPending) noteClassChange();
+  ClassEntry& added = *space.classes.back();
+  if (added.isPending) _pending->classes.emplace_back(&space, &added);
+  space.classIndex.emplace(added.name().view(), &added);
+  return added;
 }
 
 void ObjectStore::addSource(const QORString& nameSpace, const QORString& className,
@@ -111,7 +113,7 @@ ClassEntry& ObjectStore::requireConcreteClass(const NameSpace& space, const QORS
   if (entry == nullptr) {
     refuse(CimStatus::InvalidClass, {"instance of ", className.view(), ": the class is not declared"});
   }
-  if (entry->model->isAbstract()) {
+  if (entry->model().isAbstract()) {
     refuse(CimStatus::InvalidClass, {"instance of ", entry->name().view(), ": the class is abstract"});
   }
   return *entry;
@@ -145,10 +147,10 @@ void ObjectStore::setValues(const NameSpace& space, const CQoriClass& model,
 std::vector<QORSmrPtr<IQoriValue>> ObjectStore::valuesFor(const NameSpace& space, const ClassEntry& entry,
                                                           const CimInstanceDeclaration& declaration, View view) const {
   std::vector<QORSmrPtr<IQoriValue>> values;
-  values.reserve(entry.model->properties().size());
-  for (const CimPropertyDeclaration& property : entry.model->properties()) values.push_back(property.defaultValue);
-  setValues(space, *entry.model, declaration.properties, values, view);
-  checkKeyReferences(*entry.model, values);
+  values.reserve(entry.model().properties().size());
+  for (const CimPropertyDeclaration& property : entry.model().properties()) values.push_back(property.defaultValue);
+  setValues(space, entry.model(), declaration.properties, values, view);
+  checkKeyReferences(entry.model(), values);
   return values;
 }
 
@@ -157,7 +159,7 @@ StoredInstance& ObjectStore::createInstance(const QORString& nameSpace, const Ci
   readLaterRows();
   NameSpace& space = requireNameSpace(nameSpace, view);
   ClassEntry& entry = requireConcreteClass(space, declaration.className, view);
-  const CQoriClass& model = *entry.model;
+  const CQoriClass& model = entry.model();
   const std::vector<QORSmrPtr<IQoriValue>> values = valuesFor(space, entry, declaration, view);
   if (model.keyPositions().empty()) {
     refuse(CimStatus::InvalidClass,
@@ -180,7 +182,7 @@ QORSmrPtr<IQoriObject> ObjectStore::makeObject(const QORString& nameSpace, const
                                                View view) const {
   const NameSpace& space = requireNameSpace(nameSpace, view);
   const ClassEntry& entry = requireConcreteClass(space, declaration.className, view);
-  return ModelInstance::create(entry.model->shape(), valuesFor(space, entry, declaration, view));
+  return ModelInstance::create(entry.model().shape(), valuesFor(space, entry, declaration, view));
 }
 
 QORSmrPtr<IQoriObject> ObjectStore::makeClassObject(const QORString& nameSpace, const CimClassDeclaration& declaration,
@@ -188,7 +190,7 @@ QORSmrPtr<IQoriObject> ObjectStore::makeClassObject(const QORString& nameSpace, 
   const NameSpace& space = requireNameSpace(nameSpace, view);
   if (declaration.name.isEmpty()) refuse(CimStatus::InvalidParameter, {"a class needs a name"});
   const ClassEntry* const superClass = requireSuperClass(space, declaration, view);
-  const CQoriClass declared(space.name, declaration, superClass == nullptr ? nullptr : superClass->model);
+  const CQoriClass declared(space.name, declaration, superClass == nullptr ? nullptr : &superClass->model());
   std::vector<QORSmrPtr<IQoriValue>> defaults;
   for (const CimPropertyDeclaration& property : declared.properties()) defaults.push_back(property.defaultValue);
   const QORString text = classMofText(declared.declaration(), space.qualifiers);
@@ -201,7 +203,7 @@ void ObjectStore::modifyInstance(const IQoriInstanceName& name, const std::vecto
   NameSpace& space = requireNameSpace(nameSpace, View::Committed);
   StoredInstance* const instance = findInstance(nameSpace, name, View::Committed);
   if (instance == nullptr) refuse(CimStatus::NotFound, {"instance ", name.toString().view(), " does not exist"});
-  const CQoriClass& model = *instance->entry->model;
+  const CQoriClass& model = instance->entry->model();
   std::vector<QORSmrPtr<IQoriValue>> values;
   const QORuint32 count = instance->object->getPropertyCount();
   values.reserve(count);

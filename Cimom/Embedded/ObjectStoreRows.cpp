@@ -27,7 +27,7 @@ std::unique_ptr<RowPlan> ObjectStore::planRows(const QORString& nameSpace, const
                                                const std::vector<QORString>& propertyNames, View view) const {
   NameSpace* const space = findNameSpace(nameSpace, view);
   ClassEntry* const entry = space == nullptr ? nullptr : findClass(*space, className, view);
-  if (entry == nullptr || entry->model->isAbstract()) return nullptr;
+  if (entry == nullptr || entry->model().isAbstract()) return nullptr;
   auto plan = std::make_unique<RowPlan>(*space, *entry);
   return plan->readColumns(propertyNames) ? std::move(plan) : nullptr;
 }

@@ -111,7 +111,7 @@ QORSmrPtr<IQoriValue> valueOf(const QoriScalar& scalar, const QORSmrPtr<IQoriTyp
 }  // namespace
 
 bool RowPlan::addColumn(QORuint32 position) {
-  const CQoriClass& model = *_entry.model;
+  const CQoriClass& model = _entry.model();
   const IQoriType& type = *model.type(position);
   const Code code = CQoriType::codeOf(type);
   for (const Column& column : _columns) {
@@ -125,7 +125,7 @@ bool RowPlan::addColumn(QORuint32 position) {
 }
 
 bool RowPlan::readColumns(const std::vector<QORString>& propertyNames) {
-  const CQoriClass& model = *_entry.model;
+  const CQoriClass& model = _entry.model();
   if (model.keyPositions().empty()) return false;
   std::vector<bool> isGiven(model.properties().size(), false);
   for (const QORString& name : propertyNames) {

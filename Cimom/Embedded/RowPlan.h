@@ -21,7 +21,7 @@ struct NameSpace;
 class RowPlan {
  public:
   RowPlan(NameSpace& space, ClassEntry& entry)
-      : _space(space), _entry(entry), _shape(entry.model->shape()), _checksDateTimes(!entry.isPending) {}
+      : _space(space), _entry(entry), _shape(entry.model().shape()), _checksDateTimes(!entry.isPending) {}
   RowPlan(const RowPlan&) = delete;
   RowPlan& operator=(const RowPlan&) = delete;
 

@@ -13,7 +13,7 @@
 #include "cmpbase.h"
 
 // Of the format of file and content; another version's files are not read.
-inline constexpr unsigned kMofCacheVersion = 3;
+inline constexpr unsigned kMofCacheVersion = 4;
 
 // A file of this version that is whole: its content. THROWS
 // std::runtime_error that says what is wrong with it.

@@ -5,9 +5,14 @@
 #include <MofCacheFormat_generated.h>
 
 #include <bit>
+#include <functional>
+#include <limits>
 #include <stdexcept>
 #include <string_view>
+#include <unordered_map>
 
+#include "Cimom/Embedded/CimDeclarationSource.h"
+#include "Cimom/Mof/MofSyntax.h"
 #include "cimom/CQoriType.h"
 #include "cimom/IQoriInstanceName.h"
 #include "cimom/IQoriProperty.h"
@@ -20,6 +25,10 @@ using flatbuffers::Offset;
 template <class Table>
 using Tables = Offset<flatbuffers::Vector<Offset<Table>>>;
 
+constexpr QORsint32 kSuperClassElsewhere = -2;
+
+constexpr QORuint64 paddedSize(QORuint64 size) { return (size + 7) / 8 * 8; }
+
 // Far deeper than any load goes, which bounds nesting itself.
 constexpr int kMaximumDepth = 100;
 
@@ -27,7 +36,28 @@ class Writer {
  public:
   explicit Writer(const MofRecord& record) : _record(record) {}
 
-  // BORROWS from this object.
+  // Gives the tables of one class after the other to `take`; of a class that is declared again once.
+  void writeClasses(const std::function<void(std::string_view)>& take) {
+    std::unordered_map<std::string, QORsint32> numbers;
+    QORuint64 offset = 0;
+    for (const auto& entry : _record.classes) {
+      const CimClassDeclaration& declared = entry.declaration;
+      const auto number = static_cast<QORsint32>(_headings.size());
+      if (!numbers.emplace(keyOf(entry.nameSpace, declared.name), number).second) continue;
+      const auto above = numbers.find(keyOf(entry.nameSpace, declared.superClass));
+      const QORsint32 noNumber = declared.superClass.isEmpty() ? CimClassHeading::kNoSuperClass : kSuperClassElsewhere;
+      _out.Clear();
+      _out.Finish(definition(entry.nameSpace, declared));
+      if (offset > std::numeric_limits<QORuint32>::max()) throw std::runtime_error("there is too much of it");
+      _headings.push_back({&entry, above == numbers.end() ? noNumber : above->second, static_cast<QORuint32>(offset),
+                           static_cast<QORuint32>(_out.GetSize())});
+      take(written());
+      offset += paddedSize(_out.GetSize());
+    }
+    _out.Clear();
+  }
+
+  // The tables of the rest. BORROWS from this object.
   std::string_view write(const std::vector<MofInput>& inputs, const std::string& key) {
     const auto files = list<mofcache::Input>(inputs, [this](const MofInput& input) {
       return mofcache::CreateInput(_out, text(input.path), input.isFolder, input.size, input.modified, input.hash);
@@ -36,8 +66,10 @@ class Writer {
         list<flatbuffers::String>(_record.nameSpaces, [this](const QORString& s) { return text(s); });
     const auto qualifiers = list<mofcache::QualifierDeclaration>(
         _record.qualifiers, [this](const auto& entry) { return declaration(entry.nameSpace, entry.declaration); });
-    const auto classes = list<mofcache::Definition>(
-        _record.classes, [this](const auto& entry) { return definition(entry.nameSpace, entry.declaration); });
+    const auto classes = list<mofcache::Heading>(_headings, [this](const Heading& kept) {
+      return mofcache::CreateHeading(_out, text(kept.entry->nameSpace), text(kept.entry->declaration.name),
+                                     kept.superClass, kept.offset, kept.size);
+    });
     const auto instances = list<mofcache::Instance>(
         _record.instances, [this](const auto& entry) { return instance(entry.nameSpace, entry.declaration, 0); });
     const auto forms = list<mofcache::Form>(_record.forms, [this](const MofRecord::Form& kept) { return form(kept); });
@@ -46,10 +78,22 @@ class Writer {
     const auto order = _out.CreateVectorOfStructs(runs);
     _out.Finish(mofcache::CreateLoad(_out, text(key), mofClockNow(), files, nameSpaces, qualifiers, classes, instances,
                                      forms, order));
-    return {reinterpret_cast<const char*>(_out.GetBufferPointer()), _out.GetSize()};
+    return written();
   }
 
  private:
+  // What stands in a table of its own.
+  struct Heading {
+    const MofRecord::Entry<CimClassDeclaration>* entry;
+    QORsint32 superClass;
+    QORuint32 offset;
+    QORuint32 size;
+  };
+
+  static std::string keyOf(const QORString& nameSpace, const QORString& name) {
+    return foldMofName(nameSpace) + ':' + foldMofName(name);
+  }
+  std::string_view written() const { return {reinterpret_cast<const char*>(_out.GetBufferPointer()), _out.GetSize()}; }
   Offset<flatbuffers::String> text(std::string_view content) {
     return _out.CreateSharedString(content.data(), content.size());
   }
@@ -193,6 +237,7 @@ class Writer {
   }
 
   const MofRecord& _record;
+  std::vector<Heading> _headings;
   flatbuffers::FlatBufferBuilder _out;
 };
 
@@ -206,13 +251,19 @@ void appendMofCacheRow(MofCacheOutput& output, std::string_view row) {
 
 void appendMofCacheRecord(MofCacheOutput& output, const MofRecord& record, const std::vector<MofInput>& inputs,
                           const std::string& key) {
+  const auto pad = [&output] { output.append(std::string(paddedSize(output.size()) - output.size(), '\0')); };
   Writer writer(record);
-  const std::string_view content = writer.write(inputs, key);
-  constexpr std::size_t kUnit = sizeof(QORuint64);
-  const std::string gap((kUnit - output.size() % kUnit) % kUnit, '\0');
-  output.append(gap);
-  output.append(content);
-  output.append(std::string((kUnit - content.size() % kUnit) % kUnit, '\0'));
-  const QORuint64 size = content.size();
-  output.append({reinterpret_cast<const char*>(&size), sizeof size});
+  pad();
+  const QORuint64 begin = output.size();
+  writer.writeClasses([&output, &pad](std::string_view tables) {
+    output.append(tables);
+    pad();
+  });
+  const QORuint64 classes = output.size() - begin;
+  const std::string_view rest = writer.write(inputs, key);
+  output.append(rest);
+  pad();
+  for (const QORuint64 size : {classes, QORuint64{rest.size()}}) {
+    output.append({reinterpret_cast<const char*>(&size), sizeof size});
+  }
 }

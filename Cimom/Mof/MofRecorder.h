@@ -62,7 +62,8 @@ class MofRecorder final : public CimDeclarationSink {
   using RowKeeper = std::function<void(std::string_view)>;
   MofRecorder(CimDeclarationSink& target, RowKeeper keepRow) : _target(target), _keepRow(std::move(keepRow)) {}
 
-  const MofRecord& record() const noexcept { return _record; }
+  const MofRecord& record() const& noexcept { return _record; }
+  MofRecord record() && { return std::move(_record); }
 
   void begin() override;
   void commit() override { _target.commit(); }
@@ -76,6 +77,7 @@ class MofRecorder final : public CimDeclarationSink {
                                                   const std::vector<QORString>& propertyNames) override;
   QORSmrPtr<IQoriObject> makeObject(const QORString& nameSpace, const CimInstanceDeclaration& declaration) override;
   QORSmrPtr<IQoriObject> makeClassObject(const QORString& nameSpace, const CimClassDeclaration& declaration) override;
+  std::unique_ptr<CimDeclarationSink> makeEmpty() const override { return _target.makeEmpty(); }
   QORSmrPtr<IQoriClass> findClass(const QORString& nameSpace, const QORString& className) const override {
     return _target.findClass(nameSpace, className);
   }

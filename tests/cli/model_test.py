@@ -315,6 +315,27 @@ class Cache(ToolCase):
         plain = self.run_tool("instances", "--no-live", "-m", self.mof, "--no-cache", "Shop_Item")
         self.assertEqual(self.succeed(again), self.succeed(plain))
 
+    # Classes are read from it when they are asked for, names are there from the start.
+    def test_every_command_shows_the_same_from_it(self):
+        with open(self.mof, "a", encoding="utf-8") as model:
+            model.write("class Shop_Fresh : Shop_Item { uint32 Days = 3; }; class Shop_Cool : Shop_Fresh { };\n"
+                        "[Association] class Shop_Beside { [Key] Shop_Item REF Left; [Key] Shop_Item REF Right; };\n")
+        self.load("-m", self.mof, "--cache", self.file)
+        classes = self.succeed(self.run_tool("classes", "--no-live", "-m", self.mof, "--no-cache")).split()
+        self.assertEqual(len(classes), 5)
+        commands = [["classes"], ["classes", "-l"], ["classes", "*Empty*"], ["classes", "X*"], ["class", "Shop_Emty"],
+                    ["contents"], ["instances", "*"], ["-o", "csv", "SELECT Id FROM Shop_Empti"],
+                    ["-o", "csv", "SELECT Idd FROM Shop_Empty"], ["explain", "SELECT Id FROM Shop_Empty WHERE Id = 'a'"],
+                    ["validate", "SELECT * FROM Shop_Itm"]]
+        for name in classes:
+            commands += [["class", name], ["class", "--complete", name], ["describe", name], ["instances", name],
+                         ["-o", "csv", f"SELECT * FROM {name}"]]
+        for command in commands:
+            with self.subTest(command=command):
+                plain = self.run_tool(*command, "--no-live", "-m", self.mof, "--no-cache")
+                kept = self.run_tool(*command, "--no-live", "-m", self.mof, "--cache", self.file)
+                self.assertEqual((kept.status, kept.out, kept.err), (plain.status, plain.out, plain.err))
+
     def test_a_changed_source_is_seen(self):
         self.load("-m", self.mof, "--cache", self.file)
         with open(self.mof, "a", encoding="utf-8") as model:

@@ -10,10 +10,7 @@ QORSmrPtr<IQoriClass> ClassFamily::find(const QORString& className) const {
 
 bool ClassFamily::isA(const QORString& className, const QORString& ancestor) const {
   QORString name = className;
-  while (!name.isEmpty() && !name.isEqualCaseInsensitive(ancestor)) {
-    const QORSmrPtr<IQoriClass> model(find(name));
-    name = model.IsNull() ? QORString() : model->getSuperClassName();
-  }
+  while (!name.isEmpty() && !name.isEqualCaseInsensitive(ancestor)) name = _manager.superClassName(_nameSpace, name);
   return !name.isEmpty();
 }
 
@@ -21,9 +18,9 @@ QORString ClassFamily::holderOf(const QORString& className, const QORString& pro
   const QORSmrPtr<IQoriClass> model(find(className));
   if (!model.IsNull() && model->getProperty(property, true) != nullptr) return model->getClassName();
   for (const QORString& name : _manager.classNames(_nameSpace)) {
+    if (!isA(name, className)) continue;
     const QORSmrPtr<IQoriClass> candidate(find(name));
-    if (candidate.IsNull() || candidate->getProperty(property, true) == nullptr) continue;
-    if (isA(name, className)) return name;
+    if (!candidate.IsNull() && candidate->getProperty(property, true) != nullptr) return name;
   }
   return {};
 }

@@ -54,14 +54,10 @@ class InstancePrinter {
 // come last, as a person reads them.
 std::vector<QORString> familiesOf(EmbeddedObjectManager& manager, const QORString& nameSpace,
                                   const std::string& pattern) {
-  const auto superClassOf = [&](const QORString& name) {
-    const QORSmrPtr<IQoriClass> declared = manager.repository()->getClass(nameSpace, name);
-    return declared.IsNull() ? QORString() : declared->getSuperClassName();
-  };
   std::vector<QORString> names;
   for (const QORString& name : matchingClasses(manager, std::string(nameSpace.view()), pattern)) {
-    QORString above = superClassOf(name);
-    while (!above.isEmpty() && !isClassMatch(above, pattern)) above = superClassOf(above);
+    QORString above = manager.superClassName(nameSpace, name);
+    while (!above.isEmpty() && !isClassMatch(above, pattern)) above = manager.superClassName(nameSpace, above);
     if (above.isEmpty()) names.push_back(name);
   }
   std::stable_partition(names.begin(), names.end(),

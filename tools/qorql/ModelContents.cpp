@@ -73,8 +73,8 @@ ModelContents contentsOf(EmbeddedObjectManager& manager, const QORString& nameSp
 std::vector<QORString> rootClasses(const EmbeddedObjectManager& manager, const QORString& nameSpace) {
   std::vector<QORString> roots;
   for (const QORString& name : manager.classNames(nameSpace)) {
-    const QORSmrPtr<IQoriClass> declared = manager.repository()->getClass(nameSpace, name);
-    if (!declared.IsNull() && declared->getSuperClassName().isEmpty()) roots.push_back(name);
+    const QORString above = manager.superClassName(nameSpace, name);
+    if (!above.isNull() && above.isEmpty()) roots.push_back(name);
   }
   return roots;
 }

@@ -53,8 +53,7 @@ class NamespaceGraph {
 
   // Empty at the root, and of a class that does not exist.
   std::string superclassOf(const std::string& name) const {
-    const QORSmrPtr<IQoriClass> declared = _manager.repository()->getClass(_nameSpace, QORString(name));
-    return declared.IsNull() ? "" : nameOf(declared->getSuperClassName());
+    return nameOf(_manager.superClassName(_nameSpace, QORString(name)));
   }
   // The classes in which the lines of at least two classes meet.
   void findMeetings() {

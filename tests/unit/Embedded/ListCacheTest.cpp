@@ -8,6 +8,16 @@ using embedded::ListCache;
 
 namespace {
 
+// The entry of a class that is there from the start.
+struct PlainEntry : ClassEntry {
+  PlainEntry() : ClassEntry(QORSmrPtr<IQoriClass>(new CQoriClass("root/cimv2", declaration(), nullptr)), nullptr) {}
+  static CimClassDeclaration declaration() {
+    CimClassDeclaration plain;
+    plain.name = "T_Plain";
+    return plain;
+  }
+};
+
 CIMApi::Instances listOf(QORuint32 entries) {
   const CIMApi::Instances list(new QORValSlist<QORSmrPtr<IQoriObject>>);
   for (QORuint32 i = 0; i < entries; ++i) list->append(QORSmrPtr<IQoriObject>());
@@ -16,8 +26,8 @@ CIMApi::Instances listOf(QORuint32 entries) {
 
 TEST(ListCaches, AListIsFoundByClassNamesAndVersion) {
   ListCache cache;
-  ClassEntry one;
-  ClassEntry two;
+  PlainEntry one;
+  PlainEntry two;
   const CIMApi::Instances list = listOf(1);
   cache.put(one, "*", 7, list);
   EXPECT_TRUE(cache.find(two, "*", 7).IsNull());
@@ -29,7 +39,7 @@ TEST(ListCaches, AListIsFoundByClassNamesAndVersion) {
 
 TEST(ListCaches, TheListUsedLongestAgoLeaves) {
   ListCache cache;
-  ClassEntry entry;
+  PlainEntry entry;
   for (std::size_t i = 0; i < ListCache::kMaximumLists; ++i) cache.put(entry, std::to_string(i), 1, listOf(1));
   EXPECT_FALSE(cache.find(entry, "0", 1).IsNull());
   cache.put(entry, "one more", 1, listOf(1));
@@ -40,7 +50,7 @@ TEST(ListCaches, TheListUsedLongestAgoLeaves) {
 
 TEST(ListCaches, InstancesAreBoundedInTotal) {
   ListCache cache;
-  ClassEntry entry;
+  PlainEntry entry;
   const CIMApi::Instances half = listOf(ListCache::kMaximumInstances / 2);
   cache.put(entry, "a", 1, half);
   cache.put(entry, "b", 1, half);
@@ -56,7 +66,7 @@ TEST(ListCaches, InstancesAreBoundedInTotal) {
 
 TEST(ListCaches, PuttingAgainReplaces) {
   ListCache cache;
-  ClassEntry entry;
+  PlainEntry entry;
   cache.put(entry, "a", 1, listOf(1));
   const CIMApi::Instances fresh = listOf(2);
   cache.put(entry, "a", 2, fresh);
@@ -67,7 +77,7 @@ TEST(ListCaches, PuttingAgainReplaces) {
 
 TEST(ListCaches, AListThatLeavesMakesRoom) {
   ListCache cache;
-  ClassEntry entry;
+  PlainEntry entry;
   const CIMApi::Instances most = listOf(ListCache::kMaximumInstances - 2);
   cache.put(entry, "stale", 1, most);
   EXPECT_TRUE(cache.find(entry, "stale", 2).IsNull());
