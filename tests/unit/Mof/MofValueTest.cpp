@@ -197,7 +197,7 @@ TEST_F(MofValue, ReadsStringsWithAnythingAtAnyPlace) {
     EXPECT_EQ(read("string", '"' + with("\xC3\xA4") + '"'), with("\xC3\xA4"));
     EXPECT_EQ(read("string", '"' + with("//") + '"'), with("//"));
     EXPECT_EQ(refused("string", '"' + with("\xFF") + '"'), "3:" + column + ": the text is not UTF-8");
-    EXPECT_EQ(refused("string", '"' + with("\\q") + '"').substr(0, 4 + column.size()), "3:" + column + ": u");
+    EXPECT_EQ(refused("string", '"' + with("\\q") + '"').substr(0, 5 + column.size()), "3:" + column + ": u");
     EXPECT_EQ(refused("string", '\'' + with("\n") + '\''), "3:1: unterminated character literal");
     EXPECT_EQ(refused("string", '\'' + with("\\'") + "\n'"), "3:1: unterminated character literal");
   }
