@@ -4,7 +4,7 @@
 
 #include <utility>
 
-ServerModel::Manager ServerModel::lease() {
+ServerModel::Manager CountedModel::lease() {
   std::unique_lock lock(_mutex);
   _changed.wait(lock, [this] { return !_isReplacing; });
   ++_leases;
@@ -18,14 +18,14 @@ ServerModel::Manager ServerModel::lease() {
   });
 }
 
-void ServerModel::giveBack() {
+void CountedModel::giveBack() {
   // Under the lock, so that whoever waits for this may end the model right after.
   const std::lock_guard lock(_mutex);
   --_leases;
   _changed.notify_all();
 }
 
-bool ServerModel::replace(Manager next, const std::function<void()>& takeOver, std::chrono::milliseconds patience) {
+bool CountedModel::replace(Manager next, const std::function<void()>& takeOver, std::chrono::milliseconds patience) {
   std::unique_lock lock(_mutex);
   _isReplacing = true;
   const bool isFree = _changed.wait_for(lock, patience, [this] { return _leases == 0; });

@@ -78,7 +78,7 @@ class Module : public ServerModule {
     return std::make_shared<ListenService>(taker);
   }
   std::shared_ptr<ServerModel> makeModel(ServerModel::Manager manager) override {
-    return std::make_shared<ServerModel>(std::move(manager));
+    return std::make_shared<CountedModel>(std::move(manager));
   }
   void setPassword(const std::string& file, const std::string& user, const std::string& password) override {
     ::setPassword(file, user, password);

@@ -17,12 +17,12 @@ ServerModel::Manager newManager() { return std::make_shared<EmbeddedObjectManage
 
 TEST(ServerModel, ALeaseIsTheManager) {
   const ServerModel::Manager manager = newManager();
-  ServerModel model(manager);
+  CountedModel model(manager);
   EXPECT_EQ(model.lease().get(), manager.get());
 }
 
 TEST(ServerModel, AnotherTakesItsPlaceWhenNobodyHasALease) {
-  ServerModel model(newManager());
+  CountedModel model(newManager());
   const ServerModel::Manager next = newManager();
   bool hasTaken = false;
   EXPECT_TRUE(model.replace(
@@ -33,7 +33,7 @@ TEST(ServerModel, AnotherTakesItsPlaceWhenNobodyHasALease) {
 
 TEST(ServerModel, ACopyOfALeaseHoldsTheManager) {
   const ServerModel::Manager first = newManager();
-  ServerModel model(first);
+  CountedModel model(first);
   ServerModel::Manager copy;
   {
     const ServerModel::Manager lease = model.lease();
@@ -50,7 +50,7 @@ TEST(ServerModel, ACopyOfALeaseHoldsTheManager) {
 }
 
 TEST(ServerModel, WhoWantsALeaseWaitsWhileAnotherComes) {
-  ServerModel model(newManager());
+  CountedModel model(newManager());
   const ServerModel::Manager next = newManager();
   ServerModel::Manager held = model.lease();
   auto replaced = std::async(std::launch::async, [&] {
@@ -69,7 +69,7 @@ TEST(ServerModel, WhoWantsALeaseWaitsWhileAnotherComes) {
 TEST(ServerModel, TheOneBeforeEndsWithItsPlace) {
   ServerModel::Manager first = newManager();
   const std::weak_ptr<EmbeddedObjectManager> watched = first;
-  ServerModel model(std::move(first));
+  CountedModel model(std::move(first));
   model.lease();
   EXPECT_TRUE(model.replace(
       newManager(), [] {}, kMoment));
