@@ -151,6 +151,8 @@ def is_called(command, called):
 def sample_of(command):
     """The arguments with which a command of the tool is tried."""
     arguments = command.split(" ", 1)[1] if " " in command else ""
+    if arguments.startswith(("serve", "listen")):
+        return arguments + " --help"  # they do not end by themselves; tests/server runs them
     has_gap = bool(re.search(r"[A-Z]{4,}|\[", arguments))
     if re.search(r"'|\"|--? ?\w+|^$", arguments) and not has_gap:
         return arguments

@@ -115,17 +115,21 @@ TEST_F(LinuxAssociations, BothEndsAreInstances) {
       {"Linux_FileSystemDevice", "Antecedent", "Linux_BlockDevice", "Dependent", "Linux_FileSystem"},
       {"Linux_GroupMember", "Collection", "Linux_Group", "Member", "Linux_User"},
       {"Linux_ServiceProcess", "Service", "Linux_Service", "Process", "Linux_Process"}};
-  const auto pathsOf = [](const char* className) {
-    std::vector<std::string> paths;
+  const auto addPathsOf = [](const char* className, std::vector<std::string>& paths) {
     for (const auto& object : instancesOf(className)) paths.emplace_back(object->getInstanceName()->toString().view());
-    return paths;
   };
   for (const Ends& ends : kEnds) {
     const bool isOfServices = std::string_view(ends.firstClass) == "Linux_Service";
     if (isOfServices && access("/run/systemd/system", F_OK) != 0) continue;  // no systemd, no services
-    const std::vector<std::string> first = pathsOf(ends.firstClass);
-    const std::vector<std::string> second = pathsOf(ends.secondClass);
-    for (const auto& pair : instancesOf(ends.association)) {
+    std::vector<std::string> first;
+    std::vector<std::string> second;
+    addPathsOf(ends.firstClass, first);
+    addPathsOf(ends.secondClass, second);
+    const auto pairs = instancesOf(ends.association);
+    // What began or ended meanwhile was there before or is there afterwards.
+    addPathsOf(ends.firstClass, first);
+    addPathsOf(ends.secondClass, second);
+    for (const auto& pair : pairs) {
       EXPECT_THAT(first, ::testing::Contains(property(pair, ends.first))) << ends.association;
       EXPECT_THAT(second, ::testing::Contains(property(pair, ends.second))) << ends.association;
     }
