@@ -57,8 +57,8 @@ class Server:
         return line.decode()
 
     def log_text(self):
-        position = self.errors.seek(0)
-        return self.errors.read().decode("utf-8", "replace")[position:]
+        # Without moving the place in the file, which is the server's as well.
+        return os.pread(self.errors.fileno(), os.fstat(self.errors.fileno()).st_size, 0).decode("utf-8", "replace")
 
     def log(self, count=None, patience=10):
         """The lines of the log that are JSON; once there are `count` of them, where that is given."""
