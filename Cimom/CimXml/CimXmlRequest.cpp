@@ -11,6 +11,13 @@ namespace {
 
 constexpr QORuint32 kInvalidParameter = 4;
 
+// White space around what is no text is met in the field.
+std::string_view trimmed(std::string_view text) {
+  constexpr std::string_view kBlanks = " \t\r\n";
+  const std::size_t begin = text.find_first_not_of(kBlanks);
+  return begin == std::string_view::npos ? "" : text.substr(begin, text.find_last_not_of(kBlanks) - begin + 1);
+}
+
 bool isSame(std::string_view a, const char* b) { return QORString(a).isEqualCaseInsensitive(QORString(b)); }
 
 [[noreturn]] void raiseNot(std::string_view name, const char* what) {
@@ -39,8 +46,9 @@ bool CimXmlRequest::flag(std::string_view name, bool otherwise) const {
   constexpr const char* kWhat = "a boolean";
   const CimXmlParameter* const found = require(*this, name, CimXmlParameter::Kind::Text, kWhat);
   if (found == nullptr) return otherwise;
-  const bool isTrue = isSame(found->text.view(), "true");
-  if (!isTrue && !isSame(found->text.view(), "false")) raiseNot(name, kWhat);
+  const std::string_view word = trimmed(found->text.view());
+  const bool isTrue = isSame(word, "true");
+  if (!isTrue && !isSame(word, "false")) raiseNot(name, kWhat);
   return isTrue;
 }
 
@@ -48,7 +56,7 @@ std::optional<QORuint64> CimXmlRequest::number(std::string_view name) const {
   constexpr const char* kWhat = "an unsigned number";
   const CimXmlParameter* const found = require(*this, name, CimXmlParameter::Kind::Text, kWhat);
   if (found == nullptr) return std::nullopt;
-  const std::string_view digits = found->text.view();
+  const std::string_view digits = trimmed(found->text.view());
   QORuint64 number = 0;
   const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
   if (error != std::errc() || end != digits.data() + digits.size()) raiseNot(name, kWhat);

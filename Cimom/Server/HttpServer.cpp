@@ -81,6 +81,8 @@ std::string textOf(const std::string& path) {
   std::ifstream file(path);
   std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
   if (!file) throw std::runtime_error("cannot read " + path);
+  // An empty certificate must not be taken for none.
+  if (text.empty()) throw std::runtime_error(path + " is empty");
   return text;
 }
 

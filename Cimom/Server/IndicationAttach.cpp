@@ -155,10 +155,11 @@ void IndicationService::State::open(const ListenerDestination& destination) {
 void IndicationService::State::retire(const std::string& handler) {
   const auto found = _channels.find(handler);
   if (found == _channels.end()) return;
-  const std::shared_ptr<IndicationListener> listener = std::move(found->second.listener);
+  std::shared_ptr<IndicationListener> listener = std::move(found->second.listener);
   listener->stop();
   _channels.erase(found);
-  _janitor.add([listener] {});
+  // The job holds it alone: whoever ends it last waits for its thread, which may want the lock that is held here.
+  _janitor.add([kept = std::move(listener)] {});
 }
 
 std::vector<QueueRow> IndicationService::State::queueRows() {

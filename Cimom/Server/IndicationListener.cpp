@@ -52,8 +52,10 @@ void IndicationListener::forget(std::int64_t removed) {
 }
 
 void IndicationListener::redirect(const std::string& url) {
-  ++_changes;
   const std::lock_guard lock(_mutex);
+  // Where nothing changes nobody is woken, who would take that for one more attempt.
+  if (_url == url) return;
+  ++_changes;
   _url = url;
   _changed.notify_all();
 }

@@ -30,7 +30,13 @@ bool CountedModel::replace(Manager next, const std::function<void()>& takeOver, 
   _isReplacing = true;
   const bool isFree = _changed.wait_for(lock, patience, [this] { return _leases == 0; });
   if (isFree) {
-    takeOver();
+    try {
+      takeOver();
+    } catch (...) {
+      _isReplacing = false;
+      _changed.notify_all();
+      throw;
+    }
     _manager.swap(next);
   }
   _isReplacing = false;

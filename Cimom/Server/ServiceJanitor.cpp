@@ -30,7 +30,7 @@ void ServiceJanitor::run() {
   for (;;) {
     _changed.wait(lock, [this] { return _isStopped || !_jobs.empty(); });
     if (_isStopped) return;
-    const std::function<void()> job = std::move(_jobs.front());
+    std::function<void()> job = std::move(_jobs.front());
     _jobs.pop_front();
     lock.unlock();
     try {
@@ -38,6 +38,8 @@ void ServiceJanitor::run() {
     } catch (const std::exception&) {
       // Whoever gave the job has told of it.
     }
+    // What it holds may wait for threads that want to give a job: not under the lock.
+    job = nullptr;
     lock.lock();
   }
 }

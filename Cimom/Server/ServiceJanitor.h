@@ -1,5 +1,4 @@
 // A thread for what the threads of listeners cannot do themselves.
-// Tested by tests/unit/Server/IndicationServiceTest.cpp.
 // SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_SERVER_SERVICEJANITOR_H
 #define QORQL_SERVER_SERVICEJANITOR_H

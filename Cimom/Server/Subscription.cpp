@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Server/Subscription.h"
 
+#include <algorithm>
+
 #include "Cimom/CimXml/CimXmlException.h"
 #include "Cimom/Server/IndicationClasses.h"
 
@@ -46,7 +48,12 @@ std::vector<QORString> sourceSpaces(const IQoriObject& object) {
     const QORSmrPtr<IQoriValue::List> elements(listed->getArray());
     QORValSlistIterator<QORSmrPtr<IQoriValue>> each(*elements);
     while (++each) {
-      if (!each.key().IsNull()) names.push_back(each.key()->toString());
+      if (each.key().IsNull()) continue;
+      const QORString name = each.key()->toString();
+      // Named twice it would have each indication twice.
+      const bool isThere = std::any_of(names.begin(), names.end(),
+                                       [&](const QORString& other) { return other.isEqualCaseInsensitive(name); });
+      if (!isThere) names.push_back(name);
     }
   }
   const std::string single = textOf(object, "SourceNamespace");
@@ -78,6 +85,12 @@ std::string referred(const IQoriObject& object, const char* property) {
   const QORSmrPtr<IQoriValue> value(valueOf(object, property));
   if (value.IsNull() || value->getReference().IsNull()) refuseValue(std::string(property) + " is missing");
   return value->getReference()->toString().c_str();
+}
+
+// Bounded, since clocks count in parts of seconds that overflow.
+std::chrono::seconds secondsOf(const IQoriObject& object, const char* property) {
+  constexpr QORuint64 kTenYears = QORuint64{10} * 366 * 24 * 3600;
+  return std::chrono::seconds(std::min(numberOf(object, property, 0), kTenYears));
 }
 
 bool isUrl(const std::string& text) {
@@ -145,7 +158,7 @@ Subscription readSubscription(const IQoriObject& object) {
   subscription.handler = referred(object, "Handler");
   subscription.isEnabled = choiceOf(object, "SubscriptionState", 2, kDisabled) != kDisabled;
   subscription.onFailure = static_cast<Subscription::OnFailure>(choiceOf(object, "OnFatalErrorPolicy", 2, 4));
-  subscription.failureInterval = std::chrono::seconds(numberOf(object, "FailureTriggerTimeInterval", 0));
+  subscription.failureInterval = secondsOf(object, "FailureTriggerTimeInterval");
   if (!valueOf(object, "SubscriptionDuration").IsNull()) {
     refuseValue("SubscriptionDuration is not supported: a subscription lasts until it is deleted");
   }

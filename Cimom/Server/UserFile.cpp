@@ -97,14 +97,14 @@ class Replacement {
     const bool isWritten = ::write(_file, text.data(), text.size()) == static_cast<ssize_t>(text.size());
     if (!isWritten) fail("cannot write", _path);
   }
-  // With the owner of the file before, where there was one and this process may give files away.
+  // With the owner of the file before, where there was one and this process may give files away, and its group's right
+  // to read it: a server that is no user of its own reads it so.
   void finish() {
     struct stat before {};
-    if (stat(_path.c_str(), &before) == 0 && fchown(_file, before.st_uid, before.st_gid) != 0 && errno != EPERM) {
-      fail("cannot write", _path);
-    }
-    const bool isDone =
-        fchmod(_file, kOwnerOnly) == 0 && fsync(_file) == 0 && rename(_name.c_str(), _path.c_str()) == 0;
+    const bool isThere = stat(_path.c_str(), &before) == 0;
+    if (isThere && fchown(_file, before.st_uid, before.st_gid) != 0 && errno != EPERM) fail("cannot write", _path);
+    const mode_t mode = isThere ? kOwnerOnly | (before.st_mode & S_IRGRP) : kOwnerOnly;
+    const bool isDone = fchmod(_file, mode) == 0 && fsync(_file) == 0 && rename(_name.c_str(), _path.c_str()) == 0;
     if (!isDone) fail("cannot write", _path);
     _isDone = true;
   }

@@ -133,6 +133,13 @@ class UsersTest(ServerCase):
         self.assertNotIn(b"new\r", shown)
         return os.waitstatus_to_exitcode(os.waitpid(pid, 0)[1])
 
+    def test_an_empty_certificate_is_not_taken_for_none(self):
+        empty = self.write("empty.pem", "")
+        server = subprocess.run([servercase.TOOL, "serve", "--no-live", "--listen", "127.0.0.1:0", "--tls-cert", empty,
+                                 "--tls-key", Certificates(self.folder).good()[1]], capture_output=True, text=True, timeout=30, check=False)
+        self.assertEqual((server.returncode, server.stdout), (3, ""))
+        self.assertIn(f"{empty} is empty", server.stderr)
+
     def test_tls_is_spoken_with_those_who_trust_the_certificate(self):
         certificates = Certificates(self.folder)
         file, key = certificates.good()

@@ -62,8 +62,10 @@ std::string monotonicMicroseconds() {
   return std::to_string(static_cast<long long>(now.tv_sec) * 1000000 + now.tv_nsec / 1000);
 }
 
-// What is logged goes to standard error at once, since many threads log.
-ServeOptions loggedAtOnce(ServeOptions options) {
+// What is logged goes to standard error at once, since many threads log. No reply can say that it lacks the instances
+// of a server that failed, so that it fails with it.
+ServeOptions asServed(ServeOptions options) {
+  options.session.servers.requiresAll = true;
   if (!options.session.logSeverity) options.session.logSeverity = QoriTraceLog::kWarning;
   return options;
 }
@@ -77,7 +79,7 @@ bool isThreadStopped() {
 class ServerRun {
  public:
   // THROWS as reportStartFailure() reports.
-  explicit ServerRun(const ServeOptions& given) : _given(loggedAtOnce(given)), _library(serverLibrary()) {
+  explicit ServerRun(const ServeOptions& given) : _given(asServed(given)), _library(serverLibrary()) {
     const ServeOptions options = withConfiguration(_given);
     _drainSeconds = static_cast<unsigned>(limitOf(options, "drain"));
     if (options.isWritable || !options.storeFile.empty()) _events = makeEvents(options);

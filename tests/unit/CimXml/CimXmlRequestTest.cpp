@@ -34,7 +34,7 @@ std::string refusalOf(Read read) {
 
 TEST(CimXmlRequest, BooleansAreReadInAnyCase) {
   EXPECT_TRUE(requestWith(textParameter("LocalOnly", "TRUE")).flag("localonly", false));
-  EXPECT_FALSE(requestWith(textParameter("LocalOnly", "False")).flag("LocalOnly", true));
+  EXPECT_FALSE(requestWith(textParameter("LocalOnly", " False\n")).flag("LocalOnly", true));
   const CimXmlRequest request = requestWith(textParameter("LocalOnly", "yes"));
   EXPECT_EQ(refusalOf([&] { request.flag("LocalOnly", true); }), "LocalOnly is not a boolean");
 }
@@ -52,7 +52,8 @@ TEST(CimXmlRequest, WhatIsLeftOutOrNullIsWhatTheCallerSays) {
 
 TEST(CimXmlRequest, NumbersAreDigitsAlone) {
   EXPECT_EQ(requestWith(textParameter("MaxObjectCount", "100")).number("MaxObjectCount"), 100U);
-  for (const char* wrong : {"", "-1", "1 ", "0x10", "18446744073709551616"}) {
+  EXPECT_EQ(requestWith(textParameter("MaxObjectCount", "\n 7 ")).number("MaxObjectCount"), 7U);
+  for (const char* wrong : {"", " ", "-1", "1 2", "0x10", "18446744073709551616"}) {
     const CimXmlRequest request = requestWith(textParameter("MaxObjectCount", wrong));
     EXPECT_EQ(refusalOf([&] { request.number("MaxObjectCount"); }), "MaxObjectCount is not an unsigned number");
   }

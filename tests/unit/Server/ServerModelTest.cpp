@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <future>
+#include <new>
 
 #include "Cimom/Server/ServerModel.h"
 
@@ -47,6 +48,15 @@ TEST(ServerModel, ACopyOfALeaseHoldsTheManager) {
   copy.reset();
   EXPECT_TRUE(model.replace(
       newManager(), [] {}, kMoment));
+}
+
+TEST(ServerModel, WhatFailsWhileAnotherComesLeavesItOpen) {
+  const ServerModel::Manager first = newManager();
+  CountedModel model(first);
+  EXPECT_THROW(model.replace(
+                   newManager(), [] { throw std::bad_alloc(); }, kMoment),
+               std::bad_alloc);
+  EXPECT_EQ(model.lease().get(), first.get());
 }
 
 TEST(ServerModel, WhoWantsALeaseWaitsWhileAnotherComes) {

@@ -69,6 +69,15 @@ TEST_F(UsersInAFile, TheFileIsItsOwnersAndKeepsNoPassword) {
   EXPECT_EQ(status.st_mode & 0777U, 0600U);
 }
 
+TEST_F(UsersInAFile, ItsGroupGoesOnReadingIt) {
+  setPassword(path(), "anna", "secret");
+  chmod(path().c_str(), 0644);
+  setPassword(path(), "bert", "secret");
+  struct stat status {};
+  ASSERT_EQ(stat(path().c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777U, 0640U);
+}
+
 TEST_F(UsersInAFile, AnotherPasswordTakesThePlaceAndTheRestStays) {
   write("# ours\n\nanna:$y$j9T$abc$x\nbert:$y$j9T$abc$y\n");
   setPassword(path(), "anna", "new");
