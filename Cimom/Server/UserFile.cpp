@@ -51,7 +51,7 @@ struct Scratch {
 // Nothing where the hash is of no kind that is known.
 std::string hashAs(const std::string& password, const std::string& hash) {
   const Scratch scratch;
-  const char* const made = crypt_r(password.c_str(), hash.c_str(), scratch.data.get());
+  const char* const made = crypt_rn(password.c_str(), hash.c_str(), scratch.data.get(), sizeof(crypt_data));
   return made == nullptr || *made == '*' ? "" : made;
 }
 

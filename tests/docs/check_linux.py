@@ -69,10 +69,13 @@ def ports(rows):
 def biggest(rows):
     sizes = [row["WorkingSetSize"] for row in rows]
     yield from differs("the order", sizes, sorted(sizes, reverse=True))
-    said = [int(line) for line in output_of("ps", "-eo", "rss=").splitlines()]
+    said = [line.split() for line in output_of("ps", "-eo", "rss=,comm=").splitlines()]
     yield from differs("the number of rows", len(rows), min(10, len(said)))
-    if sizes and abs(sizes[0] / 1024 - max(said)) > 0.5 * max(said):
-        yield f"the biggest has {sizes[0]} bytes, ps says {max(said)} KiB"
+    # The tool that was asked has ended by now; where a sanitizer makes it the biggest, the next one is compared.
+    sizes = [row["WorkingSetSize"] for row in rows if row.get("Name") != "qorql"]
+    most = max(int(words[0]) for words in said if words[1:] != ["qorql"])
+    if sizes and abs(sizes[0] / 1024 - most) > 0.5 * most:
+        yield f"the biggest has {sizes[0]} bytes, ps says {most} KiB"
 
 
 def memory_by_user(rows):
