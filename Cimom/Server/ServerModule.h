@@ -49,7 +49,7 @@ class ServerModule {
 
 // Made by a library of its own, which is loaded when a server is started, since what it needs would slow down every
 // start. It stays loaded.
-using ServerModuleGetter = ServerModule& (*)();
+using ServerModuleGetter = ServerModule* (*)();
 
 // From the folder of the library of the object manager on.
 inline constexpr const char* kServerLibrary = "qorql/libqorqlserver.so";

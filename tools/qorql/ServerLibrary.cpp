@@ -30,4 +30,4 @@ ServerModuleGetter load() {
 
 }  // namespace
 
-ServerModule& serverLibrary() { return load()(); }
+ServerModule& serverLibrary() { return *load()(); }

@@ -89,7 +89,7 @@ class Module : public ServerModule {
 
 }  // namespace
 
-extern "C" __attribute__((visibility("default"))) ServerModule& qorqlServerModule() {
+extern "C" __attribute__((visibility("default"))) ServerModule* qorqlServerModule() {
   static Module module;
-  return module;
+  return &module;
 }
