@@ -86,7 +86,9 @@ void HttpConnections::watch() {
   }
 }
 
-bool isPeerGone(int socket) noexcept {
+PeerState peerState(int socket) noexcept {
   pollfd watched{socket, POLLRDHUP, 0};
-  return poll(&watched, 1, 0) > 0 && (watched.revents & (POLLRDHUP | POLLHUP | POLLERR | POLLNVAL)) != 0;
+  if (poll(&watched, 1, 0) <= 0) return PeerState::There;
+  if ((watched.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0) return PeerState::Gone;
+  return (watched.revents & POLLRDHUP) != 0 ? PeerState::SendsNoMore : PeerState::There;
 }

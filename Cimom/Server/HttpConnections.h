@@ -56,7 +56,9 @@ class HttpConnections {
   std::thread _watch;
 };
 
-// Whether the other end of a socket has closed it.
-bool isPeerGone(int socket) noexcept;
+// The other end of a socket. One that sends no more may take what it is sent or not: where it does not, it is gone a
+// moment after something was sent.
+enum class PeerState { There, SendsNoMore, Gone };
+PeerState peerState(int socket) noexcept;
 
 #endif

@@ -24,6 +24,8 @@ constexpr std::chrono::seconds kLinger{2};
 constexpr std::uint64_t kLingerBytes = std::uint64_t{1} << 20;
 constexpr std::uint64_t kCompressedFrom = 1024;  // shorter replies leave as they are
 
+constexpr std::chrono::seconds kProbeInterval{5};
+
 constexpr unsigned kOk = 200;
 constexpr unsigned kBadRequest = 400;
 constexpr unsigned kUnauthorized = 401;
@@ -132,23 +134,41 @@ void sendAtOnce(MHD_Connection* connection, int socket, const std::string& text)
 }  // namespace
 
 HttpExchange::HttpExchange(HttpShared& shared, HttpConnections::Handle place, MHD_Connection* connection,
-                           const char* path, const char* method)
+                           const char* path, const char* method, std::string_view version)
     : _shared(shared),
       _place(place),
       _connection(connection),
       _limits(shared.limitsNow()),
-      _interruptions(shared.interruptions) {
+      _interruptions(shared.interruptions),
+      _takesInterim(version == "HTTP/1.1") {
   _request.method = method;
   _request.path = path;
   _request.client.address = place->address;
-  _request.client.isGone = [this] { return isGone(); };
+  _request.client.stopReason = [this] { return stopReason(); };
   _record.client = place->address;
   readHeaders();
 }
 
 void HttpExchange::readHeaders() { MHD_get_connection_values_n(_connection, MHD_HEADER_KIND, &addHeader, &_request); }
 
-bool HttpExchange::isGone() const { return _shared.interruptions != _interruptions || isPeerGone(_place->socket); }
+StopReason HttpExchange::stopReason() {
+  if (_shared.interruptions != _interruptions) {
+    return _shared.isDraining ? StopReason::ShuttingDown : StopReason::ReadAnew;
+  }
+  return isClientGone() ? StopReason::ClientGone : StopReason::None;
+}
+
+// A client that has gone and one that only sends nothing more look alike, until it is sent something. The second kind
+// skips an interim reply; versions before 1.1 of HTTP do not know any, so there such a client is waited for.
+bool HttpExchange::isClientGone() {
+  const PeerState state = peerState(_place->socket);
+  if (state != PeerState::SendsNoMore) return state == PeerState::Gone;
+  const Clock::time_point now = Clock::now();
+  if (!_takesInterim || now < _nextProbe) return false;
+  _nextProbe = now + kProbeInterval;
+  sendAtOnce(_connection, _place->socket, "HTTP/1.1 100 Continue\r\n\r\n");
+  return false;
+}
 
 HttpExchange::Refusal HttpExchange::faultOfHead() {
   if (_shared.isDraining) return {kUnavailable, "the server is shutting down", true};
@@ -291,6 +311,7 @@ MHD_Result HttpExchange::send(HttpReply reply) {
   MHD_Response* const response = MHD_create_response_from_callback(size, kPiece, &takePiece, outgoing.get(), &forget);
   if (response == nullptr) return MHD_NO;
   static_cast<void>(outgoing.release());
+  _nextProbe = HttpConnections::kNever;
   for (const auto& [name, value] : reply.headers) MHD_add_response_header(response, name.c_str(), value.c_str());
   const MHD_Result isQueued = MHD_queue_response(_connection, _record.http, response);
   MHD_destroy_response(response);

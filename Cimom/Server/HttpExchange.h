@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "Cimom/Server/HttpConnections.h"
 #include "Cimom/Server/HttpServer.h"
@@ -36,9 +37,9 @@ struct HttpShared {
 // Belongs to the thread of its connection.
 class HttpExchange {
  public:
-  // The head of a request is there.
+  // The head of a request is there; the version is that of HTTP.
   HttpExchange(HttpShared& shared, HttpConnections::Handle place, MHD_Connection* connection, const char* path,
-               const char* method);
+               const char* method, std::string_view version);
   HttpExchange(const HttpExchange&) = delete;
   HttpExchange& operator=(const HttpExchange&) = delete;
 
@@ -67,7 +68,8 @@ class HttpExchange {
   void compress(HttpReply& reply) const;
   MHD_Result send(HttpReply reply);
   HttpReply serve();
-  bool isGone() const;
+  StopReason stopReason();
+  bool isClientGone();
 
   HttpShared& _shared;
   const HttpConnections::Handle _place;
@@ -75,12 +77,14 @@ class HttpExchange {
   const std::shared_ptr<const HttpLimits> _limits;
   const HttpConnections::Clock::time_point _begin = HttpConnections::Clock::now();
   const std::uint64_t _interruptions;
+  const bool _takesInterim;  // replies before the one that it waits for
   HttpRequest _request;
   Refusal _refusal;             // that is told when the body has been read
   std::uint64_t _declared = 0;  // bytes of the body, where its head tells
   std::uint64_t _received = 0;
   RequestRecord _record;
-  bool _wasCut = false;  // the client still sends what nobody reads
+  bool _wasCut = false;                             // the client still sends what nobody reads
+  HttpConnections::Clock::time_point _nextProbe{};  // of a client that sends nothing more
 };
 
 #endif

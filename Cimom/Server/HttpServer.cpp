@@ -56,11 +56,11 @@ void noteConnection(void* given, MHD_Connection* connection, void** context, MHD
 }
 
 MHD_Result takeRequest(void* given, MHD_Connection* connection, const char* path, const char* method,
-                       const char* /*version*/, const char* bytes, std::size_t* count, void** exchange) {
+                       const char* version, const char* bytes, std::size_t* count, void** exchange) {
   try {
     if (*exchange == nullptr) {
       auto made = std::make_unique<HttpExchange>(*static_cast<HttpShared*>(given), placeOf(connection), connection,
-                                                 path, method);
+                                                 path, method, version);
       HttpExchange* const begun = made.release();
       *exchange = begun;
       return begun->begin();
@@ -197,6 +197,7 @@ class Server : public HttpServer {
     }
   }
   ~Server() override {
+    _shared.isDraining = true;
     interrupt();
     _shared.connections.endAll();
   }

@@ -14,11 +14,15 @@
 #include "Cimom/Server/ServerReply.h"
 #include "cmpbase.h"
 
+// Why what is being answered is to end before it is done.
+enum class StopReason { None, ClientGone, ReadAnew, ShuttingDown };
+
 // Who asks.
 struct ServerClient {
-  std::string address;           // "127.0.0.1", without the port
-  std::string user;              // empty: nobody in particular, where no users are asked for
-  std::function<bool()> isGone;  // whether nobody waits for the reply any more; never null; for the thread that answers
+  std::string address;  // "127.0.0.1", without the port
+  std::string user;     // empty: nobody in particular, where no users are asked for
+  // Asked once in a while, by the thread that answers; never null.
+  std::function<StopReason()> stopReason = [] { return StopReason::None; };
 };
 
 // One request, with its whole body, which is bounded.

@@ -1,11 +1,11 @@
-// Ends a query that nobody waits for any more, or that takes too long.
-// Tested by tests/unit/Server/QueryOperationsTest.cpp.
+// Ends what a client asked for when nobody waits for it any more, when it takes too long, or when the server is not to
+// go on with it.
+// Tested by tests/unit/Server/QueryOperationsTest.cpp, tests/unit/Server/ServerOperationsTest.cpp.
 // SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_SERVER_QUERYMONITOR_H
 #define QORQL_SERVER_QUERYMONITOR_H
 
 #include <chrono>
-#include <exception>
 
 #include "Cimom/Server/HttpService.h"
 #include "qorql.h"
@@ -14,36 +14,24 @@
 class QueryMonitor final : public QORQL_ExecutionMonitor {
  public:
   QueryMonitor(const ServerClient& client, std::chrono::milliseconds limit)
-      : _client(client), _end(Clock::now() + limit), _nextLook(Clock::now()) {}
+      : _client(client), _limit(limit), _end(Clock::now() + limit), _nextLook(Clock::now()) {}
 
-  bool isStopRequested() noexcept override {
-    const Clock::time_point now = Clock::now();
-    _isLate = _isLate || now >= _end;
-    if (now >= _nextLook && !_isGone) look(now);
-    return _isLate || _isGone;
-  }
-  // Whether it was time that ended the query.
-  bool isLate() const noexcept { return _isLate; }
+  bool isStopRequested() noexcept override;
+  // Why it was stopped, for the client: `subject` is what was, "query". THROWS CimStatusException: 27 when it took too
+  // long, 28 when the server is shutting down, else 1. REQUIRES isStopRequested().
+  [[noreturn]] void raiseStopped(const char* subject) const;
 
  private:
   using Clock = std::chrono::steady_clock;
 
-  // Looking at the connection costs a call of the system.
-  void look(Clock::time_point now) noexcept {
-    constexpr std::chrono::milliseconds kInterval(50);
-    _nextLook = now + kInterval;
-    try {
-      _isGone = _client.isGone();
-    } catch (const std::exception&) {
-      _isGone = true;
-    }
-  }
+  void look(Clock::time_point now) noexcept;
 
   const ServerClient& _client;
+  const std::chrono::milliseconds _limit;
   const Clock::time_point _end;
   Clock::time_point _nextLook;
   bool _isLate = false;
-  bool _isGone = false;
+  StopReason _reason = StopReason::None;
 };
 
 #endif

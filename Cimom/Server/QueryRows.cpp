@@ -50,7 +50,6 @@ class QueryRows::Run {
   Run(const ServerCall& call, const QORString& language, const QORString& text, const ServerLimits& limits)
       : _call(call),
         _text(text),
-        _limit(limits.query),
         _monitor(call.client, limits.query),
         _statement(text, call.request.nameSpace, language) {
     EmbeddedObjectManager* const manager = call.manager.get();
@@ -81,6 +80,7 @@ class QueryRows::Run {
     } catch (const CimStatusException&) {
       throw;
     } catch (const CQoriProviderException&) {
+      requireTime();  // a server that was asked on behalf of a query that was stopped
       throw;
     } catch (const QoriBaseException& error) {
       throw CimStatusException(isOfQuery(error) ? cimstatus::kInvalidQuery : cimstatus::kFailed,
@@ -102,16 +102,10 @@ class QueryRows::Run {
   }
 
  private:
-  [[noreturn]] void raiseStopped() const {
-    if (!_monitor.isLate()) throw CimStatusException(cimstatus::kFailed, "the client has gone");
-    const long long seconds = std::chrono::duration_cast<std::chrono::seconds>(_limit).count();
-    throw CimStatusException(cimstatus::kServerLimitsExceeded,
-                             "the query was stopped: it took more than " + std::to_string(seconds) + " seconds");
-  }
+  [[noreturn]] void raiseStopped() const { _monitor.raiseStopped("query"); }
 
   const ServerCall& _call;
   const QORString& _text;
-  const std::chrono::milliseconds _limit;
   QueryMonitor _monitor;
   QORQL_Statement _statement;
 };

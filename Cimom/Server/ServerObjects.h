@@ -23,6 +23,7 @@ inline constexpr QORuint32 kInvalidOperationTimeout = 22;
 inline constexpr QORuint32 kFilteredEnumerationNotSupported = 25;
 inline constexpr QORuint32 kContinuationOnErrorNotSupported = 26;
 inline constexpr QORuint32 kServerLimitsExceeded = 27;
+inline constexpr QORuint32 kServerIsShuttingDown = 28;
 }  // namespace cimstatus
 
 // Reads the parameters of one call, whose subject it notes, and asks. Nothing is null, all instances have their names,

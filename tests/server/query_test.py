@@ -2,6 +2,7 @@
 # SPDX-License-Identifier: Apache-2.0
 import os
 import re
+import socket
 import subprocess
 import threading
 import time
@@ -91,6 +92,20 @@ class QueryTest(ServerCase):
                 break
             threading.Event().wait(0.05)
         self.assertEqual(answered, [1])
+
+    def test_a_client_that_sends_nothing_more_gets_its_reply(self):
+        server, query = self.long_query("--limit", "query=1")
+        body = request("ExecQuery", parameters={"QueryLanguage": "CQL", "Query": query})
+        for version in ("HTTP/1.1", "HTTP/1.0"):
+            connection = self.raw(server)
+            connection.send(head_of("ExecQuery", len(body), version=version) + body)
+            connection.socket.shutdown(socket.SHUT_WR)
+            status, headers = connection.read_head()
+            while status == 100:
+                status, headers = connection.read_head()
+            self.assertEqual(status, 200)
+            self.assertIn(b'CODE="27"', connection.read_bytes(int(headers["content-length"])), version)
+            connection.close()
 
     def test_clients_ask_at_once(self):
         server = self.serve_plant()

@@ -84,9 +84,11 @@ TEST(HttpConnections, TheIdleOnesEndAtOnce) {
 
 TEST(HttpConnections, APeerThatHasClosedIsGone) {
   Pair pair;
-  EXPECT_FALSE(isPeerGone(pair.ends[0]));
+  EXPECT_EQ(peerState(pair.ends[0]), PeerState::There);
+  shutdown(pair.ends[1], SHUT_WR);
+  EXPECT_EQ(peerState(pair.ends[0]), PeerState::SendsNoMore) << "it may wait for an answer";
   pair.closePeer();
-  EXPECT_TRUE(isPeerGone(pair.ends[0]));
+  EXPECT_EQ(peerState(pair.ends[0]), PeerState::Gone);
 }
 
 }  // namespace

@@ -284,7 +284,7 @@ std::string exported(Server& server, const char* className, const char* property
   parameter.instance.className = className;
   parameter.instance.add(property).value = text("hello");
   request.parameters.push_back(parameter);
-  const ServerClient client{"127.0.0.1", "", [] { return false; }};
+  const ServerClient client{"127.0.0.1", ""};
   ServerNote note;
   std::string reply;
   server.service.takeExport({request, client, server.manager, note})->append(reply, 10000);

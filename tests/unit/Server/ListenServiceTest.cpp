@@ -35,7 +35,7 @@ struct Listening : ::testing::Test {
     request.path = "/";
     request.headers = {{"CIMExport", "MethodRequest"}, {"CIMExportMethod", "ExportIndication"}};
     request.body = body;
-    request.client = {"10.0.0.1", "", [] { return false; }};
+    request.client = {"10.0.0.1", ""};
     const HttpReply reply = service.serve(request);
     EXPECT_EQ(reply.status, status);
     std::string text;
@@ -75,7 +75,7 @@ TEST_F(Listening, OtherOperationsAreNotSupported) {
       "<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\"><MESSAGE ID=\"1\" PROTOCOLVERSION=\"1.0\"><SIMPLEREQ>"
       "<IMETHODCALL NAME=\"ExportIndication\"><LOCALNAMESPACEPATH><NAMESPACE NAME=\"root\"/></LOCALNAMESPACEPATH>"
       "</IMETHODCALL></SIMPLEREQ></MESSAGE></CIM>";
-  request.client = {"10.0.0.1", "", [] { return false; }};
+  request.client = {"10.0.0.1", ""};
   const HttpReply reply = service.serve(request);
   std::string text;
   reply.body->append(text, 100000);

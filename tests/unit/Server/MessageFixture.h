@@ -74,7 +74,7 @@ class MessageTest : public ::testing::Test {
   ServerOperations& operations() { return _operations; }
 
   static HttpRequest post(const std::string& body) {
-    return {"POST", "/cimom", {{"Host", "example:5988"}}, body, {"127.0.0.1", "", [] { return false; }}};
+    return {"POST", "/cimom", {{"Host", "example:5988"}}, body, {"127.0.0.1", ""}};
   }
   HttpReply serve(const HttpRequest& request) {
     return CimXmlService(_operations, [this] { return _manager; }).serve(request);

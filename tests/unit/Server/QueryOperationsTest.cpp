@@ -147,26 +147,37 @@ TEST_F(Queries, TheQueryIsNoted) {
 
 TEST_F(Queries, AClientThatHasGoneEndsItsQuery) {
   Asked asked = asking("SELECT a.DeviceID FROM CIM_Disk AS a");
-  asked.client.isGone = [] { return true; };
+  asked.client.stopReason = [] { return StopReason::ClientGone; };
   EXPECT_EQ(refused(asked), 1U);
   EXPECT_EQ(told, "the client has gone");
+}
+
+TEST_F(Queries, AServerThatEndsThemSaysSo) {
+  Asked asked = asking("SELECT a.DeviceID FROM CIM_Disk AS a");
+  asked.client.stopReason = [] { return StopReason::ReadAnew; };
+  EXPECT_EQ(refused(asked), 1U);
+  EXPECT_EQ(told, "the query was stopped: the server reads its configuration anew");
+  asked.client.stopReason = [] { return StopReason::ShuttingDown; };
+  EXPECT_EQ(refused(asked), 28U);
+  EXPECT_EQ(told, "the query was stopped: the server is shutting down");
 }
 
 TEST_F(Queries, TimeEndsAQuery) {
   limits.query = 0ms;
   EXPECT_EQ(refused(asking("SELECT DeviceID FROM CIM_Disk")), 27U);
+  EXPECT_EQ(told, "the query was stopped: it took more than 0 seconds");
 }
 
 TEST(QueryMonitor, LooksAtTheConnectionOnceInAWhile) {
   int looks = 0;
-  const ServerClient client{"", "", [&] { return ++looks > 1; }};
+  const ServerClient client{"", "", [&] { return ++looks > 1 ? StopReason::ClientGone : StopReason::None; }};
   QueryMonitor monitor(client, 1h);
   EXPECT_FALSE(monitor.isStopRequested());
   EXPECT_FALSE(monitor.isStopRequested());
   EXPECT_EQ(looks, 1);
   std::this_thread::sleep_for(60ms);
   EXPECT_TRUE(monitor.isStopRequested());
-  EXPECT_FALSE(monitor.isLate());
+  EXPECT_EQ(servertest::statusOf([&] { monitor.raiseStopped("query"); }), 1U) << "it is not late";
 }
 
 TEST_F(Queries, AreOpenedAndPulledAsInstances) {

@@ -47,7 +47,7 @@ struct Asked {
   ServerCall on(const std::shared_ptr<EmbeddedObjectManager>& manager) { return {request, client, manager, note}; }
 
   CimXmlRequest request;
-  ServerClient client{"127.0.0.1", "", [] { return false; }};
+  ServerClient client{"127.0.0.1", ""};
   ServerNote note;
 };
 

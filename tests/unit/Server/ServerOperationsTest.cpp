@@ -29,7 +29,7 @@ struct Asked {
   }
 
   CimXmlRequest request;
-  ServerClient client{"127.0.0.1", "", [] { return false; }};
+  ServerClient client{"127.0.0.1", ""};
   std::shared_ptr<EmbeddedObjectManager> manager;
   ServerNote note;
 };
