@@ -4,9 +4,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/AssociationWalk.h"
 
+#include "cimom/CQoriProviderException.h"
+
 namespace embedded {
 
 namespace {
+
+constexpr QORuint32 kFailed = 1;
+
+// Instances of the outer source that are asked for one by one.
+constexpr std::size_t kFewEnds = 3;
 
 bool isAnyOr(const QORString& wanted, const QORString& name) noexcept {
   return wanted.isEmpty() || wanted.isEqualCaseInsensitive(name);
@@ -82,17 +89,22 @@ void AssociationWalk::walkLive() {
 void AssociationWalk::walkOuter() {
   const OuterSnapshot::Objects* const associations =
       _outer.referringTo(_state, _request.nameSpace, _request.associationClass, *_request.source, _sourcePath.view());
+  _firstOuter = _ends.size();
   if (associations == nullptr) return;
   OuterModels models(_state);
-  for (const QORSmrPtr<IQoriObject>& association : *associations) meetEnds(models.of(*association), *association);
+  const bool areWhole = _request.associationClass.isEmpty();
+  for (const QORSmrPtr<IQoriObject>& association : *associations) {
+    meetEnds(models.of(*association), *association, areWhole ? association : QORSmrPtr<IQoriObject>());
+  }
 }
 
-void AssociationWalk::meetEnds(const CQoriClass& association, const IQoriObject& object) {
+void AssociationWalk::meetEnds(const CQoriClass& association, const IQoriObject& object,
+                               const QORSmrPtr<IQoriObject>& whole) {
   for (const QORuint32 position : association.referencePositions()) {
     if (!isAnyOr(_request.role, association.shape()->layout->getName(position))) continue;
     const QORSmrPtr<IQoriInstanceName> name = referenceAt(object, position);
     if (name.IsNull() || !(name->toString() == _sourcePath)) continue;
-    if (_request.wantsAssociations) return meet(object.getInstanceName());
+    if (_request.wantsAssociations) return meet(object.getInstanceName(), whole);
     meetOtherEnds(association, object, position);
   }
 }
@@ -106,10 +118,10 @@ void AssociationWalk::meetOtherEnds(const CQoriClass& association, const IQoriOb
   }
 }
 
-void AssociationWalk::meet(const QORSmrPtr<IQoriInstanceName>& name) {
+void AssociationWalk::meet(const QORSmrPtr<IQoriInstanceName>& name, const QORSmrPtr<IQoriObject>& object) {
   if (name.IsNull()) return;
   const QORString path = name->toString();
-  if (_met.emplace(path.view()).second) _ends.push_back({name, path, nullptr, {}});
+  if (_met.emplace(path.view()).second) _ends.push_back({name, path, nullptr, object});
 }
 
 void AssociationWalk::resolveStored() {
@@ -147,18 +159,52 @@ QORSmrPtr<IQoriObject> AssociationWalk::findLive(const End& end) {
   return object.IsNull() ? object : _restrictor.apply(source.entry->model(), object);
 }
 
-// The result class is asked for as a whole: the ends of other sources will be among the same instances.
 QORSmrPtr<IQoriObject> AssociationWalk::findOuter(const End& end) {
-  const QORString& className = _request.resultClass.isEmpty() ? end.name->getClassName() : _request.resultClass;
-  const QORSmrPtr<IQoriObject> object =
-      _outer.find(_state, {_request.nameSpace, className, _request.names}, end.path.view());
+  if (_state.outer == nullptr) return {};
+  const QORSmrPtr<IQoriObject> object = end.object.IsNull() ? askOuter(end) : end.object;
   return object.IsNull() ? object : _restrictor.apply(OuterModels(_state).of(*object), object);
+}
+
+// The result class is asked for as a whole, unless the ends are few: those of other sources will be among the same
+// instances. An end in another namespace whose class cannot be had there is told, for nobody would miss it.
+QORSmrPtr<IQoriObject> AssociationWalk::askOuter(const End& end) {
+  const QORString own = localNameSpace(end.name->getNameSpacePath()->getNameSpace());
+  const QORString& nameSpace = own.isEmpty() ? _request.nameSpace : own;
+  const QORString& className = end.name->getClassName();
+  provideClass(_state, nameSpace, className);
+  if (_state.sink.findClass(nameSpace, className).IsNull() && !nameSpace.isEqualCaseInsensitive(_request.nameSpace)) {
+    throw CQoriProviderException(
+        className, "an association refers to " + end.path + ", whose class is not to be had in " + nameSpace, kFailed);
+  }
+  if (isAskedAlone(end)) {
+    const QORSmrPtr<IQoriObject> object = outerObject(_state, {nameSpace, className, _request.names}, *end.name);
+    return object.IsNull() || isResult(nameSpace, *object) ? object : QORSmrPtr<IQoriObject>();
+  }
+  const QORString& asked = _request.resultClass.isEmpty() ? className : _request.resultClass;
+  provideClass(_state, nameSpace, asked);
+  return _outer.find(_state, {nameSpace, asked, _request.names}, end.path.view());
+}
+
+// Whoever asks for any association has one source. The names that the outer source tells are of its own instances.
+bool AssociationWalk::isAskedAlone(const End& end) const {
+  const bool isOuter = &end >= _ends.data() + _firstOuter;
+  return isOuter && _request.associationClass.isEmpty() && _ends.size() - _firstOuter <= kFewEnds;
+}
+
+bool AssociationWalk::isResult(const QORString& nameSpace, const IQoriObject& object) const {
+  if (_request.resultClass.isEmpty()) return true;
+  QORString at = object.getClassName();
+  while (!at.isEmpty() && !at.isEqualCaseInsensitive(_request.resultClass)) {
+    const QORSmrPtr<IQoriClass> declared = _state.sink.findClass(nameSpace, at);
+    at = declared.IsNull() ? QORString::emptyString() : declared->getSuperClassName();
+  }
+  return !at.isEmpty();
 }
 
 CIMApi::Instances AssociationWalk::collect() {
   CIMApi::Instances found(new QORValSlist<QORSmrPtr<IQoriObject>>);
   for (const End& end : _ends) {
-    if (end.object.IsNull()) {
+    if (end.entry == nullptr) {
       QORSmrPtr<IQoriObject> live = findLive(end);
       if (live.IsNull()) live = findOuter(end);
       if (!live.IsNull()) found->append(live);

@@ -46,7 +46,7 @@ class AssociationWalk {
   CIMApi::Instances run();
 
  private:
-  // An instance that has been met, in order; its object is known when it is stored.
+  // An instance that has been met, in order; its object is known when it is stored, or was told with its name.
   struct End {
     QORSmrPtr<IQoriInstanceName> name;
     QORString path;
@@ -59,14 +59,17 @@ class AssociationWalk {
   void walkStored();
   void walkLive();
   void walkOuter();
-  void meetEnds(const CQoriClass& association, const IQoriObject& object);
+  void meetEnds(const CQoriClass& association, const IQoriObject& object, const QORSmrPtr<IQoriObject>& whole = {});
   void meetOtherEnds(const CQoriClass& association, const IQoriObject& object, QORuint32 sourcePosition);
-  void meet(const QORSmrPtr<IQoriInstanceName>& name);
+  void meet(const QORSmrPtr<IQoriInstanceName>& name, const QORSmrPtr<IQoriObject>& object = {});
   bool isResult(const ClassEntry& entry) const;
   void resolveStored();
   CIMApi::Instances collect();
   QORSmrPtr<IQoriObject> findLive(const End& end);
   QORSmrPtr<IQoriObject> findOuter(const End& end);
+  QORSmrPtr<IQoriObject> askOuter(const End& end);
+  bool isAskedAlone(const End& end) const;
+  bool isResult(const QORString& nameSpace, const IQoriObject& object) const;
 
   const EmbeddedObjectManager::State& _state;
   const ObjectStore& _store;
@@ -80,7 +83,8 @@ class AssociationWalk {
   QORString _sourcePath;
   std::vector<LiveSource> _liveAssociations;
   std::vector<End> _ends;
-  std::size_t _resolved = 0;  // ends before this one have been looked up in the store
+  std::size_t _resolved = 0;    // ends before this one have been looked up in the store
+  std::size_t _firstOuter = 0;  // this end and those after it are of associations of the outer source
   std::unordered_set<std::string> _met;
 };
 

@@ -68,10 +68,14 @@ CIMApi::Instances withOuterInstances(const State& state, const CIMApi::Instances
   return all;
 }
 
+QORSmrPtr<IQoriObject> outerObject(const State& state, const OuterSource::Request& request,
+                                   const IQoriInstanceName& name) {
+  return state.outer == nullptr ? QORSmrPtr<IQoriObject>() : state.outer->instance(sinkOf(state), request, name);
+}
+
 QORSmrPtr<IQoriObject> outerInstance(const State& state, const OuterSource::Request& request,
                                      const IQoriInstanceName& name) {
-  if (state.outer == nullptr) return {};
-  const QORSmrPtr<IQoriObject> found = state.outer->instance(sinkOf(state), request, name);
+  const QORSmrPtr<IQoriObject> found = outerObject(state, request, name);
   return found.IsNull() ? found : Restrictor(request.names).apply(OuterModels(state).of(*found), found);
 }
 
@@ -86,6 +90,9 @@ const CQoriClass& OuterModels::of(const IQoriObject& object) {
 OuterSnapshot::Index OuterSnapshot::indexOf(const State& state, const QORString& nameSpace,
                                             const QORString& associationClass) {
   Index index;
+  // Not to list every association class of the servers, they are asked for those of each source.
+  index.isComplete = !associationClass.isEmpty();
+  if (!index.isComplete) return index;
   const QORSmrPtr<IQoriClass> declared = sinkOf(state).findClass(nameSpace, associationClass);
   if (declared.IsNull()) return index;
   OuterModels models(state);
@@ -127,7 +134,8 @@ const OuterSnapshot::Objects* OuterSnapshot::referringTo(const State& state, con
 QORSmrPtr<IQoriObject> OuterSnapshot::find(const State& state, const OuterSource::Request& request,
                                            std::string_view path) {
   if (state.outer == nullptr) return {};
-  const std::string key = keyOf(request.className) + '\n' + propertyNamesKey(request.names);
+  const std::string key =
+      keyOf(request.nameSpace) + ':' + keyOf(request.className) + '\n' + propertyNamesKey(request.names);
   auto known = _instances.find(key);
   if (known == _instances.end()) {
     PathMap<QORSmrPtr<IQoriObject>> index;

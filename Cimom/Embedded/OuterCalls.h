@@ -30,7 +30,9 @@ enum class OuterPart { WithDerived, OfTheClassItself };
 CIMApi::Instances withOuterInstances(const EmbeddedObjectManager::State& state, const CIMApi::Instances& own,
                                      const OuterSource::Request& request, OuterPart part = OuterPart::WithDerived);
 
-// Null when there is none. THROWS as the source.
+// Null when there is none. THROW as the source. The first has all properties of its class, as the source gives it.
+QORSmrPtr<IQoriObject> outerObject(const EmbeddedObjectManager::State& state, const OuterSource::Request& request,
+                                   const IQoriInstanceName& name);
 QORSmrPtr<IQoriObject> outerInstance(const EmbeddedObjectManager::State& state, const OuterSource::Request& request,
                                      const IQoriInstanceName& name);
 
@@ -52,8 +54,8 @@ class OuterSnapshot {
   using Objects = OuterSource::Objects;
 
   // BORROW: valid while the snapshot lives. THROW as the source.
-  // The associations that refer to the source, whose path is given; null when there are none, and without an outer
-  // source.
+  // The associations of a class (an empty name: of any, with all their properties) that refer to the source, whose path
+  // is given; null when there are none, and without an outer source.
   const Objects* referringTo(const EmbeddedObjectManager::State& state, const QORString& nameSpace,
                              const QORString& associationClass, const IQoriInstanceName& source, std::string_view path);
   // The instance of the class, or of one derived from it, with that path and the named properties; null when
@@ -77,7 +79,7 @@ class OuterSnapshot {
                        const QORString& associationClass);
 
   std::map<std::string, Index> _associations;                         // by class
-  std::map<std::string, PathMap<QORSmrPtr<IQoriObject>>> _instances;  // by class and properties
+  std::map<std::string, PathMap<QORSmrPtr<IQoriObject>>> _instances;  // by namespace, class and properties
 };
 
 }  // namespace embedded

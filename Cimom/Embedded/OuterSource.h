@@ -49,7 +49,8 @@ class OuterSource {
   // The instances of an association, as instances() gives them. Where they are not complete, references() tells the
   // others for each source.
   virtual Associations associations(CimDeclarationSink& sink, const Request& request) = 0;
-  // The instances of an association that refer to the source, and that associations() left out.
+  // The instances of an association that refer to the source, and that associations() left out. With an empty class
+  // name, those of all associations.
   virtual Objects references(CimDeclarationSink& sink, const Request& request, const IQoriInstanceName& source) = 0;
 };
 

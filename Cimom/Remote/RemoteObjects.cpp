@@ -7,9 +7,12 @@
 #include "Cimom/Embedded/DeclarationHelpers.h"
 #include "cimom/CQoriInstanceName.h"
 #include "cimom/CQoriProperty.h"
+#include "cimom/CQoriProviderException.h"
 #include "cimom/CQoriValue.h"
 
 namespace {
+
+constexpr QORuint32 kFailed = 1;
 
 // As the standard writes the path of a namespace on another host.
 QORString pathOn(const RemoteServer& server, const QORString& nameSpace) {
@@ -81,6 +84,10 @@ const RemoteObjects::Known& RemoteObjects::known(const QORString& className) {
 RemoteObjects::Known RemoteObjects::describe(const QORString& className) {
   Known found;
   found.handle = _classes.find(_sink, _nameSpace, className);
+  if (found.handle.IsNull() && _className.isEmpty()) {
+    const QORString who(_server.name());
+    throw CQoriProviderException(who, who + " has an instance of class " + className + ", but not the class", kFailed);
+  }
   if (found.handle.IsNull()) found.handle = _classes.find(_sink, _nameSpace, _className);
   if (found.handle.IsNull()) return found;
   found.model = static_cast<const CQoriClass*>(&*found.handle);

@@ -17,7 +17,7 @@
 // Of one answer of one server. One thread at a time. BORROWS everything.
 class RemoteObjects {
  public:
-  // Instances whose class nobody knows are taken for instances of `className`.
+  // Instances whose class nobody knows are taken for instances of `className`, or refused where it is empty.
   RemoteObjects(const RemoteServer& server, RemoteClasses& classes, CimDeclarationSink& sink,
                 const QORString& nameSpace, const QORString& className);
   RemoteObjects(const RemoteObjects&) = delete;

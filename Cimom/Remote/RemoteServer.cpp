@@ -404,7 +404,7 @@ void RemoteServer::references(const QORString& nameSpace, const IQoriInstanceNam
   const QORSmrPtr<IQoriInstanceName> there = remote::nameThere(source, nameSpace, nameSpaceFor(nameSpace));
   const auto fill = [&](CimXmlCall& call) {
     call.addInstanceName("ObjectName", *there);
-    call.addClassName("ResultClass", associationClass);
+    if (!associationClass.isEmpty()) call.addClassName("ResultClass", associationClass);
     call.addFlag("IncludeQualifiers", false);
     call.addFlag("IncludeClassOrigin", false);
     addPropertyList(call, names);

@@ -111,7 +111,7 @@ class RemoteServer {
   // Returns whether there is such an instance.
   bool getInstance(const QORString& nameSpace, const IQoriInstanceName& name, const CIMApi::PropertyNames& names,
                    const Taker& taker);
-  // The instances of an association that refer to a source.
+  // The instances of an association that refer to a source; with an empty class, of all associations.
   void references(const QORString& nameSpace, const IQoriInstanceName& source, const QORString& associationClass,
                   const CIMApi::PropertyNames& names, const Taker& taker);
   // A status that says of a class of associations that its instances are not listed.

@@ -269,6 +269,12 @@ QORSmrPtr<IQoriObject> RemoteSource::askForInstance(CimDeclarationSink& sink, co
   return first == found.end() ? QORSmrPtr<IQoriObject>() : *first;
 }
 
+// Whether a path tells nothing of a server, though paths of their instances begin with their names.
+bool RemoteSource::isOfNone(const IQoriInstanceName& name) const {
+  const QORString& nameSpace = name.getNameSpacePath()->getNameSpace();
+  return _servers.front()->hasGivenName() && remote::serverOf(nameSpace.view()).empty();
+}
+
 // Of these, the one that a path names; all of them where it names none.
 std::vector<std::size_t> RemoteSource::serversOf(const IQoriInstanceName& name,
                                                  std::vector<std::size_t> servers) const {
@@ -300,7 +306,10 @@ OuterSource::Associations RemoteSource::associations(CimDeclarationSink& sink, c
 OuterSource::Objects RemoteSource::references(CimDeclarationSink& sink, const Request& request,
                                               const IQoriInstanceName& source) {
   std::vector<std::size_t> servers = serversOf(source, serversFor(request.className));
-  {
+  if (request.className.isEmpty()) {
+    // A path without a server's name is none of an instance that a named one has.
+    if (isOfNone(source)) return {};
+  } else {
     const std::lock_guard lock(_mutex);
     const std::set<std::size_t>& unlisted = _unlisted[fold(request.className)];
     std::erase_if(servers, [&](std::size_t i) { return !unlisted.contains(i); });

@@ -81,6 +81,7 @@ class RemoteSource final : public OuterSource {
   void settle(const std::vector<std::size_t>& asked, const Failures& failures);
   std::vector<std::size_t> serversFor(const QORString& className) const;
   std::vector<std::size_t> serversOf(const IQoriInstanceName& name, std::vector<std::size_t> servers) const;
+  bool isOfNone(const IQoriInstanceName& name) const;
   RemoteClasses::Fetched fetchClass(const QORString& nameSpace, const QORString& className);
   bool wantsAllClasses(const QORString& nameSpace);
   void askServer(RemoteServer& server, CimDeclarationSink& sink, const Request& request, Objects& objects);
