@@ -45,8 +45,11 @@ target_link_libraries(embedded PUBLIC qorql_model
                                PRIVATE PkgConfig::INIH PkgConfig::PROC2 PkgConfig::MOUNT PkgConfig::UDEV PkgConfig::SYSTEMD
                                        PkgConfig::XXHASH PkgConfig::EXPAT ${CMAKE_DL_LIBS})
 qorql_library(embedded embedded)
-list(FILTER QORQL_EMBEDDED_SOURCES INCLUDE REGEX "/Cimom/CimXml/")
-qorql_compile_together(embedded ${QORQL_EMBEDDED_SOURCES})
+foreach(room Embedded Mof Providers CimXml Remote)
+  set(sources ${QORQL_EMBEDDED_SOURCES})
+  list(FILTER sources INCLUDE REGEX "/Cimom/${room}/")
+  qorql_compile_together(embedded embedded_${room} ${sources})
+endforeach()
 
 # What reads the lists of packages, and what speaks HTTP with servers, is loaded when it is asked for: its libraries
 # would slow down every start.
@@ -77,6 +80,8 @@ target_link_libraries(qorql_server_parts PUBLIC qorql embedded
                                      PRIVATE PkgConfig::MICROHTTPD PkgConfig::GNUTLS PkgConfig::ZLIB PkgConfig::CRYPT
                                                  PkgConfig::SQLITE PkgConfig::SYSTEMD)
 qorql_target_options(qorql_server_parts)
+qorql_product_headers(qorql_server_parts)
+qorql_compile_together(qorql_server_parts server ${QORQL_SERVER_SOURCES})
 
 # All of it that runs in the tool is loaded when a server or a listener is started.
 add_library(qorql_server MODULE Cimom/Server/Module/ServerModule.cpp)

@@ -71,13 +71,13 @@ endfunction()
 
 # The same for all sources of a folder, eight at a time, where a build is to be done soon
 # (QORQL_COMPILE_TOGETHER) rather than a change to be built soon.
-function(qorql_compile_together target)
+function(qorql_compile_together target group)
   if(QORQL_COMPILE_TOGETHER)
     set(number 0)
     while(ARGN)
       list(SUBLIST ARGN 0 8 some)
       list(REMOVE_ITEM ARGN ${some})
-      qorql_compile_as_one(${target} ${target}_${number} ${some})
+      qorql_compile_as_one(${target} ${group}_${number} ${some})
       math(EXPR number "${number} + 1")
     endwhile()
   endif()

@@ -31,7 +31,8 @@ class InstanceProvider {
   // order; a null pointer for a value that is not available.
   using Emit = std::function<void(std::vector<QORSmrPtr<IQoriValue>>&& values)>;
 
-  static constexpr QORuint32 kNoSource = 7;  // the CIM status "not supported"
+  static constexpr QORuint32 kUnreadable = 1;  // the CIM status "failed"
+  static constexpr QORuint32 kNoSource = 7;    // the CIM status "not supported"
 
   virtual ~InstanceProvider() = default;
 
@@ -41,9 +42,9 @@ class InstanceProvider {
 
   // Emits every instance that exists now. An instance that cannot be read is
   // left out, a property that cannot be read is null; neither fails the call.
-  // A source that cannot be read at all THROWS CQoriProviderException, with the
-  // code kNoSource where this machine has none: then a call for a superclass
-  // leaves this class out and warns. May be called from several threads at once.
+  // A source that cannot be read at all THROWS CQoriProviderException with the
+  // code kUnreadable, or kNoSource where this machine has none: then a call for
+  // a superclass leaves this class out and warns. May be called from several threads at once.
   virtual void enumerate(const Request& request, const Emit& emit) = 0;
 };
 

@@ -12,6 +12,9 @@
 
 #include "Cimom/Embedded/CimDeclarationSink.h"
 
+// In place of a superclass's number: the superclass was declared before this load.
+inline constexpr QORsint32 kSuperClassElsewhere = -2;
+
 // THROWS std::runtime_error: the cache is passed over for that reason.
 [[noreturn]] void refuseMofCache(const char* reason);
 

@@ -23,7 +23,6 @@ namespace {
 
 // Rows, and what stands behind them, end where this divides their size: fewer bytes behind the last one are a gap.
 constexpr std::size_t kUnit = 8;
-constexpr QORsint32 kSuperClassElsewhere = -2;
 
 const mofcache::Load& loadIn(std::string_view tables) { return *mofcache::GetLoad(tables.data()); }
 

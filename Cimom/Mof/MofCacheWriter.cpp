@@ -12,6 +12,7 @@
 #include <unordered_map>
 
 #include "Cimom/Embedded/CimDeclarationSource.h"
+#include "Cimom/Mof/MofCacheDeclarations.h"
 #include "Cimom/Mof/MofSyntax.h"
 #include "cimom/CQoriType.h"
 #include "cimom/IQoriInstanceName.h"
@@ -23,14 +24,12 @@ namespace {
 using flatbuffers::Offset;
 
 template <class Table>
-using Tables = Offset<flatbuffers::Vector<Offset<Table>>>;
-
-constexpr QORsint32 kSuperClassElsewhere = -2;
+using TablesOffset = Offset<flatbuffers::Vector<Offset<Table>>>;
 
 constexpr QORuint64 paddedSize(QORuint64 size) { return (size + 7) / 8 * 8; }
 
 // Far deeper than any load goes, which bounds nesting itself.
-constexpr int kMaximumDepth = 100;
+constexpr int kMaximumValueDepth = 100;
 
 class Writer {
  public:
@@ -100,7 +99,7 @@ class Writer {
   Offset<flatbuffers::String> text(const QORString& content) { return text(content.view()); }
 
   template <class Table, class Items, class Make>
-  Tables<Table> list(const Items& items, Make make) {
+  TablesOffset<Table> list(const Items& items, Make make) {
     std::vector<Offset<Table>> offsets;
     offsets.reserve(items.size());
     for (const auto& item : items) offsets.push_back(make(item));
@@ -119,7 +118,7 @@ class Writer {
   // --- values
 
   Offset<mofcache::Value> value(const QORSmrPtr<IQoriValue>& given, int depth) {
-    if (depth > kMaximumDepth) throw std::runtime_error("values are nested too deeply to be kept");
+    if (depth > kMaximumValueDepth) throw std::runtime_error("values are nested too deeply to be kept");
     if (given.IsNull()) return 0;
     const std::uint8_t type = codeOf(given->getType());
     const QoriScalar scalar = given->scalar();
@@ -197,7 +196,7 @@ class Writer {
     return mofcache::CreateInstance(_out, text(nameSpace), text(given.className), properties);
   }
 
-  Tables<mofcache::Qualifier> qualifiers(const std::vector<CimQualifier>& given) {
+  TablesOffset<mofcache::Qualifier> qualifiers(const std::vector<CimQualifier>& given) {
     return list<mofcache::Qualifier>(given, [this](const CimQualifier& qualifier) {
       const auto content = value(qualifier.value, 0);
       return mofcache::CreateQualifier(_out, text(qualifier.name), content, flavorsOf(qualifier));

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <iterator>
 
+#include "Cimom/Mof/MofBytes.h"
+
 namespace {
 
 constexpr std::size_t kLength = 25;
@@ -13,15 +15,13 @@ constexpr std::size_t kSign = 21;
 constexpr int kUnknown = -1;  // a field of asterisks
 constexpr int kMalformed = -2;
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-
 // A field is all digits or all asterisks.
 int readField(std::string_view text, std::size_t start, std::size_t length) {
   int value = 0;
   for (const char c : text.substr(start, length)) {
     if (c == '*' && text[start] == '*') {
       value = kUnknown;
-    } else if (isDigit(c) && isDigit(text[start])) {
+    } else if (isMofDigit(c) && isMofDigit(text[start])) {
       value = value * 10 + (c - '0');
     } else {
       return kMalformed;
@@ -36,7 +36,7 @@ bool hasMicroseconds(std::string_view text) {
   for (const char c : text.substr(kPoint + 1, kSign - kPoint - 1)) {
     if (c == '*') {
       isUnknown = true;
-    } else if (!isDigit(c) || isUnknown) {
+    } else if (!isMofDigit(c) || isUnknown) {
       return false;
     }
   }

@@ -4,6 +4,7 @@
 
 #include <charconv>
 
+#include "Cimom/Mof/MofBytes.h"
 #include "Cimom/Mof/MofLiterals.h"
 #include "Cimom/Mof/MofSyntax.h"
 
@@ -13,9 +14,7 @@ constexpr std::size_t kNone = std::string_view::npos;
 // Decimal digits that fit 64 bits, whatever they are.
 constexpr std::size_t kSafeDigits = 18;
 
-bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
-bool isNameStart(char c) noexcept { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
-bool isBlank(char c) noexcept { return c == ' ' || (c >= '\t' && c <= '\r'); }
+bool isPlainNameStart(char c) noexcept { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
 
 }  // namespace
 
@@ -40,7 +39,7 @@ bool MofRowReader::isAsBefore(const QORString& nameSpace) const noexcept {
 }
 
 void MofRowReader::skipBlanks() noexcept {
-  while (isBlank(at(_at))) ++_at;
+  while (isMofBlank(at(_at))) ++_at;
 }
 
 bool MofRowReader::take(char symbol) noexcept {
@@ -53,8 +52,8 @@ bool MofRowReader::take(char symbol) noexcept {
 std::string_view MofRowReader::takeName() noexcept {
   skipBlanks();
   const std::size_t begin = _at;
-  if (!isNameStart(at(_at))) return {};
-  while (isNameStart(at(_at)) || isDigit(at(_at))) ++_at;
+  if (!isPlainNameStart(at(_at))) return {};
+  while (isPlainNameStart(at(_at)) || isMofDigit(at(_at))) ++_at;
   return _text.substr(begin, _at - begin);
 }
 
@@ -100,7 +99,7 @@ bool MofRowReader::readArray(CimRowWriter& writer) {
 bool MofRowReader::readValue(CimRowWriter& writer) {
   const char c = at(_at);
   if (c == '"') return readString(writer);
-  return isDigit(c) || c == '-' ? readNumber(writer) : readWord(writer);
+  return isMofDigit(c) || c == '-' ? readNumber(writer) : readWord(writer);
 }
 
 bool MofRowReader::readString(CimRowWriter& writer) {
@@ -135,12 +134,12 @@ bool MofRowReader::readNumber(CimRowWriter& writer) {
   if (isNegative) ++_at;
   const std::size_t begin = _at;
   QORuint64 number = 0;
-  for (; isDigit(at(_at)); ++_at) number = 10 * number + static_cast<QORuint64>(at(_at) - '0');
+  for (; isMofDigit(at(_at)); ++_at) number = 10 * number + static_cast<QORuint64>(at(_at) - '0');
   const std::size_t digits = _at - begin;
   if (digits == 0 || digits > kSafeDigits) return false;
   if (at(_at) == '.') return readReal(begin, digits, isNegative, writer);
   const bool isOctal = digits > 1 && at(begin) == '0';
-  if (isOctal || isNameStart(at(_at)) || static_cast<unsigned char>(at(_at)) >= 0x80) return false;
+  if (isOctal || isPlainNameStart(at(_at)) || static_cast<unsigned char>(at(_at)) >= 0x80) return false;
   if (isNegative && number == 0) return false;
   isNegative ? writer.putSigned(-static_cast<QORsint64>(number)) : writer.putUnsigned(number);
   return true;
@@ -148,10 +147,10 @@ bool MofRowReader::readNumber(CimRowWriter& writer) {
 
 bool MofRowReader::readReal(std::size_t begin, std::size_t digits, bool isNegative, CimRowWriter& writer) {
   std::size_t end = begin + digits + 1;
-  while (isDigit(at(end))) ++end;
+  while (isMofDigit(at(end))) ++end;
   // An exponent, a second point or a name behind it.
   const char next = at(end);
-  if (next == '.' || isNameStart(next) || static_cast<unsigned char>(next) >= 0x80) return false;
+  if (next == '.' || isPlainNameStart(next) || static_cast<unsigned char>(next) >= 0x80) return false;
   QORreal64 real = 0;
   const auto [stop, error] = std::from_chars(_text.data() + begin, _text.data() + end, real);
   if (error != std::errc() || stop != _text.data() + end) return false;

@@ -7,16 +7,15 @@
 #include <cstdio>
 #include <string>
 
+#include "Cimom/Mof/MofBytes.h"
 #include "Cimom/Mof/MofLiterals.h"
 #include "Cimom/Mof/MofSyntax.h"
 
 namespace {
 
-constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
 constexpr bool isNameStart(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || static_cast<unsigned char>(c) >= 0x80;
 }
-constexpr bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f' || c == '\v'; }
 
 // One look-up tells what one of many comparisons would.
 enum ByteKind : unsigned char { kOther = 0, kBlank = 1, kNamePart = 2 };
@@ -24,7 +23,7 @@ constexpr std::array<unsigned char, 256> makeByteKinds() {
   std::array<unsigned char, 256> kinds{};
   for (std::size_t i = 0; i < kinds.size(); ++i) {
     const char c = static_cast<char>(i);
-    kinds[i] = isBlank(c) ? kBlank : isNameStart(c) || isDigit(c) ? kNamePart : kOther;
+    kinds[i] = isMofBlank(c) ? kBlank : isNameStart(c) || isMofDigit(c) ? kNamePart : kOther;
   }
   return kinds;
 }
@@ -60,8 +59,8 @@ MofToken MofScanner::next() noexcept {
   if (c == '"') return quoted(MofToken::Kind::String, '"');
   if (c == '\'') return quoted(MofToken::Kind::Char, '\'');
   const char second = at(_offset + 1);
-  const bool isSigned = (c == '+' || c == '-') && (isDigit(second) || second == '.');
-  if (isDigit(c) || isSigned || (c == '.' && isDigit(second))) return number();
+  const bool isSigned = (c == '+' || c == '-') && (isMofDigit(second) || second == '.');
+  if (isMofDigit(c) || isSigned || (c == '.' && isMofDigit(second))) return number();
   if (c == '$' && isNameStart(second)) return name(MofToken::Kind::Alias, 1);
   if (c == '#') return pragma();
   if (std::string_view("{}[]();:,=").find(c) == std::string_view::npos) return bad(nullptr, 1);
@@ -130,7 +129,7 @@ MofToken MofScanner::quoted(MofToken::Kind kind, char quote) noexcept {
 
 MofToken MofScanner::number() noexcept {
   std::size_t end = _offset + 1;
-  const std::size_t digits = isDigit(at(_offset)) || at(_offset) == '.' ? _offset : _offset + 1;
+  const std::size_t digits = isMofDigit(at(_offset)) || at(_offset) == '.' ? _offset : _offset + 1;
   const bool isHexadecimal = at(digits) == '0' && (at(digits + 1) == 'x' || at(digits + 1) == 'X');
   for (;; ++end) {
     const char c = at(end);

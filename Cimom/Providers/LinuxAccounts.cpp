@@ -11,13 +11,12 @@
 #include <mutex>
 #include <unordered_set>
 
+#include "Cimom/Embedded/InstanceProvider.h"
 #include "Cimom/Providers/LinuxEntryReader.h"
 #include "Cimom/Providers/LinuxValues.h"
 #include "cimom/CQoriProviderException.h"
 
 namespace {
-
-constexpr QORuint32 kCimErrFailed = 1;
 
 std::mutex& databaseLock() {
   static std::mutex lock;
@@ -33,7 +32,7 @@ void checkEnd(const char* what, const char* file, int error, bool isEmpty) {
   if (isMissing) error = errno;
   if (!isMissing && (error == 0 || error == ENOENT)) return;
   logUnreadable(what, error);
-  throw CQoriProviderException("Linux accounts", QORString(what) + " cannot be read", kCimErrFailed);
+  throw CQoriProviderException("Linux accounts", QORString(what) + " cannot be read", InstanceProvider::kUnreadable);
 }
 
 // A database of the C library and the functions that walk it.

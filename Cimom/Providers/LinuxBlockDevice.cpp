@@ -15,6 +15,7 @@
 #include <string>
 #include <utility>
 
+#include "Cimom/Embedded/InstanceProvider.h"
 #include "Cimom/Providers/LinuxProperty.h"
 #include "cimom/CQoriProviderException.h"
 
@@ -22,7 +23,6 @@ const char* const LinuxBlockDevice::kClassName = "Linux_BlockDevice";
 
 namespace {
 
-constexpr QORuint32 kCimErrFailed = 1;
 constexpr const char* kDatabase = "/run/udev/data";
 constexpr QORuint64 kSector = 512;  // the unit of the kernel's counts, whatever the device's blocks
 
@@ -136,7 +136,7 @@ LinuxValue readClassName(Device&) { return textValue(LinuxBlockDevice::kClassNam
 LinuxValue readSystemClassName(Device&) { return textValue(kLinuxComputerSystem); }
 LinuxValue readSystemName(Device&) { return textValue(hostName()); }
 
-constexpr LinuxProperty<Device> kProperties[] = {
+constexpr LinuxProperty<Device> kBlockDeviceProperties[] = {
     {"DeviceID", readDeviceId},
     {"Name", readName},
     {"Caption", readName},
@@ -163,14 +163,15 @@ constexpr LinuxProperty<Device> kProperties[] = {
     {"SystemName", readSystemName},
 };
 
-[[noreturn]] void raiseUnreadable(int error) {
+[[noreturn]] void raiseDevicesUnreadable(int error) {
   logUnreadable("the block devices", error);
-  throw CQoriProviderException(LinuxBlockDevice::kClassName, "The block devices cannot be listed", kCimErrFailed);
+  throw CQoriProviderException(LinuxBlockDevice::kClassName, "The block devices cannot be listed",
+                               InstanceProvider::kUnreadable);
 }
 
 // Where the kernel's files are absent, the library reports no devices instead of an error.
 void checkSources(const InstanceProvider::Request& request) {
-  if (access("/sys/class", R_OK) != 0) raiseUnreadable(errno);
+  if (access("/sys/class", R_OK) != 0) raiseDevicesUnreadable(errno);
   const bool needsDatabase = request.needs("SerialNumber") || request.needs("FileSystemType") ||
                              request.needs("FileSystemLabel") || request.needs("FileSystemUUID");
   if (needsDatabase && access(kDatabase, R_OK) != 0) warnUnreadable(kDatabase, errno);
@@ -178,21 +179,21 @@ void checkSources(const InstanceProvider::Request& request) {
 
 List listDevices(udev* context) {
   List list(udev_enumerate_new(context));
-  if (list == nullptr) raiseUnreadable(ENOMEM);
+  if (list == nullptr) raiseDevicesUnreadable(ENOMEM);
   udev_enumerate_add_match_subsystem(list.get(), "block");
   const int result = udev_enumerate_scan_devices(list.get());
-  if (result < 0) raiseUnreadable(-result);
+  if (result < 0) raiseDevicesUnreadable(-result);
   return list;
 }
 
 }  // namespace
 
 void LinuxBlockDevice::enumerate(const Request& request, const Emit& emit) {
-  const auto properties = bindProperties<LinuxProperty<Device>>(request, kProperties);
+  const auto properties = bindProperties<LinuxProperty<Device>>(request, kBlockDeviceProperties);
   const QORString wanted = wantedKey(request, "DeviceID");
   checkSources(request);
   const Context context(udev_new());
-  if (context == nullptr) raiseUnreadable(ENOMEM);
+  if (context == nullptr) raiseDevicesUnreadable(ENOMEM);
   const List list = listDevices(context.get());
   for (udev_list_entry* entry = udev_enumerate_get_list_entry(list.get()); entry != nullptr;
        entry = udev_list_entry_get_next(entry)) {

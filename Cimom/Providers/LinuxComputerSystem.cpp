@@ -101,7 +101,7 @@ LinuxValue readProcessorModel(Machine& machine) {
 LinuxValue readName(Machine&) { return textValue(hostName()); }
 LinuxValue readClassName(Machine&) { return textValue(LinuxComputerSystem::kClassName); }
 
-constexpr LinuxProperty<Machine> kProperties[] = {
+constexpr LinuxProperty<Machine> kComputerSystemProperties[] = {
     {"Name", readName},
     {"Caption", readName},
     {"ElementName", readName},
@@ -126,5 +126,5 @@ constexpr LinuxProperty<Machine> kProperties[] = {
 
 void LinuxComputerSystem::enumerate(const Request& request, const Emit& emit) {
   Machine machine{_sources};
-  emitInstance(machine, bindProperties<LinuxProperty<Machine>>(request, kProperties), emit);
+  emitInstance(machine, bindProperties<LinuxProperty<Machine>>(request, kComputerSystemProperties), emit);
 }

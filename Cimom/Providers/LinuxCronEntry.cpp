@@ -41,7 +41,7 @@ LinuxValue readClassName(Entry&) { return textValue(LinuxCronEntry::kClassName);
 LinuxValue readSystemClassName(Entry&) { return textValue(kLinuxComputerSystem); }
 LinuxValue readSystemName(Entry&) { return textValue(hostName()); }
 
-constexpr LinuxProperty<Entry> kProperties[] = {
+constexpr LinuxProperty<Entry> kCronEntryProperties[] = {
     {"Name", readName},
     {"Caption", readName},
     {"ElementName", readName},
@@ -157,7 +157,7 @@ class Tables {
 }  // namespace
 
 void LinuxCronEntry::enumerate(const Request& request, const Emit& emit) {
-  const auto properties = bindProperties<LinuxProperty<Entry>>(request, kProperties);
+  const auto properties = bindProperties<LinuxProperty<Entry>>(request, kCronEntryProperties);
   const QORString wanted = wantedKey(request, "Name");
   const Take take = [&](Entry& entry) {
     if (wanted.isNull() || wanted == entry.name().c_str()) emitInstance(entry, properties, emit);

@@ -10,14 +10,13 @@
 #include <string>
 #include <unordered_map>
 
+#include "Cimom/Embedded/InstanceProvider.h"
 #include "Cimom/Providers/LinuxProperty.h"
 #include "cimom/CQoriProviderException.h"
 
 const char* const LinuxFileSystem::kClassName = "Linux_FileSystem";
 
 namespace {
-
-constexpr QORuint32 kCimErrFailed = 1;
 
 // The mount that is being read.
 struct Mount {
@@ -85,7 +84,7 @@ LinuxValue readClassName(Mount&) { return textValue(LinuxFileSystem::kClassName)
 LinuxValue readSystemClassName(Mount&) { return textValue(kLinuxComputerSystem); }
 LinuxValue readSystemName(Mount&) { return textValue(hostName()); }
 
-constexpr LinuxProperty<Mount> kProperties[] = {
+constexpr LinuxProperty<Mount> kFileSystemProperties[] = {
     {"Name", readName},
     {"Caption", readName},
     {"ElementName", readName},
@@ -120,7 +119,8 @@ Table readTable() {
   const int result = table == nullptr ? -ENOMEM : mnt_table_parse_file(table.get(), "/proc/self/mountinfo");
   if (result != 0) {
     logUnreadable("/proc/self/mountinfo", result < 0 ? -result : EIO);
-    throw CQoriProviderException(LinuxFileSystem::kClassName, "The table of mounts cannot be read", kCimErrFailed);
+    throw CQoriProviderException(LinuxFileSystem::kClassName, "The table of mounts cannot be read",
+                                 InstanceProvider::kUnreadable);
   }
   return table;
 }
@@ -146,7 +146,7 @@ std::vector<libmnt_fs*> visibleMounts(libmnt_table* table) {
 }  // namespace
 
 void LinuxFileSystem::enumerate(const Request& request, const Emit& emit) {
-  const auto properties = bindProperties<LinuxProperty<Mount>>(request, kProperties);
+  const auto properties = bindProperties<LinuxProperty<Mount>>(request, kFileSystemProperties);
   const Table table = readTable();
   const QORString wanted = wantedKey(request, "Name");
   UnreadableParts unreadable;

@@ -21,7 +21,7 @@ LinuxValue readMembers(Group& group) {
 }
 LinuxValue readClassName(Group&) { return textValue(LinuxGroup::kClassName); }
 
-constexpr LinuxProperty<Group> kProperties[] = {
+constexpr LinuxProperty<Group> kGroupProperties[] = {
     {"Name", readName},
     {"CommonName", readName},
     {"Caption", readName},
@@ -34,7 +34,7 @@ constexpr LinuxProperty<Group> kProperties[] = {
 }  // namespace
 
 void LinuxGroup::enumerate(const Request& request, const Emit& emit) {
-  const auto properties = bindProperties<LinuxProperty<Group>>(request, kProperties);
+  const auto properties = bindProperties<LinuxProperty<Group>>(request, kGroupProperties);
   const QORString wanted = wantedKey(request, "Name");
   for (Group& group : readAccountGroups()) {
     if (wanted.isNull() || wanted == group.name.c_str()) emitInstance(group, properties, emit);

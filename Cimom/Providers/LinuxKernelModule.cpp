@@ -42,7 +42,7 @@ LinuxValue readClassName(Module&) { return textValue(LinuxKernelModule::kClassNa
 LinuxValue readSystemClassName(Module&) { return textValue(kLinuxComputerSystem); }
 LinuxValue readSystemName(Module&) { return textValue(hostName()); }
 
-constexpr LinuxProperty<Module> kProperties[] = {
+constexpr LinuxProperty<Module> kKernelModuleProperties[] = {
     {"Name", readName},
     {"Caption", readName},
     {"ElementName", readName},
@@ -58,7 +58,7 @@ constexpr LinuxProperty<Module> kProperties[] = {
 }  // namespace
 
 void LinuxKernelModule::enumerate(const Request& request, const Emit& emit) {
-  const auto properties = bindProperties<LinuxProperty<Module>>(request, kProperties);
+  const auto properties = bindProperties<LinuxProperty<Module>>(request, kKernelModuleProperties);
   const QORString wanted = wantedKey(request, "Name");
   const std::string content = readSmallFile(_list);
   if (errno != 0) warnUnreadable(_list, errno);

@@ -19,12 +19,12 @@ constexpr LinuxProperty<Port> kOwnProperties[] = {
     {"PortNumber", readPortNumber},
     {"CreationClassName", readClassName},
 };
-constexpr auto kProperties = withSocketProperties(kOwnProperties);
+constexpr auto kListeningPortProperties = withSocketProperties(kOwnProperties);
 
 }  // namespace
 
 void LinuxListeningPort::enumerate(const Request& request, const Emit& emit) {
-  const auto properties = bindProperties<LinuxProperty<Port>>(request, kProperties);
+  const auto properties = bindProperties<LinuxProperty<Port>>(request, kListeningPortProperties);
   const QORString wanted = wantedKey(request, "Name");
   const LinuxSocketEntries sockets = readSockets(LinuxSocketChoice::Waiting);
   LinuxSocketSurroundings around(sockets);

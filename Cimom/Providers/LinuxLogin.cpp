@@ -43,7 +43,7 @@ LinuxValue readClassName(Login&) { return textValue(LinuxLogin::kClassName); }
 LinuxValue readSystemClassName(Login&) { return textValue(kLinuxComputerSystem); }
 LinuxValue readSystemName(Login&) { return textValue(hostName()); }
 
-constexpr LinuxProperty<Login> kProperties[] = {
+constexpr LinuxProperty<Login> kLoginProperties[] = {
     {"Name", readName},
     {"Caption", readName},
     {"ElementName", readName},
@@ -66,7 +66,7 @@ bool isLoggedIn(const utmpx& record) {
 }  // namespace
 
 void LinuxLogin::enumerate(const Request& request, const Emit& emit) {
-  const auto properties = bindProperties<LinuxProperty<Login>>(request, kProperties);
+  const auto properties = bindProperties<LinuxProperty<Login>>(request, kLoginProperties);
   const QORString wanted = wantedKey(request, "Name");
   const std::string content = readSmallFile(_list);
   if (errno != 0) warnUnreadable(_list, errno);

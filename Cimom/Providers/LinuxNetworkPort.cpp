@@ -18,6 +18,7 @@
 #include <optional>
 #include <string>
 
+#include "Cimom/Embedded/InstanceProvider.h"
 #include "Cimom/Providers/LinuxProperty.h"
 #include "cimom/CQoriProviderException.h"
 #include "cimom/CQoriValue.h"
@@ -26,54 +27,52 @@ const char* const LinuxNetworkPort::kClassName = "Linux_NetworkPort";
 
 namespace {
 
-constexpr QORuint32 kCimErrFailed = 1;
-
 struct ReleaseAddresses {
   void operator()(ifaddrs* addresses) const noexcept { freeifaddrs(addresses); }
 };
 using Addresses = std::unique_ptr<ifaddrs, ReleaseAddresses>;
 
 // The interface that is being read.
-struct Port {
+struct NetworkPort {
   std::string name;
   const ifaddrs* addresses;  // of all interfaces
   unsigned flags = 0;
 };
 
 // The line in the kernel's file of that name for the interface; empty when there is none.
-std::string kernelText(const Port& port, const char* file) {
+std::string kernelText(const NetworkPort& port, const char* file) {
   return readLine("/sys/class/net/" + port.name + "/" + file);
 }
 
-std::optional<QORuint64> kernelNumber(const Port& port, const char* file) {
+std::optional<QORuint64> kernelNumber(const NetworkPort& port, const char* file) {
   const QORString text(kernelText(port, file));
   // An interface that is down reports a speed of -1.
   if (!text.isNumeric() || text[0] == '-') return std::nullopt;
   return text.atoui64();
 }
 
-LinuxValue counter(const Port& port, const char* file) {
+LinuxValue counter(const NetworkPort& port, const char* file) {
   const std::optional<QORuint64> number = kernelNumber(port, file);
   return number ? uint64Value(*number) : LinuxValue();
 }
 
-LinuxValue readName(Port& port) { return textValue(port.name); }
-LinuxValue readHardwareAddress(Port& port) { return textOrNull(kernelText(port, "address").c_str()); }
-LinuxValue readState(Port& port) { return textOrNull(kernelText(port, "operstate").c_str()); }
-LinuxValue readIsUp(Port& port) { return booleanValue((port.flags & IFF_UP) != 0); }
-LinuxValue readIsLoopback(Port& port) { return booleanValue((port.flags & IFF_LOOPBACK) != 0); }
-LinuxValue readMtu(Port& port) { return counter(port, "mtu"); }
-LinuxValue readBytesReceived(Port& port) { return counter(port, "statistics/rx_bytes"); }
-LinuxValue readBytesTransmitted(Port& port) { return counter(port, "statistics/tx_bytes"); }
-LinuxValue readPacketsReceived(Port& port) { return counter(port, "statistics/rx_packets"); }
-LinuxValue readPacketsTransmitted(Port& port) { return counter(port, "statistics/tx_packets"); }
-LinuxValue readErrors(Port& port) {
+LinuxValue readName(NetworkPort& port) { return textValue(port.name); }
+LinuxValue readHardwareAddress(NetworkPort& port) { return textOrNull(kernelText(port, "address").c_str()); }
+LinuxValue readState(NetworkPort& port) { return textOrNull(kernelText(port, "operstate").c_str()); }
+LinuxValue readIsUp(NetworkPort& port) { return booleanValue((port.flags & IFF_UP) != 0); }
+LinuxValue readIsLoopback(NetworkPort& port) { return booleanValue((port.flags & IFF_LOOPBACK) != 0); }
+LinuxValue readMtu(NetworkPort& port) { return counter(port, "mtu"); }
+LinuxValue readBytesReceived(NetworkPort& port) { return counter(port, "statistics/rx_bytes"); }
+LinuxValue readBytesTransmitted(NetworkPort& port) { return counter(port, "statistics/tx_bytes"); }
+LinuxValue readPacketsReceived(NetworkPort& port) { return counter(port, "statistics/rx_packets"); }
+LinuxValue readPacketsTransmitted(NetworkPort& port) { return counter(port, "statistics/tx_packets"); }
+LinuxValue readErrors(NetworkPort& port) {
   const std::optional<QORuint64> received = kernelNumber(port, "statistics/rx_errors");
   const std::optional<QORuint64> transmitted = kernelNumber(port, "statistics/tx_errors");
   return received && transmitted ? uint64Value(*received + *transmitted) : LinuxValue();
 }
 // The kernel counts megabits.
-LinuxValue readSpeed(Port& port) {
+LinuxValue readSpeed(NetworkPort& port) {
   const std::optional<QORuint64> megabits = kernelNumber(port, "speed");
   return megabits ? uint64Value(*megabits * 1000000) : LinuxValue();
 }
@@ -101,7 +100,7 @@ QORuint8 prefixLength(const sockaddr* mask) {
 
 // What `read` tells of each of the port's addresses, in one order.
 template <class Read>
-LinuxValue readOfAddresses(Port& port, const QORSmrPtr<IQoriType>& type, Read read) {
+LinuxValue readOfAddresses(NetworkPort& port, const QORSmrPtr<IQoriType>& type, Read read) {
   QORSmrPtr<IQoriValue::List> elements = new IQoriValue::List();
   for (const ifaddrs* entry = port.addresses; entry != nullptr; entry = entry->ifa_next) {
     if (entry->ifa_addr == nullptr || port.name != entry->ifa_name) continue;
@@ -110,22 +109,22 @@ LinuxValue readOfAddresses(Port& port, const QORSmrPtr<IQoriType>& type, Read re
   }
   return new CQoriValue(elements, type);
 }
-LinuxValue readAddresses(Port& port) {
+LinuxValue readAddresses(NetworkPort& port) {
   return readOfAddresses(port, CQoriType::string,
                          [](const ifaddrs&, const std::string& text) { return textValue(text); });
 }
-LinuxValue readPrefixLengths(Port& port) {
+LinuxValue readPrefixLengths(NetworkPort& port) {
   return readOfAddresses(port, CQoriType::uint8, [](const ifaddrs& entry, const std::string&) {
     return entry.ifa_netmask == nullptr ? LinuxValue() : uint8Value(prefixLength(entry.ifa_netmask));
   });
 }
 
 // The keys that tie an interface to its system in fuller schemas.
-LinuxValue readClassName(Port&) { return textValue(LinuxNetworkPort::kClassName); }
-LinuxValue readSystemClassName(Port&) { return textValue(kLinuxComputerSystem); }
-LinuxValue readSystemName(Port&) { return textValue(hostName()); }
+LinuxValue readClassName(NetworkPort&) { return textValue(LinuxNetworkPort::kClassName); }
+LinuxValue readSystemClassName(NetworkPort&) { return textValue(kLinuxComputerSystem); }
+LinuxValue readSystemName(NetworkPort&) { return textValue(hostName()); }
 
-constexpr LinuxProperty<Port> kProperties[] = {
+constexpr LinuxProperty<NetworkPort> kNetworkPortProperties[] = {
     {"DeviceID", readName},
     {"Name", readName},
     {"Caption", readName},
@@ -173,25 +172,26 @@ std::optional<Addresses> readAllAddresses() {
   return Addresses(addresses);
 }
 
-[[noreturn]] void raiseUnreadable(int error) {
+[[noreturn]] void raisePortsUnreadable(int error) {
   logUnreadable("the network interfaces", error);
-  throw CQoriProviderException(LinuxNetworkPort::kClassName, "The network interfaces cannot be listed", kCimErrFailed);
+  throw CQoriProviderException(LinuxNetworkPort::kClassName, "The network interfaces cannot be listed",
+                               InstanceProvider::kUnreadable);
 }
 
 }  // namespace
 
 void LinuxNetworkPort::enumerate(const Request& request, const Emit& emit) {
-  const auto properties = bindProperties<LinuxProperty<Port>>(request, kProperties);
+  const auto properties = bindProperties<LinuxProperty<NetworkPort>>(request, kNetworkPortProperties);
   const QORString wanted = wantedKey(request, "DeviceID");
   const std::optional<Addresses> addresses = readAllAddresses();
-  if (!addresses) raiseUnreadable(errno);
+  if (!addresses) raisePortsUnreadable(errno);
   checkKernelFiles(request);
   std::map<std::string, unsigned> flags;
   for (const ifaddrs* entry = addresses->get(); entry != nullptr; entry = entry->ifa_next) {
     flags.emplace(entry->ifa_name, entry->ifa_flags);
   }
   for (const auto& [name, portFlags] : flags) {
-    Port port{name, addresses->get(), portFlags};
+    NetworkPort port{name, addresses->get(), portFlags};
     if (wanted.isNull() || wanted == name.c_str()) emitInstance(port, properties, emit);
   }
 }

@@ -168,7 +168,7 @@ LinuxValue readFreeVirtual(System& system) { return memorySum(system, MEMINFO_ME
 LinuxValue readClassName(System&) { return textValue(LinuxOperatingSystem::kClassName); }
 LinuxValue readSystemClassName(System&) { return textValue(kLinuxComputerSystem); }
 
-constexpr LinuxProperty<System> kProperties[] = {
+constexpr LinuxProperty<System> kOperatingSystemProperties[] = {
     {"Name", readName},
     {"Caption", readCaption},
     {"ElementName", readName},
@@ -218,5 +218,5 @@ std::string LinuxOperatingSystem::timeZoneOf(const std::string& link) {
 
 void LinuxOperatingSystem::enumerate(const Request& request, const Emit& emit) {
   System system;
-  emitInstance(system, bindProperties<LinuxProperty<System>>(request, kProperties), emit);
+  emitInstance(system, bindProperties<LinuxProperty<System>>(request, kOperatingSystemProperties), emit);
 }

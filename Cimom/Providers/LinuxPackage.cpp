@@ -9,6 +9,7 @@
 #include <charconv>
 #include <limits>
 
+#include "Cimom/Embedded/InstanceProvider.h"
 #include "Cimom/Providers/LinuxPackageReader.h"
 #include "Cimom/Providers/LinuxProperty.h"
 #include "cimom/CQoriProviderException.h"
@@ -16,8 +17,6 @@
 const char* const LinuxPackage::kClassName = "Linux_Package";
 
 namespace {
-
-constexpr QORuint32 kCimErrFailed = 1;
 
 using Package = const LinuxPackageRecord;
 
@@ -50,7 +49,7 @@ LinuxValue readSize(Package& package) {
   return isSize ? uint64Value(size * unit) : LinuxValue();
 }
 
-constexpr LinuxProperty<Package> kProperties[] = {
+constexpr LinuxProperty<Package> kPackageProperties[] = {
     {"InstanceID", readId},
     {"Name", readName},
     {"Caption", readName},
@@ -115,7 +114,7 @@ LinuxPackageReader rpmReader() {
 }  // namespace
 
 void LinuxPackage::enumerate(const Request& request, const Emit& emit) {
-  const auto properties = bindProperties<LinuxProperty<Package>>(request, kProperties);
+  const auto properties = bindProperties<LinuxProperty<Package>>(request, kPackageProperties);
   const QORString wanted = wantedKey(request, "InstanceID");
   bool hasPackages = false;
   std::string wrong;
@@ -128,10 +127,10 @@ void LinuxPackage::enumerate(const Request& request, const Emit& emit) {
   if (unreadable == 0) {
     static const LinuxPackageReader readApt = aptReader();
     readApt(_list.c_str(), take, wrong);
-    if (!wrong.empty()) raise(wrong, kCimErrFailed);
+    if (!wrong.empty()) raise(wrong, InstanceProvider::kUnreadable);
   }
   if (const LinuxPackageReader readRpm = rpmReader()) readRpm(_rpmDatabase.c_str(), take, wrong);
-  if (!wrong.empty()) raise(wrong, kCimErrFailed);
+  if (!wrong.empty()) raise(wrong, InstanceProvider::kUnreadable);
   // A machine of rpm has no list of dpkg.
   if (unreadable != 0 && !(unreadable == ENOENT && hasPackages)) warnUnreadable(_list, unreadable);
 }

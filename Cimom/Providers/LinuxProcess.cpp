@@ -21,6 +21,7 @@
 #include <optional>
 #include <string>
 
+#include "Cimom/Embedded/InstanceProvider.h"
 #include "Cimom/Providers/LinuxOperatingSystem.h"
 #include "Cimom/Providers/LinuxProcessFiles.h"
 #include "Cimom/Providers/LinuxProcessorUse.h"
@@ -30,8 +31,6 @@
 const char* const LinuxProcess::kClassName = "Linux_Process";
 
 namespace {
-
-constexpr QORuint32 kCimErrFailed = 1;
 
 // The process that is being read.
 struct Sample {
@@ -225,7 +224,7 @@ LinuxValue readOsName(Sample& sample) {
 
 constexpr const char* kProcessorUse = "CPUPercent";
 
-constexpr ProcessProperty kProperties[] = {
+constexpr ProcessProperty kProcessProperties[] = {
     {"Handle", PIDS_noop, readHandle},
     {"ProcessID", PIDS_noop, readProcessId},
     {"ParentProcessID", PIDS_ID_PPID, readUint32},
@@ -273,16 +272,17 @@ struct ReleaseProcesses {
 };
 using Processes = std::unique_ptr<pids_info, ReleaseProcesses>;
 
-[[noreturn]] void raiseUnreadable(int error) {
+[[noreturn]] void raiseProcessesUnreadable(int error) {
   logUnreadable("/proc", error);
-  throw CQoriProviderException(LinuxProcess::kClassName, "The process table cannot be read", kCimErrFailed);
+  throw CQoriProviderException(LinuxProcess::kClassName, "The process table cannot be read",
+                               InstanceProvider::kUnreadable);
 }
 
 Processes openProcesses(std::vector<pids_item> items) {
-  if (access("/proc/self/stat", R_OK) != 0) raiseUnreadable(errno);
+  if (access("/proc/self/stat", R_OK) != 0) raiseProcessesUnreadable(errno);
   pids_info* processes = nullptr;
   const int result = procps_pids_new(&processes, items.data(), static_cast<int>(items.size()));
-  if (result < 0) raiseUnreadable(-result);
+  if (result < 0) raiseProcessesUnreadable(-result);
   return Processes(processes);
 }
 
@@ -350,7 +350,7 @@ LinuxProcessorUse watchProcessorUse(const QORString& wanted) {
 }  // namespace
 
 void LinuxProcess::enumerate(const Request& request, const Emit& emit) {
-  const BoundProperties properties = bindProperties<ProcessProperty>(request, kProperties);
+  const BoundProperties properties = bindProperties<ProcessProperty>(request, kProcessProperties);
   const QORString wanted = wantedKey(request, "Handle");
   std::optional<LinuxProcessorUse> processorUse;
   if (request.needs(kProcessorUse)) processorUse = watchProcessorUse(wanted);

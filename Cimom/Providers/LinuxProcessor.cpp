@@ -12,14 +12,13 @@
 #include <sstream>
 #include <string>
 
+#include "Cimom/Embedded/InstanceProvider.h"
 #include "Cimom/Providers/LinuxProperty.h"
 #include "cimom/CQoriProviderException.h"
 
 const char* const LinuxProcessor::kClassName = "Linux_Processor";
 
 namespace {
-
-constexpr QORuint32 kCimErrFailed = 1;
 
 enum Ticks { kUser, kNice, kSystem, kIdle, kIoWait, kInterrupt, kSoftInterrupt, kSteal, kTickCount };
 
@@ -69,7 +68,7 @@ LinuxValue readClassName(Processor&) { return textValue(LinuxProcessor::kClassNa
 LinuxValue readSystemClassName(Processor&) { return textValue(kLinuxComputerSystem); }
 LinuxValue readSystemName(Processor&) { return textValue(hostName()); }
 
-constexpr LinuxProperty<Processor> kProperties[] = {
+constexpr LinuxProperty<Processor> kProcessorProperties[] = {
     {"DeviceID", readNumber},
     {"Name", readName},
     {"Caption", readName},
@@ -88,14 +87,14 @@ constexpr LinuxProperty<Processor> kProperties[] = {
 }  // namespace
 
 void LinuxProcessor::enumerate(const Request& request, const Emit& emit) {
-  const auto properties = bindProperties<LinuxProperty<Processor>>(request, kProperties);
+  const auto properties = bindProperties<LinuxProperty<Processor>>(request, kProcessorProperties);
   const QORString wanted = wantedKey(request, "DeviceID");
   const bool isDescribed = request.needs("Name") || request.needs("Caption") || request.needs("ElementName") ||
                            request.needs("Vendor") || request.needs("CurrentClockSpeed");
   std::istringstream lines(readSmallFile("/proc/stat"));
   if (lines.str().empty()) {
     logUnreadable("/proc/stat", errno);
-    throw CQoriProviderException(kClassName, "The processors cannot be listed", kCimErrFailed);
+    throw CQoriProviderException(kClassName, "The processors cannot be listed", InstanceProvider::kUnreadable);
   }
   const std::string description = isDescribed ? readSmallFile("/proc/cpuinfo") : std::string();
   if (isDescribed && description.empty()) warnUnreadable("/proc/cpuinfo", errno);

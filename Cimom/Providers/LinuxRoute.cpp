@@ -48,7 +48,7 @@ LinuxValue readMask(Route& route) {
   return textOrNull(inet_ntop(AF_INET, &mask, text.data(), text.size()));
 }
 
-constexpr LinuxProperty<Route> kProperties[] = {
+constexpr LinuxProperty<Route> kRouteProperties[] = {
     {"InstanceID", readName},         {"Caption", readName},
     {"ElementName", readName},        {"DestinationAddress", readDestination},
     {"DestinationMask", readMask},    {"PrefixLength", readPrefixLength},
@@ -80,7 +80,7 @@ LinuxRouteEntries LinuxRoute::routes() const {
 }
 
 void LinuxRoute::enumerate(const Request& request, const Emit& emit) {
-  const auto properties = bindProperties<LinuxProperty<Route>>(request, kProperties);
+  const auto properties = bindProperties<LinuxProperty<Route>>(request, kRouteProperties);
   const QORString wanted = wantedKey(request, "InstanceID");
   std::unordered_map<std::string, int> occurrences;
   for (const LinuxRouteEntry& entry : routes()) {

@@ -50,7 +50,7 @@ LinuxValue readClassName(Service&) { return textValue(LinuxService::kClassName);
 LinuxValue readSystemClassName(Service&) { return textValue(kLinuxComputerSystem); }
 LinuxValue readSystemName(Service&) { return textValue(hostName()); }
 
-constexpr LinuxProperty<Service> kProperties[] = {
+constexpr LinuxProperty<Service> kServiceProperties[] = {
     {"Name", readName},
     {"Caption", readName},
     {"ElementName", readName},
@@ -70,7 +70,7 @@ constexpr LinuxProperty<Service> kProperties[] = {
 }  // namespace
 
 void LinuxService::enumerate(const Request& request, const Emit& emit) {
-  const auto properties = bindProperties<LinuxProperty<Service>>(request, kProperties);
+  const auto properties = bindProperties<LinuxProperty<Service>>(request, kServiceProperties);
   const QORString wanted = wantedKey(request, "Name");
   LinuxUnits units(_connect);
   for (const LinuxUnits::Unit& unit : units.services()) {

@@ -60,12 +60,12 @@ constexpr LinuxProperty<Socket> kOwnProperties[] = {
     {"State", readState},           {"LocalPort", readLocalPort}, {"RemoteAddress", readRemoteAddress},
     {"RemotePort", readRemotePort}, {"IsRemote", readIsRemote},   {"CreationClassName", readClassName},
 };
-constexpr auto kProperties = withSocketProperties(kOwnProperties);
+constexpr auto kSocketProperties = withSocketProperties(kOwnProperties);
 
 }  // namespace
 
 void LinuxSocket::enumerate(const Request& request, const Emit& emit) {
-  const auto properties = bindProperties<LinuxProperty<Socket>>(request, kProperties);
+  const auto properties = bindProperties<LinuxProperty<Socket>>(request, kSocketProperties);
   const QORString wanted = wantedKey(request, "Name");
   const LinuxSocketEntries sockets = readSockets(LinuxSocketChoice::All, _folder);
   LinuxSocketSurroundings around(sockets);

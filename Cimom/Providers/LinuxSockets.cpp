@@ -17,13 +17,13 @@
 #include <optional>
 #include <unordered_set>
 
+#include "Cimom/Embedded/InstanceProvider.h"
 #include "Cimom/Providers/LinuxProcessFiles.h"
 #include "Cimom/Providers/LinuxValues.h"
 #include "cimom/CQoriProviderException.h"
 
 namespace {
 
-constexpr QORuint32 kCimErrFailed = 1;
 // The kernel's numbers of states, which UDP shares as far as it needs them.
 constexpr int kEstablished = 1;
 constexpr int kClosed = 7;
@@ -206,7 +206,9 @@ LinuxSocketEntries readSockets(LinuxSocketChoice choice, const std::string& fold
     hasTable = true;
     parseSocketTable(content, table.protocol, table.isVersion6, choice, sockets);
   }
-  if (!hasTable) throw CQoriProviderException("Linux sockets", "The tables of sockets cannot be read", kCimErrFailed);
+  if (!hasTable)
+    throw CQoriProviderException("Linux sockets", "The tables of sockets cannot be read",
+                                 InstanceProvider::kUnreadable);
   return sockets;
 }
 

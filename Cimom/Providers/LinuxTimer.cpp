@@ -53,7 +53,7 @@ LinuxValue readClassName(Timer&) { return textValue(LinuxTimer::kClassName); }
 LinuxValue readSystemClassName(Timer&) { return textValue(kLinuxComputerSystem); }
 LinuxValue readSystemName(Timer&) { return textValue(hostName()); }
 
-constexpr LinuxProperty<Timer> kProperties[] = {
+constexpr LinuxProperty<Timer> kTimerProperties[] = {
     {"Name", readName},
     {"Caption", readName},
     {"ElementName", readName},
@@ -74,7 +74,7 @@ constexpr LinuxProperty<Timer> kProperties[] = {
 }  // namespace
 
 void LinuxTimer::enumerate(const Request& request, const Emit& emit) {
-  const auto properties = bindProperties<LinuxProperty<Timer>>(request, kProperties);
+  const auto properties = bindProperties<LinuxProperty<Timer>>(request, kTimerProperties);
   const QORString wanted = wantedKey(request, "Name");
   LinuxUnits units(_connect);
   if (!units.isThere()) return warnUnreadable(LinuxUnits::kRuntimeFolder, ENOENT);

@@ -15,14 +15,14 @@
 
 namespace {
 
-constexpr QORuint32 kCimErrFailed = 1;
 constexpr QORuint64 kTimeoutMicroseconds = 5000000;
 constexpr QORuint64 kMicroseconds = 1000000;  // in a second
 constexpr const char* kDestination = "org.freedesktop.systemd1";
 
 [[noreturn]] void raiseUnreachable(int error) {
   logUnreadable("the units of systemd", error);
-  throw CQoriProviderException("Linux services", "The units of systemd cannot be listed", kCimErrFailed);
+  throw CQoriProviderException("Linux services", "The units of systemd cannot be listed",
+                               InstanceProvider::kUnreadable);
 }
 
 [[noreturn]] void raiseAbsent() {

@@ -61,7 +61,7 @@ LinuxValue readClassName(Account&) { return textValue(LinuxUser::kClassName); }
 LinuxValue readSystemClassName(Account&) { return textValue(kLinuxComputerSystem); }
 LinuxValue readSystemName(Account&) { return textValue(hostName()); }
 
-constexpr LinuxProperty<Account> kProperties[] = {
+constexpr LinuxProperty<Account> kUserProperties[] = {
     {"Name", readName},
     {"Caption", readName},
     {"ElementName", readName},
@@ -81,7 +81,7 @@ constexpr LinuxProperty<Account> kProperties[] = {
 }  // namespace
 
 void LinuxUser::enumerate(const Request& request, const Emit& emit) {
-  const auto properties = bindProperties<LinuxProperty<Account>>(request, kProperties);
+  const auto properties = bindProperties<LinuxProperty<Account>>(request, kUserProperties);
   const QORString wanted = wantedKey(request, "Name");
   std::optional<Shares> shares;
   for (const LinuxAccount& found : readAccounts()) {

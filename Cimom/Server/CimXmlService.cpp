@@ -10,13 +10,11 @@
 
 #include "Cimom/CimXml/CimXmlException.h"
 #include "Cimom/CimXml/CimXmlRequestReader.h"
+#include "Cimom/Server/StatusCodes.h"
 
 namespace {
 
 constexpr const char* kMapping = "http://www.dmtf.org/cim/mapping/http/v1.0";
-constexpr unsigned kBadRequest = 400;
-constexpr unsigned kMethodNotAllowed = 405;
-constexpr unsigned kNotImplemented = 501;
 
 // The headers of the mapping, whose names may begin with a number.
 class CimHeaders {
@@ -166,12 +164,13 @@ CimXmlService::CimXmlService(const ServerOperations& operations, Manager manager
 
 HttpReply CimXmlService::serve(const HttpRequest& request) {
   if (request.method != "POST" && request.method != "M-POST") {
-    HttpReply reply = plainReply(kMethodNotAllowed, "CIM operations come by POST");
+    HttpReply reply = plainReply(httpstatus::kMethodNotAllowed, "CIM operations come by POST");
     reply.headers.emplace_back("Allow", "POST, M-POST");
     return reply;
   }
   const CimHeaders headers(request);
-  if (!headers.hasMapping()) return plainReply(kNotImplemented, std::string("M-POST needs the mapping ") + kMapping);
+  if (!headers.hasMapping())
+    return plainReply(httpstatus::kNotImplemented, std::string("M-POST needs the mapping ") + kMapping);
   const std::shared_ptr<EmbeddedObjectManager> manager = _manager();
   HttpReply reply;
   CimXmlRequest call;
@@ -186,7 +185,7 @@ HttpReply CimXmlService::serve(const HttpRequest& request) {
     reply.note.subject = subjectOf(call);
     body = _operations.answer({call, request.client, manager, reply.note, hostOf(request)});
   } catch (const CimXmlRequestRefusal& refusal) {
-    HttpReply refused = plainReply(kBadRequest, std::string(refusal.getMessage().view()));
+    HttpReply refused = plainReply(httpstatus::kBadRequest, std::string(refusal.getMessage().view()));
     refused.headers.emplace_back("CIMError", refusal.getWord());
     return refused;
   } catch (const QoriBaseException& failure) {

@@ -9,14 +9,12 @@
 #include "Cimom/Server/ElementsReply.h"
 #include "Cimom/Server/ServerClasses.h"
 #include "Cimom/Server/ServerParameters.h"
+#include "Cimom/Server/StatusCodes.h"
 
 namespace {
 
 using Reply = std::unique_ptr<ServerReply>;
 using Class = ServerClasses::Class;
-
-constexpr QORuint32 kMethodNotAvailable = 16;
-constexpr QORuint32 kMethodNotFound = 17;
 
 ServerClasses::View viewOf(const CimXmlRequest& request) {
   ServerClasses::View view;
@@ -99,8 +97,8 @@ Reply refuseMethod(const ServerCall& call) {
     return QORString::equalIgnoringCase(method->name.view(), call.request.operation);
   });
   const std::string what = std::string(found->getClassName().view()) + "." + call.request.operation;
-  if (!isDeclared) throw CimStatusException(kMethodNotFound, "there is no method " + what);
-  throw CimStatusException(kMethodNotAvailable, "the method " + what + " cannot be called here");
+  if (!isDeclared) throw CimStatusException(cimstatus::kMethodNotFound, "there is no method " + what);
+  throw CimStatusException(cimstatus::kMethodNotAvailable, "the method " + what + " cannot be called here");
 }
 
 }  // namespace

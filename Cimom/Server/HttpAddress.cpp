@@ -57,7 +57,7 @@ Resolved resolve(const std::string& address) {
   return {found, &freeaddrinfo};
 }
 
-ListeningSocket listenAt(const addrinfo& where, const std::string& address) {
+ListeningSocket listenAtOne(const addrinfo& where, const std::string& address) {
   ListeningSocket made(socket(where.ai_family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
   const int yes = 1;
   const bool isDone =
@@ -108,7 +108,7 @@ std::vector<ListeningSocket> listenAt(const std::string& address) {
   const Resolved resolved = resolve(address);
   std::vector<ListeningSocket> sockets;
   for (const addrinfo* each = resolved.get(); each != nullptr; each = each->ai_next) {
-    sockets.push_back(listenAt(*each, address));
+    sockets.push_back(listenAtOne(*each, address));
   }
   return sockets;
 }

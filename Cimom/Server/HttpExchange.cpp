@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "Cimom/Server/GzipReply.h"
+#include "Cimom/Server/StatusCodes.h"
 
 namespace {
 
@@ -26,18 +27,7 @@ constexpr std::uint64_t kCompressedFrom = 1024;  // shorter replies leave as the
 
 constexpr std::chrono::seconds kProbeInterval{5};
 
-constexpr unsigned kOk = 200;
-constexpr unsigned kBadRequest = 400;
-constexpr unsigned kUnauthorized = 401;
-constexpr unsigned kForbidden = 403;
-constexpr unsigned kMethodNotAllowed = 405;
-constexpr unsigned kLengthRequired = 411;
-constexpr unsigned kTooLarge = 413;
-constexpr unsigned kUnsupportedMedia = 415;
-constexpr unsigned kTooManyFailures = 429;
-constexpr unsigned kServerError = 500;
-constexpr unsigned kNotImplemented = 501;
-constexpr unsigned kUnavailable = 503;
+using namespace httpstatus;
 
 constexpr const char* kChallenge = "Basic realm=\"qorql\", charset=\"UTF-8\"";
 constexpr const char* kAllowed = "POST, M-POST, OPTIONS";

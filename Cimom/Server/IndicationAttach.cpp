@@ -14,17 +14,7 @@ namespace {
 
 using Object = QORSmrPtr<IQoriObject>;
 
-void tell(const std::string& line) {
-  QORLog::log("Indications", QORString(line), QoriTraceLog::kWarning, QoriTraceLog::kNormal, 0, QORLog::CIMOMLOG);
-}
-
-std::string pathOf(const IQoriObject& object) {
-  std::string path;
-  object.appendPath(path);
-  return path;
-}
-
-bool isOf(const IQoriObject& object, const char* className) {
+bool isSubscriptionOf(const IQoriObject& object, const char* className) {
   return object.getClassName().isEqualCaseInsensitive(className) &&
          object.getNameSpace().isEqualCaseInsensitive(kSubscriptionSpace);
 }
@@ -74,10 +64,10 @@ void IndicationService::State::attach(const std::shared_ptr<EmbeddedObjectManage
   const std::lock_guard turn(_managerMutex);
   try {
     _writer.restore(*manager, [](const std::string& path, const std::string& reason) {
-      tell("the stored instance " + path + " does not fit any more: " + reason);
+      tellOfIndications("the stored instance " + path + " does not fit any more: " + reason);
     });
   } catch (const QoriBaseException& fault) {
-    tell(std::string(fault.getMessage().view()));
+    tellOfIndications(std::string(fault.getMessage().view()));
   }
   const std::lock_guard lock(_mutex);
   _manager = manager;
@@ -104,14 +94,14 @@ void IndicationService::State::apply(const InstanceChange& change) {
       applyObject(object);
     }
   } catch (const std::exception& fault) {
-    tell(pathOf(object) + " is not in force: " + fault.what());
+    tellOfIndications(pathOf(object) + " is not in force: " + fault.what());
   }
 }
 
 void IndicationService::State::applyRemoval(const IQoriObject& before) {
   if (!isSubscriptionClass(before.getNameSpace(), before.getClassName())) return;
   const std::string path = pathOf(before);
-  if (isOf(before, kHandlerClass)) retire(path);
+  if (isSubscriptionOf(before, kHandlerClass)) retire(path);
   _table.remove(path);
   _failing.erase(path);
   _failingCount = _failing.size();
@@ -119,11 +109,11 @@ void IndicationService::State::applyRemoval(const IQoriObject& before) {
 }
 
 void IndicationService::State::applyObject(const IQoriObject& after) {
-  if (isOf(after, kIndicationServiceClass)) return readService(after);
+  if (isSubscriptionOf(after, kIndicationServiceClass)) return readService(after);
   if (!isSubscriptionClass(after.getNameSpace(), after.getClassName())) return;
   ++_filtersVersion;
-  if (isOf(after, kFilterClass)) return _table.put(readFilter(after));
-  if (isOf(after, kSubscriptionClass)) return _table.put(readSubscription(after));
+  if (isSubscriptionOf(after, kFilterClass)) return _table.put(readFilter(after));
+  if (isSubscriptionOf(after, kSubscriptionClass)) return _table.put(readSubscription(after));
   const ListenerDestination destination = readDestination(after);
   open(destination);
   _table.put(destination);

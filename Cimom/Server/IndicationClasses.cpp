@@ -14,8 +14,6 @@ namespace {
 using Value = QORSmrPtr<IQoriValue>;
 using Type = QORSmrPtr<IQoriType>;
 
-constexpr const char* kRoot = "CIM_ManagedElement";
-
 CimQualifier flag(const char* name) {
   CimQualifier qualifier;
   qualifier.name = name;
@@ -61,13 +59,13 @@ std::vector<CimPropertyDeclaration> withKeys(std::vector<CimPropertyDeclaration>
 
 std::vector<Declared> subscriptionClasses() {
   return {
-      {kFilterClass, kRoot,
+      {kFilterClass, kElementClass,
        withKeys({property("SourceNamespace", CQoriType::string),
                  property("SourceNamespaces", CQoriType::arrayOf(CQoriType::string)),
                  property("Query", CQoriType::string), property("QueryLanguage", CQoriType::string),
                  property("IndividualSubscriptionSupported", CQoriType::boolean,
                           new CQoriValue(true, CQoriType::boolean))})},
-      {"CIM_ListenerDestination", kRoot,
+      {"CIM_ListenerDestination", kElementClass,
        withKeys({property("PersistenceType", CQoriType::uint16), property("OtherPersistenceType", CQoriType::string),
                  property("Destination", CQoriType::string), property("OtherProtocol", CQoriType::string),
                  property("Protocol", CQoriType::uint16)})},
@@ -95,7 +93,7 @@ std::vector<Declared> subscriptionClasses() {
 std::vector<Declared> serviceClasses() {
   return {
       {"CIM_Service",
-       kRoot,
+       kElementClass,
        withKeys({property("Started", CQoriType::boolean), property("EnabledState", CQoriType::uint16, number(5))}),
        {"Abstract"}},
       {kIndicationServiceClass,
@@ -124,9 +122,15 @@ void declareUnlessThere(EmbeddedObjectManager& manager, Declared declared) {
 
 }  // namespace
 
+std::string pathOf(const IQoriObject& object) {
+  std::string path;
+  object.appendPath(path);
+  return path;
+}
+
 void declareIndicationClasses(EmbeddedObjectManager& manager) {
   manager.sink().createNamespace(kSubscriptionSpace);
-  declareUnlessThere(manager, {kRoot,
+  declareUnlessThere(manager, {kElementClass,
                                "",
                                {property("InstanceID", CQoriType::string), property("Caption", CQoriType::string),
                                 property("Description", CQoriType::string), property("ElementName", CQoriType::string)},

@@ -5,6 +5,7 @@
 #define QORQL_SERVER_INDICATIONCLASSES_H
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
+#include "cimom/IQoriObject.h"
 #include "cmpbase.h"
 
 inline constexpr const char* kSubscriptionSpace = "root/interop";
@@ -13,6 +14,12 @@ inline constexpr const char* kHandlerClass = "CIM_ListenerDestinationCIMXML";
 inline constexpr const char* kSubscriptionClass = "CIM_IndicationSubscription";
 inline constexpr const char* kIndicationServiceClass = "CIM_IndicationService";
 inline constexpr const char* kQueueClass = "QORQL_IndicationQueue";
+
+// The class that clients and programs declare theirs below.
+inline constexpr const char* kElementClass = "CIM_ManagedElement";
+
+// How the table of subscriptions names an instance.
+std::string pathOf(const IQoriObject& object);
 
 // Declares the namespace, and those of the classes and superclasses that are not there yet, in short form. THROWS
 // QoriBaseException (type "CIM_Repository") when one does not fit what is there.

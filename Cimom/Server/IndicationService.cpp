@@ -8,11 +8,10 @@
 #include "Cimom/Server/ExportMessages.h"
 #include "Cimom/Server/IndicationState.h"
 #include "Cimom/Server/ServerClasses.h"
+#include "Cimom/Server/StatusCodes.h"
 #include "Cimom/Server/WrittenInstance.h"
 
 namespace {
-
-constexpr QORuint32 kInvalidParameter = 4;
 
 void addUnlessThere(std::vector<CimInstanceProperty>& properties, const char* name,
                     const QORSmrPtr<IQoriValue>& value) {
@@ -26,12 +25,14 @@ void addUnlessThere(std::vector<CimInstanceProperty>& properties, const char* na
 QORSmrPtr<IQoriObject> indicationOf(const ServerCall& call, const QORString& nameSpace,
                                     const IndicationOrigin& origin) {
   const CimXmlInstance* const given = call.request.instance("NewIndication");
-  if (given == nullptr) throw CimStatusException(kInvalidParameter, "the parameter NewIndication is missing");
+  if (given == nullptr)
+    throw CimStatusException(cimstatus::kInvalidParameter, "the parameter NewIndication is missing");
   call.note.subject = given->className.view();
   const ServerClasses space(*call.manager, nameSpace);
   const ServerClasses::Class handle = space.require(given->className);
   if (!space.isA(given->className, "CIM_Indication")) {
-    throw CimStatusException(kInvalidParameter, std::string(given->className.view()) + " is no class of indications");
+    throw CimStatusException(cimstatus::kInvalidParameter,
+                             std::string(given->className.view()) + " is no class of indications");
   }
   CimInstanceDeclaration declaration;
   declaration.className = given->className;

@@ -8,21 +8,14 @@
 #include "Cimom/Server/ExportMessages.h"
 #include "Cimom/Server/IndicationClasses.h"
 #include "Cimom/Server/InstanceDocument.h"
+#include "Cimom/Server/StatusCodes.h"
 #include "Cimom/Server/SubscriptionRules.h"
 #include "cimom/CQoriValue.h"
 
 namespace {
 
-constexpr QORuint32 kLimitExceeded = 27;
-
-bool isOf(const IQoriObject& object, const char* className) {
+bool isOfClass(const IQoriObject& object, const char* className) {
   return object.getClassName().isEqualCaseInsensitive(className);
-}
-
-std::string pathOf(const IQoriObject& object) {
-  std::string path;
-  object.appendPath(path);
-  return path;
 }
 
 const IQoriObject& oneOf(const InstanceChange& change) {
@@ -33,11 +26,11 @@ bool isOfSubscriptions(const IQoriObject& object) {
   return isSubscriptionClass(object.getNameSpace(), object.getClassName());
 }
 
-void tell(const std::string& line, QoriTraceLog::Severity severity = QoriTraceLog::kWarning) {
+}  // namespace
+
+void tellOfIndications(const std::string& line, QoriTraceLog::Severity severity) {
   QORLog::log("Indications", QORString(line), severity, QoriTraceLog::kNormal, 0, QORLog::CIMOMLOG);
 }
-
-}  // namespace
 
 IndicationService::State::State(ServerStore& store, IndicationOptions options)
     : _store(store), _options(std::move(options)), _writer(store, this) {}
@@ -61,7 +54,7 @@ void IndicationService::State::beforeCreate(EmbeddedObjectManager& manager, cons
   SubscriptionRules(manager, _table, _options.origin).complete(declaration);
   const bool isHandler = declaration.className.isEqualCaseInsensitive(kHandlerClass);
   if (isHandler && _table.handlerCount() >= _options.listenerLimit) {
-    throw CimStatusException(kLimitExceeded,
+    throw CimStatusException(cimstatus::kServerLimitsExceeded,
                              "there are " + std::to_string(_options.listenerLimit) + " listeners, which is the limit");
   }
 }
@@ -106,7 +99,7 @@ IndicationService::State::Discarded IndicationService::State::keepQueues(ServerS
   const IQoriObject& object = oneOf(change);
   if (!isOfSubscriptions(object) || change.before.IsNull()) return {};
   const std::string path = pathOf(object);
-  if (isOf(object, kHandlerClass)) {
+  if (isOfClass(object, kHandlerClass)) {
     const auto channel = _channels.find(path);
     if (change.after.IsNull() && channel != _channels.end()) kept.forget(channel->second.listener->id());
     return {};
@@ -146,7 +139,7 @@ void IndicationService::State::queue(ServerStore::Change& kept, const Object& in
   try {
     matches = _table.match(indication, nameSpace);
   } catch (const QoriBaseException& fault) {
-    return tell("an indication cannot be matched: " + std::string(fault.getMessage().view()));
+    return tellOfIndications("an indication cannot be matched: " + std::string(fault.getMessage().view()));
   }
   for (const SubscriptionTable::Match& match : matches) {
     const auto found = _channels.find(match.handler.path);
@@ -177,11 +170,11 @@ void IndicationService::State::settle(const Advances& advances) {
     channel->next = advance.next;
     if (advance.queued > 0) channel->listener->wake(advance.queued);
     if (advance.dropped > 0 && channel->dropped == 0) {
-      tell("the queue of " + channel->listener->handler() + " is full (" + std::to_string(_options.queueLimit) +
-           " indications): what comes now is dropped");
+      tellOfIndications("the queue of " + channel->listener->handler() + " is full (" +
+                        std::to_string(_options.queueLimit) + " indications): what comes now is dropped");
     } else if (advance.dropped == 0 && channel->dropped > 0) {
-      tell("the queue of " + channel->listener->handler() + " has room again: " + std::to_string(channel->dropped) +
-           " indications were dropped");
+      tellOfIndications("the queue of " + channel->listener->handler() +
+                        " has room again: " + std::to_string(channel->dropped) + " indications were dropped");
       channel->dropped = 0;
     }
     channel->dropped += advance.dropped;
@@ -211,8 +204,8 @@ void IndicationService::State::failed(const std::string& handler, const std::str
     const Subscription* const known = _table.findSubscription(subscription);
     const ListenerDestination* const destination = _table.findHandler(handler);
     if (known == nullptr || destination == nullptr) return;
-    tell("an indication for " + destination->url + " is dropped after " + std::to_string(_retryAttempts + 1) +
-         " attempts: " + reason);
+    tellOfIndications("an indication for " + destination->url + " is dropped after " +
+                      std::to_string(_retryAttempts + 1) + " attempts: " + reason);
     const Time now = std::chrono::steady_clock::now();
     const Time since = _failing.try_emplace(subscription, now).first->second;
     _failingCount = _failing.size();
@@ -232,8 +225,8 @@ void IndicationService::State::act(const Subscription& subscription, bool isTran
     if (_manager == nullptr) return;
     if (isTransient) return removeAll(*_manager, subscription.handler);
     const bool isRemoval = subscription.onFailure == Subscription::OnFailure::Remove;
-    tell("the subscription " + subscription.path + (isRemoval ? " is removed" : " is disabled") +
-         ", since its listener fails");
+    tellOfIndications("the subscription " + subscription.path + (isRemoval ? " is removed" : " is disabled") +
+                      ", since its listener fails");
     if (isRemoval) return _writer.remove(*_manager, subscription.name);
     constexpr unsigned short kDisabled = 4;
     _writer.modify(*_manager, subscription.name, {{"SubscriptionState", new CQoriValue(kDisabled, CQoriType::uint16)}});
@@ -249,6 +242,6 @@ void IndicationService::State::removeAll(EmbeddedObjectManager& manager, const s
     names = _table.subscriptionsOf(handler);
     names.push_back(destination->name);
   }
-  tell("the transient listener " + handler + " and its subscriptions are removed, since it fails");
+  tellOfIndications("the transient listener " + handler + " and its subscriptions are removed, since it fails");
   for (const QORSmrPtr<IQoriInstanceName>& name : names) _writer.remove(manager, name);
 }

@@ -18,6 +18,9 @@
 #include "Cimom/Server/StoredInstanceWriter.h"
 #include "Cimom/Server/SubscriptionTable.h"
 
+// One line of the object manager's log.
+void tellOfIndications(const std::string& line, QoriTraceLog::Severity severity = QoriTraceLog::kWarning);
+
 // Locks are taken in this order: the writer's, the table's (_mutex), the store's. The threads of listeners take the
 // table's lock without holding another.
 class IndicationService::State final : public WriteObserver,

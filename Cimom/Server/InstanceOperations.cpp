@@ -11,6 +11,7 @@
 #include "Cimom/Server/InstancesReply.h"
 #include "Cimom/Server/ServerObjects.h"
 #include "Cimom/Server/ServerParameters.h"
+#include "Cimom/Server/StatusCodes.h"
 #include "Cimom/Server/WrittenInstance.h"
 
 namespace {
@@ -18,8 +19,6 @@ namespace {
 using Reply = std::unique_ptr<ServerReply>;
 using Names = std::optional<std::vector<QORString>>;
 using embedded::CimStatus;
-
-constexpr QORuint32 kAccessDenied = 2;
 
 [[noreturn]] void raise(CimStatus status, const std::string& message) {
   throw CimStatusException(static_cast<QORuint32>(status), message);
@@ -151,7 +150,7 @@ Reply deleteInstance(const ServerCall& call, InstanceWriter& writer) {
 }
 
 Reply refuseChange(const ServerCall&) {
-  throw CimStatusException(kAccessDenied,
+  throw CimStatusException(cimstatus::kAccessDenied,
                            "this server is read-only; it takes changes when it is started with --writable");
 }
 

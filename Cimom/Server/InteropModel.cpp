@@ -22,7 +22,7 @@ using Type = QORSmrPtr<IQoriType>;
 using Properties = std::vector<std::pair<const char*, Value>>;
 using State = EmbeddedObjectManager::State;
 
-constexpr const char* kRoot = "CIM_ManagedElement";
+constexpr const char* kModelRoot = "CIM_ManagedElement";
 constexpr const char* kNameSpaceClass = "CIM_Namespace";
 constexpr const char* kManagerClass = "CIM_ObjectManager";
 constexpr const char* kMechanismClass = "CIM_ObjectManagerCommunicationMechanism";
@@ -33,7 +33,7 @@ QORString hostName() {
   return QORString(isKnown ? name : "localhost");
 }
 
-Value text(const QORString& value) { return Value(new CQoriValue(value)); }
+Value textValue(const QORString& value) { return Value(new CQoriValue(value)); }
 
 Value number(QORuint16 value) { return Value(new CQoriValue(value, CQoriType::uint16)); }
 
@@ -45,15 +45,15 @@ Value array(std::vector<Value> values, const Type& type) {
   return Value(new CQoriValue(elements, CQoriType::arrayOf(type)));
 }
 
-CimPropertyDeclaration property(const char* name, const Type& type) {
+CimPropertyDeclaration modelProperty(const char* name, const Type& type) {
   CimPropertyDeclaration declaration;
   declaration.name = name;
   declaration.type = type;
   return declaration;
 }
 
-CimPropertyDeclaration key(const char* name) {
-  CimPropertyDeclaration declaration = property(name, CQoriType::string);
+CimPropertyDeclaration modelKey(const char* name) {
+  CimPropertyDeclaration declaration = modelProperty(name, CQoriType::string);
   declaration.qualifiers.emplace_back().name = "Key";
   return declaration;
 }
@@ -72,22 +72,23 @@ void declare(EmbeddedObjectManager& manager, const char* name, const char* super
 void declareClasses(EmbeddedObjectManager& manager) {
   const Type numbers = CQoriType::arrayOf(CQoriType::uint16);
   const Type texts = CQoriType::arrayOf(CQoriType::string);
-  declare(manager, kRoot, "",
-          {property("InstanceID", CQoriType::string), property("Caption", CQoriType::string),
-           property("Description", CQoriType::string), property("ElementName", CQoriType::string)});
-  declare(manager, kNameSpaceClass, kRoot,
-          {key("SystemCreationClassName"), key("SystemName"), key("ObjectManagerCreationClassName"),
-           key("ObjectManagerName"), key("CreationClassName"), key("Name")});
-  declare(manager, kManagerClass, kRoot,
-          {key("SystemCreationClassName"), key("SystemName"), key("CreationClassName"), key("Name"),
-           property("OperationalStatus", numbers), property("Started", CQoriType::boolean),
-           property("GatherStatisticalData", CQoriType::boolean)});
-  declare(manager, kMechanismClass, kRoot,
-          {key("SystemCreationClassName"), key("SystemName"), key("CreationClassName"), key("Name"),
-           property("CommunicationMechanism", CQoriType::uint16), property("FunctionalProfilesSupported", numbers),
-           property("MultipleOperationsSupported", CQoriType::boolean),
-           property("AuthenticationMechanismsSupported", numbers), property("Version", CQoriType::string),
-           property("QueryLanguagesSupported", texts)});
+  declare(manager, kModelRoot, "",
+          {modelProperty("InstanceID", CQoriType::string), modelProperty("Caption", CQoriType::string),
+           modelProperty("Description", CQoriType::string), modelProperty("ElementName", CQoriType::string)});
+  declare(manager, kNameSpaceClass, kModelRoot,
+          {modelKey("SystemCreationClassName"), modelKey("SystemName"), modelKey("ObjectManagerCreationClassName"),
+           modelKey("ObjectManagerName"), modelKey("CreationClassName"), modelKey("Name")});
+  declare(manager, kManagerClass, kModelRoot,
+          {modelKey("SystemCreationClassName"), modelKey("SystemName"), modelKey("CreationClassName"), modelKey("Name"),
+           modelProperty("OperationalStatus", numbers), modelProperty("Started", CQoriType::boolean),
+           modelProperty("GatherStatisticalData", CQoriType::boolean)});
+  declare(manager, kMechanismClass, kModelRoot,
+          {modelKey("SystemCreationClassName"), modelKey("SystemName"), modelKey("CreationClassName"), modelKey("Name"),
+           modelProperty("CommunicationMechanism", CQoriType::uint16),
+           modelProperty("FunctionalProfilesSupported", numbers),
+           modelProperty("MultipleOperationsSupported", CQoriType::boolean),
+           modelProperty("AuthenticationMechanismsSupported", numbers), modelProperty("Version", CQoriType::string),
+           modelProperty("QueryLanguagesSupported", texts)});
 }
 
 // Hands out what a function tells; properties that the class in force does not have are left out.
@@ -121,11 +122,11 @@ class InteropProvider final : public InstanceProvider {
 
 // The keys that all three have, and the name to show.
 Properties named(const char* className, const QORString& name, const QORString& shown) {
-  return {{"SystemCreationClassName", text("CIM_ComputerSystem")},
-          {"SystemName", text(hostName())},
-          {"CreationClassName", text(className)},
-          {"Name", text(name)},
-          {"ElementName", text(shown)}};
+  return {{"SystemCreationClassName", textValue("CIM_ComputerSystem")},
+          {"SystemName", textValue(hostName())},
+          {"CreationClassName", textValue(className)},
+          {"Name", textValue(name)},
+          {"ElementName", textValue(shown)}};
 }
 
 QORString managerName() { return "qorql:" + hostName(); }
@@ -138,8 +139,8 @@ std::vector<Properties> nameSpaceInstances(const std::weak_ptr<State>& state) {
   for (const auto& space : held->store->nameSpaces()) {
     if (space->isPending) continue;
     Properties properties = named(kNameSpaceClass, space->name, space->name);
-    properties.emplace_back("ObjectManagerCreationClassName", text(kManagerClass));
-    properties.emplace_back("ObjectManagerName", text(managerName()));
+    properties.emplace_back("ObjectManagerCreationClassName", textValue(kManagerClass));
+    properties.emplace_back("ObjectManagerName", textValue(managerName()));
     instances.push_back(std::move(properties));
   }
   return instances;
@@ -147,7 +148,7 @@ std::vector<Properties> nameSpaceInstances(const std::weak_ptr<State>& state) {
 
 std::vector<Properties> managerInstances() {
   Properties properties = named(kManagerClass, managerName(), "QORQL");
-  properties.emplace_back("Description", text("A query engine and its object manager"));
+  properties.emplace_back("Description", textValue("A query engine and its object manager"));
   properties.emplace_back("OperationalStatus", array({number(2)}, CQoriType::uint16));
   properties.emplace_back("Started", flag(true));
   properties.emplace_back("GatherStatisticalData", flag(false));
@@ -162,9 +163,10 @@ std::vector<Properties> mechanismInstances() {
                           array({number(2), number(5), number(6), number(7), number(8)}, CQoriType::uint16));
   properties.emplace_back("MultipleOperationsSupported", flag(false));
   properties.emplace_back("AuthenticationMechanismsSupported", array({number(2), number(3)}, CQoriType::uint16));
-  properties.emplace_back("Version", text("1.4"));
-  properties.emplace_back("QueryLanguagesSupported",
-                          array({text("DMTF:CQL"), text("CIM:CQL"), text("CQL"), text("WQL")}, CQoriType::string));
+  properties.emplace_back("Version", textValue("1.4"));
+  properties.emplace_back(
+      "QueryLanguagesSupported",
+      array({textValue("DMTF:CQL"), textValue("CIM:CQL"), textValue("CQL"), textValue("WQL")}, CQoriType::string));
   return {properties};
 }
 

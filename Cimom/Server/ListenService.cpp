@@ -4,13 +4,7 @@
 
 #include "Cimom/CimXml/CimXmlException.h"
 #include "Cimom/Server/ExportMessages.h"
-
-namespace {
-
-constexpr unsigned kOk = 200;
-constexpr QORuint32 kInvalidParameter = 4;
-
-}  // namespace
+#include "Cimom/Server/StatusCodes.h"
 
 ListenService::ListenService(IndicationTaker& taker)
     : _taker(taker),
@@ -21,13 +15,14 @@ ListenService::ListenService(IndicationTaker& taker)
 
 HttpReply ListenService::serve(const HttpRequest& request) {
   HttpReply reply = _service.serve(request);
-  if (reply.status != kOk || reply.note.status != 0) _taker.complain(request.client, reply.note.statusText);
+  if (reply.status != httpstatus::kOk || reply.note.status != 0) _taker.complain(request.client, reply.note.statusText);
   return reply;
 }
 
 std::unique_ptr<ServerReply> ListenService::take(const ServerCall& call) {
   const CimXmlInstance* const indication = call.request.instance("NewIndication");
-  if (indication == nullptr) throw CimStatusException(kInvalidParameter, "the parameter NewIndication is missing");
+  if (indication == nullptr)
+    throw CimStatusException(cimstatus::kInvalidParameter, "the parameter NewIndication is missing");
   call.note.subject = indication->className.view();
   _taker.take(*indication, call.client);
   return std::make_unique<WholeReply>(exportResponse(call.request.messageId));

@@ -11,20 +11,20 @@ using Value = QORSmrPtr<IQoriValue>;
 
 Value count(std::uint64_t number) { return new CQoriValue(static_cast<unsigned long>(number), CQoriType::uint64); }
 
-Value text(const std::string& value) { return value.empty() ? Value() : Value(new CQoriValue(QORString(value))); }
+Value textOrNull(const std::string& value) { return value.empty() ? Value() : Value(new CQoriValue(QORString(value))); }
 
 // BORROWS nothing: made anew for each instance.
 Value valueOf(const QueueRow& row, const QORString& property) {
   const auto is = [&](const char* name) { return property.isEqualCaseInsensitive(name); };
-  if (is("Handler")) return text(row.destination.path);
-  if (is("Destination")) return text(row.destination.url);
-  if (is("SequenceContext")) return text(row.state.context);
+  if (is("Handler")) return textOrNull(row.destination.path);
+  if (is("Destination")) return textOrNull(row.destination.url);
+  if (is("SequenceContext")) return textOrNull(row.state.context);
   if (is("NextSequenceNumber")) return new CQoriValue(static_cast<long>(row.state.next), CQoriType::sint64);
   if (is("Queued")) return count(static_cast<std::uint64_t>(row.state.queued));
   if (is("Dropped")) return count(static_cast<std::uint64_t>(row.state.dropped));
   if (is("Delivered")) return count(row.numbers.delivered);
   if (is("FailedAttempts")) return count(row.numbers.failedAttempts);
-  if (is("LastError")) return text(row.numbers.lastError);
+  if (is("LastError")) return textOrNull(row.numbers.lastError);
   return {};
 }
 

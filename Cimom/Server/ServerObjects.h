@@ -4,27 +4,10 @@
 #define QORQL_SERVER_SERVEROBJECTS_H
 
 #include "Cimom/Server/ServerOperations.h"
+#include "Cimom/Server/StatusCodes.h"
 #include "cimom/CIMApi.h"
 #include "cimom/IQoriInstanceName.h"
 #include "cmpbase.h"
-
-// Statuses as numbers.
-namespace cimstatus {
-inline constexpr QORuint32 kFailed = 1;
-inline constexpr QORuint32 kInvalidNameSpace = 3;
-inline constexpr QORuint32 kInvalidParameter = 4;
-inline constexpr QORuint32 kInvalidClass = 5;
-inline constexpr QORuint32 kNotFound = 6;
-inline constexpr QORuint32 kNotSupported = 7;
-inline constexpr QORuint32 kQueryLanguageNotSupported = 14;
-inline constexpr QORuint32 kInvalidQuery = 15;
-inline constexpr QORuint32 kInvalidEnumerationContext = 21;
-inline constexpr QORuint32 kInvalidOperationTimeout = 22;
-inline constexpr QORuint32 kFilteredEnumerationNotSupported = 25;
-inline constexpr QORuint32 kContinuationOnErrorNotSupported = 26;
-inline constexpr QORuint32 kServerLimitsExceeded = 27;
-inline constexpr QORuint32 kServerIsShuttingDown = 28;
-}  // namespace cimstatus
 
 // Reads the parameters of one call, whose subject it notes, and asks. Nothing is null, all instances have their names,
 // and a list may be shared with other callers: nobody changes it. What the call names and nobody has THROWS

@@ -7,12 +7,10 @@
 
 #include "Cimom/CimXml/CimXmlException.h"
 #include "Cimom/CimXml/CimXmlMessages.h"
+#include "Cimom/Server/StatusCodes.h"
 
 namespace {
 
-constexpr QORuint32 kFailed = 1;
-constexpr QORuint32 kNotSupported = 7;
-constexpr QORuint32 kMethodNotAvailable = 16;
 constexpr QORuint32 kGreatestStatus = 28;
 
 // A refusal's text without its status; that of a failure as it is.
@@ -46,10 +44,10 @@ void ServerOperations::addExport(const char* name, Operation operation) {
 void ServerOperations::setMethods(Operation operation) { _state->methods = std::move(operation); }
 
 std::unique_ptr<ServerReply> ServerOperations::refuse(const ServerCall& call, const QoriBaseException& failure) {
-  const bool isStatus = failure.getCode() >= kFailed && failure.getCode() <= kGreatestStatus;
+  const bool isStatus = failure.getCode() >= cimstatus::kFailed && failure.getCode() <= kGreatestStatus;
   call.note.operation = call.request.operation;
   call.note.nameSpace = call.request.nameSpace.view();
-  call.note.status = isStatus ? failure.getCode() : kFailed;
+  call.note.status = isStatus ? failure.getCode() : cimstatus::kFailed;
   call.note.statusText = descriptionOf(failure);
   CimXmlResponse response(call.request.messageId, call.request.operation, call.request.kind);
   response.setError(call.note.status, call.note.statusText);
@@ -59,12 +57,12 @@ std::unique_ptr<ServerReply> ServerOperations::refuse(const ServerCall& call, co
 const ServerOperations::Operation& ServerOperations::State::find(const CimXmlRequest& request) const {
   if (request.kind == CimXmlRequest::Kind::Method) {
     if (methods) return methods;
-    throw CimStatusException(kMethodNotAvailable, "methods cannot be called here");
+    throw CimStatusException(cimstatus::kMethodNotAvailable, "methods cannot be called here");
   }
   const auto& known = request.kind == CimXmlRequest::Kind::Export ? exports : operations;
   const auto found = known.find(request.operation);
   if (found == known.end()) {
-    throw CimStatusException(kNotSupported, "there is no operation " + request.operation);
+    throw CimStatusException(cimstatus::kNotSupported, "there is no operation " + request.operation);
   }
   return found->second;
 }

@@ -7,15 +7,14 @@
 #include <string>
 
 #include "Cimom/CimXml/CimXmlException.h"
+#include "Cimom/Server/StatusCodes.h"
 
 namespace serverparameters {
 
 namespace {
 
-constexpr QORuint32 kInvalidParameter = 4;
-
 [[noreturn]] void raiseMissing(const CimXmlRequest& request, const char* name) {
-  throw CimStatusException(kInvalidParameter, request.operation + " needs the parameter " + name);
+  throw CimStatusException(cimstatus::kInvalidParameter, request.operation + " needs the parameter " + name);
 }
 
 }  // namespace
@@ -24,7 +23,7 @@ void allowOnly(const CimXmlRequest& request, std::initializer_list<const char*> 
   for (const CimXmlParameter& each : request.parameters) {
     const auto isName = [&](const char* name) { return QORString::equalIgnoringCase(each.name, name); };
     if (std::any_of(known.begin(), known.end(), isName)) continue;
-    throw CimStatusException(kInvalidParameter, request.operation + " has no parameter " + each.name);
+    throw CimStatusException(cimstatus::kInvalidParameter, request.operation + " has no parameter " + each.name);
   }
 }
 

@@ -4,11 +4,9 @@
 
 #include "Cimom/CimXml/CimXmlException.h"
 #include "Cimom/Server/InstanceDocument.h"
+#include "Cimom/Server/StatusCodes.h"
 
 namespace {
-
-constexpr QORuint32 kNotFound = 6;
-constexpr QORuint32 kNotSupported = 7;
 
 using Name = QORSmrPtr<IQoriInstanceName>;
 using Object = QORSmrPtr<IQoriObject>;
@@ -16,7 +14,8 @@ using Object = QORSmrPtr<IQoriObject>;
 Object requireInstance(const EmbeddedObjectManager& manager, const Name& name) {
   Object found = findInstance(manager, name);
   if (found.IsNull()) {
-    throw CimStatusException(kNotFound, "instance " + std::string(name->toString().view()) + " does not exist");
+    throw CimStatusException(cimstatus::kNotFound,
+                             "instance " + std::string(name->toString().view()) + " does not exist");
   }
   return found;
 }
@@ -28,7 +27,7 @@ ServerStore::Instance entryOf(const IQoriObject& object) {
 }
 
 [[noreturn]] void refuseLive(const Name& name) {
-  throw CimStatusException(kNotSupported,
+  throw CimStatusException(cimstatus::kNotSupported,
                            "instance " + std::string(name->toString().view()) + " is live and cannot be changed here");
 }
 
@@ -57,7 +56,7 @@ void restoreOne(EmbeddedObjectManager& manager, const ServerStore::Instance& kep
   const QORString nameSpace(kept.nameSpace);
   const CimInstanceDeclaration declaration = readInstanceDocument(manager, nameSpace, kept.document);
   const Name name(manager.sink().makeObject(nameSpace, declaration)->getInstanceName());
-  if (name.IsNull()) throw CimStatusException(kNotFound, "its class has no keys any more");
+  if (name.IsNull()) throw CimStatusException(cimstatus::kNotFound, "its class has no keys any more");
   if (kept.isGone) {
     manager.deleteInstance(name);
     return;
@@ -65,7 +64,7 @@ void restoreOne(EmbeddedObjectManager& manager, const ServerStore::Instance& kep
   try {
     manager.modifyInstance(name, declaration.properties);
   } catch (const QoriBaseException& refusal) {
-    if (refusal.getCode() != kNotFound) throw;
+    if (refusal.getCode() != cimstatus::kNotFound) throw;
     manager.createInstance(nameSpace, declaration);
   }
 }
@@ -105,7 +104,7 @@ void StoredInstanceWriter::modify(EmbeddedObjectManager& manager, const Name& na
   try {
     manager.modifyInstance(before->getInstanceName(), properties);
   } catch (const QoriBaseException& refusal) {
-    if (refusal.getCode() == kNotFound) refuseLive(name);
+    if (refusal.getCode() == cimstatus::kNotFound) refuseLive(name);
     throw;
   }
   try {

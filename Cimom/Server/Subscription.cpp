@@ -6,20 +6,13 @@
 
 #include "Cimom/CimXml/CimXmlException.h"
 #include "Cimom/Server/IndicationClasses.h"
+#include "Cimom/Server/StatusCodes.h"
 
 namespace {
 
-constexpr QORuint32 kInvalidParameter = 4;
-constexpr QORuint32 kNoSuchLanguage = 14;
-constexpr QORuint32 kInvalidQuery = 15;
-
-std::string pathOf(const IQoriObject& object) {
-  std::string path;
-  object.appendPath(path);
-  return path;
+[[noreturn]] void refuseValue(const std::string& message) {
+  throw CimStatusException(cimstatus::kInvalidParameter, message);
 }
-
-[[noreturn]] void refuseValue(const std::string& message) { throw CimStatusException(kInvalidParameter, message); }
 
 std::string textOf(const IQoriObject& object, const char* property) {
   const QORSmrPtr<IQoriValue> value(valueOf(object, property));
@@ -71,11 +64,12 @@ FilterStatement statementOf(const QORString& language, const QORString& query, c
   const FilterStatement statement(new CQLQueryStatement(language, query, kSubscriptionSpace, nameSpace));
   switch (statement->validate()) {
     case QUERY_UNSUPPORTED_LANGUAGE:
-      throw CimStatusException(kNoSuchLanguage, "the query language " + std::string(language.view()) +
-                                                    " is not known: give DMTF:CQL, CIM:CQL, CQL or WQL");
+      throw CimStatusException(
+          cimstatus::kQueryLanguageNotSupported,
+          "the query language " + std::string(language.view()) + " is not known: give DMTF:CQL, CIM:CQL, CQL or WQL");
     case QUERY_INVALID_QUERY:
-      throw CimStatusException(kInvalidQuery, std::string(statement->getFault().message.view()) + " (namespace " +
-                                                  std::string(nameSpace.view()) + ")");
+      throw CimStatusException(cimstatus::kInvalidQuery, std::string(statement->getFault().message.view()) +
+                                                             " (namespace " + std::string(nameSpace.view()) + ")");
     default:
       return statement;
   }

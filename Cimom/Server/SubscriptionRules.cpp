@@ -7,12 +7,10 @@
 
 #include "Cimom/CimXml/CimXmlException.h"
 #include "Cimom/Server/IndicationClasses.h"
+#include "Cimom/Server/StatusCodes.h"
 #include "cimom/CQoriValue.h"
 
 namespace {
-
-constexpr QORuint32 kFailed = 1;
-constexpr QORuint32 kInvalidParameter = 4;
 
 bool isOf(const QORString& className, const char* name) { return className.isEqualCaseInsensitive(name); }
 
@@ -26,12 +24,6 @@ CimInstanceProperty* findProperty(CimInstanceDeclaration& declaration, const cha
 QORString newName(const IndicationOrigin& origin) {
   static std::atomic<QORuint64> count{0};
   return QORString(origin.series + "name-" + std::to_string(++count));
-}
-
-std::string pathOf(const IQoriObject& object) {
-  std::string path;
-  object.appendPath(path);
-  return path;
 }
 
 }  // namespace
@@ -59,9 +51,9 @@ void SubscriptionRules::complete(CimInstanceDeclaration& declaration) const {
     fill(declaration, "Name", newName(_origin));
     const QORString given(findProperty(declaration, "CreationClassName")->value->toString());
     if (!given.isEqualCaseInsensitive(declaration.className)) {
-      throw CimStatusException(kInvalidParameter, "CreationClassName is \"" + std::string(given.view()) +
-                                                      "\", and the class is " +
-                                                      std::string(declaration.className.view()));
+      throw CimStatusException(cimstatus::kInvalidParameter, "CreationClassName is \"" + std::string(given.view()) +
+                                                                 "\", and the class is " +
+                                                                 std::string(declaration.className.view()));
     }
   } else if (findProperty(declaration, "SubscriptionStartTime") == nullptr) {
     declaration.properties.push_back({"SubscriptionStartTime", _origin.now()});
@@ -78,10 +70,11 @@ void SubscriptionRules::checkObject(const IQoriObject& object) const {
   } else {
     const Subscription subscription = readSubscription(object);
     if (!_table.hasFilter(subscription.filter)) {
-      throw CimStatusException(kInvalidParameter, "there is no filter " + subscription.filter);
+      throw CimStatusException(cimstatus::kInvalidParameter, "there is no filter " + subscription.filter);
     }
     if (_table.findHandler(subscription.handler) == nullptr) {
-      throw CimStatusException(kInvalidParameter, "there is no listener destination " + subscription.handler);
+      throw CimStatusException(cimstatus::kInvalidParameter,
+                               "there is no listener destination " + subscription.handler);
     }
   }
 }
@@ -103,5 +96,6 @@ void SubscriptionRules::check(const IQoriObject& before, const std::vector<CimIn
 void SubscriptionRules::checkRemoval(const IQoriObject& before) const {
   const Subscription* const referring = _table.firstReferring(pathOf(before));
   if (referring == nullptr) return;
-  throw CimStatusException(kFailed, "the subscription " + referring->path + " refers to it: delete that first");
+  throw CimStatusException(cimstatus::kFailed,
+                           "the subscription " + referring->path + " refers to it: delete that first");
 }

@@ -19,7 +19,7 @@
 namespace {
 
 constexpr const char* kMethod = "$y$";
-constexpr mode_t kOwnerOnly = S_IRUSR | S_IWUSR;
+constexpr mode_t kUsersMode = S_IRUSR | S_IWUSR;
 constexpr std::size_t kLongestUser = 256;
 
 [[noreturn]] void fail(const std::string& what, const std::string& path) {
@@ -27,7 +27,7 @@ constexpr std::size_t kLongestUser = 256;
 }
 
 // A line without what an editor of another system puts at its end.
-std::string_view trimmed(std::string_view line) {
+std::string_view withoutEnd(std::string_view line) {
   while (!line.empty() && (line.back() == '\r' || line.back() == ' ')) line.remove_suffix(1);
   return line;
 }
@@ -68,7 +68,7 @@ std::vector<std::string> linesOf(const std::string& path) {
   std::ifstream file(path);
   if (!file) fail("cannot read the users of", path);
   std::vector<std::string> lines;
-  for (std::string line; std::getline(file, line);) lines.emplace_back(trimmed(line));
+  for (std::string line; std::getline(file, line);) lines.emplace_back(withoutEnd(line));
   if (file.bad()) fail("cannot read the users of", path);
   return lines;
 }
@@ -103,7 +103,7 @@ class Replacement {
     struct stat before {};
     const bool isThere = stat(_path.c_str(), &before) == 0;
     if (isThere && fchown(_file, before.st_uid, before.st_gid) != 0 && errno != EPERM) fail("cannot write", _path);
-    const mode_t mode = isThere ? kOwnerOnly | (before.st_mode & S_IRGRP) : kOwnerOnly;
+    const mode_t mode = isThere ? kUsersMode | (before.st_mode & S_IRGRP) : kUsersMode;
     const bool isDone = fchmod(_file, mode) == 0 && fsync(_file) == 0 && rename(_name.c_str(), _path.c_str()) == 0;
     if (!isDone) fail("cannot write", _path);
     _isDone = true;

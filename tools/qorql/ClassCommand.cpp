@@ -14,10 +14,10 @@
 
 namespace {
 
-constexpr const char* kDescription =
+constexpr const char* kClassDescription =
     "Prints a class as MOF text that loads again: the declarations of its qualifiers, its\n"
     "superclasses from the root on, and the class.";
-constexpr const char* kFooter =
+constexpr const char* kClassFooter =
     "Exit status: 0 done; 1 there is no such class; 2 wrong usage; 3 MOF or configuration failure.\n"
     "\n"
     "Example:\n"
@@ -48,7 +48,7 @@ int printClass(const ClassOptions& options) {
 
 CommandAction declareClassCommand(CLI::App& app) {
   const auto options = std::make_shared<ClassOptions>();
-  describeCommand(app, kDescription, kFooter);
+  describeCommand(app, kClassDescription, kClassFooter);
   declareSessionOptions(app, options->session);
   declareNoPager(app, options->session.hasNoPager);
   declareFlag(app, "--alone", options->isAlone, "The class alone, without superclasses and qualifiers");

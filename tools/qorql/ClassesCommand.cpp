@@ -17,8 +17,8 @@
 
 namespace {
 
-constexpr const char* kDescription = "Lists the classes of the namespace, in the order of their names.";
-constexpr const char* kFooter =
+constexpr const char* kClassesDescription = "Lists the classes of the namespace, in the order of their names.";
+constexpr const char* kClassesFooter =
     "PATTERN is a part of the name or, with * ? [ ] in it, the whole name; case does not matter.\n"
     "Exit status: 0 done; 1 no class matches; 2 wrong usage; 3 MOF or configuration failure.\n"
     "\n"
@@ -128,7 +128,7 @@ std::string missingClassText(const EmbeddedObjectManager& manager, const std::st
 
 CommandAction declareClassesCommand(CLI::App& app) {
   const auto options = std::make_shared<ClassesOptions>();
-  describeCommand(app, kDescription, kFooter);
+  describeCommand(app, kClassesDescription, kClassesFooter);
   declareSessionOptions(app, options->session);
   declareNoPager(app, options->session.hasNoPager);
   declareFlag(app, "-l,--long", options->isLong,

@@ -21,10 +21,10 @@
 
 namespace {
 
-constexpr const char* kDescription =
+constexpr const char* kContentsDescription =
     "Shows what there is: the namespaces, the classes that have instances with their numbers, and\n"
     "the classes that associations tie, with the roles in which they do.";
-constexpr const char* kFooter =
+constexpr const char* kContentsFooter =
     "PATTERN is a part of a class's name or, with * ? [ ] in it, the whole name; case does not\n"
     "matter. An association is listed when it or a class that it ties matches. Unless --namespace\n"
     "names one, all namespaces are listed. Live classes are asked for all their instances.\n"
@@ -180,7 +180,7 @@ int printContents(const ContentsOptions& options) {
 CommandAction declareContentsCommand(CLI::App& app) {
   const auto options = std::make_shared<ContentsOptions>();
   options->session.needsDescriptions = false;
-  describeCommand(app, kDescription, kFooter);
+  describeCommand(app, kContentsDescription, kContentsFooter);
   declareSessionOptions(app, options->session);
   declareNoPager(app, options->session.hasNoPager);
   declareValue(app, {.names = "-o,--output",

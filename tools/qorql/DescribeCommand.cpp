@@ -21,10 +21,10 @@
 
 namespace {
 
-constexpr const char* kDescription =
+constexpr const char* kDescribeDescription =
     "Describes a class: its properties, inherited ones too, each with its type, whether it is a\n"
     "key, the class that it comes from, the first sentence of its Description and its values.";
-constexpr const char* kFooter =
+constexpr const char* kDescribeFooter =
     "Exit status: 0 done; 1 there is no such class; 2 wrong usage; 3 MOF or configuration failure.\n"
     "\n"
     "Examples:\n"
@@ -174,7 +174,7 @@ void printDescription(std::ostream& out, const EmbeddedObjectManager& manager, c
 
 CommandAction declareDescribeCommand(CLI::App& app) {
   const auto options = std::make_shared<DescribeOptions>();
-  describeCommand(app, kDescription, kFooter);
+  describeCommand(app, kDescribeDescription, kDescribeFooter);
   declareSessionOptions(app, options->session);
   declareNoPager(app, options->session.hasNoPager);
   declareListOutput(app, options->form, options->hasNoHeader, "text");

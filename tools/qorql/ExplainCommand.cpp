@@ -24,12 +24,12 @@ namespace {
 
 using Step = QORQL_ExplainedStep;
 
-constexpr const char* kDescription =
+constexpr const char* kExplainDescription =
     "Explains a query without running it: the classes that it fetches and with which\n"
     "properties, the order in which conditions apply, how classes are joined, what is\n"
     "sorted and shown, and where the language surprises.";
 
-constexpr const char* kFooter =
+constexpr const char* kExplainFooter =
     "Exit status: 0 done; 1 the query is refused; 2 wrong usage; 3 MOF, configuration or\n"
     "provider failure.\n"
     "\n"
@@ -168,7 +168,7 @@ void printExplanation(std::ostream& out, Session& session, ParsedQuery& parsed, 
 
 CommandAction declareExplainCommand(CLI::App& app) {
   const auto options = std::make_shared<ExplainOptions>();
-  describeCommand(app, kDescription, kFooter);
+  describeCommand(app, kExplainDescription, kExplainFooter);
   declareSessionOptions(app, options->session);
   declareFlag(app, "--strict", options->isStrict,
               "Refuse statements that would cause a warning; none is explained then");

@@ -21,10 +21,10 @@
 
 namespace {
 
-constexpr const char* kDescription =
+constexpr const char* kGetDescription =
     "Prints the instance that a path names, as MOF text or JSON. Keys may be left out as\n"
     "long as the others identify the instance.";
-constexpr const char* kFooter =
+constexpr const char* kGetFooter =
     "Exit status: 0 done; 1 there is no such instance, or more than one; 2 wrong usage; 3 MOF,\n"
     "configuration or provider failure.\n"
     "\n"
@@ -155,7 +155,7 @@ int get(const GetOptions& options) {
 CommandAction declareGetCommand(CLI::App& app) {
   const auto options = std::make_shared<GetOptions>();
   options->session.needsDescriptions = false;
-  describeCommand(app, kDescription, kFooter);
+  describeCommand(app, kGetDescription, kGetFooter);
   declareSessionOptions(app, options->session);
   declareValue(app, {.names = "-o,--output",
                      .type = "mof|json",

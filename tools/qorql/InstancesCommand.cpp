@@ -20,10 +20,10 @@
 
 namespace {
 
-constexpr const char* kDescription =
+constexpr const char* kInstancesDescription =
     "Prints the instances of a class and its subclasses as MOF text, which loads again where the\n"
     "classes are declared; without CLASS all instances of the namespace, live ones among them.";
-constexpr const char* kFooter =
+constexpr const char* kInstancesFooter =
     "With * ? [ ] in it, CLASS is a pattern for the names of classes; case does not matter.\n"
     "Exit status: 0 done; 1 there is no such class; 2 wrong usage; 3 MOF, configuration or provider\n"
     "failure, after which those of the other classes are printed all the same.\n"
@@ -122,7 +122,7 @@ int runInstances(const InstancesOptions& options) {
 
 CommandAction declareInstancesCommand(CLI::App& app) {
   const auto options = std::make_shared<InstancesOptions>();
-  describeCommand(app, kDescription, kFooter);
+  describeCommand(app, kInstancesDescription, kInstancesFooter);
   declareSessionOptions(app, options->session);
   declareNoPager(app, options->session.hasNoPager);
   declareValue(

@@ -23,9 +23,9 @@
 
 namespace {
 
-constexpr const char* kDescription = "Listens for the indications that WBEM servers send, and prints them.";
+constexpr const char* kListenDescription = "Listens for the indications that WBEM servers send, and prints them.";
 
-constexpr const char* kFooter =
+constexpr const char* kListenFooter =
     "Each is printed at once as a JSON object on a line of its own: its class, then the properties\n"
     "that have a value, in the order in which they came. SequenceContext and SequenceNumber tell\n"
     "whether one is missing or came twice. The sender is told that an indication has arrived when\n"
@@ -133,7 +133,7 @@ std::string checkForm(const std::string& given) {
 
 CommandAction declareListenCommand(CLI::App& app) {
   const auto options = std::make_shared<ListenOptions>();
-  describeCommand(app, kDescription, kFooter);
+  describeCommand(app, kListenDescription, kListenFooter);
   declareValue(app, {.names = "--listen",
                      .type = "ADDRESS:PORT",
                      .description = "Listen here (repeatable; default: 127.0.0.1:5990; port 0: any that is free)",

@@ -19,9 +19,9 @@
 
 namespace {
 
-constexpr const char* kDescription = "Tells which instances, such as indications, a filter matches.";
+constexpr const char* kMatchDescription = "Tells which instances, such as indications, a filter matches.";
 
-constexpr const char* kFooter =
+constexpr const char* kMatchFooter =
     "FILEs hold instances as MOF text; \"-\", or no FILE at all, is standard input. The schema\n"
     "comes with --mof. The instances need no keys and are not stored. Prints a line for each:\n"
     "its path, a tab, and \"match\" or \"no match\". With --filters many filters are asked\n"
@@ -217,7 +217,7 @@ int runMatch(const MatchOptions& options) {
 
 CommandAction declareMatchCommand(CLI::App& app) {
   const auto options = std::make_shared<MatchOptions>();
-  describeCommand(app, kDescription, kFooter);
+  describeCommand(app, kMatchDescription, kMatchFooter);
   declareFilterOptions(app, options->filter);
   declareFilterOutput(app, options->output);
   declareFlag(app, "--why", options->isWhy, "Show the first condition that failed and the values it compared");

@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr const char* kDescription =
+constexpr const char* kPagesDescription =
     "Prints the manual page (man) or the completion for a shell (bash, fish or zsh). All are\n"
     "installed with the program; a shell without them reads: source <(qorql pages bash),\n"
     "qorql pages fish | source, or source <(qorql pages zsh)";
@@ -39,7 +39,7 @@ std::vector<std::string> pageNames() {
 
 CommandAction declarePagesCommand(CLI::App& app) {
   const auto which = std::make_shared<std::string>();
-  describeCommand(app, kDescription, "Exit status: 0 done; 2 wrong usage.");
+  describeCommand(app, kPagesDescription, "Exit status: 0 done; 2 wrong usage.");
   declareValue(app, {.names = "PAGE",
                      .description = "man, bash, fish or zsh",
                      .take = keepIn(*which),

@@ -22,11 +22,11 @@
 
 namespace {
 
-constexpr const char* kDescription =
+constexpr const char* kPasswdDescription =
     "Gives a user of \"qorql serve --users FILE\" a password, or takes the user out. The file is made\n"
     "when there is none.";
 
-constexpr const char* kFooter =
+constexpr const char* kPasswdFooter =
     "The password is asked for at the terminal, or is the first line of standard input. The file\n"
     "keeps a hash of it alone (yescrypt). A server takes the change when it gets SIGHUP.\n"
     "\n"
@@ -83,7 +83,7 @@ int run(const PasswdOptions& options) {
 
 CommandAction declarePasswdCommand(CLI::App& app) {
   const auto options = std::make_shared<PasswdOptions>();
-  describeCommand(app, kDescription, kFooter);
+  describeCommand(app, kPasswdDescription, kPasswdFooter);
   declareFlag(app, "--delete", options->isDeleted, "Take the user out of the file");
   declareValue(
       app,

@@ -23,11 +23,11 @@
 
 namespace {
 
-constexpr const char* kDescription =
+constexpr const char* kQueryDescription =
     "Queries CIM instances: the live processes, file systems and operating system of this\n"
     "machine, and what MOF files declare.";
 
-constexpr const char* kFooter =
+constexpr const char* kQueryFooter =
     "Without QUERY and --file: at a terminal a shell with editing, history and completion;\n"
     "else statements are read from standard input, separated by \";\". What is read may hold\n"
     "comments: # to the end of the line, /* and */, and -- where no statement has begun.\n"
@@ -123,7 +123,7 @@ int runQuery(QueryOptions& options) {
 
 CommandAction declareQueryCommand(CLI::App& app) {
   const auto options = std::make_shared<QueryOptions>();
-  describeCommand(app, kDescription, kFooter);
+  describeCommand(app, kQueryDescription, kQueryFooter);
   declareSessionOptions(app, options->session);
   declareValue(app, {.names = "-f,--file",
                      .type = "FILE",

@@ -25,11 +25,11 @@
 
 namespace {
 
-constexpr const char* kDescription =
+constexpr const char* kServeDescription =
     "Serves the classes and instances of this machine, of MOF files and of other servers over HTTP,\n"
     "to any client that speaks CIM-XML.";
 
-constexpr const char* kFooter =
+constexpr const char* kServeFooter =
     "The first lines on standard output are the addresses at which it listens, once it does; a line\n"
     "of JSON for each request goes to standard error. Beyond this machine it listens only with TLS\n"
     "and users. Section [server] of the configuration has the same options as keys, and the limits.\n"
@@ -176,7 +176,7 @@ int run(const ServeOptions& options) {
 
 CommandAction declareServeCommand(CLI::App& app) {
   const auto options = std::make_shared<ServeOptions>();
-  describeCommand(app, kDescription, kFooter);
+  describeCommand(app, kServeDescription, kServeFooter);
   declareServeOptions(app, *options);
   declareSessionOptions(app, options->session);
   return [options] { return run(*options); };

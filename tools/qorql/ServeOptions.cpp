@@ -46,7 +46,7 @@ std::string namesOfLimits() {
 }
 
 // "16M"; 0 for what is no such number.
-std::uint64_t numberOf(std::string_view text) {
+std::uint64_t settingNumber(std::string_view text) {
   std::uint64_t unit = 1;
   if (text.ends_with('K')) unit = std::uint64_t{1} << 10;
   if (text.ends_with('M')) unit = kMegabyte;
@@ -62,7 +62,7 @@ std::uint64_t numberOf(std::string_view text) {
 std::string faultOfLimit(const std::string& name, const std::string& value) {
   const auto known = kLimits.find(name);
   if (known == kLimits.end()) return "'" + name + "' is not one of " + namesOfLimits();
-  const std::uint64_t number = numberOf(value);
+  const std::uint64_t number = settingNumber(value);
   if (number >= 1 && number <= known->second.most) return {};
   return "'" + value + "' is not a whole number from 1 to " + std::to_string(known->second.most);
 }
@@ -116,7 +116,7 @@ class Section {
   void takeLimit(const std::string& key, const std::string& value) {
     const std::string fault = faultOfLimit(key, value);
     if (!fault.empty()) throw std::runtime_error(fault);
-    if (!_given.limits.contains(key)) _out.limits.insert_or_assign(key, numberOf(value));
+    if (!_given.limits.contains(key)) _out.limits.insert_or_assign(key, settingNumber(value));
   }
   void takeInterval(const std::string& value) {
     const std::string fault = checkInterval(value);
@@ -206,7 +206,7 @@ void declareServeOptions(CLI::App& app, ServeOptions& options) {
                      .take =
                          [&options](const std::string& given) {
                            const auto [name, value] = limitIn(given);
-                           options.limits.insert_or_assign(name, numberOf(value));
+                           options.limits.insert_or_assign(name, settingNumber(value));
                          },
                      .check =
                          [](const std::string& given) {

@@ -21,10 +21,10 @@
 
 namespace {
 
-constexpr const char* kDescription =
+constexpr const char* kValidateDescription =
     "Tells whether a filter of indications is valid, and which classes and properties it needs.";
 
-constexpr const char* kFooter =
+constexpr const char* kValidateFooter =
     "Prints a line for each filter: \"valid\", the classes of FROM and the properties that the\n"
     "filter uses (* for all of them), or \"invalid\" and the reason; separated by tabs. Of a file\n"
     "or, without FILTER and --file, of standard input each filter's line and name follow.\n"
@@ -184,7 +184,7 @@ int runValidate(const ValidateOptions& options) {
 
 CommandAction declareValidateCommand(CLI::App& app) {
   const auto options = std::make_shared<ValidateOptions>();
-  describeCommand(app, kDescription, kFooter);
+  describeCommand(app, kValidateDescription, kValidateFooter);
   declareFilterOptions(app, options->filter);
   declareValue(app, {.names = "-f,--file",
                      .type = "FILE",

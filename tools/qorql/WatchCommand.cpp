@@ -20,10 +20,10 @@
 
 namespace {
 
-constexpr const char* kDescription =
+constexpr const char* kWatchDescription =
     "Watches the live classes of this machine and prints the indications that a filter matches.";
 
-constexpr const char* kFooter =
+constexpr const char* kWatchFooter =
     "A new instance makes a CIM_InstCreation, one that is gone a CIM_InstDeletion, and one whose\n"
     "properties changed a CIM_InstModification; SourceInstance holds the instance and\n"
     "PreviousInstance what it was before. Each that matches is printed as a JSON object on a line\n"
@@ -186,7 +186,7 @@ std::string checkInterval(const std::string& given) {
 
 CommandAction declareWatchCommand(CLI::App& app) {
   const auto options = std::make_shared<WatchOptions>();
-  describeCommand(app, kDescription, kFooter);
+  describeCommand(app, kWatchDescription, kWatchFooter);
   declareFilterOptions(app, options->filter);
   declareValue(app, {.names = "--interval",
                      .type = "SECONDS",
