@@ -80,7 +80,6 @@ target_link_libraries(qorql_server_parts PUBLIC qorql embedded
                                      PRIVATE PkgConfig::MICROHTTPD PkgConfig::GNUTLS PkgConfig::ZLIB PkgConfig::CRYPT
                                                  PkgConfig::SQLITE PkgConfig::SYSTEMD)
 qorql_target_options(qorql_server_parts)
-qorql_product_headers(qorql_server_parts)
 qorql_compile_together(qorql_server_parts server ${QORQL_SERVER_SOURCES})
 
 # All of it that runs in the tool is loaded when a server or a listener is started.

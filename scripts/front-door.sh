@@ -119,13 +119,19 @@ run_tests() {
 # What the tool and its libraries are built from.
 tool_sources=(CMakeLists.txt CMakePresets.json cmake include Cimom tools packages.txt)
 
-# Builds the tool, and sets `tool` to its path. The tests build it too, compiled alike: theirs will do.
+# Builds what the tool needs for these arguments, and sets `tool` to its path: the library that serves is built when a
+# word asks for it. The tests build all of it, compiled alike: theirs will do. build_tool [ARGUMENT]...
 build_tool() {
-  local preset=release
-  if ! is_fresh "$root/build/release/.built" "${tool_sources[@]}" && is_fresh "$root/build/test/.built" "${tool_sources[@]}"; then
+  local preset=release part=qorql_tool word
+  for word; do
+    case $word in serve | listen | passwd) part='' ;; esac
+  done
+  if is_fresh "$root/build/release/.built" "${tool_sources[@]}"; then
+    part=''
+  elif is_fresh "$root/build/test/.built" "${tool_sources[@]}" &&
+    ! is_fresh "$root/build/release/.built${part:+.$part}" "${tool_sources[@]}"; then
     preset=test
-  else
-    build_preset release "${tool_sources[@]}"
   fi
+  [ "$preset" = test ] || build_targets=$part build_preset release "${tool_sources[@]}"
   tool=$root/build/$preset/tools/qorql/qorql
 }

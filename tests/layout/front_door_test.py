@@ -131,6 +131,15 @@ class FrontDoor(unittest.TestCase):
         self.assertIn("--preset release", calls[0])
         self.assertIn("--build build/release", calls[1])
 
+    def test_what_serves_is_built_when_a_word_asks_for_it(self):
+        self.assertIn("--target qorql_tool", self.run_it("SELECT Name FROM CIM_Process")[1][-1])
+        for word in ("serve", "listen", "passwd"):
+            with self.subTest(word=word):
+                time.sleep(0.02)
+                self.write("Cimom/a.cpp", word)
+                self.assertNotIn("--target", self.run_it("--no-live", word)[1][-1])
+                self.assertEqual(self.run_it("SELECT Name FROM CIM_Process")[1], [], "all of it will do")
+
     def test_the_second_run_is_silent_and_quick(self):
         self.run_it()
         start = time.monotonic()
