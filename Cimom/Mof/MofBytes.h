@@ -1,5 +1,5 @@
 // The kinds of bytes that MOF is made of.
-// Tested by tests/unit/Mof/MofScannerTest.cpp.
+// Tested by tests/unit/Mof/MofSyntaxTest.cpp.
 // SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_MOF_MOFBYTES_H
 #define QORQL_MOF_MOFBYTES_H

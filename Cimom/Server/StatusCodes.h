@@ -1,4 +1,5 @@
 // The statuses of CIM operations, and of HTTP, that the server answers with.
+// Tested by tests/unit/Server/InstanceOperationsTest.cpp, tests/unit/Server/CimXmlServiceTest.cpp.
 // SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_SERVER_STATUSCODES_H
 #define QORQL_SERVER_STATUSCODES_H
