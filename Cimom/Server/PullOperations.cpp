@@ -6,7 +6,6 @@
 #include "Cimom/CimXml/CimXmlException.h"
 #include "Cimom/Server/EnumerationParameters.h"
 #include "Cimom/Server/EnumerationReply.h"
-#include "Cimom/Server/ServerHost.h"
 #include "Cimom/Server/ServerObjects.h"
 
 namespace {
@@ -14,21 +13,19 @@ namespace {
 using Kind = EnumerationContexts::Kind;
 using Want = ServerObjects::Want;
 
-constexpr QORuint64 kObjectBytes = 256;  // of one that nobody else holds; most are smaller or shared
-
 class ObjectItems final : public EnumerationItems {
  public:
-  ObjectItems(const CIMApi::Instances& objects, Kind kind) : _objects(objects), _kind(kind), _at(*_objects) {
+  ObjectItems(const CIMApi::Instances& objects, Kind kind, const QORString& host)
+      : _objects(objects), _kind(kind), _host(host), _at(*_objects) {
     _hasNext = ++_at;
   }
   bool hasNext() const override { return _hasNext; }
-  QORuint64 heldBytes() const override { return _objects->entries() * kObjectBytes; }
   void writeNext(CimXmlWriter& writer) override {
     const QORSmrPtr<IQoriObject>& object = _at.key();
     if (_kind == Kind::Paths) {
-      writer.writeInstancePath(*object->getInstanceName(), serverHost());
+      writer.writeInstancePath(*object->getInstanceName(), _host);
     } else {
-      writer.writeInstanceWithPath(*object, serverHost());
+      writer.writeInstanceWithPath(*object, _host);
     }
     _hasNext = ++_at;
   }
@@ -36,6 +33,7 @@ class ObjectItems final : public EnumerationItems {
  private:
   const CIMApi::Instances _objects;
   const Kind _kind;
+  const QORString _host;
   QORValSlistIterator<QORSmrPtr<IQoriObject>> _at;
   bool _hasNext = false;
 };
@@ -61,7 +59,7 @@ class PullOperations {
     refuseFilter(call.request);
     EnumerationContexts::Turn turn = _contexts->open(call, kind, parameters.betweenPulls);
     const CIMApi::Instances found = find(ServerObjects(call), kind == Kind::Paths ? Want::Names : Want::Instances);
-    turn.setItems(std::make_unique<ObjectItems>(found, kind));
+    turn.setItems(std::make_unique<ObjectItems>(found, kind, call.host));
     return std::make_unique<EnumerationReply>(call, std::move(turn), parameters.most);
   }
 

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/CimXml/CimXmlReply.h"
 #include "Cimom/Server/PullOperations.h"
-#include "Cimom/Server/ServerHost.h"
 #include "ServerFixture.h"
 
 using namespace embeddedtest;
@@ -28,7 +27,9 @@ class Pulls : public ServerTest {
   }
 
   std::string textFor(Asked& asked) {
-    const std::unique_ptr<ServerReply> reply = operations.answer(asked.on(held));
+    ServerCall call = asked.on(held);
+    call.host = "example:5988";
+    const std::unique_ptr<ServerReply> reply = operations.answer(call);
     return servertest::textOf(*reply);
   }
   // The status that a call is refused with.
@@ -98,10 +99,23 @@ TEST_F(Pulls, ShowThePropertiesThatTheOpenAskedFor) {
   Asked asked = opening();
   asked.texts("PropertyList", {"Size"});
   const std::string text = textFor(asked);
-  EXPECT_THAT(text, HasSubstr("<VALUE.INSTANCEWITHPATH><INSTANCEPATH><NAMESPACEPATH><HOST>" +
-                              std::string(serverHost().view()) + "</HOST>"));
+  EXPECT_THAT(text, HasSubstr("<VALUE.INSTANCEWITHPATH><INSTANCEPATH><NAMESPACEPATH><HOST>example:5988</HOST>"));
   EXPECT_THAT(text, HasSubstr("<INSTANCE CLASSNAME=\"CIM_Disk\"><PROPERTY NAME=\"Size\" TYPE=\"uint64\">"
                               "<VALUE>7</VALUE></PROPERTY></INSTANCE></VALUE.INSTANCEWITHPATH>"));
+}
+
+TEST_F(Pulls, TellTheHostByWhichTheClientCallsTheServer) {
+  const std::string host = "<NAMESPACEPATH><HOST>example:5988</HOST>";
+  for (const auto& [open, pullOperation] : {std::pair("OpenEnumerateInstances", "PullInstancesWithPath"),
+                                            std::pair("OpenEnumerateInstancePaths", "PullInstancePaths")}) {
+    Asked asked = opening(open, "1");
+    const std::string text = textFor(asked);
+    EXPECT_THAT(text, HasSubstr(host));
+    const std::size_t at = text.find("<VALUE>", text.find("EnumerationContext")) + 7;
+    Asked next(pullOperation);
+    next.text("EnumerationContext", text.substr(at, text.find('<', at) - at)).text("MaxObjectCount", "1");
+    EXPECT_THAT(textFor(next), HasSubstr(host));
+  }
 }
 
 TEST_F(Pulls, FollowAssociations) {
