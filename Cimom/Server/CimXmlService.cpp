@@ -81,6 +81,21 @@ std::string_view nameSpaceIn(std::string_view object) noexcept {
   return object;
 }
 
+// "/root/cimv2" of "//host:5988/root/cimv2" and of "http://host/root/cimv2"; any other object as it is.
+std::string_view withoutHost(std::string_view object) noexcept {
+  constexpr std::string_view kMark = "//";
+  const std::size_t mark = object.find(kMark);
+  if (mark == std::string_view::npos || object.find_first_of(":/") + 1 < mark) return object;
+  const std::size_t slash = object.find('/', mark + kMark.size());
+  return slash == std::string_view::npos ? object : object.substr(slash);
+}
+
+// Some clients tell the host in front; others begin with slashes that mean nothing.
+bool isNameSpace(std::string_view object, const QORString& nameSpace) noexcept {
+  return QORString::equalIgnoringCase(nameSpaceIn(object), nameSpace.view()) ||
+         QORString::equalIgnoringCase(nameSpaceIn(withoutHost(object)), nameSpace.view());
+}
+
 [[noreturn]] void raiseMismatch(const char* name, const std::string& value, const std::string& message) {
   throw CimXmlRequestRefusal("header-mismatch",
                              std::string("the header ") + name + " says \"" + value + "\", the message " + message);
@@ -107,7 +122,7 @@ void requireMatch(const CimHeaders& headers, const CimXmlRequest& request) {
   }
   const std::string* const object = headers.find("CIMObject");
   if (isExport || object == nullptr) return;
-  if (!QORString::equalIgnoringCase(nameSpaceIn(decoded(*object)), request.nameSpace.view())) {
+  if (!isNameSpace(decoded(*object), request.nameSpace)) {
     raiseMismatch("CIMObject", *object, "says \"" + std::string(request.nameSpace.view()) + '"');
   }
 }

@@ -51,6 +51,18 @@ TEST_F(Service, HeadersMustSayWhatTheMessageSays) {
   EXPECT_EQ(errorOf(answerTo({{"cimobject", "/root/cimv2/"}, {"cimmethod", "enumerateclassnames"}})), "200");
 }
 
+TEST_F(Service, TheObjectOfTheHeadersMayTellAHost) {
+  for (const char* const object :
+       {"//host/root/cimv2", "%2F%2Fhost:5988%2Froot%2FCIMv2", "http://host/root/cimv2",
+        "https://[::1]:5989/root/cimv2/", "//root/cimv2", "//host/root/cimv2:A.Id=\"//x/y\""}) {
+    EXPECT_EQ(errorOf(answerTo({{"CIMObject", object}})), "200") << object;
+  }
+  for (const char* const object :
+       {"//host/root/interop", "http://root/cimv2", "//host", "//", "root", "root/other:A.Id=\"//x/root/cimv2\""}) {
+    EXPECT_EQ(errorOf(answerTo({{"CIMObject", object}})), "400 header-mismatch") << object;
+  }
+}
+
 TEST_F(Service, AMessageThatIsNoneIsRefusedByHttp) {
   EXPECT_EQ(errorOf(answerTo({}, "<CIM>")), "400 request-not-well-formed");
   const HttpReply reply = answerTo({}, "<MIC/>");
