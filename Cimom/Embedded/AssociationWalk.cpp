@@ -4,13 +4,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/AssociationWalk.h"
 
+#include "Cimom/Embedded/RepositoryError.h"
 #include "cimom/CQoriProviderException.h"
 
 namespace embedded {
 
 namespace {
-
-constexpr QORuint32 kFailed = 1;
 
 // Instances of the outer source that are asked for one by one.
 constexpr std::size_t kFewEnds = 3;
@@ -174,7 +173,8 @@ QORSmrPtr<IQoriObject> AssociationWalk::askOuter(const End& end) {
   provideClass(_state, nameSpace, className);
   if (_state.sink.findClass(nameSpace, className).IsNull() && !nameSpace.isEqualCaseInsensitive(_request.nameSpace)) {
     throw CQoriProviderException(
-        className, "an association refers to " + end.path + ", whose class is not to be had in " + nameSpace, kFailed);
+        className, "an association refers to " + end.path + ", whose class is not to be had in " + nameSpace,
+        static_cast<QORuint32>(CimStatus::Failed));
   }
   if (isAskedAlone(end)) {
     const QORSmrPtr<IQoriObject> object = outerObject(_state, {nameSpace, className, _request.names}, *end.name);

@@ -4,6 +4,7 @@
 #ifndef QORQL_EMBEDDED_OUTERSOURCE_H
 #define QORQL_EMBEDDED_OUTERSOURCE_H
 
+#include <string>
 #include <vector>
 
 #include "Cimom/Embedded/CimDeclarationSink.h"
@@ -17,6 +18,11 @@ class OuterSource {
  public:
   virtual ~OuterSource() = default;
 
+  // What those that are asked are called, in the order in which they are asked. A path may name one of them, as in
+  // "//name/root/cimv2:...", which is asked alone then.
+  virtual std::vector<std::string> serverNames() const { return {}; }
+  // The namespaces that the source tells to have, interop namespaces excepted.
+  virtual std::vector<QORString> nameSpaces() { return {}; }
   // Forgets what was found before, classes excepted: from now on is asked anew.
   virtual void beginStatement() {}
   // Declares the class and its superclasses in the sink, unless they are there.
@@ -38,7 +44,8 @@ class OuterSource {
   // what was not asked for is NULL, keys have their values. Their classes are
   // declared in the sink. None where the source does not have the class.
   virtual Objects instances(CimDeclarationSink& sink, const Request& request) = 0;
-  // The instance of that name, in the same shape; null when there is none.
+  // The instance of that name, in the same shape; null when there is none. A name that several servers know, and that
+  // names none of them, is refused.
   virtual QORSmrPtr<IQoriObject> instance(CimDeclarationSink& sink, const Request& request,
                                           const IQoriInstanceName& name) = 0;
 

@@ -5,14 +5,13 @@
 #include "Cimom/CimXml/CimXmlObjects.h"
 #include "Cimom/CimXml/CimXmlValues.h"
 #include "Cimom/Embedded/DeclarationHelpers.h"
+#include "Cimom/Embedded/RepositoryError.h"
 #include "cimom/CQoriInstanceName.h"
 #include "cimom/CQoriProperty.h"
 #include "cimom/CQoriProviderException.h"
 #include "cimom/CQoriValue.h"
 
 namespace {
-
-constexpr QORuint32 kFailed = 1;
 
 // As the standard writes the path of a namespace on another host.
 QORString pathOn(const RemoteServer& server, const QORString& nameSpace) {
@@ -86,7 +85,8 @@ RemoteObjects::Known RemoteObjects::describe(const QORString& className) {
   found.handle = _classes.find(_sink, _nameSpace, className);
   if (found.handle.IsNull() && _className.isEmpty()) {
     const QORString who(_server.name());
-    throw CQoriProviderException(who, who + " has an instance of class " + className + ", but not the class", kFailed);
+    throw CQoriProviderException(who, who + " has an instance of class " + className + ", but not the class",
+                                 static_cast<QORuint32>(embedded::CimStatus::Failed));
   }
   if (found.handle.IsNull()) found.handle = _classes.find(_sink, _nameSpace, _className);
   if (found.handle.IsNull()) return found;

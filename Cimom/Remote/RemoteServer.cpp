@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Remote/RemoteServer.h"
 
+#include <algorithm>
 #include <chrono>
 #include <iterator>
 #include <stdexcept>
@@ -18,12 +19,17 @@ using Item = CimXmlReply::Item;
 
 enum Status : QORuint32 {
   kFailed = 1,
+  kAccessDenied = 2,
+  kInvalidNameSpace = 3,
   kInvalidClass = 5,
   kNotFound = 6,
   kNotSupported = 7,
   kLanguageNotSupported = 14,
   kLimitsExceeded = 27
 };
+
+// Each server has one of them.
+constexpr const char* kInteropNameSpaces[] = {"root/interop", "interop"};
 
 // Of queries, in the order in which they are tried.
 constexpr const char* kLanguages[] = {"DMTF:CQL", "CQL", "WQL"};
@@ -43,6 +49,11 @@ std::string percentEncoded(std::string_view text) {
     encoded.append({'%', kDigits[byte >> 4], kDigits[byte & 15]});
   }
   return encoded;
+}
+
+bool isInterop(const QORString& nameSpace) {
+  return std::any_of(std::begin(kInteropNameSpaces), std::end(kInteropNameSpaces),
+                     [&](const char* interop) { return nameSpace.isEqualCaseInsensitive(interop); });
 }
 
 void addPropertyList(CimXmlCall& call, const CIMApi::PropertyNames& names) {
@@ -233,6 +244,36 @@ std::vector<QORString> RemoteServer::classNames(const QORString& nameSpace) {
   return names;
 }
 
+// Of the instances the names alone are of use; their class need not be declared here.
+std::vector<QORString> RemoteServer::nameSpacesIn(const QORString& interop) {
+  std::vector<QORString> names;
+  const CIMApi::PropertyNames wanted(new QORValSlist<QORString>);
+  wanted->append("Name");
+  const auto take = [&](CimXmlInstance& instance) {
+    for (const CimXmlProperty& property : instance.properties()) {
+      if (property.value.IsNull() || !property.name.isEqualCaseInsensitive("Name")) continue;
+      const QORString name = property.value->toString();
+      if (!isInterop(name)) names.push_back(name);
+    }
+  };
+  enumerateInstances(interop, "CIM_Namespace", wanted, {take, {}});
+  return names;
+}
+
+std::vector<QORString> RemoteServer::nameSpaces() {
+  if (!_options.nameSpace.isNull()) return {};
+  for (const char* const interop : kInteropNameSpaces) {
+    try {
+      std::vector<QORString> names = nameSpacesIn(interop);
+      if (!names.empty()) return names;
+    } catch (const RemoteStatusException& status) {
+      if (status.getCode() == kAccessDenied || status.getCode() == kNotSupported) return {};
+      if (!isLackOfNameSpace(status)) throw;
+    }
+  }
+  return {};
+}
+
 std::vector<CimQualifierDeclaration> RemoteServer::qualifiers(const QORString& nameSpace) {
   std::vector<CimQualifierDeclaration> found;
   call(
@@ -269,7 +310,8 @@ RemoteServer::Opening RemoteServer::openEnumeration(const QORString& nameSpace, 
   return Opening::Open;
 }
 
-// A status in the place of a later batch is a failure, whichever it is: the instances that came are not all.
+// A status in the place of a later batch is a failure, whichever it is: the instances that came are not all, even where
+// the namespace is there no more.
 RemoteServer::Opening RemoteServer::pullInstances(const QORString& nameSpace, const QORString& className,
                                                   const CIMApi::PropertyNames& names, const Taker& taker) {
   Batch batch;
@@ -304,6 +346,9 @@ RemoteServer::Opening RemoteServer::pullInstances(const QORString& nameSpace, co
       call(_instances, "PullInstancesWithPath", nameSpace, className, pull, read);
     } catch (const RemoteReplyException&) {
       closeEnumeration(nameSpace, className, context);
+      throw;
+    } catch (const RemoteStatusException& status) {
+      if (isLackOfNameSpace(status)) throw CQoriProviderException(status.getWho(), status.getMessage(), kFailed);
       throw;
     }
   }
@@ -418,4 +463,8 @@ void RemoteServer::references(const QORString& nameSpace, const IQoriInstanceNam
 
 bool RemoteServer::isUnwillingToList(const RemoteStatusException& status) {
   return status.getCode() == kFailed || status.getCode() == kNotSupported || status.getCode() == kLimitsExceeded;
+}
+
+bool RemoteServer::isLackOfNameSpace(const RemoteStatusException& status) {
+  return status.getCode() == kInvalidNameSpace;
 }

@@ -94,6 +94,9 @@ class RemoteServer {
   // is asked for each as before.
   void fetchClasses(const QORString& nameSpace);
   std::vector<QORString> classNames(const QORString& nameSpace);
+  // Those that its interop namespace tells, interop namespaces excepted; none where another namespace stands for each
+  // that is asked for, and where the server does not tell them.
+  std::vector<QORString> nameSpaces();
   std::vector<CimQualifierDeclaration> qualifiers(const QORString& nameSpace);
 
   struct Taker {
@@ -116,6 +119,8 @@ class RemoteServer {
                   const CIMApi::PropertyNames& names, const Taker& taker);
   // A status that says of a class of associations that its instances are not listed.
   static bool isUnwillingToList(const RemoteStatusException& status);
+  // A status that says that there is no such namespace.
+  static bool isLackOfNameSpace(const RemoteStatusException& status);
 
   // Whether instances are asked for in batches, as far as is known; for explanations.
   bool pullsInstances() const noexcept { return _pulls; }
@@ -138,6 +143,7 @@ class RemoteServer {
                         const Taker& taker);
   bool enumerateAtOnce(const QORString& nameSpace, const QORString& className, const CIMApi::PropertyNames& names,
                        const Taker& taker);
+  std::vector<QORString> nameSpacesIn(const QORString& interop);
   void askQuery(const QORString& nameSpace, const QORString& className, const char* language, const std::string& query,
                 const Taker& taker);
   void closeEnumeration(const QORString& nameSpace, const QORString& className, const std::string& context) noexcept;

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "Cimom/Embedded/RepositoryError.h"
 #include "Cimom/Embedded/Restrictor.h"
 #include "Cimom/Remote/RemoteNames.h"
 #include "Cimom/Remote/RemoteObjects.h"
@@ -50,6 +51,18 @@ std::string queryOf(const CQoriClass& model, const CIMApi::PropertyNames& names,
   return "SELECT " + list + " FROM " + std::string(model.getClassName().view()) + " WHERE " + condition;
 }
 
+// Each once.
+std::vector<QORString> joinedNames(const std::vector<std::vector<QORString>>& found) {
+  std::vector<QORString> names;
+  std::set<std::string> met;
+  for (const std::vector<QORString>& ofOne : found) {
+    for (const QORString& name : ofOne) {
+      if (met.insert(fold(name)).second) names.push_back(name);
+    }
+  }
+  return names;
+}
+
 OuterSource::Objects joined(std::vector<OuterSource::Objects>&& found) {
   OuterSource::Objects all = found.empty() ? OuterSource::Objects() : std::move(found.front());
   for (std::size_t i = 1; i < found.size(); ++i) {
@@ -88,16 +101,26 @@ void RemoteSource::askEach(const std::vector<std::size_t>& servers, const Work& 
   std::mutex mutex;
   Failures failures;
   const bool isComplete = _parallel.run(servers.size(), [&](std::size_t i) {
-    try {
-      work(*_servers[servers[i]], i);
-    } catch (...) {
+    const auto note = [&] {
       const std::lock_guard lock(mutex);
       failures.emplace(servers[i], std::current_exception());
+    };
+    try {
+      work(*_servers[servers[i]], i);
+    } catch (const RemoteStatusException& status) {
+      if (!isLackOfNameSpace(servers[i], status)) note();
+    } catch (...) {
+      note();
     }
   });
   if (failures.empty()) return;
   if (!isComplete) std::rethrow_exception(failures.begin()->second);
   settle(servers, failures);
+}
+
+bool RemoteSource::isLackOfNameSpace(std::size_t server, const RemoteStatusException& status) const {
+  return _options.mayLackNameSpaces && _options.servers[server].nameSpace.isNull() &&
+         RemoteServer::isLackOfNameSpace(status);
 }
 
 void RemoteSource::settle(const std::vector<std::size_t>& asked, const Failures& failures) {
@@ -173,15 +196,23 @@ std::vector<QORString> RemoteSource::classNames(const QORString& nameSpace) {
   const std::vector<std::size_t> servers = serversFor({});
   std::vector<std::vector<QORString>> found(servers.size());
   askEach(servers, [&](RemoteServer& server, std::size_t i) { found[i] = server.classNames(nameSpace); });
-  std::vector<QORString> names;
-  std::set<std::string> met;
-  for (const std::vector<QORString>& ofOne : found) {
-    for (const QORString& name : ofOne) {
-      if (met.insert(fold(name)).second) names.push_back(name);
-    }
-  }
+  std::vector<QORString> names = joinedNames(found);
   const std::lock_guard lock(_mutex);
-  if (_failures.empty()) _names[key] = names;
+  if (_failures.empty() && !names.empty()) _names[key] = names;
+  return names;
+}
+
+std::vector<QORString> RemoteSource::nameSpaces() {
+  {
+    const std::lock_guard lock(_mutex);
+    if (_nameSpaces) return *_nameSpaces;
+  }
+  const std::vector<std::size_t> servers = serversFor({});
+  std::vector<std::vector<QORString>> found(servers.size());
+  askEach(servers, [&](RemoteServer& server, std::size_t i) { found[i] = server.nameSpaces(); });
+  std::vector<QORString> names = joinedNames(found);
+  const std::lock_guard lock(_mutex);
+  if (_failures.empty()) _nameSpaces = names;
   return names;
 }
 
@@ -235,9 +266,11 @@ CIMApi::PropertyNames RemoteSource::namesFor(const RemoteServer& server, const C
   return own;
 }
 
-// A statement that asks for one instance after the other has the whole class instead.
+// A statement that asks for one instance after the other has the whole class instead, whose instances have the names
+// of their servers in their paths.
 QORSmrPtr<IQoriObject> RemoteSource::instance(CimDeclarationSink& sink, const Request& request,
                                               const IQoriInstanceName& name) {
+  if (isOfNone(name)) return askForInstance(sink, request, name);
   Singles* singles = nullptr;
   {
     const std::lock_guard lock(_mutex);
@@ -265,8 +298,18 @@ QORSmrPtr<IQoriObject> RemoteSource::askForInstance(CimDeclarationSink& sink, co
     };
     server.getInstance(request.nameSpace, name, namesFor(server, request.names), maker.taker(take));
   });
-  const auto first = std::find_if(found.begin(), found.end(), [](const auto& object) { return !object.IsNull(); });
-  return first == found.end() ? QORSmrPtr<IQoriObject>() : *first;
+  std::vector<std::size_t> holders;
+  for (std::size_t i = 0; i < found.size(); ++i) {
+    if (!found[i].IsNull()) holders.push_back(i);
+  }
+  if (holders.size() > 1) {
+    std::string names;
+    for (const std::size_t i : holders) names += (names.empty() ? "" : ", ") + _servers[servers[i]]->name();
+    throw CQoriProviderException(QORString(names),
+                                 name.toString() + " is there on several servers: " + QORString(names),
+                                 static_cast<QORuint32>(embedded::CimStatus::Failed));
+  }
+  return holders.empty() ? QORSmrPtr<IQoriObject>() : found[holders.front()];
 }
 
 // Whether a path tells nothing of a server, though paths of their instances begin with their names.

@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -22,7 +23,9 @@
 struct RemoteSourceOptions {
   std::vector<RemoteServerOptions> servers;  // at least one
   bool requiresAll = false;                  // the failure of one fails the statement
-  std::size_t parallel = 8;                  // servers that are asked at the same time
+  // A server that has not got the namespace, and for which no other one stands, has nothing there: no failure.
+  bool mayLackNameSpaces = false;
+  std::size_t parallel = 8;  // servers that are asked at the same time
 };
 
 // A single server that fails fails the call. Of several, those that fail are
@@ -46,6 +49,9 @@ class RemoteSource final : public OuterSource {
   Associations associations(CimDeclarationSink& sink, const Request& request) override;
   Objects references(CimDeclarationSink& sink, const Request& request, const IQoriInstanceName& source) override;
 
+  std::vector<std::string> serverNames() const override;
+  std::vector<QORString> nameSpaces() override;
+
   // The rest is for whoever runs statements, on the thread that does.
 
   // Asked while calls run; after true they fail. Null: calls are not stopped.
@@ -65,8 +71,6 @@ class RemoteSource final : public OuterSource {
   // until beginStatement(). The caller filters what comes again: others send everything.
   void askWith(const QORString& className, const std::string& condition);
 
-  std::vector<std::string> serverNames() const;
-
  private:
   // What servers did, by their numbers; null for success.
   using Failures = std::map<std::size_t, std::exception_ptr>;
@@ -81,6 +85,7 @@ class RemoteSource final : public OuterSource {
   void settle(const std::vector<std::size_t>& asked, const Failures& failures);
   std::vector<std::size_t> serversFor(const QORString& className) const;
   std::vector<std::size_t> serversOf(const IQoriInstanceName& name, std::vector<std::size_t> servers) const;
+  bool isLackOfNameSpace(std::size_t server, const RemoteStatusException& status) const;
   bool isOfNone(const IQoriInstanceName& name) const;
   RemoteClasses::Fetched fetchClass(const QORString& nameSpace, const QORString& className);
   bool wantsAllClasses(const QORString& nameSpace);
@@ -100,6 +105,7 @@ class RemoteSource final : public OuterSource {
   mutable std::mutex _mutex;                     // guards what follows
   std::map<std::size_t, std::string> _failures;  // of servers that are left out
   std::vector<std::string> _untold;
+  std::optional<std::vector<QORString>> _nameSpaces;       // once all servers told them
   std::map<std::string, std::vector<QORString>> _names;    // of classes, by namespace in upper case
   std::map<std::string, std::size_t> _classCalls;          // by namespace in upper case, since its names are known
   std::map<std::string, Singles> _singles;                 // by class and properties

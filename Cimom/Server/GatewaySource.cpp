@@ -8,7 +8,10 @@ namespace {
 
 constexpr std::chrono::seconds kRemembered{2};
 
-bool isOwn(const QORString& nameSpace) noexcept { return nameSpace.isEqualCaseInsensitive(kInteropNameSpace); }
+// Clients that look for the interop namespace under its other name would take an outer server's for this one's.
+bool isOwn(const QORString& nameSpace) noexcept {
+  return nameSpace.isEqualCaseInsensitive(kInteropNameSpace) || nameSpace.isEqualCaseInsensitive("interop");
+}
 
 }  // namespace
 
@@ -34,6 +37,11 @@ void GatewaySource::provideQualifiers(CimDeclarationSink& sink, const QORString&
   if (isOwn(nameSpace)) return;
   const auto lock = begin();
   _source->provideQualifiers(sink, nameSpace);
+}
+
+std::vector<QORString> GatewaySource::nameSpaces() {
+  const auto lock = begin();
+  return _source->nameSpaces();
 }
 
 std::vector<QORString> GatewaySource::classNames(const QORString& nameSpace) {

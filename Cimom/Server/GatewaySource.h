@@ -10,12 +10,14 @@
 #include "Cimom/Embedded/OuterSource.h"
 
 // Asks one question after the other. What the source remembers is forgotten after two seconds, and before each single
-// instance, so that clients see what the servers have now. The interop namespace is this server's own, of which others
-// are not asked. Any number of threads may ask.
+// instance, so that clients see what the servers have now. The interop namespaces are this server's own, of which
+// others are not asked. Any number of threads may ask.
 class GatewaySource final : public OuterSource {
  public:
   explicit GatewaySource(std::shared_ptr<OuterSource> source) : _source(std::move(source)) {}
 
+  std::vector<std::string> serverNames() const override { return _source->serverNames(); }
+  std::vector<QORString> nameSpaces() override;
   bool provideClass(CimDeclarationSink& sink, const QORString& nameSpace, const QORString& className) override;
   void provideQualifiers(CimDeclarationSink& sink, const QORString& nameSpace) override;
   std::vector<QORString> classNames(const QORString& nameSpace) override;

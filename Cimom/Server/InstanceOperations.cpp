@@ -6,7 +6,9 @@
 #include <string>
 
 #include "Cimom/CimXml/CimXmlException.h"
+#include "Cimom/Embedded/ClientCalls.h"
 #include "Cimom/Embedded/EmbeddedState.h"
+#include "Cimom/Embedded/OuterCalls.h"
 #include "Cimom/Embedded/RepositoryError.h"
 #include "Cimom/Server/InstancesReply.h"
 #include "Cimom/Server/ServerObjects.h"
@@ -107,6 +109,21 @@ Reply emptyReply(const ServerCall& call) {
   return std::make_unique<WholeReply>(CimXmlResponse(call.request.messageId, call.request.operation).finish());
 }
 
+// An instance that outer servers alone have is there, but not to be changed; one that a path puts there is none of
+// here.
+void refuseOthers(const ServerCall& call, const QORSmrPtr<IQoriInstanceName>& name) {
+  const std::shared_ptr<EmbeddedObjectManager::State>& state = call.manager->state();
+  if (state->outer == nullptr) return;
+  const QORString& nameSpace = call.request.nameSpace;
+  if (!embedded::getInstance(*state->store, nameSpace, name, {}).IsNull()) return;
+  if (embedded::outerObject(*state, {nameSpace, name->getClassName(), {}}, *name).IsNull()) {
+    if (!name->getNameSpacePath()->getNameSpace().beginsWith("//")) return;
+    raise(CimStatus::NotFound, "instance " + std::string(name->toString().view()) + " does not exist");
+  }
+  throw CimStatusException(cimstatus::kNotSupported, "instance " + std::string(name->toString().view()) +
+                                                         " is of another server and cannot be changed here");
+}
+
 // What is to be set: all that is given; or what is listed, which takes the class's default where nothing is given.
 std::vector<CimInstanceProperty> changesOf(const CQoriClass& model, std::vector<CimInstanceProperty> given,
                                            const Names& listed) {
@@ -138,14 +155,17 @@ Reply modifyInstance(const ServerCall& call, InstanceWriter& writer) {
   }
   const ServerClasses::Class handle = space.require(given.className);
   const CQoriClass& model = ServerClasses::modelOf(handle);
-  writer.modify(*call.manager, given.name,
-                changesOf(model, writtenProperties(*call.manager, space, model, given), listed));
+  const QORSmrPtr<IQoriInstanceName> name = ServerObjects(call).requireName(given.name);
+  refuseOthers(call, name);
+  writer.modify(*call.manager, name, changesOf(model, writtenProperties(*call.manager, space, model, given), listed));
   return emptyReply(call);
 }
 
 Reply deleteInstance(const ServerCall& call, InstanceWriter& writer) {
   serverparameters::allowOnly(call.request, {"InstanceName"});
-  writer.remove(*call.manager, ServerObjects(call).requireName("InstanceName"));
+  const QORSmrPtr<IQoriInstanceName> name = ServerObjects(call).requireName("InstanceName");
+  refuseOthers(call, name);
+  writer.remove(*call.manager, name);
   return emptyReply(call);
 }
 

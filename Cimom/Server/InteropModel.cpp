@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "Cimom/Embedded/EmbeddedState.h"
+#include "Cimom/Embedded/OuterCalls.h"
 #include "cimom/CQoriType.h"
 #include "cimom/CQoriValue.h"
 
@@ -131,14 +132,23 @@ Properties named(const char* className, const QORString& name, const QORString& 
 
 QORString managerName() { return "qorql:" + hostName(); }
 
+std::vector<QORString> nameSpacesOf(const State& state) {
+  std::vector<QORString> names;
+  const std::shared_lock<std::shared_mutex> lock(state.store->mutex());
+  for (const auto& space : state.store->nameSpaces()) {
+    if (!space->isPending) names.push_back(space->name);
+  }
+  return names;
+}
+
 std::vector<Properties> nameSpaceInstances(const std::weak_ptr<State>& state) {
   std::vector<Properties> instances;
   const std::shared_ptr<State> held = state.lock();
   if (held == nullptr) return instances;
-  const std::shared_lock<std::shared_mutex> lock(held->store->mutex());
-  for (const auto& space : held->store->nameSpaces()) {
-    if (space->isPending) continue;
-    Properties properties = named(kNameSpaceClass, space->name, space->name);
+  std::vector<QORString> names = nameSpacesOf(*held);
+  if (held->outer != nullptr) embedded::addOuterNames(names, held->outer->nameSpaces());
+  for (const QORString& name : names) {
+    Properties properties = named(kNameSpaceClass, name, name);
     properties.emplace_back("ObjectManagerCreationClassName", textValue(kManagerClass));
     properties.emplace_back("ObjectManagerName", textValue(managerName()));
     instances.push_back(std::move(properties));

@@ -6,8 +6,10 @@
 #include <unordered_map>
 
 #include "Cimom/CimXml/CimXmlException.h"
+#include "Cimom/Embedded/EmbeddedState.h"
 #include "Cimom/Model/ModelRestriction.h"
 #include "Cimom/Server/ServerClasses.h"
+#include "cimom/CQoriInstanceName.h"
 
 namespace {
 
@@ -19,6 +21,18 @@ CIMApi::PropertyNames noNames() { return CIMApi::PropertyNames(new QORValSlist<Q
 
 CIMApi::Instances orNone(const CIMApi::Instances& found) {
   return found.IsNull() ? CIMApi::Instances(new InstanceList) : found;
+}
+
+// The name of the outer server that a host means; empty when it is none.
+std::string outerServer(const ServerCall& call, const QORString& host) {
+  const std::shared_ptr<OuterSource>& outer = call.manager->state()->outer;
+  if (outer == nullptr || host.isEmpty()) return {};
+  std::string alike;
+  for (const std::string& name : outer->serverNames()) {
+    if (host.view() == name) return name;
+    if (alike.empty() && QORString::equalIgnoringCase(host.view(), name)) alike = name;
+  }
+  return alike;
 }
 
 // Cuts instances down to the properties that their own classes declare.
@@ -111,8 +125,22 @@ QORSmrPtr<IQoriInstanceName> ServerObjects::requireName(const char* parameter) c
   const QORSmrPtr<IQoriInstanceName> name = _call.request.instanceName(parameter);
   if (name.IsNull()) throw CimStatusException(cimstatus::kInvalidParameter, std::string(parameter) + " is needed");
   _call.note.subject = name->toString().view();
-  requireClass(name->getClassName());
-  return name;
+  return requireName(name);
+}
+
+QORSmrPtr<IQoriInstanceName> ServerObjects::requireName(const QORSmrPtr<IQoriInstanceName>& given) const {
+  const IQoriNameSpacePath& path = *given->getNameSpacePath();
+  if (!path.getNameSpace().isEmpty() && !path.getNameSpace().isEqualCaseInsensitive(_call.request.nameSpace)) {
+    throw CimStatusException(cimstatus::kInvalidParameter, "the path " + std::string(given->toString().view()) +
+                                                               " is in another namespace than the call, which is in " +
+                                                               std::string(_call.request.nameSpace.view()));
+  }
+  requireClass(given->getClassName());
+  const std::string server = outerServer(_call, path.getHost());
+  if (server.empty()) return given;
+  const QORSmrPtr<IQoriNameSpacePath> there(
+      new CQoriNameSpacePath(QORString::emptyString(), QORString("//" + server + '/') + _call.request.nameSpace));
+  return QORSmrPtr<IQoriInstanceName>(new CQoriInstanceName(given->getClassName(), given->getKeys(), there));
 }
 
 QORSmrPtr<IQoriInstanceName> ServerObjects::requireSource(const char* parameter) const {

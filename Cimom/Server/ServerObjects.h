@@ -31,8 +31,10 @@ class ServerObjects {
 
   // The names of PropertyList; null when it is left out.
   CIMApi::PropertyNames propertyList() const;
-  // The instance's name; it need not exist.
+  // The instance's name; it need not exist. Where the name tells an outer server as its host, the path of its namespace
+  // begins with that server. One of another namespace than the call's is refused.
   QORSmrPtr<IQoriInstanceName> requireName(const char* parameter) const;
+  QORSmrPtr<IQoriInstanceName> requireName(const QORSmrPtr<IQoriInstanceName>& given) const;
   void requireNameSpace() const;
   // Returns the class in the repository's spelling.
   QORString requireClass(const QORString& className) const;

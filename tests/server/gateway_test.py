@@ -7,6 +7,16 @@ from servercase import ServerCase
 
 MODEL = 'class T_A { [Key] string Id; };\ninstance of T_A { Id = "%s"; };\n'
 
+# Two servers with the same paths and other values.
+TWINS = """
+class T_A { [Key] string Id; uint32 N; };
+class T_B : T_A { };
+[Association] class T_Ab { [Key] T_A REF Here; [Key] T_B REF There; };
+instance of T_A as $a { Id = "a1"; N = %d; };
+instance of T_B as $b { Id = "%s"; };
+instance of T_Ab { Here = $a; There = $b; };
+"""
+
 # More neighbours than are asked for one by one, and others of a class of their own.
 PIPES = """
 class T_Thing { [Key] string Id; };
@@ -51,6 +61,11 @@ instance of T_Hidden { Here = "T_A.Id=\\"hidden\\""; There = "root/interop:T_C.I
 def path(class_name, key):
     return (f'<INSTANCENAME CLASSNAME="{class_name}"><KEYBINDING NAME="Id"><KEYVALUE VALUETYPE="string" TYPE="string">'
             f"{key}</KEYVALUE></KEYBINDING></INSTANCENAME>")
+
+
+def hosted(host, class_name, key, namespace="root/cimv2"):
+    return (f"<VALUE.REFERENCE><INSTANCEPATH><NAMESPACEPATH><HOST>{host}</HOST>"
+            f"{servercase.namespace_path(namespace)}</NAMESPACEPATH>{path(class_name, key)}</INSTANCEPATH></VALUE.REFERENCE>")
 
 
 def told(reply):
@@ -118,16 +133,87 @@ class GatewayTest(ServerCase):
                 self.assertEqual(cut.error, 1, "the interop namespace is the gateway's own")
                 self.assertIn(b"root/interop:T_C.", cut.body)
 
+    def test_a_path_with_the_host_of_a_server_is_of_that_server(self):
+        behind, gateway = self.serve_two(TWINS % (1, "first"), TWINS % (100, "second"))
+        client = self.client(gateway)
+        for host, number, other in (("one", "1", "first"), ("TWO", "100", "second")):
+            found = self.judged(client.call("GetInstance", InstanceName=hosted(host, "T_A", "a1"), LocalOnly=False))
+            self.assertEqual(found.tree.findtext(".//PROPERTY[@NAME='N']/VALUE"), number)
+            for operation, parameter in (("AssociatorNames", "ObjectName"),
+                                         ("OpenAssociatorInstancePaths", "InstanceName")):
+                more = {"MaxObjectCount": 9} if operation.startswith("Open") else {}
+                found = self.judged(client.call(operation, **{parameter: hosted(host, "T_A", "a1")}, **more))
+                self.assertEqual([one.text for one in found.tree.iter("KEYVALUE")], [other], operation)
+        nobody = self.judged(client.call("GetInstance", InstanceName=hosted("one", "T_B", "second")))
+        self.assertEqual(nobody.error, 6)
+
+    def test_a_path_that_several_servers_have_is_refused_by_their_names(self):
+        behind, gateway = self.serve_two(TWINS % (1, "first"), TWINS % (100, "second"))
+        client = self.client(gateway)
+        for operation, parameter in (("GetInstance", "InstanceName"), ("Associators", "ObjectName"),
+                                     ("ReferenceNames", "ObjectName")):
+            cut = self.judged(client.call(operation, **{parameter: path("T_A", "a1")}))
+            self.assertEqual(cut.error, 1, operation)
+            self.assertIn(b"is there on several servers: one, two", cut.body)
+            self.assertEqual(self.judged(client.call(operation, **{parameter: path("T_B", "second")})).error, 0)
+
+    def test_what_others_have_is_not_changed_here(self):
+        behind = self.serve("--no-live", "-m", self.write("one.mof", TWINS % (1, "first")))
+        own = self.write("own.mof", 'class T_Own { [Key] string Id; string Name; }; instance of T_Own { Id = "o"; };')
+        gateway = self.serve("--no-live", "--writable", "-m", own, "--server", f"one={behind.url}")
+        client = self.client(gateway)
+        for name in (path("T_A", "a1"), hosted("one", "T_A", "a1")):
+            self.assertEqual(self.judged(client.call("DeleteInstance", InstanceName=name)).error, 7)
+        changed = ('<VALUE.NAMEDINSTANCE>%s<INSTANCE CLASSNAME="T_A"><PROPERTY NAME="N" TYPE="uint32"><VALUE>2</VALUE>'
+                   "</PROPERTY></INSTANCE></VALUE.NAMEDINSTANCE>")
+        self.assertEqual(self.judged(client.call("ModifyInstance", ModifiedInstance=changed % path("T_A", "a1"))).error, 7)
+        self.assertEqual(self.judged(client.call("DeleteInstance", InstanceName=hosted("one", "T_Own", "o"))).error, 6)
+        self.assertEqual(self.judged(client.call("DeleteInstance", InstanceName=path("T_Own", "o"))).error, 0)
+
+    def test_namespaces_of_all_servers_are_told_and_answered(self):
+        spaces = 'class T_A { [Key] string Id; }; instance of T_A { Id = "%s"; };'
+        behind, gateway = self.serve_two(f'#pragma namespace("root/first")\n{spaces % "one"}',
+                                         f'#pragma namespace("Root/Second")\n{spaces % "two"}')
+        client = self.client(gateway)
+        for operation in ("EnumerateInstances", "EnumerateInstanceNames"):
+            found = self.judged(client.call(operation, "root/interop", ClassName="CIM_Namespace"))
+            names = [key.findtext("KEYVALUE") for key in found.tree.iter("KEYBINDING") if key.get("NAME") == "Name"]
+            self.assertEqual(names, ["root/cimv2", "root/interop", "root/first", "Root/Second"])
+        for namespace, key in (("root/first", "one"), ("root/second", "two")):
+            found = self.judged(client.call("EnumerateInstances", namespace, ClassName="T_A"))
+            self.assertEqual([one.text for one in found.tree.iter("KEYVALUE")], [key])
+            self.assertEqual(len(self.judged(client.call("EnumerateClassNames", namespace)).items), 1)
+            query = {"QueryLanguage": "DMTF:CQL", "Query": "SELECT Id FROM T_A"}
+            self.assertEqual(len(self.judged(client.call("ExecQuery", namespace, **query)).items), 1)
+        for namespace in ("root/third", "interop"):
+            self.assertEqual(self.judged(client.call("EnumerateInstances", namespace, ClassName="T_A")).error, 3)
+        behind[1].stop()
+        again = self.judged(client.call("EnumerateInstanceNames", "root/interop", ClassName="CIM_Namespace"))
+        self.assertEqual(len(again.items), 4)
+        cut = self.judged(client.call("EnumerateInstances", "root/first", ClassName="T_A"))
+        self.assertEqual(cut.error, 1, "whether it has some is not known")
+
     def test_a_server_that_is_gone_is_told_in_place_of_fewer_instances(self):
         behind, gateway = self.serve_two(MODEL % "one", MODEL % "two")
         whole = self.judged(self.client(gateway).call("EnumerateInstances", ClassName="T_A"))
         self.assertEqual((whole.error, whole.body.count(b"VALUE.NAMEDINSTANCE>")), (0, 4))
         behind[1].stop()
         for operation, parameters in (("EnumerateInstances", {"ClassName": "T_A"}),
+                                      ("EnumerateInstanceNames", {"ClassName": "T_A"}),
+                                      ("OpenEnumerateInstances", {"ClassName": "T_A", "MaxObjectCount": 9}),
+                                      ("EnumerateClassNames", {}), ("EnumerateClasses", {}),
+                                      ("GetInstance", {"InstanceName": path("T_A", "one")}),
+                                      ("Associators", {"ObjectName": path("T_A", "one")}),
+                                      ("ReferenceNames", {"ObjectName": path("T_A", "one")}),
+                                      ("Associators", {"ObjectName": hosted("two", "T_A", "two")}),
                                       ("ExecQuery", {"QueryLanguage": "DMTF:CQL", "Query": "SELECT Id FROM T_A"})):
             cut = self.judged(self.client(gateway).call(operation, **parameters))
             self.assertEqual(cut.error, 1, operation)
             self.assertIn(b"two: ", cut.body, operation)
+        for operation in ("GetInstance", "AssociatorNames"):
+            parameter = "InstanceName" if operation == "GetInstance" else "ObjectName"
+            alone = self.judged(self.client(gateway).call(operation, **{parameter: hosted("one", "T_A", "one")}))
+            self.assertEqual(alone.error, 0, "the server that is gone is not asked")
 
 
 if __name__ == "__main__":

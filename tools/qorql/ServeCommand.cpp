@@ -35,10 +35,9 @@ constexpr const char* kServeFooter =
     "and users. Section [server] of the configuration has the same options as keys, and the limits.\n"
     "\n"
     "Limits: body (bytes of a request, 16M), connections (128), contexts (open enumerations of a\n"
-    "client, 64), query (seconds, 300), memory (bytes of a query's rows and of what a client's\n"
-    "enumerations hold, 1G), idle (seconds without a request, 60), failures (wrong passwords from one\n"
-    "address, 10), failure-wait (seconds it then waits, 60), drain (seconds that requests have to end\n"
-    "when the server ends, 30).\n"
+    "client, 64), query (seconds, 300), idle (seconds without a request, 60), failures (wrong\n"
+    "passwords from one address, 10), failure-wait (seconds it then waits, 60), drain (seconds that\n"
+    "requests have to end when the server ends, 30).\n"
     "\n"
     "SIGTERM ends it when what was asked is answered. SIGHUP has it read configuration, MOF, users\n"
     "and certificates anew; what is faulty is told, and all stays as it was.\n"
@@ -64,9 +63,10 @@ std::string monotonicMicroseconds() {
 }
 
 // What is logged goes to standard error at once, since many threads log. No reply can say that it lacks the instances
-// of a server that failed, so that it fails with it.
+// of a server that failed, so that it fails with it. The namespaces of all servers are there.
 ServeOptions asServed(ServeOptions options) {
   options.session.servers.requiresAll = true;
+  options.session.servers.mayLackNameSpaces = true;
   if (!options.session.logSeverity) options.session.logSeverity = QoriTraceLog::kWarning;
   return options;
 }

@@ -167,6 +167,7 @@ std::shared_ptr<RemoteSource> makeRemoteSource(const ServerOptions& options, con
                                                bool isNamespaceGiven) {
   RemoteSourceOptions source;
   source.requiresAll = options.requiresAll;
+  source.mayLackNameSpaces = options.mayLackNameSpaces;
   std::set<std::string> names;
   for (const ServerAddress& address : options.servers) {
     if (!names.insert(address.name).second) {

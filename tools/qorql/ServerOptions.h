@@ -21,6 +21,7 @@ struct ServerOptions {
   std::string passwordFile;            // for those that name none
   bool isInsecure = false;
   bool requiresAll = false;
+  bool mayLackNameSpaces = false;  // a server without the namespace has nothing there
   bool pushesDown = false;
   double patience = 0;     // seconds that a call goes on in which next to nothing comes; 0: as many as there are
   QORuint32 batch = 1000;  // instances of a reply

@@ -16,6 +16,8 @@ namespace {
 class CountingSource final : public OuterSource {
  public:
   void beginStatement() override { ++begun; }
+  std::vector<std::string> serverNames() const override { return {"one"}; }
+  std::vector<QORString> nameSpaces() override { return ask(), std::vector<QORString>{"root/far"}; }
   bool provideClass(CimDeclarationSink&, const QORString&, const QORString&) override { return ask(), false; }
   void provideQualifiers(CimDeclarationSink&, const QORString&) override { ask(); }
   std::vector<QORString> classNames(const QORString&) override { return ask(), std::vector<QORString>{"A"}; }
@@ -68,15 +70,23 @@ TEST_F(Gateway, QuestionsDoNotMeet) {
   EXPECT_FALSE(source->wasTogether);
 }
 
-TEST_F(Gateway, TheInteropNamespaceIsNotAskedFor) {
-  const OuterSource::Request request{"Root/Interop", "A", {}};
-  EXPECT_FALSE(gateway.provideClass(sink, request.nameSpace, "A"));
-  gateway.provideQualifiers(sink, request.nameSpace);
-  EXPECT_TRUE(gateway.classNames(request.nameSpace).empty());
-  EXPECT_TRUE(gateway.instances(sink, request).empty());
-  EXPECT_TRUE(gateway.instance(sink, request, *name).IsNull());
-  EXPECT_TRUE(gateway.associations(sink, request).objects.empty());
-  EXPECT_TRUE(gateway.references(sink, request, *name).empty());
+TEST_F(Gateway, TheServersAndTheirNamespacesAreTold) {
+  EXPECT_EQ(gateway.serverNames(), std::vector<std::string>{"one"});
+  EXPECT_EQ(gateway.nameSpaces(), std::vector<QORString>{"root/far"});
+  EXPECT_EQ(source->asked, 1);
+}
+
+TEST_F(Gateway, InteropNamespacesAreNotAskedFor) {
+  for (const char* const nameSpace : {"Root/Interop", "INTEROP"}) {
+    const OuterSource::Request request{nameSpace, "A", {}};
+    EXPECT_FALSE(gateway.provideClass(sink, request.nameSpace, "A"));
+    gateway.provideQualifiers(sink, request.nameSpace);
+    EXPECT_TRUE(gateway.classNames(request.nameSpace).empty());
+    EXPECT_TRUE(gateway.instances(sink, request).empty());
+    EXPECT_TRUE(gateway.instance(sink, request, *name).IsNull());
+    EXPECT_TRUE(gateway.associations(sink, request).objects.empty());
+    EXPECT_TRUE(gateway.references(sink, request, *name).empty());
+  }
   EXPECT_EQ(source->asked, 0);
 }
 

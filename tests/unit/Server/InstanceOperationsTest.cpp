@@ -240,6 +240,31 @@ TEST_F(InstanceOperations, AnInstanceIsDeleted) {
   EXPECT_THAT(refusalOf("DeleteInstance", parameter("InstanceName", path("Live", "Id", "one"))), HasSubstr("7: "));
 }
 
+TEST_F(InstanceOperations, APathOfAnotherNamespaceThanTheCallsIsRefused) {
+  load(
+      "#pragma namespace(\"root/more\")\nclass Part { [Key] string Id; string Note; }; instance of Part { Id = \"a\"; "
+      "};");
+  const auto in = [](const std::string& nameSpace) {
+    return "<LOCALINSTANCEPATH><LOCALNAMESPACEPATH><NAMESPACE NAME=\"root\"/><NAMESPACE NAME=\"" + nameSpace +
+           "\"/></LOCALNAMESPACEPATH>" + path("Part", "Id", "a") + "</LOCALINSTANCEPATH>";
+  };
+  for (const char* const operation : {"GetInstance", "DeleteInstance"}) {
+    EXPECT_THAT(
+        refusalOf(operation, parameter("InstanceName", "<VALUE.REFERENCE>" + in("more") + "</VALUE.REFERENCE>")),
+        HasSubstr("4: the path root/more:Part.Id"));
+  }
+  const std::string changed =
+      "<VALUE.INSTANCEWITHPATH><INSTANCEPATH><NAMESPACEPATH><HOST>h</HOST><LOCALNAMESPACEPATH><NAMESPACE "
+      "NAME=\"root\"/>"
+      "<NAMESPACE NAME=\"more\"/></LOCALNAMESPACEPATH></NAMESPACEPATH>" +
+      path("Part", "Id", "a") + "</INSTANCEPATH>" + instance("Part", property("Note", "string", "new")) +
+      "</VALUE.INSTANCEWITHPATH>";
+  EXPECT_THAT(refusalOf("ModifyInstance", parameter("ModifiedInstance", changed)), HasSubstr("4: "));
+  EXPECT_EQ(valuesOf("EnumerateInstanceNames", className("Part"), "root/more"), path("Part", "Id", "a"));
+  EXPECT_EQ(ask("DeleteInstance", parameter("InstanceName", "<VALUE.REFERENCE>" + in("CIMV2") + "</VALUE.REFERENCE>")),
+            "");
+}
+
 TEST_F(InstanceOperations, AReadOnlyServerRefusesChanges) {
   addInstanceOperations(operations(), nullptr);
   const std::string name = parameter("InstanceName", path("Part", "Id", "a"));
