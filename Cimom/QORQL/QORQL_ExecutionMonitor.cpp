@@ -8,6 +8,7 @@
 namespace {
 
 constinit thread_local QORQL_ExecutionMonitor* theMonitor = nullptr;
+constinit thread_local QORQL_RowBudget* theBudget = nullptr;
 
 }  // namespace
 
@@ -29,6 +30,16 @@ QORQL_MonitorScope::~QORQL_MonitorScope() { theMonitor = _outer; }
 
 QORQL_ExecutionMonitor* QORQL_currentMonitor() noexcept { return theMonitor; }
 
+QORQL_RowBudget::QORQL_RowBudget(QORuint64 bytes) noexcept : _bytes(bytes), _outer(theBudget) { theBudget = this; }
+QORQL_RowBudget::~QORQL_RowBudget() { theBudget = _outer; }
+
+void QORQL_RowBudget::grow(QORuint64 bytes) {
+  _greatest = bytes;
+  if (isExceeded()) throw QORQL_StoppedException();
+}
+
+QORQL_RowBudget* QORQL_currentRowBudget() noexcept { return theBudget; }
+
 void QORQL_reportEarlyEnd(const char* message) {
   if (theMonitor != nullptr) theMonitor->resultEndsEarly(std::current_exception());
   QORQL_logError(message);
@@ -47,4 +58,10 @@ QORQL_StepScope::~QORQL_StepScope() {
 void QORQL_StopCheck::ask() {
   _work = 0;
   if (_monitor->isStopRequested()) throw QORQL_StoppedException();
+}
+
+void QORQL_StopCheck::takeOfBudget(QORuint64 count, QORuint64 bytesOfEach) {
+  QORuint64 bytes = 0;
+  if (__builtin_mul_overflow(count, bytesOfEach, &bytes)) bytes = ~QORuint64{0};
+  _budget->take(bytes);
 }

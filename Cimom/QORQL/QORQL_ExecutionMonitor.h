@@ -70,7 +70,38 @@ class QORQL_MonitorScope {
   QORQL_ExecutionMonitor* _outer;
 };
 
+// While it lives, a query of the thread that made it is stopped, with a QORQL_StoppedException, when the rows of one
+// of its tables would take more memory than this; an outer one is inactive meanwhile. What a row takes is estimated,
+// objects that providers hand over are not counted. REQUIRES to be destroyed on its own thread, inner ones first.
+class QORQL_RowBudget {
+ public:
+  // Attaches itself to this thread.
+  explicit QORQL_RowBudget(QORuint64 bytes) noexcept;
+  QORQL_RowBudget(const QORQL_RowBudget&) = delete;
+  QORQL_RowBudget& operator=(const QORQL_RowBudget&) = delete;
+  ~QORQL_RowBudget();
+
+  // Whether it has stopped a query.
+  bool isExceeded() const noexcept { return _greatest > _bytes; }
+  // The bytes of the greatest table so far.
+  QORuint64 greatest() const noexcept { return _greatest; }
+  // A table takes so many bytes, or is about to. THROWS QORQL_StoppedException when that is too much.
+  void take(QORuint64 bytes) {
+    if (bytes > _greatest) grow(bytes);
+  }
+
+ private:
+  void grow(QORuint64 bytes);
+
+  const QORuint64 _bytes;
+  QORuint64 _greatest = 0;
+  QORQL_RowBudget* const _outer;
+};
+
 // For the engine's own parts and for readers of results.
+
+// The thread's budget; null when none is attached.
+QORQL_RowBudget* QORQL_currentRowBudget() noexcept;
 
 // The thread's monitor; null when none is attached.
 QORQL_ExecutionMonitor* QORQL_currentMonitor() noexcept;
@@ -96,7 +127,8 @@ class QORQL_StepScope {
 // of a pointer where none is attached.
 class QORQL_StopCheck {
  public:
-  QORQL_StopCheck() noexcept : _monitor(QORQL_currentMonitor()) {}
+  // Looks for what is attached to the thread.
+  QORQL_StopCheck() noexcept : _monitor(QORQL_currentMonitor()), _budget(QORQL_currentRowBudget()) {}
 
   // THROWS QORQL_StoppedException.
   void count(QORuint64 work = 1) {
@@ -104,13 +136,22 @@ class QORQL_StopCheck {
     _work += work;
     if (_work >= kInterval) ask();
   }
+  // What the loop builds has, or is about to have, so many elements of so many bytes. THROWS QORQL_StoppedException
+  // when that is beyond the thread's budget.
+  void hold(QORuint64 count, QORuint64 bytesOfEach) {
+    if (_budget != nullptr) takeOfBudget(count, bytesOfEach);
+  }
+  // About the bytes of a row that stands for itself, not as a tuple of places.
+  static constexpr QORuint64 rowBytes(QORuint64 columns) noexcept { return 128 + 48 * columns; }
 
  private:
   static constexpr QORuint64 kInterval = 4096;
 
   void ask();
+  void takeOfBudget(QORuint64 count, QORuint64 bytesOfEach);
 
   QORQL_ExecutionMonitor* _monitor;
+  QORQL_RowBudget* _budget;
   QORuint64 _work = 0;
 };
 

@@ -28,10 +28,11 @@ struct EnumerationContexts::Context {
   Clock::time_point end{};  // unless it is in a turn
   bool isInTurn = true;
   std::unique_ptr<EnumerationItems> items{};
+  QORuint64 heldBytes = 0;  // of the items
 };
 
 struct EnumerationContexts::State {
-  explicit State(std::size_t limit) : mostOfAClient(limit) {}
+  explicit State(const ServerLimits& limits) : mostOfAClient(limits.enumerations), mostBytesOfAClient(limits.memory) {}
 
   using Dropped = std::vector<std::shared_ptr<Context>>;
 
@@ -42,11 +43,18 @@ struct EnumerationContexts::State {
   std::shared_ptr<Context> find(const ServerCall& call, const std::string& name) const;
   void remove(const Context& context);
 
+  // What a client has open.
+  struct Use {
+    std::size_t count = 0;
+    QORuint64 heldBytes = 0;
+  };
+
   const std::size_t mostOfAClient;
+  const QORuint64 mostBytesOfAClient;
   mutable std::mutex mutex;  // guards what follows
   std::condition_variable_any changed;
   std::unordered_map<std::string, std::shared_ptr<Context>> contexts;
-  std::unordered_map<std::string, std::size_t> counts;  // of the clients that have any
+  std::unordered_map<std::string, Use> uses;  // of the clients that have any
   Clock::time_point wakesAt = Clock::time_point::max();
 };
 
@@ -89,8 +97,9 @@ Clock::time_point EnumerationContexts::State::earliestEnd() const {
 void EnumerationContexts::State::remove(const Context& context) {
   const auto found = contexts.find(context.name);
   if (found == contexts.end()) return;
-  const auto counted = counts.find(context.client);
-  if (--counted->second == 0) counts.erase(counted);
+  const auto counted = uses.find(context.client);
+  counted->second.heldBytes -= context.heldBytes;
+  if (--counted->second.count == 0) uses.erase(counted);
   contexts.erase(found);
 }
 
@@ -132,7 +141,7 @@ std::shared_ptr<EnumerationContexts::Context> EnumerationContexts::State::find(c
 }
 
 EnumerationContexts::EnumerationContexts(const ServerLimits& limits)
-    : _state(std::make_shared<State>(limits.enumerations)),
+    : _state(std::make_shared<State>(limits)),
       _sweeper([state = _state](const std::stop_token& stop) { state->sweep(stop); }) {}
 
 EnumerationContexts::~EnumerationContexts() = default;
@@ -150,7 +159,7 @@ EnumerationContexts::Turn EnumerationContexts::open(const ServerCall& call, Kind
   State::Dropped dropped;
   const std::lock_guard<std::mutex> lock(_state->mutex);
   dropped = _state->takeOver(Clock::now());
-  std::size_t& count = _state->counts[context->client];
+  std::size_t& count = _state->uses[context->client].count;
   if (count >= _state->mostOfAClient) {
     throw CimStatusException(cimstatus::kServerLimitsExceeded,
                              "there are " + std::to_string(count) + " open enumerations of this client already");
@@ -202,7 +211,18 @@ EnumerationContexts::Turn::~Turn() {
 EnumerationItems& EnumerationContexts::Turn::items() const noexcept { return *_context->items; }
 
 void EnumerationContexts::Turn::setItems(std::unique_ptr<EnumerationItems> items) {
+  const QORuint64 bytes = items->heldBytes();
   _context->items = std::move(items);
+  const std::lock_guard<std::mutex> lock(_state->mutex);
+  if (!_state->contexts.contains(_context->name)) return;
+  State::Use& use = _state->uses[_context->client];
+  if (use.heldBytes + bytes > _state->mostBytesOfAClient) {
+    throw CimStatusException(cimstatus::kServerLimitsExceeded,
+                             "the open enumerations of this client would hold more than " +
+                                 std::to_string(_state->mostBytesOfAClient) + " bytes of memory");
+  }
+  use.heldBytes += bytes;
+  _context->heldBytes = bytes;
 }
 
 std::string EnumerationContexts::Turn::end() {

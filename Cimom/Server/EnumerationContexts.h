@@ -33,6 +33,7 @@ class EnumerationContexts {
 
     // REQUIRES setItems() before.
     EnumerationItems& items() const noexcept;
+    // THROWS CimStatusException 27 when the client's enumerations would hold too much together; this one ends then.
     void setItems(std::unique_ptr<EnumerationItems> items);
     // What the client goes on with; empty when that was all.
     std::string end();

@@ -11,6 +11,8 @@ class EnumerationItems {
  public:
   virtual ~EnumerationItems() = default;
   virtual bool hasNext() const = 0;
+  // About what they take of the memory, from the first on.
+  virtual QORuint64 heldBytes() const = 0;
   // Writes the next one. REQUIRES that there is one.
   virtual void writeNext(CimXmlWriter& writer) = 0;
 };

@@ -265,6 +265,7 @@ HttpReply HttpExchange::serve() {
 MHD_Result HttpExchange::refuse(const Refusal& refusal) {
   HttpReply reply;
   reply.status = refusal.status;
+  reply.note = _record.note;  // of a reply that failed when it was to begin
   reply.note.statusText = refusal.reason;
   if (refusal.status == kOk || refusal.status == kMethodNotAllowed) reply.headers.emplace_back("Allow", kAllowed);
   if (refusal.status == kUnavailable) reply.headers.emplace_back("Retry-After", "1");
@@ -292,12 +293,12 @@ void HttpExchange::compress(HttpReply& reply) const {
 
 MHD_Result HttpExchange::send(HttpReply reply) {
   compress(reply);
+  _record.note = std::move(reply.note);
   const std::chrono::seconds patience(_limits->idleSeconds);
   auto outgoing =
       std::make_unique<Outgoing>(Outgoing{_shared.connections, _place, patience, _record, std::move(reply.body)});
   const std::uint64_t size = outgoing->begin() ? outgoing->piece.size() : MHD_SIZE_UNKNOWN;
   _record.http = reply.status;
-  _record.note = std::move(reply.note);
   MHD_Response* const response = MHD_create_response_from_callback(size, kPiece, &takePiece, outgoing.get(), &forget);
   if (response == nullptr) return MHD_NO;
   static_cast<void>(outgoing.release());

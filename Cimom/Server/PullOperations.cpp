@@ -13,6 +13,8 @@ namespace {
 using Kind = EnumerationContexts::Kind;
 using Want = ServerObjects::Want;
 
+constexpr QORuint64 kObjectBytes = 256;  // of one that nobody else holds; most are smaller or shared
+
 class ObjectItems final : public EnumerationItems {
  public:
   ObjectItems(const CIMApi::Instances& objects, Kind kind, const QORString& host)
@@ -20,6 +22,7 @@ class ObjectItems final : public EnumerationItems {
     _hasNext = ++_at;
   }
   bool hasNext() const override { return _hasNext; }
+  QORuint64 heldBytes() const override { return _objects->entries() * kObjectBytes; }
   void writeNext(CimXmlWriter& writer) override {
     const QORSmrPtr<IQoriObject>& object = _at.key();
     if (_kind == Kind::Paths) {

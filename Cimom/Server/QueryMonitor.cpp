@@ -7,7 +7,7 @@
 #include <string>
 
 #include "Cimom/CimXml/CimXmlException.h"
-#include "Cimom/Server/ServerObjects.h"
+#include "Cimom/Server/StatusCodes.h"
 
 bool QueryMonitor::isStopRequested() noexcept {
   const Clock::time_point now = Clock::now();

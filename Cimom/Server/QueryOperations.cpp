@@ -58,6 +58,7 @@ class RowItems final : public EnumerationItems {
  public:
   explicit RowItems(std::unique_ptr<QueryRows> rows) : _rows(std::move(rows)) {}
   bool hasNext() const override { return _rows->hasNext(); }
+  QORuint64 heldBytes() const override { return _rows->heldBytes(); }
   void writeNext(CimXmlWriter& writer) override { writer.writeInstance(*_rows->next()); }
 
  private:

@@ -20,6 +20,7 @@ namespace {
 
 constexpr const char* kLanguages[] = {"DMTF:CQL", "CIM:CQL", "CQL", "WQL"};
 constexpr QORuint64 kRowsBetweenLooks = 1024;
+constexpr QORuint64 kRowBytes = 1024;  // at most, where there was no table that took as many
 
 // The engine's message, with the place of the word at fault.
 std::string messageOf(const QoriBaseException& error, const QORString& text) {
@@ -50,6 +51,7 @@ class QueryRows::Run {
   Run(const ServerCall& call, const QORString& language, const QORString& text, const ServerLimits& limits)
       : _call(call),
         _text(text),
+        _memory(limits.memory),
         _monitor(call.client, limits.query),
         _statement(text, call.request.nameSpace, language) {
     EmbeddedObjectManager* const manager = call.manager.get();
@@ -73,9 +75,12 @@ class QueryRows::Run {
   template <class Work>
   void guarded(const Work& work) {
     const QORQL_MonitorScope scope(_monitor);
+    QORQL_RowBudget budget(_memory);
     try {
       work();
+      _greatest = budget.greatest();
     } catch (const QORQL_StoppedException&) {
+      if (budget.isExceeded()) raiseTooLarge();
       raiseStopped();
     } catch (const CimStatusException&) {
       throw;
@@ -93,6 +98,8 @@ class QueryRows::Run {
   }
 
   QORQL_Statement& statement() noexcept { return _statement; }
+  // The bytes of the greatest table that the statement made.
+  QORuint64 greatest() const noexcept { return _greatest; }
 
   std::optional<CimPropertyDeclaration> declarationOf(const QORString& className, const QORString& property) const {
     for (CimPropertyDeclaration& each : _call.manager->allProperties(_call.request.nameSpace, className)) {
@@ -103,11 +110,17 @@ class QueryRows::Run {
 
  private:
   [[noreturn]] void raiseStopped() const { _monitor.raiseStopped("query"); }
+  [[noreturn]] void raiseTooLarge() const {
+    throw CimStatusException(cimstatus::kServerLimitsExceeded, "the query was stopped: its rows take more than " +
+                                                                   std::to_string(_memory) + " bytes of memory");
+  }
 
   const ServerCall& _call;
   const QORString& _text;
+  const QORuint64 _memory;
   QueryMonitor _monitor;
   QORQL_Statement _statement;
+  QORuint64 _greatest = 0;
 };
 
 void QueryRows::requireLanguage(const QORString& language) {
@@ -131,6 +144,7 @@ QueryRows::QueryRows(const ServerCall& call, const QORString& language, const QO
     settleColumns(run);
     run.requireTime();
   });
+  _heldBytes = std::min(run.greatest(), _result->rowCount() * kRowBytes);
   _hasRow = _result->next();
 }
 

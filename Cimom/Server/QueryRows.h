@@ -25,8 +25,8 @@ class QueryRows {
   static void requireLanguage(const QORString& language);
 
   // Runs the statement, and looks for what can fail later. THROWS CimStatusException: a language that is unknown 14; a
-  // text that the engine refuses 15, with its message; a query that takes too long 27; what fails otherwise 1. What
-  // providers throw passes through.
+  // text that the engine refuses 15, with its message; a query that takes too long, or too much memory, 27; what fails
+  // otherwise 1. What providers throw passes through.
   QueryRows(const ServerCall& call, const QORString& language, const QORString& text, const ServerLimits& limits);
   QueryRows(const QueryRows&) = delete;
   QueryRows& operator=(const QueryRows&) = delete;
@@ -36,6 +36,8 @@ class QueryRows {
   bool hasNext() const noexcept { return _hasRow; }
   // Its instance. REQUIRES that there is one.
   QORSmrPtr<IQoriObject> next();
+  // About what the rows that are held take, at most.
+  QORuint64 heldBytes() const noexcept { return _heldBytes; }
   // A class with the columns as properties.
   CimClassDeclaration resultClass() const;
 
@@ -52,6 +54,7 @@ class QueryRows {
   QORSmrPtr<ModelLayout> _layout;
   std::unordered_map<std::string, QORSmrPtr<ModelShape>> _shapes;  // by class
   std::vector<QORSmrPtr<IQoriValue>> _values;                      // of one row
+  QORuint64 _heldBytes = 0;
   bool _hasRow = false;
 };
 

@@ -6,10 +6,13 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 
 struct ServerLimits {
-  std::chrono::milliseconds query = std::chrono::seconds(300);  // that one runs
+  std::chrono::milliseconds query = std::chrono::seconds(300);  // that one runs, or any other operation
   std::size_t enumerations = 64;                                // open ones of a client
+  // Bytes of the rows of a query, and of what a client's open enumerations hold together.
+  std::uint64_t memory = std::uint64_t{1} << 30;
   // That an enumeration waits for its next pull, where the client asks for nothing else, and at most.
   std::chrono::milliseconds betweenPulls = std::chrono::seconds(300);
   std::chrono::milliseconds longestBetweenPulls = std::chrono::hours(1);

@@ -2,11 +2,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Server/ServerOperations.h"
 
+#include <exception>
+#include <new>
+#include <stdexcept>
 #include <string>
 #include <unordered_map>
 
 #include "Cimom/CimXml/CimXmlException.h"
 #include "Cimom/CimXml/CimXmlMessages.h"
+#include "Cimom/Server/QueryMonitor.h"
 #include "Cimom/Server/StatusCodes.h"
 
 namespace {
@@ -24,13 +28,15 @@ std::string_view descriptionOf(const QoriBaseException& failure) noexcept {
 struct ServerOperations::State {
   // THROWS CimStatusException when nobody answers such a call.
   const Operation& find(const CimXmlRequest& request) const;
+  std::unique_ptr<ServerReply> answer(const ServerCall& call) const;
 
+  const std::chrono::milliseconds limit;
   std::unordered_map<std::string, Operation> operations;
   std::unordered_map<std::string, Operation> exports;
   Operation methods;
 };
 
-ServerOperations::ServerOperations() : _state(std::make_unique<State>()) {}
+ServerOperations::ServerOperations(std::chrono::milliseconds limit) : _state(new State{limit, {}, {}, {}}) {}
 ServerOperations::~ServerOperations() = default;
 
 void ServerOperations::add(const char* name, Operation operation) {
@@ -67,12 +73,36 @@ const ServerOperations::Operation& ServerOperations::State::find(const CimXmlReq
   return found->second;
 }
 
+// What was asked on behalf of an operation that is stopped fails, and does not say why.
+std::unique_ptr<ServerReply> ServerOperations::State::answer(const ServerCall& call) const {
+  const Operation& operation = find(call.request);
+  QueryMonitor monitor(call.client, limit);
+  const QORQL_MonitorScope scope(monitor);
+  try {
+    return operation(call);
+  } catch (const CimStatusException&) {
+    throw;
+  } catch (const QoriBaseException&) {
+    if (monitor.isStopRequested()) monitor.raiseStopped("operation");
+    throw;
+  }
+}
+
 std::unique_ptr<ServerReply> ServerOperations::answer(const ServerCall& call) const {
   call.note.operation = call.request.operation;
   call.note.nameSpace = call.request.nameSpace.view();
+  const auto refuseWith = [&call](QORuint32 status, const char* text) {
+    return refuse(call, CimStatusException(status, text));
+  };
   try {
-    return _state->find(call.request)(call);
+    return _state->answer(call);
   } catch (const QoriBaseException& failure) {
     return refuse(call, failure);
+  } catch (const std::bad_alloc&) {
+    return refuseWith(cimstatus::kServerLimitsExceeded, "there is not enough memory for this operation");
+  } catch (const std::length_error&) {
+    return refuseWith(cimstatus::kServerLimitsExceeded, "this operation needs more memory than there can be");
+  } catch (const std::exception& failure) {
+    return refuseWith(cimstatus::kFailed, failure.what());
   }
 }

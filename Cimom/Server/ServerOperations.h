@@ -3,6 +3,7 @@
 #ifndef QORQL_SERVER_SERVEROPERATIONS_H
 #define QORQL_SERVER_SERVEROPERATIONS_H
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string_view>
@@ -10,6 +11,7 @@
 #include "Cimom/CimXml/CimXmlRequest.h"
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "Cimom/Server/HttpService.h"
+#include "Cimom/Server/ServerLimits.h"
 #include "Cimom/Server/ServerReply.h"
 
 // One call while it is answered.
@@ -27,10 +29,12 @@ struct ServerCall {
 class ServerOperations {
  public:
   // The reply, which begins when all that can fail is done. What it THROWS becomes the reply's error:
-  // CimStatusException as it is, each other QoriBaseException by its code.
+  // CimStatusException as it is, each other QoriBaseException by its code, a lack of memory as 27, anything else as 1.
   using Operation = std::function<std::unique_ptr<ServerReply>(const ServerCall& call)>;
 
-  ServerOperations();
+  // An operation that runs for longer than the limit, whose client goes away, or that the server ends is stopped, as
+  // soon as it asks the thread's monitor.
+  explicit ServerOperations(std::chrono::milliseconds limit = ServerLimits().query);
   ServerOperations(const ServerOperations&) = delete;
   ServerOperations& operator=(const ServerOperations&) = delete;
   ~ServerOperations();

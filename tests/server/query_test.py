@@ -78,6 +78,14 @@ class QueryTest(ServerCase):
         self.assertIn("more than 1 seconds", reply.tree.find(".//ERROR").get("DESCRIPTION"))
         self.assertLess(time.monotonic() - begin, 15)
 
+    def test_a_query_that_takes_too_much_memory_is_ended(self):
+        server, _ = self.long_query("--limit", "memory=1M")
+        reply = self.ask(server, "SELECT a.Id AS X, b.Id AS Y, c.Id AS Z FROM N AS a, M AS b, N AS c")
+        self.assertEqual(reply.error, 27)
+        self.assertIn("take more than 1048576 bytes of memory", reply.tree.find(".//ERROR").get("DESCRIPTION"))
+        few = "SELECT a.Id AS X, b.Id AS Y FROM N AS a, M AS b WHERE a.Id = b.Id AND a.Id < 9"
+        self.assertEqual(len(self.ask(server, few).items), 9)
+
     def test_a_client_that_goes_away_ends_its_query(self):
         server, query = self.long_query()
         body = request("ExecQuery", parameters={"QueryLanguage": "CQL", "Query": query})

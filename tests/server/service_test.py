@@ -53,7 +53,7 @@ class ServiceTest(ServerCase):
         known = re.search(r"there are (.*)\n", done.stderr.decode()).group(1)
         self.assertEqual(keys, set(known.split(", ")))
         help_text = self.run_tool("serve", "--help").stdout.decode()
-        told = dict(re.findall(r"([\w-]+) \((?:[^()]*?, )?(\d+M?)\)", re.sub(r"\s+", " ", help_text)))
+        told = dict(re.findall(r"([\w-]+) \((?:[^()]*?, )?(\d+[MG]?)\)", re.sub(r"\s+", " ", help_text)))
         numbers = {name: value for name, value in commented.items() if value[0].isdigit()}
         self.assertEqual(numbers.pop("interval"), "5")
         self.assertEqual(numbers, told)

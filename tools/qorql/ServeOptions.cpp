@@ -36,6 +36,7 @@ const std::map<std::string, Limit> kLimits = {
     {"failures", {10, 1000000}},
     {"failure-wait", {60, kDay}},
     {"idle", {60, kDay}},
+    {"memory", {1024 * kMegabyte, kMegabyte* kMegabyte}},
     {"query", {300, 7 * kDay}},
 };
 
@@ -258,5 +259,6 @@ ServerLimits serverLimitsOf(const ServeOptions& options) {
   ServerLimits limits;
   limits.query = std::chrono::seconds(limitOf(options, "query"));
   limits.enumerations = limitOf(options, "contexts");
+  limits.memory = limitOf(options, "memory");
   return limits;
 }

@@ -52,6 +52,7 @@ void QORQL_DataTable::materialise() {
   QORValSlist<QORSmrPtr<QORQL_DataRow>> made;
   QORQL_RowView view(rows);
   QORQL_StopCheck stopCheck;
+  stopCheck.hold(rows.rowCount(), QORQL_StopCheck::rowBytes(getColumnCount()));
   for (const QORQL_RowBlock& block : rows.blocks()) {
     for (QORuint64 row = 0; row < block.rowCount; ++row) {
       stopCheck.count();

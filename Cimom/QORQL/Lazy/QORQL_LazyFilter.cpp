@@ -69,6 +69,7 @@ class BlockFilter {
     QORQL_StopCheck stopCheck;
     for (QORuint64 first = 0; first < block.rowCount; first += kBatch) {
       stopCheck.count(kBatch);
+      stopCheck.hold(size, sizeof(QORuint32));
       const std::size_t count = static_cast<std::size_t>(std::min<QORuint64>(kBatch, block.rowCount - first));
       kept.resize(size + kBatch * width);
       size += keepOfRun(block, first, count, view, kept.data() + size) * width;
@@ -161,6 +162,7 @@ QORQL_RowBlock filterPairs(const QORQL_LazyRows& rows, const QORQL_ConditionPlan
       if (!plan.keeps(truth.test(view))) continue;
       ++result.rowCount;
       for (const QORuint32 column : result.columns) result.tuples.push_back(view.index(column));
+      stopCheck.hold(result.tuples.size(), sizeof(QORuint32));
     }
   }
   return result;

@@ -72,6 +72,7 @@ class PairCollector {
     const std::size_t start = _result.tuples.size();
     _result.tuples.resize(start + width * count);
     _result.rowCount += count;
+    _stopCheck.hold(_result.tuples.size(), sizeof(QORuint32));
     QORuint32* tuple = _result.tuples.data() + start;
     for (std::size_t i = 0; i < count; ++i, tuple += width) {
       for (std::size_t p = 0; p < _outerPlaces.size(); ++p) tuple[_outerPlaces[p]] = _outer.index(outerRow, p);

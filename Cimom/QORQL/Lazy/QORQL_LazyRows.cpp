@@ -5,6 +5,7 @@
 #include "Cimom/QORQL/Lazy/QORQL_LazyRows.h"
 
 #include <algorithm>
+#include <new>
 #include <numeric>
 #include <utility>
 
@@ -222,9 +223,10 @@ QORQL_RowBlock product(const QORQL_RowBlock& a, const QORQL_RowBlock& b) {
   result.columns.insert(result.columns.end(), b.columns.begin(), b.columns.end());
   std::sort(result.columns.begin(), result.columns.end());
   const std::vector<ProductColumn> sources = productColumns(a, b, result.columns);
-  result.rowCount = a.rowCount * b.rowCount;
-  result.tuples.reserve(result.rowCount * sources.size());
+  if (__builtin_mul_overflow(a.rowCount, b.rowCount, &result.rowCount)) throw std::bad_alloc();
   QORQL_StopCheck stopCheck;
+  stopCheck.hold(result.rowCount, sources.size() * sizeof(QORuint32));
+  result.tuples.reserve(result.rowCount * sources.size());
   for (QORuint64 i = 0; i < a.rowCount; ++i) {
     stopCheck.count(b.rowCount);
     for (QORuint64 j = 0; j < b.rowCount; ++j) {

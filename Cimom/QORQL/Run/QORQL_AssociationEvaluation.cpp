@@ -168,6 +168,7 @@ class LazyDestination {
     QORQL_StopCheck stopCheck;
     for (QORuint64 row = 0; row < _before.rowCount; ++row) {
       stopCheck.count();
+      stopCheck.hold(_block.tuples.size(), sizeof(QORuint32));
       const ObjectList list(associates.of(_rows.pointer(_source, _before.index(row, _source))));
       if (!list.IsNull() && !list->isEmpty()) {
         addAll(row, *list);

@@ -141,6 +141,7 @@ void multiplyRows(QORSmrPtr<QORQL_DataTable>& table, const ObjectList& objects, 
       row->addCell(column, object);
       if (test.keeps(row, object)) product->append(row);
     }
+    stopCheck.hold(product->entries(), QORQL_StopCheck::rowBytes(column));
   }
   table->setRows(product);
 }

@@ -90,6 +90,9 @@ std::shared_ptr<const QORQL_BoundValue> bindPath(const Entry& entry, const QORQL
   return QORQL_Binder(table).bind(entry.getExpression());
 }
 
+// About what a value and the pointer to it take.
+constexpr QORuint64 kValueBytes = 80;
+
 void computeRows(QORQL_DataTable& table, std::vector<Computed>& computed) {
   QORQL_LazyRows& rows = table.lazy()->ownRows();
   rows.flatten();
@@ -97,6 +100,7 @@ void computeRows(QORQL_DataTable& table, std::vector<Computed>& computed) {
   QORQL_StopCheck stopCheck;
   if (computed.empty()) return;
   for (const QORQL_RowBlock& block : rows.blocks()) {
+    stopCheck.hold(block.rowCount, computed.size() * kValueBytes);
     for (Computed& function : computed) function.values.reserve(block.rowCount);
     for (QORuint64 row = 0; row < block.rowCount; ++row) {
       stopCheck.count();

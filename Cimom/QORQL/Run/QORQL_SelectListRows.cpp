@@ -139,6 +139,7 @@ void QORQL_SelectList::_buildRows(Table& table, const Table& resultTable, QORQL_
   QORValSlistIterator<Row> iterator(*table->getRows());
   while (++iterator) {
     stopCheck.count();
+    stopCheck.hold(rows->entries(), QORQL_StopCheck::rowBytes(headers->entries()));
     Row& row = iterator.key();
     if (row.IsNull()) continue;
     QORSmrPtr<IQoriObject> values;

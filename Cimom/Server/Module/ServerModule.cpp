@@ -28,7 +28,10 @@ namespace {
 class CimService : public HttpService {
  public:
   explicit CimService(const CimServiceOptions& options)
-      : _model(options.model), _events(options.events), _service(_operations, [this] { return _model->lease(); }) {
+      : _model(options.model),
+        _events(options.events),
+        _operations(options.limits.query),
+        _service(_operations, [this] { return _model->lease(); }) {
     const bool isWritable = _events != nullptr && options.isWritable;
     addClassOperations(_operations);
     addInstanceOperations(_operations, isWritable ? &_events->writer() : nullptr);

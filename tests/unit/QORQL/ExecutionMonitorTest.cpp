@@ -193,4 +193,30 @@ TEST_F(ExecutionMonitor, InnerScopesHideOuterOnes) {
   EXPECT_FALSE(outer.steps.empty());
 }
 
+constexpr const char* kGrowing[] = {"SELECT A.T, B.K FROM A, B", "SELECT A.T, B.K FROM A, B WHERE B.K = 7",
+                                    "SELECT A.T, B.K FROM A, B WHERE A.Id < B.K + 200",
+                                    "SELECT A.T, B.K FROM A, B WHERE A.Id * B.K >= 0",
+                                    "SELECT A.Id + B.Id AS S FROM A, B"};
+
+TEST_F(ExecutionMonitor, ABudgetBoundsTheRowsOfATable) {
+  for (const char* const query : kGrowing) {
+    for (const auto mode : {QORQL_DataTable::kExecutionLazy, QORQL_DataTable::kExecutionPlain}) {
+      const QORQL_RowBudget small(40000);
+      const QueryOutcome stopped = world.runIn(query, mode);
+      EXPECT_TRUE(small.isExceeded()) << query;
+      EXPECT_EQ(stopped.rows.size(), 0U) << query;
+      const QORQL_RowBudget large(100000000);
+      EXPECT_EQ(world.runIn(query, mode).rows.size(), 12100U) << query;
+      EXPECT_FALSE(large.isExceeded());
+      EXPECT_GT(large.greatest(), 40000U) << query;
+    }
+  }
+}
+
+TEST_F(ExecutionMonitor, AQueryWithoutABudgetHoldsWhatItNeeds) {
+  { const QORQL_RowBudget over(10); }
+  EXPECT_EQ(QORQL_currentRowBudget(), nullptr);
+  EXPECT_EQ(world.runIn("SELECT A.T, B.K FROM A, B", QORQL_DataTable::kExecutionLazy).rows.size(), 12100U);
+}
+
 }  // namespace

@@ -21,6 +21,7 @@ class Some final : public EnumerationItems {
  public:
   explicit Some(int count) : _count(count) {}
   bool hasNext() const override { return _count > 0; }
+  QORuint64 heldBytes() const override { return static_cast<QORuint64>(_count) * 100; }
   void writeNext(CimXmlWriter& /*writer*/) override { --_count; }
 
  private:
@@ -32,6 +33,7 @@ class Enumerations : public ServerTest {
   static ServerLimits fewLimits() {
     ServerLimits limits;
     limits.enumerations = 2;
+    limits.memory = 1000;
     return limits;
   }
 
@@ -120,6 +122,15 @@ TEST_F(Enumerations, OfAClientAreLimited) {
   turn.end();
   contexts.close(asked.on(held), first);
   EXPECT_NE(open(), "") << "one has ended";
+}
+
+TEST_F(Enumerations, OfAClientHoldSoMuchTogether) {
+  const std::string first = open(6);
+  EXPECT_EQ(statusOf([&] { open(5); }), 27U);
+  EXPECT_EQ(contexts.count(), 1U);
+  EXPECT_EQ(pull(first), 0U);
+  contexts.close(asked.on(held), first);
+  EXPECT_NE(open(10), "") << "the first has ended";
 }
 
 TEST_F(Enumerations, ThatFailWhileTheyAreOpenedDoNotCount) {

@@ -2,11 +2,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <thread>
 
+#include "Cimom/Embedded/OuterSource.h"
 #include "Cimom/Server/PullOperations.h"
 #include "Cimom/Server/QueryMonitor.h"
 #include "Cimom/Server/QueryOperations.h"
 #include "Cimom/Server/QueryRows.h"
 #include "ServerFixture.h"
+#include "cimom/CQoriProviderException.h"
 
 using namespace embeddedtest;
 using servertest::Asked;
@@ -53,7 +55,7 @@ class Queries : public ServerTest {
   }
 
   ServerLimits limits;
-  const std::shared_ptr<EnumerationContexts> contexts = std::make_shared<EnumerationContexts>(limits);
+  std::shared_ptr<EnumerationContexts> contexts = std::make_shared<EnumerationContexts>(limits);
   std::string told;  // of the last refusal
 };
 
@@ -168,6 +170,40 @@ TEST_F(Queries, TimeEndsAQuery) {
   EXPECT_EQ(told, "the query was stopped: it took more than 0 seconds");
 }
 
+// Two rows of two places each.
+constexpr const char* kPairs =
+    "SELECT a.DeviceID, b.DeviceID FROM CIM_Disk AS a, CIM_FastDisk AS b WHERE a.Size < b.Size + 100";
+
+TEST_F(Queries, MemoryEndsAQuery) {
+  limits.memory = 10;
+  EXPECT_EQ(refused(asking(kPairs)), 27U);
+  EXPECT_EQ(told, "the query was stopped: its rows take more than 10 bytes of memory");
+  limits.memory = 1000;
+  EXPECT_EQ(refused(asking(kPairs)), 0U);
+}
+
+// An outer source that asks until it is stopped.
+class SlowSource final : public OuterSource {
+ public:
+  bool provideClass(CimDeclarationSink&, const QORString&, const QORString&) override { return true; }
+  void provideQualifiers(CimDeclarationSink&, const QORString&) override {}
+  std::vector<QORString> classNames(const QORString&) override { return {}; }
+  Objects instances(CimDeclarationSink&, const Request&) override {
+    for (int i = 0; i < 5000 && !QORQL_currentMonitor()->isStopRequested(); ++i) std::this_thread::sleep_for(1ms);
+    throw CQoriProviderException("array1", "the call was stopped", 1);
+  }
+  QORSmrPtr<IQoriObject> instance(CimDeclarationSink&, const Request&, const IQoriInstanceName&) override { return {}; }
+  Associations associations(CimDeclarationSink&, const Request&) override { return {}; }
+  Objects references(CimDeclarationSink&, const Request&, const IQoriInstanceName&) override { return {}; }
+};
+
+TEST_F(Queries, OneThatIsLateWhileOthersAreAskedSaysSo) {
+  limits.query = 20ms;
+  manager.setOuterSource(std::make_shared<SlowSource>());
+  EXPECT_EQ(refused(asking("SELECT DeviceID FROM CIM_Disk")), 27U);
+  EXPECT_EQ(told, "the query was stopped: it took more than 0 seconds");
+}
+
 TEST(QueryMonitor, LooksAtTheConnectionOnceInAWhile) {
   int looks = 0;
   const ServerClient client{"", "", [&] { return ++looks > 1 ? StopReason::ClientGone : StopReason::None; }};
@@ -194,6 +230,20 @@ TEST_F(Queries, AreOpenedAndPulledAsInstances) {
   Asked pull("PullInstances");
   const std::string second = answer(pull.text("EnumerationContext", context).text("MaxObjectCount", "5"));
   EXPECT_THAT(second, AllOf(HasSubstr("<VALUE>b</VALUE>"), HasSubstr("<VALUE>TRUE</VALUE>")));
+}
+
+TEST_F(Queries, ThatAreOpenHoldSoMuchTogether) {
+  limits.memory = 20;
+  contexts = std::make_shared<EnumerationContexts>(limits);
+  const auto open = [this] {
+    Asked asked("OpenQueryInstances");
+    asked.text("FilterQueryLanguage", "CQL").text("FilterQuery", kPairs);
+    return refused(asked.text("MaxObjectCount", "0"));
+  };
+  EXPECT_EQ(open(), 0U);
+  EXPECT_EQ(open(), 27U);
+  EXPECT_EQ(told, "the open enumerations of this client would hold more than 20 bytes of memory");
+  EXPECT_EQ(contexts->count(), 1U);
 }
 
 TEST_F(Queries, ThatCannotBeOpenedLeaveNothingOpen) {

@@ -3,8 +3,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <new>
+#include <stdexcept>
+#include <thread>
+
 #include "Cimom/CimXml/CimXmlException.h"
 #include "Cimom/Server/ServerOperations.h"
+#include "cimom/CQoriProviderException.h"
+#include "qorql.h"
 
 namespace {
 
@@ -74,6 +81,51 @@ TEST(ServerOperations, AFailureWithoutStatusIsOneOfTheServer) {
   });
   Asked asked("GetClass");
   EXPECT_THAT(asked.answerOf(operations), HasSubstr("<ERROR CODE=\"1\" DESCRIPTION=\"too deep\"/>"));
+}
+
+TEST(ServerOperations, ALackOfMemoryIsAReplyAndIsNoted) {
+  ServerOperations operations;
+  operations.add("GetClass", [](const ServerCall& call) -> std::unique_ptr<ServerReply> {
+    call.note.subject = "CIM_Disk";
+    throw std::bad_alloc();
+  });
+  operations.add("GetInstance",
+                 [](const ServerCall&) -> std::unique_ptr<ServerReply> { throw std::length_error("vector"); });
+  operations.add("GetQualifier",
+                 [](const ServerCall&) -> std::unique_ptr<ServerReply> { throw std::runtime_error("no file"); });
+  Asked asked("GetClass");
+  EXPECT_THAT(asked.answerOf(operations), HasSubstr("CODE=\"27\""));
+  EXPECT_EQ(asked.note.subject, "CIM_Disk");
+  EXPECT_EQ(asked.note.statusText, "there is not enough memory for this operation");
+  EXPECT_THAT(Asked("GetInstance").answerOf(operations), HasSubstr("CODE=\"27\""));
+  EXPECT_THAT(Asked("GetQualifier").answerOf(operations), HasSubstr("CODE=\"1\" DESCRIPTION=\"no file\""));
+}
+
+// An operation that asks others until it is stopped, and fails as they do then.
+std::unique_ptr<ServerReply> askOthers(const ServerCall&) {
+  for (int i = 0; i < 500 && !QORQL_currentMonitor()->isStopRequested(); ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  throw CQoriProviderException("array1", "the call was stopped", 1);
+}
+
+TEST(ServerOperations, AnOperationIsStoppedByItsLimit) {
+  ServerOperations operations(std::chrono::milliseconds(20));
+  operations.add("EnumerateInstances", &askOthers);
+  Asked asked("EnumerateInstances");
+  EXPECT_THAT(asked.answerOf(operations), HasSubstr("CODE=\"27\""));
+  EXPECT_EQ(asked.note.statusText, "the operation was stopped: it took more than 0 seconds");
+}
+
+TEST(ServerOperations, AnOperationIsStoppedWithItsClientAndItsServer) {
+  ServerOperations operations;
+  operations.add("EnumerateInstances", &askOthers);
+  Asked asked("EnumerateInstances");
+  asked.client.stopReason = [] { return StopReason::ClientGone; };
+  asked.answerOf(operations);
+  EXPECT_EQ(asked.note.statusText, "the client has gone");
+  asked.client.stopReason = [] { return StopReason::ShuttingDown; };
+  EXPECT_THAT(asked.answerOf(operations), HasSubstr("CODE=\"28\""));
 }
 
 TEST(HttpRequest, HeadersAreFoundIgnoringCase) {
