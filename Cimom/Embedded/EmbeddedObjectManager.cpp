@@ -9,6 +9,7 @@
 #include "Cimom/Embedded/AssociationWalk.h"
 #include "Cimom/Embedded/ClientCalls.h"
 #include "Cimom/Embedded/EmbeddedState.h"
+#include "Cimom/Embedded/ManagerScope.h"
 #include "Cimom/Embedded/MofText.h"
 #include "Cimom/Embedded/OuterCalls.h"
 #include "Cimom/Embedded/RepositoryError.h"
@@ -100,6 +101,7 @@ EmbeddedObjectManager* EmbeddedObjectManager::current() noexcept {
 }
 
 std::shared_ptr<EmbeddedObjectManager::State> embedded::currentState() {
+  if (const ManagerScope* const scope = ManagerScope::innermost()) return scope->state();
   Current& current = currentManager();
   const std::lock_guard<std::mutex> lock(current.mutex);
   return current.state;

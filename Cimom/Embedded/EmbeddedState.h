@@ -37,7 +37,8 @@ struct EmbeddedObjectManager::State {
 
 namespace embedded {
 
-// The current object manager's state, kept alive by the caller's copy; null when there is none.
+// The state of the object manager that this thread asks (ManagerScope), else of the current one, kept alive by the
+// caller's copy; null when there is none.
 std::shared_ptr<EmbeddedObjectManager::State> currentState();
 
 }  // namespace embedded

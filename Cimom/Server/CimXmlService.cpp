@@ -5,11 +5,13 @@
 #include <unistd.h>
 
 #include <climits>
+#include <optional>
 #include <string>
 #include <utility>
 
 #include "Cimom/CimXml/CimXmlException.h"
 #include "Cimom/CimXml/CimXmlRequestReader.h"
+#include "Cimom/Embedded/ManagerScope.h"
 #include "Cimom/Server/StatusCodes.h"
 
 namespace {
@@ -151,16 +153,71 @@ QORString hostOf(const HttpRequest& request) {
   return QORString(name);
 }
 
-// A reply that keeps its object manager until it is sent.
+// A reply that keeps its object manager until it is sent, and asks that one alone.
 class HoldingReply final : public ServerReply {
  public:
   HoldingReply(std::unique_ptr<ServerReply> reply, std::shared_ptr<EmbeddedObjectManager> manager)
       : _manager(std::move(manager)), _reply(std::move(reply)) {}
-  void append(std::string& out, std::size_t about) override { _reply->append(out, about); }
+  void append(std::string& out, std::size_t about) override {
+    const ManagerScope scope(*_manager);
+    _reply->append(out, about);
+  }
 
  private:
   const std::shared_ptr<EmbeddedObjectManager> _manager;
   const std::unique_ptr<ServerReply> _reply;
+};
+
+// Reads and answers one message from one object manager.
+class Answering {
+ public:
+  using Manager = CimXmlService::Manager;
+
+  // BORROWS all.
+  Answering(const HttpRequest& request, const Manager& manager, const Manager& forChange)
+      : _request(request), _takeManager(manager), _takeForChange(forChange) {
+    use(_takeManager());
+  }
+
+  // THROWS as readCimXmlRequest().
+  void read() {
+    readOnce();
+    if (!isChange() || !_takeForChange) return;
+    _forChange = _takeForChange();
+    if (_forChange == _manager) return;
+    // Another one has taken the place of the first meanwhile, in which the classes may be others.
+    use(_takeManager());
+    readOnce();
+  }
+  const CimXmlRequest& call() const noexcept { return _call; }
+  const std::shared_ptr<EmbeddedObjectManager>& manager() const noexcept { return _manager; }
+
+ private:
+  void use(std::shared_ptr<EmbeddedObjectManager> manager) {
+    _manager = std::move(manager);
+    _scope.emplace(*_manager);
+  }
+  void readOnce() {
+    const CimXmlMakeClassObject makeClassObject = [&](const QORString& nameSpace, const CimClassDeclaration& made) {
+      return _manager->sink().makeClassObject(nameSpace, made);
+    };
+    _call = {};
+    readCimXmlRequest(_request.body, makeClassObject, _call);
+  }
+  bool isChange() const {
+    if (_call.kind == CimXmlRequest::Kind::Export) return true;
+    return _call.kind == CimXmlRequest::Kind::Operation &&
+           (_call.operation == "CreateInstance" || _call.operation == "ModifyInstance" ||
+            _call.operation == "DeleteInstance");
+  }
+
+  const HttpRequest& _request;
+  const Manager& _takeManager;
+  const Manager& _takeForChange;
+  std::shared_ptr<EmbeddedObjectManager> _manager;
+  std::shared_ptr<EmbeddedObjectManager> _forChange;  // null: nothing is changed
+  std::optional<ManagerScope> _scope;
+  CimXmlRequest _call;
 };
 
 HttpReply plainReply(unsigned status, const std::string& text) {
@@ -174,8 +231,8 @@ HttpReply plainReply(unsigned status, const std::string& text) {
 
 }  // namespace
 
-CimXmlService::CimXmlService(const ServerOperations& operations, Manager manager)
-    : _operations(operations), _manager(std::move(manager)) {}
+CimXmlService::CimXmlService(const ServerOperations& operations, Manager manager, Manager forChange)
+    : _operations(operations), _manager(std::move(manager)), _forChange(std::move(forChange)) {}
 
 HttpReply CimXmlService::serve(const HttpRequest& request) {
   if (request.method != "POST" && request.method != "M-POST") {
@@ -186,29 +243,26 @@ HttpReply CimXmlService::serve(const HttpRequest& request) {
   const CimHeaders headers(request);
   if (!headers.hasMapping())
     return plainReply(httpstatus::kNotImplemented, std::string("M-POST needs the mapping ") + kMapping);
-  const std::shared_ptr<EmbeddedObjectManager> manager = _manager();
+  Answering answering(request, _manager, _forChange);
+  const CimXmlRequest& call = answering.call();
   HttpReply reply;
-  CimXmlRequest call;
   std::unique_ptr<ServerReply> body;
   try {
     requireOperationHeader(headers);
-    const CimXmlMakeClassObject makeClassObject = [&](const QORString& nameSpace, const CimClassDeclaration& made) {
-      return manager->sink().makeClassObject(nameSpace, made);
-    };
-    readCimXmlRequest(request.body, makeClassObject, call);
+    answering.read();
     requireMatch(headers, call);
     reply.note.subject = subjectOf(call);
-    body = _operations.answer({call, request.client, manager, reply.note, hostOf(request)});
+    body = _operations.answer({call, request.client, answering.manager(), reply.note, hostOf(request)});
   } catch (const CimXmlRequestRefusal& refusal) {
     HttpReply refused = plainReply(httpstatus::kBadRequest, std::string(refusal.getMessage().view()));
     refused.headers.emplace_back("CIMError", refusal.getWord());
     return refused;
   } catch (const QoriBaseException& failure) {
-    body = _operations.refuse({call, request.client, manager, reply.note}, failure);
+    body = _operations.refuse({call, request.client, answering.manager(), reply.note}, failure);
   }
   reply.headers.emplace_back("Content-Type", "application/xml; charset=\"utf-8\"");
   const bool isExport = call.kind == CimXmlRequest::Kind::Export;
   headers.addTo(reply, isExport ? "CIMExport" : "CIMOperation", "MethodResponse");
-  reply.body = std::make_unique<HoldingReply>(std::move(body), manager);
+  reply.body = std::make_unique<HoldingReply>(std::move(body), answering.manager());
   return reply;
 }

@@ -18,14 +18,17 @@ class CimXmlService final : public HttpService {
   // The object manager that answers from now on; a reply holds it until it is sent. Called by any thread.
   using Manager = std::function<std::shared_ptr<EmbeddedObjectManager>()>;
 
-  // BORROWS the operations.
-  CimXmlService(const ServerOperations& operations, Manager manager);
+  // BORROWS the operations. `forChange` gives the same object manager, which another one does not replace while it is
+  // held, for what changes instances or comes as an indication; it is let go of before the reply is sent. Null: it is
+  // never replaced.
+  CimXmlService(const ServerOperations& operations, Manager manager, Manager forChange = {});
 
   HttpReply serve(const HttpRequest& request) override;
 
  private:
   const ServerOperations& _operations;
   const Manager _manager;
+  const Manager _forChange;
 };
 
 #endif

@@ -23,7 +23,7 @@ HttpConnections::~HttpConnections() {
 HttpConnections::Handle HttpConnections::add(int socket, std::string address, Clock::time_point deadline) {
   const std::lock_guard lock(_mutex);
   const std::size_t number = _connections.size() + 1;
-  _connections.push_back({socket, std::move(address), number, deadline, true});
+  _connections.push_back({socket, std::move(address), number, deadline});
   if (deadline < _nextLook) _isEarlier.notify_all();
   return std::prev(_connections.end());
 }

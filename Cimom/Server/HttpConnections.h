@@ -23,7 +23,8 @@ class HttpConnections {
     std::string address;  // of the client, without the port
     std::size_t number;   // how many there were with it when it began
     Clock::time_point deadline = kNever;
-    bool isIdle = true;  // no request of it is being answered
+    bool isIdle = true;      // no request of it is being answered
+    unsigned listeners = 0;  // which ones it came by; its own thread's
   };
   // Stays where it is until it is taken out.
   using Handle = std::list<Connection>::iterator;

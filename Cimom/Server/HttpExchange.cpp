@@ -54,6 +54,7 @@ struct Outgoing {
   HttpConnections::Handle place;
   std::chrono::seconds patience;
   RequestRecord& record;
+  std::shared_ptr<HttpService> service;  // outlives the body
   std::unique_ptr<ServerReply> body;
   std::string piece{};
   std::size_t sent = 0;  // of the piece
@@ -129,6 +130,7 @@ HttpExchange::HttpExchange(HttpShared& shared, HttpConnections::Handle place, MH
       _place(place),
       _connection(connection),
       _limits(shared.limitsNow()),
+      _service(shared.serviceNow()),
       _interruptions(shared.interruptions),
       _takesInterim(version == "HTTP/1.1") {
   _request.method = method;
@@ -142,9 +144,7 @@ HttpExchange::HttpExchange(HttpShared& shared, HttpConnections::Handle place, MH
 void HttpExchange::readHeaders() { MHD_get_connection_values_n(_connection, MHD_HEADER_KIND, &addHeader, &_request); }
 
 StopReason HttpExchange::stopReason() {
-  if (_shared.interruptions != _interruptions) {
-    return _shared.isDraining ? StopReason::ShuttingDown : StopReason::ReadAnew;
-  }
+  if (_shared.interruptions != _interruptions) return StopReason::ShuttingDown;
   return isClientGone() ? StopReason::ClientGone : StopReason::None;
 }
 
@@ -257,7 +257,7 @@ MHD_Result HttpExchange::answer() {
 }
 
 HttpReply HttpExchange::serve() {
-  HttpReply reply = _shared.service->serve(_request);
+  HttpReply reply = _service->serve(_request);
   if (reply.body == nullptr) throw std::runtime_error("there is no reply");
   return reply;
 }
@@ -295,14 +295,16 @@ MHD_Result HttpExchange::send(HttpReply reply) {
   compress(reply);
   _record.note = std::move(reply.note);
   const std::chrono::seconds patience(_limits->idleSeconds);
-  auto outgoing =
-      std::make_unique<Outgoing>(Outgoing{_shared.connections, _place, patience, _record, std::move(reply.body)});
+  auto outgoing = std::make_unique<Outgoing>(
+      Outgoing{_shared.connections, _place, patience, _record, _service, std::move(reply.body)});
   const std::uint64_t size = outgoing->begin() ? outgoing->piece.size() : MHD_SIZE_UNKNOWN;
   _record.http = reply.status;
   MHD_Response* const response = MHD_create_response_from_callback(size, kPiece, &takePiece, outgoing.get(), &forget);
   if (response == nullptr) return MHD_NO;
   static_cast<void>(outgoing.release());
   _nextProbe = HttpConnections::kNever;
+  // Who listens with another certificate by now takes the place of those by whom it came.
+  if (_place->listeners != _shared.listeners) MHD_add_response_header(response, "Connection", "close");
   for (const auto& [name, value] : reply.headers) MHD_add_response_header(response, name.c_str(), value.c_str());
   const MHD_Result isQueued = MHD_queue_response(_connection, _record.http, response);
   MHD_destroy_response(response);

@@ -24,12 +24,14 @@ struct HttpShared {
       : service(std::move(answers)), requestLog(log, logsRequests) {}
 
   std::shared_ptr<const HttpLimits> limitsNow() const { return std::atomic_load(&limits); }
+  std::shared_ptr<HttpService> serviceNow() const { return std::atomic_load(&service); }
 
-  const std::shared_ptr<HttpService> service;
+  std::shared_ptr<HttpService> service;          // taken and replaced as a whole, as the limits
   std::unique_ptr<HttpUsers> users;              // null: nobody is asked who they are; not changed later
   std::shared_ptr<const HttpLimits> limits;      // taken and replaced as a whole
   std::atomic<bool> isDraining = false;          // no more requests are taken
   std::atomic<std::uint64_t> interruptions = 0;  // what began before the last one is to end
+  std::atomic<unsigned> listeners = 0;           // how often others have taken their place
   HttpConnections connections;
   RequestLog requestLog;
 };
@@ -75,6 +77,7 @@ class HttpExchange {
   const HttpConnections::Handle _place;
   MHD_Connection* const _connection;
   const std::shared_ptr<const HttpLimits> _limits;
+  const std::shared_ptr<HttpService> _service;
   const HttpConnections::Clock::time_point _begin = HttpConnections::Clock::now();
   const std::uint64_t _interruptions;
   const bool _takesInterim;  // replies before the one that it waits for

@@ -12,8 +12,6 @@
 #include <atomic>
 #include <cstdarg>
 #include <cstdio>
-#include <fstream>
-#include <iterator>
 #include <optional>
 #include <stdexcept>
 #include <string_view>
@@ -22,6 +20,7 @@
 #include "Cimom/Server/HttpAddress.h"
 #include "Cimom/Server/HttpConnections.h"
 #include "Cimom/Server/HttpExchange.h"
+#include "Cimom/Server/TlsSecrets.h"
 
 namespace {
 
@@ -29,6 +28,9 @@ using Clock = HttpConnections::Clock;
 
 // Connections above the limit, which are told that there are too many of them.
 constexpr unsigned kSpareConnections = 64;
+constexpr unsigned kMostConnections = 1U << 20;  // of the library, whose bound cannot be moved later
+constexpr std::chrono::milliseconds kHurryLook{100};
+constexpr std::chrono::seconds kLastReplies{2};  // what was interrupted tells its client so
 constexpr std::chrono::seconds kSpareTime{5};
 constexpr std::size_t kConnectionMemory = std::size_t{128} << 10;  // heads of requests are shorter
 constexpr const char* kPriorities = "NORMAL:-VERS-TLS1.0:-VERS-TLS1.1";
@@ -52,7 +54,15 @@ void noteConnection(void* given, MHD_Connection* connection, void** context, MHD
   const bool isSpare = shared.connections.count() >= limits->connections;
   const std::chrono::seconds idle(limits->idleSeconds);
   const auto deadline = Clock::now() + (isSpare ? std::min(idle, kSpareTime) : idle);
-  *context = new HttpConnections::Handle(shared.connections.add(socket, hostOf(client), deadline));
+  const HttpConnections::Handle place = shared.connections.add(socket, hostOf(client), deadline);
+  place->listeners = shared.listeners;
+  *context = new HttpConnections::Handle(place);
+}
+
+// Whether there is room for one more, which may only be told that there is none.
+MHD_Result admit(void* given, const sockaddr* /*client*/, socklen_t /*size*/) {
+  const HttpShared& shared = *static_cast<HttpShared*>(given);
+  return shared.connections.count() < shared.limitsNow()->connections + kSpareConnections ? MHD_YES : MHD_NO;
 }
 
 MHD_Result takeRequest(void* given, MHD_Connection* connection, const char* path, const char* method,
@@ -76,28 +86,6 @@ void endRequest(void* /*given*/, MHD_Connection* /*connection*/, void** exchange
   const std::unique_ptr<HttpExchange> request(static_cast<HttpExchange*>(std::exchange(*exchange, nullptr)));
   if (request != nullptr) request->end(how);
 }
-
-std::string textOf(const std::string& path) {
-  std::ifstream file(path);
-  std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-  if (!file) throw std::runtime_error("cannot read " + path);
-  // An empty certificate must not be taken for none.
-  if (text.empty()) throw std::runtime_error(path + " is empty");
-  return text;
-}
-
-// The texts of TLS; empty without it.
-struct Secrets {
-  explicit Secrets(const HttpCertificate& files) {
-    if (files.file.empty()) return;
-    certificate = textOf(files.file);
-    key = textOf(files.keyFile);
-  }
-  bool areThere() const noexcept { return !certificate.empty(); }
-
-  std::string certificate;
-  std::string key;
-};
 
 // What the library says where a request was refused that the log tells of.
 constexpr const char* kOwnRefusal = "Application reported internal error";
@@ -129,9 +117,8 @@ __attribute__((format(printf, 2, 0))) void takeComplaint(void* given, const char
 class Listener {
  public:
   // THROWS std::runtime_error.
-  Listener(HttpShared& shared, ListeningSocket socket, const Secrets& secrets)
+  Listener(HttpShared& shared, ListeningSocket socket, const TlsSecrets& secrets)
       : _complaints(shared.requestLog), _socket(std::move(socket)) {
-    const unsigned connections = shared.limitsNow()->connections + kSpareConnections;
     unsigned flags = MHD_USE_THREAD_PER_CONNECTION | MHD_USE_INTERNAL_POLLING_THREAD | MHD_USE_POLL | MHD_USE_ITC |
                      MHD_USE_ERROR_LOG;
     if (secrets.areThere()) flags |= MHD_USE_TLS;
@@ -144,8 +131,8 @@ class Listener {
     const int file = fcntl(_socket.file(), F_DUPFD_CLOEXEC, 0);
     if (file < 0) throw std::runtime_error("there are too many open files");
     _daemon =
-        MHD_start_daemon(flags, 0, nullptr, nullptr, &takeRequest, &shared, MHD_OPTION_EXTERNAL_LOGGER, &takeComplaint,
-                         &_complaints, MHD_OPTION_LISTEN_SOCKET, file, MHD_OPTION_CONNECTION_LIMIT, connections,
+        MHD_start_daemon(flags, 0, &admit, &shared, &takeRequest, &shared, MHD_OPTION_EXTERNAL_LOGGER, &takeComplaint,
+                         &_complaints, MHD_OPTION_LISTEN_SOCKET, file, MHD_OPTION_CONNECTION_LIMIT, kMostConnections,
                          MHD_OPTION_CONNECTION_MEMORY_LIMIT, kConnectionMemory, MHD_OPTION_THREAD_STACK_SIZE, kStack,
                          MHD_OPTION_NOTIFY_CONNECTION, &noteConnection, &shared, MHD_OPTION_NOTIFY_COMPLETED,
                          &endRequest, nullptr, MHD_OPTION_ARRAY, secrets.areThere() ? tls : none, MHD_OPTION_END);
@@ -183,7 +170,7 @@ class Server : public HttpServer {
       : _options(options), _shared(std::move(service), options.log, options.logsRequests) {
     _shared.limits = std::make_shared<const HttpLimits>(options.limits);
     if (!options.usersFile.empty()) _shared.users = std::make_unique<HttpUsers>(UserFile::read(options.usersFile));
-    const Secrets secrets(options.certificate);
+    const TlsSecrets secrets(options.certificate);
     std::vector<ListeningSocket> sockets;
     for (const std::string& address : options.addresses) {
       for (ListeningSocket& socket : listenAt(address)) sockets.push_back(std::move(socket));
@@ -204,28 +191,37 @@ class Server : public HttpServer {
 
   const std::vector<std::string>& urls() const override { return _urls; }
 
-  void reload(const HttpLimits& limits) override {
+  void reload(const HttpLimits& limits, std::shared_ptr<HttpService> service) override {
+    auto fresh = std::make_shared<const HttpLimits>(limits);
     std::optional<UserFile> users;
     if (_shared.users != nullptr) users = UserFile::read(_options.usersFile);
-    if (!_options.certificate.file.empty()) renewListeners(Secrets(_options.certificate));
+    if (!_options.certificate.file.empty()) renewListeners(TlsSecrets(_options.certificate));
     if (users) _shared.users->replace(std::move(*users));
-    std::atomic_store(&_shared.limits, std::make_shared<const HttpLimits>(limits));
+    std::atomic_store(&_shared.limits, std::move(fresh));
+    std::atomic_store(&_shared.service, std::move(service));
   }
 
-  void interrupt() override { ++_shared.interruptions; }
-
-  void drain(unsigned seconds) override {
+  void drain(unsigned seconds, const std::function<bool()>& isHurried) override {
     _shared.isDraining = true;
     for (const auto& listener : _listeners) {
       listener->quiesce();
       shutdown(listener->socket().file(), SHUT_RDWR);
     }
     _shared.connections.endIdle();
-    _shared.connections.waitUntilIdle(Clock::now() + std::chrono::seconds(seconds));
+    waitUntilIdle(std::chrono::seconds(seconds), isHurried);
     interrupt();
+    waitUntilIdle(kLastReplies, isHurried);
   }
 
  private:
+  // What is being answered is to end.
+  void interrupt() { ++_shared.interruptions; }
+  void waitUntilIdle(std::chrono::seconds patience, const std::function<bool()>& isHurried) {
+    const Clock::time_point end = Clock::now() + patience;
+    while (!_shared.connections.waitUntilIdle(std::min(end, Clock::now() + kHurryLook))) {
+      if (Clock::now() >= end || isHurried()) return;
+    }
+  }
   [[noreturn]] static void refuseToBeOpen(const ListeningSocket& socket) {
     throw std::runtime_error(
         "who is beyond this machine is answered with TLS and after a password only: to listen at " + socket.address() +
@@ -233,7 +229,7 @@ class Server : public HttpServer {
   }
 
   // The new ones listen at the same sockets.
-  void renewListeners(const Secrets& secrets) {
+  void renewListeners(const TlsSecrets& secrets) {
     std::vector<std::unique_ptr<Listener>> fresh;
     for (const auto& listener : _listeners) {
       ListeningSocket socket(fcntl(listener->socket().file(), F_DUPFD_CLOEXEC, 0));
@@ -246,7 +242,7 @@ class Server : public HttpServer {
       _ending.push_back(std::move(listener));
     }
     _listeners = std::move(fresh);
-    _shared.connections.endIdle();
+    ++_shared.listeners;
   }
 
   const HttpOptions _options;

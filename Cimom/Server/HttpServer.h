@@ -5,6 +5,7 @@
 #define QORQL_SERVER_HTTPSERVER_H
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -41,12 +42,14 @@ class HttpServer {
   virtual ~HttpServer() = default;
   // Where it listens, in the order of the addresses: "http://127.0.0.1:5988/cimom".
   virtual const std::vector<std::string>& urls() const = 0;
-  // Reads certificate and users anew and takes the limits. THROWS std::runtime_error; then all is as it was.
-  virtual void reload(const HttpLimits& limits) = 0;
-  // What is being answered is taken for gone by its client: so whatever can be stopped ends soon.
-  virtual void interrupt() = 0;
-  // Accepts nothing more and lets what was asked end within the time, then interrupts it. Idle connections end at once.
-  virtual void drain(unsigned seconds) = 0;
+  // Reads certificate and users anew and takes limits and service for the requests that come; those that are being
+  // answered keep theirs. Connections go on: with another certificate, until their next reply. THROWS
+  // std::runtime_error; then all is as it was.
+  virtual void reload(const HttpLimits& limits, std::shared_ptr<HttpService> service) = 0;
+  // Accepts nothing more and lets what was asked end within the time, then has what can be stopped tell its
+  // client so, for a moment. Idle connections end at once. `isHurried` is asked several times a second; when it says
+  // so, the wait is over.
+  virtual void drain(unsigned seconds, const std::function<bool()>& isHurried) = 0;
 };
 
 // It accepts connections when this returns. THROWS std::runtime_error: an address cannot be had, the certificate or the

@@ -15,7 +15,7 @@
 #include "cmpbase.h"
 
 // Why what is being answered is to end before it is done.
-enum class StopReason { None, ClientGone, ReadAnew, ShuttingDown };
+enum class StopReason { None, ClientGone, ShuttingDown };
 
 // Who asks.
 struct ServerClient {

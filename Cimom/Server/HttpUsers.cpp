@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <string_view>
@@ -56,19 +57,26 @@ bool FailureLimit::mustWait(const std::string& address, Clock::time_point now) {
   return found != _failures.end() && found->second.isBlocked && found->second.end > now;
 }
 
-void FailureLimit::note(const std::string& address, unsigned allowed, std::chrono::seconds wait,
-                        Clock::time_point now) {
+void FailureLimit::note(const std::string& address, const std::string& user, unsigned allowed,
+                        std::chrono::seconds wait, Clock::time_point now) {
   const std::lock_guard lock(_mutex);
   std::erase_if(_failures, [now](const auto& each) { return each.second.end <= now; });
   if (_failures.size() >= kMostAddresses) _failures.clear();
   Failures& failures = _failures[holderOf(address)];
+  ++failures.ofUsers[std::hash<std::string>()(user)];
   failures.isBlocked = ++failures.count >= allowed;
   failures.end = now + wait;
 }
 
-void FailureLimit::forgive(const std::string& address) {
+void FailureLimit::forgive(const std::string& address, const std::string& user) {
   const std::lock_guard lock(_mutex);
-  _failures.erase(holderOf(address));
+  const auto found = _failures.find(holderOf(address));
+  if (found == _failures.end()) return;
+  const auto ofUser = found->second.ofUsers.find(std::hash<std::string>()(user));
+  if (ofUser == found->second.ofUsers.end()) return;
+  found->second.count -= ofUser->second;
+  found->second.ofUsers.erase(ofUser);
+  if (found->second.count == 0) _failures.erase(found);
 }
 
 HttpUsers::HttpUsers(UserFile users) : _key{}, _users(std::make_shared<const UserFile>(std::move(users))) {
@@ -90,11 +98,23 @@ HttpUsers::Verdict HttpUsers::judge(const std::string& address, const std::strin
   if (_failures.mustWait(address, Clock::now())) return Verdict::MustWait;
   if (authorization == nullptr) return Verdict::Wrong;
   const std::optional<Login> login = loginOf(*authorization);
-  if (!login || !isRight(login->user, login->password)) {
-    _failures.note(address, allowedFailures, wait, Clock::now());
+  if (!login) {
+    _failures.note(address, "", allowedFailures, wait, Clock::now());
     return Verdict::Wrong;
   }
-  _failures.forgive(address);
+  const Digest digest = digestOf(login->user, login->password);
+  if (!isKnown(login->user, digest)) {
+    const std::lock_guard hashing(_hashing);
+    // Others of the address may have failed while this one waited for its turn.
+    if (_failures.mustWait(address, Clock::now())) return Verdict::MustWait;
+    const std::shared_ptr<const UserFile> known = users();
+    if (!known->isRight(login->user, login->password)) {
+      _failures.note(address, login->user, allowedFailures, wait, Clock::now());
+      return Verdict::Wrong;
+    }
+    remember(login->user, digest, known);
+  }
+  _failures.forgive(address, login->user);
   user = login->user;
   return Verdict::Right;
 }
@@ -114,17 +134,12 @@ bool HttpUsers::isKnown(const std::string& user, const Digest& digest) {
   return found != _known.end() && gnutls_memcmp(found->second.data(), digest.data(), digest.size()) == 0;
 }
 
-bool HttpUsers::isRight(const std::string& user, const std::string& password) {
-  const Digest digest = digestOf(user, password);
-  if (isKnown(user, digest)) return true;
-  const std::lock_guard hashing(_hashing);
-  std::shared_ptr<const UserFile> users;
-  {
-    const std::lock_guard lock(_mutex);
-    users = _users;
-  }
-  if (!users->isRight(user, password)) return false;
+std::shared_ptr<const UserFile> HttpUsers::users() {
+  const std::lock_guard lock(_mutex);
+  return _users;
+}
+
+void HttpUsers::remember(const std::string& user, const Digest& digest, const std::shared_ptr<const UserFile>& users) {
   const std::lock_guard lock(_mutex);
   if (users == _users) _known.insert_or_assign(user, digest);
-  return true;
 }

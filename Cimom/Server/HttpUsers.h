@@ -9,6 +9,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <unordered_map>
 
 #include "Cimom/Server/UserFile.h"
 
@@ -20,12 +21,15 @@ class FailureLimit {
   // Whether the address has to wait. Addresses of the sixth version count by their first 64 bits, which is what one
   // holder has at least.
   bool mustWait(const std::string& address, Clock::time_point now);
-  void note(const std::string& address, unsigned allowed, std::chrono::seconds wait, Clock::time_point now);
-  void forgive(const std::string& address);
+  void note(const std::string& address, const std::string& user, unsigned allowed, std::chrono::seconds wait,
+            Clock::time_point now);
+  // Those of the user alone: who has one password may not try another one's without end.
+  void forgive(const std::string& address, const std::string& user);
 
  private:
   struct Failures {
     unsigned count = 0;
+    std::unordered_map<std::size_t, unsigned> ofUsers{};  // by the hash of the name, of what counts
     bool isBlocked = false;
     Clock::time_point end{};  // they are forgotten then
   };
@@ -56,7 +60,8 @@ class HttpUsers {
 
   Digest digestOf(const std::string& user, const std::string& password) const;
   bool isKnown(const std::string& user, const Digest& digest);
-  bool isRight(const std::string& user, const std::string& password);
+  void remember(const std::string& user, const Digest& digest, const std::shared_ptr<const UserFile>& users);
+  std::shared_ptr<const UserFile> users();
 
   Digest _key;  // of the digests, which are worth nothing outside of this process
   FailureLimit _failures;

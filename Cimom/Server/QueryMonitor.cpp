@@ -32,8 +32,6 @@ void QueryMonitor::raiseStopped(const char* subject) const {
   switch (_reason) {
     case StopReason::ShuttingDown:
       throw CimStatusException(cimstatus::kServerIsShuttingDown, stopped + "the server is shutting down");
-    case StopReason::ReadAnew:
-      throw CimStatusException(cimstatus::kFailed, stopped + "the server reads its configuration anew");
     case StopReason::ClientGone:
       throw CimStatusException(cimstatus::kFailed, "the client has gone");
     case StopReason::None:

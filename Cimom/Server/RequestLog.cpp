@@ -3,9 +3,9 @@
 #include "Cimom/Server/RequestLog.h"
 
 #include <time.h>
-#include <unistd.h>
 
 #include <cstdio>
+#include <exception>
 #include <nlohmann/json.hpp>
 
 namespace {
@@ -26,30 +26,44 @@ std::string timeText(std::chrono::system_clock::time_point when) {
   return text;
 }
 
-std::string cut(const std::string& text) {
-  return text.size() <= kLongestText ? text : text.substr(0, kLongestText) + "...";
+std::string cut(const std::string& text, std::size_t longest) {
+  return text.size() <= longest ? text : text.substr(0, longest) + "...";
 }
 
-void addIfThere(Json& line, const char* name, const std::string& text) {
-  if (!text.empty()) line[name] = cut(text);
+void addIfThere(Json& line, const char* name, const std::string& text, std::size_t longest) {
+  if (!text.empty()) line[name] = cut(text, longest);
 }
 
 std::string textOf(const Json& line) {
   return line.dump(-1, ' ', false, nlohmann::detail::error_handler_t::replace) + '\n';
 }
 
-}  // namespace
+std::string problemLine(const std::string& what, std::size_t longest) {
+  Json line;
+  line["time"] = timeText(std::chrono::system_clock::now());
+  line["problem"] = cut(what, longest);
+  return textOf(line);
+}
 
-std::string lineOf(const RequestRecord& record, std::chrono::system_clock::time_point when) {
+// What is escaped may take six times as much.
+template <class LineOf>
+std::string fitting(const LineOf& lineOf) {
+  std::size_t longest = kLongestText;
+  std::string line = lineOf(longest);
+  while (line.size() > LogFile::kLongestLine) line = lineOf(longest /= 2);
+  return line;
+}
+
+std::string lineOf(const RequestRecord& record, std::chrono::system_clock::time_point when, std::size_t longest) {
   Json line;
   line["time"] = timeText(when);
   line["client"] = record.client;
-  line["user"] = record.user;
-  line["operation"] = cut(record.note.operation);
-  addIfThere(line, "namespace", record.note.nameSpace);
-  line["subject"] = cut(record.note.subject);
+  line["user"] = cut(record.user, longest);
+  line["operation"] = cut(record.note.operation, longest);
+  addIfThere(line, "namespace", record.note.nameSpace, longest);
+  line["subject"] = cut(record.note.subject, longest);
   line["status"] = record.note.status;
-  addIfThere(line, "message", record.note.statusText);
+  addIfThere(line, "message", record.note.statusText, longest);
   line["http"] = record.http;
   line["bytes"] = record.bytes;
   line["ms"] = static_cast<double>(static_cast<std::int64_t>(record.milliseconds * 1000)) / 1000;
@@ -57,10 +71,22 @@ std::string lineOf(const RequestRecord& record, std::chrono::system_clock::time_
   return textOf(line);
 }
 
+std::string lostLine(std::uint64_t count) {
+  return problemLine(std::to_string(count) + " lines were not written, since nobody read them", kLongestText);
+}
+
+}  // namespace
+
+RequestLog::RequestLog(int file, bool logsRequests) : _file(file, &lostLine), _logsRequests(logsRequests) {}
+
+std::string lineOf(const RequestRecord& record, std::chrono::system_clock::time_point when) {
+  return fitting([&](std::size_t longest) { return lineOf(record, when, longest); });
+}
+
 void RequestLog::tell(const RequestRecord& record) const noexcept {
   if (!_logsRequests) return;
   try {
-    write(lineOf(record, std::chrono::system_clock::now()));
+    _file.write(lineOf(record, std::chrono::system_clock::now()));
   } catch (const std::exception&) {
     return;  // a log that cannot be written holds up no reply
   }
@@ -68,15 +94,8 @@ void RequestLog::tell(const RequestRecord& record) const noexcept {
 
 void RequestLog::complain(const std::string& what) const noexcept {
   try {
-    Json line;
-    line["time"] = timeText(std::chrono::system_clock::now());
-    line["problem"] = cut(what);
-    write(textOf(line));
+    _file.write(fitting([&](std::size_t longest) { return problemLine(what, longest); }));
   } catch (const std::exception&) {
     return;
   }
-}
-
-void RequestLog::write(const std::string& line) const noexcept {
-  if (::write(_file, line.data(), line.size()) < 0) return;
 }

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "Cimom/Server/HttpService.h"
+#include "Cimom/Server/LogFile.h"
 
 struct RequestRecord {
   std::string client;
@@ -19,24 +20,22 @@ struct RequestRecord {
   bool isWhole = true;      // the reply left to its end
 };
 
-// Writes a JSON object a line, each with one write. Any thread may call.
+// Writes a JSON object a line, as LogFile does: it waits for nobody. Any thread may call.
 class RequestLog {
  public:
   // BORROWS the file.
-  RequestLog(int file, bool logsRequests) : _file(file), _logsRequests(logsRequests) {}
+  RequestLog(int file, bool logsRequests);
 
   void tell(const RequestRecord& record) const noexcept;
   // Something that has gone wrong besides a request.
   void complain(const std::string& what) const noexcept;
 
  private:
-  void write(const std::string& line) const noexcept;
-
-  const int _file;
+  mutable LogFile _file;
   const bool _logsRequests;
 };
 
-// The line of a record, with its end.
+// The line of a record, with its end, which is no longer than a log's longest.
 std::string lineOf(const RequestRecord& record, std::chrono::system_clock::time_point when);
 
 #endif

@@ -13,8 +13,8 @@
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
 
-// Any thread may call. REQUIRES to outlive its leases. An interface, since a program calls it that has loaded what
-// implements it at run time.
+// Any thread may call. REQUIRES to outlive its leases for changes. An interface, since a program calls it that has
+// loaded what implements it at run time.
 class ServerModel {
  public:
   using Manager = std::shared_ptr<EmbeddedObjectManager>;
@@ -24,32 +24,36 @@ class ServerModel {
   ServerModel& operator=(const ServerModel&) = delete;
   virtual ~ServerModel() = default;
 
-  // The object manager, which stays the process's own as long as the pointer or a copy of it is held. Waits while
-  // another one takes its place. One thread holds one lease at a time.
+  // The object manager, which lives as long as it is held, though another one takes its place. Waits for nothing.
   virtual Manager lease() = 0;
+  // For changes of what it holds: no other one takes its place while the pointer or a copy of it is held. Waits while
+  // another one takes its place. One thread holds one at a time.
+  virtual Manager leaseForChange() = 0;
 
-  // Waits until no lease is held, calls `takeOver`, which throws nothing and makes the other one the process's object
-  // manager, and gives leases of that from then on. New leases wait meanwhile. Returns false, with all as it was, when
-  // leases are still held after the patience. One at a time.
+  // Waits until nobody changes anything, calls `takeOver`, which brings the other one to the state that the first one
+  // is in, and gives leases of that from then on. Changes wait meanwhile, and nobody else. Returns false, with all as
+  // it was, when changes go on after the patience. THROWS what `takeOver` throws; then the first one stays. One at a
+  // time.
   virtual bool replace(Manager next, const std::function<void()>& takeOver, std::chrono::milliseconds patience) = 0;
 };
 
-// Counts its leases.
+// Counts the leases for changes.
 class CountedModel : public ServerModel {
  public:
-  // `manager` is the process's object manager.
   explicit CountedModel(Manager manager) : _manager(std::move(manager)) {}
 
   Manager lease() override;
+  Manager leaseForChange() override;
   bool replace(Manager next, const std::function<void()>& takeOver, std::chrono::milliseconds patience) override;
 
  private:
   void giveBack();
+  void settle();
 
   std::mutex _mutex;
   std::condition_variable _changed;
   Manager _manager;
-  std::size_t _leases = 0;
+  std::size_t _changes = 0;
   bool _isReplacing = false;
 };
 

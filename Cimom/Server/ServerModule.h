@@ -5,6 +5,7 @@
 #define QORQL_SERVER_SERVERMODULE_H
 
 #include <memory>
+#include <streambuf>
 #include <string>
 
 #include "Cimom/Server/HttpServer.h"
@@ -43,6 +44,8 @@ class ServerModule {
   // As UserFile.h says.
   virtual void setPassword(const std::string& file, const std::string& user, const std::string& password) = 0;
   virtual void removeUser(const std::string& file, const std::string& user) = 0;
+  // What writes lines to a log without waiting for whoever reads it.
+  virtual std::unique_ptr<std::streambuf> makeLogBuffer(int file) = 0;
   // Tells the program that has started this one, where it wants to be told: "READY=1", as systemd has it.
   virtual void tellSupervisor(const std::string& state) = 0;
 };

@@ -18,7 +18,7 @@
 struct ServerCall {
   const CimXmlRequest& request;
   const ServerClient& client;
-  // Stays the process's object manager while anybody holds this, though another one is to take its place.
+  // The one that the services ask on the thread that answers. It lives while anybody holds this.
   std::shared_ptr<EmbeddedObjectManager> manager;
   ServerNote& note;
   // What paths that are told say of where they are.

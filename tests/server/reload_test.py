@@ -11,31 +11,12 @@ import unittest
 
 import servercase
 from certificates import Certificates
-from servercase import Client, ServerCase, head_of, request
+from reloadcase import CLASS, FAILED, ReloadCase
+from servercase import Client, head_of, request
 from users_test import basic
 
-CLASS = "class %s { [Key] string Name; };\n"
-DONE = "configuration, MOF and users have been read anew"
-FAILED = "nothing was read anew: all stays as it was"
 
-
-class ReloadTest(ServerCase):
-    def knows(self, server, name, headers=(), context=None):
-        """Whether the server has a class."""
-        client = Client(server, **({} if context is None else {"context": context}))
-        try:
-            return self.judged(client.call("GetClass", headers=headers, ClassName=name)).error == 0
-        finally:
-            client.close()
-
-    def reload(self, server, message=DONE, count=1):
-        """Has everything read anew, and waits until that is told."""
-        server.send_signal(signal.SIGHUP)
-        end = time.monotonic() + 30
-        while server.log_text().count(message) < count and time.monotonic() < end:
-            time.sleep(0.02)
-        self.assertEqual(server.log_text().count(message), count, server.log_text())
-
+class ReloadTest(ReloadCase):
     def test_mof_is_read_anew(self):
         mof = self.write("model.mof", CLASS % "T_First")
         server = self.serve("--no-live", "-m", mof)

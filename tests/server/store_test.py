@@ -39,6 +39,29 @@ class StoreTest(SubscriptionCase):
             self.assertEqual(self.disks(server), [("declared", "7"), ("later", "9"), ("new", "2")])
             server.stop()
 
+    def test_what_is_written_while_it_reads_anew_is_there_then(self):
+        server, written, ended = self.serve_disks(), ["declared"], threading.Event()
+
+        def write(thread):
+            number = 0
+            while not ended.is_set():
+                name = f"{thread}-{number}"
+                number += 1
+                if name in self.create(server, disk(name), "root/cimv2"):
+                    written.append(name)
+
+        threads = [threading.Thread(target=write, args=(number,)) for number in range(2)]
+        for thread in threads:
+            thread.start()
+        for count in range(1, 5):
+            server.send_signal(signal.SIGHUP)
+            self.wait_for(lambda count=count: server.log_text().count("read anew") == count)
+        ended.set()
+        for thread in threads:
+            thread.join()
+        self.assertGreater(len(written), 5)
+        self.assertEqual(sorted(name for name, _ in self.disks(server)), sorted(written))
+
     def test_without_a_store_changes_end_with_the_server(self):
         server = self.serve_disks()
         self.change(server)

@@ -200,8 +200,10 @@ class UsersTest(ServerCase):
         text = self.write("text", "no certificate\n")
         open_file = self.write("open", "")
         os.chmod(open_file, 0o666)
-        for arguments, message in ((("--tls-cert", file, "--tls-key", other), "cannot serve at 127.0.0.1:"),
-                                   (("--tls-cert", text, "--tls-key", other), "cannot serve at 127.0.0.1:"),
+        for arguments, message in ((("--tls-cert", file, "--tls-key", other),
+                                    f"the certificate {file} with the private key {other}: "),
+                                   (("--tls-cert", text, "--tls-key", other), f"the certificate {text}: "),
+                                   (("--tls-cert", file, "--tls-key", file), f"the private key {file}: "),
                                    (("--tls-cert", file), "--tls-cert and --tls-key go together"),
                                    (("--users", text), "this is no user with a hashed password"),
                                    (("--users", open_file), "others than its owner may write to")):

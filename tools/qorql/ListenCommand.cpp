@@ -113,7 +113,7 @@ void listen(const ListenOptions& options) {
       library.startHttp(httpOptions(options), library.makeListenService(printer));
   for (const std::string& url : server->urls()) std::cerr << "listening on " << url << '\n';
   while (signals.wait() != ServerSignals::Request::End) continue;
-  server->drain(kDrainSeconds);
+  server->drain(kDrainSeconds, [&signals] { return signals.isEndRequested(); });
 }
 
 int run(const ListenOptions& options) {

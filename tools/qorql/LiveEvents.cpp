@@ -5,6 +5,8 @@
 #include <exception>
 #include <utility>
 
+#include "Cimom/Embedded/ManagerScope.h"
+
 namespace {
 
 void tell(const std::string& line) {
@@ -44,9 +46,9 @@ void LiveEvents::run() {
   }
 }
 
-// The lease keeps the object manager in its place meanwhile.
 void LiveEvents::look() {
   const ServerModel::Manager manager = _model.lease();
+  const ManagerScope scope(*manager);
   renew(manager);
   if (_watch == nullptr) return;
   std::vector<QORSmrPtr<IQoriObject>> indications;

@@ -3,6 +3,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ServeCommand.h"
 
+#include <unistd.h>
+
 #include <chrono>
 #include <ctime>
 #include <exception>
@@ -40,8 +42,8 @@ constexpr const char* kServeFooter =
     "address, 10), failure-wait (seconds it then waits, 60), drain (seconds that requests have to end\n"
     "when the server ends, 30).\n"
     "\n"
-    "SIGTERM ends it when what was asked is answered. SIGHUP has it read configuration, MOF, users\n"
-    "and certificates anew; what is faulty is told, and all stays as it was.\n"
+    "SIGTERM ends it when what was asked is answered, a second one at once. SIGHUP has it read\n"
+    "configuration, MOF, users and certificates anew; what is faulty is told, and all stays as it was.\n"
     "\n"
     "Exit status: 0 done; 2 wrong usage; 3 an address cannot be had, or MOF, configuration, users,\n"
     "certificates or a provider fail.\n"
@@ -51,8 +53,7 @@ constexpr const char* kServeFooter =
     "  qorql serve --listen 127.0.0.1:0 --no-live -m examples/storage.mof";
 
 constexpr double kInterval = 5;
-constexpr std::chrono::seconds kPatience{10};
-constexpr std::chrono::seconds kLastPatience{5};
+constexpr std::chrono::seconds kPatience{10};  // for what is being written
 
 // The object manager of a session, which lives as long as anybody has it.
 ServerModel::Manager managerOf(const std::shared_ptr<Session>& session) { return {session, &session->manager()}; }
@@ -78,20 +79,33 @@ bool isThreadStopped() {
   return monitor != nullptr && monitor->isStopRequested();
 }
 
+// What is told on standard error waits for nobody who reads it.
+class PatientErrors {
+ public:
+  explicit PatientErrors(ServerModule& library)
+      : _buffer(library.makeLogBuffer(STDERR_FILENO)), _before(std::cerr.rdbuf(_buffer.get())) {}
+  PatientErrors(const PatientErrors&) = delete;
+  PatientErrors& operator=(const PatientErrors&) = delete;
+  ~PatientErrors() { std::cerr.rdbuf(_before); }
+
+ private:
+  const std::unique_ptr<std::streambuf> _buffer;
+  std::streambuf* const _before;
+};
+
 class ServerRun {
  public:
   // THROWS as reportStartFailure() reports.
-  explicit ServerRun(const ServeOptions& given) : _given(asServed(given)), _library(serverLibrary()) {
-    const ServeOptions options = withConfiguration(_given);
+  explicit ServerRun(const ServeOptions& given)
+      : _given(asServed(given)), _started(withConfiguration(_given)), _library(serverLibrary()) {
+    const ServeOptions& options = _started;
     _drainSeconds = static_cast<unsigned>(limitOf(options, "drain"));
     if (options.isWritable || !options.storeFile.empty()) _events = makeEvents(options);
     const std::shared_ptr<Session> session = openSession(options);
     session->takeOver();
     _model = _library.makeModel(managerOf(session));
     if (_events != nullptr) _events->attach(managerOf(session));
-    _server =
-        _library.startHttp(httpOptionsOf(options),
-                           _library.makeCimService({_model, _events, options.isWritable, serverLimitsOf(options)}));
+    _server = _library.startHttp(httpOptionsOf(options), makeService(options));
     if (_events == nullptr) return;
     const std::chrono::duration<double> interval(options.interval.value_or(kInterval));
     _live = std::make_unique<LiveEvents>(*_model, *_events, QORString(options.session.nameSpace),
@@ -104,10 +118,15 @@ class ServerRun {
     _library.tellSupervisor("READY=1");
     while (_signals.wait() != ServerSignals::Request::End) reload();
     _library.tellSupervisor("STOPPING=1");
-    _server->drain(_drainSeconds);
+    _server->drain(_drainSeconds, [this] { return _signals.isEndRequested(); });
   }
 
  private:
+  // With the limits of a client, which hold for all that is asked of it.
+  std::shared_ptr<HttpService> makeService(const ServeOptions& options) const {
+    return _library.makeCimService({_model, _events, _started.isWritable, serverLimitsOf(options)});
+  }
+
   std::shared_ptr<ServerEvents> makeEvents(const ServeOptions& options) const {
     EventOptions events;
     events.storeFile = options.storeFile;
@@ -143,21 +162,43 @@ class ServerRun {
   void readAnew() {
     const ServeOptions options = withConfiguration(_given);
     const std::shared_ptr<Session> session = openSession(options);
-    _server->reload(httpOptionsOf(options).limits);
-    _drainSeconds = static_cast<unsigned>(limitOf(options, "drain"));
-    const auto takeOver = [&] {
-      session->takeOver();
-      if (_events != nullptr) _events->attach(managerOf(session));
+    const std::shared_ptr<HttpService> service = makeService(options);
+    // What can be refused comes first, and then what cannot.
+    const auto takeOverAll = [&] {
+      _server->reload(httpOptionsOf(options).limits, service);
+      takeOver(session);
     };
-    if (_model->replace(managerOf(session), takeOver, kPatience)) return;
-    _server->interrupt();
-    if (_model->replace(managerOf(session), takeOver, kLastPatience)) return;
-    throw std::runtime_error("requests on the object manager do not end, so that it stays");
+    if (!_model->replace(managerOf(session), takeOverAll, kPatience)) {
+      throw std::runtime_error("what clients write does not come to its end");
+    }
+    _drainSeconds = static_cast<unsigned>(limitOf(options, "drain"));
+    tellOfKept(options);
+  }
+
+  // What is being answered goes on to ask the one before.
+  void takeOver(const std::shared_ptr<Session>& session) {
+    const ServerModel::Manager before = _model->lease();
+    session->takeOver();
+    try {
+      if (_events != nullptr) _events->attach(managerOf(session));
+    } catch (...) {
+      before->makeCurrent();
+      throw;
+    }
+  }
+
+  // Those of the settings that hold from the start to the end.
+  void tellOfKept(const ServeOptions& options) const {
+    for (const std::string& name : keptSettings(_started, options)) {
+      std::cerr << "qorql: warning: " + name + " is another one now, which counts after a restart\n";
+    }
   }
 
   const ServerSignals _signals;  // before every thread
   const ServeOptions _given;
+  const ServeOptions _started;  // with the configuration as it was then
   ServerModule& _library;
+  const PatientErrors _errors{_library};
   unsigned _drainSeconds = 0;
   std::shared_ptr<ServerEvents> _events;  // null where clients can write nothing
   std::shared_ptr<ServerModel> _model;

@@ -3,6 +3,7 @@
 #include "ServeOptions.h"
 
 #include <ini.h>
+#include <strings.h>
 
 #include <algorithm>
 #include <charconv>
@@ -17,6 +18,7 @@
 namespace {
 
 constexpr const char* kSection = "server";
+constexpr const char* kEngineSection = "ZEMO";
 constexpr const char* kDefaultAddress = "127.0.0.1:5988";
 
 struct Limit {
@@ -147,9 +149,19 @@ struct Reading {
   std::string fault{};
 };
 
+// A forgotten letter would otherwise be a server without users.
+std::string faultOfSection(const char* section) {
+  if (strcasecmp(section, kEngineSection) == 0) return {};
+  return std::string("there is no section [") + section + "]; there are " + kSection + " and " + kEngineSection;
+}
+
 int takeKey(void* given, const char* section, const char* key, const char* value) {
   Reading& reading = *static_cast<Reading*>(given);
-  if (std::string_view(section) != kSection || !reading.fault.empty()) return 1;
+  if (!reading.fault.empty()) return 1;
+  if (std::string_view(section) != kSection) {
+    reading.fault = faultOfSection(section);
+    return 1;
+  }
   try {
     reading.section.take(key, value);
   } catch (const std::runtime_error& refusal) {
@@ -233,6 +245,24 @@ ServeOptions withConfiguration(const ServeOptions& given) {
   requireCertificate(out);
   if (out.addresses.empty()) out.addresses.emplace_back(kDefaultAddress);
   return out;
+}
+
+std::vector<std::string> keptSettings(const ServeOptions& started, const ServeOptions& now) {
+  const std::pair<const char*, bool> settings[] = {
+      {"interval", started.interval != now.interval},
+      {"listen", started.addresses != now.addresses},
+      {"listener-ca", started.listeners.caFile != now.listeners.caFile},
+      {"store", started.storeFile != now.storeFile},
+      {"tls-cert", started.certificate.file != now.certificate.file},
+      {"tls-key", started.certificate.keyFile != now.certificate.keyFile},
+      {"users", started.usersFile != now.usersFile},
+      {"writable", started.isWritable != now.isWritable},
+  };
+  std::vector<std::string> kept;
+  for (const auto& [name, isOther] : settings) {
+    if (isOther) kept.emplace_back(name);
+  }
+  return kept;
 }
 
 std::uint64_t limitOf(const ServeOptions& options, const std::string& name) {

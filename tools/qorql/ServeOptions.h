@@ -33,6 +33,9 @@ void declareServeOptions(CLI::App& app, ServeOptions& options);
 // std::runtime_error naming file and key.
 ServeOptions withConfiguration(const ServeOptions& given);
 
+// The keys of settings that hold from the start on and are others in the second one.
+std::vector<std::string> keptSettings(const ServeOptions& started, const ServeOptions& now);
+
 // A limit that was given, or its default.
 std::uint64_t limitOf(const ServeOptions& options, const std::string& name);
 HttpOptions httpOptionsOf(const ServeOptions& options);

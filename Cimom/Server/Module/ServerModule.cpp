@@ -16,6 +16,7 @@
 #include "Cimom/Server/InstanceOperations.h"
 #include "Cimom/Server/InteropModel.h"
 #include "Cimom/Server/ListenService.h"
+#include "Cimom/Server/LogFile.h"
 #include "Cimom/Server/PullOperations.h"
 #include "Cimom/Server/QueryOperations.h"
 #include "Cimom/Server/ServerOperations.h"
@@ -31,7 +32,8 @@ class CimService : public HttpService {
       : _model(options.model),
         _events(options.events),
         _operations(options.limits.query),
-        _service(_operations, [this] { return _model->lease(); }) {
+        _service(
+            _operations, [this] { return _model->lease(); }, [this] { return _model->leaseForChange(); }) {
     const bool isWritable = _events != nullptr && options.isWritable;
     addClassOperations(_operations);
     addInstanceOperations(_operations, isWritable ? &_events->writer() : nullptr);
@@ -87,6 +89,7 @@ class Module : public ServerModule {
     ::setPassword(file, user, password);
   }
   void removeUser(const std::string& file, const std::string& user) override { ::removeUser(file, user); }
+  std::unique_ptr<std::streambuf> makeLogBuffer(int file) override { return std::make_unique<LogBuffer>(file); }
   void tellSupervisor(const std::string& state) override { sd_notify(0, state.c_str()); }
 };
 

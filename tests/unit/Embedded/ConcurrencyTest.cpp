@@ -3,6 +3,7 @@
 #include <atomic>
 #include <thread>
 
+#include "Cimom/Embedded/ManagerScope.h"
 #include "EmbeddedFixture.h"
 
 using namespace embeddedtest;
@@ -10,6 +11,22 @@ using namespace embeddedtest;
 namespace {
 
 class Concurrency : public EmbeddedTest {};
+
+TEST_F(Concurrency, AThreadAsksTheObjectManagerOfItsScope) {
+  EmbeddedObjectManager other;
+  const auto knows = [] { return !enumerate("CIM_Device").IsNull(); };
+  ASSERT_TRUE(knows());
+  {
+    const ManagerScope scope(other);
+    EXPECT_FALSE(knows());
+    bool doesAnotherThreadKnow = false;
+    std::thread([&] { doesAnotherThreadKnow = knows(); }).join();
+    EXPECT_TRUE(doesAnotherThreadKnow);
+    const ManagerScope inner(manager);
+    EXPECT_TRUE(knows());
+  }
+  EXPECT_TRUE(knows());
+}
 
 TEST_F(Concurrency, EnumerationsSeeLoadsWholeOrNotAtAll) {
   constexpr QORuint32 kPerLoad = 10;

@@ -1,5 +1,6 @@
 // Requests as HTTP brings them, and what HTTP is told to answer.
 // SPDX-License-Identifier: Apache-2.0
+#include "Cimom/Embedded/ManagerScope.h"
 #include "Cimom/Server/ClassOperations.h"
 #include "MessageFixture.h"
 
@@ -83,6 +84,29 @@ TEST_F(Service, MPostHasNumberedHeaders) {
   EXPECT_THAT(reply.headers, Contains(Pair("Man", "http://www.dmtf.org/cim/mapping/http/v1.0 ; ns=73")));
   request.headers[2].second = "GetClass";
   EXPECT_EQ(errorOf(serve(request)), "400 header-mismatch");
+}
+
+TEST_F(Service, AChangeIsMadeInTheOneThatTookThePlaceMeanwhile) {
+  const auto next = std::make_shared<EmbeddedObjectManager>();
+  std::shared_ptr<EmbeddedObjectManager> now = sharedManager();
+  CimXmlService service(
+      operations(), [&] { return now; },
+      [&] {
+        now = next;
+        return now;
+      });
+  std::vector<const EmbeddedObjectManager*> asked;
+  for (const char* const name : {"DeleteInstance", "GetInstance"}) {
+    operations().add(name, [&](const ServerCall& call) {
+      asked.push_back(call.manager.get());
+      return std::make_unique<WholeReply>(ManagerScope::innermost()->state() == call.manager->state() ? "own"
+                                                                                                      : "other");
+    });
+    now = sharedManager();
+    HttpReply reply = service.serve(post(operationCall(name, parameter("InstanceName", path("A", "K", "1")))));
+    EXPECT_EQ(bodyOf(*reply.body), "own");
+  }
+  EXPECT_EQ(asked, (std::vector<const EmbeddedObjectManager*>{next.get(), sharedManager().get()}));
 }
 
 TEST_F(Service, OtherMethodsOfHttpAreNotAllowed) {

@@ -2,7 +2,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <filesystem>
+#include <thread>
+#include <vector>
 
 #include "Cimom/Server/HttpUsers.h"
 
@@ -75,6 +78,30 @@ TEST_F(UsersOfRequests, ARightPasswordIsForgiveness) {
   }
 }
 
+TEST_F(UsersOfRequests, ARightPasswordForgivesItsUserAlone) {
+  HttpUsers users(both);
+  for (unsigned i = 0; i < kAllowed; ++i) {
+    EXPECT_EQ(judge(users, kBert), Verdict::Right);
+    EXPECT_EQ(judge(users, kWrong), Verdict::Wrong);
+  }
+  EXPECT_EQ(judge(users, kBert), Verdict::MustWait);
+}
+
+TEST_F(UsersOfRequests, GuessesAtOnceAreNotMoreThanAreAllowed) {
+  HttpUsers users(both);
+  std::atomic<unsigned> wrong{0};
+  std::vector<std::thread> guesses;
+  for (unsigned i = 0; i < 4 * kAllowed; ++i) {
+    guesses.emplace_back([&] {
+      const std::string header = kWrong;
+      std::string nobody;
+      if (users.judge("10.0.0.1", &header, kAllowed, kWait, nobody) == Verdict::Wrong) ++wrong;
+    });
+  }
+  for (std::thread& each : guesses) each.join();
+  EXPECT_EQ(wrong, kAllowed);
+}
+
 TEST_F(UsersOfRequests, NoPasswordAtAllCountsForNothing) {
   HttpUsers users(both);
   for (unsigned i = 0; i < 3 * kAllowed; ++i) {
@@ -96,7 +123,7 @@ TEST(FailureLimit, ItEndsWithItsTime) {
   const FailureLimit::Clock::time_point now{};
   for (unsigned i = 0; i < kAllowed; ++i) {
     EXPECT_FALSE(limit.mustWait("10.0.0.1", now));
-    limit.note("10.0.0.1", kAllowed, kWait, now);
+    limit.note("10.0.0.1", "anna", kAllowed, kWait, now);
   }
   EXPECT_TRUE(limit.mustWait("10.0.0.1", now + kWait - seconds(1)));
   EXPECT_FALSE(limit.mustWait("10.0.0.1", now + kWait));
@@ -105,7 +132,7 @@ TEST(FailureLimit, ItEndsWithItsTime) {
 TEST(FailureLimit, TheAddressesOfOneHolderCountTogether) {
   FailureLimit limit;
   const FailureLimit::Clock::time_point now{};
-  limit.note("2001:db8:0:1::1", 1, kWait, now);
+  limit.note("2001:db8:0:1::1", "anna", 1, kWait, now);
   EXPECT_TRUE(limit.mustWait("2001:db8:0:1:ffff::2", now));
   EXPECT_FALSE(limit.mustWait("2001:db8:0:2::1", now));
 }

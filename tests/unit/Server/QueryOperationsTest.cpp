@@ -156,9 +156,6 @@ TEST_F(Queries, AClientThatHasGoneEndsItsQuery) {
 
 TEST_F(Queries, AServerThatEndsThemSaysSo) {
   Asked asked = asking("SELECT a.DeviceID FROM CIM_Disk AS a");
-  asked.client.stopReason = [] { return StopReason::ReadAnew; };
-  EXPECT_EQ(refused(asked), 1U);
-  EXPECT_EQ(told, "the query was stopped: the server reads its configuration anew");
   asked.client.stopReason = [] { return StopReason::ShuttingDown; };
   EXPECT_EQ(refused(asked), 28U);
   EXPECT_EQ(told, "the query was stopped: the server is shutting down");

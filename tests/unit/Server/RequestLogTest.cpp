@@ -46,6 +46,15 @@ TEST(RequestLog, ALongTextIsCut) {
   EXPECT_THAT(lineOf(made, kWhen), SizeIs(testing::Lt(3000)));
 }
 
+TEST(RequestLog, ALineIsNotMixedWithOthersInAPipe) {
+  RequestRecord made = record();
+  made.note.operation.assign(5000, '\1');
+  made.note.nameSpace.assign(5000, '\1');
+  made.note.subject.assign(5000, '\1');
+  made.note.statusText.assign(5000, '\1');
+  EXPECT_THAT(lineOf(made, kWhen), SizeIs(testing::Le(LogFile::kLongestLine)));
+}
+
 TEST(RequestLog, WhatIsNoTextIsReplaced) {
   RequestRecord made = record();
   made.note.subject = "a\xff\nb";

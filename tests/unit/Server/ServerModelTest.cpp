@@ -1,4 +1,4 @@
-// Another object manager takes the place of one that nobody uses any more.
+// Another object manager takes the place of one that nobody changes any more.
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
@@ -22,22 +22,25 @@ TEST(ServerModel, ALeaseIsTheManager) {
   EXPECT_EQ(model.lease().get(), manager.get());
 }
 
-TEST(ServerModel, AnotherTakesItsPlaceWhenNobodyHasALease) {
-  CountedModel model(newManager());
+TEST(ServerModel, AnotherTakesItsPlaceWhileTheFirstIsHeld) {
+  const ServerModel::Manager first = newManager();
+  CountedModel model(first);
+  const ServerModel::Manager held = model.lease();
   const ServerModel::Manager next = newManager();
-  bool hasTaken = false;
+  EmbeddedObjectManager* meanwhile = nullptr;
   EXPECT_TRUE(model.replace(
-      next, [&] { hasTaken = true; }, kMoment));
-  EXPECT_TRUE(hasTaken);
+      next, [&] { meanwhile = model.lease().get(); }, kMoment));
+  EXPECT_EQ(meanwhile, first.get());
+  EXPECT_EQ(held.get(), first.get());
   EXPECT_EQ(model.lease().get(), next.get());
 }
 
-TEST(ServerModel, ACopyOfALeaseHoldsTheManager) {
+TEST(ServerModel, ACopyOfALeaseForAChangeKeepsItInItsPlace) {
   const ServerModel::Manager first = newManager();
   CountedModel model(first);
   ServerModel::Manager copy;
   {
-    const ServerModel::Manager lease = model.lease();
+    const ServerModel::Manager lease = model.leaseForChange();
     copy = lease;
   }
   bool hasTaken = false;
@@ -45,6 +48,7 @@ TEST(ServerModel, ACopyOfALeaseHoldsTheManager) {
       newManager(), [&] { hasTaken = true; }, kMoment));
   EXPECT_FALSE(hasTaken);
   EXPECT_EQ(model.lease().get(), first.get());
+  EXPECT_EQ(model.leaseForChange().get(), first.get());
   copy.reset();
   EXPECT_TRUE(model.replace(
       newManager(), [] {}, kMoment));
@@ -57,19 +61,20 @@ TEST(ServerModel, WhatFailsWhileAnotherComesLeavesItOpen) {
                    newManager(), [] { throw std::bad_alloc(); }, kMoment),
                std::bad_alloc);
   EXPECT_EQ(model.lease().get(), first.get());
+  EXPECT_EQ(model.leaseForChange().get(), first.get());
 }
 
-TEST(ServerModel, WhoWantsALeaseWaitsWhileAnotherComes) {
+TEST(ServerModel, WhoWantsToChangeSomethingWaitsWhileAnotherComes) {
   CountedModel model(newManager());
   const ServerModel::Manager next = newManager();
-  ServerModel::Manager held = model.lease();
+  ServerModel::Manager held = model.leaseForChange();
   auto replaced = std::async(std::launch::async, [&] {
     return model.replace(
         next, [] {}, kLong);
   });
   std::future<EmbeddedObjectManager*> late;
   while (!late.valid() || late.wait_for(kMoment) == std::future_status::ready) {
-    late = std::async(std::launch::async, [&] { return model.lease().get(); });
+    late = std::async(std::launch::async, [&] { return model.leaseForChange().get(); });
   }
   held.reset();
   EXPECT_TRUE(replaced.get());
