@@ -40,3 +40,20 @@ QORQL_ViewTruth QORQL_ClassTest::remembered(const IQoriObject& object) const noe
   }
   return static_cast<QORQL_ViewTruth>(truth);
 }
+
+// Without a branch on the answer, as above.
+void QORQL_ClassTest::look(const IQoriLayout* const* layouts, std::size_t count,
+                           QORQL_ViewTruth* truths) const noexcept {
+  const QORuint8 undecided = static_cast<QORuint8>(QORQL_ViewTruth::Undecided);
+  const QORuint8 null = static_cast<QORuint8>(QORQL_ViewTruth::Null);
+  for (std::size_t i = 0; i < count; ++i) {
+    truths[i] = static_cast<QORQL_ViewTruth>(layouts[i] == nullptr ? null : undecided);
+  }
+  for (const Answer& answer : _answers) {
+    const unsigned change = static_cast<QORuint8>(answer.truth) ^ undecided;
+    for (std::size_t i = 0; i < count; ++i) {
+      const unsigned mask = 0U - static_cast<unsigned>(layouts[i] == answer.layout);
+      truths[i] = static_cast<QORQL_ViewTruth>(static_cast<unsigned>(truths[i]) ^ (change & mask));
+    }
+  }
+}

@@ -24,6 +24,9 @@ class QORQL_ClassTest {
   void beginRun();
   // What is remembered of an object's layout; Undecided where nothing is.
   QORQL_ViewTruth remembered(const IQoriObject& object) const noexcept;
+  // The same of many layouts; Null for null. Takes time for each layout that is remembered.
+  void look(const IQoriLayout* const* layouts, std::size_t count, QORQL_ViewTruth* truths) const noexcept;
+  std::size_t rememberedCount() const noexcept { return _answers.size(); }
 
  private:
   struct Answer {

@@ -112,6 +112,7 @@ class BlockFilter {
       if (truths[i] != QORQL_ViewTruth::Undecided) continue;
       view.select(block, first + i);
       truths[i] = static_cast<QORQL_ViewTruth>(testRow(view));
+      if (_join == nullptr) _truth.learn(i + 1, count, truths);
     }
   }
 

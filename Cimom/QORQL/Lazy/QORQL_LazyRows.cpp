@@ -13,23 +13,26 @@
 
 namespace {
 
-// Extents of up to this many objects get their array at once; it takes half a MiB.
-constexpr QORuint32 kSmall = 65536;
+// Extents of up to this many objects get their arrays at once; they take three MiB.
+constexpr QORuint32 kSmall = 131072;
 
 }  // namespace
 
 QORQL_Extent::QORQL_Extent(const ObjectList& list) : _list(list), _cursor(std::in_place, *list) {
   if (size() > kSmall) {
-    lookAtObjects([](const IQoriObject*, const char*) {});
+    lookAtObjects([](const IQoriObject*, const QoriCells&) {});
     return;
   }
-  _objects.resize(size());
-  _cells.resize(size());
-  const IQoriObject** object = _objects.data();
-  const char** cells = _cells.data();
-  lookAtObjects([&](const IQoriObject* foundObject, const char* foundCells) {
-    *object++ = foundObject;
-    *cells++ = foundCells;
+  _objects = std::make_unique_for_overwrite<const IQoriObject*[]>(size());
+  _cells = std::make_unique_for_overwrite<const char*[]>(size());
+  _layoutsOfObjects = std::make_unique_for_overwrite<const IQoriLayout*[]>(size());
+  const IQoriObject** object = _objects.get();
+  const char** cells = _cells.get();
+  const IQoriLayout** layout = _layoutsOfObjects.get();
+  lookAtObjects([&](const IQoriObject* each, const QoriCells& found) {
+    *object++ = each;
+    *cells++ = found.cells;
+    *layout++ = found.layout;
   });
 }
 
@@ -42,8 +45,9 @@ void QORQL_Extent::lookAtObjects(const Keep& keep) {
   _list->forEach([&](const QORSmrPtr<IQoriObject>& pointer) {
     const IQoriObject* const object = pointer.Get();
     const QoriCells found = object == nullptr ? QoriCells() : object->getCells();
-    keep(object, found.cells);
-    _hasCells = _hasCells && found.cells != nullptr;
+    keep(object, found);
+    if (found.cells == nullptr) [[unlikely]]
+      _hasCells = false;
     if (static_cast<int>(found.layout == latest) + static_cast<int>(found.layout == earlier) != 0) return;
     _hasNull = _hasNull || object == nullptr;
     noteLayout(found.layout);
@@ -63,8 +67,22 @@ const char* const* QORQL_RowBlock::fetchCells(const QORQL_Extent& extent, QORuin
                                               std::size_t count, const char** buffer) const {
   if (isWholeExtent) return extent.cellsOfRun(static_cast<QORuint32>(first), count, buffer);
   const char** place = buffer;
+  if (const char* const* const all = extent.allCells(); all != nullptr) {
+    forEachIndex(column, first, count,
+                 [&](QORuint32 index) { *place++ = index == QORQL_kNoObject ? nullptr : all[index]; });
+  } else {
+    forEachIndex(column, first, count,
+                 [&](QORuint32 index) { *place++ = index == QORQL_kNoObject ? nullptr : extent.cells(index); });
+  }
+  return buffer;
+}
+
+const IQoriLayout* const* QORQL_RowBlock::fetchLayouts(const QORQL_Extent& extent, QORuint32 column, QORuint64 first,
+                                                       std::size_t count, const IQoriLayout** buffer) const {
+  if (isWholeExtent) return extent.layoutsOfRun(static_cast<QORuint32>(first), count, buffer);
+  const IQoriLayout** place = buffer;
   forEachIndex(column, first, count,
-               [&](QORuint32 index) { *place++ = index == QORQL_kNoObject ? nullptr : extent.cells(index); });
+               [&](QORuint32 index) { *place++ = index == QORQL_kNoObject ? nullptr : extent.layout(index); });
   return buffer;
 }
 
@@ -78,8 +96,9 @@ void QORQL_Extent::noteLayout(const IQoriLayout* layout) {
 }
 
 void QORQL_Extent::makeObjects() const {
-  _objects.reserve(size());
-  _list->forEach([this](const QORSmrPtr<IQoriObject>& pointer) { _objects.push_back(pointer.Get()); });
+  _objects = std::make_unique_for_overwrite<const IQoriObject*[]>(size());
+  const IQoriObject** object = _objects.get();
+  _list->forEach([&object](const QORSmrPtr<IQoriObject>& pointer) { *object++ = pointer.Get(); });
 }
 
 const IQoriObject* QORQL_Extent::objectInList(QORuint32 index) const {
@@ -109,16 +128,28 @@ bool QORQL_Extent::moveCursor(QORuint32 first) const {
   return true;
 }
 
-const char* const* QORQL_Extent::cellsOfRun(QORuint32 first, std::size_t count, const char** buffer) const {
-  if (!_cells.empty()) return _cells.data() + first;
-  if (_objects.empty() && !moveCursor(first)) makeObjects();
-  const char** place = buffer;
-  const auto take = [&place](const IQoriObject& object) { *place++ = object.getCells().cells; };
-  if (_objects.empty()) {
+template <class Take>
+void QORQL_Extent::forRun(QORuint32 first, std::size_t count, const Take& take) const {
+  if (_objects == nullptr && !moveCursor(first)) makeObjects();
+  if (_objects == nullptr) {
     forRunInList(count, take);
   } else {
-    std::for_each_n(_objects.begin() + first, count, [&take](const IQoriObject* object) { take(*object); });
+    std::for_each_n(_objects.get() + first, count, [&take](const IQoriObject* object) { take(*object); });
   }
+}
+
+const char* const* QORQL_Extent::cellsOfRun(QORuint32 first, std::size_t count, const char** buffer) const {
+  if (_cells != nullptr) return _cells.get() + first;
+  const char** place = buffer;
+  forRun(first, count, [&place](const IQoriObject& object) { *place++ = object.getCells().cells; });
+  return buffer;
+}
+
+const IQoriLayout* const* QORQL_Extent::layoutsOfRun(QORuint32 first, std::size_t count,
+                                                     const IQoriLayout** buffer) const {
+  if (_layoutsOfObjects != nullptr) return _layoutsOfObjects.get() + first;
+  const IQoriLayout** place = buffer;
+  forRun(first, count, [&place](const IQoriObject& object) { *place++ = object.getLayout(); });
   return buffer;
 }
 

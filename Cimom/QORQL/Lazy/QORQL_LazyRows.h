@@ -24,13 +24,15 @@ class QORQL_Extent {
   bool hasNull() const noexcept { return _hasNull; }
   // An object by its place. Except for a few of those that have been read in runs,
   // this makes an array of all of them.
-  const IQoriObject* object(QORuint32 index) const { return _objects.empty() ? objectInList(index) : _objects[index]; }
+  const IQoriObject* object(QORuint32 index) const {
+    return _objects == nullptr ? objectInList(index) : _objects[index];
+  }
   // The objects from `first` on, without the array as long as runs follow one
   // another, except for a few that go back. REQUIRES that there are so many.
   void copyRun(QORuint32 first, std::size_t count, const IQoriObject** out) const {
-    if (_objects.empty() && !moveCursor(first)) makeObjects();
-    if (!_objects.empty()) {
-      std::copy_n(_objects.data() + first, count, out);
+    if (_objects == nullptr && !moveCursor(first)) makeObjects();
+    if (_objects != nullptr) {
+      std::copy_n(_objects.get() + first, count, out);
     } else {
       forRunInList(count, [&out](const IQoriObject& object) { *out++ = &object; });
     }
@@ -38,7 +40,17 @@ class QORQL_Extent {
   // The same of the objects' cells: where they stand already, or in the buffer. REQUIRES hasCells().
   const char* const* cellsOfRun(QORuint32 first, std::size_t count, const char** buffer) const;
   // REQUIRES hasCells().
-  const char* cells(QORuint32 index) const { return _cells.empty() ? object(index)->getCells().cells : _cells[index]; }
+  const char* cells(QORuint32 index) const {
+    return _cells == nullptr ? object(index)->getCells().cells : _cells[index];
+  }
+  // BORROWS: the cells of all objects, by their places; null where there are many objects. REQUIRES hasCells().
+  const char* const* allCells() const noexcept { return _cells.get(); }
+  // The objects' layouts, as cellsOfRun() has their cells. REQUIRES hasLayouts().
+  const IQoriLayout* const* layoutsOfRun(QORuint32 first, std::size_t count, const IQoriLayout** buffer) const;
+  // The layout of an object. REQUIRES as above.
+  const IQoriLayout* layout(QORuint32 index) const {
+    return _layoutsOfObjects == nullptr ? object(index)->getLayout() : _layoutsOfObjects[index];
+  }
   // The list's own pointer to an object.
   const QORSmrPtr<IQoriObject>& pointer(QORuint32 index) const;
   // The distinct layouts in order of appearance.
@@ -49,9 +61,12 @@ class QORQL_Extent {
   bool hasCells() const noexcept { return _hasCells; }
 
  private:
-  // Calls keep(object, cells) for each object, of which either may be null.
+  // Calls keep(object, found) for each object, which may be null, with its layout and cells.
   template <class Keep>
   void lookAtObjects(const Keep& keep);
+  // Calls take(object) for the objects from `first` on.
+  template <class Take>
+  void forRun(QORuint32 first, std::size_t count, const Take& take) const;
   void noteLayout(const IQoriLayout* layout);
   void makeObjects() const;
   const IQoriObject* objectInList(QORuint32 index) const;
@@ -81,8 +96,10 @@ class QORQL_Extent {
   mutable QORuint32 _nextOfCursor = 0;
   mutable std::vector<Cursor> _marks;  // before the first, the 4,096th object, and so on
   mutable QORuint32 _moves = 0;
-  mutable std::vector<const IQoriObject*> _objects;
-  std::vector<const char*> _cells;  // of the objects; empty where there are many
+  mutable std::unique_ptr<const IQoriObject*[]> _objects;  // null where there are many, until somebody needs it
+  // Of the objects; null where there are many.
+  std::unique_ptr<const char*[]> _cells;
+  std::unique_ptr<const IQoriLayout*[]> _layoutsOfObjects;
   mutable std::vector<const QORSmrPtr<IQoriObject>*> _pointers;
 };
 
@@ -116,6 +133,9 @@ struct QORQL_RowBlock {
   // The same of the objects' cells: where they stand already, or in the buffer. REQUIRES as above, and cells.
   const char* const* fetchCells(const QORQL_Extent& extent, QORuint32 column, QORuint64 first, std::size_t count,
                                 const char** buffer) const;
+  // The same of the objects' layouts. REQUIRES layouts.
+  const IQoriLayout* const* fetchLayouts(const QORQL_Extent& extent, QORuint32 column, QORuint64 first,
+                                         std::size_t count, const IQoriLayout** buffer) const;
 };
 
 // While there are several blocks, each is in ascending order of its tuples, and

@@ -169,7 +169,7 @@ class ElementTruth final : public QORQL_RowTruth {
   QORQL_RunOperand _rightRun;
 };
 
-// ISA of a column's objects.
+// ISA of a column's objects, which their layouts tell as soon as one object of the layout has been tested.
 class IsaTruth final : public QORQL_RowTruth {
  public:
   IsaTruth(const QORQL_LazyRows& rows, QORuint32 column, const QORString& nameSpace, const QORString& className)
@@ -179,19 +179,28 @@ class IsaTruth final : public QORQL_RowTruth {
     return object == nullptr ? QoriTruth::Null : _test.test(*object);
   }
   bool testRun(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, QORQL_RunTruths& truths) override {
-    std::array<const IQoriObject*, QORQL_PropertyColumn::kBatch> objects;
-    block.fetch(_extent, _column, first, count, objects.data());
+    if (!_extent.hasLayouts()) return false;
+    _layouts = block.fetchLayouts(_extent, _column, first, count, _buffer.data());
     _test.beginRun();
-    for (std::size_t i = 0; i < count; ++i) {
-      truths[i] = objects[i] == nullptr ? QORQL_ViewTruth::Null : _test.remembered(*objects[i]);
-    }
+    look(0, count, truths);
     return true;
+  }
+  void learn(std::size_t next, std::size_t count, QORQL_RunTruths& truths) override {
+    if (_layouts != nullptr && _test.rememberedCount() != _known) look(next, count, truths);
   }
 
  private:
+  void look(std::size_t first, std::size_t count, QORQL_RunTruths& truths) noexcept {
+    _test.look(_layouts + first, count - first, truths.data() + first);
+    _known = _test.rememberedCount();
+  }
+
   const QORQL_Extent& _extent;
   const QORuint32 _column;
   QORQL_ClassTest _test;
+  std::size_t _known = 0;                        // how many layouts were remembered when the run was looked at last
+  const IQoriLayout* const* _layouts = nullptr;  // of the run; null for no object
+  std::array<const IQoriLayout*, QORQL_PropertyColumn::kBatch> _buffer;
 };
 
 // A condition that is no comparison.

@@ -22,6 +22,9 @@ class QORQL_RowTruth {
                        QORQL_RunTruths& /*truths*/) {
     return false;
   }
+  // To be called when test() has decided a row of the run that testRun() has seen last: puts in what that tells of the
+  // undecided rows from `next` on.
+  virtual void learn(std::size_t /*next*/, std::size_t /*count*/, QORQL_RunTruths& /*truths*/) {}
 
   // BORROWS its arguments except the sides, which must be the comparison's on the table. Uses these where the
   // comparison allows it, otherwise a row that is filled for each test.

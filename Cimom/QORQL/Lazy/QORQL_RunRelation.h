@@ -5,6 +5,7 @@
 #define QORQL_RUNRELATION_H
 
 #include <array>
+#include <memory>
 
 #include "Cimom/QORQL/Lazy/QORQL_BoundExpression.h"
 #include "Cimom/QORQL/Lazy/QORQL_PropertyColumn.h"
@@ -26,9 +27,12 @@ class QORQL_RunOperand {
   void read(const QORQL_RowBlock& block, QORuint64 first, std::size_t count) {
     if (_constant != nullptr) return;
     if (_column->readsCells()) {
-      _places = _column->fetchCells(block, first, count, _buffer.data());
+      _hasGaps = !block.isWholeExtent;
+      if (_buffer == nullptr) _buffer = std::make_unique_for_overwrite<const char*[]>(kBatch);
+      _places = _column->fetchCells(block, first, count, _buffer.get());
     } else {
-      _column->read(block, first, count, _cells.data());
+      if (_cells == nullptr) _cells = std::make_unique<QoriScalar[]>(kBatch);
+      _column->read(block, first, count, _cells.get());
     }
   }
   const QoriScalar& operator[](std::size_t i) const noexcept {
@@ -39,19 +43,27 @@ class QORQL_RunOperand {
   // REQUIRES that the side is no constant.
   template <class Use>
   void withCells(const Use& use) const {
-    if (_places == nullptr)
-      return use([cells = _cells.data()](std::size_t i) -> const QoriScalar& { return cells[i]; });
+    if (_places == nullptr) return use([cells = _cells.get()](std::size_t i) -> const QoriScalar& { return cells[i]; });
+    if (!_hasGaps) {
+      return use([places = _places, offset = _column->offset()](std::size_t i) -> const QoriScalar& {
+        return QoriCells::at(places[i], offset);
+      });
+    }
     use([places = _places, offset = _column->offset()](std::size_t i) -> const QoriScalar& {
       return QORQL_PropertyColumn::viewIn(places[i], offset);
     });
   }
 
  private:
+  static constexpr std::size_t kBatch = QORQL_PropertyColumn::kBatch;
+
   const QORQL_PropertyColumn* _column;
   const QoriScalar* _constant;
   const char* const* _places = nullptr;  // of each row's cells; null: its cell has been read
-  std::array<const char*, QORQL_PropertyColumn::kBatch> _buffer;
-  std::array<QoriScalar, QORQL_PropertyColumn::kBatch> _cells;
+  bool _hasGaps = true;                  // whether a row may be without cells
+  // For kBatch rows; made when first needed, since most operands need one of them or none.
+  std::unique_ptr<const char*[]> _buffer;
+  std::unique_ptr<QoriScalar[]> _cells;
 };
 
 // Of each row of a run.

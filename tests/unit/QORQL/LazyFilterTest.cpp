@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
+#include <array>
+
 #include "Cimom/Mof/MofLoader.h"
 #include "Cimom/QORQL/Lazy/QORQL_ClassTest.h"
 #include "FetchedStatement.h"
@@ -88,6 +90,30 @@ TEST_F(LazyFilter, WhatTheRepositorySaysOfAClassIsRemembered) {
   test.beginRun();
   EXPECT_EQ(test.remembered(sub), QORQL_ViewTruth::Undecided);
   EXPECT_EQ(test.test(sub), QoriTruth::True);
+}
+
+// Many objects are told by their layouts; no object is of no class.
+TEST_F(LazyFilter, TheClassesOfManyObjectsAreLookedUpByLayout) {
+  using Truth = QORQL_ViewTruth;
+  FetchedStatement fetched("SELECT k FROM M");
+  const QORQL_Extent& extent = fetched.rows().extent(0);
+  const IQoriLayout* const sub = extent.layout(0);
+  const IQoriLayout* const plain = extent.layout(1);
+  ASSERT_NE(sub, plain);
+  const std::array<const IQoriLayout*, 5> layouts{sub, plain, nullptr, sub, plain};
+  QORQL_ClassTest test("root/cimv2", "Sub");
+  const auto look = [&] {
+    std::array<Truth, 5> truths{};
+    test.look(layouts.data(), layouts.size(), truths.data());
+    return truths;
+  };
+  EXPECT_EQ(look(), (std::array<Truth, 5>{Truth::Undecided, Truth::Undecided, Truth::Null, Truth::Undecided,
+                                          Truth::Undecided}));
+  EXPECT_EQ(test.test(*extent.object(1)), QoriTruth::False);
+  EXPECT_EQ(look(),
+            (std::array<Truth, 5>{Truth::Undecided, Truth::False, Truth::Null, Truth::Undecided, Truth::False}));
+  EXPECT_EQ(test.test(*extent.object(0)), QoriTruth::True);
+  EXPECT_EQ(look(), (std::array<Truth, 5>{Truth::True, Truth::False, Truth::Null, Truth::True, Truth::False}));
 }
 
 TEST_F(LazyFilter, ObjectsOfSeveralClassesInOneColumn) {

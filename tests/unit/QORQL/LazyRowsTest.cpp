@@ -20,7 +20,7 @@ TEST(Extent, RunsOfALongList) {
   CIMApi client;
   const CIMApi::Instances two = client.enumerateInstances("root/cimv2", "Z", {}, -1, nullptr, nullptr, nullptr, {});
   const QORQL_Extent::ObjectList list(new QORValSlist<QORSmrPtr<IQoriObject>>);
-  constexpr QORuint32 kCount = 70000;
+  constexpr QORuint32 kCount = 140000;
   for (QORuint32 i = 0; i < kCount; ++i) list->append(i % 3 == 0 ? two->first() : two->last());
   const auto expected = [&](QORuint32 i) { return i % 3 == 0 ? two->first().Get() : two->last().Get(); };
   const QORQL_Extent extent(list);
@@ -37,13 +37,13 @@ TEST(Extent, RunsOfALongList) {
   expectRun(kCount - 10, 10);
   expectRun(30, 64);
   expectRun(0, 1);
-  for (const QORuint32 place : {0U, 4095U, 4096U, 69999U}) EXPECT_EQ(extent.object(place), expected(place));
+  for (const QORuint32 place : {0U, 4095U, 4096U, 139999U}) EXPECT_EQ(extent.object(place), expected(place));
   // Round the places that the extent remembers, and more often than it is worth remembering.
   for (int round = 0; round < 20; ++round) {
-    for (const QORuint32 first : {69999U, 4095U, 4096U, 65536U, 8193U}) expectRun(first, first == 69999 ? 1 : 64);
+    for (const QORuint32 first : {139999U, 4095U, 4096U, 65536U, 8193U}) expectRun(first, first == 139999 ? 1 : 64);
   }
   expectRun(4160, 64);
-  EXPECT_EQ(extent.object(69999), expected(69999));
+  EXPECT_EQ(extent.object(139999), expected(139999));
 
   // Back to a remembered place, and from there on to where the reading would have been without that.
   const QORQL_Extent again(list);
@@ -62,6 +62,41 @@ TEST(Extent, RunsOfALongList) {
   const IQoriObject* ahead = nullptr;
   unread.copyRun(50001, 1, &ahead);
   EXPECT_EQ(ahead, expected(50001));
+}
+
+// The layouts and cells of a run, of an extent with arrays of them and of one without, whole and in tuples.
+TEST(Extent, LayoutsAndCellsAreThoseOfTheObjects) {
+  QueryWorld world(kClass + std::string("class Y : Z { }; instance of Z { k = 1; }; instance of Y { k = 2; };"));
+  CIMApi client;
+  const CIMApi::Instances two = client.enumerateInstances("root/cimv2", "Z", {}, -1, nullptr, nullptr, nullptr, {});
+  for (const QORuint32 count : {100U, 140000U}) {
+    const QORQL_Extent::ObjectList list(new QORValSlist<QORSmrPtr<IQoriObject>>);
+    for (QORuint32 i = 0; i < count; ++i) list->append(i % 3 == 0 ? two->first() : two->last());
+    const auto extent = std::make_shared<const QORQL_Extent>(list);
+    ASSERT_TRUE(extent->hasLayouts() && extent->hasCells());
+    EXPECT_EQ(extent->layouts().size(), 2U);
+    QORQL_LazyRows rows;
+    rows.addExtent(extent);
+    QORQL_RowBlock tuples;
+    tuples.columns = {0};
+    tuples.tuples = {3, QORQL_kNoObject, 1};
+    tuples.rowCount = 3;
+    std::array<const IQoriLayout*, 64> layoutBuffer{};
+    std::array<const char*, 64> cellBuffer{};
+    const QORQL_RowBlock& whole = rows.blocks().front();
+    const auto* const layouts = whole.fetchLayouts(*extent, 0, 30, 64, layoutBuffer.data());
+    for (QORuint32 i = 0; i < 64; ++i) ASSERT_EQ(layouts[i], extent->object(30 + i)->getLayout()) << count << " " << i;
+    const auto* const cells = whole.fetchCells(*extent, 0, 30, 64, cellBuffer.data());
+    for (QORuint32 i = 0; i < 64; ++i) ASSERT_EQ(cells[i], extent->object(30 + i)->getCells().cells) << count << i;
+    const auto* const someLayouts = tuples.fetchLayouts(*extent, 0, 0, 3, layoutBuffer.data());
+    const auto* const someCells = tuples.fetchCells(*extent, 0, 0, 3, cellBuffer.data());
+    EXPECT_EQ(someLayouts[0], two->first()->getLayout());
+    EXPECT_EQ(someCells[0], two->first()->getCells().cells);
+    EXPECT_EQ(someLayouts[1], nullptr);
+    EXPECT_EQ(someCells[1], nullptr);
+    EXPECT_EQ(someLayouts[2], two->last()->getLayout());
+    EXPECT_EQ(someCells[2], two->last()->getCells().cells);
+  }
 }
 
 // More rows than can be counted are as many as can be counted, not as many as remain.
