@@ -140,7 +140,10 @@ void RemoteServer::call(Line& line, const char* operation, const QORString& name
     note();
     throw;
   } catch (const CimStatusException& status) {
-    throw RemoteStatusException(who, describe(status.getMessage().view()), status.getCode());
+    const QORString message = describe(status.getMessage().view());
+    const bool isOfNameSpace = status.getCode() == kInvalidNameSpace && &asked == &nameSpace;
+    if (isOfNameSpace) throw RemoteNameSpaceException(who, message, kInvalidNameSpace);
+    throw RemoteStatusException(who, message, status.getCode());
   } catch (const RemoteUnknownOperation& refusal) {
     throw RemoteStatusException(who, describe(refusal.what()), kNotSupported);
   } catch (const QoriBaseException& error) {
@@ -261,14 +264,14 @@ std::vector<QORString> RemoteServer::nameSpacesIn(const QORString& interop) {
 }
 
 std::vector<QORString> RemoteServer::nameSpaces() {
-  if (!_options.nameSpace.isNull()) return {};
   for (const char* const interop : kInteropNameSpaces) {
     try {
       std::vector<QORString> names = nameSpacesIn(interop);
       if (!names.empty()) return names;
+    } catch (const RemoteNameSpaceException&) {
+      continue;
     } catch (const RemoteStatusException& status) {
-      if (status.getCode() == kAccessDenied || status.getCode() == kNotSupported) return {};
-      if (!isLackOfNameSpace(status)) throw;
+      if (status.getCode() != kAccessDenied && status.getCode() != kNotSupported) throw;
     }
   }
   return {};
@@ -347,9 +350,8 @@ RemoteServer::Opening RemoteServer::pullInstances(const QORString& nameSpace, co
     } catch (const RemoteReplyException&) {
       closeEnumeration(nameSpace, className, context);
       throw;
-    } catch (const RemoteStatusException& status) {
-      if (isLackOfNameSpace(status)) throw CQoriProviderException(status.getWho(), status.getMessage(), kFailed);
-      throw;
+    } catch (const RemoteNameSpaceException& status) {
+      throw CQoriProviderException(status.getWho(), status.getMessage(), kFailed);
     }
   }
   return Opening::Open;
@@ -463,8 +465,4 @@ void RemoteServer::references(const QORString& nameSpace, const IQoriInstanceNam
 
 bool RemoteServer::isUnwillingToList(const RemoteStatusException& status) {
   return status.getCode() == kFailed || status.getCode() == kNotSupported || status.getCode() == kLimitsExceeded;
-}
-
-bool RemoteServer::isLackOfNameSpace(const RemoteStatusException& status) {
-  return status.getCode() == kInvalidNameSpace;
 }

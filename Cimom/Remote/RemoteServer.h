@@ -56,6 +56,11 @@ class RemoteStatusException : public CQoriProviderException {
   using CQoriProviderException::CQoriProviderException;
 };
 
+// There is no such namespace, which is the one that was asked for.
+class RemoteNameSpaceException : public RemoteStatusException {
+  using RemoteStatusException::RemoteStatusException;
+};
+
 // A reply came and could not be read.
 class RemoteReplyException : public CQoriProviderException {
   using CQoriProviderException::CQoriProviderException;
@@ -64,7 +69,8 @@ class RemoteReplyException : public CQoriProviderException {
 struct RemoteServerOptions {
   std::string name;           // as errors and __SERVER tell it
   bool hasGivenName = false;  // by a person, or because there are several
-  QORString nameSpace;        // in place of the one that is asked for; null: that
+  QORString nameSpace;        // in place of the next one, where that is asked for; null: each as it is asked for
+  QORString standsFor;        // null: any
   RemoteEndpoint endpoint;
   RemoteLimits limits;
   QORuint32 batch = 1000;  // instances of one reply
@@ -85,7 +91,9 @@ class RemoteServer {
   bool hasGivenName() const noexcept { return _options.hasGivenName; }
   // The namespace that is asked on the server for this one.
   const QORString& nameSpaceFor(const QORString& nameSpace) const noexcept {
-    return _options.nameSpace.isNull() ? nameSpace : _options.nameSpace;
+    const bool hasOther = !_options.nameSpace.isNull() &&
+                          (_options.standsFor.isNull() || _options.standsFor.isEqualCaseInsensitive(nameSpace));
+    return hasOther ? _options.nameSpace : nameSpace;
   }
 
   // Declarations. None where the server has no such class.
@@ -94,8 +102,7 @@ class RemoteServer {
   // is asked for each as before.
   void fetchClasses(const QORString& nameSpace);
   std::vector<QORString> classNames(const QORString& nameSpace);
-  // Those that its interop namespace tells, interop namespaces excepted; none where another namespace stands for each
-  // that is asked for, and where the server does not tell them.
+  // Those that its interop namespace tells, interop namespaces excepted; none where it does not tell them.
   std::vector<QORString> nameSpaces();
   std::vector<CimQualifierDeclaration> qualifiers(const QORString& nameSpace);
 
@@ -119,8 +126,6 @@ class RemoteServer {
                   const CIMApi::PropertyNames& names, const Taker& taker);
   // A status that says of a class of associations that its instances are not listed.
   static bool isUnwillingToList(const RemoteStatusException& status);
-  // A status that says that there is no such namespace.
-  static bool isLackOfNameSpace(const RemoteStatusException& status);
 
   // Whether instances are asked for in batches, as far as is known; for explanations.
   bool pullsInstances() const noexcept { return _pulls; }

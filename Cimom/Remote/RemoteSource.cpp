@@ -107,8 +107,8 @@ void RemoteSource::askEach(const std::vector<std::size_t>& servers, const Work& 
     };
     try {
       work(*_servers[servers[i]], i);
-    } catch (const RemoteStatusException& status) {
-      if (!isLackOfNameSpace(servers[i], status)) note();
+    } catch (const RemoteNameSpaceException&) {
+      if (!_options.mayLackNameSpaces) note();
     } catch (...) {
       note();
     }
@@ -116,11 +116,6 @@ void RemoteSource::askEach(const std::vector<std::size_t>& servers, const Work& 
   if (failures.empty()) return;
   if (!isComplete) std::rethrow_exception(failures.begin()->second);
   settle(servers, failures);
-}
-
-bool RemoteSource::isLackOfNameSpace(std::size_t server, const RemoteStatusException& status) const {
-  return _options.mayLackNameSpaces && _options.servers[server].nameSpace.isNull() &&
-         RemoteServer::isLackOfNameSpace(status);
 }
 
 void RemoteSource::settle(const std::vector<std::size_t>& asked, const Failures& failures) {

@@ -23,7 +23,7 @@
 struct RemoteSourceOptions {
   std::vector<RemoteServerOptions> servers;  // at least one
   bool requiresAll = false;                  // the failure of one fails the statement
-  // A server that has not got the namespace, and for which no other one stands, has nothing there: no failure.
+  // A server that has not got the namespace has nothing there: no failure, unless it is one that stands for another.
   bool mayLackNameSpaces = false;
   std::size_t parallel = 8;  // servers that are asked at the same time
 };
@@ -85,7 +85,6 @@ class RemoteSource final : public OuterSource {
   void settle(const std::vector<std::size_t>& asked, const Failures& failures);
   std::vector<std::size_t> serversFor(const QORString& className) const;
   std::vector<std::size_t> serversOf(const IQoriInstanceName& name, std::vector<std::size_t> servers) const;
-  bool isLackOfNameSpace(std::size_t server, const RemoteStatusException& status) const;
   bool isOfNone(const IQoriInstanceName& name) const;
   RemoteClasses::Fetched fetchClass(const QORString& nameSpace, const QORString& className);
   bool wantsAllClasses(const QORString& nameSpace);

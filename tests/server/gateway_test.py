@@ -1,5 +1,6 @@
 """A server that asks others: it answers what they do, and no reply lacks what one of them has without a word."""
 # SPDX-License-Identifier: Apache-2.0
+import os
 import re
 
 import servercase
@@ -192,6 +193,25 @@ class GatewayTest(ServerCase):
         self.assertEqual(len(again.items), 4)
         cut = self.judged(client.call("EnumerateInstances", "root/first", ClassName="T_A"))
         self.assertEqual(cut.error, 1, "whether it has some is not known")
+
+    def test_the_namespace_of_a_profile_stands_for_that_of_the_gateway_alone(self):
+        spaces = 'class T_A { [Key] string Id; }; instance of T_A { Id = "%s"; };'
+        behind = [self.serve("--no-live", "-m", self.write(f"{number}.mof", mof)) for number, mof in enumerate(
+            (spaces % "one", f'#pragma namespace("root/far")\n{spaces % "two"}'))]
+        os.makedirs(os.path.join(self.folder, ".config", "qorql"))
+        profile = os.path.join(self.folder, ".config", "qorql", "servers.ini")
+        for namespace, status in (("root/far", 0), ("root/gone", 3)):
+            with open(profile, "w", encoding="utf-8") as file:
+                file.write(f"[two]\nurl = {behind[1].url}\nnamespace = {namespace}\n")
+            client = self.client(self.serve("--no-live", "--server", f"one={behind[0].url}", "--server", "two"))
+            found = self.judged(client.call("EnumerateInstances", ClassName="T_A"))
+            self.assertEqual(found.error, status)
+            self.assertEqual(self.judged(client.call("EnumerateClassNames", "root/bogus")).error, 3)
+            if status == 0:
+                self.assertEqual([one.text for one in found.tree.iter("KEYVALUE")], ["one", "two"])
+                self.assertEqual(self.judged(client.call("EnumerateInstances", "root/bogus", ClassName="T_A")).error, 3)
+                far = self.judged(client.call("EnumerateInstances", "root/far", ClassName="T_A"))
+                self.assertEqual([one.text for one in far.tree.iter("KEYVALUE")], ["two"])
 
     def test_a_server_that_is_gone_is_told_in_place_of_fewer_instances(self):
         behind, gateway = self.serve_two(MODEL % "one", MODEL % "two")

@@ -64,6 +64,7 @@ RemoteServerOptions serverOf(const ServerAddress& address, const ServerOptions& 
   server.hasGivenName = address.hasGivenName || options.servers.size() > 1;
   if (!nameSpace.empty() && !address.nameSpace.empty() && !QORString::equalIgnoringCase(address.nameSpace, nameSpace)) {
     server.nameSpace = QORString(address.nameSpace);
+    server.standsFor = QORString(nameSpace);
   }
   server.endpoint.url = address.url;
   server.endpoint.caFile = address.caFile.empty() ? options.caFile : address.caFile;
