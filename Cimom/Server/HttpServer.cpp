@@ -169,7 +169,7 @@ class Server : public HttpServer {
   Server(const HttpOptions& options, std::shared_ptr<HttpService> service)
       : _options(options), _shared(std::move(service), options.log, options.logsRequests) {
     _shared.limits = std::make_shared<const HttpLimits>(options.limits);
-    if (!options.usersFile.empty()) _shared.users = std::make_unique<HttpUsers>(UserFile::read(options.usersFile));
+    if (!options.usersFile.empty()) _shared.users = std::make_unique<HttpUsers>(readUsers());
     const TlsSecrets secrets(options.certificate);
     std::vector<ListeningSocket> sockets;
     for (const std::string& address : options.addresses) {
@@ -194,7 +194,7 @@ class Server : public HttpServer {
   void reload(const HttpLimits& limits, std::shared_ptr<HttpService> service) override {
     auto fresh = std::make_shared<const HttpLimits>(limits);
     std::optional<UserFile> users;
-    if (_shared.users != nullptr) users = UserFile::read(_options.usersFile);
+    if (_shared.users != nullptr) users = readUsers();
     if (!_options.certificate.file.empty()) renewListeners(TlsSecrets(_options.certificate));
     if (users) _shared.users->replace(std::move(*users));
     std::atomic_store(&_shared.limits, std::move(fresh));
@@ -214,6 +214,11 @@ class Server : public HttpServer {
   }
 
  private:
+  UserFile readUsers() const {
+    UserFile users = UserFile::read(_options.usersFile);
+    if (!users.warning().empty()) _shared.requestLog.complain(users.warning());
+    return users;
+  }
   // What is being answered is to end.
   void interrupt() { ++_shared.interruptions; }
   void waitUntilIdle(std::chrono::seconds patience, const std::function<bool()>& isHurried) {

@@ -8,6 +8,7 @@
 
 #include <fcntl.h>
 #include <sqlite3.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -59,16 +60,16 @@ StoreFile::StoreFile(const std::string& path) : _path(path) {
 
 StoreFile::~StoreFile() = default;
 
-// Makes the file where there is none, for its owner alone.
+// Makes the file where there is none, for its owner alone: it holds passwords of listeners.
 void StoreFile::requireStore() const {
-  const int file = ::open(_path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, kOwnerOnly);
-  if (file < 0) refuse(std::strerror(errno));
+  const int file = ::open(_path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, kOwnerOnly);
+  if (file < 0) refuse(errno == ELOOP ? "it is a symbolic link" : std::strerror(errno));
   std::array<unsigned char, kHeaderSize> header{};
   const ssize_t count = ::pread(file, header.data(), header.size(), 0);
   const int error = errno;
   ::close(file);
   if (count < 0) refuse(std::strerror(error));
-  if (count == 0) return;
+  if (count == 0) return static_cast<void>(::chmod(_path.c_str(), kOwnerOnly));
   const bool isDatabase = count == static_cast<ssize_t>(kHeaderSize) &&
                           std::memcmp(header.data(), kMagic.data(), kMagic.size()) == 0 &&
                           numberAt(header, kApplicationAt) == kApplication;

@@ -4,16 +4,19 @@
 
 #include <crypt.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <memory>
 #include <sstream>
 #include <stdexcept>
+#include <system_error>
 #include <vector>
 
 namespace {
@@ -73,11 +76,46 @@ std::vector<std::string> linesOf(const std::string& path) {
   return lines;
 }
 
-void refuseWhereOthersWrite(const std::string& path) {
+// Returns a warning where all may read it.
+std::string refuseWhereOthersWrite(const std::string& path) {
   struct stat status {};
   if (stat(path.c_str(), &status) != 0) fail("cannot read the users of", path);
-  if ((status.st_mode & (S_IWGRP | S_IWOTH)) == 0) return;
+  if ((status.st_mode & (S_IWGRP | S_IWOTH)) == 0) {
+    const bool isReadByAll = (status.st_mode & S_IROTH) != 0;
+    return isReadByAll ? "everybody may read " + path + ", and guess its passwords: chmod o-r " + path : "";
+  }
   throw std::runtime_error("others than its owner may write to " + path + ": chmod 600 " + path);
+}
+
+// The folder of a file, which those who replace the file take turns at.
+class LockedFolder {
+ public:
+  explicit LockedFolder(const std::filesystem::path& path)
+      : _file(open(path.has_parent_path() ? path.parent_path().c_str() : ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    const bool isLocked = _file >= 0 && flock(_file, LOCK_EX) == 0;
+    if (isLocked) return;
+    const int error = errno;
+    if (_file >= 0) close(_file);
+    errno = error;
+    fail("cannot write", path);
+  }
+  LockedFolder(const LockedFolder&) = delete;
+  LockedFolder& operator=(const LockedFolder&) = delete;
+  ~LockedFolder() { close(_file); }
+
+  // What was renamed in it survives a loss of power then.
+  void keep() const { static_cast<void>(fsync(_file)); }
+
+ private:
+  const int _file;
+};
+
+// Where a symbolic link leads.
+std::string targetOf(const std::string& path) {
+  std::error_code error;
+  if (!std::filesystem::is_symlink(path, error)) return path;
+  const std::filesystem::path target = std::filesystem::canonical(path, error);
+  return error ? path : target.string();
 }
 
 // A file that takes the place of another one, or goes away.
@@ -133,8 +171,8 @@ void refuseFault(const std::string& fault) {
 }  // namespace
 
 UserFile UserFile::read(const std::string& path) {
-  refuseWhereOthersWrite(path);
   UserFile users;
+  users._warning = refuseWhereOthersWrite(path);
   std::size_t number = 0;
   for (const std::string& line : linesOf(path)) {
     ++number;
@@ -183,9 +221,11 @@ std::string hashPassword(const std::string& password) {
   return hash;
 }
 
-void setPassword(const std::string& path, const std::string& user, const std::string& password) {
+void setPassword(const std::string& given, const std::string& user, const std::string& password) {
   refuseFault(faultOfUser(user));
   refuseFault(faultOfPassword(password));
+  const std::string path = targetOf(given);
+  const LockedFolder folder(path);
   std::vector<std::string> lines;
   if (exists(path)) lines = linesOf(path);
   const std::string entry = user + ':' + hashPassword(password);
@@ -197,12 +237,16 @@ void setPassword(const std::string& path, const std::string& user, const std::st
   }
   if (!isThere) lines.push_back(entry);
   writeLines(path, lines);
+  folder.keep();
 }
 
-void removeUser(const std::string& path, const std::string& user) {
+void removeUser(const std::string& given, const std::string& user) {
+  const std::string path = targetOf(given);
+  const LockedFolder folder(path);
   std::vector<std::string> lines = linesOf(path);
   if (std::erase_if(lines, [&](const std::string& line) { return userOf(line) == user; }) == 0) {
     throw std::invalid_argument("there is no user " + user + " in " + path);
   }
   writeLines(path, lines);
+  folder.keep();
 }

@@ -18,9 +18,12 @@ class UserFile {
   // which is made to take long.
   bool isRight(const std::string& user, const std::string& password) const;
   bool isEmpty() const noexcept { return _hashes.empty(); }
+  // What whoever runs the server should know: everybody may read the file. Empty when all is well.
+  const std::string& warning() const noexcept { return _warning; }
 
  private:
   std::map<std::string, std::string, std::less<>> _hashes;
+  std::string _warning;
   std::string _nobody;  // the hash that a user's password is compared with who is not there
 };
 
@@ -33,8 +36,8 @@ std::string hashPassword(const std::string& password);
 
 // Gives a user a password, or takes the user out; the file is made when there is none, and is then for its owner alone.
 // It is replaced as a whole: whoever reads it meanwhile sees it as it was before or as it is afterwards. Its other
-// lines stay. THROWS std::runtime_error: what is wrong with the arguments, there is no such user to take out, or the
-// file cannot be written.
+// lines stay. Others who change it at the same time wait. A symbolic link stays one. THROWS std::runtime_error: what is
+// wrong with the arguments, there is no such user to take out, or the file cannot be written.
 void setPassword(const std::string& path, const std::string& user, const std::string& password);
 void removeUser(const std::string& path, const std::string& user);
 

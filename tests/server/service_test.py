@@ -40,6 +40,17 @@ class ServiceTest(ServerCase):
         self.assertEqual(done.returncode, 0, done.stderr)
         self.assertNotRegex(done.stderr.decode(), "(?i)unknown|fail|invalid|ignor")
 
+    def test_files_that_a_group_may_read_are_taken_without_a_warning(self):
+        """As root gives them to the user of the service."""
+        users = os.path.join(self.folder, "users")
+        self.run_tool("passwd", users, "anna", stdin=b"secret\n")
+        os.chmod(users, 0o640)
+        self.run_tool("passwd", users, "bert", stdin=b"secret\n")
+        self.assertEqual(os.stat(users).st_mode & 0o777, 0o640)
+        self.assertEqual(self.serve("--no-live", "--users", users).log(), [])
+        os.chmod(users, 0o644)
+        self.assertIn("everybody may read", self.serve("--no-live", "--users", users).log(1)[0]["problem"])
+
     def test_the_example_serves_as_it_is(self):
         server = self.serve("--config", os.path.join(FOLDER, "server.ini"), "--no-live")
         self.assertEqual(server.stop(), 0)
@@ -48,7 +59,9 @@ class ServiceTest(ServerCase):
         """Each limit with its default, and each key that there is."""
         text = read("server.ini")
         commented = dict(re.findall(r"^;([\w-]+) = (.*)$", text, re.MULTILINE))
-        keys = set(commented) | set(re.findall(r"^([\w-]+) =", text, re.MULTILINE))
+        every = re.findall(r"^;?([\w-]+) =", text, re.MULTILINE)
+        keys = set(every)
+        self.assertEqual(len(every), len(keys), "a key is there twice")
         done = self.run_tool("serve", "--set", "server.nonsense=1")
         known = re.search(r"there are (.*)\n", done.stderr.decode()).group(1)
         self.assertEqual(keys, set(known.split(", ")))

@@ -37,6 +37,24 @@ TEST(StoreFile, IsMadeForItsOwnerAlone) {
   EXPECT_EQ(refusalOf(folder.file()), "");
 }
 
+TEST(StoreFile, ASymbolicLinkIsRefusedAndMakesNothing) {
+  const StoreFolder folder;
+  const std::string target = folder.file() + "-target";
+  std::filesystem::create_symlink(target, folder.file());
+  EXPECT_THAT(refusalOf(folder.file()), HasSubstr("it is a symbolic link"));
+  EXPECT_FALSE(std::filesystem::exists(target));
+}
+
+TEST(StoreFile, AnEmptyFileOfAllIsForItsOwnerAloneThen) {
+  const StoreFolder folder;
+  { const std::ofstream made(folder.file()); }
+  ASSERT_EQ(chmod(folder.file().c_str(), 0644), 0);
+  EXPECT_EQ(refusalOf(folder.file()), "");
+  struct stat state {};
+  ASSERT_EQ(stat(folder.file().c_str(), &state), 0);
+  EXPECT_EQ(state.st_mode & 0777U, 0600U);
+}
+
 TEST(StoreFile, AnEmptyFileBecomesAStore) {
   const StoreFolder folder;
   std::ofstream(folder.file()).flush();

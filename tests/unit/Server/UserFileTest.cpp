@@ -4,10 +4,13 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
+#include <thread>
+#include <vector>
 
 #include "Cimom/Server/UserFile.h"
 
@@ -116,6 +119,35 @@ TEST_F(UsersInAFile, AFileThatOthersMayWriteIsRefused) {
   setPassword(path(), "anna", "secret");
   chmod(path().c_str(), 0620);
   EXPECT_EQ(refusal(), "others than its owner may write to " + path() + ": chmod 600 " + path());
+}
+
+TEST_F(UsersInAFile, AFileThatAllMayReadIsToldOf) {
+  setPassword(path(), "anna", "secret");
+  EXPECT_EQ(UserFile::read(path()).warning(), "");
+  chmod(path().c_str(), 0640);
+  EXPECT_EQ(UserFile::read(path()).warning(), "");
+  chmod(path().c_str(), 0644);
+  EXPECT_EQ(UserFile::read(path()).warning(),
+            "everybody may read " + path() + ", and guess its passwords: chmod o-r " + path());
+}
+
+TEST_F(UsersInAFile, ASymbolicLinkStaysOne) {
+  const std::string link = path() + "-link";
+  setPassword(path(), "anna", "secret");
+  std::filesystem::create_symlink(path(), link);
+  setPassword(link, "bert", "secret");
+  removeUser(link, "anna");
+  EXPECT_TRUE(std::filesystem::is_symlink(link));
+  EXPECT_TRUE(UserFile::read(path()).isRight("bert", "secret"));
+  EXPECT_FALSE(UserFile::read(path()).isRight("anna", "secret"));
+}
+
+TEST_F(UsersInAFile, NobodyIsLostWhereSeveralAreChangedAtOnce) {
+  std::vector<std::thread> changes;
+  for (int i = 0; i < 8; ++i) changes.emplace_back([&, i] { setPassword(path(), "u" + std::to_string(i), "secret"); });
+  for (std::thread& each : changes) each.join();
+  const std::string all = text();
+  EXPECT_EQ(std::count(all.begin(), all.end(), '\n'), 8);
 }
 
 TEST_F(UsersInAFile, AFileThatIsNotThereIsTold) {
