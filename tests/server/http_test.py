@@ -67,6 +67,32 @@ class HttpTest(ServerCase):
         connection.send(head_of("GetClass", len(self.body)) + self.body)
         self.assert_answered(connection)
 
+    def test_a_client_that_waits_is_told_to_go_on_or_why_not(self):
+        server = self.serve_plant()
+        connection = self.raw(server)
+        connection.send(head_of("GetClass", len(self.body), "Expect: 100-continue"))
+        self.assertEqual(connection.read_head(), (100, {}))
+        connection.send(self.body)
+        self.assert_answered(connection)
+        refused = self.raw(server)
+        refused.send(head_of("GetClass", 100 << 20, "Expect: 100-continue"))
+        self.assertEqual(refused.read_head()[0], 413)
+
+    def test_extensions_of_chunks_are_skipped(self):
+        connection = self.raw(self.serve_plant())
+        connection.send(head_of("GetClass", None, "Transfer-Encoding: chunked") +
+                        b"%x;a=b\r\n%s\r\n0;c\r\n\r\n" % (len(self.body), self.body))
+        self.assert_answered(connection)
+
+    def test_what_follows_a_request_that_is_none_is_not_read_as_one(self):
+        server = self.serve_plant()
+        connection, good = self.raw(server), head_of("GetClass", len(self.body)) + self.body
+        connection.send(good + head_of("GetClass", "x") + self.body + good)
+        self.assert_answered(connection)
+        self.assertEqual(connection.read_reply()[0], 400)
+        self.assertEqual(connection.read_head()[0], 0)
+        self.assertEqual([line["http"] for line in server.log(2) if "http" in line].count(200), 1)
+
     def test_http_1_0_is_answered_and_closed(self):
         connection = self.raw(self.serve_plant())
         connection.send(head_of("GetClass", len(self.body), version="HTTP/1.0") + self.body)
