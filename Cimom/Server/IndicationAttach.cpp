@@ -1,6 +1,7 @@
 // The service takes over what an object manager and a store hold, and follows what changes of it.
 // Tested by tests/unit/Server/IndicationServiceTest.cpp.
 // SPDX-License-Identifier: Apache-2.0
+#include <set>
 #include <utility>
 
 #include "Cimom/CimXml/CimXmlException.h"
@@ -81,6 +82,7 @@ void IndicationService::State::attach(const std::shared_ptr<EmbeddedObjectManage
     if (_table.findHandler(path) == nullptr) gone.push_back(path);
   }
   for (const std::string& path : gone) retire(path);
+  forgetQueues();
   ++_filtersVersion;
 }
 
@@ -139,6 +141,25 @@ void IndicationService::State::open(const ListenerDestination& destination) {
                                                           destination.url, kept.id);
   if (kept.queued > 0) channel.listener->wake(kept.queued);
   _channels.emplace(destination.path, std::move(channel));
+}
+
+// Of listeners that nothing declares any more. Those of stored instances that do not fit at the moment are kept.
+void IndicationService::State::forgetQueues() {
+  try {
+    std::set<std::string> kept;
+    for (const ServerStore::Instance& instance : _store.instances()) {
+      if (!instance.isGone) kept.insert(instance.path);
+    }
+    for (const auto& [path, id] : _store.listeners()) {
+      if (_channels.contains(path) || kept.contains(path)) continue;
+      ServerStore::Change change(_store);
+      change.forget(id);
+      change.commit();
+      tellOfIndications("the listener " + path + " is declared no more: its queue is forgotten");
+    }
+  } catch (const QoriBaseException& fault) {
+    tellOfIndications(std::string(fault.getMessage().view()));
+  }
 }
 
 // Somebody else waits for its thread.

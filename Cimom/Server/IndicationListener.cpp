@@ -6,6 +6,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Server/IndicationListener.h"
 
+#include <algorithm>
 #include <exception>
 #include <utility>
 
@@ -17,6 +18,7 @@ namespace {
 constexpr std::size_t kBatch = 64;
 constexpr QORuint32 kQueueFull = 1;
 constexpr std::chrono::milliseconds kAfterStoreFault{1000};
+constexpr unsigned kMostDoublings = 5;  // of that pause
 
 }  // namespace
 
@@ -72,13 +74,15 @@ IndicationListener::Numbers IndicationListener::numbers() const {
 }
 
 void IndicationListener::run() {
+  unsigned faults = 0;
   while (waitForWork()) {
     try {
       deliverAll();
+      faults = 0;
     } catch (const std::exception& fault) {
       // The store cannot be read or written at the moment: what waits stays there.
       settle(Outcome::Failed, fault.what());
-      if (!pause(kAfterStoreFault)) return;
+      if (!waitForStore(faults++)) return;
       const std::lock_guard lock(_mutex);
       _hasWork = true;
     }
@@ -107,8 +111,11 @@ void IndicationListener::deliverAll() {
 
 // False when it is no longer to be delivered, or not now.
 bool IndicationListener::deliver(const ServerStore::Queued& queued) {
+  if (_unfinished && _unfinished->number == queued.number) {
+    finish(queued, _unfinished->outcome);
+    return true;
+  }
   for (unsigned failures = 0;; ++failures) {
-    if (failures > 0 && !isWaiting(queued)) return false;
     const Outcome outcome = attempt(queued);
     if (_isStopped && outcome == Outcome::Failed) return false;
     const RetrySettings settings = _observer.retrySettings();
@@ -116,7 +123,7 @@ bool IndicationListener::deliver(const ServerStore::Queued& queued) {
       finish(queued, outcome);
       return true;
     }
-    if (!pause(settings.interval)) return false;
+    if (!waitToRetry(queued, settings.interval)) return false;
   }
 }
 
@@ -165,7 +172,9 @@ std::string IndicationListener::reply(const std::string& message) {
 
 // Out of the store only now: who ends before this delivers it again, with the same number.
 void IndicationListener::finish(const ServerStore::Queued& queued, Outcome outcome) {
+  _unfinished = {queued.number, outcome};
   if (_store.remove(_id, queued.number, outcome != Outcome::Taken)) --_waiting;
+  _unfinished.reset();
   if (outcome == Outcome::Taken) return _observer.delivered(queued.subscription);
   const std::string reason = numbers().lastError;
   if (outcome == Outcome::Failed) return _observer.failed(_handler, queued.subscription, reason);
@@ -174,10 +183,23 @@ void IndicationListener::finish(const ServerStore::Queued& queued, Outcome outco
               QoriTraceLog::kWarning, QoriTraceLog::kNormal, 0, QORLog::CIMOMLOG);
 }
 
-// False when it is to stop.
-bool IndicationListener::pause(std::chrono::milliseconds time) {
+// False when it is to stop, was taken out of the queue, or can be tried elsewhere. Who changes something else of the
+// queue meanwhile does not shorten the pause.
+bool IndicationListener::waitToRetry(const ServerStore::Queued& queued, std::chrono::milliseconds time) {
+  const auto end = std::chrono::steady_clock::now() + time;
+  for (;;) {
+    const std::uint64_t changes = _changes;
+    if (!isWaiting(queued)) return false;
+    std::unique_lock lock(_mutex);
+    const auto isOver = [&] { return _isStopped || _changes != changes; };
+    if (!_changed.wait_until(lock, end, isOver)) return true;
+    if (_isStopped || _url != _transportUrl) return false;
+  }
+}
+
+// Longer each time; false when it is to stop.
+bool IndicationListener::waitForStore(unsigned faults) {
+  const auto time = kAfterStoreFault * (1U << std::min(faults, kMostDoublings));
   std::unique_lock lock(_mutex);
-  const std::uint64_t changes = _changes;
-  _changed.wait_for(lock, time, [&] { return _isStopped || _changes != changes; });
-  return !_isStopped;
+  return !_changed.wait_for(lock, time, [this] { return _isStopped.load(); });
 }

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -68,10 +69,16 @@ class IndicationListener {
   void deliverAll();
   bool deliver(const ServerStore::Queued& queued);
   enum class Outcome { Taken, Refused, Failed };
+  // What came of an indication that the store still has, since it could not be written.
+  struct Unfinished {
+    std::int64_t number = 0;
+    Outcome outcome = Outcome::Taken;
+  };
   Outcome attempt(const ServerStore::Queued& queued);
   Outcome settle(Outcome outcome, const std::string& error);
   bool isWaiting(const ServerStore::Queued& queued);
-  bool pause(std::chrono::milliseconds time);
+  bool waitToRetry(const ServerStore::Queued& queued, std::chrono::milliseconds time);
+  bool waitForStore(unsigned faults);
   std::string reply(const std::string& message);
   void finish(const ServerStore::Queued& queued, Outcome outcome);
 
@@ -90,6 +97,7 @@ class IndicationListener {
   Numbers _numbers;
   std::unique_ptr<ExportTransport> _transport;  // of the thread alone
   std::string _transportUrl;                    // of the thread alone
+  std::optional<Unfinished> _unfinished;        // of the thread alone
   std::uint64_t _messages = 0;                  // of the thread alone
   std::thread _thread;                          // started by the first work
 };

@@ -68,3 +68,5 @@ std::unique_ptr<ServerReply> IndicationService::takeExport(const ServerCall& cal
 std::vector<FilterStatement> IndicationService::filters() const { return _state->filters(); }
 
 QORuint64 IndicationService::filtersVersion() const noexcept { return _state->filtersVersion(); }
+
+void IndicationService::setWatcher(std::function<void()> watcher) { _state->setWatcher(std::move(watcher)); }

@@ -27,6 +27,7 @@ class IndicationService final : public ServerEvents {
   std::unique_ptr<ServerReply> takeExport(const ServerCall& call) override;
   std::vector<FilterStatement> filters() const override;
   QORuint64 filtersVersion() const noexcept override;
+  void setWatcher(std::function<void()> watcher) override;
 
  private:
   class State;

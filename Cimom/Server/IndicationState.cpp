@@ -49,7 +49,9 @@ void IndicationService::State::stop() noexcept {
 
 void IndicationService::State::beforeCreate(EmbeddedObjectManager& manager, const QORString& nameSpace,
                                             CimInstanceDeclaration& declaration) {
-  if (!isSubscriptionClass(nameSpace, declaration.className)) return;
+  if (!isSubscriptionClass(nameSpace, declaration.className)) {
+    return SubscriptionRules::checkOther(manager, nameSpace, declaration.className);
+  }
   const std::lock_guard lock(_mutex);
   SubscriptionRules(manager, _table, _options.origin).complete(declaration);
   const bool isHandler = declaration.className.isEqualCaseInsensitive(kHandlerClass);
@@ -74,7 +76,25 @@ void IndicationService::State::beforeRemove(EmbeddedObjectManager& manager, cons
 
 void IndicationService::State::change(EmbeddedObjectManager& manager, const InstanceChange& change,
                                       const std::function<void(ServerStore::Change&)>& write) {
-  const std::lock_guard lock(_mutex);
+  {
+    const std::lock_guard lock(_mutex);
+    take(manager, change, write);
+  }
+  if (!change.after.IsNull() && isOfSubscriptions(*change.after)) tellWatcher();
+}
+
+void IndicationService::State::setWatcher(std::function<void()> watcher) {
+  const std::lock_guard lock(_watcherMutex);
+  _watcher = std::move(watcher);
+}
+
+void IndicationService::State::tellWatcher() {
+  const std::lock_guard lock(_watcherMutex);
+  if (_watcher) _watcher();
+}
+
+void IndicationService::State::take(EmbeddedObjectManager& manager, const InstanceChange& change,
+                                    const std::function<void(ServerStore::Change&)>& write) {
   Advances advances;
   Discarded discarded;
   {
@@ -204,7 +224,7 @@ void IndicationService::State::failed(const std::string& handler, const std::str
     const Subscription* const known = _table.findSubscription(subscription);
     const ListenerDestination* const destination = _table.findHandler(handler);
     if (known == nullptr || destination == nullptr) return;
-    tellOfIndications("an indication for " + destination->url + " is dropped after " +
+    tellOfIndications("an indication for " + urlWithoutPassword(destination->url) + " is dropped after " +
                       std::to_string(_retryAttempts + 1) + " attempts: " + reason);
     const Time now = std::chrono::steady_clock::now();
     const Time since = _failing.try_emplace(subscription, now).first->second;

@@ -5,6 +5,7 @@
 #define QORQL_SERVER_INDICATIONSTATE_H
 
 #include <atomic>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -41,6 +42,7 @@ class IndicationService::State final : public WriteObserver,
   void publish(const std::vector<QORSmrPtr<IQoriObject>>& indications, const QORString& nameSpace);
   std::vector<FilterStatement> filters() const;
   QORuint64 filtersVersion() const noexcept { return _filtersVersion; }
+  void setWatcher(std::function<void()> watcher);
 
   void beforeCreate(EmbeddedObjectManager& manager, const QORString& nameSpace,
                     CimInstanceDeclaration& declaration) override;
@@ -75,6 +77,9 @@ class IndicationService::State final : public WriteObserver,
   };
   using Advances = std::map<Channel*, Advance>;
 
+  void take(EmbeddedObjectManager& manager, const InstanceChange& change,
+            const std::function<void(ServerStore::Change&)>& write);
+  void tellWatcher();
   void queue(ServerStore::Change& kept, const Object& indication, const QORString& nameSpace, Advances& advances);
   static void keep(ServerStore::Change& kept, const Advances& advances);
   void settle(const Advances& advances);
@@ -84,6 +89,7 @@ class IndicationService::State final : public WriteObserver,
   void applyObject(const IQoriObject& after);
   void open(const ListenerDestination& destination);
   void retire(const std::string& handler);
+  void forgetQueues();
   // What goes with a change of a subscription or a listener.
   struct Discarded {
     Channel* channel = nullptr;
@@ -103,6 +109,9 @@ class IndicationService::State final : public WriteObserver,
   std::atomic<QORuint64> _filtersVersion{1};
   std::atomic<std::size_t> _failingCount{0};
   std::atomic<QORuint64> _contexts{0};
+
+  std::mutex _watcherMutex;  // taken without the table's
+  std::function<void()> _watcher;
 
   std::mutex _managerMutex;  // the janitor's jobs and attach() take turns
   std::shared_ptr<EmbeddedObjectManager> _manager;

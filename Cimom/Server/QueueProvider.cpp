@@ -17,7 +17,7 @@ Value textOrNull(const std::string& value) { return value.empty() ? Value() : Va
 Value valueOf(const QueueRow& row, const QORString& property) {
   const auto is = [&](const char* name) { return property.isEqualCaseInsensitive(name); };
   if (is("Handler")) return textOrNull(row.destination.path);
-  if (is("Destination")) return textOrNull(row.destination.url);
+  if (is("Destination")) return textOrNull(urlWithoutPassword(row.destination.url));
   if (is("SequenceContext")) return textOrNull(row.state.context);
   if (is("NextSequenceNumber")) return new CQoriValue(static_cast<long>(row.state.next), CQoriType::sint64);
   if (is("Queued")) return count(static_cast<std::uint64_t>(row.state.queued));

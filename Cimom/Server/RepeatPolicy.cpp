@@ -7,12 +7,15 @@
 namespace {
 
 constexpr std::size_t kFew = 1024;
+constexpr std::size_t kMostEvents = 100000;
+constexpr std::size_t kMostTimes = 1000000;  // of all events together
 
 }  // namespace
 
 bool RepeatMemory::lets(const std::string& event, Time now) {
   if (_rule.policy == RepeatRule::Policy::None) return true;
   if (_events.size() >= _most) forget(now);
+  if (_times >= kMostTimes || _events.size() >= kMostEvents) forgetAll();
   Event& known = _events[event];
   return _rule.policy == RepeatRule::Policy::Suppress ? letsFirst(known, now) : letsLate(known, now);
 }
@@ -26,12 +29,17 @@ bool RepeatMemory::letsFirst(Event& event, Time now) const {
   return ++event.sent <= _rule.count;
 }
 
-bool RepeatMemory::letsLate(Event& event, Time now) const {
+bool RepeatMemory::letsLate(Event& event, Time now) {
   if (now < event.silentUntil) return false;
   event.begin = now;
-  while (!event.seen.empty() && now - event.seen.front() >= _rule.interval) event.seen.pop_front();
+  while (!event.seen.empty() && now - event.seen.front() >= _rule.interval) {
+    event.seen.pop_front();
+    --_times;
+  }
   event.seen.push_back(now);
+  ++_times;
   if (event.seen.size() <= _rule.count) return false;
+  _times -= event.seen.size();
   event.seen.clear();
   event.silentUntil = now + _rule.gap;
   return true;
@@ -39,7 +47,15 @@ bool RepeatMemory::letsLate(Event& event, Time now) const {
 
 void RepeatMemory::forget(Time now) {
   std::erase_if(_events, [&](const auto& each) {
-    return now - each.second.begin >= _rule.interval && now >= each.second.silentUntil;
+    const bool isOver = now - each.second.begin >= _rule.interval && now >= each.second.silentUntil;
+    if (isOver) _times -= each.second.seen.size();
+    return isOver;
   });
   _most = std::max(kFew, 2 * _events.size());
+}
+
+void RepeatMemory::forgetAll() {
+  _events.clear();
+  _times = 0;
+  _most = kFew;
 }

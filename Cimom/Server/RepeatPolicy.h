@@ -23,7 +23,9 @@ struct RepeatRule {
   std::chrono::seconds gap{0};
 };
 
-// The events of one subscription. One thread at a time. Events that are long over are forgotten.
+// The events of one subscription. One thread at a time. Events that are long over are forgotten,
+// and all of them when they become very many: then some indications may be sent that would have been suppressed, or
+// later.
 class RepeatMemory {
  public:
   using Time = std::chrono::steady_clock::time_point;
@@ -42,12 +44,14 @@ class RepeatMemory {
   };
 
   bool letsFirst(Event& event, Time now) const;
-  bool letsLate(Event& event, Time now) const;
+  bool letsLate(Event& event, Time now);
   void forget(Time now);
+  void forgetAll();
 
   const RepeatRule _rule;
   std::unordered_map<std::string, Event> _events;
-  std::size_t _most = 0;  // before those that are over are looked for
+  std::size_t _times = 0;  // that all events hold
+  std::size_t _most = 0;   // before those that are over are looked for
 };
 
 #endif

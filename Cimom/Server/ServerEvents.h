@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -54,6 +55,10 @@ class ServerEvents {
   virtual std::vector<Filter> filters() const = 0;
   // Another number after each change of them.
   virtual QORuint64 filtersVersion() const noexcept = 0;
+  // Has that called after a client has changed them and before it gets its reply, so that a watcher may see to it that
+  // nothing is missed from then on. One at a time; an empty one ends that, and waits for the call that is under way. It
+  // must not write nor wait for a change of filters.
+  virtual void setWatcher(std::function<void()> watcher) = 0;
 };
 
 // Somebody who is sent indications. Called by many threads at once.

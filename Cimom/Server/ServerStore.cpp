@@ -29,6 +29,14 @@ ServerStore::Listener ServerStore::listener(const std::string& path, const std::
   return found;
 }
 
+std::vector<std::pair<std::string, std::int64_t>> ServerStore::listeners() {
+  StoreTransaction reading(_file, Lasting::Process);
+  std::vector<std::pair<std::string, std::int64_t>> found;
+  StoreFile::Run run = _file.run("SELECT path, id FROM listener ORDER BY id");
+  while (run.next()) found.emplace_back(run.text(0), run.number(1));
+  return found;
+}
+
 std::vector<ServerStore::Queued> ServerStore::queued(std::int64_t listener, std::size_t most) {
   StoreTransaction reading(_file, Lasting::Process);
   std::vector<Queued> found;

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "Cimom/Server/StoreFile.h"
@@ -43,6 +44,8 @@ class ServerStore {
   std::vector<Instance> instances();
   // The listener of that path; one that is not known yet begins with that context.
   Listener listener(const std::string& path, const std::string& context);
+  // All that are known, by path, with their numbers.
+  std::vector<std::pair<std::string, std::int64_t>> listeners();
   // The indications that wait longest.
   std::vector<Queued> queued(std::int64_t listener, std::size_t most);
   // Takes one out of the queue; false when it is not there any more.

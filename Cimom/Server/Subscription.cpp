@@ -2,7 +2,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Server/Subscription.h"
 
+#include <arpa/inet.h>
+
 #include <algorithm>
+#include <charconv>
+#include <string_view>
 
 #include "Cimom/CimXml/CimXmlException.h"
 #include "Cimom/Server/IndicationClasses.h"
@@ -87,21 +91,47 @@ std::chrono::seconds secondsOf(const IQoriObject& object, const char* property) 
   return std::chrono::seconds(std::min(numberOf(object, property, 0), kTenYears));
 }
 
-bool isUrl(const std::string& text) {
+// What stands in the URL before the path, behind the scheme; nothing for another scheme.
+std::string_view authorityOf(std::string_view url) {
   for (const std::string_view scheme : {"http://", "https://"}) {
-    if (QORString::equalIgnoringCase(std::string_view(text).substr(0, scheme.size()), scheme)) {
-      return text.size() > scheme.size() && text.find_first_of(" \t\r\n") == std::string::npos;
-    }
+    if (!QORString::equalIgnoringCase(url.substr(0, scheme.size()), scheme)) continue;
+    const std::string_view rest = url.substr(scheme.size());
+    return rest.substr(0, rest.find_first_of("/?#"));
   }
-  return false;
+  return {};
+}
+
+// Nothing at all is the scheme's own port.
+bool isPort(std::string_view text) {
+  constexpr unsigned kMost = 65535;
+  if (text.empty()) return true;
+  if (text.front() != ':') return false;
+  unsigned port = 0;
+  const char* const end = text.data() + text.size();
+  const auto [last, error] = std::from_chars(text.data() + 1, end, port);
+  return error == std::errc() && last == end && port >= 1 && port <= kMost;
+}
+
+bool isUrl(const std::string& text) {
+  const bool isPlain =
+      std::none_of(text.begin(), text.end(), [](char one) { return static_cast<unsigned char>(one) <= ' '; });
+  std::string_view place = authorityOf(text);
+  place.remove_prefix(place.rfind('@') == std::string_view::npos ? 0 : place.rfind('@') + 1);
+  const bool isNumeric = !place.empty() && place.front() == '[';
+  const std::size_t end = isNumeric ? place.find(']') : std::min(place.find(':'), place.size());
+  if (!isPlain || end == std::string_view::npos || end <= (isNumeric ? 1U : 0U)) return false;
+  if (!isNumeric) return isPort(place.substr(end));
+  const std::string address(place.substr(1, end - 1));
+  in6_addr read{};
+  return inet_pton(AF_INET6, address.c_str(), &read) == 1 && isPort(place.substr(end + 1));
 }
 
 RepeatRule readRepeat(const IQoriObject& object) {
   RepeatRule rule;
   rule.policy = static_cast<RepeatRule::Policy>(choiceOf(object, "RepeatNotificationPolicy", 2, 4));
   rule.count = numberOf(object, "RepeatNotificationCount", 0);
-  rule.interval = std::chrono::seconds(numberOf(object, "RepeatNotificationInterval", 0));
-  rule.gap = std::chrono::seconds(numberOf(object, "RepeatNotificationGap", 0));
+  rule.interval = secondsOf(object, "RepeatNotificationInterval");
+  rule.gap = secondsOf(object, "RepeatNotificationGap");
   if (rule.policy == RepeatRule::Policy::None) return rule;
   if (rule.interval.count() == 0) refuseValue("RepeatNotificationPolicy needs a RepeatNotificationInterval");
   if (valueOf(object, "RepeatNotificationCount").IsNull()) {
@@ -111,6 +141,13 @@ RepeatRule readRepeat(const IQoriObject& object) {
 }
 
 }  // namespace
+
+std::string urlWithoutPassword(const std::string& url) {
+  const std::size_t scheme = url.find("://");
+  const std::size_t begin = scheme == std::string::npos ? 0 : scheme + 3;
+  const std::size_t at = url.rfind('@');
+  return at == std::string::npos || at < begin ? url : url.substr(0, begin) + "***@" + url.substr(at + 1);
+}
 
 QORSmrPtr<IQoriValue> valueOf(const IQoriObject& object, const char* property) {
   const QORSmrPtr<IQoriProperty> found(object.getProperty(property, true));
@@ -136,7 +173,7 @@ ListenerDestination readDestination(const IQoriObject& object) {
   destination.name = object.getInstanceName();
   destination.url = textOf(object, "Destination");
   if (!isUrl(destination.url)) {
-    refuseValue("Destination is \"" + destination.url + "\", and has to be a URL of http or https");
+    refuseValue("Destination is \"" + urlWithoutPassword(destination.url) + "\", and has to be a URL of http or https");
   }
   constexpr QORuint64 kTransient = 3;
   destination.isTransient = choiceOf(object, "PersistenceType", 2, kTransient) == kTransient;

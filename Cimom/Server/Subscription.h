@@ -44,6 +44,9 @@ struct Subscription {
 // The value of a property; null when the object has none.
 QORSmrPtr<IQoriValue> valueOf(const IQoriObject& object, const char* property);
 
+// The URL as messages and logs show it: a user and a password in it are left out.
+std::string urlWithoutPassword(const std::string& url);
+
 // THROW CimStatusException for what the rules forbid: 4 for a value, 14 for a language, 15 for a query.
 SubscriptionFilter readFilter(const IQoriObject& object);
 ListenerDestination readDestination(const IQoriObject& object);

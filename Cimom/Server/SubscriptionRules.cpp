@@ -7,6 +7,7 @@
 
 #include "Cimom/CimXml/CimXmlException.h"
 #include "Cimom/Server/IndicationClasses.h"
+#include "Cimom/Server/ServerClasses.h"
 #include "Cimom/Server/StatusCodes.h"
 #include "cimom/CQoriValue.h"
 
@@ -31,6 +32,17 @@ QORString newName(const IndicationOrigin& origin) {
 bool isSubscriptionClass(const QORString& nameSpace, const QORString& className) {
   return isOf(nameSpace, kSubscriptionSpace) &&
          (isOf(className, kFilterClass) || isOf(className, kHandlerClass) || isOf(className, kSubscriptionClass));
+}
+
+void SubscriptionRules::checkOther(const EmbeddedObjectManager& manager, const QORString& nameSpace,
+                                   const QORString& className) {
+  if (!isOf(nameSpace, kSubscriptionSpace)) return;
+  const ServerClasses space(manager, nameSpace);
+  for (const char* known : {kFilterClass, kHandlerClass, kSubscriptionClass}) {
+    if (!space.isA(className, known)) continue;
+    throw CimStatusException(cimstatus::kInvalidParameter,
+                             "a " + std::string(className.view()) + " would not be in force: create a " + known);
+  }
 }
 
 void SubscriptionRules::fill(CimInstanceDeclaration& declaration, const char* property, const QORString& value) const {

@@ -19,6 +19,8 @@ class SubscriptionRules {
   SubscriptionRules(EmbeddedObjectManager& manager, const SubscriptionTable& table, const IndicationOrigin& origin)
       : _manager(manager), _table(table), _origin(origin) {}
 
+  // Refuses, with 4, an instance of a class below those of subscriptions, which would be checked by nobody.
+  static void checkOther(const EmbeddedObjectManager& manager, const QORString& nameSpace, const QORString& className);
   // Fills in what a client may leave out, and refuses what is wrong: with 4, or 14 or 15 for a filter's language and
   // query.
   void complete(CimInstanceDeclaration& declaration) const;

@@ -6,6 +6,7 @@ import signal
 import ssl
 import subprocess
 import sys
+import time
 import unittest
 
 import servercase
@@ -45,6 +46,28 @@ class IndicationTest(SubscriptionCase):
             started.kill()
         self.assertEqual([(one["class"], one["SourceInstance"]["class"]) for one in found],
                          [("CIM_InstCreation", "Linux_Process")])
+
+    def test_live_changes_right_after_the_reply_and_around_reading_anew_are_seen(self):
+        listener = self.listen()
+        server = self.serve("--writable", "--interval", "1.5")
+        self.subscribe(server, listener.url,
+                       "SELECT * FROM CIM_InstCreation WHERE SourceInstance ISA Linux_Process "
+                       "AND SourceInstance.Linux_Process::Name = 'sleep'")
+        with subprocess.Popen(["sleep", "60"]) as first:
+            self.assert_seen(listener, first)
+            with subprocess.Popen(["sleep", "61"]) as second:
+                server.send_signal(signal.SIGHUP)
+                self.assert_seen(listener, second)
+                second.kill()
+            first.kill()
+
+    def assert_seen(self, listener, process):
+        """A process is among those of which the listener gets to know."""
+        seen = set()
+        end = time.monotonic() + 8
+        while str(process.pid) not in seen and time.monotonic() < end:
+            seen |= {one["SourceInstance"]["Handle"] for one in listener.indications(1, 0.5)}
+        self.assertIn(str(process.pid), seen)
 
     def test_what_is_sent_is_plain_and_valid(self):
         server, listener = self.serve_disks(), self.play()
@@ -173,6 +196,28 @@ class IndicationTest(SubscriptionCase):
                 server, "Delivered" if isTaken else "Dropped") == 1)
             self.assertEqual(len(listener.messages), 1 if isTaken else 0)
             server.stop()
+
+    def test_a_listener_of_the_tool_with_a_certificate_and_users(self):
+        made = certificates.Certificates(self.folder)
+        certificate, key = made.make("listener")
+        users = os.path.join(self.folder, "users")
+        self.assertEqual(self.run_tool("passwd", users, "anna", stdin=b"secret\n").returncode, 0)
+        listener = self.listen("--tls-cert", certificate, "--tls-key", key, "--users", users, "--count", "1")
+        server = self.serve_disks("--listener-ca", made.authority)
+        self.set_retry(server, 0, 0)
+        asked = self.create_filter(server)
+        wrong = self.tie(server, asked, self.create_handler(server, listener.url.replace("//", "//anna:guessed@")))
+        self.alert(server, "x")
+        self.wait_for(lambda: self.queue(server, "Dropped") == 1)
+        self.assertEqual(self.delete(server, wrong), 0)
+        self.tie(server, asked, self.create_handler(server, listener.url.replace("//", "//anna:secret@"), name="right"))
+        self.alert(server, "y")
+        self.assertEqual([one["Message"] for one in listener.indications(1)], ["y"])
+        self.assertEqual(listener.process.wait(20), 0)
+        for text in (server.log_text(), listener.error_text()):
+            self.assertNotIn("secret", text)
+            self.assertNotIn("guessed", text)
+        self.assertIn("an indication for https://***@127.0.0.1", server.log_text())
 
     @unittest.skipUnless(shutil.which("wbemcli"), "this system has no wbemcli")
     def test_the_example_of_the_document(self):

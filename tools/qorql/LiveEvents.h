@@ -8,13 +8,16 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <vector>
 
 #include "Cimom/Server/ServerEvents.h"
 #include "Cimom/Server/ServerModel.h"
 #include "LiveWatch.h"
 
 // Looks at the live classes again and again, on a thread of its own, while there
-// are filters that ask for their changes. BORROWS model and events.
+// are filters that ask for their changes. What changes after a client has its reply to
+// a subscription is seen, also while another object manager takes the first one's place.
+// BORROWS model and events.
 class LiveEvents {
  public:
   LiveEvents(ServerModel& model, ServerEvents& events, const QORString& nameSpace, std::chrono::milliseconds interval);
@@ -26,8 +29,12 @@ class LiveEvents {
  private:
   void run();
   void look();
+  void see();
+  void publish();
   // What is watched now, where filters or object manager have changed.
   void renew(const ServerModel::Manager& manager);
+  // Waits until the filters that there are now are watched, so that a client's reply comes after that.
+  void follow();
 
   ServerModel& _model;
   ServerEvents& _events;
@@ -36,10 +43,14 @@ class LiveEvents {
   std::mutex _mutex;
   std::condition_variable _changed;
   bool _isStopped = false;
+  bool _isAsked = false;    // to look at once
+  QORuint64 _followed = 0;  // the version of the filters at the last look
+  std::condition_variable _looked;
   // Of the thread alone.
-  const EmbeddedObjectManager* _manager = nullptr;  // of the watch; may be gone
-  std::unique_ptr<LiveWatch> _watch;                // null: nothing is asked for
+  ServerModel::Manager _manager;      // of the watch, which borrows it
+  std::unique_ptr<LiveWatch> _watch;  // null: nothing is asked for
   QORuint64 _version = 0;
+  std::vector<QORSmrPtr<IQoriObject>> _unpublished;  // seen, and not in any queue yet
   std::thread _thread;
 };
 

@@ -1,7 +1,9 @@
 // What counts as delivered, with listeners as they are met.
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Server/IndicationListener.h"
+#include "FullDisk.h"
 #include "PlayedListeners.h"
+#include "StoreFolder.h"
 
 namespace {
 
@@ -14,8 +16,9 @@ constexpr const char* kUrl = "http://a";
 // One listener with indications in its queue, and what is heard of them.
 class Delivery final : public DeliveryObserver {
  public:
-  explicit Delivery(PlayedListeners::Answer answer, unsigned attempts = 2)
-      : _attempts(attempts), _maker(_listeners.maker()) {
+  explicit Delivery(PlayedListeners::Answer answer, unsigned attempts = 2, int interval = 1,
+                    const std::string& file = "")
+      : store(file), _attempts(attempts), _interval(interval), _maker(_listeners.maker()) {
     _listeners.answer(kUrl, std::move(answer));
     _state = store.listener("handler", "context");
     ServerStore::Change change(store);
@@ -24,7 +27,7 @@ class Delivery final : public DeliveryObserver {
     _listener = std::make_unique<IndicationListener>(store, _maker, *this, "handler", kUrl, _state.id);
     _listener->wake(2);
   }
-  RetrySettings retrySettings() const noexcept override { return {_attempts, std::chrono::milliseconds(1)}; }
+  RetrySettings retrySettings() const noexcept override { return {_attempts, _interval}; }
   void delivered(const std::string&) noexcept override { ++taken; }
   void failed(const std::string&, const std::string&, const std::string&) noexcept override { ++lost; }
 
@@ -38,12 +41,13 @@ class Delivery final : public DeliveryObserver {
   IndicationListener& listener() { return *_listener; }
   void end() { _listener.reset(); }
 
-  ServerStore store{""};
+  ServerStore store;
   std::atomic<int> taken{0};
   std::atomic<int> lost{0};
 
  private:
   const unsigned _attempts;
+  const std::chrono::milliseconds _interval;
   PlayedListeners _listeners;
   const ExportTransportMaker _maker;
   ServerStore::Listener _state;
@@ -122,6 +126,44 @@ TEST(IndicationListener, EndsWithinMomentsAndLeavesWhatWaits) {
   delivery.end();
   EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(2));
   EXPECT_EQ(delivery.store.queued(id, 10).size(), 2U);
+}
+
+TEST(IndicationListener, OtherChangesOfTheQueueTakeNoAttempt) {
+  Delivery delivery(brokenConnection, 3, 60000);
+  EXPECT_TRUE(comesTrue([&] { return delivery.listener().numbers().failedAttempts == 1; }));
+  for (int i = 0; i < 20; ++i) {
+    delivery.listener().forget(0);
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  EXPECT_EQ(delivery.listener().numbers().failedAttempts, 1U);
+  EXPECT_EQ(delivery.lost, 0);
+}
+
+TEST(IndicationListener, AnotherAddressIsTriedAtOnce) {
+  Delivery delivery(brokenConnection, 3, 60000);
+  EXPECT_TRUE(comesTrue([&] { return delivery.listener().numbers().failedAttempts == 1; }));
+  delivery.listener().redirect("http://another");
+  EXPECT_TRUE(comesTrue([&] { return delivery.taken == 2; }));
+  EXPECT_EQ(delivery.lost, 0);
+}
+
+TEST(IndicationListener, WhatWasTakenIsNotSentAgainWhileTheStoreCannotBeWritten) {
+  const StoreFolder folder;
+  std::atomic<bool> isOpen{false};
+  Delivery delivery(
+      [&](const std::string& message, const std::string& id) {
+        while (!isOpen) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        return PlayedListeners::take(message, id);
+      },
+      2, 1, folder.file());
+  {
+    const FullDisk full(1024);
+    isOpen = true;
+    // The fault is told beside the success; then the store is asked again.
+    EXPECT_TRUE(comesTrue([&] { return delivery.listener().numbers().failedAttempts == 2; }));
+    EXPECT_EQ(delivery.listener().waiting(), 2);
+  }
+  EXPECT_EQ(delivery.outcome(), "2 taken, 0 lost, 2 messages");
 }
 
 }  // namespace

@@ -332,4 +332,32 @@ TEST(IndicationService, ManyPublishSubscribeAndLeaveAtOnce) {
   for (std::size_t i = 0; i < numbers.size(); ++i) EXPECT_EQ(numbers[i], std::to_string(i));
 }
 
+TEST(IndicationService, WatchersHearOfFiltersBeforeTheReply) {
+  PlayedListeners listeners;
+  Server server(listeners, "");
+  std::vector<std::size_t> heard;
+  server.service.setWatcher([&] { heard.push_back(server.service.filters().size()); });
+  server.subscribe(kAlerts, kUrl);
+  server.service.setWatcher({});
+  server.createDisk("a");
+  EXPECT_THAT(heard, ElementsAre(0U, 0U, 1U));
+}
+
+TEST(IndicationService, QueuesOfListenersThatNobodyDeclaresAreForgotten) {
+  PlayedListeners listeners;
+  const StoreFolder folder;
+  {
+    Server server(listeners, folder.file());
+    server.createHandler("h", kUrl);
+    const std::int64_t id = server.store.listener("root/interop:Other", "c").id;
+    ServerStore::Change change(server.store);
+    change.queue(id, {0, "s", "<INSTANCE CLASSNAME=\"A\"/>"});
+    change.commit();
+    EXPECT_EQ(server.store.listeners().size(), 2U);
+  }
+  Server server(listeners, folder.file());
+  ASSERT_EQ(server.store.listeners().size(), 1U);
+  EXPECT_THAT(server.store.listeners().front().first, HasSubstr("CIM_ListenerDestinationCIMXML"));
+}
+
 }  // namespace

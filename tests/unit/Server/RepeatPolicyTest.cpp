@@ -1,6 +1,7 @@
 // Which of the indications of one event are sent.
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <string>
 
@@ -47,6 +48,15 @@ TEST(RepeatPolicy, EventsAreCountedEachByItself) {
   EXPECT_TRUE(memory.lets("a", now));
   EXPECT_TRUE(memory.lets("b", now));
   EXPECT_FALSE(memory.lets("a", now));
+}
+
+TEST(RepeatPolicy, WhatIsRememberedIsBounded) {
+  RepeatMemory memory({RepeatRule::Policy::Delay, ~std::uint64_t{0}, seconds(1000000), seconds(0)});
+  const auto before = mallinfo2().uordblks;
+  for (int i = 0; i < 5000000; ++i) memory.lets("e", RepeatMemory::Time(seconds(1)));
+  EXPECT_LT(mallinfo2().uordblks - before, std::size_t{20} << 20U);
+  for (int i = 0; i < 300000; ++i) memory.lets(std::to_string(i), RepeatMemory::Time(seconds(1)));
+  EXPECT_LT(mallinfo2().uordblks - before, std::size_t{200} << 20U);
 }
 
 }  // namespace

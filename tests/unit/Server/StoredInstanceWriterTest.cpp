@@ -1,8 +1,6 @@
 // Instances that clients change, and what a store brings back of them.
 // SPDX-License-Identifier: Apache-2.0
-#include <sys/resource.h>
 
-#include <csignal>
 #include <memory>
 #include <optional>
 #include <thread>
@@ -10,6 +8,7 @@
 #include "Cimom/CimXml/CimXmlException.h"
 #include "Cimom/Server/InstanceDocument.h"
 #include "Cimom/Server/StoredInstanceWriter.h"
+#include "FullDisk.h"
 #include "StoreFolder.h"
 #include "tests/unit/Embedded/EmbeddedFixture.h"
 
@@ -142,26 +141,6 @@ TEST(StoredInstanceWriter, RefusalsHaveTheirStatus) {
   EXPECT_EQ(statusOf([&] { server.writer.modify(server.manager, Server::nameOfDisk("none"), {}); }), 6U);
   EXPECT_EQ(statusOf([&] { server.writer.remove(server.manager, Server::nameOfDisk("none")); }), 6U);
 }
-
-// No more than so many bytes can be written into a file meanwhile.
-class FullDisk {
- public:
-  explicit FullDisk(rlim_t bytes) : _handler(std::signal(SIGXFSZ, SIG_IGN)) {
-    getrlimit(RLIMIT_FSIZE, &_before);
-    const rlimit limit{bytes, _before.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  FullDisk(const FullDisk&) = delete;
-  FullDisk& operator=(const FullDisk&) = delete;
-  ~FullDisk() {
-    setrlimit(RLIMIT_FSIZE, &_before);
-    std::signal(SIGXFSZ, _handler);
-  }
-
- private:
-  rlimit _before{};
-  void (*_handler)(int);
-};
 
 TEST(StoredInstanceWriter, OnAFullDiskNothingChanges) {
   const StoreFolder folder;

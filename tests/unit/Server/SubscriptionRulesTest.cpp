@@ -144,4 +144,43 @@ TEST_F(SubscriptionRules, ThereIsALimitOfListeners) {
   EXPECT_EQ(statusOf([&] { small.createHandler("i", "http://b"); }), 27U);
 }
 
+TEST_F(SubscriptionRules, DestinationsThatNobodyCanReachAreRefused) {
+  int count = 0;
+  const auto statusOfUrl = [&](const char* url) {
+    return statusOf([&] { server.createHandler(std::to_string(++count).c_str(), url); });
+  };
+  for (const char* url : {"http:///x", "http://", "http://:80/", "http://a:99999", "http://a:0/", "http://a:x/",
+                          "https://[::1", "http://[]/", "http://[zz]/", "http://[::1]x/", "http://u:p@/", "http://a b/",
+                          "http://a\x7f\n/", "http://a:80:80/"}) {
+    EXPECT_EQ(statusOfUrl(url), 4U) << url;
+  }
+  for (const char* url : {"http://a", "HTTPS://a:65535/x?y", "http://[::1]:80/", "https://[fe80::1]", "http://u:p@a:1/",
+                          "http://127.0.0.1:9/", "http://a/x@y:z"}) {
+    EXPECT_EQ(statusOfUrl(url), 0U) << url;
+  }
+}
+
+TEST_F(SubscriptionRules, PasswordsOfDestinationsAreNotTold) {
+  try {
+    server.createHandler("h", "http://anna:secret@a:99999/x");
+    FAIL() << "it was taken";
+  } catch (const CimStatusException& refusal) {
+    EXPECT_THAT(std::string(refusal.getDescription().view()), ::testing::Not(HasSubstr("secret")));
+  }
+  server.createHandler("h", "http://anna:secret@a/x");
+  EXPECT_EQ(server.queueValue("Destination"), "http://***@a/x");
+}
+
+TEST_F(SubscriptionRules, InstancesOfClassesBelowAreRefused) {
+  for (const char* known : {kFilterClass, kHandlerClass, kSubscriptionClass}) {
+    const std::string below = std::string("My_") + known;
+    server.manager->sink().declareClass(kSubscriptionSpace, classOf(below.c_str(), known, {}));
+    EXPECT_EQ(statusOf([&] {
+                server.create(kSubscriptionSpace, instanceOf(below.c_str(), {{"Name", text("x")}}));
+              }),
+              4U)
+        << known;
+  }
+}
+
 }  // namespace
