@@ -4,6 +4,7 @@
 #ifndef QORQL_EMBEDDED_OUTERSOURCE_H
 #define QORQL_EMBEDDED_OUTERSOURCE_H
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,10 @@ class OuterSource {
   virtual std::vector<std::string> serverNames() const { return {}; }
   // The namespaces that the source tells to have, interop namespaces excepted.
   virtual std::vector<QORString> nameSpaces() { return {}; }
+  // One more source that asks the same servers, at the same time as this one; null where there is none.
+  virtual std::shared_ptr<OuterSource> another() const { return nullptr; }
+  // Whether instances of the class may be there, as far as that is known without asking. Any thread, at any time.
+  virtual bool mayHave(const QORString& /*nameSpace*/, const QORString& /*className*/) const { return true; }
   // Forgets what was found before, classes excepted: from now on is asked anew.
   virtual void beginStatement() {}
   // Declares the class and its superclasses in the sink, unless they are there.

@@ -94,6 +94,7 @@ bool RemoteClasses::provideLocked(CimDeclarationSink& sink, const QORString& nam
   } catch (const CQoriProviderException&) {
     throw;
   } catch (const QoriBaseException& refusal) {
+    if (!sink.findClass(nameSpace, className).IsNull()) return true;  // another source was quicker
     raise(className, "class " + className + " of the server cannot be used: " + refusal.getMessage());
   }
   return true;

@@ -150,6 +150,8 @@ void RemoteServer::call(Line& line, const char* operation, const QORString& name
     throw RemoteReplyException(who, describe(error.getMessage().view()), kFailed);
   } catch (const RemoteEndlessBatches& error) {
     throw RemoteReplyException(who, describe(error.what()), kFailed);
+  } catch (const RemoteSilence& silence) {
+    throw RemoteSilentException(who, describe(silence.what()), kFailed);
   } catch (const std::runtime_error& error) {
     throw CQoriProviderException(who, describe(error.what()), kFailed);
   }

@@ -61,6 +61,11 @@ class RemoteNameSpaceException : public RemoteStatusException {
   using RemoteStatusException::RemoteStatusException;
 };
 
+// The server cannot be reached, or sends nothing.
+class RemoteSilentException : public CQoriProviderException {
+  using CQoriProviderException::CQoriProviderException;
+};
+
 // A reply came and could not be read.
 class RemoteReplyException : public CQoriProviderException {
   using CQoriProviderException::CQoriProviderException;

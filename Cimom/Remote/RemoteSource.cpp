@@ -73,8 +73,12 @@ OuterSource::Objects joined(std::vector<OuterSource::Objects>&& found) {
 
 }  // namespace
 
-RemoteSource::RemoteSource(RemoteSourceOptions options)
-    : _options(std::move(options)),
+RemoteSource::RemoteSource(const RemoteSourceOptions& options)
+    : RemoteSource(options, options.isWatched ? std::make_shared<RemoteWatch>(options.servers) : nullptr) {}
+
+RemoteSource::RemoteSource(const RemoteSourceOptions& options, std::shared_ptr<RemoteWatch> watch)
+    : _options(options),
+      _watch(std::move(watch)),
       _parallel(_options.parallel),
       _classes(
           [this](const QORString& nameSpace, const QORString& className) { return fetchClass(nameSpace, className); },
@@ -85,6 +89,24 @@ RemoteSource::RemoteSource(RemoteSourceOptions options)
 }
 
 RemoteSource::~RemoteSource() = default;
+
+std::shared_ptr<OuterSource> RemoteSource::another() const {
+  const std::shared_ptr<RemoteSource> other(new RemoteSource(_options, _watch));
+  other->setStopRequest(_stopRequest);
+  return other;
+}
+
+bool RemoteSource::isLacking(std::size_t server, const QORString& nameSpace, const QORString& className) const {
+  return _watch != nullptr && _watch->isLacking(server, nameSpace, className);
+}
+
+bool RemoteSource::mayHave(const QORString& nameSpace, const QORString& className) const {
+  bool isLackingOnAll = true;
+  for (std::size_t i = 0; i < _servers.size(); ++i) {
+    isLackingOnAll = isLacking(i, nameSpace, className) && isLackingOnAll;
+  }
+  return !isLackingOnAll;
+}
 
 bool RemoteSource::provideClass(CimDeclarationSink& sink, const QORString& nameSpace, const QORString& className) {
   return _classes.provide(sink, nameSpace, className);
@@ -106,7 +128,7 @@ void RemoteSource::askEach(const std::vector<std::size_t>& servers, const Work& 
       failures.emplace(servers[i], std::current_exception());
     };
     try {
-      work(*_servers[servers[i]], i);
+      askOne(servers[i], i, work);
     } catch (const RemoteNameSpaceException&) {
       if (!_options.mayLackNameSpaces) note();
     } catch (...) {
@@ -116,6 +138,16 @@ void RemoteSource::askEach(const std::vector<std::size_t>& servers, const Work& 
   if (failures.empty()) return;
   if (!isComplete) std::rethrow_exception(failures.begin()->second);
   settle(servers, failures);
+}
+
+void RemoteSource::askOne(std::size_t server, std::size_t number, const Work& work) {
+  if (_watch != nullptr) _watch->requireAnswers(server);
+  try {
+    work(*_servers[server], number);
+  } catch (const RemoteSilentException&) {
+    if (_watch != nullptr) _watch->noteSilence(server, std::current_exception());
+    throw;
+  }
 }
 
 void RemoteSource::settle(const std::vector<std::size_t>& asked, const Failures& failures) {
@@ -136,6 +168,12 @@ std::vector<std::size_t> RemoteSource::serversFor(const QORString& className) co
     const bool isWanted = only == _only.end() || only->second.contains(_servers[i]->name());
     if (isWanted && !_failures.contains(i)) servers.push_back(i);
   }
+  return servers;
+}
+
+std::vector<std::size_t> RemoteSource::serversWith(const QORString& nameSpace, const QORString& className) const {
+  std::vector<std::size_t> servers = serversFor(className);
+  std::erase_if(servers, [&](std::size_t server) { return isLacking(server, nameSpace, className); });
   return servers;
 }
 
@@ -215,24 +253,26 @@ OuterSource::Objects RemoteSource::instances(CimDeclarationSink& sink, const Req
   const QORSmrPtr<IQoriClass> declared = sink.findClass(request.nameSpace, request.className);
   if (declared.IsNull()) return {};
   const Request spelled{request.nameSpace, declared->getClassName(), request.names};
-  const std::vector<std::size_t> servers = serversFor(spelled.className);
+  const std::vector<std::size_t> servers = serversWith(spelled.nameSpace, spelled.className);
   std::vector<Objects> found(servers.size());
-  askEach(servers, [&](RemoteServer& server, std::size_t i) {
+  askEach(servers, [&](RemoteServer&, std::size_t i) {
     Objects objects;
-    askServer(server, sink, spelled, objects);
+    askServer(servers[i], sink, spelled, objects);
     found[i] = std::move(objects);
   });
   return joined(std::move(found));
 }
 
-void RemoteSource::askServer(RemoteServer& server, CimDeclarationSink& sink, const Request& request, Objects& objects) {
+void RemoteSource::askServer(std::size_t number, CimDeclarationSink& sink, const Request& request, Objects& objects) {
+  RemoteServer& server = *_servers[number];
   RemoteObjects maker(server, _classes, sink, request.nameSpace, request.className);
   const RemoteServer::Taker taker =
       maker.taker([&](CimXmlInstance& instance) { objects.push_back(maker.make(instance)); });
   const Request own{request.nameSpace, request.className, namesFor(server, request.names)};
   if (askWithQuery(server, sink, own, taker)) return;
   objects.clear();
-  server.enumerateInstances(own.nameSpace, own.className, own.names, taker);
+  const bool hasClass = server.enumerateInstances(own.nameSpace, own.className, own.names, taker);
+  if (!hasClass && _watch != nullptr) _watch->noteLack(number, own.nameSpace, own.className);
 }
 
 // False when there is no query, and when the server does not understand it: then everything is asked for.
@@ -281,7 +321,7 @@ QORSmrPtr<IQoriObject> RemoteSource::instance(CimDeclarationSink& sink, const Re
 
 QORSmrPtr<IQoriObject> RemoteSource::askForInstance(CimDeclarationSink& sink, const Request& request,
                                                     const IQoriInstanceName& name) {
-  const std::vector<std::size_t> servers = serversOf(name, serversFor(name.getClassName()));
+  const std::vector<std::size_t> servers = serversOf(name, serversWith(request.nameSpace, name.getClassName()));
   const QORSmrPtr<IQoriInstanceName> given(
       new CQoriInstanceName(name.getClassName(), name.getKeys(), name.getNameSpacePath()));
   Objects found(servers.size());
@@ -325,11 +365,11 @@ std::vector<std::size_t> RemoteSource::serversOf(const IQoriInstanceName& name,
 // A server that does not list an association's instances may tell those of each source.
 OuterSource::Associations RemoteSource::associations(CimDeclarationSink& sink, const Request& request) {
   const std::string key = fold(request.className);
-  const std::vector<std::size_t> servers = serversFor(request.className);
+  const std::vector<std::size_t> servers = serversWith(request.nameSpace, request.className);
   std::vector<Objects> found(servers.size());
-  askEach(servers, [&](RemoteServer& server, std::size_t i) {
+  askEach(servers, [&](RemoteServer&, std::size_t i) {
     try {
-      askServer(server, sink, request, found[i]);
+      askServer(servers[i], sink, request, found[i]);
     } catch (const RemoteStatusException& status) {
       if (!RemoteServer::isUnwillingToList(status)) throw;
       found[i].clear();
@@ -343,7 +383,7 @@ OuterSource::Associations RemoteSource::associations(CimDeclarationSink& sink, c
 
 OuterSource::Objects RemoteSource::references(CimDeclarationSink& sink, const Request& request,
                                               const IQoriInstanceName& source) {
-  std::vector<std::size_t> servers = serversOf(source, serversFor(request.className));
+  std::vector<std::size_t> servers = serversOf(source, serversWith(request.nameSpace, request.className));
   if (request.className.isEmpty()) {
     // A path without a server's name is none of an instance that a named one has.
     if (isOfNone(source)) return {};

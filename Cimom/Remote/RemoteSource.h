@@ -19,12 +19,15 @@
 #include "Cimom/Remote/RemoteIndex.h"
 #include "Cimom/Remote/RemoteParallel.h"
 #include "Cimom/Remote/RemoteServer.h"
+#include "Cimom/Remote/RemoteWatch.h"
 
 struct RemoteSourceOptions {
   std::vector<RemoteServerOptions> servers;  // at least one
   bool requiresAll = false;                  // the failure of one fails the statement
   // A server that has not got the namespace has nothing there: no failure, unless it is one that stands for another.
   bool mayLackNameSpaces = false;
+  // Who asks for long does not wait for what is known: that a server does not answer, or lacks a class.
+  bool isWatched = false;
   std::size_t parallel = 8;  // servers that are asked at the same time
 };
 
@@ -35,11 +38,14 @@ struct RemoteSourceOptions {
 // begin with the name, so that those of different servers differ.
 class RemoteSource final : public OuterSource {
  public:
-  explicit RemoteSource(RemoteSourceOptions options);
+  explicit RemoteSource(const RemoteSourceOptions& options);
   RemoteSource(const RemoteSource&) = delete;
   RemoteSource& operator=(const RemoteSource&) = delete;
   ~RemoteSource() override;
 
+  // Has connections of its own to the same servers; what is known of the servers is known to both.
+  std::shared_ptr<OuterSource> another() const override;
+  bool mayHave(const QORString& nameSpace, const QORString& className) const override;
   bool provideClass(CimDeclarationSink& sink, const QORString& nameSpace, const QORString& className) override;
   void provideQualifiers(CimDeclarationSink& sink, const QORString& nameSpace) override;
   std::vector<QORString> classNames(const QORString& nameSpace) override;
@@ -55,7 +61,10 @@ class RemoteSource final : public OuterSource {
   // The rest is for whoever runs statements, on the thread that does.
 
   // Asked while calls run; after true they fail. Null: calls are not stopped.
-  void setStopRequest(RemoteParallel::StopRequest request) { _parallel.setStopRequest(std::move(request)); }
+  void setStopRequest(const RemoteParallel::StopRequest& request) {
+    _stopRequest = request;
+    _parallel.setStopRequest(request);
+  }
   // All servers are asked again, for any class.
   void beginStatement() override;
   // Whether classes were declared that servers which failed may have more of; they are fetched again from now on. What
@@ -81,14 +90,19 @@ class RemoteSource final : public OuterSource {
   };
   using Work = std::function<void(RemoteServer& server, std::size_t number)>;
 
+  RemoteSource(const RemoteSourceOptions& options, std::shared_ptr<RemoteWatch> watch);
+
   void askEach(const std::vector<std::size_t>& servers, const Work& work);
+  void askOne(std::size_t server, std::size_t number, const Work& work);
+  bool isLacking(std::size_t server, const QORString& nameSpace, const QORString& className) const;
+  std::vector<std::size_t> serversWith(const QORString& nameSpace, const QORString& className) const;
   void settle(const std::vector<std::size_t>& asked, const Failures& failures);
   std::vector<std::size_t> serversFor(const QORString& className) const;
   std::vector<std::size_t> serversOf(const IQoriInstanceName& name, std::vector<std::size_t> servers) const;
   bool isOfNone(const IQoriInstanceName& name) const;
   RemoteClasses::Fetched fetchClass(const QORString& nameSpace, const QORString& className);
   bool wantsAllClasses(const QORString& nameSpace);
-  void askServer(RemoteServer& server, CimDeclarationSink& sink, const Request& request, Objects& objects);
+  void askServer(std::size_t number, CimDeclarationSink& sink, const Request& request, Objects& objects);
   QORSmrPtr<IQoriObject> askForInstance(CimDeclarationSink& sink, const Request& request,
                                         const IQoriInstanceName& name);
   bool askWithQuery(RemoteServer& server, CimDeclarationSink& sink, const Request& request,
@@ -96,6 +110,8 @@ class RemoteSource final : public OuterSource {
   CIMApi::PropertyNames namesFor(const RemoteServer& server, const CIMApi::PropertyNames& names) const;
 
   const RemoteSourceOptions _options;
+  const std::shared_ptr<RemoteWatch> _watch;  // null: each question asks
+  RemoteParallel::StopRequest _stopRequest;
   RemoteCallLog _calls;
   RemoteParallel _parallel;
   std::vector<std::unique_ptr<RemoteServer>> _servers;

@@ -77,6 +77,11 @@ class RemoteUnknownOperation : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// The server cannot be reached, or sends nothing.
+class RemoteSilence : public std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
 // One request and its reply. What goes wrong THROWS std::runtime_error with a
 // message that neither names the server nor holds a password.
 class RemoteExchange {

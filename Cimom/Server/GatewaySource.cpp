@@ -2,11 +2,24 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Server/GatewaySource.h"
 
+#include <utility>
+
 #include "Cimom/Server/InteropModel.h"
+#include "cimom/CQoriProviderException.h"
+#include "qorql.h"
 
 namespace {
 
 constexpr std::chrono::seconds kRemembered{2};
+constexpr std::chrono::milliseconds kPatience{50};
+constexpr std::size_t kMostAskers = 16;
+
+// THROWS CQoriProviderException when the operation that this thread answers is to end.
+void requireGoing() {
+  QORQL_ExecutionMonitor* const monitor = QORQL_currentMonitor();
+  if (monitor == nullptr || !monitor->isStopRequested()) return;
+  throw CQoriProviderException("GatewaySource", "the call was stopped", 1);
+}
 
 // Clients that look for the interop namespace under its other name would take an outer server's for this one's.
 bool isOwn(const QORString& nameSpace) noexcept {
@@ -15,64 +28,103 @@ bool isOwn(const QORString& nameSpace) noexcept {
 
 }  // namespace
 
-std::unique_lock<std::mutex> GatewaySource::begin() {
-  std::unique_lock<std::mutex> lock(_mutex);
-  const Clock::time_point now = Clock::now();
-  if (now - _begun > kRemembered) {
-    _source->beginStatement();
-    _begun = now;
-  }
-  return lock;
+GatewaySource::GatewaySource(std::shared_ptr<OuterSource> source) : _source(std::move(source)) {
+  _askers.push_back(std::make_unique<Asker>(_source));
 }
+
+GatewaySource::Turn::~Turn() {
+  {
+    const std::lock_guard<std::mutex> lock(_gateway._mutex);
+    _asker.isBusy = false;
+  }
+  _gateway._isFree.notify_one();
+}
+
+// The first ones are asked most, so that their connections stay.
+GatewaySource::Asker* GatewaySource::freeAsker() {
+  for (const std::unique_ptr<Asker>& asker : _askers) {
+    if (!asker->isBusy) return asker.get();
+  }
+  if (_askers.size() == kMostAskers) return nullptr;
+  std::shared_ptr<OuterSource> another = _source->another();
+  if (another == nullptr) return nullptr;
+  return _askers.emplace_back(std::make_unique<Asker>(std::move(another))).get();
+}
+
+GatewaySource::Asker& GatewaySource::takeAsker() {
+  std::unique_lock<std::mutex> lock(_mutex);
+  Asker* asker = freeAsker();
+  for (; asker == nullptr; asker = freeAsker()) {
+    _isFree.wait_for(lock, kPatience);
+    lock.unlock();
+    requireGoing();
+    lock.lock();
+  }
+  asker->isBusy = true;
+  return *asker;
+}
+
+GatewaySource::Turn::Turn(GatewaySource& gateway) : Turn(gateway, gateway.takeAsker()) {
+  const Clock::time_point now = Clock::now();
+  if (now - _asker.begun <= kRemembered) return;
+  _asker.source->beginStatement();
+  _asker.begun = now;
+}
+
+bool GatewaySource::mayHave(const QORString& nameSpace, const QORString& className) const {
+  return !isOwn(nameSpace) && _source->mayHave(nameSpace, className);
+}
+
+bool GatewaySource::isNeedless(const Request& request) const { return !mayHave(request.nameSpace, request.className); }
 
 // A class that is there is found without waiting for those who ask servers.
 bool GatewaySource::provideClass(CimDeclarationSink& sink, const QORString& nameSpace, const QORString& className) {
   if (!sink.findClass(nameSpace, className).IsNull()) return true;
   if (isOwn(nameSpace)) return false;
-  const auto lock = begin();
-  return _source->provideClass(sink, nameSpace, className);
+  const Turn turn(*this);
+  return turn->provideClass(sink, nameSpace, className);
 }
 
 void GatewaySource::provideQualifiers(CimDeclarationSink& sink, const QORString& nameSpace) {
   if (isOwn(nameSpace)) return;
-  const auto lock = begin();
-  _source->provideQualifiers(sink, nameSpace);
+  const Turn turn(*this);
+  turn->provideQualifiers(sink, nameSpace);
 }
 
 std::vector<QORString> GatewaySource::nameSpaces() {
-  const auto lock = begin();
-  return _source->nameSpaces();
+  const Turn turn(*this);
+  return turn->nameSpaces();
 }
 
 std::vector<QORString> GatewaySource::classNames(const QORString& nameSpace) {
   if (isOwn(nameSpace)) return {};
-  const auto lock = begin();
-  return _source->classNames(nameSpace);
+  const Turn turn(*this);
+  return turn->classNames(nameSpace);
 }
 
 OuterSource::Objects GatewaySource::instances(CimDeclarationSink& sink, const Request& request) {
-  if (isOwn(request.nameSpace)) return {};
-  const auto lock = begin();
-  return _source->instances(sink, request);
+  if (isNeedless(request)) return {};
+  const Turn turn(*this);
+  return turn->instances(sink, request);
 }
 
 QORSmrPtr<IQoriObject> GatewaySource::instance(CimDeclarationSink& sink, const Request& request,
                                                const IQoriInstanceName& name) {
-  if (isOwn(request.nameSpace)) return {};
-  const auto lock = begin();
-  _source->beginStatement();
-  return _source->instance(sink, request, name);
+  if (isNeedless(request)) return {};
+  const Turn turn(*this);
+  turn->beginStatement();
+  return turn->instance(sink, request, name);
 }
 
 OuterSource::Associations GatewaySource::associations(CimDeclarationSink& sink, const Request& request) {
-  if (isOwn(request.nameSpace)) return {};
-  const auto lock = begin();
-  return _source->associations(sink, request);
+  if (isNeedless(request)) return {};
+  const Turn turn(*this);
+  return turn->associations(sink, request);
 }
 
 OuterSource::Objects GatewaySource::references(CimDeclarationSink& sink, const Request& request,
                                                const IQoriInstanceName& source) {
-  if (isOwn(request.nameSpace)) return {};
-  const auto lock = begin();
-  return _source->references(sink, request, source);
+  if (isNeedless(request)) return {};
+  const Turn turn(*this);
+  return turn->references(sink, request, source);
 }

@@ -4,17 +4,23 @@
 #define QORQL_SERVER_GATEWAYSOURCE_H
 
 #include <chrono>
+#include <condition_variable>
 #include <memory>
 #include <mutex>
+#include <vector>
 
 #include "Cimom/Embedded/OuterSource.h"
 
-// Asks one question after the other. What the source remembers is forgotten after two seconds, and before each single
-// instance, so that clients see what the servers have now. The interop namespaces are this server's own, of which
-// others are not asked. Any number of threads may ask.
+// Asks several questions at a time, each of a source of its own where there is another one; what is known without
+// asking waits for nobody. A question that waits for its turn is given up when the thread's monitor asks for that. What
+// a source remembers is forgotten after two seconds, and before each single instance, so that clients see what the
+// servers have now. The interop namespaces are this server's own, of which others are not asked. Any number of threads
+// may ask.
 class GatewaySource final : public OuterSource {
  public:
-  explicit GatewaySource(std::shared_ptr<OuterSource> source) : _source(std::move(source)) {}
+  explicit GatewaySource(std::shared_ptr<OuterSource> source);
+
+  bool mayHave(const QORString& nameSpace, const QORString& className) const override;
 
   std::vector<std::string> serverNames() const override { return _source->serverNames(); }
   std::vector<QORString> nameSpaces() override;
@@ -30,11 +36,40 @@ class GatewaySource final : public OuterSource {
  private:
   using Clock = std::chrono::steady_clock;
 
-  std::unique_lock<std::mutex> begin();
+  // What one question at a time is asked of.
+  struct Asker {
+    explicit Asker(std::shared_ptr<OuterSource> asked) : source(std::move(asked)) {}
 
-  const std::shared_ptr<OuterSource> _source;
-  std::mutex _mutex;  // guards the source and what follows
-  Clock::time_point _begun;
+    const std::shared_ptr<OuterSource> source;
+    Clock::time_point begun;
+    bool isBusy = false;
+  };
+  // The turn of one question, until it is destroyed.
+  class Turn {
+   public:
+    // Waits for it. THROWS CQoriProviderException when it is given up.
+    explicit Turn(GatewaySource& gateway);
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+    ~Turn();
+    OuterSource* operator->() const noexcept { return _asker.source.get(); }
+
+   private:
+    Turn(GatewaySource& gateway, Asker& asker) noexcept : _gateway(gateway), _asker(asker) {}
+
+    GatewaySource& _gateway;
+    Asker& _asker;
+  };
+
+  bool isNeedless(const Request& request) const;
+  Asker& takeAsker();
+  // Null when all are busy. REQUIRES the lock.
+  Asker* freeAsker();
+
+  const std::shared_ptr<OuterSource> _source;  // of the first asker
+  std::mutex _mutex;                           // guards what follows
+  std::condition_variable _isFree;
+  std::vector<std::unique_ptr<Asker>> _askers;
 };
 
 #endif

@@ -69,6 +69,7 @@ std::string monotonicMicroseconds() {
 ServeOptions asServed(ServeOptions options) {
   options.session.servers.requiresAll = true;
   options.session.servers.mayLackNameSpaces = true;
+  options.session.servers.isWatched = true;
   if (!options.session.logSeverity) options.session.logSeverity = QoriTraceLog::kWarning;
   return options;
 }

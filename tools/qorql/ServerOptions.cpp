@@ -169,6 +169,7 @@ std::shared_ptr<RemoteSource> makeRemoteSource(const ServerOptions& options, con
   RemoteSourceOptions source;
   source.requiresAll = options.requiresAll;
   source.mayLackNameSpaces = options.mayLackNameSpaces;
+  source.isWatched = options.isWatched;
   std::set<std::string> names;
   for (const ServerAddress& address : options.servers) {
     if (!names.insert(address.name).second) {

@@ -22,6 +22,7 @@ struct ServerOptions {
   bool isInsecure = false;
   bool requiresAll = false;
   bool mayLackNameSpaces = false;  // a server without the namespace has nothing there
+  bool isWatched = false;          // those who ask for long do not wait for what is known
   bool pushesDown = false;
   double patience = 0;     // seconds that a call goes on in which next to nothing comes; 0: as many as there are
   QORuint32 batch = 1000;  // instances of a reply

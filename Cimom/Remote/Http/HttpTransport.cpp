@@ -220,9 +220,8 @@ class HttpExchange final : public RemoteExchange {
     if (_waited < std::chrono::seconds(limits.slowSeconds)) return;
     const std::uint64_t least = static_cast<std::uint64_t>(limits.leastSpeed * limits.slowSeconds);
     if (arrived() - _arrivedBefore < least) {
-      throw std::runtime_error("the server sent fewer than " + std::to_string(limits.leastSpeed) +
-                               " bytes a second for " + std::to_string(limits.slowSeconds) +
-                               (limits.slowSeconds == 1 ? " second" : " seconds"));
+      throw RemoteSilence("the server sent fewer than " + std::to_string(limits.leastSpeed) + " bytes a second for " +
+                          std::to_string(limits.slowSeconds) + (limits.slowSeconds == 1 ? " second" : " seconds"));
     }
     _waited = {};
     _arrivedBefore = arrived();
@@ -303,7 +302,7 @@ class HttpExchange final : public RemoteExchange {
     }
     if (_status != 0 && _status != kOk) requireStatus();
     requireTunnel();
-    throw std::runtime_error(oneLine(_error[0] != '\0' ? _error : curl_easy_strerror(_result)));
+    throw RemoteSilence(oneLine(_error[0] != '\0' ? _error : curl_easy_strerror(_result)));
   }
 
   // A question that nobody has answered in time leaves the call stopped, not refused.

@@ -1,14 +1,18 @@
-// Many threads ask the outer servers, one after the other.
+// Many threads ask the outer servers, each source one question after the other.
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <condition_variable>
+#include <mutex>
 #include <thread>
 #include <vector>
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "Cimom/Server/GatewaySource.h"
 #include "cimom/CQoriInstanceName.h"
+#include "cimom/CQoriProviderException.h"
+#include "qorql.h"
 
 namespace {
 
@@ -68,6 +72,92 @@ TEST_F(Gateway, QuestionsDoNotMeet) {
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(source->asked, 1600);
   EXPECT_FALSE(source->wasTogether);
+}
+
+// A source of which there are others; questions for class Slow wait.
+class ManySource final : public OuterSource {
+ public:
+  // Of all of them.
+  struct Shared {
+    std::mutex mutex;
+    std::condition_variable changed;
+    int waiting = 0;
+    bool isOver = false;
+    int sources = 1;
+  };
+
+  explicit ManySource(std::shared_ptr<Shared> shared) : _shared(std::move(shared)) {}
+  std::shared_ptr<OuterSource> another() const override {
+    ++_shared->sources;
+    return std::make_shared<ManySource>(_shared);
+  }
+  bool mayHave(const QORString&, const QORString& className) const override {
+    return !className.isEqualCaseInsensitive("Own");
+  }
+  bool provideClass(CimDeclarationSink&, const QORString&, const QORString&) override { return false; }
+  void provideQualifiers(CimDeclarationSink&, const QORString&) override {}
+  std::vector<QORString> classNames(const QORString&) override { return {}; }
+  Objects instances(CimDeclarationSink&, const Request& request) override {
+    if (!request.className.isEqualCaseInsensitive("Slow")) return {};
+    std::unique_lock lock(_shared->mutex);
+    ++_shared->waiting;
+    _shared->changed.notify_all();
+    _shared->changed.wait(lock, [this] { return _shared->isOver; });
+    return {};
+  }
+  QORSmrPtr<IQoriObject> instance(CimDeclarationSink&, const Request&, const IQoriInstanceName&) override { return {}; }
+  Associations associations(CimDeclarationSink&, const Request&) override { return {}; }
+  Objects references(CimDeclarationSink&, const Request&, const IQoriInstanceName&) override { return {}; }
+
+ private:
+  const std::shared_ptr<Shared> _shared;
+};
+
+// Some questions that do not end until the test does.
+class SlowQuestions : public Gateway {
+ protected:
+  ~SlowQuestions() override {
+    {
+      const std::lock_guard lock(shared->mutex);
+      shared->isOver = true;
+    }
+    shared->changed.notify_all();
+    for (std::thread& thread : threads) thread.join();
+  }
+  void ask(int count) {
+    for (int i = 0; i < count; ++i) threads.emplace_back([this] { many.instances(sink, {"root/cimv2", "Slow", {}}); });
+    std::unique_lock lock(shared->mutex);
+    shared->changed.wait(lock, [&] { return shared->waiting == count; });
+  }
+
+  const std::shared_ptr<ManySource::Shared> shared = std::make_shared<ManySource::Shared>();
+  GatewaySource many{std::make_shared<ManySource>(shared)};
+  std::vector<std::thread> threads;
+};
+
+TEST_F(SlowQuestions, HoldUpNobody) {
+  ask(3);
+  many.instances(sink, {"root/cimv2", "Quick", {}});
+  many.instances(sink, {"root/cimv2", "Quick", {}});
+  EXPECT_EQ(shared->sources, 4) << "one that is free is asked again";
+}
+
+TEST_F(SlowQuestions, HoldUpNoneThatNeedNotBeAskedHoweverManyThereAre) {
+  ask(16);
+  EXPECT_TRUE(many.instances(sink, {"root/cimv2", "Own", {}}).empty());
+}
+
+TEST_F(SlowQuestions, LeaveOthersWaitingUntilTheyAreGivenUp) {
+  class Impatient final : public QORQL_ExecutionMonitor {
+   public:
+    bool isStopRequested() noexcept override { return ++questions > 2; }
+    int questions = 0;
+  };
+  ask(16);
+  Impatient monitor;
+  const QORQL_MonitorScope scope(monitor);
+  EXPECT_THROW(many.instances(sink, {"root/cimv2", "Quick", {}}), CQoriProviderException);
+  EXPECT_EQ(shared->sources, 16);
 }
 
 TEST_F(Gateway, TheServersAndTheirNamespacesAreTold) {
