@@ -102,7 +102,9 @@ CIMApi::Instances enumerateInstances(const ObjectStore& store, ListCache& cache,
   Restrictor restrictor(request.names);
   for (const LiveSource& source : sources) {
     LiveRequest own = request;
-    own.isOneOfMany = !source.entry->model().getClassName().isEqualCaseInsensitive(className);
+    // Where nothing else has instances, an empty list would hide that the source is not there.
+    own.isOneOfMany = (request.isOneOfMany || sources.size() > 1 || stored->entries() > 0) &&
+                      !source.entry->model().getClassName().isEqualCaseInsensitive(className);
     for (const QORSmrPtr<IQoriObject>& object : readLive(store, source, own)) {
       all->append(restrictor.apply(source.entry->model(), object));
     }

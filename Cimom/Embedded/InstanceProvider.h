@@ -44,7 +44,7 @@ class InstanceProvider {
   // left out, a property that cannot be read is null; neither fails the call.
   // A source that cannot be read at all THROWS CQoriProviderException with the
   // code kUnreadable, or kNoSource where this machine has none: then a call for
-  // a superclass leaves this class out and warns. May be called from several threads at once.
+  // a superclass with other instances leaves this class out and warns. May be called from several threads at once.
   virtual void enumerate(const Request& request, const Emit& emit) = 0;
 };
 

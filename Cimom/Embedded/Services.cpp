@@ -30,8 +30,8 @@ CIMApi::Instances CIMApi::enumerateInstances(const QORString& nameSpace, const Q
   if (state == nullptr) return {};
   ++state->counters.enumerateCalls;
   embedded::provideClass(*state, nameSpace, className);
-  Instances found =
-      embedded::enumerateInstances(*state->store, state->lists, nameSpace, className, {properties, transaction, {}});
+  Instances found = embedded::enumerateInstances(*state->store, state->lists, nameSpace, className,
+                                                 {properties, transaction, {}, state->outer != nullptr});
   found = embedded::withOuterInstances(*state, found, {nameSpace, className, properties});
   if (!found.IsNull()) state->counters.instancesReturned += found->entries();
   return found;

@@ -43,9 +43,14 @@ class MissingSources(ToolCase):
             self.refused(result, 3, "qorql: error: systemd does not run here, which lists the services (CIM status 7)")
 
     def test_a_superclass_goes_without_them_and_says_so(self):
+        result = self.without("/run", "SELECT FIRST 1 s.Name FROM CIM_EnabledLogicalElement AS s")
+        self.assertEqual((result.status, result.out.count("\n")), (0, 2))
+        self.assertIn("qorql: warning: systemd does not run here, which lists the services\n", result.err)
+
+    def test_a_superclass_that_has_nothing_else_fails_as_they_do(self):
         result = self.without("/run", "SELECT s.Name FROM CIM_Service AS s")
-        self.assertEqual((result.status, result.out, result.err),
-                         (0, "Name\n", "qorql: warning: systemd does not run here, which lists the services\n"))
+        self.assertEqual(result.out, "")
+        self.refused(result, 3, "qorql: error: systemd does not run here, which lists the services (CIM status 7)")
 
     def test_devices_and_counters_without_sysfs(self):
         result = self.without("/sys", "SELECT DeviceID FROM Linux_BlockDevice")

@@ -146,10 +146,20 @@ TEST_F(Providers, OfAClassAmongManyASourceThatIsNotThereIsAWarning) {
   serve("CIM_Disk", {{{"DeviceID", text("x")}}})->failure = [] {
     throw CQoriProviderException("disks", "no disks here", InstanceProvider::kNoSource);
   };
-  EXPECT_THAT(ids("CIM_Device"), ElementsAre("x"));
+  serve("CIM_FastDisk", {{{"DeviceID", text("y")}}});
+  EXPECT_THAT(ids("CIM_Device"), ElementsAre("x", "y"));
   EXPECT_THAT(told, ElementsAre("no disks here"));
   EXPECT_EQ("no disks here", refusal([&] { enumerate("cim_disk"); }, 7, "provider"));
   manager.setLogSink({}, QoriTraceLog::kFatal);
+}
+
+TEST_F(Providers, ASourceThatIsNotThereFailsACallThatOnlyItCouldAnswer) {
+  serve("CIM_Disk", {})->failure = [] {
+    throw CQoriProviderException("disks", "no disks here", InstanceProvider::kNoSource);
+  };
+  EXPECT_EQ("no disks here", refusal([&] { enumerate("CIM_Device"); }, 7, "provider"));
+  createDisk("a");
+  EXPECT_THAT(ids("CIM_Device"), ElementsAre("a"));
 }
 
 TEST_F(Providers, OwnInstancesAreThoseOfTheClassAloneWhateverTheOthersDo) {
