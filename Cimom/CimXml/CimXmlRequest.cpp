@@ -52,12 +52,12 @@ bool CimXmlRequest::flag(std::string_view name, bool otherwise) const {
   return isTrue;
 }
 
-std::optional<QORuint64> CimXmlRequest::number(std::string_view name) const {
-  constexpr const char* kWhat = "an unsigned number";
+std::optional<QORuint32> CimXmlRequest::number(std::string_view name) const {
+  constexpr const char* kWhat = "an unsigned number of 32 bits";
   const CimXmlParameter* const found = require(*this, name, CimXmlParameter::Kind::Text, kWhat);
   if (found == nullptr) return std::nullopt;
   const std::string_view digits = trimmed(found->text.view());
-  QORuint64 number = 0;
+  QORuint32 number = 0;
   const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
   if (error != std::errc() || end != digits.data() + digits.size()) raiseNot(name, kWhat);
   return number;

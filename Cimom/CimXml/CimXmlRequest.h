@@ -47,7 +47,7 @@ class CimXmlRequest {
   const CimXmlParameter* find(std::string_view name) const;
   // The parameter of the name; nothing, or what is given, where it is left out.
   bool flag(std::string_view name, bool otherwise) const;
-  std::optional<QORuint64> number(std::string_view name) const;
+  std::optional<QORuint32> number(std::string_view name) const;
   std::optional<QORString> text(std::string_view name) const;
   std::optional<std::vector<QORString>> texts(std::string_view name) const;
   std::optional<QORString> className(std::string_view name) const;

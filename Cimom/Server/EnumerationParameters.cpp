@@ -12,10 +12,10 @@
 namespace {
 
 std::chrono::milliseconds timeOf(const CimXmlRequest& request, const ServerLimits& limits) {
-  const std::optional<QORuint64> asked = request.number("OperationTimeout");
+  const std::optional<QORuint32> asked = request.number("OperationTimeout");
   if (!asked) return limits.betweenPulls;
   const auto most = std::chrono::duration_cast<std::chrono::seconds>(limits.longestBetweenPulls).count();
-  if (*asked > 0 && *asked <= static_cast<QORuint64>(most)) return std::chrono::seconds(*asked);
+  if (*asked > 0 && *asked <= most) return std::chrono::seconds(*asked);
   throw CimStatusException(cimstatus::kInvalidOperationTimeout, "OperationTimeout is " + std::to_string(*asked) +
                                                                     ": from 1 to " + std::to_string(most) +
                                                                     " seconds are kept here");

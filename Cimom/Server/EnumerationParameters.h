@@ -15,7 +15,7 @@ struct EnumerationParameters {
   EnumerationParameters(const CimXmlRequest& request, const ServerLimits& limits);
 
   std::chrono::milliseconds betweenPulls;
-  QORuint64 most;  // elements of the first reply
+  QORuint32 most;  // elements of the first reply
 };
 
 // Of an open that may filter: filters are refused, with 25; one in a language that nobody knows with 14, one that is no

@@ -3,10 +3,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Server/PullOperations.h"
 
+#include <vector>
+
 #include "Cimom/CimXml/CimXmlException.h"
 #include "Cimom/Server/EnumerationParameters.h"
 #include "Cimom/Server/EnumerationReply.h"
+#include "Cimom/Server/InstancesReply.h"
 #include "Cimom/Server/ServerObjects.h"
+#include "Cimom/Server/ServerParameters.h"
 
 namespace {
 
@@ -17,8 +21,8 @@ constexpr QORuint64 kObjectBytes = 256;  // of one that nobody else holds; most 
 
 class ObjectItems final : public EnumerationItems {
  public:
-  ObjectItems(const CIMApi::Instances& objects, Kind kind, const QORString& host)
-      : _objects(objects), _kind(kind), _host(host), _at(*_objects) {
+  ObjectItems(const ServerCall& call, const CIMApi::Instances& objects, Kind kind)
+      : _objects(objects), _kind(kind), _host(call.host), _origins(originsFor(call)), _at(*_objects) {
     _hasNext = ++_at;
   }
   bool hasNext() const override { return _hasNext; }
@@ -28,6 +32,7 @@ class ObjectItems final : public EnumerationItems {
     if (_kind == Kind::Paths) {
       writer.writeInstancePath(*object->getInstanceName(), _host);
     } else {
+      writer.setOrigins(_origins.get());
       writer.writeInstanceWithPath(*object, _host);
     }
     _hasNext = ++_at;
@@ -37,6 +42,7 @@ class ObjectItems final : public EnumerationItems {
   const CIMApi::Instances _objects;
   const Kind _kind;
   const QORString _host;
+  const std::shared_ptr<const InstanceOrigins> _origins;  // null: they are not asked for
   QORValSlistIterator<QORSmrPtr<IQoriObject>> _at;
   bool _hasNext = false;
 };
@@ -52,28 +58,65 @@ CIMApi::Instances referring(const ServerObjects& objects, Want want) {
   return objects.references(want, "InstanceName");
 }
 
+// Parameters of operations, by their names.
+using Names = std::vector<const char*>;
+
+// An open: the list that it gives, in which form, and what its calls may say.
+struct Opening {
+  const char* operation;
+  Find find;
+  Kind kind;
+  Names parameters;
+};
+
+Opening openingOf(const char* operation, Find find, Kind kind, const Names& finding) {
+  Names all = {"FilterQueryLanguage", "FilterQuery", "OperationTimeout", "ContinueOnError", "MaxObjectCount"};
+  all.insert(all.end(), finding.begin(), finding.end());
+  if (kind != Kind::Paths) {
+    all.insert(all.end(), {"LocalOnly", "IncludeQualifiers", "IncludeClassOrigin", "PropertyList"});
+  }
+  return {operation, find, kind, all};
+}
+
+std::vector<Opening> openings() {
+  const Names ofClass = {"ClassName"};
+  const Names ofClassWithThoseBelow = {"ClassName", "DeepInheritance"};
+  const Names ofAssociators = {"InstanceName", "AssocClass", "ResultClass", "Role", "ResultRole"};
+  const Names ofReferences = {"InstanceName", "ResultClass", "Role"};
+  return {openingOf("OpenEnumerateInstances", enumerated, Kind::InstancesWithPath, ofClassWithThoseBelow),
+          openingOf("OpenEnumerateInstancePaths", enumerated, Kind::Paths, ofClass),
+          openingOf("OpenAssociatorInstances", associated, Kind::InstancesWithPath, ofAssociators),
+          openingOf("OpenAssociatorInstancePaths", associated, Kind::Paths, ofAssociators),
+          openingOf("OpenReferenceInstances", referring, Kind::InstancesWithPath, ofReferences),
+          openingOf("OpenReferenceInstancePaths", referring, Kind::Paths, ofReferences)};
+}
+
 class PullOperations {
  public:
   PullOperations(const std::shared_ptr<EnumerationContexts>& contexts, const ServerLimits& limits)
       : _contexts(contexts), _limits(limits) {}
 
-  std::unique_ptr<ServerReply> open(const ServerCall& call, Find find, Kind kind) const {
+  std::unique_ptr<ServerReply> open(const ServerCall& call, const Opening& opening) const {
+    serverparameters::allowOnly(call.request, opening.parameters);
     const EnumerationParameters parameters(call.request, _limits);
     refuseFilter(call.request);
-    EnumerationContexts::Turn turn = _contexts->open(call, kind, parameters.betweenPulls);
-    const CIMApi::Instances found = find(ServerObjects(call), kind == Kind::Paths ? Want::Names : Want::Instances);
-    turn.setItems(std::make_unique<ObjectItems>(found, kind, call.host));
+    EnumerationContexts::Turn turn = _contexts->open(call, opening.kind, parameters.betweenPulls);
+    call.request.flag("IncludeQualifiers", false);
+    const Want want = opening.kind == Kind::Paths ? Want::Names : Want::Instances;
+    turn.setItems(std::make_unique<ObjectItems>(call, opening.find(ServerObjects(call), want), opening.kind));
     return std::make_unique<EnumerationReply>(call, std::move(turn), parameters.most);
   }
 
   std::unique_ptr<ServerReply> pull(const ServerCall& call, Kind kind) const {
+    serverparameters::allowOnly(call.request, {"EnumerationContext", "MaxObjectCount"});
     const std::string name = nameOf(call);
-    const std::optional<QORuint64> most = call.request.number("MaxObjectCount");
+    const std::optional<QORuint32> most = call.request.number("MaxObjectCount");
     if (!most) throw CimStatusException(cimstatus::kInvalidParameter, "MaxObjectCount is needed");
     return std::make_unique<EnumerationReply>(call, _contexts->take(call, name, kind), *most);
   }
 
   std::unique_ptr<ServerReply> close(const ServerCall& call) const {
+    serverparameters::allowOnly(call.request, {"EnumerationContext"});
     _contexts->close(call, nameOf(call));
     return std::make_unique<WholeReply>(CimXmlResponse(call.request.messageId, call.request.operation).finish());
   }
@@ -90,26 +133,13 @@ class PullOperations {
   const ServerLimits _limits;
 };
 
-struct Opening {
-  const char* operation;
-  Find find;
-  Kind kind;
-};
-constexpr Opening kOpenings[] = {{"OpenEnumerateInstances", enumerated, Kind::InstancesWithPath},
-                                 {"OpenEnumerateInstancePaths", enumerated, Kind::Paths},
-                                 {"OpenAssociatorInstances", associated, Kind::InstancesWithPath},
-                                 {"OpenAssociatorInstancePaths", associated, Kind::Paths},
-                                 {"OpenReferenceInstances", referring, Kind::InstancesWithPath},
-                                 {"OpenReferenceInstancePaths", referring, Kind::Paths}};
-
 }  // namespace
 
 void addPullOperations(ServerOperations& operations, const std::shared_ptr<EnumerationContexts>& contexts,
                        const ServerLimits& limits) {
   const auto pulls = std::make_shared<const PullOperations>(contexts, limits);
-  for (const Opening& opening : kOpenings) {
-    operations.add(opening.operation,
-                   [pulls, opening](const ServerCall& call) { return pulls->open(call, opening.find, opening.kind); });
+  for (const Opening& opening : openings()) {
+    operations.add(opening.operation, [pulls, opening](const ServerCall& call) { return pulls->open(call, opening); });
   }
   const auto addPull = [&](const char* operation, Kind kind) {
     operations.add(operation, [pulls, kind](const ServerCall& call) { return pulls->pull(call, kind); });

@@ -19,7 +19,7 @@ namespace {
 
 }  // namespace
 
-void allowOnly(const CimXmlRequest& request, std::initializer_list<const char*> known) {
+void allowOnly(const CimXmlRequest& request, const std::vector<const char*>& known) {
   for (const CimXmlParameter& each : request.parameters) {
     const auto isName = [&](const char* name) { return QORString::equalIgnoringCase(each.name, name); };
     if (std::any_of(known.begin(), known.end(), isName)) continue;

@@ -4,7 +4,7 @@
 #ifndef QORQL_SERVER_SERVERPARAMETERS_H
 #define QORQL_SERVER_SERVERPARAMETERS_H
 
-#include <initializer_list>
+#include <vector>
 
 #include "Cimom/CimXml/CimXmlRequest.h"
 
@@ -12,7 +12,7 @@
 namespace serverparameters {
 
 // Refuses a call that has a parameter besides these.
-void allowOnly(const CimXmlRequest& request, std::initializer_list<const char*> known);
+void allowOnly(const CimXmlRequest& request, const std::vector<const char*>& known);
 
 // Parameters that must be there.
 QORString className(const CimXmlRequest& request, const char* name);

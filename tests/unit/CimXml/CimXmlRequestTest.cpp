@@ -53,9 +53,10 @@ TEST(CimXmlRequest, WhatIsLeftOutOrNullIsWhatTheCallerSays) {
 TEST(CimXmlRequest, NumbersAreDigitsAlone) {
   EXPECT_EQ(requestWith(textParameter("MaxObjectCount", "100")).number("MaxObjectCount"), 100U);
   EXPECT_EQ(requestWith(textParameter("MaxObjectCount", "\n 7 ")).number("MaxObjectCount"), 7U);
-  for (const char* wrong : {"", " ", "-1", "1 2", "0x10", "18446744073709551616"}) {
+  for (const char* wrong : {"", " ", "-1", "1 2", "0x10", "4294967296", "18446744073709551616"}) {
     const CimXmlRequest request = requestWith(textParameter("MaxObjectCount", wrong));
-    EXPECT_EQ(refusalOf([&] { request.number("MaxObjectCount"); }), "MaxObjectCount is not an unsigned number");
+    EXPECT_EQ(refusalOf([&] { request.number("MaxObjectCount"); }),
+              "MaxObjectCount is not an unsigned number of 32 bits");
   }
 }
 

@@ -118,6 +118,58 @@ TEST_F(Pulls, TellTheHostByWhichTheClientCallsTheServer) {
   }
 }
 
+TEST_F(Pulls, TellTheClassesOfPropertiesWhereTheyAreAskedFor) {
+  Asked asked = opening();
+  const std::string text = textFor(asked.text("IncludeClassOrigin", "TRUE"));
+  EXPECT_THAT(text,
+              HasSubstr("<PROPERTY NAME=\"DeviceID\" TYPE=\"string\" CLASSORIGIN=\"CIM_Device\" PROPAGATED=\"true\">"));
+  EXPECT_THAT(text, HasSubstr("<PROPERTY NAME=\"Size\" TYPE=\"uint64\" CLASSORIGIN=\"CIM_Disk\">"));
+}
+
+TEST_F(Pulls, ParametersThatAnOperationDoesNotHaveAreRefused) {
+  const Name source = nameOf("root/cimv2", "CIM_Disk", {{"DeviceID", text("a")}});
+  for (const char* operation : {"OpenEnumerateInstances", "OpenEnumerateInstancePaths"}) {
+    Asked asked(operation);
+    EXPECT_EQ(refused(asked.className("ClassName", "CIM_Disk").text("OperationTimout", "9")), 4U) << operation;
+  }
+  for (const char* operation : {"OpenAssociatorInstances", "OpenAssociatorInstancePaths", "OpenReferenceInstances",
+                                "OpenReferenceInstancePaths"}) {
+    Asked asked(operation);
+    EXPECT_EQ(refused(asked.path("InstanceName", source).text("Rolle", "x")), 4U) << operation;
+  }
+  for (const char* operation : {"PullInstancesWithPath", "PullInstancePaths", "PullInstances", "CloseEnumeration"}) {
+    Asked asked(operation);
+    EXPECT_EQ(refused(asked.text("EnumerationContext", "x").text("Bogus", "true")), 4U) << operation;
+  }
+  Asked paths("OpenEnumerateInstancePaths");
+  EXPECT_EQ(refused(paths.className("ClassName", "CIM_Disk").texts("PropertyList", {"Size"})), 4U);
+}
+
+TEST_F(Pulls, EveryParameterOfTheirsIsTaken) {
+  const Name source = nameOf("root/cimv2", "CIM_Disk", {{"DeviceID", text("a")}});
+  Asked enumerating = opening();
+  enumerating.text("DeepInheritance", "true").text("LocalOnly", "false").text("IncludeQualifiers", "true");
+  EXPECT_EQ(refused(enumerating.text("IncludeClassOrigin", "true").text("OperationTimeout", "9")), 0U);
+  Asked associators("OpenAssociatorInstances");
+  associators.path("InstanceName", source).className("AssocClass", "CIM_Uses").className("ResultClass", "CIM_Disk");
+  associators.text("Role", "x").text("ResultRole", "y").text("IncludeClassOrigin", "true");
+  EXPECT_EQ(refused(associators.texts("PropertyList", {}).text("ContinueOnError", "false")), 0U);
+  Asked references("OpenReferenceInstancePaths");
+  EXPECT_EQ(refused(references.path("InstanceName", source).className("ResultClass", "CIM_Uses").text("Role", "x")),
+            0U);
+}
+
+TEST_F(Pulls, CountsBeyond32BitsAreRefused) {
+  Asked most = opening("OpenEnumerateInstances", "4294967295");
+  EXPECT_EQ(refused(most), 0U);
+  for (const char* count : {"4294967296", "10000000000000000000"}) {
+    Asked opened = opening("OpenEnumerateInstances", count);
+    EXPECT_EQ(refused(opened), 4U) << count;
+    Asked timed = opening();
+    EXPECT_EQ(refused(timed.text("OperationTimeout", count)), 4U) << count;
+  }
+}
+
 TEST_F(Pulls, FollowAssociations) {
   const Name source = nameOf("root/cimv2", "CIM_Disk", {{"DeviceID", text("a")}});
   createUses(source, nameOf("root/cimv2", "CIM_Disk", {{"DeviceID", text("b")}}));
