@@ -120,6 +120,12 @@ bool ColumnTypes::findType(const Seen& seen, std::string_view& name) {
   return true;
 }
 
+void ColumnTypes::Type::widenTo(std::string_view expected) {
+  constexpr std::size_t kFamily = 4;  // the length of "uint", "sint" and "real"
+  if (isArray || !conflict.empty() || expected.empty()) return;
+  if (name.empty() || name.substr(0, kFamily) == expected.substr(0, kFamily)) name = expected;
+}
+
 std::vector<ColumnTypes::Type> ColumnTypes::settle() const {
   std::vector<Type> types;
   for (const Seen& seen : _seen) {

@@ -44,6 +44,10 @@ class ColumnTypes {
     bool isArray = false;
     DateTimes dateTimes = DateTimes::Texts;
     std::string conflict;  // where no one type holds the values: the types that they have
+
+    // Becomes the widest type of a family of numbers, which was expected before values were known: where these told no
+    // type, and where they are numbers of that family. BORROWS the name.
+    void widenTo(std::string_view expected);
   };
   // Of each column.
   std::vector<Type> settle() const;

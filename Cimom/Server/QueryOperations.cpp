@@ -11,6 +11,7 @@
 #include "Cimom/Server/EnumerationReply.h"
 #include "Cimom/Server/QueryRows.h"
 #include "Cimom/Server/ServerObjects.h"
+#include "Cimom/Server/ServerParameters.h"
 
 namespace {
 
@@ -67,6 +68,8 @@ class RowItems final : public EnumerationItems {
 
 std::unique_ptr<ServerReply> openQuery(const ServerCall& call, EnumerationContexts& contexts,
                                        const ServerLimits& limits) {
+  serverparameters::allowOnly(call.request, {"FilterQueryLanguage", "FilterQuery", "ReturnQueryResultClass",
+                                             "OperationTimeout", "ContinueOnError", "MaxObjectCount"});
   const EnumerationParameters parameters(call.request, limits);
   EnumerationContexts::Turn turn = contexts.open(call, EnumerationContexts::Kind::Instances, parameters.betweenPulls);
   std::unique_ptr<QueryRows> rows = runQuery(call, "FilterQueryLanguage", "FilterQuery", limits);
@@ -83,6 +86,7 @@ std::unique_ptr<ServerReply> openQuery(const ServerCall& call, EnumerationContex
 void addQueryOperations(ServerOperations& operations, const std::shared_ptr<EnumerationContexts>& contexts,
                         const ServerLimits& limits) {
   operations.add("ExecQuery", [limits](const ServerCall& call) {
+    serverparameters::allowOnly(call.request, {"QueryLanguage", "Query"});
     return std::make_unique<RowsReply>(call, runQuery(call, "QueryLanguage", "Query", limits));
   });
   operations.add("OpenQueryInstances",

@@ -15,6 +15,7 @@
 #include "Cimom/Server/UniqueNames.h"
 #include "cimom/CQoriProviderException.h"
 #include "cimom/CQoriType.h"
+#include "cimom/QoriProviderPluginManager.h"
 
 namespace {
 
@@ -31,10 +32,11 @@ std::string messageOf(const QoriBaseException& error, const QORString& text) {
   return message + " (line " + std::to_string(place.line) + ", column " + std::to_string(place.column) + ")";
 }
 
-// Whether it is the query that is wrong, though only the rows show it.
+// Whether it is the query that is wrong, though only the rows show it: to the engine, or to the values that it computes
+// with.
 bool isOfQuery(const QoriBaseException& error) noexcept {
   const QORQL_Fault* const fault = QORQL_faultOf(error);
-  return fault != nullptr && fault->kind != QORQL_Fault::kOther;
+  return fault == nullptr ? error.getType() == "CIM_Value" : fault->kind != QORQL_Fault::kOther;
 }
 
 std::vector<QORString> namesOf(const std::vector<CimPropertyDeclaration>& properties) {
@@ -165,7 +167,10 @@ void QueryRows::settleColumns(Run& run) {
   }
   std::vector<std::string> names;
   for (const QORQL_Result::Column& column : columns) names.emplace_back(column.name.view());
-  for (const ColumnTypes::Type& type : types.settle()) {
+  const std::vector<QORString> computed = run.statement().computedTypes();
+  for (ColumnTypes::Type& type : types.settle()) {
+    const std::size_t index = _columns.size();
+    if (index < computed.size() && columns[index].className.isEmpty()) type.widenTo(computed[index].view());
     if (!type.conflict.empty()) {
       throw CimStatusException(cimstatus::kFailed, "column " + names[_columns.size()] +
                                                        " has values that no one type holds (" + type.conflict + ")");
@@ -182,10 +187,21 @@ void QueryRows::nameColumns(std::vector<std::string> names) {
   _layout = QORSmrPtr<ModelLayout>(new ModelLayout(_columns));
 }
 
+// An instance has no properties that its class lacks.
+bool QueryRows::hasColumns(const QORString& className) const {
+  const QORSmrPtr<IQoriRepository> repository(
+      QoriProviderPluginManager::getQoriProviderPluginManager()->getRepository());
+  const QORSmrPtr<IQoriClass> found(repository->getClass(_nameSpace, className));
+  return !found.IsNull() && std::all_of(_columns.begin(), _columns.end(), [&](const ModelLayout::Column& column) {
+    return found->getProperty(column.name, true) != nullptr;
+  });
+}
+
 const QORSmrPtr<ModelShape>& QueryRows::shapeOf(const QORString& className) {
   QORSmrPtr<ModelShape>& shape = _shapes[std::string(className.view())];
   if (shape.IsNull()) {
-    const QORString name = className.isEmpty() ? QORString(kResultClass) : className;
+    const bool isShown = !className.isEmpty() && hasColumns(className);
+    const QORString name = isShown ? className : QORString(kResultClass);
     shape = QORSmrPtr<ModelShape>(new ModelShape(_nameSpace, name, _layout, {}));
   }
   return shape;

@@ -46,6 +46,7 @@ class QueryRows {
 
   void settleColumns(Run& run);
   void nameColumns(std::vector<std::string> names);
+  bool hasColumns(const QORString& className) const;
   const QORSmrPtr<ModelShape>& shapeOf(const QORString& className);
 
   const QORString _nameSpace;

@@ -5,10 +5,15 @@
 #include <exception>
 #include <utility>
 
+#include "Cimom/QORQL/Explain/QORQL_DeclaredTypes.h"
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
+#include "Cimom/QORQL/QORQL_ExpressionShape.h"
+#include "Cimom/QORQL/QORQL_FromClause.h"
+#include "Cimom/QORQL/QORQL_Function.h"
 #include "Cimom/QORQL/QORQL_Lexer.h"
 #include "Cimom/QORQL/QORQL_Query.h"
+#include "Cimom/QORQL/QORQL_SelectList.h"
 #include "Cimom/QORQL/QORQL_StatementPlaces.h"
 #include "Cimom/QORQL/QORQL_SymbolTable.h"
 
@@ -117,6 +122,51 @@ QORQL_Result QORQL_Statement::run(std::ostream* xml) {
 }
 
 std::vector<QORQL_Surprise> QORQL_Statement::surprises() { return QORQL_findSurprises(query(), _state->nameSpace); }
+
+namespace {
+
+using DeclaredType = QORQL_DeclaredType;
+
+// MIN, MAX, SUM and AVG begin with the widest type of their argument's family.
+DeclaredType::Kind kindOf(const QORQL_Evaluatable* expression, const QORQL_DeclaredTypes& types) {
+  const auto* const function = QORQL_nodeAs<QORQL_Function>(QORQL_peel(expression));
+  const bool isFold = function != nullptr && QORQL_isAggregate(function->getFunctionID()) &&
+                      function->getFunctionID() != QORQL_FUNCTIONID_COUNT;
+  const DeclaredType type = types.of(isFold ? function->getParameters()->first().Get() : expression);
+  if (type.isArray) return DeclaredType::kOther;
+  const bool isNumber = type.kind > DeclaredType::kUnknown && type.kind < DeclaredType::kOther;
+  return isNumber && isFold && function->getFunctionID() == QORQL_FUNCTIONID_AVG ? DeclaredType::kReal : type.kind;
+}
+
+QORString nameOf(DeclaredType::Kind kind) {
+  switch (kind) {
+    case DeclaredType::kUnsigned:
+    case DeclaredType::kUint64:
+      return "uint64";
+    case DeclaredType::kSigned:
+      return "sint64";
+    case DeclaredType::kReal:
+      return "real64";
+    default:
+      return QORString::emptyString();
+  }
+}
+
+}  // namespace
+
+std::vector<QORString> QORQL_Statement::computedTypes() {
+  const QORQL_DeclaredTypes types(dynamic_cast<const QORQL_FromClause&>(*query().getFromClause()), _state->nameSpace);
+  std::vector<QORString> names;
+  const auto& list = dynamic_cast<const QORQL_SelectList&>(*_state->query->getSelectList());
+  QORValSlistIterator<QORSmrPtr<QORQL_SelectedEntry>> entries(*list.getSelectedEntries());
+  while (++entries) {
+    const QORQL_SelectedEntry& entry = *entries.key();
+    if (entry.isSelectAll() || entry.isClassAll()) return {};
+    names.push_back(entry.isPlainProperty() ? QORString::emptyString()
+                                            : nameOf(kindOf(entry.getExpression().Get(), types)));
+  }
+  return names;
+}
 
 const QORQL_Query& QORQL_Statement::query() {
   parse();

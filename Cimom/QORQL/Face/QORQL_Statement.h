@@ -97,6 +97,11 @@ class QORQL_Statement {
   // Where the statement does not mean what someone who knows SQL expects. THROWS as parse().
   std::vector<QORQL_Surprise> surprises();
 
+  // The types that what the select list computes has by the classes' declarations, whatever rows there are: "uint64",
+  // "sint64" or "real64" for each column, empty where nothing tells. No element at all for a list with `*`. THROWS as
+  // parse().
+  std::vector<QORString> computedTypes();
+
   // The parsed text and its names, for QORQL_Explanation and visitors; parsed only
   // once, so the references are good as long as the statement or one of its results
   // lives, and moving them changes nothing. THROW as parse().

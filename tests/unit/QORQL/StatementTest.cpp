@@ -108,6 +108,22 @@ TEST_F(Face, AResultIsWalkedAgain) {
   EXPECT_THAT(rowsOf(std::move(result)), ElementsAre("lamp|4"));
 }
 
+TEST_F(Face, WhatIsComputedHasATypeBeforeItRuns) {
+  const auto typesOf = [](const char* text) {
+    std::vector<std::string> types;
+    for (const QORString& type : statement(text).computedTypes()) types.emplace_back(type.view());
+    return types;
+  };
+  EXPECT_THAT(typesOf("SELECT Name, Stock AS S, Stock + 1 AS M, Stock * 1.5 AS R, -Stock AS N FROM Face_Item"),
+              ElementsAre("", "", "uint64", "real64", "sint64"));
+  EXPECT_THAT(typesOf("SELECT MIN(Stock) AS L, MAX(Stock) AS M, SUM(Stock - 5) AS S, AVG(Stock) AS A, COUNT(Name) AS N "
+                      "FROM Face_Item"),
+              ElementsAre("uint64", "uint64", "sint64", "real64", "uint64"));
+  EXPECT_THAT(typesOf("SELECT MAX(Name) AS M FROM Face_Item"), ElementsAre(""));
+  EXPECT_THAT(typesOf("SELECT OBJECTPATH(Face_Item) AS O FROM Face_Item"), ElementsAre(""));
+  EXPECT_THAT(typesOf("SELECT *, Stock + 1 AS M FROM Face_Item"), IsEmpty());
+}
+
 TEST_F(Face, AResultOutlivesItsStatement) {
   std::optional<QORQL_Statement> kept(statement("SELECT Name FROM Face_Item WHERE Stock IS NULL"));
   QORQL_Result result = kept->run();

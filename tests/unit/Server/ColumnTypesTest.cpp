@@ -36,6 +36,19 @@ TEST(ColumnTypes, NumbersOfSeveralTypesHaveOneThatHoldsThemAll) {
   EXPECT_EQ(typeOf({Value(new CQoriValue(1.5, CQoriType::real64)), unsignedNumber(1)}).name, "real64");
 }
 
+TEST(ColumnTypes, AreWidenedToWhatWasExpectedWithinTheirFamily) {
+  const auto widened = [](const std::vector<Value>& values, std::string_view expected) {
+    ColumnTypes::Type type = typeOf(values);
+    type.widenTo(expected);
+    return std::string(type.name);
+  };
+  EXPECT_EQ(widened({}, "uint64"), "uint64");
+  EXPECT_EQ(widened({}, ""), "");
+  EXPECT_EQ(widened({Value(new CQoriValue(7ULL, CQoriType::uint8))}, "uint64"), "uint64");
+  EXPECT_EQ(widened({number(1, CQoriType::sint64)}, "uint64"), "sint64");
+  EXPECT_EQ(widened({Value(new CQoriValue(QORString("x")))}, "real64"), "string");
+}
+
 TEST(ColumnTypes, WhatNoTypeHoldsIsToldByTheTypes) {
   const ColumnTypes::Type tooWide = typeOf({number(-1, CQoriType::sint64), unsignedNumber(~0ULL)});
   EXPECT_EQ(tooWide.conflict, "sint64, uint64");

@@ -138,7 +138,35 @@ TEST_F(Queries, WhatIsMissingIsRefused) {
 
 TEST_F(Queries, WhatCannotBeComputedIsRefusedBeforeTheReplyBegins) {
   createDisk("z", 0);
-  EXPECT_EQ(refused(asking("SELECT 100 / Size AS Q FROM CIM_Disk")), 1U);
+  EXPECT_EQ(refused(asking("SELECT 100 / Size AS Q FROM CIM_Disk")), 15U);
+  EXPECT_EQ(told, "Division by zero");
+}
+
+TEST_F(Queries, ParametersThatTheyDoNotHaveAreRefused) {
+  EXPECT_EQ(refused(asking("SELECT Size FROM CIM_Disk").text("MaxObjectCount", "1")), 4U);
+  Asked opened("OpenQueryInstances");
+  opened.text("FilterQueryLanguage", "CQL").text("FilterQuery", "SELECT Size FROM CIM_Disk");
+  EXPECT_EQ(refused(opened.text("ReturnQueryResultClas", "true")), 4U);
+  EXPECT_EQ(contexts->count(), 0U);
+}
+
+TEST_F(Queries, WhatIsComputedHasItsTypeWithoutRows) {
+  const std::string rows = rowsOf(
+      "SELECT MIN(Size) AS L, MAX(Size) AS M, SUM(Size) AS S, AVG(Size) AS A, COUNT(Size) AS N FROM CIM_Disk "
+      "WHERE Size > 99");
+  EXPECT_THAT(rows, AllOf(HasSubstr("NAME=\"L\" TYPE=\"uint64\""), HasSubstr("NAME=\"M\" TYPE=\"uint64\""),
+                          HasSubstr("NAME=\"S\" TYPE=\"uint64\""), HasSubstr("NAME=\"A\" TYPE=\"real64\""),
+                          HasSubstr("NAME=\"N\" TYPE=\"uint64\"")));
+  Asked opened("OpenQueryInstances");
+  opened.text("FilterQueryLanguage", "CQL").text("FilterQuery", "SELECT Size / 2 AS H FROM CIM_Disk WHERE Size > 99");
+  EXPECT_THAT(answer(opened.text("ReturnQueryResultClass", "TRUE")), HasSubstr("<PROPERTY NAME=\"H\" TYPE=\"uint64\""));
+}
+
+TEST_F(Queries, AnInstanceHasNoPropertyThatItsClassLacks) {
+  const std::string rows = rowsOf("SELECT * FROM CIM_Disk");
+  EXPECT_THAT(rows, StartsWith("<VALUE.OBJECT><INSTANCE CLASSNAME=\"QueryResult\">"));
+  EXPECT_THAT(rows,
+              HasSubstr("<INSTANCE CLASSNAME=\"CIM_FastDisk\"><PROPERTY NAME=\"DeviceID\" TYPE=\"string\"><VALUE>b<"));
 }
 
 TEST_F(Queries, TheQueryIsNoted) {
