@@ -10,6 +10,7 @@
 #include "Cimom/CimXml/CimXmlObjects.h"
 #include "Cimom/CimXml/CimXmlPathReader.h"
 #include "Cimom/CimXml/XmlPull.h"
+#include "cimom/CQoriInstanceName.h"
 
 using cimxml::Element;
 using cimxml::XmlAttributes;
@@ -99,6 +100,8 @@ class ParameterReader {
         return;
       case Element::ValueArray:
         return readTexts(parameter);
+      case Element::ClassName:
+        return readClassName(parameter);
       case Element::Instance:
       case Element::ValueNamedInstance:
       case Element::ValueInstanceWithPath:
@@ -126,6 +129,17 @@ class ParameterReader {
       parameter.texts.emplace_back(_xml.closeText());
     }
     _xml.close();
+  }
+
+  // An empty name says that there is no class, as NULL does.
+  void readClassName(CimXmlParameter& parameter) {
+    const QORString name(required(_xml, _xml.open(), "NAME"));
+    _xml.close();
+    if (name.isEmpty()) return;
+    parameter.kind = ParameterKind::ClassName;
+    parameter.text = name;
+    const QORSmrPtr<IQoriNameSpacePath> space(new CQoriNameSpacePath(QORString::emptyString(), _out.nameSpace));
+    parameter.path = QORSmrPtr<IQoriInstanceName>(new CQoriInstanceName(name, {}, space));
   }
 
   void readPath(CimXmlParameter& parameter) {

@@ -4,6 +4,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <climits>
 #include <optional>
 #include <string>
@@ -104,6 +105,11 @@ bool isNameSpace(std::string_view object, const QORString& nameSpace) noexcept {
 }
 
 void requireOperationHeader(const CimHeaders& headers) {
+  const std::string* const version = headers.find("CIMProtocolVersion");
+  if (version != nullptr && !version->starts_with("1.")) {
+    throw CimXmlRequestRefusal("unsupported-protocol-version",
+                               "the header CIMProtocolVersion says \"" + *version + "\", expected 1.x");
+  }
   if (headers.find("CIMBatch") != nullptr) {
     throw CimXmlRequestRefusal("multiple-requests-unsupported", "a message with several calls is not accepted");
   }

@@ -305,7 +305,10 @@ MHD_Result HttpExchange::send(HttpReply reply) {
   _nextProbe = HttpConnections::kNever;
   // Who listens with another certificate by now takes the place of those by whom it came.
   if (_place->listeners != _shared.listeners) MHD_add_response_header(response, "Connection", "close");
-  for (const auto& [name, value] : reply.headers) MHD_add_response_header(response, name.c_str(), value.c_str());
+  // The library takes no empty value; a blank is one to whoever reads it.
+  for (const auto& [name, value] : reply.headers) {
+    MHD_add_response_header(response, name.c_str(), value.empty() ? " " : value.c_str());
+  }
   const MHD_Result isQueued = MHD_queue_response(_connection, _record.http, response);
   MHD_destroy_response(response);
   _shared.connections.setDeadline(_place, Clock::now() + patience, false);

@@ -165,14 +165,24 @@ std::vector<Properties> managerInstances() {
   return {properties};
 }
 
-std::vector<Properties> mechanismInstances() {
+// In the numbers of the class: reading, changing instances, associations, queries, qualifiers, indications.
+Value profiles(const ServerTraits& traits) {
+  std::vector<Value> told;
+  for (const int profile : {2, 5, 6, 7, 8, 9}) {
+    if (traits.isWritable || (profile != 5 && profile != 9)) told.push_back(number(static_cast<QORuint16>(profile)));
+  }
+  return array(std::move(told), CQoriType::uint16);
+}
+
+std::vector<Properties> mechanismInstances(const ServerTraits& traits) {
+  constexpr QORuint16 kNone = 2;
+  constexpr QORuint16 kBasic = 3;
   Properties properties = named(kMechanismClass, "cim-xml", "CIM-XML over HTTP");
   properties.emplace_back("CommunicationMechanism", number(2));
-  // Reading, changing instances, associations, queries and qualifiers.
-  properties.emplace_back("FunctionalProfilesSupported",
-                          array({number(2), number(5), number(6), number(7), number(8)}, CQoriType::uint16));
+  properties.emplace_back("FunctionalProfilesSupported", profiles(traits));
   properties.emplace_back("MultipleOperationsSupported", flag(false));
-  properties.emplace_back("AuthenticationMechanismsSupported", array({number(2), number(3)}, CQoriType::uint16));
+  properties.emplace_back("AuthenticationMechanismsSupported",
+                          array({number(traits.asksForUsers ? kBasic : kNone)}, CQoriType::uint16));
   properties.emplace_back("Version", textValue("1.4"));
   properties.emplace_back(
       "QueryLanguagesSupported",
@@ -188,11 +198,11 @@ void serve(EmbeddedObjectManager& manager, const char* className, InteropProvide
 
 }  // namespace
 
-void addInteropModel(EmbeddedObjectManager& manager) {
+void addInteropModel(EmbeddedObjectManager& manager, const ServerTraits& traits) {
   manager.sink().createNamespace(kInteropNameSpace);
   declareClasses(manager);
   const std::weak_ptr<State> state = manager.state();
   serve(manager, kNameSpaceClass, [state] { return nameSpaceInstances(state); });
   serve(manager, kManagerClass, &managerInstances);
-  serve(manager, kMechanismClass, &mechanismInstances);
+  serve(manager, kMechanismClass, [traits] { return mechanismInstances(traits); });
 }

@@ -10,6 +10,7 @@
 
 #include "Cimom/Server/HttpServer.h"
 #include "Cimom/Server/HttpService.h"
+#include "Cimom/Server/InteropModel.h"
 #include "Cimom/Server/ServerEvents.h"
 #include "Cimom/Server/ServerLimits.h"
 #include "Cimom/Server/ServerModel.h"
@@ -35,7 +36,7 @@ class ServerModule {
   virtual std::shared_ptr<HttpService> makeCimService(const CimServiceOptions& options) = 0;
   // Declares what a server has besides, and lets many threads ask the outer servers. For each object manager, before
   // others know it. THROWS QoriBaseException when something of it does not fit what is declared.
-  virtual void prepare(EmbeddedObjectManager& manager) = 0;
+  virtual void prepare(EmbeddedObjectManager& manager, const ServerTraits& traits) = 0;
   // THROWS QoriBaseException (type "CIM_Store") when the store cannot be used.
   virtual std::shared_ptr<ServerEvents> makeEvents(const EventOptions& options) = 0;
   // Takes indications that are sent. BORROWS the taker.

@@ -107,6 +107,16 @@ class HttpTest(ServerCase):
             if status in (200, 405):
                 self.assertEqual(reply.headers["Allow"], "POST, M-POST, OPTIONS")
 
+    def test_m_post_is_answered_in_its_own_way(self):
+        server = self.serve_plant()
+        man = "http://www.dmtf.org/cim/mapping/http/v1.0 ; ns=73"
+        reply = self.judged(self.client(server).post(request("EnumerateClassNames"), {
+            "Man": man, "73-CIMOperation": "MethodCall", "73-CIMMethod": "EnumerateClassNames",
+            "73-CIMObject": "root%2Fcimv2"}, method="M-POST"))
+        self.assertEqual((reply.status, reply.error), (200, 0))
+        self.assertEqual((reply.headers["Man"], reply.headers["73-CIMOperation"]), (man, "MethodResponse"))
+        self.assertEqual(reply.headers["Ext"], "")
+
     def test_a_long_reply_comes_in_chunks_and_compressed_where_that_is_taken(self):
         mof = self.write("many.mof", "class T_One { [Key] string Name; };\n" + "".join(
             f'instance of T_One {{ Name = "number {number}"; }};\n' for number in range(5000)))

@@ -101,6 +101,7 @@ class ServerRun {
       : _given(asServed(given)), _started(withConfiguration(_given)), _library(serverLibrary()) {
     const ServeOptions& options = _started;
     _drainSeconds = static_cast<unsigned>(limitOf(options, "drain"));
+    _traits = {options.isWritable, !options.usersFile.empty()};
     if (options.isWritable || !options.storeFile.empty()) _events = makeEvents(options);
     const std::shared_ptr<Session> session = openSession(options);
     session->takeOver();
@@ -141,7 +142,7 @@ class ServerRun {
     auto session = std::make_shared<Session>(options.session, Session::Life::UntilReplaced);
     session->open(_events == nullptr ? nullptr : indicationSchemaMof());
     if (session->servers() != nullptr) session->servers()->setStopRequest(&isThreadStopped);
-    _library.prepare(session->manager());
+    _library.prepare(session->manager(), _traits);
     if (_events == nullptr) return session;
     declareIndications(session->manager(), QORString(options.session.nameSpace), options.session.isQuiet);
     _events->prepare(session->manager());
@@ -200,6 +201,7 @@ class ServerRun {
   const ServeOptions _started;  // with the configuration as it was then
   ServerModule& _library;
   const PatientErrors _errors{_library};
+  ServerTraits _traits;  // as they were at the start
   unsigned _drainSeconds = 0;
   std::shared_ptr<ServerEvents> _events;  // null where clients can write nothing
   std::shared_ptr<ServerModel> _model;

@@ -70,10 +70,10 @@ class Module : public ServerModule {
   std::shared_ptr<HttpService> makeCimService(const CimServiceOptions& options) override {
     return std::make_shared<CimService>(options);
   }
-  void prepare(EmbeddedObjectManager& manager) override {
+  void prepare(EmbeddedObjectManager& manager, const ServerTraits& traits) override {
     const std::shared_ptr<OuterSource> outer = manager.state()->outer;
     if (outer != nullptr) manager.setOuterSource(std::make_shared<GatewaySource>(outer));
-    addInteropModel(manager);
+    addInteropModel(manager, traits);
   }
   std::shared_ptr<ServerEvents> makeEvents(const EventOptions& options) override {
     const auto events = std::make_shared<StoredEvents>(options);

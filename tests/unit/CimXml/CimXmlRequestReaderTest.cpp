@@ -92,6 +92,15 @@ TEST(CimXmlRequestReader, ParametersHaveTheirKinds) {
   EXPECT_EQ(readParameter("<QUALIFIER.DECLARATION NAME=\"Q\" TYPE=\"boolean\"/>").qualifiers.name, QORString("Q"));
 }
 
+TEST(CimXmlRequestReader, AClassWithoutANameIsNoClass) {
+  EXPECT_EQ(readParameter("<CLASSNAME NAME=\"\"/>").kind, Kind::Null);
+  EXPECT_THAT(refusalOf(call(parameter("<CLASSNAME/>"))), HasSubstr("request-not-valid: "));
+  EXPECT_THAT(refusalOf(call(parameter("<CLASSPATH><NAMESPACEPATH><HOST>h</HOST><LOCALNAMESPACEPATH>"
+                                       "<NAMESPACE NAME=\"r\"/></LOCALNAMESPACEPATH></NAMESPACEPATH>"
+                                       "<CLASSNAME NAME=\"\"/></CLASSPATH>"))),
+              HasSubstr("request-not-valid: "));
+}
+
 TEST(CimXmlRequestReader, AMethodHasItsObject) {
   const CimXmlRequest request = read(
       message("<SIMPLEREQ><METHODCALL NAME=\"Stop\"><LOCALCLASSPATH><LOCALNAMESPACEPATH><NAMESPACE NAME=\"root\"/>"

@@ -64,6 +64,11 @@ TEST_F(Service, TheObjectOfTheHeadersMayTellAHost) {
   }
 }
 
+TEST_F(Service, AnotherVersionOfTheProtocolIsRefused) {
+  EXPECT_EQ(errorOf(answerTo({{"CIMProtocolVersion", "1.4"}})), "200");
+  EXPECT_EQ(errorOf(answerTo({{"CIMProtocolVersion", "2.0"}})), "400 unsupported-protocol-version");
+}
+
 TEST_F(Service, AMessageThatIsNoneIsRefusedByHttp) {
   EXPECT_EQ(errorOf(answerTo({}, "<CIM>")), "400 request-not-well-formed");
   const HttpReply reply = answerTo({}, "<MIC/>");

@@ -11,6 +11,13 @@ using namespace messagetest;
 using ::testing::HasSubstr;
 
 constexpr const char* kInterop = "root/interop";
+constexpr const char* kMechanism = "CIM_ObjectManagerCommunicationMechanism";
+
+std::string numbers(const std::string& name, std::initializer_list<int> values) {
+  std::string told = "<PROPERTY.ARRAY NAME=\"" + name + "\" TYPE=\"uint16\"><VALUE.ARRAY>";
+  for (const int value : values) told += "<VALUE>" + std::to_string(value) + "</VALUE>";
+  return told + "</VALUE.ARRAY>";
+}
 
 class InteropModel : public MessageTest {
  protected:
@@ -32,7 +39,7 @@ class InteropModel : public MessageTest {
 };
 
 TEST_F(InteropModel, EachNamespaceIsAnInstance) {
-  addInteropModel(manager());
+  addInteropModel(manager(), {});
   EXPECT_EQ(countOf(namesOf("CIM_Namespace")), 2U);
   manager().sink().createNamespace("root/more");
   const std::string names = namesOf("CIM_Namespace");
@@ -44,7 +51,7 @@ TEST_F(InteropModel, EachNamespaceIsAnInstance) {
 }
 
 TEST_F(InteropModel, OneObjectManagerTellsItsNameAndItsLanguages) {
-  addInteropModel(manager());
+  addInteropModel(manager(), {});
   EXPECT_EQ(countOf(namesOf("CIM_ObjectManager")), 1U);
   EXPECT_THAT(valuesOf("EnumerateInstances", className("CIM_ObjectManager") + text("LocalOnly", "false"), kInterop),
               HasSubstr("<PROPERTY NAME=\"ElementName\" TYPE=\"string\"><VALUE>QORQL</VALUE></PROPERTY>"));
@@ -53,8 +60,22 @@ TEST_F(InteropModel, OneObjectManagerTellsItsNameAndItsLanguages) {
       HasSubstr("<VALUE>DMTF:CQL</VALUE><VALUE>CIM:CQL</VALUE><VALUE>CQL</VALUE><VALUE>WQL</VALUE></VALUE.ARRAY>"));
 }
 
+TEST_F(InteropModel, TheMechanismTellsWhatThisServerDoes) {
+  addInteropModel(manager(), {});
+  const std::string readOnly = valuesOf("EnumerateInstances", className(kMechanism), kInterop);
+  EXPECT_THAT(readOnly, HasSubstr(numbers("FunctionalProfilesSupported", {2, 6, 7, 8})));
+  EXPECT_THAT(readOnly, HasSubstr(numbers("AuthenticationMechanismsSupported", {2})));
+}
+
+TEST_F(InteropModel, TheMechanismOfAWritableServerWithUsersSaysSo) {
+  addInteropModel(manager(), {true, true});
+  const std::string told = valuesOf("EnumerateInstances", className(kMechanism), kInterop);
+  EXPECT_THAT(told, HasSubstr(numbers("FunctionalProfilesSupported", {2, 5, 6, 7, 8, 9})));
+  EXPECT_THAT(told, HasSubstr(numbers("AuthenticationMechanismsSupported", {3})));
+}
+
 TEST_F(InteropModel, NobodyChangesIt) {
-  addInteropModel(manager());
+  addInteropModel(manager(), {});
   const std::string name = namesOf("CIM_ObjectManager");
   EXPECT_THAT(refusalOf("DeleteInstance", parameter("InstanceName", name), kInterop), HasSubstr("7: "));
 }
@@ -63,7 +84,7 @@ TEST_F(InteropModel, ClassesAndInstancesThatAreThereStay) {
   load(
       "#pragma namespace(\"root/interop\")\nclass CIM_Namespace { [Key] string Name; };\n"
       "instance of CIM_Namespace { Name = \"told\"; };\nclass CIM_ObjectManager { [Key] string Name; };\n");
-  addInteropModel(manager());
+  addInteropModel(manager(), {});
   EXPECT_EQ(namesOf("CIM_Namespace"), path("CIM_Namespace", "Name", "told"));
   EXPECT_EQ(countOf(namesOf("CIM_ObjectManager")), 1U);
 }
