@@ -131,6 +131,24 @@ TEST_F(InstanceOperations, ReferencesTellNamespaces) {
   EXPECT_THAT(valuesOf("GetInstance", parameter("InstanceName", bare)), HasSubstr("<INSTANCE CLASSNAME=\"Link\">"));
 }
 
+TEST_F(InstanceOperations, KeysWithoutATypeAreReadAsTheClassDeclaresThem) {
+  load(
+      "class Slot { [Key] uint64 Number; [Key] boolean Left; [Key] datetime Since; };\n"
+      "instance of Slot { Number = 18446744073709551615; Left = true; Since = \"20260102030405.000000+000\"; };\n");
+  const auto named = [](const std::string& number, const std::string& left) {
+    const auto key = [](const std::string& name, const std::string& value) {
+      return "<KEYBINDING NAME=\"" + name + "\"><KEYVALUE>" + value + "</KEYVALUE></KEYBINDING>";
+    };
+    return parameter("InstanceName", "<INSTANCENAME CLASSNAME=\"slot\">" + key("number", number) + key("Left", left) +
+                                         key("Since", "20260102030405.000000+000") + "</INSTANCENAME>");
+  };
+  EXPECT_THAT(valuesOf("GetInstance", named("18446744073709551615", "TRUE")),
+              HasSubstr("<INSTANCE CLASSNAME=\"Slot\">"));
+  EXPECT_THAT(refusalOf("GetInstance", named("7", "true")), HasSubstr("6: "));
+  EXPECT_THAT(refusalOf("GetInstance", named("seven", "true")), HasSubstr("6: "));
+  EXPECT_THAT(refusalOf("GetInstance", named("18446744073709551615", "perhaps")), HasSubstr("6: "));
+}
+
 TEST_F(InstanceOperations, WhatIsNotThereIsRefused) {
   const std::string name = parameter("InstanceName", path("Part", "Id", "z"));
   for (const char* const operation : {"GetInstance", "DeleteInstance"}) {
