@@ -82,7 +82,7 @@ void IndicationService::State::attach(const std::shared_ptr<EmbeddedObjectManage
     if (_table.findHandler(path) == nullptr) gone.push_back(path);
   }
   for (const std::string& path : gone) retire(path);
-  forgetQueues();
+  forgetQueues(*manager);
   ++_filtersVersion;
 }
 
@@ -143,10 +143,12 @@ void IndicationService::State::open(const ListenerDestination& destination) {
   _channels.emplace(destination.path, std::move(channel));
 }
 
-// Of listeners that nothing declares any more. Those of stored instances that do not fit at the moment are kept.
-void IndicationService::State::forgetQueues() {
+// Of listeners that nothing declares any more. Those that are declared wrongly, and those of stored instances that do
+// not fit, are kept for when they are mended.
+void IndicationService::State::forgetQueues(const EmbeddedObjectManager& manager) {
   try {
     std::set<std::string> kept;
+    for (const Object& handler : instancesOf(manager, kHandlerClass)) kept.insert(pathOf(*handler));
     for (const ServerStore::Instance& instance : _store.instances()) {
       if (!instance.isGone) kept.insert(instance.path);
     }

@@ -117,7 +117,7 @@ bool IndicationListener::deliver(const ServerStore::Queued& queued) {
   }
   for (unsigned failures = 0;; ++failures) {
     const Outcome outcome = attempt(queued);
-    if (_isStopped && outcome == Outcome::Failed) return false;
+    if (outcome == Outcome::Failed && (_isStopped || isRedirected())) return false;
     const RetrySettings settings = _observer.retrySettings();
     if (outcome != Outcome::Failed || failures >= settings.attempts) {
       finish(queued, outcome);
@@ -125,6 +125,12 @@ bool IndicationListener::deliver(const ServerStore::Queued& queued) {
     }
     if (!waitToRetry(queued, settings.interval)) return false;
   }
+}
+
+// To another address than the one that was asked last, which has all its attempts.
+bool IndicationListener::isRedirected() {
+  const std::lock_guard lock(_mutex);
+  return _url != _transportUrl;
 }
 
 bool IndicationListener::isWaiting(const ServerStore::Queued& queued) {
@@ -164,8 +170,9 @@ std::string IndicationListener::reply(const std::string& message) {
     url = _url;
   }
   if (_transport == nullptr || url != _transportUrl) {
-    _transport = _maker(url, _isStopped);
     _transportUrl = url;
+    _transport.reset();
+    _transport = _maker(url, _isStopped);
   }
   return _transport->post(message);
 }
@@ -191,9 +198,8 @@ bool IndicationListener::waitToRetry(const ServerStore::Queued& queued, std::chr
     const std::uint64_t changes = _changes;
     if (!isWaiting(queued)) return false;
     std::unique_lock lock(_mutex);
-    const auto isOver = [&] { return _isStopped || _changes != changes; };
-    if (!_changed.wait_until(lock, end, isOver)) return true;
     if (_isStopped || _url != _transportUrl) return false;
+    if (!_changed.wait_until(lock, end, [&] { return _isStopped || _changes != changes; })) return true;
   }
 }
 

@@ -76,6 +76,7 @@ class IndicationListener {
   };
   Outcome attempt(const ServerStore::Queued& queued);
   Outcome settle(Outcome outcome, const std::string& error);
+  bool isRedirected();
   bool isWaiting(const ServerStore::Queued& queued);
   bool waitToRetry(const ServerStore::Queued& queued, std::chrono::milliseconds time);
   bool waitForStore(unsigned faults);

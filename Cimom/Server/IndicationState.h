@@ -89,7 +89,7 @@ class IndicationService::State final : public WriteObserver,
   void applyObject(const IQoriObject& after);
   void open(const ListenerDestination& destination);
   void retire(const std::string& handler);
-  void forgetQueues();
+  void forgetQueues(const EmbeddedObjectManager& manager);
   // What goes with a change of a subscription or a listener.
   struct Discarded {
     Channel* channel = nullptr;

@@ -36,7 +36,11 @@ void keepToTheEnd(std::unique_ptr<EmbeddedObjectManager> manager) {
 
 }  // namespace
 
-Session::Session(const SessionOptions& options, Life life) : _options(options), _life(life), _manager(makeManager()) {
+Session::Session(const SessionOptions& options, Life life)
+    : _options(options),
+      _life(life),
+      _log(std::make_shared<Log>(Log{options.logSeverity, {}})),
+      _manager(makeManager()) {
   if (_life == Life::OfTheProcess) takeOver();
 }
 
@@ -47,8 +51,8 @@ Session::~Session() {
 
 std::unique_ptr<EmbeddedObjectManager> Session::makeManager() {
   auto manager = std::make_unique<EmbeddedObjectManager>();
-  manager->setLogSink([this](const QORString& who, const QORString& message,
-                             QORuint32 severity) { takeLogLine(who, message, severity); },
+  manager->setLogSink([log = _log](const QORString& who, const QORString& message,
+                                   QORuint32 severity) { log->take(who, message, severity); },
                       _options.logSeverity.value_or(QoriTraceLog::kWarning));
   if (_servers != nullptr) manager->setOuterSource(_servers);
   return manager;
@@ -70,18 +74,18 @@ int Session::settle(int status) {
   return _isIncomplete && status == kExitDone ? kExitPlatform : status;
 }
 
-void Session::takeLogLine(const QORString& who, const QORString& message, QORuint32 severity) {
+void Session::Log::take(const QORString& who, const QORString& message, QORuint32 lineSeverity) {
   const std::string text = printableText(message.view());
-  if (_options.logSeverity) {
-    std::cerr << "qorql: " << severityName(severity) << ": " << who << ": " << text << '\n';
+  if (severity) {
+    std::cerr << "qorql: " << severityName(lineSeverity) << ": " << who << ": " << text << '\n';
   } else {
-    _warnings.push_back(text);
+    warnings.push_back(text);
   }
 }
 
 void Session::printWarnings() {
   std::vector<std::string> warnings;
-  warnings.swap(_warnings);
+  warnings.swap(_log->warnings);
   if (_options.isQuiet) return;
   // A join asks more than one class, and each may miss the same.
   std::set<std::string_view> seen;
@@ -92,7 +96,7 @@ void Session::printWarnings() {
 }
 
 void Session::printNewWarnings() {
-  std::erase_if(_warnings, [this](const std::string& warning) { return !_told.insert(warning).second; });
+  std::erase_if(_log->warnings, [this](const std::string& warning) { return !_told.insert(warning).second; });
   printWarnings();
 }
 
@@ -194,7 +198,7 @@ void Session::addLiveClasses(EmbeddedObjectManager& manager) {
   const auto descriptions = _options.needsDescriptions ? LiveDescriptions::Declared : LiveDescriptions::LeftAway;
   _leftOut = ::addLiveClasses(manager, QORString(_options.nameSpace), descriptions);
   if (_leftOutPolicy == LeftOut::TellWhenNamed || _leftOut.names.empty()) return;
-  _warnings.push_back(_leftOut.complaint);
+  _log->warnings.push_back(_leftOut.complaint);
   _leftOut = {};
 }
 
@@ -203,7 +207,7 @@ void Session::tellOfLeftOut(std::string_view className) {
     return QORString::equalIgnoringCase(name, className);
   });
   if (!isOne) return;
-  _warnings.push_back(_leftOut.complaint);
+  _log->warnings.push_back(_leftOut.complaint);
   _leftOut = {};
   printWarnings();
 }

@@ -65,7 +65,7 @@ class Session {
   void printWarnings();
   // Without those that it has printed before.
   void printNewWarnings();
-  void dropWarnings() { _warnings.clear(); }
+  void dropWarnings() { _log->warnings.clear(); }
 
  private:
   struct MorePath {
@@ -73,8 +73,15 @@ class Session {
     std::string nameSpace;
   };
 
+  // What the log's lines go to. The sink shares it: a thread may be writing one while the session ends.
+  struct Log {
+    std::optional<QORuint32> severity;  // of lines that are printed at once; none: they are warnings
+    std::vector<std::string> warnings;
+
+    void take(const QORString& who, const QORString& message, QORuint32 lineSeverity);
+  };
+
   void connectServers();
-  void takeLogLine(const QORString& who, const QORString& message, QORuint32 severity);
   bool hasLiveClasses() const { return !_options.hasNoLiveClasses && _servers == nullptr; }
   std::unique_ptr<EmbeddedObjectManager> makeManager();
   void loadConfiguration(EmbeddedObjectManager& manager) const;
@@ -89,13 +96,13 @@ class Session {
 
   const SessionOptions _options;
   const Life _life;
+  const std::shared_ptr<Log> _log;
   std::shared_ptr<RemoteSource> _servers;  // null: none are asked
   bool _isIncomplete = false;              // a server was left out
   std::unique_ptr<EmbeddedObjectManager> _manager;
   std::vector<MorePath> _more;
   LeftOut _leftOutPolicy = LeftOut::TellAtOnce;
-  LeftOutClasses _leftOut;  // that are still to be reported
-  std::vector<std::string> _warnings;
+  LeftOutClasses _leftOut;      // that are still to be reported
   std::set<std::string> _told;  // by printNewWarnings
 };
 

@@ -147,6 +147,22 @@ TEST(IndicationListener, AnotherAddressIsTriedAtOnce) {
   EXPECT_EQ(delivery.lost, 0);
 }
 
+TEST(IndicationListener, AnotherAddressThatComesDuringTheLastAttemptIsTried) {
+  std::atomic<bool> isAsked{false};
+  std::atomic<bool> isRedirected{false};
+  Delivery delivery(
+      [&](const std::string&, const std::string&) -> std::string {
+        isAsked = true;
+        while (!isRedirected) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        throw std::runtime_error("timed out");
+      },
+      0);
+  EXPECT_TRUE(comesTrue([&] { return isAsked.load(); }));
+  delivery.listener().redirect("http://another");
+  isRedirected = true;
+  EXPECT_EQ(delivery.outcome(), "2 taken, 0 lost, 1 messages");
+}
+
 TEST(IndicationListener, WhatWasTakenIsNotSentAgainWhileTheStoreCannotBeWritten) {
   const StoreFolder folder;
   std::atomic<bool> isOpen{false};
