@@ -74,11 +74,14 @@ OuterSource::Objects joined(std::vector<OuterSource::Objects>&& found) {
 }  // namespace
 
 RemoteSource::RemoteSource(const RemoteSourceOptions& options)
-    : RemoteSource(options, options.isWatched ? std::make_shared<RemoteWatch>(options.servers) : nullptr) {}
+    : RemoteSource(options, options.isWatched ? std::make_shared<RemoteWatch>(options.servers) : nullptr,
+                   std::make_shared<Unlisted>()) {}
 
-RemoteSource::RemoteSource(const RemoteSourceOptions& options, std::shared_ptr<RemoteWatch> watch)
+RemoteSource::RemoteSource(const RemoteSourceOptions& options, std::shared_ptr<RemoteWatch> watch,
+                           std::shared_ptr<Unlisted> unlisted)
     : _options(options),
       _watch(std::move(watch)),
+      _unlisted(std::move(unlisted)),
       _parallel(_options.parallel),
       _classes(
           [this](const QORString& nameSpace, const QORString& className) { return fetchClass(nameSpace, className); },
@@ -91,7 +94,7 @@ RemoteSource::RemoteSource(const RemoteSourceOptions& options, std::shared_ptr<R
 RemoteSource::~RemoteSource() = default;
 
 std::shared_ptr<OuterSource> RemoteSource::another() const {
-  const std::shared_ptr<RemoteSource> other(new RemoteSource(_options, _watch));
+  const std::shared_ptr<RemoteSource> other(new RemoteSource(_options, _watch, _unlisted));
   other->setStopRequest(_stopRequest);
   return other;
 }
@@ -364,21 +367,33 @@ std::vector<std::size_t> RemoteSource::serversOf(const IQoriInstanceName& name,
 
 // A server that does not list an association's instances may tell those of each source.
 OuterSource::Associations RemoteSource::associations(CimDeclarationSink& sink, const Request& request) {
-  const std::string key = fold(request.className);
   const std::vector<std::size_t> servers = serversWith(request.nameSpace, request.className);
   std::vector<Objects> found(servers.size());
   askEach(servers, [&](RemoteServer&, std::size_t i) {
     try {
       askServer(servers[i], sink, request, found[i]);
+      learnListing(request, servers[i], true);
     } catch (const RemoteStatusException& status) {
       if (!RemoteServer::isUnwillingToList(status)) throw;
       found[i].clear();
-      const std::lock_guard lock(_mutex);
-      _unlisted[key].insert(servers[i]);
+      learnListing(request, servers[i], false);
     }
   });
-  const std::lock_guard lock(_mutex);
-  return {joined(std::move(found)), !_unlisted.contains(key)};
+  return {joined(std::move(found)), unlisting(request, servers).empty()};
+}
+
+void RemoteSource::learnListing(const Request& request, std::size_t server, bool isListing) {
+  const std::lock_guard lock(_unlisted->mutex);
+  std::set<std::size_t>& servers = _unlisted->servers[fold(request.nameSpace) + ':' + fold(request.className)];
+  isListing ? static_cast<void>(servers.erase(server)) : static_cast<void>(servers.insert(server));
+}
+
+std::vector<std::size_t> RemoteSource::unlisting(const Request& request, std::vector<std::size_t> servers) const {
+  const std::lock_guard lock(_unlisted->mutex);
+  const auto found = _unlisted->servers.find(fold(request.nameSpace) + ':' + fold(request.className));
+  if (found == _unlisted->servers.end()) return {};
+  std::erase_if(servers, [&](std::size_t i) { return !found->second.contains(i); });
+  return servers;
 }
 
 OuterSource::Objects RemoteSource::references(CimDeclarationSink& sink, const Request& request,
@@ -388,9 +403,7 @@ OuterSource::Objects RemoteSource::references(CimDeclarationSink& sink, const Re
     // A path without a server's name is none of an instance that a named one has.
     if (isOfNone(source)) return {};
   } else {
-    const std::lock_guard lock(_mutex);
-    const std::set<std::size_t>& unlisted = _unlisted[fold(request.className)];
-    std::erase_if(servers, [&](std::size_t i) { return !unlisted.contains(i); });
+    servers = unlisting(request, std::move(servers));
   }
   std::vector<Objects> found(servers.size());
   askEach(servers, [&](RemoteServer& server, std::size_t i) {
@@ -409,7 +422,6 @@ void RemoteSource::beginStatement() {
   _untold.clear();
   _singles.clear();
   _only.clear();
-  _unlisted.clear();
   _conditions.clear();
 }
 

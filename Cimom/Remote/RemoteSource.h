@@ -88,9 +88,19 @@ class RemoteSource final : public OuterSource {
     std::size_t calls = 0;
     RemoteIndex all;  // of the class, once there were many calls
   };
+  // Servers that tell the instances of associations for each source alone, which is what they are like: what one of
+  // several sources has learned, the others know.
+  struct Unlisted {
+    std::mutex mutex;
+    std::map<std::string, std::set<std::size_t>> servers;  // by namespace and class in upper case
+  };
   using Work = std::function<void(RemoteServer& server, std::size_t number)>;
 
-  RemoteSource(const RemoteSourceOptions& options, std::shared_ptr<RemoteWatch> watch);
+  RemoteSource(const RemoteSourceOptions& options, std::shared_ptr<RemoteWatch> watch,
+               std::shared_ptr<Unlisted> unlisted);
+  void learnListing(const Request& request, std::size_t server, bool isListing);
+  // Of these, those that do not list.
+  std::vector<std::size_t> unlisting(const Request& request, std::vector<std::size_t> servers) const;
 
   void askEach(const std::vector<std::size_t>& servers, const Work& work);
   void askOne(std::size_t server, std::size_t number, const Work& work);
@@ -111,6 +121,7 @@ class RemoteSource final : public OuterSource {
 
   const RemoteSourceOptions _options;
   const std::shared_ptr<RemoteWatch> _watch;  // null: each question asks
+  const std::shared_ptr<Unlisted> _unlisted;
   RemoteParallel::StopRequest _stopRequest;
   RemoteCallLog _calls;
   RemoteParallel _parallel;
@@ -120,13 +131,12 @@ class RemoteSource final : public OuterSource {
   mutable std::mutex _mutex;                     // guards what follows
   std::map<std::size_t, std::string> _failures;  // of servers that are left out
   std::vector<std::string> _untold;
-  std::optional<std::vector<QORString>> _nameSpaces;       // once all servers told them
-  std::map<std::string, std::vector<QORString>> _names;    // of classes, by namespace in upper case
-  std::map<std::string, std::size_t> _classCalls;          // by namespace in upper case, since its names are known
-  std::map<std::string, Singles> _singles;                 // by class and properties
-  std::map<std::string, std::set<std::string>> _only;      // by class in upper case
-  std::map<std::string, std::set<std::size_t>> _unlisted;  // servers that tell associations for each source alone
-  std::map<std::string, std::string> _conditions;          // by class in upper case
+  std::optional<std::vector<QORString>> _nameSpaces;     // once all servers told them
+  std::map<std::string, std::vector<QORString>> _names;  // of classes, by namespace in upper case
+  std::map<std::string, std::size_t> _classCalls;        // by namespace in upper case, since its names are known
+  std::map<std::string, Singles> _singles;               // by class and properties
+  std::map<std::string, std::set<std::string>> _only;    // by class in upper case
+  std::map<std::string, std::string> _conditions;        // by class in upper case
 };
 
 #endif

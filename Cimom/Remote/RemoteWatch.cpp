@@ -92,6 +92,8 @@ void RemoteWatch::look(Watched& watched, std::unique_lock<std::mutex>& lock) {
       isThere = hasClass(watched.server, lack);
     } catch (const RemoteSilentException&) {
       failure = std::current_exception();
+    } catch (const std::exception&) {
+      isThere = true;  // whoever needs it asks, and is told what is wrong
     }
     static_cast<void>(watched.calls.take());
     lock.lock();

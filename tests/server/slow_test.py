@@ -2,6 +2,7 @@
 # SPDX-License-Identifier: Apache-2.0
 import http.client
 import http.server
+import re
 import socket
 import threading
 import time
@@ -14,8 +15,20 @@ OUTER = ('class T_Slow { [Key] string Id; };\ninstance of T_Slow { Id = "slow"; 
          'class T_Quick { [Key] string Id; };\ninstance of T_Quick { Id = "quick"; };\n')
 
 
+REFERENCES_TAKE = 2.5  # longer than a server remembers what a statement learned
+# The links are told for each end alone.
+LINKED = ('class T_Pool { [Key] string Id; };\nclass T_Disk { [Key] string Id; };\n'
+          '[Association] class T_Link { [Key] T_Pool REF Pool; [Key] T_Disk REF Disk; };\n' +
+          "".join(f'instance of T_Pool as $p{i} {{ Id = "p{i}"; }};\ninstance of T_Disk as $d{i} {{ Id = "d{i}"; }};\n'
+                  f"instance of T_Link {{ Pool = $p{i}; Disk = $d{i}; }};\n" for i in range(2)))
+REFUSAL = ('<?xml version="1.0" encoding="utf-8"?><CIM CIMVERSION="2.0" DTDVERSION="2.0"><MESSAGE ID="%s" '
+           'PROTOCOLVERSION="1.0"><SIMPLERSP><IMETHODRESPONSE NAME="%s"><ERROR CODE="7" DESCRIPTION="not listed"/>'
+           "</IMETHODRESPONSE></SIMPLERSP></MESSAGE></CIM>")
+
+
 class Delay:
-    """Passes requests on to a server; those for instances of T_Slow when `release` is set."""
+    """Passes requests on to a server; those for instances of T_Slow when `release` is set. It refuses to list T_Link, and
+    tells references after a while."""
 
     def __init__(self, behind):
         self.release, self.asked = threading.Event(), threading.Event()
@@ -29,15 +42,25 @@ class Delay:
                 if b"EnumerateInstances" in body and b"T_Slow" in body:
                     delay.asked.set()
                     delay.release.wait(20)
+                if b"EnumerateInstances" in body and b"T_Link" in body:
+                    self.tell(200, REFUSAL % (re.search(rb'ID="(\d+)"', body).group(1).decode(),
+                                              self.headers["CIMMethod"]))
+                    return
+                if b'"References"' in body:
+                    time.sleep(REFERENCES_TAKE)
                 connection = http.client.HTTPConnection("127.0.0.1", behind.port)
                 connection.request("POST", self.path, body, {name: value for name, value in self.headers.items()
                                                               if name not in ("Accept-Encoding", "Connection")})
                 reply = connection.getresponse()
                 content = reply.read()
                 connection.close()
+                self.tell(reply.status, content)
+
+            def tell(self, status, content):
+                content = content if isinstance(content, bytes) else content.encode()
                 try:
-                    self.send_response(reply.status)
-                    self.send_header("Content-Type", reply.getheader("Content-Type"))
+                    self.send_response(status)
+                    self.send_header("Content-Type", 'application/xml; charset="utf-8"')
                     self.send_header("CIMOperation", "MethodResponse")
                     self.send_header("Content-Length", str(len(content)))
                     self.end_headers()
@@ -122,6 +145,14 @@ class SlowTest(ServerCase):
         self.assertTrue(delay.asked.wait(10))
         connection.close()
         self.assertIn("the client has gone", [line.get("message") for line in gateway.log(2)])
+
+    def test_links_that_are_told_for_each_end_alone_are_all_there_however_long_it_takes(self):
+        delay = Delay(self.serve("--no-live", "-m", self.write("linked.mof", LINKED)))
+        self.addCleanup(delay.end)
+        gateway = self.serve("--no-live", "--server", delay.url)
+        query = "SELECT T_Pool.Id, T_Disk.Id FROM T_Pool, T_Disk WHERE T_Link = T_Pool AND T_Link = T_Disk"
+        reply = self.call(gateway, "ExecQuery", QueryLanguage="CQL", Query=query)
+        self.assertEqual((reply.error, len(reply.items)), (0, 2))
 
     def test_a_server_that_does_not_answer_is_waited_for_once(self):
         with socket.create_server(("127.0.0.1", 0)) as dead:
