@@ -73,13 +73,14 @@ void IndicationService::State::attach(const std::shared_ptr<EmbeddedObjectManage
   const std::lock_guard lock(_mutex);
   _manager = manager;
   _indications.clear();
-  _table.clear();
+  const std::unique_ptr<SubscriptionTable> before = std::exchange(_table, std::make_unique<SubscriptionTable>());
   for (const char* className : {kFilterClass, kHandlerClass, kSubscriptionClass, kIndicationServiceClass}) {
     for (const Object& object : instancesOf(*manager, className)) apply({{}, object});
   }
+  _table->continueFrom(*before);
   std::vector<std::string> gone;
   for (const auto& [path, channel] : _channels) {
-    if (_table.findHandler(path) == nullptr) gone.push_back(path);
+    if (_table->findHandler(path) == nullptr) gone.push_back(path);
   }
   for (const std::string& path : gone) retire(path);
   forgetQueues(*manager);
@@ -104,7 +105,7 @@ void IndicationService::State::applyRemoval(const IQoriObject& before) {
   if (!isSubscriptionClass(before.getNameSpace(), before.getClassName())) return;
   const std::string path = pathOf(before);
   if (isSubscriptionOf(before, kHandlerClass)) retire(path);
-  _table.remove(path);
+  _table->remove(path);
   _failing.erase(path);
   _failingCount = _failing.size();
   ++_filtersVersion;
@@ -114,11 +115,11 @@ void IndicationService::State::applyObject(const IQoriObject& after) {
   if (isSubscriptionOf(after, kIndicationServiceClass)) return readService(after);
   if (!isSubscriptionClass(after.getNameSpace(), after.getClassName())) return;
   ++_filtersVersion;
-  if (isSubscriptionOf(after, kFilterClass)) return _table.put(readFilter(after));
-  if (isSubscriptionOf(after, kSubscriptionClass)) return _table.put(readSubscription(after));
+  if (isSubscriptionOf(after, kFilterClass)) return _table->put(readFilter(after));
+  if (isSubscriptionOf(after, kSubscriptionClass)) return _table->put(readSubscription(after));
   const ListenerDestination destination = readDestination(after);
   open(destination);
-  _table.put(destination);
+  _table->put(destination);
 }
 
 void IndicationService::State::readService(const IQoriObject& service) {
@@ -179,7 +180,7 @@ std::vector<QueueRow> IndicationService::State::queueRows() {
   std::vector<QueueRow> rows;
   const std::lock_guard lock(_mutex);
   for (const auto& [path, channel] : _channels) {
-    const ListenerDestination* const destination = _table.findHandler(path);
+    const ListenerDestination* const destination = _table->findHandler(path);
     if (destination == nullptr) continue;
     rows.push_back({*destination, _store.listener(path, channel.context), channel.listener->numbers()});
   }

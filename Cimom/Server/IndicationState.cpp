@@ -53,9 +53,9 @@ void IndicationService::State::beforeCreate(EmbeddedObjectManager& manager, cons
     return SubscriptionRules::checkOther(manager, nameSpace, declaration.className);
   }
   const std::lock_guard lock(_mutex);
-  SubscriptionRules(manager, _table, _options.origin).complete(declaration);
+  SubscriptionRules(manager, *_table, _options.origin).complete(declaration);
   const bool isHandler = declaration.className.isEqualCaseInsensitive(kHandlerClass);
-  if (isHandler && _table.handlerCount() >= _options.listenerLimit) {
+  if (isHandler && _table->handlerCount() >= _options.listenerLimit) {
     throw CimStatusException(cimstatus::kServerLimitsExceeded,
                              "there are " + std::to_string(_options.listenerLimit) + " listeners, which is the limit");
   }
@@ -65,13 +65,13 @@ void IndicationService::State::beforeModify(EmbeddedObjectManager& manager, cons
                                             const std::vector<CimInstanceProperty>& properties) {
   if (!isOfSubscriptions(before)) return;
   const std::lock_guard lock(_mutex);
-  SubscriptionRules(manager, _table, _options.origin).check(before, properties);
+  SubscriptionRules(manager, *_table, _options.origin).check(before, properties);
 }
 
 void IndicationService::State::beforeRemove(EmbeddedObjectManager& manager, const IQoriObject& before) {
   if (!isOfSubscriptions(before)) return;
   const std::lock_guard lock(_mutex);
-  SubscriptionRules(manager, _table, _options.origin).checkRemoval(before);
+  SubscriptionRules(manager, *_table, _options.origin).checkRemoval(before);
 }
 
 void IndicationService::State::change(EmbeddedObjectManager& manager, const InstanceChange& change,
@@ -97,10 +97,11 @@ void IndicationService::State::take(EmbeddedObjectManager& manager, const Instan
                                     const std::function<void(ServerStore::Change&)>& write) {
   Advances advances;
   Discarded discarded;
+  SubscriptionTable::Counting counting(*_table);
   {
     ServerStore::Change kept(_store);
     write(kept);
-    if (_table.hasSubscriptions()) {
+    if (_table->hasSubscriptions()) {
       const Object indication(indicationOf(manager, change));
       if (!indication.IsNull()) queue(kept, indication, oneOf(change).getNameSpace(), advances);
     }
@@ -108,6 +109,7 @@ void IndicationService::State::take(EmbeddedObjectManager& manager, const Instan
     discarded = keepQueues(kept, change);
     kept.commit();
   }
+  counting.keep();
   settle(advances);
   if (discarded.channel != nullptr) discarded.channel->listener->forget(discarded.count);
   apply(change);
@@ -124,7 +126,7 @@ IndicationService::State::Discarded IndicationService::State::keepQueues(ServerS
     if (change.after.IsNull() && channel != _channels.end()) kept.forget(channel->second.listener->id());
     return {};
   }
-  const Subscription* const subscription = _table.findSubscription(path);
+  const Subscription* const subscription = _table->findSubscription(path);
   if (subscription == nullptr) return {};
   if (!change.after.IsNull() && readSubscription(*change.after).isEnabled) return {};
   const auto channel = _channels.find(subscription->handler);
@@ -144,12 +146,14 @@ IndicationService::State::Object IndicationService::State::indicationOf(Embedded
 
 void IndicationService::State::publish(const std::vector<Object>& indications, const QORString& nameSpace) {
   const std::lock_guard lock(_mutex);
-  if (!_table.hasSubscriptions()) return;
+  if (!_table->hasSubscriptions()) return;
   Advances advances;
+  SubscriptionTable::Counting counting(*_table);
   ServerStore::Change kept(_store);
   for (const Object& indication : indications) queue(kept, indication, nameSpace, advances);
   keep(kept, advances);
   kept.commit();
+  counting.keep();
   settle(advances);
 }
 
@@ -157,7 +161,7 @@ void IndicationService::State::queue(ServerStore::Change& kept, const Object& in
                                      Advances& advances) {
   std::vector<SubscriptionTable::Match> matches;
   try {
-    matches = _table.match(indication, nameSpace);
+    matches = _table->match(indication, nameSpace);
   } catch (const QoriBaseException& fault) {
     return tellOfIndications("an indication cannot be matched: " + std::string(fault.getMessage().view()));
   }
@@ -203,7 +207,7 @@ void IndicationService::State::settle(const Advances& advances) {
 
 std::vector<FilterStatement> IndicationService::State::filters() const {
   const std::lock_guard lock(_mutex);
-  return _table.statements();
+  return _table->statements();
 }
 
 RetrySettings IndicationService::State::retrySettings() const noexcept {
@@ -221,8 +225,8 @@ void IndicationService::State::failed(const std::string& handler, const std::str
                                       const std::string& reason) noexcept {
   try {
     const std::lock_guard lock(_mutex);
-    const Subscription* const known = _table.findSubscription(subscription);
-    const ListenerDestination* const destination = _table.findHandler(handler);
+    const Subscription* const known = _table->findSubscription(subscription);
+    const ListenerDestination* const destination = _table->findHandler(handler);
     if (known == nullptr || destination == nullptr) return;
     tellOfIndications("an indication for " + urlWithoutPassword(destination->url) + " is dropped after " +
                       std::to_string(_retryAttempts + 1) + " attempts: " + reason);
@@ -257,9 +261,9 @@ void IndicationService::State::removeAll(EmbeddedObjectManager& manager, const s
   std::vector<QORSmrPtr<IQoriInstanceName>> names;
   {
     const std::lock_guard lock(_mutex);
-    const ListenerDestination* const destination = _table.findHandler(handler);
+    const ListenerDestination* const destination = _table->findHandler(handler);
     if (destination == nullptr) return;
-    names = _table.subscriptionsOf(handler);
+    names = _table->subscriptionsOf(handler);
     names.push_back(destination->name);
   }
   tellOfIndications("the transient listener " + handler + " and its subscriptions are removed, since it fails");

@@ -116,10 +116,10 @@ class IndicationService::State final : public WriteObserver,
   std::mutex _managerMutex;  // the janitor's jobs and attach() take turns
   std::shared_ptr<EmbeddedObjectManager> _manager;
 
-  mutable std::mutex _mutex;  // guards what follows
-  SubscriptionTable _table;
-  std::map<std::string, Channel> _channels;                          // by the handler's path
-  std::map<std::string, Time> _failing;                              // subscriptions, and since when
+  mutable std::mutex _mutex;                                                          // guards what follows
+  std::unique_ptr<SubscriptionTable> _table = std::make_unique<SubscriptionTable>();  // never null
+  std::map<std::string, Channel> _channels;                                           // by the handler's path
+  std::map<std::string, Time> _failing;                                               // subscriptions, and since when
   std::map<std::string, std::unique_ptr<Indications>> _indications;  // by namespace, of the object manager
   ServiceJanitor _janitor;
 };

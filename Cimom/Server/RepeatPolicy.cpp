@@ -3,6 +3,7 @@
 #include "Cimom/Server/RepeatPolicy.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -17,11 +18,16 @@ bool RepeatMemory::lets(const std::string& event, Time now) {
   if (_events.size() >= _most) forget(now);
   if (_times >= kMostTimes || _events.size() >= kMostEvents) forgetAll();
   Event& known = _events[event];
-  return _rule.policy == RepeatRule::Policy::Suppress ? letsFirst(known, now) : letsLate(known, now);
+  Step& step = _steps.emplace_back();
+  step.event = event;
+  return _rule.policy == RepeatRule::Policy::Suppress ? letsFirst(known, now, step) : letsLate(known, now, step);
 }
 
 // An interval begins with the indication that finds the last one over.
-bool RepeatMemory::letsFirst(Event& event, Time now) const {
+bool RepeatMemory::letsFirst(Event& event, Time now, Step& step) const {
+  step.kind = Step::Kind::First;
+  step.begin = event.begin;
+  step.sent = event.sent;
   if (event.sent == 0 || now - event.begin >= _rule.interval) {
     event.begin = now;
     event.sent = 0;
@@ -29,20 +35,57 @@ bool RepeatMemory::letsFirst(Event& event, Time now) const {
   return ++event.sent <= _rule.count;
 }
 
-bool RepeatMemory::letsLate(Event& event, Time now) {
+bool RepeatMemory::letsLate(Event& event, Time now, Step& step) {
   if (now < event.silentUntil) return false;
   event.begin = now;
   while (!event.seen.empty() && now - event.seen.front() >= _rule.interval) {
     event.seen.pop_front();
     --_times;
   }
-  event.seen.push_back(now);
-  ++_times;
-  if (event.seen.size() <= _rule.count) return false;
-  _times -= event.seen.size();
-  event.seen.clear();
+  if (event.seen.size() < _rule.count) {
+    event.seen.push_back(now);
+    ++_times;
+    step.kind = Step::Kind::Seen;
+    return false;
+  }
+  step.seen = std::make_unique<std::deque<Time>>();
+  step.silentUntil = event.silentUntil;
+  step.kind = Step::Kind::Late;
+  step.seen->swap(event.seen);
+  _times -= step.seen->size();
   event.silentUntil = now + _rule.gap;
   return true;
+}
+
+// The last one first. An event that has been forgotten meanwhile was over.
+void RepeatMemory::undo() noexcept {
+  for (auto step = _steps.rbegin(); step != _steps.rend(); ++step) {
+    const auto known = _events.find(step->event);
+    if (known != _events.end()) undo(known->second, *step);
+  }
+  _steps.clear();
+}
+
+void RepeatMemory::undo(Event& event, Step& step) noexcept {
+  if (step.kind == Step::Kind::First) {
+    event.begin = step.begin;
+    event.sent = step.sent;
+  } else if (step.kind == Step::Kind::Seen && !event.seen.empty()) {
+    event.seen.pop_back();
+    --_times;
+  } else if (step.kind == Step::Kind::Late) {
+    event.seen.swap(*step.seen);
+    _times += event.seen.size();
+    _times -= step.seen->size();
+    event.silentUntil = step.silentUntil;
+  }
+}
+
+void RepeatMemory::continueFrom(RepeatMemory& other) noexcept {
+  _events.swap(other._events);
+  _steps.swap(other._steps);
+  std::swap(_times, other._times);
+  std::swap(_most, other._most);
 }
 
 void RepeatMemory::forget(Time now) {
@@ -56,6 +99,7 @@ void RepeatMemory::forget(Time now) {
 
 void RepeatMemory::forgetAll() {
   _events.clear();
+  _steps.clear();
   _times = 0;
   _most = kFew;
 }

@@ -42,13 +42,13 @@ struct SubscriptionTable::Subscribed {
 SubscriptionTable::SubscriptionTable() = default;
 SubscriptionTable::~SubscriptionTable() = default;
 
-void SubscriptionTable::clear() {
-  for (const auto& [handle, statement] : _statements) _set.remove(handle);
-  _statements.clear();
-  _filters.clear();
-  _handlers.clear();
-  _subscriptions.clear();
-  _referring.clear();
+void SubscriptionTable::continueFrom(SubscriptionTable& other) noexcept {
+  for (const auto& [path, subscribed] : _subscriptions) {
+    const auto before = other._subscriptions.find(path);
+    if (before == other._subscriptions.end()) continue;
+    RepeatMemory& memory = before->second->memory;
+    if (memory.rule() == subscribed->memory.rule()) subscribed->memory.continueFrom(memory);
+  }
 }
 
 void SubscriptionTable::put(SubscriptionFilter filter) {
@@ -71,8 +71,12 @@ void SubscriptionTable::put(ListenerDestination destination) {
 
 void SubscriptionTable::put(Subscription subscription) {
   const std::string path = subscription.path;
-  remove(path);
   auto kept = std::make_unique<Subscribed>(std::move(subscription));
+  const auto before = _subscriptions.find(path);
+  if (before != _subscriptions.end() && before->second->memory.rule() == kept->memory.rule()) {
+    kept->memory.continueFrom(before->second->memory);
+  }
+  remove(path);
   _referring[kept->subscription.filter][path] = kept.get();
   _referring[kept->subscription.handler][path] = kept.get();
   _subscriptions[path] = std::move(kept);
@@ -137,7 +141,7 @@ std::vector<FilterStatement> SubscriptionTable::statements() const {
 }
 
 // What tells the events of one kind from each other.
-bool SubscriptionTable::isWanted(Subscribed& subscribed, const IQoriObject& indication) const {
+bool SubscriptionTable::isWanted(Subscribed& subscribed, const IQoriObject& indication) {
   if (!subscribed.subscription.isEnabled) return false;
   if (subscribed.subscription.repeat.policy == RepeatRule::Policy::None) return true;
   std::string event(indication.getClassName().view());
@@ -147,7 +151,18 @@ bool SubscriptionTable::isWanted(Subscribed& subscribed, const IQoriObject& indi
     event += '\n';
     if (!value.IsNull()) event += value->toString().view();
   }
+  _counted.push_back(&subscribed);
   return subscribed.memory.lets(event, std::chrono::steady_clock::now());
+}
+
+void SubscriptionTable::keepCounts() noexcept {
+  for (Subscribed* const subscribed : _counted) subscribed->memory.keep();
+  _counted.clear();
+}
+
+void SubscriptionTable::undoCounts() noexcept {
+  for (Subscribed* const subscribed : _counted) subscribed->memory.undo();
+  _counted.clear();
 }
 
 std::vector<SubscriptionTable::Match> SubscriptionTable::match(const QORSmrPtr<IQoriObject>& indication,

@@ -39,7 +39,8 @@ class SubscriptionTable {
   SubscriptionTable& operator=(const SubscriptionTable&) = delete;
   ~SubscriptionTable();
 
-  void clear();
+  // Repetitions are counted on where a subscription has the same rule for them in the other table, which is left.
+  void continueFrom(SubscriptionTable& other) noexcept;
   // In the place of the one with the same path.
   void put(SubscriptionFilter filter);
   void put(ListenerDestination destination);
@@ -59,8 +60,22 @@ class SubscriptionTable {
   // Of filters that an enabled subscription has.
   std::vector<FilterStatement> statements() const;
 
+  // What is matched while it lives counts as a repetition only once it is kept: others have got nothing of it before.
+  class Counting {
+   public:
+    // BORROWS.
+    explicit Counting(SubscriptionTable& table) : _table(table) {}
+    Counting(const Counting&) = delete;
+    Counting& operator=(const Counting&) = delete;
+    ~Counting() { _table.undoCounts(); }
+    void keep() noexcept { _table.keepCounts(); }
+
+   private:
+    SubscriptionTable& _table;
+  };
+
   // Those that get the indication, subscriptions of one filter in the order of their paths. Repetitions that a
-  // subscription does not want are left out. THROWS CQLQueryException as CQLFilterSet::match.
+  // subscription does not want are left out. THROWS CQLQueryException as CQLFilterSet::match. REQUIRES a Counting.
   std::vector<Match> match(const QORSmrPtr<IQoriObject>& indication, const QORString& nameSpace);
 
  private:
@@ -69,7 +84,9 @@ class SubscriptionTable {
   struct Subscribed;
 
   void removeFilter(const std::string& path);
-  bool isWanted(Subscribed& subscribed, const IQoriObject& indication) const;
+  bool isWanted(Subscribed& subscribed, const IQoriObject& indication);
+  void keepCounts() noexcept;
+  void undoCounts() noexcept;
 
   CQLFilterSet _set;
   CQLFilterSet::Handle _next = 0;
@@ -78,6 +95,7 @@ class SubscriptionTable {
   std::map<std::string, ListenerDestination> _handlers;
   std::map<std::string, std::unique_ptr<Subscribed>> _subscriptions;
   std::map<std::string, std::map<std::string, Subscribed*>> _referring;  // by filter and by handler
+  std::vector<Subscribed*> _counted;  // while something is counted; perhaps more than once
 };
 
 #endif
