@@ -179,48 +179,28 @@ class Answering {
   using Manager = CimXmlService::Manager;
 
   // BORROWS all.
-  Answering(const HttpRequest& request, const Manager& manager, const Manager& forChange)
-      : _request(request), _takeManager(manager), _takeForChange(forChange) {
-    use(_takeManager());
-  }
+  Answering(const HttpRequest& request, const Manager& manager) : _request(request), _takeManager(manager) { begin(); }
 
-  // THROWS as readCimXmlRequest().
-  void read() {
-    readOnce();
-    if (!isChange() || !_takeForChange) return;
-    _forChange = _takeForChange();
-    if (_forChange == _manager) return;
-    // Another one has taken the place of the first meanwhile, in which the classes may be others.
-    use(_takeManager());
-    readOnce();
-  }
-  const CimXmlRequest& call() const noexcept { return _call; }
-  const std::shared_ptr<EmbeddedObjectManager>& manager() const noexcept { return _manager; }
-
- private:
-  void use(std::shared_ptr<EmbeddedObjectManager> manager) {
-    _manager = std::move(manager);
+  // From the object manager that answers now.
+  void begin() {
+    _manager = _takeManager();
     _scope.emplace(*_manager);
   }
-  void readOnce() {
+  // THROWS as readCimXmlRequest().
+  void read() {
     const CimXmlMakeClassObject makeClassObject = [&](const QORString& nameSpace, const CimClassDeclaration& made) {
       return _manager->sink().makeClassObject(nameSpace, made);
     };
     _call = {};
     readCimXmlRequest(_request.body, makeClassObject, _call);
   }
-  bool isChange() const {
-    if (_call.kind == CimXmlRequest::Kind::Export) return true;
-    return _call.kind == CimXmlRequest::Kind::Operation &&
-           (_call.operation == "CreateInstance" || _call.operation == "ModifyInstance" ||
-            _call.operation == "DeleteInstance");
-  }
+  const CimXmlRequest& call() const noexcept { return _call; }
+  const std::shared_ptr<EmbeddedObjectManager>& manager() const noexcept { return _manager; }
 
+ private:
   const HttpRequest& _request;
   const Manager& _takeManager;
-  const Manager& _takeForChange;
   std::shared_ptr<EmbeddedObjectManager> _manager;
-  std::shared_ptr<EmbeddedObjectManager> _forChange;  // null: nothing is changed
   std::optional<ManagerScope> _scope;
   CimXmlRequest _call;
 };
@@ -248,16 +228,22 @@ HttpReply CimXmlService::serve(const HttpRequest& request) {
   const CimHeaders headers(request);
   if (!headers.hasMapping())
     return plainReply(httpstatus::kNotImplemented, std::string("M-POST needs the mapping ") + kMapping);
-  Answering answering(request, _manager, _forChange);
+  Answering answering(request, _manager);
   const CimXmlRequest& call = answering.call();
   HttpReply reply;
   std::unique_ptr<ServerReply> body;
   try {
     requireOperationHeader(headers);
-    answering.read();
-    requireMatch(headers, call);
-    reply.note.subject = subjectOf(call);
-    body = _operations.answer({call, request.client, answering.manager(), reply.note, hostOf(request)});
+    while (body == nullptr) {
+      answering.read();
+      requireMatch(headers, call);
+      reply.note.subject = subjectOf(call);
+      try {
+        body = _operations.answer({call, request.client, answering.manager(), reply.note, hostOf(request), _forChange});
+      } catch (const ReplacedManager&) {
+        answering.begin();  // the classes of the one that answers now may be others
+      }
+    }
   } catch (const CimXmlRequestRefusal& refusal) {
     HttpReply refused = plainReply(httpstatus::kBadRequest, std::string(refusal.getMessage().view()));
     refused.headers.emplace_back("CIMError", refusal.getWord());

@@ -19,8 +19,7 @@ class CimXmlService final : public HttpService {
   using Manager = std::function<std::shared_ptr<EmbeddedObjectManager>()>;
 
   // BORROWS the operations. `forChange` gives the same object manager, which another one does not replace while it is
-  // held, for what changes instances or comes as an indication; it is let go of before the reply is sent. Null: it is
-  // never replaced.
+  // held, to operations that change something. Null: it is never replaced.
   CimXmlService(const ServerOperations& operations, Manager manager, Manager forChange = {});
 
   HttpReply serve(const HttpRequest& request) override;

@@ -99,7 +99,7 @@ Reply createInstance(const ServerCall& call, InstanceWriter& writer) {
   const CQoriClass& model = ServerClasses::modelOf(handle);
   requireOwnClass(call, model);
   const CimInstanceDeclaration declaration{model.getClassName(), writtenProperties(*call.manager, space, model, given)};
-  const QORSmrPtr<IQoriInstanceName> made = writer.create(*call.manager, call.request.nameSpace, declaration);
+  const QORSmrPtr<IQoriInstanceName> made = writer.create(*call.leaseForChange(), call.request.nameSpace, declaration);
   CimXmlResponse response(call.request.messageId, call.request.operation);
   response.values().writeInstanceName(*made);
   return std::make_unique<WholeReply>(response.finish());
@@ -157,7 +157,9 @@ Reply modifyInstance(const ServerCall& call, InstanceWriter& writer) {
   const CQoriClass& model = ServerClasses::modelOf(handle);
   const QORSmrPtr<IQoriInstanceName> name = ServerObjects(call).requireName(given.name);
   refuseOthers(call, name);
-  writer.modify(*call.manager, name, changesOf(model, writtenProperties(*call.manager, space, model, given), listed));
+  const std::vector<CimInstanceProperty> changes =
+      changesOf(model, writtenProperties(*call.manager, space, model, given), listed);
+  writer.modify(*call.leaseForChange(), name, changes);
   return emptyReply(call);
 }
 
@@ -165,7 +167,7 @@ Reply deleteInstance(const ServerCall& call, InstanceWriter& writer) {
   serverparameters::allowOnly(call.request, {"InstanceName"});
   const QORSmrPtr<IQoriInstanceName> name = ServerObjects(call).requireName("InstanceName");
   refuseOthers(call, name);
-  writer.remove(*call.manager, name);
+  writer.remove(*call.leaseForChange(), name);
   return emptyReply(call);
 }
 

@@ -25,6 +25,13 @@ std::string_view descriptionOf(const QoriBaseException& failure) noexcept {
 
 }  // namespace
 
+std::shared_ptr<EmbeddedObjectManager> ServerCall::leaseForChange() const {
+  if (!forChange) return manager;
+  std::shared_ptr<EmbeddedObjectManager> held = forChange();
+  if (held != manager) throw ReplacedManager();
+  return held;
+}
+
 struct ServerOperations::State {
   // THROWS CimStatusException when nobody answers such a call.
   const Operation& find(const CimXmlRequest& request) const;

@@ -23,13 +23,24 @@ struct ServerCall {
   ServerNote& note;
   // What paths that are told say of where they are.
   QORString host = "localhost";
+  // The object manager that answers now, which no other one replaces while it is held. Null: it is never replaced.
+  std::function<std::shared_ptr<EmbeddedObjectManager>()> forChange{};
+
+  // Held around what changes something, and around that alone, since others wait for its end: no other object manager
+  // takes the place of the call's. THROWS ReplacedManager where one has done so.
+  std::shared_ptr<EmbeddedObjectManager> leaseForChange() const;
 };
+
+// Another object manager answers than when the call was read: it is to be read and answered anew. No failure of the
+// call, and so no exception of the standard library.
+struct ReplacedManager {};
 
 // Any number of threads call answer() at once; add() only before.
 class ServerOperations {
  public:
   // The reply, which begins when all that can fail is done. What it THROWS becomes the reply's error:
-  // CimStatusException as it is, each other QoriBaseException by its code, a lack of memory as 27, anything else as 1.
+  // CimStatusException as it is, each other QoriBaseException by its code, a lack of memory as 27, anything else as 1;
+  // ReplacedManager goes through.
   using Operation = std::function<std::unique_ptr<ServerReply>(const ServerCall& call)>;
 
   // An operation that runs for longer than the limit, whose client goes away, or that the server ends is stopped, as

@@ -42,7 +42,10 @@ class CimService : public HttpService {
     addQueryOperations(_operations, contexts, options.limits);
     addPullOperations(_operations, contexts, options.limits);
     if (!isWritable) return;
-    _operations.addExport(kExportOperation, [this](const ServerCall& call) { return _events->takeExport(call); });
+    _operations.addExport(kExportOperation, [this](const ServerCall& call) {
+      const ServerModel::Manager lease = call.leaseForChange();
+      return _events->takeExport(call);
+    });
   }
 
   HttpReply serve(const HttpRequest& request) override { return _service.serve(request); }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/ManagerScope.h"
 #include "Cimom/Server/ClassOperations.h"
+#include "Cimom/Server/ServerModel.h"
 #include "MessageFixture.h"
 
 namespace {
@@ -93,25 +94,36 @@ TEST_F(Service, MPostHasNumberedHeaders) {
 
 TEST_F(Service, AChangeIsMadeInTheOneThatTookThePlaceMeanwhile) {
   const auto next = std::make_shared<EmbeddedObjectManager>();
-  std::shared_ptr<EmbeddedObjectManager> now = sharedManager();
+  CountedModel model(sharedManager());
   CimXmlService service(
-      operations(), [&] { return now; },
-      [&] {
-        now = next;
-        return now;
-      });
+      operations(), [&] { return model.lease(); }, [&] { return model.leaseForChange(); });
   std::vector<const EmbeddedObjectManager*> asked;
-  for (const char* const name : {"DeleteInstance", "GetInstance"}) {
-    operations().add(name, [&](const ServerCall& call) {
-      asked.push_back(call.manager.get());
-      return std::make_unique<WholeReply>(ManagerScope::innermost()->state() == call.manager->state() ? "own"
-                                                                                                      : "other");
-    });
-    now = sharedManager();
-    HttpReply reply = service.serve(post(operationCall(name, parameter("InstanceName", path("A", "K", "1")))));
-    EXPECT_EQ(bodyOf(*reply.body), "own");
-  }
-  EXPECT_EQ(asked, (std::vector<const EmbeddedObjectManager*>{next.get(), sharedManager().get()}));
+  bool isReplaced = true;
+  operations().add("DeleteInstance", [&](const ServerCall& call) {
+    asked.push_back(call.manager.get());
+    // As long as it changes nothing, nobody waits for it.
+    if (asked.size() == 1)
+      isReplaced = model.replace(
+          next, [] {}, std::chrono::milliseconds(0));
+    const ServerModel::Manager lease = call.leaseForChange();
+    EXPECT_FALSE(model.replace(
+        sharedManager(), [] {}, std::chrono::milliseconds(0)));
+    const bool isOwn = ManagerScope::innermost()->state() == lease->state();
+    return std::make_unique<WholeReply>(isOwn ? "own" : "other");
+  });
+  HttpReply reply =
+      service.serve(post(operationCall("DeleteInstance", parameter("InstanceName", path("A", "K", "1")))));
+  EXPECT_EQ(bodyOf(*reply.body), "own");
+  EXPECT_TRUE(isReplaced);
+  EXPECT_EQ(asked, (std::vector<const EmbeddedObjectManager*>{sharedManager().get(), next.get()}));
+}
+
+TEST_F(Service, WhereNothingTakesThePlaceAChangeNeedsNoLease) {
+  operations().add("DeleteInstance", [&](const ServerCall& call) {
+    return std::make_unique<WholeReply>(call.leaseForChange() == sharedManager() ? "own" : "other");
+  });
+  HttpReply reply = serve(post(operationCall("DeleteInstance", parameter("InstanceName", path("A", "K", "1")))));
+  EXPECT_EQ(bodyOf(*reply.body), "own");
 }
 
 TEST_F(Service, OtherMethodsOfHttpAreNotAllowed) {

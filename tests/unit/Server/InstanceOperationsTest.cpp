@@ -1,7 +1,9 @@
 // Instances as clients read and change them.
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/InstanceProvider.h"
+#include "Cimom/Embedded/OuterSource.h"
 #include "Cimom/Server/InstanceOperations.h"
+#include "Cimom/Server/ServerModel.h"
 #include "Cimom/Server/StoredInstanceWriter.h"
 #include "MessageFixture.h"
 #include "cimom/CQoriValue.h"
@@ -281,6 +283,47 @@ TEST_F(InstanceOperations, APathOfAnotherNamespaceThanTheCallsIsRefused) {
   EXPECT_EQ(valuesOf("EnumerateInstanceNames", className("Part"), "root/more"), path("Part", "Id", "a"));
   EXPECT_EQ(ask("DeleteInstance", parameter("InstanceName", "<VALUE.REFERENCE>" + in("CIMV2") + "</VALUE.REFERENCE>")),
             "");
+}
+
+// Has nothing, and looks whether another object manager could take the place of the one that asks.
+class ReplacingSource final : public OuterSource {
+ public:
+  explicit ReplacingSource(CountedModel& model) : _model(model) {}
+  bool provideClass(CimDeclarationSink&, const QORString&, const QORString&) override { return true; }
+  void provideQualifiers(CimDeclarationSink&, const QORString&) override {}
+  std::vector<QORString> classNames(const QORString&) override { return look(), std::vector<QORString>(); }
+  Objects instances(CimDeclarationSink&, const Request&) override { return look(), Objects(); }
+  QORSmrPtr<IQoriObject> instance(CimDeclarationSink&, const Request&, const IQoriInstanceName&) override {
+    return look(), QORSmrPtr<IQoriObject>();
+  }
+  Associations associations(CimDeclarationSink&, const Request&) override { return {}; }
+  Objects references(CimDeclarationSink&, const Request&, const IQoriInstanceName&) override { return {}; }
+
+  std::vector<bool> couldReplace;
+
+ private:
+  void look() {
+    couldReplace.push_back(_model.replace(
+        _model.lease(), [] {}, std::chrono::milliseconds(0)));
+  }
+
+  CountedModel& _model;
+};
+
+TEST_F(InstanceOperations, WhileOthersAreAskedAnotherModelCanTakeThePlace) {
+  CountedModel model(sharedManager());
+  const auto outer = std::make_shared<ReplacingSource>(model);
+  manager().setOuterSource(outer);
+  CimXmlService service(
+      operations(), [&] { return model.lease(); }, [&] { return model.leaseForChange(); });
+  const auto isDone = [&](const char* operation, const std::string& parameters) {
+    const HttpReply reply = service.serve(post(operationCall(operation, parameters)));
+    return reply.note.status == 0;
+  };
+  EXPECT_TRUE(isDone("CreateInstance", newInstance("Part", property("Id", "string", "x"))));
+  EXPECT_FALSE(isDone("ModifyInstance", modified("Part", "none", "")));
+  EXPECT_FALSE(isDone("DeleteInstance", parameter("InstanceName", path("Part", "Id", "none"))));
+  EXPECT_EQ(outer->couldReplace, std::vector<bool>(3, true));
 }
 
 TEST_F(InstanceOperations, AReadOnlyServerRefusesChanges) {
