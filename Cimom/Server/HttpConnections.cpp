@@ -92,3 +92,13 @@ PeerState peerState(int socket) noexcept {
   if ((watched.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0) return PeerState::Gone;
   return (watched.revents & POLLRDHUP) != 0 ? PeerState::SendsNoMore : PeerState::There;
 }
+
+bool takesMore(int socket) noexcept {
+  pollfd watched{socket, POLLOUT, 0};
+  return poll(&watched, 1, 0) > 0 && (watched.revents & POLLOUT) != 0;
+}
+
+bool sendNow(int socket, std::string_view text) noexcept {
+  const ssize_t sent = ::send(socket, text.data(), text.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+  return sent >= 0 && static_cast<std::size_t>(sent) == text.size();
+}

@@ -9,6 +9,7 @@
 #include <list>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <thread>
 
 // A thread of its own shuts down what is late: a socket that is shut down wakes whoever waits for it. Any thread may
@@ -61,5 +62,10 @@ class HttpConnections {
 // moment after something was sent.
 enum class PeerState { There, SendsNoMore, Gone };
 PeerState peerState(int socket) noexcept;
+
+// Whether the socket takes some dozens of bytes at once.
+bool takesMore(int socket) noexcept;
+// Sends without waiting. Returns whether all of it has been sent; else a part may have been.
+bool sendNow(int socket, std::string_view text) noexcept;
 
 #endif

@@ -112,14 +112,12 @@ void readOut(int socket) {
   }
 }
 
-// Past the library, which queues no reply in the middle of a body.
-void sendAtOnce(MHD_Connection* connection, int socket, const std::string& text) {
+// Past the library, which queues no reply in the middle of a body. Returns whether all of it has been sent.
+bool sendAtOnce(MHD_Connection* connection, int socket, std::string_view text) {
   const MHD_ConnectionInfo* const tls = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_GNUTLS_SESSION);
-  if (tls != nullptr && tls->tls_session != nullptr) {
-    gnutls_record_send(static_cast<gnutls_session_t>(tls->tls_session), text.data(), text.size());
-  } else {
-    ::send(socket, text.data(), text.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
-  }
+  if (tls == nullptr || tls->tls_session == nullptr) return sendNow(socket, text);
+  const ssize_t sent = gnutls_record_send(static_cast<gnutls_session_t>(tls->tls_session), text.data(), text.size());
+  return sent >= 0 && static_cast<std::size_t>(sent) == text.size();
 }
 
 }  // namespace
@@ -154,10 +152,12 @@ bool HttpExchange::isClientGone() {
   const PeerState state = peerState(_place->socket);
   if (state != PeerState::SendsNoMore) return state == PeerState::Gone;
   const Clock::time_point now = Clock::now();
-  if (!_takesInterim || now < _nextProbe) return false;
+  if (!_takesInterim || now < _nextProbe || !takesMore(_place->socket)) return false;
   _nextProbe = now + kProbeInterval;
-  sendAtOnce(_connection, _place->socket, "HTTP/1.1 100 Continue\r\n\r\n");
-  return false;
+  if (sendAtOnce(_connection, _place->socket, "HTTP/1.1 100 Continue\r\n\r\n")) return false;
+  // The client would read a reply as the rest of what was sent in part.
+  shutdown(_place->socket, SHUT_RDWR);
+  return true;
 }
 
 HttpExchange::Refusal HttpExchange::faultOfHead() {

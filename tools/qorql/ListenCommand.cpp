@@ -107,6 +107,8 @@ HttpOptions httpOptions(const ListenOptions& options) {
 
 void listen(const ListenOptions& options) {
   const ServerSignals signals;
+  // What is told there would write out what another thread prints.
+  std::cerr.tie(nullptr);
   ServerModule& library = serverLibrary();
   IndicationPrinter printer(options);
   const std::unique_ptr<HttpServer> server =

@@ -91,4 +91,16 @@ TEST(HttpConnections, APeerThatHasClosedIsGone) {
   EXPECT_EQ(peerState(pair.ends[0]), PeerState::Gone);
 }
 
+TEST(HttpConnections, WhatASocketDoesNotTakeWholeIsTold) {
+  Pair pair;
+  EXPECT_TRUE(takesMore(pair.ends[0]));
+  EXPECT_TRUE(sendNow(pair.ends[0], "interim"));
+  const std::string tooMuch(std::size_t{64} << 20, 'x');
+  EXPECT_FALSE(sendNow(pair.ends[0], tooMuch)) << "a part was sent";
+  EXPECT_FALSE(takesMore(pair.ends[0]));
+  EXPECT_FALSE(sendNow(pair.ends[0], "interim"));
+  pair.closePeer();
+  EXPECT_FALSE(sendNow(pair.ends[0], "interim"));
+}
+
 }  // namespace
