@@ -6,8 +6,10 @@
 #include <gnutls/gnutls.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <charconv>
 #include <exception>
+#include <functional>
 #include <string_view>
 #include <utility>
 
@@ -34,12 +36,34 @@ constexpr const char* kAllowed = "POST, M-POST, OPTIONS";
 
 bool isEqual(std::string_view one, std::string_view other) { return QORString::equalIgnoringCase(one, other); }
 
-MHD_Result addHeader(void* request, MHD_ValueKind /*kind*/, const char* name, std::size_t nameSize, const char* value,
+struct Headers {
+  HttpRequest& request;
+  bool& hasFolded;
+};
+
+// The library leaves names and values where they came in, each value behind its name; but a line that goes on with the
+// one before is put behind the name, in a copy of it.
+MHD_Result addHeader(void* given, MHD_ValueKind /*kind*/, const char* name, std::size_t nameSize, const char* value,
                      std::size_t valueSize) {
-  const std::string_view content = value == nullptr ? std::string_view() : std::string_view(value, valueSize);
-  static_cast<HttpRequest*>(request)->headers.emplace_back(std::string(name, nameSize), std::string(content));
+  const Headers& headers = *static_cast<const Headers*>(given);
+  std::string_view content = value == nullptr ? std::string_view() : std::string_view(value, valueSize);
+  content = content.substr(0, content.find_last_not_of(" \t") + 1);
+  headers.hasFolded |= value != nullptr && !std::less<>()(name + nameSize, value);
+  headers.request.headers.emplace_back(std::string(name, nameSize), std::string(content));
   return MHD_YES;
 }
+
+constexpr std::string_view kLettersAndDigits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
+
+// Whether it has no characters but letters, digits and these.
+bool isMadeOf(std::string_view text, std::string_view others) noexcept {
+  return std::all_of(text.begin(), text.end(), [others](char each) {
+    return kLettersAndDigits.find(each) != std::string_view::npos || others.find(each) != std::string_view::npos;
+  });
+}
+
+bool isHeaderName(std::string_view name) noexcept { return !name.empty() && isMadeOf(name, "!#$%&'*+-.^_`|~"); }
+bool isHost(std::string_view host) noexcept { return isMadeOf(host, "-._~%!$&'()*+,;=:[]"); }
 
 // How often a header is there.
 std::size_t countOf(const HttpRequest& request, std::string_view name) {
@@ -139,7 +163,10 @@ HttpExchange::HttpExchange(HttpShared& shared, HttpConnections::Handle place, MH
   readHeaders();
 }
 
-void HttpExchange::readHeaders() { MHD_get_connection_values_n(_connection, MHD_HEADER_KIND, &addHeader, &_request); }
+void HttpExchange::readHeaders() {
+  Headers headers{_request, _hasFoldedHeader};
+  MHD_get_connection_values_n(_connection, MHD_HEADER_KIND, &addHeader, &headers);
+}
 
 StopReason HttpExchange::stopReason() {
   if (_shared.interruptions != _interruptions) return StopReason::ShuttingDown;
@@ -163,8 +190,9 @@ bool HttpExchange::isClientGone() {
 HttpExchange::Refusal HttpExchange::faultOfHead() {
   if (_shared.isDraining) return {kUnavailable, "the server is shutting down", true};
   if (_place->number > _limits->connections) return {kUnavailable, "there are too many connections", true};
-  const Refusal length = faultOfLength();
-  if (length.status != 0) return length;
+  for (const Refusal& fault : {faultOfHeaders(), faultOfLength()}) {
+    if (fault.status != 0) return fault;
+  }
   // No client of CIM sends it, but every browser for a page that is not to talk to this server.
   if (_request.header("Origin") != nullptr) return {kForbidden, "pages of browsers may not ask this server"};
   if (_request.method == "GET" || _request.method == "HEAD") return {kMethodNotAllowed, "operations come by POST"};
@@ -187,6 +215,19 @@ HttpExchange::Refusal HttpExchange::faultOfUser() {
   if (verdict == HttpUsers::Verdict::Right) return {};
   if (verdict == HttpUsers::Verdict::Wrong) return {kUnauthorized, "user and password are asked for"};
   return {kTooManyFailures, "too many wrong passwords came from here: try again later", true};
+}
+
+// Somebody between might read such a head in another way.
+HttpExchange::Refusal HttpExchange::faultOfHeaders() const {
+  if (_hasFoldedHeader) return {kBadRequest, "a header goes on in the next line", true};
+  const bool areNamed = std::all_of(_request.headers.begin(), _request.headers.end(),
+                                    [](const auto& header) { return isHeaderName(header.first); });
+  if (!areNamed) return {kBadRequest, "the name of a header is none", true};
+  const std::string* const host = _request.header("Host");
+  if (host == nullptr) return _takesInterim ? Refusal{kBadRequest, "Host is missing", true} : Refusal{};
+  if (countOf(_request, "Host") > 1) return {kBadRequest, "Host is given twice", true};
+  if (!isHost(*host)) return {kBadRequest, "Host is none", true};
+  return {};
 }
 
 // Where the length of the body can be read in two ways, somebody between might read it in the other.

@@ -63,6 +63,7 @@ class HttpExchange {
 
   void readHeaders();
   Refusal faultOfHead();
+  Refusal faultOfHeaders() const;
   Refusal faultOfLength();
   Refusal faultOfUser();
   MHD_Result abandon();
@@ -82,6 +83,7 @@ class HttpExchange {
   const std::uint64_t _interruptions;
   const bool _takesInterim;  // replies before the one that it waits for
   HttpRequest _request;
+  bool _hasFoldedHeader = false;
   Refusal _refusal;             // that is told when the body has been read
   std::uint64_t _declared = 0;  // bytes of the body, where its head tells
   std::uint64_t _received = 0;

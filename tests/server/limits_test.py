@@ -73,6 +73,27 @@ class LimitsTest(ServerCase):
         self.assert_alive(server)
         self.assertLess(resident() - before, 60 << 10)
 
+    def test_a_head_that_can_be_read_in_two_ways_is_refused(self):
+        server = self.serve_plant()
+        host, method = b"Host: 127.0.0.1\r\n", b"CIMMethod: GetClass\r\n"
+        for before, after in ((host, b""), (host, host + b"Host: other\r\n"), (host, host + host), (host, b"Host: a b\r\n"),
+                              (host, b"Host: a/b\r\n"), (method, b"CIMMethod: Get\r\n Class\r\n"),
+                              (method, b"CIMMethod:\r\n\tGetClass\r\n"), (method, method + b" \r\n"),
+                              (method, b"CIM: GetClass\r\n Method\r\n"), (method, b"CIMMethod: Get\r\n Cl\r\n ass\r\n"),
+                              (method, b"CIMMethod : GetClass\r\n"), (host, b" X: 1\r\n" + host)):
+            self.assertIn(before, self.good)
+            self.assert_refused(server, self.good.replace(before, after), 400)
+        smuggled = head_of("GetClass", None).replace(b"\r\n\r\n", b"\r\nContent-: 5\r\n Length\r\n\r\n")
+        self.assert_refused(server, smuggled + b"hello", 400)
+        for before, after in ((host, b"Host:\r\n"), (host, b"Host: [::1]:5988\r\n"), (method, b"CIMMethod:GetClass\r\n"),
+                              (method, b"CIMMethod: \t GetClass \t \r\n"), (method, method + b"X-Empty:\r\nX-Blank: \r\n"),
+                              (b"HTTP/1.1\r\n" + host, b"HTTP/1.0\r\n")):
+            self.assertIn(before, self.good)
+            connection = self.raw(server)
+            connection.send(self.good.replace(before, after))
+            self.assertEqual(connection.read_reply()[0], 200, after)
+            connection.close()
+
     def test_a_length_that_can_be_read_in_two_ways_is_refused(self):
         server = self.serve_plant()
         self.assert_refused(server, head_of("GetClass", 5, CHUNKED) + b"0\r\n\r\n", 400)
