@@ -14,6 +14,31 @@ bool areSameValues(const QORSmrPtr<IQoriValue>& a, const QORSmrPtr<IQoriValue>& 
   }
 }
 
+bool haveSameCommonValues(const IQoriObject& a, const IQoriObject& b) {
+  for (QORuint32 i = 0; i < a.getPropertyCount(); ++i) {
+    const QORSmrPtr<IQoriProperty> mine(a.getPropertyAt(i));
+    const QORSmrPtr<IQoriProperty> theirs(b.getProperty(mine->getName(), true));
+    if (!theirs.IsNull() && !areSameValues(mine->getValue(), theirs->getValue())) return false;
+  }
+  return true;
+}
+
+using Comparison = bool (*)(const IQoriObject& a, const IQoriObject& b);
+
+std::vector<InstanceChange> changesWith(Comparison areSame, const InstanceSnapshot& before,
+                                        const InstanceSnapshot& after) {
+  std::vector<InstanceChange> changes;
+  for (std::size_t i = 0; i < before.instances().size(); ++i) {
+    if (after.find(before.pathOf(i)).IsNull()) changes.push_back({before.instances()[i], {}});
+  }
+  for (std::size_t i = 0; i < after.instances().size(); ++i) {
+    const QORSmrPtr<IQoriObject>& now = after.instances()[i];
+    const QORSmrPtr<IQoriObject> then(before.find(after.pathOf(i)));
+    if (then.IsNull() || !areSame(*then, *now)) changes.push_back({then, now});
+  }
+  return changes;
+}
+
 }  // namespace
 
 InstanceSnapshot::InstanceSnapshot(const QORString& className, const CIMApi::Instances& instances) {
@@ -46,14 +71,9 @@ bool haveSameValues(const IQoriObject& a, const IQoriObject& b) {
 }
 
 std::vector<InstanceChange> changesBetween(const InstanceSnapshot& before, const InstanceSnapshot& after) {
-  std::vector<InstanceChange> changes;
-  for (std::size_t i = 0; i < before.instances().size(); ++i) {
-    if (after.find(before.pathOf(i)).IsNull()) changes.push_back({before.instances()[i], {}});
-  }
-  for (std::size_t i = 0; i < after.instances().size(); ++i) {
-    const QORSmrPtr<IQoriObject>& now = after.instances()[i];
-    const QORSmrPtr<IQoriObject> then(before.find(after.pathOf(i)));
-    if (then.IsNull() || !haveSameValues(*then, *now)) changes.push_back({then, now});
-  }
-  return changes;
+  return changesWith(&haveSameValues, before, after);
+}
+
+std::vector<InstanceChange> commonChangesBetween(const InstanceSnapshot& before, const InstanceSnapshot& after) {
+  return changesWith(&haveSameCommonValues, before, after);
 }

@@ -1,5 +1,5 @@
 // What became of the instances of a class between two looks at them.
-// Tested by tests/cli/watch_test.py.
+// Tested by tests/unit/Server/LiveEventsTest.cpp, tests/cli/watch_test.py.
 // SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_EMBEDDED_INSTANCECHANGES_H
 #define QORQL_EMBEDDED_INSTANCECHANGES_H
@@ -35,6 +35,9 @@ struct InstanceChange {
 
 // First what is gone, in the old order, then what is new or changed, in the new one.
 std::vector<InstanceChange> changesBetween(const InstanceSnapshot& before, const InstanceSnapshot& after);
+
+// The same where the two looks were at different properties: what changed of those that both have.
+std::vector<InstanceChange> commonChangesBetween(const InstanceSnapshot& before, const InstanceSnapshot& after);
 
 // Whether two instances have the same properties with the same values.
 bool haveSameValues(const IQoriObject& a, const IQoriObject& b);

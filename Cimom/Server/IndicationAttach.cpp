@@ -84,7 +84,8 @@ void IndicationService::State::attach(const std::shared_ptr<EmbeddedObjectManage
   }
   for (const std::string& path : gone) retire(path);
   forgetQueues(*manager);
-  ++_filtersVersion;
+  _table->takeChanges();
+  _filters.reset();
 }
 
 // What was refused when it was written is not here; what a MOF text declares, or does not fit a new one, may be wrong.
@@ -108,13 +109,11 @@ void IndicationService::State::applyRemoval(const IQoriObject& before) {
   _table->remove(path);
   _failing.erase(path);
   _failingCount = _failing.size();
-  ++_filtersVersion;
 }
 
 void IndicationService::State::applyObject(const IQoriObject& after) {
   if (isSubscriptionOf(after, kIndicationServiceClass)) return readService(after);
   if (!isSubscriptionClass(after.getNameSpace(), after.getClassName())) return;
-  ++_filtersVersion;
   if (isSubscriptionOf(after, kFilterClass)) return _table->put(readFilter(after));
   if (isSubscriptionOf(after, kSubscriptionClass)) return _table->put(readSubscription(after));
   const ListenerDestination destination = readDestination(after);

@@ -65,7 +65,9 @@ std::unique_ptr<ServerReply> IndicationService::takeExport(const ServerCall& cal
   return std::make_unique<WholeReply>(exportResponse(call.request.messageId));
 }
 
-std::vector<FilterStatement> IndicationService::filters() const { return _state->filters(); }
+ServerEvents::FilterNews IndicationService::filtersSince(QORuint64 version) const {
+  return _state->filtersSince(version);
+}
 
 QORuint64 IndicationService::filtersVersion() const noexcept { return _state->filtersVersion(); }
 

@@ -25,7 +25,7 @@ class IndicationService final : public ServerEvents {
   InstanceWriter& writer() noexcept override;
   void publish(const std::vector<QORSmrPtr<IQoriObject>>& indications, const QORString& nameSpace) override;
   std::unique_ptr<ServerReply> takeExport(const ServerCall& call) override;
-  std::vector<FilterStatement> filters() const override;
+  FilterNews filtersSince(QORuint64 version) const override;
   QORuint64 filtersVersion() const noexcept override;
   void setWatcher(std::function<void()> watcher) override;
 

@@ -113,6 +113,7 @@ void IndicationService::State::take(EmbeddedObjectManager& manager, const Instan
   settle(advances);
   if (discarded.channel != nullptr) discarded.channel->listener->forget(discarded.count);
   apply(change);
+  _filters.note(_table->takeChanges());
 }
 
 // A listener that is gone needs no queue, and a subscription that is gone or disabled gets no more.
@@ -205,9 +206,15 @@ void IndicationService::State::settle(const Advances& advances) {
   }
 }
 
-std::vector<FilterStatement> IndicationService::State::filters() const {
+ServerEvents::FilterNews IndicationService::State::filtersSince(QORuint64 version) const {
   const std::lock_guard lock(_mutex);
-  return _table->statements();
+  std::optional<std::vector<FilterChange>> changes = _filters.since(version);
+  FilterNews news{_filters.version(), !changes, {}};
+  if (changes) news.changes = std::move(*changes);
+  if (news.areAll) {
+    for (const FilterStatement& each : _table->statements()) news.changes.push_back({each, true});
+  }
+  return news;
 }
 
 RetrySettings IndicationService::State::retrySettings() const noexcept {

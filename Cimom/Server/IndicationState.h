@@ -40,8 +40,8 @@ class IndicationService::State final : public WriteObserver,
   void attach(const std::shared_ptr<EmbeddedObjectManager>& manager);
   StoredInstanceWriter& writer() noexcept { return _writer; }
   void publish(const std::vector<QORSmrPtr<IQoriObject>>& indications, const QORString& nameSpace);
-  std::vector<FilterStatement> filters() const;
-  QORuint64 filtersVersion() const noexcept { return _filtersVersion; }
+  ServerEvents::FilterNews filtersSince(QORuint64 version) const;
+  QORuint64 filtersVersion() const noexcept { return _filters.version(); }
   void setWatcher(std::function<void()> watcher);
 
   void beforeCreate(EmbeddedObjectManager& manager, const QORString& nameSpace,
@@ -106,7 +106,6 @@ class IndicationService::State final : public WriteObserver,
   StoredInstanceWriter _writer;
   std::atomic<unsigned> _retryAttempts{3};
   std::atomic<unsigned> _retryInterval{20};
-  std::atomic<QORuint64> _filtersVersion{1};
   std::atomic<std::size_t> _failingCount{0};
   std::atomic<QORuint64> _contexts{0};
 
@@ -118,8 +117,9 @@ class IndicationService::State final : public WriteObserver,
 
   mutable std::mutex _mutex;                                                          // guards what follows
   std::unique_ptr<SubscriptionTable> _table = std::make_unique<SubscriptionTable>();  // never null
-  std::map<std::string, Channel> _channels;                                           // by the handler's path
-  std::map<std::string, Time> _failing;                                               // subscriptions, and since when
+  FilterLog _filters;
+  std::map<std::string, Channel> _channels;                          // by the handler's path
+  std::map<std::string, Time> _failing;                              // subscriptions, and since when
   std::map<std::string, std::unique_ptr<Indications>> _indications;  // by namespace, of the object manager
   ServiceJanitor _janitor;
 };

@@ -15,6 +15,7 @@
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
 #include "Cimom/Embedded/Indications.h"
 #include "Cimom/Server/ExportTransport.h"
+#include "Cimom/Server/FilterLog.h"
 #include "Cimom/Server/InstanceWriter.h"
 #include "Cimom/Server/ServerOperations.h"
 #include "qorql.h"
@@ -30,9 +31,6 @@ struct IndicationOptions {
 // Clients write through its writer. Any thread may call.
 class ServerEvents {
  public:
-  // One statement of a filter, for one of its source namespaces.
-  using Filter = CQLFilterSet::Statement;
-
   // Ends deliveries within moments; what waits stays in the store.
   virtual ~ServerEvents() = default;
 
@@ -51,9 +49,15 @@ class ServerEvents {
   // the default one.
   virtual std::unique_ptr<ServerReply> takeExport(const ServerCall& call) = 0;
 
-  // The filters of enabled subscriptions.
-  virtual std::vector<Filter> filters() const = 0;
-  // Another number after each change of them.
+  // What became of the filters of enabled subscriptions.
+  struct FilterNews {
+    QORuint64 version = 0;  // of the filters with these changes
+    bool areAll = false;    // these are all filters that there are
+    std::vector<FilterChange> changes;
+  };
+  // Since a version. Since 0, and where that is too long ago, all that there are.
+  virtual FilterNews filtersSince(QORuint64 version) const = 0;
+  // A greater number after each change of them; never 0.
   virtual QORuint64 filtersVersion() const noexcept = 0;
   // Has that called after a client has changed them and before it gets its reply, so that a watcher may see to it that
   // nothing is missed from then on. One at a time; an empty one ends that, and waits for the call that is under way. It

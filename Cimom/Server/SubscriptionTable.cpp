@@ -62,6 +62,7 @@ void SubscriptionTable::put(SubscriptionFilter filter) {
     _set.add(handle, statement);
   }
   _filters[path] = std::move(kept);
+  if (isAsked(path)) noteFilter(path, true);
 }
 
 void SubscriptionTable::put(ListenerDestination destination) {
@@ -77,14 +78,40 @@ void SubscriptionTable::put(Subscription subscription) {
     kept->memory.continueFrom(before->second->memory);
   }
   remove(path);
-  _referring[kept->subscription.filter][path] = kept.get();
-  _referring[kept->subscription.handler][path] = kept.get();
+  for (const std::string& end : {kept->subscription.filter, kept->subscription.handler}) refer(end, *kept);
   _subscriptions[path] = std::move(kept);
 }
+
+void SubscriptionTable::refer(const std::string& end, Subscribed& subscribed) {
+  Referring& referring = _referring[end];
+  referring.subscriptions[subscribed.subscription.path] = &subscribed;
+  if (subscribed.subscription.isEnabled && ++referring.enabled == 1) noteFilter(end, true);
+}
+
+void SubscriptionTable::forget(const std::string& end, const Subscription& subscription) {
+  Referring& referring = _referring[end];
+  referring.subscriptions.erase(subscription.path);
+  if (subscription.isEnabled && --referring.enabled == 0) noteFilter(end, false);
+  if (referring.subscriptions.empty()) _referring.erase(end);
+}
+
+bool SubscriptionTable::isAsked(const std::string& filter) const {
+  const auto referring = _referring.find(filter);
+  return referring != _referring.end() && referring->second.enabled > 0;
+}
+
+void SubscriptionTable::noteFilter(const std::string& path, bool isAsked) {
+  const auto known = _filters.find(path);
+  if (known == _filters.end()) return;
+  for (const FilterStatement& statement : known->second->filter.statements) _changes.push_back({statement, isAsked});
+}
+
+std::vector<FilterChange> SubscriptionTable::takeChanges() noexcept { return std::exchange(_changes, {}); }
 
 void SubscriptionTable::removeFilter(const std::string& path) {
   const auto found = _filters.find(path);
   if (found == _filters.end()) return;
+  if (isAsked(path)) noteFilter(path, false);
   for (const CQLFilterSet::Handle handle : found->second->handles) {
     _set.remove(handle);
     _statements.erase(handle);
@@ -98,10 +125,7 @@ void SubscriptionTable::remove(const std::string& path) {
   const auto found = _subscriptions.find(path);
   if (found == _subscriptions.end()) return;
   const Subscription& subscription = found->second->subscription;
-  for (const std::string& end : {subscription.filter, subscription.handler}) {
-    _referring[end].erase(path);
-    if (_referring[end].empty()) _referring.erase(end);
-  }
+  for (const std::string& end : {subscription.filter, subscription.handler}) forget(end, subscription);
   _subscriptions.erase(found);
 }
 
@@ -117,25 +141,22 @@ const Subscription* SubscriptionTable::findSubscription(const std::string& path)
 
 const Subscription* SubscriptionTable::firstReferring(const std::string& path) const {
   const auto found = _referring.find(path);
-  return found == _referring.end() ? nullptr : &found->second.begin()->second->subscription;
+  return found == _referring.end() ? nullptr : &found->second.subscriptions.begin()->second->subscription;
 }
 
 std::vector<QORSmrPtr<IQoriInstanceName>> SubscriptionTable::subscriptionsOf(const std::string& handler) const {
   std::vector<QORSmrPtr<IQoriInstanceName>> names;
   const auto found = _referring.find(handler);
   if (found == _referring.end()) return names;
-  for (const auto& [path, subscribed] : found->second) names.push_back(subscribed->subscription.name);
+  for (const auto& [path, subscribed] : found->second.subscriptions) names.push_back(subscribed->subscription.name);
   return names;
 }
 
 std::vector<FilterStatement> SubscriptionTable::statements() const {
   std::vector<FilterStatement> found;
   for (const auto& [path, filter] : _filters) {
-    const auto referring = _referring.find(path);
-    if (referring == _referring.end()) continue;
-    const bool isAsked = std::any_of(referring->second.begin(), referring->second.end(),
-                                     [](const auto& each) { return each.second->subscription.isEnabled; });
-    if (isAsked) found.insert(found.end(), filter->filter.statements.begin(), filter->filter.statements.end());
+    if (!isAsked(path)) continue;
+    found.insert(found.end(), filter->filter.statements.begin(), filter->filter.statements.end());
   }
   return found;
 }
@@ -174,7 +195,7 @@ std::vector<SubscriptionTable::Match> SubscriptionTable::match(const QORSmrPtr<I
     const Statement& statement = *_statements.at(handle);
     const auto referring = _referring.find(statement.filter->filter.path);
     if (referring == _referring.end()) continue;
-    for (const auto& [path, subscribed] : referring->second) {
+    for (const auto& [path, subscribed] : referring->second.subscriptions) {
       const ListenerDestination* const handler = findHandler(subscribed->subscription.handler);
       if (handler == nullptr || !isWanted(*subscribed, *indication)) continue;
       matches.push_back({subscribed->subscription, *handler, statement.filter->filter, statement.selection});

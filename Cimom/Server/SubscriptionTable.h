@@ -10,6 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "Cimom/Server/FilterLog.h"
 #include "Cimom/Server/Subscription.h"
 
 // The properties of indications that a statement selects.
@@ -59,6 +60,8 @@ class SubscriptionTable {
   bool hasSubscriptions() const noexcept { return !_subscriptions.empty(); }
   // Of filters that an enabled subscription has.
   std::vector<FilterStatement> statements() const;
+  // What became of these since the last time.
+  std::vector<FilterChange> takeChanges() noexcept;
 
   // What is matched while it lives counts as a repetition only once it is kept: others have got nothing of it before.
   class Counting {
@@ -82,7 +85,16 @@ class SubscriptionTable {
   struct Statement;
   struct Filter;
   struct Subscribed;
+  // The subscriptions that refer to a filter or a handler, by path.
+  struct Referring {
+    std::map<std::string, Subscribed*> subscriptions{};
+    std::size_t enabled = 0;
+  };
 
+  void refer(const std::string& end, Subscribed& subscribed);
+  void forget(const std::string& end, const Subscription& subscription);
+  bool isAsked(const std::string& filter) const;
+  void noteFilter(const std::string& path, bool isAsked);
   void removeFilter(const std::string& path);
   bool isWanted(Subscribed& subscribed, const IQoriObject& indication);
   void keepCounts() noexcept;
@@ -94,7 +106,8 @@ class SubscriptionTable {
   std::map<std::string, std::unique_ptr<Filter>> _filters;
   std::map<std::string, ListenerDestination> _handlers;
   std::map<std::string, std::unique_ptr<Subscribed>> _subscriptions;
-  std::map<std::string, std::map<std::string, Subscribed*>> _referring;  // by filter and by handler
+  std::map<std::string, Referring> _referring;  // by filter and by handler
+  std::vector<FilterChange> _changes;
   std::vector<Subscribed*> _counted;  // while something is counted; perhaps more than once
 };
 

@@ -25,7 +25,12 @@ void tellFailure(const QORString& className, const QoriBaseException& failure) {
 
 LiveEvents::LiveEvents(ServerModel& model, ServerEvents& events, const QORString& nameSpace,
                        std::chrono::milliseconds interval)
-    : _model(model), _events(events), _nameSpace(nameSpace), _interval(interval), _thread([this] { run(); }) {
+    : _model(model),
+      _events(events),
+      _nameSpace(nameSpace),
+      _interval(interval),
+      _filters(events, nameSpace),
+      _thread([this] { run(); }) {
   _events.setWatcher([this] { follow(); });
 }
 
@@ -41,45 +46,57 @@ LiveEvents::~LiveEvents() {
 }
 
 void LiveEvents::run() {
+  Clock::time_point due = Clock::now();
   std::unique_lock lock(_mutex);
   while (!_isStopped) {
     _isAsked = false;
     lock.unlock();
     const QORuint64 version = _events.filtersVersion();
+    const bool isDue = Clock::now() >= due;
     try {
-      look();
+      look(isDue);
     } catch (const std::exception& failure) {
       tell(std::string("live changes are not seen: ") + failure.what());
     }
+    if (isDue) due = Clock::now() + _interval;
     lock.lock();
     _followed = version;
     _looked.notify_all();
-    _changed.wait_for(lock, _interval, [this] { return _isStopped || _isAsked; });
+    _changed.wait_until(lock, due, [this] { return _isStopped || _isAsked; });
   }
 }
 
 void LiveEvents::follow() {
   std::unique_lock lock(_mutex);
   const QORuint64 version = _events.filtersVersion();
+  if (_followed >= version) return;
   _isAsked = true;
   _changed.notify_all();
   _looked.wait_for(lock, kPatience, [&] { return _isStopped || _followed >= version; });
 }
 
-void LiveEvents::look() {
+// Where what is asked for now cannot be watched, what was asked for before still is.
+void LiveEvents::look(bool isDue) {
   const ServerModel::Manager manager = _model.lease();
   const ManagerScope scope(*manager);
-  // What the filters had asked for is seen before they change; another manager's watch goes on from there.
-  const bool isSame = manager == _manager;
-  if (isSame) see();
-  renew(manager);
-  if (!isSame) see();
+  try {
+    renew(manager);
+  } catch (const std::exception& failure) {
+    tell(std::string("live changes are not seen: ") + failure.what());
+  }
+  if (isDue) see();
   publish();
 }
 
 void LiveEvents::see() {
   if (_watch == nullptr) return;
-  _watch->look([&](const QORSmrPtr<IQoriObject>& indication) { _unpublished.push_back(indication); }, tellFailure);
+  const ManagerScope scope(*_manager);
+  _watch->look([this](const auto& indications) { keep(indications); }, tellFailure);
+}
+
+// All or none of them.
+void LiveEvents::keep(const std::vector<QORSmrPtr<IQoriObject>>& indications) {
+  _unpublished.insert(_unpublished.end(), indications.begin(), indications.end());
 }
 
 // What a store that fails did not take stays for the next time.
@@ -95,17 +112,20 @@ void LiveEvents::publish() {
 }
 
 void LiveEvents::renew(const ServerModel::Manager& manager) {
-  const QORuint64 version = _events.filtersVersion();
-  if (version == _version && manager == _manager) return;
-  auto watch = std::make_unique<LiveWatch>(*manager, _nameSpace);
-  bool isAsked = false;
-  for (const ServerEvents::Filter& filter : _events.filters()) {
-    if (!filter->getNameSpace().isEqualCaseInsensitive(_nameSpace)) continue;
-    isAsked = watch->add(*filter).empty() || isAsked;
+  LiveDemand demand = _filters.follow(manager);
+  if (manager == _manager && demand == _demand) return;
+  std::unique_ptr<LiveWatch> watch;
+  std::vector<QORSmrPtr<IQoriObject>> seen;
+  if (demand.isAny()) {
+    watch = std::make_unique<LiveWatch>(*manager, _nameSpace, demand);
+    const auto take = [&seen](const auto& indications) {
+      seen.insert(seen.end(), indications.begin(), indications.end());
+    };
+    _watch == nullptr ? watch->start(tellFailure) : watch->continueFrom(*_watch, take, tellFailure);
   }
-  if (isAsked && _watch != nullptr) watch->continueFrom(*_watch);
-  if (isAsked) watch->start(tellFailure);
-  _watch = isAsked ? std::move(watch) : nullptr;
+  keep(seen);
+  _watch = std::move(watch);
   _manager = manager;
-  _version = version;
+  _demand.changes.swap(demand.changes);
+  _demand.classes.swap(demand.classes);
 }

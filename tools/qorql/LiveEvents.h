@@ -12,6 +12,7 @@
 
 #include "Cimom/Server/ServerEvents.h"
 #include "Cimom/Server/ServerModel.h"
+#include "LiveFilters.h"
 #include "LiveWatch.h"
 
 // Looks at the live classes again and again, on a thread of its own, while there
@@ -27,12 +28,15 @@ class LiveEvents {
   ~LiveEvents();
 
  private:
+  using Clock = std::chrono::steady_clock;
+
   void run();
-  void look();
+  void look(bool isDue);
   void see();
   void publish();
   // What is watched now, where filters or object manager have changed.
   void renew(const ServerModel::Manager& manager);
+  void keep(const std::vector<QORSmrPtr<IQoriObject>>& indications);
   // Waits until the filters that there are now are watched, so that a client's reply comes after that.
   void follow();
 
@@ -43,13 +47,14 @@ class LiveEvents {
   std::mutex _mutex;
   std::condition_variable _changed;
   bool _isStopped = false;
-  bool _isAsked = false;    // to look at once
-  QORuint64 _followed = 0;  // the version of the filters at the last look
+  bool _isAsked = false;    // to see to the filters at once
+  QORuint64 _followed = 0;  // the version of the filters that was seen to last
   std::condition_variable _looked;
   // Of the thread alone.
-  ServerModel::Manager _manager;      // of the watch, which borrows it
-  std::unique_ptr<LiveWatch> _watch;  // null: nothing is asked for
-  QORuint64 _version = 0;
+  LiveFilters _filters;
+  ServerModel::Manager _manager;                     // of the watch, which borrows it
+  LiveDemand _demand;                                // of the watch
+  std::unique_ptr<LiveWatch> _watch;                 // null: nothing is asked for
   std::vector<QORSmrPtr<IQoriObject>> _unpublished;  // seen, and not in any queue yet
   std::thread _thread;
 };

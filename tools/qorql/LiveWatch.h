@@ -9,50 +9,47 @@
 
 #include "Cimom/Embedded/Indications.h"
 #include "Cimom/Embedded/InstanceChanges.h"
-#include "Cimom/QORQL/CQLQueryStatement.h"
+#include "LiveDemand.h"
 
 // What indications of this process say of where they were made; another series each time.
 IndicationOrigin thisMachine();
 
-// Watches the live classes whose changes one of the filters can match: those
-// that each `SourceInstance ISA Class` of it allows. BORROWS the object manager.
+// Watches the live classes that are asked for. BORROWS the object manager, which has to be the one that is asked.
 class LiveWatch {
  public:
-  using Take = std::function<void(const QORSmrPtr<IQoriObject>& indication)>;
+  // Takes the indications of one look at a class. What it throws undoes that look.
+  using Take = std::function<void(const std::vector<QORSmrPtr<IQoriObject>>& indications)>;
   using Report = std::function<void(const QORString& className, const QoriBaseException& failure)>;
 
-  LiveWatch(EmbeddedObjectManager& manager, const QORString& nameSpace);
+  LiveWatch(EmbeddedObjectManager& manager, const QORString& nameSpace, const LiveDemand& demand);
 
-  // Watches for a valid filter too. Why no indication can come for it; empty when one can.
-  std::string add(const CQLQueryStatement& filter);
-
-  // Takes over what another one saw last, where both look at the same, so that no change is lost between the two.
-  void continueFrom(const LiveWatch& before);
-
-  // Reads the instances to which the next look is compared, unless they were taken over. A class without its
-  // source on this machine is reported and no longer watched, unless it is the
-  // only one. THROWS what a provider throws.
+  // Reads the instances to which the next look is compared. A class without its source on this machine is reported and
+  // no longer watched, unless it is the only one. THROWS what a provider throws.
   void start(const Report& report);
-  // Looks again and hands over the indications of the classes that the filters ask
-  // for, in the order of the live classes. A class whose provider fails is reported and keeps its last look.
+  // The same, where another one has watched before. What that one saw last is compared with what there is now, or with
+  // the next look: no change is lost between the two, of what both look at.
+  void continueFrom(const LiveWatch& before, const Take& take, const Report& report);
+  // Looks again and hands over the indications that are asked for, in the order of the live classes. A class whose
+  // provider fails is reported and keeps its last look; a change of which no indication can be made is reported.
   void look(const Take& take, const Report& report);
 
  private:
   struct Watched {
     QORString className;
-    bool isAskedFor = false;
-    bool hasLast = false;
     CIMApi::PropertyNames properties;  // null: all
     InstanceSnapshot last;
   };
 
+  const Watched* find(const QORString& className) const;
   InstanceSnapshot snapshotOf(const Watched& watched) const;
-  void hand(const InstanceChange& change, const Take& take);
+  void begin(Watched& watched, const Watched* before, const Take& take, const Report& report);
+  void beginAll(const LiveWatch* before, const Take& take, const Report& report);
+  void hand(const Watched& watched, const std::vector<InstanceChange>& changes, const Take& take, const Report& report);
 
   const EmbeddedObjectManager& _manager;
   const QORString _nameSpace;
-  std::vector<const char*> _changes;  // the classes of indications that are asked for
-  std::vector<Watched> _watched;      // at first all live classes
+  const std::set<std::string> _changes;  // the classes of indications that are asked for
+  std::vector<Watched> _watched;
   Indications _indications;
 };
 

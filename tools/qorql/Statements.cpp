@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr std::string_view kBlanks = " \t\r\n";
+constexpr std::string_view kBlankSigns = " \t\r\n";
 
 struct Extent {
   std::size_t end;   // at the semicolon or at the end of the text
@@ -52,11 +52,11 @@ std::vector<Statement> splitStatements(std::string_view text) {
   std::size_t counted = 0;  // up to here the place is
   for (std::size_t from = 0; from < text.size();) {
     const auto [end, kept] = findExtent(text, from);
-    const std::size_t first = text.find_first_not_of(kBlanks, from);
+    const std::size_t first = text.find_first_not_of(kBlankSigns, from);
     if (first < end) {
       place.pass(text.substr(counted, first - counted));
       counted = first;
-      const std::size_t last = text.find_last_not_of(kBlanks, end - 1) + 1;
+      const std::size_t last = text.find_last_not_of(kBlankSigns, end - 1) + 1;
       statements.push_back({std::string(text.substr(first, std::max(last, kept) - first)), place.line, place.column});
     }
     from = end + 1;

@@ -7,6 +7,7 @@
 #include <iostream>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "DisplayText.h"
 #include "EndRequest.h"
@@ -111,11 +112,23 @@ void warn(const WatchOptions& options, const std::string& warning) {
   if (!options.filter.session.isQuiet) std::cerr << "qorql: warning: " << printableText(warning) << '\n';
 }
 
+// Why no indication can come for a filter; empty when one can.
+std::string silenceOf(const LiveDemand& demand) {
+  if (demand.changes.empty()) return "the filter asks for no indication of a change: nothing will be printed";
+  if (demand.classes.empty()) {
+    return "no live class is of the class that the filter asks for: nothing will be printed";
+  }
+  return {};
+}
+
 // False when one of the filters is refused since no indication can come for it.
-bool addFilters(const WatchOptions& options, const FilterGroup& filters, LiveWatch& watch) {
+bool readDemand(const WatchOptions& options, const FilterGroup& filters, const LiveDemandReader& reader,
+                LiveDemand& demand) {
   bool areSound = true;
   for (const auto& [line, statement] : filters.statements()) {
-    const std::string silence = watch.add(*statement);
+    const LiveDemand asked = reader.read(*statement);
+    demand.unite(asked);
+    const std::string silence = silenceOf(asked);
     if (silence.empty()) continue;
     if (options.filter.isStrict) {
       reportRefusal(filters.placeOf(line) + silence);
@@ -129,12 +142,15 @@ bool addFilters(const WatchOptions& options, const FilterGroup& filters, LiveWat
 
 int watchUntilTheEnd(const WatchOptions& options, FilterSession& session, FilterGroup& filters) {
   const QORString nameSpace = session.nameSpace();
-  LiveWatch watch(session.manager(), nameSpace);
-  if (!addFilters(options, filters, watch)) return kExitRefused;
+  LiveDemand demand;
+  if (!readDemand(options, filters, LiveDemandReader(session.manager(), nameSpace), demand)) return kExitRefused;
+  LiveWatch watch(session.manager(), nameSpace, demand);
   IndicationPrinter printer(filters);
   const bool hasLimit = options.limit != 0;
-  const auto take = [&](const QORSmrPtr<IQoriObject>& indication) {
-    if (!hasLimit || printer.count() < options.limit) printer.print(indication, nameSpace);
+  const auto take = [&](const std::vector<QORSmrPtr<IQoriObject>>& indications) {
+    for (const QORSmrPtr<IQoriObject>& indication : indications) {
+      if (!hasLimit || printer.count() < options.limit) printer.print(indication, nameSpace);
+    }
   };
   const auto report = [&](const QORString& className, const QoriBaseException& failure) {
     warn(options, std::string(className.view()) + ": " + std::string(failure.getMessage().view()));

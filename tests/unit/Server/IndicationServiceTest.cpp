@@ -336,7 +336,7 @@ TEST(IndicationService, WatchersHearOfFiltersBeforeTheReply) {
   PlayedListeners listeners;
   Server server(listeners, "");
   std::vector<std::size_t> heard;
-  server.service.setWatcher([&] { heard.push_back(server.service.filters().size()); });
+  server.service.setWatcher([&] { heard.push_back(server.service.filtersSince(0).changes.size()); });
   server.subscribe(kAlerts, kUrl);
   server.service.setWatcher({});
   server.createDisk("a");
