@@ -99,6 +99,7 @@ void AssociationWalk::walkOuter() {
 
 void AssociationWalk::meetEnds(const CQoriClass& association, const IQoriObject& object,
                                const QORSmrPtr<IQoriObject>& whole) {
+  _steps.step();
   for (const QORuint32 position : association.referencePositions()) {
     if (!isAnyOr(_request.role, association.shape()->layout->getName(position))) continue;
     const QORSmrPtr<IQoriInstanceName> name = referenceAt(object, position);
@@ -125,6 +126,7 @@ void AssociationWalk::meet(const QORSmrPtr<IQoriInstanceName>& name, const QORSm
 
 void AssociationWalk::resolveStored() {
   for (; _resolved < _ends.size(); ++_resolved) {
+    _steps.step();
     End& end = _ends[_resolved];
     const NameSpace* const space = _store.findNameSpace(end.name->getNameSpacePath()->getNameSpace(), View::Committed);
     if (space == nullptr) continue;
@@ -204,6 +206,7 @@ bool AssociationWalk::isResult(const QORString& nameSpace, const IQoriObject& ob
 CIMApi::Instances AssociationWalk::collect() {
   CIMApi::Instances found(new QORValSlist<QORSmrPtr<IQoriObject>>);
   for (const End& end : _ends) {
+    _steps.step();
     if (end.entry == nullptr) {
       QORSmrPtr<IQoriObject> live = findLive(end);
       if (live.IsNull()) live = findOuter(end);

@@ -12,6 +12,7 @@
 #include "Cimom/Embedded/ObjectStore.h"
 #include "Cimom/Embedded/OuterCalls.h"
 #include "Cimom/Embedded/Restrictor.h"
+#include "Cimom/Embedded/StopScope.h"
 #include "cimom/CIMApi.h"
 
 namespace embedded {
@@ -86,6 +87,7 @@ class AssociationWalk {
   std::size_t _resolved = 0;    // ends before this one have been looked up in the store
   std::size_t _firstOuter = 0;  // this end and those after it are of associations of the outer source
   std::unordered_set<std::string> _met;
+  StopCount _steps;
 };
 
 }  // namespace embedded

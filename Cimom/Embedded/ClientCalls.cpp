@@ -100,15 +100,19 @@ CIMApi::Instances enumerateInstances(const ObjectStore& store, ListCache& cache,
   if (sources.empty()) return stored;
   CIMApi::Instances all(new InstanceList(*stored));
   Restrictor restrictor(request.names);
+  std::vector<CQoriProviderException> absences;
   for (const LiveSource& source : sources) {
     LiveRequest own = request;
-    // Where nothing else has instances, an empty list would hide that the source is not there.
-    own.isOneOfMany = (request.isOneOfMany || sources.size() > 1 || stored->entries() > 0) &&
-                      !source.entry->model().getClassName().isEqualCaseInsensitive(className);
+    own.isOneOfMany = !source.entry->model().getClassName().isEqualCaseInsensitive(className);
+    own.absences = &absences;
     for (const QORSmrPtr<IQoriObject>& object : readLive(store, source, own)) {
       all->append(restrictor.apply(source.entry->model(), object));
     }
   }
+  // Where nothing else has been asked, an empty list would hide that the sources are not there.
+  const bool isAnswered = request.isOneOfMany || absences.size() < sources.size() || all->entries() > 0;
+  if (!isAnswered) throw CQoriProviderException(absences.front());
+  for (const CQoriProviderException& absence : absences) tellOfAbsence(absence);
   return all;
 }
 

@@ -11,6 +11,7 @@
 
 #include "Cimom/Embedded/DeclarationHelpers.h"
 #include "Cimom/Embedded/RepositoryError.h"
+#include "Cimom/Embedded/StopScope.h"
 #include "cimom/CQoriProviderException.h"
 #include "cimom/CQoriValue.h"
 
@@ -47,6 +48,7 @@ class Collector {
   }
 
   void take(const std::vector<QORSmrPtr<IQoriValue>>& given) {
+    StopScope::requireGoing();
     if (given.size() != _positions.size()) {
       throw CQoriProviderException(_model.getClassName(),
                                    joined({"the provider gave ", std::to_string(given.size()), " values for ",
@@ -130,18 +132,15 @@ class Collector {
   std::string _reason;  // why the first was left out
 };
 
-// Where one class of several has no source on this machine, the others are still read.
-void tellOfAbsence(const CQoriProviderException& absence) {
-  QORLog::log("Providers", absence.getMessage(), QoriTraceLog::kWarning, QoriTraceLog::kNormal, 0, QORLog::CIMOMLOG);
-}
-
 void callProvider(InstanceProvider& provider, const InstanceProvider::Request& request, Collector& collector,
-                  bool isOneOfMany) {
+                  const LiveRequest& wanted) {
   try {
     provider.enumerate(request, [&collector](std::vector<QORSmrPtr<IQoriValue>>&& values) { collector.take(values); });
   } catch (const CQoriProviderException& failure) {
-    if (!isOneOfMany || failure.getCode() != InstanceProvider::kNoSource) throw;
-    tellOfAbsence(failure);
+    // Where one class of several has no source on this machine, the others are still read.
+    if (!wanted.isOneOfMany || failure.getCode() != InstanceProvider::kNoSource) throw;
+    if (wanted.absences == nullptr) return tellOfAbsence(failure);
+    wanted.absences->push_back(failure);
   } catch (const std::bad_alloc&) {
     throw;
   } catch (const std::exception& error) {
@@ -153,6 +152,10 @@ void callProvider(InstanceProvider& provider, const InstanceProvider::Request& r
 
 }  // namespace
 
+void tellOfAbsence(const CQoriProviderException& absence) {
+  QORLog::log("Providers", absence.getMessage(), QoriTraceLog::kWarning, QoriTraceLog::kNormal, 0, QORLog::CIMOMLOG);
+}
+
 std::vector<QORSmrPtr<IQoriObject>> readLive(const ObjectStore& store, const LiveSource& source,
                                              const LiveRequest& request) {
   const CQoriClass& model = source.entry->model();
@@ -160,7 +163,7 @@ std::vector<QORSmrPtr<IQoriObject>> readLive(const ObjectStore& store, const Liv
   callProvider(
       *source.provider,
       {model.shape()->nameSpace, model.getClassName(), collector.propertyNames(), request.transaction, request.only},
-      collector, request.isOneOfMany);
+      collector, request);
   collector.report();
   return std::move(collector).takeObjects();
 }

@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "Cimom/Server/InteropModel.h"
+#include "Cimom/Server/QueryMonitor.h"
 #include "cimom/CQoriProviderException.h"
-#include "qorql.h"
 
 namespace {
 
@@ -16,8 +16,7 @@ constexpr std::size_t kMostAskers = 16;
 
 // THROWS CQoriProviderException when the operation that this thread answers is to end.
 void requireGoing() {
-  QORQL_ExecutionMonitor* const monitor = QORQL_currentMonitor();
-  if (monitor == nullptr || !monitor->isStopRequested()) return;
+  if (!isCallStopped()) return;
   throw CQoriProviderException("GatewaySource", "the call was stopped", 1);
 }
 

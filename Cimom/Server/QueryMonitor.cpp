@@ -9,6 +9,11 @@
 #include "Cimom/CimXml/CimXmlException.h"
 #include "Cimom/Server/StatusCodes.h"
 
+bool isCallStopped() {
+  QORQL_ExecutionMonitor* const monitor = QORQL_currentMonitor();
+  return monitor != nullptr && monitor->isStopRequested();
+}
+
 bool QueryMonitor::isStopRequested() noexcept {
   const Clock::time_point now = Clock::now();
   _isLate = _isLate || now >= _end;

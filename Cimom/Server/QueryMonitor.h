@@ -10,6 +10,9 @@
 #include "Cimom/Server/HttpService.h"
 #include "qorql.h"
 
+// Whether the operation that this thread answers is to end, as its monitor says.
+bool isCallStopped();
+
 // BORROWS the client. One thread at a time.
 class QueryMonitor final : public QORQL_ExecutionMonitor {
  public:

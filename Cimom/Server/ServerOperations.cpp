@@ -10,6 +10,7 @@
 
 #include "Cimom/CimXml/CimXmlException.h"
 #include "Cimom/CimXml/CimXmlMessages.h"
+#include "Cimom/Embedded/StopScope.h"
 #include "Cimom/Server/QueryMonitor.h"
 #include "Cimom/Server/StatusCodes.h"
 
@@ -85,6 +86,7 @@ std::unique_ptr<ServerReply> ServerOperations::State::answer(const ServerCall& c
   const Operation& operation = find(call.request);
   QueryMonitor monitor(call.client, limit);
   const QORQL_MonitorScope scope(monitor);
+  const StopScope stop(&isCallStopped);
   try {
     return operation(call);
   } catch (const CimStatusException&) {

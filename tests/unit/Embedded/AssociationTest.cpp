@@ -1,6 +1,8 @@
 // What associators returns: ends of stored and live associations, once each, in order.
 // SPDX-License-Identifier: Apache-2.0
+#include "Cimom/Embedded/StopScope.h"
 #include "EmbeddedFixture.h"
+#include "cimom/CQoriProviderException.h"
 
 using namespace embeddedtest;
 using testing::ElementsAre;
@@ -21,6 +23,17 @@ TEST_F(AssociationCalls, EndsComeInTheOrderInWhichTheAssociationsWereCreated) {
   createUses(source, a);
   EXPECT_THAT(ids(associators(source)), ElementsAre("b", "a"));
   EXPECT_THAT(ids(associators(a)), ElementsAre("s"));
+}
+
+TEST_F(AssociationCalls, ALongWalkEndsWhenItIsToEnd) {
+  const Name source = createDisk("s");
+  for (int i = 0; i < 2000; ++i) createUses(source, createDisk(std::to_string(i).c_str()));
+  const Name few = createDisk("few");
+  createUses(few, source);
+  const StopScope stop([] { return true; });
+  EXPECT_THROW(associators(source), CQoriProviderException);
+  EXPECT_THROW(manager.references(kSpace, source, "", {}, ""), CQoriProviderException);
+  EXPECT_THAT(ids(associators(few)), ElementsAre("s")) << "a short one asks nobody";
 }
 
 TEST_F(AssociationCalls, AnObjectIsReturnedOnce) {

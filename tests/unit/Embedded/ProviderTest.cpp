@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "Cimom/Embedded/InstanceProvider.h"
+#include "Cimom/Embedded/StopScope.h"
 #include "EmbeddedFixture.h"
 #include "cimom/CQoriProviderException.h"
 
@@ -158,8 +159,30 @@ TEST_F(Providers, ASourceThatIsNotThereFailsACallThatOnlyItCouldAnswer) {
     throw CQoriProviderException("disks", "no disks here", InstanceProvider::kNoSource);
   };
   EXPECT_EQ("no disks here", refusal([&] { enumerate("CIM_Device"); }, 7, "provider"));
+  const auto other = serve("CIM_FastDisk", {});
+  EXPECT_THAT(ids("CIM_Device"), IsEmpty()) << "one of them has said that there are none";
+  other->failure = [] { throw CQoriProviderException("fast", "no fast disks here", InstanceProvider::kNoSource); };
+  EXPECT_EQ("no disks here", refusal([&] { enumerate("CIM_Device"); }, 7, "provider"));
   createDisk("a");
   EXPECT_THAT(ids("CIM_Device"), ElementsAre("a"));
+}
+
+// Who asked, and from which question on the call is to end.
+thread_local int theQuestions = 0;
+bool isEnoughAfterTwo() { return ++theQuestions > 2; }
+
+TEST_F(Providers, NothingIsReadAfterTheCallIsToEnd) {
+  const auto provider = serve("CIM_Disk", {{{"DeviceID", text("a")}}, {{"DeviceID", text("b")}}});
+  {
+    theQuestions = 0;
+    const StopScope stop(&isEnoughAfterTwo);
+    EXPECT_THAT(ids("CIM_Device"), ElementsAre("a", "b"));
+    EXPECT_EQ("the call was stopped", refusal([&] { enumerate("CIM_Device"); }, 1, "provider"));
+    EXPECT_EQ(theQuestions, 3);
+    const StopScope inner([] { return false; });
+    EXPECT_THAT(ids("CIM_Device"), ElementsAre("a", "b"));
+  }
+  EXPECT_THAT(ids("CIM_Device"), ElementsAre("a", "b"));
 }
 
 TEST_F(Providers, OwnInstancesAreThoseOfTheClassAloneWhateverTheOthersDo) {

@@ -1,5 +1,7 @@
 // Instances as clients read and change them.
 // SPDX-License-Identifier: Apache-2.0
+#include <thread>
+
 #include "Cimom/Embedded/InstanceProvider.h"
 #include "Cimom/Embedded/OuterSource.h"
 #include "Cimom/Server/InstanceOperations.h"
@@ -324,6 +326,40 @@ TEST_F(InstanceOperations, WhileOthersAreAskedAnotherModelCanTakeThePlace) {
   EXPECT_FALSE(isDone("ModifyInstance", modified("Part", "none", "")));
   EXPECT_FALSE(isDone("DeleteInstance", parameter("InstanceName", path("Part", "Id", "none"))));
   EXPECT_EQ(outer->couldReplace, std::vector<bool>(3, true));
+}
+
+// Has instances for seconds.
+class ManyInstances final : public InstanceProvider {
+ public:
+  QORString getClassName() const override { return "Long"; }
+  void enumerate(const Request& request, const Emit& emit) override {
+    for (int i = 0; i < 10000; ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+      emit(std::vector<QORSmrPtr<IQoriValue>>(
+          request.propertyNames.size(), QORSmrPtr<IQoriValue>(new CQoriValue(QORString(std::to_string(i).c_str())))));
+    }
+    isThrough = true;
+  }
+
+  bool isThrough = false;
+};
+
+TEST_F(InstanceOperations, ALongEnumerationOfLiveInstancesEndsWithItsTimeAndWithItsClient) {
+  load("class Long { [Key] string Id; };");
+  const auto many = std::make_shared<ManyInstances>();
+  manager().registerProvider("root/cimv2", many);
+  ServerOperations hasty(std::chrono::milliseconds(20));
+  ServerOperations patient;
+  for (ServerOperations* const each : {&hasty, &patient}) addInstanceOperations(*each, nullptr);
+  HttpRequest request = post(operationCall("EnumerateInstances", className("Long")));
+  HttpReply late = CimXmlService(hasty, [this] { return sharedManager(); }).serve(request);
+  EXPECT_EQ(late.note.status, 27U);
+  EXPECT_EQ(late.note.statusText, "the operation was stopped: it took more than 0 seconds");
+  request.client.stopReason = [] { return StopReason::ClientGone; };
+  HttpReply gone = CimXmlService(patient, [this] { return sharedManager(); }).serve(request);
+  EXPECT_EQ(gone.note.status, 1U);
+  EXPECT_EQ(gone.note.statusText, "the client has gone");
+  EXPECT_FALSE(many->isThrough);
 }
 
 TEST_F(InstanceOperations, AReadOnlyServerRefusesChanges) {
