@@ -42,8 +42,11 @@ struct EnumerationContexts::State {
   // Null when there is none for the caller. REQUIRES the lock.
   std::shared_ptr<Context> find(const ServerCall& call, const std::string& name) const;
   void remove(const Context& context);
+  // THROWS CimStatusException 27 when that is too much. REQUIRES the lock, as does giveBack().
+  void take(const std::string& client, QORuint64 bytes);
+  void giveBack(const std::string& client, QORuint64 bytes, std::size_t enumerations) noexcept;
 
-  // What a client has open.
+  // What a client has open, and is being sent.
   struct Use {
     std::size_t count = 0;
     QORuint64 heldBytes = 0;
@@ -80,6 +83,9 @@ std::string randomName() {
                            "there is no such enumeration: it has ended, was left for too long, or belongs to others");
 }
 
+// Whose limits a call counts for.
+std::string clientOf(const ServerCall& call) { return call.client.address + '\n' + call.client.user; }
+
 bool isOf(const std::weak_ptr<const EmbeddedObjectManager::State>& model, const ServerCall& call) {
   return model.lock() == call.manager->state();
 }
@@ -97,10 +103,29 @@ Clock::time_point EnumerationContexts::State::earliestEnd() const {
 void EnumerationContexts::State::remove(const Context& context) {
   const auto found = contexts.find(context.name);
   if (found == contexts.end()) return;
-  const auto counted = uses.find(context.client);
-  counted->second.heldBytes -= context.heldBytes;
-  if (--counted->second.count == 0) uses.erase(counted);
+  giveBack(context.client, context.heldBytes, 1);
   contexts.erase(found);
+}
+
+void EnumerationContexts::State::take(const std::string& client, QORuint64 bytes) {
+  Use& use = uses[client];
+  if (use.heldBytes + bytes > mostBytesOfAClient) {
+    giveBack(client, 0, 0);
+    throw CimStatusException(cimstatus::kServerLimitsExceeded,
+                             "what this client has open and is being sent would hold more than " +
+                                 std::to_string(mostBytesOfAClient) + " bytes of memory");
+  }
+  use.heldBytes += bytes;
+}
+
+void EnumerationContexts::State::giveBack(const std::string& client, QORuint64 bytes,
+                                          std::size_t enumerations) noexcept {
+  const auto found = uses.find(client);
+  if (found == uses.end()) return;
+  Use& use = found->second;
+  use.heldBytes -= bytes;
+  use.count -= enumerations;
+  if (use.count == 0 && use.heldBytes == 0) uses.erase(found);
 }
 
 EnumerationContexts::State::Dropped EnumerationContexts::State::takeOver(Clock::time_point now) {
@@ -149,13 +174,8 @@ EnumerationContexts::~EnumerationContexts() = default;
 EnumerationContexts::Turn EnumerationContexts::open(const ServerCall& call, Kind kind,
                                                     std::chrono::milliseconds betweenPulls) {
   const auto context = std::make_shared<Context>();
-  *context = {randomName(),
-              kind,
-              call.request.nameSpace,
-              call.client.user,
-              call.client.address + '\n' + call.client.user,
-              call.manager->state(),
-              betweenPulls};
+  *context = {randomName(),          kind,        call.request.nameSpace, call.client.user, clientOf(call),
+              call.manager->state(), betweenPulls};
   State::Dropped dropped;
   const std::lock_guard<std::mutex> lock(_state->mutex);
   dropped = _state->takeOver(Clock::now());
@@ -197,6 +217,24 @@ std::size_t EnumerationContexts::count() const {
   return _state->contexts.size();
 }
 
+EnumerationContexts::Hold EnumerationContexts::hold(const ServerCall& call, QORuint64 bytes) {
+  std::string client = clientOf(call);
+  const std::lock_guard<std::mutex> lock(_state->mutex);
+  _state->take(client, bytes);
+  return {_state, std::move(client), bytes};
+}
+
+EnumerationContexts::Hold::Hold(std::shared_ptr<State> state, std::string client, QORuint64 bytes) noexcept
+    : _state(std::move(state)), _client(std::move(client)), _bytes(bytes) {}
+
+EnumerationContexts::Hold::Hold(Hold&& other) noexcept = default;
+
+EnumerationContexts::Hold::~Hold() {
+  if (_state == nullptr) return;
+  const std::lock_guard<std::mutex> lock(_state->mutex);
+  _state->giveBack(_client, _bytes, 0);
+}
+
 EnumerationContexts::Turn::Turn(std::shared_ptr<State> state, std::shared_ptr<Context> context) noexcept
     : _state(std::move(state)), _context(std::move(context)) {}
 
@@ -215,13 +253,7 @@ void EnumerationContexts::Turn::setItems(std::unique_ptr<EnumerationItems> items
   _context->items = std::move(items);
   const std::lock_guard<std::mutex> lock(_state->mutex);
   if (!_state->contexts.contains(_context->name)) return;
-  State::Use& use = _state->uses[_context->client];
-  if (use.heldBytes + bytes > _state->mostBytesOfAClient) {
-    throw CimStatusException(cimstatus::kServerLimitsExceeded,
-                             "the open enumerations of this client would hold more than " +
-                                 std::to_string(_state->mostBytesOfAClient) + " bytes of memory");
-  }
-  use.heldBytes += bytes;
+  _state->take(_context->client, bytes);
   _context->heldBytes = bytes;
 }
 

@@ -33,7 +33,8 @@ class EnumerationContexts {
 
     // REQUIRES setItems() before.
     EnumerationItems& items() const noexcept;
-    // THROWS CimStatusException 27 when the client's enumerations would hold too much together; this one ends then.
+    // THROWS CimStatusException 27 when what the client has open or is being sent would be too much; this one ends
+    // then.
     void setItems(std::unique_ptr<EnumerationItems> items);
     // What the client goes on with; empty when that was all.
     std::string end();
@@ -44,6 +45,22 @@ class EnumerationContexts {
 
     std::shared_ptr<State> _state;
     std::shared_ptr<Context> _context;
+  };
+
+  // What a reply holds that no enumeration goes on with, as long as it is there.
+  class Hold {
+   public:
+    Hold(Hold&& other) noexcept;
+    Hold& operator=(Hold&&) = delete;
+    ~Hold();
+
+   private:
+    friend class EnumerationContexts;
+    Hold(std::shared_ptr<State> state, std::string client, QORuint64 bytes) noexcept;
+
+    std::shared_ptr<State> _state;  // null: it was moved from
+    std::string _client;
+    QORuint64 _bytes;
   };
 
   explicit EnumerationContexts(const ServerLimits& limits);
@@ -59,6 +76,9 @@ class EnumerationContexts {
   Turn take(const ServerCall& call, const std::string& name, Kind kind);
   // Ends it; a reply that goes on with it is sent as it was asked for. THROWS CimStatusException 21.
   void close(const ServerCall& call, const std::string& name);
+
+  // Counts the bytes with those of the client's enumerations. THROWS CimStatusException 27 when they are too many.
+  Hold hold(const ServerCall& call, QORuint64 bytes);
 
   // How many there are, those in a turn too.
   std::size_t count() const;

@@ -33,8 +33,11 @@ std::unique_ptr<QueryRows> runQuery(const ServerCall& call, const char* language
 // All rows in one reply. Rows may ask the object manager, which is held.
 class RowsReply final : public ServerReply {
  public:
-  RowsReply(const ServerCall& call, std::unique_ptr<QueryRows> rows)
-      : _manager(call.manager), _response(call.request.messageId, call.request.operation), _rows(std::move(rows)) {
+  RowsReply(const ServerCall& call, std::unique_ptr<QueryRows> rows, EnumerationContexts::Hold hold)
+      : _manager(call.manager),
+        _response(call.request.messageId, call.request.operation),
+        _hold(std::move(hold)),
+        _rows(std::move(rows)) {
     _response.values();
   }
   void append(std::string& out, std::size_t about) override {
@@ -47,12 +50,14 @@ class RowsReply final : public ServerReply {
     }
     out += _response.finish();
     _rows.reset();
+    _hold.reset();
   }
 
  private:
   const std::shared_ptr<EmbeddedObjectManager> _manager;
   CimXmlResponse _response;
-  std::unique_ptr<QueryRows> _rows;  // null: all are sent
+  std::optional<EnumerationContexts::Hold> _hold;  // of the rows
+  std::unique_ptr<QueryRows> _rows;                // null: all are sent
 };
 
 class RowItems final : public EnumerationItems {
@@ -85,9 +90,11 @@ std::unique_ptr<ServerReply> openQuery(const ServerCall& call, EnumerationContex
 
 void addQueryOperations(ServerOperations& operations, const std::shared_ptr<EnumerationContexts>& contexts,
                         const ServerLimits& limits) {
-  operations.add("ExecQuery", [limits](const ServerCall& call) {
+  operations.add("ExecQuery", [contexts, limits](const ServerCall& call) {
     serverparameters::allowOnly(call.request, {"QueryLanguage", "Query"});
-    return std::make_unique<RowsReply>(call, runQuery(call, "QueryLanguage", "Query", limits));
+    std::unique_ptr<QueryRows> rows = runQuery(call, "QueryLanguage", "Query", limits);
+    EnumerationContexts::Hold hold = contexts->hold(call, rows->heldBytes());
+    return std::make_unique<RowsReply>(call, std::move(rows), std::move(hold));
   });
   operations.add("OpenQueryInstances",
                  [contexts, limits](const ServerCall& call) { return openQuery(call, *contexts, limits); });

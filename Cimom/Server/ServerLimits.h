@@ -11,7 +11,7 @@
 struct ServerLimits {
   std::chrono::milliseconds query = std::chrono::seconds(300);  // that one runs, or any other operation
   std::size_t enumerations = 64;                                // open ones of a client
-  // Bytes of the rows of a query, and of what a client's open enumerations hold together.
+  // Bytes of the rows of a query, and of what a client's open enumerations and the rows that it is sent hold together.
   std::uint64_t memory = std::uint64_t{1} << 30;
   // That an enumeration waits for its next pull, where the client asks for nothing else, and at most.
   std::chrono::milliseconds betweenPulls = std::chrono::seconds(300);

@@ -267,8 +267,28 @@ TEST_F(Queries, ThatAreOpenHoldSoMuchTogether) {
   };
   EXPECT_EQ(open(), 0U);
   EXPECT_EQ(open(), 27U);
-  EXPECT_EQ(told, "the open enumerations of this client would hold more than 20 bytes of memory");
+  EXPECT_EQ(told, "what this client has open and is being sent would hold more than 20 bytes of memory");
   EXPECT_EQ(contexts->count(), 1U);
+  EXPECT_EQ(refused(asking(kPairs)), 27U);
+}
+
+TEST_F(Queries, ThatAreBeingSentHoldSoMuchTogether) {
+  limits.memory = 20;
+  contexts = std::make_shared<EnumerationContexts>(limits);
+  ServerOperations operations;
+  addQueryOperations(operations, contexts, limits);
+  Asked first = asking(kPairs);
+  std::unique_ptr<ServerReply> reply = operations.answer(first.on(held));
+  EXPECT_EQ(refused(asking(kPairs)), 27U);
+  EXPECT_EQ(told, "what this client has open and is being sent would hold more than 20 bytes of memory");
+  Asked other = asking(kPairs);
+  other.client.user = "other";
+  EXPECT_EQ(refused(std::move(other)), 0U);
+  servertest::textOf(*reply);
+  EXPECT_EQ(refused(asking(kPairs)), 0U) << "the first has been sent";
+  reply = operations.answer(first.on(held));
+  reply.reset();
+  EXPECT_EQ(refused(asking(kPairs)), 0U) << "the client has gone";
 }
 
 TEST_F(Queries, ThatCannotBeOpenedLeaveNothingOpen) {
