@@ -72,3 +72,5 @@ ServerEvents::FilterNews IndicationService::filtersSince(QORuint64 version) cons
 QORuint64 IndicationService::filtersVersion() const noexcept { return _state->filtersVersion(); }
 
 void IndicationService::setWatcher(std::function<void()> watcher) { _state->setWatcher(std::move(watcher)); }
+
+void IndicationService::waitForWatcher() { _state->waitForWatcher(); }

@@ -28,6 +28,7 @@ class IndicationService final : public ServerEvents {
   FilterNews filtersSince(QORuint64 version) const override;
   QORuint64 filtersVersion() const noexcept override;
   void setWatcher(std::function<void()> watcher) override;
+  void waitForWatcher() override;
 
  private:
   class State;

@@ -74,27 +74,19 @@ void IndicationService::State::beforeRemove(EmbeddedObjectManager& manager, cons
   SubscriptionRules(manager, *_table, _options.origin).checkRemoval(before);
 }
 
-void IndicationService::State::change(EmbeddedObjectManager& manager, const InstanceChange& change,
-                                      const std::function<void(ServerStore::Change&)>& write) {
-  {
-    const std::lock_guard lock(_mutex);
-    take(manager, change, write);
-  }
-  if (!change.after.IsNull() && isOfSubscriptions(*change.after)) tellWatcher();
-}
-
 void IndicationService::State::setWatcher(std::function<void()> watcher) {
-  const std::lock_guard lock(_watcherMutex);
+  const std::unique_lock lock(_watcherMutex);
   _watcher = std::move(watcher);
 }
 
-void IndicationService::State::tellWatcher() {
-  const std::lock_guard lock(_watcherMutex);
+void IndicationService::State::waitForWatcher() {
+  const std::shared_lock lock(_watcherMutex);
   if (_watcher) _watcher();
 }
 
-void IndicationService::State::take(EmbeddedObjectManager& manager, const InstanceChange& change,
-                                    const std::function<void(ServerStore::Change&)>& write) {
+void IndicationService::State::change(EmbeddedObjectManager& manager, const InstanceChange& change,
+                                      const std::function<void(ServerStore::Change&)>& write) {
+  const std::lock_guard lock(_mutex);
   Advances advances;
   Discarded discarded;
   SubscriptionTable::Counting counting(*_table);

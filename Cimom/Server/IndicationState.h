@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <shared_mutex>
 #include <string>
 #include <vector>
 
@@ -43,6 +44,7 @@ class IndicationService::State final : public WriteObserver,
   ServerEvents::FilterNews filtersSince(QORuint64 version) const;
   QORuint64 filtersVersion() const noexcept { return _filters.version(); }
   void setWatcher(std::function<void()> watcher);
+  void waitForWatcher();
 
   void beforeCreate(EmbeddedObjectManager& manager, const QORString& nameSpace,
                     CimInstanceDeclaration& declaration) override;
@@ -77,9 +79,6 @@ class IndicationService::State final : public WriteObserver,
   };
   using Advances = std::map<Channel*, Advance>;
 
-  void take(EmbeddedObjectManager& manager, const InstanceChange& change,
-            const std::function<void(ServerStore::Change&)>& write);
-  void tellWatcher();
   void queue(ServerStore::Change& kept, const Object& indication, const QORString& nameSpace, Advances& advances);
   static void keep(ServerStore::Change& kept, const Advances& advances);
   void settle(const Advances& advances);
@@ -109,7 +108,7 @@ class IndicationService::State final : public WriteObserver,
   std::atomic<std::size_t> _failingCount{0};
   std::atomic<QORuint64> _contexts{0};
 
-  std::mutex _watcherMutex;  // taken without the table's
+  std::shared_mutex _watcherMutex;  // taken without any other; shared by those that wait for the watcher
   std::function<void()> _watcher;
 
   std::mutex _managerMutex;  // the janitor's jobs and attach() take turns

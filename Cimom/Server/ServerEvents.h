@@ -59,10 +59,12 @@ class ServerEvents {
   virtual FilterNews filtersSince(QORuint64 version) const = 0;
   // A greater number after each change of them; never 0.
   virtual QORuint64 filtersVersion() const noexcept = 0;
-  // Has that called after a client has changed them and before it gets its reply, so that a watcher may see to it that
-  // nothing is missed from then on. One at a time; an empty one ends that, and waits for the call that is under way. It
-  // must not write nor wait for a change of filters.
+  // Has that called by waitForWatcher(). One at a time; an empty one ends that, and waits for the calls that are under
+  // way. Many threads call it at once. It must not write nor wait for a change of filters.
   virtual void setWatcher(std::function<void()> watcher) = 0;
+  // To be called after a client has changed something and before it gets its reply, so that the watcher may see to it
+  // that nothing is missed from then on. Without anything held that others wait for: it may take long.
+  virtual void waitForWatcher() = 0;
 };
 
 // Somebody who is sent indications. Called by many threads at once.

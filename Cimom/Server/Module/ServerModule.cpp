@@ -4,6 +4,7 @@
 
 #include <systemd/sd-daemon.h>
 
+#include <optional>
 #include <utility>
 
 #include "Cimom/Embedded/EmbeddedState.h"
@@ -11,6 +12,7 @@
 #include "Cimom/Server/CimXmlService.h"
 #include "Cimom/Server/ClassOperations.h"
 #include "Cimom/Server/ExportMessages.h"
+#include "Cimom/Server/FollowedService.h"
 #include "Cimom/Server/GatewaySource.h"
 #include "Cimom/Server/IndicationService.h"
 #include "Cimom/Server/InstanceOperations.h"
@@ -46,15 +48,19 @@ class CimService : public HttpService {
       const ServerModel::Manager lease = call.leaseForChange();
       return _events->takeExport(call);
     });
+    _followed.emplace(_service, *_events);
   }
 
-  HttpReply serve(const HttpRequest& request) override { return _service.serve(request); }
+  HttpReply serve(const HttpRequest& request) override {
+    return _followed ? _followed->serve(request) : _service.serve(request);
+  }
 
  private:
   const std::shared_ptr<ServerModel> _model;
   const std::shared_ptr<ServerEvents> _events;
   ServerOperations _operations;
   CimXmlService _service;
+  std::optional<FollowedService> _followed;  // where clients can write
 };
 
 // The store outlives what uses it.

@@ -332,17 +332,6 @@ TEST(IndicationService, ManyPublishSubscribeAndLeaveAtOnce) {
   for (std::size_t i = 0; i < numbers.size(); ++i) EXPECT_EQ(numbers[i], std::to_string(i));
 }
 
-TEST(IndicationService, WatchersHearOfFiltersBeforeTheReply) {
-  PlayedListeners listeners;
-  Server server(listeners, "");
-  std::vector<std::size_t> heard;
-  server.service.setWatcher([&] { heard.push_back(server.service.filtersSince(0).changes.size()); });
-  server.subscribe(kAlerts, kUrl);
-  server.service.setWatcher({});
-  server.createDisk("a");
-  EXPECT_THAT(heard, ElementsAre(0U, 0U, 1U));
-}
-
 TEST(IndicationService, QueuesOfListenersThatNobodyDeclaresAreForgotten) {
   PlayedListeners listeners;
   const StoreFolder folder;
