@@ -59,18 +59,18 @@ CIMApi::Instances referring(const ServerObjects& objects, Want want) {
 }
 
 // Parameters of operations, by their names.
-using Names = std::vector<const char*>;
+using ParameterNames = std::vector<const char*>;
 
 // An open: the list that it gives, in which form, and what its calls may say.
 struct Opening {
   const char* operation;
   Find find;
   Kind kind;
-  Names parameters;
+  ParameterNames parameters;
 };
 
-Opening openingOf(const char* operation, Find find, Kind kind, const Names& finding) {
-  Names all = {"FilterQueryLanguage", "FilterQuery", "OperationTimeout", "ContinueOnError", "MaxObjectCount"};
+Opening openingOf(const char* operation, Find find, Kind kind, const ParameterNames& finding) {
+  ParameterNames all = {"FilterQueryLanguage", "FilterQuery", "OperationTimeout", "ContinueOnError", "MaxObjectCount"};
   all.insert(all.end(), finding.begin(), finding.end());
   if (kind != Kind::Paths) {
     all.insert(all.end(), {"LocalOnly", "IncludeQualifiers", "IncludeClassOrigin", "PropertyList"});
@@ -79,10 +79,10 @@ Opening openingOf(const char* operation, Find find, Kind kind, const Names& find
 }
 
 std::vector<Opening> openings() {
-  const Names ofClass = {"ClassName"};
-  const Names ofClassWithThoseBelow = {"ClassName", "DeepInheritance"};
-  const Names ofAssociators = {"InstanceName", "AssocClass", "ResultClass", "Role", "ResultRole"};
-  const Names ofReferences = {"InstanceName", "ResultClass", "Role"};
+  const ParameterNames ofClass = {"ClassName"};
+  const ParameterNames ofClassWithThoseBelow = {"ClassName", "DeepInheritance"};
+  const ParameterNames ofAssociators = {"InstanceName", "AssocClass", "ResultClass", "Role", "ResultRole"};
+  const ParameterNames ofReferences = {"InstanceName", "ResultClass", "Role"};
   return {openingOf("OpenEnumerateInstances", enumerated, Kind::InstancesWithPath, ofClassWithThoseBelow),
           openingOf("OpenEnumerateInstancePaths", enumerated, Kind::Paths, ofClass),
           openingOf("OpenAssociatorInstances", associated, Kind::InstancesWithPath, ofAssociators),
