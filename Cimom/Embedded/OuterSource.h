@@ -30,6 +30,8 @@ class OuterSource {
   virtual bool mayHave(const QORString& /*nameSpace*/, const QORString& /*className*/) const { return true; }
   // Forgets what was found before, classes excepted: from now on is asked anew.
   virtual void beginStatement() {}
+  // Forgets which classes and namespaces there are. What has been declared of classes stays.
+  virtual void forgetLists() {}
   // Declares the class and its superclasses in the sink, unless they are there.
   // Returns whether the class is there afterwards. What was declared stays.
   virtual bool provideClass(CimDeclarationSink& sink, const QORString& nameSpace, const QORString& className) = 0;

@@ -425,6 +425,12 @@ void RemoteSource::beginStatement() {
   _conditions.clear();
 }
 
+void RemoteSource::forgetLists() {
+  const std::lock_guard lock(_mutex);
+  _names.clear();
+  _nameSpaces.reset();
+}
+
 std::vector<std::string> RemoteSource::takeFailures() {
   const std::lock_guard lock(_mutex);
   return std::exchange(_untold, {});

@@ -67,6 +67,7 @@ class RemoteSource final : public OuterSource {
   }
   // All servers are asked again, for any class.
   void beginStatement() override;
+  void forgetLists() override;
   // Whether classes were declared that servers which failed may have more of; they are fetched again from now on. What
   // has their declarations does not change: then it is time for a new object manager.
   bool forgetIncompleteClasses() { return _classes.forgetIncomplete(); }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Server/GatewaySource.h"
 
+#include <set>
 #include <utility>
 
 #include "Cimom/Server/InteropModel.h"
@@ -13,11 +14,27 @@ namespace {
 constexpr std::chrono::seconds kRemembered{2};
 constexpr std::chrono::milliseconds kPatience{50};
 constexpr std::size_t kMostAskers = 16;
+constexpr std::size_t kMostLists = 1000;  // of namespaces that clients have asked for
 
 // THROWS CQoriProviderException when the operation that this thread answers is to end.
 void requireGoing() {
   if (!isCallStopped()) return;
   throw CQoriProviderException("GatewaySource", "the call was stopped", 1);
+}
+
+// What is declared stays as it is: whoever runs this server is to know.
+void tellOfLost(const std::string& nameSpace, const std::vector<QORString>& before, const std::vector<QORString>& now) {
+  std::set<std::string> left;
+  for (const QORString& name : now) left.emplace(QORString::toUpperCase(name).view());
+  for (const QORString& name : before) {
+    if (left.contains(std::string(QORString::toUpperCase(name).view()))) continue;
+    const std::string what = nameSpace.empty() ? "namespace " : "class " + nameSpace + ":";
+    QORLog::log("GatewaySource",
+                QORString(what + std::string(name.view()) +
+                          " is on none of the other servers any more: what is known of it stays until everything is "
+                          "read anew"),
+                QoriTraceLog::kWarning, QoriTraceLog::kNormal, 0, QORLog::CIMOMLOG);
+  }
 }
 
 // Clients that look for the interop namespace under its other name would take an outer server's for this one's.
@@ -27,7 +44,8 @@ bool isOwn(const QORString& nameSpace) noexcept {
 
 }  // namespace
 
-GatewaySource::GatewaySource(std::shared_ptr<OuterSource> source) : _source(std::move(source)) {
+GatewaySource::GatewaySource(std::shared_ptr<OuterSource> source, std::chrono::milliseconds listsRemembered)
+    : _source(std::move(source)), _listsRemembered(listsRemembered) {
   _askers.push_back(std::make_unique<Asker>(_source));
 }
 
@@ -90,15 +108,36 @@ void GatewaySource::provideQualifiers(CimDeclarationSink& sink, const QORString&
   turn->provideQualifiers(sink, nameSpace);
 }
 
-std::vector<QORString> GatewaySource::nameSpaces() {
+std::vector<QORString> GatewaySource::list(const std::string& key, const Ask& ask) {
+  {
+    const std::lock_guard<std::mutex> lock(_mutex);
+    const auto known = _lists.find(key);
+    if (known != _lists.end() && Clock::now() < known->second.end) return known->second.names;
+  }
   const Turn turn(*this);
-  return turn->nameSpaces();
+  turn->forgetLists();
+  return keep(key, ask(turn.source()));
+}
+
+std::vector<QORString> GatewaySource::keep(const std::string& key, std::vector<QORString> names) {
+  Known before;
+  {
+    const std::lock_guard<std::mutex> lock(_mutex);
+    if (_lists.size() >= kMostLists) _lists.clear();
+    before = std::exchange(_lists[key], {names, Clock::now() + _listsRemembered});
+  }
+  tellOfLost(key, before.names, names);
+  return names;
+}
+
+std::vector<QORString> GatewaySource::nameSpaces() {
+  return list({}, [](OuterSource& source) { return source.nameSpaces(); });
 }
 
 std::vector<QORString> GatewaySource::classNames(const QORString& nameSpace) {
-  if (isOwn(nameSpace)) return {};
-  const Turn turn(*this);
-  return turn->classNames(nameSpace);
+  if (nameSpace.isEmpty() || isOwn(nameSpace)) return {};
+  return list(std::string(QORString::toUpperCase(nameSpace).view()),
+              [&nameSpace](OuterSource& source) { return source.classNames(nameSpace); });
 }
 
 OuterSource::Objects GatewaySource::instances(CimDeclarationSink& sink, const Request& request) {

@@ -5,8 +5,11 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <vector>
 
 #include "Cimom/Embedded/OuterSource.h"
@@ -14,11 +17,13 @@
 // Asks several questions at a time, each of a source of its own where there is another one; what is known without
 // asking waits for nobody. A question that waits for its turn is given up when the thread's monitor asks for that. What
 // a source remembers is forgotten after two seconds, and before each single instance, so that clients see what the
-// servers have now. The interop namespaces are this server's own, of which others are not asked. Any number of threads
-// may ask.
+// servers have now; the lists of classes and namespaces are remembered for longer, also that there is nothing in a
+// namespace. The interop namespaces are this server's own, of which others are not asked. Any number of threads may
+// ask.
 class GatewaySource final : public OuterSource {
  public:
-  explicit GatewaySource(std::shared_ptr<OuterSource> source);
+  explicit GatewaySource(std::shared_ptr<OuterSource> source,
+                         std::chrono::milliseconds listsRemembered = std::chrono::seconds(30));
 
   bool mayHave(const QORString& nameSpace, const QORString& className) const override;
 
@@ -53,6 +58,7 @@ class GatewaySource final : public OuterSource {
     Turn& operator=(const Turn&) = delete;
     ~Turn();
     OuterSource* operator->() const noexcept { return _asker.source.get(); }
+    OuterSource& source() const noexcept { return *_asker.source; }
 
    private:
     Turn(GatewaySource& gateway, Asker& asker) noexcept : _gateway(gateway), _asker(asker) {}
@@ -61,15 +67,26 @@ class GatewaySource final : public OuterSource {
     Asker& _asker;
   };
 
+  // A list as it was told.
+  struct Known {
+    std::vector<QORString> names;
+    Clock::time_point end{};
+  };
+  using Ask = std::function<std::vector<QORString>(OuterSource& source)>;
+
+  std::vector<QORString> list(const std::string& key, const Ask& ask);
+  std::vector<QORString> keep(const std::string& key, std::vector<QORString> names);
   bool isNeedless(const Request& request) const;
   Asker& takeAsker();
   // Null when all are busy. REQUIRES the lock.
   Asker* freeAsker();
 
   const std::shared_ptr<OuterSource> _source;  // of the first asker
-  std::mutex _mutex;                           // guards what follows
+  const std::chrono::milliseconds _listsRemembered;
+  std::mutex _mutex;  // guards what follows
   std::condition_variable _isFree;
   std::vector<std::unique_ptr<Asker>> _askers;
+  std::map<std::string, Known> _lists;  // of classes by namespace in upper case; of namespaces by no name
 };
 
 #endif

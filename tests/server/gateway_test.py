@@ -134,6 +134,16 @@ class GatewayTest(ServerCase):
                 self.assertEqual(cut.error, 1, "the interop namespace is the gateway's own")
                 self.assertIn(b"root/interop:T_C.", cut.body)
 
+    def test_a_namespace_that_is_nowhere_is_asked_for_once_in_a_while(self):
+        behind = self.serve("--no-live", "-m", self.write("a.mof", MODEL % "a"))
+        gateway = self.serve("--no-live", "--server", behind.url)
+        for operation, more in (("EnumerateClassNames", {}), ("GetClass", {"ClassName": "T_A"}),
+                                ("EnumerateInstances", {"ClassName": "T_A"}), ("EnumerateClassNames", {})):
+            self.assertEqual(self.call(gateway, operation, "root/none", **more).error, 3, operation)
+        self.assertEqual(self.call(gateway, "EnumerateInstanceNames", ClassName="T_A").error, 0)
+        asked = [line["operation"] for line in behind.log() if line.get("namespace") == "root/none"]
+        self.assertEqual(asked, ["EnumerateClassNames"])
+
     def test_a_path_with_the_host_of_a_server_is_of_that_server(self):
         behind, gateway = self.serve_two(TWINS % (1, "first"), TWINS % (100, "second"))
         client = self.client(gateway)

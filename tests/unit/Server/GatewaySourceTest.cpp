@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
+#include "Cimom/Embedded/ManagerScope.h"
 #include "Cimom/Server/GatewaySource.h"
 #include "cimom/CQoriInstanceName.h"
 #include "cimom/CQoriProviderException.h"
@@ -24,7 +25,8 @@ class CountingSource final : public OuterSource {
   std::vector<QORString> nameSpaces() override { return ask(), std::vector<QORString>{"root/far"}; }
   bool provideClass(CimDeclarationSink&, const QORString&, const QORString&) override { return ask(), false; }
   void provideQualifiers(CimDeclarationSink&, const QORString&) override { ask(); }
-  std::vector<QORString> classNames(const QORString&) override { return ask(), std::vector<QORString>{"A"}; }
+  std::vector<QORString> classNames(const QORString&) override { return ask(), names; }
+  void forgetLists() override { ++forgotten; }
   Objects instances(CimDeclarationSink&, const Request&) override { return ask(), Objects(); }
   QORSmrPtr<IQoriObject> instance(CimDeclarationSink&, const Request&, const IQoriInstanceName&) override {
     return ask(), QORSmrPtr<IQoriObject>();
@@ -34,6 +36,8 @@ class CountingSource final : public OuterSource {
     return ask(), Objects();
   }
 
+  std::vector<QORString> names{"A"};
+  std::atomic<int> forgotten = 0;
   std::atomic<int> begun = 0;
   std::atomic<int> asked = 0;
   std::atomic<bool> wasTogether = false;
@@ -52,7 +56,7 @@ class CountingSource final : public OuterSource {
 class Gateway : public ::testing::Test {
  protected:
   const std::shared_ptr<CountingSource> source = std::make_shared<CountingSource>();
-  GatewaySource gateway{source};
+  GatewaySource gateway{source, std::chrono::milliseconds(0)};
   EmbeddedObjectManager manager;
   CimDeclarationSink& sink = manager.sink();
   const QORSmrPtr<IQoriInstanceName> name{new CQoriInstanceName(
@@ -164,6 +168,39 @@ TEST_F(Gateway, TheServersAndTheirNamespacesAreTold) {
   EXPECT_EQ(gateway.serverNames(), std::vector<std::string>{"one"});
   EXPECT_EQ(gateway.nameSpaces(), std::vector<QORString>{"root/far"});
   EXPECT_EQ(source->asked, 1);
+}
+
+TEST_F(Gateway, ListsAreAskedForOnceInAWhileAlsoThoseOfNothing) {
+  GatewaySource patient(source, std::chrono::hours(1));
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(patient.classNames("root/cimv2"), std::vector<QORString>{"A"});
+    EXPECT_EQ(patient.nameSpaces(), std::vector<QORString>{"root/far"});
+    EXPECT_EQ(patient.classNames("ROOT/cimv2"), std::vector<QORString>{"A"});
+  }
+  EXPECT_EQ(source->asked, 2);
+  source->names.clear();
+  EXPECT_TRUE(patient.classNames("root/none").empty());
+  EXPECT_TRUE(patient.classNames("root/None").empty());
+  EXPECT_EQ(source->asked, 3);
+  EXPECT_TRUE(gateway.classNames("root/none").empty());
+  source->names = {"B"};
+  EXPECT_EQ(gateway.classNames("root/none"), std::vector<QORString>{"B"}) << "its time is over";
+  EXPECT_EQ(source->forgotten, 5) << "what a source remembers itself is no answer";
+}
+
+TEST_F(Gateway, AClassThatIsNowhereAnyMoreIsToldInTheLog) {
+  std::vector<std::string> told;
+  manager.setLogSink([&](const QORString&, const QORString& message, QORuint32) { told.emplace_back(message.view()); },
+                     QoriTraceLog::kWarning);
+  const ManagerScope scope(manager);
+  source->names = {"A", "B"};
+  gateway.classNames("root/cimv2");
+  source->names = {"C", "a"};
+  gateway.classNames("root/cimv2");
+  gateway.classNames("root/cimv2");
+  manager.setLogSink({}, QoriTraceLog::kFatal);
+  EXPECT_EQ(told, std::vector<std::string>{"class ROOT/CIMV2:B is on none of the other servers any more: what is known "
+                                           "of it stays until everything is read anew"});
 }
 
 TEST_F(Gateway, InteropNamespacesAreNotAskedFor) {
