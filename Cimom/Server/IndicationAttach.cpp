@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "Cimom/CimXml/CimXmlException.h"
+#include "Cimom/Embedded/ManagerScope.h"
 #include "Cimom/Server/IndicationClasses.h"
 #include "Cimom/Server/IndicationState.h"
 #include "Cimom/Server/QueueProvider.h"
@@ -61,31 +62,79 @@ void IndicationService::State::createService(EmbeddedObjectManager& manager) con
   manager.createInstance(kSubscriptionSpace, service);
 }
 
-void IndicationService::State::attach(const std::shared_ptr<EmbeddedObjectManager>& manager) {
-  const std::lock_guard turn(_managerMutex);
-  try {
-    _writer.restore(*manager, [](const std::string& path, const std::string& reason) {
+// What is read stands beside what is served until it is taken.
+class IndicationService::State::Reading final : public ServerEvents::Attachment {
+ public:
+  Reading(std::shared_ptr<State> state, std::shared_ptr<EmbeddedObjectManager> manager)
+      : _state(std::move(state)), _turn(_state->_managerMutex), _manager(std::move(manager)) {}
+
+  void read() {
+    const ManagerScope scope(*_manager);
+    _state->_writer.restore(*_manager, [](const std::string& path, const std::string& reason) {
       tellOfIndications("the stored instance " + path + " does not fit any more: " + reason);
     });
-  } catch (const QoriBaseException& fault) {
-    tellOfIndications(std::string(fault.getMessage().view()));
+    for (const char* className : {kFilterClass, kHandlerClass, kSubscriptionClass}) {
+      for (const Object& object : instancesOf(*_manager, className)) readOne(*object);
+    }
+    for (const Object& service : instancesOf(*_manager, kIndicationServiceClass)) _retries = retriesOf(*service);
   }
-  const std::lock_guard lock(_mutex);
-  _manager = manager;
-  _indications.clear();
-  const std::unique_ptr<SubscriptionTable> before = std::exchange(_table, std::make_unique<SubscriptionTable>());
-  for (const char* className : {kFilterClass, kHandlerClass, kSubscriptionClass, kIndicationServiceClass}) {
-    for (const Object& object : instancesOf(*manager, className)) apply({{}, object});
+
+  void take() noexcept override {
+    const std::lock_guard lock(_state->_mutex);
+    _state->_manager = _manager;
+    _state->_indications.clear();
+    _table->continueFrom(*_state->_table);
+    _table.swap(_state->_table);
+    _state->use(_retries);
+    takeChannels();
+    _state->forgetQueues(*_manager);
+    _state->_table->takeChanges();
+    _state->_filters.reset();
   }
-  _table->continueFrom(*before);
-  std::vector<std::string> gone;
-  for (const auto& [path, channel] : _channels) {
-    if (_table->findHandler(path) == nullptr) gone.push_back(path);
+
+ private:
+  // What was refused when a client wrote it is not here; what a MOF text declares, or does not fit a new one, may be
+  // wrong.
+  void readOne(const IQoriObject& object) {
+    try {
+      if (isSubscriptionOf(object, kFilterClass)) return _table->put(readFilter(object));
+      if (isSubscriptionOf(object, kSubscriptionClass)) return _table->put(readSubscription(object));
+      _table->put(readDestination(object));
+    } catch (const QoriBaseException& refusal) {
+      return tellOfIndications(pathOf(object) + " is not in force: " + refusal.what());
+    }
+    const ListenerDestination& destination = *_table->findHandler(pathOf(object));
+    if (!_state->hasChannel(destination.path)) _channels.insert(_state->makeChannel(destination));
+    _urls.emplace(destination.path, destination.url);
   }
-  for (const std::string& path : gone) retire(path);
-  forgetQueues(*manager);
-  _table->takeChanges();
-  _filters.reset();
+
+  // A sequence goes on where it was.
+  void takeChannels() noexcept {
+    for (auto channel = _state->_channels.begin(); channel != _state->_channels.end();) {
+      const std::string& path = (channel++)->first;
+      if (_state->_table->findHandler(path) == nullptr) _state->retire(path);
+    }
+    for (auto& [path, url] : _urls) {
+      const auto known = _state->_channels.find(path);
+      if (known != _state->_channels.end()) known->second.listener->redirect(std::move(url));
+    }
+    while (!_channels.empty()) _state->open(_channels.extract(_channels.begin()));
+  }
+
+  const std::shared_ptr<State> _state;
+  const std::unique_lock<std::mutex> _turn;
+  const std::shared_ptr<EmbeddedObjectManager> _manager;
+  std::unique_ptr<SubscriptionTable> _table = std::make_unique<SubscriptionTable>();
+  Channels _channels;
+  std::map<std::string, std::string> _urls;  // by the handler's path
+  Retries _retries;
+};
+
+std::unique_ptr<ServerEvents::Attachment> IndicationService::State::read(
+    const std::shared_ptr<EmbeddedObjectManager>& manager) {
+  auto reading = std::make_unique<Reading>(shared_from_this(), manager);
+  reading->read();
+  return reading;
 }
 
 // What was refused when it was written is not here; what a MOF text declares, or does not fit a new one, may be wrong.
@@ -112,26 +161,42 @@ void IndicationService::State::applyRemoval(const IQoriObject& before) {
 }
 
 void IndicationService::State::applyObject(const IQoriObject& after) {
-  if (isSubscriptionOf(after, kIndicationServiceClass)) return readService(after);
+  if (isSubscriptionOf(after, kIndicationServiceClass)) return use(retriesOf(after));
   if (!isSubscriptionClass(after.getNameSpace(), after.getClassName())) return;
   if (isSubscriptionOf(after, kFilterClass)) return _table->put(readFilter(after));
   if (isSubscriptionOf(after, kSubscriptionClass)) return _table->put(readSubscription(after));
   const ListenerDestination destination = readDestination(after);
-  open(destination);
+  const auto known = _channels.find(destination.path);
+  if (known == _channels.end()) {
+    open(makeChannel(destination));
+  } else {
+    known->second.listener->redirect(destination.url);
+  }
   _table->put(destination);
 }
 
-void IndicationService::State::readService(const IQoriObject& service) {
+IndicationService::State::Retries IndicationService::State::retriesOf(const IQoriObject& service) {
   const QORSmrPtr<IQoriValue> attempts(valueOf(service, "DeliveryRetryAttempts"));
   const QORSmrPtr<IQoriValue> interval(valueOf(service, "DeliveryRetryInterval"));
-  if (!attempts.IsNull()) _retryAttempts = attempts->getUint32();
-  if (!interval.IsNull()) _retryInterval = interval->getUint32();
+  Retries retries;
+  if (!attempts.IsNull()) retries.attempts = attempts->getUint32();
+  if (!interval.IsNull()) retries.interval = interval->getUint32();
+  return retries;
+}
+
+void IndicationService::State::use(const Retries& retries) noexcept {
+  _retryAttempts = retries.attempts.value_or(_retryAttempts);
+  _retryInterval = retries.interval.value_or(_retryInterval);
+}
+
+bool IndicationService::State::hasChannel(const std::string& handler) const {
+  const std::lock_guard lock(_mutex);
+  return _channels.contains(handler);
 }
 
 // A sequence goes on where it was, also in the next process.
-void IndicationService::State::open(const ListenerDestination& destination) {
-  const auto found = _channels.find(destination.path);
-  if (found != _channels.end()) return found->second.listener->redirect(destination.url);
+IndicationService::State::Channels::node_type IndicationService::State::makeChannel(
+    const ListenerDestination& destination) {
   const ServerStore::Listener kept =
       _store.listener(destination.path, _options.origin.series + "listener-" + std::to_string(++_contexts));
   Channel channel;
@@ -139,13 +204,23 @@ void IndicationService::State::open(const ListenerDestination& destination) {
   channel.next = kept.next;
   channel.listener = std::make_unique<IndicationListener>(_store, _options.makeTransport, *this, destination.path,
                                                           destination.url, kept.id);
-  if (kept.queued > 0) channel.listener->wake(kept.queued);
-  _channels.emplace(destination.path, std::move(channel));
+  channel.kept = kept.queued;
+  Channels made;
+  made.emplace(destination.path, std::move(channel));
+  return made.extract(made.begin());
+}
+
+// The one that is there stays.
+void IndicationService::State::open(Channels::node_type channel) noexcept {
+  const auto opened = _channels.insert(std::move(channel));
+  if (opened.inserted && opened.position->second.kept > 0) {
+    opened.position->second.listener->wake(opened.position->second.kept);
+  }
 }
 
 // Of listeners that nothing declares any more. Those that are declared wrongly, and those of stored instances that do
 // not fit, are kept for when they are mended.
-void IndicationService::State::forgetQueues(const EmbeddedObjectManager& manager) {
+void IndicationService::State::forgetQueues(const EmbeddedObjectManager& manager) noexcept {
   try {
     std::set<std::string> kept;
     for (const Object& handler : instancesOf(manager, kHandlerClass)) kept.insert(pathOf(*handler));
@@ -160,19 +235,31 @@ void IndicationService::State::forgetQueues(const EmbeddedObjectManager& manager
       tellOfIndications("the listener " + path + " is declared no more: its queue is forgotten");
     }
   } catch (const QoriBaseException& fault) {
-    tellOfIndications(std::string(fault.getMessage().view()));
+    tellOfIndications(fault);
+  } catch (const std::exception&) {
+    // They are forgotten the next time.
+    return;
   }
 }
 
-// Somebody else waits for its thread.
-void IndicationService::State::retire(const std::string& handler) {
+// Somebody else waits for its thread, which may want the lock that is held here; when there is nobody, the next who
+// comes.
+void IndicationService::State::retire(const std::string& handler) noexcept {
   const auto found = _channels.find(handler);
   if (found == _channels.end()) return;
-  std::shared_ptr<IndicationListener> listener = std::move(found->second.listener);
-  listener->stop();
-  _channels.erase(found);
-  // The job holds it alone: whoever ends it last waits for its thread, which may want the lock that is held here.
-  _janitor.add([kept = std::move(listener)] {});
+  found->second.listener->stop();
+  _retired.insert(_channels.extract(found));
+  try {
+    _janitor.add([this] { endRetired(); });
+  } catch (const std::exception&) {
+    return;
+  }
+}
+
+void IndicationService::State::endRetired() noexcept {
+  std::multimap<std::string, Channel> ended;
+  const std::lock_guard lock(_mutex);
+  ended.swap(_retired);
 }
 
 std::vector<QueueRow> IndicationService::State::queueRows() {

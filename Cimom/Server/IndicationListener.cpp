@@ -53,12 +53,12 @@ void IndicationListener::forget(std::int64_t removed) {
   _changed.notify_all();
 }
 
-void IndicationListener::redirect(const std::string& url) {
+void IndicationListener::redirect(std::string url) noexcept {
   const std::lock_guard lock(_mutex);
   // Where nothing changes nobody is woken, who would take that for one more attempt.
   if (_url == url) return;
   ++_changes;
-  _url = url;
+  _url.swap(url);
   _changed.notify_all();
 }
 

@@ -58,7 +58,7 @@ class IndicationListener {
   // Others have taken so many out of the store.
   void forget(std::int64_t removed);
   std::int64_t waiting() const noexcept { return _waiting; }
-  void redirect(const std::string& url);
+  void redirect(std::string url) noexcept;
   // Without waiting for it; the destructor waits.
   void stop() noexcept;
   Numbers numbers() const;

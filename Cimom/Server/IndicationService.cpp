@@ -50,7 +50,10 @@ IndicationService::~IndicationService() { _state->stop(); }
 
 void IndicationService::prepare(EmbeddedObjectManager& manager) { _state->prepare(manager); }
 
-void IndicationService::attach(const std::shared_ptr<EmbeddedObjectManager>& manager) { _state->attach(manager); }
+std::unique_ptr<ServerEvents::Attachment> IndicationService::read(
+    const std::shared_ptr<EmbeddedObjectManager>& manager) {
+  return _state->read(manager);
+}
 
 InstanceWriter& IndicationService::writer() noexcept { return _state->writer(); }
 

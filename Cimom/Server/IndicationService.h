@@ -21,7 +21,7 @@ class IndicationService final : public ServerEvents {
   ~IndicationService() override;
 
   void prepare(EmbeddedObjectManager& manager) override;
-  void attach(const std::shared_ptr<EmbeddedObjectManager>& manager) override;
+  std::unique_ptr<Attachment> read(const std::shared_ptr<EmbeddedObjectManager>& manager) override;
   InstanceWriter& writer() noexcept override;
   void publish(const std::vector<QORSmrPtr<IQoriObject>>& indications, const QORString& nameSpace) override;
   std::unique_ptr<ServerReply> takeExport(const ServerCall& call) override;

@@ -32,6 +32,15 @@ void tellOfIndications(const std::string& line, QoriTraceLog::Severity severity)
   QORLog::log("Indications", QORString(line), severity, QoriTraceLog::kNormal, 0, QORLog::CIMOMLOG);
 }
 
+void tellOfIndications(const QoriBaseException& fault) noexcept {
+  try {
+    tellOfIndications(std::string(fault.getMessage().view()));
+  } catch (const std::exception&) {
+    // There is no memory to tell with.
+    return;
+  }
+}
+
 IndicationService::State::State(ServerStore& store, IndicationOptions options)
     : _store(store), _options(std::move(options)), _writer(store, this) {}
 
@@ -39,12 +48,13 @@ IndicationService::State::~State() { stop(); }
 
 void IndicationService::State::stop() noexcept {
   _janitor.stop();
-  std::map<std::string, Channel> channels;
+  Channels channels;
   {
     const std::lock_guard lock(_mutex);
     channels.swap(_channels);
     for (auto& [path, channel] : channels) channel.listener->stop();
   }
+  endRetired();
 }
 
 void IndicationService::State::beforeCreate(EmbeddedObjectManager& manager, const QORString& nameSpace,

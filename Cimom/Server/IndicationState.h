@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <shared_mutex>
 #include <string>
 #include <vector>
@@ -22,6 +23,7 @@
 
 // One line of the object manager's log.
 void tellOfIndications(const std::string& line, QoriTraceLog::Severity severity = QoriTraceLog::kWarning);
+void tellOfIndications(const QoriBaseException& fault) noexcept;
 
 // Locks are taken in this order: the writer's, the table's (_mutex), the store's. The threads of listeners take the
 // table's lock without holding another.
@@ -38,7 +40,7 @@ class IndicationService::State final : public WriteObserver,
   void stop() noexcept;
   const IndicationOrigin& origin() const noexcept { return _options.origin; }
   void prepare(EmbeddedObjectManager& manager);
-  void attach(const std::shared_ptr<EmbeddedObjectManager>& manager);
+  std::unique_ptr<ServerEvents::Attachment> read(const std::shared_ptr<EmbeddedObjectManager>& manager);
   StoredInstanceWriter& writer() noexcept { return _writer; }
   void publish(const std::vector<QORSmrPtr<IQoriObject>>& indications, const QORString& nameSpace);
   ServerEvents::FilterNews filtersSince(QORuint64 version) const;
@@ -61,6 +63,7 @@ class IndicationService::State final : public WriteObserver,
   std::vector<QueueRow> queueRows();
 
  private:
+  class Reading;
   using Object = QORSmrPtr<IQoriObject>;
   using Time = std::chrono::steady_clock::time_point;
 
@@ -70,6 +73,7 @@ class IndicationService::State final : public WriteObserver,
     std::string context;
     std::int64_t next = 0;
     std::int64_t dropped = 0;  // since it was told last
+    std::int64_t kept = 0;     // what waited in the store when it was made
   };
   // What a change of the store does to the sequences once it is committed.
   struct Advance {
@@ -78,6 +82,7 @@ class IndicationService::State final : public WriteObserver,
     std::int64_t dropped = 0;
   };
   using Advances = std::map<Channel*, Advance>;
+  using Channels = std::map<std::string, Channel>;  // by the handler's path
 
   void queue(ServerStore::Change& kept, const Object& indication, const QORString& nameSpace, Advances& advances);
   static void keep(ServerStore::Change& kept, const Advances& advances);
@@ -86,16 +91,25 @@ class IndicationService::State final : public WriteObserver,
   void apply(const InstanceChange& change);
   void applyRemoval(const IQoriObject& before);
   void applyObject(const IQoriObject& after);
-  void open(const ListenerDestination& destination);
-  void retire(const std::string& handler);
-  void forgetQueues(const EmbeddedObjectManager& manager);
+  Channels::node_type makeChannel(const ListenerDestination& destination);
+  void open(Channels::node_type channel) noexcept;
+  void retire(const std::string& handler) noexcept;
+  void endRetired() noexcept;
+  void forgetQueues(const EmbeddedObjectManager& manager) noexcept;
   // What goes with a change of a subscription or a listener.
   struct Discarded {
     Channel* channel = nullptr;
     std::int64_t count = 0;
   };
   Discarded keepQueues(ServerStore::Change& kept, const InstanceChange& change);
-  void readService(const IQoriObject& service);
+  // What an instance of the service says.
+  struct Retries {
+    std::optional<unsigned> attempts;
+    std::optional<unsigned> interval;
+  };
+  static Retries retriesOf(const IQoriObject& service);
+  void use(const Retries& retries) noexcept;
+  bool hasChannel(const std::string& handler) const;
   void createService(EmbeddedObjectManager& manager) const;
   void act(const Subscription& subscription, bool isTransient);
   void removeAll(EmbeddedObjectManager& manager, const std::string& handler);
@@ -111,13 +125,14 @@ class IndicationService::State final : public WriteObserver,
   std::shared_mutex _watcherMutex;  // taken without any other; shared by those that wait for the watcher
   std::function<void()> _watcher;
 
-  std::mutex _managerMutex;  // the janitor's jobs and attach() take turns
+  std::mutex _managerMutex;  // the janitor's jobs and who attaches take turns
   std::shared_ptr<EmbeddedObjectManager> _manager;
 
   mutable std::mutex _mutex;                                                          // guards what follows
   std::unique_ptr<SubscriptionTable> _table = std::make_unique<SubscriptionTable>();  // never null
   FilterLog _filters;
-  std::map<std::string, Channel> _channels;                          // by the handler's path
+  Channels _channels;
+  std::multimap<std::string, Channel> _retired;                      // stopped, until somebody has waited for them
   std::map<std::string, Time> _failing;                              // subscriptions, and since when
   std::map<std::string, std::unique_ptr<Indications>> _indications;  // by namespace, of the object manager
   ServiceJanitor _janitor;

@@ -36,9 +36,20 @@ class ServerEvents {
 
   // Declares the classes of subscriptions in an object manager that nobody else uses yet. THROWS QoriBaseException.
   virtual void prepare(EmbeddedObjectManager& manager) = 0;
-  // Puts what clients wrote over what a prepared object manager has, which is the process's own by now, and serves the
-  // subscriptions that it has then. What does not fit is logged. Throws nothing but std::bad_alloc.
-  virtual void attach(const std::shared_ptr<EmbeddedObjectManager>& manager) = 0;
+  // What an object manager has of subscriptions, read and ready to be served. Without take() nothing has changed.
+  class Attachment {
+   public:
+    virtual ~Attachment() = default;
+    // Serves these subscriptions in the place of those before. REQUIRES the object manager to be the process's own by
+    // now. Once.
+    virtual void take() noexcept = 0;
+  };
+  // Puts what clients wrote over what a prepared object manager has, which nobody else uses yet, and reads the
+  // subscriptions that it has then. What does not fit is logged. The thread that has it ends it; one at a time. THROWS
+  // std::bad_alloc, and CimStatusException, status 1, when the store fails.
+  virtual std::unique_ptr<Attachment> read(const std::shared_ptr<EmbeddedObjectManager>& manager) = 0;
+  // Both at once.
+  void attach(const std::shared_ptr<EmbeddedObjectManager>& manager) { read(manager)->take(); }
 
   virtual InstanceWriter& writer() noexcept = 0;
 

@@ -165,28 +165,19 @@ class ServerRun {
     const ServeOptions options = withConfiguration(_given);
     const std::shared_ptr<Session> session = openSession(options);
     const std::shared_ptr<HttpService> service = makeService(options);
-    // What can be refused comes first, and then what cannot.
+    // What can be refused comes first, and then what cannot. What is being answered goes on to ask the one before.
     const auto takeOverAll = [&] {
+      std::unique_ptr<ServerEvents::Attachment> subscriptions;
+      if (_events != nullptr) subscriptions = _events->read(managerOf(session));
       _server->reload(httpOptionsOf(options).limits, service);
-      takeOver(session);
+      session->takeOver();
+      if (subscriptions != nullptr) subscriptions->take();
     };
     if (!_model->replace(managerOf(session), takeOverAll, kPatience)) {
       throw std::runtime_error("what clients write does not come to its end");
     }
     _drainSeconds = static_cast<unsigned>(limitOf(options, "drain"));
     tellOfKept(options);
-  }
-
-  // What is being answered goes on to ask the one before.
-  void takeOver(const std::shared_ptr<Session>& session) {
-    const ServerModel::Manager before = _model->lease();
-    session->takeOver();
-    try {
-      if (_events != nullptr) _events->attach(managerOf(session));
-    } catch (...) {
-      before->makeCurrent();
-      throw;
-    }
   }
 
   // Those of the settings that hold from the start to the end.
