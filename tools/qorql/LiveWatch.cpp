@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <chrono>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "Cimom/Embedded/InstanceProvider.h"
 #include "Cimom/Providers/LinuxValues.h"
@@ -86,17 +88,20 @@ void LiveWatch::continueFrom(const LiveWatch& before, const Take& take, const Re
 }
 
 void LiveWatch::beginAll(const LiveWatch* before, const Take& take, const Report& report) {
-  const bool isAlone = _watched.size() == 1;
+  std::vector<std::pair<QORString, CQoriProviderException>> absences;
   std::erase_if(_watched, [&](Watched& watched) {
     try {
       begin(watched, before == nullptr ? nullptr : before->find(watched.className), take, report);
     } catch (const CQoriProviderException& failure) {
-      if (isAlone || failure.getCode() != InstanceProvider::kNoSource) throw;
-      report(watched.className, failure);
+      if (failure.getCode() != InstanceProvider::kNoSource) throw;
+      absences.emplace_back(watched.className, failure);
       return true;
     }
     return false;
   });
+  // Whoever watches nothing waits for what cannot come.
+  if (_watched.empty() && !absences.empty()) throw CQoriProviderException(absences.front().second);
+  for (const auto& [className, absence] : absences) report(className, absence);
 }
 
 // Where both look at the same the last look is taken over, which spares one.

@@ -24,7 +24,7 @@ class LiveWatch {
   LiveWatch(EmbeddedObjectManager& manager, const QORString& nameSpace, const LiveDemand& demand);
 
   // Reads the instances to which the next look is compared. A class without its source on this machine is reported and
-  // no longer watched, unless it is the only one. THROWS what a provider throws.
+  // no longer watched, unless there is no other one with its source. THROWS what a provider throws.
   void start(const Report& report);
   // The same, where another one has watched before. What that one saw last is compared with what there is now, or with
   // the next look: no change is lost between the two, of what both look at.

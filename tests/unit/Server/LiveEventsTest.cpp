@@ -10,6 +10,7 @@
 #include "LiveEvents.h"
 #include "PlayedListeners.h"
 #include "StoreFolder.h"
+#include "cimom/CQoriProviderException.h"
 
 namespace {
 
@@ -256,6 +257,36 @@ TEST(LiveWatch, AChangeOfWhichNoIndicationCanBeMadeIsReportedAndTheOthersAreTold
   watch.look(take, report);
   EXPECT_THAT(taken, ElementsAre(kInstCreation));
   EXPECT_EQ(failures, 1);
+}
+
+// Has no source on this machine.
+class AbsentProvider final : public InstanceProvider {
+ public:
+  explicit AbsentProvider(const char* className) : _className(className) {}
+  QORString getClassName() const override { return _className; }
+  void enumerate(const Request&, const Emit&) override {
+    throw CQoriProviderException(_className, QORString("no source of ") + _className, kNoSource);
+  }
+
+ private:
+  const QORString _className;
+};
+
+TEST(LiveWatch, ClassesWithoutTheirSourcesAreReportedWhereThereIsAnotherOneToWatch) {
+  EmbeddedObjectManager manager;
+  declareLive(manager, std::make_shared<LiveProvider>());
+  for (const char* const name : {"Gone", "Lost"}) {
+    manager.sink().declareClass(kSpace, classOf(name, "", {property("Name", CQoriType::string, {flag("Key")})}));
+    manager.registerProvider(kSpace, std::make_shared<AbsentProvider>(name));
+  }
+  const ManagerScope scope(manager);
+  std::vector<std::string> reported;
+  const auto report = [&](const QORString& name, const QoriBaseException&) { reported.emplace_back(name.view()); };
+  LiveWatch(manager, kSpace, {{kInstCreation}, {{"Gone", {}}, {"Live", {}}, {"Lost", {}}}}).start(report);
+  EXPECT_THAT(reported, ElementsAre("Gone", "Lost"));
+  LiveWatch nothing(manager, kSpace, {{kInstCreation}, {{"Gone", {}}, {"Lost", {}}}});
+  EXPECT_THROW(nothing.start(report), CQoriProviderException);
+  EXPECT_EQ(reported.size(), 2U) << "what is thrown is not reported besides";
 }
 
 }  // namespace
