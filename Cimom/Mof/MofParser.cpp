@@ -259,7 +259,7 @@ void MofParser::readPragma() {
   advance();
   const MofLocation at = here();
   if (_token.kind != Kind::String) fail("a string" + reads);
-  const std::string argument = _hasLostNameSpace ? readNameSpacePath() : readString();
+  const std::string argument = _hasLostNameSpace ? readNameSpacePath() : std::string(readString());
   if (!isSymbol(')')) fail("\")\"" + reads);
   _pragma = std::string_view::npos;
   // The included file is read first: the next token comes after its content.
@@ -343,27 +343,29 @@ MofValueSyntax MofParser::readInitializer(QORuint32 depth) {
   return isSymbol('{') ? readArray(depth) : readValue(depth);
 }
 
-MofValueSyntax MofParser::readArray(QORuint32 depth) {
+MofValueSyntax MofParser::readArray(QORuint32 depth, QORSlabs* slabs) {
   MofValueSyntax array;
   array.kind = MofValueSyntax::Kind::Array;
   array.at = here();
   advance();
   if (takeSymbol('}')) return array;
+  MofListReader<MofValueSyntax> elements(_elements);
   do {
-    array.elements.push_back(readValue(depth));
+    elements.add(readValue(depth, slabs));
   } while (takeSymbol(','));
   if (!isSymbol('}')) fail("\",\" or \"}\"");
   advance();
+  array.elements = elements.take();
   return array;
 }
 
-MofValueSyntax MofParser::readValue(QORuint32 depth) {
+MofValueSyntax MofParser::readValue(QORuint32 depth, QORSlabs* slabs) {
   MofValueSyntax value;
   value.at = here();
   switch (_token.kind) {
     case Kind::String:
       value.kind = MofValueSyntax::Kind::Text;
-      value.text = QORString(std::string_view(readString()));
+      value.text = slabs == nullptr ? QORString(readString()) : QORString(readString(), *slabs);
       return value;
     case Kind::Number:
       value = readMofNumber(textOf(_token), here());
@@ -401,11 +403,11 @@ MofValueSyntax MofParser::readWordValue(QORuint32 depth) {
   return value;
 }
 
-std::string MofParser::readString() {
-  std::string text;
+std::string_view MofParser::readString() {
+  _string.clear();
   while (_token.kind == Kind::String) {
-    appendMofString(textOf(_token), here(), text);
+    appendMofString(textOf(_token), here(), _string);
     advance();
   }
-  return text;
+  return _string;
 }

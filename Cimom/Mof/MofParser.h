@@ -112,10 +112,12 @@ class MofParser {
   std::unique_ptr<MofInstanceSyntax> readInstance(QORuint32 depth);
   MofPropertySyntax readInstanceProperty(QORuint32 depth);
   MofValueSyntax readInitializer(QORuint32 depth);
-  MofValueSyntax readArray(QORuint32 depth);
-  MofValueSyntax readValue(QORuint32 depth);
+  // Texts are made in memory of the slabs, if any.
+  MofValueSyntax readArray(QORuint32 depth, QORSlabs* slabs = nullptr);
+  MofValueSyntax readValue(QORuint32 depth, QORSlabs* slabs = nullptr);
   MofValueSyntax readWordValue(QORuint32 depth);
-  std::string readString();
+  // BORROWS: until the next one is read.
+  std::string_view readString();
 
   const MofSource& _source;
   MofDocument& _document;
@@ -131,6 +133,10 @@ class MofParser {
   // A string over several lines in the current statement. After a fault it is
   // taken for one whose closing quote is missing.
   MofToken _longString;
+  std::string _string;  // the one read last; its room serves the next one
+  // Elements and qualifiers of the lists that are being read.
+  std::vector<MofValueSyntax> _elements;
+  std::vector<MofQualifierSyntax> _qualifiers;
   // The declaration being read, as far as it is known.
   QORString _className;
   QORString _alias;

@@ -99,14 +99,14 @@ void MofParser::refuseFlavor() {
 }
 
 std::vector<MofQualifierSyntax> MofParser::readQualifiers() {
-  std::vector<MofQualifierSyntax> qualifiers;
-  if (!takeSymbol('[')) return qualifiers;
+  if (!takeSymbol('[')) return {};
+  MofListReader<MofQualifierSyntax> qualifiers(_qualifiers);
   do {
-    qualifiers.push_back(readQualifier());
+    qualifiers.add(readQualifier());
   } while (takeSymbol(','));
   if (!isSymbol(']')) fail("\",\" or \"]\"");
   advance();
-  return qualifiers;
+  return qualifiers.take();
 }
 
 MofQualifierSyntax MofParser::readQualifier() {
@@ -114,11 +114,11 @@ MofQualifierSyntax MofParser::readQualifier() {
   qualifier.name = expectName("the name of a qualifier");
   if (takeSymbol('(')) {
     qualifier.hasValue = true;
-    qualifier.value = readValue(0);
+    qualifier.value = readValue(0, &_document.texts);
     expectSymbol(')');
   } else if (isSymbol('{')) {
     qualifier.hasValue = true;
-    qualifier.value = readArray(0);
+    qualifier.value = readArray(0, &_document.texts);
   }
   if (takeSymbol(':')) {
     if (!takeFlavor(qualifier.flavors)) refuseFlavor();

@@ -170,7 +170,7 @@ void MofQualifiers::declare(const MofQualifierDeclarationSyntax& syntax) {
     declaration.arraySize = syntax.arraySize;
     declaration.scopes = syntax.scopes;
     if (syntax.hasDefault) {
-      declaration.defaultValue = makeMofValue(syntax.defaultValue, *type, syntax.isArray, syntax.arraySize);
+      declaration.defaultValue = makeMofValue(syntax.defaultValue, *type, syntax.isArray, syntax.arraySize, _values);
     }
     applyFlavors(syntax.flavors, declaration);
     _sink.declareQualifier(syntax.nameSpace, declaration);
@@ -236,7 +236,7 @@ bool MofQualifiers::resolve(const QORString& nameSpace, const std::vector<MofQua
   return isSound;
 }
 
-CimQualifier MofQualifiers::resolve(const Meaning& meaning, const MofQualifierSyntax& syntax) const {
+CimQualifier MofQualifiers::resolve(const Meaning& meaning, const MofQualifierSyntax& syntax) {
   CimQualifier qualifier;
   qualifier.name = syntax.name.text;
   qualifier.toSubclass = meaning.toSubclass;
@@ -247,7 +247,7 @@ CimQualifier MofQualifiers::resolve(const Meaning& meaning, const MofQualifierSy
   const bool isFlag = type.kind == MofType::Kind::Boolean;
   if (syntax.hasValue) {
     const bool isArray = meaning.type != nullptr ? meaning.isArray : syntax.value.kind == MofValueSyntax::Kind::Array;
-    qualifier.value = makeMofValue(syntax.value, type, isArray, -1);
+    qualifier.value = makeMofValue(syntax.value, type, isArray, -1, _values);
     // A flag without value is set, one whose value is NULL is not.
     if (isFlag && !isArray && qualifier.value.IsNull()) {
       MofValueSyntax unset;

@@ -42,11 +42,12 @@ class MofQualifiers {
   std::string placeOfEarlier(const MofQualifierDeclarationSyntax& syntax) const;
   MofNameMap<Meaning>& meaningsIn(const QORString& nameSpace);
   const Meaning& meaningOf(const QORString& nameSpace, const QORString& name, MofNameMap<Meaning>& known);
-  CimQualifier resolve(const Meaning& meaning, const MofQualifierSyntax& syntax) const;
+  CimQualifier resolve(const Meaning& meaning, const MofQualifierSyntax& syntax);
   static void checkScope(const Meaning& meaning, const MofQualifierSyntax& syntax, Element element);
 
   CimDeclarationSink& _sink;
   MofReport& _report;
+  QORSlabs _values;                                        // they live as long as their classes
   MofNameMap<MofNameMap<Meaning>> _meanings;               // by namespace and name
   std::unordered_map<std::string, MofLocation> _declared;  // likewise, folded; in this load
 };

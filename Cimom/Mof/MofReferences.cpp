@@ -114,7 +114,7 @@ IQoriValue::Pointer MofValues::makeReference(const MofValueSyntax& value, const 
   }
   requireDerived(name->getNameSpacePath()->getNameSpace(), name->getClassName(), place.property.referenceClass,
                  value.at);
-  return IQoriValue::Pointer(new CQoriValue(name));
+  return IQoriValue::Pointer::Make<CQoriValue>(name);
 }
 
 QORSmrPtr<IQoriInstanceName> MofValues::nameOfAlias(const MofValueSyntax& value, const Place& place) {

@@ -5,11 +5,14 @@
 #define QORQL_MOF_MOFSYNTAX_H
 
 #include <array>
+#include <cstddef>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "Cimom/Mof/MofRows.h"
@@ -105,6 +108,29 @@ struct MofInstanceSyntax {
   std::vector<MofPropertySyntax> properties;
 };
 
+// A list that is being read. Its elements wait on a stack, which all lists of their kind share, so that the list itself
+// is allocated once, in its size. REQUIRES that lists are ended in the reverse order of their beginning.
+template <class Element>
+class MofListReader {
+ public:
+  explicit MofListReader(std::vector<Element>& stack) noexcept : _stack(stack), _start(stack.size()) {}
+  MofListReader(const MofListReader&) = delete;
+  MofListReader& operator=(const MofListReader&) = delete;
+  ~MofListReader() { _stack.erase(begin(), _stack.end()); }
+
+  void add(Element&& element) { _stack.push_back(std::move(element)); }
+  // Moves what was added.
+  std::vector<Element> take() {
+    return std::vector<Element>(std::make_move_iterator(begin()), std::make_move_iterator(_stack.end()));
+  }
+
+ private:
+  auto begin() const noexcept { return _stack.begin() + static_cast<std::ptrdiff_t>(_start); }
+
+  std::vector<Element>& _stack;
+  const std::size_t _start;
+};
+
 // Gives one string to the names that occur again and again in a load.
 class MofNamePool {
  public:
@@ -139,6 +165,7 @@ struct MofInstanceEntry {
 // addresses.
 struct MofDocument {
   MofNamePool names;
+  QORSlabs texts;  // of qualifiers, which live as long as their classes
   std::vector<std::unique_ptr<MofSource>> sources;
   std::vector<QORString> nameSpaces;
   std::vector<MofQualifierDeclarationSyntax> qualifiers;

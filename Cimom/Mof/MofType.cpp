@@ -46,7 +46,7 @@ IQoriValue::Pointer makeUnsigned(const MofValueSyntax& literal, const MofType& t
   if (literal.magnitude > greatest || (literal.flag && literal.magnitude != 0)) {
     refuseRange(literal, type, "0", std::to_string(greatest));
   }
-  return IQoriValue::Pointer(new CQoriValue(static_cast<unsigned long long>(literal.magnitude), type.scalar));
+  return IQoriValue::Pointer::Make<CQoriValue>(static_cast<unsigned long long>(literal.magnitude), type.scalar);
 }
 
 IQoriValue::Pointer makeSigned(const MofValueSyntax& literal, const MofType& type) {
@@ -56,7 +56,7 @@ IQoriValue::Pointer makeSigned(const MofValueSyntax& literal, const MofType& typ
   }
   // Negated without sign: the smallest number has no positive counterpart.
   const QORuint64 bits = literal.flag ? 0 - literal.magnitude : literal.magnitude;
-  return IQoriValue::Pointer(new CQoriValue(static_cast<long long>(bits), type.scalar));
+  return IQoriValue::Pointer::Make<CQoriValue>(static_cast<long long>(bits), type.scalar);
 }
 
 IQoriValue::Pointer makeReal(const MofValueSyntax& literal, const MofType& type) {
@@ -69,7 +69,7 @@ IQoriValue::Pointer makeReal(const MofValueSyntax& literal, const MofType& type)
   if (type.bits == 32 && (value > kGreatest || value < -kGreatest)) {
     refuseRange(literal, type, "-3.4028235e+38", "3.4028235e+38");
   }
-  return IQoriValue::Pointer(new CQoriValue(value, type.scalar));
+  return IQoriValue::Pointer::Make<CQoriValue>(value, type.scalar);
 }
 
 IQoriValue::Pointer makeChar(const MofValueSyntax& literal, const MofType& type) {
@@ -78,7 +78,7 @@ IQoriValue::Pointer makeChar(const MofValueSyntax& literal, const MofType& type)
     if (literal.flag || literal.magnitude > 0xFFFF) refuseRange(literal, type, "0", "65535");
     character = static_cast<char16_t>(literal.magnitude);
   }
-  return IQoriValue::Pointer(new CQoriValue(character, type.scalar));
+  return IQoriValue::Pointer::Make<CQoriValue>(character, type.scalar);
 }
 
 IQoriValue::Pointer makeDateTime(const MofValueSyntax& literal, const MofType& type) {
@@ -86,7 +86,7 @@ IQoriValue::Pointer makeDateTime(const MofValueSyntax& literal, const MofType& t
     throw MofFault{literal.at,
                    "malformed datetime \"" + std::string(literal.text.view().substr(0, 40)) + "\": " + fault};
   }
-  return IQoriValue::Pointer(new CQoriValue(literal.text, type.scalar));
+  return IQoriValue::Pointer::Make<CQoriValue>(literal.text, type.scalar);
 }
 
 }  // namespace
@@ -114,10 +114,10 @@ IQoriValue::Pointer makeMofScalar(const MofValueSyntax& literal, const MofType& 
       if (isInteger || literal.kind == Literal::Real) return makeReal(literal, type);
       break;
     case Kind::Boolean:
-      if (literal.kind == Literal::Boolean) return IQoriValue::Pointer(new CQoriValue(literal.flag, type.scalar));
+      if (literal.kind == Literal::Boolean) return IQoriValue::Pointer::Make<CQoriValue>(literal.flag, type.scalar);
       break;
     case Kind::Text:
-      if (literal.kind == Literal::Text) return IQoriValue::Pointer(new CQoriValue(literal.text));
+      if (literal.kind == Literal::Text) return IQoriValue::Pointer::Make<CQoriValue>(literal.text);
       break;
     case Kind::DateTime:
       if (literal.kind == Literal::Text) return makeDateTime(literal, type);
@@ -131,26 +131,45 @@ IQoriValue::Pointer makeMofScalar(const MofValueSyntax& literal, const MofType& 
   refuseMofKind(literal, type.getName());
 }
 
-IQoriValue::Pointer makeMofValue(const MofValueSyntax& value, const MofType& type, bool isArray, QORsint32 arraySize,
-                                 const MofElementMaker& makeElement) {
-  if (value.kind == MofValueSyntax::Kind::Null) return {};
-  if (!isArray) return makeElement(value);
+namespace {
+
+// Refuses what is no array, and one that has too many elements.
+void requireArray(const MofValueSyntax& value, const MofType& type, QORsint32 arraySize) {
   if (value.kind != MofValueSyntax::Kind::Array) refuseMofKind(value, type.getName() + "[]");
   if (arraySize >= 0 && value.elements.size() > static_cast<std::size_t>(arraySize)) {
     throw MofFault{value.at, "the array holds " + std::to_string(value.elements.size()) + " elements, at most " +
                                  std::to_string(arraySize) + " are declared"};
   }
+}
+
+IQoriValue::Pointer makeScalarIn(QORSlabs& slabs, const MofValueSyntax& literal, const MofType& type) {
+  const bool isText = literal.kind == MofValueSyntax::Kind::Text && type.kind == Kind::Text;
+  return isText ? IQoriValue::Pointer::MakeIn<CQoriValue>(slabs, literal.text) : makeMofScalar(literal, type);
+}
+
+}  // namespace
+
+IQoriValue::Pointer makeMofValue(const MofValueSyntax& value, const MofType& type, bool isArray, QORsint32 arraySize,
+                                 const MofElementMaker& makeElement) {
+  if (value.kind == MofValueSyntax::Kind::Null) return {};
+  if (!isArray) return makeElement(value);
+  requireArray(value, type, arraySize);
   QORSmrPtr<IQoriValue::List> elements(new IQoriValue::List());
   for (const MofValueSyntax& element : value.elements) {
     const bool isNull = element.kind == MofValueSyntax::Kind::Null;
     elements->append(isNull ? IQoriValue::Pointer() : makeElement(element));
   }
-  return IQoriValue::Pointer(new CQoriValue(elements, type.array));
+  return IQoriValue::Pointer::Make<CQoriValue>(elements, type.array);
 }
 
-IQoriValue::Pointer makeMofValue(const MofValueSyntax& value, const MofType& type, bool isArray, QORsint32 arraySize) {
-  return makeMofValue(value, type, isArray, arraySize,
-                      [&type](const MofValueSyntax& element) { return makeMofScalar(element, type); });
+IQoriValue::Pointer makeMofValue(const MofValueSyntax& value, const MofType& type, bool isArray, QORsint32 arraySize,
+                                 QORSlabs& slabs) {
+  if (value.kind == MofValueSyntax::Kind::Null) return {};
+  if (!isArray) return makeScalarIn(slabs, value, type);
+  requireArray(value, type, arraySize);
+  const auto elements = QORSmrPtr<IQoriValue::List>::Make();
+  for (const MofValueSyntax& element : value.elements) elements->append(makeScalarIn(slabs, element, type), slabs);
+  return IQoriValue::Pointer::Make<CQoriValue>(elements, type.array);
 }
 
 const char* describeMofValue(const MofValueSyntax& value) noexcept {

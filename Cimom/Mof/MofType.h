@@ -37,8 +37,9 @@ using MofElementMaker = std::function<IQoriValue::Pointer(const MofValueSyntax&)
 // (-1: any number). THROWS MofFault.
 IQoriValue::Pointer makeMofValue(const MofValueSyntax& value, const MofType& type, bool isArray, QORsint32 arraySize,
                                  const MofElementMaker& makeElement);
-// The same for types that are neither reference nor object.
-IQoriValue::Pointer makeMofValue(const MofValueSyntax& value, const MofType& type, bool isArray, QORsint32 arraySize);
+// The same for types that are neither reference nor object. Texts are made in memory of the slabs.
+IQoriValue::Pointer makeMofValue(const MofValueSyntax& value, const MofType& type, bool isArray, QORsint32 arraySize,
+                                 QORSlabs& slabs);
 
 // What kind of value it is, for messages: "a string", "an array", ...
 const char* describeMofValue(const MofValueSyntax& value) noexcept;

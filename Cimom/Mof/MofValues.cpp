@@ -143,7 +143,7 @@ IQoriValue::Pointer MofValues::makeObject(const MofInstanceSyntax& instance, con
   CimInstanceDeclaration declaration;
   if (!declare(instance, shape, place.depth + 1, declaration)) throw MofFault{};
   try {
-    return IQoriValue::Pointer(new CQoriValue(_sink.makeObject(instance.nameSpace, declaration)));
+    return IQoriValue::Pointer::Make<CQoriValue>(_sink.makeObject(instance.nameSpace, declaration));
   } catch (const QoriBaseException& refusal) {
     throw MofFault{instance.className.at, refusal.what()};
   }
@@ -171,5 +171,5 @@ IQoriValue::Pointer MofValues::makeClassObject(const MofClassSyntax& definition,
     throw MofFault{definition.name.at,
                    "found a class, expected an instance of " + textOf(place.property.embeddedClass)};
   }
-  return IQoriValue::Pointer(new CQoriValue(_makeClass(definition)));
+  return IQoriValue::Pointer::Make<CQoriValue>(_makeClass(definition));
 }

@@ -1,5 +1,6 @@
 // Loading as a whole: files, folders, includes, namespaces, transactions.
 // SPDX-License-Identifier: Apache-2.0
+#include <sys/prctl.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -172,6 +173,35 @@ TEST_F(MofLoad, LoadsEveryMofOfAFolderInTheOrderOfNames) {
   const auto instances = instancesOf("T");
   ASSERT_EQ(instances.size(), 2U);
   EXPECT_EQ(textOf(instances[0], "K"), "1");
+}
+
+// Files of the kernel's own tell a size of 0.
+TEST_F(MofLoad, ReadsAPlainFileWhoseSizeIsNotTold) {
+  char before[16] = {};
+  ASSERT_EQ(prctl(PR_GET_NAME, before), 0);
+  ASSERT_EQ(prctl(PR_SET_NAME, "class Told {};"), 0);
+  loadFiles({"/proc/thread-self/comm"});
+  prctl(PR_SET_NAME, before);
+  EXPECT_THAT(_manager.classNames("root/cimv2"), ElementsAre(QORString("Told")));
+}
+
+// The space that a string, a list of qualifiers or of elements takes while it is read serves the next one.
+TEST_F(MofLoad, ListsInsideListsAndAfterFaultsAreReadWhole) {
+  const std::string main =
+      write("main.mof",
+            "class In { [Key] string K; string L[]; };\n"
+            "class Out { [Key] string K; [EmbeddedInstance(\"In\")] string Many[]; };\n"
+            "instance of Out { K = \"o\"; Many = {instance of In { K = \"1\"; L = {\"a\", \"b\"}; },\n"
+            "  instance of In { K = \"2\"; L = {\"a long one that \" \"has two parts\"}; }}; };");
+  loadFiles({main});
+  const auto outs = instancesOf("Out");
+  ASSERT_EQ(outs.size(), 1U);
+  const auto many = valueOf(outs[0], "Many")->getArray();
+  ASSERT_EQ(many->entries(), 2U);
+  EXPECT_THAT(refusals({write("bad.mof",
+                              "[Description(\"x\"), Values{\"1\", 2 3}]\nclass Bad { };\n"
+                              "[Values{\"4\"}]\nclass Bad { uint9 x; };")}),
+              ::testing::SizeIs(2));
 }
 
 TEST_F(MofLoad, TellsOfFilesThatCannotBeRead) {
