@@ -26,6 +26,14 @@ std::string_view qualifierType(const CimQualifier& qualifier) noexcept {
   return qualifier.value.IsNull() ? "boolean" : declaredType(*qualifier.value->getType());
 }
 
+// What the texts of a property hold; null where they are texts. Declarations that came as CIM-XML tell it by a
+// qualifier.
+const char* heldObject(const CimPropertyDeclaration& property) {
+  if (property.findQualifier("EmbeddedInstance") != nullptr) return "instance";
+  if (property.hasFlag("EmbeddedObject")) return "object";
+  return CQoriType::codeOf(*property.type) == Code::Object ? "instance" : nullptr;
+}
+
 }  // namespace
 
 void CimXmlWriter::writeFlavors(bool overridable, bool toSubclass, bool translatable) {
@@ -81,6 +89,7 @@ void CimXmlWriter::writePropertyDeclaration(const CimPropertyDeclaration& proper
   _out.append("<").append(element);
   writeFeatureAttributes(property);
   writeMarks(marks, own);
+  if (const char* const held = heldObject(property)) writeAttribute("EmbeddedObject", held);
   _out += '>';
   writeQualifiers(property.qualifiers, marks, own.ownQualifiers);
   if (!property.defaultValue.IsNull()) {

@@ -8,6 +8,7 @@
 #include "Cimom/Embedded/RepositoryError.h"
 #include "Cimom/Server/ElementsReply.h"
 #include "Cimom/Server/ServerClasses.h"
+#include "Cimom/Server/ServerObjects.h"
 #include "Cimom/Server/ServerParameters.h"
 #include "Cimom/Server/StatusCodes.h"
 
@@ -97,6 +98,7 @@ Reply refuseMethod(const ServerCall& call) {
     return QORString::equalIgnoringCase(method->name.view(), call.request.operation);
   });
   const std::string what = std::string(found->getClassName().view()) + "." + call.request.operation;
+  if (object->kind == CimXmlParameter::Kind::InstanceName) ServerObjects(call).requireSource("ObjectName");
   if (!isDeclared) throw CimStatusException(cimstatus::kMethodNotFound, "there is no method " + what);
   throw CimStatusException(cimstatus::kMethodNotAvailable, "the method " + what + " cannot be called here");
 }

@@ -73,14 +73,14 @@ Opening openingOf(const char* operation, Find find, Kind kind, const ParameterNa
   ParameterNames all = {"FilterQueryLanguage", "FilterQuery", "OperationTimeout", "ContinueOnError", "MaxObjectCount"};
   all.insert(all.end(), finding.begin(), finding.end());
   if (kind != Kind::Paths) {
-    all.insert(all.end(), {"LocalOnly", "IncludeQualifiers", "IncludeClassOrigin", "PropertyList"});
+    all.insert(all.end(), {"IncludeQualifiers", "IncludeClassOrigin", "PropertyList"});
   }
   return {operation, find, kind, all};
 }
 
 std::vector<Opening> openings() {
   const ParameterNames ofClass = {"ClassName"};
-  const ParameterNames ofClassWithThoseBelow = {"ClassName", "DeepInheritance"};
+  const ParameterNames ofClassWithThoseBelow = {"ClassName", "DeepInheritance", "LocalOnly"};
   const ParameterNames ofAssociators = {"InstanceName", "AssocClass", "ResultClass", "Role", "ResultRole"};
   const ParameterNames ofReferences = {"InstanceName", "ResultClass", "Role"};
   return {openingOf("OpenEnumerateInstances", enumerated, Kind::InstancesWithPath, ofClassWithThoseBelow),
@@ -98,6 +98,7 @@ class PullOperations {
 
   std::unique_ptr<ServerReply> open(const ServerCall& call, const Opening& opening) const {
     serverparameters::allowOnly(call.request, opening.parameters);
+    ServerObjects(call).requireNameSpace();
     const EnumerationParameters parameters(call.request, _limits);
     refuseFilter(call.request);
     EnumerationContexts::Turn turn = _contexts->open(call, opening.kind, parameters.betweenPulls);

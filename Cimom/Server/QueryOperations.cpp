@@ -75,6 +75,7 @@ std::unique_ptr<ServerReply> openQuery(const ServerCall& call, EnumerationContex
                                        const ServerLimits& limits) {
   serverparameters::allowOnly(call.request, {"FilterQueryLanguage", "FilterQuery", "ReturnQueryResultClass",
                                              "OperationTimeout", "ContinueOnError", "MaxObjectCount"});
+  ServerObjects(call).requireNameSpace();
   const EnumerationParameters parameters(call.request, limits);
   EnumerationContexts::Turn turn = contexts.open(call, EnumerationContexts::Kind::Instances, parameters.betweenPulls);
   std::unique_ptr<QueryRows> rows = runQuery(call, "FilterQueryLanguage", "FilterQuery", limits);

@@ -137,8 +137,8 @@ void QueryRows::requireLanguage(const QORString& language) {
 QueryRows::QueryRows(const ServerCall& call, const QORString& language, const QORString& text,
                      const ServerLimits& limits)
     : _nameSpace(call.request.nameSpace) {
-  requireLanguage(language);
   ServerObjects(call).requireNameSpace();
+  requireLanguage(language);
   Run run(call, language, text, limits);
   run.parse();
   run.guarded([&] {

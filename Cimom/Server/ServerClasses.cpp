@@ -52,6 +52,15 @@ bool isWanted(const std::optional<std::vector<QORString>>& names, const QORStrin
                                [&](const QORString& each) { return each.isEqualCaseInsensitive(name); });
 }
 
+// The class with what it declares itself; a default that it does not override is in force in it, too.
+CimClassDeclaration ownClass(const CQoriClass& model) {
+  CimClassDeclaration own = model.declaration();
+  for (CimPropertyDeclaration& each : own.properties) {
+    each.defaultValue = model.properties()[static_cast<std::size_t>(model.position(each.name))].defaultValue;
+  }
+  return own;
+}
+
 // The class with all that it inherits.
 CimClassDeclaration wholeClass(const CQoriClass& model) {
   CimClassDeclaration whole;
@@ -130,7 +139,7 @@ QORString ServerClasses::originOf(const Class& handle, const QORString& property
 
 void ServerClasses::write(CimXmlWriter& writer, const Class& handle, const View& view) const {
   const CQoriClass& model = modelOf(handle);
-  CimClassDeclaration shown = view.isLocalOnly ? model.declaration() : wholeClass(model);
+  CimClassDeclaration shown = view.isLocalOnly ? ownClass(model) : wholeClass(model);
   std::erase_if(shown.properties,
                 [&](const CimPropertyDeclaration& each) { return !isWanted(view.propertyNames, each.name); });
   const std::vector<Class> line = lineOf(handle);

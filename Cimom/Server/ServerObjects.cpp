@@ -6,13 +6,11 @@
 #include <unordered_map>
 
 #include "Cimom/CimXml/CimXmlException.h"
-#include "Cimom/CimXml/CimXmlValues.h"
 #include "Cimom/Embedded/EmbeddedState.h"
 #include "Cimom/Model/ModelRestriction.h"
+#include "Cimom/Server/DeclaredKeys.h"
 #include "Cimom/Server/ServerClasses.h"
 #include "cimom/CQoriInstanceName.h"
-#include "cimom/CQoriProperty.h"
-#include "cimom/CQoriType.h"
 
 namespace {
 
@@ -65,35 +63,6 @@ class LocalProperties {
   const QORString& _nameSpace;
   std::unordered_map<const ModelLayout*, QORSmrPtr<ModelRestriction>> _byLayout;
 };
-
-// A key that came as text, in the type that the class declares for it; null where that is a text, too, or the text does
-// not read as such: then it is left as it is, and no instance has it.
-QORSmrPtr<IQoriProperty> keyAsDeclared(const IQoriProperty& given, const IQoriClass& declared) {
-  const IQoriProperty* const property = declared.getProperty(given.getName(), true);
-  const QORSmrPtr<IQoriValue>& value = given.getValue();
-  if (property == nullptr || value.IsNull()) return {};
-  const CQoriType::Code wanted = CQoriType::codeOf(*property->getType());
-  if (CQoriType::codeOf(*value->getType()) != CQoriType::Code::String || wanted == CQoriType::Code::String ||
-      wanted >= CQoriType::Code::Reference) {
-    return {};
-  }
-  QORSmrPtr<IQoriValue> read;
-  if (!cimxml::readValue(value->toString().view(), wanted, read)) return {};
-  return QORSmrPtr<IQoriProperty>(new CQoriProperty(given.getName(), read, false));
-}
-
-// Clients leave out the types of keys, which are texts then.
-QORSmrPtr<IQoriInstanceName> withDeclaredKeys(const QORSmrPtr<IQoriInstanceName>& given, const IQoriClass& declared) {
-  bool isOther = false;
-  const QORSmrPtr<IQoriInstanceName::KeyList> keys(new IQoriInstanceName::KeyList);
-  given->getKeys()->forEach([&](const QORSmrPtr<IQoriProperty>& key) {
-    const QORSmrPtr<IQoriProperty> read = keyAsDeclared(*key, declared);
-    isOther = isOther || !read.IsNull();
-    keys->append(read.IsNull() ? key : read);
-  });
-  if (!isOther) return given;
-  return QORSmrPtr<IQoriInstanceName>(new CQoriInstanceName(given->getClassName(), keys, given->getNameSpacePath()));
-}
 
 }  // namespace
 
@@ -168,8 +137,7 @@ QORSmrPtr<IQoriInstanceName> ServerObjects::requireName(const QORSmrPtr<IQoriIns
                                                                std::string(_call.request.nameSpace.view()));
   }
   requireClass(given->getClassName());
-  const QORSmrPtr<IQoriInstanceName> name =
-      withDeclaredKeys(given, *_call.manager->repository()->getClass(_call.request.nameSpace, given->getClassName()));
+  const QORSmrPtr<IQoriInstanceName> name = withDeclaredKeys(*_call.manager, _call.request.nameSpace, given);
   const std::string server = outerServer(_call, path.getHost());
   if (server.empty()) return name;
   const QORSmrPtr<IQoriNameSpacePath> there(

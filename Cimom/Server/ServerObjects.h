@@ -35,6 +35,8 @@ class ServerObjects {
   // begins with that server. One of another namespace than the call's is refused.
   QORSmrPtr<IQoriInstanceName> requireName(const char* parameter) const;
   QORSmrPtr<IQoriInstanceName> requireName(const QORSmrPtr<IQoriInstanceName>& given) const;
+  // The name of the instance, which must exist.
+  QORSmrPtr<IQoriInstanceName> requireSource(const char* parameter) const;
   void requireNameSpace() const;
   // Returns the class in the repository's spelling.
   QORString requireClass(const QORString& className) const;
@@ -43,7 +45,6 @@ class ServerObjects {
   CIMApi::PropertyNames namesFor(Want want) const;
   CIMApi::PropertyNames namesFor(Want want, const QORString& className) const;
   QORString optionalClass(const char* parameter) const;
-  QORSmrPtr<IQoriInstanceName> requireSource(const char* parameter) const;
 
   const ServerCall& _call;
 };

@@ -17,12 +17,40 @@ namespace {
   throw CimStatusException(cimstatus::kInvalidParameter, request.operation + " needs the parameter " + name);
 }
 
+// Reads a parameter to see that it is of its type, which it has in all operations.
+struct Typed {
+  const char* name;
+  void (*read)(const CimXmlRequest& request, const char* name);
+};
+
+void readFlag(const CimXmlRequest& request, const char* name) { request.flag(name, false); }
+void readNumber(const CimXmlRequest& request, const char* name) { request.number(name); }
+void readText(const CimXmlRequest& request, const char* name) { request.text(name); }
+void readTexts(const CimXmlRequest& request, const char* name) { request.texts(name); }
+void readClassName(const CimXmlRequest& request, const char* name) { request.className(name); }
+
+constexpr Typed kTyped[] = {
+    {"LocalOnly", &readFlag},          {"DeepInheritance", &readFlag},    {"IncludeQualifiers", &readFlag},
+    {"IncludeClassOrigin", &readFlag}, {"ContinueOnError", &readFlag},    {"ReturnQueryResultClass", &readFlag},
+    {"MaxObjectCount", &readNumber},   {"OperationTimeout", &readNumber}, {"Role", &readText},
+    {"ResultRole", &readText},         {"PropertyList", &readTexts},      {"AssocClass", &readClassName},
+    {"ResultClass", &readClassName}};
+
+void requireType(const CimXmlRequest& request, const std::string& name) {
+  for (const Typed& each : kTyped) {
+    if (QORString::equalIgnoringCase(name, each.name)) return each.read(request, each.name);
+  }
+}
+
 }  // namespace
 
 void allowOnly(const CimXmlRequest& request, const std::vector<const char*>& known) {
   for (const CimXmlParameter& each : request.parameters) {
     const auto isName = [&](const char* name) { return QORString::equalIgnoringCase(each.name, name); };
-    if (std::any_of(known.begin(), known.end(), isName)) continue;
+    if (std::any_of(known.begin(), known.end(), isName)) {
+      requireType(request, each.name);
+      continue;
+    }
     throw CimStatusException(cimstatus::kInvalidParameter, request.operation + " has no parameter " + each.name);
   }
 }

@@ -11,7 +11,8 @@
 // All THROW CimStatusException, status 4.
 namespace serverparameters {
 
-// Refuses a call that has a parameter besides these.
+// Refuses a call that has a parameter besides these, or one whose value is not of its type, also where nobody asks for
+// the value later.
 void allowOnly(const CimXmlRequest& request, const std::vector<const char*>& known);
 
 // Parameters that must be there.

@@ -9,6 +9,7 @@
 #include "Cimom/CimXml/CimXmlValues.h"
 #include "Cimom/Embedded/RepositoryError.h"
 #include "Cimom/Model/ModelClassObject.h"
+#include "Cimom/Server/DeclaredKeys.h"
 #include "cimom/CQoriType.h"
 #include "cimom/CQoriValue.h"
 
@@ -28,13 +29,19 @@ using embedded::CimStatus;
 class PropertyReader {
  public:
   PropertyReader(EmbeddedObjectManager& manager, const ServerClasses& space, const QORString& className,
-                 const QORString& property, const IQoriType& type)
-      : _manager(manager), _space(space), _className(className), _property(property), _type(type) {}
+                 const CimPropertyDeclaration& declared, const IQoriType& type)
+      : _manager(manager),
+        _space(space),
+        _className(className),
+        _declared(declared),
+        _property(declared.name),
+        _type(type) {}
 
   Value read(const Value& value, Code given) const {
     if (value.IsNull()) return value;
     if (value->isArray() != _type.isArray()) raiseMismatch(*value->getType());
     if (!value->isArray()) return readScalar(value, given);
+    requireSize(value->getArray()->entries());
     QORSmrPtr<IQoriValue::List> elements(new IQoriValue::List);
     QORValSlistIterator<Value> it(*value->getArray());
     while (++it) elements->append(it.key().IsNull() ? it.key() : readScalar(it.key(), given));
@@ -47,7 +54,53 @@ class PropertyReader {
   Value readScalar(const Value& value, Code given) const {
     if (given == Code::Unknown && code() < Code::Reference) return readText(value);
     if (CQoriType::codeOf(*value->getType()) != code()) raiseMismatch(*value->getType());
+    if (code() == Code::Reference) return readReference(value);
     return code() == Code::Object ? readObject(value) : value;
+  }
+
+  void requireSize(std::size_t count) const {
+    if (_declared.arraySize < 0 || count <= static_cast<std::size_t>(_declared.arraySize)) return;
+    raise(CimStatus::TypeMismatch, _className, _property,
+          " has " + std::to_string(_declared.arraySize) + " elements, " + std::to_string(count) + " are given");
+  }
+
+  Value readReference(const Value& value) const {
+    const QORSmrPtr<IQoriInstanceName> path = withDeclaredKeys(_manager, _space.nameSpace(), value->getReference());
+    const std::string shown = '"' + std::string(path->toString().view()) + '"';
+    if (path->getKeys()->isEmpty()) {
+      raise(CimStatus::InvalidParameter, _className, _property, " refers to an instance, and " + shown + " is none");
+    }
+    if (isOfThisSpace(*path->getNameSpacePath())) requireKnown(*path, shown);
+    return Value(new CQoriValue(path));
+  }
+
+  // Whether the path means an instance of the space that is written to; what others have is not looked at.
+  bool isOfThisSpace(const IQoriNameSpacePath& path) const {
+    return path.getHost().isEmpty() &&
+           (path.getNameSpace().isEmpty() || path.getNameSpace().isEqualCaseInsensitive(_space.nameSpace()));
+  }
+
+  void requireKnown(const IQoriInstanceName& path, const std::string& shown) const {
+    if (_space.find(path.getClassName()).IsNull()) {
+      raise(CimStatus::InvalidParameter, _className, _property, " refers to " + shown + ", whose class is not there");
+    }
+    if (_declared.referenceClass.isEmpty() || _space.isA(path.getClassName(), _declared.referenceClass)) return;
+    raise(CimStatus::InvalidParameter, _className, _property,
+          " refers to a " + std::string(_declared.referenceClass.view()) + ", the given value to " + shown);
+  }
+
+  // The class that instances in the property must have; empty: any, and classes, too.
+  QORString embeddedClass() const {
+    const CimQualifier* const qualifier = _declared.findQualifier("EmbeddedInstance");
+    return qualifier == nullptr || qualifier->value.IsNull() ? QORString::emptyString() : qualifier->value->toString();
+  }
+
+  void requireEmbedded(const IQoriObject& object, bool isClass) const {
+    const QORString wanted = embeddedClass();
+    if (wanted.isEmpty() || (!isClass && _space.isA(object.getClassName(), wanted))) return;
+    raise(CimStatus::TypeMismatch, _className, _property,
+          " holds a " + std::string(wanted.view()) + ", the given value is " + (isClass ? "the class " : "a ") +
+              std::string(object.getClassName().view()));
   }
 
   Value readText(const Value& value) const {
@@ -60,7 +113,10 @@ class PropertyReader {
 
   Value readObject(const Value& value) const {
     const QORSmrPtr<IQoriObject> object = value->getObject();
-    if (dynamic_cast<const ModelClassObject*>(object.Get()) != nullptr) return value;
+    const bool isClass = dynamic_cast<const ModelClassObject*>(object.Get()) != nullptr;
+    if (!isClass) _space.require(object->getClassName());
+    requireEmbedded(*object, isClass);
+    if (isClass) return value;
     CimXmlInstance parts;
     parts.className = object->getClassName();
     for (QORuint32 i = 0; i < object->getPropertyCount(); ++i) {
@@ -70,7 +126,7 @@ class PropertyReader {
       part.isArray = property->getType()->isArray();
       part.type = CQoriType::codeOf(*property->getType());
     }
-    const ServerClasses::Class handle = _space.require(parts.className);
+    const ServerClasses::Class handle = _space.find(parts.className);
     const CimInstanceDeclaration declaration{
         parts.className, writtenProperties(_manager, _space, ServerClasses::modelOf(handle), parts)};
     return Value(new CQoriValue(_manager.sink().makeObject(_space.nameSpace(), declaration)));
@@ -87,6 +143,7 @@ class PropertyReader {
   EmbeddedObjectManager& _manager;
   const ServerClasses& _space;
   const QORString& _className;
+  const CimPropertyDeclaration& _declared;
   const QORString& _property;
   const IQoriType& _type;
 };
@@ -107,9 +164,9 @@ std::vector<CimInstanceProperty> writtenProperties(EmbeddedObjectManager& manage
     const QORuint32 position = static_cast<QORuint32>(found);
     if (isGiven[position]) raise(CimStatus::InvalidParameter, model.getClassName(), property.name, " is given twice");
     isGiven[position] = true;
-    const QORString& name = model.shape()->layout->getName(position);
-    const PropertyReader reader(manager, space, model.getClassName(), name, *model.type(position));
-    properties.push_back({name, reader.read(property.value, property.type)});
+    const CimPropertyDeclaration& declared = model.properties()[position];
+    const PropertyReader reader(manager, space, model.getClassName(), declared, *model.type(position));
+    properties.push_back({declared.name, reader.read(property.value, property.type)});
   }
   return properties;
 }

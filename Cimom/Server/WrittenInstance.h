@@ -12,7 +12,9 @@
 
 // The properties with values of their declared types: those whose type the client did not give are read as it, embedded
 // instances become objects of their classes. THROWS CimStatusException: a property that the class does not
-// have 12, or that is given twice 4, a value of another type 13; and as makeObject() for embedded instances.
+// have 12, or that is given twice 4, a value of another type 13, also an array that is too long or an instance of
+// another class in it, a reference to no instance, to one of another class, or of a class that is not there, 4; and as
+// makeObject() for embedded instances.
 std::vector<CimInstanceProperty> writtenProperties(EmbeddedObjectManager& manager, const ServerClasses& space,
                                                    const CQoriClass& model, const CimXmlInstance& instance);
 

@@ -35,10 +35,11 @@ class Wbemcli(ServerCase):
                          ["root/cimv2:P_Pump", "root/cimv2:P_BigPump", "root/cimv2:P_Tank"])
 
     def test_classes(self):
-        told = "\n".join(self.told("gc", "root/cimv2:P_Pump", "-nl", "-t"))
+        # It does not know the attribute of embedded objects at arrays.
+        told = "\n".join(self.told("gc", "root/cimv2:P_Pump", "-nl", "-t", properties="Name,Level,Remarks,Codes"))
         for name in ("-Name#=", "-Level", "-Remarks[]", "-Codes[]"):
             self.assertIn(name, told)
-        self.assertIn("root/cimv2:P_BigPump", "\n".join(self.told("ec", "root/cimv2:P_Thing", "-nl")))
+        self.assertIn("root/cimv2:P_FeedsHot", "\n".join(self.told("ec", "root/cimv2:P_Feeds", "-nl")))
 
     def test_names_of_instances(self):
         self.assertEqual(self.told("ein", "root/cimv2:P_Tank"), ['root/cimv2:P_Tank.Name="t1"', 'root/cimv2:P_Tank.Name="t2"'])
@@ -49,7 +50,6 @@ class Wbemcli(ServerCase):
                           'root/cimv2:P_Tank.Name="t2"', '-Name="t2"', r'-Place="hall \"A\""', "-Litres=10"])
 
     def test_one_instance(self):
-        # It does not know the attribute of embedded objects at arrays.
         told = self.told("gi", 'root/cimv2:P_BigPump.Name="p2"', "-nl", properties="Doors,IsOn")
         self.assertIn("-Doors=-2", told)
         self.assertIn("-IsOn=FALSE", told)

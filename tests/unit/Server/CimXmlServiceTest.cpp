@@ -165,6 +165,21 @@ TEST_F(Service, MethodsAreRefusedByWhetherTheyAreDeclared) {
   EXPECT_THAT(bodyTo("Run", "B"), HasSubstr("<ERROR CODE=\"5\" DESCRIPTION=\"there is no class B\"/>"));
 }
 
+TEST_F(Service, AMethodOfAnInstanceThatIsNotThereIsRefusedForThat) {
+  load("class C { [Key] string Id; uint32 Run(); }; instance of C { Id = \"x\"; };");
+  const auto errorTo = [&](const std::string& method, const std::string& id) {
+    const HttpReply reply = answerTo(
+        {}, message("<SIMPLEREQ><METHODCALL NAME=\"" + method +
+                    "\"><LOCALINSTANCEPATH><LOCALNAMESPACEPATH><NAMESPACE NAME=\"root\"/><NAMESPACE NAME=\"cimv2\"/>"
+                    "</LOCALNAMESPACEPATH>" +
+                    path("C", "Id", id) + "</LOCALINSTANCEPATH></METHODCALL></SIMPLEREQ>"));
+    return between(bodyOf(*reply.body), "<ERROR CODE=\"", "\"");
+  };
+  EXPECT_EQ(errorTo("Run", "x"), "16");
+  EXPECT_EQ(errorTo("Stop", "x"), "17");
+  EXPECT_EQ(errorTo("Run", "y"), "6");
+}
+
 TEST_F(Service, AnExportThatNobodyTakesIsRefusedAsOne) {
   const HttpReply reply = answerTo({{"CIMExport", "MethodRequest"}, {"CIMExportMethod", "ExportIndication"}},
                                    message("<SIMPLEEXPREQ><EXPMETHODCALL NAME=\"ExportIndication\"/></SIMPLEEXPREQ>"));

@@ -19,7 +19,7 @@ constexpr const char* kModel =
     "  [Note(\"run\")] uint32 Run([Note(\"p\")] uint8 P); uint32 Stop(); };\n"
     "[Own(\"mid\")] class Mid : Base { [Override(\"Size\"), Note(\"size\")] uint8 Size; string Extra[]; };\n"
     "class Leaf : Mid { [Override(\"Stop\")] uint32 Stop(); };\n"
-    "class Other { string A; };\n";
+    "class Other { string A; [EmbeddedInstance(\"Base\")] string One; [EmbeddedObject] string Any[]; };\n";
 
 class ClassOperations : public MessageTest {
  protected:
@@ -31,7 +31,7 @@ class ClassOperations : public MessageTest {
 
 TEST_F(ClassOperations, AClassHasItsOwnFeaturesUnlessAllAreAskedFor) {
   EXPECT_EQ(valuesOf("GetClass", className("mid") + text("IncludeQualifiers", "false")),
-            "<CLASS NAME=\"Mid\" SUPERCLASS=\"Base\"><PROPERTY NAME=\"Size\" TYPE=\"uint8\"></PROPERTY>"
+            "<CLASS NAME=\"Mid\" SUPERCLASS=\"Base\"><PROPERTY NAME=\"Size\" TYPE=\"uint8\"><VALUE>3</VALUE></PROPERTY>"
             "<PROPERTY.ARRAY NAME=\"Extra\" TYPE=\"string\"></PROPERTY.ARRAY></CLASS>");
   EXPECT_EQ(valuesOf("GetClass", className("Mid") + text("LocalOnly", "FALSE") + text("IncludeQualifiers", "FALSE")),
             "<CLASS NAME=\"Mid\" SUPERCLASS=\"Base\"><PROPERTY NAME=\"Id\" TYPE=\"string\" PROPAGATED=\"true\">"
@@ -39,6 +39,27 @@ TEST_F(ClassOperations, AClassHasItsOwnFeaturesUnlessAllAreAskedFor) {
             "<PROPERTY.ARRAY NAME=\"Extra\" TYPE=\"string\"></PROPERTY.ARRAY>"
             "<METHOD NAME=\"Run\" TYPE=\"uint32\" PROPAGATED=\"true\"><PARAMETER NAME=\"P\" TYPE=\"uint8\"></PARAMETER>"
             "</METHOD><METHOD NAME=\"Stop\" TYPE=\"uint32\" PROPAGATED=\"true\"></METHOD></CLASS>");
+}
+
+TEST_F(ClassOperations, ADefaultThatIsNotOverriddenIsInForce) {
+  load("class Nil : Base { [Override(\"Size\")] uint8 Size = NULL; };");
+  const auto sizeOf = [&](const std::string& name, const std::string& isLocalOnly) {
+    return between(valuesOf("GetClass", className(name) + text("LocalOnly", isLocalOnly) +
+                                            text("IncludeQualifiers", "false") + propertyList({"Size"})),
+                   "<PROPERTY NAME=\"Size\" TYPE=\"uint8\">", "</PROPERTY>");
+  };
+  EXPECT_EQ(sizeOf("Mid", "true"), "<VALUE>3</VALUE>");
+  EXPECT_EQ(sizeOf("Mid", "false"), "<VALUE>3</VALUE>");
+  EXPECT_EQ(sizeOf("Nil", "true"), "");
+}
+
+TEST_F(ClassOperations, PropertiesTellThatTheyHoldObjectsWithAndWithoutQualifiers) {
+  for (const char* const withQualifiers : {"true", "false"}) {
+    const std::string told = valuesOf("GetClass", className("Other") + text("IncludeQualifiers", withQualifiers));
+    EXPECT_THAT(told, HasSubstr("<PROPERTY NAME=\"A\" TYPE=\"string\">"));
+    EXPECT_THAT(told, HasSubstr("<PROPERTY NAME=\"One\" TYPE=\"string\" EmbeddedObject=\"instance\">"));
+    EXPECT_THAT(told, HasSubstr("<PROPERTY.ARRAY NAME=\"Any\" TYPE=\"string\" EmbeddedObject=\"object\">"));
+  }
 }
 
 TEST_F(ClassOperations, OriginsAreTheClassesThatDeclareOrOverrideLast) {

@@ -153,6 +153,51 @@ TEST_F(InstanceOperations, KeysWithoutATypeAreReadAsTheClassDeclaresThem) {
   EXPECT_THAT(refusalOf("GetInstance", named("18446744073709551615", "perhaps")), HasSubstr("6: "));
 }
 
+TEST_F(InstanceOperations, AKeyWithoutANameIsTheOneThatTheClassHas) {
+  load("class Pair { [Key] string A; [Key] string B; }; instance of Pair { A = \"a\"; B = \"b\"; };");
+  const auto bare = [](const std::string& className, const std::string& keys) {
+    return parameter("InstanceName", "<INSTANCENAME CLASSNAME=\"" + className + "\">" + keys + "</INSTANCENAME>");
+  };
+  const std::string key = "<KEYVALUE VALUETYPE=\"string\">a</KEYVALUE>";
+  EXPECT_THAT(valuesOf("GetInstance", bare("part", key)), HasSubstr("<INSTANCE CLASSNAME=\"Part\">"));
+  EXPECT_THAT(refusalOf("GetInstance", bare("Part", "<KEYVALUE>z</KEYVALUE>")), HasSubstr("6: "));
+  EXPECT_EQ(refusalOf("GetInstance", bare("Pair", key)),
+            "4: a key without a name does not do for class Pair, which has 2 keys");
+  EXPECT_EQ(ask("DeleteInstance", bare("Part", key)), "");
+  EXPECT_THAT(refusalOf("GetInstance", bare("Part", key)), HasSubstr("6: "));
+}
+
+TEST_F(InstanceOperations, KeysOfPathsWithinPathsAreReadAsTheirClassesDeclareThem) {
+  load(
+      "class Slot { [Key] uint64 Number; };\n"
+      "[Association] class Fits { [Key] Slot REF In; [Key] Part REF What; };\n"
+      "instance of Slot { Number = 7; };\n");
+  const auto end = [](const std::string& className, const std::string& key) {
+    return "<VALUE.REFERENCE><INSTANCENAME CLASSNAME=\"" + className + "\">" + key +
+           "</INSTANCENAME></VALUE.REFERENCE>";
+  };
+  const std::string in = end("slot", "<KEYBINDING NAME=\"NUMBER\"><KEYVALUE>7</KEYVALUE></KEYBINDING>");
+  const std::string what = end("part", "<KEYVALUE>a</KEYVALUE>");
+  const auto reference = [](const std::string& name, const std::string& value) {
+    return "<PROPERTY.REFERENCE NAME=\"" + name + "\">" + value + "</PROPERTY.REFERENCE>";
+  };
+  EXPECT_THAT(valuesOf("CreateInstance", newInstance("Fits", reference("In", in) + reference("What", what))),
+              HasSubstr("<KEYBINDING NAME=\"Number\"><KEYVALUE VALUETYPE=\"numeric\" TYPE=\"uint64\">7<"));
+  const std::string name = "<INSTANCENAME CLASSNAME=\"Fits\"><KEYBINDING NAME=\"In\">" + in +
+                           "</KEYBINDING><KEYBINDING NAME=\"What\">" + what + "</KEYBINDING></INSTANCENAME>";
+  EXPECT_THAT(valuesOf("GetInstance", parameter("InstanceName", name)), HasSubstr("<INSTANCE CLASSNAME=\"Fits\">"));
+}
+
+TEST_F(InstanceOperations, AParameterOfAnotherTypeIsRefusedByItsNameThoughNobodyNeedsIt) {
+  const std::string changed = modified("Part", "a", property("Note", "string", "new"));
+  EXPECT_EQ(refusalOf("ModifyInstance", changed + text("IncludeQualifiers", "perhaps")),
+            "4: IncludeQualifiers is not a boolean");
+  EXPECT_EQ(refusalOf("EnumerateInstances", className("Part") + text("LocalOnly", "") + text("DeepInheritance", "2")),
+            "4: LocalOnly is not a boolean");
+  EXPECT_EQ(refusalOf("GetInstance", parameter("InstanceName", path("None", "Id", "a")) + text("PropertyList", "Id")),
+            "4: PropertyList is not an array of texts");
+}
+
 TEST_F(InstanceOperations, WhatIsNotThereIsRefused) {
   const std::string name = parameter("InstanceName", path("Part", "Id", "z"));
   for (const char* const operation : {"GetInstance", "DeleteInstance"}) {
@@ -227,6 +272,46 @@ TEST_F(InstanceOperations, WhatDoesNotFitTheClassIsNotCreated) {
   EXPECT_THAT(refusalOf("CreateInstance", newInstance("Part", id + property("Size", "uint8", "256"))),
               HasSubstr("4: "));
   EXPECT_THAT(refusalOf("GetInstance", parameter("InstanceName", path("Part", "Id", "x"))), HasSubstr("6: "));
+}
+
+TEST_F(InstanceOperations, WhatIsWrittenFitsWhatTheClassSaysOfReferencesArraysAndEmbeddedObjects) {
+  load(
+      "class Slot { [Key] string Id; uint16 Two[2]; [EmbeddedInstance(\"Big\")] string Held; };"
+      "[Association] class Fits { [Key] Big REF From; [Key] Part REF To; };");
+  const auto reference = [](const std::string& name, const std::string& value) {
+    return "<PROPERTY.REFERENCE NAME=\"" + name + "\"><VALUE.REFERENCE>" + value +
+           "</VALUE.REFERENCE></PROPERTY.REFERENCE>";
+  };
+  const auto link = [&](const std::string& from) {
+    return newInstance("Fits", reference("From", from) + reference("To", path("Big", "Id", "b")));
+  };
+  EXPECT_EQ(refusalOf("CreateInstance", link(path("Part", "Id", "a"))),
+            "4: instance of Fits: property From refers to a Big, the given value to &quot;root/cimv2:Part.Id=&quot;a"
+            "&quot;&quot;");
+  EXPECT_THAT(refusalOf("CreateInstance", link(path("None", "Id", "a"))), HasSubstr("whose class is not there"));
+  EXPECT_EQ(refusalOf("CreateInstance", link("<CLASSNAME NAME=\"Big\"/>")),
+            "4: instance of Fits: property From refers to an instance, and &quot;root/cimv2:Big&quot; is none");
+  EXPECT_THAT(valuesOf("CreateInstance", link(path("Big", "Id", "to come"))), HasSubstr("<KEYBINDING NAME=\"From\">"));
+  const auto slot = [](const std::string& values) {
+    return newInstance("Slot", property("Id", "string", "s") + values);
+  };
+  const auto numbers = [](const std::string& values) {
+    return "<PROPERTY.ARRAY NAME=\"Two\" TYPE=\"uint16\"><VALUE.ARRAY>" + values + "</VALUE.ARRAY></PROPERTY.ARRAY>";
+  };
+  const std::string one = "<VALUE>1</VALUE>";
+  EXPECT_EQ(refusalOf("CreateInstance", slot(numbers(one + one + one))),
+            "13: instance of Slot: property Two has 2 elements, 3 are given");
+  const auto held = [](const std::string& element) {
+    return "<PROPERTY NAME=\"Held\" TYPE=\"string\" EmbeddedObject=\"object\"><VALUE><![CDATA[" + element +
+           "]]></VALUE></PROPERTY>";
+  };
+  EXPECT_EQ(refusalOf("CreateInstance", slot(held(instance("Part", property("Id", "string", "in"))))),
+            "13: instance of Slot: property Held holds a Big, the given value is a Part");
+  EXPECT_EQ(refusalOf("CreateInstance", slot(held("<CLASS NAME=\"Big\"/>"))),
+            "13: instance of Slot: property Held holds a Big, the given value is the class Big");
+  EXPECT_THAT(refusalOf("CreateInstance", slot(held(instance("None", "")))), HasSubstr("5: "));
+  EXPECT_EQ(valuesOf("CreateInstance", slot(numbers(one) + held(instance("Big", property("Id", "string", "in"))))),
+            path("Slot", "Id", "s"));
 }
 
 TEST_F(InstanceOperations, AnInstanceIsModified) {

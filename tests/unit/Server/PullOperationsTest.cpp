@@ -143,6 +143,10 @@ TEST_F(Pulls, ParametersThatAnOperationDoesNotHaveAreRefused) {
   }
   Asked paths("OpenEnumerateInstancePaths");
   EXPECT_EQ(refused(paths.className("ClassName", "CIM_Disk").texts("PropertyList", {"Size"})), 4U);
+  for (const char* operation : {"OpenAssociatorInstances", "OpenReferenceInstances"}) {
+    Asked asked(operation);
+    EXPECT_EQ(refused(asked.path("InstanceName", source).text("LocalOnly", "true")), 4U) << "not cut down in silence";
+  }
 }
 
 TEST_F(Pulls, EveryParameterOfTheirsIsTaken) {

@@ -136,6 +136,15 @@ TEST_F(Queries, WhatIsMissingIsRefused) {
   EXPECT_EQ(refused(elsewhere.text("Query", "SELECT Size FROM CIM_Disk").text("QueryLanguage", "CQL")), 3U);
 }
 
+TEST_F(Queries, AnUnknownNamespaceIsToldBeforeAnythingElseThatIsWrong) {
+  Asked elsewhere("ExecQuery", "root/none");
+  EXPECT_EQ(refused(elsewhere.text("Query", "SELECT").text("QueryLanguage", "SQL")), 3U);
+  Asked opened("OpenQueryInstances", "root/none");
+  EXPECT_EQ(refused(opened.text("ContinueOnError", "true")), 3U);
+  Asked filtered("OpenEnumerateInstances", "root/none");
+  EXPECT_EQ(refused(filtered.className("ClassName", "CIM_Disk").text("OperationTimeout", "0")), 3U);
+}
+
 TEST_F(Queries, WhatCannotBeComputedIsRefusedBeforeTheReplyBegins) {
   createDisk("z", 0);
   EXPECT_EQ(refused(asking("SELECT 100 / Size AS Q FROM CIM_Disk")), 15U);
