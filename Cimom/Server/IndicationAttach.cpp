@@ -9,6 +9,7 @@
 #include "Cimom/Server/IndicationClasses.h"
 #include "Cimom/Server/IndicationState.h"
 #include "Cimom/Server/QueueProvider.h"
+#include "Cimom/Server/ServerClasses.h"
 #include "Cimom/Server/SubscriptionRules.h"
 #include "cimom/CQoriValue.h"
 
@@ -76,6 +77,7 @@ class IndicationService::State::Reading final : public ServerEvents::Attachment 
     for (const char* className : {kFilterClass, kHandlerClass, kSubscriptionClass}) {
       for (const Object& object : instancesOf(*_manager, className)) readOne(*object);
     }
+    tellOfThoseBelow();
     for (const Object& service : instancesOf(*_manager, kIndicationServiceClass)) _retries = retriesOf(*service);
   }
 
@@ -98,7 +100,7 @@ class IndicationService::State::Reading final : public ServerEvents::Attachment 
   void readOne(const IQoriObject& object) {
     try {
       if (isSubscriptionOf(object, kFilterClass)) return _table->put(readFilter(object));
-      if (isSubscriptionOf(object, kSubscriptionClass)) return _table->put(readSubscription(object));
+      if (isSubscriptionOf(object, kSubscriptionClass)) return putSubscription(readSubscription(object));
       _table->put(readDestination(object));
     } catch (const QoriBaseException& refusal) {
       return tellOfIndications(pathOf(object) + " is not in force: " + refusal.what());
@@ -106,6 +108,30 @@ class IndicationService::State::Reading final : public ServerEvents::Attachment 
     const ListenerDestination& destination = *_table->findHandler(pathOf(object));
     if (!_state->hasChannel(destination.path)) _channels.insert(_state->makeChannel(destination));
     _urls.emplace(destination.path, destination.url);
+  }
+
+  // Its ends have been read before; a client may still bring in what is missing.
+  void putSubscription(Subscription subscription) {
+    const bool hasFilter = _table->hasFilter(subscription.filter);
+    if (!hasFilter || _table->findHandler(subscription.handler) == nullptr) {
+      tellOfIndications(subscription.path + " is not in force: there is no " +
+                        (hasFilter ? "listener destination " + subscription.handler : "filter " + subscription.filter) +
+                        " in force");
+    }
+    _table->put(std::move(subscription));
+  }
+
+  // MOF may declare what clients cannot create.
+  void tellOfThoseBelow() const {
+    const ServerClasses classes(*_manager, kSubscriptionSpace);
+    for (const QORString& name : _manager->declaredClassNames(kSubscriptionSpace)) {
+      for (const char* known : {kFilterClass, kHandlerClass, kSubscriptionClass}) {
+        if (name.isEqualCaseInsensitive(known) || !classes.isA(name, known)) continue;
+        for (const Object& object : instancesOf(*_manager, name.c_str())) {
+          tellOfIndications(pathOf(*object) + " is not in force: only instances of " + known + " itself are");
+        }
+      }
+    }
   }
 
   // A sequence goes on where it was.

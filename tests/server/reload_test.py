@@ -11,6 +11,7 @@ import unittest
 
 import servercase
 from certificates import Certificates
+from eventcase import instance
 from reloadcase import CLASS, FAILED, ReloadCase
 from servercase import Client, head_of, request
 from users_test import basic
@@ -90,6 +91,18 @@ class ReloadTest(ReloadCase):
         self.reload(server, FAILED)
         self.assertIn(f"{settings}: [server] nonsense: there is no such key", server.log_text())
         self.assertTrue(self.knows(server, "T_Second"))
+
+    def test_a_filter_that_does_not_fit_any_more_is_told_of_once(self):
+        mof = self.write("model.mof", CLASS % "T_First")
+        server = self.serve("--no-live", "--writable", "-m", mof)
+        made = instance("CIM_IndicationFilter", Name="asked", Query="SELECT * FROM T_First")
+        self.assertEqual(self.call(server, "CreateInstance", "root/interop", NewInstance=made).error, 0)
+        self.write("model.mof", CLASS % "T_Second")
+        for count in (1, 2):
+            self.reload(server, count=count)
+            told = [line for line in server.log_text().splitlines() if line.startswith("qorql: ") and "anew" not in line]
+            self.assertEqual(len(told), count, told)
+            self.assertRegex(told[-1], "CIM_IndicationFilter.*asked.* is not in force: .*'T_FIRST' is not a class of root/cimv2")
 
     def test_the_command_line_counts_before_the_configuration(self):
         settings = self.write("server.ini", "[server]\nlive = no\nlisten = 0.0.0.0:0\nbody = 1K\n")

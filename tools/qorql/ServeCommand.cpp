@@ -3,8 +3,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ServeCommand.h"
 
-#include <unistd.h>
-
 #include <chrono>
 #include <ctime>
 #include <exception>
@@ -20,6 +18,7 @@
 #include "IndicationSink.h"
 #include "LiveEvents.h"
 #include "OptionDeclarations.h"
+#include "PatientErrors.h"
 #include "ServeOptions.h"
 #include "ServerLibrary.h"
 #include "ServerSignals.h"
@@ -70,6 +69,7 @@ ServeOptions asServed(ServeOptions options) {
   options.session.servers.requiresAll = true;
   options.session.servers.mayLackNameSpaces = true;
   options.session.servers.isWatched = true;
+  options.session.hidesRefusals = !options.session.logSeverity;
   if (!options.session.logSeverity) options.session.logSeverity = QoriTraceLog::kWarning;
   return options;
 }
@@ -79,20 +79,6 @@ bool isThreadStopped() {
   QORQL_ExecutionMonitor* const monitor = QORQL_currentMonitor();
   return monitor != nullptr && monitor->isStopRequested();
 }
-
-// What is told on standard error waits for nobody who reads it.
-class PatientErrors {
- public:
-  explicit PatientErrors(ServerModule& library)
-      : _buffer(library.makeLogBuffer(STDERR_FILENO)), _before(std::cerr.rdbuf(_buffer.get())) {}
-  PatientErrors(const PatientErrors&) = delete;
-  PatientErrors& operator=(const PatientErrors&) = delete;
-  ~PatientErrors() { std::cerr.rdbuf(_before); }
-
- private:
-  const std::unique_ptr<std::streambuf> _buffer;
-  std::streambuf* const _before;
-};
 
 class ServerRun {
  public:

@@ -39,7 +39,7 @@ void keepToTheEnd(std::unique_ptr<EmbeddedObjectManager> manager) {
 Session::Session(const SessionOptions& options, Life life)
     : _options(options),
       _life(life),
-      _log(std::make_shared<Log>(Log{options.logSeverity, {}})),
+      _log(std::make_shared<Log>(Log{options.logSeverity, options.hidesRefusals})),
       _manager(makeManager()) {
   if (_life == Life::OfTheProcess) takeOver();
 }
@@ -75,6 +75,7 @@ int Session::settle(int status) {
 }
 
 void Session::Log::take(const QORString& who, const QORString& message, QORuint32 lineSeverity) {
+  if (hidesRefusals && who == "CQLQUERYSTATEMENT::validate()") return;
   const std::string text = printableText(message.view());
   if (severity) {
     std::cerr << "qorql: " << severityName(lineSeverity) << ": " << who << ": " << text << '\n';

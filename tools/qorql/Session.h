@@ -76,7 +76,8 @@ class Session {
   // What the log's lines go to. The sink shares it: a thread may be writing one while the session ends.
   struct Log {
     std::optional<QORuint32> severity;  // of lines that are printed at once; none: they are warnings
-    std::vector<std::string> warnings;
+    bool hidesRefusals = false;
+    std::vector<std::string> warnings{};
 
     void take(const QORString& who, const QORString& message, QORuint32 lineSeverity);
   };

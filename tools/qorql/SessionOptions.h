@@ -36,6 +36,7 @@ struct SessionOptions {
   std::vector<Setting> settings;
   ServerOptions servers;
   std::optional<QORuint32> logSeverity;  // none: what a statement logs is a warning if it succeeds
+  bool hidesRefusals = false;            // of filters, which are told with their reason by whoever asks
 };
 
 // The options that every command has which asks the object manager. BORROWS the

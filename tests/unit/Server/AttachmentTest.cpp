@@ -16,7 +16,10 @@ using servertest::comesTrue;
 using servertest::PlayedListeners;
 using servertest::Server;
 using servertest::statusOf;
+using ::testing::AllOf;
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::UnorderedElementsAre;
 
 constexpr const char* kUrl = "http://a";
 constexpr const char* kAlerts = "SELECT * FROM CIM_AlertIndication";
@@ -96,6 +99,39 @@ TEST(Attachment, WithoutTakingNothingChanges) {
   server.service.read(next);
   server.publish(server.alert("a"));
   EXPECT_THAT(listeners.numbers(kUrl, 1), ElementsAre("0"));
+}
+
+// Of each a line, as whoever declares them in MOF has to know.
+TEST(Attachment, WhatIsNotInForceIsNamed) {
+  PlayedListeners listeners;
+  Server server(listeners, "");
+  const auto next = anotherManager(server);
+  std::vector<std::string> told;
+  next->setLogSink([&](const QORString&, const QORString& message, QORuint32) { told.emplace_back(message.view()); },
+                   QoriTraceLog::kWarning);
+  for (const char* known : {kFilterClass, kHandlerClass}) {
+    const std::string below = std::string("My_") + known;
+    next->sink().declareClass(kSubscriptionSpace, classOf(below.c_str(), known, {}));
+    next->createInstance(kSubscriptionSpace, instanceOf(below.c_str(), {{"SystemCreationClassName", text("s")},
+                                                                        {"SystemName", text("s")},
+                                                                        {"CreationClassName", text(below.c_str())},
+                                                                        {"Name", text("b")}}));
+  }
+  const auto end = [](const char* className) {
+    return reference(nameOf(kSubscriptionSpace, className, {{"Name", text("none")}}));
+  };
+  next->createInstance(kSubscriptionSpace, instanceOf(kSubscriptionClass, {{"Filter", end(kFilterClass)},
+                                                                           {"Handler", end(kHandlerClass)}}));
+  next->makeCurrent();
+  server.service.attach(next);
+  next->setLogSink({}, QoriTraceLog::kFatal);
+  server.manager = next;
+  EXPECT_THAT(told,
+              UnorderedElementsAre(
+                  AllOf(HasSubstr("My_CIM_IndicationFilter."),
+                        HasSubstr(" is not in force: only instances of CIM_IndicationFilter itself are")),
+                  AllOf(HasSubstr("My_CIM_ListenerDestinationCIMXML."), HasSubstr(" is not in force: only instances")),
+                  AllOf(HasSubstr("CIM_IndicationSubscription."), HasSubstr(" is not in force: there is no filter"))));
 }
 
 // Each allocation fails once; the last attempt meets no failure.
