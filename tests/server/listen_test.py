@@ -1,7 +1,11 @@
 """The tool as a listener: what it prints, what it answers, how it ends."""
 # SPDX-License-Identifier: Apache-2.0
+import fcntl
 import signal
+import struct
+import termios
 import threading
+import time
 
 import servercase
 from eventcase import EXPORT_HEADERS, EventCase, export_message, instance
@@ -68,6 +72,35 @@ class ListenTest(EventCase):
         listener.process.stdout.close()
         self.assertEqual(self.export(listener, ALERT).error, 1)
         self.assertEqual(listener.process.wait(20), 0)
+
+    def test_it_ends_though_its_reader_takes_nothing_and_names_what_it_did_not_print(self):
+        listener = self.listen()
+        refused = []
+
+        def send():
+            client = servercase.Client(listener)
+            for number in range(40):
+                content = instance("A", Text="x" * 8000, SequenceNumber=("sint64", number))
+                reply = client.post(export_message(content), EXPORT_HEADERS)
+                if reply.error:
+                    refused.append((number, reply.error))
+                    break
+            client.close()
+
+        def waiting():
+            return struct.unpack("i", fcntl.ioctl(listener.process.stdout, termios.FIONREAD, b"\0" * 4))[0]
+
+        thread = threading.Thread(target=send)
+        thread.start()
+        self.wait_for(lambda: waiting() > 60000)
+        began = time.monotonic()
+        self.assertEqual(listener.stop(), 0)
+        self.assertLess(time.monotonic() - began, 9)
+        thread.join()
+        (number, error), = refused
+        self.assertEqual(error, 1)
+        self.assertIn(f"A, SequenceNumber {number} is not printed, or not as a whole, and refused: nobody reads",
+                      listener.error_text())
 
     def test_a_sender_of_http_1_0_that_closes_is_answered(self):
         listener = self.listen()
