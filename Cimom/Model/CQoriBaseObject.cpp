@@ -187,7 +187,7 @@ QoriScalar CQoriBaseObject::getScalarAt(QORuint32 position) const noexcept {
 
 QoriCells CQoriBaseObject::getCells() const noexcept {
   if (_own != nullptr) return {};
-  return {&_restriction->layout(), reinterpret_cast<const char*>(_slots)};
+  return {&_restriction.Get()->layout(), reinterpret_cast<const char*>(_slots)};
 }
 
 QORSmrPtr<IQoriValue> CQoriBaseObject::getValueAt(QORuint32 position) const {

@@ -6,14 +6,13 @@
 #include <array>
 #include <utility>
 
-// A stable sort by key: one counting pass over all digits, then one
-// distribution for each digit in which the keys differ.
+// A stable sort by key: one pass finds the digits in which the keys differ; each of these is counted and distributed.
 void QORQL_EntrySort::sortByDigits(std::span<QORQL_SortEntry> entries) {
   constexpr std::size_t kDigits = 8;
-  std::array<std::array<QORuint32, 256>, kDigits> counts{};
-  for (const QORQL_SortEntry& entry : entries) {
-    for (std::size_t digit = 0; digit < kDigits; ++digit) ++counts[digit][entry.key >> (8 * digit) & 0xff];
-  }
+  const QORuint64 first = entries.front().key;
+  QORuint64 difference = 0;
+  for (const QORQL_SortEntry& entry : entries) difference |= entry.key ^ first;
+  if (difference == 0) return;
   if (_roomSize < entries.size()) {
     _room = std::make_unique_for_overwrite<QORQL_SortEntry[]>(entries.size());
     _roomSize = entries.size();
@@ -21,9 +20,10 @@ void QORQL_EntrySort::sortByDigits(std::span<QORQL_SortEntry> entries) {
   std::span<QORQL_SortEntry> from = entries;
   std::span<QORQL_SortEntry> to(_room.get(), entries.size());
   for (std::size_t digit = 0; digit < kDigits; ++digit) {
-    std::array<QORuint32, 256>& count = counts[digit];
+    if ((difference >> (8 * digit) & 0xff) == 0) continue;
     const auto digitOf = [digit](const QORQL_SortEntry& entry) { return entry.key >> (8 * digit) & 0xff; };
-    if (count[digitOf(from.front())] == from.size()) continue;
+    std::array<QORuint32, 256> count{};
+    for (const QORQL_SortEntry& entry : from) ++count[digitOf(entry)];
     QORuint32 start = 0;
     for (QORuint32& place : count) place = std::exchange(start, start + place);
     for (const QORQL_SortEntry& entry : from) to[count[digitOf(entry)]++] = entry;

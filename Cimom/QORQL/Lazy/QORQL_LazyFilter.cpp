@@ -6,6 +6,7 @@
 #include <array>
 #include <cstring>
 #include <memory>
+#include <optional>
 
 #include "Cimom/QORQL/Lazy/QORQL_LazyJoin.h"
 #include "Cimom/QORQL/Lazy/QORQL_LazyTable.h"
@@ -56,23 +57,23 @@ class BlockFilter {
     for (const QoriTruth outcome : {QoriTruth::False, QoriTruth::True, QoriTruth::Null}) {
       _keeps[static_cast<std::size_t>(outcome)] = plan.keeps(outcome);
     }
+    _keepsTrueAlone = _join == nullptr && _keeps == std::array{false, true, false};
   }
 
   // The tuples of the rows that stay. Selects each row that it looks at in `view`.
   std::vector<QORuint32> run(const QORQL_RowBlock& block, QORQL_RowView& view) {
-    constexpr std::size_t kBatch = QORQL_PropertyColumn::kBatch;
     constexpr QORuint64 kFewRows = 4096;  // for so many there is room before it is known how many stay
     const std::size_t width = block.columns.size();
     std::vector<QORuint32> kept;
-    kept.reserve(static_cast<std::size_t>(std::min<QORuint64>(block.rowCount + kBatch, kFewRows)) * width);
+    kept.reserve(static_cast<std::size_t>(std::min<QORuint64>(block.rowCount + kRoom, kFewRows)) * width);
     std::size_t size = 0;
     QORQL_StopCheck stopCheck;
-    for (QORuint64 first = 0; first < block.rowCount; first += kBatch) {
-      stopCheck.count(kBatch);
+    for (QORuint64 first = 0; first < block.rowCount; first += kRoom) {
+      stopCheck.count(kRoom);
       stopCheck.hold(size, sizeof(QORuint32));
-      const std::size_t count = static_cast<std::size_t>(std::min<QORuint64>(kBatch, block.rowCount - first));
-      kept.resize(size + kBatch * width);
-      size += keepOfRun(block, first, count, view, kept.data() + size) * width;
+      const std::size_t count = static_cast<std::size_t>(std::min<QORuint64>(kRoom, block.rowCount - first));
+      if (kept.size() < size + kRoom * width) kept.resize(size + kRoom * width);
+      size += keepOfRuns(block, first, count, view, kept.data() + size) * width;
     }
     kept.resize(size);
     return kept;
@@ -90,7 +91,24 @@ class BlockFilter {
   }
 
  private:
-  // Puts out the tuples of those rows of a run that stay; returns how many there are.
+  static constexpr std::size_t kBatch = QORQL_PropertyColumn::kBatch;
+  static constexpr std::size_t kRoom = 4 * kBatch;  // rows for which there is room at a time
+
+  // Puts out the tuples of those of some rows that stay, all in one loop or run by run; returns how many there are.
+  std::size_t keepOfRuns(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, QORQL_RowView& view,
+                         QORuint32* out) {
+    if (_keepsTrueAlone && block.columns.size() == 1) {
+      const std::optional<std::size_t> selected = _truth.selectRun(block, first, count, out);
+      if (selected) return *selected;
+    }
+    std::size_t kept = 0;
+    for (std::size_t done = 0; done < count; done += kBatch) {
+      kept += keepOfRun(block, first + done, std::min(kBatch, count - done), view, out + kept * block.columns.size());
+    }
+    return kept;
+  }
+
+  // The same of one run.
   std::size_t keepOfRun(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, QORQL_RowView& view,
                         QORuint32* out) {
     QORQL_RunTruths truths;
@@ -145,6 +163,7 @@ class BlockFilter {
   QORQL_RowTruth& _truth;
   std::unique_ptr<QORQL_OuterJoin<QORuint32>> _join;  // null: an inner join
   std::array<bool, 3> _keeps{};                       // whether a row of each truth stays
+  bool _keepsTrueAlone = false;
 };
 
 // The join of two blocks by testing each pair, without making their product.

@@ -62,9 +62,20 @@ class PairCollector {
     std::sort(_result.columns.begin(), _result.columns.end());
     fillPlaces(outer, _outerPlaces);
     fillPlaces(inner, _innerPlaces);
+    _arePairs = _result.columns.size() == 2;
     _result.tuples.reserve(outer.rowCount * _result.columns.size());
   }
-  void add(QORuint64 outerRow, QORuint32 innerRow) { add(outerRow, &innerRow, 1); }
+  void add(QORuint64 outerRow, QORuint32 innerRow) {
+    if (!_arePairs) return add(outerRow, &innerRow, 1);
+    _stopCheck.count();
+    const QORuint32 outerIndex = _outer.index(outerRow, 0);
+    const QORuint32 innerIndex = _inner.index(innerRow, 0);
+    const bool isOuterFirst = _outerPlaces.front() == 0;
+    _result.tuples.push_back(isOuterFirst ? outerIndex : innerIndex);
+    _result.tuples.push_back(isOuterFirst ? innerIndex : outerIndex);
+    ++_result.rowCount;
+    _stopCheck.hold(_result.tuples.size(), sizeof(QORuint32));
+  }
   // The outer row with each of some inner rows.
   void add(QORuint64 outerRow, const QORuint32* innerRows, std::size_t count) {
     _stopCheck.count(count);
@@ -97,6 +108,7 @@ class PairCollector {
   QORQL_RowBlock _result;
   std::vector<std::size_t> _outerPlaces;
   std::vector<std::size_t> _innerPlaces;
+  bool _arePairs = false;  // of one object of either block
   QORQL_StopCheck _stopCheck;
 };
 
@@ -294,7 +306,6 @@ bool QORQL_joinLazily(QORQL_LazyRows& rows, const QORQL_ConditionPlan& plan, con
   if (plan.isOuter() && !findExtensions(rows, join, *partners, plan.joinType, extensions)) return false;
   rows.replaceBlocks(plan.blocks, std::move(*joined));
   if (plan.isOuter()) rows.flatten();
-  for (const QORQL_NullExtension& extension : extensions)
-    QORQL_appendExtendedRow(rows, extension.column, extension.index);
+  QORQL_appendExtendedRows(rows, extensions);
   return true;
 }

@@ -5,6 +5,7 @@
 #include "Cimom/QORQL/Lazy/QORQL_LazyRows.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <new>
 #include <numeric>
 #include <utility>
@@ -16,44 +17,130 @@ namespace {
 // Extents of up to this many objects get their arrays at once; they take three MiB.
 constexpr QORuint32 kSmall = 131072;
 
+// The last two layouts that were seen; before the first object, something that is no layout.
+class LatestLayouts {
+ public:
+  explicit LatestLayouts(const void* none) noexcept : _latest(none), _earlier(none) {}
+  // Without a branch on which of them it is: nobody could predict that where objects of a class and of its subclass
+  // mix.
+  bool has(const IQoriLayout* layout) const noexcept {
+    return (static_cast<int>(layout == _latest) | static_cast<int>(layout == _earlier)) != 0;
+  }
+  void add(const IQoriLayout* layout) noexcept {
+    _earlier = _latest;
+    if (layout != nullptr) _latest = layout;
+  }
+
+ private:
+  const void* _latest;
+  const void* _earlier;
+};
+
+// Puts an object, which may be null, its cells and its layout into three arrays, of which one place and their distance
+// tell all three: a loop over many objects then has hardly more values than the processor keeps at hand over a call.
+inline QoriCells lookAt(const IQoriObject* object, std::byte* place, std::size_t distance) noexcept {
+  *reinterpret_cast<const IQoriObject**>(place) = object;
+  const QoriCells found = object == nullptr ? QoriCells() : object->getCells();
+  *reinterpret_cast<const char**>(place + distance) = found.cells;
+  *reinterpret_cast<const IQoriLayout**>(place + 2 * distance) = found.layout;
+  return found;
+}
+
+// What the objects of a list add up to.
+struct Seen {
+  bool hasOneLayout;
+  bool hasCells;
+};
+
+// Fills the arrays from a list whose objects are expected to have one layout.
+[[gnu::noinline]] Seen fillUniform(const QORValSlist<QORSmrPtr<IQoriObject>>& list, std::byte* place,
+                                   std::size_t distance) noexcept {
+  std::uintptr_t anyLayout = 0;
+  std::uintptr_t everyLayout = ~std::uintptr_t{0};
+  std::uintptr_t leastCells = ~std::uintptr_t{0};
+  list.forEach([&](const QORSmrPtr<IQoriObject>& pointer) {
+    const QoriCells found = lookAt(pointer.Get(), place, distance);
+    anyLayout |= reinterpret_cast<std::uintptr_t>(found.layout);
+    everyLayout &= reinterpret_cast<std::uintptr_t>(found.layout);
+    leastCells = std::min(leastCells, reinterpret_cast<std::uintptr_t>(found.cells));
+    place += sizeof(void*);
+  });
+  return {everyLayout != 0 && anyLayout == everyLayout, leastCells != 0};
+}
+
+// Whether the first few objects have one layout: where those of a class and of its subclasses mix, they rarely do.
+bool beginsUniform(const QORValSlist<QORSmrPtr<IQoriObject>>& list) {
+  constexpr int kFew = 16;
+  const IQoriLayout* first = nullptr;
+  QORValSlistIterator<QORSmrPtr<IQoriObject>> iterator(list);
+  for (int i = 0; i < kFew && ++iterator; ++i) {
+    const IQoriObject* const object = iterator.key().Get();
+    const IQoriLayout* const layout = object == nullptr ? nullptr : object->getLayout();
+    if (layout == nullptr || (first != nullptr && layout != first)) return false;
+    first = layout;
+  }
+  return first != nullptr;
+}
+
 }  // namespace
 
 QORQL_Extent::QORQL_Extent(const ObjectList& list) : _list(list), _cursor(std::in_place, *list) {
-  if (size() > kSmall) {
-    lookAtObjects([](const IQoriObject*, const QoriCells&) {});
-    return;
-  }
-  _objects = std::make_unique_for_overwrite<const IQoriObject*[]>(size());
-  _cells = std::make_unique_for_overwrite<const char*[]>(size());
-  _layoutsOfObjects = std::make_unique_for_overwrite<const IQoriLayout*[]>(size());
-  const IQoriObject** object = _objects.get();
-  const char** cells = _cells.get();
-  const IQoriLayout** layout = _layoutsOfObjects.get();
-  lookAtObjects([&](const IQoriObject* each, const QoriCells& found) {
-    *object++ = each;
-    *cells++ = found.cells;
-    *layout++ = found.layout;
-  });
+  size() > kSmall ? lookAtObjects() : makeArrays();
 }
 
-// The last two layouts are known without a branch on which of them it is: nobody
-// could predict that where objects of a class and of its subclass mix.
-template <class Keep>
-void QORQL_Extent::lookAtObjects(const Keep& keep) {
-  const void* latest = this;  // which is no layout
-  const void* earlier = this;
+void QORQL_Extent::makeArrays() {
+  const std::size_t distance = size() * sizeof(void*);
+  _memory = std::make_unique_for_overwrite<std::byte[]>(3 * distance);
+  _objects = reinterpret_cast<const IQoriObject* const*>(_memory.get());
+  _cells = reinterpret_cast<const char* const*>(_memory.get() + distance);
+  _layoutsOfObjects = reinterpret_cast<const IQoriLayout* const*>(_memory.get() + 2 * distance);
+  if (!beginsUniform(*_list.Get())) return fillArrays(_memory.get(), distance);
+  const Seen seen = fillUniform(*_list.Get(), _memory.get(), distance);
+  _hasCells = seen.hasCells;
+  seen.hasOneLayout ? noteLayout(_layoutsOfObjects[0]) : noteArrays();
+}
+
+void QORQL_Extent::noteArrays() {
+  LatestLayouts latest(this);
+  const std::size_t count = size();
+  for (std::size_t i = 0; i < count; ++i) {
+    if (latest.has(_layoutsOfObjects[i])) continue;
+    noteObject(_objects[i], _layoutsOfObjects[i]);
+    latest.add(_layoutsOfObjects[i]);
+  }
+}
+
+void QORQL_Extent::fillArrays(std::byte* place, std::size_t distance) {
+  LatestLayouts latest(this);
+  std::uintptr_t leastCells = ~std::uintptr_t{0};
+  _list->forEach([&](const QORSmrPtr<IQoriObject>& pointer) {
+    const QoriCells found = lookAt(pointer.Get(), place, distance);
+    leastCells = std::min(leastCells, reinterpret_cast<std::uintptr_t>(found.cells));
+    place += sizeof(void*);
+    if (latest.has(found.layout)) [[likely]]
+      return;
+    noteObject(pointer.Get(), found.layout);
+    latest.add(found.layout);
+  });
+  _hasCells = leastCells != 0;
+}
+
+void QORQL_Extent::lookAtObjects() {
+  LatestLayouts latest(this);
   _list->forEach([&](const QORSmrPtr<IQoriObject>& pointer) {
     const IQoriObject* const object = pointer.Get();
     const QoriCells found = object == nullptr ? QoriCells() : object->getCells();
-    keep(object, found);
     if (found.cells == nullptr) [[unlikely]]
       _hasCells = false;
-    if (static_cast<int>(found.layout == latest) + static_cast<int>(found.layout == earlier) != 0) return;
-    _hasNull = _hasNull || object == nullptr;
-    noteLayout(found.layout);
-    earlier = latest;
-    if (found.layout != nullptr) latest = found.layout;
+    if (latest.has(found.layout)) return;
+    noteObject(object, found.layout);
+    latest.add(found.layout);
   });
+}
+
+void QORQL_Extent::noteObject(const IQoriObject* object, const IQoriLayout* layout) {
+  _hasNull = _hasNull || object == nullptr;
+  noteLayout(layout);
 }
 
 void QORQL_RowBlock::fetch(const QORQL_Extent& extent, QORuint32 column, QORuint64 first, std::size_t count,
@@ -96,8 +183,9 @@ void QORQL_Extent::noteLayout(const IQoriLayout* layout) {
 }
 
 void QORQL_Extent::makeObjects() const {
-  _objects = std::make_unique_for_overwrite<const IQoriObject*[]>(size());
-  const IQoriObject** object = _objects.get();
+  _memory = std::make_unique_for_overwrite<std::byte[]>(size() * sizeof(void*));
+  const IQoriObject** object = reinterpret_cast<const IQoriObject**>(_memory.get());
+  _objects = object;
   _list->forEach([&object](const QORSmrPtr<IQoriObject>& pointer) { *object++ = pointer.Get(); });
 }
 
@@ -134,12 +222,12 @@ void QORQL_Extent::forRun(QORuint32 first, std::size_t count, const Take& take) 
   if (_objects == nullptr) {
     forRunInList(count, take);
   } else {
-    std::for_each_n(_objects.get() + first, count, [&take](const IQoriObject* object) { take(*object); });
+    std::for_each_n(_objects + first, count, [&take](const IQoriObject* object) { take(*object); });
   }
 }
 
 const char* const* QORQL_Extent::cellsOfRun(QORuint32 first, std::size_t count, const char** buffer) const {
-  if (_cells != nullptr) return _cells.get() + first;
+  if (_cells != nullptr) return _cells + first;
   const char** place = buffer;
   forRun(first, count, [&place](const IQoriObject& object) { *place++ = object.getCells().cells; });
   return buffer;
@@ -147,7 +235,7 @@ const char* const* QORQL_Extent::cellsOfRun(QORuint32 first, std::size_t count, 
 
 const IQoriLayout* const* QORQL_Extent::layoutsOfRun(QORuint32 first, std::size_t count,
                                                      const IQoriLayout** buffer) const {
-  if (_layoutsOfObjects != nullptr) return _layoutsOfObjects.get() + first;
+  if (_layoutsOfObjects != nullptr) return _layoutsOfObjects + first;
   const IQoriLayout** place = buffer;
   forRun(first, count, [&place](const IQoriObject& object) { *place++ = object.getLayout(); });
   return buffer;

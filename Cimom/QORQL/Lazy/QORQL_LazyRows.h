@@ -5,6 +5,7 @@
 #define QORQL_LAZYROWS_H
 
 #include <algorithm>
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -32,7 +33,7 @@ class QORQL_Extent {
   void copyRun(QORuint32 first, std::size_t count, const IQoriObject** out) const {
     if (_objects == nullptr && !moveCursor(first)) makeObjects();
     if (_objects != nullptr) {
-      std::copy_n(_objects.get() + first, count, out);
+      std::copy_n(_objects + first, count, out);
     } else {
       forRunInList(count, [&out](const IQoriObject& object) { *out++ = &object; });
     }
@@ -44,7 +45,7 @@ class QORQL_Extent {
     return _cells == nullptr ? object(index)->getCells().cells : _cells[index];
   }
   // BORROWS: the cells of all objects, by their places; null where there are many objects. REQUIRES hasCells().
-  const char* const* allCells() const noexcept { return _cells.get(); }
+  const char* const* allCells() const noexcept { return _cells; }
   // The objects' layouts, as cellsOfRun() has their cells. REQUIRES hasLayouts().
   const IQoriLayout* const* layoutsOfRun(QORuint32 first, std::size_t count, const IQoriLayout** buffer) const;
   // The layout of an object. REQUIRES as above.
@@ -61,9 +62,15 @@ class QORQL_Extent {
   bool hasCells() const noexcept { return _hasCells; }
 
  private:
-  // Calls keep(object, found) for each object, which may be null, with its layout and cells.
-  template <class Keep>
-  void lookAtObjects(const Keep& keep);
+  // Makes the arrays and notes what the objects tell: in one loop, or where they seem to have one layout, in a faster
+  // one, after which that is looked at.
+  void makeArrays();
+  void fillArrays(std::byte* place, std::size_t distance);
+  void noteArrays();
+  // Notes what the objects tell, without arrays.
+  void lookAtObjects();
+  // An object, which may be null, with its layout, which is none of the last two.
+  void noteObject(const IQoriObject* object, const IQoriLayout* layout);
   // Calls take(object) for the objects from `first` on.
   template <class Take>
   void forRun(QORuint32 first, std::size_t count, const Take& take) const;
@@ -96,10 +103,11 @@ class QORQL_Extent {
   mutable QORuint32 _nextOfCursor = 0;
   mutable std::vector<Cursor> _marks;  // before the first, the 4,096th object, and so on
   mutable QORuint32 _moves = 0;
-  mutable std::unique_ptr<const IQoriObject*[]> _objects;  // null where there are many, until somebody needs it
+  mutable std::unique_ptr<std::byte[]> _memory;          // of the arrays
+  mutable const IQoriObject* const* _objects = nullptr;  // null where there are many, until somebody needs it
   // Of the objects; null where there are many.
-  std::unique_ptr<const char*[]> _cells;
-  std::unique_ptr<const IQoriLayout*[]> _layoutsOfObjects;
+  const char* const* _cells = nullptr;
+  const IQoriLayout* const* _layoutsOfObjects = nullptr;
   mutable std::vector<const QORSmrPtr<IQoriObject>*> _pointers;
 };
 
@@ -118,8 +126,12 @@ struct QORQL_RowBlock {
   template <class Use>
   void forEachIndex(QORuint32 column, QORuint64 first, std::size_t count, const Use& use) const {
     const std::size_t width = columns.size();
-    const auto place = std::lower_bound(columns.begin(), columns.end(), column) - columns.begin();
-    const QORuint32* index = tuples.data() + first * width + static_cast<std::size_t>(place);
+    const QORuint32* index = tuples.data() + first * width;
+    if (width == 1) {
+      for (std::size_t i = 0; i < count; ++i) use(index[i]);
+      return;
+    }
+    index += std::lower_bound(columns.begin(), columns.end(), column) - columns.begin();
     for (std::size_t i = 0; i < count; ++i, index += width) use(*index);
   }
 

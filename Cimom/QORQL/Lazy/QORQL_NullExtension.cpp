@@ -90,6 +90,7 @@ bool QORQL_collectExtensions(const QORQL_LazyRows& rows, const QORQL_RowBlock& b
                              const std::vector<bool>& isUnmatched, std::vector<QORQL_NullExtension>& extensions) {
   if (std::find(isUnmatched.begin(), isUnmatched.end(), true) == isUnmatched.end()) return true;
   const std::size_t start = extensions.size();
+  extensions.reserve(start + static_cast<std::size_t>(std::count(isUnmatched.begin(), isUnmatched.end(), true)));
   const QORuint32 column = block.columns.front();
   const bool areDistinct = haveDistinctNumbers(rows, block);
   PathSet seen(areDistinct ? 0 : block.rowCount);
@@ -115,13 +116,36 @@ bool QORQL_collectExtensions(const QORQL_LazyRows& rows, const QORQL_RowBlock& b
   return true;
 }
 
+namespace {
+
+// Gives the block tuples for its rows.
+void makeTuples(QORQL_RowBlock& block) {
+  if (!block.isWholeExtent) return;
+  block.isWholeExtent = false;
+  block.tuples.resize(block.rowCount);
+  std::iota(block.tuples.begin(), block.tuples.end(), QORuint32{0});
+}
+
+}  // namespace
+
 void QORQL_appendExtendedRow(QORQL_LazyRows& rows, QORuint32 column, QORuint32 index) {
   QORQL_RowBlock& block = rows.blocks().front();
-  if (block.isWholeExtent) {
-    block.isWholeExtent = false;
-    block.tuples.clear();
-    for (QORuint64 row = 0; row < block.rowCount; ++row) block.tuples.push_back(static_cast<QORuint32>(row));
-  }
+  makeTuples(block);
   for (const QORuint32 present : block.columns) block.tuples.push_back(present == column ? index : QORQL_kNoObject);
   ++block.rowCount;
+}
+
+void QORQL_appendExtendedRows(QORQL_LazyRows& rows, const std::vector<QORQL_NullExtension>& extensions) {
+  if (extensions.empty()) return;
+  QORQL_RowBlock& block = rows.blocks().front();
+  makeTuples(block);
+  const std::size_t width = block.columns.size();
+  const std::size_t start = block.tuples.size();
+  block.tuples.resize(start + extensions.size() * width, QORQL_kNoObject);
+  QORuint32* tuple = block.tuples.data() + start;
+  for (const QORQL_NullExtension& extension : extensions) {
+    tuple[extension.column] = extension.index;  // the block has all columns, in their order
+    tuple += width;
+  }
+  block.rowCount += extensions.size();
 }

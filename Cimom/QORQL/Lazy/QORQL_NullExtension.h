@@ -24,4 +24,7 @@ bool QORQL_collectExtensions(const QORQL_LazyRows& rows, const QORQL_RowBlock& b
 // Appends a row for an object of one column, null in every other. REQUIRES one block over all columns.
 void QORQL_appendExtendedRow(QORQL_LazyRows& rows, QORuint32 column, QORuint32 index);
 
+// The same for each of them, in one go.
+void QORQL_appendExtendedRows(QORQL_LazyRows& rows, const std::vector<QORQL_NullExtension>& extensions);
+
 #endif

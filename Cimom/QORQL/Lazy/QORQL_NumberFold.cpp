@@ -46,13 +46,17 @@ QoriScalar fitted(Wide value, bool prefersUnsigned) noexcept {
 
 }  // namespace
 
-bool QORQL_NumberFold::takesRun(const QoriScalar* values, std::size_t count) const noexcept {
+template <class Values>
+bool QORQL_NumberFold::takesRun(const Values& values, std::size_t count) const noexcept {
   if (_functionID == QORQL_FUNCTIONID_COUNT) return true;
-  return std::all_of(values, values + count,
-                     [](const QoriScalar& value) { return value.isNull() || value.isNumber(); });
+  for (std::size_t i = 0; i < count; ++i) {
+    if (!values[i].isNull() && !values[i].isNumber()) return false;
+  }
+  return true;
 }
 
-std::size_t QORQL_NumberFold::addRun(const QoriScalar* values, std::size_t count, QORuint64 firstRow) noexcept {
+template <class Values>
+std::size_t QORQL_NumberFold::addRun(const Values& values, std::size_t count, QORuint64 firstRow) noexcept {
   std::size_t present = 0;
   _hasRows = _hasRows || count != 0;
   if (_functionID == QORQL_FUNCTIONID_COUNT) {
@@ -61,7 +65,7 @@ std::size_t QORQL_NumberFold::addRun(const QoriScalar* values, std::size_t count
     return present;
   }
   for (std::size_t i = 0; i < count;) {
-    const std::size_t fast = addAlike(values + i, count - i, firstRow + i);
+    const std::size_t fast = addAlike(values, i, count, firstRow);
     present += fast;
     i += fast;
     if (i == count) break;
@@ -74,38 +78,56 @@ std::size_t QORQL_NumberFold::addRun(const QoriScalar* values, std::size_t count
   return present;
 }
 
-std::size_t QORQL_NumberFold::addAlike(const QoriScalar* values, std::size_t count, QORuint64 firstRow) noexcept {
+template <class Values>
+std::size_t QORQL_NumberFold::addAlike(const Values& values, std::size_t first, std::size_t count,
+                                       QORuint64 firstRow) noexcept {
   const bool wantsExtreme = _functionID == QORQL_FUNCTIONID_MIN || _functionID == QORQL_FUNCTIONID_MAX;
-  if (_isStarted && _folded.kind == ScalarKind::Unsigned) return addUnsigned(values, count, firstRow);
+  if (_isStarted && _folded.kind == ScalarKind::Unsigned) return addUnsigned(values, first, count, firstRow);
   if (!_isStarted || _folded.kind != ScalarKind::Real || wantsExtreme) return 0;
   double sum = _folded.r;
-  std::size_t done = 0;
-  for (; done < count && values[done].kind == ScalarKind::Real; ++done) sum += values[done].r;
+  std::size_t i = first;
+  for (; i < count; ++i) {
+    const QoriScalar& value = values[i];
+    if (value.kind != ScalarKind::Real) break;
+    sum += value.r;
+  }
   _folded.r = sum;
-  return done;
+  return i - first;
 }
 
-std::size_t QORQL_NumberFold::addUnsigned(const QoriScalar* values, std::size_t count, QORuint64 firstRow) noexcept {
-  std::size_t done = 0;
+template <class Values>
+std::size_t QORQL_NumberFold::addUnsigned(const Values& values, std::size_t first, std::size_t count,
+                                          QORuint64 firstRow) noexcept {
+  std::size_t i = first;
   if (_functionID == QORQL_FUNCTIONID_MIN || _functionID == QORQL_FUNCTIONID_MAX) {
-    for (; done < count && values[done].kind == ScalarKind::Unsigned; ++done) {
-      const bool isLess = values[done].u < _folded.u;
-      const bool isGreater = values[done].u > _folded.u;
-      if (_functionID == QORQL_FUNCTIONID_MIN ? !isLess : !isGreater) continue;
-      _folded.u = values[done].u;
-      _row = firstRow + done;
+    const bool wantsLeast = _functionID == QORQL_FUNCTIONID_MIN;
+    for (; i < count; ++i) {
+      const QoriScalar& value = values[i];
+      if (value.kind != ScalarKind::Unsigned) break;
+      if (wantsLeast ? value.u >= _folded.u : value.u <= _folded.u) continue;
+      _folded.u = value.u;
+      _row = firstRow + i;
       _isRowsOwn = true;
     }
-    return done;
+    return i - first;
   }
   QORuint64 sum = _folded.u;
-  while (done < count && values[done].kind == ScalarKind::Unsigned &&
-         !__builtin_add_overflow(sum, values[done].u, &sum)) {
-    _folded.u = sum;
-    ++done;
+  for (; i < count; ++i) {
+    const QoriScalar& value = values[i];
+    QORuint64 next = 0;
+    if (value.kind != ScalarKind::Unsigned || __builtin_add_overflow(sum, value.u, &next)) break;
+    sum = next;
   }
-  return done;
+  _folded.u = sum;
+  return i - first;
 }
+
+template bool QORQL_NumberFold::takesRun(const QoriScalar* const& values, std::size_t count) const noexcept;
+template bool QORQL_NumberFold::takesRun(const QORQL_PlacedCells& values, std::size_t count) const noexcept;
+template std::size_t QORQL_NumberFold::addRun(const QoriScalar* const& values, std::size_t count,
+                                              QORuint64 firstRow) noexcept;
+template std::size_t QORQL_NumberFold::addRun(const QORQL_PlacedCells& values, std::size_t count,
+                                              QORuint64 firstRow) noexcept;
 
 void QORQL_NumberFold::addToSum(const QoriScalar& value) noexcept {
   if (_folded.isNull()) return;

@@ -4,10 +4,18 @@
 #ifndef QORQL_NUMBERFOLD_H
 #define QORQL_NUMBERFOLD_H
 
+#include "Cimom/QORQL/Lazy/QORQL_PropertyColumn.h"
 #include "Cimom/QORQL/QORQL_Function.h"
 #include "Cimom/QORQL/QORQL_SelectList.h"
 #include "cimom/QoriScalar.h"
 #include "cmpbase.h"
+
+// The views of one property where they lie in the cells of some rows' objects. BORROWS the cells; null for no object.
+struct QORQL_PlacedCells {
+  const char* const* cells;
+  QORuint32 offset;
+  const QoriScalar& operator[](std::size_t i) const noexcept { return QORQL_PropertyColumn::viewIn(cells[i], offset); }
+};
 
 class QORQL_NumberFold {
  public:
@@ -25,10 +33,13 @@ class QORQL_NumberFold {
     return value.isNumber() && addNumber(value, row);
   }
 
-  // Whether add() would take each of the values of some rows that follow one another.
-  bool takesRun(const QoriScalar* values, std::size_t count) const noexcept;
+  // Whether add() would take each of the values of some rows that follow one another: a QoriScalar*, or
+  // QORQL_PlacedCells.
+  template <class Values>
+  bool takesRun(const Values& values, std::size_t count) const noexcept;
   // Adds them; returns how many are not NULL. REQUIRES takesRun().
-  std::size_t addRun(const QoriScalar* values, std::size_t count, QORuint64 firstRow) noexcept;
+  template <class Values>
+  std::size_t addRun(const Values& values, std::size_t count, QORuint64 firstRow) noexcept;
 
   // The state as the fold of values has it. `valueOf(row)` gives the folded
   // property's value on a row, for an extreme that is a row's own value.
@@ -41,10 +52,12 @@ class QORQL_NumberFold {
 
  private:
   bool addNumber(const QoriScalar& value, QORuint64 row) noexcept;
-  // Adds those at the front that are of the fold's own kind, for the common kinds; returns how many.
-  std::size_t addAlike(const QoriScalar* values, std::size_t count, QORuint64 firstRow) noexcept;
+  // Adds those from `first` on that are of the fold's own kind, for the common kinds; returns how many.
+  template <class Values>
+  std::size_t addAlike(const Values& values, std::size_t first, std::size_t count, QORuint64 firstRow) noexcept;
   // The same of unsigned ones. REQUIRES an unsigned fold.
-  std::size_t addUnsigned(const QoriScalar* values, std::size_t count, QORuint64 firstRow) noexcept;
+  template <class Values>
+  std::size_t addUnsigned(const Values& values, std::size_t first, std::size_t count, QORuint64 firstRow) noexcept;
   void addToSum(const QoriScalar& value) noexcept;
   QORSmrPtr<IQoriValue> madeValue() const;
 

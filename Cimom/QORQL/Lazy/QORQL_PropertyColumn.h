@@ -41,6 +41,9 @@ class QORQL_PropertyColumn {
                                 const char** buffer) const {
     return block.fetchCells(*_extent, _column, first, count, buffer);
   }
+  // BORROWS: the cells of all objects of the extent, by their places; null where they do not stand so. REQUIRES
+  // readsCells().
+  const char* const* allCells() const noexcept { return _extent->allCells(); }
   QORuint32 offset() const noexcept { return _offset; }
   // The view of the property with that offset in the cells that fetchCells() gave for a row.
   static const QoriScalar& viewIn(const char* cells, QORuint32 offset) noexcept {

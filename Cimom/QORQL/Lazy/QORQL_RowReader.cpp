@@ -72,6 +72,10 @@ const QORQL_RowView& QORQL_RowReader::currentView() {
 
 bool QORQL_RowReader::isBound(std::size_t slot) const noexcept { return _slots[slot].bound != nullptr; }
 
+const QORQL_PropertyColumn& QORQL_RowReader::property(std::size_t slot) const noexcept {
+  return *_slots[slot].bound->propertyColumn();
+}
+
 QORSmrPtr<QORQL_DataRow>& QORQL_RowReader::currentRow() {
   if (_view.has_value() && !_isRowFilled) {
     // A new row each time: a value may still refer to the cells of the last one.

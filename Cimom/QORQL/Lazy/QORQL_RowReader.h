@@ -59,6 +59,10 @@ class QORQL_RowReader {
   // offset. At least 1. REQUIRES such a slot.
   std::size_t runLength() { return _window.runFrom(*_block, _current); }
   std::size_t cellOffset(std::size_t slot) const noexcept { return QORQL_CellWindow::offsetOf(_cellColumns[slot]); }
+  // BORROWS: the property that such a slot is; its cells in the rows of block() can be read where they lie, without
+  // selecting a row. REQUIRES such a slot.
+  const QORQL_PropertyColumn& property(std::size_t slot) const noexcept;
+  const QORQL_RowBlock& block() const noexcept { return *_block; }
   // The selected row's object of a class or alias; null when absent.
   QORSmrPtr<IQoriObject> object(const QORString& className);
   // BORROWS: the object as it was fetched, before the projection, where rows do

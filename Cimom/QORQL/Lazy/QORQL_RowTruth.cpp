@@ -39,6 +39,12 @@ class RelationTruth final : public QORQL_RowTruth {
     QORQL_relateRun(_leftRun, _relation, _rightRun, count, truths);
     return true;
   }
+  std::optional<std::size_t> selectRun(const QORQL_RowBlock& block, QORuint64 first, std::size_t count,
+                                       QORuint32* out) override {
+    const QORQL_PropertyColumn* const column = _leftRun.column();
+    if (column == nullptr || !_rightRun.isConstant()) return std::nullopt;
+    return QORQL_selectRun(*column, _relation, _rightRun.constant(), block, first, count, out);
+  }
 
  private:
   Bound _left;

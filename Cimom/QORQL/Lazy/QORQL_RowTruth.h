@@ -5,6 +5,7 @@
 #define QORQL_ROWTRUTH_H
 
 #include <memory>
+#include <optional>
 
 #include "Cimom/QORQL/Lazy/QORQL_BoundExpression.h"
 #include "Cimom/QORQL/Lazy/QORQL_ConditionPlan.h"
@@ -21,6 +22,12 @@ class QORQL_RowTruth {
   virtual bool testRun(const QORQL_RowBlock& /*block*/, QORuint64 /*first*/, std::size_t /*count*/,
                        QORQL_RunTruths& /*truths*/) {
     return false;
+  }
+  // Puts out the indices of those of any number of rows on which it is true, for a block of one column, and returns how
+  // many there are. Nothing when testRun() must be asked of these rows; that tells nothing of others.
+  virtual std::optional<std::size_t> selectRun(const QORQL_RowBlock& /*block*/, QORuint64 /*first*/,
+                                               std::size_t /*count*/, QORuint32* /*out*/) {
+    return std::nullopt;
   }
   // To be called when test() has decided a row of the run that testRun() has seen last: puts in what that tells of the
   // undecided rows from `next` on.

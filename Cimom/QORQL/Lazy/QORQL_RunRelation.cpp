@@ -17,6 +17,11 @@ Kind firstKind(const QORQL_RunOperand& operand, std::size_t count) noexcept {
   return Kind::Null;
 }
 
+// REQUIRES an unsigned literal.
+bool fitsSigned(const QoriScalar& literal) noexcept {
+  return literal.u <= static_cast<QORuint64>(std::numeric_limits<QORsint64>::max());
+}
+
 template <Kind kKind>
 auto integerOf(const QoriScalar& view) noexcept {
   if constexpr (kKind == Kind::Signed) {
@@ -47,6 +52,96 @@ void relateIntegers(const QORQL_RunOperand& operand, QoriRelation relation, cons
   });
 }
 
+// A literal against the property whose cells lie at an offset.
+struct CellRelation {
+  const char* const* cells;
+  QORuint32 offset;
+  QoriRelation relation;
+  const QoriScalar& literal;
+};
+
+// Rows of a block of one column, which are objects by their places.
+struct WholeRows {
+  QORuint32 operator[](QORuint64 row) const noexcept { return static_cast<QORuint32>(row); }
+  static bool hasObject(QORuint32 /*index*/) noexcept { return true; }
+};
+struct TupleRows {
+  const QORuint32* indices;
+  QORuint32 operator[](QORuint64 row) const noexcept { return indices[row]; }
+  static bool hasObject(QORuint32 index) noexcept { return index != QORQL_kNoObject; }
+};
+
+// What the first object that has a value has; Null when there is none.
+template <class Rows>
+Kind firstKind(const CellRelation& asked, const Rows& rows, QORuint64 first, QORuint64 end) noexcept {
+  for (QORuint64 row = first; row < end; ++row) {
+    const QORuint32 index = rows[row];
+    const Kind kind = Rows::hasObject(index) ? QoriCells::at(asked.cells[index], asked.offset).kind : Kind::Null;
+    if (kind != Kind::Null) return kind;
+  }
+  return Kind::Null;
+}
+
+// Both put out the indices of the rows that hold, without a branch on that, which the processor could not predict, and
+// return how many there are; nothing when they meet what they are not made for. The first is for cells that all have
+// an integer of that kind.
+template <Kind kKind, class Compare, class Rows>
+std::optional<std::size_t> selectDense(const Compare& compare, const CellRelation& asked, const Rows& rows,
+                                       QORuint64 first, QORuint64 end, QORuint32* out) noexcept {
+  const char* const* const cells = asked.cells;
+  const std::size_t offset = asked.offset;
+  const auto number = integerOf<kKind>(asked.literal);
+  std::size_t selected = 0;
+  for (QORuint64 row = first; row < end; ++row) {
+    const QORuint32 index = rows[row];
+    if (!Rows::hasObject(index)) return std::nullopt;
+    const QoriScalar& cell = *reinterpret_cast<const QoriScalar*>(cells[index] + offset);
+    if (cell.kind != kKind) return std::nullopt;
+    out[selected] = index;
+    selected += compare(integerOf<kKind>(cell), number) ? 1 : 0;
+  }
+  return selected;
+}
+
+// The second is for integers and NULLs, which alternate.
+template <Kind kKind, class Compare, class Rows>
+std::optional<std::size_t> selectWithNulls(const Compare& compare, const CellRelation& asked, const Rows& rows,
+                                           QORuint64 first, QORuint64 end, QORuint32* out) noexcept {
+  const char* const* const cells = asked.cells;
+  const std::size_t offset = asked.offset;
+  const auto number = integerOf<kKind>(asked.literal);
+  std::size_t selected = 0;
+  for (QORuint64 row = first; row < end; ++row) {
+    const QORuint32 index = rows[row];
+    if (!Rows::hasObject(index)) continue;
+    const QoriScalar& cell = *reinterpret_cast<const QoriScalar*>(cells[index] + offset);
+    const std::size_t isKind = cell.kind == kKind ? 1 : 0;
+    if (cell.kind != Kind::Null && isKind == 0) return std::nullopt;
+    out[selected] = index;
+    selected += isKind & (compare(integerOf<kKind>(cell), number) ? 1U : 0U);
+  }
+  return selected;
+}
+
+template <Kind kKind, class Rows>
+std::optional<std::size_t> selectIntegers(const CellRelation& asked, const Rows& rows, QORuint64 first, QORuint64 end,
+                                          QORuint32* out) noexcept {
+  std::optional<std::size_t> selected;
+  QORQL_withComparison(asked.relation, [&](const auto& compare) {
+    selected = selectDense<kKind>(compare, asked, rows, first, end, out);
+    if (!selected) selected = selectWithNulls<kKind>(compare, asked, rows, first, end, out);
+  });
+  return selected;
+}
+
+template <class Rows>
+std::optional<std::size_t> select(const CellRelation& asked, const Rows& rows, QORuint64 first, QORuint64 end,
+                                  QORuint32* out) noexcept {
+  return fitsSigned(asked.literal) && firstKind(asked, rows, first, end) == Kind::Signed
+             ? selectIntegers<Kind::Signed>(asked, rows, first, end, out)
+             : selectIntegers<Kind::Unsigned>(asked, rows, first, end, out);
+}
+
 }  // namespace
 
 void QORQL_relateRun(const QORQL_RunOperand& left, QoriRelation relation, const QORQL_RunOperand& right,
@@ -56,10 +151,20 @@ void QORQL_relateRun(const QORQL_RunOperand& left, QoriRelation relation, const 
     return;
   }
   const QoriScalar& literal = right.constant();
-  const bool fitsSigned = literal.u <= static_cast<QORuint64>(std::numeric_limits<QORsint64>::max());
-  if (fitsSigned && firstKind(left, count) == Kind::Signed) {
+  if (fitsSigned(literal) && firstKind(left, count) == Kind::Signed) {
     relateIntegers<Kind::Signed>(left, relation, literal, count, truths);
   } else {
     relateIntegers<Kind::Unsigned>(left, relation, literal, count, truths);
   }
+}
+
+std::optional<std::size_t> QORQL_selectRun(const QORQL_PropertyColumn& column, QoriRelation relation,
+                                           const QoriScalar& literal, const QORQL_RowBlock& block, QORuint64 first,
+                                           std::size_t count, QORuint32* out) noexcept {
+  const bool isTold = literal.kind == Kind::Unsigned && block.columns.size() == 1 && column.readsCells();
+  const char* const* const cells = isTold ? column.allCells() : nullptr;
+  if (cells == nullptr) return std::nullopt;
+  const CellRelation asked{cells, column.offset(), relation, literal};
+  return block.isWholeExtent ? select(asked, WholeRows{}, first, first + count, out)
+                             : select(asked, TupleRows{block.tuples.data()}, first, first + count, out);
 }

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 
 #include "Cimom/QORQL/Lazy/QORQL_BoundExpression.h"
 #include "Cimom/QORQL/Lazy/QORQL_PropertyColumn.h"
@@ -23,6 +24,8 @@ class QORQL_RunOperand {
   bool isReadable() const noexcept { return _constant != nullptr || _column != nullptr; }
   bool isConstant() const noexcept { return _constant != nullptr; }
   const QoriScalar& constant() const noexcept { return *_constant; }
+  // BORROWS: the property that the side is; null for every other.
+  const QORQL_PropertyColumn* column() const noexcept { return _column; }
   // Reads the next rows, or finds out where their cells lie. REQUIRES isReadable(), and a block that has the column.
   void read(const QORQL_RowBlock& block, QORuint64 first, std::size_t count) {
     if (_constant != nullptr) return;
@@ -72,6 +75,13 @@ using QORQL_RunTruths = std::array<QORQL_ViewTruth, QORQL_PropertyColumn::kBatch
 // Fills `truths` with the relation's truth on `count` rows that both sides have read.
 void QORQL_relateRun(const QORQL_RunOperand& left, QoriRelation relation, const QORQL_RunOperand& right,
                      std::size_t count, QORQL_RunTruths& truths) noexcept;
+
+// Puts out the indices of those of `count` rows of a block of one column, from `first` on, on which the relation of the
+// column with the literal is true, and returns how many there are; nothing where that is not told by integers of the
+// literal's signedness and NULLs alone. Costs one loop, where the truths and then the rows take several.
+std::optional<std::size_t> QORQL_selectRun(const QORQL_PropertyColumn& column, QoriRelation relation,
+                                           const QoriScalar& literal, const QORQL_RowBlock& block, QORuint64 first,
+                                           std::size_t count, QORuint32* out) noexcept;
 
 // Calls use(compare) with the comparison of two ordered keys that the relation stands for.
 template <class Use>

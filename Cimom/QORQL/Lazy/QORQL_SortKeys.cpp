@@ -38,9 +38,34 @@ bool QORQL_SortKeys::add(const QoriScalar& key, const QORSmrPtr<IQoriValue>& hol
   return true;
 }
 
+template <QoriScalarKind kKind>
+std::size_t QORQL_SortKeys::addIntegers(const QoriScalar* keys, std::size_t count) {
+  const std::size_t start = _entries.size();
+  _entries.resize(start + count);
+  QORQL_SortEntry* const entries = _entries.data() + start;
+  QoriScalar all;
+  all.kind = kKind;
+  std::size_t done = 0;
+  for (; done < count && keys[done].kind == kKind; ++done) {
+    all.u |= keys[done].u;
+    entries[done] = {keys[done].u, static_cast<QORuint32>(start + done)};
+  }
+  _entries.resize(start + done);
+  if (done != 0) _order.note(all);  // the first bit tells of a sign and of a huge number, whichever key has it
+  return done;
+}
+
+// The integers at the front of the keys, which most are, without a look at each for anything else.
+std::size_t QORQL_SortKeys::addFront(const QoriScalar* keys, std::size_t count) {
+  const bool isInteger = keys[0].kind == QoriScalarKind::Unsigned || keys[0].kind == QoriScalarKind::Signed;
+  if (!isInteger || !joins(Family::Numbers)) return 0;
+  return keys[0].kind == QoriScalarKind::Unsigned ? addIntegers<QoriScalarKind::Unsigned>(keys, count)
+                                                  : addIntegers<QoriScalarKind::Signed>(keys, count);
+}
+
 bool QORQL_SortKeys::add(const QoriScalar* keys, std::size_t count) {
   const QORSmrPtr<IQoriValue> none;
-  for (std::size_t i = 0; i < count; ++i) {
+  for (std::size_t i = count == 0 ? 0 : addFront(keys, count); i < count; ++i) {
     if (!add(keys[i], none)) return false;
   }
   return true;

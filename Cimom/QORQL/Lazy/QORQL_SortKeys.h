@@ -30,6 +30,11 @@ class QORQL_SortKeys {
   enum class Family : QORuint8 { None, Numbers, Texts, Timestamps, Intervals };
 
   bool addDateTime(const QORString& text);
+  // Add those keys at the front that are integers of one signedness; return how many. REQUIRES a key, and for the
+  // second that numbers join.
+  std::size_t addFront(const QoriScalar* keys, std::size_t count);
+  template <QoriScalarKind kKind>
+  std::size_t addIntegers(const QoriScalar* keys, std::size_t count);
   // Notes what the next key is; false when it goes not together with those before.
   bool joins(Family family) noexcept;
   void sortNumbers(bool isAscending);

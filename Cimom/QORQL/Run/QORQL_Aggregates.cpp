@@ -3,6 +3,7 @@
 #include "Cimom/QORQL/Run/QORQL_Aggregates.h"
 
 #include <algorithm>
+#include <array>
 #include <memory>
 #include <vector>
 
@@ -101,6 +102,7 @@ struct Fold {
   QORQL_Function* call = nullptr;  // null: the entry has several aggregates, its result is null
   Function function;
   std::size_t slot = 0;
+  bool isTested = false;                        // whether an earlier fold looks at the same values first
   std::unique_ptr<QORQL_NumberFold> numbers{};  // while the argument is a property and its values are numbers
 };
 
@@ -151,17 +153,61 @@ bool areNumbers(const std::vector<Fold>& folds) {
   return std::all_of(folds.begin(), folds.end(), [](const Fold& fold) { return fold.numbers != nullptr; });
 }
 
-// Folds the rows from the selected one on whose cells are at hand, fold by fold; returns how many, 0 when only row by
-// row is sure to meet an error in its row.
-std::size_t foldRun(std::vector<Fold>& folds, QORQL_RowReader& reader, QORuint64 row, QORuint64& counter) {
+// Whether the values of those folds lie in the cells of all rows' objects, and these are so few that they are likely to
+// be in the cache; otherwise they come sooner when they are read column by column.
+bool lieInCells(const std::vector<Fold>& folds, const QORQL_RowReader& reader) {
+  constexpr QORuint64 kFewRows = 4096;
+  return reader.rowCount() <= kFewRows && std::all_of(folds.begin(), folds.end(), [&reader](const Fold& fold) {
+           return reader.property(fold.slot).readsCells();
+         });
+}
+
+// Folds `count` rows, fold by fold, by what valuesOf() gives of them; false, with nothing changed, when only row by row
+// is sure to meet an error in its row.
+template <class ValuesOf>
+bool foldRun(std::vector<Fold>& folds, const ValuesOf& valuesOf, std::size_t count, QORuint64 row, QORuint64& counter) {
+  const bool takesAll = std::all_of(folds.begin(), folds.end(), [&](const Fold& fold) {
+    return fold.isTested || fold.numbers->takesRun(valuesOf(fold), count);
+  });
+  if (!takesAll) return false;
+  for (Fold& fold : folds) counter += fold.numbers->addRun(valuesOf(fold), count, row);
+  return true;
+}
+
+// The same of the rows from the selected one on, whose cells the reader has at hand; returns how many.
+std::size_t foldRead(std::vector<Fold>& folds, QORQL_RowReader& reader, QORuint64 row, QORuint64& counter) {
   const std::size_t count = reader.runLength();
   const QoriScalar* const cells = reader.cells();
-  const auto cellsOf = [&](const Fold& fold) { return cells + reader.cellOffset(fold.slot); };
-  const bool takesAll = std::all_of(folds.begin(), folds.end(),
-                                    [&](const Fold& fold) { return fold.numbers->takesRun(cellsOf(fold), count); });
-  if (!takesAll) return 0;
-  for (Fold& fold : folds) counter += fold.numbers->addRun(cellsOf(fold), count, row);
-  return count;
+  const auto valuesOf = [&](const Fold& fold) { return cells + reader.cellOffset(fold.slot); };
+  return foldRun(folds, valuesOf, count, row, counter) ? count : 0;
+}
+
+// The same of rows whose cells are read where they lie. REQUIRES lieInCells().
+std::size_t foldInCells(std::vector<Fold>& folds, const QORQL_RowReader& reader, QORuint64 row, QORuint64& counter) {
+  constexpr std::size_t kBatch = QORQL_PropertyColumn::kBatch;
+  const std::size_t count = static_cast<std::size_t>(std::min<QORuint64>(kBatch, reader.rowCount() - row));
+  std::array<const char*, kBatch> buffer;
+  const QORQL_PropertyColumn* fetched = nullptr;  // whose objects' cells are at hand
+  const char* const* cells = nullptr;
+  const auto valuesOf = [&](const Fold& fold) {
+    const QORQL_PropertyColumn& column = reader.property(fold.slot);
+    if (fetched == nullptr || fetched->column() != column.column()) {
+      cells = column.fetchCells(reader.block(), row, count, buffer.data());
+      fetched = &column;
+    }
+    return QORQL_PlacedCells{cells, column.offset()};
+  };
+  return foldRun(folds, valuesOf, count, row, counter) ? count : 0;
+}
+
+// A property that an earlier fold of numbers has looked at is not looked at again.
+void noteTested(std::vector<Fold>& folds, const QORQL_RowReader& reader) {
+  for (auto fold = folds.begin(); fold != folds.end(); ++fold) {
+    fold->isTested = std::any_of(folds.begin(), fold, [&](const Fold& earlier) {
+      return earlier.function.functionID != QORQL_FUNCTIONID_COUNT &&
+             reader.cellOffset(earlier.slot) == reader.cellOffset(fold->slot);
+    });
+  }
 }
 
 void foldRow(std::vector<Fold>& folds, QORQL_RowReader& reader, QORuint64 row, QORuint64& counter) {
@@ -173,9 +219,14 @@ void foldRow(std::vector<Fold>& folds, QORQL_RowReader& reader, QORuint64 row, Q
 
 void foldRows(std::vector<Fold>& folds, QORQL_RowReader& reader, QORuint64& counter) {
   QORQL_StopCheck stopCheck;
+  bool areAtHand = areNumbers(folds);
+  if (areAtHand) noteTested(folds, reader);
+  const bool arePlaced = areAtHand && lieInCells(folds, reader);
   for (QORuint64 row = 0; row < reader.rowCount();) {
     reader.select(row);
-    const std::size_t run = areNumbers(folds) ? foldRun(folds, reader, row, counter) : 0;
+    areAtHand = areAtHand && areNumbers(folds);
+    std::size_t run = 0;
+    if (areAtHand) run = arePlaced ? foldInCells(folds, reader, row, counter) : foldRead(folds, reader, row, counter);
     if (run == 0) foldRow(folds, reader, row, counter);
     const std::size_t done = std::max<std::size_t>(run, 1);
     stopCheck.count(done);

@@ -8,6 +8,7 @@
 #include "Cimom/QORQL/Lazy/QORQL_LazyRows.h"
 #include "QueryWorld.h"
 #include "cimom/CIMApi.h"
+#include "cimom/CQoriBaseObject.h"
 
 namespace {
 
@@ -96,6 +97,31 @@ TEST(Extent, LayoutsAndCellsAreThoseOfTheObjects) {
     EXPECT_EQ(someCells[1], nullptr);
     EXPECT_EQ(someLayouts[2], two->last()->getLayout());
     EXPECT_EQ(someCells[2], two->last()->getCells().cells);
+  }
+}
+
+// Wherever in a list the first object of another kind stands.
+TEST(Extent, TellsWhatOneObjectOfAListIs) {
+  QueryWorld world(kClass + std::string("class Y : Z { }; instance of Z { k = 1; }; instance of Y { k = 2; };"));
+  CIMApi client;
+  const CIMApi::Instances two = client.enumerateInstances("root/cimv2", "Z", {}, -1, nullptr, nullptr, nullptr, {});
+  const QORSmrPtr<IQoriObject> plain(new CQoriBaseObject(
+      "root", "Z", "k", QORSmrPtr<CQoriBaseObject::PropertyList>(new CQoriBaseObject::PropertyList)));
+  const auto extentWith = [&](const QORSmrPtr<IQoriObject>& other, QORuint32 place) {
+    const QORQL_Extent::ObjectList list(new QORValSlist<QORSmrPtr<IQoriObject>>);
+    for (QORuint32 i = 0; i < 100; ++i) list->append(i == place ? other : two->first());
+    return std::make_unique<QORQL_Extent>(list);
+  };
+  for (const QORuint32 place : {0U, 1U, 15U, 16U, 99U}) {
+    const auto same = extentWith(two->first(), place);
+    EXPECT_TRUE(!same->hasNull() && same->hasCells() && same->layouts().size() == 1) << place;
+    const auto mixed = extentWith(two->last(), place);
+    EXPECT_TRUE(!mixed->hasNull() && mixed->hasCells() && mixed->hasLayouts()) << place;
+    EXPECT_EQ(mixed->layouts().size(), 2U) << place;
+    EXPECT_EQ(mixed->layouts().front(), mixed->object(0)->getLayout()) << place;
+    const auto without = extentWith(plain, place);
+    EXPECT_TRUE(!without->hasNull() && !without->hasCells() && !without->hasLayouts()) << place;
+    EXPECT_TRUE(extentWith({}, place)->hasNull()) << place;
   }
 }
 

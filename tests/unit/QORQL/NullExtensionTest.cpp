@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <vector>
 
 #include "Cimom/QORQL/Lazy/QORQL_LazyRows.h"
 #include "Cimom/QORQL/Lazy/QORQL_NullExtension.h"
@@ -58,6 +59,29 @@ TEST_F(NullExtension, OfNoObjectNeedsNoPaths) {
   for (const char* const key : {"a", "a"}) add(key);
   EXPECT_TRUE(collect({false, false}));
   EXPECT_TRUE(extensions.empty());
+}
+
+// Behind rows of two columns, of which neither has tuples of its own before.
+TEST_F(NullExtension, SeveralAreAppendedAsOneAfterTheOther) {
+  add("a");
+  add("b");
+  const auto extent = std::make_shared<QORQL_Extent>(list);
+  QORQL_LazyRows oneByOne;
+  for (int i = 0; i < 2; ++i) oneByOne.addExtent(extent);
+  oneByOne.flatten();
+  QORQL_LazyRows together(oneByOne);
+  extensions = {{0, 0, 1}, {0, 1, 0}, {0, 0, 0}};
+  for (const QORQL_NullExtension& each : extensions) QORQL_appendExtendedRow(oneByOne, each.column, each.index);
+  QORQL_appendExtendedRows(together, extensions);
+  EXPECT_EQ(together.blocks().front().tuples, oneByOne.blocks().front().tuples);
+  EXPECT_EQ(together.rowCount(), 7U);
+
+  QORQL_LazyRows whole;
+  whole.addExtent(extent);
+  QORQL_appendExtendedRows(whole, {});
+  EXPECT_TRUE(whole.blocks().front().isWholeExtent);
+  QORQL_appendExtendedRows(whole, {{0, 0, 1}});
+  EXPECT_EQ(whole.blocks().front().tuples, (std::vector<QORuint32>{0, 1, 1}));
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <string>
 #include <vector>
 
 #include "Cimom/QORQL/Lazy/QORQL_NumberFold.h"
@@ -25,6 +26,18 @@ std::string outcomeOf(const QORQL_NumberFold& fold) {
   return QueryWorld::textOf(function.value->getType()->getName() + " " + function.value->toString());
 }
 
+// The values where they lie in objects, with a row without object behind them.
+std::string foldedInPlace(QORuint32 functionID, const std::vector<QoriScalar>& values) {
+  std::vector<const char*> cells;
+  for (const QoriScalar& value : values) cells.push_back(reinterpret_cast<const char*>(&value));
+  if (!cells.empty()) cells.push_back(nullptr);
+  const QORQL_PlacedCells placed{cells.data(), 0};
+  QORQL_NumberFold fold(functionID);
+  EXPECT_TRUE(fold.takesRun(placed, cells.size()));
+  fold.addRun(placed, cells.size(), 0);
+  return outcomeOf(fold);
+}
+
 // The values of some rows, one by one and as runs, with the same outcome.
 std::string folded(QORuint32 functionID, const std::vector<QoriScalar>& values) {
   QORQL_NumberFold fold(functionID);
@@ -40,6 +53,7 @@ std::string folded(QORuint32 functionID, const std::vector<QoriScalar>& values) 
     EXPECT_EQ(runs.addRun(values.data(), first, 0) + runs.addRun(second, values.size() - first, first), present);
     EXPECT_EQ(outcomeOf(runs), outcomeOf(fold)) << "two runs, of which the first has " << first << " rows";
   }
+  EXPECT_EQ(foldedInPlace(functionID, values), outcomeOf(fold));
   return outcomeOf(fold);
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "Cimom/QORQL/Lazy/QORQL_RunRelation.h"
 #include "FetchedStatement.h"
@@ -52,6 +53,56 @@ TEST_F(RunRelation, IsThatOfEachRow) {
     }
   }
   EXPECT_GE(pairs, 100);  // a literal behind a minus may have to be computed
+}
+
+// The rows of a block that hold, by each of their truths.
+std::vector<QORuint32> held(const QORQL_PropertyColumn& column, QoriRelation relation, const QoriScalar& literal,
+                            const QORQL_RowBlock& block) {
+  std::vector<QORuint32> rows;
+  for (QORuint64 row = 0; row < block.rowCount; ++row) {
+    QoriScalar cell;
+    column.read(block, row, 1, &cell);
+    if (QORQL_relateViews(cell, relation, literal) == QORQL_ViewTruth::True) rows.push_back(block.index(row, 0));
+  }
+  return rows;
+}
+
+// All rows in their order, and some of them in another, of which one has no object.
+std::vector<QORQL_RowBlock> blocksOf(const QORQL_RowBlock& whole) {
+  QORQL_RowBlock some;
+  some.columns = {0};
+  for (QORuint32 i = 0; i < 50; ++i) some.tuples.push_back(i == 20 ? QORQL_kNoObject : i * 29 % 64);
+  some.rowCount = some.tuples.size();
+  return {whole, some};
+}
+
+// NULLs stand in K and N, integers of the other signedness in S and N; a text is none of the selection's business.
+TEST_F(RunRelation, SelectsTheRowsOfWhichItIsTrue) {
+  FetchedStatement fetched("SELECT K, S, N, Id, T, 4 AS Four, 0 AS Zero, 18446744073709551615 AS Greatest FROM A");
+  const QORQL_Binder binder(*fetched.table);
+  int selections = 0;
+  for (const QORQL_RowBlock& block : blocksOf(fetched.rows().blocks().front())) {
+    for (QORuint32 l = 0; l < 5; ++l) {
+      for (QORuint32 r = 5; r < 8; ++r) {
+        const auto left = binder.bindEntry(*fetched.entry(l));
+        const auto right = binder.bindEntry(*fetched.entry(r));
+        const QORQL_PropertyColumn& column = *left->propertyColumn();
+        for (const QoriRelation relation :
+             {QoriRelation::Equal, QoriRelation::NotEqual, QoriRelation::Less, QoriRelation::Greater,
+              QoriRelation::LessEqual, QoriRelation::GreaterEqual}) {
+          std::vector<QORuint32> out(block.rowCount + 1);
+          const auto count =
+              QORQL_selectRun(column, relation, *right->constant(), block, 0, block.rowCount, out.data());
+          if (!count) continue;
+          ++selections;
+          out.resize(*count);
+          EXPECT_EQ(out, held(column, relation, *right->constant(), block)) << l << " and " << r;
+        }
+      }
+    }
+  }
+  // Of each block the unsigned K and Id with every literal, the signed S and N with two of them.
+  EXPECT_EQ(selections, 2 * (2 * 3 + 2 * 2) * 6);
 }
 
 TEST_F(RunRelation, ReadsNothingThatMustBeComputed) {

@@ -35,7 +35,13 @@ Rows sorted(const std::vector<QoriScalar>& keys, bool isAscending) {
   sort.reserve(keys.size());
   for (const QoriScalar& key : keys) EXPECT_TRUE(sort.add(key, {}));
   EXPECT_TRUE(sort.areSortable());
-  return sort.takeSorted(isAscending);
+  QORQL_SortKeys runs;  // the same keys in two runs
+  const std::size_t first = keys.size() / 3;
+  EXPECT_TRUE(runs.add(keys.data(), first) && runs.add(keys.data() + first, keys.size() - first));
+  EXPECT_TRUE(runs.areSortable());
+  const Rows rows = sort.takeSorted(isAscending);
+  EXPECT_EQ(runs.takeSorted(isAscending), rows);
+  return rows;
 }
 
 // Sorts both ways and compares with what `isLess` on rows makes of them.
