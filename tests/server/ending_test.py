@@ -65,7 +65,7 @@ class EndingTest(ReloadCase):
         settings = self.write("server.ini", lines + "contexts = 1\n")
         server = self.serve("--config", settings, listen=None)
         self.assertEqual([self.open_one(server) for _ in range(2)], [0, 27])
-        self.write("server.ini", lines + "contexts = 2\nstore = store\nwritable = yes\n")
+        self.write("server.ini", lines + "contexts = 2\ninterval = 7\nstore = store\nwritable = yes\n")
         self.reload(server)
         self.assertEqual([self.open_one(server) for _ in range(3)], [0, 0, 27])
         told = [line for line in server.log_text().splitlines() if "restart" in line]

@@ -3,6 +3,7 @@
 #include "LiveEvents.h"
 
 #include <exception>
+#include <optional>
 #include <utility>
 
 #include "Cimom/Embedded/ManagerScope.h"
@@ -46,24 +47,31 @@ LiveEvents::~LiveEvents() {
 }
 
 void LiveEvents::run() {
-  Clock::time_point due = Clock::now();
+  std::optional<Clock::time_point> last;
   std::unique_lock lock(_mutex);
   while (!_isStopped) {
     _isAsked = false;
+    const bool isDue = !last || Clock::now() >= *last + _interval;
     lock.unlock();
     const QORuint64 version = _events.filtersVersion();
-    const bool isDue = Clock::now() >= due;
     try {
       look(isDue);
     } catch (const std::exception& failure) {
       tell(std::string("live changes are not seen: ") + failure.what());
     }
-    if (isDue) due = Clock::now() + _interval;
+    if (isDue) last = Clock::now();
     lock.lock();
     _followed = version;
     _looked.notify_all();
-    _changed.wait_until(lock, due, [this] { return _isStopped || _isAsked; });
+    _changed.wait_until(lock, *last + _interval, [this] { return _isStopped || _isAsked; });
   }
+}
+
+void LiveEvents::setInterval(std::chrono::milliseconds interval) {
+  const std::lock_guard lock(_mutex);
+  _interval = interval;
+  _isAsked = true;
+  _changed.notify_all();
 }
 
 void LiveEvents::follow() {

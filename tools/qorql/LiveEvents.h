@@ -27,6 +27,9 @@ class LiveEvents {
   // Waits for the look that is under way.
   ~LiveEvents();
 
+  // From the last look on. Any thread may call.
+  void setInterval(std::chrono::milliseconds interval);
+
  private:
   using Clock = std::chrono::steady_clock;
 
@@ -43,8 +46,8 @@ class LiveEvents {
   ServerModel& _model;
   ServerEvents& _events;
   const QORString _nameSpace;
-  const std::chrono::milliseconds _interval;
   std::mutex _mutex;
+  std::chrono::milliseconds _interval;
   std::condition_variable _changed;
   bool _isStopped = false;
   bool _isAsked = false;    // to see to the filters at once

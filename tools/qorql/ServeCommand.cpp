@@ -57,6 +57,11 @@ constexpr std::chrono::seconds kPatience{10};  // for what is being written
 // The object manager of a session, which lives as long as anybody has it.
 ServerModel::Manager managerOf(const std::shared_ptr<Session>& session) { return {session, &session->manager()}; }
 
+std::chrono::milliseconds intervalOf(const ServeOptions& options) {
+  const std::chrono::duration<double> seconds(options.interval.value_or(kInterval));
+  return std::chrono::duration_cast<std::chrono::milliseconds>(seconds);
+}
+
 std::string monotonicMicroseconds() {
   timespec now{};
   clock_gettime(CLOCK_MONOTONIC, &now);
@@ -95,9 +100,7 @@ class ServerRun {
     if (_events != nullptr) _events->attach(managerOf(session));
     _server = _library.startHttp(httpOptionsOf(options), makeService(options));
     if (_events == nullptr) return;
-    const std::chrono::duration<double> interval(options.interval.value_or(kInterval));
-    _live = std::make_unique<LiveEvents>(*_model, *_events, QORString(options.session.nameSpace),
-                                         std::chrono::duration_cast<std::chrono::milliseconds>(interval));
+    _live = std::make_unique<LiveEvents>(*_model, *_events, QORString(options.session.nameSpace), intervalOf(options));
   }
 
   void run() {
@@ -163,6 +166,7 @@ class ServerRun {
       throw std::runtime_error("what clients write does not come to its end");
     }
     _drainSeconds = static_cast<unsigned>(limitOf(options, "drain"));
+    if (_live != nullptr) _live->setInterval(intervalOf(options));
     tellOfKept(options);
   }
 

@@ -249,7 +249,6 @@ ServeOptions withConfiguration(const ServeOptions& given) {
 
 std::vector<std::string> keptSettings(const ServeOptions& started, const ServeOptions& now) {
   const std::pair<const char*, bool> settings[] = {
-      {"interval", started.interval != now.interval},
       {"listen", started.addresses != now.addresses},
       {"listener-ca", started.listeners.caFile != now.listeners.caFile},
       {"store", started.storeFile != now.storeFile},

@@ -193,6 +193,14 @@ TEST(LiveEvents, ASubscriptionThatAsksForNothingElseCostsNoLook) {
   EXPECT_EQ(live.provider->looks(), before);
 }
 
+TEST(LiveEvents, AnotherIntervalCountsAtOnce) {
+  LiveServer live{hours(1)};
+  live.subscribe(kCreations, kUrl);
+  live.provider->set("a", 1);
+  live.live->setInterval(milliseconds(10));
+  EXPECT_THAT(live.names(1), ElementsAre("a"));
+}
+
 TEST(LiveEvents, WhatNobodyAsksForAnyMoreIsNotLookedAt) {
   LiveServer live{milliseconds(5)};
   const Name subscription(live.subscribe(kCreations, kUrl));
