@@ -3,6 +3,7 @@
 #include "Cimom/CimXml/CimXmlValues.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <iterator>
@@ -167,8 +168,24 @@ void appendReal(std::string& out, double value, bool isReal32) {
   out += text.substr(exponent + 1);
 }
 
-// Escapes a text, with references for the characters among `blanks`.
+// For each byte, whether it is a whole character that no escaping changes.
+constexpr std::array<bool, 256> kMeansItself = [] {
+  std::array<bool, 256> meansItself{};
+  for (std::size_t byte = 0x20; byte < 0x80; ++byte) meansItself[byte] = true;
+  for (const char c : {'&', '<', '>', '"', '\''}) meansItself[static_cast<unsigned char>(c)] = false;
+  return meansItself;
+}();
+
+bool meansItself(std::string_view text) noexcept {
+  return std::all_of(text.begin(), text.end(), [](char c) { return kMeansItself[static_cast<unsigned char>(c)]; });
+}
+
+// Escapes a text, with references for the characters among `blanks`. Most texts need neither.
 void appendEncoded(std::string& out, std::string_view text, std::string_view blanks) {
+  if (meansItself(text)) {
+    out += text;
+    return;
+  }
   for (;;) {
     const std::size_t blank = std::min(text.find_first_of(blanks), text.size());
     CIMUtil::appendXmlEncoded(out, text.substr(0, blank));

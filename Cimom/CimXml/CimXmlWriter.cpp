@@ -239,12 +239,11 @@ void CimXmlWriter::writeClassObject(const IQoriObject& object) {
   _out += "<CLASS";
   writeAttribute("NAME", object.getClassName().view());
   _out += '>';
-  for (QORuint32 i = 0; i < object.getPropertyCount(); ++i) writeProperty(*object.getPropertyAt(i));
+  for (QORuint32 i = 0; i < object.getPropertyCount(); ++i) {
+    const QORSmrPtr<IQoriProperty> property(object.getPropertyAt(i));
+    writeProperty(property->getName(), *property->getType(), property->getValue());
+  }
   _out += "</CLASS>";
-}
-
-void CimXmlWriter::writeProperty(const IQoriProperty& property) {
-  writePropertyValue(property.getName(), *property.getType(), property.getValue(), nullptr);
 }
 
 void CimXmlWriter::writeOrigin(const CimXmlFeatureMarks* marks) {
@@ -340,10 +339,4 @@ void CimXmlWriter::writeObjectWithPath(const IQoriObject& object, const QORStrin
   writeInstancePath(*object.getInstanceName(), host);
   writeInstance(object);
   endObjectWithPath();
-}
-
-void CimXmlWriter::writeObject(const IQoriObject& object) {
-  _out += "<VALUE.OBJECT>";
-  writeObjectElement(object);
-  _out += "</VALUE.OBJECT>";
 }

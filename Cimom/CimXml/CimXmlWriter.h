@@ -44,6 +44,8 @@ class CimXmlWriter {
  public:
   // BORROWS the text.
   explicit CimXmlWriter(std::string& out) : _out(out) {}
+  // The text, for elements that are written otherwise.
+  std::string& text() noexcept { return _out; }
 
   // From now on instances tell the classes that their properties come from, but embedded ones do not; null: no more.
   // BORROWS.
@@ -71,6 +73,10 @@ class CimXmlWriter {
   // VALUE and VALUE.ARRAY; nothing for a null value.
   void writeValue(const IQoriValue::Pointer& value);
 
+  // PROPERTY, PROPERTY.ARRAY or PROPERTY.REFERENCE; REQUIRES null or a value of the type.
+  void writeProperty(const QORString& name, const IQoriType& type, const IQoriValue::Pointer& value) {
+    writePropertyValue(name, type, value, nullptr);
+  }
   // INSTANCE, with all properties in the object's order.
   void writeInstance(const IQoriObject& object);
   // VALUE.NAMEDINSTANCE, VALUE.INSTANCEWITHPATH, VALUE.OBJECTWITHPATH. REQUIRE an object with a name.
@@ -80,8 +86,6 @@ class CimXmlWriter {
   // VALUE.OBJECTWITHPATH of a class, of which the caller writes path and CLASS in between.
   void beginObjectWithPath();
   void endObjectWithPath();
-  // VALUE.OBJECT.
-  void writeObject(const IQoriObject& object);
 
   // CLASS, with or without its qualifiers.
   void writeClass(const CimClassDeclaration& declaration, bool withQualifiers = true);
@@ -97,7 +101,6 @@ class CimXmlWriter {
   void writeKey(const IQoriProperty& key);
   void writeScalar(const IQoriValue& value);
   void writeElements(const IQoriValue& array);
-  void writeProperty(const IQoriProperty& property);
   void writePropertyAt(const IQoriObject& object, QORuint32 position, const CimXmlFeatureMarks* marks);
   void writePropertyValue(const QORString& name, const IQoriType& type, const IQoriValue::Pointer& value,
                           const CimXmlFeatureMarks* marks);

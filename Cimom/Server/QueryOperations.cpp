@@ -43,10 +43,11 @@ class RowsReply final : public ServerReply {
   void append(std::string& out, std::size_t about) override {
     if (_rows == nullptr) return;
     out += _response.take();
-    CimXmlWriter writer(out);
     for (const std::size_t begin = out.size(); _rows->hasNext();) {
       if (out.size() - begin >= about) return;
-      writer.writeObject(*_rows->next());
+      out += "<VALUE.OBJECT>";
+      _rows->writeNext(out);
+      out += "</VALUE.OBJECT>";
     }
     out += _response.finish();
     _rows.reset();
@@ -65,7 +66,7 @@ class RowItems final : public EnumerationItems {
   explicit RowItems(std::unique_ptr<QueryRows> rows) : _rows(std::move(rows)) {}
   bool hasNext() const override { return _rows->hasNext(); }
   QORuint64 heldBytes() const override { return _rows->heldBytes(); }
-  void writeNext(CimXmlWriter& writer) override { writer.writeInstance(*_rows->next()); }
+  void writeNext(CimXmlWriter& writer) override { _rows->writeNext(writer.text()); }
 
  private:
   const std::unique_ptr<QueryRows> _rows;

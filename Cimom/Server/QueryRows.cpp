@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "Cimom/CimXml/CimXmlException.h"
-#include "Cimom/Model/ModelInstance.h"
+#include "Cimom/CimXml/CimXmlWriter.h"
 #include "Cimom/Server/ColumnTypes.h"
 #include "Cimom/Server/QueryMonitor.h"
 #include "Cimom/Server/ServerObjects.h"
@@ -167,24 +167,19 @@ void QueryRows::settleColumns(Run& run) {
   }
   std::vector<std::string> names;
   for (const QORQL_Result::Column& column : columns) names.emplace_back(column.name.view());
+  const std::vector<std::string> unique = uniqueNames(names, SameNames::IgnoringCase);
   const std::vector<QORString> computed = run.statement().computedTypes();
   for (ColumnTypes::Type& type : types.settle()) {
     const std::size_t index = _columns.size();
     if (index < computed.size() && columns[index].className.isEmpty()) type.widenTo(computed[index].view());
     if (!type.conflict.empty()) {
-      throw CimStatusException(cimstatus::kFailed, "column " + names[_columns.size()] +
-                                                       " has values that no one type holds (" + type.conflict + ")");
+      throw CimStatusException(cimstatus::kFailed,
+                               "column " + names[index] + " has values that no one type holds (" + type.conflict + ")");
     }
     const QORString typeName(type.name.empty() ? std::string_view("string") : type.name);
-    _columns.push_back({QORString(), CQoriType::find(typeName, type.isArray)});
+    _columns.emplace_back(QORString(std::string_view(unique[index])), CQoriType::find(typeName, type.isArray));
+    _showsCells.push_back(_columns[index].takesCells() && !columns[index].className.isEmpty());
   }
-  nameColumns(uniqueNames(names, SameNames::IgnoringCase));
-}
-
-void QueryRows::nameColumns(std::vector<std::string> names) {
-  for (std::size_t i = 0; i < names.size(); ++i) _columns[i].name = QORString(std::string_view(names[i]));
-  _values.resize(_columns.size());
-  _layout = QORSmrPtr<ModelLayout>(new ModelLayout(_columns));
 }
 
 // An instance has no properties that its class lacks.
@@ -192,35 +187,47 @@ bool QueryRows::hasColumns(const QORString& className) const {
   const QORSmrPtr<IQoriRepository> repository(
       QoriProviderPluginManager::getQoriProviderPluginManager()->getRepository());
   const QORSmrPtr<IQoriClass> found(repository->getClass(_nameSpace, className));
-  return !found.IsNull() && std::all_of(_columns.begin(), _columns.end(), [&](const ModelLayout::Column& column) {
-    return found->getProperty(column.name, true) != nullptr;
+  return !found.IsNull() && std::all_of(_columns.begin(), _columns.end(), [&](const CimXmlColumn& column) {
+    return found->getProperty(column.name(), true) != nullptr;
   });
 }
 
-const QORSmrPtr<ModelShape>& QueryRows::shapeOf(const QORString& className) {
-  QORSmrPtr<ModelShape>& shape = _shapes[std::string(className.view())];
-  if (shape.IsNull()) {
+// Rows of one class mostly follow each other.
+const std::string& QueryRows::headOf(const QORString& className) {
+  if (_lastHead != nullptr && className == _lastClass) return *_lastHead;
+  std::string& head = _heads[std::string(className.view())];
+  if (head.empty()) {
     const bool isShown = !className.isEmpty() && hasColumns(className);
-    const QORString name = isShown ? className : QORString(kResultClass);
-    shape = QORSmrPtr<ModelShape>(new ModelShape(_nameSpace, name, _layout, {}));
+    head = "<INSTANCE";
+    CimXmlWriter(head).writeAttribute("CLASSNAME", isShown ? className.view() : kResultClass);
+    head += '>';
   }
-  return shape;
+  _lastClass = className;
+  _lastHead = &head;
+  return head;
 }
 
-QORSmrPtr<IQoriObject> QueryRows::next() {
-  for (std::size_t i = 0; i < _values.size(); ++i) _values[i] = _result->value(i);
-  QORSmrPtr<IQoriObject> made = ModelInstance::create(shapeOf(_result->rowClass()), _values);
+// What is computed is computed once: that may ask the object manager.
+void QueryRows::writeColumn(std::string& out, std::size_t index) {
+  const CimXmlColumn& column = _columns[index];
+  if (_showsCells[index] && column.appendCell(out, _result->view(index))) return;
+  column.appendValue(out, _result->value(index));
+}
+
+void QueryRows::writeNext(std::string& out) {
+  out += headOf(_result->rowClass());
+  for (std::size_t i = 0; i < _columns.size(); ++i) writeColumn(out, i);
+  out += "</INSTANCE>";
   _hasRow = _result->next();
-  return made;
 }
 
 CimClassDeclaration QueryRows::resultClass() const {
   CimClassDeclaration declaration;
   declaration.name = kResultClass;
-  for (const ModelLayout::Column& column : _columns) {
+  for (const CimXmlColumn& column : _columns) {
     CimPropertyDeclaration& property = declaration.properties.emplace_back();
-    property.name = column.name;
-    property.type = column.type;
+    property.name = column.name();
+    property.type = column.type();
   }
   return declaration;
 }

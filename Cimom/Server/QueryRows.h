@@ -1,5 +1,4 @@
-// The result of a client's query as instances, one for each row.
-// Tested by tests/unit/Server/QueryOperationsTest.cpp.
+// The result of a client's query as INSTANCE elements, one for each row.
 // SPDX-License-Identifier: Apache-2.0
 #ifndef QORQL_SERVER_QUERYROWS_H
 #define QORQL_SERVER_QUERYROWS_H
@@ -9,13 +8,13 @@
 #include <unordered_map>
 #include <vector>
 
-#include "Cimom/Model/ModelShape.h"
+#include "Cimom/CimXml/CimXmlColumn.h"
 #include "Cimom/Server/ServerLimits.h"
 #include "Cimom/Server/ServerOperations.h"
 #include "qorql.h"
 
-// Rows are made of the engine's result one by one; what comes out are instances whose properties are the columns, in
-// their order, each of one type in all rows. Their class is that of the one object whose properties the columns are, by
+// Rows are written from the engine's result one by one, as instances whose properties are the columns, in their order,
+// each of one type in all rows. Their class is that of the one object whose properties the columns are, by
 // their names, else "QueryResult". One thread at a time.
 class QueryRows {
  public:
@@ -34,8 +33,8 @@ class QueryRows {
 
   // Whether there is another row.
   bool hasNext() const noexcept { return _hasRow; }
-  // Its instance. REQUIRES that there is one.
-  QORSmrPtr<IQoriObject> next();
+  // Appends its INSTANCE, and goes on to the next one. REQUIRES that there is one.
+  void writeNext(std::string& out);
   // About what the rows that are held take, at most.
   QORuint64 heldBytes() const noexcept { return _heldBytes; }
   // A class with the columns as properties.
@@ -45,16 +44,17 @@ class QueryRows {
   class Run;
 
   void settleColumns(Run& run);
-  void nameColumns(std::vector<std::string> names);
   bool hasColumns(const QORString& className) const;
-  const QORSmrPtr<ModelShape>& shapeOf(const QORString& className);
+  const std::string& headOf(const QORString& className);
+  void writeColumn(std::string& out, std::size_t index);
 
   const QORString _nameSpace;
   std::unique_ptr<QORQL_Result> _result;
-  std::vector<ModelLayout::Column> _columns;
-  QORSmrPtr<ModelLayout> _layout;
-  std::unordered_map<std::string, QORSmrPtr<ModelShape>> _shapes;  // by class
-  std::vector<QORSmrPtr<IQoriValue>> _values;                      // of one row
+  std::vector<CimXmlColumn> _columns;
+  std::vector<bool> _showsCells;                        // of each column, whether it is a property with cells
+  std::unordered_map<std::string, std::string> _heads;  // the begin of INSTANCE, by the class of the row
+  QORString _lastClass;
+  const std::string* _lastHead = nullptr;
   QORuint64 _heldBytes = 0;
   bool _hasRow = false;
 };
