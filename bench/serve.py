@@ -182,7 +182,8 @@ def join(server, tool, model, size, rounds):
           f"{verdict(of_process <= 1.5)} |")
     print(f"| the same, the whole exchange on the clock with the client's reading | {clock_of_process:.2f} | 1.5 or less, "
           f"{verdict(clock_of_process <= 1.5)} |")
-    print(f"| {title}: the server's processor time, of the tool's executing and writing alone | {processor:.2f} | - |")
+    print(f"| {title}: the server's processor time, of the tool's executing and writing alone | {processor:.2f} | 1.5 or less, "
+          f"{verdict(processor <= 1.5)} |")
     print(f"| the same, the whole exchange on the clock with the client's reading | {clock:.2f} | - |", flush=True)
 
 
