@@ -18,7 +18,8 @@ std::size_t QORQL_CellWindow::add(const QORQL_PropertyColumn& column) {
 }
 
 void QORQL_CellWindow::begin() {
-  _cells = std::make_unique<QoriScalar[]>(_columns.size() * kBatch);
+  _memory = std::make_unique_for_overwrite<std::byte[]>(_columns.size() * kBatch * sizeof(QoriScalar));
+  _cells = reinterpret_cast<QoriScalar*>(_memory.get());
   _readsCells = std::all_of(_columns.begin(), _columns.end(),
                             [](const QORQL_PropertyColumn& column) { return column.readsCells(); });
 }

@@ -3,6 +3,7 @@
 #ifndef QORQL_CELLWINDOW_H
 #define QORQL_CELLWINDOW_H
 
+#include <cstddef>
 #include <memory>
 #include <vector>
 
@@ -49,7 +50,8 @@ class QORQL_CellWindow {
   }
 
   std::vector<QORQL_PropertyColumn> _columns;
-  std::unique_ptr<QoriScalar[]> _cells;  // kBatch for each column
+  std::unique_ptr<std::byte[]> _memory;
+  QoriScalar* _cells = nullptr;  // kBatch for each column, in that memory; none is looked at before it is read
   QORuint64 _first = 0;
   std::size_t _count = 0;
   bool _readsCells = false;  // whether all columns do

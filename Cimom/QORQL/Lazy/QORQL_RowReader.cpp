@@ -34,6 +34,11 @@ QORQL_RowReader::~QORQL_RowReader() = default;
 
 // Before the first row there is nothing to read ahead.
 std::size_t QORQL_RowReader::addSlot(Slot&& slot) {
+  constexpr std::size_t kFew = 4;
+  if (_slots.empty()) {
+    _slots.reserve(kFew);
+    _cellColumns.reserve(kFew);
+  }
   const QORQL_PropertyColumn* const property = slot.bound == nullptr ? nullptr : slot.bound->propertyColumn();
   _cellColumns.push_back(property == nullptr || _block == nullptr ? kNoColumn : _window.add(*property));
   _slots.push_back(std::move(slot));

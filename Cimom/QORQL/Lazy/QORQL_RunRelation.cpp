@@ -89,13 +89,13 @@ template <Kind kKind, class Compare, class Rows>
 std::optional<std::size_t> selectDense(const Compare& compare, const CellRelation& asked, const Rows& rows,
                                        QORuint64 first, QORuint64 end, QORuint32* out) noexcept {
   const char* const* const cells = asked.cells;
-  const std::size_t offset = asked.offset;
+  const QORuint32 offset = asked.offset;
   const auto number = integerOf<kKind>(asked.literal);
   std::size_t selected = 0;
   for (QORuint64 row = first; row < end; ++row) {
     const QORuint32 index = rows[row];
     if (!Rows::hasObject(index)) return std::nullopt;
-    const QoriScalar& cell = *reinterpret_cast<const QoriScalar*>(cells[index] + offset);
+    const QoriScalar& cell = QoriCells::at(cells[index], offset);
     if (cell.kind != kKind) return std::nullopt;
     out[selected] = index;
     selected += compare(integerOf<kKind>(cell), number) ? 1 : 0;
@@ -103,23 +103,26 @@ std::optional<std::size_t> selectDense(const Compare& compare, const CellRelatio
   return selected;
 }
 
-// The second is for integers and NULLs, which alternate.
+// The second is for integers and NULLs, which alternate: what else it meets adds up, without a branch on which it is.
 template <Kind kKind, class Compare, class Rows>
 std::optional<std::size_t> selectWithNulls(const Compare& compare, const CellRelation& asked, const Rows& rows,
                                            QORuint64 first, QORuint64 end, QORuint32* out) noexcept {
+  constexpr unsigned kOthers = ~(1U << static_cast<unsigned>(Kind::Null) | 1U << static_cast<unsigned>(kKind));
   const char* const* const cells = asked.cells;
-  const std::size_t offset = asked.offset;
+  const QORuint32 offset = asked.offset;
   const auto number = integerOf<kKind>(asked.literal);
+  unsigned others = 0;
   std::size_t selected = 0;
   for (QORuint64 row = first; row < end; ++row) {
     const QORuint32 index = rows[row];
     if (!Rows::hasObject(index)) continue;
-    const QoriScalar& cell = *reinterpret_cast<const QoriScalar*>(cells[index] + offset);
-    const std::size_t isKind = cell.kind == kKind ? 1 : 0;
-    if (cell.kind != Kind::Null && isKind == 0) return std::nullopt;
+    const QoriScalar& cell = QoriCells::at(cells[index], offset);
+    others |= kOthers >> static_cast<unsigned>(cell.kind);
     out[selected] = index;
-    selected += isKind & (compare(integerOf<kKind>(cell), number) ? 1U : 0U);
+    selected +=
+        static_cast<unsigned>(cell.kind == kKind) & static_cast<unsigned>(compare(integerOf<kKind>(cell), number));
   }
+  if ((others & 1U) != 0) return std::nullopt;
   return selected;
 }
 

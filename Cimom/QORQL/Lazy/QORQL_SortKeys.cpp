@@ -66,7 +66,8 @@ std::size_t QORQL_SortKeys::addFront(const QoriScalar* keys, std::size_t count) 
 bool QORQL_SortKeys::add(const QoriScalar* keys, std::size_t count) {
   const QORSmrPtr<IQoriValue> none;
   for (std::size_t i = count == 0 ? 0 : addFront(keys, count); i < count; ++i) {
-    if (!add(keys[i], none)) return false;
+    const bool isAdded = keys[i].kind == QoriScalarKind::DateTime ? addDateTime(*keys[i].text) : add(keys[i], none);
+    if (!isAdded) return false;
   }
   return true;
 }

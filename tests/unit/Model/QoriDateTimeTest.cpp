@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 #include "cimom/QoriDateTime.h"
 
@@ -26,6 +27,31 @@ TEST(QoriDateTime, TimestampsCountFrom1970InUtc) {
   EXPECT_EQ(microseconds("19991231235960.000000+000"), 10957 * kDay);
   EXPECT_EQ(microseconds("00010101000000.000000+000"), -719162 * kDay);
   EXPECT_EQ(microseconds("99991231000000.000000+999"), 2932896 * kDay - 999 * 60 * kSecond);
+}
+
+// Every digit of every field counts, whatever stands beside it.
+TEST(QoriDateTime, EachDigitCountsAtItsPlace) {
+  const auto microseconds = [](const std::string& text) {
+    const QoriDateTime read = qori::readDateTime(text);
+    EXPECT_TRUE(read.wellFormed && read.complete) << text;
+    return read.microseconds;
+  };
+  const std::string least = "20000101000000.000000+000";
+  const std::int64_t start = microseconds(least);
+  const std::int64_t minute = 60 * kSecond;
+  const std::pair<std::size_t, std::int64_t> worth[] = {
+      {3, 366 * kDay},     {5, 31 * kDay},       {7, kDay},          {8, 600 * minute}, {9, 60 * minute},
+      {10, 10 * minute},   {11, minute},         {12, 10 * kSecond}, {13, kSecond},     {15, kSecond / 10},
+      {16, kSecond / 100}, {17, kSecond / 1000}, {18, 100},          {19, 10},          {20, 1},
+      {22, -100 * minute}, {23, -10 * minute},   {24, -minute}};
+  for (const auto& [place, one] : worth) {
+    std::string text = least;
+    ++text[place];
+    EXPECT_EQ(microseconds(text) - start, one) << text;
+    if (place < 13 || place == 22) continue;
+    text[place] = '9';
+    EXPECT_EQ(microseconds(text) - start, 9 * one) << text;
+  }
 }
 
 TEST(QoriDateTime, IntervalsHaveALength) {
