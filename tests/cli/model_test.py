@@ -1,6 +1,8 @@
-"""The commands that show the model: classes, class and instances, whose text loads again; and the cache."""
+"""The commands that show the model: classes, class and instances, whose text loads again; the cache; a load's memory."""
 # SPDX-License-Identifier: Apache-2.0
 import os
+import subprocess
+import unittest
 
 import toolcase
 from toolcase import MODEL, ToolCase
@@ -389,6 +391,34 @@ class Cache(ToolCase):
         self.wrong_usage(self.run_tool("--no-cache=yes"), "no-cache")
         self.wrong_usage(self.run_tool("--cache", "a", "--cache", "b", "SELECT Id FROM T"), "--cache")
         self.wrong_usage(self.run_tool("--cache", "a", "--no-cache", "SELECT Id FROM T"), "--no-cache", "--cache")
+
+
+class Memory(ToolCase):
+    @unittest.skipIf("QORQL_NEEDS_PROC" in os.environ, "sanitizers have an allocator of their own")
+    @unittest.skipUnless(os.path.exists("/sys/kernel/mm/transparent_hugepage"), "the system has no large pages")
+    def test_a_load_has_large_pages_at_hand_behind_small_ones(self):
+        pipe = os.path.join(self.folder, "slow.mof")
+        os.mkfifo(pipe)
+        with subprocess.Popen([toolcase.TOOL, "--no-live", "--no-cache", "-o", "csv", "-m", pipe, "SELECT K FROM T"],
+                              stdout=subprocess.PIPE) as tool:
+            # Opened as soon as the tool reads it; from then on the tool waits for the text.
+            with open(pipe, "w", encoding="utf-8") as mof:
+                with open(f"/proc/{tool.pid}/smaps", encoding="utf-8") as maps:
+                    flags = self.heap_flags(maps)
+                mof.write('class T { [Key] string K; };\ninstance of T { K = "a"; };\n')
+            self.assertEqual(tool.communicate(timeout=60)[0], b"K\na\n")
+        self.assertEqual(["hg" in part for part in flags], [False, True], flags)
+
+    @staticmethod
+    def heap_flags(maps):
+        """What the parts of the heap are marked with, in the order of addresses."""
+        flags, is_heap = [], False
+        for line in maps:
+            if "-" in line.split(" ")[0]:
+                is_heap = line.endswith("[heap]\n")
+            elif is_heap and line.startswith("VmFlags:"):
+                flags.append(line.split()[1:])
+        return flags
 
 
 if __name__ == "__main__":

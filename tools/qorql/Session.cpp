@@ -15,6 +15,7 @@
 #include "ExitStatus.h"
 #include "Interrupt.h"
 #include "LiveClasses.h"
+#include "LoadingMemory.h"
 #include "MofCacheChoice.h"
 #include "ProgressLine.h"
 
@@ -141,6 +142,7 @@ void Session::loadConfiguration(EmbeddedObjectManager& manager) const {
 
 MofFaults Session::loadMof(EmbeddedObjectManager& manager) const {
   if (_options.mofPaths.empty()) return {};
+  prepareLoadingMemory();
   const Activity activity("loading MOF");
   const ProgressLine progress(!_options.isQuiet, activity);
   const QORString nameSpace(_options.nameSpace);
