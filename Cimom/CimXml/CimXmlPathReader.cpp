@@ -15,7 +15,6 @@ using cimxml::XmlAttributes;
 namespace {
 
 constexpr int kMaximumNesting = 8;
-constexpr std::size_t kMaximumKey = std::size_t{1} << 16;
 
 }  // namespace
 

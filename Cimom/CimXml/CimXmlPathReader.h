@@ -16,6 +16,9 @@
 // cannot read is a fault. THROWS CimXmlException. One thread at a time.
 class CimXmlPathReader {
  public:
+  // Bytes that the text of a key has at most; one that has more is a fault.
+  static constexpr std::size_t kMaximumKey = std::size_t{1} << 16;
+
   // BORROWS the document. `nameSpace`: of names that have none of their own.
   CimXmlPathReader(cimxml::XmlPull& xml, const QORString& nameSpace);
 

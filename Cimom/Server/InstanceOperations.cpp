@@ -6,6 +6,7 @@
 #include <string>
 
 #include "Cimom/CimXml/CimXmlException.h"
+#include "Cimom/CimXml/CimXmlPathReader.h"
 #include "Cimom/Embedded/ClientCalls.h"
 #include "Cimom/Embedded/EmbeddedState.h"
 #include "Cimom/Embedded/OuterCalls.h"
@@ -91,6 +92,17 @@ void requireOwnClass(const ServerCall& call, const CQoriClass& model) {
                            "instances of class " + std::string(name.view()) + " cannot be created here");
 }
 
+// A key that no path can tell makes an instance that nobody can ask for.
+void requireShortKeys(const CQoriClass& model, const CimInstanceDeclaration& declaration) {
+  for (const CimInstanceProperty& property : declaration.properties) {
+    if (property.value.IsNull() || !model.isKey(static_cast<QORuint32>(model.position(property.name)))) continue;
+    if (property.value->toString().length() <= CimXmlPathReader::kMaximumKey) continue;
+    raise(CimStatus::InvalidParameter, "instance of " + std::string(model.getClassName().view()) + ": key " +
+                                           std::string(property.name.view()) + " is longer than " +
+                                           std::to_string(CimXmlPathReader::kMaximumKey) + " bytes");
+  }
+}
+
 Reply createInstance(const ServerCall& call, InstanceWriter& writer) {
   serverparameters::allowOnly(call.request, {"NewInstance"});
   const ServerClasses space(*call.manager, call.request.nameSpace);
@@ -99,6 +111,7 @@ Reply createInstance(const ServerCall& call, InstanceWriter& writer) {
   const CQoriClass& model = ServerClasses::modelOf(handle);
   requireOwnClass(call, model);
   const CimInstanceDeclaration declaration{model.getClassName(), writtenProperties(*call.manager, space, model, given)};
+  requireShortKeys(model, declaration);
   const QORSmrPtr<IQoriInstanceName> made = writer.create(*call.leaseForChange(), call.request.nameSpace, declaration);
   CimXmlResponse response(call.request.messageId, call.request.operation);
   response.values().writeInstanceName(*made);

@@ -314,6 +314,15 @@ TEST_F(InstanceOperations, WhatIsWrittenFitsWhatTheClassSaysOfReferencesArraysAn
             path("Slot", "Id", "s"));
 }
 
+TEST_F(InstanceOperations, AKeyThatNoPathCouldTellIsRefused) {
+  const std::string longest(std::size_t{1} << 16, 'x');
+  EXPECT_EQ(refusalOf("CreateInstance", newInstance("Part", property("Id", "string", longest + "x"))),
+            "4: instance of Part: key Id is longer than 65536 bytes");
+  EXPECT_EQ(valuesOf("CreateInstance", newInstance("Part", property("Id", "string", longest))),
+            path("Part", "Id", longest));
+  EXPECT_EQ(ask("DeleteInstance", parameter("InstanceName", path("Part", "Id", longest))), "");
+}
+
 TEST_F(InstanceOperations, AnInstanceIsModified) {
   EXPECT_EQ(ask("ModifyInstance", modified("part", "a", property("Note", "string", "new"))), "");
   EXPECT_THAT(get("Part", "a"), HasSubstr(property("Size", "uint8", "1") + property("Note", "string", "new")));
