@@ -48,7 +48,7 @@ qorql_library(embedded embedded)
 foreach(room Embedded Mof Providers CimXml Remote)
   set(sources ${QORQL_EMBEDDED_SOURCES})
   list(FILTER sources INCLUDE REGEX "/Cimom/${room}/")
-  qorql_compile_together(embedded embedded_${room} ${sources})
+  qorql_compile_together(embedded embedded_${room} 8 ${sources})
 endforeach()
 
 # What reads the lists of packages, and what speaks HTTP with servers, is loaded when it is asked for: its libraries
@@ -80,7 +80,7 @@ target_link_libraries(qorql_server_parts PUBLIC qorql embedded
                                      PRIVATE PkgConfig::MICROHTTPD PkgConfig::GNUTLS PkgConfig::ZLIB PkgConfig::CRYPT
                                                  PkgConfig::SQLITE PkgConfig::SYSTEMD)
 qorql_target_options(qorql_server_parts)
-qorql_compile_together(qorql_server_parts server ${QORQL_SERVER_SOURCES})
+qorql_compile_together(qorql_server_parts server 8 ${QORQL_SERVER_SOURCES})
 
 # All of it that runs in the tool is loaded when a server or a listener is started.
 add_library(qorql_server MODULE Cimom/Server/Module/ServerModule.cpp)

@@ -51,9 +51,15 @@ function(qorql_precompile_headers target)
 endfunction()
 
 # The same for a library or program of ours, but in builds that look for wrong addresses, where
-# a source that lacks an include is seen, and in a project that has ours as a part.
+# a source that lacks an include is seen, and in a project that has ours as a part. In builds that are to be done soon
+# all of them share what qorql_headers has read.
 function(qorql_product_headers target)
-  if(PROJECT_IS_TOP_LEVEL AND NOT QORQL_SANITIZE MATCHES "address")
+  if(TARGET qorql_headers)
+    target_precompile_headers(${target} REUSE_FROM qorql_headers)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+      target_compile_options(${target} PRIVATE -fpch-preprocess)
+    endif()
+  elseif(PROJECT_IS_TOP_LEVEL AND NOT QORQL_SANITIZE MATCHES "address")
     qorql_precompile_headers(${target} ${ARGN})
   endif()
 endfunction()
@@ -69,13 +75,17 @@ function(qorql_compile_as_one target group)
   endif()
 endfunction()
 
-# The same for all sources of a folder, eight at a time, where a build is to be done soon
-# (QORQL_COMPILE_TOGETHER) rather than a change to be built soon.
-function(qorql_compile_together target group)
-  if(QORQL_COMPILE_TOGETHER)
+# The same for all sources of a folder, at most so many at a time, where a build is to be done soon
+# (QORQL_COMPILE_TOGETHER) rather than a change to be built soon. With 32 the compiler has a fifth less to do than with
+# eight, but it inlines other calls: MOF is read with 7 more instructions in a hundred, so what takes time has eight.
+function(qorql_compile_together target group most)
+  if(QORQL_COMPILE_TOGETHER AND ARGN)
+    list(LENGTH ARGN length)
+    math(EXPR groups "(${length} + ${most} - 1) / ${most}")
+    math(EXPR size "(${length} + ${groups} - 1) / ${groups}")
     set(number 0)
     while(ARGN)
-      list(SUBLIST ARGN 0 8 some)
+      list(SUBLIST ARGN 0 ${size} some)
       list(REMOVE_ITEM ARGN ${some})
       qorql_compile_as_one(${target} ${group}_${number} ${some})
       math(EXPR number "${number} + 1")

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr std::string_view kBlanks = " \t\r\n";
+constexpr std::string_view kBetweenWords = " \t\r\n";
 
 std::string descriptionText(const std::vector<CimQualifier>& qualifiers) {
   for (const CimQualifier& qualifier : qualifiers) {
@@ -40,9 +40,9 @@ std::string lastWord(std::string_view text) {
 std::string withSingleBlanks(std::string_view text) {
   std::string result;
   while (true) {
-    const std::size_t first = text.find_first_not_of(kBlanks);
+    const std::size_t first = text.find_first_not_of(kBetweenWords);
     if (first == std::string_view::npos) return result;
-    const std::size_t end = std::min(text.find_first_of(kBlanks, first), text.size());
+    const std::size_t end = std::min(text.find_first_of(kBetweenWords, first), text.size());
     result.append(result.empty() ? "" : " ").append(text.substr(first, end - first));
     text.remove_prefix(end);
   }

@@ -40,23 +40,24 @@ constexpr const char* kContentsFooter =
     "  qorql contents -o json 'Linux_*'";
 
 // Lists, or a picture that a function makes of the graph in the DOT language.
-struct Form {
+struct ContentsForm {
   OutputForm list = OutputForm::Table;
   std::string (*draw)(const std::string& dot) = nullptr;
 };
 
-const std::map<std::string, Form> kForms = {{"table", {}},
-                                            {"csv", {OutputForm::Csv}},
-                                            {"json", {OutputForm::Json}},
-                                            {"jsonl", {OutputForm::JsonLines}},
-                                            {"dot", {OutputForm::Table, [](const std::string& dot) { return dot; }}},
-                                            {"svg", {OutputForm::Table, svgOf}},
-                                            {"html", {OutputForm::Table, htmlOf}}};
+const std::map<std::string, ContentsForm> kContentsForms = {
+    {"table", {}},
+    {"csv", {OutputForm::Csv}},
+    {"json", {OutputForm::Json}},
+    {"jsonl", {OutputForm::JsonLines}},
+    {"dot", {OutputForm::Table, [](const std::string& dot) { return dot; }}},
+    {"svg", {OutputForm::Table, svgOf}},
+    {"html", {OutputForm::Table, htmlOf}}};
 
 struct ContentsOptions {
   SessionOptions session;
   std::string pattern;
-  Form form;
+  ContentsForm form;
   bool hasNoHeader = false;
 };
 
@@ -186,8 +187,8 @@ CommandAction declareContentsCommand(CLI::App& app) {
   declareValue(app, {.names = "-o,--output",
                      .type = "table|csv|json|jsonl|dot|svg|html",
                      .description = "Form of the lists, or a picture: svg, html, or dot for graphviz (default: table)",
-                     .take = [options](const std::string& name) { options->form = kForms.at(name); },
-                     .check = oneOf(kForms)});
+                     .take = [options](const std::string& name) { options->form = kContentsForms.at(name); },
+                     .check = oneOf(kContentsForms)});
   declareNoHeader(app, options->hasNoHeader);
   declareValue(app,
                {.names = "PATTERN", .description = "Which classes (default: all)", .take = keepIn(options->pattern)});

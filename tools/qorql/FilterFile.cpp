@@ -8,17 +8,18 @@
 
 namespace {
 
-constexpr std::string_view kBlanks = " \t";
+constexpr std::string_view kBlanksOfLine = " \t";
 
 bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || (c & 0x80) != 0; }
-bool isNameCharacter(char c) { return isLetter(c) || (c >= '0' && c <= '9') || c == '-' || c == '.'; }
-bool isBlank(char c) { return kBlanks.find(c) != std::string_view::npos; }
+bool isFilterNameCharacter(char c) { return isLetter(c) || (c >= '0' && c <= '9') || c == '-' || c == '.'; }
+bool isBlank(char c) { return kBlanksOfLine.find(c) != std::string_view::npos; }
 
 // The length of a name that a colon and then a blank or the end follow; 0 when there is none. It begins with a letter,
 // so that it is not taken for a number of a line.
 std::size_t lengthOfName(std::string_view text) {
   if (text.empty() || !isLetter(text.front())) return 0;
-  const auto end = static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), isNameCharacter) - text.begin());
+  const auto end =
+      static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), isFilterNameCharacter) - text.begin());
   const bool hasColon = end < text.size() && text[end] == ':' && (end + 1 == text.size() || isBlank(text[end + 1]));
   return hasColon ? end : 0;
 }
@@ -40,7 +41,7 @@ class FilterLines {
  public:
   void take(std::string_view line) {
     ++_line;
-    const std::size_t first = std::min(line.find_first_not_of(kBlanks), line.size());
+    const std::size_t first = std::min(line.find_first_not_of(kBlanksOfLine), line.size());
     const std::string_view content = line.substr(first);
     if (content.starts_with('#')) return skip();
     if (content.empty()) {
@@ -71,7 +72,7 @@ class FilterLines {
   void beginNamed(std::string_view line, std::size_t first, std::size_t nameLength) {
     begin();
     _filters.back().name = line.substr(first, nameLength);
-    const std::size_t text = line.find_first_not_of(kBlanks, first + nameLength + 1);
+    const std::size_t text = line.find_first_not_of(kBlanksOfLine, first + nameLength + 1);
     if (text != std::string_view::npos) beginText(line, text);
   }
   void beginText(std::string_view line, std::size_t first) {

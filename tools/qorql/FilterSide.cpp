@@ -10,12 +10,12 @@
 
 namespace {
 
-using Kind = FilterSide::Kind;
+using SideKind = FilterSide::Kind;
 
-Kind kindOf(const QORString& type) {
-  if (CQLQueryStatement::isNumericalData(type, type)) return Kind::Number;
-  if (type == "string") return Kind::Text;
-  return type == "boolean" ? Kind::Boolean : Kind::Other;
+SideKind kindOf(const QORString& type) {
+  if (CQLQueryStatement::isNumericalData(type, type)) return SideKind::Number;
+  if (type == "string") return SideKind::Text;
+  return type == "boolean" ? SideKind::Boolean : SideKind::Other;
 }
 
 bool isTruth(std::string_view word) {
@@ -26,12 +26,12 @@ FilterSide ofLiteral(const IQoriValue& literal) {
   FilterSide side;
   const QoriScalar scalar = literal.scalar();
   if (!scalar.isNumber()) {
-    side.kind = Kind::Text;
+    side.kind = SideKind::Text;
     side.type = "text";
     side.saysTruth = isTruth(literal.toString().view());
     return side;
   }
-  side.kind = Kind::Number;
+  side.kind = SideKind::Number;
   side.type = "number";
   side.number = scalar;
   side.isReal = scalar.kind == QoriScalarKind::Real;
@@ -43,9 +43,9 @@ FilterSide ofLiteral(const IQoriValue& literal) {
 // Behind a minus; a literal there is typed as a signed number already.
 FilterSide negated(FilterSide side) {
   const bool isLiteral = side.number.isNumber();
-  if (side.kind != Kind::Number || side.isArray || (side.isUint64 && !isLiteral)) return {};
+  if (side.kind != SideKind::Number || side.isArray || (side.isUint64 && !isLiteral)) return {};
   FilterSide result;
-  result.kind = Kind::Number;
+  result.kind = SideKind::Number;
   result.type = "number";
   result.isReal = side.isReal;
   result.isSigned = !side.isReal;
@@ -64,12 +64,12 @@ FilterSide negated(FilterSide side) {
 FilterSide combined(QORQL_Operator op, const FilterSide& left, const FilterSide& right) {
   FilterSide result;
   if (left.isArray || right.isArray || left.kind != right.kind) return result;
-  if (left.kind == Kind::Text && op == QORQL_OperatorPLUS) {
-    result.kind = Kind::Text;
+  if (left.kind == SideKind::Text && op == QORQL_OperatorPLUS) {
+    result.kind = SideKind::Text;
     result.type = "text";
     result.saysTruth = true;  // for all that is known
-  } else if (left.kind == Kind::Number) {
-    result.kind = Kind::Number;
+  } else if (left.kind == SideKind::Number) {
+    result.kind = SideKind::Number;
     result.type = "number";
     result.isReal = left.isReal || right.isReal;
     const bool areUnsigned = !left.isSigned && !right.isSigned && op != QORQL_OperatorMINUS;

@@ -19,19 +19,19 @@
 
 namespace {
 
-using Kind = FilterSide::Kind;
+using SideKind = FilterSide::Kind;
 
 // Nobody reads more of them, and each costs a look at the schema and at the text before it.
-constexpr std::size_t kMaximumWarnings = 20;
-constexpr std::size_t kLongest = 400;
+constexpr std::size_t kMaximumFilterWarnings = 20;
+constexpr std::size_t kLongestWarning = 400;
 
 // A text that a boolean property is compared with may say TRUE or FALSE.
 bool mayCompare(const FilterSide& left, const FilterSide& right) {
-  if (left.kind == Kind::Unknown || right.kind == Kind::Unknown) return true;
-  if (left.kind != Kind::Other && left.kind == right.kind) return true;
-  if (left.kind == Kind::Other || right.kind == Kind::Other) return left.type == right.type;
+  if (left.kind == SideKind::Unknown || right.kind == SideKind::Unknown) return true;
+  if (left.kind != SideKind::Other && left.kind == right.kind) return true;
+  if (left.kind == SideKind::Other || right.kind == SideKind::Other) return left.type == right.type;
   const auto saysOrHoldsTruth = [](const FilterSide& side) {
-    return side.kind == Kind::Boolean || side.saysTruth || (side.kind == Kind::Text && !side.property.empty());
+    return side.kind == SideKind::Boolean || side.saysTruth || (side.kind == SideKind::Text && !side.property.empty());
   };
   return saysOrHoldsTruth(left) && saysOrHoldsTruth(right);
 }
@@ -130,9 +130,9 @@ std::vector<Warning> FilterWarnings::of(const CQLQueryStatement& statement) cons
   if (!never.empty()) warnings.push_back({never, statement.neverMatchesOffset()});
   const QORQL_Query& query = statement.getParsedQuery();
   for (const QORQL_Surprise& surprise : QORQL_findFilterSurprises(query, _nameSpace, _text.text())) {
-    warnings.push_back({cutText(surprise.text, kLongest, "..."), surprise.offset});
+    warnings.push_back({cutText(surprise.text, kLongestWarning, "..."), surprise.offset});
   }
-  Visitor* const conditions = new Visitor(*this, query, kMaximumWarnings - warnings.size());
+  Visitor* const conditions = new Visitor(*this, query, kMaximumFilterWarnings - warnings.size());
   QORSmrPtr<QORQL_ExpressionVisitor> visitor(conditions);
   const auto* const where = dynamic_cast<const QORQL_WhereClause*>(query.getWhereClause().Get());
   const auto* const orderBy = dynamic_cast<const QORQL_OrderByClause*>(query.getOrderByClause().Get());
@@ -179,7 +179,7 @@ void FilterWarnings::Visitor::checkComparison(const QORQL_Comparison& comparison
   FilterSide right = _sides.read(*comparison.getRHSArithmeticExpression());
   left.isAsked = comparison.asksLeft();
   right.isAsked = comparison.isArrayComp() && !left.isAsked;
-  if (left.kind == Kind::Unknown || right.kind == Kind::Unknown) {
+  if (left.kind == SideKind::Unknown || right.kind == SideKind::Unknown) {
     warnOfAsking(left);
     warnOfAsking(right);
     return;
@@ -216,7 +216,7 @@ bool FilterWarnings::Visitor::warnOfReal32(const FilterSide& side, const FilterS
 }
 
 bool FilterWarnings::Visitor::warnOfAsking(const FilterSide& side) {
-  if (!side.isAsked || side.isArray || side.kind == Kind::Unknown) return false;
+  if (!side.isAsked || side.isArray || side.kind == SideKind::Unknown) return false;
   const std::string name = side.property.empty() ? "a " + side.type : side.property;
   warn(name + " is not an array, which ANY and EVERY need: it never matches", side.offset);
   return true;
@@ -235,8 +235,8 @@ bool FilterWarnings::Visitor::warnOfArray(const FilterSide& side, const FilterSi
 void FilterWarnings::Visitor::warnOfTypes(const FilterSide& left, const FilterSide& right) {
   const FilterSide& first = left.property.empty() && !right.property.empty() ? right : left;
   const FilterSide& second = &first == &left ? right : left;
-  const bool isText = second.property.empty() && second.kind == Kind::Text;
-  const std::string exception = first.kind == Kind::Boolean && isText ? " but TRUE and FALSE" : "";
+  const bool isText = second.property.empty() && second.kind == SideKind::Text;
+  const std::string exception = first.kind == SideKind::Boolean && isText ? " but TRUE and FALSE" : "";
   const std::string subject =
       first.property.empty() ? typeOf(first) + " does" : first.property + " is " + typeOf(first) + " and does";
   const std::string object = second.property.empty() ? typeOf(second) : second.property + ", " + typeOf(second);

@@ -8,7 +8,7 @@
 
 namespace {
 
-std::string quoted(const std::string& text) {
+std::string fishQuoted(const std::string& text) {
   std::string result = "'";
   for (const char c : text) {
     if (c == '\'' || c == '\\') result += '\\';
@@ -25,7 +25,7 @@ std::string lineFor(const CompletedCommand& command) {
 std::string valueFor(const Candidates& value) {
   if (value.isFlag()) return {};
   if (value.kind == CandidateKind::File) return " -r -F";
-  return value.kind == CandidateKind::Word ? " -x -a " + quoted(joined(value.words)) : " -x";
+  return value.kind == CandidateKind::Word ? " -x -a " + fishQuoted(joined(value.words)) : " -x";
 }
 
 void printOption(const CompletedCommand& command, const CompletedOption& option) {
@@ -34,19 +34,20 @@ void printOption(const CompletedCommand& command, const CompletedOption& option)
     const bool isLong = name.starts_with("--");
     std::cout << (isLong ? " -l " : " -s ") << name.substr(isLong ? 2 : 1);
   }
-  std::cout << valueFor(option.value) << " -d " << quoted(option.description) << '\n';
+  std::cout << valueFor(option.value) << " -d " << fishQuoted(option.description) << '\n';
 }
 
 void printArguments(const CompletedCommand& command) {
   const Candidates& arguments = command.arguments;
   if (arguments.kind == CandidateKind::Class) std::cout << lineFor(command) << " -f -a '(__qorql_classes)'\n";
   if (arguments.kind == CandidateKind::Word) {
-    std::cout << lineFor(command) << " -f -a " << quoted(joined(arguments.words)) << '\n';
+    std::cout << lineFor(command) << " -f -a " << fishQuoted(joined(arguments.words)) << '\n';
   }
 }
 
 void printCommand(const CompletedCommand& command) {
-  std::cout << "complete -c qorql -n __qorql_is_open -a " << command.name << " -d " << quoted(command.summary) << '\n';
+  std::cout << "complete -c qorql -n __qorql_is_open -a " << command.name << " -d " << fishQuoted(command.summary)
+            << '\n';
   for (const CompletedOption& option : command.options) printOption(command, option);
   printArguments(command);
 }

@@ -33,13 +33,13 @@ constexpr const char* kGetFooter =
     "  qorql get -o json 'root/cimv2:Linux_User.Name=\"root\"'\n"
     "  qorql get --server array1 '//array1/root/cimv2:CIM_StoragePool.InstanceID=\"1\"'";
 
-enum class Form { Mof, Json };
-const std::map<std::string, Form> kForms = {{"mof", Form::Mof}, {"json", Form::Json}};
+enum class InstanceForm { Mof, Json };
+const std::map<std::string, InstanceForm> kInstanceForms = {{"mof", InstanceForm::Mof}, {"json", InstanceForm::Json}};
 
 struct GetOptions {
   SessionOptions session;
   std::string path;
-  Form form = Form::Mof;
+  InstanceForm form = InstanceForm::Mof;
 };
 
 int refuseMany(const std::vector<QORSmrPtr<IQoriInstanceName>>& found) {
@@ -52,8 +52,8 @@ int refuseMany(const std::vector<QORSmrPtr<IQoriInstanceName>>& found) {
   return status;
 }
 
-void print(const QORSmrPtr<IQoriObject>& instance, Form form) {
-  if (form == Form::Mof) {
+void print(const QORSmrPtr<IQoriObject>& instance, InstanceForm form) {
+  if (form == InstanceForm::Mof) {
     std::cout << EmbeddedObjectManager::instanceMof(*instance);
     return;
   }
@@ -160,8 +160,8 @@ CommandAction declareGetCommand(CLI::App& app) {
   declareValue(app, {.names = "-o,--output",
                      .type = "mof|json",
                      .description = "Form of the instance (default: mof)",
-                     .take = [options](const std::string& name) { options->form = kForms.at(name); },
-                     .check = oneOf(kForms)});
+                     .take = [options](const std::string& name) { options->form = kInstanceForms.at(name); },
+                     .check = oneOf(kInstanceForms)});
   declareValue(app, {.names = "INSTANCE",
                      .description = "Its path: Class.Key=\"value\",...",
                      .take = keepIn(options->path),

@@ -10,14 +10,14 @@
 
 namespace {
 
-std::string folded(const QORString& name) { return std::string(QORString::toUpperCase(name).view()); }
+std::string upperCased(const QORString& name) { return std::string(QORString::toUpperCase(name).view()); }
 
 }  // namespace
 
 void IndicationSink::declareClass(const QORString& nameSpace, const CimClassDeclaration& declaration) {
   Properties lacking = lackingFrom(nameSpace, declaration);
   if (!findClass(nameSpace, declaration.name).IsNull()) {
-    _lacking[folded(declaration.name)] = std::move(lacking);
+    _lacking[upperCased(declaration.name)] = std::move(lacking);
     return;
   }
   CimClassDeclaration whole = declaration;
@@ -28,7 +28,7 @@ void IndicationSink::declareClass(const QORString& nameSpace, const CimClassDecl
 // What a class that is not declared would inherit from a fuller superclass.
 IndicationSink::Properties IndicationSink::lackingFrom(const QORString& nameSpace,
                                                        const CimClassDeclaration& declaration) const {
-  const auto above = _lacking.find(folded(declaration.superClass));
+  const auto above = _lacking.find(upperCased(declaration.superClass));
   Properties common = above == _lacking.end() ? Properties() : above->second;
   const bool isThere = !findClass(nameSpace, declaration.name).IsNull();
   if (isThere) common.insert(common.end(), declaration.properties.begin(), declaration.properties.end());

@@ -23,7 +23,7 @@ MofObjectPath parsed(const std::string& text) {
 }
 
 // The host of "//host/namespace:Class" and "scheme://host/namespace:Class"; empty where there is none.
-std::string_view hostOf(std::string_view path) {
+std::string_view hostOfPath(std::string_view path) {
   constexpr std::string_view kMark = "//";
   path = path.substr(0, path.find_first_of("\"="));
   const std::size_t mark = path.find(kMark);
@@ -140,7 +140,7 @@ bool isOf(const std::string& server, const IQoriObject& instance) {
 InstancePath readInstancePath(EmbeddedObjectManager& manager, const std::string& text, const std::string& nameSpace,
                               const std::vector<std::string>& servers) {
   const MofObjectPath path = parsed(text);
-  const std::string host(hostOf(text));
+  const std::string host(hostOfPath(text));
   if (!host.empty()) requireServer(host, servers);
   InstancePath result{path.nameSpace.isEmpty() ? QORString(nameSpace) : path.nameSpace, path.className, {}, host};
   if (manager.repository()->getClass(result.nameSpace, path.className).IsNull()) {

@@ -8,14 +8,14 @@
 
 namespace {
 
-constexpr int kPatience = 3;
+constexpr int kInterruptsToEnd = 3;
 constexpr int kExitInterrupted = 130;
 
 std::atomic<int> theCount{0};
 static_assert(std::atomic<int>::is_always_lock_free);
 
 extern "C" void countInterrupt(int /*signal*/) {
-  if (theCount.fetch_add(1) + 1 >= kPatience) _exit(kExitInterrupted);
+  if (theCount.fetch_add(1) + 1 >= kInterruptsToEnd) _exit(kExitInterrupted);
 }
 
 }  // namespace

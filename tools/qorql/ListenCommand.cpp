@@ -47,17 +47,17 @@ constexpr const char* kListenFooter =
     "  qorql listen\n"
     "  qorql listen --listen 127.0.0.1:0 --count 1 -o mof";
 
-constexpr const char* kDefaultAddress = "127.0.0.1:5990";
+constexpr const char* kListenerAddress = "127.0.0.1:5990";
 constexpr unsigned kDrainSeconds = 5;
 constexpr QORuint32 kNoRoom = 1;
 
-enum class Form { Json, Mof };
+enum class IndicationForm { Json, Mof };
 
 struct ListenOptions {
   std::vector<std::string> addresses;
   HttpCertificate certificate;
   std::string usersFile;
-  Form form = Form::Json;
+  IndicationForm form = IndicationForm::Json;
   QORuint64 count = 0;  // 0: without end
   bool isQuiet = false;
 };
@@ -127,12 +127,12 @@ std::string nameOf(const CimXmlInstance& indication) {
 }
 
 // Many senders at once; one line at a time.
-class IndicationPrinter final : public IndicationTaker {
+class ReceivedPrinter final : public IndicationTaker {
  public:
-  explicit IndicationPrinter(const ListenOptions& options) : _options(options) {}
+  explicit ReceivedPrinter(const ListenOptions& options) : _options(options) {}
 
   void take(const CimXmlInstance& indication, const ServerClient& /*sender*/) override {
-    const std::string text = _options.form == Form::Json ? jsonOf(indication) : mofOf(indication);
+    const std::string text = _options.form == IndicationForm::Json ? jsonOf(indication) : mofOf(indication);
     const std::lock_guard lock(_mutex);
     if (_isDone) refuse(indication, "the listener is about to end");
     const bool isPrinted = _output.write(text);
@@ -168,7 +168,7 @@ class IndicationPrinter final : public IndicationTaker {
 HttpOptions httpOptions(const ListenOptions& options) {
   HttpOptions http;
   http.addresses = options.addresses;
-  if (http.addresses.empty()) http.addresses.emplace_back(kDefaultAddress);
+  if (http.addresses.empty()) http.addresses.emplace_back(kListenerAddress);
   http.certificate = options.certificate;
   http.usersFile = options.usersFile;
   http.logsRequests = false;
@@ -181,7 +181,7 @@ void listen(const ListenOptions& options) {
   std::cerr.tie(nullptr);
   ServerModule& library = serverLibrary();
   const PatientErrors errors(library);
-  IndicationPrinter printer(options);
+  ReceivedPrinter printer(options);
   const std::unique_ptr<HttpServer> server =
       library.startHttp(httpOptions(options), library.makeListenService(printer));
   for (const std::string& url : server->urls()) std::cerr << "listening on " << url << '\n';
@@ -226,12 +226,14 @@ CommandAction declareListenCommand(CLI::App& app) {
                      .type = "FILE",
                      .description = "Take indications from these users alone, see qorql passwd",
                      .take = keepIn(options->usersFile)});
-  declareValue(app,
-               {.names = "-o,--output",
-                .type = "FORM",
-                .description = "How to print: json or mof (default: json)",
-                .take = [options](const std::string& form) { options->form = form == "mof" ? Form::Mof : Form::Json; },
-                .check = checkForm});
+  declareValue(app, {.names = "-o,--output",
+                     .type = "FORM",
+                     .description = "How to print: json or mof (default: json)",
+                     .take =
+                         [options](const std::string& form) {
+                           options->form = form == "mof" ? IndicationForm::Mof : IndicationForm::Json;
+                         },
+                     .check = checkForm});
   declareValue(app, {.names = "--count",
                      .type = "N",
                      .description = "End after N indications",

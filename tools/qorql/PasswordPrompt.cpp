@@ -14,9 +14,9 @@
 
 namespace {
 
-constexpr std::size_t kLongest = 1024;
+constexpr std::size_t kLongestPassword = 1024;
 constexpr char kCtrlC = 3;
-constexpr int kPatience = 50;  // milliseconds until the next look whether to stop
+constexpr int kBetweenLooks = 50;  // milliseconds until the next look whether to stop
 
 struct Answer {
   std::optional<std::string> line;
@@ -49,7 +49,7 @@ class Terminal {
   // A line without its end; nothing when the input ends before it, or when it is to stop.
   Answer readLine(const std::atomic<bool>& isStopped) const {
     std::string line;
-    for (char c = 0; line.size() < kLongest && waitForInput(isStopped) && read(_file, &c, 1) == 1;) {
+    for (char c = 0; line.size() < kLongestPassword && waitForInput(isStopped) && read(_file, &c, 1) == 1;) {
       if (c == kCtrlC) return {std::nullopt, true};
       if (c == '\n') return {line, false};
       line += c;
@@ -62,7 +62,7 @@ class Terminal {
   bool waitForInput(const std::atomic<bool>& isStopped) const {
     pollfd input{_file, POLLIN, 0};
     while (!isStopped) {
-      const int ready = poll(&input, 1, kPatience);
+      const int ready = poll(&input, 1, kBetweenLooks);
       if (ready > 0 || (ready < 0 && errno != EINTR)) return true;
     }
     return false;

@@ -23,7 +23,7 @@ const Value* findClass(const std::map<std::string, Value>& map, const std::strin
   return nullptr;
 }
 
-std::string joined(const std::vector<std::string>& names) {
+std::string enumerated(const std::vector<std::string>& names) {
   std::string text;
   for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
   return text;
@@ -62,7 +62,7 @@ std::vector<std::string> remoteNotes(const RemoteSource& source, const ServerOpt
     const std::string how = condition != nullptr ? "ExecQuery of " + className + " WHERE " + *condition
                                                  : "OpenEnumerateInstances of " + className + " in batches of " +
                                                        std::to_string(options.batch);
-    notes.push_back("asks " + joined(servers) + ": " + how);
+    notes.push_back("asks " + enumerated(servers) + ": " + how);
   };
   for (const Step& step : steps) {
     if (step.kind == Step::kAssociate) tell(step.association);

@@ -12,14 +12,14 @@
 
 namespace {
 
-constexpr double kLongest = 1e9;  // seconds that a clock can count; nobody waits for as long as that
+constexpr double kLongestTimeout = 1e9;  // seconds that a clock can count; nobody waits for as long as that
 
 }  // namespace
 
 RunMonitor::RunMonitor(Activity& activity, double timeout) : _activity(activity), _timeout(timeout) {
   using std::chrono::duration;
   if (timeout == 0) return;
-  const duration<double> seconds(std::min(timeout, kLongest));
+  const duration<double> seconds(std::min(timeout, kLongestTimeout));
   _deadline = Clock::now() + std::chrono::duration_cast<Clock::duration>(seconds);
 }
 

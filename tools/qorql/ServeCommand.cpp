@@ -52,7 +52,7 @@ constexpr const char* kServeFooter =
     "  qorql serve --listen 127.0.0.1:0 --no-live -m examples/storage.mof";
 
 constexpr double kInterval = 5;
-constexpr std::chrono::seconds kPatience{10};  // for what is being written
+constexpr std::chrono::seconds kPatienceWithWriters{10};  // for what is being written
 
 // The object manager of a session, which lives as long as anybody has it.
 ServerModel::Manager managerOf(const std::shared_ptr<Session>& session) { return {session, &session->manager()}; }
@@ -162,7 +162,7 @@ class ServerRun {
       session->takeOver();
       if (subscriptions != nullptr) subscriptions->take();
     };
-    if (!_model->replace(managerOf(session), takeOverAll, kPatience)) {
+    if (!_model->replace(managerOf(session), takeOverAll, kPatienceWithWriters)) {
       throw std::runtime_error("what clients write does not come to its end");
     }
     _drainSeconds = static_cast<unsigned>(limitOf(options, "drain"));

@@ -21,11 +21,13 @@ constexpr std::string_view kMark = "://";
 
 [[noreturn]] void refuse(const std::string& message) { throw std::runtime_error(message); }
 
-bool isNameCharacter(char c) {
+bool isHostNameCharacter(char c) {
   return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' || c == '-' || c == '.';
 }
 
-bool isName(std::string_view text) { return !text.empty() && std::all_of(text.begin(), text.end(), isNameCharacter); }
+bool isName(std::string_view text) {
+  return !text.empty() && std::all_of(text.begin(), text.end(), isHostNameCharacter);
+}
 
 int digitOf(char c) {
   if (c >= '0' && c <= '9') return c - '0';

@@ -18,12 +18,12 @@ namespace {
 
 constexpr const char* kPrompt = "qorql> ";
 constexpr const char* kContinued = "  ...> ";
-constexpr std::string_view kBlanks = " \t\r\n";
+constexpr std::string_view kAroundCommand = " \t\r\n";
 
 std::string trimmed(const std::string& text) {
-  const std::size_t first = text.find_first_not_of(kBlanks);
+  const std::size_t first = text.find_first_not_of(kAroundCommand);
   if (first == std::string::npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlanks) + 1 - first);
+  return text.substr(first, text.find_last_not_of(kAroundCommand) + 1 - first);
 }
 
 }  // namespace

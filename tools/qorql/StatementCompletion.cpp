@@ -19,7 +19,7 @@ constexpr std::array<const char*, 7> kFunctions{"AVG(", "COUNT(", "INSTANCEOF(",
 constexpr std::array<const char*, 16> kOpenKeywords{"AND", "ANY", "AS",   "BY",  "EVERY", "FIRST", "FORMAT", "FROM",
                                                     "IS",  "ISA", "LIKE", "NOT", "OR",    "ORDER", "SELECT", "WHERE"};
 
-bool isNameCharacter(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_'; }
+bool isWordCharacter(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_'; }
 
 std::string upper(std::string_view text) {
   std::string result(text);
@@ -149,7 +149,7 @@ Completions completeStatement(std::string_view text, std::size_t cursor, const E
                               const std::string& nameSpace) {
   Completions found;
   found.start = cursor;
-  while (found.start != 0 && isNameCharacter(text[found.start - 1])) --found.start;
+  while (found.start != 0 && isWordCharacter(text[found.start - 1])) --found.start;
   const StatementText before(text.substr(0, found.start));
   if (before.endsInLiteral()) return found;
   const std::string_view typed = text.substr(found.start, cursor - found.start);

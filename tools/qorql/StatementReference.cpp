@@ -15,7 +15,7 @@
 
 namespace {
 
-std::string folded(std::string_view name) { return std::string(QORString::toUpperCase(QORString(name)).view()); }
+std::string spelledAlike(std::string_view name) { return std::string(QORString::toUpperCase(QORString(name)).view()); }
 
 std::string bracketsOf(const QORQL_Factor& factor) {
   switch (factor.getArrayIndexList()) {
@@ -111,18 +111,18 @@ IsaConditions::IsaConditions(const QORQL_Query& query, std::string_view text, co
   for (const QORQL_Comparison* const test : CQLIsaTestsOf(where->getExpression())) {
     const std::optional<StatementReference::Name> property = isaProperty(text, *test, from);
     const std::optional<StatementReference::Name> className = isaClass(*test);
-    if (property && className) _classes.emplace(folded(property->text), className->text);
+    if (property && className) _classes.emplace(spelledAlike(property->text), className->text);
   }
 }
 
 std::string IsaConditions::classOf(std::string_view property) const {
-  const auto found = _classes.lower_bound(folded(property));
-  return found == _classes.end() || found->first != folded(property) ? "" : found->second;
+  const auto found = _classes.lower_bound(spelledAlike(property));
+  return found == _classes.end() || found->first != spelledAlike(property) ? "" : found->second;
 }
 
 std::vector<std::string> IsaConditions::classesOf(std::string_view property) const {
   std::vector<std::string> classes;
-  const auto [begin, end] = _classes.equal_range(folded(property));
+  const auto [begin, end] = _classes.equal_range(spelledAlike(property));
   for (auto known = begin; known != end; ++known) classes.push_back(known->second);
   return classes;
 }

@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr std::size_t kLongest = 400;
+constexpr std::size_t kLongestSurprise = 400;
 
 std::string meantClass(EmbeddedObjectManager& manager, const std::string& nameSpace, const std::string& name) {
   if (name.empty()) return {};
@@ -28,7 +28,7 @@ std::string meantClass(EmbeddedObjectManager& manager, const std::string& nameSp
 std::vector<Warning> findWarnings(EmbeddedObjectManager& manager, const std::string& nameSpace, ParsedQuery& parsed) {
   std::vector<Warning> warnings;
   for (const QORQL_Surprise& surprise : QORQL_findSurprises(parsed.query(), QORString(nameSpace))) {
-    warnings.push_back({cutText(printableText(surprise.text), kLongest, "...") +
+    warnings.push_back({cutText(printableText(surprise.text), kLongestSurprise, "...") +
                             meantClass(manager, nameSpace, surprise.unknownClass) + " [" + surprise.rule + "]",
                         surprise.offset});
   }

@@ -12,7 +12,7 @@
 namespace {
 
 constexpr std::size_t kGreatestText = std::size_t{512} << 20U;
-constexpr std::size_t kChunk = std::size_t{1} << 16U;
+constexpr std::size_t kTextChunk = std::size_t{1} << 16U;
 
 [[noreturn]] void fail(const std::string& name, const std::string& reason) {
   throw std::runtime_error(name + " cannot be read: " + reason);
@@ -21,7 +21,7 @@ constexpr std::size_t kChunk = std::size_t{1} << 16U;
 // A stream of the C library tells an error from the end, and says which error it is.
 std::string readAll(std::FILE* in, const std::string& name) {
   std::string text;
-  std::vector<char> chunk(kChunk);
+  std::vector<char> chunk(kTextChunk);
   errno = 0;
   while (const std::size_t count = std::fread(chunk.data(), 1, chunk.size(), in)) {
     text.append(chunk.data(), count);

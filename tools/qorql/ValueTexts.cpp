@@ -32,7 +32,7 @@ struct Number {
   }
 };
 
-std::optional<Number> numberOf(std::string_view text) {
+std::optional<Number> numberIn(std::string_view text) {
   const bool isNegative = text.starts_with('-');
   if (isNegative) text.remove_prefix(1);
   QORuint64 magnitude = 0;
@@ -47,8 +47,8 @@ bool isInRange(std::string_view range, const Number& number) {
   if (to == std::string_view::npos) return false;
   const std::string_view least = range.substr(0, to);
   const std::string_view greatest = range.substr(to + kTo.size());
-  const std::optional<Number> first = numberOf(least);
-  const std::optional<Number> last = numberOf(greatest);
+  const std::optional<Number> first = numberIn(least);
+  const std::optional<Number> last = numberIn(greatest);
   const bool isFromFirst = least.empty() || (first && *first <= number);
   return isFromFirst && (greatest.empty() || (last && number <= *last));
 }
@@ -80,16 +80,16 @@ ValueTexts::ValueTexts(const CimPropertyDeclaration& property) : _entries(entrie
 std::string ValueTexts::textOf(const IQoriValue& value) const {
   const std::string code(value.toString().view());
   const std::string text = valueText(code);
-  const std::optional<Number> number = numberOf(code);
+  const std::optional<Number> number = numberIn(code);
   const bool hasBits = _valueCount < _entries.size() && number && !number->isNegative;
   return text.empty() && hasBits ? bitTexts(number->magnitude) : text;
 }
 
 std::string ValueTexts::valueText(const std::string& code) const {
   const auto end = _entries.begin() + static_cast<std::ptrdiff_t>(_valueCount);
-  const std::optional<Number> number = numberOf(code);
+  const std::optional<Number> number = numberIn(code);
   const auto isNamed = [&](const Entry& entry) {
-    return entry.code == code || (number && numberOf(entry.code) == number);
+    return entry.code == code || (number && numberIn(entry.code) == number);
   };
   auto found = std::find_if(_entries.begin(), end, isNamed);
   if (found == end && number) {

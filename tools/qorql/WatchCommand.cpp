@@ -190,7 +190,7 @@ int runWatch(const WatchOptions& options) {
   }
 }
 
-std::string checkInterval(const std::string& given) {
+std::string checkWatchInterval(const std::string& given) {
   constexpr double kShortest = 0.01;
   constexpr double kLongest = 86400;
   const double seconds = parseSeconds(given);
@@ -208,7 +208,7 @@ CommandAction declareWatchCommand(CLI::App& app) {
                      .type = "SECONDS",
                      .description = "Seconds between two looks (default: 1)",
                      .take = [options](const std::string& given) { options->interval = parseSeconds(given); },
-                     .check = checkInterval});
+                     .check = checkWatchInterval});
   declareValue(app, {.names = "--count",
                      .type = "N",
                      .description = "End after N looks",

@@ -19,7 +19,7 @@ std::string escaped(const std::string& text, std::string_view ends) {
   return result;
 }
 
-std::string quoted(const std::string& text) {
+std::string zshQuoted(const std::string& text) {
   std::string result = "'";
   for (const char c : text) result += c == '\'' ? "'\\''" : std::string(1, c);
   return result + '\'';
@@ -42,18 +42,19 @@ std::string specification(const CompletedOption& option, const std::string& name
          (isFlag ? "" : ':' + actionFor(option.value));
 }
 
-void printBranch(const CompletedCommand& command) {
+void printZshBranch(const CompletedCommand& command) {
   std::cout << "    " << command.name << ")\n      specifications=(\n";
   for (const CompletedOption& option : command.options) {
-    for (const std::string& name : option.names) std::cout << "        " << quoted(specification(option, name)) << '\n';
+    for (const std::string& name : option.names)
+      std::cout << "        " << zshQuoted(specification(option, name)) << '\n';
   }
-  std::cout << "        " << quoted("*:" + actionFor(command.arguments)) << "\n      ) ;;\n";
+  std::cout << "        " << zshQuoted("*:" + actionFor(command.arguments)) << "\n      ) ;;\n";
 }
 
 void printCommands(const std::vector<CompletedCommand>& table) {
   std::cout << "  local -a summaries=(\n";
   for (const CompletedCommand& command : table) {
-    std::cout << "    " << quoted(command.name + ':' + escaped(command.summary, ":")) << '\n';
+    std::cout << "    " << zshQuoted(command.name + ':' + escaped(command.summary, ":")) << '\n';
   }
   std::cout << "  )\n";
 }
@@ -76,7 +77,7 @@ _qorql_first() {
 )sh";
 
 // Finds the command: the first word that is neither an option nor an option's value.
-constexpr const char* kFindCommand = R"sh(
+constexpr const char* kZshFindCommand = R"sh(
   local word command=
   local -a specifications
   local -i place
@@ -112,7 +113,7 @@ void printZshCompletion(const std::vector<CompletedCommand>& table) {
             << kHelpers << "_qorql() {\n";
   printCommands(table);
   std::cout << "  local -a names=(" << commandNames(table) << ") valued=(" << valuedOptions(table) << ')'
-            << kFindCommand;
-  for (const CompletedCommand& command : table) printBranch(command);
+            << kZshFindCommand;
+  for (const CompletedCommand& command : table) printZshBranch(command);
   std::cout << kArguments;
 }
