@@ -76,8 +76,8 @@ function(qorql_compile_as_one target group)
 endfunction()
 
 # The same for all sources of a folder, at most so many at a time, where a build is to be done soon
-# (QORQL_COMPILE_TOGETHER) rather than a change to be built soon. With 32 the compiler has a fifth less to do than with
-# eight, but it inlines other calls: MOF is read with 7 more instructions in a hundred, so what takes time has eight.
+# (QORQL_COMPILE_TOGETHER) rather than a change to be built soon. With 32 the compiler has a fifth less
+# to do than with eight; names must differ within more sources.
 function(qorql_compile_together target group most)
   if(QORQL_COMPILE_TOGETHER)
     set(number 0)
