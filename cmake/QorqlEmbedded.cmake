@@ -48,7 +48,7 @@ qorql_library(embedded embedded)
 foreach(room Embedded Mof Providers CimXml Remote)
   set(sources ${QORQL_EMBEDDED_SOURCES})
   list(FILTER sources INCLUDE REGEX "/Cimom/${room}/")
-  qorql_compile_together(embedded embedded_${room} 8 ${sources})
+  qorql_compile_together(embedded embedded_${room} 32 ${sources})
 endforeach()
 
 # What reads the lists of packages, and what speaks HTTP with servers, is loaded when it is asked for: its libraries

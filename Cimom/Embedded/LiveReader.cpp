@@ -152,6 +152,12 @@ void callProvider(InstanceProvider& provider, const InstanceProvider::Request& r
 
 }  // namespace
 
+CIMApi::PropertyNames referenceNames(const CQoriClass& model) {
+  CIMApi::PropertyNames names(new QORValSlist<QORString>);
+  for (const QORuint32 position : model.referencePositions()) names->append(model.shape()->layout->getName(position));
+  return names;
+}
+
 void tellOfAbsence(const CQoriProviderException& absence) {
   QORLog::log("Providers", absence.getMessage(), QoriTraceLog::kWarning, QoriTraceLog::kNormal, 0, QORLog::CIMOMLOG);
 }

@@ -22,6 +22,9 @@ struct LiveRequest {
   std::vector<CQoriProviderException>* absences = nullptr;
 };
 
+// The names of its references: what a walk over associations wants of them.
+CIMApi::PropertyNames referenceNames(const CQoriClass& model);
+
 // The class's live instances, complete in shape: properties that are neither
 // asked for nor keys are NULL. Instances without a value for each key, and
 // those whose path is stored or came before, are left out and logged,

@@ -8,13 +8,7 @@ namespace embedded {
 
 namespace {
 
-CIMApi::PropertyNames referenceNames(const CQoriClass& model) {
-  CIMApi::PropertyNames names(new QORValSlist<QORString>);
-  for (const QORuint32 position : model.referencePositions()) names->append(model.shape()->layout->getName(position));
-  return names;
-}
-
-QORString referencedPath(const IQoriObject& object, QORuint32 position) {
+QORString pathReferredTo(const IQoriObject& object, QORuint32 position) {
   const QORSmrPtr<IQoriValue> value = object.getValueAt(position);
   const QORSmrPtr<IQoriInstanceName> name = value.IsNull() ? QORSmrPtr<IQoriInstanceName>() : value->getReference();
   return name.IsNull() ? QORString() : name->toString();
@@ -31,7 +25,7 @@ const std::vector<QORSmrPtr<IQoriObject>>* LiveSnapshot::referringTo(const Objec
     for (const QORSmrPtr<IQoriObject>& association :
          readLive(store, source, {referenceNames(model), {}, {}, isOneOfMany})) {
       for (const QORuint32 position : model.referencePositions()) {
-        const QORString referenced = referencedPath(*association, position);
+        const QORString referenced = pathReferredTo(*association, position);
         if (referenced.isNull()) continue;
         std::vector<QORSmrPtr<IQoriObject>>& referring = index[std::string(referenced.view())];
         if (referring.empty() || !(referring.back() == association)) referring.push_back(association);

@@ -5,6 +5,8 @@
 #include <iterator>
 #include <set>
 
+#include "Cimom/Embedded/LiveReader.h"
+
 namespace embedded {
 
 namespace {
@@ -14,12 +16,6 @@ using State = EmbeddedObjectManager::State;
 CimDeclarationSink& sinkOf(const State& state) { return const_cast<State&>(state).sink; }
 
 const CQoriClass& modelOf(const QORSmrPtr<IQoriClass>& declared) { return static_cast<const CQoriClass&>(*declared); }
-
-CIMApi::PropertyNames referenceNames(const CQoriClass& model) {
-  CIMApi::PropertyNames names(new QORValSlist<QORString>);
-  for (const QORuint32 position : model.referencePositions()) names->append(model.shape()->layout->getName(position));
-  return names;
-}
 
 std::string pathOf(const IQoriObject& object) {
   std::string path;

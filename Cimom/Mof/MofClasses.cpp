@@ -13,8 +13,6 @@ namespace {
 
 constexpr int kMaximumLevels = 500;  // of inheritance, which the sink refuses to exceed
 
-std::string textOf(const QORString& text) { return std::string(text.view()); }
-
 const MofType& requireType(const MofName& name) {
   const MofType* const type = findMofType(name.text);
   if (type != nullptr && type->kind != MofType::Kind::Reference && type->kind != MofType::Kind::Object) return *type;

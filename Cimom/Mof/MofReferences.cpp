@@ -16,8 +16,6 @@ namespace {
 // backslashes of the paths inside: a chain of a few dozen references would fill any memory.
 constexpr std::size_t kMaximumPathLength = 16384;
 
-std::string textOf(const QORString& text) { return std::string(text.view()); }
-
 QORSmrPtr<IQoriInstanceName> makeName(const QORString& nameSpace, const QORString& className,
                                       const QORSmrPtr<IQoriInstanceName::KeyList>& keys) {
   const QORSmrPtr<IQoriNameSpacePath> path(new CQoriNameSpacePath(QORString::emptyString(), nameSpace));

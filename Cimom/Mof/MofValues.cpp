@@ -9,8 +9,6 @@
 
 namespace {
 
-std::string textOf(const QORString& text) { return std::string(text.view()); }
-
 // What a property holds, whose class may be any.
 std::string describeObjects(const QORString& className, const char* ofClass, const char* ofAny) {
   return className.isEmpty() ? ofAny : ofClass + textOf(className);

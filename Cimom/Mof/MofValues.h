@@ -17,6 +17,9 @@
 #include "Cimom/Mof/MofShapes.h"
 #include "Cimom/Mof/MofSyntax.h"
 
+// For messages of a load.
+inline std::string textOf(const QORString& text) { return std::string(text.view()); }
+
 // Makes the sink's declarations of instances from their syntax. An alias may be
 // used before its instance and in a circle; its path comes from the keys alone.
 // Recursion follows nesting and is bounded. Belongs to one load.

@@ -15,11 +15,11 @@ LinuxValue readPortNumber(Port& port) { return uint32Value(port.socket.local.por
 
 LinuxValue readClassName(Port&) { return textValue(LinuxListeningPort::kClassName); }
 
-constexpr LinuxProperty<Port> kOwnProperties[] = {
+constexpr LinuxProperty<Port> kOwnPortProperties[] = {
     {"PortNumber", readPortNumber},
     {"CreationClassName", readClassName},
 };
-constexpr auto kListeningPortProperties = withSocketProperties(kOwnProperties);
+constexpr auto kListeningPortProperties = withSocketProperties(kOwnPortProperties);
 
 }  // namespace
 

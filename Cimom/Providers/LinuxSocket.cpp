@@ -56,11 +56,11 @@ LinuxValue readIsRemote(Socket& socket) {
 
 LinuxValue readClassName(Socket&) { return textValue(LinuxSocket::kClassName); }
 
-constexpr LinuxProperty<Socket> kOwnProperties[] = {
+constexpr LinuxProperty<Socket> kOwnSocketProperties[] = {
     {"State", readState},           {"LocalPort", readLocalPort}, {"RemoteAddress", readRemoteAddress},
     {"RemotePort", readRemotePort}, {"IsRemote", readIsRemote},   {"CreationClassName", readClassName},
 };
-constexpr auto kSocketProperties = withSocketProperties(kOwnProperties);
+constexpr auto kSocketProperties = withSocketProperties(kOwnSocketProperties);
 
 }  // namespace
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "Cimom/Remote/RemoteNames.h"
 #include "cimom/CQoriProviderException.h"
 #include "cimom/CQoriType.h"
 
@@ -13,18 +14,6 @@ const char* const RemoteClasses::kServerProperty = "__SERVER";
 namespace {
 
 constexpr QORuint32 kCimFailed = 1;
-
-std::string keyOf(const QORString& nameSpace, const QORString& className) {
-  return std::string((QORString::toUpperCase(nameSpace) + ":" + QORString::toUpperCase(className)).view());
-}
-
-// BORROWS; null when there is none.
-CimPropertyDeclaration* findProperty(CimClassDeclaration& declaration, const QORString& name) {
-  const auto found =
-      std::find_if(declaration.properties.begin(), declaration.properties.end(),
-                   [&name](const CimPropertyDeclaration& own) { return own.name.isEqualCaseInsensitive(name); });
-  return found == declaration.properties.end() ? nullptr : &*found;
-}
 
 // Whatever ends it, a class can be asked for again.
 class UnderWay {
@@ -75,7 +64,7 @@ bool RemoteClasses::provideLocked(CimDeclarationSink& sink, const QORString& nam
   if (!fetched.has_value()) return false;
   CimClassDeclaration declaration = fetched->declaration;
   const std::vector<QORString> superClasses = fetched->superClasses;
-  const std::string key = keyOf(nameSpace, className);
+  const std::string key = remote::classKey(nameSpace, className);
   if (!_underWay.insert(key).second) raise(className, "class " + className + " derives from itself on the server");
   const UnderWay underWay(_underWay, key);
   if (_underWay.size() > CQoriClass::kMaximumDepth)
@@ -101,7 +90,7 @@ bool RemoteClasses::provideLocked(CimDeclarationSink& sink, const QORString& nam
 }
 
 const std::optional<RemoteUnion>& RemoteClasses::declarationOf(const QORString& nameSpace, const QORString& className) {
-  const std::string key = keyOf(nameSpace, className);
+  const std::string key = remote::classKey(nameSpace, className);
   const auto known = _fetched.find(key);
   if (known != _fetched.end()) return known->second;
   Fetched fetched = _fetch(nameSpace, className);
@@ -116,7 +105,7 @@ void RemoteClasses::addServerProperty(CimDeclarationSink& sink, const QORString&
   CimPropertyDeclaration property;
   const bool isInherited = !declaration.superClass.isEmpty() &&
                            sink.describeProperty(nameSpace, declaration.superClass, kServerProperty, property);
-  if (isInherited || findProperty(declaration, kServerProperty) != nullptr) return;
+  if (isInherited || remote::findProperty(declaration, kServerProperty) != nullptr) return;
   property = CimPropertyDeclaration();
   property.name = kServerProperty;
   property.type = CQoriType::string;

@@ -25,6 +25,10 @@ QORSmrPtr<IQoriProperty> keyThere(const QORSmrPtr<IQoriProperty>& key, const QOR
 
 }  // namespace
 
+std::string classKey(const QORString& nameSpace, const QORString& className) {
+  return std::string((QORString::toUpperCase(nameSpace) + ":" + QORString::toUpperCase(className)).view());
+}
+
 std::string_view serverOf(std::string_view nameSpace) {
   if (!nameSpace.starts_with(kMark)) return {};
   nameSpace.remove_prefix(kMark.size());

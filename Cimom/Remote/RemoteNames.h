@@ -4,12 +4,16 @@
 #ifndef QORQL_REMOTE_REMOTENAMES_H
 #define QORQL_REMOTE_REMOTENAMES_H
 
+#include <string>
 #include <string_view>
 
 #include "cimom/IQoriInstanceName.h"
 #include "cmpbase.h"
 
 namespace remote {
+
+// The same text for every spelling of the class in that namespace.
+std::string classKey(const QORString& nameSpace, const QORString& className);
 
 // "array1" of "//array1/root/cimv2"; empty where no server is named. BORROWS the text.
 std::string_view serverOf(std::string_view nameSpace);

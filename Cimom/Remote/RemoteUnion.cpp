@@ -15,14 +15,6 @@ namespace {
 
 using Code = CQoriType::Code;
 
-// BORROWS; null when there is none.
-CimPropertyDeclaration* findProperty(CimClassDeclaration& declaration, const QORString& name) {
-  const auto found =
-      std::find_if(declaration.properties.begin(), declaration.properties.end(),
-                   [&name](const CimPropertyDeclaration& own) { return own.name.isEqualCaseInsensitive(name); });
-  return found == declaration.properties.end() ? nullptr : &*found;
-}
-
 bool isSigned(Code code) noexcept { return static_cast<int>(code) % 2 == 0; }
 
 Code commonCode(Code low, Code high) noexcept {
@@ -74,13 +66,21 @@ void addPropertiesOf(const CimDeclarationSink& sink, const QORString& nameSpace,
   CimPropertyDeclaration inherited;
   for (const CimPropertyDeclaration& property : static_cast<const CQoriClass&>(*declared).properties()) {
     const bool isInherited = sink.describeProperty(nameSpace, declaration.superClass, property.name, inherited);
-    if (!isInherited && findProperty(declaration, property.name) == nullptr) declaration.properties.push_back(property);
+    if (!isInherited && remote::findProperty(declaration, property.name) == nullptr)
+      declaration.properties.push_back(property);
   }
 }
 
 }  // namespace
 
 namespace remote {
+
+CimPropertyDeclaration* findProperty(CimClassDeclaration& declaration, const QORString& name) {
+  const auto found =
+      std::find_if(declaration.properties.begin(), declaration.properties.end(),
+                   [&name](const CimPropertyDeclaration& own) { return own.name.isEqualCaseInsensitive(name); });
+  return found == declaration.properties.end() ? nullptr : &*found;
+}
 
 RemoteUnion unionOf(std::vector<CimClassDeclaration>&& declarations) {
   RemoteUnion all{std::move(declarations.front()), {}};

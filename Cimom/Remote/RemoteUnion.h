@@ -19,6 +19,9 @@ struct RemoteUnion {
 
 namespace remote {
 
+// BORROWS: the declaration's own property of that name; null when there is none.
+CimPropertyDeclaration* findProperty(CimClassDeclaration& declaration, const QORString& name);
+
 // REQUIRES a declaration.
 RemoteUnion unionOf(std::vector<CimClassDeclaration>&& declarations);
 

@@ -7,14 +7,12 @@
 
 #include <chrono>
 
+#include "Cimom/Remote/RemoteNames.h"
+
 namespace {
 
 constexpr std::chrono::seconds kBetweenLooks{30};
 constexpr std::chrono::seconds kBetweenTries{1};  // of a server that does not answer
-
-std::string keyOf(const QORString& nameSpace, const QORString& className) {
-  return std::string((QORString::toUpperCase(nameSpace) + ":" + QORString::toUpperCase(className)).view());
-}
 
 }  // namespace
 
@@ -55,13 +53,13 @@ void RemoteWatch::noteSilence(std::size_t server, const std::exception_ptr& fail
 
 void RemoteWatch::noteLack(std::size_t server, const QORString& nameSpace, const QORString& className) {
   const std::lock_guard lock(_mutex);
-  _servers[server]->lacks.insert_or_assign(keyOf(nameSpace, className), Lack{nameSpace, className});
+  _servers[server]->lacks.insert_or_assign(remote::classKey(nameSpace, className), Lack{nameSpace, className});
 }
 
 bool RemoteWatch::isLacking(std::size_t server, const QORString& nameSpace, const QORString& className) const {
   const std::lock_guard lock(_mutex);
   const std::map<std::string, Lack>& lacks = _servers[server]->lacks;
-  const auto found = lacks.find(keyOf(nameSpace, className));
+  const auto found = lacks.find(remote::classKey(nameSpace, className));
   if (found == lacks.end()) return false;
   found->second.isAskedFor = true;
   return true;

@@ -7,14 +7,12 @@
 
 namespace {
 
-using Kind = QoriScalarKind;
-
 // What the first cell with a value is; Null when there is none.
-Kind firstKind(const QORQL_RunOperand& operand, std::size_t count) noexcept {
+QoriScalarKind firstKind(const QORQL_RunOperand& operand, std::size_t count) noexcept {
   for (std::size_t i = 0; i < count; ++i) {
     if (!operand[i].isNull()) return operand[i].kind;
   }
-  return Kind::Null;
+  return QoriScalarKind::Null;
 }
 
 // REQUIRES an unsigned literal.
@@ -22,9 +20,9 @@ bool fitsSigned(const QoriScalar& literal) noexcept {
   return literal.u <= static_cast<QORuint64>(std::numeric_limits<QORsint64>::max());
 }
 
-template <Kind kKind>
+template <QoriScalarKind kKind>
 auto integerOf(const QoriScalar& view) noexcept {
-  if constexpr (kKind == Kind::Signed) {
+  if constexpr (kKind == QoriScalarKind::Signed) {
     return view.s;
   } else {
     return view.u;
@@ -33,7 +31,7 @@ auto integerOf(const QoriScalar& view) noexcept {
 
 // Cells without value are as common as others, so that nothing branches on them.
 // REQUIRES a literal that is the same number as an integer of that kind.
-template <Kind kKind>
+template <QoriScalarKind kKind>
 void relateIntegers(const QORQL_RunOperand& operand, QoriRelation relation, const QoriScalar& literal,
                     std::size_t count, QORQL_RunTruths& truths) noexcept {
   const auto number = integerOf<kKind>(literal);
@@ -42,7 +40,7 @@ void relateIntegers(const QORQL_RunOperand& operand, QoriRelation relation, cons
       for (std::size_t i = 0; i < count; ++i) {
         const QoriScalar& cell = cellOf(i);
         const QORQL_ViewTruth truth = QORQL_viewTruth(compare(integerOf<kKind>(cell), number));
-        if (cell.kind == kKind || cell.kind == Kind::Null) [[likely]] {
+        if (cell.kind == kKind || cell.kind == QoriScalarKind::Null) [[likely]] {
           truths[i] = cell.kind == kKind ? truth : QORQL_ViewTruth::Null;
         } else {
           truths[i] = QORQL_relateViews(cell, relation, literal);
@@ -73,19 +71,20 @@ struct TupleRows {
 
 // What the first object that has a value has; Null when there is none.
 template <class Rows>
-Kind firstKind(const CellRelation& asked, const Rows& rows, QORuint64 first, QORuint64 end) noexcept {
+QoriScalarKind firstKind(const CellRelation& asked, const Rows& rows, QORuint64 first, QORuint64 end) noexcept {
   for (QORuint64 row = first; row < end; ++row) {
     const QORuint32 index = rows[row];
-    const Kind kind = Rows::hasObject(index) ? QoriCells::at(asked.cells[index], asked.offset).kind : Kind::Null;
-    if (kind != Kind::Null) return kind;
+    const QoriScalarKind kind =
+        Rows::hasObject(index) ? QoriCells::at(asked.cells[index], asked.offset).kind : QoriScalarKind::Null;
+    if (kind != QoriScalarKind::Null) return kind;
   }
-  return Kind::Null;
+  return QoriScalarKind::Null;
 }
 
 // Both put out the indices of the rows that hold, without a branch on that, which the processor could not predict, and
 // return how many there are; nothing when they meet what they are not made for. The first is for cells that all have
 // an integer of that kind.
-template <Kind kKind, class Compare, class Rows>
+template <QoriScalarKind kKind, class Compare, class Rows>
 std::optional<std::size_t> selectDense(const Compare& compare, const CellRelation& asked, const Rows& rows,
                                        QORuint64 first, QORuint64 end, QORuint32* out) noexcept {
   const char* const* const cells = asked.cells;
@@ -104,10 +103,11 @@ std::optional<std::size_t> selectDense(const Compare& compare, const CellRelatio
 }
 
 // The second is for integers and NULLs, which alternate: what else it meets adds up, without a branch on which it is.
-template <Kind kKind, class Compare, class Rows>
+template <QoriScalarKind kKind, class Compare, class Rows>
 std::optional<std::size_t> selectWithNulls(const Compare& compare, const CellRelation& asked, const Rows& rows,
                                            QORuint64 first, QORuint64 end, QORuint32* out) noexcept {
-  constexpr unsigned kOthers = ~(1U << static_cast<unsigned>(Kind::Null) | 1U << static_cast<unsigned>(kKind));
+  constexpr unsigned kOthers =
+      ~(1U << static_cast<unsigned>(QoriScalarKind::Null) | 1U << static_cast<unsigned>(kKind));
   const char* const* const cells = asked.cells;
   const QORuint32 offset = asked.offset;
   const auto number = integerOf<kKind>(asked.literal);
@@ -126,7 +126,7 @@ std::optional<std::size_t> selectWithNulls(const Compare& compare, const CellRel
   return selected;
 }
 
-template <Kind kKind, class Rows>
+template <QoriScalarKind kKind, class Rows>
 std::optional<std::size_t> selectIntegers(const CellRelation& asked, const Rows& rows, QORuint64 first, QORuint64 end,
                                           QORuint32* out) noexcept {
   std::optional<std::size_t> selected;
@@ -140,31 +140,31 @@ std::optional<std::size_t> selectIntegers(const CellRelation& asked, const Rows&
 template <class Rows>
 std::optional<std::size_t> select(const CellRelation& asked, const Rows& rows, QORuint64 first, QORuint64 end,
                                   QORuint32* out) noexcept {
-  return fitsSigned(asked.literal) && firstKind(asked, rows, first, end) == Kind::Signed
-             ? selectIntegers<Kind::Signed>(asked, rows, first, end, out)
-             : selectIntegers<Kind::Unsigned>(asked, rows, first, end, out);
+  return fitsSigned(asked.literal) && firstKind(asked, rows, first, end) == QoriScalarKind::Signed
+             ? selectIntegers<QoriScalarKind::Signed>(asked, rows, first, end, out)
+             : selectIntegers<QoriScalarKind::Unsigned>(asked, rows, first, end, out);
 }
 
 }  // namespace
 
 void QORQL_relateRun(const QORQL_RunOperand& left, QoriRelation relation, const QORQL_RunOperand& right,
                      std::size_t count, QORQL_RunTruths& truths) noexcept {
-  if (left.isConstant() || !right.isConstant() || right.constant().kind != Kind::Unsigned) {
+  if (left.isConstant() || !right.isConstant() || right.constant().kind != QoriScalarKind::Unsigned) {
     for (std::size_t i = 0; i < count; ++i) truths[i] = QORQL_relateViews(left[i], relation, right[i]);
     return;
   }
   const QoriScalar& literal = right.constant();
-  if (fitsSigned(literal) && firstKind(left, count) == Kind::Signed) {
-    relateIntegers<Kind::Signed>(left, relation, literal, count, truths);
+  if (fitsSigned(literal) && firstKind(left, count) == QoriScalarKind::Signed) {
+    relateIntegers<QoriScalarKind::Signed>(left, relation, literal, count, truths);
   } else {
-    relateIntegers<Kind::Unsigned>(left, relation, literal, count, truths);
+    relateIntegers<QoriScalarKind::Unsigned>(left, relation, literal, count, truths);
   }
 }
 
 std::optional<std::size_t> QORQL_selectRun(const QORQL_PropertyColumn& column, QoriRelation relation,
                                            const QoriScalar& literal, const QORQL_RowBlock& block, QORuint64 first,
                                            std::size_t count, QORuint32* out) noexcept {
-  const bool isTold = literal.kind == Kind::Unsigned && block.columns.size() == 1 && column.readsCells();
+  const bool isTold = literal.kind == QoriScalarKind::Unsigned && block.columns.size() == 1 && column.readsCells();
   const char* const* const cells = isTold ? column.allCells() : nullptr;
   if (cells == nullptr) return std::nullopt;
   const CellRelation asked{cells, column.offset(), relation, literal};
