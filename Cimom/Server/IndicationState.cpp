@@ -59,6 +59,7 @@ void IndicationService::State::stop() noexcept {
 
 void IndicationService::State::beforeCreate(EmbeddedObjectManager& manager, const QORString& nameSpace,
                                             CimInstanceDeclaration& declaration) {
+  SubscriptionRules::checkNumber(nameSpace, declaration.className);
   if (!isSubscriptionClass(nameSpace, declaration.className)) {
     return SubscriptionRules::checkOther(manager, nameSpace, declaration.className);
   }
@@ -73,12 +74,14 @@ void IndicationService::State::beforeCreate(EmbeddedObjectManager& manager, cons
 
 void IndicationService::State::beforeModify(EmbeddedObjectManager& manager, const IQoriObject& before,
                                             const std::vector<CimInstanceProperty>& properties) {
+  SubscriptionRules::checkSettings(before, properties);
   if (!isOfSubscriptions(before)) return;
   const std::lock_guard lock(_mutex);
   SubscriptionRules(manager, *_table, _options.origin).check(before, properties);
 }
 
 void IndicationService::State::beforeRemove(EmbeddedObjectManager& manager, const IQoriObject& before) {
+  SubscriptionRules::checkNumber(before.getNameSpace(), before.getClassName());
   if (!isOfSubscriptions(before)) return;
   const std::lock_guard lock(_mutex);
   SubscriptionRules(manager, *_table, _options.origin).checkRemoval(before);
@@ -177,6 +180,7 @@ void IndicationService::State::queue(ServerStore::Change& kept, const Object& in
     const std::int64_t waiting = channel.listener->waiting() + advance.queued;
     if (waiting >= static_cast<std::int64_t>(_options.queueLimit)) {
       ++advance.dropped;
+      _table->undoCount(match);
     } else {
       const DeliveryMark mark{match.filter.name, QORString(channel.context), number};
       const auto selects = [&](const QORString& name) { return match.selection.has(name); };

@@ -57,13 +57,17 @@ bool RepeatMemory::letsLate(Event& event, Time now, Step& step) {
   return true;
 }
 
-// The last one first. An event that has been forgotten meanwhile was over.
 void RepeatMemory::undo() noexcept {
-  for (auto step = _steps.rbegin(); step != _steps.rend(); ++step) {
-    const auto known = _events.find(step->event);
-    if (known != _events.end()) undo(known->second, *step);
-  }
-  _steps.clear();
+  while (!_steps.empty()) undoLast();
+}
+
+// An event that has been forgotten meanwhile was over.
+void RepeatMemory::undoLast() noexcept {
+  if (_steps.empty()) return;
+  Step& step = _steps.back();
+  const auto known = _events.find(step.event);
+  if (known != _events.end()) undo(known->second, step);
+  _steps.pop_back();
 }
 
 void RepeatMemory::undo(Event& event, Step& step) noexcept {

@@ -44,6 +44,8 @@ class RepeatMemory {
   void keep() noexcept { _steps.clear(); }
   // It did not: the next ones are judged as if it had never been asked for.
   void undo() noexcept;
+  // The last one alone did not, which was to be sent.
+  void undoLast() noexcept;
   // Goes on where another one of the same rule is, which is left with what this one knew.
   void continueFrom(RepeatMemory& other) noexcept;
 

@@ -60,8 +60,8 @@ std::vector<QORString> sourceSpaces(const IQoriObject& object) {
 
 // The engine has one name for the language that clients call by several.
 QORString languageOf(const IQoriObject& object) {
-  const std::string language = textOf(object, "QueryLanguage");
-  return QORString(language.empty() || language == "CIM:CQL" ? "DMTF:CQL" : language);
+  const QORString language(textOf(object, "QueryLanguage"));
+  return language.isEmpty() || language.isEqualCaseInsensitive("CIM:CQL") ? QORString("DMTF:CQL") : language;
 }
 
 FilterStatement statementOf(const QORString& language, const QORString& query, const QORString& nameSpace) {

@@ -45,6 +45,21 @@ void SubscriptionRules::checkOther(const EmbeddedObjectManager& manager, const Q
   }
 }
 
+void SubscriptionRules::checkNumber(const QORString& nameSpace, const QORString& className) {
+  if (!isOf(nameSpace, kSubscriptionSpace) || !isOf(className, kIndicationServiceClass)) return;
+  throw CimStatusException(cimstatus::kNotSupported,
+                           std::string("there is one ") + kIndicationServiceClass + ", which can be modified alone");
+}
+
+void SubscriptionRules::checkSettings(const IQoriObject& before, const std::vector<CimInstanceProperty>& properties) {
+  if (!isOf(before.getNameSpace(), kSubscriptionSpace) || !isOf(before.getClassName(), kIndicationServiceClass)) return;
+  for (const CimInstanceProperty& changed : properties) {
+    const bool isSetting = isOf(changed.name, "DeliveryRetryAttempts") || isOf(changed.name, "DeliveryRetryInterval");
+    if (!isSetting || !changed.value.IsNull()) continue;
+    throw CimStatusException(cimstatus::kInvalidParameter, std::string(changed.name.view()) + " needs a value");
+  }
+}
+
 void SubscriptionRules::fill(CimInstanceDeclaration& declaration, const char* property, const QORString& value) const {
   CimInstanceProperty* const given = findProperty(declaration, property);
   const QORSmrPtr<IQoriValue> text(new CQoriValue(value));

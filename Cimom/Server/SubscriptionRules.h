@@ -21,6 +21,10 @@ class SubscriptionRules {
 
   // Refuses, with 4, an instance of a class below those of subscriptions, which would be checked by nobody.
   static void checkOther(const EmbeddedObjectManager& manager, const QORString& nameSpace, const QORString& className);
+  // Refuses, with 7, to create or to delete the service of indications: there is one.
+  static void checkNumber(const QORString& nameSpace, const QORString& className);
+  // Refuses, with 4, to take a setting of deliveries from an instance of that class.
+  static void checkSettings(const IQoriObject& before, const std::vector<CimInstanceProperty>& properties);
   // Fills in what a client may leave out, and refuses what is wrong: with 4, or 14 or 15 for a filter's language and
   // query.
   void complete(CimInstanceDeclaration& declaration) const;

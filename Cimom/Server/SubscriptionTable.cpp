@@ -186,6 +186,11 @@ void SubscriptionTable::undoCounts() noexcept {
   _counted.clear();
 }
 
+void SubscriptionTable::undoCount(const Match& match) noexcept {
+  const auto found = _subscriptions.find(match.subscription.path);
+  if (found != _subscriptions.end()) found->second->memory.undoLast();
+}
+
 std::vector<SubscriptionTable::Match> SubscriptionTable::match(const QORSmrPtr<IQoriObject>& indication,
                                                                const QORString& nameSpace) {
   std::vector<CQLFilterSet::Handle> handles;

@@ -80,6 +80,8 @@ class SubscriptionTable {
   // Those that get the indication, subscriptions of one filter in the order of their paths. Repetitions that a
   // subscription does not want are left out. THROWS CQLQueryException as CQLFilterSet::match. REQUIRES a Counting.
   std::vector<Match> match(const QORSmrPtr<IQoriObject>& indication, const QORString& nameSpace);
+  // The subscription does not get it after all: of the indication that was matched last.
+  void undoCount(const Match& match) noexcept;
 
  private:
   struct Statement;

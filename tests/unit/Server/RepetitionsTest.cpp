@@ -81,6 +81,33 @@ TEST(Repetitions, AChangeThatTheStoreDidNotTakeDoesNotCount) {
   EXPECT_EQ(repetitions.listeners.messages("http://b", 1).size(), 1U);
 }
 
+// What the queue has no room for has been sent to nobody.
+TEST(Repetitions, AnIndicationThatAFullQueueDropsDoesNotCount) {
+  for (const QORuint64 policy : {kSuppress, kDelay}) {
+    std::atomic<bool> isOpen{false};
+    PlayedListeners listeners;
+    listeners.answer(kUrl, [&](const std::string& message, const std::string& id) {
+      if (!isOpen) throw std::runtime_error("refused");
+      return PlayedListeners::take(message, id);
+    });
+    IndicationOptions options;
+    options.queueLimit = 1;
+    Server server(listeners, "", options);
+    server.setRetry(10000, 1);
+    server.subscribe(server.createFilter("f", kAlerts), server.createHandler("h", kUrl),
+                     repeating(policy, policy == kSuppress ? 1 : 0));
+    server.publish(server.alert("a", "first"));
+    server.publish(server.alert("b", "second"));
+    EXPECT_EQ(server.queueValue("Dropped"), "1");
+    isOpen = true;
+    ASSERT_TRUE(servertest::comesTrue([&] { return server.queueValue("Queued") == "0"; }));
+    server.publish(server.alert("c", "second"));
+    server.publish(server.alert("d", "second"));
+    EXPECT_TRUE(servertest::comesTrue([&] { return server.queueValue("Delivered") == "2"; })) << policy;
+    EXPECT_EQ(server.queueValue("NextSequenceNumber"), "3");
+  }
+}
+
 TEST(Repetitions, WhatWasCountedIsKeptWhenEverythingIsReadAnew) {
   Repetitions repetitions(kSuppress, 1);
   repetitions.publish();

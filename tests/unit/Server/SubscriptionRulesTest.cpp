@@ -63,7 +63,7 @@ TEST_F(SubscriptionRules, AFilterThatIsNotValidIsRefusedWithTheReason) {
 TEST_F(SubscriptionRules, AFilterHasAQueryInAKnownLanguage) {
   EXPECT_EQ(statusOfFilter({{"Name", text("f")}}), 4U);
   EXPECT_EQ(statusOfFilter({{"Query", text(kAll)}, {"QueryLanguage", text("SQL")}}), 14U);
-  for (const char* language : {"DMTF:CQL", "CIM:CQL", "CQL", "WQL"}) {
+  for (const char* language : {"DMTF:CQL", "CIM:CQL", "CQL", "WQL", "dmtf:cql", "cim:cql", "Cql", "wql"}) {
     EXPECT_EQ(statusOfFilter({{"Query", text(kAll)}, {"QueryLanguage", text(language)}}), 0U) << language;
   }
 }
@@ -169,6 +169,26 @@ TEST_F(SubscriptionRules, PasswordsOfDestinationsAreNotTold) {
   }
   server.createHandler("h", "http://anna:secret@a/x");
   EXPECT_EQ(server.queueValue("Destination"), "http://***@a/x");
+}
+
+TEST_F(SubscriptionRules, ThereIsOneServiceAndItHasSettings) {
+  const auto services = server.manager->ownInstances(kSubscriptionSpace, kIndicationServiceClass, {});
+  const Name service(services->first()->getInstanceName());
+  InstanceWriter& writer = server.service.writer();
+  EXPECT_EQ(statusOf([&] { writer.remove(*server.manager, service); }), 7U);
+  EXPECT_EQ(statusOf([&] {
+              server.create(kSubscriptionSpace, instanceOf(kIndicationServiceClass,
+                                                           {{"SystemCreationClassName", text("CIM_ComputerSystem")},
+                                                            {"SystemName", text("host")},
+                                                            {"CreationClassName", text(kIndicationServiceClass)},
+                                                            {"Name", text("another")}}));
+            }),
+            7U);
+  for (const char* setting : {"DeliveryRetryAttempts", "DeliveryRetryInterval"}) {
+    EXPECT_EQ(statusOf([&] { writer.modify(*server.manager, service, {{setting, Value()}}); }), 4U) << setting;
+  }
+  EXPECT_EQ(statusOf([&] { writer.modify(*server.manager, service, {{"ElementName", Value()}}); }), 0U);
+  EXPECT_EQ(server.countOf(kIndicationServiceClass), 1U);
 }
 
 TEST_F(SubscriptionRules, InstancesOfClassesBelowAreRefused) {
