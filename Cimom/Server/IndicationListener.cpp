@@ -12,13 +12,15 @@
 
 #include "Cimom/CimXml/CimXmlException.h"
 #include "Cimom/Server/ExportMessages.h"
+#include "Cimom/Server/LogFile.h"
 
 namespace {
 
 constexpr std::size_t kBatch = 64;
 constexpr QORuint32 kQueueFull = 1;
 constexpr std::chrono::milliseconds kAfterStoreFault{1000};
-constexpr unsigned kMostDoublings = 5;  // of that pause
+constexpr unsigned kMostDoublings = 5;       // of that pause
+constexpr std::size_t kLongestError = 1000;  // a listener may tell more, each time
 
 }  // namespace
 
@@ -158,7 +160,7 @@ IndicationListener::Outcome IndicationListener::settle(Outcome outcome, const st
     ++_numbers.delivered;
   } else if (!_isStopped) {
     ++_numbers.failedAttempts;
-    _numbers.lastError = error;
+    _numbers.lastError = shortened(error, kLongestError);
   }
   return outcome;
 }

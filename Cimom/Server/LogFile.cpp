@@ -77,6 +77,13 @@ bool LogFile::put(std::string_view text) {
   return true;
 }
 
+std::string shortened(std::string_view text, std::size_t longest) {
+  const auto continues = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; };
+  if (text.size() <= longest) return std::string(text);
+  while (longest > 0 && continues(text[longest])) --longest;
+  return std::string(text.substr(0, longest)) + "...";
+}
+
 LogBuffer::LogBuffer(int file) : _file(file, &plainLostLine) {}
 
 LogBuffer::int_type LogBuffer::overflow(int_type character) {
@@ -100,7 +107,11 @@ void LogBuffer::add(std::string_view text) {
   std::string_view lines = std::string_view(begun->second).substr(0, end + 1);
   while (!lines.empty()) {
     const std::string_view line = lines.substr(0, lines.find('\n') + 1);
-    _file.write(line);
+    if (line.size() <= LogFile::kLongestLine) {
+      _file.write(line);
+    } else {
+      _file.write(shortened(line, LogFile::kLongestLine - 4) + '\n');
+    }
     lines.remove_prefix(line.size());
   }
   begun->second.erase(0, end + 1);

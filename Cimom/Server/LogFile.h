@@ -47,7 +47,10 @@ class LogFile {
   bool _isTorn = false;  // the last line lacks its end
 };
 
-// What is printed by many threads, in whole lines.
+// The text, or so many of its bytes with dots behind them; characters of UTF-8 are not torn.
+std::string shortened(std::string_view text, std::size_t longest);
+
+// What is printed by many threads, in whole lines. Long ones are cut to the longest that a file takes.
 class LogBuffer : public std::streambuf {
  public:
   explicit LogBuffer(int file);

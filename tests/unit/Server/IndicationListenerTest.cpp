@@ -93,6 +93,13 @@ TEST(IndicationListener, DoesNotRepeatWhatTheListenerRefuses) {
   EXPECT_EQ(delivery.store.listener("handler", "").dropped, 1);
 }
 
+TEST(IndicationListener, OnlyTheBeginOfALongRefusalIsKept) {
+  Delivery delivery(
+      [](const std::string&, const std::string& id) { return exportRefusal(id, 2, std::string(100000, 'x')); });
+  EXPECT_TRUE(comesTrue([&] { return delivery.listener().waiting() == 0; }));
+  EXPECT_LT(delivery.listener().numbers().lastError.size(), 1100U);
+}
+
 TEST(IndicationListener, RepliesThatAreNoneAreFailures) {
   const char* const kReplies[] = {"", "<html>hello</html>",
                                   "<?xml version=\"1.0\"?><CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\">", "\x01\xFF"};

@@ -75,4 +75,23 @@ TEST(LogBuffer, PrintsWholeLines) {
   close(ends[1]);
 }
 
+TEST(LogBuffer, CutsLongLines) {
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  LogBuffer buffer(ends[1]);
+  std::ostream out(&buffer);
+  const std::string longest(LogFile::kLongestLine - 1, 'x');
+  out << longest << "\n" << longest << "x\nnext\n";
+  EXPECT_EQ(read(ends[0]), longest + '\n' + longest.substr(0, LogFile::kLongestLine - 4) + "...\nnext\n");
+  close(ends[0]);
+  close(ends[1]);
+}
+
+TEST(LogBuffer, CutsBetweenCharacters) {
+  EXPECT_EQ(shortened("abc", 3), "abc");
+  EXPECT_EQ(shortened("abcd", 3), "abc...");
+  EXPECT_EQ(shortened("a\xC3\xA9\xC3\xA9", 4), "a\xC3\xA9...");
+  EXPECT_EQ(shortened("\xF0\x9F\x98\x80", 2), "...");
+}
+
 }  // namespace
