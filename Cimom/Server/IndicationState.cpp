@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "Cimom/CimXml/CimXmlException.h"
+#include "Cimom/Embedded/ManagerScope.h"
 #include "Cimom/Server/ExportMessages.h"
 #include "Cimom/Server/IndicationClasses.h"
 #include "Cimom/Server/InstanceDocument.h"
@@ -55,6 +56,17 @@ void IndicationService::State::stop() noexcept {
     for (auto& [path, channel] : channels) channel.listener->stop();
   }
   endRetired();
+}
+
+void IndicationService::State::prepareCreate(EmbeddedObjectManager& manager, const QORString& nameSpace,
+                                             const CimInstanceDeclaration& declaration) {
+  SubscriptionRules::tryFilter(manager, nameSpace, declaration);
+}
+
+void IndicationService::State::prepareModify(EmbeddedObjectManager& manager, const IQoriObject& before,
+                                             const std::vector<CimInstanceProperty>& properties) {
+  if (!isOfClass(before, kFilterClass)) return;
+  SubscriptionRules::tryFilter(manager, before.getNameSpace(), SubscriptionRules::changed(before, properties));
 }
 
 void IndicationService::State::beforeCreate(EmbeddedObjectManager& manager, const QORString& nameSpace,
@@ -260,6 +272,7 @@ void IndicationService::State::act(const Subscription& subscription, bool isTran
   _janitor.add([this, subscription, isTransient] {
     const std::lock_guard lock(_managerMutex);
     if (_manager == nullptr) return;
+    const ManagerScope scope(*_manager);
     if (isTransient) return removeAll(*_manager, subscription.handler);
     const bool isRemoval = subscription.onFailure == Subscription::OnFailure::Remove;
     tellOfIndications("the subscription " + subscription.path + (isRemoval ? " is removed" : " is disabled") +

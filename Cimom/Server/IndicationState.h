@@ -48,6 +48,10 @@ class IndicationService::State final : public WriteObserver,
   void setWatcher(std::function<void()> watcher);
   void waitForWatcher();
 
+  void prepareCreate(EmbeddedObjectManager& manager, const QORString& nameSpace,
+                     const CimInstanceDeclaration& declaration) override;
+  void prepareModify(EmbeddedObjectManager& manager, const IQoriObject& before,
+                     const std::vector<CimInstanceProperty>& properties) override;
   void beforeCreate(EmbeddedObjectManager& manager, const QORString& nameSpace,
                     CimInstanceDeclaration& declaration) override;
   void beforeModify(EmbeddedObjectManager& manager, const IQoriObject& before,

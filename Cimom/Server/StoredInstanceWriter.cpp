@@ -81,6 +81,7 @@ void StoredInstanceWriter::write(EmbeddedObjectManager& manager, const InstanceC
 
 QORSmrPtr<IQoriInstanceName> StoredInstanceWriter::create(EmbeddedObjectManager& manager, const QORString& nameSpace,
                                                           const CimInstanceDeclaration& declaration) {
+  if (_observer != nullptr) _observer->prepareCreate(manager, nameSpace, declaration);
   const std::lock_guard lock(_mutex);
   CimInstanceDeclaration whole = declaration;
   if (_observer != nullptr) _observer->beforeCreate(manager, nameSpace, whole);
@@ -98,6 +99,7 @@ QORSmrPtr<IQoriInstanceName> StoredInstanceWriter::create(EmbeddedObjectManager&
 
 void StoredInstanceWriter::modify(EmbeddedObjectManager& manager, const Name& name,
                                   const std::vector<CimInstanceProperty>& properties) {
+  if (_observer != nullptr) _observer->prepareModify(manager, *requireInstance(manager, name), properties);
   const std::lock_guard lock(_mutex);
   const Object before(requireInstance(manager, name));
   if (_observer != nullptr) _observer->beforeModify(manager, *before, properties);

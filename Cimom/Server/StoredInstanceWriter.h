@@ -11,10 +11,16 @@
 #include "Cimom/Server/InstanceWriter.h"
 #include "Cimom/Server/ServerStore.h"
 
-// Has a say in what is written, and tells others of it. Called while other writers wait.
+// Has a say in what is written, and tells others of it. Called while other writers wait, unless something else is said.
 class WriteObserver {
  public:
   virtual ~WriteObserver() = default;
+  // What may take long, such as to ask another server for a class: nobody waits, and others may write meanwhile. REFUSE
+  // as those below, which look again.
+  virtual void prepareCreate(EmbeddedObjectManager& manager, const QORString& nameSpace,
+                             const CimInstanceDeclaration& declaration) = 0;
+  virtual void prepareModify(EmbeddedObjectManager& manager, const IQoriObject& before,
+                             const std::vector<CimInstanceProperty>& properties) = 0;
   // REFUSE by throwing; nothing has happened then. The first may complete what is to be created.
   virtual void beforeCreate(EmbeddedObjectManager& manager, const QORString& nameSpace,
                             CimInstanceDeclaration& declaration) = 0;

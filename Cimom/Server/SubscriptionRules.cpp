@@ -27,6 +27,16 @@ QORString newName(const IndicationOrigin& origin) {
   return QORString(origin.series + "name-" + std::to_string(++count));
 }
 
+void fill(CimInstanceDeclaration& declaration, const char* property, const QORString& value) {
+  CimInstanceProperty* const given = findProperty(declaration, property);
+  const QORSmrPtr<IQoriValue> text(new CQoriValue(value));
+  if (given == nullptr) {
+    declaration.properties.push_back({property, text});
+  } else if (given->value.IsNull() || given->value->toString().isEmpty()) {
+    given->value = text;
+  }
+}
+
 }  // namespace
 
 bool isSubscriptionClass(const QORString& nameSpace, const QORString& className) {
@@ -53,21 +63,20 @@ void SubscriptionRules::checkNumber(const QORString& nameSpace, const QORString&
 
 void SubscriptionRules::checkSettings(const IQoriObject& before, const std::vector<CimInstanceProperty>& properties) {
   if (!isOf(before.getNameSpace(), kSubscriptionSpace) || !isOf(before.getClassName(), kIndicationServiceClass)) return;
-  for (const CimInstanceProperty& changed : properties) {
-    const bool isSetting = isOf(changed.name, "DeliveryRetryAttempts") || isOf(changed.name, "DeliveryRetryInterval");
-    if (!isSetting || !changed.value.IsNull()) continue;
-    throw CimStatusException(cimstatus::kInvalidParameter, std::string(changed.name.view()) + " needs a value");
+  for (const CimInstanceProperty& each : properties) {
+    const bool isSetting = isOf(each.name, "DeliveryRetryAttempts") || isOf(each.name, "DeliveryRetryInterval");
+    if (!isSetting || !each.value.IsNull()) continue;
+    throw CimStatusException(cimstatus::kInvalidParameter, std::string(each.name.view()) + " needs a value");
   }
 }
 
-void SubscriptionRules::fill(CimInstanceDeclaration& declaration, const char* property, const QORString& value) const {
-  CimInstanceProperty* const given = findProperty(declaration, property);
-  const QORSmrPtr<IQoriValue> text(new CQoriValue(value));
-  if (given == nullptr) {
-    declaration.properties.push_back({property, text});
-  } else if (given->value.IsNull() || given->value->toString().isEmpty()) {
-    given->value = text;
+void SubscriptionRules::tryFilter(EmbeddedObjectManager& manager, const QORString& nameSpace,
+                                  CimInstanceDeclaration declaration) {
+  if (!isOf(nameSpace, kSubscriptionSpace) || !isOf(declaration.className, kFilterClass)) return;
+  for (const char* key : {"SystemCreationClassName", "SystemName", "CreationClassName", "Name"}) {
+    fill(declaration, key, declaration.className);
   }
+  readFilter(*manager.sink().makeObject(kSubscriptionSpace, declaration));
 }
 
 void SubscriptionRules::complete(CimInstanceDeclaration& declaration) const {
@@ -106,18 +115,23 @@ void SubscriptionRules::checkObject(const IQoriObject& object) const {
   }
 }
 
-void SubscriptionRules::check(const IQoriObject& before, const std::vector<CimInstanceProperty>& properties) const {
+CimInstanceDeclaration SubscriptionRules::changed(const IQoriObject& before,
+                                                  const std::vector<CimInstanceProperty>& properties) {
   CimInstanceDeclaration declaration;
   declaration.className = before.getClassName();
   for (QORuint32 i = 0; i < before.getPropertyCount(); ++i) {
     const QORSmrPtr<IQoriProperty> property(before.getPropertyAt(i));
     declaration.properties.push_back({property->getName(), property->getValue()});
   }
-  for (const CimInstanceProperty& changed : properties) {
-    CimInstanceProperty* const given = findProperty(declaration, changed.name.c_str());
-    if (given != nullptr) given->value = changed.value;
+  for (const CimInstanceProperty& each : properties) {
+    CimInstanceProperty* const given = findProperty(declaration, each.name.c_str());
+    if (given != nullptr) given->value = each.value;
   }
-  checkObject(*_manager.sink().makeObject(kSubscriptionSpace, declaration));
+  return declaration;
+}
+
+void SubscriptionRules::check(const IQoriObject& before, const std::vector<CimInstanceProperty>& properties) const {
+  checkObject(*_manager.sink().makeObject(kSubscriptionSpace, changed(before, properties)));
 }
 
 void SubscriptionRules::checkRemoval(const IQoriObject& before) const {

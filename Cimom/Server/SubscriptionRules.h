@@ -25,6 +25,11 @@ class SubscriptionRules {
   static void checkNumber(const QORString& nameSpace, const QORString& className);
   // Refuses, with 4, to take a setting of deliveries from an instance of that class.
   static void checkSettings(const IQoriObject& before, const std::vector<CimInstanceProperty>& properties);
+  // Refuses a filter as complete() does, and nothing else. What it names is known from then on, so that a second look
+  // asks no other server.
+  static void tryFilter(EmbeddedObjectManager& manager, const QORString& nameSpace, CimInstanceDeclaration declaration);
+  // What an instance would be then.
+  static CimInstanceDeclaration changed(const IQoriObject& before, const std::vector<CimInstanceProperty>& properties);
   // Fills in what a client may leave out, and refuses what is wrong: with 4, or 14 or 15 for a filter's language and
   // query.
   void complete(CimInstanceDeclaration& declaration) const;
@@ -34,7 +39,6 @@ class SubscriptionRules {
   void checkRemoval(const IQoriObject& before) const;
 
  private:
-  void fill(CimInstanceDeclaration& declaration, const char* property, const QORString& value) const;
   void checkObject(const IQoriObject& object) const;
 
   EmbeddedObjectManager& _manager;

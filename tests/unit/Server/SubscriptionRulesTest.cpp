@@ -1,5 +1,9 @@
 // What clients may write of filters, listeners and subscriptions.
 // SPDX-License-Identifier: Apache-2.0
+#include <future>
+#include <thread>
+
+#include "Cimom/Embedded/OuterSource.h"
 #include "Cimom/Server/SubscriptionRules.h"
 #include "PlayedListeners.h"
 
@@ -189,6 +193,45 @@ TEST_F(SubscriptionRules, ThereIsOneServiceAndItHasSettings) {
   }
   EXPECT_EQ(statusOf([&] { writer.modify(*server.manager, service, {{"ElementName", Value()}}); }), 0U);
   EXPECT_EQ(server.countOf(kIndicationServiceClass), 1U);
+}
+
+// Has a class of indications, and lets others write before it says so.
+class SlowIndications final : public OuterSource {
+ public:
+  explicit SlowIndications(std::function<void()> wait) : _wait(std::move(wait)) {}
+  bool mayHave(const QORString&, const QORString& name) const override { return name.isEqualCaseInsensitive("Far"); }
+  bool provideClass(CimDeclarationSink& sink, const QORString& nameSpace, const QORString& name) override {
+    if (!name.isEqualCaseInsensitive("Far")) return false;
+    _wait();
+    sink.declareClass(nameSpace, classOf("Far", "CIM_Indication", {}));
+    return true;
+  }
+  void provideQualifiers(CimDeclarationSink&, const QORString&) override {}
+  std::vector<QORString> classNames(const QORString&) override { return {}; }
+  Objects instances(CimDeclarationSink&, const Request&) override { return {}; }
+  QORSmrPtr<IQoriObject> instance(CimDeclarationSink&, const Request&, const IQoriInstanceName&) override { return {}; }
+  Associations associations(CimDeclarationSink&, const Request&) override { return {}; }
+  Objects references(CimDeclarationSink&, const Request&, const IQoriInstanceName&) override { return {}; }
+
+ private:
+  const std::function<void()> _wait;
+};
+
+TEST_F(SubscriptionRules, OthersWriteWhileAnotherServerIsAskedForTheClassOfAFilter) {
+  bool couldWrite = false;
+  std::thread other;
+  server.manager->setOuterSource(std::make_shared<SlowIndications>([&] {
+    std::promise<void> written;
+    const std::future<void> isWritten = written.get_future();
+    other = std::thread([this, made = std::move(written)]() mutable {
+      server.createDisk("a");
+      made.set_value();
+    });
+    couldWrite = isWritten.wait_for(std::chrono::seconds(2)) == std::future_status::ready;
+  }));
+  EXPECT_EQ(statusOfFilter({{"Query", text("SELECT * FROM Far")}}), 0U);
+  if (other.joinable()) other.join();
+  EXPECT_TRUE(couldWrite);
 }
 
 TEST_F(SubscriptionRules, InstancesOfClassesBelowAreRefused) {
