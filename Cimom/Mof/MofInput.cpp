@@ -49,8 +49,19 @@ std::string absolute(const std::string& path) {
   return error ? path : whole.lexically_normal().string();
 }
 
-// `size`: of the file as it is told; its end tells how much there is.
+// What the file holds as it is told, without asking for it by its path again; 0 where that cannot be said, as of a
+// pipe.
+std::size_t sizeOf(std::ifstream& in) {
+  const std::streamoff size = in.seekg(0, std::ios::end).tellg();
+  in.clear();
+  in.seekg(0);
+  in.clear();
+  return size < 0 ? 0 : static_cast<std::size_t>(size);
+}
+
+// `size`: of the file as it is told; its end tells how much there is: a pipe has no size, and a file may grow.
 std::string readToEnd(std::ifstream& in, std::size_t size, std::string& content) {
+  if (size > kMaximumFileSize) return kTooLarge;
   content.resize(size);
   in.read(content.data(), static_cast<std::streamsize>(content.size()));
   content.resize(static_cast<std::size_t>(in.gcount()));
@@ -61,6 +72,17 @@ std::string readToEnd(std::ifstream& in, std::size_t size, std::string& content)
   }
   if (content.size() > kMaximumFileSize) return kTooLarge;
   return in.bad() ? "reading it fails" : "";
+}
+
+std::string faultOf(int fault) { return fault == 0 ? "it cannot be opened" : std::generic_category().message(fault); }
+
+// Why a file was not read: what the path means, if that says it, else `problem`.
+std::string reasonOf(const std::string& path, const std::string& problem) {
+  std::error_code error;
+  const fs::file_type type = fs::status(path, error).type();
+  if (type == fs::file_type::not_found) return "there is no such file";
+  if (type == fs::file_type::none) return error.message();
+  return type == fs::file_type::directory ? "it is a folder" : problem;
 }
 
 QORuint64 hashOfNames(const std::vector<std::string>& files) {
@@ -103,22 +125,14 @@ std::string listMofFolder(const std::string& path, std::vector<std::string>& fil
 
 // The time is taken before the content: of a file that changes meanwhile the older one counts.
 std::string readMofFile(const std::string& path, MofContent& content) {
-  std::error_code error;
-  const fs::path place(path);
-  const fs::file_status status = fs::status(place, error);
-  if (status.type() == fs::file_type::not_found) return "there is no such file";
-  if (status.type() == fs::file_type::none) return error.message();
-  if (status.type() == fs::file_type::directory) return "it is a folder";
-  content.modified = changeOf(place);
+  content.modified = changeOf(path);
   errno = 0;
   std::ifstream in;
   in.rdbuf()->pubsetbuf(nullptr, 0);  // what is read goes where it belongs
-  in.open(place, std::ios::binary);
-  if (!in) return errno == 0 ? "it cannot be opened" : std::generic_category().message(errno);
-  // The size of the content counts, not that of the file: a pipe has none, and a file may grow.
-  const std::uintmax_t size = fs::file_size(place, error);
-  if (!error && size > kMaximumFileSize) return kTooLarge;
-  return readToEnd(in, error ? 0 : static_cast<std::size_t>(size), content.text);
+  in.open(path, std::ios::binary);
+  const int fault = errno;
+  const std::string problem = in ? readToEnd(in, sizeOf(in), content.text) : faultOf(fault);
+  return problem.empty() ? problem : reasonOf(path, problem);
 }
 
 bool isMofInputUnchanged(const MofInput& input, QORsint64 written) {

@@ -1,11 +1,13 @@
 // Loading as a whole: files, folders, includes, namespaces, transactions.
 // SPDX-License-Identifier: Apache-2.0
 #include <sys/prctl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <thread>
 
 #include "MofFixture.h"
 
@@ -218,6 +220,16 @@ TEST_F(MofLoad, TellsOfFilesThatCannotBeRead) {
   EXPECT_THAT(refusals({(_folder / "sub/x.mof").string()}),
               ElementsAre(::testing::AllOf(::testing::StartsWith("sub/x.mof:1:18: cannot read"),
                                            ::testing::EndsWith("it is a folder"))));
+}
+
+// What has no size and no place to go back to: the text is all that comes until the writer closes.
+TEST_F(MofLoad, ReadsAPipe) {
+  const std::string pipe = (_folder / "pipe.mof").string();
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  const std::string text = std::string(10000, ' ') + "class Piped { [Key] string K; };";
+  std::jthread writer([&] { std::ofstream(pipe) << text; });
+  loadFiles({pipe});
+  EXPECT_THAT(_manager.classNames("root/cimv2"), ElementsAre(QORString("Piped")));
 }
 
 TEST_F(MofLoad, TellsOfIncludeLoops) {
