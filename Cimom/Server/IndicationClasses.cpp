@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "Cimom/Server/InteropQualifiers.h"
 #include "cimom/CQoriType.h"
 #include "cimom/CQoriValue.h"
 
@@ -13,12 +14,6 @@ namespace {
 
 using Value = QORSmrPtr<IQoriValue>;
 using Type = QORSmrPtr<IQoriType>;
-
-CimQualifier flag(const char* name) {
-  CimQualifier qualifier;
-  qualifier.name = name;
-  return qualifier;
-}
 
 CimPropertyDeclaration property(const char* name, const Type& type, const Value& value = {}) {
   CimPropertyDeclaration declaration;
@@ -30,14 +25,14 @@ CimPropertyDeclaration property(const char* name, const Type& type, const Value&
 
 CimPropertyDeclaration key(const char* name) {
   CimPropertyDeclaration declaration = property(name, CQoriType::string);
-  declaration.qualifiers.push_back(flag("Key"));
+  declaration.qualifiers.push_back(interopFlag("Key"));
   return declaration;
 }
 
 CimPropertyDeclaration referenceKey(const char* name, const char* className) {
   CimPropertyDeclaration declaration = property(name, CQoriType::reference);
   declaration.referenceClass = className;
-  declaration.qualifiers.push_back(flag("Key"));
+  declaration.qualifiers.push_back(interopFlag("Key"));
   return declaration;
 }
 
@@ -116,7 +111,7 @@ void declareUnlessThere(EmbeddedObjectManager& manager, Declared declared) {
   declaration.name = declared.name;
   declaration.superClass = declared.superClass;
   declaration.properties = std::move(declared.properties);
-  for (const char* name : declared.flags) declaration.qualifiers.push_back(flag(name));
+  for (const char* name : declared.flags) declaration.qualifiers.push_back(interopFlag(name));
   manager.sink().declareClass(kSubscriptionSpace, declaration);
 }
 

@@ -13,6 +13,7 @@
 
 #include "Cimom/Embedded/EmbeddedState.h"
 #include "Cimom/Embedded/OuterCalls.h"
+#include "Cimom/Server/InteropQualifiers.h"
 #include "cimom/CQoriType.h"
 #include "cimom/CQoriValue.h"
 
@@ -55,7 +56,7 @@ CimPropertyDeclaration modelProperty(const char* name, const Type& type) {
 
 CimPropertyDeclaration modelKey(const char* name) {
   CimPropertyDeclaration declaration = modelProperty(name, CQoriType::string);
-  declaration.qualifiers.emplace_back().name = "Key";
+  declaration.qualifiers.push_back(interopFlag("Key"));
   return declaration;
 }
 
@@ -66,7 +67,7 @@ void declare(EmbeddedObjectManager& manager, const char* name, const char* super
   declaration.name = name;
   declaration.superClass = superClass;
   declaration.properties = std::move(properties);
-  if (*superClass == '\0') declaration.qualifiers.emplace_back().name = "Abstract";
+  if (*superClass == '\0') declaration.qualifiers.push_back(interopFlag("Abstract"));
   manager.sink().declareClass(kInteropNameSpace, declaration);
 }
 
@@ -200,6 +201,7 @@ void serve(EmbeddedObjectManager& manager, const char* className, InteropProvide
 
 void addInteropModel(EmbeddedObjectManager& manager, const ServerTraits& traits) {
   manager.sink().createNamespace(kInteropNameSpace);
+  declareInteropQualifiers(manager);
   declareClasses(manager);
   const std::weak_ptr<State> state = manager.state();
   serve(manager, kNameSpaceClass, [state] { return nameSpaceInstances(state); });

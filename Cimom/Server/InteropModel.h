@@ -13,10 +13,11 @@ struct ServerTraits {
   bool asksForUsers = false;
 };
 
-// Declares the namespace with CIM_Namespace, CIM_ObjectManager and CIM_ObjectManagerCommunicationMechanism, as far as
-// they are not there, and serves their instances: a CIM_Namespace for each namespace at the time of the question, those
-// of the outer source included, one of the others. A class of which there are instances already is left alone. THROWS
-// QoriBaseException (type "CIM_Repository") when a declaration does not fit what is there.
+// Declares the namespace with its qualifiers, CIM_Namespace, CIM_ObjectManager and
+// CIM_ObjectManagerCommunicationMechanism, as far as they are not there, and serves their instances: a CIM_Namespace
+// for each namespace at the time of the question, those of the outer source included, one of the others. A class of
+// which there are instances already is left alone. THROWS QoriBaseException (type "CIM_Repository") when a declaration
+// does not fit what is there.
 void addInteropModel(EmbeddedObjectManager& manager, const ServerTraits& traits);
 
 #endif

@@ -1,5 +1,7 @@
 // What clients find of this server in its interop namespace.
 // SPDX-License-Identifier: Apache-2.0
+#include "Cimom/Server/ClassOperations.h"
+#include "Cimom/Server/IndicationClasses.h"
 #include "Cimom/Server/InstanceOperations.h"
 #include "Cimom/Server/InteropModel.h"
 #include "Cimom/Server/StoredInstanceWriter.h"
@@ -78,6 +80,22 @@ TEST_F(InteropModel, NobodyChangesIt) {
   addInteropModel(manager(), {});
   const std::string name = namesOf("CIM_ObjectManager");
   EXPECT_THAT(refusalOf("DeleteInstance", parameter("InstanceName", name), kInterop), HasSubstr("7: "));
+}
+
+TEST_F(InteropModel, QualifiersOfItsClassesAreDeclared) {
+  load("#pragma namespace(\"root/interop\")\nQualifier Abstract : boolean = false, Scope(class);\n");
+  addInteropModel(manager(), {});
+  declareIndicationClasses(manager());
+  addClassOperations(operations());
+  const std::string told = valuesOf("EnumerateQualifiers", "", kInterop);
+  EXPECT_THAT(told, HasSubstr("NAME=\"Association\" TYPE=\"boolean\" ISARRAY=\"false\" OVERRIDABLE=\"false\">"
+                              "<SCOPE ASSOCIATION=\"true\"/><VALUE>FALSE</VALUE>"));
+  EXPECT_THAT(told, HasSubstr("NAME=\"Key\" TYPE=\"boolean\" ISARRAY=\"false\" OVERRIDABLE=\"false\">"
+                              "<SCOPE REFERENCE=\"true\" PROPERTY=\"true\"/><VALUE>FALSE</VALUE>"));
+  EXPECT_THAT(told, HasSubstr("NAME=\"Abstract\" TYPE=\"boolean\" ISARRAY=\"false\"><SCOPE CLASS=\"true\"/>"));
+  const std::string key = "<QUALIFIER NAME=\"Key\" TYPE=\"boolean\" OVERRIDABLE=\"false\">";
+  EXPECT_THAT(valuesOf("GetClass", className("CIM_ObjectManager"), kInterop), HasSubstr(key));
+  EXPECT_THAT(valuesOf("GetClass", className("CIM_IndicationSubscription"), kInterop), HasSubstr(key));
 }
 
 TEST_F(InteropModel, ClassesAndInstancesThatAreThereStay) {
