@@ -36,6 +36,16 @@ std::string namesOf(QORuint32 types) {
   return told;
 }
 
+bool holdsObjects(const CimPropertyDeclaration& property) {
+  return property.findQualifier("EmbeddedInstance") != nullptr || property.hasFlag("EmbeddedObject");
+}
+
+// Embedded objects are declared as texts.
+bool hasDeclaredValues(const QORQL_ResultReader::Column& column, const CimPropertyDeclaration& property) {
+  return !holdsObjects(property) &&
+         (column.typeName.isEmpty() || column.typeName.isEqualCaseInsensitive(property.type->getName()));
+}
+
 }  // namespace
 
 DateTimes dateTimesOf(std::string_view text) noexcept {
@@ -50,15 +60,13 @@ ColumnTypes::ColumnTypes(const std::vector<QORQL_ResultReader::Column>& columns,
     const QORQL_ResultReader::Column& column = columns[i];
     std::optional<CimPropertyDeclaration> property;
     if (!column.className.isEmpty()) property = declared(column.className, column.propertyName);
-    // Embedded objects are declared as texts.
-    if (property && look == Look::Types && !column.typeName.isEmpty() &&
-        !column.typeName.isEqualCaseInsensitive(property->type->getName())) {
-      property.reset();
-    }
     if (property) {
-      _seen[i].declared = nameOf(CQoriType::codeOf(*property->type));
       _seen[i].isDeclaredArray = property->type->isArray();
+      _seen[i].isDeclaredObject = look == Look::Types && holdsObjects(*property);
+      _seen[i].referenceClass = property->referenceClass;
     }
+    if (property && look == Look::Types && !hasDeclaredValues(column, *property)) property.reset();
+    if (property) _seen[i].declared = nameOf(CQoriType::codeOf(*property->type));
     const bool isTold = property && (look == Look::Types || CQoriType::codeOf(*property->type) != Code::DateTime);
     if (!isTold) _open.push_back(i);
   }
@@ -105,7 +113,10 @@ bool ColumnTypes::findType(const Seen& seen, std::string_view& name) {
   constexpr QORuint32 kIntegers = kUnsigned | kSigned;
   const QORuint32 types = seen.types;
   if (seen.hasArray && seen.hasScalar) return false;
-  if (types == 0) return true;
+  if (types == 0) {
+    if (seen.isDeclaredObject) name = nameOf(Code::Object);
+    return true;
+  }
   Code code = widest(types);
   if (!std::has_single_bit(types)) {
     if ((types & ~(kIntegers | kReals)) != 0) return false;
@@ -131,7 +142,9 @@ std::vector<ColumnTypes::Type> ColumnTypes::settle() const {
   for (const Seen& seen : _seen) {
     Type& type = types.emplace_back();
     type.name = seen.declared;
-    type.isArray = seen.declared.empty() ? seen.hasArray : seen.isDeclaredArray;
+    const bool isSeen = seen.hasArray || seen.hasScalar;
+    type.isArray = seen.declared.empty() && isSeen ? seen.hasArray : seen.isDeclaredArray;
+    type.referenceClass = seen.referenceClass;
     type.dateTimes = dateTimesOf(seen);
     if (seen.declared.empty() && !findType(seen, type.name)) type.conflict = namesOf(seen.types);
   }

@@ -43,7 +43,8 @@ class ColumnTypes {
     std::string_view name;  // the CIM type; empty when no row tells it
     bool isArray = false;
     DateTimes dateTimes = DateTimes::Texts;
-    std::string conflict;  // where no one type holds the values: the types that they have
+    std::string conflict;      // where no one type holds the values: the types that they have
+    QORString referenceClass;  // of a declared reference; else empty
 
     // Becomes the widest type of a family of numbers, which was expected before values were known: where these told no
     // type, and where they are numbers of that family. BORROWS the name.
@@ -62,6 +63,8 @@ class ColumnTypes {
     bool kinds[3] = {};           // of datetimes
     std::string_view declared{};  // the declared type, where there is one; of a shared type object
     bool isDeclaredArray = false;
+    bool isDeclaredObject = false;  // declared as a text that holds objects
+    QORString referenceClass{};
   };
 
   static void seeScalar(Seen& seen, const IQoriValue& value);

@@ -178,6 +178,7 @@ void QueryRows::settleColumns(Run& run) {
     }
     const QORString typeName(type.name.empty() ? std::string_view("string") : type.name);
     _columns.emplace_back(QORString(std::string_view(unique[index])), CQoriType::find(typeName, type.isArray));
+    _referenceClasses.push_back(type.referenceClass);
     _showsCells.push_back(_columns[index].takesCells() && !columns[index].className.isEmpty());
   }
 }
@@ -224,10 +225,11 @@ void QueryRows::writeNext(std::string& out) {
 CimClassDeclaration QueryRows::resultClass() const {
   CimClassDeclaration declaration;
   declaration.name = kResultClass;
-  for (const CimXmlColumn& column : _columns) {
+  for (std::size_t i = 0; i < _columns.size(); ++i) {
     CimPropertyDeclaration& property = declaration.properties.emplace_back();
-    property.name = column.name();
-    property.type = column.type();
+    property.name = _columns[i].name();
+    property.type = _columns[i].type();
+    property.referenceClass = _referenceClasses[i];
   }
   return declaration;
 }

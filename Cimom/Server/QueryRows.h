@@ -51,6 +51,7 @@ class QueryRows {
   const QORString _nameSpace;
   std::unique_ptr<QORQL_Result> _result;
   std::vector<CimXmlColumn> _columns;
+  std::vector<QORString> _referenceClasses;             // of each column
   std::vector<bool> _showsCells;                        // of each column, whether it is a property with cells
   std::unordered_map<std::string, std::string> _heads;  // the begin of INSTANCE, by the class of the row
   QORString _lastClass;

@@ -3,6 +3,7 @@
 #include <thread>
 
 #include "Cimom/Embedded/OuterSource.h"
+#include "Cimom/Mof/MofLoader.h"
 #include "Cimom/Server/PullOperations.h"
 #include "Cimom/Server/QueryMonitor.h"
 #include "Cimom/Server/QueryOperations.h"
@@ -169,6 +170,26 @@ TEST_F(Queries, WhatIsComputedHasItsTypeWithoutRows) {
   Asked opened("OpenQueryInstances");
   opened.text("FilterQueryLanguage", "CQL").text("FilterQuery", "SELECT Size / 2 AS H FROM CIM_Disk WHERE Size > 99");
   EXPECT_THAT(answer(opened.text("ReturnQueryResultClass", "TRUE")), HasSubstr("<PROPERTY NAME=\"H\" TYPE=\"uint64\""));
+}
+
+TEST_F(Queries, AResultClassTellsTheClassOfAReference) {
+  MofLoader(sink()).loadText("[Association] class Tie { [Key] CIM_Disk REF Left; [Key] CIM_Disk REF Right; };",
+                             "test.mof");
+  Asked opened("OpenQueryInstances");
+  opened.text("FilterQueryLanguage", "CQL").text("FilterQuery", "SELECT Left AS L, Right FROM Tie");
+  EXPECT_THAT(answer(opened.text("ReturnQueryResultClass", "TRUE")),
+              HasSubstr("<PROPERTY.REFERENCE NAME=\"L\" REFERENCECLASS=\"CIM_Disk\"></PROPERTY.REFERENCE>"
+                        "<PROPERTY.REFERENCE NAME=\"Right\" REFERENCECLASS=\"CIM_Disk\"></PROPERTY.REFERENCE>"));
+}
+
+TEST_F(Queries, EmbeddedObjectsAreMarkedAlsoWhereAllAreNull) {
+  MofLoader(sink()).loadText(
+      "class Box { [Key] uint8 Id; [EmbeddedInstance(\"CIM_Disk\")] string One; [EmbeddedObject] string All[]; };\n"
+      "instance of Box { Id = 1; };",
+      "test.mof");
+  EXPECT_THAT(rowsOf("SELECT One, All FROM Box"),
+              HasSubstr("<PROPERTY NAME=\"One\" TYPE=\"string\" EmbeddedObject=\"instance\"></PROPERTY>"
+                        "<PROPERTY.ARRAY NAME=\"All\" TYPE=\"string\" EmbeddedObject=\"instance\"></PROPERTY.ARRAY>"));
 }
 
 TEST_F(Queries, AnInstanceHasNoPropertyThatItsClassLacks) {
