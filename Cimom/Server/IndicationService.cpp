@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "Cimom/CimXml/CimXmlException.h"
+#include "Cimom/Embedded/DeclarationHelpers.h"
 #include "Cimom/Server/ExportMessages.h"
 #include "Cimom/Server/IndicationState.h"
 #include "Cimom/Server/ServerClasses.h"
@@ -30,14 +31,17 @@ QORSmrPtr<IQoriObject> indicationOf(const ServerCall& call, const QORString& nam
   call.note.subject = given->className.view();
   const ServerClasses space(*call.manager, nameSpace);
   const ServerClasses::Class handle = space.require(given->className);
-  if (!space.isA(given->className, "CIM_Indication")) {
+  const CQoriClass& model = ServerClasses::modelOf(handle);
+  if (!embedded::hasFlag(model.qualifiersInForce(), "Indication") && !space.isA(given->className, "CIM_Indication")) {
     throw CimStatusException(cimstatus::kInvalidParameter,
                              std::string(given->className.view()) + " is no class of indications");
   }
   CimInstanceDeclaration declaration;
   declaration.className = given->className;
-  declaration.properties = writtenProperties(*call.manager, space, ServerClasses::modelOf(handle), *given);
-  addUnlessThere(declaration.properties, "IndicationTime", origin.now());
+  declaration.properties = writtenProperties(*call.manager, space, model, *given);
+  if (model.position("IndicationTime") >= 0) {
+    addUnlessThere(declaration.properties, "IndicationTime", origin.now());
+  }
   return call.manager->sink().makeObject(nameSpace, declaration);
 }
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <optional>
 
+#include "Cimom/Mof/MofLoader.h"
 #include "Cimom/Server/IndicationService.h"
 #include "PlayedListeners.h"
 #include "StoreFolder.h"
@@ -303,6 +304,17 @@ TEST(IndicationService, ClientsPutAlertsIn) {
   EXPECT_EQ(statusOf([&] { exported(server, "CIM_Nothing", "Message"); }), 5U);
   EXPECT_EQ(statusOf([&] { exported(server, "Disk", "Name"); }), 4U);
   EXPECT_EQ(statusOf([&] { exported(server, "CIM_AlertIndication", "Nothing"); }), 12U);
+}
+
+TEST(IndicationService, ClientsPutInWhatASchemaOfItsOwnCallsAnIndication) {
+  PlayedListeners listeners;
+  Server server(listeners, "");
+  MofLoader(server.manager->sink()).loadText("[Indication] class Alarm { string Message; };", "test.mof");
+  server.subscribe("SELECT * FROM Alarm WHERE Message = 'hello'", kUrl);
+  EXPECT_THAT(exported(server, "Alarm", "Message"), HasSubstr("<EXPMETHODRESPONSE NAME=\"ExportIndication\">"));
+  const std::string message = listeners.messages(kUrl, 1).at(0);
+  EXPECT_THAT(message, HasSubstr("<INSTANCE CLASSNAME=\"Alarm\">"));
+  EXPECT_EQ(valueIn(message, "Message"), "hello");
 }
 
 TEST(IndicationService, ManyPublishSubscribeAndLeaveAtOnce) {
