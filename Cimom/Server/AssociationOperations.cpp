@@ -57,8 +57,8 @@ Reply replyWithClasses(const ServerCall& call, const ServerClasses& space, std::
 }
 
 Reply associators(const ServerCall& call) {
-  serverparameters::allowOnly(call.request, {kSource, "AssocClass", "ResultClass", "Role", "ResultRole",
-                                             "IncludeQualifiers", "IncludeClassOrigin", "PropertyList"});
+  serverparameters::allowOnly(call, {kSource, "AssocClass", "ResultClass", "Role", "ResultRole", "IncludeQualifiers",
+                                     "IncludeClassOrigin", "PropertyList"});
   if (!isOfClass(call.request)) {
     return replyWithObjects(call, ServerObjects(call).associators(ServerObjects::Want::Instances, kSource));
   }
@@ -67,7 +67,7 @@ Reply associators(const ServerCall& call) {
 }
 
 Reply associatorNames(const ServerCall& call) {
-  serverparameters::allowOnly(call.request, {kSource, "AssocClass", "ResultClass", "Role", "ResultRole"});
+  serverparameters::allowOnly(call, {kSource, "AssocClass", "ResultClass", "Role", "ResultRole"});
   if (!isOfClass(call.request)) {
     return replyWithNames(call, ServerObjects(call).associators(ServerObjects::Want::Names, kSource));
   }
@@ -77,7 +77,7 @@ Reply associatorNames(const ServerCall& call) {
 
 Reply references(const ServerCall& call) {
   serverparameters::allowOnly(
-      call.request, {kSource, "ResultClass", "Role", "IncludeQualifiers", "IncludeClassOrigin", "PropertyList"});
+      call, {kSource, "ResultClass", "Role", "IncludeQualifiers", "IncludeClassOrigin", "PropertyList"});
   if (!isOfClass(call.request)) {
     return replyWithObjects(call, ServerObjects(call).references(ServerObjects::Want::Instances, kSource));
   }
@@ -86,7 +86,7 @@ Reply references(const ServerCall& call) {
 }
 
 Reply referenceNames(const ServerCall& call) {
-  serverparameters::allowOnly(call.request, {kSource, "ResultClass", "Role"});
+  serverparameters::allowOnly(call, {kSource, "ResultClass", "Role"});
   if (!isOfClass(call.request)) {
     return replyWithNames(call, ServerObjects(call).references(ServerObjects::Want::Names, kSource));
   }

@@ -33,7 +33,7 @@ Reply replyWithClasses(const CimXmlRequest& request, const ServerClasses& space,
 }
 
 Reply getClass(const ServerCall& call) {
-  serverparameters::allowOnly(call.request,
+  serverparameters::allowOnly(call,
                               {"ClassName", "LocalOnly", "IncludeQualifiers", "IncludeClassOrigin", "PropertyList"});
   const ServerClasses space(*call.manager, call.request.nameSpace);
   return replyWithClasses(call.request, space, {space.require(serverparameters::className(call.request, "ClassName"))});
@@ -47,7 +47,7 @@ std::vector<QORString> namesBelow(const CimXmlRequest& request, const ServerClas
 }
 
 Reply enumerateClasses(const ServerCall& call) {
-  serverparameters::allowOnly(call.request,
+  serverparameters::allowOnly(call,
                               {"ClassName", "DeepInheritance", "LocalOnly", "IncludeQualifiers", "IncludeClassOrigin"});
   const ServerClasses space(*call.manager, call.request.nameSpace);
   std::vector<Class> classes;
@@ -58,7 +58,7 @@ Reply enumerateClasses(const ServerCall& call) {
 }
 
 Reply enumerateClassNames(const ServerCall& call) {
-  serverparameters::allowOnly(call.request, {"ClassName", "DeepInheritance"});
+  serverparameters::allowOnly(call, {"ClassName", "DeepInheritance"});
   const ServerClasses space(*call.manager, call.request.nameSpace);
   return replyWithEach(call.request, namesBelow(call.request, space),
                        [](CimXmlWriter& writer, const QORString& name) { writer.writeClassName(name); });
@@ -71,7 +71,7 @@ Reply replyWithQualifiers(const CimXmlRequest& request, std::vector<CimQualifier
 }
 
 Reply getQualifier(const ServerCall& call) {
-  serverparameters::allowOnly(call.request, {"QualifierName"});
+  serverparameters::allowOnly(call, {"QualifierName"});
   requireNameSpace(*call.manager, call.request.nameSpace);
   const QORString name = serverparameters::text(call.request, "QualifierName");
   std::vector<CimQualifierDeclaration> found = call.manager->qualifiers(call.request.nameSpace);
@@ -84,7 +84,7 @@ Reply getQualifier(const ServerCall& call) {
 }
 
 Reply enumerateQualifiers(const ServerCall& call) {
-  serverparameters::allowOnly(call.request, {});
+  serverparameters::allowOnly(call, {});
   requireNameSpace(*call.manager, call.request.nameSpace);
   return replyWithQualifiers(call.request, call.manager->qualifiers(call.request.nameSpace));
 }

@@ -15,6 +15,7 @@
 #include "Cimom/Server/ServerObjects.h"
 #include "Cimom/Server/ServerParameters.h"
 #include "Cimom/Server/StatusCodes.h"
+#include "Cimom/Server/SubscriptionRules.h"
 #include "Cimom/Server/WrittenInstance.h"
 
 namespace {
@@ -51,7 +52,7 @@ CIMApi::PropertyNames namesOf(const ServerCall& call, const IQoriInstanceName& n
 }
 
 Reply getInstance(const ServerCall& call) {
-  serverparameters::allowOnly(call.request,
+  serverparameters::allowOnly(call,
                               {"InstanceName", "LocalOnly", "IncludeQualifiers", "IncludeClassOrigin", "PropertyList"});
   const QORSmrPtr<IQoriInstanceName> name = ServerObjects(call).requireName("InstanceName");
   call.request.flag("IncludeQualifiers", false);
@@ -65,8 +66,8 @@ Reply getInstance(const ServerCall& call) {
 }
 
 Reply enumerateInstances(const ServerCall& call) {
-  serverparameters::allowOnly(call.request, {"ClassName", "LocalOnly", "DeepInheritance", "IncludeQualifiers",
-                                             "IncludeClassOrigin", "PropertyList"});
+  serverparameters::allowOnly(
+      call, {"ClassName", "LocalOnly", "DeepInheritance", "IncludeQualifiers", "IncludeClassOrigin", "PropertyList"});
   call.request.flag("IncludeQualifiers", false);
   const CIMApi::Instances found = ServerObjects(call).instances(ServerObjects::Want::Instances, true);
   return replyWithInstances(call.request, found, originsFor(call),
@@ -74,7 +75,7 @@ Reply enumerateInstances(const ServerCall& call) {
 }
 
 Reply enumerateInstanceNames(const ServerCall& call) {
-  serverparameters::allowOnly(call.request, {"ClassName"});
+  serverparameters::allowOnly(call, {"ClassName"});
   const CIMApi::Instances found = ServerObjects(call).instances(ServerObjects::Want::Names);
   return replyWithInstances(call.request, found, {}, [](CimXmlWriter& writer, const IQoriObject& object) {
     writer.writeInstanceName(*object.getInstanceName());
@@ -104,7 +105,7 @@ void requireShortKeys(const CQoriClass& model, const CimInstanceDeclaration& dec
 }
 
 Reply createInstance(const ServerCall& call, InstanceWriter& writer) {
-  serverparameters::allowOnly(call.request, {"NewInstance"});
+  serverparameters::allowOnly(call, {"NewInstance"});
   const ServerClasses space(*call.manager, call.request.nameSpace);
   const CimXmlInstance& given = serverparameters::instance(call.request, "NewInstance");
   const ServerClasses::Class handle = space.require(given.className);
@@ -112,6 +113,10 @@ Reply createInstance(const ServerCall& call, InstanceWriter& writer) {
   requireOwnClass(call, model);
   const CimInstanceDeclaration declaration{model.getClassName(), writtenProperties(*call.manager, space, model, given)};
   requireShortKeys(model, declaration);
+  // What is left out of a subscription is filled in.
+  if (!isSubscriptionClass(call.request.nameSpace, declaration.className)) {
+    requireValues(model, declaration.properties);
+  }
   const QORSmrPtr<IQoriInstanceName> made = writer.create(*call.leaseForChange(), call.request.nameSpace, declaration);
   CimXmlResponse response(call.request.messageId, call.request.operation);
   response.values().writeInstanceName(*made);
@@ -137,7 +142,8 @@ void refuseOthers(const ServerCall& call, const QORSmrPtr<IQoriInstanceName>& na
                                                          " is of another server and cannot be changed here");
 }
 
-// What is to be set: all that is given; or what is listed, which takes the class's default where nothing is given.
+// What is to be set: all that is given; or what is listed, which takes the class's default where nothing is given,
+// unless it is a key.
 std::vector<CimInstanceProperty> changesOf(const CQoriClass& model, std::vector<CimInstanceProperty> given,
                                            const Names& listed) {
   if (!listed) return given;
@@ -152,13 +158,26 @@ std::vector<CimInstanceProperty> changesOf(const CQoriClass& model, std::vector<
     const auto isIt = [&](const CimInstanceProperty& each) { return each.name.isEqualCaseInsensitive(name); };
     if (std::any_of(changes.begin(), changes.end(), isIt)) continue;
     const auto found = std::find_if(given.begin(), given.end(), isIt);
+    if (found == given.end() && model.isKey(static_cast<QORuint32>(position))) continue;
     changes.push_back(found == given.end() ? CimInstanceProperty{declared.name, declared.defaultValue} : *found);
   }
   return changes;
 }
 
+// A stored instance keeps what its class says is not written; others are the writer's to refuse.
+std::vector<CimInstanceProperty> allowedFor(const ServerCall& call, const CQoriClass& model,
+                                            const QORSmrPtr<IQoriInstanceName>& name,
+                                            std::vector<CimInstanceProperty> changes) {
+  if (contains(call.manager->liveClassNames(call.request.nameSpace), model.getClassName())) return changes;
+  const QORSmrPtr<IQoriObject> now =
+      embedded::getInstance(*call.manager->state()->store, call.request.nameSpace, name, {});
+  if (now.IsNull()) return changes;
+  requireChangedValues(model, changes);
+  return allowedChanges(model, *now, std::move(changes));
+}
+
 Reply modifyInstance(const ServerCall& call, InstanceWriter& writer) {
-  serverparameters::allowOnly(call.request, {"ModifiedInstance", "IncludeQualifiers", "PropertyList"});
+  serverparameters::allowOnly(call, {"ModifiedInstance", "IncludeQualifiers", "PropertyList"});
   const ServerClasses space(*call.manager, call.request.nameSpace);
   const CimXmlInstance& given = serverparameters::instance(call.request, "ModifiedInstance");
   const Names listed = call.request.texts("PropertyList");
@@ -171,13 +190,13 @@ Reply modifyInstance(const ServerCall& call, InstanceWriter& writer) {
   const QORSmrPtr<IQoriInstanceName> name = ServerObjects(call).requireName(given.name);
   refuseOthers(call, name);
   const std::vector<CimInstanceProperty> changes =
-      changesOf(model, writtenProperties(*call.manager, space, model, given), listed);
+      allowedFor(call, model, name, changesOf(model, writtenProperties(*call.manager, space, model, given), listed));
   writer.modify(*call.leaseForChange(), name, changes);
   return emptyReply(call);
 }
 
 Reply deleteInstance(const ServerCall& call, InstanceWriter& writer) {
-  serverparameters::allowOnly(call.request, {"InstanceName"});
+  serverparameters::allowOnly(call, {"InstanceName"});
   const QORSmrPtr<IQoriInstanceName> name = ServerObjects(call).requireName("InstanceName");
   refuseOthers(call, name);
   writer.remove(*call.leaseForChange(), name);

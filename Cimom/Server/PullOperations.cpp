@@ -97,7 +97,7 @@ class PullOperations {
       : _contexts(contexts), _limits(limits) {}
 
   std::unique_ptr<ServerReply> open(const ServerCall& call, const Opening& opening) const {
-    serverparameters::allowOnly(call.request, opening.parameters);
+    serverparameters::allowOnly(call, opening.parameters);
     ServerObjects(call).requireNameSpace();
     const EnumerationParameters parameters(call.request, _limits);
     refuseFilter(call.request);
@@ -109,7 +109,7 @@ class PullOperations {
   }
 
   std::unique_ptr<ServerReply> pull(const ServerCall& call, Kind kind) const {
-    serverparameters::allowOnly(call.request, {"EnumerationContext", "MaxObjectCount"});
+    serverparameters::allowOnly(call, {"EnumerationContext", "MaxObjectCount"});
     const std::string name = nameOf(call);
     const std::optional<QORuint32> most = call.request.number("MaxObjectCount");
     if (!most) throw CimStatusException(cimstatus::kInvalidParameter, "MaxObjectCount is needed");
@@ -117,7 +117,7 @@ class PullOperations {
   }
 
   std::unique_ptr<ServerReply> close(const ServerCall& call) const {
-    serverparameters::allowOnly(call.request, {"EnumerationContext"});
+    serverparameters::allowOnly(call, {"EnumerationContext"});
     _contexts->close(call, nameOf(call));
     return std::make_unique<WholeReply>(CimXmlResponse(call.request.messageId, call.request.operation).finish());
   }

@@ -74,8 +74,8 @@ class RowItems final : public EnumerationItems {
 
 std::unique_ptr<ServerReply> openQuery(const ServerCall& call, EnumerationContexts& contexts,
                                        const ServerLimits& limits) {
-  serverparameters::allowOnly(call.request, {"FilterQueryLanguage", "FilterQuery", "ReturnQueryResultClass",
-                                             "OperationTimeout", "ContinueOnError", "MaxObjectCount"});
+  serverparameters::allowOnly(call, {"FilterQueryLanguage", "FilterQuery", "ReturnQueryResultClass", "OperationTimeout",
+                                     "ContinueOnError", "MaxObjectCount"});
   ServerObjects(call).requireNameSpace();
   const EnumerationParameters parameters(call.request, limits);
   EnumerationContexts::Turn turn = contexts.open(call, EnumerationContexts::Kind::Instances, parameters.betweenPulls);
@@ -93,7 +93,7 @@ std::unique_ptr<ServerReply> openQuery(const ServerCall& call, EnumerationContex
 void addQueryOperations(ServerOperations& operations, const std::shared_ptr<EnumerationContexts>& contexts,
                         const ServerLimits& limits) {
   operations.add("ExecQuery", [contexts, limits](const ServerCall& call) {
-    serverparameters::allowOnly(call.request, {"QueryLanguage", "Query"});
+    serverparameters::allowOnly(call, {"QueryLanguage", "Query"});
     std::unique_ptr<QueryRows> rows = runQuery(call, "QueryLanguage", "Query", limits);
     EnumerationContexts::Hold hold = contexts->hold(call, rows->heldBytes());
     return std::make_unique<RowsReply>(call, std::move(rows), std::move(hold));

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "Cimom/CimXml/CimXmlException.h"
+#include "Cimom/Server/ServerClasses.h"
 #include "Cimom/Server/StatusCodes.h"
 
 namespace serverparameters {
@@ -42,9 +43,7 @@ void requireType(const CimXmlRequest& request, const std::string& name) {
   }
 }
 
-}  // namespace
-
-void allowOnly(const CimXmlRequest& request, const std::vector<const char*>& known) {
+void requireKnown(const CimXmlRequest& request, const std::vector<const char*>& known) {
   for (const CimXmlParameter& each : request.parameters) {
     const auto isName = [&](const char* name) { return QORString::equalIgnoringCase(each.name, name); };
     if (std::any_of(known.begin(), known.end(), isName)) {
@@ -52,6 +51,17 @@ void allowOnly(const CimXmlRequest& request, const std::vector<const char*>& kno
       continue;
     }
     throw CimStatusException(cimstatus::kInvalidParameter, request.operation + " has no parameter " + each.name);
+  }
+}
+
+}  // namespace
+
+void allowOnly(const ServerCall& call, const std::vector<const char*>& known) {
+  try {
+    requireKnown(call.request, known);
+  } catch (const CimStatusException&) {
+    requireNameSpace(*call.manager, call.request.nameSpace);
+    throw;
   }
 }
 

@@ -7,13 +7,14 @@
 #include <vector>
 
 #include "Cimom/CimXml/CimXmlRequest.h"
+#include "Cimom/Server/ServerOperations.h"
 
 // All THROW CimStatusException, status 4.
 namespace serverparameters {
 
 // Refuses a call that has a parameter besides these, or one whose value is not of its type, also where nobody asks for
-// the value later.
-void allowOnly(const CimXmlRequest& request, const std::vector<const char*>& known);
+// the value later. What is in an unknown namespace is refused for that: 3.
+void allowOnly(const ServerCall& call, const std::vector<const char*>& known);
 
 // Parameters that must be there.
 QORString className(const CimXmlRequest& request, const char* name);

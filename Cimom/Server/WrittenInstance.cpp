@@ -1,12 +1,14 @@
 // A value is taken as it is, read from its text, or made anew where it is an object.
-// Tested by tests/unit/Server/InstanceOperationsTest.cpp.
+// Tested by tests/unit/Server/WrittenInstanceTest.cpp, tests/unit/Server/InstanceOperationsTest.cpp.
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Server/WrittenInstance.h"
 
+#include <algorithm>
 #include <string>
 
 #include "Cimom/CimXml/CimXmlException.h"
 #include "Cimom/CimXml/CimXmlValues.h"
+#include "Cimom/Embedded/DeclarationHelpers.h"
 #include "Cimom/Embedded/RepositoryError.h"
 #include "Cimom/Model/ModelClassObject.h"
 #include "Cimom/Server/DeclaredKeys.h"
@@ -37,8 +39,13 @@ class PropertyReader {
         _property(declared.name),
         _type(type) {}
 
-  Value read(const Value& value, Code given) const {
-    if (value.IsNull()) return value;
+  Value read(const CimXmlProperty& property) const {
+    const Value& value = property.value;
+    const Code given = property.type;
+    if (value.IsNull()) {
+      requireNullFits(property);
+      return value;
+    }
     if (value->isArray() != _type.isArray()) raiseMismatch(*value->getType());
     if (!value->isArray()) return readScalar(value, given);
     requireSize(value->getArray()->entries());
@@ -50,6 +57,16 @@ class PropertyReader {
 
  private:
   Code code() const { return CQoriType::codeOf(_type); }
+
+  // NULL has the type that its element tells; clients tell that of a text where it stands for an object.
+  void requireNullFits(const CimXmlProperty& property) const {
+    const Code given = property.type;
+    if (given == Code::Unknown) return;
+    const bool isFit = given == code() || (given == Code::String && code() == Code::Object);
+    if (isFit && property.isArray == _type.isArray()) return;
+    const QORSmrPtr<IQoriType>& scalar = cimxml::scalarType(given);
+    raiseMismatch(property.isArray ? *CQoriType::arrayOf(scalar) : *scalar);
+  }
 
   Value readScalar(const Value& value, Code given) const {
     if (given == Code::Unknown && code() < Code::Reference) return readText(value);
@@ -148,6 +165,23 @@ class PropertyReader {
   const IQoriType& _type;
 };
 
+const CimPropertyDeclaration& declarationOf(const CQoriClass& model, const CimInstanceProperty& property) {
+  return model.properties()[static_cast<std::size_t>(model.position(property.name))];
+}
+
+bool isRequired(const CQoriClass& model, QORuint32 position) {
+  return model.properties()[position].hasFlag("Required") && !model.isKey(position);
+}
+
+// In the standard that is so of what has no such qualifier, too; schemas are not that strict.
+bool isNotWritten(const CimPropertyDeclaration& declared) {
+  return declared.findQualifier("Write") != nullptr && !declared.hasFlag("Write");
+}
+
+[[noreturn]] void raiseRequired(const CQoriClass& model, const QORString& property) {
+  raise(CimStatus::InvalidParameter, model.getClassName(), property, " is required and has no value");
+}
+
 }  // namespace
 
 std::vector<CimInstanceProperty> writtenProperties(EmbeddedObjectManager& manager, const ServerClasses& space,
@@ -166,7 +200,37 @@ std::vector<CimInstanceProperty> writtenProperties(EmbeddedObjectManager& manage
     isGiven[position] = true;
     const CimPropertyDeclaration& declared = model.properties()[position];
     const PropertyReader reader(manager, space, model.getClassName(), declared, *model.type(position));
-    properties.push_back({declared.name, reader.read(property.value, property.type)});
+    properties.push_back({declared.name, reader.read(property)});
   }
   return properties;
+}
+
+void requireValues(const CQoriClass& model, const std::vector<CimInstanceProperty>& instance) {
+  for (QORuint32 position = 0; position < model.properties().size(); ++position) {
+    if (!isRequired(model, position)) continue;
+    const CimPropertyDeclaration& declared = model.properties()[position];
+    const auto given = std::find_if(instance.begin(), instance.end(), [&](const CimInstanceProperty& each) {
+      return each.name.isEqualCaseInsensitive(declared.name);
+    });
+    const Value& value = given == instance.end() ? declared.defaultValue : given->value;
+    if (value.IsNull()) raiseRequired(model, declared.name);
+  }
+}
+
+void requireChangedValues(const CQoriClass& model, const std::vector<CimInstanceProperty>& changes) {
+  for (const CimInstanceProperty& each : changes) {
+    if (!each.value.IsNull() || !isRequired(model, static_cast<QORuint32>(model.position(each.name)))) continue;
+    raiseRequired(model, each.name);
+  }
+}
+
+std::vector<CimInstanceProperty> allowedChanges(const CQoriClass& model, const IQoriObject& now,
+                                                std::vector<CimInstanceProperty> changes) {
+  std::erase_if(changes, [&](const CimInstanceProperty& each) {
+    if (!isNotWritten(declarationOf(model, each))) return false;
+    if (embedded::sameValue(now.getProperty(each.name, true)->getValue(), each.value)) return true;
+    raise(CimStatus::InvalidParameter, model.getClassName(), each.name,
+          " is not written: its class declares Write(false)");
+  });
+  return changes;
 }

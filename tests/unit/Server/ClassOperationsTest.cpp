@@ -152,6 +152,9 @@ TEST_F(ClassOperations, WhatIsNotThereIsRefused) {
   for (const char* const operation : {"EnumerateQualifiers", "GetQualifier"}) {
     EXPECT_EQ(refusalOf(operation, "", "root/none"), "3: there is no namespace root/none");
   }
+  for (const std::string& wrong : {text("Colour", "red"), text("LocalOnly", "maybe")}) {
+    EXPECT_EQ(refusalOf("GetClass", className("Base") + wrong, "root/none"), "3: there is no namespace root/none");
+  }
 }
 
 TEST_F(ClassOperations, ParametersAreThoseOfTheOperation) {
