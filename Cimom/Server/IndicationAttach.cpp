@@ -182,15 +182,18 @@ void IndicationService::State::applyRemoval(const IQoriObject& before) {
   const std::string path = pathOf(before);
   if (isSubscriptionOf(before, kHandlerClass)) retire(path);
   _table->remove(path);
-  _failing.erase(path);
-  _failingCount = _failing.size();
+  forgetFailures(path);
 }
 
 void IndicationService::State::applyObject(const IQoriObject& after) {
   if (isSubscriptionOf(after, kIndicationServiceClass)) return use(retriesOf(after));
   if (!isSubscriptionClass(after.getNameSpace(), after.getClassName())) return;
   if (isSubscriptionOf(after, kFilterClass)) return _table->put(readFilter(after));
-  if (isSubscriptionOf(after, kSubscriptionClass)) return _table->put(readSubscription(after));
+  if (isSubscriptionOf(after, kSubscriptionClass)) {
+    // Who enables it again gives its listener as much time as at first.
+    forgetFailures(pathOf(after));
+    return _table->put(readSubscription(after));
+  }
   const ListenerDestination destination = readDestination(after);
   const auto known = _channels.find(destination.path);
   if (known == _channels.end()) {

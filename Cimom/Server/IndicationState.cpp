@@ -242,6 +242,10 @@ RetrySettings IndicationService::State::retrySettings() const noexcept {
 void IndicationService::State::delivered(const std::string& subscription) noexcept {
   if (_failingCount == 0) return;
   const std::lock_guard lock(_mutex);
+  forgetFailures(subscription);
+}
+
+void IndicationService::State::forgetFailures(const std::string& subscription) noexcept {
   _failing.erase(subscription);
   _failingCount = _failing.size();
 }
@@ -269,18 +273,34 @@ void IndicationService::State::failed(const std::string& handler, const std::str
 
 // The thread of a listener cannot wait for its own end.
 void IndicationService::State::act(const Subscription& subscription, bool isTransient) {
-  _janitor.add([this, subscription, isTransient] {
+  _janitor.add([this, path = subscription.path, handler = subscription.handler, isTransient] {
     const std::lock_guard lock(_managerMutex);
     if (_manager == nullptr) return;
     const ManagerScope scope(*_manager);
-    if (isTransient) return removeAll(*_manager, subscription.handler);
-    const bool isRemoval = subscription.onFailure == Subscription::OnFailure::Remove;
-    tellOfIndications("the subscription " + subscription.path + (isRemoval ? " is removed" : " is disabled") +
-                      ", since its listener fails");
-    if (isRemoval) return _writer.remove(*_manager, subscription.name);
-    constexpr unsigned short kDisabled = 4;
-    _writer.modify(*_manager, subscription.name, {{"SubscriptionState", new CQoriValue(kDisabled, CQoriType::uint16)}});
+    try {
+      isTransient ? removeAll(*_manager, handler) : actOnFailure(*_manager, path);
+    } catch (const QoriBaseException& fault) {
+      tellOfIndications("that is not done: " + std::string(fault.getMessage().view()));
+    }
   });
+}
+
+// Others may have changed it meanwhile, or another failure may have come first.
+void IndicationService::State::actOnFailure(EmbeddedObjectManager& manager, const std::string& path) {
+  std::optional<Subscription> failing;
+  {
+    const std::lock_guard lock(_mutex);
+    const Subscription* const known = _table->findSubscription(path);
+    if (known == nullptr || !known->isEnabled || !_failing.contains(path)) return;
+    failing = *known;
+  }
+  if (failing->onFailure == Subscription::OnFailure::Ignore) return;
+  const bool isRemoval = failing->onFailure == Subscription::OnFailure::Remove;
+  tellOfIndications("the subscription " + path + (isRemoval ? " is removed" : " is disabled") +
+                    ", since its listener fails");
+  if (isRemoval) return _writer.remove(manager, failing->name);
+  constexpr unsigned short kDisabled = 4;
+  _writer.modify(manager, failing->name, {{"SubscriptionState", new CQoriValue(kDisabled, CQoriType::uint16)}});
 }
 
 void IndicationService::State::removeAll(EmbeddedObjectManager& manager, const std::string& handler) {

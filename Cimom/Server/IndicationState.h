@@ -116,7 +116,9 @@ class IndicationService::State final : public WriteObserver,
   bool hasChannel(const std::string& handler) const;
   void createService(EmbeddedObjectManager& manager) const;
   void act(const Subscription& subscription, bool isTransient);
+  void actOnFailure(EmbeddedObjectManager& manager, const std::string& path);
   void removeAll(EmbeddedObjectManager& manager, const std::string& handler);
+  void forgetFailures(const std::string& subscription) noexcept;
 
   ServerStore& _store;
   const IndicationOptions _options;

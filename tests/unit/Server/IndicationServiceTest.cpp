@@ -214,6 +214,43 @@ TEST(IndicationService, ThePolicyWaitsForTheTimeIntervalOfFailures) {
   EXPECT_TRUE(comesTrue([&] { return failing.state() == "gone"; }));
 }
 
+TEST(IndicationService, ASubscriptionThatIsEnabledAgainHasItsTimeAnew) {
+  FailingSubscription failing({{"OnFatalErrorPolicy", small(3)}});
+  Server& server = failing.server;
+  ASSERT_TRUE(comesTrue([&] { return failing.state() == "4" && server.queueValue("Dropped") == "2"; }));
+  std::this_thread::sleep_for(std::chrono::milliseconds(1100));
+  server.service.writer().modify(*server.manager, failing.subscription,
+                                 {{"SubscriptionState", small(2)}, {"FailureTriggerTimeInterval", number(1)}});
+  server.publish(server.alert("c"));
+  EXPECT_TRUE(comesTrue([&] { return server.queueValue("Dropped") == "3"; }));
+  server.service.attach(server.manager);
+  EXPECT_EQ(failing.state(), "2");
+}
+
+TEST(IndicationService, APolicyThatCannotBeFollowedIsTold) {
+  PlayedListeners listeners;
+  listeners.answer(kUrl,
+                   [](const std::string&, const std::string&) -> std::string { throw std::runtime_error("refused"); });
+  Server server(listeners, "");
+  server.setRetry(0, 1);
+  const Name subscription(server.subscribe(kAlerts, kUrl, {{"OnFatalErrorPolicy", small(4)}}));
+  std::mutex mutex;
+  std::string told;
+  server.manager->setLogSink(
+      [&](const QORString&, const QORString& message, QORuint32) {
+        const std::lock_guard lock(mutex);
+        told += std::string(message.view()) + '\n';
+      },
+      QoriTraceLog::kWarning);
+  ASSERT_TRUE(server.manager->deleteInstance(subscription));
+  server.publish(server.alert("a"));
+  EXPECT_TRUE(comesTrue([&] {
+    const std::lock_guard lock(mutex);
+    return told.find("that is not done: ") != std::string::npos;
+  }));
+  server.manager->setLogSink({}, QoriTraceLog::kFatal);
+}
+
 TEST(IndicationService, ATransientListenerThatFailsIsGoneWithItsSubscriptions) {
   PlayedListeners listeners;
   listeners.answer(kUrl,
