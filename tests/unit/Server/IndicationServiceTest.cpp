@@ -217,12 +217,13 @@ TEST(IndicationService, ThePolicyWaitsForTheTimeIntervalOfFailures) {
 TEST(IndicationService, ASubscriptionThatIsEnabledAgainHasItsTimeAnew) {
   FailingSubscription failing({{"OnFatalErrorPolicy", small(3)}});
   Server& server = failing.server;
-  ASSERT_TRUE(comesTrue([&] { return failing.state() == "4" && server.queueValue("Dropped") == "2"; }));
+  ASSERT_TRUE(comesTrue([&] { return failing.state() == "4" && server.queueValue("Queued") == "0"; }));
+  const std::string dropped = server.queueValue("Dropped");
   std::this_thread::sleep_for(std::chrono::milliseconds(1100));
   server.service.writer().modify(*server.manager, failing.subscription,
                                  {{"SubscriptionState", small(2)}, {"FailureTriggerTimeInterval", number(1)}});
   server.publish(server.alert("c"));
-  EXPECT_TRUE(comesTrue([&] { return server.queueValue("Dropped") == "3"; }));
+  EXPECT_TRUE(comesTrue([&] { return server.queueValue("Dropped") != dropped; }));
   server.service.attach(server.manager);
   EXPECT_EQ(failing.state(), "2");
 }
