@@ -35,8 +35,7 @@ std::string messageOf(const QoriBaseException& error, const QORString& text) {
 // Whether it is the query that is wrong, though only the rows show it: to the engine, or to the values that it computes
 // with.
 bool isOfQuery(const QoriBaseException& error) noexcept {
-  const QORQL_Fault* const fault = QORQL_faultOf(error);
-  return fault == nullptr ? error.getType() == "CIM_Value" : fault->kind != QORQL_Fault::kOther;
+  return QORQL_faultOf(error) != nullptr || error.getType() == "CIM_Value";
 }
 
 std::vector<QORString> namesOf(const std::vector<CimPropertyDeclaration>& properties) {

@@ -126,6 +126,9 @@ TEST_F(Queries, AQueryThatIsWrongIsRefusedWithTheMessageOfTheEngine) {
   EXPECT_THAT(told, HasSubstr("(line 1, column 8)"));
   EXPECT_EQ(refused(asking("SELECT Size FROM CIM_None")), 15U);
   EXPECT_EQ(refused(asking("SELECT Size FROM CIM_Disk WHERE Size > DeviceID")), 15U) << "only the rows show it";
+  EXPECT_EQ(refused(asking("SELECT -Size AS M FROM CIM_Disk")), 15U) << told;
+  EXPECT_EQ(refused(asking("SELECT Size FROM CIM_Disk WHERE COUNT(Size) = 1")), 15U) << told;
+  EXPECT_EQ(refused(asking("SELECT Size FROM CIM_Disk ORDER BY -Size ASC")), 15U) << told;
 }
 
 TEST_F(Queries, WhatIsMissingIsRefused) {
