@@ -208,14 +208,16 @@ void IndicationService::State::keep(ServerStore::Change& kept, const Advances& a
   for (const auto& [channel, advance] : advances) kept.count(channel->listener->id(), advance.next, advance.dropped);
 }
 
+// A queue that stays nearly full is told of once, not with each indication that leaves it.
 void IndicationService::State::settle(const Advances& advances) {
   for (const auto& [channel, advance] : advances) {
+    const bool hasRoom = channel->listener->waiting() <= static_cast<std::int64_t>(_options.queueLimit / 2);
     channel->next = advance.next;
     if (advance.queued > 0) channel->listener->wake(advance.queued);
     if (advance.dropped > 0 && channel->dropped == 0) {
       tellOfIndications("the queue of " + channel->listener->handler() + " is full (" +
                         std::to_string(_options.queueLimit) + " indications): what comes now is dropped");
-    } else if (advance.dropped == 0 && channel->dropped > 0) {
+    } else if (advance.dropped == 0 && channel->dropped > 0 && hasRoom) {
       tellOfIndications("the queue of " + channel->listener->handler() +
                         " has room again: " + std::to_string(channel->dropped) + " indications were dropped");
       channel->dropped = 0;

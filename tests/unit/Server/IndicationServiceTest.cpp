@@ -1,5 +1,7 @@
 // Indications find their subscriptions and reach their listeners.
 // SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+#include <mutex>
 #include <optional>
 
 #include "Cimom/Mof/MofLoader.h"
@@ -126,6 +128,64 @@ TEST(IndicationService, AnObjectManagerInThePlaceOfAnotherKeepsTheSubscriptions)
   EXPECT_THAT(listeners.numbers(kUrl, 2), ElementsAre("0", "1"));
 }
 
+// What is told while it lives.
+class HeardLog {
+ public:
+  explicit HeardLog(EmbeddedObjectManager& manager) : _manager(manager) {
+    _manager.setLogSink(
+        [this](const QORString&, const QORString& message, QORuint32) {
+          const std::lock_guard lock(_mutex);
+          _lines.emplace_back(message.view());
+        },
+        QoriTraceLog::kWarning);
+  }
+  HeardLog(const HeardLog&) = delete;
+  HeardLog& operator=(const HeardLog&) = delete;
+  ~HeardLog() { _manager.setLogSink({}, QoriTraceLog::kFatal); }
+  // Of lines that have the text.
+  std::ptrdiff_t count(const char* text) const {
+    const std::lock_guard lock(_mutex);
+    return std::count_if(_lines.begin(), _lines.end(),
+                         [&](const std::string& line) { return line.find(text) != std::string::npos; });
+  }
+
+ private:
+  EmbeddedObjectManager& _manager;
+  mutable std::mutex _mutex;
+  std::vector<std::string> _lines;
+};
+
+TEST(IndicationService, AQueueThatStaysNearlyFullIsToldOfOnce) {
+  PlayedListeners listeners;
+  std::atomic<int> left{0};
+  listeners.answer(kUrl, [&](const std::string& message, const std::string& id) {
+    if (left <= 0) throw std::runtime_error("refused");
+    --left;
+    return PlayedListeners::take(message, id);
+  });
+  IndicationOptions options;
+  options.queueLimit = 4;
+  Server server(listeners, "", options);
+  server.setRetry(10000, 1);
+  server.subscribe(kAlerts, kUrl);
+  const HeardLog log(*server.manager);
+  for (int i = 0; i < 5; ++i) server.publish(server.alert("a"));
+  for (int i = 0; i < 3; ++i) {
+    left = 1;
+    ASSERT_TRUE(comesTrue([&] { return server.queueValue("Queued") == "3"; }));
+    server.publish(server.alert("b"));
+    server.publish(server.alert("dropped"));
+  }
+  EXPECT_EQ(server.queueValue("Dropped"), "4");
+  EXPECT_EQ(log.count(" is full "), 1);
+  EXPECT_EQ(log.count(" has room again"), 0);
+  left = 100000;
+  EXPECT_TRUE(comesTrue([&] {
+    server.publish(server.alert("c"));
+    return log.count(" has room again: 4 indications were dropped") == 1;
+  }));
+}
+
 TEST(IndicationService, AFullQueueDropsWhatComesAndTellsHowMuch) {
   PlayedListeners listeners;
   std::atomic<bool> isOpen{false};
@@ -235,21 +295,10 @@ TEST(IndicationService, APolicyThatCannotBeFollowedIsTold) {
   Server server(listeners, "");
   server.setRetry(0, 1);
   const Name subscription(server.subscribe(kAlerts, kUrl, {{"OnFatalErrorPolicy", small(4)}}));
-  std::mutex mutex;
-  std::string told;
-  server.manager->setLogSink(
-      [&](const QORString&, const QORString& message, QORuint32) {
-        const std::lock_guard lock(mutex);
-        told += std::string(message.view()) + '\n';
-      },
-      QoriTraceLog::kWarning);
+  const HeardLog log(*server.manager);
   ASSERT_TRUE(server.manager->deleteInstance(subscription));
   server.publish(server.alert("a"));
-  EXPECT_TRUE(comesTrue([&] {
-    const std::lock_guard lock(mutex);
-    return told.find("that is not done: ") != std::string::npos;
-  }));
-  server.manager->setLogSink({}, QoriTraceLog::kFatal);
+  EXPECT_TRUE(comesTrue([&] { return log.count("that is not done: ") == 1; }));
 }
 
 TEST(IndicationService, ATransientListenerThatFailsIsGoneWithItsSubscriptions) {
