@@ -182,7 +182,7 @@ TEST(IndicationService, AQueueThatStaysNearlyFullIsToldOfOnce) {
   left = 100000;
   EXPECT_TRUE(comesTrue([&] {
     server.publish(server.alert("c"));
-    return log.count(" has room again: 4 indications were dropped") == 1;
+    return log.count(" has room again") == 1;
   }));
 }
 
