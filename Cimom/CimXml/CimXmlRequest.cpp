@@ -32,6 +32,14 @@ const CimXmlParameter* require(const CimXmlRequest& request, std::string_view na
   return found;
 }
 
+// A path of a class may tell where it is; nobody looks for it there.
+void requireNameSpace(const CimXmlParameter& parameter, const QORString& nameSpace) {
+  const QORString& told = parameter.path->getNameSpacePath()->getNameSpace();
+  if (told.isEmpty() || told.isEqualCaseInsensitive(nameSpace)) return;
+  throw CimStatusException(kInvalidParameter, parameter.name + " is in namespace " + std::string(told.view()) +
+                                                  ", and the call in " + std::string(nameSpace.view()));
+}
+
 }  // namespace
 
 const CimXmlParameter* CimXmlRequest::find(std::string_view name) const {
@@ -75,6 +83,7 @@ std::optional<std::vector<QORString>> CimXmlRequest::texts(std::string_view name
 
 std::optional<QORString> CimXmlRequest::className(std::string_view name) const {
   const CimXmlParameter* const found = require(*this, name, CimXmlParameter::Kind::ClassName, "the name of a class");
+  if (found != nullptr && !found->path.IsNull()) requireNameSpace(*found, nameSpace);
   return found == nullptr ? std::nullopt : std::optional(found->text);
 }
 

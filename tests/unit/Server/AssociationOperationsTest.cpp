@@ -114,6 +114,18 @@ TEST_F(AssociationOperations, ClassesAreToldWhole) {
   EXPECT_THAT(valuesOf("References", className("Tank", "ObjectName")), Not(HasSubstr("QUALIFIER")));
 }
 
+TEST_F(AssociationOperations, AClassOfAnotherNamespaceThanTheCallsIsRefused) {
+  load("#pragma namespace(\"root/more\")\nclass Tank { [Key] string Id; };");
+  const auto in = [](const std::string& nameSpace) {
+    return parameter("ObjectName", "<LOCALCLASSPATH><LOCALNAMESPACEPATH><NAMESPACE NAME=\"root\"/><NAMESPACE NAME=\"" +
+                                       nameSpace +
+                                       "\"/></LOCALNAMESPACEPATH><CLASSNAME NAME=\"Tank\"/></LOCALCLASSPATH>");
+  };
+  EXPECT_EQ(refusalOf("ReferenceNames", in("more")),
+            "4: ObjectName is in namespace root/more, and the call in root/cimv2");
+  EXPECT_EQ(countOf(valuesOf("ReferenceNames", in("CIMV2")), "<OBJECTPATH>"), 3U);
+}
+
 TEST_F(AssociationOperations, WhatIsNotThereIsRefused) {
   for (const char* const operation : {"Associators", "AssociatorNames", "References", "ReferenceNames"}) {
     EXPECT_THAT(refusalOf(operation, of("Tank", "t"), "root/none"), HasSubstr("3: ")) << operation;
