@@ -19,6 +19,10 @@ function(qorql_target_options target)
     target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
     target_link_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
   endif()
+  # g++ tidies its memory up from 128 MB on, which takes a tenth of the time of large sources: a tenth more memory is less.
+  if(QORQL_COMPILE_TOGETHER AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(${target} PRIVATE --param=ggc-min-heapsize=524288)
+  endif()
   # Of the engine alone: the rest is built as the test preset builds it, and comes out of the compiler's cache.
   if(QORQL_COVERAGE AND target STREQUAL "qorql")
     target_compile_options(${target} PRIVATE --coverage -fprofile-update=atomic -O0)
