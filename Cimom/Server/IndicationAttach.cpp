@@ -31,6 +31,16 @@ std::vector<Object> instancesOf(const EmbeddedObjectManager& manager, const char
   return found;
 }
 
+void tellOfShortage(const IQoriObject& object, const std::exception& fault) noexcept {
+  try {
+    tellOfIndications("what was written of " + pathOf(object) +
+                      " is in force once the configuration is read anew: " + fault.what());
+  } catch (const std::exception&) {
+    // There is no memory to tell with.
+    return;
+  }
+}
+
 QORSmrPtr<IQoriValue> text(const std::string& value) { return new CQoriValue(QORString(value)); }
 
 }  // namespace
@@ -163,17 +173,31 @@ std::unique_ptr<ServerEvents::Attachment> IndicationService::State::read(
   return reading;
 }
 
-// What was refused when it was written is not here; what a MOF text declares, or does not fit a new one, may be wrong.
-void IndicationService::State::apply(const InstanceChange& change) {
-  const IQoriObject& object = *(change.after.IsNull() ? change.before : change.after);
+// THROWS QoriBaseException when the store cannot take a new listener.
+IndicationService::State::Prepared IndicationService::State::prepare(const InstanceChange& change) {
+  Prepared prepared;
+  if (change.after.IsNull()) return prepared;
+  const IQoriObject& after = *change.after;
+  if (isSubscriptionOf(after, kIndicationServiceClass)) prepared.retries = retriesOf(after);
+  if (isSubscriptionOf(after, kFilterClass)) prepared.filter = readFilter(after);
+  if (isSubscriptionOf(after, kSubscriptionClass)) prepared.subscription = readSubscription(after);
+  if (isSubscriptionOf(after, kHandlerClass)) {
+    prepared.destination = readDestination(after);
+    if (!_channels.contains(prepared.destination->path)) prepared.channel = makeChannel(*prepared.destination);
+  }
+  return prepared;
+}
+
+// The store has the change already.
+void IndicationService::State::apply(const InstanceChange& change, Prepared prepared) noexcept {
   try {
     if (change.after.IsNull()) {
-      applyRemoval(object);
+      applyRemoval(*change.before);
     } else {
-      applyObject(object);
+      applyObject(std::move(prepared));
     }
   } catch (const std::exception& fault) {
-    tellOfIndications(pathOf(object) + " is not in force: " + fault.what());
+    tellOfShortage(change.after.IsNull() ? *change.before : *change.after, fault);
   }
 }
 
@@ -185,23 +209,22 @@ void IndicationService::State::applyRemoval(const IQoriObject& before) {
   forgetFailures(path);
 }
 
-void IndicationService::State::applyObject(const IQoriObject& after) {
-  if (isSubscriptionOf(after, kIndicationServiceClass)) return use(retriesOf(after));
-  if (!isSubscriptionClass(after.getNameSpace(), after.getClassName())) return;
-  if (isSubscriptionOf(after, kFilterClass)) return _table->put(readFilter(after));
-  if (isSubscriptionOf(after, kSubscriptionClass)) {
+void IndicationService::State::applyObject(Prepared prepared) {
+  use(prepared.retries);
+  if (prepared.filter) return _table->put(std::move(*prepared.filter));
+  if (prepared.subscription) {
     // Who enables it again gives its listener as much time as at first.
-    forgetFailures(pathOf(after));
-    return _table->put(readSubscription(after));
+    forgetFailures(prepared.subscription->path);
+    return _table->put(std::move(*prepared.subscription));
   }
-  const ListenerDestination destination = readDestination(after);
-  const auto known = _channels.find(destination.path);
+  if (!prepared.destination) return;
+  const auto known = _channels.find(prepared.destination->path);
   if (known == _channels.end()) {
-    open(makeChannel(destination));
+    open(std::move(prepared.channel));
   } else {
-    known->second.listener->redirect(destination.url);
+    known->second.listener->redirect(prepared.destination->url);
   }
-  _table->put(destination);
+  _table->put(std::move(*prepared.destination));
 }
 
 IndicationService::State::Retries IndicationService::State::retriesOf(const IQoriObject& service) {

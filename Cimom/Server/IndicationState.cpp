@@ -115,6 +115,7 @@ void IndicationService::State::change(EmbeddedObjectManager& manager, const Inst
   Advances advances;
   Discarded discarded;
   SubscriptionTable::Counting counting(*_table);
+  Prepared prepared = prepare(change);
   {
     ServerStore::Change kept(_store);
     write(kept);
@@ -129,7 +130,7 @@ void IndicationService::State::change(EmbeddedObjectManager& manager, const Inst
   counting.keep();
   settle(advances);
   if (discarded.channel != nullptr) discarded.channel->listener->forget(discarded.count);
-  apply(change);
+  apply(change, std::move(prepared));
   _filters.note(_table->takeChanges());
 }
 

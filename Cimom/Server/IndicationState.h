@@ -92,9 +92,12 @@ class IndicationService::State final : public WriteObserver,
   static void keep(ServerStore::Change& kept, const Advances& advances);
   void settle(const Advances& advances);
   Object indicationOf(EmbeddedObjectManager& manager, const InstanceChange& change);
-  void apply(const InstanceChange& change);
+  // What is known of a change before the store takes it, so that little can fail afterwards.
+  struct Prepared;
+  Prepared prepare(const InstanceChange& change);
+  void apply(const InstanceChange& change, Prepared prepared) noexcept;
   void applyRemoval(const IQoriObject& before);
-  void applyObject(const IQoriObject& after);
+  void applyObject(Prepared prepared);
   Channels::node_type makeChannel(const ListenerDestination& destination);
   void open(Channels::node_type channel) noexcept;
   void retire(const std::string& handler) noexcept;
@@ -114,6 +117,13 @@ class IndicationService::State final : public WriteObserver,
   static Retries retriesOf(const IQoriObject& service);
   void use(const Retries& retries) noexcept;
   bool hasChannel(const std::string& handler) const;
+  struct Prepared {
+    Retries retries;
+    std::optional<SubscriptionFilter> filter;
+    std::optional<Subscription> subscription;
+    std::optional<ListenerDestination> destination;
+    Channels::node_type channel;  // of a new listener
+  };
   void createService(EmbeddedObjectManager& manager) const;
   void act(const Subscription& subscription, bool isTransient);
   void actOnFailure(EmbeddedObjectManager& manager, const std::string& path);

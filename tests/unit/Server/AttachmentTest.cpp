@@ -203,4 +203,21 @@ TEST(Attachment, ADeletedListenerIsNotWaitedForWithoutMemoryEither) {
   }
 }
 
+// However much the disk still takes.
+TEST(Attachment, AListenerThatAClientCreatesIsInForceOrRefused) {
+  const StoreFolder folder;
+  PlayedListeners listeners;
+  Server server(listeners, folder.file());
+  const rlim_t before = std::filesystem::file_size(folder.file() + "-wal");
+  int count = 0;
+  for (rlim_t more = 0; count < 2; more += 1024) {
+    const std::string name = "h" + std::to_string(more);
+    {
+      const FullDisk full(before + more);
+      if (statusOf([&] { server.createHandler(name.c_str(), kUrl); }) == 0) ++count;
+    }
+    ASSERT_EQ(server.countOf(kHandlerClass), server.countOf(kQueueClass)) << more;
+  }
+}
+
 }  // namespace
