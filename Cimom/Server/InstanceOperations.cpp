@@ -203,12 +203,12 @@ Reply deleteInstance(const ServerCall& call, InstanceWriter& writer) {
   return emptyReply(call);
 }
 
-Reply refuseChange(const ServerCall&) {
+}  // namespace
+
+std::unique_ptr<ServerReply> refuseChange(const ServerCall& /*call*/) {
   throw CimStatusException(cimstatus::kAccessDenied,
                            "this server is read-only; it takes changes when it is started with --writable");
 }
-
-}  // namespace
 
 std::shared_ptr<const InstanceOrigins> originsFor(const ServerCall& call) {
   if (!call.request.flag("IncludeClassOrigin", false)) return {};

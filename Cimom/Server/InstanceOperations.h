@@ -10,4 +10,7 @@
 // the writer. BORROWS it; null: all changes are refused with 2, since the server is read-only.
 void addInstanceOperations(ServerOperations& operations, InstanceWriter* writer);
 
+// THROWS CimStatusException, 2: what a read-only server answers to whoever wants to change something.
+std::unique_ptr<ServerReply> refuseChange(const ServerCall& call);
+
 #endif

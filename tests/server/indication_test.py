@@ -11,7 +11,7 @@ import unittest
 
 import servercase
 from eventcase import INTEROP, accept, full, instance, value_in
-from subscriptions import ALERTS, SubscriptionCase, disk, disk_name
+from subscriptions import ALERTS, DISKS, SubscriptionCase, disk, disk_name
 
 sys.path.insert(1, os.path.join(servercase.TESTS, "remote"))
 sys.path.insert(1, os.path.join(servercase.TESTS, "docs"))
@@ -19,6 +19,26 @@ import certificates  # noqa: E402 (the folders are named above)
 import markdown  # noqa: E402
 
 DOCUMENT = os.path.join(os.path.dirname(servercase.TESTS), "docs", "server.md")
+
+# What a MOF file of subscriptions declares, in short.
+KEYS = " ".join(f"[Key] string {name};" for name in
+                ("SystemCreationClassName", "SystemName", "CreationClassName", "Name"))
+SUBSCRIPTION = f"""
+#pragma namespace("root/interop")
+Qualifier Key : boolean = false, Scope(property, reference), Flavor(DisableOverride, ToSubclass);
+Qualifier Association : boolean = false, Scope(association), Flavor(DisableOverride, ToSubclass);
+class CIM_IndicationFilter {{ {KEYS} string Query; string QueryLanguage; string SourceNamespaces[]; }};
+class CIM_ListenerDestination {{ {KEYS} string Destination; uint16 PersistenceType; }};
+class CIM_ListenerDestinationCIMXML : CIM_ListenerDestination {{ }};
+[Association] class CIM_IndicationSubscription {{
+  [Key] CIM_IndicationFilter REF Filter; [Key] CIM_ListenerDestination REF Handler; }};
+instance of CIM_IndicationFilter as $F {{ SystemCreationClassName = "s"; SystemName = "s";
+  CreationClassName = "CIM_IndicationFilter"; Name = "f"; Query = "SELECT * FROM CIM_InstCreation"; }};
+instance of CIM_ListenerDestinationCIMXML as $H {{ SystemCreationClassName = "s"; SystemName = "s";
+  CreationClassName = "CIM_ListenerDestinationCIMXML"; Name = "h"; Destination = "URL"; }};
+instance of CIM_IndicationSubscription {{ Filter = $F; Handler = $H; }};
+#pragma namespace("root/cimv2")
+"""
 
 CHANGES = "SELECT * FROM CIM_InstIndication WHERE SourceInstance ISA DISK_Disk"
 
@@ -98,7 +118,18 @@ class IndicationTest(SubscriptionCase):
 
     def test_a_server_that_takes_no_changes_takes_no_alerts(self):
         server = self.serve_plant()
-        self.assertNotEqual(self.export(server, instance("CIM_AlertIndication", Message="x")).error, 0)
+        reply = self.export(server, instance("CIM_AlertIndication", Message="x"))
+        self.assertEqual(reply.error, 2)
+        self.assertIn("--writable", reply.tree.find(".//ERROR").get("DESCRIPTION"))
+
+    def test_subscriptions_of_mof_files_are_in_force_or_told_not_to_be(self):
+        listener = self.listen()
+        mof = self.write("subscription.mof", SUBSCRIPTION.replace("URL", listener.url) + DISKS)
+        server = self.serve("--no-live", "--writable", "-m", mof)
+        self.create(server, disk("new"), "root/cimv2")
+        self.assertEqual([one["SourceInstance"]["Name"] for one in listener.indications(1)], ["new"])
+        self.assertNotIn("not in force", server.log_text())
+        self.assertIn("not in force without --writable", self.serve("--no-live", "-m", mof).log_text())
 
     def test_a_hundred_that_wait_survive_a_kill(self):
         store = os.path.join(self.folder, "server.db")

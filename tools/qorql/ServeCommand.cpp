@@ -85,6 +85,18 @@ bool isThreadStopped() {
   return monitor != nullptr && monitor->isStopRequested();
 }
 
+// Only MOF files can have brought them where there is no service of indications.
+void warnOfSubscriptions(const EmbeddedObjectManager& manager) {
+  constexpr const char* kSpace = "root/interop";
+  constexpr const char* kSubscription = "CIM_IndicationSubscription";
+  CimClassDeclaration declaration;
+  if (!manager.describeClass(kSpace, kSubscription, declaration)) return;
+  const auto found = manager.ownInstances(kSpace, kSubscription, {});
+  if (found.IsNull() || found->entries() == 0) return;
+  std::cerr
+      << "qorql: warning: the subscriptions that MOF files declare are not in force without --writable or --store\n";
+}
+
 class ServerRun {
  public:
   // THROWS as reportStartFailure() reports.
@@ -132,7 +144,10 @@ class ServerRun {
     session->open(_events == nullptr ? nullptr : indicationSchemaMof());
     if (session->servers() != nullptr) session->servers()->setStopRequest(&isThreadStopped);
     _library.prepare(session->manager(), _traits);
-    if (_events == nullptr) return session;
+    if (_events == nullptr) {
+      if (!options.session.isQuiet) warnOfSubscriptions(session->manager());
+      return session;
+    }
     declareIndications(session->manager(), QORString(options.session.nameSpace), options.session.isQuiet);
     _events->prepare(session->manager());
     return session;

@@ -43,7 +43,10 @@ class CimService : public HttpService {
     const auto contexts = std::make_shared<EnumerationContexts>(options.limits);
     addQueryOperations(_operations, contexts, options.limits);
     addPullOperations(_operations, contexts, options.limits);
-    if (!isWritable) return;
+    if (!isWritable) {
+      _operations.addExport(kExportOperation, &refuseChange);
+      return;
+    }
     _operations.addExport(kExportOperation, [this](const ServerCall& call) {
       const ServerModel::Manager lease = call.leaseForChange();
       return _events->takeExport(call);
