@@ -81,6 +81,20 @@ class IndicationTest(SubscriptionCase):
                 second.kill()
             first.kill()
 
+    def test_live_changes_right_after_the_start_are_seen(self):
+        listener, store = self.listen(), os.path.join(self.folder, "server.db")
+        first = self.serve("--writable", "--store", store, "--interval", "0.5")
+        self.subscribe(first, listener.url,
+                       "SELECT * FROM CIM_InstCreation WHERE SourceInstance ISA Linux_Process "
+                       "AND SourceInstance.Linux_Process::Name = 'sleep'")
+        first.stop()
+        self.serve("--writable", "--store", store, "--interval", "0.5")
+        with subprocess.Popen(["sleep", "60"]) as started:
+            try:
+                self.assert_seen(listener, started)
+            finally:
+                started.kill()
+
     def assert_seen(self, listener, process):
         """A process is among those of which the listener gets to know."""
         seen = set()

@@ -116,6 +116,8 @@ class ServerRun {
   }
 
   void run() {
+    // What subscriptions ask for is looked at first, so that changes are seen from now on.
+    if (_events != nullptr) _events->waitForWatcher();
     for (const std::string& url : _server->urls()) std::cout << "listening on " << url << '\n';
     std::cout.flush();
     _library.tellSupervisor("READY=1");
