@@ -280,6 +280,16 @@ class IndicationTest(SubscriptionCase):
         self.assertEqual([(one["class"], one["SourceInstance"]["class"]) for one in found],
                          [("CIM_InstCreation", "Linux_Process")])
 
+    def test_the_alert_of_the_document(self):
+        (alert,) = [block.text for block in markdown.blocks(DOCUMENT) if block.kind == "alert"]
+        server, listener = self.serve("--writable", "--no-live"), self.listen()
+        self.subscribe(server, listener.url)
+        done = subprocess.run(["sh", "-e", "-c", alert.replace(":5988", f":{server.port}")], capture_output=True,
+                              timeout=60, check=False)
+        self.assertIn(b"EXPMETHODRESPONSE", done.stdout)
+        self.assertNotIn(b"ERROR", done.stdout)
+        self.assertEqual([one["Message"] for one in listener.indications(1)], ["the lamp is on"])
+
     def test_subscriptions_survive_reading_anew(self):
         server, listener = self.serve_disks(), self.play()
         self.subscribe(server, listener.url)
