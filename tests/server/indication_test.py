@@ -279,6 +279,13 @@ class IndicationTest(SubscriptionCase):
             started.kill()
         self.assertEqual([(one["class"], one["SourceInstance"]["class"]) for one in found],
                          [("CIM_InstCreation", "Linux_Process")])
+        (unsubscribe,) = [block.text for block in markdown.blocks(DOCUMENT) if block.kind == "unsubscribe"]
+        names = "".join(line + "\n" for line in script.splitlines() if not line.startswith("wbemcli"))
+        done = subprocess.run(["sh", "-e", "-c", names + unsubscribe.replace(":5988", f":{server.port}")],
+                              capture_output=True, timeout=60, check=False)
+        self.assertEqual((done.returncode, done.stderr), (0, b""))
+        for name in ("CIM_IndicationSubscription", "CIM_IndicationFilter", "CIM_ListenerDestinationCIMXML"):
+            self.assertEqual(self.call(server, "EnumerateInstanceNames", INTEROP, ClassName=name).items, [])
 
     def test_the_alert_of_the_document(self):
         (alert,) = [block.text for block in markdown.blocks(DOCUMENT) if block.kind == "alert"]
