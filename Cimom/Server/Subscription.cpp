@@ -181,13 +181,18 @@ ListenerDestination readDestination(const IQoriObject& object) {
 }
 
 Subscription readSubscription(const IQoriObject& object) {
+  constexpr QORuint64 kEnabled = 2;
   constexpr QORuint64 kDisabled = 4;
   Subscription subscription;
   subscription.path = pathOf(object);
   subscription.name = object.getInstanceName();
   subscription.filter = referred(object, "Filter");
   subscription.handler = referred(object, "Handler");
-  subscription.isEnabled = choiceOf(object, "SubscriptionState", 2, kDisabled) != kDisabled;
+  const QORuint64 state = numberOf(object, "SubscriptionState", kEnabled);
+  if (state != kEnabled && state != kDisabled) {
+    refuseValue("SubscriptionState is " + std::to_string(state) + ", and here it can be 2 or 4");
+  }
+  subscription.isEnabled = state == kEnabled;
   subscription.onFailure = static_cast<Subscription::OnFailure>(choiceOf(object, "OnFatalErrorPolicy", 2, 4));
   subscription.failureInterval = secondsOf(object, "FailureTriggerTimeInterval");
   if (!valueOf(object, "SubscriptionDuration").IsNull()) {

@@ -117,6 +117,10 @@ TEST_F(SubscriptionRules, PoliciesThatNobodyFollowsAreRefused) {
                                   {"RepeatNotificationCount", small(1)}}),
             0U);
   EXPECT_EQ(statusOfSubscription({{"SubscriptionDuration", number(9)}}), 4U);
+  for (const QORuint64 state : {0, 1, 3, 5}) {
+    EXPECT_EQ(statusOfSubscription({{"SubscriptionState", small(state)}}), 4U) << state;
+  }
+  EXPECT_EQ(statusOfSubscription({{"SubscriptionState", small(4)}}), 0U);
 }
 
 TEST_F(SubscriptionRules, WhatASubscriptionRefersToStays) {
