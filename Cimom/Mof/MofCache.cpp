@@ -140,6 +140,7 @@ MofRecord MofCache::readText(CimDeclarationSink& sink, const Load& load, Outcome
   MofCacheOutput output(_file);
   MofRecorder recorder(sink, [&output](std::string_view row) { appendMofCacheRow(output, row); });
   MofLoader loader(recorder, load.nameSpace);
+  loader.setNotesInputs(true);
   loader.loadFiles(load.paths);
   QORuint64 bytes = 0;
   for (const MofInput& input : loader.getInputs()) bytes += input.isFolder ? 0 : input.size;

@@ -49,32 +49,33 @@ std::string absolute(const std::string& path) {
   return error ? path : whole.lexically_normal().string();
 }
 
-// What the file holds as it is told, without asking for it by its path again; 0 where that cannot be said, as of a
-// pipe.
-std::size_t sizeOf(std::ifstream& in) {
-  const std::streamoff size = in.seekg(0, std::ios::end).tellg();
-  in.clear();
-  in.seekg(0);
-  in.clear();
-  return size < 0 ? 0 : static_cast<std::size_t>(size);
-}
-
-// `size`: of the file as it is told; its end tells how much there is: a pipe has no size, and a file may grow.
-std::string readToEnd(std::ifstream& in, std::size_t size, std::string& content) {
-  if (size > kMaximumFileSize) return kTooLarge;
-  content.resize(size);
-  in.read(content.data(), static_cast<std::streamsize>(content.size()));
-  content.resize(static_cast<std::size_t>(in.gcount()));
-  std::array<char, 4096> chunk;
-  while (in && content.size() <= kMaximumFileSize) {
-    in.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
-    content.append(chunk.data(), static_cast<std::size_t>(in.gcount()));
+// A file that is read without a buffer in between: what is read goes where it belongs.
+class OpenFile {
+ public:
+  explicit OpenFile(const std::string& path) {
+    _file.pubsetbuf(nullptr, 0);
+    errno = 0;
+    if (_file.open(path, std::ios::in | std::ios::binary) == nullptr) {
+      _fault = errno == 0 ? "it cannot be opened" : std::generic_category().message(errno);
+    }
   }
-  if (content.size() > kMaximumFileSize) return kTooLarge;
-  return in.bad() ? "reading it fails" : "";
-}
 
-std::string faultOf(int fault) { return fault == 0 ? "it cannot be opened" : std::generic_category().message(fault); }
+  // Empty as long as nothing has gone wrong.
+  const std::string& fault() const noexcept { return _fault; }
+  // The number of bytes; less than `size` only at the end, or with a fault.
+  std::size_t read(char* to, std::size_t size) {
+    try {
+      return static_cast<std::size_t>(_file.sgetn(to, static_cast<std::streamsize>(size)));
+    } catch (const std::ios_base::failure&) {
+      _fault = "reading it fails";
+      return 0;
+    }
+  }
+
+ private:
+  std::filebuf _file;
+  std::string _fault;
+};
 
 // Why a file was not read: what the path means, if that says it, else `problem`.
 std::string reasonOf(const std::string& path, const std::string& problem) {
@@ -83,6 +84,32 @@ std::string reasonOf(const std::string& path, const std::string& problem) {
   if (type == fs::file_type::not_found) return "there is no such file";
   if (type == fs::file_type::none) return error.message();
   return type == fs::file_type::directory ? "it is a folder" : problem;
+}
+
+// The rest of a large file, as far as its size is told: in one piece. False when it is too large.
+bool readAsTold(OpenFile& file, const std::string& path, std::string& text) {
+  std::error_code error;
+  const std::uintmax_t size = fs::file_size(path, error);
+  if (error || size <= text.size()) return true;
+  if (size > kMaximumFileSize) return false;
+  const std::size_t start = text.size();
+  text.resize(static_cast<std::size_t>(size));
+  text.resize(start + file.read(text.data() + start, text.size() - start));
+  return true;
+}
+
+// The content counts, not the size that is told: a pipe has none, and a file may grow. Most files fit the first chunk,
+// and nobody has to ask for their size.
+std::string readToEnd(OpenFile& file, const std::string& path, std::string& text) {
+  std::array<char, 64U << 10U> chunk;
+  std::size_t count = 0;
+  do {
+    count = file.read(chunk.data(), chunk.size());
+    text.append(chunk.data(), count);
+    const bool isLarge = text.size() == chunk.size();
+    if ((isLarge && !readAsTold(file, path, text)) || text.size() > kMaximumFileSize) return kTooLarge;
+  } while (count == chunk.size());
+  return file.fault();
 }
 
 QORuint64 hashOfNames(const std::vector<std::string>& files) {
@@ -103,9 +130,10 @@ bool isFolderUnchanged(const MofInput& input) {
 
 }  // namespace
 
-MofInput describeMofFile(const std::string& path, const MofContent& content) {
-  const std::string& text = content.text;
-  return {absolute(path), false, text.size(), content.modified, XXH3_64bits(text.data(), text.size())};
+QORsint64 changeOfMofFile(const std::string& path) { return changeOf(path); }
+
+MofInput describeMofFile(const std::string& path, std::string_view text, QORsint64 modified) {
+  return {absolute(path), false, text.size(), modified, XXH3_64bits(text.data(), text.size())};
 }
 
 MofInput describeMofFolder(const std::string& path, const std::vector<std::string>& files) {
@@ -123,15 +151,10 @@ std::string listMofFolder(const std::string& path, std::vector<std::string>& fil
   return {};
 }
 
-// The time is taken before the content: of a file that changes meanwhile the older one counts.
-std::string readMofFile(const std::string& path, MofContent& content) {
-  content.modified = changeOf(path);
-  errno = 0;
-  std::ifstream in;
-  in.rdbuf()->pubsetbuf(nullptr, 0);  // what is read goes where it belongs
-  in.open(path, std::ios::binary);
-  const int fault = errno;
-  const std::string problem = in ? readToEnd(in, sizeOf(in), content.text) : faultOf(fault);
+std::string readMofFile(const std::string& path, std::string& text) {
+  text.clear();
+  OpenFile file(path);
+  const std::string problem = file.fault().empty() ? readToEnd(file, path, text) : file.fault();
   return problem.empty() ? problem : reasonOf(path, problem);
 }
 
@@ -144,9 +167,8 @@ bool isMofInputUnchanged(const MofInput& input, QORsint64 written) {
   const QORsint64 step = std::chrono::duration_cast<fs::file_time_type::duration>(kClockStep).count();
   const QORsint64 change = changeOf(place);
   if (change == input.modified && change < written - step) return true;
-  MofContent content;
-  return readMofFile(input.path, content).empty() &&
-         XXH3_64bits(content.text.data(), content.text.size()) == input.hash;
+  std::string text;
+  return readMofFile(input.path, text).empty() && XXH3_64bits(text.data(), text.size()) == input.hash;
 }
 
 QORsint64 mofClockNow() { return countOf(fs::file_time_type::clock::now()); }

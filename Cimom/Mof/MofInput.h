@@ -5,6 +5,7 @@
 #define QORQL_MOF_MOFINPUT_H
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cmpbase.h"
@@ -18,21 +19,18 @@ struct MofInput {
   QORuint64 hash = 0;  // of the content, or of the names in the folder
 };
 
-// What was read of a file, and when that had last changed.
-struct MofContent {
-  std::string text;
-  QORsint64 modified = 0;
-};
-
-// As it was when its content was read.
-MofInput describeMofFile(const std::string& path, const MofContent& content);
+// When a file last changed. Asked before its content is read: of a file that
+// changes meanwhile the older time counts.
+QORsint64 changeOfMofFile(const std::string& path);
+// As it was when its content was read; `modified`: as changeOfMofFile() told it.
+MofInput describeMofFile(const std::string& path, std::string_view text, QORsint64 modified);
 // `files`: its .mof files, sorted.
 MofInput describeMofFolder(const std::string& path, const std::vector<std::string>& files);
 
 // The .mof files of a folder in the order of their names; the fault otherwise.
 std::string listMofFolder(const std::string& path, std::vector<std::string>& files);
 // The content of a file; the fault otherwise.
-std::string readMofFile(const std::string& path, MofContent& content);
+std::string readMofFile(const std::string& path, std::string& text);
 
 // Whether reading it again would give the same. A file that has size and time
 // of change as before is taken for the same, unless it changed so shortly

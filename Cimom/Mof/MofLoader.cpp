@@ -89,6 +89,7 @@ void MofLoader::loadFile(const std::string& path) { loadFiles({path}); }
 void MofLoader::loadFiles(const std::vector<std::string>& paths) {
   Load load(*this);
   load.reader().setMakesRows(true);
+  load.reader().setNotesInputs(_notesInputs);
   for (const std::string& path : paths) load.reader().readPath(path);
   load.store();
   _inputs = load.reader().getInputs();

@@ -44,6 +44,8 @@ class MofLoader {
 
   // Loads from now on are lenient or not, at first they are not.
   void setLenient(bool isLenient) noexcept { _isLenient = isLenient; }
+  // Whether loads from now on note what they read, which takes time; at first they do not.
+  void setNotesInputs(bool notesInputs) noexcept { _notesInputs = notesInputs; }
   // What the last lenient load or reading left out.
   const MofFaults& getFaults() const noexcept { return _faults; }
 
@@ -52,7 +54,7 @@ class MofLoader {
   // The same for several files and folders, as one transaction. THROWS MofException, a lenient load only when one of
   // them cannot be read.
   void loadFiles(const std::vector<std::string>& paths);
-  // What the last loadFile() or loadFiles() read, includes among it.
+  // What the last loadFile() or loadFiles() read, includes among it; empty unless it is noted.
   const std::vector<MofInput>& getInputs() const noexcept { return _inputs; }
   // A text; includes in it are relative to the working folder, or to the folder
   // of the name when that is a path. THROWS MofException.
@@ -70,6 +72,7 @@ class MofLoader {
   CimDeclarationSink& _sink;
   QORString _nameSpace;
   bool _isLenient = false;
+  bool _notesInputs = false;
   std::vector<MofInput> _inputs;
   MofFaults _faults;
 };

@@ -46,7 +46,7 @@ void MofReader::readPath(const std::string& path) {
 void MofReader::readFolder(const std::string& path) {
   std::vector<std::string> files;
   if (const std::string fault = listMofFolder(path, files); !fault.empty()) return fail(path, nullptr, fault);
-  _inputs.push_back(describeMofFolder(path, files));
+  if (_notesInputs) _inputs.push_back(describeMofFolder(path, files));
   _isFolderOpen = true;
   for (const std::string& file : files) readFile(file);
   _isFolderOpen = false;
@@ -104,13 +104,18 @@ void MofReader::readOnce(const std::string& path, MofParser::Context& context, c
   }
   if (isRead(canonical, context)) return;
   _scopeOfFile.emplace(keyOf(canonical, context.nameSpace), context.scope);
-  MofContent content;
-  if (const std::string fault = readMofFile(path, content); !fault.empty()) {
+  const bool isNoted = _notesInputs && !_described.contains(canonical);
+  const QORsint64 modified = isNoted ? changeOfMofFile(path) : 0;
+  std::string text;
+  if (const std::string fault = readMofFile(path, text); !fault.empty()) {
     return fail(path, includer, (includer != nullptr ? "cannot read " + path : "cannot be read") + ": " + fault);
   }
-  if (_described.insert(canonical).second) _inputs.push_back(describeMofFile(path, content));
+  if (isNoted) {
+    _inputs.push_back(describeMofFile(path, text, modified));
+    _described.insert(canonical);
+  }
   _open.push_back(canonical);
-  parseOnce(path, canonical, std::move(content.text), context);
+  parseOnce(path, canonical, std::move(text), context);
   _open.pop_back();
 }
 

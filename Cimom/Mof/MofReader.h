@@ -26,6 +26,8 @@ class MofReader {
 
   // Whether plain instances become rows; at first they do not.
   void setMakesRows(bool makesRows) noexcept { _makesRows = makesRows; }
+  // Whether it is kept what was read; at first it is not.
+  void setNotesInputs(bool notesInputs) noexcept { _notesInputs = notesInputs; }
   // A file, or every .mof in a folder in the order of their names. Where a lenient load cannot read what it was
   // given, it THROWS MofException.
   void readPath(const std::string& path);
@@ -37,7 +39,7 @@ class MofReader {
     QORuint32 into;
     QORuint32 from;
   };
-  // Files and folders that were read, in the order of reading.
+  // Files and folders that were read, in the order of reading, where they are noted.
   const std::vector<MofInput>& getInputs() const noexcept { return _inputs; }
   const std::vector<Import>& getImports() const noexcept { return _imports; }
 
@@ -61,6 +63,7 @@ class MofReader {
   QORString _nameSpace;
   QORuint32 _scopes = 0;
   bool _makesRows = false;
+  bool _notesInputs = false;
   std::unordered_map<std::string, std::string> _folders;    // canonical paths of folders
   std::unordered_map<std::string, QORuint32> _scopeOfFile;  // by canonical path, with or without a namespace
   std::unordered_set<std::string> _described;               // canonical paths of the files among the inputs

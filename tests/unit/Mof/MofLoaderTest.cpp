@@ -4,11 +4,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <thread>
 
+#include "Cimom/Mof/MofInput.h"
 #include "MofFixture.h"
 
 namespace {
@@ -93,6 +95,7 @@ TEST_F(MofLoad, ReadsAnIncludeOnceForEachNamespace) {
             "#pragma namespace (\"interop\")\n#pragma include (\"schema.mof\")\n#pragma include (\"schema.mof\")\n"
             "#pragma namespace (\"root/device\")\n#pragma include (\"part.mof\")\n#pragma include (\"schema.mof\")\n");
   MofLoader loader(_manager.sink());
+  loader.setNotesInputs(true);
   loader.loadFile(main);
   EXPECT_EQ(loader.getInputs().size(), 3U);
   for (const char* const nameSpace : {"interop", "root/device"}) {
@@ -230,6 +233,64 @@ TEST_F(MofLoad, ReadsAPipe) {
   std::jthread writer([&] { std::ofstream(pipe) << text; });
   loadFiles({pipe});
   EXPECT_THAT(_manager.classNames("root/cimv2"), ElementsAre(QORString("Piped")));
+}
+
+// The first piece of a file is read apart from the rest, whose size is asked for.
+TEST_F(MofLoad, ReadsFilesOfAnySizeToTheirEnd) {
+  constexpr std::size_t kPiece = 64U << 10U;
+  for (const std::size_t size : {kPiece - 1, kPiece, kPiece + 1, 2 * kPiece, 5 * kPiece + 7}) {
+    const std::string name = "Of" + std::to_string(size);
+    const std::string end = "class " + name + " { };";
+    const std::string path = write("sized.mof", std::string(size - end.size(), '\n') + end);
+    std::string text = "what was there before";
+    EXPECT_EQ(readMofFile(path, text), "");
+    EXPECT_EQ(text.size(), size);
+    EXPECT_TRUE(text.ends_with("\n" + end));
+    loadFiles({path});
+    EXPECT_FALSE(_manager.sink().findClass("root/cimv2", QORString(name)).IsNull());
+  }
+}
+
+TEST_F(MofLoad, ReadsALongPipeToItsEnd) {
+  const std::string pipe = (_folder / "pipe.mof").string();
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  const std::string written = std::string(200000, ' ') + "class Piped { [Key] string K; };";
+  std::jthread writer([&] { std::ofstream(pipe) << written; });
+  std::string text;
+  EXPECT_EQ(readMofFile(pipe, text), "");
+  EXPECT_TRUE(text == written);
+}
+
+TEST_F(MofLoad, NotesWhatItReadsOnlyWhenAsked) {
+  const std::string path = write("a.mof", "class A { };");
+  const fs::file_time_type changed = fs::last_write_time(path) - std::chrono::nanoseconds(1234567891);
+  fs::last_write_time(path, changed);
+  MofLoader loader(_manager.sink());
+  loader.loadFile(_folder.string());
+  EXPECT_TRUE(loader.getInputs().empty());
+  loader.setNotesInputs(true);
+  loader.loadFile(_folder.string());
+  ASSERT_EQ(loader.getInputs().size(), 2U);
+  EXPECT_TRUE(loader.getInputs()[0].isFolder);
+  EXPECT_EQ(loader.getInputs()[1].path, path);
+  EXPECT_EQ(loader.getInputs()[1].size, 12U);
+  EXPECT_EQ(loader.getInputs()[1].modified, changed.time_since_epoch().count());
+}
+
+TEST_F(MofLoad, TellsWhyAFileDoesNotOpen) {
+  std::string text;
+  EXPECT_EQ(readMofFile((_folder / "gone").string(), text), "there is no such file");
+  EXPECT_EQ(readMofFile(write("a.mof", "") + "/b.mof", text), "there is no such file");
+  EXPECT_EQ(readMofFile(_folder.string(), text), "it is a folder");
+  EXPECT_EQ(readMofFile(std::string(300, 'a'), text), "File name too long");
+  fs::create_symlink("loop", _folder / "loop");
+  EXPECT_EQ(readMofFile((_folder / "loop").string(), text), "Too many levels of symbolic links");
+}
+
+// A file of the system that opens and then refuses to be read from its start.
+TEST_F(MofLoad, TellsOfAFileThatOpensAndCannotBeRead) {
+  std::string text;
+  EXPECT_EQ(readMofFile("/proc/self/mem", text), "reading it fails");
 }
 
 TEST_F(MofLoad, TellsOfIncludeLoops) {
