@@ -128,14 +128,14 @@ TEST(IndicationService, AnObjectManagerInThePlaceOfAnotherKeepsTheSubscriptions)
   EXPECT_THAT(listeners.numbers(kUrl, 2), ElementsAre("0", "1"));
 }
 
-// What is told while it lives.
+// What is told while it lives. A thread that tells something at its end may still do so a little later.
 class HeardLog {
  public:
   explicit HeardLog(EmbeddedObjectManager& manager) : _manager(manager) {
     _manager.setLogSink(
-        [this](const QORString&, const QORString& message, QORuint32) {
-          const std::lock_guard lock(_mutex);
-          _lines.emplace_back(message.view());
+        [heard = _heard](const QORString&, const QORString& message, QORuint32) {
+          const std::lock_guard lock(heard->mutex);
+          heard->lines.emplace_back(message.view());
         },
         QoriTraceLog::kWarning);
   }
@@ -144,15 +144,18 @@ class HeardLog {
   ~HeardLog() { _manager.setLogSink({}, QoriTraceLog::kFatal); }
   // Of lines that have the text.
   std::ptrdiff_t count(const char* text) const {
-    const std::lock_guard lock(_mutex);
-    return std::count_if(_lines.begin(), _lines.end(),
+    const std::lock_guard lock(_heard->mutex);
+    return std::count_if(_heard->lines.begin(), _heard->lines.end(),
                          [&](const std::string& line) { return line.find(text) != std::string::npos; });
   }
 
  private:
+  struct Heard {
+    std::mutex mutex;
+    std::vector<std::string> lines;
+  };
   EmbeddedObjectManager& _manager;
-  mutable std::mutex _mutex;
-  std::vector<std::string> _lines;
+  const std::shared_ptr<Heard> _heard = std::make_shared<Heard>();
 };
 
 TEST(IndicationService, AQueueThatStaysNearlyFullIsToldOfOnce) {
