@@ -27,12 +27,17 @@ class QORQL_ClassTest {
   // The same of many layouts; Null for null. Takes time for each layout that is remembered.
   void look(const IQoriLayout* const* layouts, std::size_t count, QORQL_ViewTruth* truths) const noexcept;
   std::size_t rememberedCount() const noexcept { return _answers.size(); }
+  bool remembersAll(const std::vector<const IQoriLayout*>& layouts) const noexcept;
+  // Puts out the places of those layouts that are of the class, and returns how many there are. REQUIRES that all of
+  // them are remembered or null.
+  std::size_t select(const IQoriLayout* const* layouts, std::size_t count, QORuint32* places) const noexcept;
 
  private:
   struct Answer {
     const IQoriLayout* layout;
     QORQL_ViewTruth truth;
   };
+  void remember(const IQoriLayout& layout, bool isOfIt);
   QORuint64 currentVersion() const { return _repository.IsNull() ? 0 : _repository->getVersion(); }
 
   QORString _nameSpace;
@@ -40,6 +45,7 @@ class QORQL_ClassTest {
   QORSmrPtr<IQoriRepository> _repository;
   QORuint64 _version = 0;  // that the answers hold for
   std::vector<Answer> _answers;
+  std::vector<const IQoriLayout*> _members;  // those of which the answer is that they are of the class
 };
 
 #endif

@@ -36,50 +36,49 @@ class LatestLayouts {
   const void* _earlier;
 };
 
-// Puts an object, which may be null, its cells and its layout into three arrays, of which one place and their distance
-// tell all three: a loop over many objects then has hardly more values than the processor keeps at hand over a call.
+// Puts an object, which may be null, and its cells into two arrays, of which one place and their distance tell both: a
+// loop over many objects then has hardly more values than the processor keeps at hand over a call.
 inline QoriCells lookAt(const IQoriObject* object, std::byte* place, std::size_t distance) noexcept {
   *reinterpret_cast<const IQoriObject**>(place) = object;
   const QoriCells found = object == nullptr ? QoriCells() : object->getCells();
   *reinterpret_cast<const char**>(place + distance) = found.cells;
-  *reinterpret_cast<const IQoriLayout**>(place + 2 * distance) = found.layout;
   return found;
 }
 
 // What the objects of a list add up to.
 struct Seen {
-  bool hasOneLayout;
+  bool hasOneLayout;  // the one that was expected
   bool hasCells;
 };
 
-// Fills the arrays from a list whose objects are expected to have one layout.
-[[gnu::noinline]] Seen fillUniform(const QORValSlist<QORSmrPtr<IQoriObject>>& list, std::byte* place,
-                                   std::size_t distance) noexcept {
-  std::uintptr_t anyLayout = 0;
-  std::uintptr_t everyLayout = ~std::uintptr_t{0};
+// Fills the two arrays from a list whose objects are expected to have one layout.
+[[gnu::noinline]] Seen fillUniform(const QORValSlist<QORSmrPtr<IQoriObject>>& list, const IQoriLayout* layout,
+                                   std::byte* place, std::size_t distance) noexcept {
+  const std::uintptr_t expected = reinterpret_cast<std::uintptr_t>(layout);
+  std::uintptr_t differences = 0;
   std::uintptr_t leastCells = ~std::uintptr_t{0};
   list.forEach([&](const QORSmrPtr<IQoriObject>& pointer) {
     const QoriCells found = lookAt(pointer.Get(), place, distance);
-    anyLayout |= reinterpret_cast<std::uintptr_t>(found.layout);
-    everyLayout &= reinterpret_cast<std::uintptr_t>(found.layout);
+    differences |= reinterpret_cast<std::uintptr_t>(found.layout) ^ expected;
     leastCells = std::min(leastCells, reinterpret_cast<std::uintptr_t>(found.cells));
     place += sizeof(void*);
   });
-  return {everyLayout != 0 && anyLayout == everyLayout, leastCells != 0};
+  return {differences == 0, leastCells != 0};
 }
 
-// Whether the first few objects have one layout: where those of a class and of its subclasses mix, they rarely do.
-bool beginsUniform(const QORValSlist<QORSmrPtr<IQoriObject>>& list) {
-  constexpr int kFew = 16;
-  const IQoriLayout* first = nullptr;
-  QORValSlistIterator<QORSmrPtr<IQoriObject>> iterator(list);
-  for (int i = 0; i < kFew && ++iterator; ++i) {
-    const IQoriObject* const object = iterator.key().Get();
-    const IQoriLayout* const layout = object == nullptr ? nullptr : object->getLayout();
-    if (layout == nullptr || (first != nullptr && layout != first)) return false;
-    first = layout;
-  }
-  return first != nullptr;
+// The same with a third array, of the layouts, where two of them are expected: those of a class and of its subclass.
+// Tells whether there are no others, and all have cells; one value adds up both, for want of more at hand.
+[[gnu::noinline]] bool fillMixed(const QORValSlist<QORSmrPtr<IQoriObject>>& list, const IQoriLayout* one,
+                                 const IQoriLayout* other, std::byte* place, std::size_t distance) noexcept {
+  std::uintptr_t least = ~std::uintptr_t{0};
+  list.forEach([&](const QORSmrPtr<IQoriObject>& pointer) {
+    const QoriCells found = lookAt(pointer.Get(), place, distance);
+    *reinterpret_cast<const IQoriLayout**>(place + 2 * distance) = found.layout;
+    const int isExpected = static_cast<int>(found.layout == one) | static_cast<int>(found.layout == other);
+    least = std::min(least, reinterpret_cast<std::uintptr_t>(found.cells) & -static_cast<std::uintptr_t>(isExpected));
+    place += sizeof(void*);
+  });
+  return least != 0;
 }
 
 }  // namespace
@@ -88,41 +87,56 @@ QORQL_Extent::QORQL_Extent(const ObjectList& list) : _list(list), _cursor(std::i
   size() > kSmall ? lookAtObjects() : makeArrays();
 }
 
+void QORQL_Extent::noteSomeObjects() {
+  constexpr int kFew = 16;
+  const auto note = [this](const IQoriObject* object) {
+    noteObject(object, object == nullptr ? nullptr : object->getLayout());
+  };
+  Cursor cursor(*_list.Get());
+  for (int i = 0; i < kFew && ++cursor; ++i) note(cursor.key().Get());
+  if (size() > kFew) note(_list->last().Get());
+}
+
+// The first few objects and the last one tell which layouts are to be expected: those of a class and of its subclasses
+// mix, or stand one class after the other. Only where there are others is every object's looked at.
 void QORQL_Extent::makeArrays() {
+  noteSomeObjects();
+  if (hasOneLayout() && fillTwoArrays()) return;
   const std::size_t distance = size() * sizeof(void*);
   _memory = std::make_unique_for_overwrite<std::byte[]>(3 * distance);
+  setArrays(distance);
+  _layoutsOfObjects = reinterpret_cast<const IQoriLayout* const*>(_memory.get() + 2 * distance);
+  const IQoriLayout* const one = _layouts.empty() ? nullptr : _layouts.front();
+  const IQoriLayout* const other = _layouts.size() < 2 ? one : _layouts[1];
+  const bool isTold = fillMixed(*_list.Get(), one, other, _memory.get(), distance) && one != nullptr;
+  if (!isTold) noteArrays();
+}
+
+// Where all objects have one layout, that need not be kept for each.
+bool QORQL_Extent::fillTwoArrays() {
+  const std::size_t distance = size() * sizeof(void*);
+  _memory = std::make_unique_for_overwrite<std::byte[]>(2 * distance);
+  setArrays(distance);
+  const Seen seen = fillUniform(*_list.Get(), _layouts.front(), _memory.get(), distance);
+  _hasCells = seen.hasCells;
+  return seen.hasOneLayout;
+}
+
+void QORQL_Extent::setArrays(std::size_t distance) noexcept {
   _objects = reinterpret_cast<const IQoriObject* const*>(_memory.get());
   _cells = reinterpret_cast<const char* const*>(_memory.get() + distance);
-  _layoutsOfObjects = reinterpret_cast<const IQoriLayout* const*>(_memory.get() + 2 * distance);
-  if (!beginsUniform(*_list.Get())) return fillArrays(_memory.get(), distance);
-  const Seen seen = fillUniform(*_list.Get(), _memory.get(), distance);
-  _hasCells = seen.hasCells;
-  seen.hasOneLayout ? noteLayout(_layoutsOfObjects[0]) : noteArrays();
 }
 
 void QORQL_Extent::noteArrays() {
-  LatestLayouts latest(this);
   const std::size_t count = size();
+  _layouts.clear();
+  _hasCells = std::find(_cells, _cells + count, nullptr) == _cells + count;
+  LatestLayouts latest(this);
   for (std::size_t i = 0; i < count; ++i) {
     if (latest.has(_layoutsOfObjects[i])) continue;
     noteObject(_objects[i], _layoutsOfObjects[i]);
     latest.add(_layoutsOfObjects[i]);
   }
-}
-
-void QORQL_Extent::fillArrays(std::byte* place, std::size_t distance) {
-  LatestLayouts latest(this);
-  std::uintptr_t leastCells = ~std::uintptr_t{0};
-  _list->forEach([&](const QORSmrPtr<IQoriObject>& pointer) {
-    const QoriCells found = lookAt(pointer.Get(), place, distance);
-    leastCells = std::min(leastCells, reinterpret_cast<std::uintptr_t>(found.cells));
-    place += sizeof(void*);
-    if (latest.has(found.layout)) [[likely]]
-      return;
-    noteObject(pointer.Get(), found.layout);
-    latest.add(found.layout);
-  });
-  _hasCells = leastCells != 0;
 }
 
 void QORQL_Extent::lookAtObjects() {
@@ -236,6 +250,10 @@ const char* const* QORQL_Extent::cellsOfRun(QORuint32 first, std::size_t count, 
 const IQoriLayout* const* QORQL_Extent::layoutsOfRun(QORuint32 first, std::size_t count,
                                                      const IQoriLayout** buffer) const {
   if (_layoutsOfObjects != nullptr) return _layoutsOfObjects + first;
+  if (hasOneLayout()) {
+    std::fill_n(buffer, count, _layouts.front());
+    return buffer;
+  }
   const IQoriLayout** place = buffer;
   forRun(first, count, [&place](const IQoriObject& object) { *place++ = object.getLayout(); });
   return buffer;

@@ -50,6 +50,7 @@ class QORQL_Extent {
   const IQoriLayout* const* layoutsOfRun(QORuint32 first, std::size_t count, const IQoriLayout** buffer) const;
   // The layout of an object. REQUIRES as above.
   const IQoriLayout* layout(QORuint32 index) const {
+    if (hasOneLayout()) return _layouts.front();
     return _layoutsOfObjects == nullptr ? object(index)->getLayout() : _layoutsOfObjects[index];
   }
   // The list's own pointer to an object.
@@ -62,10 +63,12 @@ class QORQL_Extent {
   bool hasCells() const noexcept { return _hasCells; }
 
  private:
-  // Makes the arrays and notes what the objects tell: in one loop, or where they seem to have one layout, in a faster
-  // one, after which that is looked at.
+  // Makes the arrays and notes what the objects tell.
   void makeArrays();
-  void fillArrays(std::byte* place, std::size_t distance);
+  // Makes only those that objects of one layout need; false when they are not of one.
+  bool fillTwoArrays();
+  void setArrays(std::size_t distance) noexcept;
+  void noteSomeObjects();
   void noteArrays();
   // Notes what the objects tell, without arrays.
   void lookAtObjects();
@@ -75,6 +78,8 @@ class QORQL_Extent {
   template <class Take>
   void forRun(QORuint32 first, std::size_t count, const Take& take) const;
   void noteLayout(const IQoriLayout* layout);
+  // REQUIRES no null objects.
+  bool hasOneLayout() const noexcept { return _layouts.size() == 1 && hasLayouts(); }
   void makeObjects() const;
   const IQoriObject* objectInList(QORuint32 index) const;
   // Puts the cursor before the object at `first`; false when the array would be faster.
@@ -107,7 +112,7 @@ class QORQL_Extent {
   mutable const IQoriObject* const* _objects = nullptr;  // null where there are many, until somebody needs it
   // Of the objects; null where there are many.
   const char* const* _cells = nullptr;
-  const IQoriLayout* const* _layoutsOfObjects = nullptr;
+  const IQoriLayout* const* _layoutsOfObjects = nullptr;  // null also where all have one
   mutable std::vector<const QORSmrPtr<IQoriObject>*> _pointers;
 };
 

@@ -4,6 +4,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/QORQL/Lazy/QORQL_RowTruth.h"
 
+#include <algorithm>
 #include <array>
 
 #include "Cimom/QORQL/Lazy/QORQL_ClassTest.h"
@@ -190,6 +191,22 @@ class IsaTruth final : public QORQL_RowTruth {
     _test.beginRun();
     look(0, count, truths);
     return true;
+  }
+  // Once all layouts of the column's objects have been asked about.
+  std::optional<std::size_t> selectRun(const QORQL_RowBlock& block, QORuint64 first, std::size_t count,
+                                       QORuint32* out) override {
+    if (!_extent.hasLayouts()) return std::nullopt;
+    _test.beginRun();
+    if (!_test.remembersAll(_extent.layouts())) return std::nullopt;
+    std::size_t selected = 0;
+    for (std::size_t done = 0; done < count; done += _buffer.size()) {
+      const std::size_t run = std::min(_buffer.size(), count - done);
+      const auto* const layouts = block.fetchLayouts(_extent, _column, first + done, run, _buffer.data());
+      const std::size_t found = _test.select(layouts, run, out + selected);
+      for (std::size_t i = selected; i < selected + found; ++i) out[i] = block.index(first + done + out[i], 0);
+      selected += found;
+    }
+    return selected;
   }
   void learn(std::size_t next, std::size_t count, QORQL_RunTruths& truths) override {
     if (_layouts != nullptr && _test.rememberedCount() != _known) look(next, count, truths);

@@ -106,8 +106,7 @@ std::optional<std::size_t> selectDense(const Compare& compare, const CellRelatio
 template <QoriScalarKind kKind, class Compare, class Rows>
 std::optional<std::size_t> selectWithNulls(const Compare& compare, const CellRelation& asked, const Rows& rows,
                                            QORuint64 first, QORuint64 end, QORuint32* out) noexcept {
-  constexpr unsigned kOthers =
-      ~(1U << static_cast<unsigned>(QoriScalarKind::Null) | 1U << static_cast<unsigned>(kKind));
+  static_assert(static_cast<unsigned>(QoriScalarKind::Null) == 0);
   const char* const* const cells = asked.cells;
   const QORuint32 offset = asked.offset;
   const auto number = integerOf<kKind>(asked.literal);
@@ -117,12 +116,12 @@ std::optional<std::size_t> selectWithNulls(const Compare& compare, const CellRel
     const QORuint32 index = rows[row];
     if (!Rows::hasObject(index)) continue;
     const QoriScalar& cell = QoriCells::at(cells[index], offset);
-    others |= kOthers >> static_cast<unsigned>(cell.kind);
+    const bool isInteger = cell.kind == kKind;
+    others |= isInteger ? 0U : static_cast<unsigned>(cell.kind);
     out[selected] = index;
-    selected +=
-        static_cast<unsigned>(cell.kind == kKind) & static_cast<unsigned>(compare(integerOf<kKind>(cell), number));
+    selected += static_cast<unsigned>(isInteger) & static_cast<unsigned>(compare(integerOf<kKind>(cell), number));
   }
-  if ((others & 1U) != 0) return std::nullopt;
+  if (others != 0) return std::nullopt;
   return selected;
 }
 

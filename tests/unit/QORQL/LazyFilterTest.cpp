@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <vector>
 
 #include "Cimom/Mof/MofLoader.h"
 #include "Cimom/QORQL/Lazy/QORQL_ClassTest.h"
@@ -114,6 +115,48 @@ TEST_F(LazyFilter, TheClassesOfManyObjectsAreLookedUpByLayout) {
             (std::array<Truth, 5>{Truth::Undecided, Truth::False, Truth::Null, Truth::Undecided, Truth::False}));
   EXPECT_EQ(test.test(*extent.object(0)), QoriTruth::True);
   EXPECT_EQ(look(), (std::array<Truth, 5>{Truth::True, Truth::False, Truth::Null, Truth::True, Truth::False}));
+}
+
+// Two of four classes are of it; all of them are known after the first rows, and in the second condition at once.
+TEST(LazyFilterOfFourClasses, RowsBeyondTheFirstRunsAreToldByWhatIsKnown) {
+  std::string mof = "class P { [key] uint32 k; }; class A : P { }; class B : A { uint8 b; }; class C : P { };";
+  const std::array<const char*, 5> classes{"P", "A", "B", "C", "P"};
+  for (int i = 0; i < 1000; ++i)
+    mof += std::string("instance of ") + classes.at(i % 5) + " { k = " + std::to_string(i) + "; };\n";
+  QueryWorld four(mof);
+  Strings expected;
+  for (int i = 0; i < 1000; ++i) {
+    if (i % 5 == 1 || i % 5 == 2) expected.push_back(std::to_string(i));
+  }
+  EXPECT_EQ(four.rows("SELECT k FROM P WHERE P ISA A"), expected);
+  EXPECT_EQ(four.rows("SELECT k FROM P WHERE k >= 0 AND P ISA A"), expected);
+  EXPECT_EQ(four.rows("SELECT k FROM P WHERE NOT P ISA A").size(), 600U);
+  EXPECT_EQ(four.rows("SELECT k FROM P WHERE P ISA A AND NOT P ISA B").size(), 200U);
+  EXPECT_EQ(four.rows("SELECT k FROM P WHERE P ISA A AND P ISA C").size(), 0U);
+  EXPECT_EQ(four.rows("SELECT k FROM A WHERE A ISA P AND A ISA B").size(), 200U);
+}
+
+TEST_F(LazyFilter, MembersAreSelectedOnceAllLayoutsAreKnown) {
+  FetchedStatement fetched("SELECT k FROM M");
+  const QORQL_Extent& extent = fetched.rows().extent(0);
+  const IQoriLayout* const sub = extent.layout(0);
+  const IQoriLayout* const plain = extent.layout(1);
+  const std::array<const IQoriLayout*, 5> layouts{sub, plain, nullptr, sub, plain};
+  const auto selected = [&](const char* className, bool knowsPlain) {
+    QORQL_ClassTest test("root/cimv2", className);
+    test.test(*extent.object(0));
+    EXPECT_FALSE(test.remembersAll(extent.layouts()));
+    if (!knowsPlain) return std::vector<QORuint32>();
+    test.test(*extent.object(1));
+    EXPECT_TRUE(test.remembersAll(extent.layouts()));
+    std::array<QORuint32, 5> places{};
+    const std::size_t count = test.select(layouts.data(), layouts.size(), places.data());
+    return std::vector<QORuint32>(places.begin(), places.begin() + static_cast<std::ptrdiff_t>(count));
+  };
+  EXPECT_TRUE(selected("Sub", false).empty());
+  EXPECT_EQ(selected("Sub", true), (std::vector<QORuint32>{0, 3}));
+  EXPECT_EQ(selected("M", true), (std::vector<QORuint32>{0, 1, 3, 4}));
+  EXPECT_EQ(selected("Z", true), (std::vector<QORuint32>{}));
 }
 
 TEST_F(LazyFilter, ObjectsOfSeveralClassesInOneColumn) {

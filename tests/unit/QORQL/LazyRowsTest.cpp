@@ -2,8 +2,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <memory>
+#include <vector>
 
 #include "Cimom/QORQL/Lazy/QORQL_LazyRows.h"
 #include "QueryWorld.h"
@@ -122,6 +124,68 @@ TEST(Extent, TellsWhatOneObjectOfAListIs) {
     const auto without = extentWith(plain, place);
     EXPECT_TRUE(!without->hasNull() && !without->hasCells() && !without->hasLayouts()) << place;
     EXPECT_TRUE(extentWith({}, place)->hasNull()) << place;
+  }
+}
+
+// One layout is told for all objects without a record of each.
+TEST(Extent, OneLayoutIsThatOfAllObjects) {
+  QueryWorld world(kClass + std::string("instance of Z { k = 1; };"));
+  CIMApi client;
+  const auto one = client.enumerateInstances("root/cimv2", "Z", {}, -1, nullptr, nullptr, nullptr, {})->first();
+  for (const QORuint32 count : {1U, 16U, 17U, 100U, 140000U}) {
+    const QORQL_Extent::ObjectList list(new QORValSlist<QORSmrPtr<IQoriObject>>);
+    for (QORuint32 i = 0; i < count; ++i) list->append(one);
+    const QORQL_Extent extent(list);
+    ASSERT_EQ(extent.layouts(), std::vector<const IQoriLayout*>{one->getLayout()}) << count;
+    EXPECT_TRUE(extent.hasLayouts() && extent.hasCells() && !extent.hasNull()) << count;
+    EXPECT_EQ(extent.layout(count - 1), one->getLayout()) << count;
+    std::array<const IQoriLayout*, 64> buffer{};
+    const std::size_t some = std::min<std::size_t>(count, 64);
+    const IQoriLayout* const* const layouts = extent.layoutsOfRun(0, some, buffer.data());
+    EXPECT_TRUE(std::all_of(layouts, layouts + some, [&](const auto* each) { return each == one->getLayout(); }));
+  }
+}
+
+// Objects of a class, of two subclasses, without a layout and none at all, whichever the first few or the last are.
+TEST(Extent, TellsTheLayoutsOfMixedObjectsInOrder) {
+  QueryWorld world(kClass + std::string("class Y : Z { }; class X : Z { uint8 x; }; instance of Z { k = 1; };"
+                                        "instance of Y { k = 2; }; instance of X { k = 3; };"));
+  CIMApi client;
+  const CIMApi::Instances three = client.enumerateInstances("root/cimv2", "Z", {}, -1, nullptr, nullptr, nullptr, {});
+  const QORSmrPtr<IQoriObject> plain(new CQoriBaseObject(
+      "root", "Z", "k", QORSmrPtr<CQoriBaseObject::PropertyList>(new CQoriBaseObject::PropertyList)));
+  const std::vector<QORSmrPtr<IQoriObject>> kinds{three->at(0), three->at(1), three->at(2), plain, {}};
+  // Where each kind begins; the one before goes on until there.
+  const auto expectOrder = [&](const std::vector<std::size_t>& order, QORuint32 begin) {
+    const QORQL_Extent::ObjectList list(new QORValSlist<QORSmrPtr<IQoriObject>>);
+    std::vector<const IQoriLayout*> expected;
+    for (QORuint32 i = 0; i < 3 * begin; ++i) {
+      const QORSmrPtr<IQoriObject>& object = kinds[order[std::min<std::size_t>(i / begin, order.size() - 1)]];
+      list->append(object);
+      const IQoriLayout* const layout = object.IsNull() ? nullptr : object->getLayout();
+      if (std::find(expected.begin(), expected.end(), layout) == expected.end()) expected.push_back(layout);
+    }
+    const bool hasLayouts = std::find(expected.begin(), expected.end(), nullptr) == expected.end();
+    const bool hasNull = std::find(order.begin(), order.end(), 4U) != order.end();
+    const QORQL_Extent extent(list);
+    EXPECT_EQ(extent.hasLayouts(), hasLayouts);
+    EXPECT_EQ(extent.hasCells(), hasLayouts);
+    EXPECT_EQ(extent.hasNull(), hasNull);
+    EXPECT_EQ(hasLayouts ? extent.layouts() : expected, expected);
+    for (QORuint32 i = 0; hasLayouts && i < extent.size(); ++i) {
+      ASSERT_EQ(extent.layout(i), extent.object(i)->getLayout()) << i;
+    }
+  };
+  for (std::size_t a = 0; a < kinds.size(); ++a) {
+    for (std::size_t b = 0; b < kinds.size(); ++b) {
+      for (std::size_t c = 0; c < kinds.size(); ++c) {
+        for (const QORuint32 begin : {1U, 6U, 20U, 45000U}) {
+          if (begin > 20 && (a != 0 || b == 4)) continue;
+          SCOPED_TRACE(std::to_string(a) + std::to_string(b) + std::to_string(c) + " " + std::to_string(begin));
+          expectOrder({a, b, c}, begin);
+        }
+      }
+    }
   }
 }
 
