@@ -30,11 +30,12 @@ class QORQL_SortKeys {
   enum class Family : QORuint8 { None, Numbers, Texts, Timestamps, Intervals };
 
   bool addDateTime(const QORString& text);
-  // Add those keys at the front that are integers of one signedness; return how many. REQUIRES a key, and for the
-  // second that numbers join.
+  // Add those keys at the front that are integers of one signedness, or complete timestamps; return how many. REQUIRE
+  // a key, and for the others than the first that those join.
   std::size_t addFront(const QoriScalar* keys, std::size_t count);
   template <QoriScalarKind kKind>
   std::size_t addIntegers(const QoriScalar* keys, std::size_t count);
+  std::size_t addTimestamps(const QoriScalar* keys, std::size_t count);
   // Notes what the next key is; false when it goes not together with those before.
   bool joins(Family family) noexcept;
   void sortNumbers(bool isAscending);

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <string>
 #include <utility>
 
@@ -27,6 +28,47 @@ TEST(QoriDateTime, TimestampsCountFrom1970InUtc) {
   EXPECT_EQ(microseconds("19991231235960.000000+000"), 10957 * kDay);
   EXPECT_EQ(microseconds("00010101000000.000000+000"), -719162 * kDay);
   EXPECT_EQ(microseconds("99991231000000.000000+999"), 2932896 * kDay - 999 * 60 * kSecond);
+}
+
+// As the calendar of the standard library has it.
+TEST(QoriDateTime, EveryDayOfTheCalendarAndNoOther) {
+  std::string text = "00000101000000.000000+000";
+  const auto put = [&text](std::size_t at, int value, std::size_t width) {
+    for (std::size_t i = width; i-- != 0; value /= 10) text[at + i] = static_cast<char>('0' + value % 10);
+  };
+  for (int year = 0; year <= 9999; year += year % 100 > 4 && year % 100 < 94 ? 7 : 1) {
+    put(0, year, 4);
+    for (int month = 0; month <= 13; ++month) {
+      put(4, month, 2);
+      for (int day = 0; day <= 32; ++day) {
+        put(6, day, 2);
+        const std::chrono::year_month_day date{std::chrono::year(year),
+                                               std::chrono::month(static_cast<unsigned>(month)),
+                                               std::chrono::day(static_cast<unsigned>(day))};
+        const QoriDateTime read = qori::readDateTime(text);
+        ASSERT_EQ(read.complete, date.ok()) << text;
+        if (!read.complete) continue;
+        ASSERT_EQ(read.microseconds, std::chrono::sys_days(date).time_since_epoch().count() * kDay) << text;
+      }
+    }
+  }
+}
+
+// Whatever else stands where a digit is wanted.
+TEST(QoriDateTime, NoOtherCharacterIsADigit) {
+  for (const std::size_t place : {0, 1, 5, 7, 8, 10, 13, 15, 20, 22, 24}) {
+    for (int byte = 0; byte < 256; ++byte) {
+      std::string text = "20000101000000.000000+000";
+      text[place] = static_cast<char>(byte);
+      const QoriDateTime read = qori::readDateTime(text);
+      const bool isDigit = byte >= '0' && byte <= '9';
+      if (!isDigit) {
+        ASSERT_FALSE(read.complete) << place << " " << byte;
+      } else if (byte == '1') {
+        ASSERT_TRUE(read.wellFormed) << place;
+      }
+    }
+  }
 }
 
 // Every digit of every field counts, whatever stands beside it.

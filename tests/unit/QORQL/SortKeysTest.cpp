@@ -210,6 +210,12 @@ TEST(SortKeys, DatetimesByTheirMoment) {
   }
 }
 
+// Whether a run of timestamps goes with another key before it.
+bool begunWith(const QoriScalar& other, const std::array<QoriScalar, 3>& run) {
+  QORQL_SortKeys keys;
+  return keys.add(&other, 1) && keys.add(run.data(), 1);
+}
+
 TEST(SortKeys, DatetimesThatAreComparedAsTextsAreLeftToOthers) {
   const QORString timestamp("20240131110000.000000+000");
   const QORString interval("00000009000000.000000:000");
@@ -220,6 +226,15 @@ TEST(SortKeys, DatetimesThatAreComparedAsTextsAreLeftToOthers) {
     EXPECT_FALSE(keys.add(dateTimeView(*other), {}));
     EXPECT_FALSE(keys.add(textView(timestamp), {}));
     EXPECT_FALSE(keys.add(number(1ULL), {}));
+  }
+  for (const QoriScalar& other :
+       {dateTimeView(interval), dateTimeView(incomplete), textView(timestamp), number(1ULL), QoriScalar()}) {
+    const std::array<QoriScalar, 3> run{dateTimeView(timestamp), other, dateTimeView(timestamp)};
+    EXPECT_FALSE(QORQL_SortKeys().add(run.data(), 3));
+    QORQL_SortKeys begun;
+    EXPECT_TRUE(begun.add(run.data(), 1));
+    EXPECT_FALSE(begun.add(run.data() + 1, 2));
+    if (begunWith(other, run)) ADD_FAILURE() << "timestamps joined other keys";
   }
 }
 
