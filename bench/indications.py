@@ -77,6 +77,7 @@ class Process:
             found = LISTENING.search(text.decode())
         if found is None:
             self.process.kill()
+            text += os.pread(self.errors.fileno(), 4096, 0)
             sys.exit(f"indications.py: it does not start: {text.decode()}")
         self.port = int(found.group(1))
 
