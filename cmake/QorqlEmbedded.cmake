@@ -34,8 +34,7 @@ add_custom_command(OUTPUT ${QORQL_GENERATED}/LinuxSchema.cpp
                            -DOUTPUT=${QORQL_GENERATED}/LinuxSchema.cpp -P ${CMAKE_CURRENT_LIST_DIR}/QorqlSchema.cmake
                    DEPENDS ${QORQL_SCHEMA} ${CMAKE_CURRENT_LIST_DIR}/QorqlSchema.cmake VERBATIM)
 
-file(GLOB QORQL_EMBEDDED_SOURCES CONFIGURE_DEPENDS Cimom/Embedded/*.cpp Cimom/Mof/*.cpp Cimom/Providers/*.cpp
-     Cimom/CimXml/*.cpp Cimom/Remote/*.cpp)
+file(GLOB QORQL_EMBEDDED_SOURCES CONFIGURE_DEPENDS Cimom/Embedded/*.cpp Cimom/Mof/*.cpp Cimom/Providers/*.cpp)
 add_library(embedded SHARED ${QORQL_EMBEDDED_SOURCES} ${QORQL_GENERATED}/MofCacheFormat_generated.h
                             ${QORQL_GENERATED}/LinuxSchema.cpp)
 # Whoever links it finds it beside the object model.
@@ -43,16 +42,16 @@ set_target_properties(embedded PROPERTIES OUTPUT_NAME qorqlembedded INSTALL_RPAT
 target_include_directories(embedded SYSTEM PRIVATE ${QORQL_GENERATED})
 target_link_libraries(embedded PUBLIC qorql_model
                                PRIVATE PkgConfig::INIH PkgConfig::PROC2 PkgConfig::MOUNT PkgConfig::UDEV PkgConfig::SYSTEMD
-                                       PkgConfig::XXHASH PkgConfig::EXPAT ${CMAKE_DL_LIBS})
+                                       PkgConfig::XXHASH ${CMAKE_DL_LIBS})
 qorql_library(embedded embedded)
-foreach(room Embedded Mof Providers CimXml Remote)
+foreach(room Embedded Mof Providers)
   set(sources ${QORQL_EMBEDDED_SOURCES})
   list(FILTER sources INCLUDE REGEX "/Cimom/${room}/")
   qorql_compile_together(embedded embedded_${room} 32 ${sources})
 endforeach()
 
-# What reads the lists of packages, and what speaks HTTP with servers, is loaded when it is asked for: its libraries
-# would slow down every start.
+# What reads the lists of packages, and what asks servers, is loaded when it is asked for: its libraries would slow down
+# every start.
 function(qorql_loaded_library target name source library)
   add_library(${target} MODULE ${source})
   set_target_properties(${target} PROPERTIES PREFIX lib OUTPUT_NAME ${name}
@@ -60,15 +59,34 @@ function(qorql_loaded_library target name source library)
   target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR})
   target_link_libraries(${target} PRIVATE ${library})
   qorql_target_options(${target})
-  add_dependencies(embedded ${target})
 endfunction()
 qorql_loaded_library(qorql_apt qorqlapt Cimom/Providers/Apt/AptPackages.cpp PkgConfig::APT)
-qorql_loaded_library(qorql_http qorqlhttp Cimom/Remote/Http/HttpTransport.cpp PkgConfig::CURL)
-set(QORQL_LOADED_LIBRARIES qorql_apt qorql_http)
+add_dependencies(embedded qorql_apt)
+set(QORQL_LOADED_LIBRARIES qorql_apt)
 if(TARGET PkgConfig::RPM)
   qorql_loaded_library(qorql_rpm qorqlrpm Cimom/Providers/Rpm/RpmPackages.cpp PkgConfig::RPM)
+  add_dependencies(embedded qorql_rpm)
   list(APPEND QORQL_LOADED_LIBRARIES qorql_rpm)
 endif()
+
+# CIM-XML, and what asks servers with it. It is a part of the library that is loaded when a server is asked, of the one
+# that serves, and of the tests.
+file(GLOB QORQL_CIMXML_SOURCES CONFIGURE_DEPENDS Cimom/CimXml/*.cpp)
+file(GLOB QORQL_REMOTE_SOURCES CONFIGURE_DEPENDS Cimom/Remote/*.cpp)
+add_library(qorql_remote_parts STATIC ${QORQL_CIMXML_SOURCES} ${QORQL_REMOTE_SOURCES})
+set_target_properties(qorql_remote_parts PROPERTIES EXCLUDE_FROM_ALL TRUE)
+target_include_directories(qorql_remote_parts PUBLIC ${PROJECT_SOURCE_DIR})
+target_link_libraries(qorql_remote_parts PUBLIC embedded PRIVATE PkgConfig::EXPAT ${CMAKE_DL_LIBS})
+qorql_library_options(qorql_remote_parts)
+qorql_product_headers(qorql_remote_parts)
+qorql_compile_together(qorql_remote_parts cimxml 32 ${QORQL_CIMXML_SOURCES})
+qorql_compile_together(qorql_remote_parts remote 32 ${QORQL_REMOTE_SOURCES})
+
+qorql_loaded_library(qorql_http qorqlhttp Cimom/Remote/Http/HttpTransport.cpp PkgConfig::CURL)
+qorql_loaded_library(qorql_remote qorqlremote Cimom/Remote/Module/RemoteModule.cpp qorql_remote_parts)
+set_target_properties(qorql_remote PROPERTIES INSTALL_RPATH "$ORIGIN/..")
+add_dependencies(qorql_remote qorql_http)
+list(APPEND QORQL_LOADED_LIBRARIES qorql_http qorql_remote)
 
 # What a server answers with. It is a part of the library that is loaded when a server or a listener is started, and of
 # the tests.
@@ -76,7 +94,7 @@ file(GLOB QORQL_SERVER_SOURCES CONFIGURE_DEPENDS Cimom/Server/*.cpp)
 add_library(qorql_server_parts STATIC ${QORQL_SERVER_SOURCES})
 set_target_properties(qorql_server_parts PROPERTIES POSITION_INDEPENDENT_CODE ON EXCLUDE_FROM_ALL TRUE)
 target_include_directories(qorql_server_parts PUBLIC ${PROJECT_SOURCE_DIR})
-target_link_libraries(qorql_server_parts PUBLIC qorql embedded
+target_link_libraries(qorql_server_parts PUBLIC qorql qorql_remote_parts
                                      PRIVATE PkgConfig::MICROHTTPD PkgConfig::GNUTLS PkgConfig::ZLIB PkgConfig::CRYPT
                                                  PkgConfig::SQLITE PkgConfig::SYSTEMD)
 qorql_target_options(qorql_server_parts)

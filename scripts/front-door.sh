@@ -72,8 +72,8 @@ lock_folder() {
   flock 9 || fail "the folder $1 cannot be locked"
 }
 
-# Configures and builds a preset, or of it the targets in $build_targets, unless nothing
-# changed: build_preset PRESET SOURCE...
+# Configures and builds a preset, or of it the targets in $build_targets, unless nothing changed. It is called
+# $build_name, and is said to take $build_time, where they are set: build_preset PRESET SOURCE...
 build_preset() {
   local preset=$1 folder="$root/build/$1" log="$root/build/$1.log" launcher=() targets=()
   # shellcheck disable=SC2206
@@ -89,7 +89,7 @@ build_preset() {
     # What the sources get from precompiled headers is not compared word by word: the headers' own contents are.
     export CCACHE_BASEDIR="$root" CCACHE_NOHASHDIR=1 CCACHE_SLOPPINESS=pch_defines,time_macros
   fi
-  say "building the $preset preset, a few minutes at first (log in build/$preset.log)"
+  say "building ${build_name:-the $preset preset}, ${build_time:-a few minutes} at first (log in build/$preset.log)"
   touch "$folder/.started"
   if ! (cd "$root" && cmake --preset "$preset" "${launcher[@]}" && cmake --build "build/$preset" -j "$(nproc)" "${targets[@]}") \
     >"$log" 2>&1 9>&-; then
@@ -119,19 +119,46 @@ run_tests() {
 # What the tool and its libraries are built from.
 tool_sources=(CMakeLists.txt CMakePresets.json cmake include Cimom tools packages.txt)
 
-# Builds what the tool needs for these arguments, and sets `tool` to its path: the library that serves is built when a
-# word asks for it. The tests build all of it, compiled alike: theirs will do. build_tool [ARGUMENT]...
-build_tool() {
-  local preset=release part=qorql_tool word
+# What the tool needs for these arguments, as targets of the build: a library that it loads is built when a word asks
+# for it. Nothing stands for all of it. needed_targets [ARGUMENT]...
+needed_targets() {
+  local word targets=qorql_tool
   for word; do
-    case $word in serve | listen | passwd) part='' ;; esac
+    case $word in
+      serve | listen | passwd) return ;;
+      --server | --server=* | --servers | --servers=*) targets='qorql_tool qorql_remote' ;;
+    esac
   done
-  if is_fresh "$root/build/release/.built" "${tool_sources[@]}"; then
-    part=''
-  elif is_fresh "$root/build/test/.built" "${tool_sources[@]}" &&
-    ! is_fresh "$root/build/release/.built${part:+.$part}" "${tool_sources[@]}"; then
-    preset=test
+  printf '%s\n' "$targets"
+}
+
+# True when these targets of a release build are there, by themselves or with others. is_built [TARGET]...
+is_built() {
+  local stamp="$root/build/release/.built"
+  is_fresh "$stamp" "${tool_sources[@]}" && return 0
+  case "$*" in
+    qorql_tool) is_fresh "$stamp.qorql_tool" "${tool_sources[@]}" || is_built qorql_tool qorql_remote ;;
+    'qorql_tool qorql_remote') is_fresh "$stamp.qorql_tool.qorql_remote" "${tool_sources[@]}" ;;
+    *) false ;;
+  esac
+}
+
+# Builds what the tool needs for these arguments, and sets `tool` to its path. The tests build all of it, compiled alike:
+# theirs will do. build_tool [ARGUMENT]...
+build_tool() {
+  local preset=release targets name='' time=''
+  targets=$(needed_targets "$@")
+  # shellcheck disable=SC2086
+  if ! is_built $targets; then
+    if is_fresh "$root/build/test/.built" "${tool_sources[@]}"; then
+      preset=test
+    else
+      if is_built qorql_tool; then
+        name='what serves' time='a minute or two'
+        [ -z "$targets" ] || name='what asks servers' time='half a minute'
+      fi
+      build_name=$name build_time=$time build_targets=$targets build_preset release "${tool_sources[@]}"
+    fi
   fi
-  [ "$preset" = test ] || build_targets=$part build_preset release "${tool_sources[@]}"
   tool=$root/build/$preset/tools/qorql/qorql
 }

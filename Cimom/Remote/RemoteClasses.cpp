@@ -9,8 +9,6 @@
 #include "cimom/CQoriProviderException.h"
 #include "cimom/CQoriType.h"
 
-const char* const RemoteClasses::kServerProperty = "__SERVER";
-
 namespace {
 
 constexpr QORuint32 kCimFailed = 1;
@@ -104,10 +102,10 @@ void RemoteClasses::addServerProperty(CimDeclarationSink& sink, const QORString&
                                       CimClassDeclaration& declaration) const {
   CimPropertyDeclaration property;
   const bool isInherited = !declaration.superClass.isEmpty() &&
-                           sink.describeProperty(nameSpace, declaration.superClass, kServerProperty, property);
-  if (isInherited || remote::findProperty(declaration, kServerProperty) != nullptr) return;
+                           sink.describeProperty(nameSpace, declaration.superClass, kRemoteServerProperty, property);
+  if (isInherited || remote::findProperty(declaration, kRemoteServerProperty) != nullptr) return;
   property = CimPropertyDeclaration();
-  property.name = kServerProperty;
+  property.name = kRemoteServerProperty;
   property.type = CQoriType::string;
   declaration.properties.insert(declaration.properties.begin(), std::move(property));
 }

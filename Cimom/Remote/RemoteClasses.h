@@ -14,6 +14,7 @@
 
 #include "Cimom/Embedded/CQoriClass.h"
 #include "Cimom/Embedded/CimDeclarationSink.h"
+#include "Cimom/Remote/RemoteServers.h"
 #include "Cimom/Remote/RemoteUnion.h"
 
 // Any thread may ask; those that ask at the same time wait for each other.
@@ -41,8 +42,6 @@ class RemoteClasses {
   // Forgets the classes of which servers were left out when they were fetched. Returns whether there were any: what
   // was declared of them stays, so they are of use in a new sink only.
   bool forgetIncomplete();
-
-  static const char* const kServerProperty;  // "__SERVER"
 
  private:
   bool provideLocked(CimDeclarationSink& sink, const QORString& nameSpace, const QORString& className);

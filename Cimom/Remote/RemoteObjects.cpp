@@ -96,7 +96,7 @@ RemoteObjects::Known RemoteObjects::describe(const QORString& className) {
       _server.hasGivenName()
           ? QORSmrPtr<ModelShape>(new ModelShape(_path, declared.className, declared.layout, declared.keyPositions))
           : found.model->shape();
-  found.hasServerProperty = _server.hasGivenName() && declared.layout->getPosition(RemoteClasses::kServerProperty) >= 0;
+  found.hasServerProperty = _server.hasGivenName() && declared.layout->getPosition(kRemoteServerProperty) >= 0;
   return found;
 }
 
@@ -118,7 +118,7 @@ void RemoteObjects::completeKeys(CimXmlInstance& instance) {
 }
 
 void RemoteObjects::nameServer(CimXmlInstance& instance) const {
-  CimXmlProperty& added = instance.add(RemoteClasses::kServerProperty);
+  CimXmlProperty& added = instance.add(kRemoteServerProperty);
   added.type = CQoriType::Code::String;
   added.value = _serverName;
 }

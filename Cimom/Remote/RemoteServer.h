@@ -17,21 +17,10 @@
 
 #include "Cimom/CimXml/CimXmlMessages.h"
 #include "Cimom/CimXml/CimXmlReply.h"
+#include "Cimom/Remote/RemoteServers.h"
 #include "Cimom/Remote/RemoteTransport.h"
 #include "cimom/CIMApi.h"
 #include "cimom/CQoriProviderException.h"
-
-// What one call cost.
-struct RemoteCall {
-  std::string server;
-  std::string operation;
-  std::string subject;  // the class; empty: none
-  RemoteTraffic traffic;
-  std::uint64_t replyBytes = 0;  // uncompressed
-  std::uint64_t items = 0;       // instances, names or classes that came
-  double milliseconds = 0;
-  bool hasFailed = false;
-};
 
 // Collects the calls of all servers. Any thread.
 class RemoteCallLog {
@@ -69,16 +58,6 @@ class RemoteSilentException : public CQoriProviderException {
 // A reply came and could not be read.
 class RemoteReplyException : public CQoriProviderException {
   using CQoriProviderException::CQoriProviderException;
-};
-
-struct RemoteServerOptions {
-  std::string name;           // as errors and __SERVER tell it
-  bool hasGivenName = false;  // by a person, or because there are several
-  QORString nameSpace;        // in place of the next one, where that is asked for; null: each as it is asked for
-  QORString standsFor;        // null: any
-  RemoteEndpoint endpoint;
-  RemoteLimits limits;
-  QORuint32 batch = 1000;  // instances of one reply
 };
 
 // Failures THROW CQoriProviderException with server, operation, class and

@@ -299,7 +299,7 @@ CIMApi::PropertyNames RemoteSource::namesFor(const RemoteServer& server, const C
   CIMApi::PropertyNames own(new QORValSlist<QORString>);
   QORValSlistIterator<QORString> each(*names);
   while (++each) {
-    if (!each.key().isEqualCaseInsensitive(RemoteClasses::kServerProperty)) own->append(each.key());
+    if (!each.key().isEqualCaseInsensitive(kRemoteServerProperty)) own->append(each.key());
   }
   return own;
 }

@@ -19,24 +19,11 @@
 #include "Cimom/Remote/RemoteIndex.h"
 #include "Cimom/Remote/RemoteParallel.h"
 #include "Cimom/Remote/RemoteServer.h"
+#include "Cimom/Remote/RemoteServers.h"
 #include "Cimom/Remote/RemoteWatch.h"
 
-struct RemoteSourceOptions {
-  std::vector<RemoteServerOptions> servers;  // at least one
-  bool requiresAll = false;                  // the failure of one fails the statement
-  // A server that has not got the namespace has nothing there: no failure, unless it is one that stands for another.
-  bool mayLackNameSpaces = false;
-  // Who asks for long does not wait for what is known: that a server does not answer, or lacks a class.
-  bool isWatched = false;
-  std::size_t parallel = 8;  // servers that are asked at the same time
-};
-
-// A single server that fails fails the call. Of several, those that fail are
-// left out until beginStatement(), and are told by takeFailures(), unless all
-// fail or all are required. Where servers have names, the class at the root of
-// a line of inheritance gains the property __SERVER, and the paths of instances
-// begin with the name, so that those of different servers differ.
-class RemoteSource final : public OuterSource {
+// Puts each question to all servers at the same time, on threads of its own.
+class RemoteSource final : public RemoteServers {
  public:
   explicit RemoteSource(const RemoteSourceOptions& options);
   RemoteSource(const RemoteSource&) = delete;
@@ -58,28 +45,17 @@ class RemoteSource final : public OuterSource {
   std::vector<std::string> serverNames() const override;
   std::vector<QORString> nameSpaces() override;
 
-  // The rest is for whoever runs statements, on the thread that does.
-
-  // Asked while calls run; after true they fail. Null: calls are not stopped.
-  void setStopRequest(const RemoteParallel::StopRequest& request) {
+  void setStopRequest(const StopRequest& request) override {
     _stopRequest = request;
     _parallel.setStopRequest(request);
   }
-  // All servers are asked again, for any class.
   void beginStatement() override;
   void forgetLists() override;
-  // Whether classes were declared that servers which failed may have more of; they are fetched again from now on. What
-  // has their declarations does not change: then it is time for a new object manager.
-  bool forgetIncompleteClasses() { return _classes.forgetIncomplete(); }
-  // The messages of the servers that failed since.
-  std::vector<std::string> takeFailures();
-  std::vector<RemoteCall> takeCalls() { return _calls.take(); }
-
-  // Of this class only these servers are asked for instances, until beginStatement().
-  void askOnly(const QORString& className, std::set<std::string> servers);
-  // Servers that answer queries filter the instances of this class first, with this condition of their own languages,
-  // until beginStatement(). The caller filters what comes again: others send everything.
-  void askWith(const QORString& className, const std::string& condition);
+  bool forgetIncompleteClasses() override { return _classes.forgetIncomplete(); }
+  std::vector<std::string> takeFailures() override;
+  std::vector<RemoteCall> takeCalls() override { return _calls.take(); }
+  void askOnly(const QORString& className, std::set<std::string> servers) override;
+  void askWith(const QORString& className, const std::string& condition) override;
 
  private:
   // What servers did, by their numbers; null for success.
@@ -123,7 +99,7 @@ class RemoteSource final : public OuterSource {
   const RemoteSourceOptions _options;
   const std::shared_ptr<RemoteWatch> _watch;  // null: each question asks
   const std::shared_ptr<Unlisted> _unlisted;
-  RemoteParallel::StopRequest _stopRequest;
+  StopRequest _stopRequest;
   RemoteCallLog _calls;
   RemoteParallel _parallel;
   std::vector<std::unique_ptr<RemoteServer>> _servers;

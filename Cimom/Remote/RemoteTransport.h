@@ -111,8 +111,8 @@ class RemoteTransport {
 using RemoteTransportMaker = RemoteTransport* (*)(const RemoteEndpoint& endpoint, const RemoteLimits& limits,
                                                   const std::atomic<bool>& isStopped);
 
-// From the folder of the library of the object manager on.
-inline constexpr const char* kRemoteHttpLibrary = "qorql/libqorqlhttp.so";
+// It lies beside the library that asks servers.
+inline constexpr const char* kRemoteHttpLibrary = "libqorqlhttp.so";
 inline constexpr const char* kRemoteHttpFunction = "qorqlMakeTransport";
 
 // THROWS std::runtime_error when the library cannot be loaded.

@@ -4,6 +4,7 @@
 #ifndef QORQL_SERVER_SERVERMODULE_H
 #define QORQL_SERVER_SERVERMODULE_H
 
+#include <exception>
 #include <memory>
 #include <streambuf>
 #include <string>
@@ -41,6 +42,9 @@ class ServerModule {
   virtual std::shared_ptr<ServerEvents> makeEvents(const EventOptions& options) = 0;
   // Takes indications that are sent. BORROWS the taker.
   virtual std::shared_ptr<HttpService> makeListenService(IndicationTaker& taker) = 0;
+  // An indication as an object; and the CimStatusException with which a taker refuses one.
+  virtual QORSmrPtr<IQoriObject> makeObject(const CimXmlInstance& indication) = 0;
+  virtual std::exception_ptr makeRefusal(QORuint32 status, const std::string& reason) = 0;
   virtual std::shared_ptr<ServerModel> makeModel(ServerModel::Manager manager) = 0;
   // As UserFile.h says.
   virtual void setPassword(const std::string& file, const std::string& user, const std::string& password) = 0;

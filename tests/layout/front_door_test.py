@@ -140,6 +140,29 @@ class FrontDoor(unittest.TestCase):
                 self.assertNotIn("--target", self.run_it("--no-live", word)[1][-1])
                 self.assertEqual(self.run_it("SELECT Name FROM CIM_Process")[1], [], "all of it will do")
 
+    def test_what_asks_servers_is_built_when_an_option_asks_for_it(self):
+        for option in (["--server", "https://a"], ["--server=https://a"], ["--servers", "a"], ["--servers=a"]):
+            with self.subTest(option=option):
+                time.sleep(0.02)
+                self.write("Cimom/a.cpp", str(option))
+                self.assertTrue(self.run_it("SELECT Name FROM CIM_Process")[1][-1].endswith("--target qorql_tool"))
+                ran, calls = self.run_it(*option, "SELECT Name FROM CIM_Process")
+                self.assertTrue(calls[-1].endswith("--target qorql_tool qorql_remote"), calls)
+                self.assertIn("qorql: building what asks servers, half a minute at first (log in build/release.log)\n",
+                              ran.stderr)
+                self.assertEqual(self.run_it(*option)[1], [])
+                self.assertEqual(self.run_it("SELECT Name FROM CIM_Process")[1], [])
+
+    def test_who_asks_a_server_first_has_the_tool_too(self):
+        ran, calls = self.run_it("--server", "https://a")
+        self.assertIn("qorql: building the release preset, a few minutes", ran.stderr)
+        self.assertTrue(calls[-1].endswith("--target qorql_tool qorql_remote"), calls)
+        self.assertEqual(self.run_it("SELECT Name FROM CIM_Process")[1], [])
+        ran, calls = self.run_it("serve")
+        self.assertIn("qorql: building what serves, a minute or two at first", ran.stderr)
+        self.assertNotIn("--target", calls[-1])
+        self.assertEqual(self.run_it("--server", "https://a")[1], [])
+
     def test_the_second_run_is_silent_and_quick(self):
         self.run_it()
         start = time.monotonic()

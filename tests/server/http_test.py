@@ -31,7 +31,8 @@ class HttpTest(ServerCase):
     def test_other_commands_load_nothing_of_the_server(self):
         loaded = subprocess.run(["ldd", servercase.TOOL], capture_output=True, check=True).stdout.decode()
         self.assertIn("libqorql.so", loaded)
-        for library in ("libqorqlserver", "libmicrohttpd", "libgnutls", "libcrypt.", "libsqlite3"):
+        for library in ("libqorqlserver", "libmicrohttpd", "libgnutls", "libcrypt.", "libsqlite3", "libqorqlremote",
+                        "libexpat", "libcurl"):
             self.assertNotIn(library, loaded)
 
     def test_an_address_in_use_is_told(self):

@@ -11,6 +11,7 @@
 #include <chrono>
 #include <climits>
 #include <csignal>
+#include <exception>
 #include <iostream>
 #include <memory>
 #include <mutex>
@@ -18,8 +19,7 @@
 #include <string_view>
 #include <vector>
 
-#include "Cimom/CimXml/CimXmlException.h"
-#include "Cimom/CimXml/CimXmlObjects.h"
+#include "Cimom/CimXml/CimXmlInstance.h"
 #include "DisplayText.h"
 #include "ErrorReport.h"
 #include "ExitStatus.h"
@@ -73,7 +73,7 @@ std::string jsonOf(const CimXmlInstance& indication) {
 }
 
 std::string mofOf(const CimXmlInstance& indication) {
-  const QORSmrPtr<IQoriObject> object(CimXmlObjects(QORString::emptyString()).make(indication));
+  const QORSmrPtr<IQoriObject> object = serverLibrary().makeObject(indication);
   return std::string(EmbeddedObjectManager::instanceMof(*object).view());
 }
 
@@ -149,7 +149,7 @@ class ReceivedPrinter final : public IndicationTaker {
   // Its sender keeps it, and sends it again.
   [[noreturn]] void refuse(const CimXmlInstance& indication, const char* reason) {
     warn(printableText(nameOf(indication)) + " is not printed, or not as a whole, and refused: " + reason);
-    throw CimStatusException(kNoRoom, reason);
+    std::rethrow_exception(serverLibrary().makeRefusal(kNoRoom, reason));
   }
   void warn(const std::string& text) {
     if (_options.isQuiet) return;

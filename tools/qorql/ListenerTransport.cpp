@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "Cimom/Remote/RemoteTransport.h"
+#include "RemoteLibrary.h"
 
 namespace {
 
@@ -48,6 +49,6 @@ ExportTransportMaker listenerTransports(const ListenerTrust& trust) {
     limits.slowSeconds = kSilentSeconds;
     limits.totalSeconds = kTotalSeconds;
     limits.replyBytes = kReplyBytes;
-    return std::make_unique<ListenerTransport>(makeRemoteTransport(endpoint, limits, isStopped));
+    return std::make_unique<ListenerTransport>(remoteLibrary().makeTransport(endpoint, limits, isStopped));
   };
 }

@@ -84,7 +84,7 @@ void addTexts(ResultHeading& heading, const ValueColumns& values) {
 // While it lives, what asks servers stops when the statement is to.
 class ServerWatch {
  public:
-  ServerWatch(RemoteSource* servers, RunMonitor& monitor) : _servers(servers) {
+  ServerWatch(RemoteServers* servers, RunMonitor& monitor) : _servers(servers) {
     if (_servers == nullptr) return;
     _servers->beginStatement();
     _servers->setStopRequest([&monitor] { return monitor.isStopRequested(); });
@@ -96,7 +96,7 @@ class ServerWatch {
   }
 
  private:
-  RemoteSource* const _servers;
+  RemoteServers* const _servers;
 };
 
 // Stops early when the stream takes no more. Codes are told with their texts where `values` is not null.
@@ -159,7 +159,7 @@ void QueryRunner::runWatched(Execution& execution) {
   const Statement& statement = execution.parsed.statement();
   parse(execution);
   tellOfPassedOver(execution);
-  if (RemoteSource* const servers = _session.servers()) {
+  if (RemoteServers* const servers = _session.servers()) {
     ServerPlan(execution.parsed.query(), execution.statement, _session.manager(), _options.nameSpace)
         .applyTo(*servers, _options.servers.pushesDown);
   }

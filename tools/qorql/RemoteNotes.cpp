@@ -29,7 +29,7 @@ std::string enumerated(const std::vector<std::string>& names) {
   return text;
 }
 
-std::vector<std::string> serversFor(const RemoteSource& source, const ServerPlan& plan, const std::string& className) {
+std::vector<std::string> serversFor(const RemoteServers& source, const ServerPlan& plan, const std::string& className) {
   std::vector<std::string> names = source.serverNames();
   const std::set<std::string>* const only = findClass(plan.servers, className);
   if (only != nullptr) std::erase_if(names, [only](const std::string& name) { return !only->contains(name); });
@@ -50,7 +50,7 @@ void printCalls(std::ostream& out, const std::vector<RemoteCall>& calls) {
   }
 }
 
-std::vector<std::string> remoteNotes(const RemoteSource& source, const ServerOptions& options, const ServerPlan& plan,
+std::vector<std::string> remoteNotes(const RemoteServers& source, const ServerOptions& options, const ServerPlan& plan,
                                      const std::vector<QORQL_ExplainedStep>& steps) {
   std::vector<std::string> notes;
   std::set<std::string> told;

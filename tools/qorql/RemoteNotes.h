@@ -15,7 +15,7 @@
 void printCalls(std::ostream& out, const std::vector<RemoteCall>& calls);
 
 // A sentence for each question that the steps will put to servers.
-std::vector<std::string> remoteNotes(const RemoteSource& source, const ServerOptions& options, const ServerPlan& plan,
+std::vector<std::string> remoteNotes(const RemoteServers& source, const ServerOptions& options, const ServerPlan& plan,
                                      const std::vector<QORQL_ExplainedStep>& steps);
 
 #endif

@@ -13,6 +13,7 @@
 #include "NetrcFile.h"
 #include "OptionDeclarations.h"
 #include "PasswordPrompt.h"
+#include "RemoteLibrary.h"
 #include "TextInput.h"
 
 namespace {
@@ -164,8 +165,8 @@ void declareServerOptions(CLI::App& app, ServerOptions& options,
             .check = checkBatch});
 }
 
-std::shared_ptr<RemoteSource> makeRemoteSource(const ServerOptions& options, const std::string& nameSpace,
-                                               bool isNamespaceGiven) {
+std::shared_ptr<RemoteServers> makeRemoteServers(const ServerOptions& options, const std::string& nameSpace,
+                                                 bool isNamespaceGiven) {
   RemoteSourceOptions source;
   source.requiresAll = options.requiresAll;
   source.mayLackNameSpaces = options.mayLackNameSpaces;
@@ -178,5 +179,5 @@ std::shared_ptr<RemoteSource> makeRemoteSource(const ServerOptions& options, con
     source.servers.push_back(serverOf(address, options, isNamespaceGiven ? "" : nameSpace));
     tellOfRisks(source.servers.back());
   }
-  return std::make_shared<RemoteSource>(std::move(source));
+  return remoteLibrary().makeServers(source);
 }

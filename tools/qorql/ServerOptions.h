@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "Cimom/Remote/RemoteSource.h"
+#include "Cimom/Remote/RemoteServers.h"
 #include "ServerAddress.h"
 
 namespace CLI {
@@ -34,8 +34,9 @@ void declareServerOptions(CLI::App& app, ServerOptions& options, std::function<v
 
 // What asks the servers; `nameSpace` is that of the statements, which is asked of all of them when it was given, else
 // in place of the first one's own. Says on standard error where certificates are not
-// checked. REQUIRES a server. THROWS std::runtime_error: a file of a password cannot be read, a name is given twice.
-std::shared_ptr<RemoteSource> makeRemoteSource(const ServerOptions& options, const std::string& nameSpace,
-                                               bool isNamespaceGiven);
+// checked. REQUIRES a server. THROWS std::runtime_error: a file of a password cannot be read, a name is given twice,
+// the library that asks servers cannot be loaded.
+std::shared_ptr<RemoteServers> makeRemoteServers(const ServerOptions& options, const std::string& nameSpace,
+                                                 bool isNamespaceGiven);
 
 #endif

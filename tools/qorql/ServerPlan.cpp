@@ -119,7 +119,7 @@ class Reader {
     const std::string text = literalText(*literal.getLiteral(), op);
     if (className.empty() || sign.empty() || text.empty()) return;
     const QORString& name = *property.getPropertyName();
-    if (name.isEqualCaseInsensitive(RemoteClasses::kServerProperty)) {
+    if (name.isEqualCaseInsensitive(kRemoteServerProperty)) {
       if (op == QORQL_OperatorEQUAL) restrict(className, std::string(literal.getLiteral()->toString().view()));
       return;
     }
@@ -176,7 +176,7 @@ ServerPlan::ServerPlan(const QORQL_Query& query, const std::string& text, const 
   Reader(from, manager, nameSpace, *this).read(where.getExpression().Get());
 }
 
-void ServerPlan::applyTo(RemoteSource& source, bool pushesDown) const {
+void ServerPlan::applyTo(RemoteServers& source, bool pushesDown) const {
   for (const auto& [className, names] : servers) source.askOnly(QORString(className), names);
   if (!pushesDown) return;
   for (const auto& [className, condition] : conditions) source.askWith(QORString(className), condition);

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "Cimom/Embedded/EmbeddedObjectManager.h"
-#include "Cimom/Remote/RemoteSource.h"
+#include "Cimom/Remote/RemoteServers.h"
 
 class QORQL_Query;
 
@@ -24,7 +24,7 @@ struct ServerPlan {
              const std::string& nameSpace);
 
   // Until the next statement begins. The conditions are sent when the servers are to filter first.
-  void applyTo(RemoteSource& source, bool pushesDown) const;
+  void applyTo(RemoteServers& source, bool pushesDown) const;
 };
 
 #endif

@@ -61,7 +61,7 @@ std::unique_ptr<EmbeddedObjectManager> Session::makeManager() {
 
 void Session::connectServers() {
   if (_options.servers.servers.empty()) return;
-  _servers = makeRemoteSource(_options.servers, _options.nameSpace, _options.isNamespaceGiven);
+  _servers = makeRemoteServers(_options.servers, _options.nameSpace, _options.isNamespaceGiven);
   _servers->setStopRequest(&Interrupt::isRequested);
   _manager->setOuterSource(_servers);
 }

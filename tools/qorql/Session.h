@@ -42,7 +42,7 @@ class Session {
   void tellOfFaults(const MofFaults& faults) const;
 
   // The servers that are asked; null: none are.
-  RemoteSource* servers() noexcept { return _servers.get(); }
+  RemoteServers* servers() noexcept { return _servers.get(); }
   // Tells of servers that were left out since they failed. Returns `status`, or the one for that where it was done.
   int settle(int status);
 
@@ -98,8 +98,8 @@ class Session {
   const SessionOptions _options;
   const Life _life;
   const std::shared_ptr<Log> _log;
-  std::shared_ptr<RemoteSource> _servers;  // null: none are asked
-  bool _isIncomplete = false;              // a server was left out
+  std::shared_ptr<RemoteServers> _servers;  // null: none are asked
+  bool _isIncomplete = false;               // a server was left out
   std::unique_ptr<EmbeddedObjectManager> _manager;
   std::vector<MorePath> _more;
   LeftOut _leftOutPolicy = LeftOut::TellAtOnce;

@@ -7,6 +7,8 @@
 #include <optional>
 #include <utility>
 
+#include "Cimom/CimXml/CimXmlException.h"
+#include "Cimom/CimXml/CimXmlObjects.h"
 #include "Cimom/Embedded/EmbeddedState.h"
 #include "Cimom/Server/AssociationOperations.h"
 #include "Cimom/Server/CimXmlService.h"
@@ -93,6 +95,12 @@ class Module : public ServerModule {
   }
   std::shared_ptr<HttpService> makeListenService(IndicationTaker& taker) override {
     return std::make_shared<ListenService>(taker);
+  }
+  QORSmrPtr<IQoriObject> makeObject(const CimXmlInstance& indication) override {
+    return CimXmlObjects(QORString::emptyString()).make(indication);
+  }
+  std::exception_ptr makeRefusal(QORuint32 status, const std::string& reason) override {
+    return std::make_exception_ptr(CimStatusException(status, reason));
   }
   std::shared_ptr<ServerModel> makeModel(ServerModel::Manager manager) override {
     return std::make_shared<CountedModel>(std::move(manager));
