@@ -164,6 +164,21 @@ void writeLines(const std::string& path, const std::vector<std::string>& lines) 
 
 bool exists(const std::string& path) { return access(path.c_str(), F_OK) == 0; }
 
+bool isUserWithHash(const std::string& line) {
+  const std::size_t colon = line.find(':');
+  const bool isHash = colon != std::string::npos && crypt_checksalt(line.c_str() + colon + 1) == CRYPT_SALT_OK;
+  return isHash && faultOfUser(userOf(line)).empty();
+}
+
+// Those of `user`, who gets another line or none, may be anything. Another file than one of users is seen by its lines.
+void refuseOtherLines(const std::string& path, const std::vector<std::string>& lines, std::string_view user) {
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    const bool isReplaced = !user.empty() && userOf(lines[i]) == user;
+    if (isReplaced || isRemark(lines[i]) || isUserWithHash(lines[i])) continue;
+    throw std::runtime_error(path + ':' + std::to_string(i + 1) + ": this is no user with a hashed password");
+  }
+}
+
 void refuseFault(const std::string& fault) {
   if (!fault.empty()) throw std::invalid_argument(fault);
 }
@@ -173,16 +188,11 @@ void refuseFault(const std::string& fault) {
 UserFile UserFile::read(const std::string& path) {
   UserFile users;
   users._warning = refuseWhereOthersWrite(path);
-  std::size_t number = 0;
-  for (const std::string& line : linesOf(path)) {
-    ++number;
-    if (isRemark(line)) continue;
+  const std::vector<std::string> lines = linesOf(path);
+  refuseOtherLines(path, lines, {});
+  for (const std::string& line : lines) {
     const std::size_t colon = line.find(':');
-    const bool isHash = colon != std::string::npos && crypt_checksalt(line.c_str() + colon + 1) == CRYPT_SALT_OK;
-    if (!isHash || !faultOfUser(userOf(line)).empty()) {
-      throw std::runtime_error(path + ':' + std::to_string(number) + ": this is no user with a hashed password");
-    }
-    users._hashes.insert_or_assign(line.substr(0, colon), line.substr(colon + 1));
+    if (!isRemark(line)) users._hashes.insert_or_assign(line.substr(0, colon), line.substr(colon + 1));
   }
   users._nobody = users._hashes.empty() ? hashPassword("nobody") : users._hashes.begin()->second;
   return users;
@@ -228,6 +238,7 @@ void setPassword(const std::string& given, const std::string& user, const std::s
   const LockedFolder folder(path);
   std::vector<std::string> lines;
   if (exists(path)) lines = linesOf(path);
+  refuseOtherLines(path, lines, user);
   const std::string entry = user + ':' + hashPassword(password);
   bool isThere = false;
   for (std::string& line : lines) {
@@ -244,6 +255,7 @@ void removeUser(const std::string& given, const std::string& user) {
   const std::string path = targetOf(given);
   const LockedFolder folder(path);
   std::vector<std::string> lines = linesOf(path);
+  refuseOtherLines(path, lines, user);
   if (std::erase_if(lines, [&](const std::string& line) { return userOf(line) == user; }) == 0) {
     throw std::invalid_argument("there is no user " + user + " in " + path);
   }

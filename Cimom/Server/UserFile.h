@@ -36,8 +36,9 @@ std::string hashPassword(const std::string& password);
 
 // Gives a user a password, or takes the user out; the file is made when there is none, and is then for its owner alone.
 // It is replaced as a whole: whoever reads it meanwhile sees it as it was before or as it is afterwards. Its other
-// lines stay. Others who change it at the same time wait. A symbolic link stays one. THROWS std::runtime_error: what is
-// wrong with the arguments, there is no such user to take out, or the file cannot be written.
+// lines stay, and must be users or remarks: a file that is none of users is not changed. Others who change it at the
+// same time wait. A symbolic link stays one. THROWS std::runtime_error: what is wrong with the arguments, there is no
+// such user to take out, another line is no user, which is named by file and line, or the file cannot be written.
 void setPassword(const std::string& path, const std::string& user, const std::string& password);
 void removeUser(const std::string& path, const std::string& user);
 

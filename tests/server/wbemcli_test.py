@@ -78,6 +78,15 @@ class Wbemcli(ServerCase):
         self.assert_refused(3, "ei", "root/none:P_Tank")
         self.assert_refused(6, "di", 'root/cimv2:P_Tank.Name="none"')
 
+    def test_what_is_not_served(self):
+        tank = 'root/cimv2:P_Tank.Name="t1"'
+        self.assert_refused(7, "gp", tank, properties="Litres")
+        self.assert_refused(7, "sp", tank, properties="Litres=1")
+        self.assert_refused(7, "dc", "root/cimv2:P_Tank")
+        self.assert_refused(16, "cm", tank, properties="Reset")
+        self.assert_refused(17, "cm", tank, properties="None")
+        self.assertIn('<ERROR CODE="16"', self.run_client("cmx", tank, properties="Reset")[1])
+
     def test_it_finds_the_namespaces(self):
         told = "\n".join(self.told("ein", "root/interop:CIM_Namespace"))
         self.assertIn('Name="root/cimv2"', told)

@@ -115,6 +115,23 @@ TEST_F(UsersInAFile, ALineThatIsNoUserIsToldByItsNumber) {
   }
 }
 
+TEST_F(UsersInAFile, AnotherFileIsNotChanged) {
+  const std::string hosts = "# who is near\n127.0.0.1 localhost\n";
+  write(hosts);
+  EXPECT_THROW(setPassword(path(), "anna", "secret"), std::runtime_error);
+  EXPECT_THROW(removeUser(path(), "anna"), std::runtime_error);
+  EXPECT_EQ(text(), hosts);
+}
+
+TEST_F(UsersInAFile, ADamagedLineIsMendedByItsUsersNewPassword) {
+  write("anna:plain\n");
+  EXPECT_THROW(setPassword(path(), "bert", "other"), std::runtime_error);
+  setPassword(path(), "anna", "secret");
+  EXPECT_TRUE(UserFile::read(path()).isRight("anna", "secret"));
+  write(":x\nanna:plain\n");
+  EXPECT_THAT(refusal(), HasSubstr(":1: this is no user"));
+}
+
 TEST_F(UsersInAFile, AFileThatOthersMayWriteIsRefused) {
   setPassword(path(), "anna", "secret");
   chmod(path().c_str(), 0620);
