@@ -134,7 +134,11 @@ MofName MofParser::expectName(const char* what) {
 }
 
 std::string_view MofParser::textOf(const MofToken& token) const noexcept {
-  return _source.getText().substr(token.offset, token.length);
+  return {_source.getText().data() + token.offset, token.length};
+}
+
+std::string_view MofParser::insideOf(const MofToken& token) const noexcept {
+  return {_source.getText().data() + token.offset + 1, token.length - 2};
 }
 
 std::string MofParser::describeToken() const {
@@ -172,7 +176,7 @@ void MofParser::refuseDeclaration(const MofFault& fault) {
       {&_source, _longString.offset},
       "unterminated string: it runs on into the next lines, and what follows it does not fit (" + fault.message + ')');
   _scanner.resumeAt(_longString.lineEnd);
-  _token = MofToken{Kind::Bad, '\0', _longString.lineEnd, 0, std::string_view::npos, nullptr};
+  _token = MofToken{Kind::Bad, '\0', false, _longString.lineEnd, 0, std::string_view::npos, nullptr};
 }
 
 void MofParser::recover() {
@@ -229,7 +233,7 @@ bool MofParser::readRow() {
   row.scope = _context.scope;
   if (isPlaced()) _document.instances.push_back({nullptr, row});
   _scanner.resumeAt(end);
-  _token = MofToken{Kind::Symbol, ';', end - 1, 1, std::string_view::npos, nullptr};
+  _token = MofToken{Kind::Symbol, ';', false, end - 1, 1, std::string_view::npos, nullptr};
   step();
   return true;
 }
@@ -300,7 +304,7 @@ void MofParser::enterNameSpace(const std::string& path, const MofLocation& at) {
 
 std::string MofParser::readNameSpacePath() {
   std::string path;
-  for (; _token.kind == Kind::String; advance()) appendSlashed(path, textOf(_token).substr(1, _token.length - 2));
+  for (; _token.kind == Kind::String; advance()) appendSlashed(path, insideOf(_token));
   return isUtf8(path) ? path : std::string();
 }
 
@@ -403,11 +407,17 @@ MofValueSyntax MofParser::readWordValue(QORuint32 depth) {
   return value;
 }
 
+// A plain literal that stands alone is not copied.
 std::string_view MofParser::readString() {
   _string.clear();
-  while (_token.kind == Kind::String) {
-    appendMofString(textOf(_token), here(), _string);
+  if (_token.isPlain) {
+    const std::string_view alone = insideOf(_token);
     advance();
+    if (_token.kind != Kind::String) return alone;
+    _string.append(alone);
+  }
+  for (; _token.kind == Kind::String; advance()) {
+    _token.isPlain ? void(_string.append(insideOf(_token))) : appendMofString(textOf(_token), here(), _string);
   }
   return _string;
 }

@@ -74,6 +74,8 @@ class MofParser {
   void endDeclaration();
   MofName expectName(const char* what);
   std::string_view textOf(const MofToken& token) const noexcept;
+  // Of a literal, without its quotes.
+  std::string_view insideOf(const MofToken& token) const noexcept;
   // The current token; at the end of the text, the place after the last one.
   MofLocation here() const noexcept { return {&_source, _token.kind == Kind::End ? _lastEnd : _token.offset}; }
   // Refuses the current token.

@@ -17,13 +17,15 @@ constexpr bool isNameStart(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || static_cast<unsigned char>(c) >= 0x80;
 }
 
+constexpr bool isSymbol(char c) { return std::string_view("{}[]();:,=").find(c) != std::string_view::npos; }
+
 // One look-up tells what one of many comparisons would.
-enum ByteKind : unsigned char { kOther = 0, kBlank = 1, kNamePart = 2 };
+enum ByteKind : unsigned char { kOther = 0, kBlank = 1, kNamePart = 2, kSymbol = 4 };
 constexpr std::array<unsigned char, 256> makeByteKinds() {
   std::array<unsigned char, 256> kinds{};
   for (std::size_t i = 0; i < kinds.size(); ++i) {
     const char c = static_cast<char>(i);
-    kinds[i] = isMofBlank(c) ? kBlank : isNameStart(c) || isMofDigit(c) ? kNamePart : kOther;
+    kinds[i] = isMofBlank(c) ? kBlank : isNameStart(c) || isMofDigit(c) ? kNamePart : isSymbol(c) ? kSymbol : kOther;
   }
   return kinds;
 }
@@ -55,6 +57,11 @@ MofToken MofScanner::next() noexcept {
   if (!skipBlanks()) return bad("unterminated comment: \"*/\" is missing", text().size() - _offset);
   if (_offset >= text().size()) return made(MofToken::Kind::End, 0);
   const char c = at(_offset);
+  if (isOfKind(c, kSymbol)) {
+    MofToken token = made(MofToken::Kind::Symbol, 1);
+    token.symbol = c;
+    return token;
+  }
   if (isNameStart(c)) return name(MofToken::Kind::Identifier, 0);
   if (c == '"') return quoted(MofToken::Kind::String, '"');
   if (c == '\'') return quoted(MofToken::Kind::Char, '\'');
@@ -63,10 +70,7 @@ MofToken MofScanner::next() noexcept {
   if (isMofDigit(c) || isSigned || (c == '.' && isMofDigit(second))) return number();
   if (c == '$' && isNameStart(second)) return name(MofToken::Kind::Alias, 1);
   if (c == '#') return pragma();
-  if (std::string_view("{}[]();:,=").find(c) == std::string_view::npos) return bad(nullptr, 1);
-  MofToken token = made(MofToken::Kind::Symbol, 1);
-  token.symbol = c;
-  return token;
+  return bad(nullptr, 1);
 }
 
 MofFault MofScanner::faultOf(const MofToken& token) const {
@@ -85,9 +89,10 @@ MofFault MofScanner::faultOf(const MofToken& token) const {
 bool MofScanner::skipBlanks() noexcept {
   for (;;) {
     _offset = endOfKind(text(), _offset, kBlank);
-    if (at(_offset) == '/' && at(_offset + 1) == '/') {
+    if (at(_offset) != '/') return true;
+    if (at(_offset + 1) == '/') {
       _offset = lineEndAfter(_offset);
-    } else if (at(_offset) == '/' && at(_offset + 1) == '*') {
+    } else if (at(_offset + 1) == '*') {
       const std::size_t end = text().find("*/", _offset + 2);
       if (end == std::string_view::npos) return false;
       _offset = end + 2;
@@ -97,14 +102,19 @@ bool MofScanner::skipBlanks() noexcept {
   }
 }
 
-// Most literals have neither an escape nor the end of a line in them: the next quote ends them. From a backslash on
-// each byte is looked at.
+// Most literals are plain: the next quote ends them. Where there is an escape or the end of a line in them, each byte
+// is looked at from a backslash on.
 MofToken MofScanner::quoted(MofToken::Kind kind, char quote) noexcept {
   const bool isString = kind == MofToken::Kind::String;
   constexpr std::size_t kNone = std::string_view::npos;
   const std::size_t start = _offset + 1;
   std::size_t offset = std::min(text().find(quote, start), text().size());
   const std::string_view inside = text().substr(start, offset - start);
+  if (offset < text().size() && isPlainMofText(inside)) {
+    MofToken token = made(kind, inside.size() + 2);
+    token.isPlain = true;
+    return token;
+  }
   const std::size_t escape = inside.find('\\');
   std::size_t lineEnd = lengthOfLine(inside.substr(0, escape));
   if (lineEnd != kNone) lineEnd += start;
@@ -140,9 +150,12 @@ MofToken MofScanner::number() noexcept {
 }
 
 MofToken MofScanner::name(MofToken::Kind kind, std::size_t prefix) noexcept {
-  const std::size_t end = endOfKind(text(), _offset + prefix + 1, kNamePart);
+  std::size_t end = _offset + prefix;
+  unsigned char bits = 0;
+  for (; end < text().size() && isNamePart(text()[end]); ++end) bits |= static_cast<unsigned char>(text()[end]);
   const std::size_t length = end - _offset;
-  return isUtf8(text().substr(_offset, length)) ? made(kind, length) : bad("the name is not UTF-8", length);
+  const bool isSound = bits < 0x80 || isUtf8(text().substr(_offset, length));
+  return isSound ? made(kind, length) : bad("the name is not UTF-8", length);
 }
 
 MofToken MofScanner::pragma() noexcept {

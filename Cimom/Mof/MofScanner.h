@@ -13,7 +13,8 @@ struct MofToken {
   enum class Kind { End, Identifier, Alias, String, Char, Number, Pragma, Symbol, Bad };
 
   Kind kind = Kind::End;
-  char symbol = '\0';  // of a Symbol
+  char symbol = '\0';    // of a Symbol
+  bool isPlain = false;  // of a String: what stands between its quotes is its value
   std::size_t offset = 0;
   std::size_t length = 0;
   // Of a string literal that runs over the end of its line: where that line ends.
@@ -26,7 +27,7 @@ struct MofToken {
 // parser; the source outlives it.
 class MofScanner {
  public:
-  explicit MofScanner(const MofSource& source) : _source(source), _offset(source.getStart()) {}
+  explicit MofScanner(const MofSource& source) : _source(source), _text(source.getText()), _offset(source.getStart()) {}
 
   // Bytes that form no token are returned as Bad; the next call continues after them.
   MofToken next() noexcept;
@@ -38,7 +39,7 @@ class MofScanner {
   std::size_t lineEndAfter(std::size_t offset) const noexcept;
 
  private:
-  std::string_view text() const noexcept { return _source.getText(); }
+  std::string_view text() const noexcept { return _text; }
   char at(std::size_t offset) const noexcept { return offset < text().size() ? text()[offset] : '\0'; }
   // Returns false at a comment that does not end.
   bool skipBlanks() noexcept;
@@ -50,6 +51,7 @@ class MofScanner {
   MofToken bad(const char* fault, std::size_t length) noexcept;
 
   const MofSource& _source;
+  const std::string_view _text;
   std::size_t _offset;
 };
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <chrono>
 
+#include "Cimom/Mof/MofBytes.h"
 #include "MofFixture.h"
 
 namespace {
@@ -216,6 +217,24 @@ TEST_F(MofSyntax, ReadsLongTextsInLinearTime) {
   load(text);
   EXPECT_EQ(instancesOf("T").size(), static_cast<std::size_t>(kCount));
   EXPECT_EQ(textOf(instancesOf("T").at(0), "S").size(), 5U * kCount);
+}
+
+// At each place of texts of each length up to some words of memory.
+TEST_F(MofSyntax, ATextIsPlainWhoseBytesAllStandForThemselves) {
+  for (std::size_t size = 0; size <= 26; ++size) {
+    const std::string plain(size, 'p');
+    EXPECT_TRUE(isPlainMofText(plain)) << size;
+    for (std::size_t place = 0; place < size; ++place) {
+      for (int code = 0; code < 256; ++code) {
+        std::string text = plain;
+        text[place] = static_cast<char>(code);
+        const bool isExpected = code >= 0x20 && code < 0x80 && code != '\\';
+        ASSERT_EQ(isPlainMofText(text), isExpected) << size << ' ' << place << ' ' << code;
+      }
+    }
+  }
+  EXPECT_TRUE(isPlainMofText("~ !#\x7f"));
+  EXPECT_FALSE(isPlainMofText(std::string_view("\x01\x80zzzzzzzz")));
 }
 
 }  // namespace
