@@ -107,9 +107,9 @@ bool sameType(const IQoriType& a, const IQoriType& b) noexcept {
 QORString typeText(const IQoriType& type) { return type.isArray() ? type.getName() + "[]" : type.getName(); }
 
 QORSmrPtr<IQoriType> typeInInstances(const CimPropertyDeclaration& property) {
-  const bool isText = property.type->getName() == CQoriType::string->getName();
+  if (property.type->getName() != CQoriType::string->getName()) return property.type;
   const bool isEmbedded = property.findQualifier("EmbeddedInstance") != nullptr || property.hasFlag("EmbeddedObject");
-  if (!isText || !isEmbedded) return property.type;
+  if (!isEmbedded) return property.type;
   return property.type->isArray() ? CQoriType::arrayOf(CQoriType::object) : CQoriType::object;
 }
 

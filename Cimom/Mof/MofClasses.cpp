@@ -26,13 +26,17 @@ std::string MofClasses::keyOf(const QORString& nameSpace, const QORString& name)
 }
 
 void MofClasses::declareAll() {
+  std::vector<Pending*> firsts;  // of the same name, for each class of the document
+  firsts.reserve(_document.classes.size());
   for (const auto& syntax : _document.classes) {
-    _pending.try_emplace(keyOf(syntax->nameSpace, syntax->name.text), Pending{syntax.get()});
+    const auto [found, isNew] =
+        _pending.try_emplace(keyOf(syntax->nameSpace, syntax->name.text), Pending{syntax.get()});
+    firsts.push_back(&found->second);
   }
-  for (const auto& syntax : _document.classes) {
-    const Pending& first = _pending[keyOf(syntax->nameSpace, syntax->name.text)];
+  for (std::size_t i = 0; i < firsts.size(); ++i) {
+    MofClassSyntax& syntax = *_document.classes[i];
     // A second declaration must equal the first one, which the sink checks.
-    first.syntax == syntax.get() ? declareWithSuperClasses(*syntax) : declareOnce(*syntax);
+    firsts[i]->syntax == &syntax ? declareWithSuperClasses(*firsts[i]) : declareOnce(syntax, *firsts[i]);
   }
 }
 
@@ -95,44 +99,40 @@ void MofClasses::addFaults(const MofClassSyntax& syntax, const CimDeclarationRef
   }
 }
 
-void MofClasses::declareWithSuperClasses(MofClassSyntax& syntax) {
+void MofClasses::declareWithSuperClasses(Pending& lowest) {
   std::vector<Pending*> chain;
-  MofClassSyntax* next = &syntax;
-  for (;;) {
-    const auto found = _pending.find(keyOf(next->nameSpace, next->name.text));
-    Pending& pending = found->second;
-    if (pending.state == State::Done) break;
-    if (pending.state == State::Open) {
-      _report.add(next->name.at, "class " + textOf(next->name.text) + " is its own superclass");
-      _document.refuseClass(next->name.text);
-      pending.isCircular = true;
+  for (Pending* next = &lowest; next->state != State::Done;) {
+    const MofClassSyntax& syntax = *next->syntax;
+    if (next->state == State::Open) {
+      _report.add(syntax.name.at, "class " + textOf(syntax.name.text) + " is its own superclass");
+      _document.refuseClass(syntax.name.text);
+      next->isCircular = true;
       break;
     }
-    pending.state = State::Open;
-    chain.push_back(&pending);
-    if (next->superClass.text.isEmpty()) break;
-    const auto superClass = _pending.find(keyOf(next->nameSpace, next->superClass.text));
+    next->state = State::Open;
+    chain.push_back(next);
+    if (syntax.superClass.text.isEmpty()) break;
+    const auto superClass = _pending.find(keyOf(syntax.nameSpace, syntax.superClass.text));
     if (superClass == _pending.end()) break;
-    next = superClass->second.syntax;
+    next = &superClass->second;
   }
   for (auto pending = chain.rbegin(); pending != chain.rend(); ++pending) {
     (*pending)->state = State::Done;
-    declareOnce(*(*pending)->syntax);
+    declareOnce(*(*pending)->syntax, **pending);
   }
 }
 
 // What stands in the class is not looked at again: its memory serves those after it.
-void MofClasses::declareOnce(MofClassSyntax& syntax) {
-  declare(syntax);
+void MofClasses::declareOnce(MofClassSyntax& syntax, Pending& first) {
+  declare(syntax, first);
   std::vector<MofQualifierSyntax>().swap(syntax.qualifiers);
   std::vector<MofFeatureSyntax>().swap(syntax.properties);
   std::vector<MofMethodSyntax>().swap(syntax.methods);
 }
 
-void MofClasses::declare(const MofClassSyntax& syntax) {
-  Pending& pending = _pending[keyOf(syntax.nameSpace, syntax.name.text)];
+void MofClasses::declare(const MofClassSyntax& syntax, Pending& first) {
   // In a lenient load another declaration of a refused class may be sound.
-  const bool isRefused = _report.isLenient() ? pending.isCircular : _document.hasRefusedClass(syntax.name.text);
+  const bool isRefused = _report.isLenient() ? first.isCircular : _document.hasRefusedClass(syntax.name.text);
   if (_report.isFull() || isRefused) return;
   CimClassDeclaration declaration;
   if (!hasSuperClass(syntax)) return _document.refuseClass(syntax.name.text);
@@ -144,7 +144,7 @@ void MofClasses::declare(const MofClassSyntax& syntax) {
   }
   isSound = checkOverridingReferences(syntax) && isSound;
   if (!submit(syntax, declaration, isSound)) return _document.refuseClass(syntax.name.text);
-  if (pending.declared == nullptr) pending.declared = &syntax;
+  if (first.declared == nullptr) first.declared = &syntax;
 }
 
 // Declares the class; when it has faults already, only has it checked.

@@ -37,9 +37,10 @@ class MofClasses {
   };
 
   static std::string keyOf(const QORString& nameSpace, const QORString& name);
-  void declareWithSuperClasses(MofClassSyntax& syntax);
-  void declareOnce(MofClassSyntax& syntax);
-  void declare(const MofClassSyntax& syntax);
+  void declareWithSuperClasses(Pending& lowest);
+  // `first`: the first declaration of the class's name.
+  void declareOnce(MofClassSyntax& syntax, Pending& first);
+  void declare(const MofClassSyntax& syntax, Pending& first);
   bool submit(const MofClassSyntax& syntax, const CimClassDeclaration& declaration, bool isSound);
   bool hasSuperClass(const MofClassSyntax& syntax);
   void addFaults(const MofClassSyntax& syntax, const CimDeclarationRefusal& refusal);

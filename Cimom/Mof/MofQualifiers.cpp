@@ -112,6 +112,10 @@ AllowingScopes scopesFor(Element element) {
   }
 }
 
+constexpr Element kElements[] = {Element::Class,  Element::Property,  Element::Reference,
+                                 Element::Method, Element::Parameter, Element::ReferenceParameter};
+unsigned bitOf(Element element) { return 1U << static_cast<unsigned>(element); }
+
 bool isAllowed(const QORString& scope, const AllowingScopes& allowing) {
   if (isMofWord(scope.view(), "any")) return true;
   for (const char* const* allowed = allowing.scopes; *allowed != nullptr; ++allowed) {
@@ -189,8 +193,12 @@ std::string MofQualifiers::placeOfEarlier(const MofQualifierDeclarationSyntax& s
 }
 
 MofNameMap<MofQualifiers::Meaning>& MofQualifiers::meaningsIn(const QORString& nameSpace) {
-  const auto known = _meanings.find(nameSpace.view());
-  return known != _meanings.end() ? known->second : _meanings[std::string(nameSpace.view())];
+  if (_lastMeanings == nullptr || _lastNameSpace.view() != nameSpace.view()) {
+    const auto known = _meanings.find(nameSpace.view());
+    _lastMeanings = known != _meanings.end() ? &known->second : &_meanings[std::string(nameSpace.view())];
+    _lastNameSpace = nameSpace;
+  }
+  return *_lastMeanings;
 }
 
 const MofQualifiers::Meaning& MofQualifiers::meaningOf(const QORString& nameSpace, const QORString& name,
@@ -205,10 +213,11 @@ const MofQualifiers::Meaning& MofQualifiers::meaningOf(const QORString& nameSpac
                declared.toSubclass,
                declared.overridable,
                declared.translatable,
-               declared.scopes};
+               declared.scopes,
+               elementsRefusing(declared.scopes)};
   } else if (const StandardQualifier* const standard = findStandard(name); standard != nullptr) {
     meaning = {findMofType(standard->type), standard->isArray,      {}, standard->toSubclass,
-               standard->overridable,       standard->translatable, {}};
+               standard->overridable,       standard->translatable, {}, 0};
   }
   return meaning;
 }
@@ -260,16 +269,24 @@ CimQualifier MofQualifiers::resolve(const Meaning& meaning, const MofQualifierSy
   return qualifier;
 }
 
+unsigned MofQualifiers::elementsRefusing(const std::vector<QORString>& scopes) {
+  unsigned refusing = 0;
+  for (const Element element : kElements) {
+    const AllowingScopes allowing = scopesFor(element);
+    const bool isFree = scopes.empty() || std::any_of(scopes.begin(), scopes.end(), [&](const QORString& scope) {
+                          return isAllowed(scope, allowing);
+                        });
+    if (!isFree) refusing |= bitOf(element);
+  }
+  return refusing;
+}
+
 void MofQualifiers::checkScope(const Meaning& meaning, const MofQualifierSyntax& syntax, Element element) {
-  const AllowingScopes allowing = scopesFor(element);
-  const bool isFree =
-      meaning.scopes.empty() || std::any_of(meaning.scopes.begin(), meaning.scopes.end(),
-                                            [&](const auto& scope) { return isAllowed(scope, allowing); });
-  if (isFree) return;
+  if ((meaning.refusing & bitOf(element)) == 0) return;
   std::string declared;
   for (const QORString& scope : meaning.scopes) {
     declared += (declared.empty() ? "" : ", ") + std::string(scope.view());
   }
   throw MofFault{syntax.name.at, "qualifier " + std::string(syntax.name.text.view()) + " cannot stand on " +
-                                     allowing.what + ": its scope is " + declared};
+                                     scopesFor(element).what + ": its scope is " + declared};
 }

@@ -38,17 +38,21 @@ class MofQualifiers {
     bool overridable = true;
     bool translatable = false;
     std::vector<QORString> scopes;  // empty: it may stand anywhere
+    unsigned refusing = 0;          // the elements that the scopes leave out, a bit for each
   };
   std::string placeOfEarlier(const MofQualifierDeclarationSyntax& syntax) const;
   MofNameMap<Meaning>& meaningsIn(const QORString& nameSpace);
   const Meaning& meaningOf(const QORString& nameSpace, const QORString& name, MofNameMap<Meaning>& known);
   CimQualifier resolve(const Meaning& meaning, const MofQualifierSyntax& syntax);
+  static unsigned elementsRefusing(const std::vector<QORString>& scopes);
   static void checkScope(const Meaning& meaning, const MofQualifierSyntax& syntax, Element element);
 
   CimDeclarationSink& _sink;
   MofReport& _report;
   QORSlabs _values;                                        // they live as long as their classes
   MofNameMap<MofNameMap<Meaning>> _meanings;               // by namespace and name
+  QORString _lastNameSpace;                                // the one asked for last
+  MofNameMap<Meaning>* _lastMeanings = nullptr;            // its meanings; null at first
   std::unordered_map<std::string, MofLocation> _declared;  // likewise, folded; in this load
 };
 
