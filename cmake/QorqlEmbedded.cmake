@@ -35,8 +35,12 @@ add_custom_command(OUTPUT ${QORQL_GENERATED}/LinuxSchema.cpp
                    DEPENDS ${QORQL_SCHEMA} ${CMAKE_CURRENT_LIST_DIR}/QorqlSchema.cmake VERBATIM)
 
 file(GLOB QORQL_EMBEDDED_SOURCES CONFIGURE_DEPENDS Cimom/Embedded/*.cpp Cimom/Mof/*.cpp Cimom/Providers/*.cpp)
+# As a target of its own, what is generated waits for none of the libraries that the object manager is linked with, and its
+# sources are compiled before those are.
+add_custom_target(embedded_generated DEPENDS ${QORQL_GENERATED}/MofCacheFormat_generated.h ${QORQL_GENERATED}/LinuxSchema.cpp)
 add_library(embedded SHARED ${QORQL_EMBEDDED_SOURCES} ${QORQL_GENERATED}/MofCacheFormat_generated.h
                             ${QORQL_GENERATED}/LinuxSchema.cpp)
+add_dependencies(embedded embedded_generated)
 # Whoever links it finds it beside the object model.
 set_target_properties(embedded PROPERTIES OUTPUT_NAME qorqlembedded INSTALL_RPATH "$ORIGIN")
 target_include_directories(embedded SYSTEM PRIVATE ${QORQL_GENERATED})
