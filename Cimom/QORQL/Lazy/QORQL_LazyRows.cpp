@@ -89,8 +89,12 @@ QORQL_Extent::QORQL_Extent(const ObjectList& list) : _list(list), _cursor(std::i
 
 void QORQL_Extent::noteSomeObjects() {
   constexpr int kFew = 16;
-  const auto note = [this](const IQoriObject* object) {
-    noteObject(object, object == nullptr ? nullptr : object->getLayout());
+  LatestLayouts latest(this);
+  const auto note = [&](const IQoriObject* object) {
+    const IQoriLayout* const layout = object == nullptr ? nullptr : object->getLayout();
+    if (latest.has(layout)) return;
+    noteObject(object, layout);
+    latest.add(layout);
   };
   Cursor cursor(*_list.Get());
   for (int i = 0; i < kFew && ++cursor; ++i) note(cursor.key().Get());

@@ -66,6 +66,15 @@ QORSmrPtr<IQoriValue> QORQL_PropertyColumn::value(const IQoriObject* object) con
   return position < 0 ? QORSmrPtr<IQoriValue>() : object->getValueAt(static_cast<QORuint32>(position));
 }
 
+const IQoriType* QORQL_PropertyColumn::type(const QORQL_RowView& row) const noexcept {
+  const IQoriObject* const object = row.object(_column);
+  const QORsint32 position = object == nullptr ? -1 : positionIn(*object);
+  if (position < 0) return nullptr;
+  const QoriScalarKind kind = object->getScalarAt(static_cast<QORuint32>(position)).kind;
+  if (kind == QoriScalarKind::Null || kind == QoriScalarKind::Complex) return nullptr;
+  return object->getLayout()->getType(static_cast<QORuint32>(position)).Get();
+}
+
 void QORQL_PropertyColumn::fetch(const QORQL_RowBlock& block, QORuint64 first, std::size_t count,
                                  const IQoriObject** objects) const {
   block.fetch(*_extent, _column, first, count, objects);

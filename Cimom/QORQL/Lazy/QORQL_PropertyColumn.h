@@ -32,6 +32,9 @@ class QORQL_PropertyColumn {
   QoriScalar view(const IQoriObject* object) const noexcept;
   // The value of an object's property; null as above.
   QORSmrPtr<IQoriValue> value(const IQoriObject* object) const;
+  // BORROWS: the type of the row's value, as its object's layout tells it; null for no value, and for an array, a
+  // reference and an object.
+  const IQoriType* type(const QORQL_RowView& row) const noexcept;
   // The column's objects in `count` rows of the block that has it, from `first` on; null for none.
   void fetch(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, const IQoriObject** objects) const;
   // Whether the property lies at one offset in the cells of every object, so that reading it makes no call.

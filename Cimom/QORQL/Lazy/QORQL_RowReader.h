@@ -62,6 +62,9 @@ class QORQL_RowReader {
   // BORROWS: the property that such a slot is; its cells in the rows of block() can be read where they lie, without
   // selecting a row. REQUIRES such a slot.
   const QORQL_PropertyColumn& property(std::size_t slot) const noexcept;
+  // BORROWS: the type of such a slot's value on the selected row, as long as the row's object lives; null where there
+  // is no value, or one that is an array, a reference or an object. REQUIRES such a slot.
+  const IQoriType* propertyType(std::size_t slot) { return property(slot).type(currentView()); }
   const QORQL_RowBlock& block() const noexcept { return *_block; }
   // The selected row's object of a class or alias; null when absent.
   QORSmrPtr<IQoriObject> object(const QORString& className);

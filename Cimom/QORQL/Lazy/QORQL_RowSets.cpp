@@ -23,10 +23,14 @@ std::size_t QORQL_RowSets::blockOf(QORuint32 column) const noexcept {
 
 QORQL_RowSets QORQL_rowSetsOf(const QORQL_DataTable& table) {
   QORQL_RowSets sets;
-  QORValSlistIterator<QORSmrPtr<QORQL_TableHeader>> headers(*table.getColumnHeaderList());
+  const QORQL_DataTable::HeaderList list(table.getColumnHeaderList());
+  sets.columns.reserve(list->entries());
+  QORValSlistIterator<QORSmrPtr<QORQL_TableHeader>> headers(*list);
   while (++headers) sets.columns.push_back(headers.key());
   if (table.lazy() != nullptr) {
-    for (const QORQL_RowBlock& block : table.lazy()->rows()->blocks()) sets.blocks.push_back(block.columns);
+    const std::vector<QORQL_RowBlock>& blocks = table.lazy()->rows()->blocks();
+    sets.blocks.reserve(blocks.size());
+    for (const QORQL_RowBlock& block : blocks) sets.blocks.push_back(block.columns);
   } else if (!sets.columns.empty()) {
     sets.blocks.emplace_back(sets.columns.size());
     std::iota(sets.blocks.front().begin(), sets.blocks.front().end(), QORuint32{0});

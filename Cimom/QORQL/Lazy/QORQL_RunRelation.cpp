@@ -82,11 +82,12 @@ QoriScalarKind firstKind(const CellRelation& asked, const Rows& rows, QORuint64 
 }
 
 // Both put out the indices of the rows that hold, without a branch on that, which the processor could not predict, and
-// return how many there are; nothing when they meet what they are not made for. The first is for cells that all have
-// an integer of that kind.
+// return how many there are; nothing when they meet what they are not made for. Functions of their own, so that each
+// loop has all it needs at hand. The first is for cells that all have an integer of that kind.
 template <QoriScalarKind kKind, class Compare, class Rows>
-std::optional<std::size_t> selectDense(const Compare& compare, const CellRelation& asked, const Rows& rows,
-                                       QORuint64 first, QORuint64 end, QORuint32* out) noexcept {
+[[gnu::noinline]] std::optional<std::size_t> selectDense(const Compare& compare, const CellRelation& asked,
+                                                         const Rows& rows, QORuint64 first, QORuint64 end,
+                                                         QORuint32* out) noexcept {
   const char* const* const cells = asked.cells;
   const QORuint32 offset = asked.offset;
   const auto number = integerOf<kKind>(asked.literal);
@@ -104,8 +105,9 @@ std::optional<std::size_t> selectDense(const Compare& compare, const CellRelatio
 
 // The second is for integers and NULLs, which alternate: what else it meets adds up, without a branch on which it is.
 template <QoriScalarKind kKind, class Compare, class Rows>
-std::optional<std::size_t> selectWithNulls(const Compare& compare, const CellRelation& asked, const Rows& rows,
-                                           QORuint64 first, QORuint64 end, QORuint32* out) noexcept {
+[[gnu::noinline]] std::optional<std::size_t> selectWithNulls(const Compare& compare, const CellRelation& asked,
+                                                             const Rows& rows, QORuint64 first, QORuint64 end,
+                                                             QORuint32* out) noexcept {
   static_assert(static_cast<unsigned>(QoriScalarKind::Null) == 0);
   const char* const* const cells = asked.cells;
   const QORuint32 offset = asked.offset;

@@ -127,19 +127,19 @@ std::vector<QORString> QORQL_ResultReader::declaredNames(const QORString& fromNa
 
 namespace {
 
-// For each name, whether no other equals it.
-std::vector<bool> areUnique(const std::vector<QORString>& names) {
+// For each column, whether no other has its name.
+std::vector<bool> areUnique(const std::vector<QORQL_ResultReader::Column>& columns) {
   constexpr std::size_t kFew = 16;
-  std::vector<bool> unique(names.size(), true);
-  if (names.size() > kFew) {
+  std::vector<bool> unique(columns.size(), true);
+  if (columns.size() > kFew) {
     std::map<std::string, std::size_t> counts;
-    for (const QORString& name : names) ++counts[QORQL_foldedName(name)];
-    for (std::size_t i = 0; i < names.size(); ++i) unique[i] = counts[QORQL_foldedName(names[i])] == 1;
+    for (const auto& column : columns) ++counts[QORQL_foldedName(column.name)];
+    for (std::size_t i = 0; i < columns.size(); ++i) unique[i] = counts[QORQL_foldedName(columns[i].name)] == 1;
     return unique;
   }
-  for (std::size_t i = 0; i < names.size(); ++i) {
+  for (std::size_t i = 0; i < columns.size(); ++i) {
     for (std::size_t j = 0; j < i; ++j) {
-      if (names[i].isEqualCaseInsensitive(names[j])) unique[i] = unique[j] = false;
+      if (columns[i].name.isEqualCaseInsensitive(columns[j].name)) unique[i] = unique[j] = false;
     }
   }
   return unique;
@@ -164,16 +164,28 @@ QORString QORQL_ResultReader::fullNameOf(const Source& source) {
 }
 
 void QORQL_ResultReader::nameColumns() {
-  std::vector<QORString> shortNames;
-  shortNames.reserve(_sources.size());
-  _columns.reserve(_sources.size());
-  for (const Source& source : _sources) shortNames.push_back(shortNameOf(source));
-  const std::vector<bool> unique = areUnique(shortNames);
+  _columns.resize(_sources.size());
+  for (std::size_t i = 0; i < _sources.size(); ++i) _columns[i].name = shortNameOf(_sources[i]);
+  const std::vector<bool> unique = areUnique(_columns);
   for (std::size_t i = 0; i < _sources.size(); ++i) {
-    Column column;
-    column.name = unique[i] ? shortNames[i] : fullNameOf(_sources[i]);
-    _columns.push_back(std::move(column));
+    if (!unique[i]) _columns[i].name = fullNameOf(_sources[i]);
   }
+}
+
+// A property's layout tells the type of its value; other values are made.
+bool QORQL_ResultReader::typeColumn(std::size_t index) {
+  Column& column = _columns[index];
+  const bool isCell = _cellOffsets[index] != kNoCell;
+  if (const IQoriType* const type = isCell ? _reader->propertyType(_sources[index].slot) : nullptr; type != nullptr) {
+    column.typeName = type->getName();
+    column.isArray = type->isArray();
+    return true;
+  }
+  const QORSmrPtr<IQoriValue> found(value(index));
+  if (found.IsNull()) return false;
+  column.typeName = found->getType()->getName();
+  column.isArray = found->isArray();
+  return true;
 }
 
 // The first row that has a value tells the type.
@@ -185,11 +197,7 @@ void QORQL_ResultReader::typeColumns() {
     _reader->select(row);
     for (std::size_t i = 0; i < _columns.size() && _reader->hasRow(); ++i) {
       if (!_columns[i].typeName.isEmpty()) continue;
-      const QORSmrPtr<IQoriValue> found(value(i));
-      if (found.IsNull()) continue;
-      _columns[i].typeName = found->getType()->getName();
-      _columns[i].isArray = found->isArray();
-      --untyped;
+      if (typeColumn(i)) --untyped;
     }
   }
 }

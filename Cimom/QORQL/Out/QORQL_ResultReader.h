@@ -80,6 +80,8 @@ class QORQL_ResultReader {
   void nameColumns();
   static QORString shortNameOf(const Source& source);
   static QORString fullNameOf(const Source& source);
+  // Whether the current row tells the type of the column.
+  bool typeColumn(std::size_t index);
   void typeColumns();
   void tracePropertyOf(std::size_t index);
   void findOnlyClass();

@@ -196,16 +196,18 @@ bool mayBeLazy(QORQL_DataTable& table, const QORString& className, const QORStri
 void QORQL_Helper::updateTable(const QORString& name, QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
                                const QORString& nameSpace, const QORString& queryString,
                                const QORString& queryLanguage) {
-  const Source source(describe(*findSymbol(name, symbolTable)));
-  if (table->getColumnIndex(source.className) >= 0) return;
+  const QORSmrPtr<QORQL_Symbol> symbol(findSymbol(name, symbolTable));
+  if (table->getColumnIndex(symbol->getClassName()) >= 0) return;
+  const Source source(describe(*symbol));
   addTiedObjects(table, fetch(source, nameSpace, queryString, queryLanguage), source);
 }
 
 void QORQL_Helper::updateTable(const QORString& name, QORQL_SymbolTable& symbolTable, QORSmrPtr<QORQL_DataTable>& table,
                                const QORString& nameSpace, const QORSmrPtr<QORQL_Evaluatable>& comparison,
                                QORQL_Operator op, const QORString& queryString, const QORString& queryLanguage) {
-  const Source source(describe(*findSymbol(name, symbolTable)));
-  if (table->getColumnIndex(source.className) >= 0) return;
+  const QORSmrPtr<QORQL_Symbol> symbol(findSymbol(name, symbolTable));
+  if (table->getColumnIndex(symbol->getClassName()) >= 0) return;
+  const Source source(describe(*symbol));
   const ObjectList objects(fetch(source, nameSpace, queryString, queryLanguage));
   const QORQL_Comparison* const node = dynamic_cast<const QORQL_Comparison*>(comparison.Get());
   if (table->hasOpenTie(source.className)) {

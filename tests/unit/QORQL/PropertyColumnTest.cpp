@@ -138,6 +138,26 @@ TEST_F(PropertyColumn, IsNullWhereAnObjectLacksTheProperty) {
   EXPECT_TRUE(column->value(nullptr).IsNull());
 }
 
+// The type is that of the value, which need not be made; where there is none nothing tells it.
+TEST_F(PropertyColumn, TellsTheTypeOfAValue) {
+  QORQL_RowView row(fetched.rows());
+  for (const char* const name : {"Id", "K", "More"}) {
+    const auto column = QORQL_PropertyColumn::bind(fetched.rows(), 0, name);
+    ASSERT_TRUE(column.has_value());
+    EXPECT_EQ(column->type(row), nullptr);
+    for (QORuint32 i = 0; i < 100; ++i) {
+      QORQL_RowView one(fetched.rows());
+      one.select(0, i);
+      const QORSmrPtr<IQoriValue> value(column->value(one.object(0)));
+      const IQoriType* const type = column->type(one);
+      ASSERT_EQ(type == nullptr, value.IsNull()) << name << i;
+      if (type == nullptr) continue;
+      EXPECT_EQ(type->getName(), value->getType()->getName());
+      EXPECT_FALSE(type->isArray());
+    }
+  }
+}
+
 TEST_F(PropertyColumn, IsTheSameForTheSameProperty) {
   const auto column = QORQL_PropertyColumn::bind(fetched.rows(), 0, "K");
   EXPECT_TRUE(column->isSameAs(*QORQL_PropertyColumn::bind(fetched.rows(), 0, "K")));
