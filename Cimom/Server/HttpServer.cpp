@@ -105,11 +105,12 @@ __attribute__((format(printf, 2, 0))) void takeComplaint(void* given, const char
   std::vsnprintf(text, sizeof text, format, values);
   std::string_view line(text);
   while (line.ends_with('\n')) line.remove_suffix(1);
-  line = line.substr(0, line.find(" ('<html>"));  // the page that it sends
+  const std::size_t page = line.find(" ('<html>");  // that it sends
+  const std::string told = page == std::string_view::npos ? std::string(line) : std::string(line.substr(0, page)) + ')';
   if (complaints.isStarting) {
-    complaints.last = line;
+    complaints.last = told;
   } else if (!line.starts_with(kOwnRefusal)) {
-    complaints.log.complain(std::string(line));
+    complaints.log.complain(told);
   }
 }
 

@@ -1,4 +1,5 @@
 // Writes lines of JSON, without what may not stand there: a long query is cut, bytes that are no UTF-8 are replaced.
+// What ends a line or commands a terminal is escaped.
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Server/RequestLog.h"
 
@@ -7,6 +8,7 @@
 #include <cstdio>
 #include <exception>
 #include <nlohmann/json.hpp>
+#include <string_view>
 
 namespace {
 
@@ -34,8 +36,38 @@ void addIfThere(Json& line, const char* name, const std::string& text, std::size
   if (!text.empty()) line[name] = cut(text, longest);
 }
 
+// JSON leaves these characters as they are: DEL and the C1 controls, separators of lines, and those that turn the
+// direction of a text. 0 where `text` does not begin with one, else its code.
+unsigned unsafeCodeOf(std::string_view text) {
+  const auto byte = [text](std::size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U; };
+  if (byte(0) == 0x7F) return 0x7F;
+  if (byte(0) == 0xC2 && byte(1) < 0xA0) return byte(1);
+  if (byte(0) != 0xE2) return 0;
+  const unsigned code = 0x2000 + ((byte(1) & 0x3F) << 6) + (byte(2) & 0x3F);
+  return (code >= 0x2028 && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069) ? code : 0;
+}
+
+std::size_t bytesOf(unsigned code) { return code < 0x80 ? 1 : code < 0x800 ? 2 : 3; }
+
+// Such characters stand within strings alone.
+std::string withUnsafeEscaped(const std::string& json) {
+  std::string safe;
+  for (std::size_t i = 0; i < json.size();) {
+    const unsigned code = unsafeCodeOf(std::string_view(json).substr(i));
+    if (code == 0) {
+      safe += json[i++];
+      continue;
+    }
+    char escaped[8];
+    std::snprintf(escaped, sizeof escaped, "\\u%04x", code & 0xFFFF);
+    safe += escaped;
+    i += bytesOf(code);
+  }
+  return safe;
+}
+
 std::string textOf(const Json& line) {
-  return line.dump(-1, ' ', false, nlohmann::detail::error_handler_t::replace) + '\n';
+  return withUnsafeEscaped(line.dump(-1, ' ', false, nlohmann::detail::error_handler_t::replace)) + '\n';
 }
 
 std::string problemLine(const std::string& what, std::size_t longest) {

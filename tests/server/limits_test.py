@@ -104,6 +104,9 @@ class LimitsTest(ServerCase):
         self.assert_refused(server, head_of("GetClass", None), 411)
         self.assert_refused(server, head_of("GetClass", None, "Transfer-Encoding: gzip, chunked") + b"0\r\n\r\n", 501)
         self.assert_alive(server)
+        problems = [line["problem"] for line in server.log() if "problem" in line]
+        self.assertNotEqual(problems, [])
+        self.assertEqual([each for each in problems if each.count("(") != each.count(")")], [], "cut in the middle")
 
     def test_a_body_in_another_encoding_is_refused(self):
         connection = self.raw(self.serve_plant())

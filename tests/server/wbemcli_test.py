@@ -40,6 +40,8 @@ class Wbemcli(ServerCase):
         for name in ("-Name#=", "-Level", "-Remarks[]", "-Codes[]"):
             self.assertIn(name, told)
         self.assertIn("root/cimv2:P_FeedsHot", "\n".join(self.told("ec", "root/cimv2:P_Feeds", "-nl")))
+        # It prints a definition as it came.
+        self.assertTrue(self.told("gcd", "root/cimv2:P_Tank")[0].startswith('<CLASS NAME="P_Tank" '))
 
     def test_names_of_instances(self):
         self.assertEqual(self.told("ein", "root/cimv2:P_Tank"), ['root/cimv2:P_Tank.Name="t1"', 'root/cimv2:P_Tank.Name="t2"'])

@@ -62,4 +62,16 @@ TEST(RequestLog, WhatIsNoTextIsReplaced) {
   EXPECT_THAT(lineOf(made, kWhen), Not(HasSubstr("\xff")));
 }
 
+TEST(RequestLog, WhatEndsALineOrCommandsATerminalIsEscaped) {
+  RequestRecord made = record();
+  made.note.subject = "\x7f\xc2\x85\xc2\x9b\xe2\x80\xa8\xe2\x80\xa9\xe2\x80\xae\xe2\x81\xa6";
+  EXPECT_THAT(lineOf(made, kWhen), HasSubstr("\"\\u007f\\u0085\\u009b\\u2028\\u2029\\u202e\\u2066\""));
+}
+
+TEST(RequestLog, TextsOfOtherLanguagesStayReadable) {
+  RequestRecord made = record();
+  made.note.subject = "\xc2\xa0\xc3\xa4\xe2\x80\xa6\xe2\x82\xac\xe2\x81\xaa";
+  EXPECT_THAT(lineOf(made, kWhen), HasSubstr('"' + made.note.subject + '"'));
+}
+
 }  // namespace
