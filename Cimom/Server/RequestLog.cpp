@@ -47,7 +47,7 @@ unsigned unsafeCodeOf(std::string_view text) {
   return (code >= 0x2028 && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069) ? code : 0;
 }
 
-std::size_t bytesOf(unsigned code) { return code < 0x80 ? 1 : code < 0x800 ? 2 : 3; }
+std::size_t encodedBytesOf(unsigned code) { return code < 0x80 ? 1 : code < 0x800 ? 2 : 3; }
 
 // Such characters stand within strings alone.
 std::string withUnsafeEscaped(const std::string& json) {
@@ -61,7 +61,7 @@ std::string withUnsafeEscaped(const std::string& json) {
     char escaped[8];
     std::snprintf(escaped, sizeof escaped, "\\u%04x", code & 0xFFFF);
     safe += escaped;
-    i += bytesOf(code);
+    i += encodedBytesOf(code);
   }
   return safe;
 }

@@ -242,6 +242,30 @@ class IndicationTest(SubscriptionCase):
             self.assertEqual(len(listener.messages), 1 if isTaken else 0)
             server.stop()
 
+    def test_the_certificates_that_listeners_are_known_by_are_read_anew(self):
+        made = certificates.Certificates(self.folder)
+        context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+        context.load_cert_chain(*made.make("listener"))
+        listener = self.play(context=context)
+        settings = self.write("server.ini", "[server]\n")
+        server = self.serve_disks("--config", settings)
+        self.set_retry(server, 0, 0)
+        self.subscribe(server, listener.url)
+        self.alert(server, "x")
+        self.wait_for(lambda: self.queue(server, "Dropped") == 1)
+        self.write("server.ini", f"[server]\nlistener-ca = {made.authority}\n")
+        server.send_signal(signal.SIGHUP)
+        self.wait_for(lambda: "have been read anew" in server.log_text())
+        self.alert(server, "y")
+        self.wait_for(lambda: self.queue(server, "Delivered") == 1)
+        # What it was sent before does not let it in once its authority is gone.
+        self.write("server.ini", "[server]\n")
+        server.send_signal(signal.SIGHUP)
+        self.wait_for(lambda: server.log_text().count("have been read anew") == 2)
+        self.alert(server, "z")
+        self.wait_for(lambda: self.queue(server, "Dropped") == 2)
+        self.assertEqual(len(listener.messages), 1)
+
     def test_a_listener_of_the_tool_with_a_certificate_and_users(self):
         made = certificates.Certificates(self.folder)
         certificate, key = made.make("listener")

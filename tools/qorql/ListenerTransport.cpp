@@ -20,9 +20,13 @@ constexpr std::uint64_t kReplyBytes = std::uint64_t{1} << 20;
 
 class ListenerTransport final : public ExportTransport {
  public:
-  explicit ListenerTransport(std::unique_ptr<RemoteTransport> transport) : _transport(std::move(transport)) {}
+  // BORROWS isStopped.
+  ListenerTransport(std::string url, std::shared_ptr<const CurrentTrust> trust, const std::atomic<bool>& isStopped)
+      : _url(std::move(url)), _trust(std::move(trust)), _isStopped(isStopped) {}
 
   std::string post(const std::string& message) override {
+    const CurrentTrust::State now = _trust->get();
+    if (_transport == nullptr || now.version != _version) connectAnew(now);
     const std::unique_ptr<RemoteExchange> exchange =
         _transport->post({{"CIMExport: MethodRequest", "CIMExportMethod: ExportIndication"}, message, true});
     std::string reply;
@@ -32,23 +36,33 @@ class ListenerTransport final : public ExportTransport {
   }
 
  private:
-  const std::unique_ptr<RemoteTransport> _transport;
-};
-
-}  // namespace
-
-ExportTransportMaker listenerTransports(const ListenerTrust& trust) {
-  return [trust](const std::string& url, const std::atomic<bool>& isStopped) {
+  // Connections that there are were made by the trust before.
+  void connectAnew(const CurrentTrust::State& now) {
     RemoteEndpoint endpoint;
-    endpoint.url = url;
-    endpoint.caFile = trust.caFile;
-    endpoint.isInsecure = trust.isInsecure;
+    endpoint.url = _url;
+    endpoint.caFile = now.trust.caFile;
+    endpoint.isInsecure = now.trust.isInsecure;
     endpoint.credentials = std::make_shared<RemoteCredentials>("", std::nullopt, nullptr);
     RemoteLimits limits;
     limits.connectSeconds = kConnectSeconds;
     limits.slowSeconds = kSilentSeconds;
     limits.totalSeconds = kTotalSeconds;
     limits.replyBytes = kReplyBytes;
-    return std::make_unique<ListenerTransport>(remoteLibrary().makeTransport(endpoint, limits, isStopped));
+    _transport = remoteLibrary().makeTransport(endpoint, limits, _isStopped);
+    _version = now.version;
+  }
+
+  const std::string _url;
+  const std::shared_ptr<const CurrentTrust> _trust;
+  const std::atomic<bool>& _isStopped;
+  std::unique_ptr<RemoteTransport> _transport;
+  std::uint64_t _version = 0;
+};
+
+}  // namespace
+
+ExportTransportMaker listenerTransports(std::shared_ptr<const CurrentTrust> trust) {
+  return [trust = std::move(trust)](const std::string& url, const std::atomic<bool>& isStopped) {
+    return std::make_unique<ListenerTransport>(url, trust, isStopped);
   };
 }

@@ -136,7 +136,7 @@ class ServerRun {
     EventOptions events;
     events.storeFile = options.storeFile;
     events.indications.origin = thisMachine();
-    events.indications.makeTransport = listenerTransports(options.listeners);
+    events.indications.makeTransport = listenerTransports(_trust);
     return _library.makeEvents(events);
   }
 
@@ -184,6 +184,7 @@ class ServerRun {
     }
     _drainSeconds = static_cast<unsigned>(limitOf(options, "drain"));
     if (_live != nullptr) _live->setInterval(intervalOf(options));
+    _trust->set(options.listeners);
     tellOfKept(options);
   }
 
@@ -197,6 +198,7 @@ class ServerRun {
   const ServerSignals _signals;  // before every thread
   const ServeOptions _given;
   const ServeOptions _started;  // with the configuration as it was then
+  const std::shared_ptr<CurrentTrust> _trust = std::make_shared<CurrentTrust>(_started.listeners);
   ServerModule& _library;
   const PatientErrors _errors{_library};
   ServerTraits _traits;  // as they were at the start

@@ -250,7 +250,6 @@ ServeOptions withConfiguration(const ServeOptions& given) {
 std::vector<std::string> keptSettings(const ServeOptions& started, const ServeOptions& now) {
   const std::pair<const char*, bool> settings[] = {
       {"listen", started.addresses != now.addresses},
-      {"listener-ca", started.listeners.caFile != now.listeners.caFile},
       {"store", started.storeFile != now.storeFile},
       {"tls-cert", started.certificate.file != now.certificate.file},
       {"tls-key", started.certificate.keyFile != now.certificate.keyFile},
