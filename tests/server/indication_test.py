@@ -256,6 +256,9 @@ class IndicationTest(SubscriptionCase):
         self.write("server.ini", f"[server]\nlistener-ca = {made.authority}\n")
         server.send_signal(signal.SIGHUP)
         self.wait_for(lambda: "have been read anew" in server.log_text())
+        self.write("server.ini", "[server]\nlistener-ca = none\n")
+        server.send_signal(signal.SIGHUP)
+        self.wait_for(lambda: "there are no certificates of listeners in none" in server.log_text())
         self.alert(server, "y")
         self.wait_for(lambda: self.queue(server, "Delivered") == 1)
         # What it was sent before does not let it in once its authority is gone.

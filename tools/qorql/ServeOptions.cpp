@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <fstream>
 #include <functional>
 #include <stdexcept>
 #include <string_view>
@@ -175,6 +176,12 @@ void requireCertificate(const ServeOptions& options) {
   throw std::runtime_error("--tls-cert and --tls-key go together");
 }
 
+// Which would be noticed by the first indication only.
+void requireListenerCa(const std::string& path) {
+  if (path.empty() || std::ifstream(path).peek() != std::ifstream::traits_type::eof()) return;
+  throw std::runtime_error("there are no certificates of listeners in " + path);
+}
+
 }  // namespace
 
 void declareServeOptions(CLI::App& app, ServeOptions& options) {
@@ -243,6 +250,7 @@ ServeOptions withConfiguration(const ServeOptions& given) {
   }
   if (!reading.fault.empty()) throw std::runtime_error("--set " + reading.fault);
   requireCertificate(out);
+  requireListenerCa(out.listeners.caFile);
   if (out.addresses.empty()) out.addresses.emplace_back(kDefaultAddress);
   return out;
 }
