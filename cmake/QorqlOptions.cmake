@@ -36,7 +36,7 @@ endfunction()
 function(qorql_library_options target)
   qorql_target_options(${target})
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    target_compile_options(${target} PRIVATE -fno-semantic-interposition)
+    target_compile_options(${target} PRIVATE -fno-semantic-interposition -fno-devirtualize-speculatively)
   endif()
 endfunction()
 
