@@ -32,7 +32,8 @@ endfunction()
 
 # The same for a library of our own: calls within it go straight to its own
 # functions, and may be inlined, as clang has it without being told. Calls
-# between libraries stay as they are.
+# between libraries stay as they are. A virtual call is made as it is written: g++ would compare its target with the one
+# that it knows first, while objects are nearly always those of another library.
 function(qorql_library_options target)
   qorql_target_options(${target})
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
