@@ -40,7 +40,7 @@ void refuseFilter(const CimXmlRequest& request) {
   try {
     QORQL_Statement(*query, request.nameSpace).parse();
   } catch (const QoriBaseException& error) {
-    throw CimStatusException(cimstatus::kInvalidQuery, error.getMessage().view());
+    throw CimStatusException(cimstatus::kInvalidQuery, QueryRows::messageOf(error, *query));
   }
   throw CimStatusException(cimstatus::kFilteredEnumerationNotSupported,
                            "enumerations are not filtered here: OpenQueryInstances runs a query");

@@ -23,15 +23,6 @@ constexpr const char* kLanguages[] = {"DMTF:CQL", "CIM:CQL", "CQL", "WQL"};
 constexpr QORuint64 kRowsBetweenLooks = 1024;
 constexpr QORuint64 kRowBytes = 1024;  // at most, where there was no table that took as many
 
-// The engine's message, with the place of the word at fault.
-std::string messageOf(const QoriBaseException& error, const QORString& text) {
-  std::string message(error.getMessage().view());
-  const QORQL_Fault* const fault = QORQL_faultOf(error);
-  if (fault == nullptr || !fault->hasPlace()) return message;
-  const QORQL_Place place = QORQL_placeOf(text.view(), fault->offset);
-  return message + " (line " + std::to_string(place.line) + ", column " + std::to_string(place.column) + ")";
-}
-
 // Whether it is the query that is wrong, though only the rows show it: to the engine, or to the values that it computes
 // with.
 bool isOfQuery(const QoriBaseException& error) noexcept {
@@ -45,6 +36,14 @@ std::vector<QORString> namesOf(const std::vector<CimPropertyDeclaration>& proper
 }
 
 }  // namespace
+
+std::string QueryRows::messageOf(const QoriBaseException& error, const QORString& text) {
+  std::string message(error.getMessage().view());
+  const QORQL_Fault* const fault = QORQL_faultOf(error);
+  if (fault == nullptr || !fault->hasPlace()) return message;
+  const QORQL_Place place = QORQL_placeOf(text.view(), fault->offset);
+  return message + " (line " + std::to_string(place.line) + ", column " + std::to_string(place.column) + ")";
+}
 
 // One statement while it is run.
 class QueryRows::Run {

@@ -23,6 +23,9 @@ class QueryRows {
   // THROWS CimStatusException 14 when nobody knows it.
   static void requireLanguage(const QORString& language);
 
+  // What the engine says of a text that it refuses, with the place of the word at fault.
+  static std::string messageOf(const QoriBaseException& error, const QORString& text);
+
   // Runs the statement, and looks for what can fail later. THROWS CimStatusException: a language that is unknown 14; a
   // text that the engine refuses 15, with its message; a query that takes too long, or too much memory, 27; what fails
   // otherwise 1. What providers throw passes through.

@@ -33,7 +33,7 @@ inline constexpr std::size_t kSign = 21;  // where "+", "-" or ":" stands
 
 // Reads digits eight at a time, without a branch for each: what most texts consist of.
 struct DigitReader {
-  static constexpr std::uint64_t kHigh = 0xf0f0f0f0f0f0f0f0;
+  static constexpr std::uint64_t kHigh = 0xf0f0f0f0f0f0f0f0;  // the high halves of eight bytes
 
   const char* text;
   std::uint64_t read = 0;  // what the high halves of its bytes tell of all characters so far

@@ -233,7 +233,9 @@ TEST_F(Pulls, FiltersAreRefusedWithTheReason) {
   Asked foreign = opening();
   EXPECT_EQ(refused(foreign.text("FilterQuery", "Size > 1").text("FilterQueryLanguage", "DMTF:FQL")), 14U);
   Asked wrong = opening();
-  EXPECT_EQ(refused(wrong.text("FilterQuery", "Size >").text("FilterQueryLanguage", "CQL")), 15U);
+  const std::string told = textFor(wrong.text("FilterQuery", "Size >").text("FilterQueryLanguage", "CQL"));
+  EXPECT_EQ(wrong.note.status, 15U);
+  EXPECT_THAT(told, ::testing::HasSubstr("(line 1, column 1)"));
   Asked right = opening();
   EXPECT_EQ(refused(right.text("FilterQuery", "SELECT * FROM CIM_Disk").text("FilterQueryLanguage", "CQL")), 25U);
 }
