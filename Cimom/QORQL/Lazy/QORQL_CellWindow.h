@@ -10,7 +10,7 @@
 #include "Cimom/QORQL/Lazy/QORQL_PropertyColumn.h"
 
 // A caller that reads the rows in order finds most cells here. A row out of order is
-// read alone, so that no cell is read in vain. Only properties are read: that
+// read alone, so that hardly a cell is read in vain. Only properties are read: that
 // makes no calls and cannot fail.
 class QORQL_CellWindow {
  public:
@@ -37,13 +37,21 @@ class QORQL_CellWindow {
 
  private:
   static constexpr std::size_t kBatch = QORQL_PropertyColumn::kBatch;
+  // So many objects of a column are more than the processor's caches hold: while the caller works on one window, the
+  // next is read and the one after it asked for.
+  static constexpr QORuint32 kManyObjects = 4096;
 
   // Before the first cell is read, when all columns are known.
   void begin();
   void fill(const QORQL_RowBlock& block, QORuint64 row);
-  // Read the window's rows.
-  void readCells(const QORQL_RowBlock& block);
-  void readObjects(const QORQL_RowBlock& block);
+  // Reads the rows behind the window, and asks for the cells of those behind these.
+  void readAhead(const QORQL_RowBlock& block);
+  // Reads the cells of some rows.
+  void read(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, QoriScalar* out) const;
+  // Calls use(number, cells) for each column with what its objects give for some rows. REQUIRES that all read cells.
+  template <class Use>
+  void forEachColumn(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, const Use& use) const;
+  void readObjects(const QORQL_RowBlock& block, QORuint64 first, std::size_t count, QoriScalar* out) const;
   // Whether the column's objects are those of the column before it.
   bool isFetched(std::size_t number) const noexcept {
     return number != 0 && _columns[number].column() == _columns[number - 1].column();
@@ -52,9 +60,11 @@ class QORQL_CellWindow {
   std::vector<QORQL_PropertyColumn> _columns;
   std::unique_ptr<std::byte[]> _memory;
   QoriScalar* _cells = nullptr;  // kBatch for each column, in that memory; none is looked at before it is read
+  QoriScalar* _ahead = nullptr;  // as many, of the rows behind the window; null where no column has many objects
   QORuint64 _first = 0;
   std::size_t _count = 0;
-  bool _readsCells = false;  // whether all columns do
+  std::size_t _aheadCount = 0;  // how many rows behind the window have been read
+  bool _readsCells = false;     // whether all columns do
 };
 
 #endif

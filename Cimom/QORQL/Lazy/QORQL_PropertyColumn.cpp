@@ -87,7 +87,7 @@ void QORQL_PropertyColumn::read(const IQoriObject* const* objects, std::size_t c
     const QORuint32 position = static_cast<QORuint32>(_onlyPosition);
     for (std::size_t i = 0; i < count; ++i) {
       out[i] = objects[i] == nullptr ? QoriScalar() : objects[i]->getScalarAt(position);
-      if (hasText(out[i])) __builtin_prefetch(out[i].text->data());
+      prefetchText(out[i]);
     }
   }
 }
@@ -96,7 +96,7 @@ void QORQL_PropertyColumn::read(const char* const* cells, std::size_t count, Qor
   const QORuint32 offset = _offset;
   for (std::size_t i = 0; i < count; ++i) {
     out[i] = viewIn(cells[i], offset);
-    if (hasText(out[i])) __builtin_prefetch(out[i].text->data());
+    prefetchText(out[i]);
   }
 }
 

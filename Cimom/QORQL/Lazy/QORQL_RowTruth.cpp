@@ -100,9 +100,7 @@ class LikeTruth final : public QORQL_RowTruth {
     _leftRun.read(block, first, count);
     _rightRun.read(block, first, count);
     // Takes less time than to wait for one text after the other.
-    for (std::size_t i = 0; i < count; ++i) {
-      if (QORQL_PropertyColumn::hasText(_leftRun[i])) __builtin_prefetch(_leftRun[i].text->data());
-    }
+    for (std::size_t i = 0; i < count; ++i) QORQL_PropertyColumn::prefetchText(_leftRun[i]);
     for (std::size_t i = 0; i < count; ++i) {
       const QoriScalar& left = _leftRun[i];
       const QoriScalar& right = _rightRun[i];

@@ -55,13 +55,8 @@ std::size_t QORQL_SortKeys::addIntegers(const QoriScalar* keys, std::size_t coun
   return done;
 }
 
-// The complete timestamps at the front of the keys. All texts are asked for before the first is read; each may reach
-// into the line of the cache behind that where it begins.
+// The complete timestamps at the front of the keys.
 std::size_t QORQL_SortKeys::addTimestamps(const QoriScalar* keys, std::size_t count) {
-  constexpr std::size_t kEnd = 24;
-  for (std::size_t i = 0; i < count; ++i) {
-    if (keys[i].kind == QoriScalarKind::DateTime) __builtin_prefetch(keys[i].text->data() + kEnd);
-  }
   const std::size_t start = _entries.size();
   _entries.resize(start + count);
   QORQL_SortEntry* const entries = _entries.data() + start;
