@@ -2,6 +2,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Cimom/Embedded/Restrictor.h"
 
+#include <algorithm>
+#include <cstddef>
+
 #include "Cimom/Embedded/NameMap.h"
 
 namespace embedded {
@@ -13,7 +16,10 @@ std::string propertyNamesKey(const CIMApi::PropertyNames& names) {
   while (++each) {
     const std::string_view name = each.key().view();
     key.append(std::to_string(name.size())).push_back(':');
-    for (const char c : name) key.push_back(foldCase(c));
+    const std::size_t start = key.size();
+    key.append(name);
+    std::transform(key.begin() + static_cast<std::ptrdiff_t>(start), key.end(),
+                   key.begin() + static_cast<std::ptrdiff_t>(start), foldCase);
   }
   return key;
 }

@@ -16,7 +16,7 @@ void QORQL_DataTable::addColumn(const QORSmrPtr<QORQL_TableHeader>& header, QORu
   if (index > getColumnCount()) QORQL_logAndThrow(Messages::kColumnIndexTooGreat);
   _columnHeader->insertAt(index, header);
   if (!addToRows) return;
-  QORValSlistIterator<QORSmrPtr<QORQL_DataRow>> rows(*_rows);
+  QORValSlistIterator<QORSmrPtr<QORQL_DataRow>> rows(*ownRows());
   while (++rows) {
     if (!rows.key().IsNull()) rows.key()->addCell(index, QORSmrPtr<IQoriObject>());
   }
@@ -32,7 +32,7 @@ void QORQL_DataTable::addRow(const QORSmrPtr<QORQL_DataRow>& row) {
   if (row.IsNull()) return;
   materialise();
   if (row->getCellCount() > getColumnCount()) QORQL_logAndThrow(Messages::kRowInconsistent);
-  _rows->append(row);
+  ownRows()->append(row);
   row->setParentTable(this);
 }
 
@@ -59,12 +59,12 @@ QORSmrPtr<IQoriObject> QORQL_DataTable::getCell(QORuint32 row, QORuint32 column)
 
 QORSmrPtr<QORQL_DataRow> QORQL_DataTable::getRow(QORuint32 index) {
   materialise();
-  return _rows->at(index);
+  return ownRows()->at(index);
 }
 
 QORQL_DataTable::RowList QORQL_DataTable::getRows() {
   materialise();
-  return _rows;
+  return ownRows();
 }
 
 QORSmrPtr<QORQL_TableHeader> QORQL_DataTable::getColumnHeader(QORuint32 index) const {

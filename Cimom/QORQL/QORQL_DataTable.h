@@ -120,11 +120,12 @@ class QORQL_DataTable {
 
  private:
   void checkCell(QORuint32 row, QORuint32 column) const;
+  RowList& ownRows();
   // The first column of that name other than `leftOut`; -1 when there is none.
   QORsint32 findColumn(const QORString& name, QORsint32 leftOut) const;
 
   HeaderList _columnHeader;
-  RowList _rows;
+  RowList _rows;  // null until somebody needs it
   QORboolean _isUpdatedByNestedExpression = false;
   QORString _hostAddress = QORString::emptyString();
   QORString _hostPort = QORString::emptyString();

@@ -41,7 +41,7 @@ struct SimulatedTable {
   void addColumn(const QORString& className, const QORString& alias, bool staysLazy) {
     staysLazy = staysLazy && !hasColumn(className) && !hasColumn(alias);
     sets.blocks.push_back({static_cast<QORuint32>(sets.columns.size())});
-    sets.columns.emplace_back(new QORQL_TableHeader(className, alias, QORString::emptyString()));
+    sets.columns.push_back(QORSmrPtr<QORQL_TableHeader>::Make(className, alias, QORString::emptyString()));
     if (!isLazy || !staysLazy) makeRows();
   }
   void makeRows() {
@@ -55,15 +55,15 @@ struct SimulatedTable {
 
  private:
   // Makes one set of those that are chosen; it comes last.
-  void merge(const std::vector<std::size_t>& chosen) {
-    std::vector<std::vector<QORuint32>> kept;
-    std::vector<QORuint32> merged;
+  void merge(const QORQL_BlockList& chosen) {
+    decltype(sets.blocks) kept;
+    QORQL_ColumnList merged;
     for (std::size_t i = 0; i < sets.blocks.size(); ++i) {
-      const std::vector<QORuint32>& block = sets.blocks[i];
+      const QORQL_ColumnList& block = sets.blocks[i];
       if (std::find(chosen.begin(), chosen.end(), i) == chosen.end()) {
         kept.push_back(block);
       } else {
-        merged.insert(merged.end(), block.begin(), block.end());
+        merged.append(block.begin(), block.end());
       }
     }
     std::sort(merged.begin(), merged.end());
@@ -71,7 +71,8 @@ struct SimulatedTable {
     sets.blocks = std::move(kept);
   }
   void mergeAll() {
-    std::vector<std::size_t> all(sets.blocks.size());
+    QORQL_BlockList all;
+    all.resize(sets.blocks.size());
     std::iota(all.begin(), all.end(), std::size_t{0});
     if (!all.empty()) merge(all);
   }
@@ -268,7 +269,7 @@ class QORQL_Explanation::Simulation {
     if (_table.sets.blocks.size() < 2) return;
     Step step;
     step.kind = Step::kCombine;
-    for (const std::vector<QORuint32>& block : _table.sets.blocks) {
+    for (const QORQL_ColumnList& block : _table.sets.blocks) {
       std::string names;
       for (const QORuint32 column : block) {
         names += (names.empty() ? "" : " with ") + _texts.nameOf(_table.sets.columns[column]->getName());

@@ -58,8 +58,8 @@ void chooseRecordedColumns(const QORQL_Condition& condition, const QORQL_RowSets
   plan.right.recordedColumn = hasOneClassEach ? sets.columnOf(*right) : 0;
 }
 
-std::vector<std::size_t> touchedBlocks(const QORQL_ConditionPlan& plan, const QORQL_RowSets& sets) {
-  std::vector<std::size_t> blocks;
+QORQL_BlockList touchedBlocks(const QORQL_ConditionPlan& plan, const QORQL_RowSets& sets) {
+  QORQL_BlockList blocks;
   const auto touch = [&](QORuint32 column) {
     const std::size_t block = sets.blockOf(column);
     const bool isNew = std::find(blocks.begin(), blocks.end(), block) == blocks.end();
@@ -82,7 +82,7 @@ std::vector<std::size_t> touchedBlocks(const QORQL_ConditionPlan& plan, const QO
 
 // Where a set is the recorded column alone, each of its rows is one object: rows tell which objects have a partner.
 bool isRecordedByRow(const QORQL_PlannedSide& side, const QORQL_RowSets& sets) {
-  const std::vector<QORuint32>& block = sets.blocks[*side.block];
+  const QORQL_ColumnList& block = sets.blocks[*side.block];
   return block.size() == 1 && static_cast<QORsint32>(block.front()) == side.recordedColumn;
 }
 

@@ -5,8 +5,8 @@
 #define QORQL_CONDITIONPLAN_H
 
 #include <optional>
-#include <vector>
 
+#include "Cimom/QORQL/Lazy/QORQL_LazyRows.h"
 #include "Cimom/QORQL/Lazy/QORQL_RowSets.h"
 #include "Cimom/QORQL/QORQL_Comparison.h"
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
@@ -16,7 +16,7 @@
 // What one side of a condition names.
 struct QORQL_ConditionSide {
   // The class names of its factors, in order, empty ones too; the factors' own strings.
-  std::vector<QORSmrPtr<QORString>> classNames;
+  QORQL_FewList<QORSmrPtr<QORString>, 2> classNames;
   // Whether its classes become columns before the condition is applied: not on the right of ISA, whose names are
   // classes.
   bool isFetched = false;
@@ -52,7 +52,7 @@ struct QORQL_Condition {
 
 // What one side of a condition reads of a table.
 struct QORQL_PlannedSide {
-  std::vector<QORuint32> columns;    // of the classes that it names, in order; one may come twice
+  QORQL_ColumnList columns;          // of the classes that it names, in order; one may come twice
   std::optional<std::size_t> block;  // the one set of rows that they lie in; none when there are several, or no columns
   // Of an outer join: the column whose objects are recorded as having a partner or not; -1: none are.
   QORsint32 recordedColumn = -1;
@@ -78,7 +78,7 @@ struct QORQL_ConditionPlan {
   QORQL_PlannedSide right;
   // The sets of rows that it touches, in the order of their first columns. The others are left alone, since their rows
   // only repeat its outcome.
-  std::vector<std::size_t> blocks;
+  QORQL_BlockList blocks;
   Way way = kFilter;
   // How the rows are tested one by one; for a join, what is done when its keys turn out to be not comparable.
   Way rowByRow = kFilter;

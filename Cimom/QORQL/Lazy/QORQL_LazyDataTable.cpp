@@ -8,7 +8,7 @@
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 
-QORQL_DataTable::QORQL_DataTable() : _columnHeader(HeaderList::Make()), _rows(RowList::Make()) {}
+QORQL_DataTable::QORQL_DataTable() : _columnHeader(HeaderList::Make()) {}
 
 // Adds the table's own, empty list to itself: callers rely on adding columns themselves.
 QORQL_DataTable::QORQL_DataTable(const HeaderList& /*headers*/) : QORQL_DataTable() {
@@ -16,6 +16,7 @@ QORQL_DataTable::QORQL_DataTable(const HeaderList& /*headers*/) : QORQL_DataTabl
 }
 
 QORQL_DataTable::~QORQL_DataTable() {
+  if (_rows.IsNull()) return;
   QORValSlistIterator<QORSmrPtr<QORQL_DataRow>> rows(*_rows);
   while (++rows) {
     QORQL_DataRow* const row = rows.key().Get();
@@ -23,14 +24,19 @@ QORQL_DataTable::~QORQL_DataTable() {
   }
 }
 
+QORQL_DataTable::RowList& QORQL_DataTable::ownRows() {
+  if (_rows.IsNull()) _rows = RowList::Make();
+  return _rows;
+}
+
 void QORQL_DataTable::setRows(const RowList& rows) {
   _lazy.reset();
-  _rows->clear();
+  ownRows()->clear();
   addRows(rows);
 }
 
 QORuint32 QORQL_DataTable::getRowCount() const noexcept {
-  if (_lazy == nullptr) return _rows->entries();
+  if (_lazy == nullptr) return _rows.IsNull() ? 0 : _rows->entries();
   constexpr QORuint64 kGreatest = std::numeric_limits<QORuint32>::max();
   const QORuint64 count = _lazy->rows()->rowCount();
   return static_cast<QORuint32>(count < kGreatest ? count : kGreatest);
@@ -61,6 +67,6 @@ void QORQL_DataTable::materialise() {
       made.last()->setParentTable(this);
     }
   }
-  *_rows = std::move(made);
+  *ownRows() = std::move(made);
   _lazy.reset();
 }

@@ -58,7 +58,7 @@ class PairCollector {
  public:
   PairCollector(const QORQL_RowBlock& outer, const QORQL_RowBlock& inner) : _outer(outer), _inner(inner) {
     _result.columns = outer.columns;
-    _result.columns.insert(_result.columns.end(), inner.columns.begin(), inner.columns.end());
+    _result.columns.append(inner.columns.begin(), inner.columns.end());
     std::sort(_result.columns.begin(), _result.columns.end());
     fillPlaces(outer, _outerPlaces);
     fillPlaces(inner, _innerPlaces);

@@ -309,10 +309,10 @@ void QORQL_LazyRows::addExtent(std::shared_ptr<const QORQL_Extent> extent) {
   _blocks.push_back(std::move(block));
 }
 
-std::vector<QORuint32> QORQL_LazyRows::columnsOf(const std::vector<std::size_t>& blockNumbers) const {
-  std::vector<QORuint32> columns;
+QORQL_ColumnList QORQL_LazyRows::columnsOf(const QORQL_BlockList& blockNumbers) const {
+  QORQL_ColumnList columns;
   for (const std::size_t number : blockNumbers) {
-    columns.insert(columns.end(), _blocks[number].columns.begin(), _blocks[number].columns.end());
+    columns.append(_blocks[number].columns.begin(), _blocks[number].columns.end());
   }
   std::sort(columns.begin(), columns.end());
   return columns;
@@ -345,7 +345,7 @@ struct ProductColumn {
 };
 
 std::vector<ProductColumn> productColumns(const QORQL_RowBlock& a, const QORQL_RowBlock& b,
-                                          const std::vector<QORuint32>& columns) {
+                                          const QORQL_ColumnList& columns) {
   std::vector<ProductColumn> result;
   for (const QORuint32 column : columns) {
     const auto inA = std::lower_bound(a.columns.begin(), a.columns.end(), column);
@@ -361,7 +361,7 @@ std::vector<ProductColumn> productColumns(const QORQL_RowBlock& a, const QORQL_R
 QORQL_RowBlock product(const QORQL_RowBlock& a, const QORQL_RowBlock& b) {
   QORQL_RowBlock result;
   result.columns = a.columns;
-  result.columns.insert(result.columns.end(), b.columns.begin(), b.columns.end());
+  result.columns.append(b.columns.begin(), b.columns.end());
   std::sort(result.columns.begin(), result.columns.end());
   const std::vector<ProductColumn> sources = productColumns(a, b, result.columns);
   if (__builtin_mul_overflow(a.rowCount, b.rowCount, &result.rowCount)) throw std::bad_alloc();
@@ -382,16 +382,15 @@ QORQL_RowBlock product(const QORQL_RowBlock& a, const QORQL_RowBlock& b) {
 
 }  // namespace
 
-std::size_t QORQL_LazyRows::multiply(const std::vector<std::size_t>& blockNumbers) {
+std::size_t QORQL_LazyRows::multiply(const QORQL_BlockList& blockNumbers) {
   QORQL_RowBlock joined = _blocks[blockNumbers.front()];
   for (std::size_t i = 1; i < blockNumbers.size(); ++i) joined = product(joined, _blocks[blockNumbers[i]]);
   return replaceBlocks(blockNumbers, std::move(joined));
 }
 
-std::size_t QORQL_LazyRows::replaceBlocks(const std::vector<std::size_t>& blockNumbers, QORQL_RowBlock&& block) {
-  std::vector<QORQL_RowBlock> kept;
+std::size_t QORQL_LazyRows::replaceBlocks(const QORQL_BlockList& blockNumbers, QORQL_RowBlock&& block) {
+  Blocks kept;
   std::size_t place = 0;
-  kept.reserve(_blocks.size());
   _blocks[blockNumbers.front()] = std::move(block);
   for (std::size_t number = 0; number < _blocks.size(); ++number) {
     const bool stays = number == blockNumbers.front() ||
@@ -405,7 +404,8 @@ std::size_t QORQL_LazyRows::replaceBlocks(const std::vector<std::size_t>& blockN
 
 void QORQL_LazyRows::flatten() {
   if (_blocks.size() < 2) return;
-  std::vector<std::size_t> all(_blocks.size());
+  QORQL_BlockList all;
+  all.resize(_blocks.size());
   std::iota(all.begin(), all.end(), std::size_t{0});
   if (rowCount() != 0) {
     multiply(all);

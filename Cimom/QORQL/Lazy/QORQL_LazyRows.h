@@ -10,6 +10,7 @@
 #include <optional>
 #include <vector>
 
+#include "Cimom/QORQL/QORQL_FewList.h"
 #include "cimom/IQoriObject.h"
 #include "cmpbase.h"
 
@@ -119,11 +120,15 @@ class QORQL_Extent {
 // Index of an absent object.
 inline constexpr QORuint32 QORQL_kNoObject = 0xffffffffU;
 
+// Numbers of columns, and of blocks.
+using QORQL_ColumnList = QORQL_FewList<QORuint32, 4>;
+using QORQL_BlockList = QORQL_FewList<std::size_t, 4>;
+
 // Tuples over some of the columns, in row order. A block over one column
 // without tuples of its own stands for all objects of the extent.
 struct QORQL_RowBlock {
-  std::vector<QORuint32> columns;  // ascending
-  std::vector<QORuint32> tuples;   // rowCount x columns.size(), unless isWholeExtent
+  QORQL_ColumnList columns;       // ascending
+  std::vector<QORuint32> tuples;  // rowCount x columns.size(), unless isWholeExtent
   bool isWholeExtent = false;
   QORuint64 rowCount = 0;
 
@@ -159,14 +164,16 @@ struct QORQL_RowBlock {
 // the row order is ascending over all columns. A single block may have any order.
 class QORQL_LazyRows {
  public:
+  using Blocks = QORQL_FewList<QORQL_RowBlock, 2>;
+
   // The cross product with a further column. REQUIRES a list without null elements.
   void addExtent(std::shared_ptr<const QORQL_Extent> extent);
 
   std::size_t columnCount() const noexcept { return _extents.size(); }
   QORuint64 rowCount() const noexcept;
   const QORQL_Extent& extent(std::size_t column) const noexcept { return *_extents[column]; }
-  std::vector<QORQL_RowBlock>& blocks() noexcept { return _blocks; }
-  const std::vector<QORQL_RowBlock>& blocks() const noexcept { return _blocks; }
+  Blocks& blocks() noexcept { return _blocks; }
+  const Blocks& blocks() const noexcept { return _blocks; }
 
   const IQoriObject* object(QORuint32 column, QORuint32 index) const {
     return index == QORQL_kNoObject ? nullptr : _extents[column]->object(index);
@@ -176,20 +183,20 @@ class QORQL_LazyRows {
   }
 
   // Joins two or more blocks into one that holds their product in row order. Returns the number that it has then.
-  std::size_t multiply(const std::vector<std::size_t>& blockNumbers);
+  std::size_t multiply(const QORQL_BlockList& blockNumbers);
   // Replaces two or more blocks by the given one. Returns the number that it has then.
-  std::size_t replaceBlocks(const std::vector<std::size_t>& blockNumbers, QORQL_RowBlock&& block);
+  std::size_t replaceBlocks(const QORQL_BlockList& blockNumbers, QORQL_RowBlock&& block);
   // Leaves one block over all columns, in row order.
   void flatten();
   // The columns of some blocks, ascending.
-  std::vector<QORuint32> columnsOf(const std::vector<std::size_t>& blockNumbers) const;
+  QORQL_ColumnList columnsOf(const QORQL_BlockList& blockNumbers) const;
 
   // Puts a block's tuples into ascending order.
   static void sortTuples(QORQL_RowBlock& block);
 
  private:
   std::vector<std::shared_ptr<const QORQL_Extent>> _extents;
-  std::vector<QORQL_RowBlock> _blocks;
+  Blocks _blocks;
 };
 
 // One row of lazy rows: an object for each column that has been selected. That of a

@@ -12,6 +12,15 @@ QORSmrPtr<QORValSlist<QORString>> allNames(const IQoriObject& object) {
   return names;
 }
 
+const QORSmrPtr<QORValSlist<QORString>>& keptNames(const QORQL_LazyCell& cell) {
+  if (cell.propertyList.IsNull()) {
+    auto names = QORSmrPtr<QORValSlist<QORString>>::Make();
+    for (const QORString& name : cell.properties) names->append(name);
+    cell.propertyList = names;
+  }
+  return cell.propertyList;
+}
+
 }  // namespace
 
 QORQL_LazyRows& QORQL_LazyTable::ownRows() {
@@ -24,7 +33,7 @@ QORQL_LazyResults& QORQL_LazyTable::ownResults() {
   return *_results;
 }
 
-void QORQL_LazyTable::project(std::vector<QORQL_LazyCell> cells, std::shared_ptr<QORQL_LazyResults> results) {
+void QORQL_LazyTable::project(Cells&& cells, std::shared_ptr<QORQL_LazyResults> results) {
   _cells = std::move(cells);
   _results = std::move(results);
 }
@@ -35,7 +44,7 @@ QORSmrPtr<IQoriObject> QORQL_LazyTable::cellObject(const QORQL_RowView& row, QOR
   QORSmrPtr<IQoriObject> object(row.rows().pointer(column, row.index(column)));
   if (_cells.empty() || object.IsNull()) return object;
   const QORQL_LazyCell& kept = _cells[cell];
-  return QORSmrPtr<IQoriObject>::Make<CQoriBaseObject>(object, kept.allProperties ? allNames(*object) : kept.properties,
+  return QORSmrPtr<IQoriObject>::Make<CQoriBaseObject>(object, kept.allProperties ? allNames(*object) : keptNames(kept),
                                                        true);
 }
 

@@ -5,7 +5,6 @@
 #define QORQL_LAZYTABLE_H
 
 #include <memory>
-#include <vector>
 
 #include "Cimom/QORQL/Lazy/QORQL_LazyResults.h"
 #include "Cimom/QORQL/Lazy/QORQL_LazyRows.h"
@@ -16,11 +15,15 @@
 struct QORQL_LazyCell {
   QORuint32 sourceColumn = 0;
   bool allProperties = false;
-  QORSmrPtr<QORValSlist<QORString>> properties;  // kept ones, when not all
+  QORQL_FewList<QORString, 4> properties;  // kept ones, when not all
+  // The same as a list, made when the first object needs it.
+  mutable QORSmrPtr<QORValSlist<QORString>> propertyList;
 };
 
 class QORQL_LazyTable {
  public:
+  using Cells = QORQL_FewList<QORQL_LazyCell, 2>;
+
   explicit QORQL_LazyTable(std::shared_ptr<QORQL_LazyRows> lazyRows) : _rows(std::move(lazyRows)) {}
 
   const std::shared_ptr<QORQL_LazyRows>& rows() const noexcept { return _rows; }
@@ -29,8 +32,8 @@ class QORQL_LazyTable {
 
   // The projection: cells in cell order, behind them that of the function results where there are any; REQUIRES a cell
   // or results. The rows of a table with results are one block.
-  void project(std::vector<QORQL_LazyCell> cells, std::shared_ptr<QORQL_LazyResults> results);
-  const std::vector<QORQL_LazyCell>& cells() const noexcept { return _cells; }
+  void project(Cells&& cells, std::shared_ptr<QORQL_LazyResults> results);
+  const Cells& cells() const noexcept { return _cells; }
   std::size_t cellCount() const noexcept {
     return isProjected() ? _cells.size() + (_results == nullptr ? 0 : 1) : _rows->columnCount();
   }
@@ -53,7 +56,7 @@ class QORQL_LazyTable {
   bool isProjected() const noexcept { return !_cells.empty() || _results != nullptr; }
 
   std::shared_ptr<QORQL_LazyRows> _rows;
-  std::vector<QORQL_LazyCell> _cells;
+  Cells _cells;
   std::shared_ptr<QORQL_LazyResults> _results;
 };
 

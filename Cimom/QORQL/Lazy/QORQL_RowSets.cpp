@@ -15,7 +15,7 @@ QORsint32 QORQL_RowSets::columnOf(const QORString& name) const noexcept {
 }
 
 std::size_t QORQL_RowSets::blockOf(QORuint32 column) const noexcept {
-  const auto found = std::find_if(blocks.begin(), blocks.end(), [column](const std::vector<QORuint32>& block) {
+  const auto found = std::find_if(blocks.begin(), blocks.end(), [column](const QORQL_ColumnList& block) {
     return std::binary_search(block.begin(), block.end(), column);
   });
   return static_cast<std::size_t>(found - blocks.begin());
@@ -24,15 +24,13 @@ std::size_t QORQL_RowSets::blockOf(QORuint32 column) const noexcept {
 QORQL_RowSets QORQL_rowSetsOf(const QORQL_DataTable& table) {
   QORQL_RowSets sets;
   const QORQL_DataTable::HeaderList list(table.getColumnHeaderList());
-  sets.columns.reserve(list->entries());
   QORValSlistIterator<QORSmrPtr<QORQL_TableHeader>> headers(*list);
   while (++headers) sets.columns.push_back(headers.key());
   if (table.lazy() != nullptr) {
-    const std::vector<QORQL_RowBlock>& blocks = table.lazy()->rows()->blocks();
-    sets.blocks.reserve(blocks.size());
-    for (const QORQL_RowBlock& block : blocks) sets.blocks.push_back(block.columns);
+    for (const QORQL_RowBlock& block : table.lazy()->rows()->blocks()) sets.blocks.push_back(block.columns);
   } else if (!sets.columns.empty()) {
-    sets.blocks.emplace_back(sets.columns.size());
+    sets.blocks.resize(1);
+    sets.blocks.front().resize(sets.columns.size());
     std::iota(sets.blocks.front().begin(), sets.blocks.front().end(), QORuint32{0});
   }
   return sets;

@@ -3,8 +3,7 @@
 #ifndef QORQL_ROWSETS_H
 #define QORQL_ROWSETS_H
 
-#include <vector>
-
+#include "Cimom/QORQL/Lazy/QORQL_LazyRows.h"
 #include "Cimom/QORQL/QORQL_DataTable.h"
 #include "Cimom/QORQL/QORQL_TableHeader.h"
 #include "cmpbase.h"
@@ -12,9 +11,9 @@
 // A table without its rows, as far as it decides how a condition is done: lazy rows are the product of their blocks,
 // rows that exist are one set. A value.
 struct QORQL_RowSets {
-  std::vector<QORSmrPtr<QORQL_TableHeader>> columns;
+  QORQL_FewList<QORSmrPtr<QORQL_TableHeader>, 2> columns;
   // The columns of each set, ascending. Every column lies in one set.
-  std::vector<std::vector<QORuint32>> blocks;
+  QORQL_FewList<QORQL_ColumnList, 2> blocks;
 
   // The first column of that class or alias, ignoring case; -1 when there is none.
   QORsint32 columnOf(const QORString& name) const noexcept;

@@ -13,6 +13,7 @@
 #include "Cimom/QORQL/QORQL_ExecutionMonitor.h"
 #include "Cimom/QORQL/QORQL_ExpressionShape.h"
 #include "Cimom/QORQL/QORQL_Factor.h"
+#include "Cimom/QORQL/QORQL_FewList.h"
 #include "Cimom/QORQL/QORQL_FromClause.h"
 #include "Cimom/QORQL/QORQL_Query.h"
 #include "Cimom/QORQL/QORQL_SelectList.h"
@@ -128,9 +129,10 @@ std::vector<QORString> QORQL_ResultReader::declaredNames(const QORString& fromNa
 namespace {
 
 // For each column, whether no other has its name.
-std::vector<bool> areUnique(const std::vector<QORQL_ResultReader::Column>& columns) {
+QORQL_FewList<QORuint8, 16> areUnique(const std::vector<QORQL_ResultReader::Column>& columns) {
   constexpr std::size_t kFew = 16;
-  std::vector<bool> unique(columns.size(), true);
+  QORQL_FewList<QORuint8, 16> unique;
+  for (std::size_t i = 0; i < columns.size(); ++i) unique.push_back(true);
   if (columns.size() > kFew) {
     std::map<std::string, std::size_t> counts;
     for (const auto& column : columns) ++counts[QORQL_foldedName(column.name)];
@@ -166,7 +168,7 @@ QORString QORQL_ResultReader::fullNameOf(const Source& source) {
 void QORQL_ResultReader::nameColumns() {
   _columns.resize(_sources.size());
   for (std::size_t i = 0; i < _sources.size(); ++i) _columns[i].name = shortNameOf(_sources[i]);
-  const std::vector<bool> unique = areUnique(_columns);
+  const auto unique = areUnique(_columns);
   for (std::size_t i = 0; i < _sources.size(); ++i) {
     if (!unique[i]) _columns[i].name = fullNameOf(_sources[i]);
   }

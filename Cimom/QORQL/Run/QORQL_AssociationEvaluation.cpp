@@ -221,7 +221,7 @@ bool bringLazily(QORQL_DataTable& table, const QORQL_AssociationTie& tie, const 
   }
   QORQL_RowBlock block = destination.takeBlock();
   table.addExtent(header, std::make_shared<const QORQL_Extent>(destination.objects()));
-  std::vector<QORQL_RowBlock>& blocks = table.lazy()->ownRows().blocks();
+  QORQL_LazyRows::Blocks& blocks = table.lazy()->ownRows().blocks();
   blocks.clear();
   blocks.push_back(std::move(block));
   return true;

@@ -5,6 +5,7 @@
 #include "Cimom/QORQL/QORQL_Helper.h"
 
 #include <memory>
+#include <string_view>
 
 #include "Cimom/QORQL/Lazy/QORQL_LazyTable.h"
 #include "Cimom/QORQL/QORQL_Comparison.h"
@@ -182,6 +183,8 @@ void addTiedObjects(QORSmrPtr<QORQL_DataTable>& table, const ObjectList& objects
   for (const QORQL_AssociationTie& tie : table->takeOpenTies(source.className)) QORQL_applyTie(*table, tie);
 }
 
+constexpr std::string_view kEnumerateCall = "Issued an enumerate instance call for '";
+
 // Columns of lazy rows are distinguished by their names, so an alias that two
 // columns share makes real rows.
 bool mayBeLazy(QORQL_DataTable& table, const QORString& className, const QORString& alias) {
@@ -222,7 +225,9 @@ void QORQL_Helper::updateTable(const QORString& name, QORQL_SymbolTable& symbolT
 QORQL_Helper::ObjectList QORQL_Helper::enumerateInstance(const QORString& className, const NameList& properties,
                                                          const QORString& nameSpace, const QORString& queryString,
                                                          const QORString& queryLanguage) {
-  QORQL_logTrace(QORString("Issued an enumerate instance call for '") + className + "'");
+  QORString message;
+  message.reserve(kEnumerateCall.size() + className.length() + 1);
+  QORQL_logTrace(message.append(kEnumerateCall).append(className.view()) += '\'');
   QORSmrPtr<QoriTransactionInfo> transaction;
   if (!queryString.isEmpty() && !queryLanguage.isEmpty()) {
     const QORString& none = QORString::emptyString();

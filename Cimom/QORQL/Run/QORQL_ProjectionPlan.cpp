@@ -43,7 +43,6 @@ class ReferenceFinder : public QORQL_ExpressionVisitor {
 QORQL_ProjectionPlan::QORQL_ProjectionPlan(const QORQL_SelectList& list, const QORQL_SymbolTable& symbols,
                                            const QORQL_DataTable& table)
     : _symbols(symbols) {
-  _items.reserve(list.getSelectedEntries()->entries());
   QORValSlistIterator<QORSmrPtr<QORQL_SelectedEntry>> entries(*list.getSelectedEntries());
   while (++entries) {
     if (entries.key()->isSelectAll()) {

@@ -3,9 +3,8 @@
 #ifndef QORQL_PROJECTIONPLAN_H
 #define QORQL_PROJECTIONPLAN_H
 
-#include <vector>
-
 #include "Cimom/QORQL/QORQL_DataTable.h"
+#include "Cimom/QORQL/QORQL_FewList.h"
 #include "Cimom/QORQL/QORQL_SelectList.h"
 #include "cmpbase.h"
 
@@ -27,7 +26,9 @@ class QORQL_ProjectionPlan {
   // what the sort key names; a run on a projected table does not.
   QORQL_ProjectionPlan(const QORQL_SelectList& list, const QORQL_SymbolTable& symbols, const QORQL_DataTable& table);
 
-  const std::vector<Item>& items() const noexcept { return _items; }
+  using Items = QORQL_FewList<Item, 4>;
+
+  const Items& items() const noexcept { return _items; }
   bool hasFunctions() const noexcept { return _hasFunctions; }
 
  private:
@@ -39,7 +40,7 @@ class QORQL_ProjectionPlan {
 
   const QORQL_SymbolTable& _symbols;
   bool _isForSort = false;
-  std::vector<Item> _items;
+  Items _items;
   bool _hasFunctions = false;
 };
 

@@ -34,8 +34,9 @@ constexpr QORuint32 kAggregateError = 15;
 using EntryIterator = QORValSlistIterator<QORSmrPtr<QORQL_SelectedEntry>>;
 
 // Where the projected table keeps the cell of each column: adding the headers
-// one by one at the front has reversed them, while cells follow their order.
+// one by one at the front has reversed them, while cells follow their order. A single one stays where it is.
 std::vector<QORuint32> reversedPositions(QORuint32 count) {
+  if (count < 2) return {};
   std::vector<QORuint32> positions(count);
   for (QORuint32 column = 0; column < count; ++column) positions[column] = count - 1 - column;
   return positions;
@@ -87,7 +88,7 @@ void QORQL_SelectList::_updateTableIfRequired(QORQL_SymbolTable& symbols, Table&
 // The columns of what is kept, each once, then that of the function results.
 QORQL_SelectList::HeaderList QORQL_SelectList::_buildTableHeader(const Table& table, const QORQL_ProjectionPlan& plan) {
   HeaderList headers(HeaderList::Make());
-  std::vector<QORsint32> seen;
+  QORQL_FewList<QORsint32, 8> seen;
   for (const QORQL_ProjectionPlan::Item& item : plan.items()) {
     const QORsint32 column = table->getObjectColumn(item.className);
     if (column < 0 || std::find(seen.begin(), seen.end(), column) != seen.end()) continue;
@@ -103,11 +104,8 @@ QORQL_SelectList::HeaderList QORQL_SelectList::_buildTableHeader(const Table& ta
 
 namespace {
 
-// What a lazy projection keeps of one column.
-struct Kept {
-  bool all = false;
-  QORSmrPtr<QORValSlist<QORString>> names = QORSmrPtr<QORValSlist<QORString>>::Make();
-};
+// What a lazy projection keeps of each column.
+using Kept = QORQL_LazyTable::Cells;
 
 // Every object that may be read has the property.
 bool hasProperty(const QORQL_Extent& extent, const QORString& propertyName) {
@@ -117,7 +115,7 @@ bool hasProperty(const QORQL_Extent& extent, const QORString& propertyName) {
   return true;
 }
 
-bool keepLazily(const QORQL_DataTable& table, const QORQL_ProjectionPlan& plan, std::vector<Kept>& kept) {
+bool keepLazily(const QORQL_DataTable& table, const QORQL_ProjectionPlan& plan, Kept& kept) {
   const QORQL_LazyTable& lazy = *table.lazy();
   kept.resize(lazy.rows()->columnCount());
   for (const QORQL_ProjectionPlan::Item& item : plan.items()) {
@@ -129,9 +127,9 @@ bool keepLazily(const QORQL_DataTable& table, const QORQL_ProjectionPlan& plan, 
     if (!extent.hasLayouts()) return false;
     if (item.namesObjectOnly) continue;
     if (item.keepsAll()) {
-      kept[source].all = true;
+      kept[source].allProperties = true;
     } else if (hasProperty(extent, item.propertyName)) {
-      kept[source].names->append(item.propertyName);
+      kept[source].properties.push_back(item.propertyName);
     } else if (!item.isForSort) {
       return false;
     }
@@ -146,20 +144,21 @@ bool keepLazily(const QORQL_DataTable& table, const QORQL_ProjectionPlan& plan, 
 bool QORQL_SelectList::_projectLazily(QORQL_SymbolTable& symbols, Table& table, const Table& resultTable,
                                       const HeaderList& headers, const QORQL_ProjectionPlan& plan) const {
   if (table->lazy() == nullptr) return false;
-  std::vector<Kept> kept;
+  Kept kept;
   if (!keepLazily(*table, plan, kept)) return false;
   std::shared_ptr<QORQL_LazyResults> results;
   if (plan.hasFunctions()) {
     results = table->isProjected() ? table->lazy()->results() : QORQL_computeLazily(*this, symbols, table);
     if (results == nullptr) return false;
   }
-  std::vector<QORQL_LazyCell> cells;
+  QORQL_LazyTable::Cells cells;
   QORValSlistIterator<QORSmrPtr<QORQL_TableHeader>> iterator(*headers);
   while (++iterator) {
     if (cells.size() + 1 == headers->entries() && results != nullptr) break;  // the column of function results
     const QORuint32 column = static_cast<QORuint32>(table->getColumnIndex(iterator.key()->getName()));
     const QORuint32 source = table->lazy()->sourceColumn(table->cellOfColumn(column));
-    cells.push_back({source, kept[source].all, kept[source].names});
+    kept[source].sourceColumn = source;
+    cells.push_back(kept[source]);
   }
   if (cells.empty() && results == nullptr) return false;
   auto lazy = std::make_unique<QORQL_LazyTable>(table->lazy()->rows());

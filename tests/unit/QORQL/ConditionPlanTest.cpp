@@ -18,7 +18,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 using Plan = QORQL_ConditionPlan;
-using Sets = std::vector<std::vector<QORuint32>>;
+using Sets = decltype(QORQL_RowSets::blocks);
 
 constexpr char kModel[] = R"(
 class A { [key] uint32 Id; string Text; uint16 List[]; };
@@ -45,10 +45,12 @@ class Planned {
   Plan on(const Sets& blocks) const {
     QORQL_RowSets sets;
     std::size_t count = 0;
-    for (const std::vector<QORuint32>& block : blocks) count += block.size();
+    for (const QORQL_ColumnList& block : blocks) count += block.size();
     const char* const names[] = {"A", "B", "C"};
     const char* const aliases[] = {"A", "OTHER", "C"};
-    for (std::size_t i = 0; i < count; ++i) sets.columns.emplace_back(new QORQL_TableHeader(names[i], aliases[i], ""));
+    for (std::size_t i = 0; i < count; ++i) {
+      sets.columns.push_back(QORSmrPtr<QORQL_TableHeader>::Make(names[i], aliases[i], ""));
+    }
     sets.blocks = blocks;
     return QORQL_planCondition(*_condition, sets);
   }

@@ -1,5 +1,6 @@
 // Lists of objects read in runs, and products of more rows than can be counted.
 // SPDX-License-Identifier: Apache-2.0
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -217,7 +218,7 @@ TEST(LazyRows, AProductTellsItsNumber) {
   const std::size_t number = rows.multiply({3, 0, 1});
   ASSERT_EQ(rows.blocks().size(), 3U);
   EXPECT_EQ(number, 1U);
-  EXPECT_EQ(rows.blocks()[number].columns, (std::vector<QORuint32>{0, 1, 3}));
+  EXPECT_THAT(rows.blocks()[number].columns, testing::ElementsAre(0, 1, 3));
   QORQL_RowBlock block;
   block.columns = {0, 1, 2, 3};
   EXPECT_EQ(rows.replaceBlocks({0, 1}, std::move(block)), 0U);

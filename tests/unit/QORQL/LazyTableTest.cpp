@@ -37,8 +37,7 @@ TEST_F(LazyTable, MakesRowsOfWhatAProjectionKeeps) {
   all.sourceColumn = 1;
   all.allProperties = true;
   QORQL_LazyCell one;
-  one.properties = QORSmrPtr<QORValSlist<QORString>>(new QORValSlist<QORString>());
-  one.properties->append("K");
+  one.properties = {"K"};
   projected.project({all, one}, nullptr);
   EXPECT_EQ(projected.cellCount(), 2U);
   EXPECT_EQ(projected.sourceColumn(0), 1U);
