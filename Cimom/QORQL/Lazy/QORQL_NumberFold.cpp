@@ -44,15 +44,22 @@ QoriScalar fitted(Wide value, bool prefersUnsigned) noexcept {
   return number;
 }
 
+// NULL and numbers, told without a branch for each.
+bool isTaken(ScalarKind kind) noexcept {
+  constexpr auto bitOf = [](ScalarKind taken) { return 1U << static_cast<unsigned>(taken); };
+  constexpr unsigned kTaken =
+      bitOf(ScalarKind::Null) | bitOf(ScalarKind::Unsigned) | bitOf(ScalarKind::Signed) | bitOf(ScalarKind::Real);
+  return (kTaken >> static_cast<unsigned>(kind) & 1U) != 0;
+}
+
 }  // namespace
 
 template <class Values>
 bool QORQL_NumberFold::takesRun(const Values& values, std::size_t count) const noexcept {
   if (_functionID == QORQL_FUNCTIONID_COUNT) return true;
-  for (std::size_t i = 0; i < count; ++i) {
-    if (!values[i].isNull() && !values[i].isNumber()) return false;
-  }
-  return true;
+  bool areTaken = true;
+  for (std::size_t i = 0; i < count; ++i) areTaken &= isTaken(values[i].kind);
+  return areTaken;
 }
 
 template <class Values>
@@ -95,22 +102,37 @@ std::size_t QORQL_NumberFold::addAlike(const Values& values, std::size_t first, 
   return i - first;
 }
 
+template <class Values, class IsBetter>
+std::size_t QORQL_NumberFold::addToExtreme(const Values& values, std::size_t first, std::size_t count,
+                                           QORuint64 firstRow, const IsBetter& isBetter) noexcept {
+  QORuint64 extreme = _folded.u;
+  std::size_t place = count;  // of the extreme among the values; count: it is none of them
+  std::size_t i = first;
+  for (; i < count; ++i) {
+    const QoriScalar& value = values[i];
+    if (value.kind != ScalarKind::Unsigned) break;
+    if (!isBetter(value.u, extreme)) continue;
+    extreme = value.u;
+    place = i;
+  }
+  if (place != count) {
+    _folded.u = extreme;
+    _row = firstRow + place;
+    _isRowsOwn = true;
+  }
+  return i - first;
+}
+
 template <class Values>
 std::size_t QORQL_NumberFold::addUnsigned(const Values& values, std::size_t first, std::size_t count,
                                           QORuint64 firstRow) noexcept {
-  std::size_t i = first;
-  if (_functionID == QORQL_FUNCTIONID_MIN || _functionID == QORQL_FUNCTIONID_MAX) {
-    const bool wantsLeast = _functionID == QORQL_FUNCTIONID_MIN;
-    for (; i < count; ++i) {
-      const QoriScalar& value = values[i];
-      if (value.kind != ScalarKind::Unsigned) break;
-      if (wantsLeast ? value.u >= _folded.u : value.u <= _folded.u) continue;
-      _folded.u = value.u;
-      _row = firstRow + i;
-      _isRowsOwn = true;
-    }
-    return i - first;
+  if (_functionID == QORQL_FUNCTIONID_MIN) {
+    return addToExtreme(values, first, count, firstRow, [](QORuint64 a, QORuint64 b) { return a < b; });
   }
+  if (_functionID == QORQL_FUNCTIONID_MAX) {
+    return addToExtreme(values, first, count, firstRow, [](QORuint64 a, QORuint64 b) { return a > b; });
+  }
+  std::size_t i = first;
   QORuint64 sum = _folded.u;
   for (; i < count; ++i) {
     const QoriScalar& value = values[i];
@@ -124,9 +146,12 @@ std::size_t QORQL_NumberFold::addUnsigned(const Values& values, std::size_t firs
 
 template bool QORQL_NumberFold::takesRun(const QoriScalar* const& values, std::size_t count) const noexcept;
 template bool QORQL_NumberFold::takesRun(const QORQL_PlacedCells& values, std::size_t count) const noexcept;
+template bool QORQL_NumberFold::takesRun(const QORQL_DenseCells& values, std::size_t count) const noexcept;
 template std::size_t QORQL_NumberFold::addRun(const QoriScalar* const& values, std::size_t count,
                                               QORuint64 firstRow) noexcept;
 template std::size_t QORQL_NumberFold::addRun(const QORQL_PlacedCells& values, std::size_t count,
+                                              QORuint64 firstRow) noexcept;
+template std::size_t QORQL_NumberFold::addRun(const QORQL_DenseCells& values, std::size_t count,
                                               QORuint64 firstRow) noexcept;
 
 void QORQL_NumberFold::addToSum(const QoriScalar& value) noexcept {

@@ -16,6 +16,12 @@ struct QORQL_PlacedCells {
   QORuint32 offset;
   const QoriScalar& operator[](std::size_t i) const noexcept { return QORQL_PropertyColumn::viewIn(cells[i], offset); }
 };
+// The same where every row has an object.
+struct QORQL_DenseCells {
+  const char* const* cells;
+  QORuint32 offset;
+  const QoriScalar& operator[](std::size_t i) const noexcept { return QoriCells::at(cells[i], offset); }
+};
 
 class QORQL_NumberFold {
  public:
@@ -33,8 +39,8 @@ class QORQL_NumberFold {
     return value.isNumber() && addNumber(value, row);
   }
 
-  // Whether add() would take each of the values of some rows that follow one another: a QoriScalar*, or
-  // QORQL_PlacedCells.
+  // Whether add() would take each of the values of some rows that follow one another: a QoriScalar*,
+  // QORQL_PlacedCells or QORQL_DenseCells.
   template <class Values>
   bool takesRun(const Values& values, std::size_t count) const noexcept;
   // Adds them; returns how many are not NULL. REQUIRES takesRun().
@@ -58,6 +64,10 @@ class QORQL_NumberFold {
   // The same of unsigned ones. REQUIRES an unsigned fold.
   template <class Values>
   std::size_t addUnsigned(const Values& values, std::size_t first, std::size_t count, QORuint64 firstRow) noexcept;
+  // The same for an extreme; isBetter(a, b) tells which of two is nearer to it.
+  template <class Values, class IsBetter>
+  std::size_t addToExtreme(const Values& values, std::size_t first, std::size_t count, QORuint64 firstRow,
+                           const IsBetter& isBetter) noexcept;
   void addToSum(const QoriScalar& value) noexcept;
   QORSmrPtr<IQoriValue> madeValue() const;
 
