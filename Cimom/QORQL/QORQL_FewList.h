@@ -50,6 +50,10 @@ class QORQL_FewList {
   T& back() noexcept { return data()[_size - 1]; }
   const T& back() const noexcept { return data()[_size - 1]; }
 
+  // Afterwards adding up to so many values takes no further memory.
+  void reserve(std::size_t size) {
+    if (size > kFew) _many.reserve(size);
+  }
   void push_back(T value) {
     if (_size < kFew) {
       _few[_size] = std::move(value);

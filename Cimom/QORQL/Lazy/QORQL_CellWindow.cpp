@@ -30,20 +30,23 @@ void QORQL_CellWindow::begin() {
                             [](const QORQL_PropertyColumn& column) { return column.readsCells(); });
 }
 
+// Where there is no memory to find the objects, the window is left without rows.
 void QORQL_CellWindow::fill(const QORQL_RowBlock& block, QORuint64 row) {
   constexpr std::size_t kGrowth = 8;
   if (_cells == nullptr) begin();
   const bool isNext = row == _first + _count;
   const std::size_t wanted = isNext ? std::min(kBatch, _count * kGrowth + 1) : 1;
+  const std::size_t ahead = std::exchange(_aheadCount, 0);
   _first = row;
-  if (isNext && _aheadCount != 0) {
-    _count = _aheadCount;
+  if (isNext && ahead != 0) {
+    _count = ahead;
     std::swap(_cells, _ahead);
   } else {
-    _count = static_cast<std::size_t>(std::min<QORuint64>(wanted, block.rowCount - row));
-    read(block, _first, _count, _cells);
+    _count = 0;
+    const std::size_t count = static_cast<std::size_t>(std::min<QORuint64>(wanted, block.rowCount - row));
+    read(block, _first, count, _cells);
+    _count = count;
   }
-  _aheadCount = 0;
   if (_ahead != nullptr && _count == kBatch) readAhead(block);
 }
 
@@ -53,8 +56,9 @@ void QORQL_CellWindow::readAhead(const QORQL_RowBlock& block) {
     return static_cast<std::size_t>(std::min<QORuint64>(kBatch, block.rowCount - first));
   };
   const QORuint64 next = _first + _count;
-  _aheadCount = countFrom(next);
-  read(block, next, _aheadCount, _ahead);
+  const std::size_t nextCount = countFrom(next);
+  read(block, next, nextCount, _ahead);
+  _aheadCount = nextCount;
   const QORuint64 later = next + _aheadCount;
   const std::size_t count = countFrom(later);
   const bool areAtHand =

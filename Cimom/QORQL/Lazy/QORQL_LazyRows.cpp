@@ -391,6 +391,7 @@ std::size_t QORQL_LazyRows::multiply(const QORQL_BlockList& blockNumbers) {
 std::size_t QORQL_LazyRows::replaceBlocks(const QORQL_BlockList& blockNumbers, QORQL_RowBlock&& block) {
   Blocks kept;
   std::size_t place = 0;
+  kept.reserve(_blocks.size());
   _blocks[blockNumbers.front()] = std::move(block);
   for (std::size_t number = 0; number < _blocks.size(); ++number) {
     const bool stays = number == blockNumbers.front() ||

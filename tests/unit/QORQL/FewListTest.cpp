@@ -128,6 +128,17 @@ TEST(FewList, AppendsTheValuesOfAnother) {
   }
 }
 
+TEST(FewList, HasRoomForWhatWasReserved) {
+  List list;
+  list.reserve(7);
+  for (int i = 0; i < 3; ++i) list.push_back(text(i));
+  list.push_back(text(3));
+  const std::string* const place = list.data();
+  for (int i = 4; i < 7; ++i) list.push_back(text(i));
+  EXPECT_EQ(list.data(), place) << "no other memory was taken";
+  EXPECT_EQ(list, listOf(7));
+}
+
 TEST(FewList, EqualsAListOfTheSameValues) {
   EXPECT_EQ(listOf(2), listOf(2));
   EXPECT_EQ(listOf(5), listOf(5));
