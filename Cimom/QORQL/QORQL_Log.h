@@ -15,8 +15,7 @@ inline void QORQL_logAs(const QORString& who, const QORString& message, QoriTrac
 // A line is lost when there is no memory for it.
 inline void QORQL_logOwn(const QORString& message, QoriTraceLog::Severity severity) noexcept {
   try {
-    static const QORString who("CQL");
-    QORQL_logAs(who, message, severity);
+    QORQL_logAs("CQL", message, severity);
   } catch (const std::bad_alloc&) {
     return;
   }

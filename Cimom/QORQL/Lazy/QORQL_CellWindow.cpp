@@ -50,13 +50,14 @@ void QORQL_CellWindow::fill(const QORQL_RowBlock& block, QORuint64 row) {
   if (_ahead != nullptr && _count == kBatch) readAhead(block);
 }
 
-// What is only asked for is not read from a list, where the caller would have to go back.
+// Cells are asked for only where they are at hand: in a list, one would have to go back for the next rows.
 void QORQL_CellWindow::readAhead(const QORQL_RowBlock& block) {
   const auto countFrom = [&block](QORuint64 first) {
     return static_cast<std::size_t>(std::min<QORuint64>(kBatch, block.rowCount - first));
   };
   const QORuint64 next = _first + _count;
   const std::size_t nextCount = countFrom(next);
+  if (nextCount == 0) return;
   read(block, next, nextCount, _ahead);
   _aheadCount = nextCount;
   const QORuint64 later = next + _aheadCount;

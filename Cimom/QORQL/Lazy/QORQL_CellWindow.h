@@ -10,8 +10,8 @@
 #include "Cimom/QORQL/Lazy/QORQL_PropertyColumn.h"
 
 // A caller that reads the rows in order finds most cells here. A row out of order is
-// read alone, so that hardly a cell is read in vain. Only properties are read: that
-// makes no calls and cannot fail.
+// read alone, so that few cells are read in vain. Only properties are read: that makes
+// no calls of the object manager, and nothing fails but for want of memory.
 class QORQL_CellWindow {
  public:
   // Returns the column's number. A property that is one of the first few columns has the number of that one.

@@ -25,18 +25,14 @@ bool isPreFilterEnabled() {
   return isEnabled.load(std::memory_order_relaxed);
 }
 
-const QORString& qualifierOfSource() {
-  static const QORString name(QORQL_ExecutionMessages::kProviderFiltered);
-  return name;
-}
-
 bool isFilteredAtSource(const QORSmrPtr<IQoriObject>& object) {
   const QORSmrPtr<IQoriRepository> repository(
       QoriProviderPluginManager::getQoriProviderPluginManager()->getRepository());
   if (repository.IsNull()) return false;
   const QORSmrPtr<IQoriClass> declaration(
       repository->getClass(IQoriObject::getLocalNameSpace(object), object->getClassName()));
-  return !declaration.IsNull() && declaration->getQualifier(qualifierOfSource(), true) != nullptr;
+  return !declaration.IsNull() &&
+         declaration->getQualifier(QORQL_ExecutionMessages::kProviderFiltered, true) != nullptr;
 }
 
 }  // namespace
