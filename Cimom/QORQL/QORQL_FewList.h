@@ -10,9 +10,9 @@
 #include <utility>
 #include <vector>
 
-// The names and the meaning are those of std::vector. A statement makes dozens of lists of one or two values: a
-// column's blocks, a condition's columns. Up to kFew values lie in the list itself, more in a vector. Pointers and
-// iterators are valid until a value is added, or the list is moved.
+// The names are those of std::vector. A statement makes dozens of lists of one or two values: a column's blocks, a
+// condition's columns. Up to kFew values lie in the list itself, more in a vector. Pointers and iterators are valid
+// until values are added or dropped, or the list is moved. append() and resize() may stop half-way for want of memory.
 template <class T, std::size_t kFew>
 class QORQL_FewList {
  public:
