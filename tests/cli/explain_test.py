@@ -6,6 +6,7 @@ import tempfile
 import unittest
 
 import toolcase
+from terminal import read_all
 from toolcase import MODEL, ToolCase
 
 OR = "SELECT Id FROM Shop_Item WHERE Id = 1 OR Id = 2"
@@ -193,7 +194,7 @@ class Warnings(ToolCase):
                                          stdout=toolcase.subprocess.PIPE, check=False)
         os.close(theirs)
         self.assertEqual((result.returncode, result.stdout), (0, b"Id\n2\n"))
-        self.assertEqual(os.read(ours, 1000).decode().replace("\r\n", "\n"),
+        self.assertEqual(read_all(ours).decode().replace("\r\n", "\n"),
                          OR_WARNING + "  " + OR + "\n" + " " * 40 + "^\n")
 
 

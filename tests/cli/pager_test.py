@@ -13,6 +13,7 @@ import time
 import unittest
 
 import toolcase
+from terminal import read_piece
 from toolcase import MODEL, ToolCase, at_terminal
 
 SECONDS = int(os.environ.get("QORQL_PATIENCE", "60"))
@@ -53,10 +54,7 @@ class Pager(ToolCase):
                 self.fail(f"{text!r} does not come: {self.shown[-500:]!r}")
             if not select.select([self.terminal], [], [], 0.2)[0]:
                 continue
-            try:
-                part = os.read(self.terminal, 65536)
-            except OSError:
-                part = b""
+            part = read_piece(self.terminal)
             if not part:
                 self.assertIsNone(text, self.shown)
                 break

@@ -13,6 +13,7 @@ import time
 import unittest
 
 import toolcase
+from terminal import read_piece
 from toolcase import MODEL, ToolCase, at_terminal
 
 PROMPT = "qorql> "
@@ -84,10 +85,7 @@ class Person:
         """False at the end."""
         if not select.select([self.terminal], [], [], timeout)[0]:
             return True
-        try:
-            part = os.read(self.terminal, 65536)
-        except OSError:
-            return False
+        part = read_piece(self.terminal)
         self.raw += part
         return bool(part)
 

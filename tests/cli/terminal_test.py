@@ -8,8 +8,10 @@ import subprocess
 import termios
 import unicodedata
 import unittest
+from unittest import mock
 
 import toolcase
+from terminal import read_all, read_piece
 from toolcase import MODEL, ToolCase, at_terminal
 
 
@@ -32,17 +34,16 @@ class Terminal(ToolCase):
                               stdout=theirs, stderr=theirs if standard_error else subprocess.PIPE,
                               env=environment) as tool:
             os.close(theirs)
-            shown = b""
-            while True:
-                try:
-                    part = os.read(ours, 65536)
-                except OSError:
-                    break
-                if not part:
-                    break
-                shown += part
+            shown = read_all(ours)
             status = tool.wait(timeout=60)
         return status, shown.decode("utf-8").replace("\r\n", "\n")
+
+    def test_an_end_that_is_told_too_early_loses_nothing(self):
+        for end in (OSError(5, "Input/output error"), b""):
+            with self.subTest(end=end), mock.patch("os.read", side_effect=[b"one\n", end, b"two\n", end, end]):
+                self.assertEqual(read_all(0), b"one\ntwo\n")
+            with self.subTest(end=end), mock.patch("os.read", side_effect=[end, end]):
+                self.assertEqual(read_piece(0), b"")
 
     def table(self, *arguments, **options):
         status, shown = self.show(*arguments, **options)

@@ -10,6 +10,7 @@ import tempfile
 import unittest
 
 HERE = os.path.dirname(os.path.abspath(__file__))
+sys.path.insert(1, os.path.join(HERE, "..", "support"))  # terminal.py
 MODEL = os.path.join(HERE, "model.mof")
 TOOL = None
 SKIPPED = 77  # the exit status by which ctest knows that something was left out

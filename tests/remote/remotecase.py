@@ -16,6 +16,8 @@ from cim_model import Model
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 TESTS = os.path.dirname(HERE)
+sys.path.insert(1, os.path.join(TESTS, "support"))  # terminal.py
+
 DTD = os.path.join(TESTS, "support", "CIM_DTD_V24.dtd")
 PLANT = os.path.join(HERE, "plant.mof")
 SKIPPED = 77  # the exit status by which ctest knows that something was left out

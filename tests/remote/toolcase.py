@@ -8,6 +8,7 @@ import time
 
 import faults
 from remotecase import PLANT, RemoteCase
+from terminal import read_piece
 
 TOOL = os.environ.get("QORQL_TOOL", "qorql")
 
@@ -70,18 +71,15 @@ class ToolCase(RemoteCase):
         if pid == 0:
             os.execve(TOOL, [TOOL, *arguments], self.environment())
         shown, end = b"", time.monotonic() + 30
-        try:
-            while time.monotonic() < end:
-                if not select.select([terminal], [], [], 0.2)[0]:
-                    continue
-                piece = os.read(terminal, 4096)
-                if not piece:
-                    break
-                shown += piece
-                if answer and shown.rstrip().endswith(b":"):
-                    os.write(terminal, answer.encode() + b"\n")
-                    answer = None
-        except OSError:
-            pass  # the tool has closed it
+        while time.monotonic() < end:
+            if not select.select([terminal], [], [], 0.2)[0]:
+                continue
+            piece = read_piece(terminal)
+            if not piece:
+                break
+            shown += piece
+            if answer and shown.rstrip().endswith(b":"):
+                os.write(terminal, answer.encode() + b"\n")
+                answer = None
         os.close(terminal)
         return os.waitstatus_to_exitcode(os.waitpid(pid, 0)[1]), shown.decode("utf-8", "replace")

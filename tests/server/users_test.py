@@ -13,6 +13,7 @@ import time
 import servercase
 from certificates import Certificates
 from servercase import ServerCase, request, request_headers
+from terminal import read_piece
 
 LIMITS = ("--limit", "failures=3", "--limit", "failure-wait=2")
 
@@ -118,17 +119,17 @@ class UsersTest(ServerCase):
         if pid == 0:
             os.execve(servercase.TOOL, [servercase.TOOL, "passwd", self.users, "anna"], self.environment())
         shown, answers, end = b"", list(answers), time.monotonic() + 30
-        try:
-            while time.monotonic() < end:
-                if not select.select([terminal], [], [], 0.2)[0]:
-                    continue
-                shown += os.read(terminal, 4096)
-                if answers and shown.rstrip().endswith(b":"):
-                    os.write(terminal, answers.pop(0).encode() + b"\n")
-                    shown += b" "
-                    time.sleep(0.1)
-        except OSError:
-            pass  # the tool has closed it
+        while time.monotonic() < end:
+            if not select.select([terminal], [], [], 0.2)[0]:
+                continue
+            piece = read_piece(terminal)
+            if not piece:
+                break
+            shown += piece
+            if answers and shown.rstrip().endswith(b":"):
+                os.write(terminal, answers.pop(0).encode() + b"\n")
+                shown += b" "
+                time.sleep(0.1)
         os.close(terminal)
         self.assertNotIn(b"new\r", shown)
         return os.waitstatus_to_exitcode(os.waitpid(pid, 0)[1])
