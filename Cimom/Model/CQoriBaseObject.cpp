@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <new>
 #include <typeinfo>
 #include <utility>
 #include <vector>
@@ -47,10 +48,40 @@ class RestrictionMemo {
   std::array<Entry, 8> _entries;
 };
 
+struct OwnMemo {
+  RestrictionMemo* memo = nullptr;
+  bool hasEnded = false;
+};
+
+constinit thread_local OwnMemo theMemo;
+
+// Frees the thread's memo at its end. What a later destructor restricts, of the thread or
+// of the process, is not remembered: nobody would free it.
+struct MemoHolder {
+  MemoHolder() = default;
+  MemoHolder(const MemoHolder&) = delete;
+  MemoHolder& operator=(const MemoHolder&) = delete;
+  ~MemoHolder() {
+    theMemo.hasEnded = true;
+    delete std::exchange(theMemo.memo, nullptr);
+  }
+};
+
+// Null when there is no room for one: it saves time, and nothing else.
+RestrictionMemo* ownMemo() {
+  OwnMemo& own = theMemo;
+  if (own.memo == nullptr && !own.hasEnded) {
+    own.memo = new (std::nothrow) RestrictionMemo;
+    static thread_local const MemoHolder theHolder;
+  }
+  return own.memo;
+}
+
 QORSmrPtr<ModelRestriction> restrictionOf(const ModelLayout& layout, const Names& names) {
-  thread_local RestrictionMemo memo;
-  static const QORValSlist<QORString> none;
-  return memo.find(layout, names.IsNull() ? none : *names);
+  const QORValSlist<QORString> none;
+  const QORValSlist<QORString>& listed = names.IsNull() ? none : *names;
+  RestrictionMemo* const memo = ownMemo();
+  return memo == nullptr ? layout.restrictTo(listed) : memo->find(layout, listed);
 }
 
 bool isListed(const QORValSlist<QORString>& names, const QORString& name) {

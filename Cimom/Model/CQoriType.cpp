@@ -52,22 +52,29 @@ namespace {
 
 using TypeTable = std::array<QORSmrPtr<IQoriType>, kTypeCount>;
 
+// The tables are never destroyed: queries may still run while the process ends.
 const TypeTable& scalarTypes() {
-  static const TypeTable types = {CQoriType::sint8,    CQoriType::uint8,  CQoriType::sint16,    CQoriType::uint16,
-                                  CQoriType::sint32,   CQoriType::uint32, CQoriType::sint64,    CQoriType::uint64,
-                                  CQoriType::real32,   CQoriType::real64, CQoriType::boolean,   CQoriType::string,
-                                  CQoriType::datetime, CQoriType::char16, CQoriType::reference, CQoriType::object};
+  static const TypeTable& types =
+      *new TypeTable{CQoriType::sint8,    CQoriType::uint8,  CQoriType::sint16,    CQoriType::uint16,
+                     CQoriType::sint32,   CQoriType::uint32, CQoriType::sint64,    CQoriType::uint64,
+                     CQoriType::real32,   CQoriType::real64, CQoriType::boolean,   CQoriType::string,
+                     CQoriType::datetime, CQoriType::char16, CQoriType::reference, CQoriType::object};
+  return types;
+}
+
+TypeTable makeArrayTypes() {
+  TypeTable types;
+  for (std::size_t i = 0; i < kTypeCount; ++i) types[i] = makeType(static_cast<Code>(i), true);
   return types;
 }
 
 const TypeTable& arrayTypes() {
-  static const TypeTable types = [] {
-    TypeTable made;
-    for (std::size_t i = 0; i < kTypeCount; ++i) made[i] = makeType(static_cast<Code>(i), true);
-    return made;
-  }();
+  static const TypeTable& types = *new TypeTable(makeArrayTypes());
   return types;
 }
+
+// Holds each scalar type once more from the beginning, so that it stays when its constant is destroyed.
+[[gnu::used]] const TypeTable& theKeptTypes = scalarTypes();
 
 }  // namespace
 

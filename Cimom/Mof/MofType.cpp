@@ -92,7 +92,7 @@ IQoriValue::Pointer makeDateTime(const MofValueSyntax& literal, const MofType& t
 }  // namespace
 
 const MofType* findMofType(const QORString& name) {
-  static const std::vector<MofType> types = makeTypes();
+  static const std::vector<MofType>& types = *new std::vector<MofType>(makeTypes());  // stays to the last thread's end
   for (const MofType& type : types) {
     if (type.getName().isEqualCaseInsensitive(name)) return &type;
   }

@@ -42,7 +42,9 @@ class QORSmrPtr : public QORSmrPtrImpl {
   requires(std::is_convertible_v<D*, T*> && !std::is_same_v<D, T>) QORSmrPtr(const QORSmrPtr<D>& other)
       : _pointee(sharePointee(static_cast<T*>(other.Get()), other)) {}
 
-  ~QORSmrPtr() { _Release(); }
+  // Leaves its place as it was: where the object is held once more, a thread that still
+  // runs while the process ends finds it through a constant that has been destroyed.
+  ~QORSmrPtr() { releasePointee(_pointee); }
 
   // Holds a new D made from the arguments. Object, count and block are one
   // allocation, where a pointer made from `new D` takes two. THROWS what D's

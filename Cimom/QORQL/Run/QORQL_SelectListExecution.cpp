@@ -2,6 +2,7 @@
 // table and, when there is a stream, writes it as an XML table.
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
+#include <array>
 #include <ostream>
 #include <vector>
 
@@ -30,6 +31,15 @@ const QORString QORQL_SelectList::HTML_SPACE("&#32;");
 namespace {
 
 constexpr QORuint32 kAggregateError = 15;
+
+// Holds each text once more, and is never destroyed: queries may still run while the process ends.
+[[gnu::used]] const auto& theKeptTexts = *new std::array<QORString, 7>{QORQL_SelectList::_FUNCTIONS_VALUES_CLASS,
+                                                                       QORQL_SelectList::DEFAULT_COLUMN_DATA_TYPE,
+                                                                       QORQL_SelectList::XML_LT,
+                                                                       QORQL_SelectList::XML_GT,
+                                                                       QORQL_SelectList::XML_QUOTE,
+                                                                       QORQL_SelectList::HTML_LINE_FEED,
+                                                                       QORQL_SelectList::HTML_SPACE};
 
 using EntryIterator = QORValSlistIterator<QORSmrPtr<QORQL_SelectedEntry>>;
 
