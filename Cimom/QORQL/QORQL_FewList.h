@@ -52,7 +52,7 @@ class QORQL_FewList {
 
   // Afterwards adding up to so many values takes no further memory.
   void reserve(std::size_t size) {
-    if (size > kFew) _many.reserve(size);
+    if (size > kFew) _many.reserve(std::max(size, kLeast));
   }
   void push_back(T value) {
     if (_size < kFew) {
@@ -81,9 +81,11 @@ class QORQL_FewList {
   }
 
  private:
+  static constexpr std::size_t kLeast = 2 * kFew;  // of what more than a few values take
+
   // Moves the first kFew values to where there is room for more.
   void spill() {
-    _many.reserve(2 * kFew);
+    _many.reserve(kLeast);
     _many.assign(std::make_move_iterator(_few.begin()), std::make_move_iterator(_few.end()));
   }
   void dropLast() noexcept {

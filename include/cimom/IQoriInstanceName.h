@@ -28,8 +28,8 @@ class IQoriInstanceName {
   // The key properties in ascending name order, ignoring case. Never null; do not
   // change the list. May be empty: the engine uses toString() to identify instances.
   virtual const QORSmrPtr<KeyList>& getKeys() const {
-    static const QORSmrPtr<KeyList> none(new KeyList);
-    return none;
+    static const QORSmrPtr<KeyList>& noKeys = *new QORSmrPtr<KeyList>(new KeyList);  // also while the process ends
+    return noKeys;
   }
   // The canonical path `namespace:Class.Key1="v",Key2=2`: keys in ascending name
   // order ignoring case, text quoted with `"` and `\` escaped, numbers and

@@ -247,7 +247,6 @@ class QORSmrPtr : public QORSmrPtrImpl {
     }
   }
   void* rawPointer() const noexcept { return const_cast<void*>(static_cast<const volatile void*>(Get())); }
-  void _Release() noexcept { releasePointee(std::exchange(_pointee, nullptr)); }
 
   inline static constinit SmartPointerPointee _nullPointee{};
 

@@ -30,7 +30,7 @@ void QORQL_CellWindow::begin() {
                             [](const QORQL_PropertyColumn& column) { return column.readsCells(); });
 }
 
-// Where there is no memory to find the objects, the window is left without rows.
+// Where there is no memory to find the objects, the window is left without rows, or without those ahead.
 void QORQL_CellWindow::fill(const QORQL_RowBlock& block, QORuint64 row) {
   constexpr std::size_t kGrowth = 8;
   if (_cells == nullptr) begin();

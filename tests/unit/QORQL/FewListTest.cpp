@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "AllocationCount.h"
 #include "Cimom/QORQL/QORQL_FewList.h"
 
 namespace {
@@ -129,14 +130,15 @@ TEST(FewList, AppendsTheValuesOfAnother) {
 }
 
 TEST(FewList, HasRoomForWhatWasReserved) {
-  List list;
-  list.reserve(7);
-  for (int i = 0; i < 3; ++i) list.push_back(text(i));
-  list.push_back(text(3));
-  const std::string* const place = list.data();
-  for (int i = 4; i < 7; ++i) list.push_back(text(i));
-  EXPECT_EQ(list.data(), place) << "no other memory was taken";
-  EXPECT_EQ(list, listOf(7));
+  for (std::size_t size = 1; size < 12; ++size) {
+    QORQL_FewList<std::size_t, 3> list;
+    list.reserve(size);
+    const unsigned long before = allocationCount();
+    for (std::size_t i = 0; i < size; ++i) list.push_back(i);
+    EXPECT_EQ(allocationCount(), before) << size;
+    EXPECT_EQ(list.size(), size);
+    EXPECT_EQ(list.back(), size - 1);
+  }
 }
 
 TEST(FewList, EqualsAListOfTheSameValues) {

@@ -10,6 +10,7 @@
 
 #include "Cimom/QORQL/CQLFilterSet.h"
 #include "Cimom/QORQL/CQLQueryStatement.h"
+#include "cimom/CQoriType.h"
 #include "tests/support/QueryRun.h"
 
 namespace {
@@ -57,32 +58,61 @@ std::string run() {
   return shown.str();
 }
 
-// Stays to the end; null where no process ends here.
-const std::string* theFirst = nullptr;
+// What the end of this process is to do; null where it is not asked for.
+void (*theEnd)() = nullptr;
+
+// Entered before the libraries make their objects, and for none of them: it comes after the last of their
+// destructors. What belongs to the thread, and what is made once for the process, is gone before.
+void enterTheEnd() {
+  on_exit(
+      [](int /*status*/, void* /*argument*/) {
+        if (theEnd != nullptr) theEnd();
+      },
+      nullptr);
+}
+
+[[gnu::section(".preinit_array"), gnu::used]] void (*const atTheBeginning)() = enterTheEnd;
+
+const std::string* theFirst = nullptr;  // stays to the end
 
 void runAgain() {
-  if (theFirst == nullptr) return;
   const std::string last = run();
   std::cerr << last << (last == *theFirst ? "the same\n" : "something else\n");
 }
-
-// Entered before the libraries make their objects, and so called after those are destroyed; what belongs
-// to the thread, and what is made once for the process, is gone long before.
-void enterTheEnd() { std::atexit(runAgain); }
-
-[[gnu::section(".preinit_array"), gnu::used]] void (*const atTheBeginning)() = enterTheEnd;
 
 void endAfterRun() {
   theFirst = new std::string(run());
   const bool isWhole = theFirst->find("2|a,b|root/cimv2:B.K=2|3") != std::string::npos &&
                        theFirst->find("Issued an enumerate instance call") != std::string::npos &&
                        theFirst->find("matched: 7\n") != std::string::npos;
+  theEnd = runAgain;
   std::exit(isWhole ? 0 : 1);
+}
+
+void nameTypes() {
+  for (const QORSmrPtr<IQoriType>* type : {&CQoriType::sint8, &CQoriType::datetime, &CQoriType::object}) {
+    const QORSmrPtr<IQoriType> copy(*type);
+    std::cerr << copy->getName().view() << '\n';
+  }
+}
+
+void endWithTypes() {
+  theEnd = nameTypes;
+  std::exit(0);
 }
 
 }  // namespace
 
-TEST(ProcessEnd, LastRunShowsWhatTheFirstDid) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");  // a process in which nothing has run yet
+struct ProcessEnd : testing::Test {
+  void SetUp() override {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+  }  // in a process in which nothing has run yet
+};
+
+TEST_F(ProcessEnd, LastRunShowsWhatTheFirstDid) {
   EXPECT_EXIT(endAfterRun(), testing::ExitedWithCode(0), "the same\n");
+}
+
+TEST_F(ProcessEnd, TypesThatNobodyHasLookedUpAreThere) {
+  EXPECT_EXIT(endWithTypes(), testing::ExitedWithCode(0), "sint8\ndatetime\nobject\n");
 }
