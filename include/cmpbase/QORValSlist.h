@@ -4,6 +4,7 @@
 #define QORQL_CMPBASE_QORVALSLIST_H
 
 #include <atomic>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -333,7 +334,7 @@ class QORValSlist {
 template <class T>
 QORValSlistItem<T>* QORValSlist<T>::walkTo(QORuint32 index, Places* known, bool isNoted) const noexcept {
   const QORuint64 remembered = _remembered.load(kRelaxed);
-  Item* item = reinterpret_cast<Item*>(static_cast<std::uintptr_t>((remembered & ~kGreatestPlace) >> kAddressShift));
+  Item* item = std::bit_cast<Item*>(static_cast<std::uintptr_t>((remembered & ~kGreatestPlace) >> kAddressShift));
   QORuint32 position = static_cast<QORuint32>(remembered & kGreatestPlace);
   if (item != nullptr && position + 1 == index) {
     item = item->_next;

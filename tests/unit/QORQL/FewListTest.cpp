@@ -29,8 +29,8 @@ List listOf(int count) {
 }
 
 std::vector<std::string> vectorOf(int count) {
-  std::vector<std::string> values;
-  for (int i = 0; i < count; ++i) values.push_back(text(i));
+  std::vector<std::string> values(static_cast<std::size_t>(count));
+  for (int i = 0; i < count; ++i) values[static_cast<std::size_t>(i)] = text(i);
   return values;
 }
 
@@ -85,14 +85,25 @@ TEST(FewList, CopiesAreListsOfTheirOwn) {
 TEST(FewList, OneThatIsMovedFromIsEmptyAndCanBeFilled) {
   for (int count = 0; count < 7; ++count) {
     List from = listOf(count);
-    List to(std::move(from));
+    List& left = from;
+    const List to(std::move(from));
     EXPECT_EQ(to, listOf(count));
-    EXPECT_THAT(from, IsEmpty());
-    from = listOf(6 - count);
+    EXPECT_THAT(left, IsEmpty());
+    left.push_back("again");
+    EXPECT_THAT(left, ElementsAre("again"));
+  }
+}
+
+TEST(FewList, AssigningMovesAndDropsWhatWasThere) {
+  for (int count = 0; count < 7; ++count) {
+    List from = listOf(count);
+    List& left = from;
+    List to = listOf(6 - count);
     to = std::move(from);
-    EXPECT_EQ(to, listOf(6 - count));
-    from.push_back("again");
-    EXPECT_THAT(from, ElementsAre("again"));
+    EXPECT_EQ(to, listOf(count));
+    EXPECT_THAT(left, IsEmpty());
+    left.push_back("again");
+    EXPECT_THAT(left, ElementsAre("again"));
   }
 }
 
