@@ -2,13 +2,12 @@
 # SPDX-License-Identifier: Apache-2.0
 import os
 import pty
-import select
 import subprocess
 import time
 
 import faults
 from remotecase import PLANT, RemoteCase
-from terminal import read_piece
+from terminal import converse
 
 TOOL = os.environ.get("QORQL_TOOL", "qorql")
 
@@ -70,16 +69,6 @@ class ToolCase(RemoteCase):
         pid, terminal = pty.fork()
         if pid == 0:
             os.execve(TOOL, [TOOL, *arguments], self.environment())
-        shown, end = b"", time.monotonic() + 30
-        while time.monotonic() < end:
-            if not select.select([terminal], [], [], 0.2)[0]:
-                continue
-            piece = read_piece(terminal)
-            if not piece:
-                break
-            shown += piece
-            if answer and shown.rstrip().endswith(b":"):
-                os.write(terminal, answer.encode() + b"\n")
-                answer = None
+        shown = converse(terminal, [answer] if answer else [])
         os.close(terminal)
         return os.waitstatus_to_exitcode(os.waitpid(pid, 0)[1]), shown.decode("utf-8", "replace")

@@ -3,7 +3,6 @@
 import base64
 import os
 import pty
-import select
 import socket
 import ssl
 import stat
@@ -13,7 +12,7 @@ import time
 import servercase
 from certificates import Certificates
 from servercase import ServerCase, request, request_headers
-from terminal import read_piece
+from terminal import converse
 
 LIMITS = ("--limit", "failures=3", "--limit", "failure-wait=2")
 
@@ -118,18 +117,7 @@ class UsersTest(ServerCase):
         pid, terminal = pty.fork()
         if pid == 0:
             os.execve(servercase.TOOL, [servercase.TOOL, "passwd", self.users, "anna"], self.environment())
-        shown, answers, end = b"", list(answers), time.monotonic() + 30
-        while time.monotonic() < end:
-            if not select.select([terminal], [], [], 0.2)[0]:
-                continue
-            piece = read_piece(terminal)
-            if not piece:
-                break
-            shown += piece
-            if answers and shown.rstrip().endswith(b":"):
-                os.write(terminal, answers.pop(0).encode() + b"\n")
-                shown += b" "
-                time.sleep(0.1)
+        shown = converse(terminal, answers)
         os.close(terminal)
         self.assertNotIn(b"new\r", shown)
         return os.waitstatus_to_exitcode(os.waitpid(pid, 0)[1])

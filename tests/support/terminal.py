@@ -1,6 +1,8 @@
 """Reads what a program shows at a terminal, to its last byte."""
 # SPDX-License-Identifier: Apache-2.0
 import os
+import select
+import time
 
 
 def read_piece(terminal, size=65536):
@@ -22,3 +24,19 @@ def read_piece(terminal, size=65536):
 def read_all(terminal):
     """What comes until the other end is closed."""
     return b"".join(iter(lambda: read_piece(terminal), b""))
+
+
+def converse(terminal, answers, seconds=30):
+    """What comes until the other end is closed, or the seconds are over; each question, which ends with a colon, is answered."""
+    shown, asked, answers, end = b"", 0, list(answers), time.monotonic() + seconds
+    while time.monotonic() < end:
+        if not select.select([terminal], [], [], 0.2)[0]:
+            continue
+        piece = read_piece(terminal)
+        if not piece:
+            break
+        shown += piece
+        if answers and shown[asked:].rstrip().endswith(b":"):
+            os.write(terminal, answers.pop(0).encode() + b"\n")
+            asked = len(shown)
+    return shown
