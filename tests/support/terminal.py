@@ -1,4 +1,4 @@
-"""Reads what a program shows at a terminal, to its last byte."""
+"""Reads what a program shows at a terminal, to its last byte, and answers what it asks there."""
 # SPDX-License-Identifier: Apache-2.0
 import os
 import select

@@ -103,10 +103,9 @@ void endWithTypes() {
 
 }  // namespace
 
+// Each in a process in which nothing has run yet.
 struct ProcessEnd : testing::Test {
-  void SetUp() override {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-  }  // in a process in which nothing has run yet
+  void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
 };
 
 TEST_F(ProcessEnd, LastRunShowsWhatTheFirstDid) {
